@@ -1,0 +1,15 @@
+#ifndef TAVTHREAD_TAVEXPORT_H
+#define TAVTHREAD_TAVEXPORT_H
+
+/// Marks what the thread layer exports; everything else stays inside the shared object.
+#define TAV_API __attribute__((visibility("default")))
+
+#ifdef __cplusplus
+#define TAV_EXTERN_C_BEGIN extern "C" {
+#define TAV_EXTERN_C_END }
+#else
+#define TAV_EXTERN_C_BEGIN
+#define TAV_EXTERN_C_END
+#endif
+
+#endif

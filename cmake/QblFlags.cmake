@@ -1,0 +1,28 @@
+# qbl_flags: how everything of ours is compiled. Installed targets link it by
+# $<BUILD_INTERFACE:qbl_flags>, so that none of it reaches the library's users.
+add_library(qbl_flags INTERFACE)
+target_compile_options(qbl_flags INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow
+  $<$<COMPILE_LANGUAGE:CXX>:-Wconversion -Wnon-virtual-dtor -Woverloaded-virtual>
+  -fno-semantic-interposition
+  # __FILE__ is the path from the root wherever the tree stands; the second map is for
+  # compiler caches that hand over paths relative to build/<preset>.
+  "-fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=" "-fmacro-prefix-map=../../=")
+if(QBL_WERROR)
+  target_compile_options(qbl_flags INTERFACE -Werror)
+endif()
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  target_compile_options(qbl_flags INTERFACE -msse2 -mfpmath=sse)
+endif()
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+  target_compile_options(qbl_flags INTERFACE -Wthread-safety)
+endif()
+if(QBL_SANITIZE)
+  target_compile_options(qbl_flags INTERFACE
+    -fsanitize=${QBL_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(qbl_flags INTERFACE -fsanitize=${QBL_SANITIZE})
+endif()
+if(QBL_COVERAGE)
+  target_compile_options(qbl_flags INTERFACE --coverage)
+  target_link_options(qbl_flags INTERFACE --coverage)
+endif()

@@ -1,0 +1,44 @@
+#ifndef TESTS_SUPPORT_WORKERS_HPP
+#define TESTS_SUPPORT_WORKERS_HPP
+
+#include <atomic>
+#include <functional>
+#include <thread>
+#include <vector>
+
+/// Longest a test waits for something that should happen at once, in milliseconds.
+constexpr unsigned long kTestLimitMs = 20000;
+
+/// Waits until the condition holds; false when that takes longer than kTestLimitMs.
+bool eventually(const std::function<bool()>& condition);
+
+/// Runs a body on several threads; join() or the destructor waits for all of them.
+class Workers {
+public:
+    template <class Body>
+    Workers(int count, Body body) {
+        for (int i = 0; i < count; ++i) m_threads.emplace_back(body);
+    }
+    ~Workers() { join(); }
+    void join() {
+        for (std::thread& t : m_threads)
+            if (t.joinable()) t.join();
+    }
+
+private:
+    std::vector<std::thread> m_threads;
+};
+
+/// A door that stays open once opened: lets a test decide when threads go on.
+class Gate {
+public:
+    void open() { m_open = true; }
+    bool wait() {
+        return eventually([this] { return m_open.load(); });
+    }
+
+private:
+    std::atomic<bool> m_open{false};
+};
+
+#endif
