@@ -1,0 +1,153 @@
+#include "QBLCore/Frame/QBLList.hpp"
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <random>
+#include <string>
+
+namespace {
+
+typedef QBLList<int*> List;
+int values[4] = {10, 20, 30, 40};
+int *a = &values[0], *b = &values[1], *c = &values[2], *d = &values[3];
+
+void fill(List& list) {
+    list.push_back(a);
+    list.push_back(b);
+    list.push_back(c);
+}
+
+std::deque<int*> contents(const List& list) {
+    std::deque<int*> out;
+    for (int* p : list) out.push_back(p);
+    return out;
+}
+
+}  // namespace
+
+TEST(QBLListTest, EmptyListIgnoresRemovalsAndHasANullValue) {
+    List list;
+    EXPECT_TRUE(list.begin() == list.end());
+    list.pop_front();
+    list.pop_back();
+    list.erase(list.begin());
+    list.erase(list.end());
+    list.clear();
+    EXPECT_EQ(0U, list.size());
+    for (unsigned int n : {0U, 1U, 0xFFFFFFFFU}) EXPECT_EQ(nullptr, list.at(n)) << n;
+}
+
+TEST(QBLListTest, IndexPastTheEndGivesTheCursorsElement) {
+    List list;
+    fill(list);
+    EXPECT_EQ(a, list.at(9)) << "a fresh cursor is on the first element";
+    EXPECT_EQ(b, list.at(1));
+    EXPECT_EQ(c, list.at(2)) << "the ends do not move the cursor";
+    EXPECT_EQ(a, list.at(0));
+    EXPECT_EQ(b, list.at(5));
+    const List& view = list;
+    EXPECT_EQ(b, view[3]);
+    list.push_back(d);
+    EXPECT_EQ(a, list.at(9)) << "an insertion resets the cursor";
+}
+
+TEST(QBLListTest, IteratorsStickToBothEndsAndErasingTheEndFreesNothing) {
+    List list;
+    fill(list);
+    List::iterator it = list.end();
+    EXPECT_TRUE(++it == list.end());
+    EXPECT_TRUE(list.erase(list.end()) == list.end());
+    it = list.begin();
+    EXPECT_TRUE(--it == list.begin());
+    EXPECT_EQ(b, *++it);
+    it = list.insert(it, d);
+    EXPECT_EQ(b, *it) << "an insertion leaves the iterator on its element";
+    EXPECT_EQ((std::deque<int*>{a, d, b, c}), contents(list));
+    const unsigned int before = it.index;
+    it = list.erase(it);
+    EXPECT_EQ(c, *it);
+    EXPECT_EQ(before, it.index);
+    EXPECT_EQ(c, list.end()[2]) << "an index from the end counts from the first element";
+    EXPECT_EQ(a, list.end()[9]);
+}
+
+TEST(QBLListTest, RangeErasureStopsAtTheEndWhateverTheRange) {
+    List list, other;
+    fill(list);
+    fill(other);
+    List::iterator second = ++list.begin();
+    EXPECT_TRUE(list.erase(second, list.begin()) == list.begin());
+    EXPECT_EQ((std::deque<int*>{a}), contents(list));
+    list.erase(list.begin(), other.begin());
+    EXPECT_TRUE(list.empty());
+    EXPECT_EQ(3U, other.size());
+}
+
+TEST(QBLListTest, CopiesAnElementOfItsOwnBeforeLinking) {
+    QBLList<std::string> list;
+    list.push_back("first");
+    for (int i = 0; i < 3; ++i) list.push_back(list.front());
+    EXPECT_EQ("first", list.at(2));
+}
+
+// Every operation against std::deque, with a model of the cursor for indices past the end.
+TEST(QBLListTest, AgreesWithAModelUnderRandomOperations) {
+    const unsigned int seed = std::random_device()();
+    SCOPED_TRACE(seed);
+    std::mt19937 random(seed);
+    QBLList<int> list;
+    std::deque<int> model;
+    unsigned int cursor = 0;
+    unsigned int walk = 0;
+    for (int step = 0; step < 20000; ++step) {
+        const unsigned int size = list.size();
+        ASSERT_EQ(model.size(), size);
+        const unsigned int at = size != 0 ? random() % size : 0;
+        QBLList<int>::iterator it = list.begin();
+        bool changed = true;
+        switch (random() % (size < 60 ? 8 : 12)) {
+            case 0:
+                list.push_back(step);
+                model.push_back(step);
+                break;
+            case 1:
+                list.push_front(step);
+                model.push_front(step);
+                break;
+            case 2:
+                it[at];
+                list.insert(size != 0 ? it : list.end(), step);
+                model.insert(model.begin() + at, step);
+                break;
+            case 3:
+                it[at];
+                list.erase(it);
+                if (size != 0) model.erase(model.begin() + at);
+                break;
+            case 4:
+                list.pop_back();
+                if (size != 0) model.pop_back();
+                break;
+            case 5:
+                list.pop_front();
+                if (size != 0) model.pop_front();
+                break;
+            default: {
+                changed = false;
+                walk += random() % 3 == 0 ? 0xFFFFFFFFU : 1;
+                const unsigned int n = random() % 4 == 0 ? at : walk % (size + 2);
+                if (n < size) {
+                    ASSERT_EQ(model[n], list.at(n));
+                    if (n != 0 && n != size - 1) cursor = n;
+                } else if (size != 0) {
+                    ASSERT_EQ(model[cursor], list.at(n));
+                }
+            }
+        }
+        if (changed) cursor = 0;
+    }
+    unsigned int n = 0;
+    for (int value : list) ASSERT_EQ(model[n++], value);
+    for (QBLList<int>::iterator it = list.end(); it != list.begin();) ASSERT_EQ(model[--n], *--it);
+}
