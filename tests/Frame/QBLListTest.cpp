@@ -96,6 +96,7 @@ TEST(QBLListTest, AgreesWithAModelUnderRandomOperations) {
     const unsigned int seed = std::random_device()();
     SCOPED_TRACE(seed);
     std::mt19937 random(seed);
+    const auto roll = [&random](unsigned int n) { return static_cast<unsigned int>(random() % n); };
     QBLList<int> list;
     std::deque<int> model;
     unsigned int cursor = 0;
@@ -103,10 +104,10 @@ TEST(QBLListTest, AgreesWithAModelUnderRandomOperations) {
     for (int step = 0; step < 20000; ++step) {
         const unsigned int size = list.size();
         ASSERT_EQ(model.size(), size);
-        const unsigned int at = size != 0 ? random() % size : 0;
+        const unsigned int at = size != 0 ? roll(size) : 0;
         QBLList<int>::iterator it = list.begin();
         bool changed = true;
-        switch (random() % (size < 60 ? 8 : 12)) {
+        switch (roll(size < 60 ? 8 : 12)) {
             case 0:
                 list.push_back(step);
                 model.push_back(step);
@@ -135,8 +136,8 @@ TEST(QBLListTest, AgreesWithAModelUnderRandomOperations) {
                 break;
             default: {
                 changed = false;
-                walk += random() % 3 == 0 ? 0xFFFFFFFFU : 1;
-                const unsigned int n = random() % 4 == 0 ? at : walk % (size + 2);
+                walk += roll(3) == 0 ? 0xFFFFFFFFU : 1;
+                const unsigned int n = roll(4) == 0 ? at : walk % (size + 2);
                 if (n < size) {
                     ASSERT_EQ(model[n], list.at(n));
                     if (n != 0 && n != size - 1) cursor = n;

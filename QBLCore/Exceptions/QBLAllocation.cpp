@@ -1,0 +1,27 @@
+#include "QBLCore/Exceptions/QBLAllocation.hpp"
+
+#include <cxxabi.h>
+
+#include <exception>
+#include <new>
+
+#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
+#include "QBLCore/Exceptions/QBLStdExceptionError.hpp"
+#include "QBLCore/Exceptions/QBLUnknownError.hpp"
+
+void qblRethrowTranslated(const QBLFileLocation& where, const char* detail) {
+    try {
+        throw;
+    } catch (abi::__forced_unwind&) {
+        throw;
+    } catch (QBLThrowable& e) {
+        e.addBackTrace(where, detail, "QBL_RETHROW");
+        throw;
+    } catch (const std::bad_alloc&) {
+        QBLOutOfMemoryError(0, nullptr).hurl(where, detail, "QBL_THROW");
+    } catch (const std::exception& e) {
+        QBLStdExceptionError(0, e.what()).hurl(where, detail, "QBL_THROW");
+    } catch (...) {
+        QBLUnknownError(0, nullptr).hurl(where, detail, "QBL_THROW");
+    }
+}

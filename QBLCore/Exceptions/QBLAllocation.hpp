@@ -1,0 +1,25 @@
+#ifndef QBLCORE_EXCEPTIONS_QBLALLOCATION_HPP
+#define QBLCORE_EXCEPTIONS_QBLALLOCATION_HPP
+
+#include "QBLCore/Exceptions/QBLFileLocation.hpp"
+#include "QBLCore/Frame/QBLExport.h"
+
+/// Inside a handler: passes the current exception on as one of the library's. A throwable goes
+/// on with a trace entry for the place, std::bad_alloc becomes QBLOutOfMemoryError without a
+/// text, any other std::exception QBLStdExceptionError with its what(), and anything else
+/// QBLUnknownError. A thread's cancellation or exit passes through untouched.
+[[noreturn]] QBL_API void qblRethrowTranslated(const QBLFileLocation& where,
+                                               const char* detail = nullptr);
+
+/// Bracket for code that allocates, so that only throwables leave it:
+///     QBL_ALLOC_TRY
+///         m_pBuffer = new char[size];
+///     QBL_ALLOC_CATCH
+#define QBL_ALLOC_TRY try {
+#define QBL_ALLOC_CATCH                 \
+    }                                   \
+    catch (...) {                       \
+        qblRethrowTranslated(QBL_HERE); \
+    }
+
+#endif

@@ -1,0 +1,13 @@
+#ifndef QBLCORE_EXCEPTIONS_QBLERROR_HPP
+#define QBLCORE_EXCEPTIONS_QBLERROR_HPP
+
+#include "QBLCore/Exceptions/QBLThrowable.hpp"
+#include "QBLCore/Exceptions/QBLThrowableClass.hpp"
+
+/// Root of the concrete errors.
+class QBL_API QBLError : public QBLThrowable {
+public:
+    QBL_EXPORTED_THROWABLE(QBLError, QBLThrowable)
+};
+
+#endif

@@ -1,0 +1,20 @@
+#ifndef QBLCORE_EXCEPTIONS_QBLFILELOCATION_HPP
+#define QBLCORE_EXCEPTIONS_QBLFILELOCATION_HPP
+
+/// A place in a source file. The file name is not owned: it is meant to be __FILE__.
+class QBLFileLocation {
+public:
+    constexpr QBLFileLocation(const char* file, int line) : m_pFile(file), m_iLine(line) {}
+
+    constexpr const char* getFile() const { return m_pFile; }
+    constexpr int getLine() const { return m_iLine; }
+
+private:
+    const char* m_pFile;
+    int m_iLine;
+};
+
+/// The place where it stands.
+#define QBL_HERE QBLFileLocation(__FILE__, __LINE__)
+
+#endif

@@ -1,0 +1,12 @@
+#ifndef QBLCORE_EXCEPTIONS_QBLILLEGALSTATEERROR_HPP
+#define QBLCORE_EXCEPTIONS_QBLILLEGALSTATEERROR_HPP
+
+#include "QBLCore/Exceptions/QBLRuntimeError.hpp"
+
+/// An operation that the object's state does not allow.
+class QBL_API QBLIllegalStateError : public QBLRuntimeError {
+public:
+    QBL_EXPORTED_THROWABLE(QBLIllegalStateError, QBLRuntimeError)
+};
+
+#endif

@@ -1,0 +1,3 @@
+#include "QBLCore/Exceptions/QBLIndexOutOfBoundsError.hpp"
+
+QBL_EXPORTED_THROWABLE_DEFINITION(QBLIndexOutOfBoundsError)

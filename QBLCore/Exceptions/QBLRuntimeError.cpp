@@ -1,0 +1,3 @@
+#include "QBLCore/Exceptions/QBLRuntimeError.hpp"
+
+QBL_EXPORTED_THROWABLE_DEFINITION(QBLRuntimeError)

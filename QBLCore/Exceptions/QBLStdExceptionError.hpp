@@ -1,0 +1,12 @@
+#ifndef QBLCORE_EXCEPTIONS_QBLSTDEXCEPTIONERROR_HPP
+#define QBLCORE_EXCEPTIONS_QBLSTDEXCEPTIONERROR_HPP
+
+#include "QBLCore/Exceptions/QBLUnexpectedError.hpp"
+
+/// A std::exception of other code; the text is its what().
+class QBL_API QBLStdExceptionError : public QBLUnexpectedError {
+public:
+    QBL_EXPORTED_THROWABLE(QBLStdExceptionError, QBLUnexpectedError)
+};
+
+#endif

@@ -1,0 +1,12 @@
+#ifndef QBLCORE_EXCEPTIONS_QBLSYSTEMERROR_HPP
+#define QBLCORE_EXCEPTIONS_QBLSYSTEMERROR_HPP
+
+#include "QBLCore/Exceptions/QBLUnexpectedError.hpp"
+
+/// The system refused something.
+class QBL_API QBLSystemError : public QBLUnexpectedError {
+public:
+    QBL_EXPORTED_THROWABLE(QBLSystemError, QBLUnexpectedError)
+};
+
+#endif

@@ -1,0 +1,35 @@
+#ifndef QBLCORE_EXCEPTIONS_QBLTHROW_HPP
+#define QBLCORE_EXCEPTIONS_QBLTHROW_HPP
+
+#include "QBLCore/Exceptions/QBLFileLocation.hpp"
+#include "QBLCore/Frame/QBLExport.h"
+
+/// Throws a throwable given as an expression; the back-trace gets this place:
+///     QBL_THROW(QBLIllegalStateError(0, "QBLThing::stop: not started"));
+#define QBL_THROW(...) (__VA_ARGS__).hurl(QBL_HERE, nullptr, "QBL_THROW")
+/// QBL_THROW with a detail in the trace entry, usually the operation's name.
+#define QBL_THROW_NAMED(error, detail) (error).hurl(QBL_HERE, detail, "QBL_THROW")
+
+/// Inside a handler that caught a throwable by reference: notes this place and passes it on:
+///     catch (QBLThrowable& e) { QBL_RETHROW(e); }
+#define QBL_RETHROW(error) QBL_RETHROW_NAMED(error, nullptr)
+#define QBL_RETHROW_NAMED(error, detail)                       \
+    do {                                                       \
+        (error).addBackTrace(QBL_HERE, detail, "QBL_RETHROW"); \
+        throw;                                                 \
+    } while (false)
+
+/// Throws a QBLAssertError whose text is the statement itself unless the condition holds.
+/// Never compiled out. The condition may contain commas; names are not expanded in the text.
+#define QBL_ASSERT(...)                   \
+    ((__VA_ARGS__) ? static_cast<void>(0) \
+                   : qblAssertFailed(QBL_HERE, "QBL_ASSERT(" #__VA_ARGS__ ");"))
+/// QBL_ASSERT with an explanation, a string literal, as part of the statement's text.
+#define QBL_ASSERT_NAMED(condition, text) \
+    ((condition) ? static_cast<void>(0)   \
+                 : qblAssertFailed(QBL_HERE, "QBL_ASSERT_NAMED(" #condition ", " #text ");"))
+
+/// Throws a QBLAssertError with error number 0, the given text and place.
+[[noreturn]] QBL_API void qblAssertFailed(const QBLFileLocation& where, const char* statement);
+
+#endif

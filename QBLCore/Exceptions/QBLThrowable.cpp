@@ -1,0 +1,186 @@
+#include "QBLCore/Exceptions/QBLThrowable.hpp"
+
+#include <charconv>
+#include <memory>
+#include <new>
+#include <string>
+
+#include "QBLCore/Exceptions/internal/QBLCopyString.hpp"
+
+namespace {
+
+const char kNoName[] = "<NULL THROWABLE NAME>";
+const char kNoFile[] = "<NULL FILE>";
+const char* const kSeverityNames[] = {"Fatal", "Error", "Warning", "Information"};
+
+/// A decimal int in a buffer of its own.
+class Decimal {
+public:
+    explicit Decimal(int value) : m_end(std::to_chars(m_text, m_text + sizeof m_text, value).ptr) {}
+    std::string_view text() const {
+        return std::string_view(m_text, static_cast<std::size_t>(m_end - m_text));
+    }
+
+private:
+    char m_text[12];
+    char* m_end;
+};
+
+void append(QBLList<char*>& list, const char* entry) {
+    std::unique_ptr<char[]> copy(qblCopyString(entry));
+    list.push_back(copy.get());
+    copy.release();
+}
+
+}  // namespace
+
+QBLThrowable::QBLThrowable()
+    : xmlText(nullptr),
+      numericCode(1),
+      errorCode(0),
+      errorCodeText(nullptr),
+      severity(QBLSeverityFatal),
+      messageText(nullptr) {}
+
+// The others build on the default constructor, so that an allocation failing halfway runs the
+// destructor over what is there already.
+QBLThrowable::QBLThrowable(QBLSeverity theSeverity, int code, const char* text) : QBLThrowable() {
+    errorCode = code;
+    severity = theSeverity;
+    messageText = qblCopyString(text);
+}
+
+QBLThrowable::QBLThrowable(QBLSeverity theSeverity, const char* codeText, const char* text)
+    : QBLThrowable() {
+    numericCode = 0;
+    severity = theSeverity;
+    errorCodeText = qblCopyString(codeText);
+    messageText = qblCopyString(text);
+}
+
+QBLThrowable::QBLThrowable(int code, const char* text)
+    : QBLThrowable(QBLSeverityFatal, code, text) {}
+
+QBLThrowable::QBLThrowable(long code, const char* text)
+    : QBLThrowable(QBLSeverityFatal, static_cast<int>(code), text) {}
+
+QBLThrowable::QBLThrowable(QBLSeverity theSeverity, long code, const char* text)
+    : QBLThrowable(theSeverity, static_cast<int>(code), text) {}
+
+QBLThrowable::QBLThrowable(const char* codeText, const char* text)
+    : QBLThrowable(QBLSeverityFatal, codeText, text) {}
+
+QBLThrowable::QBLThrowable(const QBLThrowable& other) : QBLThrowable() { copyFrom(other); }
+
+QBLThrowable& QBLThrowable::operator=(const QBLThrowable& other) {
+    if (this != &other) {
+        clear();
+        copyFrom(other);
+    }
+    return *this;
+}
+
+QBLThrowable::~QBLThrowable() { clear(); }
+
+void QBLThrowable::copyFrom(const QBLThrowable& other) {
+    numericCode = other.numericCode;
+    errorCode = other.errorCode;
+    severity = other.severity;
+    errorCodeText = qblCopyString(other.errorCodeText);
+    messageText = qblCopyString(other.messageText);
+    xmlText = qblCopyString(other.xmlText);
+    copyBackTrace(other.backTrace);
+}
+
+const char* QBLThrowable::getMessage() { return messageText; }
+
+const char* QBLThrowable::toString() {
+    // A code made from a null text shows as 0: the custodian prints whatever it caught.
+    const char* code = getErrorCodeString();
+    const char* name = getThrowableName();
+    std::string xml;
+    xml.append("<Exception Name=\"").append(name != nullptr ? name : kNoName);
+    xml.append("\" Error=\"").append(code != nullptr ? code : "0");
+    xml.append("\" Severity=\"").append(getSeverityName(severity)).append("\">");
+    if (messageText != nullptr) {
+        xml.append("<Messages><MessageText>").append(messageText);
+        xml.append("</MessageText></Messages>");
+    }
+    if (!backTrace.empty()) {
+        xml.append("<TraceInfo>");
+        for (const char* entry : backTrace)
+            xml.append("<Trace Text=\"").append(entry).append("\"/>");
+        xml.append("</TraceInfo>");
+    }
+    xml.append("</Exception>");
+    char* text = qblCopyString(std::string_view(xml));
+    delete[] xmlText;
+    xmlText = text;
+    return xmlText;
+}
+
+const char* QBLThrowable::getErrorCodeString() {
+    if (errorCodeText != nullptr || numericCode == 0) return errorCodeText;
+    if (errorCode == 0) return "0";
+    errorCodeText = qblCopyString(Decimal(errorCode).text());
+    return errorCodeText;
+}
+
+const char* QBLThrowable::getSeverityName(QBLSeverity value) {
+    const auto index = static_cast<unsigned int>(value);
+    return index < 4 ? kSeverityNames[index] : "Unknown";
+}
+
+void QBLThrowable::addBackTrace(const QBLFileLocation& where, const char* detail,
+                                const char* tag) noexcept {
+    const char* name = getThrowableName();
+    if (name == nullptr) name = kNoName;
+    const char* file = where.getFile() != nullptr ? where.getFile() : kNoFile;
+    const Decimal line(where.getLine());
+    const bool tagged = tag != nullptr && *tag != '\0';
+    const std::string_view parts[] = {file,
+                                      "(",
+                                      line.text(),
+                                      "): ",
+                                      name,
+                                      ": ",
+                                      tagged ? tag : "",
+                                      tagged ? ": " : "",
+                                      detail != nullptr ? detail : ""};
+    std::size_t length = 0;
+    for (std::string_view part : parts) length += part.size();
+    std::unique_ptr<char[]> entry(new (std::nothrow) char[length + 1]);
+    if (entry == nullptr) return;
+    char* out = entry.get();
+    for (std::string_view part : parts) out += part.copy(out, part.size());
+    *out = '\0';
+    try {
+        backTrace.push_front(entry.get());
+        entry.release();
+    } catch (const std::bad_alloc&) {
+        // An error on its way is worth more than its trace.
+    }
+}
+
+void QBLThrowable::copyBackTrace(const QBLList<char*>& entries) {
+    // The list may be this throwable's own, which grows meanwhile.
+    unsigned int left = entries.size();
+    for (auto it = entries.begin(); left != 0; ++it, --left) append(backTrace, *it);
+}
+
+void QBLThrowable::transferBackTrace(QBLThrowable& other) {
+    if (this == &other) return;
+    while (!other.backTrace.empty()) {
+        backTrace.push_back(other.backTrace.front());
+        other.backTrace.pop_front();
+    }
+}
+
+void QBLThrowable::clear() {
+    for (char* entry : backTrace) delete[] entry;
+    backTrace.clear();
+    delete[] messageText;
+    delete[] errorCodeText;
+    delete[] xmlText;
+    messageText = errorCodeText = xmlText = nullptr;
+}

@@ -1,0 +1,3 @@
+#include "QBLCore/Exceptions/QBLUnknownError.hpp"
+
+QBL_EXPORTED_THROWABLE_DEFINITION(QBLUnknownError)

@@ -1,0 +1,3 @@
+#include "QBLCore/Exceptions/QBLUnsupportedOperationError.hpp"
+
+QBL_EXPORTED_THROWABLE_DEFINITION(QBLUnsupportedOperationError)

@@ -1,0 +1,18 @@
+#ifndef QBLCORE_EXCEPTIONS_INTERNAL_QBLCOPYSTRING_HPP
+#define QBLCORE_EXCEPTIONS_INTERNAL_QBLCOPYSTRING_HPP
+
+#include <string_view>
+
+/// A NUL-terminated copy for delete[].
+inline char* qblCopyString(std::string_view text) {
+    char* copy = new char[text.size() + 1];
+    copy[text.copy(copy, text.size())] = '\0';
+    return copy;
+}
+
+/// As above; null for null.
+inline char* qblCopyString(const char* text) {
+    return text != nullptr ? qblCopyString(std::string_view(text)) : nullptr;
+}
+
+#endif

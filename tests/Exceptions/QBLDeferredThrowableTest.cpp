@@ -1,0 +1,35 @@
+#include "QBLCore/Exceptions/QBLDeferredThrowable.hpp"
+
+#include <gtest/gtest.h>
+
+#include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
+#include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "tests/support/ThrowChecks.hpp"
+#include "tests/support/Workers.hpp"
+
+TEST(QBLDeferredThrowableTest, RaisesAnotherThreadsErrorAsItsOwnClass) {
+    QBLDeferredThrowable deferred;
+    deferred.check(QBL_HERE, nullptr, "CHECK");
+    Workers(1, [&] {
+        try {
+            QBL_THROW(QBLIllegalStateError(4, "from the worker"));
+        } catch (QBLThrowable& e) {
+            deferred.set(e);
+        }
+    }).join();
+    const QBLDeferredThrowable copy(deferred);
+    for (unsigned int round = 1; round <= 2; ++round) {
+        try {
+            deferred.check(QBL_HERE, "joined", "CHECK");
+            ADD_FAILURE() << "nothing thrown";
+        } catch (QBLIllegalStateError& e) {
+            EXPECT_STREQ("from the worker", e.getMessage());
+            EXPECT_EQ(1 + round, e.getBackTrace().size()) << "each check adds to what is held";
+        }
+    }
+    deferred = copy;
+    QBL_EXPECT_THROW(deferred.check(QBL_HERE, nullptr, nullptr), QBLIllegalStateError,
+                     "from the worker");
+    deferred.clear();
+    deferred.check(QBL_HERE, nullptr, "CHECK");
+}

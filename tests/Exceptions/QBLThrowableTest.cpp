@@ -1,0 +1,157 @@
+#include "QBLCore/Exceptions/QBLThrowable.hpp"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <regex>
+#include <stdexcept>
+
+#include "QBLCore/Exceptions/QBLAllocation.hpp"
+#include "QBLCore/Exceptions/QBLAssertError.hpp"
+#include "QBLCore/Exceptions/QBLIllegalArgumentError.hpp"
+#include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
+#include "QBLCore/Exceptions/QBLIndexOutOfBoundsError.hpp"
+#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
+#include "QBLCore/Exceptions/QBLStdExceptionError.hpp"
+#include "QBLCore/Exceptions/QBLThreadResourceError.hpp"
+#include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/Exceptions/QBLUnknownError.hpp"
+#include "QBLCore/Exceptions/QBLUnsupportedOperationError.hpp"
+#include "tests/support/ThrowChecks.hpp"
+
+namespace {
+
+/// A program's own class, made in a line.
+class OwnError : public QBLRuntimeError {
+public:
+    using QBLRuntimeError::QBLRuntimeError;
+    QBL_EXCEPTION_METHODS(OwnError)
+};
+
+template <class Thrown, class Caught>
+bool caughtAs() {
+    try {
+        QBL_THROW(Thrown(1, "x"));
+    } catch (Caught& e) {
+        return dynamic_cast<Thrown*>(&e) != nullptr;
+    } catch (...) {
+    }
+    return false;
+}
+
+}  // namespace
+
+TEST(QBLThrowableTest, RendersAsXmlWithoutEscaping) {
+    const char* none = nullptr;
+    EXPECT_STREQ(
+        "<Exception Name=\"QBLError\" Error=\"5\" Severity=\"Fatal\"><Messages><MessageText>bad"
+        "</MessageText></Messages></Exception>",
+        QBLError(5, "bad").toString());
+    EXPECT_STREQ("<Exception Name=\"QBLError\" Error=\"0\" Severity=\"Fatal\"></Exception>",
+                 QBLError(0, none).toString());
+    EXPECT_STREQ("<Exception Name=\"QBLError\" Error=\"0\" Severity=\"Fatal\"></Exception>",
+                 QBLError(none, none).toString());
+    EXPECT_STREQ(
+        "<Exception Name=\"OwnError\" Error=\"E<%s>\" Severity=\"Warning\"><Messages>"
+        "<MessageText>100%n & <more></MessageText></Messages></Exception>",
+        OwnError(QBLSeverityWarning, "E<%s>", "100%n & <more>").toString());
+    QBLError traced(QBLSeverity(9), -7L, "");
+    traced.addBackTrace(QBLFileLocation(nullptr, INT_MIN), "detail", "TAG");
+    traced.addBackTrace(QBLFileLocation("f.cpp", 3), "", nullptr);
+    EXPECT_STREQ(
+        "<Exception Name=\"QBLError\" Error=\"-7\" Severity=\"Unknown\"><Messages><MessageText>"
+        "</MessageText></Messages><TraceInfo><Trace Text=\"f.cpp(3): QBLError: \"/>"
+        "<Trace Text=\"<NULL FILE>(-2147483648): QBLError: TAG: detail\"/></TraceInfo></Exception>",
+        traced.toString());
+    traced.clear();
+    EXPECT_STREQ("<Exception Name=\"QBLError\" Error=\"-7\" Severity=\"Unknown\"></Exception>",
+                 traced.toString());
+}
+
+TEST(QBLThrowableTest, EveryThrowAndRethrowLeavesAnEntryLatestFirst) {
+    try {
+        try {
+            QBL_THROW_NAMED(QBLIllegalStateError(3, "text"), "Thing::start");
+        } catch (QBLThrowable& e) {
+            QBL_RETHROW(e);
+        }
+    } catch (QBLIllegalStateError& e) {
+        EXPECT_EQ(
+            "QBLIllegalStateError: QBL_RETHROW: \n"
+            "QBLIllegalStateError: QBL_THROW: Thing::start\n",
+            traceOf(e));
+        EXPECT_TRUE(std::regex_match(
+            e.getBackTrace()[0], std::regex("tests/Exceptions/QBLThrowableTest.cpp\\(\\d+\\): .*")))
+            << "paths are from the root of the tree, not " << e.getBackTrace()[0];
+    }
+}
+
+TEST(QBLThrowableTest, AssertionsThrowTheirOwnStatement) {
+    const char* localeID = NULL;
+    QBL_EXPECT_THROW(QBL_ASSERT(localeID != NULL), QBLAssertError, "QBL_ASSERT(localeID != NULL);");
+    QBL_EXPECT_THROW(QBL_ASSERT(std::is_same<int, long>::value), QBLAssertError,
+                     "QBL_ASSERT(std::is_same<int, long>::value);");
+    QBL_EXPECT_THROW(QBL_ASSERT_NAMED((NULL != localeID), "[Here] It is NULL."), QBLAssertError,
+                     "QBL_ASSERT_NAMED((NULL != localeID), \"[Here] It is NULL.\");");
+    int evaluated = 0;
+    QBL_ASSERT(++evaluated == 1);
+    EXPECT_EQ(1, evaluated);
+}
+
+TEST(QBLThrowableTest, IsCaughtByEachOfItsBases) {
+    EXPECT_TRUE((caughtAs<QBLAssertError, QBLRuntimeError>()));
+    EXPECT_TRUE((caughtAs<QBLIllegalArgumentError, QBLRuntimeError>()));
+    EXPECT_TRUE((caughtAs<QBLIllegalStateError, QBLError>()));
+    EXPECT_TRUE((caughtAs<QBLIndexOutOfBoundsError, QBLRuntimeError>()));
+    EXPECT_TRUE((caughtAs<QBLOutOfMemoryError, QBLSystemError>()));
+    EXPECT_TRUE((caughtAs<QBLThreadResourceError, QBLUnexpectedError>()));
+    EXPECT_TRUE((caughtAs<QBLUnsupportedOperationError, QBLSystemError>()));
+    EXPECT_TRUE((caughtAs<QBLStdExceptionError, QBLUnexpectedError>()));
+    EXPECT_TRUE((caughtAs<QBLUnknownError, QBLUnexpectedError>()));
+    EXPECT_TRUE((caughtAs<OwnError, QBLThrowable>()));
+    EXPECT_FALSE((caughtAs<QBLRuntimeError, QBLUnexpectedError>()));
+}
+
+TEST(QBLThrowableTest, CopiesShareNothing) {
+    QBLError original("CODE", "text");
+    original.addBackTrace(QBL_HERE, "one", nullptr);
+    original.addBackTrace(QBL_HERE, "two", nullptr);
+    original.toString();
+    QBLError copy(original);
+    QBLError assigned(7, "old");
+    assigned = original;
+    assigned = *&assigned;
+    original.clear();
+    for (QBLError* e : {&copy, &assigned}) {
+        EXPECT_STREQ("CODE", e->getErrorCodeString());
+        EXPECT_STREQ("text", e->getMessage());
+        EXPECT_EQ("QBLError: two\nQBLError: one\n", traceOf(*e));
+        EXPECT_EQ(0, e->getErrorCode());
+    }
+    EXPECT_EQ(nullptr, original.getErrorCodeString());
+}
+
+TEST(QBLThrowableTest, MovesAndCopiesBackTraces) {
+    QBLError from(1, "a"), to(2, "b");
+    from.addBackTrace(QBL_HERE, "1", nullptr);
+    from.addBackTrace(QBL_HERE, "2", nullptr);
+    to.addBackTrace(QBL_HERE, "3", nullptr);
+    from.transferBackTrace(from);
+    to.transferBackTrace(from);
+    EXPECT_EQ("QBLError: 3\nQBLError: 2\nQBLError: 1\n", traceOf(to));
+    EXPECT_TRUE(from.getBackTrace().empty());
+    to.copyBackTrace(to.getBackTrace());
+    EXPECT_EQ(6U, to.getBackTrace().size()) << "its own list is copied once, not for ever";
+}
+
+TEST(QBLThrowableTest, ForeignExceptionsBecomeTheLibrarysOwn) {
+    const auto translate = [](auto error) {
+        QBL_ALLOC_TRY
+        throw error;
+        QBL_ALLOC_CATCH
+    };
+    QBL_EXPECT_THROW(translate(std::bad_alloc()), QBLOutOfMemoryError, nullptr);
+    QBL_EXPECT_THROW(translate(std::runtime_error("what")), QBLStdExceptionError, "what");
+    QBL_EXPECT_THROW(translate(42), QBLUnknownError, nullptr);
+    QBL_EXPECT_THROW(translate(OwnError(1, "own")), OwnError, "own");
+}

@@ -1,0 +1,37 @@
+#ifndef TESTS_SUPPORT_THROWCHECKS_HPP
+#define TESTS_SUPPORT_THROWCHECKS_HPP
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "QBLCore/Exceptions/QBLThrowable.hpp"
+
+/// Expects a statement to throw exactly Class with exactly this message text (null for none).
+#define QBL_EXPECT_THROW(statement, Class, text)                                       \
+    do {                                                                               \
+        bool qblThrown = false;                                                        \
+        try {                                                                          \
+            static_cast<void>(statement);                                              \
+        } catch (QBLThrowable & qblError) {                                            \
+            qblThrown = true;                                                          \
+            EXPECT_STREQ(#Class, qblError.getThrowableName());                         \
+            const char* qblText = text;                                                \
+            EXPECT_STREQ(qblText, qblError.getMessage());                              \
+            EXPECT_FALSE(qblError.getBackTrace().empty()) << "thrown without a macro"; \
+        }                                                                              \
+        EXPECT_TRUE(qblThrown) << #statement " threw no throwable";                    \
+    } while (false)
+
+/// The back-trace as text, an entry a line, without files and line numbers.
+inline std::string traceOf(const QBLThrowable& error) {
+    std::string out;
+    for (const char* entry : error.getBackTrace()) {
+        const std::string text(entry);
+        const std::size_t place = text.find("): ");
+        out += (place != std::string::npos ? text.substr(place + 3) : "no place in " + text) + "\n";
+    }
+    return out;
+}
+
+#endif
