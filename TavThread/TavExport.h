@@ -7,9 +7,11 @@
 #ifdef __cplusplus
 #define TAV_EXTERN_C_BEGIN extern "C" {
 #define TAV_EXTERN_C_END }
+#define TAV_DEFAULT(value) = value
 #else
 #define TAV_EXTERN_C_BEGIN
 #define TAV_EXTERN_C_END
+#define TAV_DEFAULT(value)
 #endif
 
 #endif

@@ -1,0 +1,50 @@
+#include "TavThread/internal/TavHeldMutexes.hpp"
+
+#include <mutex>
+
+#include "TavThread/internal/TavMutexRecord.hpp"
+#include "TavThread/internal/TavSystem.hpp"
+#include "TavThread/internal/TavThreadRecord.hpp"
+
+namespace {
+
+TavThreadCriticalSection g_lists;
+
+void clearOwner(TavMutex* m) {
+    m->owner = nullptr;
+    m->previous = m->next = nullptr;
+    m->file = nullptr;
+    m->line = 0;
+}
+
+}  // namespace
+
+int tavHeldMutexesAdd(TavMutex* m, const char* file, int line) {
+    TavThread* self = tavThreadSelf();
+    if (self == nullptr) return TAVTHREAD_ERROR;
+    std::lock_guard<TavThreadCriticalSection> hold(g_lists);
+    if (m->owner != nullptr) return TAVTHREAD_OK;
+    m->owner = self;
+    m->file = file;
+    m->line = line;
+    m->next = self->heldMutexes;
+    if (m->next != nullptr) m->next->previous = m;
+    self->heldMutexes = m;
+    return TAVTHREAD_OK;
+}
+
+void tavHeldMutexesRemove(TavMutex* m) {
+    std::lock_guard<TavThreadCriticalSection> hold(g_lists);
+    if (m->owner == nullptr) return;
+    if (m->next != nullptr) m->next->previous = m->previous;
+    (m->previous != nullptr ? m->previous->next : m->owner->heldMutexes) = m->next;
+    clearOwner(m);
+}
+
+void tavHeldMutexesForget(TavThread* thread) {
+    std::lock_guard<TavThreadCriticalSection> hold(g_lists);
+    while (TavMutex* m = thread->heldMutexes) {
+        thread->heldMutexes = m->next;
+        clearOwner(m);
+    }
+}

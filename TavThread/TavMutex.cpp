@@ -1,0 +1,164 @@
+#include "TavThread/TavMutex.h"
+
+#include <climits>
+#include <new>
+
+#include "TavThread/internal/TavHeldMutexes.hpp"
+#include "TavThread/internal/TavMutexRecord.hpp"
+#include "TavThread/internal/TavSystem.hpp"
+#include "TavThread/internal/TavTraceLine.hpp"
+
+namespace {
+
+constexpr TavAttrTag kTags[] = {TAV_BASIC_ATTR_TAGS,
+                                {"Recursive", " RECURSIVE", TavAttrValue::None},
+                                {"TrackOwner", " TRACK OWNER", TavAttrValue::None},
+                                {"Flag6", nullptr, TavAttrValue::None}};
+constexpr TavAttrKind kKind = {"TavMutexAttr", kTags, 7};
+
+TavRecursiveMutex* recursive(TavMutex* m) {
+    return (m->flags & kTavMutexRecursive) != 0 ? static_cast<TavRecursiveMutex*>(m) : nullptr;
+}
+
+void freeRecord(TavMutex* m) {
+    if (TavRecursiveMutex* r = recursive(m))
+        delete r;
+    else
+        delete m;
+}
+
+TavMutex* newRecord(const TavAttributes& attrs) {
+    TavMutex* m = attrs.has(TavMutexAttrRecursive) ? new (std::nothrow) TavRecursiveMutex
+                                                   : new (std::nothrow) TavMutex;
+    if (m == nullptr) return nullptr;
+    m->traceObj = attrs.traceObject();
+    if (attrs.has(TavMutexAttrRecursive)) m->flags |= kTavMutexRecursive;
+    if (attrs.syntaxTraced()) m->flags |= kTavMutexSyntaxTraced;
+    if (attrs.has(TavMutexAttrTrackOwner)) m->flags |= kTavMutexTracking;
+    if (attrs.has(TavMutexAttrFlag6)) m->flags |= kTavMutexFlag6;
+    return m;
+}
+
+int create(TavMutex** out, va_list list) {
+    TavAttributes attrs;
+    const int rc = tavReadAttributes(kKind, list, attrs);
+    if (rc != TAVTHREAD_OK) return rc;
+    if (out == nullptr) return TAVTHREAD_INVALID;
+    TavMutex* m = newRecord(attrs);
+    if (m == nullptr) return TAVTHREAD_NOMEM;
+    if (const int err = tavRetry([m] { return pthread_mutex_init(&m->native, nullptr); })) {
+        freeRecord(m);
+        return tavThread_MapError(err);
+    }
+    m->flags |= kTavMutexInitialized;
+    *out = m;
+    return TAVTHREAD_OK;
+}
+
+void trace(TavMutex** out, va_list list) {
+    const TavMutex* m = *out;
+    tavThreadTraceOutput(m->traceObj, TavTraceMutex, "%s%s( m:%x=%x%s )",
+                         TAV_TRACE_CALL("tavMutexCreate"), tavTraceHex(out), tavTraceHex(m),
+                         TavAttributeText(kKind, TavAttributeText::Call, list).text());
+    if ((m->flags & kTavMutexSyntaxTraced) != 0)
+        tavThreadTraceOutput(m->traceObj, TavTraceSyntax, "CREATE MUTEX %x%s;", tavTraceHex(m),
+                             TavAttributeText(kKind, TavAttributeText::Syntax, list).text());
+}
+
+/// True, and counted, if the caller already holds the recursive mutex.
+bool reentered(TavMutex* m, int& rc) {
+    TavRecursiveMutex* r = recursive(m);
+    if (r == nullptr || !r->mine()) return false;
+    rc = r->count < INT_MAX ? TAVTHREAD_OK : TAVTHREAD_AGAIN;
+    if (rc == TAVTHREAD_OK) ++r->count;
+    return true;
+}
+
+/// Notes the new holder of a mutex just taken.
+int taken(TavMutex* m, const char* file, int line) {
+    if (TavRecursiveMutex* r = recursive(m)) {
+        r->setHolder(&tavThreadMark);
+        r->count = 0;
+    }
+    return (m->flags & kTavMutexTracking) != 0 ? tavHeldMutexesAdd(m, file, line) : TAVTHREAD_OK;
+}
+
+}  // namespace
+
+__thread char tavThreadMark = 0;
+
+int tavMutexLockGeneral(TavMutex* m, const char* file, int line) {
+    if (m == nullptr) return TAVTHREAD_INVALID;
+    int rc;
+    if (reentered(m, rc)) return rc;
+    if (const int err = tavRetry([m] { return pthread_mutex_lock(&m->native); }))
+        return tavThread_MapError(err);
+    return taken(m, file, line);
+}
+
+int tavMutexTryLockGeneral(TavMutex* m, const char* file, int line) {
+    if (m == nullptr) return TAVTHREAD_INVALID;
+    int rc;
+    if (reentered(m, rc)) return rc;
+    const int err = tavRetry([m] { return pthread_mutex_trylock(&m->native); });
+    if (err == EBUSY || err == EAGAIN) return TAVTHREAD_BUSY;
+    return err != 0 ? tavThread_MapError(err) : taken(m, file, line);
+}
+
+int tavMutexUnlockGeneral(TavMutex* m) {
+    if (m == nullptr) return TAVTHREAD_INVALID;
+    TavRecursiveMutex* r = recursive(m);
+    if (r != nullptr) {
+        if (!r->mine()) return TAVTHREAD_ERROR;
+        if (r->count > 0) {
+            --r->count;
+            return TAVTHREAD_OK;
+        }
+    }
+    if ((m->flags & kTavMutexTracking) != 0) tavHeldMutexesRemove(m);
+    if (r != nullptr) r->setHolder(nullptr);
+    return tavThread_MapError(tavRetry([m] { return pthread_mutex_unlock(&m->native); }));
+}
+
+extern "C" {
+
+int tavXMutexCreate(TavMutex** out, ...) {
+    va_list list, again;
+    va_start(list, out);
+    va_copy(again, list);
+    if (out != nullptr) *out = nullptr;
+    const int rc = create(out, list);
+    if (rc == TAVTHREAD_OK && tavTraceReplaced()) trace(out, again);
+    va_end(again);
+    va_end(list);
+    return rc;
+}
+
+int tavXMutexDestroy(TavMutex* m) {
+    if (m == nullptr) return TAVTHREAD_INVALID;
+    // A mutex destroyed while held must not stay in its holder's list.
+    if ((m->flags & kTavMutexTracking) != 0) tavHeldMutexesRemove(m);
+    const int rc = tavThread_MapError(tavRetry([m] { return pthread_mutex_destroy(&m->native); }));
+    freeRecord(m);
+    return rc;
+}
+
+int tavXMutexLock_(TavMutex* m, const char* file, int line) {
+    return tavMutexLockFast(m, file, line);
+}
+
+int tavXMutexTryLock_(TavMutex* m, const char* file, int line) {
+    return tavMutexTryLockFast(m, file, line);
+}
+
+int tavXMutexTimedLock_(TavMutex* m, unsigned ms, const char* file, int line) {
+    if (m == nullptr || ms == TAVTHREAD_INFINITE) return tavMutexLockFast(m, file, line);
+    int rc;
+    if (reentered(m, rc)) return rc;
+    rc = tavPoll(ms, [m] { return pthread_mutex_trylock(&m->native); });
+    return rc == TAVTHREAD_OK ? taken(m, file, line) : rc;
+}
+
+int tavXMutexUnlock_(TavMutex* m) { return tavMutexUnlockFast(m); }
+
+}  // extern "C"

@@ -1,0 +1,195 @@
+#include "TavThread/TavRWLock.h"
+
+#include <new>
+
+#include "TavThread/internal/TavRWLockRecord.hpp"
+#include "TavThread/internal/TavSystem.hpp"
+#include "TavThread/internal/TavTraceLine.hpp"
+
+namespace {
+
+constexpr TavAttrKind kKind = tavBasicAttrKind("TavRWLockAttr");
+
+/// The slow path: while it lasts, the mutex is held and the state is the holder's alone.
+class Section {
+public:
+    explicit Section(TavRWLock& rw) : m_rw(rw) {
+        pthread_mutex_lock(&rw.mutex);
+        // Acquires what the fast operations up to here have released.
+        rw.word.fetch_or(kTavRWWaiters, std::memory_order_acq_rel);
+    }
+    ~Section() {
+        if (m_bWriterLeaves) passOn();
+        if (m_rw.waitingReaders == 0 && m_rw.waitingWriters == 0)
+            m_rw.word.fetch_and(~kTavRWWaiters, std::memory_order_release);
+        pthread_mutex_unlock(&m_rw.mutex);
+    }
+    Section(const Section&) = delete;
+    Section& operator=(const Section&) = delete;
+
+    bool written() const { return (word() & kTavRWWriter) != 0; }
+    std::uint32_t readers() const { return word() & kTavRWMostReaders; }
+    bool free() const { return word() == kTavRWWaiters; }
+    void set(std::uint32_t state) {
+        m_rw.word.store(state | kTavRWWaiters, std::memory_order_release);
+    }
+
+    /// @return 0 to look again, else the result to give up with.
+    int waitToRead(unsigned ms) { return wait(m_rw.readers, m_rw.waitingReaders, ms); }
+    int waitToWrite(unsigned ms) {
+        m_bWriterLeaves = true;  // stays so when the wait ends in an error or an unwinding
+        const int rc = wait(m_rw.writers, m_rw.waitingWriters, ms);
+        if (rc == TAVTHREAD_OK) m_bWriterLeaves = false;
+        return rc;
+    }
+
+private:
+    std::uint32_t word() const { return m_rw.word.load(std::memory_order_relaxed); }
+
+    int wait(pthread_cond_t& condition, int& waiters, unsigned ms) {
+        TavCounted waiting(waiters);
+        const int rc = tavWaitOn(&condition, &m_rw.mutex, ms);
+        return ms == TAVTHREAD_INFINITE && rc != TAVTHREAD_ERROR ? TAVTHREAD_OK : rc;
+    }
+
+    /// A writer that gives up may have been what others waited for, and may have been the one that
+    /// the last unlock woke.
+    void passOn() {
+        if (m_rw.waitingWriters == 0 && !written() && m_rw.waitingReaders > 0)
+            pthread_cond_broadcast(&m_rw.readers);
+        else if (free() && m_rw.waitingWriters > 0)
+            pthread_cond_signal(&m_rw.writers);
+    }
+
+    TavRWLock& m_rw;
+    bool m_bWriterLeaves = false;
+};
+
+int makeParts(TavRWLock* rw) {
+    int err = tavRetry([rw] { return pthread_mutex_init(&rw->mutex, nullptr); });
+    if (err != 0) return err;
+    err = tavRetry([rw] { return pthread_cond_init(&rw->readers, nullptr); });
+    if (err == 0) {
+        err = tavRetry([rw] { return pthread_cond_init(&rw->writers, nullptr); });
+        if (err != 0) pthread_cond_destroy(&rw->readers);
+    }
+    if (err != 0) pthread_mutex_destroy(&rw->mutex);
+    return err;
+}
+
+int create(TavRWLock** out, va_list list) {
+    TavAttributes attrs;
+    const int rc = tavReadAttributes(kKind, list, attrs);
+    if (rc != TAVTHREAD_OK) return rc;
+    if (out == nullptr) return TAVTHREAD_INVALID;
+    TavRWLock* rw = new (std::nothrow) TavRWLock;
+    if (rw == nullptr) return TAVTHREAD_NOMEM;
+    if (const int err = makeParts(rw)) {
+        delete rw;
+        return tavThread_MapError(err);
+    }
+    rw->traceObj = attrs.traceObject();
+    rw->syntaxTraced = attrs.syntaxTraced();
+    *out = rw;
+    return TAVTHREAD_OK;
+}
+
+void trace(TavRWLock** out, va_list list) {
+    const TavRWLock* rw = *out;
+    tavThreadTraceOutput(rw->traceObj, TavTraceRWLock, "%s%s( rw:%x=%x%s )",
+                         TAV_TRACE_CALL("tavRWLockCreate"), tavTraceHex(out), tavTraceHex(rw),
+                         TavAttributeText(kKind, TavAttributeText::Call, list).text());
+    if (rw->syntaxTraced)
+        tavThreadTraceOutput(rw->traceObj, TavTraceSyntax, "CREATE RWLOCK %x%s;", tavTraceHex(rw),
+                             TavAttributeText(kKind, TavAttributeText::Syntax, list).text());
+}
+
+}  // namespace
+
+int tavRWLockReadLockGeneral(TavRWLock* rw, unsigned ms) {
+    if (rw == nullptr) return TAVTHREAD_INVALID;
+    Section section(*rw);
+    while (section.written() || rw->waitingWriters > 0)
+        if (const int rc = section.waitToRead(ms)) return rc;
+    if (section.readers() == kTavRWMostReaders) return TAVTHREAD_AGAIN;
+    section.set(section.readers() + 1);
+    return TAVTHREAD_OK;
+}
+
+int tavRWLockTryReadLockGeneral(TavRWLock* rw) {
+    if (rw == nullptr) return TAVTHREAD_INVALID;
+    if ((rw->word.load(std::memory_order_relaxed) & kTavRWWriter) != 0) return TAVTHREAD_BUSY;
+    Section section(*rw);
+    if (section.written() || rw->waitingWriters > 0) return TAVTHREAD_BUSY;
+    if (section.readers() == kTavRWMostReaders) return TAVTHREAD_AGAIN;
+    section.set(section.readers() + 1);
+    return TAVTHREAD_OK;
+}
+
+int tavRWLockWriteLockGeneral(TavRWLock* rw, unsigned ms) {
+    if (rw == nullptr) return TAVTHREAD_INVALID;
+    Section section(*rw);
+    while (!section.free())
+        if (const int rc = section.waitToWrite(ms)) return rc;
+    section.set(kTavRWWriter);
+    return TAVTHREAD_OK;
+}
+
+int tavRWLockTryWriteLockGeneral(TavRWLock* rw) {
+    if (rw == nullptr) return TAVTHREAD_INVALID;
+    if ((rw->word.load(std::memory_order_relaxed) & ~kTavRWWaiters) != 0) return TAVTHREAD_BUSY;
+    Section section(*rw);
+    if (!section.free()) return TAVTHREAD_BUSY;
+    section.set(kTavRWWriter);
+    return TAVTHREAD_OK;
+}
+
+int tavRWLockUnlockGeneral(TavRWLock* rw) {
+    if (rw == nullptr) return TAVTHREAD_INVALID;
+    Section section(*rw);
+    if (section.written())
+        section.set(0);
+    else if (section.readers() > 0)
+        section.set(section.readers() - 1);
+    if (rw->waitingWriters > 0) return tavThread_MapError(pthread_cond_signal(&rw->writers));
+    if (rw->waitingReaders > 0) return tavThread_MapError(pthread_cond_broadcast(&rw->readers));
+    return TAVTHREAD_OK;
+}
+
+extern "C" {
+
+int tavXRWLockCreate(TavRWLock** out, ...) {
+    va_list list, again;
+    va_start(list, out);
+    va_copy(again, list);
+    if (out != nullptr) *out = nullptr;
+    const int rc = create(out, list);
+    if (rc == TAVTHREAD_OK && tavTraceReplaced()) trace(out, again);
+    va_end(again);
+    va_end(list);
+    return rc;
+}
+
+int tavXRWLockDestroy(TavRWLock* rw) {
+    if (rw == nullptr) return TAVTHREAD_INVALID;
+    // Whoever unlocked last may have let others in just before it gives up the mutex.
+    pthread_mutex_lock(&rw->mutex);
+    pthread_mutex_unlock(&rw->mutex);
+    const int errors[] = {tavRetry([rw] { return pthread_mutex_destroy(&rw->mutex); }),
+                          tavRetry([rw] { return pthread_cond_destroy(&rw->readers); }),
+                          tavRetry([rw] { return pthread_cond_destroy(&rw->writers); })};
+    delete rw;
+    for (const int err : errors)
+        if (err != 0) return tavThread_MapError(err);
+    return TAVTHREAD_OK;
+}
+
+int tavXRWLockReadLock(TavRWLock* rw) { return tavRWLockReadLockFast(rw, TAVTHREAD_INFINITE); }
+int tavXRWLockTryReadLock(TavRWLock* rw) { return tavRWLockTryReadLockFast(rw); }
+int tavXRWLockTimedReadLock(TavRWLock* rw, unsigned ms) { return tavRWLockReadLockFast(rw, ms); }
+int tavXRWLockWriteLock(TavRWLock* rw) { return tavRWLockWriteLockFast(rw, TAVTHREAD_INFINITE); }
+int tavXRWLockTryWriteLock(TavRWLock* rw) { return tavRWLockTryWriteLockFast(rw); }
+int tavXRWLockTimedWriteLock(TavRWLock* rw, unsigned ms) { return tavRWLockWriteLockFast(rw, ms); }
+int tavXRWLockUnlock(TavRWLock* rw) { return tavRWLockUnlockFast(rw); }
+
+}  // extern "C"

@@ -1,0 +1,44 @@
+#ifndef TAVTHREAD_TAVRWLOCK_H
+#define TAVTHREAD_TAVRWLOCK_H
+
+#include "TavThread/TavResult.h"
+
+/// A read/write lock: many readers or one writer. A waiting writer holds back new readers, so a
+/// reader that locks again while a writer waits would wait for itself.
+///
+/// Threads: any thread may call any operation.
+typedef struct TavRWLock TavRWLock;
+
+/// Attribute tags of tavXRWLockCreate; a list ends with TavRWLockAttrEnd.
+enum TavRWLockAttributes {
+    TavRWLockAttrEnd = 0,
+    TavRWLockAttrNoop = 1,
+    TavRWLockAttrDisableSyntax = 2,  ///< no creation-syntax trace line
+    TavRWLockAttrTraceObj = 3        ///< followed by a void*
+};
+
+TAV_EXTERN_C_BEGIN
+
+/// @param out  receives the lock; null after a failure.
+TAV_API int tavXRWLockCreate(TavRWLock** out, ...);
+/// Requires: nobody waits.
+TAV_API int tavXRWLockDestroy(TavRWLock* rw);
+
+TAV_API int tavXRWLockReadLock(TavRWLock* rw);
+/// @return TAVTHREAD_BUSY if a writer holds the lock or waits for it.
+TAV_API int tavXRWLockTryReadLock(TavRWLock* rw);
+/// A waiter that is woken but finds the lock taken again starts a full new timeout.
+/// @param ms  TAVTHREAD_INFINITE waits without limit.
+/// @return TAVTHREAD_TIMEOUT when the time ran out.
+TAV_API int tavXRWLockTimedReadLock(TavRWLock* rw, unsigned ms);
+TAV_API int tavXRWLockWriteLock(TavRWLock* rw);
+/// @return TAVTHREAD_BUSY if anybody holds the lock.
+TAV_API int tavXRWLockTryWriteLock(TavRWLock* rw);
+/// As tavXRWLockTimedReadLock; readers held back by a writer that gives up go on.
+TAV_API int tavXRWLockTimedWriteLock(TavRWLock* rw, unsigned ms);
+/// Gives up the caller's read or write lock; a lock that is free stays so.
+TAV_API int tavXRWLockUnlock(TavRWLock* rw);
+
+TAV_EXTERN_C_END
+
+#endif

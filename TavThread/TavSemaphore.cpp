@@ -1,0 +1,97 @@
+#include "TavThread/TavSemaphore.h"
+
+#include <new>
+
+#include "TavThread/internal/TavSemaphoreRecord.hpp"
+#include "TavThread/internal/TavSystem.hpp"
+#include "TavThread/internal/TavTraceLine.hpp"
+
+namespace {
+
+constexpr TavAttrKind kKind = tavBasicAttrKind("TavSemaphoreAttr");
+
+int create(TavSemaphore** out, unsigned initialCount, va_list list) {
+    TavAttributes attrs;
+    const int rc = tavReadAttributes(kKind, list, attrs);
+    if (rc != TAVTHREAD_OK) return rc;
+    if (out == nullptr) return TAVTHREAD_INVALID;
+    TavSemaphore* s = new (std::nothrow) TavSemaphore;
+    if (s == nullptr) return TAVTHREAD_NOMEM;
+    if (const int err = tavRetryErrno([=] { return sem_init(&s->native, 0, initialCount); })) {
+        delete s;
+        return tavThread_MapError(err);
+    }
+    s->flags = kTavSemaphoreInitialized | (attrs.syntaxTraced() ? kTavSemaphoreSyntaxTraced : 0U);
+    s->traceObj = attrs.traceObject();
+    *out = s;
+    return TAVTHREAD_OK;
+}
+
+void trace(TavSemaphore** out, unsigned initialCount, va_list list) {
+    const TavSemaphore* s = *out;
+    const int count = static_cast<int>(initialCount);
+    tavThreadTraceOutput(s->traceObj, TavTraceSemaphore, "%s%s( s:%x=%x, count:%d%s )",
+                         TAV_TRACE_CALL("tavSemaphoreCreate"), tavTraceHex(out), tavTraceHex(s),
+                         count, TavAttributeText(kKind, TavAttributeText::Call, list).text());
+    if ((s->flags & kTavSemaphoreSyntaxTraced) != 0)
+        tavThreadTraceOutput(s->traceObj, TavTraceSyntax, "CREATE SEMAPHORE %x WITH COUNT %d%s;",
+                             tavTraceHex(s), count,
+                             TavAttributeText(kKind, TavAttributeText::Syntax, list).text());
+}
+
+}  // namespace
+
+int tavSemaphoreTryWaitGeneral(TavSemaphore* s) {
+    if (s == nullptr) return TAVTHREAD_INVALID;
+    const int err = tavRetryErrno([s] { return sem_trywait(&s->native); });
+    return err == EAGAIN ? TAVTHREAD_BUSY : tavThread_MapError(err);
+}
+
+int tavSemaphorePostGeneral(TavSemaphore* s) {
+    if (s == nullptr) return TAVTHREAD_INVALID;
+    return tavThread_MapError(tavRetryErrno([s] { return sem_post(&s->native); }));
+}
+
+extern "C" {
+
+int tavXSemaphoreCreate(TavSemaphore** out, unsigned initialCount, ...) {
+    va_list list, again;
+    va_start(list, initialCount);
+    va_copy(again, list);
+    if (out != nullptr) *out = nullptr;
+    const int rc = create(out, initialCount, list);
+    if (rc == TAVTHREAD_OK && tavTraceReplaced()) trace(out, initialCount, again);
+    va_end(again);
+    va_end(list);
+    return rc;
+}
+
+int tavXSemaphoreDestroy(TavSemaphore* s) {
+    if (s == nullptr) return TAVTHREAD_INVALID;
+    const int rc = tavThread_MapError(tavRetryErrno([s] { return sem_destroy(&s->native); }));
+    delete s;
+    return rc;
+}
+
+int tavXSemaphoreWait(TavSemaphore* s) {
+    if (s == nullptr) return TAVTHREAD_INVALID;
+    return tavThread_MapError(tavRetryErrno([s] { return sem_wait(&s->native); }));
+}
+
+int tavXSemaphoreTryWait(TavSemaphore* s) { return tavSemaphoreTryWaitFast(s); }
+
+int tavXSemaphoreTimedWait(TavSemaphore* s, unsigned ms) {
+    if (s == nullptr || ms == TAVTHREAD_INFINITE) return tavXSemaphoreWait(s);
+    return tavPoll(ms, [s] { return tavRetryErrno([s] { return sem_trywait(&s->native); }); });
+}
+
+int tavXSemaphorePost(TavSemaphore* s) { return tavSemaphorePostFast(s); }
+
+int tavXSemaphorePostN(TavSemaphore* s, int n) {
+    if (s == nullptr) return TAVTHREAD_INVALID;
+    int rc = TAVTHREAD_OK;
+    while (n-- > 0 && rc == TAVTHREAD_OK) rc = tavSemaphorePostFast(s);
+    return rc;
+}
+
+}  // extern "C"

@@ -1,0 +1,56 @@
+#include "TavThread/internal/TavTraceLine.hpp"
+
+#include <cstdio>
+
+extern "C" __attribute__((visibility("hidden"), nothrow)) void tavThreadTraceOutputBuiltIn(
+    void*, unsigned long, const char*, ...);
+
+namespace {
+
+// Filled in when the library is loaded, the first with whatever definition the program's symbol
+// search finds. Volatile, because a compiler may hold two functions of different names for
+// different addresses.
+using Output = void (*)(void*, unsigned long, const char*, ...);
+volatile const Output g_output = &tavThreadTraceOutput;
+volatile const Output g_builtIn = &tavThreadTraceOutputBuiltIn;
+
+}  // namespace
+
+bool tavTraceReplaced() { return g_output != g_builtIn; }
+
+TavAttributeText::TavAttributeText(const TavAttrKind& kind, Form form, va_list list) {
+    m_text[0] = '\0';
+    va_list args;
+    va_copy(args, list);
+    for (int tag = va_arg(args, int); tag > 0 && tag < kind.count; tag = va_arg(args, int)) {
+        const TavAttrTag& known = kind.tags[tag];
+        if (form == Call)
+            add(", %s%s", kind.prefix, known.name);
+        else if (known.syntax != nullptr)
+            add("%s%s", m_length > 0 ? "," : "", known.syntax);
+        switch (known.value) {
+            case TavAttrValue::None:
+                break;
+            case TavAttrValue::TraceObj:
+                add(" %0x", tavTraceHex(va_arg(args, void*)));
+                break;
+            case TavAttrValue::CancelFlag:
+                static_cast<void>(va_arg(args, int*));
+                break;
+            case TavAttrValue::StackSize:
+                static_cast<void>(va_arg(args, unsigned));
+                break;
+        }
+    }
+    va_end(args);
+}
+
+void TavAttributeText::add(const char* format, ...) {
+    va_list args;
+    va_start(args, format);
+    const int wanted = std::vsnprintf(m_text + m_length, sizeof m_text - m_length, format, args);
+    va_end(args);
+    const unsigned room = static_cast<unsigned>(sizeof m_text) - 1 - m_length;
+    if (wanted > 0)
+        m_length += static_cast<unsigned>(wanted) < room ? static_cast<unsigned>(wanted) : room;
+}

@@ -1,0 +1,17 @@
+// Alone in its source file, so that no caller can be compiled against this definition instead of
+// the program's.
+#include <cstdarg>
+#include <cstdio>
+
+#include "TavThread/TavTrace.h"
+
+extern "C" void tavThreadTraceOutput(void*, unsigned long, const char* format, ...) {
+    char line[1024];
+    va_list args;
+    va_start(args, format);
+    std::vsnprintf(line, sizeof line, format, args);
+    va_end(args);
+}
+
+extern "C" __attribute__((visibility("hidden"), nothrow, alias("tavThreadTraceOutput"))) void
+tavThreadTraceOutputBuiltIn(void*, unsigned long, const char*, ...);

@@ -1,0 +1,35 @@
+#ifndef TAVTHREAD_INTERNAL_TAVSEMAPHORERECORD_HPP
+#define TAVTHREAD_INTERNAL_TAVSEMAPHORERECORD_HPP
+
+#include <semaphore.h>
+
+#include <atomic>
+
+#include "TavThread/TavSemaphore.h"
+
+enum TavSemaphoreFlags : unsigned { kTavSemaphoreInitialized = 1, kTavSemaphoreSyntaxTraced = 2 };
+
+struct TavSemaphore {
+    sem_t native;
+    // How far looking actively has paid off lately; 0 sleeps at once. Only a hint.
+    std::atomic<int> spinScore{4};
+    unsigned flags = 0;
+    void* traceObj = nullptr;
+};
+
+int tavSemaphoreTryWaitGeneral(TavSemaphore* s);
+int tavSemaphorePostGeneral(TavSemaphore* s);
+
+/// tavXSemaphoreTryWait at the cost of the POSIX call when there is a count to take.
+inline int tavSemaphoreTryWaitFast(TavSemaphore* s) {
+    if (s != nullptr && sem_trywait(&s->native) == 0) return TAVTHREAD_OK;
+    return tavSemaphoreTryWaitGeneral(s);
+}
+
+/// tavXSemaphorePost at the cost of the POSIX call.
+inline int tavSemaphorePostFast(TavSemaphore* s) {
+    if (s != nullptr && sem_post(&s->native) == 0) return TAVTHREAD_OK;
+    return tavSemaphorePostGeneral(s);
+}
+
+#endif
