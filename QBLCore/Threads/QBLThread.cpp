@@ -1,0 +1,183 @@
+#include "QBLCore/Threads/QBLThread.hpp"
+
+#include <cxxabi.h>
+#include <time.h>
+
+#include <cerrno>
+#include <climits>
+#include <memory>
+
+#include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
+#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
+#include "QBLCore/Exceptions/QBLThreadResourceError.hpp"
+#include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
+#include "QBLCore/Threads/QBLThreadGuard.hpp"
+#include "QBLCore/Threads/QBLThreadKey.hpp"
+#include "TavThread/TavThread.h"
+#include "TavThread/internal/TavThreadRecord.hpp"
+
+namespace {
+
+const char kStarted[] = "QBLThread::start: the thread was started before and not joined";
+const char kNoMemory[] = "TavThread ran out of memory";
+const char kStart[] = "TavThread interface or unknown error";
+const char kThrew[] = "TavThread caught a hardware exception";
+const char kJoin[] = "TavThread either detected deadlock or an unexpected error occurred";
+
+/// The key from a thread to its QBLThread. The lock outlives everything, so that threads which
+/// begin or end while the library stops find either the key or none.
+struct CurrentThread {
+    QBLThreadCriticalSection lock{0};
+    std::unique_ptr<QBLThreadKey> key;  // guarded by lock
+
+    static CurrentThread& instance() {
+        static CurrentThread& one = *new CurrentThread;
+        return one;
+    }
+    bool set(QBLThread* thread) {
+        QBLThreadGuard guard(lock);
+        if (key == nullptr) return false;
+        key->setValue(thread);
+        return true;
+    }
+    QBLThread* get() {
+        QBLThreadGuard guard(lock);
+        return key != nullptr ? static_cast<QBLThread*>(key->getValue()) : nullptr;
+    }
+};
+
+/// Runs other people's code, of which nothing but a thread's exit may leave.
+template <class Body>
+void contain(Body body) {
+    try {
+        body();
+    } catch (abi::__forced_unwind&) {
+        throw;
+    } catch (...) {
+    }
+}
+
+}  // namespace
+
+QBLThread::QBLThread(QBLThreadRunnable* runnable, unsigned long stackSize)
+    : m_pThread(nullptr), m_pRunnable(runnable), m_stackSize(stackSize), m_pAtExit(nullptr) {}
+
+QBLThread::~QBLThread() {
+    TavThread* thread = m_pThread.load();
+    if (thread == nullptr) return;
+    try {
+        if (!tavXThreadEqual(thread, tavXThreadSelf())) join();
+    } catch (...) {
+        // The thread is lost; letting go of its record is all that is left to do.
+    }
+    tavXThreadDestroy(thread);
+}
+
+void QBLThread::run() {}
+
+void QBLThread::start() {
+    TavThread* previous = m_pThread.load();
+    if (previous != nullptr) {
+        if (previous->joinable.load() != TavJoinable::Joined) QBL_THROW(QBLIllegalStateError(0, kStarted));
+        m_pThread.store(nullptr);
+        tavXThreadDestroy(previous);
+    }
+    m_pAtExit = nullptr;
+    const unsigned int stackSize =
+        m_stackSize < UINT_MAX ? static_cast<unsigned int>(m_stackSize) : UINT_MAX;
+    TavThread* thread = nullptr;
+    const int result = tavXThreadCreate(&QBLThread::main, this, &thread, TavThreadAttrStackSize,
+                                        stackSize, TavThreadAttrEnd);
+    switch (result) {
+        case TAVTHREAD_OK:
+            m_pThread.store(thread);
+            break;
+        case TAVTHREAD_NOMEM:
+            QBL_THROW(QBLOutOfMemoryError(0, kNoMemory));
+        case TAVTHREAD_AGAIN:
+            QBL_THROW(QBLThreadResourceError(0, nullptr));
+        default:
+            QBL_THROW(QBLThreadResourceError(0, kStart));
+    }
+}
+
+void QBLThread::join() {
+    TavThread* thread = m_pThread.load();
+    if (thread == nullptr || thread->joinable.load() == TavJoinable::Joined) return;
+    if (tavXThreadJoin(thread, nullptr) != TAVTHREAD_OK) {
+        QBL_THROW(QBLThreadResourceError(0, kJoin));
+    }
+    if (tavXThreadAutopsy(thread) == TavThreadExitException) {
+        QBL_THROW(QBLThreadResourceError(0, kThrew));
+    }
+}
+
+bool QBLThread::isAlive() const {
+    TavThread* thread = m_pThread.load();
+    return thread != nullptr && tavXThreadAlive(thread) != 0;
+}
+
+void QBLThread::yield() { tavXThreadYield(); }
+
+unsigned long QBLThread::currentThreadId() { return tavXThreadId(nullptr); }
+
+void QBLThread::sleep(unsigned long ms) {
+    timespec left;
+    left.tv_sec = static_cast<time_t>(ms / 1000);
+    left.tv_nsec = static_cast<long>(ms % 1000) * 1000000L;
+    while (nanosleep(&left, &left) != 0 && errno == EINTR) {
+    }
+}
+
+int QBLThread::atExit(void (*routine)(), int set) {
+    if (set != 0 && routine == nullptr) return -1;
+    QBLThread* thread = CurrentThread::instance().get();
+    if (thread == nullptr) return -1;
+    thread->m_pAtExit = set != 0 ? routine : nullptr;
+    return 0;
+}
+
+int QBLThread::Initialize() {
+    try {
+        CurrentThread& current = CurrentThread::instance();
+        QBLThreadGuard guard(current.lock);
+        if (current.key == nullptr) current.key = std::make_unique<QBLThreadKey>();
+        return TAVTHREAD_OK;
+    } catch (const QBLOutOfMemoryError&) {
+        return TAVTHREAD_NOMEM;
+    } catch (const std::bad_alloc&) {
+        return TAVTHREAD_NOMEM;
+    } catch (...) {
+        return TAVTHREAD_ERROR;
+    }
+}
+
+int QBLThread::Terminate() {
+    CurrentThread& current = CurrentThread::instance();
+    QBLThreadGuard guard(current.lock);
+    current.key.reset();
+    return TAVTHREAD_OK;
+}
+
+void* QBLThread::main(void* self) {
+    static_cast<QBLThread*>(self)->execute();
+    return nullptr;
+}
+
+void QBLThread::execute() {
+    // start() stores the same, maybe later than the thread asks for it.
+    m_pThread.store(tavXThreadSelf());
+    bool known = false;
+    contain([&] { known = CurrentThread::instance().set(this); });
+    if (!known) return;
+    void (*routine)() = nullptr;
+    try {
+        contain([this] { m_pRunnable != nullptr ? m_pRunnable->run() : run(); });
+    } catch (abi::__forced_unwind&) {
+        if (m_pAtExit != nullptr) contain(m_pAtExit);
+        throw;
+    }
+    routine = m_pAtExit;
+    if (routine != nullptr) contain(routine);
+}

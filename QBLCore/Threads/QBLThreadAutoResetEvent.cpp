@@ -1,0 +1,32 @@
+#include "QBLCore/Threads/QBLThreadAutoResetEvent.hpp"
+
+#include "QBLCore/Threads/internal/QBLLayerResult.hpp"
+#include "TavThread/TavEvent.h"
+
+namespace {
+
+const char kCreate[] =
+    "QBLThreadAutoResetEvent::QBLThreadAutoResetEvent: TavThread interface or unexpected error";
+const char kExhausted[] = "QBLThreadAutoResetEvent: out of events";
+const char kWait[] = "QBLThreadAutoResetEvent::wait: TavThread interface or unexpected error";
+const char kTimedWait[] =
+    "QBLThreadAutoResetEvent::timedWait: TavThread interface or unexpected error";
+const char kSignal[] = "QBLThreadAutoResetEvent::signal: TavThread interface or unexpected error";
+
+}  // namespace
+
+QBLThreadAutoResetEvent::QBLThreadAutoResetEvent(int signaled) : m_pEvent(nullptr) {
+    const int result = tavXEventCreate(&m_pEvent, 0, signaled, TavEventAttrEnd);
+    const bool exhausted = result == TAVTHREAD_NOMEM || result == TAVTHREAD_AGAIN;
+    settle(result, QBL_HERE, exhausted ? kExhausted : kCreate);
+}
+
+QBLThreadAutoResetEvent::~QBLThreadAutoResetEvent() { tavXEventDestroy(m_pEvent); }
+
+void QBLThreadAutoResetEvent::wait() { settle(tavXEventWait(m_pEvent), QBL_HERE, kWait); }
+
+bool QBLThreadAutoResetEvent::timedWait(unsigned long ms) {
+    return settleTimed(tavXEventTimedWait(m_pEvent, layerTimeout(ms)), QBL_HERE, kTimedWait);
+}
+
+void QBLThreadAutoResetEvent::signal() { settle(tavXEventSignal(m_pEvent), QBL_HERE, kSignal); }

@@ -1,0 +1,29 @@
+#ifndef QBLCORE_THREADS_QBLTHREADGUARD_HPP
+#define QBLCORE_THREADS_QBLTHREADGUARD_HPP
+
+#include "QBLCore/Threads/QBLThreadLockableResource.hpp"
+
+/// Holds a lock from its construction to the end of its scope, whichever way that is left.
+/// An error from unlocking there is dropped: a destructor has nobody to tell it to.
+///
+///     QBLThreadGuard guard(m_mutex);
+class QBL_SCOPED_CAPABILITY QBLThreadGuard {
+public:
+    explicit QBLThreadGuard(QBLThreadLockableResource& resource) QBL_ACQUIRE(resource)
+        : m_resource(resource) {
+        m_resource.lock();
+    }
+    ~QBLThreadGuard() QBL_RELEASE() {
+        try {
+            m_resource.unlock();
+        } catch (...) {
+        }
+    }
+    QBLThreadGuard(const QBLThreadGuard&) = delete;
+    QBLThreadGuard& operator=(const QBLThreadGuard&) = delete;
+
+private:
+    QBLThreadLockableResource& m_resource;
+};
+
+#endif

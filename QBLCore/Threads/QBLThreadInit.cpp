@@ -1,0 +1,24 @@
+#include "QBLCore/Threads/QBLThreadInit.hpp"
+
+#include <cstdio>
+
+#include "QBLCore/Exceptions/QBLThreadResourceError.hpp"
+#include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/Threads/QBLThreadProcess.h"
+
+namespace {
+
+const char kFailed[] =
+    "Unable to initialize QBLThread. qblThreadProcessInitialize returned error code (%d)";
+
+}  // namespace
+
+QBLThreadInit::QBLThreadInit() : m_bSuccess(false), m_iErrorCode(0) {
+    m_iErrorCode = qblThreadProcessInitialize(nullptr);
+    m_bSuccess = m_iErrorCode == 0;
+    if (!m_bSuccess) {
+        char text[sizeof kFailed + 16];
+        std::snprintf(text, sizeof text, kFailed, m_iErrorCode);
+        QBL_THROW(QBLThreadResourceError(m_iErrorCode, text));
+    }
+}

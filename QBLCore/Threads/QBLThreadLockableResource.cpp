@@ -1,0 +1,3 @@
+#include "QBLCore/Threads/QBLThreadLockableResource.hpp"
+
+QBLThreadLockableResource::~QBLThreadLockableResource() = default;

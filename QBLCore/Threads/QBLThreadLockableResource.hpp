@@ -1,0 +1,20 @@
+#ifndef QBLCORE_THREADS_QBLTHREADLOCKABLERESOURCE_HPP
+#define QBLCORE_THREADS_QBLTHREADLOCKABLERESOURCE_HPP
+
+#include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Threads/QBLThreadAnnotations.hpp"
+
+/// Anything that one holder at a time can lock; QBLThreadGuard holds it for a scope.
+class QBL_API QBL_CAPABILITY("lock") QBLThreadLockableResource {
+public:
+    QBLThreadLockableResource() = default;
+    QBLThreadLockableResource(const QBLThreadLockableResource&) = delete;
+    QBLThreadLockableResource& operator=(const QBLThreadLockableResource&) = delete;
+    virtual ~QBLThreadLockableResource();
+
+    /// Waits until the lock is free and takes it.
+    virtual void lock() QBL_ACQUIRE() = 0;
+    virtual void unlock() QBL_RELEASE_GENERIC() = 0;
+};
+
+#endif

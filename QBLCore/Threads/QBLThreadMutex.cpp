@@ -1,0 +1,41 @@
+#include "QBLCore/Threads/QBLThreadMutex.hpp"
+
+#include "QBLCore/Threads/internal/QBLLayerMutex.hpp"
+#include "QBLCore/Threads/internal/QBLLayerResult.hpp"
+
+namespace {
+
+const char kCreate[] = "QBLThreadMutex::QBLThreadMutex: TavThread interface or unexpected error";
+const char kNoMemory[] = "QBLThreadMutex::QBLThreadMutex: TavThread ran out of memory";
+const char kLock[] = "QBLThreadMutex::lock: TavThread interface or unexpected error";
+const char kUnlock[] = "QBLThreadMutex::unlock: TavThread interface or unexpected error";
+const char kTryLock[] = "QBLThreadMutex::tryLock: TavThread interface or unexpected error";
+const char kTimedLock[] = "QBLThreadMutex::timedLock: TavThread interface or unexpected error";
+
+}  // namespace
+
+QBLThreadMutex::QBLThreadMutex(int trackOwner) : QBLThreadMutex(trackOwner, false) {}
+
+QBLThreadMutex::QBLThreadMutex(int trackOwner, bool recursive) : m_pMutex(nullptr) {
+    settleCreate(qblCreateMutex(&m_pMutex, trackOwner != 0, recursive), QBL_HERE, kCreate,
+                 kNoMemory);
+}
+
+QBLThreadMutex::~QBLThreadMutex() { tavXMutexDestroy(m_pMutex); }
+
+void QBLThreadMutex::lock() QBL_NO_THREAD_SAFETY_ANALYSIS {
+    settle(tavMutexLockFast(m_pMutex, __FILE__, __LINE__), QBL_HERE, kLock);
+}
+
+void QBLThreadMutex::unlock() QBL_NO_THREAD_SAFETY_ANALYSIS {
+    settle(tavMutexUnlockFast(m_pMutex), QBL_HERE, kUnlock);
+}
+
+bool QBLThreadMutex::tryLock() QBL_NO_THREAD_SAFETY_ANALYSIS {
+    return settleTry(tavMutexTryLockFast(m_pMutex, __FILE__, __LINE__), QBL_HERE, kTryLock);
+}
+
+bool QBLThreadMutex::timedLock(unsigned long ms) QBL_NO_THREAD_SAFETY_ANALYSIS {
+    return settleTimed(tavXMutexTimedLock_(m_pMutex, layerTimeout(ms), __FILE__, __LINE__),
+                       QBL_HERE, kTimedLock);
+}

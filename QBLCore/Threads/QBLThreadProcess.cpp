@@ -1,0 +1,43 @@
+#include "QBLCore/Threads/QBLThreadProcess.h"
+
+#include "QBLCore/Threads/QBLThread.hpp"
+#include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
+#include "QBLCore/Threads/QBLThreadGuard.hpp"
+#include "TavThread/TavThread.h"
+
+namespace {
+
+const char kLayerName[] = "QBLThreads";
+
+/// The starts not yet taken back. Never destroyed: a program may stop the library from its
+/// own last destructors.
+struct Starts {
+    QBLThreadCriticalSection lock{0};
+    int count = 0;  // guarded by lock
+
+    static Starts& instance() {
+        static Starts& one = *new Starts;
+        return one;
+    }
+};
+
+}  // namespace
+
+int qblThreadProcessInitialize(const char*) {
+    Starts& starts = Starts::instance();
+    QBLThreadGuard guard(starts.lock);
+    ++starts.count;
+    // The layer's own result is deliberately not looked at: without the layer no thread starts,
+    // and that is reported where one is started.
+    tavThreadProcessInitialize(kLayerName);
+    return QBLThread::Initialize();
+}
+
+int qblThreadProcessTerminate(const char*) {
+    Starts& starts = Starts::instance();
+    QBLThreadGuard guard(starts.lock);
+    if (starts.count > 0) --starts.count;
+    tavThreadProcessTerminate(kLayerName);
+    // The layer counts for itself, the key does not: it must last as long as the layer.
+    return starts.count == 0 ? QBLThread::Terminate() : 0;
+}

@@ -1,0 +1,34 @@
+#ifndef QBLCORE_THREADS_QBLTHREADRWGUARD_HPP
+#define QBLCORE_THREADS_QBLTHREADRWGUARD_HPP
+
+#include "QBLCore/Threads/QBLThreadRWLockableResource.hpp"
+
+/// Holds a read-write lock for a scope, as a writer or as one of its readers.
+/// An error from unlocking at the end is dropped, as in QBLThreadGuard.
+///
+///     QBLThreadRWGuard guard(m_lock, 0);  // as a reader
+class QBLThreadRWGuard {
+public:
+    /// @param write  non-zero to hold it alone, 0 to share it with other readers
+    QBLThreadRWGuard(QBLThreadRWLockableResource& resource, int write) QBL_NO_THREAD_SAFETY_ANALYSIS
+        : m_resource(resource) {
+        if (write != 0) {
+            m_resource.lock();
+        } else {
+            m_resource.readLock();
+        }
+    }
+    ~QBLThreadRWGuard() QBL_NO_THREAD_SAFETY_ANALYSIS {
+        try {
+            m_resource.unlock();
+        } catch (...) {
+        }
+    }
+    QBLThreadRWGuard(const QBLThreadRWGuard&) = delete;
+    QBLThreadRWGuard& operator=(const QBLThreadRWGuard&) = delete;
+
+private:
+    QBLThreadRWLockableResource& m_resource;
+};
+
+#endif

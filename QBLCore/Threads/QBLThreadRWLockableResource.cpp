@@ -1,0 +1,3 @@
+#include "QBLCore/Threads/QBLThreadRWLockableResource.hpp"
+
+QBLThreadRWLockableResource::~QBLThreadRWLockableResource() = default;

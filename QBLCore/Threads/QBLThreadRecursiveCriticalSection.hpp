@@ -1,0 +1,16 @@
+#ifndef QBLCORE_THREADS_QBLTHREADRECURSIVECRITICALSECTION_HPP
+#define QBLCORE_THREADS_QBLTHREADRECURSIVECRITICALSECTION_HPP
+
+#include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
+
+/// A QBLThreadCriticalSection that its holder may lock again; it is free after as many unlocks as
+/// locks. An unlock by another thread throws QBLThreadResourceError and changes nothing. Condition
+/// variables do not wait with it.
+class QBL_API QBL_CAPABILITY("mutex") QBLThreadRecursiveCriticalSection
+    : public QBLThreadCriticalSection {
+public:
+    explicit QBLThreadRecursiveCriticalSection(int trackOwner = 0);
+    ~QBLThreadRecursiveCriticalSection() override;
+};
+
+#endif

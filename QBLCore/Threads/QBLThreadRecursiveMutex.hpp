@@ -1,0 +1,15 @@
+#ifndef QBLCORE_THREADS_QBLTHREADRECURSIVEMUTEX_HPP
+#define QBLCORE_THREADS_QBLTHREADRECURSIVEMUTEX_HPP
+
+#include "QBLCore/Threads/QBLThreadMutex.hpp"
+
+/// A QBLThreadMutex that its holder may lock again; it is free after as many unlocks as locks.
+/// An unlock by another thread throws QBLThreadResourceError and changes nothing. Condition
+/// variables do not wait with it.
+class QBL_API QBL_CAPABILITY("mutex") QBLThreadRecursiveMutex : public QBLThreadMutex {
+public:
+    explicit QBLThreadRecursiveMutex(int trackOwner = 0);
+    ~QBLThreadRecursiveMutex() override;
+};
+
+#endif

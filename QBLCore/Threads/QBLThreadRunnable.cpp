@@ -1,0 +1,3 @@
+#include "QBLCore/Threads/QBLThreadRunnable.hpp"
+
+QBLThreadRunnable::~QBLThreadRunnable() = default;

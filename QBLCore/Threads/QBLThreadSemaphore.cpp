@@ -1,0 +1,57 @@
+#include "QBLCore/Threads/QBLThreadSemaphore.hpp"
+
+#include <climits>
+
+#include "QBLCore/Threads/internal/QBLLayerResult.hpp"
+#include "TavThread/TavSemaphore.h"
+
+namespace {
+
+const char kCreate[] =
+    "QBLThreadSemaphore::QBLThreadSemaphore: TavThread interface or unexpected error";
+const char kNoMemory[] = "QBLThreadSemaphore::QBLThreadSemaphore: TavThread ran out of memory";
+const char kWait[] = "QBLThreadSemaphore::wait: TavThread interface or unexpected error";
+const char kTryWait[] = "QBLThreadSemaphore::tryWait: TavThread interface or unexpected error";
+const char kTimedWait[] = "QBLThreadSemaphore::timedWait: TavThread interface or unexpected error";
+const char kBoundedWait[] =
+    "QBLThreadSemaphore::boundedWait: TavThread interface or unexpected error";
+const char kPost[] = "QBLThreadSemaphore::post: TavThread interface or unexpected error";
+
+}  // namespace
+
+QBLThreadSemaphore::QBLThreadSemaphore(unsigned long initial) : m_pSemaphore(nullptr) {
+    initialize(initial);
+}
+
+QBLThreadSemaphore::~QBLThreadSemaphore() { tavXSemaphoreDestroy(m_pSemaphore); }
+
+void QBLThreadSemaphore::initialize(unsigned long initial) {
+    // A count too large for the layer must reach it as one that it refuses.
+    const unsigned int count = initial < UINT_MAX ? static_cast<unsigned int>(initial) : UINT_MAX;
+    TavSemaphore* made = nullptr;
+    settleCreate(tavXSemaphoreCreate(&made, count, TavSemaphoreAttrEnd), QBL_HERE, kCreate,
+                 kNoMemory);
+    if (m_pSemaphore != nullptr) tavXSemaphoreDestroy(m_pSemaphore);
+    m_pSemaphore = made;
+}
+
+void QBLThreadSemaphore::wait() { settle(tavXSemaphoreWait(m_pSemaphore), QBL_HERE, kWait); }
+
+bool QBLThreadSemaphore::tryWait() {
+    return settleTry(tavXSemaphoreTryWait(m_pSemaphore), QBL_HERE, kTryWait);
+}
+
+bool QBLThreadSemaphore::timedWait(unsigned long ms) {
+    return settleTimed(tavXSemaphoreTimedWait(m_pSemaphore, layerTimeout(ms)), QBL_HERE,
+                       kTimedWait);
+}
+
+bool QBLThreadSemaphore::boundedWait(unsigned long ms) {
+    return settleTimed(tavXSemaphoreBoundedWait(m_pSemaphore, layerTimeout(ms)), QBL_HERE,
+                       kBoundedWait);
+}
+
+void QBLThreadSemaphore::post(int n) {
+    settle(n == 1 ? tavXSemaphorePost(m_pSemaphore) : tavXSemaphorePostN(m_pSemaphore, n), QBL_HERE,
+           kPost);
+}

@@ -1,0 +1,15 @@
+#ifndef QBLCORE_THREADS_INTERNAL_QBLLAYERMUTEX_HPP
+#define QBLCORE_THREADS_INTERNAL_QBLLAYERMUTEX_HPP
+
+#include "TavThread/TavMutex.h"
+#include "TavThread/internal/TavMutexRecord.hpp"
+
+/// The layer mutex of QBLThreadMutex and QBLThreadCriticalSection.
+/// @return the layer's result; *out is null when it is not 0.
+inline int qblCreateMutex(TavMutex** out, bool trackOwner, bool recursive) {
+    const int tracking = trackOwner ? TavMutexAttrTrackOwner : TavMutexAttrNoop;
+    const int repeating = recursive ? TavMutexAttrRecursive : TavMutexAttrNoop;
+    return tavXMutexCreate(out, tracking, repeating, TavMutexAttrEnd);
+}
+
+#endif

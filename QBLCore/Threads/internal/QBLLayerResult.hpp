@@ -1,0 +1,46 @@
+#ifndef QBLCORE_THREADS_INTERNAL_QBLLAYERRESULT_HPP
+#define QBLCORE_THREADS_INTERNAL_QBLLAYERRESULT_HPP
+
+#include "QBLCore/Exceptions/QBLFileLocation.hpp"
+#include "TavThread/TavResult.h"
+
+/// How the lock classes turn results of the thread layer into exceptions.
+
+/// Throws QBLThreadResourceError with the text of the operation that failed.
+[[noreturn]] void qblThrowThreadResource(const QBLFileLocation& where, const char* text);
+/// Throws QBLOutOfMemoryError with the text of the operation that failed.
+[[noreturn]] void qblThrowOutOfMemory(const QBLFileLocation& where, const char* text);
+
+inline void settle(int result, const QBLFileLocation& where, const char* text) {
+    if (__builtin_expect(result != TAVTHREAD_OK, 0)) qblThrowThreadResource(where, text);
+}
+
+/// For constructors of the classes that have a text for exhausted memory.
+inline void settleCreate(int result, const QBLFileLocation& where, const char* text,
+                         const char* noMemoryText) {
+    if (result == TAVTHREAD_NOMEM) qblThrowOutOfMemory(where, noMemoryText);
+    settle(result, where, text);
+}
+
+/// For try operations: false when the object was taken.
+inline bool settleTry(int result, const QBLFileLocation& where, const char* text) {
+    if (result == TAVTHREAD_BUSY) return false;
+    settle(result, where, text);
+    return true;
+}
+
+/// For timed operations: false when the time ran out.
+inline bool settleTimed(int result, const QBLFileLocation& where, const char* text) {
+    if (result == TAVTHREAD_TIMEOUT) return false;
+    settle(result, where, text);
+    return true;
+}
+
+/// A timeout as the layer takes it. Where long has 64 bits, a time too long for the layer
+/// becomes its longest, never a short one.
+inline unsigned int layerTimeout(unsigned long ms) {
+    if (ms == ~0UL || ms == TAVTHREAD_INFINITE) return TAVTHREAD_INFINITE;
+    return ms < TAVTHREAD_INFINITE ? static_cast<unsigned int>(ms) : TAVTHREAD_INFINITE - 1;
+}
+
+#endif
