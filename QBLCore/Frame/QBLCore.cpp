@@ -1,0 +1,97 @@
+#include "QBLCore/Frame/QBLCore.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <new>
+
+#include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
+#include "QBLCore/Threads/QBLThreadGuard.hpp"
+#include "QBLCore/Threads/QBLThreadProcess.h"
+#include "QBLCore/Utility/QBLHighResolutionTime.hpp"
+
+namespace {
+
+const char kName[] = "QBL 1.0";
+const unsigned kMajor = 1;
+const unsigned kMinor = 0;
+
+const int kNotStarted = -2;
+const int kSubsystemFailed = -3;
+
+/// The count of starts and the lock over the whole of each start and stop. Never destroyed:
+/// the last stop may come from a program's own last destructors.
+struct Library {
+    QBLThreadCriticalSection refCountLock{0};
+    int refCount = 0;  // guarded by refCountLock
+
+    static Library& instance() {
+        static Library& one = *new Library;
+        return one;
+    }
+};
+
+bool isCompatible(int major, int minor) {
+    return major == static_cast<int>(kMajor) && minor <= static_cast<int>(kMinor);
+}
+
+int storeVersion(unsigned* major, unsigned* minor) {
+    if (major != nullptr) *major = kMajor;
+    if (minor != nullptr) *minor = kMinor;
+    return 0;
+}
+
+}  // namespace
+
+// A failed start is deliberately lenient: the count stays raised for the caller's one stop, and
+// the later steps are still taken.
+int qblCoreInitialize() {
+    Library& library = Library::instance();
+    QBLThreadGuard guard(library.refCountLock);
+    if (++library.refCount != 1) return 0;
+    int result = 0;
+    if (qblThreadProcessInitialize(kName) < 0) result = kSubsystemFailed;
+    if (!QBLHighResolutionTime::initialize()) {
+        result = kSubsystemFailed;
+        qblThreadProcessTerminate(kName);
+    }
+    return result;
+}
+
+int qblCoreTerminate() {
+    Library& library = Library::instance();
+    QBLThreadGuard guard(library.refCountLock);
+    if (library.refCount <= 0) return kNotStarted;
+    if (--library.refCount > 0) return 0;
+    QBLHighResolutionTime::terminate();
+    return qblThreadProcessTerminate(kName) < 0 ? kSubsystemFailed : 0;
+}
+
+int qblCoreGetApiVersion(unsigned* major, unsigned* minor) { return storeVersion(major, minor); }
+
+int qblCoreIsCompatibleWith(int major, int minor) { return isCompatible(major, minor) ? 0 : -1; }
+
+int qblInitialize() { return qblCoreInitialize(); }
+
+int qblTerminate() { return qblCoreTerminate(); }
+
+int qblGetApiVersion(unsigned* major, unsigned* minor) { return storeVersion(major, minor); }
+
+int qblIsCompatibleWith(int major, int minor) {
+    return isCompatible(major, minor) ? qblCoreIsCompatibleWith(kMajor, kMinor) : -1;
+}
+
+QBLNewHandler qblSetNewHandler(QBLNewHandler handler) { return std::set_new_handler(handler); }
+
+int qblSetBatchMode() {
+    errno = 0;
+    // Its result is no sign of success: -1 is a legal niceness.
+    [[maybe_unused]] const int niceness = nice(4);
+    return errno == 0 ? 1 : 0;
+}
+
+int qblErrorGetText() {
+    std::puts("qblErrorGetText not yet implemented");
+    return 0;
+}
