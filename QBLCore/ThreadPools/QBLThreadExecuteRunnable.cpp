@@ -1,0 +1,3 @@
+#include "QBLCore/ThreadPools/QBLThreadExecuteRunnable.hpp"
+
+QBLThreadExecuteRunnable::~QBLThreadExecuteRunnable() = default;

@@ -1,0 +1,55 @@
+#ifndef QBLCORE_THREADPOOLS_QBLTHREADPOOLVARIABLE_HPP
+#define QBLCORE_THREADPOOLS_QBLTHREADPOOLVARIABLE_HPP
+
+#include "QBLCore/Frame/QBLList.hpp"
+#include "QBLCore/ThreadPools/QBLSentinelQueue.hpp"
+#include "QBLCore/ThreadPools/QBLThreadPool.hpp"
+#include "QBLCore/Threads/QBLThreadMutex.hpp"
+
+/// Workers as they are needed: a task that finds no worker free gets a new one. The first ones
+/// stay for the pool's life, the others end when they have been idle for a while.
+///
+/// The number of workers has no upper bound, deliberately: a burst of tasks can make one per
+/// task. Every accepted task is run, also when the pool is destroyed meanwhile.
+///
+/// Threads: as QBLThreadPool.
+class QBL_API QBLThreadPoolVariable : public QBLThreadPool {
+public:
+    /// Starts no thread yet.
+    /// @param permanentWorkers  how many workers stay
+    /// @param defaultTimeout  ms, for execute() with a timeout of 0
+    /// @param idleTimeout  ms without a task after which one of the other workers ends
+    QBLThreadPoolVariable(unsigned long permanentWorkers, unsigned long defaultTimeout,
+                          unsigned long idleTimeout);
+    /// Waits for the tasks that were accepted.
+    ~QBLThreadPoolVariable() override;
+
+    /// @param task  null is accepted and does nothing
+    /// @param timeout  of no effect in practice: the queue has no bound
+    /// @throws QBLIllegalStateError once the stop-work flag is set; QBLOutOfMemoryError or
+    ///     QBLThreadResourceError when there is no worker and none can be made. The task was
+    ///     then not accepted.
+    int execute(QBLThreadRunnable* task, unsigned long timeout = 0) override;
+
+    /// A snapshot of the number of live workers.
+    unsigned long getWorkerCount() const;
+
+private:
+    class WorkerThread;
+
+    void addWorker();
+    bool leave(WorkerThread* worker, bool mayStay);
+    void taskDone();
+    void reap(bool all);
+
+    unsigned int m_workerCount;  // guarded by m_mutex
+    unsigned int m_taskCount;    // accepted and not yet run to the end; guarded by m_mutex
+    const unsigned long m_defaultTimeout;
+    const unsigned long m_idleTimeout;
+    const unsigned long m_permanentWorkers;
+    QBLSentinelQueue<QBLThreadRunnable*> m_tasks;
+    QBLList<WorkerThread*> m_dead;  // ended or about to; guarded by m_mutex
+    mutable QBLThreadMutex m_mutex;
+};
+
+#endif
