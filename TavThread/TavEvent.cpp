@@ -2,24 +2,13 @@
 
 #include <new>
 
+#include "TavThread/internal/TavEventRecord.hpp"
 #include "TavThread/internal/TavSystem.hpp"
 #include "TavThread/internal/TavTraceLine.hpp"
 
 namespace {
 
-enum Flags : unsigned { kManualReset = 1, kSignaled = 2 };
 constexpr TavAttrKind kKind = tavBasicAttrKind("TavEventAttr");
-
-}  // namespace
-
-struct TavEvent {
-    pthread_mutex_t mutex;
-    pthread_cond_t condition;
-    int waiters = 0;     // guarded by mutex
-    unsigned flags = 0;  // guarded by mutex
-};
-
-namespace {
 
 int create(TavEvent** out, unsigned flags) {
     if (out == nullptr) return TAVTHREAD_INVALID;
@@ -41,8 +30,8 @@ int create(TavEvent** out, unsigned flags) {
 
 void trace(TavEvent** out, unsigned flags, const TavAttributes& attrs, va_list list) {
     void* const traceObj = attrs.traceObject();
-    const bool manual = (flags & kManualReset) != 0;
-    const bool signaled = (flags & kSignaled) != 0;
+    const bool manual = (flags & kTavEventManualReset) != 0;
+    const bool signaled = (flags & kTavEventSignaled) != 0;
     tavThreadTraceOutput(traceObj, TavTraceEvent,
                          "%s%s( event:%x=%x, manualReset:%s, setSignaled:%s%s )",
                          TAV_TRACE_CALL("tavEventCreate"), tavTraceHex(out), tavTraceHex(*out),
@@ -57,6 +46,25 @@ void trace(TavEvent** out, unsigned flags, const TavAttributes& attrs, va_list l
 
 }  // namespace
 
+int tavEventWaitHeld(TavEvent* e, unsigned ms) {
+    TavHold hold(e->mutex, std::adopt_lock);
+    while ((e->flags & kTavEventSignaled) == 0) {
+        TavCounted waiting(e->waiters);
+        const int rc = tavWaitOn(&e->condition, &e->mutex, ms);
+        // A signal that arrives with the end of the time stays for the next waiter.
+        if (rc != TAVTHREAD_OK) return rc;
+    }
+    if ((e->flags & kTavEventManualReset) == 0) e->flags &= ~kTavEventSignaled;
+    return TAVTHREAD_OK;
+}
+
+int tavEventSignalHeld(TavEvent* e) {
+    TavHold hold(e->mutex, std::adopt_lock);
+    return tavThread_MapError((e->flags & kTavEventManualReset) != 0
+                                  ? pthread_cond_broadcast(&e->condition)
+                                  : pthread_cond_signal(&e->condition));
+}
+
 extern "C" {
 
 int tavXEventCreate(TavEvent** out, int manualReset, int setSignaled, ...) {
@@ -64,8 +72,8 @@ int tavXEventCreate(TavEvent** out, int manualReset, int setSignaled, ...) {
     va_start(list, setSignaled);
     va_copy(again, list);
     if (out != nullptr) *out = nullptr;
-    const unsigned flags =
-        (manualReset != 0 ? kManualReset : 0U) | (setSignaled != 0 ? kSignaled : 0U);
+    const unsigned flags = (manualReset != 0 ? kTavEventManualReset : 0U) |
+                           (setSignaled != 0 ? kTavEventSignaled : 0U);
     TavAttributes attrs;
     int rc = tavReadAttributes(kKind, list, attrs);
     if (rc == TAVTHREAD_OK) rc = create(out, flags);
@@ -83,29 +91,11 @@ int tavXEventDestroy(TavEvent* e) {
     return mutexErr != 0 || conditionErr != 0 ? TAVTHREAD_ERROR : TAVTHREAD_OK;
 }
 
-int tavXEventWait(TavEvent* e) { return tavXEventTimedWait(e, TAVTHREAD_INFINITE); }
+int tavXEventWait(TavEvent* e) { return tavEventWaitFast(e, TAVTHREAD_INFINITE); }
 
-int tavXEventTimedWait(TavEvent* e, unsigned ms) {
-    if (e == nullptr) return TAVTHREAD_INVALID;
-    TavHold hold(e->mutex);
-    while ((e->flags & kSignaled) == 0) {
-        TavCounted waiting(e->waiters);
-        const int rc = tavWaitOn(&e->condition, &e->mutex, ms);
-        // A signal that arrives with the end of the time stays for the next waiter.
-        if (rc != TAVTHREAD_OK) return rc;
-    }
-    if ((e->flags & kManualReset) == 0) e->flags &= ~kSignaled;
-    return TAVTHREAD_OK;
-}
+int tavXEventTimedWait(TavEvent* e, unsigned ms) { return tavEventWaitFast(e, ms); }
 
-int tavXEventSignal(TavEvent* e) {
-    if (e == nullptr) return TAVTHREAD_INVALID;
-    TavHold hold(e->mutex);
-    e->flags |= kSignaled;
-    if (e->waiters == 0) return TAVTHREAD_OK;
-    return tavThread_MapError((e->flags & kManualReset) != 0 ? pthread_cond_broadcast(&e->condition)
-                                                             : pthread_cond_signal(&e->condition));
-}
+int tavXEventSignal(TavEvent* e) { return tavEventSignalFast(e); }
 
 int tavXEventPulse(TavEvent* e) {
     return e == nullptr ? TAVTHREAD_INVALID : TAVTHREAD_NOTSUPPORTED;
@@ -114,7 +104,7 @@ int tavXEventPulse(TavEvent* e) {
 int tavXEventReset(TavEvent* e) {
     if (e == nullptr) return TAVTHREAD_INVALID;
     TavHold hold(e->mutex);
-    e->flags &= ~kSignaled;
+    e->flags &= ~kTavEventSignaled;
     return TAVTHREAD_OK;
 }
 

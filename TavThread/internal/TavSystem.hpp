@@ -4,6 +4,7 @@
 #include <pthread.h>
 
 #include <cerrno>
+#include <mutex>
 
 #include "TavThread/TavResult.h"
 
@@ -63,6 +64,7 @@ private:
 class TavHold {
 public:
     explicit TavHold(pthread_mutex_t& mutex) : m_mutex(mutex) { pthread_mutex_lock(&m_mutex); }
+    TavHold(pthread_mutex_t& mutex, std::adopt_lock_t) : m_mutex(mutex) {}
     ~TavHold() { pthread_mutex_unlock(&m_mutex); }
     TavHold(const TavHold&) = delete;
     TavHold& operator=(const TavHold&) = delete;

@@ -1,0 +1,210 @@
+#include <array>
+#include <cerrno>
+#include <thread>
+
+#include "TavThread/TavCondition.h"
+#include "TavThread/TavEvent.h"
+#include "TavThread/TavMutex.h"
+#include "TavThread/internal/TavMutexRecord.hpp"
+#include "tests/TavThread/TavSupport.hpp"
+#include "tests/support/FaultInjection.hpp"
+
+extern "C" int tavCalledFromC(void);
+
+namespace {
+
+/// A mutex made with these attributes.
+struct Mutex {
+    template <class... Attributes>
+    explicit Mutex(Attributes... attributes) {
+        EXPECT_EQ(TAVTHREAD_OK, tavXMutexCreate(&m, attributes..., TavMutexAttrEnd));
+    }
+    ~Mutex() { EXPECT_EQ(TAVTHREAD_OK, tavXMutexDestroy(m)); }
+    operator TavMutex*() const { return m; }
+    TavMutex* m = nullptr;
+};
+
+int tryFromOtherThread(TavMutex* m) {
+    int rc = 0;
+    Workers other(1, [&] {
+        rc = tavXMutexTryLock(m);
+        if (rc == TAVTHREAD_OK) tavXMutexUnlock(m);
+    });
+    other.join();
+    return rc;
+}
+
+}  // namespace
+
+TEST(TavHeadersTest, ServeC) { EXPECT_EQ(0, tavCalledFromC()); }
+
+TEST(TavMutexTest, ReportsTheWrongTagBeforeTheMissingPointer) {
+    TavMutex* m = reinterpret_cast<TavMutex*>(&m);
+    EXPECT_EQ(TAVTHREAD_BADATTR, tavXMutexCreate(&m, TavMutexAttrRecursive, 7, TavMutexAttrEnd));
+    EXPECT_EQ(nullptr, m);
+    EXPECT_EQ(TAVTHREAD_BADATTR, tavXMutexCreate(nullptr, -1, TavMutexAttrEnd));
+    EXPECT_EQ(TAVTHREAD_INVALID, tavXMutexCreate(nullptr, TavMutexAttrEnd));
+    EXPECT_EQ(TAVTHREAD_INVALID, tavXMutexLock(static_cast<TavMutex*>(nullptr)));
+    EXPECT_EQ(TAVTHREAD_INVALID, tavXMutexTimedLock(static_cast<TavMutex*>(nullptr), 5U));
+}
+
+TEST(TavMutexTest, RecursiveMutexBelongsToOneThreadUntilItsLastUnlock) {
+    Layer layer;
+    for (const bool tracking : {false, true}) {
+        Mutex m(TavMutexAttrRecursive, tracking ? TavMutexAttrTrackOwner : TavMutexAttrNoop);
+        EXPECT_EQ(TAVTHREAD_ERROR, tavXMutexUnlock(m)) << "nobody holds it";
+        EXPECT_EQ(TAVTHREAD_OK, tavXMutexLock(m));
+        EXPECT_EQ(TAVTHREAD_OK, tavXMutexTryLock(m));
+        EXPECT_EQ(TAVTHREAD_OK, tavXMutexTimedLock(m, 0));
+        Workers stranger(1, [&] { EXPECT_EQ(TAVTHREAD_ERROR, tavXMutexUnlock(m)); });
+        stranger.join();
+        for (int i = 0; i < 3; ++i) {
+            EXPECT_EQ(TAVTHREAD_BUSY, tryFromOtherThread(m)) << "after unlock " << i;
+            EXPECT_EQ(TAVTHREAD_OK, tavXMutexUnlock(m));
+        }
+        EXPECT_EQ(TAVTHREAD_OK, tryFromOtherThread(m));
+    }
+}
+
+TEST(TavMutexTest, RecursiveMutexExcludesAndCounts) {
+    Mutex m(TavMutexAttrRecursive);
+    int inside = 0, total = 0;
+    Workers workers(4, [&] {
+        for (int i = 0; i < 2000; ++i) {
+            tavXMutexLock(m);
+            tavXMutexLock(m);
+            EXPECT_EQ(1, ++inside);
+            ++total;
+            --inside;
+            tavXMutexUnlock(m);
+            tavXMutexUnlock(m);
+        }
+    });
+    workers.join();
+    EXPECT_EQ(8000, total);
+}
+
+TEST(TavMutexTest, TimedLockPollsAndSleepsAfterTheLastTry) {
+    Mutex m;
+    tavXMutexLock(m);
+    const struct {
+        unsigned ms;
+        double least;
+    } table[] = {{0, 0}, {1, 1}, {99, 99}, {250, 375}};
+    for (const auto& row : table) {
+        Watch watch;
+        EXPECT_EQ(TAVTHREAD_TIMEOUT, tavXMutexTimedLock(m, row.ms));
+        EXPECT_GE(watch.ms(), row.least) << row.ms;
+    }
+    std::atomic<int> got{-99};
+    Workers waiter(1, [&] {
+        got = tavXMutexTimedLock(m, kTestLimitMs);
+        tavXMutexUnlock(m);
+    });
+    tavXMutexUnlock(m);
+    waiter.join();
+    EXPECT_EQ(TAVTHREAD_OK, got);
+}
+
+TEST(TavMutexTest, TrackingNamesTheHolderAndSurvivesIt) {
+    Layer layer;
+    Mutex m(TavMutexAttrTrackOwner), other(TavMutexAttrTrackOwner);
+    tavXMutexLock(other);
+    EXPECT_EQ(TAVTHREAD_OK, tavXMutexLock_(m, "a.c", 7));
+    EXPECT_EQ(tavXThreadSelf(), m.m->owner);
+    EXPECT_STREQ("a.c", m.m->file);
+    EXPECT_EQ(7, m.m->line);
+    EXPECT_EQ(TAVTHREAD_OK, tavXMutexUnlock(other)) << "from behind the head of the list";
+    EXPECT_EQ(TAVTHREAD_OK, tavXMutexUnlock(m));
+    EXPECT_EQ(nullptr, m.m->owner);
+    // The holder ends without unlocking.
+    Workers holder(1, [&] {
+        tavXMutexLock(m);
+        tavXMutexLock(other);
+    });
+    holder.join();
+    EXPECT_EQ(nullptr, m.m->owner) << "a record that is gone";
+    EXPECT_EQ(TAVTHREAD_OK, tavXMutexUnlock(other));
+    EXPECT_EQ(TAVTHREAD_OK, tavXMutexUnlock(m));
+}
+
+TEST(TavMutexTest, TrackingWithoutRecordFailsButLocks) {
+    Mutex m(TavMutexAttrTrackOwner);
+    EXPECT_EQ(TAVTHREAD_ERROR, tavXMutexLock(m)) << "the layer is not initialised";
+    EXPECT_EQ(TAVTHREAD_BUSY, tryFromOtherThread(m));
+    EXPECT_EQ(TAVTHREAD_OK, tavXMutexUnlock(m));
+}
+
+TEST(TavMutexTest, DestroyedWhileHeldLeavesNoTrace) {
+    if (kThreadSanitizer) GTEST_SKIP() << "the sanitizer refuses what this is about";
+    Layer layer;
+    TavMutex* m = nullptr;
+    ASSERT_EQ(TAVTHREAD_OK, tavXMutexCreate(&m, TavMutexAttrTrackOwner, TavMutexAttrEnd));
+    Mutex next(TavMutexAttrTrackOwner);
+    tavXMutexLock(m);
+    EXPECT_EQ(TAVTHREAD_BUSY, tavXMutexDestroy(m));
+    EXPECT_EQ(TAVTHREAD_OK, tavXMutexLock(next)) << "the list it was in is whole";
+    EXPECT_EQ(TAVTHREAD_OK, tavXMutexUnlock(next));
+}
+
+TEST(TavConditionTest, HandsOverUnderTheMutex) {
+    pthread_mutex_t m = PTHREAD_MUTEX_INITIALIZER;
+    TavCondition* cv = nullptr;
+    ASSERT_EQ(TAVTHREAD_OK, tavXConditionCreate(&cv, TavConditionAttrEnd));
+    EXPECT_EQ(TAVTHREAD_INVALID, tavXConditionWait(cv, nullptr));
+    EXPECT_EQ(TAVTHREAD_INVALID, tavXConditionWait(nullptr, &m));
+    int turn = 0;
+    const auto play = [&](int mine, unsigned ms) {
+        for (int i = 0; i < 500; ++i) {
+            pthread_mutex_lock(&m);
+            while (turn != mine) EXPECT_EQ(TAVTHREAD_OK, tavXConditionTimedWait(cv, &m, ms));
+            turn = 1 - mine;
+            tavXConditionSignal(cv);
+            pthread_mutex_unlock(&m);
+        }
+    };
+    Workers other(1, [&] { play(1, TAVTHREAD_INFINITE); });
+    play(0, kTestLimitMs);
+    other.join();
+    pthread_mutex_lock(&m);
+    Watch watch;
+    EXPECT_EQ(TAVTHREAD_TIMEOUT, tavXConditionTimedWait(cv, &m, 30));
+    EXPECT_GE(watch.ms(), 29.0);
+    EXPECT_EQ(EBUSY, pthread_mutex_trylock(&m)) << "held again after a timeout";
+    for (const int err : {EPERM, ENOSYS}) {
+        fault::failCall(fault::ClockRead, 0, err);
+        EXPECT_EQ(TAVTHREAD_NOTSUPPORTED, tavXConditionTimedWait(cv, &m, 1));
+    }
+    pthread_mutex_unlock(&m);
+    EXPECT_EQ(TAVTHREAD_OK, tavXConditionDestroy(cv));
+}
+
+TEST(TavEventTest, LetsThroughOnePerSignalOrAllUntilReset) {
+    for (const bool manual : {false, true}) {
+        TavEvent* e = nullptr;
+        ASSERT_EQ(TAVTHREAD_OK, tavXEventCreate(&e, manual, 0, TavEventAttrEnd));
+        std::atomic<int> through{0};
+        Workers waiters(4, [&] {
+            EXPECT_EQ(TAVTHREAD_OK, tavXEventTimedWait(e, kTestLimitMs));
+            ++through;
+        });
+        for (int signals = 1; signals <= (manual ? 1 : 4); ++signals) {
+            EXPECT_EQ(TAVTHREAD_OK, tavXEventSignal(e));
+            EXPECT_TRUE(eventually([&] { return through == (manual ? 4 : signals); }));
+            EXPECT_EQ(manual ? TAVTHREAD_OK : TAVTHREAD_TIMEOUT, tavXEventTimedWait(e, 1));
+        }
+        waiters.join();
+        EXPECT_EQ(4, through);
+        EXPECT_EQ(TAVTHREAD_NOTSUPPORTED, tavXEventPulse(e));
+        EXPECT_EQ(TAVTHREAD_OK, tavXEventSignal(e));
+        EXPECT_EQ(TAVTHREAD_OK, tavXEventReset(e));
+        EXPECT_EQ(TAVTHREAD_TIMEOUT, tavXEventTimedWait(e, 0));
+        EXPECT_EQ(TAVTHREAD_OK, tavXEventDestroy(e));
+    }
+    TavEvent* signaled = nullptr;
+    ASSERT_EQ(TAVTHREAD_OK, tavXEventCreate(&signaled, 0, 1, TavEventAttrEnd));
+    EXPECT_EQ(TAVTHREAD_OK, tavXEventWait(signaled));
+    EXPECT_EQ(TAVTHREAD_TIMEOUT, tavXEventTimedWait(signaled, 0));
+    tavXEventDestroy(signaled);
+    EXPECT_EQ(TAVTHREAD_INVALID, tavXEventPulse(nullptr));
+}

@@ -1,0 +1,136 @@
+#include "TavThread/TavRWLock.h"
+
+#include <thread>
+
+#include "TavThread/internal/TavRWLockRecord.hpp"
+#include "tests/TavThread/TavSupport.hpp"
+
+namespace {
+
+class TavRWLockTest : public ::testing::Test {
+protected:
+    TavRWLockTest() { EXPECT_EQ(TAVTHREAD_OK, tavXRWLockCreate(&rw, TavRWLockAttrEnd)); }
+    ~TavRWLockTest() override {
+        EXPECT_EQ(0U, rw->word.load()) << "free, and back on its fast path";
+        EXPECT_EQ(TAVTHREAD_OK, tavXRWLockDestroy(rw));
+    }
+    bool somebodyWaits() const { return (rw->word.load() & kTavRWWaiters) != 0; }
+
+    TavRWLock* rw = nullptr;
+};
+
+}  // namespace
+
+TEST_F(TavRWLockTest, TriesAndTimedLocksTellWhoIsInTheWay) {
+    EXPECT_EQ(TAVTHREAD_OK, tavXRWLockReadLock(rw));
+    EXPECT_EQ(TAVTHREAD_OK, tavXRWLockTryReadLock(rw));
+    EXPECT_EQ(TAVTHREAD_BUSY, tavXRWLockTryWriteLock(rw));
+    EXPECT_EQ(TAVTHREAD_TIMEOUT, tavXRWLockTimedWriteLock(rw, 1));
+    EXPECT_EQ(TAVTHREAD_OK, tavXRWLockUnlock(rw));
+    EXPECT_EQ(TAVTHREAD_OK, tavXRWLockUnlock(rw));
+    EXPECT_EQ(TAVTHREAD_OK, tavXRWLockTryWriteLock(rw));
+    EXPECT_EQ(TAVTHREAD_BUSY, tavXRWLockTryReadLock(rw));
+    EXPECT_EQ(TAVTHREAD_BUSY, tavXRWLockTryWriteLock(rw));
+    EXPECT_EQ(TAVTHREAD_TIMEOUT, tavXRWLockTimedReadLock(rw, 1));
+    EXPECT_EQ(TAVTHREAD_TIMEOUT, tavXRWLockTimedWriteLock(rw, 0));
+    EXPECT_EQ(TAVTHREAD_OK, tavXRWLockUnlock(rw));
+    EXPECT_EQ(TAVTHREAD_OK, tavXRWLockUnlock(rw)) << "free already";
+    EXPECT_EQ(TAVTHREAD_OK, tavXRWLockTimedWriteLock(rw, 0));
+    EXPECT_EQ(TAVTHREAD_OK, tavXRWLockUnlock(rw));
+    EXPECT_EQ(TAVTHREAD_INVALID, tavXRWLockUnlock(nullptr));
+}
+
+TEST_F(TavRWLockTest, WaitingWriterHoldsBackNewReaders) {
+    tavXRWLockReadLock(rw);
+    std::atomic<int> order{0};
+    int writerCame = 0, readerCame = 0;
+    Workers writer(1, [&] {
+        EXPECT_EQ(TAVTHREAD_OK, tavXRWLockWriteLock(rw));
+        writerCame = ++order;
+        tavXRWLockUnlock(rw);
+    });
+    ASSERT_TRUE(eventually([&] { return somebodyWaits(); }));
+    EXPECT_EQ(TAVTHREAD_BUSY, tavXRWLockTryReadLock(rw));
+    EXPECT_EQ(TAVTHREAD_TIMEOUT, tavXRWLockTimedReadLock(rw, 1));
+    Workers reader(1, [&] {
+        EXPECT_EQ(TAVTHREAD_OK, tavXRWLockTimedReadLock(rw, TAVTHREAD_INFINITE));
+        readerCame = ++order;
+        tavXRWLockUnlock(rw);
+    });
+    tavXRWLockUnlock(rw);
+    writer.join();
+    reader.join();
+    EXPECT_EQ(1, writerCame);
+    EXPECT_EQ(2, readerCame);
+}
+
+TEST_F(TavRWLockTest, ReadersGoOnWhenTheWriterGivesUp) {
+    tavXRWLockReadLock(rw);
+    Workers writer(1, [&] { EXPECT_EQ(TAVTHREAD_TIMEOUT, tavXRWLockTimedWriteLock(rw, 20)); });
+    ASSERT_TRUE(eventually([&] { return somebodyWaits(); }));
+    Workers reader(1, [&] {
+        EXPECT_EQ(TAVTHREAD_OK, tavXRWLockReadLock(rw));
+        tavXRWLockUnlock(rw);
+    });
+    reader.join();  // while the first reader still holds the lock
+    writer.join();
+    tavXRWLockUnlock(rw);
+}
+
+TEST_F(TavRWLockTest, NoWakeUpIsLostToAWriterThatTimesOut) {
+    // The writer's time ends about when the lock is given up, which may wake that writer alone.
+    std::atomic<int> rounds{0};
+    Watch watch;
+    while (watch.ms() < 800) {
+        tavXRWLockReadLock(rw);
+        Workers writer(1, [&] {
+            if (tavXRWLockTimedWriteLock(rw, 1) == TAVTHREAD_OK) tavXRWLockUnlock(rw);
+        });
+        Workers reader(1, [&] {
+            while (!somebodyWaits() && watch.ms() < 900) std::this_thread::yield();
+            EXPECT_EQ(TAVTHREAD_OK, tavXRWLockTimedReadLock(rw, kTestLimitMs));
+            tavXRWLockUnlock(rw);
+        });
+        std::this_thread::sleep_for(std::chrono::microseconds(800 + rounds % 400));
+        tavXRWLockUnlock(rw);
+        writer.join();
+        reader.join();
+        ++rounds;
+    }
+    EXPECT_LT(watch.ms(), kTestLimitMs) << "a reader slept on a free lock, round " << rounds;
+}
+
+TEST_F(TavRWLockTest, OneWriterOrManyReadersAtATime) {
+    int value = 0, copy = 0;  // equal whenever no writer is inside
+    std::atomic<int> seed{0};
+    std::atomic<int> written{0};
+    Workers workers(5, [&] {
+        unsigned mine = static_cast<unsigned>(++seed);
+        for (int i = 0; i < 2000; ++i) {
+            mine = mine * 1664525U + 1013904223U;
+            const unsigned kind = mine >> 24;
+            int rc;
+            if (kind < 160) {
+                rc = kind < 80    ? tavXRWLockReadLock(rw)
+                     : kind < 120 ? tavXRWLockTryReadLock(rw)
+                                  : tavXRWLockTimedReadLock(rw, kind % 2);
+                if (rc == TAVTHREAD_OK) {
+                    EXPECT_EQ(value, copy);
+                }
+            } else {
+                rc = kind < 200   ? tavXRWLockWriteLock(rw)
+                     : kind < 230 ? tavXRWLockTryWriteLock(rw)
+                                  : tavXRWLockTimedWriteLock(rw, kind % 2);
+                if (rc == TAVTHREAD_OK) {
+                    ++value;
+                    ++written;
+                    copy = value;
+                }
+            }
+            if (rc == TAVTHREAD_OK) tavXRWLockUnlock(rw);
+        }
+    });
+    workers.join();
+    EXPECT_EQ(written, value);
+    EXPECT_GT(written, 0);
+}

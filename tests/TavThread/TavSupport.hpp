@@ -1,0 +1,62 @@
+#ifndef TESTS_TAVTHREAD_TAVSUPPORT_HPP
+#define TESTS_TAVTHREAD_TAVSUPPORT_HPP
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+
+#include "TavThread/TavThread.h"
+#include "tests/support/Workers.hpp"
+
+/// Keeps the layer initialised while in scope.
+struct Layer {
+    Layer() { EXPECT_EQ(TAVTHREAD_OK, tavThreadProcessInitialize()); }
+    ~Layer() { EXPECT_EQ(TAVTHREAD_OK, tavThreadProcessTerminate()); }
+};
+
+/// What a layer thread runs; must outlive it.
+using Body = std::function<void*()>;
+inline void* runBody(void* body) { return (*static_cast<Body*>(body))(); }
+
+/// A started thread whose handle is given back, after a join if none was made.
+class Started {
+public:
+    template <class... Attributes>
+    explicit Started(Body body, Attributes... attributes) : m_body(std::move(body)) {
+        EXPECT_EQ(TAVTHREAD_OK,
+                  tavXThreadCreate(&runBody, &m_body, &m_thread, attributes..., TavThreadAttrEnd));
+    }
+    ~Started() {
+        tavXThreadJoin(m_thread, nullptr);
+        tavXThreadDestroy(m_thread);
+    }
+    Started(const Started&) = delete;
+    Started& operator=(const Started&) = delete;
+    operator TavThread*() const { return m_thread; }
+    int join(void** value = nullptr) { return tavXThreadJoin(m_thread, value); }
+
+private:
+    Body m_body;
+    TavThread* m_thread = nullptr;
+};
+
+/// Milliseconds since it was made.
+class Watch {
+public:
+    double ms() const {
+        return std::chrono::duration<double, std::milli>(Clock::now() - m_start).count();
+    }
+
+private:
+    using Clock = std::chrono::steady_clock;
+    Clock::time_point m_start = Clock::now();
+};
+
+#ifdef __SANITIZE_THREAD__
+constexpr bool kThreadSanitizer = true;
+#else
+constexpr bool kThreadSanitizer = false;
+#endif
+
+#endif

@@ -1,0 +1,109 @@
+#include "TavThread/TavSemaphore.h"
+#include "tests/TavThread/TavSupport.hpp"
+
+namespace {
+
+/// Runs checkpoints until it is cancelled, and counts them.
+struct Runner {
+    std::atomic<int> steps{0};
+    Body body = [this]() -> void* {
+        while (tavXThreadState(nullptr) != TavThreadStateCanceling) ++steps;
+        return nullptr;
+    };
+    /// Whether it gets on from here.
+    bool moves() {
+        const int from = steps;
+        return eventually([&] { return steps > from + 1; });
+    }
+};
+
+bool reaches(TavThread* thread, int state) {
+    return eventually([=] { return tavXThreadState(thread) == state; });
+}
+
+}  // namespace
+
+TEST(TavThreadControlTest, SuspendsAtACheckpointUntilContinued) {
+    Layer layer;
+    Runner runner;
+    Started thread(runner.body, TavThreadAttrSuspended);
+    EXPECT_TRUE(reaches(thread, TavThreadStateSuspended));
+    EXPECT_EQ(0, runner.steps) << "before its routine";
+    for (int round = 0; round < 3; ++round) {
+        EXPECT_EQ(TAVTHREAD_OK, tavXThreadContinue(thread));
+        EXPECT_EQ(TavThreadStateRunning, tavXThreadState(thread)) << "at once";
+        EXPECT_EQ(TAVTHREAD_OK, tavXThreadContinue(thread)) << "no effect, also later";
+        EXPECT_TRUE(runner.moves());
+        EXPECT_EQ(TAVTHREAD_OK, tavXThreadSuspend(thread));
+        EXPECT_EQ(TAVTHREAD_OK, tavXThreadSuspend(thread)) << "does not wait";
+        EXPECT_TRUE(reaches(thread, TavThreadStateSuspended)) << round;
+        const int stopped = runner.steps;
+        sched_yield();
+        EXPECT_EQ(stopped, runner.steps);
+    }
+    EXPECT_EQ(TAVTHREAD_OK, tavXThreadCancel(thread)) << "wakes it";
+    EXPECT_EQ(TAVTHREAD_OK, thread.join());
+    EXPECT_EQ(TavThreadExitCanceled, tavXThreadAutopsy(thread));
+}
+
+TEST(TavThreadControlTest, CancelledBeforeItsRoutineItNeverRuns) {
+    Layer layer;
+    for (int i = 0; i < 200; ++i) {
+        // The thread may be anywhere between its creation and its wait.
+        int flag = i % 3 == 0;
+        std::atomic<bool> ran{false};
+        Started thread(
+            [&]() -> void* {
+                ran = true;
+                return nullptr;
+            },
+            TavThreadAttrSuspended, TavThreadAttrCancelFlag, &flag);
+        if (flag == 0) tavXThreadCancel(thread);
+        EXPECT_EQ(TAVTHREAD_OK, thread.join());
+        EXPECT_FALSE(ran);
+        EXPECT_EQ(TavThreadExitCanceled, tavXThreadAutopsy(thread));
+    }
+}
+
+TEST(TavThreadControlTest, SurvivesSuspendAndContinueFromSeveralThreads) {
+    Layer layer;
+    Runner runner;
+    Started thread(runner.body);
+    std::atomic<int> seed{0};
+    Workers pushers(3, [&] {
+        unsigned mine = static_cast<unsigned>(++seed);
+        for (int i = 0; i < 2000; ++i) {
+            mine = mine * 1664525U + 1013904223U;
+            EXPECT_EQ(TAVTHREAD_OK,
+                      (mine >> 31) != 0 ? tavXThreadSuspend(thread) : tavXThreadContinue(thread));
+        }
+    });
+    pushers.join();
+    // Whatever came last, one suspension stops it and one continuation sets it going.
+    for (int round = 0; round < 3; ++round) {
+        tavXThreadContinue(thread);
+        EXPECT_TRUE(runner.moves());
+        tavXThreadSuspend(thread);
+        EXPECT_TRUE(reaches(thread, TavThreadStateSuspended));
+    }
+    tavXThreadCancel(thread);
+    EXPECT_EQ(TAVTHREAD_OK, thread.join());
+}
+
+TEST(TavThreadControlTest, StaysFinishedWhileOthersStillPush) {
+    Layer layer;
+    for (int i = 0; i < 200; ++i) {
+        Started thread([]() -> void* { return nullptr; });
+        Workers pushers(2, [&] {
+            for (int k = 0; k < 5; ++k) {
+                tavXThreadContinue(thread);
+                tavXThreadAdjustPriority(thread, 1);
+                tavXThreadAlive(thread);
+            }
+        });
+        pushers.join();
+        EXPECT_EQ(TAVTHREAD_OK, thread.join());
+        EXPECT_EQ(TavThreadStateInitial, tavXThreadState(thread));
+        EXPECT_EQ(0, tavXThreadAlive(thread));
+    }
+}

@@ -1,0 +1,279 @@
+#include "TavThread/TavThread.h"
+
+#include <cstdio>
+#include <cstring>
+#include <optional>
+#include <stdexcept>
+
+#include "TavThread/TavThreadKey.h"
+#include "TavThread/TavTrace.h"
+#include "tests/TavThread/TavSupport.hpp"
+
+TEST(TavProcessTest, CountsStartsAndStops) {
+    EXPECT_EQ(TAVTHREAD_NOTINIT, tavThreadProcessTerminate());
+    EXPECT_EQ(TAVTHREAD_NOTINIT, tavXThreadInitialize());
+    EXPECT_EQ(nullptr, tavXThreadSelf());
+    EXPECT_EQ(TavThreadStateRunning, tavXThreadState(nullptr));
+    TavThread* thread = reinterpret_cast<TavThread*>(&thread);
+    EXPECT_EQ(TAVTHREAD_NOTINIT, tavXThreadCreate(&runBody, nullptr, &thread, TavThreadAttrEnd));
+    EXPECT_EQ(nullptr, thread);
+    for (int cycle = 0; cycle < 3; ++cycle) {
+        Layer outer;
+        {
+            Layer inner;
+            EXPECT_EQ(1U, tavXThreadId(nullptr)) << "numbers begin anew with each start";
+        }
+        EXPECT_NE(nullptr, tavXThreadSelf()) << "one start is left";
+    }
+    EXPECT_EQ(nullptr, tavXThreadSelf());
+    EXPECT_EQ(TAVTHREAD_NOTINIT, tavThreadProcessTerminate());
+}
+
+TEST(TavProcessTest, AdoptsAThreadOncePerRunOfTheLayer) {
+    Gate again;
+    std::atomic<bool> first{false};
+    std::optional<Workers> stays;
+    {
+        Layer layer;
+        stays.emplace(1, [&] {
+            TavThread* self = tavXThreadSelf();
+            EXPECT_EQ(self, tavXThreadSelf());
+            EXPECT_EQ(TavThreadExitAlive, tavXThreadAutopsy(nullptr));
+            EXPECT_EQ(TAVTHREAD_DEADLOCK, tavXThreadJoin(self, nullptr));
+            first = true;
+            again.wait();
+            EXPECT_EQ(1U, tavXThreadId(nullptr)) << "a record of the second run";
+            EXPECT_EQ(TAVTHREAD_OK, tavXThreadDestroy(tavXThreadSelf()));
+            EXPECT_EQ(2U, tavXThreadId(nullptr));
+            EXPECT_EQ(TAVTHREAD_OK, tavXThreadTerminate());
+        });
+        EXPECT_TRUE(eventually([&] { return first.load(); }));
+    }
+    Layer layer;
+    again.open();
+    stays->join();
+}
+
+TEST(TavThreadTest, ChecksItsArgumentsInOrder) {
+    Layer layer;
+    Body body = [] { return nullptr; };
+    EXPECT_EQ(TAVTHREAD_BADATTR, tavXThreadCreate(nullptr, nullptr, nullptr, 10, TavThreadAttrEnd));
+    EXPECT_EQ(TAVTHREAD_INVALID, tavXThreadCreate(&runBody, &body, nullptr, TavThreadAttrEnd));
+    TavThread* thread = reinterpret_cast<TavThread*>(&thread);
+    EXPECT_EQ(TAVTHREAD_INVALID, tavXThreadCreate(nullptr, nullptr, &thread, TavThreadAttrEnd));
+    EXPECT_EQ(nullptr, thread);
+    for (const auto operation :
+         {&tavXThreadDestroy, &tavXThreadSuspend, &tavXThreadContinue, &tavXThreadCancel})
+        EXPECT_EQ(TAVTHREAD_INVALID, operation(nullptr));
+}
+
+TEST(TavThreadTest, ReportsHowItsThreadEnded) {
+    Layer layer;
+    int result = 0;
+    const struct {
+        Body body;
+        void* value;
+        int state, reason;
+    } table[] = {
+        {[&] { return &result; }, &result, TavThreadStateInitial, TavThreadExitNormal},
+        {[&]() -> void* { pthread_exit(&result); }, &result, TavThreadStateInitial,
+         TavThreadExitNormal},
+        {[&]() -> void* { throw std::runtime_error("x"); }, nullptr, TavThreadStateException,
+         TavThreadExitException},
+        {[&] {
+             tavXThreadCancel(tavXThreadSelf());
+             EXPECT_EQ(TavThreadStateCanceling, tavXThreadState(nullptr));
+             return &result;
+         },
+         &result, TavThreadStateInitial, TavThreadExitCanceled},
+        {[&] {
+             tavXThreadCancel(tavXThreadSelf());
+             tavXThreadState(nullptr);
+             EXPECT_EQ(TAVTHREAD_OK, tavXThreadCancelReset());
+             EXPECT_EQ(TavThreadStateRunning, tavXThreadState(nullptr));
+             return &result;
+         },
+         &result, TavThreadStateInitial, TavThreadExitNormal},
+    };
+    for (const auto& row : table) {
+        Gate gate;
+        Started thread([&] {
+            gate.wait();
+            return row.body();
+        });
+        EXPECT_EQ(1, tavXThreadAlive(thread));
+        EXPECT_EQ(TavThreadExitAlive, tavXThreadAutopsy(thread));
+        gate.open();
+        EXPECT_TRUE(eventually([&] { return tavXThreadAlive(thread) == 0; })) << "not joined yet";
+        EXPECT_EQ(TAVTHREAD_AGAIN, tavXThreadAdjustPriority(thread, 1)) << "its handle is dead";
+        void* value = &gate;
+        EXPECT_EQ(TAVTHREAD_OK, thread.join(&value));
+        EXPECT_EQ(row.value, value);
+        EXPECT_EQ(row.value, tavXThreadExitStatus(thread));
+        EXPECT_EQ(row.state, tavXThreadState(thread));
+        EXPECT_EQ(row.reason, tavXThreadAutopsy(thread));
+        EXPECT_EQ(TAVTHREAD_ERROR, thread.join()) << "a second time";
+        EXPECT_EQ(TAVTHREAD_OK, tavXThreadContinue(thread));
+        EXPECT_EQ(row.state, tavXThreadState(thread)) << "nothing revives it";
+    }
+}
+
+TEST(TavThreadTest, RecordOutlivesWhoeverLetsGoFirst) {
+    Layer layer;
+    Gate gate;
+    std::atomic<int> ended{0};
+    Body body = [&]() -> void* {
+        gate.wait();
+        EXPECT_NE(0U, tavXThreadId(nullptr));
+        EXPECT_EQ(TavThreadStateRunning, tavXThreadState(nullptr));
+        ++ended;
+        return nullptr;
+    };
+    TavThread* thread = nullptr;
+    ASSERT_EQ(TAVTHREAD_OK, tavXThreadCreate(&runBody, &body, &thread, TavThreadAttrEnd));
+    EXPECT_EQ(TAVTHREAD_OK, tavXThreadDestroy(thread)) << "while it runs";
+    ASSERT_EQ(TAVTHREAD_OK,
+              tavXThreadCreate(&runBody, &body, nullptr, TavThreadAttrDetached, TavThreadAttrEnd));
+    ASSERT_EQ(TAVTHREAD_OK,
+              tavXThreadCreate(&runBody, &body, &thread, TavThreadAttrDetached, TavThreadAttrEnd));
+    EXPECT_EQ(TAVTHREAD_ERROR, tavXThreadJoin(thread, nullptr)) << "detached";
+    gate.open();
+    EXPECT_TRUE(eventually([&] { return ended == 3 && tavXThreadAlive(thread) == 0; }));
+    EXPECT_EQ(TAVTHREAD_OK, tavXThreadDestroy(thread)) << "after its end";
+}
+
+TEST(TavThreadTest, NeitherJoinsItselfNorFreesAnothersRecord) {
+    Layer layer;
+    TavThread* const mine = tavXThreadSelf();
+    Started thread([&] {
+        EXPECT_EQ(TAVTHREAD_DEADLOCK, tavXThreadJoin(nullptr, nullptr));
+        EXPECT_EQ(TAVTHREAD_DEADLOCK, tavXThreadJoin(tavXThreadSelf(), nullptr));
+        EXPECT_EQ(TAVTHREAD_ERROR, tavXThreadDestroy(mine));
+        return nullptr;
+    });
+    EXPECT_EQ(TAVTHREAD_OK, thread.join());
+    EXPECT_EQ(mine, tavXThreadSelf());
+}
+
+TEST(TavThreadTest, StackGrowsButNeverShrinks) {
+    Layer layer;
+    size_t usual = 0;
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_getstacksize(&attributes, &usual);
+    pthread_attr_destroy(&attributes);
+    const auto larger = static_cast<unsigned>(usual + 0x100000);
+    for (const unsigned request : {0U, 1U, 20000U, larger}) {
+        size_t got = 0;
+        Started thread(
+            [&]() -> void* {
+                pthread_attr_t mine;
+                pthread_getattr_np(pthread_self(), &mine);
+                pthread_attr_getstacksize(&mine, &got);
+                pthread_attr_destroy(&mine);
+                return nullptr;
+            },
+            TavThreadAttrStackSize, request);
+        thread.join();
+        // Sanitizers and the C library's own bookkeeping take a little off.
+        EXPECT_GE(got + 0x20000, request == larger ? larger : usual) << request;
+    }
+}
+
+TEST(TavThreadTest, PassesTraceObjectAndCancelFlagDownTheGenerations) {
+    Layer layer;
+    int flag = 1, own = 0, trace = 0;
+    const auto childSees = [&](void* traceObj, int state, auto... attributes) {
+        Started child(
+            [&]() -> void* {
+                EXPECT_EQ(traceObj, tavXThreadGetTraceObj());
+                EXPECT_EQ(TavThreadStateRunning, state) << "it must not run";
+                return nullptr;
+            },
+            attributes...);
+        child.join();
+        EXPECT_EQ(state == TavThreadStateRunning ? TavThreadExitNormal : TavThreadExitCanceled,
+                  tavXThreadAutopsy(child));
+    };
+    Started parent(
+        [&]() -> void* {
+            EXPECT_EQ(&trace, tavXThreadGetTraceObj());
+            Started child([&]() -> void* {
+                childSees(&trace, TavThreadStateRunning);
+                childSees(&own, TavThreadStateRunning, TavThreadAttrTraceObj, &own);
+                childSees(nullptr, TavThreadStateRunning, TavThreadAttrTraceObjInheritable);
+                flag = 1;
+                childSees(nullptr, TavThreadStateCanceling);
+                childSees(&trace, TavThreadStateRunning, TavThreadAttrCancelFlag, &own);
+                return nullptr;
+            });
+            EXPECT_EQ(TAVTHREAD_OK, child.join());
+            EXPECT_EQ(TAVTHREAD_OK, tavXThreadSetCancel(nullptr, &flag, 0));
+            childSees(&trace, TavThreadStateRunning);
+            EXPECT_EQ(TavThreadStateCanceling, tavXThreadState(nullptr));
+            return nullptr;
+        },
+        TavThreadAttrTraceObj, &trace, TavThreadAttrTraceObjInheritable, TavThreadAttrCancelFlag,
+        &own, TavThreadAttrCancelFlagInheritable, TavThreadAttrSuspended);
+    flag = 0;
+    tavXThreadSetCancel(parent, &flag, 1);
+    tavXThreadContinue(parent);
+    EXPECT_EQ(TAVTHREAD_OK, parent.join());
+    EXPECT_EQ(TavThreadExitCanceled, tavXThreadAutopsy(parent));
+}
+
+TEST(TavThreadTest, TextIdFollowsStrncpy) {
+    Layer layer;
+    char expected[32], buf[40];
+    std::snprintf(expected, sizeof expected, "%8x(%8x)", 0U, static_cast<unsigned>(pthread_self()));
+    std::memset(buf, '#', sizeof buf);
+    EXPECT_EQ(buf, tavXThreadStrId(nullptr, buf, 30));
+    EXPECT_STREQ(expected, buf);
+    EXPECT_EQ('\0', buf[29]);
+    EXPECT_EQ('#', buf[30]);
+    tavXThreadStrId(nullptr, buf, 4);
+    EXPECT_EQ(0, std::memcmp(buf, "    (", 4));
+}
+
+TEST(TavThreadTest, KeepsThePriorityWithinItsRange) {
+    Layer layer;
+    for (const long delta : {1L, -1L, 0x7fffffffL, -0x7fffffffL - 1})
+        EXPECT_EQ(TAVTHREAD_AGAIN, tavXThreadAdjustPriority(tavXThreadSelf(), delta)) << delta;
+    EXPECT_EQ(TAVTHREAD_OK, tavXThreadAdjustPriority(tavXThreadSelf(), 0));
+    EXPECT_EQ(TAVTHREAD_OK, tavXThreadAdjustPriority(nullptr, 5));
+}
+
+TEST(TavThreadKeyTest, HoldsAValuePerThreadWithoutTheLayer) {
+    static std::atomic<int> destroyed{0};
+    TavThreadKey* key = nullptr;
+    ASSERT_EQ(TAVTHREAD_OK, tavXThreadKeyCreate(&key, [](void*) { ++destroyed; }));
+    int mine = 0;
+    EXPECT_EQ(TAVTHREAD_OK, tavXThreadSetSpecific(key, &mine));
+    Workers others(3, [&] {
+        void* value = &mine;
+        EXPECT_EQ(TAVTHREAD_OK, tavXThreadGetSpecific(key, &value));
+        EXPECT_EQ(nullptr, value);
+        EXPECT_EQ(TAVTHREAD_OK, tavXThreadSetSpecific(key, key));
+    });
+    others.join();
+    EXPECT_EQ(3, destroyed);
+    void* value = nullptr;
+    EXPECT_EQ(TAVTHREAD_OK, tavXThreadGetSpecific(key, &value));
+    EXPECT_EQ(&mine, value);
+    EXPECT_EQ(TAVTHREAD_OK, tavXThreadKeyDestroy(key));
+    EXPECT_EQ(TAVTHREAD_INVALID, tavXThreadKeyCreate(nullptr, nullptr));
+    EXPECT_EQ(TAVTHREAD_INVALID, tavXThreadSetSpecific(nullptr, &mine));
+}
+
+TEST(TavThreadKeyTest, OnceRunsItsRoutineUntilItSucceeds) {
+    if (kThreadSanitizer) GTEST_SKIP() << "the sanitizer's pthread_once does not unwind";
+    static int calls = 0;
+    static pthread_once_t once = PTHREAD_ONCE_INIT;
+    const auto routine = [] {
+        if (++calls == 1) throw calls;
+    };
+    EXPECT_EQ(TAVTHREAD_ERROR, tavXThreadOnce(&once, routine));
+    EXPECT_EQ(TAVTHREAD_OK, tavXThreadOnce(&once, routine));
+    EXPECT_EQ(TAVTHREAD_OK, tavXThreadOnce(&once, routine));
+    EXPECT_EQ(2, calls);
+}

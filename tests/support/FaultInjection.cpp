@@ -1,0 +1,144 @@
+#include "tests/support/FaultInjection.hpp"
+
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <pthread.h>
+#include <semaphore.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdarg>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+struct Plan {
+    long left = -1;
+    int error = 0;
+    bool failed = false;
+    unsigned long seen = 0;
+
+    void set(long n, int err) {
+        left = n;
+        error = err;
+        failed = false;
+    }
+    bool due() {
+        ++seen;
+        if (left < 0 || left-- > 0) return false;
+        return failed = true;
+    }
+};
+
+thread_local Plan t_allocation;
+thread_local Plan t_calls[fault::CallCount];
+
+void* allocate(std::size_t n) noexcept {
+    return t_allocation.due() ? nullptr : std::malloc(n != 0 ? n : 1);
+}
+
+template <class Function>
+Function real(const char* name) {
+    return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
+}
+
+}  // namespace
+
+namespace fault {
+
+void failAllocation(long n) { t_allocation.set(n, 0); }
+bool allocationFailed() { return t_allocation.failed; }
+void failCall(Call call, long n, int error) { t_calls[call].set(n, error); }
+bool callFailed(Call call) { return t_calls[call].failed; }
+unsigned long seen(Call call) { return t_calls[call].seen; }
+void reset() {
+    t_allocation = Plan();
+    for (Plan& plan : t_calls) plan = Plan();
+}
+
+}  // namespace fault
+
+void* operator new(std::size_t n) {
+    if (void* p = allocate(n)) return p;
+    throw std::bad_alloc();
+}
+void* operator new[](std::size_t n) {
+    if (void* p = allocate(n)) return p;
+    throw std::bad_alloc();
+}
+void* operator new(std::size_t n, const std::nothrow_t&) noexcept { return allocate(n); }
+void* operator new[](std::size_t n, const std::nothrow_t&) noexcept { return allocate(n); }
+void operator delete(void* p) noexcept { std::free(p); }
+void operator delete[](void* p) noexcept { std::free(p); }
+void operator delete(void* p, std::size_t) noexcept { std::free(p); }
+void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
+
+// A hook of a function that returns its error number, and of one that returns -1 and sets errno.
+#define HOOK(call, name, parameters, arguments)                  \
+    int name parameters {                                        \
+        if (t_calls[call].due()) return t_calls[call].error;     \
+        static const auto next = real<int(*) parameters>(#name); \
+        return next arguments;                                   \
+    }
+#define HOOK_ERRNO(call, result, name, parameters, arguments)       \
+    result name parameters {                                        \
+        if (t_calls[call].due()) {                                  \
+            errno = t_calls[call].error;                            \
+            return -1;                                              \
+        }                                                           \
+        static const auto next = real<result(*) parameters>(#name); \
+        return next arguments;                                      \
+    }
+#define HOOK_OPEN(name)                                                                      \
+    int name(const char* path, int flags, ...) {                                             \
+        if (t_calls[fault::Open].due()) {                                                    \
+            errno = t_calls[fault::Open].error;                                              \
+            return -1;                                                                       \
+        }                                                                                    \
+        static const auto next = real<int (*)(const char*, int, ...)>(#name);                \
+        va_list args;                                                                        \
+        va_start(args, flags);                                                               \
+        const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(args, mode_t) : 0; \
+        va_end(args);                                                                        \
+        return next(path, flags, mode);                                                      \
+    }
+#define HOOK_FCNTL(name)                                              \
+    int name(int fd, int command, ...) {                              \
+        if (t_calls[fault::Fcntl].due()) {                            \
+            errno = t_calls[fault::Fcntl].error;                      \
+            return -1;                                                \
+        }                                                             \
+        static const auto next = real<int (*)(int, int, ...)>(#name); \
+        va_list args;                                                 \
+        va_start(args, command);                                      \
+        void* const argument = va_arg(args, void*);                   \
+        va_end(args);                                                 \
+        return next(fd, command, argument);                           \
+    }
+
+extern "C" {
+
+HOOK_OPEN(open)
+HOOK_OPEN(open64)
+HOOK_FCNTL(fcntl)
+HOOK_FCNTL(fcntl64)
+HOOK_ERRNO(fault::Read, ssize_t, read, (int fd, void* to, size_t n), (fd, to, n))
+HOOK_ERRNO(fault::SemInit, int, sem_init, (sem_t * s, int shared, unsigned count) noexcept,
+           (s, shared, count))
+HOOK_ERRNO(fault::ClockRead, int, gettimeofday, (timeval * now, void* zone) noexcept, (now, zone))
+HOOK(fault::ThreadCreate, pthread_create,
+     (pthread_t * thread, const pthread_attr_t* attributes, void* (*routine)(void*),
+      void* arg) noexcept,
+     (thread, attributes, routine, arg))
+HOOK(fault::MutexInit, pthread_mutex_init,
+     (pthread_mutex_t * m, const pthread_mutexattr_t* attributes) noexcept, (m, attributes))
+HOOK(fault::CondInit, pthread_cond_init,
+     (pthread_cond_t * c, const pthread_condattr_t* attributes) noexcept, (c, attributes))
+HOOK(fault::KeyCreate, pthread_key_create,
+     (pthread_key_t * key, void (*destructor)(void*)) noexcept, (key, destructor))
+HOOK(fault::CondTimedWait, pthread_cond_timedwait,
+     (pthread_cond_t * c, pthread_mutex_t* m, const timespec* until), (c, m, until))
+
+}  // extern "C"
