@@ -68,7 +68,7 @@ void trace(TavStateTrap** out, const TavAttributes& attrs, va_list list) {
                              state, TavAttributeText(kKind, TavAttributeText::Syntax, list).text());
 }
 
-void callRoutine(TavStateNode* node, TavThread* thread, int state) {
+TAV_CATCHES_UNWINDING void callRoutine(TavStateNode* node, TavThread* thread, int state) {
     const TavStateRoutine routine = node->routine.load(std::memory_order_acquire);
     if (routine == nullptr) return;
     try {

@@ -48,7 +48,7 @@ void* runRoutine(TavThread& self) {
     return tavThreadCheckpoint(self) == TavThreadStateRunning ? self.routine(self.arg) : nullptr;
 }
 
-extern "C" void* tavThreadStart(void* record) {
+extern "C" TAV_CATCHES_UNWINDING void* tavThreadStart(void* record) {
     TavThread& self = *static_cast<TavThread*>(record);
     self.handle.store(pthread_self(), std::memory_order_relaxed);
     void* value = nullptr;

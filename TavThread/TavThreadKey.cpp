@@ -45,7 +45,7 @@ int tavXThreadGetSpecific(TavThreadKey* key, void** value) {
     return TAVTHREAD_OK;
 }
 
-int tavXThreadOnce(pthread_once_t* once, void (*routine)(void)) {
+TAV_CATCHES_UNWINDING int tavXThreadOnce(pthread_once_t* once, void (*routine)(void)) {
     if (once == nullptr || routine == nullptr) return TAVTHREAD_INVALID;
     try {
         return tavThread_MapError(tavRetry([=] { return pthread_once(once, routine); }));

@@ -19,12 +19,12 @@ TAV_EXTERN_C_BEGIN
 /// Receives every trace line of the layer. The library's own emits nothing; a program that
 /// defines a function of this name gets the lines instead. Lines are composed only then.
 ///
-/// Threads: called on the thread that traces, under no lock of the layer. Must not throw.
+/// Threads: called on the thread that traces, under no lock of the layer.
 /// @param traceObj      the object's trace object, else that of the thread that creates it, or
 /// null.
 /// @param categoryMask  one TavTraceCategory.
 TAV_API void tavThreadTraceOutput(void* traceObj, unsigned long categoryMask, const char* format,
-                                  ...) __attribute__((format(printf, 3, 4), nothrow));
+                                  ...) __attribute__((format(printf, 3, 4)));
 
 /// Sets the calling thread's trace object. A non-null one with `inheritable` set passes to the
 /// threads that this thread creates; clearing `inheritable` never takes an earlier mark back.

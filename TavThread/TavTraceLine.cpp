@@ -2,8 +2,9 @@
 
 #include <cstdio>
 
-extern "C" __attribute__((visibility("hidden"), nothrow)) void tavThreadTraceOutputBuiltIn(
-    void*, unsigned long, const char*, ...);
+extern "C" __attribute__((visibility("hidden"))) void tavThreadTraceOutputBuiltIn(void*,
+                                                                                  unsigned long,
+                                                                                  const char*, ...);
 
 namespace {
 

@@ -5,6 +5,11 @@
 
 #include "TavThread/TavTrace.h"
 
+#if !defined(__clang__)
+// The compiler infers of the target that it does not throw, and misses that in the alias.
+#pragma GCC diagnostic ignored "-Wmissing-attributes"
+#endif
+
 extern "C" void tavThreadTraceOutput(void*, unsigned long, const char* format, ...) {
     char line[1024];
     va_list args;
@@ -13,5 +18,5 @@ extern "C" void tavThreadTraceOutput(void*, unsigned long, const char* format, .
     va_end(args);
 }
 
-extern "C" __attribute__((visibility("hidden"), nothrow, alias("tavThreadTraceOutput"))) void
+extern "C" __attribute__((visibility("hidden"), alias("tavThreadTraceOutput"))) void
 tavThreadTraceOutputBuiltIn(void*, unsigned long, const char*, ...);

@@ -7,6 +7,7 @@
 #include <sys/time.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdlib>
@@ -39,9 +40,16 @@ void* allocate(std::size_t n) noexcept {
     return t_allocation.due() ? nullptr : std::malloc(n != 0 ? n : 1);
 }
 
+/// The function that the hook stands before. Filled in by hand: the first calls come while a
+/// sanitizer starts, too early for the guard of a static that is initialised by a call.
 template <class Function>
-Function real(const char* name) {
-    return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
+Function real(std::atomic<Function>& known, const char* name) {
+    Function function = known.load(std::memory_order_relaxed);
+    if (function == nullptr) {
+        function = reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
+        known.store(function, std::memory_order_relaxed);
+    }
+    return function;
 }
 
 }  // namespace
@@ -76,20 +84,20 @@ void operator delete(void* p, std::size_t) noexcept { std::free(p); }
 void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
 
 // A hook of a function that returns its error number, and of one that returns -1 and sets errno.
-#define HOOK(call, name, parameters, arguments)                  \
-    int name parameters {                                        \
-        if (t_calls[call].due()) return t_calls[call].error;     \
-        static const auto next = real<int(*) parameters>(#name); \
-        return next arguments;                                   \
+#define HOOK(call, name, parameters, arguments)              \
+    int name parameters {                                    \
+        if (t_calls[call].due()) return t_calls[call].error; \
+        static std::atomic<int(*) parameters> next{nullptr}; \
+        return real(next, #name) arguments;                  \
     }
-#define HOOK_ERRNO(call, result, name, parameters, arguments)       \
-    result name parameters {                                        \
-        if (t_calls[call].due()) {                                  \
-            errno = t_calls[call].error;                            \
-            return -1;                                              \
-        }                                                           \
-        static const auto next = real<result(*) parameters>(#name); \
-        return next arguments;                                      \
+#define HOOK_ERRNO(call, result, name, parameters, arguments)   \
+    result name parameters {                                    \
+        if (t_calls[call].due()) {                              \
+            errno = t_calls[call].error;                        \
+            return -1;                                          \
+        }                                                       \
+        static std::atomic<result(*) parameters> next{nullptr}; \
+        return real(next, #name) arguments;                     \
     }
 #define HOOK_OPEN(name)                                                                      \
     int name(const char* path, int flags, ...) {                                             \
@@ -97,27 +105,29 @@ void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
             errno = t_calls[fault::Open].error;                                              \
             return -1;                                                                       \
         }                                                                                    \
-        static const auto next = real<int (*)(const char*, int, ...)>(#name);                \
+        static std::atomic<int (*)(const char*, int, ...)> next{nullptr};                    \
         va_list args;                                                                        \
         va_start(args, flags);                                                               \
         const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(args, mode_t) : 0; \
         va_end(args);                                                                        \
-        return next(path, flags, mode);                                                      \
+        return real(next, #name)(path, flags, mode);                                         \
     }
-#define HOOK_FCNTL(name)                                              \
-    int name(int fd, int command, ...) {                              \
-        if (t_calls[fault::Fcntl].due()) {                            \
-            errno = t_calls[fault::Fcntl].error;                      \
-            return -1;                                                \
-        }                                                             \
-        static const auto next = real<int (*)(int, int, ...)>(#name); \
-        va_list args;                                                 \
-        va_start(args, command);                                      \
-        void* const argument = va_arg(args, void*);                   \
-        va_end(args);                                                 \
-        return next(fd, command, argument);                           \
+#define HOOK_FCNTL(name)                                          \
+    int name(int fd, int command, ...) {                          \
+        if (t_calls[fault::Fcntl].due()) {                        \
+            errno = t_calls[fault::Fcntl].error;                  \
+            return -1;                                            \
+        }                                                         \
+        static std::atomic<int (*)(int, int, ...)> next{nullptr}; \
+        va_list args;                                             \
+        va_start(args, command);                                  \
+        void* const argument = va_arg(args, void*);               \
+        va_end(args);                                             \
+        return real(next, #name)(fd, command, argument);          \
     }
 
+// Hidden ones would serve the program alone.
+#pragma GCC visibility push(default)
 extern "C" {
 
 HOOK_OPEN(open)
@@ -142,3 +152,4 @@ HOOK(fault::CondTimedWait, pthread_cond_timedwait,
      (pthread_cond_t * c, pthread_mutex_t* m, const timespec* until), (c, m, until))
 
 }  // extern "C"
+#pragma GCC visibility pop
