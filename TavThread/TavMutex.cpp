@@ -144,21 +144,26 @@ int tavXMutexDestroy(TavMutex* m) {
 }
 
 int tavXMutexLock_(TavMutex* m, const char* file, int line) {
-    return tavMutexLockFast(m, file, line);
+    return m != nullptr && tavMutexLockPlain(m) ? TAVTHREAD_OK : tavMutexLockGeneral(m, file, line);
 }
 
 int tavXMutexTryLock_(TavMutex* m, const char* file, int line) {
-    return tavMutexTryLockFast(m, file, line);
+    return m != nullptr && tavMutexTryLockPlain(m) ? TAVTHREAD_OK
+                                                   : tavMutexTryLockGeneral(m, file, line);
 }
 
 int tavXMutexTimedLock_(TavMutex* m, unsigned ms, const char* file, int line) {
-    if (m == nullptr || ms == TAVTHREAD_INFINITE) return tavMutexLockFast(m, file, line);
+    if (m == nullptr || ms == TAVTHREAD_INFINITE)
+        return m != nullptr && tavMutexLockPlain(m) ? TAVTHREAD_OK
+                                                    : tavMutexLockGeneral(m, file, line);
     int rc;
     if (reentered(m, rc)) return rc;
     rc = tavPoll(ms, [m] { return pthread_mutex_trylock(&m->native); });
     return rc == TAVTHREAD_OK ? taken(m, file, line) : rc;
 }
 
-int tavXMutexUnlock_(TavMutex* m) { return tavMutexUnlockFast(m); }
+int tavXMutexUnlock_(TavMutex* m) {
+    return m != nullptr && tavMutexUnlockPlain(m) ? TAVTHREAD_OK : tavMutexUnlockGeneral(m);
+}
 
 }  // extern "C"

@@ -1,10 +1,9 @@
 #include "TavThread/TavStateTrap.h"
 
-#include <cxxabi.h>
-
 #include <mutex>
 #include <new>
 
+#include "TavThread/internal/TavContain.hpp"
 #include "TavThread/internal/TavSystem.hpp"
 #include "TavThread/internal/TavThreadRecord.hpp"
 #include "TavThread/internal/TavTraceLine.hpp"
@@ -68,15 +67,9 @@ void trace(TavStateTrap** out, const TavAttributes& attrs, va_list list) {
                              state, TavAttributeText(kKind, TavAttributeText::Syntax, list).text());
 }
 
-TAV_CATCHES_UNWINDING void callRoutine(TavStateNode* node, TavThread* thread, int state) {
+void callRoutine(TavStateNode* node, TavThread* thread, int state) {
     const TavStateRoutine routine = node->routine.load(std::memory_order_acquire);
-    if (routine == nullptr) return;
-    try {
-        routine(node->arg, thread, state);
-    } catch (abi::__forced_unwind&) {
-        throw;
-    } catch (...) {  // nothing leaves the layer
-    }
+    if (routine != nullptr) tavContain([&] { routine(node->arg, thread, state); });
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "TavThread/TavThread.h"
 
-#include <cxxabi.h>
-
+#include "TavThread/internal/TavContain.hpp"
 #include "TavThread/internal/TavSystem.hpp"
 #include "TavThread/internal/TavThreadRecord.hpp"
 #include "TavThread/internal/TavTraceLine.hpp"

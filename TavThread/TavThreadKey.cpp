@@ -1,10 +1,9 @@
 #include "TavThread/TavThreadKey.h"
 
-#include <cxxabi.h>
-
 #include <new>
 
 #include "TavThread/TavTrace.h"
+#include "TavThread/internal/TavContain.hpp"
 #include "TavThread/internal/TavSystem.hpp"
 
 struct TavThreadKey {
@@ -45,15 +44,12 @@ int tavXThreadGetSpecific(TavThreadKey* key, void** value) {
     return TAVTHREAD_OK;
 }
 
-TAV_CATCHES_UNWINDING int tavXThreadOnce(pthread_once_t* once, void (*routine)(void)) {
+int tavXThreadOnce(pthread_once_t* once, void (*routine)(void)) {
     if (once == nullptr || routine == nullptr) return TAVTHREAD_INVALID;
-    try {
-        return tavThread_MapError(tavRetry([=] { return pthread_once(once, routine); }));
-    } catch (abi::__forced_unwind&) {
-        throw;
-    } catch (...) {
-        return TAVTHREAD_ERROR;
-    }
+    int err = 0;
+    const bool ended =
+        tavContain([&] { err = tavRetry([=] { return pthread_once(once, routine); }); });
+    return ended ? tavThread_MapError(err) : TAVTHREAD_ERROR;
 }
 
 }  // extern "C"

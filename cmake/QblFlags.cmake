@@ -4,7 +4,7 @@ add_library(qbl_flags INTERFACE)
 target_compile_options(qbl_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow
   $<$<COMPILE_LANGUAGE:CXX>:-Wconversion -Wnon-virtual-dtor -Woverloaded-virtual>
-  -fno-semantic-interposition
+  -fno-semantic-interposition -fno-plt
   # __FILE__ is the path from the root wherever the tree stands; the second map is for
   # compiler caches that hand over paths relative to build/<preset>.
   "-fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=" "-fmacro-prefix-map=../../=")

@@ -1,15 +1,15 @@
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 
-#include <cxxabi.h>
-
 #include <exception>
 #include <new>
 
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLStdExceptionError.hpp"
 #include "QBLCore/Exceptions/QBLUnknownError.hpp"
+#include "TavThread/internal/TavContain.hpp"
 
-void qblRethrowTranslated(const QBLFileLocation& where, const char* detail) {
+TAV_CATCHES_UNWINDING void qblRethrowTranslated(const QBLFileLocation& where,
+                                                  const char* detail) {
     try {
         throw;
     } catch (abi::__forced_unwind&) {

@@ -3,10 +3,10 @@
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThreadResourceError.hpp"
 
-void qblThrowThreadResource(const QBLFileLocation& where, const char* text) {
+void qblThrowThreadResource(QBLFileLocation where, const char* text) {
     QBLThreadResourceError(0, text).hurl(where, nullptr, "QBL_THROW");
 }
 
-void qblThrowOutOfMemory(const QBLFileLocation& where, const char* text) {
+void qblThrowOutOfMemory(QBLFileLocation where, const char* text) {
     QBLOutOfMemoryError(0, text).hurl(where, nullptr, "QBL_THROW");
 }

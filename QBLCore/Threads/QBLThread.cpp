@@ -1,6 +1,5 @@
 #include "QBLCore/Threads/QBLThread.hpp"
 
-#include <cxxabi.h>
 #include <time.h>
 
 #include <cerrno>
@@ -15,6 +14,7 @@
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Threads/QBLThreadKey.hpp"
 #include "TavThread/TavThread.h"
+#include "TavThread/internal/TavContain.hpp"
 #include "TavThread/internal/TavThreadRecord.hpp"
 
 namespace {
@@ -25,38 +25,30 @@ const char kStart[] = "TavThread interface or unknown error";
 const char kThrew[] = "TavThread caught a hardware exception";
 const char kJoin[] = "TavThread either detected deadlock or an unexpected error occurred";
 
-/// The key from a thread to its QBLThread. The lock outlives everything, so that threads which
-/// begin or end while the library stops find either the key or none.
+/// The key from a thread to its QBLThread. It is made once and kept, so that a thread that begins
+/// while the library stops still finds it; stopping only closes it to new questions.
 struct CurrentThread {
     QBLThreadCriticalSection lock{0};
     std::unique_ptr<QBLThreadKey> key;  // guarded by lock
+    bool open = false;                  // guarded by lock
 
     static CurrentThread& instance() {
         static CurrentThread& one = *new CurrentThread;
         return one;
     }
-    bool set(QBLThread* thread) {
+    void makeKey() QBL_REQUIRES(lock) {
+        if (key == nullptr) key = std::make_unique<QBLThreadKey>();
+    }
+    void set(QBLThread* thread) {
         QBLThreadGuard guard(lock);
-        if (key == nullptr) return false;
+        makeKey();
         key->setValue(thread);
-        return true;
     }
     QBLThread* get() {
         QBLThreadGuard guard(lock);
-        return key != nullptr ? static_cast<QBLThread*>(key->getValue()) : nullptr;
+        return open ? static_cast<QBLThread*>(key->getValue()) : nullptr;
     }
 };
-
-/// Runs other people's code, of which nothing but a thread's exit may leave.
-template <class Body>
-void contain(Body body) {
-    try {
-        body();
-    } catch (abi::__forced_unwind&) {
-        throw;
-    } catch (...) {
-    }
-}
 
 }  // namespace
 
@@ -67,7 +59,7 @@ QBLThread::~QBLThread() {
     TavThread* thread = m_pThread.load();
     if (thread == nullptr) return;
     try {
-        if (!tavXThreadEqual(thread, tavXThreadSelf())) join();
+        if (thread != tavThreadPeek()) join();
     } catch (...) {
         // The thread is lost; letting go of its record is all that is left to do.
     }
@@ -79,7 +71,8 @@ void QBLThread::run() {}
 void QBLThread::start() {
     TavThread* previous = m_pThread.load();
     if (previous != nullptr) {
-        if (previous->joinable.load() != TavJoinable::Joined) QBL_THROW(QBLIllegalStateError(0, kStarted));
+        if (previous->joinable.load() != TavJoinable::Joined)
+            QBL_THROW(QBLIllegalStateError(0, kStarted));
         m_pThread.store(nullptr);
         tavXThreadDestroy(previous);
     }
@@ -104,7 +97,8 @@ void QBLThread::start() {
 
 void QBLThread::join() {
     TavThread* thread = m_pThread.load();
-    if (thread == nullptr || thread->joinable.load() == TavJoinable::Joined) return;
+    if (thread == nullptr) return;
+    if (thread != tavThreadPeek() && thread->joinable.load() == TavJoinable::Joined) return;
     if (tavXThreadJoin(thread, nullptr) != TAVTHREAD_OK) {
         QBL_THROW(QBLThreadResourceError(0, kJoin));
     }
@@ -142,7 +136,8 @@ int QBLThread::Initialize() {
     try {
         CurrentThread& current = CurrentThread::instance();
         QBLThreadGuard guard(current.lock);
-        if (current.key == nullptr) current.key = std::make_unique<QBLThreadKey>();
+        current.makeKey();
+        current.open = true;
         return TAVTHREAD_OK;
     } catch (const QBLOutOfMemoryError&) {
         return TAVTHREAD_NOMEM;
@@ -156,7 +151,7 @@ int QBLThread::Initialize() {
 int QBLThread::Terminate() {
     CurrentThread& current = CurrentThread::instance();
     QBLThreadGuard guard(current.lock);
-    current.key.reset();
+    current.open = false;
     return TAVTHREAD_OK;
 }
 
@@ -168,16 +163,12 @@ void* QBLThread::main(void* self) {
 void QBLThread::execute() {
     // start() stores the same, maybe later than the thread asks for it.
     m_pThread.store(tavXThreadSelf());
-    bool known = false;
-    contain([&] { known = CurrentThread::instance().set(this); });
-    if (!known) return;
-    void (*routine)() = nullptr;
-    try {
-        contain([this] { m_pRunnable != nullptr ? m_pRunnable->run() : run(); });
-    } catch (abi::__forced_unwind&) {
-        if (m_pAtExit != nullptr) contain(m_pAtExit);
-        throw;
-    }
-    routine = m_pAtExit;
-    if (routine != nullptr) contain(routine);
+    if (!tavContain([this] { CurrentThread::instance().set(this); })) return;
+    struct Exit {
+        QBLThread& thread;
+        ~Exit() {
+            if (thread.m_pAtExit != nullptr) tavContain(thread.m_pAtExit);
+        }
+    } exit{*this};  // also when run() ends the thread from within
+    tavContain([this] { m_pRunnable != nullptr ? m_pRunnable->run() : run(); });
 }

@@ -55,10 +55,10 @@ public:
     /// @return 0; -1 for a null routine to set, or on a thread that no QBLThread started
     static int atExit(void (*routine)(), int set);
 
-    /// Creates the key that leads from a thread to its QBLThread; part of the library's start.
-    /// @return 0, also when the key exists; -2 out of memory; -1 for any other failure
+    /// Opens the key that leads from a thread to its QBLThread; part of the library's start.
+    /// @return 0, also when it is open; -2 out of memory; -1 for any other failure
     static int Initialize();
-    /// Destroys the key; threads started later end at once. @return 0
+    /// Closes the key: atExit() has no effect from then on. @return 0
     static int Terminate();
 
 private:

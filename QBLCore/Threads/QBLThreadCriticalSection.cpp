@@ -17,6 +17,15 @@ const char kTryLock[] =
     "QBLThreadCriticalSection::tryLock: TavThread interface or unexpected error";
 const char kNoTryLock[] = "QBLThreadCriticalSection::tryLock not supported on this platform";
 
+// Out of line, so that an uncontended lock or unlock is little more than the system's.
+[[gnu::noinline]] void lockGeneral(TavMutex* mutex) {
+    settle(tavMutexLockGeneral(mutex, __FILE__, __LINE__), QBL_HERE, kLock);
+}
+
+[[gnu::noinline]] void unlockGeneral(TavMutex* mutex) {
+    settle(tavMutexUnlockGeneral(mutex), QBL_HERE, kUnlock);
+}
+
 }  // namespace
 
 QBLThreadCriticalSection::QBLThreadCriticalSection(int trackOwner)
@@ -31,15 +40,15 @@ QBLThreadCriticalSection::QBLThreadCriticalSection(int trackOwner, bool recursiv
 QBLThreadCriticalSection::~QBLThreadCriticalSection() { tavXMutexDestroy(m_pMutex); }
 
 void QBLThreadCriticalSection::lock() QBL_NO_THREAD_SAFETY_ANALYSIS {
-    settle(tavMutexLockFast(m_pMutex, __FILE__, __LINE__), QBL_HERE, kLock);
+    if (!tavMutexLockPlain(m_pMutex)) lockGeneral(m_pMutex);
 }
 
 void QBLThreadCriticalSection::unlock() QBL_NO_THREAD_SAFETY_ANALYSIS {
-    settle(tavMutexUnlockFast(m_pMutex), QBL_HERE, kUnlock);
+    if (!tavMutexUnlockPlain(m_pMutex)) unlockGeneral(m_pMutex);
 }
 
 bool QBLThreadCriticalSection::tryLock() QBL_NO_THREAD_SAFETY_ANALYSIS {
-    const int result = tavMutexTryLockFast(m_pMutex, __FILE__, __LINE__);
+    const int result = tavXMutexTryLock_(m_pMutex, __FILE__, __LINE__);
     if (result == TAVTHREAD_NOTSUPPORTED) QBL_THROW(QBLUnsupportedOperationError(0, kNoTryLock));
     return settleTry(result, QBL_HERE, kTryLock);
 }

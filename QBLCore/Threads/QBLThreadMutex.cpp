@@ -12,6 +12,15 @@ const char kUnlock[] = "QBLThreadMutex::unlock: TavThread interface or unexpecte
 const char kTryLock[] = "QBLThreadMutex::tryLock: TavThread interface or unexpected error";
 const char kTimedLock[] = "QBLThreadMutex::timedLock: TavThread interface or unexpected error";
 
+// Out of line, so that an uncontended lock or unlock is little more than the system's.
+[[gnu::noinline]] void lockGeneral(TavMutex* mutex) {
+    settle(tavMutexLockGeneral(mutex, __FILE__, __LINE__), QBL_HERE, kLock);
+}
+
+[[gnu::noinline]] void unlockGeneral(TavMutex* mutex) {
+    settle(tavMutexUnlockGeneral(mutex), QBL_HERE, kUnlock);
+}
+
 }  // namespace
 
 QBLThreadMutex::QBLThreadMutex(int trackOwner) : QBLThreadMutex(trackOwner, false) {}
@@ -24,15 +33,15 @@ QBLThreadMutex::QBLThreadMutex(int trackOwner, bool recursive) : m_pMutex(nullpt
 QBLThreadMutex::~QBLThreadMutex() { tavXMutexDestroy(m_pMutex); }
 
 void QBLThreadMutex::lock() QBL_NO_THREAD_SAFETY_ANALYSIS {
-    settle(tavMutexLockFast(m_pMutex, __FILE__, __LINE__), QBL_HERE, kLock);
+    if (!tavMutexLockPlain(m_pMutex)) lockGeneral(m_pMutex);
 }
 
 void QBLThreadMutex::unlock() QBL_NO_THREAD_SAFETY_ANALYSIS {
-    settle(tavMutexUnlockFast(m_pMutex), QBL_HERE, kUnlock);
+    if (!tavMutexUnlockPlain(m_pMutex)) unlockGeneral(m_pMutex);
 }
 
 bool QBLThreadMutex::tryLock() QBL_NO_THREAD_SAFETY_ANALYSIS {
-    return settleTry(tavMutexTryLockFast(m_pMutex, __FILE__, __LINE__), QBL_HERE, kTryLock);
+    return settleTry(tavXMutexTryLock_(m_pMutex, __FILE__, __LINE__), QBL_HERE, kTryLock);
 }
 
 bool QBLThreadMutex::timedLock(unsigned long ms) QBL_NO_THREAD_SAFETY_ANALYSIS {

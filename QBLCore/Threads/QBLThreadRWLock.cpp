@@ -50,6 +50,5 @@ bool QBLThreadRWLock::timedLock(unsigned long ms) QBL_NO_THREAD_SAFETY_ANALYSIS 
 }
 
 bool QBLThreadRWLock::timedReadLock(unsigned long ms) QBL_NO_THREAD_SAFETY_ANALYSIS {
-    return settleTimed(tavRWLockReadLockFast(m_pLock, layerTimeout(ms)), QBL_HERE,
-                       kTimedReadLock);
+    return settleTimed(tavRWLockReadLockFast(m_pLock, layerTimeout(ms)), QBL_HERE, kTimedReadLock);
 }

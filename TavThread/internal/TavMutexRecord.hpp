@@ -56,43 +56,21 @@ inline unsigned tavMutexExtras(const TavMutex* m) {
     return m->flags & (kTavMutexRecursive | kTavMutexTracking);
 }
 
-/// tavXMutexLock_ at the cost of the POSIX mutex when that is all there is, and of little more
-/// when it is recursive; likewise the others. File and line matter to tracking mutexes only.
-inline int tavMutexLockFast(TavMutex* m, const char* file, int line) {
-    if (m == nullptr || (m->flags & kTavMutexTracking) != 0)
-        return tavMutexLockGeneral(m, file, line);
-    if ((m->flags & kTavMutexRecursive) == 0) {
-        if (pthread_mutex_lock(&m->native) == 0) return TAVTHREAD_OK;
-    } else {
-        TavRecursiveMutex* r = static_cast<TavRecursiveMutex*>(m);
-        const char* const self = &tavThreadMark;
-        if (r->holder.load(std::memory_order_relaxed) != self &&
-            pthread_mutex_lock(&m->native) == 0) {
-            r->setHolder(self);
-            return TAVTHREAD_OK;
-        }
-    }
-    return tavMutexLockGeneral(m, nullptr, 0);
+/// Takes a mutex that is the POSIX one and no more; the rest stays with the general operation, out
+/// of line, so that it costs the plain mutex not even a saved register. Likewise the others.
+/// @return false if the general operation is to decide.
+inline bool tavMutexLockPlain(TavMutex* m) {
+    return __builtin_expect(tavMutexExtras(m) == 0, 1) &&
+           __builtin_expect(pthread_mutex_lock(&m->native) == 0, 1);
 }
 
-inline int tavMutexTryLockFast(TavMutex* m, const char* file, int line) {
-    if (m != nullptr && tavMutexExtras(m) == 0 && pthread_mutex_trylock(&m->native) == 0)
-        return TAVTHREAD_OK;
-    return tavMutexTryLockGeneral(m, file, line);
+inline bool tavMutexTryLockPlain(TavMutex* m) {
+    return tavMutexExtras(m) == 0 && pthread_mutex_trylock(&m->native) == 0;
 }
 
-inline int tavMutexUnlockFast(TavMutex* m) {
-    if (m != nullptr && tavMutexExtras(m) == 0) {
-        if (pthread_mutex_unlock(&m->native) == 0) return TAVTHREAD_OK;
-    } else if (m != nullptr && tavMutexExtras(m) == kTavMutexRecursive) {
-        TavRecursiveMutex* r = static_cast<TavRecursiveMutex*>(m);
-        if (r->mine() && r->count == 0) {
-            r->setHolder(nullptr);
-            if (pthread_mutex_unlock(&m->native) == 0) return TAVTHREAD_OK;
-            r->setHolder(&tavThreadMark);
-        }
-    }
-    return tavMutexUnlockGeneral(m);
+inline bool tavMutexUnlockPlain(TavMutex* m) {
+    return __builtin_expect(tavMutexExtras(m) == 0, 1) &&
+           __builtin_expect(pthread_mutex_unlock(&m->native) == 0, 1);
 }
 
 #endif

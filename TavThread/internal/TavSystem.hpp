@@ -8,10 +8,6 @@
 
 #include "TavThread/TavResult.h"
 
-/// Marks a function that catches abi::__forced_unwind: there is no object to what is caught then,
-/// so the run-time library binds the handler's reference to null.
-#define TAV_CATCHES_UNWINDING __attribute__((no_sanitize("null")))
-
 /// Repeats a call that returns its error number while that is EINTR.
 template <class Call>
 int tavRetry(Call call) {

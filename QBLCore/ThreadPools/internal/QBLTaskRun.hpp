@@ -1,22 +1,15 @@
 #ifndef QBLCORE_THREADPOOLS_INTERNAL_QBLTASKRUN_HPP
 #define QBLCORE_THREADPOOLS_INTERNAL_QBLTASKRUN_HPP
 
-#include <cxxabi.h>
-
 #include "QBLCore/Threads/QBLThreadRunnable.hpp"
+#include "TavThread/internal/TavContain.hpp"
 
 /// Stack of the workers of the fixed and the variable pool, in bytes.
 constexpr unsigned long kPoolStackSize = 4096000;
 
 /// Runs a task, if it is one. Whatever it throws is dropped, but for the end of the thread.
 inline void qblRunTask(QBLThreadRunnable* task) {
-    if (task == nullptr) return;
-    try {
-        task->run();
-    } catch (abi::__forced_unwind&) {
-        throw;
-    } catch (...) {
-    }
+    if (task != nullptr) tavContain([task] { task->run(); });
 }
 
 #endif

@@ -4,33 +4,34 @@
 #include "QBLCore/Exceptions/QBLFileLocation.hpp"
 #include "TavThread/TavResult.h"
 
-/// How the lock classes turn results of the thread layer into exceptions.
+/// How the lock classes turn results of the thread layer into exceptions. The place goes by value,
+/// which costs an operation that succeeds nothing.
 
 /// Throws QBLThreadResourceError with the text of the operation that failed.
-[[noreturn]] void qblThrowThreadResource(const QBLFileLocation& where, const char* text);
+[[noreturn]] void qblThrowThreadResource(QBLFileLocation where, const char* text);
 /// Throws QBLOutOfMemoryError with the text of the operation that failed.
-[[noreturn]] void qblThrowOutOfMemory(const QBLFileLocation& where, const char* text);
+[[noreturn]] void qblThrowOutOfMemory(QBLFileLocation where, const char* text);
 
-inline void settle(int result, const QBLFileLocation& where, const char* text) {
+inline void settle(int result, QBLFileLocation where, const char* text) {
     if (__builtin_expect(result != TAVTHREAD_OK, 0)) qblThrowThreadResource(where, text);
 }
 
 /// For constructors of the classes that have a text for exhausted memory.
-inline void settleCreate(int result, const QBLFileLocation& where, const char* text,
+inline void settleCreate(int result, QBLFileLocation where, const char* text,
                          const char* noMemoryText) {
     if (result == TAVTHREAD_NOMEM) qblThrowOutOfMemory(where, noMemoryText);
     settle(result, where, text);
 }
 
 /// For try operations: false when the object was taken.
-inline bool settleTry(int result, const QBLFileLocation& where, const char* text) {
+inline bool settleTry(int result, QBLFileLocation where, const char* text) {
     if (result == TAVTHREAD_BUSY) return false;
     settle(result, where, text);
     return true;
 }
 
 /// For timed operations: false when the time ran out.
-inline bool settleTimed(int result, const QBLFileLocation& where, const char* text) {
+inline bool settleTimed(int result, QBLFileLocation where, const char* text) {
     if (result == TAVTHREAD_TIMEOUT) return false;
     settle(result, where, text);
     return true;

@@ -1,0 +1,94 @@
+#include "QBLCore/Frame/QBLCore.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <random>
+
+#include "QBLCore/Exceptions/QBLThrowable.hpp"
+#include "QBLCore/Threads/QBLThread.hpp"
+#include "tests/support/Workers.hpp"
+
+namespace {
+
+/// Whether threads can be started, which takes a running library.
+bool isUp() {
+    QBLThread thread;
+    try {
+        thread.start();
+    } catch (QBLThrowable&) {
+        return false;
+    }
+    thread.join();
+    return true;
+}
+
+}  // namespace
+
+TEST(QBLCoreTest, RunsFromTheFirstStartToTheLastStop) {
+    for (int cycle = 0; cycle < 2; ++cycle) {
+        EXPECT_EQ(-2, qblCoreTerminate());
+        EXPECT_FALSE(isUp());
+        EXPECT_EQ(0, qblCoreInitialize());
+        EXPECT_EQ(0, qblInitialize());
+        EXPECT_EQ(0, qblTerminate());
+        EXPECT_TRUE(isUp());
+        EXPECT_EQ(0, qblCoreTerminate());
+    }
+    EXPECT_FALSE(isUp());
+}
+
+TEST(QBLCoreTest, StartsAndStopsFromManyThreadsEndStopped) {
+    Workers(8, [] {
+        std::minstd_rand random(std::random_device{}());
+        int open = 0;
+        for (int done = 0; done < 500;) {
+            if (open == 0 || random() % 2 == 0) {
+                EXPECT_EQ(0, qblCoreInitialize());
+                ++open;
+            } else {
+                EXPECT_EQ(0, qblCoreTerminate());
+                --open;
+                ++done;
+            }
+        }
+        for (; open != 0; --open) EXPECT_EQ(0, qblCoreTerminate());
+    }).join();
+    EXPECT_EQ(-2, qblCoreTerminate());
+}
+
+TEST(QBLCoreTest, TellsItsVersionAndWhoIsCompatible) {
+    const struct {
+        int major, minor, result;
+    } table[] = {{1, 0, 0}, {1, -5, 0}, {1, 1, -1}, {0, 0, -1}, {2, 0, -1}, {-1, 0, -1}};
+    for (const auto& row : table) {
+        EXPECT_EQ(row.result, qblCoreIsCompatibleWith(row.major, row.minor));
+        EXPECT_EQ(row.result, qblIsCompatibleWith(row.major, row.minor));
+    }
+    unsigned major = 7, minor = 7;
+    EXPECT_EQ(0, qblCoreGetApiVersion(&major, nullptr));
+    EXPECT_EQ(0, qblGetApiVersion(nullptr, &minor));
+    EXPECT_EQ(1U, major);
+    EXPECT_EQ(0U, minor);
+}
+
+TEST(QBLCoreTest, HandsBackTheHandlerBefore) {
+    const QBLNewHandler handler = [] {};
+    const QBLNewHandler before = qblSetNewHandler(handler);
+    EXPECT_EQ(handler, qblSetNewHandler(before));
+}
+
+TEST(QBLCoreTest, BatchModeRaisesTheNicenessByFour) {
+    const pid_t child = fork();  // it cannot be taken back
+    if (child == 0) {
+        errno = EINVAL;
+        const int before = nice(0);
+        const bool raised = qblSetBatchMode() == 1;
+        _exit(raised && nice(0) == before + 4 ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(child, waitpid(child, &status, 0));
+    EXPECT_EQ(0, status);
+}

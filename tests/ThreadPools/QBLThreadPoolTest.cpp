@@ -1,0 +1,231 @@
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <atomic>
+#include <memory>
+#include <stdexcept>
+
+#include "QBLCore/Frame/QBLCore.h"
+#include "QBLCore/ThreadPools/QBLThreadPoolFixed.hpp"
+#include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
+#include "QBLCore/ThreadPools/QBLThreadPoolVariable.hpp"
+#include "QBLCore/Threads/QBLThread.hpp"
+#include "tests/support/FaultInjection.hpp"
+#include "tests/support/ThrowChecks.hpp"
+#include "tests/support/Workers.hpp"
+
+namespace {
+
+class Counting : public QBLThreadRunnable {
+public:
+    void run() override { ++runs; }
+    std::atomic<int> runs{0};
+};
+
+/// Stays in run() until the gate opens.
+class Blocking : public QBLThreadRunnable {
+public:
+    explicit Blocking(Gate& gate) : m_gate(gate) {}
+    void run() override {
+        ++started;
+        m_gate.wait();
+        ++ended;
+    }
+    std::atomic<int> started{0}, ended{0};
+
+private:
+    Gate& m_gate;
+};
+
+class Throwing : public QBLThreadRunnable {
+public:
+    void run() override { throw std::runtime_error("dropped"); }
+};
+
+class QBLThreadPoolTest : public ::testing::Test {
+protected:
+    void SetUp() override { ASSERT_EQ(0, qblCoreInitialize()); }
+    void TearDown() override {
+        fault::reset();
+        EXPECT_EQ(0, qblCoreTerminate());
+    }
+    std::unique_ptr<QBLThreadPool> make(int kind) {
+        if (kind == 0) return std::make_unique<QBLThreadPoolFixed>(2);
+        if (kind == 1) return std::make_unique<QBLThreadPoolVariable>(1, 50, 1);
+        return std::make_unique<QBLThreadPoolQueued>(2, 0);
+    }
+};
+
+}  // namespace
+
+TEST_F(QBLThreadPoolTest, EveryAcceptedTaskIsRunThoughThePoolGoes) {
+    Throwing throwing;
+    for (int kind = 0; kind < 3; ++kind) {
+        Counting counting;
+        int accepted = 0;
+        for (int cycle = 0; cycle < 100; ++cycle) {
+            auto pool = make(kind);
+            EXPECT_EQ(1, pool->execute(&throwing, QBLWaitForever));
+            for (int i = 0; i < 5; ++i)
+                accepted += pool->execute(&counting, i == 0 ? QBLWaitForever : 0);
+        }
+        EXPECT_EQ(accepted, counting.runs) << "kind " << kind;
+        EXPECT_GE(accepted, 100);
+    }
+}
+
+TEST_F(QBLThreadPoolTest, ManySubmittersAreServedByEveryPool) {
+    for (int kind = 0; kind < 3; ++kind) {
+        auto pool = make(kind);
+        Counting counting;
+        Workers(4, [&] {
+            for (int i = 0; i < 1000; ++i) EXPECT_EQ(1, pool->execute(&counting, QBLWaitForever));
+        }).join();
+        pool.reset();
+        EXPECT_EQ(4000, counting.runs) << "kind " << kind;
+    }
+}
+
+TEST_F(QBLThreadPoolTest, RefusesTasksWithItsOwnTextOnceStopping) {
+    const char* texts[] = {
+        "QBLThreadPoolFixed::execute: attempted to execute while shutting down",
+        "QBLThreadPoolVariable::execute: attempted to execute while shutting down",
+        "QBLThreadPoolQueued::execute: attempted to execute while shutting down"};
+    Counting counting;
+    for (int kind = 0; kind < 3; ++kind) {
+        auto pool = make(kind);
+        EXPECT_EQ(1, pool->execute(nullptr, QBLWaitForever)) << "a null task does nothing";
+        pool->setStopWork(1);
+        QBL_EXPECT_THROW(pool->execute(&counting, 0), QBLIllegalStateError, texts[kind]);
+    }
+}
+
+TEST_F(QBLThreadPoolTest, FixedHandsTasksToIdleWorkersOnly) {
+    Gate gate;
+    Blocking blocking(gate);
+    QBLThreadPoolFixed pool(2);
+    EXPECT_EQ(1, pool.execute(&blocking, QBLWaitForever));
+    EXPECT_EQ(1, pool.execute(&blocking, QBLWaitForever));
+    EXPECT_EQ(0, pool.execute(&blocking, 0));
+    EXPECT_EQ(0, pool.execute(&blocking, 20));
+    gate.open();
+    EXPECT_EQ(1, pool.execute(&blocking, QBLWaitForever));
+}
+
+TEST_F(QBLThreadPoolTest, VariableGrowsWithItsTasksAndShrinksToThePermanentWorkers) {
+    Gate gate;
+    Blocking blocking(gate);
+    QBLThreadPoolVariable pool(2, 1000, 1);
+    for (int i = 0; i < 5; ++i) EXPECT_EQ(1, pool.execute(&blocking, 0));
+    EXPECT_EQ(5U, pool.getWorkerCount());
+    EXPECT_TRUE(eventually([&] { return blocking.started == 5; }));
+    gate.open();
+    EXPECT_TRUE(eventually([&] { return pool.getWorkerCount() == 2; }));
+    EXPECT_EQ(5, blocking.ended);
+}
+
+TEST_F(QBLThreadPoolTest, VariableStrandsNoTaskWhenItsWorkersRetire) {
+    QBLThreadPoolVariable pool(0, 1000, 1);
+    Counting counting;
+    for (int i = 1; i <= 400; ++i) {
+        ASSERT_EQ(1, pool.execute(&counting, 0));
+        ASSERT_TRUE(eventually([&] { return counting.runs == i; })) << i;
+        if (i % 4 == 0) QBLThread::sleep(1);  // meets the end of the workers' waits
+    }
+}
+
+TEST_F(QBLThreadPoolTest, VariableReapsAWorkerWhoseExitRoutineSubmits) {
+    static QBLThreadPoolVariable* pool;
+    static Counting counting;
+    class Chain : public QBLThreadRunnable {
+    public:
+        void run() override {
+            QBLThread::atExit([] { pool->execute(&counting, 0); }, 1);
+        }
+    } chain;
+    QBLThreadPoolVariable own(0, 1000, 1);
+    pool = &own;
+    EXPECT_EQ(1, own.execute(&chain, 0));
+    EXPECT_TRUE(eventually([&] { return counting.runs == 1; }));
+}
+
+TEST_F(QBLThreadPoolTest, VariableSurvivesATaskThatEndsItsThread) {
+    class Ending : public QBLThreadRunnable {
+    public:
+        void run() override { pthread_exit(nullptr); }
+    } ending;
+    Counting counting;
+    {
+        QBLThreadPoolVariable pool(1, 1000, 1);
+        EXPECT_EQ(1, pool.execute(&ending, 0));
+        EXPECT_TRUE(eventually([&] { return pool.getWorkerCount() == 0; }));
+        EXPECT_EQ(1, pool.execute(&counting, 0));
+    }
+    EXPECT_EQ(1, counting.runs);
+}
+
+TEST_F(QBLThreadPoolTest, QueuedKeepsToItsCapacity) {
+    Gate gate;
+    Blocking blocking(gate);
+    QBLThreadPoolQueued pool(1, 1);
+    EXPECT_EQ(1, pool.execute(&blocking, 0));
+    EXPECT_TRUE(eventually([&] { return blocking.started == 1; }));
+    EXPECT_EQ(1, pool.execute(&blocking, 0));
+    EXPECT_EQ(0, pool.execute(&blocking, 0));
+    EXPECT_EQ(0, pool.execute(&blocking, 20));
+    gate.open();
+    EXPECT_EQ(1, pool.execute(&blocking, QBLWaitForever));
+}
+
+TEST_F(QBLThreadPoolTest, QueuedFinishesOrDropsWhatIsQueuedAsItWasTold) {
+    for (int finish : {0, 1}) {
+        Gate gate;
+        Blocking blocking(gate);
+        Counting counting;
+        auto pool = std::make_unique<QBLThreadPoolQueued>(1, 0, finish);
+        EXPECT_EQ(1, pool->execute(&blocking, 0));
+        EXPECT_TRUE(eventually([&] { return blocking.started == 1; }));
+        for (int i = 0; i < 10; ++i) EXPECT_EQ(1, pool->execute(&counting, 0));
+        QBLThreadPool* stopping = pool.get();
+        Workers opener(1, [&] {
+            EXPECT_TRUE(eventually([&] { return stopping->getStopWork() != 0; }));
+            gate.open();
+        });
+        pool.reset();
+        EXPECT_EQ(finish != 0 ? 10 : 0, counting.runs);
+        EXPECT_EQ(1, blocking.ended);
+    }
+}
+
+TEST_F(QBLThreadPoolTest, FailedConstructionLeavesNoThreadBehind) {
+    for (int kind : {0, 2}) {
+        const long failed = fault::eachAllocation([&] {
+            try {
+                make(kind);
+            } catch (QBLThrowable&) {
+            } catch (const std::bad_alloc&) {  // of the test's own unique_ptr
+            }
+        });
+        EXPECT_GT(failed, 4);
+        fault::failCall(fault::ThreadCreate, 1, EAGAIN);
+        QBL_EXPECT_THROW(make(kind), QBLThreadResourceError, nullptr);
+    }
+}
+
+TEST_F(QBLThreadPoolTest, VariableReportsAFailedWorkerOnlyWhenNoOtherCanRunTheTask) {
+    Gate gate;
+    Blocking blocking(gate);
+    Counting counting;
+    {
+        QBLThreadPoolVariable pool(1, 1000, 1);
+        fault::failCall(fault::ThreadCreate, 0, EAGAIN);
+        QBL_EXPECT_THROW(pool.execute(&counting, 0), QBLThreadResourceError, nullptr);
+        EXPECT_EQ(0U, pool.getWorkerCount());
+        EXPECT_EQ(1, pool.execute(&blocking, 0));
+        fault::failCall(fault::ThreadCreate, 0, EAGAIN);
+        EXPECT_EQ(1, pool.execute(&counting, 0)) << "the busy worker will run it";
+        EXPECT_EQ(1U, pool.getWorkerCount());
+        gate.open();
+    }
+    EXPECT_EQ(1, counting.runs);
+}

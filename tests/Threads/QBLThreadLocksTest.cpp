@@ -1,0 +1,280 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <climits>
+
+#include "QBLCore/Frame/QBLList.hpp"
+#include "QBLCore/Frame/QBLThreadMonitor.hpp"
+#include "QBLCore/Threads/QBLThreadAutoResetEvent.hpp"
+#include "QBLCore/Threads/QBLThreadConditionVariable.hpp"
+#include "QBLCore/Threads/QBLThreadGuard.hpp"
+#include "QBLCore/Threads/QBLThreadKey.hpp"
+#include "QBLCore/Threads/QBLThreadManualResetEvent.hpp"
+#include "QBLCore/Threads/QBLThreadProcess.h"
+#include "QBLCore/Threads/QBLThreadRWGuard.hpp"
+#include "QBLCore/Threads/QBLThreadRWLock.hpp"
+#include "QBLCore/Threads/QBLThreadRecursiveCriticalSection.hpp"
+#include "QBLCore/Threads/QBLThreadRecursiveMutex.hpp"
+#include "QBLCore/Threads/QBLThreadSemaphore.hpp"
+#include "tests/support/FaultInjection.hpp"
+#include "tests/support/ThrowChecks.hpp"
+#include "tests/support/Workers.hpp"
+
+namespace {
+
+/// Runs a body on another thread and waits for it.
+template <class Body>
+void elsewhere(Body body) {
+    Workers(1, body).join();
+}
+
+template <class Lock>
+class ExclusiveLockTest : public ::testing::Test {};
+
+typedef ::testing::Types<QBLThreadMutex, QBLThreadRecursiveMutex, QBLThreadCriticalSection,
+                         QBLThreadRecursiveCriticalSection, QBLThreadRWLock>
+    ExclusiveLocks;
+TYPED_TEST_SUITE(ExclusiveLockTest, ExclusiveLocks);
+
+}  // namespace
+
+TYPED_TEST(ExclusiveLockTest, ExcludesOthersUntilTheScopeIsLeftByAnException) {
+    TypeParam lock;
+    const auto freeElsewhere = [&lock] {
+        bool free = false;
+        elsewhere([&] {
+            free = lock.tryLock();
+            if (free) lock.unlock();
+        });
+        return free;
+    };
+    try {
+        QBLThreadGuard guard(lock);
+        EXPECT_FALSE(freeElsewhere());
+        throw 1;
+    } catch (int) {
+    }
+    EXPECT_TRUE(freeElsewhere());
+}
+
+TYPED_TEST(ExclusiveLockTest, KeepsACountExactAmongThreads) {
+    TypeParam lock;
+    int count = 0;
+    Workers(4, [&] {
+        for (int i = 0; i < 2000; ++i) {
+            QBLThreadGuard guard(lock);
+            ++count;
+        }
+    }).join();
+    EXPECT_EQ(8000, count);
+}
+
+TEST(QBLThreadMutexTest, TimedLockAnswersInsteadOfThrowing) {
+    QBLThreadMutex mutex;
+    ASSERT_TRUE(mutex.timedLock(0));
+    elsewhere([&] { EXPECT_FALSE(mutex.timedLock(0)); });
+    mutex.unlock();
+    elsewhere([&] {
+        ASSERT_TRUE(mutex.timedLock(QBLWaitForever));
+        mutex.unlock();
+    });
+}
+
+TEST(QBLThreadMutexTest, RecursiveFormsCountAndRefuseStrangers) {
+    QBLThreadRecursiveMutex mutex;
+    QBLThreadRecursiveCriticalSection section;
+    for (int i = 0; i < 3; ++i) {
+        mutex.lock();
+        ASSERT_TRUE(section.tryLock());
+    }
+    elsewhere([&] {
+        EXPECT_FALSE(mutex.tryLock());
+        QBL_EXPECT_THROW(mutex.unlock(), QBLThreadResourceError,
+                         "QBLThreadMutex::unlock: TavThread interface or unexpected error");
+        QBL_EXPECT_THROW(
+            section.unlock(), QBLThreadResourceError,
+            "QBLThreadCriticalSection::unlock: TavThread interface or unexpected error");
+    });
+    for (int i = 0; i < 3; ++i) {
+        mutex.unlock();
+        section.unlock();
+    }
+    elsewhere([&] {
+        ASSERT_TRUE(mutex.tryLock()) << "free after as many unlocks as locks";
+        mutex.unlock();
+    });
+}
+
+TEST(QBLThreadRWLockTest, ReadersShareAndWaitingWritersGoFirst) {
+    QBLThreadRWLock lock;
+    QBLThreadRWGuard reader(lock, 0);
+    elsewhere([&] {
+        ASSERT_TRUE(lock.tryReadLock());
+        lock.unlock();
+        EXPECT_FALSE(lock.tryLock());
+        EXPECT_FALSE(lock.timedLock(5));
+        EXPECT_TRUE(lock.timedReadLock(0)) << "a writer that gave up holds nobody back";
+        lock.unlock();
+    });
+    std::atomic<bool> written{false};
+    Workers writer(1, [&] {
+        QBLThreadRWGuard guard(lock, 1);
+        written = true;
+    });
+    EXPECT_TRUE(eventually([&] {
+        bool shared = false;
+        elsewhere([&] {
+            shared = lock.tryReadLock();
+            if (shared) lock.unlock();
+        });
+        return !shared;
+    })) << "a reader passed the waiting writer";
+    EXPECT_FALSE(written);
+    lock.unlock();
+    writer.join();
+    EXPECT_TRUE(written);
+    lock.readLock();  // for the guard to give up
+}
+
+TEST(QBLThreadSemaphoreTest, CountsPostsForEveryKindOfWait) {
+    QBLThreadSemaphore semaphore(2);
+    EXPECT_TRUE(semaphore.tryWait());
+    semaphore.wait();
+    EXPECT_FALSE(semaphore.tryWait());
+    EXPECT_FALSE(semaphore.timedWait(1));
+    EXPECT_FALSE(semaphore.boundedWait(0));
+    EXPECT_FALSE(semaphore.boundedWait(3));
+    semaphore.post(0);
+    EXPECT_FALSE(semaphore.tryWait());
+    semaphore.post(3);
+    EXPECT_TRUE(semaphore.timedWait(0));
+    EXPECT_TRUE(semaphore.boundedWait(0));
+    EXPECT_TRUE(semaphore.boundedWait(QBLWaitForever));
+    semaphore.initialize(1);
+    semaphore.wait();
+    EXPECT_FALSE(semaphore.tryWait());
+    QBL_EXPECT_THROW(
+        semaphore.initialize(ULONG_MAX), QBLThreadResourceError,
+        "QBLThreadSemaphore::QBLThreadSemaphore: TavThread interface or unexpected error");
+    semaphore.post();
+    EXPECT_TRUE(semaphore.tryWait()) << "a refused count leaves the semaphore as it was";
+}
+
+TEST(QBLThreadSemaphoreTest, BoundedWaitsLoseNoPost) {
+    QBLThreadSemaphore semaphore;
+    std::atomic<int> taken{0};
+    {
+        Workers waiters(4, [&] {
+            while (taken < 4000)
+                if (semaphore.boundedWait(1)) ++taken;
+        });
+        for (int i = 0; i < 4000; ++i) semaphore.post();
+    }
+    EXPECT_EQ(4000, taken);
+    EXPECT_FALSE(semaphore.tryWait());
+}
+
+TEST(QBLThreadEventTest, AutoResetReleasesOneAndManualResetAll) {
+    QBLThreadAutoResetEvent automatic;
+    QBLThreadManualResetEvent manual;
+    std::atomic<int> first{0}, second{0};
+    Workers waiters(3, [&] {
+        automatic.wait();
+        ++first;
+        manual.wait();
+        ++second;
+    });
+    for (int i = 1; i <= 3; ++i) {
+        automatic.signal();
+        EXPECT_TRUE(eventually([&] { return first == i; }));
+        EXPECT_FALSE(automatic.timedWait(0)) << "one signal, one waiter";
+    }
+    EXPECT_EQ(0, second);
+    manual.signal();
+    waiters.join();
+    EXPECT_EQ(3, second);
+    EXPECT_TRUE(manual.timedWait(0));
+    manual.reset();
+    EXPECT_FALSE(manual.timedWait(0));
+    manual.initialize(1);
+    EXPECT_TRUE(manual.timedWait(0));
+}
+
+TEST(QBLThreadConditionVariableTest, HandsTurnsBackAndForth) {
+    QBLThreadMonitor<QBLThreadCriticalSection, int> turn;
+    QBLThreadConditionVariable changed;
+    const auto play = [&](int mine) {
+        for (int i = 0; i < 500; ++i) {
+            QBLThreadGuard guard(turn);
+            while (*turn != mine) changed.wait(turn);
+            *turn = 1 - mine;
+            changed.signal();
+        }
+    };
+    Workers other(1, [&] { play(1); });
+    play(0);
+    other.join();
+    EXPECT_EQ(0, *turn);
+}
+
+TEST(QBLThreadConditionVariableTest, HoldsTheLockAfterATimeoutAndRefusesTrackedLocks) {
+    QBLThreadMutex mutex;
+    QBLThreadConditionVariable changed;
+    QBLThreadGuard guard(mutex);
+    EXPECT_FALSE(changed.timedWait(mutex, 2));
+    elsewhere([&] { EXPECT_FALSE(mutex.tryLock()); });
+
+    ASSERT_EQ(0, qblThreadProcessInitialize(nullptr));
+    QBLThreadMutex tracking(1);
+    tracking.lock();
+    QBL_EXPECT_THROW(changed.wait(tracking), QBLThreadResourceError,
+                     "QBLThreadConditionVariable::wait: TavThread interface or unexpected error");
+    tracking.unlock();
+    EXPECT_EQ(0, qblThreadProcessTerminate(nullptr));
+}
+
+TEST(QBLThreadKeyTest, KeepsAValuePerThreadAndGivesItToTheDestructor) {
+    static std::atomic<int> destroyed{0};
+    QBLThreadKey key([](void* value) { destroyed += *static_cast<int*>(value); });
+    int here = 1, there = 20;
+    key.setValue(&here);
+    elsewhere([&] {
+        EXPECT_EQ(nullptr, key.getValue());
+        key.setValue(&there);
+    });
+    EXPECT_EQ(&here, key.getValue());
+    EXPECT_EQ(20, destroyed);
+    key.setValue(nullptr);
+}
+
+TEST(QBLThreadLocksTest, ExhaustedMemoryComesOutAsEachClassSays) {
+    const auto expect = [](auto make, const char* name, const char* text) {
+        fault::failAllocation(0);
+        try {
+            make();
+            ADD_FAILURE() << "nothing failed for " << text;
+        } catch (QBLThrowable& e) {
+            EXPECT_STREQ(name, e.getThrowableName());
+            EXPECT_STREQ(text, e.getMessage());
+        }
+        fault::reset();
+    };
+    expect([] { QBLThreadMutex m; }, "QBLOutOfMemoryError",
+           "QBLThreadMutex::QBLThreadMutex: TavThread ran out of memory");
+    expect([] { QBLThreadCriticalSection c; }, "QBLOutOfMemoryError",
+           "QBLThreadCriticalSection::QBLThreadCriticalSection: TavThread ran out of memory");
+    expect([] { QBLThreadRWLock l; }, "QBLOutOfMemoryError",
+           "QBLThreadRWLock::QBLThreadRWLock: TavThread ran out of memory");
+    expect([] { QBLThreadSemaphore s; }, "QBLOutOfMemoryError",
+           "QBLThreadSemaphore::QBLThreadSemaphore: TavThread ran out of memory");
+    expect([] { QBLThreadKey k; }, "QBLOutOfMemoryError",
+           "QBLThreadKey::QBLThreadKey: TavThread ran out of memory");
+    expect([] { QBLThreadAutoResetEvent e; }, "QBLThreadResourceError",
+           "QBLThreadAutoResetEvent: out of events");
+    expect([] { QBLThreadManualResetEvent e; }, "QBLThreadResourceError",
+           "QBLThreadManualResetEvent::QBLThreadManualResetEvent: "
+           "TavThread interface or unexpected error");
+    expect([] { QBLThreadConditionVariable c; }, "QBLThreadResourceError",
+           "QBLThreadConditionVariable::QBLThreadConditionVariable: "
+           "TavThread interface or unexpected error");
+}

@@ -1,0 +1,157 @@
+#include "QBLCore/Threads/QBLThread.hpp"
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <atomic>
+#include <chrono>
+#include <stdexcept>
+
+#include "QBLCore/Threads/QBLThreadInit.hpp"
+#include "QBLCore/Threads/QBLThreadProcess.h"
+#include "tests/support/FaultInjection.hpp"
+#include "tests/support/ThrowChecks.hpp"
+#include "tests/support/Workers.hpp"
+
+namespace {
+
+template <class Body>
+class Job : public QBLThreadRunnable {
+public:
+    explicit Job(Body body) : m_body(body) {}
+    void run() override { m_body(); }
+
+private:
+    Body m_body;
+};
+
+std::atomic<int> exits{0};
+void countExit() { ++exits; }
+
+class QBLThreadTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_EQ(0, qblThreadProcessInitialize("test"));
+        exits = 0;
+    }
+    void TearDown() override { EXPECT_EQ(0, qblThreadProcessTerminate("test")); }
+};
+
+}  // namespace
+
+TEST_F(QBLThreadTest, RunsARunnableOrItselfAndMayStartAgain) {
+    std::atomic<int> runs{0};
+    Gate gate;
+    Job job([&] {
+        gate.wait();
+        ++runs;
+    });
+    QBLThread thread(&job, 1);
+    EXPECT_FALSE(thread.isAlive());
+    thread.join();
+    thread.start();
+    EXPECT_TRUE(thread.isAlive());
+    QBL_EXPECT_THROW(thread.start(), QBLIllegalStateError,
+                     "QBLThread::start: the thread was started before and not joined");
+    gate.open();
+    thread.join();
+    EXPECT_FALSE(thread.isAlive());
+    thread.join();
+    thread.start();
+    thread.join();
+    EXPECT_EQ(2, runs);
+
+    class Own : public QBLThread {
+    public:
+        ~Own() override { join(); }
+        void run() override { id = currentThreadId(); }
+        std::atomic<unsigned long> id{0};
+    } own;
+    own.start();
+    own.join();
+    EXPECT_NE(0UL, own.id);
+    EXPECT_NE(QBLThread::currentThreadId(), own.id);
+}
+
+TEST_F(QBLThreadTest, CallsTheExitRoutineHoweverRunEnds) {
+    const auto runs = [](auto body) {
+        Job job(body);
+        QBLThread thread(&job);
+        thread.start();
+        thread.join();
+    };
+    runs([] { EXPECT_EQ(0, QBLThread::atExit(countExit, 1)); });
+    EXPECT_EQ(1, exits);
+    runs([] {
+        QBLThread::atExit(countExit, 1);
+        throw std::runtime_error("dropped");
+    });
+    EXPECT_EQ(2, exits);
+    runs([] {
+        QBLThread::atExit(countExit, 1);
+        pthread_exit(nullptr);
+    });
+    EXPECT_EQ(3, exits);
+    runs([] {
+        QBLThread::atExit(countExit, 1);
+        EXPECT_EQ(-1, QBLThread::atExit(nullptr, 1));
+        QBLThread::atExit(nullptr, 0);
+    });
+    EXPECT_EQ(3, exits);
+    EXPECT_EQ(-1, QBLThread::atExit(countExit, 1)) << "no QBLThread started this thread";
+}
+
+TEST_F(QBLThreadTest, StaysUsableWhileAnyStartIsNotTakenBack) {
+    QBLThreadInit nested;
+    EXPECT_TRUE(nested.getSuccess());
+    EXPECT_EQ(0, qblThreadProcessTerminate(nullptr));
+    std::atomic<bool> ran{false};
+    Job job([&] { ran = true; });
+    QBLThread thread(&job);
+    thread.start();
+    thread.join();
+    EXPECT_TRUE(ran);
+}
+
+TEST_F(QBLThreadTest, RefusesToJoinItselfAndReportsFailedStarts) {
+    QBLThread* self = nullptr;
+    std::string text;
+    Gate ready;
+    Job job([&] {
+        ready.wait();
+        try {
+            self->join();
+        } catch (QBLThrowable& e) {
+            text = e.getMessage();
+        }
+    });
+    {
+        QBLThread thread(&job);
+        self = &thread;
+        thread.start();
+        ready.open();
+    }
+    EXPECT_EQ("TavThread either detected deadlock or an unexpected error occurred", text);
+
+    QBLThread never(&job);
+    fault::failCall(fault::ThreadCreate, 0, EAGAIN);
+    QBL_EXPECT_THROW(never.start(), QBLThreadResourceError, nullptr);
+    fault::failCall(fault::ThreadCreate, 0, EPERM);
+    QBL_EXPECT_THROW(never.start(), QBLThreadResourceError, "TavThread interface or unknown error");
+    fault::failAllocation(0);
+    QBL_EXPECT_THROW(never.start(), QBLOutOfMemoryError, "TavThread ran out of memory");
+    fault::reset();
+    EXPECT_FALSE(never.isAlive());
+}
+
+TEST(QBLThreadStoppedTest, CannotStartWithoutTheLibrary) {
+    QBLThread thread;
+    QBL_EXPECT_THROW(thread.start(), QBLThreadResourceError,
+                     "TavThread interface or unknown error");
+}
+
+TEST(QBLThreadSleepTest, SleepsAtLeastTheTime) {
+    const auto begin = std::chrono::steady_clock::now();
+    QBLThread::sleep(30);
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(30));
+}
