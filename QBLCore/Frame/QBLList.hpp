@@ -75,9 +75,13 @@ public:
     /// An n past the end gives the value that the cursor stands on, whatever it is; an empty
     /// list gives a null value that belongs to the calling thread.
     T& at(unsigned int n) {
-        if (n == 0) return front();
-        if (n == count - 1) return back();
-        return cursor[n];
+        // The next element needs no call, so that a walk keeps the cursor in registers.
+        if (n == cursor.index + 1 && n + 1 < count) {
+            cursor.index = n;
+            cursor.node = cursor.node->next;
+            return *cursor;
+        }
+        return find(n);
     }
     T& operator[](unsigned int n) { return at(n); }
     const T& operator[](unsigned int n) const { return const_cast<QBLList*>(this)->at(n); }
@@ -85,6 +89,12 @@ public:
 private:
     friend class QBLListWalk<QBLList<T>, QBLListNode<T>>;
     friend class QBLListWalk<const QBLList<T>, const QBLListNode<T>>;
+
+    [[gnu::noinline]] T& find(unsigned int n) {
+        if (n == 0) return front();
+        if (n == count - 1) return back();
+        return cursor[n];
+    }
 
     void _insert(iterator& position, QBLListDataNode<T>* node) {
         QBLListNode<T>* after = position.node;
