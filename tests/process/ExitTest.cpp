@@ -1,0 +1,92 @@
+// exit_test MODE: leaves the process in one of the ways in which programs really end, with the
+// library in use. What counts is that the process ends by itself, with status 0, and that no
+// sanitizer has anything to say.
+#include <cstdlib>
+#include <cstring>
+
+#include "QBLCore/Frame/QBLCore.h"
+#include "QBLCore/ThreadPools/QBLThreadPoolFixed.hpp"
+#include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
+#include "QBLCore/ThreadPools/QBLThreadPoolVariable.hpp"
+#include "QBLCore/Threads/QBLThread.hpp"
+#include "QBLCore/Threads/QBLThreadGuard.hpp"
+#include "QBLCore/Threads/QBLThreadMutex.hpp"
+
+namespace {
+
+QBLThreadMutex* lock = nullptr;
+
+/// Works until the process ends, taking locks and throwing as real work does.
+class Endless : public QBLThreadRunnable {
+public:
+    void run() override {
+        for (;;) {
+            QBLThreadGuard guard(*lock);
+            QBLThread::sleep(1);
+        }
+    }
+};
+
+class Short : public QBLThreadRunnable {
+public:
+    void run() override { QBLThread::yield(); }
+};
+
+// Never destroyed: they run until the process is gone.
+Endless& endless = *new Endless;
+Short& brief = *new Short;
+QBLThread* thread = nullptr;
+QBLThreadPool* pools[3] = {};
+
+void startAll() {
+    lock = new QBLThreadMutex;
+    qblCoreInitialize();
+    thread = new QBLThread(&endless);
+    thread->start();
+    pools[0] = new QBLThreadPoolFixed(2);
+    pools[1] = new QBLThreadPoolVariable(1, 10, QBLWaitForever);
+    pools[2] = new QBLThreadPoolQueued(2, 0);
+    for (QBLThreadPool* pool : pools) {
+        pool->execute(&endless, QBLWaitForever);
+        for (int i = 0; i < 20; ++i) pool->execute(&brief, QBLWaitForever);
+    }
+}
+
+/// Uses the library when static objects are destroyed, after main has returned.
+struct LateUser {
+    bool active = false;
+    QBLThreadPoolVariable* pool = nullptr;
+    ~LateUser() {
+        if (!active) return;
+        pool->execute(&brief, 0);
+        delete pool;
+        QBLThreadMutex mutex;
+        QBLThreadGuard guard(mutex);
+        if (qblCoreTerminate() != 0 || qblCoreTerminate() != -2) std::_Exit(3);
+    }
+} late;
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const char* mode = argc > 1 ? argv[1] : "";
+    if (std::strcmp(mode, "return") == 0) {
+        startAll();
+        return 0;
+    }
+    if (std::strcmp(mode, "exit") == 0) {
+        startAll();
+        std::exit(0);
+    }
+    if (std::strcmp(mode, "stopped") == 0) {
+        startAll();
+        return qblCoreTerminate();
+    }
+    if (std::strcmp(mode, "static") == 0) {
+        qblCoreInitialize();
+        late.pool = new QBLThreadPoolVariable(1, 10, 1);
+        late.active = true;
+        return 0;
+    }
+    return 2;
+}
