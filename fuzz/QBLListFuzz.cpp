@@ -1,0 +1,95 @@
+// The list as a stream of commands, checked against std::deque after every one.
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <deque>
+
+#include "QBLCore/Frame/QBLList.hpp"
+
+namespace {
+
+void require(bool holds) {
+    if (!holds) std::abort();
+}
+
+/// A list, its model and a position that both agree on.
+class Checked {
+public:
+    void apply(unsigned int command, unsigned int operand) {
+        const unsigned int size = m_list.size();
+        const unsigned int at = size != 0 ? operand % size : 0;
+        QBLList<unsigned int>::iterator it = m_list.begin();
+        if (size != 0) require(it[at] == m_model[at]);
+        switch (command % 8) {
+            case 0:
+                m_list.push_back(operand);
+                m_model.push_back(operand);
+                break;
+            case 1:
+                m_list.push_front(operand);
+                m_model.push_front(operand);
+                break;
+            case 2:
+                it = m_list.insert(it, operand);
+                m_model.insert(m_model.begin() + at, operand);
+                require(size == 0 || *it == m_model[at + 1]);
+                break;
+            case 3:
+                it = m_list.erase(it);
+                if (size != 0) m_model.erase(m_model.begin() + at);
+                require(at == m_model.size() ? it == m_list.end() : *it == m_model[at]);
+                break;
+            case 4:
+                m_list.pop_front();
+                if (size != 0) m_model.pop_front();
+                break;
+            case 5:
+                m_list.pop_back();
+                if (size != 0) m_model.pop_back();
+                break;
+            case 6:
+                eraseRange(at, operand / 7 % (size + 1));
+                break;
+            default:
+                if (operand < size) require(m_list.at(operand) == m_model[operand]);
+                if (operand >= size && size == 0) require(m_list.at(operand) == 0);
+        }
+        require(m_list.size() == m_model.size() && m_list.empty() == m_model.empty());
+        if (!m_model.empty()) {
+            require(m_list.front() == m_model.front() && m_list.back() == m_model.back());
+        }
+    }
+
+    void compare() {
+        unsigned int n = 0;
+        for (unsigned int value : m_list) require(value == m_model[n++]);
+        require(n == m_model.size());
+        for (auto it = m_list.end(); it != m_list.begin();) require(*--it == m_model[--n]);
+    }
+
+private:
+    // Up to the end when last does not follow first.
+    void eraseRange(unsigned int first, unsigned int last) {
+        QBLList<unsigned int>::iterator from = m_list.begin(), to = m_list.end();
+        for (unsigned int i = 0; i < first; ++i) ++from;
+        if (last < m_list.size()) {
+            to = m_list.begin();
+            for (unsigned int i = 0; i < last; ++i) ++to;
+        }
+        m_list.erase(from, to);
+        const auto begin = m_model.begin();
+        m_model.erase(begin + first, last < first ? m_model.end() : begin + last);
+    }
+
+    QBLList<unsigned int> m_list;
+    std::deque<unsigned int> m_model;
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    Checked checked;
+    for (; size >= 2; data += 2, size -= 2) checked.apply(data[0], data[1]);
+    checked.compare();
+    return 0;
+}
