@@ -4,18 +4,17 @@
 #include "TavThread/internal/TavSystem.hpp"
 #include "TavThread/internal/TavThreadRecord.hpp"
 
-// Suspension passes a single token through the `resumed` semaphore. Whoever asks for a suspension
-// takes the token away, and whoever ends it puts the token back; the suspended thread waits for
-// the token and puts it back when it has woken, unless the next suspension has been asked for
-// meanwhile, which then keeps it.
+// The `resumed` semaphore counts 0 while a suspension is pending or in effect, else 1. It is set
+// under the transition mutex, and taken outside it by the suspended thread alone, which sets it
+// anew when it has woken: the next suspension may have been asked for, and ended, meanwhile.
 
 namespace {
 
-bool takeToken(TavThread& thread) {
-    return tavRetryErrno([&] { return sem_trywait(&thread.resumed); }) == 0;
-}
-
-int putToken(TavThread& thread) {
+/// Requires: the transition mutex is held.
+int setResumed(TavThread& thread, bool resumed) {
+    while (tavRetryErrno([&] { return sem_trywait(&thread.resumed); }) == 0) {
+    }
+    if (!resumed) return TAVTHREAD_OK;
     return tavThread_MapError(tavRetryErrno([&] { return sem_post(&thread.resumed); }));
 }
 
@@ -26,7 +25,7 @@ void suspendHere(TavThread& self) {
         if (!self.has(kTavThreadSuspendPending)) return;
         self.unmark(kTavThreadSuspendPending);
         if (self.cancelled()) {
-            putToken(self);
+            setResumed(self, true);
             return;
         }
         change.to(TavThreadStateSuspended);
@@ -34,7 +33,7 @@ void suspendHere(TavThread& self) {
     }
     tavRetryErrno([&] { return sem_wait(&self.resumed); });
     TavTransition change(self);
-    if (!self.has(kTavThreadSuspendPending)) putToken(self);
+    setResumed(self, !self.has(kTavThreadSuspendPending));
     if (change.state() != TavThreadStateCanceling)
         change.to(self.cancelled() ? TavThreadStateCanceling : TavThreadStateRunning);
     change.finish();
@@ -44,10 +43,9 @@ int continueThread(TavThread& thread) {
     TavTransition change(thread);
     const bool pending = thread.has(kTavThreadSuspendPending);
     if (!pending && change.state() != TavThreadStateSuspended) return TAVTHREAD_OK;
-    takeToken(thread);  // keeps the count at most 1
     change.to(TavThreadStateRunning);
     thread.unmark(kTavThreadSuspendPending);
-    const int rc = putToken(thread);
+    const int rc = setResumed(thread, true);
     change.finish();
     return rc;
 }
@@ -79,7 +77,7 @@ int tavXThreadSuspend(TavThread* thread) {
     TavTransition change(*thread);
     if (change.state() != TavThreadStateRunning || thread->has(kTavThreadSuspendPending))
         return TAVTHREAD_OK;
-    takeToken(*thread);  // a thread that is just waking has it, and will leave it with us
+    setResumed(*thread, false);
     thread->mark(kTavThreadSuspendPending);
     return TAVTHREAD_OK;
 }

@@ -69,7 +69,7 @@ TEST_F(TavRWLockTest, ReadersGoOnWhenTheWriterGivesUp) {
     Workers writer(1, [&] { EXPECT_EQ(TAVTHREAD_TIMEOUT, tavXRWLockTimedWriteLock(rw, 20)); });
     ASSERT_TRUE(eventually([&] { return somebodyWaits(); }));
     Workers reader(1, [&] {
-        EXPECT_EQ(TAVTHREAD_OK, tavXRWLockReadLock(rw));
+        EXPECT_EQ(TAVTHREAD_OK, tavXRWLockTimedReadLock(rw, kTestLimitMs));
         tavXRWLockUnlock(rw);
     });
     reader.join();  // while the first reader still holds the lock
@@ -78,26 +78,27 @@ TEST_F(TavRWLockTest, ReadersGoOnWhenTheWriterGivesUp) {
 }
 
 TEST_F(TavRWLockTest, NoWakeUpIsLostToAWriterThatTimesOut) {
-    // The writer's time ends about when the lock is given up, which may wake that writer alone.
-    std::atomic<int> rounds{0};
-    Watch watch;
-    while (watch.ms() < 800) {
+    const auto readersWait = [&] {
+        pthread_mutex_lock(&rw->mutex);
+        const bool wait = rw->waitingReaders > 0;
+        pthread_mutex_unlock(&rw->mutex);
+        return wait;
+    };
+    for (int round = 0; round < 25; ++round) {
         tavXRWLockReadLock(rw);
-        Workers writer(1, [&] {
-            if (tavXRWLockTimedWriteLock(rw, 1) == TAVTHREAD_OK) tavXRWLockUnlock(rw);
-        });
+        Workers writer(1, [&] { EXPECT_EQ(TAVTHREAD_TIMEOUT, tavXRWLockTimedWriteLock(rw, 10)); });
+        ASSERT_TRUE(eventually([&] { return somebodyWaits(); }));
         Workers reader(1, [&] {
-            while (!somebodyWaits() && watch.ms() < 900) std::this_thread::yield();
-            EXPECT_EQ(TAVTHREAD_OK, tavXRWLockTimedReadLock(rw, kTestLimitMs));
+            EXPECT_EQ(TAVTHREAD_OK, tavXRWLockTimedReadLock(rw, kTestLimitMs)) << round;
             tavXRWLockUnlock(rw);
         });
-        std::this_thread::sleep_for(std::chrono::microseconds(800 + rounds % 400));
-        tavXRWLockUnlock(rw);
-        writer.join();
-        reader.join();
-        ++rounds;
+        eventually([&] { return readersWait() || !somebodyWaits(); });
+        // The writer's time ends, and the lock is given up, behind the mutex; either may be first.
+        pthread_mutex_lock(&rw->mutex);
+        Workers unlocker(1, [&] { tavXRWLockUnlock(rw); });
+        for (Watch watch; watch.ms() < 15;) std::this_thread::yield();
+        pthread_mutex_unlock(&rw->mutex);
     }
-    EXPECT_LT(watch.ms(), kTestLimitMs) << "a reader slept on a free lock, round " << rounds;
 }
 
 TEST_F(TavRWLockTest, OneWriterOrManyReadersAtATime) {

@@ -1,4 +1,3 @@
-#include "TavThread/TavSemaphore.h"
 #include "tests/TavThread/TavSupport.hpp"
 
 namespace {
@@ -70,21 +69,24 @@ TEST(TavThreadControlTest, SurvivesSuspendAndContinueFromSeveralThreads) {
     Runner runner;
     Started thread(runner.body);
     std::atomic<int> seed{0};
-    Workers pushers(3, [&] {
-        unsigned mine = static_cast<unsigned>(++seed);
-        for (int i = 0; i < 2000; ++i) {
-            mine = mine * 1664525U + 1013904223U;
-            EXPECT_EQ(TAVTHREAD_OK,
-                      (mine >> 31) != 0 ? tavXThreadSuspend(thread) : tavXThreadContinue(thread));
-        }
-    });
-    pushers.join();
-    // Whatever came last, one suspension stops it and one continuation sets it going.
-    for (int round = 0; round < 3; ++round) {
+    for (int round = 0; round < 40; ++round) {
+        Workers pushers(3, [&] {
+            unsigned mine = static_cast<unsigned>(++seed);
+            for (int i = 0; i < 100; ++i) {
+                mine = mine * 1664525U + 1013904223U;
+                EXPECT_EQ(TAVTHREAD_OK, (mine >> 31) != 0 ? tavXThreadSuspend(thread)
+                                                          : tavXThreadContinue(thread));
+            }
+        });
+        pushers.join();
+        // Whatever came last, one continuation sets it going and one suspension stops it.
         tavXThreadContinue(thread);
         EXPECT_TRUE(runner.moves());
         tavXThreadSuspend(thread);
-        EXPECT_TRUE(reaches(thread, TavThreadStateSuspended));
+        EXPECT_TRUE(reaches(thread, TavThreadStateSuspended)) << round;
+        const int stopped = runner.steps;
+        sched_yield();
+        EXPECT_EQ(stopped, runner.steps) << round;
     }
     tavXThreadCancel(thread);
     EXPECT_EQ(TAVTHREAD_OK, thread.join());
@@ -93,9 +95,15 @@ TEST(TavThreadControlTest, SurvivesSuspendAndContinueFromSeveralThreads) {
 TEST(TavThreadControlTest, StaysFinishedWhileOthersStillPush) {
     Layer layer;
     for (int i = 0; i < 200; ++i) {
-        Started thread([]() -> void* { return nullptr; });
+        std::atomic<int> pushes{0};
+        Started thread([&]() -> void* {
+            while (pushes < i % 7) {
+            }
+            return nullptr;
+        });
         Workers pushers(2, [&] {
-            for (int k = 0; k < 5; ++k) {
+            for (int k = 0; k < 20; ++k, ++pushes) {
+                tavXThreadSuspend(thread);
                 tavXThreadContinue(thread);
                 tavXThreadAdjustPriority(thread, 1);
                 tavXThreadAlive(thread);
