@@ -9,8 +9,24 @@ install(EXPORT QBLCoreTargets NAMESPACE QBLCore:: DESTINATION ${_cmakedir} COMPO
 configure_package_config_file(cmake/QBLCoreConfig.cmake.in QBLCoreConfig.cmake
   INSTALL_DESTINATION ${_cmakedir})
 write_basic_package_version_file(QBLCoreConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+# qblcore.pc finds its prefix from where it lies itself, so that --prefix and moving are right.
+if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+  set(_pc_prefix "${CMAKE_INSTALL_PREFIX}")
+else()
+  file(RELATIVE_PATH _pc_prefix "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
+  string(REGEX REPLACE "/$" "" _pc_prefix "\${pcfiledir}/${_pc_prefix}")
+endif()
+foreach(_dir LIBDIR INCLUDEDIR)
+  set(_pc_${_dir} "${CMAKE_INSTALL_${_dir}}")
+  if(NOT IS_ABSOLUTE "${_pc_${_dir}}")
+    string(PREPEND _pc_${_dir} "\${prefix}/")
+  endif()
+endforeach()
 configure_file(cmake/qblcore.pc.in qblcore.pc @ONLY)
 install(FILES "${CMAKE_BINARY_DIR}/QBLCoreConfig.cmake" "${CMAKE_BINARY_DIR}/QBLCoreConfigVersion.cmake"
   DESTINATION ${_cmakedir} COMPONENT development)
 install(FILES "${CMAKE_BINARY_DIR}/qblcore.pc"
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+# What has to be built for cmake --install.
+add_custom_target(installed DEPENDS QBLCore)

@@ -1,0 +1,18 @@
+# Every public header compiles alone: as C++ by CMake's own target
+# all_verify_interface_header_sets, and what ends in .h also as C, by qbl_headers_as_c.
+function(qbl_verify_headers_as_c library)
+  get_target_property(_headers ${library} HEADER_SET)
+  set(_sources)
+  foreach(_header IN LISTS _headers)
+    if(_header MATCHES "\\.h$")
+      file(RELATIVE_PATH _name "${CMAKE_SOURCE_DIR}" "${_header}")
+      set(_source "${CMAKE_BINARY_DIR}/headers_as_c/${_name}.c")
+      file(CONFIGURE OUTPUT "${_source}" CONTENT "#include \"${_name}\"\ntypedef int NotEmpty;\n" @ONLY)
+      list(APPEND _sources "${_source}")
+    endif()
+  endforeach()
+  add_library(qbl_headers_as_c OBJECT EXCLUDE_FROM_ALL ${_sources})
+  set_target_properties(qbl_headers_as_c PROPERTIES C_EXTENSIONS OFF)
+  target_include_directories(qbl_headers_as_c PRIVATE "${CMAKE_SOURCE_DIR}")
+  target_link_libraries(qbl_headers_as_c PRIVATE qbl_flags)
+endfunction()

@@ -1,0 +1,49 @@
+# shellcheck shell=bash
+# Sourced: configure, build and test the presets of CMakePresets.json.
+
+# configure PRESET: quiet, unless it fails. A cache that remembers what was missing before
+# setup, or what is gone since, is given up once.
+configure() {
+  local log=$root/build/$1/configure.log
+  mkdir -p "$root/build/$1"
+  (cd "$root" && cmake --preset "$1") >"$log" 2>&1 && return
+  (cd "$root" && cmake --fresh --preset "$1") >"$log" 2>&1 && return
+  tail -n 30 "$log" >&2
+  die "$1 cannot be configured: see above, or the whole of $log"
+}
+
+# build PRESET [TARGET...]
+build() {
+  local preset=$1
+  shift
+  configure "$preset"
+  (cd "$root" && cmake --build --preset "$preset" -j "$(nproc)" ${1:+--target "$@"})
+}
+
+# The thread sanitizer of this compiler knows the address layouts of up to 28 random bits.
+without_wide_aslr() {
+  local bits
+  bits=$(cat /proc/sys/vm/mmap_rnd_bits 2>/dev/null) || bits=28
+  if [ "$bits" -gt 28 ] && setarch -R true 2>/dev/null; then setarch -R "$@"; else "$@"; fi
+}
+
+# run_tests PRESET [CTEST-ARGUMENT...]: leaves the counts in build/PRESET/tests.xml.
+run_tests() {
+  local preset=$1 run=()
+  shift
+  [[ $preset != *tsan ]] || run=(without_wide_aslr)
+  rm -f "$root/build/$preset/tests.xml"
+  (cd "$root" && "${run[@]}" ctest --preset "$preset" -j "$(nproc)" \
+    --output-junit "$root/build/$preset/tests.xml" "$@")
+}
+
+# test_counts PRESET: "N of M tests passed", and how many were skipped.
+test_counts() {
+  local xml=$root/build/$1/tests.xml all failed skipped
+  [ -s "$xml" ] || { echo "the tests did not run"; return; }
+  all=$(junit_count tests "$xml")
+  failed=$(junit_count failures "$xml")
+  skipped=$(($(junit_count skipped "$xml") + $(junit_count disabled "$xml")))
+  echo "$((all - failed - skipped)) of $all tests passed$([ $skipped = 0 ] || echo ", $skipped skipped")"
+}
+junit_count() { grep -m1 -oE "\b$1=\"[0-9]+\"" "$2" | tr -dc '0-9'; }
