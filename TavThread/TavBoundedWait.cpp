@@ -12,11 +12,17 @@
 
 namespace {
 
-constexpr int kPauses = 40;  // between two looks at the count
-constexpr int kLooks = 50;
-constexpr int kYields = 8;
 constexpr int kTopScore = 8;
-constexpr std::int64_t kShortNs = 50000;  // a sleep this short would have been better spent looking
+constexpr int kTryScore = 4;  // of an attempt after some time without
+constexpr std::int64_t kPauseNsPerScore = 1200;
+constexpr int kPauses = 16;  // between two looks at the count
+constexpr int kYields = 3;
+// Short sleeps until the next attempt: after pausing, or yielding, in vain, and after a yield that
+// gave the processor to a busy thread for so long that a thousand short sleeps are cheaper.
+constexpr int kAfterMisses = -16;
+constexpr int kAfterLongYield = -4000;
+constexpr std::int64_t kLongYieldNs = 200000;
+constexpr std::int64_t kShortSleepNs = 50000;
 
 std::int64_t monotonicNs() {
     timespec now{};
@@ -39,22 +45,52 @@ bool severalProcessors() {
 
 bool take(TavSemaphore* s) { return sem_trywait(&s->native) == 0; }
 
-bool takeActively(TavSemaphore* s) {
-    for (int look = 0; look < kLooks; ++look) {
-        for (int i = 0; i < kPauses; ++i) __builtin_ia32_pause();
-        if (take(s)) return true;
-    }
-    for (int i = 0; i < kYields; ++i) {
-        sched_yield();
-        if (take(s)) return true;
-    }
-    return false;
+int scoreOf(const std::atomic<int>& score) { return score.load(std::memory_order_relaxed); }
+
+void setScore(std::atomic<int>& score, int to) {
+    if (scoreOf(score) != to) score.store(to, std::memory_order_relaxed);
 }
 
-void score(TavSemaphore* s, int by) {
-    int now = s->spinScore.load(std::memory_order_relaxed) + by;
-    now = now < 0 ? 0 : now > kTopScore ? kTopScore : now;
-    s->spinScore.store(now, std::memory_order_relaxed);
+void learn(std::atomic<int>& score, bool taken) {
+    const int now = scoreOf(score);
+    if (taken)
+        setScore(score, now < kTopScore ? now + 1 : kTopScore);
+    else
+        setScore(score, now > 2 ? now - 2 : kAfterMisses);
+}
+
+/// Brings the next attempt nearer.
+void learnFromShortSleep(std::atomic<int>& score) {
+    const int now = scoreOf(score);
+    if (now < 0) setScore(score, now == -1 ? kTryScore : now + 1);
+}
+
+/// Finds a post that comes from another processor within microseconds.
+bool takePausing(TavSemaphore* s) {
+    const int score = scoreOf(s->pauseScore);
+    if (score <= 0) return false;
+    bool taken = false;
+    for (const std::int64_t end = monotonicNs() + kPauseNsPerScore * score;
+         !taken && monotonicNs() < end; taken = take(s))
+        for (int i = 0; i < kPauses; ++i) __builtin_ia32_pause();
+    learn(s->pauseScore, taken);
+    return taken;
+}
+
+/// Finds a post by a thread that waits for this processor.
+bool takeYielding(TavSemaphore* s) {
+    if (scoreOf(s->yieldScore) <= 0) return false;
+    const std::int64_t start = monotonicNs();
+    bool taken = false;
+    for (int i = 0; i < kYields && !taken; ++i) {
+        sched_yield();
+        taken = take(s);
+    }
+    if (monotonicNs() - start > kLongYieldNs)
+        setScore(s->yieldScore, kAfterLongYield);
+    else
+        learn(s->yieldScore, taken);
+    return taken;
 }
 
 int takeAsleep(TavSemaphore* s, unsigned ms, std::int64_t start) {
@@ -79,15 +115,12 @@ extern "C" int tavXSemaphoreBoundedWait(TavSemaphore* s, unsigned ms) {
     if (take(s)) return TAVTHREAD_OK;
     if (ms == 0) return TAVTHREAD_TIMEOUT;
     const std::int64_t start = monotonicNs();
-    const bool looked = s->spinScore.load(std::memory_order_relaxed) > 0 && severalProcessors();
-    if (looked) {
-        if (takeActively(s)) {
-            score(s, 1);
-            return TAVTHREAD_OK;
-        }
-        score(s, -1);
-    }
+    if (severalProcessors() && (takePausing(s) || takeYielding(s))) return TAVTHREAD_OK;
+    const std::int64_t asleep = monotonicNs();
     const int err = takeAsleep(s, ms, start);
-    if (err == 0 && !looked && monotonicNs() - start < kShortNs) score(s, 1);
+    if (err == 0 && monotonicNs() - asleep < kShortSleepNs) {
+        learnFromShortSleep(s->pauseScore);
+        learnFromShortSleep(s->yieldScore);
+    }
     return tavThread_MapError(err);
 }

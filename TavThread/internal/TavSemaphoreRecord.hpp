@@ -11,8 +11,11 @@ enum TavSemaphoreFlags : unsigned { kTavSemaphoreInitialized = 1, kTavSemaphoreS
 
 struct TavSemaphore {
     sem_t native;
-    // How far looking actively has paid off lately; 0 sleeps at once. Only a hint.
-    std::atomic<int> spinScore{4};
+    // Whether it has paid off lately to look for a post before sleeping, by pausing and by
+    // yielding the processor: above 0 it is tried, below 0 counts up to the next attempt. Only
+    // hints, which may miss an update.
+    std::atomic<int> pauseScore{4};
+    std::atomic<int> yieldScore{4};
     unsigned flags = 0;
     void* traceObj = nullptr;
 };
