@@ -2,6 +2,7 @@
 
 #include "QBLCore/Threads/internal/QBLLayerResult.hpp"
 #include "TavThread/TavEvent.h"
+#include "TavThread/internal/TavEventRecord.hpp"
 
 namespace {
 
@@ -23,10 +24,12 @@ QBLThreadAutoResetEvent::QBLThreadAutoResetEvent(int signaled) : m_pEvent(nullpt
 
 QBLThreadAutoResetEvent::~QBLThreadAutoResetEvent() { tavXEventDestroy(m_pEvent); }
 
-void QBLThreadAutoResetEvent::wait() { settle(tavXEventWait(m_pEvent), QBL_HERE, kWait); }
-
-bool QBLThreadAutoResetEvent::timedWait(unsigned long ms) {
-    return settleTimed(tavXEventTimedWait(m_pEvent, layerTimeout(ms)), QBL_HERE, kTimedWait);
+void QBLThreadAutoResetEvent::wait() {
+    settle(tavEventWaitFast(m_pEvent, TAVTHREAD_INFINITE), QBL_HERE, kWait);
 }
 
-void QBLThreadAutoResetEvent::signal() { settle(tavXEventSignal(m_pEvent), QBL_HERE, kSignal); }
+bool QBLThreadAutoResetEvent::timedWait(unsigned long ms) {
+    return settleTimed(tavEventWaitFast(m_pEvent, layerTimeout(ms)), QBL_HERE, kTimedWait);
+}
+
+void QBLThreadAutoResetEvent::signal() { settle(tavEventSignalFast(m_pEvent), QBL_HERE, kSignal); }

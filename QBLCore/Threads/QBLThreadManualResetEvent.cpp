@@ -2,6 +2,7 @@
 
 #include "QBLCore/Threads/internal/QBLLayerResult.hpp"
 #include "TavThread/TavEvent.h"
+#include "TavThread/internal/TavEventRecord.hpp"
 
 namespace {
 
@@ -28,12 +29,16 @@ void QBLThreadManualResetEvent::initialize(int signaled) {
     m_pEvent = made;
 }
 
-void QBLThreadManualResetEvent::wait() { settle(tavXEventWait(m_pEvent), QBL_HERE, kWait); }
-
-bool QBLThreadManualResetEvent::timedWait(unsigned long ms) {
-    return settleTimed(tavXEventTimedWait(m_pEvent, layerTimeout(ms)), QBL_HERE, kTimedWait);
+void QBLThreadManualResetEvent::wait() {
+    settle(tavEventWaitFast(m_pEvent, TAVTHREAD_INFINITE), QBL_HERE, kWait);
 }
 
-void QBLThreadManualResetEvent::signal() { settle(tavXEventSignal(m_pEvent), QBL_HERE, kSignal); }
+bool QBLThreadManualResetEvent::timedWait(unsigned long ms) {
+    return settleTimed(tavEventWaitFast(m_pEvent, layerTimeout(ms)), QBL_HERE, kTimedWait);
+}
+
+void QBLThreadManualResetEvent::signal() {
+    settle(tavEventSignalFast(m_pEvent), QBL_HERE, kSignal);
+}
 
 void QBLThreadManualResetEvent::reset() { settle(tavXEventReset(m_pEvent), QBL_HERE, kReset); }

@@ -4,6 +4,7 @@
 
 #include "QBLCore/Threads/internal/QBLLayerResult.hpp"
 #include "TavThread/TavSemaphore.h"
+#include "TavThread/internal/TavSemaphoreRecord.hpp"
 
 namespace {
 
@@ -38,7 +39,7 @@ void QBLThreadSemaphore::initialize(unsigned long initial) {
 void QBLThreadSemaphore::wait() { settle(tavXSemaphoreWait(m_pSemaphore), QBL_HERE, kWait); }
 
 bool QBLThreadSemaphore::tryWait() {
-    return settleTry(tavXSemaphoreTryWait(m_pSemaphore), QBL_HERE, kTryWait);
+    return settleTry(tavSemaphoreTryWaitFast(m_pSemaphore), QBL_HERE, kTryWait);
 }
 
 bool QBLThreadSemaphore::timedWait(unsigned long ms) {
@@ -52,6 +53,6 @@ bool QBLThreadSemaphore::boundedWait(unsigned long ms) {
 }
 
 void QBLThreadSemaphore::post(int n) {
-    settle(n == 1 ? tavXSemaphorePost(m_pSemaphore) : tavXSemaphorePostN(m_pSemaphore, n), QBL_HERE,
-           kPost);
+    settle(n == 1 ? tavSemaphorePostFast(m_pSemaphore) : tavXSemaphorePostN(m_pSemaphore, n),
+           QBL_HERE, kPost);
 }
