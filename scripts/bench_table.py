@@ -1,0 +1,192 @@
+#!/usr/bin/env python3
+"""Measures the pairs of bench/pairs.txt and prints ours beside each yardstick.
+
+Each pair is measured in a process of its own, in which the repetitions of the two sides take
+turns; the figures are medians.
+"""
+import argparse
+import datetime
+import json
+import os
+import platform
+import re
+import statistics
+import subprocess
+import sys
+
+ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+BEGIN, END = "<!-- measured -->", "<!-- /measured -->"
+# What Google Benchmark appends to a name.
+SUFFIX = re.compile(r"(/real_time|/manual_time|/iterations:\d+)+$")
+
+
+class Row:
+    def __init__(self, line):
+        self.title, self.ours, self.peer, limit, clock = (part.strip() for part in line.split("|"))
+        number, _, self.unit = limit.partition(" ")
+        self.limit = None if number == "-" else float(number)
+        self.field = {"cpu": "cpu_time", "wall": "real_time"}[clock]
+
+    def names(self):
+        return tuple(side.partition(":")[0] for side in (self.ours, self.peer))
+
+    def value(self, runs, side):
+        """The median of a side, in its unit; None if it was not measured."""
+        name, _, counter = side.partition(":")
+        values = [run[counter or self.field] for run in runs.get(name, [])]
+        return statistics.median(values) if values else None
+
+    def target(self):
+        if self.limit is None:
+            return "-"
+        return f"{self.limit:g}" + (f" {self.unit}" if self.unit else "")
+
+
+def read_pairs(pattern):
+    with open(os.path.join(ROOT, "bench", "pairs.txt"), encoding="utf-8") as lines:
+        rows = [Row(line) for line in lines if line.strip() and not line.startswith("#")]
+    return [row for row in rows if re.search(pattern, " ".join((row.title, row.ours, row.peer)))]
+
+
+def measure(program, names, options):
+    """Runs the benchmarks of these names; a list of runs by name, without those that failed."""
+    present = subprocess.run([program, "--benchmark_list_tests"], check=True, text=True,
+                             stdout=subprocess.PIPE).stdout.split()
+    chosen = [name for name in present if SUFFIX.sub("", name) in names]
+    runs = {}
+    if not chosen:
+        return runs
+    out = subprocess.run(
+        [program, "--benchmark_filter=^(" + "|".join(map(re.escape, chosen)) + ")$",
+         f"--benchmark_repetitions={options.repetitions}", f"--benchmark_min_time={options.time}",
+         "--benchmark_enable_random_interleaving=true", "--benchmark_format=json"],
+        check=True, text=True, stdout=subprocess.PIPE, stderr=subprocess.PIPE).stdout
+    for run in json.loads(out)["benchmarks"]:
+        if run["run_type"] != "iteration":
+            continue
+        name = SUFFIX.sub("", run["run_name"])
+        if run.get("error_occurred"):
+            print(f"  {name}: {run['error_message']}", file=sys.stderr)
+        else:
+            runs.setdefault(name, []).append(run)
+    return runs
+
+
+def measure_all(rows, programs, options):
+    """Cells by row and width: ours, peer, ratio, verdict."""
+    cells, left_out = {}, []
+    for width, program in programs:
+        done = {}
+        for row in rows:
+            names = row.names()
+            if names not in done:
+                if options.progress:
+                    print(f"\r\033[K{width}: {names[0]}", end="", file=sys.stderr, flush=True)
+                done[names] = measure(program, names, options)
+            ours, peer = (row.value(done[names], side) for side in (row.ours, row.peer))
+            if ours is None or (peer is None and not row.unit):
+                missing = names[0] if ours is None else names[1]
+                left_out.append(f"{width}: {row.title}: left out, no {missing} here")
+                continue
+            ratio = None if peer is None else ours / peer
+            judged = ours if row.unit else ratio
+            verdict = "" if row.limit is None else "ok" if judged <= row.limit else "over"
+            cells[row, width] = (ours, peer, ratio, verdict)
+    if options.progress:
+        print("\r\033[K", end="", file=sys.stderr)
+    return cells, left_out
+
+
+def figure(row, value):
+    if value is None:
+        return "-"
+    unit = row.unit or "ns"
+    if unit == "ns" and value >= 10000:
+        value, unit = value / 1000, "us"
+    return f"{value:.{0 if value >= 1000 else 1 if value >= 10 else 2}f} {unit}"
+
+
+def table(rows, widths, cells):
+    head = ["pair", "at most"]
+    for width in widths:
+        head += [f"{width} ours", "peer", "ratio", ""]
+    lines = [head]
+    for row in rows:
+        line = [row.title, row.target()]
+        for width in widths:
+            if (row, width) in cells:
+                ours, peer, ratio, verdict = cells[row, width]
+                line += [figure(row, ours), figure(row, peer),
+                         "-" if ratio is None else f"{ratio:.2f}", verdict]
+            else:
+                line += ["", "", "", ""]
+        if any((row, width) in cells for width in widths):
+            lines.append(line)
+    return lines
+
+
+def machine():
+    model = platform.machine()
+    with open("/proc/cpuinfo", encoding="utf-8") as info:
+        for line in info:
+            if line.startswith("model name"):
+                model = line.partition(":")[2].strip()
+                break
+    system = platform.freedesktop_os_release().get("PRETTY_NAME", platform.system())
+    compiler = subprocess.run(["g++", "-dumpfullversion"], text=True, stdout=subprocess.PIPE,
+                              check=False).stdout.strip()
+    return [f"{len(os.sched_getaffinity(0))} processors, {model}",
+            f"{system}, Linux {platform.release().partition('-')[0]}, g++ {compiler}",
+            f"{datetime.date.today():%Y-%m-%d}, load {os.getloadavg()[0]:.1f} before the start"]
+
+
+def print_plain(lines):
+    widths = [max(len(line[i]) for line in lines) for i in range(len(lines[0]))]
+    for line in lines:
+        print("  ".join(text.ljust(width) if i == 0 else text.rjust(width)
+                        for i, (text, width) in enumerate(zip(line, widths))).rstrip())
+
+
+def write_markdown(path, about, lines, left_out):
+    """Replaces what stands between the marks of a page."""
+    with open(path, encoding="utf-8") as page:
+        before, found, rest = page.read().partition(BEGIN)
+    _, closed, after = rest.partition(END)
+    if not found or not closed:
+        raise SystemExit(f"{path} has no marks {BEGIN} and {END}")
+    body = [f"- {line}" for line in about] + [""]
+    rule = ["---"] + ["--:"] * (len(lines[0]) - 1)
+    body += ["| " + " | ".join(line) + " |" for line in [lines[0], rule] + lines[1:]]
+    body += [""] + [f"- {line}" for line in left_out] if left_out else []
+    with open(path, "w", encoding="utf-8") as page:
+        page.write(before + BEGIN + "\n" + "\n".join(body) + "\n" + END + after)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.partition("\n")[0])
+    parser.add_argument("programs", nargs="+", metavar="WIDTH=PROGRAM")
+    parser.add_argument("--filter", default="", help="only rows that contain this expression")
+    parser.add_argument("--repetitions", type=int, default=5)
+    parser.add_argument("--time", type=float, default=0.2, help="least seconds per repetition")
+    parser.add_argument("--markdown", metavar="PAGE", help="also write the table into this page")
+    options = parser.parse_args()
+    options.progress = sys.stderr.isatty()
+    rows = read_pairs(options.filter)
+    if not rows:
+        raise SystemExit(f"no pair contains '{options.filter}'")
+    programs = [program.split("=", 1) for program in options.programs]
+    about = machine()
+    cells, left_out = measure_all(rows, programs, options)
+    lines = table(rows, [width for width, _ in programs], cells)
+    print("\n".join(about) + "\n")
+    print_plain(lines)
+    if left_out:
+        print("\n" + "\n".join(left_out))
+    over = sum(cell[3] == "over" for cell in cells.values())
+    print(f"\n{len(cells)} figures, {over} over their limit")
+    if options.markdown:
+        write_markdown(options.markdown, about, lines, left_out)
+
+
+if __name__ == "__main__":
+    main()
