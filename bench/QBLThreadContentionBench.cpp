@@ -63,9 +63,11 @@ private:
     }
 
     const Pinned m_here{0};
-    Lock m_lock;
-    int m_iCount = 0;             // guarded by m_lock during a round
-    std::atomic<int> m_iGoal{0};  // 0 between rounds, -1 ends the rival
+    // Each on a cache line of its own: what is compared is the lock, wherever it keeps its word,
+    // and not how near that is to the data.
+    alignas(64) Lock m_lock;
+    alignas(64) int m_iCount = 0;             // guarded by m_lock during a round
+    alignas(64) std::atomic<int> m_iGoal{0};  // 0 between rounds, -1 ends the rival
     std::atomic<bool> m_bRivalDone{false};
     std::atomic<int> m_iPinned{0};
     std::thread m_rival;  // last: it uses the others
