@@ -30,21 +30,6 @@ std::int64_t monotonicNs() {
     return static_cast<std::int64_t>(now.tv_sec) * 1000000000 + now.tv_nsec;
 }
 
-/// Whoever posts needs a processor of its own while we look.
-bool severalProcessors() {
-    static std::atomic<int> s_known{0};
-    int known = s_known.load(std::memory_order_relaxed);
-    if (known == 0) {
-        cpu_set_t set;
-        const bool several = sched_getaffinity(0, sizeof set, &set) != 0 || CPU_COUNT(&set) > 1;
-        known = several ? 2 : 1;
-        s_known.store(known, std::memory_order_relaxed);
-    }
-    return known == 2;
-}
-
-bool take(TavSemaphore* s) { return sem_trywait(&s->native) == 0; }
-
 int scoreOf(const std::atomic<int>& score) { return score.load(std::memory_order_relaxed); }
 
 void setScore(std::atomic<int>& score, int to) {
@@ -71,7 +56,7 @@ bool takePausing(TavSemaphore* s) {
     if (score <= 0) return false;
     bool taken = false;
     for (const std::int64_t end = monotonicNs() + kPauseNsPerScore * score;
-         !taken && monotonicNs() < end; taken = take(s))
+         !taken && monotonicNs() < end; taken = tavSemaphoreTakePlain(s))
         for (int i = 0; i < kPauses; ++i) __builtin_ia32_pause();
     learn(s->pauseScore, taken);
     return taken;
@@ -84,7 +69,7 @@ bool takeYielding(TavSemaphore* s) {
     bool taken = false;
     for (int i = 0; i < kYields && !taken; ++i) {
         sched_yield();
-        taken = take(s);
+        taken = tavSemaphoreTakePlain(s);
     }
     if (monotonicNs() - start > kLongYieldNs)
         setScore(s->yieldScore, kAfterLongYield);
@@ -112,10 +97,10 @@ int takeAsleep(TavSemaphore* s, unsigned ms, std::int64_t start) {
 
 extern "C" int tavXSemaphoreBoundedWait(TavSemaphore* s, unsigned ms) {
     if (s == nullptr) return TAVTHREAD_INVALID;
-    if (take(s)) return TAVTHREAD_OK;
+    if (tavSemaphoreTakePlain(s)) return TAVTHREAD_OK;
     if (ms == 0) return TAVTHREAD_TIMEOUT;
     const std::int64_t start = monotonicNs();
-    if (severalProcessors() && (takePausing(s) || takeYielding(s))) return TAVTHREAD_OK;
+    if (tavSeveralProcessors() && (takePausing(s) || takeYielding(s))) return TAVTHREAD_OK;
     const std::int64_t asleep = monotonicNs();
     const int err = takeAsleep(s, ms, start);
     if (err == 0 && monotonicNs() - asleep < kShortSleepNs) {

@@ -46,21 +46,31 @@ void trace(TavEvent** out, unsigned flags, const TavAttributes& attrs, va_list l
 
 }  // namespace
 
-int tavEventWaitHeld(TavEvent* e, unsigned ms) {
-    TavHold hold(e->mutex, std::adopt_lock);
-    while ((e->flags & kTavEventSignaled) == 0) {
+int tavEventWaitGeneral(TavEvent* e, unsigned ms) {
+    if (e == nullptr) return TAVTHREAD_INVALID;
+    TavHold hold(e->mutex);
+    struct Mark {
+        TavEvent* event;
+        explicit Mark(TavEvent* of) : event(of) { event->flags.fetch_or(kTavEventWaitedFor); }
+        ~Mark() {
+            if (event->waiters == 0) event->flags.fetch_and(~kTavEventWaitedFor);
+        }
+    } mark(e);
+    while (!tavEventTake(e)) {
         TavCounted waiting(e->waiters);
         const int rc = tavWaitOn(&e->condition, &e->mutex, ms);
         // A signal that arrives with the end of the time stays for the next waiter.
         if (rc != TAVTHREAD_OK) return rc;
     }
-    if ((e->flags & kTavEventManualReset) == 0) e->flags &= ~kTavEventSignaled;
     return TAVTHREAD_OK;
 }
 
-int tavEventSignalHeld(TavEvent* e) {
-    TavHold hold(e->mutex, std::adopt_lock);
-    return tavThread_MapError((e->flags & kTavEventManualReset) != 0
+int tavEventSignalGeneral(TavEvent* e) {
+    if (e == nullptr) return TAVTHREAD_INVALID;
+    TavHold hold(e->mutex);
+    const unsigned flags = e->flags.fetch_or(kTavEventSignaled, std::memory_order_release);
+    if (e->waiters == 0) return TAVTHREAD_OK;
+    return tavThread_MapError((flags & kTavEventManualReset) != 0
                                   ? pthread_cond_broadcast(&e->condition)
                                   : pthread_cond_signal(&e->condition));
 }

@@ -14,6 +14,8 @@ constexpr TavAttrTag kTags[] = {TAV_BASIC_ATTR_TAGS,
                                 {"Recursive", " RECURSIVE", TavAttrValue::None},
                                 {"TrackOwner", " TRACK OWNER", TavAttrValue::None},
                                 {"Flag6", nullptr, TavAttrValue::None}};
+constexpr int kLooks = 10;  // at a mutex that is taken
+constexpr int kPauses = 4;  // before each
 constexpr TavAttrKind kKind = {"TavMutexAttr", kTags, 7};
 
 TavRecursiveMutex* recursive(TavMutex* m) {
@@ -74,6 +76,17 @@ bool reentered(TavMutex* m, int& rc) {
     return true;
 }
 
+/// Waits a little, awake, for a holder on another processor: most hold a mutex for less time than
+/// going to sleep and waking up takes.
+bool tookFromHolder(TavMutex* m) {
+    if (!tavSeveralProcessors()) return false;
+    for (int i = 0; i < kLooks; ++i) {
+        for (int j = 0; j < kPauses; ++j) __builtin_ia32_pause();
+        if (pthread_mutex_trylock(&m->native) == 0) return true;
+    }
+    return false;
+}
+
 /// Notes the new holder of a mutex just taken.
 int taken(TavMutex* m, const char* file, int line) {
     if (TavRecursiveMutex* r = recursive(m)) {
@@ -91,8 +104,9 @@ int tavMutexLockGeneral(TavMutex* m, const char* file, int line) {
     if (m == nullptr) return TAVTHREAD_INVALID;
     int rc;
     if (reentered(m, rc)) return rc;
-    if (const int err = tavRetry([m] { return pthread_mutex_lock(&m->native); }))
-        return tavThread_MapError(err);
+    if (!tookFromHolder(m))
+        if (const int err = tavRetry([m] { return pthread_mutex_lock(&m->native); }))
+            return tavThread_MapError(err);
     return taken(m, file, line);
 }
 

@@ -1,7 +1,9 @@
 #include "TavThread/internal/TavSystem.hpp"
 
+#include <sched.h>
 #include <sys/time.h>
 
+#include <atomic>
 #include <cstdint>
 #include <ctime>
 #include <limits>
@@ -34,4 +36,16 @@ int tavWaitOn(pthread_cond_t* condition, pthread_mutex_t* mutex, unsigned ms) {
     const int rc = tavThread_MapError(
         tavRetry([&] { return pthread_cond_timedwait(condition, mutex, &deadline); }));
     return rc == TAVTHREAD_BUSY ? TAVTHREAD_TIMEOUT : rc;
+}
+
+bool tavSeveralProcessors() {
+    static std::atomic<int> s_known{0};
+    int known = s_known.load(std::memory_order_relaxed);
+    if (known == 0) {
+        cpu_set_t set;
+        const bool several = sched_getaffinity(0, sizeof set, &set) != 0 || CPU_COUNT(&set) > 1;
+        known = several ? 2 : 1;
+        s_known.store(known, std::memory_order_relaxed);
+    }
+    return known == 2;
 }

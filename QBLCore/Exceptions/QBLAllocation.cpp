@@ -8,8 +8,7 @@
 #include "QBLCore/Exceptions/QBLUnknownError.hpp"
 #include "TavThread/internal/TavContain.hpp"
 
-TAV_CATCHES_UNWINDING void qblRethrowTranslated(const QBLFileLocation& where,
-                                                  const char* detail) {
+TAV_CATCHES_UNWINDING void qblRethrowTranslated(const QBLFileLocation& where, const char* detail) {
     try {
         throw;
     } catch (abi::__forced_unwind&) {

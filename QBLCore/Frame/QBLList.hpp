@@ -70,6 +70,13 @@ public:
         return last;
     }
     void clear() { erase(begin(), end()); }
+    /// Moves the first element of another list to the end of this one, without allocating; from an
+    /// empty list nothing.
+    void splice_back(QBLList& other) {
+        iterator first = other.begin(), last = end();
+        QBLListNode<T>* node = other._erase(first);
+        if (node != nullptr) _insert(last, static_cast<QBLListDataNode<T>*>(node));
+    }
 
     /// The value at position n, counted from 0.
     /// An n past the end gives the value that the cursor stands on, whatever it is; an empty

@@ -32,7 +32,7 @@ public:
         if (m_free != nullptr && !m_free->boundedWait(timeout)) return false;
         try {
             QBLThreadGuard guard(m_items);
-            (*m_items).push_back(item);
+            append(item);
             try {
                 m_available.post();
             } catch (...) {
@@ -55,7 +55,7 @@ public:
             QBLThreadGuard guard(m_items);
             taken = !(*m_items).empty();
             item = taken ? (*m_items).front() : T();
-            (*m_items).pop_front();
+            removeFront();
         }
         if (taken && m_free != nullptr) m_free->post();
         return true;
@@ -83,9 +83,31 @@ public:
     }
 
 private:
+    static constexpr unsigned int kMostSpares = 64;
+
+    // Items and their removal mostly reuse a node, so that no memory goes to and fro between the
+    // threads that put and those that get.
+    void append(const T& item) QBL_REQUIRES(m_items) {
+        if (m_spares.empty()) {
+            (*m_items).push_back(item);
+        } else {
+            m_spares.front() = item;
+            (*m_items).splice_back(m_spares);
+        }
+    }
+    void removeFront() QBL_REQUIRES(m_items) {
+        if (m_spares.size() == kMostSpares || (*m_items).empty()) {
+            (*m_items).pop_front();
+        } else {
+            (*m_items).front() = T();
+            m_spares.splice_back(*m_items);
+        }
+    }
+
     QBLThreadMonitor<QBLThreadMutex, QBLList<T>> m_items;
     QBLThreadSemaphore m_available;              // posted once per item
     std::unique_ptr<QBLThreadSemaphore> m_free;  // null when unbounded
+    QBLList<T> m_spares QBL_GUARDED_BY(m_items);
 };
 
 #endif

@@ -13,6 +13,9 @@ namespace {
 
 const char kStopped[] = "QBLThreadPoolVariable::execute: attempted to execute while shutting down";
 
+/// Looks at the counts before a worker is made; a few microseconds.
+const int kPatience = 100;
+
 }  // namespace
 
 class QBLThreadPoolVariable::WorkerThread : public QBLThread {
@@ -114,12 +117,7 @@ int QBLThreadPoolVariable::execute(QBLThreadRunnable* task, unsigned long timeou
         taskDone();
         return 0;
     }
-    bool needsWorker = false;
-    {
-        QBLThreadGuard guard(m_mutex);
-        needsWorker = m_taskCount > m_workerCount;
-    }
-    if (!needsWorker) return 1;
+    if (!needsWorker()) return 1;
     try {
         addWorker();
     } catch (...) {
@@ -132,6 +130,16 @@ int QBLThreadPoolVariable::execute(QBLThreadRunnable* task, unsigned long timeou
     }
     return 1;
     QBL_ALLOC_CATCH
+}
+
+// Whether tasks outnumber the workers, and still do after a moment: to make a thread takes longer
+// than most short tasks, so that it pays to see whether a worker comes free instead.
+bool QBLThreadPoolVariable::needsWorker() const {
+    for (int look = 0; m_taskCount.load() > m_workerCount.load(); ++look) {
+        if (look == kPatience) return true;
+        __builtin_ia32_pause();
+    }
+    return false;
 }
 
 unsigned long QBLThreadPoolVariable::getWorkerCount() const {

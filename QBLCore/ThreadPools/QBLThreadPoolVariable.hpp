@@ -37,13 +37,15 @@ public:
 private:
     class WorkerThread;
 
+    bool needsWorker() const;
     void addWorker();
     bool leave(WorkerThread* worker, bool mayStay);
     void taskDone();
     void reap(bool all);
 
-    unsigned int m_workerCount;  // guarded by m_mutex
-    unsigned int m_taskCount;    // accepted and not yet run to the end; guarded by m_mutex
+    // The counts change under m_mutex only; a look at them needs no lock.
+    std::atomic<unsigned int> m_workerCount;
+    std::atomic<unsigned int> m_taskCount;  // accepted and not yet run to the end
     const unsigned long m_defaultTimeout;
     const unsigned long m_idleTimeout;
     const unsigned long m_permanentWorkers;

@@ -26,10 +26,10 @@ public:
 protected:
     QBLThreadCriticalSection(int trackOwner, bool recursive);
 
+    TavMutex* m_pMutex;
+
 private:
     friend class QBLThreadConditionVariable;
-
-    TavMutex* m_pMutex;
 };
 
 #endif

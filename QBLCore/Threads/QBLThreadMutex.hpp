@@ -33,10 +33,10 @@ public:
 protected:
     QBLThreadMutex(int trackOwner, bool recursive);
 
+    TavMutex* m_pMutex;
+
 private:
     friend class QBLThreadConditionVariable;
-
-    TavMutex* m_pMutex;
 };
 
 #endif

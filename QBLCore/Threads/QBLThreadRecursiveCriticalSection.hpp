@@ -11,6 +11,9 @@ class QBL_API QBL_CAPABILITY("mutex") QBLThreadRecursiveCriticalSection
 public:
     explicit QBLThreadRecursiveCriticalSection(int trackOwner = 0);
     ~QBLThreadRecursiveCriticalSection() override;
+
+    void lock() override QBL_ACQUIRE();
+    void unlock() override QBL_RELEASE();
 };
 
 #endif

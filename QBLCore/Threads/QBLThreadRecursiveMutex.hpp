@@ -10,6 +10,9 @@ class QBL_API QBL_CAPABILITY("mutex") QBLThreadRecursiveMutex : public QBLThread
 public:
     explicit QBLThreadRecursiveMutex(int trackOwner = 0);
     ~QBLThreadRecursiveMutex() override;
+
+    void lock() override QBL_ACQUIRE();
+    void unlock() override QBL_RELEASE();
 };
 
 #endif

@@ -48,6 +48,7 @@ bool QBLThreadSemaphore::timedWait(unsigned long ms) {
 }
 
 bool QBLThreadSemaphore::boundedWait(unsigned long ms) {
+    if (tavSemaphoreTakePlain(m_pSemaphore)) return true;
     return settleTimed(tavXSemaphoreBoundedWait(m_pSemaphore, layerTimeout(ms)), QBL_HERE,
                        kBoundedWait);
 }

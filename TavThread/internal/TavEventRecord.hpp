@@ -3,40 +3,57 @@
 
 #include <pthread.h>
 
+#include <atomic>
+
 #include "TavThread/TavEvent.h"
 
-enum TavEventFlags : unsigned { kTavEventManualReset = 1, kTavEventSignaled = 2 };
+enum TavEventFlags : unsigned {
+    kTavEventManualReset = 1,
+    kTavEventSignaled = 2,
+    kTavEventWaitedFor = 4  // changes under the mutex only
+};
 
+/// While nobody waits the flags are all there is to the event, and change without the mutex. Once
+/// the waited-for mark is set a signal is given under the mutex, which a waiter holds when it looks
+/// for one: so none is lost, and a waiter that returns has nobody behind it still at work.
 struct TavEvent {
     pthread_mutex_t mutex;
     pthread_cond_t condition;
-    int waiters = 0;     // guarded by mutex
-    unsigned flags = 0;  // guarded by mutex
+    int waiters = 0;  // guarded by mutex
+    std::atomic<unsigned> flags{0};
 };
 
-/// The rest of a wait and of a signal when they have more to do. Requires: the mutex is held; it
-/// is released.
-int tavEventWaitHeld(TavEvent* e, unsigned ms);
-int tavEventSignalHeld(TavEvent* e);
+int tavEventWaitGeneral(TavEvent* e, unsigned ms);
+int tavEventSignalGeneral(TavEvent* e);
 
-/// tavXEventTimedWait at the cost of the POSIX mutex if the event is signalled.
-inline int tavEventWaitFast(TavEvent* e, unsigned ms) {
-    if (e == nullptr) return TAVTHREAD_INVALID;
-    pthread_mutex_lock(&e->mutex);
-    if ((e->flags & kTavEventSignaled) == 0) return tavEventWaitHeld(e, ms);
-    if ((e->flags & kTavEventManualReset) == 0) e->flags &= ~kTavEventSignaled;
-    pthread_mutex_unlock(&e->mutex);
-    return TAVTHREAD_OK;
+/// Consumes the signal, if there is one, as the event's kind says.
+inline bool tavEventTake(TavEvent* e) {
+    unsigned flags = e->flags.load(std::memory_order_acquire);
+    while ((flags & kTavEventSignaled) != 0) {
+        if ((flags & kTavEventManualReset) != 0 ||
+            e->flags.compare_exchange_weak(flags, flags & ~kTavEventSignaled,
+                                           std::memory_order_acquire))
+            return true;
+    }
+    return false;
 }
 
-/// tavXEventSignal at the cost of the POSIX mutex if nobody waits.
+/// tavXEventTimedWait at the cost of one atomic operation if the event is signalled.
+inline int tavEventWaitFast(TavEvent* e, unsigned ms) {
+    return e != nullptr && tavEventTake(e) ? TAVTHREAD_OK : tavEventWaitGeneral(e, ms);
+}
+
+/// tavXEventSignal at the cost of one atomic operation if nobody waits.
 inline int tavEventSignalFast(TavEvent* e) {
-    if (e == nullptr) return TAVTHREAD_INVALID;
-    pthread_mutex_lock(&e->mutex);
-    e->flags |= kTavEventSignaled;
-    if (e->waiters != 0) return tavEventSignalHeld(e);
-    pthread_mutex_unlock(&e->mutex);
-    return TAVTHREAD_OK;
+    if (e != nullptr) {
+        unsigned flags = e->flags.load(std::memory_order_relaxed);
+        while ((flags & kTavEventWaitedFor) == 0)
+            if (e->flags.compare_exchange_weak(flags, flags | kTavEventSignaled,
+                                               std::memory_order_release,
+                                               std::memory_order_relaxed))
+                return TAVTHREAD_OK;
+    }
+    return tavEventSignalGeneral(e);
 }
 
 #endif

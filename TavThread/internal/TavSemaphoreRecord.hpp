@@ -23,9 +23,12 @@ struct TavSemaphore {
 int tavSemaphoreTryWaitGeneral(TavSemaphore* s);
 int tavSemaphorePostGeneral(TavSemaphore* s);
 
+/// Takes a count if there is one.
+inline bool tavSemaphoreTakePlain(TavSemaphore* s) { return sem_trywait(&s->native) == 0; }
+
 /// tavXSemaphoreTryWait at the cost of the POSIX call when there is a count to take.
 inline int tavSemaphoreTryWaitFast(TavSemaphore* s) {
-    if (s != nullptr && sem_trywait(&s->native) == 0) return TAVTHREAD_OK;
+    if (s != nullptr && tavSemaphoreTakePlain(s)) return TAVTHREAD_OK;
     return tavSemaphoreTryWaitGeneral(s);
 }
 

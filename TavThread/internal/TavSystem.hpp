@@ -30,6 +30,10 @@ int tavRetryErrno(Call call) {
 /// Sleeps the whole time, whatever signals arrive.
 void tavSleepMs(unsigned ms);
 
+/// Whether the threads of the process can run at the same time: only then is it of any use to wait
+/// for another one without sleeping. Asked of the system once.
+bool tavSeveralProcessors();
+
 /// Waits on the condition, up to ms milliseconds of the time-of-day clock; returns a result code.
 int tavWaitOn(pthread_cond_t* condition, pthread_mutex_t* mutex, unsigned ms);
 
