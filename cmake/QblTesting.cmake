@@ -8,13 +8,6 @@ foreach(_t gtest gtest_main)
 endforeach()
 include(GoogleTest)
 
-# Tests also take locks in every wrong way, and compare counts with differences of iterators.
-add_library(qbl_test_flags INTERFACE)
-if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
-  target_compile_options(qbl_test_flags INTERFACE
-    -Wno-thread-safety -Wno-sign-conversion -Wno-gnu-zero-variadic-macro-arguments)
-endif()
-
 # qbl_add_test(NAME LABEL SOURCE...): one executable, each of its cases a test of its own.
 function(qbl_add_test name label)
   add_executable(${name} ${ARGN})
