@@ -47,7 +47,7 @@ try_install() {
 apt_install() { try_install "$@" || { apt_update && try_install "$@"; }; }
 
 add_i386() {
-  dpkg --print-foreign-architectures | grep -qx i386 && return
+  grep -qx i386 < <(dpkg --print-foreign-architectures) && return
   say "adding the i386 architecture"
   "${as_root[@]}" dpkg --add-architecture i386 || return 1
   updated=0
