@@ -30,6 +30,38 @@ std::int64_t monotonicNs() {
     return static_cast<std::int64_t>(now.tv_sec) * 1000000000 + now.tv_nsec;
 }
 
+/// A waiter that looks for a post, which posts may be promised to until it has taken one or left.
+class Looker {
+public:
+    explicit Looker(TavSemaphore* s) : m_semaphore(s) {
+        s->looking.fetch_add(kTavLooker, std::memory_order_relaxed);
+    }
+    Looker(const Looker&) = delete;
+    Looker& operator=(const Looker&) = delete;
+
+    /// @return true if it has taken a post, and with it left.
+    bool look() {
+        if (tavSemaphoreTakePromise(m_semaphore, kTavLooker + 1)) return true;
+        if (sem_trywait(&m_semaphore->native) != 0) return false;
+        if (leave()) sem_post(&m_semaphore->native);  // one too many
+        return true;
+    }
+    /// @return true if it had to take a post that it was promised.
+    bool leave() {
+        std::uint32_t looking = m_semaphore->looking.load(std::memory_order_relaxed);
+        for (;;) {
+            const bool promised = tavPromises(looking) != 0;
+            const std::uint32_t left = looking - kTavLooker - (promised ? 1 : 0);
+            if (m_semaphore->looking.compare_exchange_weak(looking, left, std::memory_order_acquire,
+                                                           std::memory_order_relaxed))
+                return promised;
+        }
+    }
+
+private:
+    TavSemaphore* m_semaphore;
+};
+
 int scoreOf(const std::atomic<int>& score) { return score.load(std::memory_order_relaxed); }
 
 void setScore(std::atomic<int>& score, int to) {
@@ -51,31 +83,38 @@ void learnFromShortSleep(std::atomic<int>& score) {
 }
 
 /// Finds a post that comes from another processor within microseconds.
-bool takePausing(TavSemaphore* s) {
+bool takePausing(TavSemaphore* s, Looker& looker) {
     const int score = scoreOf(s->pauseScore);
     if (score <= 0) return false;
     bool taken = false;
     for (const std::int64_t end = monotonicNs() + kPauseNsPerScore * score;
-         !taken && monotonicNs() < end; taken = tavSemaphoreTakePlain(s))
+         !taken && monotonicNs() < end; taken = looker.look())
         for (int i = 0; i < kPauses; ++i) __builtin_ia32_pause();
     learn(s->pauseScore, taken);
     return taken;
 }
 
 /// Finds a post by a thread that waits for this processor.
-bool takeYielding(TavSemaphore* s) {
+bool takeYielding(TavSemaphore* s, Looker& looker) {
     if (scoreOf(s->yieldScore) <= 0) return false;
     const std::int64_t start = monotonicNs();
     bool taken = false;
     for (int i = 0; i < kYields && !taken; ++i) {
         sched_yield();
-        taken = tavSemaphoreTakePlain(s);
+        taken = looker.look();
     }
     if (monotonicNs() - start > kLongYieldNs)
         setScore(s->yieldScore, kAfterLongYield);
     else
         learn(s->yieldScore, taken);
     return taken;
+}
+
+bool takeAwake(TavSemaphore* s) {
+    if (!tavSeveralProcessors()) return false;
+    if (scoreOf(s->pauseScore) <= 0 && scoreOf(s->yieldScore) <= 0) return false;
+    Looker looker(s);
+    return takePausing(s, looker) || takeYielding(s, looker) || looker.leave();
 }
 
 int takeAsleep(TavSemaphore* s, unsigned ms, std::int64_t start) {
@@ -100,7 +139,7 @@ extern "C" int tavXSemaphoreBoundedWait(TavSemaphore* s, unsigned ms) {
     if (tavSemaphoreTakePlain(s)) return TAVTHREAD_OK;
     if (ms == 0) return TAVTHREAD_TIMEOUT;
     const std::int64_t start = monotonicNs();
-    if (tavSeveralProcessors() && (takePausing(s) || takeYielding(s))) return TAVTHREAD_OK;
+    if (takeAwake(s)) return TAVTHREAD_OK;
     const std::int64_t asleep = monotonicNs();
     const int err = takeAsleep(s, ms, start);
     if (err == 0 && monotonicNs() - asleep < kShortSleepNs) {

@@ -8,13 +8,13 @@
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/ThreadPools/internal/QBLTaskRun.hpp"
 #include "QBLCore/Threads/QBLThread.hpp"
+#include "QBLCore/Utility/QBLHighResolutionTime.hpp"
 
 namespace {
 
 const char kStopped[] = "QBLThreadPoolVariable::execute: attempted to execute while shutting down";
 
-/// Looks at the counts before a worker is made; a few microseconds.
-const int kPatience = 100;
+const std::int64_t kPatienceNs = 50000;
 
 }  // namespace
 
@@ -132,14 +132,17 @@ int QBLThreadPoolVariable::execute(QBLThreadRunnable* task, unsigned long timeou
     QBL_ALLOC_CATCH
 }
 
-// Whether tasks outnumber the workers, and still do after a moment: to make a thread takes longer
-// than most short tasks, so that it pays to see whether a worker comes free instead.
+// Whether tasks outnumber the workers, and still do after about the time that a new thread takes
+// to come up: by then a worker may have come free, as it does when tasks are short.
 bool QBLThreadPoolVariable::needsWorker() const {
-    for (int look = 0; m_taskCount.load() > m_workerCount.load(); ++look) {
-        if (look == kPatience) return true;
-        __builtin_ia32_pause();
+    const auto outnumbered = [this] { return m_taskCount.load() > m_workerCount.load(); };
+    if (!outnumbered()) return false;
+    const std::int64_t end = QBLHighResolutionTime::now() + kPatienceNs;
+    while (QBLHighResolutionTime::now() < end) {
+        QBLThread::yield();
+        if (!outnumbered()) return false;
     }
-    return false;
+    return true;
 }
 
 unsigned long QBLThreadPoolVariable::getWorkerCount() const {
