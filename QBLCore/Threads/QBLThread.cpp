@@ -46,7 +46,11 @@ struct CurrentThread {
     }
     QBLThread* get() {
         QBLThreadGuard guard(lock);
-        return open ? static_cast<QBLThread*>(key->getValue()) : nullptr;
+        return key != nullptr ? static_cast<QBLThread*>(key->getValue()) : nullptr;
+    }
+    bool isOpen() {
+        QBLThreadGuard guard(lock);
+        return open;
     }
 };
 
@@ -59,7 +63,11 @@ QBLThread::~QBLThread() {
     TavThread* thread = m_pThread.load();
     if (thread == nullptr) return;
     try {
-        if (thread != tavThreadPeek()) join();
+        if (CurrentThread::instance().get() == this) {
+            CurrentThread::instance().set(nullptr);  // execute() then knows that the object is gone
+        } else {
+            join();
+        }
     } catch (...) {
         // The thread is lost; letting go of its record is all that is left to do.
     }
@@ -126,6 +134,7 @@ void QBLThread::sleep(unsigned long ms) {
 
 int QBLThread::atExit(void (*routine)(), int set) {
     if (set != 0 && routine == nullptr) return -1;
+    if (!CurrentThread::instance().isOpen()) return -1;
     QBLThread* thread = CurrentThread::instance().get();
     if (thread == nullptr) return -1;
     thread->m_pAtExit = set != 0 ? routine : nullptr;
@@ -164,11 +173,14 @@ void QBLThread::execute() {
     // start() stores the same, maybe later than the thread asks for it.
     m_pThread.store(tavXThreadSelf());
     if (!tavContain([this] { CurrentThread::instance().set(this); })) return;
+    // Also when run() ends the thread from within, but not when it has destroyed the object.
     struct Exit {
-        QBLThread& thread;
+        QBLThread* thread;
         ~Exit() {
-            if (thread.m_pAtExit != nullptr) tavContain(thread.m_pAtExit);
+            void (*routine)() = nullptr;
+            if (CurrentThread::instance().get() == thread) routine = thread->m_pAtExit;
+            if (routine != nullptr) tavContain(routine);
         }
-    } exit{*this};  // also when run() ends the thread from within
+    } exit{this};
     tavContain([this] { m_pRunnable != nullptr ? m_pRunnable->run() : run(); });
 }

@@ -144,6 +144,20 @@ TEST_F(QBLThreadTest, RefusesToJoinItselfAndReportsFailedStarts) {
     EXPECT_FALSE(never.isAlive());
 }
 
+TEST_F(QBLThreadTest, MayBeDestroyedByItsOwnRunnable) {
+    QBLThread* thread = nullptr;
+    Gate ready, gone;
+    Job job([&] {
+        ready.wait();
+        delete thread;
+        gone.open();
+    });
+    thread = new QBLThread(&job);
+    thread->start();
+    ready.open();
+    EXPECT_TRUE(gone.wait());
+}
+
 TEST(QBLThreadStoppedTest, CannotStartWithoutTheLibrary) {
     QBLThread thread;
     QBL_EXPECT_THROW(thread.start(), QBLThreadResourceError,
