@@ -1,12 +1,20 @@
 # shellcheck shell=bash
 # Sourced: configure, build and test the presets of CMakePresets.json.
 
-# configure PRESET: quiet, unless it fails. A cache that remembers what was missing before
-# setup, or what is gone since, is given up once.
+# What a cache remembers of the machine and cannot find out to be wrong.
+surroundings() {
+  command -v ccache
+  find "$root/.deps/i386" -maxdepth 1 -name '.have-*' 2>/dev/null | sort
+}
+
+# configure PRESET: quiet, unless it fails. A cache from other surroundings is given up, and so is
+# one that fails, because it may remember what was missing before setup.
 configure() {
-  local log=$root/build/$1/configure.log
+  local log=$root/build/$1/configure.log seen=$root/build/$1/surroundings how=()
   mkdir -p "$root/build/$1"
-  (cd "$root" && cmake --preset "$1") >"$log" 2>&1 && return
+  [ ! -e "$seen" ] || [ "$(surroundings)" = "$(cat "$seen")" ] || how=(--fresh)
+  surroundings >"$seen"
+  (cd "$root" && cmake "${how[@]}" --preset "$1") >"$log" 2>&1 && return
   (cd "$root" && cmake --fresh --preset "$1") >"$log" 2>&1 && return
   tail -n 30 "$log" >&2
   die "$1 cannot be configured: see above, or the whole of $log"
