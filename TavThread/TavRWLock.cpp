@@ -164,7 +164,7 @@ int tavXRWLockCreate(TavRWLock** out, ...) {
     va_copy(again, list);
     if (out != nullptr) *out = nullptr;
     const int rc = create(out, list);
-    if (rc == TAVTHREAD_OK && tavTraceReplaced()) trace(out, again);
+    if (out != nullptr && *out != nullptr && tavTraceReplaced()) trace(out, again);
     va_end(again);
     va_end(list);
     return rc;

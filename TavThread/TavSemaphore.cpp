@@ -60,7 +60,7 @@ int tavXSemaphoreCreate(TavSemaphore** out, unsigned initialCount, ...) {
     va_copy(again, list);
     if (out != nullptr) *out = nullptr;
     const int rc = create(out, initialCount, list);
-    if (rc == TAVTHREAD_OK && tavTraceReplaced()) trace(out, initialCount, again);
+    if (out != nullptr && *out != nullptr && tavTraceReplaced()) trace(out, initialCount, again);
     va_end(again);
     va_end(list);
     return rc;

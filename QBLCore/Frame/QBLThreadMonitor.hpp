@@ -13,7 +13,7 @@ class QBLThreadMonitor : public QBLBinder<Lock, Data> {
 public:
     using QBLBinder<Lock, Data>::QBLBinder;
     QBLThreadMonitor() = default;
-    virtual ~QBLThreadMonitor() = default;
+    ~QBLThreadMonitor() override = default;
 };
 
 #endif

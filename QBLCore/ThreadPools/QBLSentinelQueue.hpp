@@ -99,7 +99,8 @@ private:
         if (m_spares.size() == kMostSpares || (*m_items).empty()) {
             (*m_items).pop_front();
         } else {
-            (*m_items).front() = T();
+            T& kept = (*m_items).front();
+            kept = T();
             m_spares.splice_back(*m_items);
         }
     }

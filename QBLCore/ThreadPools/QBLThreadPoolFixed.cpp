@@ -96,7 +96,7 @@ int QBLThreadPoolFixed::execute(QBLThreadRunnable* task, unsigned long timeout) 
     if (getStopWork() != 0) QBL_THROW(QBLIllegalStateError(0, kStopped));
     QBL_ALLOC_TRY
     WorkerThread* worker = nullptr;
-    if (!m_idle.get(worker, timeout)) return 0;
+    if (!m_idle.get(worker, timeout) || worker == nullptr) return 0;
     worker->process(task);
     return 1;
     QBL_ALLOC_CATCH

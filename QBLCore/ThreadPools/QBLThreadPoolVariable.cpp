@@ -160,7 +160,7 @@ void QBLThreadPoolVariable::addWorker() {
     }
     try {
         // Owned by itself until it leaves, then by the list of the dead.
-        std::make_unique<WorkerThread>(*this, temporary).release();
+        static_cast<void>(new WorkerThread(*this, temporary));
     } catch (...) {
         QBLThreadGuard guard(m_mutex);
         --m_workerCount;
