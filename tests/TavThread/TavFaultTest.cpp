@@ -14,16 +14,12 @@ namespace {
 
 void* nothing(void*) { return nullptr; }
 
-/// One creation and destruction; returns the creation's result and checks its out-parameter.
-struct Creation {
-    const char* name;
-    int (*run)();
-};
-
-template <class Object, class Create>
-int createAndDestroy(Create create, int (*destroy)(Object*)) {
+/// Creates and destroys an object; returns the creation's result and checks its out-parameter.
+template <class Object, class... Arguments>
+int tryOut(int (*create)(Object**, Arguments..., ...), int (*destroy)(Object*),
+           Arguments... arguments) {
     Object* object = reinterpret_cast<Object*>(&object);
-    const int rc = create(&object);
+    const int rc = create(&object, arguments..., 0);
     EXPECT_EQ(rc == TAVTHREAD_OK, object != nullptr);
     if (rc == TAVTHREAD_OK) {
         EXPECT_EQ(TAVTHREAD_OK, destroy(object));
@@ -31,53 +27,36 @@ int createAndDestroy(Create create, int (*destroy)(Object*)) {
     return rc;
 }
 
-const Creation kMutex = {
-    "mutex", [] {
-        return createAndDestroy<TavMutex>(
-            [](TavMutex** out) { return tavXMutexCreate(out, TavMutexAttrRecursive, 0); },
-            &tavXMutexDestroy);
-    }};
+int tryOutKey() {
+    TavThreadKey* key = nullptr;
+    const int rc = tavXThreadKeyCreate(&key, nullptr);
+    return rc == TAVTHREAD_OK ? tavXThreadKeyDestroy(key) : rc;
+}
+
+int tryOutThread() {
+    TavThread* thread = nullptr;
+    const int rc = tavXThreadCreate(&nothing, nullptr, &thread, 0);
+    EXPECT_EQ(rc == TAVTHREAD_OK, thread != nullptr);
+    if (rc != TAVTHREAD_OK) return rc;
+    EXPECT_EQ(TAVTHREAD_OK, tavXThreadJoin(thread, nullptr));
+    return tavXThreadDestroy(thread);
+}
+
+struct Creation {
+    const char* name;
+    int (*run)();
+};
+const Creation kMutex = {"mutex", [] { return tryOut(&tavXMutexCreate, &tavXMutexDestroy); }};
 const Creation kSemaphore = {
-    "semaphore", [] {
-        return createAndDestroy<TavSemaphore>(
-            [](TavSemaphore** out) { return tavXSemaphoreCreate(out, 0, 0); },
-            &tavXSemaphoreDestroy);
-    }};
-const Creation kCondition = {"condition", [] {
-                                 return createAndDestroy<TavCondition>(
-                                     [](TavCondition** out) { return tavXConditionCreate(out, 0); },
-                                     &tavXConditionDestroy);
-                             }};
-const Creation kEvent = {"event", [] {
-                             return createAndDestroy<TavEvent>(
-                                 [](TavEvent** out) { return tavXEventCreate(out, 0, 0, 0); },
-                                 &tavXEventDestroy);
-                         }};
-const Creation kRWLock = {"rwlock", [] {
-                              return createAndDestroy<TavRWLock>(
-                                  [](TavRWLock** out) { return tavXRWLockCreate(out, 0); },
-                                  &tavXRWLockDestroy);
-                          }};
-const Creation kKey = {"key", [] {
-                           return createAndDestroy<TavThreadKey>(
-                               [](TavThreadKey** out) { return tavXThreadKeyCreate(out, nullptr); },
-                               &tavXThreadKeyDestroy);
-                       }};
+    "semaphore", [] { return tryOut(&tavXSemaphoreCreate, &tavXSemaphoreDestroy, 0U); }};
+const Creation kCondition = {"condition",
+                             [] { return tryOut(&tavXConditionCreate, &tavXConditionDestroy); }};
+const Creation kEvent = {"event", [] { return tryOut(&tavXEventCreate, &tavXEventDestroy, 0, 0); }};
+const Creation kRWLock = {"rwlock", [] { return tryOut(&tavXRWLockCreate, &tavXRWLockDestroy); }};
 const Creation kTrap = {
-    "trap", [] {
-        return createAndDestroy<TavStateTrap>(
-            [](TavStateTrap** out) { return tavXThreadStateTrapCreate(out, 1, 0); },
-            &tavXThreadStateTrapDestroy);
-    }};
-const Creation kThread = {
-    "thread", [] {
-        return createAndDestroy<TavThread>(
-            [](TavThread** out) { return tavXThreadCreate(&nothing, nullptr, out, 0); },
-            [](TavThread* thread) {
-                EXPECT_EQ(TAVTHREAD_OK, tavXThreadJoin(thread, nullptr));
-                return tavXThreadDestroy(thread);
-            });
-    }};
+    "trap", [] { return tryOut(&tavXThreadStateTrapCreate, &tavXThreadStateTrapDestroy, 1); }};
+const Creation kKey = {"key", &tryOutKey};
+const Creation kThread = {"thread", &tryOutThread};
 
 }  // namespace
 

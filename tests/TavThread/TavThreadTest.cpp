@@ -235,36 +235,6 @@ TEST(TavThreadTest, TextIdFollowsStrncpy) {
     EXPECT_EQ(0, std::memcmp(buf, "    (", 4));
 }
 
-TEST(TavThreadTest, KeepsThePriorityWithinItsRange) {
-    Layer layer;
-    for (const long delta : {1L, -1L, 0x7fffffffL, -0x7fffffffL - 1})
-        EXPECT_EQ(TAVTHREAD_AGAIN, tavXThreadAdjustPriority(tavXThreadSelf(), delta)) << delta;
-    EXPECT_EQ(TAVTHREAD_OK, tavXThreadAdjustPriority(tavXThreadSelf(), 0));
-    EXPECT_EQ(TAVTHREAD_OK, tavXThreadAdjustPriority(nullptr, 5));
-}
-
-TEST(TavThreadKeyTest, HoldsAValuePerThreadWithoutTheLayer) {
-    static std::atomic<int> destroyed{0};
-    TavThreadKey* key = nullptr;
-    ASSERT_EQ(TAVTHREAD_OK, tavXThreadKeyCreate(&key, [](void*) { ++destroyed; }));
-    int mine = 0;
-    EXPECT_EQ(TAVTHREAD_OK, tavXThreadSetSpecific(key, &mine));
-    Workers others(3, [&] {
-        void* value = &mine;
-        EXPECT_EQ(TAVTHREAD_OK, tavXThreadGetSpecific(key, &value));
-        EXPECT_EQ(nullptr, value);
-        EXPECT_EQ(TAVTHREAD_OK, tavXThreadSetSpecific(key, key));
-    });
-    others.join();
-    EXPECT_EQ(3, destroyed);
-    void* value = nullptr;
-    EXPECT_EQ(TAVTHREAD_OK, tavXThreadGetSpecific(key, &value));
-    EXPECT_EQ(&mine, value);
-    EXPECT_EQ(TAVTHREAD_OK, tavXThreadKeyDestroy(key));
-    EXPECT_EQ(TAVTHREAD_INVALID, tavXThreadKeyCreate(nullptr, nullptr));
-    EXPECT_EQ(TAVTHREAD_INVALID, tavXThreadSetSpecific(nullptr, &mine));
-}
-
 TEST(TavThreadKeyTest, OnceRunsItsRoutineUntilItSucceeds) {
     if (kThreadSanitizer) GTEST_SKIP() << "the sanitizer's pthread_once does not unwind";
     static int calls = 0;

@@ -146,17 +146,3 @@ TEST_F(TavTraceTest, NamesTheAttributesOfAThread) {
     tavXThreadDestroy(thread);
     expectNoMore();
 }
-
-TEST_F(TavTraceTest, CutsOffAttributesThatDoNotFit) {
-    TavSemaphore* s = nullptr;
-    constexpr int kNoop = TavSemaphoreAttrNoop;
-    tavXSemaphoreCreate(&s, 0, kNoop, kNoop, kNoop, kNoop, kNoop, kNoop, kNoop, kNoop, kNoop, kNoop,
-                        kNoop, kNoop, kNoop, kNoop, kNoop, kNoop, kNoop, kNoop, kNoop, kNoop, kNoop,
-                        kNoop, kNoop, kNoop, kNoop, kNoop, kNoop, kNoop, kNoop, kNoop, 0);
-    ASSERT_EQ(2U, lines.size());
-    const std::string& text = lines[0].text;
-    EXPECT_EQ(
-        511 + std::strlen("[S]tavSemaphoreCreate( s:=, count:0 )") + hex(&s).size() + hex(s).size(),
-        text.size());
-    tavXSemaphoreDestroy(s);
-}

@@ -1,15 +1,12 @@
 #include "tests/support/FaultInjection.hpp"
 
 #include <dlfcn.h>
-#include <fcntl.h>
 #include <pthread.h>
 #include <semaphore.h>
 #include <sys/time.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
-#include <cstdarg>
 #include <cstdlib>
 #include <new>
 
@@ -107,42 +104,11 @@ void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
         static std::atomic<result(*) parameters> next{nullptr}; \
         return real(next, #name) arguments;                     \
     }
-#define HOOK_OPEN(name)                                                                      \
-    int name(const char* path, int flags, ...) {                                             \
-        if (t_calls[fault::Open].due()) {                                                    \
-            errno = t_calls[fault::Open].error;                                              \
-            return -1;                                                                       \
-        }                                                                                    \
-        static std::atomic<int (*)(const char*, int, ...)> next{nullptr};                    \
-        va_list args;                                                                        \
-        va_start(args, flags);                                                               \
-        const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(args, mode_t) : 0; \
-        va_end(args);                                                                        \
-        return real(next, #name)(path, flags, mode);                                         \
-    }
-#define HOOK_FCNTL(name)                                          \
-    int name(int fd, int command, ...) {                          \
-        if (t_calls[fault::Fcntl].due()) {                        \
-            errno = t_calls[fault::Fcntl].error;                  \
-            return -1;                                            \
-        }                                                         \
-        static std::atomic<int (*)(int, int, ...)> next{nullptr}; \
-        va_list args;                                             \
-        va_start(args, command);                                  \
-        void* const argument = va_arg(args, void*);               \
-        va_end(args);                                             \
-        return real(next, #name)(fd, command, argument);          \
-    }
 
 // Hidden ones would serve the program alone.
 #pragma GCC visibility push(default)
 extern "C" {
 
-HOOK_OPEN(open)
-HOOK_OPEN(open64)
-HOOK_FCNTL(fcntl)
-HOOK_FCNTL(fcntl64)
-HOOK_ERRNO(fault::Read, ssize_t, read, (int fd, void* to, size_t n), (fd, to, n))
 HOOK_ERRNO(fault::SemInit, int, sem_init, (sem_t * s, int shared, unsigned count) noexcept,
            (s, shared, count))
 HOOK_ERRNO(fault::ClockRead, int, gettimeofday, (timeval * now, void* zone) noexcept, (now, zone))

@@ -7,9 +7,6 @@
 namespace fault {
 
 enum Call {
-    Open,
-    Read,
-    Fcntl,
     ThreadCreate,
     SemInit,
     MutexInit,
