@@ -2,7 +2,7 @@
 """Measures the pairs of bench/pairs.txt and prints ours beside each yardstick.
 
 Each pair is measured in a process of its own, in which the repetitions of the two sides take
-turns; the figures are medians.
+turns; the figures are medians. A measurement that other programs disturbed is done again.
 """
 import argparse
 import datetime
@@ -13,11 +13,14 @@ import re
 import statistics
 import subprocess
 import sys
+import time
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 BEGIN, END = "<!-- measured -->", "<!-- /measured -->"
 # What Google Benchmark appends to a name.
 SUFFIX = re.compile(r"(/real_time|/manual_time|/iterations:\d+)+$")
+# Share of one processor that other programs may use during a measurement.
+DISTURBED = 0.1
 
 
 class Row:
@@ -48,6 +51,31 @@ def read_pairs(pattern):
     return [row for row in rows if re.search(pattern, " ".join((row.title, row.ours, row.peer)))]
 
 
+def others_time():
+    """Seconds of processor time that others than the measured programs have used so far."""
+    with open("/proc/stat", encoding="utf-8") as stat:
+        user, nice, system, _, _, irq, softirq, steal = map(int, stat.readline().split()[1:9])
+    ticks = user + nice + system + irq + softirq + steal
+    times = os.times()
+    return ticks / os.sysconf("SC_CLK_TCK") - times.children_user - times.children_system
+
+
+def measure_undisturbed(program, names, options):
+    """What measure() gives, and the others' share of a processor meanwhile: the best of a few."""
+    best = None
+    for attempt in range(options.attempts):
+        if attempt > 0:
+            time.sleep(3 * attempt)
+        others, start = others_time(), time.monotonic()
+        runs = measure(program, names, options)
+        share = (others_time() - others) / (time.monotonic() - start)
+        if best is None or share < best[1]:
+            best = runs, share
+        if share <= DISTURBED:
+            break
+    return best
+
+
 def measure(program, names, options):
     """Runs the benchmarks of these names; a list of runs by name, without those that failed."""
     present = subprocess.run([program, "--benchmark_list_tests"], check=True, text=True,
@@ -73,8 +101,8 @@ def measure(program, names, options):
 
 
 def measure_all(rows, programs, options):
-    """Cells by row and width: ours, peer, ratio, verdict."""
-    cells, left_out = {}, []
+    """Cells by row and width: ours, peer, ratio, verdict. Then what there is to say about them."""
+    cells, notes = {}, []
     for width, program in programs:
         done = {}
         for row in rows:
@@ -82,19 +110,22 @@ def measure_all(rows, programs, options):
             if names not in done:
                 if options.progress:
                     print(f"\r\033[K{width}: {names[0]}", end="", file=sys.stderr, flush=True)
-                done[names] = measure(program, names, options)
-            ours, peer = (row.value(done[names], side) for side in (row.ours, row.peer))
+                done[names] = measure_undisturbed(program, names, options)
+            runs, share = done[names]
+            ours, peer = (row.value(runs, side) for side in (row.ours, row.peer))
             if ours is None or (peer is None and not row.unit):
                 missing = names[0] if ours is None else names[1]
-                left_out.append(f"{width}: {row.title}: left out, no {missing} here")
+                notes.append(f"{width}: {row.title}: left out, no {missing} here")
                 continue
+            if share > DISTURBED:
+                notes.append(f"{width}: {row.title}: disturbed, others used {share:.1f} processors")
             ratio = None if peer is None else ours / peer
             judged = ours if row.unit else ratio
             verdict = "" if row.limit is None else "ok" if judged <= row.limit else "over"
             cells[row, width] = (ours, peer, ratio, verdict)
     if options.progress:
         print("\r\033[K", end="", file=sys.stderr)
-    return cells, left_out
+    return cells, notes
 
 
 def figure(row, value):
@@ -147,7 +178,7 @@ def print_plain(lines):
                         for i, (text, width) in enumerate(zip(line, widths))).rstrip())
 
 
-def write_markdown(path, about, lines, left_out):
+def write_markdown(path, about, lines, notes):
     """Replaces what stands between the marks of a page."""
     with open(path, encoding="utf-8") as page:
         before, found, rest = page.read().partition(BEGIN)
@@ -157,7 +188,7 @@ def write_markdown(path, about, lines, left_out):
     body = [f"- {line}" for line in about] + [""]
     rule = ["---"] + ["--:"] * (len(lines[0]) - 1)
     body += ["| " + " | ".join(line) + " |" for line in [lines[0], rule] + lines[1:]]
-    body += [""] + [f"- {line}" for line in left_out] if left_out else []
+    body += [""] + [f"- {line}" for line in notes] if notes else []
     with open(path, "w", encoding="utf-8") as page:
         page.write(before + BEGIN + "\n" + "\n".join(body) + "\n" + END + after)
 
@@ -168,6 +199,7 @@ def main():
     parser.add_argument("--filter", default="", help="only rows that contain this expression")
     parser.add_argument("--repetitions", type=int, default=5)
     parser.add_argument("--time", type=float, default=0.2, help="least seconds per repetition")
+    parser.add_argument("--attempts", type=int, default=5, help="for an undisturbed measurement")
     parser.add_argument("--markdown", metavar="PAGE", help="also write the table into this page")
     options = parser.parse_args()
     options.progress = sys.stderr.isatty()
@@ -176,16 +208,16 @@ def main():
         raise SystemExit(f"no pair contains '{options.filter}'")
     programs = [program.split("=", 1) for program in options.programs]
     about = machine()
-    cells, left_out = measure_all(rows, programs, options)
+    cells, notes = measure_all(rows, programs, options)
     lines = table(rows, [width for width, _ in programs], cells)
     print("\n".join(about) + "\n")
     print_plain(lines)
-    if left_out:
-        print("\n" + "\n".join(left_out))
+    if notes:
+        print("\n" + "\n".join(notes))
     over = sum(cell[3] == "over" for cell in cells.values())
     print(f"\n{len(cells)} figures, {over} over their limit")
     if options.markdown:
-        write_markdown(options.markdown, about, lines, left_out)
+        write_markdown(options.markdown, about, lines, notes)
 
 
 if __name__ == "__main__":
