@@ -100,32 +100,36 @@ def measure(program, names, options):
     return runs
 
 
-def measure_all(rows, programs, options):
-    """Cells by row and width: ours, peer, ratio, verdict. Then what there is to say about them."""
-    cells, notes = {}, []
-    for width, program in programs:
-        done = {}
-        for row in rows:
-            names = row.names()
-            if names not in done:
-                if options.progress:
-                    print(f"\r\033[K{width}: {names[0]}", end="", file=sys.stderr, flush=True)
-                done[names] = measure_undisturbed(program, names, options)
-            runs, share = done[names]
-            ours, peer = (row.value(runs, side) for side in (row.ours, row.peer))
-            if ours is None or (peer is None and not row.unit):
-                missing = names[0] if ours is None else names[1]
-                notes.append(f"{width}: {row.title}: left out, no {missing} here")
-                continue
-            if share > DISTURBED:
-                notes.append(f"{width}: {row.title}: disturbed, others used {share:.1f} processors")
-            ratio = None if peer is None else ours / peer
-            judged = ours if row.unit else ratio
-            verdict = "" if row.limit is None else "ok" if judged <= row.limit else "over"
-            cells[row, width] = (ours, peer, ratio, verdict)
-    if options.progress:
-        print("\r\033[K", end="", file=sys.stderr)
-    return cells, notes
+class Measurements:
+    """Cells of the table: ours, peer, ratio, verdict; and what there is to say about them."""
+
+    def __init__(self, programs, options):
+        self.programs, self.options = programs, options
+        self.done, self.notes = {}, []
+        self.count = self.over = 0
+
+    def cells(self, row):
+        return [self.cell(row, width, program) for width, program in self.programs]
+
+    def cell(self, row, width, program):
+        names = row.names()
+        if (width, names) not in self.done:
+            self.done[width, names] = measure_undisturbed(program, names, self.options)
+        runs, share = self.done[width, names]
+        ours, peer = (row.value(runs, side) for side in (row.ours, row.peer))
+        if ours is None or (peer is None and not row.unit):
+            missing = names[0] if ours is None else names[1]
+            self.notes.append(f"{width}: {row.title}: left out, no {missing} here")
+            return [""] * 4
+        if share > DISTURBED:
+            self.notes.append(f"{width}: {row.title}: others used {share:.1f} processors meanwhile")
+        ratio = None if peer is None else ours / peer
+        judged = ours if row.unit else ratio
+        verdict = "" if row.limit is None else "ok" if judged <= row.limit else "over"
+        self.count += 1
+        self.over += verdict == "over"
+        return [figure(row, ours), figure(row, peer), "-" if ratio is None else f"{ratio:.2f}",
+                verdict]
 
 
 def figure(row, value):
@@ -135,25 +139,6 @@ def figure(row, value):
     if unit == "ns" and value >= 10000:
         value, unit = value / 1000, "us"
     return f"{value:.{0 if value >= 1000 else 1 if value >= 10 else 2}f} {unit}"
-
-
-def table(rows, widths, cells):
-    head = ["pair", "at most"]
-    for width in widths:
-        head += [f"{width} ours", "peer", "ratio", ""]
-    lines = [head]
-    for row in rows:
-        line = [row.title, row.target()]
-        for width in widths:
-            if (row, width) in cells:
-                ours, peer, ratio, verdict = cells[row, width]
-                line += [figure(row, ours), figure(row, peer),
-                         "-" if ratio is None else f"{ratio:.2f}", verdict]
-            else:
-                line += ["", "", "", ""]
-        if any((row, width) in cells for width in widths):
-            lines.append(line)
-    return lines
 
 
 def machine():
@@ -171,11 +156,10 @@ def machine():
             f"{datetime.date.today():%Y-%m-%d}, load {os.getloadavg()[0]:.1f} before the start"]
 
 
-def print_plain(lines):
-    widths = [max(len(line[i]) for line in lines) for i in range(len(lines[0]))]
-    for line in lines:
-        print("  ".join(text.ljust(width) if i == 0 else text.rjust(width)
-                        for i, (text, width) in enumerate(zip(line, widths))).rstrip())
+def print_line(line, title_width):
+    # Line by line, as they are measured: the whole takes minutes.
+    texts = [line[0].ljust(title_width)] + [text.rjust(9) for text in line[1:]]
+    print(" ".join(texts).rstrip(), flush=True)
 
 
 def write_markdown(path, about, lines, notes):
@@ -199,25 +183,30 @@ def main():
     parser.add_argument("--filter", default="", help="only rows that contain this expression")
     parser.add_argument("--repetitions", type=int, default=5)
     parser.add_argument("--time", type=float, default=0.2, help="least seconds per repetition")
-    parser.add_argument("--attempts", type=int, default=5, help="for an undisturbed measurement")
+    parser.add_argument("--attempts", type=int, default=3, help="for an undisturbed measurement")
     parser.add_argument("--markdown", metavar="PAGE", help="also write the table into this page")
     options = parser.parse_args()
-    options.progress = sys.stderr.isatty()
     rows = read_pairs(options.filter)
     if not rows:
         raise SystemExit(f"no pair contains '{options.filter}'")
     programs = [program.split("=", 1) for program in options.programs]
     about = machine()
-    cells, notes = measure_all(rows, programs, options)
-    lines = table(rows, [width for width, _ in programs], cells)
     print("\n".join(about) + "\n")
-    print_plain(lines)
-    if notes:
-        print("\n" + "\n".join(notes))
-    over = sum(cell[3] == "over" for cell in cells.values())
-    print(f"\n{len(cells)} figures, {over} over their limit")
+    lines = [["pair", "at most"]]
+    for width, _ in programs:
+        lines[0] += [f"{width} ours", "peer", "ratio", ""]
+    title_width = max(len(row.title) for row in rows)
+    print_line(lines[0], title_width)
+    results = Measurements(programs, options)
+    for row in rows:
+        cells = results.cells(row)
+        if any(map(any, cells)):
+            lines.append([row.title, row.target()] + [text for cell in cells for text in cell])
+            print_line(lines[-1], title_width)
+    print("".join(f"\n{note}" for note in results.notes))
+    print(f"{results.count} figures, {results.over} over their limit")
     if options.markdown:
-        write_markdown(options.markdown, about, lines, notes)
+        write_markdown(options.markdown, about, lines, results.notes)
 
 
 if __name__ == "__main__":
