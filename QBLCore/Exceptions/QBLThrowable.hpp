@@ -44,7 +44,7 @@ public:
     virtual const char* getMessage();
     /// The name of the class, as the XML form and the back-trace show it.
     virtual const char* getThrowableName() const = 0;
-    /// The XML form, on one line: <Exception> with Name, Error and Severity, then the message
+    /// The XML form, on one line: `<Exception>` with Name, Error and Severity, then the message
     /// text and the trace entries where there are any. Texts are inserted as they are, without
     /// escaping. Built anew by each call; stays valid until the next one.
     virtual const char* toString();
