@@ -15,7 +15,7 @@ namespace {
 constexpr int kTopScore = 8;
 constexpr int kTryScore = 4;  // of an attempt after some time without
 constexpr std::int64_t kPauseNsPerScore = 1200;
-constexpr int kPauses = 16;  // between two looks at the count
+constexpr int kPauses = 4;  // between two looks at the count
 constexpr int kYields = 3;
 // Short sleeps until the next attempt: after pausing, or yielding, in vain, and after a yield that
 // gave the processor to a busy thread for so long that a thousand short sleeps are cheaper.
@@ -41,10 +41,17 @@ public:
 
     /// @return true if it has taken a post, and with it left.
     bool look() {
-        if (tavSemaphoreTakePromise(m_semaphore, kTavLooker + 1)) return true;
+        if (takePromise()) return true;
         if (sem_trywait(&m_semaphore->native) != 0) return false;
-        if (leave()) sem_post(&m_semaphore->native);  // one too many
-        return true;
+        std::uint32_t looking = m_semaphore->looking.load(std::memory_order_relaxed);
+        while (tavPromises(looking) == 0)
+            if (m_semaphore->looking.compare_exchange_weak(looking, looking - kTavLooker,
+                                                           std::memory_order_relaxed))
+                return true;
+        // Promised one meanwhile: what was taken goes back first, so that at no moment the count
+        // seems lower than it is.
+        sem_post(&m_semaphore->native);
+        return takePromise();
     }
     /// @return true if it had to take a post that it was promised.
     bool leave() {
@@ -59,6 +66,8 @@ public:
     }
 
 private:
+    bool takePromise() { return tavSemaphoreTakePromise(m_semaphore, kTavLooker + 1); }
+
     TavSemaphore* m_semaphore;
 };
 

@@ -90,7 +90,7 @@ int tavXSemaphorePost(TavSemaphore* s) { return tavSemaphorePostFast(s); }
 int tavXSemaphorePostN(TavSemaphore* s, int n) {
     if (s == nullptr) return TAVTHREAD_INVALID;
     int rc = TAVTHREAD_OK;
-    while (n-- > 0 && rc == TAVTHREAD_OK) rc = tavSemaphorePostFast(s);
+    for (; n > 0 && rc == TAVTHREAD_OK; --n) rc = tavSemaphorePostFast(s);
     return rc;
 }
 

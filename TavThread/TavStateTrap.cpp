@@ -101,7 +101,8 @@ void TavTransition::to(int newState) {
     int reason = -1;
     if (newState == TavThreadStateRunning && old == TavThreadStateInitial)
         reason = TavThreadExitAlive;
-    else if (newState == TavThreadStateInitial && old == TavThreadStateRunning)
+    else if (newState == TavThreadStateInitial &&
+             (old == TavThreadStateRunning || old == TavThreadStateSuspended))
         reason = TavThreadExitNormal;
     else if (newState == TavThreadStateCanceling)
         reason = TavThreadExitCanceled;

@@ -17,24 +17,29 @@ constexpr TavAttrTag kTags[] = {TAV_BASIC_ATTR_TAGS,
 constexpr TavAttrKind kKind = {"TavThreadAttr", kTags, 10};
 constexpr unsigned kLeastStack = 16384;
 
-/// The thread's last act on its record.
+/// The thread's last act on its record, also when a callback of its last state unwinds the thread.
+struct Parting {
+    TavThread& self;
+    ~Parting() {
+        tavThreadAttach(nullptr);
+        {
+            TavHold hold(self.transition);
+            self.finished = true;
+        }
+        tavThreadRelease(&self);
+    }
+};
+
 void leave(TavThread& self, void* value, bool threw) {
+    Parting parting{self};
     self.exitValue.store(value, std::memory_order_release);
-    {
-        TavTransition change(self);
-        if (threw)
-            change.to(TavThreadStateException);
-        else if (change.state() != TavThreadStateException)
-            change.to(TavThreadStateInitial);
-        self.unmark(kTavThreadSuspendPending);
-        change.finish();
-    }
-    tavThreadAttach(nullptr);
-    {
-        TavHold hold(self.transition);
-        self.finished = true;
-    }
-    tavThreadRelease(&self);
+    TavTransition change(self);
+    if (threw)
+        change.to(TavThreadStateException);
+    else if (change.state() != TavThreadStateException)
+        change.to(TavThreadStateInitial);
+    self.unmark(kTavThreadSuspendPending);
+    change.finish();
 }
 
 void* runRoutine(TavThread& self) {
@@ -143,10 +148,11 @@ int create(void* (*routine)(void*), void* arg, TavThread** out, va_list list, va
     // One owner for the thread, one for the handle, and one for this call, which looks at the
     // record once more when both others may already have let go.
     thread->owners.store(out != nullptr ? 3 : 2, std::memory_order_relaxed);
-    if (out != nullptr) *out = thread;
+    // Before the thread starts, and for readers on any thread.
+    if (out != nullptr) __atomic_store_n(out, thread, __ATOMIC_RELEASE);
     const int err = startSystemThread(*thread, attrs);
     if (err != 0) {
-        if (out != nullptr) *out = nullptr;
+        if (out != nullptr) __atomic_store_n(out, nullptr, __ATOMIC_RELEASE);
         thread->owners.store(1, std::memory_order_relaxed);
     } else if (tavTraceReplaced()) {
         trace(out, *thread, attrs, again);
@@ -163,7 +169,7 @@ int tavXThreadCreate(void* (*routine)(void*), void* arg, TavThread** out, ...) {
     va_list list, again;
     va_start(list, out);
     va_copy(again, list);
-    if (out != nullptr) *out = nullptr;
+    if (out != nullptr) __atomic_store_n(out, nullptr, __ATOMIC_RELEASE);
     const int rc = create(routine, arg, out, list, again);
     va_end(again);
     va_end(list);

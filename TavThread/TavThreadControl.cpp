@@ -28,22 +28,28 @@ void suspendHere(TavThread& self) {
             setResumed(self, true);
             return;
         }
+        self.asleep = true;
         change.to(TavThreadStateSuspended);
         change.finish();
     }
-    tavRetryErrno([&] { return sem_wait(&self.resumed); });
-    TavTransition change(self);
-    setResumed(self, !self.has(kTavThreadSuspendPending));
-    if (change.state() != TavThreadStateCanceling)
+    for (;;) {
+        tavRetryErrno([&] { return sem_wait(&self.resumed); });
+        TavTransition change(self);
+        if (change.state() == TavThreadStateSuspended) continue;  // again, since it was woken
+        self.asleep = false;
+        setResumed(self, true);
         change.to(self.cancelled() ? TavThreadStateCanceling : TavThreadStateRunning);
-    change.finish();
+        change.finish();
+        return;
+    }
 }
 
 int continueThread(TavThread& thread) {
     TavTransition change(thread);
     const bool pending = thread.has(kTavThreadSuspendPending);
     if (!pending && change.state() != TavThreadStateSuspended) return TAVTHREAD_OK;
-    change.to(TavThreadStateRunning);
+    // A thread that was told to cancel stays told.
+    if (change.state() != TavThreadStateCanceling) change.to(TavThreadStateRunning);
     thread.unmark(kTavThreadSuspendPending);
     const int rc = setResumed(thread, true);
     change.finish();
@@ -56,7 +62,8 @@ int tavThreadCheckpoint(TavThread& self) {
     if (self.has(kTavThreadSuspendPending)) suspendHere(self);
     if (self.cancelled()) {
         TavTransition change(self);
-        change.to(TavThreadStateCanceling);
+        // A thread past its end can ask too, from a callback of its last state.
+        if (change.state() == TavThreadStateRunning) change.to(TavThreadStateCanceling);
         change.finish();
     }
     sched_yield();
@@ -77,8 +84,15 @@ int tavXThreadSuspend(TavThread* thread) {
     TavTransition change(*thread);
     if (change.state() != TavThreadStateRunning || thread->has(kTavThreadSuspendPending))
         return TAVTHREAD_OK;
+    if (!thread->asleep) {
+        thread->mark(kTavThreadSuspendPending);
+        return setResumed(*thread, false);
+    }
+    // Continued, but still asleep: back to where it was, unless it is to wake up and cancel.
+    if (thread->cancelled()) return TAVTHREAD_OK;
     setResumed(*thread, false);
-    thread->mark(kTavThreadSuspendPending);
+    change.to(TavThreadStateSuspended);
+    change.finish();
     return TAVTHREAD_OK;
 }
 

@@ -8,6 +8,20 @@
 #include "QBLCore/Exceptions/QBLUnknownError.hpp"
 #include "TavThread/internal/TavContain.hpp"
 
+namespace {
+
+// What is thrown is a copy; where memory suffices for the trace but not for its copy, there is
+// none.
+[[noreturn]] void hurlOutOfMemory(const QBLFileLocation& where, const char* detail) {
+    try {
+        QBLOutOfMemoryError(0, nullptr).hurl(where, detail, "QBL_THROW");
+    } catch (const std::bad_alloc&) {
+        throw QBLOutOfMemoryError(0, nullptr);
+    }
+}
+
+}  // namespace
+
 TAV_CATCHES_UNWINDING void qblRethrowTranslated(const QBLFileLocation& where, const char* detail) {
     try {
         throw;
@@ -17,10 +31,18 @@ TAV_CATCHES_UNWINDING void qblRethrowTranslated(const QBLFileLocation& where, co
         e.addBackTrace(where, detail, "QBL_RETHROW");
         throw;
     } catch (const std::bad_alloc&) {
-        QBLOutOfMemoryError(0, nullptr).hurl(where, detail, "QBL_THROW");
+        hurlOutOfMemory(where, detail);
     } catch (const std::exception& e) {
-        QBLStdExceptionError(0, e.what()).hurl(where, detail, "QBL_THROW");
+        try {
+            QBLStdExceptionError(0, e.what()).hurl(where, detail, "QBL_THROW");
+        } catch (const std::bad_alloc&) {
+            hurlOutOfMemory(where, detail);
+        }
     } catch (...) {
-        QBLUnknownError(0, nullptr).hurl(where, detail, "QBL_THROW");
+        try {
+            QBLUnknownError(0, nullptr).hurl(where, detail, "QBL_THROW");
+        } catch (const std::bad_alloc&) {
+            hurlOutOfMemory(where, detail);
+        }
     }
 }

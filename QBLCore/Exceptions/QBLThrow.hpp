@@ -24,10 +24,17 @@
 #define QBL_ASSERT(...)                   \
     ((__VA_ARGS__) ? static_cast<void>(0) \
                    : qblAssertFailed(QBL_HERE, "QBL_ASSERT(" #__VA_ARGS__ ");"))
-/// QBL_ASSERT with an explanation, a string literal, as part of the statement's text.
-#define QBL_ASSERT_NAMED(condition, text) \
-    ((condition) ? static_cast<void>(0)   \
-                 : qblAssertFailed(QBL_HERE, "QBL_ASSERT_NAMED(" #condition ", " #text ");"))
+/// QBL_ASSERT with an explanation after the condition, a string literal, as part of the
+/// statement's text.
+#define QBL_ASSERT_NAMED(...)                     \
+    (qblHolds(__VA_ARGS__) ? static_cast<void>(0) \
+                           : qblAssertFailed(QBL_HERE, "QBL_ASSERT_NAMED(" #__VA_ARGS__ ");"))
+
+/// The condition of a QBL_ASSERT_NAMED.
+template <class Condition>
+constexpr bool qblHolds(const Condition& condition, const char*) {
+    return static_cast<bool>(condition);
+}
 
 /// Throws a QBLAssertError with error number 0, the given text and place.
 [[noreturn]] QBL_API void qblAssertFailed(const QBLFileLocation& where, const char* statement);

@@ -109,7 +109,7 @@ const char* QBLThrowable::toString() {
     if (!backTrace.empty()) {
         xml.append("<TraceInfo>");
         for (const char* entry : backTrace)
-            xml.append("<Trace Text=\"").append(entry).append("\"/>");
+            if (entry != nullptr) xml.append("<Trace Text=\"").append(entry).append("\"/>");
         xml.append("</TraceInfo>");
     }
     xml.append("</Exception>");

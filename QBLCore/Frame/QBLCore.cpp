@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <new>
 
+#include "QBLCore/Frame/internal/QBLImmortal.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Threads/QBLThreadProcess.h"
@@ -20,16 +21,10 @@ const unsigned kMinor = 0;
 const int kNotStarted = -2;
 const int kSubsystemFailed = -3;
 
-/// The count of starts and the lock over the whole of each start and stop. Never destroyed:
-/// the last stop may come from a program's own last destructors.
+/// The count of starts and the lock over the whole of each start and stop.
 struct Library {
     QBLThreadCriticalSection refCountLock{0};
     int refCount = 0;  // guarded by refCountLock
-
-    static Library& instance() {
-        static Library& one = *new Library;
-        return one;
-    }
 };
 
 bool isCompatible(int major, int minor) {
@@ -47,7 +42,7 @@ int storeVersion(unsigned* major, unsigned* minor) {
 // A failed start is deliberately lenient: the count stays raised for the caller's one stop, and
 // the later steps are still taken.
 int qblCoreInitialize() {
-    Library& library = Library::instance();
+    Library& library = qblImmortal<Library>();
     QBLThreadGuard guard(library.refCountLock);
     if (++library.refCount != 1) return 0;
     int result = 0;
@@ -60,7 +55,7 @@ int qblCoreInitialize() {
 }
 
 int qblCoreTerminate() {
-    Library& library = Library::instance();
+    Library& library = qblImmortal<Library>();
     QBLThreadGuard guard(library.refCountLock);
     if (library.refCount <= 0) return kNotStarted;
     if (--library.refCount > 0) return 0;

@@ -56,7 +56,7 @@ public:
         _insert(position, new QBLListDataNode<T>(value, nullptr, nullptr));
         return position;
     }
-    /// Removes the element at a position; erasing at end() does nothing.
+    /// Removes the element at a position; at end(), or at one of another list, does nothing.
     /// @return the position, now on the element that followed.
     iterator erase(iterator position) {
         delete static_cast<QBLListDataNode<T>*>(_erase(position));
@@ -64,18 +64,18 @@ public:
     }
     /// Removes from first up to but not including last, or up to the end of the list when
     /// last does not follow first.
-    /// @return last
+    /// @return last, with the position that it now has
     iterator erase(iterator first, iterator last) {
-        while (first != last && first != end()) first = erase(first);
+        while (first != last && first.list == this && first != end()) first = erase(first);
+        last.index = first.index;
         return last;
     }
     void clear() { erase(begin(), end()); }
-    /// Moves the first element of another list to the end of this one, without allocating; from an
-    /// empty list nothing.
-    void splice_back(QBLList& other) {
-        iterator first = other.begin(), last = end();
-        QBLListNode<T>* node = other._erase(first);
-        if (node != nullptr) _insert(last, static_cast<QBLListDataNode<T>*>(node));
+    /// Moves an element of another list in front of a position of this one, without allocating;
+    /// the other's end() moves nothing.
+    void splice(iterator position, QBLList& other, iterator element) {
+        QBLListNode<T>* node = other._erase(element);
+        if (node != nullptr) _insert(position, static_cast<QBLListDataNode<T>*>(node));
     }
 
     /// The value at position n, counted from 0.
@@ -113,10 +113,11 @@ private:
         cursor.reset();
     }
 
-    // Null when there is nothing to erase: the sentinel is the list itself, never a node to free.
+    // Null when there is nothing to erase: the sentinel is the list itself, never a node to free,
+    // and another list counts its own.
     QBLListNode<T>* _erase(iterator& position) {
         QBLListNode<T>* node = position.node;
-        if (node == this) return nullptr;
+        if (node == this || position.list != this) return nullptr;
         position.node = node->next;  // the index stays: the next element now has this position
         node->prev->next = node->next;
         node->next->prev = node->prev;
@@ -125,7 +126,7 @@ private:
         return node;
     }
 
-    QBLListIterator<T> cursor;
+    mutable QBLListIterator<T> cursor;  // the only thing that a look at a constant list moves
     unsigned int count;
 };
 

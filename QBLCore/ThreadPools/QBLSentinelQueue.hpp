@@ -1,8 +1,7 @@
 #ifndef QBLCORE_THREADPOOLS_QBLSENTINELQUEUE_HPP
 #define QBLCORE_THREADPOOLS_QBLSENTINELQUEUE_HPP
 
-#include <climits>
-#include <memory>
+#include <optional>
 
 #include "QBLCore/Frame/QBLList.hpp"
 #include "QBLCore/Frame/QBLThreadMonitor.hpp"
@@ -20,31 +19,19 @@ template <class T>
 class QBLSentinelQueue {
 public:
     /// @param capacity  most items at a time; 0 means unbounded
-    explicit QBLSentinelQueue(unsigned long capacity = 0)
-        : m_available(0), m_free(capacity > 0 ? new QBLThreadSemaphore(capacity) : nullptr) {}
+    explicit QBLSentinelQueue(unsigned long capacity = 0) : m_available(0) {
+        if (capacity > 0) m_free.emplace(capacity);
+    }
     QBLSentinelQueue(const QBLSentinelQueue&) = delete;
     QBLSentinelQueue& operator=(const QBLSentinelQueue&) = delete;
 
     /// @param timeout  ms to wait for room, as for every wait
     /// @return false when the queue stayed full; it then holds no copy of the item.
     /// @throws std::bad_alloc, QBLThreadResourceError; the queue is as it was
-    [[nodiscard]] bool put(T& item, unsigned long timeout) {
-        if (m_free != nullptr && !m_free->boundedWait(timeout)) return false;
-        try {
-            QBLThreadGuard guard(m_items);
-            append(item);
-            try {
-                m_available.post();
-            } catch (...) {
-                (*m_items).pop_back();
-                throw;
-            }
-        } catch (...) {
-            if (m_free != nullptr) m_free->post();
-            throw;
-        }
-        return true;
-    }
+    [[nodiscard]] bool put(T& item, unsigned long timeout) { return add(item, timeout, false); }
+
+    /// As put(), but the item comes out before those that are there already.
+    [[nodiscard]] bool putFirst(T& item, unsigned long timeout) { return add(item, timeout, true); }
 
     /// @param item  receives the item that was put first
     /// @return false when nothing came in time; item is then as it was.
@@ -57,7 +44,7 @@ public:
             item = taken ? (*m_items).front() : T();
             removeFront();
         }
-        if (taken && m_free != nullptr) m_free->post();
+        if (taken && m_free) m_free->post();
         return true;
     }
 
@@ -74,7 +61,7 @@ public:
             for (auto it = (*m_items).begin(); it != (*m_items).end(); ++it) {
                 if (*it != item) continue;
                 (*m_items).erase(it);
-                if (m_free != nullptr) m_free->post();
+                if (m_free) m_free->post();
                 return true;
             }
         }
@@ -85,14 +72,33 @@ public:
 private:
     static constexpr unsigned int kMostSpares = 64;
 
+    bool add(T& item, unsigned long timeout, bool first) {
+        if (m_free && !m_free->boundedWait(timeout)) return false;
+        try {
+            QBLThreadGuard guard(m_items);
+            QBLList<T>& items = *m_items;
+            insert(first ? items.begin() : items.end(), item);
+            try {
+                m_available.post();
+            } catch (...) {
+                first ? items.pop_front() : items.pop_back();
+                throw;
+            }
+        } catch (...) {
+            if (m_free) m_free->post();
+            throw;
+        }
+        return true;
+    }
+
     // Items and their removal mostly reuse a node, so that no memory goes to and fro between the
     // threads that put and those that get.
-    void append(const T& item) QBL_REQUIRES(m_items) {
+    void insert(QBLListIterator<T> position, const T& item) QBL_REQUIRES(m_items) {
         if (m_spares.empty()) {
-            (*m_items).push_back(item);
+            (*m_items).insert(position, item);
         } else {
             m_spares.front() = item;
-            (*m_items).splice_back(m_spares);
+            (*m_items).splice(position, m_spares, m_spares.begin());
         }
     }
     void removeFront() QBL_REQUIRES(m_items) {
@@ -101,13 +107,13 @@ private:
         } else {
             T& kept = (*m_items).front();
             kept = T();
-            m_spares.splice_back(*m_items);
+            m_spares.splice(m_spares.end(), *m_items, (*m_items).begin());
         }
     }
 
     QBLThreadMonitor<QBLThreadMutex, QBLList<T>> m_items;
-    QBLThreadSemaphore m_available;              // posted once per item
-    std::unique_ptr<QBLThreadSemaphore> m_free;  // null when unbounded
+    QBLThreadSemaphore m_available;            // posted once per item
+    std::optional<QBLThreadSemaphore> m_free;  // none when unbounded
     QBLList<T> m_spares QBL_GUARDED_BY(m_items);
 };
 

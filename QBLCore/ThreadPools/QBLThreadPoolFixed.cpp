@@ -1,5 +1,6 @@
 #include "QBLCore/ThreadPools/QBLThreadPoolFixed.hpp"
 
+#include <atomic>
 #include <new>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
@@ -7,7 +8,7 @@
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
 #include "QBLCore/ThreadPools/internal/QBLTaskRun.hpp"
-#include "QBLCore/Threads/QBLThread.hpp"
+#include "QBLCore/Threads/QBLThreadSemaphore.hpp"
 
 namespace {
 
@@ -18,64 +19,57 @@ const char kWorker[] = "QBLThreadPoolFixed::WorkerThread::WorkerThread";
 
 class QBLThreadPoolFixed::WorkerThread : public QBLThread {
 public:
-    explicit WorkerThread(QBLThreadPoolFixed& pool)
-        : QBLThread(nullptr, kPoolStackSize), m_pool(pool) {
-        if (m_pool.getStopWork() != 0) return;
-        try {
-            start();
-        } catch (QBLThrowable& e) {
-            QBL_RETHROW_NAMED(e, kWorker);
-        }
+    explicit WorkerThread(QBLThreadPoolFixed& pool) try
+        : QBLThread(nullptr, kPoolStackSize), m_pool(pool), m_handOff(0) {
+        if (m_pool.getStopWork() == 0) start();
+    } catch (QBLThrowable& e) {
+        QBL_RETHROW_NAMED(e, kWorker);
     }
     ~WorkerThread() override {
         wake();
-        join();
-        drain();
+        qblJoinWorker(*this);
+        takeTask();  // handed over between the flag's being set and its being seen
     }
 
+    /// Requires: the worker came out of the idle queue.
     void process(QBLThreadRunnable* task) {
-        try {
-            if (!m_tasks.put(task, QBLWaitForever)) m_tasks.wake();
-        } catch (...) {
-            m_tasks.wake();  // without a task it makes itself idle again
-            throw;
-        }
+        m_task.store(task, std::memory_order_relaxed);
+        m_handOff.post();
     }
 
     void run() override {
         while (m_pool.getStopWork() == 0) {
             if (!offer()) continue;
             if (m_pool.getStopWork() != 0) break;
-            QBLThreadRunnable* task = nullptr;
-            if (m_tasks.get(task, QBLWaitForever)) qblRunTask(task);
+            if (m_handOff.boundedWait(QBLWaitForever)) takeTask();
         }
-        drain();
+        takeTask();
     }
 
     /// Makes a waiting worker look at the flag.
-    void wake() { m_tasks.wake(); }
+    void wake() { m_handOff.post(); }
 
 private:
-    // False when memory for the place in the queue was short: to be tried again.
+    // The worker that was busy last is taken first: it is more likely still awake, and its data
+    // in a cache. False when memory for the place in the queue was short: to be tried again.
     bool offer() {
         WorkerThread* self = this;
         try {
-            return m_pool.m_idle.put(self, QBLWaitForever);
+            return m_pool.m_idle.putFirst(self, QBLWaitForever);
         } catch (const std::bad_alloc&) {
             QBLThread::sleep(10);
             return false;
         }
     }
 
-    // A task may have been handed over between the flag's being set and its being seen, even
-    // after the thread's end; accepted is run.
-    void drain() {
-        QBLThreadRunnable* task = nullptr;
-        while (m_tasks.get(task, 0)) qblRunTask(task);
-    }
+    // Accepted is run.
+    void takeTask() { qblRunTask(m_task.exchange(nullptr, std::memory_order_acquire)); }
 
     QBLThreadPoolFixed& m_pool;
-    QBLSentinelQueue<QBLThreadRunnable*> m_tasks;
+    // The queue from the pool to this worker. It needs but one place, as the worker is handed a
+    // task only when it is idle; so handing over can neither fail nor wait.
+    std::atomic<QBLThreadRunnable*> m_task{nullptr};
+    QBLThreadSemaphore m_handOff;  // posted once per task, and to wake the worker
 };
 
 QBLThreadPoolFixed::QBLThreadPoolFixed(unsigned long workers) {

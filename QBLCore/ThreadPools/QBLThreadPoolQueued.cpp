@@ -4,11 +4,15 @@
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/ThreadPools/internal/QBLTaskRun.hpp"
-#include "QBLCore/Threads/QBLThread.hpp"
 
 namespace {
 
 const char kStopped[] = "QBLThreadPoolQueued::execute: attempted to execute while shutting down";
+
+class Nothing : public QBLThreadRunnable {
+public:
+    void run() override {}
+};
 
 /// How long an idle worker waits before it looks at the stop-work flag by itself, in ms.
 const unsigned long kPollInterval = 10000;
@@ -21,7 +25,7 @@ public:
         : QBLThread(nullptr, stackSize), m_pool(pool) {
         start();
     }
-    ~WorkerThread() override { join(); }
+    ~WorkerThread() override { qblJoinWorker(*this); }
 
     void run() override {
         for (;;) {
@@ -59,7 +63,8 @@ QBLThreadPoolQueued::~QBLThreadPoolQueued() { stop(); }
 
 int QBLThreadPoolQueued::execute(QBLThreadRunnable* task, unsigned long timeout) {
     if (getStopWork() != 0) QBL_THROW(QBLIllegalStateError(0, kStopped));
-    if (task == nullptr) return 1;
+    static Nothing nothing;
+    if (task == nullptr) task = &nothing;  // takes its place in the queue like any other
     QBL_ALLOC_TRY
     return m_tasks.put(task, timeout) ? 1 : 0;
     QBL_ALLOC_CATCH

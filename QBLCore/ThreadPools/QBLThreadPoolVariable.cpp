@@ -7,7 +7,6 @@
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/ThreadPools/internal/QBLTaskRun.hpp"
-#include "QBLCore/Threads/QBLThread.hpp"
 #include "QBLCore/Utility/QBLHighResolutionTime.hpp"
 
 namespace {
@@ -23,53 +22,43 @@ public:
     WorkerThread(QBLThreadPoolVariable& pool, bool temporary)
         : QBLThread(nullptr, kPoolStackSize), m_iTemporary(temporary ? 1 : 0), m_pool(pool) {
         start();
-        m_released.store(true);
     }
-    ~WorkerThread() override { join(); }
+    ~WorkerThread() override { qblJoinWorker(*this); }
 
     void run() override {
         // Leaves however the cycle ends: a task may end its thread.
         struct Departure {
             WorkerThread* worker;
             ~Departure() {
-                if (worker != nullptr) worker->m_pool.leave(worker, false);
+                if (worker != nullptr) worker->m_pool.leave(*worker, false);
             }
         } departure{this};
         while (m_pool.getStopWork() == 0) {
-            if (!work(idleTimeout()) && m_iTemporary != 0 && m_pool.leave(this, true)) {
+            if (!work(idleTimeout()) && m_iTemporary != 0 && m_pool.leave(*this, true)) {
                 departure.worker = nullptr;
                 return;
             }
             if (m_iTemporary == 0) m_pool.reap(false);
         }
-        drain();
+        while (work(0)) {
+        }
         m_pool.m_tasks.wake();  // the null that ended this one may have been another's
     }
 
-    /// Whether the thread that made it has let go of it and its own thread has ended.
-    bool isOver() const { return m_released.load() && !isAlive(); }
+    QBLListIterator<WorkerThread*> m_place;  // among the living; guarded by the pool's mutex
 
 private:
-    // One turn: false when nothing came in time.
+    // One turn: false when no task came in time. Nulls come out of the queue after all tasks.
     bool work(unsigned long timeout) {
         QBLThreadRunnable* task = nullptr;
         if (!m_pool.m_tasks.get(task, timeout)) return false;
-        if (task != nullptr) perform(task);
-        return true;
-    }
-
-    // Accepted is run; nulls come out of the queue after all tasks.
-    void drain() {
-        QBLThreadRunnable* task = nullptr;
-        while (m_pool.m_tasks.get(task, 0) && task != nullptr) perform(task);
-    }
-
-    void perform(QBLThreadRunnable* task) {
+        if (task == nullptr) return timeout != 0;
         struct Done {
             QBLThreadPoolVariable& pool;
-            ~Done() { pool.taskDone(); }
+            ~Done() { --pool.m_taskCount; }
         } done{m_pool};
         qblRunTask(task);
+        return true;
     }
 
     // A worker that stays must not spin while it is idle.
@@ -79,7 +68,6 @@ private:
 
     const int m_iTemporary;
     QBLThreadPoolVariable& m_pool;
-    std::atomic<bool> m_released{false};  // last touched by the constructor's thread
 };
 
 QBLThreadPoolVariable::QBLThreadPoolVariable(unsigned long permanentWorkers,
@@ -94,27 +82,32 @@ QBLThreadPoolVariable::QBLThreadPoolVariable(unsigned long permanentWorkers,
 
 QBLThreadPoolVariable::~QBLThreadPoolVariable() {
     setStopWork(1);
-    for (unsigned long fed = 0; fed <= getWorkerCount(); ++fed) m_tasks.wake();
-    while (getWorkerCount() != 0) QBLThread::sleep(10);
-    reap(true);
+    do {
+        for (unsigned long fed = 0; fed <= getWorkerCount(); ++fed) m_tasks.wake();
+        while (getWorkerCount() != 0) {
+            QBLThread::sleep(10);
+            buryLost();
+        }
+        reap(true);  // an exit routine may just have added a worker
+    } while (getWorkerCount() != 0);
+    QBLThreadRunnable* task = nullptr;
+    while (m_tasks.get(task, 0)) qblRunTask(task);  // accepted when no worker could be added
 }
 
 int QBLThreadPoolVariable::execute(QBLThreadRunnable* task, unsigned long timeout) {
     if (getStopWork() != 0) QBL_THROW(QBLIllegalStateError(0, kStopped));
     if (task == nullptr) return 1;
-    QBL_ALLOC_TRY {
-        QBLThreadGuard guard(m_mutex);
-        ++m_taskCount;
-    }
+    QBL_ALLOC_TRY
+    ++m_taskCount;
     bool queued = false;
     try {
         queued = m_tasks.put(task, timeout != 0 ? timeout : m_defaultTimeout);
     } catch (...) {
-        taskDone();
+        --m_taskCount;
         throw;
     }
     if (!queued) {
-        taskDone();
+        --m_taskCount;
         return 0;
     }
     if (!needsWorker()) return 1;
@@ -124,7 +117,7 @@ int QBLThreadPoolVariable::execute(QBLThreadRunnable* task, unsigned long timeou
         // While a worker lives the task will be run: to report a failure then would make its
         // owner free it too early.
         if (getWorkerCount() == 0 && m_tasks.withdraw(task)) {
-            taskDone();
+            --m_taskCount;
             throw;
         }
     }
@@ -135,7 +128,6 @@ int QBLThreadPoolVariable::execute(QBLThreadRunnable* task, unsigned long timeou
 // Whether tasks outnumber the workers, and still do after about the time that a new thread takes
 // to come up: by then a worker may have come free, as it does when tasks are short.
 bool QBLThreadPoolVariable::needsWorker() const {
-    const auto outnumbered = [this] { return m_taskCount.load() > m_workerCount.load(); };
     if (!outnumbered()) return false;
     const std::int64_t end = QBLHighResolutionTime::now() + kPatienceNs;
     while (QBLHighResolutionTime::now() < end) {
@@ -145,67 +137,73 @@ bool QBLThreadPoolVariable::needsWorker() const {
     return true;
 }
 
+bool QBLThreadPoolVariable::outnumbered() const { return m_taskCount > m_workerCount; }
+
 unsigned long QBLThreadPoolVariable::getWorkerCount() const {
     QBLThreadGuard guard(m_mutex);
     return m_workerCount;
 }
 
+// Under the mutex as a whole, so that whoever sees a worker counted may rely on it.
 void QBLThreadPoolVariable::addWorker() {
-    if (getStopWork() != 0) return;
+    buryLost();
     reap(false);
-    bool temporary = false;
-    {
-        QBLThreadGuard guard(m_mutex);
-        temporary = ++m_workerCount > m_permanentWorkers;
-    }
+    QBLThreadGuard guard(m_mutex);
+    if (getStopWork() != 0 || !outnumbered()) return;
+    m_living.push_back(nullptr);
+    WorkerThread* worker = nullptr;
     try {
-        // Owned by itself until it leaves, then by the list of the dead.
-        static_cast<void>(new WorkerThread(*this, temporary));
+        worker = new WorkerThread(*this, m_workerCount >= m_permanentWorkers);
     } catch (...) {
-        QBLThreadGuard guard(m_mutex);
-        --m_workerCount;
+        m_living.pop_back();
         throw;
     }
+    ++m_workerCount;
+    m_living.back() = worker;
+    worker->m_place = --m_living.end();
 }
 
-// Takes a worker out of the count and into the list of the dead; after that only reap() may
-// touch it. With mayStay it stays instead, returning false, when the others are too few for
-// the tasks or there is no memory for the list: a task accepted in reliance on this worker
-// must not be left without one.
-bool QBLThreadPoolVariable::leave(WorkerThread* worker, bool mayStay) {
-    for (;;) {
-        try {
-            QBLThreadGuard guard(m_mutex);
-            if (mayStay && m_taskCount >= m_workerCount) return false;
-            m_dead.push_back(worker);
-            --m_workerCount;
-            return true;
-        } catch (const std::bad_alloc&) {
-            if (mayStay) return false;
-        }
-        QBLThread::sleep(10);
-    }
-}
-
-void QBLThreadPoolVariable::taskDone() {
+// Moves a worker from the living to the dead; after that only reap() may touch it. With mayStay
+// it stays instead, returning false, when the others are too few for the tasks: one accepted in
+// reliance on this worker must not be left without. Tasks are counted before the workers are
+// looked at, and here the other way round, so that one of both sides sees the other.
+bool QBLThreadPoolVariable::leave(WorkerThread& worker, bool mayStay) {
     QBLThreadGuard guard(m_mutex);
-    --m_taskCount;
+    --m_workerCount;
+    if (mayStay && outnumbered()) {
+        ++m_workerCount;
+        return false;
+    }
+    m_dead.splice(m_dead.end(), m_living, worker.m_place);
+    m_someDead = true;
+    return true;
+}
+
+// A thread that got no memory even to begin has left without a word.
+void QBLThreadPoolVariable::buryLost() {
+    QBLThreadGuard guard(m_mutex);
+    for (auto it = m_living.begin(); it != m_living.end();) {
+        const auto place = it++;
+        if ((*place)->isAlive()) continue;
+        --m_workerCount;
+        m_dead.splice(m_dead.end(), m_living, place);
+        m_someDead = true;
+    }
 }
 
 // Joins and destroys dead workers; unless all are asked for, only those whose threads have
 // ended, so that nobody waits for another's exit routine, nor a thread for itself. The joining
 // is done without the mutex, which an exit routine may want.
 void QBLThreadPoolVariable::reap(bool all) {
-    for (;;) {
+    while (m_someDead) {
         std::unique_ptr<WorkerThread> dead;
-        {
-            QBLThreadGuard guard(m_mutex);
-            for (auto it = m_dead.begin(); it != m_dead.end(); ++it) {
-                if (!all && !(*it)->isOver()) continue;
-                dead.reset(*it);
-                m_dead.erase(it);
-                break;
-            }
+        QBLThreadGuard guard(m_mutex);
+        for (auto it = m_dead.begin(); it != m_dead.end(); ++it) {
+            if (!all && (*it)->isAlive()) continue;
+            dead.reset(*it);
+            m_dead.erase(it);
+            m_someDead = !m_dead.empty();
+            break;
         }
         if (dead == nullptr) return;
     }

@@ -37,21 +37,23 @@ public:
 private:
     class WorkerThread;
 
+    bool outnumbered() const;
     bool needsWorker() const;
     void addWorker();
-    bool leave(WorkerThread* worker, bool mayStay);
-    void taskDone();
+    bool leave(WorkerThread& worker, bool mayStay);
+    void buryLost();
     void reap(bool all);
 
-    // The counts change under m_mutex only; a look at them needs no lock.
-    std::atomic<unsigned int> m_workerCount;
-    std::atomic<unsigned int> m_taskCount;  // accepted and not yet run to the end
+    std::atomic<unsigned int> m_workerCount;  // changes under m_mutex only
+    std::atomic<unsigned int> m_taskCount;    // accepted and not yet run to the end
     const unsigned long m_defaultTimeout;
     const unsigned long m_idleTimeout;
     const unsigned long m_permanentWorkers;
     QBLSentinelQueue<QBLThreadRunnable*> m_tasks;
     QBLList<WorkerThread*> m_dead;  // ended or about to; guarded by m_mutex
     mutable QBLThreadMutex m_mutex;
+    QBLList<WorkerThread*> m_living;      // one element per worker counted; guarded by m_mutex
+    std::atomic<bool> m_someDead{false};  // changes under m_mutex only
 };
 
 #endif

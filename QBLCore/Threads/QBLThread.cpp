@@ -10,6 +10,7 @@
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThreadResourceError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/Frame/internal/QBLImmortal.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Threads/QBLThreadKey.hpp"
@@ -32,10 +33,6 @@ struct CurrentThread {
     std::unique_ptr<QBLThreadKey> key;  // guarded by lock
     bool open = false;                  // guarded by lock
 
-    static CurrentThread& instance() {
-        static CurrentThread& one = *new CurrentThread;
-        return one;
-    }
     void makeKey() QBL_REQUIRES(lock) {
         if (key == nullptr) key = std::make_unique<QBLThreadKey>();
     }
@@ -60,11 +57,12 @@ QBLThread::QBLThread(QBLThreadRunnable* runnable, unsigned long stackSize)
     : m_pThread(nullptr), m_pRunnable(runnable), m_stackSize(stackSize), m_pAtExit(nullptr) {}
 
 QBLThread::~QBLThread() {
-    TavThread* thread = m_pThread.load();
+    TavThread* thread = record();
     if (thread == nullptr) return;
     try {
-        if (CurrentThread::instance().get() == this) {
-            CurrentThread::instance().set(nullptr);  // execute() then knows that the object is gone
+        if (qblImmortal<CurrentThread>().get() == this) {
+            qblImmortal<CurrentThread>().set(
+                nullptr);  // execute() then knows that the object is gone
         } else {
             join();
         }
@@ -77,22 +75,21 @@ QBLThread::~QBLThread() {
 void QBLThread::run() {}
 
 void QBLThread::start() {
-    TavThread* previous = m_pThread.load();
+    TavThread* previous = record();
     if (previous != nullptr) {
         if (previous->joinable.load() != TavJoinable::Joined)
             QBL_THROW(QBLIllegalStateError(0, kStarted));
-        m_pThread.store(nullptr);
+        __atomic_store_n(&m_pThread, nullptr, __ATOMIC_RELEASE);
         tavXThreadDestroy(previous);
     }
     m_pAtExit = nullptr;
     const unsigned int stackSize =
         m_stackSize < UINT_MAX ? static_cast<unsigned int>(m_stackSize) : UINT_MAX;
-    TavThread* thread = nullptr;
-    const int result = tavXThreadCreate(&QBLThread::main, this, &thread, TavThreadAttrStackSize,
+    // Stores the record before the thread begins, which may then destroy this object.
+    const int result = tavXThreadCreate(&QBLThread::main, this, &m_pThread, TavThreadAttrStackSize,
                                         stackSize, TavThreadAttrEnd);
     switch (result) {
         case TAVTHREAD_OK:
-            m_pThread.store(thread);
             break;
         case TAVTHREAD_NOMEM:
             QBL_THROW(QBLOutOfMemoryError(0, kNoMemory));
@@ -104,7 +101,7 @@ void QBLThread::start() {
 }
 
 void QBLThread::join() {
-    TavThread* thread = m_pThread.load();
+    TavThread* thread = record();
     if (thread == nullptr) return;
     if (thread != tavThreadPeek() && thread->joinable.load() == TavJoinable::Joined) return;
     if (tavXThreadJoin(thread, nullptr) != TAVTHREAD_OK) {
@@ -115,8 +112,10 @@ void QBLThread::join() {
     }
 }
 
+TavThread* QBLThread::record() const { return __atomic_load_n(&m_pThread, __ATOMIC_ACQUIRE); }
+
 bool QBLThread::isAlive() const {
-    TavThread* thread = m_pThread.load();
+    TavThread* thread = record();
     return thread != nullptr && tavXThreadAlive(thread) != 0;
 }
 
@@ -134,8 +133,8 @@ void QBLThread::sleep(unsigned long ms) {
 
 int QBLThread::atExit(void (*routine)(), int set) {
     if (set != 0 && routine == nullptr) return -1;
-    if (!CurrentThread::instance().isOpen()) return -1;
-    QBLThread* thread = CurrentThread::instance().get();
+    if (!qblImmortal<CurrentThread>().isOpen()) return -1;
+    QBLThread* thread = qblImmortal<CurrentThread>().get();
     if (thread == nullptr) return -1;
     thread->m_pAtExit = set != 0 ? routine : nullptr;
     return 0;
@@ -143,7 +142,7 @@ int QBLThread::atExit(void (*routine)(), int set) {
 
 int QBLThread::Initialize() {
     try {
-        CurrentThread& current = CurrentThread::instance();
+        CurrentThread& current = qblImmortal<CurrentThread>();
         QBLThreadGuard guard(current.lock);
         current.makeKey();
         current.open = true;
@@ -158,7 +157,7 @@ int QBLThread::Initialize() {
 }
 
 int QBLThread::Terminate() {
-    CurrentThread& current = CurrentThread::instance();
+    CurrentThread& current = qblImmortal<CurrentThread>();
     QBLThreadGuard guard(current.lock);
     current.open = false;
     return TAVTHREAD_OK;
@@ -169,18 +168,20 @@ void* QBLThread::main(void* self) {
     return nullptr;
 }
 
-void QBLThread::execute() {
-    // start() stores the same, maybe later than the thread asks for it.
-    m_pThread.store(tavXThreadSelf());
-    if (!tavContain([this] { CurrentThread::instance().set(this); })) return;
+TAV_CATCHES_UNWINDING void QBLThread::execute() {
+    CurrentThread& current = qblImmortal<CurrentThread>();
+    if (!tavContain([&] { current.set(this); })) return;
     // Also when run() ends the thread from within, but not when it has destroyed the object.
-    struct Exit {
-        QBLThread* thread;
-        ~Exit() {
-            void (*routine)() = nullptr;
-            if (CurrentThread::instance().get() == thread) routine = thread->m_pAtExit;
-            if (routine != nullptr) tavContain(routine);
-        }
-    } exit{this};
-    tavContain([this] { m_pRunnable != nullptr ? m_pRunnable->run() : run(); });
+    const auto callAtExit = [&] {
+        if (current.get() != this || m_pAtExit == nullptr) return;
+        void (*const routine)() = m_pAtExit;
+        tavContain(routine);
+    };
+    try {
+        tavContain([this] { m_pRunnable != nullptr ? m_pRunnable->run() : run(); });
+    } catch (abi::__forced_unwind&) {
+        callAtExit();
+        throw;
+    }
+    callAtExit();
 }

@@ -1,8 +1,6 @@
 #ifndef QBLCORE_THREADS_QBLTHREAD_HPP
 #define QBLCORE_THREADS_QBLTHREAD_HPP
 
-#include <atomic>
-
 #include "QBLCore/Frame/QBLExport.h"
 #include "QBLCore/Threads/QBLThreadRunnable.hpp"
 
@@ -14,7 +12,7 @@ struct TavThread;
 /// its own destructor: once that has ended, the thread would run on half an object.
 ///
 /// Threads: start(), join() and the destructor belong to one owner; the other operations may
-/// be called by any thread.
+/// be called by any thread, isAlive() not while the owner starts the thread anew.
 ///
 ///     QBLThread thread(&job);
 ///     thread.start();
@@ -64,8 +62,9 @@ public:
 private:
     static void* main(void* self);
     void execute();
+    TavThread* record() const;
 
-    std::atomic<TavThread*> m_pThread;  // kept from start() to the next start or the destructor
+    TavThread* m_pThread;  // atomic; kept from start() to the next start or the destructor
     QBLThreadRunnable* m_pRunnable;
     unsigned long m_stackSize;
     void (*m_pAtExit)();  // used by the thread itself only

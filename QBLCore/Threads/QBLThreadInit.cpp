@@ -19,6 +19,6 @@ QBLThreadInit::QBLThreadInit() : m_bSuccess(false), m_iErrorCode(0) {
     if (!m_bSuccess) {
         char text[sizeof kFailed + 16];
         std::snprintf(text, sizeof text, kFailed, m_iErrorCode);
-        QBL_THROW(QBLThreadResourceError(m_iErrorCode, text));
+        QBL_THROW(QBLThreadResourceError(0, text));
     }
 }

@@ -1,5 +1,6 @@
 #include "QBLCore/Threads/QBLThreadProcess.h"
 
+#include "QBLCore/Frame/internal/QBLImmortal.hpp"
 #include "QBLCore/Threads/QBLThread.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
@@ -9,22 +10,16 @@ namespace {
 
 const char kLayerName[] = "QBLThreads";
 
-/// The starts not yet taken back. Never destroyed: a program may stop the library from its
-/// own last destructors.
+/// The starts not yet taken back.
 struct Starts {
     QBLThreadCriticalSection lock{0};
     int count = 0;  // guarded by lock
-
-    static Starts& instance() {
-        static Starts& one = *new Starts;
-        return one;
-    }
 };
 
 }  // namespace
 
 int qblThreadProcessInitialize(const char*) {
-    Starts& starts = Starts::instance();
+    Starts& starts = qblImmortal<Starts>();
     QBLThreadGuard guard(starts.lock);
     ++starts.count;
     // The layer's own result is deliberately not looked at: without the layer no thread starts,
@@ -34,7 +29,7 @@ int qblThreadProcessInitialize(const char*) {
 }
 
 int qblThreadProcessTerminate(const char*) {
-    Starts& starts = Starts::instance();
+    Starts& starts = qblImmortal<Starts>();
     QBLThreadGuard guard(starts.lock);
     if (starts.count > 0) --starts.count;
     tavThreadProcessTerminate(kLayerName);

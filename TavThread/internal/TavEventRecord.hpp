@@ -15,7 +15,8 @@ enum TavEventFlags : unsigned {
 
 /// While nobody waits the flags are all there is to the event, and change without the mutex. Once
 /// the waited-for mark is set a signal is given under the mutex, which a waiter holds when it looks
-/// for one: so none is lost, and a waiter that returns has nobody behind it still at work.
+/// for one: so none is lost. A waiter may return, and destroy the event, while its signaller is
+/// still under the mutex: destruction waits for that.
 struct TavEvent {
     pthread_mutex_t mutex;
     pthread_cond_t condition;

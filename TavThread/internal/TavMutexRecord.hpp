@@ -80,9 +80,11 @@ inline bool tavMutexTryLockPlain(TavMutex* m) {
     return tavMutexExtras(m) == 0 && pthread_mutex_trylock(&m->native) == 0;
 }
 
+/// The POSIX call cannot fail for such a mutex, so that the caller can end in it.
 inline bool tavMutexUnlockPlain(TavMutex* m) {
-    return __builtin_expect(tavMutexExtras(m) == 0, 1) &&
-           __builtin_expect(pthread_mutex_unlock(&m->native) == 0, 1);
+    if (__builtin_expect(tavMutexExtras(m) != 0, 0)) return false;
+    pthread_mutex_unlock(&m->native);
+    return true;
 }
 
 /// The same for a free mutex, or one that the caller holds, that is recursive and no more.

@@ -58,6 +58,7 @@ struct TavThread {
     // nobody uses the handle. Never held while waiting or calling out.
     pthread_mutex_t transition = PTHREAD_MUTEX_INITIALIZER;
     bool finished = false;  // guarded by transition: the handle may be dead
+    bool asleep = false;    // guarded by transition: suspended, or continued and not awake yet
 
     bool has(TavThreadFlags flag) const {
         return (flags.load(std::memory_order_acquire) & flag) != 0;

@@ -81,7 +81,13 @@ TEST(QBLListTest, RangeErasureStopsAtTheEndWhateverTheRange) {
     EXPECT_EQ((std::deque<int*>{a}), contents(list));
     list.erase(list.begin(), other.begin());
     EXPECT_TRUE(list.empty());
+    list.push_back(b);
+    list.erase(other.begin(), other.end());
+    list.erase(other.end());
+    EXPECT_EQ(1U, list.size());
     EXPECT_EQ(3U, other.size());
+    List::iterator third = ++ ++other.begin();
+    EXPECT_EQ(c, other.erase(other.begin(), third)[0]) << "where it stands now";
 }
 
 TEST(QBLListTest, CopiesAnElementOfItsOwnBeforeLinking) {

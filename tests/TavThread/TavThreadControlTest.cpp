@@ -84,6 +84,9 @@ TEST(TavThreadControlTest, SurvivesSuspendAndContinueFromSeveralThreads) {
         EXPECT_TRUE(runner.moves());
         tavXThreadSuspend(thread);
         EXPECT_TRUE(reaches(thread, TavThreadStateSuspended)) << round;
+        tavXThreadContinue(thread);
+        tavXThreadSuspend(thread);
+        EXPECT_TRUE(reaches(thread, TavThreadStateSuspended)) << "before it had woken up";
         const int stopped = runner.steps;
         sched_yield();
         EXPECT_EQ(stopped, runner.steps) << round;

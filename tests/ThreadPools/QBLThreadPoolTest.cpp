@@ -171,7 +171,7 @@ TEST_F(QBLThreadPoolTest, QueuedKeepsToItsCapacity) {
     EXPECT_TRUE(eventually([&] { return blocking.started == 1; }));
     EXPECT_EQ(1, pool.execute(&blocking, 0));
     EXPECT_EQ(0, pool.execute(&blocking, 0));
-    EXPECT_EQ(0, pool.execute(&blocking, 20));
+    EXPECT_EQ(0, pool.execute(nullptr, 20));
     gate.open();
     EXPECT_EQ(1, pool.execute(&blocking, QBLWaitForever));
 }

@@ -145,17 +145,17 @@ TEST_F(QBLThreadTest, RefusesToJoinItselfAndReportsFailedStarts) {
 }
 
 TEST_F(QBLThreadTest, MayBeDestroyedByItsOwnRunnable) {
-    QBLThread* thread = nullptr;
-    Gate ready, gone;
-    Job job([&] {
-        ready.wait();
-        delete thread;
-        gone.open();
-    });
-    thread = new QBLThread(&job);
-    thread->start();
-    ready.open();
-    EXPECT_TRUE(gone.wait());
+    for (int i = 0; i < 20; ++i) {
+        Gate gone;
+        QBLThread* thread = nullptr;
+        Job job([&] {
+            delete thread;  // at times before start() has returned
+            gone.open();
+        });
+        thread = new QBLThread(&job);
+        thread->start();
+        EXPECT_TRUE(gone.wait());
+    }
 }
 
 TEST(QBLThreadStoppedTest, CannotStartWithoutTheLibrary) {

@@ -1,0 +1,15 @@
+#ifndef QBLCORE_FRAME_INTERNAL_QBLIMMORTAL_HPP
+#define QBLCORE_FRAME_INTERNAL_QBLIMMORTAL_HPP
+
+#include <new>
+
+/// The one T of the process, made by the first call and never destroyed: a thread may still be
+/// alive, and a program call the library from its own last destructors, when the process ends.
+template <class T>
+T& qblImmortal() {
+    alignas(T) static unsigned char place[sizeof(T)];
+    static T& one = *new (place) T;
+    return one;
+}
+
+#endif
