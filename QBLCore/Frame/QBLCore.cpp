@@ -7,6 +7,7 @@
 #include <new>
 
 #include "QBLCore/Frame/internal/QBLImmortal.hpp"
+#include "QBLCore/QBLCustodian/QBLCustodian.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Threads/QBLThreadProcess.h"
@@ -47,6 +48,10 @@ int qblCoreInitialize() {
     if (++library.refCount != 1) return 0;
     int result = 0;
     if (qblThreadProcessInitialize(kName) < 0) result = kSubsystemFailed;
+    if (!QBLCustodian::initialize()) {
+        result = kSubsystemFailed;
+        qblThreadProcessTerminate(kName);
+    }
     if (!QBLHighResolutionTime::initialize()) {
         result = kSubsystemFailed;
         qblThreadProcessTerminate(kName);
@@ -60,6 +65,7 @@ int qblCoreTerminate() {
     if (library.refCount <= 0) return kNotStarted;
     if (--library.refCount > 0) return 0;
     QBLHighResolutionTime::terminate();
+    QBLCustodian::terminate();
     return qblThreadProcessTerminate(kName) < 0 ? kSubsystemFailed : 0;
 }
 

@@ -1,0 +1,14 @@
+#ifndef QBLCORE_FILEMANAGEMENT_QBLFMDESCRIPTOR_HPP
+#define QBLCORE_FILEMANAGEMENT_QBLFMDESCRIPTOR_HPP
+
+/// What QBLFmFile and QBLFmFile64 know of an open file. Descriptor 0 stands for a closed one, so
+/// that a file is never opened as 0: only standard input can have it.
+struct QBLFmDescriptor {
+    int m_iDescriptor = 0;
+    int m_iStandard = 0;  ///< non-zero for a standard stream, which is never closed
+    int m_iLastError = 0;
+
+    bool isOpen() const { return m_iDescriptor != 0 || m_iStandard != 0; }
+};
+
+#endif

@@ -1,0 +1,92 @@
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+#include "QBLCore/FileManagement/QBLFmDir.hpp"
+#include "QBLCore/FileManagement/internal/QBLFmSystem.hpp"
+
+namespace {
+
+/// The bytes of the character of UTF-8 that begins a text; 1 where there is none.
+std::size_t characterWidth(const char* text) {
+    const auto lead = static_cast<unsigned char>(*text);
+    const std::size_t width = lead < 0xC2 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+    for (std::size_t i = 1; i < width; ++i)
+        if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) return 1;
+    return width;
+}
+
+/// A mismatch goes back to the last "*" only, which takes one character more: what earlier ones
+/// took need not change. So the time is at most the product of both lengths.
+bool matches(const char* name, const char* pattern) {
+    const char* afterStar = nullptr;
+    const char* taken = nullptr;
+    while (*name != '\0') {
+        if (*pattern == '*') {
+            afterStar = ++pattern;
+            taken = name;
+        } else if (*pattern == '?') {
+            ++pattern;
+            name += characterWidth(name);
+        } else if (*pattern == *name) {
+            ++pattern;
+            ++name;
+        } else if (afterStar != nullptr) {
+            pattern = afterStar;
+            name = taken += characterWidth(taken);
+        } else {
+            return false;
+        }
+    }
+    while (*pattern == '*') ++pattern;
+    return *pattern == '\0';
+}
+
+/// Collects the names of one kind.
+class Collector {
+public:
+    Collector(std::list<std::string>* target, const char* pattern)
+        : m_pTarget(target), m_pPattern(pattern) {}
+
+    bool wanted() const { return m_pTarget != nullptr; }
+    void add(const char* name) {
+        if (m_pPattern == nullptr || *m_pPattern == '\0' || matches(name, m_pPattern))
+            m_names.emplace_back(name);
+    }
+    void finish() {
+        if (m_pTarget == nullptr) return;
+        std::sort(m_names.begin(), m_names.end());
+        std::list<std::string> sorted(std::make_move_iterator(m_names.begin()),
+                                      std::make_move_iterator(m_names.end()));
+        m_pTarget->swap(sorted);
+    }
+
+private:
+    std::list<std::string>* m_pTarget;
+    const char* m_pPattern;
+    std::vector<std::string> m_names;
+};
+
+bool isDirectory(int fd, const dirent64& entry) {
+    if (entry.d_type != DT_UNKNOWN && entry.d_type != DT_LNK) return entry.d_type == DT_DIR;
+    struct stat64 status;
+    return fstatat64(fd, entry.d_name, &status, 0) == 0 && S_ISDIR(status.st_mode);
+}
+
+}  // namespace
+
+bool QBLFmDir::readDir(const char* path, std::list<std::string>* files, const char* filePattern,
+                       std::list<std::string>* dirs, const char* dirPattern) {
+    if (path == nullptr) return qblFail(EFAULT);
+    QBLFmOpenDir dir(open64(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!dir.isOpen()) return false;
+    Collector fileNames(files, filePattern), dirNames(dirs, dirPattern);
+    while (const dirent64* entry = dir.next()) {
+        Collector& names = isDirectory(dir.descriptor(), *entry) ? dirNames : fileNames;
+        if (names.wanted()) names.add(entry->d_name);
+    }
+    if (errno != 0) return false;
+    fileNames.finish();
+    dirNames.finish();
+    return true;
+}

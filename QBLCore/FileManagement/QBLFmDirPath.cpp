@@ -1,0 +1,83 @@
+#include <cstring>
+#include <optional>
+
+#include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/FileManagement/QBLFmDir.hpp"
+#include "QBLCore/FileManagement/internal/QBLFmCharacters.hpp"
+#include "QBLCore/FileManagement/internal/QBLFmSetting.hpp"
+#include "QBLCore/FileManagement/internal/QBLFmSystem.hpp"
+#include "QBLCore/FileManagement/skipRootPath.hpp"
+
+namespace {
+
+struct WorkingDir : QBLFmSetting {};
+
+bool endsInSeparator(const std::string& path) {
+    if (path.empty() || !qblIsSeparator(path.back())) return false;
+    bool last = false;
+    for (QBLFmCharacters at(path.data(), path.size()); !at.atEnd(); at.stepAnyhow())
+        last = at.onSeparator();
+    return last;
+}
+
+bool isFile(const std::string& path) {
+    struct stat64 status;
+    return stat64(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
+}
+
+}  // namespace
+
+void QBLFmDir::joinPath(std::string& base, const char* relative) {
+    if (relative == nullptr || *relative == '\0') return;
+    std::string tail(relative);  // it may be part of the base
+    if (base.empty() || skipRootPath(tail.c_str()) > 0) {
+        base.swap(tail);
+        return;
+    }
+    if (!endsInSeparator(base)) base += '/';
+    base += tail;
+}
+
+bool QBLFmDir::splitPath(const char* path, std::string* directory, std::string* file) {
+    if (path == nullptr || (directory == nullptr && file == nullptr)) return false;
+    const std::string whole(path);  // it may be one of the parts
+    const long measured = skipRootPath(whole.c_str());
+    const std::size_t root = measured > 0 ? static_cast<std::size_t>(measured) : 0;
+    std::size_t end = root, begin = root;  // of the directory, of the file
+    QBLFmCharacters at(whole.data() + root, whole.size() - root);
+    for (; !at.atEnd(); at.stepAnyhow()) {
+        if (!at.onSeparator()) continue;
+        end = root + at.position();
+        begin = end + 1;
+    }
+    if (directory != nullptr) directory->assign(whole, 0, end);
+    if (file != nullptr) file->assign(whole, begin, std::string::npos);
+    return true;
+}
+
+void QBLFmDir::setEffectiveWorkingDir(const char* path) { qblImmortal<WorkingDir>().set(path); }
+
+void QBLFmDir::resolveEffectivePath(std::string& path) {
+    std::optional<std::string> dir = qblImmortal<WorkingDir>().get();
+    if (!dir || skipRootPath(path.c_str()) > 0) return;
+    if (path.compare(0, dir->size(), *dir) == 0) return;
+    joinPath(*dir, path.c_str());
+    path.swap(*dir);
+}
+
+std::string QBLFmDir::getFileFullPath(const char* fileName, const char* basePath,
+                                      const std::list<std::string>& searchDirs) {
+    QBL_ASSERT(fileName);
+    QBL_ASSERT(basePath);
+    std::string path(basePath);
+    joinPath(path, fileName);  // a name with a root replaces the base
+    if (isFile(path)) return path;
+    if (skipRootPath(fileName) > 0) return std::string();
+    for (const std::string& dir : searchDirs) {
+        path = basePath;
+        joinPath(path, dir.c_str());
+        joinPath(path, fileName);
+        if (isFile(path)) return path;
+    }
+    return std::string();
+}

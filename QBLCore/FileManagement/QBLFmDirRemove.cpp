@@ -1,0 +1,132 @@
+#include <string>
+#include <vector>
+
+#include "QBLCore/FileManagement/QBLFmDir.hpp"
+#include "QBLCore/FileManagement/internal/QBLFmSystem.hpp"
+
+namespace {
+
+constexpr int kOpenFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+
+/// Empties a directory. Only the directory being worked on is open, however deep the tree, and
+/// names are looked up in it, not from the path: so nobody can lead the removal astray by putting
+/// a link in its way. The way back up is "..", taken only if it leads where it came from.
+class TreeRemoval {
+public:
+    /// @param fd  taken over
+    explicit TreeRemoval(int fd) : m_fd(fd) {}
+    ~TreeRemoval() { ::close(m_fd); }
+    TreeRemoval(const TreeRemoval&) = delete;
+    TreeRemoval& operator=(const TreeRemoval&) = delete;
+
+    /// @return 0, or the error of the first failure.
+    int run() {
+        bool onTrack = enter(std::string());
+        while (onTrack) {
+            std::vector<std::string>& subdirs = m_levels.back().subdirs;
+            if (!subdirs.empty()) {
+                std::string name = std::move(subdirs.back());
+                subdirs.pop_back();
+                onTrack = descend(std::move(name));
+            } else if (m_levels.size() > 1) {
+                onTrack = ascend();
+            } else {
+                break;
+            }
+        }
+        return m_iError;
+    }
+
+private:
+    struct Level {
+        std::string name;  // in the directory above
+        dev_t device;
+        ino64_t inode;
+        std::vector<std::string> subdirs;  // still to be removed
+    };
+
+    /// Keeps the first error. @return what it was given
+    bool note(bool done) {
+        if (!done && m_iError == 0) m_iError = errno;
+        return done;
+    }
+
+    /// Makes the open directory the last level and removes all its files.
+    bool enter(std::string name) {
+        struct stat64 status;
+        if (!note(fstat64(m_fd, &status) == 0)) return false;
+        m_levels.push_back({std::move(name), status.st_dev, status.st_ino, {}});
+        std::vector<std::string> files;
+        QBLFmOpenDir list(fcntl(m_fd, F_DUPFD_CLOEXEC, 0));
+        if (!note(list.isOpen())) return true;
+        while (const dirent64* entry = list.next())
+            (isDirectory(*entry) ? m_levels.back().subdirs : files).emplace_back(entry->d_name);
+        note(errno == 0);
+        for (const std::string& file : files) note(unlinkat(m_fd, file.c_str(), 0) == 0);
+        return true;
+    }
+
+    bool isDirectory(const dirent64& entry) const {
+        if (entry.d_type != DT_UNKNOWN) return entry.d_type == DT_DIR;
+        struct stat64 status;
+        return fstatat64(m_fd, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+               S_ISDIR(status.st_mode);
+    }
+
+    bool descend(std::string name) {
+        const int fd = openat64(m_fd, name.c_str(), kOpenFlags);
+        if (fd < 0) {
+            // One that may not be read can go if it is empty.
+            const int error = errno;
+            if (unlinkat(m_fd, name.c_str(), AT_REMOVEDIR) != 0) note(qblFail(error));
+            return true;
+        }
+        ::close(m_fd);
+        m_fd = fd;
+        return enter(std::move(name));
+    }
+
+    bool ascend() {
+        const Level& above = m_levels[m_levels.size() - 2];
+        const int fd = openat64(m_fd, "..", kOpenFlags);
+        if (!note(fd >= 0)) return false;
+        ::close(m_fd);
+        m_fd = fd;
+        struct stat64 status;
+        if (!note(fstat64(fd, &status) == 0)) return false;
+        if (status.st_dev != above.device || status.st_ino != above.inode)
+            return note(qblFail(ESTALE));
+        note(unlinkat(m_fd, m_levels.back().name.c_str(), AT_REMOVEDIR) == 0);
+        m_levels.pop_back();
+        return true;
+    }
+
+    int m_fd;
+    std::vector<Level> m_levels;
+    int m_iError = 0;
+};
+
+bool isRemovable(const std::string& path) {
+    if (path.empty()) return qblFail(ENOENT);
+    if (path == "/") return qblFail(EBUSY);
+    const std::size_t slash = path.rfind('/');
+    const bool dots = qblIsDots(path.c_str() + (slash != std::string::npos ? slash + 1 : 0));
+    return !dots || qblFail(EINVAL);
+}
+
+}  // namespace
+
+bool QBLFmDir::removeDir(const char* path) {
+    if (path == nullptr) return qblFail(EFAULT);
+    std::string dir(path);
+    while (dir.size() > 1 && dir.back() == '/') dir.pop_back();  // it would follow a link
+    if (!isRemovable(dir)) return false;
+    const int fd = open64(dir.c_str(), kOpenFlags);
+    if (fd >= 0) {
+        const int error = TreeRemoval(fd).run();
+        if (error != 0) return qblFail(error);
+    } else if (errno != EACCES) {
+        return false;
+    }
+    return rmdir(dir.c_str()) == 0;
+}

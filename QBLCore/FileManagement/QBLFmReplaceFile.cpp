@@ -1,0 +1,158 @@
+#include "QBLCore/FileManagement/QBLFmReplaceFile.hpp"
+
+#include <atomic>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <new>
+
+#include "QBLCore/FileManagement/internal/QBLFmSystem.hpp"
+
+namespace {
+
+constexpr int kAttempts = 500;
+std::atomic<unsigned> g_counter{0};
+
+/// A name that no other version being written has. One that a crash has left may have it.
+std::string temporaryName() {
+    return ".QBLFm" + std::to_string(getpid()) + "." + std::to_string(++g_counter);
+}
+
+void closeQuietly(int& fd) {
+    const int error = errno;
+    if (fd >= 0) ::close(fd);
+    fd = -1;
+    errno = error;
+}
+
+}  // namespace
+
+QBLFmReplaceFile::QBLFmReplaceFile()
+    : m_iDirectory(-1),
+      m_iFile(-1),
+      m_iLastError(0),
+      m_bBroken(false),
+      m_bCommitted(false),
+      m_message() {}
+
+QBLFmReplaceFile::~QBLFmReplaceFile() { discard(); }
+
+bool QBLFmReplaceFile::failed(int error) {
+    m_iLastError = error;
+    return false;
+}
+
+bool QBLFmReplaceFile::isOpen() const { return m_iFile >= 0; }
+
+bool QBLFmReplaceFile::isCommitted() const { return m_bCommitted; }
+
+int QBLFmReplaceFile::getLastErrorNumber() const { return m_iLastError; }
+
+const char* QBLFmReplaceFile::getLastErrorMessage() {
+    return strerror_r(m_iLastError, m_message, sizeof m_message);
+}
+
+bool QBLFmReplaceFile::open(const char* path) {
+    discard();
+    m_iLastError = 0;
+    m_bBroken = m_bCommitted = false;
+    try {
+        if (path == nullptr) return failed(EFAULT);
+        if (locate(path) && create()) return true;
+        failed(errno);
+    } catch (const std::bad_alloc&) {
+        failed(ENOMEM);
+    }
+    const int error = m_iLastError;
+    discard();
+    return failed(error);
+}
+
+// Opens the directory and keeps it: the process may go to another one before it commits.
+bool QBLFmReplaceFile::locate(const char* path) {
+    const std::unique_ptr<char, decltype(&std::free)> real(realpath(path, nullptr), &std::free);
+    struct stat64 status;
+    if (real == nullptr && (errno != ENOENT || lstat64(path, &status) == 0)) return false;
+    std::string whole(real != nullptr ? real.get() : path);
+    const std::size_t slash = whole.rfind('/');
+    m_name = slash != std::string::npos ? whole.substr(slash + 1) : whole;
+    if (m_name.empty() || qblIsDots(m_name.c_str())) return qblFail(EISDIR);
+    whole.resize(slash != std::string::npos ? slash : 0);
+    if (slash == 0) whole = "/";
+    m_iDirectory = open64(whole.empty() ? "." : whole.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    return m_iDirectory >= 0;
+}
+
+bool QBLFmReplaceFile::create() {
+    struct stat64 old;
+    const bool replaces = fstatat64(m_iDirectory, m_name.c_str(), &old, AT_SYMLINK_NOFOLLOW) == 0;
+    if (!replaces && errno != ENOENT) return false;
+    if (replaces && !S_ISREG(old.st_mode)) return qblFail(S_ISDIR(old.st_mode) ? EISDIR : EINVAL);
+    if (replaces && faccessat(m_iDirectory, m_name.c_str(), W_OK, AT_EACCESS) != 0) return false;
+    for (int i = 0; i < kAttempts && m_iFile < 0; ++i) {
+        m_temporary = temporaryName();
+        // Nobody else may look into it before it has its owner.
+        m_iFile = openat64(m_iDirectory, m_temporary.c_str(),
+                           O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, replaces ? 0600 : 0666);
+        if (m_iFile < 0) m_temporary.clear();
+        if (m_iFile < 0 && errno != EEXIST) return false;
+    }
+    return m_iFile >= 0 && (!replaces || keepOwnerAndMode(old.st_mode, old.st_uid, old.st_gid));
+}
+
+bool QBLFmReplaceFile::keepOwnerAndMode(unsigned mode, unsigned user, unsigned group) {
+    struct stat64 status;
+    if (fstat64(m_iFile, &status) != 0) return false;
+    if (status.st_uid != user || status.st_gid != group) {
+        if (fchown(m_iFile, user, group) != 0 &&
+            fchown(m_iFile, static_cast<uid_t>(-1), group) != 0)
+            errno = 0;  // may not be allowed; what came of it is looked at
+        if (fstat64(m_iFile, &status) != 0) return false;
+    }
+    mode &= 07777;
+    if (status.st_uid != user) mode &= ~static_cast<unsigned>(S_ISUID);
+    if (status.st_gid != group) mode = (mode & ~02070U) | (mode & (mode << 3) & 070U);
+    return fchmod(m_iFile, mode) == 0;
+}
+
+bool QBLFmReplaceFile::write(const void* data, unsigned long size) {
+    if (!isOpen()) return failed(EBADF);
+    const char* next = static_cast<const char*>(data);
+    while (size != 0) {
+        const ssize_t put = ::write(m_iFile, next, size < 0x40000000 ? size : 0x40000000);
+        if (put < 0 && errno == EINTR) continue;
+        if (put < 0) {
+            m_bBroken = true;
+            return failed(errno);
+        }
+        next += put;
+        size -= static_cast<unsigned long>(put);
+    }
+    return true;
+}
+
+bool QBLFmReplaceFile::commit() {
+    if (!isOpen()) return failed(EBADF);
+    bool done = !m_bBroken && fsync(m_iFile) == 0;
+    if (m_bBroken) errno = m_iLastError;
+    if (done) {
+        done = ::close(m_iFile) == 0;
+        m_iFile = -1;
+    }
+    if (done) done = renameat(m_iDirectory, m_temporary.c_str(), m_iDirectory, m_name.c_str()) == 0;
+    if (done) {
+        m_bCommitted = true;
+        m_temporary.clear();
+        done = fsync(m_iDirectory) == 0;
+    }
+    if (!done) failed(errno);
+    discard();
+    return done;
+}
+
+void QBLFmReplaceFile::discard() {
+    closeQuietly(m_iFile);
+    if (!m_temporary.empty()) unlinkat(m_iDirectory, m_temporary.c_str(), 0);
+    m_temporary.clear();
+    closeQuietly(m_iDirectory);
+}

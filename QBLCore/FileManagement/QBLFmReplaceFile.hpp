@@ -1,0 +1,72 @@
+#ifndef QBLCORE_FILEMANAGEMENT_QBLFMREPLACEFILE_HPP
+#define QBLCORE_FILEMANAGEMENT_QBLFMREPLACEFILE_HPP
+
+#include <string>
+
+#include "QBLCore/Frame/QBLExport.h"
+
+/// Writes a new version of a file beside it and puts it in its place in one step. Whoever opens the
+/// file sees the old version or the new one, whole; so it is after a crash at any moment, which may
+/// only leave the unfinished version behind, under a name that begins with ".QBLFm".
+///
+/// - The new version has the mode of the old one; without an old one, 0666 less the umask.
+/// - It has the old one's owner and group as far as the caller may give them. Where not, bits that
+///   would run it as its owner or group are taken off, and a group of its own may do no more than
+///   everybody. Access control lists and other extended attributes are not kept.
+/// - An old version that the caller may not write is not replaced.
+/// - A symbolic link stays, and what it leads to is replaced; one that leads nowhere is refused.
+/// - Other names of the file (hard links) keep the old version, as do programs that have it open.
+/// - Two replacements at a time do not mix; the later commit() is the one that stays.
+///
+/// Nothing throws; a failure is a false result, and getLastErrorNumber() tells why.
+///
+/// Threads: one at a time for each object.
+///
+///     QBLFmReplaceFile file;
+///     bool ok = file.open(path) && file.write(text, size) && file.commit();
+class QBL_API QBLFmReplaceFile {
+public:
+    QBLFmReplaceFile();
+    /// Discards a version that was not committed.
+    ~QBLFmReplaceFile();
+    QBLFmReplaceFile(const QBLFmReplaceFile&) = delete;
+    QBLFmReplaceFile& operator=(const QBLFmReplaceFile&) = delete;
+
+    /// Begins a new, empty version, discarding one that was begun. The file need not be there; its
+    /// directory must, and must allow new files.
+    [[nodiscard]] bool open(const char* path);
+    /// Appends to the new version.
+    /// @return false unless all was written; the version is then good for discard() only.
+    [[nodiscard]] bool write(const void* data, unsigned long size);
+    /// Waits until the new version is on the disk and gives it the file's name. The object is
+    /// closed then, whatever came of it.
+    /// @return false when that failed and the old version stays; also when all was done but the
+    ///     system could not say whether the new name would survive a loss of power. isCommitted()
+    ///     tells the two apart.
+    [[nodiscard]] bool commit();
+    /// Whether the last version begun has taken the file's place.
+    bool isCommitted() const;
+    /// Removes the new version; nothing if there is none.
+    void discard();
+    bool isOpen() const;
+
+    int getLastErrorNumber() const;
+    const char* getLastErrorMessage();
+
+private:
+    bool failed(int error);
+    bool locate(const char* path);
+    bool create();
+    bool keepOwnerAndMode(unsigned mode, unsigned user, unsigned group);
+
+    int m_iDirectory;  // -1 when nothing is open
+    int m_iFile;       // -1 when nothing is open
+    std::string m_name;
+    std::string m_temporary;  // both in the directory; empty when there is none
+    int m_iLastError;
+    bool m_bBroken;  // by a failed write
+    bool m_bCommitted;
+    char m_message[64];  // for errors that the system has no fixed text for
+};
+
+#endif

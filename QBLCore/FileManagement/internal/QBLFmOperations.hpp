@@ -1,0 +1,180 @@
+#ifndef QBLCORE_FILEMANAGEMENT_INTERNAL_QBLFMOPERATIONS_HPP
+#define QBLCORE_FILEMANAGEMENT_INTERNAL_QBLFMOPERATIONS_HPP
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <new>
+
+#include "QBLCore/FileManagement/QBLFmDescriptor.hpp"
+
+/// What the two file classes do alike. Calls names the system's calls for their offsets. Errors are
+/// saved by the object's own operation, which a derived class may have overridden, as it may have
+/// those that are used here.
+template <class Calls>
+struct QBLFmOperations {
+    typedef typename Calls::Count Count;
+    typedef typename Calls::Size Size;
+    typedef typename Calls::Offset Offset;
+
+    template <class File>
+    static Count read(File& self, const QBLFmDescriptor& file, void* buffer, Size size) {
+        if (!file.isOpen()) return -1;
+        return counted(self, ::read(file.m_iDescriptor, buffer, clamped(size)));
+    }
+
+    template <class File>
+    static Count write(File& self, const QBLFmDescriptor& file, const void* buffer, Size size) {
+        if (!file.isOpen()) return -1;
+        return counted(self, ::write(file.m_iDescriptor, buffer, clamped(size)));
+    }
+
+    template <class File>
+    static Offset seek(File& self, const QBLFmDescriptor& file, Offset offset, int origin) {
+        if (!file.isOpen()) return -1;
+        const Offset position = Calls::seek(file.m_iDescriptor, offset, origin);
+        if (position >= 0) return position;
+        if (file.m_iStandard != 0) return 0;
+        self.logLastError();
+        return -1;
+    }
+
+    template <class File>
+    static bool append(File& self, const QBLFmDescriptor& file, File& other,
+                       const QBLFmDescriptor& source) {
+        if (!file.isOpen() || !source.isOpen()) return failed(self, EBADF);
+        const std::int64_t ownRest = restOfOwn(file, source);
+        if (self.seek(0, File::end) < 0) return false;
+        char small[1024];
+        Size size = 65536;
+        const std::unique_ptr<char[]> large(new (std::nothrow) char[size]);
+        if (large == nullptr) size = sizeof small;
+        return copy(self, other, large != nullptr ? large.get() : small, size, ownRest);
+    }
+
+    template <class File>
+    static bool open(File& self, QBLFmDescriptor& file, const char* name, int flags, int readOnly) {
+        if (file.isOpen() && !self.close()) return false;
+        if (name == nullptr) return failed(self, EFAULT);
+        if (readOnly == 0) flags = (flags & ~O_ACCMODE) | O_RDWR;
+        int fd = Calls::open(name, flags);
+        if (fd == 0) fd = awayFromZero();
+        if (fd < 0) return failed(self, errno);
+        file.m_iDescriptor = fd;
+        return true;
+    }
+
+    template <class File>
+    static bool openStandard(File& self, QBLFmDescriptor& file, int stream) {
+        if (file.isOpen() && !self.close()) return true;
+        FILE* const streams[] = {stdin, stdout, stderr};
+        if (stream < 0 || stream > 2) return false;
+        const int fd = fileno(streams[stream]);
+        if (fd < 0) return failed(self, errno);
+        file.m_iDescriptor = fd;
+        file.m_iStandard = 1;
+        return true;
+    }
+
+    /// The descriptor is gone even if the system reports an error: to close it again could hit
+    /// one that another thread has just opened.
+    template <class File>
+    static bool close(File& self, QBLFmDescriptor& file) {
+        const bool own = file.isOpen() && file.m_iStandard == 0;
+        const int fd = file.m_iDescriptor;
+        file.m_iDescriptor = file.m_iStandard = 0;
+        if (own && ::close(fd) != 0) return failed(self, errno);
+        file.m_iLastError = 0;
+        return true;
+    }
+
+    template <class File>
+    static Offset getLength(File& self, const QBLFmDescriptor& file) {
+        if (!file.isOpen()) return Calls::kNoLength;
+        struct stat64 status;
+        int error = fstat64(file.m_iDescriptor, &status) != 0 ? errno : 0;
+        if (error == 0 && status.st_size > Calls::kLongest) error = EOVERFLOW;
+        if (error == 0) return static_cast<Offset>(status.st_size);
+        failed(self, error);
+        return Calls::kNoLength;
+    }
+
+    template <class File>
+    static bool flush(File& self, const QBLFmDescriptor& file) {
+        if (!file.isOpen()) return false;
+        if (file.m_iStandard != 0) return true;
+        return fsync(file.m_iDescriptor) == 0 || failed(self, errno);
+    }
+
+    template <class File>
+    static bool truncate(File& self, const QBLFmDescriptor& file, Offset length) {
+        if (!file.isOpen() || file.m_iStandard != 0) return false;
+        return Calls::truncate(file.m_iDescriptor, length) == 0 || failed(self, errno);
+    }
+
+private:
+    template <class File>
+    static bool failed(File& self, int error) {
+        errno = error;
+        self.logLastError();
+        return false;
+    }
+
+    template <class File>
+    static Count counted(File& self, ssize_t result) {
+        if (result < 0) self.logLastError();
+        return static_cast<Count>(result);
+    }
+
+    /// What the result can express.
+    static std::size_t clamped(Size size) {
+        const auto most = static_cast<std::size_t>(std::numeric_limits<Count>::max());
+        return std::min<std::size_t>(size, most);
+    }
+
+    /// Standard input was closed, and the new file got its descriptor.
+    static int awayFromZero() {
+        const int fd = fcntl(0, F_DUPFD, 3);
+        const int error = errno;
+        ::close(0);
+        errno = error;
+        return fd;
+    }
+
+    /// Bytes between the source's position and its end if it is the same file as the target,
+    /// which would otherwise never come to its end; else -1.
+    static std::int64_t restOfOwn(const QBLFmDescriptor& file, const QBLFmDescriptor& source) {
+        struct stat64 a, b;
+        if (fstat64(file.m_iDescriptor, &a) != 0 || fstat64(source.m_iDescriptor, &b) != 0 ||
+            a.st_dev != b.st_dev || a.st_ino != b.st_ino || !S_ISREG(a.st_mode))
+            return -1;
+        const std::int64_t position = lseek64(source.m_iDescriptor, 0, SEEK_CUR);
+        return std::max<std::int64_t>(a.st_size - position, 0);
+    }
+
+    /// @param rest  of the source to be copied; negative for all
+    template <class File>
+    static bool copy(File& self, File& other, char* buffer, Size size, std::int64_t rest) {
+        while (rest != 0) {
+            const Size wanted = rest > 0 && rest < size ? static_cast<Size>(rest) : size;
+            const Count got = other.read(buffer, wanted);
+            if (got == 0) return true;
+            if (got < 0) return failed(self, errno);
+            errno = 0;
+            const Count put = self.write(buffer, static_cast<Size>(got));
+            if (put != got) return failed(self, errno != 0 ? errno : ENOSPC);
+            if (rest > 0) rest -= got;
+        }
+        return true;
+    }
+};
+
+#endif

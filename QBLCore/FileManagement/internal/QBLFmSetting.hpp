@@ -1,0 +1,31 @@
+#ifndef QBLCORE_FILEMANAGEMENT_INTERNAL_QBLFMSETTING_HPP
+#define QBLCORE_FILEMANAGEMENT_INTERNAL_QBLFMSETTING_HPP
+
+#include <optional>
+#include <string>
+
+#include "QBLCore/Frame/internal/QBLImmortal.hpp"
+#include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
+#include "QBLCore/Threads/QBLThreadGuard.hpp"
+
+/// A path that is set for the whole process, or not set.
+class QBLFmSetting {
+public:
+    /// Null or empty takes the setting away.
+    void set(const char* path) {
+        std::optional<std::string> value;
+        if (path != nullptr && *path != '\0') value.emplace(path);
+        QBLThreadGuard guard(m_lock);
+        m_value.swap(value);
+    }
+    std::optional<std::string> get() {
+        QBLThreadGuard guard(m_lock);
+        return m_value;
+    }
+
+private:
+    QBLThreadCriticalSection m_lock{0};
+    std::optional<std::string> m_value QBL_GUARDED_BY(m_lock);
+};
+
+#endif

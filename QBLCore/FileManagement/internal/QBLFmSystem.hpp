@@ -1,0 +1,66 @@
+#ifndef QBLCORE_FILEMANAGEMENT_INTERNAL_QBLFMSYSTEM_HPP
+#define QBLCORE_FILEMANAGEMENT_INTERNAL_QBLFMSYSTEM_HPP
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+/// A directory that the owner may read and write, as QBLFmDir::exists takes it.
+constexpr unsigned short kQblWritableDir = S_IFDIR | S_IRUSR | S_IWUSR;
+
+/// Sets errno. @return false
+inline bool qblFail(int error) {
+    errno = error;
+    return false;
+}
+
+inline bool qblIsDots(const char* name) {
+    return name[0] == '.' && (name[1] == '\0' || (name[1] == '.' && name[2] == '\0'));
+}
+
+/// An open directory; closed by the destructor, which leaves errno alone.
+class QBLFmOpenDir {
+public:
+    QBLFmOpenDir() = default;
+    explicit QBLFmOpenDir(int fd) { open(fd); }
+    ~QBLFmOpenDir() { close(); }
+    QBLFmOpenDir(const QBLFmOpenDir&) = delete;
+    QBLFmOpenDir& operator=(const QBLFmOpenDir&) = delete;
+
+    /// Takes over a descriptor, of which -1 with errno set is passed on.
+    /// @return false with errno set when that fails.
+    bool open(int fd) {
+        close();
+        if (fd < 0) return false;
+        m_pStream = fdopendir(fd);
+        if (m_pStream != nullptr) return true;
+        const int error = errno;
+        ::close(fd);
+        return qblFail(error);
+    }
+    bool isOpen() const { return m_pStream != nullptr; }
+    int descriptor() const { return dirfd(m_pStream); }
+    /// The next entry but "." and "..". @return null at the end, and with errno set on a failure.
+    dirent64* next() {
+        dirent64* entry;
+        do {
+            errno = 0;
+            entry = readdir64(m_pStream);
+        } while (entry != nullptr && qblIsDots(entry->d_name));
+        return entry;
+    }
+    void close() {
+        const int error = errno;
+        if (m_pStream != nullptr) closedir(m_pStream);
+        m_pStream = nullptr;
+        errno = error;
+    }
+
+private:
+    DIR* m_pStream = nullptr;
+};
+
+#endif

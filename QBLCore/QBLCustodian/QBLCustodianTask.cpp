@@ -1,0 +1,3 @@
+#include "QBLCore/QBLCustodian/QBLCustodianTask.hpp"
+
+QBLCustodianTask::~QBLCustodianTask() = default;
