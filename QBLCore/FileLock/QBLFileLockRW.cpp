@@ -18,17 +18,13 @@ const char kReleasing[] =
     "Error releasing a file lock. The error message retrieved from underlining system is: ";
 
 /// Throws unless the call succeeded; errno tells why it did not.
-void settle(int result, const QBLFileLocation& where, const char* operation, const char* text) {
+void settle(int result, const QBLFileLocation& where, const char* text) {
     if (result != 0) return;
     const int error = errno;
     char buffer[64];
     const char* reason = strerror_r(error, buffer, sizeof buffer);
-    try {
-        QBLRuntimeError(0, (std::string(text) + reason + ".").c_str())
-            .hurl(where, operation, "QBL_THROW");
-    } catch (const std::bad_alloc&) {
-        qblRethrowTranslated(where, operation);
-    }
+    QBLRuntimeError(0, (std::string(text) + reason + ".").c_str())
+        .hurl(where, nullptr, "QBL_THROW");
 }
 
 }  // namespace
@@ -46,21 +42,30 @@ void QBLFileLockRW::setFile(QBLFmFile* file) { m_file = file; }
 // The assertions' texts are as they are written here.
 
 void QBLFileLockRW::lock() QBL_NO_THREAD_SAFETY_ANALYSIS {
-    QBL_ASSERT(m_file != NULL);
-    settle(M_LockFile(m_file->getFileDescriptor(), 0, 1), QBL_HERE, "QBLFileLockRW::lock",
-           kObtaining);
+    try {
+        QBL_ASSERT(m_file != NULL);
+        settle(M_LockFile(m_file->getFileDescriptor(), 0, 1), QBL_HERE, kObtaining);
+    } catch (...) {
+        qblRethrowTranslated(QBL_HERE, "QBLFileLockRW::lock");
+    }
 }
 
 void QBLFileLockRW::unlock() QBL_NO_THREAD_SAFETY_ANALYSIS {
-    QBL_ASSERT(m_file != NULL);
-    settle(M_UnLockFile(m_file->getFileDescriptor()), QBL_HERE, "QBLFileLockRW::unlock",
-           kReleasing);
+    try {
+        QBL_ASSERT(m_file != NULL);
+        settle(M_UnLockFile(m_file->getFileDescriptor()), QBL_HERE, kReleasing);
+    } catch (...) {
+        qblRethrowTranslated(QBL_HERE, "QBLFileLockRW::unlock");
+    }
 }
 
 void QBLFileLockRW::readLock() QBL_NO_THREAD_SAFETY_ANALYSIS {
-    QBL_ASSERT(m_file != NULL);
-    settle(M_LockFile(m_file->getFileDescriptor(), 1, 1), QBL_HERE, "QBLFileLockRW::readLock",
-           kObtaining);
+    try {
+        QBL_ASSERT(m_file != NULL);
+        settle(M_LockFile(m_file->getFileDescriptor(), 1, 1), QBL_HERE, kObtaining);
+    } catch (...) {
+        qblRethrowTranslated(QBL_HERE, "QBLFileLockRW::readLock");
+    }
 }
 
 int QBLFileLockRW::tryLock() QBL_NO_THREAD_SAFETY_ANALYSIS {

@@ -6,11 +6,12 @@
 
 bool QBLFmDir::exists(const char* path, unsigned short mode) {
     if (path == nullptr) return qblFail(EFAULT);
-    struct stat64 status;
-    if (stat64(path, &status) != 0) return false;
-    const unsigned permissions = mode & ~static_cast<unsigned>(S_IFMT);
-    return (status.st_mode & S_IFMT) == (mode & S_IFMT) &&
-           (status.st_mode & permissions) == permissions;
+    QBLFmStatus status;
+    if (!status.get(path)) return false;
+    const unsigned type = mode & static_cast<unsigned>(S_IFMT), permissions = mode & ~type;
+    if ((status.mode() & S_IFMT) != type)
+        return qblFail(type == S_IFDIR ? ENOTDIR : status.isDirectory() ? EISDIR : EINVAL);
+    return (status.mode() & permissions) == permissions || qblFail(EACCES);
 }
 
 bool QBLFmDir::createDir(const char* path) {
@@ -25,14 +26,16 @@ bool QBLFmDir::createRecursiveDir(const char* path) {
     if (path == nullptr) return qblFail(EFAULT);
     if (createDir(path)) return true;
     if (errno != ENOENT) return false;
-    std::string part(path);
-    // Only "/" separates here: to the system a backslash is part of a name.
-    for (std::size_t i = part.find('/', 1); i != std::string::npos; i = part.find('/', i + 1)) {
-        part[i] = '\0';
-        if (!createDir(part.c_str())) return false;
-        part[i] = '/';
-    }
-    return createDir(path);
+    return qblOrNoMemory([path] {
+        std::string part(path);
+        // Only "/" separates here: to the system a backslash is part of a name.
+        for (std::size_t i = part.find('/', 1); i != std::string::npos; i = part.find('/', i + 1)) {
+            part[i] = '\0';
+            if (!createDir(part.c_str())) return false;
+            part[i] = '/';
+        }
+        return createDir(path);
+    });
 }
 
 bool QBLFmDir::removeFile(const char* path) {

@@ -9,8 +9,8 @@
 /// Operations on paths, directories and the names of files. Paths are bytes as the system takes
 /// them; names that are not valid in any encoding are as good as others.
 ///
-/// Nothing here throws but for lack of memory (std::bad_alloc) and where said: a failure is a false
-/// result, and errno tells why. A null path fails.
+/// A failure is a false result, and errno tells why; a null path fails. Nothing throws but
+/// operations without such a result: QBLOutOfMemoryError, and what is said with them.
 ///
 /// Threads: any thread may call any operation; the two process-wide settings have a lock each.
 class QBL_API QBLFmDir {
@@ -32,10 +32,12 @@ public:
     static bool removeDir(const char* path);
     /// Lists the names in a directory, sorted by their bytes, without "." and "..".
     /// A link counts as what it leads to; one that leads nowhere, as a file.
-    /// @param files  receives the names of all that are no directories; null if not wanted
+    /// @param files  receives the names of all that are no directories, instead of what was in it;
+    /// null if
+    ///     not wanted
     /// @param filePattern  lists only matching names: "*" stands for any text, "?" for one
     ///     character of UTF-8, case counts; null or empty lists all
-    /// @param dirs, dirPattern  the same for the directories
+    /// @param dirs, dirPattern  the same for the directories, in a list of their own
     /// @return false when the directory cannot be read; the lists are then as they were.
     static bool readDir(const char* path, std::list<std::string>* files, const char* filePattern,
                         std::list<std::string>* dirs, const char* dirPattern);

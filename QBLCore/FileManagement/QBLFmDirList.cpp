@@ -53,24 +53,26 @@ public:
         if (m_pPattern == nullptr || *m_pPattern == '\0' || matches(name, m_pPattern))
             m_names.emplace_back(name);
     }
-    void finish() {
-        if (m_pTarget == nullptr) return;
+    void sort() {
         std::sort(m_names.begin(), m_names.end());
-        std::list<std::string> sorted(std::make_move_iterator(m_names.begin()),
-                                      std::make_move_iterator(m_names.end()));
-        m_pTarget->swap(sorted);
+        m_sorted.assign(std::make_move_iterator(m_names.begin()),
+                        std::make_move_iterator(m_names.end()));
+    }
+    void finish() {
+        if (m_pTarget != nullptr) m_pTarget->swap(m_sorted);
     }
 
 private:
     std::list<std::string>* m_pTarget;
     const char* m_pPattern;
     std::vector<std::string> m_names;
+    std::list<std::string> m_sorted;
 };
 
 bool isDirectory(int fd, const dirent64& entry) {
     if (entry.d_type != DT_UNKNOWN && entry.d_type != DT_LNK) return entry.d_type == DT_DIR;
-    struct stat64 status;
-    return fstatat64(fd, entry.d_name, &status, 0) == 0 && S_ISDIR(status.st_mode);
+    QBLFmStatus status;
+    return status.get(fd, entry.d_name, 0) && status.isDirectory();
 }
 
 }  // namespace
@@ -80,13 +82,17 @@ bool QBLFmDir::readDir(const char* path, std::list<std::string>* files, const ch
     if (path == nullptr) return qblFail(EFAULT);
     QBLFmOpenDir dir(open64(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!dir.isOpen()) return false;
-    Collector fileNames(files, filePattern), dirNames(dirs, dirPattern);
-    while (const dirent64* entry = dir.next()) {
-        Collector& names = isDirectory(dir.descriptor(), *entry) ? dirNames : fileNames;
-        if (names.wanted()) names.add(entry->d_name);
-    }
-    if (errno != 0) return false;
-    fileNames.finish();
-    dirNames.finish();
-    return true;
+    return qblOrNoMemory([&] {
+        Collector fileNames(files, filePattern), dirNames(dirs, dirPattern);
+        while (const dirent64* entry = dir.next()) {
+            Collector& names = isDirectory(dir.descriptor(), *entry) ? dirNames : fileNames;
+            if (names.wanted()) names.add(entry->d_name);
+        }
+        if (errno != 0) return false;
+        fileNames.sort();
+        dirNames.sort();
+        fileNames.finish();
+        dirNames.finish();
+        return true;
+    });
 }

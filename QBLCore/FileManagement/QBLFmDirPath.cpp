@@ -1,6 +1,7 @@
 #include <cstring>
 #include <optional>
 
+#include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmCharacters.hpp"
@@ -21,54 +22,68 @@ bool endsInSeparator(const std::string& path) {
 }
 
 bool isFile(const std::string& path) {
-    struct stat64 status;
-    return stat64(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
+    QBLFmStatus status;
+    return status.get(path.c_str()) && !status.isDirectory();
 }
 
 }  // namespace
 
 void QBLFmDir::joinPath(std::string& base, const char* relative) {
     if (relative == nullptr || *relative == '\0') return;
+    QBL_ALLOC_TRY
     std::string tail(relative);  // it may be part of the base
     if (base.empty() || skipRootPath(tail.c_str()) > 0) {
         base.swap(tail);
         return;
     }
-    if (!endsInSeparator(base)) base += '/';
+    const bool separated = endsInSeparator(base);
+    base.reserve(base.size() + tail.size() + 1);  // either both parts are appended or none
+    if (!separated) base += '/';
     base += tail;
+    QBL_ALLOC_CATCH
 }
 
 bool QBLFmDir::splitPath(const char* path, std::string* directory, std::string* file) {
     if (path == nullptr || (directory == nullptr && file == nullptr)) return false;
-    const std::string whole(path);  // it may be one of the parts
-    const long measured = skipRootPath(whole.c_str());
-    const std::size_t root = measured > 0 ? static_cast<std::size_t>(measured) : 0;
-    std::size_t end = root, begin = root;  // of the directory, of the file
-    QBLFmCharacters at(whole.data() + root, whole.size() - root);
-    for (; !at.atEnd(); at.stepAnyhow()) {
-        if (!at.onSeparator()) continue;
-        end = root + at.position();
-        begin = end + 1;
-    }
-    if (directory != nullptr) directory->assign(whole, 0, end);
-    if (file != nullptr) file->assign(whole, begin, std::string::npos);
-    return true;
+    return qblOrNoMemory([=] {
+        const std::string whole(path);  // it may be one of the parts
+        const long measured = skipRootPath(whole.c_str());
+        const std::size_t root = measured > 0 ? static_cast<std::size_t>(measured) : 0;
+        std::size_t end = root, begin = root;  // of the directory, of the file
+        QBLFmCharacters at(whole.data() + root, whole.size() - root);
+        for (; !at.atEnd(); at.stepAnyhow()) {
+            if (!at.onSeparator()) continue;
+            end = root + at.position();
+            begin = end + 1;
+        }
+        if (directory != nullptr) directory->assign(whole, 0, end);
+        if (file != nullptr) *file = whole.substr(begin);
+        return true;
+    });
 }
 
-void QBLFmDir::setEffectiveWorkingDir(const char* path) { qblImmortal<WorkingDir>().set(path); }
+void QBLFmDir::setEffectiveWorkingDir(const char* path) {
+    QBL_ALLOC_TRY
+    qblImmortal<WorkingDir>().set(path);
+    QBL_ALLOC_CATCH
+}
 
 void QBLFmDir::resolveEffectivePath(std::string& path) {
+    QBL_ALLOC_TRY
     std::optional<std::string> dir = qblImmortal<WorkingDir>().get();
     if (!dir || skipRootPath(path.c_str()) > 0) return;
     if (path.compare(0, dir->size(), *dir) == 0) return;
     joinPath(*dir, path.c_str());
     path.swap(*dir);
+    QBL_ALLOC_CATCH
 }
 
 std::string QBLFmDir::getFileFullPath(const char* fileName, const char* basePath,
                                       const std::list<std::string>& searchDirs) {
     QBL_ASSERT(fileName);
     QBL_ASSERT(basePath);
+    if (*fileName == '\0') return std::string();
+    QBL_ALLOC_TRY
     std::string path(basePath);
     joinPath(path, fileName);  // a name with a root replaces the base
     if (isFile(path)) return path;
@@ -80,4 +95,5 @@ std::string QBLFmDir::getFileFullPath(const char* fileName, const char* basePath
         if (isFile(path)) return path;
     }
     return std::string();
+    QBL_ALLOC_CATCH
 }

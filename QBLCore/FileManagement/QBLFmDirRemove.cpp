@@ -15,7 +15,7 @@ class TreeRemoval {
 public:
     /// @param fd  taken over
     explicit TreeRemoval(int fd) : m_fd(fd) {}
-    ~TreeRemoval() { ::close(m_fd); }
+    ~TreeRemoval() { qblCloseQuietly(m_fd); }
     TreeRemoval(const TreeRemoval&) = delete;
     TreeRemoval& operator=(const TreeRemoval&) = delete;
 
@@ -40,8 +40,7 @@ public:
 private:
     struct Level {
         std::string name;  // in the directory above
-        dev_t device;
-        ino64_t inode;
+        QBLFmStatus identity;
         std::vector<std::string> subdirs;  // still to be removed
     };
 
@@ -53,9 +52,8 @@ private:
 
     /// Makes the open directory the last level and removes all its files.
     bool enter(std::string name) {
-        struct stat64 status;
-        if (!note(fstat64(m_fd, &status) == 0)) return false;
-        m_levels.push_back({std::move(name), status.st_dev, status.st_ino, {}});
+        m_levels.push_back({std::move(name), {}, {}});
+        if (!note(m_levels.back().identity.get(m_fd))) return false;
         std::vector<std::string> files;
         QBLFmOpenDir list(fcntl(m_fd, F_DUPFD_CLOEXEC, 0));
         if (!note(list.isOpen())) return true;
@@ -68,34 +66,34 @@ private:
 
     bool isDirectory(const dirent64& entry) const {
         if (entry.d_type != DT_UNKNOWN) return entry.d_type == DT_DIR;
-        struct stat64 status;
-        return fstatat64(m_fd, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
-               S_ISDIR(status.st_mode);
+        QBLFmStatus status;
+        return status.get(m_fd, entry.d_name, AT_SYMLINK_NOFOLLOW) && status.isDirectory();
     }
 
     bool descend(std::string name) {
         const int fd = openat64(m_fd, name.c_str(), kOpenFlags);
-        if (fd < 0) {
-            // One that may not be read can go if it is empty.
-            const int error = errno;
-            if (unlinkat(m_fd, name.c_str(), AT_REMOVEDIR) != 0) note(qblFail(error));
-            return true;
+        QBLFmStatus above;
+        if (fd >= 0 && above.get(fd, "..", 0)) {
+            qblCloseQuietly(m_fd);
+            m_fd = fd;
+            return enter(std::move(name));
         }
-        ::close(m_fd);
-        m_fd = fd;
-        return enter(std::move(name));
+        // One that may not be read, or not be searched, can go if it is empty.
+        const int error = errno;
+        if (fd >= 0) qblCloseQuietly(fd);
+        if (unlinkat(m_fd, name.c_str(), AT_REMOVEDIR) != 0) note(qblFail(error));
+        return true;
     }
 
     bool ascend() {
         const Level& above = m_levels[m_levels.size() - 2];
         const int fd = openat64(m_fd, "..", kOpenFlags);
         if (!note(fd >= 0)) return false;
-        ::close(m_fd);
+        qblCloseQuietly(m_fd);
         m_fd = fd;
-        struct stat64 status;
-        if (!note(fstat64(fd, &status) == 0)) return false;
-        if (status.st_dev != above.device || status.st_ino != above.inode)
-            return note(qblFail(ESTALE));
+        QBLFmStatus status;
+        if (!note(status.get(fd))) return false;
+        if (!status.isSameFile(above.identity)) return note(qblFail(ESTALE));
         note(unlinkat(m_fd, m_levels.back().name.c_str(), AT_REMOVEDIR) == 0);
         m_levels.pop_back();
         return true;
@@ -114,11 +112,7 @@ bool isRemovable(const std::string& path) {
     return !dots || qblFail(EINVAL);
 }
 
-}  // namespace
-
-bool QBLFmDir::removeDir(const char* path) {
-    if (path == nullptr) return qblFail(EFAULT);
-    std::string dir(path);
+bool removeTree(std::string dir) {
     while (dir.size() > 1 && dir.back() == '/') dir.pop_back();  // it would follow a link
     if (!isRemovable(dir)) return false;
     const int fd = open64(dir.c_str(), kOpenFlags);
@@ -129,4 +123,10 @@ bool QBLFmDir::removeDir(const char* path) {
         return false;
     }
     return rmdir(dir.c_str()) == 0;
+}
+
+}  // namespace
+
+bool QBLFmDir::removeDir(const char* path) {
+    return path != nullptr ? qblOrNoMemory([path] { return removeTree(path); }) : qblFail(EFAULT);
 }

@@ -1,6 +1,7 @@
 #include <cstdlib>
 #include <ctime>
 
+#include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmSetting.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmSystem.hpp"
@@ -54,25 +55,32 @@ bool makeFile(const char* path) {
 
 }  // namespace
 
-void QBLFmDir::setTempPath(const char* path) { qblImmortal<TempDir>().set(path); }
+void QBLFmDir::setTempPath(const char* path) {
+    QBL_ALLOC_TRY
+    qblImmortal<TempDir>().set(path);
+    QBL_ALLOC_CATCH
+}
 
 bool QBLFmDir::getTempPath(std::string& result) {
-    if (std::optional<std::string> dir = qblImmortal<TempDir>().get()) {
-        result.swap(*dir);
-        return true;
-    }
-    for (const char* dir : {tempVariable(), "/tmp", "."}) {
-        if (dir == nullptr || !exists(dir, kQblWritableDir)) continue;
-        result = dir;
-        return true;
-    }
-    result.clear();
-    return false;
+    return qblOrNoMemory([&result] {
+        std::optional<std::string> set = qblImmortal<TempDir>().get();
+        result.clear();
+        if (set) {
+            result.swap(*set);
+            return true;
+        }
+        for (const char* dir : {tempVariable(), "/tmp", "."}) {
+            if (dir == nullptr || !exists(dir, kQblWritableDir)) continue;
+            result = dir;
+            return true;
+        }
+        return false;
+    });
 }
 
 bool QBLFmDir::createTempDir(const char* basePath, const char* prefix, std::string& result,
                              const char* suffix) {
-    return createTemp(basePath, prefix, result, suffix, &makeDir);
+    return qblOrNoMemory([&] { return createTemp(basePath, prefix, result, suffix, &makeDir); });
 }
 
 bool QBLFmDir::createTempDir(const char* basePath, const char* prefix, std::string& result) {
@@ -81,7 +89,7 @@ bool QBLFmDir::createTempDir(const char* basePath, const char* prefix, std::stri
 
 bool QBLFmDir::createTempFile(const char* basePath, const char* prefix, std::string& result,
                               const char* suffix) {
-    return createTemp(basePath, prefix, result, suffix, &makeFile);
+    return qblOrNoMemory([&] { return createTemp(basePath, prefix, result, suffix, &makeFile); });
 }
 
 bool QBLFmDir::createTempFile(const char* basePath, const char* prefix, std::string& result) {

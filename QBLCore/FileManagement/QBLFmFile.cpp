@@ -23,12 +23,7 @@ typedef QBLFmOperations<Calls> Operations;
 
 QBLFmFile::QBLFmFile() : m_message() {}
 
-QBLFmFile::~QBLFmFile() {
-    try {
-        QBLFmFile::close();
-    } catch (...) {  // of a derived class's error hook, or the end of the thread
-    }
-}
+QBLFmFile::~QBLFmFile() { Operations::closeQuietly(m_file); }
 
 long QBLFmFile::read(void* buffer, unsigned long size) {
     return Operations::read(*this, m_file, buffer, size);

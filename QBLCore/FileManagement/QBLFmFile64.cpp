@@ -23,12 +23,7 @@ typedef QBLFmOperations<Calls> Operations;
 
 QBLFmFile64::QBLFmFile64() : m_reserved(0), m_message() {}
 
-QBLFmFile64::~QBLFmFile64() {
-    try {
-        QBLFmFile64::close();
-    } catch (...) {  // of a derived class's error hook, or the end of the thread
-    }
-}
+QBLFmFile64::~QBLFmFile64() { Operations::closeQuietly(m_file); }
 
 int QBLFmFile64::read(void* buffer, unsigned int size) {
     return Operations::read(*this, m_file, buffer, size);

@@ -76,8 +76,8 @@ public:
 
 private:
     QBLFmDescriptor m_file;
-    unsigned int m_reserved;
-    char m_message[64];  // for errors that the system has no fixed text for
+    [[maybe_unused]] unsigned int m_reserved;  // of no use, and always 0
+    char m_message[64];                        // for errors that the system has no fixed text for
 };
 
 #pragma GCC diagnostic pop

@@ -18,11 +18,9 @@ std::string temporaryName() {
     return ".QBLFm" + std::to_string(getpid()) + "." + std::to_string(++g_counter);
 }
 
-void closeQuietly(int& fd) {
-    const int error = errno;
-    if (fd >= 0) ::close(fd);
+void release(int& fd) {
+    if (fd >= 0) qblCloseQuietly(fd);
     fd = -1;
-    errno = error;
 }
 
 }  // namespace
@@ -57,7 +55,7 @@ bool QBLFmReplaceFile::open(const char* path) {
     m_iLastError = 0;
     m_bBroken = m_bCommitted = false;
     try {
-        if (path == nullptr) return failed(EFAULT);
+        if (path == nullptr || *path == '\0') return failed(path != nullptr ? ENOENT : EFAULT);
         if (locate(path) && create()) return true;
         failed(errno);
     } catch (const std::bad_alloc&) {
@@ -71,8 +69,11 @@ bool QBLFmReplaceFile::open(const char* path) {
 // Opens the directory and keeps it: the process may go to another one before it commits.
 bool QBLFmReplaceFile::locate(const char* path) {
     const std::unique_ptr<char, decltype(&std::free)> real(realpath(path, nullptr), &std::free);
-    struct stat64 status;
-    if (real == nullptr && (errno != ENOENT || lstat64(path, &status) == 0)) return false;
+    QBLFmStatus status;
+    if (real == nullptr) {
+        if (errno != ENOENT) return false;
+        if (status.get(AT_FDCWD, path, AT_SYMLINK_NOFOLLOW)) return qblFail(ENOENT);
+    }
     std::string whole(real != nullptr ? real.get() : path);
     const std::size_t slash = whole.rfind('/');
     m_name = slash != std::string::npos ? whole.substr(slash + 1) : whole;
@@ -84,10 +85,10 @@ bool QBLFmReplaceFile::locate(const char* path) {
 }
 
 bool QBLFmReplaceFile::create() {
-    struct stat64 old;
-    const bool replaces = fstatat64(m_iDirectory, m_name.c_str(), &old, AT_SYMLINK_NOFOLLOW) == 0;
+    QBLFmStatus old;
+    const bool replaces = old.get(m_iDirectory, m_name.c_str(), AT_SYMLINK_NOFOLLOW);
     if (!replaces && errno != ENOENT) return false;
-    if (replaces && !S_ISREG(old.st_mode)) return qblFail(S_ISDIR(old.st_mode) ? EISDIR : EINVAL);
+    if (replaces && !old.isRegular()) return qblFail(old.isDirectory() ? EISDIR : EINVAL);
     if (replaces && faccessat(m_iDirectory, m_name.c_str(), W_OK, AT_EACCESS) != 0) return false;
     for (int i = 0; i < kAttempts && m_iFile < 0; ++i) {
         m_temporary = temporaryName();
@@ -97,21 +98,21 @@ bool QBLFmReplaceFile::create() {
         if (m_iFile < 0) m_temporary.clear();
         if (m_iFile < 0 && errno != EEXIST) return false;
     }
-    return m_iFile >= 0 && (!replaces || keepOwnerAndMode(old.st_mode, old.st_uid, old.st_gid));
+    return m_iFile >= 0 && (!replaces || keepOwnerAndMode(old.mode(), old.user(), old.group()));
 }
 
 bool QBLFmReplaceFile::keepOwnerAndMode(unsigned mode, unsigned user, unsigned group) {
-    struct stat64 status;
-    if (fstat64(m_iFile, &status) != 0) return false;
-    if (status.st_uid != user || status.st_gid != group) {
+    QBLFmStatus status;
+    if (!status.get(m_iFile)) return false;
+    if (status.user() != user || status.group() != group) {
         if (fchown(m_iFile, user, group) != 0 &&
             fchown(m_iFile, static_cast<uid_t>(-1), group) != 0)
             errno = 0;  // may not be allowed; what came of it is looked at
-        if (fstat64(m_iFile, &status) != 0) return false;
+        if (!status.get(m_iFile)) return false;
     }
     mode &= 07777;
-    if (status.st_uid != user) mode &= ~static_cast<unsigned>(S_ISUID);
-    if (status.st_gid != group) mode = (mode & ~02070U) | (mode & (mode << 3) & 070U);
+    if (status.user() != user) mode &= ~static_cast<unsigned>(S_ISUID);
+    if (status.group() != group) mode = (mode & ~02070U) | (mode & (mode << 3) & 070U);
     return fchmod(m_iFile, mode) == 0;
 }
 
@@ -151,8 +152,8 @@ bool QBLFmReplaceFile::commit() {
 }
 
 void QBLFmReplaceFile::discard() {
-    closeQuietly(m_iFile);
+    release(m_iFile);
     if (!m_temporary.empty()) unlinkat(m_iDirectory, m_temporary.c_str(), 0);
     m_temporary.clear();
-    closeQuietly(m_iDirectory);
+    release(m_iDirectory);
 }

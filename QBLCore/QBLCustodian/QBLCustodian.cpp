@@ -22,10 +22,12 @@ constexpr int kExitStatus = 327;
 /// The custodian of the process. Usable before the library starts and after it has stopped.
 struct Shared {
     QBLThreadCriticalSection m_globallock{0};
-    QBLThreadConditionVariable unused;  // under m_globallock: signalled when `users` becomes 0
+    QBLThreadConditionVariable changed;  // for waits until there are no users, or no stop
     QBLCustodian* m_Custodian QBL_GUARDED_BY(m_globallock) = nullptr;
     unsigned long m_schedule QBL_GUARDED_BY(m_globallock) = kFirstSchedule;
-    int users QBL_GUARDED_BY(m_globallock) = 0;  // calls that use the custodian
+    unsigned long process QBL_GUARDED_BY(m_globallock) = 0;  // that has the custodian's thread
+    int users QBL_GUARDED_BY(m_globallock) = 0;              // calls that use the custodian
+    bool stopping QBL_GUARDED_BY(m_globallock) = false;
 
     static Shared& instance() { return qblImmortal<Shared>(); }
 };
@@ -69,18 +71,20 @@ bool isFrozen(unsigned long schedule) {
 
 }  // namespace
 
-/// Uses the custodian, if there is one, which does not go away meanwhile.
+/// Uses the custodian, if there is one, which does not go away meanwhile. A forked process has
+/// none: the thread stayed behind.
 class QBLCustodian::User {
 public:
     User() {
         QBLThreadGuard guard(m_shared.m_globallock);
-        m_pCustodian = m_shared.m_Custodian;
+        if (m_shared.process == QBLUtSystemInfo::getProcessId())
+            m_pCustodian = m_shared.m_Custodian;
         if (m_pCustodian != nullptr) ++m_shared.users;
     }
     ~User() {
         if (m_pCustodian == nullptr) return;
         QBLThreadGuard guard(m_shared.m_globallock);
-        if (--m_shared.users == 0) m_shared.unused.signal();
+        if (--m_shared.users == 0) m_shared.changed.broadcast();
     }
     User(const User&) = delete;
     User& operator=(const User&) = delete;
@@ -88,7 +92,7 @@ public:
 
 private:
     Shared& m_shared = Shared::instance();
-    QBLCustodian* m_pCustodian;
+    QBLCustodian* m_pCustodian = nullptr;
 };
 
 bool QBLCustodian::initialize() {
@@ -96,7 +100,10 @@ bool QBLCustodian::initialize() {
     tavContain([&exists] {
         Shared& shared = Shared::instance();
         QBLThreadGuard guard(shared.m_globallock);
-        if (shared.m_Custodian == nullptr) shared.m_Custodian = new QBLCustodian;
+        if (shared.m_Custodian == nullptr) {
+            shared.m_Custodian = new QBLCustodian;
+            shared.process = QBLUtSystemInfo::getProcessId();
+        }
         exists = true;
     });
     return exists;
@@ -109,9 +116,19 @@ void QBLCustodian::terminate() {
         QBLThreadGuard guard(shared.m_globallock);
         last = shared.m_Custodian;
         shared.m_Custodian = nullptr;
-        while (shared.users != 0) shared.unused.wait(shared.m_globallock);
+        if (shared.process != QBLUtSystemInfo::getProcessId()) {
+            // Of the process that this one was forked from: there is no thread to wait for, and
+            // its locks may be held for ever.
+            shared.users = 0;
+            return;
+        }
+        shared.stopping = true;
+        while (shared.users != 0) shared.changed.wait(shared.m_globallock);
     }
     delete last;
+    QBLThreadGuard guard(shared.m_globallock);
+    shared.stopping = false;
+    shared.changed.broadcast();
 }
 
 unsigned long QBLCustodian::setSchedule(unsigned long ms) {
@@ -136,8 +153,15 @@ bool QBLCustodian::registerTask(QBLCustodianTask* task) {
 }
 
 bool QBLCustodian::deRegisterTask(QBLCustodianTask* task) {
-    User user;
-    return user.custodian() != nullptr && user.custodian()->removeTask(task);
+    {
+        User user;
+        if (user.custodian() != nullptr) return user.custodian()->removeTask(task);
+    }
+    // The last pass of one that is being stopped may still call the task.
+    Shared& shared = Shared::instance();
+    QBLThreadGuard guard(shared.m_globallock);
+    while (shared.stopping && !t_isCustodian) shared.changed.wait(shared.m_globallock);
+    return false;
 }
 
 QBLCustodian::QBLCustodian()
@@ -179,7 +203,7 @@ bool QBLCustodian::assignTask(QBLCustodianTask* task) {
         } catch (QBLThrowable&) {  // the next registration tries again
         }
     }
-    if (m_started == 0 || m_terminating == 1) return false;
+    if (m_started == 0 || m_terminating == 1 || !isAlive()) return false;
     // The names are part of the assertions' texts.
     for (auto iterJobs = m_jobs.begin(); iterJobs != m_jobs.end(); ++iterJobs)
         QBL_ASSERT(task != *iterJobs);

@@ -17,6 +17,8 @@
 /// without further tasks or destructors; a record of the error goes to the mini logger's file
 /// "qbl_error_" and the process's number.
 ///
+/// A process that is forked has no custodian until it stops the library and starts it anew.
+///
 /// Threads: any thread may call any operation; but for those that start and stop the custodian,
 /// which belong to the start and stop of the library.
 class QBL_API QBLCustodian : public QBLThread {
@@ -40,8 +42,9 @@ public:
     ///     thread cannot be started
     /// @throws QBLAssertError for a task that is registered; QBLOutOfMemoryError
     static bool registerTask(QBLCustodianTask* task);
-    /// Withdraws a task, waiting for a pass that is under way: it is not being called when this
-    /// returns, and will not be again.
+    /// Withdraws a task, waiting for a pass that is under way, and for the last one of a library
+    /// that is being stopped: the task is not being called when this returns, and will not be
+    /// again.
     /// @return false for a task that is not registered; also from inside a task, which cannot wait
     ///     for its own pass, for a task that was in a pass already
     static bool deRegisterTask(QBLCustodianTask* task);

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
+#include "QBLCore/FileManagement/internal/QBLFmNoCancel.hpp"
 #include "QBLCore/Utility/QBLUtSystemInfo.hpp"
 #include "TavThread/internal/TavContain.hpp"
 
@@ -22,6 +23,7 @@ QBLMiniLogger::QBLMiniLogger(const char* name) : m_pStream(nullptr) {
 }
 
 QBLMiniLogger::~QBLMiniLogger() {
+    const QBLFmNoCancel noCancel;
     if (m_pStream != nullptr) std::fclose(m_pStream);
 }
 

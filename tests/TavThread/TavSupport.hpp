@@ -53,10 +53,4 @@ private:
     Clock::time_point m_start = Clock::now();
 };
 
-#ifdef __SANITIZE_THREAD__
-constexpr bool kThreadSanitizer = true;
-#else
-constexpr bool kThreadSanitizer = false;
-#endif
-
 #endif

@@ -112,6 +112,7 @@ extern "C" {
 HOOK_ERRNO(fault::SemInit, int, sem_init, (sem_t * s, int shared, unsigned count) noexcept,
            (s, shared, count))
 HOOK_ERRNO(fault::ClockRead, int, gettimeofday, (timeval * now, void* zone) noexcept, (now, zone))
+HOOK_ERRNO(fault::Fsync, int, fsync, (int fd), (fd))
 HOOK(fault::ThreadCreate, pthread_create,
      (pthread_t * thread, const pthread_attr_t* attributes, void* (*routine)(void*),
       void* arg) noexcept,

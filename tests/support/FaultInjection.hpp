@@ -14,6 +14,7 @@ enum Call {
     KeyCreate,
     CondTimedWait,
     ClockRead,  // gettimeofday
+    Fsync,
     CallCount
 };
 

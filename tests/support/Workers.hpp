@@ -9,6 +9,12 @@
 /// Longest a test waits for something that should happen at once, in milliseconds.
 constexpr unsigned long kTestLimitMs = 20000;
 
+#ifdef __SANITIZE_THREAD__
+constexpr bool kThreadSanitizer = true;
+#else
+constexpr bool kThreadSanitizer = false;
+#endif
+
 /// Waits until the condition holds; false when that takes longer than kTestLimitMs.
 bool eventually(const std::function<bool()>& condition);
 

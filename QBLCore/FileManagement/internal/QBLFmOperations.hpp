@@ -1,7 +1,6 @@
 #ifndef QBLCORE_FILEMANAGEMENT_INTERNAL_QBLFMOPERATIONS_HPP
 #define QBLCORE_FILEMANAGEMENT_INTERNAL_QBLFMOPERATIONS_HPP
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -15,6 +14,8 @@
 #include <new>
 
 #include "QBLCore/FileManagement/QBLFmDescriptor.hpp"
+#include "QBLCore/FileManagement/internal/QBLFmNoCancel.hpp"
+#include "QBLCore/FileManagement/internal/QBLFmStatus.hpp"
 
 /// What the two file classes do alike. Calls names the system's calls for their offsets. Errors are
 /// saved by the object's own operation, which a derived class may have overridden, as it may have
@@ -50,14 +51,15 @@ struct QBLFmOperations {
     template <class File>
     static bool append(File& self, const QBLFmDescriptor& file, File& other,
                        const QBLFmDescriptor& source) {
-        if (!file.isOpen() || !source.isOpen()) return failed(self, EBADF);
-        const std::int64_t ownRest = restOfOwn(file, source);
+        std::int64_t rest = kAll;
+        if (file.isOpen() && source.isOpen() && !findRest(file, source, rest))
+            return failed(self, errno);
         if (self.seek(0, File::end) < 0) return false;
         char small[1024];
         Size size = 65536;
         const std::unique_ptr<char[]> large(new (std::nothrow) char[size]);
         if (large == nullptr) size = sizeof small;
-        return copy(self, other, large != nullptr ? large.get() : small, size, ownRest);
+        return copy(self, other, large != nullptr ? large.get() : small, size, rest);
     }
 
     template <class File>
@@ -66,7 +68,7 @@ struct QBLFmOperations {
         if (name == nullptr) return failed(self, EFAULT);
         if (readOnly == 0) flags = (flags & ~O_ACCMODE) | O_RDWR;
         int fd = Calls::open(name, flags);
-        if (fd == 0) fd = awayFromZero();
+        if (fd == 0) fd = awayFromZero(flags);
         if (fd < 0) return failed(self, errno);
         file.m_iDescriptor = fd;
         return true;
@@ -96,14 +98,19 @@ struct QBLFmOperations {
         return true;
     }
 
+    /// The destructor's way.
+    static void closeQuietly(const QBLFmDescriptor& file) {
+        if (file.isOpen() && file.m_iStandard == 0) qblCloseQuietly(file.m_iDescriptor);
+    }
+
     template <class File>
     static Offset getLength(File& self, const QBLFmDescriptor& file) {
         if (!file.isOpen()) return Calls::kNoLength;
-        struct stat64 status;
-        int error = fstat64(file.m_iDescriptor, &status) != 0 ? errno : 0;
-        if (error == 0 && status.st_size > Calls::kLongest) error = EOVERFLOW;
-        if (error == 0) return static_cast<Offset>(status.st_size);
-        failed(self, error);
+        QBLFmStatus status;
+        const bool known = status.get(file.m_iDescriptor);
+        if (known && status.size() <= static_cast<std::uint64_t>(Calls::kLongest))
+            return static_cast<Offset>(status.size());
+        failed(self, known ? EOVERFLOW : errno);
         return Calls::kNoLength;
     }
 
@@ -121,6 +128,8 @@ struct QBLFmOperations {
     }
 
 private:
+    static constexpr std::int64_t kAll = INT64_MAX;
+
     template <class File>
     static bool failed(File& self, int error) {
         errno = error;
@@ -141,37 +150,38 @@ private:
     }
 
     /// Standard input was closed, and the new file got its descriptor.
-    static int awayFromZero() {
-        const int fd = fcntl(0, F_DUPFD, 3);
+    static int awayFromZero(int flags) {
+        const int fd = fcntl(0, (flags & O_CLOEXEC) != 0 ? F_DUPFD_CLOEXEC : F_DUPFD, 3);
         const int error = errno;
         ::close(0);
         errno = error;
         return fd;
     }
 
-    /// Bytes between the source's position and its end if it is the same file as the target,
-    /// which would otherwise never come to its end; else -1.
-    static std::int64_t restOfOwn(const QBLFmDescriptor& file, const QBLFmDescriptor& source) {
-        struct stat64 a, b;
-        if (fstat64(file.m_iDescriptor, &a) != 0 || fstat64(source.m_iDescriptor, &b) != 0 ||
-            a.st_dev != b.st_dev || a.st_ino != b.st_ino || !S_ISREG(a.st_mode))
-            return -1;
+    /// Finds out how much of the source to copy: all, but of a file appended to itself what is
+    /// there now, because it would never come to its end.
+    static bool findRest(const QBLFmDescriptor& file, const QBLFmDescriptor& source,
+                         std::int64_t& rest) {
+        QBLFmStatus a, b;
+        if (!a.get(file.m_iDescriptor) || !b.get(source.m_iDescriptor)) return false;
+        if (!a.isSameFile(b) || !a.isRegular()) return true;
         const std::int64_t position = lseek64(source.m_iDescriptor, 0, SEEK_CUR);
-        return std::max<std::int64_t>(a.st_size - position, 0);
+        rest = std::max<std::int64_t>(static_cast<std::int64_t>(a.size()) - position, 0);
+        return true;
     }
 
-    /// @param rest  of the source to be copied; negative for all
     template <class File>
     static bool copy(File& self, File& other, char* buffer, Size size, std::int64_t rest) {
         while (rest != 0) {
-            const Size wanted = rest > 0 && rest < size ? static_cast<Size>(rest) : size;
+            const Size wanted = static_cast<Size>(std::min<std::int64_t>(rest, size));
+            errno = 0;
             const Count got = other.read(buffer, wanted);
             if (got == 0) return true;
-            if (got < 0) return failed(self, errno);
+            if (got < 0) return failed(self, errno != 0 ? errno : EBADF);
             errno = 0;
             const Count put = self.write(buffer, static_cast<Size>(got));
             if (put != got) return failed(self, errno != 0 ? errno : ENOSPC);
-            if (rest > 0) rest -= got;
+            if (rest != kAll) rest -= got;
         }
         return true;
     }

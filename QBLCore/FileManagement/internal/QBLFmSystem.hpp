@@ -7,9 +7,24 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <new>
+
+#include "QBLCore/FileManagement/internal/QBLFmNoCancel.hpp"
+#include "QBLCore/FileManagement/internal/QBLFmStatus.hpp"
 
 /// A directory that the owner may read and write, as QBLFmDir::exists takes it.
 constexpr unsigned short kQblWritableDir = S_IFDIR | S_IRUSR | S_IWUSR;
+
+/// Runs an operation of which a failed allocation is a failure like others.
+template <class Body>
+bool qblOrNoMemory(Body&& body) {
+    try {
+        return body();
+    } catch (const std::bad_alloc&) {
+        errno = ENOMEM;
+        return false;
+    }
+}
 
 /// Sets errno. @return false
 inline bool qblFail(int error) {
@@ -37,9 +52,8 @@ public:
         if (fd < 0) return false;
         m_pStream = fdopendir(fd);
         if (m_pStream != nullptr) return true;
-        const int error = errno;
-        ::close(fd);
-        return qblFail(error);
+        qblCloseQuietly(fd);
+        return false;
     }
     bool isOpen() const { return m_pStream != nullptr; }
     int descriptor() const { return dirfd(m_pStream); }
@@ -53,6 +67,7 @@ public:
         return entry;
     }
     void close() {
+        const QBLFmNoCancel noCancel;
         const int error = errno;
         if (m_pStream != nullptr) closedir(m_pStream);
         m_pStream = nullptr;

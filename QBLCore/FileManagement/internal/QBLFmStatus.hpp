@@ -1,0 +1,37 @@
+#ifndef QBLCORE_FILEMANAGEMENT_INTERNAL_QBLFMSTATUS_HPP
+#define QBLCORE_FILEMANAGEMENT_INTERNAL_QBLFMSTATUS_HPP
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cstdint>
+
+/// What the library asks of a file. It comes from statx(2): in a 32-bit program the older calls
+/// fail for every file that has a time after 2038.
+class QBLFmStatus {
+public:
+    /// @param flags  as of fstatat(2)
+    /// @return false with errno set
+    bool get(int directory, const char* path, int flags) {
+        return statx(directory, path, flags, STATX_BASIC_STATS, &m_status) == 0;
+    }
+    bool get(const char* path) { return get(AT_FDCWD, path, 0); }
+    bool get(int fd) { return get(fd, "", AT_EMPTY_PATH); }
+
+    unsigned mode() const { return m_status.stx_mode; }
+    bool isDirectory() const { return S_ISDIR(m_status.stx_mode); }
+    bool isRegular() const { return S_ISREG(m_status.stx_mode); }
+    std::uint64_t size() const { return m_status.stx_size; }
+    unsigned user() const { return m_status.stx_uid; }
+    unsigned group() const { return m_status.stx_gid; }
+    bool isSameFile(const QBLFmStatus& other) const {
+        return m_status.stx_ino == other.m_status.stx_ino &&
+               m_status.stx_dev_major == other.m_status.stx_dev_major &&
+               m_status.stx_dev_minor == other.m_status.stx_dev_minor;
+    }
+
+private:
+    struct statx m_status;
+};
+
+#endif

@@ -1,0 +1,141 @@
+#include "QBLCore/FileLock/QBLFileLockRW.hpp"
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include "QBLCore/FileManagement/QBLFmFile.hpp"
+#include "QBLCore/Threads/QBLThreadGuard.hpp"
+#include "QBLCore/Threads/QBLThreadRWGuard.hpp"
+#include "tests/support/Child.hpp"
+#include "tests/support/TempTree.hpp"
+#include "tests/support/ThrowChecks.hpp"
+#include "tests/support/Workers.hpp"
+
+namespace {
+
+class QBLFileLockRWTest : public ::testing::Test {
+protected:
+    QBLFileLockRWTest() : lock(file) {
+        path = tree.file("f");
+        EXPECT_TRUE(file.open(path.c_str(), QBLFmFile::existing, 0));
+    }
+    /// A process that holds the file's lock when this returns, until it is killed.
+    std::unique_ptr<Child> holder(bool shared) {
+        int ready[2];
+        EXPECT_EQ(0, pipe(ready));
+        auto child = std::make_unique<Child>([&] {
+            QBLFmFile mine;
+            if (!mine.open(path.c_str(), QBLFmFile::existing, 0)) return 1;
+            QBLFileLockRW own(mine);
+            shared ? own.readLock() : own.lock();
+            if (write(ready[1], "x", 1) != 1) return 1;
+            for (;;) pause();
+        });
+        char c;
+        EXPECT_EQ(1, read(ready[0], &c, 1));
+        close(ready[0]);
+        close(ready[1]);
+        return child;
+    }
+    /// What another process gets from a try: 2 for a lock of its own, 1 for a shared one, 0 none.
+    int othersMay() {
+        return inChild([this] {
+            QBLFmFile mine;
+            mine.open(path.c_str(), QBLFmFile::existing, 0);
+            QBLFileLockRW own(mine);
+            return own.tryLock() != 0 ? 2 : own.tryReadLock();
+        });
+    }
+
+    TempTree tree;
+    std::string path;
+    QBLFmFile file;
+    QBLFileLockRW lock;
+};
+
+}  // namespace
+
+TEST_F(QBLFileLockRWTest, ExcludesAndSharesBetweenProcesses) {
+    EXPECT_EQ(2, othersMay());
+    {
+        QBLThreadGuard guard(lock);
+        EXPECT_EQ(0, othersMay());
+    }
+    {
+        QBLThreadRWGuard guard(lock, 0);
+        EXPECT_EQ(1, othersMay());
+    }
+    EXPECT_EQ(2, othersMay());
+    for (const bool shared : {false, true}) {
+        auto other = holder(shared);
+        EXPECT_EQ(0, lock.tryLock());
+        EXPECT_EQ(shared ? 1 : 0, lock.tryReadLock());
+        lock.unlock();
+    }
+}
+
+TEST_F(QBLFileLockRWTest, WaitsThroughSignalsUntilTheOtherProcessIsGone) {
+    auto other = holder(false);
+    struct sigaction nothing {};
+    nothing.sa_handler = [](int) {};  // and without SA_RESTART
+    struct sigaction before;
+    sigaction(SIGUSR1, &nothing, &before);
+    std::atomic<bool> locked{false};
+    std::atomic<pthread_t> waiter{0};
+    Workers thread(1, [&] {
+        waiter = pthread_self();
+        lock.lock();
+        locked = true;
+    });
+    EXPECT_TRUE(eventually([&] { return waiter != 0; }));
+    for (int i = 0; i < 20; ++i) {
+        pthread_kill(waiter, SIGUSR1);
+        usleep(1000);
+    }
+    EXPECT_FALSE(locked);
+    other.reset();
+    thread.join();
+    EXPECT_TRUE(locked);
+    EXPECT_EQ(0, othersMay());
+    sigaction(SIGUSR1, &before, nullptr);
+}
+
+TEST_F(QBLFileLockRWTest, ReportsWhyThereIsNoLock) {
+    QBLFmFile reading;
+    ASSERT_TRUE(reading.open(path.c_str(), QBLFmFile::existing, 1));
+    const char text[] =
+        "Error obtaining a file lock. The error message retrieved from underlining system is: "
+        "Bad file descriptor.";
+    QBLFileLockRW own(reading);
+    QBL_EXPECT_THROW(own.lock(), QBLRuntimeError, text);
+    EXPECT_EQ(0, own.tryLock());
+    EXPECT_NO_THROW(own.readLock());
+    reading.close();
+    QBL_EXPECT_THROW(own.readLock(), QBLRuntimeError, text);
+    QBL_EXPECT_THROW(own.unlock(), QBLRuntimeError,
+                     "Error releasing a file lock. The error message retrieved from underlining "
+                     "system is: Bad file descriptor.");
+    try {
+        own.unlock();
+    } catch (QBLThrowable& e) {
+        EXPECT_EQ(
+            "QBLRuntimeError: QBL_RETHROW: QBLFileLockRW::unlock\n"
+            "QBLRuntimeError: QBL_THROW: \n",
+            traceOf(e));
+    }
+}
+
+TEST_F(QBLFileLockRWTest, AssertsThatItHasAFile) {
+    QBLFileLockRW none;
+    const char text[] = "QBL_ASSERT(m_file != NULL);";
+    QBL_EXPECT_THROW(none.lock(), QBLAssertError, text);
+    QBL_EXPECT_THROW(none.readLock(), QBLAssertError, text);
+    QBL_EXPECT_THROW(none.tryLock(), QBLAssertError, text);
+    QBL_EXPECT_THROW(none.tryReadLock(), QBLAssertError, text);
+    QBL_EXPECT_THROW(none.unlock(), QBLAssertError, text);
+    none.setFile(&file);
+    EXPECT_EQ(1, none.tryLock());
+    EXPECT_EQ(&file, none.getFile());
+}

@@ -1,0 +1,265 @@
+#include "QBLCore/FileManagement/QBLFmDir.hpp"
+
+#include <dirent.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <clocale>
+
+#include <cerrno>
+#include <mutex>
+#include <set>
+
+#include "QBLCore/FileManagement/skipRootPath.hpp"
+#include "tests/support/Child.hpp"
+#include "tests/support/TempTree.hpp"
+#include "tests/support/ThrowChecks.hpp"
+#include "tests/support/Workers.hpp"
+
+namespace {
+
+typedef std::list<std::string> Names;
+
+std::ptrdiff_t openDescriptors() {
+    const auto all = std::filesystem::directory_iterator("/proc/self/fd");
+    return std::distance(begin(all), end(all));
+}
+
+}  // namespace
+
+TEST(QBLFmDirTest, MeasuresTheRootOfAPath) {
+    const struct {
+        const char* path;
+        long length;
+    } table[] = {{"", 0},           {"x", 0},         {"/", 1},         {"/x", 1},
+                 {"\\x", 1},        {"C:\\x", 3},     {"C:/", 3},       {"C:x", 2},
+                 {"//srv/sh/x", 9}, {"\\\\srv\\", 6}, {"//", 2},        {"a/b", 0},
+                 {"\xC3\xA9", -1},  {"a\xFF", -1},    {"//a\xFF/", -1}, {"ab\xFF", 0}};
+    for (const auto& row : table) EXPECT_EQ(row.length, skipRootPath(row.path)) << row.path;
+    EXPECT_EQ(1, skipRootPath("/:x", 1));
+    const locale_t utf8 = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    const locale_t before = uselocale(utf8);
+    EXPECT_EQ(0, skipRootPath("\xC3\xA9")) << "valid here";
+    EXPECT_EQ(8, skipRootPath("//\xC3\xA9/\xC3\xA9/"));
+    uselocale(before);
+    freelocale(utf8);
+}
+
+TEST(QBLFmDirTest, JoinsAndSplitsPaths) {
+    const struct {
+        const char *base, *relative, *joined;
+    } joins[] = {{"a", "b", "a/b"}, {"a/", "b", "a/b"},     {"a\\", "b", "a\\b"},
+                 {"a", "/b", "/b"}, {"a", "C:b", "C:b"},    {"", "b", "b"},
+                 {"a", "", "a"},    {"a", nullptr, "a"},    {"/", "b", "/b"},
+                 {"", "", ""},      {"a", "\xFF", "a/\xFF"}};
+    for (const auto& row : joins) {
+        std::string path(row.base);
+        QBLFmDir::joinPath(path, row.relative);
+        EXPECT_EQ(row.joined, path);
+    }
+    std::string own("ab");
+    QBLFmDir::joinPath(own, own.c_str());
+    EXPECT_EQ("ab/ab", own);
+    const struct {
+        const char *path, *dir, *file;
+    } splits[] = {{"a/b", "a", "b"},
+                  {"/x", "/", "x"},
+                  {"x", "", "x"},
+                  {"/a/b/", "/a/b", ""},
+                  {"", "", ""},
+                  {"C:\\d\\f", "C:\\d", "f"},
+                  {"//s/h/f", "//s/h/", "f"},
+                  {"a\xFF/b", "a\xFF", "b"}};
+    for (const auto& row : splits) {
+        std::string dir("?"), file("?");
+        EXPECT_TRUE(QBLFmDir::splitPath(row.path, &dir, &file));
+        EXPECT_EQ(row.dir, dir) << row.path;
+        EXPECT_EQ(row.file, file) << row.path;
+    }
+    EXPECT_FALSE(QBLFmDir::splitPath(nullptr, &own, nullptr));
+    EXPECT_FALSE(QBLFmDir::splitPath("a/b", nullptr, nullptr));
+}
+
+TEST(QBLFmDirTest, ComparesTypeAndPermissionsOfAFile) {
+    TempTree tree;
+    const std::string file = tree.file("f");
+    chmod(file.c_str(), 0640);
+    EXPECT_TRUE(QBLFmDir::exists(file.c_str(), S_IFREG));
+    EXPECT_TRUE(QBLFmDir::exists(file.c_str(), S_IFREG | 0440));
+    EXPECT_FALSE(QBLFmDir::exists(file.c_str(), S_IFREG | 0642));
+    EXPECT_FALSE(QBLFmDir::exists(file.c_str(), S_IFDIR));
+    EXPECT_FALSE(QBLFmDir::exists(tree("absent").c_str(), S_IFREG));
+    EXPECT_FALSE(QBLFmDir::exists(nullptr, S_IFREG));
+}
+
+TEST(QBLFmDirTest, MakesDirectoriesThatOthersMakeToo) {
+    TempTree tree;
+    const std::string deep = tree("a/b/c//d/e/");
+    Workers(8, [&] { EXPECT_TRUE(QBLFmDir::createRecursiveDir(deep.c_str())); }).join();
+    EXPECT_TRUE(QBLFmDir::createDir(deep.c_str())) << "it is there";
+    EXPECT_FALSE(QBLFmDir::createDir(tree("x/y").c_str()));
+    EXPECT_FALSE(QBLFmDir::createDir(tree.file("f").c_str()));
+    EXPECT_EQ(EEXIST, errno);
+    EXPECT_FALSE(QBLFmDir::createRecursiveDir(tree("f/x").c_str()));
+    EXPECT_FALSE(QBLFmDir::createRecursiveDir(""));
+}
+
+TEST(QBLFmDirTest, ListsSortedNamesByKindAndPattern) {
+    TempTree tree;
+    for (const char* name : {"b.txt", "a.txt", "A.txt", "\xC3\xA9.txt", "\xFF", "x*y"})
+        tree.file(name);
+    tree.dir("sub");
+    tree.dir("other");
+    std::filesystem::create_directory_symlink("sub", tree("link"));
+    std::filesystem::create_symlink("nowhere", tree("broken"));
+    Names files{"old"}, dirs;
+    ASSERT_TRUE(QBLFmDir::readDir(tree.root(), &files, nullptr, &dirs, ""));
+    EXPECT_EQ((Names{"A.txt", "a.txt", "b.txt", "broken", "x*y", "\xC3\xA9.txt", "\xFF"}), files);
+    EXPECT_EQ((Names{"link", "other", "sub"}), dirs);
+    const struct {
+        const char* pattern;
+        Names names;
+    } table[] = {{"?.txt", {"A.txt", "a.txt", "b.txt", "\xC3\xA9.txt"}},
+                 {"*.t*t*", {"A.txt", "a.txt", "b.txt", "\xC3\xA9.txt"}},
+                 {"a.txt", {"a.txt"}},
+                 {"?", {"\xFF"}},
+                 {"*y*x", {}}};
+    for (const auto& row : table) {
+        ASSERT_TRUE(QBLFmDir::readDir(tree.root(), &files, row.pattern, nullptr, nullptr));
+        EXPECT_EQ(row.names, files) << row.pattern;
+    }
+    files = {"kept"};
+    EXPECT_FALSE(QBLFmDir::readDir(tree("absent").c_str(), &files, nullptr, nullptr, nullptr));
+    EXPECT_EQ(ENOENT, errno);
+    EXPECT_EQ(Names{"kept"}, files);
+}
+
+TEST(QBLFmDirTest, RemovesATreeButNothingThatLinksLeadTo) {
+    TempTree tree;
+    tree.file(tree.dir("outside").substr(std::string(tree.root()).size() + 1) + "/kept");
+    const std::string top = tree.dir("top");
+    std::string deep = top;
+    for (int i = 0; i < 300; ++i) {
+        deep += "/d";
+        ASSERT_TRUE(QBLFmDir::createDir(deep.c_str()));
+        ASSERT_EQ(0, symlink("..", (deep + "/up").c_str()));
+        ASSERT_EQ(0, symlink(tree("outside").c_str(), (deep + "/out").c_str()));
+        std::ofstream(deep + "/\xFE\xFF");
+    }
+    ASSERT_EQ(0, symlink("top", tree("alias").c_str()));
+    for (const char* refused : {"alias", "alias/", "top/.", "top/d/..", "absent", "outside/kept"})
+        EXPECT_FALSE(QBLFmDir::removeDir(tree(refused).c_str())) << refused;
+    for (const char* refused : {"/", "//", "", ".", ".."})
+        EXPECT_FALSE(QBLFmDir::removeDir(refused)) << refused;
+    EXPECT_TRUE(QBLFmDir::exists(deep.c_str(), S_IFDIR));
+    const auto before = openDescriptors();
+    const int status = inChild([&] {
+        const rlimit few = {static_cast<rlim_t>(before + 4), static_cast<rlim_t>(before + 4)};
+        setrlimit(RLIMIT_NOFILE, &few);
+        return QBLFmDir::removeDir((top + "//").c_str()) ? 0 : errno;
+    });
+    EXPECT_EQ(0, status);
+    EXPECT_FALSE(QBLFmDir::exists(top.c_str(), S_IFDIR));
+    EXPECT_TRUE(QBLFmDir::exists(tree("outside/kept").c_str(), S_IFREG));
+}
+
+TEST(QBLFmDirTest, RemovesWhatItMayAndTellsTheRest) {
+    if (geteuid() != 0) GTEST_SKIP() << "becomes another user";
+    TempTree tree;
+    tree.dir("top/closed/inner");
+    for (const char* name :
+         {"", "top", "top/closed/inner", "top/a", "top/unread", "top/unsearched"})
+        chown(tree.dir(name).c_str(), 65534, 0);
+    tree.file("top/f");
+    chmod(tree("top/unread").c_str(), 0);
+    chmod(tree("top/unsearched").c_str(), 0600);
+    const int status = inChild([&] {
+        if (setuid(65534) != 0) return -1;
+        const auto before = openDescriptors();
+        if (QBLFmDir::removeDir(tree("top").c_str()) || openDescriptors() != before) return -1;
+        return errno;
+    });
+    EXPECT_EQ(EACCES, status);
+    Names files, dirs;
+    EXPECT_TRUE(QBLFmDir::readDir(tree("top").c_str(), &files, nullptr, &dirs, nullptr));
+    EXPECT_TRUE(files.empty());
+    EXPECT_EQ(Names{"closed"}, dirs);
+}
+
+TEST(QBLFmDirTest, GivesEveryTemporaryNameOnce) {
+    TempTree tree;
+    std::mutex lock;
+    std::set<std::string> names;
+    Workers(20, [&] {
+        for (int i = 0; i < 10; ++i) {
+            std::string path;
+            EXPECT_TRUE(i % 2 == 0 ? QBLFmDir::createTempDir(tree.root(), "t", path)
+                                   : QBLFmDir::createTempFile(tree.root(), "t", path, ".x"));
+            std::lock_guard<std::mutex> hold(lock);
+            EXPECT_TRUE(names.insert(path).second) << path;
+        }
+    }).join();
+    EXPECT_EQ(200U, names.size());
+    std::string path("?");
+    EXPECT_FALSE(QBLFmDir::createTempFile(tree("absent").c_str(), "t", path));
+    EXPECT_TRUE(QBLFmDir::createTempFile(tree.root(), nullptr, path));
+    EXPECT_EQ(0U, path.find(tree("QBLFm")));
+    EXPECT_FALSE(QBLFmDir::createTempDir(tree.root(), "no/such/dir", path)) << "after 500 attempts";
+    EXPECT_EQ("499", path.substr(path.size() - 3));
+}
+
+TEST(QBLFmDirTest, TakesTheTemporaryDirectoryFromSettingThenEnvironment) {
+    TempTree tree;
+    const auto tempPath = [] {
+        std::string path("?");
+        return QBLFmDir::getTempPath(path) ? path : "none";
+    };
+    const std::string first = tree.dir("first"), second = tree.dir("second");
+    const int status = inChild([&] {
+        for (const char* name : {"TMP", "tmp", "TEMP", "temp"}) unsetenv(name);
+        EXPECT_EQ("/tmp", tempPath());
+        setenv("temp", second.c_str(), 1);
+        EXPECT_EQ(second, tempPath());
+        setenv("tmp", first.c_str(), 1);
+        EXPECT_EQ(first, tempPath());
+        setenv("TMP", "/nonexistent", 1);
+        EXPECT_EQ("/tmp", tempPath()) << "only the first one set is looked at";
+        QBLFmDir::setTempPath("anything");
+        EXPECT_EQ("anything", tempPath());
+        QBLFmDir::setTempPath("");
+        EXPECT_EQ("/tmp", tempPath());
+        return ::testing::Test::HasFailure() ? 1 : 0;
+    });
+    EXPECT_EQ(0, status);
+}
+
+TEST(QBLFmDirTest, FindsFilesFromTheirBaseAndTheEffectiveDirectory) {
+    TempTree tree;
+    tree.dir("base/rel");
+    tree.dir("abs/f");
+    const std::string own = tree.file("base/rel/f"), other = tree.file("abs/g");
+    const Names search{"rel", tree("abs")};
+    EXPECT_EQ(own, QBLFmDir::getFileFullPath("f", tree("base").c_str(), search));
+    EXPECT_EQ(other, QBLFmDir::getFileFullPath("g", tree("base").c_str(), search));
+    EXPECT_EQ(own, QBLFmDir::getFileFullPath("rel/f", tree("base").c_str(), {}));
+    EXPECT_EQ(other, QBLFmDir::getFileFullPath(other.c_str(), "x", {}));
+    EXPECT_EQ("", QBLFmDir::getFileFullPath("h", tree("base").c_str(), search));
+    EXPECT_EQ("", QBLFmDir::getFileFullPath(tree("h").c_str(), "x", {"/"}));
+    QBL_EXPECT_THROW(QBLFmDir::getFileFullPath(nullptr, "x", {}), QBLAssertError,
+                     "QBL_ASSERT(fileName);");
+    QBL_EXPECT_THROW(QBLFmDir::getFileFullPath("x", nullptr, {}), QBLAssertError,
+                     "QBL_ASSERT(basePath);");
+    const auto resolved = [](std::string path) {
+        QBLFmDir::resolveEffectivePath(path);
+        return path;
+    };
+    EXPECT_EQ("f", resolved("f"));
+    QBLFmDir::setEffectiveWorkingDir("work");
+    EXPECT_EQ("work/f", resolved("f"));
+    EXPECT_EQ("work/f", resolved("work/f"));
+    EXPECT_EQ("workfile", resolved("workfile")) << "text for text";
+    EXPECT_EQ("/f", resolved("/f"));
+    QBLFmDir::setEffectiveWorkingDir(nullptr);
+    EXPECT_EQ("f", resolved("f"));
+}

@@ -1,0 +1,279 @@
+#include "QBLCore/QBLCustodian/QBLCustodian.hpp"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <regex>
+#include <stdexcept>
+
+#include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
+#include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/FileManagement/QBLFmDir.hpp"
+#include "QBLCore/Frame/QBLCore.h"
+#include "tests/support/Child.hpp"
+#include "tests/support/FaultInjection.hpp"
+#include "tests/support/TempTree.hpp"
+#include "tests/support/ThrowChecks.hpp"
+#include "tests/support/Workers.hpp"
+
+namespace {
+
+class Task : public QBLCustodianTask {
+public:
+    explicit Task(std::function<int(int)> body = [](int) { return 0; }) : m_body(std::move(body)) {}
+    int doIt(int terminating) override {
+        ++calls;
+        last = last + terminating;
+        return m_body(terminating);
+    }
+    std::atomic<int> calls{0}, last{0};
+
+private:
+    std::function<int(int)> m_body;
+};
+
+class QBLCustodianTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        QBLCustodian::setSchedule(1);
+        ASSERT_EQ(0, qblCoreInitialize());
+    }
+    void TearDown() override {
+        if (!stopped) {
+            EXPECT_EQ(0, qblCoreTerminate());
+        }
+    }
+    void stop() {
+        stopped = true;
+        EXPECT_EQ(0, qblCoreTerminate());
+    }
+    bool stopped = false;
+};
+
+/// The lines that tasks have written, as one text.
+struct Record {
+    void add(char c) {
+        std::lock_guard<std::mutex> hold(lock);
+        text += c;
+    }
+    std::string get() {
+        std::lock_guard<std::mutex> hold(lock);
+        return text;
+    }
+    std::mutex lock;
+    std::string text;
+};
+
+}  // namespace
+
+TEST_F(QBLCustodianTest, CallsEachBatchInItsOrderBeforeOlderOnes) {
+    Record record;
+    Gate begin, registered;
+    Task first([&](int) {
+        begin.open();
+        registered.wait();
+        return 1;
+    });
+    EXPECT_TRUE(QBLCustodian::registerTask(&first));
+    ASSERT_TRUE(begin.wait()) << "the next pass starts when all three are there";
+    std::vector<std::unique_ptr<Task>> tasks;
+    const auto add = [&](char c) {
+        tasks.push_back(std::make_unique<Task>([&record, c](int) {
+            record.add(c);
+            return 0;
+        }));
+        EXPECT_TRUE(QBLCustodian::registerTask(tasks.back().get()));
+    };
+    for (const char c : {'A', 'B', 'C'}) add(c);
+    registered.open();
+    EXPECT_TRUE(eventually([&] { return record.get().size() >= 6; }));
+    add('D');
+    EXPECT_TRUE(eventually([&] { return record.get().find("DABCDABC") != std::string::npos; }));
+    EXPECT_EQ("ABCABC", record.get().substr(0, 6));
+    stop();
+    for (const auto& task : tasks) EXPECT_EQ(1, task->last) << "once at the end";
+    EXPECT_EQ("DABC", record.get().substr(record.get().size() - 4));
+    EXPECT_EQ(1, first.calls) << "finished";
+}
+
+TEST_F(QBLCustodianTest, StopsWithoutWaitingButCallsEveryTaskOnce) {
+    stop();
+    const auto begin = std::chrono::steady_clock::now();
+    for (int i = 0; i < 200; ++i) {
+        QBLCustodian::setSchedule(60000);
+        ASSERT_EQ(0, qblCoreInitialize());
+        Task task;
+        EXPECT_TRUE(QBLCustodian::registerTask(&task));
+        ASSERT_EQ(0, qblCoreTerminate());
+        EXPECT_EQ(1, task.last);
+        EXPECT_FALSE(QBLCustodian::registerTask(&task));
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(30))
+        << "a lost signal would cost a minute";
+    EXPECT_FALSE(QBLCustodian::registerTask(nullptr));
+    EXPECT_FALSE(QBLCustodian::deRegisterTask(nullptr));
+}
+
+TEST_F(QBLCustodianTest, DeregistrationWaitsForThePass) {
+    Gate inside;
+    std::atomic<bool> done{false};
+    Task slow([&](int) {
+        inside.open();
+        QBLThread::sleep(20);
+        done = true;
+        return 0;
+    });
+    Task waiting;
+    EXPECT_TRUE(QBLCustodian::registerTask(&slow));
+    ASSERT_TRUE(inside.wait());
+    EXPECT_TRUE(QBLCustodian::registerTask(&waiting));
+    EXPECT_TRUE(QBLCustodian::registerTask(nullptr));
+    EXPECT_TRUE(QBLCustodian::deRegisterTask(&slow));
+    EXPECT_TRUE(done);
+    const int calls = slow.calls;
+    EXPECT_TRUE(eventually([&] { return waiting.calls > 2; }));
+    EXPECT_EQ(calls, slow.calls);
+    EXPECT_FALSE(QBLCustodian::deRegisterTask(&slow));
+    EXPECT_TRUE(QBLCustodian::deRegisterTask(&waiting));
+}
+
+TEST_F(QBLCustodianTest, TasksRegisterOthersButCannotWithdrawFromTheirPass) {
+    Task other;
+    std::atomic<int> registered{-1}, fresh{-1}, running{-1};
+    std::optional<Task> task;
+    task.emplace([&](int) {
+        running = QBLCustodian::deRegisterTask(&*task);
+        registered = QBLCustodian::registerTask(&other);
+        fresh = QBLCustodian::deRegisterTask(&other);
+        return 1;
+    });
+    EXPECT_TRUE(QBLCustodian::registerTask(&*task));
+    EXPECT_TRUE(eventually([&] { return fresh != -1; }));
+    EXPECT_EQ(0, running);
+    EXPECT_EQ(1, registered);
+    EXPECT_EQ(1, fresh);
+    stop();
+}
+
+TEST_F(QBLCustodianTest, RefusesATaskTwiceAndAThreadThatDoesNotStart) {
+    Task task;
+    fault::failCall(fault::ThreadCreate, 0, EAGAIN);
+    EXPECT_FALSE(QBLCustodian::registerTask(&task));
+    fault::reset();
+    EXPECT_TRUE(QBLCustodian::registerTask(&task)) << "tried again";
+    EXPECT_TRUE(eventually([&] { return task.calls > 0; }));
+    QBL_EXPECT_THROW(QBLCustodian::registerTask(&task), QBLAssertError,
+                     "QBL_ASSERT(task != *iter);");
+    Gate inside, twice;
+    Task blocking([&](int) {
+        inside.open();
+        twice.wait();
+        return 1;
+    });
+    Task waiting;
+    EXPECT_TRUE(QBLCustodian::registerTask(&blocking));
+    ASSERT_TRUE(inside.wait());
+    EXPECT_TRUE(QBLCustodian::registerTask(&waiting));
+    QBL_EXPECT_THROW(QBLCustodian::registerTask(&waiting), QBLAssertError,
+                     "QBL_ASSERT(task != *iterJobs);");
+    fault::failAllocation(0);
+    Task unlucky;
+    QBL_EXPECT_THROW(QBLCustodian::registerTask(&unlucky), QBLOutOfMemoryError, nullptr);
+    twice.open();
+    stop();
+}
+
+TEST_F(QBLCustodianTest, SurvivesRegistrationsFromManyThreadsDuringTheStop) {
+    for (int round = 0; round < 5; ++round) {
+        std::atomic<int> turns{0};
+        Workers workers(4, [&] {
+            for (int i = 0; i < 300; ++i, ++turns) {
+                Task task;  // gone when it is deregistered, also when that tells of no custodian
+                if (QBLCustodian::registerTask(&task)) QBLCustodian::deRegisterTask(&task);
+            }
+        });
+        EXPECT_TRUE(eventually([&] { return turns > 300; }));
+        EXPECT_EQ(0, qblCoreTerminate());
+        EXPECT_EQ(0, qblCoreInitialize());
+        workers.join();
+    }
+}
+
+TEST_F(QBLCustodianTest, StaysBehindWhenItsProcessForks) {
+    if (kThreadSanitizer) GTEST_SKIP() << "the sanitizer starts no thread in a forked process";
+    Task task, other;
+    EXPECT_TRUE(QBLCustodian::registerTask(&task));
+    EXPECT_TRUE(eventually([&] { return task.calls > 0; }));
+    const int status = inChild([&other] {
+        if (QBLCustodian::registerTask(&other) || qblCoreTerminate() != 0) return 1;
+        if (qblCoreInitialize() != 0 || !QBLCustodian::registerTask(&other)) return 2;
+        return qblCoreTerminate() == 0 && other.last == 1 ? 0 : 3;
+    });
+    EXPECT_EQ(0, status);
+    stop();
+}
+
+TEST(QBLCustodianScheduleTest, FreezesAtZeroAndAtAllOnes) {
+    for (const unsigned long frozen : {0UL, ~0UL, 0xFFFFFFFFUL}) {
+        const int status = inChild([frozen] {
+            const unsigned long before = QBLCustodian::getSchedule();
+            if (QBLCustodian::setSchedule(frozen) != before) return 1;
+            if (QBLCustodian::setSchedule(5) != frozen) return 2;
+            if (QBLCustodian::getSchedule() != frozen) return 3;
+            if (qblCoreInitialize() != 0) return 4;
+            Task task;
+            if (!QBLCustodian::registerTask(&task)) return 5;
+            if (frozen == 0) {
+                while (task.calls < 100) QBLThread::yield();
+                for (int i = 0; i < 100; ++i)
+                    if (!QBLCustodian::deRegisterTask(&task) || !QBLCustodian::registerTask(&task))
+                        return 6;
+            }
+            if (qblCoreTerminate() != 0) return 7;
+            return task.last == 1 ? 0 : 8;
+        });
+        EXPECT_EQ(0, status) << frozen;
+    }
+}
+
+TEST(QBLCustodianFailureTest, LogsWhatATaskThrowsAndEndsTheProcess) {
+    const struct {
+        std::function<void()> thrower;
+        const char* record;
+    } table[] = {
+        {[] { QBL_THROW(QBLIllegalStateError(7, "why")); },
+         "QBLCustodian Caught QBLThrowable Error\n<-\n<Exception Name=\"QBLIllegalStateError\" "
+         "Error=\"7\" Severity=\"Fatal\">.*why.*</Exception>\n->\n\n"},
+        {[] { throw std::bad_alloc(); },
+         "QBLCustodian Caught CSTD_STD_NAME::bad_alloc Exception Error\n<-\n\n->\n\n"},
+        {[] { throw std::runtime_error("what"); },
+         "QBLCustodian Caught C\\+\\+ Exception Error\n<-\nwhat\n->\n\n"},
+        {[] { throw 1; },
+         "QBLCustodian Caught Unknown Error\n<-\nQBLCustodian catch \\(...\\)\n->\n\n"}};
+    for (const auto& row : table) {
+        TempTree tree;
+        tree.dir("logs");
+        const std::string work = tree.dir("work");
+        const int status = inChild([&] {
+            QBLFmDir::setEffectiveWorkingDir(work.c_str());
+            QBLCustodian::setSchedule(1);
+            qblCoreInitialize();
+            Task task([&](int) {
+                row.thrower();
+                return 0;
+            });
+            QBLCustodian::registerTask(&task);
+            QBLThread::sleep(kTestLimitMs);
+            return 1;
+        });
+        EXPECT_EQ(327 % 256, status);
+        std::list<std::string> names;
+        QBLFmDir::readDir(tree("logs").c_str(), &names, "qbl_error_*.log", nullptr, nullptr);
+        ASSERT_EQ(1U, names.size());
+        const std::string text = tree.text("logs/" + names.front());
+        EXPECT_TRUE(std::regex_match(text, std::regex("[^\t]*\t" + std::string(row.record))))
+            << text;
+    }
+}

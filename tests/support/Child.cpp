@@ -1,0 +1,27 @@
+#include "tests/support/Child.hpp"
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+
+Child::Child(const std::function<int()>& body) : m_pid(fork()) {
+    if (m_pid == 0) _exit(body());
+}
+
+Child::~Child() {
+    if (m_pid <= 0) return;
+    kill(SIGKILL);
+    wait();
+}
+
+void Child::kill(int signal) const { ::kill(m_pid, signal); }
+
+int Child::wait() {
+    int status = 0;
+    while (waitpid(m_pid, &status, 0) < 0 && errno == EINTR) {
+    }
+    m_pid = 0;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}

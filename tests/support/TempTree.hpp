@@ -1,0 +1,45 @@
+#ifndef TESTS_SUPPORT_TEMPTREE_HPP
+#define TESTS_SUPPORT_TEMPTREE_HPP
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+/// A directory of a test's own, removed at the end.
+class TempTree {
+public:
+    TempTree() {
+        char name[] = "/tmp/qbltest.XXXXXX";
+        m_root = mkdtemp(name);
+    }
+    ~TempTree() {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_root, ignored);
+    }
+    TempTree(const TempTree&) = delete;
+    TempTree& operator=(const TempTree&) = delete;
+
+    /// The path of a name in it.
+    std::string operator()(const std::string& name) const { return m_root + "/" + name; }
+    const char* root() const { return m_root.c_str(); }
+    std::string dir(const std::string& name) const {
+        std::filesystem::create_directories((*this)(name));
+        return (*this)(name);
+    }
+    std::string file(const std::string& name, const std::string& text = "") const {
+        std::ofstream((*this)(name), std::ios::binary) << text;
+        return (*this)(name);
+    }
+    std::string text(const std::string& name) const {
+        std::ostringstream out;
+        out << std::ifstream((*this)(name), std::ios::binary).rdbuf();
+        return out.str();
+    }
+
+private:
+    std::string m_root;
+};
+
+#endif
