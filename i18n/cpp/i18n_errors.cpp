@@ -1,0 +1,4 @@
+#include "i18n/cpp/i18n_errors.hpp"
+
+QBL_EXPORTED_THROWABLE_DEFINITION(I18NRuntimeError)
+QBL_EXPORTED_THROWABLE_DEFINITION(I18NUnexpectedError)

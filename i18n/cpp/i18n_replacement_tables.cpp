@@ -1,0 +1,45 @@
+#include "i18n/cpp/internal/i18n_replacement_tables.hpp"
+
+#include "QBLCore/Frame/internal/QBLImmortal.hpp"
+
+namespace {
+
+template <class Tables, class Key>
+auto find(const Tables& tables, std::string_view encoding, const Key& key)
+    -> decltype(&tables.begin()->second.begin()->second) {
+    const auto table = tables.find(encoding);
+    if (table == tables.end()) return nullptr;
+    const auto entry = table->second.find(key);
+    return entry != table->second.end() ? &entry->second : nullptr;
+}
+
+}  // namespace
+
+void I18NReplacementTables::addInput(const std::string& encoding, const std::string& bytes,
+                                     char32_t replacement) {
+    m_inputs[encoding][bytes] = replacement;
+}
+
+void I18NReplacementTables::addOutput(const std::string& encoding, char32_t codePoint,
+                                      const std::string& replacement) {
+    m_outputs[encoding][codePoint] = replacement;
+}
+
+void I18NReplacementTables::clear() {
+    m_inputs.clear();
+    m_outputs.clear();
+}
+
+const char32_t* I18NReplacementTables::findInput(std::string_view encoding,
+                                                 std::string_view bytes) const {
+    return find(m_inputs, encoding, bytes);
+}
+
+const std::string* I18NReplacementTables::findOutput(std::string_view encoding,
+                                                     char32_t codePoint) const {
+    return find(m_outputs, encoding, codePoint);
+}
+
+I18NReplacementTables& I18NReplacementTables::instance() {
+    return qblImmortal<I18NReplacementTables>();
+}
