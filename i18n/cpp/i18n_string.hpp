@@ -1,0 +1,363 @@
+#ifndef I18N_CPP_I18N_STRING_HPP
+#define I18N_CPP_I18N_STRING_HPP
+
+#include <unicode/uversion.h>
+
+#include <atomic>
+#include <cstddef>
+#include <cstring>
+#include <functional>
+#include <iosfwd>
+#include <string>
+
+#include "QBLCore/Frame/QBLExport.h"
+#include "i18n/cpp/i18n_allocator.h"
+
+U_NAMESPACE_BEGIN
+class UnicodeString;
+U_NAMESPACE_END
+
+class I18NByteWriter;
+class I18NConverter;
+class I18NPatternCode;
+class I18NStringIterator;
+class I18NTextView;
+class QBLThreadCriticalSection;
+
+/// A position in a string, in UTF-16 code units, whatever the string is kept in.
+typedef int I18NStringOffset;
+
+/// The normalisation forms of the Unicode Standard, Annex #15.
+enum I18NNormalizationForms { I18N_NFC, I18N_NFD, I18N_NFKC, I18N_NFKD };
+
+/// A Unicode string. A text of ASCII characters given in an encoding that keeps them is kept as
+/// bytes, up to 32 of them without any allocation; every other one as UTF-16, with an ICU string
+/// beside it. A string that has left ASCII stays in UTF-16. Offsets and counts are in UTF-16 code
+/// units, byte lengths are in bytes, and a length of -1 means up to the terminating zero.
+///
+/// Contents are kept in normalisation form C unless that is switched off. Text is case-sensitive
+/// and compares in the order of its code units.
+///
+/// An allocator given with a constructor gets the string its memory from then on. It must do what
+/// realloc(3) does, for the default one frees what c_str() keeps.
+///
+/// A wide character is a code point: above U+FFFF it becomes a surrogate pair, a surrogate stays
+/// what it is, and what is beyond Unicode becomes U+FFFD.
+///
+/// Errors: QBLOutOfMemoryError; I18NRuntimeError where said. A string is as it was after an error.
+///
+/// Threads: one at a time for each object, but for the constant operations: any number of threads
+/// may call those at a time, c_str() and toBytes() included.
+class QBL_API I18NString {
+public:
+    explicit I18NString(I18NStringAllocator allocator = nullptr, void* context = nullptr) noexcept;
+    /// A copy has the allocator given here, not that of the original.
+    I18NString(const I18NString& other, I18NStringAllocator allocator = nullptr,
+               void* context = nullptr);
+    I18NString(I18NString&& other) noexcept;
+    /// From UTF-16 memory of any alignment, up to a zero unit; an odd byte at the end is ignored.
+    I18NString(const void* utf16, int byteLength, I18NStringAllocator allocator = nullptr,
+               void* context = nullptr);
+    I18NString(int count, wchar_t c, I18NStringAllocator allocator = nullptr,
+               void* context = nullptr);
+    explicit I18NString(const wchar_t* text, I18NStringAllocator allocator = nullptr,
+                        void* context = nullptr);
+    /// From bytes; null for UTF-8. Ill-formed UTF-8 gives error values in its place. What needs a
+    /// converter is empty until the internationalisation layer is initialised.
+    /// @throws I18NRuntimeError -3 for an encoding that is not there, -4 for bytes it refuses
+    explicit I18NString(const char* bytes, const char* encoding = nullptr, int length = -1,
+                        I18NStringAllocator allocator = nullptr, void* context = nullptr);
+    /// From bytes by a converter, with its policies; works before the layer is initialised too.
+    /// @throws I18NRuntimeError -4 for bytes that it refuses
+    I18NString(const char* bytes, const I18NConverter& converter, int length = -1,
+               I18NStringAllocator allocator = nullptr, void* context = nullptr);
+    ~I18NString() {
+        if (m_pUnicodeString != nullptr || m_asciiBufCapacity > kInline ||
+            m_pConverted.load(std::memory_order_relaxed) != nullptr)
+            destroy();
+    }
+
+    /// Make the object anew, as the constructors do, with the allocator given here.
+    template <class... Arguments>
+    void create(const Arguments&... arguments) {
+        recreate(I18NString(arguments...));
+    }
+
+    /// Keep the allocator that the string has.
+    I18NString& operator=(const I18NString& other);
+    I18NString& operator=(I18NString&& other);
+    I18NString& operator=(const char* utf8);
+    I18NString& operator=(const wchar_t* text);
+    I18NString& operator=(wchar_t c);
+
+    I18NString& append(const I18NString& other);
+    I18NString& append(const char* utf8);
+    I18NString& append(const wchar_t* text);
+    I18NString& append(wchar_t c);
+    template <class Text>
+    I18NString& operator+=(const Text& text) {
+        return append(text);
+    }
+    /// Offsets beyond the end count as the end, negative ones as the beginning.
+    I18NString& insert(I18NStringOffset offset, const I18NString& other);
+    I18NString& insert(I18NStringOffset offset, const wchar_t* text);
+    I18NString& insert(I18NStringOffset offset, wchar_t c);
+    I18NString& replace(I18NStringOffset offset, int count, const I18NString& other);
+    I18NString& replace(I18NStringOffset offset, int count, const wchar_t* text);
+    I18NString& replace(I18NStringOffset offset, int count, wchar_t c);
+    /// A negative count means all to the end, as everywhere.
+    I18NString& erase(I18NStringOffset offset, int count = -1);
+    /// Empties the string.
+    I18NString& remove();
+    /// Cuts the string to a number of units, or fills it up to that.
+    I18NString& resize(int units, wchar_t fill = L' ');
+    I18NString& trimLeading(wchar_t c = L' ');
+    I18NString& trimTrailing(wchar_t c = L' ');
+    I18NString& trim(wchar_t c = L' ');
+
+    /// @return the offset found; -1 when there is none. An empty text is found where the search
+    ///     starts, if that is in the string.
+    I18NStringOffset find(const I18NString& text, I18NStringOffset start = 0) const;
+    I18NStringOffset find(const wchar_t* text, I18NStringOffset start = 0) const;
+    I18NStringOffset find(wchar_t c, I18NStringOffset start = 0) const;
+    /// The last one that begins at start or before; -1 starts at the end.
+    I18NStringOffset rfind(const I18NString& text, I18NStringOffset start = -1) const;
+    I18NStringOffset rfind(const wchar_t* text, I18NStringOffset start = -1) const;
+    I18NStringOffset rfind(wchar_t c, I18NStringOffset start = -1) const;
+    /// The first or last code point that is, or is not, one of those in a text.
+    I18NStringOffset findFirstOf(const I18NString& set, I18NStringOffset start = 0) const;
+    I18NStringOffset findFirstOf(const wchar_t* set, I18NStringOffset start = 0) const;
+    I18NStringOffset findFirstOf(wchar_t c, I18NStringOffset start = 0) const;
+    I18NStringOffset findFirstNotOf(const I18NString& set, I18NStringOffset start = 0) const;
+    I18NStringOffset findFirstNotOf(const wchar_t* set, I18NStringOffset start = 0) const;
+    I18NStringOffset findFirstNotOf(wchar_t c, I18NStringOffset start = 0) const;
+    I18NStringOffset findLastOf(const I18NString& set, I18NStringOffset start = -1) const;
+    I18NStringOffset findLastOf(const wchar_t* set, I18NStringOffset start = -1) const;
+    I18NStringOffset findLastOf(wchar_t c, I18NStringOffset start = -1) const;
+    I18NStringOffset findLastNotOf(const I18NString& set, I18NStringOffset start = -1) const;
+    I18NStringOffset findLastNotOf(const wchar_t* set, I18NStringOffset start = -1) const;
+    I18NStringOffset findLastNotOf(wchar_t c, I18NStringOffset start = -1) const;
+
+    bool empty() const { return nUnits() == 0; }
+    /// Code units.
+    int nUnits() const { return m_pUnicodeString == nullptr ? m_asciiBufLength : m_unitLength; }
+    /// Code points; a surrogate pair counts once.
+    int length() const { return nCodePoints(); }
+    int nCodePoints() const;
+    /// Bytes of the UTF-16 form with its terminator, but 0 for an empty string.
+    int size() const;
+    static int length(const I18NString& other) { return other.length(); }
+    static int size(const I18NString& other) { return other.size(); }
+    /// Deliberately always 0: how wide a text is shown was never settled.
+    int displaySize() const { return 0; }
+
+    /// The offset behind the code point at an offset; -1 unless that is in the string.
+    I18NStringOffset incrementOffset(I18NStringOffset offset) const;
+    /// The offset of the code point before an offset; -1 unless there is one.
+    I18NStringOffset decrementOffset(I18NStringOffset offset) const;
+    /// The code point at an offset; 0 at the end and outside.
+    wchar_t codePointAt(I18NStringOffset offset) const;
+    I18NStringIterator begin() const;
+    I18NStringIterator end() const;
+
+    /// The text in an encoding, with a zero of its width behind it. It belongs to the string and
+    /// stays until the string is changed or destroyed; asked for again it is the same.
+    /// @param encoding  null for UTF-8
+    /// @param length  receives the bytes, the zero included; null if not wanted
+    /// @param allocator  for the conversion; null means the string's own
+    /// @throws I18NRuntimeError -3 for an encoding that is not there, -4 for text it cannot express
+    const char* c_str(const char* encoding = nullptr, int* length = nullptr,
+                      I18NStringAllocator allocator = nullptr, void* context = nullptr) const {
+        if (m_pUnicodeString != nullptr || encoding != nullptr)
+            return bytes(encoding, length, allocator, context);
+        if (length != nullptr) *length = m_asciiBufLength + 1;
+        return ascii();
+    }
+    /// The same by a converter, with its policies; the text is converted by UTF-8 converters too.
+    const char* c_str(const I18NConverter& converter, int* length = nullptr,
+                      I18NStringAllocator allocator = nullptr, void* context = nullptr) const;
+    /// The same as a block of the caller's, to be freed by freeBuffer(); one that an allocator was
+    /// given for, by that.
+    /// @param length  receives the bytes, the zero included; null if not wanted
+    void toBytes(char** out, const char* encoding = nullptr, int* length = nullptr,
+                 I18NStringAllocator allocator = nullptr, void* context = nullptr) const;
+    void toBytes(char** out, const I18NConverter& converter, int* length = nullptr,
+                 I18NStringAllocator allocator = nullptr, void* context = nullptr) const;
+    /// Writes the text without the zero.
+    /// @throws I18NRuntimeError with the writer's code when it fails
+    void toBytes(I18NByteWriter& writer, const char* encoding = nullptr) const;
+    /// Frees a block of the default allocator and sets the pointer to null; a shared empty text
+    /// stays.
+    static void freeBuffer(char** block);
+
+    /// Sets the contents to a normalisation form; does nothing but claim to where it is switched
+    /// off.
+    /// @throws I18NRuntimeError
+    I18NString& normalize(I18NNormalizationForms form = I18N_NFC);
+    /// Whether contents are brought to normalisation form C from now on; they are at first.
+    void useNormalization(bool use);
+    /// Whether the contents are known to be in normalisation form C.
+    bool isNormalized() const { return hasFlag(kI18NNormalized); }
+
+    /// While true every new string is kept in UTF-16, for the whole process.
+    static void setForceUnicodeString(bool force);
+    static bool isForceUnicodeString();
+    bool isUsingAsciiBuffer() const;
+
+    /// Makes a caller's UTF-16 buffer the string's own: with the text that is in it, up to a zero
+    /// or its end, and in its place from then on. The buffer must live as long as the string uses
+    /// it, that is until remove() of another's text is not enough: a text too long for it throws.
+    /// @param bytes  of the buffer, 2 at least
+    /// @throws I18NRuntimeError -7 from any change for which the buffer is too small;
+    ///     I18NRuntimeError -10 for null or fewer bytes
+    void attach(void* buffer, int bytes);
+    /// Copies as much as fits in UTF-16, with a zero behind it.
+    /// @return bytes written, the zero included; 0 for null or less than 2 bytes
+    int copyToExternalBuffer(void* buffer, int bytes) const;
+    /// The text in UTF-16, with a zero behind it, until the next change. The string leaves ASCII.
+    char16_t* getExternalBuffer();
+    /// Gives the string a buffer that has just room for its text.
+    /// @throws I18NRuntimeError -7 for a string with a caller's buffer, which it lets go of
+    void resizeExternalBuffer();
+
+    /// Whether the whole text matches an SQL LIKE pattern: "%" stands for any text, "_" for one
+    /// code point, and after the escape character both, and that character, for themselves.
+    /// @param escape  0 for none
+    bool matchLike(const I18NString& pattern, wchar_t escape = 0) const;
+    bool matchLike(const I18NPatternCode& pattern) const;
+    /// Finds the leftmost part that matches, and of those that begin there the shortest.
+    /// @param from  where to begin
+    /// @param start, end  receive the part's offsets
+    bool substringLike(const I18NPatternCode& pattern, I18NStringOffset from,
+                       I18NStringOffset& start, I18NStringOffset& end) const;
+    /// A pattern made ready, to be freed by deletePatternCode().
+    static I18NPatternCode* getPatternCode(const I18NString& pattern, wchar_t escape = 0);
+    static void deletePatternCode(I18NPatternCode* code);
+
+    /// The ICU string with the contents, which the string leaves ASCII for. It is valid until the
+    /// next change, which is not to be made through it.
+    const icu::UnicodeString& getUnicodeString();
+
+    std::u16string toUtf16() const;
+    std::string toUtf8() const;
+
+    /// Negative, 0 or positive as this is before, equal to or behind the other.
+    int compare(const I18NString& other) const;
+    int compare(const char* utf8) const;
+    friend bool operator==(const I18NString& a, const I18NString& b) {
+        if (a.nUnits() != b.nUnits()) return false;
+        if (a.m_pUnicodeString != nullptr || b.m_pUnicodeString != nullptr)
+            return a.compare(b) == 0;
+        return std::memcmp(a.ascii(), b.ascii(), static_cast<std::size_t>(a.nUnits())) == 0;
+    }
+    friend bool operator!=(const I18NString& a, const I18NString& b) { return !(a == b); }
+    friend bool operator<(const I18NString& a, const I18NString& b) { return a.compare(b) < 0; }
+    friend bool operator<=(const I18NString& a, const I18NString& b) { return a.compare(b) <= 0; }
+    friend bool operator>(const I18NString& a, const I18NString& b) { return a.compare(b) > 0; }
+    friend bool operator>=(const I18NString& a, const I18NString& b) { return a.compare(b) >= 0; }
+    /// An empty string equals null and "".
+    friend bool operator==(const I18NString& a, const char* b) { return a.compare(b) == 0; }
+    friend bool operator==(const char* a, const I18NString& b) { return b.compare(a) == 0; }
+    friend bool operator!=(const I18NString& a, const char* b) { return a.compare(b) != 0; }
+    friend bool operator!=(const char* a, const I18NString& b) { return b.compare(a) != 0; }
+
+    /// The lock that conversions of the string at an address are made under; 64 locks serve all.
+    static int getIndexFromPtr(const void* string);
+    static QBLThreadCriticalSection& getLockFromPtr(const void* string);
+
+private:
+    enum Flags : unsigned char {
+        kI18NChanged = 0x01,
+        kI18NNormalized = 0x02,
+        kI18NStaticBuffer = 0x04,
+        kI18NFromCodePage943 = 0x08,
+        kI18NNoNormalization = 0x10
+    };
+    static constexpr int kInline = 32;
+    struct Conversion;
+    friend class I18NTextView;
+    friend class I18NStringIteratorValue;
+
+    bool hasFlag(Flags flag) const { return (m_flags.load(std::memory_order_acquire) & flag) != 0; }
+    void setFlag(Flags flag, bool on);
+    void setChangedFlag(bool changed) { setFlag(kI18NChanged, changed); }
+
+    char* allocate(char* block, int size) const;
+    void release(void* block) const noexcept;
+    void destroy() noexcept;
+    void take(I18NString& other) noexcept;
+    void recreate(I18NString&& fresh) noexcept;
+    const char* ascii() const {
+        return m_asciiBufCapacity <= kInline ? m_asciiInline : m_pAsciiBuffer;
+    }
+
+    void reserveAscii(int units);
+    void reserveUnits(int units);
+    void leaveAscii();
+    void createUnicodeString();
+    void alias();
+    void changed();
+
+    void assign(const I18NTextView& text, bool normalized = false);
+    void splice(I18NStringOffset offset, int count, const I18NTextView& text);
+    void spliceUnits(int offset, int count, const I18NTextView& text);
+    void setConverted(const char* bytes, const char* encoding, int length);
+    void setConverted(const char* bytes, const I18NConverter& converter, int length);
+    void setBytes(const char* bytes, const char* encoding, int length);
+    void decodeUTF8(const char* bytes, int length);
+    void renormalize(int begin, int end);
+    const char* bytes(const char* encoding, int* length, I18NStringAllocator allocator,
+                      void* context) const;
+    bool setShort(const char* bytes, const char* encoding, int length);
+    const Conversion* findConversion(const char* key) const;
+    const Conversion* conversion(const char* key, const char* encoding,
+                                 const I18NConverter* converter, I18NStringAllocator allocator,
+                                 void* context) const;
+    void dropConversions() noexcept;
+
+    char16_t* m_pCodeUnits;
+    icu::UnicodeString* m_pUnicodeString;  // null while the text is kept in ASCII
+    I18NStringAllocator m_allocator;
+    void* m_allocatorContext;
+    mutable std::atomic<Conversion*>
+        m_pConverted;               // the newest first; under the lock, but for reads
+    mutable int m_convertedLength;  // of the newest, under the lock
+    const char16_t* m_pContents;
+    mutable const char* m_pConvertedEncoding;  // of the newest, under the lock
+    mutable std::atomic<unsigned char> m_flags;
+    char m_asciiInline[kInline + 1];
+    mutable char* m_pAsciiBuffer;
+    int m_asciiBufCapacity;  // characters that fit before the zero
+    int m_asciiBufLength;
+    int m_unitLength;
+    int m_unitCapacity;  // units that fit before the zero
+};
+
+/// Where a text is written to, piece by piece.
+class QBL_API I18NByteWriter {
+public:
+    virtual ~I18NByteWriter();
+    /// @return 0; a negative code of I18NErrorCodes ends the writing
+    virtual int write(const char* bytes, int length) = 0;
+};
+
+/// Frees a block as I18NString::freeBuffer does.
+QBL_API void I18NFreeBuffer(char*& block);
+QBL_API void I18NFreeBuffer(void*& block);
+/// The empty text that is shared, and never freed.
+extern QBL_API char gI18NNullString[4];
+
+QBL_API I18NString operator+(const I18NString& a, const I18NString& b);
+QBL_API I18NString operator+(const I18NString& a, const wchar_t* b);
+QBL_API I18NString operator+(const I18NString& a, wchar_t b);
+/// Writes the UTF-8 form, without the terminating zero.
+QBL_API std::ostream& operator<<(std::ostream& out, const I18NString& text);
+/// Reads a word up to white space, as UTF-8.
+QBL_API std::istream& operator>>(std::istream& in, I18NString& text);
+
+template <>
+struct std::hash<I18NString> {
+    QBL_API std::size_t operator()(const I18NString& text) const noexcept;
+};
+
+#endif

@@ -1,0 +1,51 @@
+#include <unicode/ucnv.h>
+
+#include <cstring>
+
+#include "i18n/cpp/i18n_converter.hpp"
+#include "i18n/cpp/i18n_string.hpp"
+#include "i18n/cpp/internal/i18n_bytes.hpp"
+#include "i18n/cpp/internal/i18n_encodings.hpp"
+
+namespace {
+
+/// Japanese text of this table has substitutions of its own to come.
+bool isCodePage943(const char* encoding) {
+    UErrorCode status = U_ZERO_ERROR;
+    const char* const name = ucnv_getAlias(encoding, 0, &status);
+    return U_SUCCESS(status) && name != nullptr && std::strncmp(name, "ibm-943_P15A", 12) == 0;
+}
+
+}  // namespace
+
+// Takes bytes that are not to be read as ASCII or UTF-8.
+void I18NString::setConverted(const char* bytes, const char* encoding, int length) {
+    if (i18nIsUTF16(encoding)) {
+        leaveAscii();
+        const I18NString fresh(static_cast<const void*>(bytes), length);
+        return assign(I18NTextView(fresh));
+    }
+    if (!I18NConverter::isInitialized()) {
+        remove();
+        return;
+    }
+    setConverted(bytes, I18NConverter(encoding), length);
+}
+
+void I18NString::setConverted(const char* bytes, const I18NConverter& converter, int length) {
+    const I18NMemory memory(nullptr, nullptr);
+    struct Units {
+        const I18NMemory& memory;
+        void* block = nullptr;
+        int size = 0;
+        ~Units() { memory.release(block); }
+    } units{memory};
+    if (bytes != nullptr) converter.toUnicode(&units.block, &units.size, bytes, length);
+    leaveAscii();
+    const bool from943 = isCodePage943(converter.getEncoding());
+    const int count = units.size >= 2 ? units.size / 2 - 1 : 0;
+    // Text of other encodings is deliberately taken as normalised, as their tables give it so.
+    assign(I18NTextView(static_cast<const char16_t*>(units.block), count), !from943);
+    setFlag(kI18NFromCodePage943, from943);
+    setFlag(kI18NNormalized, true);
+}

@@ -1,0 +1,172 @@
+#include <climits>
+#include <cstring>
+#include <cwchar>
+
+#include "QBLCore/Exceptions/QBLAllocation.hpp"
+#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
+#include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "i18n/cpp/i18n_string.hpp"
+#include "i18n/cpp/internal/i18n_text_view.hpp"
+
+namespace {
+
+constexpr std::int64_t kMostUnits = INT_MAX / 2 - 2;
+
+/// Moves the tail of a text so that a gap has the size of what is to come.
+template <class Unit>
+void openGap(Unit* text, int length, int offset, int count, int fill) {
+    std::char_traits<Unit>::move(text + offset + fill, text + offset + count,
+                                 static_cast<std::size_t>(length - offset - count));
+}
+
+void requireLength(std::int64_t length) {
+    if (length > kMostUnits) QBL_THROW(QBLOutOfMemoryError(0, "malloc failed to allocate memory."));
+}
+
+}  // namespace
+
+I18NWideText::I18NWideText(const wchar_t* text) {
+    const std::size_t count = text != nullptr ? std::wcslen(text) : 0;
+    requireLength(static_cast<std::int64_t>(count) * 2);
+    char16_t* out = m_small;
+    if (count > kSmall / 2) {
+        QBL_ALLOC_TRY
+        m_pLarge.reset(out = new char16_t[count * 2]);
+        QBL_ALLOC_CATCH
+    }
+    for (std::size_t i = 0; i < count; ++i)
+        m_length += i18nPutCodePoint(out + m_length, static_cast<char32_t>(text[i]));
+}
+
+// Puts a text in the place of a part of this one.
+void I18NString::splice(I18NStringOffset offset, int count, const I18NTextView& text) {
+    if (text.owner() == this) {
+        const I18NString copy(*this);
+        return splice(offset, count, I18NTextView(copy));
+    }
+    const int length = nUnits();
+    if (offset < 0) offset = 0;
+    if (offset > length) offset = length;
+    if (count < 0 || count > length - offset) count = length - offset;
+    const std::int64_t newLength = std::int64_t{length} - count + text.length();
+    requireLength(newLength);
+    if (!isUsingAsciiBuffer() || isForceUnicodeString() || !text.isASCII()) {
+        leaveAscii();
+        return spliceUnits(offset, count, text);
+    }
+    reserveAscii(static_cast<int>(newLength));
+    openGap(m_pAsciiBuffer, length, offset, count, text.length());
+    text.copyTo(m_pAsciiBuffer + offset);
+    m_asciiBufLength = static_cast<int>(newLength);
+    m_pAsciiBuffer[newLength] = '\0';
+    changed();
+}
+
+void I18NString::spliceUnits(int offset, int count, const I18NTextView& text) {
+    const int length = m_unitLength, newLength = length - count + text.length();
+    reserveUnits(newLength);
+    openGap(m_pCodeUnits, length, offset, count, text.length());
+    text.copyTo(m_pCodeUnits + offset);
+    m_unitLength = newLength;
+    alias();
+    changed();
+    renormalize(offset, offset + text.length());
+}
+
+I18NString& I18NString::append(const I18NString& other) {
+    splice(nUnits(), 0, I18NTextView(other));
+    return *this;
+}
+
+I18NString& I18NString::append(const char* utf8) {
+    const std::size_t length = utf8 != nullptr ? std::strlen(utf8) : 0;
+    requireLength(static_cast<std::int64_t>(length));
+    const bool own = utf8 >= m_pAsciiBuffer && utf8 <= m_pAsciiBuffer + m_asciiBufLength;
+    if (!own && i18nIsASCII(utf8, length))
+        splice(nUnits(), 0, I18NTextView(utf8, static_cast<int>(length)));
+    else
+        splice(nUnits(), 0, I18NTextView(I18NString(utf8)));
+    return *this;
+}
+
+I18NString& I18NString::append(const wchar_t* text) {
+    splice(nUnits(), 0, I18NWideText(text).view());
+    return *this;
+}
+
+I18NString& I18NString::append(wchar_t c) {
+    splice(nUnits(), 0, I18NWideText(c).view());
+    return *this;
+}
+
+I18NString& I18NString::insert(I18NStringOffset offset, const I18NString& other) {
+    splice(offset, 0, I18NTextView(other));
+    return *this;
+}
+
+I18NString& I18NString::insert(I18NStringOffset offset, const wchar_t* text) {
+    splice(offset, 0, I18NWideText(text).view());
+    return *this;
+}
+
+I18NString& I18NString::insert(I18NStringOffset offset, wchar_t c) {
+    splice(offset, 0, I18NWideText(c).view());
+    return *this;
+}
+
+I18NString& I18NString::replace(I18NStringOffset offset, int count, const I18NString& other) {
+    splice(offset, count, I18NTextView(other));
+    return *this;
+}
+
+I18NString& I18NString::replace(I18NStringOffset offset, int count, const wchar_t* text) {
+    splice(offset, count, I18NWideText(text).view());
+    return *this;
+}
+
+I18NString& I18NString::replace(I18NStringOffset offset, int count, wchar_t c) {
+    splice(offset, count, I18NWideText(c).view());
+    return *this;
+}
+
+I18NString& I18NString::erase(I18NStringOffset offset, int count) {
+    splice(offset, count, I18NTextView("", 0));
+    return *this;
+}
+
+I18NString& I18NString::remove() { return erase(0); }
+
+I18NString& I18NString::resize(int units, wchar_t fill) {
+    const int length = nUnits();
+    if (units <= length) return erase(units < 0 ? 0 : units);
+    const I18NWideText one(fill);
+    const I18NTextView unit = one.view();
+    const int copies = (units - length) / unit.length();
+    requireLength(units);
+    QBL_ALLOC_TRY
+    std::u16string text;
+    text.reserve(static_cast<std::size_t>(units - length));
+    for (int i = 0; i < copies; ++i)
+        for (int k = 0; k < unit.length(); ++k) text += unit[k];
+    splice(length, 0, I18NTextView(text.data(), static_cast<int>(text.size())));
+    QBL_ALLOC_CATCH
+    return *this;
+}
+
+I18NString& I18NString::trimLeading(wchar_t c) {
+    const I18NStringOffset kept = findFirstNotOf(c);
+    return kept < 0 ? remove() : kept > 0 ? erase(0, kept) : *this;
+}
+
+I18NString& I18NString::trimTrailing(wchar_t c) {
+    const I18NStringOffset kept = findLastNotOf(c);
+    return kept < 0 ? remove() : erase(incrementOffset(kept));
+}
+
+I18NString& I18NString::trim(wchar_t c) { return trimTrailing(c).trimLeading(c); }
+
+I18NString operator+(const I18NString& a, const I18NString& b) { return I18NString(a) += b; }
+
+I18NString operator+(const I18NString& a, const wchar_t* b) { return I18NString(a) += b; }
+
+I18NString operator+(const I18NString& a, wchar_t b) { return I18NString(a) += b; }

@@ -1,0 +1,98 @@
+#include <new>
+#include <vector>
+
+#include "QBLCore/Exceptions/QBLAllocation.hpp"
+#include "i18n/cpp/i18n_string.hpp"
+#include "i18n/cpp/internal/i18n_text_view.hpp"
+
+namespace {
+
+// Beyond Unicode, so that no character is one of them.
+constexpr char32_t kAnyOne = 0x110000;
+constexpr char32_t kAnyRun = 0x110001;
+
+}  // namespace
+
+/// A pattern: code points, kAnyOne and kAnyRun.
+class I18NPatternCode {
+public:
+    I18NPatternCode(const I18NTextView& pattern, char32_t escape) {
+        for (int i = 0; i < pattern.length(); i = pattern.next(i)) {
+            const char32_t c = pattern.codePointAt(i);
+            const int next = pattern.next(i);
+            if (c == escape && escape != 0 && next < pattern.length()) {
+                const char32_t escaped = pattern.codePointAt(next);
+                if (escaped == '%' || escaped == '_' || escaped == escape) {
+                    m_items.push_back(escaped);
+                    i = next;
+                    continue;
+                }
+            }
+            m_items.push_back(c == '%' ? kAnyRun : c == '_' ? kAnyOne : c);
+        }
+    }
+
+    /// Matches the pattern from an offset on. A mismatch goes back to the last run only, which
+    /// takes one code point more: what earlier runs took need not change.
+    /// @param whole  the match must reach the end of the text
+    /// @return the end of the shortest match; -1 for none
+    int match(const I18NTextView& text, int at, bool whole) const {
+        const std::size_t count = m_items.size();
+        std::size_t item = 0, afterRun = 0;
+        int runEnd = -1;
+        for (;;) {
+            if (item == count && (!whole || at == text.length())) return at;
+            if (item < count && m_items[item] == kAnyRun) {
+                afterRun = ++item;
+                runEnd = at;
+                if (item == count) return whole ? text.length() : at;
+                continue;
+            }
+            if (item < count && at < text.length() &&
+                (m_items[item] == kAnyOne || m_items[item] == text.codePointAt(at))) {
+                at = text.next(at);
+                ++item;
+                continue;
+            }
+            if (runEnd < 0 || runEnd >= text.length()) return -1;
+            at = runEnd = text.next(runEnd);
+            item = afterRun;
+        }
+    }
+
+private:
+    std::vector<char32_t> m_items;
+};
+
+I18NPatternCode* I18NString::getPatternCode(const I18NString& pattern, wchar_t escape) {
+    QBL_ALLOC_TRY
+    return new I18NPatternCode(I18NTextView(pattern), static_cast<char32_t>(escape));
+    QBL_ALLOC_CATCH
+}
+
+void I18NString::deletePatternCode(I18NPatternCode* code) { delete code; }
+
+bool I18NString::matchLike(const I18NString& pattern, wchar_t escape) const {
+    QBL_ALLOC_TRY
+    return matchLike(I18NPatternCode(I18NTextView(pattern), static_cast<char32_t>(escape)));
+    QBL_ALLOC_CATCH
+}
+
+bool I18NString::matchLike(const I18NPatternCode& pattern) const {
+    return pattern.match(I18NTextView(*this), 0, true) >= 0;
+}
+
+bool I18NString::substringLike(const I18NPatternCode& pattern, I18NStringOffset from,
+                               I18NStringOffset& start, I18NStringOffset& end) const {
+    const I18NTextView text(*this);
+    for (int at = from < 0 ? 0 : from; at <= text.length(); at = text.next(at)) {
+        const int found = pattern.match(text, at, false);
+        if (found >= 0) {
+            start = at;
+            end = found;
+            return true;
+        }
+        if (at == text.length()) break;
+    }
+    return false;
+}

@@ -1,0 +1,191 @@
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <istream>
+#include <new>
+#include <ostream>
+#include <utility>
+
+#include "QBLCore/Exceptions/QBLAllocation.hpp"
+#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
+#include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
+#include "QBLCore/Threads/QBLThreadGuard.hpp"
+#include "i18n/cpp/i18n_converter.hpp"
+#include "i18n/cpp/i18n_error_codes.h"
+#include "i18n/cpp/i18n_errors.hpp"
+#include "i18n/cpp/i18n_string.hpp"
+#include "i18n/cpp/internal/i18n_bytes.hpp"
+#include "i18n/cpp/internal/i18n_encodings.hpp"
+
+char gI18NNullString[4] = {};
+
+/// A conversion that was asked for. Conversions stay while the contents do, so that two threads can
+/// ask for two encodings of one constant string.
+struct I18NString::Conversion {
+    Conversion* next;
+    I18NMemory memory;  // that the bytes are from
+    I18NBytes bytes;
+    char* key;  // the encoding, and what else makes a difference
+
+    void free() {
+        memory.release(bytes.block);
+        std::free(key);
+        delete this;
+    }
+};
+
+I18NByteWriter::~I18NByteWriter() = default;
+
+const I18NString::Conversion* I18NString::findConversion(const char* key) const {
+    const Conversion* at = m_pConverted.load(std::memory_order_acquire);
+    while (at != nullptr && std::strcmp(at->key, key) != 0) at = at->next;
+    return at;
+}
+
+void I18NString::dropConversions() noexcept {
+    Conversion* at = m_pConverted.exchange(nullptr, std::memory_order_acquire);
+    while (at != nullptr) std::exchange(at, at->next)->free();
+    m_convertedLength = 0;
+    m_pConvertedEncoding = nullptr;
+}
+
+const char* I18NString::bytes(const char* encoding, int* length, I18NStringAllocator allocator,
+                              void* context) const {
+    if (isUsingAsciiBuffer() && i18nKeepsASCII(encoding)) {
+        if (length != nullptr) *length = m_asciiBufLength + 1;
+        return ascii();
+    }
+    const char* const key = encoding != nullptr ? encoding : "UTF8";
+    const Conversion* const made = conversion(key, encoding, nullptr, allocator, context);
+    if (length != nullptr) *length = made->bytes.length;
+    return made->bytes.block;
+}
+
+// What becomes of characters that cannot be converted makes another conversion of it.
+const char* I18NString::c_str(const I18NConverter& converter, int* length,
+                              I18NStringAllocator allocator, void* context) const {
+    const I18NUserOutputCallback callback =
+        converter.getUserDefinedUnconvertibleOutputSequenceCallback();
+    char key[100];
+    std::snprintf(key, sizeof key, "%.60s %d %lx", converter.getEncoding(),
+                  converter.getBuiltInUnconvertibleOutputSequenceCallback(),
+                  static_cast<unsigned long>(reinterpret_cast<std::uintptr_t>(callback)));
+    const Conversion* const made =
+        conversion(key, converter.getEncoding(), &converter, allocator, context);
+    if (length != nullptr) *length = made->bytes.length;
+    return made->bytes.block;
+}
+
+const I18NString::Conversion* I18NString::conversion(const char* key, const char* encoding,
+                                                     const I18NConverter* converter,
+                                                     I18NStringAllocator allocator,
+                                                     void* context) const {
+    if (const Conversion* found = findConversion(key)) return found;
+    QBLThreadGuard guard(getLockFromPtr(this));
+    if (const Conversion* found = findConversion(key)) return found;
+    const I18NMemory memory(allocator != nullptr ? allocator : m_allocator,
+                            allocator != nullptr ? context : m_allocatorContext);
+    auto* const made = new (std::nothrow) Conversion{
+        m_pConverted.load(std::memory_order_relaxed), memory, {nullptr, 0, 1}, strdup(key)};
+    if (made == nullptr) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
+    try {
+        if (made->key == nullptr) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
+        const I18NTextView text(*this);
+        made->bytes = converter != nullptr ? i18nToBytes(text, *converter, memory)
+                                           : i18nToBytes(text, encoding, memory);
+    } catch (...) {
+        made->free();
+        throw;
+    }
+    m_convertedLength = made->bytes.length;
+    m_pConvertedEncoding = made->key;
+    m_pConverted.store(made, std::memory_order_release);
+    m_flags.store(static_cast<unsigned char>(m_flags.load(std::memory_order_relaxed) &
+                                             ~static_cast<unsigned>(kI18NChanged)),
+                  std::memory_order_release);
+    return made;
+}
+
+void I18NString::toBytes(char** out, const char* encoding, int* length,
+                         I18NStringAllocator allocator, void* context) const {
+    if (out == nullptr) QBL_THROW(I18NRuntimeError(I18N_ARGUMENT, nullptr));
+    const I18NBytes bytes =
+        i18nToBytes(I18NTextView(*this), encoding, I18NMemory(allocator, context));
+    *out = bytes.block;
+    if (length != nullptr) *length = bytes.length;
+}
+
+void I18NString::toBytes(char** out, const I18NConverter& converter, int* length,
+                         I18NStringAllocator allocator, void* context) const {
+    if (out == nullptr) QBL_THROW(I18NRuntimeError(I18N_ARGUMENT, nullptr));
+    const I18NBytes bytes =
+        i18nToBytes(I18NTextView(*this), converter, I18NMemory(allocator, context));
+    *out = bytes.block;
+    if (length != nullptr) *length = bytes.length;
+}
+
+void I18NString::toBytes(I18NByteWriter& writer, const char* encoding) const {
+    const I18NTextView text(*this);
+    int code;
+    if (text.ascii() != nullptr && i18nKeepsASCII(encoding)) {
+        code = writer.write(text.ascii(), text.length());
+    } else {
+        const I18NMemory memory(nullptr, nullptr);
+        const I18NBytes bytes = i18nToBytes(text, encoding, memory);
+        struct Release {
+            const I18NMemory& memory;
+            char* block;
+            ~Release() { memory.release(block); }
+        } release{memory, bytes.block};
+        code = writer.write(bytes.block, bytes.length - bytes.zero);
+    }
+    if (code < 0) QBL_THROW(I18NRuntimeError(code, nullptr));
+}
+
+void I18NString::freeBuffer(char** block) {
+    if (block == nullptr) return;
+    int error = I18N_OK;
+    if (*block != nullptr && *block != gI18NNullString)
+        I18N_STRINGBUFFER_ALLOCATOR_CALLBACK(nullptr, *block, 0, &error);
+    *block = nullptr;
+    if (error != I18N_OK) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
+}
+
+void I18NFreeBuffer(char*& block) { I18NString::freeBuffer(&block); }
+
+void I18NFreeBuffer(void*& block) {
+    char* bytes = static_cast<char*>(block);
+    I18NString::freeBuffer(&bytes);
+    block = nullptr;
+}
+
+std::u16string I18NString::toUtf16() const {
+    QBL_ALLOC_TRY
+    const I18NTextView text(*this);
+    std::u16string units(static_cast<std::size_t>(text.length()), u'\0');
+    text.copyTo(&units[0]);
+    return units;
+    QBL_ALLOC_CATCH
+}
+
+std::string I18NString::toUtf8() const {
+    QBL_ALLOC_TRY
+    const I18NTextView text(*this);
+    if (text.ascii() != nullptr)
+        return std::string(text.ascii(), static_cast<std::size_t>(text.length()));
+    const auto length = static_cast<std::size_t>(text.length());
+    std::string bytes(i18nLengthUTF8(text.units(), length), '\0');
+    i18nEncodeUTF8(text.units(), length, &bytes[0]);
+    return bytes;
+    QBL_ALLOC_CATCH
+}
+
+std::ostream& operator<<(std::ostream& out, const I18NString& text) { return out << text.c_str(); }
+
+std::istream& operator>>(std::istream& in, I18NString& text) {
+    std::string word;
+    in >> word;
+    if (!word.empty()) text = word.c_str();
+    return in;
+}

@@ -1,0 +1,226 @@
+#include "i18n/cpp/internal/i18n_utf.hpp"
+
+#include <emmintrin.h>
+
+#include <cstring>
+
+namespace {
+
+constexpr std::size_t kBlock = 16;
+
+__m128i load(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
+void store(void* p, __m128i v) { _mm_storeu_si128(static_cast<__m128i*>(p), v); }
+
+/// Nothing but ASCII in eight units.
+bool isASCII(__m128i units) {
+    const __m128i above = _mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xFF80)));
+    return _mm_movemask_epi8(_mm_cmpeq_epi16(above, _mm_setzero_si128())) == 0xFFFF;
+}
+
+std::uint32_t loadFour(const unsigned char* p) {
+    std::uint32_t four;
+    std::memcpy(&four, p, sizeof four);
+    return four;
+}
+
+bool isTrail(unsigned char byte) { return (byte & 0xC0) == 0x80; }
+
+int trailsAnnounced(unsigned char lead) {
+    return lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : lead < 0xF8 ? 3 : lead < 0xFC ? 4 : 5;
+}
+
+/// A sequence whose lead is from 0xC0 to 0xFD, by the book or an error value.
+/// @return behind what it took in
+const unsigned char* decodeSequence(const unsigned char* p, const unsigned char* end, char32_t& c) {
+    static const char32_t kErrors[] = {0x15, 0x9F, 0xFFFF, 0x10FFFF, 0xFFFF, 0xFFFF};
+    static const char32_t kLeast[] = {0, 0x80, 0x800, 0x10000};
+    const int announced = trailsAnnounced(*p);
+    c = *p++ & (announced < 4 ? 0x3FU >> announced : 0U);
+    int trails = 0;
+    for (; trails < announced && p != end && isTrail(*p); ++trails) c = (c << 6) | (*p++ & 0x3FU);
+    const bool wellFormed = trails == announced && announced < 4 && c >= kLeast[announced] &&
+                            c <= 0x10FFFF && (c & 0xFFFFF800) != 0xD800;
+    if (!wellFormed) c = kErrors[trails];
+    return p;
+}
+
+}  // namespace
+
+bool i18nIsASCII(const char* bytes, std::size_t length) {
+    for (; length >= kBlock; bytes += kBlock, length -= kBlock)
+        if (_mm_movemask_epi8(load(bytes)) != 0) return false;
+    unsigned all = 0;
+    for (; length != 0; ++bytes, --length) all |= static_cast<unsigned char>(*bytes);
+    return all < 0x80;
+}
+
+bool i18nIsASCII(const char16_t* units, std::size_t length) {
+    for (; length >= kBlock / 2; units += kBlock / 2, length -= kBlock / 2)
+        if (!isASCII(load(units))) return false;
+    unsigned all = 0;
+    for (; length != 0; ++units, --length) all |= *units;
+    return all < 0x80;
+}
+
+void i18nWiden(const char* ascii, std::size_t length, char16_t* out) {
+    for (; length >= kBlock; ascii += kBlock, out += kBlock, length -= kBlock) {
+        const __m128i bytes = load(ascii);
+        store(out, _mm_unpacklo_epi8(bytes, _mm_setzero_si128()));
+        store(out + kBlock / 2, _mm_unpackhi_epi8(bytes, _mm_setzero_si128()));
+    }
+    for (; length != 0; --length) *out++ = static_cast<unsigned char>(*ascii++);
+}
+
+void i18nNarrow(const char16_t* ascii, std::size_t length, char* out) {
+    for (; length >= kBlock; ascii += kBlock, out += kBlock, length -= kBlock)
+        store(out, _mm_packus_epi16(load(ascii), load(ascii + kBlock / 2)));
+    for (; length != 0; --length) *out++ = static_cast<char>(*ascii++);
+}
+
+I18NDecoded i18nDecodeUTF8(const char* bytes, std::size_t length, char16_t* out) {
+    const auto* p = reinterpret_cast<const unsigned char*>(bytes);
+    const auto* const end = p + length;
+    char16_t* const begin = out;
+    bool mayNeedNormalization = false, ended = false;
+    while (p != end && !ended) {
+        while (static_cast<std::size_t>(end - p) >= kBlock) {
+            const __m128i block = load(p);
+            const __m128i nuls = _mm_cmpeq_epi8(block, _mm_setzero_si128());
+            if (_mm_movemask_epi8(_mm_or_si128(block, nuls)) != 0) break;
+            store(out, _mm_unpacklo_epi8(block, _mm_setzero_si128()));
+            store(out + kBlock / 2, _mm_unpackhi_epi8(block, _mm_setzero_si128()));
+            p += kBlock;
+            out += kBlock;
+        }
+        // Until there are several ASCII characters in a row again. Texts stay with one length of
+        // sequence for a while, so that each has a loop of its own.
+        for (int ascii = 0; p != end && ascii < 8 && !ended;) {
+            while (end - p >= 4) {
+                const std::uint32_t four = loadFour(p);
+                if ((four & 0xC0E0C0E0) != 0x80C080C0 || (four & 0x1E) == 0 ||
+                    (four & 0x1E0000) == 0)
+                    break;
+                out[0] = static_cast<char16_t>(((four & 0x1F) << 6) | ((four >> 8) & 0x3F));
+                out[1] = static_cast<char16_t>(((four >> 10) & 0x7C0) | ((four >> 24) & 0x3F));
+                mayNeedNormalization |= out[0] >= 0x300 || out[1] >= 0x300;
+                out += 2;
+                p += 4;
+                ascii = 0;
+            }
+            while (end - p >= 4) {
+                const std::uint32_t four = loadFour(p);
+                const std::uint32_t c =
+                    ((four & 0xF) << 12) | ((four >> 2) & 0xFC0) | ((four >> 16) & 0x3F);
+                if ((four & 0xC0C0F0) != 0x8080E0 || c < 0x800 || (c & 0xF800) == 0xD800) break;
+                *out++ = static_cast<char16_t>(c);
+                mayNeedNormalization = true;
+                p += 3;
+                ascii = 0;
+            }
+            if (p == end) break;
+            const unsigned char lead = *p;
+            if (lead < 0x80) {
+                ended = lead == 0;
+                if (!ended) *out++ = lead;
+                ++p;
+                ++ascii;
+            } else if (lead >= 0xC0 && lead < 0xFE) {
+                char32_t c;
+                p = decodeSequence(p, end, c);
+                out += i18nPutCodePoint(out, c);
+                mayNeedNormalization |= c >= 0x300;
+                ascii = 0;
+            } else {
+                *out++ = 0x15;
+                ++p;
+            }
+        }
+    }
+    I18NDecoded result;
+    result.units = static_cast<std::size_t>(out - begin);
+    result.mayNeedNormalization = mayNeedNormalization;
+    return result;
+}
+
+std::size_t i18nLengthUTF8(const char16_t* units, std::size_t length) {
+    std::size_t bytes = length;
+    const char16_t* const end = units + length;
+    while (units != end) {
+        // A comparison gives -1 in each unit that it holds for; they are counted by adding those
+        // up.
+        const __m128i bias = _mm_set1_epi16(static_cast<short>(0x8000));
+        const __m128i one = _mm_set1_epi16(static_cast<short>(0x7F - 0x8000));
+        const __m128i two = _mm_set1_epi16(static_cast<short>(0x7FF - 0x8000));
+        while (static_cast<std::size_t>(end - units) >= kBlock / 2) {
+            const __m128i block = load(units);
+            const __m128i top = _mm_and_si128(block, _mm_set1_epi16(static_cast<short>(0xF800)));
+            const __m128i surrogates =
+                _mm_cmpeq_epi16(top, _mm_set1_epi16(static_cast<short>(0xD800)));
+            if (_mm_movemask_epi8(surrogates) != 0) break;
+            const __m128i biased = _mm_xor_si128(block, bias);
+            const __m128i more =
+                _mm_add_epi16(_mm_cmpgt_epi16(biased, one), _mm_cmpgt_epi16(biased, two));
+            const __m128i sums =
+                _mm_sad_epu8(_mm_sub_epi8(_mm_setzero_si128(), _mm_packs_epi16(more, more)),
+                             _mm_setzero_si128());
+            bytes += static_cast<std::size_t>(_mm_cvtsi128_si32(sums));
+            units += kBlock / 2;
+        }
+        for (std::size_t i = 0; i < kBlock / 2 && units != end; ++i) {
+            const char16_t unit = *units++;
+            if (i18nIsHigh(unit) && units != end && i18nIsLow(*units)) {
+                ++units;
+                bytes += 2;  // four for both
+            } else {
+                bytes += (unit >= 0x80) + (unit >= 0x800);
+            }
+        }
+    }
+    return bytes;
+}
+
+char* i18nEncodeUTF8(const char16_t* units, std::size_t length, char* out) {
+    const char16_t* const end = units + length;
+    while (units != end) {
+        while (static_cast<std::size_t>(end - units) >= kBlock) {
+            const __m128i low = load(units), high = load(units + kBlock / 2);
+            if (!isASCII(_mm_or_si128(low, high))) break;
+            store(out, _mm_packus_epi16(low, high));
+            units += kBlock;
+            out += kBlock;
+        }
+        for (int ascii = 0; units != end && ascii < 8;) {
+            std::uint32_t c = *units++;
+            if (c < 0x80) {
+                *out++ = static_cast<char>(c);
+                ++ascii;
+                continue;
+            }
+            ascii = 0;
+            if (c < 0x800) {
+                const auto two = static_cast<std::uint16_t>(0x80C0 | (c >> 6) | ((c & 0x3F) << 8));
+                std::memcpy(out, &two, sizeof two);
+                out += 2;
+                continue;
+            }
+            if ((c & 0xF800) == 0xD800) {
+                const bool pair =
+                    i18nIsHigh(static_cast<char16_t>(c)) && units != end && i18nIsLow(*units);
+                if (pair) {
+                    c = i18nCombine(static_cast<char16_t>(c), *units++);
+                    const std::uint32_t four = 0x808080F0 | (c >> 18) | ((c >> 4) & 0x3F00) |
+                                               ((c << 10) & 0x3F0000) | ((c & 0x3F) << 24);
+                    std::memcpy(out, &four, sizeof four);
+                    out += 4;
+                    continue;
+                }
+                c = 0xFFFD;
+            }
+            const auto two = static_cast<std::uint16_t>(0x80E0 | (c >> 12) | ((c & 0xFC0) << 2));
+            std::memcpy(out, &two, sizeof two);
+            out[2] = static_cast<char>(0x80 | (c & 0x3F));
+            out += 3;
+        }
+    }
+    return out;
+}

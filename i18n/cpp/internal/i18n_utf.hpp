@@ -1,0 +1,59 @@
+#ifndef I18N_CPP_INTERNAL_I18N_UTF_HPP
+#define I18N_CPP_INTERNAL_I18N_UTF_HPP
+
+#include <cstddef>
+#include <cstdint>
+
+/// The encodings that strings read and write without a converter. Lengths are in bytes for char, in
+/// code units for char16_t.
+
+inline bool i18nIsHigh(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
+inline bool i18nIsLow(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
+inline char32_t i18nCombine(char16_t high, char16_t low) {
+    return (static_cast<char32_t>(high) << 10) + low - ((0xD800U << 10) + 0xDC00U - 0x10000U);
+}
+
+/// Writes a code point, as a pair above U+FFFF. A lone surrogate stays one; what is beyond Unicode
+/// becomes U+FFFD.
+/// @return units written, 1 or 2
+inline int i18nPutCodePoint(char16_t* out, char32_t c) {
+    if (c <= 0xFFFF) {
+        out[0] = static_cast<char16_t>(c);
+        return 1;
+    }
+    if (c > 0x10FFFF) {
+        out[0] = 0xFFFD;
+        return 1;
+    }
+    out[0] = static_cast<char16_t>(0xD7C0 + (c >> 10));
+    out[1] = static_cast<char16_t>(0xDC00 | (c & 0x3FF));
+    return 2;
+}
+
+/// Whether no byte has its top bit set.
+bool i18nIsASCII(const char* bytes, std::size_t length);
+/// Whether no unit is above 0x7F.
+bool i18nIsASCII(const char16_t* units, std::size_t length);
+
+void i18nWiden(const char* ascii, std::size_t length, char16_t* out);
+void i18nNarrow(const char16_t* ascii, std::size_t length, char* out);
+
+struct I18NDecoded {
+    std::size_t units = 0;
+    bool mayNeedNormalization = false;  ///< there is a unit from U+0300 on
+};
+/// Decodes UTF-8 up to a NUL byte or the length. A sequence that is not well-formed takes in the
+/// trail bytes that follow its lead, as many as that announces, and becomes one error value by
+/// their number: U+0015, U+009F, U+FFFF, U+10FFFF, and U+FFFF for the lengths that Unicode does not
+/// have. A byte that begins nothing becomes U+0015. These are the values of the macros that the
+/// decoding of such text was first written with; they are kept for those who store them.
+/// @param out  room for `length` units
+I18NDecoded i18nDecodeUTF8(const char* bytes, std::size_t length, char16_t* out);
+
+/// Bytes of the UTF-8 form, in which a lone surrogate is U+FFFD.
+std::size_t i18nLengthUTF8(const char16_t* units, std::size_t length);
+/// @param out  room for i18nLengthUTF8() bytes
+/// @return behind the last byte written
+char* i18nEncodeUTF8(const char16_t* units, std::size_t length, char* out);
+
+#endif

@@ -1,0 +1,370 @@
+#include "i18n/cpp/i18n_string.hpp"
+
+#include <gtest/gtest.h>
+#include <unicode/normalizer2.h>
+#include <unicode/unistr.h>
+
+#include <random>
+#include <sstream>
+#include <unordered_map>
+
+#include "i18n/cpp/i18n_string_iterator.hpp"
+#include "tests/support/FaultInjection.hpp"
+#include "tests/support/ThrowChecks.hpp"
+#include "tests/support/Workers.hpp"
+
+namespace {
+
+/// Counts the blocks that are out; fails the n-th call if asked to.
+struct Arena {
+    int blocks = 0, calls = 0, failAt = -1;
+
+    static char* allocate(void* context, char* block, int size, int* error) {
+        Arena& arena = *static_cast<Arena*>(context);
+        if (size > 0 && arena.calls++ == arena.failAt) {
+            *error = -1;
+            return nullptr;
+        }
+        arena.blocks += (block == nullptr && size > 0) - (block != nullptr && size == 0);
+        return I18N_STRINGBUFFER_ALLOCATOR_CALLBACK(nullptr, block, size, error);
+    }
+};
+
+std::u16string nfc(const std::u16string& text) {
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::UnicodeString result = icu::Normalizer2::getNFCInstance(status)->normalize(
+        icu::UnicodeString(text.data(), static_cast<int>(text.size())), status);
+    return std::u16string(result.getBuffer(), static_cast<std::size_t>(result.length()));
+}
+
+std::u16string decoded(const std::string& bytes) {
+    return I18NString(bytes.data(), nullptr, static_cast<int>(bytes.size())).toUtf16();
+}
+
+class ForcedUnicode {
+public:
+    ForcedUnicode() { I18NString::setForceUnicodeString(true); }
+    ~ForcedUnicode() { I18NString::setForceUnicodeString(false); }
+};
+
+}  // namespace
+
+TEST(I18NStringTest, TakesMemoryFromItsAllocatorOnlyBeyond32Characters) {
+    for (const int length : {0, 1, 31, 32, 33, 34, 1000}) {
+        Arena arena;
+        const std::string text(static_cast<std::size_t>(length), 'x');
+        {
+            I18NString made(text.c_str(), nullptr, -1, &Arena::allocate, &arena);
+            I18NString counted(text.c_str(), "ISO-8859-1", length, &Arena::allocate, &arena);
+            I18NString copy(made, &Arena::allocate, &arena);
+            I18NString grown(&Arena::allocate, &arena);
+            for (int i = 0; i < length; ++i) grown += L'x';
+            I18NString moved(std::move(copy));
+            EXPECT_TRUE(copy.empty());
+            EXPECT_TRUE(made == text.c_str() && counted == made && grown == made && moved == made);
+            EXPECT_EQ(length > 32 ? 4 : 0, arena.blocks) << length;
+            EXPECT_EQ(made.c_str(), made.c_str("windows-1252")) << "the stored bytes";
+            made += L'\u00E9';
+            EXPECT_FALSE(made.isUsingAsciiBuffer());
+            EXPECT_EQ(text + "\u00E9", made.c_str());
+        }
+        EXPECT_EQ(0, arena.blocks) << length;
+    }
+}
+
+TEST(I18NStringTest, DecodesUtf8WithAnErrorValueForEachBadSequence) {
+    const struct {
+        std::string bytes;
+        std::u16string text;
+    } table[] = {{"a\x80z", u"a\u0015z"},
+                 {"\xC3\xA9", u"\u00E9"},
+                 {"\xC3z", u"\u0015z"},
+                 {"\xE2\x82", u"\u009F"},
+                 {"\xF0\x9F\x98", u"\uFFFF"},
+                 {"\xC0\x80", u"\u009F"},
+                 {"\xED\xA0\x80", u"\uFFFF"},
+                 {"\xF4\x90\x80\x80", u"\U0010FFFF"},
+                 {"\xF8\x88\x80\x80\x80", u"\uFFFF"},
+                 {"\xFE\xFF", u"\u0015\u0015"},
+                 {std::string("\xC3\xA9\0z", 4), u"\u00E9"},
+                 {"0123456789abcdef\xE4\xB8\xAD"
+                  "0123456789abcdef\xF0\x9F\x98\x80",
+                  u"0123456789abcdef\u4E2D"
+                  u"0123456789abcdef\U0001F600"}};
+    for (const auto& row : table) EXPECT_EQ(row.text, decoded(row.bytes)) << row.bytes;
+}
+
+TEST(I18NStringTest, RoundTripsEveryScalarValue) {
+    std::u16string expected;
+    for (char32_t c = 1; c <= 0x10FFFF; ++c) {
+        if (c == 0xD800) c = 0xE000;
+        const icu::UnicodeString one(static_cast<UChar32>(c));
+        expected.append(one.getBuffer(), static_cast<std::size_t>(one.length()));
+    }
+    // Without normalisation, piece by piece.
+    for (std::size_t at = 0; at < expected.size(); at += 5000) {
+        const std::u16string piece = expected.substr(at, 5000);
+        std::string bytes;
+        icu::UnicodeString(piece.data(), static_cast<int>(piece.size())).toUTF8String(bytes);
+        I18NString text;
+        text.useNormalization(false);
+        text = bytes.c_str();
+        // A piece may begin or end with half a pair, which is U+FFFD in UTF-8.
+        if (bytes.find("\xEF\xBF\xBD") == std::string::npos) {
+            ASSERT_EQ(piece, text.toUtf16()) << at;
+        }
+        ASSERT_EQ(bytes, text.toUtf8()) << at;
+    }
+}
+
+TEST(I18NStringTest, FollowsAModelThroughRandomEdits) {
+    const unsigned seed = std::random_device{}();
+    SCOPED_TRACE(seed);
+    std::minstd_rand random(seed);
+    const char16_t* const pieces[] = {u"",           u"a",
+                                      u"bcd",        u"e",
+                                      u"\u0301",     u"\u00E9",
+                                      u"\u0323",     u"\u4E2D",
+                                      u"\u1100",     u"\u1161\u11A8",
+                                      u"\U0001F600", u"0123456789012345678901234567890123456789"};
+    for (int round = 0; round < 50; ++round) {
+        I18NString text;
+        std::u16string model;
+        for (int step = 0; step < 400; ++step) {
+            const std::size_t few = round < 20 ? 4 : sizeof pieces / sizeof *pieces;
+            const std::u16string piece = pieces[random() % few];
+            const I18NString other(piece.data(), static_cast<int>(piece.size() * 2));
+            std::size_t at = random() % (model.size() + 1), count = random() % 4;
+            // Not into a pair.
+            if (at < model.size() && (model[at] & 0xFC00) == 0xDC00) --at;
+            if (at + count < model.size() && (model[at + count] & 0xFC00) == 0xDC00) ++count;
+            const auto offset = static_cast<int>(at);
+            switch (random() % 6) {
+                case 0:
+                    model = nfc(model.insert(at, piece));
+                    text.insert(offset, other);
+                    break;
+                case 1:
+                    model = nfc(model.erase(at, count));
+                    text.erase(offset, static_cast<int>(count));
+                    break;
+                case 2:
+                    model = nfc(model.replace(at, count, piece));
+                    text.replace(offset, static_cast<int>(count), other);
+                    break;
+                case 3:
+                    model = nfc(model + piece);
+                    text += other;
+                    break;
+                case 4:
+                    if (model.size() > 200) model = nfc(model.substr(at));
+                    text = I18NString(model.data(), static_cast<int>(model.size() * 2));
+                    break;
+                default:
+                    ASSERT_EQ(text.c_str(), text.c_str());
+                    text += text.empty() || model.size() > 500 ? I18NString() : text;
+                    if (model.size() <= 500) model = nfc(model + model);
+            }
+            ASSERT_EQ(model, text.toUtf16()) << "step " << step;
+            std::string utf8;
+            icu::UnicodeString(model.data(), static_cast<int>(model.size())).toUTF8String(utf8);
+            int length = 0;
+            ASSERT_EQ(utf8, text.c_str(nullptr, &length));
+            ASSERT_EQ(utf8.size() + 1, static_cast<std::size_t>(length));
+            if (!text.isUsingAsciiBuffer()) {
+                ASSERT_EQ(0, text.getExternalBuffer()[text.nUnits()]);
+            }
+        }
+    }
+}
+
+TEST(I18NStringTest, NormalizesUnlessItIsSwitchedOff) {
+    EXPECT_EQ(u"\u00E9", decoded("e\xCC\x81"));
+    const std::u16string expanding = u"\u0958\u0958\u0958";
+    I18NString text(expanding.data(), 6);
+    EXPECT_EQ(6, text.nUnits());
+    text = L"\uFDFA\u00E9";
+    text.normalize(I18N_NFKD);
+    EXPECT_EQ(20, text.nUnits());
+    EXPECT_FALSE(text.isNormalized());
+    EXPECT_EQ(u"e\u0301", text.toUtf16().substr(18));
+    I18NString kept;
+    kept.useNormalization(false);
+    kept += L"e\u0301";
+    kept.normalize(I18N_NFC);
+    EXPECT_EQ(2, kept.nUnits());
+    EXPECT_TRUE(kept.isNormalized());
+}
+
+TEST(I18NStringTest, ConvertsOneConstantStringOnManyThreads) {
+    const I18NString texts[] = {I18NString("Stra\u00DFe \u4E2D"), I18NString("only ASCII")};
+    const std::string utf8[] = {texts[0].toUtf8(), texts[1].toUtf8()};
+    Workers(8, [&] {
+        for (int i = 0; i < 200; ++i) {
+            for (int k = 0; k < 2; ++k) {
+                EXPECT_EQ(utf8[k], texts[k].c_str(i % 2 != 0 ? "UTF-8" : nullptr));
+                int length = 0;
+                const char* const units = texts[k].c_str("UTF-16", &length);
+                EXPECT_EQ(texts[k].nUnits() * 2 + 2, length);
+                EXPECT_EQ(texts[k], I18NString(static_cast<const void*>(units), length));
+            }
+        }
+    }).join();
+    I18NString changing(texts[0]);
+    const char* const before = changing.c_str();
+    EXPECT_EQ(before, changing.c_str());
+    changing += L'!';
+    EXPECT_EQ(utf8[0] + "!", changing.c_str());
+}
+
+TEST(I18NStringTest, CountsAndComparesInCodeUnitsInBothModes) {
+    for (const bool forced : {false, true}) {
+        std::unique_ptr<ForcedUnicode> force(forced ? new ForcedUnicode : nullptr);
+        const I18NString abc("abc"), abd(L"abd"), empty;
+        EXPECT_EQ(!forced, abc.isUsingAsciiBuffer());
+        EXPECT_EQ(8, abc.size());
+        EXPECT_EQ(0, empty.size());
+        EXPECT_EQ(0, abc.displaySize());
+        EXPECT_TRUE(abc < abd && abd > abc && abc <= abc && abc != abd && abc >= abc);
+        EXPECT_TRUE(abc == "abc" && "abd" != abc && empty == nullptr && empty == "");
+        EXPECT_LT(abc, I18NString(L"abc\u00E9"));
+        std::unordered_map<I18NString, int> map{{abc, 1}};
+        force.reset();
+        EXPECT_EQ(1, map.at(I18NString("abc")));
+        EXPECT_EQ(abc, I18NString(u"abc", 6));
+    }
+    const I18NString text(L"a\U0001F600b\xD800");
+    EXPECT_EQ(5, text.nUnits());
+    EXPECT_EQ(4, text.length());
+    const int next[] = {1, 3, 3, 4, 5, -1}, before[] = {-1, 0, 1, 1, 3, 4};
+    for (int i = 0; i < 6; ++i) {
+        EXPECT_EQ(next[i], text.incrementOffset(i)) << i;
+        EXPECT_EQ(before[i], text.decrementOffset(i)) << i;
+    }
+    EXPECT_EQ(-1, text.incrementOffset(-1));
+    EXPECT_EQ(L'\U0001F600', text.codePointAt(1));
+    EXPECT_EQ(
+        "a\xF0\x9F\x98\x80"
+        "b\xEF\xBF\xBD",
+        text.toUtf8());
+}
+
+TEST(I18NStringTest, FindsTextsAndSets) {
+    for (const wchar_t* tail : {L"", L"\u4E2D"}) {
+        const I18NString text(I18NString("abcabcx") + tail), bc("bc");
+        const int end = text.nUnits();
+        EXPECT_EQ(1, text.find(bc));
+        EXPECT_EQ(4, text.find(L"bc", 2));
+        EXPECT_EQ(-1, text.find(bc, 5));
+        EXPECT_EQ(4, text.rfind(bc));
+        EXPECT_EQ(1, text.rfind(L"bc", 3));
+        EXPECT_EQ(6, text.find(L'x'));
+        EXPECT_EQ(2, text.find(L"", 2));
+        EXPECT_EQ(end, text.find(I18NString(), end));
+        EXPECT_EQ(-1, text.find(L"", end + 1));
+        EXPECT_EQ(1, text.findFirstOf(L"xcb"));
+        EXPECT_EQ(6, text.findFirstNotOf(L"abc"));
+        EXPECT_EQ(5, text.findLastOf(I18NString("cb")));
+        EXPECT_EQ(6, text.findLastOf(L'x'));
+        EXPECT_EQ(0, text.findLastNotOf(L"bc", 2));
+    }
+    EXPECT_EQ(u"b", I18NString("  b ").trim().toUtf16());
+    EXPECT_TRUE(I18NString("   ").trimLeading().empty());
+    EXPECT_EQ(I18NString("abxx"), I18NString("ab").resize(4, L'x'));
+    EXPECT_EQ(I18NString("a"), I18NString("ab").resize(1));
+    std::istringstream in("  w\u00F6rd next");
+    I18NString word;
+    in >> word;
+    std::ostringstream out;
+    out << word << I18NString();
+    EXPECT_EQ("w\u00F6rd", out.str());
+}
+
+TEST(I18NStringTest, IteratesByCodePointsAndWritesThroughThem) {
+    I18NString text(L"a\U0001F600b");
+    std::wstring seen;
+    for (I18NStringIterator it = text.begin(); it != text.end(); ++it) seen += *it;
+    EXPECT_EQ(L"a\U0001F600b", seen);
+    EXPECT_EQ(3, text.end() - text.begin());
+    *(text.begin() + 1) = L'-';
+    EXPECT_EQ("a-b", text.toUtf8());
+    I18NString ascii("xy");
+    EXPECT_EQ(L'\0', static_cast<wchar_t>(*ascii.end()));
+    QBL_EXPECT_THROW(*ascii.end() = L'z', QBLAssertError,
+                     "QBL_ASSERT(m_offset < m_pI18NString->m_asciiBufLength);");
+    *ascii.begin() = L'\u00E9';
+    EXPECT_EQ("\u00E9y", ascii.toUtf8());
+}
+
+TEST(I18NStringTest, MatchesLikePatterns) {
+    const struct {
+        const char *text, *pattern;
+        wchar_t escape;
+        bool matches;
+    } table[] = {{"abc", "a%", 0, true},        {"abc", "_b_", 0, true},
+                 {"abc", "_b", 0, false},       {"", "%", 0, true},
+                 {"a\r\nb", "a__b", 0, true},   {"\xF0\x9F\x98\x80", "_", 0, true},
+                 {"a%c", "a\\%c", L'\\', true}, {"abc", "a\\%c", L'\\', false},
+                 {"50%", "50%%", L'%', true},   {"50x", "50%%", L'%', false},
+                 {"a\\b", "a\\b", L'\\', true}, {"a.{2}[x]$^|()*+?", "a.{2}[x]$^|()*+_", 0, true},
+                 {"a\\", "a\\\\", L'\\', true}, {"a\\", "a\\", L'\\', true}};
+    for (const auto& row : table)
+        EXPECT_EQ(row.matches, I18NString(row.text).matchLike(I18NString(row.pattern), row.escape))
+            << row.text << " " << row.pattern;
+    std::string groups, text(200, 'a');
+    for (int i = 0; i < 30; ++i) groups += "%a";
+    EXPECT_FALSE(I18NString(text.c_str()).matchLike(I18NString((groups + "b").c_str())));
+    I18NPatternCode* const code = I18NString::getPatternCode(I18NString("b%d"));
+    int start = -1, end = -1;
+    EXPECT_TRUE(I18NString("abcdbd").substringLike(*code, 0, start, end));
+    EXPECT_EQ(1, start);
+    EXPECT_EQ(4, end);
+    EXPECT_FALSE(I18NString("abcdbd").substringLike(*code, 5, start, end));
+    I18NString::deletePatternCode(code);
+}
+
+TEST(I18NStringTest, UsesACallersBufferAsFarAsItGoes) {
+    char16_t buffer[8] = u"ab";
+    {
+        I18NString text;
+        text.attach(buffer, sizeof buffer);
+        text += L"c\u00E9";
+        EXPECT_EQ(std::u16string(u"abc\u00E9"), buffer);
+        QBL_EXPECT_THROW(text += L"12345678", I18NRuntimeError,
+                         "Cannot resize a static external buffer.");
+        EXPECT_EQ("abc\u00E9", text.toUtf8()) << "as it was";
+        char odd[9];
+        EXPECT_EQ(8, text.copyToExternalBuffer(odd + 1, 8));
+        QBL_EXPECT_THROW(text.resizeExternalBuffer(), I18NRuntimeError,
+                         "Cannot resize a static external buffer.");
+        EXPECT_TRUE(text.empty());
+    }
+    EXPECT_EQ(u'a', buffer[0]);
+}
+
+TEST(I18NStringTest, StaysAsItWasWhenMemoryRunsOut) {
+    const std::string longer(100, 'y');
+    for (int failAt = 0; failAt < 6; ++failAt) {
+        Arena arena;
+        {
+            I18NString text("text", nullptr, -1, &Arena::allocate, &arena);
+            arena.failAt = failAt;
+            int thrown = 0;
+            for (int step = 0; step < 3; ++step) {
+                const std::u16string before = text.toUtf16();
+                try {
+                    step == 0   ? text += longer.c_str()
+                    : step == 1 ? text += L"\u00E9"
+                                : text += text;
+                } catch (QBLThrowable& e) {
+                    ++thrown;
+                    EXPECT_STREQ("The specified allocator callback failed to allocate memory.",
+                                 e.getMessage());
+                    EXPECT_EQ(before, text.toUtf16());
+                }
+            }
+            EXPECT_LE(thrown, 1);
+        }
+        EXPECT_EQ(0, arena.blocks) << failAt;
+    }
+}
