@@ -23,6 +23,44 @@ std::uint32_t loadFour(const unsigned char* p) {
     return four;
 }
 
+// The forms of well-formed sequences, in bytes that were loaded with the first one lowest.
+bool isTwo(std::uint32_t four) { return (four & 0xC0E0) == 0x80C0 && (four & 0x1E) != 0; }
+bool isTwoByTwo(std::uint32_t four) {
+    return (four & 0xC0E0C0E0) == 0x80C080C0 && (four & 0x1E) != 0 && (four & 0x1E0000) != 0;
+}
+bool isThree(std::uint32_t four, std::uint32_t& c) {
+    c = ((four & 0xF) << 12) | ((four >> 2) & 0xFC0) | ((four >> 16) & 0x3F);
+    return (four & 0xC0C0F0) == 0x8080E0 && c >= 0x800 && (c & 0xF800) != 0xD800;
+}
+bool isFour(std::uint32_t four, std::uint32_t& c) {
+    c = ((four & 0x7) << 18) | ((four << 4) & 0x3F000) | ((four >> 10) & 0xFC0) |
+        ((four >> 24) & 0x3F);
+    return (four & 0xC0C0C0F8) == 0x808080F0 && c >= 0x10000 && c <= 0x10FFFF;
+}
+
+/// Widens the ASCII characters that a block of bytes begins with, up to a NUL.
+/// @return their number; the whole block is written
+int asciiRun(const unsigned char* p, char16_t* out) {
+    const __m128i block = load(p);
+    const __m128i nuls = _mm_cmpeq_epi8(block, _mm_setzero_si128());
+    store(out, _mm_unpacklo_epi8(block, _mm_setzero_si128()));
+    store(out + kBlock / 2, _mm_unpackhi_epi8(block, _mm_setzero_si128()));
+    return __builtin_ctz(static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(block, nuls))) |
+                         0x10000U);
+}
+
+/// The same back: narrows the ASCII characters that a block of units begins with.
+int asciiRun(const char16_t* units, char* out) {
+    const __m128i low = load(units), high = load(units + kBlock / 2);
+    // Above 0xFF a unit becomes 0xFF, and above 0x7FFF, where it is negative, 0: that is told apart
+    // by its own sign.
+    const __m128i packed = _mm_packus_epi16(low, high);
+    const __m128i signs = _mm_packs_epi16(low, high);
+    store(out, packed);
+    return __builtin_ctz(static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(packed, signs))) |
+                         0x10000U);
+}
+
 bool isTrail(unsigned char byte) { return (byte & 0xC0) == 0x80; }
 
 int trailsAnnounced(unsigned char lead) {
@@ -81,59 +119,69 @@ I18NDecoded i18nDecodeUTF8(const char* bytes, std::size_t length, char16_t* out)
     const auto* p = reinterpret_cast<const unsigned char*>(bytes);
     const auto* const end = p + length;
     char16_t* const begin = out;
-    bool mayNeedNormalization = false, ended = false;
-    while (p != end && !ended) {
-        while (static_cast<std::size_t>(end - p) >= kBlock) {
-            const __m128i block = load(p);
-            const __m128i nuls = _mm_cmpeq_epi8(block, _mm_setzero_si128());
-            if (_mm_movemask_epi8(_mm_or_si128(block, nuls)) != 0) break;
-            store(out, _mm_unpacklo_epi8(block, _mm_setzero_si128()));
-            store(out + kBlock / 2, _mm_unpackhi_epi8(block, _mm_setzero_si128()));
-            p += kBlock;
-            out += kBlock;
-        }
-        // Until there are several ASCII characters in a row again. Texts stay with one length of
-        // sequence for a while, so that each has a loop of its own.
-        for (int ascii = 0; p != end && ascii < 8 && !ended;) {
-            while (end - p >= 4) {
-                const std::uint32_t four = loadFour(p);
-                if ((four & 0xC0E0C0E0) != 0x80C080C0 || (four & 0x1E) == 0 ||
-                    (four & 0x1E0000) == 0)
-                    break;
-                out[0] = static_cast<char16_t>(((four & 0x1F) << 6) | ((four >> 8) & 0x3F));
-                out[1] = static_cast<char16_t>(((four >> 10) & 0x7C0) | ((four >> 24) & 0x3F));
-                mayNeedNormalization |= out[0] >= 0x300 || out[1] >= 0x300;
-                out += 2;
-                p += 4;
-                ascii = 0;
-            }
-            while (end - p >= 4) {
-                const std::uint32_t four = loadFour(p);
-                const std::uint32_t c =
-                    ((four & 0xF) << 12) | ((four >> 2) & 0xFC0) | ((four >> 16) & 0x3F);
-                if ((four & 0xC0C0F0) != 0x8080E0 || c < 0x800 || (c & 0xF800) == 0xD800) break;
-                *out++ = static_cast<char16_t>(c);
-                mayNeedNormalization = true;
-                p += 3;
-                ascii = 0;
-            }
-            if (p == end) break;
-            const unsigned char lead = *p;
-            if (lead < 0x80) {
-                ended = lead == 0;
-                if (!ended) *out++ = lead;
-                ++p;
-                ++ascii;
-            } else if (lead >= 0xC0 && lead < 0xFE) {
-                char32_t c;
-                p = decodeSequence(p, end, c);
-                out += i18nPutCodePoint(out, c);
-                mayNeedNormalization |= c >= 0x300;
-                ascii = 0;
+    bool mayNeedNormalization = false;
+    while (p != end) {
+        const unsigned char lead = *p;
+        if (lead < 0x80) {
+            if (lead == 0) break;
+            // As many units are left as bytes at least, so that a whole block may be written.
+            if (static_cast<std::size_t>(end - p) >= kBlock) {
+                const int run = asciiRun(p, out);
+                p += run;
+                out += run;
             } else {
-                *out++ = 0x15;
+                *out++ = lead;
                 ++p;
             }
+            continue;
+        }
+        if (end - p >= 4) {
+            // Texts stay with one length of sequence for a while.
+            const unsigned char* const before = p;
+            std::uint32_t four = loadFour(p);
+            if (lead < 0xE0) {
+                while (isTwoByTwo(four)) {
+                    out[0] = static_cast<char16_t>(((four & 0x1F) << 6) | ((four >> 8) & 0x3F));
+                    out[1] = static_cast<char16_t>(((four >> 10) & 0x7C0) | ((four >> 24) & 0x3F));
+                    mayNeedNormalization |= out[0] >= 0x300 || out[1] >= 0x300;
+                    out += 2;
+                    p += 4;
+                    if (end - p < 4) break;
+                    four = loadFour(p);
+                }
+                if (p == before && isTwo(four)) {
+                    *out = static_cast<char16_t>(((four & 0x1F) << 6) | ((four >> 8) & 0x3F));
+                    mayNeedNormalization |= *out >= 0x300;
+                    ++out;
+                    p += 2;
+                }
+            } else if (lead < 0xF0) {
+                for (std::uint32_t c; isThree(four, c);) {
+                    *out++ = static_cast<char16_t>(c);
+                    mayNeedNormalization = true;
+                    p += 3;
+                    if (end - p < 4) break;
+                    four = loadFour(p);
+                }
+            } else {
+                for (std::uint32_t c; isFour(four, c);) {
+                    out += i18nPutCodePoint(out, c);
+                    mayNeedNormalization = true;
+                    p += 4;
+                    if (end - p < 4) break;
+                    four = loadFour(p);
+                }
+            }
+            if (p != before) continue;
+        }
+        if (lead >= 0xC0 && lead < 0xFE) {
+            char32_t c;
+            p = decodeSequence(p, end, c);
+            out += i18nPutCodePoint(out, c);
+            mayNeedNormalization |= c >= 0x300;
+        } else {
+            *out++ = 0x15;
+            ++p;
         }
     }
     I18NDecoded result;
@@ -182,45 +230,41 @@ std::size_t i18nLengthUTF8(const char16_t* units, std::size_t length) {
 char* i18nEncodeUTF8(const char16_t* units, std::size_t length, char* out) {
     const char16_t* const end = units + length;
     while (units != end) {
-        while (static_cast<std::size_t>(end - units) >= kBlock) {
-            const __m128i low = load(units), high = load(units + kBlock / 2);
-            if (!isASCII(_mm_or_si128(low, high))) break;
-            store(out, _mm_packus_epi16(low, high));
-            units += kBlock;
-            out += kBlock;
-        }
-        for (int ascii = 0; units != end && ascii < 8;) {
-            std::uint32_t c = *units++;
-            if (c < 0x80) {
+        std::uint32_t c = *units;
+        if (c < 0x80) {
+            // As many bytes are left as units at least, so that a whole block may be written.
+            if (static_cast<std::size_t>(end - units) >= kBlock) {
+                const int run = asciiRun(units, out);
+                units += run;
+                out += run;
+            } else {
                 *out++ = static_cast<char>(c);
-                ++ascii;
-                continue;
+                ++units;
             }
-            ascii = 0;
-            if (c < 0x800) {
-                const auto two = static_cast<std::uint16_t>(0x80C0 | (c >> 6) | ((c & 0x3F) << 8));
-                std::memcpy(out, &two, sizeof two);
-                out += 2;
-                continue;
-            }
-            if ((c & 0xF800) == 0xD800) {
-                const bool pair =
-                    i18nIsHigh(static_cast<char16_t>(c)) && units != end && i18nIsLow(*units);
-                if (pair) {
-                    c = i18nCombine(static_cast<char16_t>(c), *units++);
-                    const std::uint32_t four = 0x808080F0 | (c >> 18) | ((c >> 4) & 0x3F00) |
-                                               ((c << 10) & 0x3F0000) | ((c & 0x3F) << 24);
-                    std::memcpy(out, &four, sizeof four);
-                    out += 4;
-                    continue;
-                }
-                c = 0xFFFD;
-            }
-            const auto two = static_cast<std::uint16_t>(0x80E0 | (c >> 12) | ((c & 0xFC0) << 2));
-            std::memcpy(out, &two, sizeof two);
-            out[2] = static_cast<char>(0x80 | (c & 0x3F));
-            out += 3;
+            continue;
         }
+        ++units;
+        if (c < 0x800) {
+            const auto two = static_cast<std::uint16_t>(0x80C0 | (c >> 6) | ((c & 0x3F) << 8));
+            std::memcpy(out, &two, sizeof two);
+            out += 2;
+            continue;
+        }
+        if ((c & 0xF800) == 0xD800) {
+            if (i18nIsHigh(static_cast<char16_t>(c)) && units != end && i18nIsLow(*units)) {
+                c = i18nCombine(static_cast<char16_t>(c), *units++);
+                const std::uint32_t four = 0x808080F0 | (c >> 18) | ((c >> 4) & 0x3F00) |
+                                           ((c << 10) & 0x3F0000) | ((c & 0x3F) << 24);
+                std::memcpy(out, &four, sizeof four);
+                out += 4;
+                continue;
+            }
+            c = 0xFFFD;
+        }
+        const auto two = static_cast<std::uint16_t>(0x80E0 | (c >> 12) | ((c & 0xFC0) << 2));
+        std::memcpy(out, &two, sizeof two);
+        out[2] = static_cast<char>(0x80 | (c & 0x3F));
+        out += 3;
     }
     return out;
 }
