@@ -1,6 +1,7 @@
 #include "QBLCore/FileManagement/QBLFmFile.hpp"
 
 #include "QBLCore/FileManagement/internal/QBLFmOperations.hpp"
+#include "QBLCore/FileManagement/internal/QBLFmPath.hpp"
 
 namespace {
 
@@ -39,6 +40,12 @@ long QBLFmFile::seek(long offset, seekorigin origin) {
 
 bool QBLFmFile::append(QBLFmFile& other) {
     return Operations::append(*this, m_file, other, other.m_file);
+}
+
+bool QBLFmFile::open(const I18NString& name, createmode mode, int readOnly) {
+    return qblWithPath(
+        name, [&](const char* path) { return open(path, mode, readOnly); },
+        [&] { return Operations::fail(*this, errno); });
 }
 
 bool QBLFmFile::open(const char* name, createmode mode, int readOnly) {

@@ -7,6 +7,8 @@
 #include "QBLCore/FileManagement/QBLFmDescriptor.hpp"
 #include "QBLCore/Frame/QBLExport.h"
 
+class I18NString;
+
 /// A file, by a descriptor of the system; or one of the process's standard streams, which it never
 /// closes. Offsets are long: where that has 32 bits a file of more than 2 GiB is refused with
 /// EOVERFLOW; QBLFmFile64 takes it.
@@ -51,6 +53,7 @@ public:
     virtual bool append(QBLFmFile& other);
     /// Opens a file, closing one that is open; a new one gets mode 0666 less the umask.
     /// @param readOnly  0 opens for reading and writing, whatever the flags say
+    virtual bool open(const I18NString& name, createmode mode, int readOnly);
     virtual bool open(const char* name, createmode mode, int readOnly);
     /// Wraps a stream of the process, closing a file that is open.
     /// @return true also, deliberately, when only the closing failed: the object is closed then

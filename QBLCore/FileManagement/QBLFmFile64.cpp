@@ -1,6 +1,8 @@
 #include "QBLCore/FileManagement/QBLFmFile64.hpp"
 
 #include "QBLCore/FileManagement/internal/QBLFmOperations.hpp"
+#include "QBLCore/FileManagement/internal/QBLFmPath.hpp"
+#include "TavThread/internal/TavContain.hpp"
 
 namespace {
 
@@ -41,15 +43,27 @@ bool QBLFmFile64::append(QBLFmFile64& other) {
     return Operations::append(*this, m_file, other, other.m_file);
 }
 
+bool QBLFmFile64::open(const I18NString& name, createmode mode, int readOnly) {
+    return qblWithPath(
+        name, [&](const char* path) { return open(path, mode, readOnly); },
+        [&] { return Operations::fail(*this, errno); });
+}
+
 bool QBLFmFile64::open(const char* name, createmode mode, int readOnly) {
-    return Operations::open(*this, m_file, name, mode, readOnly);
+    if (!Operations::open(*this, m_file, name, mode, readOnly)) return false;
+    // The file is open, with or without memory for its name.
+    tavContain([&] { m_name = name; });
+    return true;
 }
 
 bool QBLFmFile64::open(stdiotypes stream) {
     return Operations::openStandard(*this, m_file, stream);
 }
 
-bool QBLFmFile64::close() { return Operations::close(*this, m_file); }
+bool QBLFmFile64::close() {
+    m_name.remove();
+    return Operations::close(*this, m_file);
+}
 
 long long QBLFmFile64::getLength() { return Operations::getLength(*this, m_file); }
 

@@ -6,6 +6,7 @@
 
 #include "QBLCore/FileManagement/QBLFmDescriptor.hpp"
 #include "QBLCore/Frame/QBLExport.h"
+#include "i18n/cpp/i18n_string.hpp"
 
 #pragma GCC diagnostic push
 // The destructor is deliberately not virtual: the virtual table begins with read(). Never delete an
@@ -52,6 +53,7 @@ public:
     virtual bool append(QBLFmFile64& other);
     /// Opens a file, closing one that is open; a new one gets mode 0666 less the umask.
     /// @param readOnly  0 opens for reading and writing, whatever the flags say
+    virtual bool open(const I18NString& name, createmode mode, int readOnly);
     virtual bool open(const char* name, createmode mode, int readOnly);
     /// Wraps a stream of the process, closing a file that is open.
     /// @return true also, deliberately, when only the closing failed: the object is closed then
@@ -73,10 +75,13 @@ public:
 
     /// @return -1 when nothing is open.
     int getFileDescriptor() const;
+    /// The name that the open file was opened by; empty for a standard stream.
+    const I18NString& getFileName() const { return m_name; }
 
 private:
     QBLFmDescriptor m_file;
     [[maybe_unused]] unsigned int m_reserved;  // of no use, and always 0
+    I18NString m_name;                         // of the open file
     char m_message[64];                        // for errors that the system has no fixed text for
 };
 

@@ -49,6 +49,11 @@ I18NBytes toUTF16(const I18NTextView& text, const I18NMemory& memory) {
 
 I18NBytes i18nToBytes(const I18NTextView& text, const I18NConverter& converter,
                       const I18NMemory& memory) {
+    if (text.length() == 0) {  // a zero that is wide enough for every encoding
+        char* const block = memory.allocate(nullptr, 4);
+        std::memset(block, 0, 4);
+        return {block, 4, 4};
+    }
     QBL_ALLOC_TRY
     std::u16string widened;
     const char16_t* units = text.units();

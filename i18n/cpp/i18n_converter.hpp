@@ -5,6 +5,7 @@
 #include "i18n/cpp/i18n_allocator.h"
 #include "i18n/cpp/i18n_converter_types.h"
 
+class I18NString;
 struct UConverter;
 
 /// What the lookup and user-defined callbacks of i18n_converter_callbacks.hpp know of the
@@ -113,6 +114,10 @@ public:
     /// @throws I18NRuntimeError with I18N_ARGUMENT or I18N_CONVERSION, QBLOutOfMemoryError
     void fromUnicode(char** destination, int* size, const void* source,
                      I18NStringAllocator allocator = nullptr, void* context = nullptr) const;
+    /// From a string, with its allocator if none is given. An empty one gives four zero bytes,
+    /// which without any allocator are the shared empty text (I18NString::freeBuffer leaves it).
+    void fromUnicode(char** destination, int* size, const I18NString& source,
+                     I18NStringAllocator allocator = nullptr, void* context = nullptr) const;
     /// Converts a piece of a text; the output of each call ends with a NUL.
     /// @param sourceSize  in bytes, of which whole code units are used; 0 only writes what an
     ///        I18N_STREAM_FULL before has left, if there is any. If the last unit is a NUL, it
@@ -138,6 +143,8 @@ public:
     /// As the allocating fromUnicode(). A null source without a length gives no block.
     void toUnicode(void** destination, int* size, const char* source, int length,
                    I18NStringAllocator allocator = nullptr, void* context = nullptr) const;
+    /// Replaces a string's contents; a null source or a length of 0 empties it.
+    void toUnicode(I18NString& destination, const char* source, int length) const;
     /// As fromUnicodeStream(), but that a NUL within the length is text.
     void toUnicodeStream(void* destination, int size, const char* source, int length, int* written,
                          int* consumed, I18NErrorCodes* error = nullptr) const;
@@ -162,6 +169,7 @@ public:
     /// Whether files in this encoding usually begin with a byte-order mark: UTF-16 and UTF-32,
     /// under any of their names.
     static bool shouldUseBOM(const char* encoding);
+    static bool shouldUseBOM(const I18NString& encoding);
     /// Whether the internationalisation layer is initialised.
     static bool isInitialized();
 

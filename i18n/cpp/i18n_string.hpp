@@ -275,6 +275,7 @@ private:
     };
     static constexpr int kInline = 32;
     struct Conversion;
+    friend class I18NConverter;
     friend class I18NTextView;
     friend class I18NStringIteratorValue;
 

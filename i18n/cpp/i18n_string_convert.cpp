@@ -2,7 +2,9 @@
 
 #include <cstring>
 
+#include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "i18n/cpp/i18n_converter.hpp"
+#include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/i18n_string.hpp"
 #include "i18n/cpp/internal/i18n_bytes.hpp"
 #include "i18n/cpp/internal/i18n_encodings.hpp"
@@ -48,4 +50,34 @@ void I18NString::setConverted(const char* bytes, const I18NConverter& converter,
     assign(I18NTextView(static_cast<const char16_t*>(units.block), count), !from943);
     setFlag(kI18NFromCodePage943, from943);
     setFlag(kI18NNormalized, true);
+}
+
+void I18NConverter::fromUnicode(char** destination, int* size, const I18NString& source,
+                                I18NStringAllocator allocator, void* context) const {
+    if (destination == nullptr || size == nullptr)
+        QBL_THROW(I18NRuntimeError(I18N_ARGUMENT, nullptr));
+    *destination = nullptr;
+    *size = 0;
+    const I18NMemory memory(allocator != nullptr ? allocator : source.m_allocator,
+                            allocator != nullptr ? context : source.m_allocatorContext);
+    if (source.empty() && memory.allocator() == nullptr) {
+        *destination = gI18NNullString;
+        *size = sizeof gI18NNullString;
+        return;
+    }
+    const I18NBytes bytes = i18nToBytes(I18NTextView(source), *this, memory);
+    *destination = bytes.block;
+    *size = bytes.length;
+}
+
+void I18NConverter::toUnicode(I18NString& destination, const char* source, int length) const {
+    if (length < 0) length = getEffectiveBufferSize(source, length);
+    if (source == nullptr || length == 0)
+        destination.remove();
+    else
+        destination.setConverted(source, *this, length);
+}
+
+bool I18NConverter::shouldUseBOM(const I18NString& encoding) {
+    return shouldUseBOM(encoding.c_str());
 }

@@ -11,7 +11,9 @@
 #include <mutex>
 #include <set>
 
+#include "QBLCore/FileManagement/QBLFmFile64.hpp"
 #include "QBLCore/FileManagement/skipRootPath.hpp"
+#include "i18n/cpp/i18n_string.hpp"
 #include "tests/support/Child.hpp"
 #include "tests/support/TempTree.hpp"
 #include "tests/support/ThrowChecks.hpp"
@@ -185,6 +187,30 @@ TEST(QBLFmDirTest, RemovesWhatItMayAndTellsTheRest) {
     EXPECT_TRUE(QBLFmDir::readDir(tree("top").c_str(), &files, nullptr, &dirs, nullptr));
     EXPECT_TRUE(files.empty());
     EXPECT_EQ(Names{"closed"}, dirs);
+}
+
+TEST(QBLFmDirTest, TakesAndGivesStrings) {
+    TempTree tree;
+    I18NString dir(tree.root()), made;
+    QBLFmDir::joinPath(dir, I18NString("\u00E9t\u00E9/\u4E2D"));
+    ASSERT_TRUE(QBLFmDir::createRecursiveDir(dir));
+    const I18NString prefix("\u00FC"), pattern("\u00FC*");
+    ASSERT_TRUE(QBLFmDir::createTempFile(&dir, &prefix, made));
+    QBLFmFile64 file;
+    ASSERT_TRUE(file.open(made, QBLFmFile64::existing, 0));
+    EXPECT_EQ(made, file.getFileName());
+    std::list<I18NString> files, dirs;
+    ASSERT_TRUE(QBLFmDir::readDir(dir, &files, &pattern, &dirs, nullptr));
+    ASSERT_EQ(1U, files.size());
+    I18NString before, behind;
+    EXPECT_TRUE(QBLFmDir::splitPath(made, &before, &behind));
+    EXPECT_EQ(dir, before);
+    EXPECT_EQ(files.front(), behind);
+    EXPECT_EQ(made, QBLFmDir::getFileFullPath(behind, dir, {}));
+    EXPECT_TRUE(QBLFmDir::removeDir(dir));
+    EXPECT_FALSE(QBLFmDir::exists(made, S_IFREG));
+    EXPECT_FALSE(file.open(made, QBLFmFile64::existing, 0));
+    EXPECT_EQ(ENOENT, file.getLastErrorNumber());
 }
 
 TEST(QBLFmDirTest, GivesEveryTemporaryNameOnce) {

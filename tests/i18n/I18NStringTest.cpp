@@ -8,6 +8,7 @@
 #include <sstream>
 #include <unordered_map>
 
+#include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/i18n_string_iterator.hpp"
 #include "tests/support/FaultInjection.hpp"
 #include "tests/support/ThrowChecks.hpp"
@@ -215,6 +216,34 @@ TEST(I18NStringTest, ConvertsOneConstantStringOnManyThreads) {
     EXPECT_EQ(before, changing.c_str());
     changing += L'!';
     EXPECT_EQ(utf8[0] + "!", changing.c_str());
+}
+
+TEST(I18NStringTest, GoesThroughConvertersBothWays) {
+    I18NConverter latin("ISO-8859-1");
+    const I18NString text("Stra\u00DFe \u4E2D");
+    latin.setBuiltInUnconvertibleOutputSequenceCallback(I18N_ESCAPE);
+    EXPECT_STREQ(
+        "Stra\xDF"
+        "e %U4E2D",
+        text.c_str(latin));
+    latin.setBuiltInUnconvertibleOutputSequenceCallback(I18N_STOP);
+    QBL_EXPECT_THROW(text.c_str(latin), I18NRuntimeError, nullptr);
+    EXPECT_EQ(I18NString("\u00DF"), I18NString("\xDF", latin));
+    I18NString changed("old");
+    latin.toUnicode(changed, "\xE9t\xE9", -1);
+    EXPECT_EQ("\u00E9t\u00E9", changed.toUtf8());
+    EXPECT_TRUE(I18NString("\xDF", "ibm-943").empty()) << "before the layer is initialised";
+    char* block = nullptr;
+    int size = 0;
+    latin.fromUnicode(&block, &size, changed);
+    EXPECT_STREQ("\xE9t\xE9", block);
+    EXPECT_EQ(4, size);
+    I18NFreeBuffer(block);
+    latin.fromUnicode(&block, &size, I18NString());
+    EXPECT_EQ(gI18NNullString, block);
+    EXPECT_EQ(4, size);
+    I18NFreeBuffer(block);
+    EXPECT_EQ(nullptr, block);
 }
 
 TEST(I18NStringTest, CountsAndComparesInCodeUnitsInBothModes) {

@@ -127,6 +127,12 @@ struct QBLFmOperations {
         return Calls::truncate(file.m_iDescriptor, length) == 0 || failed(self, errno);
     }
 
+    /// Saves an error. @return false
+    template <class File>
+    static bool fail(File& self, int error) {
+        return failed(self, error);
+    }
+
 private:
     static constexpr std::int64_t kAll = INT64_MAX;
 

@@ -1,0 +1,155 @@
+// The operations on strings, in terms of those on bytes.
+
+#include "QBLCore/Exceptions/QBLAllocation.hpp"
+#include "QBLCore/FileManagement/QBLFmDir.hpp"
+#include "QBLCore/FileManagement/internal/QBLFmPath.hpp"
+
+namespace {
+
+const char* orNull(const I18NString* text) {
+    return text != nullptr ? qblPlatformPath(*text) : nullptr;
+}
+
+I18NString fromPlatform(const std::string& path) {
+    return I18NString(path.c_str(), I18NGetPlatformDefaultEncoding());
+}
+
+/// Runs an operation whose result is false after any failure.
+template <class Body>
+bool orFalse(Body&& body) {
+    try {
+        return body();
+    } catch (QBLOutOfMemoryError&) {
+        errno = ENOMEM;
+    } catch (QBLThrowable&) {
+        errno = EILSEQ;
+    } catch (const std::bad_alloc&) {
+        errno = ENOMEM;
+    }
+    return false;
+}
+
+void toStrings(const std::list<std::string>& names, std::list<I18NString>* out) {
+    if (out == nullptr) return;
+    std::list<I18NString> made;
+    for (const std::string& name : names) made.push_back(fromPlatform(name));
+    out->swap(made);
+}
+
+typedef bool (*CreateTemp)(const char*, const char*, std::string&, const char*);
+
+bool createTemp(CreateTemp create, const I18NString* basePath, const I18NString* prefix,
+                I18NString& result, const I18NString* suffix) {
+    return orFalse([&] {
+        std::string path;
+        const bool made = create(orNull(basePath), orNull(prefix), path, orNull(suffix));
+        const int error = errno;
+        result = fromPlatform(path);
+        errno = error;
+        return made;
+    });
+}
+
+}  // namespace
+
+bool QBLFmDir::exists(const I18NString& path, unsigned short mode) {
+    return orFalse([&] { return exists(qblPlatformPath(path), mode); });
+}
+
+bool QBLFmDir::createDir(const I18NString& path) {
+    return orFalse([&] { return createDir(qblPlatformPath(path)); });
+}
+
+bool QBLFmDir::createRecursiveDir(const I18NString& path) {
+    return orFalse([&] { return createRecursiveDir(qblPlatformPath(path)); });
+}
+
+bool QBLFmDir::removeDir(const I18NString& path) {
+    return orFalse([&] { return removeDir(qblPlatformPath(path)); });
+}
+
+bool QBLFmDir::readDir(const I18NString& path, std::list<I18NString>* files,
+                       const I18NString* filePattern, std::list<I18NString>* dirs,
+                       const I18NString* dirPattern) {
+    return orFalse([&] {
+        std::list<std::string> fileNames, dirNames;
+        if (!readDir(qblPlatformPath(path), files != nullptr ? &fileNames : nullptr,
+                     orNull(filePattern), dirs != nullptr ? &dirNames : nullptr,
+                     orNull(dirPattern)))
+            return false;
+        toStrings(fileNames, files);
+        toStrings(dirNames, dirs);
+        return true;
+    });
+}
+
+bool QBLFmDir::removeFile(const I18NString& path) {
+    return orFalse([&] { return removeFile(qblPlatformPath(path)); });
+}
+
+bool QBLFmDir::renameFile(const I18NString& from, const I18NString& to) {
+    return orFalse([&] { return renameFile(qblPlatformPath(from), qblPlatformPath(to)); });
+}
+
+void QBLFmDir::joinPath(I18NString& base, const I18NString& relative) {
+    QBL_ALLOC_TRY
+    std::string path(qblPlatformPath(base));
+    joinPath(path, qblPlatformPath(relative));
+    base = fromPlatform(path);
+    QBL_ALLOC_CATCH
+}
+
+bool QBLFmDir::splitPath(const I18NString& path, I18NString* directory, I18NString* file) {
+    return orFalse([&] {
+        std::string before, behind;
+        if (!splitPath(qblPlatformPath(path), directory != nullptr ? &before : nullptr,
+                       file != nullptr ? &behind : nullptr))
+            return false;
+        if (directory != nullptr) *directory = fromPlatform(before);
+        if (file != nullptr) *file = fromPlatform(behind);
+        return true;
+    });
+}
+
+void QBLFmDir::setEffectiveWorkingDir(const I18NString& path) {
+    setEffectiveWorkingDir(qblPlatformPath(path));
+}
+
+void QBLFmDir::resolveEffectivePath(I18NString& path) {
+    QBL_ALLOC_TRY
+    std::string resolved(qblPlatformPath(path));
+    resolveEffectivePath(resolved);
+    path = fromPlatform(resolved);
+    QBL_ALLOC_CATCH
+}
+
+I18NString QBLFmDir::getFileFullPath(const I18NString& fileName, const I18NString& basePath,
+                                     const std::list<I18NString>& searchDirs) {
+    QBL_ALLOC_TRY
+    std::list<std::string> dirs;
+    for (const I18NString& dir : searchDirs) dirs.emplace_back(qblPlatformPath(dir));
+    return fromPlatform(
+        getFileFullPath(qblPlatformPath(fileName), qblPlatformPath(basePath), dirs));
+    QBL_ALLOC_CATCH
+}
+
+void QBLFmDir::setTempPath(const I18NString& path) { setTempPath(qblPlatformPath(path)); }
+
+bool QBLFmDir::getTempPath(I18NString& result) {
+    return orFalse([&result] {
+        std::string path;
+        const bool found = getTempPath(path);
+        result = fromPlatform(path);
+        return found;
+    });
+}
+
+bool QBLFmDir::createTempDir(const I18NString* basePath, const I18NString* prefix,
+                             I18NString& result, const I18NString* suffix) {
+    return createTemp(&QBLFmDir::createTempDir, basePath, prefix, result, suffix);
+}
+
+bool QBLFmDir::createTempFile(const I18NString* basePath, const I18NString* prefix,
+                              I18NString& result, const I18NString* suffix) {
+    return createTemp(&QBLFmDir::createTempFile, basePath, prefix, result, suffix);
+}
