@@ -1,0 +1,242 @@
+#include <gtest/gtest.h>
+
+#include "QBLCore/Exceptions/QBLThrowable.hpp"
+#include "i18n/cpp/i18n_internal_resources.hpp"
+#include "tests/support/Child.hpp"
+#include "tests/support/FaultInjection.hpp"
+#include "tests/support/TempTree.hpp"
+
+namespace {
+
+I18NInternalResources& resources() { return I18NInternalResources::getInternalResForTesting(); }
+
+/// Works in a directory of its own, with a resource file there.
+class I18NResourcesTest : public testing::Test {
+protected:
+    I18NResourcesTest() : m_before(std::filesystem::current_path()) {
+        std::filesystem::current_path(m_tree.root());
+        // The name can be changed once; the second test of a process finds it changed.
+        I18NInternalResources::__changeResourceFileName("./res.xml");
+    }
+    ~I18NResourcesTest() override {
+        resources().release();
+        std::filesystem::current_path(m_before);
+    }
+
+    void load(const std::string& text) {
+        m_tree.file("res.xml", text);
+        resources().loadSequenceTable();
+    }
+    static std::string inputOf(const char* encoding, std::string bytes) {
+        wchar_t character = 0;
+        I18NErrorCodes error = I18N_UNEXPECTED;
+        const bool found = resources().getReplacementSequence(
+            encoding, reinterpret_cast<unsigned char*>(bytes.data()),
+            static_cast<int>(bytes.size()), &character, &error);
+        return (found ? "" : "none ") + std::to_string(character) + " " + std::to_string(error);
+    }
+    static std::string outputOf(const char* encoding, wchar_t character) {
+        unsigned char* bytes = nullptr;
+        int length = -1;
+        I18NErrorCodes error = I18N_UNEXPECTED;
+        const bool found =
+            resources().getReplacementSequence(encoding, character, &bytes, &length, &error);
+        EXPECT_EQ(found, bytes != nullptr);
+        if (!found) return "none " + std::to_string(length) + " " + std::to_string(error);
+        return std::string(reinterpret_cast<char*>(bytes), static_cast<std::size_t>(length));
+    }
+
+    TempTree m_tree;
+
+private:
+    std::filesystem::path m_before;
+};
+
+}  // namespace
+
+TEST_F(I18NResourcesTest, TheBinDirectoryIsTheFirstThatSomethingNames) {
+    const std::string lib = m_tree.dir("lib");
+    m_tree.dir("none");
+    m_tree.dir("configuration");
+    const std::string work = m_tree.dir("work");
+    m_tree.file("lib/libQBLCore.so");
+    const std::string path = "::" + m_tree("none") + "::" + lib + ":";
+    const std::string notThere = m_tree("none");
+    struct Row {
+        const char *exec, *root, *path;
+        bool configuration;
+        const char* link;
+        std::string expected;
+    };
+    const Row rows[] = {
+        {"/exec", "/root", path.c_str(), true, "/link", "/exec"},
+        {"", "/root", path.c_str(), true, "/link", "/root/./bin"},
+        {nullptr, "", path.c_str(), true, "/link", lib},
+        {nullptr, nullptr, notThere.c_str(), true, "/link", "../bin"},
+        {nullptr, nullptr, nullptr, false, "/link \r\n/other\n", "/link/./bin"},
+        {nullptr, nullptr, nullptr, false, "\n/other\n", ""},
+        {nullptr, nullptr, nullptr, false, nullptr, ""},
+    };
+    const auto set = [](const char* name, const char* value) {
+        value != nullptr ? setenv(name, value, 1) : unsetenv(name);
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(
+            0, inChild([&] {
+                std::filesystem::current_path(work);
+                set("TAV_EXEC_PATH", row.exec);
+                set("TAV_ROOT", row.root);
+                set("LD_LIBRARY_PATH", row.path);
+                if (row.configuration) m_tree.file("configuration/tavstartup.xml");
+                if (row.link != nullptr) m_tree.file("work/tavroot.link", row.link);
+                I18NInternalResources::setDataDirectoryPath();
+                const std::string found = I18NInternalResources::getDataDirectoryPath();
+                set("TAV_EXEC_PATH", "/later");
+                I18NInternalResources::setDataDirectoryPath();
+                const std::string later = I18NInternalResources::getDataDirectoryPath();
+                return found == row.expected && later == (found.empty() ? "/later" : found) ? 0 : 1;
+            }))
+            << row.expected;
+        std::filesystem::remove(m_tree("configuration/tavstartup.xml"));
+        std::filesystem::remove(m_tree("work/tavroot.link"));
+    }
+}
+
+TEST_F(I18NResourcesTest, TheResourceFileIsInTheBinDirectory) {
+    m_tree.dir("bin");
+    m_tree.file("bin/res.xml", "<allowNegativeZero value=\"true\"/>\n");
+    EXPECT_EQ(0, inChild([&] {
+                  setenv("TAV_EXEC_PATH", m_tree("bin").c_str(), 1);
+                  I18NInternalResources::setDataDirectoryPath();
+                  resources().loadSequenceTable();
+                  return resources().isAllowNegativeZero() ? 0 : 1;
+              }));
+    resources().loadSequenceTable();
+    EXPECT_FALSE(resources().isAllowNegativeZero()) << "there is none in the working directory";
+}
+
+TEST_F(I18NResourcesTest, SettingsAreTakenAsFarAsTheyMakeSense) {
+    struct Row {
+        std::string text;
+        float bytes;
+        bool scaled, negative;
+    };
+    const std::string tooLong = "<allowNegativeZero value=\"true\"" + std::string(1 << 20, ' ');
+    const Row rows[] = {
+        {"<UTF8BytesPerCodePoint value=\"3.25\"/>", 3.25F, false, false},
+        {"<UTF8BytesPerCodePoint value=\"7\"/>", 4.0F, false, false},
+        {"<UTF8BytesPerCodePoint value=\"0\"/>", 2.5F, false, false},
+        {"<UTF8BytesPerCodePoint value=\"-1\"/>", 2.5F, false, false},
+        {"<UTF8BytesPerCodePoint value=\"much\"/>", 2.5F, false, false},
+        {"<UTF8BytesPerCodePoint value=\"nan\"/>", 2.5F, false, false},
+        {"<UTF8BytesPerCodePoint value=\"3", 2.5F, false, false},
+        {"<UTF8BytesPerCodePoint", 2.5F, false, false},
+        {"<allowNegativeZero value=\"TRUE\"/>", 2.5F, false, true},
+        {"<allowNegativeZero value=\"yes\"/>", 2.5F, false, false},
+        {"<replaceScaledZeroNumbers allowReplace=\"True\"/>", 2.5F, true, false},
+        {"<replaceScaledZeroNumbers>\n<allowReplace value=\"true\"/>", 2.5F, true, false},
+        {"\xEF\xBB\xBF<allowNegativeZero value=\"true\"/>\r\n", 2.5F, false, true},
+        {"  < allowNegativeZero\tvalue = \"true\" />", 2.5F, false, true},
+        {"<!-- <allowNegativeZero value=\"true\"/> -->", 2.5F, false, false},
+        {"<!--\n<allowNegativeZero value=\"true\"/>\n-->\n<allowReplace value=\"true\"/>", 2.5F,
+         true, false},
+        {tooLong + "/>\n<allowReplace value=\"true\"/>", 2.5F, true, false},
+        {std::string("<\n<>\n</>\n\0<a\n<\"\n<=\"\"", 20), 2.5F, false, false},
+    };
+    for (const Row& row : rows) {
+        load(row.text);
+        EXPECT_EQ(row.bytes, resources().getUTF8BytesPerCodePoints()) << row.text.substr(0, 99);
+        EXPECT_EQ(row.scaled, resources().isAllowReplaceScaledZero()) << row.text.substr(0, 99);
+        EXPECT_EQ(row.negative, resources().isAllowNegativeZero()) << row.text.substr(0, 99);
+    }
+    std::filesystem::remove(m_tree("res.xml"));
+    resources().setAllowNegativeZero(true);
+    resources().loadSequenceTable();
+    EXPECT_TRUE(resources().isAllowNegativeZero()) << "a file that is not there changes nothing";
+}
+
+TEST_F(I18NResourcesTest, ReplacementsAreFoundInBothDirections) {
+    load(R"(<input>
+<encoding name="Shift_JIS; US-ASCII;no-such-encoding">
+<sequence value="0x81;0x60">
+<replacement value="0xFF5E"/>
+</sequence>
+<sequence value="300">
+<replacement value="0x41"/>
+</sequence>
+<sequence value="0x80">
+<replacement value="0x110000"/>
+<replacement value="0xD800"/>
+<replacement value=""/>
+<replacement/>
+</sequence>
+<replacement value="0x42"/>
+</encoding>
+</input>
+<output>
+<encoding name="windows-1252">
+<sequence value="0x2212">
+<replacement value="0x2D;45"/>
+</sequence>
+<sequence value="0x1F600">
+<replacement value=""/>
+</sequence>
+<sequence value="0x41;0x42">
+<replacement value="0x43"/>
+</sequence>
+<sequence value="0x43">
+<replacement value="1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1"/>
+</sequence>
+</encoding>
+</output>
+<sequence value="0x44">
+<replacement value="0x45"/>
+)");
+    EXPECT_EQ("65374 0", inputOf("ibm-943_P15A-2003", "\x81\x60"));
+    EXPECT_EQ("65374 0", inputOf("ascii", "\x81\x60")) << "by any name of the encoding";
+    EXPECT_EQ("none 65535 0", inputOf("ascii", "\x81"));
+    EXPECT_EQ("none 65535 0", inputOf("ascii", "\x80"));
+    EXPECT_EQ("none 65535 -3", inputOf("no-such-encoding", "\x81\x60"));
+    EXPECT_EQ("none 65535 -10", inputOf(nullptr, "\x81\x60"));
+    EXPECT_EQ("--", outputOf("cp1252", 0x2212));
+    EXPECT_EQ("", outputOf("cp1252", 0x1F600)) << "dropped";
+    for (const wchar_t none : {0x41, 0x42, 0x43, 0x44, 0xFF5E})
+        EXPECT_EQ("none 0 0", outputOf("cp1252", none)) << none;
+    load("<input/>");
+    EXPECT_EQ("none 65535 0", inputOf("ascii", "\x81\x60")) << "a new file has all that counts";
+}
+
+TEST_F(I18NResourcesTest, CharactersAreExemptAndSubstituted) {
+    load(
+        "<nonNormalizableCharacters value=\"0xFA10; 0x2F800;;x\"/>\n"
+        "<ja_substitution from=\"0x301C\" to=\"0xFF5E\"/>\n"
+        "<ja_substitution from=\"0x20BB7\" to=\"0x5409\"/>\n"
+        "<ja_substitution from=\"0x41\"/>\n");
+    EXPECT_TRUE(resources().isNonNormalizable(u"ab\uFA10"));
+    EXPECT_TRUE(resources().isNonNormalizable(u"\U0002F800"));
+    EXPECT_FALSE(resources().isNonNormalizable(u"ab\uFA11\xD87E"));
+    EXPECT_TRUE(resources().isNonNormalizable(L"\U0002F800"));
+    EXPECT_FALSE(resources().isNonNormalizable(L"ab"));
+    std::u16string text = u"A\u301C\U00020BB7B\u301C\xD842";
+    EXPECT_TRUE(resources().substituteJa(text));
+    EXPECT_EQ(u"A\uFF5E\u5409B\uFF5E\xD842", text);
+    EXPECT_FALSE(resources().substituteJa(text));
+}
+
+TEST_F(I18NResourcesTest, ExhaustedMemoryLeavesNothingHalfDone) {
+    const std::string text =
+        "<input>\n<encoding name=\"ascii\">\n<sequence value=\"0x80\">\n"
+        "<replacement value=\"0x20AC\"/>\n<locale name=\"de_DE\">\n";
+    m_tree.file("res.xml", text);
+    const long runs = fault::eachAllocation([&] {
+        try {
+            resources().loadSequenceTable();
+        } catch (const QBLThrowable& error) {
+            EXPECT_STREQ("QBLOutOfMemoryError", error.getThrowableName());
+        }
+        resources().release();
+    });
+    EXPECT_GT(runs, 10);
+    load(text);
+    EXPECT_EQ("8364 0", inputOf("ascii", "\x80"));
+}
