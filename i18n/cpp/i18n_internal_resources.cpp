@@ -10,8 +10,6 @@
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Frame/internal/QBLImmortal.hpp"
-#include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
-#include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "i18n/cpp/internal/i18n_bin_dir.hpp"
 #include "i18n/cpp/internal/i18n_internal_data.hpp"
 
@@ -97,6 +95,9 @@ void I18NInternalResources::release() {
     m_data.replaceScaledZero = false;
     m_data.negativeZero = false;
     I18NReplacementTables::instance().clear();
+    QBLThreadGuard guard(m_data.lock);
+    m_data.xmlEntities.made.reset();
+    m_data.urlEncoding.made.reset();
 }
 
 float I18NInternalResources::getUTF8BytesPerCodePoints() const {

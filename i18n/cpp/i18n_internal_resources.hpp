@@ -67,6 +67,19 @@ public:
     bool getReplacementSequence(const char* encoding, unsigned char* bytes, int length,
                                 wchar_t* character, I18NErrorCodes* error) const;
 
+    /// Replaces the five named XML entities by their characters.
+    static void transliterate(std::u16string& text);
+    /// The icu::Transliterator that does the same, made by the first call and valid until the stop.
+    /// @throws I18NRuntimeError, QBLOutOfMemoryError
+    const void* getTransliterator();
+    /// Its rules.
+    static const char* getTransliterationData();
+    /// Appends a text with the characters escaped that a URL must not hold.
+    static void urlEncode(std::u16string_view text, std::u16string& out);
+    /// The icu::Transliterator that does the same, made by the first call and valid until the stop.
+    /// @throws I18NRuntimeError, QBLOutOfMemoryError
+    const void* getURLEncodeTranslit();
+
 protected:
     I18NInternalResources();
     ~I18NInternalResources() = default;  // there is always one

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <unicode/translit.h>
 
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
 #include "i18n/cpp/i18n_internal_resources.hpp"
@@ -51,6 +52,12 @@ protected:
 private:
     std::filesystem::path m_before;
 };
+
+std::u16string transliterated(const void* transliterator, const std::u16string& text) {
+    icu::UnicodeString copy(text.data(), static_cast<int>(text.size()));
+    static_cast<const icu::Transliterator*>(transliterator)->transliterate(copy);
+    return std::u16string(copy.getBuffer(), static_cast<std::size_t>(copy.length()));
+}
 
 }  // namespace
 
@@ -221,6 +228,26 @@ TEST_F(I18NResourcesTest, CharactersAreExemptAndSubstituted) {
     EXPECT_TRUE(resources().substituteJa(text));
     EXPECT_EQ(u"A\uFF5E\u5409B\uFF5E\xD842", text);
     EXPECT_FALSE(resources().substituteJa(text));
+}
+
+TEST_F(I18NResourcesTest, EntitiesAndURLsAreWhatTheTransliteratorsMakeOfThem) {
+    const std::u16string entities =
+        u"&amp;lt; &&lt;&gt;&amp;&apos;&quot; &LT; &#60; &lt &amp;amp; &quo &";
+    std::u16string text = entities;
+    I18NInternalResources::transliterate(text);
+    EXPECT_EQ(u"&lt; &<>&'\" &LT; &#60; &lt &amp; &quo &", text);
+    EXPECT_EQ(text, transliterated(resources().getTransliterator(), entities));
+
+    std::u16string ascii, encoded;
+    for (char16_t c = 0; c < 128; ++c) ascii += c;
+    ascii += u"\u00E9\U0001F600";
+    I18NInternalResources::urlEncode(ascii, encoded);
+    EXPECT_EQ(ascii.substr(0, 32) +
+                  u"%20!%34%23$%25&%5C()*+,-./0123456789:;%3C=%3E?@ABCDEFGHIJKLMNOPQRSTUVWXYZ"
+                  u"%5B\\%5D%5E_%60abcdefghijklmnopqrstuvwxyz%7B%7C%7D%7E\x7F\u00E9\U0001F600",
+              encoded);
+    EXPECT_EQ(encoded, transliterated(resources().getURLEncodeTranslit(), ascii));
+    EXPECT_EQ(resources().getURLEncodeTranslit(), resources().getURLEncodeTranslit());
 }
 
 TEST_F(I18NResourcesTest, ExhaustedMemoryLeavesNothingHalfDone) {

@@ -1,10 +1,23 @@
 #ifndef I18N_CPP_INTERNAL_I18N_INTERNAL_DATA_HPP
 #define I18N_CPP_INTERNAL_I18N_INTERNAL_DATA_HPP
 
-#include <atomic>
+#include <unicode/translit.h>
 
+#include <atomic>
+#include <memory>
+#include <string>
+
+#include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
+#include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "i18n/cpp/i18n_internal_resources.hpp"
 #include "i18n/cpp/internal/i18n_settings.hpp"
+
+/// A transliterator of ICU, made when it is first asked for.
+struct I18NLazyTransliterator {
+    std::unique_ptr<icu::Transliterator> made;
+
+    const icu::Transliterator* get(const char16_t* name, const char* rules, const char* failure);
+};
 
 struct I18NInternalResources::Data {
     const I18NSettings& settings() const;
@@ -14,6 +27,10 @@ struct I18NInternalResources::Data {
     std::atomic<const I18NSettings*> loaded{nullptr};
     std::atomic<bool> replaceScaledZero{false};
     std::atomic<bool> negativeZero{false};
+
+    QBLThreadCriticalSection lock{0};
+    I18NLazyTransliterator xmlEntities QBL_GUARDED_BY(lock);
+    I18NLazyTransliterator urlEncoding QBL_GUARDED_BY(lock);
 };
 
 #endif
