@@ -95,9 +95,14 @@ void I18NInternalResources::release() {
     m_data.replaceScaledZero = false;
     m_data.negativeZero = false;
     I18NReplacementTables::instance().clear();
-    QBLThreadGuard guard(m_data.lock);
-    m_data.xmlEntities.made.reset();
-    m_data.urlEncoding.made.reset();
+    {
+        QBLThreadGuard guard(m_data.lock);
+        m_data.xmlEntities.made.reset();
+        m_data.urlEncoding.made.reset();
+        m_data.locales.clear();
+        m_data.timeZoneIDs.clear();
+    }
+    m_data.maps.clear();
 }
 
 float I18NInternalResources::getUTF8BytesPerCodePoints() const {

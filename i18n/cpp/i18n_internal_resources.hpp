@@ -1,15 +1,25 @@
 #ifndef I18N_CPP_I18N_INTERNAL_RESOURCES_HPP
 #define I18N_CPP_I18N_INTERNAL_RESOURCES_HPP
 
+#include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 
 #include "QBLCore/Frame/QBLExport.h"
 #include "i18n/cpp/i18n_error_codes.h"
+#include "i18n/cpp/i18n_locale.hpp"
 
-/// What the resource file "i18n_res.xml" of the installation says, which is read while the
-/// internationalisation layer starts. There is one object of this class in a process; before the
-/// start and after the stop it has the defaults.
+/// Texts of a resource file by their names.
+using I18NResourceMap = std::map<std::string, std::u16string, std::less<>>;
+
+/// What the resource files of the installation say: "i18n_res.xml", which is read while the
+/// internationalisation layer starts, and a file per language for each of currencies, words, time
+/// periods, time zones and locales, read when it is first asked for. There is one object of this
+/// class in a process; before the start and after the stop it has the defaults.
+///
+/// Operations that fill a string leave it as it is when they give false. Codes of currencies and
+/// countries are in upper case. Where a map is given, it is valid until the stop.
 ///
 /// Threads: any thread may call any operation, but loadSequenceTable() and release(), which need
 /// that nobody uses the resources meanwhile.
@@ -79,6 +89,63 @@ public:
     /// The icu::Transliterator that does the same, made by the first call and valid until the stop.
     /// @throws I18NRuntimeError, QBLOutOfMemoryError
     const void* getURLEncodeTranslit();
+
+    /// The currency's name in a language; what getNoDescriptionWord() gives if there is none.
+    std::u16string getCurrencyDescription(const char* currency, const I18NLocale& locale);
+    /// The word for a text that is missing; "No description" unless the locale has another.
+    std::u16string getNoDescriptionWord(const I18NLocale& locale);
+    /// @throws I18NRuntimeError if there are no symbols at all
+    bool getSymbolForISOCode(const char* currency, const I18NLocale& locale,
+                             std::u16string& symbol);
+    /// @return -1 for an unknown currency.
+    /// @throws I18NRuntimeError if nothing is known of any
+    int getNumbDecimPlacesForCurrency(const char* currency);
+    /// Whether it is the code of a currency that the resources know.
+    /// @throws I18NRuntimeError if they know none
+    bool isISOCurrencyCodeValid(const char* currency);
+    /// @throws I18NRuntimeError if there is none for any country
+    bool getISOCurrencyCodeForCountry(const char* country, std::string& currency);
+    /// The currency that took the place of one that is no longer used.
+    bool getCurrencyMapping(const char* currency, std::string& successor);
+    /// @param lcid  receives the lowest of the locale identifiers that the currency belongs to
+    bool getLCIDForCurrencyCode(const char* currency, unsigned short& lcid);
+    bool getCurrencyCodeForLCID(unsigned short lcid, std::string& currency);
+
+    /// The locale's name in a language.
+    bool getLocaleDescription(const I18NLocale& described, const I18NLocale& locale,
+                              std::u16string& description);
+    /// The supported locales, always in the same order.
+    /// @param locales  receives an array that belongs to the resources, valid until the stop
+    /// @param count  receives the number of its elements
+    void getLocales(I18NLocale** locales, int* count);
+    /// @param locale  receives the name of the locale of a language on its own, with the default
+    ///     variant that the resource file gives it; "en-us" for an unknown language
+    /// @return whether the language is known.
+    /// @throws I18NRuntimeError if none is
+    bool getDefaultLocaleForLanguage(const char* language, std::string& locale);
+    /// The encoding of files of values with separators between them: what the resource file says
+    /// for the locale, else the usual one of the language on the desktop.
+    std::string getEncodingForLocale(const I18NLocale& locale) const;
+    bool getLocaleIdFroLCID(unsigned short lcid, std::string& locale) const;
+    /// Whether the resource file has settings for the locale, and they are in use.
+    bool isLocaleModified(const I18NLocale& locale) const;
+    const I18NResourceMap& getLocaleResources(const I18NLocale& locale);
+    /// What separates values where numbers are written as in the locale.
+    /// @param locale  null means the default locale
+    bool getListSeparator(const I18NLocale* locale, wchar_t& separator) const;
+
+    bool getTimeZoneDescription(const char* zone, const I18NLocale& locale,
+                                std::u16string& description);
+    /// @param count  receives the number of zones that the resources know
+    /// @return their identifiers, sorted; the array is valid until the stop.
+    const char* const* getTimeZoneIDs(int& count);
+    /// @param offset  in hours, as of standard time
+    /// @return the zone that stands for an offset in the United States; null for others.
+    static const char* getFallbackTimeZoneID(int offset);
+    /// @return the zone for the abbreviations EST, CST, MST, PST and HST; others unchanged.
+    static const char* getCompatibilityTimeZoneID(const char* id);
+    const I18NResourceMap& getTimePeriodResources(const I18NLocale& locale);
+    const I18NResourceMap& getTimeZoneResources(const I18NLocale& locale);
 
 protected:
     I18NInternalResources();

@@ -1,11 +1,12 @@
 #include <gtest/gtest.h>
 #include <unicode/translit.h>
 
-#include "QBLCore/Exceptions/QBLThrowable.hpp"
+#include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/i18n_internal_resources.hpp"
 #include "tests/support/Child.hpp"
 #include "tests/support/FaultInjection.hpp"
 #include "tests/support/TempTree.hpp"
+#include "tests/support/ThrowChecks.hpp"
 
 namespace {
 
@@ -250,14 +251,102 @@ TEST_F(I18NResourcesTest, EntitiesAndURLsAreWhatTheTransliteratorsMakeOfThem) {
     EXPECT_EQ(resources().getURLEncodeTranslit(), resources().getURLEncodeTranslit());
 }
 
+TEST_F(I18NResourcesTest, TheMostSpecialFileOfALocaleCounts) {
+    const auto words = [this](const char* name, const char* word) {
+        m_tree.file(std::string("qbli18nreswd_") + name + ".xml",
+                    std::string("<noDescription value=\"") + word + "\"/>");
+    };
+    const auto word = [](const char* locale) {
+        return resources().getNoDescriptionWord(I18NLocale(locale));
+    };
+    EXPECT_EQ(u"No description", word("de_AT"));
+    resources().release();
+    words("en", "&lt;none&gt;");
+    words("fr", "aucune");
+    words("fr_FR",
+          "n\xC3\xA9"
+          "ant");
+    words("fr_FR_EURO", "bad \xC3 byte");
+    EXPECT_EQ(u"<none>", word("de_AT"));
+    EXPECT_EQ(u"aucune", word("fr_CA"));
+    EXPECT_EQ(u"n\u00E9ant", word("fr_FR_OTHER"));
+    EXPECT_EQ(u"bad \uFFFD byte", word("fr_FR_EURO"));
+    EXPECT_EQ(u"<none>", word("../../fr"));
+    words("fr", "later");
+    EXPECT_EQ(u"aucune", word("fr_BE")) << "read once";
+}
+
+TEST_F(I18NResourcesTest, MapsThatCannotBeFilledSaySo) {
+    const I18NLocale en("en");
+    std::string out;
+    std::u16string symbol;
+    QBL_EXPECT_THROW(resources().getSymbolForISOCode("EUR", en, symbol), I18NRuntimeError,
+                     "An error occured while populating the currency code to currency symbol map");
+    QBL_EXPECT_THROW(
+        resources().getNumbDecimPlacesForCurrency("EUR"), I18NRuntimeError,
+        "An error occured while populating the currency code to number of decimal places map");
+    QBL_EXPECT_THROW(resources().getISOCurrencyCodeForCountry("DE", out), I18NRuntimeError,
+                     "An error occured while populating the country to currency map");
+    QBL_EXPECT_THROW(resources().getDefaultLocaleForLanguage("de", out), I18NRuntimeError,
+                     "An error occured while populating the language to locale map");
+    EXPECT_EQ(u"No description", resources().getCurrencyDescription("EUR", en));
+    m_tree.file("qbli18nrescr_en.xml",
+                "<entry name=\"EUR\">\n<value symbol=\"E\" decimals=\"x\"/>\n</entry>\n"
+                "<value symbol=\"stray\"/>\n<entry name=\"USD\">\n<value decimals=\"2\"/>\n");
+    resources().release();
+    EXPECT_TRUE(resources().getSymbolForISOCode("EUR", en, symbol));
+    EXPECT_EQ(-1, resources().getNumbDecimPlacesForCurrency("EUR"));
+    EXPECT_EQ(2, resources().getNumbDecimPlacesForCurrency("USD"));
+    EXPECT_FALSE(resources().isISOCurrencyCodeValid("USD")) << "it has no symbol";
+}
+
+TEST_F(I18NResourcesTest, LocalesHaveSettingsAndEncodings) {
+    load(
+        "<locale name=\"de_DE\">\n<inUse value=\"true\"/>\n<lcid value=\"0x1234\"/>\n"
+        "<defaultVariant value=\"EURO\"/>\n<csvEncoding value=\"UTF-8\"/>\n</locale>\n"
+        "<locale name=\"de_AT\">\n<csvEncoding value=\"UTF-16\"/>\n</locale>\n"
+        "<lcid value=\"0x4321\"/>\n<locale>\n<inUse value=\"true\"/>\n"
+        "<locale name=\"ja_JP\">\n<inUse value=\"true\"/>\n<csvEncoding value=\"bogus\"/>\n");
+    const std::pair<const char*, const char*> encodings[] = {
+        {"de_DE", "UTF-8"},    {"de_AT", "windows-1252"}, {"ja_JP", "windows-31j"},
+        {"zh_SG", "GBK"},      {"zh_TW", "Big5"},         {"ko", "windows-949"},
+        {"th", "windows-874"}, {"ru_RU", "windows-1251"}, {"lv", "windows-1257"}};
+    for (const auto& [locale, encoding] : encodings)
+        EXPECT_EQ(encoding, resources().getEncodingForLocale(I18NLocale(locale))) << locale;
+    EXPECT_TRUE(resources().isLocaleModified(I18NLocale("de-DE.UTF-8")));
+    EXPECT_FALSE(resources().isLocaleModified(I18NLocale("de_AT")));
+    std::string id = "before";
+    EXPECT_FALSE(resources().getLocaleIdFroLCID(0xFFFF, id));
+    EXPECT_TRUE(resources().getLocaleIdFroLCID(0x1234, id) && id == "de_DE");
+    EXPECT_TRUE(resources().getLocaleIdFroLCID(0x0411, id) && id == "ja_JP");
+    m_tree.file("qbli18nreslc_en.xml",
+                "<langLocMappingTable>\n<entry name=\"de\">\n<value name=\"de_DE\"/>\n</entry>\n");
+    EXPECT_TRUE(resources().getDefaultLocaleForLanguage("de", id) && id == "de_DE_EURO");
+    EXPECT_FALSE(resources().getDefaultLocaleForLanguage("xx", id));
+    EXPECT_EQ("en-us", id);
+    I18NLocale* locales = nullptr;
+    int count = 0;
+    resources().getLocales(&locales, &count);
+    ASSERT_EQ(96, count);
+    EXPECT_STREQ("en_IE_PREEURO", locales[37].getName());
+    EXPECT_EQ(I18NLocale("es", "PY"), locales[95]);
+    wchar_t separator = 0;
+    const I18NLocale de("de"), en("en");
+    EXPECT_TRUE(resources().getListSeparator(&de, separator) && separator == L';');
+    EXPECT_TRUE(resources().getListSeparator(&en, separator) && separator == L',');
+}
+
 TEST_F(I18NResourcesTest, ExhaustedMemoryLeavesNothingHalfDone) {
     const std::string text =
         "<input>\n<encoding name=\"ascii\">\n<sequence value=\"0x80\">\n"
         "<replacement value=\"0x20AC\"/>\n<locale name=\"de_DE\">\n";
     m_tree.file("res.xml", text);
+    m_tree.file("qbli18nreswd_en.xml", "<noDescription value=\"long enough to be allocated\"/>");
+    const I18NLocale locale("de_AT");
     const long runs = fault::eachAllocation([&] {
         try {
             resources().loadSequenceTable();
+            EXPECT_EQ(u"long enough to be allocated", resources().getNoDescriptionWord(locale));
         } catch (const QBLThrowable& error) {
             EXPECT_STREQ("QBLOutOfMemoryError", error.getThrowableName());
         }
