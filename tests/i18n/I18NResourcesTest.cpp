@@ -1,12 +1,16 @@
 #include <gtest/gtest.h>
 #include <unicode/translit.h>
 
+#include <algorithm>
+#include <cstring>
+
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/i18n_internal_resources.hpp"
 #include "tests/support/Child.hpp"
 #include "tests/support/FaultInjection.hpp"
 #include "tests/support/TempTree.hpp"
 #include "tests/support/ThrowChecks.hpp"
+#include "tests/support/Workers.hpp"
 
 namespace {
 
@@ -334,6 +338,118 @@ TEST_F(I18NResourcesTest, LocalesHaveSettingsAndEncodings) {
     const I18NLocale de("de"), en("en");
     EXPECT_TRUE(resources().getListSeparator(&de, separator) && separator == L';');
     EXPECT_TRUE(resources().getListSeparator(&en, separator) && separator == L',');
+}
+
+TEST_F(I18NResourcesTest, TheShippedFilesAreRead) {
+    std::filesystem::copy_file(QBL_RES_DIR "/i18n_res.xml", m_tree("res.xml"));
+    resources().loadSequenceTable();
+    EXPECT_EQ("\x81\x60", outputOf("Shift_JIS", 0x301C));
+    EXPECT_EQ("EUR", outputOf("latin1", 0x20AC));
+    EXPECT_EQ("8217 0", inputOf("ascii", "\x92"));
+    EXPECT_EQ(U'\uFF5E', resources().getJaSubstitution(0x301C));
+    EXPECT_TRUE(resources().isNonNormalizable(u"\uF929"));
+    std::string out;
+    EXPECT_TRUE(resources().getLocaleIdFroLCID(0x0414, out) && out == "no_NO");
+
+    std::filesystem::current_path(QBL_RES_DIR);
+    struct Row {
+        const char *locale, *none;
+        const char16_t *currency, *symbol, *years, *zone, *german;
+    };
+    const Row rows[] = {
+        {"en_GB", "No description", u"Japanese Yen", u"\u00A5", u"years", u"Central European Time",
+         u"German (Germany)"},
+        {"de", "Keine", u"Japanischer Yen", u"\u00A5", u"Jahre", u"Mitteleurop\u00E4ische Zeit",
+         u"Deutsch (Deutschland)"},
+        {"fr_CA", "Aucune", u"yen japonais", u"JPY", u"ans", u"heure d\u2019Europe centrale",
+         u"allemand (Allemagne)"},
+        {"ja_JP", "", u"\u65E5\u672C\u5186", u"\uFFE5", u"\u5E74",
+         u"\u4E2D\u592E\u30E8\u30FC\u30ED\u30C3\u30D1\u6642\u9593",
+         u"\u30C9\u30A4\u30C4\u8A9E (\u30C9\u30A4\u30C4)"},
+        {"es", "Sin", u"yen", u"JPY", u"a\u00F1os", u"hora de Europa central",
+         u"alem\u00E1n (Alemania)"},
+    };
+    for (const Row& row : rows) {
+        const I18NLocale locale(row.locale);
+        std::u16string text;
+        EXPECT_EQ(row.currency, resources().getCurrencyDescription("JPY", locale)) << row.locale;
+        EXPECT_TRUE(resources().getSymbolForISOCode("JPY", locale, text));
+        EXPECT_EQ(row.symbol, text) << row.locale;
+        EXPECT_EQ(row.years, resources().getTimePeriodResources(locale).find("years")->second);
+        EXPECT_TRUE(resources().getTimeZoneDescription("Europe/Berlin", locale, text));
+        EXPECT_EQ(row.zone, text) << row.locale;
+        EXPECT_TRUE(resources().getLocaleDescription(I18NLocale("de_DE"), locale, text));
+        EXPECT_EQ(row.german, text) << row.locale;
+        const std::u16string none(row.none, row.none + std::strlen(row.none));
+        EXPECT_EQ(none, resources().getCurrencyDescription("???", locale).substr(0, none.size()));
+    }
+    std::u16string text;
+    I18NLocale* locales = nullptr;
+    int count = 0;
+    resources().getLocales(&locales, &count);
+    for (int i = 0; i < count; ++i)
+        EXPECT_TRUE(resources().getLocaleDescription(locales[i], I18NLocale("ja"), text)) << i;
+    EXPECT_EQ(0, resources().getNumbDecimPlacesForCurrency("JPY"));
+    EXPECT_EQ(-1, resources().getNumbDecimPlacesForCurrency("jpy"));
+    EXPECT_TRUE(resources().isISOCurrencyCodeValid("XAU"));
+    EXPECT_FALSE(resources().isISOCurrencyCodeValid("???"));
+    EXPECT_TRUE(resources().getISOCurrencyCodeForCountry("CH", out) && out == "CHF");
+    EXPECT_TRUE(resources().getCurrencyMapping("DEM", out) && out == "EUR");
+    EXPECT_FALSE(resources().getCurrencyMapping("EUR", out));
+    EXPECT_TRUE(resources().getCurrencyCodeForLCID(0x0407, out) && out == "EUR");
+    unsigned short lcid = 0;
+    EXPECT_TRUE(resources().getLCIDForCurrencyCode("JPY", lcid) && lcid == 0x0411);
+    EXPECT_FALSE(resources().getLCIDForCurrencyCode("???", lcid));
+    EXPECT_TRUE(resources().getDefaultLocaleForLanguage("ja", out) && out == "ja_JP");
+    const char* const* zones = resources().getTimeZoneIDs(count);
+    EXPECT_TRUE(std::is_sorted(zones, zones + count,
+                               [](const char* a, const char* b) { return std::strcmp(a, b) < 0; }));
+    for (int i = 0; i < count; ++i)
+        EXPECT_TRUE(resources().getTimeZoneDescription(zones[i], I18NLocale("ja"), text));
+    for (const int offset : {-5, -6, -7, -8, -10}) {
+        const char* zone = I18NInternalResources::getFallbackTimeZoneID(offset);
+        EXPECT_TRUE(resources().getTimeZoneDescription(zone, I18NLocale("en"), text)) << zone;
+    }
+    EXPECT_STREQ("US/Eastern", I18NInternalResources::getCompatibilityTimeZoneID("EST"));
+    EXPECT_STREQ("Asia/Tokyo", I18NInternalResources::getCompatibilityTimeZoneID("Asia/Tokyo"));
+    EXPECT_EQ(nullptr, I18NInternalResources::getFallbackTimeZoneID(1));
+}
+
+TEST_F(I18NResourcesTest, DamagedFilesAreReadAsFarAsTheyGo) {
+    std::filesystem::copy_file(QBL_RES_DIR "/i18n_res.xml", m_tree("res.xml"));
+    const std::string whole = m_tree.text("res.xml");
+    for (std::size_t seed = 1; seed < 100; ++seed) {
+        std::string damaged = whole.substr(0, whole.size() * seed / 50);
+        std::size_t random = seed;
+        for (int i = 0; i < 200; ++i) {
+            random = random * 1103515245 + 12345;
+            damaged[random % damaged.size()] = "\"<>/=;\n\0&"[random / 65536 % 9];
+        }
+        load(damaged);
+        EXPECT_GT(resources().getUTF8BytesPerCodePoints(), 0.0F) << "seed " << seed;
+        EXPECT_LE(resources().getUTF8BytesPerCodePoints(), 4.0F) << "seed " << seed;
+    }
+}
+
+TEST_F(I18NResourcesTest, ThreadsMayBeTheFirstToAskAtOnce) {
+    std::filesystem::current_path(QBL_RES_DIR);
+    Gate gate;
+    std::atomic<int> right{0};
+    Workers workers(8, [&] {
+        EXPECT_TRUE(gate.wait());
+        const I18NLocale locale("de_AT");
+        I18NLocale* locales = nullptr;
+        int count = 0;
+        resources().getLocales(&locales, &count);
+        std::u16string text;
+        if (resources().getURLEncodeTranslit() != nullptr && locales[95].isValid() &&
+            resources().getSymbolForISOCode("EUR", locale, text) &&
+            resources().getTimeZoneDescription(resources().getTimeZoneIDs(count)[7], locale, text))
+            ++right;
+    });
+    gate.open();
+    workers.join();
+    EXPECT_EQ(8, right);
 }
 
 TEST_F(I18NResourcesTest, ExhaustedMemoryLeavesNothingHalfDone) {
