@@ -113,7 +113,7 @@ I18NConverter::I18NConverter(const char* encoding) : I18NConverter() {
 I18NConverter::I18NConverter(const I18NConverter& other) : I18NConverter() { create(other); }
 
 I18NConverter& I18NConverter::operator=(const I18NConverter& other) {
-    create(other);
+    if (this != &other) create(other);
     return *this;
 }
 

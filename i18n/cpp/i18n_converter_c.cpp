@@ -4,6 +4,7 @@
 #include "TavThread/internal/TavContain.hpp"
 #include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/i18n_errors.hpp"
+#include "i18n/cpp/i18n_string.hpp"
 
 namespace {
 
@@ -35,6 +36,11 @@ TAV_CATCHES_UNWINDING auto contained(I18NErrorCodes* error, const Body& body) ->
 I18NConverter& converterOf(I18NConverterHandle handle) {
     if (handle == nullptr) QBL_THROW(I18NRuntimeError(I18N_ARGUMENT, nullptr));
     return *reinterpret_cast<I18NConverter*>(handle);
+}
+
+I18NString& stringOf(I18NStringHandle handle) {
+    if (handle == nullptr) QBL_THROW(I18NRuntimeError(I18N_ARGUMENT, nullptr));
+    return *reinterpret_cast<I18NString*>(handle);
 }
 
 }  // namespace
@@ -74,6 +80,20 @@ void i18nConverterToUnicodeWithAllocator(I18NConverterHandle converter, void** d
     contained(error, [&] {
         converterOf(converter).toUnicode(destination, size, source, length, allocator, context);
     });
+}
+
+void i18nConverterFromUnicodeString(I18NConverterHandle converter, char** destination, int* size,
+                                    I18NStringHandle source, I18NStringAllocator allocator,
+                                    void* context, I18NErrorCodes* error) {
+    contained(error, [&] {
+        converterOf(converter).fromUnicode(destination, size, stringOf(source), allocator, context);
+    });
+}
+
+void i18nConverterToUnicodeString(I18NConverterHandle converter, I18NStringHandle destination,
+                                  const char* source, int length, I18NErrorCodes* error) {
+    contained(error,
+              [&] { converterOf(converter).toUnicode(stringOf(destination), source, length); });
 }
 
 const char* i18nConverterGetEncoding(I18NConverterHandle converter, I18NErrorCodes* error) {

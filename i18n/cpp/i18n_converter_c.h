@@ -17,6 +17,8 @@ extern "C" {
 #endif
 
 typedef struct I18NConverterOpaque* I18NConverterHandle;
+/// An I18NString*, which C can pass on.
+typedef struct I18NStringOpaque* I18NStringHandle;
 
 /// @return a converter, for i18nConverterFree
 QBL_API I18NConverterHandle i18nConverterCreate(const char* encoding, I18NErrorCodes* error);
@@ -36,6 +38,14 @@ QBL_API void i18nConverterToUnicodeWithAllocator(I18NConverterHandle converter, 
                                                  int* size, const char* source, int length,
                                                  I18NStringAllocator allocator, void* context,
                                                  I18NErrorCodes* error);
+
+QBL_API void i18nConverterFromUnicodeString(I18NConverterHandle converter, char** destination,
+                                            int* size, I18NStringHandle source,
+                                            I18NStringAllocator allocator, void* context,
+                                            I18NErrorCodes* error);
+QBL_API void i18nConverterToUnicodeString(I18NConverterHandle converter,
+                                          I18NStringHandle destination, const char* source,
+                                          int length, I18NErrorCodes* error);
 
 /// Owned by the converter.
 QBL_API const char* i18nConverterGetEncoding(I18NConverterHandle converter, I18NErrorCodes* error);

@@ -13,7 +13,7 @@
 namespace {
 
 char16_t unitAt(const void* text, int i) {
-    char16_t unit;
+    char16_t unit = 0;
     std::memcpy(&unit, static_cast<const char*>(text) + std::ptrdiff_t{i} * 2, sizeof unit);
     return unit;
 }
@@ -84,6 +84,7 @@ int I18NCodeUnitsNumBytes(const void* text) { return unitsOf(text) * 2 + 2; }
 int I18NCodeUnitsLength(const void* text) { return unitsOf(text); }
 
 int I18NCodeUnitsNumCodePoints(const void* text) {
+    if (text == nullptr) return 0;
     const int units = unitsOf(text);
     int count = 0;
     for (int i = 0; i < units; ++i, ++count)

@@ -24,5 +24,6 @@ void i18nPrepareICU() {
 
 const char* i18nCanonicalEncoding(const char* encoding) {
     UErrorCode status = U_ZERO_ERROR;
-    return ucnv_getAlias(encoding, 0, &status);
+    const char* const name = ucnv_getAlias(encoding, 0, &status);
+    return U_SUCCESS(status) ? name : nullptr;
 }

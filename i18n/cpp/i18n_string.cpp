@@ -115,7 +115,7 @@ I18NString::I18NString(const void* utf16, int byteLength, I18NStringAllocator al
     // The memory need not be aligned as units are.
     const char* bytes = static_cast<const char*>(utf16);
     const auto unit = [bytes](int i) {
-        char16_t value;
+        char16_t value = 0;
         std::memcpy(&value, bytes + std::ptrdiff_t{i} * 2, sizeof value);
         return value;
     };
@@ -387,7 +387,7 @@ bool I18NString::setShort(const char* bytes, const char* encoding, int length) {
 void I18NString::setBytes(const char* bytes, const char* encoding, int length) {
     const int newSize = length == -1 ? 0 : length;
     QBL_ASSERT(newSize >= 0);
-    if (bytes == nullptr) length = 0;
+    if (bytes == nullptr) bytes = "";
     if (i18nKeepsASCII(encoding)) {
         const std::size_t counted =
             length >= 0 ? static_cast<std::size_t>(length) : std::strlen(bytes);

@@ -85,7 +85,8 @@ public:
 
     /// Keep the allocator that the string has.
     I18NString& operator=(const I18NString& other);
-    I18NString& operator=(I18NString&& other);
+    // Strings with different allocators, or with a caller's buffer, are copied, which can fail.
+    I18NString& operator=(I18NString&& other);  // NOLINT(performance-noexcept-move-constructor)
     I18NString& operator=(const char* utf8);
     I18NString& operator=(const wchar_t* text);
     I18NString& operator=(wchar_t c);
@@ -306,7 +307,10 @@ private:
     void setConverted(const char* bytes, const I18NConverter& converter, int length);
     void setBytes(const char* bytes, const char* encoding, int length);
     void decodeUTF8(const char* bytes, int length);
+    void put(int offset, int count, const I18NTextView& text);
     void renormalize(int begin, int end);
+    bool holdsNonNormalizable() const;
+    void substituteJapanese();
     const char* bytes(const char* encoding, int* length, I18NStringAllocator allocator,
                       void* context) const;
     bool setShort(const char* bytes, const char* encoding, int length);

@@ -63,13 +63,7 @@ void I18NString::splice(I18NStringOffset offset, int count, const I18NTextView& 
 }
 
 void I18NString::spliceUnits(int offset, int count, const I18NTextView& text) {
-    const int length = m_unitLength, newLength = length - count + text.length();
-    reserveUnits(newLength);
-    openGap(m_pCodeUnits, length, offset, count, text.length());
-    text.copyTo(m_pCodeUnits + offset);
-    m_unitLength = newLength;
-    alias();
-    changed();
+    put(offset, count, text);
     renormalize(offset, offset + text.length());
 }
 

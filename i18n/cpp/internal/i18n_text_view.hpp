@@ -83,7 +83,7 @@ public:
 private:
     static constexpr int kSmall = 64;
 
-    char16_t m_small[kSmall];
+    char16_t m_small[kSmall] = {};
     std::unique_ptr<char16_t[]> m_pLarge;
     int m_length = 0;
 };

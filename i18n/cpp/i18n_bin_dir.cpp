@@ -1,0 +1,83 @@
+#include "i18n/cpp/internal/i18n_bin_dir.hpp"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "QBLCore/Exceptions/QBLAllocation.hpp"
+#include "QBLCore/FileManagement/QBLFmDir.hpp"
+#include "QBLCore/FileManagement/internal/QBLFmSetting.hpp"
+#include "QBLCore/Frame/internal/QBLImmortal.hpp"
+#include "i18n/cpp/internal/i18n_text_file.hpp"
+
+namespace {
+
+struct BinDir : QBLFmSetting {};
+
+constexpr unsigned short kReadableFile = S_IFREG | S_IRUSR;
+constexpr std::size_t kLongestLink = 4096;
+
+std::string joined(std::string base, const char* relative) {
+    QBLFmDir::joinPath(base, relative);
+    return base;
+}
+
+std::string environment(const char* name) {
+    const char* value = std::getenv(name);
+    return value != nullptr ? value : "";
+}
+
+std::string binBelow(const std::string& root) {
+    return root.empty() ? root : joined(root, "./bin");
+}
+
+std::string named() { return environment("TAV_EXEC_PATH"); }
+
+std::string belowRoot() { return binBelow(environment("TAV_ROOT")); }
+
+std::string besideLibrary() {
+    const std::string path = environment("LD_LIBRARY_PATH");
+    for (std::size_t begin = 0; begin < path.size();) {
+        const std::size_t end = std::min(path.find(':', begin), path.size());
+        std::string entry = path.substr(begin, end - begin);
+        begin = end + 1;
+        if (!entry.empty() &&
+            QBLFmDir::exists(joined(entry, "libQBLCore.so").c_str(), kReadableFile))
+            return entry;
+    }
+    return "";
+}
+
+std::string besideConfiguration() {
+    return QBLFmDir::exists("../configuration/tavstartup.xml", kReadableFile) ? "../bin" : "";
+}
+
+std::string linked() {
+    std::string line;
+    if (!I18NTextFile("./tavroot.link").readLine(line)) return "";
+    line.resize(std::min(line.size(), kLongestLink));
+    line.erase(line.find_last_not_of(" \t\r") + 1);
+    return binBelow(line);
+}
+
+}  // namespace
+
+void determineBinDir() {
+    QBL_ALLOC_TRY
+    BinDir& binDir = qblImmortal<BinDir>();
+    if (binDir.get()) return;
+    for (const auto find : {named, belowRoot, besideLibrary, besideConfiguration, linked}) {
+        const std::string found = find();
+        if (found.empty()) continue;
+        binDir.set(found.c_str());
+        return;
+    }
+    QBL_ALLOC_CATCH
+}
+
+std::string i18nBinDir() { return qblImmortal<BinDir>().get().value_or(""); }
+
+std::string i18nResolveBinDir(const std::string& path) {
+    return path.compare(0, 2, "$@") == 0 ? joined(i18nBinDir(), path.c_str() + 2) : path;
+}

@@ -1,0 +1,55 @@
+#include "i18n/cpp/i18n_init.h"
+
+#include "QBLCore/Exceptions/QBLAllocation.hpp"
+#include "QBLCore/Frame/internal/QBLImmortal.hpp"
+#include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
+#include "QBLCore/Threads/QBLThreadGuard.hpp"
+#include "i18n/cpp/i18n_internal_resources.hpp"
+#include "i18n/cpp/i18n_locale.hpp"
+#include "i18n/cpp/internal/i18n_holders.hpp"
+
+namespace {
+
+/// The count of starts and the lock over the whole of each start and stop.
+struct Layer {
+    QBLThreadCriticalSection lock{0};
+    int starts QBL_GUARDED_BY(lock) = 0;
+};
+
+void start() {
+    I18NInternalResources::setDataDirectoryPath();
+    I18NInternalResources::getInternalResForTesting().loadSequenceTable();
+    xI18NGetDefaultLocaleName();  // so that ICU determines it once, here
+    i18nCreateConverters();
+    i18nSetInitialized(true);
+}
+
+/// Stops what is started of the layer, under its lock; the reverse of start().
+void stop() {
+    i18nSetInitialized(false);
+    i18nDeleteConverters();
+    I18NInternalResources::getInternalResForTesting().release();
+}
+
+}  // namespace
+
+void I18NInitialize() {
+    Layer& layer = qblImmortal<Layer>();
+    QBLThreadGuard guard(layer.lock);
+    if (layer.starts == 0) {
+        try {
+            start();
+        } catch (...) {
+            stop();
+            qblRethrowTranslated(QBL_HERE);
+        }
+    }
+    ++layer.starts;
+}
+
+void I18NTerminate() {
+    Layer& layer = qblImmortal<Layer>();
+    QBLThreadGuard guard(layer.lock);
+    if (layer.starts == 0 || --layer.starts > 0) return;
+    stop();
+}

@@ -1,0 +1,166 @@
+#include "i18n/cpp/i18n_internal_resources.hpp"
+
+#include <unicode/putil.h>
+#include <unicode/udata.h>
+#include <unicode/utf16.h>
+
+#include <algorithm>
+#include <cwchar>
+#include <mutex>
+
+#include "QBLCore/Exceptions/QBLAllocation.hpp"
+#include "QBLCore/Frame/internal/QBLImmortal.hpp"
+#include "i18n/cpp/internal/i18n_bin_dir.hpp"
+#include "i18n/cpp/internal/i18n_internal_data.hpp"
+
+namespace {
+
+const char kResourceFile[] = "./i18n_res.xml";
+
+/// The path of the resource file.
+struct ResPath {
+    QBLThreadCriticalSection lock{0};
+    std::string path QBL_GUARDED_BY(lock) = std::string("$@") + kResourceFile;
+
+    std::string get() {
+        QBLThreadGuard guard(lock);
+        return path;
+    }
+};
+
+struct Instance : I18NInternalResources {};
+
+bool contains(const std::vector<char32_t>& sorted, char32_t codePoint) {
+    return std::binary_search(sorted.begin(), sorted.end(), codePoint);
+}
+
+}  // namespace
+
+const I18NSettings& I18NInternalResources::Data::settings() const {
+    const I18NSettings* now = loaded.load(std::memory_order_acquire);
+    return now != nullptr ? *now : qblImmortal<I18NSettings>();
+}
+
+I18NInternalResources::I18NInternalResources() : m_data(qblImmortal<Data>()) {}
+
+I18NInternalResources& I18NInternalResources::getInternalResForTesting() {
+    QBL_ALLOC_TRY
+    return qblImmortal<Instance>();
+    QBL_ALLOC_CATCH
+}
+
+void I18NInternalResources::setDataDirectoryPath() {
+    determineBinDir();
+    const std::string binDir = getDataDirectoryPath();
+    if (binDir.empty()) return;
+    // Once: other threads may be reading the name of the directory that another call would free.
+    static std::once_flag named;
+    std::call_once(named, [&] {
+        UErrorCode error = U_ZERO_ERROR;
+        udata_setFileAccess(UDATA_PACKAGES_FIRST, &error);
+        u_setDataDirectory(binDir.c_str());
+    });
+}
+
+std::string I18NInternalResources::getDataDirectoryPath() {
+    QBL_ALLOC_TRY
+    return i18nBinDir();
+    QBL_ALLOC_CATCH
+}
+
+// NOLINTNEXTLINE(bugprone-reserved-identifier): see the declaration
+void I18NInternalResources::__changeResourceFileName(const char* name) {
+    if (name == nullptr) return;
+    QBL_ALLOC_TRY
+    ResPath& resPath = qblImmortal<ResPath>();
+    QBLThreadGuard guard(resPath.lock);
+    const std::size_t at = resPath.path.find(kResourceFile);
+    if (at != std::string::npos) resPath.path.replace(at, sizeof kResourceFile - 1, name);
+    QBL_ALLOC_CATCH
+}
+
+void I18NInternalResources::loadSequenceTable() {
+    QBL_ALLOC_TRY
+    const std::string path = i18nResolveBinDir(qblImmortal<ResPath>().get());
+    auto settings = I18NSettings::load(path, I18NReplacementTables::instance());
+    if (settings == nullptr) return;
+    m_data.replaceScaledZero = settings->replaceScaledZero;
+    m_data.negativeZero = settings->negativeZero;
+    delete m_data.loaded.exchange(settings.release());
+    QBL_ALLOC_CATCH
+}
+
+void I18NInternalResources::release() {
+    delete m_data.loaded.exchange(nullptr);
+    m_data.replaceScaledZero = false;
+    m_data.negativeZero = false;
+    I18NReplacementTables::instance().clear();
+    {
+        QBLThreadGuard guard(m_data.lock);
+        m_data.xmlEntities.made.reset();
+        m_data.urlEncoding.made.reset();
+        m_data.locales.clear();
+        m_data.timeZoneIDs.clear();
+    }
+    m_data.maps.clear();
+}
+
+float I18NInternalResources::getUTF8BytesPerCodePoints() const {
+    return m_data.settings().utf8BytesPerCodePoint;
+}
+
+bool I18NInternalResources::isAllowReplaceScaledZero() const { return m_data.replaceScaledZero; }
+
+void I18NInternalResources::setAllowReplaceScaledZero(bool allow) {
+    m_data.replaceScaledZero = allow;
+}
+
+bool I18NInternalResources::isAllowNegativeZero() const { return m_data.negativeZero; }
+
+void I18NInternalResources::setAllowNegativeZero(bool allow) { m_data.negativeZero = allow; }
+
+bool I18NInternalResources::isNonNormalizable(const wchar_t* text) const {
+    const std::vector<char32_t>& all = m_data.settings().nonNormalizable;
+    if (text == nullptr || all.empty()) return false;
+    return std::any_of(text, text + std::wcslen(text), [&all](wchar_t character) {
+        return contains(all, static_cast<char32_t>(character));
+    });
+}
+
+bool I18NInternalResources::isNonNormalizable(std::u16string_view text) const {
+    const std::vector<char32_t>& all = m_data.settings().nonNormalizable;
+    if (all.empty()) return false;
+    for (std::size_t i = 0; i < text.size();) {
+        char32_t codePoint;
+        U16_NEXT(text.data(), i, text.size(), codePoint);
+        if (contains(all, codePoint)) return true;
+    }
+    return false;
+}
+
+char32_t I18NInternalResources::getJaSubstitution(char32_t codePoint) const {
+    const auto& all = m_data.settings().jaSubstitutions;
+    const auto found = all.find(codePoint);
+    return found != all.end() ? found->second : codePoint;
+}
+
+bool I18NInternalResources::substituteJa(std::u16string& text) const {
+    if (m_data.settings().jaSubstitutions.empty()) return false;
+    QBL_ALLOC_TRY
+    bool any = false;
+    for (std::size_t i = 0; i < text.size();) {
+        const std::size_t begin = i;
+        char32_t codePoint;
+        U16_NEXT(text.data(), i, text.size(), codePoint);
+        const char32_t other = getJaSubstitution(codePoint);
+        if (other == codePoint) continue;
+        char16_t units[U16_MAX_LENGTH];
+        std::size_t length = 0;
+        U16_APPEND_UNSAFE(units, length, other);
+        text.replace(begin, i - begin, units, length);
+        i = begin + length;
+        any = true;
+    }
+    return any;
+    QBL_ALLOC_CATCH
+}

@@ -1,0 +1,50 @@
+#ifndef I18N_CPP_I18N_LOCALE_HPP
+#define I18N_CPP_I18N_LOCALE_HPP
+
+#include <string>
+
+#include "QBLCore/Frame/QBLExport.h"
+
+/// A language with, as far as they are given, a country and a variant.
+///
+/// Threads: any thread may read one; changing one is not synchronised.
+class QBL_API I18NLocale {
+public:
+    /// The process's default locale.
+    I18NLocale();
+    /// @param id  like "en_US", "en-US" or "en_US.UTF-8", of which the encoding is dropped; null or
+    ///     empty means the default locale.
+    /// @throws QBLOutOfMemoryError
+    explicit I18NLocale(const char* id);
+    /// @param country, variant  null or empty for none
+    I18NLocale(const char* language, const char* country, const char* variant = nullptr);
+    I18NLocale(const I18NLocale& other);
+    I18NLocale& operator=(const I18NLocale& other);
+    ~I18NLocale();
+
+    bool operator==(const I18NLocale& other) const;
+    bool operator!=(const I18NLocale& other) const { return !(*this == other); }
+
+    /// In lower case, of two or three letters as a rule.
+    const char* getLanguage() const;
+    /// In upper case; empty if there is none.
+    const char* getCountry() const;
+    /// In upper case; empty if there is none.
+    const char* getVariant() const;
+    /// All of them, as in "fr_FR_EURO".
+    const char* getName() const;
+    /// Whether there is a language that consists of letters.
+    bool isValid() const;
+    /// The icu::Locale, owned by this object.
+    const void* getICULocale() const { return m_pLocale; }
+
+    static I18NLocale getDefault() { return I18NLocale(); }
+
+private:
+    void* m_pLocale;  // an icu::Locale
+};
+
+/// The name of the process's default locale.
+QBL_API std::string xI18NGetDefaultLocaleName();
+
+#endif

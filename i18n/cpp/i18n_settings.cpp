@@ -1,0 +1,209 @@
+#include "i18n/cpp/internal/i18n_settings.hpp"
+
+#include <strings.h>
+
+#include <algorithm>
+#include <optional>
+
+#include "i18n/cpp/internal/i18n_icu.hpp"
+#include "i18n/cpp/internal/i18n_resource_reader.hpp"
+
+namespace {
+
+constexpr float kMostBytesPerCodePoint = 4.0F;  // what UTF-8 needs at most
+constexpr std::size_t kLongestSequence = 32;    // what the converters' callbacks have room for
+
+bool isTrue(const std::string& word) { return strcasecmp(word.c_str(), "true") == 0; }
+
+std::optional<char32_t> codePointOf(const std::string& text) {
+    const auto number = i18nParseNumber(text, 0x10FFFF);
+    if (!number || (*number >= 0xD800 && *number <= 0xDFFF)) return std::nullopt;
+    return static_cast<char32_t>(*number);
+}
+
+/// A list of byte values as the bytes; nothing if an item is no byte or they are too many.
+std::optional<std::string> bytesOf(const std::string& list) {
+    std::string bytes;
+    for (const std::string& item : i18nSplitList(list)) {
+        const auto byte = i18nParseNumber(item, 0xFF);
+        if (!byte || bytes.size() == kLongestSequence) return std::nullopt;
+        bytes += static_cast<char>(*byte);
+    }
+    return bytes;
+}
+
+/// Goes through the elements of a file, with what the ones around the current one said.
+class Loader {
+public:
+    Loader(I18NSettings& settings, I18NReplacementTables& tables)
+        : m_settings(settings), m_tables(tables) {}
+
+    void load(I18NResourceReader& reader);
+
+private:
+    enum class Direction { None, Input, Output };
+    using Read = void (Loader::*)(const I18NResourceReader&);
+    struct Element {
+        std::string_view name;
+        Read read;
+    };
+    static const Element kElements[];
+
+    static std::string valueOf(const I18NResourceReader& reader) {
+        return reader.getXMLElementValue().value_or("");
+    }
+
+    void endTable(const I18NResourceReader& reader) {
+        endEncoding(reader);
+        m_direction = Direction::None;
+    }
+    void beginInput(const I18NResourceReader& reader) {
+        endTable(reader);
+        m_direction = Direction::Input;
+    }
+    void beginOutput(const I18NResourceReader& reader) {
+        endTable(reader);
+        m_direction = Direction::Output;
+    }
+    void beginEncoding(const I18NResourceReader& reader) {
+        endEncoding(reader);
+        for (const std::string& name : i18nSplitList(valueOf(reader)))
+            if (const char* canonical = i18nCanonicalEncoding(name.c_str()))
+                m_encodings.emplace_back(canonical);
+    }
+    void endEncoding(const I18NResourceReader& reader) {
+        m_encodings.clear();
+        endSequence(reader);
+    }
+    void beginSequence(const I18NResourceReader& reader) {
+        m_sequence = reader.getXMLElementValue();
+    }
+    void endSequence(const I18NResourceReader&) { m_sequence.reset(); }
+
+    void addReplacement(const I18NResourceReader& reader) {
+        const std::optional<std::string> value = reader.getXMLElementValue();
+        if (!m_sequence || !value) return;
+        if (m_direction == Direction::Input) addInput(*value);
+        if (m_direction == Direction::Output) addOutput(*value);
+    }
+    void addInput(const std::string& value) {
+        const auto bytes = bytesOf(*m_sequence);
+        const auto codePoint = codePointOf(value);
+        if (!bytes || bytes->empty() || !codePoint) return;
+        for (const std::string& encoding : m_encodings)
+            m_tables.addInput(encoding, *bytes, *codePoint);
+    }
+    void addOutput(const std::string& value) {
+        const auto codePoint = codePointOf(*m_sequence);
+        const auto bytes = bytesOf(value);
+        if (!codePoint || !bytes) return;
+        for (const std::string& encoding : m_encodings)
+            m_tables.addOutput(encoding, *codePoint, *bytes);
+    }
+
+    void readJaSubstitution(const I18NResourceReader& reader) {
+        const auto from = codePointOf(reader.getXMLElementAttribute("from").value_or(""));
+        const auto to = codePointOf(reader.getXMLElementAttribute("to").value_or(""));
+        if (from && to) m_settings.jaSubstitutions[*from] = *to;
+    }
+    void readNonNormalizable(const I18NResourceReader& reader) {
+        std::vector<char32_t>& all = m_settings.nonNormalizable;
+        for (const std::string& item : i18nSplitList(valueOf(reader)))
+            if (const auto codePoint = codePointOf(item)) all.push_back(*codePoint);
+        std::sort(all.begin(), all.end());
+    }
+    void readScaledZero(const I18NResourceReader& reader) {
+        // Without a value of its own it leaves the word to an allowReplace element.
+        if (const auto value = reader.getXMLElementValue())
+            m_settings.replaceScaledZero = isTrue(*value);
+    }
+    void readNegativeZero(const I18NResourceReader& reader) {
+        m_settings.negativeZero = isTrue(valueOf(reader));
+    }
+    void readBytesPerCodePoint(const I18NResourceReader& reader) {
+        const double value = i18nParseReal(valueOf(reader));
+        if (value > 0.0)
+            m_settings.utf8BytesPerCodePoint =
+                static_cast<float>(std::min<double>(value, kMostBytesPerCodePoint));
+    }
+
+    void beginLocale(const I18NResourceReader& reader) {
+        const std::string name = valueOf(reader);
+        m_pLocale = name.empty() ? nullptr : &m_settings.locales[name];
+    }
+    void endLocale(const I18NResourceReader&) { m_pLocale = nullptr; }
+    void readInUse(const I18NResourceReader& reader) {
+        if (m_pLocale != nullptr) m_pLocale->inUse = isTrue(valueOf(reader));
+    }
+    void readLCID(const I18NResourceReader& reader) {
+        const auto lcid = i18nParseNumber(valueOf(reader), 0xFFFF);
+        if (m_pLocale != nullptr && lcid) m_pLocale->lcid = static_cast<unsigned short>(*lcid);
+    }
+    void readDefaultVariant(const I18NResourceReader& reader) {
+        if (m_pLocale != nullptr) m_pLocale->defaultVariant = valueOf(reader);
+    }
+    void readCSVEncoding(const I18NResourceReader& reader) {
+        const std::string name = valueOf(reader);
+        if (m_pLocale != nullptr && i18nCanonicalEncoding(name.c_str()) != nullptr)
+            m_pLocale->csvEncoding = name;
+    }
+    // Known, so that files may have it; there is only one way to manage memory.
+    void skip(const I18NResourceReader&) {}
+
+    I18NSettings& m_settings;
+    I18NReplacementTables& m_tables;
+    Direction m_direction = Direction::None;
+    std::vector<std::string> m_encodings;   // canonical names
+    std::optional<std::string> m_sequence;  // as it is written
+    I18NLocaleSettings* m_pLocale = nullptr;
+};
+
+const Loader::Element Loader::kElements[] = {
+    {"input", &Loader::beginInput},
+    {"/input", &Loader::endTable},
+    {"output", &Loader::beginOutput},
+    {"/output", &Loader::endTable},
+    {"encoding", &Loader::beginEncoding},
+    {"/encoding", &Loader::endEncoding},
+    {"sequence", &Loader::beginSequence},
+    {"/sequence", &Loader::endSequence},
+    {"replacement", &Loader::addReplacement},
+    {"ja_substitution", &Loader::readJaSubstitution},
+    {"nonNormalizableCharacters", &Loader::readNonNormalizable},
+    {"replaceScaledZeroNumbers", &Loader::readScaledZero},
+    {"allowReplace", &Loader::readScaledZero},
+    {"allowNegativeZero", &Loader::readNegativeZero},
+    {"UTF8BytesPerCodePoint", &Loader::readBytesPerCodePoint},
+    {"locale", &Loader::beginLocale},
+    {"/locale", &Loader::endLocale},
+    {"inUse", &Loader::readInUse},
+    {"lcid", &Loader::readLCID},
+    {"defaultVariant", &Loader::readDefaultVariant},
+    {"csvEncoding", &Loader::readCSVEncoding},
+    {"memoryManagement", &Loader::skip},
+};
+
+void Loader::load(I18NResourceReader& reader) {
+    while (reader.next()) {
+        const std::string_view name = reader.getXMLElement();
+        for (const Element& element : kElements)
+            if (element.name == name) (this->*element.read)(reader);
+    }
+}
+
+}  // namespace
+
+const I18NLocaleSettings* I18NSettings::find(const std::string& locale) const {
+    const auto found = locales.find(locale);
+    return found != locales.end() && found->second.inUse ? &found->second : nullptr;
+}
+
+std::unique_ptr<const I18NSettings> I18NSettings::load(const std::string& path,
+                                                       I18NReplacementTables& tables) {
+    I18NResourceReader reader(path.c_str());
+    if (!reader.isOpen()) return nullptr;
+    tables.clear();
+    auto settings = std::make_unique<I18NSettings>();
+    Loader(*settings, tables).load(reader);
+    return settings;
+}

@@ -1,0 +1,474 @@
+#include <gtest/gtest.h>
+#include <unicode/translit.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "i18n/cpp/i18n_errors.hpp"
+#include "i18n/cpp/i18n_internal_resources.hpp"
+#include "tests/support/Child.hpp"
+#include "tests/support/FaultInjection.hpp"
+#include "tests/support/TempTree.hpp"
+#include "tests/support/ThrowChecks.hpp"
+#include "tests/support/Workers.hpp"
+
+namespace {
+
+I18NInternalResources& resources() { return I18NInternalResources::getInternalResForTesting(); }
+
+/// Works in a directory of its own, with a resource file there.
+class I18NResourcesTest : public testing::Test {
+protected:
+    I18NResourcesTest() : m_before(std::filesystem::current_path()) {
+        std::filesystem::current_path(m_tree.root());
+        // The name can be changed once; the second test of a process finds it changed.
+        I18NInternalResources::__changeResourceFileName("./res.xml");
+    }
+    ~I18NResourcesTest() override {
+        resources().release();
+        std::filesystem::current_path(m_before);
+    }
+
+    void load(const std::string& text) {
+        m_tree.file("res.xml", text);
+        resources().loadSequenceTable();
+    }
+    static std::string inputOf(const char* encoding, std::string bytes) {
+        wchar_t character = 0;
+        I18NErrorCodes error = I18N_UNEXPECTED;
+        const bool found = resources().getReplacementSequence(
+            encoding, reinterpret_cast<unsigned char*>(bytes.data()),
+            static_cast<int>(bytes.size()), &character, &error);
+        return (found ? "" : "none ") + std::to_string(character) + " " + std::to_string(error);
+    }
+    static std::string outputOf(const char* encoding, wchar_t character) {
+        unsigned char* bytes = nullptr;
+        int length = -1;
+        I18NErrorCodes error = I18N_UNEXPECTED;
+        const bool found =
+            resources().getReplacementSequence(encoding, character, &bytes, &length, &error);
+        EXPECT_EQ(found, bytes != nullptr);
+        if (!found) return "none " + std::to_string(length) + " " + std::to_string(error);
+        return std::string(reinterpret_cast<char*>(bytes), static_cast<std::size_t>(length));
+    }
+
+    TempTree m_tree;
+
+private:
+    std::filesystem::path m_before;
+};
+
+std::u16string transliterated(const void* transliterator, const std::u16string& text) {
+    icu::UnicodeString copy(text.data(), static_cast<int>(text.size()));
+    static_cast<const icu::Transliterator*>(transliterator)->transliterate(copy);
+    return std::u16string(copy.getBuffer(), static_cast<std::size_t>(copy.length()));
+}
+
+}  // namespace
+
+TEST_F(I18NResourcesTest, TheBinDirectoryIsTheFirstThatSomethingNames) {
+    const std::string lib = m_tree.dir("lib");
+    m_tree.dir("none");
+    m_tree.dir("configuration");
+    const std::string work = m_tree.dir("work");
+    m_tree.file("lib/libQBLCore.so");
+    const std::string path = "::" + m_tree("none") + "::" + lib + ":";
+    const std::string notThere = m_tree("none");
+    struct Row {
+        const char *exec, *root, *path;
+        bool configuration;
+        const char* link;
+        std::string expected;
+    };
+    const Row rows[] = {
+        {"/exec", "/root", path.c_str(), true, "/link", "/exec"},
+        {"", "/root", path.c_str(), true, "/link", "/root/./bin"},
+        {nullptr, "", path.c_str(), true, "/link", lib},
+        {nullptr, nullptr, notThere.c_str(), true, "/link", "../bin"},
+        {nullptr, nullptr, nullptr, false, "/link \r\n/other\n", "/link/./bin"},
+        {nullptr, nullptr, nullptr, false, "\n/other\n", ""},
+        {nullptr, nullptr, nullptr, false, nullptr, ""},
+    };
+    const auto set = [](const char* name, const char* value) {
+        value != nullptr ? setenv(name, value, 1) : unsetenv(name);
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(
+            0, inChild([&] {
+                std::filesystem::current_path(work);
+                set("TAV_EXEC_PATH", row.exec);
+                set("TAV_ROOT", row.root);
+                set("LD_LIBRARY_PATH", row.path);
+                if (row.configuration) m_tree.file("configuration/tavstartup.xml");
+                if (row.link != nullptr) m_tree.file("work/tavroot.link", row.link);
+                I18NInternalResources::setDataDirectoryPath();
+                const std::string found = I18NInternalResources::getDataDirectoryPath();
+                set("TAV_EXEC_PATH", "/later");
+                I18NInternalResources::setDataDirectoryPath();
+                const std::string later = I18NInternalResources::getDataDirectoryPath();
+                return found == row.expected && later == (found.empty() ? "/later" : found) ? 0 : 1;
+            }))
+            << row.expected;
+        std::filesystem::remove(m_tree("configuration/tavstartup.xml"));
+        std::filesystem::remove(m_tree("work/tavroot.link"));
+    }
+}
+
+TEST_F(I18NResourcesTest, TheResourceFileIsInTheBinDirectory) {
+    m_tree.dir("bin");
+    m_tree.file("bin/res.xml", "<allowNegativeZero value=\"true\"/>\n");
+    EXPECT_EQ(0, inChild([&] {
+                  setenv("TAV_EXEC_PATH", m_tree("bin").c_str(), 1);
+                  I18NInternalResources::setDataDirectoryPath();
+                  resources().loadSequenceTable();
+                  return resources().isAllowNegativeZero() ? 0 : 1;
+              }));
+    resources().loadSequenceTable();
+    EXPECT_FALSE(resources().isAllowNegativeZero()) << "there is none in the working directory";
+}
+
+TEST_F(I18NResourcesTest, SettingsAreTakenAsFarAsTheyMakeSense) {
+    struct Row {
+        std::string text;
+        float bytes;
+        bool scaled, negative;
+    };
+    const std::string tooLong = "<allowNegativeZero value=\"true\"" + std::string(1 << 20, ' ');
+    const Row rows[] = {
+        {"<UTF8BytesPerCodePoint value=\"3.25\"/>", 3.25F, false, false},
+        {"<UTF8BytesPerCodePoint value=\"7\"/>", 4.0F, false, false},
+        {"<UTF8BytesPerCodePoint value=\"0\"/>", 2.5F, false, false},
+        {"<UTF8BytesPerCodePoint value=\"-1\"/>", 2.5F, false, false},
+        {"<UTF8BytesPerCodePoint value=\"much\"/>", 2.5F, false, false},
+        {"<UTF8BytesPerCodePoint value=\"nan\"/>", 2.5F, false, false},
+        {"<UTF8BytesPerCodePoint value=\"3", 2.5F, false, false},
+        {"<UTF8BytesPerCodePoint", 2.5F, false, false},
+        {"<allowNegativeZero value=\"TRUE\"/>", 2.5F, false, true},
+        {"<allowNegativeZero value=\"yes\"/>", 2.5F, false, false},
+        {"<replaceScaledZeroNumbers allowReplace=\"True\"/>", 2.5F, true, false},
+        {"<replaceScaledZeroNumbers>\n<allowReplace value=\"true\"/>", 2.5F, true, false},
+        {"\xEF\xBB\xBF<allowNegativeZero value=\"true\"/>\r\n", 2.5F, false, true},
+        {"  < allowNegativeZero\tvalue = \"true\" />", 2.5F, false, true},
+        {"<!-- <allowNegativeZero value=\"true\"/> -->", 2.5F, false, false},
+        {"<!--\n<allowNegativeZero value=\"true\"/>\n-->\n<allowReplace value=\"true\"/>", 2.5F,
+         true, false},
+        {tooLong + "/>\n<allowReplace value=\"true\"/>", 2.5F, true, false},
+        {std::string("<\n<>\n</>\n\0<a\n<\"\n<=\"\"", 20), 2.5F, false, false},
+    };
+    for (const Row& row : rows) {
+        load(row.text);
+        EXPECT_EQ(row.bytes, resources().getUTF8BytesPerCodePoints()) << row.text.substr(0, 99);
+        EXPECT_EQ(row.scaled, resources().isAllowReplaceScaledZero()) << row.text.substr(0, 99);
+        EXPECT_EQ(row.negative, resources().isAllowNegativeZero()) << row.text.substr(0, 99);
+    }
+    std::filesystem::remove(m_tree("res.xml"));
+    resources().setAllowNegativeZero(true);
+    resources().loadSequenceTable();
+    EXPECT_TRUE(resources().isAllowNegativeZero()) << "a file that is not there changes nothing";
+}
+
+TEST_F(I18NResourcesTest, ReplacementsAreFoundInBothDirections) {
+    load(R"(<input>
+<encoding name="Shift_JIS; US-ASCII;no-such-encoding">
+<sequence value="0x81;0x60">
+<replacement value="0xFF5E"/>
+</sequence>
+<sequence value="300">
+<replacement value="0x41"/>
+</sequence>
+<sequence value="0x80">
+<replacement value="0x110000"/>
+<replacement value="0xD800"/>
+<replacement value=""/>
+<replacement/>
+</sequence>
+<replacement value="0x42"/>
+</encoding>
+</input>
+<output>
+<encoding name="windows-1252">
+<sequence value="0x2212">
+<replacement value="0x2D;45"/>
+</sequence>
+<sequence value="0x1F600">
+<replacement value=""/>
+</sequence>
+<sequence value="0x41;0x42">
+<replacement value="0x43"/>
+</sequence>
+<sequence value="0x43">
+<replacement value="1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1"/>
+</sequence>
+</encoding>
+</output>
+<sequence value="0x44">
+<replacement value="0x45"/>
+)");
+    EXPECT_EQ("65374 0", inputOf("ibm-943_P15A-2003", "\x81\x60"));
+    EXPECT_EQ("65374 0", inputOf("ascii", "\x81\x60")) << "by any name of the encoding";
+    EXPECT_EQ("none 65535 0", inputOf("ascii", "\x81"));
+    EXPECT_EQ("none 65535 0", inputOf("ascii", "\x80"));
+    EXPECT_EQ("none 65535 -3", inputOf("no-such-encoding", "\x81\x60"));
+    EXPECT_EQ("none 65535 -10", inputOf(nullptr, "\x81\x60"));
+    EXPECT_EQ("--", outputOf("cp1252", 0x2212));
+    EXPECT_EQ("", outputOf("cp1252", 0x1F600)) << "dropped";
+    for (const wchar_t none : {0x41, 0x42, 0x43, 0x44, 0xFF5E})
+        EXPECT_EQ("none 0 0", outputOf("cp1252", none)) << none;
+    load("<input/>");
+    EXPECT_EQ("none 65535 0", inputOf("ascii", "\x81\x60")) << "a new file has all that counts";
+}
+
+TEST_F(I18NResourcesTest, CharactersAreExemptAndSubstituted) {
+    load(
+        "<nonNormalizableCharacters value=\"0xFA10; 0x2F800;;x\"/>\n"
+        "<ja_substitution from=\"0x301C\" to=\"0xFF5E\"/>\n"
+        "<ja_substitution from=\"0x20BB7\" to=\"0x5409\"/>\n"
+        "<ja_substitution from=\"0x41\"/>\n");
+    EXPECT_TRUE(resources().isNonNormalizable(u"ab\uFA10"));
+    EXPECT_TRUE(resources().isNonNormalizable(u"\U0002F800"));
+    EXPECT_FALSE(resources().isNonNormalizable(u"ab\uFA11\xD87E"));
+    EXPECT_TRUE(resources().isNonNormalizable(L"\U0002F800"));
+    EXPECT_FALSE(resources().isNonNormalizable(L"ab"));
+    std::u16string text = u"A\u301C\U00020BB7B\u301C\xD842";
+    EXPECT_TRUE(resources().substituteJa(text));
+    EXPECT_EQ(u"A\uFF5E\u5409B\uFF5E\xD842", text);
+    EXPECT_FALSE(resources().substituteJa(text));
+}
+
+TEST_F(I18NResourcesTest, EntitiesAndURLsAreWhatTheTransliteratorsMakeOfThem) {
+    const std::u16string entities =
+        u"&amp;lt; &&lt;&gt;&amp;&apos;&quot; &LT; &#60; &lt &amp;amp; &quo &";
+    std::u16string text = entities;
+    I18NInternalResources::transliterate(text);
+    EXPECT_EQ(u"&lt; &<>&'\" &LT; &#60; &lt &amp; &quo &", text);
+    EXPECT_EQ(text, transliterated(resources().getTransliterator(), entities));
+
+    std::u16string ascii, encoded;
+    for (char16_t c = 0; c < 128; ++c) ascii += c;
+    ascii += u"\u00E9\U0001F600";
+    I18NInternalResources::urlEncode(ascii, encoded);
+    EXPECT_EQ(ascii.substr(0, 32) +
+                  u"%20!%34%23$%25&%5C()*+,-./0123456789:;%3C=%3E?@ABCDEFGHIJKLMNOPQRSTUVWXYZ"
+                  u"%5B\\%5D%5E_%60abcdefghijklmnopqrstuvwxyz%7B%7C%7D%7E\x7F\u00E9\U0001F600",
+              encoded);
+    EXPECT_EQ(encoded, transliterated(resources().getURLEncodeTranslit(), ascii));
+    EXPECT_EQ(resources().getURLEncodeTranslit(), resources().getURLEncodeTranslit());
+}
+
+TEST_F(I18NResourcesTest, TheMostSpecialFileOfALocaleCounts) {
+    const auto words = [this](const char* name, const char* word) {
+        m_tree.file(std::string("qbli18nreswd_") + name + ".xml",
+                    std::string("<noDescription value=\"") + word + "\"/>");
+    };
+    const auto word = [](const char* locale) {
+        return resources().getNoDescriptionWord(I18NLocale(locale));
+    };
+    EXPECT_EQ(u"No description", word("de_AT"));
+    resources().release();
+    words("en", "&lt;none&gt;");
+    words("fr", "aucune");
+    words("fr_FR",
+          "n\xC3\xA9"
+          "ant");
+    words("fr_FR_EURO", "bad \xC3 byte");
+    EXPECT_EQ(u"<none>", word("de_AT"));
+    EXPECT_EQ(u"aucune", word("fr_CA"));
+    EXPECT_EQ(u"n\u00E9ant", word("fr_FR_OTHER"));
+    EXPECT_EQ(u"bad \uFFFD byte", word("fr_FR_EURO"));
+    EXPECT_EQ(u"<none>", word("../../fr"));
+    words("fr", "later");
+    EXPECT_EQ(u"aucune", word("fr_BE")) << "read once";
+}
+
+TEST_F(I18NResourcesTest, MapsThatCannotBeFilledSaySo) {
+    const I18NLocale en("en");
+    std::string out;
+    std::u16string symbol;
+    QBL_EXPECT_THROW(resources().getSymbolForISOCode("EUR", en, symbol), I18NRuntimeError,
+                     "An error occured while populating the currency code to currency symbol map");
+    QBL_EXPECT_THROW(
+        resources().getNumbDecimPlacesForCurrency("EUR"), I18NRuntimeError,
+        "An error occured while populating the currency code to number of decimal places map");
+    QBL_EXPECT_THROW(resources().getISOCurrencyCodeForCountry("DE", out), I18NRuntimeError,
+                     "An error occured while populating the country to currency map");
+    QBL_EXPECT_THROW(resources().getDefaultLocaleForLanguage("de", out), I18NRuntimeError,
+                     "An error occured while populating the language to locale map");
+    EXPECT_EQ(u"No description", resources().getCurrencyDescription("EUR", en));
+    m_tree.file("qbli18nrescr_en.xml",
+                "<entry name=\"EUR\">\n<value symbol=\"E\" decimals=\"x\"/>\n</entry>\n"
+                "<value symbol=\"stray\"/>\n<entry name=\"USD\">\n<value decimals=\"2\"/>\n");
+    resources().release();
+    EXPECT_TRUE(resources().getSymbolForISOCode("EUR", en, symbol));
+    EXPECT_EQ(-1, resources().getNumbDecimPlacesForCurrency("EUR"));
+    EXPECT_EQ(2, resources().getNumbDecimPlacesForCurrency("USD"));
+    EXPECT_FALSE(resources().isISOCurrencyCodeValid("USD")) << "it has no symbol";
+}
+
+TEST_F(I18NResourcesTest, LocalesHaveSettingsAndEncodings) {
+    load(
+        "<locale name=\"de_DE\">\n<inUse value=\"true\"/>\n<lcid value=\"0x1234\"/>\n"
+        "<defaultVariant value=\"EURO\"/>\n<csvEncoding value=\"UTF-8\"/>\n</locale>\n"
+        "<locale name=\"de_AT\">\n<csvEncoding value=\"UTF-16\"/>\n</locale>\n"
+        "<lcid value=\"0x4321\"/>\n<locale>\n<inUse value=\"true\"/>\n"
+        "<locale name=\"ja_JP\">\n<inUse value=\"true\"/>\n<csvEncoding value=\"bogus\"/>\n");
+    const std::pair<const char*, const char*> encodings[] = {
+        {"de_DE", "UTF-8"},    {"de_AT", "windows-1252"}, {"ja_JP", "windows-31j"},
+        {"zh_SG", "GBK"},      {"zh_TW", "Big5"},         {"ko", "windows-949"},
+        {"th", "windows-874"}, {"ru_RU", "windows-1251"}, {"lv", "windows-1257"}};
+    for (const auto& [locale, encoding] : encodings)
+        EXPECT_EQ(encoding, resources().getEncodingForLocale(I18NLocale(locale))) << locale;
+    EXPECT_TRUE(resources().isLocaleModified(I18NLocale("de-DE.UTF-8")));
+    EXPECT_FALSE(resources().isLocaleModified(I18NLocale("de_AT")));
+    std::string id = "before";
+    EXPECT_FALSE(resources().getLocaleIdFroLCID(0xFFFF, id));
+    EXPECT_TRUE(resources().getLocaleIdFroLCID(0x1234, id) && id == "de_DE");
+    EXPECT_TRUE(resources().getLocaleIdFroLCID(0x0411, id) && id == "ja_JP");
+    m_tree.file("qbli18nreslc_en.xml",
+                "<langLocMappingTable>\n<entry name=\"de\">\n<value name=\"de_DE\"/>\n</entry>\n");
+    EXPECT_TRUE(resources().getDefaultLocaleForLanguage("de", id) && id == "de_DE_EURO");
+    EXPECT_FALSE(resources().getDefaultLocaleForLanguage("xx", id));
+    EXPECT_EQ("en-us", id);
+    I18NLocale* locales = nullptr;
+    int count = 0;
+    resources().getLocales(&locales, &count);
+    ASSERT_EQ(96, count);
+    EXPECT_STREQ("en_IE_PREEURO", locales[37].getName());
+    EXPECT_EQ(I18NLocale("es", "PY"), locales[95]);
+    wchar_t separator = 0;
+    const I18NLocale de("de"), en("en");
+    EXPECT_TRUE(resources().getListSeparator(&de, separator) && separator == L';');
+    EXPECT_TRUE(resources().getListSeparator(&en, separator) && separator == L',');
+}
+
+TEST_F(I18NResourcesTest, TheShippedFilesAreRead) {
+    std::filesystem::copy_file(QBL_RES_DIR "/i18n_res.xml", m_tree("res.xml"));
+    resources().loadSequenceTable();
+    EXPECT_EQ("\x81\x60", outputOf("Shift_JIS", 0x301C));
+    EXPECT_EQ("EUR", outputOf("latin1", 0x20AC));
+    EXPECT_EQ("8217 0", inputOf("ascii", "\x92"));
+    EXPECT_EQ(U'\uFF5E', resources().getJaSubstitution(0x301C));
+    EXPECT_TRUE(resources().isNonNormalizable(u"\uF929"));
+    std::string out;
+    EXPECT_TRUE(resources().getLocaleIdFroLCID(0x0414, out) && out == "no_NO");
+
+    std::filesystem::current_path(QBL_RES_DIR);
+    struct Row {
+        const char *locale, *none;
+        const char16_t *currency, *symbol, *years, *zone, *german;
+    };
+    const Row rows[] = {
+        {"en_GB", "No description", u"Japanese Yen", u"\u00A5", u"years", u"Central European Time",
+         u"German (Germany)"},
+        {"de", "Keine", u"Japanischer Yen", u"\u00A5", u"Jahre", u"Mitteleurop\u00E4ische Zeit",
+         u"Deutsch (Deutschland)"},
+        {"fr_CA", "Aucune", u"yen japonais", u"JPY", u"ans", u"heure d\u2019Europe centrale",
+         u"allemand (Allemagne)"},
+        {"ja_JP", "", u"\u65E5\u672C\u5186", u"\uFFE5", u"\u5E74",
+         u"\u4E2D\u592E\u30E8\u30FC\u30ED\u30C3\u30D1\u6642\u9593",
+         u"\u30C9\u30A4\u30C4\u8A9E (\u30C9\u30A4\u30C4)"},
+        {"es", "Sin", u"yen", u"JPY", u"a\u00F1os", u"hora de Europa central",
+         u"alem\u00E1n (Alemania)"},
+    };
+    for (const Row& row : rows) {
+        const I18NLocale locale(row.locale);
+        std::u16string text;
+        EXPECT_EQ(row.currency, resources().getCurrencyDescription("JPY", locale)) << row.locale;
+        EXPECT_TRUE(resources().getSymbolForISOCode("JPY", locale, text));
+        EXPECT_EQ(row.symbol, text) << row.locale;
+        EXPECT_EQ(row.years, resources().getTimePeriodResources(locale).find("years")->second);
+        EXPECT_TRUE(resources().getTimeZoneDescription("Europe/Berlin", locale, text));
+        EXPECT_EQ(row.zone, text) << row.locale;
+        EXPECT_TRUE(resources().getLocaleDescription(I18NLocale("de_DE"), locale, text));
+        EXPECT_EQ(row.german, text) << row.locale;
+        const std::u16string none(row.none, row.none + std::strlen(row.none));
+        EXPECT_EQ(none, resources().getCurrencyDescription("???", locale).substr(0, none.size()));
+    }
+    std::u16string text;
+    I18NLocale* locales = nullptr;
+    int count = 0;
+    resources().getLocales(&locales, &count);
+    for (int i = 0; i < count; ++i)
+        EXPECT_TRUE(resources().getLocaleDescription(locales[i], I18NLocale("ja"), text)) << i;
+    EXPECT_EQ(0, resources().getNumbDecimPlacesForCurrency("JPY"));
+    EXPECT_EQ(-1, resources().getNumbDecimPlacesForCurrency("jpy"));
+    EXPECT_TRUE(resources().isISOCurrencyCodeValid("XAU"));
+    EXPECT_FALSE(resources().isISOCurrencyCodeValid("???"));
+    EXPECT_TRUE(resources().getISOCurrencyCodeForCountry("CH", out) && out == "CHF");
+    EXPECT_TRUE(resources().getCurrencyMapping("DEM", out) && out == "EUR");
+    EXPECT_FALSE(resources().getCurrencyMapping("EUR", out));
+    EXPECT_TRUE(resources().getCurrencyCodeForLCID(0x0407, out) && out == "EUR");
+    unsigned short lcid = 0;
+    EXPECT_TRUE(resources().getLCIDForCurrencyCode("JPY", lcid) && lcid == 0x0411);
+    EXPECT_FALSE(resources().getLCIDForCurrencyCode("???", lcid));
+    EXPECT_TRUE(resources().getDefaultLocaleForLanguage("ja", out) && out == "ja_JP");
+    const char* const* zones = resources().getTimeZoneIDs(count);
+    EXPECT_TRUE(std::is_sorted(zones, zones + count,
+                               [](const char* a, const char* b) { return std::strcmp(a, b) < 0; }));
+    for (int i = 0; i < count; ++i)
+        EXPECT_TRUE(resources().getTimeZoneDescription(zones[i], I18NLocale("ja"), text));
+    for (const int offset : {-5, -6, -7, -8, -10}) {
+        const char* zone = I18NInternalResources::getFallbackTimeZoneID(offset);
+        EXPECT_TRUE(resources().getTimeZoneDescription(zone, I18NLocale("en"), text)) << zone;
+    }
+    EXPECT_STREQ("US/Eastern", I18NInternalResources::getCompatibilityTimeZoneID("EST"));
+    EXPECT_STREQ("Asia/Tokyo", I18NInternalResources::getCompatibilityTimeZoneID("Asia/Tokyo"));
+    EXPECT_EQ(nullptr, I18NInternalResources::getFallbackTimeZoneID(1));
+}
+
+TEST_F(I18NResourcesTest, DamagedFilesAreReadAsFarAsTheyGo) {
+    std::filesystem::copy_file(QBL_RES_DIR "/i18n_res.xml", m_tree("res.xml"));
+    const std::string whole = m_tree.text("res.xml");
+    for (std::size_t seed = 1; seed < 100; ++seed) {
+        std::string damaged = whole.substr(0, whole.size() * seed / 50);
+        std::size_t random = seed;
+        for (int i = 0; i < 200; ++i) {
+            random = random * 1103515245 + 12345;
+            damaged[random % damaged.size()] = "\"<>/=;\n\0&"[random / 65536 % 9];
+        }
+        load(damaged);
+        EXPECT_GT(resources().getUTF8BytesPerCodePoints(), 0.0F) << "seed " << seed;
+        EXPECT_LE(resources().getUTF8BytesPerCodePoints(), 4.0F) << "seed " << seed;
+    }
+}
+
+TEST_F(I18NResourcesTest, ThreadsMayBeTheFirstToAskAtOnce) {
+    std::filesystem::current_path(QBL_RES_DIR);
+    Gate gate;
+    std::atomic<int> right{0};
+    Workers workers(8, [&] {
+        EXPECT_TRUE(gate.wait());
+        const I18NLocale locale("de_AT");
+        I18NLocale* locales = nullptr;
+        int count = 0;
+        resources().getLocales(&locales, &count);
+        std::u16string text;
+        if (resources().getURLEncodeTranslit() != nullptr && locales[95].isValid() &&
+            resources().getSymbolForISOCode("EUR", locale, text) &&
+            resources().getTimeZoneDescription(resources().getTimeZoneIDs(count)[7], locale, text))
+            ++right;
+    });
+    gate.open();
+    workers.join();
+    EXPECT_EQ(8, right);
+}
+
+TEST_F(I18NResourcesTest, ExhaustedMemoryLeavesNothingHalfDone) {
+    const std::string text =
+        "<input>\n<encoding name=\"ascii\">\n<sequence value=\"0x80\">\n"
+        "<replacement value=\"0x20AC\"/>\n<locale name=\"de_DE\">\n";
+    m_tree.file("res.xml", text);
+    m_tree.file("qbli18nreswd_en.xml", "<noDescription value=\"long enough to be allocated\"/>");
+    const I18NLocale locale("de_AT");
+    const long runs = fault::eachAllocation([&] {
+        try {
+            resources().loadSequenceTable();
+            EXPECT_EQ(u"long enough to be allocated", resources().getNoDescriptionWord(locale));
+        } catch (const QBLThrowable& error) {
+            EXPECT_STREQ("QBLOutOfMemoryError", error.getThrowableName());
+        }
+        resources().release();
+    });
+    EXPECT_GT(runs, 10);
+    load(text);
+    EXPECT_EQ("8364 0", inputOf("ascii", "\x80"));
+}
