@@ -1,0 +1,116 @@
+#include "i18n/cpp/internal/i18n_conversion.hpp"
+
+#include <unicode/ustring.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+
+#include "QBLCore/Exceptions/QBLAllocation.hpp"
+#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
+#include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "TavThread/internal/TavContain.hpp"
+
+namespace {
+
+// What UTF-16 at an odd address is copied through.
+constexpr std::ptrdiff_t kPieceUnits = 512;
+constexpr std::ptrdiff_t kUnit = sizeof(UChar);
+
+bool isAligned(const char* units) {
+    return reinterpret_cast<std::uintptr_t>(units) % alignof(UChar) == 0;
+}
+
+}  // namespace
+
+I18NBlock::~I18NBlock() {
+    if (m_pBlock == nullptr) return;
+    if (m_allocator == nullptr) {
+        std::free(m_pBlock);
+        return;
+    }
+    int ignored = 0;
+    tavContain([&] { m_allocator(m_pContext, m_pBlock, 0, &ignored); });
+}
+
+void I18NBlock::resize(std::int64_t size) {
+    if (size > INT_MAX) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
+    int error = 0;
+    char* resized = nullptr;
+    if (m_allocator == nullptr) {
+        resized = static_cast<char*>(std::realloc(m_pBlock, static_cast<std::size_t>(size)));
+    } else {
+        QBL_ALLOC_TRY
+        resized = m_allocator(m_pContext, m_pBlock, static_cast<int>(size), &error);
+        QBL_ALLOC_CATCH
+    }
+    if (resized != nullptr) m_pBlock = resized;
+    if (resized == nullptr || error != 0) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
+}
+
+char* I18NBlock::release() {
+    char* block = m_pBlock;
+    m_pBlock = nullptr;
+    return block;
+}
+
+UErrorCode i18nFromUnicode(UConverter* converter, char*& at, char* limit, const char*& source,
+                           const char* end, bool flush) {
+    UErrorCode status = U_ZERO_ERROR;
+    if (isAligned(source)) {
+        const auto* from = reinterpret_cast<const UChar*>(source);
+        const UChar* to = from + (end - source) / kUnit;
+        ucnv_fromUnicode(converter, &at, limit, &from, to, nullptr, flush, &status);
+        source = reinterpret_cast<const char*>(from);
+        return status;
+    }
+    UChar piece[kPieceUnits];
+    bool last = false;
+    while (!last && U_SUCCESS(status)) {
+        const std::ptrdiff_t units = std::min((end - source) / kUnit, kPieceUnits);
+        std::memcpy(piece, source, static_cast<std::size_t>(units * kUnit));
+        last = source + units * kUnit == end;
+        const UChar* from = piece;
+        ucnv_fromUnicode(converter, &at, limit, &from, piece + units, nullptr, flush && last,
+                         &status);
+        source += (from - piece) * kUnit;
+    }
+    return status;
+}
+
+UErrorCode i18nToUnicode(UConverter* converter, char*& at, char* limit, const char*& source,
+                         const char* end, bool flush) {
+    UErrorCode status = U_ZERO_ERROR;
+    if (isAligned(at)) {
+        auto* to = reinterpret_cast<UChar*>(at);
+        ucnv_toUnicode(converter, &to, to + (limit - at) / kUnit, &source, end, nullptr, flush,
+                       &status);
+        at = reinterpret_cast<char*>(to);
+        return status;
+    }
+    UChar piece[kPieceUnits];
+    do {
+        status = U_ZERO_ERROR;
+        const std::ptrdiff_t room = std::min((limit - at) / kUnit, kPieceUnits);
+        UChar* to = piece;
+        ucnv_toUnicode(converter, &to, piece + room, &source, end, nullptr, flush, &status);
+        const std::ptrdiff_t bytes = (to - piece) * kUnit;
+        std::memcpy(at, piece, static_cast<std::size_t>(bytes));
+        at += bytes;
+    } while (status == U_BUFFER_OVERFLOW_ERROR && at != limit);
+    return status;
+}
+
+bool i18nIsNull(const char* unit, int nullSize) {
+    return std::all_of(unit, unit + nullSize, [](char c) { return c == '\0'; });
+}
+
+std::size_t i18nBytesBeforeNull(const char* text, int nullSize) {
+    if (nullSize == 1) return std::strlen(text);
+    if (nullSize == kUnit && isAligned(text))
+        return static_cast<std::size_t>(u_strlen(reinterpret_cast<const UChar*>(text))) * kUnit;
+    const char* at = text;
+    while (!i18nIsNull(at, nullSize)) at += nullSize;
+    return static_cast<std::size_t>(at - text);
+}
