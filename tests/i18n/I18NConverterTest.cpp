@@ -1,0 +1,397 @@
+#include "i18n/cpp/i18n_converter.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "i18n/cpp/i18n_converter_holders.hpp"
+#include "i18n/cpp/i18n_errors.hpp"
+#include "i18n/cpp/i18n_platform_encoding.h"
+#include "tests/support/FaultInjection.hpp"
+#include "tests/support/ThrowChecks.hpp"
+
+namespace {
+
+// What an allocator was asked for.
+struct Requests {
+    int blocks, calls, lastSize, limit;
+};
+
+char* countingAllocator(void* context, char* block, int size, int* error) {
+    auto& requests = *static_cast<Requests*>(context);
+    if (size > requests.limit) return nullptr;
+    ++requests.calls;
+    if (size > 0) requests.lastSize = size;
+    if (block == nullptr) ++requests.blocks;
+    if (size == 0) --requests.blocks;
+    return I18N_STRINGBUFFER_ALLOCATOR_CALLBACK(nullptr, block, size, error);
+}
+
+const char kFailed[] = "cannot be converted";
+
+std::string bytesOf(const I18NConverter& converter, const std::u16string& text) {
+    char* block = nullptr;
+    int size = 0;
+    try {
+        converter.fromUnicode(&block, &size, text.c_str());
+    } catch (I18NRuntimeError& e) {
+        EXPECT_EQ(I18N_CONVERSION, e.getErrorCode());
+        EXPECT_EQ(nullptr, block);
+        return kFailed;
+    }
+    std::string bytes(block, static_cast<std::size_t>(size - converter.sizeofLegacyNull()));
+    std::free(block);
+    return bytes;
+}
+
+std::u16string unitsOf(const I18NConverter& converter, const std::string& bytes) {
+    void* block = nullptr;
+    int size = 0;
+    converter.toUnicode(&block, &size, bytes.data(), static_cast<int>(bytes.size()));
+    std::u16string units = static_cast<const char16_t*>(block);
+    std::free(block);
+    return units;
+}
+
+// As text, so that a table can hold failures too.
+std::string utf8Of(const I18NConverter& converter, const std::string& bytes) {
+    try {
+        return bytesOf(I18NConverter("UTF-8"), unitsOf(converter, bytes));
+    } catch (I18NRuntimeError&) {
+        return kFailed;
+    }
+}
+
+extern "C" {
+void replaceInput(const char* encoding, const char*, int length, wchar_t* codePoints, int* count,
+                  I18NErrorCodes*) {
+    // 0xDC00 is no code point, and left out.
+    for (const int c : {int{*encoding}, 0xDC00, 0x1F600, '0' + length})
+        codePoints[(*count)++] = static_cast<wchar_t>(c);
+}
+
+void replaceOutput(wchar_t codePoint, const char* encoding, char* bytes, int* count,
+                   I18NErrorCodes* error) {
+    if (codePoint == 0xFFFE) *error = I18N_NOMEM;
+    if (codePoint == 0xFFFC) throw codePoint;
+    bytes[0] = *encoding;
+    *count = codePoint == 0xFFFD ? 0 : 1;
+}
+
+void overfillInput(const char*, const char*, int, wchar_t* codePoints, int* count,
+                   I18NErrorCodes*) {
+    for (*count = 0; *count < 40; ++*count) codePoints[*count] = *count < 31 ? L'x' : 0x1F600;
+}
+
+void overfillOutput(wchar_t, const char*, char* bytes, int* count, I18NErrorCodes*) {
+    std::memset(bytes, 'x', 40);
+    *count = 40;
+}
+}
+
+enum Origin { Original, Copied, Assigned };
+
+// With a policy both ways; the converter that a copy was made of is gone.
+std::unique_ptr<I18NConverter> converterFrom(Origin origin, const char* encoding, int policy) {
+    auto first = std::make_unique<I18NConverter>(encoding);
+    if (policy == I18N_USER_DEFINED) {
+        first->setUserDefinedUnconvertibleInputSequenceCallback(replaceInput);
+        first->setUserDefinedUnconvertibleOutputSequenceCallback(replaceOutput);
+    } else {
+        first->setBuiltInUnconvertibleInputSequenceCallback(policy);
+        first->setBuiltInUnconvertibleOutputSequenceCallback(policy);
+    }
+    if (origin == Original) return first;
+    if (origin == Copied) return std::make_unique<I18NConverter>(*first);
+    auto second = std::make_unique<I18NConverter>("UTF-16");
+    *second = *second;
+    *second = *first;
+    return second;
+}
+
+}  // namespace
+
+TEST(I18NConverterTest, PoliciesDecideOnWhatIsNotConvertible) {
+    const struct {
+        const char* encoding;
+        std::u16string text;
+        std::string written[5];  // by policy
+        std::string bytes;
+        std::string read[5];
+    } rows[] = {
+        {"us-ascii",
+         u"a\u4E00b",
+         {"a%U4E00b", "a\x1A\x62", "a\x1A\x62", "aub", kFailed},
+         "a\x80\x62",
+         {"a%X80b", "a\uFFFFb", "a\uFFFDb", "au\U0001F6001b", kFailed}},
+        {"ibm-943",
+         u"a\u0E01b",
+         {"a%U0E01b", "a\xFC\xFC\x62", "a\xFC\xFC\x62", "aib", kFailed},
+         "a\x85\xA0\x62",
+         {"a%X85%XA0b", "a\uFFFFb", "a\uFFFDb", "ai\U0001F6002b", kFailed}},
+        {"UTF-8",
+         std::u16string(u"a") + char16_t(0xD800) + u"b",
+         {"a%UD800b", "a\uFFFDb", "a\uFFFDb", "aUb", kFailed},
+         "a\xFF\x62",
+         {"a%XFFb", "a\uFFFFb", "a\uFFFDb", "aU\U0001F6001b", kFailed}},
+    };
+    for (const auto& row : rows)
+        for (int policy = I18N_ESCAPE; policy <= I18N_STOP; ++policy)
+            for (const Origin origin : {Original, Copied, Assigned}) {
+                SCOPED_TRACE(row.encoding + (" " + std::to_string(policy)) + "/" +
+                             std::to_string(origin));
+                const auto converter = converterFrom(origin, row.encoding, policy);
+                EXPECT_STREQ(row.encoding, converter->getEncoding());
+                EXPECT_EQ(row.written[policy], bytesOf(*converter, row.text));
+                EXPECT_EQ(row.read[policy], utf8Of(*converter, row.bytes));
+            }
+    I18NConverter untouched("us-ascii");
+    EXPECT_EQ(I18N_LOOKUP, untouched.getBuiltInUnconvertibleInputSequenceCallback());
+    EXPECT_EQ("a\uFFFDb", utf8Of(untouched, "a\x80\x62")) << "substitutes until a policy is set";
+}
+
+TEST(I18NConverterTest, UserFunctionsDropFailAndAreCutToTheirLimit) {
+    const auto converter = converterFrom(Original, "us-ascii", I18N_USER_DEFINED);
+    EXPECT_EQ("ab", bytesOf(*converter, u"a\uFFFDb"));
+    EXPECT_EQ(kFailed, bytesOf(*converter, u"a\uFFFEb")) << "an error";
+    EXPECT_EQ(kFailed, bytesOf(*converter, u"a\uFFFCb")) << "an exception";
+    for (const int ignored : {-1, 5, INT_MIN}) {
+        converter->setBuiltInUnconvertibleInputSequenceCallback(ignored);
+        converter->setBuiltInUnconvertibleOutputSequenceCallback(ignored);
+    }
+    converter->setUserDefinedUnconvertibleInputSequenceCallback(nullptr);
+    converter->setUserDefinedUnconvertibleOutputSequenceCallback(nullptr);
+    EXPECT_EQ("u", bytesOf(*converter, u"\u4E00"));
+    EXPECT_EQ("u\U0001F6001", utf8Of(*converter, "\x80"));
+    converter->setUserDefinedUnconvertibleInputSequenceCallback(overfillInput);
+    converter->setUserDefinedUnconvertibleOutputSequenceCallback(overfillOutput);
+    EXPECT_EQ(std::string(32, 'x') + "b", bytesOf(*converter, u"\u4E00b"));
+    EXPECT_EQ(std::string(31, 'x') + "b", utf8Of(*converter, "\x80\x62"));
+    converter->setBuiltInUnconvertibleOutputSequenceCallback(I18N_USER_DEFINED);
+    EXPECT_EQ(nullptr, converter->getUserDefinedUnconvertibleOutputSequenceCallback());
+    EXPECT_EQ(kFailed, bytesOf(*converter, u"\u4E00")) << "no function";
+}
+
+TEST(I18NConverterTest, FixedBuffersHoldTheTextOrSayThatTheyDoNot) {
+    constexpr int kFull = I18N_TOO_SMALL;
+    const struct {
+        const char* encoding;
+        int out[9];  // codes by size, for "ab"
+    } rows[] = {{"UTF-8", {I18N_ARGUMENT, 0, kFull, 0, 0, 0, 0, 0, 0}},
+                {"UTF-16", {I18N_ARGUMENT, kFull, 0, kFull, kFull, kFull, 0, 0, 0}},
+                {"UTF-32", {I18N_ARGUMENT, kFull, kFull, kFull, 0, kFull, kFull, kFull, kFull}}};
+    const int in[] = {kFull, kFull, 0, 0, kFull, kFull, 0, 0, 0};
+    for (const auto& row : rows)
+        for (int size = 0; size <= 8; ++size) {
+            SCOPED_TRACE(std::string(row.encoding) + ", size " + std::to_string(size));
+            const I18NConverter converter(row.encoding);
+            const std::string bytes = bytesOf(converter, u"ab");
+            const auto expect = [size](const std::string& buffer, int code, int error) {
+                EXPECT_EQ(code, error);
+                EXPECT_EQ(std::string::npos, buffer.find_first_not_of('z', 1 + size)) << "beyond";
+                EXPECT_TRUE(size < 2 || buffer[buffer.find_last_not_of('z')] == '\0');
+            };
+            I18NErrorCodes error = I18N_UNEXPECTED;
+            std::string buffer(17, 'z');  // used from an odd address
+            converter.fromUnicode(&buffer[1], size, u"ab", &error);
+            expect(buffer, row.out[size], error);
+            buffer.assign(17, 'z');
+            converter.toUnicode(&buffer[1], size, bytes.data(), static_cast<int>(bytes.size()),
+                                &error);
+            expect(buffer, in[size], error);
+        }
+    char three[3];
+    QBL_EXPECT_THROW(I18NConverter("").fromUnicode(three, 3, u"abc"), I18NRuntimeError, nullptr);
+    EXPECT_STREQ("ab", three);
+}
+
+// Everything of a source, in pieces, through a buffer with room for so many bytes and a NUL; both
+// lie at odd addresses.
+template <class Convert>
+std::string streamed(const std::string& source, int piece, int room, int nullSize,
+                     Convert convert) {
+    const std::string moved = "-" + source;
+    std::string buffer(static_cast<std::size_t>(1 + room + nullSize), 'z');
+    std::string made;
+    const char* at = &moved[1];
+    const char* const end = at + source.size();
+    I18NErrorCodes error = I18N_OK;
+    while (at != end || error == I18N_STREAM_FULL) {
+        int written = 0;
+        int consumed = 0;
+        convert(&buffer[1], room + nullSize, at, std::min(piece, static_cast<int>(end - at)),
+                &written, &consumed, &error);
+        if (error != I18N_OK && error != I18N_STREAM_FULL) return "failed";
+        made.append(buffer, 1, static_cast<std::size_t>(written - nullSize));
+        at += consumed;
+    }
+    return made;
+}
+
+TEST(I18NConverterTest, StreamsInAnyPiecesGiveWhatOneCallGives) {
+    const std::u16string text = u"a\u00E9\u3042\u6F22\U0001F600z\u30A2";
+    const std::string units = bytesOf(I18NConverter("UTF-16"), text);
+    for (const char* encoding :
+         {"UTF-8", "UTF-16", "UTF-32", "gb18030", "ISO-2022-JP", "Shift_JIS"})
+        for (const int room : {1, 2, 3, 7, 4000})
+            for (const int piece : {1, 2, 5, 1000}) {
+                SCOPED_TRACE(encoding + (" " + std::to_string(room) + "/" + std::to_string(piece)));
+                const I18NConverter converter(encoding);
+                const std::string whole = bytesOf(converter, text);
+                const std::string bytes =
+                    streamed(units, piece * 2, room, converter.sizeofLegacyNull(),
+                             [&](auto... all) { converter.fromUnicodeStream(all...); });
+                EXPECT_EQ(whole, bytes + bytesOf(converter, u"")) << "the last call ends it";
+                EXPECT_EQ(bytesOf(I18NConverter("UTF-16"), unitsOf(converter, whole)),
+                          streamed(whole, piece, room * 2, 2,
+                                   [&](auto... all) { converter.toUnicodeStream(all...); }));
+            }
+}
+
+TEST(I18NConverterTest, StreamsIntoBlocksKeepWhatAPieceLeaves) {
+    I18NConverter converter("Shift_JIS");
+    converter.setBuiltInUnconvertibleInputSequenceCallback(I18N_STOP);
+    void* block = nullptr;
+    int size = 77;
+    converter.toUnicodeStream(&block, &size, "", 0);
+    EXPECT_EQ(nullptr, block);
+    converter.toUnicodeStream(&block, &size, "a\x82", 2);
+    EXPECT_EQ(4, size) << "a and a NUL";
+    std::free(block);
+    EXPECT_EQ(u"\u3042", unitsOf(converter, "\xA0"));
+    converter.toUnicodeStream(&block, &size, "\x82", 1);
+    std::free(block);
+    EXPECT_EQ(kFailed, utf8Of(converter, "")) << "cut off at the end";
+    converter.toUnicodeStream(&block, &size, "\x82", 1);
+    std::free(block);
+    const I18NConverter copy(converter);
+    converter.reset();
+    EXPECT_EQ("x", utf8Of(converter, "x"));
+    EXPECT_EQ(u"\u3042", unitsOf(copy, "\xA0")) << "a copy has the state";
+}
+
+TEST(I18NConverterTest, StreamsCountTheNullTheyAreGiven) {
+    const struct {
+        const char16_t* text;
+        int room, size, written, consumed, code;
+    } rows[] = {{u"ab", 8, -1, 3, 6, I18N_OK},         {u"ab", 8, 6, 3, 6, I18N_OK},
+                {u"ab", 8, 5, 3, 4, I18N_OK},          {u"ab", 8, 0, 0, 0, I18N_OK},
+                {u"ab", 2, 6, 2, 2, I18N_STREAM_FULL}, {u"\u00E9", 2, 4, 2, 2, I18N_STREAM_FULL}};
+    for (const auto& row : rows) {
+        const I18NConverter converter("UTF-8");
+        char bytes[8];
+        int written = 77;
+        int consumed = 77;
+        I18NErrorCodes error = I18N_OK;
+        converter.fromUnicodeStream(bytes, row.room, row.text, row.size, &written, &consumed,
+                                    &error);
+        EXPECT_EQ(row.code, error);
+        EXPECT_EQ(row.written, written) << row.room << ", " << row.size;
+        EXPECT_EQ(row.consumed, consumed) << row.room << ", " << row.size;
+    }
+}
+
+TEST(I18NConverterTest, BlocksGrowOnceAndByWholeSteps) {
+    constexpr std::size_t kCount = 100000;
+    I18NConverter converter("US-ASCII");
+    converter.setBuiltInUnconvertibleOutputSequenceCallback(I18N_ESCAPE);
+    Requests requests = {0, 0, 0, INT_MAX};
+    char* bytes = nullptr;
+    int size = 0;
+    converter.fromUnicode(&bytes, &size, std::u16string(kCount, u'\u4E00').c_str(),
+                          countingAllocator, &requests);
+    EXPECT_EQ(600001, size);
+    EXPECT_EQ(600001, requests.lastSize);
+    EXPECT_EQ(2, requests.calls);
+    EXPECT_EQ(size, std::strlen(bytes) + 1);
+    countingAllocator(&requests, bytes, 0, &size);
+    requests.limit = 1000;
+    EXPECT_THROW(converter.fromUnicode(&bytes, &size, std::u16string(500, u'\u4E00').c_str(),
+                                       countingAllocator, &requests),
+                 QBLThrowable);
+    EXPECT_EQ(nullptr, bytes);
+    EXPECT_EQ(0, requests.blocks);
+}
+
+TEST(I18NConverterTest, MeasuresTextAndBuffers) {
+    for (const char* encoding : {"UTF-8", "UTF-16", "UTF-32", "ISO-2022-JP"}) {
+        const I18NConverter converter(encoding);
+        for (const int n : {-5, -1, 0, 1, 100000})
+            EXPECT_EQ(n, converter.numLegacyCodePoints(converter.numLegacyBytes(n))) << encoding;
+        EXPECT_EQ(INT_MAX, converter.numLegacyBytes(INT_MAX));
+    }
+    const struct {
+        const char* encoding;
+        int length, effective;
+    } rows[] = {{"UTF-8", 3, 2},   {"UTF-8", -1, 2}, {"UTF-8", 2, 2},
+                {"UTF-16", 5, 3},  {"UTF-16", 3, 3}, {"UTF-16", -1, 2},
+                {"UTF-32", -1, 4}, {"UTF-32", 8, 4}, {"UTF-32", 3, 3}};
+    const std::string text("-ab\0\0\0\0\0\0\0", 10);
+    for (const auto& row : rows)
+        EXPECT_EQ(row.effective,
+                  I18NConverter(row.encoding).getEffectiveBufferSize(&text[1], row.length))
+            << row.encoding << ", " << row.length;
+}
+
+TEST(I18NConverterTest, TellsEncodingsByTheirNames) {
+    const struct {
+        const char* is;  // 8 UTF-8, i ISO-8859, w windows-1252, 6 UTF-16, 3 UTF-32, b with a mark
+        std::vector<const char*> names;
+    } rows[] = {{"8", {nullptr, "", "utf8", "Utf-8", "ascii"}},
+                {"i", {"iso-8859-15", "ISO8859whatever"}},
+                {"w", {"Windows-1252"}},
+                {"6b", {"ucs2", "UTF-16"}},
+                {"b", {"UTF-16LE"}},
+                {"6", {"UTF16_PlatformEndian", "utf16_p"}},
+                {"3b", {"UCS-4", "utf32"}},
+                {"3", {"UTF32_PlatformEndian"}},
+                {"", {"ASCII7", "UTF-8 ", "UTF", "iso-885", "windows-12520", "Shift_JIS"}}};
+    for (const auto& row : rows)
+        for (const char* name : row.names) {
+            std::string is;
+            if (I18NConverter::isUTF8(name)) is += "8";
+            if (I18NConverter::isISO8859(name)) is += "i";
+            if (I18NConverter::isWindows1252(name)) is += "w";
+            if (I18NConverter::isUTF16(name)) is += "6";
+            if (I18NConverter::isUTF32(name)) is += "3";
+            if (I18NConverter::shouldUseBOM(name)) is += "b";
+            EXPECT_EQ(row.is, is) << (name != nullptr ? name : "null");
+        }
+    EXPECT_TRUE(I18NConverter::isPlatformDefault(I18NGetPlatformDefaultEncoding()));
+    EXPECT_FALSE(I18NConverter::isPlatformDefault(nullptr));
+}
+
+TEST(I18NConverterTest, RefusesEncodingsItDoesNotKnow) {
+    const std::string text =
+        "The specified encoding is not valid: \"" + std::string(60, 'x') + "\".";
+    QBL_EXPECT_THROW(I18NConverter(std::string(61, 'x').c_str()), I18NRuntimeError, text.c_str());
+}
+
+TEST(I18NConverterTest, LosesNothingWhenMemoryEnds) {
+    const std::u16string text(100, u'\u0E01');
+    const auto everything = [&text] {
+        I18NConverterUTF16 holder;
+        I18NConverter converter("Shift_JIS");
+        converter.setBuiltInUnconvertibleOutputSequenceCallback(I18N_ESCAPE);
+        converter = I18NConverter(converter);
+        char* bytes = nullptr;
+        int size = 0;
+        converter.fromUnicode(&bytes, &size, text.c_str());
+        std::free(bytes);
+    };
+    everything();  // ICU keeps what it loads, also a failure to load it
+    const long failures = fault::eachAllocation([&] {
+        try {
+            everything();
+        } catch (QBLThrowable& e) {
+            EXPECT_STREQ("QBLOutOfMemoryError", e.getThrowableName());
+        }
+    });
+    EXPECT_GT(failures, 5);
+}
