@@ -10,11 +10,14 @@
 #include <string>
 #include <vector>
 
+#include "i18n/cpp/i18n_converter_c.h"
 #include "i18n/cpp/i18n_converter_holders.hpp"
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/i18n_platform_encoding.h"
 #include "tests/support/FaultInjection.hpp"
 #include "tests/support/ThrowChecks.hpp"
+
+extern "C" int i18nConverterFailedFromC();
 
 namespace {
 
@@ -384,6 +387,8 @@ TEST(I18NConverterTest, LosesNothingWhenMemoryEnds) {
         int size = 0;
         converter.fromUnicode(&bytes, &size, text.c_str());
         std::free(bytes);
+        I18NErrorCodes error;
+        i18nConverterFree(i18nConverterCreate("Shift_JIS", &error), &error);
     };
     everything();  // ICU keeps what it loads, also a failure to load it
     const long failures = fault::eachAllocation([&] {
@@ -395,3 +400,5 @@ TEST(I18NConverterTest, LosesNothingWhenMemoryEnds) {
     });
     EXPECT_GT(failures, 5);
 }
+
+TEST(I18NConverterTest, CanBeUsedFromC) { EXPECT_EQ(0, i18nConverterFailedFromC()); }

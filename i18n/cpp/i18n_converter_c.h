@@ -1,0 +1,76 @@
+#ifndef I18N_CPP_I18N_CONVERTER_C_H
+#define I18N_CPP_I18N_CONVERTER_C_H
+
+#include "QBLCore/Frame/QBLExport.h"
+#include "i18n/cpp/i18n_allocator.h"
+#include "i18n/cpp/i18n_converter_types.h"
+
+/// I18NConverter for C. Each function does what the operation of the same name does; see there
+/// for what is not said here. The last parameter receives I18N_OK or what failed, and may be
+/// null: an I18NErrorCodes of the operation, I18N_UNEXPECTED for anything else, exhausted memory
+/// too. A null handle is I18N_ARGUMENT. What a failed call returns is 0 or null.
+///
+/// Threads: a handle is used by one thread at a time.
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef struct I18NConverterOpaque* I18NConverterHandle;
+
+/// @return a converter, for i18nConverterFree
+QBL_API I18NConverterHandle i18nConverterCreate(const char* encoding, I18NErrorCodes* error);
+/// Null is passed over.
+QBL_API void i18nConverterFree(I18NConverterHandle converter, I18NErrorCodes* error);
+
+QBL_API void i18nConverterFromUnicode(I18NConverterHandle converter, char* destination, int size,
+                                      const void* source, I18NErrorCodes* error);
+QBL_API void i18nConverterFromUnicodeWithAllocator(I18NConverterHandle converter,
+                                                   char** destination, int* size,
+                                                   const void* source,
+                                                   I18NStringAllocator allocator, void* context,
+                                                   I18NErrorCodes* error);
+QBL_API void i18nConverterToUnicode(I18NConverterHandle converter, void* destination, int size,
+                                    const char* source, int length, I18NErrorCodes* error);
+QBL_API void i18nConverterToUnicodeWithAllocator(I18NConverterHandle converter, void** destination,
+                                                 int* size, const char* source, int length,
+                                                 I18NStringAllocator allocator, void* context,
+                                                 I18NErrorCodes* error);
+
+/// Owned by the converter.
+QBL_API const char* i18nConverterGetEncoding(I18NConverterHandle converter, I18NErrorCodes* error);
+
+QBL_API int i18nConverterGetBuiltInUnconvertibleInputSequenceCallback(I18NConverterHandle converter,
+                                                                      I18NErrorCodes* error);
+QBL_API int i18nConverterGetBuiltInUnconvertibleOutputSequenceCallback(
+    I18NConverterHandle converter, I18NErrorCodes* error);
+QBL_API I18NUserInputCallback i18nConverterGetUserDefinedUnconvertibleInputSequenceCallback(
+    I18NConverterHandle converter, I18NErrorCodes* error);
+/// The "In" is part of the name, and stays.
+QBL_API I18NUserOutputCallback i18nConverterGetUserDefinedInUnconvertibleOutputSequenceCallback(
+    I18NConverterHandle converter, I18NErrorCodes* error);
+QBL_API void i18nConverterSetBuiltInUnconvertibleInputSequenceCallback(
+    I18NConverterHandle converter, int policy, I18NErrorCodes* error);
+QBL_API void i18nConverterSetBuiltInUnconvertibleOutputSequenceCallback(
+    I18NConverterHandle converter, int policy, I18NErrorCodes* error);
+QBL_API void i18nConverterSetUserDefinedUnconvertibleInputSequenceCallback(
+    I18NConverterHandle converter, I18NUserInputCallback callback, I18NErrorCodes* error);
+QBL_API void i18nConverterSetUserDefinedUnconvertibleOutputSequenceCallback(
+    I18NConverterHandle converter, I18NUserOutputCallback callback, I18NErrorCodes* error);
+
+QBL_API int i18nConverterNumLegacyBytes(I18NConverterHandle converter, int codeUnits,
+                                        I18NErrorCodes* error);
+QBL_API int i18nConverterNumLegacyCodePoints(I18NConverterHandle converter, int bytes,
+                                             I18NErrorCodes* error);
+QBL_API int i18nConverterNumUnicodeBytes(I18NConverterHandle converter, int codeUnits,
+                                         I18NErrorCodes* error);
+QBL_API int i18nConverterNumUnicodeCodePoints(I18NConverterHandle converter, int bytes,
+                                              I18NErrorCodes* error);
+QBL_API int i18nConverterSizeofLegacyNull(I18NConverterHandle converter, I18NErrorCodes* error);
+QBL_API int i18nConverterSizeofUnicodeNull(I18NConverterHandle converter, I18NErrorCodes* error);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
