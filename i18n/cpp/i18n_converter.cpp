@@ -2,12 +2,13 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <new>
 
-#include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "i18n/cpp/i18n_converter_callbacks.hpp"
@@ -38,17 +39,30 @@ bool isPolicy(int policy) { return policy >= I18N_ESCAPE && policy <= I18N_STOP;
 bool needsContext(int policy) { return policy == I18N_LOOKUP || policy == I18N_USER_DEFINED; }
 
 void settle(UErrorCode status) {
+    if (U_SUCCESS(status)) return;
     if (status == U_MEMORY_ALLOCATION_ERROR) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
-    if (U_FAILURE(status)) QBL_THROW(I18NRuntimeError(I18N_UNEXPECTED, nullptr));
+    QBL_THROW(I18NRuntimeError(I18N_UNEXPECTED, nullptr));
 }
 
-std::unique_ptr<char[]> copyOf(const char* text) {
-    QBL_ALLOC_TRY
-    const std::size_t size = std::strlen(text) + 1;
-    std::unique_ptr<char[]> copy(new char[size]);
-    std::memcpy(copy.get(), text, size);
-    return copy;
-    QBL_ALLOC_CATCH
+struct Delete {
+    void operator()(char* block) const { ::operator delete(block); }
+};
+
+// A copy of the name at the start of a block with so much aligned room behind it.
+struct NamedBlock {
+    std::unique_ptr<char, Delete> name;
+    char* room;
+};
+
+NamedBlock namedBlock(const char* name, int roomSize) {
+    constexpr std::size_t kAlign = alignof(std::max_align_t);
+    const std::size_t size = std::strlen(name) + 1;
+    const std::size_t before = (size + kAlign - 1) / kAlign * kAlign;
+    auto* block = static_cast<char*>(
+        ::operator new(before + static_cast<std::size_t>(roomSize), std::nothrow));
+    if (block == nullptr) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
+    std::memcpy(block, name, size);
+    return {std::unique_ptr<char, Delete>(block), block + before};
 }
 
 // UTF-16 and UTF-32 would come with a byte-order mark; their siblings in the machine's order do
@@ -61,17 +75,16 @@ const char* withoutMark(const char* name) {
     return name;
 }
 
-int cloneSize(const UConverter* converter) {
-    int32_t size = 0;
-    UErrorCode status = U_ZERO_ERROR;
-// ICU has nothing else that tells the size; clones are made by ucnv_clone.
+// ICU has nothing newer that tells the size of a clone or puts it into memory of the caller's.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
-    ucnv_safeClone(converter, nullptr, &size, &status);
-#pragma GCC diagnostic pop
+UConverter* cloneInto(void* room, int32_t* size, const UConverter* converter) {
+    UErrorCode status = U_ZERO_ERROR;
+    UConverter* clone = ucnv_safeClone(converter, room, size, &status);
     settle(status);
-    return size;
+    return clone;
 }
+#pragma GCC diagnostic pop
 
 int saturated(std::int64_t value) {
     return static_cast<int>(std::clamp<std::int64_t>(value, INT_MIN, INT_MAX));
@@ -93,7 +106,7 @@ I18NConverter::I18NConverter()
       m_iOutputPolicy(I18N_LOOKUP),
       m_inputCallback(nullptr),
       m_outputCallback(nullptr),
-      m_cPending(0),
+      m_cFlags(0),
       m_outputContext(),
       m_iMaxBytes(0),
       m_iNullSize(0),
@@ -110,24 +123,24 @@ I18NConverter::I18NConverter(const char* encoding) : I18NConverter() {
         create(encoding);
 }
 
-I18NConverter::I18NConverter(const I18NConverter& other) : I18NConverter() { create(other); }
+I18NConverter::I18NConverter(const I18NConverter& other) : I18NConverter() {
+    adopt(other, other.getEncoding());
+}
 
 I18NConverter& I18NConverter::operator=(const I18NConverter& other) {
-    if (this != &other) create(other);
+    if (this != &other) adopt(other, other.getEncoding());
     return *this;
 }
 
 I18NConverter::~I18NConverter() {
     ucnv_close(m_pConverter);
-    delete[] m_outputContext.encoding;
+    ::operator delete(const_cast<char*>(m_outputContext.encoding));
 }
 
-void I18NConverter::create(const I18NConverter& other) {
-    if (this != &other) adopt(other, other.getEncoding());
-}
+void I18NConverter::create(const I18NConverter& other) { *this = other; }
 
 void I18NConverter::create(const char* name) {
-    m_outputContext.encoding = m_inputContext.encoding = copyOf(name).release();
+    m_outputContext.encoding = m_inputContext.encoding = namedBlock(name, 0).name.release();
     UErrorCode status = U_ZERO_ERROR;
     m_pConverter = ucnv_open(withoutMark(name), &status);
     if (status == U_MEMORY_ALLOCATION_ERROR) settle(status);
@@ -136,44 +149,43 @@ void I18NConverter::create(const char* name) {
         std::snprintf(text, sizeof text, kBadEncoding, name);
         QBL_THROW(I18NRuntimeError(I18N_ENCODING, text));
     }
-    m_iCloneSize = cloneSize(m_pConverter);
+    cloneInto(nullptr, &m_iCloneSize, m_pConverter);  // only tells the size
     ucnv_setFallback(m_pConverter, true);
     m_iMaxBytes = ucnv_getMaxCharSize(m_pConverter);
     m_iNullSize = ucnv_getMinCharSize(m_pConverter);
 }
 
-// Becomes a copy of the other under this name, or stays as it is if that fails.
+// Becomes a copy of the other under this name, or stays as it is if that fails. Name and ICU
+// converter share a block, since their allocations would cost more than all the rest.
 void I18NConverter::adopt(const I18NConverter& other, const char* encoding) {
-    std::unique_ptr<char[]> name = copyOf(encoding);
-    UErrorCode status = U_ZERO_ERROR;
-    UConverter* clone = ucnv_clone(other.m_pConverter, &status);
-    settle(status);
+    NamedBlock block = namedBlock(encoding, other.m_iCloneSize);
+    int32_t size = other.m_iCloneSize;
+    UConverter* clone = cloneInto(block.room, &size, other.m_pConverter);
 
     ucnv_close(m_pConverter);
-    delete[] m_outputContext.encoding;
+    ::operator delete(const_cast<char*>(m_outputContext.encoding));
     m_iInputPolicy = other.m_iInputPolicy;
     m_iOutputPolicy = other.m_iOutputPolicy;
     m_inputCallback = other.m_inputCallback;
     m_outputCallback = other.m_outputCallback;
-    m_cPending = other.m_cPending;
+    m_cFlags = other.m_cFlags;
     m_outputContext = other.m_outputContext;
     m_iMaxBytes = other.m_iMaxBytes;
     m_iNullSize = other.m_iNullSize;
     m_pConverter = clone;
     m_iCloneSize = other.m_iCloneSize;
     m_inputContext = other.m_inputContext;
-    m_outputContext.encoding = m_inputContext.encoding = name.release();
+    m_outputContext.encoding = block.name.release();
+    m_inputContext.encoding = m_outputContext.encoding;
 
     // The clone still points to the contexts of the other.
-    UConverterToUCallback input = nullptr;
-    UConverterFromUCallback output = nullptr;
-    const void* context = nullptr;
-    ucnv_getToUCallBack(clone, &input, &context);
-    if (context != nullptr)
-        ucnv_setToUCallBack(clone, input, &m_inputContext, nullptr, nullptr, &status);
-    ucnv_getFromUCallBack(clone, &output, &context);
-    if (context != nullptr)
-        ucnv_setFromUCallBack(clone, output, &m_outputContext, nullptr, nullptr, &status);
+    UErrorCode status = U_ZERO_ERROR;
+    if (is(kHasContext, kInput))
+        ucnv_setToUCallBack(clone, kInputCallbacks[m_iInputPolicy], &m_inputContext, nullptr,
+                            nullptr, &status);
+    if (is(kHasContext, kOutput))
+        ucnv_setFromUCallBack(clone, kOutputCallbacks[m_iOutputPolicy], &m_outputContext, nullptr,
+                              nullptr, &status);
 }
 
 void I18NConverter::setBuiltInUnconvertibleInputSequenceCallback(int policy) {
@@ -200,6 +212,7 @@ void I18NConverter::installInput(int policy, I18NUserInputCallback callback) {
                         needsContext(policy) ? &m_inputContext : nullptr, nullptr, nullptr,
                         &status);
     settle(status);
+    set(kHasContext, kInput, needsContext(policy));
     m_iInputPolicy = policy;
     m_inputCallback = m_inputContext.callback = callback;
     if (policy == I18N_LOOKUP)
@@ -212,6 +225,7 @@ void I18NConverter::installOutput(int policy, I18NUserOutputCallback callback) {
                           needsContext(policy) ? &m_outputContext : nullptr, nullptr, nullptr,
                           &status);
     settle(status);
+    set(kHasContext, kOutput, needsContext(policy));
     m_iOutputPolicy = policy;
     m_outputCallback = m_outputContext.callback = callback;
     if (policy == I18N_LOOKUP)

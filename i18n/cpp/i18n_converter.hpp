@@ -174,7 +174,11 @@ public:
     static bool isInitialized();
 
 private:
-    enum Direction : unsigned char { kInput = 1, kOutput = 2 };
+    enum Direction : unsigned char { kInput = 0, kOutput = 1 };
+    enum Flag : unsigned char {
+        kPending = 1,    // ICU keeps output that had no room
+        kHasContext = 4  // ICU has the address of our context
+    };
 
     I18NConverter();
     void create(const char* name);
@@ -186,16 +190,16 @@ private:
                            const char* end, bool flush, int& written) const;
     char* allocate(Direction direction, int* size, const char* source, const char* end, bool flush,
                    I18NStringAllocator allocator, void* context) const;
-    bool isPending(Direction direction) const { return (m_cPending & direction) != 0; }
-    void setPending(Direction direction, bool pending) const;
+    bool is(Flag flag, Direction direction) const { return (m_cFlags >> direction & flag) != 0; }
+    void set(Flag flag, Direction direction, bool on) const;
     void reset(Direction direction) const;
 
     int m_iInputPolicy;
     int m_iOutputPolicy;
     I18NUserInputCallback m_inputCallback;
     I18NUserOutputCallback m_outputCallback;
-    mutable unsigned char m_cPending;  // directions in which ICU keeps output that had no room
-    I18NOutputCallbackContext m_outputContext;  // owns the encoding's name
+    mutable unsigned char m_cFlags;             // of each direction
+    I18NOutputCallbackContext m_outputContext;  // the name's block is owned
     int m_iMaxBytes;                            // of a code unit in the encoding
     int m_iNullSize;
     UConverter* m_pConverter;

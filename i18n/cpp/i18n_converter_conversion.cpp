@@ -73,16 +73,16 @@ void requireOutput(const void* destination, int* size) {
 void I18NConverter::reset() { reset(kInput); }
 
 void I18NConverter::reset(Direction direction) const {
-    setPending(direction, false);
+    set(kPending, direction, false);
     if (direction == kInput)
         ucnv_resetToUnicode(m_pConverter);
     else
         ucnv_resetFromUnicode(m_pConverter);
 }
 
-void I18NConverter::setPending(Direction direction, bool pending) const {
-    m_cPending =
-        static_cast<unsigned char>(pending ? m_cPending | direction : m_cPending & ~direction);
+void I18NConverter::set(Flag flag, Direction direction, bool on) const {
+    const int bit = flag << direction;
+    m_cFlags = static_cast<unsigned char>(on ? m_cFlags | bit : m_cFlags & ~bit);
 }
 
 // Converts into a buffer of the caller's and ends it with a NUL. Room for just the NUL takes no
@@ -106,14 +106,14 @@ I18NErrorCodes I18NConverter::convert(Direction direction, char* destination, in
     if (room < 0) status = U_BUFFER_OVERFLOW_ERROR;
     const bool full = status == U_BUFFER_OVERFLOW_ERROR;
     if (full && !flush) {
-        if (room > 0) setPending(direction, true);
+        if (room > 0) set(kPending, direction, true);
         return I18N_STREAM_FULL;
     }
     if (U_FAILURE(status)) {
         reset(direction);
         return full ? I18N_TOO_SMALL : I18N_CONVERSION;
     }
-    if (room > 0) setPending(direction, false);
+    if (room > 0) set(kPending, direction, false);
     return I18N_OK;
 }
 
@@ -154,7 +154,7 @@ char* I18NConverter::allocate(Direction direction, int* size, const char* source
         reset(direction);
         qblRethrowTranslated(QBL_HERE);
     }
-    setPending(direction, false);
+    set(kPending, direction, false);
     return block.release();
 }
 
@@ -183,7 +183,7 @@ void I18NConverter::fromUnicodeStream(char* destination, int size, const void* s
     Counters counters(written, consumed);
     if (destination == nullptr || size <= 0 || source == nullptr)
         return report(I18N_ARGUMENT, error);
-    if (sourceSize == 0 && !isPending(kOutput)) return report(I18N_OK, error);
+    if (sourceSize == 0 && !is(kPending, kOutput)) return report(I18N_OK, error);
     const Source text = piece(source, sourceSize);
     const char* at = text.begin;
     const I18NErrorCodes code =
@@ -200,7 +200,7 @@ void I18NConverter::fromUnicodeStream(char** destination, int* size, const void*
     requireOutput(destination, size);
     *destination = nullptr;
     if (source == nullptr) QBL_THROW(I18NRuntimeError(I18N_ARGUMENT, nullptr));
-    if (sourceSize == 0 && !isPending(kOutput)) return;
+    if (sourceSize == 0 && !is(kPending, kOutput)) return;
     const Source text = sourceSize < 0 ? nullTerminated(source) : counted(source, sourceSize);
     *destination = allocate(kOutput, size, text.begin, text.end, false, allocator, context);
 }
@@ -231,7 +231,7 @@ void I18NConverter::toUnicodeStream(void* destination, int size, const char* sou
     Counters counters(written, consumed);
     if (destination == nullptr || source == nullptr) return report(I18N_ARGUMENT, error);
     if (length < 0) length = getEffectiveBufferSize(source, length);
-    if (length == 0 && !isPending(kInput)) return report(I18N_OK, error);
+    if (length == 0 && !is(kPending, kInput)) return report(I18N_OK, error);
     const char* at = source;
     const I18NErrorCodes code = convert(kInput, static_cast<char*>(destination), size, at,
                                         source + length, false, counters.written);
@@ -245,6 +245,6 @@ void I18NConverter::toUnicodeStream(void** destination, int* size, const char* s
     *destination = nullptr;
     if (source == nullptr) QBL_THROW(I18NRuntimeError(I18N_ARGUMENT, nullptr));
     if (length < 0) length = getEffectiveBufferSize(source, length);
-    if (length == 0 && !isPending(kInput)) return;
+    if (length == 0 && !is(kPending, kInput)) return;
     *destination = allocate(kInput, size, source, source + length, false, allocator, context);
 }

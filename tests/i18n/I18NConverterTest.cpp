@@ -23,18 +23,12 @@ namespace {
 
 // What an allocator was asked for.
 struct Requests {
-    int blocks = 0;
-    int calls = 0;
-    int lastSize = 0;
-    int limit = INT_MAX;
+    int blocks, calls, lastSize, limit;
 };
 
 char* countingAllocator(void* context, char* block, int size, int* error) {
     auto& requests = *static_cast<Requests*>(context);
-    if (size > requests.limit) {
-        *error = -1;
-        return nullptr;
-    }
+    if (size > requests.limit) return nullptr;
     ++requests.calls;
     if (size > 0) requests.lastSize = size;
     if (block == nullptr) ++requests.blocks;
@@ -42,7 +36,7 @@ char* countingAllocator(void* context, char* block, int size, int* error) {
     return I18N_STRINGBUFFER_ALLOCATOR_CALLBACK(nullptr, block, size, error);
 }
 
-const char kFailed[] = "failed: -4";
+const char kFailed[] = "cannot be converted";
 
 std::string bytesOf(const I18NConverter& converter, const std::u16string& text) {
     char* block = nullptr;
@@ -50,59 +44,59 @@ std::string bytesOf(const I18NConverter& converter, const std::u16string& text) 
     try {
         converter.fromUnicode(&block, &size, text.c_str());
     } catch (I18NRuntimeError& e) {
+        EXPECT_EQ(I18N_CONVERSION, e.getErrorCode());
         EXPECT_EQ(nullptr, block);
-        return "failed: " + std::to_string(e.getErrorCode());
+        return kFailed;
     }
-    const std::unique_ptr<char, void (*)(void*)> owner(block, std::free);
-    return std::string(block, static_cast<std::size_t>(size - converter.sizeofLegacyNull()));
+    std::string bytes(block, static_cast<std::size_t>(size - converter.sizeofLegacyNull()));
+    std::free(block);
+    return bytes;
 }
 
 std::u16string unitsOf(const I18NConverter& converter, const std::string& bytes) {
     void* block = nullptr;
     int size = 0;
     converter.toUnicode(&block, &size, bytes.data(), static_cast<int>(bytes.size()));
-    const std::unique_ptr<void, void (*)(void*)> owner(block, std::free);
-    return static_cast<const char16_t*>(block);
+    std::u16string units = static_cast<const char16_t*>(block);
+    std::free(block);
+    return units;
 }
 
 // As text, so that a table can hold failures too.
 std::string utf8Of(const I18NConverter& converter, const std::string& bytes) {
     try {
         return bytesOf(I18NConverter("UTF-8"), unitsOf(converter, bytes));
-    } catch (I18NRuntimeError& e) {
-        return "failed: " + std::to_string(e.getErrorCode());
+    } catch (I18NRuntimeError&) {
+        return kFailed;
     }
 }
 
-extern "C" void replaceInput(const char* encoding, const char*, int length, wchar_t* codePoints,
-                             int* count, I18NErrorCodes*) {
-    codePoints[0] = static_cast<wchar_t>(*encoding);
-    codePoints[1] = static_cast<wchar_t>(0xDC00);  // left out
-    codePoints[2] = 0x1F600;
-    codePoints[3] = static_cast<wchar_t>('0' + length);
-    *count = 4;
+extern "C" {
+void replaceInput(const char* encoding, const char*, int length, wchar_t* codePoints, int* count,
+                  I18NErrorCodes*) {
+    // 0xDC00 is no code point, and left out.
+    for (const int c : {int{*encoding}, 0xDC00, 0x1F600, '0' + length})
+        codePoints[(*count)++] = static_cast<wchar_t>(c);
 }
 
-extern "C" void replaceOutput(wchar_t codePoint, const char* encoding, char* bytes, int* count,
-                              I18NErrorCodes* error) {
+void replaceOutput(wchar_t codePoint, const char* encoding, char* bytes, int* count,
+                   I18NErrorCodes* error) {
     if (codePoint == 0xFFFE) *error = I18N_NOMEM;
+    if (codePoint == 0xFFFC) throw codePoint;
     bytes[0] = *encoding;
-    bytes[1] = '?';
-    *count = codePoint == 0xFFFD ? 0 : 2;
+    *count = codePoint == 0xFFFD ? 0 : 1;
 }
 
-extern "C" void overfillInput(const char*, const char*, int, wchar_t* codePoints, int* count,
-                              I18NErrorCodes*) {
-    for (int i = 0; i < 40; ++i) codePoints[i] = i < 31 ? L'x' : 0x1F600;
-    *count = 40;
+void overfillInput(const char*, const char*, int, wchar_t* codePoints, int* count,
+                   I18NErrorCodes*) {
+    for (*count = 0; *count < 40; ++*count) codePoints[*count] = *count < 31 ? L'x' : 0x1F600;
 }
 
-extern "C" void overfillOutput(wchar_t, const char*, char* bytes, int* count, I18NErrorCodes*) {
+void overfillOutput(wchar_t, const char*, char* bytes, int* count, I18NErrorCodes*) {
     std::memset(bytes, 'x', 40);
     *count = 40;
 }
-
-extern "C" void throwOutput(wchar_t, const char*, char*, int*, I18NErrorCodes*) { throw 1; }
+}
 
 enum Origin { Original, Copied, Assigned };
 
@@ -136,25 +130,25 @@ TEST(I18NConverterTest, PoliciesDecideOnWhatIsNotConvertible) {
     } rows[] = {
         {"us-ascii",
          u"a\u4E00b",
-         {"a%U4E00b", "a\x1A\x62", "a\x1A\x62", "au?b", kFailed},
+         {"a%U4E00b", "a\x1A\x62", "a\x1A\x62", "aub", kFailed},
          "a\x80\x62",
          {"a%X80b", "a\uFFFFb", "a\uFFFDb", "au\U0001F6001b", kFailed}},
         {"ibm-943",
          u"a\u0E01b",
-         {"a%U0E01b", "a\xFC\xFC\x62", "a\xFC\xFC\x62", "ai?b", kFailed},
+         {"a%U0E01b", "a\xFC\xFC\x62", "a\xFC\xFC\x62", "aib", kFailed},
          "a\x85\xA0\x62",
          {"a%X85%XA0b", "a\uFFFFb", "a\uFFFDb", "ai\U0001F6002b", kFailed}},
         {"UTF-8",
          std::u16string(u"a") + char16_t(0xD800) + u"b",
-         {"a%UD800b", "a\uFFFDb", "a\uFFFDb", "aU?b", kFailed},
+         {"a%UD800b", "a\uFFFDb", "a\uFFFDb", "aUb", kFailed},
          "a\xFF\x62",
          {"a%XFFb", "a\uFFFFb", "a\uFFFDb", "aU\U0001F6001b", kFailed}},
     };
     for (const auto& row : rows)
         for (int policy = I18N_ESCAPE; policy <= I18N_STOP; ++policy)
             for (const Origin origin : {Original, Copied, Assigned}) {
-                SCOPED_TRACE(std::string(row.encoding) + ", policy " + std::to_string(policy) +
-                             ", origin " + std::to_string(origin));
+                SCOPED_TRACE(row.encoding + (" " + std::to_string(policy)) + "/" +
+                             std::to_string(origin));
                 const auto converter = converterFrom(origin, row.encoding, policy);
                 EXPECT_STREQ(row.encoding, converter->getEncoding());
                 EXPECT_EQ(row.written[policy], bytesOf(*converter, row.text));
@@ -168,29 +162,23 @@ TEST(I18NConverterTest, PoliciesDecideOnWhatIsNotConvertible) {
 TEST(I18NConverterTest, UserFunctionsDropFailAndAreCutToTheirLimit) {
     const auto converter = converterFrom(Original, "us-ascii", I18N_USER_DEFINED);
     EXPECT_EQ("ab", bytesOf(*converter, u"a\uFFFDb"));
-    EXPECT_EQ(kFailed, bytesOf(*converter, u"a\uFFFEb"));
+    EXPECT_EQ(kFailed, bytesOf(*converter, u"a\uFFFEb")) << "an error";
+    EXPECT_EQ(kFailed, bytesOf(*converter, u"a\uFFFCb")) << "an exception";
+    for (const int ignored : {-1, 5, INT_MIN}) {
+        converter->setBuiltInUnconvertibleInputSequenceCallback(ignored);
+        converter->setBuiltInUnconvertibleOutputSequenceCallback(ignored);
+    }
+    converter->setUserDefinedUnconvertibleInputSequenceCallback(nullptr);
+    converter->setUserDefinedUnconvertibleOutputSequenceCallback(nullptr);
+    EXPECT_EQ("u", bytesOf(*converter, u"\u4E00"));
+    EXPECT_EQ("u\U0001F6001", utf8Of(*converter, "\x80"));
     converter->setUserDefinedUnconvertibleInputSequenceCallback(overfillInput);
     converter->setUserDefinedUnconvertibleOutputSequenceCallback(overfillOutput);
     EXPECT_EQ(std::string(32, 'x') + "b", bytesOf(*converter, u"\u4E00b"));
     EXPECT_EQ(std::string(31, 'x') + "b", utf8Of(*converter, "\x80\x62"));
-    converter->setUserDefinedUnconvertibleOutputSequenceCallback(throwOutput);
-    EXPECT_EQ(kFailed, bytesOf(*converter, u"\u4E00"));
     converter->setBuiltInUnconvertibleOutputSequenceCallback(I18N_USER_DEFINED);
     EXPECT_EQ(nullptr, converter->getUserDefinedUnconvertibleOutputSequenceCallback());
     EXPECT_EQ(kFailed, bytesOf(*converter, u"\u4E00")) << "no function";
-}
-
-TEST(I18NConverterTest, IgnoresWhatIsNoPolicyAndNoFunction) {
-    const auto converter = converterFrom(Original, "us-ascii", I18N_USER_DEFINED);
-    for (const int policy : {-1, 5, INT_MIN}) {
-        converter->setBuiltInUnconvertibleInputSequenceCallback(policy);
-        converter->setBuiltInUnconvertibleOutputSequenceCallback(policy);
-    }
-    converter->setUserDefinedUnconvertibleInputSequenceCallback(nullptr);
-    converter->setUserDefinedUnconvertibleOutputSequenceCallback(nullptr);
-    EXPECT_EQ(I18N_USER_DEFINED, converter->getBuiltInUnconvertibleInputSequenceCallback());
-    EXPECT_EQ(replaceInput, converter->getUserDefinedUnconvertibleInputSequenceCallback());
-    EXPECT_EQ("u?", bytesOf(*converter, u"\u4E00"));
 }
 
 TEST(I18NConverterTest, FixedBuffersHoldTheTextOrSayThatTheyDoNot) {
@@ -198,104 +186,74 @@ TEST(I18NConverterTest, FixedBuffersHoldTheTextOrSayThatTheyDoNot) {
     const struct {
         const char* encoding;
         int out[9];  // codes by size, for "ab"
-    } rows[] = {
-        {"UTF-8", {I18N_ARGUMENT, 0, kFull, 0, 0, 0, 0, 0, 0}},
-        {"UTF-16", {I18N_ARGUMENT, kFull, 0, kFull, kFull, kFull, 0, 0, 0}},
-        {"UTF-32", {I18N_ARGUMENT, kFull, kFull, kFull, 0, kFull, kFull, kFull, kFull}},
-    };
+    } rows[] = {{"UTF-8", {I18N_ARGUMENT, 0, kFull, 0, 0, 0, 0, 0, 0}},
+                {"UTF-16", {I18N_ARGUMENT, kFull, 0, kFull, kFull, kFull, 0, 0, 0}},
+                {"UTF-32", {I18N_ARGUMENT, kFull, kFull, kFull, 0, kFull, kFull, kFull, kFull}}};
     const int in[] = {kFull, kFull, 0, 0, kFull, kFull, 0, 0, 0};
-    for (const auto& row : rows) {
-        I18NConverter converter(row.encoding);
-        const std::string bytes = bytesOf(converter, u"ab");
-        const std::string units = bytesOf(I18NConverter("UTF-16"), u"ab");
-        for (int size = 0; size <= 8; ++size)
-            for (std::size_t odd = 0; odd < 2; ++odd) {
-                SCOPED_TRACE(std::string(row.encoding) + ", size " + std::to_string(size));
-                const auto check = [&](const std::string& all, int nullSize, int code,
-                                       auto convert) {
-                    alignas(8) char buffer[16];
-                    std::memset(buffer, 'z', sizeof buffer);
-                    char* at = buffer + odd;
-                    I18NErrorCodes error = I18N_UNEXPECTED;
-                    convert(at, &error);
-                    EXPECT_EQ(code, error);
-                    const std::string left(at + size, buffer + sizeof buffer);
-                    EXPECT_EQ(std::string(left.size(), 'z'), left) << "wrote beyond the size";
-                    std::string text(at, at + size);
-                    const std::size_t end = text.find_last_not_of('z') + 1;
-                    const auto null = static_cast<std::size_t>(std::min(nullSize, size));
-                    if (size == 0 || (nullSize == 2 && size == 1)) return;
-                    ASSERT_GE(end, null);
-                    EXPECT_EQ(std::string(null, '\0'), text.substr(end - null, null));
-                    EXPECT_EQ(all.substr(0, end - null), text.substr(0, end - null));
-                };
-                check(bytes, converter.sizeofLegacyNull(), row.out[size],
-                      [&](char* at, I18NErrorCodes* error) {
-                          alignas(8) char text[8] = {};
-                          std::copy(units.begin(), units.end(), text + odd);
-                          converter.fromUnicode(at, size, text + odd, error);
-                      });
-                check(units, 2, in[size], [&](char* at, I18NErrorCodes* error) {
-                    converter.toUnicode(at, size, bytes.data(), static_cast<int>(bytes.size()),
-                                        error);
-                });
-            }
-    }
+    for (const auto& row : rows)
+        for (int size = 0; size <= 8; ++size) {
+            SCOPED_TRACE(std::string(row.encoding) + ", size " + std::to_string(size));
+            const I18NConverter converter(row.encoding);
+            const std::string bytes = bytesOf(converter, u"ab");
+            const auto expect = [size](const std::string& buffer, int code, int error) {
+                EXPECT_EQ(code, error);
+                EXPECT_EQ(std::string::npos, buffer.find_first_not_of('z', 1 + size)) << "beyond";
+                EXPECT_TRUE(size < 2 || buffer[buffer.find_last_not_of('z')] == '\0');
+            };
+            I18NErrorCodes error = I18N_UNEXPECTED;
+            std::string buffer(17, 'z');  // used from an odd address
+            converter.fromUnicode(&buffer[1], size, u"ab", &error);
+            expect(buffer, row.out[size], error);
+            buffer.assign(17, 'z');
+            converter.toUnicode(&buffer[1], size, bytes.data(), static_cast<int>(bytes.size()),
+                                &error);
+            expect(buffer, in[size], error);
+        }
     char three[3];
     QBL_EXPECT_THROW(I18NConverter("").fromUnicode(three, 3, u"abc"), I18NRuntimeError, nullptr);
     EXPECT_STREQ("ab", three);
 }
 
+// Everything of a source, in pieces, through a buffer with room for so many bytes and a NUL; both
+// lie at odd addresses.
+template <class Convert>
+std::string streamed(const std::string& source, int piece, int room, int nullSize,
+                     Convert convert) {
+    const std::string moved = "-" + source;
+    std::string buffer(static_cast<std::size_t>(1 + room + nullSize), 'z');
+    std::string made;
+    const char* at = &moved[1];
+    const char* const end = at + source.size();
+    I18NErrorCodes error = I18N_OK;
+    while (at != end || error == I18N_STREAM_FULL) {
+        int written = 0;
+        int consumed = 0;
+        convert(&buffer[1], room + nullSize, at, std::min(piece, static_cast<int>(end - at)),
+                &written, &consumed, &error);
+        if (error != I18N_OK && error != I18N_STREAM_FULL) return "failed";
+        made.append(buffer, 1, static_cast<std::size_t>(written - nullSize));
+        at += consumed;
+    }
+    return made;
+}
+
 TEST(I18NConverterTest, StreamsInAnyPiecesGiveWhatOneCallGives) {
     const std::u16string text = u"a\u00E9\u3042\u6F22\U0001F600z\u30A2";
-    const char* const encodings[] = {"UTF-8",   "UTF-16",      "UTF-32",
-                                     "gb18030", "ISO-2022-JP", "Shift_JIS"};
-    for (const char* encoding : encodings)
+    const std::string units = bytesOf(I18NConverter("UTF-16"), text);
+    for (const char* encoding :
+         {"UTF-8", "UTF-16", "UTF-32", "gb18030", "ISO-2022-JP", "Shift_JIS"})
         for (const int room : {1, 2, 3, 7, 4000})
             for (const int piece : {1, 2, 5, 1000}) {
-                SCOPED_TRACE(std::string(encoding) + ", room " + std::to_string(room) +
-                             ", pieces of " + std::to_string(piece));
+                SCOPED_TRACE(encoding + (" " + std::to_string(room) + "/" + std::to_string(piece)));
                 const I18NConverter converter(encoding);
-                const int nullSize = converter.sizeofLegacyNull();
                 const std::string whole = bytesOf(converter, text);
-                // At an odd address; that aligned text goes the short way is seen above.
-                std::vector<char> source(1 + text.size() * 2);
-                std::memcpy(&source[1], text.data(), text.size() * 2);
-                std::vector<char> room8(static_cast<std::size_t>(room + 4));
-                std::string made;
-                const char* at = &source[1];
-                const char* const end = at + text.size() * 2;
-                I18NErrorCodes error = I18N_OK;
-                while (at != end || error == I18N_STREAM_FULL) {
-                    int written = 0;
-                    int consumed = 0;
-                    const auto size =
-                        static_cast<int>(std::min<std::ptrdiff_t>(piece * 2, end - at));
-                    converter.fromUnicodeStream(room8.data(), room + nullSize, at, size, &written,
-                                                &consumed, &error);
-                    made.append(room8.data(), static_cast<std::size_t>(written - nullSize));
-                    at += consumed;
-                    ASSERT_TRUE(error == I18N_OK || error == I18N_STREAM_FULL);
-                }
-                EXPECT_EQ(whole, made + bytesOf(converter, u"")) << "the last call ends it";
-
-                std::u16string read;
-                std::vector<char> units(static_cast<std::size_t>(room * 2 + 3));
-                const char* from = whole.data();
-                while (from != whole.data() + whole.size() || error == I18N_STREAM_FULL) {
-                    int written = 0;
-                    int consumed = 0;
-                    const auto size = static_cast<int>(
-                        std::min<std::ptrdiff_t>(piece, whole.data() + whole.size() - from));
-                    converter.toUnicodeStream(&units[1], room * 2 + 2, from, size, &written,
-                                              &consumed, &error);
-                    std::u16string part(static_cast<std::size_t>(written / 2 - 1), u'\0');
-                    std::memcpy(&part[0], &units[1], part.size() * 2);
-                    read += part;
-                    from += consumed;
-                    ASSERT_TRUE(error == I18N_OK || error == I18N_STREAM_FULL);
-                }
-                EXPECT_EQ(unitsOf(converter, whole), read);
+                const std::string bytes =
+                    streamed(units, piece * 2, room, converter.sizeofLegacyNull(),
+                             [&](auto... all) { converter.fromUnicodeStream(all...); });
+                EXPECT_EQ(whole, bytes + bytesOf(converter, u"")) << "the last call ends it";
+                EXPECT_EQ(bytesOf(I18NConverter("UTF-16"), unitsOf(converter, whole)),
+                          streamed(whole, piece, room * 2, 2,
+                                   [&](auto... all) { converter.toUnicodeStream(all...); }));
             }
 }
 
@@ -325,16 +283,9 @@ TEST(I18NConverterTest, StreamsCountTheNullTheyAreGiven) {
     const struct {
         const char16_t* text;
         int room, size, written, consumed, code;
-    } rows[] = {
-        {u"ab", 8, -1, 3, 6, I18N_OK},
-        {u"ab", 8, 6, 3, 6, I18N_OK},
-        {u"ab", 8, 4, 3, 4, I18N_OK},
-        {u"ab", 8, 5, 3, 4, I18N_OK},
-        {u"ab", 8, 0, 0, 0, I18N_OK},
-        {u"ab", 2, 6, 2, 2, I18N_STREAM_FULL},
-        {u"\u00E9", 2, 4, 2, 2, I18N_STREAM_FULL},
-        {u"\u00E9", 2, -1, 2, 2, I18N_STREAM_FULL},
-    };
+    } rows[] = {{u"ab", 8, -1, 3, 6, I18N_OK},         {u"ab", 8, 6, 3, 6, I18N_OK},
+                {u"ab", 8, 5, 3, 4, I18N_OK},          {u"ab", 8, 0, 0, 0, I18N_OK},
+                {u"ab", 2, 6, 2, 2, I18N_STREAM_FULL}, {u"\u00E9", 2, 4, 2, 2, I18N_STREAM_FULL}};
     for (const auto& row : rows) {
         const I18NConverter converter("UTF-8");
         char bytes[8];
@@ -353,8 +304,7 @@ TEST(I18NConverterTest, BlocksGrowOnceAndByWholeSteps) {
     constexpr std::size_t kCount = 100000;
     I18NConverter converter("US-ASCII");
     converter.setBuiltInUnconvertibleOutputSequenceCallback(I18N_ESCAPE);
-    converter.setBuiltInUnconvertibleInputSequenceCallback(I18N_ESCAPE);
-    Requests requests;
+    Requests requests = {0, 0, 0, INT_MAX};
     char* bytes = nullptr;
     int size = 0;
     converter.fromUnicode(&bytes, &size, std::u16string(kCount, u'\u4E00').c_str(),
@@ -364,13 +314,6 @@ TEST(I18NConverterTest, BlocksGrowOnceAndByWholeSteps) {
     EXPECT_EQ(2, requests.calls);
     EXPECT_EQ(size, std::strlen(bytes) + 1);
     countingAllocator(&requests, bytes, 0, &size);
-    void* units = nullptr;
-    converter.toUnicode(&units, &size, std::string(kCount, '\x80').data(), kCount,
-                        countingAllocator, &requests);
-    EXPECT_EQ(800002, size);
-    EXPECT_EQ(5, requests.calls);
-    countingAllocator(&requests, static_cast<char*>(units), 0, &size);
-
     requests.limit = 1000;
     EXPECT_THROW(converter.fromUnicode(&bytes, &size, std::u16string(500, u'\u4E00').c_str(),
                                        countingAllocator, &requests),
@@ -380,70 +323,54 @@ TEST(I18NConverterTest, BlocksGrowOnceAndByWholeSteps) {
 }
 
 TEST(I18NConverterTest, MeasuresTextAndBuffers) {
-    for (const char* encoding : {"UTF-8", "UTF-16", "UTF-32", "gb18030", "ISO-2022-JP"}) {
+    for (const char* encoding : {"UTF-8", "UTF-16", "UTF-32", "ISO-2022-JP"}) {
         const I18NConverter converter(encoding);
-        for (const int n : {-5, -1, 0, 1, 7, 100000})
+        for (const int n : {-5, -1, 0, 1, 100000})
             EXPECT_EQ(n, converter.numLegacyCodePoints(converter.numLegacyBytes(n))) << encoding;
         EXPECT_EQ(INT_MAX, converter.numLegacyBytes(INT_MAX));
-        EXPECT_EQ(2, converter.numUnicodeBytes(0));
-        EXPECT_EQ(3, converter.numUnicodeCodePoints(8));
-        EXPECT_EQ(0, converter.getEffectiveBufferSize(nullptr, -1));
     }
     const struct {
         const char* encoding;
         int length, effective;
-    } rows[] = {{"UTF-8", 3, 2},  {"UTF-8", -1, 2},  {"UTF-8", 2, 2},  {"UTF-8", 0, 0},
-                {"UTF-16", 5, 3}, {"UTF-16", 3, 3},  {"UTF-16", 4, 2}, {"UTF-16", -1, 2},
-                {"UTF-32", 8, 4}, {"UTF-32", -1, 4}, {"UTF-32", 7, 7}, {"UTF-32", 3, 3}};
-    alignas(4) const char text[] = "\0ab\0\0\0\0\0\0";
+    } rows[] = {{"UTF-8", 3, 2},   {"UTF-8", -1, 2}, {"UTF-8", 2, 2},
+                {"UTF-16", 5, 3},  {"UTF-16", 3, 3}, {"UTF-16", -1, 2},
+                {"UTF-32", -1, 4}, {"UTF-32", 8, 4}, {"UTF-32", 3, 3}};
+    const std::string text("-ab\0\0\0\0\0\0\0", 10);
     for (const auto& row : rows)
         EXPECT_EQ(row.effective,
-                  I18NConverter(row.encoding).getEffectiveBufferSize(text + 1, row.length))
+                  I18NConverter(row.encoding).getEffectiveBufferSize(&text[1], row.length))
             << row.encoding << ", " << row.length;
 }
 
 TEST(I18NConverterTest, TellsEncodingsByTheirNames) {
     const struct {
-        const char* name;
-        const char* is;  // letters: 8 UTF-8, i ISO-8859, w windows-1252, 6 UTF-16, 3 UTF-32, b BOM
-    } rows[] = {{nullptr, "8"},
-                {"", "8"},
-                {"utf8", "8"},
-                {"Utf-8", "8"},
-                {"ascii", "8"},
-                {"ASCII7", ""},
-                {"UTF-8 ", ""},
-                {"iso-8859-15", "i"},
-                {"ISO8859whatever", "i"},
-                {"iso-885", ""},
-                {"Windows-1252", "w"},
-                {"windows-12520", ""},
-                {"ucs2", "6b"},
-                {"UTF-16", "6b"},
-                {"UTF-16LE", "b"},
-                {"UTF16_PlatformEndian", "6"},
-                {"utf16_p", "6"},
-                {"UCS-4", "3b"},
-                {"utf32", "3b"},
-                {"UTF32_PlatformEndian", "3"},
-                {"Shift_JIS", ""}};
-    for (const auto& row : rows) {
-        std::string is;
-        if (I18NConverter::isUTF8(row.name)) is += "8";
-        if (I18NConverter::isISO8859(row.name)) is += "i";
-        if (I18NConverter::isWindows1252(row.name)) is += "w";
-        if (I18NConverter::isUTF16(row.name)) is += "6";
-        if (I18NConverter::isUTF32(row.name)) is += "3";
-        if (I18NConverter::shouldUseBOM(row.name)) is += "b";
-        EXPECT_EQ(row.is, is) << (row.name != nullptr ? row.name : "null");
-    }
+        const char* is;  // 8 UTF-8, i ISO-8859, w windows-1252, 6 UTF-16, 3 UTF-32, b with a mark
+        std::vector<const char*> names;
+    } rows[] = {{"8", {nullptr, "", "utf8", "Utf-8", "ascii"}},
+                {"i", {"iso-8859-15", "ISO8859whatever"}},
+                {"w", {"Windows-1252"}},
+                {"6b", {"ucs2", "UTF-16"}},
+                {"b", {"UTF-16LE"}},
+                {"6", {"UTF16_PlatformEndian", "utf16_p"}},
+                {"3b", {"UCS-4", "utf32"}},
+                {"3", {"UTF32_PlatformEndian"}},
+                {"", {"ASCII7", "UTF-8 ", "UTF", "iso-885", "windows-12520", "Shift_JIS"}}};
+    for (const auto& row : rows)
+        for (const char* name : row.names) {
+            std::string is;
+            if (I18NConverter::isUTF8(name)) is += "8";
+            if (I18NConverter::isISO8859(name)) is += "i";
+            if (I18NConverter::isWindows1252(name)) is += "w";
+            if (I18NConverter::isUTF16(name)) is += "6";
+            if (I18NConverter::isUTF32(name)) is += "3";
+            if (I18NConverter::shouldUseBOM(name)) is += "b";
+            EXPECT_EQ(row.is, is) << (name != nullptr ? name : "null");
+        }
     EXPECT_TRUE(I18NConverter::isPlatformDefault(I18NGetPlatformDefaultEncoding()));
     EXPECT_FALSE(I18NConverter::isPlatformDefault(nullptr));
 }
 
 TEST(I18NConverterTest, RefusesEncodingsItDoesNotKnow) {
-    QBL_EXPECT_THROW(I18NConverter("no such"), I18NRuntimeError,
-                     "The specified encoding is not valid: \"no such\".");
     const std::string text =
         "The specified encoding is not valid: \"" + std::string(60, 'x') + "\".";
     QBL_EXPECT_THROW(I18NConverter(std::string(61, 'x').c_str()), I18NRuntimeError, text.c_str());
