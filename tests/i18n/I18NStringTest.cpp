@@ -9,7 +9,9 @@
 #include <unordered_map>
 
 #include "i18n/cpp/i18n_converter.hpp"
+#include "i18n/cpp/i18n_init.h"
 #include "i18n/cpp/i18n_string_iterator.hpp"
+#include "i18n/cpp/i18n_uri.hpp"
 #include "tests/support/FaultInjection.hpp"
 #include "tests/support/ThrowChecks.hpp"
 #include "tests/support/Workers.hpp"
@@ -247,6 +249,27 @@ TEST(I18NStringTest, GoesThroughConvertersBothWays) {
     EXPECT_EQ(4, size);
     I18NFreeBuffer(block);
     EXPECT_EQ(nullptr, block);
+}
+
+TEST(I18NStringTest, EscapesForUrlsAndReadsEscapes) {
+    I18NString escaped;
+    I18NURLEncode("a b\"'\u00E9%", escaped);
+    EXPECT_EQ("a%20b%34%5C\u00E9%25", escaped.toUtf8());
+    EXPECT_EQ(I18NString("\u00E9 +%zz%4"), I18NUriDecode("%C3%a9%20+%zz%4"));
+    EXPECT_EQ(I18NString("\u00E9"), I18NUriDecode("%E9", I18NConverter("ISO-8859-1")));
+    EXPECT_TRUE(I18NUriDecode(nullptr).empty());
+}
+
+TEST(I18NStringTest, ReadsOtherEncodingsOnceTheLayerIsInitialised) {
+    I18NInitialize();
+    EXPECT_EQ(u"\u65E5\u672C", I18NString("\x93\xFA\x96\x7B", "Shift_JIS").toUtf16());
+    EXPECT_EQ("\u044F", I18NString("\xFF", "windows-1251").toUtf8());
+    EXPECT_STREQ("\xFF", I18NString("\u044F").c_str("windows-1251"));
+    EXPECT_FALSE(I18NString("abc", "windows-1251").isUsingAsciiBuffer());
+    QBL_EXPECT_THROW(I18NString("x", "no such one"), I18NRuntimeError,
+                     "The specified encoding is not valid: \"no such one\".");
+    I18NTerminate();
+    EXPECT_TRUE(I18NString("\xFF", "windows-1251").empty());
 }
 
 TEST(I18NStringTest, CountsAndComparesInCodeUnitsInBothModes) {
