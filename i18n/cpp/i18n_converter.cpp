@@ -158,6 +158,8 @@ void I18NConverter::create(const char* name) {
 // Becomes a copy of the other under this name, or stays as it is if that fails. Name and ICU
 // converter share a block, since their allocations would cost more than all the rest.
 void I18NConverter::adopt(const I18NConverter& other, const char* encoding) {
+    // The context owns the block in the end.
+    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks)
     NamedBlock block = namedBlock(encoding, other.m_iCloneSize);
     int32_t size = other.m_iCloneSize;
     UConverter* clone = cloneInto(block.room, &size, other.m_pConverter);

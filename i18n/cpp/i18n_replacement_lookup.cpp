@@ -9,7 +9,7 @@ constexpr wchar_t kNoCharacter = 0xFFFF;
 
 /// @return the canonical name of an encoding, if the arguments are good; else null.
 const char* check(const char* encoding, bool given, I18NErrorCodes* error) {
-    I18NErrorCodes ignored;
+    I18NErrorCodes ignored = I18N_OK;
     I18NErrorCodes& result = error != nullptr ? *error : ignored;
     result = I18N_ARGUMENT;
     if (encoding == nullptr || !given) return nullptr;

@@ -209,6 +209,7 @@ I18NString& I18NString::operator=(const I18NString& other) {
     return *this;
 }
 
+// NOLINTNEXTLINE(performance-noexcept-move-constructor): see the declaration
 I18NString& I18NString::operator=(I18NString&& other) {
     const bool movable = m_allocator == other.m_allocator &&
                          m_allocatorContext == other.m_allocatorContext &&

@@ -38,6 +38,8 @@ I18NStringIteratorValue& I18NStringIteratorValue::operator=(wchar_t c) {
     return *this;
 }
 
+// Of itself it puts the same code point where it is.
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
 I18NStringIteratorValue& I18NStringIteratorValue::operator=(const I18NStringIteratorValue& other) {
     return *this = static_cast<wchar_t>(other);
 }

@@ -33,7 +33,8 @@ protected:
         m_tree.file("res.xml", text);
         resources().loadSequenceTable();
     }
-    static std::string inputOf(const char* encoding, std::string bytes) {
+    static std::string inputOf(const char* encoding, const std::string& sequence) {
+        std::string bytes = sequence;
         wchar_t character = 0;
         I18NErrorCodes error = I18N_UNEXPECTED;
         const bool found = resources().getReplacementSequence(
