@@ -169,7 +169,7 @@ TEST(I18NStringTest, FollowsAModelThroughRandomEdits) {
                 default:
                     ASSERT_EQ(text.c_str(), text.c_str());
                     text += text.empty() || model.size() > 500 ? I18NString() : text;
-                    if (model.size() <= 500) model = nfc(model + model);
+                    if (model.size() <= 500) model = nfc(model.append(model));
             }
             ASSERT_EQ(model, text.toUtf16()) << "step " << step;
             std::string utf8;
