@@ -16,7 +16,7 @@ I18NErrorCodes codeOf(const QBLThrowable& error) {
 // Runs an operation, of which nothing but the end of the thread may leave.
 template <class Body>
 TAV_CATCHES_UNWINDING auto contained(I18NErrorCodes* error, const Body& body) -> decltype(body()) {
-    I18NErrorCodes ignored;
+    I18NErrorCodes ignored = I18N_OK;
     I18NErrorCodes& code = error != nullptr ? *error : ignored;
     code = I18N_OK;
     try {
