@@ -210,10 +210,12 @@ std::map<std::string, std::string> currenciesOfLCIDs() {
         char back[ULOC_FULLNAME_CAPACITY] = "";
         Status status;
         uloc_getLocaleForLCID(lcid, back, sizeof back, status);
-        // A locale without an identifier of its own has its language's.
-        if (lcid == 0 || lcid > 0xFFFF || *locale.getVariant() != '\0' ||
-            locale != icu::Locale(back))
-            continue;
+        // A locale without an identifier of its own has its language's; one that is named by its
+        // script has that of the same locale without.
+        icu::Locale own(locale), other(back);
+        own.minimizeSubtags(status);
+        other.minimizeSubtags(status);
+        if (lcid == 0 || lcid > 0xFFFF || *locale.getVariant() != '\0' || own != other) continue;
         const std::string code = currencyOf(locale.getCountry());
         char key[8];
         std::snprintf(key, sizeof key, "0x%04X", lcid);

@@ -14,6 +14,10 @@ class I18NString;
 /// A failure is a false result, and errno tells why; a null path fails. Nothing throws but
 /// operations without such a result: QBLOutOfMemoryError, and what is said with them.
 ///
+/// A path in a string is taken in the platform's encoding; one with a zero in it, or that cannot be
+/// expressed, fails with EILSEQ, or I18NRuntimeError -4 where there is no result for that. Strings
+/// that receive a path are not normalised any more: it names the file in no other form.
+///
 /// Threads: any thread may call any operation; the two process-wide settings have a lock each.
 class QBL_API QBLFmDir {
 public:
@@ -47,7 +51,8 @@ public:
     /// @return false when the directory cannot be read; the lists are then as they were.
     static bool readDir(const char* path, std::list<std::string>* files, const char* filePattern,
                         std::list<std::string>* dirs, const char* dirPattern);
-    /// Names that are not valid in the platform's encoding come as the string makes them.
+    /// Names that are not valid in the platform's encoding come as the string makes them, and lead
+    /// to no file.
     static bool readDir(const I18NString& path, std::list<I18NString>* files,
                         const I18NString* filePattern, std::list<I18NString>* dirs,
                         const I18NString* dirPattern);

@@ -3,6 +3,7 @@
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmPath.hpp"
+#include "i18n/cpp/internal/i18n_encodings.hpp"
 
 namespace {
 
@@ -10,8 +11,30 @@ const char* orNull(const I18NString* text) {
     return text != nullptr ? qblPlatformPath(*text) : nullptr;
 }
 
+/// Paths are not normalised: another form of a name would be another file's.
+void setPath(I18NString& out, const std::string& path) {
+    const char* encoding = I18NGetPlatformDefaultEncoding();
+    out.useNormalization(false);
+    if (i18nIsUTF8(encoding))
+        out = path.c_str();
+    else
+        out = I18NString(path.c_str(), encoding);
+}
+
 I18NString fromPlatform(const std::string& path) {
-    return I18NString(path.c_str(), I18NGetPlatformDefaultEncoding());
+    I18NString made;
+    setPath(made, path);
+    return made;
+}
+
+/// The same for a path that has to lead to the file.
+/// @throws I18NRuntimeError for one that no string expresses
+void setWholePath(I18NString& out, const std::string& path) {
+    setPath(out, path);
+    if (path != qblPlatformPath(out)) {
+        out.remove();
+        QBL_THROW(I18NRuntimeError(I18N_CONVERSION, "A path is not of the platform's encoding"));
+    }
 }
 
 /// Runs an operation whose result is false after any failure.
@@ -29,11 +52,10 @@ bool orFalse(Body&& body) {
     return false;
 }
 
-void toStrings(const std::list<std::string>& names, std::list<I18NString>* out) {
-    if (out == nullptr) return;
+std::list<I18NString> toStrings(const std::list<std::string>& names) {
     std::list<I18NString> made;
     for (const std::string& name : names) made.push_back(fromPlatform(name));
-    out->swap(made);
+    return made;
 }
 
 typedef bool (*CreateTemp)(const char*, const char*, std::string&, const char*);
@@ -44,7 +66,13 @@ bool createTemp(CreateTemp create, const I18NString* basePath, const I18NString*
         std::string path;
         const bool made = create(orNull(basePath), orNull(prefix), path, orNull(suffix));
         const int error = errno;
-        result = fromPlatform(path);
+        try {
+            setWholePath(result, path);
+        } catch (...) {
+            // Nobody could remove it later.
+            if (made) QBLFmDir::removeFile(path.c_str());
+            throw;
+        }
         errno = error;
         return made;
     });
@@ -77,8 +105,9 @@ bool QBLFmDir::readDir(const I18NString& path, std::list<I18NString>* files,
                      orNull(filePattern), dirs != nullptr ? &dirNames : nullptr,
                      orNull(dirPattern)))
             return false;
-        toStrings(fileNames, files);
-        toStrings(dirNames, dirs);
+        std::list<I18NString> madeFiles = toStrings(fileNames), madeDirs = toStrings(dirNames);
+        if (files != nullptr) files->swap(madeFiles);
+        if (dirs != nullptr) dirs->swap(madeDirs);
         return true;
     });
 }
@@ -95,7 +124,7 @@ void QBLFmDir::joinPath(I18NString& base, const I18NString& relative) {
     QBL_ALLOC_TRY
     std::string path(qblPlatformPath(base));
     joinPath(path, qblPlatformPath(relative));
-    base = fromPlatform(path);
+    setPath(base, path);
     QBL_ALLOC_CATCH
 }
 
@@ -105,8 +134,8 @@ bool QBLFmDir::splitPath(const I18NString& path, I18NString* directory, I18NStri
         if (!splitPath(qblPlatformPath(path), directory != nullptr ? &before : nullptr,
                        file != nullptr ? &behind : nullptr))
             return false;
-        if (directory != nullptr) *directory = fromPlatform(before);
-        if (file != nullptr) *file = fromPlatform(behind);
+        if (directory != nullptr) setPath(*directory, before);
+        if (file != nullptr) setPath(*file, behind);
         return true;
     });
 }
@@ -119,7 +148,7 @@ void QBLFmDir::resolveEffectivePath(I18NString& path) {
     QBL_ALLOC_TRY
     std::string resolved(qblPlatformPath(path));
     resolveEffectivePath(resolved);
-    path = fromPlatform(resolved);
+    setPath(path, resolved);
     QBL_ALLOC_CATCH
 }
 
@@ -139,7 +168,7 @@ bool QBLFmDir::getTempPath(I18NString& result) {
     return orFalse([&result] {
         std::string path;
         const bool found = getTempPath(path);
-        result = fromPlatform(path);
+        setWholePath(result, path);
         return found;
     });
 }

@@ -1,5 +1,7 @@
 #include "QBLCore/FileManagement/QBLFmFile64.hpp"
 
+#include <cstdlib>
+
 #include "QBLCore/FileManagement/internal/QBLFmOperations.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmPath.hpp"
 #include "TavThread/internal/TavContain.hpp"
@@ -23,7 +25,10 @@ typedef QBLFmOperations<Calls> Operations;
 
 }  // namespace
 
-QBLFmFile64::QBLFmFile64() : m_reserved(0), m_message() {}
+QBLFmFile64::QBLFmFile64() : m_reserved(0), m_message() {
+    // Another form of a name would be another file's.
+    m_name.useNormalization(false);
+}
 
 QBLFmFile64::~QBLFmFile64() { Operations::closeQuietly(m_file); }
 
@@ -50,6 +55,13 @@ bool QBLFmFile64::open(const I18NString& name, createmode mode, int readOnly) {
 }
 
 bool QBLFmFile64::open(const char* name, createmode mode, int readOnly) {
+    // Closing drops the old name, which the new one may be.
+    const std::unique_ptr<char, decltype(&std::free)> copy(
+        m_file.isOpen() && name != nullptr ? strdup(name) : nullptr, &std::free);
+    if (copy != nullptr)
+        name = copy.get();
+    else if (m_file.isOpen() && name != nullptr)
+        return Operations::fail(*this, ENOMEM);
     if (!Operations::open(*this, m_file, name, mode, readOnly)) return false;
     // The file is open, with or without memory for its name.
     tavContain([&] { m_name = name; });

@@ -9,7 +9,7 @@
 
 #include "TavThread/internal/TavContain.hpp"
 #include "i18n/cpp/internal/i18n_icu.hpp"
-#include "i18n/cpp/internal/i18n_replacement_tables.hpp"
+#include "i18n/cpp/internal/i18n_settings.hpp"
 
 namespace {
 
@@ -29,7 +29,8 @@ bool isAboutText(UConverterCallbackReason reason) { return reason <= UCNV_IRREGU
 int limited(int count) { return std::clamp<int>(count, 0, I18N_USER_REPLACEMENT_LIMIT); }
 
 std::string_view canonicalName(const char* cached, const char* encoding) {
-    if (cached == nullptr && encoding != nullptr) cached = i18nCanonicalEncoding(encoding);
+    if (cached == nullptr && encoding != nullptr)
+        tavContain([&] { cached = i18nCanonicalEncoding(encoding); });
     return cached != nullptr ? cached : "";
 }
 
@@ -71,7 +72,7 @@ void LOOKUP_UNCONVERTIBLE_INPUT_CALLBACK(const void* context, UConverterToUnicod
                                          UConverterCallbackReason reason, UErrorCode* status) {
     const auto* with = static_cast<const I18NInputCallbackContext*>(context);
     if (!isAboutText(reason) || with == nullptr) return;
-    const char32_t* entry = I18NReplacementTables::instance().findInput(
+    const char32_t* entry = I18NSettings::now().replacements.findInput(
         canonicalName(with->canonicalName, with->encoding),
         std::string_view(bytes, static_cast<std::size_t>(length)));
     Replacement replacement;
@@ -121,7 +122,7 @@ void LOOKUP_UNCONVERTIBLE_OUTPUT_CALLBACK(const void* context, UConverterFromUni
                                           UConverterCallbackReason reason, UErrorCode* status) {
     const auto* with = static_cast<const I18NOutputCallbackContext*>(context);
     if (!isAboutText(reason) || with == nullptr) return;
-    const std::string* entry = I18NReplacementTables::instance().findOutput(
+    const std::string* entry = I18NSettings::now().replacements.findOutput(
         canonicalName(with->canonicalName, with->encoding), static_cast<char32_t>(codePoint));
     if (entry == nullptr)
         UCNV_FROM_U_CALLBACK_SUBSTITUTE(nullptr, args, units, length, codePoint, reason, status);

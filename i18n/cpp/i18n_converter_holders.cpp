@@ -32,6 +32,7 @@ I18NConverterPlatformDefault::I18NConverterPlatformDefault()
 I18NConverterPlatformDefault::~I18NConverterPlatformDefault() { delete m_pConverter; }
 
 void i18nCreateConverters() {
+    if (i18nHolders().utf8 != nullptr) return;
     QBL_ALLOC_TRY
     I18NHolders made;
     made.utf8 = std::make_unique<I18NConverterUTF8>();
@@ -40,8 +41,6 @@ void i18nCreateConverters() {
     qblImmortal<I18NHolders>() = std::move(made);
     QBL_ALLOC_CATCH
 }
-
-void i18nDeleteConverters() { qblImmortal<I18NHolders>() = I18NHolders(); }
 
 const I18NHolders& i18nHolders() { return qblImmortal<I18NHolders>(); }
 

@@ -8,13 +8,6 @@ const char16_t kNoDescription[] = u"No description";
 
 constexpr unsigned long kMostDecimals = 9;
 
-/// As the tables write a locale identifier: "0x0407".
-std::string lcidKey(unsigned short lcid) {
-    std::string key = "0x";
-    for (int shift = 12; shift >= 0; shift -= 4) key += "0123456789ABCDEF"[(lcid >> shift) & 0xF];
-    return key;
-}
-
 }  // namespace
 
 std::u16string I18NInternalResources::getCurrencyDescription(const char* currency,
@@ -73,18 +66,25 @@ bool I18NInternalResources::getLCIDForCurrencyCode(const char* currency, unsigne
     if (currency == nullptr) return false;
     QBL_ALLOC_TRY
     const std::u16string code(currency, currency + std::char_traits<char>::length(currency));
+    bool found = false;
     for (const auto& [key, value] : m_data.maps.get(kI18NCurrencyOfLCID, i18nEnglish())) {
         const auto number = i18nParseNumber(key, 0xFFFF);
-        if (value != code || !number) continue;
+        if (value != code || !number || (found && *number >= lcid)) continue;
         lcid = static_cast<unsigned short>(*number);
-        return true;
+        found = true;
     }
-    return false;
+    return found;
     QBL_ALLOC_CATCH
 }
 
 bool I18NInternalResources::getCurrencyCodeForLCID(unsigned short lcid, std::string& currency) {
     QBL_ALLOC_TRY
-    return m_data.findCode(kI18NCurrencyOfLCID, lcidKey(lcid).c_str(), currency);
+    for (const auto& [key, value] : m_data.maps.get(kI18NCurrencyOfLCID, i18nEnglish())) {
+        const auto number = i18nParseNumber(key, 0xFFFF);
+        if (!number || *number != lcid) continue;
+        currency.assign(value.begin(), value.end());
+        return true;
+    }
+    return false;
     QBL_ALLOC_CATCH
 }

@@ -27,7 +27,6 @@ void start() {
 /// Stops what is started of the layer, under its lock; the reverse of start().
 void stop() {
     i18nSetInitialized(false);
-    i18nDeleteConverters();
     I18NInternalResources::getInternalResForTesting().release();
 }
 

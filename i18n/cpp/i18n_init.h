@@ -11,7 +11,8 @@ extern "C" {
 /// resource file there, and makes the converters that others are made from. Calls are counted;
 /// only the first starts anything, and every one that returns wants a call of I18NTerminate().
 /// Until the first is through, bytes in encodings other than the ASCII-compatible ones are not
-/// converted. As ICU is told where its data is, no thread may use ICU itself meanwhile.
+/// converted. Other threads may use strings and converters meanwhile, but not ICU itself, which is
+/// told where its data is here or when the first converter is made.
 ///
 /// Throws, in C++: QBLOutOfMemoryError, QBLStdExceptionError for another standard exception, or
 /// what a part of the layer throws; nothing is started or counted then. A program in C cannot
@@ -21,7 +22,8 @@ extern "C" {
 QBL_API void I18NInitialize(void);
 
 /// Undoes a call of I18NInitialize(); the last one stops the layer and releases what the resources
-/// have handed out. Without effect if the layer is not started.
+/// have handed out. Other threads may use strings and converters meanwhile, but not the resources.
+/// Without effect if the layer is not started.
 QBL_API void I18NTerminate(void);
 
 #ifdef __cplusplus

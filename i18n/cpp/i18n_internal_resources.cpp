@@ -1,16 +1,14 @@
 #include "i18n/cpp/i18n_internal_resources.hpp"
 
-#include <unicode/putil.h>
-#include <unicode/udata.h>
 #include <unicode/utf16.h>
 
 #include <algorithm>
 #include <cwchar>
-#include <mutex>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Frame/internal/QBLImmortal.hpp"
 #include "i18n/cpp/internal/i18n_bin_dir.hpp"
+#include "i18n/cpp/internal/i18n_icu.hpp"
 #include "i18n/cpp/internal/i18n_internal_data.hpp"
 
 namespace {
@@ -36,11 +34,6 @@ bool contains(const std::vector<char32_t>& sorted, char32_t codePoint) {
 
 }  // namespace
 
-const I18NSettings& I18NInternalResources::Data::settings() const {
-    const I18NSettings* now = loaded.load(std::memory_order_acquire);
-    return now != nullptr ? *now : qblImmortal<I18NSettings>();
-}
-
 I18NInternalResources::I18NInternalResources() : m_data(qblImmortal<Data>()) {}
 
 I18NInternalResources& I18NInternalResources::getInternalResForTesting() {
@@ -51,15 +44,7 @@ I18NInternalResources& I18NInternalResources::getInternalResForTesting() {
 
 void I18NInternalResources::setDataDirectoryPath() {
     determineBinDir();
-    const std::string binDir = getDataDirectoryPath();
-    if (binDir.empty()) return;
-    // Once: other threads may be reading the name of the directory that another call would free.
-    static std::once_flag named;
-    std::call_once(named, [&] {
-        UErrorCode error = U_ZERO_ERROR;
-        udata_setFileAccess(UDATA_PACKAGES_FIRST, &error);
-        u_setDataDirectory(binDir.c_str());
-    });
+    i18nPrepareICU();
 }
 
 std::string I18NInternalResources::getDataDirectoryPath() {
@@ -82,19 +67,18 @@ void I18NInternalResources::__changeResourceFileName(const char* name) {
 void I18NInternalResources::loadSequenceTable() {
     QBL_ALLOC_TRY
     const std::string path = i18nResolveBinDir(qblImmortal<ResPath>().get());
-    auto settings = I18NSettings::load(path, I18NReplacementTables::instance());
+    auto settings = I18NSettings::load(path);
     if (settings == nullptr) return;
-    m_data.replaceScaledZero = settings->replaceScaledZero;
-    m_data.negativeZero = settings->negativeZero;
-    delete m_data.loaded.exchange(settings.release());
+    I18NSettings::publish(std::move(settings));
+    m_data.replaceScaledZero = I18NSettings::now().replaceScaledZero;
+    m_data.negativeZero = I18NSettings::now().negativeZero;
     QBL_ALLOC_CATCH
 }
 
 void I18NInternalResources::release() {
-    delete m_data.loaded.exchange(nullptr);
+    I18NSettings::publish(nullptr);
     m_data.replaceScaledZero = false;
     m_data.negativeZero = false;
-    I18NReplacementTables::instance().clear();
     {
         QBLThreadGuard guard(m_data.lock);
         m_data.xmlEntities.made.reset();
@@ -106,7 +90,7 @@ void I18NInternalResources::release() {
 }
 
 float I18NInternalResources::getUTF8BytesPerCodePoints() const {
-    return m_data.settings().utf8BytesPerCodePoint;
+    return I18NSettings::now().utf8BytesPerCodePoint;
 }
 
 bool I18NInternalResources::isAllowReplaceScaledZero() const { return m_data.replaceScaledZero; }
@@ -120,7 +104,7 @@ bool I18NInternalResources::isAllowNegativeZero() const { return m_data.negative
 void I18NInternalResources::setAllowNegativeZero(bool allow) { m_data.negativeZero = allow; }
 
 bool I18NInternalResources::isNonNormalizable(const wchar_t* text) const {
-    const std::vector<char32_t>& all = m_data.settings().nonNormalizable;
+    const std::vector<char32_t>& all = I18NSettings::now().nonNormalizable;
     if (text == nullptr || all.empty()) return false;
     return std::any_of(text, text + std::wcslen(text), [&all](wchar_t character) {
         return contains(all, static_cast<char32_t>(character));
@@ -128,7 +112,7 @@ bool I18NInternalResources::isNonNormalizable(const wchar_t* text) const {
 }
 
 bool I18NInternalResources::isNonNormalizable(std::u16string_view text) const {
-    const std::vector<char32_t>& all = m_data.settings().nonNormalizable;
+    const std::vector<char32_t>& all = I18NSettings::now().nonNormalizable;
     if (all.empty()) return false;
     for (std::size_t i = 0; i < text.size();) {
         char32_t codePoint;
@@ -139,28 +123,32 @@ bool I18NInternalResources::isNonNormalizable(std::u16string_view text) const {
 }
 
 char32_t I18NInternalResources::getJaSubstitution(char32_t codePoint) const {
-    const auto& all = m_data.settings().jaSubstitutions;
+    const auto& all = I18NSettings::now().jaSubstitutions;
     const auto found = all.find(codePoint);
     return found != all.end() ? found->second : codePoint;
 }
 
 bool I18NInternalResources::substituteJa(std::u16string& text) const {
-    if (m_data.settings().jaSubstitutions.empty()) return false;
+    if (I18NSettings::now().jaSubstitutions.empty()) return false;
     QBL_ALLOC_TRY
+    std::u16string result;
     bool any = false;
     for (std::size_t i = 0; i < text.size();) {
         const std::size_t begin = i;
         char32_t codePoint;
         U16_NEXT(text.data(), i, text.size(), codePoint);
         const char32_t other = getJaSubstitution(codePoint);
-        if (other == codePoint) continue;
+        if (other == codePoint) {
+            result.append(text, begin, i - begin);
+            continue;
+        }
         char16_t units[U16_MAX_LENGTH];
         std::size_t length = 0;
         U16_APPEND_UNSAFE(units, length, other);
-        text.replace(begin, i - begin, units, length);
-        i = begin + length;
+        result.append(units, length);
         any = true;
     }
+    if (any) text.swap(result);
     return any;
     QBL_ALLOC_CATCH
 }

@@ -31,8 +31,9 @@ public:
     I18NInternalResources(const I18NInternalResources&) = delete;
     I18NInternalResources& operator=(const I18NInternalResources&) = delete;
 
-    /// Finds the installation's bin directory, and the first time that there is one names it to ICU
-    /// as the place of its data. What ICU has built in comes first all the same.
+    /// Finds the installation's bin directory, and names it to ICU as the place of its data, unless
+    /// ICU is in use already: a converter made earlier has done the same. What ICU has built in
+    /// comes first all the same.
     static void setDataDirectoryPath();
     /// The bin directory; empty if none was found.
     static std::string getDataDirectoryPath();

@@ -1,6 +1,7 @@
 #include <unicode/dcfmtsym.h>
 #include <unicode/uloc.h>
 
+#include <cstring>
 #include <string_view>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
@@ -23,6 +24,7 @@ constexpr const char* kSupportedLocales[] = {
     "en_ZW", "zh_SG",         "fr_FR_EURO", "ro_RO", "tr_TR", "es_PY"};
 
 const char kUnknownLanguage[] = "en-us";
+const char kRootLocale[] = "root";
 
 /// Encodings by languages, each between blanks, and for all others at the end.
 struct LanguageEncoding {
@@ -102,7 +104,7 @@ bool I18NInternalResources::getDefaultLocaleForLanguage(const char* language, st
     QBL_ALLOC_TRY
     std::string name = kUnknownLanguage;
     const bool known = m_data.findCode(kI18NLocaleOfLanguage, language, name);
-    const I18NLocaleSettings* settings = m_data.settings().find(name);
+    const I18NLocaleSettings* settings = I18NSettings::now().find(name);
     if (settings != nullptr && !settings->defaultVariant.empty())
         name.append("_").append(settings->defaultVariant);
     locale.swap(name);
@@ -112,7 +114,7 @@ bool I18NInternalResources::getDefaultLocaleForLanguage(const char* language, st
 
 std::string I18NInternalResources::getEncodingForLocale(const I18NLocale& locale) const {
     QBL_ALLOC_TRY
-    const I18NLocaleSettings* settings = m_data.settings().find(locale.getName());
+    const I18NLocaleSettings* settings = I18NSettings::now().find(locale.getName());
     if (settings != nullptr && !settings->csvEncoding.empty()) return settings->csvEncoding;
     return encodingOf(locale.getLanguage(), locale.getCountry());
     QBL_ALLOC_CATCH
@@ -120,15 +122,18 @@ std::string I18NInternalResources::getEncodingForLocale(const I18NLocale& locale
 
 bool I18NInternalResources::getLocaleIdFroLCID(unsigned short lcid, std::string& locale) const {
     QBL_ALLOC_TRY
-    for (const auto& [name, settings] : m_data.settings().locales) {
-        if (lcid == 0 || !settings.inUse || settings.lcid != lcid) continue;
+    if (lcid == 0) return false;
+    for (const auto& [name, settings] : I18NSettings::now().locales) {
+        if (!settings.inUse || settings.lcid != lcid) continue;
         locale = name;
         return true;
     }
     char name[ULOC_FULLNAME_CAPACITY];
     UErrorCode error = U_ZERO_ERROR;
     uloc_getLocaleForLCID(lcid, name, sizeof name, &error);
-    if (U_FAILURE(error) || error == U_STRING_NOT_TERMINATED_WARNING || *name == '\0') return false;
+    if (U_FAILURE(error) || error == U_STRING_NOT_TERMINATED_WARNING || *name == '\0' ||
+        std::strcmp(name, kRootLocale) == 0)
+        return false;
     locale = name;
     return true;
     QBL_ALLOC_CATCH
@@ -136,7 +141,7 @@ bool I18NInternalResources::getLocaleIdFroLCID(unsigned short lcid, std::string&
 
 bool I18NInternalResources::isLocaleModified(const I18NLocale& locale) const {
     QBL_ALLOC_TRY
-    return m_data.settings().find(locale.getName()) != nullptr;
+    return I18NSettings::now().find(locale.getName()) != nullptr;
     QBL_ALLOC_CATCH
 }
 

@@ -145,6 +145,8 @@ private:
 
 bool findResourceFile(std::string& path, std::string& name, const char* base,
                       const I18NLocale& locale) {
+    // Those who ask before the start of the layer find the same as later.
+    determineBinDir();
     const std::string binDir = i18nBinDir();
     for (const std::string& candidate : namesOf(locale)) {
         const std::string file = base + candidate + ".xml";

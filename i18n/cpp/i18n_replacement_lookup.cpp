@@ -1,6 +1,5 @@
 #include "i18n/cpp/i18n_internal_resources.hpp"
 #include "i18n/cpp/internal/i18n_icu.hpp"
-#include "i18n/cpp/internal/i18n_replacement_tables.hpp"
 #include "i18n/cpp/internal/i18n_settings.hpp"
 
 namespace {
@@ -28,7 +27,7 @@ bool I18NInternalResources::getReplacementSequence(const char* encoding, wchar_t
     const char* canonical = check(encoding, bytes != nullptr && length != nullptr, error);
     if (canonical == nullptr) return false;
     const std::string* found =
-        I18NReplacementTables::instance().findOutput(canonical, static_cast<char32_t>(character));
+        I18NSettings::now().replacements.findOutput(canonical, static_cast<char32_t>(character));
     if (found == nullptr) return false;
     // The callers' type; none of them writes through it.
     *bytes = reinterpret_cast<unsigned char*>(const_cast<char*>(found->data()));
@@ -43,7 +42,7 @@ bool I18NInternalResources::getReplacementSequence(const char* encoding, unsigne
     const bool given = bytes != nullptr && length >= 0 && character != nullptr;
     const char* canonical = check(encoding, given, error);
     if (canonical == nullptr) return false;
-    const char32_t* found = I18NReplacementTables::instance().findInput(
+    const char32_t* found = I18NSettings::now().replacements.findInput(
         canonical,
         std::string_view(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(length)));
     if (found == nullptr) return false;

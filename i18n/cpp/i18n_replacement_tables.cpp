@@ -1,7 +1,5 @@
 #include "i18n/cpp/internal/i18n_replacement_tables.hpp"
 
-#include "QBLCore/Frame/internal/QBLImmortal.hpp"
-
 namespace {
 
 template <class Tables, class Key>
@@ -25,11 +23,6 @@ void I18NReplacementTables::addOutput(const std::string& encoding, char32_t code
     m_outputs[encoding][codePoint] = replacement;
 }
 
-void I18NReplacementTables::clear() {
-    m_inputs.clear();
-    m_outputs.clear();
-}
-
 const char32_t* I18NReplacementTables::findInput(std::string_view encoding,
                                                  std::string_view bytes) const {
     return find(m_inputs, encoding, bytes);
@@ -38,8 +31,4 @@ const char32_t* I18NReplacementTables::findInput(std::string_view encoding,
 const std::string* I18NReplacementTables::findOutput(std::string_view encoding,
                                                      char32_t codePoint) const {
     return find(m_outputs, encoding, codePoint);
-}
-
-I18NReplacementTables& I18NReplacementTables::instance() {
-    return qblImmortal<I18NReplacementTables>();
 }

@@ -47,13 +47,24 @@ locale_t cLocale() {
     return c;
 }
 
+/// Where a text stands in a line outside of quotes, from the end; npos if it does not.
+std::size_t findLastUnquoted(std::string_view line, std::string_view text) {
+    std::size_t last = std::string_view::npos;
+    bool quoted = false;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        if (line[i] == '"') quoted = !quoted;
+        if (!quoted && line.compare(i, text.size(), text) == 0) last = i;
+    }
+    return last;
+}
+
 }  // namespace
 
 bool I18NResourceReader::next() {
     std::string line;
     while (m_file.readLine(line)) {
         const bool inComment = m_bInComment;
-        const std::size_t comment = line.rfind("<!--");
+        const std::size_t comment = inComment ? line.rfind("<!--") : findLastUnquoted(line, "<!--");
         if (comment != std::string::npos)
             m_bInComment = line.find("-->", comment) == std::string::npos;
         else if (line.find("-->") != std::string::npos)

@@ -3,8 +3,14 @@
 #include <strings.h>
 
 #include <algorithm>
+#include <atomic>
 #include <optional>
+#include <set>
+#include <tuple>
 
+#include "QBLCore/Frame/internal/QBLImmortal.hpp"
+#include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
+#include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "i18n/cpp/internal/i18n_icu.hpp"
 #include "i18n/cpp/internal/i18n_resource_reader.hpp"
 
@@ -35,8 +41,8 @@ std::optional<std::string> bytesOf(const std::string& list) {
 /// Goes through the elements of a file, with what the ones around the current one said.
 class Loader {
 public:
-    Loader(I18NSettings& settings, I18NReplacementTables& tables)
-        : m_settings(settings), m_tables(tables) {}
+    explicit Loader(I18NSettings& settings)
+        : m_settings(settings), m_tables(settings.replacements) {}
 
     void load(I18NResourceReader& reader);
 
@@ -69,7 +75,7 @@ private:
         endEncoding(reader);
         for (const std::string& name : i18nSplitList(valueOf(reader)))
             if (const char* canonical = i18nCanonicalEncoding(name.c_str()))
-                m_encodings.emplace_back(canonical);
+                m_encodings.emplace(canonical);
     }
     void endEncoding(const I18NResourceReader& reader) {
         m_encodings.clear();
@@ -121,10 +127,9 @@ private:
         m_settings.negativeZero = isTrue(valueOf(reader));
     }
     void readBytesPerCodePoint(const I18NResourceReader& reader) {
-        const double value = i18nParseReal(valueOf(reader));
-        if (value > 0.0)
-            m_settings.utf8BytesPerCodePoint =
-                static_cast<float>(std::min<double>(value, kMostBytesPerCodePoint));
+        const auto value = static_cast<float>(
+            std::min<double>(i18nParseReal(valueOf(reader)), kMostBytesPerCodePoint));
+        if (value > 0.0F) m_settings.utf8BytesPerCodePoint = value;
     }
 
     void beginLocale(const I18NResourceReader& reader) {
@@ -153,7 +158,7 @@ private:
     I18NSettings& m_settings;
     I18NReplacementTables& m_tables;
     Direction m_direction = Direction::None;
-    std::vector<std::string> m_encodings;   // canonical names
+    std::set<std::string> m_encodings;      // canonical names
     std::optional<std::string> m_sequence;  // as it is written
     I18NLocaleSettings* m_pLocale = nullptr;
 };
@@ -191,6 +196,13 @@ void Loader::load(I18NResourceReader& reader) {
     }
 }
 
+/// All settings that were ever published.
+struct Published {
+    std::atomic<const I18NSettings*> now{nullptr};  // null for the defaults
+    QBLThreadCriticalSection lock{0};
+    std::vector<std::unique_ptr<const I18NSettings>> all QBL_GUARDED_BY(lock);
+};
+
 }  // namespace
 
 const I18NLocaleSettings* I18NSettings::find(const std::string& locale) const {
@@ -198,12 +210,45 @@ const I18NLocaleSettings* I18NSettings::find(const std::string& locale) const {
     return found != locales.end() && found->second.inUse ? &found->second : nullptr;
 }
 
-std::unique_ptr<const I18NSettings> I18NSettings::load(const std::string& path,
-                                                       I18NReplacementTables& tables) {
+bool I18NLocaleSettings::operator==(const I18NLocaleSettings& other) const {
+    const auto all = [](const I18NLocaleSettings& s) {
+        return std::tie(s.inUse, s.lcid, s.defaultVariant, s.csvEncoding);
+    };
+    return all(*this) == all(other);
+}
+
+bool I18NSettings::operator==(const I18NSettings& other) const {
+    const auto all = [](const I18NSettings& s) {
+        return std::tie(s.utf8BytesPerCodePoint, s.replaceScaledZero, s.negativeZero,
+                        s.nonNormalizable, s.jaSubstitutions, s.locales, s.replacements);
+    };
+    return all(*this) == all(other);
+}
+
+std::unique_ptr<const I18NSettings> I18NSettings::load(const std::string& path) {
     I18NResourceReader reader(path.c_str());
     if (!reader.isOpen()) return nullptr;
-    tables.clear();
     auto settings = std::make_unique<I18NSettings>();
-    Loader(*settings, tables).load(reader);
+    Loader(*settings).load(reader);
     return settings;
+}
+
+const I18NSettings& I18NSettings::now() {
+    const I18NSettings* settings = qblImmortal<Published>().now.load(std::memory_order_acquire);
+    return settings != nullptr ? *settings : qblImmortal<I18NSettings>();
+}
+
+void I18NSettings::publish(std::unique_ptr<const I18NSettings> settings) {
+    Published& published = qblImmortal<Published>();
+    const I18NSettings* chosen = nullptr;
+    if (settings != nullptr) {
+        QBLThreadGuard guard(published.lock);
+        for (const auto& earlier : published.all)
+            if (*earlier == *settings) chosen = earlier.get();
+        if (chosen == nullptr) {
+            published.all.push_back(std::move(settings));
+            chosen = published.all.back().get();
+        }
+    }
+    published.now.store(chosen, std::memory_order_release);
 }

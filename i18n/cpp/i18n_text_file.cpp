@@ -1,6 +1,12 @@
 #include "i18n/cpp/internal/i18n_text_file.hpp"
 
+#include <fcntl.h>
+
+#include <cerrno>
+#include <new>
+
 #include "QBLCore/FileManagement/internal/QBLFmNoCancel.hpp"
+#include "QBLCore/FileManagement/internal/QBLFmStatus.hpp"
 
 namespace {
 
@@ -11,7 +17,18 @@ const char kByteOrderMark[] = "\xEF\xBB\xBF";
 
 }  // namespace
 
-I18NTextFile::I18NTextFile(const char* path) : m_pFile(fopen64(path, "re")) {}
+I18NTextFile::I18NTextFile(const char* path) {
+    // Without waiting: whatever is no regular file may have no end, or nobody who writes to it.
+    const int fd = open64(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0 && errno == ENOMEM) throw std::bad_alloc();
+    if (fd < 0) return;
+    QBLFmStatus status;
+    if (status.get(fd) && status.isRegular()) m_pFile.reset(fdopen(fd, "r"));
+    if (m_pFile != nullptr) return;
+    const bool exhausted = errno == ENOMEM;
+    qblCloseQuietly(fd);
+    if (exhausted) throw std::bad_alloc();
+}
 
 void I18NTextFile::Close::operator()(std::FILE* file) const {
     const QBLFmNoCancel noCancel;
@@ -19,7 +36,6 @@ void I18NTextFile::Close::operator()(std::FILE* file) const {
 }
 
 int I18NTextFile::nextByte() {
-    if (m_iRead == kLargestFile) return EOF;
     const int byte = getc_unlocked(m_pFile.get());
     if (byte != EOF) ++m_iRead;
     return byte;
@@ -33,6 +49,7 @@ bool I18NTextFile::readLine(std::string& line) {
     if (byte == EOF) return false;
     bool tooLong = false;
     for (; byte != EOF && byte != '\n'; byte = nextByte()) {
+        if (m_iRead > kLargestFile) return false;
         tooLong = tooLong || line.size() == kLongestLine;
         if (!tooLong) line += static_cast<char>(byte);
     }

@@ -192,13 +192,14 @@ TEST(QBLFmDirTest, RemovesWhatItMayAndTellsTheRest) {
 TEST(QBLFmDirTest, TakesAndGivesStrings) {
     TempTree tree;
     I18NString dir(tree.root()), made;
-    QBLFmDir::joinPath(dir, I18NString("\u00E9t\u00E9/\u4E2D"));
+    QBLFmDir::joinPath(dir, I18NString("\u00E9te\u0301/\u4E2D"));
     ASSERT_TRUE(QBLFmDir::createRecursiveDir(dir));
     const I18NString prefix("\u00FC"), pattern("\u00FC*");
     ASSERT_TRUE(QBLFmDir::createTempFile(&dir, &prefix, made));
     QBLFmFile64 file;
     ASSERT_TRUE(file.open(made, QBLFmFile64::existing, 0));
     EXPECT_EQ(made, file.getFileName());
+    EXPECT_TRUE(file.open(file.getFileName(), QBLFmFile64::existing, 1)) << "closed by its name";
     std::list<I18NString> files, dirs;
     ASSERT_TRUE(QBLFmDir::readDir(dir, &files, &pattern, &dirs, nullptr));
     ASSERT_EQ(1U, files.size());
@@ -207,6 +208,9 @@ TEST(QBLFmDirTest, TakesAndGivesStrings) {
     EXPECT_EQ(dir, before);
     EXPECT_EQ(files.front(), behind);
     EXPECT_EQ(made, QBLFmDir::getFileFullPath(behind, dir, {}));
+    I18NString cut(made);
+    cut.append(L'\0').append(".txt");
+    EXPECT_TRUE(!QBLFmDir::removeFile(cut) && errno == EILSEQ) << "another file's name";
     EXPECT_TRUE(QBLFmDir::removeDir(dir));
     EXPECT_FALSE(QBLFmDir::exists(made, S_IFREG));
     EXPECT_FALSE(file.open(made, QBLFmFile64::existing, 0));

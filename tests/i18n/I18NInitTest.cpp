@@ -2,12 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <functional>
 
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
 #include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/i18n_internal_resources.hpp"
+#include "i18n/cpp/i18n_string.hpp"
 #include "tests/support/Child.hpp"
 #include "tests/support/FaultInjection.hpp"
 #include "tests/support/Workers.hpp"
@@ -64,8 +66,17 @@ TEST(I18NInitTest, AFailedStartIsAsGoodAsNone) {
               }));
 }
 
-TEST(I18NInitTest, StartsAndStopsOfThreadsTakeTurns) {
+TEST(I18NInitTest, StartsAndStopsOfThreadsTakeTurnsWhileOthersConvert) {
     EXPECT_EQ(0, withShippedFiles([] {
+                  std::atomic<bool> done{false};
+                  Workers users(1, [&done] {
+                      while (!done) {
+                          I18NConverter ascii("US-ASCII");
+                          ascii.setBuiltInUnconvertibleOutputSequenceCallback(I18N_LOOKUP);
+                          EXPECT_STREQ("e\u0301", I18NString(L"e\u0301").c_str());
+                          I18NString(L"\u20AC").c_str(ascii);
+                      }
+                  });
                   Workers(4, [] {
                       for (int i = 0; i < 20; ++i) {
                           I18NInitialize();
@@ -73,6 +84,8 @@ TEST(I18NInitTest, StartsAndStopsOfThreadsTakeTurns) {
                           I18NTerminate();
                       }
                   }).join();
+                  done = true;
+                  users.join();
                   return !isStarted();
               }));
 }

@@ -12,12 +12,11 @@ struct I18NHolders {
     std::unique_ptr<I18NConverterPlatformDefault> platformDefault;
 };
 
-/// Makes the prepared converters; after a failure there are none.
+/// Makes the prepared converters, once; after a failure there are none. They stay when the layer
+/// stops, for a thread may be making a converter from one then.
 /// Requires: the layer is not yet initialised, and no other thread starts or stops it.
 /// @throws what the constructor of I18NConverter throws.
 void i18nCreateConverters();
-/// Requires: the layer is no longer initialised, and no thread makes a converter.
-void i18nDeleteConverters();
 /// What I18NConverter::isInitialized() tells. Set last in the start, when the prepared converters
 /// and the replacement tables are complete, and taken back first in the stop.
 void i18nSetInitialized(bool initialized);

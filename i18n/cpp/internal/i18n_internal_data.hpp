@@ -23,16 +23,12 @@ struct I18NLazyTransliterator {
 const I18NLocale& i18nEnglish();
 
 struct I18NInternalResources::Data {
-    const I18NSettings& settings() const;
     /// Copies the value of a key. @return false when the map has no such key.
     bool find(const I18NMapSource& source, const I18NLocale& locale, const char* key,
               std::u16string& value);
     /// The same for values that are codes, in a table that is the same for all languages.
     bool findCode(const I18NMapSource& source, const char* key, std::string& code);
 
-    /// Of loadSequenceTable(), null until then. Strings are normalised by any thread, also while
-    /// the layer starts, so they find either nothing or all of it.
-    std::atomic<const I18NSettings*> loaded{nullptr};
     std::atomic<bool> replaceScaledZero{false};
     std::atomic<bool> negativeZero{false};
 

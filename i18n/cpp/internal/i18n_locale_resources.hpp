@@ -22,7 +22,7 @@ extern const I18NMapSource kI18NCurrencySymbols;
 extern const I18NMapSource kI18NCurrencyDecimals;
 extern const I18NMapSource kI18NCurrencyDescriptions;
 extern const I18NMapSource kI18NCurrencyMapping;
-extern const I18NMapSource kI18NCurrencyOfLCID;  // keys like "0x0407"
+extern const I18NMapSource kI18NCurrencyOfLCID;  // keys are numbers, like "0x0407"
 extern const I18NMapSource kI18NCurrencyOfCountry;
 extern const I18NMapSource kI18NWords;
 extern const I18NMapSource kI18NTimePeriods;

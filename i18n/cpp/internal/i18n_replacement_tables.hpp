@@ -6,10 +6,7 @@
 #include <string_view>
 
 /// What the resource file says of text that an encoding cannot express, by the canonical name of
-/// the encoding (ucnv_getAlias(name, 0)).
-///
-/// Threads: filled by one thread, while the internationalisation layer starts and nobody looks
-/// anything up yet; looked up by any thread from then on, without a lock.
+/// the encoding (ucnv_getAlias(name, 0)). Part of I18NSettings, and constant with them.
 class I18NReplacementTables {
 public:
     /// @param bytes  a sequence that is not convertible
@@ -18,14 +15,14 @@ public:
     /// @param codePoint  one that the encoding does not have
     /// @param replacement  the bytes that stand for it; none drop it
     void addOutput(const std::string& encoding, char32_t codePoint, const std::string& replacement);
-    void clear();
 
     /// @return null when the table has no entry.
     const char32_t* findInput(std::string_view encoding, std::string_view bytes) const;
     const std::string* findOutput(std::string_view encoding, char32_t codePoint) const;
 
-    /// The tables of the process.
-    static I18NReplacementTables& instance();
+    bool operator==(const I18NReplacementTables& other) const {
+        return m_inputs == other.m_inputs && m_outputs == other.m_outputs;
+    }
 
 private:
     template <class Key, class Value>

@@ -14,10 +14,11 @@ struct I18NLocaleSettings {
     unsigned short lcid = 0;
     std::string defaultVariant;
     std::string csvEncoding;
+
+    bool operator==(const I18NLocaleSettings& other) const;
 };
 
-/// What the resource file "i18n_res.xml" says, but for the replacement tables; constant once
-/// loaded.
+/// What the resource file "i18n_res.xml" says; constant once loaded.
 struct I18NSettings {
     float utf8BytesPerCodePoint = 2.5F;
     bool replaceScaledZero = false;
@@ -25,16 +26,28 @@ struct I18NSettings {
     std::vector<char32_t> nonNormalizable;  // sorted
     std::map<char32_t, char32_t> jaSubstitutions;
     std::map<std::string, I18NLocaleSettings, std::less<>> locales;
+    I18NReplacementTables replacements;
+
+    bool operator==(const I18NSettings& other) const;
 
     /// @return what the settings of the locale are, if they are in use; else null.
     const I18NLocaleSettings* find(const std::string& locale) const;
 
     /// Reads a resource file. What is not understood, a number out of its range, an encoding that
     /// ICU does not know, is left out, and nothing else with it.
-    /// @param tables  emptied, and filled with the file's
-    /// @return null, with the tables as they were, when the file cannot be opened.
-    static std::unique_ptr<const I18NSettings> load(const std::string& path,
-                                                    I18NReplacementTables& tables);
+    /// @return null when the file cannot be opened.
+    static std::unique_ptr<const I18NSettings> load(const std::string& path);
+
+    /// Those that count now: the defaults until some are published.
+    ///
+    /// Threads: any thread. Strings and converters look things up whenever they are used, while the
+    /// layer starts and stops too, so settings that were published once are never changed or
+    /// destroyed.
+    static const I18NSettings& now();
+    /// Makes settings count, or the defaults for null. Settings that say the same as earlier ones
+    /// are not kept beside them.
+    /// @throws std::bad_alloc, with nothing changed
+    static void publish(std::unique_ptr<const I18NSettings> settings);
 };
 
 #endif

@@ -7,11 +7,12 @@
 #include <string>
 
 /// A text file read line by line. It holds nothing of a file beyond the line it is at, and reads
-/// no more than 16 MiB of one.
+/// no more than 16 MiB of one: a line that ends beyond is not there. Only regular files are opened.
 ///
 /// Threads: not synchronised.
 class I18NTextFile {
 public:
+    /// @throws std::bad_alloc when only memory was missing
     explicit I18NTextFile(const char* path);
     bool isOpen() const { return m_pFile != nullptr; }
 
@@ -26,7 +27,7 @@ private:
         void operator()(std::FILE* file) const;
     };
 
-    /// @return the next byte, EOF when there is none or enough was read.
+    /// @return the next byte, EOF when there is none.
     int nextByte();
 
     std::unique_ptr<std::FILE, Close> m_pFile;
