@@ -1,14 +1,25 @@
 #ifndef I18N_CPP_I18N_INTERNAL_RESOURCES_HPP
 #define I18N_CPP_I18N_INTERNAL_RESOURCES_HPP
 
+#include <unicode/uversion.h>
+
+#include <cstdio>
 #include <functional>
+#include <iosfwd>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "QBLCore/Frame/QBLExport.h"
 #include "i18n/cpp/i18n_error_codes.h"
 #include "i18n/cpp/i18n_locale.hpp"
+
+U_NAMESPACE_BEGIN
+class Locale;
+U_NAMESPACE_END
+
+class I18NString;
 
 /// Texts of a resource file by their names.
 using I18NResourceMap = std::map<std::string, std::u16string, std::less<>>;
@@ -80,6 +91,7 @@ public:
 
     /// Replaces the five named XML entities by their characters.
     static void transliterate(std::u16string& text);
+    static void transliterate(I18NString& text);
     /// The icu::Transliterator that does the same, made by the first call and valid until the stop.
     /// @throws I18NRuntimeError, QBLOutOfMemoryError
     const void* getTransliterator();
@@ -87,17 +99,23 @@ public:
     static const char* getTransliterationData();
     /// Appends a text with the characters escaped that a URL must not hold.
     static void urlEncode(std::u16string_view text, std::u16string& out);
+    /// A text with these characters escaped.
+    static I18NString urlEncode(const I18NString& text);
     /// The icu::Transliterator that does the same, made by the first call and valid until the stop.
     /// @throws I18NRuntimeError, QBLOutOfMemoryError
     const void* getURLEncodeTranslit();
 
     /// The currency's name in a language; what getNoDescriptionWord() gives if there is none.
     std::u16string getCurrencyDescription(const char* currency, const I18NLocale& locale);
+    void getCurrencyDescription(const char* currency, const I18NLocale& locale,
+                                I18NString& description);
     /// The word for a text that is missing; "No description" unless the locale has another.
     std::u16string getNoDescriptionWord(const I18NLocale& locale);
+    void getNoDescriptionWord(const I18NLocale& locale, I18NString& word);
     /// @throws I18NRuntimeError if there are no symbols at all
     bool getSymbolForISOCode(const char* currency, const I18NLocale& locale,
                              std::u16string& symbol);
+    bool getSymbolForISOCode(const char* currency, const I18NLocale& locale, I18NString& symbol);
     /// @return -1 for an unknown currency.
     /// @throws I18NRuntimeError if nothing is known of any
     int getNumbDecimPlacesForCurrency(const char* currency);
@@ -115,6 +133,8 @@ public:
     /// The locale's name in a language.
     bool getLocaleDescription(const I18NLocale& described, const I18NLocale& locale,
                               std::u16string& description);
+    bool getLocaleDescription(const I18NLocale& described, const I18NLocale& locale,
+                              I18NString& description);
     /// The supported locales, always in the same order.
     /// @param locales  receives an array that belongs to the resources, valid until the stop
     /// @param count  receives the number of its elements
@@ -127,16 +147,20 @@ public:
     /// The encoding of files of values with separators between them: what the resource file says
     /// for the locale, else the usual one of the language on the desktop.
     std::string getEncodingForLocale(const I18NLocale& locale) const;
+    void getEncodingForLocale(const I18NLocale& locale, I18NString& encoding) const;
     bool getLocaleIdFroLCID(unsigned short lcid, std::string& locale) const;
     /// Whether the resource file has settings for the locale, and they are in use.
     bool isLocaleModified(const I18NLocale& locale) const;
     const I18NResourceMap& getLocaleResources(const I18NLocale& locale);
     /// What separates values where numbers are written as in the locale.
+    bool getListSeparator(const I18NLocale& locale, wchar_t& separator) const;
     /// @param locale  null means the default locale
-    bool getListSeparator(const I18NLocale* locale, wchar_t& separator) const;
+    bool getListSeparator(const icu::Locale* locale, wchar_t& separator) const;
 
     bool getTimeZoneDescription(const char* zone, const I18NLocale& locale,
                                 std::u16string& description);
+    bool getTimeZoneDescription(const char* zone, const I18NLocale& locale,
+                                I18NString& description);
     /// @param count  receives the number of zones that the resources know
     /// @return their identifiers, sorted; the array is valid until the stop.
     const char* const* getTimeZoneIDs(int& count);
@@ -147,6 +171,21 @@ public:
     static const char* getCompatibilityTimeZoneID(const char* id);
     const I18NResourceMap& getTimePeriodResources(const I18NLocale& locale);
     const I18NResourceMap& getTimeZoneResources(const I18NLocale& locale);
+
+    /// Looks for a file per locale: base + name + ".xml", where name is language, country and
+    /// variant, then without the variant, then the language alone, then "en"; each in the bin
+    /// directory, then in the working directory.
+    /// @param path, name  receive the file that was found, and which name it has
+    /// @param locale  null means the default locale
+    static bool findResourceFile(std::string& path, I18NString& name, const char* base,
+                                 const icu::Locale* locale);
+    /// Reads a line of a text file, without its end ("\n" or "\r\n") and without a byte-order
+    /// mark. Of a line beyond 1 MiB nothing is kept.
+    /// @return nothing at the end of the file, or without a file.
+    static std::optional<std::string> readLine(std::FILE* file);
+    /// The same, with the bytes read as UTF-8.
+    /// @return false at the end of the file; the line is empty then.
+    static bool readLineEx(I18NString& line, std::ifstream& file);
 
 protected:
     I18NInternalResources();

@@ -9,6 +9,7 @@
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "i18n/cpp/i18n_string.hpp"
 
 namespace {
 
@@ -47,6 +48,8 @@ I18NLocale::I18NLocale(const char* id) : m_pLocale(nullptr) {
                       : checked(new icu::Locale(), true);
     QBL_ALLOC_CATCH
 }
+
+I18NLocale::I18NLocale(const I18NString& id) : I18NLocale(id.toUtf8().c_str()) {}
 
 I18NLocale::I18NLocale(const char* language, const char* country, const char* variant)
     : m_pLocale(checked(new icu::Locale(language, country, variant), true)) {}

@@ -5,6 +5,8 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
+class I18NString;
+
 /// A language with, as far as they are given, a country and a variant.
 ///
 /// Threads: any thread may read one; changing one is not synchronised.
@@ -16,6 +18,7 @@ public:
     ///     empty means the default locale.
     /// @throws QBLOutOfMemoryError
     explicit I18NLocale(const char* id);
+    explicit I18NLocale(const I18NString& id);
     /// @param country, variant  null or empty for none
     I18NLocale(const char* language, const char* country, const char* variant = nullptr);
     I18NLocale(const I18NLocale& other);

@@ -5,6 +5,8 @@
 #include <string_view>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
+#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
+#include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/Frame/internal/QBLImmortal.hpp"
 #include "i18n/cpp/internal/i18n_internal_data.hpp"
 
@@ -151,16 +153,18 @@ const I18NResourceMap& I18NInternalResources::getLocaleResources(const I18NLocal
     QBL_ALLOC_CATCH
 }
 
-bool I18NInternalResources::getListSeparator(const I18NLocale* locale, wchar_t& separator) const {
-    QBL_ALLOC_TRY
-    const I18NLocale chosen = locale != nullptr ? *locale : I18NLocale();
+bool I18NInternalResources::getListSeparator(const I18NLocale& locale, wchar_t& separator) const {
+    return getListSeparator(static_cast<const icu::Locale*>(locale.getICULocale()), separator);
+}
+
+bool I18NInternalResources::getListSeparator(const icu::Locale* locale, wchar_t& separator) const {
     UErrorCode error = U_ZERO_ERROR;
-    const icu::DecimalFormatSymbols symbols(*static_cast<const icu::Locale*>(chosen.getICULocale()),
+    const icu::DecimalFormatSymbols symbols(locale != nullptr ? *locale : icu::Locale::getDefault(),
                                             error);
+    if (error == U_MEMORY_ALLOCATION_ERROR) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
     if (U_FAILURE(error)) return false;
     const bool point =
         symbols.getConstSymbol(icu::DecimalFormatSymbols::kDecimalSeparatorSymbol) == u'.';
     separator = point ? L',' : L';';
     return true;
-    QBL_ALLOC_CATCH
 }

@@ -10,10 +10,7 @@
 
 namespace {
 
-constexpr std::size_t kLongestLine = std::size_t{1} << 20;
 constexpr std::size_t kLargestFile = std::size_t{16} << 20;
-
-const char kByteOrderMark[] = "\xEF\xBB\xBF";
 
 }  // namespace
 
@@ -43,18 +40,5 @@ int I18NTextFile::nextByte() {
 
 bool I18NTextFile::readLine(std::string& line) {
     line.clear();
-    if (!isOpen()) return false;
-    const bool first = m_iRead == 0;
-    int byte = nextByte();
-    if (byte == EOF) return false;
-    bool tooLong = false;
-    for (; byte != EOF && byte != '\n'; byte = nextByte()) {
-        if (m_iRead > kLargestFile) return false;
-        tooLong = tooLong || line.size() == kLongestLine;
-        if (!tooLong) line += static_cast<char>(byte);
-    }
-    if (tooLong) line.clear();
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    if (first && line.compare(0, 3, kByteOrderMark) == 0) line.erase(0, 3);
-    return true;
+    return isOpen() && i18nReadLine([this] { return nextByte(); }, line) && m_iRead <= kLargestFile;
 }

@@ -1,11 +1,14 @@
 #include <gtest/gtest.h>
+#include <unicode/locid.h>
 #include <unicode/translit.h>
 
 #include <algorithm>
 #include <cstring>
+#include <fstream>
 
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/i18n_internal_resources.hpp"
+#include "i18n/cpp/i18n_string.hpp"
 #include "tests/support/Child.hpp"
 #include "tests/support/FaultInjection.hpp"
 #include "tests/support/TempTree.hpp"
@@ -63,6 +66,24 @@ std::u16string transliterated(const void* transliterator, const std::u16string& 
     icu::UnicodeString copy(text.data(), static_cast<int>(text.size()));
     static_cast<const icu::Transliterator*>(transliterator)->transliterate(copy);
     return std::u16string(copy.getBuffer(), static_cast<std::size_t>(copy.length()));
+}
+
+void expectTheSameInStrings(const I18NLocale& locale, const char16_t* symbol, const char16_t* zone,
+                            const char16_t* german) {
+    I18NString text, word;
+    EXPECT_TRUE(resources().getSymbolForISOCode("JPY", locale, text) && text.toUtf16() == symbol);
+    EXPECT_TRUE(resources().getTimeZoneDescription("Europe/Berlin", locale, text));
+    EXPECT_EQ(zone, text.toUtf16());
+    EXPECT_TRUE(resources().getLocaleDescription(I18NLocale("de_DE"), locale, text));
+    EXPECT_EQ(german, text.toUtf16());
+    EXPECT_FALSE(resources().getTimeZoneDescription("none", locale, text));
+    EXPECT_EQ(german, text.toUtf16()) << "as it was";
+    resources().getCurrencyDescription("???", locale, text);
+    resources().getNoDescriptionWord(locale, word);
+    EXPECT_EQ(word, text);
+    EXPECT_FALSE(word.empty());
+    resources().getEncodingForLocale(locale, text);
+    EXPECT_EQ(resources().getEncodingForLocale(locale), text.toUtf8());
 }
 
 }  // namespace
@@ -242,6 +263,13 @@ TEST_F(I18NResourcesTest, EntitiesAndURLsAreWhatTheTransliteratorsMakeOfThem) {
     std::u16string text = entities;
     I18NInternalResources::transliterate(text);
     EXPECT_EQ(u"&lt; &<>&'\" &LT; &#60; &lt &amp; &quo &", text);
+    I18NString string("e\xCC\x81&gt;"), plain;
+    plain.useNormalization(false);
+    plain = L"e\u0301&gt;";
+    for (I18NString* each : {&string, &plain}) I18NInternalResources::transliterate(*each);
+    EXPECT_EQ(u"\u00E9>", string.toUtf16());
+    EXPECT_EQ(u"e\u0301>", plain.toUtf16()) << "left as it is where that is asked for";
+    EXPECT_EQ(u"\u00E9%3E", I18NInternalResources::urlEncode(string).toUtf16());
     EXPECT_EQ(text, transliterated(resources().getTransliterator(), entities));
 
     std::u16string ascii, encoded;
@@ -279,6 +307,27 @@ TEST_F(I18NResourcesTest, TheMostSpecialFileOfALocaleCounts) {
     EXPECT_EQ(u"<none>", word("../../fr"));
     words("fr", "later");
     EXPECT_EQ(u"aucune", word("fr_BE")) << "read once";
+
+    const icu::Locale french("fr", "CH");
+    std::string path;
+    I18NString name, line;
+    const char* const base = "./qbli18nreswd_";
+    EXPECT_FALSE(I18NInternalResources::findResourceFile(path, name, "./none_", &french));
+    ASSERT_TRUE(I18NInternalResources::findResourceFile(path, name, base, &french));
+    EXPECT_EQ("fr", name);
+    EXPECT_EQ("./qbli18nreswd_fr.xml", path);
+    std::ofstream(path, std::ios::app | std::ios::binary) << "\xC3\xA9\r\n\nlast";
+    std::ifstream file(path);
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> same(std::fopen(path.c_str(), "r"),
+                                                               std::fclose);
+    const char* const rest[] = {"<noDescription value=\"later\"/>\u00E9", "", "last"};
+    for (const char* expected : rest) {
+        EXPECT_TRUE(I18NInternalResources::readLineEx(line, file));
+        EXPECT_EQ(expected, line);
+        EXPECT_EQ(expected, I18NInternalResources::readLine(same.get()));
+    }
+    EXPECT_FALSE(I18NInternalResources::readLineEx(line, file));
+    EXPECT_FALSE(I18NInternalResources::readLine(same.get()));
 }
 
 TEST_F(I18NResourcesTest, MapsThatCannotBeFilledSaySo) {
@@ -336,9 +385,11 @@ TEST_F(I18NResourcesTest, LocalesHaveSettingsAndEncodings) {
     EXPECT_STREQ("en_IE_PREEURO", locales[37].getName());
     EXPECT_EQ(I18NLocale("es", "PY"), locales[95]);
     wchar_t separator = 0;
-    const I18NLocale de("de"), en("en");
-    EXPECT_TRUE(resources().getListSeparator(&de, separator) && separator == L';');
-    EXPECT_TRUE(resources().getListSeparator(&en, separator) && separator == L',');
+    const I18NLocale de(I18NString("de-DE.UTF-8"));
+    EXPECT_STREQ("de_DE", de.getName());
+    EXPECT_TRUE(resources().getListSeparator(de, separator) && separator == L';');
+    EXPECT_TRUE(resources().getListSeparator(&icu::Locale::getEnglish(), separator));
+    EXPECT_EQ(L',', separator);
 }
 
 TEST_F(I18NResourcesTest, TheShippedFilesAreRead) {
@@ -381,6 +432,7 @@ TEST_F(I18NResourcesTest, TheShippedFilesAreRead) {
         EXPECT_EQ(row.zone, text) << row.locale;
         EXPECT_TRUE(resources().getLocaleDescription(I18NLocale("de_DE"), locale, text));
         EXPECT_EQ(row.german, text) << row.locale;
+        expectTheSameInStrings(locale, row.symbol, row.zone, row.german);
         const std::u16string none(row.none, row.none + std::strlen(row.none));
         EXPECT_EQ(none, resources().getCurrencyDescription("???", locale).substr(0, none.size()));
     }

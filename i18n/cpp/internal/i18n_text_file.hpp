@@ -6,6 +6,28 @@
 #include <memory>
 #include <string>
 
+/// Reads bytes into a line up to its end, "\n" or "\r\n", which is left out, as is a byte-order
+/// mark in front. Of a line beyond 1 MiB nothing is kept: half a line would be read as something
+/// that nobody wrote.
+/// @param nextByte  gives a byte, or EOF
+/// @return false when there is no byte at all.
+template <class NextByte>
+bool i18nReadLine(NextByte nextByte, std::string& line) {
+    constexpr std::size_t kLongest = std::size_t{1} << 20;
+    line.clear();
+    int byte = nextByte();
+    if (byte == EOF) return false;
+    bool tooLong = false;
+    for (; byte != EOF && byte != '\n'; byte = nextByte()) {
+        tooLong = tooLong || line.size() == kLongest;
+        if (!tooLong) line += static_cast<char>(byte);
+    }
+    if (tooLong) line.clear();
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    if (line.compare(0, 3, "\xEF\xBB\xBF") == 0) line.erase(0, 3);
+    return true;
+}
+
 /// A text file read line by line. It holds nothing of a file beyond the line it is at, and reads
 /// no more than 16 MiB of one: a line that ends beyond is not there. Only regular files are opened.
 ///
@@ -16,9 +38,7 @@ public:
     explicit I18NTextFile(const char* path);
     bool isOpen() const { return m_pFile != nullptr; }
 
-    /// Reads the next line, without its end ("\n" or "\r\n") and without a byte-order mark at the
-    /// beginning of the file. Of a line beyond 1 MiB nothing is kept: half a line would be read as
-    /// something that nobody wrote.
+    /// Reads the next line, as i18nReadLine() does.
     /// @return false at the end, or when the file is not open.
     [[nodiscard]] bool readLine(std::string& line);
 
