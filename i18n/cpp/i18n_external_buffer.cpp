@@ -74,7 +74,8 @@ void* I18NCodeUnitsConcat(void* target, const void* text) {
 }
 
 void* I18NCodeUnitsCopy(void* target, const void* text) {
-    return I18NExternalBufferCopy(target, text, nullptr);
+    static const char16_t kEmpty = 0;
+    return I18NExternalBufferCopy(target, text != nullptr ? text : &kEmpty, nullptr);
 }
 
 int I18NCodeUnitsSize(const void* text) { return unitsOf(text) * 2; }

@@ -14,10 +14,12 @@
 #include "i18n/cpp/i18n_converter_holders.hpp"
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/i18n_platform_encoding.h"
+#include "i18n/cpp/i18n_string.hpp"
 #include "tests/support/FaultInjection.hpp"
 #include "tests/support/ThrowChecks.hpp"
 
 extern "C" int i18nConverterFailedFromC();
+extern "C" int i18nFlatFailedFromC(I18NStringHandle string);
 
 namespace {
 
@@ -401,4 +403,9 @@ TEST(I18NConverterTest, LosesNothingWhenMemoryEnds) {
     EXPECT_GT(failures, 5);
 }
 
-TEST(I18NConverterTest, CanBeUsedFromC) { EXPECT_EQ(0, i18nConverterFailedFromC()); }
+TEST(I18NConverterTest, CanBeUsedFromC) {
+    EXPECT_EQ(0, i18nConverterFailedFromC());
+    I18NString text;
+    EXPECT_EQ(0, i18nFlatFailedFromC(reinterpret_cast<I18NStringHandle>(&text)));
+    EXPECT_EQ(u"\u65E5\u672C!", text.toUtf16());
+}
