@@ -1,10 +1,8 @@
 #include "i18n/cpp/i18n_string.hpp"
 
 #include <gtest/gtest.h>
-#include <unicode/normalizer2.h>
 #include <unicode/unistr.h>
 
-#include <random>
 #include <sstream>
 #include <unordered_map>
 
@@ -32,13 +30,6 @@ struct Arena {
         return I18N_STRINGBUFFER_ALLOCATOR_CALLBACK(nullptr, block, size, error);
     }
 };
-
-std::u16string nfc(const std::u16string& text) {
-    UErrorCode status = U_ZERO_ERROR;
-    const icu::UnicodeString result = icu::Normalizer2::getNFCInstance(status)->normalize(
-        icu::UnicodeString(text.data(), static_cast<int>(text.size())), status);
-    return std::u16string(result.getBuffer(), static_cast<std::size_t>(result.length()));
-}
 
 std::u16string decoded(const std::string& bytes) {
     return I18NString(bytes.data(), nullptr, static_cast<int>(bytes.size())).toUtf16();
@@ -117,70 +108,6 @@ TEST(I18NStringTest, RoundTripsEveryScalarValue) {
             ASSERT_EQ(piece, text.toUtf16()) << at;
         }
         ASSERT_EQ(bytes, text.toUtf8()) << at;
-    }
-}
-
-TEST(I18NStringTest, FollowsAModelThroughRandomEdits) {
-    const unsigned seed = std::random_device{}();
-    SCOPED_TRACE(seed);
-    std::minstd_rand random(seed);
-    const char16_t* const pieces[] = {u"",           u"a",
-                                      u"bcd",        u"e",
-                                      u"\u0301",     u"\u00E9",
-                                      u"\u0323",     u"\u4E2D",
-                                      u"\u1100",     u"\u1161\u11A8",
-                                      u"\U0001F600", u"0123456789012345678901234567890123456789"};
-    for (int round = 0; round < 50; ++round) {
-        I18NString text;
-        std::u16string model;
-        for (int step = 0; step < 400; ++step) {
-            const std::size_t few = round < 20 ? 4 : sizeof pieces / sizeof *pieces;
-            const std::u16string piece = pieces[random() % few];
-            const I18NString other(piece.data(), static_cast<int>(piece.size() * 2));
-            std::size_t at = random() % (model.size() + 1), count = random() % 4;
-            // Not into a pair.
-            const auto inPair = [&model](std::size_t i) {
-                return i < model.size() && (model.at(i) & 0xFC00) == 0xDC00;
-            };
-            if (inPair(at)) --at;
-            if (inPair(at + count)) ++count;
-            const auto offset = static_cast<int>(at);
-            switch (random() % 6) {
-                case 0:
-                    model = nfc(model.insert(at, piece));
-                    text.insert(offset, other);
-                    break;
-                case 1:
-                    model = nfc(model.erase(at, count));
-                    text.erase(offset, static_cast<int>(count));
-                    break;
-                case 2:
-                    model = nfc(model.replace(at, count, piece));
-                    text.replace(offset, static_cast<int>(count), other);
-                    break;
-                case 3:
-                    model = nfc(model.append(piece));
-                    text += other;
-                    break;
-                case 4:
-                    if (model.size() > 200) model = nfc(model.substr(at));
-                    text = I18NString(model.data(), static_cast<int>(model.size() * 2));
-                    break;
-                default:
-                    ASSERT_EQ(text.c_str(), text.c_str());
-                    text += text.empty() || model.size() > 500 ? I18NString() : text;
-                    if (model.size() <= 500) model = nfc(model.append(model));
-            }
-            ASSERT_EQ(model, text.toUtf16()) << "step " << step;
-            std::string utf8;
-            icu::UnicodeString(model.data(), static_cast<int>(model.size())).toUTF8String(utf8);
-            int length = 0;
-            ASSERT_EQ(utf8, text.c_str(nullptr, &length));
-            ASSERT_EQ(utf8.size() + 1, static_cast<std::size_t>(length));
-            if (!text.isUsingAsciiBuffer()) {
-                ASSERT_EQ(0, text.getExternalBuffer()[text.nUnits()]);
-            }
-        }
     }
 }
 

@@ -1,0 +1,160 @@
+#include <gtest/gtest.h>
+#include <unicode/normalizer2.h>
+#include <unicode/unistr.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <iostream>
+#include <random>
+
+#include "i18n/cpp/i18n_string.hpp"
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr int kRounds = 50;
+#else
+constexpr int kRounds = 250;
+#endif
+constexpr int kSteps = 400;
+
+icu::UnicodeString icuOf(const std::u16string& text) {
+    return icu::UnicodeString(false, text.data(), static_cast<int>(text.size()));
+}
+
+bool isASCII(const std::u16string& text) {
+    return std::all_of(text.begin(), text.end(), [](char16_t c) { return c < 0x80; });
+}
+
+/// Another one each time, unless QBL_TEST_SEED says which.
+unsigned seedOfThisRun() {
+    const char* const wanted = std::getenv("QBL_TEST_SEED");
+    const unsigned seed = wanted != nullptr
+                              ? static_cast<unsigned>(std::strtoul(wanted, nullptr, 0))
+                              : std::random_device{}();
+    std::cout << "QBL_TEST_SEED=" << seed << std::endl;
+    return seed;
+}
+
+/// What a string should hold, and how.
+struct Model {
+    std::u16string units;
+    bool ascii = true;
+    bool normalizes = true;
+
+    /// After a change by which a piece came in.
+    void changed(const std::u16string& piece) {
+        ascii = ascii && isASCII(piece);
+        if (!normalizes) return;
+        UErrorCode status = U_ZERO_ERROR;
+        const icu::UnicodeString text = icuOf(units);
+        const icu::UnicodeString result =
+            icu::Normalizer2::getNFCInstance(status)->normalize(text, status);
+        units.assign(result.getBuffer(), static_cast<std::size_t>(result.length()));
+    }
+    /// The offset, or the one before it in a surrogate pair.
+    std::size_t atCodePoint(std::size_t i) const {
+        return i - (i < units.size() && (units[i] & 0xFC00) == 0xDC00 ? 1 : 0);
+    }
+};
+
+/// Compares everything that can be seen of a string, and its conversions twice.
+void expectSame(const Model& model, I18NString& text) {
+    std::string utf8;
+    icuOf(model.units).toUTF8String(utf8);
+    const int size = static_cast<int>(model.units.size());
+    ASSERT_EQ(model.units, text.toUtf16());
+    ASSERT_EQ(size, text.nUnits());
+    ASSERT_EQ(icuOf(model.units).countChar32(), text.length());
+    ASSERT_EQ(model.ascii, text.isUsingAsciiBuffer());
+    ASSERT_TRUE(text.isNormalized());
+    int length = 0, wideLength = 0;
+    const char* const bytes = text.c_str(nullptr, &length);
+    const char* const wide = text.c_str("UTF-16", &wideLength);
+    ASSERT_EQ(utf8.size() + 1, static_cast<std::size_t>(length));
+    ASSERT_EQ(0, std::memcmp(utf8.c_str(), bytes, utf8.size() + 1));
+    ASSERT_EQ(size * 2 + 2, wideLength);
+    ASSERT_EQ(0, std::memcmp(model.units.c_str(), wide, static_cast<std::size_t>(wideLength)));
+    if (!model.ascii) {
+        ASSERT_EQ(icuOf(model.units), text.getUnicodeString());
+        ASSERT_EQ(0, text.getExternalBuffer()[size]);
+    }
+    ASSERT_EQ(bytes, text.c_str());
+    ASSERT_EQ(wide, text.c_str("UTF-16"));
+}
+
+/// One random edit of both.
+void edit(std::minstd_rand& random, const std::u16string& piece, Model& model, I18NString& text) {
+    const std::u16string before = model.units;
+    const std::size_t at = model.atCodePoint(random() % (before.size() + 1));
+    const std::size_t end =
+        model.atCodePoint(std::min<std::size_t>(at + random() % 4, before.size()));
+    const std::size_t count = end > at ? end - at : 0;
+    const auto offset = static_cast<int>(at);
+    I18NString other;
+    other.useNormalization(false);
+    other = std::wstring(piece.begin(), piece.end()).c_str();
+    switch (random() % 8) {
+        case 0:
+            model.units.insert(at, piece);
+            text.insert(offset, other);
+            return model.changed(piece);
+        case 1:
+            model.units.erase(at, count);
+            text.erase(offset, static_cast<int>(count));
+            return model.changed(u"");
+        case 2:
+            model.units.replace(at, count, piece);
+            text.replace(offset, static_cast<int>(count), other);
+            return model.changed(piece);
+        case 3:
+            model.units += piece;
+            text += other.c_str();
+            return model.changed(piece);
+        case 4:
+            if (before.size() < 100) return;
+            model.units.erase(0, at);
+            text = std::wstring(before.begin() + offset, before.end()).c_str();
+            return model.changed(model.units);
+        case 5: {
+            I18NString copy(text);
+            text = std::move(copy);
+            model.ascii = isASCII(before);  // a copy may go back to it
+            return;
+        }
+        case 6:
+            if (random() % 20 != 0) return;
+            model.units.clear();
+            text.remove();
+            return;
+        default:
+            if (before.size() > 300) return;
+            model.units += before;
+            text += text;
+            return model.changed(before);
+    }
+}
+
+}  // namespace
+
+TEST(I18NStringTest, FollowsAModelThroughRandomEdits) {
+    std::minstd_rand random(seedOfThisRun());
+    // The ASCII ones first.
+    const std::u16string pieces[] = {
+        u"",       u"a",      u"bcd",          u"0123456789012345678901234567890123456789",
+        u"e",      u"\u0301", u"\u00E9",       u"\u0323",
+        u"\u4E2D", u"\u1100", u"\u1161\u11A8", u"\U0001F600"};
+    for (int round = 0; round < kRounds; ++round) {
+        const std::size_t few = round % 5 < 2 ? 4 : std::size(pieces);
+        Model model;
+        I18NString text;
+        model.normalizes = round % 5 != 4;
+        text.useNormalization(model.normalizes);
+        for (int step = 0; step < kSteps; ++step) {
+            edit(random, pieces[random() % few], model, text);
+            expectSame(model, text);
+            if (HasFatalFailure()) FAIL() << "round " << round << " step " << step;
+        }
+    }
+}
