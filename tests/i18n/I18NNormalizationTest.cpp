@@ -1,0 +1,97 @@
+#include <gtest/gtest.h>
+#include <unicode/uchar.h>
+
+#include <cstdio>
+#include <memory>
+#include <set>
+#include <sstream>
+
+#include "i18n/cpp/i18n_string.hpp"
+
+namespace {
+
+const char kFile[] = "/usr/share/unicode/NormalizationTest.txt.bz2";
+
+/// The text of the file; empty when there is none, or nothing that unpacks it.
+std::string conformanceFile() {
+    const std::string command = std::string("bzip2 -dc ") + kFile + " 2>/dev/null";
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+    std::string text;
+    char piece[65536];
+    for (std::size_t n = 1; pipe != nullptr && n != 0;) {
+        n = std::fread(piece, 1, sizeof piece, pipe.get());
+        text.append(piece, n);
+    }
+    return text;
+}
+
+std::wstring wideOf(const std::u16string& units) {
+    return std::wstring(units.begin(), units.end());
+}
+
+std::u16string normalized(const std::u16string& text, I18NNormalizationForms form) {
+    I18NString string;
+    string.useNormalization(false);
+    string = wideOf(text).c_str();
+    string.useNormalization(true);
+    return string.normalize(form).toUtf16();
+}
+
+/// Reads "1E0A 0323;" as text; empty at the end of a line's columns.
+std::u16string column(std::istream& line) {
+    std::string codes;
+    std::getline(line, codes, ';');
+    std::istringstream words(codes);
+    std::wstring text;
+    for (unsigned long code = 0; words >> std::hex >> code;) text += static_cast<wchar_t>(code);
+    I18NString string;
+    string.useNormalization(false);
+    return (string = text.c_str()).toUtf16();
+}
+
+void expectForms(const std::u16string (&columns)[5]) {
+    const auto& [source, nfc, nfd, nfkc, nfkd] = columns;
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_EQ(i < 3 ? nfc : nfkc, normalized(columns[i], I18N_NFC));
+        EXPECT_EQ(i < 3 ? nfd : nfkd, normalized(columns[i], I18N_NFD));
+        EXPECT_EQ(nfkc, normalized(columns[i], I18N_NFKC));
+        EXPECT_EQ(nfkd, normalized(columns[i], I18N_NFKD));
+        EXPECT_EQ(i < 3 ? nfc : nfkc, I18NString(wideOf(columns[i]).c_str()).toUtf16());
+    }
+}
+
+}  // namespace
+
+TEST(I18NStringTest, NormalizesAsTheUnicodeCharacterDatabaseSays) {
+    std::istringstream file(conformanceFile());
+    std::string line;
+    if (!std::getline(file, line)) GTEST_SKIP() << kFile << " is not there: ./dev setup test";
+    if (line.find(std::string("-") + U_UNICODE_VERSION + ".") == std::string::npos)
+        GTEST_SKIP() << line << " is not for ICU's Unicode " << U_UNICODE_VERSION;
+    std::set<wchar_t> listed;
+    int rows = 0;
+    while (std::getline(file, line) && !testing::Test::HasFailure()) {
+        if (line.empty() || line[0] == '#' || line[0] == '@') continue;
+        SCOPED_TRACE(line);
+        std::istringstream fields(line);
+        std::u16string columns[5];
+        for (std::u16string& each : columns) each = column(fields);
+        expectForms(columns);
+        if (line.find(' ') > line.find(';'))
+            listed.insert(static_cast<wchar_t>(std::stoul(line, nullptr, 16)));
+        ++rows;
+    }
+    EXPECT_GT(rows, 18000);
+    // Every other character is what it is in all forms; a line end between them combines with none.
+    I18NString others;
+    others.useNormalization(false);
+    for (wchar_t c = 1; c <= 0x10FFFF; ++c) {
+        if (listed.count(c) == 0 && (c < 0xD800 || c > 0xDFFF)) (others += c) += L'\n';
+        if (c % 0x1000 != 0xFFF) continue;
+        const std::u16string text = others.toUtf16();
+        for (const auto form : {I18N_NFC, I18N_NFD, I18N_NFKC, I18N_NFKD})
+            ASSERT_EQ(text, normalized(text, form)) << "characters up to " << c;
+        ASSERT_EQ(text, I18NString(wideOf(text).c_str()).toUtf16());
+        others.remove();
+    }
+}
