@@ -1,0 +1,30 @@
+#!/usr/bin/env bash
+# printers_test.sh SAMPLE LIBRARY: what gdb shows of the sample's objects, by the printers that it
+# loads with the library. Status 77, which stands for "skipped", where there is no gdb to do it.
+set -euo pipefail
+sample=$1 folder=${2%/*}
+skip() { echo "SKIPPED: $*"; exit 77; }
+export LC_ALL=C.UTF-8
+command -v gdb >/dev/null || skip "there is no gdb: ./dev setup test"
+gdb -nx -batch -ex 'python print("yes")' 2>&1 | grep -qx yes || skip "this gdb has no Python"
+
+expressions=(empty inlined wide reference heap back longer list none error)
+commands=()
+for each in "${expressions[@]}"; do commands+=(-ex "print $each"); done
+output=$(gdb -nx -batch -iex 'set debuginfod enabled off' -iex "add-auto-load-safe-path $folder" \
+    -ex 'set print elements 60' -ex 'break lookHere' -ex run -ex up \
+    "${commands[@]}" "$sample" 2>&1 </dev/null) || true
+[[ $output != *ptrace* ]] || skip "programs may not be traced here"
+diff <(sed -n 's/^\$[0-9]* = //p' <<<"$output" | sed 's/([0-9]*): /(LINE): /g') - <<'SHOWN' ||
+""
+"it's \"inline\""
+"Straße 中😀"
+"Straße 中😀"
+"0123456789012345678901234567890123456789"
+"once Unicode"
+"012345678901234567890123456789012345678901234567890123456789"...
+QBLList of 2 = {"it's \"inline\"", "Straße 中😀"}
+QBLList of 0
+QBLSystemError, code 2, Fatal: "Cannot open \"x\"." = {at = tests/gdb/Sample.cpp(LINE): QBLSystemError: QBL_RETHROW: , at = tests/gdb/Sample.cpp(LINE): QBLSystemError: QBL_THROW: }
+SHOWN
+    { echo "FAILED; gdb says:"; echo "$output"; exit 1; }
