@@ -3,14 +3,8 @@
 #include <unicode/ustring.h>
 
 #include <algorithm>
-#include <climits>
-#include <cstdlib>
+#include <cstdint>
 #include <cstring>
-
-#include "QBLCore/Exceptions/QBLAllocation.hpp"
-#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
-#include "QBLCore/Exceptions/QBLThrow.hpp"
-#include "TavThread/internal/TavContain.hpp"
 
 namespace {
 
@@ -23,37 +17,6 @@ bool isAligned(const char* units) {
 }
 
 }  // namespace
-
-I18NBlock::~I18NBlock() {
-    if (m_pBlock == nullptr) return;
-    if (m_allocator == nullptr) {
-        std::free(m_pBlock);
-        return;
-    }
-    int ignored = 0;
-    tavContain([&] { m_allocator(m_pContext, m_pBlock, 0, &ignored); });
-}
-
-void I18NBlock::resize(std::int64_t size) {
-    if (size > INT_MAX) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
-    int error = 0;
-    char* resized = nullptr;
-    if (m_allocator == nullptr) {
-        resized = static_cast<char*>(std::realloc(m_pBlock, static_cast<std::size_t>(size)));
-    } else {
-        QBL_ALLOC_TRY
-        resized = m_allocator(m_pContext, m_pBlock, static_cast<int>(size), &error);
-        QBL_ALLOC_CATCH
-    }
-    if (resized != nullptr) m_pBlock = resized;
-    if (resized == nullptr || error != 0) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
-}
-
-char* I18NBlock::release() {
-    char* block = m_pBlock;
-    m_pBlock = nullptr;
-    return block;
-}
 
 UErrorCode i18nFromUnicode(UConverter* converter, char*& at, char* limit, const char*& source,
                            const char* end, bool flush) {

@@ -9,6 +9,7 @@
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/i18n_errors.hpp"
+#include "i18n/cpp/internal/i18n_block.hpp"
 #include "i18n/cpp/internal/i18n_conversion.hpp"
 
 namespace {

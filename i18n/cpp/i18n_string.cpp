@@ -14,7 +14,7 @@
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "i18n/cpp/i18n_error_codes.h"
 #include "i18n/cpp/i18n_errors.hpp"
-#include "i18n/cpp/internal/i18n_bytes.hpp"
+#include "i18n/cpp/internal/i18n_block.hpp"
 #include "i18n/cpp/internal/i18n_encodings.hpp"
 #include "i18n/cpp/internal/i18n_text_view.hpp"
 
@@ -270,11 +270,11 @@ void I18NString::setFlag(Flags flag, bool on) {
 }
 
 char* I18NString::allocate(char* block, int size) const {
-    return I18NMemory(m_allocator, m_allocatorContext).allocate(block, size);
+    return I18NBlock::resize(m_allocator, m_allocatorContext, block, size);
 }
 
 void I18NString::release(void* block) const noexcept {
-    I18NMemory(m_allocator, m_allocatorContext).release(block);
+    I18NBlock::free(m_allocator, m_allocatorContext, block);
 }
 
 void I18NString::reserveAscii(int units) {

@@ -35,19 +35,15 @@ void I18NString::setConverted(const char* bytes, const char* encoding, int lengt
 }
 
 void I18NString::setConverted(const char* bytes, const I18NConverter& converter, int length) {
-    const I18NMemory memory(nullptr, nullptr);
-    struct Units {
-        const I18NMemory& memory;
-        void* block = nullptr;
-        int size = 0;
-        ~Units() { memory.release(block); }
-    } units{memory};
-    if (bytes != nullptr) converter.toUnicode(&units.block, &units.size, bytes, length);
+    void* converted = nullptr;
+    int size = 0;
+    if (bytes != nullptr) converter.toUnicode(&converted, &size, bytes, length);
+    const I18NBlock units(nullptr, nullptr, static_cast<char*>(converted));
     leaveAscii();
     const bool from943 = isCodePage943(converter.getEncoding());
-    const int count = units.size >= 2 ? units.size / 2 - 1 : 0;
+    const int count = size >= 2 ? size / 2 - 1 : 0;
     // Text of other encodings is deliberately taken as normalised, as their tables give it so.
-    assign(I18NTextView(static_cast<const char16_t*>(units.block), count), !from943);
+    assign(I18NTextView(reinterpret_cast<const char16_t*>(units.get()), count), !from943);
     setFlag(kI18NFromCodePage943, from943);
     setFlag(kI18NNormalized, true);
 }
@@ -58,15 +54,17 @@ void I18NConverter::fromUnicode(char** destination, int* size, const I18NString&
         QBL_THROW(I18NRuntimeError(I18N_ARGUMENT, nullptr));
     *destination = nullptr;
     *size = 0;
-    const I18NMemory memory(allocator != nullptr ? allocator : source.m_allocator,
-                            allocator != nullptr ? context : source.m_allocatorContext);
-    if (source.empty() && memory.allocator() == nullptr) {
+    if (allocator == nullptr) {
+        allocator = source.m_allocator;
+        context = source.m_allocatorContext;
+    }
+    if (source.empty() && allocator == nullptr) {
         *destination = gI18NNullString;
         *size = sizeof gI18NNullString;
         return;
     }
-    const I18NBytes bytes = i18nToBytes(I18NTextView(source), *this, memory);
-    *destination = bytes.block;
+    I18NBytes bytes = i18nToBytes(I18NTextView(source), *this, I18NBlock(allocator, context));
+    *destination = bytes.block.release();
     *size = bytes.length;
 }
 

@@ -1,9 +1,7 @@
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <istream>
-#include <new>
 #include <ostream>
+#include <string>
 #include <utility>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
@@ -24,28 +22,21 @@ char gI18NNullString[4] = {};
 /// ask for two encodings of one constant string.
 struct I18NString::Conversion {
     Conversion* next;
-    I18NMemory memory;  // that the bytes are from
     I18NBytes bytes;
-    char* key;  // the encoding, and what else makes a difference
-
-    void free() {
-        memory.release(bytes.block);
-        std::free(key);
-        delete this;
-    }
+    std::string key;  // the encoding, and what else makes a difference
 };
 
 I18NByteWriter::~I18NByteWriter() = default;
 
 const I18NString::Conversion* I18NString::findConversion(const char* key) const {
     const Conversion* at = m_pConverted.load(std::memory_order_acquire);
-    while (at != nullptr && std::strcmp(at->key, key) != 0) at = at->next;
+    while (at != nullptr && at->key != key) at = at->next;
     return at;
 }
 
 void I18NString::dropConversions() noexcept {
     Conversion* at = m_pConverted.exchange(nullptr, std::memory_order_acquire);
-    while (at != nullptr) std::exchange(at, at->next)->free();
+    while (at != nullptr) delete std::exchange(at, at->next);
     m_convertedLength = 0;
     m_pConvertedEncoding = nullptr;
 }
@@ -59,7 +50,7 @@ const char* I18NString::bytes(const char* encoding, int* length, I18NStringAlloc
     const char* const key = encoding != nullptr ? encoding : "UTF8";
     const Conversion* const made = conversion(key, encoding, nullptr, allocator, context);
     if (length != nullptr) *length = made->bytes.length;
-    return made->bytes.block;
+    return made->bytes.block.get();
 }
 
 // What becomes of characters that cannot be converted makes another conversion of it.
@@ -74,7 +65,7 @@ const char* I18NString::c_str(const I18NConverter& converter, int* length,
     const Conversion* const made =
         conversion(key, converter.getEncoding(), &converter, allocator, context);
     if (length != nullptr) *length = made->bytes.length;
-    return made->bytes.block;
+    return made->bytes.block.get();
 }
 
 const I18NString::Conversion* I18NString::conversion(const char* key, const char* encoding,
@@ -84,44 +75,41 @@ const I18NString::Conversion* I18NString::conversion(const char* key, const char
     if (const Conversion* found = findConversion(key)) return found;
     QBLThreadGuard guard(getLockFromPtr(this));
     if (const Conversion* found = findConversion(key)) return found;
-    const I18NMemory memory(allocator != nullptr ? allocator : m_allocator,
-                            allocator != nullptr ? context : m_allocatorContext);
-    auto* const made = new (std::nothrow) Conversion{
-        m_pConverted.load(std::memory_order_relaxed), memory, {nullptr, 0, 1}, strdup(key)};
-    if (made == nullptr) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
-    try {
-        if (made->key == nullptr) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
-        const I18NTextView text(*this);
-        made->bytes = converter != nullptr ? i18nToBytes(text, *converter, memory)
-                                           : i18nToBytes(text, encoding, memory);
-    } catch (...) {
-        made->free();
-        throw;
+    if (allocator == nullptr) {
+        allocator = m_allocator;
+        context = m_allocatorContext;
     }
+    QBL_ALLOC_TRY
+    const I18NTextView text(*this);
+    I18NBlock block(allocator, context);
+    auto* const made =
+        new Conversion{m_pConverted.load(std::memory_order_relaxed),
+                       converter != nullptr ? i18nToBytes(text, *converter, std::move(block))
+                                            : i18nToBytes(text, encoding, std::move(block)),
+                       key};
     m_convertedLength = made->bytes.length;
-    m_pConvertedEncoding = made->key;
+    m_pConvertedEncoding = made->key.c_str();
     m_pConverted.store(made, std::memory_order_release);
     m_flags.store(static_cast<unsigned char>(m_flags.load(std::memory_order_relaxed) &
                                              ~static_cast<unsigned>(kI18NChanged)),
                   std::memory_order_release);
     return made;
+    QBL_ALLOC_CATCH
 }
 
 void I18NString::toBytes(char** out, const char* encoding, int* length,
                          I18NStringAllocator allocator, void* context) const {
     if (out == nullptr) QBL_THROW(I18NRuntimeError(I18N_ARGUMENT, nullptr));
-    const I18NBytes bytes =
-        i18nToBytes(I18NTextView(*this), encoding, I18NMemory(allocator, context));
-    *out = bytes.block;
+    I18NBytes bytes = i18nToBytes(I18NTextView(*this), encoding, I18NBlock(allocator, context));
+    *out = bytes.block.release();
     if (length != nullptr) *length = bytes.length;
 }
 
 void I18NString::toBytes(char** out, const I18NConverter& converter, int* length,
                          I18NStringAllocator allocator, void* context) const {
     if (out == nullptr) QBL_THROW(I18NRuntimeError(I18N_ARGUMENT, nullptr));
-    const I18NBytes bytes =
-        i18nToBytes(I18NTextView(*this), converter, I18NMemory(allocator, context));
-    *out = bytes.block;
+    I18NBytes bytes = i18nToBytes(I18NTextView(*this), converter, I18NBlock(allocator, context));
+    *out = bytes.block.release();
     if (length != nullptr) *length = bytes.length;
 }
 
@@ -131,14 +119,8 @@ void I18NString::toBytes(I18NByteWriter& writer, const char* encoding) const {
     if (text.ascii() != nullptr && i18nKeepsASCII(encoding)) {
         code = writer.write(text.ascii(), text.length());
     } else {
-        const I18NMemory memory(nullptr, nullptr);
-        const I18NBytes bytes = i18nToBytes(text, encoding, memory);
-        struct Release {
-            const I18NMemory& memory;
-            char* block;
-            ~Release() { memory.release(block); }
-        } release{memory, bytes.block};
-        code = writer.write(bytes.block, bytes.length - bytes.zero);
+        const I18NBytes bytes = i18nToBytes(text, encoding, I18NBlock());
+        code = writer.write(bytes.block.get(), bytes.length - bytes.zero);
     }
     if (code < 0) QBL_THROW(I18NRuntimeError(code, nullptr));
 }

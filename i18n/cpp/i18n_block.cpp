@@ -1,0 +1,41 @@
+#include "i18n/cpp/internal/i18n_block.hpp"
+
+#include <climits>
+#include <cstdlib>
+
+#include "QBLCore/Exceptions/QBLAllocation.hpp"
+#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
+#include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "TavThread/internal/TavContain.hpp"
+#include "i18n/cpp/i18n_error_codes.h"
+
+namespace {
+
+const char kAllocator[] = "The specified allocator callback failed to allocate memory.";
+const char kMalloc[] = "malloc failed to allocate memory.";
+const char kRealloc[] = "realloc failed to reallocate memory.";
+
+}  // namespace
+
+char* I18NBlock::resize(I18NStringAllocator from, void* of, char* block, std::int64_t size) {
+    const char* const failure = block == nullptr ? kMalloc : kRealloc;
+    if (size > INT_MAX) QBL_THROW(QBLOutOfMemoryError(0, failure));
+    if (from == nullptr) {
+        void* const resized = std::realloc(block, static_cast<std::size_t>(size));
+        if (resized == nullptr) QBL_THROW(QBLOutOfMemoryError(0, failure));
+        return static_cast<char*>(resized);
+    }
+    QBL_ALLOC_TRY
+    int error = I18N_OK;
+    char* const resized = from(of, block, static_cast<int>(size), &error);
+    if (resized == nullptr || error != I18N_OK) QBL_THROW(QBLOutOfMemoryError(0, kAllocator));
+    return resized;
+    QBL_ALLOC_CATCH
+}
+
+void I18NBlock::free(I18NStringAllocator from, void* of, void* block) noexcept {
+    if (block == nullptr) return;
+    if (from == nullptr) return std::free(block);
+    int ignored = I18N_OK;
+    tavContain([&] { from(of, static_cast<char*>(block), 0, &ignored); });
+}
