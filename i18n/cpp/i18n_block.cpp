@@ -17,19 +17,27 @@ const char kRealloc[] = "realloc failed to reallocate memory.";
 
 }  // namespace
 
-char* I18NBlock::resize(I18NStringAllocator from, void* of, char* block, std::int64_t size) {
+void I18NBlock::resize(I18NStringAllocator from, void* of, char*& block, std::int64_t size) {
     const char* const failure = block == nullptr ? kMalloc : kRealloc;
     if (size > INT_MAX) QBL_THROW(QBLOutOfMemoryError(0, failure));
     if (from == nullptr) {
         void* const resized = std::realloc(block, static_cast<std::size_t>(size));
         if (resized == nullptr) QBL_THROW(QBLOutOfMemoryError(0, failure));
-        return static_cast<char*>(resized);
+        block = static_cast<char*>(resized);
+        return;
     }
     QBL_ALLOC_TRY
     int error = I18N_OK;
+    const bool fresh = block == nullptr;
     char* const resized = from(of, block, static_cast<int>(size), &error);
-    if (resized == nullptr || error != I18N_OK) QBL_THROW(QBLOutOfMemoryError(0, kAllocator));
-    return resized;
+    // With an error beside it, it is still where the old contents are now.
+    if (resized != nullptr) block = resized;
+    if (resized != nullptr && error == I18N_OK) return;
+    if (fresh) {
+        free(from, of, block);
+        block = nullptr;
+    }
+    QBL_THROW(QBLOutOfMemoryError(0, kAllocator));
     QBL_ALLOC_CATCH
 }
 

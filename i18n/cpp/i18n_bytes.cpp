@@ -5,6 +5,7 @@
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "i18n/cpp/i18n_converter.hpp"
+#include "i18n/cpp/internal/i18n_conversion.hpp"
 #include "i18n/cpp/internal/i18n_encodings.hpp"
 
 namespace {
@@ -29,14 +30,19 @@ I18NBytes toUTF16(const I18NTextView& text, I18NBlock block) {
     return {std::move(block), static_cast<int>(bytes) + 2, 2};
 }
 
+/// A zero that is wide enough for every encoding.
+I18NBytes widestZero(I18NBlock block) {
+    block.resize(4);
+    std::memset(block.get(), 0, 4);
+    return {std::move(block), 4, 4};
+}
+
 }  // namespace
 
 I18NBytes i18nToBytes(const I18NTextView& text, const I18NConverter& converter, I18NBlock block) {
-    if (text.length() == 0) {  // a zero that is wide enough for every encoding
-        block.resize(4);
-        std::memset(block.get(), 0, 4);
-        return {std::move(block), 4, 4};
-    }
+    if (text.length() == 0) return widestZero(std::move(block));
+    if (text.ascii() != nullptr && i18nKeepsASCII(converter.getEncoding()))
+        return toUTF8(text, std::move(block));
     QBL_ALLOC_TRY
     std::u16string widened;
     const char16_t* units = text.units();
@@ -47,13 +53,15 @@ I18NBytes i18nToBytes(const I18NTextView& text, const I18NConverter& converter, 
     }
     char* bytes = nullptr;
     int length = 0;
-    converter.fromUnicode(&bytes, &length, units, block.allocator(), block.context());
+    I18NCountedText::fromUnicode(converter, &bytes, &length, units, text.length(),
+                                 block.allocator(), block.context());
     return {I18NBlock(block.allocator(), block.context(), bytes), length,
             converter.sizeofLegacyNull()};
     QBL_ALLOC_CATCH
 }
 
 I18NBytes i18nToBytes(const I18NTextView& text, const char* encoding, I18NBlock block) {
+    if (text.length() == 0 && text.ascii() == nullptr) return widestZero(std::move(block));
     if (i18nIsUTF8(encoding) || (text.ascii() != nullptr && i18nKeepsASCII(encoding)))
         return toUTF8(text, std::move(block));
     if (i18nIsUTF16(encoding)) return toUTF16(text, std::move(block));

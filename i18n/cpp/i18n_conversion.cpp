@@ -10,6 +10,8 @@ namespace {
 
 // What UTF-16 at an odd address is copied through.
 constexpr std::ptrdiff_t kPieceUnits = 512;
+// What ICU takes at a time.
+constexpr std::ptrdiff_t kMostUnits = 0x3FFFFFFF;
 constexpr std::ptrdiff_t kUnit = sizeof(UChar);
 
 bool isAligned(const char* units) {
@@ -21,15 +23,20 @@ bool isAligned(const char* units) {
 UErrorCode i18nFromUnicode(UConverter* converter, char*& at, char* limit, const char*& source,
                            const char* end, bool flush) {
     UErrorCode status = U_ZERO_ERROR;
+    bool last = false;
     if (isAligned(source)) {
         const auto* from = reinterpret_cast<const UChar*>(source);
-        const UChar* to = from + (end - source) / kUnit;
-        ucnv_fromUnicode(converter, &at, limit, &from, to, nullptr, flush, &status);
+        const auto* const to = from + (end - source) / kUnit;
+        while (!last && U_SUCCESS(status)) {
+            const UChar* const pieceEnd = from + std::min(to - from, kMostUnits);
+            last = pieceEnd == to;
+            ucnv_fromUnicode(converter, &at, limit, &from, pieceEnd, nullptr, flush && last,
+                             &status);
+        }
         source = reinterpret_cast<const char*>(from);
         return status;
     }
     UChar piece[kPieceUnits];
-    bool last = false;
     while (!last && U_SUCCESS(status)) {
         const std::ptrdiff_t units = std::min((end - source) / kUnit, kPieceUnits);
         std::memcpy(piece, source, static_cast<std::size_t>(units * kUnit));

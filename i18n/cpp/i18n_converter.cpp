@@ -90,6 +90,22 @@ int saturated(std::int64_t value) {
     return static_cast<int>(std::clamp<std::int64_t>(value, INT_MIN, INT_MAX));
 }
 
+// Another converter of the same encoding, at the beginning of a text.
+UConverter* reopened(const UConverter* converter) {
+    UErrorCode status = U_ZERO_ERROR;
+    UConverter* other = ucnv_open(ucnv_getName(converter, &status), &status);
+    settle(status);
+    UConverterToUCallback toCallback = nullptr;
+    UConverterFromUCallback fromCallback = nullptr;
+    const void *toContext = nullptr, *fromContext = nullptr;
+    ucnv_getToUCallBack(converter, &toCallback, &toContext);
+    ucnv_getFromUCallBack(converter, &fromCallback, &fromContext);
+    ucnv_setToUCallBack(other, toCallback, toContext, nullptr, nullptr, &status);
+    ucnv_setFromUCallBack(other, fromCallback, fromContext, nullptr, nullptr, &status);
+    ucnv_setFallback(other, ucnv_usesFallback(converter));
+    return other;
+}
+
 const I18NConverter* preparedFor(const char* name) {
     if (!I18NConverter::isInitialized()) return nullptr;
     if (I18NConverter::isUTF8(name)) return &i18nHolders().utf8->getConverter();
@@ -162,7 +178,10 @@ void I18NConverter::adopt(const I18NConverter& other, const char* encoding) {
     // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks)
     NamedBlock block = namedBlock(encoding, other.m_iCloneSize);
     int32_t size = other.m_iCloneSize;
-    UConverter* clone = cloneInto(block.room, &size, other.m_pConverter);
+    // A clone of this one would share what the first of the two to be closed frees.
+    const bool isCloneable = ucnv_getType(other.m_pConverter) != UCNV_COMPOUND_TEXT;
+    UConverter* clone = isCloneable ? cloneInto(block.room, &size, other.m_pConverter)
+                                    : reopened(other.m_pConverter);
 
     ucnv_close(m_pConverter);
     ::operator delete(const_cast<char*>(m_outputContext.encoding));
@@ -239,7 +258,7 @@ int I18NConverter::numLegacyBytes(int codeUnits) const {
 }
 
 int I18NConverter::numLegacyCodePoints(int bytes) const {
-    return static_cast<int>((std::int64_t{bytes} - m_iNullSize) / m_iMaxBytes);
+    return saturated((std::int64_t{bytes} - m_iNullSize) / m_iMaxBytes);
 }
 
 int I18NConverter::numUnicodeBytes(int codeUnits) const {

@@ -5,6 +5,7 @@
 #include "i18n/cpp/i18n_allocator.h"
 #include "i18n/cpp/i18n_converter_types.h"
 
+class I18NLocale;
 class I18NString;
 struct UConverter;
 
@@ -100,8 +101,10 @@ public:
     ///        with a NUL
     int getEffectiveBufferSize(const char* text, int length) const;
 
-    /// @param size  of the destination, in bytes. The NUL is written in any case, cut to this
-    ///        size if it is smaller. A size of just a NUL takes no text and is no failure
+    /// @param size  of the destination, in bytes; what is no whole unit of the encoding is not
+    /// used.
+    ///        The NUL is written in any case, cut to this size if it is smaller. A size of just a
+    ///        NUL takes no text and is no failure
     /// @param source  UTF-16 that ends with a NUL
     /// @param error  I18N_ARGUMENT for a null pointer or no size, I18N_TOO_SMALL if the text did
     ///        not fit, I18N_CONVERSION if it cannot be converted
@@ -126,7 +129,8 @@ public:
     /// @param written  receives the bytes written, NUL included; may be null
     /// @param consumed  receives the bytes used of the source; may be null
     /// @param error  I18N_STREAM_FULL when the destination was too small: go on with the rest of
-    ///        the source. I18N_ARGUMENT, I18N_CONVERSION
+    ///        the source, in a larger one if it has no room but for the NUL. I18N_ARGUMENT for a
+    ///        null pointer, but for a source of size 0, or no size; I18N_CONVERSION
     void fromUnicodeStream(char* destination, int size, const void* source, int sourceSize,
                            int* written, int* consumed, I18NErrorCodes* error = nullptr) const;
     /// Into a block from the allocator, into which everything fits; none for a source size of 0
@@ -143,9 +147,11 @@ public:
     /// As the allocating fromUnicode(). A null source without a length gives no block.
     void toUnicode(void** destination, int* size, const char* source, int length,
                    I18NStringAllocator allocator = nullptr, void* context = nullptr) const;
-    /// Replaces a string's contents; a null source or a length of 0 empties it.
+    /// Replaces a string's contents, with a block of its allocator; a buffer of its owner's is let
+    /// go of. A null source or a length of 0 empties it.
     void toUnicode(I18NString& destination, const char* source, int length) const;
-    /// As fromUnicodeStream(), but that a NUL within the length is text.
+    /// As fromUnicodeStream(), but that a NUL within the length is text, and one that ends the
+    /// source does not count as consumed. A destination of no size is too small.
     void toUnicodeStream(void* destination, int size, const char* source, int length, int* written,
                          int* consumed, I18NErrorCodes* error = nullptr) const;
     void toUnicodeStream(void** destination, int* size, const char* source, int length,
@@ -172,8 +178,14 @@ public:
     static bool shouldUseBOM(const I18NString& encoding);
     /// Whether the internationalisation layer is initialised.
     static bool isInitialized();
+    /// The usual encoding of a locale's text files, as of I18NInternalResources.
+    /// @param encoding  receives its name
+    static void getEncodingForLocale(I18NString& encoding, const I18NLocale& locale);
 
 private:
+    friend class I18NString;
+    friend struct I18NCountedText;
+
     enum Direction : unsigned char { kInput = 0, kOutput = 1 };
     enum Flag : unsigned char {
         kPending = 1,    // ICU keeps output that had no room

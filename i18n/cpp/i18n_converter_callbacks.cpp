@@ -42,6 +42,7 @@ public:
         m_bFull = m_bFull || m_iLength + U16_LENGTH(codePoint) > kRoomInICU;
         if (!m_bFull) U16_APPEND_UNSAFE(m_units, m_iLength, codePoint);
     }
+    bool isCut() const { return m_bFull; }
     void write(UConverterToUnicodeArgs* args, UErrorCode* status) const {
         *status = U_ZERO_ERROR;
         ucnv_cbToUWriteUChars(args, m_units, m_iLength, 0, status);
@@ -102,7 +103,7 @@ void USER_DEFINED_UNCONVERTIBLE_INPUT_CALLBACK(const void* context, UConverterTo
     Replacement replacement;
     for (int i = 0; i < limited(count); ++i)
         replacement.append(static_cast<char32_t>(codePoints[i]));
-    replacement.write(args, status);
+    if (!replacement.isCut()) replacement.write(args, status);
 }
 
 void STOP_UNCONVERTIBLE_INPUT_CALLBACK(const void* context, UConverterToUnicodeArgs* args,

@@ -87,7 +87,8 @@ void I18NConverter::set(Flag flag, Direction direction, bool on) const {
 }
 
 // Converts into a buffer of the caller's and ends it with a NUL. Room for just the NUL takes no
-// text and is reported as success, as callers rely on; only less than that is too small.
+// text and is reported as success, as callers rely on; only less than that is too small. A stream
+// would never come to its end that way.
 I18NErrorCodes I18NConverter::convert(Direction direction, char* destination, int size,
                                       const char*& source, const char* end, bool flush,
                                       int& written) const {
@@ -98,13 +99,16 @@ I18NErrorCodes I18NConverter::convert(Direction direction, char* destination, in
     const int room = size - nullSize;
     char* at = destination;
     UErrorCode status = U_ZERO_ERROR;
-    if (room > 0) status = run(m_pConverter, at, destination + room, source, end, flush);
+    // Whole units, so that the NUL is one; only a stream continues half a unit.
+    const int used = flush ? room - room % nullSize : room;
+    if (room > 0) status = run(m_pConverter, at, destination + used, source, end, flush);
     const int text = static_cast<int>(at - destination);
     const int null = std::min(nullSize, size - text);
     std::memset(at, 0, static_cast<std::size_t>(null));
     written = text + null;
 
-    if (room < 0) status = U_BUFFER_OVERFLOW_ERROR;
+    const bool nothingTaken = !flush && room == 0 && (source != end || is(kPending, direction));
+    if (room < 0 || nothingTaken) status = U_BUFFER_OVERFLOW_ERROR;
     const bool full = status == U_BUFFER_OVERFLOW_ERROR;
     if (full && !flush) {
         if (room > 0) set(kPending, direction, true);
@@ -178,11 +182,20 @@ void I18NConverter::fromUnicode(char** destination, int* size, const void* sourc
     *destination = allocate(kOutput, size, text.begin, text.end, true, allocator, context);
 }
 
+void I18NCountedText::fromUnicode(const I18NConverter& converter, char** destination, int* size,
+                                  const char16_t* units, int length, I18NStringAllocator allocator,
+                                  void* context) {
+    const auto* begin = reinterpret_cast<const char*>(units);
+    *destination =
+        converter.allocate(I18NConverter::kOutput, size, begin,
+                           begin + std::ptrdiff_t{length} * kUnit, true, allocator, context);
+}
+
 void I18NConverter::fromUnicodeStream(char* destination, int size, const void* source,
                                       int sourceSize, int* written, int* consumed,
                                       I18NErrorCodes* error) const {
     Counters counters(written, consumed);
-    if (destination == nullptr || size <= 0 || source == nullptr)
+    if (destination == nullptr || size <= 0 || (source == nullptr && sourceSize != 0))
         return report(I18N_ARGUMENT, error);
     if (sourceSize == 0 && !is(kPending, kOutput)) return report(I18N_OK, error);
     const Source text = piece(source, sourceSize);
@@ -200,7 +213,7 @@ void I18NConverter::fromUnicodeStream(char** destination, int* size, const void*
                                       void* context) const {
     requireOutput(destination, size);
     *destination = nullptr;
-    if (source == nullptr) QBL_THROW(I18NRuntimeError(I18N_ARGUMENT, nullptr));
+    if (source == nullptr && sourceSize != 0) QBL_THROW(I18NRuntimeError(I18N_ARGUMENT, nullptr));
     if (sourceSize == 0 && !is(kPending, kOutput)) return;
     const Source text = sourceSize < 0 ? nullTerminated(source) : counted(source, sourceSize);
     *destination = allocate(kOutput, size, text.begin, text.end, false, allocator, context);
@@ -230,7 +243,8 @@ void I18NConverter::toUnicode(void** destination, int* size, const char* source,
 void I18NConverter::toUnicodeStream(void* destination, int size, const char* source, int length,
                                     int* written, int* consumed, I18NErrorCodes* error) const {
     Counters counters(written, consumed);
-    if (destination == nullptr || source == nullptr) return report(I18N_ARGUMENT, error);
+    if (destination == nullptr || (source == nullptr && length != 0))
+        return report(I18N_ARGUMENT, error);
     if (length < 0) length = getEffectiveBufferSize(source, length);
     if (length == 0 && !is(kPending, kInput)) return report(I18N_OK, error);
     const char* at = source;
@@ -244,7 +258,7 @@ void I18NConverter::toUnicodeStream(void** destination, int* size, const char* s
                                     I18NStringAllocator allocator, void* context) const {
     requireOutput(destination, size);
     *destination = nullptr;
-    if (source == nullptr) QBL_THROW(I18NRuntimeError(I18N_ARGUMENT, nullptr));
+    if (source == nullptr && length != 0) QBL_THROW(I18NRuntimeError(I18N_ARGUMENT, nullptr));
     if (length < 0) length = getEffectiveBufferSize(source, length);
     if (length == 0 && !is(kPending, kInput)) return;
     *destination = allocate(kInput, size, source, source + length, false, allocator, context);

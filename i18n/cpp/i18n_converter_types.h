@@ -11,7 +11,8 @@ enum I18NUnconvertiblePolicy {
     I18N_ESCAPE = 0,      ///< writes it in digits: %X80, %U4E00
     I18N_LOOKUP = 1,      ///< asks the tables of the resource file; without an entry, input becomes
                           ///< U+FFFF and output the encoding's substitution character
-    I18N_SUBSTITUTE = 2,  ///< U+FFFD, or the encoding's substitution character
+    I18N_SUBSTITUTE = 2,  ///< the encoding's substitution character; of input that is U+FFFD, or
+                          ///< U+001A where its table says so
     I18N_USER_DEFINED = 3,  ///< asks a function of the caller's
     I18N_STOP = 4           ///< the conversion fails with I18N_CONVERSION
 };
@@ -25,8 +26,9 @@ extern "C" {
 
 /// Replaces bytes that are not convertible.
 /// @param encoding  the converter's, as it was named
-/// @param codePoints  receives the replacement; what is no code point is left out, and what does
-///        not fit into I18N_USER_REPLACEMENT_LIMIT UTF-16 code units is cut off
+/// @param codePoints  receives the replacement; what is no code point is left out, and what is
+///        beyond I18N_USER_REPLACEMENT_LIMIT cut off. If these need more than so many UTF-16 code
+///        units, the conversion fails
 /// @param count  receives the number of code points; 0 on entry
 /// @param error  I18N_OK on entry; anything else makes the conversion fail
 typedef void (*I18NUserInputCallback)(const char* encoding, const char* bytes, int length,

@@ -12,6 +12,7 @@
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/Frame/internal/QBLImmortal.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
+#include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/i18n_error_codes.h"
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/internal/i18n_block.hpp"
@@ -71,7 +72,7 @@ bool copyShort(char* out, const char* bytes, std::size_t length) {
 
 }  // namespace
 
-I18NString::I18NString(I18NStringAllocator allocator, void* context) noexcept
+I18NString::I18NString(Bare, I18NStringAllocator allocator, void* context) noexcept
     : m_pCodeUnits(nullptr),
       m_pUnicodeString(nullptr),
       m_allocator(allocator),
@@ -89,29 +90,37 @@ I18NString::I18NString(I18NStringAllocator allocator, void* context) noexcept
     m_asciiInline[0] = '\0';
 }
 
+I18NString::I18NString(I18NStringAllocator allocator, void* context)
+    : I18NString(Bare(), allocator, context) {
+    if (isForceUnicodeString()) leaveAscii();
+}
+
 I18NString::I18NString(const I18NString& other, I18NStringAllocator allocator, void* context)
-    : I18NString(allocator, context) {
-    if (other.m_pUnicodeString == nullptr && other.m_asciiBufCapacity <= kInline &&
-        !isForceUnicodeString()) {
-        m_flags.store(other.m_flags.load(std::memory_order_relaxed), std::memory_order_relaxed);
+    : I18NString(Bare(), allocator, context) {
+    m_flags.store(static_cast<unsigned char>(other.m_flags.load(std::memory_order_relaxed) &
+                                             ~static_cast<unsigned>(kI18NStaticBuffer)),
+                  std::memory_order_relaxed);
+    if (other.m_pUnicodeString != nullptr || isForceUnicodeString()) {
+        leaveAscii();
+        put(0, 0, I18NTextView(other));
+    } else if (other.m_asciiBufCapacity <= kInline) {
         std::memcpy(m_asciiInline, other.m_asciiInline, sizeof m_asciiInline);
         m_asciiBufLength = other.m_asciiBufLength;
-        return;
+    } else {
+        reserveAscii(other.m_asciiBufLength);
+        m_asciiBufLength = other.m_asciiBufLength;
+        std::memcpy(m_pAsciiBuffer, other.ascii(), static_cast<std::size_t>(m_asciiBufLength) + 1);
     }
-    if (other.hasFlag(kI18NNoNormalization)) setFlag(kI18NNoNormalization, true);
-    assign(I18NTextView(other));
-    setFlag(kI18NNormalized, other.hasFlag(kI18NNormalized));
-    setFlag(kI18NFromCodePage943, other.hasFlag(kI18NFromCodePage943));
 }
 
 I18NString::I18NString(I18NString&& other) noexcept
-    : I18NString(other.m_allocator, other.m_allocatorContext) {
+    : I18NString(Bare(), other.m_allocator, other.m_allocatorContext) {
     take(other);
 }
 
 I18NString::I18NString(const void* utf16, int byteLength, I18NStringAllocator allocator,
                        void* context)
-    : I18NString(allocator, context) {
+    : I18NString(Bare(), allocator, context) {
     // The memory need not be aligned as units are.
     const char* bytes = static_cast<const char*>(utf16);
     const auto unit = [bytes](int i) {
@@ -136,33 +145,39 @@ I18NString::I18NString(const void* utf16, int byteLength, I18NStringAllocator al
         if (length != 0) std::memcpy(m_pCodeUnits, bytes, static_cast<std::size_t>(length) * 2);
         m_unitLength = length;
         alias();
-        renormalize(0, length);
+        renormalize();
     }
     changed();
 }
 
 I18NString::I18NString(int count, wchar_t c, I18NStringAllocator allocator, void* context)
-    : I18NString(allocator, context) {
+    : I18NString(Bare(), allocator, context) {
     if (isForceUnicodeString()) leaveAscii();
     const std::int64_t width = c > 0xFFFF && c <= 0x10FFFF ? 2 : 1;
     if (count > 0) resize(grown(0, count * width, kMostBytes / 2 - 1), c);
 }
 
 I18NString::I18NString(const wchar_t* text, I18NStringAllocator allocator, void* context)
-    : I18NString(allocator, context) {
+    : I18NString(Bare(), allocator, context) {
     assign(I18NWideText(text).view());
 }
 
 I18NString::I18NString(const char* bytes, const char* encoding, int length,
                        I18NStringAllocator allocator, void* context)
-    : I18NString(allocator, context) {
+    : I18NString(Bare(), allocator, context) {
     if (!setShort(bytes, encoding, length)) setBytes(bytes, encoding, length);
 }
 
 I18NString::I18NString(const char* bytes, const I18NConverter& converter, int length,
                        I18NStringAllocator allocator, void* context)
-    : I18NString(allocator, context) {
-    setConverted(bytes, converter, length);
+    : I18NString(Bare(), allocator, context) {
+    const int size = converter.getEffectiveBufferSize(bytes, length);
+    const auto counted = static_cast<std::size_t>(size);
+    if (bytes != nullptr && i18nKeepsASCII(converter.getEncoding()) &&
+        i18nIsASCII(bytes, counted) && strnlen(bytes, counted) == counted)
+        setBytes(bytes, nullptr, size);
+    else
+        setConverted(bytes, converter, length);
 }
 
 // The order is that of the fields, the caller's buffer left alone.
@@ -172,7 +187,7 @@ void I18NString::destroy() noexcept {
         m_pUnicodeString->~UnicodeString();
         release(m_pUnicodeString);
     }
-    if (m_pConverted.load(std::memory_order_relaxed) != nullptr) dropConversions();
+    dropConversions(m_pConverted.exchange(nullptr, std::memory_order_acquire));
     if (m_asciiBufCapacity > kInline) release(m_pAsciiBuffer);
 }
 
@@ -213,7 +228,8 @@ I18NString& I18NString::operator=(const I18NString& other) {
 I18NString& I18NString::operator=(I18NString&& other) {
     const bool movable = m_allocator == other.m_allocator &&
                          m_allocatorContext == other.m_allocatorContext &&
-                         !hasFlag(kI18NStaticBuffer) && !other.hasFlag(kI18NStaticBuffer);
+                         !hasFlag(kI18NStaticBuffer) && !other.hasFlag(kI18NStaticBuffer) &&
+                         hasFlag(kI18NNoNormalization) == other.hasFlag(kI18NNoNormalization);
     if (!movable) return *this = static_cast<const I18NString&>(other);
     if (this == &other) return *this;
     recreate(std::move(other));
@@ -269,8 +285,10 @@ void I18NString::setFlag(Flags flag, bool on) {
                   std::memory_order_release);
 }
 
-char* I18NString::allocate(char* block, int size) const {
-    return I18NBlock::resize(m_allocator, m_allocatorContext, block, size);
+char* I18NString::allocate(int size) const {
+    char* block = nullptr;
+    I18NBlock::resize(m_allocator, m_allocatorContext, block, size);
+    return block;
 }
 
 void I18NString::release(void* block) const noexcept {
@@ -287,24 +305,42 @@ void I18NString::reserveAscii(int units) {
     const bool inlined = m_asciiBufCapacity <= kInline;
     const int capacity =
         grown(inlined ? 0 : m_asciiBufCapacity, std::int64_t{units} + 1, kMostBytes);
-    char* const block = allocate(inlined ? nullptr : m_pAsciiBuffer, capacity);
-    if (inlined) std::memcpy(block, m_asciiInline, static_cast<std::size_t>(m_asciiBufLength) + 1);
-    m_pAsciiBuffer = block;
+    if (inlined) {
+        char* const block = allocate(capacity);
+        std::memcpy(block, m_asciiInline, static_cast<std::size_t>(m_asciiBufLength) + 1);
+        m_pAsciiBuffer = block;
+    } else {
+        I18NBlock::resize(m_allocator, m_allocatorContext, m_pAsciiBuffer, capacity);
+    }
     m_asciiBufCapacity = capacity;
 }
 
 void I18NString::reserveUnits(int units) {
     if (m_pCodeUnits != nullptr && units <= m_unitCapacity) return;
     if (hasFlag(kI18NStaticBuffer)) QBL_THROW(I18NRuntimeError(I18N_UNEXPECTED, kStatic));
-    const int capacity = grown(m_unitCapacity, units, kMostBytes / 2 - 1);
-    m_pCodeUnits = reinterpret_cast<char16_t*>(
-        allocate(reinterpret_cast<char*>(m_pCodeUnits), capacity * 2 + 2));
+    resizeUnits(grown(m_unitCapacity, units, kMostBytes / 2 - 1));
+}
+
+// The ICU string must never be left with units that are gone, after a failure neither.
+void I18NString::resizeUnits(int capacity) {
+    char* block = reinterpret_cast<char*>(m_pCodeUnits);
+    const auto show = [&] {
+        if (block == reinterpret_cast<char*>(m_pCodeUnits)) return;
+        m_pCodeUnits = reinterpret_cast<char16_t*>(block);
+        if (block != nullptr) alias();
+    };
+    try {
+        I18NBlock::resize(m_allocator, m_allocatorContext, block, capacity * 2 + 2);
+    } catch (...) {
+        show();
+        throw;
+    }
+    show();
     m_unitCapacity = capacity;
-    alias();
 }
 
 void I18NString::createUnicodeString() {
-    void* const memory = allocate(nullptr, static_cast<int>(sizeof(icu::UnicodeString)));
+    void* const memory = allocate(static_cast<int>(sizeof(icu::UnicodeString)));
     m_pUnicodeString = new (memory) icu::UnicodeString;
 }
 
@@ -312,8 +348,8 @@ void I18NString::leaveAscii() {
     if (!isUsingAsciiBuffer()) return;
     const int length = m_asciiBufLength;
     const int capacity = length < 15 ? 15 : length;
-    auto* const units = reinterpret_cast<char16_t*>(
-        allocate(nullptr, grown(0, std::int64_t{capacity} * 2 + 2, kMostBytes)));
+    auto* const units =
+        reinterpret_cast<char16_t*>(allocate(grown(0, std::int64_t{capacity} * 2 + 2, kMostBytes)));
     try {
         createUnicodeString();
     } catch (...) {
@@ -334,19 +370,18 @@ void I18NString::alias() {
     m_pContents = m_pCodeUnits;
 }
 
-// Conversions go with the contents that they are of.
-void I18NString::changed() {
-    if (m_pConverted.load(std::memory_order_relaxed) != nullptr) dropConversions();
-    setChangedFlag(true);
-}
+// Conversions of contents that are no more go when the string is converted anew, so that a pointer
+// to the new ones differs.
+void I18NString::changed() { setChangedFlag(true); }
 
 const icu::UnicodeString& I18NString::getUnicodeString() {
     leaveAscii();
     return *m_pUnicodeString;
 }
 
-void I18NString::assign(const I18NTextView& text, bool normalized) {
-    if (text.owner() == this) return;
+void I18NString::assign(const I18NTextView& text) {
+    const I18NString* const owner = text.owner();
+    if (owner == this) return;
     if (isUsingAsciiBuffer() && !isForceUnicodeString() && text.isASCII()) {
         reserveAscii(text.length());
         text.copyTo(m_pAsciiBuffer);
@@ -354,18 +389,14 @@ void I18NString::assign(const I18NTextView& text, bool normalized) {
         m_pAsciiBuffer[m_asciiBufLength] = '\0';
         setFlag(kI18NNormalized, true);
         changed();
-        return;
+    } else if (leaveAscii(); owner != nullptr && !owner->hasFlag(kI18NNoNormalization)) {
+        // In whatever form, it is the one that the owner was given.
+        put(0, m_unitLength, text);
+        setFlag(kI18NNormalized, owner->hasFlag(kI18NNormalized));
+    } else {
+        spliceUnits(0, m_unitLength, text);
     }
-    leaveAscii();
-    reserveUnits(text.length());
-    text.copyTo(m_pCodeUnits);
-    m_unitLength = text.length();
-    alias();
-    changed();
-    if (normalized || (text.owner() != nullptr && text.owner()->hasFlag(kI18NNormalized)))
-        setFlag(kI18NNormalized, true);
-    else
-        renormalize(0, m_unitLength);
+    setFlag(kI18NFromCodePage943, owner != nullptr && owner->hasFlag(kI18NFromCodePage943));
 }
 
 // The frequent case of a new string, in as little as it takes.
@@ -388,7 +419,10 @@ bool I18NString::setShort(const char* bytes, const char* encoding, int length) {
 void I18NString::setBytes(const char* bytes, const char* encoding, int length) {
     const int newSize = length == -1 ? 0 : length;
     QBL_ASSERT(newSize >= 0);
-    if (bytes == nullptr) bytes = "";
+    if (bytes == nullptr) {
+        bytes = "";
+        length = 0;
+    }
     if (i18nKeepsASCII(encoding)) {
         const std::size_t counted =
             length >= 0 ? static_cast<std::size_t>(length) : std::strlen(bytes);
@@ -411,7 +445,7 @@ void I18NString::setBytes(const char* bytes, const char* encoding, int length) {
 
 // Decodes beside the present contents, which the bytes may be part of.
 void I18NString::decodeUTF8(const char* bytes, int length) {
-    I18NString fresh(m_allocator, m_allocatorContext);
+    I18NString fresh(Bare(), m_allocator, m_allocatorContext);
     fresh.leaveAscii();
     fresh.reserveUnits(length);
     const I18NDecoded decoded =
@@ -419,10 +453,14 @@ void I18NString::decodeUTF8(const char* bytes, int length) {
     fresh.m_unitLength = static_cast<int>(decoded.units);
     fresh.alias();
     if (hasFlag(kI18NNoNormalization)) fresh.setFlag(kI18NNoNormalization, true);
-    if (decoded.mayNeedNormalization) fresh.renormalize(0, fresh.m_unitLength);
+    if (decoded.mayNeedNormalization) fresh.renormalize();
     if (hasFlag(kI18NStaticBuffer)) return assign(I18NTextView(fresh));
+    replaceBy(fresh);
+}
+
+// Takes the contents of a string with the same allocator, and those before go.
+void I18NString::replaceBy(I18NString& fresh) noexcept {
     destroy();
     take(fresh);
-    setFlag(kI18NNormalized, true);
     setChangedFlag(true);
 }

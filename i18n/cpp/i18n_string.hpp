@@ -38,8 +38,8 @@ enum I18NNormalizationForms { I18N_NFC, I18N_NFD, I18N_NFKC, I18N_NFKD };
 /// Contents are kept in normalisation form C unless that is switched off. Text is case-sensitive
 /// and compares in the order of its code units.
 ///
-/// An allocator given with a constructor gets the string its memory from then on. It must do what
-/// realloc(3) does, for the default one frees what c_str() keeps.
+/// An allocator given with a constructor gets the string its memory from then on, and does what
+/// realloc(3) does.
 ///
 /// A wide character is a code point: above U+FFFF it becomes a surrogate pair, a surrogate stays
 /// what it is, and what is beyond Unicode becomes U+FFFD.
@@ -50,8 +50,9 @@ enum I18NNormalizationForms { I18N_NFC, I18N_NFD, I18N_NFKC, I18N_NFKD };
 /// may call those at a time, c_str() and toBytes() included.
 class QBL_API I18NString {
 public:
-    explicit I18NString(I18NStringAllocator allocator = nullptr, void* context = nullptr) noexcept;
-    /// A copy has the allocator given here, not that of the original.
+    explicit I18NString(I18NStringAllocator allocator = nullptr, void* context = nullptr);
+    /// A copy has the allocator given here, not that of the original. Its text is the same, also if
+    /// that is in another form.
     I18NString(const I18NString& other, I18NStringAllocator allocator = nullptr,
                void* context = nullptr);
     I18NString(I18NString&& other) noexcept;
@@ -83,7 +84,8 @@ public:
         recreate(I18NString(arguments...));
     }
 
-    /// Keep the allocator that the string has.
+    /// Keep the allocator that the string has, and whether it is normalised. A text that was
+    /// brought to another form by normalize() stays in it.
     I18NString& operator=(const I18NString& other);
     // Strings with different allocators, or with a caller's buffer, are copied, which can fail.
     I18NString& operator=(I18NString&& other);  // NOLINT(performance-noexcept-move-constructor)
@@ -101,16 +103,19 @@ public:
     }
     /// Offsets beyond the end count as the end, negative ones as the beginning.
     I18NString& insert(I18NStringOffset offset, const I18NString& other);
+    I18NString& insert(I18NStringOffset offset, const char* utf8);
     I18NString& insert(I18NStringOffset offset, const wchar_t* text);
     I18NString& insert(I18NStringOffset offset, wchar_t c);
     I18NString& replace(I18NStringOffset offset, int count, const I18NString& other);
+    I18NString& replace(I18NStringOffset offset, int count, const char* utf8);
     I18NString& replace(I18NStringOffset offset, int count, const wchar_t* text);
     I18NString& replace(I18NStringOffset offset, int count, wchar_t c);
     /// A negative count means all to the end, as everywhere.
     I18NString& erase(I18NStringOffset offset, int count = -1);
     /// Empties the string.
     I18NString& remove();
-    /// Cuts the string to a number of units, or fills it up to that.
+    /// Cuts the string to a number of units, or fills it up to that: with whole characters, that
+    /// may then combine.
     I18NString& resize(int units, wchar_t fill = L' ');
     I18NString& trimLeading(wchar_t c = L' ');
     I18NString& trimTrailing(wchar_t c = L' ');
@@ -148,7 +153,11 @@ public:
     /// Bytes of the UTF-16 form with its terminator, but 0 for an empty string.
     int size() const;
     static int length(const I18NString& other) { return other.length(); }
+    static int length(const char* utf8) { return I18NString(utf8).length(); }
+    static int length(const wchar_t* text) { return I18NString(text).length(); }
     static int size(const I18NString& other) { return other.size(); }
+    static int size(const char* utf8) { return I18NString(utf8).size(); }
+    static int size(const wchar_t* text) { return I18NString(text).size(); }
     /// Deliberately always 0: how wide a text is shown was never settled.
     int displaySize() const { return 0; }
 
@@ -164,8 +173,12 @@ public:
     /// The text in an encoding, with a zero of its width behind it. It belongs to the string and
     /// stays until the string is changed or destroyed; asked for again it is the same.
     /// @param encoding  null for UTF-8
-    /// @param length  receives the bytes, the zero included; null if not wanted
-    /// @param allocator  for the conversion; null means the string's own
+    /// @param length  receives the bytes, the zero included; null if not wanted. An empty string
+    /// that
+    ///     is kept in UTF-16 has four of them.
+    /// @param allocator, context  for the conversion; null means the string's own. They must last
+    /// as
+    ///     long as the string, or until it is converted again after a change
     /// @throws I18NRuntimeError -3 for an encoding that is not there, -4 for text it cannot express
     const char* c_str(const char* encoding = nullptr, int* length = nullptr,
                       I18NStringAllocator allocator = nullptr, void* context = nullptr) const {
@@ -174,7 +187,7 @@ public:
         if (length != nullptr) *length = m_asciiBufLength + 1;
         return ascii();
     }
-    /// The same by a converter, with its policies; the text is converted by UTF-8 converters too.
+    /// The same by a converter, with its policies.
     const char* c_str(const I18NConverter& converter, int* length = nullptr,
                       I18NStringAllocator allocator = nullptr, void* context = nullptr) const;
     /// The same as a block of the caller's, to be freed by freeBuffer(); one that an allocator was
@@ -187,6 +200,7 @@ public:
     /// Writes the text without the zero.
     /// @throws I18NRuntimeError with the writer's code when it fails
     void toBytes(I18NByteWriter& writer, const char* encoding = nullptr) const;
+    void toBytes(I18NByteWriter& writer, const I18NConverter& converter) const;
     /// Frees a block of the default allocator and sets the pointer to null; a shared empty text
     /// stays.
     static void freeBuffer(char** block);
@@ -205,17 +219,20 @@ public:
     static bool isForceUnicodeString();
     bool isUsingAsciiBuffer() const;
 
-    /// Makes a caller's UTF-16 buffer the string's own: with the text that is in it, up to a zero
-    /// or its end, and in its place from then on. The buffer must live as long as the string uses
-    /// it, that is until remove() of another's text is not enough: a text too long for it throws.
+    /// Makes a caller's UTF-16 buffer the string's own: with the text that is in it, up to a zero,
+    /// and in its place from then on. Its last unit is always made a zero. The buffer must live
+    /// until the string lets go of it, which create(), resizeExternalBuffer() and
+    /// I18NConverter::toUnicode() do. Any other change for which it is too small throws
+    /// I18NRuntimeError -7.
+    /// @param buffer  aligned as units are
     /// @param bytes  of the buffer, 2 at least
-    /// @throws I18NRuntimeError -7 from any change for which the buffer is too small;
-    ///     I18NRuntimeError -10 for null or fewer bytes
+    /// @throws I18NRuntimeError -10 for null, fewer bytes, or an odd address
     void attach(void* buffer, int bytes);
     /// Copies as much as fits in UTF-16, with a zero behind it.
     /// @return bytes written, the zero included; 0 for null or less than 2 bytes
     int copyToExternalBuffer(void* buffer, int bytes) const;
     /// The text in UTF-16, with a zero behind it, until the next change. The string leaves ASCII.
+    /// What is written there passes its conversions by: it is for reading.
     char16_t* getExternalBuffer();
     /// Gives the string a buffer that has just room for its text.
     /// @throws I18NRuntimeError -7 for a string with a caller's buffer, which it lets go of
@@ -230,6 +247,8 @@ public:
     /// @param from  where to begin
     /// @param start, end  receive the part's offsets
     bool substringLike(const I18NPatternCode& pattern, I18NStringOffset from,
+                       I18NStringOffset& start, I18NStringOffset& end) const;
+    bool substringLike(const I18NString& pattern, wchar_t escape, I18NStringOffset from,
                        I18NStringOffset& start, I18NStringOffset& end) const;
     /// A pattern made ready, to be freed by deletePatternCode().
     static I18NPatternCode* getPatternCode(const I18NString& pattern, wchar_t escape = 0);
@@ -276,6 +295,8 @@ private:
     };
     static constexpr int kInline = 32;
     struct Conversion;
+    struct Bare {};  // for a string in ASCII, whatever is asked for of all strings
+    I18NString(Bare, I18NStringAllocator allocator, void* context) noexcept;
     friend class I18NConverter;
     friend class I18NTextView;
     friend class I18NStringIteratorValue;
@@ -284,7 +305,7 @@ private:
     void setFlag(Flags flag, bool on);
     void setChangedFlag(bool changed) { setFlag(kI18NChanged, changed); }
 
-    char* allocate(char* block, int size) const;
+    char* allocate(int size) const;
     void release(void* block) const noexcept;
     void destroy() noexcept;
     void take(I18NString& other) noexcept;
@@ -295,12 +316,14 @@ private:
 
     void reserveAscii(int units);
     void reserveUnits(int units);
+    void resizeUnits(int capacity);
     void leaveAscii();
     void createUnicodeString();
     void alias();
     void changed();
 
-    void assign(const I18NTextView& text, bool normalized = false);
+    void replaceBy(I18NString& fresh) noexcept;
+    void assign(const I18NTextView& text);
     void splice(I18NStringOffset offset, int count, const I18NTextView& text);
     void spliceUnits(int offset, int count, const I18NTextView& text);
     void setConverted(const char* bytes, const char* encoding, int length);
@@ -308,9 +331,8 @@ private:
     void setBytes(const char* bytes, const char* encoding, int length);
     void decodeUTF8(const char* bytes, int length);
     void put(int offset, int count, const I18NTextView& text);
-    void renormalize(int begin, int end);
-    bool holdsNonNormalizable() const;
-    void substituteJapanese();
+    void renormalize();
+    bool hasJapaneseSubstitutions() const;
     const char* bytes(const char* encoding, int* length, I18NStringAllocator allocator,
                       void* context) const;
     bool setShort(const char* bytes, const char* encoding, int length);
@@ -318,7 +340,7 @@ private:
     const Conversion* conversion(const char* key, const char* encoding,
                                  const I18NConverter* converter, I18NStringAllocator allocator,
                                  void* context) const;
-    void dropConversions() noexcept;
+    static void dropConversions(Conversion* chain) noexcept;
 
     char16_t* m_pCodeUnits;
     icu::UnicodeString* m_pUnicodeString;  // null while the text is kept in ASCII
@@ -353,6 +375,7 @@ QBL_API void I18NFreeBuffer(void*& block);
 extern QBL_API char gI18NNullString[4];
 
 QBL_API I18NString operator+(const I18NString& a, const I18NString& b);
+QBL_API I18NString operator+(const I18NString& a, const char* utf8);
 QBL_API I18NString operator+(const I18NString& a, const wchar_t* b);
 QBL_API I18NString operator+(const I18NString& a, wchar_t b);
 /// Writes the UTF-8 form, without the terminating zero.

@@ -14,8 +14,11 @@ const char kStatic[] = "Cannot resize a static external buffer.";
 }  // namespace
 
 void I18NString::attach(void* buffer, int bytes) {
-    if (buffer == nullptr || bytes < 2) QBL_THROW(I18NRuntimeError(I18N_ARGUMENT, nullptr));
+    const bool aligned = reinterpret_cast<std::uintptr_t>(buffer) % alignof(char16_t) == 0;
+    if (buffer == nullptr || bytes < 2 || !aligned)
+        QBL_THROW(I18NRuntimeError(I18N_ARGUMENT, nullptr));
     leaveAscii();
+    if (buffer == m_pCodeUnits) return;
     if (!hasFlag(kI18NStaticBuffer)) release(m_pCodeUnits);
     setFlag(kI18NStaticBuffer, true);
     setFlag(kI18NNormalized, false);
@@ -46,7 +49,6 @@ char16_t* I18NString::getExternalBuffer() {
     return m_pCodeUnits;
 }
 
-// The ICU string must never be left with units that are gone: it is shown the new ones before.
 void I18NString::resizeExternalBuffer() {
     leaveAscii();
     if (hasFlag(kI18NStaticBuffer)) {
@@ -57,8 +59,5 @@ void I18NString::resizeExternalBuffer() {
         changed();
         QBL_THROW(I18NRuntimeError(I18N_UNEXPECTED, kStatic));
     }
-    m_pCodeUnits = reinterpret_cast<char16_t*>(
-        allocate(reinterpret_cast<char*>(m_pCodeUnits), m_unitLength * 2 + 2));
-    m_unitCapacity = m_unitLength;
-    alias();
+    resizeUnits(m_unitLength);
 }

@@ -5,8 +5,10 @@
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/i18n_errors.hpp"
+#include "i18n/cpp/i18n_internal_resources.hpp"
 #include "i18n/cpp/i18n_string.hpp"
 #include "i18n/cpp/internal/i18n_bytes.hpp"
+#include "i18n/cpp/internal/i18n_conversion.hpp"
 #include "i18n/cpp/internal/i18n_encodings.hpp"
 
 namespace {
@@ -31,21 +33,40 @@ void I18NString::setConverted(const char* bytes, const char* encoding, int lengt
         remove();
         return;
     }
-    setConverted(bytes, I18NConverter(encoding), length);
+    const I18NConverter converter(encoding);
+    // Bytes in a string end at the first zero, in all encodings.
+    const int whole = converter.getEffectiveBufferSize(bytes, length);
+    int end = 0;
+    while (end + converter.sizeofLegacyNull() <= whole &&
+           !i18nIsNull(bytes + end, converter.sizeofLegacyNull()))
+        end += converter.sizeofLegacyNull();
+    if (end + converter.sizeofLegacyNull() > whole) end = whole;
+    setConverted(bytes, converter, end);
 }
 
+// Takes over what the converter allocates; a buffer of the caller's is let go of.
 void I18NString::setConverted(const char* bytes, const I18NConverter& converter, int length) {
     void* converted = nullptr;
     int size = 0;
-    if (bytes != nullptr) converter.toUnicode(&converted, &size, bytes, length);
-    const I18NBlock units(nullptr, nullptr, static_cast<char*>(converted));
-    leaveAscii();
-    const bool from943 = isCodePage943(converter.getEncoding());
-    const int count = size >= 2 ? size / 2 - 1 : 0;
+    if (bytes != nullptr)
+        converter.toUnicode(&converted, &size, bytes, length, m_allocator, m_allocatorContext);
+    I18NBlock units(m_allocator, m_allocatorContext, static_cast<char*>(converted));
+    I18NString fresh(Bare(), m_allocator, m_allocatorContext);
+    fresh.createUnicodeString();
+    if (units.get() == nullptr) {
+        fresh.reserveUnits(0);
+    } else {
+        fresh.m_pCodeUnits = reinterpret_cast<char16_t*>(units.release());
+        fresh.m_unitLength = fresh.m_unitCapacity = size / 2 - 1;
+        fresh.alias();
+    }
+    fresh.setFlag(kI18NNoNormalization, hasFlag(kI18NNoNormalization));
     // Text of other encodings is deliberately taken as normalised, as their tables give it so.
-    assign(I18NTextView(reinterpret_cast<const char16_t*>(units.get()), count), !from943);
-    setFlag(kI18NFromCodePage943, from943);
-    setFlag(kI18NNormalized, true);
+    if (isCodePage943(converter.getEncoding())) {
+        fresh.setFlag(kI18NFromCodePage943, true);
+        fresh.renormalize();
+    }
+    replaceBy(fresh);
 }
 
 void I18NConverter::fromUnicode(char** destination, int* size, const I18NString& source,
@@ -74,6 +95,11 @@ void I18NConverter::toUnicode(I18NString& destination, const char* source, int l
         destination.remove();
     else
         destination.setConverted(source, *this, length);
+}
+
+void I18NConverter::getEncodingForLocale(I18NString& encoding, const I18NLocale& locale) {
+    encoding =
+        I18NInternalResources::getInternalResForTesting().getEncodingForLocale(locale).c_str();
 }
 
 bool I18NConverter::shouldUseBOM(const I18NString& encoding) {

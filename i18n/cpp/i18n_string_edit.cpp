@@ -23,6 +23,14 @@ void requireLength(std::int64_t length) {
     if (length > kMostUnits) QBL_THROW(QBLOutOfMemoryError(0, "malloc failed to allocate memory."));
 }
 
+/// Text to put into a string, which then decides on its form.
+I18NString asItIs(const char* utf8) {
+    I18NString text;
+    text.useNormalization(false);
+    text = utf8;
+    return text;
+}
+
 }  // namespace
 
 I18NWideText::I18NWideText(const wchar_t* text) {
@@ -62,11 +70,6 @@ void I18NString::splice(I18NStringOffset offset, int count, const I18NTextView& 
     changed();
 }
 
-void I18NString::spliceUnits(int offset, int count, const I18NTextView& text) {
-    put(offset, count, text);
-    renormalize(offset, offset + text.length());
-}
-
 I18NString& I18NString::append(const I18NString& other) {
     splice(nUnits(), 0, I18NTextView(other));
     return *this;
@@ -79,7 +82,7 @@ I18NString& I18NString::append(const char* utf8) {
     if (!own && i18nIsASCII(utf8, length))
         splice(nUnits(), 0, I18NTextView(utf8, static_cast<int>(length)));
     else
-        splice(nUnits(), 0, I18NTextView(I18NString(utf8)));
+        splice(nUnits(), 0, I18NTextView(asItIs(utf8)));
     return *this;
 }
 
@@ -98,6 +101,11 @@ I18NString& I18NString::insert(I18NStringOffset offset, const I18NString& other)
     return *this;
 }
 
+I18NString& I18NString::insert(I18NStringOffset offset, const char* utf8) {
+    splice(offset, 0, I18NTextView(asItIs(utf8)));
+    return *this;
+}
+
 I18NString& I18NString::insert(I18NStringOffset offset, const wchar_t* text) {
     splice(offset, 0, I18NWideText(text).view());
     return *this;
@@ -110,6 +118,11 @@ I18NString& I18NString::insert(I18NStringOffset offset, wchar_t c) {
 
 I18NString& I18NString::replace(I18NStringOffset offset, int count, const I18NString& other) {
     splice(offset, count, I18NTextView(other));
+    return *this;
+}
+
+I18NString& I18NString::replace(I18NStringOffset offset, int count, const char* utf8) {
+    splice(offset, count, I18NTextView(asItIs(utf8)));
     return *this;
 }
 
@@ -160,6 +173,8 @@ I18NString& I18NString::trimTrailing(wchar_t c) {
 I18NString& I18NString::trim(wchar_t c) { return trimTrailing(c).trimLeading(c); }
 
 I18NString operator+(const I18NString& a, const I18NString& b) { return I18NString(a) += b; }
+
+I18NString operator+(const I18NString& a, const char* utf8) { return I18NString(a) += utf8; }
 
 I18NString operator+(const I18NString& a, const wchar_t* b) { return I18NString(a) += b; }
 

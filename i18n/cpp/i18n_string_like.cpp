@@ -82,6 +82,14 @@ bool I18NString::matchLike(const I18NPatternCode& pattern) const {
     return pattern.match(I18NTextView(*this), 0, true) >= 0;
 }
 
+bool I18NString::substringLike(const I18NString& pattern, wchar_t escape, I18NStringOffset from,
+                               I18NStringOffset& start, I18NStringOffset& end) const {
+    QBL_ALLOC_TRY
+    const I18NPatternCode code(I18NTextView(pattern), static_cast<char32_t>(escape));
+    return substringLike(code, from, start, end);
+    QBL_ALLOC_CATCH
+}
+
 bool I18NString::substringLike(const I18NPatternCode& pattern, I18NStringOffset from,
                                I18NStringOffset& start, I18NStringOffset& end) const {
     const I18NTextView text(*this);

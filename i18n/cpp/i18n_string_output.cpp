@@ -1,5 +1,6 @@
 #include <cstdio>
 #include <istream>
+#include <memory>
 #include <ostream>
 #include <string>
 #include <utility>
@@ -18,6 +19,14 @@
 
 char gI18NNullString[4] = {};
 
+namespace {
+
+void settle(int code) {
+    if (code < 0) QBL_THROW(I18NRuntimeError(code, nullptr));
+}
+
+}  // namespace
+
 /// A conversion that was asked for. Conversions stay while the contents do, so that two threads can
 /// ask for two encodings of one constant string.
 struct I18NString::Conversion {
@@ -29,16 +38,14 @@ struct I18NString::Conversion {
 I18NByteWriter::~I18NByteWriter() = default;
 
 const I18NString::Conversion* I18NString::findConversion(const char* key) const {
+    if (hasFlag(kI18NChanged)) return nullptr;  // what is there is of the text before
     const Conversion* at = m_pConverted.load(std::memory_order_acquire);
     while (at != nullptr && at->key != key) at = at->next;
     return at;
 }
 
-void I18NString::dropConversions() noexcept {
-    Conversion* at = m_pConverted.exchange(nullptr, std::memory_order_acquire);
-    while (at != nullptr) delete std::exchange(at, at->next);
-    m_convertedLength = 0;
-    m_pConvertedEncoding = nullptr;
+void I18NString::dropConversions(Conversion* chain) noexcept {
+    while (chain != nullptr) delete std::exchange(chain, chain->next);
 }
 
 const char* I18NString::bytes(const char* encoding, int* length, I18NStringAllocator allocator,
@@ -56,12 +63,18 @@ const char* I18NString::bytes(const char* encoding, int* length, I18NStringAlloc
 // What becomes of characters that cannot be converted makes another conversion of it.
 const char* I18NString::c_str(const I18NConverter& converter, int* length,
                               I18NStringAllocator allocator, void* context) const {
+    if (isUsingAsciiBuffer() && i18nKeepsASCII(converter.getEncoding())) {
+        if (length != nullptr) *length = m_asciiBufLength + 1;
+        return ascii();
+    }
     const I18NUserOutputCallback callback =
         converter.getUserDefinedUnconvertibleOutputSequenceCallback();
     char key[100];
-    std::snprintf(key, sizeof key, "%.60s %d %lx", converter.getEncoding(),
-                  converter.getBuiltInUnconvertibleOutputSequenceCallback(),
-                  static_cast<unsigned long>(reinterpret_cast<std::uintptr_t>(callback)));
+    std::snprintf(
+        key, sizeof key, "%.60s %d %d %lx", converter.getEncoding(),
+        converter.getBuiltInUnconvertibleOutputSequenceCallback(),
+        static_cast<int>(converter.is(I18NConverter::kHasContext, I18NConverter::kOutput)),
+        static_cast<unsigned long>(reinterpret_cast<std::uintptr_t>(callback)));
     const Conversion* const made =
         conversion(key, converter.getEncoding(), &converter, allocator, context);
     if (length != nullptr) *length = made->bytes.length;
@@ -73,27 +86,36 @@ const I18NString::Conversion* I18NString::conversion(const char* key, const char
                                                      I18NStringAllocator allocator,
                                                      void* context) const {
     if (const Conversion* found = findConversion(key)) return found;
-    QBLThreadGuard guard(getLockFromPtr(this));
-    if (const Conversion* found = findConversion(key)) return found;
     if (allocator == nullptr) {
         allocator = m_allocator;
         context = m_allocatorContext;
     }
     QBL_ALLOC_TRY
+    // Before the lock is taken: allocators and functions of converters may use strings themselves.
     const I18NTextView text(*this);
     I18NBlock block(allocator, context);
-    auto* const made =
-        new Conversion{m_pConverted.load(std::memory_order_relaxed),
+    std::unique_ptr<Conversion> made(
+        new Conversion{nullptr,
                        converter != nullptr ? i18nToBytes(text, *converter, std::move(block))
                                             : i18nToBytes(text, encoding, std::move(block)),
-                       key};
-    m_convertedLength = made->bytes.length;
-    m_pConvertedEncoding = made->key.c_str();
-    m_pConverted.store(made, std::memory_order_release);
-    m_flags.store(static_cast<unsigned char>(m_flags.load(std::memory_order_relaxed) &
-                                             ~static_cast<unsigned>(kI18NChanged)),
-                  std::memory_order_release);
-    return made;
+                       key});
+    Conversion* stale = nullptr;
+    const Conversion* published = nullptr;
+    {
+        QBLThreadGuard guard(getLockFromPtr(this));
+        if (const Conversion* found = findConversion(key)) return found;
+        Conversion* const chain = m_pConverted.load(std::memory_order_relaxed);
+        (hasFlag(kI18NChanged) ? stale : made->next) = chain;
+        m_convertedLength = made->bytes.length;
+        m_pConvertedEncoding = made->key.c_str();
+        published = made.get();
+        m_pConverted.store(made.release(), std::memory_order_release);
+        m_flags.store(static_cast<unsigned char>(m_flags.load(std::memory_order_relaxed) &
+                                                 ~static_cast<unsigned>(kI18NChanged)),
+                      std::memory_order_release);
+    }
+    dropConversions(stale);
+    return published;
     QBL_ALLOC_CATCH
 }
 
@@ -115,14 +137,15 @@ void I18NString::toBytes(char** out, const I18NConverter& converter, int* length
 
 void I18NString::toBytes(I18NByteWriter& writer, const char* encoding) const {
     const I18NTextView text(*this);
-    int code;
-    if (text.ascii() != nullptr && i18nKeepsASCII(encoding)) {
-        code = writer.write(text.ascii(), text.length());
-    } else {
-        const I18NBytes bytes = i18nToBytes(text, encoding, I18NBlock());
-        code = writer.write(bytes.block.get(), bytes.length - bytes.zero);
-    }
-    if (code < 0) QBL_THROW(I18NRuntimeError(code, nullptr));
+    if (text.ascii() != nullptr && i18nKeepsASCII(encoding))
+        return settle(writer.write(text.ascii(), text.length()));
+    const I18NBytes bytes = i18nToBytes(text, encoding, I18NBlock());
+    settle(writer.write(bytes.block.get(), bytes.length - bytes.zero));
+}
+
+void I18NString::toBytes(I18NByteWriter& writer, const I18NConverter& converter) const {
+    const I18NBytes bytes = i18nToBytes(I18NTextView(*this), converter, I18NBlock());
+    settle(writer.write(bytes.block.get(), bytes.length - bytes.zero));
 }
 
 void I18NString::freeBuffer(char** block) {

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <climits>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -161,14 +162,17 @@ int I18NString::compare(const I18NString& other) const {
 
 int I18NString::compare(const char* utf8) const {
     const std::size_t length = utf8 != nullptr ? std::strlen(utf8) : 0;
-    if (i18nIsASCII(utf8, length)) {
+    if (length <= INT_MAX && i18nIsASCII(utf8, length)) {
         const I18NTextView text(utf8 != nullptr ? utf8 : "", static_cast<int>(length));
         return I18NTextView(*this).visit([&text](const auto* a, int lengthA) {
             return text.visit(
                 [=](const auto* b, int lengthB) { return compareUnits(a, lengthA, b, lengthB); });
         });
     }
-    return compare(I18NString(utf8));
+    I18NString other;
+    other.useNormalization(!hasFlag(kI18NNoNormalization));
+    other = utf8;
+    return compare(other);
 }
 
 // Equal texts have equal hashes, however they are kept: FNV-1a over the code units.

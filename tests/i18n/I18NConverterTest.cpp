@@ -177,7 +177,7 @@ TEST(I18NConverterTest, UserFunctionsDropFailAndAreCutToTheirLimit) {
     converter->setUserDefinedUnconvertibleInputSequenceCallback(overfillInput);
     converter->setUserDefinedUnconvertibleOutputSequenceCallback(overfillOutput);
     EXPECT_EQ(std::string(32, 'x') + "b", bytesOf(*converter, u"\u4E00b"));
-    EXPECT_EQ(std::string(31, 'x') + "b", utf8Of(*converter, "\x80\x62"));
+    EXPECT_EQ(kFailed, utf8Of(*converter, "\x80\x62")) << "more than there is room for";
     converter->setBuiltInUnconvertibleOutputSequenceCallback(I18N_USER_DEFINED);
     EXPECT_EQ(nullptr, converter->getUserDefinedUnconvertibleOutputSequenceCallback());
     EXPECT_EQ(kFailed, bytesOf(*converter, u"\u4E00")) << "no function";
@@ -237,6 +237,24 @@ std::string streamed(const std::string& source, int piece, int room, int nullSiz
         at += consumed;
     }
     return made;
+}
+
+TEST(I18NConverterTest, WhatIsNotTakenIsSaid) {
+    char null[1];
+    int written = 0, consumed = 0;
+    I18NErrorCodes error = I18N_OK;
+    I18NConverter("UTF-8").fromUnicodeStream(null, 1, u"abc", 6, &written, &consumed, &error);
+    EXPECT_EQ(I18N_STREAM_FULL, error) << "or a loop would never end";
+
+    I18NString text(L"\u0416");
+    text.append(L'\0').append(L"\u0416");
+    int length = 0;
+    const char* const bytes = text.c_str(I18NConverter("windows-1251"), &length);
+    EXPECT_EQ(std::string("\xC6\0\xC6\0", 4), std::string(bytes, 4));
+    EXPECT_EQ(4, length);
+    // Nothing is shared with a copy, which ICU's own clone of this one would do.
+    I18NConverter compound("x11-compound-text");
+    EXPECT_EQ("a", bytesOf(I18NConverter(compound), u"a"));
 }
 
 TEST(I18NConverterTest, StreamsInAnyPiecesGiveWhatOneCallGives) {

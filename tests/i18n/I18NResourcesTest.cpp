@@ -6,6 +6,7 @@
 #include <cstring>
 #include <fstream>
 
+#include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/i18n_internal_resources.hpp"
 #include "i18n/cpp/i18n_string.hpp"
@@ -255,6 +256,9 @@ TEST_F(I18NResourcesTest, CharactersAreExemptAndSubstituted) {
     EXPECT_TRUE(resources().substituteJa(text));
     EXPECT_EQ(u"A\uFF5E\u5409B\uFF5E\xD842", text);
     EXPECT_FALSE(resources().substituteJa(text));
+    load("<ja_substitution from=\"0x3042\" to=\"0x3044\"/>\n");
+    const I18NConverter converter("Shift_JIS");
+    EXPECT_EQ(u"\u00C5\u3044", I18NString("\x81\xF0\x82\xA0", converter).toUtf16());
 }
 
 TEST_F(I18NResourcesTest, EntitiesAndURLsAreWhatTheTransliteratorsMakeOfThem) {

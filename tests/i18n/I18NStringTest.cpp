@@ -127,6 +127,33 @@ TEST(I18NStringTest, NormalizesUnlessItIsSwitchedOff) {
     kept.normalize(I18N_NFC);
     EXPECT_EQ(2, kept.nUnits());
     EXPECT_TRUE(kept.isNormalized());
+    kept += "o\u0302";
+    kept = I18NString("u") + "x";
+    EXPECT_EQ(3, (kept = "ue\u0301").nUnits()) << "moving into it leaves the switch";
+    EXPECT_EQ(u"u\u00E9", (text = kept).toUtf16()) << "a switched-off text is nobody's form C";
+    text.normalize(I18N_NFD);
+    EXPECT_EQ(text, I18NString(text)) << "a copy has the form that was asked for";
+    I18NString halves(L"\xDD5E");
+    halves.insert(0, L'\xD834');
+    EXPECT_EQ(u"\U0001D157\U0001D165", halves.toUtf16()) << "together they are a character";
+}
+
+TEST(I18NStringTest, ConversionsCallTheCallersCodeWithoutALock) {
+    I18NString text(L"\u4E2D");
+    const auto nested = [](void* context, char* block, int size, int* error) {
+        if (size > 0) static_cast<I18NString*>(context)->c_str("UTF-32");
+        return I18N_STRINGBUFFER_ALLOCATOR_CALLBACK(nullptr, block, size, error);
+    };
+    const char* const before = text.c_str("UTF-16", nullptr, nested, &text);
+    EXPECT_EQ(before, text.c_str("UTF-16"));
+    text = L"\u4E2E";
+    EXPECT_NE(before, text.c_str("UTF-16")) << "what tells a change";
+}
+
+TEST(I18NStringTest, NoBytesAreAnEmptyText) {
+    for (const char* encoding : {static_cast<const char*>(nullptr), "UTF-16", "UTF-32", "latin1"})
+        for (const int length : {-1, 0, 64})
+            EXPECT_TRUE(I18NString(nullptr, encoding, length).empty()) << length;
 }
 
 TEST(I18NStringTest, ConvertsOneConstantStringOnManyThreads) {
@@ -316,6 +343,9 @@ TEST(I18NStringTest, UsesACallersBufferAsFarAsItGoes) {
         QBL_EXPECT_THROW(text += L"12345678", I18NRuntimeError,
                          "Cannot resize a static external buffer.");
         EXPECT_EQ("abc\u00E9", text.toUtf8()) << "as it was";
+        QBL_EXPECT_THROW(text = L"\u0958\u0958\u0958\u0958", I18NRuntimeError,
+                         "Cannot resize a static external buffer.");
+        EXPECT_EQ("abc\u00E9", text.toUtf8()) << "when only its form C does not fit";
         char odd[9];
         EXPECT_EQ(8, text.copyToExternalBuffer(odd + 1, 8));
         QBL_EXPECT_THROW(text.resizeExternalBuffer(), I18NRuntimeError,

@@ -20,7 +20,7 @@ public:
 
     /// @param size  above 0
     /// @throws QBLOutOfMemoryError also for what does not fit an int; the block stays.
-    void resize(std::int64_t size) { m_pBlock = resize(m_allocator, m_pContext, m_pBlock, size); }
+    void resize(std::int64_t size) { resize(m_allocator, m_pContext, m_pBlock, size); }
     char* get() const { return m_pBlock; }
     char* release() {
         char* const block = m_pBlock;
@@ -30,9 +30,9 @@ public:
     I18NStringAllocator allocator() const { return m_allocator; }
     void* context() const { return m_pContext; }
 
-    /// The same for a block that somebody else keeps. @return the block in its new place
-    [[nodiscard]] static char* resize(I18NStringAllocator from, void* of, char* block,
-                                      std::int64_t size);
+    /// The same for a block that somebody else keeps. An allocator that fails may have moved it all
+    /// the same.
+    static void resize(I18NStringAllocator from, void* of, char*& block, std::int64_t size);
     /// Null is passed over; nothing leaves an allocator that throws.
     static void free(I18NStringAllocator from, void* of, void* block) noexcept;
 
