@@ -9,14 +9,11 @@
 #include <random>
 
 #include "i18n/cpp/i18n_string.hpp"
+#include "tests/support/Workers.hpp"
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr int kRounds = 50;
-#else
-constexpr int kRounds = 250;
-#endif
+constexpr int kRounds = kSanitizer ? 25 : 250;
 constexpr int kSteps = 400;
 
 icu::UnicodeString icuOf(const std::u16string& text) {

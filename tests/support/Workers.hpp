@@ -15,6 +15,13 @@ constexpr bool kThreadSanitizer = true;
 constexpr bool kThreadSanitizer = false;
 #endif
 
+/// Where a tenth of the rounds has to do.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool kSanitizer = true;
+#else
+constexpr bool kSanitizer = false;
+#endif
+
 /// Waits until the condition holds; false when that takes longer than kTestLimitMs.
 bool eventually(const std::function<bool()>& condition);
 
