@@ -1,0 +1,77 @@
+// What strings do, and some of what surprises about them.
+#include <iostream>
+#include <unordered_map>
+
+#include "i18n/cpp/i18n_errors.hpp"
+#include "i18n/cpp/i18n_init.h"
+#include "i18n/cpp/i18n_string.hpp"
+#include "i18n/cpp/i18n_string_iterator.hpp"
+#include "i18n/cpp/i18n_uri.hpp"
+
+namespace {
+
+void showTexts() {
+    const I18NString composed("caf\u00E9"), two(L"cafe\u0301");  // UTF-8, wide characters
+    std::cout << composed << (composed == two ? " equals " : " differs from ") << two << '\n';
+
+    I18NString text("plain");
+    std::cout << text << ": in bytes " << text.isUsingAsciiBuffer() << ", size " << text.size();
+    text += L" \U0001F600";
+    std::cout << "; " << text << ": in bytes " << text.isUsingAsciiBuffer() << ", size "
+              << text.size() << ", " << text.nUnits() << " units, " << text.length()
+              << " code points\n";
+    for (I18NStringIterator at = text.begin(); at != text.end(); ++at)
+        if (*at == L'\U0001F600') *at = L'!';
+    std::cout << text << ", last at " << text.rfind(L'!') << '\n';
+
+    std::unordered_map<I18NString, int> counts;
+    for (const I18NString& each : {composed, two, text}) ++counts[each];
+    std::cout << counts.size() << " different texts; 50% is like 5_\\%: "
+              << I18NString("50%").matchLike(I18NString("5_\\%"), L'\\') << '\n';
+}
+
+void showEncodings() {
+    const char japanese[] = "\x93\xFA\x96\x7B";
+    std::cout << "before the start [" << I18NString(japanese, "Shift_JIS") << "], ";
+    I18NInitialize();
+    const I18NString text(japanese, "Shift_JIS");
+    int length = 0;
+    const char* const bytes = text.c_str("EUC-JP", &length);
+    std::cout << "then [" << text << "], " << length << " bytes with the zero in EUC-JP, "
+              << (bytes == text.c_str("EUC-JP") ? "kept" : "made anew") << '\n';
+    I18NTerminate();
+}
+
+void showSurprises() {
+    const I18NString broken("a\x80z");
+    std::cout << "0x80 becomes U+00" << std::hex << broken.toUtf16()[1] << std::dec << '\n';
+
+    I18NString loose;
+    loose.useNormalization(false);
+    loose = L"e\u0301";
+    loose.normalize(I18N_NFC);
+    std::cout << loose.nUnits() << " units, and called normalised: " << loose.isNormalized()
+              << '\n';
+
+    I18NString escaped;
+    I18NURLEncode("\"it's\"", escaped);
+    std::cout << escaped << " is read as " << I18NUriDecode(escaped.c_str()) << '\n';
+
+    char16_t buffer[8] = u"mine";
+    I18NString attached;
+    attached.attach(buffer, sizeof buffer);
+    attached += L" too";  // one unit more than there is room for
+}
+
+}  // namespace
+
+int main() {
+    try {
+        showTexts();
+        showEncodings();
+        showSurprises();
+    } catch (QBLThrowable& error) {
+        std::cout << error.getThrowableName() << ' ' << error.getErrorCode() << ": "
+                  << error.getMessage() << '\n';
+    }
+}
