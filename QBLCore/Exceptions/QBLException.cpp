@@ -1,0 +1,88 @@
+#include "QBLCore/Exceptions/QBLException.hpp"
+
+#include "QBLCore/Exceptions/QBLI18NStringAllocator.hpp"
+#include "i18n/cpp/i18n_string.hpp"
+
+namespace {
+
+const char kLanguage[] = "en";
+
+/// A block for delete[], as a throwable's texts are.
+char* toOwned(const I18NString& text) {
+    char* bytes = nullptr;
+    text.toBytes(&bytes, nullptr, nullptr, QBLI18NStringAllocator, nullptr);
+    return bytes;
+}
+
+}  // namespace
+
+QBLException::QBLException(int code) : QBLException(QBLSeverityError, code) {}
+
+QBLException::QBLException(long code) : QBLException(QBLSeverityError, code) {}
+
+QBLException::QBLException(QBLSeverity theSeverity, int code)
+    : QBLThrowable(theSeverity, code, nullptr) {}
+
+QBLException::QBLException(QBLSeverity theSeverity, long code)
+    : QBLThrowable(theSeverity, code, nullptr) {}
+
+QBLException::QBLException(const char* codeText) : QBLException(QBLSeverityError, codeText) {}
+
+QBLException::QBLException(QBLSeverity theSeverity, const char* codeText)
+    : QBLThrowable(theSeverity, codeText, nullptr) {}
+
+QBLException::QBLException(const QBLException& other) = default;
+
+QBLException& QBLException::operator=(const QBLException& other) = default;
+
+QBLException::~QBLException() = default;
+
+const char* QBLException::getMessage() {
+    if (messageText == nullptr) {
+        I18NString text;
+        format(kLanguage, nullptr, text);
+        messageText = toOwned(text);
+    }
+    return messageText;
+}
+
+const char* QBLException::getMessage() const {
+    return const_cast<QBLException*>(this)->getMessage();
+}
+
+const char* QBLException::toString() {
+    if (xmlText == nullptr) {
+        I18NString xml;
+        toString(nullptr, kLanguage, xml, 1);
+        xmlText = toOwned(xml);
+    }
+    return xmlText;
+}
+
+// The blank before the end of a trace element is not in QBLThrowable's form: readers of these
+// reports know both as they are.
+void QBLException::toString(const char* language, const char* fallbackLanguage, I18NString& out,
+                            int flag) {
+    const char* code = getErrorCodeString();
+    out.append("<Exception Name=\"").append(getThrowableName());
+    out.append("\" Error=\"").append(code != nullptr ? code : "0");
+    out.append("\" Severity=\"").append(getSeverityName(getSeverity())).append("\">");
+    QBLMessageSet::toString(language, fallbackLanguage, out, flag);
+    if (!backTrace.empty()) {
+        out.append("<TraceInfo>");
+        for (const char* entry : backTrace)
+            if (entry != nullptr) out.append("<Trace Text=\"").append(entry).append("\" />");
+        out.append("</TraceInfo>");
+    }
+    out.append("</Exception>");
+}
+
+QBLException& QBLException::operator<<(const QBLMessageBase& message) {
+    addMessage(message);
+    return *this;
+}
+
+void QBLException::clear() {
+    QBLThrowable::clear();
+    QBLMessageSet::clear();
+}

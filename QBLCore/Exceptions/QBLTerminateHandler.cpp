@@ -1,0 +1,40 @@
+#include "QBLCore/Exceptions/QBLTerminateHandler.hpp"
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+
+#include "QBLCore/Exceptions/QBLThrowable.hpp"
+
+namespace {
+
+std::atomic<std::terminate_handler> gPrevious{nullptr};
+
+void write(const char* text) { std::fprintf(stderr, "%s\n", text != nullptr ? text : ""); }
+
+[[noreturn]] void report() {
+    try {
+        if (std::current_exception() != nullptr) throw;
+    } catch (QBLThrowable& e) {
+        try {
+            write(e.toString());
+        } catch (...) {
+            write(e.getThrowableName());
+        }
+    } catch (const std::exception& e) {
+        write(e.what());
+    } catch (...) {
+        // The handler before may know it.
+    }
+    const std::terminate_handler previous = gPrevious;
+    if (previous != nullptr) previous();
+    std::abort();
+}
+
+}  // namespace
+
+void qblInstallTerminateHandler() {
+    const std::terminate_handler previous = std::set_terminate(report);
+    if (previous != report) gPrevious = previous;
+}

@@ -1,0 +1,22 @@
+#ifndef QBLCORE_MESSAGES_QBLERRNOMESSAGE_HPP
+#define QBLCORE_MESSAGES_QBLERRNOMESSAGE_HPP
+
+#include "QBLCore/Messages/QBLMessageComponents.hpp"
+
+/// A message whose identifier is the number of a system error, as in errno(3).
+/// It has no text: it shows itself in the XML form of its components.
+///
+/// Threads: as with QBLMessageBase.
+class QBL_API QBLErrnoMessage : public QBLMessageComponents {
+public:
+    explicit QBLErrnoMessage(int error);
+    QBLErrnoMessage(QBLSeverity severity, int error);
+    QBLErrnoMessage(const QBLErrnoMessage& other);
+    QBLErrnoMessage& operator=(const QBLErrnoMessage& other);
+    ~QBLErrnoMessage() override;
+
+    QBLMessageBase* clone() const override;
+    const char* getClassName() const override;
+};
+
+#endif

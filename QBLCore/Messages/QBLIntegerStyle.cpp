@@ -1,0 +1,96 @@
+#include "QBLCore/Messages/internal/QBLIntegerStyle.hpp"
+
+#include <unicode/decimfmt.h>
+#include <unicode/locid.h>
+#include <unicode/numfmt.h>
+
+#include <algorithm>
+#include <climits>
+#include <map>
+#include <memory>
+
+#include "QBLCore/Frame/internal/QBLImmortal.hpp"
+#include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
+#include "QBLCore/Threads/QBLThreadGuard.hpp"
+#include "i18n/cpp/internal/i18n_icu.hpp"
+
+namespace {
+
+// Locales come from callers: more than this many are not remembered.
+const std::size_t kMaxStyles = 256;
+
+struct Styles {
+    QBLThreadCriticalSection lock{0};
+    std::map<std::string, std::unique_ptr<QBLIntegerStyle>> byLocale;  // guarded by lock
+};
+
+std::string toUtf8(const icu::UnicodeString& text) {
+    std::string utf8;
+    return text.toUTF8String(utf8);
+}
+
+}  // namespace
+
+const QBLIntegerStyle* QBLIntegerStyle::get(const std::string& locale) {
+    Styles& styles = qblImmortal<Styles>();
+    QBLThreadGuard guard(styles.lock);
+    const auto known = styles.byLocale.find(locale);
+    if (known != styles.byLocale.end()) return known->second.get();
+    if (styles.byLocale.size() >= kMaxStyles) return nullptr;
+    auto style = std::make_unique<QBLIntegerStyle>();
+    if (!style->learn(locale)) style.reset();
+    return (styles.byLocale[locale] = std::move(style)).get();
+}
+
+void QBLIntegerStyle::append(int value, std::string& out) const {
+    unsigned rest = value < 0 ? 0U - static_cast<unsigned>(value) : static_cast<unsigned>(value);
+    unsigned char digits[10];
+    int count = 0;
+    do {
+        digits[count++] = static_cast<unsigned char>(rest % 10);
+        rest /= 10;
+    } while (rest != 0);
+    const bool grouped = m_primary > 0 && count >= m_primary + m_minimum;
+    if (value < 0) out += m_negativePrefix;
+    while (count-- > 0) {
+        out += m_digits[digits[count]];
+        const bool groupEnds =
+            count == m_primary || (count > m_primary && (count - m_primary) % m_secondary == 0);
+        if (grouped && count > 0 && groupEnds) out += m_separator;
+    }
+    if (value < 0) out += m_negativeSuffix;
+}
+
+bool QBLIntegerStyle::learn(const std::string& locale) {
+    i18nPrepareICU();
+    UErrorCode status = U_ZERO_ERROR;
+    const std::unique_ptr<icu::NumberFormat> format(
+        icu::NumberFormat::createInstance(icu::Locale(locale.c_str()), status));
+    const auto* decimal = dynamic_cast<const icu::DecimalFormat*>(format.get());
+    if (U_FAILURE(status) || decimal == nullptr) return false;
+
+    typedef icu::DecimalFormatSymbols Symbols;
+    const Symbols* symbols = decimal->getDecimalFormatSymbols();
+    if (symbols == nullptr) return false;
+    m_digits[0] = toUtf8(symbols->getSymbol(Symbols::kZeroDigitSymbol));
+    for (int digit = 1; digit < 10; ++digit)
+        m_digits[digit] = toUtf8(symbols->getSymbol(
+            static_cast<Symbols::ENumberFormatSymbol>(Symbols::kOneDigitSymbol + digit - 1)));
+    m_separator = toUtf8(symbols->getSymbol(Symbols::kGroupingSeparatorSymbol));
+    icu::UnicodeString affix;
+    m_negativePrefix = toUtf8(decimal->getNegativePrefix(affix));
+    m_negativeSuffix = toUtf8(decimal->getNegativeSuffix(affix));
+    m_primary = decimal->isGroupingUsed() ? decimal->getGroupingSize() : 0;
+    m_secondary = decimal->getSecondaryGroupingSize() > 0 ? decimal->getSecondaryGroupingSize()
+                                                          : std::max(m_primary, 1);
+    m_minimum = std::max<int>(decimal->getMinimumGroupingDigits(), 1);
+
+    for (const int sample : {0, 5, -6, 789, 1234, -4321, 12345, 678901, -2345678, 34567890,
+                             456789012, INT_MAX, INT_MIN}) {
+        std::string ours;
+        append(sample, ours);
+        icu::UnicodeString theirs;
+        if (ours != toUtf8(format->format(static_cast<int32_t>(sample), theirs))) return false;
+    }
+    return true;
+}

@@ -1,0 +1,54 @@
+#ifndef QBLCORE_MESSAGES_QBLMESSAGEBASE_HPP
+#define QBLCORE_MESSAGES_QBLMESSAGEBASE_HPP
+
+#include "QBLCore/Exceptions/QBLSeverity.hpp"
+#include "QBLCore/Frame/QBLExport.h"
+
+class I18NString;
+
+/// A text for people, with a severity and a depth of nesting, that shows itself in a language or
+/// as XML.
+///
+/// Errors: a missing message file, text or translation is none. QBLOutOfMemoryError.
+///
+/// Threads: not synchronised; a message belongs to one thread at a time, constant operations
+/// included.
+class QBL_API QBLMessageBase {
+public:
+    explicit QBLMessageBase(QBLSeverity severity = QBLSeverityError);
+    QBLMessageBase(const QBLMessageBase& other) = default;
+    QBLMessageBase& operator=(const QBLMessageBase& other) = default;
+    virtual ~QBLMessageBase();
+
+    /// A copy on the heap of the same class; the caller deletes it.
+    virtual QBLMessageBase* clone() const = 0;
+    virtual const char* getClassName() const = 0;
+    /// Appends the text for people.
+    /// @param language  locales to look for, the best first, like "de_AT de"; of null or empty
+    ///     the fallback is taken, and of that "en"
+    virtual void format(const char* language, const char* fallbackLanguage,
+                        I18NString& out) const = 0;
+    /// Appends a `<Message>` element. Texts are inserted as they are, without escaping.
+    /// @param flag  0 for identifier and parameters, else the text in a language
+    virtual void toString(const char* language, const char* fallbackLanguage, I18NString& out,
+                          int flag) const = 0;
+    virtual QBLSeverity getSeverity() const;
+
+    void setSeverity(QBLSeverity severity) { m_severity = severity; }
+    unsigned long getNesting() const { return m_nesting; }
+    void setNesting(unsigned long depth) { m_nesting = depth; }
+    void increaseNesting(unsigned long levels) { m_nesting += levels; }
+    /// "Fatal", "Error", "Warning" or "Information"; "Unknown" for any other value.
+    static const char* getSeverityName(QBLSeverity severity);
+
+protected:
+    /// Appends the opening `<Message>` tag.
+    /// @param file  the message file's name; null for a message without one
+    void openElement(const I18NString* file, I18NString& out) const;
+
+private:
+    QBLSeverity m_severity;
+    unsigned long m_nesting;  // 0 at first
+};
+
+#endif

@@ -1,0 +1,139 @@
+#include "QBLCore/Messages/internal/QBLMessagePattern.hpp"
+
+#include <unicode/fmtable.h>
+#include <unicode/locid.h>
+#include <unicode/messagepattern.h>
+#include <unicode/msgfmt.h>
+
+#include <cstring>
+
+#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
+#include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "i18n/cpp/internal/i18n_icu.hpp"
+
+namespace {
+
+icu::UnicodeString toUnicode(std::string_view utf8) {
+    return icu::UnicodeString::fromUTF8(
+        icu::StringPiece(utf8.data(), static_cast<int>(utf8.size())));
+}
+
+icu::Formattable toFormattable(const QBLMessageArgument& argument) {
+    switch (argument.kind) {
+        case QBLMessageArgument::kInteger:
+            return icu::Formattable(static_cast<int32_t>(argument.integer));
+        case QBLMessageArgument::kDouble:
+            return icu::Formattable(argument.number);
+        case QBLMessageArgument::kDate:
+            return icu::Formattable(argument.number, icu::Formattable::kIsDate);
+        default:
+            return icu::Formattable(toUnicode(argument.text));
+    }
+}
+
+void refuseExhaustion(UErrorCode status) {
+    if (status == U_MEMORY_ALLOCATION_ERROR) QBL_THROW(QBLOutOfMemoryError());
+}
+
+}  // namespace
+
+QBLMessagePattern::QBLMessagePattern(const char* text, const char* locales)
+    : m_text(text),
+      m_locales(locales),
+      m_locale(locales, std::strcspn(locales, " \t\r\n,;")),
+      m_plain(false),
+      m_pIntegers(nullptr) {
+    parse();
+}
+
+QBLMessagePattern::~QBLMessagePattern() = default;
+
+void QBLMessagePattern::parse() {
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::UnicodeString text = toUnicode(m_text);
+    const icu::MessagePattern pattern(text, nullptr, status);
+    refuseExhaustion(status);
+    if (U_FAILURE(status)) return;
+    int begin = 0;
+    std::string piece;
+    const auto take = [&](int end) { text.tempSubStringBetween(begin, end).toUTF8String(piece); };
+    for (int i = 0; i < pattern.countParts(); ++i) {
+        const icu::MessagePattern::Part& part = pattern.getPart(i);
+        switch (part.getType()) {
+            case UMSGPAT_PART_TYPE_MSG_START:
+                begin = part.getLimit();
+                break;
+            case UMSGPAT_PART_TYPE_SKIP_SYNTAX:
+            case UMSGPAT_PART_TYPE_MSG_LIMIT:
+                take(part.getIndex());
+                begin = part.getLimit();
+                break;
+            case UMSGPAT_PART_TYPE_ARG_START:
+                if (part.getArgType() != UMSGPAT_ARG_TYPE_NONE) return;
+                take(part.getIndex());
+                break;
+            case UMSGPAT_PART_TYPE_ARG_NUMBER:
+                m_pieces.push_back({std::move(piece), part.getValue()});
+                piece.clear();
+                break;
+            case UMSGPAT_PART_TYPE_ARG_LIMIT:
+                begin = part.getLimit();
+                break;
+            default:
+                return;
+        }
+    }
+    m_pieces.push_back({std::move(piece), -1});
+    m_plain = true;
+}
+
+bool QBLMessagePattern::format(const QBLMessageArgument* arguments, int count, std::string& out) {
+    out.clear();
+    return (m_plain && formatPlain(arguments, count, out)) || formatByIcu(arguments, count, out);
+}
+
+bool QBLMessagePattern::formatPlain(const QBLMessageArgument* arguments, int count,
+                                    std::string& out) {
+    for (const Piece& piece : m_pieces) {
+        out += piece.text;
+        if (piece.argument < 0) continue;
+        if (piece.argument >= count) {
+            // An argument that is missing shows where it would stand.
+            out.append("{").append(std::to_string(piece.argument)).append("}");
+            continue;
+        }
+        const QBLMessageArgument& argument = arguments[piece.argument];
+        if (argument.kind == QBLMessageArgument::kText) {
+            out += argument.text;
+            continue;
+        }
+        if (argument.kind != QBLMessageArgument::kInteger) return false;
+        if (m_pIntegers == nullptr) m_pIntegers = QBLIntegerStyle::get(m_locale);
+        if (m_pIntegers == nullptr) return false;
+        m_pIntegers->append(argument.integer, out);
+    }
+    return true;
+}
+
+bool QBLMessagePattern::formatByIcu(const QBLMessageArgument* arguments, int count,
+                                    std::string& out) {
+    UErrorCode status = U_ZERO_ERROR;
+    if (m_icu == nullptr) {
+        i18nPrepareICU();
+        auto made = std::make_unique<icu::MessageFormat>(toUnicode(m_text),
+                                                         icu::Locale(m_locale.c_str()), status);
+        refuseExhaustion(status);
+        if (U_FAILURE(status)) return false;
+        m_icu = std::move(made);
+    }
+    icu::Formattable values[kMaxArguments];
+    for (int i = 0; i < count; ++i) values[i] = toFormattable(arguments[i]);
+    icu::UnicodeString text;
+    icu::FieldPosition position(icu::FieldPosition::DONT_CARE);
+    m_icu->format(values, count, text, position, status);
+    refuseExhaustion(status);
+    if (U_FAILURE(status) || text.isBogus()) return false;
+    out.clear();
+    text.toUTF8String(out);
+    return true;
+}

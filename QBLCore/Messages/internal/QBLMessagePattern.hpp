@@ -1,0 +1,67 @@
+#ifndef QBLCORE_MESSAGES_INTERNAL_QBLMESSAGEPATTERN_HPP
+#define QBLCORE_MESSAGES_INTERNAL_QBLMESSAGEPATTERN_HPP
+
+#include <unicode/uversion.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "QBLCore/Messages/internal/QBLIntegerStyle.hpp"
+
+U_NAMESPACE_BEGIN
+class MessageFormat;
+U_NAMESPACE_END
+
+/// What a pattern's argument stands for.
+struct QBLMessageArgument {
+    enum Kind { kText, kInteger, kDouble, kDate };
+
+    Kind kind;
+    int integer;
+    double number;          // of a double; of a date, milliseconds since 1970-01-01 UTC
+    std::string_view text;  // UTF-8
+};
+
+/// A parsed message pattern. One that consists of texts and plain arguments is filled in here; ICU
+/// formats the others, and all doubles and dates.
+class QBLMessagePattern {
+public:
+    static constexpr int kMaxArguments = 10;
+
+    /// @param text  UTF-8
+    /// @param locales  of which the first counts
+    QBLMessagePattern(const char* text, const char* locales);
+    ~QBLMessagePattern();
+    QBLMessagePattern(const QBLMessagePattern&) = delete;
+    QBLMessagePattern& operator=(const QBLMessagePattern&) = delete;
+
+    /// Whether it was made from the same text and locales.
+    bool isFor(const char* text, const char* locales) const {
+        return m_text == text && m_locales == locales;
+    }
+    /// @param out  receives UTF-8, in place of what is in it
+    /// @return false if the text is no pattern
+    bool format(const QBLMessageArgument* arguments, int count, std::string& out);
+
+private:
+    struct Piece {
+        std::string text;
+        int argument;  // behind the text; -1 for none
+    };
+
+    void parse();
+    bool formatPlain(const QBLMessageArgument* arguments, int count, std::string& out);
+    bool formatByIcu(const QBLMessageArgument* arguments, int count, std::string& out);
+
+    std::string m_text;
+    std::string m_locales;
+    std::string m_locale;  // the first of them
+    std::vector<Piece> m_pieces;
+    bool m_plain;                               // the pieces are all there is
+    std::unique_ptr<icu::MessageFormat> m_icu;  // made when first needed
+    const QBLIntegerStyle* m_pIntegers;         // the same; lives as long as the process
+};
+
+#endif

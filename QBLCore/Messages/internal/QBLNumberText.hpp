@@ -1,0 +1,44 @@
+#ifndef QBLCORE_MESSAGES_INTERNAL_QBLNUMBERTEXT_HPP
+#define QBLCORE_MESSAGES_INTERNAL_QBLNUMBERTEXT_HPP
+
+#include <charconv>
+#include <limits>
+
+/// A number as text, in a buffer of its own. None of the forms depends on the process's locale.
+class QBLNumberText {
+public:
+    /// As printf's "%d" and "%u".
+    template <class Integer>
+    static QBLNumberText decimal(Integer value) {
+        return QBLNumberText(
+            [value](char* first, char* last) { return std::to_chars(first, last, value).ptr; });
+    }
+    /// As printf's "%f".
+    static QBLNumberText fixed(double value) {
+        return QBLNumberText([value](char* first, char* last) {
+            return std::to_chars(first, last, value, std::chars_format::fixed, 6).ptr;
+        });
+    }
+    /// As printf's "%#04x": 0 is 0000, 5 is 0x05.
+    static QBLNumberText hex(unsigned value) {
+        return QBLNumberText([value](char* first, char* last) {
+            *first++ = '0';
+            *first++ = value != 0 ? 'x' : '0';
+            if (value < 0x10) *first++ = '0';
+            return std::to_chars(first, last, value, 16).ptr;
+        });
+    }
+
+    const char* c_str() const { return m_text; }
+
+private:
+    template <class Writer>
+    explicit QBLNumberText(Writer&& write) {
+        *write(m_text, m_text + sizeof m_text - 1) = '\0';
+    }
+
+    // A sign, the digits of the largest double, a point and six decimals.
+    char m_text[std::numeric_limits<double>::max_exponent10 + 11];
+};
+
+#endif

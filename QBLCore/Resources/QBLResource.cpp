@@ -1,0 +1,5 @@
+#include "QBLCore/Resources/QBLResource.hpp"
+
+QBLResource::QBLResource() = default;
+
+QBLResource::~QBLResource() = default;

@@ -1,0 +1,154 @@
+#include "QBLCore/Resources/QBLResourceFactory.hpp"
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <map>
+#include <memory>
+
+#include "QBLCore/Exceptions/QBLAllocation.hpp"
+#include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/FileManagement/QBLFmDir.hpp"
+#include "QBLCore/FileManagement/internal/QBLFmStatus.hpp"
+#include "QBLCore/Frame/internal/QBLImmortal.hpp"
+#include "QBLCore/Resources/QBLResourceBMF.hpp"
+#include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
+#include "QBLCore/Threads/QBLThreadGuard.hpp"
+#include "QBLCore/Utility/QBLUtStrTok.hpp"
+#include "i18n/cpp/i18n_internal_resources.hpp"
+#include "i18n/cpp/i18n_locale.hpp"
+
+namespace {
+
+const char kShare[] = "../share/qblcore";
+
+struct Cache {
+    QBLThreadCriticalSection m_QBLResourceFactoryLock{0};
+    std::map<std::string, std::string> m_QBLResourceBaseFileLocaleMap;  // guarded by the lock
+};
+
+std::string keyOf(const std::string& baseName, const char* localeIDs) {
+    return baseName + '\n' + localeIDs;
+}
+
+/// The directory of share files beside the one that the library was loaded from; empty if that is
+/// not known.
+std::string shareDirectory() {
+    Dl_info library;
+    std::string directory;
+    if (dladdr(reinterpret_cast<const void*>(&shareDirectory), &library) == 0 ||
+        library.dli_fname == nullptr ||
+        !QBLFmDir::splitPath(library.dli_fname, &directory, nullptr))
+        return std::string();
+    QBLFmDir::joinPath(directory, kShare);
+    return directory;
+}
+
+/// File names without a directory, the most specific first.
+std::list<std::string> fileNames(const std::string& baseName, const char* localeIDs) {
+    std::list<std::string> names;
+    const auto add = [&](const std::string& suffix) {
+        names.push_back(baseName + suffix + QBLResourceFactory::g_resourceFileExtension);
+    };
+    QBLUtStrTok tokens(localeIDs);
+    std::string token;
+    while (tokens.nextToken(token)) {
+        const I18NLocale locale(token.c_str());
+        const std::string language = std::string("_") + locale.getLanguage();
+        if (language.size() == 1) continue;
+        if (*locale.getCountry() != '\0') add(language + "_" + locale.getCountry());
+        add(language);
+    }
+    add(std::string("_") + QBLResourceFactory::g_defaultLocaleID);
+    add(std::string());
+    return names;
+}
+
+bool isReadableFile(const std::string& path) {
+    QBLFmStatus status;
+    return status.get(path.c_str()) && status.isRegular() && access(path.c_str(), R_OK) == 0;
+}
+
+}  // namespace
+
+QBLResource* QBLResourceFactory::findAndGet(const std::string& baseName, const char* localeID,
+                                            int preload) {
+    QBL_ALLOC_TRY
+    const char* locales = localeID != nullptr ? localeID : g_defaultLocaleID;
+    const std::string key = keyOf(baseName, locales);
+    std::string fileName;
+    if (findFromMap(key, fileName)) {
+        QBLResource* resource = get(fileName, locales, preload);
+        if (resource != nullptr) return resource;
+        // It has gone since; another may have come.
+    }
+    fileName = find(baseName, locales);
+    if (fileName.empty()) return nullptr;
+    cacheToMap(key, fileName);
+    return get(fileName, locales, preload);
+    QBL_ALLOC_CATCH
+}
+
+std::string QBLResourceFactory::find(const std::string& baseName, const char* localeIDs) {
+    for (const std::string& candidate : getCandidates(baseName, localeIDs))
+        if (isReadableFile(candidate)) return candidate;
+    return std::string();
+}
+
+std::list<std::string> QBLResourceFactory::getCandidates(const std::string& baseName,
+                                                         const char* localeID) {
+    QBL_ASSERT(localeID != NULL);
+    QBL_ALLOC_TRY
+    const bool hasDirectory = baseName.find('/') != std::string::npos;
+    std::list<std::string> directories(1);  // an empty one for the effective working directory
+    if (!hasDirectory) {
+        const std::string bin = I18NInternalResources::getDataDirectoryPath();
+        if (!bin.empty()) directories.push_back(bin);
+        const std::string share = shareDirectory();
+        if (!share.empty()) directories.push_back(share);
+    }
+    std::list<std::string> candidates;
+    for (const std::string& name : fileNames(baseName, localeID))
+        for (const std::string& directory : directories) {
+            std::string path = directory;
+            if (path.empty()) {
+                path = name;
+                QBLFmDir::resolveEffectivePath(path);
+            } else {
+                QBLFmDir::joinPath(path, name.c_str());
+            }
+            candidates.push_back(path);
+        }
+    return candidates;
+    QBL_ALLOC_CATCH
+}
+
+QBLResource* QBLResourceFactory::get(const std::string& fileName, const char* localeID,
+                                     int preload) {
+    QBL_ALLOC_TRY
+    auto resource = std::make_unique<QBLResourceBMF>(preload);
+    resource->setResourceFileName(fileName);
+    resource->setResourceLocaleID(localeID != nullptr ? localeID : g_defaultLocaleID);
+    return resource->open() ? resource.release() : nullptr;
+    QBL_ALLOC_CATCH
+}
+
+void QBLResourceFactory::release(QBLResource*& resource) {
+    delete resource;
+    resource = nullptr;
+}
+
+bool QBLResourceFactory::findFromMap(const std::string& key, std::string& fileName) {
+    Cache& cache = qblImmortal<Cache>();
+    QBLThreadGuard guard(cache.m_QBLResourceFactoryLock);
+    const auto found = cache.m_QBLResourceBaseFileLocaleMap.find(key);
+    if (found == cache.m_QBLResourceBaseFileLocaleMap.end()) return false;
+    fileName = found->second;
+    return true;
+}
+
+void QBLResourceFactory::cacheToMap(const std::string& key, const std::string& fileName) {
+    Cache& cache = qblImmortal<Cache>();
+    QBLThreadGuard guard(cache.m_QBLResourceFactoryLock);
+    cache.m_QBLResourceBaseFileLocaleMap[key] = fileName;
+}

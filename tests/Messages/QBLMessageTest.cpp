@@ -1,0 +1,150 @@
+#include "QBLCore/Messages/QBLMessage.hpp"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+
+#include "QBLCore/Messages/QBLErrnoMessage.hpp"
+#include "QBLCore/Messages/QBLMessageFile.hpp"
+#include "QBLCore/Messages/QBLMessageString.hpp"
+#include "QBLCore/Messages/QBLXmlEscape.hpp"
+#include "tests/support/BmfFile.hpp"
+#include "tests/support/TempTree.hpp"
+
+namespace {
+
+std::string formatted(const QBLMessageBase& message, const char* language = nullptr) {
+    I18NString out;
+    message.format(language, nullptr, out);
+    return out.toUtf8();
+}
+
+std::string xml(const QBLMessageBase& message, int flag) {
+    I18NString out;
+    message.toString("en", nullptr, out, flag);
+    return out.toUtf8();
+}
+
+const char kFive[] =
+    "<Message Name=\"QBLMessageComponents\" File=\"\" Severity=\"Error\" Nesting=\"0\" >"
+    "<MessageComponents  ID=\"0x05\" ></MessageComponents></Message>";
+
+}  // namespace
+
+TEST(QBLMessageParmTest, ShowsItselfByItsType) {
+    const QBLMsgParm illegal = static_cast<QBLMsgParm>(9);
+    const struct {
+        QBLMessageParm parm;
+        const char *text, *value;
+    } rows[] = {{QBLMessageParm(5), "5", "\"long\" Value=\"5\""},
+                {QBLMessageParm(5U), "5", "\"ulong\" Value=\"5\""},
+                {QBLMessageParm(0xFFFFFFFFUL), "4294967295", "\"ulong\" Value=\"4294967295\""},
+                {QBLMessageParm(-7L, QBLMsgParmDate), "-7", "\"long\" Value=\"-7\""},
+                {QBLMessageParm(0UL, 1), "msgid(0000)", "\"msgid\" Value=\"0000\""},
+                {QBLMessageParm(0x105UL, 1), "msgid(0x105)", "\"msgid\" Value=\"0x105\""},
+                {QBLMessageParm(-1.5), "-1.500000", "\"double\" Value=\"-1.500000\""},
+                {QBLMessageParm("\u00E9"), "\u00E9", "\"string\" Value=\"\u00E9\""},
+                {QBLMessageParm(5, QBLMsgParmString), "", "\"string\" Value=\"\""},
+                {QBLMessageParm(5, QBLMsgParmOpaque), "<opaque parm>", "\"opaque\" Value=\"0x05\""},
+                {QBLMessageParm(QBLMsgParmUnknown), "", "\"unknown\" Value=\""},
+                {QBLMessageParm(5, illegal), "", "\"illegal\" Value=\""}};
+    for (const auto& row : rows) {
+        I18NString text, byType, byText, value("old");
+        QBLMessageParm copy(QBLMsgParmUnknown);
+        copy = row.parm;
+        copy.format(nullptr, text);
+        EXPECT_EQ(row.text, text.toUtf8());
+        copy.toString(nullptr, byType, 0);
+        EXPECT_EQ("<MessageParm Name=\"QBLMessageParm\" Type=" + std::string(row.value) + " />",
+                  byType.toUtf8());
+        copy.toString(nullptr, byText, 1);
+        EXPECT_EQ("<MessageParm Text=\"" + std::string(row.text) + "\" />", byText.toUtf8());
+        EXPECT_TRUE(copy.getValue(value));
+        EXPECT_EQ(copy.getType() == QBLMsgParmOpaque ? "" : row.text, value.toUtf8());
+        long number = 1;
+        const bool isLong = copy.getType() == QBLMsgParmLong || copy.getType() == QBLMsgParmDate;
+        EXPECT_EQ(isLong, copy.getValue(number));
+        EXPECT_TRUE(isLong || number == 0);
+    }
+    I18NString most;
+    QBLMessageParm(1.7976931348623157e308).format(nullptr, most);
+    EXPECT_EQ(316, most.length());
+}
+
+TEST(QBLMessageTest, WithoutATextItShowsItsParts) {
+    EXPECT_EQ(kFive, xml(QBLMessageComponents(5), 0));
+    EXPECT_EQ(kFive, formatted(QBLMessageComponents(5)));
+    QBLMessage message(QBLSeverityWarning, "/nowhere/at_all", 0);
+    message << 1 << "x";
+    message.increaseNesting(3);
+    const std::string parts =
+        "<Message Name=\"QBLMessage\" File=\"/nowhere/at_all\" Severity=\"Warning\" Nesting=\"3\" >"
+        "<MessageComponents  ID=\"0000\" ><MessageParms>"
+        "<MessageParm Name=\"QBLMessageParm\" Type=\"long\" Value=\"1\" />"
+        "<MessageParm Name=\"QBLMessageParm\" Type=\"string\" Value=\"x\" />"
+        "</MessageParms></MessageComponents></Message>";
+    EXPECT_EQ(parts, xml(message, 0));
+    const std::size_t inner = parts.find("<MessageComponents");
+    EXPECT_EQ(parts.substr(0, inner) + "<MessageText>" + parts + "</MessageText></Message>",
+              xml(message, 1));
+    for (const int flag : {0, 1})
+        EXPECT_EQ(
+            "<Message Name=\"QBLMessageString\" File=\"\" Severity=\"Fatal\" Nesting=\"0\" >"
+            "<MessageText>a < b</MessageText></Message>",
+            xml(QBLMessageString(QBLSeverityFatal, "a < b"), flag));
+    EXPECT_NE(std::string::npos, formatted(QBLErrnoMessage(2)).find("QBLErrnoMessage\" File=\"\""));
+    EXPECT_EQ("&lt;a b=&quot;&apos;&amp;\t\uFFFD&gt;", qblXmlEscape("<a b=\"'&\t\x01>"));
+}
+
+TEST(QBLMessageTest, FillsItsTextInTheLanguageAskedFor) {
+    TempTree tree;
+    const std::string base = tree("texts");
+    tree.file("texts_en.bmf", bmfBytes({{1, "{0} of {1}: {2}"},
+                                        {2, "It''s {1}"},
+                                        {3, "It''s {0}, isn't it, {1}?"},
+                                        {4, "{9}{10}"},
+                                        {5, "{0,number,percent} {1,choice,0#none|1#one}"},
+                                        {6, "{0,date,yyyy} {0} {1}"},
+                                        {7, "bad { {0}"},
+                                        {9, "plain"},
+                                        {10, "'{0}' '{'{0}"}}));
+    tree.file("texts_de.bmf", bmfBytes({{1, "{1}, davon {0}: {2}"}, {9, "schlicht"}}));
+    const auto message = [&](unsigned long id) { return QBLMessageFile(base.c_str(), id); };
+    QBLMessageFile count = message(1);
+    count << 1234567 << 4294967295UL << QBLMessageParm(9UL, 1);
+    for (int round = 0; round < 2; ++round) {  // the second time from what it kept
+        EXPECT_EQ("1,234,567 of -1: plain", formatted(count, "en"));
+        EXPECT_EQ("-1, davon 1.234.567: schlicht", formatted(count, "de_DE,en"));
+        EXPECT_EQ("1,234,567 of -1: plain", formatted(count));
+    }
+    EXPECT_EQ("It''s {1}", formatted(message(2))) << "nothing to fill in";
+    QBLMessageFile named = message(3);
+    named << "\u00E9" << INT_MIN;
+    EXPECT_EQ("It's \u00E9, isn't it, -2,147,483,648?", formatted(named));
+    EXPECT_EQ(
+        "It's \u00E9, isn't it, \u061C-\u0662\u066C\u0661\u0664\u0667\u066C\u0664\u0668\u0663\u066C"
+        "\u0666\u0664\u0668?",
+        formatted(named, "ar_EG"))
+        << "digits of the locale";
+    QBLMessageFile many = message(4);
+    for (int i = 0; i < 11; ++i) many << i;
+    EXPECT_EQ("9{10}", formatted(many)) << "ten count";
+    QBLMessageFile typed = message(5);
+    typed << 0.25 << 1;
+    EXPECT_EQ("25% one", formatted(typed));
+    QBLMessageFile dated = message(6);
+    dated << QBLMessageParm(0L, QBLMsgParmDate) << QBLMessageParm(QBLMsgParmOpaque);
+    EXPECT_EQ("1970 1/1/70", formatted(dated).substr(0, 11));
+    QBLMessageFile quoted = message(10);
+    quoted << "x";
+    EXPECT_EQ("{0} {x", formatted(quoted));
+    for (const unsigned long id : {7UL, 11UL}) {
+        QBLMessageFile bad = message(id);
+        bad << 1;
+        EXPECT_EQ(0U, formatted(bad).find("<Message Name=\"QBLMessageFile\" File=\"")) << id;
+    }
+    count.setMessage(9);
+    EXPECT_EQ("plain", formatted(count));
+    count.setMsgFile(I18NString("/nowhere"));
+    EXPECT_EQ(0U, formatted(count).find("<Message"));
+}

@@ -1,0 +1,111 @@
+#include "QBLCore/Resources/QBLResourceBMF.hpp"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "QBLCore/Exceptions/QBLThrowable.hpp"
+#include "tests/support/BmfFile.hpp"
+#include "tests/support/FaultInjection.hpp"
+#include "tests/support/TempTree.hpp"
+
+namespace {
+
+const std::map<unsigned, std::string> kTexts = {
+    {5, "five"}, {7, ""}, {0x7FFFFFFF, "middle"}, {0x80000001, "a high one"}};
+
+/// The text for an identifier; "none" if there is no such one, "untouched" if it cannot be read.
+std::string textOf(QBLResourceBMF& resource, unsigned long id) {
+    char untouched[] = "untouched";
+    char* text = untouched;
+    return resource.getResource(id, &text) ? text : "none";
+}
+
+bool isOpened(QBLResourceBMF& resource, const TempTree& tree, const std::string& bytes) {
+    resource.setResourceFileName(tree.file("t.bmf", bytes));
+    return resource.open();
+}
+
+/// Opens a file and asks for all that it may have.
+void useAll(const TempTree& tree, const std::string& bytes) {
+    for (const int preload : {0, 1}) {
+        QBLResourceBMF resource(preload);
+        if (!isOpened(resource, tree, bytes)) continue;
+        for (const auto& [id, text] : kTexts) textOf(resource, id);
+        textOf(resource, 0);
+        textOf(resource, ~0UL);
+    }
+}
+
+}  // namespace
+
+TEST(QBLResourceBMFTest, FindsEachTextByItsIdentifier) {
+    TempTree tree;
+    for (const int preload : {0, 1}) {
+        QBLResourceBMF resource(preload);
+        EXPECT_EQ("none", textOf(resource, 5)) << "nothing is open";
+        ASSERT_TRUE(isOpened(resource, tree, bmfBytes(kTexts)));
+        EXPECT_EQ(preload == 0, resource.isOpen());
+        for (const auto& [id, text] : kTexts) EXPECT_EQ(text, textOf(resource, id));
+        for (const unsigned long id : {0UL, 4UL, 6UL, 8UL, 0x80000000UL, 0xFFFFFFFFUL})
+            EXPECT_EQ("none", textOf(resource, id));
+        EXPECT_EQ(sizeof(long) > 4 ? "none" : "five", textOf(resource, (1UL << 31 << 1) + 5));
+        char *first = nullptr, *second = nullptr;
+        ASSERT_TRUE(resource.getResource(0x80000001, &first) && resource.getResource(5, &second));
+        EXPECT_STREQ("five", second);
+        EXPECT_EQ(preload == 0, first == second) << "one buffer, unless all is there";
+        resource.close();
+        EXPECT_EQ(preload != 0 ? "five" : "untouched", textOf(resource, 5));
+        ASSERT_TRUE(isOpened(resource, tree, bmfBytes({})));
+        EXPECT_EQ("none", textOf(resource, 5));
+    }
+}
+
+TEST(QBLResourceBMFTest, WhatIsNoMessageFileDoesNotOpen) {
+    TempTree tree;
+    QBLResourceBMF resource(0);
+    const std::string good = bmfBytes(kTexts);
+    EXPECT_FALSE(isOpened(resource, tree, "BMF2" + good.substr(4)));
+    EXPECT_FALSE(isOpened(resource, tree, "BMF1x" + good.substr(5)));
+    EXPECT_FALSE(isOpened(resource, tree, good.substr(0, 15)));
+    ASSERT_EQ(0, mkfifo(tree("fifo").c_str(), 0600));
+    for (const std::string& name : {tree("fifo"), tree.dir("dir"), tree("missing")}) {
+        resource.setResourceFileName(name);
+        EXPECT_FALSE(resource.open()) << name;
+    }
+}
+
+TEST(QBLResourceBMFTest, CutFilesAndLiesNeverReadBeyondWhatIsThere) {
+    TempTree tree;
+    const std::string good = bmfBytes(kTexts);
+    for (std::size_t size = 0; size < good.size(); ++size) useAll(tree, good.substr(0, size));
+    // Each number, in turn, is what makes sums wrap, what is just too much, and the most.
+    for (std::size_t at = 8; at + 4 <= 16 + 12 * kTexts.size(); at += 4)
+        for (const unsigned lie : {29826162U, 357913942U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU,
+                                   static_cast<unsigned>(good.size())}) {
+            std::string bytes = good;
+            useAll(tree, bytes.replace(at, 4, bigEndian(lie)));
+        }
+    // A text without its zero ends with the block.
+    std::string open = good;
+    open.replace(12, 4, bigEndian(4));
+    QBLResourceBMF resource(1);
+    ASSERT_TRUE(isOpened(resource, tree, open.replace(16 + 8, 4, bigEndian(4))));
+    EXPECT_EQ("five", textOf(resource, 5));
+    EXPECT_EQ("none", textOf(resource, 0x7FFFFFFF)) << "outside of the block";
+}
+
+TEST(QBLResourceBMFTest, ExhaustedMemoryClosesTheFile) {
+    TempTree tree;
+    const std::string bytes = bmfBytes(kTexts);
+    fault::eachAllocation([&] {
+        QBLResourceBMF resource(1);
+        try {
+            EXPECT_TRUE(isOpened(resource, tree, bytes));
+        } catch (const std::bad_alloc&) {
+            // of the test's own
+        } catch (const QBLThrowable& error) {
+            EXPECT_STREQ("QBLOutOfMemoryError", error.getThrowableName());
+            EXPECT_FALSE(resource.isOpen());
+        }
+    });
+}
