@@ -41,7 +41,7 @@ void I18NBlock::resize(I18NStringAllocator from, void* of, char*& block, std::in
     QBL_ALLOC_CATCH
 }
 
-void I18NBlock::free(I18NStringAllocator from, void* of, void* block) noexcept {
+void I18NBlock::free(I18NStringAllocator from, void* of, void* block) {
     if (block == nullptr) return;
     if (from == nullptr) return std::free(block);
     int ignored = I18N_OK;

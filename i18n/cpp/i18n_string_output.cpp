@@ -93,12 +93,11 @@ const I18NString::Conversion* I18NString::conversion(const char* key, const char
     QBL_ALLOC_TRY
     // Before the lock is taken: allocators and functions of converters may use strings themselves.
     const I18NTextView text(*this);
-    I18NBlock block(allocator, context);
-    std::unique_ptr<Conversion> made(
-        new Conversion{nullptr,
-                       converter != nullptr ? i18nToBytes(text, *converter, std::move(block))
-                                            : i18nToBytes(text, encoding, std::move(block)),
-                       key});
+    std::unique_ptr<Conversion> made(new Conversion{
+        nullptr,
+        converter != nullptr ? i18nToBytes(text, *converter, I18NBlock(allocator, context))
+                             : i18nToBytes(text, encoding, I18NBlock(allocator, context)),
+        key});
     Conversion* stale = nullptr;
     const Conversion* published = nullptr;
     {

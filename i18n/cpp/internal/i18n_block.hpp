@@ -34,7 +34,7 @@ public:
     /// the same.
     static void resize(I18NStringAllocator from, void* of, char*& block, std::int64_t size);
     /// Null is passed over; nothing leaves an allocator that throws.
-    static void free(I18NStringAllocator from, void* of, void* block) noexcept;
+    static void free(I18NStringAllocator from, void* of, void* block);
 
 private:
     I18NStringAllocator m_allocator;
