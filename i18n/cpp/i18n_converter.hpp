@@ -5,6 +5,7 @@
 #include "i18n/cpp/i18n_allocator.h"
 #include "i18n/cpp/i18n_converter_types.h"
 
+class I18NConverterAccess;
 class I18NLocale;
 class I18NString;
 struct UConverter;
@@ -183,6 +184,7 @@ public:
     static void getEncodingForLocale(I18NString& encoding, const I18NLocale& locale);
 
 private:
+    friend class I18NConverterAccess;
     friend class I18NString;
     friend struct I18NCountedText;
 

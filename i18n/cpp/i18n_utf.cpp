@@ -190,6 +190,39 @@ I18NDecoded i18nDecodeUTF8(const char* bytes, std::size_t length, char16_t* out)
     return result;
 }
 
+void i18nDecodeWellFormedUTF8(const char*& bytes, const char* end, char16_t*& out,
+                              const char16_t* limit) {
+    const char* p = bytes;
+    char16_t* to = out;
+    const auto room = static_cast<std::ptrdiff_t>(kBlock);
+    while (end - p >= 4 && limit - to >= room) {
+        const auto lead = static_cast<unsigned char>(*p);
+        std::uint32_t four = loadFour(reinterpret_cast<const unsigned char*>(p));
+        std::uint32_t c;
+        if (lead < 0x80) {
+            // A run ends at a NUL, too.
+            const int run =
+                end - p >= room ? asciiRun(reinterpret_cast<const unsigned char*>(p), to) : 0;
+            if (run == 0) *to = lead;
+            p += run == 0 ? 1 : run;
+            to += run == 0 ? 1 : run;
+        } else if (isTwo(four)) {
+            *to++ = static_cast<char16_t>(((four & 0x1F) << 6) | ((four >> 8) & 0x3F));
+            p += 2;
+        } else if (isThree(four, c)) {
+            *to++ = static_cast<char16_t>(c);
+            p += 3;
+        } else if (isFour(four, c)) {
+            to += i18nPutCodePoint(to, c);
+            p += 4;
+        } else {
+            break;
+        }
+    }
+    bytes = p;
+    out = to;
+}
+
 std::size_t i18nLengthUTF8(const char16_t* units, std::size_t length) {
     std::size_t bytes = length;
     const char16_t* const end = units + length;
@@ -227,8 +260,7 @@ std::size_t i18nLengthUTF8(const char16_t* units, std::size_t length) {
     return bytes;
 }
 
-char* i18nEncodeUTF8(const char16_t* units, std::size_t length, char* out) {
-    const char16_t* const end = units + length;
+void i18nEncodeWellFormedUTF8(const char16_t*& units, const char16_t* end, char*& out) {
     while (units != end) {
         std::uint32_t c = *units;
         if (c < 0x80) {
@@ -259,12 +291,47 @@ char* i18nEncodeUTF8(const char16_t* units, std::size_t length, char* out) {
                 out += 4;
                 continue;
             }
-            c = 0xFFFD;
+            --units;
+            return;
         }
         const auto two = static_cast<std::uint16_t>(0x80E0 | (c >> 12) | ((c & 0xFC0) << 2));
         std::memcpy(out, &two, sizeof two);
         out[2] = static_cast<char>(0x80 | (c & 0x3F));
         out += 3;
     }
-    return out;
+}
+
+char* i18nEncodeUTF8(const char16_t* units, std::size_t length, char* out) {
+    const char16_t* const end = units + length;
+    while (true) {
+        i18nEncodeWellFormedUTF8(units, end, out);
+        if (units == end) return out;
+        *out++ = '\xEF';  // U+FFFD
+        *out++ = '\xBF';
+        *out++ = '\xBD';
+        ++units;
+    }
+}
+
+std::size_t i18nWellFormedUTF16(const char16_t* units, std::size_t length) {
+    const char16_t* at = units;
+    const char16_t* const end = units + length;
+    while (at != end) {
+        if (end - at >= static_cast<std::ptrdiff_t>(kBlock / 2)) {
+            const __m128i top = _mm_and_si128(load(at), _mm_set1_epi16(static_cast<short>(0xF800)));
+            const __m128i surrogates =
+                _mm_cmpeq_epi16(top, _mm_set1_epi16(static_cast<short>(0xD800)));
+            if (_mm_movemask_epi8(surrogates) == 0) {
+                at += kBlock / 2;
+                continue;
+            }
+        }
+        if ((*at & 0xF800) != 0xD800) {
+            ++at;
+        } else {
+            if (end - at < 2 || !i18nIsHigh(at[0]) || !i18nIsLow(at[1])) break;
+            at += 2;
+        }
+    }
+    return static_cast<std::size_t>(at - units);
 }

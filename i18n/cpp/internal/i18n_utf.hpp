@@ -50,10 +50,21 @@ struct I18NDecoded {
 /// @param out  room for `length` units
 I18NDecoded i18nDecodeUTF8(const char* bytes, std::size_t length, char16_t* out);
 
+/// Decodes well-formed UTF-8, NUL characters too, and stops in front of anything else, of the last
+/// three bytes or where the room gets short, 16 units at the latest. All move on.
+void i18nDecodeWellFormedUTF8(const char*& bytes, const char* end, char16_t*& out,
+                              const char16_t* limit);
+
 /// Bytes of the UTF-8 form, in which a lone surrogate is U+FFFD.
 std::size_t i18nLengthUTF8(const char16_t* units, std::size_t length);
 /// @param out  room for i18nLengthUTF8() bytes
 /// @return behind the last byte written
 char* i18nEncodeUTF8(const char16_t* units, std::size_t length, char* out);
+/// The same up to a lone surrogate or half a pair at the end. Both move on.
+/// @param out  room for three bytes a unit
+void i18nEncodeWellFormedUTF8(const char16_t*& units, const char16_t* end, char*& out);
+
+/// How many units there are in front of the first lone surrogate, or of half a pair at the end.
+std::size_t i18nWellFormedUTF16(const char16_t* units, std::size_t length);
 
 #endif

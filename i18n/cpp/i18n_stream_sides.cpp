@@ -1,0 +1,260 @@
+#include "i18n/cpp/internal/i18n_stream_sides.hpp"
+
+#include <unicode/ucnv_cb.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
+#include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "TavThread/internal/TavContain.hpp"
+#include "i18n/cpp/i18n_converter_callbacks.hpp"
+#include "i18n/cpp/i18n_errors.hpp"
+#include "i18n/cpp/internal/i18n_converter_access.hpp"
+#include "i18n/cpp/internal/i18n_utf.hpp"
+
+namespace {
+
+constexpr std::size_t kLeastBuffer = 4096;
+// What one replacement needs at most, and what ICU puts around it.
+constexpr std::size_t kSlack = 64;
+// What ICU gets of UTF-8 and UTF-16 where the faster functions stop; they go on behind it.
+constexpr std::ptrdiff_t kPiece = 8;
+
+I18NProgress progressOf(UErrorCode status, bool refused) {
+    if (U_SUCCESS(status)) return I18NProgress::Done;
+    if (status == U_BUFFER_OVERFLOW_ERROR) return I18NProgress::Full;
+    if (status == U_MEMORY_ALLOCATION_ERROR) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
+    if (!refused) QBL_THROW(I18NRuntimeError(I18N_UNEXPECTED, nullptr));
+    return I18NProgress::Refused;
+}
+
+bool isAboutText(UConverterCallbackReason reason) { return reason <= UCNV_IRREGULAR; }
+
+// Where ICU stands in the stream. What it looks at anew, because what followed did not fit, it
+// reads from a buffer of its own, which ends where the source of the call begins.
+template <class Args, class Unit>
+std::int64_t placeOf(const Args* args, const Unit* begin, const Unit* end, std::int64_t before) {
+    if (args->sourceLimit != end) return before - (args->sourceLimit - args->source);
+    return before + (args->source - begin);
+}
+
+I18NStreamForm formOf(const UConverter* icu) {
+    const UConverterType type = ucnv_getType(icu);
+    if (type == UCNV_UTF8) return I18NStreamForm::UTF8;
+    return type == UCNV_UTF16_LittleEndian ? I18NStreamForm::UTF16 : I18NStreamForm::Other;
+}
+
+// UTF-16 in the machine's order, which is the little-endian one.
+void copyWellFormed(const char*& at, const char* end, char16_t*& text, const char16_t* limit) {
+    const auto room = static_cast<std::size_t>(limit - text);
+    const std::size_t units = std::min(static_cast<std::size_t>(end - at) / sizeof *text, room);
+    std::memcpy(text, at, units * sizeof *text);
+    const std::size_t good = i18nWellFormedUTF16(text, units);
+    text += good;
+    at += good * sizeof *text;
+}
+void copyWellFormed(const char16_t*& text, const char16_t* end, char*& at) {
+    const std::size_t good = i18nWellFormedUTF16(text, static_cast<std::size_t>(end - text));
+    std::memcpy(at, text, good * sizeof *text);
+    text += good;
+    at += good * sizeof *text;
+}
+
+}  // namespace
+
+I18NStreamBuffer::~I18NStreamBuffer() { std::free(m_pBytes); }
+
+void I18NStreamBuffer::reserve(std::size_t more) {
+    if (m_iCapacity - m_iSize >= more) return;
+    const std::size_t capacity = std::max({m_iSize + more, m_iCapacity * 2, kLeastBuffer});
+    auto* bytes = capacity < m_iSize ? nullptr : std::realloc(m_pBytes, capacity);
+    if (bytes == nullptr) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
+    m_pBytes = static_cast<char*>(bytes);
+    m_iCapacity = capacity;
+}
+
+void I18NStreamBuffer::append(const void* bytes, std::size_t size) {
+    if (size == 0) return;
+    reserve(size);
+    std::memcpy(end(), bytes, size);
+    m_iSize += size;
+}
+
+I18NStreamInput::I18NStreamInput(const I18NConverter& converter)
+    : m_converter(converter), m_pICU(I18NConverterAccess::icu(m_converter)) {
+    listen();
+}
+
+I18NStreamInput::I18NStreamInput(const char* encoding, const I18NStreamInput& policy)
+    : m_converter(encoding), m_pICU(I18NConverterAccess::icu(m_converter)) {
+    const I18NConverter& other = policy.m_converter;
+    const int number = other.getBuiltInUnconvertibleInputSequenceCallback();
+    // A converter that nobody gave a policy only says that it looks up.
+    const bool none =
+        number == I18N_LOOKUP && policy.m_policy != LOOKUP_UNCONVERTIBLE_INPUT_CALLBACK;
+    if (!none) m_converter.setBuiltInUnconvertibleInputSequenceCallback(number);
+    m_converter.setUserDefinedUnconvertibleInputSequenceCallback(
+        other.getUserDefinedUnconvertibleInputSequenceCallback());
+    listen();
+}
+
+void I18NStreamInput::listen() {
+    UErrorCode status = U_ZERO_ERROR;
+    const UConverterType type = ucnv_getType(m_pICU);
+    m_form = formOf(m_pICU);
+    m_bIsUTF16 = type == UCNV_UTF16_LittleEndian || type == UCNV_UTF16_BigEndian;
+    ucnv_reset(m_pICU);
+    ucnv_setToUCallBack(m_pICU, callback, this, &m_policy, &m_pPolicyContext, &status);
+}
+
+I18NProgress I18NStreamInput::decode(const char*& at, const char* end, bool flush, char16_t*& text,
+                                     const char16_t* limit) {
+    if (m_form == I18NStreamForm::Other) return decodeByICU(at, end, flush, text, limit);
+    I18NProgress progress = I18NProgress::Done;
+    do {
+        if (!m_bUnfinished) {
+            const char* const begin = at;
+            const char16_t* const textBegin = text;
+            if (m_form == I18NStreamForm::UTF8)
+                i18nDecodeWellFormedUTF8(at, end, text, limit);
+            else
+                copyWellFormed(at, end, text, limit);
+            m_iBytes += at - begin;
+            m_iUnits += text - textBegin;
+        }
+        const char* const piece = at + std::min(end - at, kPiece);
+        progress = decodeByICU(at, piece, flush && piece == end, text, limit);
+        UErrorCode status = U_ZERO_ERROR;
+        m_bUnfinished =
+            progress != I18NProgress::Done || ucnv_toUCountPending(m_pICU, &status) != 0;
+    } while (progress == I18NProgress::Done && at != end);
+    return progress;
+}
+
+I18NProgress I18NStreamInput::decodeByICU(const char*& at, const char* end, bool flush,
+                                          char16_t*& text, const char16_t* limit) {
+    m_pBegin = at;
+    m_pEnd = end;
+    m_pText = text;
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_toUnicode(m_pICU, &text, limit, &at, end, nullptr, flush, &status);
+    m_iBytes += at - m_pBegin;
+    m_iUnits += text - m_pText;
+    return progressOf(status, m_bRefused);
+}
+
+void I18NStreamInput::dropFirstUnit() {
+    --m_iUnits;
+    for (I18NInputFinding& finding : findings) --finding.at;
+}
+
+void I18NStreamInput::found(UConverterToUnicodeArgs* args, const char* bytes, int length,
+                            UConverterCallbackReason reason, UErrorCode* status) {
+    I18NInputFinding finding = {};
+    finding.length = std::min(length, I18NInputFinding::kMostBytes);
+    finding.offset = placeOf(args, m_pBegin, m_pEnd, m_iBytes) - length;
+    if (m_bIsUTF16) finding.offset -= finding.offset % 2;
+    finding.at = m_iUnits + (args->target - m_pText);
+    finding.cutOff = *status == U_TRUNCATED_CHAR_FOUND;
+    std::memcpy(finding.bytes, bytes, static_cast<std::size_t>(finding.length));
+
+    // The policy writes aside, so that the length of its text is known wherever that goes.
+    UChar replacement[kSlack];
+    UConverterToUnicodeArgs aside = *args;
+    aside.target = replacement;
+    aside.targetLimit = replacement + kSlack;
+    aside.offsets = nullptr;
+    m_policy(m_pPolicyContext, &aside, bytes, length, reason, status);
+    m_bRefused = U_FAILURE(*status);
+    finding.units = static_cast<int>(aside.target - replacement);
+    const bool noted = tavContain([&] { findings.push_back(finding); });
+    if (!noted)
+        *status = U_MEMORY_ALLOCATION_ERROR;
+    else if (!m_bRefused)
+        ucnv_cbToUWriteUChars(args, replacement, finding.units, 0, status);
+}
+
+void I18NStreamInput::callback(const void* context, UConverterToUnicodeArgs* args,
+                               const char* bytes, int32_t length, UConverterCallbackReason reason,
+                               UErrorCode* status) {
+    auto* side = static_cast<I18NStreamInput*>(const_cast<void*>(context));
+    if (isAboutText(reason))
+        side->found(args, bytes, length, reason, status);
+    else
+        side->m_policy(side->m_pPolicyContext, args, bytes, length, reason, status);
+}
+
+I18NStreamOutput::I18NStreamOutput(const I18NConverter& converter)
+    : m_converter(converter),
+      m_pICU(I18NConverterAccess::icu(m_converter)),
+      m_iMaxBytes(static_cast<std::size_t>(ucnv_getMaxCharSize(m_pICU))),
+      m_form(formOf(m_pICU)) {
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_reset(m_pICU);
+    ucnv_setFromUCallBack(m_pICU, callback, this, &m_policy, &m_pPolicyContext, &status);
+}
+
+I18NProgress I18NStreamOutput::encode(const char16_t* text, const char16_t* end, bool flush,
+                                      I18NStreamBuffer& bytes) {
+    I18NProgress progress = I18NProgress::Done;
+    do {
+        bytes.reserve(static_cast<std::size_t>(end - text) * m_iMaxBytes + kSlack);
+        const char16_t* piece = end;
+        if (m_form != I18NStreamForm::Other) {
+            if (!m_bUnfinished) {
+                const char16_t* const begin = text;
+                char* to = bytes.end();
+                if (m_form == I18NStreamForm::UTF8)
+                    i18nEncodeWellFormedUTF8(text, end, to);
+                else
+                    copyWellFormed(text, end, to);
+                bytes.setEnd(to);
+                m_iUnits += text - begin;
+            }
+            piece = text + std::min(end - text, kPiece);
+        }
+        progress = encodeByICU(text, piece, flush && piece == end, bytes);
+        m_bUnfinished = progress != I18NProgress::Done || undecided() != 0;
+    } while (progress == I18NProgress::Full || (progress == I18NProgress::Done && text != end));
+    return progress;
+}
+
+I18NProgress I18NStreamOutput::encodeByICU(const char16_t*& text, const char16_t* end, bool flush,
+                                           I18NStreamBuffer& bytes) {
+    m_pBegin = text;
+    m_pEnd = end;
+    char* to = bytes.end();
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_fromUnicode(m_pICU, &to, bytes.limit(), &text, end, nullptr, flush, &status);
+    bytes.setEnd(to);
+    m_iUnits += text - m_pBegin;
+    return progressOf(status, m_bRefused);
+}
+
+int I18NStreamOutput::undecided() const {
+    UErrorCode status = U_ZERO_ERROR;
+    return std::max<int>(ucnv_fromUCountPending(m_pICU, &status), 0);
+}
+
+void I18NStreamOutput::found(UConverterFromUnicodeArgs* args, const UChar* units, int length,
+                             UChar32 codePoint, UConverterCallbackReason reason,
+                             UErrorCode* status) {
+    const std::int64_t end = placeOf(args, m_pBegin, m_pEnd, m_iUnits);
+    const I18NOutputFinding finding = {end - length, static_cast<char32_t>(codePoint),
+                                       *status == U_TRUNCATED_CHAR_FOUND};
+    m_policy(m_pPolicyContext, args, units, length, codePoint, reason, status);
+    m_bRefused = U_FAILURE(*status) && *status != U_BUFFER_OVERFLOW_ERROR;
+    if (!tavContain([&] { findings.push_back(finding); })) *status = U_MEMORY_ALLOCATION_ERROR;
+}
+
+void I18NStreamOutput::callback(const void* context, UConverterFromUnicodeArgs* args,
+                                const UChar* units, int32_t length, UChar32 codePoint,
+                                UConverterCallbackReason reason, UErrorCode* status) {
+    auto* side = static_cast<I18NStreamOutput*>(const_cast<void*>(context));
+    if (isAboutText(reason))
+        side->found(args, units, length, codePoint, reason, status);
+    else
+        side->m_policy(side->m_pPolicyContext, args, units, length, codePoint, reason, status);
+}

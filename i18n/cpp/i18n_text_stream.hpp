@@ -1,0 +1,127 @@
+#ifndef I18N_CPP_I18N_TEXT_STREAM_HPP
+#define I18N_CPP_I18N_TEXT_STREAM_HPP
+
+#include <cstddef>
+#include <cstdint>
+
+#include "QBLCore/Frame/QBLExport.h"
+
+class I18NConverter;
+class I18NTextStreamState;
+
+/// Something in a text that could not be converted, and where. It is valid while the listener is
+/// being called.
+struct I18NUnconvertible {
+    /// Whether it is a code point that the output's encoding does not have; otherwise it is bytes
+    /// that mean nothing in the input's.
+    bool isOutput;
+    /// Whether the text ended in the middle of it: of a sequence of bytes, or of a surrogate pair.
+    bool isCutOff;
+    /// The bytes as they stand in the input, and how many they are; null and 0 for output.
+    const char* bytes;
+    int byteCount;
+    /// Of the first of them, in bytes from the start of the input; -1 for output.
+    std::int64_t byteOffset;
+    /// The code point or lone surrogate; 0 for input.
+    char32_t codePoint;
+    /// Where it, or what replaces it, stands in the text, in UTF-16 code units from the start.
+    std::int64_t textOffset;
+    /// Both from 1. A line ends with LF, CR or CR LF. A column is a code point or a lone surrogate,
+    /// and bytes that are not convertible are one column each time, whatever replaces them.
+    std::int64_t line;
+    std::int64_t column;
+};
+
+/// Is told what a text stream could not convert.
+class QBL_API I18NTextStreamListener {
+public:
+    virtual ~I18NTextStreamListener();
+
+    /// Called within put() and finish(), in the order of the text, on their thread; may not use
+    /// the stream. What it throws comes out there, and ends the stream.
+    virtual void unconvertible(const I18NUnconvertible& what) = 0;
+};
+
+/// What a text stream does with a byte-order mark at the start: U+FEFF, in the input's encoding.
+enum I18NByteOrderMark {
+    I18N_MARK_KEEP = 0,   ///< takes it for text
+    I18N_MARK_STRIP = 1,  ///< leaves it out of the text
+    /// Takes UTF-8, UTF-16LE, UTF-16BE, UTF-32LE or UTF-32BE for the input's encoding where it
+    /// begins with the mark of one of them. FF FE 00 00 is UTF-32LE.
+    I18N_MARK_CHOOSE = 2,
+    I18N_MARK_CHOOSE_AND_STRIP = 3
+};
+
+/// Converts a text that comes in blocks, cut anywhere: bytes to bytes, bytes to UTF-16, or UTF-16
+/// to bytes. The result, and what is told about it, does not depend on where the blocks are cut. A
+/// NUL is a character as any other.
+///
+/// What is not convertible is treated as the policies of the converters say that the stream is
+/// made with. It is also counted, and the listener is told. Of what a converter drops because
+/// Unicode calls it ignorable, such as U+200B, the listener is told too; under I18N_STOP as well,
+/// which goes on behind it. A code point replaced by the encoding's best fit is converted.
+///
+///     I18NTextStream stream(&shiftJIS, &utf8);
+///     while (const std::size_t size = read(block)) {
+///         stream.put(block, size);
+///         write(stream.getBytes(), stream.getByteCount());
+///     }
+///     stream.finish();
+///     write(stream.getBytes(), stream.getByteCount());
+///
+/// Memory: what the largest block has needed; it is kept for the next ones.
+///
+/// Errors: I18NRuntimeError with I18N_CONVERSION and a text that says where, for what a policy
+/// refuses; QBLOutOfMemoryError. Any error of put() or finish() ends the stream; the output has
+/// what was converted in front of it.
+///
+/// Threads: one at a time.
+class QBL_API I18NTextStream {
+public:
+    /// @param from  of the bytes put in; null if UTF-16 is
+    /// @param to  of the bytes that come out; null if UTF-16 is to. The stream copies both, with
+    ///        their policies and without what they have left unfinished
+    /// @param listener  may be null; must outlive the stream
+    /// @throws I18NRuntimeError with I18N_ARGUMENT without any converter, or if the encoding is to
+    ///         be chosen for UTF-16 input; QBLOutOfMemoryError
+    I18NTextStream(const I18NConverter* from, const I18NConverter* to,
+                   I18NByteOrderMark mark = I18N_MARK_KEEP,
+                   I18NTextStreamListener* listener = nullptr);
+    ~I18NTextStream();
+    I18NTextStream(const I18NTextStream&) = delete;
+    I18NTextStream& operator=(const I18NTextStream&) = delete;
+
+    /// Converts the next block. The output is that of this call alone.
+    /// @param block  null if the size is 0
+    /// @throws I18NRuntimeError with I18N_ARGUMENT for a null block or the other kind of input;
+    ///         QBLIllegalStateError after the end. Neither changes anything. See also above.
+    void put(const char* block, std::size_t size);
+    void put(const char16_t* units, std::size_t count);
+    /// Ends the text: a sequence cut off is not convertible, and an encoding with shift states
+    /// goes back to its first one. There is output of this call, too.
+    void finish();
+
+    /// The output of the last put() or finish(), until the next one. Bytes if there is a converter
+    /// for them, else text; the other pair gives null and 0. It does not end with a NUL.
+    const char* getBytes() const;
+    std::size_t getByteCount() const;
+    const char16_t* getText() const;
+    std::size_t getTextLength() const;
+
+    /// What has been replaced or dropped since the start, as often as the listener was told; what
+    /// ended the stream does not count.
+    std::int64_t getReplacedInput() const;
+    std::int64_t getReplacedOutput() const;
+    /// Line and column behind the text that has come out; up to a few code points less while
+    /// some wait for a following one that the output's encoding might join to them.
+    std::int64_t getLine() const;
+    std::int64_t getColumn() const;
+    /// The name of the input's encoding, by its mark if that is to choose and has come; null for
+    /// UTF-16. Owned by the stream, until the next put() or finish().
+    const char* getInputEncoding() const;
+
+private:
+    I18NTextStreamState* m_pState;
+};
+
+#endif

@@ -1,0 +1,272 @@
+#include "i18n/cpp/i18n_text_stream.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <random>
+#include <sstream>
+#include <string>
+
+#include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
+#include "i18n/cpp/i18n_converter.hpp"
+#include "i18n/cpp/i18n_errors.hpp"
+#include "tests/support/FaultInjection.hpp"
+#include "tests/support/ThrowChecks.hpp"
+
+namespace {
+
+extern "C" {
+void describeBytes(const char*, const char*, int length, wchar_t* codePoints, int* count,
+                   I18NErrorCodes*) {
+    for (const int c : {int{'<'}, 0x1F600, '0' + length})
+        codePoints[(*count)++] = static_cast<wchar_t>(c);
+}
+
+void dropCharacter(wchar_t, const char*, char*, int*, I18NErrorCodes*) {}
+}
+
+I18NConverter withPolicy(const char* encoding, int policy) {
+    I18NConverter converter(encoding);
+    converter.setBuiltInUnconvertibleInputSequenceCallback(policy);
+    converter.setBuiltInUnconvertibleOutputSequenceCallback(policy);
+    if (policy != I18N_USER_DEFINED) return converter;
+    converter.setUserDefinedUnconvertibleInputSequenceCallback(describeBytes);
+    converter.setUserDefinedUnconvertibleOutputSequenceCallback(dropCharacter);
+    return converter;
+}
+
+// All that a stream gives: the output, a line for each thing found, and how it ended.
+struct Outcome : I18NTextStreamListener {
+    std::string source, output, told, encoding;
+
+    void unconvertible(const I18NUnconvertible& what) override {
+        std::ostringstream text;
+        text << (what.isOutput ? "out" : "in") << (what.isCutOff ? " cut " : " ") << what.byteOffset
+             << " U+" << std::hex << what.codePoint + 0 << std::dec << " text " << what.textOffset
+             << ", " << what.line << ":" << what.column << "\n";
+        told += text.str();
+        const std::string bytes(what.bytes != nullptr ? what.bytes : "",
+                                static_cast<std::size_t>(what.byteCount));
+        EXPECT_TRUE(what.isOutput || source.compare(static_cast<std::size_t>(what.byteOffset),
+                                                    bytes.size(), bytes) == 0)
+            << told;
+    }
+    void take(const I18NTextStream& stream) {
+        output.append(stream.getBytes() != nullptr ? stream.getBytes() : "", stream.getByteCount());
+        for (std::size_t i = 0; i < stream.getTextLength(); ++i)
+            output.append(reinterpret_cast<const char*>(stream.getText() + i), sizeof(char16_t));
+    }
+};
+
+template <class Unit>
+Outcome run(const I18NConverter* from, const I18NConverter* to,
+            const std::basic_string<Unit>& source, std::size_t block, I18NByteOrderMark mark) {
+    Outcome outcome;
+    outcome.source.assign(source.begin(), source.end());
+    I18NTextStream stream(from, to, mark, &outcome);
+    try {
+        for (std::size_t at = 0; at < source.size(); at += block) {
+            // In memory of its own, for the sanitizer to see what is read beyond it.
+            const auto piece = source.substr(at, block);
+            stream.put(piece.data(), piece.size());
+            outcome.take(stream);
+        }
+        stream.finish();
+    } catch (I18NRuntimeError& e) {
+        outcome.told += e.getMessage();
+    }
+    outcome.take(stream);
+    outcome.encoding = from != nullptr ? stream.getInputEncoding() : "";
+    outcome.told += "\n" + std::to_string(stream.getReplacedInput()) + " and " +
+                    std::to_string(stream.getReplacedOutput()) + ", " +
+                    std::to_string(stream.getLine()) + ":" + std::to_string(stream.getColumn());
+    return outcome;
+}
+
+// Whether a stream gives the same in blocks of 1 to 17.
+template <class Unit>
+Outcome runAnyhow(const I18NConverter* from, const I18NConverter* to,
+                  const std::basic_string<Unit>& source, I18NByteOrderMark mark = I18N_MARK_KEEP) {
+    Outcome whole = run(from, to, source, source.size(), mark);
+    for (std::size_t block = 1; block <= 17; ++block) {
+        const Outcome cut = run(from, to, source, block, mark);
+        EXPECT_EQ(whole.output, cut.output) << block;
+        EXPECT_EQ(whole.told, cut.told) << block;
+    }
+    return whole;
+}
+
+std::string bytesBy(const I18NConverter& converter, const std::u16string& text) {
+    char* block = nullptr;
+    int size = 0;
+    converter.fromUnicode(&block, &size, text.c_str());
+    std::string bytes(block, static_cast<std::size_t>(size - converter.sizeofLegacyNull()));
+    std::free(block);
+    return bytes;
+}
+
+std::string textBy(const I18NConverter& converter, const std::string& bytes) {
+    void* block = nullptr;
+    int size = 0;
+    converter.toUnicode(&block, &size, bytes.data(), static_cast<int>(bytes.size()));
+    std::string text(static_cast<char*>(block), static_cast<std::size_t>(size - 2));
+    std::free(block);
+    return text;
+}
+
+// What is hard to cut in some encoding: pairs, combinations that have one code, shifts.
+const std::u16string kText =
+    u"a\r\n\r\r\n\n\u00E9\u20AC\u3042\u6F22\u304B\u309A\U0001F600\u00CA\u0304\u0434\u4E02\u200Bz";
+const char* const kBroken[] = {"\x81\x30\x81", "\x1B$",        "\x1B(",
+                               "\x8F\xA2",     "\xF0\x9F\x98", "\xFF"};
+
+}  // namespace
+
+TEST(I18NTextStreamTest, GivesTheSameHoweverItIsCut) {
+    std::mt19937 random(4);
+    const auto some = [&] { return kText.substr(random() % kText.size(), 1 + random() % 3); };
+    for (const char* encoding :
+         {"UTF-8", "UTF-16LE", "UTF-16BE", "UTF-32", "windows-1252", "ISO-8859-15", "Shift_JIS",
+          "EUC-JP", "KOI8-R", "Big5", "GB18030", "ISO-2022-JP", "UTF-7", "ibm-1399"})
+        for (int policy = I18N_ESCAPE; policy <= I18N_STOP; ++policy) {
+            SCOPED_TRACE(encoding + (" " + std::to_string(policy)));
+            std::u16string text;
+            std::string bytes;
+            for (int i = 0; i < 80; ++i) {
+                text += some();
+                bytes += bytesBy(I18NConverter(encoding), some());
+                if (random() % 4 == 0) bytes += static_cast<char>(random());
+                if (random() % 3 == 0) bytes += kBroken[random() % std::size(kBroken)];
+                if (random() % 8 == 0) bytes.pop_back();
+            }
+            const I18NConverter converter = withPolicy(encoding, policy);
+            const I18NConverter other = withPolicy("ibm-1399", policy);
+            runAnyhow(&converter, &other, bytes);
+            const Outcome in = runAnyhow<char>(&converter, nullptr, bytes);
+            const Outcome out = runAnyhow<char16_t>(nullptr, &converter, text);
+            if (policy == I18N_STOP) continue;
+            EXPECT_EQ(textBy(converter, bytes), in.output);
+            EXPECT_EQ(bytesBy(converter, text), out.output);
+        }
+}
+
+TEST(I18NTextStreamTest, TellsWhatIsNotConvertibleAndWhere) {
+    using namespace std::string_literals;
+    const struct {
+        const char *from, *to;
+        int policy;
+        std::string bytes, output, told;
+    } rows[] = {
+        {"UTF-8", "UTF-8", I18N_STOP, "a\xC3\xA9\r\n\r\xF0\x9F\x98\x80\xE3\x81z",
+         "a\xC3\xA9\r\n\r\xF0\x9F\x98\x80",
+         "in 10 U+0 text 7, 3:2\nI18NTextStream: byte 10, line 3, column 2: E3 81 is not in UTF-8"},
+        {"UTF-8", "UTF-8", I18N_STOP, "\n\xE3\x81", "\n",
+         "in cut 1 U+0 text 1, 2:1\nI18NTextStream: byte 1, line 2, column 1: E3 81 is cut off, in "
+         "UTF-8"},
+        {"us-ascii", "ISO-8859-1", I18N_ESCAPE, "a\x80\x81\nb\r\x82\n", "a%X80%X81\nb\r%X82\n",
+         "in 1 U+0 text 1, 1:2\nin 2 U+0 text 5, 1:3\nin 6 U+0 text 12, 3:1\n"},
+        {"UTF-8", "us-ascii", I18N_SUBSTITUTE, "\0\0\xC3\xA9\0\xFF\xE4\xB8\x80"s,
+         "\0\0\x1A\0\x1A\x1A"s,
+         "out -1 U+e9 text 2, 1:3\nin 5 U+0 text 4, 1:5\nout -1 U+fffd text 4, 1:5\n"
+         "out -1 U+4e00 text 5, 1:6\n"},
+        {"UTF-8", "us-ascii", I18N_USER_DEFINED, "\xFF\xE2\x82\xAC", "<1",
+         "in 0 U+0 text 0, 1:1\nout -1 U+1f600 text 1, 1:1\nout -1 U+20ac text 4, 1:2\n"},
+        {"UTF-8", "ISO-8859-1", I18N_STOP, "\n\xE2\x80\x8B\xE2\x82\xAC\xFF", "\n",
+         "out -1 U+200b text 1, 2:1\nout -1 U+20ac text 2, 2:2\n"
+         "I18NTextStream: line 2, column 2: U+20AC is not in ISO-8859-1"}};
+    for (const auto& row : rows) {
+        const I18NConverter from = withPolicy(row.from, row.policy);
+        const I18NConverter to = withPolicy(row.to, row.policy);
+        const Outcome outcome = runAnyhow(&from, &to, row.bytes);
+        EXPECT_EQ(row.output, outcome.output);
+        EXPECT_EQ(row.told, outcome.told.substr(0, outcome.told.rfind('\n'))) << outcome.told;
+    }
+    const I18NConverter hz = withPolicy("HZ", I18N_ESCAPE);
+    EXPECT_EQ("~}z%UD83D%UDE00", runAnyhow<char16_t>(nullptr, &hz, u"z\U0001F600").output);
+}
+
+TEST(I18NTextStreamTest, KnowsByteOrderMarks) {
+    using namespace std::string_literals;
+    constexpr I18NByteOrderMark kBoth = I18N_MARK_CHOOSE_AND_STRIP;
+    const struct {
+        std::string bytes;
+        I18NByteOrderMark mark;
+        const char* encoding;
+        std::u16string text;
+    } rows[] = {{"\xEF\xBB\xBF\xC3\xA9\xEF\xBB\xBF", kBoth, "UTF-8", u"\u00E9\uFEFF"},
+                {"\xEF\xBB\xBF\xC3\xA9", I18N_MARK_CHOOSE, "UTF-8", u"\uFEFF\u00E9"},
+                {"\xEF\xBB\xBFz", I18N_MARK_STRIP, "KOI8-R", u"\u041E\u2569\u00A9z"},
+                {"\xEF\xBB", kBoth, "KOI8-R", u"\u041E\u2569"},
+                {"\xFF\xFE\0\0"s, kBoth, "UTF-32LE", u""},
+                {"\xFF\xFE\0"s, kBoth, "UTF-16LE", u"%X00"},
+                {"\xFF\xFEz\0z\0"s, kBoth, "UTF-16LE", u"zz"},
+                {"\xFE\xFF\0z"s, kBoth, "UTF-16BE", u"z"},
+                {"\0\0\xFE\xFF\0\0\0z"s, kBoth, "UTF-32BE", u"z"},
+                {"", kBoth, "KOI8-R", u""}};
+    const I18NConverter from = withPolicy("KOI8-R", I18N_ESCAPE);
+    for (const auto& row : rows) {
+        const Outcome outcome = runAnyhow<char>(&from, nullptr, row.bytes, row.mark);
+        EXPECT_EQ(bytesBy(I18NConverter("UTF-16"), row.text), outcome.output);
+        EXPECT_EQ(row.encoding, outcome.encoding);
+    }
+    const I18NConverter utf8("UTF-8");
+    EXPECT_EQ("z", run<char16_t>(nullptr, &utf8, u"\uFEFFz", 9, I18N_MARK_STRIP).output);
+    EXPECT_EQ("\uFFFDz", run<char>(&utf8, &utf8, "\xFFz", 9, kBoth).output) << "no policy set";
+}
+
+TEST(I18NTextStreamTest, CountsLinesOfLongTexts) {
+    std::mt19937 random(5);
+    const I18NConverter utf8("UTF-8");
+    std::u16string text;
+    while (text.size() < 300000) {
+        text.append(random() % 40, u'x');
+        text += kText.substr(random() % kText.size());
+        if (random() % 2000 == 0) text.append(random() % 40000, u"x\r\n\xD83D"[random() % 4]);
+    }
+    long line = 1, column = 1;
+    char16_t before = 0;
+    for (const char16_t unit : text) {
+        const bool ends = unit == u'\r' || (unit == u'\n' && before != u'\r');
+        const bool isPart = unit == u'\n' || (unit >> 10 == 0x37 && before >> 10 == 0x36);
+        line += ends ? 1 : 0;
+        column = ends ? 1 : column + (isPart ? 0 : 1);
+        before = unit;
+    }
+    const Outcome outcome = run(nullptr, &utf8, text, 20011, I18N_MARK_KEEP);
+    EXPECT_EQ(bytesBy(utf8, text), outcome.output);
+    EXPECT_EQ(std::to_string(line) + ":" + std::to_string(column),
+              outcome.told.substr(outcome.told.rfind(' ') + 1));
+}
+
+TEST(I18NTextStreamTest, EndsWithErrorsAndMisuse) {
+    struct Refuse : I18NTextStreamListener {
+        void unconvertible(const I18NUnconvertible&) override { throw 5; }
+    } refuse;
+    const I18NConverter utf8("UTF-8");
+    I18NTextStream stream(&utf8, nullptr, I18N_MARK_KEEP, &refuse);
+    EXPECT_THROW(stream.put(u"x", 1), I18NRuntimeError) << "reads bytes";
+    EXPECT_THROW(stream.put("\xFFx", 2), int);
+    QBL_EXPECT_THROW(stream.finish(), QBLIllegalStateError, "I18NTextStream: the stream has ended");
+    EXPECT_THROW(I18NTextStream(nullptr, nullptr), I18NRuntimeError);
+    EXPECT_THROW(I18NTextStream(nullptr, &utf8, I18N_MARK_CHOOSE), I18NRuntimeError);
+}
+
+TEST(I18NTextStreamTest, LosesNothingWhenMemoryEnds) {
+    const I18NConverter utf8("UTF-8"), ascii("us-ascii");
+    const std::string bad(9000, '\xFF');
+    const auto everything = [&] {
+        I18NTextStream stream(&utf8, &ascii, I18N_MARK_CHOOSE);
+        stream.put("\xFF\xFEx\0\0\xD8y", 7);
+        stream.put(bad.data(), bad.size());
+        stream.finish();
+    };
+    everything();
+    const long failures = fault::eachAllocation([&] {
+        try {
+            everything();
+        } catch (QBLThrowable& e) {
+            EXPECT_STREQ("QBLOutOfMemoryError", e.getThrowableName());
+        }
+    });
+    EXPECT_GT(failures, 8);
+}
