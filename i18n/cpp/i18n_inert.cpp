@@ -9,43 +9,56 @@
 
 namespace {
 
-constexpr int kShift = 6;
-enum Kind : std::uint8_t { Unknown, Inert, Mixed };
+enum Kind : std::uint8_t { Unknown, Inert, Other };
 
-/// What is known of each 64 code points; found out when first met. Threads that meet one at a time
-/// find the same.
-std::atomic<std::uint8_t> g_kinds[0x110000 >> kShift];
+/// What is known of each code unit; found out when first met. Threads that meet one at a time find
+/// the same. A surrogate is inert by itself, and the first of a pair only if all are that begin
+/// with it: so those of the emoji are, and pairs need not be put together.
+std::atomic<std::uint8_t> g_kinds[0x10000];
 
-Kind find(std::uint32_t block) {
+bool isInert(const icu::Normalizer2& form, char32_t c) {
+    UErrorCode status = U_ZERO_ERROR;
+    const auto codePoint = static_cast<UChar32>(c);
+    return form.getCombiningClass(codePoint) == 0 &&
+           form.quickCheck(icu::UnicodeString(codePoint), status) == UNORM_YES && U_SUCCESS(status);
+}
+
+Kind find(char16_t unit) {
     UErrorCode status = U_ZERO_ERROR;
     const icu::Normalizer2* const form = icu::Normalizer2::getNFCInstance(status);
-    Kind kind = U_SUCCESS(status) ? Inert : Mixed;
-    for (std::uint32_t i = 0; i < (1U << kShift) && kind == Inert; ++i) {
-        const auto c = static_cast<UChar32>((block << kShift) + i);
-        const icu::UnicodeString one(c);
-        if (form->getCombiningClass(c) != 0 || form->quickCheck(one, status) != UNORM_YES)
-            kind = Mixed;
-    }
-    g_kinds[block].store(kind, std::memory_order_relaxed);
+    bool inert = U_SUCCESS(status) && isInert(*form, unit);
+    if (i18nIsHigh(unit))
+        for (char16_t low = 0xDC00; low < 0xE000 && inert; ++low)
+            inert = isInert(*form, i18nCombine(unit, low));
+    const Kind kind = inert ? Inert : Other;
+    g_kinds[unit].store(kind, std::memory_order_relaxed);
     return kind;
 }
 
-bool isInert(char32_t c) {
-    const std::uint32_t block = c >> kShift;
-    const std::uint8_t kind = g_kinds[block].load(std::memory_order_relaxed);
-    return kind == Inert || (kind == Unknown && find(block) == Inert);
+std::uint8_t known(char16_t unit) { return g_kinds[unit].load(std::memory_order_relaxed); }
+
+constexpr int kRun = 16;
+
+bool isKnownInert(const char16_t* run) {
+    unsigned all = Inert;
+#pragma GCC unroll 16
+    for (int i = 0; i < kRun; ++i) all &= known(run[i]);
+    return all == Inert;
 }
 
 }  // namespace
 
 bool i18nIsInert(const char16_t* units, std::size_t length) {
-    for (std::size_t i = 0; i < length; ++i) {
-        char32_t c = units[i];
-        if (i18nIsHigh(units[i]) && i + 1 < length && i18nIsLow(units[i + 1])) {
-            c = i18nCombine(units[i], units[i + 1]);
-            ++i;
+    const char16_t* const end = units + length;
+    while (units != end) {
+        if (end - units >= kRun && isKnownInert(units)) {
+            units += kRun;
+            continue;
         }
-        if (!isInert(c)) return false;
+        for (int i = 0; i < kRun && units != end; ++i, ++units) {
+            const std::uint8_t kind = known(*units);
+            if (kind == Other || (kind == Unknown && find(*units) == Other)) return false;
+        }
     }
     return true;
 }

@@ -3,6 +3,7 @@
 #include <emmintrin.h>
 #include <unicode/unistr.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
 #include <new>
@@ -344,20 +345,20 @@ void I18NString::createUnicodeString() {
     m_pUnicodeString = new (memory) icu::UnicodeString;
 }
 
-void I18NString::leaveAscii() {
+void I18NString::leaveAscii(int units) {
     if (!isUsingAsciiBuffer()) return;
     const int length = m_asciiBufLength;
-    const int capacity = length < 15 ? 15 : length;
-    auto* const units =
+    const int capacity = std::max({15, length, units});
+    auto* const block =
         reinterpret_cast<char16_t*>(allocate(grown(0, std::int64_t{capacity} * 2 + 2, kMostBytes)));
     try {
         createUnicodeString();
     } catch (...) {
-        release(units);
+        release(block);
         throw;
     }
-    i18nWiden(ascii(), static_cast<std::size_t>(length), units);
-    m_pCodeUnits = units;
+    i18nWiden(ascii(), static_cast<std::size_t>(length), block);
+    m_pCodeUnits = block;
     m_unitCapacity = capacity;
     m_unitLength = length;
     alias();
@@ -401,7 +402,7 @@ void I18NString::assign(const I18NTextView& text) {
 
 // The frequent case of a new string, in as little as it takes.
 bool I18NString::setShort(const char* bytes, const char* encoding, int length) {
-    if (bytes == nullptr || length < -1 || isForceUnicodeString()) return false;
+    if (bytes == nullptr || length < -1 || length > kInline || isForceUnicodeString()) return false;
     if (encoding != nullptr && !i18nKeepsASCII(encoding)) return false;
     const std::size_t counted =
         length < 0 ? std::strlen(bytes) : strnlen(bytes, static_cast<std::size_t>(length));
@@ -446,8 +447,7 @@ void I18NString::setBytes(const char* bytes, const char* encoding, int length) {
 // Decodes beside the present contents, which the bytes may be part of.
 void I18NString::decodeUTF8(const char* bytes, int length) {
     I18NString fresh(Bare(), m_allocator, m_allocatorContext);
-    fresh.leaveAscii();
-    fresh.reserveUnits(length);
+    fresh.leaveAscii(length);
     const I18NDecoded decoded =
         i18nDecodeUTF8(bytes, static_cast<std::size_t>(length), fresh.m_pCodeUnits);
     fresh.m_unitLength = static_cast<int>(decoded.units);

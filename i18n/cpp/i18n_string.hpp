@@ -317,7 +317,7 @@ private:
     void reserveAscii(int units);
     void reserveUnits(int units);
     void resizeUnits(int capacity);
-    void leaveAscii();
+    void leaveAscii(int units = 0);
     void createUnicodeString();
     void alias();
     void changed();

@@ -4,6 +4,8 @@
 
 #include <cstring>
 
+#include "i18n/cpp/internal/i18n_utf_blocks.hpp"
+
 namespace {
 
 constexpr std::size_t kBlock = 16;
@@ -61,6 +63,35 @@ int asciiRun(const char16_t* units, char* out) {
                          0x10000U);
 }
 
+/// Adds the bytes that eight units need beyond one each.
+/// @return units counted: 7 if the last is the first half of a pair, 0 if there is a lone surrogate
+int countMore(__m128i block, std::size_t& bytes) {
+    const auto all = [](int unit) { return _mm_set1_epi16(static_cast<short>(unit)); };
+    // A comparison gives -1 in each unit that it holds for; they are counted by adding those up.
+    const __m128i biased = _mm_xor_si128(block, all(0x8000));
+    __m128i more = _mm_add_epi16(_mm_cmpgt_epi16(biased, all(0x7F - 0x8000)),
+                                 _mm_cmpgt_epi16(biased, all(0x7FF - 0x8000)));
+    const __m128i top = _mm_and_si128(block, all(0xFC00));
+    const __m128i highs = _mm_cmpeq_epi16(top, all(0xD800));
+    const __m128i lows = _mm_cmpeq_epi16(top, all(0xDC00));
+    const __m128i surrogates = _mm_or_si128(highs, lows);
+    int counted = kBlock / 2;
+    if (_mm_movemask_epi8(surrogates) != 0) {
+        const int pairs = _mm_movemask_epi8(_mm_packs_epi16(highs, lows));
+        const int high = pairs & 0xFF;
+        if ((high << 1 & 0xFF) != pairs >> 8) return 0;
+        more = _mm_sub_epi16(more, surrogates);  // two bytes for each half
+        if (high >> 7 != 0) {
+            more = _mm_srli_si128(_mm_slli_si128(more, 2), 2);
+            --counted;
+        }
+    }
+    const __m128i sums = _mm_sad_epu8(
+        _mm_sub_epi8(_mm_setzero_si128(), _mm_packs_epi16(more, more)), _mm_setzero_si128());
+    bytes += static_cast<std::size_t>(_mm_cvtsi128_si32(sums));
+    return counted;
+}
+
 bool isTrail(unsigned char byte) { return (byte & 0xC0) == 0x80; }
 
 int trailsAnnounced(unsigned char lead) {
@@ -85,6 +116,11 @@ const unsigned char* decodeSequence(const unsigned char* p, const unsigned char*
 }  // namespace
 
 bool i18nIsASCII(const char* bytes, std::size_t length) {
+    for (; length >= 4 * kBlock; bytes += 4 * kBlock, length -= 4 * kBlock) {
+        const __m128i first = _mm_or_si128(load(bytes), load(bytes + kBlock));
+        const __m128i second = _mm_or_si128(load(bytes + 2 * kBlock), load(bytes + 3 * kBlock));
+        if (_mm_movemask_epi8(_mm_or_si128(first, second)) != 0) return false;
+    }
     for (; length >= kBlock; bytes += kBlock, length -= kBlock)
         if (_mm_movemask_epi8(load(bytes)) != 0) return false;
     unsigned all = 0;
@@ -120,7 +156,17 @@ I18NDecoded i18nDecodeUTF8(const char* bytes, std::size_t length, char16_t* out)
     const auto* const end = p + length;
     char16_t* const begin = out;
     bool mayNeedNormalization = false;
+    const bool byBlocks = i18nHasShuffles();
     while (p != end) {
+        if (byBlocks) {
+            I18NDecoding blocks{p, end, out};
+            i18nDecodeBlocks(blocks);
+            p = blocks.at;
+            out = blocks.out;
+            const __m128i none = _mm_cmpeq_epi8(blocks.mayNeedNormalization, _mm_setzero_si128());
+            mayNeedNormalization |= _mm_movemask_epi8(none) != 0xFFFF;
+            if (p == end) break;
+        }
         const unsigned char lead = *p;
         if (lead < 0x80) {
             if (lead == 0) break;
@@ -143,7 +189,8 @@ I18NDecoded i18nDecodeUTF8(const char* bytes, std::size_t length, char16_t* out)
                 while (isTwoByTwo(four)) {
                     out[0] = static_cast<char16_t>(((four & 0x1F) << 6) | ((four >> 8) & 0x3F));
                     out[1] = static_cast<char16_t>(((four >> 10) & 0x7C0) | ((four >> 24) & 0x3F));
-                    mayNeedNormalization |= out[0] >= 0x300 || out[1] >= 0x300;
+                    mayNeedNormalization |=
+                        i18nMayNeedNormalization(out[0]) || i18nMayNeedNormalization(out[1]);
                     out += 2;
                     p += 4;
                     if (end - p < 4) break;
@@ -151,7 +198,7 @@ I18NDecoded i18nDecodeUTF8(const char* bytes, std::size_t length, char16_t* out)
                 }
                 if (p == before && isTwo(four)) {
                     *out = static_cast<char16_t>(((four & 0x1F) << 6) | ((four >> 8) & 0x3F));
-                    mayNeedNormalization |= *out >= 0x300;
+                    mayNeedNormalization |= i18nMayNeedNormalization(*out);
                     ++out;
                     p += 2;
                 }
@@ -178,7 +225,7 @@ I18NDecoded i18nDecodeUTF8(const char* bytes, std::size_t length, char16_t* out)
             char32_t c;
             p = decodeSequence(p, end, c);
             out += i18nPutCodePoint(out, c);
-            mayNeedNormalization |= c >= 0x300;
+            mayNeedNormalization |= i18nMayNeedNormalization(c);
         } else {
             *out++ = 0x15;
             ++p;
@@ -227,25 +274,10 @@ std::size_t i18nLengthUTF8(const char16_t* units, std::size_t length) {
     std::size_t bytes = length;
     const char16_t* const end = units + length;
     while (units != end) {
-        // A comparison gives -1 in each unit that it holds for; they are counted by adding those
-        // up.
-        const __m128i bias = _mm_set1_epi16(static_cast<short>(0x8000));
-        const __m128i one = _mm_set1_epi16(static_cast<short>(0x7F - 0x8000));
-        const __m128i two = _mm_set1_epi16(static_cast<short>(0x7FF - 0x8000));
         while (static_cast<std::size_t>(end - units) >= kBlock / 2) {
-            const __m128i block = load(units);
-            const __m128i top = _mm_and_si128(block, _mm_set1_epi16(static_cast<short>(0xF800)));
-            const __m128i surrogates =
-                _mm_cmpeq_epi16(top, _mm_set1_epi16(static_cast<short>(0xD800)));
-            if (_mm_movemask_epi8(surrogates) != 0) break;
-            const __m128i biased = _mm_xor_si128(block, bias);
-            const __m128i more =
-                _mm_add_epi16(_mm_cmpgt_epi16(biased, one), _mm_cmpgt_epi16(biased, two));
-            const __m128i sums =
-                _mm_sad_epu8(_mm_sub_epi8(_mm_setzero_si128(), _mm_packs_epi16(more, more)),
-                             _mm_setzero_si128());
-            bytes += static_cast<std::size_t>(_mm_cvtsi128_si32(sums));
-            units += kBlock / 2;
+            const int counted = countMore(load(units), bytes);
+            if (counted == 0) break;
+            units += counted;
         }
         for (std::size_t i = 0; i < kBlock / 2 && units != end; ++i) {
             const char16_t unit = *units++;
@@ -261,7 +293,15 @@ std::size_t i18nLengthUTF8(const char16_t* units, std::size_t length) {
 }
 
 void i18nEncodeWellFormedUTF8(const char16_t*& units, const char16_t* end, char*& out) {
+    const bool byBlocks = i18nHasShuffles();
     while (units != end) {
+        if (byBlocks) {
+            I18NEncoding blocks{units, end, out};
+            i18nEncodeBlocks(blocks);
+            units = blocks.at;
+            out = blocks.out;
+            if (units == end) break;
+        }
         std::uint32_t c = *units;
         if (c < 0x80) {
             // As many bytes are left as units at least, so that a whole block may be written.

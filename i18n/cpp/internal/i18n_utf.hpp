@@ -7,8 +7,9 @@
 /// The encodings that strings read and write without a converter. Lengths are in bytes for char, in
 /// code units for char16_t.
 
-inline bool i18nIsHigh(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
-inline bool i18nIsLow(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
+// In 32 bits: operations on 16 with a constant of theirs are slow to be decoded.
+inline bool i18nIsHigh(char16_t unit) { return std::uint32_t{unit} - 0xD800 < 0x400; }
+inline bool i18nIsLow(char16_t unit) { return std::uint32_t{unit} - 0xDC00 < 0x400; }
 inline char32_t i18nCombine(char16_t high, char16_t low) {
     return (static_cast<char32_t>(high) << 10) + low - ((0xD800U << 10) + 0xDC00U - 0x10000U);
 }
@@ -38,9 +39,18 @@ bool i18nIsASCII(const char16_t* units, std::size_t length);
 void i18nWiden(const char* ascii, std::size_t length, char16_t* out);
 void i18nNarrow(const char16_t* ascii, std::size_t length, char* out);
 
+/// Characters below the first of these, and from the second on before the third, are inert in
+/// normalisation form C (see i18n_inert.hpp): most of Latin and Cyrillic. Unicode never changes
+/// that for a character that it has.
+constexpr char32_t kI18NInertBelow = 0x300, kI18NInertFrom = 0x400, kI18NInertBehind = 0x482;
+
+inline bool i18nMayNeedNormalization(char32_t c) {
+    return c >= kI18NInertBelow && (c < kI18NInertFrom || c >= kI18NInertBehind);
+}
+
 struct I18NDecoded {
     std::size_t units = 0;
-    bool mayNeedNormalization = false;  ///< there is a unit from U+0300 on
+    bool mayNeedNormalization = false;  ///< of one of the characters
 };
 /// Decodes UTF-8 up to a NUL byte or the length. A sequence that is not well-formed takes in the
 /// trail bytes that follow its lead, as many as that announces, and becomes one error value by
