@@ -32,35 +32,60 @@ public:
         }
     }
 
-    /// Matches the pattern from an offset on. A mismatch goes back to the last run only, which
-    /// takes one code point more: what earlier runs took need not change.
+    /// Matches the pattern from an offset on.
     /// @param whole  the match must reach the end of the text
     /// @return the end of the shortest match; -1 for none
     int match(const I18NTextView& text, int at, bool whole) const {
-        const std::size_t count = m_items.size();
-        std::size_t item = 0, afterRun = 0;
-        int runEnd = -1;
+        return text.ascii() != nullptr ? matchIn(Bytes(text), at, whole) : matchIn(text, at, whole);
+    }
+
+private:
+    /// A text of one-byte characters.
+    class Bytes {
+    public:
+        explicit Bytes(const I18NTextView& text)
+            : m_pBytes(text.ascii()), m_iLength(text.length()) {}
+        int length() const { return m_iLength; }
+        char32_t codePointAt(int i) const { return static_cast<unsigned char>(m_pBytes[i]); }
+        static int next(int i) { return i + 1; }
+
+    private:
+        const char* m_pBytes;
+        int m_iLength;
+    };
+
+    // A mismatch goes back to the last run only, which takes one code point more: what earlier runs
+    // took need not change.
+    template <class Text>
+    int matchIn(const Text& text, int at, bool whole) const {
+        const char32_t* const end = m_items.data() + m_items.size();
+        const char32_t* item = m_items.data();
+        const char32_t* afterRun = nullptr;
+        int runEnd = 0;
         for (;;) {
-            if (item == count && (!whole || at == text.length())) return at;
-            if (item < count && m_items[item] == kAnyRun) {
+            if (item == end) {
+                if (!whole || at == text.length()) return at;
+            } else if (*item == kAnyRun) {
                 afterRun = ++item;
                 runEnd = at;
-                if (item == count) return whole ? text.length() : at;
+                if (item == end) return whole ? text.length() : at;
                 continue;
-            }
-            if (item < count && at < text.length() &&
-                (m_items[item] == kAnyOne || m_items[item] == text.codePointAt(at))) {
+            } else if (at < text.length() && (*item == text.codePointAt(at) || *item == kAnyOne)) {
                 at = text.next(at);
                 ++item;
                 continue;
             }
-            if (runEnd < 0 || runEnd >= text.length()) return -1;
-            at = runEnd = text.next(runEnd);
+            if (afterRun == nullptr || runEnd >= text.length()) return -1;
+            runEnd = text.next(runEnd);
             item = afterRun;
+            // Straight on to the next place that the rest may begin at.
+            if (*item < kAnyOne)
+                while (runEnd < text.length() && text.codePointAt(runEnd) != *item)
+                    runEnd = text.next(runEnd);
+            at = runEnd;
         }
     }
 
-private:
     std::vector<char32_t> m_items;
 };
 
