@@ -5,9 +5,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <new>
 
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
@@ -45,7 +45,7 @@ void settle(UErrorCode status) {
 }
 
 struct Delete {
-    void operator()(char* block) const { ::operator delete(block); }
+    void operator()(char* block) const { std::free(block); }
 };
 
 // A copy of the name at the start of a block with so much aligned room behind it.
@@ -58,8 +58,7 @@ NamedBlock namedBlock(const char* name, int roomSize) {
     constexpr std::size_t kAlign = alignof(std::max_align_t);
     const std::size_t size = std::strlen(name) + 1;
     const std::size_t before = (size + kAlign - 1) / kAlign * kAlign;
-    auto* block = static_cast<char*>(
-        ::operator new(before + static_cast<std::size_t>(roomSize), std::nothrow));
+    auto* block = static_cast<char*>(std::malloc(before + static_cast<std::size_t>(roomSize)));
     if (block == nullptr) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
     std::memcpy(block, name, size);
     return {std::unique_ptr<char, Delete>(block), block + before};
@@ -81,7 +80,7 @@ const char* withoutMark(const char* name) {
 UConverter* cloneInto(void* room, int32_t* size, const UConverter* converter) {
     UErrorCode status = U_ZERO_ERROR;
     UConverter* clone = ucnv_safeClone(converter, room, size, &status);
-    settle(status);
+    if (U_FAILURE(status)) settle(status);
     return clone;
 }
 #pragma GCC diagnostic pop
@@ -108,8 +107,8 @@ UConverter* reopened(const UConverter* converter) {
 
 const I18NConverter* preparedFor(const char* name) {
     if (!I18NConverter::isInitialized()) return nullptr;
-    if (I18NConverter::isUTF8(name)) return &i18nHolders().utf8->getConverter();
-    if (I18NConverter::isUTF16(name)) return &i18nHolders().utf16->getConverter();
+    if (i18nIsUTF8(name)) return &i18nHolders().utf8->getConverter();
+    if (i18nIsUTF16(name)) return &i18nHolders().utf16->getConverter();
     if (I18NConverter::isPlatformDefault(name))
         return &i18nHolders().platformDefault->getConverter();
     return nullptr;
@@ -132,11 +131,12 @@ I18NConverter::I18NConverter()
 
 I18NConverter::I18NConverter(const char* encoding) : I18NConverter() {
     if (encoding == nullptr || *encoding == '\0') encoding = I18NGetToolkitDefaultEncoding();
-    i18nPrepareICU();
-    if (const I18NConverter* prepared = preparedFor(encoding))
+    if (const I18NConverter* prepared = preparedFor(encoding)) {
         adopt(*prepared, encoding);
-    else
+    } else {
+        i18nPrepareICU();
         create(encoding);
+    }
 }
 
 I18NConverter::I18NConverter(const I18NConverter& other) : I18NConverter() {
@@ -150,7 +150,7 @@ I18NConverter& I18NConverter::operator=(const I18NConverter& other) {
 
 I18NConverter::~I18NConverter() {
     ucnv_close(m_pConverter);
-    ::operator delete(const_cast<char*>(m_outputContext.encoding));
+    std::free(const_cast<char*>(m_outputContext.encoding));
 }
 
 void I18NConverter::create(const I18NConverter& other) { *this = other; }
@@ -183,8 +183,10 @@ void I18NConverter::adopt(const I18NConverter& other, const char* encoding) {
     UConverter* clone = isCloneable ? cloneInto(block.room, &size, other.m_pConverter)
                                     : reopened(other.m_pConverter);
 
-    ucnv_close(m_pConverter);
-    ::operator delete(const_cast<char*>(m_outputContext.encoding));
+    if (m_pConverter != nullptr) {
+        ucnv_close(m_pConverter);
+        std::free(const_cast<char*>(m_outputContext.encoding));
+    }
     m_iInputPolicy = other.m_iInputPolicy;
     m_iOutputPolicy = other.m_iOutputPolicy;
     m_inputCallback = other.m_inputCallback;

@@ -16,14 +16,22 @@ bool is(const char* name, const char* other) {
     return *name == '\0';
 }
 
+/// What stands behind "UTF" and a hyphen; null for other names. Without a loop, for it is asked
+/// with every conversion.
+const char* numberOfUTF(const char* name) {
+    if (upper(name[0]) != 'U' || upper(name[1]) != 'T' || upper(name[2]) != 'F') return nullptr;
+    return name + (name[3] == '-' ? 4 : 3);
+}
+
 const char* textOf(const char* encoding) { return encoding != nullptr ? encoding : ""; }
 
 }  // namespace
 
 bool i18nIsUTF8(const char* encoding) {
-    const char* name = textOf(encoding);
-    return *name == '\0' || (begins(name, "UTF") && (is(name + 3, "-8") || is(name + 3, "8"))) ||
-           is(name, "ASCII");
+    if (encoding == nullptr || *encoding == '\0') return true;
+    if (const char* const number = numberOfUTF(encoding))
+        return number[0] == '8' && number[1] == '\0';
+    return is(encoding, "ASCII");
 }
 
 bool i18nIsISO8859(const char* encoding) {
@@ -35,8 +43,10 @@ bool i18nIsWindows1252(const char* encoding) { return is(textOf(encoding), "WIND
 
 bool i18nIsUTF16(const char* encoding) {
     const char* name = textOf(encoding);
-    return is(name, "UTF16") || is(name, "UTF-16") || is(name, "UCS2") || is(name, "UCS-2") ||
-           begins(name, "UTF16_P");
+    if (const char* const number = numberOfUTF(name))
+        return number[0] == '1' && number[1] == '6' &&
+               (number[2] == '\0' || (number == name + 3 && begins(number + 2, "_P")));
+    return is(name, "UCS2") || is(name, "UCS-2");
 }
 
 bool i18nIsUTF32(const char* encoding) {
