@@ -5,10 +5,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <new>
 
+#include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "i18n/cpp/i18n_converter_callbacks.hpp"
@@ -45,7 +46,7 @@ void settle(UErrorCode status) {
 }
 
 struct Delete {
-    void operator()(char* block) const { std::free(block); }
+    void operator()(char* block) const { ::operator delete(block); }
 };
 
 // A copy of the name at the start of a block with so much aligned room behind it.
@@ -58,10 +59,11 @@ NamedBlock namedBlock(const char* name, int roomSize) {
     constexpr std::size_t kAlign = alignof(std::max_align_t);
     const std::size_t size = std::strlen(name) + 1;
     const std::size_t before = (size + kAlign - 1) / kAlign * kAlign;
-    auto* block = static_cast<char*>(std::malloc(before + static_cast<std::size_t>(roomSize)));
-    if (block == nullptr) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
+    QBL_ALLOC_TRY
+    auto* block = static_cast<char*>(::operator new(before + static_cast<std::size_t>(roomSize)));
     std::memcpy(block, name, size);
     return {std::unique_ptr<char, Delete>(block), block + before};
+    QBL_ALLOC_CATCH
 }
 
 // UTF-16 and UTF-32 would come with a byte-order mark; their siblings in the machine's order do
@@ -150,7 +152,7 @@ I18NConverter& I18NConverter::operator=(const I18NConverter& other) {
 
 I18NConverter::~I18NConverter() {
     ucnv_close(m_pConverter);
-    std::free(const_cast<char*>(m_outputContext.encoding));
+    ::operator delete(const_cast<char*>(m_outputContext.encoding));
 }
 
 void I18NConverter::create(const I18NConverter& other) { *this = other; }
@@ -185,7 +187,7 @@ void I18NConverter::adopt(const I18NConverter& other, const char* encoding) {
 
     if (m_pConverter != nullptr) {
         ucnv_close(m_pConverter);
-        std::free(const_cast<char*>(m_outputContext.encoding));
+        ::operator delete(const_cast<char*>(m_outputContext.encoding));
     }
     m_iInputPolicy = other.m_iInputPolicy;
     m_iOutputPolicy = other.m_iOutputPolicy;
