@@ -188,16 +188,19 @@ void I18NString::destroy() noexcept {
         m_pUnicodeString->~UnicodeString();
         release(m_pUnicodeString);
     }
-    dropConversions(m_pConverted.exchange(nullptr, std::memory_order_acquire));
+    dropConversions(m_pConverted.load(std::memory_order_acquire));
+    m_pConverted.store(nullptr, std::memory_order_relaxed);
     if (m_asciiBufCapacity > kInline) release(m_pAsciiBuffer);
 }
 
-// Leaves the other one empty. Memory goes with its allocator.
+// Leaves the other one empty. Memory goes with its allocator. Both belong to the calling thread.
 void I18NString::take(I18NString& other) noexcept {
     m_pCodeUnits = std::exchange(other.m_pCodeUnits, nullptr);
     m_pUnicodeString = std::exchange(other.m_pUnicodeString, nullptr);
     m_pContents = std::exchange(other.m_pContents, nullptr);
-    m_flags = other.m_flags.exchange(kI18NNormalized | kI18NChanged);
+    constexpr auto alone = std::memory_order_relaxed;
+    m_flags.store(other.m_flags.load(alone), alone);
+    other.m_flags.store(kI18NNormalized | kI18NChanged, alone);
     std::memcpy(m_asciiInline, other.m_asciiInline, sizeof m_asciiInline);
     m_asciiBufCapacity = std::exchange(other.m_asciiBufCapacity, kInline);
     m_pAsciiBuffer = m_asciiBufCapacity > kInline ? other.m_pAsciiBuffer : m_asciiInline;
@@ -206,7 +209,8 @@ void I18NString::take(I18NString& other) noexcept {
     m_asciiBufLength = std::exchange(other.m_asciiBufLength, 0);
     m_unitLength = std::exchange(other.m_unitLength, 0);
     m_unitCapacity = std::exchange(other.m_unitCapacity, 0);
-    m_pConverted = other.m_pConverted.exchange(nullptr);
+    m_pConverted.store(other.m_pConverted.load(alone), alone);
+    other.m_pConverted.store(nullptr, alone);
     m_convertedLength = std::exchange(other.m_convertedLength, 0);
     m_pConvertedEncoding = std::exchange(other.m_pConvertedEncoding, nullptr);
 }
