@@ -19,7 +19,7 @@ constexpr std::ptrdiff_t kUnit = sizeof(UChar);
 #define READS_WHOLE_BLOCKS __attribute__((no_sanitize("address")))
 
 /// A bit for each byte of a block's zero units.
-READS_WHOLE_BLOCKS unsigned zeroUnits(std::uintptr_t block) {
+READS_WHOLE_BLOCKS unsigned zeroUnits(const char* block) {
     const __m128i units = _mm_load_si128(reinterpret_cast<const __m128i*>(block));
     return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(units, _mm_setzero_si128())));
 }
@@ -27,12 +27,11 @@ READS_WHOLE_BLOCKS unsigned zeroUnits(std::uintptr_t block) {
 /// Bytes in front of the first zero unit of aligned ones.
 std::size_t bytesBeforeNull(const char* text) {
     constexpr std::uintptr_t kBlock = sizeof(__m128i);
-    const auto begin = reinterpret_cast<std::uintptr_t>(text);
-    const unsigned before = begin % kBlock;
-    std::uintptr_t block = begin - before;
+    const unsigned before = reinterpret_cast<std::uintptr_t>(text) % kBlock;
+    const char* block = text - before;
     unsigned found = zeroUnits(block) >> before << before;
     while (found == 0) found = zeroUnits(block += kBlock);
-    return block + static_cast<unsigned>(__builtin_ctz(found)) - begin;
+    return static_cast<std::size_t>(block + __builtin_ctz(found) - text);
 }
 
 bool isAligned(const char* units) {
