@@ -324,6 +324,7 @@ private:
 
     void replaceBy(I18NString& fresh) noexcept;
     void assign(const I18NTextView& text);
+    bool appendShort(const char* ascii, int length);
     void splice(I18NStringOffset offset, int count, const I18NTextView& text);
     void spliceUnits(int offset, int count, const I18NTextView& text);
     void setConverted(const char* bytes, const char* encoding, int length);

@@ -70,7 +70,24 @@ void I18NString::splice(I18NStringOffset offset, int count, const I18NTextView& 
     changed();
 }
 
+// The frequent case, in as little as it takes. The text is not this string's own.
+bool I18NString::appendShort(const char* ascii, int length) {
+    if (m_pUnicodeString != nullptr || isForceUnicodeString()) return false;
+    const std::int64_t newLength = std::int64_t{m_asciiBufLength} + length;
+    requireLength(newLength);
+    reserveAscii(static_cast<int>(newLength));
+    if (length != 0)  // there may be no text at all
+        std::memcpy(m_pAsciiBuffer + m_asciiBufLength, ascii, static_cast<std::size_t>(length));
+    m_asciiBufLength = static_cast<int>(newLength);
+    m_pAsciiBuffer[newLength] = '\0';
+    changed();
+    return true;
+}
+
 I18NString& I18NString::append(const I18NString& other) {
+    if (this != &other && other.m_pUnicodeString == nullptr &&
+        appendShort(other.ascii(), other.m_asciiBufLength))
+        return *this;
     splice(nUnits(), 0, I18NTextView(other));
     return *this;
 }
@@ -78,11 +95,11 @@ I18NString& I18NString::append(const I18NString& other) {
 I18NString& I18NString::append(const char* utf8) {
     const std::size_t length = utf8 != nullptr ? std::strlen(utf8) : 0;
     requireLength(static_cast<std::int64_t>(length));
-    const bool own = utf8 >= m_pAsciiBuffer && utf8 <= m_pAsciiBuffer + m_asciiBufLength;
-    if (!own && i18nIsASCII(utf8, length))
-        splice(nUnits(), 0, I18NTextView(utf8, static_cast<int>(length)));
-    else
+    const bool own = utf8 >= ascii() && utf8 <= ascii() + m_asciiBufLength;
+    if (own || !i18nIsASCII(utf8, length))
         splice(nUnits(), 0, I18NTextView(asItIs(utf8)));
+    else if (!appendShort(utf8, static_cast<int>(length)))
+        splice(nUnits(), 0, I18NTextView(utf8, static_cast<int>(length)));
     return *this;
 }
 
