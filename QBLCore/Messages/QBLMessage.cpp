@@ -102,10 +102,9 @@ void QBLMessage::format(const char* language, const char* fallbackLanguage, I18N
     const char* locale = chooseLocale(language, fallbackLanguage);
     // Read as a whole: a text has to outlast the lookup of another that it shows.
     QBLResourceFile file(1);
-    QBLMessagePattern* pattern = nullptr;
+    std::unique_ptr<QBLMessagePattern> pattern;
     const bool formatted =
         file.open(m_msgFile.toUtf8(), locale) && formatFrom(file, locale, pattern, out);
-    delete pattern;
     if (!formatted) writeElement(&m_msgFile, language, fallbackLanguage, out, 0);
 }
 
@@ -119,8 +118,8 @@ const char* QBLMessage::chooseLocale(const char* language, const char* fallbackL
     return isNullOrEmpty(fallbackLanguage) ? kDefaultLocale : fallbackLanguage;
 }
 
-bool QBLMessage::formatFrom(QBLResourceFile& file, const char* locale, QBLMessagePattern*& pattern,
-                            I18NString& out) const {
+bool QBLMessage::formatFrom(QBLResourceFile& file, const char* locale,
+                            std::unique_ptr<QBLMessagePattern>& pattern, I18NString& out) const {
     QBL_ALLOC_TRY
     const char* text = textOf(file, getMessageID());
     if (text == nullptr) return false;
@@ -131,11 +130,8 @@ bool QBLMessage::formatFrom(QBLResourceFile& file, const char* locale, QBLMessag
         out.append(text);
         return true;
     }
-    if (pattern == nullptr || !pattern->isFor(text, locale)) {
-        auto fresh = std::make_unique<QBLMessagePattern>(text, locale);
-        delete pattern;
-        pattern = fresh.release();
-    }
+    if (pattern == nullptr || !pattern->isFor(text, locale))
+        pattern = std::make_unique<QBLMessagePattern>(text, locale);
     QBLMessageArgument arguments[QBLMessagePattern::kMaxArguments];
     I18NString kept[QBLMessagePattern::kMaxArguments];
     for (int i = 0; i < count; ++i)

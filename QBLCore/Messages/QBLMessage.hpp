@@ -1,6 +1,8 @@
 #ifndef QBLCORE_MESSAGES_QBLMESSAGE_HPP
 #define QBLCORE_MESSAGES_QBLMESSAGE_HPP
 
+#include <memory>
+
 #include "QBLCore/Messages/QBLMessageComponents.hpp"
 #include "i18n/cpp/i18n_string.hpp"
 
@@ -50,8 +52,8 @@ protected:
     /// @param pattern  what an earlier call left there, if it was for the same text and locale;
     ///     null makes it anew
     /// @return false, with nothing appended, if there is no text or it cannot be filled in
-    bool formatFrom(QBLResourceFile& file, const char* locale, QBLMessagePattern*& pattern,
-                    I18NString& out) const;
+    bool formatFrom(QBLResourceFile& file, const char* locale,
+                    std::unique_ptr<QBLMessagePattern>& pattern, I18NString& out) const;
 
 private:
     I18NString m_msgFile;

@@ -9,12 +9,10 @@
 
 /// A file with the name and the locales it was opened for.
 struct QBLMessageFile::Open {
-    ~Open() { delete pattern; }
-
     QBLResourceFile file{1};
     I18NString name;
     std::string locale;
-    QBLMessagePattern* pattern = nullptr;
+    std::unique_ptr<QBLMessagePattern> pattern;
 };
 
 QBLMessageFile::QBLMessageFile() : m_pOpen(nullptr) {}

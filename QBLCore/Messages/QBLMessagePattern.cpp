@@ -41,12 +41,29 @@ QBLMessagePattern::QBLMessagePattern(const char* text, const char* locales)
     : m_text(text),
       m_locales(locales),
       m_locale(locales, std::strcspn(locales, " \t\r\n,;")),
+      m_harmless(isHarmless(m_text)),
       m_plain(false),
       m_pIntegers(nullptr) {
-    parse();
+    if (m_harmless) parse();
 }
 
 QBLMessagePattern::~QBLMessagePattern() = default;
+
+bool QBLMessagePattern::isHarmless(std::string_view text) {
+    int depth = 0;
+    for (const char c : text) {  // quoted braces count too: too much is refused at worst
+        if (c == '{' && ++depth > kMaxNesting) return false;
+        if (c == '}' && depth > 0) --depth;
+    }
+    if (text.find("::") == std::string_view::npos) return true;
+    for (std::size_t at = text.find('/'); at != std::string_view::npos;
+         at = text.find('/', at + 1)) {
+        const std::size_t end = text.find_first_not_of("+-.0123456789", at + 1);
+        if (end != std::string_view::npos && end > at + 1 && (text[end] | 0x20) == 'e')
+            return false;
+    }
+    return true;
+}
 
 void QBLMessagePattern::parse() {
     UErrorCode status = U_ZERO_ERROR;
@@ -117,6 +134,7 @@ bool QBLMessagePattern::formatPlain(const QBLMessageArgument* arguments, int cou
 
 bool QBLMessagePattern::formatByIcu(const QBLMessageArgument* arguments, int count,
                                     std::string& out) {
+    if (!m_harmless) return false;
     UErrorCode status = U_ZERO_ERROR;
     if (m_icu == nullptr) {
         i18nPrepareICU();

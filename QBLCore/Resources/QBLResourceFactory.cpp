@@ -22,6 +22,9 @@ namespace {
 
 const char kShare[] = "../share/qblcore";
 
+// Locales may come from a program's clients; of more lists than this the file is looked for anew.
+const std::size_t kMaxRemembered = 4096;
+
 struct Cache {
     QBLThreadCriticalSection m_QBLResourceFactoryLock{0};
     std::map<std::string, std::string> m_QBLResourceBaseFileLocaleMap;  // guarded by the lock
@@ -150,5 +153,6 @@ bool QBLResourceFactory::findFromMap(const std::string& key, std::string& fileNa
 void QBLResourceFactory::cacheToMap(const std::string& key, const std::string& fileName) {
     Cache& cache = qblImmortal<Cache>();
     QBLThreadGuard guard(cache.m_QBLResourceFactoryLock);
-    cache.m_QBLResourceBaseFileLocaleMap[key] = fileName;
+    auto& known = cache.m_QBLResourceBaseFileLocaleMap;
+    if (known.size() < kMaxRemembered || known.count(key) != 0) known[key] = fileName;
 }

@@ -99,6 +99,8 @@ TEST(QBLMessageTest, WithoutATextItShowsItsParts) {
 TEST(QBLMessageTest, FillsItsTextInTheLanguageAskedFor) {
     TempTree tree;
     const std::string base = tree("texts");
+    std::string deep;
+    for (int i = 0; i < 5000; ++i) deep += "{0,choice,0#";
     tree.file("texts_en.bmf", bmfBytes({{1, "{0} of {1}: {2}"},
                                         {2, "It''s {1}"},
                                         {3, "It''s {0}, isn't it, {1}?"},
@@ -106,6 +108,8 @@ TEST(QBLMessageTest, FillsItsTextInTheLanguageAskedFor) {
                                         {5, "{0,number,percent} {1,choice,0#none|1#one}"},
                                         {6, "{0,date,yyyy} {0} {1}"},
                                         {7, "bad { {0}"},
+                                        {8, "{0,number,::scale/1E900000000}"},
+                                        {12, deep},
                                         {9, "plain"},
                                         {10, "'{0}' '{'{0}"}}));
     tree.file("texts_de.bmf", bmfBytes({{1, "{1}, davon {0}: {2}"}, {9, "schlicht"}}));
@@ -138,7 +142,7 @@ TEST(QBLMessageTest, FillsItsTextInTheLanguageAskedFor) {
     QBLMessageFile quoted = message(10);
     quoted << "x";
     EXPECT_EQ("{0} {x", formatted(quoted));
-    for (const unsigned long id : {7UL, 11UL}) {
+    for (const unsigned long id : {7UL, 8UL, 11UL, 12UL}) {
         QBLMessageFile bad = message(id);
         bad << 1;
         EXPECT_EQ(0U, formatted(bad).find("<Message Name=\"QBLMessageFile\" File=\"")) << id;

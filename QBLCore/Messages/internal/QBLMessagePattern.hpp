@@ -26,9 +26,13 @@ struct QBLMessageArgument {
 
 /// A parsed message pattern. One that consists of texts and plain arguments is filled in here; ICU
 /// formats the others, and all doubles and dates.
+///
+/// A text that nests deeper than kMaxNesting, or scales numbers by powers of ten, is none: ICU
+/// would follow it until the stack or memory is exhausted.
 class QBLMessagePattern {
 public:
     static constexpr int kMaxArguments = 10;
+    static constexpr int kMaxNesting = 100;
 
     /// @param text  UTF-8
     /// @param locales  of which the first counts
@@ -51,6 +55,7 @@ private:
         int argument;  // behind the text; -1 for none
     };
 
+    static bool isHarmless(std::string_view text);
     void parse();
     bool formatPlain(const QBLMessageArgument* arguments, int count, std::string& out);
     bool formatByIcu(const QBLMessageArgument* arguments, int count, std::string& out);
@@ -59,6 +64,7 @@ private:
     std::string m_locales;
     std::string m_locale;  // the first of them
     std::vector<Piece> m_pieces;
+    bool m_harmless;                            // ICU may look at it
     bool m_plain;                               // the pieces are all there is
     std::unique_ptr<icu::MessageFormat> m_icu;  // made when first needed
     const QBLIntegerStyle* m_pIntegers;         // the same; lives as long as the process
