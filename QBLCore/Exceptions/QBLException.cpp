@@ -64,7 +64,8 @@ const char* QBLException::toString() {
 void QBLException::toString(const char* language, const char* fallbackLanguage, I18NString& out,
                             int flag) {
     const char* code = getErrorCodeString();
-    out.append("<Exception Name=\"").append(getThrowableName());
+    const char* name = getThrowableName();
+    out.append("<Exception Name=\"").append(name != nullptr ? name : "<NULL THROWABLE NAME>");
     out.append("\" Error=\"").append(code != nullptr ? code : "0");
     out.append("\" Severity=\"").append(getSeverityName(getSeverity())).append("\">");
     QBLMessageSet::toString(language, fallbackLanguage, out, flag);

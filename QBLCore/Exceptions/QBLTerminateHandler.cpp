@@ -35,6 +35,10 @@ void write(const char* text) { std::fprintf(stderr, "%s\n", text != nullptr ? te
 }  // namespace
 
 void qblInstallTerminateHandler() {
-    const std::terminate_handler previous = std::set_terminate(report);
-    if (previous != report) gPrevious = previous;
+    // Once: a handler that another has been put before, and that it calls, would call that again.
+    static const bool installed = [] {
+        gPrevious = std::set_terminate(report);
+        return true;
+    }();
+    static_cast<void>(installed);
 }

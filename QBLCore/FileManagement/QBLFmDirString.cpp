@@ -68,10 +68,11 @@ bool createTemp(CreateTemp create, const I18NString* basePath, const I18NString*
         const int error = errno;
         try {
             setWholePath(result, path);
-        } catch (...) {
-            // Nobody could remove it later.
-            if (made) QBLFmDir::removeFile(path.c_str());
-            throw;
+        } catch (const QBLThrowable&) {
+            if (made) {
+                QBLFmDir::removeFile(path.c_str());  // nobody could later
+                throw;
+            }
         }
         errno = error;
         return made;

@@ -34,7 +34,7 @@ public:
     QBLMessageParm(const I18NString& text);
     /// @param utf8  null for an empty text
     QBLMessageParm(const char* utf8);
-    explicit QBLMessageParm(QBLMsgParm type);
+    QBLMessageParm(QBLMsgParm type);
     QBLMessageParm(const QBLMessageParm& other);
     QBLMessageParm& operator=(const QBLMessageParm& other);
     ~QBLMessageParm();

@@ -5,6 +5,7 @@
 #include <unicode/messagepattern.h>
 #include <unicode/msgfmt.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
@@ -31,6 +32,12 @@ icu::Formattable toFormattable(const QBLMessageArgument& argument) {
     }
 }
 
+std::string firstOf(const char* locales) {
+    const char separators[] = " \t\r\n,;";
+    locales += std::strspn(locales, separators);
+    return std::string(locales, std::strcspn(locales, separators));
+}
+
 void refuseExhaustion(UErrorCode status) {
     if (status == U_MEMORY_ALLOCATION_ERROR) QBL_THROW(QBLOutOfMemoryError());
 }
@@ -40,7 +47,7 @@ void refuseExhaustion(UErrorCode status) {
 QBLMessagePattern::QBLMessagePattern(const char* text, const char* locales)
     : m_text(text),
       m_locales(locales),
-      m_locale(locales, std::strcspn(locales, " \t\r\n,;")),
+      m_locale(firstOf(locales)),
       m_harmless(isHarmless(m_text)),
       m_plain(false),
       m_pIntegers(nullptr) {
@@ -49,18 +56,21 @@ QBLMessagePattern::QBLMessagePattern(const char* text, const char* locales)
 
 QBLMessagePattern::~QBLMessagePattern() = default;
 
-bool QBLMessagePattern::isHarmless(std::string_view text) {
-    int depth = 0;
-    for (const char c : text) {  // quoted braces count too: too much is refused at worst
-        if (c == '{' && ++depth > kMaxNesting) return false;
-        if (c == '}' && depth > 0) --depth;
-    }
-    if (text.find("::") == std::string_view::npos) return true;
-    for (std::size_t at = text.find('/'); at != std::string_view::npos;
-         at = text.find('/', at + 1)) {
-        const std::size_t end = text.find_first_not_of("+-.0123456789", at + 1);
-        if (end != std::string_view::npos && end > at + 1 && (text[end] | 0x20) == 'e')
-            return false;
+bool QBLMessagePattern::isHarmless(const std::string& text) {
+    int choices = 0;
+    for (const char* word : {"choice", "plural", "select"})
+        for (const char* at = text.c_str(); (at = strcasestr(at, word)) != nullptr; ++at)
+            if (++choices > kMaxChoices) return false;
+    // A style like "::scale/1E9", up to the end of its argument.
+    for (std::size_t at = text.find("::"); at != std::string::npos; at = text.find("::", at + 1)) {
+        const std::size_t before = text.find_last_not_of(" \t\r\n", at - (at > 0 ? 1 : 0));
+        if (before == std::string::npos || text[before] != ',') continue;
+        const std::size_t end = std::min(text.find('}', at), text.size());
+        for (std::size_t slash = text.find('/', at); slash < end;
+             slash = text.find('/', slash + 1)) {
+            const std::size_t behind = text.find_first_not_of("+-.0123456789", slash + 1);
+            if (behind < end && behind > slash + 1 && (text[behind] | 0x20) == 'e') return false;
+        }
     }
     return true;
 }

@@ -44,6 +44,7 @@ void QBLResourceBMF::drop() noexcept {
 
 bool QBLResourceBMF::open() {
     drop();
+    m_file.close();
     // Whatever is no regular file may wait for a writer, or never end.
     QBLFmStatus status;
     if (!status.get(getResourceFileName().c_str()) || !status.isRegular()) return false;
@@ -136,17 +137,19 @@ bool QBLResourceBMF::fetch(const Entry& entry, char** text) {
     // A text that cannot be read leaves the caller's pointer alone and still counts as found:
     // programs take the identifier's being there from the result.
     if (m_file.seek(position, QBLFmFile::begin) != position) return true;
-    const unsigned got = readUpTo(m_pText, length);
-    if (got == 0 && length != 0) return true;
+    bool failed = false;
+    const unsigned got = readUpTo(m_pText, length, &failed);
+    if (failed) return true;
     std::memset(m_pText + got, 0, m_textCapacity - got + 1);
     *text = m_pText;
     return true;
 }
 
-unsigned QBLResourceBMF::readUpTo(void* buffer, unsigned size) {
+unsigned QBLResourceBMF::readUpTo(void* buffer, unsigned size, bool* failed) {
     unsigned got = 0;
     while (got < size) {
         const long n = m_file.read(static_cast<char*>(buffer) + got, size - got);
+        if (n < 0 && failed != nullptr) *failed = true;
         if (n <= 0) break;
         got += static_cast<unsigned>(n);
     }

@@ -53,7 +53,7 @@ private:
     bool readIndex();
     bool readTexts();
     bool fetch(const Entry& entry, char** text);
-    unsigned readUpTo(void* buffer, unsigned size);
+    unsigned readUpTo(void* buffer, unsigned size, bool* failed = nullptr);
 
     QBLFmFile m_file;
     Header m_header;

@@ -200,7 +200,9 @@ void I18NString::take(I18NString& other) noexcept {
     m_pContents = std::exchange(other.m_pContents, nullptr);
     constexpr auto alone = std::memory_order_relaxed;
     m_flags.store(other.m_flags.load(alone), alone);
-    other.m_flags.store(kI18NNormalized | kI18NChanged, alone);
+    other.m_flags.store(static_cast<unsigned char>((m_flags.load(alone) & kI18NNoNormalization) |
+                                                   kI18NNormalized | kI18NChanged),
+                        alone);
     std::memcpy(m_asciiInline, other.m_asciiInline, sizeof m_asciiInline);
     m_asciiBufCapacity = std::exchange(other.m_asciiBufCapacity, kInline);
     m_pAsciiBuffer = m_asciiBufCapacity > kInline ? other.m_pAsciiBuffer : m_asciiInline;
@@ -337,6 +339,7 @@ void I18NString::resizeUnits(int capacity) {
     try {
         I18NBlock::resize(m_allocator, m_allocatorContext, block, capacity * 2 + 2);
     } catch (...) {
+        m_unitCapacity = std::min(m_unitCapacity, capacity);  // it may have been cut all the same
         show();
         throw;
     }
@@ -387,6 +390,7 @@ const icu::UnicodeString& I18NString::getUnicodeString() {
 void I18NString::assign(const I18NTextView& text) {
     const I18NString* const owner = text.owner();
     if (owner == this) return;
+    const bool from943 = owner != nullptr && owner->hasFlag(kI18NFromCodePage943);
     if (isUsingAsciiBuffer() && !isForceUnicodeString() && text.isASCII()) {
         reserveAscii(text.length());
         text.copyTo(m_pAsciiBuffer);
@@ -397,11 +401,18 @@ void I18NString::assign(const I18NTextView& text) {
     } else if (leaveAscii(); owner != nullptr && !owner->hasFlag(kI18NNoNormalization)) {
         // In whatever form, it is the one that the owner was given.
         put(0, m_unitLength, text);
-        setFlag(kI18NNormalized, owner->hasFlag(kI18NNormalized));
+        setFlag(kI18NNormalized, owner->hasFlag(kI18NNormalized) || hasFlag(kI18NNoNormalization));
     } else {
-        spliceUnits(0, m_unitLength, text);
+        const bool before = hasFlag(kI18NFromCodePage943);
+        setFlag(kI18NFromCodePage943, from943);
+        try {
+            spliceUnits(0, m_unitLength, text);
+        } catch (...) {
+            setFlag(kI18NFromCodePage943, before);
+            throw;
+        }
     }
-    setFlag(kI18NFromCodePage943, owner != nullptr && owner->hasFlag(kI18NFromCodePage943));
+    setFlag(kI18NFromCodePage943, from943);
 }
 
 // The frequent case of a new string, in as little as it takes.

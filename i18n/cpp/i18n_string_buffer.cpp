@@ -18,10 +18,13 @@ void I18NString::attach(void* buffer, int bytes) {
     if (buffer == nullptr || bytes < 2 || !aligned)
         QBL_THROW(I18NRuntimeError(I18N_ARGUMENT, nullptr));
     leaveAscii();
-    if (buffer == m_pCodeUnits) return;
-    if (!hasFlag(kI18NStaticBuffer)) release(m_pCodeUnits);
+    if (!hasFlag(kI18NStaticBuffer)) {
+        if (buffer == m_pCodeUnits) return;
+        release(m_pCodeUnits);
+    }
     setFlag(kI18NStaticBuffer, true);
     setFlag(kI18NNormalized, false);
+    setFlag(kI18NFromCodePage943, false);
     m_pCodeUnits = static_cast<char16_t*>(buffer);
     m_unitCapacity = bytes / 2 - 1;
     const char16_t* const end = m_pCodeUnits + m_unitCapacity;
@@ -52,10 +55,13 @@ char16_t* I18NString::getExternalBuffer() {
 void I18NString::resizeExternalBuffer() {
     leaveAscii();
     if (hasFlag(kI18NStaticBuffer)) {
+        constexpr int kUnits = 15;
+        auto* const block = reinterpret_cast<char16_t*>(allocate(kUnits * 2 + 2));
         setFlag(kI18NStaticBuffer, false);
-        m_pCodeUnits = nullptr;
-        m_unitLength = m_unitCapacity = 0;
-        reserveUnits(0);
+        m_pCodeUnits = block;
+        m_unitLength = 0;
+        m_unitCapacity = kUnits;
+        alias();
         changed();
         QBL_THROW(I18NRuntimeError(I18N_UNEXPECTED, kStatic));
     }

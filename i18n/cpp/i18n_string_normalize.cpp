@@ -127,10 +127,9 @@ void I18NString::useNormalization(bool use) {
 // Brings a new text to form C.
 void I18NString::renormalize() {
     const auto length = static_cast<std::size_t>(m_unitLength);
-    if (!hasFlag(kI18NNoNormalization) && !i18nIsInert(m_pCodeUnits, length))
-        normalize();
-    else
-        setFlag(kI18NNormalized, true);
+    const bool isForm = hasFlag(kI18NNoNormalization) || i18nIsInert(m_pCodeUnits, length);
+    setFlag(kI18NNormalized, isForm);
+    if (!isForm) normalize();
 }
 
 // Replaces units, and brings what is around them to form C. Only what is between the nearest

@@ -16,6 +16,7 @@
 #include "i18n/cpp/i18n_string.hpp"
 #include "i18n/cpp/internal/i18n_bytes.hpp"
 #include "i18n/cpp/internal/i18n_encodings.hpp"
+#include "i18n/cpp/internal/i18n_settings.hpp"
 
 char gI18NNullString[4] = {};
 
@@ -69,12 +70,13 @@ const char* I18NString::c_str(const I18NConverter& converter, int* length,
     }
     const I18NUserOutputCallback callback =
         converter.getUserDefinedUnconvertibleOutputSequenceCallback();
-    char key[100];
-    std::snprintf(
-        key, sizeof key, "%.60s %d %d %lx", converter.getEncoding(),
-        converter.getBuiltInUnconvertibleOutputSequenceCallback(),
-        static_cast<int>(converter.is(I18NConverter::kHasContext, I18NConverter::kOutput)),
-        static_cast<unsigned long>(reinterpret_cast<std::uintptr_t>(callback)));
+    // The tables that things are looked up in are never changed, but replaced by others.
+    const bool looksUp = converter.is(I18NConverter::kHasContext, I18NConverter::kOutput);
+    char key[120];
+    std::snprintf(key, sizeof key, "%.60s %d %p %lx", converter.getEncoding(),
+                  converter.getBuiltInUnconvertibleOutputSequenceCallback(),
+                  static_cast<const void*>(looksUp ? &I18NSettings::now() : nullptr),
+                  static_cast<unsigned long>(reinterpret_cast<std::uintptr_t>(callback)));
     const Conversion* const made =
         conversion(key, converter.getEncoding(), &converter, allocator, context);
     if (length != nullptr) *length = made->bytes.length;

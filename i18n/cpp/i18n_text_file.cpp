@@ -20,9 +20,11 @@ I18NTextFile::I18NTextFile(const char* path) {
     if (fd < 0 && errno == ENOMEM) throw std::bad_alloc();
     if (fd < 0) return;
     QBLFmStatus status;
-    if (status.get(fd) && status.isRegular()) m_pFile.reset(fdopen(fd, "r"));
+    const bool known = status.get(fd);
+    const bool regular = known && status.isRegular();
+    if (regular) m_pFile.reset(fdopen(fd, "r"));
     if (m_pFile != nullptr) return;
-    const bool exhausted = errno == ENOMEM;
+    const bool exhausted = (regular || !known) && errno == ENOMEM;
     qblCloseQuietly(fd);
     if (exhausted) throw std::bad_alloc();
 }

@@ -53,8 +53,9 @@ enum I18NByteOrderMark {
 };
 
 /// Converts a text that comes in blocks, cut anywhere: bytes to bytes, bytes to UTF-16, or UTF-16
-/// to bytes. The result, and what is told about it, does not depend on where the blocks are cut. A
-/// NUL is a character as any other.
+/// to bytes. The result, and what is told about it, does not depend on where the blocks are cut;
+/// but for several lone first halves of pairs in a row to HZ, which ICU mistakes. A NUL is a
+/// character as any other.
 ///
 /// What is not convertible is treated as the policies of the converters say that the stream is
 /// made with. It is also counted, and the listener is told. Of what a converter drops because

@@ -211,6 +211,9 @@ TEST(QBLFmDirTest, TakesAndGivesStrings) {
     I18NString cut(made);
     cut.append(L'\0').append(".txt");
     EXPECT_TRUE(!QBLFmDir::removeFile(cut) && errno == EILSEQ) << "another file's name";
+    I18NString emptied(L"\u00E9");
+    QBLFmDir::joinPath(emptied.remove(), behind);
+    EXPECT_EQ(behind, emptied);
     EXPECT_TRUE(QBLFmDir::removeDir(dir));
     EXPECT_FALSE(QBLFmDir::exists(made, S_IFREG));
     EXPECT_FALSE(file.open(made, QBLFmFile64::existing, 0));

@@ -45,6 +45,7 @@ TEST(QBLMessageParmTest, ShowsItselfByItsType) {
                 {QBLMessageParm(-1.5), "-1.500000", "\"double\" Value=\"-1.500000\""},
                 {QBLMessageParm("\u00E9"), "\u00E9", "\"string\" Value=\"\u00E9\""},
                 {QBLMessageParm(5, QBLMsgParmString), "", "\"string\" Value=\"\""},
+                {QBLMsgParmString, "", "\"string\" Value=\"\""},
                 {QBLMessageParm(5, QBLMsgParmOpaque), "<opaque parm>", "\"opaque\" Value=\"0x05\""},
                 {QBLMessageParm(QBLMsgParmUnknown), "", "\"unknown\" Value=\""},
                 {QBLMessageParm(5, illegal), "", "\"illegal\" Value=\""}};
@@ -100,7 +101,7 @@ TEST(QBLMessageTest, FillsItsTextInTheLanguageAskedFor) {
     TempTree tree;
     const std::string base = tree("texts");
     std::string deep;
-    for (int i = 0; i < 5000; ++i) deep += "{0,choice,0#";
+    for (int i = 0; i < 5000; ++i) deep += "{0,choice,0#'}'";
     tree.file("texts_en.bmf", bmfBytes({{1, "{0} of {1}: {2}"},
                                         {2, "It''s {1}"},
                                         {3, "It''s {0}, isn't it, {1}?"},
@@ -111,6 +112,7 @@ TEST(QBLMessageTest, FillsItsTextInTheLanguageAskedFor) {
                                         {8, "{0,number,::scale/1E900000000}"},
                                         {12, deep},
                                         {9, "plain"},
+                                        {13, "QBLX::open of /3e5f: {0}"},
                                         {10, "'{0}' '{'{0}"}}));
     tree.file("texts_de.bmf", bmfBytes({{1, "{1}, davon {0}: {2}"}, {9, "schlicht"}}));
     const auto message = [&](unsigned long id) { return QBLMessageFile(base.c_str(), id); };
@@ -118,7 +120,7 @@ TEST(QBLMessageTest, FillsItsTextInTheLanguageAskedFor) {
     count << 1234567 << 4294967295UL << QBLMessageParm(9UL, 1);
     for (int round = 0; round < 2; ++round) {  // the second time from what it kept
         EXPECT_EQ("1,234,567 of -1: plain", formatted(count, "en"));
-        EXPECT_EQ("-1, davon 1.234.567: schlicht", formatted(count, "de_DE,en"));
+        EXPECT_EQ("-1, davon 1.234.567: schlicht", formatted(count, " de_DE,en"));
         EXPECT_EQ("1,234,567 of -1: plain", formatted(count));
     }
     EXPECT_EQ("It''s {1}", formatted(message(2))) << "nothing to fill in";
@@ -142,6 +144,9 @@ TEST(QBLMessageTest, FillsItsTextInTheLanguageAskedFor) {
     QBLMessageFile quoted = message(10);
     quoted << "x";
     EXPECT_EQ("{0} {x", formatted(quoted));
+    QBLMessageFile scoped = message(13);
+    scoped << "x";
+    EXPECT_EQ("QBLX::open of /3e5f: x", formatted(scoped));
     for (const unsigned long id : {7UL, 8UL, 11UL, 12UL}) {
         QBLMessageFile bad = message(id);
         bad << 1;

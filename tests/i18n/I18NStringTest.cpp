@@ -346,8 +346,11 @@ TEST(I18NStringTest, UsesACallersBufferAsFarAsItGoes) {
         QBL_EXPECT_THROW(text = L"\u0958\u0958\u0958\u0958", I18NRuntimeError,
                          "Cannot resize a static external buffer.");
         EXPECT_EQ("abc\u00E9", text.toUtf8()) << "when only its form C does not fit";
+        buffer[1] = u'\0';
+        text.attach(buffer, sizeof buffer);
+        EXPECT_STREQ("a", text.c_str()) << "attached anew";
         char odd[9];
-        EXPECT_EQ(8, text.copyToExternalBuffer(odd + 1, 8));
+        EXPECT_EQ(4, text.copyToExternalBuffer(odd + 1, 8));
         QBL_EXPECT_THROW(text.resizeExternalBuffer(), I18NRuntimeError,
                          "Cannot resize a static external buffer.");
         EXPECT_TRUE(text.empty());

@@ -19,7 +19,8 @@
 inline const char* qblPlatformPath(const I18NString& path) {
     int length = 0;
     const char* bytes = path.c_str(I18NGetPlatformDefaultEncoding(), &length);
-    if (std::memchr(bytes, '\0', static_cast<std::size_t>(length)) != bytes + length - 1)
+    if (!path.empty() &&
+        std::memchr(bytes, '\0', static_cast<std::size_t>(length)) != bytes + length - 1)
         QBL_THROW(I18NRuntimeError(I18N_CONVERSION, "A path has a zero in it"));
     return bytes;
 }
