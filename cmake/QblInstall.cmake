@@ -5,6 +5,7 @@ set(_cmakedir ${CMAKE_INSTALL_LIBDIR}/cmake/QBLCore)
 install(TARGETS QBLCore EXPORT QBLCoreTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
   FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+install(TARGETS qblmsgc EXPORT QBLCoreTargets DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT development)
 install(EXPORT QBLCoreTargets NAMESPACE QBLCore:: DESTINATION ${_cmakedir} COMPONENT development)
 configure_package_config_file(cmake/QBLCoreConfig.cmake.in QBLCoreConfig.cmake
   INSTALL_DESTINATION ${_cmakedir})
@@ -24,9 +25,11 @@ foreach(_dir LIBDIR INCLUDEDIR)
 endforeach()
 configure_file(cmake/qblcore.pc.in qblcore.pc @ONLY)
 install(FILES "${CMAKE_BINARY_DIR}/QBLCoreConfig.cmake" "${CMAKE_BINARY_DIR}/QBLCoreConfigVersion.cmake"
+  cmake/QblCatalog.cmake
   DESTINATION ${_cmakedir} COMPONENT development)
 install(FILES "${CMAKE_BINARY_DIR}/qblcore.pc"
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
 # What has to be built for cmake --install.
-add_custom_target(installed DEPENDS QBLCore)
+add_custom_target(installed DEPENDS QBLCore qblmsgc)
+add_dependencies(installed qblpluginmsgs_files qblmsgcmsgs_files)

@@ -47,8 +47,15 @@ std::string shareDirectory() {
     return directory;
 }
 
-/// File names without a directory, the most specific first.
+bool isFileName(const std::string& baseName) {
+    const std::string extension = QBLResourceFactory::g_resourceFileExtension;
+    return baseName.size() > extension.size() &&
+           baseName.compare(baseName.size() - extension.size(), extension.size(), extension) == 0;
+}
+
+/// The names to look for, the most specific first.
 std::list<std::string> fileNames(const std::string& baseName, const char* localeIDs) {
+    if (isFileName(baseName)) return {baseName};
     std::list<std::string> names;
     const auto add = [&](const std::string& suffix) {
         names.push_back(baseName + suffix + QBLResourceFactory::g_resourceFileExtension);

@@ -17,6 +17,8 @@ class QBLResource;
 /// sees it. Else in the effective working directory, then in the installation's bin directory, then
 /// in share/qblcore beside the directory that the library was loaded from.
 ///
+/// A base name that ends with ".bmf" is the name of the file itself, for whatever locale.
+///
 /// What was found for a base name and a list of locales is remembered for the process; what was not
 /// is looked for again.
 ///

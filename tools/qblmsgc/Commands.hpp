@@ -1,0 +1,22 @@
+#ifndef TOOLS_QBLMSGC_COMMANDS_HPP
+#define TOOLS_QBLMSGC_COMMANDS_HPP
+
+#include "tools/qblmsgc/Options.hpp"
+#include "tools/qblmsgc/Report.hpp"
+
+namespace msgc {
+
+/// Exit statuses.
+enum Status { kClean = 0, kErrors = 1, kUsage = 2 };
+
+Status compile(const Options& options);
+Status dump(const Options& options);
+Status show(const Options& options);
+Status where(const Options& options);
+
+/// Prints a message of the tool to the standard error. @return the status given
+Status complain(Status status, qblmsgcmsgs id, const Details& details);
+
+}  // namespace msgc
+
+#endif

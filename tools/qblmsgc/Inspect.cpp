@@ -1,0 +1,50 @@
+#include <cstdio>
+
+#include "QBLCore/Resources/QBLResourceBMF.hpp"
+#include "QBLCore/Resources/QBLResourceFactory.hpp"
+#include "tools/qblmsgc/BmfBytes.hpp"
+#include "tools/qblmsgc/Commands.hpp"
+#include "tools/qblmsgc/Dump.hpp"
+#include "tools/qblmsgc/Report.hpp"
+#include "tools/qblmsgc/Source.hpp"
+
+namespace msgc {
+
+Status complain(Status status, qblmsgcmsgs id, const Details& details) {
+    std::fprintf(stderr, "%s\n", textOf(id, details).c_str());
+    return status;
+}
+
+Status dump(const Options& options) {
+    const std::string& name = options.operands[0];
+    std::string bytes, reason;
+    if (!readFile(name, bytes, reason)) return complain(kErrors, MSGC_CANNOT_READ, {name, reason});
+    Entries entries;
+    BmfProblem problem = {};
+    if (!readBmf(bytes, entries, problem))
+        return complain(kErrors, MSGC_NO_BMF,
+                        {name, std::to_string(problem.offset), textOf(problem.reason)});
+    const std::string source = dumpSource(entries);
+    std::fwrite(source.data(), 1, source.size(), stdout);
+    // Texts that are shared, unused bytes and the like: readers do not see them, nor do sources.
+    return writeBmf(entries) == bytes ? kClean : complain(kErrors, MSGC_NOT_THE_SAME, {name});
+}
+
+Status where(const Options& options) {
+    const std::string& base = options.operands[0];
+    const char* locales = options.operands.size() > 1 ? options.operands[1].c_str()
+                                                      : QBLResourceFactory::g_defaultLocaleID;
+    const std::string used = QBLResourceFactory::find(base, locales);
+    bool isMarked = false;
+    for (const std::string& candidate : QBLResourceFactory::getCandidates(base, locales)) {
+        const bool isUsed = !isMarked && candidate == used;
+        isMarked = isMarked || isUsed;
+        std::printf("%c %s\n", isUsed ? '*' : ' ', candidate.c_str());
+    }
+    if (used.empty()) return complain(kErrors, MSGC_NOT_FOUND, {base, locales});
+    QBLResourceBMF resource(0);
+    resource.setResourceFileName(used);
+    return resource.open() ? kClean : complain(kErrors, MSGC_DOES_NOT_OPEN, {used});
+}
+
+}  // namespace msgc

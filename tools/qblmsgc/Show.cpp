@@ -1,0 +1,97 @@
+#include <charconv>
+#include <cstdio>
+
+#include "QBLCore/Messages/QBLMessage.hpp"
+#include "QBLCore/Resources/QBLResourceBMF.hpp"
+#include "i18n/cpp/i18n_string.hpp"
+#include "tools/qblmsgc/Commands.hpp"
+#include "tools/qblmsgc/Paths.hpp"
+#include "tools/qblmsgc/Report.hpp"
+
+namespace msgc {
+
+namespace {
+
+/// A number that is the whole of a text.
+template <class Number>
+bool parseNumber(const std::string& text, Number& value) {
+    const char* const end = text.data() + text.size();
+    const auto [behind, problem] = std::from_chars(text.data(), end, value);
+    return problem == std::errc() && behind == end && !text.empty();
+}
+
+template <class Number>
+bool addNumber(QBLMessage& message, const std::string& text) {
+    Number value{};
+    if (!parseNumber(text, value)) return false;
+    message << QBLMessageParm(value);
+    return true;
+}
+
+/// Adds the parameter that "TYPE:VALUE" stands for. The types are called as in the XML form.
+bool addParameter(QBLMessage& message, const std::string& argument) {
+    const std::size_t colon = argument.find(':');
+    if (colon == std::string::npos) return false;
+    const std::string type = argument.substr(0, colon), value = argument.substr(colon + 1);
+    if (type == "ulong") return addNumber<unsigned long>(message, value);
+    if (type == "long") return addNumber<long>(message, value);
+    if (type == "double") return addNumber<double>(message, value);
+    if (type == "string") {
+        message << QBLMessageParm(value.c_str());
+        return true;
+    }
+    long date = 0;
+    unsigned long id = 0;
+    if (type == "date" && parseNumber(value, date))
+        message << QBLMessageParm(date, QBLMsgParmDate);
+    else if (type == "msgid" && parseNumber(value, id))
+        message << QBLMessageParm(id, 1);
+    else if (type == "opaque" && parseNumber(value, date))
+        message << QBLMessageParm(date, QBLMsgParmOpaque);
+    else
+        return false;
+    return true;
+}
+
+bool parseId(const std::string& text, unsigned& id) {
+    const bool isHex = text.size() > 2 && text[0] == '0' && (text[1] | 0x20) == 'x';
+    const char* const begin = text.data() + (isHex ? 2 : 0);
+    const char* const end = text.data() + text.size();
+    const auto [behind, problem] = std::from_chars(begin, end, id, isHex ? 16 : 10);
+    return problem == std::errc() && behind == end;
+}
+
+bool hasText(const std::string& file, unsigned id, bool& isOpen) {
+    QBLResourceBMF resource(1);
+    resource.setResourceFileName(file);
+    isOpen = resource.open();
+    char* text = nullptr;
+    return isOpen && resource.getResource(id, &text) && *text != '\0';
+}
+
+}  // namespace
+
+Status show(const Options& options) {
+    const std::string& number = options.operands[0];
+    std::string file = options.operands[1];
+    unsigned id = 0;
+    if (!parseId(number, id)) return complain(kUsage, MSGC_NO_ID_HERE, {number});
+    // With a directory it is looked for nowhere else.
+    if (file.find('/') == std::string::npos) file.insert(0, "./");
+    QBLMessage message(file.c_str(), id);
+    for (std::size_t i = 2; i < options.operands.size(); ++i)
+        if (!addParameter(message, options.operands[i]))
+            return complain(kUsage, MSGC_NO_PARAMETER, {options.operands[i]});
+    bool isOpen = false;
+    if (!hasText(file, id, isOpen))
+        return complain(kErrors, isOpen ? MSGC_NO_SUCH_TEXT : MSGC_DOES_NOT_OPEN, {file, number});
+    const std::string locale = localeOf(file);
+    I18NString text, element;
+    message.format(locale.c_str(), nullptr, text);
+    message.toString(locale.c_str(), nullptr, element, 0);
+    if (text == element) return complain(kErrors, MSGC_CANNOT_FORMAT, {file, number});
+    std::printf("%s\n", text.c_str());
+    return kClean;
+}
+
+}  // namespace msgc

@@ -1,0 +1,229 @@
+#include "tools/qblmsgc/SourceParser.hpp"
+
+#include <map>
+#include <utility>
+
+#include "tools/qblmsgc/Utf8.hpp"
+
+namespace msgc {
+
+namespace {
+
+const unsigned long long kMaxId = 0xFFFFFFFFULL;
+const std::size_t kNone = std::string::npos;
+
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isNameStart(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_'; }
+bool isNamePart(char c) { return isNameStart(c) || isDigit(c); }
+
+/// The value of a digit in a base up to 16; 16 if it is none.
+unsigned digitOf(char c) {
+    if (isDigit(c)) return static_cast<unsigned>(c - '0');
+    if (c >= 'a' && c <= 'f') return static_cast<unsigned>(c - 'a') + 10;
+    if (c >= 'A' && c <= 'F') return static_cast<unsigned>(c - 'A') + 10;
+    return 16;
+}
+
+class Parser {
+public:
+    Parser(const Source& source, Report& report)
+        : m_source(source), m_bytes(source.bytes()), m_report(report) {}
+
+    Entries parse() {
+        for (std::size_t line = 0; line < m_source.lineCount(); ++line) parseLine(line);
+        finishEntry();
+        reportDuplicates();
+        return std::move(m_entries);
+    }
+
+private:
+    void error(std::size_t offset, qblmsgcmsgs id, Details details = {}) {
+        m_report.error(m_source, offset, id, std::move(details));
+    }
+
+    void parseLine(std::size_t line) {
+        m_at = m_source.lineBegin(line);
+        m_end = m_source.lineBegin(line + 1);
+        if (m_end > m_at && m_bytes[m_end - 1] == '\n') --m_end;
+        if (m_end > m_at && m_bytes[m_end - 1] == '\r') --m_end;
+        if (line == 0 && m_bytes.compare(0, 3, "\xEF\xBB\xBF") == 0) m_at += 3;
+        checkCharacters();
+        skipBlanks();
+        if (m_at == m_end) {
+            m_comment.clear();
+        } else if (m_bytes[m_at] == '#') {
+            takeComment();
+        } else if (isDigit(m_bytes[m_at])) {
+            finishEntry();
+            parseEntry();
+        } else if (m_bytes[m_at] == '"' && m_isInEntry) {
+            parseTexts();
+        } else {
+            error(m_at, m_bytes[m_at] == '"' ? MSGC_TEXT_WITHOUT_ID : MSGC_NO_ENTRY);
+            finishEntry();
+        }
+    }
+
+    /// One error a line is enough: a wrong encoding has as many as there are characters.
+    void checkCharacters() {
+        const std::size_t illFormed = findIllFormed(m_bytes, m_at, m_end);
+        if (illFormed != kNone) return error(illFormed, MSGC_NOT_UTF8);
+        for (std::size_t i = m_at; i < m_end; ++i) {
+            const auto c = static_cast<unsigned char>(m_bytes[i]);
+            if ((c < 0x20 && c != '\t') || c == 0x7F) return error(i, MSGC_CONTROL_CHARACTER);
+        }
+    }
+
+    void skipBlanks() {
+        while (m_at < m_end && (m_bytes[m_at] == ' ' || m_bytes[m_at] == '\t')) ++m_at;
+    }
+    bool isAt(char c) const { return m_at < m_end && m_bytes[m_at] == c; }
+
+    void takeComment() {
+        ++m_at;
+        if (isAt(' ')) ++m_at;
+        m_comment.append(m_bytes, m_at, m_end - m_at).append("\n");
+    }
+
+    void parseEntry() {
+        m_entry = Entry();
+        m_entry.offset = m_at;
+        m_entry.comment = std::exchange(m_comment, std::string());
+        m_isInEntry = true;
+        m_hasId = parseId();
+        skipBlanks();
+        if (m_at < m_end && isNameStart(m_bytes[m_at])) {
+            m_entry.nameOffset = m_at;
+            while (m_at < m_end && isNamePart(m_bytes[m_at])) m_entry.name += m_bytes[m_at++];
+            skipBlanks();
+        }
+        if (isAt('=')) {
+            m_entry.asIs = true;
+            ++m_at;
+        }
+        parseTexts();
+    }
+
+    bool parseId() {
+        unsigned base = 10;
+        if (m_bytes[m_at] == '0' && m_at + 1 < m_end && (m_bytes[m_at + 1] | 0x20) == 'x') {
+            base = 16;
+            m_at += 2;
+        }
+        unsigned long long id = 0;
+        const std::size_t begin = m_at;
+        for (; m_at < m_end && digitOf(m_bytes[m_at]) < base; ++m_at)
+            if (id <= kMaxId) id = id * base + digitOf(m_bytes[m_at]);
+        const bool ends = m_at == m_end || (!isNamePart(m_bytes[m_at]) && m_at > begin);
+        if (!ends || m_at == begin || id > kMaxId) {
+            error(m_entry.offset, MSGC_BAD_ID);
+            while (m_at < m_end && isNamePart(m_bytes[m_at])) ++m_at;
+            return false;
+        }
+        m_entry.id = static_cast<unsigned>(id);
+        return true;
+    }
+
+    void parseTexts() {
+        for (skipBlanks(); m_at < m_end && !isAt('#'); skipBlanks()) {
+            if (isAt('"') && parseText()) continue;
+            if (m_at < m_end) error(m_at, MSGC_NO_TEXT_HERE);
+            m_entry.isWhole = false;
+            return;
+        }
+    }
+
+    /// @return false, at the end of the line, for a text without an end
+    bool parseText() {
+        const std::size_t begin = m_at++;
+        mark();
+        while (m_at < m_end && m_bytes[m_at] != '"') {
+            if (m_bytes[m_at] == '\\') {
+                parseEscape();
+                mark();
+            } else {
+                m_entry.text += m_bytes[m_at++];
+            }
+        }
+        if (m_at < m_end) {
+            ++m_at;
+            return true;
+        }
+        error(begin, MSGC_OPEN_TEXT);
+        return false;
+    }
+
+    void mark() { m_entry.marks.push_back({m_entry.text.size(), m_at}); }
+
+    void parseEscape() {
+        static const char kLetters[] = "\"\\nrt", kMeanings[] = "\"\\\n\r\t";
+        const std::size_t begin = m_at++;
+        const char c = m_at < m_end ? m_bytes[m_at] : '\0';
+        const std::size_t which = std::string(kLetters).find(c);
+        if (which != kNone) {
+            ++m_at;
+            m_entry.text += kMeanings[which];
+        } else if (c != 'u' || !parseCodePoint()) {
+            error(begin, MSGC_BAD_ESCAPE);
+            m_entry.isWhole = false;
+        }
+    }
+
+    bool parseCodePoint() {
+        ++m_at;
+        unsigned codePoint = 0;
+        for (int i = 0; i < 4; ++i, ++m_at) {
+            if (m_at == m_end || digitOf(m_bytes[m_at]) == 16) return false;
+            codePoint = codePoint * 16 + digitOf(m_bytes[m_at]);
+        }
+        if (codePoint == 0 || (codePoint >= 0xD800 && codePoint <= 0xDFFF)) return false;
+        appendCodePoint(m_entry.text, codePoint);
+        return true;
+    }
+
+    /// A message with an identifier counts, also if its text cannot be read.
+    void finishEntry() {
+        if (m_isInEntry && m_entry.isWhole && m_entry.marks.empty()) {
+            error(m_entry.offset, MSGC_NO_TEXT);
+            m_entry.isWhole = false;
+        }
+        if (m_isInEntry && m_hasId) m_entries.push_back(std::move(m_entry));
+        m_isInEntry = false;
+    }
+
+    void reportDuplicates() {
+        std::map<unsigned, const Entry*> ids;
+        std::map<std::string, const Entry*> names;
+        const auto lineOf = [this](std::size_t offset) {
+            return std::to_string(m_source.placeOf(offset).line);
+        };
+        for (const Entry& entry : m_entries) {
+            const auto id = ids.emplace(entry.id, &entry);
+            if (!id.second)
+                error(entry.offset, MSGC_DUPLICATE_ID,
+                      {std::to_string(entry.id), lineOf(id.first->second->offset)});
+            if (entry.name.empty()) continue;
+            const auto name = names.emplace(entry.name, &entry);
+            if (!name.second)
+                error(entry.nameOffset, MSGC_DUPLICATE_NAME,
+                      {entry.name, lineOf(name.first->second->offset)});
+        }
+    }
+
+    const Source& m_source;
+    const std::string& m_bytes;
+    Report& m_report;
+    Entries m_entries;
+    std::string m_comment;  // of the lines right above
+    Entry m_entry;          // that lines of text go on with
+    bool m_isInEntry = false;
+    bool m_hasId = false;
+    std::size_t m_at = 0;
+    std::size_t m_end = 0;  // of the line
+};
+
+}  // namespace
+
+Entries parseSource(const Source& source, Report& report) { return Parser(source, report).parse(); }
+
+}  // namespace msgc

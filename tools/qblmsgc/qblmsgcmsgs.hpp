@@ -1,0 +1,75 @@
+// Made by qblmsgc from qblmsgcmsgs_en.msg.
+#ifndef QBLMSGCMSGS_HPP
+#define QBLMSGCMSGS_HPP
+
+enum qblmsgcmsgs {
+    /// How it is called; ends with a line end.
+    MSGC_USAGE = 1,
+    /// {0} the option
+    MSGC_NO_OPTION = 2,
+    /// {0} the option
+    MSGC_OPTION_ALONE = 3,
+    /// {0} file, {1} reason
+    MSGC_CANNOT_READ = 4,
+    /// {0} file, {1} reason
+    MSGC_CANNOT_WRITE = 5,
+    /// {0} source, {1} header
+    MSGC_NO_NAMES = 6,
+    MSGC_NOT_UTF8 = 10,
+    MSGC_CONTROL_CHARACTER = 11,
+    MSGC_NO_ENTRY = 12,
+    MSGC_BAD_ID = 13,
+    MSGC_NO_TEXT = 14,
+    MSGC_NO_TEXT_HERE = 15,
+    MSGC_OPEN_TEXT = 16,
+    MSGC_BAD_ESCAPE = 17,
+    MSGC_TEXT_WITHOUT_ID = 18,
+    /// {3} identifier, {4} line
+    MSGC_DUPLICATE_ID = 19,
+    /// {3} name, {4} line
+    MSGC_DUPLICATE_NAME = 20,
+    MSGC_TOO_LARGE = 21,
+    MSGC_BRACES = 22,
+    /// {3} error of ICU
+    MSGC_BAD_PATTERN = 23,
+    MSGC_NO_OTHER = 24,
+    /// {3} argument
+    MSGC_NAMED_ARGUMENT = 25,
+    /// {3} kind
+    MSGC_UNKNOWN_KIND = 26,
+    /// {3} number
+    MSGC_QUOTED_ARGUMENT = 40,
+    MSGC_DOUBLED_APOSTROPHE = 41,
+    MSGC_AS_IS_PARSED = 42,
+    MSGC_EMPTY_TEXT = 43,
+    /// {3} message, {4} translation
+    MSGC_MISSING = 44,
+    /// {3} message, {4} reference
+    MSGC_ADDED = 45,
+    /// {3} name in the reference, {4} reference
+    MSGC_OTHER_NAME = 46,
+    /// {3} arguments, {4} those in the reference, {5} reference
+    MSGC_OTHER_ARGUMENTS = 47,
+    /// {1} offset, {2} one of the reasons below
+    MSGC_NO_BMF = 60,
+    MSGC_REASON_MAGIC = 61,
+    MSGC_REASON_CUT = 62,
+    MSGC_REASON_ORDER = 63,
+    MSGC_REASON_OUTSIDE = 64,
+    MSGC_REASON_ZERO = 65,
+    MSGC_REASON_UTF8 = 66,
+    MSGC_NOT_THE_SAME = 67,
+    MSGC_DOES_NOT_OPEN = 68,
+    /// {0} base name, {1} locales
+    MSGC_NOT_FOUND = 69,
+    /// {1} identifier
+    MSGC_NO_SUCH_TEXT = 70,
+    /// {1} identifier
+    MSGC_CANNOT_FORMAT = 71,
+    /// {0} what stands in its place
+    MSGC_NO_ID_HERE = 72,
+    /// {0} what stands in its place
+    MSGC_NO_PARAMETER = 73,
+};
+
+#endif
