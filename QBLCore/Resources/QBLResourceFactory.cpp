@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <map>
 #include <memory>
 
@@ -58,7 +59,8 @@ std::list<std::string> fileNames(const std::string& baseName, const char* locale
     if (isFileName(baseName)) return {baseName};
     std::list<std::string> names;
     const auto add = [&](const std::string& suffix) {
-        names.push_back(baseName + suffix + QBLResourceFactory::g_resourceFileExtension);
+        const std::string name = baseName + suffix + QBLResourceFactory::g_resourceFileExtension;
+        if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(name);
     };
     QBLUtStrTok tokens(localeIDs);
     std::string token;

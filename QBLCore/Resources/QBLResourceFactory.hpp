@@ -40,7 +40,7 @@ public:
     /// @return the file's name; empty if there is none
     /// @throws QBLAssertError for null locales, QBLOutOfMemoryError
     static std::string find(const std::string& baseName, const char* localeIDs);
-    /// All names that find() looks for, in their order.
+    /// All names that find() looks for, in their order, each once.
     static std::list<std::string> getCandidates(const std::string& baseName, const char* localeIDs);
     /// Opens a file. @return as findAndGet()
     [[nodiscard]] static QBLResource* get(const std::string& fileName, const char* localeID,

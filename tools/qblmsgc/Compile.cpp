@@ -46,9 +46,12 @@ private:
 
     const Source* read(const std::string& name) {
         std::string bytes, problem;
-        if (readFile(name, bytes, problem)) return &m_sources.emplace_back(name, std::move(bytes));
-        m_report.fault(MSGC_CANNOT_READ, {name, problem});
-        return nullptr;
+        if (!readFile(name, bytes, problem)) {
+            m_report.fault(MSGC_CANNOT_READ, {name, problem});
+            return nullptr;
+        }
+        m_report.begin(m_sources.emplace_back(name, std::move(bytes)));
+        return &m_sources.back();
     }
 
     void compare(const Source& source, const std::string& name) {

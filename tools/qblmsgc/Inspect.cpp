@@ -11,6 +11,7 @@
 namespace msgc {
 
 Status complain(Status status, qblmsgcmsgs id, const Details& details) {
+    std::fflush(stdout);
     std::fprintf(stderr, "%s\n", textOf(id, details).c_str());
     return status;
 }

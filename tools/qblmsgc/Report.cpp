@@ -36,6 +36,14 @@ std::string textOf(qblmsgcmsgs id, const Details& details) {
     return formatted(message);
 }
 
+void Report::begin(const Source& source) { numberOf(source); }
+
+std::size_t Report::numberOf(const Source& source) {
+    auto file = std::find(m_files.begin(), m_files.end(), source.name());
+    if (file == m_files.end()) file = m_files.insert(file, source.name());
+    return static_cast<std::size_t>(file - m_files.begin()) + 1;
+}
+
 void Report::error(const Source& source, std::size_t offset, qblmsgcmsgs id, Details details) {
     m_hasErrors = true;
     add(QBLSeverityError, source, offset, id, std::move(details));
@@ -53,13 +61,10 @@ void Report::fault(qblmsgcmsgs id, Details details) {
 
 void Report::add(QBLSeverity severity, const Source& source, std::size_t offset, qblmsgcmsgs id,
                  Details details) {
-    auto file = std::find(m_files.begin(), m_files.end(), source.name());
-    if (file == m_files.end()) file = m_files.insert(file, source.name());
     const Place place = source.placeOf(offset);
     details.insert(details.begin(),
                    {source.name(), std::to_string(place.line), std::to_string(place.column)});
-    m_findings.push_back({severity, static_cast<std::size_t>(file - m_files.begin()) + 1, offset,
-                          id, std::move(details)});
+    m_findings.push_back({severity, numberOf(source), offset, id, std::move(details)});
 }
 
 void Report::print(std::FILE* out, Form form, bool quiet) {

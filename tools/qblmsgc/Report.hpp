@@ -24,6 +24,8 @@ class Report {
 public:
     enum class Form { kText, kXml };
 
+    /// Names the next file; one that was not named comes where something is first found in it.
+    void begin(const Source& source);
     void error(const Source& source, std::size_t offset, qblmsgcmsgs id, Details details = {});
     void warning(const Source& source, std::size_t offset, qblmsgcmsgs id, Details details = {});
     /// An error of a file as a whole, shown in front of those with a place.
@@ -43,6 +45,7 @@ private:
         Details details;  // of one with a place: file, line and column are the first
     };
 
+    std::size_t numberOf(const Source& source);
     void add(QBLSeverity severity, const Source& source, std::size_t offset, qblmsgcmsgs id,
              Details details);
 

@@ -1,11 +1,19 @@
 #include "tools/qblmsgc/Source.hpp"
 
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 #include "QBLCore/FileManagement/QBLFmFile.hpp"
 
 namespace msgc {
+
+namespace {
+
+/// Which editors do not show.
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+}  // namespace
 
 Source::Source(std::string name, std::string bytes)
     : m_name(std::move(name)), m_bytes(std::move(bytes)) {
@@ -23,7 +31,9 @@ std::size_t Source::lineBegin(std::size_t line) const {
 Place Source::placeOf(std::size_t offset) const {
     const auto behind = std::upper_bound(m_lines.begin(), m_lines.end(), offset);
     if (behind == m_lines.begin()) return {1, 1};
-    const std::size_t begin = *(behind - 1);
+    std::size_t begin = *(behind - 1);
+    if (begin == 0 && m_bytes.compare(0, kByteOrderMark.size(), kByteOrderMark) == 0)
+        begin = std::min(kByteOrderMark.size(), offset);
     const auto isCharacter = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; };
     const auto at = [this](std::size_t n) {
         return m_bytes.begin() + static_cast<std::string::difference_type>(n);

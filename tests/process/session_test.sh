@@ -1,0 +1,24 @@
+#!/usr/bin/env bash
+# session_test.sh PAGE FILES PROGRAM...: what a page's console blocks show is what the commands
+# print, in a directory with copies of the files and with the programs at hand.
+set -euo pipefail
+page=$1 files=$2
+shift 2
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+mkdir "$work/bin" "$work/files"
+for program in "$@"; do
+    printf '#!/bin/sh\nexec "%s" "$@"\n' "$program" >"$work/bin/$(basename "$program")"
+done
+chmod +x "$work"/bin/*
+cp "$files"/* "$work/files"
+cd "$work/files"
+export PATH=$work/bin:$PATH LC_ALL=C
+sed -n '/^```console$/,/^```$/p' "$page" | sed '/^```/d' >"$work/shown"
+while IFS= read -r line; do
+    [[ $line == '$ '* ]] || continue
+    printf '%s\n' "$line"
+    bash -c "${line#??}" 2>&1 || true
+done <"$work/shown" >"$work/printed"
+[ "$(grep -c '^\$ ' "$work/shown")" -gt 5 ] || { echo "FAILED: $page shows no session"; exit 1; }
+diff "$work/shown" "$work/printed" || { echo "FAILED: $page shows another output"; exit 1; }

@@ -1,0 +1,208 @@
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <filesystem>
+
+#include "tests/support/BmfFile.hpp"
+#include "tests/support/TempTree.hpp"
+
+namespace {
+
+/// What a run printed, on both streams, and its exit status.
+struct Outcome {
+    int status;
+    std::string output;
+};
+
+/// Runs the tool in a directory. @param environment  like "LC_ALL=de"
+Outcome run(const TempTree& tree, const std::string& arguments,
+            const std::string& environment = "LC_ALL=C") {
+    const std::string command = "cd '" + std::string(tree.root()) + "' && unset TAV_EXEC_PATH; " +
+                                environment + " '" QBL_MSGC "' " + arguments + " 2>&1";
+    std::FILE* pipe = popen(command.c_str(), "r");
+    std::string output;
+    char block[4096];
+    while (const std::size_t got = std::fread(block, 1, sizeof block, pipe))
+        output.append(block, got);
+    const int status = pclose(pipe);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
+}
+
+void expectRun(const TempTree& tree, const std::string& arguments, int status,
+               const std::string& output) {
+    const Outcome result = run(tree, arguments);
+    EXPECT_EQ(status, result.status) << arguments << "\n" << result.output;
+    EXPECT_EQ(output, result.output) << arguments;
+}
+
+}  // namespace
+
+TEST(QblmsgcTest, EachMistakeIsNamedWithItsPlace) {
+    const struct {
+        const char *source, *found;
+    } table[] = {
+        {"1 A \"a\"\n1 B \"b\"", "2:1: the identifier 1 is already in line 1"},
+        {"1 A \"a\"\n0x2 A \"b\"", "2:5: the name A is already in line 1"},
+        {"# \xC3\xA4\xC0", "1:4: not UTF-8"},
+        {"1 \"\xC3\xA4\xE2\x82\"", "1:5: not UTF-8"},
+        {"1 \"a\x01\"", "1:5: a control character"},
+        {"4294967296 \"b\"", "1:1: an identifier is a number from 0 to 4294967295"},
+        {"1a \"a\"", "1:1: an identifier is a number from 0 to 4294967295"},
+        {"\xEF\xBB\xBFname", "1:1: neither a message, a text in quotes nor a comment"},
+        {"\"a\"", "1:1: a text that belongs to no message"},
+        {"1 A\n# b\n2 \"b\"", "1:1: the message has no text"},
+        {"1 \"a\" b", "1:7: only a text in quotes or a comment can stand here"},
+        {"1 \"a\\\"", "1:3: the text has no closing quote"},
+        {"1 \"\\n\xC3\xA4\"\r\n \"\\u00e4 {0} and {1\"", "2:18: nothing closes this brace"},
+        {R"(1 "'{' {1 it''s {2}")", "1:9: no message pattern (U_PATTERN_SYNTAX_ERROR)"},
+        {R"(1 "{0,plural,one{a}}")", "1:4: the choice lacks the case \"other\""},
+        {R"(1 "{0} {name}")", "1:9: name is no argument: they are numbers from 0 to 9"},
+        {R"(1 "{9}" "{10}")", "1:11: 10 is no argument: they are numbers from 0 to 9"},
+        {R"(1 "{0,select,a{{1,what}}other{}}")", "1:19: no kind of argument: what"},
+        {R"(1 "{0,number,::zzz}")", "1:4: no message pattern (U_NUMBER_SKELETON_SYNTAX_ERROR)"},
+        {"1 \"{0} '{1}'\"", "1:9: warning: the apostrophe makes a plain text of argument 1"},
+        {"1 \"it''s\"", "1:6: warning: without arguments both apostrophes are shown"},
+        {"1 = \"{ {0\"", "1:8: warning: this makes a pattern of the text in spite of the ="},
+    };
+    TempTree tree;
+    for (const auto& row : table) {
+        tree.file("t.msg", row.source);
+        const std::string found = "t.msg:" + std::string(row.found) + "\n";
+        const bool isWarning = found.find("warning") != std::string::npos;
+        expectRun(tree, "-c t.msg", isWarning ? 0 : 1, found);
+        expectRun(tree, "-cqW t.msg", 1, isWarning ? "" : found);
+    }
+    // All of a run, by place; a message whose text is broken still counts.
+    tree.file("t.msg", "7 \"\\uD800\"\n7 \"{x}\"\n");
+    expectRun(
+        tree, "-c -r no.msg t.msg", 1,
+        "no.msg: cannot be read: No such file or directory\n"
+        "t.msg:1:4: no such escape: there are \\\" \\\\ \\n \\r \\t and \\u with four digits\n"
+        "t.msg:2:1: the identifier 7 is already in line 1\n"
+        "t.msg:2:5: x is no argument: they are numbers from 0 to 9\n");
+    const std::string xml = run(tree, "-cX t.msg", "LC_ALL=de_AT.UTF-8").output;
+    EXPECT_NE(std::string::npos,
+              xml.find("Severity=\"Error\" Nesting=\"0\" ><MessageText>t.msg:2:1: "
+                       "die Nummer 7 steht schon in Zeile 1</MessageText>"));
+}
+
+TEST(QblmsgcTest, ATranslationIsComparedWithItsReference) {
+    TempTree tree;
+    tree.file("en.msg", "1 A \"{0} {1}\"\n2 B \"b\"\n3 C \"c\"\n");
+    tree.file("de.msg", "1 A \"{1,number} {0}\"\n3 X \"{2}{2}\"\n4 \"d\"\n");
+    expectRun(tree, "-W -r en.msg de.msg", 1,
+              "de.msg:2:3: warning: it is called C in en.msg\n"
+              "de.msg:2:6: warning: the arguments are {2}, but - in en.msg\n"
+              "de.msg:3:1: warning: 4 is not in en.msg\n"
+              "en.msg:2:1: warning: 2 B is missing from de.msg\n");
+    EXPECT_FALSE(std::filesystem::exists(tree("de.bmf")));
+}
+
+TEST(QblmsgcTest, WhatIsWrittenIsWholeAndReadBack) {
+    TempTree tree;
+    const std::string good = bmfBytes({{1, "\xC3\xA4\n\"\\"}, {0x80000001, "it's {0}"}});
+    const std::string bytes = std::string("BMF1\0\0\0\0", 8) + good.substr(8);
+    tree.file(
+        "x.msg",
+        "# {0} \xC3\xA4\\\n2147483649 HIGH \"it's {0}\"\n\n1 \"\\u00e4\\n\"  # b\n \"\\\"\\\\\"");
+    expectRun(tree, "-H x-ids.h -o out.bmf x.msg", 0, "");
+    EXPECT_EQ(bytes, tree.text("out.bmf"));
+    EXPECT_EQ(
+        "// Made by qblmsgc from x.msg.\n#ifndef X_IDS_H\n#define X_IDS_H\n\nenum x_ids {\n"
+        "    /// {0} \xC3\xA4\n    HIGH = 2147483649u,\n};\n\n#endif\n",
+        tree.text("x-ids.h"));
+    expectRun(tree, "-d out.bmf", 0,
+              "1 \"\xC3\xA4\\n\"\n    \"\\\"\\\\\"\n2147483649 \"it's {0}\"\n");
+    // After an error the old files stay.
+    tree.file("x.msg", "1 A \"{\"");
+    EXPECT_EQ(1, run(tree, "-H x-ids.h -o out.bmf x.msg").status);
+    EXPECT_EQ(bytes, tree.text("out.bmf"));
+    EXPECT_NE(std::string::npos, tree.text("x-ids.h").find("HIGH"));
+    // Texts that are no patterns, and characters that cannot be seen, come through too.
+    tree.file("odd.bmf", std::string("BMF1\0\0\0\0", 8) +
+                             bmfBytes({{5, "{\t"}, {6, ""}, {7, "\x01\xC2\xA0\r{0,x}"}}).substr(8));
+    EXPECT_EQ(0, run(tree, "-d odd.bmf >odd.msg && '" QBL_MSGC "' -qo again.bmf odd.msg").status);
+    EXPECT_EQ(tree.text("odd.bmf"), tree.text("again.bmf"));
+    expectRun(tree, "-o /no/x.bmf odd.msg -q", 1,
+              "/no/x.bmf: cannot be written: No such file or directory\n");
+}
+
+TEST(QblmsgcTest, ShippedCataloguesComeBackFromTheirDumps) {
+    TempTree tree;
+    int count = 0;
+    for (const auto& file : std::filesystem::directory_iterator(QBL_MSGS_DIR)) {
+        if (file.path().extension() != ".msg") continue;
+        ++count;
+        std::string reference = file.path();
+        reference.replace(reference.size() - 6, 2, "en");
+        const std::string compile = "-W -r '" + reference + "' -o ";
+        expectRun(tree, compile + "a.bmf '" + file.path().string() + "'", 0, "");
+        expectRun(tree, "-d a.bmf >a.msg", 0, "");
+        expectRun(tree, "-W -o b.bmf a.msg", 0, "");
+        EXPECT_EQ(tree.text("a.bmf"), tree.text("b.bmf")) << file.path();
+    }
+    EXPECT_EQ(8, count);
+    expectRun(tree, "-H qblmsgcmsgs.hpp -o a.bmf '" QBL_MSGS_DIR "/qblmsgcmsgs_en.msg'", 0, "");
+    expectRun(tree,
+              "-h >/dev/null && cmp qblmsgcmsgs.hpp '" QBL_TOOLS_DIR "/qblmsgc/qblmsgcmsgs.hpp'", 0,
+              "");
+}
+
+TEST(QblmsgcTest, HostileMessageFilesAreRefused) {
+    TempTree tree;
+    const std::string good = bmfBytes({{1, "one"}, {2, "two"}});
+    const auto expectDump = [&](const std::string& bytes, const std::string& output) {
+        tree.file("t.bmf", bytes);
+        expectRun(tree, "-d t.bmf", 1, output);
+    };
+    // The bytes behind the zero of the magic are others.
+    expectDump(good,
+               "1 \"one\"\n2 \"two\"\nt.bmf: compiling this dump gives the same texts, but "
+               "not the same bytes\n");
+    for (std::size_t size = 0; size < good.size(); size += 3) {
+        tree.file("t.bmf", good.substr(0, size));
+        EXPECT_EQ(1, run(tree, "-d t.bmf").status) << size;
+    }
+    const struct {
+        std::size_t at;
+        unsigned lie;
+        const char* problem;
+    } table[] = {{8, 0x7FFFFFFF, "at byte 8: more is promised than there is\n"},
+                 {12, 0xFFFFFFFF, "at byte 12: more is promised than there is\n"},
+                 {16, 2, "at byte 28: the identifiers do not ascend\n"},
+                 {20, ~0U, "at byte 16: the text lies outside of the block of texts\n"},
+                 {24, 0, "at byte 40: the text does not end with its first zero\n"},
+                 {36, 3, "at byte 44: the text does not end with its first zero\n"},
+                 {44, 0xFFFFFF00, "at byte 44: the text is not UTF-8\n"}};
+    for (const auto& row : table) {
+        std::string bytes = good;
+        expectDump(bytes.replace(row.at, 4, bigEndian(row.lie)),
+                   "t.bmf: no message file, " + std::string(row.problem));
+    }
+}
+
+TEST(QblmsgcTest, TextsAndPlacesAreShown) {
+    TempTree tree;
+    tree.file("t_de_AT.bmf", bmfBytes({{1, "{0}|{1}|{2}|{3}|{4}|{5}"}, {2, "two"}, {3, "{"}}));
+    tree.file("t_en.bmf", "x");
+    expectRun(tree,
+              "-g 0x1 t_de_AT.bmf ulong:2147483649 long:-5 double:1.5 string:a:b msgid:2 opaque:1",
+              0,
+              "-2\xC2\xA0"
+              "147\xC2\xA0"
+              "483\xC2\xA0"
+              "647|-5|1,5|a:b|two|\n");
+    expectRun(tree, "-g 9 t_de_AT.bmf", 1, "./t_de_AT.bmf: no text for 9\n");
+    expectRun(tree, "-g 3 t_de_AT.bmf long:1", 1, "./t_de_AT.bmf: the text for 3 is no pattern\n");
+    expectRun(tree, "-g 1 t_en.bmf", 1, "./t_en.bmf: no message file\n");
+    expectRun(tree, "-g 1 t_de_AT.bmf long:1x", 2, "qblmsgc: no TYPE:VALUE: long:1x\n");
+    expectRun(tree, "-w ./t 'fr de_AT'", 0,
+              "  ./t_fr.bmf\n* ./t_de_AT.bmf\n  ./t_de.bmf\n  ./t_en.bmf\n  ./t.bmf\n");
+    expectRun(tree, "-w ./t", 1, "* ./t_en.bmf\n  ./t.bmf\n./t_en.bmf: no message file\n");
+    expectRun(tree, "-w ./u", 1,
+              "  ./u_en.bmf\n  ./u.bmf\n./u: there is no such catalogue for en\n");
+    for (const char* arguments : {"", "-c -o a.bmf t.msg", "-d -q t.bmf", "-o t.msg t.msg", "-g 1"})
+        expectRun(tree, arguments, 2, run(tree, "-h").output);
+    EXPECT_EQ(0U, run(tree, "-z").output.find("qblmsgc: no such option: -z\nusage: qblmsgc"));
+}
