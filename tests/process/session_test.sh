@@ -14,6 +14,7 @@ chmod +x "$work"/bin/*
 cp "$files"/* "$work/files"
 cd "$work/files"
 export PATH=$work/bin:$PATH LC_ALL=C
+# shellcheck disable=SC2016  # a fence, not a command
 sed -n '/^```console$/,/^```$/p' "$page" | sed '/^```/d' >"$work/shown"
 while IFS= read -r line; do
     [[ $line == '$ '* ]] || continue

@@ -18,7 +18,7 @@ std::string findLocale() {
     for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
         const char* value = std::getenv(name);
         if (value == nullptr || *value == '\0') continue;
-        const std::string locale(value);
+        std::string locale(value);
         if (locale == "C" || locale == "POSIX" || locale.compare(0, 2, "C.") == 0) break;
         return locale;
     }

@@ -22,7 +22,7 @@ bool dropEnding(std::string& text, const std::string& ending) {
 std::string takePart(std::string& text, char first, char last, std::size_t most) {
     const std::size_t begin = text.rfind('_');
     if (begin == std::string::npos) return std::string();
-    const std::string part = text.substr(begin + 1);
+    std::string part = text.substr(begin + 1);
     if (part.size() < 2 || part.size() > most ||
         !std::all_of(part.begin(), part.end(), [=](char c) { return c >= first && c <= last; }))
         return std::string();
