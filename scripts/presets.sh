@@ -20,12 +20,13 @@ configure() {
   die "$1 cannot be configured: see above, or the whole of $log"
 }
 
-# build PRESET [TARGET...]
+# build PRESET [TARGET...]: also runs a tool that was built.
 build() {
-  local preset=$1
+  local preset=$1 run=()
   shift
+  [[ $preset != *tsan ]] || run=(without_wide_aslr)
   configure "$preset"
-  (cd "$root" && cmake --build --preset "$preset" -j "$(nproc)" ${1:+--target "$@"})
+  (cd "$root" && "${run[@]}" cmake --build --preset "$preset" -j "$(nproc)" ${1:+--target "$@"})
 }
 
 # The thread sanitizer of this compiler knows the address layouts of up to 28 random bits.
