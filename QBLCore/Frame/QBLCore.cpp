@@ -12,6 +12,7 @@
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Threads/QBLThreadProcess.h"
 #include "QBLCore/Utility/QBLHighResolutionTime.hpp"
+#include "i18n/cpp/i18n_pooledstring.hpp"
 
 namespace {
 
@@ -56,6 +57,7 @@ int qblCoreInitialize() {
         result = kSubsystemFailed;
         qblThreadProcessTerminate(kName);
     }
+    I18NPooledString::initialize();
     return result;
 }
 
@@ -64,6 +66,7 @@ int qblCoreTerminate() {
     QBLThreadGuard guard(library.refCountLock);
     if (library.refCount <= 0) return kNotStarted;
     if (--library.refCount > 0) return 0;
+    I18NPooledString::terminate();
     QBLHighResolutionTime::terminate();
     QBLCustodian::terminate();
     return qblThreadProcessTerminate(kName) < 0 ? kSubsystemFailed : 0;

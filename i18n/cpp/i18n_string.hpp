@@ -20,6 +20,8 @@ U_NAMESPACE_END
 class I18NByteWriter;
 class I18NConverter;
 class I18NPatternCode;
+class I18NPooledString;
+struct I18NPooledStringEntry;
 class I18NStringIterator;
 class I18NTextView;
 class QBLThreadCriticalSection;
@@ -92,11 +94,13 @@ public:
     I18NString& operator=(const char* utf8);
     I18NString& operator=(const wchar_t* text);
     I18NString& operator=(wchar_t c);
+    I18NString& operator=(const I18NPooledString& text);
 
     I18NString& append(const I18NString& other);
     I18NString& append(const char* utf8);
     I18NString& append(const wchar_t* text);
     I18NString& append(wchar_t c);
+    I18NString& append(const I18NPooledString& text);
     template <class Text>
     I18NString& operator+=(const Text& text) {
         return append(text);
@@ -298,6 +302,7 @@ private:
     struct Bare {};  // for a string in ASCII, whatever is asked for of all strings
     I18NString(Bare, I18NStringAllocator allocator, void* context) noexcept;
     friend class I18NConverter;
+    friend struct I18NPooledStringEntry;
     friend class I18NTextView;
     friend class I18NStringIteratorValue;
 

@@ -5,6 +5,7 @@
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "i18n/cpp/i18n_pooledstring.hpp"
 #include "i18n/cpp/i18n_string.hpp"
 #include "i18n/cpp/internal/i18n_text_view.hpp"
 
@@ -112,6 +113,10 @@ I18NString& I18NString::append(wchar_t c) {
     splice(nUnits(), 0, I18NWideText(c).view());
     return *this;
 }
+
+I18NString& I18NString::append(const I18NPooledString& text) { return append(text.getString()); }
+
+I18NString& I18NString::operator=(const I18NPooledString& text) { return *this = text.getString(); }
 
 I18NString& I18NString::insert(I18NStringOffset offset, const I18NString& other) {
     splice(offset, 0, I18NTextView(other));

@@ -1,0 +1,194 @@
+#include "i18n/cpp/i18n_pooledstring.hpp"
+
+#include <cstdlib>
+#include <memory>
+#include <new>
+#include <utility>
+
+#include "QBLCore/Exceptions/QBLAllocation.hpp"
+#include "QBLCore/Exceptions/QBLIllegalArgumentError.hpp"
+#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
+#include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/Frame/internal/QBLImmortal.hpp"
+#include "QBLCore/QBLCustodian/QBLCustodian.hpp"
+#include "QBLCore/Threads/QBLThreadGuard.hpp"
+#include "i18n/cpp/internal/i18n_pool_bucket.hpp"
+
+namespace {
+
+using Entry = I18NPooledStringEntry;
+
+const char kMalloc[] = "malloc failed to allocate memory.";
+const char kTooMany[] = "I18NPooledString: too many holders of one text";
+const char kForeign[] = "I18NPooledStringPool::releaseString: the string is not of the pool";
+
+/// The count of starts and the lock over the whole of each start and stop.
+struct Starts {
+    QBLThreadCriticalSection s_initLock{0};
+    int s_initCount QBL_GUARDED_BY(s_initLock) = 0;
+    I18NPooledStringCustodian* task QBL_GUARDED_BY(s_initLock) = nullptr;  // null if refused
+};
+
+struct Hashed {
+    std::uint32_t hash;
+    std::size_t length;
+};
+
+std::uint32_t signExtended(char byte) {
+    return static_cast<std::uint32_t>(static_cast<signed char>(byte));
+}
+
+inline Hashed hashed(const char* text) {
+    if (*text == '\0') return {0, 0};
+    std::uint32_t hash = signExtended(*text);
+    const char* p = text + 1;
+    for (; *p != '\0'; ++p) {
+        // Added while the product is under way, which the compiler would not see to by itself.
+        std::uint32_t rest = signExtended(*p) + (hash >> 24);
+        asm("" : "+r"(rest));
+        hash = hash * 38 + rest;
+    }
+    return {hash, static_cast<std::size_t>(p - text)};
+}
+
+}  // namespace
+
+I18NPooledString::I18NPooledStringPool::I18NPooledStringPool()
+    : m_pBuckets(static_cast<Bucket*>(std::malloc(kBuckets * sizeof(Bucket)))) {
+    if (m_pBuckets == nullptr) QBL_THROW(QBLOutOfMemoryError(0, kMalloc));
+    for (unsigned i = 0; i < kBuckets; ++i) new (&m_pBuckets[i]) Bucket();
+}
+
+unsigned I18NPooledString::I18NPooledStringPool::hashOf(const char* text) {
+    return text != nullptr ? hashed(text).hash : 0;
+}
+
+inline Entry* I18NPooledString::I18NPooledStringPool::acquire(const char* utf8) {
+    if (utf8 == nullptr) utf8 = "";
+    const Hashed key = hashed(utf8);
+    const unsigned number = key.hash % kBuckets;
+    Entry* const found =
+        m_pBuckets[number].index.find(key.hash, [](Entry& entry) { return entry.pin(); });
+    if (found != nullptr) {
+        // Before it was pinned the entry may have become that of another text.
+        if (found->hashCode == key.hash && found->holds(utf8, key.length)) return found;
+        found->unpin();
+    }
+    return acquireLocked(number, utf8, key.hash);
+}
+
+// The text may be there by now, also behind another one with its hash.
+Entry* I18NPooledString::I18NPooledStringPool::acquireLocked(unsigned number, const char* utf8,
+                                                             unsigned hash) {
+    QBL_ALLOC_TRY
+    const std::size_t length = std::strlen(utf8);
+    Bucket& bucket = m_pBuckets[number];
+    QBLThreadGuard guard(m_locks[number % kLocks]);
+    Entry* const found =
+        bucket.index.find(hash, [=](Entry& entry) { return entry.holds(utf8, length); });
+    if (found != nullptr) {
+        if (!found->pin()) QBL_THROW(QBLOutOfMemoryError(0, kTooMany));
+        return found;
+    }
+    bucket.makeRoom();
+    Entry* const entry = createPSPE(utf8, hash);
+    entry->enter();
+    bucket.append(entry);
+    return entry;
+    QBL_ALLOC_CATCH
+}
+
+Entry* I18NPooledString::I18NPooledStringPool::createPSPE(const char* utf8, unsigned hash) {
+    Entry* const entry = I18NPoolPlaces::take();
+    try {
+        new (entry->place) I18NString(utf8);
+    } catch (...) {
+        I18NPoolPlaces::give(entry);
+        throw;
+    }
+    entry->hashCode = hash;
+    return entry;
+}
+
+const I18NString& I18NPooledString::I18NPooledStringPool::getString(const char* utf8) {
+    return acquire(utf8)->string();
+}
+
+const I18NString& I18NPooledString::I18NPooledStringPool::getString(const I18NString& text) {
+    return acquire(text.c_str())->string();
+}
+
+void I18NPooledString::I18NPooledStringPool::releaseString(const I18NString& string) {
+    Entry* const entry = I18NPoolPlaces::find(string);
+    if (entry == nullptr) QBL_THROW(QBLIllegalArgumentError(0, kForeign));
+    entry->unpinIfHeld();
+}
+
+I18NPooledString::I18NPooledString(const I18NString& text)
+    : m_pEntry(getPool().acquire(text.c_str())) {}
+
+I18NPooledString::I18NPooledString(const char* utf8) : m_pEntry(getPool().acquire(utf8)) {}
+
+I18NPooledString::I18NPooledString(const I18NPooledString& other) : m_pEntry(other.m_pEntry) {
+    if (m_pEntry != nullptr && !m_pEntry->addHolder()) QBL_THROW(QBLOutOfMemoryError(0, kTooMany));
+}
+
+I18NPooledString::~I18NPooledString() {
+    if (m_pEntry != nullptr) m_pEntry->unpin();
+}
+
+I18NPooledString& I18NPooledString::operator=(const I18NString& text) {
+    return *this = I18NPooledString(text);
+}
+
+I18NPooledString& I18NPooledString::operator=(const char* utf8) {
+    return *this = I18NPooledString(utf8);
+}
+
+I18NPooledString& I18NPooledString::operator=(const I18NPooledString& other) {
+    return *this = I18NPooledString(other);
+}
+
+I18NPooledString& I18NPooledString::operator=(I18NPooledString&& other) noexcept {
+    std::swap(m_pEntry, other.m_pEntry);
+    return *this;
+}
+
+const I18NString& I18NPooledString::getString() const {
+    return m_pEntry != nullptr ? m_pEntry->string() : qblImmortal<I18NString>();
+}
+
+// It stays for the life of the process, empty while the library is stopped: another thread, or the
+// destructor of a static object, may just be using it.
+I18NPooledString::I18NPooledStringPool& I18NPooledString::getPool() {
+    return qblImmortal<I18NPooledStringPool>();
+}
+
+bool I18NPooledString::initialize() {
+    Starts& starts = qblImmortal<Starts>();
+    QBLThreadGuard guard(starts.s_initLock);
+    if (starts.s_initCount == 0) {
+        QBL_ALLOC_TRY
+        getPool();
+        auto task = std::make_unique<I18NPooledStringCustodian>();
+        if (QBLCustodian::registerTask(task.get())) starts.task = task.release();
+        QBL_ALLOC_CATCH
+    }
+    ++starts.s_initCount;
+    return starts.task != nullptr;
+}
+
+// A task that was withdrawn is not being called any more.
+void I18NPooledString::terminate() {
+    Starts& starts = qblImmortal<Starts>();
+    QBLThreadGuard guard(starts.s_initLock);
+    if (starts.s_initCount == 0 || --starts.s_initCount > 0) return;
+    if (starts.task != nullptr) QBLCustodian::deRegisterTask(starts.task);
+    delete std::exchange(starts.task, nullptr);
+    s_init = false;
+    getPool().clear();
+}
+
+void I18NPooledString::purge() { getPool().purge(); }
+
+void I18NPooledString::dump(std::ostream& out) { getPool().dump(out); }

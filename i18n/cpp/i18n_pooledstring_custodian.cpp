@@ -1,0 +1,82 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "i18n/cpp/i18n_pooledstring.hpp"
+
+namespace {
+
+constexpr long kInterval = 3600;
+
+struct Settings {
+    long interval = kInterval;
+    bool dumpToFile = false;
+};
+
+/// @return whether it is the whole of a text
+bool parse(const char* text, long& value) {
+    char* end = nullptr;
+    errno = 0;
+    value = std::strtol(text, &end, 10);
+    return errno == 0 && end != text && *end == '\0';
+}
+
+/// Null if there is no such file. A pipe or a device, which could keep the custodian waiting, is
+/// none.
+std::FILE* openSettings() {
+    const int fd = ::open("I18NPooledString.conf", O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) return nullptr;
+    struct stat about;
+    std::FILE* const file =
+        fstat(fd, &about) == 0 && S_ISREG(about.st_mode) ? fdopen(fd, "r") : nullptr;
+    if (file == nullptr) ::close(fd);
+    return file;
+}
+
+/// What is not a number, or an interval below 0, leaves what holds without it.
+Settings readSettings() {
+    Settings settings;
+    std::FILE* const file = openSettings();
+    if (file == nullptr) return settings;
+    char key[64], text[64];
+    while (std::fscanf(file, "%63s %63s", key, text) == 2) {
+        long value = 0;
+        if (!parse(text, value)) continue;
+        if (std::strcmp(key, "interval") == 0) settings.interval = value < 0 ? kInterval : value;
+        if (std::strcmp(key, "dumpToFile") == 0) settings.dumpToFile = value != 0;
+    }
+    std::fclose(file);
+    return settings;
+}
+
+}  // namespace
+
+std::atomic<long> I18NPooledString::s_interval{kInterval};
+std::atomic<bool> I18NPooledString::s_dumpToFile{false};
+std::atomic<bool> I18NPooledString::s_init{false};
+
+I18NPooledStringCustodian::I18NPooledStringCustodian(std::time_t (*clock)(std::time_t*))
+    : m_clock(clock), m_last(0) {}
+
+int I18NPooledStringCustodian::doIt(int terminating) {
+    if (!I18NPooledString::s_init) {
+        const Settings settings = readSettings();
+        I18NPooledString::s_interval = settings.interval;
+        I18NPooledString::s_dumpToFile = settings.dumpToFile;
+        I18NPooledString::s_init = true;
+        m_last = m_clock(nullptr);
+        return 0;
+    }
+    if (terminating != 0) return 0;
+    const std::time_t now = m_clock(nullptr);
+    if (now < m_last) m_last = now;  // the clock was set back
+    if (now - m_last <= I18NPooledString::s_interval) return 0;
+    m_last = now;
+    I18NPooledString::purge();
+    return 0;
+}

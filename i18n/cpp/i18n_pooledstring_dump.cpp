@@ -1,0 +1,129 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <ext/stdio_filebuf.h>
+#include <ostream>
+
+#include "QBLCore/Threads/QBLThreadGuard.hpp"
+#include "QBLCore/Utility/QBLUtSystemInfo.hpp"
+#include "TavThread/internal/TavContain.hpp"
+#include "i18n/cpp/internal/i18n_pool_bucket.hpp"
+
+namespace {
+
+using Entry = I18NPooledStringEntry;
+
+/// The file for dumps, to append to; -1 if it cannot be had. What is there must be a file.
+int openDumpFile() {
+    char name[48];
+    std::snprintf(name, sizeof name, "I18NPooledStringDump%lu.log",
+                  QBLUtSystemInfo::getProcessId());
+    const int fd =
+        ::open(name, O_WRONLY | O_CREAT | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
+    struct stat about;
+    if (fd < 0 || (fstat(fd, &about) == 0 && S_ISREG(about.st_mode))) return fd;
+    ::close(fd);
+    return -1;
+}
+
+/// Writes by a format of printf, short texts only.
+template <class... Arguments>
+void print(std::ostream& out, const char* format, Arguments... arguments) {
+    char line[80];
+    out.write(line, std::snprintf(line, sizeof line, format, arguments...));
+}
+
+}  // namespace
+
+struct I18NPooledString::I18NPooledStringPool::Totals {
+    int entries = 0;
+    int unheld = 0;
+    int size = 0;
+    int holders = 0;
+};
+
+template <class Body>
+void I18NPooledString::I18NPooledStringPool::eachBucket(Body body) {
+    for (unsigned i = 0; i < kBuckets; ++i) {
+        QBLThreadGuard guard(m_locks[i % kLocks]);
+        body(m_pBuckets[i], i);
+    }
+}
+
+void I18NPooledString::I18NPooledStringPool::purge() {
+    if (s_dumpToFile) dumpToFile();
+    eachBucket([](Bucket& bucket, unsigned) {
+        bucket.removeIf([](Entry& entry) { return entry.retire(); });
+    });
+    I18NPoolPlaces::trim();
+}
+
+void I18NPooledString::I18NPooledStringPool::clear() noexcept {
+    eachBucket([](Bucket& bucket, unsigned) {
+        bucket.removeIf([](Entry& entry) {
+            entry.detach();
+            return true;
+        });
+    });
+    I18NPoolPlaces::trim();
+}
+
+// A purge does not fail for its dump.
+void I18NPooledString::I18NPooledStringPool::dumpToFile() {
+    const int fd = openDumpFile();
+    if (fd < 0) {
+        std::fputs("I18NPooledStringDump.log failed to open.\n", stderr);
+        return;
+    }
+    bool written = false;
+    const bool done = tavContain([&] {
+        __gnu_cxx::stdio_filebuf<char> file(fd, std::ios::out);
+        std::ostream out(&file);
+        dump(out);
+        written = !out.flush().fail();
+    });
+    if (!done || !written) std::fputs("I18NPooledStringDump.log failed to be written.\n", stderr);
+}
+
+void I18NPooledString::I18NPooledStringPool::dump(std::ostream& out) {
+    Totals sum;
+    eachBucket([&](Bucket& bucket, unsigned number) {
+        out << "====== begin bucket ======\n";
+        for (Entry* e = bucket.first; e != nullptr; e = e->next) {
+            const int holders = static_cast<int>(e->holders());
+            print(out, "hashCode-> %#010x refCount-> % 10d data-> ", e->hashCode, holders);
+            out << e->string() << '\n';
+            ++sum.entries;
+            sum.unheld += holders == 0 ? 1 : 0;
+            sum.holders += holders;
+        }
+        out << "==========================\n";
+        print(out, "bucket % 4d contains %d entries\n", static_cast<int>(number),
+              static_cast<int>(bucket.count));
+        out << "======= end bucket =======\n";
+    });
+    out << "======= begin summary =======\n";
+    print(out, "Total number of entries %d\nEntries to be deleted %d\n", sum.entries, sum.unheld);
+    print(out, "Total reference count %d\n", sum.holders);
+    out << "======= end summary =======\n";
+}
+
+I18NPooledString::I18NPooledStringPool::Totals I18NPooledString::I18NPooledStringPool::totals() {
+    Totals sum;
+    eachBucket([&sum](Bucket& bucket, unsigned) {
+        sum.entries += static_cast<int>(bucket.count);
+        for (Entry* e = bucket.first; e != nullptr; e = e->next) {
+            sum.size += e->string().size();
+            sum.holders += static_cast<int>(e->holders());
+        }
+    });
+    return sum;
+}
+
+int I18NPooledString::I18NPooledStringPool::count() { return totals().entries; }
+
+int I18NPooledString::I18NPooledStringPool::size() { return totals().size; }
+
+int I18NPooledString::I18NPooledStringPool::getTotalRefCount() { return totals().holders; }

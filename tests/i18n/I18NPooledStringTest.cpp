@@ -1,0 +1,232 @@
+#include "i18n/cpp/i18n_pooledstring.hpp"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <random>
+#include <sstream>
+#include <vector>
+
+#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
+#include "QBLCore/Frame/QBLCore.h"
+#include "i18n/cpp/i18n_stringpool.hpp"
+#include "tests/support/FaultInjection.hpp"
+#include "tests/support/TempTree.hpp"
+#include "tests/support/ThrowChecks.hpp"
+#include "tests/support/Workers.hpp"
+
+namespace {
+
+using Pool = I18NPooledString::I18NPooledStringPool;
+
+/// The pool, with nothing in it.
+Pool& emptyPool() {
+    I18NPooledString::purge();
+    EXPECT_EQ(0, I18NPooledString::getPool().count());
+    return I18NPooledString::getPool();
+}
+
+std::string dumped() {
+    std::ostringstream out;
+    I18NPooledString::dump(out);
+    return out.str();
+}
+
+std::string bucket(const std::string& number, int count, const std::string& entries) {
+    return "====== begin bucket ======\n" + entries + "==========================\nbucket " +
+           number + " contains " + std::to_string(count) + " entries\n======= end bucket =======\n";
+}
+
+std::time_t now = 1000;
+std::time_t fakeTime(std::time_t*) { return now; }
+
+}  // namespace
+
+TEST(I18NPooledStringTest, HashesTheBytesSignExtended) {
+    const std::pair<const char*, unsigned> table[] = {{nullptr, 0},
+                                                      {"", 0},
+                                                      {"a", 97},
+                                                      {"0H", 48 * 38 + 72},
+                                                      {"e\xCC\x81", 0x2317d},
+                                                      {"\xC3\xA9", 0xfffff79a},
+                                                      {"\xFF", 0xffffffff},
+                                                      {"\xFF\xFF", 0xffffffff * 38 + 0xff - 1}};
+    for (const auto& [text, hash] : table) EXPECT_EQ(hash, Pool::hashOf(text));
+}
+
+TEST(I18NPooledStringTest, DumpsByBucketsAndPurgesWhatNobodyHolds) {
+    Pool& pool = emptyPool();
+    const I18NPooledString a("a"), again(a), empty("");
+    const I18NString& unheld = pool.getString("0H");  // of the bucket that "a" is in
+    I18NPooledString third("1\"");                    // and so is this
+    EXPECT_EQ(97U, Pool::hashOf("1\"") % 257);
+    EXPECT_EQ(4, pool.count());
+    EXPECT_EQ(5, pool.getTotalRefCount());
+    EXPECT_EQ(4 + 6 + 6, pool.size());
+    for (int i = 0; i < 2; ++i) pool.releaseString(unheld);
+    std::string expected;
+    const std::string first = "hashCode-> 0x00000061 refCount->          2 data-> a\n";
+    const std::string second = "hashCode-> 0x00000768 refCount->          0 data-> 0H\n";
+    const std::string last = "hashCode-> 0x00000768 refCount->          1 data-> 1\"\n";
+    for (int i = 0; i < 257; ++i) {
+        char number[8];
+        std::snprintf(number, sizeof number, "%4d", i);
+        if (i == 0)
+            expected += bucket(number, 1, "hashCode-> 0000000000 refCount->          1 data-> \n");
+        else
+            expected += i == 97 ? bucket(number, 3, first + second + last) : bucket(number, 0, "");
+    }
+    EXPECT_EQ(expected +
+                  "======= begin summary =======\nTotal number of entries 4\nEntries to be deleted "
+                  "1\nTotal reference count 4\n======= end summary =======\n",
+              dumped());
+    I18NPooledString::purge();
+    EXPECT_NE(std::string::npos, dumped().find(bucket("  97", 2, first + last)));
+    EXPECT_EQ("1\"", third.getString());
+    third = "a";
+    EXPECT_EQ(&a.getString(), &third.getString());
+    I18NPooledString::purge();
+    EXPECT_NE(std::string::npos, dumped().find("refCount->          3 data-> a\n====="));
+}
+
+TEST(I18NPooledStringTest, FindsTextsWhateverTheirFormAndRefusesForeignStrings) {
+    Pool& pool = emptyPool();
+    const std::string ascii(100, 'x');
+    for (const char* text : {"e\xCC\x81", "\xC3\xA9", "\xFF", ascii.c_str()}) {
+        const I18NPooledString one(text), same(text);
+        EXPECT_EQ(&one.getString(), &same.getString()) << text;
+        EXPECT_EQ(I18NString(text), one.getString());
+    }
+    EXPECT_EQ(4, pool.count());
+    const I18NPooledString composed("\xC3\xA9"), decomposed("e\xCC\x81"), none;
+    EXPECT_TRUE(composed == decomposed);
+    EXPECT_NE(&composed.getString(), &decomposed.getString());
+    EXPECT_EQ(&composed.getString(), &I18NPooledString(decomposed.getString()).getString());
+    I18NString text;
+    text = composed;
+    text.append(none) += composed;
+    EXPECT_EQ("\xC3\xA9\xC3\xA9", text);
+    const char* const refused =
+        "I18NPooledStringPool::releaseString: the string is not of the pool";
+    QBL_EXPECT_THROW(pool.releaseString(text), QBLIllegalArgumentError, refused);
+    QBL_EXPECT_THROW(pool.releaseString(none.getString()), QBLIllegalArgumentError, refused);
+
+    I18NStringPool own(1, "ISO-8859-1");
+    EXPECT_EQ(&own.getPooledString("one"), &own.getPooledString(I18NString("one")));
+    EXPECT_NE(&own.getPooledString("one"), &own.getPooledString(static_cast<char*>(nullptr)));
+    EXPECT_EQ(2, own.size());
+}
+
+TEST(I18NPooledStringTest, PurgesAtTheIntervalsOfTheSettingsFile) {
+    const TempTree tree;
+    Pool& pool = emptyPool();
+    const std::string dump = "I18NPooledStringDump" + std::to_string(getpid()) + ".log";
+    const std::string before = std::filesystem::current_path();
+    ASSERT_EQ(0, chdir(tree.root()));
+    I18NPooledString::initialize();
+    I18NPooledString::terminate();  // the settings are to be read anew
+    tree.file("I18NPooledString.conf", "other 7\ninterval\t10 dumpToFile 1 interval x interval");
+    I18NPooledStringCustodian task(fakeTime);
+    const auto purges = [&](std::time_t time, int terminating = 0) {
+        { const I18NPooledString unheld("unheld"); }
+        now = time;
+        EXPECT_EQ(0, task.doIt(terminating));
+        return pool.count() == 0;
+    };
+    EXPECT_FALSE(purges(1000)) << "the first pass only reads";
+    EXPECT_FALSE(purges(1010));
+    EXPECT_FALSE(purges(1011, 1));
+    EXPECT_TRUE(purges(1011));
+    EXPECT_FALSE(purges(1021));
+    EXPECT_FALSE(purges(500)) << "the clock was set back";
+    EXPECT_TRUE(purges(511));
+    struct stat about;
+    ASSERT_EQ(0, stat(dump.c_str(), &about));
+    EXPECT_EQ(0600U, about.st_mode & 0777);
+    const std::string both = tree.text(dump);
+    EXPECT_NE(both.find("begin summary"), both.rfind("begin summary")) << "appended";
+    ASSERT_EQ(0, unlink(dump.c_str()));
+    ASSERT_EQ(0, symlink("elsewhere", dump.c_str()));
+    testing::internal::CaptureStderr();
+    EXPECT_TRUE(purges(600));
+    EXPECT_EQ("I18NPooledStringDump.log failed to open.\n", testing::internal::GetCapturedStderr());
+    EXPECT_FALSE(std::filesystem::exists("elsewhere"));
+    I18NPooledString::initialize();
+    I18NPooledString::terminate();
+    tree.file("I18NPooledString.conf", "interval -1");
+    EXPECT_FALSE(purges(600));
+    EXPECT_FALSE(purges(600 + 3600));
+    EXPECT_TRUE(purges(600 + 3601));
+    ASSERT_EQ(0, chdir(before.c_str()));
+}
+
+TEST(I18NPooledStringTest, HoldersOutliveTheLibrary) {
+    Pool& pool = emptyPool();
+    ASSERT_EQ(0, qblCoreInitialize());
+    EXPECT_TRUE(I18NPooledString::initialize()) << "the custodian is there by then";
+    I18NPooledString::terminate();
+    I18NPooledString kept("kept"), copy;
+    const I18NString& got = pool.getString("kept");
+    { const I18NPooledString unheld("unheld"); }
+    ASSERT_EQ(0, qblCoreTerminate());
+    EXPECT_FALSE(I18NPooledString::initialize());
+    I18NPooledString::terminate();
+    EXPECT_EQ(0, pool.count());
+    copy = kept;
+    const I18NPooledString fresh("kept");
+    EXPECT_NE(&fresh.getString(), &kept.getString());
+    kept = nullptr;
+    EXPECT_EQ("kept", copy.getString());
+    copy = "";
+    EXPECT_EQ("kept", got);
+    pool.releaseString(got);
+    EXPECT_EQ("kept", fresh.getString());
+}
+
+TEST(I18NPooledStringTest, AFailedAllocationLeavesThePoolAsItWas) {
+    Pool& pool = emptyPool();
+    std::vector<I18NPooledString> held(5000);
+    const long failures = fault::eachAllocation([&] {
+        for (I18NPooledString& holder : held) holder = I18NPooledString();
+        pool.purge();
+        int i = 0;
+        try {
+            for (char text[8]; i < 5000; ++i) {
+                std::snprintf(text, sizeof text, "%d", i);
+                held[static_cast<std::size_t>(i)] = text;
+            }
+        } catch (QBLOutOfMemoryError&) {
+        }
+        EXPECT_EQ(i, pool.count());
+        EXPECT_EQ(i, pool.getTotalRefCount());
+    });
+    EXPECT_LT(2, failures);
+}
+
+TEST(I18NPooledStringTest, ThreadsAcquireReleasePurgeDumpAndStop) {
+    Pool& pool = emptyPool();
+    std::vector<std::string> texts;
+    for (int i = 0; i < 300; ++i)
+        texts.push_back(std::string(i % 7 == 0 ? 40 : 0, 'x') + (i % 5 == 0 ? "\xC3\xA9" : "") +
+                        std::to_string(i));
+    std::atomic<unsigned> seed{std::random_device{}()};
+    Workers(8, [&] {
+        std::minstd_rand random(seed++);
+        std::vector<I18NPooledString> held(16);
+        for (int i = 0, rounds = kSanitizer ? 12500 : 125000; i < rounds; ++i) {
+            const std::string& text = texts[random() % texts.size()];
+            I18NPooledString& holder = held[random() % held.size()];
+            holder = text.c_str();
+            held[random() % held.size()] = holder;
+            EXPECT_EQ(text, holder.getString().c_str());
+            if (i % 16 == 0) pool.releaseString(pool.getString(text.c_str()));
+            if (i % 500 == 0) pool.purge();
+            if (i % 2500 == 0) dumped();
+            if (i % 5000 == 0) I18NPooledString::initialize();
+            if (i % 5000 == 2500) I18NPooledString::terminate();
+        }
+    }).join();
+    EXPECT_EQ(0, pool.getTotalRefCount());
+    emptyPool();
+}
