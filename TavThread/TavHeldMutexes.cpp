@@ -11,6 +11,9 @@ namespace {
 TavThreadCriticalSection g_lists;
 
 void clearOwner(TavMutex* m) {
+    (m->heldBefore != nullptr ? m->heldBefore->heldAfter : tavFirstHeldMutex) = m->heldAfter;
+    if (m->heldAfter != nullptr) m->heldAfter->heldBefore = m->heldBefore;
+    m->heldBefore = m->heldAfter = nullptr;
     m->owner = nullptr;
     m->previous = m->next = nullptr;
     m->file = nullptr;
@@ -18,6 +21,8 @@ void clearOwner(TavMutex* m) {
 }
 
 }  // namespace
+
+TavMutex* tavFirstHeldMutex = nullptr;
 
 int tavHeldMutexesAdd(TavMutex* m, const char* file, int line) {
     TavThread* self = tavThreadSelf();
@@ -30,6 +35,9 @@ int tavHeldMutexesAdd(TavMutex* m, const char* file, int line) {
     m->next = self->heldMutexes;
     if (m->next != nullptr) m->next->previous = m;
     self->heldMutexes = m;
+    m->heldAfter = tavFirstHeldMutex;
+    if (m->heldAfter != nullptr) m->heldAfter->heldBefore = m;
+    tavFirstHeldMutex = m;
     return TAVTHREAD_OK;
 }
 

@@ -4,7 +4,7 @@ gdb loads this by itself with the library when it is installed below /usr. For a
     add-auto-load-safe-path PREFIX/lib
 in ~/.gdbinit, or load it by
     source PREFIX/share/qblcore/gdb/qblcore.py
-An object shows its fields with "print /r".
+An object shows its fields with "print /r". "info qbl-locks" lists who holds which tracked mutex.
 
 A printer is a class below with an entry in BY_NAME, for a class or a template, or in BY_BASE, for
 all that is derived from a class. What cannot be read raises gdb.MemoryError, which gdb shows in the
@@ -82,12 +82,77 @@ class ThrowablePrinter:
             text.format_string(address=False) if int(text) != 0 else "no text")
 
     def children(self):
+        whole = self.value.cast(self.value.dynamic_type)
+        if "QBLMessageSet" in bases(whole.type):
+            for _, message in MessageSetPrinter(whole).children():
+                yield "says", message
         for _, entry in ListPrinter(self.value["backTrace"]).children():
             yield "at", entry.string()
 
 
-BY_NAME = {"I18NString": StringPrinter, "QBLList": ListPrinter}
-BY_BASE = {"QBLThrowable": ThrowablePrinter}
+class MessageStringPrinter:
+    """QBLMessageString: its text."""
+
+    def __init__(self, value):
+        self.value = value
+
+    def to_string(self):
+        return self.value["m_text"]
+
+
+class ParameterPrinter:
+    """QBLMessageParm: the value that its type means."""
+
+    def __init__(self, value):
+        self.value = value
+
+    def to_string(self):
+        v = self.value
+        if int(v["m_pText"]) != 0:
+            return v["m_pText"].dereference()
+        kind = str(v["m_type"]).replace("QBLMsgParm", "")
+        return "%s %s" % (kind, v["m_double" if kind == "Double" else "m_value"])
+
+
+class MessagePrinter:
+    """A message with an identifier: that, its file if it has one, and its parameters."""
+
+    def __init__(self, value):
+        self.value = value.cast(value.dynamic_type)
+
+    def to_string(self):
+        v = self.value
+        named = "QBLMessage" in bases(v.type)
+        return "%s %d%s, %s" % (v.type.name, int(v["m_id"]),
+                                " of %s" % v["m_msgFile"].format_string() if named else "",
+                                str(v["m_severity"]).replace("QBLSeverity", ""))
+
+    def children(self):
+        for name, parameter in ListPrinter(self.value["m_parms"]).children():
+            yield name, parameter.dereference()
+
+
+class MessageSetPrinter:
+    """QBLMessageSet: its messages, in order."""
+
+    def __init__(self, value):
+        self.messages = ListPrinter(value["m_messages"])
+
+    def to_string(self):
+        return "QBLMessageSet of %d" % self.messages.count
+
+    def children(self):
+        for name, message in self.messages.children():
+            yield name, message.cast(message.dynamic_type).dereference()
+
+    def display_hint(self):
+        return "array"
+
+
+BY_NAME = {"I18NString": StringPrinter, "QBLList": ListPrinter,
+           "QBLMessageString": MessageStringPrinter, "QBLMessageParm": ParameterPrinter}
+BY_BASE = {"QBLThrowable": ThrowablePrinter, "QBLMessageComponents": MessagePrinter,
+           "QBLMessageSet": MessageSetPrinter}
 
 
 def bases(kind):
@@ -114,3 +179,51 @@ class Printers(gdb.printing.PrettyPrinter):
 
 
 gdb.printing.register_pretty_printer(gdb.current_objfile(), Printers("QBLCore"), replace=True)
+
+
+class LocksCommand(gdb.Command):
+    """Lists the tracked mutexes that are held: who holds each, and where it was locked.
+
+Tracked are mutexes made to track their owner, such as QBLThreadMutex(1). Where a mutex is locked
+through a class, the place is in the source of that class."""
+
+    def __init__(self):
+        super().__init__("info qbl-locks", gdb.COMMAND_STATUS)
+
+    def invoke(self, argument, from_tty):
+        held = self.first()
+        if int(held) == 0:
+            print("No tracked mutex is held.")
+        while int(held) != 0:
+            print(self.line(held))
+            held = held["heldAfter"]
+
+    @staticmethod
+    def first():
+        symbol = gdb.lookup_global_symbol("tavFirstHeldMutex")
+        if symbol is None:
+            raise gdb.GdbError("QBLCore is not loaded, or has no debug information.")
+        return symbol.value()
+
+    def line(self, mutex):
+        """One that is locked just now may not have all of it yet."""
+        place = "an unknown place"
+        if int(mutex["file"]) != 0:
+            place = "%s(%d)" % (mutex["file"].string(), int(mutex["line"]))
+        return "mutex %#x: held by %s, locked at %s" % (int(mutex), self.holder(mutex["owner"]), place)
+
+    @staticmethod
+    def holder(record):
+        if int(record) == 0:
+            return "nobody any more"
+        handle = record["handle"]["_M_i"]
+        try:
+            thread = gdb.selected_inferior().thread_from_handle(handle)
+        except gdb.error:
+            thread = None
+        if thread is None:
+            return "thread number %d of the library" % int(record["number"])
+        return 'thread %s "%s" (LWP %d)' % (thread.num, thread.name, thread.ptid[1])
+
+
+LocksCommand()

@@ -14,4 +14,8 @@ void tavHeldMutexesRemove(TavMutex* m);
 /// Makes the mutexes of a record about to be freed ownerless.
 void tavHeldMutexesForget(TavThread* thread);
 
+/// The first of all tracking mutexes that are held, which are a list of their own: for debuggers,
+/// which cannot ask threads for their records.
+extern TavMutex* tavFirstHeldMutex;
+
 #endif

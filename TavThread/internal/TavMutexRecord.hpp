@@ -29,6 +29,9 @@ struct alignas(64) TavMutex {
     TavThread* owner = nullptr;
     TavMutex* previous = nullptr;
     TavMutex* next = nullptr;
+    // Its neighbours among all that are held.
+    TavMutex* heldBefore = nullptr;
+    TavMutex* heldAfter = nullptr;
 };
 
 /// A byte of each thread; its address tells threads apart at the cost of one instruction.
