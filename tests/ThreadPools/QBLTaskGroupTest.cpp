@@ -1,0 +1,124 @@
+#include "QBLCore/ThreadPools/QBLTaskGroup.hpp"
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <atomic>
+#include <memory>
+#include <stdexcept>
+#include <thread>
+
+#include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
+#include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/Frame/QBLCore.h"
+#include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
+#include "QBLCore/ThreadPools/QBLThreadPoolVariable.hpp"
+#include "tests/support/FaultInjection.hpp"
+#include "tests/support/ThrowChecks.hpp"
+#include "tests/support/Workers.hpp"
+
+namespace {
+
+/// Takes no task, or throws instead.
+class Refusing : public QBLThreadExecuteRunnable {
+public:
+    int execute(QBLThreadRunnable*, unsigned long) override {
+        if (stopped) QBL_THROW(QBLIllegalStateError(0, "stopped"));
+        return 0;
+    }
+    bool stopped = false;
+};
+
+class QBLTaskGroupTest : public ::testing::Test {
+protected:
+    void SetUp() override { ASSERT_EQ(0, qblCoreInitialize()); }
+    void TearDown() override { EXPECT_EQ(0, qblCoreTerminate()); }
+};
+
+}  // namespace
+
+TEST_F(QBLTaskGroupTest, WaitsForAllThatWasAdded) {
+    QBLThreadPoolQueued pool(2, 1);
+    std::atomic<int> runs{0};
+    class Runnable : public QBLThreadRunnable {
+    public:
+        explicit Runnable(std::atomic<int>& count) : m_count(count) {}
+        void run() override { ++m_count; }
+
+    private:
+        std::atomic<int>& m_count;
+    } runnable(runs);
+    const auto held = std::make_shared<int>(0);
+    for (int round = 1; round <= 200; ++round) {
+        QBLTaskGroup group(pool);
+        group.run(runnable);
+        for (int i = 0; i < 4; ++i) {
+            group.run([&group, &runs, held] {
+                ++runs;
+                group.run([&runs] { ++runs; });
+            });
+        }
+        if (round % 2 == 0) {
+            group.wait();
+            EXPECT_EQ(9 * round, runs);
+            EXPECT_EQ(1, held.use_count()) << "what was run is gone";
+        }
+    }
+    EXPECT_EQ(1800, runs);
+}
+
+TEST_F(QBLTaskGroupTest, ThrowsTheFirstErrorWithBothPlaces) {
+    Refusing pool;
+    QBLTaskGroup group(pool);
+    group.run([] { QBL_THROW(QBLIllegalStateError(5, "first")); });
+    group.run([] { throw std::runtime_error("second"); });
+    int line = 0;
+    try {
+        line = __LINE__ + 1;
+        group.wait();
+        ADD_FAILURE() << "nothing thrown";
+    } catch (QBLIllegalStateError& error) {
+        EXPECT_STREQ("first", error.getMessage());
+        EXPECT_EQ("QBLIllegalStateError: QBL_THROW: \nQBLIllegalStateError: QBL_THROW: \n",
+                  traceOf(error));
+        EXPECT_EQ(0U, std::string(*error.getBackTrace().begin())
+                          .find("tests/ThreadPools/QBLTaskGroupTest.cpp(" + std::to_string(line)));
+    }
+    group.wait();
+    group.run([] { throw std::runtime_error("foreign"); });
+    QBL_EXPECT_THROW(group.wait(), QBLStdExceptionError, "foreign");
+    group.run([] { throw 5; });
+    QBL_EXPECT_THROW(group.wait(), QBLUnknownError, nullptr);
+}
+
+TEST_F(QBLTaskGroupTest, RunsItselfWhatThePoolDoesNotTake) {
+    Refusing pool;
+    QBLTaskGroup group(pool);
+    std::thread::id where;
+    group.run([&where] { where = std::this_thread::get_id(); });
+    EXPECT_EQ(std::this_thread::get_id(), where);
+    pool.stopped = true;
+    QBL_EXPECT_THROW(group.run([&where] { where = std::thread::id(); }), QBLIllegalStateError,
+                     "stopped");
+    group.wait();
+    EXPECT_EQ(std::this_thread::get_id(), where) << "refused, and not run";
+}
+
+TEST_F(QBLTaskGroupTest, SurvivesTheEndOfAThreadAndOfMemory) {
+    QBLThreadPoolVariable pool(1, 1000, 1);
+    QBLTaskGroup group(pool);
+    group.run([] { pthread_exit(nullptr); });
+    group.wait();
+    Refusing none;
+    QBLTaskGroup failing(none);
+    fault::eachAllocation([&] {
+        try {
+            failing.run([] { QBL_THROW(QBLIllegalStateError(5, "a text of its own")); });
+            failing.wait();
+            ADD_FAILURE() << "an error got lost";
+        } catch (const QBLThrowable& error) {
+            EXPECT_TRUE(dynamic_cast<const QBLIllegalStateError*>(&error) != nullptr ||
+                        error.getThrowableName() == std::string("QBLOutOfMemoryError"));
+        }
+    });
+}
