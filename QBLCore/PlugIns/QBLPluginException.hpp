@@ -1,0 +1,32 @@
+#ifndef QBLCORE_PLUGINS_QBLPLUGINEXCEPTION_HPP
+#define QBLCORE_PLUGINS_QBLPLUGINEXCEPTION_HPP
+
+#include "QBLCore/Exceptions/QBLException.hpp"
+#include "QBLCore/PlugIns/QBLPluginErrorCode.hpp"
+
+/// A plug-in that cannot be loaded or unloaded, or an error of its own making.
+///
+/// Threads: as with QBLThrowable.
+class QBL_API QBLPluginException : public QBLException {
+public:
+    /// With the catalogue's message for the code; the severity is "Error" unless given.
+    explicit QBLPluginException(QBLPluginErrorCode code);
+    QBLPluginException(QBLSeverity severity, QBLPluginErrorCode code);
+    /// Without a message.
+    /// @param codeText  the error code as a text; null leaves the exception without a code
+    explicit QBLPluginException(const char* codeText);
+    QBLPluginException(QBLSeverity severity, const char* codeText);
+    QBLPluginException(const QBLPluginException& other);
+    QBLPluginException& operator=(const QBLPluginException& other);
+    ~QBLPluginException() override;
+
+    QBLThrowable* clone() const override;
+    [[noreturn]] void hurl(const QBLFileLocation& where, const char* detail,
+                           const char* tag) override;
+    const char* getThrowableName() const override;
+
+    /// Adds the message that the catalogue "qblpluginmsgs" has for a code.
+    void addLocalizationMessage(QBLPluginErrorCode code);
+};
+
+#endif

@@ -1,0 +1,52 @@
+#include "QBLCore/PlugIns/QBLPluginLibraryLoader.hpp"
+
+#include <dlfcn.h>
+
+#include "QBLCore/Exceptions/QBLAllocation.hpp"
+#include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/FileManagement/QBLFmDir.hpp"
+#include "QBLCore/Messages/QBLMessageString.hpp"
+#include "QBLCore/PlugIns/QBLPluginException.hpp"
+
+namespace {
+
+const char kLoad[] = "QBLPluginLibraryLoader::load";
+const char kUnload[] = "QBLPluginLibraryLoader::unload";
+const char kBadPath[] = "The path is empty or has a zero in it.";
+const char kNoHandle[] = "There is no handle.";
+const char kNoReason[] = "The system gives no reason.";
+
+QBLPluginException failure(QBLPluginErrorCode code, const char* reason) {
+    QBLPluginException error(QBLSeverityError, code);
+    error << QBLMessageString(reason != nullptr ? reason : kNoReason);
+    return error;
+}
+
+}  // namespace
+
+void* QBLPluginLibraryLoader::load(const std::string& path) {
+    std::string resolved;
+    QBL_ALLOC_TRY
+    resolved = path;
+    QBLFmDir::resolveEffectivePath(resolved);
+    QBL_ALLOC_CATCH
+    // The system would take an empty path for the program itself, and the rest for no part of one.
+    if (path.empty() || path.find('\0') != std::string::npos)
+        QBL_THROW_NAMED(failure(QBLPluginLoadFailed, kBadPath), kLoad);
+    void* handle = dlopen(resolved.c_str(), RTLD_LAZY);
+    if (handle == nullptr) QBL_THROW_NAMED(failure(QBLPluginLoadFailed, dlerror()), kLoad);
+    return handle;
+}
+
+void QBLPluginLibraryLoader::unload(void* handle) {
+    if (handle == nullptr) QBL_THROW_NAMED(failure(QBLPluginUnloadFailed, kNoHandle), kUnload);
+    if (dlclose(handle) != 0) QBL_THROW_NAMED(failure(QBLPluginUnloadFailed, dlerror()), kUnload);
+}
+
+void QBLPluginLibraryLoader::initialize(void*, void (*entry)()) {
+    if (entry != nullptr) entry();
+}
+
+void QBLPluginLibraryLoader::terminate(void*, void (*entry)()) {
+    if (entry != nullptr) entry();
+}

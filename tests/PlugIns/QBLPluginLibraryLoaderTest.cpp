@@ -1,0 +1,63 @@
+#include "QBLCore/PlugIns/QBLPluginLibraryLoader.hpp"
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "QBLCore/FileManagement/QBLFmDir.hpp"
+#include "QBLCore/Messages/QBLMessageBase.hpp"
+#include "QBLCore/PlugIns/QBLPluginException.hpp"
+#include "i18n/cpp/i18n_string.hpp"
+#include "tests/support/ThrowChecks.hpp"
+
+namespace {
+
+/// What an operation says when it fails: code, severity, trace, and the reason.
+template <class Operation>
+std::string failureOf(Operation&& operation) {
+    try {
+        operation();
+    } catch (const QBLPluginException& error) {
+        EXPECT_EQ(2U, error.getMessageCount());
+        EXPECT_STREQ("QBLMessage", error.getMessageN(0)->getClassName());
+        I18NString reason;
+        error.getMessageN(1)->format("en", nullptr, reason);
+        return std::to_string(error.getErrorCode()) + " " +
+               QBLThrowable::getSeverityName(error.getSeverity()) + " " + traceOf(error) +
+               reason.toUtf8();
+    }
+    return "nothing";
+}
+
+void fail() { throw std::runtime_error("unchanged"); }
+
+}  // namespace
+
+TEST(QBLPluginLibraryLoaderTest, LoadsFromTheEffectiveWorkingDirectoryAndUnloads) {
+    std::string directory, name;
+    ASSERT_TRUE(QBLFmDir::splitPath(PLUGIN_FILE, &directory, &name));
+    QBLFmDir::setEffectiveWorkingDir(directory.c_str());
+    void* plugin = QBLPluginLibraryLoader::load(name);
+    QBLFmDir::setEffectiveWorkingDir(static_cast<const char*>(nullptr));
+    EXPECT_NE(nullptr, dlsym(plugin, "faultsInitialize"));
+    QBLPluginLibraryLoader::initialize(plugin, nullptr);
+    EXPECT_THROW(QBLPluginLibraryLoader::initialize(plugin, &fail), std::runtime_error);
+    EXPECT_THROW(QBLPluginLibraryLoader::terminate(plugin, &fail), std::runtime_error);
+    QBLPluginLibraryLoader::unload(plugin);
+    EXPECT_EQ(nullptr, dlopen(PLUGIN_FILE, RTLD_LAZY | RTLD_NOLOAD));
+}
+
+TEST(QBLPluginLibraryLoaderTest, SaysWhyItFails) {
+    const std::string load = "QBLPluginException: QBL_THROW: QBLPluginLibraryLoader::load\n";
+    EXPECT_EQ("1 Error " + load +
+                  "/absent/x.so: cannot open shared object file: No such file or directory",
+              failureOf([] { static_cast<void>(QBLPluginLibraryLoader::load("/absent/x.so")); }));
+    for (const std::string& path : {std::string(), std::string("x\0y", 3)})
+        EXPECT_EQ("1 Error " + load + "The path is empty or has a zero in it.",
+                  failureOf([&] { static_cast<void>(QBLPluginLibraryLoader::load(path)); }));
+    EXPECT_EQ(
+        "2 Error QBLPluginException: QBL_THROW: QBLPluginLibraryLoader::unload\n"
+        "There is no handle.",
+        failureOf([] { QBLPluginLibraryLoader::unload(nullptr); }));
+}
