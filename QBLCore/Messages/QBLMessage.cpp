@@ -1,6 +1,7 @@
 #include "QBLCore/Messages/QBLMessage.hpp"
 
 #include <cstring>
+#include <list>
 #include <memory>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
@@ -20,8 +21,9 @@ const char* textOf(QBLResourceFile& file, unsigned long id) {
     return file.getResource(id, &text) && !isNullOrEmpty(text) ? text : nullptr;
 }
 
-/// @param keep  holds what the argument's text points to
-QBLMessageArgument argumentOf(const QBLMessageParm& parm, QBLResourceFile& file, I18NString& keep) {
+/// @param kept  receives what the argument's text points to, if nothing else has it
+QBLMessageArgument argumentOf(const QBLMessageParm& parm, QBLResourceFile& file,
+                              std::list<I18NString>& kept) {
     QBLMessageArgument argument = {QBLMessageArgument::kText, 0, 0, {}};
     unsigned long unsignedValue = 0;
     long value = 0;
@@ -51,11 +53,12 @@ QBLMessageArgument argumentOf(const QBLMessageParm& parm, QBLResourceFile& file,
         case QBLMsgParmMsgId: {
             parm.getValue(unsignedValue);
             const char* text = textOf(file, unsignedValue);
+            kept.emplace_back();
             if (text != nullptr)
-                keep = text;
+                kept.back() = text;
             else
-                parm.format(nullptr, keep);
-            argument.text = keep.c_str();
+                parm.format(nullptr, kept.back());
+            argument.text = kept.back().c_str();
             break;
         }
         default:
@@ -130,15 +133,15 @@ bool QBLMessage::formatFrom(QBLResourceFile& file, const char* locale,
         out.append(text);
         return true;
     }
-    if (pattern == nullptr || !pattern->isFor(text, locale))
+    if (pattern == nullptr || !pattern->isFor(text))
         pattern = std::make_unique<QBLMessagePattern>(text, locale);
     QBLMessageArgument arguments[QBLMessagePattern::kMaxArguments];
-    I18NString kept[QBLMessagePattern::kMaxArguments];
+    std::list<I18NString> kept;  // what arguments point to
     for (int i = 0; i < count; ++i)
-        arguments[i] = argumentOf(*getParmN(static_cast<unsigned>(i)), file, kept[i]);
-    std::string filled;
-    if (!pattern->format(arguments, count, filled)) return false;
-    out.append(filled.c_str());
+        arguments[i] = argumentOf(*getParmN(static_cast<unsigned>(i)), file, kept);
+    const char* filled = pattern->format(arguments, count);
+    if (filled == nullptr) return false;
+    out.append(filled);
     return true;
     QBL_ALLOC_CATCH
 }

@@ -49,7 +49,9 @@ protected:
     /// The locales that count: the language, else the fallback, else "en".
     static const char* chooseLocale(const char* language, const char* fallbackLanguage);
     /// Appends the text that an open file has, filled in.
-    /// @param pattern  what an earlier call left there, if it was for the same text and locale;
+    /// @param file  read as a whole
+    /// @param pattern  what an earlier call for the same open file and locale left there, of any
+    /// text;
     ///     null makes it anew
     /// @return false, with nothing appended, if there is no text or it cannot be filled in
     bool formatFrom(QBLResourceFile& file, const char* locale,

@@ -45,8 +45,8 @@ void refuseExhaustion(UErrorCode status) {
 }  // namespace
 
 QBLMessagePattern::QBLMessagePattern(const char* text, const char* locales)
-    : m_text(text),
-      m_locales(locales),
+    : m_pSource(text),
+      m_text(text),
       m_locale(firstOf(locales)),
       m_harmless(isHarmless(m_text)),
       m_plain(false),
@@ -114,36 +114,36 @@ void QBLMessagePattern::parse() {
     m_plain = true;
 }
 
-bool QBLMessagePattern::format(const QBLMessageArgument* arguments, int count, std::string& out) {
-    out.clear();
-    return (m_plain && formatPlain(arguments, count, out)) || formatByIcu(arguments, count, out);
+const char* QBLMessagePattern::format(const QBLMessageArgument* arguments, int count) {
+    const bool formatted =
+        (m_plain && formatPlain(arguments, count)) || formatByIcu(arguments, count);
+    return formatted ? m_out.c_str() : nullptr;
 }
 
-bool QBLMessagePattern::formatPlain(const QBLMessageArgument* arguments, int count,
-                                    std::string& out) {
+bool QBLMessagePattern::formatPlain(const QBLMessageArgument* arguments, int count) {
+    m_out.clear();
     for (const Piece& piece : m_pieces) {
-        out += piece.text;
+        m_out += piece.text;
         if (piece.argument < 0) continue;
         if (piece.argument >= count) {
             // An argument that is missing shows where it would stand.
-            out.append("{").append(std::to_string(piece.argument)).append("}");
+            m_out.append("{").append(std::to_string(piece.argument)).append("}");
             continue;
         }
         const QBLMessageArgument& argument = arguments[piece.argument];
         if (argument.kind == QBLMessageArgument::kText) {
-            out += argument.text;
+            m_out += argument.text;
             continue;
         }
         if (argument.kind != QBLMessageArgument::kInteger) return false;
         if (m_pIntegers == nullptr) m_pIntegers = QBLIntegerStyle::get(m_locale);
         if (m_pIntegers == nullptr) return false;
-        m_pIntegers->append(argument.integer, out);
+        m_pIntegers->append(argument.integer, m_out);
     }
     return true;
 }
 
-bool QBLMessagePattern::formatByIcu(const QBLMessageArgument* arguments, int count,
-                                    std::string& out) {
+bool QBLMessagePattern::formatByIcu(const QBLMessageArgument* arguments, int count) {
     if (!m_harmless) return false;
     UErrorCode status = U_ZERO_ERROR;
     if (m_icu == nullptr) {
@@ -161,7 +161,7 @@ bool QBLMessagePattern::formatByIcu(const QBLMessageArgument* arguments, int cou
     m_icu->format(values, count, text, position, status);
     refuseExhaustion(status);
     if (U_FAILURE(status) || text.isBogus()) return false;
-    out.clear();
-    text.toUTF8String(out);
+    m_out.clear();
+    text.toUTF8String(m_out);
     return true;
 }

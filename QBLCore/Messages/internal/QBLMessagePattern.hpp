@@ -34,20 +34,17 @@ public:
     static constexpr int kMaxArguments = 10;
     static constexpr int kMaxChoices = 100;
 
-    /// @param text  UTF-8
+    /// @param text  UTF-8; must stay as it is as long as isFor() is asked
     /// @param locales  of which the first counts
     QBLMessagePattern(const char* text, const char* locales);
     ~QBLMessagePattern();
     QBLMessagePattern(const QBLMessagePattern&) = delete;
     QBLMessagePattern& operator=(const QBLMessagePattern&) = delete;
 
-    /// Whether it was made from the same text and locales.
-    bool isFor(const char* text, const char* locales) const {
-        return m_text == text && m_locales == locales;
-    }
-    /// @param out  receives UTF-8, in place of what is in it
-    /// @return false if the text is no pattern
-    bool format(const QBLMessageArgument* arguments, int count, std::string& out);
+    /// Whether it was made from the very same text.
+    bool isFor(const char* text) const { return m_pSource == text; }
+    /// @return UTF-8, valid until the next call; null if the text is no pattern
+    const char* format(const QBLMessageArgument* arguments, int count);
 
 private:
     struct Piece {
@@ -57,12 +54,13 @@ private:
 
     static bool isHarmless(const std::string& text);
     void parse();
-    bool formatPlain(const QBLMessageArgument* arguments, int count, std::string& out);
-    bool formatByIcu(const QBLMessageArgument* arguments, int count, std::string& out);
+    bool formatPlain(const QBLMessageArgument* arguments, int count);
+    bool formatByIcu(const QBLMessageArgument* arguments, int count);
 
+    const char* m_pSource;  // not owned, and only compared
     std::string m_text;
-    std::string m_locales;
-    std::string m_locale;  // the first of them
+    std::string m_locale;
+    std::string m_out;  // what was formatted last; keeps its memory for the next
     std::vector<Piece> m_pieces;
     bool m_harmless;                            // ICU may look at it
     bool m_plain;                               // the pieces are all there is
