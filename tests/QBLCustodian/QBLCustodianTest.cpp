@@ -12,6 +12,7 @@
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
 #include "QBLCore/Frame/QBLCore.h"
+#include "QBLCore/Threads/QBLThreadProcess.h"
 #include "tests/support/Child.hpp"
 #include "tests/support/FaultInjection.hpp"
 #include "tests/support/TempTree.hpp"
@@ -158,6 +159,10 @@ TEST_F(QBLCustodianTest, TasksRegisterOthersButCannotWithdrawFromTheirPass) {
 }
 
 TEST_F(QBLCustodianTest, RefusesATaskTwiceAndAThreadThatDoesNotStart) {
+    // Without the other services, one of which has a task and so a thread.
+    stop();
+    ASSERT_EQ(0, qblThreadProcessInitialize("test"));
+    ASSERT_TRUE(QBLCustodian::initialize());
     Task task;
     fault::failCall(fault::ThreadCreate, 0, EAGAIN);
     EXPECT_FALSE(QBLCustodian::registerTask(&task));
@@ -182,7 +187,8 @@ TEST_F(QBLCustodianTest, RefusesATaskTwiceAndAThreadThatDoesNotStart) {
     Task unlucky;
     QBL_EXPECT_THROW(QBLCustodian::registerTask(&unlucky), QBLOutOfMemoryError, nullptr);
     twice.open();
-    stop();
+    QBLCustodian::terminate();
+    EXPECT_EQ(0, qblThreadProcessTerminate("test"));
 }
 
 TEST_F(QBLCustodianTest, SurvivesRegistrationsFromManyThreadsDuringTheStop) {

@@ -30,7 +30,7 @@ QBLMessageSet of 2 = {QBLMessage 104 of "texts", Error = {[0] = Long 5, [1] = "d
 SHOWN
     { echo "FAILED; gdb says:"; echo "$output"; exit 1; }
 diff <(sed -n '/^locks$/,$ s/^mutex 0x[0-9a-f]*: //p' <<<"$output" | sed 's/LWP [0-9]*/LWP/; s/([0-9]*)$/(LINE)/') - <<'HELD' ||
-held by thread 2 "gdb_sample" (LWP), locked at QBLCore/Threads/QBLThreadMutex.cpp(LINE)
+held by thread 3 "gdb_sample" (LWP), locked at QBLCore/Threads/QBLThreadMutex.cpp(LINE)
 held by thread 1 "gdb_sample" (LWP), locked at tests/gdb/Sample.cpp(LINE)
 HELD
     { echo "FAILED; gdb says:"; echo "$output"; exit 1; }
