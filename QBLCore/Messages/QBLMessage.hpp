@@ -50,9 +50,8 @@ protected:
     static const char* chooseLocale(const char* language, const char* fallbackLanguage);
     /// Appends the text that an open file has, filled in.
     /// @param file  read as a whole
-    /// @param pattern  what an earlier call for the same open file and locale left there, of any
-    /// text;
-    ///     null makes it anew
+    /// @param pattern  what an earlier call for the same open file and locale left there, which
+    ///     spares parsing the same text again; null for the first
     /// @return false, with nothing appended, if there is no text or it cannot be filled in
     bool formatFrom(QBLResourceFile& file, const char* locale,
                     std::unique_ptr<QBLMessagePattern>& pattern, I18NString& out) const;

@@ -33,7 +33,7 @@ public:
 
 private:
     template <class Writer>
-    explicit QBLNumberText(Writer&& write) {
+    explicit QBLNumberText(const Writer& write) {
         *write(m_text, m_text + sizeof m_text - 1) = '\0';
     }
 
