@@ -103,8 +103,8 @@ const char* QBLMessage::getClassName() const { return "QBLMessage"; }
 
 void QBLMessage::format(const char* language, const char* fallbackLanguage, I18NString& out) const {
     const char* locale = chooseLocale(language, fallbackLanguage);
-    // Read as a whole: a text has to outlast the lookup of another that it shows.
-    QBLResourceFile file(1);
+    // For one text, and those that it shows, it does not pay to read them all.
+    QBLResourceFile file(0);
     std::unique_ptr<QBLMessagePattern> pattern;
     const bool formatted =
         file.open(m_msgFile.toUtf8(), locale) && formatFrom(file, locale, pattern, out);
@@ -133,6 +133,7 @@ bool QBLMessage::formatFrom(QBLResourceFile& file, const char* locale,
         out.append(text);
         return true;
     }
+    // From here on the pattern has the text, which the lookup of another may overwrite.
     if (pattern == nullptr || !pattern->isFor(text))
         pattern = std::make_unique<QBLMessagePattern>(text, locale);
     QBLMessageArgument arguments[QBLMessagePattern::kMaxArguments];

@@ -49,7 +49,7 @@ protected:
     /// The locales that count: the language, else the fallback, else "en".
     static const char* chooseLocale(const char* language, const char* fallbackLanguage);
     /// Appends the text that an open file has, filled in.
-    /// @param file  read as a whole
+    /// @param file  read as a whole, if the pattern is to be kept
     /// @param pattern  what an earlier call for the same open file and locale left there, which
     ///     spares parsing the same text again; null for the first
     /// @return false, with nothing appended, if there is no text or it cannot be filled in
