@@ -61,7 +61,7 @@ void QBLMessageComponents::addParameter(const QBLMessageParm& parm) {
     QBL_ALLOC_TRY
     std::unique_ptr<QBLMessageParm> copy(parm.clone());
     m_parms.push_back(copy.get());
-    copy.release();
+    static_cast<void>(copy.release());
     QBL_ALLOC_CATCH
 }
 

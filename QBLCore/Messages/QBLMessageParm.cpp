@@ -54,7 +54,7 @@ QBLMessageParm::QBLMessageParm(const QBLMessageParm& other)
       m_pText(other.m_pText != nullptr ? copyOf(*other.m_pText) : nullptr) {}
 
 QBLMessageParm& QBLMessageParm::operator=(const QBLMessageParm& other) {
-    copy(other);
+    if (this != &other) copy(other);
     return *this;
 }
 

@@ -29,7 +29,7 @@ void QBLMessageSet::addMessage(QBLMessageBase* message) {
     QBL_ALLOC_TRY
     std::unique_ptr<QBLMessageBase> owned(message);
     m_messages.push_back(message);
-    owned.release();
+    static_cast<void>(owned.release());
     QBL_ALLOC_CATCH
 }
 
@@ -37,7 +37,7 @@ void QBLMessageSet::addMessageFront(const QBLMessageBase& message) {
     QBL_ALLOC_TRY
     std::unique_ptr<QBLMessageBase> copied(message.clone());
     m_messages.push_front(copied.get());
-    copied.release();
+    static_cast<void>(copied.release());
     QBL_ALLOC_CATCH
 }
 

@@ -133,7 +133,9 @@ bool QBLResourceBMF::fetch(const Entry& entry, char** text) {
         m_pText = allocate(length + 1);
         m_textCapacity = length;
     }
-    const long position = static_cast<long>(kHeaderSize + kEntrySize * m_header.entries + offset);
+    // No more than the length of the file, which is a long.
+    const unsigned behindIndex = kHeaderSize + kEntrySize * m_header.entries;
+    const long position = static_cast<long>(behindIndex) + static_cast<long>(offset);
     // A text that cannot be read leaves the caller's pointer alone and still counts as found:
     // programs take the identifier's being there from the result.
     if (m_file.seek(position, QBLFmFile::begin) != position) return true;

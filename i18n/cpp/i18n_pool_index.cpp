@@ -16,11 +16,12 @@ void I18NPoolIndex::grow() {
     if (bits > kMostBits || ((SIZE_MAX - kHead) / sizeof(Slot)) >> bits == 0)
         throw std::bad_alloc();
     void* const memory =
-        ::operator new(kHead + (sizeof(Slot) << bits), std::align_val_t{kHead}, std::nothrow);
+        ::operator new (kHead + (sizeof(Slot) << bits), std::align_val_t{kHead}, std::nothrow);
     if (memory == nullptr) throw std::bad_alloc();
     new (memory) Slot*(table.slots());
     const std::uintptr_t slots = reinterpret_cast<std::uintptr_t>(memory) + kHead;
     for (std::size_t i = 0; i < std::size_t{1} << bits; ++i)
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): found from an address by arithmetic
         new (reinterpret_cast<Slot*>(slots) + i) Slot{};
     m_table.store(slots + bits, std::memory_order_release);
 }

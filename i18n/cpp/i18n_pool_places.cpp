@@ -35,6 +35,7 @@ struct Block {
     bool hasRoom() const { return live < kPlaces; }
     static Block* of(const void* in) {
         const auto address = reinterpret_cast<std::uintptr_t>(in);
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): found from an address by arithmetic
         return reinterpret_cast<Block*>(address - address % kBlock);
     }
 };
@@ -62,6 +63,7 @@ public:
     }
     Entry* find(const I18NString& string) {
         const auto address = reinterpret_cast<std::uintptr_t>(&string) - offsetof(Entry, place);
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): found from an address by arithmetic
         Block* const block = Block::of(reinterpret_cast<const void*>(address));
         QBLThreadGuard guard(m_lock);
         if (m_blocks.count(block) == 0) return nullptr;
@@ -82,13 +84,13 @@ public:
 
 private:
     void addBlock() QBL_REQUIRES(m_lock) {
-        void* const memory = ::operator new(kBlock, std::align_val_t{kBlock}, std::nothrow);
+        void* const memory = ::operator new (kBlock, std::align_val_t{kBlock}, std::nothrow);
         if (memory == nullptr) throw std::bad_alloc();
         auto* const block = new (memory) Block();
         try {
             m_blocks.insert(block);
         } catch (...) {
-            ::operator delete(memory, std::align_val_t{kBlock});
+            ::operator delete (memory, std::align_val_t{kBlock});
             throw;
         }
         for (unsigned i = 0; i < Block::kPlaces; ++i)

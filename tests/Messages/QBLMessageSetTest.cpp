@@ -48,7 +48,8 @@ TEST(QBLMessageSetTest, OwnsItsMessagesAndKeepsTheirOrder) {
     EXPECT_EQ(nullptr, set.getMessageN(0));
     EXPECT_EQ("abc", textOf(copy));
     EXPECT_EQ(1UL, copy.getNesting());
-    copy = copy;
+    const QBLMessageSet& itself = copy;
+    copy = itself;
     copy.clear();
     EXPECT_EQ(0UL, copy.getNesting());
     I18NString nothing;

@@ -57,7 +57,8 @@ TEST(I18NPooledStringTest, HashesTheBytesSignExtended) {
 
 TEST(I18NPooledStringTest, DumpsByBucketsAndPurgesWhatNobodyHolds) {
     Pool& pool = emptyPool();
-    const I18NPooledString a("a"), again(a), empty("");
+    I18NPooledString a("a"), again, empty("");
+    again = a;
     const I18NString& unheld = pool.getString("0H");  // of the bucket that "a" is in
     I18NPooledString third("1\"");                    // and so is this
     EXPECT_EQ(97U, Pool::hashOf("1\"") % 257);
@@ -69,13 +70,14 @@ TEST(I18NPooledStringTest, DumpsByBucketsAndPurgesWhatNobodyHolds) {
     const std::string first = "hashCode-> 0x00000061 refCount->          2 data-> a\n";
     const std::string second = "hashCode-> 0x00000768 refCount->          0 data-> 0H\n";
     const std::string last = "hashCode-> 0x00000768 refCount->          1 data-> 1\"\n";
+    const std::string three = first + second + last;
     for (int i = 0; i < 257; ++i) {
         char number[8];
         std::snprintf(number, sizeof number, "%4d", i);
         if (i == 0)
             expected += bucket(number, 1, "hashCode-> 0000000000 refCount->          1 data-> \n");
         else
-            expected += i == 97 ? bucket(number, 3, first + second + last) : bucket(number, 0, "");
+            expected += i == 97 ? bucket(number, 3, three) : bucket(number, 0, "");
     }
     EXPECT_EQ(expected +
                   "======= begin summary =======\nTotal number of entries 4\nEntries to be deleted "
@@ -207,6 +209,7 @@ TEST(I18NPooledStringTest, AFailedAllocationLeavesThePoolAsItWas) {
 TEST(I18NPooledStringTest, ThreadsAcquireReleasePurgeDumpAndStop) {
     Pool& pool = emptyPool();
     std::vector<std::string> texts;
+    texts.reserve(300);
     for (int i = 0; i < 300; ++i)
         texts.push_back(std::string(i % 7 == 0 ? 40 : 0, 'x') + (i % 5 == 0 ? "\xC3\xA9" : "") +
                         std::to_string(i));

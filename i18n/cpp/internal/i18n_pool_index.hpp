@@ -58,6 +58,7 @@ private:
     public:
         explicit Table(std::uintptr_t word) : m_word(word) {}
         unsigned bits() const { return m_word & 63; }
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): found from an address by arithmetic
         Slot* slots() const { return reinterpret_cast<Slot*>(m_word - bits()); }
         std::uint32_t capacity() const { return 1U << bits(); }
         // The multiplier is 2^32 by the golden ratio, which spreads also what differs little.
