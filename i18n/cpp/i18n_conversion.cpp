@@ -15,8 +15,8 @@ constexpr std::ptrdiff_t kMostUnits = 0x3FFFFFFF;
 constexpr std::ptrdiff_t kUnit = sizeof(UChar);
 
 // Whole blocks are read, also before a text and behind its end: they are aligned, so that they do
-// not reach into another page, as the C library reads strings. To the sanitizer it is a fault.
-#define READS_WHOLE_BLOCKS __attribute__((no_sanitize("address")))
+// not reach into another page, as the C library reads strings. To the sanitizers it is a fault.
+#define READS_WHOLE_BLOCKS __attribute__((no_sanitize("address"), no_sanitize("thread")))
 
 /// A bit for each byte of a block's zero units.
 READS_WHOLE_BLOCKS unsigned zeroUnits(const char* block) {
