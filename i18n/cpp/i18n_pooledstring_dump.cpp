@@ -32,7 +32,8 @@ int openDumpFile() {
 template <class... Arguments>
 void print(std::ostream& out, const char* format, Arguments... arguments) {
     char line[80];
-    out.write(line, std::snprintf(line, sizeof line, format, arguments...));
+    const int length = std::snprintf(line, sizeof line, format, arguments...);
+    out.write(line, length);
 }
 
 }  // namespace

@@ -33,7 +33,8 @@ std::wstring wideOf(const std::u16string& units) {
 std::u16string normalized(const std::u16string& text, I18NNormalizationForms form) {
     I18NString string;
     string.useNormalization(false);
-    string = wideOf(text).c_str();
+    const std::wstring wide = wideOf(text);
+    string = wide.c_str();
     string.useNormalization(true);
     return string.normalize(form).toUtf16();
 }
