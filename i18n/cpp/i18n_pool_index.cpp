@@ -19,10 +19,9 @@ void I18NPoolIndex::grow() {
         ::operator new (kHead + (sizeof(Slot) << bits), std::align_val_t{kHead}, std::nothrow);
     if (memory == nullptr) throw std::bad_alloc();
     new (memory) Slot*(table.slots());
-    const std::uintptr_t slots = reinterpret_cast<std::uintptr_t>(memory) + kHead;
+    char* const slots = static_cast<char*>(memory) + kHead;
     for (std::size_t i = 0; i < std::size_t{1} << bits; ++i)
-        // NOLINTNEXTLINE(performance-no-int-to-ptr): found from an address by arithmetic
-        new (reinterpret_cast<Slot*>(slots) + i) Slot{};
+        new (slots + i * sizeof(Slot)) Slot(nullptr);
     m_table.store(slots + bits, std::memory_order_release);
 }
 
@@ -30,5 +29,5 @@ void I18NPoolIndex::clear() noexcept {
     const Table table(m_table.load(std::memory_order_relaxed));
     if (table.slots() == nullptr) return;
     for (std::uint32_t i = 0; i < table.capacity(); ++i)
-        table.slots()[i].entry.store(nullptr, std::memory_order_relaxed);
+        table.slots()[i].store(nullptr, std::memory_order_relaxed);
 }

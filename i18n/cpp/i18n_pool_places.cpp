@@ -1,10 +1,12 @@
 #include <sys/mman.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <map>
 #include <new>
-#include <set>
+#include <utility>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Frame/internal/QBLImmortal.hpp"
@@ -18,6 +20,8 @@ using Entry = I18NPooledStringEntry;
 
 constexpr std::size_t kPage = 4096;
 constexpr std::size_t kBlock = 8 * kPage;  // bytes of a block, and its alignment
+constexpr std::size_t kMostBlocks = 256;   // of a region: 8 MiB
+constexpr std::size_t kLargePage = 2 << 20;
 
 /// A block of places, at whose beginning this is. All under the lock of the places.
 struct Block {
@@ -25,6 +29,7 @@ struct Block {
     Entry* empty;            // places that were used
     unsigned fresh;          // places from here on are empty too
     unsigned live;
+    bool rested;  // no place has been taken since the last trim()
 
     static constexpr std::size_t kFirst = 64;
     static constexpr unsigned kPlaces = (kBlock - kFirst) / sizeof(Entry);
@@ -33,10 +38,9 @@ struct Block {
         return reinterpret_cast<Entry*>(reinterpret_cast<unsigned char*>(this) + kFirst);
     }
     bool hasRoom() const { return live < kPlaces; }
-    static Block* of(const void* in) {
-        const auto address = reinterpret_cast<std::uintptr_t>(in);
-        // NOLINTNEXTLINE(performance-no-int-to-ptr): found from an address by arithmetic
-        return reinterpret_cast<Block*>(address - address % kBlock);
+    static Block* of(Entry* place) {
+        const auto address = reinterpret_cast<std::uintptr_t>(place);
+        return reinterpret_cast<Block*>(reinterpret_cast<unsigned char*>(place) - address % kBlock);
     }
 };
 static_assert(sizeof(Block) <= Block::kFirst, "a block's head stands before its places");
@@ -50,6 +54,7 @@ public:
         Entry* const place = block.empty != nullptr ? block.empty : block.places() + block.fresh++;
         if (place == block.empty) block.empty = place->next;
         ++block.live;
+        block.rested = false;
         if (!block.hasRoom()) unlink(block);
         return place;
     }
@@ -63,18 +68,19 @@ public:
     }
     Entry* find(const I18NString& string) {
         const auto address = reinterpret_cast<std::uintptr_t>(&string) - offsetof(Entry, place);
-        // NOLINTNEXTLINE(performance-no-int-to-ptr): found from an address by arithmetic
-        Block* const block = Block::of(reinterpret_cast<const void*>(address));
         QBLThreadGuard guard(m_lock);
-        if (m_blocks.count(block) == 0) return nullptr;
+        const auto found = m_blocks.find(address - address % kBlock);
+        if (found == m_blocks.end()) return nullptr;
+        Block* const block = found->second;
         const std::uintptr_t offset = address - reinterpret_cast<std::uintptr_t>(block->places());
         if (offset % sizeof(Entry) != 0 || offset / sizeof(Entry) >= block->fresh) return nullptr;
         return block->places() + offset / sizeof(Entry);
     }
     void trim() {
         QBLThreadGuard guard(m_lock);
-        for (Block* block : m_blocks) {
-            if (block->live != 0 || block->fresh == 0) continue;
+        for (const auto& [address, block] : m_blocks) {
+            const bool rested = std::exchange(block->rested, block->live == 0);
+            if (!rested || block->fresh == 0) continue;
             block->empty = nullptr;
             block->fresh = 0;
             // All but the page with the head. If it is refused the memory stays as it is.
@@ -84,18 +90,24 @@ public:
 
 private:
     void addBlock() QBL_REQUIRES(m_lock) {
-        void* const memory = ::operator new (kBlock, std::align_val_t{kBlock}, std::nothrow);
-        if (memory == nullptr) throw std::bad_alloc();
-        auto* const block = new (memory) Block();
-        try {
-            m_blocks.insert(block);
-        } catch (...) {
-            ::operator delete (memory, std::align_val_t{kBlock});
-            throw;
-        }
+        if (m_left == 0) addRegion();
+        auto* const block = new (m_pRegion) Block();
+        m_blocks.emplace(reinterpret_cast<std::uintptr_t>(block), block);
+        m_pRegion += kBlock;
+        --m_left;
         for (unsigned i = 0; i < Block::kPlaces; ++i)
             new (&block->places()[i].refCount) std::atomic<std::uint32_t>(0);
         link(*block);
+    }
+    // The more there is the larger, and in large pages then: places are looked at in any order.
+    void addRegion() QBL_REQUIRES(m_lock) {
+        const std::size_t blocks = std::clamp<std::size_t>(m_blocks.size(), 1, kMostBlocks);
+        const std::size_t size = blocks * kBlock;
+        void* const memory = ::operator new (size, std::align_val_t{kBlock}, std::nothrow);
+        if (memory == nullptr) throw std::bad_alloc();
+        if (size > kLargePage) madvise(memory, size, MADV_HUGEPAGE);
+        m_pRegion = static_cast<unsigned char*>(memory);
+        m_left = blocks;
     }
     void link(Block& block) QBL_REQUIRES(m_lock) {
         block.previous = nullptr;
@@ -109,8 +121,10 @@ private:
     }
 
     QBLThreadCriticalSection m_lock{0};
-    std::set<Block*> m_blocks QBL_GUARDED_BY(m_lock);
+    std::map<std::uintptr_t, Block*> m_blocks QBL_GUARDED_BY(m_lock);  // by their addresses
     Block* m_pWithRoom QBL_GUARDED_BY(m_lock) = nullptr;
+    unsigned char* m_pRegion QBL_GUARDED_BY(m_lock) = nullptr;  // memory for more blocks
+    std::size_t m_left QBL_GUARDED_BY(m_lock) = 0;              // how many
 };
 
 }  // namespace

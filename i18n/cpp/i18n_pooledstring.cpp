@@ -51,6 +51,33 @@ inline Hashed hashed(const char* text) {
     return {hash, static_cast<std::size_t>(p - text)};
 }
 
+/// The pool, without a call once it is there.
+inline I18NPooledString::I18NPooledStringPool& knownPool() {
+    static std::atomic<I18NPooledString::I18NPooledStringPool*> known{nullptr};
+    auto* pool = known.load(std::memory_order_acquire);
+    if (__builtin_expect(pool == nullptr, 0))
+        known.store(pool = &I18NPooledString::getPool(), std::memory_order_release);
+    return *pool;
+}
+
+/// A holder of an entry, counted until the end of the scope or for longer.
+class Pin {
+public:
+    explicit Pin(Entry& entry) : m_pEntry(&entry) {}
+    ~Pin() {
+        if (m_pEntry != nullptr) m_pEntry->unpin();
+    }
+    Pin(const Pin&) = delete;
+    Pin& operator=(const Pin&) = delete;
+    bool keep() {
+        m_pEntry = nullptr;
+        return true;
+    }
+
+private:
+    Entry* m_pEntry;
+};
+
 }  // namespace
 
 I18NPooledString::I18NPooledStringPool::I18NPooledStringPool()
@@ -63,29 +90,28 @@ unsigned I18NPooledString::I18NPooledStringPool::hashOf(const char* text) {
     return text != nullptr ? hashed(text).hash : 0;
 }
 
-inline Entry* I18NPooledString::I18NPooledStringPool::acquire(const char* utf8) {
+Entry* I18NPooledString::I18NPooledStringPool::acquire(const char* utf8) {
+    I18NPooledStringPool& pool = knownPool();
     if (utf8 == nullptr) utf8 = "";
     const Hashed key = hashed(utf8);
     const unsigned number = key.hash % kBuckets;
-    Entry* const found =
-        m_pBuckets[number].index.find(key.hash, [](Entry& entry) { return entry.pin(); });
-    if (found != nullptr) {
-        // Before it was pinned the entry may have become that of another text.
-        if (found->hashCode == key.hash && found->holds(utf8, key.length)) return found;
-        found->unpin();
-    }
-    return acquireLocked(number, utf8, key.hash);
+    Entry* const found = pool.m_pBuckets[number].index.find(key.hash, [=](Entry& entry) {
+        if (!entry.pin()) return false;
+        Pin pin(entry);
+        return entry.hashCode == key.hash && entry.holds(utf8, key.length) && pin.keep();
+    });
+    return found != nullptr ? found : pool.acquireLocked(number, utf8, key.hash);
 }
 
-// The text may be there by now, also behind another one with its hash.
+// The text may be there by now.
 Entry* I18NPooledString::I18NPooledStringPool::acquireLocked(unsigned number, const char* utf8,
                                                              unsigned hash) {
     QBL_ALLOC_TRY
     const std::size_t length = std::strlen(utf8);
     Bucket& bucket = m_pBuckets[number];
     QBLThreadGuard guard(m_locks[number % kLocks]);
-    Entry* const found =
-        bucket.index.find(hash, [=](Entry& entry) { return entry.holds(utf8, length); });
+    Entry* const found = bucket.index.find(
+        hash, [=](Entry& entry) { return entry.hashCode == hash && entry.holds(utf8, length); });
     if (found != nullptr) {
         if (!found->pin()) QBL_THROW(QBLOutOfMemoryError(0, kTooMany));
         return found;
@@ -125,9 +151,10 @@ void I18NPooledString::I18NPooledStringPool::releaseString(const I18NString& str
 }
 
 I18NPooledString::I18NPooledString(const I18NString& text)
-    : m_pEntry(getPool().acquire(text.c_str())) {}
+    : m_pEntry(I18NPooledStringPool::acquire(text.c_str())) {}
 
-I18NPooledString::I18NPooledString(const char* utf8) : m_pEntry(getPool().acquire(utf8)) {}
+I18NPooledString::I18NPooledString(const char* utf8)
+    : m_pEntry(I18NPooledStringPool::acquire(utf8)) {}
 
 I18NPooledString::I18NPooledString(const I18NPooledString& other) : m_pEntry(other.m_pEntry) {
     if (m_pEntry != nullptr && !m_pEntry->addHolder()) QBL_THROW(QBLOutOfMemoryError(0, kTooMany));

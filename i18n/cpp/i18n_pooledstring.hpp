@@ -29,7 +29,7 @@ struct I18NPooledStringEntry;
 /// different bytes may be the same text in normalisation form C, equal holders may still differ in
 /// their entries.
 ///
-/// Errors: QBLOutOfMemoryError, also for more than some 500 million holders of one text. A holder
+/// Errors: QBLOutOfMemoryError, also for more than some 130 million holders of one text. A holder
 /// is as it was after an error.
 ///
 /// Threads: any number of threads may use the holders of a text; each holder one at a time, but
@@ -136,7 +136,7 @@ private:
     I18NPooledStringPool();
     ~I18NPooledStringPool() = delete;
 
-    I18NPooledStringEntry* acquire(const char* utf8);
+    static I18NPooledStringEntry* acquire(const char* utf8);
     I18NPooledStringEntry* acquireLocked(unsigned number, const char* utf8, unsigned hash);
     I18NPooledStringEntry* createPSPE(const char* utf8, unsigned hash);
     /// Calls a body with each bucket and its number, under its lock.

@@ -68,7 +68,7 @@ void I18NPooledString::I18NPooledStringPool::clear() noexcept {
             return true;
         });
     });
-    I18NPoolPlaces::trim();
+    for (int i = 0; i < 2; ++i) I18NPoolPlaces::trim();
 }
 
 // A purge does not fail for its dump.

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <iomanip>
 #include <random>
 #include <sstream>
 #include <vector>
@@ -33,9 +34,12 @@ std::string dumped() {
     return out.str();
 }
 
-std::string bucket(const std::string& number, int count, const std::string& entries) {
-    return "====== begin bucket ======\n" + entries + "==========================\nbucket " +
-           number + " contains " + std::to_string(count) + " entries\n======= end bucket =======\n";
+std::string bucket(int number, int count, const std::string& entries) {
+    std::ostringstream out;
+    out << "====== begin bucket ======\n"
+        << entries << "==========================\nbucket " << std::setw(4) << number
+        << " contains " << count << " entries\n======= end bucket =======\n";
+    return out.str();
 }
 
 std::time_t now = 1000;
@@ -57,8 +61,7 @@ TEST(I18NPooledStringTest, HashesTheBytesSignExtended) {
 
 TEST(I18NPooledStringTest, DumpsByBucketsAndPurgesWhatNobodyHolds) {
     Pool& pool = emptyPool();
-    I18NPooledString a("a"), again, empty("");
-    again = a;
+    const I18NPooledString a("a"), again("a"), empty("");
     const I18NString& unheld = pool.getString("0H");  // of the bucket that "a" is in
     I18NPooledString third("1\"");                    // and so is this
     EXPECT_EQ(97U, Pool::hashOf("1\"") % 257);
@@ -66,25 +69,20 @@ TEST(I18NPooledStringTest, DumpsByBucketsAndPurgesWhatNobodyHolds) {
     EXPECT_EQ(5, pool.getTotalRefCount());
     EXPECT_EQ(4 + 6 + 6, pool.size());
     for (int i = 0; i < 2; ++i) pool.releaseString(unheld);
-    std::string expected;
+    const std::string zero = "hashCode-> 0000000000 refCount->          1 data-> \n";
     const std::string first = "hashCode-> 0x00000061 refCount->          2 data-> a\n";
     const std::string second = "hashCode-> 0x00000768 refCount->          0 data-> 0H\n";
     const std::string last = "hashCode-> 0x00000768 refCount->          1 data-> 1\"\n";
-    const std::string three = first + second + last;
-    for (int i = 0; i < 257; ++i) {
-        char number[8];
-        std::snprintf(number, sizeof number, "%4d", i);
-        if (i == 0)
-            expected += bucket(number, 1, "hashCode-> 0000000000 refCount->          1 data-> \n");
-        else
-            expected += i == 97 ? bucket(number, 3, three) : bucket(number, 0, "");
-    }
+    const std::string all = first + second + last;
+    std::string expected;
+    for (int i = 0; i < 257; ++i)
+        expected += bucket(i, i == 0 ? 1 : i == 97 ? 3 : 0, i == 0 ? zero : i == 97 ? all : "");
     EXPECT_EQ(expected +
                   "======= begin summary =======\nTotal number of entries 4\nEntries to be deleted "
                   "1\nTotal reference count 4\n======= end summary =======\n",
               dumped());
     I18NPooledString::purge();
-    EXPECT_NE(std::string::npos, dumped().find(bucket("  97", 2, first + last)));
+    EXPECT_NE(std::string::npos, dumped().find(bucket(97, 2, first + last)));
     EXPECT_EQ("1\"", third.getString());
     third = "a";
     EXPECT_EQ(&a.getString(), &third.getString());

@@ -20,7 +20,7 @@ struct alignas(64) I18NPooledStringEntry {
     static constexpr std::uint32_t kDetached = 1U << 29;  // no longer in the pool
     static constexpr std::uint32_t kShort = 1U << 28;     // the text is in the string itself
     static constexpr std::uint32_t kCount = kShort - 1;
-    static constexpr std::uint32_t kMost = kCount - (1U << 16);
+    static constexpr std::uint32_t kFull = 1U << 27;  // of the count: there may be no more
 
     static constexpr std::size_t kUsed =
         sizeof(void*) + sizeof(I18NString) + 2 * sizeof(std::uint32_t);
@@ -33,16 +33,19 @@ struct alignas(64) I18NPooledStringEntry {
     I18NString& string() { return *std::launder(reinterpret_cast<I18NString*>(place)); }
     /// Makes an entry of a place whose string and hash are there, with one holder.
     void enter() noexcept {
-        const I18NString& text = string();
-        const bool inlined = text.c_str() == text.m_asciiInline;
+        I18NString& text = string();
+        const bool inlined = text.m_pUnicodeString == nullptr && text.c_str() == text.m_asciiInline;
+        // Words of it are compared, also behind its end.
+        const auto length = static_cast<std::size_t>(text.m_asciiBufLength);
+        if (inlined)
+            std::memset(text.m_asciiInline + length, '\0', I18NString::kInline + 1 - length);
         refCount.store(kLive | (inlined ? kShort : 0U) | 1, std::memory_order_release);
     }
     /// Requires: the caller has a holder, or the bucket's lock.
     bool holds(const char* utf8, std::size_t length) {
         if ((refCount.load(std::memory_order_relaxed) & kShort) == 0)
             return holdsLong(utf8, length);
-        return length <= I18NString::kInline &&
-               std::memcmp(string().m_asciiInline, utf8, length + 1) == 0;
+        return length <= I18NString::kInline && sameText(string().m_asciiInline, utf8, length);
     }
 
     std::uint32_t holders() const { return refCount.load(std::memory_order_acquire) & kCount; }
@@ -50,7 +53,7 @@ struct alignas(64) I18NPooledStringEntry {
     /// Counts a holder, unless the entry is not in the pool or has too many.
     bool pin() noexcept {
         std::uint32_t state = refCount.load(std::memory_order_relaxed);
-        while ((state & (kLive | kDetached)) == kLive && (state & kCount) < kMost)
+        while ((state & (kLive | kDetached | kFull)) == kLive)
             if (refCount.compare_exchange_weak(state, state + 1, std::memory_order_acquire,
                                                std::memory_order_relaxed))
                 return true;
@@ -59,7 +62,7 @@ struct alignas(64) I18NPooledStringEntry {
     /// @return false if there are too many
     /// Requires: the caller has a holder.
     bool addHolder() noexcept {
-        if ((refCount.fetch_add(1, std::memory_order_relaxed) & kCount) < kMost) return true;
+        if ((refCount.fetch_add(1, std::memory_order_relaxed) & kFull) == 0) return true;
         refCount.fetch_sub(1, std::memory_order_relaxed);
         return false;
     }
@@ -95,6 +98,19 @@ struct alignas(64) I18NPooledStringEntry {
     }
 
 private:
+    /// Compares texts of which one has a length, and the other a zero at its end, by words.
+    static bool sameText(const char* text, const char* utf8, std::size_t length) {
+        const auto differ = [=](std::size_t i) {
+            std::uint32_t a, b;
+            std::memcpy(&a, text + i, sizeof a);
+            std::memcpy(&b, utf8 + i, sizeof b);
+            return a != b;
+        };
+        if (length < 3) return std::memcmp(text, utf8, length + 1) == 0;
+        for (std::size_t i = 0; i + 4 <= length; i += 4)
+            if (differ(i)) return false;
+        return !differ(length - 3);
+    }
     static bool isLast(std::uint32_t state) {
         return (state & (kDetached | kCount)) == (kDetached | 1);
     }
@@ -112,7 +128,8 @@ I18NPooledStringEntry* take();
 void give(I18NPooledStringEntry* place) noexcept;
 /// The entry that a string is in, which may be an empty place; null for any other string.
 I18NPooledStringEntry* find(const I18NString& string);
-/// Gives memory back.
+/// Gives memory back: that of places which have been empty since the last time, so that what a
+/// program needs again and again stays.
 void trim() noexcept;
 
 }  // namespace I18NPoolPlaces

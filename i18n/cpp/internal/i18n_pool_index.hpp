@@ -16,7 +16,7 @@ public:
 
     bool hasRoomFor(unsigned entries) const {
         const Table table(m_table.load(std::memory_order_relaxed));
-        return table.slots() != nullptr && entries <= table.capacity() / 3 * 2;
+        return table.slots() != nullptr && entries <= table.capacity() / 8 * 7;
     }
     /// Goes over to an empty table of twice the size.
     /// @throws std::bad_alloc
@@ -24,56 +24,60 @@ public:
     /// Requires: room.
     void insert(Entry* entry) noexcept {
         const Table table(m_table.load(std::memory_order_relaxed));
-        Slot* slot = table.home(entry->hashCode);
-        while (slot->entry.load(std::memory_order_relaxed) != nullptr) slot = table.after(slot);
-        slot->hash.store(entry->hashCode, std::memory_order_relaxed);
-        slot->entry.store(entry, std::memory_order_release);
+        const std::uint32_t spread = spreadOf(entry->hashCode);
+        Slot* slot = table.home(spread);
+        while (slot->load(std::memory_order_relaxed) != nullptr) slot = table.after(slot);
+        slot->store(reinterpret_cast<char*>(entry) + tagOf(spread), std::memory_order_release);
     }
     void clear() noexcept;
-    /// Calls a body with each entry of a hash until one gives true.
+    /// Calls a body with each entry of a hash, and few others, until one gives true.
     /// @return that entry, or null
     template <class Body>
     Entry* find(std::uint32_t hash, Body body) const {
         const Table table(m_table.load(std::memory_order_acquire));
         if (table.slots() == nullptr) return nullptr;
-        const Slot* slot = table.home(hash);
-        // There are free slots, but for a reader without the lock not at each moment.
-        for (std::uint32_t n = table.capacity(); n != 0; --n, slot = table.after(slot)) {
-            Entry* const entry = slot->entry.load(std::memory_order_acquire);
-            if (entry == nullptr) return nullptr;
-            if (slot->hash.load(std::memory_order_relaxed) == hash && body(*entry)) return entry;
+        const std::uint32_t spread = spreadOf(hash);
+        const Slot* slot = table.home(spread);
+        // There are free slots. Who reads while they move finds one in the next round.
+        for (;; slot = table.after(slot)) {
+            char* const tagged = slot->load(std::memory_order_acquire);
+            if (tagged == nullptr) return nullptr;
+            if ((reinterpret_cast<std::uintptr_t>(tagged) & kTag) != tagOf(spread)) continue;
+            auto* const entry = reinterpret_cast<Entry*>(tagged - tagOf(spread));
+            if (body(*entry)) return entry;
         }
-        return nullptr;
     }
 
 private:
-    struct Slot {
-        std::atomic<std::uint32_t> hash;
-        std::atomic<Entry*> entry;
-    };
+    /// The address of an entry, with some bits of its hash in those that are zero there: few
+    /// others need to be looked at. Null is a free slot.
+    using Slot = std::atomic<char*>;
+    static constexpr std::uintptr_t kTag = 63;
+    static_assert(alignof(Entry) > kTag, "the tag is in the low bits of an entry's address");
+
+    // The multiplier is 2^32 by the golden ratio, which spreads also what differs little. The
+    // highest bits choose the slot.
+    static std::uint32_t spreadOf(std::uint32_t hash) { return (hash ^ hash >> 16) * 0x9E3779B1U; }
+    static std::uintptr_t tagOf(std::uint32_t spread) { return spread >> 2 & kTag; }
 
     /// Slots, and how many, in a word: their address is a multiple of 64, and the bits below are
     /// the logarithm of their number.
     class Table {
     public:
-        explicit Table(std::uintptr_t word) : m_word(word) {}
-        unsigned bits() const { return m_word & 63; }
-        // NOLINTNEXTLINE(performance-no-int-to-ptr): found from an address by arithmetic
+        explicit Table(char* word) : m_word(word) {}
+        unsigned bits() const { return reinterpret_cast<std::uintptr_t>(m_word) & 63; }
         Slot* slots() const { return reinterpret_cast<Slot*>(m_word - bits()); }
         std::uint32_t capacity() const { return 1U << bits(); }
-        // The multiplier is 2^32 by the golden ratio, which spreads also what differs little.
-        Slot* home(std::uint32_t hash) const {
-            return slots() + (hash * 0x9E3779B1U >> (32 - bits()));
-        }
+        Slot* home(std::uint32_t spread) const { return slots() + (spread >> (32 - bits())); }
         Slot* after(const Slot* slot) const {
             return slots() + ((slot - slots() + 1) & static_cast<std::ptrdiff_t>(capacity() - 1));
         }
 
     private:
-        std::uintptr_t m_word;
+        char* m_word;
     };
 
-    std::atomic<std::uintptr_t> m_table;
+    std::atomic<char*> m_table;
 };
 
 #endif
