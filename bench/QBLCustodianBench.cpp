@@ -38,11 +38,13 @@ private:
     std::promise<void> m_entered, m_opened;
 };
 
-/// Has tasks called by the custodian, in their order in each pass. Its end stops the library and
-/// starts it again: nothing of the custodian is left to disturb other measurements.
+/// Has tasks called by the custodian, in their order in each pass. The library is started anew
+/// before and after: a pause begun with the old schedule would last out its minute, and nothing of
+/// the custodian is left to disturb other measurements.
 class Registered {
 public:
     explicit Registered(const Tasks& tasks) : m_before(QBLCustodian::setSchedule(kPauseMs)) {
+        startAnew();
         add(&m_gate);
         m_gate.waitUntilEntered();
         for (QBLCustodianTask* task : tasks) add(task);
@@ -50,13 +52,16 @@ public:
     }
     ~Registered() {
         QBLCustodian::setSchedule(m_before);
-        qblCoreTerminate();
-        qblCoreInitialize();
+        startAnew();
     }
     Registered(const Registered&) = delete;
     Registered& operator=(const Registered&) = delete;
 
 private:
+    static void startAnew() {
+        qblCoreTerminate();
+        qblCoreInitialize();
+    }
     static void add(QBLCustodianTask* task) {
         if (!QBLCustodian::registerTask(task)) throw std::runtime_error("no custodian");
     }
