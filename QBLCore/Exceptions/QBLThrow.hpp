@@ -4,7 +4,8 @@
 #include "QBLCore/Exceptions/QBLFileLocation.hpp"
 #include "QBLCore/Frame/QBLExport.h"
 
-/// Throws a throwable given as an expression; the back-trace gets this place:
+/// Throws a throwable given as an expression; the back-trace gets this place. Where there is no
+/// memory to make the throwable, std::bad_alloc leaves instead, of every operation:
 ///     QBL_THROW(QBLIllegalStateError(0, "QBLThing::stop: not started"));
 #define QBL_THROW(...) (__VA_ARGS__).hurl(QBL_HERE, nullptr, "QBL_THROW")
 /// QBL_THROW with a detail in the trace entry, usually the operation's name.

@@ -29,6 +29,9 @@ struct Library {
     int refCount = 0;  // guarded by refCountLock
 };
 
+// Made when the library is loaded: a start can count whatever happens.
+Library& g_library = qblImmortal<Library>();
+
 bool isCompatible(int major, int minor) {
     return major == static_cast<int>(kMajor) && minor <= static_cast<int>(kMinor);
 }
@@ -44,9 +47,8 @@ int storeVersion(unsigned* major, unsigned* minor) {
 // A failed start is deliberately lenient: the count stays raised for the caller's one stop, and
 // the later steps are still taken.
 int qblCoreInitialize() {
-    Library& library = qblImmortal<Library>();
-    QBLThreadGuard guard(library.refCountLock);
-    if (++library.refCount != 1) return 0;
+    QBLThreadGuard guard(g_library.refCountLock);
+    if (++g_library.refCount != 1) return 0;
     int result = 0;
     if (qblThreadProcessInitialize(kName) < 0) result = kSubsystemFailed;
     if (!QBLCustodian::initialize()) {
@@ -62,10 +64,9 @@ int qblCoreInitialize() {
 }
 
 int qblCoreTerminate() {
-    Library& library = qblImmortal<Library>();
-    QBLThreadGuard guard(library.refCountLock);
-    if (library.refCount <= 0) return kNotStarted;
-    if (--library.refCount > 0) return 0;
+    QBLThreadGuard guard(g_library.refCountLock);
+    if (g_library.refCount <= 0) return kNotStarted;
+    if (--g_library.refCount > 0) return 0;
     I18NPooledString::terminate();
     QBLHighResolutionTime::terminate();
     QBLCustodian::terminate();

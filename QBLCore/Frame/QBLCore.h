@@ -9,10 +9,12 @@ extern "C" {
 
 /// Starts the library; calls are counted, and only the first one does the work. Call it before
 /// any other facility and take it back with qblCoreTerminate(), also when it failed. A failed
-/// start counts, and what did start stays.
+/// start counts, and what did start stays, but for the thread layer: no thread can be started
+/// until the library has been stopped and started anew. Further starts return 0 all the same.
+/// From C++, QBLOutOfMemoryError or QBLStdExceptionError may leave it; that start counts, too.
 ///
-/// Threads: any thread may call start and stop at any time; each call returns when the library
-/// is up or down for good. Neither may be called by work that the library itself runs while it
+/// Threads: any thread may call start and stop at any time; each call returns when the start or
+/// stop under way is complete. Neither may be called by work that the library itself runs while it
 /// stops, such as a custodian's task.
 /// @return 0; -3 if a subsystem failed to start
 QBL_API int qblCoreInitialize(void);
@@ -39,7 +41,8 @@ typedef void (*QBLNewHandler)(void);
 /// @return the handler before
 QBL_API QBLNewHandler qblSetNewHandler(QBLNewHandler handler);
 
-/// Lowers the process's scheduling priority for batch work, by 4 steps of niceness.
+/// Lowers the scheduling priority for batch work by 4 steps of niceness: that of the calling
+/// thread and of those that it starts from then on. Call it before others are started.
 /// @return 1; 0 if the system refused
 QBL_API int qblSetBatchMode(void);
 

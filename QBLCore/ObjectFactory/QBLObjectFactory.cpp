@@ -37,8 +37,8 @@ struct QBLObjectFactory::LISTS_STRUCT {
     Creator creator = nullptr;  // changes with classId
     Items freeItems;            // but the one released last
     Items allItems;
-    // Changes only while nobody has an item, or makes one: whoever has one may read it.
-    char* classId = nullptr;
+    // Changes only while nobody has an item, or makes one.
+    std::atomic<char*> classId{nullptr};
     // The item released last, if it is free: what is released and created again at once needs no
     // lock.
     std::atomic<QBLObjectFactoryItem*> latest{nullptr};
@@ -59,9 +59,11 @@ void QBLObjectFactory::LISTS_STRUCT::serve(char* id, Creator function) {
 
 /// Hands out the item released last; null if that is not free, or this serves another class.
 QBLObjectFactoryItem* QBLObjectFactory::LISTS_STRUCT::takeLatest(const char* id) {
+    // Another class's item must not even for a moment count as handed out.
+    if (classId.load(std::memory_order_acquire) != id) return nullptr;
     QBLObjectFactoryItem* item = latest.exchange(nullptr, std::memory_order_acq_rel);
     if (item == nullptr) return nullptr;
-    if (classId != id) {
+    if (classId.load(std::memory_order_acquire) != id) {
         putFree(*item);
         return nullptr;
     }
@@ -246,7 +248,7 @@ QBLObjectFactoryItem* QBLObjectFactory::make(LISTS_STRUCT& lists) {
 }
 
 void QBLObjectFactory::releaseObject(QBLObjectFactoryItem* item) {
-    if (item == nullptr) return;
+    if (item == nullptr || item->m_free.load(std::memory_order_acquire)) return;
     LISTS_STRUCT& lists = listsOf(*item);
     if (!item->m_free.exchange(true, std::memory_order_acq_rel)) lists.putFree(*item);
 }

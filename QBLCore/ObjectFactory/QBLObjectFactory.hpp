@@ -19,7 +19,7 @@ class QBLObjectFactoryItem;
 /// A class id is a pointer, and compared as one: an equal text at another address is another id.
 ///
 /// Creators, cleanObject() and destructors of items are called without a lock, and may use the
-/// factory.
+/// factory, but not to create or release items while it is destroyed.
 ///
 /// Errors: QBLOutOfMemoryError, after which the factory is as it was.
 ///

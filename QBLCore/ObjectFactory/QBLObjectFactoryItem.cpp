@@ -10,6 +10,7 @@ void QBLObjectFactoryItem::release() {
         delete this;
         return;
     }
+    if (m_free.load(std::memory_order_acquire)) return;
     cleanObject();
     m_pFactory->releaseObject(this);
 }

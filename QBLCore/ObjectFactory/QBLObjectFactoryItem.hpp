@@ -11,7 +11,8 @@
 /// Threads: an item belongs to whom it was handed out to.
 class QBL_API QBLObjectFactoryItem {
 public:
-    /// @param factory  which the item goes back to; null for an item that release() deletes
+    /// @param factory  which the item goes back to, and which must be there until then for an item
+    ///     that no creation hands out; null for an item that release() deletes
     explicit QBLObjectFactoryItem(QBLObjectFactory* factory);
     QBLObjectFactoryItem(const QBLObjectFactoryItem&) = delete;
     QBLObjectFactoryItem& operator=(const QBLObjectFactoryItem&) = delete;

@@ -1,6 +1,9 @@
 #include "QBLCore/PlugIns/QBLPluginLibraryLoader.hpp"
 
 #include <dlfcn.h>
+#include <sys/stat.h>
+
+#include <climits>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
@@ -13,8 +16,16 @@ namespace {
 const char kLoad[] = "QBLPluginLibraryLoader::load";
 const char kUnload[] = "QBLPluginLibraryLoader::unload";
 const char kBadPath[] = "The path is empty or has a zero in it.";
+const char kTooLong[] = "The path is too long.";
+const char kNotAFile[] = "It is not a regular file.";
 const char kNoHandle[] = "There is no handle.";
 const char kNoReason[] = "The system gives no reason.";
+
+/// False also for what is not there.
+bool isSpecialFile(const char* path) {
+    struct stat status;
+    return stat(path, &status) == 0 && !S_ISREG(status.st_mode);
+}
 
 QBLPluginException failure(QBLPluginErrorCode code, const char* reason) {
     QBLPluginException error(QBLSeverityError, code);
@@ -33,6 +44,11 @@ void* QBLPluginLibraryLoader::load(const std::string& path) {
     // The system would take an empty path for the program itself, and the rest for no part of one.
     if (path.empty() || path.find('\0') != std::string::npos)
         QBL_THROW_NAMED(failure(QBLPluginLoadFailed, kBadPath), kLoad);
+    // The system copies a name to the stack before it looks how long that is, and waits for whoever
+    // writes to a pipe, in a call that keeps all threads from their libraries.
+    if (resolved.size() >= PATH_MAX) QBL_THROW_NAMED(failure(QBLPluginLoadFailed, kTooLong), kLoad);
+    if (resolved.find('/') != std::string::npos && isSpecialFile(resolved.c_str()))
+        QBL_THROW_NAMED(failure(QBLPluginLoadFailed, kNotAFile), kLoad);
     void* handle = dlopen(resolved.c_str(), RTLD_LAZY);
     if (handle == nullptr) QBL_THROW_NAMED(failure(QBLPluginLoadFailed, dlerror()), kLoad);
     return handle;

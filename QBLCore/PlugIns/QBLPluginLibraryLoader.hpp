@@ -11,6 +11,10 @@
 /// by its type. An exception of a class of its own must be gone, with all copies, before the
 /// plug-in is unloaded.
 ///
+/// Loading runs the file's code, and trusts what it holds: whoever can write to it, to its
+/// directory or to one that the system searches can do what the process may. A damaged file may end
+/// the process.
+///
 /// Threads: any thread.
 ///
 ///     void* plugin = QBLPluginLibraryLoader::load("plugins/libdisk.so");
@@ -23,11 +27,16 @@ public:
     /// Loads a shared object; functions that it calls are bound when they are called first. Each
     /// load of one that is loaded already is counted, and needs an unload of its own.
     /// @param path  as QBLFmDir::resolveEffectivePath sees it; a name without "/" is then looked
-    ///     for where the system looks for libraries, as in dlopen(3)
+    ///     for where the system looks for libraries, as in dlopen(3), which also replaces $ORIGIN,
+    ///     $LIB and $PLATFORM in a path
     /// @return the handle, as dlsym(3) takes it
-    /// @throws QBLPluginException 1, with the system's reason as its second message
+    /// @throws QBLPluginException 1, with the reason as its second message: the system's, or that
+    ///     this is no regular file or no path; QBLOutOfMemoryError
     [[nodiscard]] static void* load(const std::string& path);
-    /// @throws QBLPluginException 2, with the system's reason as its second message
+    /// @param handle  of load(), with no more unloads than loads. When the last one is gone,
+    /// nothing
+    ///     of the plug-in may be in use any more: functions, objects, threads, registered tasks.
+    /// @throws QBLPluginException 2, with the reason as its second message; QBLOutOfMemoryError
     static void unload(void* handle);
     /// Call an entry point of a plug-in; null does nothing.
     /// @throws what the entry point throws

@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/ThreadPools/QBLThreadExecuteRunnable.hpp"
@@ -12,32 +13,58 @@ namespace {
 
 const char kTask[] = "QBLTaskGroup::Task::run";
 const char kTag[] = "QBL_THROW";
+const char kOwnPiece[] = "QBLTaskGroup::wait: called by a piece of the group";
+
+/// A group of which this thread runs a piece, and whom it was called by.
+struct Running {
+    explicit Running(const QBLTaskGroup& g) : group(g), outer(t_innermost) { t_innermost = this; }
+    ~Running() { t_innermost = outer; }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+
+    static bool isPieceOf(const QBLTaskGroup& group) {
+        const Running* running = t_innermost;
+        while (running != nullptr && &running->group != &group) running = running->outer;
+        return running != nullptr;
+    }
+
+    const QBLTaskGroup& group;
+    Running* const outer;
+
+private:
+    static thread_local Running* t_innermost;
+};
+
+thread_local Running* Running::t_innermost = nullptr;
 
 }  // namespace
 
 QBLTaskGroup::Task::~Task() = default;
 
-TAV_CATCHES_UNWINDING void QBLTaskGroup::Task::run() {
-    // Leaves however the work ends: it may end its thread.
-    struct Departure {
-        Task* task;
-        ~Departure() { task->m_group.leave(task); }
-    } departure{this};
-    try {
-        work();
-    } catch (abi::__forced_unwind&) {
-        throw;
-    } catch (...) {
-        m_group.keepError();
-    }
-}
+void QBLTaskGroup::Task::run() { m_group.performAll(this); }
 
 QBLTaskGroup::QBLTaskGroup(QBLThreadExecuteRunnable& pool)
-    : m_pool(pool), m_lock(0), m_iPending(0), m_bFailed(false) {}
+    : m_pool(pool), m_lock(0), m_iPending(0), m_pRefused(nullptr), m_bFailed(false) {}
 
 QBLTaskGroup::~QBLTaskGroup() {
     QBLThreadGuard guard(m_lock);
-    while (m_iPending != 0) m_allDone.wait(m_lock);
+    waitForAll();
+}
+
+/// Runs a piece, and those that were refused meanwhile. The group may be gone afterwards.
+TAV_CATCHES_UNWINDING void QBLTaskGroup::performAll(Task* task) {
+    const Running running(*this);
+    while (task != nullptr) {
+        try {
+            task->work();
+        } catch (abi::__forced_unwind&) {
+            leave(task);  // this thread ends: what was refused is left to the others
+            throw;
+        } catch (...) {
+            keepError();
+        }
+        task = leaveForNext(task);
+    }
 }
 
 /// Takes the task over.
@@ -53,12 +80,46 @@ void QBLTaskGroup::start(Task* task) {
         leave(task);
         qblRethrowTranslated(QBL_HERE);
     }
-    if (accepted == 0) task->run();
+    if (accepted != 0) return;
+    if (!Running::isPieceOf(*this)) {
+        performAll(task);
+        return;
+    }
+    // Within a piece it waits its turn: pieces that add pieces would else fill the stack.
+    QBLThreadGuard guard(m_lock);
+    task->m_pNext = m_pRefused;
+    m_pRefused = task;
+    m_allDone.broadcast();
+}
+
+/// Requires: the lock is held.
+QBLTaskGroup::Task* QBLTaskGroup::takeRefused() noexcept {
+    Task* task = m_pRefused;
+    if (task != nullptr) m_pRefused = task->m_pNext;
+    return task;
+}
+
+/// Returns with nothing pending. Requires: the lock is held.
+void QBLTaskGroup::waitForAll() {
+    struct Unlocked {
+        explicit Unlocked(QBLThreadCriticalSection& l) : lock(l) { lock.unlock(); }
+        ~Unlocked() { lock.lock(); }
+        QBLThreadCriticalSection& lock;
+    };
+    while (m_iPending != 0) {
+        if (Task* task = takeRefused()) {
+            const Unlocked unlocked(m_lock);
+            performAll(task);
+        } else {
+            m_allDone.wait(m_lock);
+        }
+    }
 }
 
 void QBLTaskGroup::wait(const QBLFileLocation& where) {
+    if (Running::isPieceOf(*this)) QBL_THROW(QBLIllegalStateError(0, kOwnPiece));
     QBLThreadGuard guard(m_lock);
-    while (m_iPending != 0) m_allDone.wait(m_lock);
+    waitForAll();
     if (!m_bFailed) return;
     m_bFailed = false;
     try {
@@ -74,18 +135,28 @@ void QBLTaskGroup::wait(const QBLFileLocation& where) {
 }
 
 /// The task goes first: what it holds may refer to what is there only until the wait ends. The
-/// group may be gone as soon as the lock is free.
+/// group may be gone as soon as the lock is free, if this was the last one pending.
 void QBLTaskGroup::leave(Task* task) noexcept {
     delete task;
     QBLThreadGuard guard(m_lock);
     if (--m_iPending == 0) m_allDone.broadcast();
 }
 
+/// The same; gives a refused piece for this thread to run next, or null.
+QBLTaskGroup::Task* QBLTaskGroup::leaveForNext(Task* task) noexcept {
+    delete task;
+    QBLThreadGuard guard(m_lock);
+    if (--m_iPending == 0) m_allDone.broadcast();
+    return takeRefused();
+}
+
 /// Inside a handler: keeps the current exception if it is the first.
 void QBLTaskGroup::keepError() {
-    QBLThreadGuard guard(m_lock);
-    if (m_bFailed) return;
-    m_bFailed = true;
+    {
+        QBLThreadGuard guard(m_lock);
+        if (m_bFailed) return;
+        m_bFailed = true;
+    }
     try {
         try {
             throw;

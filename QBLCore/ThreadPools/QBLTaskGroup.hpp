@@ -16,11 +16,14 @@ class QBLThreadExecuteRunnable;
 /// is thrown again by wait(); the others are dropped.
 ///
 /// A piece that the pool does not take at once, because no worker is idle or its queue is full, is
-/// run by run() itself. A piece may add others to its group. One that waits for a group keeps its
-/// worker from other work: in a pool of a fixed size, all workers may come to wait for each other.
+/// run by run() itself. A piece may add others to its group; those that the pool does not take are
+/// run after it, by whichever thread of the group comes free, a waiting one included. A piece that
+/// waits for another group keeps its worker from other work: in a pool of a fixed size, all workers
+/// may come to wait for each other.
 ///
-/// Threads: run() and wait() for any thread. The pool must outlive the last wait: a queued one that
-/// drops its queue when it is destroyed would leave the group waiting.
+/// Threads: run() and wait() for any thread. The pool must outlive the last wait and must not be
+/// told to stop before it: a pool that drops its queue would leave the group waiting. So would a
+/// piece that ends its thread, in a pool that does not replace its workers.
 ///
 ///     QBLTaskGroup group(pool);
 ///     for (File& file : files) group.run([&file] { file.check(); });
@@ -30,7 +33,7 @@ public:
     /// @param pool  not owned
     /// @throws QBLOutOfMemoryError, QBLThreadResourceError
     explicit QBLTaskGroup(QBLThreadExecuteRunnable& pool);
-    /// Waits for all; an error that nobody has waited for is dropped.
+    /// Waits for all; an error that nobody has waited for is dropped. Not in a piece of the group.
     ~QBLTaskGroup();
     QBLTaskGroup(const QBLTaskGroup&) = delete;
     QBLTaskGroup& operator=(const QBLTaskGroup&) = delete;
@@ -56,6 +59,7 @@ public:
     /// error, as its own class: with the place where it was thrown, and this one. What is no
     /// throwable comes as one, as of qblRethrowTranslated; an error that there was no memory to
     /// keep, as QBLOutOfMemoryError. Of several waits at a time one throws.
+    /// @throws QBLIllegalStateError in a piece of the group, which would wait for itself
     /// @param where  the place, the caller's own unless given
     void wait(const QBLFileLocation& where = QBLFileLocation(__builtin_FILE(), __builtin_LINE()));
 
@@ -68,9 +72,12 @@ private:
         void run() final;
 
     private:
+        friend class QBLTaskGroup;
+
         virtual void work() = 0;
 
         QBLTaskGroup& m_group;
+        Task* m_pNext = nullptr;  // among the refused
     };
 
     template <class Body>
@@ -87,15 +94,22 @@ private:
     };
 
     void start(Task* task);
+    void performAll(Task* task);
+    void waitForAll();
+    Task* takeRefused() noexcept;
     void leave(Task* task) noexcept;
+    Task* leaveForNext(Task* task) noexcept;
     void keepError();
 
     QBLThreadExecuteRunnable& m_pool;
     QBLThreadCriticalSection m_lock;
     QBLThreadConditionVariable m_allDone;  // waited on under m_lock
     int m_iPending;                        // guarded by m_lock, as the rest
+    Task* m_pRefused;                      // pieces that the pool did not take; a list
     bool m_bFailed;
-    QBLDeferredThrowable m_error;  // empty after a failure that there was no memory to keep
+    // Written by the piece that failed first, while it is pending; empty after a failure that there
+    // was no memory to keep.
+    QBLDeferredThrowable m_error;
 };
 
 #endif

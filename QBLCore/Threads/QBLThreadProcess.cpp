@@ -16,12 +16,14 @@ struct Starts {
     int count = 0;  // guarded by lock
 };
 
+// Made when the library is loaded, so that no start or stop fails for want of it.
+Starts& g_starts = qblImmortal<Starts>();
+
 }  // namespace
 
 int qblThreadProcessInitialize(const char*) {
-    Starts& starts = qblImmortal<Starts>();
-    QBLThreadGuard guard(starts.lock);
-    ++starts.count;
+    QBLThreadGuard guard(g_starts.lock);
+    ++g_starts.count;
     // The layer's own result is deliberately not looked at: without the layer no thread starts,
     // and that is reported where one is started.
     tavThreadProcessInitialize(kLayerName);
@@ -29,10 +31,9 @@ int qblThreadProcessInitialize(const char*) {
 }
 
 int qblThreadProcessTerminate(const char*) {
-    Starts& starts = qblImmortal<Starts>();
-    QBLThreadGuard guard(starts.lock);
-    if (starts.count > 0) --starts.count;
+    QBLThreadGuard guard(g_starts.lock);
+    if (g_starts.count > 0) --g_starts.count;
     tavThreadProcessTerminate(kLayerName);
     // The layer counts for itself, the key does not: it must last as long as the layer.
-    return starts.count == 0 ? QBLThread::Terminate() : 0;
+    return g_starts.count == 0 ? QBLThread::Terminate() : 0;
 }

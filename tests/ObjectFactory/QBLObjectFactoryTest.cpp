@@ -52,7 +52,7 @@ TEST(QBLObjectFactoryTest, HandsOutTheItemReleasedLastAfterCleaningIt) {
         QBLObjectFactory factory;
         factory.registerClass(g_id, &Item::make);
         auto* a = dynamic_cast<Item*>(factory.createObject(g_id));
-        QBLObjectFactoryItem* b = factory.createObject(g_id);
+        auto* b = dynamic_cast<Item*>(factory.createObject(g_id));
         a->release();
         b->release();
         b->release();
@@ -60,6 +60,7 @@ TEST(QBLObjectFactoryTest, HandsOutTheItemReleasedLastAfterCleaningIt) {
         EXPECT_EQ(b, factory.createObject(g_id));
         EXPECT_EQ(a, factory.createObject(g_id));
         EXPECT_EQ(1, a->cleaned);
+        EXPECT_EQ(1, b->cleaned) << "free already";
         QBLObjectFactoryItem* c = factory.createObject(g_id);
         EXPECT_TRUE(c != a && c != b) << "released twice, handed out twice";
         a->release();

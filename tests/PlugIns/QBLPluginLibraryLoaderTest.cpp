@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <stdexcept>
 
@@ -9,6 +10,7 @@
 #include "QBLCore/Messages/QBLMessageBase.hpp"
 #include "QBLCore/PlugIns/QBLPluginException.hpp"
 #include "i18n/cpp/i18n_string.hpp"
+#include "tests/support/TempTree.hpp"
 #include "tests/support/ThrowChecks.hpp"
 
 namespace {
@@ -53,6 +55,14 @@ TEST(QBLPluginLibraryLoaderTest, SaysWhyItFails) {
     EXPECT_EQ("1 Error " + load +
                   "/absent/x.so: cannot open shared object file: No such file or directory",
               failureOf([] { static_cast<void>(QBLPluginLibraryLoader::load("/absent/x.so")); }));
+    EXPECT_EQ("1 Error " + load + "The path is too long.", failureOf([] {
+                  static_cast<void>(QBLPluginLibraryLoader::load(std::string(10000000, 'a')));
+              }));
+    const TempTree tree;
+    const std::string pipe = tree("pipe.so");
+    ASSERT_EQ(0, mkfifo(pipe.c_str(), 0600));
+    EXPECT_EQ("1 Error " + load + "It is not a regular file.",
+              failureOf([&] { static_cast<void>(QBLPluginLibraryLoader::load(pipe)); }));
     for (const std::string& path : {std::string(), std::string("x\0y", 3)})
         EXPECT_EQ("1 Error " + load + "The path is empty or has a zero in it.",
                   failureOf([&] { static_cast<void>(QBLPluginLibraryLoader::load(path)); }));

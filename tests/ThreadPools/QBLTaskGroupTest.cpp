@@ -4,6 +4,7 @@
 #include <pthread.h>
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <thread>
@@ -11,6 +12,7 @@
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/Frame/QBLCore.h"
+#include "QBLCore/ThreadPools/QBLThreadPoolFixed.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolVariable.hpp"
 #include "tests/support/FaultInjection.hpp"
@@ -18,6 +20,8 @@
 #include "tests/support/Workers.hpp"
 
 namespace {
+
+const char kOwnPiece[] = "QBLTaskGroup::wait: called by a piece of the group";
 
 /// Takes no task, or throws instead.
 class Refusing : public QBLThreadExecuteRunnable {
@@ -102,6 +106,23 @@ TEST_F(QBLTaskGroupTest, RunsItselfWhatThePoolDoesNotTake) {
                      "stopped");
     group.wait();
     EXPECT_EQ(std::this_thread::get_id(), where) << "refused, and not run";
+}
+
+TEST_F(QBLTaskGroupTest, PiecesThatAddPiecesNeedNoStack) {
+    QBLThreadPoolFixed busy(1);
+    Refusing none;
+    for (QBLThreadExecuteRunnable* pool : {static_cast<QBLThreadExecuteRunnable*>(&busy),
+                                           static_cast<QBLThreadExecuteRunnable*>(&none)}) {
+        QBLTaskGroup group(*pool);
+        std::atomic<int> left{200000};
+        std::function<void()> step = [&] {
+            if (--left > 0) group.run(step);
+        };
+        group.run(step);
+        group.run([&] { QBL_EXPECT_THROW(group.wait(), QBLIllegalStateError, kOwnPiece); });
+        group.wait();
+        EXPECT_EQ(0, left);
+    }
 }
 
 TEST_F(QBLTaskGroupTest, SurvivesTheEndOfAThreadAndOfMemory) {
