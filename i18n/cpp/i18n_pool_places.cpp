@@ -101,10 +101,14 @@ private:
     }
     // The more there is the larger, and in large pages then: places are looked at in any order.
     void addRegion() QBL_REQUIRES(m_lock) {
-        const std::size_t blocks = std::clamp<std::size_t>(m_blocks.size(), 1, kMostBlocks);
+        std::size_t blocks = std::clamp<std::size_t>(m_blocks.size(), 1, kMostBlocks);
+        void* memory = nullptr;
+        for (;; blocks /= 2) {
+            memory = ::operator new (blocks* kBlock, std::align_val_t{kBlock}, std::nothrow);
+            if (memory != nullptr) break;
+            if (blocks == 1) throw std::bad_alloc();
+        }
         const std::size_t size = blocks * kBlock;
-        void* const memory = ::operator new (size, std::align_val_t{kBlock}, std::nothrow);
-        if (memory == nullptr) throw std::bad_alloc();
         if (size > kLargePage) madvise(memory, size, MADV_HUGEPAGE);
         m_pRegion = static_cast<unsigned char*>(memory);
         m_left = blocks;

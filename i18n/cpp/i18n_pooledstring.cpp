@@ -1,7 +1,6 @@
 #include "i18n/cpp/i18n_pooledstring.hpp"
 
 #include <cstdlib>
-#include <memory>
 #include <new>
 #include <utility>
 
@@ -26,7 +25,8 @@ const char kForeign[] = "I18NPooledStringPool::releaseString: the string is not 
 struct Starts {
     QBLThreadCriticalSection s_initLock{0};
     int s_initCount QBL_GUARDED_BY(s_initLock) = 0;
-    I18NPooledStringCustodian* task QBL_GUARDED_BY(s_initLock) = nullptr;  // null if refused
+    I18NPooledStringCustodian task QBL_GUARDED_BY(s_initLock);
+    bool registered QBL_GUARDED_BY(s_initLock) = false;
 };
 
 struct Hashed {
@@ -147,7 +147,7 @@ const I18NString& I18NPooledString::I18NPooledStringPool::getString(const I18NSt
 void I18NPooledString::I18NPooledStringPool::releaseString(const I18NString& string) {
     Entry* const entry = I18NPoolPlaces::find(string);
     if (entry == nullptr) QBL_THROW(QBLIllegalArgumentError(0, kForeign));
-    entry->unpinIfHeld();
+    entry->unpin();
 }
 
 I18NPooledString::I18NPooledString(const I18NString& text)
@@ -177,7 +177,8 @@ I18NPooledString& I18NPooledString::operator=(const I18NPooledString& other) {
 }
 
 I18NPooledString& I18NPooledString::operator=(I18NPooledString&& other) noexcept {
-    std::swap(m_pEntry, other.m_pEntry);
+    I18NPooledString taken(std::move(other));
+    std::swap(m_pEntry, taken.m_pEntry);
     return *this;
 }
 
@@ -194,15 +195,14 @@ I18NPooledString::I18NPooledStringPool& I18NPooledString::getPool() {
 bool I18NPooledString::initialize() {
     Starts& starts = qblImmortal<Starts>();
     QBLThreadGuard guard(starts.s_initLock);
-    if (starts.s_initCount == 0) {
-        QBL_ALLOC_TRY
-        getPool();
-        auto task = std::make_unique<I18NPooledStringCustodian>();
-        if (QBLCustodian::registerTask(task.get())) starts.task = task.release();
-        QBL_ALLOC_CATCH
+    getPool();
+    // A custodian that came later, or has been stopped and started, does not know the task.
+    if (!starts.registered || starts.task.m_dropped) {
+        starts.task.m_dropped = false;
+        starts.registered = QBLCustodian::registerTask(&starts.task);
     }
     ++starts.s_initCount;
-    return starts.task != nullptr;
+    return starts.registered;
 }
 
 // A task that was withdrawn is not being called any more.
@@ -210,8 +210,7 @@ void I18NPooledString::terminate() {
     Starts& starts = qblImmortal<Starts>();
     QBLThreadGuard guard(starts.s_initLock);
     if (starts.s_initCount == 0 || --starts.s_initCount > 0) return;
-    if (starts.task != nullptr) QBLCustodian::deRegisterTask(starts.task);
-    delete std::exchange(starts.task, nullptr);
+    if (std::exchange(starts.registered, false)) QBLCustodian::deRegisterTask(&starts.task);
     s_init = false;
     getPool().clear();
 }

@@ -12,7 +12,8 @@
 struct I18NPooledStringEntry;
 
 /// A text that is kept once in the process, however many hold it: a holder is as large as a
-/// pointer. Taking a text that is in the pool allocates nothing and takes no lock.
+/// pointer. Taking an ASCII text that is in the pool allocates nothing, and takes no lock but while
+/// texts of its bucket are added or purged. The bytes of others may have to be converted first.
 ///
 /// Texts that nobody holds any more stay until the next purge, which the custodian does from time
 /// to time while the library runs. In its first pass it reads "I18NPooledString.conf" from the
@@ -25,12 +26,19 @@ struct I18NPooledStringEntry;
 /// goes with its last holder. The pool can be used before the library starts and after it stopped,
 /// but then nobody purges it.
 ///
+/// Each text costs at least 128 bytes (192 at 64 bits). Of that memory, what a purge empties goes
+/// back to the system, but for a page in eight and for the tables by which texts are found.
+///
+/// Whoever chooses the texts can choose many of one hash, which makes them slow to find: do not
+/// pool what comes from strangers without a limit.
+///
 /// Texts of bytes are UTF-8. Two of them share an entry when they have the same bytes; as
 /// different bytes may be the same text in normalisation form C, equal holders may still differ in
 /// their entries.
 ///
-/// Errors: QBLOutOfMemoryError, also for more than some 130 million holders of one text. A holder
-/// is as it was after an error.
+/// Errors: QBLOutOfMemoryError, also for more than some 130 million holders of one text, and what
+/// I18NString throws for text that it cannot take. A holder is as it was after an error. A new
+/// handler (qblSetNewHandler) must not use the pool: it is called under its locks.
 ///
 /// Threads: any number of threads may use the holders of a text; each holder one at a time, but
 /// for the constant operations. The operations of the class may be called by any thread.
@@ -40,6 +48,8 @@ public:
 
     /// Holds the empty text, of no entry.
     I18NPooledString() noexcept = default;
+    /// The text by its UTF-8 form: up to a zero in it, with U+FFFD for a surrogate without its
+    /// other half, in normalisation form C.
     explicit I18NPooledString(const I18NString& text);
     /// @param utf8  null is the empty text
     explicit I18NPooledString(const char* utf8);
@@ -64,7 +74,8 @@ public:
         return !(a == b);
     }
 
-    /// Part of the start of the library, counted: the first one gives the custodian its task.
+    /// Part of the start of the library, counted: gives the custodian its task if that has none.
+    /// Neither this nor terminate() may be called by a task of the custodian.
     /// @return whether there is such a task now
     /// @throws QBLOutOfMemoryError, QBLStdExceptionError; it does not count then
     static bool initialize();
@@ -90,18 +101,20 @@ private:
 /// The texts of the process, in 257 buckets by a hash of their bytes.
 ///
 /// Threads: any thread may call any operation. What changes a bucket, or walks it, holds one of 64
-/// locks; none is held across buckets, so what is told of several is of several moments. Taking a
-/// text that is there waits for nobody.
+/// locks; none is held across buckets, so what is told of several is of several moments, and a
+/// holder may be a look-up under way. Sums over INT_MAX are INT_MAX.
 class QBL_API I18NPooledString::I18NPooledStringPool {
 public:
     /// The string of a text, which is added if it is not there. Each call counts as a holder, up to
     /// its releaseString().
     /// @param utf8  null is the empty text
+    /// @throws as I18NPooledString
     const I18NString& getString(const char* utf8);
-    /// The same by the string's UTF-8 form.
+    /// The same by the string's UTF-8 form, as I18NPooledString takes it.
     const I18NString& getString(const I18NString& text);
     /// Counts a holder less; does nothing when none is left.
-    /// @param string  the very string that getString() gave
+    /// @param string  the very string that this class's getString() gave, once for each time; a
+    ///     holder's string is the holder's to release
     /// @throws QBLIllegalArgumentError for one that is not of the pool
     void releaseString(const I18NString& string);
 
@@ -110,6 +123,8 @@ public:
     void purge();
     /// Writes a line for each text, by buckets, and a summary. Texts are written as they are, line
     /// ends in them too.
+    /// @param out  is written to under the locks: it must not use the pool
+    /// @throws QBLOutOfMemoryError; what the stream throws if it was told to
     void dump(std::ostream& out);
 
     /// Texts in the pool.
@@ -155,6 +170,8 @@ private:
 ///
 /// Threads: doIt() by one at a time.
 class QBL_API I18NPooledStringCustodian : public QBLCustodianTask {
+    friend class I18NPooledString;
+
 public:
     /// @param clock  tells the time as time() does
     explicit I18NPooledStringCustodian(std::time_t (*clock)(std::time_t*) = std::time);
@@ -163,7 +180,8 @@ public:
 
 private:
     std::time_t (*m_clock)(std::time_t*);
-    std::time_t m_last;  // when the settings were read, or the last purge began
+    std::time_t m_last;           // when the settings were read, or the last purge began
+    std::atomic<bool> m_dropped;  // by a custodian that has stopped
 };
 
 #endif

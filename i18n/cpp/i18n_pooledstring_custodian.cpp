@@ -2,7 +2,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -18,12 +19,20 @@ struct Settings {
     bool dumpToFile = false;
 };
 
-/// @return whether it is the whole of a text
+/// Values beyond 32 bits become the nearest, on every machine.
+/// @return whether the number is the whole of a text
 bool parse(const char* text, long& value) {
     char* end = nullptr;
-    errno = 0;
-    value = std::strtol(text, &end, 10);
-    return errno == 0 && end != text && *end == '\0';
+    value = static_cast<long>(
+        std::clamp<long long>(std::strtoll(text, &end, 10), INT32_MIN, INT32_MAX));
+    return end != text && *end == '\0';
+}
+
+/// The rest of a word that is longer than any of ours is left out.
+bool readWord(std::FILE* file, char (&word)[64]) {
+    if (std::fscanf(file, "%63s", word) != 1) return false;
+    static_cast<void>(std::fscanf(file, "%*[^ \t\r\n\v\f]"));
+    return true;
 }
 
 /// Null if there is no such file. A pipe or a device, which could keep the custodian waiting, is
@@ -44,7 +53,7 @@ Settings readSettings() {
     std::FILE* const file = openSettings();
     if (file == nullptr) return settings;
     char key[64], text[64];
-    while (std::fscanf(file, "%63s %63s", key, text) == 2) {
+    while (readWord(file, key) && readWord(file, text)) {
         long value = 0;
         if (!parse(text, value)) continue;
         if (std::strcmp(key, "interval") == 0) settings.interval = value < 0 ? kInterval : value;
@@ -61,9 +70,10 @@ std::atomic<bool> I18NPooledString::s_dumpToFile{false};
 std::atomic<bool> I18NPooledString::s_init{false};
 
 I18NPooledStringCustodian::I18NPooledStringCustodian(std::time_t (*clock)(std::time_t*))
-    : m_clock(clock), m_last(0) {}
+    : m_clock(clock), m_last(clock(nullptr)), m_dropped(false) {}
 
 int I18NPooledStringCustodian::doIt(int terminating) {
+    if (terminating != 0) m_dropped = true;
     if (!I18NPooledString::s_init) {
         const Settings settings = readSettings();
         I18NPooledString::s_interval = settings.interval;

@@ -2,6 +2,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <climits>
+#include <cstdint>
 #include <cstdio>
 #include <ext/stdio_filebuf.h>
 #include <ostream>
@@ -28,6 +31,8 @@ int openDumpFile() {
     return -1;
 }
 
+int capped(std::int64_t sum) { return static_cast<int>(std::min<std::int64_t>(sum, INT_MAX)); }
+
 /// Writes by a format of printf, short texts only.
 template <class... Arguments>
 void print(std::ostream& out, const char* format, Arguments... arguments) {
@@ -39,10 +44,10 @@ void print(std::ostream& out, const char* format, Arguments... arguments) {
 }  // namespace
 
 struct I18NPooledString::I18NPooledStringPool::Totals {
-    int entries = 0;
-    int unheld = 0;
-    int size = 0;
-    int holders = 0;
+    std::int64_t entries = 0;
+    std::int64_t unheld = 0;
+    std::int64_t size = 0;
+    std::int64_t holders = 0;
 };
 
 template <class Body>
@@ -81,6 +86,7 @@ void I18NPooledString::I18NPooledStringPool::dumpToFile() {
     bool written = false;
     const bool done = tavContain([&] {
         __gnu_cxx::stdio_filebuf<char> file(fd, std::ios::out);
+        if (!file.is_open()) ::close(fd);  // for want of memory
         std::ostream out(&file);
         dump(out);
         written = !out.flush().fail();
@@ -106,25 +112,26 @@ void I18NPooledString::I18NPooledStringPool::dump(std::ostream& out) {
         out << "======= end bucket =======\n";
     });
     out << "======= begin summary =======\n";
-    print(out, "Total number of entries %d\nEntries to be deleted %d\n", sum.entries, sum.unheld);
-    print(out, "Total reference count %d\n", sum.holders);
+    print(out, "Total number of entries %d\nEntries to be deleted %d\n", capped(sum.entries),
+          capped(sum.unheld));
+    print(out, "Total reference count %d\n", capped(sum.holders));
     out << "======= end summary =======\n";
 }
 
 I18NPooledString::I18NPooledStringPool::Totals I18NPooledString::I18NPooledStringPool::totals() {
     Totals sum;
     eachBucket([&sum](Bucket& bucket, unsigned) {
-        sum.entries += static_cast<int>(bucket.count);
+        sum.entries += bucket.count;
         for (Entry* e = bucket.first; e != nullptr; e = e->next) {
             sum.size += e->string().size();
-            sum.holders += static_cast<int>(e->holders());
+            sum.holders += e->holders();
         }
     });
     return sum;
 }
 
-int I18NPooledString::I18NPooledStringPool::count() { return totals().entries; }
+int I18NPooledString::I18NPooledStringPool::count() { return capped(totals().entries); }
 
-int I18NPooledString::I18NPooledStringPool::size() { return totals().size; }
+int I18NPooledString::I18NPooledStringPool::size() { return capped(totals().size); }
 
-int I18NPooledString::I18NPooledStringPool::getTotalRefCount() { return totals().holders; }
+int I18NPooledString::I18NPooledStringPool::getTotalRefCount() { return capped(totals().holders); }

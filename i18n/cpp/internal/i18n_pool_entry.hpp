@@ -66,13 +66,9 @@ struct alignas(64) I18NPooledStringEntry {
         refCount.fetch_sub(1, std::memory_order_relaxed);
         return false;
     }
-    /// Counts a holder less; the last one of an entry that is no longer in the pool destroys it.
+    /// Counts a holder less, unless there is none: it may have been released once too often. The
+    /// last one of an entry that is no longer in the pool destroys it.
     void unpin() noexcept {
-        const std::uint32_t state = refCount.fetch_sub(1, std::memory_order_acq_rel);
-        if (isLast(state)) destroy();
-    }
-    /// The same, but does nothing without a holder.
-    void unpinIfHeld() noexcept {
         std::uint32_t state = refCount.load(std::memory_order_relaxed);
         do {
             if ((state & kLive) == 0 || (state & kCount) == 0) return;
