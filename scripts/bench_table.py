@@ -18,7 +18,7 @@ import time
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 BEGIN, END = "<!-- measured -->", "<!-- /measured -->"
 # What Google Benchmark appends to a name.
-SUFFIX = re.compile(r"(/real_time|/manual_time|/iterations:\d+)+$")
+SUFFIX = re.compile(r"(/real_time|/manual_time|/iterations:\d+|/threads:\d+)+$")
 # Share of one processor that other programs may use during a measurement.
 DISTURBED = 0.1
 
