@@ -149,8 +149,45 @@ class MessageSetPrinter:
         return "array"
 
 
-BY_NAME = {"I18NString": StringPrinter, "QBLList": ListPrinter,
-           "QBLMessageString": MessageStringPrinter, "QBLMessageParm": ParameterPrinter}
+class ByteBufferPrinter:
+    """QBLByteBuffer: its content."""
+
+    def __init__(self, value):
+        self.value = value
+
+    def to_string(self):
+        v = self.value
+        return v["m_pBuffer"].string("latin-1", length=shown(int(v["m_iCount"])))
+
+    def display_hint(self):
+        return "string"
+
+
+class VariantPrinter:
+    """QBLVariant: the value that its tag means."""
+
+    MEMBERS = {1: ("Long", "m_long"), 2: ("UnsignedLong", "m_unsignedLong"),
+               3: ("Double", "m_double"), 5: ("Pointer", "m_pointer")}
+
+    def __init__(self, value):
+        self.value = value
+
+    def to_string(self):
+        v = self.value
+        kind = int(v["m_type"])
+        if kind == 4:
+            text = v["m_value"]["m_string"]
+            return (text.format_string(address=False)
+                    if int(text) != 0 and text == v["m_pOwned"] else "no string")
+        if kind in self.MEMBERS:
+            name, member = self.MEMBERS[kind]
+            return "%s %s" % (name, v["m_value"][member])
+        return "of no type" if kind == 0 else "of the unknown type %d" % kind
+
+
+BY_NAME = {"I18NString": StringPrinter, "QBLByteBuffer": ByteBufferPrinter, "QBLList": ListPrinter,
+           "QBLMessageString": MessageStringPrinter, "QBLMessageParm": ParameterPrinter,
+           "QBLVariant": VariantPrinter}
 BY_BASE = {"QBLThrowable": ThrowablePrinter, "QBLMessageComponents": MessagePrinter,
            "QBLMessageSet": MessageSetPrinter}
 

@@ -11,6 +11,8 @@
 #include "QBLCore/Messages/QBLMessageString.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Threads/QBLThreadMutex.hpp"
+#include "QBLCore/Types/QBLByteBuffer.hpp"
+#include "QBLCore/Types/QBLVariant.hpp"
 #include "TavThread/TavMutex.h"
 #include "i18n/cpp/i18n_string.hpp"
 
@@ -29,6 +31,13 @@ int main() {
     QBLList<int> none;
     QBLMessageSet messages;
     messages << (QBLMessage("texts", 104) << 5 << "disk" << 0.5) << QBLMessageString("plain");
+    QBLByteBuffer buffer;
+    buffer << "bytes " << 12;
+    QBLVariant variants[4];
+    variants[0].setValue(-5L);
+    variants[1].setValue("text", 0);
+    variants[2].setValue(0.5);
+    variants[2].setVarType(QBLVariant::QBLVariantString);
     QBLThreadMutex mutex(1);
     TavMutex* flat = nullptr;
     tavXMutexCreate(&flat, TavMutexAttrTrackOwner, TavMutexAttrEnd);

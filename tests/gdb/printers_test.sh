@@ -8,7 +8,7 @@ export LC_ALL=C.UTF-8
 command -v gdb >/dev/null || skip "there is no gdb: ./dev setup test"
 gdb -nx -batch -ex 'python print("yes")' 2>&1 | grep -qx yes || skip "this gdb has no Python"
 
-expressions=(empty inlined wide reference heap back longer list none error messages)
+expressions=(empty inlined wide reference heap back longer list none error messages buffer variants)
 commands=()
 for each in "${expressions[@]}"; do commands+=(-ex "print $each"); done
 output=$(gdb -nx -batch -iex 'set debuginfod enabled off' -iex "add-auto-load-safe-path $folder" \
@@ -27,6 +27,8 @@ QBLList of 2 = {"it's \"inline\"", "Straße 中😀"}
 QBLList of 0
 QBLSystemError, code 2, Fatal: "Cannot open \"x\"." = {at = tests/gdb/Sample.cpp(LINE): QBLSystemError: QBL_RETHROW: , at = tests/gdb/Sample.cpp(LINE): QBLSystemError: QBL_THROW: }
 QBLMessageSet of 2 = {QBLMessage 104 of "texts", Error = {[0] = Long 5, [1] = "disk", [2] = Double 0.5}, "plain"}
+"bytes 12"
+{Long -5, "text", no string, of no type}
 SHOWN
     { echo "FAILED; gdb says:"; echo "$output"; exit 1; }
 diff <(sed -n '/^locks$/,$ s/^mutex 0x[0-9a-f]*: //p' <<<"$output" | sed 's/LWP [0-9]*/LWP/; s/([0-9]*)$/(LINE)/') - <<'HELD' ||

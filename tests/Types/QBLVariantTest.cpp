@@ -1,0 +1,110 @@
+#include "QBLCore/Types/QBLVariant.hpp"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <string>
+
+#include "tests/support/FaultInjection.hpp"
+
+namespace {
+
+/// The value as text in a buffer of this size, and ", cut" where it says so.
+std::string shown(const QBLVariant& variant, unsigned long size = 40) {
+    std::string text(size + 1, '#');
+    const bool whole = variant.getValue(&text[0], size);
+    EXPECT_EQ('#', text[size]) << "written behind the buffer";
+    return size == 0 ? "" : text.c_str() + std::string(whole ? "" : ", cut");
+}
+
+}  // namespace
+
+TEST(QBLVariantTest, GivesAValueAsItsOwnTypeOnly) {
+    QBLVariant variants[7];
+    EXPECT_TRUE(variants[1].setValue(LONG_MIN) && variants[2].setValue(ULONG_MAX));
+    EXPECT_TRUE(variants[3].setValue(-1.5) && variants[4].setValue("text", 3));
+    EXPECT_TRUE(variants[5].setValue(reinterpret_cast<void*>(0xab0U)));
+    variants[6].setVarType(QBLVariant::QBLVariantType(6));
+    const unsigned long sizes[] = {0, sizeof(long), sizeof(long), 8, 3, sizeof(void*), 0};
+    const std::string texts[] = {"<unknown>",
+                                 std::to_string(LONG_MIN),
+                                 std::to_string(ULONG_MAX),
+                                 "-1.500000e+00",
+                                 "tex",
+                                 "ab0",
+                                 "<invalid>"};
+    for (unsigned int type = 0; type < 7; ++type) {
+        const QBLVariant& variant = variants[type];
+        const std::string& text = texts[type];
+        EXPECT_TRUE(variant.getVarType() == type && variant.valueSize() == sizes[type]) << type;
+        EXPECT_EQ(text, shown(variant, text.size() + 1));
+        EXPECT_EQ(text.substr(0, text.size() - 1) + ", cut", shown(variant, text.size()));
+        shown(variant, 0);
+        long l = 77;
+        unsigned long u = 77;
+        double d = 77;
+        void* p = &d;
+        char* s = reinterpret_cast<char*>(&d);
+        EXPECT_TRUE(variant.getValue(l) == (type == 1) && l == (type == 1 ? LONG_MIN : 77));
+        EXPECT_TRUE(variant.getValue(u) == (type == 2) && u == (type == 2 ? ULONG_MAX : 77));
+        EXPECT_TRUE(variant.getValue(d) == (type == 3) && d == (type == 3 ? -1.5 : 77)) << type;
+        EXPECT_TRUE(variant.getValue(p) == (type == 5) && (p == &d) == (type != 5)) << type;
+        EXPECT_TRUE(variant.getValue(s) == (type == 4) && (s != nullptr) == (type == 4)) << type;
+        QBLVariant copy(variant);
+        EXPECT_EQ(text, shown(copy));
+        EXPECT_TRUE((copy == variant) == (type <= 5) && variant == variant) << type;
+        copy.setValueSize(7);
+        EXPECT_TRUE(copy != variant) << type;
+    }
+}
+
+TEST(QBLVariantTest, KeepsAStringWhateverItsSizeSays) {
+    QBLVariant variant, none;
+    EXPECT_TRUE(none.setValue(nullptr, 5));
+    EXPECT_FALSE(variant.setValue("", 0));
+    EXPECT_TRUE(variant == none && shown(variant, 1).empty());
+    EXPECT_TRUE(variant.setValue("abc", 0));
+    const struct {
+        unsigned long size;
+        const char *text, *inTwo, *copied;
+    } table[] = {{0, "", "", ""},
+                 {1, "abc", "a, cut", "a"},
+                 {3, "abc", "a, cut", "abc"},
+                 {1000, "abc, cut", "a, cut", "abc, cut"}};
+    for (const auto& row : table) {
+        variant.setValueSize(row.size);
+        const QBLVariant copy(variant);
+        EXPECT_EQ(row.text, shown(variant)) << row.size;
+        EXPECT_EQ(row.inTwo, shown(variant, 2)) << row.size;
+        EXPECT_EQ(row.copied, shown(copy)) << row.size;
+        EXPECT_EQ(row.size >= 3, copy == variant) << row.size;
+    }
+    variant.setValueSize(ULONG_MAX);
+    EXPECT_TRUE(QBLVariant(variant) == QBLVariant()) << "more than there can be";
+    EXPECT_FALSE(QBLVariant(variant).setValue("text", ULONG_MAX));
+    char* own = nullptr;
+    EXPECT_TRUE(variant.getValue(own) && variant.setValue(own + 1, 0));
+    EXPECT_EQ("bc", shown(variant = *&variant)) << "of itself";
+    variant.clear();
+    EXPECT_EQ(2U, variant.valueSize());
+    EXPECT_TRUE(variant.setValue(0x12345L));
+    variant.setVarType(QBLVariant::QBLVariantString);
+    EXPECT_TRUE(variant.getValue(own) && own == nullptr) << "a number is no string";
+    EXPECT_TRUE(variant.setValue("kept", 0) && variant.getValue(own));
+    variant.setValue(static_cast<void*>(own));
+    variant.clear();
+    EXPECT_STREQ("kept", own) << "not freed with the variant's new value";
+    delete[] own;
+}
+
+TEST(QBLVariantTest, IsOfNoTypeWhereMemoryEnds) {
+    QBLVariant source, target;
+    source.setValue("text", 0);
+    for (const bool assigned : {false, true}) {
+        target.setValue("before", 0);
+        fault::failAllocation(0);
+        EXPECT_TRUE(assigned ? &(target = source) == &target : !target.setValue("text", 0));
+        EXPECT_TRUE(fault::allocationFailed() && target == QBLVariant());
+    }
+    EXPECT_EQ("text", shown(target = source));
+}
