@@ -1,0 +1,80 @@
+#include "QBLCore/Utility/QBLUtGetOpt.hpp"
+
+#include <cstdio>
+#include <cstring>
+
+#include "QBLCore/Exceptions/QBLAllocation.hpp"
+#include "QBLCore/Exceptions/QBLThrow.hpp"
+
+namespace {
+
+const char kNotValid[] = "' not a valid option\n";
+const char kNeedsArgument[] = "' option requires an argument\n";
+
+}  // namespace
+
+QBLUtGetOpt::QBLUtGetOpt()
+    : m_pOptArg(nullptr), m_iOptInd(1), m_iPrintErrors(1), m_pNextChar(nullptr) {}
+
+int QBLUtGetOpt::getOpt(int argc, char** argv, char* opts, const char** longOpt) {
+    QBL_ASSERT(argv);
+    QBL_ASSERT(opts);
+    if (longOpt != nullptr) *longOpt = nullptr;
+    if (m_pNextChar == nullptr || *m_pNextChar == '\0') {
+        if (m_iOptInd >= argc) return -1;
+        const char* const word = argv[m_iOptInd];
+        if (word == nullptr || word[0] != '-' || word[1] == '\0') return -1;
+        if (word[1] == '-') {
+            if (word[2] != '\0') {
+                QBL_ALLOC_TRY
+                m_longOpt = word + 2;
+                QBL_ALLOC_CATCH
+                if (longOpt != nullptr) *longOpt = m_longOpt.c_str();
+            }
+            ++m_iOptInd;
+            return -1;
+        }
+        ++m_iOptInd;
+        m_pNextChar = word + 1;
+    }
+    const char letter = *m_pNextChar++;
+    const char* const option = std::strchr(opts, letter);
+    if (option == nullptr) {
+        error(argv[0], 0, letter);
+        return 0;
+    }
+    if (option[1] == ':') {
+        const char* const rest = m_pNextChar;
+        m_pNextChar = nullptr;
+        if (*rest != '\0') {
+            m_pOptArg = const_cast<char*>(rest);
+        } else if (m_iOptInd < argc && argv[m_iOptInd] != nullptr) {
+            m_pOptArg = argv[m_iOptInd++];
+        } else {
+            error(argv[0], 1, opts[0]);  // deliberately not the letter
+            return 0;
+        }
+    }
+    return static_cast<unsigned char>(letter);
+}
+
+void QBLUtGetOpt::error(char* programName, int kind, char c) {
+    QBL_ALLOC_TRY
+    std::string message = "\n";
+    if (programName != nullptr) message += programName;
+    message.append(" : '").append(1, c).append(kind == 0 ? kNotValid : kNeedsArgument);
+    m_errorMsg.swap(message);
+    if (m_iPrintErrors == 0) return;
+    // Printed as a format without arguments is; whatever else it might ask for is printed as it is.
+    message = m_errorMsg;
+    for (std::size_t at = 0; (at = message.find("%%", at)) != std::string::npos; ++at)
+        message.erase(at, 1);
+    std::fputs(message.c_str(), stderr);
+    QBL_ALLOC_CATCH
+}
+
+int QBLUtGetOpt::setPrintErrors(int on) {
+    const int before = m_iPrintErrors;
+    m_iPrintErrors = on;
+    return before;
+}
