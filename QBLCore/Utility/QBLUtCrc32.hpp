@@ -1,0 +1,23 @@
+#ifndef QBLCORE_UTILITY_QBLUTCRC32_HPP
+#define QBLCORE_UTILITY_QBLUTCRC32_HPP
+
+#include "QBLCore/Frame/QBLExport.h"
+
+/// The CRC-32 of IEEE 802.3, zip and PNG: polynomial 0x04C11DB7, reflected 0xEDB88320.
+///
+/// Threads: any thread may call any operation.
+///
+///     unsigned long crc = QBLUtCrc32::crc32(0, head, sizeof head);
+///     crc = QBLUtCrc32::crc32(crc, body, sizeof body);  // of both, one behind the other
+class QBL_API QBLUtCrc32 {
+public:
+    /// Goes on with a checksum.
+    /// @param crc  that of the data before, 0 for none; of a long only the lower 32 bits count
+    /// @param data  null gives crc back
+    static unsigned long crc32(unsigned long crc, const unsigned char* data, unsigned int length);
+
+    /// @return 256 remainders: what each byte, as the lowest of the register, does to it in 8 steps
+    static const unsigned int* getCrcTable();
+};
+
+#endif

@@ -1,0 +1,96 @@
+#ifndef QBLCORE_UTILITY_INTERNAL_QBLBASE64ALPHABET_HPP
+#define QBLCORE_UTILITY_INTERNAL_QBLBASE64ALPHABET_HPP
+
+#include <cstdint>
+
+/// All that is looked up for an alphabet; numbers of several bytes in the order of memory.
+struct QBLBase64Alphabet {
+    /// By value.
+    unsigned char character[64];
+    /// By character: 0 to 63, 249 to 255 from ':' to '@', or what follows.
+    unsigned char value[256];
+    static constexpr unsigned char kSkipped = 64, kPad = 65, kInvalid = 66;
+
+    /// Two characters for each twelve bits.
+    std::uint16_t pair[4096];
+    /// By place in its group and character: what that is of the group's three bytes. A bit of the
+    /// fourth byte if the character's value is not one up to 63.
+    std::uint32_t part[4][256];
+    static constexpr std::uint32_t kOther = 1U << 24;
+
+    // Lookups as byte shuffles do them, after W. Mula and D. Lemire, "Faster Base64 Encoding and
+    // Decoding using AVX2 Instructions" (2018).
+
+    /// What to add to a value for its character: by 13 for values up to 25, by 0 up to 51, and then
+    /// by the value less 51.
+    alignas(16) unsigned char toCharacter[16];
+    /// A character is in the alphabet if what these have for its halves has no bit in common.
+    alignas(16) unsigned char low[16];
+    alignas(16) unsigned char high[16];
+    /// What to add to a character for its value, by its upper half; for the odd ones, 8 further up.
+    alignas(16) unsigned char toValue[16];
+    /// Characters that share the upper half with some that another number is added to; the first
+    /// one again if there is no second.
+    unsigned char odd[2];
+
+    /// From the two characters that alphabets differ in.
+    constexpr QBLBase64Alphabet(unsigned char for62, unsigned char for63)
+        : character(),
+          value(),
+          pair(),
+          part(),
+          toCharacter(),
+          low(),
+          high(),
+          toValue(),
+          odd{for62 >> 4 == for63 >> 4 ? for63 : for62, for63} {
+        for (unsigned v = 0; v < 64; ++v)
+            character[v] = v == 62 ? for62 : v == 63 ? for63 : byte(v + plainOffset(v));
+        for (unsigned c = 0; c < 256; ++c)
+            value[c] = c == for62 ? 62 : c == for63 ? 63 : plainValue(c);
+        for (unsigned bits = 0; bits < 4096; ++bits)
+            pair[bits] =
+                static_cast<std::uint16_t>(character[bits >> 6] | character[bits & 63] << 8);
+        for (unsigned c = 0; c < 256; ++c) {
+            const std::uint32_t v = value[c];
+            const std::uint32_t parts[4] = {v << 2, v >> 4 | (v & 15) << 12,
+                                            v >> 2 << 8 | (v & 3) << 22, v << 16};
+            for (int place = 0; place < 4; ++place) part[place][c] = v < 64 ? parts[place] : kOther;
+        }
+        makeShuffles();
+    }
+
+private:
+    static constexpr unsigned char byte(unsigned v) { return static_cast<unsigned char>(v); }
+    static constexpr unsigned plainOffset(unsigned v) {
+        return v < 26 ? 'A' : v < 52 ? 'a' - 26 : '0' - 52U;
+    }
+    static constexpr unsigned char plainValue(unsigned c) {
+        if (c == ' ' || (c >= '\t' && c <= '\r')) return kSkipped;
+        if (c == '=') return kPad;
+        return c <= '9'   ? byte(c + 4)
+               : c <= 'Z' ? byte(c - 65)
+               : c <= 'z' ? byte(c - 71)
+                          : kInvalid;
+    }
+
+    constexpr void makeShuffles() {
+        for (unsigned half = 0; half < 16; ++half) {
+            high[half] = half < 2 || half > 7 ? 0x80 : byte(1U << (half - 2));
+            low[half] = 0x80;
+        }
+        for (unsigned c = 0x20; c < 0x80; ++c) {
+            if (value[c] < 64 && character[value[c]] == c)
+                toValue[c >> 4 | (c == odd[0] || c == odd[1] ? 8U : 0U)] = byte(value[c] - c);
+            else
+                low[c & 15] = byte(low[c & 15] | high[c >> 4]);
+        }
+        toCharacter[0] = 'a' - 26;
+        toCharacter[13] = 'A';
+        for (unsigned v = 52; v < 64; ++v) toCharacter[v - 51] = byte(character[v] - v);
+    }
+};
+
+extern const QBLBase64Alphabet kQBLBase64Standard, kQBLBase64Url;
+
+#endif

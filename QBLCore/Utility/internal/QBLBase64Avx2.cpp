@@ -1,0 +1,78 @@
+#include <immintrin.h>
+
+#include "QBLCore/Utility/internal/QBLBase64Kernels.hpp"
+
+#define WITH_AVX2 __attribute__((target("avx2")))
+
+namespace {
+
+inline __m128i load(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
+/// The sixteen bytes in both halves.
+WITH_AVX2 inline __m256i twice(const void* p) { return _mm256_broadcastsi128_si256(load(p)); }
+
+/// Twice twelve bytes, each at the begin of its half, to 32 values. Each two bytes that a value is
+/// in become a word; a product moves the upper or the lower values of all words to their places.
+WITH_AVX2 inline __m256i spread(__m256i data) {
+    const __m256i words = _mm256_shuffle_epi8(
+        data, _mm256_setr_epi8(1, 0, 2, 1, 4, 3, 5, 4, 7, 6, 8, 7, 10, 9, 11, 10,  //
+                               1, 0, 2, 1, 4, 3, 5, 4, 7, 6, 8, 7, 10, 9, 11, 10));
+    const __m256i even = _mm256_mulhi_epu16(_mm256_and_si256(words, _mm256_set1_epi32(0x0fc0fc00)),
+                                            _mm256_set1_epi32(0x04000040));
+    const __m256i odd = _mm256_mullo_epi16(_mm256_and_si256(words, _mm256_set1_epi32(0x003f03f0)),
+                                           _mm256_set1_epi32(0x01000010));
+    return _mm256_or_si256(even, odd);
+}
+
+/// 32 values to 24 bytes, with zeros behind: two values are added up to twelve bits, two of those
+/// to 24, and the three bytes of each are put in order.
+WITH_AVX2 inline __m256i pack(__m256i values) {
+    const __m256i twelve = _mm256_maddubs_epi16(values, _mm256_set1_epi32(0x01400140));
+    const __m256i bits = _mm256_madd_epi16(twelve, _mm256_set1_epi32(0x00011000));
+    const __m256i bytes = _mm256_shuffle_epi8(
+        bits, _mm256_setr_epi8(2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, -1, -1, -1, -1,  //
+                               2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, -1, -1, -1, -1));
+    return _mm256_permutevar8x32_epi32(bytes, _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 7));
+}
+
+WITH_AVX2 std::size_t encode(const QBLBase64Alphabet& alphabet, const unsigned char* data,
+                             std::size_t length, char* out) {
+    const __m256i offsets = twice(alphabet.toCharacter);
+    std::size_t done = 0;
+    for (; length - done >= 28; done += 24, out += 32) {
+        const __m256i values = spread(_mm256_inserti128_si256(
+            _mm256_castsi128_si256(load(data + done)), load(data + done + 12), 1));
+        const __m256i capitals = _mm256_cmpgt_epi8(_mm256_set1_epi8(26), values);
+        const __m256i kind = _mm256_or_si256(_mm256_subs_epu8(values, _mm256_set1_epi8(51)),
+                                             _mm256_and_si256(capitals, _mm256_set1_epi8(13)));
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out),
+                            _mm256_add_epi8(values, _mm256_shuffle_epi8(offsets, kind)));
+    }
+    return done;
+}
+
+WITH_AVX2 std::size_t decode(const QBLBase64Alphabet& alphabet, const char* text,
+                             std::size_t length, unsigned char* out) {
+    const __m256i low = twice(alphabet.low), high = twice(alphabet.high);
+    const __m256i offsets = twice(alphabet.toValue), half = _mm256_set1_epi8(15);
+    const __m256i odd0 = _mm256_set1_epi8(static_cast<char>(alphabet.odd[0])),
+                  odd1 = _mm256_set1_epi8(static_cast<char>(alphabet.odd[1]));
+    std::size_t done = 0;
+    for (; length - done >= 32; done += 32, out += 24) {
+        const __m256i in = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(text + done));
+        const __m256i upper = _mm256_and_si256(_mm256_srli_epi32(in, 4), half);
+        if (!_mm256_testz_si256(_mm256_shuffle_epi8(low, _mm256_and_si256(in, half)),
+                                _mm256_shuffle_epi8(high, upper)))
+            break;
+        const __m256i odd =
+            _mm256_or_si256(_mm256_cmpeq_epi8(in, odd0), _mm256_cmpeq_epi8(in, odd1));
+        const __m256i kind = _mm256_or_si256(upper, _mm256_and_si256(odd, _mm256_set1_epi8(8)));
+        const __m256i bytes = pack(_mm256_add_epi8(in, _mm256_shuffle_epi8(offsets, kind)));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm256_castsi256_si128(bytes));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 16), _mm256_extracti128_si256(bytes, 1));
+    }
+    return done;
+}
+
+}  // namespace
+
+constexpr QBLBase64Kernels kQBLBase64Avx2 = {&encode, &decode};

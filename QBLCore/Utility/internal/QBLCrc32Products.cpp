@@ -1,0 +1,94 @@
+#include <emmintrin.h>
+#include <wmmintrin.h>
+
+#include "QBLCore/Utility/internal/QBLCrc32Kernels.hpp"
+
+// V. Gopal et al., "Fast CRC Computation for Generic Polynomials Using PCLMULQDQ Instruction"
+// (Intel, 2009): what many bytes behind a block leave of it is found by multiplying it with the
+// remainder of that power of x. The names of the constants are the paper's.
+#define WITH_PRODUCTS __attribute__((target("pclmul")))
+
+namespace {
+
+/// The remainder of a power of x, reflected, one bit up: the product of reflected numbers of 64
+/// bits comes out one bit too low.
+constexpr std::uint64_t remainderOf(unsigned power) {
+    std::uint32_t reg = 0x80000000;
+    for (unsigned i = 0; i < power; ++i) reg = qblCrc32Step(reg);
+    return static_cast<std::uint64_t>(reg) << 1;
+}
+
+/// The polynomial's 33 bits, reflected.
+constexpr std::uint64_t kPolynomial = static_cast<std::uint64_t>(kQBLCrc32Polynomial) << 1 | 1;
+
+/// The quotient of x^64 and the polynomial, 33 bits, reflected: a bit of it is what leaves the
+/// register as it is moved along.
+constexpr std::uint64_t quotient() {
+    std::uint64_t bits = 1;
+    std::uint32_t reg = kQBLCrc32Polynomial;  // of x^32, behind the first bit
+    for (int power = 1; power <= 32; ++power) {
+        bits |= static_cast<std::uint64_t>(reg & 1) << power;
+        reg = qblCrc32Step(reg);
+    }
+    return bits;
+}
+
+constexpr std::uint64_t kK1 = remainderOf(4 * 128 + 32), kK2 = remainderOf(4 * 128 - 32);
+constexpr std::uint64_t kK3 = remainderOf(128 + 32), kK4 = remainderOf(128 - 32);
+constexpr std::uint64_t kK5 = remainderOf(64);
+constexpr std::uint64_t kMu = quotient();
+static_assert(kK1 == 0x154442bd4 && kK2 == 0x1c6e41596 && kK3 == 0x1751997d0 &&
+                  kK4 == 0x0ccaa009e && kK5 == 0x163cd6124 && kMu == 0x1f7011641 &&
+                  kPolynomial == 0x1db710641,
+              "the paper's constants");
+
+inline __m128i pair(std::uint64_t low, std::uint64_t high) {
+    return _mm_set_epi64x(static_cast<long long>(high), static_cast<long long>(low));
+}
+inline __m128i load(const unsigned char* data) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(data));
+}
+
+/// What is left of a block as far down as the factors' powers say, with the block that is there.
+WITH_PRODUCTS inline __m128i fold(__m128i block, __m128i factors, __m128i next) {
+    const __m128i low = _mm_clmulepi64_si128(block, factors, 0x00);
+    const __m128i high = _mm_clmulepi64_si128(block, factors, 0x11);
+    return _mm_xor_si128(_mm_xor_si128(next, low), high);
+}
+
+/// The register after the block: to 96 bits, to 64, and by Barrett's method to 32.
+WITH_PRODUCTS inline std::uint32_t reduce(__m128i block) {
+    const __m128i word = pair(0xffffffff, 0);
+    block =
+        _mm_xor_si128(_mm_srli_si128(block, 8), _mm_clmulepi64_si128(block, pair(kK3, kK4), 0x10));
+    block = _mm_xor_si128(_mm_srli_si128(block, 4),
+                          _mm_clmulepi64_si128(_mm_and_si128(block, word), pair(kK5, 0), 0x00));
+    const __m128i barrett = pair(kPolynomial, kMu);
+    __m128i times = _mm_clmulepi64_si128(_mm_and_si128(block, word), barrett, 0x10);
+    times = _mm_clmulepi64_si128(_mm_and_si128(times, word), barrett, 0x00);
+    return static_cast<std::uint32_t>(
+        _mm_cvtsi128_si32(_mm_srli_si128(_mm_xor_si128(block, times), 4)));
+}
+
+}  // namespace
+
+WITH_PRODUCTS std::uint32_t qblCrc32Products(std::uint32_t reg, const unsigned char* data,
+                                             std::size_t length) {
+    __m128i block = _mm_xor_si128(load(data), _mm_cvtsi32_si128(static_cast<int>(reg)));
+    const __m128i near = pair(kK3, kK4);
+    if (length >= 64) {
+        const __m128i far = pair(kK1, kK2);
+        __m128i second = load(data + 16), third = load(data + 32), fourth = load(data + 48);
+        for (data += 64, length -= 64; length >= 64; data += 64, length -= 64) {
+            block = fold(block, far, load(data));
+            second = fold(second, far, load(data + 16));
+            third = fold(third, far, load(data + 32));
+            fourth = fold(fourth, far, load(data + 48));
+        }
+        block = fold(fold(fold(block, near, second), near, third), near, fourth);
+    } else {
+        data += 16, length -= 16;
+    }
+    for (; length >= 16; data += 16, length -= 16) block = fold(block, near, load(data));
+    return qblCrc32Tables(reduce(block), data, length);
+}
