@@ -23,9 +23,6 @@ enum Failure { kNotBase64 = 1, kTooLong = 2, kBadChecksum = 3 };
 struct Free {
     void operator()(void* memory) const { std::free(memory); }
 };
-using Bytes = std::unique_ptr<unsigned char[], Free>;
-
-Bytes allocate(std::size_t size) { return Bytes(static_cast<unsigned char*>(std::malloc(size))); }
 
 unsigned narrow(std::uint64_t size) { return size <= UINT_MAX ? static_cast<unsigned>(size) : 0; }
 
@@ -47,7 +44,7 @@ unsigned long checksum(const unsigned char* data, unsigned length) {
 
 /// What a token encodes.
 struct Packed {
-    Bytes bytes;
+    std::unique_ptr<unsigned char[]> bytes;
     unsigned size = 0;
     unsigned formula = 0;  // the room that is asked for the token
 
@@ -59,7 +56,7 @@ struct Packed {
         const unsigned room = QBLsqu_compressed_size(n);
         formula = QBLsqu_squished_size(n);
         if (room == 0 || formula == 0) return Z_BUF_ERROR;
-        bytes = allocate(room);
+        bytes.reset(new (std::nothrow) unsigned char[room]);
         if (!bytes) return Z_MEM_ERROR;
         const int code = qblDeflate(text, n, bytes.get() + kHeader, room - kHeader, size);
         putNumber(bytes.get(), n);
@@ -72,7 +69,8 @@ struct Packed {
 
 int unpack(const char* token, QBLsqu_state& state) {
     if (token == nullptr) return kNotBase64;
-    Bytes bytes = allocate(std::strlen(token) + 1);
+    std::unique_ptr<unsigned char, Free> bytes(
+        static_cast<unsigned char*>(std::malloc(std::strlen(token) + 1)));
     if (!bytes) return Z_MEM_ERROR;
     unsigned size = 0;
     if (QBLBase64URLDecode(token, bytes.get(), &size) != 0) return kNotBase64;
