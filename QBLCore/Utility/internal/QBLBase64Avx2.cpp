@@ -47,7 +47,7 @@ WITH_AVX2 std::size_t encode(const QBLBase64Alphabet& alphabet, const unsigned c
         _mm256_storeu_si256(reinterpret_cast<__m256i*>(out),
                             _mm256_add_epi8(values, _mm256_shuffle_epi8(offsets, kind)));
     }
-    return done;
+    return done + kQBLBase64Ssse3.encode(alphabet, data + done, length - done, out);
 }
 
 WITH_AVX2 std::size_t decode(const QBLBase64Alphabet& alphabet, const char* text,
@@ -70,7 +70,7 @@ WITH_AVX2 std::size_t decode(const QBLBase64Alphabet& alphabet, const char* text
         _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm256_castsi256_si128(bytes));
         _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 16), _mm256_extracti128_si256(bytes, 1));
     }
-    return done;
+    return done + kQBLBase64Ssse3.decode(alphabet, text + done, length - done, out);
 }
 
 }  // namespace

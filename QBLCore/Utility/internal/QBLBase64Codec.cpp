@@ -17,6 +17,10 @@ public:
                 at += groups(m_kernels, at, end);
                 at += groups(kQBLBase64Scalar, at, end);
                 if (at == end) break;
+                if (end - at >= 4 && takePadded(reinterpret_cast<const unsigned char*>(at))) {
+                    at += 4;
+                    continue;
+                }
             }
             if (!takeOne(static_cast<unsigned char>(*at++))) return false;
         }
@@ -36,6 +40,17 @@ private:
             kernels.decode(m_alphabet, at, static_cast<std::size_t>(end - at), m_pOut);
         m_pOut += done / 4 * 3;
         return done;
+    }
+
+    /// A group that ends in one or two "=" and is otherwise plain, as most texts end with.
+    bool takePadded(const unsigned char* at) {
+        const unsigned first = m_alphabet.value[at[0]], second = m_alphabet.value[at[1]];
+        const unsigned third = m_alphabet.value[at[2]];
+        if (at[3] != '=' || (first | second) > 63) return false;
+        if (at[2] != '=' && third > 63) return false;
+        *m_pOut++ = static_cast<unsigned char>(first << 2 | second >> 4);
+        if (at[2] != '=') *m_pOut++ = static_cast<unsigned char>(second << 4 | third >> 2);
+        return true;
     }
 
     bool takeOne(unsigned char c) {

@@ -25,6 +25,8 @@ std::uint32_t qblCrc32Tables(std::uint32_t reg, const unsigned char* data, std::
 
 /// Only where qblCrc32HasProducts() is true; for 16 bytes and more.
 std::uint32_t qblCrc32Products(std::uint32_t reg, const unsigned char* data, std::size_t length);
-inline bool qblCrc32HasProducts() { return __builtin_cpu_supports("pclmul"); }
+inline bool qblCrc32HasProducts() {
+    return __builtin_cpu_supports("pclmul") && __builtin_cpu_supports("avx");
+}
 
 #endif
