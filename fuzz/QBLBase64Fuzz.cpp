@@ -8,7 +8,7 @@
 #include <string>
 
 #include "QBLCore/Utility/internal/QBLBase64Kernels.hpp"
-#include "tests/support/Base64Model.hpp"
+#include "fuzz/support/Base64Model.hpp"
 
 namespace {
 

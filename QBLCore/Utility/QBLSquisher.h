@@ -49,7 +49,8 @@ QBL_API int QBLsqu_unsquish1(const char* token, struct QBLsqu_state* state, unsi
 /// Second step: inflates the text and releases the buffer. A token may tell a longer text than it
 /// has; the text ends where it really does.
 /// @param out  receives the text and a NUL; what it has after a failure is no text
-/// @return 0, or zlib's code, with the buffer kept: -3 or -5 if the data is damaged, cut off, or longer
+/// @return 0, or zlib's code, with the buffer kept: -3 or -5 if the data is damaged, cut off, or
+/// longer
 ///     than the token tells; -4 without memory; -2 without a buffer
 QBL_API int QBLsqu_unsquish2(struct QBLsqu_state* state, char* out);
 

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "QBLCore/Utility/internal/QBLBase64Kernels.hpp"
-#include "tests/support/Base64Model.hpp"
+#include "fuzz/support/Base64Model.hpp"
 
 namespace {
 
@@ -64,7 +64,7 @@ std::string randomBytes(std::mt19937& random, std::size_t count) {
 TEST(QBLBase64Test, EncodesAndDecodesEveryLengthAtEveryLevel) {
     eachLevel([](const QBLBase64Kernels& kernels, const Side& side) {
         std::mt19937 random(1);
-        for (unsigned n = 0; n < 4200; n += n < 260 || n > 4000 ? 1 : 37) {
+        for (unsigned n = 0; n < 4200; n += n < 260 ? 1 : 37) {
             const std::string data = randomBytes(random, n);
             const unsigned size = QBLBase64EncodedSize(n);
             const std::unique_ptr<char[]> room(new char[size]);
@@ -74,7 +74,7 @@ TEST(QBLBase64Test, EncodesAndDecodesEveryLengthAtEveryLevel) {
             ASSERT_EQ(side.model.encode(data), text);
             ASSERT_EQ(size, text.size() + 1);
             expectSameDecoding(kernels, side, text);
-            for (unsigned i = 0; i < n; i += 1 + random() % 90)
+            for (std::size_t i = 0; i < n; i += 1 + random() % 90)
                 text.insert(random() % (text.size() + 1), 1, " \t\n\v\f\r"[random() % 6]);
             expectSameDecoding(kernels, side, text);
         }

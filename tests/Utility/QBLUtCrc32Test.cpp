@@ -52,7 +52,8 @@ TEST(QBLUtCrc32Test, IsTheSameAtEveryLevelForEveryLengthAndPlace) {
     for (char& c : data) c = static_cast<char>(random());
     for (std::size_t n = 0; n < 69000; n += n < 400 ? 1 : 4999) {
         const unsigned char* const at = bytesOf(data) + n % 31;
-        const std::uint32_t reg = random(), expected = bitByBit(reg, at, n);
+        const auto reg = static_cast<std::uint32_t>(random());
+        const std::uint32_t expected = bitByBit(reg, at, n);
         ASSERT_EQ(expected, qblCrc32Tables(reg, at, n)) << n;
         if (n >= 16 && qblCrc32HasProducts()) {
             ASSERT_EQ(expected, qblCrc32Products(reg, at, n)) << n;
