@@ -1,0 +1,113 @@
+#include <limits>
+
+#include "QBLCore/Types/QBLTypeCast.hpp"
+#include "QBLCore/Types/internal/QBLFieldReader.hpp"
+
+namespace {
+
+constexpr std::uint64_t kMost = std::numeric_limits<std::int32_t>::max();
+
+struct DayTimeFields {
+    std::uint64_t days = 0;
+    QBLTimeFields time;
+
+    /// D+ HH:MM..., or H+:MM...
+    bool take(QBLFieldReader& text) {
+        std::uint64_t first = 0;
+        if (!text.takeNumber(first, kMost * 24 + 23)) return false;
+        if (text.take(' ')) {
+            days = first;
+            return time.take(text);
+        }
+        days = first / 24;
+        time.hour = static_cast<int>(first % 24);
+        return text.take(':') && time.takeRest(text);
+    }
+};
+
+/// A number's distance from 0, also of the lowest one.
+unsigned long magnitude(long count) {
+    const auto bits = static_cast<unsigned long>(count);
+    return count < 0 ? 0 - bits : bits;
+}
+
+/// A word in capitals: that of a unit, in any case and with or without an S behind it?
+bool isUnit(const char* text, const char* unit) {
+    for (; *unit != '\0'; ++unit, ++text)
+        if (*text != *unit && *text != (*unit | 0x20)) return false;
+    return *text == '\0' || ((*text == 's' || *text == 'S') && text[1] == '\0');
+}
+
+}  // namespace
+
+long QBLTypeCast::string2DTinterval(const void*, QBLInterval2* value, const char* string) {
+    if (value == nullptr) return badForm;
+    *value = QBLInterval2();
+    QBLFieldReader text(string);
+    const bool negative = text.take('-');
+    DayTimeFields fields;
+    if (!fields.take(text) || !text.atEnd()) return text.fault("-:.");
+    const QBLTimeFields& time = fields.time;
+    if (fields.days > kMost || !time.valid()) return outOfRange;
+    *value = {negative,    static_cast<std::int32_t>(fields.days),
+              time.hour,   time.minute,
+              time.second, time.fraction};
+    return ok;
+}
+
+long QBLTypeCast::string2YMinterval(const void*, QBLIntervalYM* value, const char* string) {
+    if (value == nullptr) return badForm;
+    *value = QBLIntervalYM();
+    QBLFieldReader text(string);
+    const bool negative = text.take('-');
+    std::uint64_t years = 0, months = 0;
+    if (!text.take('(') || !text.takeNumber(years, kMost) || !text.take(' ') ||
+        !text.takeNumber(months, kMost) || !text.take(')') || !text.atEnd())
+        return text.fault("-()");
+    if (years > kMost || months > 11) return outOfRange;
+    *value = {negative, static_cast<std::int32_t>(years), static_cast<std::int32_t>(months)};
+    return ok;
+}
+
+long QBLTypeCast::int2DTinterval(const void*, QBLInterval2* value, const long* count,
+                                 const char* unit) {
+    if (value == nullptr) return badForm;
+    *value = QBLInterval2();
+    if (count == nullptr || unit == nullptr) return badForm;
+    // What is carried over from a unit to the next greater one.
+    struct {
+        const char* unit;
+        unsigned next;
+        unsigned long count;
+    } places[] = {{"SECOND", 60, 0}, {"MINUTE", 60, 0}, {"HOUR", 24, 0}, {"DAY", 0, 0}};
+    unsigned given = 0;
+    while (given < 4 && !isUnit(unit, places[given].unit)) ++given;
+    if (given == 4) return badForm;
+    places[given].count = magnitude(*count);
+    for (unsigned i = given; i < 3; ++i) {
+        places[i + 1].count = places[i].count / places[i].next;
+        places[i].count %= places[i].next;
+    }
+    if (places[3].count > kMost) return outOfRange;
+    *value = {*count < 0,
+              static_cast<std::int32_t>(places[3].count),
+              static_cast<std::int32_t>(places[2].count),
+              static_cast<std::int32_t>(places[1].count),
+              static_cast<std::int32_t>(places[0].count),
+              0};
+    return ok;
+}
+
+long QBLTypeCast::int2YMinterval(const void*, QBLIntervalYM* value, const long* count,
+                                 const char* unit) {
+    if (value == nullptr) return badForm;
+    *value = QBLIntervalYM();
+    if (count == nullptr || unit == nullptr) return badForm;
+    const bool inMonths = isUnit(unit, "MONTH");
+    if (!inMonths && !isUnit(unit, "YEAR")) return badForm;
+    const unsigned long all = magnitude(*count), years = inMonths ? all / 12 : all;
+    if (years > kMost) return outOfRange;
+    *value = {*count < 0, static_cast<std::int32_t>(years),
+              static_cast<std::int32_t>(inMonths ? all % 12 : 0)};
+    return ok;
+}

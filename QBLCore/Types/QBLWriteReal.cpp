@@ -1,0 +1,198 @@
+#include <array>
+#include <charconv>
+#include <cstdint>
+#include <cstring>
+
+#include "QBLCore/Types/internal/QBLCharacters.hpp"
+#include "QBLCore/Types/internal/QBLRealText.hpp"
+
+// The digits are the integer part of value * 10^n, computed with 64 bits of the power of ten. The
+// bits behind it say how to round, but where they are too close to the middle for their precision;
+// std::to_chars, which is exact and slower, decides there.
+
+namespace {
+
+constexpr int kLowestPower = -303, kHighestPower = 332;
+
+/// 128 bits, the most significant first.
+struct Wide {
+    std::uint32_t part[4];
+
+    constexpr Wide timesTen() const {
+        Wide out{};
+        std::uint64_t carry = 0;
+        for (int i = 3; i >= 0; --i) {
+            carry += std::uint64_t{part[i]} * 5;
+            out.part[i] = static_cast<std::uint32_t>(carry);
+            carry >>= 32;
+        }
+        // Of the 131 bits, those that count are at the top again.
+        const int shift = carry >= 4 ? 3 : 2;
+        for (std::uint32_t& p : out.part) {
+            const std::uint64_t both = carry << 32 | p;
+            carry = p;
+            p = static_cast<std::uint32_t>(both >> shift);
+        }
+        return out;
+    }
+
+    constexpr Wide byTen() const {
+        // Times 8 or 4, by 5: whichever gives 128 bits.
+        const int shift = part[0] < 0xA0000000U ? 3 : 2;
+        Wide out{};
+        std::uint64_t rest = part[0] >> (32 - shift);
+        for (int i = 0; i < 4; ++i) {
+            const std::uint32_t next = i < 3 ? part[i + 1] >> (32 - shift) : 0;
+            const std::uint64_t both =
+                rest << 32 | static_cast<std::uint32_t>(part[i] << shift) | next;
+            out.part[i] = static_cast<std::uint32_t>(both / 5);
+            rest = both % 5;
+        }
+        return out;
+    }
+};
+
+/// The first 64 bits of each power of ten.
+constexpr auto makePowers() {
+    std::array<std::uint64_t, kHighestPower - kLowestPower + 1> out{};
+    Wide up{{0x80000000U, 0, 0, 0}}, down = up;
+    const auto put = [&out](int power, const Wide& bits) {
+        out[static_cast<unsigned>(power - kLowestPower)] =
+            std::uint64_t{bits.part[0]} << 32 | bits.part[1];
+    };
+    put(0, up);
+    for (int power = 1; power <= kHighestPower; ++power) put(power, up = up.timesTen());
+    for (int power = -1; power >= kLowestPower; --power) put(power, down = down.byTen());
+    return out;
+}
+constexpr auto kPowers = makePowers();
+
+/// The upper half of a product.
+std::uint64_t multiplyHigh(std::uint64_t a, std::uint64_t b) {
+    const std::uint64_t aLow = static_cast<std::uint32_t>(a), aHigh = a >> 32;
+    const std::uint64_t bLow = static_cast<std::uint32_t>(b), bHigh = b >> 32;
+    const std::uint64_t middle = aHigh * bLow + (aLow * bLow >> 32);
+    const std::uint64_t other = aLow * bHigh + static_cast<std::uint32_t>(middle);
+    return aHigh * bHigh + (middle >> 32) + (other >> 32);
+}
+
+/// digits * 10^(exponent + 1 - number of digits)
+struct Rounded {
+    std::uint32_t digits;
+    int exponent;
+};
+
+constexpr std::uint32_t powerOfTen(int n) { return n == 0 ? 1 : 10 * powerOfTen(n - 1); }
+
+/// @param bits  of a positive finite value
+/// @return false if the precision does not suffice
+template <int kDigits>
+bool round(std::uint64_t bits, Rounded& out) {
+    constexpr std::uint32_t limit = powerOfTen(kDigits);
+    std::uint64_t mantissa = bits & ((std::uint64_t{1} << 52) - 1);
+    int exponent = static_cast<int>(bits >> 52);
+    if (exponent != 0)
+        mantissa |= std::uint64_t{1} << 52;
+    else
+        exponent = 1;
+    // From here the value is mantissa * 2^exponent, with the highest bit set.
+    const int shift = __builtin_clzll(mantissa);
+    mantissa <<= shift;
+    exponent -= 1075 + shift;
+
+    // The decimal exponent of the highest bit: that of the value, or one less.
+    int decimal = static_cast<int>((exponent + 63) * std::int64_t{1292913986} >> 32);
+    const int power = kDigits - 1 - decimal;
+    const std::uint64_t product =
+        multiplyHigh(mantissa, kPowers[static_cast<unsigned>(power - kLowestPower)]);
+    // The exact one is at least this and less than this plus 2.
+    const int places = -(exponent + (power * 217706 >> 16) + 1);
+    const std::uint64_t fraction = product & ((std::uint64_t{1} << places) - 1);
+    const std::uint64_t whole = product >> places;
+    bool up;
+    if (whole < limit) {
+        const std::uint64_t half = std::uint64_t{1} << (places - 1);
+        if (fraction + 2 > half && fraction <= half) return false;
+        out.digits = static_cast<std::uint32_t>(whole);
+        up = fraction > half;
+    } else {
+        ++decimal;
+        out.digits = static_cast<std::uint32_t>(whole / 10);
+        const auto rest = static_cast<unsigned>(whole - std::uint64_t{out.digits} * 10);
+        if ((rest == 5 && fraction == 0) ||
+            (rest == 4 && fraction + 2 > std::uint64_t{1} << places))
+            return false;
+        up = rest >= 5;
+    }
+    if (up && ++out.digits == limit) {
+        out.digits = limit / 10;
+        ++decimal;
+    }
+    out.exponent = decimal;
+    return true;
+}
+
+void writeDigits(char* out, std::uint32_t digits, int count) {
+    if (count == 9) {
+        *out = static_cast<char>('0' + digits / 100000000);
+        qblWriteEight(out + 1, digits % 100000000);
+    } else {
+        qblWriteFour(qblWritePair(out, digits / 10000), digits % 10000);
+    }
+}
+
+char* writeRounded(char* out, const Rounded& number, int count) {
+    char digits[9];
+    writeDigits(digits, number.digits, count);
+    const int exponent = number.exponent;
+    const bool fixed = exponent >= -4 && exponent < count;
+    int used = count;
+    while (used > 1 && digits[used - 1] == '0') --used;
+    if (fixed && exponent < 0) {
+        std::memcpy(out, "0.000", static_cast<std::size_t>(1 - exponent));
+        out += 1 - exponent;
+        std::memcpy(out, digits, static_cast<std::size_t>(used));
+        return out + used;
+    }
+    const int whole = fixed ? exponent + 1 : 1;
+    std::memcpy(out, digits, static_cast<std::size_t>(whole));
+    if (used > whole) {
+        out[whole] = '.';
+        std::memcpy(out + whole + 1, digits + whole, static_cast<std::size_t>(used - whole));
+        out += used + 1;
+    } else {
+        out += whole;
+    }
+    if (fixed) return out;
+    *out++ = 'e';
+    *out++ = exponent < 0 ? '-' : '+';
+    auto rest = static_cast<std::uint32_t>(exponent < 0 ? -exponent : exponent);
+    if (rest >= 100) {
+        *out++ = static_cast<char>('0' + rest / 100);
+        rest %= 100;
+    }
+    return qblWritePair(out, rest);
+}
+
+/// std::to_chars may use all of the room that it is given for itself.
+char* writeExactly(char* out, double value, int digits) {
+    char text[32];
+    const char* const end =
+        std::to_chars(text, text + sizeof text, value, std::chars_format::general, digits).ptr;
+    std::memcpy(out, text, static_cast<std::size_t>(end - text));
+    return out + (end - text);
+}
+
+}  // namespace
+
+char* qblWriteReal(char* out, double value, int digits) {
+    std::uint64_t bits;
+    std::memcpy(&bits, &value, sizeof bits);
+    const std::uint64_t magnitude = bits & ~(std::uint64_t{1} << 63);
+    Rounded number;
+    if (magnitude - 1 >= (std::uint64_t{0x7FF} << 52) - 1 ||
+        !(digits == 9 ? round<9>(magnitude, number) : round<6>(magnitude, number)))
+        return writeExactly(out, value, digits);
+    if (bits != magnitude) *out++ = '-';
+    return writeRounded(out, number, digits);
+}

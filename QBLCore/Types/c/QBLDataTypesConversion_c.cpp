@@ -1,0 +1,118 @@
+#include "QBLCore/Types/c/QBLDataTypesConversion_c.h"
+
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <type_traits>
+
+#include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/Types/internal/QBLCharacters.hpp"
+#include "QBLCore/Types/internal/QBLRealText.hpp"
+
+namespace {
+
+const char* skipBlanks(const char* text) {
+    while (qblIsBlank(*text)) ++text;
+    return text;
+}
+
+template <class Int>
+int readInteger(const char* text, Int& value) {
+    using Limits = std::numeric_limits<Int>;
+    using Unsigned = std::make_unsigned_t<Int>;
+    constexpr Unsigned most = Limits::max();
+    text = skipBlanks(text);
+    if (*text == '\0') return 0;
+    const bool negative = *text == '-';
+    if (negative || *text == '+') ++text;
+    const bool number = qblIsDigit(*text);
+    Unsigned magnitude = 0;
+    for (; qblIsDigit(*text) && magnitude <= most / 10; ++text)
+        magnitude = magnitude * 10 + static_cast<unsigned char>(*text - '0');
+    if (magnitude > most + negative || qblIsDigit(*text)) {
+        value = negative ? Limits::min() : Limits::max();
+        return 0;
+    }
+    value = static_cast<Int>(negative ? 0 - magnitude : magnitude);
+    return number ? 1 : 0;
+}
+
+template <class Real>
+int readReal(const char* text, Real& value) {
+    text = skipBlanks(text);
+    if (*text == '\0') return 0;
+    if (!qblReadReal(text, value)) return 0;
+    if (!std::isinf(value)) return 1;
+    value = std::copysign(std::numeric_limits<Real>::max(), value);
+    return 0;
+}
+
+template <class Int>
+int writeInteger(char* buf, Int value) {
+    auto magnitude = static_cast<std::make_unsigned_t<Int>>(value);
+    char* out = buf;
+    if (value < 0) {
+        *out++ = '-';
+        magnitude = 0 - magnitude;
+    }
+    if constexpr (sizeof(Int) == sizeof(std::uint64_t))
+        out = qblWriteUnsigned(out, std::uint64_t{magnitude});
+    else
+        out = qblWriteUnsigned(out, std::uint32_t{magnitude});
+    *out = '\0';
+    return static_cast<int>(out - buf);
+}
+
+int writeReal(char* buf, double value) {
+    char* const end = qblWriteReal(buf, value, 6);
+    *end = '\0';
+    return static_cast<int>(end - buf);
+}
+
+}  // namespace
+
+// NULL, not nullptr, stands in the texts of the assertions.
+
+int asciiToInt32(const char* str, int* value) {
+    QBL_ASSERT(str != NULL);
+    QBL_ASSERT(value != NULL);
+    return readInteger(str, *value);
+}
+
+int asciiToInt64(const char* str, long long* value) {
+    QBL_ASSERT(str != NULL);
+    QBL_ASSERT(value != NULL);
+    return readInteger(str, *value);
+}
+
+int asciiToFloat32(const char* str, float* value) {
+    QBL_ASSERT(str != NULL);
+    QBL_ASSERT(value != NULL);
+    return readReal(str, *value);
+}
+
+int asciiToFloat64(const char* str, double* value) {
+    QBL_ASSERT(str != NULL);
+    QBL_ASSERT(value != NULL);
+    return readReal(str, *value);
+}
+
+int int32ToAscii(char* buf, int value) {
+    QBL_ASSERT(buf != NULL);
+    return writeInteger(buf, value);
+}
+
+int int64ToAscii(char* buf, long long value) {
+    QBL_ASSERT(buf != NULL);
+    return writeInteger(buf, value);
+}
+
+int float32ToAscii(char* buf, float value) {
+    QBL_ASSERT(buf != NULL);
+    return writeReal(buf, static_cast<double>(value));
+}
+
+int float64ToAscii(char* buf, double value) {
+    QBL_ASSERT(buf != NULL);
+    return writeReal(buf, value);
+}

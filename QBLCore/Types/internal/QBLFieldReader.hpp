@@ -1,0 +1,95 @@
+#ifndef QBLCORE_TYPES_INTERNAL_QBLFIELDREADER_HPP
+#define QBLCORE_TYPES_INTERNAL_QBLFIELDREADER_HPP
+
+#include <cstdint>
+#include <cstring>
+
+#include "QBLCore/Types/QBLTypeCast.hpp"
+#include "QBLCore/Types/internal/QBLCharacters.hpp"
+
+/// A text taken apart from its beginning. What does not stand there is not taken.
+class QBLFieldReader {
+public:
+    /// Without the white space around it; null is an empty text.
+    explicit QBLFieldReader(const char* text) : QBLFieldReader(text, Exact{}) {
+        while (qblIsBlank(*m_pNext)) ++m_pNext;
+        while (m_pEnd != m_pNext && qblIsBlank(m_pEnd[-1])) --m_pEnd;
+        m_pBegin = m_pNext;
+    }
+    struct Exact {};
+    /// All of it.
+    QBLFieldReader(const char* text, Exact) : m_pBegin(text != nullptr ? text : "") {
+        m_pNext = m_pBegin;
+        m_pEnd = m_pBegin + std::strlen(m_pBegin);
+    }
+
+    bool atEnd() const { return m_pNext == m_pEnd; }
+    bool atDigit() const { return !atEnd() && qblIsDigit(*m_pNext); }
+    std::ptrdiff_t left() const { return m_pEnd - m_pNext; }
+
+    bool take(char c) {
+        if (atEnd() || *m_pNext != c) return false;
+        ++m_pNext;
+        return true;
+    }
+
+    /// Takes exactly two digits, of which a third may follow.
+    bool takePair(int& value) {
+        if (left() < 2 || !qblIsDigit(m_pNext[0]) || !qblIsDigit(m_pNext[1])) return false;
+        value = (m_pNext[0] - '0') * 10 + (m_pNext[1] - '0');
+        m_pNext += 2;
+        return true;
+    }
+
+    /// Takes all digits there are, at least one.
+    /// @param limit  at most 2^63
+    /// @param value  receives the number; any above the limit for one that is above it
+    bool takeNumber(std::uint64_t& value, std::uint64_t limit) {
+        if (!atDigit()) return false;
+        for (value = 0; atDigit(); ++m_pNext) {
+            const auto digit = static_cast<unsigned char>(*m_pNext - '0');
+            if (value > limit / 10)
+                value = limit + 1;
+            else
+                value = value * 10 + digit;
+        }
+        return true;
+    }
+
+    /// Takes one to nine digits as those behind the point.
+    bool takeNanoseconds(int& value) {
+        if (!atDigit()) return false;
+        int count = 0;
+        for (value = 0; atDigit() && count < 9; ++count) value = value * 10 + (*m_pNext++ - '0');
+        for (; count < 9; ++count) value *= 10;
+        return true;
+    }
+
+    /// What a text of bad form is, by the characters that its kind may have besides digits and
+    /// white space.
+    long fault(const char* characters) const {
+        for (const char* at = m_pBegin; at != m_pEnd; ++at)
+            if (!qblIsDigit(*at) && !qblIsBlank(*at) && std::strchr(characters, *at) == nullptr)
+                return QBLTypeCast::badCharacter;
+        return QBLTypeCast::badForm;
+    }
+
+private:
+    const char* m_pBegin;
+    const char* m_pNext;
+    const char* m_pEnd;
+};
+
+struct QBLTimeFields {
+    int hour = 0, minute = 0, second = 0, fraction = 0;
+
+    /// MM[:SS[.F+]], behind the hours and their colon.
+    bool takeRest(QBLFieldReader& text);
+    /// HH:MM[:SS[.F+]]
+    bool take(QBLFieldReader& text) {
+        return text.takePair(hour) && text.take(':') && takeRest(text);
+    }
+    bool valid() const { return hour < 24 && minute < 60 && second < 60; }
+};
+
+#endif

@@ -1,0 +1,48 @@
+// Writes the type catalogue as docs/types.md to standard output. The target types_page puts it
+// there.
+
+#include <cstddef>
+#include <cstdio>
+
+#include "QBLCore/Types/internal/QBLDBTypeTables.hpp"
+
+namespace {
+
+template <class Row, std::size_t kRows, class Code>
+const char* nameOf(const Row (&rows)[kRows], Code code) {
+    for (const Row& row : rows)
+        if (row.code == code) return row.name;
+    return "none";
+}
+
+void section(const char* title, const char* first, const char* second) {
+    std::printf("\n## %s\n\n| code | name | %s | %s |\n|---|---|---|---|\n", title, first, second);
+}
+
+void line(int code, const char* name, const char* first, const char* second) {
+    std::printf("| %d | `%s` | `%s` | `%s` |\n", code, name, first, second);
+}
+
+}  // namespace
+
+int main() {
+    std::printf(
+        "# Types\n\n"
+        "What `QBLDBTypes` knows: three vocabularies of types, and what a type becomes in the "
+        "other "
+        "two.\nWritten by `scripts/type_page.cpp` from the library's tables.\n\n"
+        "The mappings are not each other's inverse. What has no counterpart becomes code 0. Of two "
+        "names\nfor one code, the first is the one that the code gives.\n");
+    section("SQL column types: `SqlColType`", "to `XSType`", "to `QBLDBDatatype`");
+    for (const QBLSqlColTypeRow& row : kSqlColTypes)
+        line(row.code, row.name, nameOf(kXSTypes, row.xsType),
+             nameOf(kQBLDBDatatypes, row.datatype));
+    section("Data types: `QBLDBDatatype`", "to `SqlColType`", "to `XSType`");
+    for (const QBLDBDatatypeRow& row : kQBLDBDatatypes)
+        line(row.code, row.name, nameOf(kSqlColTypes, row.sqlColType),
+             nameOf(kXSTypes, row.xsType));
+    section("XML Schema types: `XSType`", "to `SqlColType`", "to `QBLDBDatatype`");
+    for (const QBLXSTypeRow& row : kXSTypes)
+        line(row.code, row.name, nameOf(kSqlColTypes, row.sqlColType),
+             nameOf(kQBLDBDatatypes, row.datatype));
+}

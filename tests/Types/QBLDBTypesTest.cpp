@@ -1,0 +1,120 @@
+#include "QBLCore/Types/QBLDBTypes.hpp"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <memory>
+#include <string>
+
+#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
+#include "tests/support/Child.hpp"
+#include "tests/support/FaultInjection.hpp"
+#include "tests/support/Workers.hpp"
+
+namespace {
+
+/// The name of a type and of the two that it becomes.
+template <class Type>
+std::string shown(Type type);
+template <>
+std::string shown(SqlColType type) {
+    const QBLDBTypes& types = *QBLDBTypes::get();
+    return std::string(types.getName(type)) + " " + types.getName(types.SqlColType2XSType(type)) +
+           " " + types.getName(types.SqlColType2QBLDBDatatype(type));
+}
+template <>
+std::string shown(QBLDBDatatype type) {
+    const QBLDBTypes& types = *QBLDBTypes::get();
+    return std::string(types.getName(type)) + " " +
+           types.getName(types.QBLDBDatatype2SqlColType(type)) + " " +
+           types.getName(types.QBLDBDatatype2XSType(type));
+}
+template <>
+std::string shown(XSType type) {
+    const QBLDBTypes& types = *QBLDBTypes::get();
+    return std::string(types.getName(type)) + " " + types.getName(types.XSType2SqlColType(type)) +
+           " " + types.getName(types.XSType2QBLDBDatatype(type));
+}
+
+/// Every name is one code's, and every one differs from it in a letter.
+template <class Type>
+void expectNames(int count, Type (QBLDBTypes::*code)(const char*) const) {
+    const QBLDBTypes& types = *QBLDBTypes::get();
+    for (int i = 0; i < count; ++i) {
+        std::string name = types.getName(static_cast<Type>(i));
+        EXPECT_EQ(i, (types.*code)(name.c_str())) << name;
+        for (char& c : name) {
+            ++c;
+            EXPECT_EQ(0, (types.*code)(name.c_str())) << name;
+            --c;
+        }
+        EXPECT_EQ(0, (types.*code)((name + "x").c_str()));
+    }
+    for (const int outside : {-1, count, 0x7FFFFFFF, -0x7FFFFFFF - 1})
+        EXPECT_EQ(nullptr, types.getName(static_cast<Type>(outside)));
+    for (const char* unknown : {"", "x", "xs:", "xs:a", "none of these"})
+        EXPECT_EQ(0, (types.*code)(unknown));
+    EXPECT_EQ(0, (types.*code)(nullptr));
+}
+
+}  // namespace
+
+TEST(QBLDBTypesTest, IsMadeAgainAfterAllocationsFailed) {
+    const int status = inChild([] {
+        bool made = false;
+        const long failures = fault::eachAllocation([&made] {
+            try {
+                made = QBLDBTypes::get() != nullptr;
+            } catch (const QBLOutOfMemoryError&) {
+            }
+        });
+        return made && failures > 0 && QBLDBTypes::get() == QBLDBTypes::get() ? 0 : 1;
+    });
+    EXPECT_EQ(0, status);
+}
+
+TEST(QBLDBTypesTest, IsOneForThreadsThatAskFirst) {
+    Gate gate;
+    std::atomic<int> wrong{0};
+    std::atomic<QBLDBTypes*> one{nullptr};
+    Workers workers(8, [&] {
+        gate.wait();
+        QBLDBTypes* const mine = QBLDBTypes::get();
+        QBLDBTypes* other = nullptr;
+        if (!one.compare_exchange_strong(other, mine) && other != mine) ++wrong;
+        for (int i = 0; i < 1000; ++i)
+            if (mine->getSqlColTypeCode("none") != 0 || mine->getXSTypeCode("xs:gDay") != xsGDay ||
+                mine->XSType2SqlColType(xsToken) != sqlVarChar)
+                ++wrong;
+    });
+    gate.open();
+    workers.join();
+    EXPECT_EQ(0, wrong);
+}
+
+TEST(QBLDBTypesTest, FindsEveryNameAndNoOther) {
+    expectNames<SqlColType>(32, &QBLDBTypes::getSqlColTypeCode);
+    expectNames<QBLDBDatatype>(61, &QBLDBTypes::getQBLDBDatatypeCode);
+    expectNames<XSType>(45, &QBLDBTypes::getXSTypeCode);
+    EXPECT_EQ(15, QBLDBTypes::get()->getQBLDBDatatypeCode("qblDTypeTimestamp"));
+    for (int i = 0; i < 2; ++i) {
+        const auto name = std::make_unique<std::string>("a name that goes away again");
+        EXPECT_EQ(0, QBLDBTypes::get()->getXSTypeCode(name->c_str()));
+    }
+}
+
+// All of them stand in docs/types.md, which is compared with the tables.
+TEST(QBLDBTypesTest, MapsWhatIsIrregular) {
+    EXPECT_EQ("sqlInterval2 xs:duration qblDTypeInterval2", shown(sqlInterval2));
+    EXPECT_EQ("sqlDbKey xs:base64Binary qblDTypeBinary", shown(sqlDbKey));
+    EXPECT_EQ("qblDTypeDateTime sqlDateTime xs:dateTime", shown(qblDTypeTimestamp));
+    EXPECT_EQ("qblDTypeVariant sqlUnknownType xs:anyType", shown(qblDTypeVariant));
+    EXPECT_EQ("qblDTypeBoolean sqlBoolean xs:boolean", shown(qblDTypeBoolean));
+    EXPECT_EQ("qblDTypeHasChildren sqlSmallInt xs:boolean", shown(qblDTypeHasChildren));
+    EXPECT_EQ("xs:boolean sqlSmallInt qblDTypeUInt16", shown(xsBoolean));
+    EXPECT_EQ("xs:gDay sqlUnknownType qblDTypeUnknown", shown(xsGDay));
+    EXPECT_EQ("xs:hexBinary sqlBlob qblDTypeBlob", shown(xsHexBinary));
+    EXPECT_EQ("xs:positiveInteger sqlQuad qblDTypeUInt32", shown(xsPositiveInteger));
+    EXPECT_EQ(0, QBLDBTypes::get()->XSType2SqlColType(static_cast<XSType>(45)));
+    EXPECT_EQ(0, QBLDBTypes::get()->QBLDBDatatype2XSType(static_cast<QBLDBDatatype>(-1)));
+}

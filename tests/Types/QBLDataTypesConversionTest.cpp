@@ -1,0 +1,247 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <sstream>
+#include <string>
+
+#include "QBLCore/Types/c/QBLDataTypesConversion_c.h"
+#include "tests/Types/CommaLocale.hpp"
+#include "tests/support/FaultInjection.hpp"
+#include "tests/support/ThrowChecks.hpp"
+#include "tests/support/Workers.hpp"
+
+extern "C" int dataTypesFailed();
+
+namespace {
+
+int read(const char* text, int& value) { return asciiToInt32(text, &value); }
+int read(const char* text, long long& value) { return asciiToInt64(text, &value); }
+int read(const char* text, float& value) { return asciiToFloat32(text, &value); }
+int read(const char* text, double& value) { return asciiToFloat64(text, &value); }
+int write(char* text, int value) { return int32ToAscii(text, value); }
+int write(char* text, long long value) { return int64ToAscii(text, value); }
+int write(char* text, float value) { return float32ToAscii(text, value); }
+int write(char* text, double value) { return float64ToAscii(text, value); }
+
+/// One stream for all, as making one takes longer than all else.
+class Streams {
+public:
+    Streams() {
+        m_in.imbue(std::locale::classic());
+        m_out.imbue(std::locale::classic());
+    }
+
+    template <class Value>
+    bool readsSame(const std::string& text) {
+        Value expected = 77, found = 77;
+        m_in.clear();
+        m_in.str(text);
+        const bool good = !(m_in >> expected).fail();
+        return read(text.c_str(), found) == (good ? 1 : 0) &&
+               std::memcmp(&expected, &found, sizeof found) == 0;
+    }
+
+    template <class Value>
+    bool writesSame(Value value) {
+        m_out.str("");
+        m_out << value;
+        char text[24];
+        const int length = write(text, value);
+        return m_out.str() == text && length == static_cast<int>(std::strlen(text));
+    }
+
+    void expectReadAlike(const std::string& text) {
+        EXPECT_TRUE(readsSame<int>(text)) << "as int: '" << text << "'";
+        EXPECT_TRUE(readsSame<long long>(text)) << "as long long: '" << text << "'";
+        EXPECT_TRUE(readsSame<float>(text)) << "as float: '" << text << "'";
+        EXPECT_TRUE(readsSame<double>(text)) << "as double: '" << text << "'";
+    }
+
+    template <class Value>
+    void expectWrittenAlike(Value value) {
+        EXPECT_TRUE(writesSame(value)) << std::setprecision(20) << value;
+    }
+
+private:
+    std::istringstream m_in;
+    std::ostringstream m_out;
+};
+
+void compareEdges() {
+    Streams streams;
+    const std::string zeros(1200, '0');
+    for (const std::string& text : {std::string(""),
+                                    std::string(" \t\n"),
+                                    std::string("0"),
+                                    std::string("-0"),
+                                    std::string("+5"),
+                                    std::string("--5"),
+                                    std::string("- 5"),
+                                    std::string("+"),
+                                    std::string("12abc"),
+                                    std::string(" \v\f\r\n 7"),
+                                    std::string("0x1F"),
+                                    std::string("1,234.5"),
+                                    std::string("1.234,5"),
+                                    std::string("007"),
+                                    std::string("."),
+                                    std::string("-."),
+                                    std::string(".5"),
+                                    std::string("5."),
+                                    std::string("1.2.3"),
+                                    std::string("1e"),
+                                    std::string("1e+"),
+                                    std::string("1ex"),
+                                    std::string("1e5e"),
+                                    std::string("1E-2.5"),
+                                    std::string(".e1"),
+                                    std::string("inf"),
+                                    std::string("-nan"),
+                                    std::string("infinity"),
+                                    std::string("\xA0"
+                                                "1"),
+                                    std::string("2147483647"),
+                                    std::string("2147483648"),
+                                    std::string("-2147483648"),
+                                    std::string("-2147483649"),
+                                    std::string("21474836470"),
+                                    std::string("9223372036854775807"),
+                                    std::string("9223372036854775808"),
+                                    std::string("-9223372036854775808"),
+                                    std::string("-9223372036854775809"),
+                                    std::string("99999999999999999999999"),
+                                    std::string("3.4028235e38"),
+                                    std::string("3.4028236e38"),
+                                    std::string("-1e39"),
+                                    std::string("1e308"),
+                                    std::string("1.8e308"),
+                                    std::string("-1e999x"),
+                                    std::string("1e-400"),
+                                    std::string("-1e-400"),
+                                    std::string("4.9e-324"),
+                                    std::string("2.4e-324"),
+                                    std::string("2.2250738585072011e-308"),
+                                    std::string("9007199254740993"),
+                                    std::string("902378e21"),
+                                    std::string("16777217"),
+                                    std::string("1e99999999999999999999"),
+                                    "1" + zeros + "e-1195",
+                                    "." + zeros + "1e1205",
+                                    zeros + "12",
+                                    "0." + zeros + "1e1010",
+                                    "1." + zeros + "1"})
+        streams.expectReadAlike(text);
+    using Int64 = std::numeric_limits<long long>;
+    for (const int value : {0, 9, -9, 10, 99, 100, 999, 1000, 9999, 10000, 99999999, 100000000,
+                            1000000000, 2147483647, -2147483647 - 1})
+        streams.expectWrittenAlike(value);
+    for (const long long value : {0LL, 4294967295LL, 4294967296LL, 999999999999LL, 1000000000000LL,
+                                  999999999999999999LL, Int64::max(), Int64::min()})
+        streams.expectWrittenAlike(value);
+    const double inf = std::numeric_limits<double>::infinity(), nan = std::nan("");
+    for (const double value : {0.0,
+                               -0.0,
+                               inf,
+                               -inf,
+                               nan,
+                               -nan,
+                               0.1,
+                               1234565.0,
+                               1234575.0,
+                               12345.65,
+                               123456.5,
+                               999999.5,
+                               9999995.0,
+                               999999.4999999,
+                               0.0001,
+                               0.00009999995,
+                               0.5,
+                               2.5,
+                               1e15,
+                               1e22,
+                               1e23,
+                               5e-324,
+                               2.2250738585072014e-308,
+                               1.7976931348623157e308,
+                               123456789.0,
+                               1e100,
+                               1e-100})
+        streams.expectWrittenAlike(value);
+    for (const float value : {0.1F, 1e38F, 1.4e-45F, 16777216.0F, -3.4028235e38F})
+        streams.expectWrittenAlike(value);
+}
+
+void compareRandom(int count) {
+    Streams streams;
+    std::mt19937_64 random(1);
+    int wrong = 0;
+    const auto expect = [&wrong](bool same, const std::string& what) {
+        if (!same && ++wrong < 10) ADD_FAILURE() << what;
+    };
+    for (int i = 0; i < count; ++i) {
+        const unsigned long long bits = random();
+        const auto whole = static_cast<long long>(bits >> random() % 64);
+        double any;
+        float single;
+        std::memcpy(&any, &bits, sizeof any);
+        std::memcpy(&single, &bits, sizeof single);
+        const double plain = static_cast<double>(whole % 1000000000) / std::pow(10, i % 10);
+        // In the middle between two of six digits, where rounding has to be exact.
+        const double tie = static_cast<double>(whole % 1000000 * 10 + 5) / (i % 2 != 0 ? 1 : 8);
+        std::string text;
+        switch (i % 5) {
+            case 0:
+                text = std::to_string(whole);
+                break;
+            case 1:
+                text = std::to_string(whole) + "e" + std::to_string(static_cast<int>(i % 80) - 40);
+                break;
+            case 2:
+                for (int n = static_cast<int>(bits % 12); n > 0; --n)
+                    text += "0123456789+-.eExX \t,anif"[random() % 24];
+                break;
+            default:
+                std::ostringstream exact;
+                exact.imbue(std::locale::classic());
+                exact.precision(i % 5 == 3 ? 17 : 9);
+                exact << (i % 2 != 0 ? any : plain);
+                text = exact.str();
+        }
+        expect(streams.readsSame<int>(text) && streams.readsSame<long long>(text) &&
+                   streams.readsSame<float>(text) && streams.readsSame<double>(text),
+               "'" + text + "' is read otherwise");
+        expect(streams.writesSame(static_cast<int>(whole)) && streams.writesSame(whole) &&
+                   streams.writesSame(-whole) && streams.writesSame(any) &&
+                   streams.writesSame(plain) && streams.writesSame(tie) &&
+                   (std::isnan(single) || streams.writesSame(single)),
+               std::to_string(bits) + " is written otherwise");
+    }
+}
+
+}  // namespace
+
+TEST(QBLDataTypesConversionTest, GivesWhatStreamsGive) {
+    compareEdges();
+    compareRandom(kSanitizer ? 20000 : 200000);
+}
+
+TEST(QBLDataTypesConversionTest, GivesTheSameInALocaleWithAComma) {
+    inCommaLocale([] {
+        compareEdges();
+        compareRandom(5000);
+    });
+}
+
+TEST(QBLDataTypesConversionTest, FailsForNull) {
+    char text[4];
+    int value = 0;
+    QBL_EXPECT_THROW(asciiToInt32(nullptr, &value), QBLAssertError, "QBL_ASSERT(str != NULL);");
+    QBL_EXPECT_THROW(asciiToFloat64(text, nullptr), QBLAssertError, "QBL_ASSERT(value != NULL);");
+    QBL_EXPECT_THROW(float32ToAscii(nullptr, 1), QBLAssertError, "QBL_ASSERT(buf != NULL);");
+}
+
+TEST(QBLDataTypesConversionTest, CanBeCalledFromC) { EXPECT_EQ(0, dataTypesFailed()); }
