@@ -38,7 +38,7 @@ private:
             else if constexpr (std::is_integral_v<Value>)
                 value = bits >> i % 63;
             else
-                value = static_cast<double>(bits >> 20 + i % 40) / std::pow(10, i % 9);
+                value = static_cast<double>(bits >> (20 + i % 40)) / std::pow(10, i % 9);
             values.push_back(value);
             std::ostringstream out;
             out << value;

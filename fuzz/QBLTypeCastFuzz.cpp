@@ -21,7 +21,8 @@ void require(bool holds) {
     if (!holds) std::abort();
 }
 
-bool same(const QBLDate2& a, const QBLDate2& b) {
+template <class Value>
+bool sameDate(const Value& a, const Value& b) {
     return a.year == b.year && a.month == b.month && a.day == b.day;
 }
 template <class Value>
@@ -29,16 +30,16 @@ bool sameTime(const Value& a, const Value& b) {
     return a.hour == b.hour && a.minute == b.minute && a.second == b.second &&
            a.fraction == b.fraction;
 }
+bool same(const QBLDate2& a, const QBLDate2& b) { return sameDate(a, b); }
 bool same(const QBLTime2& a, const QBLTime2& b) { return sameTime(a, b); }
 bool same(const QBLTimeTZ& a, const QBLTimeTZ& b) {
     return sameTime(a, b) && a.displacement == b.displacement;
 }
 bool same(const QBLTimestamp2& a, const QBLTimestamp2& b) {
-    return sameTime(a, b) && same({a.year, a.month, a.day}, {b.year, b.month, b.day});
+    return sameTime(a, b) && sameDate(a, b);
 }
 bool same(const QBLTimestampTZ& a, const QBLTimestampTZ& b) {
-    return sameTime(a, b) && same({a.year, a.month, a.day}, {b.year, b.month, b.day}) &&
-           a.displacement == b.displacement;
+    return sameTime(a, b) && sameDate(a, b) && a.displacement == b.displacement;
 }
 bool same(const QBLInterval2& a, const QBLInterval2& b) {
     return a.negative == b.negative && a.days == b.days && a.hours == b.hours &&

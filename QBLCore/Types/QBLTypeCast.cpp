@@ -16,11 +16,12 @@ long readInteger(Int* value, const char* string) {
     if (value == nullptr) return QBLTypeCast::badForm;
     *value = 0;
     QBLFieldReader text(string);
+    text.skipBlanks();
     const bool negative = text.take('-');
     if (!negative) text.take('+');
     const Unsigned most = static_cast<Unsigned>(std::numeric_limits<Int>::max()) + negative;
     std::uint64_t magnitude = 0;
-    if (!text.takeNumber(magnitude, most) || !text.atEnd()) return text.fault("+-");
+    if (!text.takeNumber(magnitude, most) || !text.onlyBlanksLeft()) return text.fault("+-");
     if (magnitude > most) return QBLTypeCast::outOfRange;
     *value = static_cast<Int>(negative ? 0 - magnitude : magnitude);
     return QBLTypeCast::ok;

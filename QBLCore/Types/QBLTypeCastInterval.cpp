@@ -44,9 +44,10 @@ long QBLTypeCast::string2DTinterval(const void*, QBLInterval2* value, const char
     if (value == nullptr) return badForm;
     *value = QBLInterval2();
     QBLFieldReader text(string);
+    text.skipBlanks();
     const bool negative = text.take('-');
     DayTimeFields fields;
-    if (!fields.take(text) || !text.atEnd()) return text.fault("-:.");
+    if (!fields.take(text) || !text.onlyBlanksLeft()) return text.fault("-:.");
     const QBLTimeFields& time = fields.time;
     if (fields.days > kMost || !time.valid()) return outOfRange;
     *value = {negative,    static_cast<std::int32_t>(fields.days),
@@ -59,10 +60,11 @@ long QBLTypeCast::string2YMinterval(const void*, QBLIntervalYM* value, const cha
     if (value == nullptr) return badForm;
     *value = QBLIntervalYM();
     QBLFieldReader text(string);
+    text.skipBlanks();
     const bool negative = text.take('-');
     std::uint64_t years = 0, months = 0;
     if (!text.take('(') || !text.takeNumber(years, kMost) || !text.take(' ') ||
-        !text.takeNumber(months, kMost) || !text.take(')') || !text.atEnd())
+        !text.takeNumber(months, kMost) || !text.take(')') || !text.onlyBlanksLeft())
         return text.fault("-()");
     if (years > kMost || months > 11) return outOfRange;
     *value = {negative, static_cast<std::int32_t>(years), static_cast<std::int32_t>(months)};

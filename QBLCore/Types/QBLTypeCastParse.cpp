@@ -68,12 +68,13 @@ long readTime(Value* value, const char* string, const char* characters) {
     if (value == nullptr) return QBLTypeCast::badForm;
     *value = Value();
     QBLFieldReader text(string);
+    text.skipBlanks();
     DateFields date;
     QBLTimeFields time;
     ZoneFields zone;
     if (kDate && (!date.take(text) || (!text.take(' ') && !text.take('T'))))
         return text.fault(characters);
-    if (!time.take(text) || (kZone && !zone.take(text)) || !text.atEnd())
+    if (!time.take(text) || (kZone && !zone.take(text)) || !text.onlyBlanksLeft())
         return text.fault(characters);
     if (!time.valid() || !zone.valid()) return QBLTypeCast::outOfRange;
     if constexpr (kDate) storeDate(*value, date);
@@ -92,7 +93,7 @@ bool QBLTimeFields::takeRest(QBLFieldReader& text) {
 
 bool QBLTypeCast::dateString2Integers(const char* text, int& year, int& month, int& day,
                                       bool& leap) {
-    QBLFieldReader reader(text, QBLFieldReader::Exact{});
+    QBLFieldReader reader(text);
     DateFields date;
     const bool valid = date.take(reader) && reader.atEnd();
     if (!valid) date = DateFields();
@@ -105,7 +106,7 @@ bool QBLTypeCast::dateString2Integers(const char* text, int& year, int& month, i
 
 long QBLTypeCast::timeString2Integers(const char* text, int& hour, int& minute, int& second,
                                       int& fraction) {
-    QBLFieldReader reader(text, QBLFieldReader::Exact{});
+    QBLFieldReader reader(text);
     QBLTimeFields time;
     const bool read = time.take(reader) && reader.atEnd();
     const bool valid = read && time.valid();
@@ -118,7 +119,7 @@ long QBLTypeCast::timeString2Integers(const char* text, int& hour, int& minute, 
 }
 
 bool QBLTypeCast::tzStringToTZDisplacement(const char* text, int& displacement) {
-    QBLFieldReader reader(text, QBLFieldReader::Exact{});
+    QBLFieldReader reader(text);
     ZoneFields zone;
     const bool valid = zone.takeDigits(reader, true) && reader.atEnd() && zone.valid();
     displacement = valid ? zone.displacement : 0;
@@ -128,7 +129,7 @@ bool QBLTypeCast::tzStringToTZDisplacement(const char* text, int& displacement) 
 long QBLTypeCast::string2date(const void*, QBLDate2* value, const char* text) {
     if (value == nullptr) return badForm;
     *value = QBLDate2();
-    QBLFieldReader reader(text, QBLFieldReader::Exact{});
+    QBLFieldReader reader(text);
     DateFields date;
     if (!date.take(reader) || !reader.atEnd()) return badForm;
     storeDate(*value, date);

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <type_traits>
 
@@ -16,17 +17,35 @@ const char* skipBlanks(const char* text) {
     return text;
 }
 
+/// Takes up to nine digits, which 32 bits hold.
+std::uint32_t takeNine(const char*& text, unsigned& count) {
+    std::uint32_t value = 0;
+    for (count = 0; count < 9 && qblIsDigit(*text); ++count)
+        value = value * 10 + static_cast<unsigned char>(*text++ - '0');
+    return value;
+}
+
 template <class Int>
 int readInteger(const char* text, Int& value) {
     using Limits = std::numeric_limits<Int>;
     using Unsigned = std::make_unsigned_t<Int>;
     constexpr Unsigned most = Limits::max();
+    static constexpr Unsigned kPowers[] = {1,      10,      100,      1000,      10000,
+                                           100000, 1000000, 10000000, 100000000, 1000000000};
     text = skipBlanks(text);
     if (*text == '\0') return 0;
     const bool negative = *text == '-';
     if (negative || *text == '+') ++text;
-    const bool number = qblIsDigit(*text);
-    Unsigned magnitude = 0;
+    unsigned count = 0;
+    Unsigned magnitude = takeNine(text, count);
+    if (count == 0) {
+        value = 0;
+        return 0;
+    }
+    if (sizeof(Int) > sizeof(int) && count == 9) {
+        const std::uint32_t next = takeNine(text, count);
+        magnitude = magnitude * kPowers[count] + next;
+    }
     for (; qblIsDigit(*text) && magnitude <= most / 10; ++text)
         magnitude = magnitude * 10 + static_cast<unsigned char>(*text - '0');
     if (magnitude > most + negative || qblIsDigit(*text)) {
@@ -34,7 +53,7 @@ int readInteger(const char* text, Int& value) {
         return 0;
     }
     value = static_cast<Int>(negative ? 0 - magnitude : magnitude);
-    return number ? 1 : 0;
+    return 1;
 }
 
 template <class Real>

@@ -10,33 +10,31 @@
 /// A text taken apart from its beginning. What does not stand there is not taken.
 class QBLFieldReader {
 public:
-    /// Without the white space around it; null is an empty text.
-    explicit QBLFieldReader(const char* text) : QBLFieldReader(text, Exact{}) {
-        while (qblIsBlank(*m_pNext)) ++m_pNext;
-        while (m_pEnd != m_pNext && qblIsBlank(m_pEnd[-1])) --m_pEnd;
-        m_pBegin = m_pNext;
-    }
-    struct Exact {};
-    /// All of it.
-    QBLFieldReader(const char* text, Exact) : m_pBegin(text != nullptr ? text : "") {
+    /// @param text  null is an empty text
+    explicit QBLFieldReader(const char* text) : m_pBegin(text != nullptr ? text : "") {
         m_pNext = m_pBegin;
-        m_pEnd = m_pBegin + std::strlen(m_pBegin);
     }
 
-    bool atEnd() const { return m_pNext == m_pEnd; }
-    bool atDigit() const { return !atEnd() && qblIsDigit(*m_pNext); }
-    std::ptrdiff_t left() const { return m_pEnd - m_pNext; }
+    QBLFieldReader& skipBlanks() {
+        while (qblIsBlank(*m_pNext)) ++m_pNext;
+        return *this;
+    }
+    bool atEnd() const { return *m_pNext == '\0'; }
+    bool onlyBlanksLeft() { return skipBlanks().atEnd(); }
 
     bool take(char c) {
-        if (atEnd() || *m_pNext != c) return false;
+        if (*m_pNext != c) return false;
         ++m_pNext;
         return true;
     }
 
     /// Takes exactly two digits, of which a third may follow.
     bool takePair(int& value) {
-        if (left() < 2 || !qblIsDigit(m_pNext[0]) || !qblIsDigit(m_pNext[1])) return false;
-        value = (m_pNext[0] - '0') * 10 + (m_pNext[1] - '0');
+        const auto tens = static_cast<unsigned char>(m_pNext[0] - '0');
+        if (tens > 9) return false;
+        const auto ones = static_cast<unsigned char>(m_pNext[1] - '0');
+        if (ones > 9) return false;
+        value = tens * 10 + ones;
         m_pNext += 2;
         return true;
     }
@@ -45,8 +43,8 @@ public:
     /// @param limit  at most 2^63
     /// @param value  receives the number; any above the limit for one that is above it
     bool takeNumber(std::uint64_t& value, std::uint64_t limit) {
-        if (!atDigit()) return false;
-        for (value = 0; atDigit(); ++m_pNext) {
+        if (!qblIsDigit(*m_pNext)) return false;
+        for (value = 0; qblIsDigit(*m_pNext); ++m_pNext) {
             const auto digit = static_cast<unsigned char>(*m_pNext - '0');
             if (value > limit / 10)
                 value = limit + 1;
@@ -58,9 +56,10 @@ public:
 
     /// Takes one to nine digits as those behind the point.
     bool takeNanoseconds(int& value) {
-        if (!atDigit()) return false;
+        if (!qblIsDigit(*m_pNext)) return false;
         int count = 0;
-        for (value = 0; atDigit() && count < 9; ++count) value = value * 10 + (*m_pNext++ - '0');
+        for (value = 0; qblIsDigit(*m_pNext) && count < 9; ++count)
+            value = value * 10 + (*m_pNext++ - '0');
         for (; count < 9; ++count) value *= 10;
         return true;
     }
@@ -68,7 +67,7 @@ public:
     /// What a text of bad form is, by the characters that its kind may have besides digits and
     /// white space.
     long fault(const char* characters) const {
-        for (const char* at = m_pBegin; at != m_pEnd; ++at)
+        for (const char* at = m_pBegin; *at != '\0'; ++at)
             if (!qblIsDigit(*at) && !qblIsBlank(*at) && std::strchr(characters, *at) == nullptr)
                 return QBLTypeCast::badCharacter;
         return QBLTypeCast::badForm;
@@ -77,7 +76,6 @@ public:
 private:
     const char* m_pBegin;
     const char* m_pNext;
-    const char* m_pEnd;
 };
 
 struct QBLTimeFields {
