@@ -86,7 +86,8 @@ void checkDouble(const std::string& text) {
     require(std::strcmp(out, outAgain) == 0);
     char* end = nullptr;
     const double exact = std::strtod(text.c_str(), &end);
-    require(*end == '\0' && (std::isnan(exact) || std::memcmp(&exact, &value, sizeof exact) == 0));
+    require(*end == '\0' &&
+            (std::isnan(exact) || (exact == value && std::signbit(exact) == std::signbit(value))));
 }
 
 void checkIntegers(const std::string& text) {

@@ -41,8 +41,8 @@ public:
         m_in.clear();
         m_in.str(text);
         const bool good = !(m_in >> expected).fail();
-        return read(text.c_str(), found) == (good ? 1 : 0) &&
-               std::memcmp(&expected, &found, sizeof found) == 0;
+        return read(text.c_str(), found) == (good ? 1 : 0) && expected == found &&
+               std::signbit(expected) == std::signbit(found);
     }
 
     template <class Value>
