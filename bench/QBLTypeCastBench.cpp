@@ -94,7 +94,7 @@ void writeStream(benchmark::State& state) {
     for (auto _ : state) {
         std::ostringstream out;
         out << numbers.values[i++ & numbers.kMask];
-        std::strcpy(text, out.str().c_str());
+        text[out.str().copy(text, sizeof text - 1)] = '\0';
         benchmark::DoNotOptimize(text);
     }
 }
