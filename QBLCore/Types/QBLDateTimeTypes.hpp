@@ -4,7 +4,8 @@
 #include <cstdint>
 
 // Dates, times and intervals as databases have them, in the Gregorian calendar. Fractions are in
-// nanoseconds. QBLTypeCast reads and writes them as text.
+// nanoseconds. An interval is below zero if its field says so by any number but 0. QBLTypeCast
+// reads and writes them as text.
 
 struct QBLDate2 {
     std::int16_t year;

@@ -33,15 +33,35 @@ constexpr int kMostDigits = 19, kTooMany = kMostDigits + 1, kLongFraction = 1000
 
 /// The digits of a number as an integer, and the power of ten that it is multiplied by.
 struct Decimal {
-    std::uint64_t digits = 0;
-    int count =
-        0;  // of digits, without leading zeros; from kTooMany on the other two are of no use
+    // Of digits, without leading zeros. From kTooMany on the others are of no use.
+    int count = 0;
     int exponent = 0;
 
+    // The last digits are gathered in 32 bits: multiplications by ten follow each other closely.
     void add(char c) {
-        digits = digits * 10 + static_cast<unsigned char>(c - '0');
-        if (digits != 0 && count < kTooMany) ++count;
+        if (count == 0 && c == '0') return;
+        m_last = m_last * 10 + static_cast<unsigned char>(c - '0');
+        if (++m_lastCount == kGathered) gather();
+        if (count < kTooMany) ++count;
     }
+    std::uint64_t digits() {
+        gather();
+        return m_digits;
+    }
+
+private:
+    static constexpr unsigned kGathered = 9;
+
+    void gather() {
+        std::uint32_t power = 1;
+        for (; m_lastCount > 0; --m_lastCount) power *= 10;
+        m_digits = m_digits * power + m_last;
+        m_last = 0;
+    }
+
+    std::uint64_t m_digits = 0;
+    std::uint32_t m_last = 0;
+    unsigned m_lastCount = 0;
 };
 
 const char* scan(const char* at, Decimal& number) {
@@ -74,13 +94,15 @@ const char* scan(const char* at, Decimal& number) {
 /// Where digits and power of ten are both exact, one multiplication or division rounds once.
 /// (std::from_chars would do the same, but on x86 with the rounding of the x87.)
 template <class Real>
-bool quickly(const Decimal& number, Real& value) {
+bool quickly(Decimal& number, Real& value) {
     constexpr std::uint64_t exact = std::uint64_t{1} << std::numeric_limits<Real>::digits;
     const int power = number.exponent;
-    if (FLT_EVAL_METHOD != 0 || number.count > kMostDigits || number.digits > exact ||
-        power > kHighestPower<Real> || power < -kHighestPower<Real>)
+    if (FLT_EVAL_METHOD != 0 || number.count > kMostDigits || power > kHighestPower<Real> ||
+        power < -kHighestPower<Real>)
         return false;
-    const auto digits = static_cast<Real>(static_cast<std::int64_t>(number.digits));
+    const std::uint64_t integer = number.digits();
+    if (integer > exact) return false;
+    const auto digits = static_cast<Real>(static_cast<std::int64_t>(integer));
     const auto scale = static_cast<Real>(kPowers[power < 0 ? -power : power]);
     value = power < 0 ? digits / scale : digits * scale;
     return true;

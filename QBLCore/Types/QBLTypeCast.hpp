@@ -15,8 +15,8 @@ class I18NString;
 /// - badForm: the text has another form, or there is none; a pointer is null
 /// - badCharacter: the text has a character that no text of the kind has, wherever it stands
 /// - outOfRange: the form is right and a field is not
-/// The first that applies in the order badCharacter, badForm, outOfRange. What reads text stores a
-/// value of zeros unless it returns ok.
+/// The first that applies in the order badCharacter, badForm, outOfRange, unless the operation says
+/// otherwise. What reads text stores a value of zeros unless it returns ok.
 ///
 /// Texts of times and intervals, of which the parts in brackets may be missing; a letter stands for
 /// a digit, "D+" for at least one. Single spaces are where they are shown. White space around a
@@ -34,9 +34,10 @@ class I18NString;
 /// the years 1 to 9999 is in bad form.
 ///
 /// What is written has at most 64 bytes with its terminating zero, whatever is in the fields of a
-/// value: a field out of its range is written as it is. A value that was read is written in a form
-/// that is read as the same value; a fraction has all nine digits then, and seconds are left out
-/// where they and the fraction are 0. Where a value is null an empty text is written.
+/// value: a field out of its range is written as it is. The text must not overlap the value. A
+/// date, time or interval that was read is written in a form that is read as the same value; a
+/// fraction has all nine digits then, and seconds are left out where they and the fraction are 0.
+/// Where a value is null an empty text is written.
 ///
 /// Threads: any thread may call any operation at any time.
 ///
@@ -51,10 +52,11 @@ public:
 
     /// What strtod(3) reads: white space before it, hexadecimal numbers, "nan". All of the text has
     /// to be read; badForm if not. An empty text is 0.0. Infinity, also by its name, is outOfRange.
+    /// errno may become ERANGE, as by strtod.
     static long string2double(const void* context, double* value, const char* text);
     /// As by "%.9g" of printf(3).
     static long number2string(const void* context, char* text, const double* value);
-    /// [+-] and digits.
+    /// [+-] and digits. Integers of 64 bits are long long on every machine.
     static long string2int32(const void* context, int* value, const char* text);
     static long string2int64(const void* context, long long* value, const char* text);
     /// Up to nine digits, and nothing else: badCharacter for an empty text, outOfRange for a longer
@@ -103,9 +105,8 @@ public:
     static long timestampTZ2date(const void* context, QBLDate2* to, const QBLTimestampTZ* from);
 
     /// A count of units, carried over into greater ones: 90 minutes are 1 hour and 30 minutes.
-    /// @param unit  DAY, HOUR, MINUTE or SECOND in any case, or their plurals with an S; badForm
-    /// for
-    ///     another
+    /// @param unit  DAY, HOUR, MINUTE or SECOND in any case, or their plurals with an S; any other
+    ///     is badForm
     /// @return outOfRange for more than 2147483647 days
     static long int2DTinterval(const void* context, QBLInterval2* value, const long* count,
                                const char* unit);

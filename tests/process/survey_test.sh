@@ -23,7 +23,7 @@ find "$work/a b" "$tree/TavThread" "$tree/QBLCore" -type f ! -name '.*' | sort >
 count=0
 while IFS= read -r file; do
     read -r lines words bytes _ <<<"$(wc -lwc "$file")"
-    row=$(grep -F "  $file" "$out" | grep -F "$file" | tail -n 1)
+    row=$(awk -v f="  $file" 'substr($0, length($0) - length(f) + 1) == f' "$out" | tail -n 1)
     read -r l w b _ <<<"$row"
     [ "$lines $words $bytes" = "$l $w $b" ] || fail "$file: wc says $lines $words $bytes: $row"
     count=$((count + 1))
