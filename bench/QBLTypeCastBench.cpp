@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <iomanip>
 #include <random>
 #include <sstream>
 #include <string>
@@ -25,7 +26,7 @@ public:
     }
     static constexpr unsigned kMask = 1023;
     std::vector<Value> values;
-    std::vector<std::string> texts;
+    std::vector<std::string> texts, longTexts;  // of 6 digits, and of 17
 
 private:
     Numbers() {
@@ -43,6 +44,9 @@ private:
             std::ostringstream out;
             out << value;
             texts.push_back(out.str());
+            out.str("");
+            out << std::setprecision(17) << value;
+            longTexts.push_back(out.str());
         }
     }
 };
@@ -102,10 +106,11 @@ void writeStream(benchmark::State& state) {
 template <class Value>
 void readOurs(benchmark::State& state) {
     const auto& numbers = Numbers<Value>::get();
+    const auto& texts = state.range(0) == 17 ? numbers.longTexts : numbers.texts;
     unsigned i = 0;
     for (auto _ : state) {
         Value value = 0;
-        benchmark::DoNotOptimize(ours(numbers.texts[i++ & numbers.kMask].c_str(), value));
+        benchmark::DoNotOptimize(ours(texts[i++ & numbers.kMask].c_str(), value));
         benchmark::DoNotOptimize(value);
     }
 }
@@ -113,10 +118,11 @@ void readOurs(benchmark::State& state) {
 template <class Value>
 void readStandard(benchmark::State& state) {
     const auto& numbers = Numbers<Value>::get();
+    const auto& texts = state.range(0) == 17 ? numbers.longTexts : numbers.texts;
     unsigned i = 0;
     for (auto _ : state) {
         Value value = 0;
-        const std::string& text = numbers.texts[i++ & numbers.kMask];
+        const std::string& text = texts[i++ & numbers.kMask];
         std::from_chars(text.data(), text.data() + text.size(), value);
         benchmark::DoNotOptimize(value);
     }
@@ -238,14 +244,14 @@ BENCHMARK_TEMPLATE(writeStream, long long)->Name("BM_StdOstringstream/int64");
 BENCHMARK_TEMPLATE(writeOurs, double)->Name("BM_Float64ToAscii");
 BENCHMARK_TEMPLATE(writeStandard, double)->Name("BM_StdToChars/float64");
 BENCHMARK_TEMPLATE(writeStream, double)->Name("BM_StdOstringstream/float64");
-BENCHMARK_TEMPLATE(readOurs, int)->Name("BM_AsciiToInt32");
-BENCHMARK_TEMPLATE(readStandard, int)->Name("BM_StdFromChars/int32");
+BENCHMARK_TEMPLATE(readOurs, int)->Arg(6)->Name("BM_AsciiToInt32");
+BENCHMARK_TEMPLATE(readStandard, int)->Arg(6)->Name("BM_StdFromChars/int32");
 BENCHMARK_TEMPLATE(readStream, int)->Name("BM_StdIstringstream/int32");
-BENCHMARK_TEMPLATE(readOurs, long long)->Name("BM_AsciiToInt64");
-BENCHMARK_TEMPLATE(readStandard, long long)->Name("BM_StdFromChars/int64");
+BENCHMARK_TEMPLATE(readOurs, long long)->Arg(6)->Name("BM_AsciiToInt64");
+BENCHMARK_TEMPLATE(readStandard, long long)->Arg(6)->Name("BM_StdFromChars/int64");
 BENCHMARK_TEMPLATE(readStream, long long)->Name("BM_StdIstringstream/int64");
-BENCHMARK_TEMPLATE(readOurs, double)->Name("BM_AsciiToFloat64");
-BENCHMARK_TEMPLATE(readStandard, double)->Name("BM_StdFromChars/float64");
+BENCHMARK_TEMPLATE(readOurs, double)->Arg(6)->Arg(17)->Name("BM_AsciiToFloat64");
+BENCHMARK_TEMPLATE(readStandard, double)->Arg(6)->Arg(17)->Name("BM_StdFromChars/float64");
 BENCHMARK_TEMPLATE(readStream, double)->Name("BM_StdIstringstream/float64");
 BENCHMARK(writeTimestamp)->Name("BM_QBLTypeCast_timestamp2string");
 BENCHMARK(printTimestamp)->Name("BM_Snprintf_timestamp");
