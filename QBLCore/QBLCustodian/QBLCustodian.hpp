@@ -15,7 +15,7 @@
 ///
 /// A task that throws ends the process at once with _exit(327), which the system reports as 71,
 /// without further tasks or destructors; a record of the error goes to the mini logger's file
-/// "qbl_error_" and the process's number.
+/// `qbl_error_` and the process's number.
 ///
 /// A process that is forked has no custodian until it stops the library and starts it anew.
 ///

@@ -1,0 +1,59 @@
+// Start and stop: counted, from any thread, and with housekeeping up to the last moment.
+#include <cstdio>
+
+#include "QBLCore/Exceptions/QBLThrowable.hpp"
+#include "QBLCore/Frame/QBLCore.h"
+#include "QBLCore/QBLCustodian/QBLCustodian.hpp"
+#include "QBLCore/Threads/QBLThreadGuard.hpp"
+#include "QBLCore/Threads/QBLThreadManualResetEvent.hpp"
+#include "QBLCore/Threads/QBLThreadMutex.hpp"
+
+namespace {
+
+class Housekeeping : public QBLCustodianTask {
+public:
+    int doIt(int terminating) override {
+        if (terminating != 0) std::printf("last pass\n");
+        m_called.signal();
+        return 0;  // to be called again
+    }
+    void wait() { m_called.wait(); }
+
+private:
+    QBLThreadManualResetEvent m_called;
+};
+
+Housekeeping housekeeping;  // made before what stops the library, and so gone after it
+
+/// Is destroyed after main: the library can still be used, and stopped.
+struct Late {
+    QBLThreadMutex mutex;
+    ~Late() {
+        QBLThreadGuard guard(mutex);
+        std::printf("second stop: %d\n", qblCoreTerminate());
+        std::printf("third stop: %d\n", qblCoreTerminate());
+    }
+} late;
+
+void tryThread() {
+    QBLThread thread;
+    try {
+        thread.start();
+        std::printf("a thread starts\n");
+    } catch (QBLThrowable& error) {
+        std::printf("%s: %s\n", error.getThrowableName(), error.getMessage());
+    }
+}
+
+}  // namespace
+
+int main() {
+    tryThread();
+    std::printf("registered: %d\n", QBLCustodian::registerTask(&housekeeping));
+    std::printf("time between passes: %lu ms\n", QBLCustodian::setSchedule(10));
+    std::printf("start: %d, and again: %d\n", qblCoreInitialize(), qblCoreInitialize());
+    tryThread();
+    std::printf("registered: %d\n", QBLCustodian::registerTask(&housekeeping));
+    housekeeping.wait();
+    std::printf("first stop: %d\n", qblCoreTerminate());
+}
