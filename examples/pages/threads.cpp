@@ -1,0 +1,58 @@
+// Locks: what those that another thread holds say, and a queue that is waited for.
+#include <cstdio>
+
+#include "QBLCore/Exceptions/QBLThreadResourceError.hpp"
+#include "QBLCore/Frame/QBLCore.h"
+#include "QBLCore/Frame/QBLList.hpp"
+#include "QBLCore/Frame/QBLThreadMonitor.hpp"
+#include "QBLCore/Threads/QBLThread.hpp"
+#include "QBLCore/Threads/QBLThreadAutoResetEvent.hpp"
+#include "QBLCore/Threads/QBLThreadConditionVariable.hpp"
+#include "QBLCore/Threads/QBLThreadGuard.hpp"
+#include "QBLCore/Threads/QBLThreadRWGuard.hpp"
+#include "QBLCore/Threads/QBLThreadRWLock.hpp"
+#include "QBLCore/Threads/QBLThreadRecursiveMutex.hpp"
+
+namespace {
+
+struct Other : QBLThreadRunnable {
+    QBLThreadRecursiveMutex mutex;
+    QBLThreadRWLock lock;
+    QBLThreadAutoResetEvent looked;
+    QBLThreadMonitor<QBLThreadMutex, QBLList<int>> items;
+    QBLThreadConditionVariable arrived;
+
+    // It unlocks what it does not hold, of which clang would warn.
+    void run() override QBL_NO_THREAD_SAFETY_ANALYSIS {
+        std::printf("mutex: try %d, timed %d\n", mutex.tryLock(), mutex.timedLock(10));
+        std::printf("lock: as writer %d, as reader %d\n", lock.tryLock(), lock.tryReadLock());
+        try {
+            mutex.unlock();
+        } catch (QBLThreadResourceError& e) {
+            std::printf("%s\n", e.getMessage());
+        }
+        looked.signal();
+        QBLThreadGuard guard(items);
+        while ((*items).empty()) arrived.wait(items);
+        std::printf("item %d\n", (*items).front());
+    }
+};
+
+}  // namespace
+
+int main() {
+    qblCoreInitialize();
+    Other other;
+    QBLThread thread(&other);
+    QBLThreadGuard mine(other.mutex);
+    QBLThreadRWGuard writing(other.lock, 1);
+    thread.start();
+    other.looked.wait();
+    {
+        QBLThreadGuard guard(other.items);
+        (*other.items).push_back(5);
+        other.arrived.signal();
+    }
+    thread.join();
+    return qblCoreTerminate();
+}
