@@ -33,15 +33,15 @@ int main() {
         "two.\nWritten by `scripts/type_page.cpp` from the library's tables.\n\n"
         "The mappings are not each other's inverse. What has no counterpart becomes code 0. Of two "
         "names\nfor one code, the first is the one that the code gives.\n");
-    section("SQL column types: `SqlColType`", "to `XSType`", "to `QBLDBDatatype`");
+    section("SQL column types, SqlColType", "to `XSType`", "to `QBLDBDatatype`");
     for (const QBLSqlColTypeRow& row : kSqlColTypes)
         line(row.code, row.name, nameOf(kXSTypes, row.xsType),
              nameOf(kQBLDBDatatypes, row.datatype));
-    section("Data types: `QBLDBDatatype`", "to `SqlColType`", "to `XSType`");
+    section("Data types, QBLDBDatatype", "to `SqlColType`", "to `XSType`");
     for (const QBLDBDatatypeRow& row : kQBLDBDatatypes)
         line(row.code, row.name, nameOf(kSqlColTypes, row.sqlColType),
              nameOf(kXSTypes, row.xsType));
-    section("XML Schema types: `XSType`", "to `SqlColType`", "to `QBLDBDatatype`");
+    section("XML Schema types, XSType", "to `SqlColType`", "to `QBLDBDatatype`");
     for (const QBLXSTypeRow& row : kXSTypes)
         line(row.code, row.name, nameOf(kSqlColTypes, row.sqlColType),
              nameOf(kQBLDBDatatypes, row.datatype));
