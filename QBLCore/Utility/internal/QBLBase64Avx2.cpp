@@ -50,25 +50,63 @@ WITH_AVX2 std::size_t encode(const QBLBase64Alphabet& alphabet, const unsigned c
     return done + kQBLBase64Ssse3.encode(alphabet, data + done, length - done, out);
 }
 
+struct Decoding {
+    __m256i low, high, toValue, odd0, odd1;
+
+    WITH_AVX2 explicit Decoding(const QBLBase64Alphabet& alphabet)
+        : low(twice(alphabet.low)),
+          high(twice(alphabet.high)),
+          toValue(twice(alphabet.toValue)),
+          odd0(_mm256_set1_epi8(static_cast<char>(alphabet.odd[0]))),
+          odd1(_mm256_set1_epi8(static_cast<char>(alphabet.odd[1]))) {}
+};
+
+WITH_AVX2 inline __m256i halves() { return _mm256_set1_epi8(15); }
+WITH_AVX2 inline __m256i upperHalves(__m256i in) {
+    return _mm256_and_si256(_mm256_srli_epi32(in, 4), halves());
+}
+
+/// All 0 where a character is in the alphabet.
+WITH_AVX2 inline __m256i wrongOf(const Decoding& by, __m256i in) {
+    return _mm256_and_si256(_mm256_shuffle_epi8(by.low, _mm256_and_si256(in, halves())),
+                            _mm256_shuffle_epi8(by.high, upperHalves(in)));
+}
+WITH_AVX2 inline bool none(__m256i wrong) {
+    return _mm256_movemask_epi8(_mm256_cmpeq_epi8(wrong, _mm256_setzero_si256())) == -1;
+}
+
+/// The 24 bytes of 32 characters of the alphabet, with zeros behind.
+WITH_AVX2 inline __m256i bytesOf(const Decoding& by, __m256i in) {
+    const __m256i odd =
+        _mm256_or_si256(_mm256_cmpeq_epi8(in, by.odd0), _mm256_cmpeq_epi8(in, by.odd1));
+    const __m256i kind =
+        _mm256_or_si256(upperHalves(in), _mm256_and_si256(odd, _mm256_set1_epi8(8)));
+    return pack(_mm256_add_epi8(in, _mm256_shuffle_epi8(by.toValue, kind)));
+}
+
+WITH_AVX2 inline __m256i load32(const char* text) {
+    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(text));
+}
+WITH_AVX2 inline void store24(unsigned char* out, __m256i bytes) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm256_castsi256_si128(bytes));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 16), _mm256_extracti128_si256(bytes, 1));
+}
+
 WITH_AVX2 std::size_t decode(const QBLBase64Alphabet& alphabet, const char* text,
                              std::size_t length, unsigned char* out) {
-    const __m256i low = twice(alphabet.low), high = twice(alphabet.high);
-    const __m256i offsets = twice(alphabet.toValue), half = _mm256_set1_epi8(15);
-    const __m256i odd0 = _mm256_set1_epi8(static_cast<char>(alphabet.odd[0])),
-                  odd1 = _mm256_set1_epi8(static_cast<char>(alphabet.odd[1]));
+    const Decoding by(alphabet);
     std::size_t done = 0;
+    for (; length - done >= 64; done += 64, out += 48) {
+        const __m256i first = load32(text + done), second = load32(text + done + 32);
+        if (!none(_mm256_or_si256(wrongOf(by, first), wrongOf(by, second)))) break;
+        // The zeros are where the second block's bytes come.
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), bytesOf(by, first));
+        store24(out + 24, bytesOf(by, second));
+    }
     for (; length - done >= 32; done += 32, out += 24) {
-        const __m256i in = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(text + done));
-        const __m256i upper = _mm256_and_si256(_mm256_srli_epi32(in, 4), half);
-        if (!_mm256_testz_si256(_mm256_shuffle_epi8(low, _mm256_and_si256(in, half)),
-                                _mm256_shuffle_epi8(high, upper)))
-            break;
-        const __m256i odd =
-            _mm256_or_si256(_mm256_cmpeq_epi8(in, odd0), _mm256_cmpeq_epi8(in, odd1));
-        const __m256i kind = _mm256_or_si256(upper, _mm256_and_si256(odd, _mm256_set1_epi8(8)));
-        const __m256i bytes = pack(_mm256_add_epi8(in, _mm256_shuffle_epi8(offsets, kind)));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm256_castsi256_si128(bytes));
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 16), _mm256_extracti128_si256(bytes, 1));
+        const __m256i in = load32(text + done);
+        if (!none(wrongOf(by, in))) break;
+        store24(out, bytesOf(by, in));
     }
     return done + kQBLBase64Ssse3.decode(alphabet, text + done, length - done, out);
 }

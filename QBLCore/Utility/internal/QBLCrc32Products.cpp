@@ -36,6 +36,7 @@ constexpr std::uint64_t quotient() {
 // Six blocks at a time, where the paper has four: each waits for its last product, and a product
 // can begin in every cycle. More do not fit into the registers of 32 bits.
 constexpr std::uint64_t kK1 = remainderOf(6 * 128 + 32), kK2 = remainderOf(6 * 128 - 32);
+constexpr std::uint64_t kTwoLow = remainderOf(2 * 128 + 32), kTwoHigh = remainderOf(2 * 128 - 32);
 constexpr std::uint64_t kK3 = remainderOf(128 + 32), kK4 = remainderOf(128 - 32);
 constexpr std::uint64_t kK5 = remainderOf(64);
 constexpr std::uint64_t kMu = quotient();
@@ -94,6 +95,10 @@ WITH_PRODUCTS std::uint32_t qblCrc32Products(std::uint32_t reg, const unsigned c
         }
         block = fold(fold(fold(block, near, b1), near, b2), near, b3);
         block = fold(fold(block, near, b4), near, b5);
+    } else if (length >= 48) {
+        const __m128i last = fold(load(data + 16), near, load(data + 32));
+        block = fold(fold(block, near, load(data)), pair(kTwoLow, kTwoHigh), last);
+        data += 48, length -= 48;
     }
     for (; length >= 16; data += 16, length -= 16) block = fold(block, near, load(data));
     const std::uint32_t done = reduce(block);
