@@ -92,18 +92,19 @@ void QBLTaskGroup::start(Task* task) {
     m_allDone.broadcast();
 }
 
-/// Requires: the lock is held.
 QBLTaskGroup::Task* QBLTaskGroup::takeRefused() noexcept {
     Task* task = m_pRefused;
     if (task != nullptr) m_pRefused = task->m_pNext;
     return task;
 }
 
-/// Returns with nothing pending. Requires: the lock is held.
+/// Returns with nothing pending, and the lock held as before.
 void QBLTaskGroup::waitForAll() {
     struct Unlocked {
-        explicit Unlocked(QBLThreadCriticalSection& l) : lock(l) { lock.unlock(); }
-        ~Unlocked() { lock.lock(); }
+        explicit Unlocked(QBLThreadCriticalSection& l) QBL_NO_THREAD_SAFETY_ANALYSIS : lock(l) {
+            lock.unlock();
+        }
+        ~Unlocked() QBL_NO_THREAD_SAFETY_ANALYSIS { lock.lock(); }
         QBLThreadCriticalSection& lock;
     };
     while (m_iPending != 0) {

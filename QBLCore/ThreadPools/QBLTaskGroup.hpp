@@ -95,8 +95,8 @@ private:
 
     void start(Task* task);
     void performAll(Task* task);
-    void waitForAll();
-    Task* takeRefused() noexcept;
+    void waitForAll() QBL_REQUIRES(m_lock);
+    Task* takeRefused() noexcept QBL_REQUIRES(m_lock);
     void leave(Task* task) noexcept;
     Task* leaveForNext(Task* task) noexcept;
     void keepError();
