@@ -28,7 +28,7 @@ class Row:
         self.title, self.ours, self.peer, limit, clock = (part.strip() for part in line.split("|"))
         number, _, self.unit = limit.partition(" ")
         self.limit = None if number == "-" else float(number)
-        self.field = {"cpu": "cpu_time", "wall": "real_time"}[clock]
+        self.field = {"cpu": "cpu_time", "wall": "real_time", "own": "real_time"}[clock]
 
     def names(self):
         return tuple(side.partition(":")[0] for side in (self.ours, self.peer))
