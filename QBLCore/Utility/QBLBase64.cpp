@@ -8,6 +8,7 @@
 namespace {
 
 void encode(const QBLBase64Alphabet& alphabet, const void* data, unsigned length, char* out) {
+    if (out == nullptr) return;
     if (data == nullptr) length = 0;
     qblBase64Encode(qblBase64Kernels(), alphabet, static_cast<const unsigned char*>(data), length,
                     out);
@@ -15,7 +16,7 @@ void encode(const QBLBase64Alphabet& alphabet, const void* data, unsigned length
 
 int decode(const QBLBase64Alphabet& alphabet, const char* text, void* out, unsigned* outLength) {
     std::size_t length = 0;
-    const bool good = text != nullptr &&
+    const bool good = text != nullptr && out != nullptr &&
                       qblBase64Decode(qblBase64Kernels(), alphabet, text,
                                       static_cast<unsigned char*>(out), length) &&
                       length <= UINT_MAX;

@@ -12,11 +12,13 @@
 class QBL_API QBLUtCrc32 {
 public:
     /// Goes on with a checksum.
-    /// @param crc  that of the data before, 0 for none; of a long only the lower 32 bits count
-    /// @param data  null gives crc back
+    /// @param crc  that of the data before, 0 for none; only its lower 32 bits count
+    /// @param data  null gives crc back, as it is
+    /// @param length  in bytes
     static unsigned long crc32(unsigned long crc, const unsigned char* data, unsigned int length);
 
-    /// @return 256 remainders: what each byte, as the lowest of the register, does to it in 8 steps
+    /// @return 256 remainders: what each byte, as the lowest of the register, does to it in 8
+    ///     steps; the library's own, as long as it is loaded
     static const unsigned int* getCrcTable();
 };
 

@@ -23,22 +23,39 @@ static int tokensFailed(void) {
     return 0;
 }
 
+static const struct {
+    const char *bytes, *standard, *url;
+    unsigned size;
+} kRows[] = {
+    {"a", "YQ==", "YQ==", 1},
+    {"ab", "YWI=", "YWI=", 2},
+    {"abc", "YWJj", "YWJj", 3},
+    {"\xFB\xFF", "+/8=", "_~8=", 2},
+    {"\x00\x10\x83\x10\x51\x87\x20\x92\x8B\x30\xD3\x8F\x41\x14\x93\x51\x55\x97\x61\x96\x9B\x71\xD7"
+     "\x9F\x82\x18\xA3\x92\x59\xA7\xA2\x9A\xAB\xB2\xDB\xAF\xC3\x1C\xB3\xD3\x5D\xB7\xE3\x9E\xBB\xF3"
+     "\xDF\xBF",
+     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/",
+     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_~", 48}};
+
 int qblCodesFailedFromC(void);
 int qblCodesFailedFromC(void) {
-    static const unsigned char kBytes[2] = {0xFB, 0xFF};
-    unsigned char back[4];
-    unsigned size = 9;
-    char text[8];
-    CHECK(QBLBase64EncodedSize(2) == 5 && QBLBase64URLEncodedSize(2) == 5);
-    QBLBase64Encode(kBytes, 2, text);
-    CHECK(strcmp(text, "+/8=") == 0);
-    CHECK(QBLBase64Decode(text, back, &size) == 0 && size == 2 && memcmp(back, kBytes, 2) == 0);
-    QBLBase64URLEncode(kBytes, 2, text);
-    CHECK(strcmp(text, "_~8=") == 0);
-    CHECK(QBLBase64URLDecode(text, back, &size) == 0 && size == 2 && memcmp(back, kBytes, 2) == 0);
-    CHECK(QBLBase64Decode(text, back, &size) == 2 && size == 0);
-    CHECK(QBLBase64URLDecode(0, back, 0) == 2);
-    QBLBase64Encode(0, 0, text);
+    unsigned char back[50];
+    unsigned i, size = 9;
+    char text[70] = "kept";
+    QBLBase64Encode("a", 1, 0);
+    CHECK(QBLBase64Decode("YQ==", 0, &size) == 2 && size == 0 && QBLBase64URLDecode("", 0, 0) == 2);
+    for (i = 0; i < sizeof kRows / sizeof kRows[0]; ++i) {
+        QBLBase64Encode(kRows[i].bytes, kRows[i].size, text);
+        CHECK(strcmp(text, kRows[i].standard) == 0);
+        CHECK(QBLBase64Decode(text, back, &size) == 0 && size == kRows[i].size);
+        CHECK(memcmp(back, kRows[i].bytes, size) == 0);
+        QBLBase64URLEncode(kRows[i].bytes, kRows[i].size, text);
+        CHECK(strcmp(text, kRows[i].url) == 0);
+        CHECK(QBLBase64URLDecode(text, back, &size) == 0 && size == kRows[i].size);
+        CHECK(memcmp(back, kRows[i].bytes, size) == 0);
+    }
+    CHECK(QBLBase64Decode(text, back, &size) == 2 && size == 0 && QBLBase64Decode(0, back, 0) == 2);
+    QBLBase64URLEncode(0, 5, text);
     CHECK(text[0] == 0);
     CHECK(qblh2nl(0x01020304U) == 0x04030201U && qbln2hl(0x01020304U) == 0x04030201U);
     CHECK(qblh2ns(0x0102) == 0x0201 && qbln2hs(0x0102) == 0x0201);

@@ -1,0 +1,82 @@
+#ifndef FUZZ_SUPPORT_BASE64CHECKS_HPP
+#define FUZZ_SUPPORT_BASE64CHECKS_HPP
+
+#include <memory>
+#include <string>
+
+#include "QBLCore/Utility/QBLBase64.h"
+#include "QBLCore/Utility/internal/QBLBase64Kernels.hpp"
+#include "fuzz/support/Base64Model.hpp"
+
+/// One of the two alphabets: ours, the model's, and the functions of the interface.
+struct Base64Side {
+    const char* name;
+    const QBLBase64Alphabet& alphabet;
+    Base64Model model;
+    void (*encode)(const void*, unsigned, char*);
+    int (*decode)(const char*, void*, unsigned*);
+};
+
+/// Calls body(kernels, side, name) for both alphabets at each level that this processor has.
+/// @return the names of the levels that it has not
+template <class Body>
+std::string eachBase64Level(Body body) {
+    const Base64Side sides[] = {
+        {"standard", kQBLBase64Standard, {'+', '/'}, &QBLBase64Encode, &QBLBase64Decode},
+        {"URL", kQBLBase64Url, {'_', '~'}, &QBLBase64URLEncode, &QBLBase64URLDecode}};
+    const struct {
+        const char* name;
+        const QBLBase64Kernels& kernels;
+        bool runs;
+    } levels[] = {{"scalar", kQBLBase64Scalar, true},
+                  {"SSSE3", kQBLBase64Ssse3, __builtin_cpu_supports("ssse3") != 0},
+                  {"AVX2", kQBLBase64Avx2, __builtin_cpu_supports("avx2") != 0}};
+    std::string missing;
+    for (const auto& level : levels) {
+        if (!level.runs) missing += std::string(level.name) + ' ';
+        for (const Base64Side& side : sides)
+            if (level.runs) body(level.kernels, side, std::string(level.name) + ' ' + side.name);
+    }
+    return missing;
+}
+
+/// Whether the kernels and the interface decode a text as the model does: into memory of exactly
+/// the size, so that a sanitizer sees a byte too many, and in its own place, where nothing behind
+/// the last byte may change.
+inline bool decodesAsDefined(const QBLBase64Kernels& kernels, const Base64Side& side,
+                             const std::string& text) {
+    std::string expected, copy = text;
+    const bool good = side.model.decode(text, expected);
+    std::size_t length = 0;
+    auto* const place = reinterpret_cast<unsigned char*>(&copy[0]);
+    if (qblBase64Decode(kernels, side.alphabet, copy.c_str(), place, length) != good) return false;
+    unsigned size = 77;
+    if (!good) {
+        copy = text;
+        return side.decode(copy.c_str(), &copy[0], &size) == 2 && size == 0;
+    }
+    if (copy != expected + text.substr(expected.size()) || length != expected.size()) return false;
+    const std::unique_ptr<unsigned char[]> room(new unsigned char[length]);
+    if (!qblBase64Decode(kernels, side.alphabet, text.c_str(), room.get(), length)) return false;
+    if (std::string(room.get(), room.get() + length) != expected) return false;
+    return side.decode(text.c_str(), room.get(), &size) == 0 &&
+           std::string(room.get(), room.get() + size) == expected;
+}
+
+/// Whether bytes are encoded as the model does, by the kernels and the interface, and come back.
+inline bool encodesAsDefined(const QBLBase64Kernels& kernels, const Base64Side& side,
+                             const std::string& data) {
+    const auto size = static_cast<unsigned>(data.size());
+    const std::unique_ptr<char[]> room(new char[QBLBase64EncodedSize(size)]);
+    qblBase64Encode(kernels, side.alphabet, reinterpret_cast<const unsigned char*>(data.data()),
+                    size, room.get());
+    const std::string text = room.get();
+    if (text != side.model.encode(data) || text.size() + 1 != QBLBase64EncodedSize(size))
+        return false;
+    side.encode(data.data(), size, room.get());
+    std::string back;
+    return text == room.get() && side.model.decode(text, back) && back == data &&
+           decodesAsDefined(kernels, side, text);
+}
+
+#endif
