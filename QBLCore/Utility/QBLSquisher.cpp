@@ -12,7 +12,7 @@
 #include "QBLCore/Utility/QBLBase64.h"
 #include "QBLCore/Utility/QBLByteOrder.h"
 #include "QBLCore/Utility/QBLUtCrc32.hpp"
-#include "QBLCore/Utility/internal/QBLDeflater.hpp"
+#include "QBLCore/Utility/internal/QBLZlib.hpp"
 
 namespace {
 
@@ -117,9 +117,9 @@ int QBLsqu_unsquish2(QBLsqu_state* state, char* out) {
     if (state == nullptr || state->buffer == nullptr || out == nullptr ||
         state->bufferLength < kHeader)
         return Z_STREAM_ERROR;
-    uLongf length = state->textLength;
-    const int code = uncompress(reinterpret_cast<Bytef*>(out), &length, state->buffer + kHeader,
-                                state->bufferLength - kHeader);
+    unsigned length = 0;
+    const int code = qblInflate(state->buffer + kHeader, state->bufferLength - kHeader, out,
+                                state->textLength, length);
     if (code != Z_OK) return code;
     out[length] = '\0';
     std::free(state->buffer);

@@ -11,7 +11,8 @@
 /// level 9. The decoder of that alphabet is lax: several texts that look different may be the same
 /// token. A text above 10,000,000 bytes can be squished, but not unsquished.
 ///
-/// Each thread that squishes keeps some 270 KB to compress with until it ends.
+/// Each thread that squishes keeps some 270 KB to compress with until it ends, and in them up to
+/// 64 KB of the texts it squished last, in clear: do not squish what memory must not hold.
 ///
 /// Threads: any thread may call any function; a state belongs to one at a time.
 
@@ -27,9 +28,8 @@ QBL_API unsigned QBLsqu_compressed_size(unsigned n);
 QBL_API unsigned QBLsqu_squished_size(unsigned n);
 
 /// @param out  room for QBLsqu_squished_size(strlen(text)); receives the token, or an empty text
-/// @return 0, or zlib's codes: -5 if the token is longer than that room, -4 without memory, -2 for
-/// a
-///     null text
+/// @return 0, or zlib's codes: -5 if the token is longer than that room, or the text too long for
+///     it to be told; -4 without memory; -2 for a null text, and for a null out
 QBL_API int QBLsqu_squish(const char* text, char* out);
 
 /// A token between the steps of unsquishing.
@@ -40,18 +40,19 @@ struct QBLsqu_state {
 };
 
 /// First step: decodes and checks. The second one releases the buffer; instead of it, call free().
-/// @param state  set in any case; nothing of it is to be released after a failure
+/// @param state  set in any case, without a look at what it held: release that before. Nothing of
+///     it is to be released after a failure.
 /// @param size  receives the room that the text and its NUL need; may be null
 /// @return 0; 1 if it is not Base64, or null; 2 if the text is above 10,000,000 bytes; 3 if the
-///     checksum is wrong or there is none; -4 without memory
+///     checksum is wrong or there is none; -4 without memory; -2 for a null state
 QBL_API int QBLsqu_unsquish1(const char* token, struct QBLsqu_state* state, unsigned* size);
 
 /// Second step: inflates the text and releases the buffer. A token may tell a longer text than it
-/// has; the text ends where it really does.
+/// has; the text ends where it really does. What stands behind the zlib stream is not looked at.
+/// No token of QBLsqu_squish() has a NUL in its text; of one that has, all is stored.
 /// @param out  receives the text and a NUL; what it has after a failure is no text
 /// @return 0, or zlib's code, with the buffer kept: -3 or -5 if the data is damaged, cut off, or
-/// longer
-///     than the token tells; -4 without memory; -2 without a buffer
+///     longer than the token tells; -4 without memory; -2 without a buffer, and for null
 QBL_API int QBLsqu_unsquish2(struct QBLsqu_state* state, char* out);
 
 #ifdef __cplusplus

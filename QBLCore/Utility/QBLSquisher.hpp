@@ -12,13 +12,12 @@
 ///     std::unique_ptr<char[]> back(QBLSquisher::unSquish(token.get()));
 class QBL_API QBLSquisher {
 public:
-    /// @return the token, in at least QBLsqu_squished_size() bytes, zeroed behind it; null for a
-    /// null
-    ///     text, without memory, and for what 32 bits cannot tell the size of
+    /// @return the token, in at least QBLsqu_squished_size() bytes, zeroed behind it; null if there
+    ///     is no text or no memory, and for what 32 bits cannot tell the size of
     [[nodiscard]] static char* squish(const char* text);
 
     /// @return the text; null for what is not the token of a text of up to 10,000,000 bytes, and
-    ///     without memory
+    ///     without memory. A text with a NUL, which no token of squish() has, reads as cut there.
     [[nodiscard]] static char* unSquish(const char* token);
 };
 

@@ -1,8 +1,5 @@
-#include "QBLCore/Utility/QBLSquisher.hpp"
-
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <zlib.h>
 
 #include <cstdlib>
 #include <memory>
@@ -10,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "QBLCore/Utility/QBLBase64.h"
+#include "fuzz/support/Tokens.hpp"
 #include "tests/support/Child.hpp"
 #include "tests/support/FaultInjection.hpp"
 #include "tests/support/Workers.hpp"
@@ -19,30 +16,6 @@ namespace {
 
 using Text = std::unique_ptr<char[]>;
 
-std::string shown(const Text& text) { return text ? text.get() : "(null)"; }
-
-/// The token of what zlib made, with any header.
-std::string tokenOf(const std::string& packed, unsigned long length, unsigned long wrong = 0) {
-    const auto* const bytes = reinterpret_cast<const Bytef*>(packed.data());
-    const unsigned long crc = wrong ^ crc32(0xFFFFFFFF, bytes, static_cast<uInt>(packed.size()));
-    std::string data;
-    for (const unsigned long number : {length, crc})
-        for (int shift = 24; shift >= 0; shift -= 8) data += static_cast<char>(number >> shift);
-    data += packed;
-    std::string token(QBLBase64URLEncodedSize(static_cast<unsigned>(data.size())), '\0');
-    QBLBase64URLEncode(data.data(), static_cast<unsigned>(data.size()), &token[0]);
-    return token.c_str();
-}
-
-std::string compressed(const std::string& text) {
-    uLongf size = compressBound(static_cast<uLong>(text.size()));
-    std::string packed(size, '\0');
-    EXPECT_EQ(Z_OK, compress2(reinterpret_cast<Bytef*>(&packed[0]), &size,
-                              reinterpret_cast<const Bytef*>(text.data()),
-                              static_cast<uLong>(text.size()), 9));
-    return packed.substr(0, size);
-}
-
 /// Bytes but NUL; few different ones compress well.
 std::string randomText(std::mt19937& random, std::size_t count, unsigned kinds) {
     std::string text(count, ' ');
@@ -50,27 +23,15 @@ std::string randomText(std::mt19937& random, std::size_t count, unsigned kinds) 
     return text;
 }
 
-bool squishesAsZlibDoes(const std::string& text) {
-    return shown(Text(QBLSquisher::squish(text.c_str()))) == tokenOf(compressed(text), text.size());
-}
-
 TEST(QBLSquisherTest, TokensAreWhatZlibMakesAndComeBack) {
     std::mt19937 random(4);
     int refused = 0;
     for (unsigned n = 0; n < 5000; n += n < 100 ? 1 : 97) {
         for (const unsigned kinds : {3U, 127U, 255U}) {
-            const std::string text = randomText(random, n, kinds);
-            const std::string expected = tokenOf(compressed(text), n);
-            const Text token(QBLSquisher::squish(text.c_str()));
-            ASSERT_EQ(expected, shown(token));
-            ASSERT_EQ(text, shown(Text(QBLSquisher::unSquish(token.get()))));
-            const unsigned size = QBLsqu_squished_size(n);
-            const Text room(new char[size]);
-            const bool fits = expected.size() < size;
-            ASSERT_EQ(fits ? 0 : -5, QBLsqu_squish(text.c_str(), room.get())) << n;
-            ASSERT_EQ(fits ? expected : "", room.get());
-            ASSERT_TRUE(fits || kinds > 127) << n;
-            if (!fits) ++refused;
+            const Squished squished(randomText(random, n, kinds));
+            ASSERT_TRUE(squished.right) << n << ' ' << kinds;
+            ASSERT_TRUE(squished.fits || kinds > 127) << n;
+            if (!squished.fits) ++refused;
         }
     }
     EXPECT_GT(refused, 0) << "some are too long for the formula";
@@ -80,46 +41,43 @@ TEST(QBLSquisherTest, TokensAreWhatZlibMakesAndComeBack) {
 TEST(QBLSquisherTest, RefusesDamagedTokens) {
     const std::string text = "a text that is squished", packed = compressed(text);
     const std::string good = tokenOf(packed, text.size());
+    const std::string padded = tokenOf(packed + '-', text.size());
     std::string changed = good, invalid = good;
-    const std::size_t last = good.find_last_not_of('=');
-    changed[last] = changed[last] == 'A' ? 'Q' : 'A';
-    invalid[last] = '}';
+    changed.back() = changed.back() == 'A' ? 'Q' : 'A';
+    invalid.back() = '}';
     const struct {
-        int first;  // code of the first step
-        bool good;  // the second one
+        int first, second;  // codes of the steps
         std::string token;
-    } rows[] = {{0, true, good},
-                {0, true, good + "\n"},
-                {0, true, tokenOf(packed, text.size() + 9)},
-                {0, true, tokenOf(packed, 10000000)},
-                {0, false, tokenOf("", 0)},
-                {0, false, tokenOf(packed, 0)},
-                {0, false, tokenOf(packed, text.size() - 1)},
-                {0, false, tokenOf(packed.substr(0, packed.size() - 1), text.size())},
-                {1, false, invalid},
-                {2, false, tokenOf(packed, 10000001)},
-                {3, false, changed},
-                {3, false, good.substr(0, 10)},
-                {3, false, tokenOf(packed, 0xFFFFFFFF, 1)},
-                {3, false, ""}};
+    } rows[] = {{0, 0, good},
+                {0, 0, good + "\n"},
+                {0, 0, padded},
+                {0, 0, tokenOf(packed, 10000000)},
+                {0, -3, tokenOf("", 0)},
+                {0, -3, tokenOf(packed, 0)},
+                {0, -3, tokenOf(compressed("a"), 0)},
+                {0, -5, tokenOf(packed, text.size() - 1)},
+                {0, -5, tokenOf(packed.substr(0, packed.size() - 1), text.size())},
+                {0, -3, tokenOf(packed.substr(0, packed.size() - 9), text.size())},
+                {1, 0, invalid},
+                {2, 0, tokenOf(packed, 10000001)},
+                {3, 0, changed},
+                {3, 0, padded.substr(0, padded.size() - 1) + 'A'},
+                {3, 0, good.substr(0, 10)},
+                {3, 0, tokenOf(packed, 0xFFFFFFFF, 1)},
+                {3, 0, ""}};
+    ASSERT_EQ('=', padded.back());
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.token);
-        QBLsqu_state state;
-        unsigned size = 0;
-        ASSERT_EQ(row.first, QBLsqu_unsquish1(row.token.c_str(), &state, &size));
-        ASSERT_EQ(row.first != 0, state.buffer == nullptr);
-        const Text out(new char[size + 1]);
-        EXPECT_EQ(row.good, QBLsqu_unsquish2(&state, out.get()) == 0);
-        EXPECT_EQ(row.good || row.first != 0, state.buffer == nullptr);
-        std::free(state.buffer);
-        const Text back(QBLSquisher::unSquish(row.token.c_str()));
-        EXPECT_EQ(row.good ? text : "(null)", shown(back));
+        const Unsquished got(row.token);
+        EXPECT_EQ(row.first, got.first) << row.token;
+        EXPECT_EQ(row.second, got.second) << row.token;
+        EXPECT_EQ(row.first == 0 && row.second == 0 ? text : "", got.text) << row.token;
+        EXPECT_TRUE(got.consistent) << row.token;
     }
     std::string longText;
     longText.resize(10000001, 'x');
-    const Text token(QBLSquisher::squish(longText.c_str()));
-    EXPECT_NE(nullptr, token);
-    EXPECT_EQ(nullptr, Text(QBLSquisher::unSquish(token.get())));
+    const Text tooLong(QBLSquisher::squish(longText.c_str()));
+    ASSERT_NE(nullptr, tooLong);
+    EXPECT_EQ(2, Unsquished(tooLong.get()).first);
 }
 
 TEST(QBLSquisherTest, ThreadsAndForksSquishEachOnItsOwn) {
@@ -128,7 +86,7 @@ TEST(QBLSquisherTest, ThreadsAndForksSquishEachOnItsOwn) {
     for (std::string& text : texts) text = randomText(random, random() % 3000, 20);
     const auto allGood = [&texts] {
         for (const std::string& text : texts)
-            if (!squishesAsZlibDoes(text)) return false;
+            if (!Squished(text).right) return false;
         return true;
     };
     EXPECT_TRUE(allGood());
@@ -166,15 +124,24 @@ TEST(QBLSquisherTest, FailsCleanlyWithoutMemory) {
         }).join();
     }
     EXPECT_LT(6, runs) << "compressing takes that many";
-    EXPECT_TRUE(squishesAsZlibDoes(text));
+    EXPECT_TRUE(Squished(text).right);
     EXPECT_EQ(2, fault::eachAllocation([&] {
                   const Text made(QBLSquisher::squish(text.c_str()));
                   EXPECT_EQ(fault::allocationFailed(), made == nullptr);
               }))
         << "this thread has what it compresses with";
-    EXPECT_EQ(1, fault::eachAllocation([&] {
+    EXPECT_EQ(2, fault::eachAllocation([&] {
                   const Text back(QBLSquisher::unSquish(token.c_str()));
                   EXPECT_EQ(fault::allocationFailed(), back == nullptr);
+              }));
+    EXPECT_EQ(1, fault::eachAllocation([&] {
+                  QBLsqu_state state;
+                  char back[40];
+                  EXPECT_EQ(0, QBLsqu_unsquish1(token.c_str(), &state, nullptr));
+                  const int code = QBLsqu_unsquish2(&state, back);
+                  EXPECT_EQ(fault::allocationFailed() ? -4 : 0, code);
+                  EXPECT_EQ(code != 0 ? 0 : -2, QBLsqu_unsquish2(&state, back)) << "kept, or not";
+                  EXPECT_EQ(text, back);
               }));
 }
 

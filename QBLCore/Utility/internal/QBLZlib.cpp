@@ -1,4 +1,4 @@
-#include "QBLCore/Utility/internal/QBLDeflater.hpp"
+#include "QBLCore/Utility/internal/QBLZlib.hpp"
 
 #include <zlib.h>
 
@@ -14,6 +14,13 @@ voidpf allocate(voidpf, uInt count, uInt size) {
     return ::operator new(static_cast<std::size_t>(count) * size, std::nothrow);
 }
 void release(voidpf, voidpf memory) { ::operator delete(memory); }
+
+void begin(z_stream& stream, const void* data, unsigned length, void* out, unsigned room) {
+    stream.next_in = static_cast<Bytef*>(const_cast<void*>(data));
+    stream.avail_in = length;
+    stream.next_out = static_cast<Bytef*>(out);
+    stream.avail_out = room;
+}
 
 class Deflater {
 public:
@@ -31,10 +38,7 @@ public:
 
     int run(const char* text, unsigned length, unsigned char* out, unsigned room, unsigned& size) {
         if (const int code = deflateReset(&m_stream); code != Z_OK) return code;
-        m_stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text));
-        m_stream.avail_in = length;
-        m_stream.next_out = out;
-        m_stream.avail_out = room;
+        begin(m_stream, text, length, out, room);
         const int code = deflate(&m_stream, Z_FINISH);
         size = room - m_stream.avail_out;
         return code == Z_STREAM_END ? Z_OK : code == Z_OK ? Z_BUF_ERROR : code;
@@ -44,7 +48,11 @@ private:
     z_stream m_stream{};
 };
 
-void deleteDeflater(void* deflater) { delete static_cast<Deflater*>(deflater); }
+/// Stands in the key of a thread whose stream is deleted: other keys' destructors may still squish,
+/// and what they kept then nobody might delete.
+char s_ending;
+
+void deleteDeflater(void* kept);
 
 /// The key of each thread's own; null as long as it cannot be made.
 TavThreadKey* keptKey() {
@@ -57,6 +65,12 @@ TavThreadKey* keptKey() {
     return others;
 }
 
+// Called again for the mark it leaves, as often as the system goes round the keys: 4 times.
+void deleteDeflater(void* kept) {
+    if (kept != &s_ending) delete static_cast<Deflater*>(kept);
+    tavXThreadSetSpecific(keptKey(), &s_ending);
+}
+
 }  // namespace
 
 int qblDeflate(const char* text, unsigned length, unsigned char* out, unsigned room,
@@ -64,13 +78,30 @@ int qblDeflate(const char* text, unsigned length, unsigned char* out, unsigned r
     TavThreadKey* const key = keptKey();
     void* kept = nullptr;
     if (key != nullptr) tavXThreadGetSpecific(key, &kept);
-    if (kept != nullptr) return static_cast<Deflater*>(kept)->run(text, length, out, room, size);
+    if (kept != nullptr && kept != &s_ending)
+        return static_cast<Deflater*>(kept)->run(text, length, out, room, size);
 
     std::unique_ptr<Deflater> fresh(new (std::nothrow) Deflater);
     if (!fresh) return Z_MEM_ERROR;
     if (const int code = fresh->start(); code != Z_OK) return code;
     const int code = fresh->run(text, length, out, room, size);
-    if (key != nullptr && tavXThreadSetSpecific(key, fresh.get()) == TAVTHREAD_OK)
+    if (key != nullptr && kept == nullptr &&
+        tavXThreadSetSpecific(key, fresh.get()) == TAVTHREAD_OK)
         static_cast<void>(fresh.release());
     return code;
+}
+
+int qblInflate(const unsigned char* data, unsigned length, char* out, unsigned room,
+               unsigned& size) {
+    z_stream stream{};
+    stream.zalloc = &allocate;
+    stream.zfree = &release;
+    if (const int code = inflateInit(&stream); code != Z_OK) return code;
+    begin(stream, data, length, out, room);
+    const int code = inflate(&stream, Z_FINISH);
+    size = room - stream.avail_out;
+    inflateEnd(&stream);
+    if (code == Z_STREAM_END) return Z_OK;
+    const bool cutOff = code == Z_BUF_ERROR && (stream.avail_out != 0 || room == 0);
+    return cutOff || code == Z_NEED_DICT ? Z_DATA_ERROR : code;
 }

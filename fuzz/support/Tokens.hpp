@@ -1,0 +1,90 @@
+#ifndef FUZZ_SUPPORT_TOKENS_HPP
+#define FUZZ_SUPPORT_TOKENS_HPP
+
+#include <zlib.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include "QBLCore/Utility/QBLBase64.h"
+#include "QBLCore/Utility/QBLSquisher.hpp"
+
+/// The token of any stream under any length; its checksum is right unless bits of it are wrong.
+inline std::string tokenOf(const std::string& packed, unsigned long length,
+                           unsigned long wrong = 0) {
+    const auto* const bytes = reinterpret_cast<const Bytef*>(packed.data());
+    const unsigned long crc = wrong ^ crc32(0xFFFFFFFF, bytes, static_cast<uInt>(packed.size()));
+    std::string data;
+    for (const unsigned long number : {length, crc})
+        for (int shift = 24; shift >= 0; shift -= 8) data += static_cast<char>(number >> shift);
+    data += packed;
+    std::string token(QBLBase64URLEncodedSize(static_cast<unsigned>(data.size())), '\0');
+    QBLBase64URLEncode(data.data(), static_cast<unsigned>(data.size()), &token[0]);
+    return token.c_str();
+}
+
+inline std::string compressed(const std::string& text) {
+    auto size = compressBound(static_cast<uLong>(text.size()));
+    std::string packed(size, '\0');
+    const int code =
+        compress2(reinterpret_cast<Bytef*>(&packed[0]), &size,
+                  reinterpret_cast<const Bytef*>(text.data()), static_cast<uLong>(text.size()), 9);
+    return code == Z_OK ? packed.substr(0, size) : "zlib failed";
+}
+
+/// What both steps of unsquishing give, the text with its NULs.
+struct Unsquished {
+    int first = 0, second = 0;
+    std::string text;
+    /// Whether the steps and the class agree, and the state is as it is promised.
+    bool consistent = false;
+
+    explicit Unsquished(const std::string& token) {
+        QBLsqu_state state;
+        unsigned size = 77;
+        first = QBLsqu_unsquish1(token.c_str(), &state, &size);
+        const std::unique_ptr<char[]> back(QBLSquisher::unSquish(token.c_str()));
+        if (first != 0) {
+            consistent = state.buffer == nullptr && size == 77 && !back;
+            return;
+        }
+        // Of exactly the size that is asked for. The mark shows how far the text goes.
+        const std::unique_ptr<char[]> out(new char[size]);
+        std::memset(out.get(), 'm', size);
+        second = QBLsqu_unsquish2(&state, out.get());
+        consistent = size == state.textLength + 1 && (second == 0) == (state.buffer == nullptr) &&
+                     (second == 0) == (back != nullptr);
+        if (second == 0) {
+            text.assign(out.get(), size);
+            text.resize(text.find_last_not_of('m'));
+            consistent = consistent && text.c_str() == std::string(back.get());
+        }
+        std::free(state.buffer);
+    }
+};
+
+/// What squishing makes of a text without a NUL.
+struct Squished {
+    std::string token;
+    bool fits = false;  // into the room of the formula
+    /// Whether it is what zlib makes, comes back, and is refused if it does not fit.
+    bool right = false;
+
+    explicit Squished(const std::string& text) {
+        const std::unique_ptr<char[]> made(QBLSquisher::squish(text.c_str()));
+        if (!made) return;
+        token = made.get();
+        const unsigned room = QBLsqu_squished_size(static_cast<unsigned>(text.size()));
+        fits = token.size() < room;
+        const std::unique_ptr<char[]> out(new char[room]);
+        const int code = QBLsqu_squish(text.c_str(), out.get());
+        const Unsquished back(token);
+        right = token == tokenOf(compressed(text), static_cast<unsigned long>(text.size())) &&
+                code == (fits ? 0 : Z_BUF_ERROR) && out.get() == (fits ? token : "") &&
+                back.consistent && back.first == 0 && back.second == 0 && back.text == text;
+    }
+};
+
+#endif
