@@ -1,12 +1,17 @@
 // The byte buffer as a stream of commands, checked against std::string and the rules of growth
 // after every one. The first byte says how the buffer grows, each command is two bytes.
+#include <malloc.h>
+
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <string>
+#include <type_traits>
 
 #include "QBLCore/Types/QBLByteBuffer.hpp"
 
@@ -20,189 +25,274 @@ const unsigned int kLongest = 20000;  // where nothing is appended any more
 
 bool isSpace(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
 
-/// A buffer and its model.
+/// What a buffer should be.
+struct Model {
+    explicit Model(unsigned int kind)
+        : block(kind % 2 != 0    ? 0
+                : kind / 16 != 0 ? kind / 16
+                                 : 8),
+          limit(block == 0 ? kind / 2 % 8 : roundedUp(kind / 2 % 8)) {}
+
+    unsigned int roundedUp(unsigned int n) const { return (n + block) / block * block - 1; }
+
+    void grow(std::size_t needed) {
+        const auto n = static_cast<unsigned int>(needed);
+        if (n <= limit) return;
+        if (block != 0) {
+            limit = roundedUp(n);
+        } else {
+            if (n / 3 < limit / 2) limit += limit / 2;
+            if (limit < n) limit = n;
+        }
+    }
+
+    void append(const std::string& more) {
+        text += more;
+        grow(text.size());
+    }
+
+    template <class Integer>
+    void appendInteger(Integer value) {
+        char hex[40];
+        std::snprintf(hex, sizeof hex, "%llx",
+                      static_cast<unsigned long long>(std::make_unsigned_t<Integer>(value)));
+        append(isHex ? hex : std::to_string(value));
+    }
+
+    unsigned int block;
+    unsigned int limit;
+    unsigned int printfRoom = 4096;
+    bool isHex = false;
+    std::string text;
+};
+
+/// The capacities that the rules of growth give, worked out by hand.
+void checkModel() {
+    const struct {
+        unsigned int kind, before, n, after;
+    } table[] = {{0x00, 7, 8, 15}, {0xAE, 9, 10, 19}, {0x0B, 5, 6, 6},   {0x0B, 5, 7, 7},
+                 {0x0F, 7, 8, 10}, {0x0F, 7, 9, 9},   {0x0F, 7, 12, 12}, {0x01, 0, 1, 1}};
+    for (const auto& row : table) {
+        Model model(row.kind);
+        require(model.limit == row.before);
+        model.grow(row.n);
+        require(model.limit == row.after);
+    }
+}
+
+using Buffer = std::unique_ptr<QBLByteBuffer>;
+
+Buffer newBuffer(unsigned int kind) {
+    const auto growth = kind % 2 == 0 ? QBLByteBuffer::GROW_BY_BLOCK : QBLByteBuffer::GROW_BY_HALF;
+    return std::make_unique<QBLByteBuffer>(growth, kind / 2 % 8, kind / 16);
+}
+
+/// A buffer and its model, and another that grows in the other way and is assigned to and from.
 class Checked {
 public:
     explicit Checked(unsigned int kind)
-        : m_buffer(kind % 2 == 0 ? QBLByteBuffer::GROW_BY_BLOCK : QBLByteBuffer::GROW_BY_HALF,
-                   kind / 2 % 8, kind / 16),
-          m_block(kind % 2 != 0    ? 0
-                  : kind / 16 != 0 ? kind / 16
-                                   : 8),
-          m_limit(m_block == 0 ? kind / 2 % 8 : roundedUp(kind / 2 % 8)),
-          m_other(m_buffer),
-          m_otherLimit(m_limit),
-          m_otherBlock(m_block) {}
+        : m_buffer(newBuffer(kind)),
+          m_model(kind),
+          m_other(newBuffer(kind ^ 1)),
+          m_otherModel(kind ^ 1) {}
 
     void apply(unsigned int command, unsigned int operand) {
-        const auto size = static_cast<unsigned int>(m_model.size());
+        const auto size = static_cast<unsigned int>(m_model.text.size());
         const char letter = static_cast<char>(operand);
         const unsigned int at = operand % (size + 1);
         const std::string text(operand, letter);
-        switch (size > kLongest ? 9 + command % 4 : command % 18) {
+        QBLByteBuffer& buffer = *m_buffer;
+        switch (size > kLongest ? 9 + command % 4 : command % 21) {
             case 0:
-                m_buffer << letter;
-                append(std::string(1, letter));
+                buffer << letter;
+                m_model.append(std::string(1, letter));
                 break;
             case 1:
-                m_buffer << text.c_str();
-                append(text.c_str());
+                buffer << text.c_str();
+                m_model.append(text.c_str());
                 break;
             case 2:
-                m_buffer.appendChars(text.data(), operand);
-                append(text);
+                buffer.appendChars(text.data(), operand);
+                m_model.append(text);
                 break;
             case 3:  // a part of its own
-                m_buffer.appendChars(m_buffer.str() + at, size - at);
-                append(m_model.substr(at));
+                buffer.appendChars(buffer.str() + at, size - at);
+                m_model.append(m_model.text.substr(at));
                 break;
             case 4:
-                m_buffer << m_buffer;
-                append(m_model);
+                buffer << buffer;
+                m_model.append(std::string(m_model.text));
                 break;
             case 5:
                 appendNumbers(operand);
                 break;
             case 6:
-                print(std::string("<") + std::string(m_model.c_str()).substr(0, 600) + ">",
-                      "<%.600s>", m_buffer.str());
+                print("<" + std::string(m_model.text.c_str()).substr(0, 600) + ">", "<%.600s>",
+                      buffer.str());
                 break;
-            case 7:
-                print(std::string(operand * 9, ' ') + "x", "%*s", static_cast<int>(operand * 9 + 1),
-                      "x");
+            case 7: {  // about the length where printf() needs a second pass, and far longer
+                const unsigned int width = operand < 128 ? 448 + operand : operand * 17;
+                print(std::string(width - 1, ' ') + "x", "%*s", static_cast<int>(width), "x");
                 break;
+            }
             case 8:
-                require(m_buffer.getPrintfBufferSize() == m_printfRoom);
-                m_buffer.setPrintfBufferSize(m_printfRoom = operand * 4);
+                require(buffer.getPrintfBufferSize() == m_model.printfRoom);
+                require(buffer.setPrintfBufferSize(operand * 4) == m_model.printfRoom);
+                m_model.printfRoom = operand * 4;
                 break;
             case 9:
-                require(m_buffer.chop(operand * 8) == size - std::min(operand * 8, size));
-                m_model.erase(0, std::min<std::size_t>(operand * 8, size));
+                chop(operand * 8);
                 break;
             case 10:
                 trim(operand);
                 break;
             case 11:
-                m_buffer.setLength(at);
-                m_model.resize(at);
+                buffer.setLength(at);
+                m_model.text.resize(at);
                 break;
             case 12:
-                m_buffer.reset();
-                m_model.clear();
+                buffer.reset();
+                m_model.text.clear();
                 break;
-            case 13:
-                m_buffer.reserve(operand * 16);
-                grow(operand * 16);
+            case 13: {
+                const unsigned int n = operand < 64 ? operand : operand * 16;
+                buffer.reserve(n);
+                m_model.grow(n);
                 break;
-            case 14:
+            }
+            case 14:  // as one would read(2) into the buffer
                 writeBehind(operand, letter);
+                m_model.text.append(operand, letter);
+                buffer.setLength(size + operand);
                 break;
             case 15:
-                m_other = m_buffer;
+                *m_other = buffer;
                 m_otherModel = m_model;
-                m_otherLimit = m_limit;
-                m_otherBlock = m_block;
-                m_otherRoom = m_printfRoom;
                 break;
             case 16:
-                m_buffer = m_other;
+                buffer = *m_other;
                 m_model = m_otherModel;
-                m_limit = m_otherLimit;
-                m_block = m_otherBlock;
-                m_printfRoom = m_otherRoom;
+                break;
+            case 17:
+                m_buffer = std::make_unique<QBLByteBuffer>(buffer);
+                m_written = size;
+                break;
+            case 18:
+                endAgain(operand);
+                break;
+            case 19:
+                require(buffer.setHexRadix(operand & 2) == (m_model.isHex ? 16 : 10));
+                m_model.isHex = (operand & 2) != 0;
                 break;
             default:
-                m_buffer = QBLByteBuffer(m_buffer);
+                printLongerAtLast();
         }
         compare();
     }
 
 private:
-    unsigned int roundedUp(unsigned int n) const { return (n + m_block) / m_block * m_block - 1; }
-
-    void grow(std::size_t needed) {
-        const auto n = static_cast<unsigned int>(needed);
-        if (n <= m_limit) return;
-        if (m_block != 0) {
-            m_limit = roundedUp(n);
-        } else {
-            if (n / 3 < m_limit / 2) m_limit += m_limit / 2;
-            if (m_limit < n) m_limit = n;
-        }
-    }
-
-    void append(const std::string& text) {
-        m_model += text;
-        grow(m_model.size());
-    }
-
+    // Random ones, and those around a power of ten.
     void appendNumbers(unsigned int operand) {
+        std::uint64_t power = 1;
+        for (unsigned int i = operand % 20; i != 0; --i) power *= 10;
         const std::uint64_t bits = operand * 0x9E3779B97F4A7C15U >> operand % 64;
-        const auto value = static_cast<long>(bits);
-        const auto natural = static_cast<unsigned int>(bits);
-        m_buffer << value << natural;
-        append(std::to_string(value));
-        append(std::to_string(natural));
+        for (const std::uint64_t value : {bits, power - 1, power, power + 1}) {
+            const auto number = static_cast<long>(value);
+            const auto large = static_cast<unsigned long>(value);
+            const auto natural = static_cast<unsigned int>(value);
+            *m_buffer << number << large << natural << static_cast<int>(natural);
+            m_model.appendInteger(number);
+            m_model.appendInteger(large);
+            m_model.appendInteger(natural);
+            m_model.appendInteger(static_cast<int>(natural));
+        }
     }
 
     template <class... Arguments>
     void print(const std::string& expected, const char* format, Arguments... arguments) {
-        const int printed = m_buffer.printf(format, arguments...);
+        const int printed = m_buffer->printf(format, arguments...);
         require(printed == static_cast<int>(expected.size()));
-        grow(m_model.size() + m_printfRoom);
-        append(expected);
+        m_model.grow(m_model.text.size() + m_model.printfRoom);
+        m_model.append(expected);
+    }
+
+    // The first of two passes changes the text that is printed.
+    void printLongerAtLast() {
+        int printed = 0;
+        const int length = 0x0241;  // in bytes "A\2", stored before the text is printed again
+        const auto* const text = reinterpret_cast<const char*>(&printed);
+        print("A\2" + std::string(length - 2, ' '), "%.2s%*s%n", text, length, "q", &printed);
+    }
+
+    void chop(unsigned int n) {
+        m_model.text.erase(0, n);
+        require(m_buffer->chop(n) == m_model.text.size());
     }
 
     void trim(unsigned int which) {
+        std::string& text = m_model.text;
         if (which % 3 != 0)
-            while (!m_model.empty() && isSpace(m_model.front())) m_model.erase(0, 1);
+            while (!text.empty() && isSpace(text.front())) text.erase(0, 1);
         if (which % 3 != 1)
-            while (!m_model.empty() && isSpace(m_model.back())) m_model.pop_back();
-        const unsigned int count = which % 3 == 0   ? m_buffer.trimBack()
-                                   : which % 3 == 1 ? m_buffer.trimFront()
-                                                    : m_buffer.trim();
-        require(count == m_model.size());
+            while (!text.empty() && isSpace(text.back())) text.pop_back();
+        const unsigned int count = which % 3 == 0   ? m_buffer->trimBack()
+                                   : which % 3 == 1 ? m_buffer->trimFront()
+                                                    : m_buffer->trim();
+        require(count == text.size());
     }
 
-    // As one would read(2) into the buffer.
     void writeBehind(unsigned int count, char letter) {
-        m_buffer.reserve(static_cast<unsigned int>(m_model.size()) + count);
-        grow(m_model.size() + count);
-        std::memset(m_buffer.str() + m_model.size(), letter, count);
-        m_model.append(count, letter);
-        m_buffer.setLength(static_cast<unsigned int>(m_model.size()));
+        const std::size_t size = m_model.text.size();
+        m_buffer->reserve(static_cast<unsigned int>(size) + count);
+        m_model.grow(size + count);
+        std::memset(m_buffer->str() + size, letter, count);
+        m_written = std::max(m_written, size + count);
     }
 
-    // What setLength() shows behind the content is defined, for MemorySanitizer and valgrind.
+    // Writes behind the content, then does what has to end it with a zero all the same.
+    void endAgain(unsigned int operand) {
+        const std::size_t size = m_model.text.size();
+        writeBehind(8, operand / 4 % 2 != 0 ? ' ' : 'X');
+        if (operand % 4 == 0) return chop(1 + operand / 8);
+        if (operand % 4 == 1 && size != 0 && isSpace(m_model.text[0])) return trim(1);
+        if (operand % 4 == 2) {
+            *m_other = *m_buffer;
+            m_otherModel = m_model;
+            require(m_other->str()[size] == '\0');
+        } else {  // and nothing, which does not
+            m_buffer->appendChars(nullptr, 0) << "" << QBLByteBuffer();
+            require(m_buffer->str()[size] != '\0');
+        }
+        m_buffer->setLength(static_cast<unsigned int>(size));
+    }
+
+    // What was never written is zero, wherever the array came from.
     void compare() {
-        const auto count = static_cast<unsigned int>(m_model.size());
-        require(m_buffer.pcount() == count);
-        require(std::memcmp(m_buffer.str(), m_model.c_str(), count + 1) == 0);
-        m_buffer.setLength(m_limit + 1);
-        require(m_buffer.pcount() == count);
-        m_buffer.setLength(m_limit);
-        require(m_buffer.pcount() == m_limit);
-        for (unsigned int i = count; i < m_limit; i += 61) m_seen += m_buffer.str()[i] != 0;
-        m_buffer.setLength(count);
+        QBLByteBuffer& buffer = *m_buffer;
+        const auto count = static_cast<unsigned int>(m_model.text.size());
+        require(buffer.pcount() == count);
+        require(std::memcmp(buffer.str(), m_model.text.c_str(), count + 1) == 0);
+        buffer.setLength(m_model.limit + 1);
+        require(buffer.pcount() == count);
+        buffer.setLength(m_model.limit);
+        require(buffer.pcount() == m_model.limit);
+        m_written = std::max<std::size_t>(m_written, count);
+        for (std::size_t i = m_written; i < m_model.limit; ++i) require(buffer.str()[i] == 0);
+        buffer.setLength(count);
     }
 
-    QBLByteBuffer m_buffer;
-    unsigned int m_block;
-    unsigned int m_limit;
-    unsigned int m_printfRoom = 4096;
-    unsigned int m_seen = 0;
-    std::string m_model;
-
-    QBLByteBuffer m_other;
-    unsigned int m_otherLimit;
-    unsigned int m_otherBlock;
-    unsigned int m_otherRoom = 4096;
-    std::string m_otherModel;
+    Buffer m_buffer;
+    Model m_model;
+    std::size_t m_written = 0;  // how much of the array there may be other than zero
+    Buffer m_other;
+    Model m_otherModel;
 };
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    checkModel();
+    mallopt(M_PERTURB, 0x5A);  // memory begins as anything but zeros
     Checked checked(size != 0 ? data[0] : 0);
     for (std::size_t i = 1; i + 1 < size; i += 2) checked.apply(data[i], data[i + 1]);
     return 0;

@@ -68,20 +68,8 @@ std::vector<Step> expected(const std::vector<std::string>& words, const std::str
     return steps;
 }
 
-}  // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    std::vector<std::string> words(1);
-    for (std::size_t i = 0; i < size; ++i) {
-        if (data[i] == 0) words.emplace_back();
-        if (data[i] != 0) words.back() += static_cast<char>(data[i]);
-    }
-    std::string letters = words.front();
-    words.erase(words.begin());
-    if (words.empty()) words.emplace_back("prog");
-    std::vector<char*> argv(words.size());
-    for (std::size_t i = 0; i < words.size(); ++i) argv[i] = &words[i][0];
-
+/// Takes the words apart.
+void check(const std::vector<std::string>& words, std::string letters, std::vector<char*>& argv) {
     QBLUtGetOpt options;
     options.setPrintErrors(0);
     for (const Step& step : expected(words, letters)) {
@@ -95,5 +83,23 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const char* argument = options.getOptArg();
         require(step.argument == (argument != nullptr ? argument : ""));
     }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    std::vector<std::string> words(1);
+    for (std::size_t i = 0; i < size; ++i) {
+        if (data[i] == 0) words.emplace_back();
+        if (data[i] != 0) words.back() += static_cast<char>(data[i]);
+    }
+    std::string letters = words.front();
+    words.erase(words.begin());
+    if (words.empty()) words.emplace_back("prog");
+    std::vector<char*> argv(words.size());
+    for (std::size_t i = 0; i < words.size(); ++i) argv[i] = &words[i][0];
+    check(words, letters, argv);
+    argv.push_back(nullptr);  // which ends the words as well
+    check(words, letters, argv);
     return 0;
 }

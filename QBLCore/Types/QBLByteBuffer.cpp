@@ -1,5 +1,6 @@
 #include "QBLCore/Types/QBLByteBuffer.hpp"
 
+#include <algorithm>
 #include <cctype>
 #include <cstdint>
 #include <memory>
@@ -14,6 +15,7 @@ namespace {
 const unsigned int kDefaultBlock = 8;
 const unsigned int kDefaultPrintfBuffer = 4096;
 const std::uint64_t kMost = 0xFFFFFFFE;  // a limit; its array is one byte more
+const unsigned int kLarge = 64U << 20;   // from here on an array takes less than a half more
 
 using Array = std::unique_ptr<char[]>;
 
@@ -90,7 +92,8 @@ QBLByteBuffer& QBLByteBuffer::operator=(const QBLByteBuffer& other) {
         m_pBuffer = array.release();
         m_iArrayLimit = other.m_iAllocLimit;
     } else {
-        std::memcpy(m_pBuffer, other.m_pBuffer, arraySize(other.m_iCount));
+        std::memcpy(m_pBuffer, other.m_pBuffer, other.m_iCount);
+        m_pBuffer[other.m_iCount] = '\0';
     }
     m_iCount = other.m_iCount;
     m_iAllocLimit = other.m_iAllocLimit;
@@ -113,7 +116,8 @@ unsigned int QBLByteBuffer::chop(unsigned int n) {
     if (n == 0) return m_iCount;
     if (n > m_iCount) n = m_iCount;
     m_iCount -= n;
-    std::memmove(m_pBuffer, m_pBuffer + n, arraySize(m_iCount));
+    std::memmove(m_pBuffer, m_pBuffer + n, m_iCount);
+    m_pBuffer[m_iCount] = '\0';
     return m_iCount;
 }
 
@@ -188,7 +192,7 @@ char* QBLByteBuffer::grow(unsigned long long needed) {
         limit = roundUp(n, m_iBlockSize);
     } else {
         if (n / 3 < m_iAllocLimit / 2) limit += m_iAllocLimit / 2;
-        if (limit < n || limit > kMost) limit = n;
+        limit = std::max<std::uint64_t>(std::min(limit, kMost), n);
     }
     const unsigned int checked = checkedLimit(limit);
     char* const replaced = checked > m_iArrayLimit ? replaceArray(checked) : nullptr;
@@ -196,13 +200,15 @@ char* QBLByteBuffer::grow(unsigned long long needed) {
     return replaced;
 }
 
-// Takes one half more than there was where it can, so that small blocks, too, move each byte only
-// a few times.
+// Takes a share more than there was where it can, so that small blocks, too, move each byte only a
+// few times. What is refused is halved: each array then takes at least half of the memory left.
 char* QBLByteBuffer::replaceArray(unsigned int limit) {
-    const std::uint64_t ample = std::uint64_t{m_iArrayLimit} + m_iArrayLimit / 2;
+    unsigned int surplus = m_iArrayLimit / (m_iArrayLimit < kLarge ? 2 : 8);
     unsigned int arrayLimit = limit;
     Array array;
-    if (ample > limit && ample <= kMost) {
+    for (; array == nullptr; surplus /= 2) {
+        const std::uint64_t ample = std::min(std::uint64_t{m_iArrayLimit} + surplus, kMost);
+        if (ample <= limit) break;
         arrayLimit = static_cast<unsigned int>(ample);
         array.reset(new (std::nothrow) char[arraySize(arrayLimit)]);
     }

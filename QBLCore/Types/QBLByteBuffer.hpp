@@ -11,10 +11,12 @@
 /// grows.
 ///
 /// It grows by whole blocks, or by one half. How far is settled, and shows in setLength();
-/// appending costs the same for each byte all the same, however small the blocks are.
+/// appending costs the same for each byte all the same, however small the blocks are: the array
+/// takes up to a half more than it had, from 64 MiB on up to an eighth. Where that is refused, it
+/// takes less, down to what is needed; a new-handler hears of each refusal.
 ///
-/// Errors: QBLOutOfMemoryError, also for what would be longer than 4,294,967,294 bytes;
-/// QBLAssertError where said. A buffer is as it was after an error.
+/// Errors: QBLOutOfMemoryError, also for more than 4,294,967,294 bytes, whole blocks included (one
+/// half more is cut to that); QBLAssertError where said. The content is as it was after an error.
 ///
 /// Threads: one at a time for each object.
 ///
@@ -31,9 +33,8 @@ public:
     /// @param initialSize  bytes that it takes without growing, at least
     /// @param blockSize  in bytes; 0 means 8
     explicit QBLByteBuffer(unsigned int initialSize = 0, unsigned int blockSize = 0);
-    /// @param blockSize  of no meaning to a buffer that grows by half, whose capacity is the
-    /// initial
-    ///     size exactly
+    /// @param blockSize  of no meaning to a buffer that grows by half, which begins with just the
+    ///     initial size
     explicit QBLByteBuffer(Growth growth, unsigned int initialSize = 0, unsigned int blockSize = 0);
     /// Takes the capacity too, and all that is set.
     QBLByteBuffer(const QBLByteBuffer& other);
@@ -111,7 +112,7 @@ public:
 
 private:
     QBLByteBuffer& append(const char* p, std::size_t length) {
-        if (m_pBuffer == nullptr || p == nullptr || length > m_iAllocLimit - m_iCount)
+        if (m_pBuffer == nullptr || p == nullptr || length - 1 >= m_iAllocLimit - m_iCount)
             return appendGrowing(p, length);
         char* const end = m_pBuffer + m_iCount;
         std::memmove(end, p, length);

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <charconv>
 #include <cstdarg>
 #include <cstdint>
@@ -120,7 +121,8 @@ int QBLByteBuffer::printf(const char* format, ...) {
         longText.reset(new char[size]);
         QBL_ALLOC_CATCH
         va_start(arguments, format);
-        i = std::vsnprintf(longText.get(), size, format, arguments);
+        // It may have become longer: by %n, or by another thread's setlocale().
+        i = std::min(i, std::vsnprintf(longText.get(), size, format, arguments));
         va_end(arguments);
         text = longText.get();
     }

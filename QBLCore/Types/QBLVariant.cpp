@@ -114,11 +114,11 @@ bool QBLVariant::getValue(char* buffer, unsigned long bufferSize) const {
         buffer[0] = '\0';
         return true;
     }
-    // A size that was set may be more than the length of the string, or less.
-    const std::size_t length = std::strlen(text);
+    // Of a string the size that was set counts, which may be more than its length, or less.
+    const std::size_t size = held ? m_uSize : std::strlen(text);
     std::strncpy(buffer, text, bufferSize);
     buffer[bufferSize - 1] = '\0';
-    return bufferSize > length && (!held || bufferSize > m_uSize);
+    return bufferSize > size;
 }
 
 bool QBLVariant::setValue(long value) { return set(QBLVariantLong, value); }

@@ -15,7 +15,7 @@
 ///
 ///     QBLVariant size, name;
 ///     size.setValue(5L);  // a plain 5 could be either integer, or a double
-///     name.setValue("disk", 0);
+///     name.setValue("disk", 0);  // without the length a char* would be kept as a pointer
 ///     char text[20];
 ///     if (size.getValue(text, sizeof text)) show(text);
 class QBL_API QBLVariant {
@@ -38,8 +38,8 @@ public:
     // NOLINTNEXTLINE(misc-unconventional-assign-operator): it has a virtual slot
     virtual QBLVariant& operator=(const QBLVariant& other);
     /// Equal are values of the same type and size: numbers and pointers as such, strings by their
-    /// characters up to a zero. A value of no type equals any other, one of an unknown tag only
-    /// itself.
+    /// characters up to a zero. One of no type equals any other of no type and its size, one of an
+    /// unknown tag only itself.
     virtual bool operator==(const QBLVariant& other) const;
     virtual bool operator!=(const QBLVariant& other) const;
 
@@ -54,27 +54,29 @@ public:
     bool getValue(unsigned long& value) const;
     bool getValue(double& value) const;
     bool getValue(void*& value) const;
-    /// @param value  receives the variant's own string, which may be null; null where the type
-    ///     is another
+    /// @param value  receives the variant's own string, which may be null; null where the type is
+    ///     another. It ends with the value: at the next set, clear(), assignment, or destructor.
     bool getValue(char*& value) const;
     /// The value as text: integers in decimal, doubles as 1.500000e+00 whatever the locale,
     /// pointers in hexadecimal, "<unknown>" or "<invalid>". As much of it as fits is stored, with a
     /// zero behind it.
-    /// @param bufferSize  in bytes, of which all are written, as by strncpy(3); nothing for 0
-    /// @return whether all fitted; of a string, as many bytes as its size says
+    /// @param bufferSize  in bytes, of which all are written, as by strncpy(3); only the first for
+    ///     a null string or one of size 0; nothing for 0
+    /// @return whether all fitted; of a string, whether as many bytes as its size says would, and a
+    ///     zero, whatever its length
     bool getValue(char* buffer, unsigned long bufferSize) const;
 
     /// Each gives true.
     bool setValue(long value);
     bool setValue(unsigned long value);
     bool setValue(double value);
-    /// A string that was held is not freed: whoever took it by getValue() goes on with it.
+    /// A string that was held is not freed: whoever took it by getValue() goes on with it, and
+    /// frees it with delete[].
     bool setValue(void* value);
     /// @param text  may be part of the string that is held; null makes a null string
     /// @param length  how much of it, and the size in any case; 0 means all up to its zero
-    /// @return false, with a null string, for an empty text with length 0; and where memory does
-    /// not
-    ///     suffice
+    /// @return false, with a null string, for an empty text with length 0; false too where memory
+    ///     does not suffice
     bool setValue(const char* text, unsigned long length);
 
     /// Frees a string, and makes the value zero. Type and size stay.

@@ -20,7 +20,7 @@ int QBLUtGetOpt::getOpt(int argc, char** argv, char* opts, const char** longOpt)
     QBL_ASSERT(argv);
     QBL_ASSERT(opts);
     if (longOpt != nullptr) *longOpt = nullptr;
-    if (m_pNextChar == nullptr || *m_pNextChar == '\0') {
+    if (m_pNextChar == nullptr) {
         if (m_iOptInd >= argc) return -1;
         const char* const word = argv[m_iOptInd];
         if (word == nullptr || word[0] != '-' || word[1] == '\0') return -1;
@@ -37,17 +37,18 @@ int QBLUtGetOpt::getOpt(int argc, char** argv, char* opts, const char** longOpt)
         ++m_iOptInd;
         m_pNextChar = word + 1;
     }
-    const char letter = *m_pNextChar++;
+    const char letter = *m_pNextChar;
+    const char* const rest = m_pNextChar + 1;
+    m_pNextChar = *rest != '\0' ? rest : nullptr;
     const char* const option = std::strchr(opts, letter);
     if (option == nullptr) {
         error(argv[0], 0, letter);
         return 0;
     }
     if (option[1] == ':') {
-        const char* const rest = m_pNextChar;
-        m_pNextChar = nullptr;
-        if (*rest != '\0') {
+        if (m_pNextChar != nullptr) {
             m_pOptArg = const_cast<char*>(rest);
+            m_pNextChar = nullptr;
         } else if (m_iOptInd < argc && argv[m_iOptInd] != nullptr) {
             m_pOptArg = argv[m_iOptInd++];
         } else {

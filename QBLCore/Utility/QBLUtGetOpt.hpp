@@ -27,9 +27,8 @@ public:
     /// Takes the next option. The words must stay as they are from call to call.
     /// @param argc  number of the words, of which the first is the program's name; a null word is
     ///     the end too
-    /// @param opts  the letters; one followed by a colon takes an argument, which is the rest of
-    /// its
-    ///     word or else the next one
+    /// @param opts  the letters; one followed by a colon takes an argument: the rest of its word
+    ///     or else the next one
     /// @param longOpt  receives what follows two dashes, as getLongOpt() has it, or null if that is
     ///     not what was found; may be null itself
     /// @return the letter, from 1 to 255; 0 after an error, after which parsing can go on; -1 for a
@@ -65,7 +64,7 @@ private:
     char* m_pOptArg;
     int m_iOptInd;
     int m_iPrintErrors;
-    const char* m_pNextChar;  // behind the last letter, if it is of a cluster; or null
+    const char* m_pNextChar;  // the next letter of the cluster; null at its end
     std::string m_errorMsg;
     std::string m_longOpt;
 };

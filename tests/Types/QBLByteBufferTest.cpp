@@ -12,39 +12,28 @@
 
 namespace {
 
-const auto kBlock = QBLByteBuffer::GROW_BY_BLOCK, kHalf = QBLByteBuffer::GROW_BY_HALF;
+const auto kHalf = QBLByteBuffer::GROW_BY_HALF;
 
 std::string textOf(const QBLByteBuffer& buffer) {
     EXPECT_EQ('\0', buffer.str()[buffer.pcount()]);
     return std::string(buffer.str(), buffer.pcount());
 }
 
-/// The longest length that the buffer takes.
-unsigned int capacityOf(QBLByteBuffer& buffer) {
-    const unsigned int count = buffer.pcount();
-    unsigned int n = count;
-    while (buffer.setLength(n + 1), buffer.pcount() == n + 1) ++n;
-    buffer.setLength(count);
-    return n;
-}
-
 }  // namespace
 
-// Commands in every order, capacities included, are fuzz/QBLByteBufferFuzz.cpp's.
-TEST(QBLByteBufferTest, GrowsByBlocksOrByHalf) {
-    const struct {
-        QBLByteBuffer::Growth growth;
-        unsigned int size, block, before, n, after;
-    } table[] = {{kBlock, 0, 0, 7, 8, 15},  {kBlock, 20, 10, 29, 30, 39}, {kHalf, 5, 0, 5, 6, 6},
-                 {kHalf, 8, 16, 8, 11, 12}, {kHalf, 8, 0, 8, 12, 12},     {kHalf, 0, 0, 0, 1, 1}};
-    for (const auto& row : table) {
-        QBLByteBuffer buffer(row.growth, row.size, row.block);
-        EXPECT_EQ(row.before, capacityOf(buffer));
-        buffer.reserve(row.n);
-        EXPECT_EQ(row.after, capacityOf(buffer)) << row.size << " to " << row.n;
-        buffer.setLength(row.after);
-        EXPECT_EQ(std::string(row.after, '\0'), textOf(buffer)) << "nothing undefined is shown";
+// How far it grows is checked by fuzz/QBLByteBufferFuzz.cpp, with commands in every order.
+TEST(QBLByteBufferTest, TakesLessSpareRoomWhereMemoryIsShort) {
+    QBLByteBuffer buffer(23, 8);
+    unsigned int moves = 0;
+    for (int n = 0; n < 10000; ++n) {
+        const char* const before = buffer.str();
+        fault::failAllocation(0);
+        buffer << 'c';
+        moves += buffer.str() != before;
     }
+    fault::failAllocation(-1);
+    EXPECT_EQ(std::string(10000, 'c'), textOf(buffer));
+    EXPECT_GT(50U, moves) << "though the whole blocks are 1247";
 }
 
 TEST(QBLByteBufferTest, AppendsEveryType) {
@@ -66,12 +55,13 @@ TEST(QBLByteBufferTest, AppendsEveryType) {
 TEST(QBLByteBufferTest, IsAsBeforeWhereMemoryEnds) {
     const std::string text(600, 't');
     QBLByteBuffer other(1000, 8);
-    const std::function<void(QBLByteBuffer&)> operations[] = {[](QBLByteBuffer& b) { b.reserve(1000); },
-                                                              [&](QBLByteBuffer& b) { b << text.c_str(); },
-                                                              [](QBLByteBuffer& b) { b << 'c'; },
-                                                              [&](QBLByteBuffer& b) { b.printf("%s", text.c_str()); },
-                                                              [&](QBLByteBuffer& b) { b = other; },
-                                                              [](QBLByteBuffer& b) { QBLByteBuffer(b) << 'c'; }};
+    using B = QBLByteBuffer&;
+    const std::function<void(B)> operations[] = {[](B b) { b.reserve(1000); },
+                                                 [&](B b) { b << text.c_str(); },
+                                                 [](B b) { b << 'c'; },
+                                                 [&](B b) { b = other; },
+                                                 [](B b) { QBLByteBuffer(b) << 'c'; },
+                                                 [&](B b) { b.printf("%s", text.c_str()); }};
     for (const auto& operation : operations) {
         const long failed = fault::eachAllocation([&] {
             try {
@@ -108,7 +98,7 @@ TEST(QBLByteBufferTest, SaysWhatItAsserts) {
                      "SizeMultiple] The allocation block size cannot be zero.\");");
     EXPECT_EQ(5, buffer.printf("%s %.2f", "", 0.25));
     QBL_EXPECT_THROW(
-        buffer.printf("%lc", wint_t{0x4E2D}), QBLAssertError,
+        buffer.printf("%lc", wint_t{0xD800}), QBLAssertError,
         "QBL_ASSERT_NAMED(( 0 <= i ), \"[QBLByteBuffer::printf] vsnprintf failed.\");");
     EXPECT_EQ(" 0.25", textOf(buffer));
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cmath>
 #include <string>
 
 #include "tests/support/FaultInjection.hpp"
@@ -58,9 +59,22 @@ TEST(QBLVariantTest, GivesAValueAsItsOwnTypeOnly) {
     }
 }
 
+TEST(QBLVariantTest, EqualsTheSameTypeSizeAndValueOnly) {
+    QBLVariant all[11];
+    EXPECT_TRUE(all[0].setValue(5L) && all[1].setValue(6L) && all[2].setValue(5UL));
+    EXPECT_TRUE(all[3].setValue(6UL) && all[4].setValue(0.5) && all[5].setValue(1.5));
+    EXPECT_TRUE(all[6].setValue(std::nan("")) && all[7].setValue(static_cast<void*>(all)));
+    EXPECT_TRUE(all[8].setValue(nullptr) && all[9].setValue("a", 0) && all[10].setValue("b", 0));
+    for (QBLVariant& each : all) each.setValueSize(8);
+    for (const QBLVariant& a : all)
+        for (const QBLVariant& b : all) EXPECT_EQ(&a == &b, a == b) << &a - all << &b - all;
+    EXPECT_FALSE(all[6] == QBLVariant(all[6])) << "not a number";
+}
+
 TEST(QBLVariantTest, KeepsAStringWhateverItsSizeSays) {
     QBLVariant variant, none;
-    EXPECT_TRUE(none.setValue(nullptr, 5));
+    EXPECT_TRUE(none.setValue(5L) && none.setValue(nullptr, 5));
+    EXPECT_FALSE(none.getValue(static_cast<char*>(nullptr), 5));
     EXPECT_FALSE(variant.setValue("", 0));
     EXPECT_TRUE(variant == none && shown(variant, 1).empty());
     EXPECT_TRUE(variant.setValue("abc", 0));
@@ -68,7 +82,7 @@ TEST(QBLVariantTest, KeepsAStringWhateverItsSizeSays) {
         unsigned long size;
         const char *text, *inTwo, *copied;
     } table[] = {{0, "", "", ""},
-                 {1, "abc", "a, cut", "a"},
+                 {1, "abc", "a", "a"},
                  {3, "abc", "a, cut", "abc"},
                  {1000, "abc, cut", "a, cut", "abc, cut"}};
     for (const auto& row : table) {

@@ -64,9 +64,12 @@ TEST(QBLUtGetOptTest, PrintsItsErrorsAsTheyAre) {
     EXPECT_EQ("\n" + name + "%n%s%%%" + tail, strange.written);
     QBLUtGetOpt quiet;
     EXPECT_EQ(1, quiet.setPrintErrors(0));
+    testing::internal::CaptureStderr();
     quiet.error(nullptr, 0, 'x');
+    EXPECT_EQ("", testing::internal::GetCapturedStderr());
     EXPECT_EQ("\n" + tail, quiet.getErrorMsg());
-    char* argv[] = {nullptr};
+    char word[] = "-a", *argv[] = {word, word, word, nullptr};
+    EXPECT_TRUE(quiet.getOpt(3, argv, "a") == 'a' && quiet.getOpt(1, argv, "a") == -1) << "fewer";
     QBL_EXPECT_THROW(quiet.getOpt(1, nullptr, "a"), QBLAssertError, "QBL_ASSERT(argv);");
     QBL_EXPECT_THROW(quiet.getOpt(1, argv, static_cast<char*>(nullptr)), QBLAssertError,
                      "QBL_ASSERT(opts);");
