@@ -38,8 +38,8 @@ static_assert(complete(kSqlColTypesByCode) && complete(kQBLDBDatatypesByCode) &&
               complete(kXSTypesByCode));
 
 /// The row of a code; that of no code, whose fields are all 0, outside the table.
-template <class Row, std::size_t kCodes, class Code>
-const Row& rowOf(const std::array<Row, kCodes>& entries, Code code) {
+template <std::size_t kCodes, class Row, class Code>
+const Row& rowOf(const Row* entries, Code code) {
     static constexpr Row kNone{};
     const auto at = static_cast<unsigned>(code);
     return at < kCodes ? entries[at] : kNone;
@@ -127,41 +127,48 @@ QBLDBTypes* QBLDBTypes::get() {
     return one;
 }
 
-void QBLDBTypes::init() {}
+void QBLDBTypes::init() {
+    if (m_pSqlColTypes != nullptr) return;
+    m_pSqlColTypes = kSqlColTypesByCode.data();
+    m_pQBLDBDatatypes = kQBLDBDatatypesByCode.data();
+    m_pXSTypes = kXSTypesByCode.data();
+}
 
 XSType QBLDBTypes::SqlColType2XSType(SqlColType type) const {
-    return rowOf(kSqlColTypesByCode, type).xsType;
+    return rowOf<kSqlColTypesByCode.size()>(m_pSqlColTypes, type).xsType;
 }
 
 QBLDBDatatype QBLDBTypes::SqlColType2QBLDBDatatype(SqlColType type) const {
-    return rowOf(kSqlColTypesByCode, type).datatype;
+    return rowOf<kSqlColTypesByCode.size()>(m_pSqlColTypes, type).datatype;
 }
 
 SqlColType QBLDBTypes::QBLDBDatatype2SqlColType(QBLDBDatatype type) const {
-    return rowOf(kQBLDBDatatypesByCode, type).sqlColType;
+    return rowOf<kQBLDBDatatypesByCode.size()>(m_pQBLDBDatatypes, type).sqlColType;
 }
 
 XSType QBLDBTypes::QBLDBDatatype2XSType(QBLDBDatatype type) const {
-    return rowOf(kQBLDBDatatypesByCode, type).xsType;
+    return rowOf<kQBLDBDatatypesByCode.size()>(m_pQBLDBDatatypes, type).xsType;
 }
 
 SqlColType QBLDBTypes::XSType2SqlColType(XSType type) const {
-    return rowOf(kXSTypesByCode, type).sqlColType;
+    return rowOf<kXSTypesByCode.size()>(m_pXSTypes, type).sqlColType;
 }
 
 QBLDBDatatype QBLDBTypes::XSType2QBLDBDatatype(XSType type) const {
-    return rowOf(kXSTypesByCode, type).datatype;
+    return rowOf<kXSTypesByCode.size()>(m_pXSTypes, type).datatype;
 }
 
 const char* QBLDBTypes::getName(SqlColType type) const {
-    return rowOf(kSqlColTypesByCode, type).name;
+    return rowOf<kSqlColTypesByCode.size()>(m_pSqlColTypes, type).name;
 }
 
 const char* QBLDBTypes::getName(QBLDBDatatype type) const {
-    return rowOf(kQBLDBDatatypesByCode, type).name;
+    return rowOf<kQBLDBDatatypesByCode.size()>(m_pQBLDBDatatypes, type).name;
 }
 
-const char* QBLDBTypes::getName(XSType type) const { return rowOf(kXSTypesByCode, type).name; }
+const char* QBLDBTypes::getName(XSType type) const {
+    return rowOf<kXSTypesByCode.size()>(m_pXSTypes, type).name;
+}
 
 SqlColType QBLDBTypes::getSqlColTypeCode(const char* name) const {
     return kSqlColTypeNames.find(name);

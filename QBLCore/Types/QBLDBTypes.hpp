@@ -154,6 +154,10 @@ enum XSType : int {
     xsPositiveInteger
 };
 
+struct QBLSqlColTypeRow;
+struct QBLDBDatatypeRow;
+struct QBLXSTypeRow;
+
 /// The catalogue of types: the names of SQL column types, data types and XML Schema types, and what
 /// a type of one vocabulary becomes in another. The tables are fixed; docs/types.md shows them.
 ///
@@ -176,7 +180,7 @@ public:
     QBLDBTypes(const QBLDBTypes&) = delete;
     QBLDBTypes& operator=(const QBLDBTypes&) = delete;
 
-    /// get() has called it. The tables are part of the library, so that no call changes anything.
+    /// Fills the catalogue, which get() has done; another call changes nothing.
     void init();
 
     /// What a type becomes in another vocabulary; code 0 for a code that is in no table.
@@ -200,6 +204,11 @@ public:
 
 private:
     QBLDBTypes() = default;
+
+    // By code; parts of the library, not of the catalogue.
+    const QBLSqlColTypeRow* m_pSqlColTypes = nullptr;
+    const QBLDBDatatypeRow* m_pQBLDBDatatypes = nullptr;
+    const QBLXSTypeRow* m_pXSTypes = nullptr;
 };
 
 #endif

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdio>
 #include <cstring>
 #include <limits>
 #include <random>
@@ -10,7 +9,6 @@
 
 #include "QBLCore/Types/c/QBLDataTypesConversion_c.h"
 #include "tests/Types/CommaLocale.hpp"
-#include "tests/support/FaultInjection.hpp"
 #include "tests/support/ThrowChecks.hpp"
 #include "tests/support/Workers.hpp"
 
@@ -42,7 +40,7 @@ public:
         m_in.str(text);
         const bool good = !(m_in >> expected).fail();
         return read(text.c_str(), found) == (good ? 1 : 0) && expected == found &&
-               std::signbit(expected) == std::signbit(found);
+               std::signbit(expected) == std::signbit(found) && writesSame(expected);
     }
 
     template <class Value>
@@ -54,16 +52,12 @@ public:
         return m_out.str() == text && length == static_cast<int>(std::strlen(text));
     }
 
-    void expectReadAlike(const std::string& text) {
+    /// Reads a text, and writes what was read, as every type.
+    void expectAlike(const std::string& text) {
         EXPECT_TRUE(readsSame<int>(text)) << "as int: '" << text << "'";
         EXPECT_TRUE(readsSame<long long>(text)) << "as long long: '" << text << "'";
         EXPECT_TRUE(readsSame<float>(text)) << "as float: '" << text << "'";
         EXPECT_TRUE(readsSame<double>(text)) << "as double: '" << text << "'";
-    }
-
-    template <class Value>
-    void expectWrittenAlike(Value value) {
-        EXPECT_TRUE(writesSame(value)) << std::setprecision(20) << value;
     }
 
 private:
@@ -74,63 +68,33 @@ private:
 void compareEdges() {
     Streams streams;
     const std::string zeros(1200, '0');
-    std::istringstream texts(
-        "| \t\n|0|-0|+5|--5|- 5|+|12abc| \v\f\r\n 7|0x1F|1,234.5|1.234,5|007|.|-.|.5|"
-        "5.|1.2.3|1e|1e+|1ex|1e5e|1E-2.5|.e1|inf|-nan|infinity|2147483647|2147483648|"
-        "-2147483648|-2147483649|21474836470|9223372036854775807|9223372036854775808|"
-        "-9223372036854775808|-9223372036854775809|99999999999999999999999|"
-        "3.4028235e38|3.4028236e38|-1e39|1e308|1.8e308|-1e999x|1e-400|-1e-400|"
-        "4.9e-324|2.4e-324|2.2250738585072011e-308|9007199254740993|902378e21|"
-        "16777217|1e99999999999999999999|\xA0 1|");
-    for (std::string text; std::getline(texts, text, '|');) streams.expectReadAlike(text);
+    std::istringstream edges(
+        "| \t\n|0|-0|+5|--5|- 5|+|12abc| \v\f\r\n 7|0x1F|1,234.5|1.234,5|007|.|-.|.5|5.|1.2.3|1e|"
+        "1e+|1ex|1e5e|1E-2.5|.e1|inf|-nan|infinity|2147483647|2147483648|-2147483648|-2147483649|"
+        "21474836470|9223372036854775807|9223372036854775808|-9223372036854775808|"
+        "-9223372036854775809|99999999999999999999999|3.4028235e38|3.4028236e38|-1e39|1e308|"
+        "1.8e308|-1e999x|1e-400|-1e-400|4.9e-324|2.4e-324|2.2250738585072011e-308|"
+        "9007199254740993|902378e21|16777217|1e99999999999999999999|9|-9|10|99|100|999|1000|9999|"
+        "10000|99999999|100000000|1000000000|4294967295|4294967296|999999999999|1000000000000|"
+        "999999999999999999|0.1|1234565|1234575|12345.65|123456.5|999999.5|9999995|"
+        "999999.4999999|0.0001|0.00009999995|0.5|2.5|1e15|1e22|1e23|5e-324|"
+        "2.2250738585072014e-308|1.7976931348623157e308|123456789|1e100|1e-100|1e38|1.4e-45");
+    for (std::string text; std::getline(edges, text, '|');) streams.expectAlike(text);
     // The first twenty digits are a multiple of 2^64.
     for (const std::string digits :
          {"18446744073709551616", "36893488147419103232", "9223372036854775808"})
         for (const std::string& text :
              {digits, "-" + digits, digits + "0", digits + ".5", "0.0" + digits, digits + "e5",
               digits.substr(0, 1) + "." + digits.substr(1)})
-            streams.expectReadAlike(text);
+            streams.expectAlike(text);
     for (const std::string& text : {"1" + zeros + "e-1195", "." + zeros + "1e1205", zeros + "12",
-                                    "0." + zeros + "1e1010", "1." + zeros + "1"})
-        streams.expectReadAlike(text);
-    using Int64 = std::numeric_limits<long long>;
-    for (const int value : {0, 9, -9, 10, 99, 100, 999, 1000, 9999, 10000, 99999999, 100000000,
-                            1000000000, 2147483647, -2147483647 - 1})
-        streams.expectWrittenAlike(value);
-    for (const long long value : {0LL, 4294967295LL, 4294967296LL, 999999999999LL, 1000000000000LL,
-                                  999999999999999999LL, Int64::max(), Int64::min()})
-        streams.expectWrittenAlike(value);
+                                    "0." + zeros + "1e1010", "1." + zeros + "1",
+                                    std::string("\xA0"
+                                                "1")})
+        streams.expectAlike(text);
     const double inf = std::numeric_limits<double>::infinity(), nan = std::nan("");
-    for (const double value : {0.0,
-                               -0.0,
-                               inf,
-                               -inf,
-                               nan,
-                               -nan,
-                               0.1,
-                               1234565.0,
-                               1234575.0,
-                               12345.65,
-                               123456.5,
-                               999999.5,
-                               9999995.0,
-                               999999.4999999,
-                               0.0001,
-                               0.00009999995,
-                               0.5,
-                               2.5,
-                               1e15,
-                               1e22,
-                               1e23,
-                               5e-324,
-                               2.2250738585072014e-308,
-                               1.7976931348623157e308,
-                               123456789.0,
-                               1e100,
-                               1e-100})
-        streams.expectWrittenAlike(value);
-    for (const float value : {0.1F, 1e38F, 1.4e-45F, 16777216.0F, -3.4028235e38F})
-        streams.expectWrittenAlike(value);
+    EXPECT_TRUE(streams.writesSame(inf) && streams.writesSame(-inf));
+    EXPECT_TRUE(streams.writesSame(nan) && streams.writesSame(-nan));
 }
 
 void compareRandom(int count) {
