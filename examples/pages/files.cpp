@@ -15,14 +15,13 @@
 namespace {
 
 bool anotherProcessGets(const std::string& path) {
-    const pid_t child = fork();
-    if (child == 0) {
-        QBLFmFile file;
-        QBLFileLockRW lock(file);
-        _exit(file.open(path.c_str(), QBLFmFile::existing, 0) ? lock.tryLock() : 2);
-    }
+    std::fflush(stdout);  // or the other process may write it, too
     int status = 0;
-    return waitpid(child, &status, 0) == child && WEXITSTATUS(status) == 1;
+    if (const pid_t child = fork(); child != 0)
+        return waitpid(child, &status, 0) == child && WEXITSTATUS(status) == 1;
+    QBLFmFile file;
+    QBLFileLockRW lock(file);
+    _exit(file.open(path.c_str(), QBLFmFile::existing, 0) ? lock.tryLock() : 2);
 }
 
 /// The recipe: one object for the process, of a file that is there for the lock alone.
