@@ -56,7 +56,7 @@ TEST(QBLPluginLibraryLoaderTest, SaysWhyItFails) {
                   "/absent/x.so: cannot open shared object file: No such file or directory",
               failureOf([] { static_cast<void>(QBLPluginLibraryLoader::load("/absent/x.so")); }));
     EXPECT_EQ("1 Error " + load + "The path is too long.", failureOf([] {
-                  static_cast<void>(QBLPluginLibraryLoader::load(std::string(10000000, 'a')));
+                  static_cast<void>(QBLPluginLibraryLoader::load(std::string(8000000, 'a')));
               }));
     const TempTree tree;
     const std::string pipe = tree("pipe.so");
