@@ -53,10 +53,11 @@ private:
     static constexpr unsigned kGathered = 9;
 
     void gather() {
-        std::uint32_t power = 1;
-        for (; m_lastCount > 0; --m_lastCount) power *= 10;
-        m_digits = m_digits * power + m_last;
+        constexpr std::uint32_t tens[kGathered + 1] = {
+            1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
+        m_digits = m_digits * tens[m_lastCount] + m_last;
         m_last = 0;
+        m_lastCount = 0;
     }
 
     std::uint64_t m_digits = 0;
