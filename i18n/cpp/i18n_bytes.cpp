@@ -10,8 +10,23 @@
 
 namespace {
 
+constexpr std::size_t kShort = 1024;
+
+/// A short text is encoded aside, which takes less than to count its bytes first.
+I18NBytes shortToUTF8(const char16_t* units, std::size_t length, I18NBlock block) {
+    char aside[3 * kShort];
+    const char* const end = i18nEncodeUTF8(units, length, aside);
+    const auto bytes = static_cast<std::size_t>(end - aside);
+    block.resize(static_cast<std::int64_t>(bytes) + 1);
+    std::memcpy(block.get(), aside, bytes);
+    block.get()[bytes] = '\0';
+    return {std::move(block), static_cast<int>(bytes) + 1, 1};
+}
+
 I18NBytes toUTF8(const I18NTextView& text, I18NBlock block) {
     const auto units = static_cast<std::size_t>(text.length());
+    if (text.ascii() == nullptr && units <= kShort)
+        return shortToUTF8(text.units(), units, std::move(block));
     const std::size_t bytes = text.ascii() != nullptr ? units : i18nLengthUTF8(text.units(), units);
     block.resize(static_cast<std::int64_t>(bytes) + 1);
     if (text.ascii() != nullptr)

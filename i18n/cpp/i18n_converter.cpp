@@ -45,25 +45,25 @@ void settle(UErrorCode status) {
     QBL_THROW(I18NRuntimeError(I18N_UNEXPECTED, nullptr));
 }
 
-struct Delete {
-    void operator()(char* block) const { ::operator delete(block); }
-};
+using Block = std::unique_ptr<char[]>;
 
-// A copy of the name at the start of a block with so much aligned room behind it.
-struct NamedBlock {
-    std::unique_ptr<char, Delete> name;
-    char* room;
-};
-
-NamedBlock namedBlock(const char* name, int roomSize) {
-    constexpr std::size_t kAlign = alignof(std::max_align_t);
-    const std::size_t size = std::strlen(name) + 1;
-    const std::size_t before = (size + kAlign - 1) / kAlign * kAlign;
+Block allocated(std::size_t size) {
     QBL_ALLOC_TRY
-    auto* block = static_cast<char*>(::operator new(before + static_cast<std::size_t>(roomSize)));
-    std::memcpy(block, name, size);
-    return {std::unique_ptr<char, Delete>(block), block + before};
+    return Block(new char[size]);
     QBL_ALLOC_CATCH
+}
+
+// How much of a block the name takes, up to room that is aligned for all types.
+std::size_t nameSize(std::size_t length) {
+    constexpr std::size_t kAlign = alignof(std::max_align_t);
+    return (length + kAlign) / kAlign * kAlign;
+}
+
+// Encodings have names too short for a call of strlen to pay.
+std::size_t lengthOf(const char* name) {
+    std::size_t length = 0;
+    while (name[length] != '\0') ++length;
+    return length;
 }
 
 // UTF-16 and UTF-32 would come with a byte-order mark; their siblings in the machine's order do
@@ -152,13 +152,20 @@ I18NConverter& I18NConverter::operator=(const I18NConverter& other) {
 
 I18NConverter::~I18NConverter() {
     ucnv_close(m_pConverter);
-    ::operator delete(const_cast<char*>(m_outputContext.encoding));
+    freeName();
+}
+
+void I18NConverter::freeName() {
+    auto* name = const_cast<char*>(m_outputContext.encoding);
+    if (name != m_room) delete[] name;
 }
 
 void I18NConverter::create(const I18NConverter& other) { *this = other; }
 
 void I18NConverter::create(const char* name) {
-    m_outputContext.encoding = m_inputContext.encoding = namedBlock(name, 0).name.release();
+    const std::size_t size = std::strlen(name) + 1;
+    m_outputContext.encoding = m_inputContext.encoding =
+        static_cast<char*>(std::memcpy(allocated(size).release(), name, size));
     UErrorCode status = U_ZERO_ERROR;
     m_pConverter = ucnv_open(withoutMark(name), &status);
     if (status == U_MEMORY_ALLOCATION_ERROR) settle(status);
@@ -167,27 +174,35 @@ void I18NConverter::create(const char* name) {
         std::snprintf(text, sizeof text, kBadEncoding, name);
         QBL_THROW(I18NRuntimeError(I18N_ENCODING, text));
     }
-    cloneInto(nullptr, &m_iCloneSize, m_pConverter);  // only tells the size
+    // A clone of this one would share what the first of the two to be closed frees.
+    if (ucnv_getType(m_pConverter) != UCNV_COMPOUND_TEXT)
+        cloneInto(nullptr, &m_iCloneSize, m_pConverter);  // only tells the size
     ucnv_setFallback(m_pConverter, true);
     m_iMaxBytes = ucnv_getMaxCharSize(m_pConverter);
     m_iNullSize = ucnv_getMinCharSize(m_pConverter);
 }
 
 // Becomes a copy of the other under this name, or stays as it is if that fails. Name and ICU
-// converter share a block, since their allocations would cost more than all the rest.
+// converter share the room in here, or a block if they are too large or it is in use, since their
+// allocations would cost more than all the rest.
 void I18NConverter::adopt(const I18NConverter& other, const char* encoding) {
-    // The context owns the block in the end.
-    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks)
-    NamedBlock block = namedBlock(encoding, other.m_iCloneSize);
+    const std::size_t length = lengthOf(encoding);
+    const std::size_t before = nameSize(length);
+    const std::size_t needed = before + static_cast<std::size_t>(other.m_iCloneSize);
+    Block block;
+    char* name = m_room;
+    if (m_pConverter != nullptr || needed > kRoom) {
+        block = allocated(needed);
+        name = block.get();
+    }
+    std::memcpy(name, encoding, length + 1);
     int32_t size = other.m_iCloneSize;
-    // A clone of this one would share what the first of the two to be closed frees.
-    const bool isCloneable = ucnv_getType(other.m_pConverter) != UCNV_COMPOUND_TEXT;
-    UConverter* clone = isCloneable ? cloneInto(block.room, &size, other.m_pConverter)
-                                    : reopened(other.m_pConverter);
+    UConverter* clone = size != 0 ? cloneInto(name + before, &size, other.m_pConverter)
+                                  : reopened(other.m_pConverter);
 
     if (m_pConverter != nullptr) {
         ucnv_close(m_pConverter);
-        ::operator delete(const_cast<char*>(m_outputContext.encoding));
+        freeName();
     }
     m_iInputPolicy = other.m_iInputPolicy;
     m_iOutputPolicy = other.m_iOutputPolicy;
@@ -200,8 +215,8 @@ void I18NConverter::adopt(const I18NConverter& other, const char* encoding) {
     m_pConverter = clone;
     m_iCloneSize = other.m_iCloneSize;
     m_inputContext = other.m_inputContext;
-    m_outputContext.encoding = block.name.release();
-    m_inputContext.encoding = m_outputContext.encoding;
+    m_outputContext.encoding = m_inputContext.encoding = name;
+    block.release();  // NOLINT(bugprone-unused-return-value): the contexts own it
 
     // The clone still points to the contexts of the other.
     UErrorCode status = U_ZERO_ERROR;

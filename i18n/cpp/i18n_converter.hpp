@@ -1,6 +1,8 @@
 #ifndef I18N_CPP_I18N_CONVERTER_HPP
 #define I18N_CPP_I18N_CONVERTER_HPP
 
+#include <cstddef>
+
 #include "QBLCore/Frame/QBLExport.h"
 #include "i18n/cpp/i18n_allocator.h"
 #include "i18n/cpp/i18n_converter_types.h"
@@ -194,9 +196,12 @@ private:
         kHasContext = 4  // ICU has the address of our context
     };
 
+    static constexpr int kRoom = 320;
+
     I18NConverter();
     void create(const char* name);
     void adopt(const I18NConverter& other, const char* encoding);
+    void freeName();
     void installInput(int policy, I18NUserInputCallback callback);
     void installOutput(int policy, I18NUserOutputCallback callback);
 
@@ -213,12 +218,15 @@ private:
     I18NUserInputCallback m_inputCallback;
     I18NUserOutputCallback m_outputCallback;
     mutable unsigned char m_cFlags;             // of each direction
-    I18NOutputCallbackContext m_outputContext;  // the name's block is owned
+    I18NOutputCallbackContext m_outputContext;  // the name's block is owned, or m_room
     int m_iMaxBytes;                            // of a code unit in the encoding
     int m_iNullSize;
     UConverter* m_pConverter;
     int m_iCloneSize;
     I18NInputCallbackContext m_inputContext;
+    // The name, and the clone of a converter for a Unicode encoding, if both have room, so that
+    // making one allocates nothing.
+    alignas(std::max_align_t) char m_room[kRoom];
 };
 
 #endif

@@ -19,7 +19,9 @@ bool is(const char* name, const char* other) {
 /// What stands behind "UTF" and a hyphen; null for other names. Without a loop, for it is asked
 /// with every conversion.
 const char* numberOfUTF(const char* name) {
-    if (upper(name[0]) != 'U' || upper(name[1]) != 'T' || upper(name[2]) != 'F') return nullptr;
+    constexpr int kNoCase = ~('a' - 'A');
+    if ((name[0] & kNoCase) != 'U' || (name[1] & kNoCase) != 'T' || (name[2] & kNoCase) != 'F')
+        return nullptr;
     return name + (name[3] == '-' ? 4 : 3);
 }
 

@@ -175,7 +175,7 @@ I18NString::I18NString(const char* bytes, const I18NConverter& converter, int le
     const int size = converter.getEffectiveBufferSize(bytes, length);
     const auto counted = static_cast<std::size_t>(size);
     if (bytes != nullptr && i18nKeepsASCII(converter.getEncoding()) &&
-        i18nIsASCII(bytes, counted) && strnlen(bytes, counted) == counted)
+        i18nIsPlainASCII(bytes, counted))
         setBytes(bytes, nullptr, size);
     else
         setConverted(bytes, converter, length);
@@ -444,8 +444,11 @@ void I18NString::setBytes(const char* bytes, const char* encoding, int length) {
             length >= 0 ? static_cast<std::size_t>(length) : std::strlen(bytes);
         if (counted > static_cast<std::size_t>(kMostBytes / 2 - 1))
             QBL_THROW(QBLOutOfMemoryError(0, kMalloc));
-        const std::size_t all = length >= 0 ? strnlen(bytes, counted) : counted;
-        if (!isForceUnicodeString() && isUsingAsciiBuffer() && i18nIsASCII(bytes, counted)) {
+        const bool mayBeASCII = !isForceUnicodeString() && isUsingAsciiBuffer();
+        const bool plain = mayBeASCII && i18nIsPlainASCII(bytes, counted);
+        const std::size_t all = plain || length < 0 ? counted : strnlen(bytes, counted);
+        // Also what stands behind a NUL decides.
+        if (plain || (mayBeASCII && all != counted && i18nIsASCII(bytes, counted))) {
             reserveAscii(static_cast<int>(all));
             if (all != 0) std::memmove(m_pAsciiBuffer, bytes, all);
             m_asciiBufLength = static_cast<int>(all);

@@ -113,6 +113,35 @@ const unsigned char* decodeSequence(const unsigned char* p, const unsigned char*
     return p;
 }
 
+void encodeBlocks(const char16_t*& units, const char16_t* end, char*& out) {
+    I18NEncoding blocks{units, end, out};
+    if (i18nHasWideBlocks())
+        i18nEncodeWideBlocks(blocks);
+    else
+        i18nEncodeBlocks(blocks);
+    units = blocks.at;
+    out = blocks.out;
+}
+
+/// What is too near the end, aside, with as many NUL characters behind it as blocks need; each of
+/// them adds a byte that is left out again.
+void encodeLastBlocks(const char16_t*& units, const char16_t* end, char*& out) {
+    constexpr std::ptrdiff_t kMost = 2 * kBlock, kRoom = 2 * kMost;
+    const std::ptrdiff_t left = end - units;
+    if (left < 4 || left >= kMost) return;
+    char16_t padded[kRoom] = {};
+    std::memcpy(padded, units, static_cast<std::size_t>(left) * sizeof *units);
+    char bytes[3 * kRoom];
+    const char16_t* at = padded;
+    char* to = bytes;
+    encodeBlocks(at, padded + kRoom, to);
+    const std::ptrdiff_t done = at - padded, surplus = done > left ? done - left : 0;
+    to -= surplus;
+    std::memcpy(out, bytes, static_cast<std::size_t>(to - bytes));
+    units += done - surplus;
+    out += to - bytes;
+}
+
 }  // namespace
 
 bool i18nIsASCII(const char* bytes, std::size_t length) {
@@ -126,6 +155,20 @@ bool i18nIsASCII(const char* bytes, std::size_t length) {
     unsigned all = 0;
     for (; length != 0; ++bytes, --length) all |= static_cast<unsigned char>(*bytes);
     return all < 0x80;
+}
+
+bool i18nIsPlainASCII(const char* bytes, std::size_t length) {
+    const auto plain = [](const char* p) { return _mm_cmpgt_epi8(load(p), _mm_setzero_si128()); };
+    for (; length >= 4 * kBlock; bytes += 4 * kBlock, length -= 4 * kBlock) {
+        const __m128i first = _mm_and_si128(plain(bytes), plain(bytes + kBlock));
+        const __m128i second = _mm_and_si128(plain(bytes + 2 * kBlock), plain(bytes + 3 * kBlock));
+        if (_mm_movemask_epi8(_mm_and_si128(first, second)) != 0xFFFF) return false;
+    }
+    for (; length >= kBlock; bytes += kBlock, length -= kBlock)
+        if (_mm_movemask_epi8(plain(bytes)) != 0xFFFF) return false;
+    bool all = true;
+    for (; length != 0; ++bytes, --length) all &= static_cast<signed char>(*bytes) > 0;
+    return all;
 }
 
 bool i18nIsASCII(const char16_t* units, std::size_t length) {
@@ -296,10 +339,8 @@ void i18nEncodeWellFormedUTF8(const char16_t*& units, const char16_t* end, char*
     const bool byBlocks = i18nHasShuffles();
     while (units != end) {
         if (byBlocks) {
-            I18NEncoding blocks{units, end, out};
-            i18nEncodeBlocks(blocks);
-            units = blocks.at;
-            out = blocks.out;
+            encodeBlocks(units, end, out);
+            encodeLastBlocks(units, end, out);
             if (units == end) break;
         }
         std::uint32_t c = *units;

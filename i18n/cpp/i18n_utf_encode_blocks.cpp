@@ -36,8 +36,11 @@ constexpr I18NShuffles makeTriples() {
     return made;
 }
 
-constexpr I18NShuffles kPairs = makePairs();
-constexpr I18NShuffles kTriples = makeTriples();
+}  // namespace
+
+const I18NEncodingShuffles i18nEncodingShuffles = {makePairs(), makeTriples()};
+
+namespace {
 
 /// Whether units are above a limit, which is one less than a power of two.
 I18N_WITH_SHUFFLES inline __m128i isWithin(__m128i units, int limit) {
@@ -56,7 +59,8 @@ I18N_WITH_SHUFFLES inline void encodePairs(I18NEncoding& encoding, __m128i units
     const __m128i trail = _mm_slli_epi16(_mm_and_si128(units, i18nUnits(0x3F)), 8);
     const __m128i bytes = i18nBlend(_mm_or_si128(lead, trail), units, ascii);
     const unsigned mask = i18nMask(_mm_packs_epi16(ascii, ascii)) & 0xFF;
-    write(encoding, bytes, kPairs, mask, 16 - static_cast<unsigned>(__builtin_popcount(mask)));
+    write(encoding, bytes, i18nEncodingShuffles.pairs, mask,
+          16 - static_cast<unsigned>(__builtin_popcount(mask)));
     encoding.at += kBlock;
 }
 
@@ -101,9 +105,9 @@ I18N_WITH_SHUFFLES inline bool encodeTriples(I18NEncoding& encoding, __m128i uni
         i18nMask(_mm_packs_epi16(_mm_unpacklo_epi16(two, three), _mm_unpackhi_epi16(two, three)));
     const __m128i rest = _mm_or_si128(middle, _mm_slli_epi16(last, 8));
     const unsigned mask0 = mask & 0xFF, mask1 = mask >> 8;
-    write(encoding, _mm_unpacklo_epi16(rest, first), kTriples, mask0,
+    write(encoding, _mm_unpacklo_epi16(rest, first), i18nEncodingShuffles.triples, mask0,
           4 + static_cast<unsigned>(__builtin_popcount(mask0)));
-    write(encoding, _mm_unpackhi_epi16(rest, first), kTriples, mask1,
+    write(encoding, _mm_unpackhi_epi16(rest, first), i18nEncodingShuffles.triples, mask1,
           4 + static_cast<unsigned>(__builtin_popcount(mask1)) - (kBlock - done) * 2);
     encoding.at += done;
     return true;

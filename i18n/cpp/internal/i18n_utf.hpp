@@ -33,6 +33,8 @@ inline int i18nPutCodePoint(char16_t* out, char32_t c) {
 
 /// Whether no byte has its top bit set.
 bool i18nIsASCII(const char* bytes, std::size_t length);
+/// The same, and no byte is NUL.
+bool i18nIsPlainASCII(const char* bytes, std::size_t length);
 /// Whether no unit is above 0x7F.
 bool i18nIsASCII(const char16_t* units, std::size_t length);
 

@@ -14,6 +14,11 @@ inline bool i18nHasShuffles() {
     return __builtin_cpu_supports("ssse3") && __builtin_cpu_supports("popcnt");
 }
 
+#define I18N_WITH_WIDE_BLOCKS __attribute__((target("avx2,popcnt")))
+inline bool i18nHasWideBlocks() {
+    return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("popcnt");
+}
+
 /// Transcoding of well-formed text by blocks, without a branch for each character. What a block is
 /// in the other encoding is computed for every place in it at once; what no character ends at, or
 /// has no byte for, is then taken out by shuffles from tables, as in D. Lemire and W. Mula,
@@ -38,11 +43,19 @@ struct I18NEncoding {
 };
 /// Encodes UTF-16; lone surrogates are ill-formed.
 void i18nEncodeBlocks(I18NEncoding& encoding);
+/// The same where i18nHasWideBlocks() is true, with larger blocks.
+void i18nEncodeWideBlocks(I18NEncoding& encoding);
 
 /// Shuffles by a mask of eight bits.
 struct alignas(16) I18NShuffles {
     std::uint8_t bytes[256][16];
 };
+/// What encoding takes out: of eight units of one or two bytes, by which have one; of four of one
+/// to three, by two bits each, whether there are two bytes at least and whether there are three.
+struct I18NEncodingShuffles {
+    I18NShuffles pairs, triples;
+};
+extern const I18NEncodingShuffles i18nEncodingShuffles;
 
 inline __m128i i18nLoad(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
 inline void i18nStore(void* p, __m128i v) { _mm_storeu_si128(static_cast<__m128i*>(p), v); }

@@ -1,0 +1,95 @@
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <random>
+#include <string>
+
+#include "i18n/cpp/internal/i18n_utf.hpp"
+#include "i18n/cpp/internal/i18n_utf_blocks.hpp"
+
+namespace {
+
+void append(std::string& bytes, char32_t c) {
+    const auto trail = [c](int shift) { return static_cast<char>(0x80 | (c >> shift & 0x3F)); };
+    if (c < 0x80) return bytes.push_back(static_cast<char>(c));
+    bytes += static_cast<char>(c < 0x800     ? 0xC0 | c >> 6
+                               : c < 0x10000 ? 0xE0 | c >> 12
+                                             : 0xF0 | c >> 18);
+    if (c >= 0x10000) bytes += trail(12);
+    if (c >= 0x800) bytes += trail(6);
+    bytes += trail(0);
+}
+
+/// The first units, of which the last is no half of a pair.
+std::string encoded(const std::u16string& units, std::size_t count) {
+    std::string bytes;
+    for (std::size_t i = 0; i < count; ++i) {
+        const bool pair = i18nIsHigh(units[i]);
+        append(bytes, pair ? i18nCombine(units[i], units[i + 1]) : units[i]);
+        if (pair) ++i;
+    }
+    return bytes;
+}
+
+/// How far a text is well-formed.
+std::size_t wellFormed(const std::u16string& units) {
+    std::size_t i = 0;
+    while (i < units.size() && !i18nIsLow(units[i])) {
+        const bool high = i18nIsHigh(units[i]);
+        if (high && (i + 1 == units.size() || !i18nIsLow(units[i + 1]))) break;
+        i += high ? 2 : 1;
+    }
+    return i;
+}
+
+/// Characters of the classes that make a difference; now and then half of a pair alone.
+std::u16string randomText(std::mt19937& random, unsigned classes) {
+    std::u16string units;
+    const std::size_t length = 32 + random() % 100;
+    while (units.size() < length) {
+        const std::uint32_t bits = random() >> 4;
+        char16_t pair[2];
+        switch (random() % 400 == 0 ? 4 : bits % (classes + 1)) {
+            case 0:
+                units += static_cast<char16_t>(bits >> 8 & 0x7F);
+                break;
+            case 1:
+                units += static_cast<char16_t>(0x80 + (bits >> 8) % 0x780);
+                break;
+            case 2:
+                units += static_cast<char16_t>(0x800 + (bits >> 8) % 0xD000);
+                break;
+            case 3:
+                units.append(pair, static_cast<std::size_t>(
+                                       i18nPutCodePoint(pair, 0x10000 + (bits >> 2) % 0x100000)));
+                break;
+            default:
+                units += static_cast<char16_t>(0xD800 + (bits >> 8) % 0x800);
+        }
+    }
+    return units;
+}
+
+void encodeRandomTexts(void (*encode)(I18NEncoding&), std::size_t near) {
+    std::mt19937 random(7);
+    for (int run = 0; run < 20000; ++run) {
+        const std::u16string units = randomText(random, 1 + static_cast<unsigned>(run) % 3);
+        std::string bytes(units.size() * 3, '\xFF');
+        I18NEncoding encoding{units.data(), units.data() + units.size(), &bytes[0]};
+        encode(encoding);
+        const auto done = static_cast<std::size_t>(encoding.at - units.data());
+        const std::size_t good = wellFormed(units);
+        ASSERT_LE(done, good) << "run " << run;
+        EXPECT_TRUE(units.size() - done < near || good - done < near) << "run " << run;
+        bytes.resize(static_cast<std::size_t>(encoding.out - bytes.data()));
+        ASSERT_EQ(encoded(units, done), bytes) << "run " << run;
+    }
+}
+
+}  // namespace
+
+TEST(I18NUtfBlocksTest, EveryLevelEncodesByTheBook) {
+    if (i18nHasShuffles()) encodeRandomTexts(i18nEncodeBlocks, 24);
+    if (!i18nHasWideBlocks()) GTEST_SKIP() << "no AVX2";
+    encodeRandomTexts(i18nEncodeWideBlocks, 32);
+}
