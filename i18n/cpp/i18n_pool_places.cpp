@@ -56,6 +56,10 @@ public:
         ++block.live;
         block.rested = false;
         if (!block.hasRoom()) unlink(block);
+        // The next one will hardly be in the cache, nor what follows it in the list.
+        const Entry* const next = block.empty != nullptr ? block.empty : place + 1;
+        for (std::size_t at = 0; at < sizeof *next; at += 64)
+            __builtin_prefetch(reinterpret_cast<const char*>(next) + at, 1);
         return place;
     }
     void give(Entry* place) {
@@ -104,7 +108,8 @@ private:
         std::size_t blocks = std::clamp<std::size_t>(m_blocks.size(), 1, kMostBlocks);
         void* memory = nullptr;
         for (;; blocks /= 2) {
-            memory = ::operator new (blocks* kBlock, std::align_val_t{kBlock}, std::nothrow);
+            const std::size_t alignment = blocks * kBlock > kLargePage ? kLargePage : kBlock;
+            memory = ::operator new (blocks* kBlock, std::align_val_t{alignment}, std::nothrow);
             if (memory != nullptr) break;
             if (blocks == 1) throw std::bad_alloc();
         }

@@ -9,11 +9,25 @@
 
 #include "i18n/cpp/i18n_string.hpp"
 
+/// A copy of the characters that a string has itself; or none, and those are read there.
+template <std::size_t size>
+struct I18NPoolCopy {
+    char bytes[size];
+    void set(const char* text, std::size_t length) { std::memcpy(bytes, text, length); }
+    const char* get(const char*) const { return bytes; }
+};
+template <>
+struct I18NPoolCopy<0> {
+    void set(const char*, std::size_t) {}
+    const char* get(const char* text) const { return text; }
+};
+
 /// A text of the pool of strings, or a place for one. The memory of an entry is never freed, so
 /// that its state can be read by who found it just before it was destroyed: nothing else of it is
 /// read before pin() has succeeded.
 ///
-/// It ends with a cache line, in which there is all that a short text is found by, at 32 bits.
+/// It ends with a cache line, in which there is all that a short text is found by: at 32 bits the
+/// end of the string, at 64 bits, where that would not fit, a copy of its characters.
 struct alignas(64) I18NPooledStringEntry {
     /// 0 for an empty place, else kLive and the number of holders.
     static constexpr std::uint32_t kLive = 1U << 30;
@@ -22,11 +36,13 @@ struct alignas(64) I18NPooledStringEntry {
     static constexpr std::uint32_t kCount = kShort - 1;
     static constexpr std::uint32_t kFull = 1U << 27;  // of the count: there may be no more
 
+    static constexpr std::size_t kCopy = sizeof(void*) > 4 ? (I18NString::kInline + 8) / 8 * 8 : 0;
     static constexpr std::size_t kUsed =
-        sizeof(void*) + sizeof(I18NString) + 2 * sizeof(std::uint32_t);
+        sizeof(void*) + sizeof(I18NString) + kCopy + 2 * sizeof(std::uint32_t);
     unsigned char unused[64 - kUsed % 64];
     I18NPooledStringEntry* next;  // in the bucket, or of the empty places
     alignas(I18NString) unsigned char place[sizeof(I18NString)];
+    [[no_unique_address]] I18NPoolCopy<kCopy> copy;
     std::uint32_t hashCode;
     std::atomic<std::uint32_t> refCount;
 
@@ -35,17 +51,20 @@ struct alignas(64) I18NPooledStringEntry {
     void enter() noexcept {
         I18NString& text = string();
         const bool inlined = text.m_pUnicodeString == nullptr && text.c_str() == text.m_asciiInline;
-        // Words of it are compared, also behind its end.
-        const auto length = static_cast<std::size_t>(text.m_asciiBufLength);
-        if (inlined)
-            std::memset(text.m_asciiInline + length, '\0', I18NString::kInline + 1 - length);
+        if (inlined) {
+            // Words of it are compared, also behind its end.
+            const auto length = static_cast<std::size_t>(text.m_asciiBufLength);
+            std::memset(text.m_asciiInline + length, '\0', sizeof text.m_asciiInline - length);
+            copy.set(text.m_asciiInline, sizeof text.m_asciiInline);
+        }
         refCount.store(kLive | (inlined ? kShort : 0U) | 1, std::memory_order_release);
     }
     /// Requires: the caller has a holder, or the bucket's lock.
     bool holds(const char* utf8, std::size_t length) {
         if ((refCount.load(std::memory_order_relaxed) & kShort) == 0)
             return holdsLong(utf8, length);
-        return length <= I18NString::kInline && sameText(string().m_asciiInline, utf8, length);
+        return length <= I18NString::kInline &&
+               sameText(copy.get(string().m_asciiInline), utf8, length);
     }
 
     std::uint32_t holders() const { return refCount.load(std::memory_order_acquire) & kCount; }
