@@ -47,7 +47,7 @@ std::u16string randomText(std::mt19937& random, unsigned classes) {
     std::u16string units;
     const std::size_t length = 32 + random() % 100;
     while (units.size() < length) {
-        const std::uint32_t bits = random() >> 4;
+        const auto bits = static_cast<std::uint32_t>(random() >> 4);
         char16_t pair[2];
         switch (random() % 400 == 0 ? 4 : bits % (classes + 1)) {
             case 0:
