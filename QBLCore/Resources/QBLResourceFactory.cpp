@@ -1,6 +1,5 @@
 #include "QBLCore/Resources/QBLResourceFactory.hpp"
 
-#include <dlfcn.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -18,10 +17,9 @@
 #include "QBLCore/Utility/QBLUtStrTok.hpp"
 #include "i18n/cpp/i18n_internal_resources.hpp"
 #include "i18n/cpp/i18n_locale.hpp"
+#include "i18n/cpp/internal/i18n_bin_dir.hpp"
 
 namespace {
-
-const char kShare[] = "../share/qblcore";
 
 // Locales may come from a program's clients; of more lists than this the file is looked for anew.
 const std::size_t kMaxRemembered = 4096;
@@ -33,19 +31,6 @@ struct Cache {
 
 std::string keyOf(const std::string& baseName, const char* localeIDs) {
     return baseName + '\n' + localeIDs;
-}
-
-/// The directory of share files beside the one that the library was loaded from; empty if that is
-/// not known.
-std::string shareDirectory() {
-    Dl_info library;
-    std::string directory;
-    if (dladdr(reinterpret_cast<const void*>(&shareDirectory), &library) == 0 ||
-        library.dli_fname == nullptr ||
-        !QBLFmDir::splitPath(library.dli_fname, &directory, nullptr))
-        return std::string();
-    QBLFmDir::joinPath(directory, kShare);
-    return directory;
 }
 
 bool isFileName(const std::string& baseName) {
@@ -116,7 +101,7 @@ std::list<std::string> QBLResourceFactory::getCandidates(const std::string& base
     if (!hasDirectory) {
         const std::string bin = I18NInternalResources::getDataDirectoryPath();
         if (!bin.empty()) directories.push_back(bin);
-        const std::string share = shareDirectory();
+        const std::string share = i18nShareDirectory();
         if (!share.empty()) directories.push_back(share);
     }
     std::list<std::string> candidates;

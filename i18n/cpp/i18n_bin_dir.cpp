@@ -1,9 +1,11 @@
 #include "i18n/cpp/internal/i18n_bin_dir.hpp"
 
+#include <dlfcn.h>
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <cstdlib>
+#include <memory>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
@@ -16,6 +18,7 @@ namespace {
 struct BinDir : QBLFmSetting {};
 
 constexpr unsigned short kReadableFile = S_IFREG | S_IRUSR;
+constexpr unsigned short kDirectory = S_IFDIR | S_IXUSR;
 constexpr std::size_t kLongestLink = 4096;
 
 std::string joined(std::string base, const char* relative) {
@@ -61,6 +64,22 @@ std::string linked() {
     return binBelow(line);
 }
 
+struct Free {
+    void operator()(char* text) const { std::free(text); }
+};
+
+/// The directory that the library was loaded from; empty if that is not known.
+std::string libraryDirectory() {
+    Dl_info library;
+    std::string directory;
+    if (dladdr(reinterpret_cast<const void*>(&libraryDirectory), &library) == 0 ||
+        library.dli_fname == nullptr ||
+        !QBLFmDir::splitPath(library.dli_fname, &directory, nullptr))
+        return std::string();
+    const std::unique_ptr<char, Free> real(realpath(directory.c_str(), nullptr));
+    return real != nullptr ? real.get() : directory;
+}
+
 }  // namespace
 
 void determineBinDir() {
@@ -80,4 +99,13 @@ std::string i18nBinDir() { return qblImmortal<BinDir>().get().value_or(""); }
 
 std::string i18nResolveBinDir(const std::string& path) {
     return path.compare(0, 2, "$@") == 0 ? joined(i18nBinDir(), path.c_str() + 2) : path;
+}
+
+std::string i18nShareDirectory() {
+    const std::string library = libraryDirectory();
+    if (library.empty()) return library;
+    const std::string beside = joined(library, "../share/qblcore");
+    if (QBLFmDir::exists(beside.c_str(), kDirectory)) return beside;
+    const std::string above = joined(library, "../../share/qblcore");
+    return QBLFmDir::exists(above.c_str(), kDirectory) ? above : beside;
 }

@@ -6,6 +6,7 @@
 #include <cwchar>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
+#include "QBLCore/FileManagement/QBLFmDir.hpp"
 #include "QBLCore/Frame/internal/QBLImmortal.hpp"
 #include "i18n/cpp/internal/i18n_bin_dir.hpp"
 #include "i18n/cpp/internal/i18n_icu.hpp"
@@ -27,6 +28,13 @@ struct ResPath {
 };
 
 struct Instance : I18NInternalResources {};
+
+/// Where "$@" begins the path of an installed file, whatever the bin directory is.
+std::string inShareDirectory(const std::string& path) {
+    std::string whole = i18nShareDirectory();
+    QBLFmDir::joinPath(whole, path.c_str() + 2);
+    return whole;
+}
 
 bool contains(const std::vector<char32_t>& sorted, char32_t codePoint) {
     return std::binary_search(sorted.begin(), sorted.end(), codePoint);
@@ -66,8 +74,9 @@ void I18NInternalResources::__changeResourceFileName(const char* name) {
 
 void I18NInternalResources::loadSequenceTable() {
     QBL_ALLOC_TRY
-    const std::string path = i18nResolveBinDir(qblImmortal<ResPath>().get());
-    auto settings = I18NSettings::load(path);
+    const std::string path = qblImmortal<ResPath>().get();
+    auto settings = I18NSettings::load(i18nResolveBinDir(path));
+    if (settings == nullptr) settings = I18NSettings::load(inShareDirectory(path));
     if (settings == nullptr) return;
     I18NSettings::publish(std::move(settings));
     m_data.replaceScaledZero = I18NSettings::now().replaceScaledZero;

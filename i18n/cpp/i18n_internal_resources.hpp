@@ -52,7 +52,8 @@ public:
     /// loadSequenceTable(). Without effect when it is null or the path does not contain that.
     // NOLINTNEXTLINE(bugprone-reserved-identifier): programs know it under this name
     static void __changeResourceFileName(const char* name);
-    /// Reads the resource file. One that cannot be opened is no error and changes nothing.
+    /// Reads the resource file, or if it is not there the one of this name in the installation's
+    /// share/qblcore. One that cannot be opened is no error and changes nothing.
     /// @throws QBLOutOfMemoryError
     void loadSequenceTable();
     /// Drops all that was read, and goes back to the defaults.
@@ -174,7 +175,7 @@ public:
 
     /// Looks for a file per locale: base + name + ".xml", where name is language, country and
     /// variant, then without the variant, then the language alone, then "en"; each in the bin
-    /// directory, then in the working directory.
+    /// directory, then in the working directory, then in the installation's share/qblcore.
     /// @param path, name  receive the file that was found, and which name it has
     /// @param locale  null means the default locale
     static bool findResourceFile(std::string& path, I18NString& name, const char* base,

@@ -147,10 +147,10 @@ bool findResourceFile(std::string& path, std::string& name, const char* base,
                       const I18NLocale& locale) {
     // Those who ask before the start of the layer find the same as later.
     determineBinDir();
-    const std::string binDir = i18nBinDir();
+    const std::string directories[] = {i18nBinDir(), std::string(), i18nShareDirectory()};
     for (const std::string& candidate : namesOf(locale)) {
         const std::string file = base + candidate + ".xml";
-        for (const std::string& dir : {binDir, std::string()}) {
+        for (const std::string& dir : directories) {
             std::string whole = dir;
             QBLFmDir::joinPath(whole, file.c_str());
             if (!QBLFmDir::exists(whole.c_str(), kReadableFile)) continue;

@@ -23,4 +23,11 @@ std::string i18nBinDir();
 /// path is what follows "$@", and so relative to the working directory.
 std::string i18nResolveBinDir(const std::string& path);
 
+/// Where the installed files that every architecture shares are: share/qblcore beside the directory
+/// of the library, or beside the one above it, for lib/ARCHITECTURE. Links to directories are
+/// followed first, so that a library loaded as /lib/... has the files of /usr.
+/// @return the first that is a directory, or else the first; empty if the library's own place is
+///     not known.
+std::string i18nShareDirectory();
+
 #endif
