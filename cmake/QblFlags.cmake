@@ -8,6 +8,11 @@ target_compile_options(qbl_flags INTERFACE
   # __FILE__ is the path from the root wherever the tree stands; the second map is for
   # compiler caches that hand over paths relative to build/<preset>.
   "-fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=" "-fmacro-prefix-map=../../=")
+if(CMAKE_BUILD_TYPE STREQUAL "RelWithDebInfo")
+  # Nor does what is installed, or compiled by somebody else, name the place of the tree: gdb finds
+  # the sources when it is started in the root.
+  target_compile_options(qbl_flags INTERFACE "-fdebug-prefix-map=${CMAKE_SOURCE_DIR}=.")
+endif()
 if(QBL_WERROR)
   target_compile_options(qbl_flags INTERFACE -Werror)
 endif()

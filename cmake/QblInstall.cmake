@@ -1,35 +1,83 @@
-# cmake --install: headers under the names they are included by, the library,
-# pkg-config and CMake package files.
+# cmake --install: headers under the names they are included by, the library, the tools, pkg-config
+# and CMake package files, what programs read at run time, man pages, examples.
+#
+# The layout stands in one macro, which is used twice. As the default it makes a tree that can be
+# moved, with two components: runtime and development. For the Debian packages (QblPackages.cmake)
+# it has the library in the directory of its architecture, a component per package, and is left out
+# of an installation of everything.
 include(CMakePackageConfigHelpers)
-set(_cmakedir ${CMAKE_INSTALL_LIBDIR}/cmake/QBLCore)
-install(TARGETS QBLCore EXPORT QBLCoreTargets
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
-  FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
-install(TARGETS qblmsgc EXPORT QBLCoreTargets DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT development)
-install(EXPORT QBLCoreTargets NAMESPACE QBLCore:: DESTINATION ${_cmakedir} COMPONENT development)
-configure_package_config_file(cmake/QBLCoreConfig.cmake.in QBLCoreConfig.cmake
-  INSTALL_DESTINATION ${_cmakedir})
-write_basic_package_version_file(QBLCoreConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+
+# What is in bin/. Their catalogues are in msgs/, their manuals in man/.
+set(_tools qblmsgc)
+set(_printers "${CMAKE_SOURCE_DIR}/gdb/qblcore.py")
+get_property(_resources GLOBAL PROPERTY QBL_RESOURCE_FILES)
+get_property(_catalogues GLOBAL PROPERTY QBL_CATALOGUES)
+
 # qblcore.pc finds its prefix from where it lies itself, so that --prefix and moving are right.
-if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
-  set(_pc_prefix "${CMAKE_INSTALL_PREFIX}")
-else()
-  file(RELATIVE_PATH _pc_prefix "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
-  string(REGEX REPLACE "/$" "" _pc_prefix "\${pcfiledir}/${_pc_prefix}")
-endif()
-foreach(_dir LIBDIR INCLUDEDIR)
-  set(_pc_${_dir} "${CMAKE_INSTALL_${_dir}}")
-  if(NOT IS_ABSOLUTE "${_pc_${_dir}}")
-    string(PREPEND _pc_${_dir} "\${prefix}/")
+function(_qbl_configure_pc libdir output)
+  if(IS_ABSOLUTE "${libdir}")
+    set(_pc_prefix "${CMAKE_INSTALL_PREFIX}")
+  else()
+    file(RELATIVE_PATH _pc_prefix "/${libdir}/pkgconfig" "/")
+    string(REGEX REPLACE "/$" "" _pc_prefix "\${pcfiledir}/${_pc_prefix}")
   endif()
-endforeach()
-configure_file(cmake/qblcore.pc.in qblcore.pc @ONLY)
-install(FILES "${CMAKE_BINARY_DIR}/QBLCoreConfig.cmake" "${CMAKE_BINARY_DIR}/QBLCoreConfigVersion.cmake"
-  cmake/QblCatalog.cmake
-  DESTINATION ${_cmakedir} COMPONENT development)
-install(FILES "${CMAKE_BINARY_DIR}/qblcore.pc"
-  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+  set(_pc_LIBDIR "${libdir}")
+  set(_pc_INCLUDEDIR "${CMAKE_INSTALL_INCLUDEDIR}")
+  foreach(_dir LIBDIR INCLUDEDIR)
+    if(NOT IS_ABSOLUTE "${_pc_${_dir}}")
+      string(PREPEND _pc_${_dir} "\${prefix}/")
+    endif()
+  endforeach()
+  configure_file(cmake/qblcore.pc.in "${output}" @ONLY)
+endfunction()
+
+# _qbl_install(EXPORT LIBDIR RUNTIME DEVELOPMENT TOOLS EXAMPLES [EXCLUDE_FROM_ALL]): three components
+# that the parts belong to, and the directory that examples/ goes into.
+macro(_qbl_install export libdir runtime development tools examples)
+  set(_cmakedir "${libdir}/cmake/QBLCore")
+  set(_made "${CMAKE_BINARY_DIR}/installed/${export}")
+  # The unversioned name is of the run time: by it the library recognises its own directory.
+  install(TARGETS QBLCore EXPORT ${export}
+    LIBRARY DESTINATION "${libdir}" COMPONENT ${runtime} ${ARGN}
+    FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT ${development} ${ARGN})
+  install(TARGETS ${_tools} EXPORT ${export} DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT ${tools} ${ARGN})
+  install(EXPORT ${export} NAMESPACE QBLCore:: FILE QBLCoreTargets.cmake
+    DESTINATION "${_cmakedir}" COMPONENT ${development} ${ARGN})
+  configure_package_config_file(cmake/QBLCoreConfig.cmake.in "${_made}/QBLCoreConfig.cmake"
+    INSTALL_DESTINATION "${_cmakedir}")
+  write_basic_package_version_file("${_made}/QBLCoreConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
+  install(FILES "${_made}/QBLCoreConfig.cmake" "${_made}/QBLCoreConfigVersion.cmake" cmake/QblCatalog.cmake
+    DESTINATION "${_cmakedir}" COMPONENT ${development} ${ARGN})
+  _qbl_configure_pc("${libdir}" "${_made}/qblcore.pc")
+  install(FILES "${_made}/qblcore.pc" DESTINATION "${libdir}/pkgconfig" COMPONENT ${development} ${ARGN})
+
+  install(FILES ${_resources} DESTINATION "${CMAKE_INSTALL_DATADIR}/qblcore" COMPONENT ${runtime} ${ARGN})
+  foreach(_catalogue IN LISTS _catalogues)
+    get_target_property(_files ${_catalogue} QBL_MESSAGE_FILES)
+    install(FILES ${_files} DESTINATION "${CMAKE_INSTALL_DATADIR}/qblcore" COMPONENT ${runtime} ${ARGN})
+  endforeach()
+  install(DIRECTORY examples DESTINATION "${examples}" COMPONENT ${development} ${ARGN}
+    PATTERN samples EXCLUDE)
+  install(FILES "${_printers}" DESTINATION "${CMAKE_INSTALL_DATADIR}/qblcore/gdb" COMPONENT ${development} ${ARGN})
+endmacro()
+
+_qbl_install(QBLCoreTargets "${CMAKE_INSTALL_LIBDIR}" runtime development tools
+  "${CMAKE_INSTALL_DATADIR}/qblcore")
+# gdb loads NAME-gdb.py with the library NAME: from beside it, where that place is in its auto-load
+# safe-path, and from a tree of its own below /usr/share. So that an installation can be moved, it is
+# beside the library but below /usr.
+install(CODE "
+  set(_libdir \"${CMAKE_INSTALL_LIBDIR}\")
+  cmake_path(ABSOLUTE_PATH _libdir BASE_DIRECTORY \"\${CMAKE_INSTALL_PREFIX}\")
+  if(_libdir MATCHES \"^/(usr/)?lib\")
+    set(_libdir \"/usr/share/gdb/auto-load\${_libdir}\")
+  endif()
+  file(INSTALL DESTINATION \"\${_libdir}\" TYPE FILE FILES \"${_printers}\"
+    RENAME \"$<TARGET_FILE_NAME:QBLCore>-gdb.py\")"
+  COMPONENT development)
 
 # What has to be built for cmake --install.
-add_custom_target(installed DEPENDS QBLCore qblmsgc)
-add_dependencies(installed qblpluginmsgs_files qblmsgcmsgs_files)
+add_custom_target(installed DEPENDS QBLCore ${_tools})
+foreach(_catalogue IN LISTS _catalogues)
+  add_dependencies(installed ${_catalogue}_files)
+endforeach()
