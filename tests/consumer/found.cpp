@@ -1,0 +1,24 @@
+// What an installed library finds of its own: its directory if LD_LIBRARY_PATH names it, the file
+// of settings, a resource file and a catalogue in German.
+#include <iostream>
+
+#include "QBLCore/Frame/QBLCore.h"
+#include "QBLCore/Messages/QBLMessage.hpp"
+#include "i18n/cpp/i18n_init.h"
+#include "i18n/cpp/i18n_internal_resources.hpp"
+#include "i18n/cpp/i18n_string.hpp"
+
+int main() {
+    qblCoreInitialize();
+    I18NInitialize();
+    I18NInternalResources& resources = I18NInternalResources::getInternalResForTesting();
+    I18NString yen, text;
+    resources.getCurrencyDescription("JPY", I18NLocale("de_CH"), yen);
+    QBLMessage("qblpluginmsgs", 1).format("de", nullptr, text);
+    std::cout << resources.getDataDirectoryPath() << '\n'
+              << resources.isNonNormalizable(L"\xF929") << '\n'
+              << yen << '\n'
+              << text << '\n';
+    I18NTerminate();
+    return qblCoreTerminate();
+}
