@@ -9,6 +9,9 @@ include(CMakePackageConfigHelpers)
 
 # What is in bin/. Their catalogues are in msgs/, their manuals in man/.
 set(_tools qblmsgc)
+set(_manuals ${_tools})
+list(TRANSFORM _manuals REPLACE "(.+)" "man/\\1.1")
+set(_formats man/bmf.5 man/i18n_res.xml.5 man/I18NPooledString.conf.5)
 set(_printers "${CMAKE_SOURCE_DIR}/gdb/qblcore.py")
 get_property(_resources GLOBAL PROPERTY QBL_RESOURCE_FILES)
 get_property(_catalogues GLOBAL PROPERTY QBL_CATALOGUES)
@@ -56,6 +59,8 @@ macro(_qbl_install export libdir runtime development tools examples)
     get_target_property(_files ${_catalogue} QBL_MESSAGE_FILES)
     install(FILES ${_files} DESTINATION "${CMAKE_INSTALL_DATADIR}/qblcore" COMPONENT ${runtime} ${ARGN})
   endforeach()
+  install(FILES ${_manuals} DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT ${tools} ${ARGN})
+  install(FILES ${_formats} DESTINATION "${CMAKE_INSTALL_MANDIR}/man5" COMPONENT ${tools} ${ARGN})
   install(DIRECTORY examples DESTINATION "${examples}" COMPONENT ${development} ${ARGN}
     PATTERN samples EXCLUDE)
   install(FILES "${_printers}" DESTINATION "${CMAKE_INSTALL_DATADIR}/qblcore/gdb" COMPONENT ${development} ${ARGN})
