@@ -1,0 +1,60 @@
+// Data: options and dates from text, a record of bytes with a checksum, and tokens made of it.
+#include <cstdio>
+#include <memory>
+#include <vector>
+
+#include "QBLCore/Types/QBLByteBuffer.hpp"
+#include "QBLCore/Types/QBLTypeCast.hpp"
+#include "QBLCore/Types/QBLVariant.hpp"
+#include "QBLCore/Types/c/QBLDataTypesConversion_c.h"
+#include "QBLCore/Utility/QBLBase64.h"
+#include "QBLCore/Utility/QBLByteOrder.h"
+#include "QBLCore/Utility/QBLSquisher.hpp"
+#include "QBLCore/Utility/QBLUtCrc32.hpp"
+#include "QBLCore/Utility/QBLUtGetOpt.hpp"
+
+int main() {
+    char name[] = "data", letters[] = "-vn12", date[] = "--date=2006-03-09", file[] = "log";
+    char* words[] = {name, letters, date, file, nullptr};
+    QBLUtGetOpt options;
+    QBLVariant count;
+    const char* longOption = nullptr;
+    for (int c; (c = options.getOpt(4, words, "vn:", &longOption)) != -1 || longOption;) {
+        if (longOption != nullptr) std::printf("--%s\n", longOption);
+        if (c == 'v') std::puts("-v");
+        if (c != 'n') continue;
+        int number = 0;
+        asciiToInt32(options.getOptArg(), &number);
+        count.setValue(long{number});
+    }
+    char text[64];
+    count.getValue(text, sizeof text);
+    std::printf("-n %s, then %s\n", text, words[options.getOptInd()]);
+
+    QBLTimestamp2 when;
+    for (const char* each : {"2006-03-09 10:05", "2006-02-29 10:05", "9 March"})
+        std::printf("%s: %ld\n", each, QBLTypeCast::string2timestamp(&when, each));
+    const long minutes = 1530;
+    QBLInterval2 interval;
+    QBLTypeCast::int2DTinterval(&interval, &minutes, "MINUTES");
+    QBLTypeCast::dtInterval2string(text, &interval);
+    std::printf("%ld minutes: %s\n", minutes, text);
+
+    QBLByteBuffer body(QBLByteBuffer::GROW_BY_HALF), record(QBLByteBuffer::GROW_BY_HALF);
+    body << "port " << 8080 << ',' << ' ';
+    body.printf("%.1f s", 0.5);
+    const auto* bytes = reinterpret_cast<const unsigned char*>(body.str());
+    const unsigned long checksum = QBLUtCrc32::crc32(0, bytes, body.pcount());
+    const uint32_t head[] = {qblh2nl(body.pcount()), qblh2nl(static_cast<uint32_t>(checksum))};
+    record.appendChars(reinterpret_cast<const char*>(head), sizeof head) << body;
+    std::vector<char> encoded(QBLBase64EncodedSize(record.pcount()));
+    QBLBase64Encode(record.str(), record.pcount(), encoded.data());
+    std::printf("%u bytes, checksum %08lx: %s\n", record.pcount(), checksum, encoded.data());
+
+    const std::unique_ptr<char[]> token(QBLSquisher::squish(body.str()));
+    const std::unique_ptr<char[]> back(QBLSquisher::unSquish(token.get()));
+    std::printf("%s is %s\n", token.get(), back.get());
+    token[14] = token[14] == 'A' ? 'B' : 'A';
+    const std::unique_ptr<char[]> damaged(QBLSquisher::unSquish(token.get()));
+    std::puts(damaged == nullptr ? "damage is noticed" : "damage is not noticed");
+}
