@@ -15,7 +15,7 @@ class QBLResource;
 ///
 /// If the base name has a directory they are looked for in that, as QBLFmDir::resolveEffectivePath
 /// sees it. Else in the effective working directory, then in the installation's bin directory, then
-/// in share/qblcore beside the directory that the library was loaded from, or beside the one above it.
+/// in share/qblcore beside the directory that the library was loaded from, or the one above it.
 ///
 /// A base name that ends with ".bmf" is the name of the file itself, for whatever locale.
 ///

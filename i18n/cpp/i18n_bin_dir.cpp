@@ -103,9 +103,9 @@ std::string i18nResolveBinDir(const std::string& path) {
 
 std::string i18nShareDirectory() {
     const std::string library = libraryDirectory();
-    if (library.empty()) return library;
-    const std::string beside = joined(library, "../share/qblcore");
+    if (library.empty()) return std::string();
+    std::string beside = joined(library, "../share/qblcore");
     if (QBLFmDir::exists(beside.c_str(), kDirectory)) return beside;
-    const std::string above = joined(library, "../../share/qblcore");
+    std::string above = joined(library, "../../share/qblcore");
     return QBLFmDir::exists(above.c_str(), kDirectory) ? above : beside;
 }

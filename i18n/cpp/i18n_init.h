@@ -8,11 +8,11 @@ extern "C" {
 #endif
 
 /// Starts the internationalisation layer: finds the installation's bin directory, reads the
-/// resource file there or in its share/qblcore, and makes the converters that others are made from. Calls are counted;
-/// only the first starts anything, and every one that returns wants a call of I18NTerminate().
-/// Until the first is through, bytes in encodings other than the ASCII-compatible ones are not
-/// converted. Other threads may use strings and converters meanwhile, but not ICU itself, which is
-/// told where its data is here or when the first converter is made.
+/// resource file there or in its share/qblcore, and makes the converters that others are made from.
+/// Calls are counted; only the first starts anything, and every one that returns wants a call of
+/// I18NTerminate(). Until the first is through, bytes in encodings other than the ASCII-compatible
+/// ones are not converted. Other threads may use strings and converters meanwhile, but not ICU
+/// itself, which is told where its data is here or when the first converter is made.
 ///
 /// Throws, in C++: QBLOutOfMemoryError, QBLStdExceptionError for another standard exception, or
 /// what a part of the layer throws; nothing is started or counted then. A program in C cannot

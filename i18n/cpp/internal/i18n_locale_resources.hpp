@@ -32,8 +32,8 @@ extern const I18NMapSource kI18NLocaleOfLanguage;
 
 /// Looks for a per-locale file: base + name + ".xml", where name is language, country and variant,
 /// then without the variant, then the language alone, then "en"; each in the bin directory, then in
-/// the working directory, then in share/qblcore of the installation. A locale whose name has other characters than letters, digits and "_" in
-/// these parts only finds "en".
+/// the working directory, then in share/qblcore of the installation. A locale whose name has other
+/// characters than letters, digits and "_" in these parts only finds "en".
 /// @param path, name  receive the file that was found, and which name it has
 bool findResourceFile(std::string& path, std::string& name, const char* base,
                       const I18NLocale& locale);
