@@ -8,7 +8,7 @@
 include(CMakePackageConfigHelpers)
 
 # What is in bin/. Their catalogues are in msgs/, their manuals in man/.
-set(_tools qblmsgc)
+set(_tools qblconv qblmsgc)
 set(_manuals ${_tools})
 list(TRANSFORM _manuals REPLACE "(.+)" "man/\\1.1")
 set(_formats man/bmf.5 man/i18n_res.xml.5 man/I18NPooledString.conf.5)

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tools/qblmsgc/Utf8.hpp"
+#include "tools/common/Utf8.hpp"
 
 namespace msgc {
 
@@ -77,7 +77,7 @@ bool readBmf(const std::string& bytes, Entries& entries, BmfProblem& problem) {
         if (length == 0 || bytes.find('\0', begin + offset) != begin + offset + length - 1)
             return refuse(begin + offset, MSGC_REASON_ZERO);
         entry.text.assign(bytes, begin + offset, length - 1);
-        const std::size_t illFormed = findIllFormed(entry.text);
+        const std::size_t illFormed = tools::findIllFormed(entry.text);
         if (illFormed != std::string::npos)
             return refuse(begin + offset + illFormed, MSGC_REASON_UTF8);
         entries.push_back(std::move(entry));

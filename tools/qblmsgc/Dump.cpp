@@ -2,8 +2,8 @@
 
 #include <unicode/uchar.h>
 
+#include "tools/common/Utf8.hpp"
 #include "tools/qblmsgc/PatternCheck.hpp"
-#include "tools/qblmsgc/Utf8.hpp"
 
 namespace msgc {
 
@@ -26,7 +26,7 @@ std::string quoted(const std::string& text) {
     std::string out = "\"";
     for (std::size_t i = 0; i < text.size();) {
         const std::size_t begin = i;
-        const int c = nextCodePoint(text, i, text.size());
+        const int c = tools::nextCodePoint(text, i, text.size());
         if (c == '\n')
             out += i < text.size() ? "\\n\"\n    \"" : "\\n";
         else if (c == '"' || c == '\\')

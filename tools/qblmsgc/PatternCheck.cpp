@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "tools/qblmsgc/Utf8.hpp"
+#include "tools/common/Utf8.hpp"
 
 namespace msgc {
 
@@ -148,7 +148,7 @@ bool PatternCheck::hasErrors() const {
 void checkPatterns(const Entries& entries, const Source& source, Report& report) {
     for (const Entry& entry : entries) {
         // What is no UTF-8 has been reported, and has no places in UTF-16.
-        if (!entry.isWhole || findIllFormed(entry.text) != std::string::npos) continue;
+        if (!entry.isWhole || tools::findIllFormed(entry.text) != std::string::npos) continue;
         for (const PatternFinding& finding : PatternCheck(entry.text, entry.asIs).findings) {
             Details details;
             if (!finding.detail.empty()) details.push_back(finding.detail);

@@ -4,36 +4,12 @@
 #include <tuple>
 #include <utility>
 
-#include "QBLCore/Messages/QBLMessageFile.hpp"
-#include "QBLCore/Messages/QBLXmlEscape.hpp"
-#include "i18n/cpp/i18n_string.hpp"
 #include "tools/qblmsgc/Environment.hpp"
 
 namespace msgc {
 
-namespace {
-
-/// A message of the tool. @param escaped  for XML
-void fill(QBLMessageFile& message, QBLSeverity severity, qblmsgcmsgs id, const Details& details,
-          bool escaped) {
-    message.setMessage(severity, id);
-    message.clearParms();
-    for (const std::string& detail : details)
-        message << I18NString((escaped ? qblXmlEscape(std::string_view(detail)) : detail).c_str());
-}
-
-std::string formatted(const QBLMessageFile& message) {
-    I18NString text;
-    message.format(userLocale().c_str(), nullptr, text);
-    return text.toUtf8();
-}
-
-}  // namespace
-
 std::string textOf(qblmsgcmsgs id, const Details& details) {
-    QBLMessageFile message(ownCatalogue().c_str());
-    fill(message, QBLSeverityError, id, details, false);
-    return formatted(message);
+    return tools::MessageText(ownCatalogue(), userLocale()).text(id, details);
 }
 
 void Report::begin(const Source& source) { numberOf(source); }
@@ -71,20 +47,18 @@ void Report::print(std::FILE* out, Form form, bool quiet) {
     std::stable_sort(m_findings.begin(), m_findings.end(), [](const Finding& a, const Finding& b) {
         return std::tie(a.file, a.offset) < std::tie(b.file, b.offset);
     });
-    QBLMessageFile message(ownCatalogue().c_str());
+    tools::MessageText texts(ownCatalogue(), userLocale());
     bool any = false;
     for (const Finding& finding : m_findings) {
         if (quiet && finding.severity != QBLSeverityError) continue;
-        fill(message, finding.severity, finding.id, finding.details, form == Form::kXml);
         if (form == Form::kText) {
-            std::fprintf(out, "%s\n", formatted(message).c_str());
+            std::fprintf(out, "%s\n", texts.text(finding.id, finding.details).c_str());
             continue;
         }
         if (!any) std::fputs("<Messages>\n", out);
         any = true;
-        I18NString element;
-        message.toString(userLocale().c_str(), nullptr, element, 1);
-        std::fprintf(out, "%s\n", element.c_str());
+        std::fprintf(out, "%s\n",
+                     texts.element(finding.severity, finding.id, finding.details).c_str());
     }
     if (any) std::fputs("</Messages>\n", out);
 }

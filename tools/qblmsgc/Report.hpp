@@ -6,12 +6,13 @@
 #include <vector>
 
 #include "QBLCore/Exceptions/QBLSeverity.hpp"
+#include "tools/common/MessageText.hpp"
 #include "tools/qblmsgc/Source.hpp"
 #include "tools/qblmsgc/qblmsgcmsgs.hpp"
 
 namespace msgc {
 
-using Details = std::vector<std::string>;
+using tools::Details;
 
 /// Formats a message of the tool's catalogue in the user's language.
 std::string textOf(qblmsgcmsgs id, const Details& details = {});

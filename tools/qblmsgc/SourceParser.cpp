@@ -3,7 +3,7 @@
 #include <map>
 #include <utility>
 
-#include "tools/qblmsgc/Utf8.hpp"
+#include "tools/common/Utf8.hpp"
 
 namespace msgc {
 
@@ -66,7 +66,7 @@ private:
 
     /// One error a line is enough: a wrong encoding has as many as there are characters.
     void checkCharacters() {
-        const std::size_t illFormed = findIllFormed(m_bytes, m_at, m_end);
+        const std::size_t illFormed = tools::findIllFormed(m_bytes, m_at, m_end);
         if (illFormed != kNone) return error(illFormed, MSGC_NOT_UTF8);
         for (std::size_t i = m_at; i < m_end; ++i) {
             const auto c = static_cast<unsigned char>(m_bytes[i]);
@@ -177,7 +177,7 @@ private:
             codePoint = codePoint * 16 + digitOf(m_bytes[m_at]);
         }
         if (codePoint == 0 || (codePoint >= 0xD800 && codePoint <= 0xDFFF)) return false;
-        appendCodePoint(m_entry.text, codePoint);
+        tools::appendCodePoint(m_entry.text, codePoint);
         return true;
     }
 

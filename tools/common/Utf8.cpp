@@ -1,6 +1,6 @@
-#include "tools/qblmsgc/Utf8.hpp"
+#include "tools/common/Utf8.hpp"
 
-namespace msgc {
+namespace tools {
 
 int nextCodePoint(const std::string& bytes, std::size_t& offset, std::size_t end) {
     const auto at = [&](std::size_t n) { return static_cast<unsigned char>(bytes[offset + n]); };
@@ -41,4 +41,4 @@ void appendCodePoint(std::string& out, unsigned codePoint) {
     add(0x80 | (codePoint & 0x3F));
 }
 
-}  // namespace msgc
+}  // namespace tools

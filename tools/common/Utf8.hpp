@@ -1,10 +1,10 @@
-#ifndef TOOLS_QBLMSGC_UTF8_HPP
-#define TOOLS_QBLMSGC_UTF8_HPP
+#ifndef TOOLS_COMMON_UTF8_HPP
+#define TOOLS_COMMON_UTF8_HPP
 
 #include <cstddef>
 #include <string>
 
-namespace msgc {
+namespace tools {
 
 /// The code point at an offset, which is moved behind it.
 /// @return -1, with the offset as it was, if the bytes up to end do not begin with a well-formed
@@ -20,6 +20,6 @@ inline std::size_t findIllFormed(const std::string& bytes) {
 /// Requires: a code point below U+10000 that is no surrogate.
 void appendCodePoint(std::string& out, unsigned codePoint);
 
-}  // namespace msgc
+}  // namespace tools
 
 #endif

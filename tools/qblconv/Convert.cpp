@@ -1,0 +1,129 @@
+#include "tools/qblconv/Convert.hpp"
+
+#include <cstring>
+
+#include "i18n/cpp/i18n_errors.hpp"
+#include "tools/qblconv/Interrupt.hpp"
+
+namespace conv {
+
+namespace {
+
+class Conversion {
+public:
+    Conversion(const Way& way, const std::string& name, Output* output,
+               const std::string& outputName, Findings& findings, FileReport& report)
+        : m_name(name),
+          m_pOutput(output),
+          m_outputName(outputName),
+          m_findings(findings),
+          m_report(report),
+          m_to(way.to != nullptr ? way.to->getEncoding() : ""),
+          m_stream(way.from, way.to, way.mark, &findings) {}
+
+    /// @param size  0 for the end
+    bool put(const char* block, std::size_t size) {
+        try {
+            if (size > 0)
+                m_stream.put(block, size);
+            else
+                m_stream.finish();
+        } catch (const I18NRuntimeError& error) {
+            if (error.getErrorCode() != I18N_CONVERSION) throw;
+            m_findings.tellLast(m_stream.getInputEncoding(), m_to);
+            write();
+            return false;
+        }
+        m_findings.tell(m_stream.getInputEncoding(), m_to);
+        return write();
+    }
+    const char* encoding() const { return m_stream.getInputEncoding(); }
+
+private:
+    bool write() {
+        const std::size_t size = m_stream.getByteCount();
+        if (m_pOutput == nullptr || size == 0) return true;
+        if (m_pOutput->write(m_stream.getBytes(), size)) return true;
+        if (!isInterrupted())
+            m_report.error(CONV_CANNOT_WRITE, {m_outputName, std::strerror(m_pOutput->error())});
+        return false;
+    }
+
+    const std::string& m_name;
+    Output* const m_pOutput;
+    const std::string& m_outputName;
+    Findings& m_findings;
+    FileReport& m_report;
+    const char* const m_to;
+    I18NTextStream m_stream;
+};
+
+}  // namespace
+
+bool convertText(const Way& way, Input& input, const std::string& name, Output* output,
+                 const std::string& outputName, Findings& findings, FileReport& report,
+                 std::string* encoding) {
+    Conversion conversion(way, name, output, outputName, findings, report);
+    for (int got = 1; got > 0;) {
+        got = input.read(way.block.data(), static_cast<unsigned>(way.block.size()));
+        if (isInterrupted()) return false;
+        if (got < 0) {
+            report.error(CONV_CANNOT_READ, {name, std::strerror(input.error())});
+            return false;
+        }
+        if (!conversion.put(way.block.data(), static_cast<std::size_t>(got))) {
+            report.fail();
+            return false;
+        }
+        way.progress.addBytes(static_cast<std::size_t>(got));
+    }
+    if (encoding != nullptr) *encoding = conversion.encoding();
+    return true;
+}
+
+bool isValid(const I18NConverter& strict, const std::string& mark, Input& input,
+             std::vector<char>& block, int& error) {
+    I18NTextStream stream(&strict, nullptr);
+    bool isValid = true, isStart = true;
+    error = 0;
+    for (int got = 1; got > 0 && isValid;) {
+        got = input.read(block.data(), static_cast<unsigned>(block.size()));
+        if (got < 0) {
+            error = input.error();
+            return false;
+        }
+        const auto size = static_cast<std::size_t>(got);
+        if (isStart)
+            isValid =
+                size >= mark.size() && std::memcmp(block.data(), mark.data(), mark.size()) == 0;
+        isStart = false;
+        try {
+            if (size > 0)
+                stream.put(block.data(), size);
+            else
+                stream.finish();
+        } catch (const I18NRuntimeError& problem) {
+            if (problem.getErrorCode() != I18N_CONVERSION) throw;
+            isValid = false;
+        }
+    }
+    if (!input.rewind()) error = input.error();
+    return isValid && error == 0;
+}
+
+bool copyText(const Way& way, Input& input, const std::string& name, Output& output,
+              const std::string& outputName, FileReport& report) {
+    while (!isInterrupted()) {
+        const int got = input.read(way.block.data(), static_cast<unsigned>(way.block.size()));
+        if (got < 0) report.error(CONV_CANNOT_READ, {name, std::strerror(input.error())});
+        if (got <= 0) return got == 0;
+        if (!output.write(way.block.data(), static_cast<std::size_t>(got))) {
+            report.error(CONV_CANNOT_WRITE, {outputName, std::strerror(output.error())});
+            return false;
+        }
+        way.progress.addBytes(static_cast<std::size_t>(got));
+    }
+    return false;
+}
+
+}  // namespace conv

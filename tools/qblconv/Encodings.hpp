@@ -1,0 +1,27 @@
+#ifndef TOOLS_QBLCONV_ENCODINGS_HPP
+#define TOOLS_QBLCONV_ENCODINGS_HPP
+
+#include <memory>
+#include <string>
+
+#include "i18n/cpp/i18n_converter.hpp"
+#include "tools/qblconv/Options.hpp"
+
+namespace conv {
+
+/// @return null, with a problem, for an encoding that there is not
+std::unique_ptr<I18NConverter> openEncoding(const std::string& name, Problem& problem);
+
+/// Sets what is done with text that cannot be converted.
+void setPolicies(I18NConverter& converter, int input, int output);
+
+/// The byte-order mark in an encoding; empty if it has none.
+std::string markIn(const I18NConverter& converter);
+
+/// Prints the encodings that have a pattern in any of their names, in either case, a line with all
+/// its names for each. @return false if there is none
+bool listEncodings(const std::string& pattern);
+
+}  // namespace conv
+
+#endif

@@ -1,0 +1,58 @@
+#ifndef TOOLS_QBLCONV_INPUT_HPP
+#define TOOLS_QBLCONV_INPUT_HPP
+
+#include <sys/stat.h>
+
+#include <string>
+
+#include "QBLCore/FileManagement/QBLFmFile64.hpp"
+#include "tools/qblconv/Options.hpp"
+
+namespace conv {
+
+/// A file that is read.
+///
+/// Threads: one at a time for each object.
+class Input {
+public:
+    /// How a file came to be an input: one that a directory has is passed over if it is no file of
+    /// bytes, and never waited for.
+    enum class Origin { kNamed, kFound, kFoundNoLink };
+
+    /// @param path  "-" for the standard input
+    /// @return false if it cannot be read, or is passed over; isPassedOver() tells
+    bool open(const std::string& path, Origin origin, bool forWriting);
+    /// Locks the file against others, or with them. Waiting for it, it may have been replaced: the
+    /// one that has the name in the end is locked.
+    /// @return false, with problem, if that failed
+    bool lock(Options::Lock how, bool exclusive, Problem& problem);
+    /// Blocks come full but for the last ones. @return bytes, 0 at the end, -1 on failure
+    int read(char* block, unsigned size);
+    /// Goes back to the start.
+    bool rewind();
+    /// Whether somebody has written to the file since it was opened or locked.
+    bool hasChanged();
+    void close();
+
+    bool isPassedOver() const { return m_isPassedOver; }
+    bool isRegular() const { return S_ISREG(m_status.st_mode); }
+    bool isSame(const struct stat64& other) const;
+    int error() const { return m_error; }
+
+private:
+    bool openFile();
+    bool failed(int error);
+
+    QBLFmFile64 m_file;
+    std::string m_path;
+    Origin m_origin = Origin::kNamed;
+    bool m_forWriting = false;
+    struct stat64 m_status = {};
+    bool m_isPassedOver = false;
+    bool m_isAtEnd = false;
+    int m_error = 0;
+};
+
+}  // namespace conv
+
+#endif

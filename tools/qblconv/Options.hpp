@@ -1,0 +1,49 @@
+#ifndef TOOLS_QBLCONV_OPTIONS_HPP
+#define TOOLS_QBLCONV_OPTIONS_HPP
+
+#include <string>
+#include <vector>
+
+#include "i18n/cpp/i18n_converter_types.h"
+#include "tools/qblconv/Problem.hpp"
+
+namespace conv {
+
+/// What the command line asks for.
+struct Options {
+    enum class Mode { kJoin, kDirectory, kInPlace, kCheck, kList, kHelp, kVersion };
+    enum class Mark { kStrip, kKeep, kAdd };
+    enum class Lock { kTry, kWait, kNone };
+
+    Mode mode = Mode::kJoin;
+    std::string from = "UTF-8";
+    std::string to = "UTF-8";
+    bool isFromGiven = false;
+    bool isToGiven = false;
+    /// I18N_USER_DEFINED is to leave out.
+    int inputPolicy = I18N_STOP;
+    int outputPolicy = I18N_STOP;
+    Mark mark = Mark::kStrip;
+    Lock lock = Lock::kNone;
+    std::string output;     // empty for the standard output
+    std::string directory;  // that outputs go into
+    std::string suffix;     // that originals keep; empty if they are not kept
+    std::string match;      // names in directories; empty for all
+    std::string locales;    // of the messages
+    unsigned jobs = 0;      // 0 for as many as there are processors
+    bool recurse = false;
+    bool keepValid = false;
+    bool quiet = false;
+    bool verbose = false;
+    bool xml = false;
+    std::vector<std::string> operands;
+};
+
+/// Reads the command line; operands and options may come in any order, up to "--".
+/// @param options  has the language of the messages also after a failure behind it
+/// @return false if something is wrong with it
+bool parseOptions(int argc, char** argv, Options& options, Problem& problem);
+
+}  // namespace conv
+
+#endif

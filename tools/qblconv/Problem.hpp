@@ -1,0 +1,19 @@
+#ifndef TOOLS_QBLCONV_PROBLEM_HPP
+#define TOOLS_QBLCONV_PROBLEM_HPP
+
+#include "tools/common/MessageText.hpp"
+#include "tools/qblconv/qblconvmsgs.hpp"
+
+namespace conv {
+
+using tools::Details;
+
+/// What is wrong, as a message of the tool.
+struct Problem {
+    qblconvmsgs id;
+    Details details;
+};
+
+}  // namespace conv
+
+#endif

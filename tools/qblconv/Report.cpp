@@ -1,0 +1,107 @@
+#include "tools/qblconv/Report.hpp"
+
+#include <utility>
+
+#include "QBLCore/Threads/QBLThreadGuard.hpp"
+#include "tools/common/Utf8.hpp"
+
+namespace conv {
+
+namespace {
+
+constexpr std::size_t kMostText = 0x10000;  // of a file whose turn has not come
+constexpr std::size_t kMostEnded = 0x1000;
+
+}  // namespace
+
+Report::Report(std::FILE* out, Form form, Progress& progress)
+    : m_out(out), m_form(form), m_progress(progress) {
+    if (form == Form::kXml) write("<Messages>\n");
+}
+
+void Report::close() {
+    if (m_form == Form::kXml) write("</Messages>\n");
+    std::fflush(m_out);
+}
+
+void Report::write(const std::string& text) {
+    if (text.empty()) return;
+    m_progress.clear();
+    std::fwrite(text.data(), 1, text.size(), m_out);
+}
+
+void Report::print(std::uint64_t number, const std::string& text) {
+    QBLThreadGuard guard(m_lock);
+    while (m_next != number) {
+        ++m_iWaiting;
+        m_turn.wait(m_lock);
+        --m_iWaiting;
+    }
+    write(text);
+}
+
+void Report::end(std::uint64_t number, std::string text, bool failed) {
+    QBLThreadGuard guard(m_lock);
+    m_hasFailures = m_hasFailures || failed;
+    while (number - m_next >= kMostEnded) {
+        ++m_iWaiting;
+        m_turn.wait(m_lock);
+        --m_iWaiting;
+    }
+    if (number != m_next) {
+        m_ended.emplace(number, std::move(text));
+        return;
+    }
+    write(text);
+    ++m_next;
+    for (auto first = m_ended.begin(); first != m_ended.end() && first->first == m_next;
+         first = m_ended.erase(first), ++m_next)
+        write(first->second);
+    if (m_iWaiting > 0) m_turn.broadcast();
+}
+
+FileReport::~FileReport() { m_report.end(m_number, std::move(m_text), m_hasFailed); }
+
+void FileReport::error(qblconvmsgs id, const Details& details) {
+    m_hasFailed = true;
+    add(QBLSeverityError, id, details);
+}
+
+void FileReport::warning(qblconvmsgs id, const Details& details) {
+    add(QBLSeverityWarning, id, details);
+}
+
+void FileReport::information(qblconvmsgs id, const Details& details) {
+    add(QBLSeverityInformation, id, details);
+}
+
+void FileReport::add(QBLSeverity severity, qblconvmsgs id, const Details& details) {
+    if (m_text.size() > kMostText) {
+        m_report.print(m_number, m_text);
+        m_text.clear();
+    }
+    m_text += m_report.form() == Report::Form::kXml ? m_texts.element(severity, id, details)
+                                                    : m_texts.text(id, details);
+    m_text += '\n';
+}
+
+std::string shown(const std::string& name) {
+    std::string text;
+    for (std::size_t i = 0; i < name.size();) {
+        const std::size_t begin = i;
+        const int c = tools::nextCodePoint(name, i, name.size());
+        if (c >= 0x20 && (c < 0x7F || c > 0x9F) && c != 0xFFFE && c != 0xFFFF) {
+            text.append(name, begin, i - begin);
+            continue;
+        }
+        i = std::max(i, begin + 1);
+        for (std::size_t k = begin; k < i; ++k) {
+            const auto byte = static_cast<unsigned char>(name[k]);
+            text.append("\\x").append(1, "0123456789ABCDEF"[byte >> 4]);
+            text.append(1, "0123456789ABCDEF"[byte & 15]);
+        }
+    }
+    return text;
+}
+
+}  // namespace conv

@@ -1,0 +1,173 @@
+#include "tools/qblconv/Run.hpp"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <optional>
+#include <thread>
+
+#include "QBLCore/ThreadPools/QBLTaskGroup.hpp"
+#include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
+#include "QBLCore/Threads/QBLThreadGuard.hpp"
+#include "tools/common/Environment.hpp"
+#include "tools/qblconv/Encodings.hpp"
+#include "tools/qblconv/Interrupt.hpp"
+#include "tools/qblconv/Operands.hpp"
+#include "tools/qblconv/Worker.hpp"
+
+namespace conv {
+
+namespace {
+
+using Mode = Options::Mode;
+
+/// The conversion or check of files.
+class Run {
+public:
+    Run(const Options& options, const std::string& catalogue)
+        : m_options(options),
+          m_catalogue(catalogue),
+          m_operands(options),
+          m_progress(!options.quiet, catalogue, options.locales),
+          m_report(reportFile(options), options.xml ? Report::Form::kXml : Report::Form::kText,
+                   m_progress) {}
+
+    Status run() {
+        if (m_options.mode == Mode::kJoin)
+            join();
+        else
+            workOnAll();
+        m_progress.clear();
+        m_report.close();
+        return m_report.hasFailures() ? kFailed : kDone;
+    }
+
+private:
+    /// XML is for programs, and goes where they read, unless text does.
+    static std::FILE* reportFile(const Options& options) {
+        const bool isTaken = options.mode == Mode::kJoin && options.output.empty();
+        return options.xml && !isTaken ? stdout : stderr;
+    }
+
+    /// One less than the workers come from a pool.
+    void workOnAll() {
+        unsigned jobs = m_options.jobs;
+        if (jobs == 0) jobs = std::max(1U, std::thread::hardware_concurrency());
+        if (!m_options.recurse)
+            jobs = static_cast<unsigned>(std::min<std::size_t>(jobs, m_options.operands.size()));
+        if (jobs == 1) return work();
+        QBLThreadPoolQueued pool(jobs - 1, jobs);
+        QBLTaskGroup group(pool);
+        for (unsigned i = 1; i < jobs; ++i) group.run([this] { work(); });
+        work();
+        group.wait();
+    }
+
+    void work() {
+        Worker worker(m_options, m_progress);
+        tools::MessageText texts(m_catalogue, m_options.locales);
+        Item item;
+        std::uint64_t number = 0;
+        while (take(item, number)) {
+            FileReport report(m_report, number, texts);
+            worker.work(item, report);
+        }
+    }
+
+    bool take(Item& item, std::uint64_t& number) {
+        QBLThreadGuard guard(m_lock);
+        if (isInterrupted() || !m_operands.next(item)) return false;
+        number = m_iTaken++;
+        return true;
+    }
+
+    void join() {
+        Worker worker(m_options, m_progress);
+        tools::MessageText texts(m_catalogue, m_options.locales);
+        DirectOutput direct;
+        ReplacingOutput replacing;
+        struct stat64 status = {};
+        const bool isDirect =
+            m_options.output.empty() ||
+            (stat64(m_options.output.c_str(), &status) == 0 && !S_ISREG(status.st_mode));
+        Output& output = isDirect ? static_cast<Output&>(direct) : replacing;
+        const std::string name = m_options.output.empty() ? "-" : shown(m_options.output);
+        const bool isOpen = !isDirect                  ? replacing.open(m_options.output)
+                            : m_options.output.empty() ? direct.open()
+                                                       : direct.open(m_options.output);
+        const std::string& mark = worker.mark();
+        bool isWell = isOpen && (mark.empty() || output.write(mark.data(), mark.size()));
+        std::vector<std::string> inputs = m_options.operands;
+        if (inputs.empty()) inputs.emplace_back("-");
+        for (const std::string& input : inputs) {
+            if (!isWell) break;
+            if (isInterrupted()) return;
+            FileReport report(m_report, m_iTaken, texts);
+            worker.join(input, isDirect ? &direct : nullptr, output, name, m_iTaken == 0, report);
+            ++m_iTaken;
+            if (output.error() != 0) isWell = false;
+        }
+        if (isInterrupted()) return;
+        FileReport report(m_report, m_iTaken, texts);
+        if (!isOpen) {
+            report.error(CONV_CANNOT_WRITE, {name, std::strerror(output.error())});
+        } else if (m_report.hasFailures() && !isDirect) {
+            report.error(CONV_NOT_WRITTEN, {name});
+        } else if (isWell && !output.commit()) {
+            report.error(CONV_CANNOT_WRITE, {name, std::strerror(output.error())});
+        }
+    }
+
+    const Options& m_options;
+    const std::string& m_catalogue;
+    QBLThreadCriticalSection m_lock;
+    Operands m_operands;         // under the lock
+    std::uint64_t m_iTaken = 0;  // also
+    Progress m_progress;
+    Report m_report;
+};
+
+/// What can be known to be wrong before anything is done.
+bool check(const Options& options, Problem& problem) {
+    Problem none;
+    const auto from = openEncoding(options.from, problem);
+    if (from == nullptr) return false;
+    const auto to = openEncoding(options.to, problem);
+    if (to == nullptr) return false;
+    if (options.mark == Options::Mark::kAdd && markIn(*to).empty()) {
+        problem = {CONV_NO_MARK, {options.to}};
+        return false;
+    }
+    return Operands(options).check(problem);
+}
+
+}  // namespace
+
+Status run(int argc, char** argv) {
+    Options options;
+    Problem problem;
+    const bool isUsage = !parseOptions(argc, argv, options, problem);
+    const std::string catalogue = tools::findCatalogue("qblconvmsgs", options.locales);
+    tools::MessageText texts(catalogue, options.locales);
+    if (!isUsage) {
+        switch (options.mode) {
+            case Mode::kHelp:
+                std::fputs(texts.text(CONV_USAGE).c_str(), stdout);
+                return kDone;
+            case Mode::kVersion:
+                std::printf("%s\n", texts.text(CONV_VERSION, {QBL_VERSION}).c_str());
+                return kDone;
+            case Mode::kList:
+                return listEncodings(options.operands.empty() ? "" : options.operands[0]) ? kDone
+                                                                                          : kFailed;
+            default:
+                if (check(options, problem)) return Run(options, catalogue).run();
+        }
+    }
+    std::fprintf(stderr, "%s\n", texts.text(problem.id, problem.details).c_str());
+    return kNothingDone;
+}
+
+}  // namespace conv

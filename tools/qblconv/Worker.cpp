@@ -1,0 +1,196 @@
+#include "tools/qblconv/Worker.hpp"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+
+#include "QBLCore/FileManagement/QBLFmDir.hpp"
+#include "tools/qblconv/Encodings.hpp"
+#include "tools/qblconv/Interrupt.hpp"
+
+namespace conv {
+
+namespace {
+
+using Mode = Options::Mode;
+
+constexpr std::size_t kBlock = 0x10000;
+
+std::unique_ptr<I18NConverter> openKnown(const std::string& name, int input, int output) {
+    Problem problem;
+    auto converter = openEncoding(name, problem);
+    setPolicies(*converter, input, output);
+    return converter;
+}
+
+/// Whether a byte-order mark may tell more than the name does.
+bool isMarkToChoose(const Options& options) {
+    const char* const from = options.from.c_str();
+    const bool isASCII = I18NConverter::isUTF8("ASCII") && strcasecmp(from, "ASCII") == 0;
+    return !isASCII && (I18NConverter::isUTF8(from) || I18NConverter::isUTF16(from) ||
+                        I18NConverter::isUTF32(from));
+}
+
+}  // namespace
+
+Worker::Worker(const Options& options, Progress& progress)
+    : m_options(options),
+      m_progress(progress),
+      m_isMarkToChoose(isMarkToChoose(options)),
+      m_block(kBlock) {
+    const bool isCheck = options.mode == Mode::kCheck;
+    m_from = openKnown(options.from, isCheck ? I18N_SUBSTITUTE : options.inputPolicy, I18N_STOP);
+    if (!isCheck || options.isToGiven)
+        m_to = openKnown(options.to, I18N_STOP, isCheck ? I18N_SUBSTITUTE : options.outputPolicy);
+    if (options.mark == Options::Mark::kAdd) m_mark = markIn(*m_to);
+    if (!options.keepValid) return;
+    m_valid = openKnown(options.to, I18N_STOP, I18N_STOP);
+    // Nearly any text would pass for these.
+    if (I18NConverter::shouldUseBOM(options.to.c_str())) m_validMark = markIn(*m_valid);
+}
+
+Findings::Each Worker::each() const {
+    if (m_options.mode == Mode::kCheck) return Findings::Each::kError;
+    return m_options.verbose ? Findings::Each::kWarning : Findings::Each::kCounted;
+}
+
+I18NByteOrderMark Worker::marks(bool strip) const {
+    if (m_isMarkToChoose) return strip ? I18N_MARK_CHOOSE_AND_STRIP : I18N_MARK_CHOOSE;
+    return strip ? I18N_MARK_STRIP : I18N_MARK_KEEP;
+}
+
+Way Worker::way(I18NByteOrderMark mark) {
+    return {m_from.get(), m_to.get(), mark, m_block, m_progress};
+}
+
+void Worker::work(const Item& item, FileReport& report) {
+    Input input;
+    if (!open(item, input, report)) return;
+    if (m_options.mode == Mode::kCheck)
+        check(shown(item.path), input, report);
+    else if (m_options.mode == Mode::kInPlace)
+        convertInPlace(item, input, report);
+    else
+        convertInto(item, input, report);
+    m_progress.addFile();
+}
+
+bool Worker::open(const Item& item, Input& input, FileReport& report) {
+    const bool isInPlace = m_options.mode == Mode::kInPlace;
+    const bool isLocked = m_options.lock != Options::Lock::kNone;
+    int error = item.error;
+    if (error == 0 && !input.open(item.path, item.origin, isInPlace && isLocked))
+        error = input.error();
+    if (input.isPassedOver() || isInterrupted()) return false;
+    if (error != 0) {
+        report.error(CONV_CANNOT_READ, {shown(item.path), std::strerror(error)});
+        return false;
+    }
+    if (isInPlace && !input.isRegular()) {
+        report.error(CONV_NOT_REGULAR, {shown(item.path)});
+        return false;
+    }
+    Problem problem;
+    if (input.lock(m_options.lock, isInPlace, problem)) return true;
+    if (!isInterrupted()) report.error(problem);
+    return false;
+}
+
+void Worker::check(const std::string& name, Input& input, FileReport& report) {
+    Findings findings(report, name, each());
+    std::string encoding;
+    const bool isRead =
+        convertText(way(marks(true)), input, name, nullptr, {}, findings, report, &encoding);
+    if (isRead && !report.hasFailed() && m_options.verbose)
+        report.information(CONV_VALID, {name, encoding});
+}
+
+bool Worker::isToBeKept(Input& input, const std::string& name, FileReport& report) {
+    if (m_valid == nullptr) return false;
+    int error = ESPIPE;
+    const bool isKept = input.isRegular() && isValid(*m_valid, m_validMark, input, m_block, error);
+    if (error != 0) report.error(CONV_CANNOT_READ, {name, std::strerror(error)});
+    if (isKept && m_options.verbose) report.information(CONV_KEPT, {name, m_options.to});
+    return isKept;
+}
+
+bool Worker::fill(Input& input, const std::string& name, Output& output,
+                  const std::string& outputName, FileReport& report) {
+    Findings findings(report, name, each());
+    std::string encoding;
+    const bool isMarked = m_mark.empty() || output.write(m_mark.data(), m_mark.size());
+    if (!isMarked) report.error(CONV_CANNOT_WRITE, {outputName, std::strerror(output.error())});
+    if (!isMarked || !convertText(way(marks(m_options.mark != Options::Mark::kKeep)), input, name,
+                                  &output, outputName, findings, report, &encoding))
+        return false;
+    if (findings.count() > 0 && !m_options.quiet)
+        report.warning(CONV_REPLACED, {name, std::to_string(findings.count())});
+    if (m_options.verbose) report.information(CONV_DONE, {name, encoding});
+    return true;
+}
+
+void Worker::convertInto(const Item& item, Input& input, FileReport& report) {
+    const std::string name = shown(item.path);
+    const std::string path = m_options.directory + "/" + item.name, outputName = shown(path);
+    const bool isKept = isToBeKept(input, name, report);
+    if (report.hasFailed()) return;
+    m_new.begin(path);
+    const bool isFilled =
+        isKept ? copyText(way(I18N_MARK_KEEP), input, name, m_new, outputName, report)
+               : fill(input, name, m_new, outputName, report);
+    if (isFilled && !m_new.commit())
+        report.error(CONV_CANNOT_WRITE, {outputName, std::strerror(m_new.error())});
+    m_new.discard();
+}
+
+void Worker::convertInPlace(const Item& item, Input& input, FileReport& report) {
+    const std::string name = shown(item.path);
+    if (isToBeKept(input, name, report) || report.hasFailed()) return;
+    ReplacingOutput output;
+    if (!output.open(item.path))
+        return report.error(CONV_CANNOT_WRITE, {name, std::strerror(output.error())});
+    if (!fill(input, name, output, name, report)) return;
+    if (input.hasChanged()) return report.error(CONV_CHANGED, {name});
+    if (!m_options.suffix.empty() && !keepOriginal(item.path, report)) return;
+    if (!output.commit()) report.error(CONV_CANNOT_WRITE, {name, std::strerror(output.error())});
+}
+
+/// By a second name, so that the file has its first one all the time.
+bool Worker::keepOriginal(const std::string& path, FileReport& report) const {
+    const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr),
+                                                           &std::free);
+    const std::string original = real != nullptr ? real.get() : path;
+    const std::string kept = original + m_options.suffix;
+    bool isKept = link(original.c_str(), kept.c_str()) == 0;
+    // What an earlier run kept is given up.
+    if (!isKept && errno == EEXIST && QBLFmDir::removeFile(kept.c_str()))
+        isKept = link(original.c_str(), kept.c_str()) == 0;
+    if (!isKept) report.error(CONV_CANNOT_KEEP, {shown(path), shown(kept), std::strerror(errno)});
+    return isKept;
+}
+
+void Worker::join(const std::string& path, DirectOutput* direct, Output& output,
+                  const std::string& outputName, bool isFirst, FileReport& report) {
+    const Item item = {path, {}, Input::Origin::kNamed, 0};
+    const std::string name = shown(path);
+    Input input;
+    if (!open(item, input, report)) return;
+    struct stat64 status = {};
+    if (direct != nullptr && input.isRegular() && fstat64(direct->descriptor(), &status) == 0 &&
+        input.isSame(status))
+        return report.error(CONV_IS_OUTPUT, {name});
+    Findings findings(report, name, each());
+    std::string encoding;
+    const bool strip = m_options.mark != Options::Mark::kKeep || !isFirst;
+    if (!convertText(way(marks(strip)), input, name, &output, outputName, findings, report,
+                     &encoding))
+        return;
+    if (findings.count() > 0 && !m_options.quiet)
+        report.warning(CONV_REPLACED, {name, std::to_string(findings.count())});
+    if (m_options.verbose) report.information(CONV_DONE, {name, encoding});
+    m_progress.addFile();
+}
+
+}  // namespace conv

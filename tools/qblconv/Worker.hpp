@@ -1,0 +1,59 @@
+#ifndef TOOLS_QBLCONV_WORKER_HPP
+#define TOOLS_QBLCONV_WORKER_HPP
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "i18n/cpp/i18n_converter.hpp"
+#include "tools/qblconv/Convert.hpp"
+#include "tools/qblconv/Operands.hpp"
+#include "tools/qblconv/Options.hpp"
+
+namespace conv {
+
+/// Works on files, one after the other: converts each into an output of its own, in place, or onto
+/// the end of one for all; or checks it. What is wrong goes into the file's report.
+///
+/// Threads: one at a time for each object.
+class Worker {
+public:
+    /// Requires: there are such encodings.
+    Worker(const Options& options, Progress& progress);
+
+    /// Works on a file of those that have outputs of their own, or are checked.
+    void work(const Item& item, FileReport& report);
+    /// Converts a file onto the end of an output. @param isFirst  of those on it
+    void join(const std::string& path, DirectOutput* direct, Output& output,
+              const std::string& outputName, bool isFirst, FileReport& report);
+    /// What an output begins with, under --bom=add.
+    const std::string& mark() const { return m_mark; }
+
+private:
+    bool open(const Item& item, Input& input, FileReport& report);
+    void check(const std::string& name, Input& input, FileReport& report);
+    void convertInto(const Item& item, Input& input, FileReport& report);
+    void convertInPlace(const Item& item, Input& input, FileReport& report);
+    bool keepOriginal(const std::string& path, FileReport& report) const;
+    /// @return whether the output can be put in its place
+    bool fill(Input& input, const std::string& name, Output& output, const std::string& outputName,
+              FileReport& report);
+    bool isToBeKept(Input& input, const std::string& name, FileReport& report);
+    Way way(I18NByteOrderMark mark);
+    I18NByteOrderMark marks(bool strip) const;
+    Findings::Each each() const;
+
+    const Options& m_options;
+    Progress& m_progress;
+    std::unique_ptr<I18NConverter> m_from, m_to;
+    std::unique_ptr<I18NConverter> m_valid;  // strictly what is to be kept
+    std::string m_mark;                      // under --bom=add
+    std::string m_validMark;
+    bool m_isMarkToChoose;
+    std::vector<char> m_block;
+    NewOutput m_new;
+};
+
+}  // namespace conv
+
+#endif

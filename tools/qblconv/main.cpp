@@ -1,0 +1,49 @@
+// qblconv: converts text files between encodings.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <exception>
+
+#include "QBLCore/Exceptions/QBLThrowable.hpp"
+#include "QBLCore/Frame/QBLCore.h"
+#include "tools/qblconv/Interrupt.hpp"
+#include "tools/qblconv/Run.hpp"
+
+namespace {
+
+/// Sees to it that no file gets the descriptor of a standard stream that is closed: what is
+/// written to that one, or read from it, still fails.
+void occupyStandardStreams() {
+    for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (fcntl(fd, F_GETFD) < 0) open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+}
+
+int runCommandLine(int argc, char** argv) {
+    int status = conv::run(argc, argv);
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+        std::perror("qblconv");
+        status = conv::kFailed;
+    }
+    return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    occupyStandardStreams();
+    conv::catchInterrupts();
+    // The installation's bin directory, one of those that catalogues are sought in, is known then.
+    qblCoreInitialize();
+    int status = conv::kFailed;
+    try {
+        status = runCommandLine(argc, argv);
+    } catch (QBLThrowable& error) {
+        std::fprintf(stderr, "%s\n", error.toString());
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "qblconv: %s\n", error.what());
+    }
+    qblCoreTerminate();
+    conv::endIfInterrupted();
+    return status;
+}

@@ -1,0 +1,70 @@
+// Made by qblmsgc from qblconvmsgs_en.msg.
+#ifndef QBLCONVMSGS_HPP
+#define QBLCONVMSGS_HPP
+
+enum qblconvmsgs {
+    /// How it is called; ends with a line end.
+    CONV_USAGE = 1,
+    /// {0} the option
+    CONV_NO_OPTION = 2,
+    /// {0} the option, {1} what is like it
+    CONV_NO_OPTION_BUT = 3,
+    /// {0} the option
+    CONV_OPTION_ALONE = 4,
+    /// {0} the option
+    CONV_NO_ARGUMENT = 5,
+    /// {0} the option, {1} its argument
+    CONV_BAD_ARGUMENT = 6,
+    /// {0} the option, {1} its argument, {2} what is like it
+    CONV_BAD_ARGUMENT_BUT = 7,
+    /// {0} and {1} options
+    CONV_NOT_TOGETHER = 8,
+    /// {0} the option
+    CONV_NO_OPERANDS = 9,
+    /// {0} the encoding
+    CONV_NO_ENCODING = 10,
+    /// {0} the encoding, {1} what is like it
+    CONV_NO_ENCODING_BUT = 11,
+    /// {0} the encoding
+    CONV_NO_MARK = 12,
+    /// {0} and {1} operands, {2} the file
+    CONV_SAME_OUTPUT = 13,
+    /// {0} directory
+    CONV_IS_DIRECTORY = 14,
+    /// {0} the version
+    CONV_VERSION = 15,
+    /// {0} the option
+    CONV_NEEDS_MODE = 16,
+    /// {3} offset, {4} bytes, {5} encoding
+    CONV_BAD_BYTES = 20,
+    /// {3} offset, {4} bytes, {5} encoding
+    CONV_CUT_OFF = 21,
+    /// {3} code point, {4} encoding
+    CONV_NO_CHARACTER = 22,
+    /// {1} reason
+    CONV_CANNOT_READ = 30,
+    /// {1} reason
+    CONV_CANNOT_WRITE = 31,
+    /// {1} reason
+    CONV_CANNOT_LOCK = 32,
+    CONV_LOCKED = 33,
+    CONV_CHANGED = 34,
+    CONV_NOT_REGULAR = 35,
+    /// {1} the other name, {2} reason
+    CONV_CANNOT_KEEP = 36,
+    CONV_IS_OUTPUT = 37,
+    /// {1} reason
+    CONV_FAILED = 38,
+    CONV_NOT_WRITTEN = 39,
+    /// {1} how many
+    CONV_REPLACED = 40,
+    CONV_DONE = 50,
+    /// {1} encoding
+    CONV_KEPT = 51,
+    /// {1} encoding
+    CONV_VALID = 52,
+    /// While it runs; {0} files, {1} megabytes.
+    CONV_PROGRESS = 60,
+};
+
+#endif
