@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "QBLCore/Messages/QBLMessageString.hpp"
 #include "QBLCore/Messages/QBLXmlEscape.hpp"
 #include "i18n/cpp/i18n_string.hpp"
 
@@ -10,25 +11,20 @@ namespace tools {
 MessageText::MessageText(const std::string& catalogue, std::string locales)
     : m_message(catalogue.c_str()), m_locales(std::move(locales)) {}
 
-void MessageText::fill(QBLSeverity severity, unsigned id, const Details& details, bool escaped) {
-    m_message.setMessage(severity, id);
-    m_message.clearParms();
-    for (const std::string& detail : details)
-        m_message << I18NString(
-            (escaped ? qblXmlEscape(std::string_view(detail)) : detail).c_str());
-}
-
 std::string MessageText::text(unsigned id, const Details& details) {
-    fill(QBLSeverityError, id, details, false);
+    m_message.setMessage(QBLSeverityError, id);
+    m_message.clearParms();
+    for (const std::string& detail : details) m_message << I18NString(detail.c_str());
     I18NString text;
     m_message.format(m_locales.c_str(), nullptr, text);
     return text.toUtf8();
 }
 
+// The element of the message itself would have the catalogue's path, with whatever is in that.
 std::string MessageText::element(QBLSeverity severity, unsigned id, const Details& details) {
-    fill(severity, id, details, true);
+    const std::string escaped = qblXmlEscape(std::string_view(text(id, details)));
     I18NString element;
-    m_message.toString(m_locales.c_str(), nullptr, element, 1);
+    QBLMessageString(severity, escaped.c_str()).toString(nullptr, nullptr, element, 1);
     return element.toUtf8();
 }
 

@@ -22,12 +22,10 @@ public:
 
     /// The text for people, without a line end.
     std::string text(unsigned id, const Details& details = {});
-    /// A `<Message>` element with the text. The details are escaped.
+    /// A `<Message>` element with the text, which is escaped.
     std::string element(QBLSeverity severity, unsigned id, const Details& details);
 
 private:
-    void fill(QBLSeverity severity, unsigned id, const Details& details, bool escaped);
-
     QBLMessageFile m_message;
     std::string m_locales;
 };

@@ -203,7 +203,7 @@ private:
                 allowed = "lL";
                 break;
             default:
-                allowed = "hVLX";
+                allowed = "hVL";
         }
         const bool converts = m_options.mode <= Mode::kInPlace;
         for (const auto& [letter, shown] : m_shown) {
@@ -216,9 +216,12 @@ private:
         }
         if (m_options.mode == Mode::kInPlace && m_shown.count(kLock) == 0)
             m_options.lock = Options::Lock::kTry;
+        if (m_options.quiet) m_options.verbose = false;
         const bool needsOperands = m_options.mode == Mode::kDirectory ||
                                    m_options.mode == Mode::kInPlace ||
                                    m_options.mode == Mode::kCheck;
+        if (m_options.mode == Mode::kList && m_options.operands.size() > 1)
+            return fail(CONV_BAD_ARGUMENT, {m_mode, "\"" + m_options.operands[1] + "\""});
         if (needsOperands && m_options.operands.empty()) return fail(CONV_NO_OPERANDS, {m_mode});
         return true;
     }

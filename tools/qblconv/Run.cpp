@@ -8,6 +8,7 @@
 #include <optional>
 #include <thread>
 
+#include "QBLCore/Exceptions/QBLThrowable.hpp"
 #include "QBLCore/ThreadPools/QBLTaskGroup.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
@@ -72,7 +73,19 @@ private:
         std::uint64_t number = 0;
         while (take(item, number)) {
             FileReport report(m_report, number, texts);
-            worker.work(item, report);
+            guarded(item.path, report, [&] { worker.work(item, report); });
+        }
+    }
+
+    /// What goes wrong with a file is no reason to give up the others.
+    template <class Body>
+    static void guarded(const std::string& path, FileReport& report, const Body& body) {
+        try {
+            body();
+        } catch (QBLThrowable& error) {
+            report.error(CONV_FAILED, {shown(path), error.getMessage()});
+        } catch (const std::exception& error) {
+            report.error(CONV_FAILED, {shown(path), error.what()});
         }
     }
 
@@ -105,7 +118,10 @@ private:
             if (!isWell) break;
             if (isInterrupted()) return;
             FileReport report(m_report, m_iTaken, texts);
-            worker.join(input, isDirect ? &direct : nullptr, output, name, m_iTaken == 0, report);
+            guarded(input, report, [&] {
+                worker.join(input, isDirect ? &direct : nullptr, output, name, m_iTaken == 0,
+                            report);
+            });
             ++m_iTaken;
             if (output.error() != 0) isWell = false;
         }
@@ -131,7 +147,6 @@ private:
 
 /// What can be known to be wrong before anything is done.
 bool check(const Options& options, Problem& problem) {
-    Problem none;
     const auto from = openEncoding(options.from, problem);
     if (from == nullptr) return false;
     const auto to = openEncoding(options.to, problem);

@@ -85,7 +85,10 @@ bool Worker::open(const Item& item, Input& input, FileReport& report) {
         error = input.error();
     if (input.isPassedOver() || isInterrupted()) return false;
     if (error != 0) {
-        report.error(CONV_CANNOT_READ, {shown(item.path), std::strerror(error)});
+        // In place it is opened for writing, too.
+        const bool isOurs = isInPlace && (error == EACCES || error == EROFS || error == ETXTBSY);
+        report.error(isOurs ? CONV_CANNOT_WRITE : CONV_CANNOT_READ,
+                     {shown(item.path), std::strerror(error)});
         return false;
     }
     if (isInPlace && !input.isRegular()) {
@@ -111,19 +114,28 @@ bool Worker::isToBeKept(Input& input, const std::string& name, FileReport& repor
     if (m_valid == nullptr) return false;
     int error = ESPIPE;
     const bool isKept = input.isRegular() && isValid(*m_valid, m_validMark, input, m_block, error);
-    if (error != 0) report.error(CONV_CANNOT_READ, {name, std::strerror(error)});
+    if (error != 0 && !isInterrupted())
+        report.error(CONV_CANNOT_READ, {name, std::strerror(error)});
+    if (error != 0) report.fail();
     if (isKept && m_options.verbose) report.information(CONV_KEPT, {name, m_options.to});
     return isKept;
 }
 
 bool Worker::fill(Input& input, const std::string& name, Output& output,
                   const std::string& outputName, FileReport& report) {
+    if (!m_mark.empty() && !output.write(m_mark.data(), m_mark.size())) {
+        report.error(CONV_CANNOT_WRITE, {outputName, std::strerror(output.error())});
+        return false;
+    }
+    return convert(input, name, output, outputName, m_options.mark != Options::Mark::kKeep, report);
+}
+
+bool Worker::convert(Input& input, const std::string& name, Output& output,
+                     const std::string& outputName, bool stripMark, FileReport& report) {
     Findings findings(report, name, each());
     std::string encoding;
-    const bool isMarked = m_mark.empty() || output.write(m_mark.data(), m_mark.size());
-    if (!isMarked) report.error(CONV_CANNOT_WRITE, {outputName, std::strerror(output.error())});
-    if (!isMarked || !convertText(way(marks(m_options.mark != Options::Mark::kKeep)), input, name,
-                                  &output, outputName, findings, report, &encoding))
+    if (!convertText(way(marks(stripMark)), input, name, &output, outputName, findings, report,
+                     &encoding))
         return false;
     if (findings.count() > 0 && !m_options.quiet)
         report.warning(CONV_REPLACED, {name, std::to_string(findings.count())});
@@ -181,15 +193,8 @@ void Worker::join(const std::string& path, DirectOutput* direct, Output& output,
     if (direct != nullptr && input.isRegular() && fstat64(direct->descriptor(), &status) == 0 &&
         input.isSame(status))
         return report.error(CONV_IS_OUTPUT, {name});
-    Findings findings(report, name, each());
-    std::string encoding;
     const bool strip = m_options.mark != Options::Mark::kKeep || !isFirst;
-    if (!convertText(way(marks(strip)), input, name, &output, outputName, findings, report,
-                     &encoding))
-        return;
-    if (findings.count() > 0 && !m_options.quiet)
-        report.warning(CONV_REPLACED, {name, std::to_string(findings.count())});
-    if (m_options.verbose) report.information(CONV_DONE, {name, encoding});
+    if (!convert(input, name, output, outputName, strip, report)) return;
     m_progress.addFile();
 }
 

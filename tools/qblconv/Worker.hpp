@@ -38,6 +38,9 @@ private:
     /// @return whether the output can be put in its place
     bool fill(Input& input, const std::string& name, Output& output, const std::string& outputName,
               FileReport& report);
+    /// @return whether all of it came onto the output
+    bool convert(Input& input, const std::string& name, Output& output,
+                 const std::string& outputName, bool stripMark, FileReport& report);
     bool isToBeKept(Input& input, const std::string& name, FileReport& report);
     Way way(I18NByteOrderMark mark);
     I18NByteOrderMark marks(bool strip) const;
