@@ -11,10 +11,9 @@ namespace {
 
 class Conversion {
 public:
-    Conversion(const Way& way, const std::string& name, Output* output,
-               const std::string& outputName, Findings& findings, FileReport& report)
-        : m_name(name),
-          m_pOutput(output),
+    Conversion(const Way& way, Output* output, const std::string& outputName, Findings& findings,
+               FileReport& report)
+        : m_pOutput(output),
           m_outputName(outputName),
           m_findings(findings),
           m_report(report),
@@ -31,7 +30,7 @@ public:
         } catch (const I18NRuntimeError& error) {
             if (error.getErrorCode() != I18N_CONVERSION) throw;
             m_findings.tellLast(m_stream.getInputEncoding(), m_to);
-            write();
+            if (m_pOutput != nullptr && m_pOutput->isDirect()) write();
             return false;
         }
         m_findings.tell(m_stream.getInputEncoding(), m_to);
@@ -49,7 +48,6 @@ private:
         return false;
     }
 
-    const std::string& m_name;
     Output* const m_pOutput;
     const std::string& m_outputName;
     Findings& m_findings;
@@ -63,7 +61,7 @@ private:
 bool convertText(const Way& way, Input& input, const std::string& name, Output* output,
                  const std::string& outputName, Findings& findings, FileReport& report,
                  std::string* encoding) {
-    Conversion conversion(way, name, output, outputName, findings, report);
+    Conversion conversion(way, output, outputName, findings, report);
     for (int got = 1; got > 0;) {
         got = input.read(way.block.data(), static_cast<unsigned>(way.block.size()));
         if (isInterrupted()) return false;

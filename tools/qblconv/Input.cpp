@@ -39,7 +39,7 @@ bool Input::openFile() {
     const bool isStandard = m_path == "-";
     int flags = O_CLOEXEC | O_NOCTTY;
     if (m_origin != Origin::kNamed) flags |= O_NONBLOCK;
-    if (m_origin == Origin::kFoundNoLink) flags |= O_NOFOLLOW;
+    if (m_origin == Origin::kFoundInPlace) flags |= O_NOFOLLOW;
     const bool isOpen =
         isStandard ? m_file.open(QBLFmFile64::standardinput)
                    : m_file.open(m_path.c_str(), static_cast<QBLFmFile64::createmode>(flags),
@@ -47,13 +47,13 @@ bool Input::openFile() {
     if (!isOpen) {
         const int error = m_file.getLastErrorNumber();
         // A link, or a socket or device without anything behind it.
-        m_isPassedOver = (m_origin == Origin::kFoundNoLink && error == ELOOP) ||
-                         (m_origin != Origin::kNamed && error == ENXIO);
+        m_isPassedOver =
+            (m_origin == Origin::kFoundInPlace && error == ELOOP) || (isFound() && error == ENXIO);
         return failed(error);
     }
     if (fstat64(isStandard ? 0 : m_file.getFileDescriptor(), &m_status) != 0) return failed(errno);
     if (S_ISDIR(m_status.st_mode)) return failed(EISDIR);
-    m_isPassedOver = m_origin != Origin::kNamed && !isRegular();
+    m_isPassedOver = isFound() && !isRegular();
     return !m_isPassedOver;
 }
 

@@ -15,9 +15,9 @@ namespace conv {
 /// Threads: one at a time for each object.
 class Input {
 public:
-    /// How a file came to be an input: one that a directory has is passed over if it is no file of
-    /// bytes, and never waited for.
-    enum class Origin { kNamed, kFound, kFoundNoLink };
+    /// How a file came to be an input. Only one that was named, and is not to be replaced, is
+    /// waited for, as a pipe is; one found in a directory is passed over if it is not regular.
+    enum class Origin { kNamed, kNamedInPlace, kFound, kFoundInPlace };
 
     /// @param path  "-" for the standard input
     /// @return false if it cannot be read, or is passed over; isPassedOver() tells
@@ -41,6 +41,7 @@ public:
 
 private:
     bool openFile();
+    bool isFound() const { return m_origin >= Origin::kFound; }
     bool failed(int error);
 
     QBLFmFile64 m_file;

@@ -80,7 +80,7 @@ bool Operands::next(Item& item) {
             if (isHidden || (m_isInPlace && isDone(below(level.real, file)))) continue;
             item.path = level.path + file;
             item.name = below(level.name, file);
-            item.origin = m_isInPlace ? Input::Origin::kFoundNoLink : Input::Origin::kFound;
+            item.origin = m_isInPlace ? Input::Origin::kFoundInPlace : Input::Origin::kFound;
             item.error = 0;
             return true;
         }
@@ -118,7 +118,8 @@ bool Operands::nextOperand(Item& item) {
             if (!enter(operand, lastPart(operand), real, item)) return true;
             return next(item);
         }
-        item = {operand, lastPart(operand), Input::Origin::kNamed, 0};
+        item = {operand, lastPart(operand),
+                m_isInPlace ? Input::Origin::kNamedInPlace : Input::Origin::kNamed, 0};
         return true;
     }
     return false;

@@ -22,6 +22,8 @@ public:
     [[nodiscard]] virtual bool commit() = 0;
     /// Of the operation that failed.
     virtual int error() const = 0;
+    /// Whether what is written stays, committed or not.
+    virtual bool isDirect() const { return false; }
 };
 
 /// An open file, device or pipe.
@@ -34,6 +36,7 @@ public:
     bool write(const char* bytes, std::size_t size) override;
     bool commit() override;
     int error() const override { return m_error; }
+    bool isDirect() const override { return true; }
     int descriptor() const;
 
 private:

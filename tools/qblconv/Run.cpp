@@ -106,7 +106,8 @@ private:
             m_options.output.empty() ||
             (stat64(m_options.output.c_str(), &status) == 0 && !S_ISREG(status.st_mode));
         Output& output = isDirect ? static_cast<Output&>(direct) : replacing;
-        const std::string name = m_options.output.empty() ? "-" : shown(m_options.output);
+        const std::string name =
+            m_options.output.empty() ? texts.text(CONV_STANDARD_OUTPUT) : shown(m_options.output);
         const bool isOpen = !isDirect                  ? replacing.open(m_options.output)
                             : m_options.output.empty() ? direct.open()
                                                        : direct.open(m_options.output);

@@ -39,7 +39,10 @@ Closest::Closest(const std::string& wrong)
     : m_wrong(lettersOf(wrong)), m_distance(std::max<std::size_t>(m_wrong.size() / 3, 1) + 1) {}
 
 void Closest::offer(const char* name) {
-    const std::size_t distance = editDistance(m_wrong, lettersOf(name));
+    const std::string letters = lettersOf(name);
+    // Many break a word off early.
+    const bool isBeginning = m_wrong.size() > 2 && letters.compare(0, m_wrong.size(), m_wrong) == 0;
+    const std::size_t distance = isBeginning ? 1 : editDistance(m_wrong, letters);
     if (distance >= m_distance) return;
     m_distance = distance;
     m_found = name;

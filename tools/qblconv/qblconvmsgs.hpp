@@ -35,6 +35,7 @@ enum qblconvmsgs {
     CONV_VERSION = 15,
     /// {0} the option
     CONV_NEEDS_MODE = 16,
+    CONV_STANDARD_OUTPUT = 17,
     /// {3} offset, {4} bytes, {5} encoding
     CONV_BAD_BYTES = 20,
     /// {3} offset, {4} bytes, {5} encoding
