@@ -1,32 +1,16 @@
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <cstdio>
 #include <filesystem>
 
 #include "tests/support/BmfFile.hpp"
-#include "tests/support/TempTree.hpp"
+#include "tests/tools/RunTool.hpp"
 
 namespace {
-
-/// What a run printed, on both streams, and its exit status.
-struct Outcome {
-    int status;
-    std::string output;
-};
 
 /// Runs the tool in a directory. @param environment  like "LC_ALL=de"
 Outcome run(const TempTree& tree, const std::string& arguments,
             const std::string& environment = "LC_ALL=C") {
-    const std::string command = "cd '" + std::string(tree.root()) + "' && unset TAV_EXEC_PATH; " +
-                                environment + " '" QBL_MSGC "' " + arguments + " 2>&1";
-    std::FILE* pipe = popen(command.c_str(), "r");
-    std::string output;
-    char block[4096];
-    while (const std::size_t got = std::fread(block, 1, sizeof block, pipe))
-        output.append(block, got);
-    const int status = pclose(pipe);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
+    return runTool(tree, "'" QBL_MSGC "' " + arguments, environment);
 }
 
 void expectRun(const TempTree& tree, const std::string& arguments, int status,
@@ -144,11 +128,16 @@ TEST(QblmsgcTest, ShippedCataloguesComeBackFromTheirDumps) {
         expectRun(tree, "-W -o b.bmf a.msg", 0, "");
         EXPECT_EQ(tree.text("a.bmf"), tree.text("b.bmf")) << file.path();
     }
-    EXPECT_GE(count, 8);
-    expectRun(tree, "-H qblmsgcmsgs.hpp -o a.bmf '" QBL_MSGS_DIR "/qblmsgcmsgs_en.msg'", 0, "");
-    expectRun(tree,
-              "-h >/dev/null && cmp qblmsgcmsgs.hpp '" QBL_TOOLS_DIR "/qblmsgc/qblmsgcmsgs.hpp'", 0,
-              "");
+    EXPECT_GE(count, 12);
+    for (const std::string tool : {"qblmsgc", "qblconv"}) {
+        const std::string header = tool + "msgs.hpp";
+        const std::string source = " '" QBL_MSGS_DIR "/" + tool + "msgs_en.msg'";
+        expectRun(tree, "-H " + header + " -o a.bmf" + source, 0, "");
+        expectRun(
+            tree,
+            "-h >/dev/null && cmp " + header + " '" QBL_TOOLS_DIR "/" + tool + "/" + header + "'",
+            0, "");
+    }
 }
 
 TEST(QblmsgcTest, HostileMessageFilesAreRefused) {

@@ -28,10 +28,10 @@ public:
 
     bool read(std::vector<std::string>& operands) {
         while (m_at < m_argc) {
-            bool isEnd = false;
-            if (!readOptions(isEnd)) return false;
+            bool isEnd = false, isOperand = true;
+            if (!readOptions(isEnd, isOperand)) return false;
             if (isEnd) break;
-            if (m_at < m_argc) operands.emplace_back(m_argv[m_at++]);
+            if (isOperand && m_at < m_argc) operands.emplace_back(m_argv[m_at++]);
         }
         operands.insert(operands.end(), m_argv + m_at, m_argv + m_argc);
         return true;
@@ -43,8 +43,10 @@ private:
         return false;
     }
 
-    /// Reads up to the next operand. @param isEnd  whether all that follows are operands
-    bool readOptions(bool& isEnd) {
+    /// Reads up to the next operand, or to where it has to begin anew.
+    /// @param isEnd  receives whether all that follows are operands
+    /// @param isOperand  receives whether the next word is one
+    bool readOptions(bool& isEnd, bool& isOperand) {
         QBLUtGetOpt words;
         words.setPrintErrors(0);
         char** const first = m_argv + m_at - 1;
@@ -61,6 +63,7 @@ private:
                 return false;
             if (isMoved) break;  // behind a word that only we know to be an argument
         }
+        isOperand = !isMoved;
         isEnd = !isMoved && words.getOptInd() != before;
         m_at += words.getOptInd() - 1 + (isMoved ? 1 : 0);
         return true;

@@ -1,0 +1,200 @@
+// What the converter does to files: in place, into directories, onto its inputs, when it is killed.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <random>
+#include <thread>
+
+#include "QBLCore/FileLock/M_LockFile.hpp"
+#include "tests/support/Child.hpp"
+#include "tests/tools/RunTool.hpp"
+
+namespace {
+
+const std::string kShiftJIS = "a\x82\xA0\n", kUTF8 = "a\xE3\x81\x82\n", kBroken = "b\n\x82";
+
+Outcome run(const TempTree& tree, const std::string& arguments) {
+    return runTool(tree, "Q='" QBL_CONV "'; $Q -f Shift_JIS " + arguments);
+}
+
+void expectRun(const TempTree& tree, const std::string& arguments, int status,
+               const std::string& output) {
+    const Outcome result = run(tree, arguments);
+    EXPECT_EQ(status, result.status) << arguments << "\n" << result.output;
+    EXPECT_EQ(output, result.output) << arguments;
+}
+
+/// The names in a directory, by their bytes.
+std::string namesIn(const TempTree& tree, const std::string& directory) {
+    return runTool(tree, "cd '" + directory + "' && find . -mindepth 1 | sort | tr '\\n' ' '")
+        .output;
+}
+
+unsigned modeOf(const std::string& path) {
+    struct stat64 status = {};
+    return stat64(path.c_str(), &status) == 0 ? status.st_mode & 07777U : 0U;
+}
+
+/// Starts the tool, with its output thrown away.
+Child start(const std::vector<std::string>& arguments) {
+    return Child([&] {
+        std::vector<char*> words = {const_cast<char*>(QBL_CONV)};
+        for (const std::string& argument : arguments)
+            words.push_back(const_cast<char*>(argument.c_str()));
+        words.push_back(nullptr);
+        dup2(open("/dev/null", O_RDWR), STDERR_FILENO);
+        execv(QBL_CONV, words.data());
+        return 127;
+    });
+}
+
+}  // namespace
+
+TEST(QblconvFilesTest, InPlaceAFileKeepsItsModeItsLinksAndOnWishItsOriginal) {
+    TempTree tree;
+    tree.file("s", kShiftJIS);
+    ASSERT_EQ(0, chmod(tree("s").c_str(), 0640));
+    std::filesystem::create_symlink("s", tree("link"));
+    // A file comes once, by whatever names.
+    expectRun(tree, "-vi=.old link ./s", 0, "link: converted from Shift_JIS\n");
+    EXPECT_EQ(kUTF8, tree.text("s"));
+    EXPECT_EQ(kShiftJIS, tree.text("s.old"));
+    EXPECT_EQ(0640U, modeOf(tree("s")));
+    EXPECT_TRUE(std::filesystem::is_symlink(tree("link")));
+    // What fails stays as it was, and what is valid already, if that is asked for.
+    tree.file("bad", kBroken);
+    expectRun(tree, "-kvi bad s", 1,
+              "bad:2:1: byte 2: the end cuts off 82, in Shift_JIS\ns: already UTF-8\n");
+    EXPECT_EQ(kBroken, tree.text("bad"));
+    // An original that was kept gives way; nearly any text is valid UTF-16 but for its mark.
+    tree.file("s", kShiftJIS + "b");
+    expectRun(tree, "--in-place=.old -kt UTF-16LE s", 0, "");
+    EXPECT_EQ(kShiftJIS + "b", tree.text("s.old"));
+    EXPECT_EQ(std::string("a\0B0\n\0b\0", 8), tree.text("s"));
+    EXPECT_EQ("./bad ./link ./s ./s.old ", namesIn(tree, "."));
+}
+
+TEST(QblconvFilesTest, InPlaceOnlyWhatIsRegularAndUnlocked) {
+    TempTree tree;
+    const int file = open(tree.file("s", kShiftJIS).c_str(), O_RDWR);
+    ASSERT_EQ(1, M_LockFile(file, 0, 0));
+    expectRun(tree, "-i s", 1, "s: another program has locked it\n");
+    expectRun(tree, "-n --lock=try s", 1, "s: another program has locked it\n");
+    EXPECT_EQ(kShiftJIS, tree.text("s"));
+    Child waiting = start({"-f", "Shift_JIS", "-i", "--lock=wait", tree("s")});
+    // Its turn comes with the file that has the name then.
+    tree.file("new", "\x82\xA2");
+    std::filesystem::rename(tree("new"), tree("s"));
+    ASSERT_EQ(1, M_UnLockFile(file));
+    EXPECT_EQ(0, waiting.wait());
+    EXPECT_EQ("\xE3\x81\x84", tree.text("s"));
+    close(file);
+    ASSERT_EQ(0, mkfifo(tree("pipe").c_str(), 0600));
+    expectRun(tree, "-i pipe --lock=none", 1, "pipe: no regular file\n");
+    tree.file("s", kShiftJIS);
+    expectRun(tree, "-n pipe -v & cat s >pipe; wait", 0, "pipe: all of it is Shift_JIS\n");
+    expectRun(tree, "-vir .", 0, "./s: converted from Shift_JIS\n");
+}
+
+TEST(QblconvFilesTest, OneOutputEachInTheOrderOfTheInputs) {
+    TempTree tree;
+    std::string expected;
+    tree.dir("in/deep/.git");
+    for (int i = 0; i < 300; ++i) {
+        std::string name = std::to_string(1000 + i);
+        if (i >= 150) name.insert(0, "deep/");
+        const bool isBroken = i % 7 == 0;
+        // Some take longer than those behind them.
+        std::string text;
+        for (int k = i % 5 == 0 ? 20000 : 1; k > 0; --k) text += kShiftJIS;
+        tree.file("in/" + name + ".txt", isBroken ? text + kBroken : text);
+        if (!isBroken) continue;
+        const int lines = i % 5 == 0 ? 20000 : 1;
+        expected += "in/" + name + ".txt:" + std::to_string(lines + 2) + ":1: byte " +
+                    std::to_string(4 * lines + 2) + ": the end cuts off 82, in Shift_JIS\n";
+    }
+    for (const char* other : {"in/x.bin", "in/.hidden.txt", "in/deep/.git/x.txt"})
+        tree.file(other, kBroken);
+    std::filesystem::create_directory_symlink("..", tree("in/deep/loop"));
+    for (const char* jobs : {"1", "2", "9"})
+        expectRun(tree, std::string("-m '*.txt' -rd in/out in -j ") + jobs, 1, expected);
+    EXPECT_EQ(kUTF8, tree.text("in/out/in/deep/1151.txt"));
+    EXPECT_EQ("257\n", runTool(tree, "find in/out -type f | wc -l").output);
+}
+
+TEST(QblconvFilesTest, NothingIsLostWhereOutputMeetsInput) {
+    TempTree tree;
+    tree.file("s", kShiftJIS);
+    expectRun(tree, "s -o s; cat s", 0, kUTF8);
+    tree.file("s", kShiftJIS);
+    expectRun(tree, "-d . s; cat s", 0, kUTF8);
+    tree.file("s", kShiftJIS);
+    tree.file("bad", kBroken);
+    expectRun(tree, "s bad -o s", 1,
+              "bad:2:1: byte 2: the end cuts off 82, in Shift_JIS\ns: left as it was\n");
+    EXPECT_EQ(kShiftJIS, tree.text("s"));
+    expectRun(tree, "s >>s", 1, "s: would be written while it is read\n");
+    expectRun(tree, "- <s >>s", 1, "-: would be written while it is read\n");
+    expectRun(tree, "s >&-", 1, "the standard output: cannot be written: Bad file descriptor\n");
+    expectRun(tree, "s s -o /dev/full", 1,
+              "/dev/full: cannot be written: No space left on device\n");
+    // Inputs behind a failure of the output are not read.
+    expectRun(tree, "s no-such/.. -qX >/dev/full", 2,
+              "no-such/..: cannot be read: No such file or directory\n");
+    expectRun(tree, "-ir s . -v", 1,
+              "s: converted from Shift_JIS\n"
+              "./bad:2:1: byte 2: the end cuts off 82, in Shift_JIS\n");
+    expectRun(tree, "bad -d s; $Q -f Shift_JIS -d /proc/no s", 1,
+              "s/bad: cannot be written: File exists\ns:1:3: byte 3: 82 is not Shift_JIS\n");
+    EXPECT_EQ("./bad ./s ", namesIn(tree, "."));
+}
+
+TEST(QblconvFilesTest, KilledAtAnyMomentItLeavesTheOldFileOrTheNew) {
+    TempTree tree;
+    std::string before, after;
+    for (int i = 0; i < 100000; ++i) {
+        before += kShiftJIS;
+        after += kUTF8;
+    }
+    const std::string file = tree("s");
+    const auto convert = [&] { return start({"-f", "Shift_JIS", "-i=.old", file}); };
+    tree.file("s", before);
+    const auto begin = std::chrono::steady_clock::now();
+    ASSERT_EQ(0, convert().wait());
+    const std::chrono::duration<double> whole = std::chrono::steady_clock::now() - begin;
+    std::mt19937 random(1);
+    std::uniform_real_distribution<double> part(0, 1.2);
+    for (int i = 0; i < 200; ++i) {
+        tree.file("s", before);
+        Child killed = convert();
+        std::this_thread::sleep_for(whole * part(random));
+        killed.kill(SIGKILL);
+        killed.wait();
+        const std::string text = tree.text("s");
+        ASSERT_TRUE(text == before || text == after) << i << ": " << text.size() << " bytes";
+        // The original is kept from the moment on that its name has something else.
+        ASSERT_TRUE(text == before || tree.text("s.old") == before) << i;
+    }
+}
+
+TEST(QblconvFilesTest, InterruptedItTakesAwayWhatIsNotFinished) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        TempTree tree;
+        const std::string pipe = tree("pipe");
+        ASSERT_EQ(0, mkfifo(pipe.c_str(), 0600));
+        Child child = start({"-f", "Shift_JIS", "-d", tree("out"), pipe});
+        const int writer = open(pipe.c_str(), O_WRONLY);
+        std::string text;
+        for (int i = 0; i < 100000; ++i) text += kShiftJIS;
+        ASSERT_EQ(static_cast<ssize_t>(text.size()), write(writer, text.data(), text.size()));
+        // It has read some of it and made a file, for the pipe does not hold all.
+        child.kill(signal);
+        EXPECT_EQ(-signal, child.wait());
+        close(writer);
+        EXPECT_EQ("", namesIn(tree, "out"));
+    }
+}

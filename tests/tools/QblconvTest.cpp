@@ -1,0 +1,158 @@
+// What the converter makes of texts, and of its command line.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <vector>
+
+#include "tests/tools/RunTool.hpp"
+
+namespace {
+
+/// Files that the tables name: s is Shift_JIS, b is broken, u and w begin with a mark, e is empty,
+/// n has a zero, z a character that Shift_JIS lacks.
+void makeFiles(const TempTree& tree) {
+    tree.file("s", "a\x82\xA0\n");
+    tree.file("b", "x\n\x82\xA0\x82 c\n\x82");
+    tree.file("u", "\xEF\xBB\xBF\xC3\xA4\n");
+    tree.file("w", std::string("\xFF\xFE\xE4\0\n\0", 6));
+    tree.file("e", "");
+    tree.file("n", std::string("n\0l", 3));
+    tree.file("z", "\xC3\xA9\xE2\x80\x8Bz\xF0\x9F\x98\x80");
+    tree.dir("dir");
+}
+
+struct Row {
+    const char* arguments;
+    int status;
+    std::string output;
+};
+
+void expectRuns(const std::vector<Row>& table, const std::string& environment = "LC_ALL=C") {
+    TempTree tree;
+    makeFiles(tree);
+    for (const Row& row : table) {
+        const std::string command = std::string("Q='" QBL_CONV "'; $Q ") + row.arguments;
+        const Outcome result = runTool(tree, command, environment);
+        EXPECT_EQ(row.status, result.status) << row.arguments;
+        EXPECT_EQ(row.output, result.output) << row.arguments;
+    }
+}
+
+std::string bytes(const char* text, std::size_t size) { return {text, size}; }
+
+}  // namespace
+
+TEST(QblconvTest, TextsAreJoinedUnderEachPolicyAndMark) {
+    expectRuns({
+        {"-f Shift_JIS s", 0, "a\xE3\x81\x82\n"},
+        {"s --from sjis - e s -q <s", 0, "a\xE3\x81\x82\na\xE3\x81\x82\na\xE3\x81\x82\n"},
+        {"--from=UTF-8 --to=windows-1252 <u", 0, "\xE4\n"},
+        {"n e", 0, bytes("n\0l", 3)},
+        {"w", 0, "\xC3\xA4\n"},
+        {"-f UTF-16 w", 0, "\xC3\xA4\n"},
+        {"--bom=keep u w", 0, "\xEF\xBB\xBF\xC3\xA4\n\xC3\xA4\n"},
+        {"--bom add -t UTF-16BE e w u", 0, bytes("\xFE\xFF\0\xE4\0\n\0\xE4\0\n", 10)},
+        {"-f latin1 u", 0, "\xC3\xAF\xC2\xBB\xC2\xBF\xC3\x83\xC2\xA4\n"},
+        {"-f sjis b s", 1,
+         "x\n\xE3\x81\x82"
+         "b:2:2: byte 4: 82 is not sjis\na\xE3\x81\x82\n"},
+        {"-qp escape -f sjis b", 0, "x\n\xE3\x81\x82%X82 c\n%X82"},
+        {"-qc -f sjis b", 0, "x\n\xE3\x81\x82 c\n"},
+        {"-vp substitute,skip -t sjis z", 0,
+         "zz:1:1: U+00E9 is not in sjis\nz:1:2: U+200B is not in sjis\nz:1:4: U+1F600 is not in "
+         "sjis\nz: warning: replaced or left out: 3\nz: converted from UTF-8\n"},
+        {"-t sjis z", 1, "z:1:1: U+00E9 is not in sjis\n"},
+        {"-f ASCII u", 1, "u:1:1: byte 0: EF is not US-ASCII\n"},
+        {"-o out s -f sjis && cat out", 0, "a\xE3\x81\x82\n"},
+    });
+}
+
+TEST(QblconvTest, ACheckNamesEverySequence) {
+    expectRuns({
+        {"-n -f Shift_JIS b s e -v", 1,
+         "b:2:2: byte 4: 82 is not Shift_JIS\nb:3:1: byte 8: the end cuts off 82, in Shift_JIS\n"
+         "s: all of it is Shift_JIS\ne: all of it is Shift_JIS\n"},
+        {"-n -f sjis -t US-ASCII s b", 1,
+         "s:1:2: U+3042 is not in US-ASCII\nb:2:1: U+3042 is not in US-ASCII\n"
+         "b:2:2: byte 4: 82 is not sjis\nb:3:1: byte 8: the end cuts off 82, in sjis\n"},
+        {"-nv w - <u", 0, "w: all of it is UTF-16LE\n-: all of it is UTF-8\n"},
+        {"-n s >/dev/null", 1, "s:1:2: byte 1: 82 is not UTF-8\ns:1:3: byte 2: A0 is not UTF-8\n"},
+    });
+}
+
+TEST(QblconvTest, MessagesComeInTheUsersLanguageAndAsXml) {
+    expectRuns({{"-n -f sjis b", 1,
+                 "b:2:2: Byte 4: 82 ist kein sjis\n"
+                 "b:3:1: Byte 8: 82 wird vom Ende abgeschnitten, in sjis\n"},
+                {"-L fr -nf sjis -t latin1 s", 1, "s:1:2: U+3042 n'est pas dans latin1\n"}},
+               "LC_ALL=de_AT.UTF-8");
+    const std::string open =
+        "<Messages>\n<Message Name=\"QBLMessageString\" File=\"\" Severity=\"Error\" "
+        "Nesting=\"0\" ><MessageText>";
+    const std::string close = "</MessageText></Message>\n</Messages>\n";
+    expectRuns({
+        {"-Xn e", 0, "<Messages>\n</Messages>\n"},
+        {"-X -t sjis z 2>report; cat report", 0, open + "z:1:1: U+00E9 is not in sjis" + close},
+        {"-V >&- ; cp s \"$(printf 'q&<>\"\\047\\377\\n.x')\"; $Q -Xn q*x -f US-ASCII 2>/dev/null "
+         "| "
+         "head -n 2; $Q -Xn q*x | tail -n 1",
+         0,
+         "qblconv: Bad file descriptor\n" + open +
+             "q&amp;&lt;&gt;&quot;&apos;\\xFF\\x0A.x:1:2: byte 1: 82 is not US-ASCII"
+             "</MessageText></Message>\n</Messages>\n"},
+    });
+}
+
+TEST(QblconvTest, MisuseIsNamedAndNothingIsDone) {
+    const char* const table[][2] = {
+        {"-Z s", "qblconv: no such option: -Z"},
+        {"--form=X s", "qblconv: no such option: --form; perhaps --from?"},
+        {"--frm X s", "qblconv: no such option: --frm; perhaps --from?"},
+        {"--nonsense s", "qblconv: no such option: --nonsense"},
+        {"s -f", "qblconv: -f lacks its argument"},
+        {"s --from", "qblconv: --from lacks its argument"},
+        {"--xml=1 s", "qblconv: --xml takes no argument"},
+        {"-p subst s", "qblconv: -p cannot be \"subst\"; perhaps substitute?"},
+        {"-p skip,xyz s", "qblconv: -p cannot be \"xyz\""},
+        {"--bom=of s", "qblconv: --bom cannot be \"of\""},
+        {"-j 0 -n s", "qblconv: -j cannot be \"0\""},
+        {"-j 2x -n s", "qblconv: -j cannot be \"2x\""},
+        {"-j 4294967297 -n s", "qblconv: -j cannot be \"4294967297\""},
+        {"-i=a/b s", "qblconv: -i cannot be \"a/b\""},
+        {"-i= s", "qblconv: no such option: -="},
+        {"-i -=.x s", "qblconv: no such option: -="},
+        {"-i -n s", "qblconv: -i does not go with -n"},
+        {"-n -k s", "qblconv: -k does not go with -n"},
+        {"-o x -d y s", "qblconv: -o does not go with -d"},
+        {"-r s", "qblconv: -r is not for joining files; is -d, -i or -n missing?"},
+        {"-d out", "qblconv: -d needs the name of a file"},
+        {"-i -", "qblconv: - does not go with -i"},
+        {"-f shiftjsi s", "qblconv: no such encoding: shiftjsi; perhaps Shift_JIS?"},
+        {"-t zzzzzzzz s", "qblconv: no such encoding: zzzzzzzz (qblconv -l lists all)"},
+        {"-t '' s", "qblconv: no such encoding:  (qblconv -l lists all)"},
+        {"--bom=add -t sjis s", "qblconv: sjis has no byte-order mark"},
+        {"-d out s nofile", "nofile: cannot be read: No such file or directory"},
+        {"-n dir", "dir: a directory, and -r is not given"},
+        {"-d out s dir/../s", "qblconv: s and dir/../s would both become out/s"},
+    };
+    TempTree tree;
+    makeFiles(tree);
+    for (const auto& row : table) {
+        const Outcome result = runTool(tree, "'" QBL_CONV "' " + std::string(row[0]));
+        EXPECT_EQ(2, result.status) << row[0];
+        EXPECT_EQ(std::string(row[1]) + "\n", result.output) << row[0];
+        EXPECT_FALSE(std::filesystem::exists(tree("out"))) << row[0];
+    }
+    EXPECT_EQ("-Z\n", runTool(tree, "echo -Z >-Z; '" QBL_CONV "' -- -Z").output);
+}
+
+TEST(QblconvTest, EncodingsAreListedByAnyOfTheirNames) {
+    TempTree tree;
+    const Outcome found = runTool(tree, "'" QBL_CONV "' -l latin-9");
+    EXPECT_EQ(0, found.status);
+    EXPECT_EQ(0U, found.output.find("ISO-8859-15 "));
+    EXPECT_EQ(1, runTool(tree, "'" QBL_CONV "' -l no-such").status);
+    // Some have no letters, but all of them open.
+    const char loop[] = "$Q -l | cut -d' ' -f1 | while read e; do : | $Q -t $e || echo $e; done";
+    EXPECT_EQ("", runTool(tree, "Q='" QBL_CONV "'; " + std::string(loop)).output);
+}

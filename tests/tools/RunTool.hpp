@@ -1,0 +1,32 @@
+#ifndef TESTS_TOOLS_RUNTOOL_HPP
+#define TESTS_TOOLS_RUNTOOL_HPP
+
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <string>
+
+#include "tests/support/TempTree.hpp"
+
+/// What a run printed, on both streams, and its exit status.
+struct Outcome {
+    int status;
+    std::string output;
+};
+
+/// Runs a command of the shell in a directory. @param environment  like "LC_ALL=de"
+inline Outcome runTool(const TempTree& tree, const std::string& command,
+                       const std::string& environment = "LC_ALL=C") {
+    const std::string whole = "cd '" + std::string(tree.root()) +
+                              "' && unset TAV_EXEC_PATH; export " + environment + "; { " + command +
+                              "\n} 2>&1";
+    std::FILE* pipe = popen(whole.c_str(), "r");
+    std::string output;
+    char block[4096];
+    while (const std::size_t got = std::fread(block, 1, sizeof block, pipe))
+        output.append(block, got);
+    const int status = pclose(pipe);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
+}
+
+#endif
