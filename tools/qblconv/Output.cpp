@@ -87,10 +87,10 @@ bool NewOutput::create() {
             return failed(errno);
         m_directory = directory;
     }
-    static const std::string process = std::to_string(getpid());
+    static const std::string process = kTemporary + std::to_string(getpid()) + ".";
     for (int i = 0; i < kAttempts; ++i) {
-        const std::string name =
-            directory + kTemporary + process + "." + std::to_string(++g_counter);
+        std::string name = directory;
+        name.append(process).append(std::to_string(++g_counter));
         const auto flags = static_cast<QBLFmFile64::createmode>(O_CREAT | O_EXCL | O_CLOEXEC);
         if (m_file.open(name.c_str(), flags, 0)) {
             m_temporary = name;
