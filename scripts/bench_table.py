@@ -15,8 +15,10 @@ import subprocess
 import sys
 import time
 
+import bench_charts
+import bench_tools
+
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
-BEGIN, END = "<!-- measured -->", "<!-- /measured -->"
 # What Google Benchmark appends to a name.
 SUFFIX = re.compile(r"(/real_time|/manual_time|/iterations:\d+|/threads:\d+)+$")
 # Share of one processor that other programs may use during a measurement.
@@ -24,9 +26,13 @@ DISTURBED = 0.1
 
 
 class Row:
-    def __init__(self, line):
+    def __init__(self, line, area):
+        self.area = area
         self.title, self.ours, self.peer, limit, clock = (part.strip() for part in line.split("|"))
-        number, _, self.unit = limit.partition(" ")
+        number, _, unit = limit.partition(" ")
+        # Whether the limit is for our figure, not for the ratio.
+        self.absolute = bool(unit) and not unit.startswith("of ")
+        self.unit = unit if self.absolute else unit[len("of "):]
         self.limit = None if number == "-" else float(number)
         self.field = {"cpu": "cpu_time", "wall": "real_time", "own": "real_time"}[clock]
 
@@ -42,13 +48,19 @@ class Row:
     def target(self):
         if self.limit is None:
             return "-"
-        return f"{self.limit:g}" + (f" {self.unit}" if self.unit else "")
+        return f"{self.limit:g}" + (f" {self.unit}" if self.absolute else "")
 
 
 def read_pairs(pattern):
+    rows, area = [], ""
     with open(os.path.join(ROOT, "bench", "pairs.txt"), encoding="utf-8") as lines:
-        rows = [Row(line) for line in lines if line.strip() and not line.startswith("#")]
-    return [row for row in rows if re.search(pattern, " ".join((row.title, row.ours, row.peer)))]
+        for line in map(str.strip, lines):
+            if line.startswith("["):
+                area = line.strip("[]")
+            elif line and not line.startswith("#"):
+                rows.append(Row(line, area))
+    return [row for row in rows
+            if re.search(pattern, " ".join((row.title, row.ours, row.peer, row.area)))]
 
 
 def others_time():
@@ -60,8 +72,8 @@ def others_time():
     return ticks / os.sysconf("SC_CLK_TCK") - times.children_user - times.children_system
 
 
-def measure_undisturbed(program, names, options):
-    """What measure() gives, and the others' share of a processor meanwhile: the best of a few."""
+def measure_undisturbed(measure, program, names, options):
+    """What measure() of a program gives, and the others' share of a processor meanwhile: the best of a few."""
     best = None
     for attempt in range(options.attempts):
         if attempt > 0:
@@ -81,7 +93,7 @@ def escaped(name):
     return re.escape(name).replace(r"\-", "-")
 
 
-def measure(program, names, options):
+def run_benchmarks(program, names, options):
     """Runs the benchmarks of these names; a list of runs by name, without those that failed."""
     present = subprocess.run([program, "--benchmark_list_tests"], check=True, text=True,
                              stdout=subprocess.PIPE).stdout.split()
@@ -108,8 +120,8 @@ def measure(program, names, options):
 class Measurements:
     """Cells of the table: ours, peer, ratio, verdict; and what there is to say about them."""
 
-    def __init__(self, programs, options):
-        self.programs, self.options = programs, options
+    def __init__(self, measure, programs, options):
+        self.measure, self.programs, self.options = measure, programs, options
         self.done, self.notes = {}, []
         self.count = self.over = 0
 
@@ -119,17 +131,18 @@ class Measurements:
     def cell(self, row, width, program):
         names = row.names()
         if (width, names) not in self.done:
-            self.done[width, names] = measure_undisturbed(program, names, self.options)
+            self.done[width, names] = measure_undisturbed(self.measure, program, names,
+                                                         self.options)
         runs, share = self.done[width, names]
         ours, peer = (row.value(runs, side) for side in (row.ours, row.peer))
-        if ours is None or (peer is None and not row.unit):
+        if ours is None or (peer is None and not row.absolute):
             missing = names[0] if ours is None else names[1]
             self.notes.append(f"{width}: {row.title}: left out, no {missing} here")
             return [""] * 4
         if share > DISTURBED:
             self.notes.append(f"{width}: {row.title}: others used {share:.1f} processors meanwhile")
         ratio = None if peer is None else ours / peer
-        judged = ours if row.unit else ratio
+        judged = ours if row.absolute else ratio
         verdict = "" if row.limit is None else "ok" if judged <= row.limit else "over"
         self.count += 1
         self.over += verdict == "over"
@@ -141,7 +154,9 @@ def figure(row, value):
     if value is None:
         return "-"
     unit = row.unit or "ns"
-    if unit == "ns" and value >= 10000:
+    if unit == "ns" and value >= 1e9:
+        value, unit = value / 1e6, "ms"
+    elif unit == "ns" and value >= 10000:
         value, unit = value / 1000, "us"
     return f"{value:.{0 if value >= 1000 else 1 if value >= 10 else 2}f} {unit}"
 
@@ -167,51 +182,82 @@ def print_line(line, title_width):
     print(" ".join(texts).rstrip(), flush=True)
 
 
-def write_markdown(path, about, lines, notes):
+def write_markdown(path, about, lines, notes, mark="measured"):
     """Replaces what stands between the marks of a page."""
+    begin, end = f"<!-- {mark} -->", f"<!-- /{mark} -->"
     with open(path, encoding="utf-8") as page:
-        before, found, rest = page.read().partition(BEGIN)
-    _, closed, after = rest.partition(END)
+        before, found, rest = page.read().partition(begin)
+    _, closed, after = rest.partition(end)
     if not found or not closed:
-        raise SystemExit(f"{path} has no marks {BEGIN} and {END}")
+        raise SystemExit(f"{path} has no marks {begin} and {end}")
     body = [f"- {line}" for line in about] + [""]
     rule = ["---"] + ["--:"] * (len(lines[0]) - 1)
     body += ["| " + " | ".join(line) + " |" for line in [lines[0], rule] + lines[1:]]
     body += [""] + [f"- {line}" for line in notes] if notes else []
     with open(path, "w", encoding="utf-8") as page:
-        page.write(before + BEGIN + "\n" + "\n".join(body) + "\n" + END + after)
+        page.write(before + begin + "\n" + "\n".join(body) + "\n" + end + after)
 
 
-def main():
-    parser = argparse.ArgumentParser(description=__doc__.partition("\n")[0])
-    parser.add_argument("programs", nargs="+", metavar="WIDTH=PROGRAM")
-    parser.add_argument("--filter", default="", help="only rows that contain this expression")
-    parser.add_argument("--repetitions", type=int, default=5)
-    parser.add_argument("--time", type=float, default=0.2, help="least seconds per repetition")
-    parser.add_argument("--attempts", type=int, default=3, help="for an undisturbed measurement")
-    parser.add_argument("--markdown", metavar="PAGE", help="also write the table into this page")
-    options = parser.parse_args()
-    rows = read_pairs(options.filter)
-    if not rows:
-        raise SystemExit(f"no pair contains '{options.filter}'")
-    programs = [program.split("=", 1) for program in options.programs]
+def report(rows, results, options, mark):
+    """Measures, prints and, if that is asked for, writes one table and its charts."""
     about = machine()
     print("\n".join(about) + "\n")
     lines = [["pair", "at most"]]
-    for width, _ in programs:
+    for width, _ in results.programs:
         lines[0] += [f"{width} ours", "peer", "ratio", ""]
     title_width = max(len(row.title) for row in rows)
     print_line(lines[0], title_width)
-    results = Measurements(programs, options)
     for row in rows:
         cells = results.cells(row)
         if any(map(any, cells)):
             lines.append([row.title, row.target()] + [text for cell in cells for text in cell])
             print_line(lines[-1], title_width)
     print("".join(f"\n{note}" for note in results.notes))
-    print(f"{results.count} figures, {results.over} over their limit")
-    if options.markdown:
-        write_markdown(options.markdown, about, lines, results.notes)
+    print(f"{results.count} figures, {results.over} over their limit\n")
+    if options.markdown and len(lines) > 1:
+        write_markdown(options.markdown, about, lines, results.notes, mark)
+        bench_charts.write(os.path.dirname(options.markdown), lines,
+                           {row.title: row.area for row in rows})
+
+
+def draw_again(page, rows):
+    """Charts of the figures that a page has, without measuring anything."""
+    areas = {row.title: row.area for row in rows}
+    for lines in bench_charts.tables(page):
+        for line in lines[1:]:
+            if line[0] not in areas:
+                print(f"{page}: no such pair, not drawn: {line[0]}", file=sys.stderr)
+        bench_charts.write(os.path.dirname(page), lines, areas)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.partition("\n")[0])
+    parser.add_argument("builds", nargs="*", metavar="WIDTH=FOLDER")
+    parser.add_argument("--filter", default="", help="only rows that contain this expression")
+    parser.add_argument("--repetitions", type=int, default=5)
+    parser.add_argument("--time", type=float, default=0.2, help="least seconds per repetition")
+    parser.add_argument("--attempts", type=int, default=3, help="for an undisturbed measurement")
+    parser.add_argument("--files", type=int, default=1000000, help="the many files of the tools")
+    parser.add_argument("--mebibytes", type=int, default=1024, help="of a large file of the tools")
+    parser.add_argument("--markdown", metavar="PAGE", help="also write tables and charts there")
+    parser.add_argument("--charts", metavar="PAGE", help="only draw the figures of this page again")
+    options = parser.parse_args()
+    rows = read_pairs(options.filter)
+    if not rows:
+        raise SystemExit(f"no pair contains '{options.filter}'")
+    if options.charts:
+        draw_again(options.charts, rows)
+        return
+    builds = [build.split("=", 1) for build in options.builds]
+    ours = [row for row in rows if row.area != "tools"]
+    if ours:
+        programs = [(width, f"{build}/bench/qblcore_bench") for width, build in builds]
+        programs = [program for program in programs if os.path.exists(program[1])]
+        report(ours, Measurements(run_benchmarks, programs, options), options, "measured")
+    rows = [row for row in rows if row.area == "tools"]
+    if rows:
+        with bench_tools.Bench(options) as bench:
+            report(rows, Measurements(bench.measure, builds, options), options, "measured-tools")
 
 
 if __name__ == "__main__":
