@@ -7,6 +7,7 @@
 
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
 #include "QBLCore/Frame/QBLCore.h"
+#include "i18n/cpp/i18n_init.h"
 #include "tools/qblconv/Interrupt.hpp"
 #include "tools/qblconv/Run.hpp"
 
@@ -37,12 +38,14 @@ int main(int argc, char** argv) {
     qblCoreInitialize();
     int status = conv::kFailed;
     try {
+        I18NInitialize();  // reads what the policy "lookup" looks up
         status = runCommandLine(argc, argv);
     } catch (QBLThrowable& error) {
         std::fprintf(stderr, "%s\n", error.toString());
     } catch (const std::exception& error) {
         std::fprintf(stderr, "qblconv: %s\n", error.what());
     }
+    I18NTerminate();
     qblCoreTerminate();
     conv::endIfInterrupted();
     return status;
