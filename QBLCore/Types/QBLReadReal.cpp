@@ -4,9 +4,12 @@
 #include <cfloat>
 #include <charconv>
 #include <cstdint>
+#include <cstring>
 #include <limits>
+#include <type_traits>
 
 #include "QBLCore/Types/internal/QBLCharacters.hpp"
+#include "QBLCore/Types/internal/QBLPowersOfTen.hpp"
 #include "QBLCore/Types/internal/QBLRealText.hpp"
 
 namespace {
@@ -33,52 +36,61 @@ constexpr int kMostDigits = 19, kTooMany = kMostDigits + 1, kLongFraction = 1000
 
 /// The digits of a number as an integer, and the power of ten that it is multiplied by.
 struct Decimal {
-    // Of digits, without leading zeros. From kTooMany on the others are of no use.
-    int count = 0;
+    int count = 0;  // of digits, without leading zeros; with kTooMany the others are of no use
     int exponent = 0;
+    std::uint64_t digits = 0;
 
-    // The last digits are gathered in 32 bits: multiplications by ten follow each other closely.
-    void add(char c) {
-        if (count == 0 && c == '0') return;
-        m_last = m_last * 10 + static_cast<unsigned char>(c - '0');
-        if (++m_lastCount == kGathered) gather();
-        if (count < kTooMany) ++count;
-    }
-    std::uint64_t digits() {
-        gather();
-        return m_digits;
+    void add(const char* at, const char* end) {
+        if (count == 0)
+            while (at != end && *at == '0') ++at;
+        if (end - at > kMostDigits - count) {
+            count = kTooMany;
+            return;
+        }
+        count += static_cast<int>(end - at);
+        for (; end - at >= 8; at += 8)
+            digits = digits * 100000000 + four(at) * 10000 + four(at + 4);
+        if (end - at >= 4) {
+            digits = digits * 10000 + four(at);
+            at += 4;
+        }
+        std::uint32_t last = 0, scale = 1;
+        for (; at != end; ++at, scale *= 10)
+            last = last * 10 + static_cast<std::uint32_t>(*at - '0');
+        digits = digits * scale + last;
     }
 
 private:
-    static constexpr unsigned kGathered = 9;
-
-    void gather() {
-        constexpr std::uint32_t tens[kGathered + 1] = {
-            1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
-        m_digits = m_digits * tens[m_lastCount] + m_last;
-        m_last = 0;
-        m_lastCount = 0;
+    // The first character is the lowest byte: neighbours are put together, and then pairs.
+    static std::uint32_t four(const char* at) {
+        std::uint32_t word;
+        std::memcpy(&word, at, sizeof word);
+        word &= 0x0F0F0F0F;
+        word = (word * 10 + (word >> 8)) & 0x00FF00FF;
+        return (word * 100 + (word >> 16)) & 0xFFFF;
     }
-
-    std::uint64_t m_digits = 0;
-    std::uint32_t m_last = 0;
-    unsigned m_lastCount = 0;
 };
 
-const char* scan(const char* at, Decimal& number) {
-    const char* const begin = at;
-    for (; qblIsDigit(*at); ++at) number.add(*at);
+const char* pastDigits(const char* at) {
+    while (qblIsDigit(*at)) ++at;
+    return at;
+}
+
+const char* scan(const char* begin, Decimal& number) {
+    const char* at = pastDigits(begin);
     const char* digitsEnd = at;
     bool any = at != begin;
+    number.add(begin, at);
     if (*at == '.') {
-        const char* const fraction = ++at;
-        for (; qblIsDigit(*at); ++at) number.add(*at);
-        if (at - fraction <= kLongFraction)
+        const char* const fraction = at + 1;
+        digitsEnd = at = pastDigits(fraction);
+        if (at - fraction <= kLongFraction) {
+            if (number.count != kTooMany) number.add(fraction, at);
             number.exponent = static_cast<int>(fraction - at);
-        else
+        } else {
             number.count = kTooMany;
+        }
         any = any || at != fraction;
-        digitsEnd = at;
     }
     if (!any) return nullptr;
     if ((*digitsEnd | 0x20) != 'e') return digitsEnd;
@@ -95,17 +107,48 @@ const char* scan(const char* at, Decimal& number) {
 /// Where digits and power of ten are both exact, one multiplication or division rounds once.
 /// (std::from_chars would do the same, but on x86 with the rounding of the x87.)
 template <class Real>
-bool quickly(Decimal& number, Real& value) {
+bool quickly(const Decimal& number, Real& value) {
     constexpr std::uint64_t exact = std::uint64_t{1} << std::numeric_limits<Real>::digits;
     const int power = number.exponent;
     if (FLT_EVAL_METHOD != 0 || number.count > kMostDigits || power > kHighestPower<Real> ||
         power < -kHighestPower<Real>)
         return false;
-    const std::uint64_t integer = number.digits();
+    const std::uint64_t integer = number.digits;
     if (integer > exact) return false;
     const auto digits = static_cast<Real>(static_cast<std::int64_t>(integer));
     const auto scale = static_cast<Real>(kPowers[power < 0 ? -power : power]);
     value = power < 0 ? digits / scale : digits * scale;
+    return true;
+}
+
+/// Multiplies by 64 bits of the power of ten, and rounds unless what is cut off is too close to the
+/// middle. The exact product is less than 2 above the one computed, in its last place.
+/// @return false also for numbers too large, and for those too small to be normalised
+template <class Real>
+bool nearly(const Decimal& number, Real& value) {
+    using Bits = std::conditional_t<sizeof(Real) == 4, std::uint32_t, std::uint64_t>;
+    using Limits = std::numeric_limits<Real>;
+    const int power = number.exponent;
+    if (number.count == 0 || number.count > kMostDigits || power < kQBLLowestPower ||
+        power > kQBLHighestPower)
+        return false;
+    const int shift = __builtin_clzll(number.digits);
+    const std::uint64_t product = qblMultiplyHigh(number.digits << shift, qblPowerOfTen(power));
+    const int places = 64 - __builtin_clzll(product) - Limits::digits;
+    const std::uint64_t half = std::uint64_t{1} << (places - 1);
+    const std::uint64_t fraction = product & (2 * half - 1);
+    if (fraction <= half && fraction + 2 > half) return false;
+    std::uint64_t mantissa = (product >> places) + (fraction > half);
+    int exponent = places + qblPowerOfTwo(power) + 1 - shift + Limits::digits;
+    if (mantissa >> Limits::digits != 0) {
+        mantissa >>= 1;
+        ++exponent;
+    }
+    if (exponent < Limits::min_exponent || exponent > Limits::max_exponent) return false;
+    constexpr Bits implied = Bits{1} << (Limits::digits - 1);
+    const auto biased = static_cast<Bits>(exponent - Limits::min_exponent + 1);
+    const Bits bits = (biased << (Limits::digits - 1)) | (static_cast<Bits>(mantissa) & ~implied);
+    std::memcpy(&value, &bits, sizeof value);
     return true;
 }
 
@@ -120,9 +163,11 @@ bool qblReadReal(const char*& text, Real& value) {
     value = 0;
     text = scan(begin, number);
     if (text == nullptr) return false;
-    if (!quickly(number, value) && std::from_chars(begin, text, value).ec != std::errc{})
+    if (!quickly(number, value) && !nearly(number, value) &&
+        std::from_chars(begin, text, value).ec != std::errc{})
         slowly(begin, value);
-    if (negative) value = -value;
+    static constexpr Real kSigns[] = {1, -1};  // no branch, which nobody could foresee
+    value *= kSigns[negative];
     return true;
 }
 

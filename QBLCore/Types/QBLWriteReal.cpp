@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "QBLCore/Types/internal/QBLCharacters.hpp"
+#include "QBLCore/Types/internal/QBLPowersOfTen.hpp"
 #include "QBLCore/Types/internal/QBLRealText.hpp"
 
 // The digits are the integer part of value * 10^n, computed with 64 bits of the power of ten. The
@@ -11,70 +12,6 @@
 // std::to_chars, which is exact and slower, decides there.
 
 namespace {
-
-constexpr int kLowestPower = -303, kHighestPower = 332;
-
-/// 128 bits, the most significant first.
-struct Wide {
-    std::uint32_t part[4];
-
-    constexpr Wide timesTen() const {
-        Wide out{};
-        std::uint64_t carry = 0;
-        for (int i = 3; i >= 0; --i) {
-            carry += std::uint64_t{part[i]} * 5;
-            out.part[i] = static_cast<std::uint32_t>(carry);
-            carry >>= 32;
-        }
-        // Of the 131 bits, those that count are at the top again.
-        const int shift = carry >= 4 ? 3 : 2;
-        for (std::uint32_t& p : out.part) {
-            const std::uint64_t both = carry << 32 | p;
-            carry = p;
-            p = static_cast<std::uint32_t>(both >> shift);
-        }
-        return out;
-    }
-
-    constexpr Wide byTen() const {
-        // Times 8 or 4, by 5: whichever gives 128 bits.
-        const int shift = part[0] < 0xA0000000U ? 3 : 2;
-        Wide out{};
-        std::uint64_t rest = part[0] >> (32 - shift);
-        for (int i = 0; i < 4; ++i) {
-            const std::uint32_t next = i < 3 ? part[i + 1] >> (32 - shift) : 0;
-            const std::uint64_t both =
-                rest << 32 | static_cast<std::uint32_t>(part[i] << shift) | next;
-            out.part[i] = static_cast<std::uint32_t>(both / 5);
-            rest = both % 5;
-        }
-        return out;
-    }
-};
-
-/// The first 64 bits of each power of ten.
-constexpr auto makePowers() {
-    std::array<std::uint64_t, kHighestPower - kLowestPower + 1> out{};
-    Wide up{{0x80000000U, 0, 0, 0}}, down = up;
-    const auto put = [&out](int power, const Wide& bits) {
-        out[static_cast<unsigned>(power - kLowestPower)] =
-            std::uint64_t{bits.part[0]} << 32 | bits.part[1];
-    };
-    put(0, up);
-    for (int power = 1; power <= kHighestPower; ++power) put(power, up = up.timesTen());
-    for (int power = -1; power >= kLowestPower; --power) put(power, down = down.byTen());
-    return out;
-}
-constexpr auto kPowers = makePowers();
-
-/// The upper half of a product.
-std::uint64_t multiplyHigh(std::uint64_t a, std::uint64_t b) {
-    const std::uint64_t aLow = static_cast<std::uint32_t>(a), aHigh = a >> 32;
-    const std::uint64_t bLow = static_cast<std::uint32_t>(b), bHigh = b >> 32;
-    const std::uint64_t middle = aHigh * bLow + (aLow * bLow >> 32);
-    const std::uint64_t other = aLow * bHigh + static_cast<std::uint32_t>(middle);
-    return aHigh * bHigh + (middle >> 32) + (other >> 32);
-}
 
 /// digits * 10^(exponent + 1 - number of digits)
 struct Rounded {
@@ -103,10 +40,9 @@ bool round(std::uint64_t bits, Rounded& out) {
     // The decimal exponent of the highest bit: that of the value, or one less.
     int decimal = static_cast<int>((exponent + 63) * std::int64_t{1292913986} >> 32);
     const int power = kDigits - 1 - decimal;
-    const std::uint64_t product =
-        multiplyHigh(mantissa, kPowers[static_cast<unsigned>(power - kLowestPower)]);
+    const std::uint64_t product = qblMultiplyHigh(mantissa, qblPowerOfTen(power));
     // The exact one is at least this and less than this plus 2.
-    const int places = -(exponent + (power * 217706 >> 16) + 1);
+    const int places = -(exponent + qblPowerOfTwo(power) + 1);
     const std::uint64_t fraction = product & ((std::uint64_t{1} << places) - 1);
     const std::uint64_t whole = product >> places;
     bool up;
