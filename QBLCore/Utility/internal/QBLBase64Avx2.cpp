@@ -1,5 +1,7 @@
 #include <immintrin.h>
 
+#include <cstdint>
+
 #include "QBLCore/Utility/internal/QBLBase64Kernels.hpp"
 
 #define WITH_AVX2 __attribute__((target("avx2")))
@@ -34,20 +36,37 @@ WITH_AVX2 inline __m256i pack(__m256i values) {
     return _mm256_permutevar8x32_epi32(bytes, _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 7));
 }
 
+/// Twelve bytes from each place.
+WITH_AVX2 inline __m256i join(__m128i first, __m128i second) {
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(first), second, 1);
+}
+
+/// 24 bytes, with nothing read behind them.
+WITH_AVX2 inline __m256i joinExactly(const unsigned char* data) {
+    return join(load(data), _mm_srli_si128(load(data + 8), 4));
+}
+
+WITH_AVX2 inline void encodeBlock(__m256i offsets, __m256i data, char* out) {
+    const __m256i values = spread(data);
+    const __m256i capitals = _mm256_cmpgt_epi8(_mm256_set1_epi8(26), values);
+    const __m256i kind = _mm256_or_si256(_mm256_subs_epu8(values, _mm256_set1_epi8(51)),
+                                         _mm256_and_si256(capitals, _mm256_set1_epi8(13)));
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out),
+                        _mm256_add_epi8(values, _mm256_shuffle_epi8(offsets, kind)));
+}
+
 WITH_AVX2 std::size_t encode(const QBLBase64Alphabet& alphabet, const unsigned char* data,
                              std::size_t length, char* out) {
     const __m256i offsets = twice(alphabet.toCharacter);
     std::size_t done = 0;
-    for (; length - done >= 28; done += 24, out += 32) {
-        const __m256i values = spread(_mm256_inserti128_si256(
-            _mm256_castsi128_si256(load(data + done)), load(data + done + 12), 1));
-        const __m256i capitals = _mm256_cmpgt_epi8(_mm256_set1_epi8(26), values);
-        const __m256i kind = _mm256_or_si256(_mm256_subs_epu8(values, _mm256_set1_epi8(51)),
-                                             _mm256_and_si256(capitals, _mm256_set1_epi8(13)));
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out),
-                            _mm256_add_epi8(values, _mm256_shuffle_epi8(offsets, kind)));
-    }
-    return done + kQBLBase64Ssse3.encode(alphabet, data + done, length - done, out);
+    for (; length - done >= 28; done += 24)
+        encodeBlock(offsets, join(load(data + done), load(data + done + 12)), out + done / 3 * 4);
+    const std::size_t whole = length / 3 * 3;
+    if (whole < 24) return done + kQBLBase64Ssse3.encode(alphabet, data + done, length - done, out);
+    if (whole - done > 24) encodeBlock(offsets, joinExactly(data + done), out + done / 3 * 4);
+    // The last block, part of which has been encoded already.
+    encodeBlock(offsets, joinExactly(data + whole - 24), out + (whole - 24) / 3 * 4);
+    return whole;
 }
 
 struct Decoding {
@@ -92,6 +111,26 @@ WITH_AVX2 inline void store24(unsigned char* out, __m256i bytes) {
     _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 16), _mm256_extracti128_si256(bytes, 1));
 }
 
+/// What is left, as the end of a block of which part has been decoded already, unless that has
+/// been overwritten since. The last group may be a padded one, which is left.
+WITH_AVX2 inline std::size_t decodeLast(const Decoding& by, const QBLBase64Alphabet& alphabet,
+                                        const char* text, std::size_t length, std::size_t done,
+                                        unsigned char* out) {
+    std::size_t end = length / 4 * 4;
+    if (end > done && text[end - 1] == '=') end -= 4;
+    if (end > done && end - done < 32 && end >= 32) {
+        const std::size_t again = done - (end - 32);
+        const auto gap = reinterpret_cast<std::uintptr_t>(text + end - 32) -
+                         reinterpret_cast<std::uintptr_t>(out - done / 4 * 3);
+        const __m256i in = load32(text + end - 32);
+        if (gap >= done / 4 * 3 && none(wrongOf(by, in))) {
+            store24(out - again / 4 * 3, bytesOf(by, in));
+            return end - done;
+        }
+    }
+    return kQBLBase64Ssse3.decode(alphabet, text + done, length - done, out);
+}
+
 WITH_AVX2 std::size_t decode(const QBLBase64Alphabet& alphabet, const char* text,
                              std::size_t length, unsigned char* out) {
     const Decoding by(alphabet);
@@ -108,7 +147,7 @@ WITH_AVX2 std::size_t decode(const QBLBase64Alphabet& alphabet, const char* text
         if (!none(wrongOf(by, in))) break;
         store24(out, bytesOf(by, in));
     }
-    return done + kQBLBase64Ssse3.decode(alphabet, text + done, length - done, out);
+    return done + decodeLast(by, alphabet, text, length, done, out);
 }
 
 }  // namespace

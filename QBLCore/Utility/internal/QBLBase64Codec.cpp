@@ -15,6 +15,8 @@ public:
         while (at != end) {
             if (m_iHeld == 0) {
                 at += groups(m_kernels, at, end);
+                if (at == end) break;
+                if (end - at == 4 && takePadded(reinterpret_cast<const unsigned char*>(at))) break;
                 at += groups(kQBLBase64Scalar, at, end);
                 if (at == end) break;
                 if (end - at >= 4 && takePadded(reinterpret_cast<const unsigned char*>(at))) {
@@ -86,7 +88,8 @@ private:
 void qblBase64Encode(const QBLBase64Kernels& kernels, const QBLBase64Alphabet& alphabet,
                      const unsigned char* data, std::size_t length, char* out) {
     std::size_t done = kernels.encode(alphabet, data, length, out);
-    done += kQBLBase64Scalar.encode(alphabet, data + done, length - done, out + done / 3 * 4);
+    if (length - done >= 3)
+        done += kQBLBase64Scalar.encode(alphabet, data + done, length - done, out + done / 3 * 4);
     out += done / 3 * 4;
     if (done < length) {
         const bool two = length - done == 2;
