@@ -25,8 +25,8 @@ public:
     void unlock() override QBL_RELEASE();
     /// @return false when another holder has the mutex.
     [[nodiscard]] bool tryLock() QBL_TRY_ACQUIRE(true);
-    /// Looks at the mutex about every 100 ms and once after the last wait at most, so that a
-    /// refusal takes up to twice the time for short timeouts.
+    /// Looks at the mutex about every 100 ms, and not again after the last wait: one that comes
+    /// free during that is not seen. A refusal takes up to twice the time for short timeouts.
     /// @return false when the time ran out first.
     [[nodiscard]] bool timedLock(unsigned long ms) QBL_TRY_ACQUIRE(true);
 

@@ -30,7 +30,8 @@ public:
     void wait();
     /// @return false when the count is 0.
     [[nodiscard]] bool tryWait();
-    /// Looks at the count about every 100 ms, so that a post may be seen late.
+    /// Looks at the count about every 100 ms, and not again after the last wait: a post is seen
+    /// late, and one during that is not. A refusal takes up to twice the time for short timeouts.
     /// @return false when the time ran out first.
     [[nodiscard]] bool timedWait(unsigned long ms);
     /// Wakes as soon as a post comes and ends at the bound, measured on the monotonic clock.
