@@ -11,7 +11,8 @@
 /// Threads: as QBLThreadPool.
 class QBL_API QBLThreadPoolFixed : public QBLThreadPool {
 public:
-    /// @param workers  their number; each has a stack of 4,096,000 bytes
+    /// @param workers  their number; each has a stack of 4,096,000 bytes, or of the system's
+    ///     default where that is larger
     /// @throws QBLOutOfMemoryError, QBLThreadResourceError; no thread is left behind
     explicit QBLThreadPoolFixed(unsigned long workers);
     /// Waits for the tasks being run.

@@ -11,9 +11,11 @@
 class QBL_API QBLThreadPoolQueued : public QBLThreadPool {
 public:
     /// @param capacity  most tasks that wait at a time; 0 means unbounded
-    /// @param finishQueuedWork  non-zero: destruction waits until the queue is empty. 0: tasks
-    ///     still in the queue then are dropped without being run.
-    /// @param stackSize  of each worker, in bytes; 0 for the system's default
+    /// @param finishQueuedWork  what becomes of tasks that wait in the queue when the stop-work
+    ///     flag is set, by setStopWork() or by the destructor. Non-zero: they are run, and
+    ///     destruction waits for them. 0: from then on they are dropped without being run.
+    /// @param stackSize  of each worker, in bytes; a value below the system's default, or 0, means
+    ///     the default
     /// @throws QBLOutOfMemoryError, QBLThreadResourceError; no thread is left behind
     QBLThreadPoolQueued(unsigned long workers, unsigned long capacity, int finishQueuedWork = 1,
                         unsigned long stackSize = 0);

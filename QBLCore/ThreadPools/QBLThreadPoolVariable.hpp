@@ -10,7 +10,8 @@
 /// stay for the pool's life, the others end when they have been idle for a while.
 ///
 /// The number of workers has no upper bound, deliberately: a burst of tasks can make one per
-/// task. Every accepted task is run, also when the pool is destroyed meanwhile.
+/// task. Every accepted task is run, also when the pool is destroyed meanwhile. A worker has a
+/// stack of 4,096,000 bytes, or of the system's default where that is larger.
 ///
 /// Threads: as QBLThreadPool.
 class QBL_API QBLThreadPoolVariable : public QBLThreadPool {
