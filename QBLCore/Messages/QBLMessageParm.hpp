@@ -13,7 +13,9 @@ enum QBLMsgParm : int {
     QBLMsgParmDouble = 3,
     QBLMsgParmString = 4,
     QBLMsgParmMsgId = 5,  ///< the identifier of another message of the same file
-    QBLMsgParmDate = 6,   ///< milliseconds since 1970-01-01 UTC
+    /// Milliseconds since 1970-01-01 UTC, in a long: where that has 32 bits they reach 24 days to
+    /// either side. A text takes any date.
+    QBLMsgParmDate = 6,
     QBLMsgParmOpaque = 7
 };
 
@@ -21,7 +23,8 @@ enum QBLMsgParm : int {
 ///
 /// Threads: not synchronised.
 ///
-///     message << 5 << "disk" << QBLMessageParm(now, QBLMsgParmDate);
+///     const std::string now = QBLUtSystemInfo::getTimeStamp(0);
+///     message << 5 << "disk" << now.c_str();  // a date parameter of 32 bits ends in January 1970
 class QBL_API QBLMessageParm {
 public:
     /// Stores both as they are, whether they belong together or not.
