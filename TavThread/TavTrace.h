@@ -21,7 +21,7 @@ TAV_EXTERN_C_BEGIN
 ///
 /// Threads: called on the thread that traces, under no lock of the layer.
 /// @param traceObj      the object's trace object, else that of the thread that creates it, or
-/// null.
+///                      null.
 /// @param categoryMask  one TavTraceCategory.
 TAV_API void tavThreadTraceOutput(void* traceObj, unsigned long categoryMask, const char* format,
                                   ...) __attribute__((format(printf, 3, 4)));

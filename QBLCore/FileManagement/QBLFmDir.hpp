@@ -43,8 +43,7 @@ public:
     /// Lists the names in a directory, sorted by their bytes, without "." and "..".
     /// A link counts as what it leads to; one that leads nowhere, as a file.
     /// @param files  receives the names of all that are no directories, instead of what was in it;
-    /// null if
-    ///     not wanted
+    ///     null if not wanted
     /// @param filePattern  lists only matching names: "*" stands for any text, "?" for one
     ///     character of UTF-8, case counts; null or empty lists all
     /// @param dirs, dirPattern  the same for the directories, in a list of their own

@@ -60,9 +60,8 @@ public:
     virtual bool open(stdiotypes stream);
     /// A closed object can be closed again. After a failure the descriptor is gone all the same.
     virtual bool close();
-    /// In bytes. @return -1 when nothing is open or the length is not to be had, as of more than 2
-    /// GiB
-    ///     where long has 32 bits
+    /// In bytes. @return -1 when nothing is open or the length is not to be had, as of more than
+    ///     2 GiB where long has 32 bits
     virtual long getLength();
     /// Waits until the file is on the disk; nothing to do for a standard stream.
     virtual bool flush();

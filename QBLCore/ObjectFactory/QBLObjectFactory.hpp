@@ -43,7 +43,7 @@ public:
 
     /// @param classId  not owned; must stay a valid pointer while it is registered
     /// @throws QBLIllegalStateError if the id is registered; QBLIllegalArgumentError without
-    /// creator
+    ///     creator
     void registerClass(char* classId, Creator creator);
     /// Takes a class away and deletes its free items.
     /// @throws QBLIllegalStateError if the id is not registered, or an item of the class is handed

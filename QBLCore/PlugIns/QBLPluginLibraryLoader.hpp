@@ -33,9 +33,9 @@ public:
     /// @throws QBLPluginException 1, with the reason as its second message: the system's, or that
     ///     this is no regular file or no path; QBLOutOfMemoryError
     [[nodiscard]] static void* load(const std::string& path);
-    /// @param handle  of load(), with no more unloads than loads. When the last one is gone,
-    /// nothing
-    ///     of the plug-in may be in use any more: functions, objects, threads, registered tasks.
+    /// Takes a load back; the last one unloads the plug-in, of which nothing may be in use any more
+    /// then: functions, objects, threads, registered tasks.
+    /// @param handle  of load(), with no more unloads than loads
     /// @throws QBLPluginException 2, with the reason as its second message; QBLOutOfMemoryError
     static void unload(void* handle);
     /// Call an entry point of a plug-in; null does nothing.

@@ -105,9 +105,8 @@ public:
     int getEffectiveBufferSize(const char* text, int length) const;
 
     /// @param size  of the destination, in bytes; what is no whole unit of the encoding is not
-    /// used.
-    ///        The NUL is written in any case, cut to this size if it is smaller. A size of just a
-    ///        NUL takes no text and is no failure
+    ///        used. The NUL is written in any case, cut to this size if it is smaller. A size of
+    ///        just a NUL takes no text and is no failure
     /// @param source  UTF-16 that ends with a NUL
     /// @param error  I18N_ARGUMENT for a null pointer or no size, I18N_TOO_SMALL if the text did
     ///        not fit, I18N_CONVERSION if it cannot be converted

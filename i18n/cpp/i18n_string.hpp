@@ -178,11 +178,9 @@ public:
     /// stays until the string is changed or destroyed; asked for again it is the same.
     /// @param encoding  null for UTF-8
     /// @param length  receives the bytes, the zero included; null if not wanted. An empty string
-    /// that
-    ///     is kept in UTF-16 has four of them.
+    ///     that is kept in UTF-16 has four of them.
     /// @param allocator, context  for the conversion; null means the string's own. They must last
-    /// as
-    ///     long as the string, or until it is converted again after a change
+    ///     as long as the string, or until it is converted again after a change
     /// @throws I18NRuntimeError -3 for an encoding that is not there, -4 for text it cannot express
     const char* c_str(const char* encoding = nullptr, int* length = nullptr,
                       I18NStringAllocator allocator = nullptr, void* context = nullptr) const {

@@ -14,8 +14,7 @@
 /// A path in the platform's encoding, as the system takes it; it is the string's until that
 /// changes.
 /// @throws I18NRuntimeError -4 for a path with a zero in it, of which the system would take the
-/// part
-///     before that for the whole
+///     part before that for the whole
 inline const char* qblPlatformPath(const I18NString& path) {
     int length = 0;
     const char* bytes = path.c_str(I18NGetPlatformDefaultEncoding(), &length);
