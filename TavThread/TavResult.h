@@ -24,6 +24,8 @@ enum TavThreadResult {
 TAV_EXTERN_C_BEGIN
 
 /// Maps a system error number to a result code.
+///
+/// Threads: any thread.
 /// @param err  an errno value; -1 takes errno itself, where 0 then counts as an unknown error.
 TAV_API int tavThread_MapError(int err);
 

@@ -8,6 +8,8 @@
 /// on with a trace entry for the place, std::bad_alloc becomes QBLOutOfMemoryError without a
 /// text, any other std::exception QBLStdExceptionError with its what(), and anything else
 /// QBLUnknownError. A thread's cancellation or exit passes through untouched.
+///
+/// Threads: any thread.
 [[noreturn]] QBL_API void qblRethrowTranslated(const QBLFileLocation& where,
                                                const char* detail = nullptr);
 

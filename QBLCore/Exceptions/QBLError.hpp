@@ -5,6 +5,8 @@
 #include "QBLCore/Exceptions/QBLThrowableClass.hpp"
 
 /// Root of the concrete errors.
+///
+/// Threads: as with QBLThrowable.
 class QBL_API QBLError : public QBLThrowable {
 public:
     QBL_EXPORTED_THROWABLE(QBLError, QBLThrowable)

@@ -2,6 +2,8 @@
 #define QBLCORE_EXCEPTIONS_QBLFILELOCATION_HPP
 
 /// A place in a source file. The file name is not owned: it is meant to be __FILE__.
+///
+/// Threads: any thread may read one; changing one is not synchronised.
 class QBLFileLocation {
 public:
     constexpr QBLFileLocation(const char* file, int line) : m_pFile(file), m_iLine(line) {}

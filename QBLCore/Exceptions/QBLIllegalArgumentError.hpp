@@ -4,6 +4,8 @@
 #include "QBLCore/Exceptions/QBLRuntimeError.hpp"
 
 /// An argument that the operation does not take.
+///
+/// Threads: as with QBLThrowable.
 class QBL_API QBLIllegalArgumentError : public QBLRuntimeError {
 public:
     QBL_EXPORTED_THROWABLE(QBLIllegalArgumentError, QBLRuntimeError)

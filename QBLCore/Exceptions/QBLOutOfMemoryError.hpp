@@ -4,6 +4,8 @@
 #include "QBLCore/Exceptions/QBLSystemError.hpp"
 
 /// An allocation failed.
+///
+/// Threads: as with QBLThrowable.
 class QBL_API QBLOutOfMemoryError : public QBLSystemError {
 public:
     QBL_EXPORTED_THROWABLE(QBLOutOfMemoryError, QBLSystemError)

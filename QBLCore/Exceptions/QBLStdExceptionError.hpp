@@ -4,6 +4,8 @@
 #include "QBLCore/Exceptions/QBLUnexpectedError.hpp"
 
 /// A std::exception of other code; the text is its what().
+///
+/// Threads: as with QBLThrowable.
 class QBL_API QBLStdExceptionError : public QBLUnexpectedError {
 public:
     QBL_EXPORTED_THROWABLE(QBLStdExceptionError, QBLUnexpectedError)

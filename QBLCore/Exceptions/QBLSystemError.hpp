@@ -4,6 +4,8 @@
 #include "QBLCore/Exceptions/QBLUnexpectedError.hpp"
 
 /// The system refused something.
+///
+/// Threads: as with QBLThrowable.
 class QBL_API QBLSystemError : public QBLUnexpectedError {
 public:
     QBL_EXPORTED_THROWABLE(QBLSystemError, QBLUnexpectedError)

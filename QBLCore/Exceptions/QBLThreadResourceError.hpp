@@ -4,6 +4,8 @@
 #include "QBLCore/Exceptions/QBLSystemError.hpp"
 
 /// A thread or a lock could not be had or did not work.
+///
+/// Threads: as with QBLThrowable.
 class QBL_API QBLThreadResourceError : public QBLSystemError {
 public:
     QBL_EXPORTED_THROWABLE(QBLThreadResourceError, QBLSystemError)

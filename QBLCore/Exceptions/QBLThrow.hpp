@@ -7,6 +7,8 @@
 /// Throws a throwable given as an expression; the back-trace gets this place. Where there is no
 /// memory to make the throwable, std::bad_alloc leaves instead, of every operation:
 ///     QBL_THROW(QBLIllegalStateError(0, "QBLThing::stop: not started"));
+///
+/// Threads: any thread may use what is in this header.
 #define QBL_THROW(...) (__VA_ARGS__).hurl(QBL_HERE, nullptr, "QBL_THROW")
 /// QBL_THROW with a detail in the trace entry, usually the operation's name.
 #define QBL_THROW_NAMED(error, detail) (error).hurl(QBL_HERE, detail, "QBL_THROW")

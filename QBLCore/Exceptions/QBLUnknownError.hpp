@@ -4,6 +4,8 @@
 #include "QBLCore/Exceptions/QBLUnexpectedError.hpp"
 
 /// An exception of unknown type.
+///
+/// Threads: as with QBLThrowable.
 class QBL_API QBLUnknownError : public QBLUnexpectedError {
 public:
     QBL_EXPORTED_THROWABLE(QBLUnknownError, QBLUnexpectedError)

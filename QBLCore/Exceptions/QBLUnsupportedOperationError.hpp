@@ -4,6 +4,8 @@
 #include "QBLCore/Exceptions/QBLSystemError.hpp"
 
 /// An operation that this system does not have.
+///
+/// Threads: as with QBLThrowable.
 class QBL_API QBLUnsupportedOperationError : public QBLSystemError {
 public:
     QBL_EXPORTED_THROWABLE(QBLUnsupportedOperationError, QBLSystemError)

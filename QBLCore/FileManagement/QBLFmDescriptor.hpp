@@ -3,6 +3,8 @@
 
 /// What QBLFmFile and QBLFmFile64 know of an open file. Descriptor 0 stands for a closed one, so
 /// that a file is never opened as 0: only standard input can have it.
+///
+/// Threads: as the file that it belongs to.
 struct QBLFmDescriptor {
     int m_iDescriptor = 0;
     int m_iStandard = 0;  ///< non-zero for a standard stream, which is never closed

@@ -23,6 +23,8 @@ QBL_API int qblCoreInitialize(void);
 QBL_API int qblCoreTerminate(void);
 
 /// Stores the version of this interface, 1 and 0; a null pointer is passed over. @return 0
+///
+/// Threads: any thread, as for all that follows.
 QBL_API int qblCoreGetApiVersion(unsigned* major, unsigned* minor);
 /// Whether a caller built against a version of this interface can use the library: the same
 /// major version and no newer minor one.

@@ -11,6 +11,8 @@ class QBLList;
 
 /// What the two iterators of a QBLList share: a position in the ring of nodes.
 /// List and Node are both constant or both not.
+///
+/// Threads: as the iterators.
 template <class List, class Node>
 class QBLListWalk {
 public:
@@ -77,6 +79,9 @@ protected:
 
 /// A position in a QBLList. It stays valid until the element it stands on is erased.
 /// Stepping stops at both ends: ++ at the end and -- at the first element change nothing.
+///
+/// Threads: not synchronised, and each step reads the list: what guards that is held while an
+/// iterator is used.
 template <class T>
 class QBLListIterator : public QBLListWalk<QBLList<T>, QBLListNode<T>> {
     typedef QBLListWalk<QBLList<T>, QBLListNode<T>> Walk;
@@ -132,6 +137,9 @@ public:
 };
 
 /// QBLListIterator over a constant list.
+///
+/// Threads: one at a time for each iterator; any number of them may walk a list that no thread
+/// changes or indexes.
 template <class T>
 class CONST_QBLListIterator : public QBLListWalk<const QBLList<T>, const QBLListNode<T>> {
     typedef QBLListWalk<const QBLList<T>, const QBLListNode<T>> Walk;

@@ -2,6 +2,8 @@
 #define QBLCORE_FRAME_QBLLISTNODE_HPP
 
 /// A link of a QBLList; bare, it is the sentinel that closes the ring and has no value.
+///
+/// Threads: as its list.
 template <class T>
 class QBLListNode {
 public:
@@ -19,6 +21,8 @@ public:
 };
 
 /// A link that holds a value; destroying it never touches what a pointer value points to.
+///
+/// Threads: as its list.
 template <class T>
 class QBLListDataNode final : public QBLListNode<T> {
 public:

@@ -5,6 +5,8 @@
 
 /// A binder that may be used and destroyed through a pointer to any of its bases.
 ///
+/// Threads: as QBLBinder.
+///
 ///     QBLThreadMonitor<QBLThreadMutex, QBLList<Job*>> jobs;
 ///     QBLThreadGuard guard(jobs);
 ///     (*jobs).push_back(&job);

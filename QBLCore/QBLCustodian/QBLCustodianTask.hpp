@@ -5,6 +5,8 @@
 
 /// Housekeeping that the custodian does from time to time. Whoever registers a task owns it, and
 /// destroys it only after it was dropped or deregistered, or the library stopped.
+///
+/// Threads: doIt() is called by the custodian's thread alone.
 class QBL_API QBLCustodianTask {
 public:
     virtual ~QBLCustodianTask();

@@ -6,6 +6,8 @@
 class QBLThreadRunnable;
 
 /// Something that runs tasks for others.
+///
+/// Threads: execute() for any thread; derived classes have to allow that.
 class QBL_API QBLThreadExecuteRunnable {
 public:
     QBLThreadExecuteRunnable() = default;

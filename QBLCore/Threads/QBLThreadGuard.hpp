@@ -6,6 +6,8 @@
 /// Holds a lock from its construction to the end of its scope, whichever way that is left.
 /// An error from unlocking there is dropped: a destructor has nobody to tell it to.
 ///
+/// Threads: a guard belongs to the thread that made it, which holds the lock.
+///
 ///     QBLThreadGuard guard(m_mutex);
 class QBL_SCOPED_CAPABILITY QBLThreadGuard {
 public:

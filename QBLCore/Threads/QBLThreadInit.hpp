@@ -5,6 +5,8 @@
 
 /// Starts the thread layer for the process by being constructed. Its destructor does not stop
 /// it: that is qblThreadProcessTerminate()'s, for whoever wants it.
+///
+/// Threads: any thread may make one, and read it.
 class QBL_API QBLThreadInit {
 public:
     /// @throws QBLThreadResourceError if the start failed

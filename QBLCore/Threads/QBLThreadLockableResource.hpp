@@ -5,6 +5,8 @@
 #include "QBLCore/Threads/QBLThreadAnnotations.hpp"
 
 /// Anything that one holder at a time can lock; QBLThreadGuard holds it for a scope.
+///
+/// Threads: as the derived class says.
 class QBL_API QBL_CAPABILITY("lock") QBLThreadLockableResource {
 public:
     QBLThreadLockableResource() = default;

@@ -6,6 +6,8 @@
 /// Holds a read-write lock for a scope, as a writer or as one of its readers.
 /// An error from unlocking at the end is dropped, as in QBLThreadGuard.
 ///
+/// Threads: a guard belongs to the thread that made it, which holds the lock.
+///
 ///     QBLThreadRWGuard guard(m_lock, 0);  // as a reader
 class QBLThreadRWGuard {
 public:

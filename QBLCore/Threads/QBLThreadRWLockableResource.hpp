@@ -5,6 +5,8 @@
 
 /// A lockable that several readers can hold at once; lock() is the writer's. QBLThreadRWGuard
 /// holds it either way for a scope.
+///
+/// Threads: as the derived class says.
 class QBL_API QBL_CAPABILITY("read-write lock") QBLThreadRWLockableResource
     : public QBLThreadLockableResource {
 public:

@@ -4,6 +4,9 @@
 #include "QBLCore/Frame/QBLExport.h"
 
 /// A piece of work for a thread or a thread pool.
+///
+/// Threads: run() is called by the thread that does the work; by several at a time, if the runnable
+/// was handed over more than once.
 class QBL_API QBLThreadRunnable {
 public:
     QBLThreadRunnable() = default;

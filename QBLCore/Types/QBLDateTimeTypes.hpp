@@ -6,6 +6,8 @@
 // Dates, times and intervals as databases have them, in the Gregorian calendar. Fractions are in
 // nanoseconds. An interval is below zero if its field says so by any number but 0. QBLTypeCast
 // reads and writes them as text.
+//
+// Threads: any thread may read one; changing one is not synchronised.
 
 struct QBLDate2 {
     std::int16_t year;

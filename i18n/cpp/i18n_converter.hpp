@@ -14,6 +14,8 @@ struct UConverter;
 
 /// What the lookup and user-defined callbacks of i18n_converter_callbacks.hpp know of the
 /// converter they work for.
+///
+/// Threads: as the converter.
 struct I18NInputCallbackContext {
     const char* encoding;            ///< as it was named
     I18NUserInputCallback callback;  ///< null unless the policy is I18N_USER_DEFINED

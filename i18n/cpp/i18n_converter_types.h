@@ -17,7 +17,9 @@ enum I18NUnconvertiblePolicy {
     I18N_STOP = 4           ///< the conversion fails with I18N_CONVERSION
 };
 
-/// How many code points, and how many bytes, such a function may write.
+/// How many code points, and how many bytes, such a function of the caller's may write.
+///
+/// Threads: it is called by the thread that converts, within the conversion.
 enum { I18N_USER_REPLACEMENT_LIMIT = 32 };
 
 #ifdef __cplusplus

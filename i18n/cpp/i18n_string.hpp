@@ -365,6 +365,8 @@ private:
 };
 
 /// Where a text is written to, piece by piece.
+///
+/// Threads: write() is called by the thread that calls toBytes().
 class QBL_API I18NByteWriter {
 public:
     virtual ~I18NByteWriter();
@@ -373,6 +375,8 @@ public:
 };
 
 /// Frees a block as I18NString::freeBuffer does.
+///
+/// Threads: any thread.
 QBL_API void I18NFreeBuffer(char*& block);
 QBL_API void I18NFreeBuffer(void*& block);
 /// The empty text that is shared, and never freed.

@@ -4,6 +4,8 @@
 #include "i18n/cpp/i18n_string.hpp"
 
 /// The code point at a position of a string, to be read or, by assignment, replaced.
+///
+/// Threads: as the string: assigning changes it, all else is constant to it.
 class QBL_API I18NStringIteratorValue {
 public:
     I18NStringIteratorValue(I18NString& string, I18NStringOffset offset);
@@ -27,6 +29,9 @@ private:
 };
 
 /// A position in a string, moved by code points. It does not know of changes of the string.
+///
+/// Threads: one at a time for each iterator; any number of them may stand in a string that no
+/// thread changes.
 class QBL_API I18NStringIterator {
 public:
     I18NStringIterator(const I18NString& string, I18NStringOffset offset)

@@ -33,6 +33,8 @@ struct I18NUnconvertible {
 };
 
 /// Is told what a text stream could not convert.
+///
+/// Threads: is called by the thread that calls the stream.
 class QBL_API I18NTextStreamListener {
 public:
     virtual ~I18NTextStreamListener();
