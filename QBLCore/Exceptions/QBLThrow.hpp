@@ -24,14 +24,32 @@
 
 /// Throws a QBLAssertError whose text is the statement itself unless the condition holds.
 /// Never compiled out. The condition may contain commas; names are not expanded in the text.
-#define QBL_ASSERT(...)                   \
-    ((__VA_ARGS__) ? static_cast<void>(0) \
+/// A text alone, which would always hold, is refused by the compiler.
+#define QBL_ASSERT(...)                                                                     \
+    ((__VA_ARGS__) ? static_cast<void>(sizeof(QBLAssertHolds<!qblIsLiteral(#__VA_ARGS__)>)) \
                    : qblAssertFailed(QBL_HERE, "QBL_ASSERT(" #__VA_ARGS__ ");"))
 /// QBL_ASSERT with an explanation after the condition, a string literal, as part of the
 /// statement's text.
 #define QBL_ASSERT_NAMED(...)                     \
     (qblHolds(__VA_ARGS__) ? static_cast<void>(0) \
                            : qblAssertFailed(QBL_HERE, "QBL_ASSERT_NAMED(" #__VA_ARGS__ ");"))
+
+/// Whether the source of a condition is one string literal. It is told from the source, as the
+/// type cannot be asked for of every condition: not of one with a lambda in it.
+constexpr bool qblIsLiteral(const char* source) {
+    if (*source++ != '"') return false;
+    while (*source != '"') {
+        if (*source == '\\') ++source;
+        if (*source++ == '\0') return false;
+    }
+    return source[1] == '\0';
+}
+
+/// A condition of a QBL_ASSERT that is one.
+template <bool isCondition>
+struct QBLAssertHolds {
+    static_assert(isCondition, "a text always holds: QBL_ASSERT_NAMED takes it behind a condition");
+};
 
 /// The condition of a QBL_ASSERT_NAMED.
 template <class Condition>

@@ -95,6 +95,7 @@ TEST(QBLThrowableTest, AssertionsThrowTheirOwnStatement) {
                      "QBL_ASSERT_NAMED((NULL != localeID), \"[Here] It is NULL.\");");
     int evaluated = 0;
     QBL_ASSERT(++evaluated == 1);
+    static_assert(qblIsLiteral(R"("a\" b")") && !qblIsLiteral(R"("a" != b || b == "c")"));
     EXPECT_EQ(1, evaluated);
 }
 
