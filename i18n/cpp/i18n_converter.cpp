@@ -53,6 +53,10 @@ Block allocated(std::size_t size) {
     QBL_ALLOC_CATCH
 }
 
+void freeUnless(const char* room, const char* block) {
+    if (block != room) delete[] block;
+}
+
 // How much of a block the name takes, up to room that is aligned for all types.
 std::size_t nameSize(std::size_t length) {
     constexpr std::size_t kAlign = alignof(std::max_align_t);
@@ -152,12 +156,7 @@ I18NConverter& I18NConverter::operator=(const I18NConverter& other) {
 
 I18NConverter::~I18NConverter() {
     ucnv_close(m_pConverter);
-    freeName();
-}
-
-void I18NConverter::freeName() {
-    auto* name = const_cast<char*>(m_outputContext.encoding);
-    if (name != m_room) delete[] name;
+    freeUnless(m_room, m_outputContext.encoding);
 }
 
 void I18NConverter::create(const I18NConverter& other) { *this = other; }
@@ -202,7 +201,7 @@ void I18NConverter::adopt(const I18NConverter& other, const char* encoding) {
 
     if (m_pConverter != nullptr) {
         ucnv_close(m_pConverter);
-        freeName();
+        freeUnless(m_room, m_outputContext.encoding);
     }
     m_iInputPolicy = other.m_iInputPolicy;
     m_iOutputPolicy = other.m_iOutputPolicy;

@@ -202,7 +202,6 @@ private:
     I18NConverter();
     void create(const char* name);
     void adopt(const I18NConverter& other, const char* encoding);
-    void freeName();
     void installInput(int policy, I18NUserInputCallback callback);
     void installOutput(int policy, I18NUserOutputCallback callback);
 
