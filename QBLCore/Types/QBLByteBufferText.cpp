@@ -11,22 +11,12 @@
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Types/QBLByteBuffer.hpp"
 #include "QBLCore/Types/internal/QBLByteBufferAssert.hpp"
+#include "QBLCore/Types/internal/QBLCharacters.hpp"
 
 namespace {
 
 const unsigned int kIntegerRoom = 32;
 const std::size_t kShortText = 512;
-
-struct Pairs {
-    char digits[200];
-};
-constexpr Pairs allPairs() {
-    Pairs pairs{};
-    for (int i = 0; i < 200; ++i)
-        pairs.digits[i] = static_cast<char>('0' + (i % 2 == 0 ? i / 20 : i / 2 % 10));
-    return pairs;
-}
-constexpr Pairs kPairs = allPairs();
 
 /// The powers of ten that a type holds, but for a zero in the place of the first.
 template <class Unsigned>
@@ -58,8 +48,6 @@ unsigned int digitsOf(Unsigned value) {
     return about + (value < kPowers<Unsigned>.of[about] ? 0 : 1);
 }
 
-void writePair(char* to, unsigned int value) { std::memcpy(to, &kPairs.digits[value * 2], 2); }
-
 /// @return behind the last digit
 template <class Integer>
 char* writeDecimal(char* to, Integer value) {
@@ -70,12 +58,17 @@ char* writeDecimal(char* to, Integer value) {
     }
     char* const end = to + digitsOf(rest);
     char* at = end;
-    for (; rest >= 100; rest /= 100) writePair(at -= 2, static_cast<unsigned int>(rest % 100));
-    if (rest >= 10) {
-        writePair(at - 2, static_cast<unsigned int>(rest));
-    } else {
-        at[-1] = static_cast<char>('0' + rest);
+    for (; rest >= 10000; rest /= 10000)
+        qblWriteFour(at -= 4, static_cast<std::uint32_t>(rest % 10000));
+    auto last = static_cast<std::uint32_t>(rest);
+    if (last >= 100) {
+        qblWritePair(at -= 2, last % 100);
+        last /= 100;
     }
+    if (last >= 10)
+        qblWritePair(at - 2, last);
+    else
+        at[-1] = static_cast<char>('0' + last);
     return end;
 }
 
