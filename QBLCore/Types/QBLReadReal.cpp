@@ -48,8 +48,10 @@ struct Decimal {
             return;
         }
         count += static_cast<int>(end - at);
-        for (; end - at >= 8; at += 8)
-            digits = digits * 100000000 + four(at) * 10000 + four(at + 4);
+        for (; end - at >= 8; at += 8) {
+            const std::uint32_t eight = four(at) * 10000 + four(at + 4);
+            digits = digits * 100000000 + eight;
+        }
         if (end - at >= 4) {
             digits = digits * 10000 + four(at);
             at += 4;
@@ -146,7 +148,8 @@ bool nearly(const Decimal& number, Real& value) {
     }
     if (exponent < Limits::min_exponent || exponent > Limits::max_exponent) return false;
     constexpr Bits implied = Bits{1} << (Limits::digits - 1);
-    const auto biased = static_cast<Bits>(exponent - Limits::min_exponent + 1);
+    const int fromLowest = exponent - Limits::min_exponent;
+    const Bits biased = Bits(1) + static_cast<unsigned>(fromLowest);
     const Bits bits = (biased << (Limits::digits - 1)) | (static_cast<Bits>(mantissa) & ~implied);
     std::memcpy(&value, &bits, sizeof value);
     return true;
