@@ -111,6 +111,14 @@ WITH_AVX2 inline void store24(unsigned char* out, __m256i bytes) {
     _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 16), _mm256_extracti128_si256(bytes, 1));
 }
 
+/// @return false, with nothing done, if a character is not in the alphabet
+WITH_AVX2 inline bool decodeBlock(const Decoding& by, const char* text, unsigned char* out) {
+    const __m256i in = load32(text);
+    if (!none(wrongOf(by, in))) return false;
+    store24(out, bytesOf(by, in));
+    return true;
+}
+
 /// What is left, as the end of a block of which part has been decoded already, unless that has
 /// been overwritten since. The last group may be a padded one, which is left.
 WITH_AVX2 inline std::size_t decodeLast(const Decoding& by, const QBLBase64Alphabet& alphabet,
@@ -122,11 +130,8 @@ WITH_AVX2 inline std::size_t decodeLast(const Decoding& by, const QBLBase64Alpha
         const std::size_t again = done - (end - 32);
         const auto gap = reinterpret_cast<std::uintptr_t>(text + end - 32) -
                          reinterpret_cast<std::uintptr_t>(out - done / 4 * 3);
-        const __m256i in = load32(text + end - 32);
-        if (gap >= done / 4 * 3 && none(wrongOf(by, in))) {
-            store24(out - again / 4 * 3, bytesOf(by, in));
+        if (gap >= done / 4 * 3 && decodeBlock(by, text + end - 32, out - again / 4 * 3))
             return end - done;
-        }
     }
     return kQBLBase64Ssse3.decode(alphabet, text + done, length - done, out);
 }
@@ -142,11 +147,8 @@ WITH_AVX2 std::size_t decode(const QBLBase64Alphabet& alphabet, const char* text
         _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), bytesOf(by, first));
         store24(out + 24, bytesOf(by, second));
     }
-    for (; length - done >= 32; done += 32, out += 24) {
-        const __m256i in = load32(text + done);
-        if (!none(wrongOf(by, in))) break;
-        store24(out, bytesOf(by, in));
-    }
+    for (; length - done >= 32; done += 32, out += 24)
+        if (!decodeBlock(by, text + done, out)) break;
     return done + decodeLast(by, alphabet, text, length, done, out);
 }
 

@@ -107,12 +107,12 @@ bool qblBase64Decode(const QBLBase64Kernels& kernels, const QBLBase64Alphabet& a
     // So that the text is still in the nearest cache when its end is known.
     constexpr std::size_t kStretch = 4096;
     Decoder decoder(kernels, alphabet, out);
-    std::size_t stretch;
-    do {
-        stretch = strnlen(text, kStretch);
-        if (!decoder.take(text, text + stretch)) return false;
-        text += stretch;
-    } while (stretch == kStretch);
+    for (const char* end = nullptr; end == nullptr;) {
+        end = static_cast<const char*>(std::memchr(text, '\0', kStretch));  // faster than strnlen
+        const char* const stretch = end != nullptr ? end : text + kStretch;
+        if (!decoder.take(text, stretch)) return false;
+        text = stretch;
+    }
     if (!decoder.end()) return false;
     length = static_cast<std::size_t>(decoder.out() - out);
     return true;
