@@ -194,5 +194,15 @@ TEST(QblmsgcTest, TextsAndPlacesAreShown) {
               "  ./u_en.bmf\n  ./u.bmf\n./u: there is no such catalogue for en\n");
     for (const char* arguments : {"", "-c -o a.bmf t.msg", "-d -q t.bmf", "-o t.msg t.msg", "-g 1"})
         expectRun(tree, arguments, 2, run(tree, "-h").output);
-    EXPECT_EQ(0U, run(tree, "-z").output.find("qblmsgc: no such option: -z\nusage: qblmsgc"));
+    const struct {
+        const char *arguments, *refused;
+    } table[] = {{"--help -qz", "-z"}, {"--wat=1 t.msg", "--wat"}, {"-q --help=x", "--help"}};
+    for (const auto& row : table) {
+        const std::string refused = std::string("qblmsgc: no such option: ") + row.refused;
+        expectRun(tree, row.arguments, 2, refused + "\n" + run(tree, "--help").output);
+    }
+    for (const char* absent : {"no.msg", "-c -r t.msg no.msg", "-d no.bmf", "-g 1 ./no.bmf"}) {
+        const std::string file = absent + std::string(absent).rfind(' ') + 1;
+        expectRun(tree, absent, 2, file + ": cannot be read: No such file or directory\n");
+    }
 }

@@ -14,6 +14,10 @@ Status dump(const Options& options);
 Status show(const Options& options);
 Status where(const Options& options);
 
+/// The status of an operand that cannot be read: where nothing is there it is the command line that
+/// is wrong, as with the other tool.
+Status unreadable(const std::string& operand);
+
 /// Prints a message of the tool to the standard error. @return the status given
 Status complain(Status status, qblmsgcmsgs id, const Details& details);
 

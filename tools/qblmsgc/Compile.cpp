@@ -36,6 +36,7 @@ public:
         }
         m_report.print(m_options.xml ? stdout : stderr,
                        m_options.xml ? Report::Form::kXml : Report::Form::kText, m_options.quiet);
+        if (source == nullptr) return unreadable(m_options.operands[0]);
         return hasFailed() ? kErrors : kClean;
     }
 

@@ -1,3 +1,5 @@
+#include <sys/stat.h>
+
 #include <cstdio>
 
 #include "QBLCore/Resources/QBLResourceBMF.hpp"
@@ -10,6 +12,11 @@
 
 namespace msgc {
 
+Status unreadable(const std::string& operand) {
+    struct stat64 status = {};
+    return stat64(operand.c_str(), &status) == 0 ? kErrors : kUsage;
+}
+
 Status complain(Status status, qblmsgcmsgs id, const Details& details) {
     std::fflush(stdout);
     std::fprintf(stderr, "%s\n", textOf(id, details).c_str());
@@ -19,7 +26,8 @@ Status complain(Status status, qblmsgcmsgs id, const Details& details) {
 Status dump(const Options& options) {
     const std::string& name = options.operands[0];
     std::string bytes, reason;
-    if (!readFile(name, bytes, reason)) return complain(kErrors, MSGC_CANNOT_READ, {name, reason});
+    if (!readFile(name, bytes, reason))
+        return complain(unreadable(name), MSGC_CANNOT_READ, {name, reason});
     Entries entries;
     BmfProblem problem = {};
     if (!readBmf(bytes, entries, problem))

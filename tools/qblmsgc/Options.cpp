@@ -1,6 +1,6 @@
 #include "tools/qblmsgc/Options.hpp"
 
-#include <unistd.h>
+#include <getopt.h>
 
 #include "tools/qblmsgc/Paths.hpp"
 #include "tools/qblmsgc/Report.hpp"
@@ -10,6 +10,18 @@ namespace msgc {
 namespace {
 
 using Command = Options::Command;
+
+const option kLongNames[] = {
+    {"help", no_argument, nullptr, 'h'}, {"version", no_argument, nullptr, 'V'}, {}};
+
+/// The option that getopt_long has refused. A long name is one that is not known, or has an
+/// argument that it does not take: optopt is its letter then.
+std::string refusedOption(char** argv) {
+    if (optopt != 0 && optopt != 'h' && optopt != 'V')
+        return std::string("-") + static_cast<char>(optopt);
+    const std::string word = argv[optind - 1];
+    return word.substr(0, word.find('='));
+}
 
 /// What a letter asks for; nothing for one that only goes with compiling.
 bool isCommand(int letter, Command& command) {
@@ -25,6 +37,9 @@ bool isCommand(int letter, Command& command) {
             return true;
         case 'h':
             command = Command::kHelp;
+            return true;
+        case 'V':
+            command = Command::kVersion;
             return true;
         default:
             return false;
@@ -64,6 +79,7 @@ bool hasRightOperands(const Options& options) {
         case Command::kWhere:
             return count == 1 || count == 2;
         case Command::kHelp:
+        case Command::kVersion:
             return true;
         default:
             return count == 1;
@@ -75,10 +91,11 @@ bool hasRightOperands(const Options& options) {
 bool parseOptions(int argc, char** argv, Options& options, std::string& problem) {
     bool hasCommand = false, hasOther = false;
     opterr = 0;
-    for (int letter = 0; (letter = getopt(argc, argv, ":cqXWr:H:o:dgwh")) != -1;) {
+    const char letters[] = ":cqXWr:H:o:dgwhV";
+    for (int letter = 0; (letter = getopt_long(argc, argv, letters, kLongNames, nullptr)) != -1;) {
         if (letter == '?' || letter == ':') {
-            problem = textOf(letter == ':' ? MSGC_OPTION_ALONE : MSGC_NO_OPTION,
-                             {std::string("-") + static_cast<char>(optopt)});
+            problem =
+                textOf(letter == ':' ? MSGC_OPTION_ALONE : MSGC_NO_OPTION, {refusedOption(argv)});
             return false;
         }
         if (isCommand(letter, options.command)) {

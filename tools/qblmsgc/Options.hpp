@@ -8,7 +8,7 @@ namespace msgc {
 
 /// What the command line asks for.
 struct Options {
-    enum class Command { kCompile, kDump, kShow, kWhere, kHelp };
+    enum class Command { kCompile, kDump, kShow, kWhere, kHelp, kVersion };
 
     Command command = Command::kCompile;
     bool checkOnly = false;

@@ -1,5 +1,7 @@
+#include <cerrno>
 #include <charconv>
 #include <cstdio>
+#include <cstring>
 
 #include "QBLCore/Messages/QBLMessage.hpp"
 #include "QBLCore/Resources/QBLResourceBMF.hpp"
@@ -82,6 +84,8 @@ Status show(const Options& options) {
     for (std::size_t i = 2; i < options.operands.size(); ++i)
         if (!addParameter(message, options.operands[i]))
             return complain(kUsage, MSGC_NO_PARAMETER, {options.operands[i]});
+    if (unreadable(file) == kUsage)
+        return complain(kUsage, MSGC_CANNOT_READ, {file, std::strerror(errno)});
     bool isOpen = false;
     if (!hasText(file, id, isOpen))
         return complain(kErrors, isOpen ? MSGC_NO_SUCH_TEXT : MSGC_DOES_NOT_OPEN, {file, number});

@@ -21,6 +21,9 @@ msgc::Status run(const msgc::Options& options) {
         case Command::kHelp:
             std::fputs(msgc::textOf(MSGC_USAGE).c_str(), stdout);
             return msgc::kClean;
+        case Command::kVersion:
+            std::printf("%s\n", msgc::textOf(MSGC_VERSION, {QBL_VERSION}).c_str());
+            return msgc::kClean;
         default:
             return msgc::compile(options);
     }

@@ -15,6 +15,8 @@ enum qblmsgcmsgs {
     MSGC_CANNOT_WRITE = 5,
     /// {0} source, {1} header
     MSGC_NO_NAMES = 6,
+    /// {0} the version
+    MSGC_VERSION = 7,
     MSGC_NOT_UTF8 = 10,
     MSGC_CONTROL_CHARACTER = 11,
     MSGC_NO_ENTRY = 12,
