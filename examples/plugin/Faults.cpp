@@ -1,5 +1,5 @@
 // faults.so: a plug-in, of which nothing is visible but its entry points.
-#include "examples/plugin/Faults.hpp"
+#include "Faults.hpp"
 
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 

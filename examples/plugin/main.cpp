@@ -1,12 +1,12 @@
 // plugin FILE: loads a plug-in, has it throw each class of throwables, and catches each by its own
-// type. Exit status 0 all were caught, 1 some were not, or the plug-in cannot be loaded.
+// type. Exit status 0 all were caught, 1 some were not, or the plug-in cannot be loaded, 2 usage.
 #include <dlfcn.h>
 
 #include <cstdio>
 
+#include "Faults.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/PlugIns/QBLPluginLibraryLoader.hpp"
-#include "examples/plugin/Faults.hpp"
 
 namespace {
 
@@ -49,7 +49,10 @@ bool allArrive(Throw throwFault) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 2) return 1;
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: plugin FILE\n");
+        return 2;
+    }
     try {
         void* plugin = QBLPluginLibraryLoader::load(argv[1]);
         typedef void (*Entry)();
