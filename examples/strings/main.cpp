@@ -71,7 +71,8 @@ int main() {
         showEncodings();
         showSurprises();
     } catch (QBLThrowable& error) {
+        const char* const what = error.getMessage();  // null where there is no text
         std::cout << error.getThrowableName() << ' ' << error.getErrorCode() << ": "
-                  << error.getMessage() << '\n';
+                  << (what != nullptr ? what : "no text") << '\n';
     }
 }

@@ -65,13 +65,14 @@ public:
                void* context = nullptr);
     explicit I18NString(const wchar_t* text, I18NStringAllocator allocator = nullptr,
                         void* context = nullptr);
-    /// From bytes; null for UTF-8. Ill-formed UTF-8 gives error values in its place. What needs a
-    /// converter is empty until the internationalisation layer is initialised.
-    /// @throws I18NRuntimeError -3 for an encoding that is not there, -4 for bytes it refuses
+    /// From bytes; null for UTF-8. Ill-formed UTF-8 gives error values in its place, and what other
+    /// encodings do not have is replaced as by I18N_SUBSTITUTE. What needs a converter is empty
+    /// until the internationalisation layer is initialised.
+    /// @throws I18NRuntimeError -3 for an encoding that is not there
     explicit I18NString(const char* bytes, const char* encoding = nullptr, int length = -1,
                         I18NStringAllocator allocator = nullptr, void* context = nullptr);
     /// From bytes by a converter, with its policies; works before the layer is initialised too.
-    /// @throws I18NRuntimeError -4 for bytes that it refuses
+    /// @throws I18NRuntimeError -4, without a text, for bytes that its policy refuses
     I18NString(const char* bytes, const I18NConverter& converter, int length = -1,
                I18NStringAllocator allocator = nullptr, void* context = nullptr);
     ~I18NString() {
@@ -175,13 +176,14 @@ public:
     I18NStringIterator end() const;
 
     /// The text in an encoding, with a zero of its width behind it. It belongs to the string and
-    /// stays until the string is changed or destroyed; asked for again it is the same.
+    /// stays until the string is changed or destroyed; asked for again it is the same. What the
+    /// encoding does not have is replaced as by I18N_SUBSTITUTE.
     /// @param encoding  null for UTF-8
     /// @param length  receives the bytes, the zero included; null if not wanted. An empty string
     ///     that is kept in UTF-16 has four of them.
     /// @param allocator, context  for the conversion; null means the string's own. They must last
     ///     as long as the string, or until it is converted again after a change
-    /// @throws I18NRuntimeError -3 for an encoding that is not there, -4 for text it cannot express
+    /// @throws I18NRuntimeError -3 for an encoding that is not there
     const char* c_str(const char* encoding = nullptr, int* length = nullptr,
                       I18NStringAllocator allocator = nullptr, void* context = nullptr) const {
         if (m_pUnicodeString != nullptr || encoding != nullptr)
@@ -190,6 +192,7 @@ public:
         return ascii();
     }
     /// The same by a converter, with its policies.
+    /// @throws I18NRuntimeError -4, without a text, for text that its policy refuses
     const char* c_str(const I18NConverter& converter, int* length = nullptr,
                       I18NStringAllocator allocator = nullptr, void* context = nullptr) const;
     /// The same as a block of the caller's, to be freed by freeBuffer(); one that an allocator was
