@@ -1,0 +1,57 @@
+// An object factory: items are made by the id of their class, and used again.
+#include <cstdio>
+#include <string>
+
+#include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
+#include "QBLCore/ObjectFactory/QBLObjectFactory.hpp"
+#include "QBLCore/ObjectFactory/QBLObjectFactoryItem.hpp"
+
+namespace {
+
+char kConnection[] = "Connection";  // the pointer is the id, not the text
+
+class Connection : public QBLObjectFactoryItem {
+public:
+    static QBLObjectFactoryItem* make(QBLObjectFactory* factory) { return new Connection(factory); }
+    ~Connection() override { std::printf("%d is deleted\n", m_number); }
+
+    char* getClassId() override { return kConnection; }
+    void cleanObject() override { m_user.clear(); }
+    void use(const char* user) {
+        m_user += user;
+        std::printf("%d serves %s\n", m_number, m_user.c_str());
+    }
+
+private:
+    explicit Connection(QBLObjectFactory* factory) : QBLObjectFactoryItem(factory) {}
+
+    static int g_made;
+    const int m_number = ++g_made;
+    std::string m_user;
+};
+
+int Connection::g_made = 0;
+
+Connection* connect(QBLObjectFactory& factory) {
+    return static_cast<Connection*>(factory.createObject(kConnection));
+}
+
+}  // namespace
+
+int main() {
+    QBLObjectFactory factory;
+    factory.registerClass(kConnection, &Connection::make);
+    Connection* const first = connect(factory);
+    Connection* const second = connect(factory);
+    first->use("Ann");
+    second->use("Bob");
+    first->release();
+    connect(factory)->use("Eve");  // the first one again, without Ann
+    try {
+        factory.unregisterClass(kConnection);
+    } catch (QBLIllegalStateError& error) {
+        std::printf("%s\n", error.getMessage());
+    }
+    first->release();
+    second->release();
+}  // the factory deletes what is free
