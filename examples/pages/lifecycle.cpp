@@ -41,7 +41,8 @@ void tryThread() {
         thread.start();
         std::printf("a thread starts\n");
     } catch (QBLThrowable& error) {
-        std::printf("%s: %s\n", error.getThrowableName(), error.getMessage());
+        const char* const what = error.getMessage();  // null where there is no text
+        std::printf("%s: %s\n", error.getThrowableName(), what != nullptr ? what : "no text");
     }
 }
 

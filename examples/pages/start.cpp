@@ -39,8 +39,9 @@ int main() {
         try {
             readAll(texts);
         } catch (QBLThrowable& error) {
+            const char* const what = error.getMessage();  // null where there is no text
             std::printf("%s %ld: %s\n", error.getThrowableName(), error.getErrorCode(),
-                        error.getMessage());
+                        what != nullptr ? what : "no text");
         }
         for (const Text& text : texts)
             std::printf("%-10s %s, %d characters\n", text.encoding, text.read.c_str(),
