@@ -92,7 +92,9 @@ _qbl_package(${_runtime} libs same "${_needs}" "core class library for servers a
 and messages in the reader's language, files and locks between processes,
 Unicode strings and converters, plug-ins and periodic housekeeping.
 .
-This package has the library, its resource files and its catalogues.")
+This package has the library, its resource files and its catalogues. The name
+without a version, libQBLCore.so, is here and not in the development package:
+by it the library finds its own directory, and with that these files.")
 _qbl_package(${_development} libdevel same
   "${_runtime} (= ${_version}), ${_programs} (>= ${_version})"
   "core class library for servers and tools (development files)"
@@ -104,8 +106,9 @@ This package has the headers, what CMake and pkg-config want, examples, and
 printers for gdb.")
 _qbl_package(${_programs} devel foreign "${_runtime} (>= ${_version})"
   "core class library for servers and tools (tools)"
-"The compiler of message catalogues, and manuals of the formats of files that
-programs with QBLCore read.")
+"A converter of text files between encodings, the compiler of message
+catalogues, and manuals of the formats of files that programs with QBLCore
+read. Those of one width serve the libraries of both.")
 foreach(_package ${_runtime} ${_programs})
   string(TOUPPER "${_package}" _upper)
   set(CPACK_DEBIAN_${_upper}_PACKAGE_SHLIBDEPS ${_asks})
