@@ -233,6 +233,14 @@ I18NProgress I18NStreamOutput::encodeByICU(const char16_t*& text, const char16_t
     return progressOf(status, m_bRefused);
 }
 
+void I18NStreamOutput::shiftBack(I18NStreamBuffer& bytes) {
+    const char16_t none = 0;
+    const char16_t* text = &none;
+    m_bLeavesOut = true;
+    do bytes.reserve(kSlack);
+    while (encodeByICU(text, &none, true, bytes) == I18NProgress::Full);
+}
+
 int I18NStreamOutput::undecided() const {
     UErrorCode status = U_ZERO_ERROR;
     return std::max<int>(ucnv_fromUCountPending(m_pICU, &status), 0);
@@ -253,7 +261,9 @@ void I18NStreamOutput::callback(const void* context, UConverterFromUnicodeArgs* 
                                 const UChar* units, int32_t length, UChar32 codePoint,
                                 UConverterCallbackReason reason, UErrorCode* status) {
     auto* side = static_cast<I18NStreamOutput*>(const_cast<void*>(context));
-    if (isAboutText(reason))
+    if (isAboutText(reason) && side->m_bLeavesOut)
+        *status = U_ZERO_ERROR;
+    else if (isAboutText(reason))
         side->found(args, units, length, codePoint, reason, status);
     else
         side->m_policy(side->m_pPolicyContext, args, units, length, codePoint, reason, status);

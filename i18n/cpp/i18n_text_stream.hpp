@@ -76,7 +76,8 @@ enum I18NByteOrderMark {
 ///
 /// Errors: I18NRuntimeError with I18N_CONVERSION and a text that says where, for what a policy
 /// refuses; QBLOutOfMemoryError. Any error of put() or finish() ends the stream; the output has
-/// what was converted in front of it.
+/// what was converted in front of it, and after a refusal goes back to the first shift state, so
+/// that other texts can follow.
 ///
 /// Threads: one at a time.
 class QBL_API I18NTextStream {

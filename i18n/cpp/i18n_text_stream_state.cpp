@@ -163,6 +163,8 @@ void I18NTextStreamState::passOn(std::size_t units, Ending ending) {
 
     // A code point that is found not convertible later needs its place, and the text's order.
     const bool isOver = ending != Ending::None || progress == I18NProgress::Refused;
+    const bool isRefused = ending == Ending::Refusal || progress == I18NProgress::Refused;
+    if (isRefused && m_pOutput != nullptr) m_pOutput->shiftBack(m_result);
     const std::size_t waiting =
         isOver ? 0 : std::min(m_iKept, static_cast<std::size_t>(undecided()));
     const std::int64_t end = m_iStart + static_cast<std::int64_t>(m_iKept - waiting);

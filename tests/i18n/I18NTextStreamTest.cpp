@@ -173,7 +173,13 @@ TEST(I18NTextStreamTest, TellsWhatIsNotConvertibleAndWhere) {
          "in 0 U+0 text 0, 1:1\nout -1 U+1f600 text 1, 1:1\nout -1 U+20ac text 4, 1:2\n"},
         {"UTF-8", "ISO-8859-1", I18N_STOP, "\n\xE2\x80\x8B\xE2\x82\xAC\xFF", "\n",
          "out -1 U+200b text 1, 2:1\nout -1 U+20ac text 2, 2:2\n"
-         "I18NTextStream: line 2, column 2: U+20AC is not in ISO-8859-1"}};
+         "I18NTextStream: line 2, column 2: U+20AC is not in ISO-8859-1"},
+        // Both are back in their first shift states for the texts of others.
+        {"UTF-8", "ISO-2022-JP", I18N_STOP, "\xE3\x81\x82\xFF", "\x1B$B$\"\x1B(B",
+         "in 3 U+0 text 1, 1:2\nI18NTextStream: byte 3, line 1, column 2: FF is not in UTF-8"},
+        {"UTF-8", "ISO-2022-JP", I18N_STOP, "\xE3\x81\x82\xF0\x9F\x98\x80z", "\x1B$B$\"\x1B(B",
+         "out -1 U+1f600 text 1, 1:2\n"
+         "I18NTextStream: line 1, column 2: U+1F600 is not in ISO-2022-JP"}};
     for (const auto& row : rows) {
         const I18NConverter from = withPolicy(row.from, row.policy);
         const I18NConverter to = withPolicy(row.to, row.policy);

@@ -118,6 +118,10 @@ public:
     /// @throws QBLOutOfMemoryError, I18NRuntimeError
     I18NProgress encode(const char16_t* text, const char16_t* end, bool flush,
                         I18NStreamBuffer& bytes);
+    /// Ends text that something refused: what is undecided comes out if it can be converted, and
+    /// is left out if not.
+    /// @throws QBLOutOfMemoryError, I18NRuntimeError
+    void shiftBack(I18NStreamBuffer& bytes);
     /// Units at the end of the text that may still be found not convertible.
     int undecided() const;
 
@@ -140,6 +144,7 @@ private:
     const void* m_pPolicyContext = nullptr;
     bool m_bRefused = false;
     bool m_bUnfinished = false;
+    bool m_bLeavesOut = false;  // what is not convertible, without a finding
     std::int64_t m_iUnits = 0;  // in front of m_pBegin
     const char16_t* m_pBegin = nullptr;
     const char16_t* m_pEnd = nullptr;
