@@ -12,6 +12,7 @@
 #include "QBLCore/FileLock/M_LockFile.hpp"
 #include "tests/support/Child.hpp"
 #include "tests/tools/RunTool.hpp"
+#include "tools/qblconv/Input.hpp"
 
 namespace {
 
@@ -70,12 +71,61 @@ TEST(QblconvFilesTest, InPlaceAFileKeepsItsModeItsLinksAndOnWishItsOriginal) {
     expectRun(tree, "-kvi bad s", 1,
               "bad:2:1: byte 2: the end cuts off 82, in Shift_JIS\ns: already UTF-8\n");
     EXPECT_EQ(kBroken, tree.text("bad"));
-    // An original that was kept gives way; nearly any text is valid UTF-16 but for its mark.
+    // Nearly any text is valid UTF-16 but for its mark.
     tree.file("s", kShiftJIS + "b");
-    expectRun(tree, "--in-place=.old -kt UTF-16LE s", 0, "");
-    EXPECT_EQ(kShiftJIS + "b", tree.text("s.old"));
+    expectRun(tree, "--in-place=.b -kt UTF-16LE s", 0, "");
+    EXPECT_EQ(kShiftJIS + "b", tree.text("s.b"));
     EXPECT_EQ(std::string("a\0B0\n\0b\0", 8), tree.text("s"));
-    EXPECT_EQ("./bad ./link ./s ./s.old ", namesIn(tree, "."));
+    EXPECT_EQ("./bad ./link ./s ./s.b ./s.old ", namesIn(tree, "."));
+}
+
+TEST(QblconvFilesTest, AnOriginalOnceKeptIsNotTouched) {
+    TempTree tree;
+    const auto expectKept = [&](const std::string& arguments, int status, const std::string& said) {
+        tree.file("t/s", kShiftJIS);
+        tree.file("t/s.o", kShiftJIS + "b");
+        expectRun(tree, arguments, status, said);
+        EXPECT_EQ(kShiftJIS, tree.text("t/s")) << arguments;
+        EXPECT_EQ(kShiftJIS + "b", tree.text("t/s.o")) << arguments;
+        EXPECT_EQ("./s ./s.o ", namesIn(tree, "t")) << arguments;
+    };
+    tree.dir("t");
+    expectKept("-i=.o t/s t/s.o", 2, "qblconv: t/s and t/s.o would both become t/s.o\n");
+    const std::string said = "t/s: the original cannot be kept as " +
+                             std::filesystem::canonical(tree("t/s")).string() +
+                             ".o: File exists\n";
+    expectKept("-i=.o t/s", 1, said);
+    expectKept("-i=.o -r t", 1, said);
+    // Not that of a directory either, but by the name that a run broken off has made.
+    tree.dir("s.d");
+    tree.file("s", kShiftJIS);
+    EXPECT_EQ(1, run(tree, "-i=.d s").status);
+    std::filesystem::create_hard_link(tree("s"), tree("s.o"));
+    expectRun(tree, "-vi=.o s", 0, "s: converted from Shift_JIS\n");
+    EXPECT_EQ(kShiftJIS, tree.text("s.o"));
+    EXPECT_EQ("./s ./s.d ./s.o ./t ./t/s ./t/s.o ", namesIn(tree, "."));
+}
+
+TEST(QblconvFilesTest, WhatOthersHavePutInItsPlaceStays) {
+    TempTree tree;
+    const auto isChangedBy = [&](const std::function<void()>& change) {
+        conv::Input input;
+        EXPECT_TRUE(input.open(tree.file("s"), conv::Input::Origin::kNamedInPlace, true));
+        change();
+        return input.hasChanged();
+    };
+    EXPECT_FALSE(isChangedBy([&] { std::filesystem::create_hard_link(tree("s"), tree("other")); }));
+    EXPECT_TRUE(isChangedBy([&] { chmod(tree("s").c_str(), 0600); }));
+    EXPECT_TRUE(isChangedBy([&] { unlink(tree("s").c_str()); }));
+    EXPECT_TRUE(isChangedBy([&] { std::filesystem::rename(tree.file("new"), tree("s")); }));
+    // Behind an input that is the output one that is waited for.
+    ASSERT_EQ(0, mkfifo(tree("pipe").c_str(), 0600));
+    Child child = start({"-f", "Shift_JIS", "-o", tree("s"), tree("s"), tree("pipe")});
+    const int writer = open(tree("pipe").c_str(), O_WRONLY);
+    std::filesystem::rename(tree.file("new", "new"), tree("s"));
+    close(writer);
+    EXPECT_EQ(1, child.wait());
+    EXPECT_EQ("new", tree.text("s"));
 }
 
 TEST(QblconvFilesTest, InPlaceOnlyWhatIsRegularAndUnlocked) {
@@ -135,15 +185,14 @@ TEST(QblconvFilesTest, NothingIsLostWhereOutputMeetsInput) {
     tree.file("s", kShiftJIS);
     tree.file("bad", kBroken);
     expectRun(tree, "s bad -o s", 1,
-              "bad:2:1: byte 2: the end cuts off 82, in Shift_JIS\ns: left as it was\n");
+              "bad:2:1: byte 2: the end cuts off 82, in Shift_JIS\ns: not written\n");
     EXPECT_EQ(kShiftJIS, tree.text("s"));
     expectRun(tree, "s >>s", 1, "s: would be written while it is read\n");
     expectRun(tree, "- <s >>s", 1, "-: would be written while it is read\n");
     expectRun(tree, "s >&-", 1, "the standard output: cannot be written: Bad file descriptor\n");
     expectRun(tree, "s s -o /dev/full", 1,
               "/dev/full: cannot be written: No space left on device\n");
-    // Inputs behind a failure of the output are not read.
-    expectRun(tree, "s no-such/.. -qX >/dev/full", 2,
+    expectRun(tree, "s no-such/.. -q >/dev/full", 2,
               "no-such/..: cannot be read: No such file or directory\n");
     expectRun(tree, "-ir s . -v", 1,
               "s: converted from Shift_JIS\n"
@@ -170,6 +219,7 @@ TEST(QblconvFilesTest, KilledAtAnyMomentItLeavesTheOldFileOrTheNew) {
     std::uniform_real_distribution<double> part(0, 1.2);
     for (int i = 0; i < 200; ++i) {
         tree.file("s", before);
+        unlink(tree("s.old").c_str());
         Child killed = convert();
         std::this_thread::sleep_for(whole * part(random));
         killed.kill(SIGKILL);

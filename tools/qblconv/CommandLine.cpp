@@ -59,7 +59,7 @@ private:
             before = words.getOptInd();
             const char* const next = before < count ? first[before] : nullptr;
             if (name != nullptr ? !takeLong(name, next, isMoved)
-                                : !takeLetter(letter, words, first[before - 1]))
+                                : !takeLetter(letter, words, first + before - 1))
                 return false;
             if (isMoved) break;  // behind a word that only we know to be an argument
         }
@@ -69,30 +69,45 @@ private:
         return true;
     }
 
-    bool takeLetter(int letter, const QBLUtGetOpt& words, const char* word) {
-        if (letter == 0) {
-            // The message has the letter, unless that lacks its argument and ends the word.
-            const char* const quote = std::strchr(words.getErrorMsg(), '\'');
-            const std::string wrong(1, quote != nullptr ? quote[1] : '?');
-            const bool isKnown = m_letters.find(wrong) != std::string::npos;
-            return isKnown ? fail(CONV_OPTION_ALONE,
-                                  {"-" + std::string(1, *(std::strchr(word, '\0') - 1))})
-                           : fail(CONV_NO_OPTION, {"-" + wrong});
-        }
+    /// @param word  the one that the letter stands in, or its argument behind that
+    bool takeLetter(int letter, const QBLUtGetOpt& words, char** word) {
+        if (letter == 0) return failLetter(words, *word);
         const std::string shown = {'-', static_cast<char>(letter)};
         const char* argument = words.getOptArg();
         if (letter == '=') {
-            const bool isAttached = argument != word && argument - word > 2;
-            if (m_pLast == nullptr || m_pLast->argument != Argument::kAttached || !isAttached)
+            const bool isNext = argument == *word;
+            if (m_pLast == nullptr || m_pLast->argument != Argument::kAttached)
                 return fail(CONV_NO_OPTION, {shown});
-            return m_take(
-                {*m_pLast, "-" + std::string(1, static_cast<char>(m_pLast->letter)), argument});
+            if (isNext && std::strlen(word[-1]) > 2) return failEmpty();
+            if (isNext || argument - *word <= 2) return fail(CONV_NO_OPTION, {shown});
+            return m_take({*m_pLast, lastShown(), argument});
         }
         m_pLast = &*std::find_if(m_known.begin(), m_known.end(),
                                  [&](const Known& each) { return each.letter == letter; });
         return m_take(
             {*m_pLast, shown, m_pLast->argument == Argument::kNeeded ? argument : nullptr});
     }
+
+    /// Says what is wrong with a letter that is none, or lacks its argument.
+    bool failLetter(const QBLUtGetOpt& words, const char* word) {
+        // The message has the letter, unless that lacks its argument and ends the word.
+        const char* const quote = std::strchr(words.getErrorMsg(), '\'');
+        const std::string wrong(1, quote != nullptr ? quote[1] : '?');
+        const bool hasAttached = m_pLast != nullptr && m_pLast->argument == Argument::kAttached;
+        if (m_letters.find(wrong) != std::string::npos) {
+            const char last = *(std::strchr(word, '\0') - 1);
+            if (last == '=' && hasAttached && std::strlen(word) > 2) return failEmpty();
+            return fail(CONV_OPTION_ALONE, {"-" + std::string(1, last)});
+        }
+        // As other programs have it: the argument right behind the letter.
+        const std::string whole(word);
+        const std::size_t at = hasAttached ? whole.find(lastShown()[1] + wrong) : std::string::npos;
+        if (at == std::string::npos) return fail(CONV_NO_OPTION, {"-" + wrong});
+        return fail(CONV_NO_OPTION_BUT, {whole, whole.substr(0, at + 1) + "=" + whole.substr(at + 1)});
+    }
+
+    bool failEmpty() { return fail(CONV_BAD_ARGUMENT, {lastShown(), "\"\""}); }
+    std::string lastShown() const { return {'-', static_cast<char>(m_pLast->letter)}; }
 
     bool takeLong(const char* word, const char* next, bool& isMoved) {
         const char* const equals = std::strchr(word, '=');

@@ -1,5 +1,6 @@
 #include "tools/qblconv/Convert.hpp"
 
+#include <cerrno>
 #include <cstring>
 
 #include "i18n/cpp/i18n_errors.hpp"
@@ -11,14 +12,14 @@ namespace {
 
 class Conversion {
 public:
-    Conversion(const Way& way, Output* output, const std::string& outputName, Findings& findings,
-               FileReport& report)
+    Conversion(const Way& way, const I18NConverter* from, Output* output,
+               const std::string& outputName, Findings& findings, FileReport& report)
         : m_pOutput(output),
           m_outputName(outputName),
           m_findings(findings),
           m_report(report),
           m_to(way.to != nullptr ? way.to->getEncoding() : ""),
-          m_stream(way.from, way.to, way.mark, &findings) {}
+          m_stream(from, way.to, way.mark, &findings) {}
 
     /// @param size  0 for the end
     bool put(const char* block, std::size_t size) {
@@ -35,6 +36,16 @@ public:
         }
         m_findings.tell(m_stream.getInputEncoding(), m_to);
         return write();
+    }
+    /// Leaves an output that stays in its encoding's first shift state, for those behind.
+    void breakOff() {
+        if (m_pOutput == nullptr || !m_pOutput->isDirect()) return;
+        try {
+            m_stream.finish();
+        } catch (const I18NRuntimeError& error) {
+            if (error.getErrorCode() != I18N_CONVERSION) throw;
+        }
+        write();
     }
     const char* encoding() const { return m_stream.getInputEncoding(); }
 
@@ -56,24 +67,43 @@ private:
     I18NTextStream m_stream;
 };
 
+/// Reads the first block, with all of a mark that may tell of the byte order.
+int readStart(const Way& way, Input& input) {
+    const auto size = static_cast<int>(way.block.size());
+    const auto wanted = way.fromSwapped != nullptr ? static_cast<int>(way.swappedMark.size()) : 1;
+    int done = 0;
+    for (int got = 1; got > 0 && done < wanted; done += got) {
+        got = input.read(way.block.data() + done, static_cast<unsigned>(size - done));
+        if (got < 0) return got;
+    }
+    return done;
+}
+
 }  // namespace
 
 bool convertText(const Way& way, Input& input, const std::string& name, Output* output,
                  const std::string& outputName, Findings& findings, FileReport& report,
                  std::string* encoding) {
-    Conversion conversion(way, output, outputName, findings, report);
-    for (int got = 1; got > 0;) {
-        got = input.read(way.block.data(), static_cast<unsigned>(way.block.size()));
+    int got = readStart(way, input);
+    const std::string& mark = way.swappedMark;
+    const bool isSwapped = way.fromSwapped != nullptr && got >= static_cast<int>(mark.size()) &&
+                           std::memcmp(way.block.data(), mark.data(), mark.size()) == 0;
+    Conversion conversion(way, isSwapped ? way.fromSwapped : way.from, output, outputName, findings,
+                          report);
+    while (true) {
         if (isInterrupted()) return false;
         if (got < 0) {
             report.error(CONV_CANNOT_READ, {name, std::strerror(input.error())});
+            conversion.breakOff();
             return false;
         }
         if (!conversion.put(way.block.data(), static_cast<std::size_t>(got))) {
             report.fail();
             return false;
         }
+        if (got == 0) break;
         way.progress.addBytes(static_cast<std::size_t>(got));
+        got = input.read(way.block.data(), static_cast<unsigned>(way.block.size()));
     }
     if (encoding != nullptr) *encoding = conversion.encoding();
     return true;
@@ -86,8 +116,8 @@ bool isValid(const I18NConverter& strict, const std::string& mark, Input& input,
     error = 0;
     for (int got = 1; got > 0 && isValid;) {
         got = input.read(block.data(), static_cast<unsigned>(block.size()));
-        if (got < 0) {
-            error = input.error();
+        if (got < 0 || isInterrupted()) {
+            error = got < 0 ? input.error() : EINTR;
             return false;
         }
         const auto size = static_cast<std::size_t>(got);

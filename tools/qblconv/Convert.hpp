@@ -15,7 +15,9 @@ namespace conv {
 /// What a conversion works with; one for each thread.
 struct Way {
     const I18NConverter* from;
-    const I18NConverter* to;  // null only reads
+    const I18NConverter* fromSwapped;  // in the other byte order; null if that is known
+    const std::string& swappedMark;    // which that one begins with
+    const I18NConverter* to;           // null only reads
     I18NByteOrderMark mark;
     std::vector<char>& block;
     Progress& progress;

@@ -6,13 +6,12 @@
 
 #include "i18n/cpp/i18n_encoding_names.h"
 #include "i18n/cpp/i18n_errors.hpp"
+#include "i18n/cpp/i18n_text_stream.hpp"
 #include "tools/qblconv/Suggest.hpp"
 
 namespace conv {
 
 namespace {
-
-constexpr char16_t kMark[] = {0xFEFF, 0};
 
 std::string lower(std::string text) {
     for (char& c : text)
@@ -28,6 +27,15 @@ Problem unknown(const std::string& name) {
             closest.offer(known);
     if (closest.found().empty()) return {CONV_NO_ENCODING, {name}};
     return {CONV_NO_ENCODING_BUT, {name, closest.found()}};
+}
+
+/// As a text of its own.
+std::string encoded(const I18NConverter& converter, char16_t unit) {
+    I18NTextStream stream(nullptr, &converter);
+    stream.put(&unit, 1);
+    std::string bytes(stream.getBytes(), stream.getByteCount());
+    stream.finish();
+    return bytes.append(stream.getBytes(), stream.getByteCount());
 }
 
 void leaveOutInput(const char*, const char*, int, wchar_t*, int*, I18NErrorCodes*) {}
@@ -62,13 +70,39 @@ void setPolicies(I18NConverter& converter, int input, int output) {
 std::string markIn(const I18NConverter& converter) {
     I18NConverter strict(converter);
     setPolicies(strict, I18N_STOP, I18N_STOP);
-    char bytes[32];
-    int size = 0;
-    I18NErrorCodes error = I18N_OK;
-    strict.fromUnicodeStream(bytes, sizeof bytes, kMark, sizeof *kMark, &size, nullptr, &error);
-    return error == I18N_OK && size > strict.sizeofLegacyNull()
-               ? std::string(bytes, static_cast<std::size_t>(size - strict.sizeofLegacyNull()))
-               : std::string();
+    constexpr char16_t kMark = 0xFEFF, kText = u'a';
+    try {
+        const std::string mark = encoded(strict, kMark), both = mark + encoded(strict, kText);
+        // Encodings with states, and those that write marks of their own, read something else.
+        I18NTextStream stream(&strict, nullptr);
+        std::u16string text;
+        for (const std::size_t size : {both.size(), std::size_t{0}}) {
+            if (size > 0)
+                stream.put(both.data(), size);
+            else
+                stream.finish();
+            text.append(stream.getText(), stream.getTextLength());
+        }
+        if (text == std::u16string{kMark, kText}) return mark;
+    } catch (const I18NRuntimeError&) {  // it lacks the mark
+    }
+    return {};
+}
+
+bool isAnyTextValid(const I18NConverter& converter) {
+    I18NConverter strict(converter);
+    setPolicies(strict, I18N_STOP, I18N_STOP);
+    try {
+        for (int i = 0; i < 256; ++i) {
+            const char byte = static_cast<char>(i);
+            I18NTextStream stream(&strict, nullptr);
+            stream.put(&byte, 1);
+            stream.finish();
+        }
+    } catch (const I18NRuntimeError&) {
+        return false;
+    }
+    return true;
 }
 
 bool listEncodings(const std::string& pattern) {
@@ -78,8 +112,10 @@ bool listEncodings(const std::string& pattern) {
         const std::string usual = I18NGetEncodingName(i, 0);
         std::string line = usual;
         bool matches = false;
+        const std::string letters = lettersOf(pattern);
         for (int k = 1; const char* const name = I18NGetEncodingName(i, k); ++k) {
-            matches = matches || lower(name).find(lower(pattern)) != std::string::npos;
+            matches = matches || lower(name).find(lower(pattern)) != std::string::npos ||
+                      (!letters.empty() && lettersOf(name).find(letters) != std::string::npos);
             if (usual != name) line.append(" ").append(name);
         }
         if (matches) lines.push_back(std::move(line));

@@ -15,11 +15,15 @@ std::unique_ptr<I18NConverter> openEncoding(const std::string& name, Problem& pr
 /// Sets what is done with text that cannot be converted.
 void setPolicies(I18NConverter& converter, int input, int output);
 
-/// The byte-order mark in an encoding; empty if it has none.
+/// The byte-order mark in an encoding: what can stand in front of any text in it. Empty if it has
+/// none.
 std::string markIn(const I18NConverter& converter);
 
-/// Prints the encodings that have a pattern in any of their names, in either case, a line with all
-/// its names for each. @return false if there is none
+/// Whether any bytes are a text in an encoding.
+bool isAnyTextValid(const I18NConverter& converter);
+
+/// Prints the encodings that have a pattern in any of their names, a line with all its names for
+/// each. Case does not count, nor what is neither letter nor digit. @return false if there is none
 bool listEncodings(const std::string& pattern);
 
 }  // namespace conv

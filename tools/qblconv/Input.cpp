@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <tuple>
@@ -14,12 +15,19 @@ namespace conv {
 namespace {
 
 constexpr int kAttempts = 100;
+constexpr int kLongestPause = 50;  // milliseconds between two attempts to lock
 
+// Without the time of the last change of these: a second name that the file gets changes that, too.
 auto version(const struct stat64& s) {
-    return std::make_tuple(s.st_dev, s.st_ino, s.st_size, s.st_mtim.tv_sec, s.st_mtim.tv_nsec);
+    return std::make_tuple(s.st_dev, s.st_ino, s.st_size, s.st_mtim.tv_sec, s.st_mtim.tv_nsec,
+                           s.st_mode, s.st_uid, s.st_gid);
 }
 
 }  // namespace
+
+bool isSameVersion(const struct stat64& a, const struct stat64& b) {
+    return version(a) == version(b);
+}
 
 bool Input::failed(int error) {
     m_error = error;
@@ -35,10 +43,11 @@ bool Input::open(const std::string& path, Origin origin, bool forWriting) {
 
 bool Input::openFile() {
     m_isAtEnd = m_isPassedOver = false;
+    m_isEmpty = true;
     m_error = 0;
     const bool isStandard = m_path == "-";
-    int flags = O_CLOEXEC | O_NOCTTY;
-    if (m_origin != Origin::kNamed) flags |= O_NONBLOCK;
+    // Nor is the writer of a pipe waited for where no interrupt would end that.
+    int flags = O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
     if (m_origin == Origin::kFoundInPlace) flags |= O_NOFOLLOW;
     const bool isOpen =
         isStandard ? m_file.open(QBLFmFile64::standardinput)
@@ -51,18 +60,28 @@ bool Input::openFile() {
             (m_origin == Origin::kFoundInPlace && error == ELOOP) || (isFound() && error == ENXIO);
         return failed(error);
     }
-    if (fstat64(isStandard ? 0 : m_file.getFileDescriptor(), &m_status) != 0) return failed(errno);
+    if (fstat64(descriptor(), &m_status) != 0) return failed(errno);
     if (S_ISDIR(m_status.st_mode)) return failed(EISDIR);
     m_isPassedOver = isFound() && !isRegular();
     return !m_isPassedOver;
 }
 
+/// @return an errno; 0 when it is locked
+int Input::lockFile(Options::Lock how, bool exclusive) {
+    for (int pause = 1;; pause = std::min(2 * pause, kLongestPause)) {
+        if (M_LockFile(m_file.getFileDescriptor(), exclusive ? 0 : 1, 0) != 0) return 0;
+        const int error = errno;
+        const bool isInTheWay = error == EACCES || error == EAGAIN;
+        if (how != Options::Lock::kWait || !isInTheWay || isInterrupted()) return error;
+        pauseFor(pause);
+    }
+}
+
 bool Input::lock(Options::Lock how, bool exclusive, Problem& problem) {
     if (how == Options::Lock::kNone || !isRegular()) return true;
     for (int i = 0; i < kAttempts; ++i) {
-        if (M_LockFile(m_file.getFileDescriptor(), exclusive ? 0 : 1,
-                       how == Options::Lock::kWait ? 1 : 0) == 0) {
-            const int error = errno;
+        const int error = lockFile(how, exclusive);
+        if (error != 0) {
             problem = error == EACCES || error == EAGAIN
                           ? Problem{CONV_LOCKED, {m_path}}
                           : Problem{CONV_CANNOT_LOCK, {m_path, std::strerror(error)}};
@@ -71,7 +90,7 @@ bool Input::lock(Options::Lock how, bool exclusive, Problem& problem) {
         struct stat64 now = {};
         const bool isThere = stat64(m_path.c_str(), &now) == 0;
         // Read again: whoever had it may have written to it.
-        if (isThere && isSame(now)) return fstat64(m_file.getFileDescriptor(), &m_status) == 0;
+        if (isThere && isSame(now)) return fstat64(descriptor(), &m_status) == 0;
         if (isThere && openFile()) continue;
         problem = {CONV_CANNOT_READ, {m_path, std::strerror(isThere ? m_error : ENOENT)}};
         return false;
@@ -83,12 +102,15 @@ bool Input::lock(Options::Lock how, bool exclusive, Problem& problem) {
 int Input::read(char* block, unsigned size) {
     unsigned done = 0;
     while (done < size && !m_isAtEnd) {
-        const int got = m_file.read(block + done, size - done);
-        if (got < 0 && m_file.getLastErrorNumber() == EINTR && !isInterrupted()) continue;
+        const bool isReady = isRegular() || waitToRead(descriptor());
+        const int got = isReady ? m_file.read(block + done, size - done) : -1;
+        const int error = isReady ? m_file.getLastErrorNumber() : EINTR;
+        if (got < 0 && (error == EINTR || error == EAGAIN) && !isInterrupted()) continue;
         if (got < 0) {
-            m_error = m_file.getLastErrorNumber();
+            m_error = error;
             return -1;
         }
+        m_isEmpty = m_isEmpty && got == 0;
         done += static_cast<unsigned>(got);
         // What others write is passed on as it comes.
         if (got > 0 && !isRegular()) break;
@@ -98,6 +120,8 @@ int Input::read(char* block, unsigned size) {
     return static_cast<int>(done);
 }
 
+int Input::descriptor() const { return m_path == "-" ? 0 : m_file.getFileDescriptor(); }
+
 bool Input::rewind() {
     m_isAtEnd = false;
     return m_file.seek(0, QBLFmFile64::begin) == 0 || failed(m_file.getLastErrorNumber());
@@ -105,7 +129,7 @@ bool Input::rewind() {
 
 bool Input::hasChanged() {
     struct stat64 now = {};
-    return fstat64(m_file.getFileDescriptor(), &now) != 0 || version(now) != version(m_status);
+    return stat64(m_path.c_str(), &now) != 0 || !isSameVersion(now, m_status);
 }
 
 bool Input::isSame(const struct stat64& other) const {

@@ -30,17 +30,24 @@ public:
     int read(char* block, unsigned size);
     /// Goes back to the start.
     bool rewind();
-    /// Whether somebody has written to the file since it was opened or locked.
+    /// Whether somebody has written to the file since it was opened or locked, or has put another
+    /// in its place.
     bool hasChanged();
     void close();
 
     bool isPassedOver() const { return m_isPassedOver; }
     bool isRegular() const { return S_ISREG(m_status.st_mode); }
     bool isSame(const struct stat64& other) const;
+    /// Whether nothing has been read so far.
+    bool isEmpty() const { return m_isEmpty; }
+    /// That an output of its own is to have; for what is not regular that of any new file.
+    unsigned mode() const { return isRegular() ? m_status.st_mode & 0777U : 0666U; }
     int error() const { return m_error; }
 
 private:
     bool openFile();
+    int lockFile(Options::Lock how, bool exclusive);
+    int descriptor() const;
     bool isFound() const { return m_origin >= Origin::kFound; }
     bool failed(int error);
 
@@ -51,8 +58,12 @@ private:
     struct stat64 m_status = {};
     bool m_isPassedOver = false;
     bool m_isAtEnd = false;
+    bool m_isEmpty = true;
     int m_error = 0;
 };
+
+/// Whether two looks at a file saw the same file, with the same contents, owner and mode.
+bool isSameVersion(const struct stat64& a, const struct stat64& b);
 
 }  // namespace conv
 

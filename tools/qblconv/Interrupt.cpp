@@ -1,6 +1,9 @@
 #include "tools/qblconv/Interrupt.hpp"
 
+#include <poll.h>
+
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <initializer_list>
 
@@ -8,6 +11,7 @@ namespace conv {
 
 namespace {
 
+constexpr int kEach = 100;  // milliseconds between two looks for a signal
 std::atomic<int> g_signal{0};
 static_assert(std::atomic<int>::is_always_lock_free, "a signal handler writes it");
 
@@ -16,17 +20,31 @@ void note(int signal) { g_signal = signal; }
 }  // namespace
 
 void catchInterrupts() {
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
         struct sigaction action = {};
         if (sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN) continue;
         action = {};
         action.sa_handler = note;
-        action.sa_flags = static_cast<int>(SA_RESETHAND);  // and reads are broken off
+        // Reads are broken off. A second signal ends it at once; but not that of a second thread
+        // that writes to the same pipe.
+        action.sa_flags = signal == SIGPIPE ? 0 : static_cast<int>(SA_RESETHAND);
         sigaction(signal, &action, nullptr);
     }
 }
 
 bool isInterrupted() { return g_signal.load(std::memory_order_relaxed) != 0; }
+
+bool waitToRead(int descriptor) {
+    pollfd file = {descriptor, POLLIN, 0};
+    while (!isInterrupted()) {
+        const int ready = poll(&file, 1, kEach);
+        // What cannot be waited for says why when it is read.
+        if (ready > 0 || (ready < 0 && errno != EINTR)) return true;
+    }
+    return false;
+}
+
+void pauseFor(int milliseconds) { poll(nullptr, 0, milliseconds); }
 
 void endIfInterrupted() {
     const int signal = g_signal;

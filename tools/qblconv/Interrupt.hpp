@@ -3,11 +3,16 @@
 
 namespace conv {
 
-/// Has SIGINT, SIGTERM and SIGHUP end the work at the next block, so that what is unfinished is
-/// removed.
+/// Has SIGINT, SIGTERM, SIGHUP and SIGPIPE end the work at the next block, so that what is
+/// unfinished is removed.
 void catchInterrupts();
 /// Any thread may ask.
 bool isInterrupted();
+/// Waits until a descriptor has something to read, or its end, on whatever thread the signal
+/// comes. @return false if the work is to end
+bool waitToRead(int descriptor);
+/// Sleeps for so many milliseconds, or until a signal comes on this thread.
+void pauseFor(int milliseconds);
 /// Ends the process by the signal that came, if one did.
 void endIfInterrupted();
 

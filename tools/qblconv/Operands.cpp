@@ -7,7 +7,6 @@
 #include <memory>
 
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
-#include "tools/qblconv/Report.hpp"
 
 namespace conv {
 
@@ -22,12 +21,6 @@ std::string lastPart(std::string path) {
     return path == "." || path == ".." ? std::string() : path;
 }
 
-std::string realPath(const std::string& path) {
-    const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr),
-                                                           &std::free);
-    return real != nullptr ? real.get() : std::string();
-}
-
 std::string below(const std::string& directory, const std::string& name) {
     return directory.empty() || directory.back() == '/' ? directory + name : directory + "/" + name;
 }
@@ -36,13 +29,23 @@ bool isSame(const struct stat64& a, const struct stat64& b) {
     return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
 
+bool endsWith(const std::string& name, const std::string& suffix) {
+    return name.size() >= suffix.size() &&
+           name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0;
+}
+
 }  // namespace
+
+std::string realPath(const std::string& path) {
+    const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr),
+                                                           &std::free);
+    return real != nullptr ? real.get() : path;
+}
 
 Operands::Operands(const Options& options)
     : m_options(options), m_isInPlace(options.mode == Mode::kInPlace) {}
 
 bool Operands::check(Problem& problem) const {
-    std::map<std::string, const std::string*> outputs;
     for (const std::string& operand : m_options.operands) {
         const bool isStandardInput = operand == "-";
         if (isStandardInput && (m_isInPlace || m_options.mode == Mode::kDirectory)) {
@@ -50,24 +53,60 @@ bool Operands::check(Problem& problem) const {
             return false;
         }
         struct stat64 status = {};
-        if (!isStandardInput && stat64(operand.c_str(), &status) != 0) {
-            problem = {CONV_CANNOT_READ, {shown(operand), std::strerror(errno)}};
+        if (!isStandardInput && stat64(operand.c_str(), &status) != 0 &&
+            (errno == ENOENT || errno == ENOTDIR)) {
+            problem = {CONV_CANNOT_READ, {operand, std::strerror(errno)}};
             return false;
         }
         if (S_ISDIR(status.st_mode) && !m_options.recurse) {
-            problem = {CONV_IS_DIRECTORY, {shown(operand)}};
+            problem = {CONV_IS_DIRECTORY, {operand}};
             return false;
         }
-        if (m_options.mode != Mode::kDirectory) continue;
+    }
+    return m_options.mode == Mode::kDirectory ? checkOutputs(problem) : checkOriginals(problem);
+}
+
+/// Whether no file of an operand becomes the same as one of another.
+bool Operands::checkOutputs(Problem& problem) const {
+    std::map<std::string, const std::string*> outputs;
+    const std::vector<std::string>& operands = m_options.operands;
+    for (const std::string& operand : operands) {
         const std::string name = lastPart(operand);
         const auto added = outputs.emplace(name, &operand);
-        if (added.second) continue;
-        problem = {
-            CONV_SAME_OUTPUT,
-            {shown(*added.first->second), shown(operand), shown(below(m_options.directory, name))}};
+        if (!added.second) {
+            problem = {CONV_SAME_OUTPUT,
+                       {*added.first->second, operand, below(m_options.directory, name)}};
+            return false;
+        }
+        // Its files stand beside the outputs of the others.
+        if (operands.size() == 1 || (!name.empty() && !isOutputDirectory(operand))) continue;
+        const std::string& other = &operand == &operands[0] ? operands[1] : operands[0];
+        problem = {CONV_MIXED_OUTPUTS, {operand, other, m_options.directory}};
         return false;
     }
     return true;
+}
+
+/// Whether no original would be kept under the name of another operand.
+bool Operands::checkOriginals(Problem& problem) const {
+    if (m_options.suffix.empty()) return true;
+    std::map<std::string, const std::string*> files;
+    for (const std::string& operand : m_options.operands)
+        files.emplace(realPath(operand), &operand);
+    for (const auto& [path, operand] : files) {
+        const auto found = files.find(path + m_options.suffix);
+        if (found == files.end()) continue;
+        problem = {CONV_SAME_OUTPUT, {*operand, *found->second, *found->second}};
+        return false;
+    }
+    return true;
+}
+
+bool Operands::isPassedOver(const std::string& file, const Level& level) const {
+    if (file[0] == '.' && m_options.match.compare(0, 1, ".") != 0) return true;
+    if (!m_isInPlace) return false;
+    const bool isOriginal = !m_options.suffix.empty() && endsWith(file, m_options.suffix);
+    return isOriginal || isDone(below(level.real, file));
 }
 
 bool Operands::next(Item& item) {
@@ -76,8 +115,7 @@ bool Operands::next(Item& item) {
         if (!level.files.empty()) {
             const std::string file = std::move(level.files.front());
             level.files.pop_front();
-            const bool isHidden = file[0] == '.' && m_options.match.compare(0, 1, ".") != 0;
-            if (isHidden || (m_isInPlace && isDone(below(level.real, file)))) continue;
+            if (isPassedOver(file, level)) continue;
             item.path = level.path + file;
             item.name = below(level.name, file);
             item.origin = m_isInPlace ? Input::Origin::kFoundInPlace : Input::Origin::kFound;
@@ -107,8 +145,6 @@ bool Operands::nextOperand(Item& item) {
         std::string real;
         if (m_isInPlace) {
             real = realPath(operand);
-            // Only if it has gone since.
-            if (real.empty()) real = operand;
             if (isDone(real) || !m_done.insert(real).second) continue;
         }
         struct stat64 status = {};

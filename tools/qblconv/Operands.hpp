@@ -26,7 +26,8 @@ struct Item {
 /// more is kept than the names of the directories on the way.
 ///
 /// - Hidden names in directories are passed over, unless the pattern for names begins with a dot;
-///   so is the directory for outputs, and links to directories. In place, links to files are too.
+///   so is the directory for outputs, and links to directories. In place, links to files are too,
+///   and names with the suffix of originals that are kept.
 /// - In place, what several operands lead to comes once.
 ///
 /// Threads: one at a time.
@@ -34,7 +35,8 @@ class Operands {
 public:
     explicit Operands(const Options& options);
 
-    /// Whether there are such operands, and whether each has an output of its own.
+    /// Whether there are such operands, and whether each has an output of its own. What cannot be
+    /// looked at, for other reasons than that it is not there, fails when its turn comes.
     bool check(Problem& problem) const;
     /// @return false at the end
     bool next(Item& item);
@@ -47,6 +49,9 @@ private:
         std::list<std::string> files, directories;
     };
 
+    bool checkOutputs(Problem& problem) const;
+    bool checkOriginals(Problem& problem) const;
+    bool isPassedOver(const std::string& file, const Level& level) const;
     bool nextOperand(Item& item);
     bool enter(const std::string& path, const std::string& name, const std::string& real,
                Item& item);
@@ -59,6 +64,9 @@ private:
     std::vector<Level> m_levels;
     std::set<std::string> m_done;  // operands in place, by their real paths
 };
+
+/// Without links, from the root. @return the path itself if nothing is there
+std::string realPath(const std::string& path);
 
 }  // namespace conv
 

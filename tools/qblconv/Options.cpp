@@ -4,6 +4,7 @@
 #include <cstring>
 #include <map>
 
+#include "i18n/cpp/i18n_converter.hpp"
 #include "tools/common/Environment.hpp"
 #include "tools/qblconv/CommandLine.hpp"
 #include "tools/qblconv/Suggest.hpp"
@@ -30,7 +31,7 @@ const std::vector<Known> kKnown = {
     {'l', "list", Argument::kNone},         {'h', "help", Argument::kNone},
     {'V', "version", Argument::kNone},
 };
-constexpr unsigned kMostJobs = 1024;
+constexpr unsigned kMostJobs = 256;
 
 /// A word that an argument can be, and what it stands for.
 struct Word {
@@ -214,6 +215,11 @@ private:
             if (!m_mode.empty()) return fail(CONV_NOT_TOGETHER, {shown, m_mode});
             return fail(CONV_NEEDS_MODE, {shown});
         }
+        // Names that leave the order of the bytes open are for texts that say it.
+        const bool isOpenOrder = I18NConverter::isUTF16(m_options.to.c_str()) ||
+                                 I18NConverter::isUTF32(m_options.to.c_str());
+        if (converts && isOpenOrder && m_shown.count(kBom) == 0)
+            m_options.mark = Options::Mark::kAdd;
         if (m_options.mode == Mode::kInPlace && m_shown.count(kLock) == 0)
             m_options.lock = Options::Lock::kTry;
         if (m_options.quiet) m_options.verbose = false;

@@ -1,6 +1,7 @@
 #include "tools/qblconv/Output.hpp"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -75,30 +76,55 @@ bool NewOutput::failed(int error) {
     return false;
 }
 
-void NewOutput::begin(const std::string& path) {
+void NewOutput::begin(const std::string& directory, const std::string& name,
+                      const std::string& input, unsigned mode) {
     discard();
-    m_path = path;
+    m_path = directory + "/" + name;
+    m_iBase = directory.size();
+    m_input = input;
+    m_iMode = mode;
+}
+
+/// Of so much of the path.
+bool NewOutput::createDirectories(std::size_t length) {
+    if (!QBLFmDir::createRecursiveDir(m_path.substr(0, m_iBase + 1).c_str())) return failed(errno);
+    for (std::size_t end = m_iBase; (end = m_path.find('/', end + 1)) < length;) {
+        // Behind it both paths are the same.
+        const std::string from = m_input.substr(0, m_input.size() - (m_path.size() - end));
+        struct stat64 status = {};
+        const unsigned mode =
+            stat64(from.c_str(), &status) == 0 ? (status.st_mode & 0777U) | S_IRWXU : 0777U;
+        if (mkdir(m_path.substr(0, end).c_str(), mode) != 0 && errno != EEXIST)
+            return failed(errno);
+    }
+    return true;
+}
+
+/// Nobody whom the mode shuts out has it open for a moment.
+bool NewOutput::createTemporary(const std::string& name) {
+    const int file = open64(name.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC,
+                            m_iMode | S_IRUSR | S_IWUSR);
+    if (file < 0) return failed(errno);
+    m_temporary = name;
+    ::close(file);
+    return m_file.open(name.c_str(), static_cast<QBLFmFile64::createmode>(O_CLOEXEC), 0) ||
+           failed(m_file.getLastErrorNumber());
 }
 
 bool NewOutput::create() {
     const std::string directory = m_path.substr(0, m_path.rfind('/') + 1);
     if (directory != m_directory) {
-        if (!directory.empty() && !QBLFmDir::createRecursiveDir(directory.c_str()))
-            return failed(errno);
+        if (!createDirectories(directory.size())) return false;
         m_directory = directory;
     }
     static const std::string process = kTemporary + std::to_string(getpid()) + ".";
     for (int i = 0; i < kAttempts; ++i) {
         std::string name = directory;
         name.append(process).append(std::to_string(++g_counter));
-        const auto flags = static_cast<QBLFmFile64::createmode>(O_CREAT | O_EXCL | O_CLOEXEC);
-        if (m_file.open(name.c_str(), flags, 0)) {
-            m_temporary = name;
-            return true;
-        }
-        if (m_file.getLastErrorNumber() != EEXIST) break;
+        if (createTemporary(name)) return true;
+        if (!m_temporary.empty() || m_error != EEXIST) break;
     }
-    return failed(m_file.getLastErrorNumber());
+    return false;
 }
 
 bool NewOutput::write(const char* bytes, std::size_t size) {
@@ -109,6 +135,12 @@ bool NewOutput::write(const char* bytes, std::size_t size) {
 
 bool NewOutput::commit() {
     if (m_temporary.empty() && !create()) return false;
+    constexpr unsigned kNeeded = S_IRUSR | S_IWUSR;  // for the writing itself
+    struct stat64 status = {};
+    const bool isLess = (m_iMode & kNeeded) != kNeeded;
+    if (isLess && (fstat64(m_file.getFileDescriptor(), &status) != 0 ||
+                   fchmod(m_file.getFileDescriptor(), status.st_mode & m_iMode) != 0))
+        return failed(errno);
     if (!m_file.close()) return failed(m_file.getLastErrorNumber());
     if (!QBLFmDir::renameFile(m_temporary.c_str(), m_path.c_str())) return failed(errno);
     m_temporary.clear();

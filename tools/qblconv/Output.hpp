@@ -61,8 +61,13 @@ private:
 class NewOutput : public Output {
 public:
     ~NewOutput() override;
-    /// Names the next one; nothing is made before something is written or committed.
-    void begin(const std::string& path);
+    /// Names the next one; nothing is made before something is written or committed. Directories
+    /// below the one for outputs get the modes of those that the input is in, as far as they are
+    /// to be made, but can be written by their owner.
+    /// @param name  below the directory; the end of the input's path, if that has directories
+    /// @param mode  of the file; as those of directories, less the umask
+    void begin(const std::string& directory, const std::string& name, const std::string& input,
+               unsigned mode);
     bool write(const char* bytes, std::size_t size) override;
     bool commit() override;
     int error() const override { return m_error; }
@@ -70,10 +75,14 @@ public:
 
 private:
     bool create();
+    bool createDirectories(std::size_t length);
+    bool createTemporary(const std::string& name);
     bool failed(int error);
 
     QBLFmFile64 m_file;
-    std::string m_path;
+    std::string m_path, m_input;
+    std::size_t m_iBase = 0;  // how much of the path is the directory for outputs
+    unsigned m_iMode = 0;
     std::string m_temporary;  // empty while there is none
     std::string m_directory;  // known to be there
     int m_error = 0;

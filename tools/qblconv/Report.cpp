@@ -11,6 +11,7 @@ namespace {
 
 constexpr std::size_t kMostText = 0x10000;  // of a file whose turn has not come
 constexpr std::size_t kMostEnded = 0x1000;
+constexpr std::size_t kMostEndedBytes = 0x800000;
 
 }  // namespace
 
@@ -19,9 +20,9 @@ Report::Report(std::FILE* out, Form form, Progress& progress)
     if (form == Form::kXml) write("<Messages>\n");
 }
 
-void Report::close() {
+bool Report::close() {
     if (m_form == Form::kXml) write("</Messages>\n");
-    std::fflush(m_out);
+    return std::fflush(m_out) == 0 && std::ferror(m_out) == 0;
 }
 
 void Report::write(const std::string& text) {
@@ -43,20 +44,25 @@ void Report::print(std::uint64_t number, const std::string& text) {
 void Report::end(std::uint64_t number, std::string text, bool failed) {
     QBLThreadGuard guard(m_lock);
     m_hasFailures = m_hasFailures || failed;
-    while (number - m_next >= kMostEnded) {
+    // Whoever has the next number is not one that waits.
+    while (number - m_next >= kMostEnded ||
+           (number != m_next && m_iEndedBytes + text.size() > kMostEndedBytes)) {
         ++m_iWaiting;
         m_turn.wait(m_lock);
         --m_iWaiting;
     }
     if (number != m_next) {
+        m_iEndedBytes += text.size();
         m_ended.emplace(number, std::move(text));
         return;
     }
     write(text);
     ++m_next;
     for (auto first = m_ended.begin(); first != m_ended.end() && first->first == m_next;
-         first = m_ended.erase(first), ++m_next)
+         first = m_ended.erase(first), ++m_next) {
+        m_iEndedBytes -= first->second.size();
         write(first->second);
+    }
     if (m_iWaiting > 0) m_turn.broadcast();
 }
 
@@ -90,7 +96,8 @@ std::string shown(const std::string& name) {
     for (std::size_t i = 0; i < name.size();) {
         const std::size_t begin = i;
         const int c = tools::nextCodePoint(name, i, name.size());
-        if (c >= 0x20 && (c < 0x7F || c > 0x9F) && c != 0xFFFE && c != 0xFFFF) {
+        const bool isLike = c == '\\' && name.compare(i, 1, "x") == 0;
+        if (c >= 0x20 && (c < 0x7F || c > 0x9F) && c != 0xFFFE && c != 0xFFFF && !isLike) {
             text.append(name, begin, i - begin);
             continue;
         }
@@ -102,6 +109,12 @@ std::string shown(const std::string& name) {
         }
     }
     return text;
+}
+
+Details shown(const Details& names) {
+    Details texts;
+    for (const std::string& name : names) texts.push_back(shown(name));
+    return texts;
 }
 
 }  // namespace conv

@@ -23,8 +23,8 @@ public:
     enum class Form { kText, kXml };
 
     Report(std::FILE* out, Form form, Progress& progress);
-    /// Ends the report.
-    void close();
+    /// Ends the report. @return false if some of it is lost
+    [[nodiscard]] bool close();
 
     Form form() const { return m_form; }
     /// Prints a part of what is said about a file, when its turn has come.
@@ -44,6 +44,7 @@ private:
     // Under m_lock.
     std::uint64_t m_next = 0;  // whose turn it is
     std::map<std::uint64_t, std::string> m_ended;
+    std::size_t m_iEndedBytes = 0;  // of them
     std::size_t m_iWaiting = 0;
     bool m_hasFailures = false;
 };
@@ -61,7 +62,6 @@ public:
     FileReport& operator=(const FileReport&) = delete;
 
     void error(qblconvmsgs id, const Details& details);
-    void error(const Problem& problem) { error(problem.id, problem.details); }
     void warning(qblconvmsgs id, const Details& details);
     void information(qblconvmsgs id, const Details& details);
     bool hasFailed() const { return m_hasFailed; }
@@ -78,8 +78,10 @@ private:
     bool m_hasFailed = false;
 };
 
-/// A name as it is shown: what is not UTF-8, and control characters, as \xHH.
+/// A name as it is shown: what is not UTF-8, and control characters, as \xHH; and so the backslash
+/// of a name that has such a thing itself, so that no two names look the same.
 std::string shown(const std::string& name);
+Details shown(const Details& names);
 
 }  // namespace conv
 

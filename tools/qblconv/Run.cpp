@@ -1,13 +1,17 @@
 #include "tools/qblconv/Run.hpp"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <optional>
 #include <thread>
 
+#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
+#include "QBLCore/Exceptions/QBLThreadResourceError.hpp"
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
 #include "QBLCore/ThreadPools/QBLTaskGroup.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
@@ -24,6 +28,12 @@ namespace {
 
 using Mode = Options::Mode;
 
+/// XML is for programs, and goes where they read, unless text does.
+std::FILE* reportFile(const Options& options) {
+    const bool isTaken = options.mode == Mode::kJoin && options.output.empty();
+    return options.xml && !isTaken ? stdout : stderr;
+}
+
 /// The conversion or check of files.
 class Run {
 public:
@@ -31,43 +41,70 @@ public:
         : m_options(options),
           m_catalogue(catalogue),
           m_operands(options),
-          m_progress(!options.quiet, catalogue, options.locales),
+          m_progress(isProgressWanted(options), catalogue, options.locales),
           m_report(reportFile(options), options.xml ? Report::Form::kXml : Report::Form::kText,
                    m_progress) {}
 
     Status run() {
-        if (m_options.mode == Mode::kJoin)
-            join();
-        else
-            workOnAll();
+        std::optional<std::string> failure;
+        try {
+            if (m_options.mode == Mode::kJoin)
+                join();
+            else
+                workOnAll();
+        } catch (QBLThrowable& error) {
+            failure = error.getMessage();
+        } catch (const std::exception& error) {
+            failure = error.what();
+        }
+        if (failure) {
+            tools::MessageText texts(m_catalogue, m_options.locales);
+            FileReport(m_report, m_iTaken++, texts).error(CONV_FAILED, {"qblconv", *failure});
+        }
         m_progress.clear();
-        m_report.close();
-        return m_report.hasFailures() ? kFailed : kDone;
+        const bool isWhole = m_report.close();
+        return m_report.hasFailures() || !isWhole ? kFailed : kDone;
     }
 
 private:
-    /// XML is for programs, and goes where they read, unless text does.
-    static std::FILE* reportFile(const Options& options) {
-        const bool isTaken = options.mode == Mode::kJoin && options.output.empty();
-        return options.xml && !isTaken ? stdout : stderr;
+    /// Text on the terminal would be wiped out.
+    static bool isProgressWanted(const Options& options) {
+        const bool isText = options.mode == Mode::kJoin && options.output.empty();
+        return !options.quiet && !(isText && isatty(STDOUT_FILENO) != 0);
     }
 
-    /// One less than the workers come from a pool.
+    /// One less than the workers come from a pool; fewer if there cannot be so many threads.
     void workOnAll() {
         unsigned jobs = m_options.jobs;
         if (jobs == 0) jobs = std::max(1U, std::thread::hardware_concurrency());
         if (!m_options.recurse)
             jobs = static_cast<unsigned>(std::min<std::size_t>(jobs, m_options.operands.size()));
-        if (jobs == 1) return work();
-        QBLThreadPoolQueued pool(jobs - 1, jobs);
-        QBLTaskGroup group(pool);
-        for (unsigned i = 1; i < jobs; ++i) group.run([this] { work(); });
-        work();
+        std::unique_ptr<QBLThreadPoolQueued> pool;
+        for (; jobs > 1 && pool == nullptr; jobs = pool != nullptr ? jobs : jobs / 2) {
+            try {
+                pool = std::make_unique<QBLThreadPoolQueued>(jobs - 1, jobs);
+            } catch (const QBLThreadResourceError&) {  // half of them may do
+            }
+        }
+        Worker worker(m_options, m_progress);
+        if (pool == nullptr) return work(worker);
+        QBLTaskGroup group(*pool);
+        for (unsigned i = 1; i < jobs; ++i) group.run([this] { help(); });
+        work(worker);
         group.wait();
     }
 
-    void work() {
-        Worker worker(m_options, m_progress);
+    void help() {
+        std::optional<Worker> worker;
+        try {
+            worker.emplace(m_options, m_progress);
+        } catch (const QBLOutOfMemoryError&) {
+            return;  // the others do it all
+        }
+        work(*worker);
+    }
+
+    void work(Worker& worker) {
         tools::MessageText texts(m_catalogue, m_options.locales);
         Item item;
         std::uint64_t number = 0;
@@ -115,23 +152,35 @@ private:
         bool isWell = isOpen && (mark.empty() || output.write(mark.data(), mark.size()));
         std::vector<std::string> inputs = m_options.operands;
         if (inputs.empty()) inputs.emplace_back("-");
+        const bool isInput = !isDirect && std::any_of(inputs.begin(), inputs.end(), [&](auto& each) {
+            struct stat64 input = {};
+            return (each == "-" ? fstat64(STDIN_FILENO, &input)
+                                : stat64(each.c_str(), &input)) == 0 &&
+                   input.st_dev == status.st_dev && input.st_ino == status.st_ino;
+        });
+        bool isFirst = true;
         for (const std::string& input : inputs) {
             if (!isWell) break;
             if (isInterrupted()) return;
             FileReport report(m_report, m_iTaken, texts);
             guarded(input, report, [&] {
-                worker.join(input, isDirect ? &direct : nullptr, output, name, m_iTaken == 0,
-                            report);
+                if (worker.join(input, isDirect ? &direct : nullptr, output, name, isFirst, report))
+                    isFirst = false;
             });
             ++m_iTaken;
             if (output.error() != 0) isWell = false;
         }
         if (isInterrupted()) return;
-        FileReport report(m_report, m_iTaken, texts);
+        FileReport report(m_report, m_iTaken++, texts);
+        struct stat64 now = {};
+        const bool isChanged = isInput && (stat64(m_options.output.c_str(), &now) != 0 ||
+                                           !isSameVersion(now, status));
         if (!isOpen) {
             report.error(CONV_CANNOT_WRITE, {name, std::strerror(output.error())});
         } else if (m_report.hasFailures() && !isDirect) {
             report.error(CONV_NOT_WRITTEN, {name});
+        } else if (isChanged) {
+            report.error(CONV_CHANGED, {name});
         } else if (isWell && !output.commit()) {
             report.error(CONV_CANNOT_WRITE, {name, std::strerror(output.error())});
         }
@@ -156,7 +205,29 @@ bool check(const Options& options, Problem& problem) {
         problem = {CONV_NO_MARK, {options.to}};
         return false;
     }
+    if (options.keepValid && isAnyTextValid(*to)) {
+        problem = {CONV_ALL_VALID, {"-k", options.to}};
+        return false;
+    }
     return Operands(options).check(problem);
+}
+
+/// Whether a path leads to what the standard output is, whose text so far would be replaced.
+bool isStandardOutput(const std::string& path) {
+    struct stat64 file = {}, standard = {};
+    return stat64(path.c_str(), &file) == 0 && fstat64(STDOUT_FILENO, &standard) == 0 &&
+           file.st_dev == standard.st_dev && file.st_ino == standard.st_ino;
+}
+
+/// Says what is wrong with the command line, in the form of the report.
+void sayNothingDone(const Options& options, const Problem& problem, tools::MessageText& texts) {
+    std::FILE* const out = reportFile(options);
+    const Details details = shown(problem.details);
+    if (options.xml)
+        std::fprintf(out, "<Messages>\n%s\n</Messages>\n",
+                     texts.element(QBLSeverityError, problem.id, details).c_str());
+    else
+        std::fprintf(out, "%s\n", texts.text(problem.id, details).c_str());
 }
 
 }  // namespace
@@ -179,10 +250,12 @@ Status run(int argc, char** argv) {
                 return listEncodings(options.operands.empty() ? "" : options.operands[0]) ? kDone
                                                                                           : kFailed;
             default:
+                if (options.mode == Mode::kJoin && isStandardOutput(options.output))
+                    options.output.clear();
                 if (check(options, problem)) return Run(options, catalogue).run();
         }
     }
-    std::fprintf(stderr, "%s\n", texts.text(problem.id, problem.details).c_str());
+    sayNothingDone(options, problem, texts);
     return kNothingDone;
 }
 

@@ -7,6 +7,10 @@ namespace conv {
 
 namespace {
 
+constexpr std::size_t kLongest = 64;  // that names are compared with
+
+}  // namespace
+
 std::string lettersOf(const std::string& name) {
     std::string letters;
     for (const char c : name) {
@@ -15,8 +19,6 @@ std::string lettersOf(const std::string& name) {
     }
     return letters;
 }
-
-}  // namespace
 
 std::size_t editDistance(const std::string& a, const std::string& b) {
     std::vector<std::size_t> beforeLast(b.size() + 1), last(b.size() + 1), row(b.size() + 1);
@@ -39,6 +41,7 @@ Closest::Closest(const std::string& wrong)
     : m_wrong(lettersOf(wrong)), m_distance(std::max<std::size_t>(m_wrong.size() / 3, 1) + 1) {}
 
 void Closest::offer(const char* name) {
+    if (m_wrong.size() > kLongest) return;
     const std::string letters = lettersOf(name);
     // Many break a word off early.
     const bool isBeginning = m_wrong.size() > 2 && letters.compare(0, m_wrong.size(), m_wrong) == 0;

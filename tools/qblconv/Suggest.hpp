@@ -13,7 +13,8 @@ public:
     explicit Closest(const std::string& wrong);
 
     void offer(const char* name);
-    /// Empty if none is near enough: a third of the letters may be wrong, and one in any case.
+    /// Empty if none is near enough: a third of the letters may be wrong, and one in any case; of
+    /// 64 letters at most.
     const std::string& found() const { return m_found; }
 
 private:
@@ -21,6 +22,9 @@ private:
     std::size_t m_distance;  // a name found is nearer
     std::string m_found;
 };
+
+/// The letters and digits of a name, in small letters.
+std::string lettersOf(const std::string& name);
 
 /// The least number of letters to be put in, left out, exchanged, or swapped with the next.
 std::size_t editDistance(const std::string& a, const std::string& b);

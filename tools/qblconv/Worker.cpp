@@ -3,10 +3,8 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 
-#include "QBLCore/FileManagement/QBLFmDir.hpp"
 #include "tools/qblconv/Encodings.hpp"
 #include "tools/qblconv/Interrupt.hpp"
 
@@ -25,23 +23,20 @@ std::unique_ptr<I18NConverter> openKnown(const std::string& name, int input, int
     return converter;
 }
 
-/// Whether a byte-order mark may tell more than the name does.
-bool isMarkToChoose(const Options& options) {
-    const char* const from = options.from.c_str();
-    const bool isASCII = I18NConverter::isUTF8("ASCII") && strcasecmp(from, "ASCII") == 0;
-    return !isASCII && (I18NConverter::isUTF8(from) || I18NConverter::isUTF16(from) ||
-                        I18NConverter::isUTF32(from));
-}
-
 }  // namespace
 
 Worker::Worker(const Options& options, Progress& progress)
     : m_options(options),
       m_progress(progress),
-      m_isMarkToChoose(isMarkToChoose(options)),
       m_block(kBlock) {
     const bool isCheck = options.mode == Mode::kCheck;
     m_from = openKnown(options.from, isCheck ? I18N_SUBSTITUTE : options.inputPolicy, I18N_STOP);
+    const bool isUTF16 = I18NConverter::isUTF16(options.from.c_str());
+    if (isUTF16 || I18NConverter::isUTF32(options.from.c_str())) {
+        m_fromSwapped = openKnown(isUTF16 ? "UTF-16BE" : "UTF-32BE",
+                                  isCheck ? I18N_SUBSTITUTE : options.inputPolicy, I18N_STOP);
+        m_swappedMark = markIn(*m_fromSwapped);
+    }
     if (!isCheck || options.isToGiven)
         m_to = openKnown(options.to, I18N_STOP, isCheck ? I18N_SUBSTITUTE : options.outputPolicy);
     if (options.mark == Options::Mark::kAdd) m_mark = markIn(*m_to);
@@ -57,12 +52,14 @@ Findings::Each Worker::each() const {
 }
 
 I18NByteOrderMark Worker::marks(bool strip) const {
-    if (m_isMarkToChoose) return strip ? I18N_MARK_CHOOSE_AND_STRIP : I18N_MARK_CHOOSE;
+    // An encoding that is given is what the text is in.
+    if (!m_options.isFromGiven) return strip ? I18N_MARK_CHOOSE_AND_STRIP : I18N_MARK_CHOOSE;
     return strip ? I18N_MARK_STRIP : I18N_MARK_KEEP;
 }
 
 Way Worker::way(I18NByteOrderMark mark) {
-    return {m_from.get(), m_to.get(), mark, m_block, m_progress};
+    return {m_from.get(), m_fromSwapped.get(), m_swappedMark, m_to.get(), mark, m_block,
+            m_progress};
 }
 
 void Worker::work(const Item& item, FileReport& report) {
@@ -97,7 +94,7 @@ bool Worker::open(const Item& item, Input& input, FileReport& report) {
     }
     Problem problem;
     if (input.lock(m_options.lock, isInPlace, problem)) return true;
-    if (!isInterrupted()) report.error(problem);
+    if (!isInterrupted()) report.error(problem.id, shown(problem.details));
     return false;
 }
 
@@ -112,13 +109,22 @@ void Worker::check(const std::string& name, Input& input, FileReport& report) {
 
 bool Worker::isToBeKept(Input& input, const std::string& name, FileReport& report) {
     if (m_valid == nullptr) return false;
-    int error = ESPIPE;
-    const bool isKept = input.isRegular() && isValid(*m_valid, m_validMark, input, m_block, error);
+    if (!input.isRegular()) {
+        report.error(CONV_NOT_REGULAR, {name});
+        return false;
+    }
+    int error = 0;
+    const bool isKept = isValid(*m_valid, m_validMark, input, m_block, error);
     if (error != 0 && !isInterrupted())
         report.error(CONV_CANNOT_READ, {name, std::strerror(error)});
     if (error != 0) report.fail();
-    if (isKept && m_options.verbose) report.information(CONV_KEPT, {name, m_options.to});
     return isKept;
+}
+
+void Worker::sayDone(const std::string& name, bool isKept, FileReport& report) const {
+    if (!m_options.verbose || report.hasFailed()) return;
+    report.information(isKept ? CONV_KEPT : CONV_DONE,
+                       {name, isKept ? m_options.to : m_encoding});
 }
 
 bool Worker::fill(Input& input, const std::string& name, Output& output,
@@ -133,69 +139,84 @@ bool Worker::fill(Input& input, const std::string& name, Output& output,
 bool Worker::convert(Input& input, const std::string& name, Output& output,
                      const std::string& outputName, bool stripMark, FileReport& report) {
     Findings findings(report, name, each());
-    std::string encoding;
     if (!convertText(way(marks(stripMark)), input, name, &output, outputName, findings, report,
-                     &encoding))
+                     &m_encoding))
         return false;
     if (findings.count() > 0 && !m_options.quiet)
         report.warning(CONV_REPLACED, {name, std::to_string(findings.count())});
-    if (m_options.verbose) report.information(CONV_DONE, {name, encoding});
     return true;
 }
 
 void Worker::convertInto(const Item& item, Input& input, FileReport& report) {
     const std::string name = shown(item.path);
-    const std::string path = m_options.directory + "/" + item.name, outputName = shown(path);
+    const std::string outputName = shown(m_options.directory + "/" + item.name);
     const bool isKept = isToBeKept(input, name, report);
     if (report.hasFailed()) return;
-    m_new.begin(path);
+    m_new.begin(m_options.directory, item.name, item.path, input.mode());
     const bool isFilled =
         isKept ? copyText(way(I18N_MARK_KEEP), input, name, m_new, outputName, report)
                : fill(input, name, m_new, outputName, report);
     if (isFilled && !m_new.commit())
         report.error(CONV_CANNOT_WRITE, {outputName, std::strerror(m_new.error())});
+    else if (isFilled)
+        sayDone(name, isKept, report);
     m_new.discard();
 }
 
 void Worker::convertInPlace(const Item& item, Input& input, FileReport& report) {
     const std::string name = shown(item.path);
-    if (isToBeKept(input, name, report) || report.hasFailed()) return;
+    const bool isKept = isToBeKept(input, name, report);
+    if (isKept) sayDone(name, isKept, report);
+    if (isKept || report.hasFailed()) return;
     ReplacingOutput output;
     if (!output.open(item.path))
         return report.error(CONV_CANNOT_WRITE, {name, std::strerror(output.error())});
     if (!fill(input, name, output, name, report)) return;
     if (input.hasChanged()) return report.error(CONV_CHANGED, {name});
-    if (!m_options.suffix.empty() && !keepOriginal(item.path, report)) return;
-    if (!output.commit()) report.error(CONV_CANNOT_WRITE, {name, std::strerror(output.error())});
+    std::string kept;
+    if (!m_options.suffix.empty() && !keepOriginal(item.path, kept, report)) return;
+    if (output.commit()) return sayDone(name, isKept, report);
+    report.error(CONV_CANNOT_WRITE, {name, std::strerror(output.error())});
+    // Two names of one file would be changed together.
+    if (!kept.empty()) unlink(kept.c_str());
 }
 
-/// By a second name, so that the file has its first one all the time.
-bool Worker::keepOriginal(const std::string& path, FileReport& report) const {
-    const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr),
-                                                           &std::free);
-    const std::string original = real != nullptr ? real.get() : path;
-    const std::string kept = original + m_options.suffix;
-    bool isKept = link(original.c_str(), kept.c_str()) == 0;
-    // What an earlier run kept is given up.
-    if (!isKept && errno == EEXIST && QBLFmDir::removeFile(kept.c_str()))
-        isKept = link(original.c_str(), kept.c_str()) == 0;
-    if (!isKept) report.error(CONV_CANNOT_KEEP, {shown(path), shown(kept), std::strerror(errno)});
-    return isKept;
+/// By a second name, so that the file has its first one all the time. What has that name already
+/// may be the only original there is.
+bool Worker::keepOriginal(const std::string& path, std::string& kept, FileReport& report) const {
+    const std::string original = realPath(path);
+    const std::string second = original + m_options.suffix;
+    if (link(original.c_str(), second.c_str()) == 0) {
+        kept = second;
+        return true;
+    }
+    const int error = errno;
+    struct stat64 one = {}, other = {};
+    if (error == EEXIST && stat64(original.c_str(), &one) == 0 &&
+        lstat64(second.c_str(), &other) == 0 && isSameVersion(one, other))
+        return true;
+    report.error(CONV_CANNOT_KEEP, {shown(path), shown(second), std::strerror(error)});
+    return false;
 }
 
-void Worker::join(const std::string& path, DirectOutput* direct, Output& output,
+bool Worker::join(const std::string& path, DirectOutput* direct, Output& output,
                   const std::string& outputName, bool isFirst, FileReport& report) {
     const Item item = {path, {}, Input::Origin::kNamed, 0};
     const std::string name = shown(path);
     Input input;
-    if (!open(item, input, report)) return;
+    if (!open(item, input, report)) return false;
     struct stat64 status = {};
     if (direct != nullptr && input.isRegular() && fstat64(direct->descriptor(), &status) == 0 &&
-        input.isSame(status))
-        return report.error(CONV_IS_OUTPUT, {name});
+        input.isSame(status)) {
+        report.error(CONV_IS_OUTPUT, {name});
+        return false;
+    }
     const bool strip = m_options.mark != Options::Mark::kKeep || !isFirst;
-    if (!convert(input, name, output, outputName, strip, report)) return;
-    m_progress.addFile();
+    if (convert(input, name, output, outputName, strip, report)) {
+        sayDone(name, false, report);
+        m_progress.addFile();
+    }
+    return !input.isEmpty();
 }
 
 }  // namespace conv

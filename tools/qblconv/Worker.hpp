@@ -23,10 +23,12 @@ public:
 
     /// Works on a file of those that have outputs of their own, or are checked.
     void work(const Item& item, FileReport& report);
-    /// Converts a file onto the end of an output. @param isFirst  of those on it
-    void join(const std::string& path, DirectOutput* direct, Output& output,
+    /// Converts a file onto the end of an output.
+    /// @param isFirst  whether all those in front of it were empty
+    /// @return whether this one is not
+    bool join(const std::string& path, DirectOutput* direct, Output& output,
               const std::string& outputName, bool isFirst, FileReport& report);
-    /// What an output begins with, under --bom=add.
+    /// What an output begins with, if it is to have a mark.
     const std::string& mark() const { return m_mark; }
 
 private:
@@ -34,13 +36,16 @@ private:
     void check(const std::string& name, Input& input, FileReport& report);
     void convertInto(const Item& item, Input& input, FileReport& report);
     void convertInPlace(const Item& item, Input& input, FileReport& report);
-    bool keepOriginal(const std::string& path, FileReport& report) const;
+    /// @param kept  receives the second name that the original has got
+    /// @return whether the original has its second name, by this or by a run that was broken off
+    bool keepOriginal(const std::string& path, std::string& kept, FileReport& report) const;
     /// @return whether the output can be put in its place
     bool fill(Input& input, const std::string& name, Output& output, const std::string& outputName,
               FileReport& report);
-    /// @return whether all of it came onto the output
+    /// @return whether all of it came onto the output; sayDone() is for when it has its place
     bool convert(Input& input, const std::string& name, Output& output,
                  const std::string& outputName, bool stripMark, FileReport& report);
+    void sayDone(const std::string& name, bool isKept, FileReport& report) const;
     bool isToBeKept(Input& input, const std::string& name, FileReport& report);
     Way way(I18NByteOrderMark mark);
     I18NByteOrderMark marks(bool strip) const;
@@ -49,10 +54,12 @@ private:
     const Options& m_options;
     Progress& m_progress;
     std::unique_ptr<I18NConverter> m_from, m_to;
+    std::unique_ptr<I18NConverter> m_fromSwapped;  // if a mark may tell of that order of bytes
+    std::string m_swappedMark;
     std::unique_ptr<I18NConverter> m_valid;  // strictly what is to be kept
-    std::string m_mark;                      // under --bom=add
+    std::string m_mark;                      // if outputs are to have one
     std::string m_validMark;
-    bool m_isMarkToChoose;
+    std::string m_encoding;  // that the last input turned out to be in
     std::vector<char> m_block;
     NewOutput m_new;
 };

@@ -41,7 +41,7 @@ int main(int argc, char** argv) {
         I18NInitialize();  // reads what the policy "lookup" looks up
         status = runCommandLine(argc, argv);
     } catch (QBLThrowable& error) {
-        std::fprintf(stderr, "%s\n", error.toString());
+        std::fprintf(stderr, "qblconv: %s\n", error.getMessage());
     } catch (const std::exception& error) {
         std::fprintf(stderr, "qblconv: %s\n", error.what());
     }

@@ -36,6 +36,10 @@ enum qblconvmsgs {
     /// {0} the option
     CONV_NEEDS_MODE = 16,
     CONV_STANDARD_OUTPUT = 17,
+    /// {0} the option, {1} the encoding
+    CONV_ALL_VALID = 18,
+    /// {0} and {1} operands, {2} directory
+    CONV_MIXED_OUTPUTS = 19,
     /// {3} offset, {4} bytes, {5} encoding
     CONV_BAD_BYTES = 20,
     /// {3} offset, {4} bytes, {5} encoding
