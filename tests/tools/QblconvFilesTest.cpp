@@ -92,8 +92,7 @@ TEST(QblconvFilesTest, AnOriginalOnceKeptIsNotTouched) {
     tree.dir("t");
     expectKept("-i=.o t/s t/s.o", 2, "qblconv: t/s and t/s.o would both become t/s.o\n");
     const std::string said = "t/s: the original cannot be kept as " +
-                             std::filesystem::canonical(tree("t/s")).string() +
-                             ".o: File exists\n";
+                             std::filesystem::canonical(tree("t/s")).string() + ".o: File exists\n";
     expectKept("-i=.o t/s", 1, said);
     expectKept("-i=.o -r t", 1, said);
     // Not that of a directory either, but by the name that a run broken off has made.
@@ -200,6 +199,20 @@ TEST(QblconvFilesTest, NothingIsLostWhereOutputMeetsInput) {
     expectRun(tree, "bad -d s; $Q -f Shift_JIS -d /proc/no s", 1,
               "s/bad: cannot be written: File exists\ns:1:3: byte 3: 82 is not Shift_JIS\n");
     EXPECT_EQ("./bad ./s ", namesIn(tree, "."));
+    // Nor what stands in front of it in the file of the standard output.
+    tree.file("s", kShiftJIS);
+    expectRun(tree, "s >f; $Q -f sjis s -o /dev/stdout >>f; cat f", 0, kUTF8 + kUTF8);
+    expectRun(tree, "-v -n s 2>/dev/full", 1, "");
+}
+
+TEST(QblconvFilesTest, OutputsAreAsPrivateAsTheirInputs) {
+    TempTree tree;
+    const std::string directory = tree.dir("in/private");
+    ASSERT_EQ(0, chmod(tree.file("in/private/s", kShiftJIS).c_str(), 0400));
+    ASSERT_EQ(0, chmod(directory.c_str(), 0700));
+    expectRun(tree, "-rd out in", 0, "");
+    EXPECT_EQ(0700U, modeOf(tree("out/in/private")));
+    EXPECT_EQ(0400U, modeOf(tree("out/in/private/s")));
 }
 
 TEST(QblconvFilesTest, KilledAtAnyMomentItLeavesTheOldFileOrTheNew) {
@@ -247,4 +260,20 @@ TEST(QblconvFilesTest, InterruptedItTakesAwayWhatIsNotFinished) {
         close(writer);
         EXPECT_EQ("", namesIn(tree, "out"));
     }
+}
+
+TEST(QblconvFilesTest, InterruptedItDoesNotWaitForOthers) {
+    TempTree tree;
+    const int file = open(tree.file("s", kShiftJIS).c_str(), O_RDWR);
+    ASSERT_EQ(1, M_LockFile(file, 0, 0));
+    for (const char* pipe : {"one", "two"}) ASSERT_EQ(0, mkfifo(tree(pipe).c_str(), 0600));
+    Child locked = start({"--lock=wait", "-n", tree("one"), tree("s")});
+    Child reading = start({"-j2", "-n", tree("one"), tree("two")});
+    // Both have begun when they have opened their pipes.
+    const int one = open(tree("one").c_str(), O_WRONLY), two = open(tree("two").c_str(), O_WRONLY);
+    for (Child* child : {&locked, &reading}) {
+        child->kill(SIGTERM);
+        EXPECT_EQ(-SIGTERM, child->wait());
+    }
+    for (const int each : {file, one, two}) close(each);
 }

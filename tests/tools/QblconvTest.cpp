@@ -64,6 +64,14 @@ TEST(QblconvTest, TextsAreJoinedUnderEachPolicyAndMark) {
         {"-t sjis z", 1, "z:1:1: U+00E9 is not in sjis\n"},
         {"-f ASCII u", 1, "u:1:1: byte 0: EF is not US-ASCII\n"},
         {"-o out s -f sjis && cat out", 0, "a\xE3\x81\x82\n"},
+        // What the name says counts; only of the order of bytes does a mark tell more.
+        {"-f UTF-8 w", 1, "w:1:1: byte 0: FF is not UTF-8\n"},
+        {"w -f UTF-16LE; printf '\\376\\377\\0a' | $Q -f UTF-16", 0, "\xC3\xA4\na"},
+        {"-t UTF-16 u; $Q --bom=strip -t UTF-16 u", 0, bytes("\xFF\xFE\xE4\0\n\0\xE4\0\n\0", 10)},
+        {"--bom=keep e u e u", 0, "\xEF\xBB\xBF\xC3\xA4\n\xC3\xA4\n"},
+        {"--bom=add -t UTF-7 u", 0, "+/v8-+AOQ\n"},
+        {"-f sjis -t ISO-2022-JP b 2>&1 >out; cat out e | $Q -f ISO-2022-JP", 0,
+         "b:2:2: byte 4: 82 is not sjis\nx\n\xE3\x81\x82"},
     });
 }
 
@@ -92,6 +100,7 @@ TEST(QblconvTest, MessagesComeInTheUsersLanguageAndAsXml) {
     const std::string close = "</MessageText></Message>\n</Messages>\n";
     expectRuns({
         {"-Xn e", 0, "<Messages>\n</Messages>\n"},
+        {"-Xn nofile", 2, open + "nofile: cannot be read: No such file or directory" + close},
         {"-X -t sjis z 2>report; cat report", 0, open + "z:1:1: U+00E9 is not in sjis" + close},
         {"-V >&- ; cp s \"$(printf 'q&<>\"\\047\\377\\n.x')\"; $Q -Xn q*x -f US-ASCII 2>/dev/null "
          "| "
@@ -133,6 +142,14 @@ TEST(QblconvTest, MisuseIsNamedAndNothingIsDone) {
         {"-t zzzzzzzz s", "qblconv: no such encoding: zzzzzzzz (qblconv -l lists all)"},
         {"-t '' s", "qblconv: no such encoding:  (qblconv -l lists all)"},
         {"--bom=add -t sjis s", "qblconv: sjis has no byte-order mark"},
+        {"--bom=add -t BOCU-1 s", "qblconv: BOCU-1 has no byte-order mark"},
+        {"-k -t latin1 -i s",
+         "qblconv: -k would leave every file alone: any bytes are valid latin1"},
+        {"-j 257 -n s", "qblconv: -j cannot be \"257\""},
+        {"-d out dir/.. s -r", "qblconv: the files of dir/.. and those of s would mix in out"},
+        {"-r -d dir s dir", "qblconv: the files of dir and those of s would mix in dir"},
+        {"-f \"$(printf 'q\\377\\1\\\\x41')\" s",
+         "qblconv: no such encoding: q\\xFF\\x01\\x5Cx41 (qblconv -l lists all)"},
         {"-d out s nofile", "nofile: cannot be read: No such file or directory"},
         {"-n dir", "dir: a directory, and -r is not given"},
         {"-d out s dir/../s", "qblconv: s and dir/../s would both become out/s"},
@@ -153,6 +170,7 @@ TEST(QblconvTest, EncodingsAreListedByAnyOfTheirNames) {
     const Outcome found = runTool(tree, "'" QBL_CONV "' -l latin-9");
     EXPECT_EQ(0, found.status);
     EXPECT_EQ(0U, found.output.find("ISO-8859-15 "));
+    EXPECT_EQ(found.output, runTool(tree, "'" QBL_CONV "' -l latin9").output);
     EXPECT_EQ(1, runTool(tree, "'" QBL_CONV "' -l no-such").status);
     // Some have no letters, but all of them open.
     const char loop[] =

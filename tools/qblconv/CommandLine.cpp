@@ -103,7 +103,8 @@ private:
         const std::string whole(word);
         const std::size_t at = hasAttached ? whole.find(lastShown()[1] + wrong) : std::string::npos;
         if (at == std::string::npos) return fail(CONV_NO_OPTION, {"-" + wrong});
-        return fail(CONV_NO_OPTION_BUT, {whole, whole.substr(0, at + 1) + "=" + whole.substr(at + 1)});
+        return fail(CONV_NO_OPTION_BUT,
+                    {whole, whole.substr(0, at + 1) + "=" + whole.substr(at + 1)});
     }
 
     bool failEmpty() { return fail(CONV_BAD_ARGUMENT, {lastShown(), "\"\""}); }

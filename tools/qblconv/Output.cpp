@@ -102,8 +102,8 @@ bool NewOutput::createDirectories(std::size_t length) {
 
 /// Nobody whom the mode shuts out has it open for a moment.
 bool NewOutput::createTemporary(const std::string& name) {
-    const int file = open64(name.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC,
-                            m_iMode | S_IRUSR | S_IWUSR);
+    const int file =
+        open64(name.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, m_iMode | S_IRUSR | S_IWUSR);
     if (file < 0) return failed(errno);
     m_temporary = name;
     ::close(file);

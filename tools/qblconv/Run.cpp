@@ -152,12 +152,13 @@ private:
         bool isWell = isOpen && (mark.empty() || output.write(mark.data(), mark.size()));
         std::vector<std::string> inputs = m_options.operands;
         if (inputs.empty()) inputs.emplace_back("-");
-        const bool isInput = !isDirect && std::any_of(inputs.begin(), inputs.end(), [&](auto& each) {
-            struct stat64 input = {};
-            return (each == "-" ? fstat64(STDIN_FILENO, &input)
-                                : stat64(each.c_str(), &input)) == 0 &&
-                   input.st_dev == status.st_dev && input.st_ino == status.st_ino;
-        });
+        const bool isInput =
+            !isDirect && std::any_of(inputs.begin(), inputs.end(), [&](auto& each) {
+                struct stat64 input = {};
+                return (each == "-" ? fstat64(STDIN_FILENO, &input)
+                                    : stat64(each.c_str(), &input)) == 0 &&
+                       input.st_dev == status.st_dev && input.st_ino == status.st_ino;
+            });
         bool isFirst = true;
         for (const std::string& input : inputs) {
             if (!isWell) break;
@@ -173,8 +174,8 @@ private:
         if (isInterrupted()) return;
         FileReport report(m_report, m_iTaken++, texts);
         struct stat64 now = {};
-        const bool isChanged = isInput && (stat64(m_options.output.c_str(), &now) != 0 ||
-                                           !isSameVersion(now, status));
+        const bool isChanged =
+            isInput && (stat64(m_options.output.c_str(), &now) != 0 || !isSameVersion(now, status));
         if (!isOpen) {
             report.error(CONV_CANNOT_WRITE, {name, std::strerror(output.error())});
         } else if (m_report.hasFailures() && !isDirect) {

@@ -23,12 +23,21 @@ std::unique_ptr<I18NConverter> openKnown(const std::string& name, int input, int
     return converter;
 }
 
+/// Whether a sticky directory keeps a file from being replaced; a second name that it got there
+/// could not be taken away again either.
+bool isStuck(const std::string& path) {
+    struct stat64 file = {}, directory = {};
+    const uid_t user = geteuid();
+    return stat64(path.c_str(), &file) == 0 &&
+           stat64(path.substr(0, path.rfind('/') + 1).c_str(), &directory) == 0 &&
+           (directory.st_mode & S_ISVTX) != 0 && user != 0 && user != file.st_uid &&
+           user != directory.st_uid;
+}
+
 }  // namespace
 
 Worker::Worker(const Options& options, Progress& progress)
-    : m_options(options),
-      m_progress(progress),
-      m_block(kBlock) {
+    : m_options(options), m_progress(progress), m_block(kBlock) {
     const bool isCheck = options.mode == Mode::kCheck;
     m_from = openKnown(options.from, isCheck ? I18N_SUBSTITUTE : options.inputPolicy, I18N_STOP);
     const bool isUTF16 = I18NConverter::isUTF16(options.from.c_str());
@@ -58,8 +67,8 @@ I18NByteOrderMark Worker::marks(bool strip) const {
 }
 
 Way Worker::way(I18NByteOrderMark mark) {
-    return {m_from.get(), m_fromSwapped.get(), m_swappedMark, m_to.get(), mark, m_block,
-            m_progress};
+    return {m_from.get(), m_fromSwapped.get(), m_swappedMark, m_to.get(), mark,
+            m_block,      m_progress};
 }
 
 void Worker::work(const Item& item, FileReport& report) {
@@ -123,8 +132,7 @@ bool Worker::isToBeKept(Input& input, const std::string& name, FileReport& repor
 
 void Worker::sayDone(const std::string& name, bool isKept, FileReport& report) const {
     if (!m_options.verbose || report.hasFailed()) return;
-    report.information(isKept ? CONV_KEPT : CONV_DONE,
-                       {name, isKept ? m_options.to : m_encoding});
+    report.information(isKept ? CONV_KEPT : CONV_DONE, {name, isKept ? m_options.to : m_encoding});
 }
 
 bool Worker::fill(Input& input, const std::string& name, Output& output,
@@ -186,6 +194,10 @@ void Worker::convertInPlace(const Item& item, Input& input, FileReport& report) 
 bool Worker::keepOriginal(const std::string& path, std::string& kept, FileReport& report) const {
     const std::string original = realPath(path);
     const std::string second = original + m_options.suffix;
+    if (isStuck(original)) {
+        report.error(CONV_CANNOT_WRITE, {shown(path), std::strerror(EPERM)});
+        return false;
+    }
     if (link(original.c_str(), second.c_str()) == 0) {
         kept = second;
         return true;
