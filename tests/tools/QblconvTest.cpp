@@ -100,6 +100,7 @@ TEST(QblconvTest, MessagesComeInTheUsersLanguageAndAsXml) {
     const std::string close = "</MessageText></Message>\n</Messages>\n";
     expectRuns({
         {"-Xn e", 0, "<Messages>\n</Messages>\n"},
+        {"-Z -X", 2, open + "qblconv: no such option: -Z" + close},
         {"-Xn nofile", 2, open + "nofile: cannot be read: No such file or directory" + close},
         {"-X -t sjis z 2>report; cat report", 0, open + "z:1:1: U+00E9 is not in sjis" + close},
         {"-V >&- ; cp s \"$(printf 'q&<>\"\\047\\377\\n.x')\"; $Q -Xn q*x -f US-ASCII 2>/dev/null "

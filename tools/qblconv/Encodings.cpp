@@ -72,7 +72,8 @@ std::string markIn(const I18NConverter& converter) {
     setPolicies(strict, I18N_STOP, I18N_STOP);
     constexpr char16_t kMark = 0xFEFF, kText = u'a';
     try {
-        const std::string mark = encoded(strict, kMark), both = mark + encoded(strict, kText);
+        std::string mark = encoded(strict, kMark);
+        const std::string both = mark + encoded(strict, kText);
         // Encodings with states, and those that write marks of their own, read something else.
         I18NTextStream stream(&strict, nullptr);
         std::u16string text;

@@ -57,10 +57,15 @@ public:
 
     bool parse(int argc, char** argv) {
         m_options.locales = tools::environmentLocale();
-        return readCommandLine(
-                   argc, argv, kKnown, [this](const Given& given) { return take(given); },
-                   m_options.operands, m_problem) &&
-               check();
+        const bool isRead = readCommandLine(
+            argc, argv, kKnown, [this](const Given& given) { return take(given); },
+            m_options.operands, m_problem);
+        if (isRead) return check();
+        // Nothing behind a mistake is read but in which form to say it.
+        for (int i = 1; i < argc && std::strcmp(argv[i], "--") != 0; ++i)
+            if (std::strcmp(argv[i], "-X") == 0 || std::strcmp(argv[i], "--xml") == 0)
+                m_options.xml = true;
+        return false;
     }
 
 private:
