@@ -34,6 +34,12 @@ std::FILE* reportFile(const Options& options) {
     return options.xml && !isTaken ? stdout : stderr;
 }
 
+/// Some errors have no text of their own.
+std::string textOf(QBLThrowable& error) {
+    const char* const text = error.getMessage();
+    return text != nullptr ? text : error.getThrowableName();
+}
+
 /// The conversion or check of files.
 class Run {
 public:
@@ -53,7 +59,7 @@ public:
             else
                 workOnAll();
         } catch (QBLThrowable& error) {
-            failure = error.getMessage();
+            failure = textOf(error);
         } catch (const std::exception& error) {
             failure = error.what();
         }
@@ -120,7 +126,7 @@ private:
         try {
             body();
         } catch (QBLThrowable& error) {
-            report.error(CONV_FAILED, {shown(path), error.getMessage()});
+            report.error(CONV_FAILED, {shown(path), textOf(error)});
         } catch (const std::exception& error) {
             report.error(CONV_FAILED, {shown(path), error.what()});
         }
