@@ -41,7 +41,8 @@ int main(int argc, char** argv) {
         I18NInitialize();  // reads what the policy "lookup" looks up
         status = runCommandLine(argc, argv);
     } catch (QBLThrowable& error) {
-        std::fprintf(stderr, "qblconv: %s\n", error.getMessage());
+        const char* const text = error.getMessage();
+        std::fprintf(stderr, "qblconv: %s\n", text != nullptr ? text : error.getThrowableName());
     } catch (const std::exception& error) {
         std::fprintf(stderr, "qblconv: %s\n", error.what());
     }
