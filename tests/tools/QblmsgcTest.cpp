@@ -131,12 +131,11 @@ TEST(QblmsgcTest, ShippedCataloguesComeBackFromTheirDumps) {
     EXPECT_GE(count, 12);
     for (const std::string tool : {"qblmsgc", "qblconv"}) {
         const std::string header = tool + "msgs.hpp";
-        const std::string source = " '" QBL_MSGS_DIR "/" + tool + "msgs_en.msg'";
-        expectRun(tree, "-H " + header + " -o a.bmf" + source, 0, "");
-        expectRun(
-            tree,
-            "-h >/dev/null && cmp " + header + " '" QBL_TOOLS_DIR "/" + tool + "/" + header + "'",
-            0, "");
+        std::string compiled = "-H " + header, compared = "-h >/dev/null && cmp " + header;
+        compiled.append(" -o a.bmf '" QBL_MSGS_DIR "/").append(tool).append("msgs_en.msg'");
+        compared.append(" '" QBL_TOOLS_DIR "/").append(tool).append("/").append(header).append("'");
+        expectRun(tree, compiled, 0, "");
+        expectRun(tree, compared, 0, "");
     }
 }
 
