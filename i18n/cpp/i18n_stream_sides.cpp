@@ -234,7 +234,7 @@ I18NProgress I18NStreamOutput::encodeByICU(const char16_t*& text, const char16_t
 }
 
 void I18NStreamOutput::shiftBack(I18NStreamBuffer& bytes) {
-    const char16_t none = 0;
+    static const char16_t none = 0;
     const char16_t* text = &none;
     m_bLeavesOut = true;
     do bytes.reserve(kSlack);

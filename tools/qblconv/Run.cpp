@@ -148,14 +148,14 @@ private:
         const bool isDirect =
             m_options.output.empty() ||
             (stat64(m_options.output.c_str(), &status) == 0 && !S_ISREG(status.st_mode));
-        Output& output = isDirect ? static_cast<Output&>(direct) : replacing;
+        Output* const output = isDirect ? static_cast<Output*>(&direct) : &replacing;
         const std::string name =
             m_options.output.empty() ? texts.text(CONV_STANDARD_OUTPUT) : shown(m_options.output);
         const bool isOpen = !isDirect                  ? replacing.open(m_options.output)
                             : m_options.output.empty() ? direct.open()
                                                        : direct.open(m_options.output);
         const std::string& mark = worker.mark();
-        bool isWell = isOpen && (mark.empty() || output.write(mark.data(), mark.size()));
+        bool isWell = isOpen && (mark.empty() || output->write(mark.data(), mark.size()));
         std::vector<std::string> inputs = m_options.operands;
         if (inputs.empty()) inputs.emplace_back("-");
         const bool isInput =
@@ -171,11 +171,12 @@ private:
             if (isInterrupted()) return;
             FileReport report(m_report, m_iTaken, texts);
             guarded(input, report, [&] {
-                if (worker.join(input, isDirect ? &direct : nullptr, output, name, isFirst, report))
+                if (worker.join(input, isDirect ? &direct : nullptr, *output, name, isFirst,
+                                report))
                     isFirst = false;
             });
             ++m_iTaken;
-            if (output.error() != 0) isWell = false;
+            if (output->error() != 0) isWell = false;
         }
         if (isInterrupted()) return;
         FileReport report(m_report, m_iTaken++, texts);
@@ -183,13 +184,13 @@ private:
         const bool isChanged =
             isInput && (stat64(m_options.output.c_str(), &now) != 0 || !isSameVersion(now, status));
         if (!isOpen) {
-            report.error(CONV_CANNOT_WRITE, {name, std::strerror(output.error())});
+            report.error(CONV_CANNOT_WRITE, {name, std::strerror(output->error())});
         } else if (m_report.hasFailures() && !isDirect) {
             report.error(CONV_NOT_WRITTEN, {name});
         } else if (isChanged) {
             report.error(CONV_CHANGED, {name});
-        } else if (isWell && !output.commit()) {
-            report.error(CONV_CANNOT_WRITE, {name, std::strerror(output.error())});
+        } else if (isWell && !output->commit()) {
+            report.error(CONV_CANNOT_WRITE, {name, std::strerror(output->error())});
         }
     }
 

@@ -37,9 +37,13 @@ bool isStuck(const std::string& path) {
 }  // namespace
 
 Worker::Worker(const Options& options, Progress& progress)
-    : m_options(options), m_progress(progress), m_block(kBlock) {
+    : m_options(options),
+      m_progress(progress),
+      m_from(openKnown(options.from,
+                       options.mode == Mode::kCheck ? I18N_SUBSTITUTE : options.inputPolicy,
+                       I18N_STOP)),
+      m_block(kBlock) {
     const bool isCheck = options.mode == Mode::kCheck;
-    m_from = openKnown(options.from, isCheck ? I18N_SUBSTITUTE : options.inputPolicy, I18N_STOP);
     const bool isUTF16 = I18NConverter::isUTF16(options.from.c_str());
     if (isUTF16 || I18NConverter::isUTF32(options.from.c_str())) {
         m_fromSwapped = openKnown(isUTF16 ? "UTF-16BE" : "UTF-32BE",
