@@ -98,7 +98,8 @@ public:
     static bool getTempPath(std::string& result);
     static bool getTempPath(I18NString& result);
     /// Makes a directory with a name that no other has: the prefix, the time in seconds, a counter
-    /// and the suffix. No two calls get the same one, in whatever process.
+    /// and the suffix. Two calls, in whatever processes, never get the same directory; a name can
+    /// come again once its directory has been removed.
     /// @param basePath  where; null means getTempPath()
     /// @param prefix  null or empty means "QBLFm"
     /// @param result  receives the path, or the last one tried when 500 were taken

@@ -13,7 +13,7 @@
 ///
 /// Loading runs the file's code, and trusts what it holds: whoever can write to it, to its
 /// directory or to one that the system searches can do what the process may. A damaged file may end
-/// the process.
+/// the process, and an exception that leaves a static constructor of the plug-in does.
 ///
 /// Threads: any thread.
 ///

@@ -59,6 +59,8 @@ public:
                void* context = nullptr);
     I18NString(I18NString&& other) noexcept;
     /// From UTF-16 memory of any alignment, up to a zero unit; an odd byte at the end is ignored.
+    /// I18NString("abc", 3) comes here too, since UTF-16 is often kept in buffers of char: it reads
+    /// one unit. For three bytes of text write I18NString("abc", nullptr, 3).
     I18NString(const void* utf16, int byteLength, I18NStringAllocator allocator = nullptr,
                void* context = nullptr);
     I18NString(int count, wchar_t c, I18NStringAllocator allocator = nullptr,
@@ -361,7 +363,7 @@ private:
     mutable std::atomic<unsigned char> m_flags;
     char m_asciiInline[kInline + 1];
     mutable char* m_pAsciiBuffer;
-    int m_asciiBufCapacity;  // characters that fit before the zero
+    int m_asciiBufCapacity;  // kInline while the text is in the object; else bytes, with the zero
     int m_asciiBufLength;
     int m_unitLength;
     int m_unitCapacity;  // units that fit before the zero
