@@ -53,6 +53,7 @@ int QBLUtGetOpt::getOpt(int argc, char** argv, char* opts, const char** longOpt)
             m_pOptArg = argv[m_iOptInd++];
         } else {
             error(argv[0], 1, opts[0]);  // deliberately not the letter
+            m_errorMsg[m_errorMsg.size() - 2] = letter;
             return 0;
         }
     }
@@ -64,6 +65,7 @@ void QBLUtGetOpt::error(char* programName, int kind, char c) {
     std::string message = "\n";
     if (programName != nullptr) message += programName;
     message.append(" : '").append(1, c).append(kind == 0 ? kNotValid : kNeedsArgument);
+    message.append({'\0', c, static_cast<char>(kind != 0)});
     m_errorMsg.swap(message);
     if (m_iPrintErrors == 0) return;
     // Printed as a format without arguments is; whatever else it might ask for is printed as it is.
@@ -73,6 +75,12 @@ void QBLUtGetOpt::error(char* programName, int kind, char c) {
     std::fputs(message.c_str(), stderr);
     QBL_ALLOC_CATCH
 }
+
+char QBLUtGetOpt::getErrorLetter() const {
+    return m_errorMsg.empty() ? '\0' : m_errorMsg[m_errorMsg.size() - 2];
+}
+
+bool QBLUtGetOpt::isArgumentMissing() const { return !m_errorMsg.empty() && m_errorMsg.back() != 0; }
 
 int QBLUtGetOpt::setPrintErrors(int on) {
     const int before = m_iPrintErrors;

@@ -48,6 +48,12 @@ public:
     void error(char* programName, int kind, char c);
     /// The last error; empty before the first. As long as the object, up to the next error.
     const char* getErrorMsg() const { return m_errorMsg.c_str(); }
+    /// The letter that the last error is about, even where the message names another one; 0 before
+    /// the first error.
+    char getErrorLetter() const;
+    /// Whether the last error was an option without its argument; false for a letter that is no
+    /// option, and before the first error.
+    bool isArgumentMissing() const;
 
     /// The argument of the last option that takes one, part of the words; null before the first.
     char* getOptArg() const { return m_pOptArg; }
@@ -65,7 +71,7 @@ private:
     int m_iOptInd;
     int m_iPrintErrors;
     const char* m_pNextChar;  // the next letter of the cluster; null at its end
-    std::string m_errorMsg;
+    std::string m_errorMsg;   // after the text and its zero: the letter, and the kind (0 or 1)
     std::string m_longOpt;
 };
 

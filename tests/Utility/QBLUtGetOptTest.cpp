@@ -55,6 +55,7 @@ TEST(QBLUtGetOptTest, GivesLettersArgumentsAndLongOptions) {
     EXPECT_EQ("a 0 -1 at 3", lacking.text);
     EXPECT_STREQ("\nprog : 'a' option requires an argument\n", lacking.options.getErrorMsg());
     EXPECT_EQ(lacking.written, lacking.options.getErrorMsg());
+    EXPECT_TRUE(lacking.options.getErrorLetter() == 'b' && lacking.options.isArgumentMissing());
 }
 
 TEST(QBLUtGetOptTest, PrintsItsErrorsAsTheyAre) {
@@ -68,6 +69,7 @@ TEST(QBLUtGetOptTest, PrintsItsErrorsAsTheyAre) {
     quiet.error(nullptr, 0, 'x');
     EXPECT_EQ("", testing::internal::GetCapturedStderr());
     EXPECT_EQ("\n" + tail, quiet.getErrorMsg());
+    EXPECT_TRUE(quiet.getErrorLetter() == 'x' && !quiet.isArgumentMissing());
     char word[] = "-a", *argv[] = {word, word, word, nullptr};
     EXPECT_TRUE(quiet.getOpt(3, argv, "a") == 'a' && quiet.getOpt(1, argv, "a") == -1) << "fewer";
     QBL_EXPECT_THROW(quiet.getOpt(1, nullptr, "a"), QBLAssertError, "QBL_ASSERT(argv);");
