@@ -7,7 +7,7 @@
 #include "i18n/cpp/i18n_encoding_names.h"
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/i18n_text_stream.hpp"
-#include "tools/qblconv/Suggest.hpp"
+#include "tools/common/Suggest.hpp"
 
 namespace conv {
 
@@ -20,7 +20,7 @@ std::string lower(std::string text) {
 }
 
 Problem unknown(const std::string& name) {
-    Closest closest(name);
+    tools::Closest closest(name);
     const int count = I18NCountEncodings();
     for (int i = 0; i < count; ++i)
         for (int k = 0; const char* const known = I18NGetEncodingName(i, k); ++k)
@@ -113,10 +113,10 @@ bool listEncodings(const std::string& pattern) {
         const std::string usual = I18NGetEncodingName(i, 0);
         std::string line = usual;
         bool matches = false;
-        const std::string letters = lettersOf(pattern);
+        const std::string letters = tools::lettersOf(pattern);
         for (int k = 1; const char* const name = I18NGetEncodingName(i, k); ++k) {
             matches = matches || lower(name).find(lower(pattern)) != std::string::npos ||
-                      (!letters.empty() && lettersOf(name).find(letters) != std::string::npos);
+                      (!letters.empty() && tools::lettersOf(name).find(letters) != std::string::npos);
             if (usual != name) line.append(" ").append(name);
         }
         if (matches) lines.push_back(std::move(line));

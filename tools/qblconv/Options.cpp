@@ -6,31 +6,20 @@
 
 #include "i18n/cpp/i18n_converter.hpp"
 #include "tools/common/Environment.hpp"
-#include "tools/qblconv/CommandLine.hpp"
-#include "tools/qblconv/Suggest.hpp"
+#include "tools/common/Suggest.hpp"
 
 namespace conv {
 
 namespace {
 
+using tools::Given;
 using Mode = Options::Mode;
-using Argument = Known::Argument;
+using Argument = tools::Option::Argument;
 
-enum { kBom = 256, kLock };
+enum { kBom = 256, kLock, kCompletions };
 
-const std::vector<Known> kKnown = {
-    {'f', "from", Argument::kNeeded},       {'t', "to", Argument::kNeeded},
-    {'p', "policy", Argument::kNeeded},     {'c', "skip", Argument::kNone},
-    {'o', "output", Argument::kNeeded},     {'d', "directory", Argument::kNeeded},
-    {'i', "in-place", Argument::kAttached}, {'n', "check", Argument::kNone},
-    {'k', "keep-valid", Argument::kNone},   {'r', "recurse", Argument::kNone},
-    {'m', "match", Argument::kNeeded},      {'j', "jobs", Argument::kNeeded},
-    {kBom, "bom", Argument::kNeeded},       {kLock, "lock", Argument::kNeeded},
-    {'L', "lang", Argument::kNeeded},       {'X', "xml", Argument::kNone},
-    {'q', "quiet", Argument::kNone},        {'v', "verbose", Argument::kNone},
-    {'l', "list", Argument::kNone},         {'h', "help", Argument::kNone},
-    {'V', "version", Argument::kNone},
-};
+const char kPolicyNames[] = "stop escape substitute lookup skip";
+
 constexpr unsigned kMostJobs = 256;
 
 /// A word that an argument can be, and what it stands for.
@@ -51,16 +40,34 @@ const std::vector<Word> kLocks = {{"try", static_cast<int>(Options::Lock::kTry)}
                                   {"wait", static_cast<int>(Options::Lock::kWait)},
                                   {"none", static_cast<int>(Options::Lock::kNone)}};
 
+/// What a mistake is called in the tool's catalogue.
+Problem problemOf(const tools::Mistake& mistake) {
+    const bool isLike = !mistake.suggestion.empty();
+    switch (mistake.kind) {
+        case tools::Mistake::kNoOption:
+            if (isLike) return {CONV_NO_OPTION_BUT, {mistake.option, mistake.suggestion}};
+            return {CONV_NO_OPTION, {mistake.option}};
+        case tools::Mistake::kArgumentMissing:
+            return {CONV_OPTION_ALONE, {mistake.option}};
+        case tools::Mistake::kNoArgument:
+            return {CONV_NO_ARGUMENT, {mistake.option}};
+        default:
+            return {CONV_BAD_ARGUMENT, {mistake.option, mistake.argument}};
+    }
+}
+
 class Parser {
 public:
     Parser(Options& options, Problem& problem) : m_options(options), m_problem(problem) {}
 
     bool parse(int argc, char** argv) {
         m_options.locales = tools::environmentLocale();
-        const bool isRead = readCommandLine(
-            argc, argv, kKnown, [this](const Given& given) { return take(given); },
-            m_options.operands, m_problem);
+        tools::Mistake mistake = {};
+        const bool isRead = tools::readCommandLine(
+            argc, argv, knownOptions(), [this](const Given& given) { return take(given); },
+            m_options.operands, mistake);
         if (isRead) return check();
+        if (!mistake.option.empty()) m_problem = problemOf(mistake);
         // Nothing behind a mistake is read but in which form to say it.
         for (int i = 1; i < argc && std::strcmp(argv[i], "--") != 0; ++i)
             if (std::strcmp(argv[i], "-X") == 0 || std::strcmp(argv[i], "--xml") == 0)
@@ -108,6 +115,9 @@ private:
                 return true;
             case kBom:
                 return takeWord(given, argument, kMarks, m_options.mark);
+            case kCompletions:
+                m_options.shell = argument;
+                return takeMode(given, Mode::kCompletions) && takeShell(given, argument);
             case kLock:
                 return takeWord(given, argument, kLocks, m_options.lock);
             default:
@@ -146,6 +156,12 @@ private:
         return true;
     }
 
+    bool takeShell(const Given& given, const std::string& argument) {
+        for (const char* const known : {"bash", "zsh", "fish"})
+            if (argument == known) return true;
+        return fail(CONV_BAD_ARGUMENT, {given.shown, "\"" + argument + "\""});
+    }
+
     /// The suffix comes behind the option itself.
     bool takeSuffix(const Given& given) {
         if (given.argument == nullptr) return takeMode(given, Mode::kInPlace);
@@ -177,7 +193,7 @@ private:
     template <class Value>
     bool takeWord(const Given& given, const std::string& argument, const std::vector<Word>& words,
                   Value& value) {
-        Closest closest(argument);
+        tools::Closest closest(argument);
         for (const Word& word : words) {
             closest.offer(word.name);
             if (argument != word.name) continue;
@@ -213,9 +229,10 @@ private:
         }
         const bool converts = m_options.mode <= Mode::kInPlace;
         for (const auto& [letter, shown] : m_shown) {
-            const bool fits = letter == kBom    ? converts
-                              : letter == kLock ? m_options.mode <= Mode::kCheck
-                                                : std::strchr(allowed, letter) != nullptr;
+            const bool fits = letter == kBom           ? converts
+                              : letter == kLock        ? m_options.mode <= Mode::kCheck
+                              : letter == kCompletions ? m_options.mode == Mode::kCompletions
+                                                       : std::strchr(allowed, letter) != nullptr;
             if (fits) continue;
             if (!m_mode.empty()) return fail(CONV_NOT_TOGETHER, {shown, m_mode});
             return fail(CONV_NEEDS_MODE, {shown});
@@ -244,6 +261,35 @@ private:
 };
 
 }  // namespace
+
+const std::vector<tools::Option>& knownOptions() {
+    const auto kNone = Argument::kNone, kNeeded = Argument::kNeeded;
+    static const std::vector<tools::Option> options = {
+        {'f', "from", kNeeded, "ENC", "ENCODING", CONV_OPT_FROM},
+        {'t', "to", kNeeded, "ENC", "ENCODING", CONV_OPT_TO},
+        {'p', "policy", kNeeded, "P[,Q]", kPolicyNames, CONV_OPT_POLICY},
+        {'c', "skip", kNone, "", "", CONV_OPT_SKIP},
+        {'o', "output", kNeeded, "FILE", "FILE", CONV_OPT_OUTPUT},
+        {'d', "directory", kNeeded, "DIR", "DIR", CONV_OPT_DIRECTORY},
+        {'i', "in-place", Argument::kAttached, "SUFFIX", "", CONV_OPT_IN_PLACE},
+        {'n', "check", kNone, "", "", CONV_OPT_CHECK},
+        {'k', "keep-valid", kNone, "", "", CONV_OPT_KEEP_VALID},
+        {'r', "recurse", kNone, "", "", CONV_OPT_RECURSE},
+        {'m', "match", kNeeded, "GLOB", "", CONV_OPT_MATCH},
+        {'j', "jobs", kNeeded, "N", "", CONV_OPT_JOBS},
+        {kBom, "bom", kNeeded, "HOW", "strip keep add", CONV_OPT_BOM},
+        {kLock, "lock", kNeeded, "HOW", "try wait none", CONV_OPT_LOCK},
+        {'L', "lang", kNeeded, "LOCALES", "", CONV_OPT_LANG},
+        {'X', "xml", kNone, "", "", CONV_OPT_XML},
+        {'q', "quiet", kNone, "", "", CONV_OPT_QUIET},
+        {'v', "verbose", kNone, "", "", CONV_OPT_VERBOSE},
+        {'l', "list", kNone, "", "", CONV_OPT_LIST},
+        {'h', "help", kNone, "", "", CONV_OPT_HELP},
+        {'V', "version", kNone, "", "", CONV_OPT_VERSION},
+        {kCompletions, "completions", kNeeded, "SHELL", "bash zsh fish", CONV_OPT_COMPLETIONS},
+    };
+    return options;
+}
 
 bool parseOptions(int argc, char** argv, Options& options, Problem& problem) {
     return Parser(options, problem).parse(argc, argv);

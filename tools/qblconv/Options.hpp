@@ -5,13 +5,14 @@
 #include <vector>
 
 #include "i18n/cpp/i18n_converter_types.h"
+#include "tools/common/CommandLine.hpp"
 #include "tools/qblconv/Problem.hpp"
 
 namespace conv {
 
 /// What the command line asks for.
 struct Options {
-    enum class Mode { kJoin, kDirectory, kInPlace, kCheck, kList, kHelp, kVersion };
+    enum class Mode { kJoin, kDirectory, kInPlace, kCheck, kList, kHelp, kVersion, kCompletions };
     enum class Mark { kStrip, kKeep, kAdd };
     enum class Lock { kTry, kWait, kNone };
 
@@ -30,6 +31,7 @@ struct Options {
     std::string suffix;     // that originals keep; empty if they are not kept
     std::string match;      // names in directories; empty for all
     std::string locales;    // of the messages
+    std::string shell;      // to print completions for
     unsigned jobs = 0;      // 0 for as many as there are processors
     bool recurse = false;
     bool keepValid = false;
@@ -38,6 +40,9 @@ struct Options {
     bool xml = false;
     std::vector<std::string> operands;
 };
+
+/// The options that there are, in the order of the help text.
+const std::vector<tools::Option>& knownOptions();
 
 /// Reads the command line; operands and options may come in any order, up to "--".
 /// @param options  has the language of the messages also after a failure behind it

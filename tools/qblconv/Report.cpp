@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
-#include "tools/common/Utf8.hpp"
 
 namespace conv {
 
@@ -89,32 +88,6 @@ void FileReport::add(QBLSeverity severity, qblconvmsgs id, const Details& detail
     m_text += m_report.form() == Report::Form::kXml ? m_texts.element(severity, id, details)
                                                     : m_texts.text(id, details);
     m_text += '\n';
-}
-
-std::string shown(const std::string& name) {
-    std::string text;
-    for (std::size_t i = 0; i < name.size();) {
-        const std::size_t begin = i;
-        const int c = tools::nextCodePoint(name, i, name.size());
-        const bool isLike = c == '\\' && name.compare(i, 1, "x") == 0;
-        if (c >= 0x20 && (c < 0x7F || c > 0x9F) && c != 0xFFFE && c != 0xFFFF && !isLike) {
-            text.append(name, begin, i - begin);
-            continue;
-        }
-        i = std::max(i, begin + 1);
-        for (std::size_t k = begin; k < i; ++k) {
-            const auto byte = static_cast<unsigned char>(name[k]);
-            text.append("\\x").append(1, "0123456789ABCDEF"[byte >> 4]);
-            text.append(1, "0123456789ABCDEF"[byte & 15]);
-        }
-    }
-    return text;
-}
-
-Details shown(const Details& names) {
-    Details texts;
-    for (const std::string& name : names) texts.push_back(shown(name));
-    return texts;
 }
 
 }  // namespace conv

@@ -8,6 +8,7 @@
 
 #include "QBLCore/Threads/QBLThreadConditionVariable.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
+#include "tools/common/Shown.hpp"
 #include "tools/qblconv/Problem.hpp"
 #include "tools/qblconv/Progress.hpp"
 
@@ -78,10 +79,7 @@ private:
     bool m_hasFailed = false;
 };
 
-/// A name as it is shown: what is not UTF-8, and control characters, as \xHH; and so the backslash
-/// of a name that has such a thing itself, so that no two names look the same.
-std::string shown(const std::string& name);
-Details shown(const Details& names);
+using tools::shown;
 
 }  // namespace conv
 

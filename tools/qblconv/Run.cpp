@@ -17,6 +17,7 @@
 #include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "tools/common/Environment.hpp"
+#include "tools/common/Help.hpp"
 #include "tools/qblconv/Encodings.hpp"
 #include "tools/qblconv/Interrupt.hpp"
 #include "tools/qblconv/Operands.hpp"
@@ -250,6 +251,13 @@ Status run(int argc, char** argv) {
         switch (options.mode) {
             case Mode::kHelp:
                 std::fputs(texts.text(CONV_USAGE).c_str(), stdout);
+                std::fputs(tools::describeOptions(knownOptions(), texts).c_str(), stdout);
+                std::fputs(texts.text(CONV_USAGE_END).c_str(), stdout);
+                return kDone;
+            case Mode::kCompletions:
+                std::fputs(tools::completionScript("qblconv", options.shell, knownOptions(), texts)
+                               .c_str(),
+                           stdout);
                 return kDone;
             case Mode::kVersion:
                 std::printf("%s\n", texts.text(CONV_VERSION, {QBL_VERSION}).c_str());

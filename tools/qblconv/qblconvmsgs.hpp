@@ -70,6 +70,30 @@ enum qblconvmsgs {
     CONV_VALID = 52,
     /// While it runs; {0} files, {1} megabytes.
     CONV_PROGRESS = 60,
+    CONV_OPT_FROM = 101,
+    CONV_OPT_TO = 102,
+    CONV_OPT_POLICY = 103,
+    CONV_OPT_SKIP = 104,
+    CONV_OPT_OUTPUT = 105,
+    CONV_OPT_DIRECTORY = 106,
+    CONV_OPT_IN_PLACE = 107,
+    CONV_OPT_CHECK = 108,
+    CONV_OPT_KEEP_VALID = 109,
+    CONV_OPT_RECURSE = 110,
+    CONV_OPT_MATCH = 111,
+    CONV_OPT_JOBS = 112,
+    CONV_OPT_BOM = 113,
+    CONV_OPT_LOCK = 114,
+    CONV_OPT_LANG = 115,
+    CONV_OPT_XML = 116,
+    CONV_OPT_QUIET = 117,
+    CONV_OPT_VERBOSE = 118,
+    CONV_OPT_LIST = 119,
+    CONV_OPT_HELP = 120,
+    CONV_OPT_VERSION = 121,
+    CONV_OPT_COMPLETIONS = 122,
+    /// What comes after the options; ends with a line end.
+    CONV_USAGE_END = 150,
 };
 
 #endif

@@ -1,10 +1,10 @@
-#ifndef TOOLS_QBLCONV_SUGGEST_HPP
-#define TOOLS_QBLCONV_SUGGEST_HPP
+#ifndef TOOLS_COMMON_SUGGEST_HPP
+#define TOOLS_COMMON_SUGGEST_HPP
 
 #include <cstddef>
 #include <string>
 
-namespace conv {
+namespace tools {
 
 /// Of names that are offered, the one that somebody who wrote another may have meant. Case,
 /// hyphens and the like do not count.
@@ -29,6 +29,6 @@ std::string lettersOf(const std::string& name);
 /// The least number of letters to be put in, left out, exchanged, or swapped with the next.
 std::size_t editDistance(const std::string& a, const std::string& b);
 
-}  // namespace conv
+}  // namespace tools
 
 #endif

@@ -1,9 +1,9 @@
-#include "tools/qblconv/Suggest.hpp"
+#include "tools/common/Suggest.hpp"
 
 #include <algorithm>
 #include <vector>
 
-namespace conv {
+namespace tools {
 
 namespace {
 
@@ -51,4 +51,4 @@ void Closest::offer(const char* name) {
     m_found = name;
 }
 
-}  // namespace conv
+}  // namespace tools

@@ -1,0 +1,154 @@
+#include "tools/common/CommandLine.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+#include "QBLCore/Utility/QBLUtGetOpt.hpp"
+#include "tools/common/Suggest.hpp"
+
+namespace tools {
+
+namespace {
+
+using Argument = Option::Argument;
+
+class Reader {
+public:
+    Reader(int argc, char** argv, const std::vector<Option>& options,
+           const std::function<bool(const Given&)>& take, Mistake& mistake)
+        : m_argc(argc), m_argv(argv), m_options(options), m_take(take), m_mistake(mistake) {
+        for (const Option& option : options) {
+            if (option.letter > 255) continue;
+            m_letters += static_cast<char>(option.letter);
+            if (option.argument == Argument::kNeeded) m_letters += ':';
+        }
+        // To the library's parser, "-i=.orig" is the letter i and a letter = with an argument.
+        m_letters += "=:";
+    }
+
+    bool read(std::vector<std::string>& operands) {
+        while (m_at < m_argc) {
+            bool isEnd = false, isOperand = true;
+            if (!readOptions(isEnd, isOperand)) return false;
+            if (isEnd) break;
+            if (isOperand && m_at < m_argc) operands.emplace_back(m_argv[m_at++]);
+        }
+        operands.insert(operands.end(), m_argv + m_at, m_argv + m_argc);
+        return true;
+    }
+
+private:
+    bool fail(Mistake::Kind kind, const std::string& option, const std::string& suggestion = {}) {
+        m_mistake = {kind, option, kind == Mistake::kBadArgument ? "\"\"" : "", suggestion};
+        return false;
+    }
+
+    /// Reads up to the next operand, or up to the argument of a long option, which the library's
+    /// parser does not know to be one.
+    /// @param isEnd  receives whether all words that follow are operands
+    /// @param isOperand  receives whether the next word is one
+    bool readOptions(bool& isEnd, bool& isOperand) {
+        QBLUtGetOpt parser;
+        parser.setPrintErrors(0);
+        char** const first = m_argv + m_at - 1;
+        const int count = m_argc - m_at + 1;
+        int before = parser.getOptInd();
+        const char* name = nullptr;
+        bool isNextTaken = false;
+        for (int letter; (letter = parser.getOpt(count, first, m_letters.c_str(), &name)) != -1 ||
+                         name != nullptr;) {
+            before = parser.getOptInd();
+            const char* const next = before < count ? first[before] : nullptr;
+            if (name != nullptr ? !takeLong(name, next, isNextTaken)
+                                : !takeLetter(letter, parser, first + before - 1))
+                return false;
+            if (isNextTaken) break;
+        }
+        isOperand = !isNextTaken;
+        isEnd = !isNextTaken && parser.getOptInd() != before;
+        m_at += parser.getOptInd() - 1 + (isNextTaken ? 1 : 0);
+        return true;
+    }
+
+    /// @param word  the last word read: the letter's, or the argument in the word after that
+    bool takeLetter(int letter, const QBLUtGetOpt& parser, char** word) {
+        if (letter == 0) return failLetter(parser, *word);
+        const std::string shown = {'-', static_cast<char>(letter)};
+        const char* const argument = parser.getOptArg();
+        if (letter == '=') {
+            const bool isLast = argument == *word;  // of the word before
+            const bool isFirst = isLast ? std::strlen(word[-1]) == 2 : argument == *word + 2;
+            if (isFirst || !hasAttached()) return fail(Mistake::kNoOption, shown);
+            if (isLast) return fail(Mistake::kBadArgument, lastShown());
+            return m_take({*m_last, lastShown(), argument});
+        }
+        m_last = &*std::find_if(m_options.begin(), m_options.end(),
+                                [&](const Option& each) { return each.letter == letter; });
+        return m_take({*m_last, shown, m_last->argument == Argument::kNeeded ? argument : nullptr});
+    }
+
+    bool failLetter(const QBLUtGetOpt& parser, const char* word) {
+        const char letter = parser.getErrorLetter();
+        const std::string shown = {'-', letter};
+        const bool isAttached = letter == '=' && hasAttached() && std::strlen(word) > 2;
+        if (isAttached) return fail(Mistake::kBadArgument, lastShown());
+        if (letter == '=') return fail(Mistake::kNoOption, shown);
+        if (parser.isArgumentMissing()) return fail(Mistake::kArgumentMissing, shown);
+        // "-i.orig", as other programs have it.
+        const std::string whole(word);
+        const std::size_t at =
+            hasAttached() ? whole.find(lastShown()[1] + std::string(1, letter)) : std::string::npos;
+        if (at == std::string::npos) return fail(Mistake::kNoOption, shown);
+        return fail(Mistake::kNoOption, whole,
+                    whole.substr(0, at + 1) + "=" + whole.substr(at + 1));
+    }
+
+    /// Whether the letter before can have an attached argument.
+    bool hasAttached() const {
+        return m_last != nullptr && m_last->argument == Argument::kAttached;
+    }
+    std::string lastShown() const { return {'-', static_cast<char>(m_last->letter)}; }
+
+    bool takeLong(const char* word, const char* next, bool& isNextTaken) {
+        const char* const equals = std::strchr(word, '=');
+        const std::string name = equals != nullptr ? std::string(word, equals) : std::string(word);
+        const auto found = std::find_if(m_options.begin(), m_options.end(),
+                                        [&](const Option& each) { return name == each.name; });
+        if (found == m_options.end()) {
+            Closest closest(name);
+            for (const Option& each : m_options) closest.offer(each.name);
+            const std::string& suggestion = closest.found();
+            return fail(Mistake::kNoOption, "--" + name,
+                        suggestion.empty() ? suggestion : "--" + suggestion);
+        }
+        m_last = nullptr;
+        const char* argument = equals != nullptr ? equals + 1 : nullptr;
+        if (argument != nullptr && found->argument == Argument::kNone)
+            return fail(Mistake::kNoArgument, "--" + name);
+        if (argument == nullptr && found->argument == Argument::kNeeded) {
+            if (next == nullptr) return fail(Mistake::kArgumentMissing, "--" + name);
+            argument = next;
+            isNextTaken = true;
+        }
+        return m_take({*found, "--" + name, argument});
+    }
+
+    const int m_argc;
+    char** const m_argv;
+    const std::vector<Option>& m_options;
+    const std::function<bool(const Given&)>& m_take;
+    Mistake& m_mistake;
+    std::string m_letters;
+    const Option* m_last = nullptr;  // the last option, if it was given by its letter
+    int m_at = 1;
+};
+
+}  // namespace
+
+bool readCommandLine(int argc, char** argv, const std::vector<Option>& options,
+                     const std::function<bool(const Given&)>& take,
+                     std::vector<std::string>& operands, Mistake& mistake) {
+    return Reader(argc, argv, options, take, mistake).read(operands);
+}
+
+}  // namespace tools

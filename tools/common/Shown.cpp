@@ -1,0 +1,59 @@
+#include "tools/common/Shown.hpp"
+
+#include <unicode/uchar.h>
+
+#include <algorithm>
+
+#include "tools/common/Utf8.hpp"
+
+namespace tools {
+
+namespace {
+
+constexpr int kNonJoiner = 0x200C, kJoiner = 0x200D;
+
+bool isHarmless(int c) {
+    if (c < 0x7F) return c >= 0x20;
+    if (c == kNonJoiner || c == kJoiner) return true;
+    const int type = u_charType(c);
+    return type != U_CONTROL_CHAR && type != U_FORMAT_CHAR && type != U_LINE_SEPARATOR &&
+           type != U_PARAGRAPH_SEPARATOR && !U_IS_UNICODE_NONCHAR(c);
+}
+
+/// @param kept  characters that are not harmless in themselves, but stay
+/// @param isQuoting  whether a backslash before an x is written as bytes
+std::string withoutControls(const std::string& text, const char* kept, bool isQuoting) {
+    const std::string stays = kept;
+    std::string out;
+    for (std::size_t i = 0; i < text.size();) {
+        const std::size_t begin = i;
+        const int c = nextCodePoint(text, i, text.size());
+        const bool isLikeOurs = isQuoting && c == '\\' && text.compare(i, 1, "x") == 0;
+        const bool isKept = c > 0 && c < 0x80 && stays.find(static_cast<char>(c)) != stays.npos;
+        if (isKept || (c >= 0 && isHarmless(c) && !isLikeOurs)) {
+            out.append(text, begin, i - begin);
+            continue;
+        }
+        i = std::max(i, begin + 1);
+        for (std::size_t k = begin; k < i; ++k) {
+            const auto byte = static_cast<unsigned char>(text[k]);
+            out.append("\\x").append(1, "0123456789ABCDEF"[byte >> 4]);
+            out.append(1, "0123456789ABCDEF"[byte & 15]);
+        }
+    }
+    return out;
+}
+
+}  // namespace
+
+std::string shown(const std::string& name) { return withoutControls(name, "", true); }
+
+Details shown(const Details& names) {
+    Details texts;
+    for (const std::string& name : names) texts.push_back(shown(name));
+    return texts;
+}
+
+std::string shownText(const std::string& text) { return withoutControls(text, "\n\t", false); }
+
+}  // namespace tools
