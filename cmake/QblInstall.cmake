@@ -15,6 +15,9 @@ set(_formats man/bmf.5 man/i18n_res.xml.5 man/I18NPooledString.conf.5)
 set(_printers "${CMAKE_SOURCE_DIR}/gdb/qblcore.py")
 get_property(_resources GLOBAL PROPERTY QBL_RESOURCE_FILES)
 get_property(_catalogues GLOBAL PROPERTY QBL_CATALOGUES)
+foreach(_shell bash zsh fish)
+  get_property(_completions_${_shell} GLOBAL PROPERTY QBL_COMPLETIONS_${_shell})
+endforeach()
 
 # qblcore.pc finds its prefix from where it lies itself, so that --prefix and moving are right.
 function(_qbl_configure_pc libdir output)
@@ -34,9 +37,10 @@ function(_qbl_configure_pc libdir output)
   configure_file(cmake/qblcore.pc.in "${output}" @ONLY)
 endfunction()
 
-# _qbl_install(EXPORT LIBDIR RUNTIME DEVELOPMENT TOOLS EXAMPLES [EXCLUDE_FROM_ALL]): three components
-# that the parts belong to, and the directory that examples/ goes into.
-macro(_qbl_install export libdir runtime development tools examples)
+# _qbl_install(EXPORT LIBDIR RUNTIME DEVELOPMENT TOOLS EXAMPLES ZSH [EXCLUDE_FROM_ALL]): three
+# components that the parts belong to, the directory that examples/ goes into, and that of zsh's
+# completions below share/zsh.
+macro(_qbl_install export libdir runtime development tools examples zsh)
   set(_cmakedir "${libdir}/cmake/QBLCore")
   set(_made "${CMAKE_BINARY_DIR}/installed/${export}")
   # The unversioned name is of the run time: by it the library recognises its own directory.
@@ -60,6 +64,11 @@ macro(_qbl_install export libdir runtime development tools examples)
     install(FILES ${_files} DESTINATION "${CMAKE_INSTALL_DATADIR}/qblcore" COMPONENT ${runtime} ${ARGN})
   endforeach()
   install(FILES ${_manuals} DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT ${tools} ${ARGN})
+  install(FILES ${_completions_bash} DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions"
+    COMPONENT ${tools} ${ARGN})
+  install(FILES ${_completions_zsh} DESTINATION "${CMAKE_INSTALL_DATADIR}/zsh/${zsh}" COMPONENT ${tools} ${ARGN})
+  install(FILES ${_completions_fish} DESTINATION "${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d"
+    COMPONENT ${tools} ${ARGN})
   install(FILES ${_formats} DESTINATION "${CMAKE_INSTALL_MANDIR}/man5" COMPONENT ${tools} ${ARGN})
   install(DIRECTORY examples DESTINATION "${examples}" COMPONENT ${development} ${ARGN}
     PATTERN samples EXCLUDE)
@@ -67,7 +76,7 @@ macro(_qbl_install export libdir runtime development tools examples)
 endmacro()
 
 _qbl_install(QBLCoreTargets "${CMAKE_INSTALL_LIBDIR}" runtime development tools
-  "${CMAKE_INSTALL_DATADIR}/qblcore")
+  "${CMAKE_INSTALL_DATADIR}/qblcore" site-functions)
 # gdb loads NAME-gdb.py with the library NAME: from beside it, where that place is in its auto-load
 # safe-path, and from a tree of its own below /usr/share. So that an installation can be moved, it is
 # beside the library but below /usr.
@@ -82,7 +91,7 @@ install(CODE "
   COMPONENT development)
 
 # What has to be built for cmake --install.
-add_custom_target(installed DEPENDS QBLCore ${_tools})
+add_custom_target(installed DEPENDS QBLCore ${_tools} completions)
 foreach(_catalogue IN LISTS _catalogues)
   add_dependencies(installed ${_catalogue}_files)
 endforeach()

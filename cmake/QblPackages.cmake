@@ -19,7 +19,7 @@ set(_programs qblcore-tools)
 set(_debian "${CMAKE_SOURCE_DIR}/cmake/debian")
 
 _qbl_install(QBLCorePackageTargets "lib/${_triplet}" ${_runtime} ${_development} ${_programs}
-  "share/doc/${_development}" EXCLUDE_FROM_ALL)
+  "share/doc/${_development}" vendor-completions EXCLUDE_FROM_ALL)
 install(FILES "${_printers}" DESTINATION "share/gdb/auto-load/usr/lib/${_triplet}"
   RENAME "$<TARGET_FILE_NAME:QBLCore>-gdb.py" COMPONENT ${_development} EXCLUDE_FROM_ALL)
 # The system's linker finds the library; manuals are compressed.

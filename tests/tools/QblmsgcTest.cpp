@@ -64,7 +64,7 @@ TEST(QblmsgcTest, EachMistakeIsNamedWithItsPlace) {
     // All of a run, by place; a message whose text is broken still counts.
     tree.file("t.msg", "7 \"\\uD800\"\n7 \"{x}\"\n");
     expectRun(
-        tree, "-c -r no.msg t.msg", 1,
+        tree, "-c -r no.msg t.msg", 2,
         "no.msg: cannot be read: No such file or directory\n"
         "t.msg:1:4: no such escape: there are \\\" \\\\ \\n \\r \\t and \\u with four digits\n"
         "t.msg:2:1: the identifier 7 is already in line 1\n"
@@ -171,6 +171,70 @@ TEST(QblmsgcTest, HostileMessageFilesAreRefused) {
     }
 }
 
+TEST(QblmsgcTest, MisuseIsNamedAndNothingIsOverwritten) {
+    TempTree tree;
+    tree.file("t.msg", "1 A \"a\"\n");
+    std::filesystem::create_symlink("t.msg", tree("link"));
+    std::filesystem::create_hard_link(tree("t.msg"), tree("t.bmf"));
+    const std::string missing = "an operand is missing; qblmsgc --help shows the usage";
+    const std::string over = " is the same file as t.msg and would overwrite it";
+    const struct {
+        const char* arguments;
+        std::string said;
+    } table[] = {
+        {"", missing},
+        {"-g 1", missing},
+        {"--help -qz", "no such option: -z"},
+        {"--outptu=1 t.msg", "no such option: --outptu; perhaps --output?"},
+        {"t.msg -o", "-o requires an argument"},
+        {"-q --help=x", "--help takes no argument"},
+        {"-o '' t.msg", "invalid argument for -o: \"\""},
+        {"-c -o a.bmf t.msg", "-c and -o cannot be used together"},
+        {"-d -q t.bmf", "-d and -q cannot be used together"},
+        {"t.msg u.msg", "unexpected operand: u.msg"},
+        {"-o ./t.msg t.msg", "./t.msg" + over},
+        {"-H link -o a.bmf t.msg", "link" + over},
+        {"t.msg", "t.bmf" + over},
+        {"-o a.hpp -H ./a.hpp t.msg", "./a.hpp is the same file as a.hpp and would overwrite it"},
+    };
+    for (const auto& row : table) expectRun(tree, row.arguments, 2, "qblmsgc: " + row.said + "\n");
+    EXPECT_EQ("1 A \"a\"\n", tree.text("t.msg"));
+    expectRun(tree, "-H a.hpp -o no/a.bmf t.msg", 1,
+              "no/a.bmf: cannot be written: No such file or directory\n");
+    EXPECT_FALSE(std::filesystem::exists(tree("a.hpp"))) << "neither is put in place";
+}
+
+TEST(QblmsgcTest, HostileNamesAndTextsAreShownEscaped) {
+    TempTree tree;
+    const std::string name = "x\nint y;\xE2\x80\xAE\\.msg";
+    tree.file(name.c_str(), "1 A \"\"\n2 class \"\\u001B[2J\"");
+    const std::string quoted = "\"$(printf 'x\\nint y;\\342\\200\\256\\134.msg')\"";
+    const std::string seen = "x\\x0Aint y;\\xE2\\x80\\xAE\\.msg:";
+    expectRun(tree, "-c " + quoted, 1,
+              seen + "1:6: warning: an empty text counts as none\n" + seen +
+                  "2:3: class is a keyword of C or C++ and cannot be a name\n");
+    tree.file(name.c_str(), "1 A \"a\"");
+    expectRun(tree, "-H a.hpp -o a.bmf " + quoted, 0, "");
+    EXPECT_EQ(0U, tree.text("a.hpp").find("// Made by qblmsgc from x\\x0Aint y;"));
+    // A pipe is read; one that nobody writes to is refused.
+    expectRun(tree, "-c /dev/stdin <<'X'\n1 \"\"\nX", 0,
+              "/dev/stdin:1:4: warning: an empty text counts as none\n");
+    expectRun(tree, "-V >/dev/null; mkfifo fifo; '" QBL_MSGC "' -d fifo", 1,
+              "fifo: cannot be read: Broken pipe\n");
+}
+
+TEST(QblmsgcTest, SharedTextsAreReadInPlace) {
+    TempTree tree;
+    // 2000 identifiers with the one text of 1 MB, which copies would make 2 GB of.
+    std::string texts(1000000, 'a'), bytes = std::string("BMF1\0\0\0\0", 8) + bigEndian(2000) +
+                                             bigEndian(static_cast<unsigned>(texts.size() + 1));
+    for (unsigned i = 0; i < 2000; ++i)
+        bytes += bigEndian(i) + bigEndian(0) + bigEndian(static_cast<unsigned>(texts.size() + 1));
+    tree.file("t.bmf", bytes + texts + '\0');
+    expectRun(tree, "-V >/dev/null; ulimit -v 400000; '" QBL_MSGC "' -d t.bmf | head -c 9", 0,
+              "0 \"aaaaaa");
+}
+
 TEST(QblmsgcTest, TextsAndPlacesAreShown) {
     TempTree tree;
     tree.file("t_de_AT.bmf", bmfBytes({{1, "{0}|{1}|{2}|{3}|{4}|{5}"}, {2, "two"}, {3, "{"}}));
@@ -191,15 +255,7 @@ TEST(QblmsgcTest, TextsAndPlacesAreShown) {
     expectRun(tree, "-w ./t", 1, "* ./t_en.bmf\n  ./t.bmf\n./t_en.bmf: no message file\n");
     expectRun(tree, "-w ./u", 1,
               "  ./u_en.bmf\n  ./u.bmf\n./u: there is no such catalogue for en\n");
-    for (const char* arguments : {"", "-c -o a.bmf t.msg", "-d -q t.bmf", "-o t.msg t.msg", "-g 1"})
-        expectRun(tree, arguments, 2, run(tree, "-h").output);
-    const struct {
-        const char *arguments, *refused;
-    } table[] = {{"--help -qz", "-z"}, {"--wat=1 t.msg", "--wat"}, {"-q --help=x", "--help"}};
-    for (const auto& row : table) {
-        const std::string refused = std::string("qblmsgc: no such option: ") + row.refused;
-        expectRun(tree, row.arguments, 2, refused + "\n" + run(tree, "--help").output);
-    }
+    expectRun(tree, "-g 1 t.msg", 2, "./t.msg: the name of a message file must end in .bmf\n");
     for (const char* absent : {"no.msg", "-c -r t.msg no.msg", "-d no.bmf", "-g 1 ./no.bmf"}) {
         const std::string file = absent + std::string(absent).rfind(' ') + 1;
         expectRun(tree, absent, 2, file + ": cannot be read: No such file or directory\n");

@@ -55,7 +55,7 @@ std::string writeBmf(const Entries& entries) {
     return out;
 }
 
-bool readBmf(const std::string& bytes, Entries& entries, BmfProblem& problem) {
+bool readBmf(const std::string& bytes, std::vector<BmfText>& texts, BmfProblem& problem) {
     const auto refuse = [&problem](std::size_t offset, qblmsgcmsgs reason) {
         problem = {offset, reason};
         return false;
@@ -67,22 +67,39 @@ bool readBmf(const std::string& bytes, Entries& entries, BmfProblem& problem) {
     if (count > (bytes.size() - kHeaderSize) / kEntrySize) return refuse(8, MSGC_REASON_CUT);
     const std::size_t begin = kHeaderSize + kEntrySize * count;
     if (textSize > bytes.size() - begin) return refuse(12, MSGC_REASON_CUT);
-    entries.clear();
+    texts.clear();
+    std::size_t checkedBegin = 0, checkedEnd = 0;  // bytes that are known to be UTF-8
     for (std::size_t at = kHeaderSize; at < begin; at += kEntrySize) {
         const std::size_t offset = numberAt(bytes, at + 4), length = numberAt(bytes, at + 8);
-        Entry entry;
-        entry.id = numberAt(bytes, at);
-        if (!entries.empty() && entries.back().id >= entry.id) return refuse(at, MSGC_REASON_ORDER);
+        const unsigned id = numberAt(bytes, at);
+        if (!texts.empty() && texts.back().id >= id) return refuse(at, MSGC_REASON_ORDER);
         if (offset > textSize || length > textSize - offset) return refuse(at, MSGC_REASON_OUTSIDE);
-        if (length == 0 || bytes.find('\0', begin + offset) != begin + offset + length - 1)
-            return refuse(begin + offset, MSGC_REASON_ZERO);
-        entry.text.assign(bytes, begin + offset, length - 1);
-        const std::size_t illFormed = tools::findIllFormed(entry.text);
-        if (illFormed != std::string::npos)
-            return refuse(begin + offset + illFormed, MSGC_REASON_UTF8);
-        entries.push_back(std::move(entry));
+        const std::size_t first = begin + offset;
+        // A text that ends where the one before does, and is not longer, was checked with it.
+        const bool isPart = checkedBegin <= first && first + length == checkedEnd && length > 0;
+        if (!isPart) {
+            if (length == 0 || bytes.find('\0', first) != first + length - 1)
+                return refuse(first, MSGC_REASON_ZERO);
+            const std::size_t illFormed = tools::findIllFormed(bytes, first, first + length - 1);
+            if (illFormed != std::string::npos) return refuse(illFormed, MSGC_REASON_UTF8);
+            checkedBegin = first;
+            checkedEnd = first + length;
+        } else if ((static_cast<unsigned char>(bytes[first]) & 0xC0) == 0x80) {
+            return refuse(first, MSGC_REASON_UTF8);
+        }
+        texts.push_back({id, std::string_view(bytes).substr(first, length - 1)});
     }
     return true;
+}
+
+bool isCanonicalBmf(const std::string& bytes, const std::vector<BmfText>& texts) {
+    std::size_t end = kHeaderSize + kEntrySize * texts.size();
+    if (bytes.compare(0, sizeof kMagic, kMagic, sizeof kMagic) != 0) return false;
+    for (const BmfText& each : texts) {
+        if (each.text.data() != bytes.data() + end) return false;
+        end += each.text.size() + 1;
+    }
+    return end == bytes.size();
 }
 
 }  // namespace msgc

@@ -1,6 +1,7 @@
 #ifndef TOOLS_QBLMSGC_CATALOGUE_HPP
 #define TOOLS_QBLMSGC_CATALOGUE_HPP
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -27,9 +28,10 @@ struct Entry {
 
     /// Where a byte of the text stands in the source.
     std::size_t offsetOf(std::size_t textOffset) const {
-        Mark found = {0, offset};
-        for (const Mark& mark : marks)
-            if (mark.text <= textOffset) found = mark;
+        const auto next =
+            std::upper_bound(marks.begin(), marks.end(), textOffset,
+                             [](std::size_t at, const Mark& mark) { return at < mark.text; });
+        const Mark found = next == marks.begin() ? Mark{0, offset} : *(next - 1);
         return found.source + (textOffset - found.text);
     }
 };

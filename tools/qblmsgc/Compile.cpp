@@ -1,6 +1,7 @@
 #include <list>
 
 #include "QBLCore/FileManagement/QBLFmReplaceFile.hpp"
+#include "tools/common/Files.hpp"
 #include "tools/qblmsgc/BmfBytes.hpp"
 #include "tools/qblmsgc/Commands.hpp"
 #include "tools/qblmsgc/HeaderText.hpp"
@@ -13,12 +14,26 @@ namespace msgc {
 
 namespace {
 
-/// Puts a file in place as a whole, or leaves what is there.
-void replaceFile(const std::string& name, const std::string& bytes, Report& report) {
-    QBLFmReplaceFile file;
-    if (!file.open(name.c_str()) || !file.write(bytes.data(), bytes.size()) || !file.commit())
-        report.fault(MSGC_CANNOT_WRITE, {name, file.getLastErrorMessage()});
-}
+/// A file that is put in place as a whole, or not at all.
+class Output {
+public:
+    Output(const std::string& name, Report& report) : m_name(name), m_report(report) {}
+
+    bool prepare(const std::string& bytes) {
+        return check(m_file.open(m_name.c_str()) && m_file.write(bytes.data(), bytes.size()));
+    }
+    bool commit() { return check(m_file.commit()); }
+
+private:
+    bool check(bool isDone) {
+        if (!isDone) m_report.fault(MSGC_CANNOT_WRITE, {m_name, m_file.getLastErrorMessage()});
+        return isDone;
+    }
+
+    const std::string& m_name;
+    Report& m_report;
+    QBLFmReplaceFile m_file;
+};
 
 /// A run over one source.
 class Compilation {
@@ -36,7 +51,7 @@ public:
         }
         m_report.print(m_options.xml ? stdout : stderr,
                        m_options.xml ? Report::Form::kXml : Report::Form::kText, m_options.quiet);
-        if (source == nullptr) return unreadable(m_options.operands[0]);
+        if (!m_absent.empty()) return kUsage;
         return hasFailed() ? kErrors : kClean;
     }
 
@@ -48,6 +63,7 @@ private:
     const Source* read(const std::string& name) {
         std::string bytes, problem;
         if (!readFile(name, bytes, problem)) {
+            if (tools::isAbsent(name)) m_absent = name;
             m_report.fault(MSGC_CANNOT_READ, {name, problem});
             return nullptr;
         }
@@ -62,22 +78,25 @@ private:
         compareWithReference({source, m_entries}, {*reference, entries}, m_report);
     }
 
+    /// Both files are written before either is put in place.
     void write() {
-        if (!m_options.header.empty()) {
-            const std::string header =
-                headerText(m_entries, m_options.header, m_options.operands[0]);
-            if (header.empty())
-                m_report.fault(MSGC_NO_NAMES, {m_options.operands[0], m_options.header});
-            else
-                replaceFile(m_options.header, header, m_report);
+        Output header(m_options.header, m_report), output(m_options.output, m_report);
+        const bool hasHeader = !m_options.header.empty();
+        if (hasHeader) {
+            const std::string text = headerText(m_entries, m_options.header, m_options.operands[0]);
+            if (text.empty())
+                return m_report.fault(MSGC_NO_NAMES, {m_options.operands[0], m_options.header});
+            if (!header.prepare(text)) return;
         }
-        if (!hasFailed()) replaceFile(m_options.output, writeBmf(m_entries), m_report);
+        if (output.prepare(writeBmf(m_entries)) && (!hasHeader || header.commit()))
+            static_cast<void>(output.commit());
     }
 
     const Options& m_options;
     std::list<Source> m_sources;
     Entries m_entries;
     Report m_report;
+    std::string m_absent;  // a file of the command line that is not there
 };
 
 }  // namespace

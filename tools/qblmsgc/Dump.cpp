@@ -43,14 +43,9 @@ std::string quoted(const std::string& text) {
 
 }  // namespace
 
-std::string dumpSource(const Entries& entries) {
-    std::string out;
-    for (const Entry& entry : entries) {
-        out += std::to_string(entry.id);
-        out += PatternCheck(entry.text, false).hasErrors() ? " = " : " ";
-        out += quoted(entry.text) + "\n";
-    }
-    return out;
+std::string dumpSource(unsigned id, const std::string& text) {
+    const char* const between = PatternCheck(text, false).hasErrors() ? " = " : " ";
+    return std::to_string(id) + between + quoted(text) + "\n";
 }
 
 }  // namespace msgc

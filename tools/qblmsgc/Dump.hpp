@@ -3,14 +3,12 @@
 
 #include <string>
 
-#include "tools/qblmsgc/Catalogue.hpp"
-
 namespace msgc {
 
-/// The messages as a source, a line for each line of their texts. Compiled, it has the same
-/// identifiers and texts; characters that cannot be seen are written as escapes. Requires: the
-/// texts are well-formed UTF-8.
-std::string dumpSource(const Entries& entries);
+/// A message as a source, a line for each line of its text. Compiled, it has the same identifier
+/// and text; characters that cannot be seen are written as escapes. Requires: the text is
+/// well-formed UTF-8.
+std::string dumpSource(unsigned id, const std::string& text);
 
 }  // namespace msgc
 

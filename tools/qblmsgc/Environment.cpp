@@ -4,9 +4,19 @@
 
 namespace msgc {
 
-const std::string& userLocale() {
-    static const std::string locale = tools::environmentLocale();
+namespace {
+
+std::string& locale() {
+    static std::string locale = tools::environmentLocale();
     return locale;
+}
+
+}  // namespace
+
+const std::string& userLocale() { return locale(); }
+
+void setUserLocale(const std::string& locales) {
+    if (!locales.empty()) locale() = locales;
 }
 
 const std::string& ownCatalogue() {

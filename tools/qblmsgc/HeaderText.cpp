@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "tools/common/Shown.hpp"
 #include "tools/qblmsgc/Paths.hpp"
 
 namespace msgc {
@@ -47,7 +48,7 @@ std::string headerText(Entries entries, const std::string& fileName,
     const std::string file = fileOf(fileName);
     std::string guard = identifierOf(file);
     std::transform(guard.begin(), guard.end(), guard.begin(), upper);
-    std::string out = "// Made by qblmsgc from " + fileOf(sourceName) + ".\n";
+    std::string out = "// Made by qblmsgc from " + tools::shown(fileOf(sourceName)) + ".\n";
     out.append("#ifndef ").append(guard).append("\n#define ").append(guard);
     out.append("\n\nenum ").append(identifierOf(file.substr(0, file.find('.')))).append(" {\n");
     for (const Entry& entry : entries) {

@@ -1,9 +1,8 @@
-#include <sys/stat.h>
-
 #include <cstdio>
 
 #include "QBLCore/Resources/QBLResourceBMF.hpp"
 #include "QBLCore/Resources/QBLResourceFactory.hpp"
+#include "tools/common/Files.hpp"
 #include "tools/qblmsgc/BmfBytes.hpp"
 #include "tools/qblmsgc/Commands.hpp"
 #include "tools/qblmsgc/Dump.hpp"
@@ -13,8 +12,7 @@
 namespace msgc {
 
 Status unreadable(const std::string& operand) {
-    struct stat64 status = {};
-    return stat64(operand.c_str(), &status) == 0 ? kErrors : kUsage;
+    return tools::isAbsent(operand) ? kUsage : kErrors;
 }
 
 Status complain(Status status, qblmsgcmsgs id, const Details& details) {
@@ -28,15 +26,17 @@ Status dump(const Options& options) {
     std::string bytes, reason;
     if (!readFile(name, bytes, reason))
         return complain(unreadable(name), MSGC_CANNOT_READ, {name, reason});
-    Entries entries;
+    std::vector<BmfText> texts;
     BmfProblem problem = {};
-    if (!readBmf(bytes, entries, problem))
+    if (!readBmf(bytes, texts, problem))
         return complain(kErrors, MSGC_NO_BMF,
                         {name, std::to_string(problem.offset), textOf(problem.reason)});
-    const std::string source = dumpSource(entries);
-    std::fwrite(source.data(), 1, source.size(), stdout);
+    for (const BmfText& each : texts) {
+        const std::string source = dumpSource(each.id, std::string(each.text));
+        if (std::fwrite(source.data(), 1, source.size(), stdout) < source.size()) return kErrors;
+    }
     // Texts that are shared, unused bytes and the like: readers do not see them, nor do sources.
-    return writeBmf(entries) == bytes ? kClean : complain(kErrors, MSGC_NOT_THE_SAME, {name});
+    return isCanonicalBmf(bytes, texts) ? kClean : complain(kErrors, MSGC_NOT_THE_SAME, {name});
 }
 
 Status where(const Options& options) {

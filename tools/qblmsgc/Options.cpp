@@ -1,125 +1,198 @@
 #include "tools/qblmsgc/Options.hpp"
 
-#include <getopt.h>
+#include <cstring>
 
+#include "tools/common/Files.hpp"
 #include "tools/qblmsgc/Paths.hpp"
-#include "tools/qblmsgc/Report.hpp"
 
 namespace msgc {
 
 namespace {
 
 using Command = Options::Command;
+using tools::Given;
+using tools::Mistake;
 
-const option kLongNames[] = {
-    {"help", no_argument, nullptr, 'h'}, {"version", no_argument, nullptr, 'V'}, {}};
+enum { kCompletions = 256 };
 
-/// The option that getopt_long has refused. A long name is one that is not known, or has an
-/// argument that it does not take: optopt is its letter then.
-std::string refusedOption(char** argv) {
-    if (optopt != 0 && optopt != 'h' && optopt != 'V')
-        return std::string("-") + static_cast<char>(optopt);
-    const std::string word = argv[optind - 1];
-    return word.substr(0, word.find('='));
-}
-
-/// What a letter asks for; nothing for one that only goes with compiling.
-bool isCommand(int letter, Command& command) {
-    switch (letter) {
-        case 'd':
-            command = Command::kDump;
-            return true;
-        case 'g':
-            command = Command::kShow;
-            return true;
-        case 'w':
-            command = Command::kWhere;
-            return true;
-        case 'h':
-            command = Command::kHelp;
-            return true;
-        case 'V':
-            command = Command::kVersion;
-            return true;
+Problem problemOf(const Mistake& mistake) {
+    switch (mistake.kind) {
+        case Mistake::kNoOption:
+            if (!mistake.suggestion.empty())
+                return {MSGC_NO_OPTION_BUT, {mistake.option, mistake.suggestion}};
+            return {MSGC_NO_OPTION, {mistake.option}};
+        case Mistake::kArgumentMissing:
+            return {MSGC_OPTION_ALONE, {mistake.option}};
+        case Mistake::kNoArgument:
+            return {MSGC_NO_ARGUMENT, {mistake.option}};
         default:
-            return false;
+            return {MSGC_BAD_ARGUMENT, {mistake.option, mistake.argument}};
     }
 }
 
-void setOption(int letter, Options& options) {
-    switch (letter) {
-        case 'c':
-            options.checkOnly = true;
-            break;
-        case 'q':
-            options.quiet = true;
-            break;
-        case 'X':
-            options.xml = true;
-            break;
-        case 'W':
-            options.strict = true;
-            break;
-        case 'r':
-            options.references.emplace_back(optarg);
-            break;
-        case 'H':
-            options.header = optarg;
-            break;
-        default:
-            options.output = optarg;
-    }
-}
+class Parser {
+public:
+    Parser(Options& options, Problem& problem) : m_options(options), m_problem(problem) {}
 
-bool hasRightOperands(const Options& options) {
-    const std::size_t count = options.operands.size();
-    switch (options.command) {
-        case Command::kShow:
-            return count >= 2;
-        case Command::kWhere:
-            return count == 1 || count == 2;
-        case Command::kHelp:
-        case Command::kVersion:
-            return true;
-        default:
-            return count == 1;
+    bool parse(int argc, char** argv) {
+        Mistake mistake = {};
+        if (tools::readCommandLine(
+                argc, argv, knownOptions(), [this](const Given& given) { return take(given); },
+                m_options.operands, mistake))
+            return checkOptions() && checkOperands() && checkOutputs();
+        if (!mistake.option.empty()) m_problem = problemOf(mistake);
+        return false;
     }
-}
+
+private:
+    bool fail(qblmsgcmsgs id, Details details) {
+        m_problem = {id, std::move(details)};
+        return false;
+    }
+
+    bool take(const Given& given) {
+        switch (given.option.letter) {
+            case 'd':
+                return takeCommand(given, Command::kDump);
+            case 'g':
+                return takeCommand(given, Command::kShow);
+            case 'w':
+                return takeCommand(given, Command::kWhere);
+            case 'h':
+                return takeCommand(given, Command::kHelp);
+            case 'V':
+                return takeCommand(given, Command::kVersion);
+            case kCompletions:
+                return takeText(given, m_options.shell) &&
+                       takeCommand(given, Command::kCompletions) && checkShell(given);
+            case 'L':
+                return takeText(given, m_options.locales);
+            default:
+                return takeCompiling(given);
+        }
+    }
+
+    bool takeCommand(const Given& given, Command command) {
+        if (!m_command.empty() && m_options.command != command)
+            return fail(MSGC_NOT_TOGETHER, {m_command, given.shown});
+        m_options.command = command;
+        m_command = given.shown;
+        return true;
+    }
+
+    /// Of an option that only goes with compiling.
+    bool takeCompiling(const Given& given) {
+        m_compiling = given.shown;
+        switch (given.option.letter) {
+            case 'c':
+                return m_options.checkOnly = true;
+            case 'q':
+                return m_options.quiet = true;
+            case 'X':
+                return m_options.xml = true;
+            case 'W':
+                return m_options.strict = true;
+            case 'r':
+                return takeText(given, m_options.references.emplace_back());
+            case 'H':
+                m_writing = given.shown;
+                return takeText(given, m_options.header);
+            default:
+                m_writing = given.shown;
+                return takeText(given, m_options.output);
+        }
+    }
+
+    bool takeText(const Given& given, std::string& text) {
+        text = given.argument;
+        return !text.empty() || fail(MSGC_BAD_ARGUMENT, {given.shown, "\"\""});
+    }
+
+    bool checkShell(const Given& given) {
+        for (const char* const known : {"bash", "zsh", "fish"})
+            if (m_options.shell == known) return true;
+        return fail(MSGC_BAD_ARGUMENT, {given.shown, "\"" + m_options.shell + "\""});
+    }
+
+    bool checkOptions() {
+        if (!m_command.empty() && !m_compiling.empty())
+            return fail(MSGC_NOT_TOGETHER, {m_command, m_compiling});
+        if (m_options.checkOnly && !m_writing.empty())
+            return fail(MSGC_NOT_TOGETHER, {"-c", m_writing});
+        return true;
+    }
+
+    bool checkOperands() {
+        std::size_t least = 1, most = 1;
+        switch (m_options.command) {
+            case Command::kShow:
+                least = 2;
+                most = m_options.operands.size();
+                break;
+            case Command::kWhere:
+                most = 2;
+                break;
+            case Command::kHelp:
+            case Command::kVersion:
+            case Command::kCompletions:
+                return true;
+            default:
+                break;
+        }
+        const std::size_t count = m_options.operands.size();
+        if (count < least) return fail(MSGC_NO_OPERAND, {});
+        return count <= most || fail(MSGC_NO_MORE_OPERANDS, {m_options.operands[most]});
+    }
+
+    /// Nothing that is read is overwritten, nor is one output by the other.
+    bool checkOutputs() {
+        if (m_options.command != Command::kCompile || m_options.checkOnly) return true;
+        const std::string& source = m_options.operands[0];
+        if (m_options.output.empty()) m_options.output = compiledName(source);
+        std::vector<std::string> taken = m_options.references;
+        taken.push_back(source);
+        for (const std::string* const output : {&m_options.output, &m_options.header}) {
+            if (output->empty()) continue;
+            for (const std::string& each : taken)
+                if (tools::isSameFile(each, *output)) return fail(MSGC_SAME_FILE, {*output, each});
+            taken.push_back(*output);
+        }
+        return true;
+    }
+
+    Options& m_options;
+    Problem& m_problem;
+    // The last options of their kinds, as they were given.
+    std::string m_command;
+    std::string m_compiling;
+    std::string m_writing;
+};
 
 }  // namespace
 
-bool parseOptions(int argc, char** argv, Options& options, std::string& problem) {
-    bool hasCommand = false, hasOther = false;
-    opterr = 0;
-    const char letters[] = ":cqXWr:H:o:dgwhV";
-    for (int letter = 0; (letter = getopt_long(argc, argv, letters, kLongNames, nullptr)) != -1;) {
-        if (letter == '?' || letter == ':') {
-            problem =
-                textOf(letter == ':' ? MSGC_OPTION_ALONE : MSGC_NO_OPTION, {refusedOption(argv)});
-            return false;
-        }
-        if (isCommand(letter, options.command)) {
-            if (hasCommand) return false;
-            hasCommand = true;
-        } else {
-            hasOther = true;
-            setOption(letter, options);
-        }
-    }
-    options.operands.assign(argv + optind, argv + argc);
-    if ((hasCommand && hasOther) || !hasRightOperands(options)) return false;
-    if (options.command != Command::kCompile) return true;
-    const bool writes = !options.output.empty() || !options.header.empty();
-    if (options.checkOnly && writes) return false;
-    const std::string& source = options.operands[0];
-    if (options.output.empty()) options.output = compiledName(source);
-    // Nothing that is read is written over.
-    std::vector<std::string> sources = options.references;
-    sources.push_back(source);
-    for (const std::string& each : sources)
-        if (each == options.output || each == options.header) return false;
-    if (options.output == options.header) return false;
-    return true;
+const std::vector<tools::Option>& knownOptions() {
+    const auto kNone = tools::Option::Argument::kNone, kNeeded = tools::Option::Argument::kNeeded;
+    static const std::vector<tools::Option> options = {
+        {'o', "output", kNeeded, "FILE", "FILE", MSGC_OPT_OUTPUT},
+        {'H', "header", kNeeded, "FILE", "FILE", MSGC_OPT_HEADER},
+        {'r', "reference", kNeeded, "FILE", "FILE", MSGC_OPT_REFERENCE},
+        {'c', "check", kNone, "", "", MSGC_OPT_CHECK},
+        {'W', "strict", kNone, "", "", MSGC_OPT_STRICT},
+        {'q', "quiet", kNone, "", "", MSGC_OPT_QUIET},
+        {'X', "xml", kNone, "", "", MSGC_OPT_XML},
+        {'d', "dump", kNone, "", "", MSGC_OPT_DUMP},
+        {'g', "get", kNone, "", "", MSGC_OPT_GET},
+        {'w', "where", kNone, "", "", MSGC_OPT_WHERE},
+        {'L', "lang", kNeeded, "LOCALES", "", MSGC_OPT_LANG},
+        {'h', "help", kNone, "", "", MSGC_OPT_HELP},
+        {'V', "version", kNone, "", "", MSGC_OPT_VERSION},
+        {kCompletions, "completions", kNeeded, "SHELL", "bash zsh fish", MSGC_OPT_COMPLETIONS},
+    };
+    return options;
+}
+
+bool parseOptions(int argc, char** argv, Options& options, Problem& problem) {
+    return Parser(options, problem).parse(argc, argv);
 }
 
 }  // namespace msgc

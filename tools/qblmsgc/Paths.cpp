@@ -40,6 +40,11 @@ std::string compiledName(const std::string& source) {
     return name + QBLResourceFactory::g_resourceFileExtension;
 }
 
+bool isMessageFileName(const std::string& path) {
+    std::string name = fileOf(path);
+    return dropEnding(name, QBLResourceFactory::g_resourceFileExtension);
+}
+
 std::string localeOf(const std::string& path) {
     std::string name = fileOf(path);
     if (!dropEnding(name, QBLResourceFactory::g_resourceFileExtension)) return std::string();

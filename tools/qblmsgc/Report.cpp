@@ -4,12 +4,13 @@
 #include <tuple>
 #include <utility>
 
+#include "tools/common/Shown.hpp"
 #include "tools/qblmsgc/Environment.hpp"
 
 namespace msgc {
 
 std::string textOf(qblmsgcmsgs id, const Details& details) {
-    return tools::MessageText(ownCatalogue(), userLocale()).text(id, details);
+    return tools::MessageText(ownCatalogue(), userLocale()).text(id, tools::shown(details));
 }
 
 void Report::begin(const Source& source) { numberOf(source); }
@@ -52,13 +53,15 @@ void Report::print(std::FILE* out, Form form, bool quiet) {
     for (const Finding& finding : m_findings) {
         if (quiet && finding.severity != QBLSeverityError) continue;
         if (form == Form::kText) {
-            std::fprintf(out, "%s\n", texts.text(finding.id, finding.details).c_str());
+            std::fprintf(out, "%s\n",
+                         texts.text(finding.id, tools::shown(finding.details)).c_str());
             continue;
         }
         if (!any) std::fputs("<Messages>\n", out);
         any = true;
-        std::fprintf(out, "%s\n",
-                     texts.element(finding.severity, finding.id, finding.details).c_str());
+        std::fprintf(
+            out, "%s\n",
+            texts.element(finding.severity, finding.id, tools::shown(finding.details)).c_str());
     }
     if (any) std::fputs("</Messages>\n", out);
 }

@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <cerrno>
 #include <charconv>
 #include <cstdio>
@@ -6,6 +8,7 @@
 #include "QBLCore/Messages/QBLMessage.hpp"
 #include "QBLCore/Resources/QBLResourceBMF.hpp"
 #include "i18n/cpp/i18n_string.hpp"
+#include "tools/common/Shown.hpp"
 #include "tools/qblmsgc/Commands.hpp"
 #include "tools/qblmsgc/Paths.hpp"
 #include "tools/qblmsgc/Report.hpp"
@@ -80,6 +83,7 @@ Status show(const Options& options) {
     if (!parseId(number, id)) return complain(kUsage, MSGC_NO_ID_HERE, {number});
     // With a directory it is looked for nowhere else.
     if (file.find('/') == std::string::npos) file.insert(0, "./");
+    if (!isMessageFileName(file)) return complain(kUsage, MSGC_NO_BMF_NAME, {file});
     QBLMessage message(file.c_str(), id);
     for (std::size_t i = 2; i < options.operands.size(); ++i)
         if (!addParameter(message, options.operands[i]))
@@ -94,7 +98,8 @@ Status show(const Options& options) {
     message.format(locale.c_str(), nullptr, text);
     message.toString(locale.c_str(), nullptr, element, 0);
     if (text == element) return complain(kErrors, MSGC_CANNOT_FORMAT, {file, number});
-    std::printf("%s\n", text.c_str());
+    const std::string utf8 = text.toUtf8();
+    std::printf("%s\n", (isatty(STDOUT_FILENO) != 0 ? tools::shownText(utf8) : utf8).c_str());
     return kClean;
 }
 

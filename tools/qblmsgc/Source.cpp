@@ -1,14 +1,25 @@
 #include "tools/qblmsgc/Source.hpp"
 
+#include <fcntl.h>
+#include <poll.h>
+
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <string_view>
 #include <utility>
 
 #include "QBLCore/FileManagement/QBLFmFile.hpp"
+#include "QBLCore/FileManagement/internal/QBLFmStatus.hpp"
 
 namespace msgc {
 
 namespace {
+
+bool isPipe(int descriptor) {
+    QBLFmStatus status;
+    return status.get(descriptor) && S_ISFIFO(status.mode());
+}
 
 /// Which editors do not show.
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
@@ -38,22 +49,40 @@ Place Source::placeOf(std::size_t offset) const {
     const auto at = [this](std::size_t n) {
         return m_bytes.begin() + static_cast<std::string::difference_type>(n);
     };
-    const auto characters =
-        std::count_if(at(begin), at(std::min(offset, m_bytes.size())), isCharacter);
-    return {static_cast<std::size_t>(behind - m_lines.begin()),
-            static_cast<std::size_t>(characters) + 1};
+    const std::size_t end = std::min(offset, m_bytes.size());
+    const bool goesOn = begin <= m_iLastOffset && m_iLastOffset <= end;
+    std::size_t characters = goesOn ? m_iLastCharacters : 0;
+    characters += static_cast<std::size_t>(
+        std::count_if(at(goesOn ? m_iLastOffset : begin), at(end), isCharacter));
+    m_iLastOffset = end;
+    m_iLastCharacters = characters;
+    return {static_cast<std::size_t>(behind - m_lines.begin()), characters + 1};
 }
 
 bool readFile(const std::string& name, std::string& bytes, std::string& problem) {
+    // Without waiting, or a pipe that nobody writes to would never open.
     QBLFmFile file;
-    long got = 0;
-    bool ok = file.open(name.c_str(), QBLFmFile::existing, 1);
+    if (!file.open(name.c_str(), static_cast<QBLFmFile::createmode>(O_NONBLOCK), 1)) {
+        problem = file.getLastErrorMessage();
+        return false;
+    }
     char block[65536];
-    while (ok && (got = file.read(block, sizeof block)) > 0)
-        bytes.append(block, static_cast<std::size_t>(got));
-    ok = ok && got == 0;
-    if (!ok) problem = file.getLastErrorMessage();
-    return ok;
+    for (bool isStart = true;; isStart = false) {
+        const long got = file.read(block, sizeof block);
+        if (got > 0) {
+            bytes.append(block, static_cast<std::size_t>(got));
+        } else if (got < 0 && file.getLastErrorNumber() == EAGAIN) {
+            pollfd waited = {file.getFileDescriptor(), POLLIN, 0};
+            poll(&waited, 1, -1);
+        } else if (got < 0 && file.getLastErrorNumber() != EINTR) {
+            problem = file.getLastErrorMessage();
+            return false;
+        } else if (got == 0) {
+            const bool isSilent = isStart && isPipe(file.getFileDescriptor());
+            if (isSilent) problem = std::strerror(EPIPE);
+            return !isSilent;
+        }
+    }
 }
 
 }  // namespace msgc

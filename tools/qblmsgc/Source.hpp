@@ -15,7 +15,7 @@ struct Place {
 
 /// A file that is compiled: its name, and its bytes with an index of the lines.
 ///
-/// Threads: any number may read one.
+/// Threads: one at a time.
 class Source {
 public:
     Source(std::string name, std::string bytes);
@@ -25,12 +25,16 @@ public:
     std::size_t lineCount() const { return m_lines.size(); }
     /// Where a line begins, from 0. The offset behind the last one is that of the file's end.
     std::size_t lineBegin(std::size_t line) const;
+    /// Costs as much as the distance from the offset asked for before, in the same line.
     Place placeOf(std::size_t offset) const;
 
 private:
     std::string m_name;
     std::string m_bytes;
     std::vector<std::size_t> m_lines;
+    // Of the last place asked for: its offset, and the characters before it in its line.
+    mutable std::size_t m_iLastOffset = 0;
+    mutable std::size_t m_iLastCharacters = 0;
 };
 
 /// Reads a file as a whole.

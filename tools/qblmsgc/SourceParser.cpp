@@ -1,6 +1,7 @@
 #include "tools/qblmsgc/SourceParser.hpp"
 
 #include <map>
+#include <set>
 #include <utility>
 
 #include "tools/common/Utf8.hpp"
@@ -22,6 +23,36 @@ unsigned digitOf(char c) {
     if (c >= 'a' && c <= 'f') return static_cast<unsigned>(c - 'a') + 10;
     if (c >= 'A' && c <= 'F') return static_cast<unsigned>(c - 'A') + 10;
     return 16;
+}
+
+/// Whether no enumerator can have that name: a keyword of C++20 or C17, or NULL.
+bool isKeyword(const std::string& name) {
+    static const std::set<std::string> words = {
+        "NULL",        "alignas",      "alignof",      "and",
+        "and_eq",      "asm",          "auto",         "bitand",
+        "bitor",       "bool",         "break",        "case",
+        "catch",       "char",         "char16_t",     "char32_t",
+        "char8_t",     "class",        "co_await",     "co_return",
+        "co_yield",    "compl",        "concept",      "const",
+        "const_cast",  "consteval",    "constexpr",    "constinit",
+        "continue",    "decltype",     "default",      "delete",
+        "do",          "double",       "dynamic_cast", "else",
+        "enum",        "explicit",     "export",       "extern",
+        "false",       "float",        "for",          "friend",
+        "goto",        "if",           "inline",       "int",
+        "long",        "mutable",      "namespace",    "new",
+        "noexcept",    "not",          "not_eq",       "nullptr",
+        "operator",    "or",           "or_eq",        "private",
+        "protected",   "public",       "register",     "reinterpret_cast",
+        "requires",    "restrict",     "return",       "short",
+        "signed",      "sizeof",       "static",       "static_assert",
+        "static_cast", "struct",       "switch",       "template",
+        "this",        "thread_local", "throw",        "true",
+        "try",         "typedef",      "typeid",       "typename",
+        "typeof",      "union",        "unsigned",     "using",
+        "virtual",     "void",         "volatile",     "wchar_t",
+        "while",       "xor",          "xor_eq"};
+    return words.count(name) != 0;
 }
 
 class Parser {
@@ -95,6 +126,7 @@ private:
         if (m_at < m_end && isNameStart(m_bytes[m_at])) {
             m_entry.nameOffset = m_at;
             while (m_at < m_end && isNamePart(m_bytes[m_at])) m_entry.name += m_bytes[m_at++];
+            if (isKeyword(m_entry.name)) error(m_entry.nameOffset, MSGC_KEYWORD, {m_entry.name});
             skipBlanks();
         }
         if (isAt('=')) {

@@ -4,10 +4,19 @@
 
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
 #include "QBLCore/Frame/QBLCore.h"
+#include "tools/common/Help.hpp"
 #include "tools/qblmsgc/Commands.hpp"
+#include "tools/qblmsgc/Environment.hpp"
 #include "tools/qblmsgc/Report.hpp"
 
 namespace {
+
+void printHelp() {
+    tools::MessageText texts(msgc::ownCatalogue(), msgc::userLocale());
+    std::fputs(texts.text(MSGC_USAGE).c_str(), stdout);
+    std::fputs(tools::describeOptions(msgc::knownOptions(), texts).c_str(), stdout);
+    std::fputs(texts.text(MSGC_USAGE_END).c_str(), stdout);
+}
 
 msgc::Status run(const msgc::Options& options) {
     using Command = msgc::Options::Command;
@@ -19,8 +28,16 @@ msgc::Status run(const msgc::Options& options) {
         case Command::kWhere:
             return msgc::where(options);
         case Command::kHelp:
-            std::fputs(msgc::textOf(MSGC_USAGE).c_str(), stdout);
+            printHelp();
             return msgc::kClean;
+        case Command::kCompletions: {
+            tools::MessageText texts(msgc::ownCatalogue(), msgc::userLocale());
+            std::fputs(
+                tools::completionScript("qblmsgc", options.shell, msgc::knownOptions(), texts)
+                    .c_str(),
+                stdout);
+            return msgc::kClean;
+        }
         case Command::kVersion:
             std::printf("%s\n", msgc::textOf(MSGC_VERSION, {QBL_VERSION}).c_str());
             return msgc::kClean;
@@ -31,16 +48,14 @@ msgc::Status run(const msgc::Options& options) {
 
 int runCommandLine(int argc, char** argv) {
     msgc::Options options;
-    std::string problem;
-    if (msgc::parseOptions(argc, argv, options, problem)) {
-        const msgc::Status status = run(options);
-        if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;
-        std::perror("qblmsgc");
-        return msgc::kErrors;
-    }
-    if (!problem.empty()) std::fprintf(stderr, "%s\n", problem.c_str());
-    std::fputs(msgc::textOf(MSGC_USAGE).c_str(), stderr);
-    return msgc::kUsage;
+    msgc::Problem problem = {};
+    const bool isUsage = msgc::parseOptions(argc, argv, options, problem);
+    msgc::setUserLocale(options.locales);
+    if (!isUsage) return msgc::complain(msgc::kUsage, problem.id, problem.details);
+    const msgc::Status status = run(options);
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;
+    std::perror("qblmsgc");
+    return msgc::kErrors;
 }
 
 }  // namespace

@@ -39,6 +39,8 @@ enum qblmsgcmsgs {
     MSGC_NAMED_ARGUMENT = 25,
     /// {3} kind
     MSGC_UNKNOWN_KIND = 26,
+    /// {3} name
+    MSGC_KEYWORD = 27,
     /// {3} number
     MSGC_QUOTED_ARGUMENT = 40,
     MSGC_DOUBLED_APOSTROPHE = 41,
@@ -72,6 +74,37 @@ enum qblmsgcmsgs {
     MSGC_NO_ID_HERE = 72,
     /// {0} what stands in its place
     MSGC_NO_PARAMETER = 73,
+    /// {0} the option, {1} a similar one
+    MSGC_NO_OPTION_BUT = 80,
+    /// {0} the option
+    MSGC_NO_ARGUMENT = 81,
+    /// {0} the option, {1} its argument
+    MSGC_BAD_ARGUMENT = 82,
+    /// {0} and {1} options
+    MSGC_NOT_TOGETHER = 83,
+    MSGC_NO_OPERAND = 84,
+    /// {0} the operand
+    MSGC_NO_MORE_OPERANDS = 85,
+    /// {0} the output, {1} a file that is read, or the other output
+    MSGC_SAME_FILE = 86,
+    /// {0} file
+    MSGC_NO_BMF_NAME = 87,
+    MSGC_OPT_OUTPUT = 101,
+    MSGC_OPT_HEADER = 102,
+    MSGC_OPT_REFERENCE = 103,
+    MSGC_OPT_CHECK = 104,
+    MSGC_OPT_STRICT = 105,
+    MSGC_OPT_QUIET = 106,
+    MSGC_OPT_XML = 107,
+    MSGC_OPT_DUMP = 108,
+    MSGC_OPT_GET = 109,
+    MSGC_OPT_WHERE = 110,
+    MSGC_OPT_LANG = 111,
+    MSGC_OPT_HELP = 112,
+    MSGC_OPT_VERSION = 113,
+    MSGC_OPT_COMPLETIONS = 114,
+    /// What comes after the options; ends with a line end.
+    MSGC_USAGE_END = 150,
 };
 
 #endif

@@ -1,0 +1,111 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <set>
+#include <sstream>
+
+#include "tests/tools/RunTool.hpp"
+#include "tools/qblconv/Options.hpp"
+#include "tools/qblmsgc/Options.hpp"
+
+namespace {
+
+struct Tool {
+    const char *name, *program;
+    const std::vector<tools::Option>& options;
+};
+
+const std::vector<Tool>& allTools() {
+    static const std::vector<Tool> all = {{"qblconv", QBL_CONV, conv::knownOptions()},
+                                          {"qblmsgc", QBL_MSGC, msgc::knownOptions()}};
+    return all;
+}
+
+/// The options that a manual describes, like "-f --from".
+std::set<std::string> described(const std::string& tool) {
+    std::ifstream manual(QBL_MAN_DIR "/" + tool + ".1");
+    std::set<std::string> options;
+    for (std::string line; std::getline(manual, line);) {
+        std::istringstream words(line);
+        std::string macro, flag, first, comma, second;
+        words >> macro >> flag >> first >> comma >> second;
+        if (macro != ".It" || flag != "Fl") continue;
+        options.insert(comma == "," ? "-" + first + " -" + second : "-" + first);
+    }
+    return options;
+}
+
+}  // namespace
+
+TEST(OptionTablesTest, ManualsDescribeTheSameOptions) {
+    for (const Tool& tool : allTools()) {
+        std::set<std::string> known;
+        for (const tools::Option& option : tool.options)
+            known.insert((option.letter < 256
+                              ? std::string("-") + static_cast<char>(option.letter) + " "
+                              : std::string()) +
+                         "--" + option.name);
+        EXPECT_EQ(known, described(tool.name));
+    }
+}
+
+TEST(OptionTablesTest, HelpFitsIntoATerminalInEachLanguage) {
+    TempTree tree;
+    for (const Tool& tool : allTools())
+        for (const char* locale : {"C", "de_DE.UTF-8", "fr_FR.UTF-8", "ja_JP.UTF-8"}) {
+            const Outcome help = runTool(tree, "'" + std::string(tool.program) + "' --help",
+                                         "LC_ALL=" + std::string(locale));
+            EXPECT_EQ(0, help.status);
+            std::istringstream lines(help.output);
+            for (std::string line; std::getline(lines, line);) {
+                // Characters of three bytes are those of two columns, here.
+                int columns = 0;
+                for (const char c : line) {
+                    const auto byte = static_cast<unsigned char>(c);
+                    columns += byte >= 0xE0 ? 2 : (byte & 0xC0) != 0x80 ? 1 : 0;
+                }
+                EXPECT_LE(columns, 79) << locale << ": " << line;
+            }
+            for (const tools::Option& option : tool.options)
+                EXPECT_NE(std::string::npos, help.output.find(std::string("--") + option.name));
+        }
+}
+
+TEST(OptionTablesTest, BashCompletesOptionsAndTheirArguments) {
+    TempTree tree;
+    tree.file("file.msg", "");
+    const struct {
+        const char *tool, *words, *completed;
+    } table[] = {
+        {QBL_CONV, "qblconv --keep", "--keep-valid"},
+        {QBL_CONV, "qblconv --bom = k", "keep"},
+        {QBL_CONV, "qblconv -p s", "stop substitute skip"},
+        {QBL_CONV, "qblconv -f Shift_J", "Shift_JIS"},
+        {QBL_MSGC, "qblmsgc -r fi", "file.msg"},
+        {QBL_MSGC, "qblmsgc -c fil", "file.msg"},
+    };
+    for (const auto& row : table) {
+        const std::string words = row.words, tool = row.tool;
+        const std::string path = "PATH='" + tool.substr(0, tool.rfind('/')) + "':$PATH; ";
+        const Outcome result = runTool(
+            tree, path + "'" + tool +
+                      "' --completions=bash >c; bash -c 'compopt() { :; }; . ./c; " +
+                      "COMP_WORDS=(" + words + "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _" +
+                      words.substr(0, words.find(' ')) + "; echo \"${COMPREPLY[*]}\"'");
+        EXPECT_EQ(std::string(row.completed) + "\n", result.output) << words;
+    }
+    for (const Tool& tool : allTools())
+        for (const char* shell : {"zsh", "fish"}) {
+            const Outcome script = runTool(
+                tree, "'" + std::string(tool.program) + "' --completions=" + std::string(shell));
+            for (const tools::Option& option : tool.options)
+                EXPECT_NE(std::string::npos, script.output.find(option.name)) << script.output;
+            const std::string check = std::string(shell) + " -n c";
+            EXPECT_EQ(
+                0, runTool(tree, "'" + std::string(tool.program) + "' --completions=" + shell +
+                                     " >c; command -v " + shell + " >/dev/null || exit 0; " + check)
+                       .status)
+                << shell;
+        }
+}
