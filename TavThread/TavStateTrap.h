@@ -4,7 +4,9 @@
 #include "TavThread/TavThread.h"
 
 /// Called when a thread enters a state, on the thread that made the change and under no lock.
-/// Exceptions are swallowed.
+/// Exceptions are swallowed. A thread that is continued goes on only after the callbacks for
+/// Running have returned. Callbacks of two changes overlap only if two threads make them: one
+/// thread may be continued while its own callbacks for Suspended still run.
 typedef void (*TavStateRoutine)(void* arg, TavThread* thread, int newState);
 
 /// A state callback that can be taken away again.

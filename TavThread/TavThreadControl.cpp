@@ -7,6 +7,12 @@
 // The `resumed` semaphore counts 0 while a suspension is pending or in effect, else 1. It is set
 // under the transition mutex, and taken outside it by the suspended thread alone, which sets it
 // anew when it has woken: the next suspension may have been asked for, and ended, meanwhile.
+//
+// A suspended thread goes on only after the callbacks of the change to Running have returned. They
+// run without the mutex, so others may suspend and continue the thread meanwhile. `continuing`
+// counts the threads that run such callbacks; the last one to finish posts, unless the thread is
+// suspended again by then. The thread itself, if an earlier post has woken it, sleeps on while the
+// count is not 0.
 
 namespace {
 
@@ -35,7 +41,7 @@ void suspendHere(TavThread& self) {
     for (;;) {
         tavRetryErrno([&] { return sem_wait(&self.resumed); });
         TavTransition change(self);
-        if (change.state() == TavThreadStateSuspended) continue;  // again, since it was woken
+        if (change.state() == TavThreadStateSuspended || self.continuing != 0) continue;
         self.asleep = false;
         setResumed(self, true);
         change.to(self.cancelled() ? TavThreadStateCanceling : TavThreadStateRunning);
@@ -44,16 +50,42 @@ void suspendHere(TavThread& self) {
     }
 }
 
+/// Takes part in `continuing` and wakes the thread at the end, also when a callback ends the
+/// calling thread.
+class Continuing {
+public:
+    /// Requires: the transition mutex is held.
+    explicit Continuing(TavThread& thread) : m_thread(thread) { ++thread.continuing; }
+    ~Continuing() {
+        if (m_bCounted) finish();
+    }
+    Continuing(const Continuing&) = delete;
+    Continuing& operator=(const Continuing&) = delete;
+
+    int finish() {
+        m_bCounted = false;
+        TavHold hold(m_thread.transition);
+        const bool suspended = m_thread.state.load() == TavThreadStateSuspended;
+        if (--m_thread.continuing != 0 || suspended) return TAVTHREAD_OK;
+        return setResumed(m_thread, true);
+    }
+
+private:
+    TavThread& m_thread;
+    bool m_bCounted = true;
+};
+
 int continueThread(TavThread& thread) {
     TavTransition change(thread);
-    const bool pending = thread.has(kTavThreadSuspendPending);
-    if (!pending && change.state() != TavThreadStateSuspended) return TAVTHREAD_OK;
-    // A thread that was told to cancel stays told.
-    if (change.state() != TavThreadStateCanceling) change.to(TavThreadStateRunning);
+    if (change.state() == TavThreadStateSuspended) {
+        Continuing continuing(thread);
+        change.to(TavThreadStateRunning);
+        change.finish();
+        return continuing.finish();
+    }
+    if (!thread.has(kTavThreadSuspendPending)) return TAVTHREAD_OK;
     thread.unmark(kTavThreadSuspendPending);
-    const int rc = setResumed(thread, true);
-    change.finish();
-    return rc;
+    return setResumed(thread, true);
 }
 
 }  // namespace

@@ -59,6 +59,7 @@ struct TavThread {
     pthread_mutex_t transition = PTHREAD_MUTEX_INITIALIZER;
     bool finished = false;  // guarded by transition: the handle may be dead
     bool asleep = false;    // guarded by transition: suspended, or continued and not awake yet
+    int continuing = 0;     // guarded by transition: threads that call Running's callbacks
 
     bool has(TavThreadFlags flag) const {
         return (flags.load(std::memory_order_acquire) & flag) != 0;

@@ -1,5 +1,8 @@
 #include "TavThread/TavStateTrap.h"
 
+#include <sched.h>
+
+#include <atomic>
 #include <string>
 
 #include "tests/TavThread/TavSupport.hpp"
@@ -37,6 +40,44 @@ TEST(TavStateTrapTest, CallbacksSeeEveryChangeTheLastAddedFirst) {
     EXPECT_EQ("1", mine.text);
     thread.join();
     EXPECT_EQ("first 30", theirs.text);
+}
+
+TEST(TavStateTrapTest, AThreadGoesOnAfterTheCallbacksOfItsContinuation) {
+    Layer layer;
+    const TavStateRoutine slowly = [](void* arg, TavThread* thread, int state) {
+        for (int i = 0; i < 100; ++i) sched_yield();
+        Log::append(arg, thread, state);
+    };
+    for (int i = 0; i < 100; ++i) {
+        Log log;
+        Started thread([&]() -> void* { return log.text += 'r', nullptr; }, TavThreadAttrSuspended);
+        ASSERT_TRUE(eventually([&] { return tavXThreadState(thread) == TavThreadStateSuspended; }));
+        tavXThreadStateCallback(thread, TavThreadStateRunning, slowly, &log);
+        tavXThreadStateCallback(thread, TavThreadStateInitial, &Log::append, &log);
+        tavXThreadContinue(thread);
+        thread.join();
+        ASSERT_EQ("1r0", log.text);
+    }
+}
+
+TEST(TavStateTrapTest, ACallbackMaySuspendTheThreadThatIsContinued) {
+    Layer layer;
+    std::atomic<bool> ran{false};
+    Started thread([&]() -> void* { return ran = true, nullptr; }, TavThreadAttrSuspended);
+    ASSERT_TRUE(eventually([&] { return tavXThreadState(thread) == TavThreadStateSuspended; }));
+    int times = 2;
+    const TavStateRoutine again = [](void* left, TavThread* of, int) {
+        if (--*static_cast<int*>(left) < 0) return;
+        tavXThreadSuspend(of);
+        if (*static_cast<int*>(left) == 0) tavXThreadContinue(of);
+    };
+    tavXThreadStateCallback(thread, TavThreadStateRunning, again, &times);
+    EXPECT_EQ(TAVTHREAD_OK, tavXThreadContinue(thread));
+    EXPECT_EQ(TavThreadStateSuspended, tavXThreadState(thread));
+    EXPECT_FALSE(ran);
+    EXPECT_EQ(TAVTHREAD_OK, tavXThreadContinue(thread)) << "and once more inside";
+    thread.join();
+    EXPECT_TRUE(ran);
 }
 
 TEST(TavStateTrapTest, TrapsAreListedAndDisarmed) {
