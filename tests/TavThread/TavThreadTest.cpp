@@ -237,8 +237,9 @@ TEST(TavThreadTest, TextIdFollowsStrncpy) {
 
 TEST(TavThreadKeyTest, OnceRunsItsRoutineUntilItSucceeds) {
     if (kThreadSanitizer) GTEST_SKIP() << "the sanitizer's pthread_once does not unwind";
-    static int calls = 0;
-    static pthread_once_t once = PTHREAD_ONCE_INIT;
+    static int calls;
+    calls = 0;
+    pthread_once_t once = PTHREAD_ONCE_INIT;
     const auto routine = [] {
         if (++calls == 1) throw calls;
     };
