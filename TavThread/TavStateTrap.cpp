@@ -10,7 +10,9 @@
 
 struct TavStateTrap {
     int state;
-    TavStateNode* node;  // guarded by the lock of the traps; null while disarmed
+    // Guarded by the lock of the traps; null while disarmed.
+    TavStateNode* node;
+    TavThread* thread;  // whose list has the node
 };
 
 namespace {
@@ -28,29 +30,86 @@ const char* stateName(int state) {
     return isState(state) ? kNames[state] : "TavThreadStateLast";
 }
 
+TavStateNode* newNode(TavStateRoutine routine, void* arg, TavStateTrap* trap) {
+    return new (std::nothrow) TavStateNode{routine, arg, trap, 0, nullptr, nullptr};
+}
+
+// All that follows requires the lock of the traps, up to create().
+
 void push(TavThread* thread, int state, TavStateNode* node) {
     std::atomic<TavStateNode*>& head = thread->traps[state];
     node->next = head.load(std::memory_order_relaxed);
-    while (!head.compare_exchange_weak(node->next, node, std::memory_order_release,
-                                       std::memory_order_relaxed)) {
-    }
+    if (node->next != nullptr) node->next->previous = node;
+    head.store(node, std::memory_order_release);
 }
 
-TavStateNode* newNode(TavStateRoutine routine, void* arg, TavStateTrap* trap) {
-    return new (std::nothrow) TavStateNode{{routine}, arg, nullptr, trap};
+/// Frees a disarmed node unless somebody is at it, who will then do it.
+void drop(TavThread* thread, int state, TavStateNode* node) {
+    if (node->routine != nullptr || node->visitors != 0) return;
+    if (node->next != nullptr) node->next->previous = node->previous;
+    if (node->previous != nullptr)
+        node->previous->next = node->next;
+    else
+        thread->traps[state].store(node->next, std::memory_order_relaxed);
+    delete node;
 }
 
-/// Requires: the lock of the traps is held.
 void disarm(TavStateTrap* trap) {
-    if (trap->node == nullptr) return;
-    trap->node->routine.store(nullptr, std::memory_order_relaxed);
-    trap->node->trap = nullptr;
+    TavStateNode* node = trap->node;
+    if (node == nullptr) return;
+    node->routine = nullptr;
+    node->trap = nullptr;
     trap->node = nullptr;
+    drop(trap->thread, trap->state, node);
 }
+
+/// A walk through a thread's callbacks, which holds the lock except while it runs one of them.
+class Walk {
+public:
+    Walk(TavThread* thread, int state) : m_thread(thread), m_iState(state), m_lock(g_traps) {
+        enter(thread->traps[state].load(std::memory_order_relaxed));
+    }
+    /// Also in a callback that ends the calling thread.
+    ~Walk() {
+        if (m_node == nullptr) return;
+        if (!m_lock.owns_lock()) m_lock.lock();
+        leave();
+    }
+    Walk(const Walk&) = delete;
+    Walk& operator=(const Walk&) = delete;
+
+    bool atEnd() const { return m_node == nullptr; }
+    void call() {
+        const TavStateRoutine routine = m_node->routine;
+        void* const arg = m_node->arg;
+        if (routine == nullptr) return;
+        m_lock.unlock();
+        tavContain([&] { routine(arg, m_thread, m_iState); });
+        m_lock.lock();
+    }
+    void next() { enter(leave()); }
+
+private:
+    void enter(TavStateNode* node) {
+        m_node = node;
+        if (node != nullptr) ++node->visitors;
+    }
+    TavStateNode* leave() {
+        TavStateNode* const next = m_node->next;
+        --m_node->visitors;
+        drop(m_thread, m_iState, m_node);
+        return next;
+    }
+
+    TavThread* m_thread;
+    int m_iState;
+    TavStateNode* m_node = nullptr;
+    std::unique_lock<TavThreadCriticalSection> m_lock;
+};
 
 int create(TavStateTrap** out, int state) {
     if (out == nullptr || !isState(state)) return TAVTHREAD_INVALID;
-    *out = new (std::nothrow) TavStateTrap{state, nullptr};
+    *out = new (std::nothrow) TavStateTrap{state, nullptr, nullptr};
     return *out != nullptr ? TAVTHREAD_OK : TAVTHREAD_NOMEM;
 }
 
@@ -65,11 +124,6 @@ void trace(TavStateTrap** out, const TavAttributes& attrs, va_list list) {
         tavThreadTraceOutput(traceObj, TavTraceSyntax,
                              "CREATE THREAD STATE TRAP %x FOR STATE %s%s;", tavTraceHex(*out),
                              state, TavAttributeText(kKind, TavAttributeText::Syntax, list).text());
-}
-
-void callRoutine(TavStateNode* node, TavThread* thread, int state) {
-    const TavStateRoutine routine = node->routine.load(std::memory_order_acquire);
-    if (routine != nullptr) tavContain([&] { routine(node->arg, thread, state); });
 }
 
 }  // namespace
@@ -118,8 +172,8 @@ void TavTransition::finish() {
     m_held = false;
     pthread_mutex_unlock(&m_thread.transition);
     if (m_iEntered < 0) return;
-    TavStateNode* node = m_thread.traps[m_iEntered].load(std::memory_order_acquire);
-    for (; node != nullptr; node = node->next) callRoutine(node, &m_thread, m_iEntered);
+    if (m_thread.traps[m_iEntered].load(std::memory_order_acquire) == nullptr) return;
+    for (Walk walk(&m_thread, m_iEntered); !walk.atEnd(); walk.next()) walk.call();
 }
 
 extern "C" {
@@ -129,6 +183,7 @@ int tavXThreadStateCallback(TavThread* thread, int state, TavStateRoutine routin
     if (routine == nullptr) return TAVTHREAD_OK;
     TavStateNode* node = newNode(routine, arg, nullptr);
     if (node == nullptr) return TAVTHREAD_NOMEM;
+    std::lock_guard<TavThreadCriticalSection> hold(g_traps);
     push(thread, state, node);
     return TAVTHREAD_OK;
 }
@@ -167,6 +222,7 @@ int tavXThreadStateTrapSet(TavStateTrap* trap, TavThread* thread, TavStateRoutin
     disarm(trap);
     if (node == nullptr) return TAVTHREAD_OK;
     trap->node = node;
+    trap->thread = thread;
     push(thread, trap->state, node);
     return TAVTHREAD_OK;
 }

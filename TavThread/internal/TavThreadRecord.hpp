@@ -13,12 +13,16 @@
 
 constexpr int kTavThreadStates = 5;
 
-/// One callback of a thread's state. Lists only grow; a record frees its nodes when it is freed.
+/// One callback of a thread's state, in a list whose links change under the lock of the traps only,
+/// which guards all its fields. Whoever calls callbacks does so without the lock, and marks the
+/// node that it is at: a disarmed node leaves its list when nobody is at it.
 struct TavStateNode {
-    std::atomic<TavStateRoutine> routine;  // null once its trap is disarmed
+    TavStateRoutine routine;  // null once its trap is disarmed
     void* arg;
+    TavStateTrap* trap;  // null without one
+    int visitors;        // threads that run the routine
     TavStateNode* next;
-    TavStateTrap* trap;  // guarded by the lock of the traps; null without one
+    TavStateNode* previous;  // null for the first
 };
 
 enum TavThreadFlags : unsigned {
@@ -40,7 +44,7 @@ struct TavThread {
     std::atomic<int> state{TavThreadStateInitial};
     std::atomic<int> reason{TavThreadExitNormal};
     std::atomic<void*> exitValue{nullptr};
-    std::atomic<TavStateNode*> traps[kTavThreadStates] = {};
+    std::atomic<TavStateNode*> traps[kTavThreadStates] = {};  // change under the traps' lock only
     void* (*routine)(void*) = nullptr;
     void* arg = nullptr;
     std::atomic<void*> traceObj{nullptr};

@@ -1,5 +1,6 @@
 #include "TavThread/TavStateTrap.h"
 
+#include <malloc.h>
 #include <sched.h>
 
 #include <atomic>
@@ -110,4 +111,36 @@ TEST(TavStateTrapTest, TrapsAreListedAndDisarmed) {
     EXPECT_EQ(nullptr, next);
     EXPECT_EQ(TAVTHREAD_OK, tavXThreadStateTrapDestroy(traps[2]));
     EXPECT_EQ(TAVTHREAD_OK, tavXThreadStateTrapDestroy(traps[0]));
+}
+
+TEST(TavStateTrapTest, TrapsThatComeAndGoLeaveNoMemoryBehind) {
+    Layer layer;
+    std::atomic<int> calls{0};
+    const TavStateRoutine destroyIt = [](void* arg, TavThread*, int) {
+        tavXThreadStateTrapDestroy(*static_cast<TavStateTrap**>(arg));
+    };
+    const TavStateRoutine count = [](void* arg, TavThread*, int) {
+        ++*static_cast<std::atomic<int>*>(arg);
+    };
+    TavStateTrap *trap = nullptr, *inside = nullptr;
+    const auto arm = [](TavStateTrap*& made, TavThread* of, TavStateRoutine routine, void* arg) {
+        return tavXThreadStateTrapCreate(&made, TavThreadStateCanceling, TavStateTrapAttrEnd) +
+               tavXThreadStateTrapSet(made, of, routine, arg);
+    };
+    Started thread([&]() -> void* { return nullptr; }, TavThreadAttrSuspended);
+    const std::size_t before = mallinfo2().uordblks;
+    for (int i = 0; i < 10000; ++i) {
+        ASSERT_EQ(TAVTHREAD_OK, arm(trap, thread, count, &calls));
+        ASSERT_EQ(TAVTHREAD_OK, tavXThreadStateTrapSet(trap, thread, count, &calls)) << "again";
+        ASSERT_EQ(TAVTHREAD_OK, tavXThreadStateTrapDestroy(trap));
+    }
+    if (!kSanitizer) {
+        EXPECT_LT(mallinfo2().uordblks, before + 10000);
+    }
+    tavXThreadStateCallback(thread, TavThreadStateCanceling, count, &calls);
+    EXPECT_EQ(TAVTHREAD_OK, arm(inside, thread, destroyIt, &inside));
+    ASSERT_TRUE(eventually([&] { return tavXThreadState(thread) == TavThreadStateSuspended; }));
+    tavXThreadCancel(thread);
+    thread.join();
+    EXPECT_EQ(1, calls) << "the walk goes on after a trap that destroyed itself";
 }
