@@ -196,12 +196,17 @@ int tavXThreadJoin(TavThread* thread, void** value) {
     TavJoinable joinable = TavJoinable::Yes;
     if (!thread->joinable.compare_exchange_strong(joinable, TavJoinable::Joined))
         return TAVTHREAD_ERROR;
+    // A join that fails, or whose caller is cancelled, leaves the thread to be joined.
+    struct Claim {
+        TavThread* thread;
+        ~Claim() {
+            if (thread != nullptr) thread->joinable.store(TavJoinable::Yes);
+        }
+    } claim{thread};
     void* result = nullptr;
     const int err = tavRetry([&] { return pthread_join(handle, &result); });
-    if (err != 0) {
-        thread->joinable.store(TavJoinable::Yes);
-        return tavThread_MapError(err);
-    }
+    if (err != 0) return tavThread_MapError(err);
+    claim.thread = nullptr;
     // Differs from what the thread stored if the routine ended by pthread_exit.
     thread->exitValue.store(result, std::memory_order_release);
     if (value != nullptr) *value = result;

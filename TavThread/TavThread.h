@@ -67,7 +67,7 @@ TAV_API int tavXThreadCreate(void* (*routine)(void*), void* arg, TavThread** out
 /// Gives the record back; a thread that still runs goes on, detached.
 /// @return TAVTHREAD_ERROR for the adopted record of another thread.
 TAV_API int tavXThreadDestroy(TavThread* thread);
-/// Waits for the thread's end, once.
+/// Waits for the thread's end, once. A caller that is cancelled meanwhile has not joined.
 /// @param thread  null is the caller.
 /// @param value   receives what the routine returned, null if it threw; may be null.
 /// @return TAVTHREAD_DEADLOCK for the caller itself and for adopted records, TAVTHREAD_ERROR for a

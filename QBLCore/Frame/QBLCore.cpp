@@ -11,6 +11,7 @@
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Threads/QBLThreadProcess.h"
+#include "QBLCore/Threads/internal/QBLNoCancel.hpp"
 #include "QBLCore/Utility/QBLHighResolutionTime.hpp"
 #include "i18n/cpp/i18n_pooledstring.hpp"
 
@@ -47,6 +48,7 @@ int storeVersion(unsigned* major, unsigned* minor) {
 // A failed start is deliberately lenient: the count stays raised for the caller's one stop, and
 // the later steps are still taken.
 int qblCoreInitialize() {
+    const QBLNoCancel noCancel;
     QBLThreadGuard guard(g_library.refCountLock);
     if (++g_library.refCount != 1) return 0;
     int result = 0;
@@ -64,6 +66,7 @@ int qblCoreInitialize() {
 }
 
 int qblCoreTerminate() {
+    const QBLNoCancel noCancel;
     QBLThreadGuard guard(g_library.refCountLock);
     if (g_library.refCount <= 0) return kNotStarted;
     if (--g_library.refCount > 0) return 0;

@@ -7,6 +7,7 @@
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/ThreadPools/QBLThreadExecuteRunnable.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
+#include "QBLCore/Threads/internal/QBLNoCancel.hpp"
 #include "TavThread/internal/TavContain.hpp"
 
 namespace {
@@ -47,6 +48,7 @@ QBLTaskGroup::QBLTaskGroup(QBLThreadExecuteRunnable& pool)
     : m_pool(pool), m_lock(0), m_iPending(0), m_pRefused(nullptr), m_bFailed(false) {}
 
 QBLTaskGroup::~QBLTaskGroup() {
+    const QBLNoCancel noCancel;
     QBLThreadGuard guard(m_lock);
     waitForAll();
 }

@@ -14,6 +14,7 @@
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Threads/QBLThreadKey.hpp"
+#include "QBLCore/Threads/internal/QBLNoCancel.hpp"
 #include "TavThread/TavThread.h"
 #include "TavThread/internal/TavContain.hpp"
 #include "TavThread/internal/TavThreadRecord.hpp"
@@ -59,16 +60,15 @@ QBLThread::QBLThread(QBLThreadRunnable* runnable, unsigned long stackSize)
 QBLThread::~QBLThread() {
     TavThread* thread = record();
     if (thread == nullptr) return;
-    try {
-        if (qblImmortal<CurrentThread>().get() == this) {
-            qblImmortal<CurrentThread>().set(
-                nullptr);  // execute() then knows that the object is gone
-        } else {
+    const QBLNoCancel noCancel;
+    // If that fails, the thread is lost; all that is left to do is to let go of its record.
+    tavContain([this] {
+        CurrentThread& current = qblImmortal<CurrentThread>();
+        if (current.get() == this)
+            current.set(nullptr);  // execute() then knows that the object is gone
+        else
             join();
-        }
-    } catch (...) {
-        // The thread is lost; letting go of its record is all that is left to do.
-    }
+    });
     tavXThreadDestroy(thread);
 }
 
@@ -110,6 +110,13 @@ void QBLThread::join() {
     if (tavXThreadAutopsy(thread) == TavThreadExitException) {
         QBL_THROW(QBLThreadResourceError(0, kThrew));
     }
+}
+
+void QBLThread::joinQuietly() noexcept {
+    TavThread* thread = record();
+    if (thread == nullptr || thread == tavThreadPeek()) return;
+    const QBLNoCancel noCancel;
+    tavContain([this] { join(); });
 }
 
 TavThread* QBLThread::record() const { return __atomic_load_n(&m_pThread, __ATOMIC_ACQUIRE); }

@@ -8,8 +8,9 @@ struct TavThread;
 
 /// A thread that runs a runnable, or its own run() in a class derived from it.
 ///
-/// The destructor waits for the thread. A derived class that overrides run() must join() in
-/// its own destructor: once that has ended, the thread would run on half an object.
+/// The destructor waits for the thread. A derived class that overrides run() calls joinQuietly()
+/// first thing in its own destructor: once that has ended, the thread would run on half an object.
+/// Its run() may end with `delete this`.
 ///
 /// Threads: start(), join() and the destructor belong to one owner; the other operations may
 /// be called by any thread, isAlive() not while the owner starts the thread anew.
@@ -24,7 +25,8 @@ public:
     explicit QBLThread(QBLThreadRunnable* runnable = nullptr, unsigned long stackSize = 0);
     QBLThread(const QBLThread&) = delete;
     QBLThread& operator=(const QBLThread&) = delete;
-    /// Joins a thread that still runs; on that thread itself, lets it go instead.
+    /// Joins a thread that still runs; on that thread itself, lets it go instead. The caller is
+    /// not cancelled meanwhile.
     ~QBLThread() override;
 
     /// Does nothing; for derived classes to override.
@@ -39,6 +41,9 @@ public:
     /// thread may be started again.
     /// @throws QBLThreadResourceError if called on the thread itself or on a lost one
     void join();
+    /// The same for destructors: throws nothing, puts a cancellation of the caller off, and returns
+    /// at once on the thread itself.
+    void joinQuietly() noexcept;
     /// @return false before start() and once the thread has ended.
     bool isAlive() const;
 

@@ -1,6 +1,7 @@
 #include "QBLCore/QBLCustodian/QBLCustodian.hpp"
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <functional>
 #include <mutex>
@@ -138,6 +139,32 @@ TEST_F(QBLCustodianTest, DeregistrationWaitsForThePass) {
     EXPECT_EQ(calls, slow.calls);
     EXPECT_FALSE(QBLCustodian::deRegisterTask(&slow));
     EXPECT_TRUE(QBLCustodian::deRegisterTask(&waiting));
+}
+
+TEST_F(QBLCustodianTest, AStopIsFinishedThoughItsThreadIsCancelled) {
+    Gate last, cancelled;
+    Task task([&](int terminating) {
+        if (terminating == 0) return 0;
+        last.open();
+        cancelled.wait();
+        return 0;
+    });
+    EXPECT_TRUE(QBLCustodian::registerTask(&task));
+    stopped = true;
+    int result = -1;
+    pthread_t handle{};
+    ASSERT_EQ(0, pthread_create(
+                     &handle, nullptr,
+                     [](void* to) -> void* {
+                         *static_cast<int*>(to) = qblCoreTerminate();
+                         return nullptr;
+                     },
+                     &result));
+    EXPECT_TRUE(last.wait());
+    pthread_cancel(handle);
+    cancelled.open();
+    pthread_join(handle, nullptr);
+    EXPECT_EQ(0, result);
 }
 
 TEST_F(QBLCustodianTest, TasksRegisterOthersButCannotWithdrawFromTheirPass) {

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <stdexcept>
 
 #include "QBLCore/Threads/QBLThreadInit.hpp"
@@ -156,6 +157,63 @@ TEST_F(QBLThreadTest, MayBeDestroyedByItsOwnRunnable) {
         thread->start();
         EXPECT_TRUE(gone.wait());
     }
+}
+
+TEST_F(QBLThreadTest, AClassMayDeleteItselfAtTheEndOfItsRun) {
+    class Own : public QBLThread {
+    public:
+        explicit Own(Gate& gone) : m_gone(gone) {}
+        ~Own() override {
+            joinQuietly();
+            m_gone.open();
+        }
+        void run() override { delete this; }
+
+    private:
+        Gate& m_gone;
+    };
+    Gate gone;
+    (new Own(gone))->start();
+    EXPECT_TRUE(gone.wait());
+}
+
+TEST_F(QBLThreadTest, ACancelledJoinEndsOutsideOfDestructorsOnlyAndCanBeRepeated) {
+    struct Round {
+        Gate joining, release;
+        std::atomic<bool> ran{false};
+        Job<std::function<void()>> job{[this] { ran = release.wait(); }};
+        QBLThread* thread = nullptr;
+
+        void* cancel(void* (*joiner)(void*)) {
+            pthread_t handle{};
+            EXPECT_EQ(0, pthread_create(&handle, nullptr, joiner, this));
+            EXPECT_TRUE(joining.wait());
+            pthread_cancel(handle);
+            if (thread == nullptr) release.open();
+            void* result = nullptr;
+            pthread_join(handle, &result);
+            return result;
+        }
+    } destructor, join;
+    destructor.cancel([](void* round) -> void* {
+        QBLThread thread(&static_cast<Round*>(round)->job);
+        thread.start();
+        static_cast<Round*>(round)->joining.open();
+        return nullptr;
+    });
+    EXPECT_TRUE(destructor.ran);
+
+    QBLThread thread(&join.job);
+    join.thread = &thread;
+    thread.start();
+    EXPECT_EQ(PTHREAD_CANCELED, join.cancel([](void* round) -> void* {
+        static_cast<Round*>(round)->joining.open();
+        static_cast<Round*>(round)->thread->join();
+        return nullptr;
+    }));
+    join.release.open();
+    thread.join();
+    EXPECT_TRUE(join.ran);
 }
 
 TEST(QBLThreadStoppedTest, CannotStartWithoutTheLibrary) {
