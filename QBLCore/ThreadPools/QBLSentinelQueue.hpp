@@ -2,6 +2,7 @@
 #define QBLCORE_THREADPOOLS_QBLSENTINELQUEUE_HPP
 
 #include <optional>
+#include <type_traits>
 
 #include "QBLCore/Frame/QBLList.hpp"
 #include "QBLCore/Frame/QBLThreadMonitor.hpp"
@@ -35,14 +36,18 @@ public:
 
     /// @param item  receives the item that was put first
     /// @return false when nothing came in time; item is then as it was.
+    /// @throws what copying an item throws; the queue is then as it was
     [[nodiscard]] bool get(T& item, unsigned long timeout) {
         if (!m_available.boundedWait(timeout)) return false;
         bool taken = false;
-        {
+        try {
             QBLThreadGuard guard(m_items);
             taken = !(*m_items).empty();
             item = taken ? (*m_items).front() : T();
             removeFront();
+        } catch (...) {
+            m_available.post();
+            throw;
         }
         if (taken && m_free) m_free->post();
         return true;
@@ -53,27 +58,44 @@ public:
     void wake() { m_available.post(); }
 
     /// Takes an item back that nobody has got yet.
-    /// @return false when it is not in the queue any more.
+    /// @return false when it is not in the queue any more, or a get() under way will take it.
     [[nodiscard]] bool withdraw(const T& item) {
-        if (!m_available.tryWait()) return false;
         {
             QBLThreadGuard guard(m_items);
-            for (auto it = (*m_items).begin(); it != (*m_items).end(); ++it) {
-                if (*it != item) continue;
-                (*m_items).erase(it);
-                if (m_free) m_free->post();
-                return true;
-            }
+            auto it = (*m_items).begin();
+            while (it != (*m_items).end() && *it != item) ++it;
+            // Without a count left, there are as many calls of get() under way as items.
+            if (it == (*m_items).end() || !m_available.tryWait()) return false;
+            (*m_items).erase(it);
         }
-        m_available.post();  // the count was for another's item
-        return false;
+        if (m_free) m_free->post();
+        return true;
+    }
+
+    /// put() in two steps, for callers that look at something between the two: waits for room,
+    /// which is then kept for the caller until putReserved() or release().
+    /// @return false when the queue stayed full.
+    [[nodiscard]] bool reserve(unsigned long timeout) {
+        return !m_free || m_free->boundedWait(timeout);
+    }
+    /// Puts an item into the room that reserve() has kept; on failure the room is given back.
+    /// @throws as put()
+    void putReserved(const T& item) { insertReserved(item, false); }
+    /// Gives the room back. Called without reserve(), it lets one waiting caller of reserve() or
+    /// put() go on, into a queue that may then hold one item more than its capacity.
+    void release() {
+        if (m_free) m_free->post();
     }
 
 private:
     static constexpr unsigned int kMostSpares = 64;
 
     bool add(T& item, unsigned long timeout, bool first) {
-        if (m_free && !m_free->boundedWait(timeout)) return false;
+        if (!reserve(timeout)) return false;
+        insertReserved(item, first);
+        return true;
+    }
+    void insertReserved(const T& item, bool first) {
         try {
             QBLThreadGuard guard(m_items);
             QBLList<T>& items = *m_items;
@@ -85,14 +107,16 @@ private:
                 throw;
             }
         } catch (...) {
-            if (m_free) m_free->post();
+            release();
             throw;
         }
-        return true;
     }
 
     // Items and their removal mostly reuse a node, so that no memory goes to and fro between the
-    // threads that put and those that get.
+    // threads that put and those that get. A kept node is emptied, which must not fail once its
+    // item has been copied.
+    static constexpr bool kKeepsNodes =
+        std::is_nothrow_default_constructible_v<T> && std::is_nothrow_move_assignable_v<T>;
     void insert(QBLListIterator<T> position, const T& item) QBL_REQUIRES(m_items) {
         if (m_spares.empty()) {
             (*m_items).insert(position, item);
@@ -102,7 +126,7 @@ private:
         }
     }
     void removeFront() QBL_REQUIRES(m_items) {
-        if (m_spares.size() == kMostSpares || (*m_items).empty()) {
+        if (!kKeepsNodes || m_spares.size() == kMostSpares || (*m_items).empty()) {
             (*m_items).pop_front();
         } else {
             T& kept = (*m_items).front();

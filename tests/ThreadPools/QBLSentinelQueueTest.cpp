@@ -1,0 +1,62 @@
+#include "QBLCore/ThreadPools/QBLSentinelQueue.hpp"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+namespace {
+
+/// A number whose copying fails when it is told to.
+struct Fragile {
+    Fragile() = default;
+    explicit Fragile(int n) : number(n) {}
+    Fragile(const Fragile& other) = default;
+    Fragile& operator=(const Fragile& other) {
+        if (s_failing) throw std::runtime_error("copy");
+        number = other.number;
+        return *this;
+    }
+    bool operator!=(const Fragile& other) const { return number != other.number; }
+
+    int number = 0;
+    static bool s_failing;
+};
+
+bool Fragile::s_failing = false;
+
+}  // namespace
+
+TEST(QBLSentinelQueueTest, AFailedCopyLosesNeitherTheItemNorItsPlace) {
+    QBLSentinelQueue<Fragile> queue(1);
+    Fragile item(1), got;
+    for (int round = 0; round < 3; ++round) {
+        ASSERT_TRUE(queue.put(item, 0)) << "there is room";
+        Fragile::s_failing = true;
+        EXPECT_THROW(static_cast<void>(queue.get(got, 0)), std::runtime_error);
+        Fragile::s_failing = false;
+        EXPECT_FALSE(queue.put(item, 0)) << "the item is there still";
+        ASSERT_TRUE(queue.get(got, 0));
+        EXPECT_EQ(1, got.number);
+        EXPECT_FALSE(queue.get(got, 0));
+    }
+}
+
+TEST(QBLSentinelQueueTest, ItemsAndRoomComeBackOnce) {
+    QBLSentinelQueue<Fragile> queue(2);
+    Fragile first(1), second(2), got;
+    ASSERT_TRUE(queue.reserve(0));
+    queue.putReserved(second);
+    ASSERT_TRUE(queue.putFirst(first, 0));
+    EXPECT_FALSE(queue.reserve(0));
+    EXPECT_TRUE(queue.withdraw(second));
+    EXPECT_FALSE(queue.withdraw(second));
+    ASSERT_TRUE(queue.reserve(0));
+    EXPECT_FALSE(queue.put(second, 0)) << "the room is kept";
+    queue.release();
+    EXPECT_TRUE(queue.put(second, 0));
+    for (const int expected : {1, 2}) {
+        ASSERT_TRUE(queue.get(got, 0));
+        EXPECT_EQ(expected, got.number);
+    }
+    EXPECT_FALSE(queue.get(got, 0));
+}
