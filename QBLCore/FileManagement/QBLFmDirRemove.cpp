@@ -104,24 +104,49 @@ private:
     int m_iError = 0;
 };
 
-bool isRemovable(const std::string& path) {
-    if (path.empty()) return qblFail(ENOENT);
-    if (path == "/") return qblFail(EBUSY);
+// A root, "." and ".." are refused twice, by guards that share nothing: if a mistake disarms one,
+// the other still keeps a whole disk from being emptied. The first guard looks at the text of the
+// path, before anything is opened.
+bool isPlainName(const std::string& path) {
     const std::size_t slash = path.rfind('/');
-    const bool dots = qblIsDots(path.c_str() + (slash != std::string::npos ? slash + 1 : 0));
-    return !dots || qblFail(EINVAL);
+    const char* const name = path.c_str() + (slash != std::string::npos ? slash + 1 : 0);
+    if (*name == '\0') return qblFail(path.empty() ? ENOENT : EBUSY);
+    return !qblIsDots(name) || qblFail(EINVAL);
+}
+
+/// Takes the last name off a path without a "/" at its end.
+std::string parentOf(std::string path) {
+    path.resize(path.find_last_of('/') + 1);
+    return path.empty() ? "." : path;
+}
+
+// The second guard asks the file system about the open directory. Above an ordinary one is the
+// directory that the rest of its path leads to. Above a root is the root itself; and above what
+// "." and ".." lead to is never the directory that the path has them in.
+bool isWherePathSays(const std::string& path, int fd) {
+    QBLFmStatus self, above, parent;
+    if (!self.get(fd) || !above.get(fd, "..", 0) || !parent.get(parentOf(path).c_str()))
+        return false;
+    if (above.isSameFile(self)) return qblFail(EBUSY);
+    return above.isSameFile(parent) || qblFail(EINVAL);
 }
 
 bool removeTree(std::string dir) {
     while (dir.size() > 1 && dir.back() == '/') dir.pop_back();  // it would follow a link
-    if (!isRemovable(dir)) return false;
+    if (!isPlainName(dir)) return false;
     const int fd = open64(dir.c_str(), kOpenFlags);
     if (fd >= 0) {
-        const int error = TreeRemoval(fd).run();
-        if (error != 0) return qblFail(error);
+        TreeRemoval tree(fd);
+        if (isWherePathSays(dir, fd)) {
+            const int error = tree.run();
+            if (error != 0) return qblFail(error);
+        } else if (errno != EACCES) {
+            return false;
+        }
     } else if (errno != EACCES) {
         return false;
     }
+    // One that may not be read, or not be searched, can go if it is empty.
     return rmdir(dir.c_str()) == 0;
 }
 
