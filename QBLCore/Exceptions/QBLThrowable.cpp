@@ -3,6 +3,7 @@
 #include <charconv>
 #include <memory>
 #include <new>
+#include <stdexcept>
 #include <string>
 
 #include "QBLCore/Exceptions/internal/QBLCopyString.hpp"
@@ -99,20 +100,24 @@ const char* QBLThrowable::toString() {
     const char* code = getErrorCodeString();
     const char* name = getThrowableName();
     std::string xml;
-    xml.append("<Exception Name=\"").append(name != nullptr ? name : kNoName);
-    xml.append("\" Error=\"").append(code != nullptr ? code : "0");
-    xml.append("\" Severity=\"").append(getSeverityName(severity)).append("\">");
-    if (messageText != nullptr) {
-        xml.append("<Messages><MessageText>").append(messageText);
-        xml.append("</MessageText></Messages>");
+    try {
+        xml.append("<Exception Name=\"").append(name != nullptr ? name : kNoName);
+        xml.append("\" Error=\"").append(code != nullptr ? code : "0");
+        xml.append("\" Severity=\"").append(getSeverityName(severity)).append("\">");
+        if (messageText != nullptr) {
+            xml.append("<Messages><MessageText>").append(messageText);
+            xml.append("</MessageText></Messages>");
+        }
+        if (!backTrace.empty()) {
+            xml.append("<TraceInfo>");
+            for (const char* entry : backTrace)
+                if (entry != nullptr) xml.append("<Trace Text=\"").append(entry).append("\"/>");
+            xml.append("</TraceInfo>");
+        }
+        xml.append("</Exception>");
+    } catch (const std::length_error&) {
+        throw std::bad_alloc();  // as for anything else that there is no room for
     }
-    if (!backTrace.empty()) {
-        xml.append("<TraceInfo>");
-        for (const char* entry : backTrace)
-            if (entry != nullptr) xml.append("<Trace Text=\"").append(entry).append("\"/>");
-        xml.append("</TraceInfo>");
-    }
-    xml.append("</Exception>");
     char* text = qblCopyString(std::string_view(xml));
     delete[] xmlText;
     xmlText = text;
@@ -147,9 +152,11 @@ void QBLThrowable::addBackTrace(const QBLFileLocation& where, const char* detail
                                       tagged ? tag : "",
                                       tagged ? ": " : "",
                                       detail != nullptr ? detail : ""};
-    std::size_t length = 0;
-    for (std::string_view part : parts) length += part.size();
-    std::unique_ptr<char[]> entry(new (std::nothrow) char[length + 1]);
+    // One text may be several of the parts, so that their sum need not fit the address space.
+    std::size_t size = 1;
+    for (std::string_view part : parts)
+        if (__builtin_add_overflow(size, part.size(), &size)) return;
+    std::unique_ptr<char[]> entry(new (std::nothrow) char[size]);
     if (entry == nullptr) return;
     char* out = entry.get();
     for (std::string_view part : parts) out += part.copy(out, part.size());
@@ -157,7 +164,7 @@ void QBLThrowable::addBackTrace(const QBLFileLocation& where, const char* detail
     try {
         backTrace.push_front(entry.get());
         entry.release();
-    } catch (const std::bad_alloc&) {
+    } catch (...) {
         // An error on its way is worth more than its trace.
     }
 }

@@ -1,8 +1,11 @@
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <climits>
+#include <cstring>
 #include <regex>
 #include <stdexcept>
 
@@ -84,6 +87,28 @@ TEST(QBLThrowableTest, EveryThrowAndRethrowLeavesAnEntryLatestFirst) {
             e.getBackTrace()[0], std::regex("tests/Exceptions/QBLThrowableTest.cpp\\(\\d+\\): .*")))
             << "paths are from the root of the tree, not " << e.getBackTrace()[0];
     }
+}
+
+TEST(QBLThrowableTest, DropsAnEntryLongerThanTheAddressSpace) {
+    if (sizeof(void*) > 4) GTEST_SKIP() << "no text is that long";
+    constexpr std::size_t kPiece = 16U << 20, kPieces = 90;  // 1.4 GiB, of the same memory
+    const int memory = memfd_create("text", MFD_CLOEXEC);
+    ASSERT_EQ(0, ftruncate(memory, kPiece));
+    const int flags = MAP_SHARED | MAP_FIXED, access = PROT_READ | PROT_WRITE;
+    void* const space =
+        mmap(nullptr, kPiece * kPieces, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (space == MAP_FAILED) GTEST_SKIP() << "no address space";
+    char* const text = static_cast<char*>(space);
+    for (std::size_t i = 0; i < kPieces - 1; ++i)
+        ASSERT_NE(MAP_FAILED, mmap(text + i * kPiece, kPiece, access, flags, memory, 0));
+    std::memset(text, 'x', kPiece);
+    ASSERT_NE(MAP_FAILED, mmap(text + (kPieces - 1) * kPiece, kPiece, access,
+                               MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED, -1, 0));
+    QBLError error(1, "e");
+    error.addBackTrace(QBLFileLocation(text, 1), text, text);
+    EXPECT_TRUE(error.getBackTrace().empty());
+    munmap(space, kPiece * kPieces);
+    close(memory);
 }
 
 TEST(QBLThrowableTest, AssertionsThrowTheirOwnStatement) {

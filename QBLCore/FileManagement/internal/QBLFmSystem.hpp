@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <new>
+#include <stdexcept>
 
 #include "QBLCore/FileManagement/internal/QBLFmNoCancel.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmStatus.hpp"
@@ -15,15 +16,18 @@
 /// A directory that the owner may read and write, as QBLFmDir::exists takes it.
 constexpr unsigned short kQblWritableDir = S_IFDIR | S_IRUSR | S_IWUSR;
 
-/// Runs an operation of which a failed allocation is a failure like others.
+/// Runs an operation of which a failed allocation is a failure like others, as is a path that is
+/// longer than any string.
 template <class Body>
 bool qblOrNoMemory(Body&& body) {
     try {
         return body();
     } catch (const std::bad_alloc&) {
         errno = ENOMEM;
-        return false;
+    } catch (const std::length_error&) {
+        errno = ENAMETOOLONG;
     }
+    return false;
 }
 
 /// Sets errno. @return false
