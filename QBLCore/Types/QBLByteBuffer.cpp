@@ -6,8 +6,9 @@
 #include <memory>
 #include <new>
 
-#include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
+#include "QBLCore/Frame/internal/QBLSurplus.hpp"
+#include "QBLCore/Types/internal/QBLByteBufferAlloc.hpp"
 #include "QBLCore/Types/internal/QBLByteBufferAssert.hpp"
 
 namespace {
@@ -32,9 +33,9 @@ std::uint64_t roundUp(unsigned int n, unsigned int block) {
 std::size_t arraySize(unsigned int limit) { return std::size_t{limit} + 1; }
 
 Array newArray(unsigned int limit) {
-    QBL_ALLOC_TRY
+    QBL_BUFFER_ALLOC_TRY
     return Array(new char[arraySize(limit)]);
-    QBL_ALLOC_CATCH
+    QBL_BUFFER_ALLOC_CATCH
 }
 
 /// Begins an array with the bytes given; the others become zero, as setLength() may show them.
@@ -201,7 +202,8 @@ char* QBLByteBuffer::grow(unsigned long long needed) {
 }
 
 // Takes a share more than there was where it can, so that small blocks, too, move each byte only a
-// few times. What is refused is halved: each array then takes at least half of the memory left.
+// few times. What is refused is halved: each array then takes at least half of the memory left. A
+// new-handler is called for the array that is needed, and for no larger one.
 char* QBLByteBuffer::replaceArray(unsigned int limit) {
     unsigned int surplus = m_iArrayLimit / (m_iArrayLimit < kLarge ? 2 : 8);
     unsigned int arrayLimit = limit;
@@ -210,6 +212,7 @@ char* QBLByteBuffer::replaceArray(unsigned int limit) {
         const std::uint64_t ample = std::min(std::uint64_t{m_iArrayLimit} + surplus, kMost);
         if (ample <= limit) break;
         arrayLimit = static_cast<unsigned int>(ample);
+        if (!qblMayTakeSurplus(arraySize(arrayLimit))) continue;
         array.reset(new (std::nothrow) char[arraySize(arrayLimit)]);
     }
     if (array == nullptr) array = newArray(arrayLimit = limit);

@@ -13,10 +13,13 @@
 /// It grows by whole blocks, or by one half. How far is settled, and shows in setLength();
 /// appending costs the same for each byte all the same, however small the blocks are: the array
 /// takes up to a half more than it had, from 64 MiB on up to an eighth. Where that is refused, it
-/// takes less, down to what is needed; a new-handler hears of each refusal.
+/// takes less, down to what is needed; only then is a new-handler called.
 ///
 /// Errors: QBLOutOfMemoryError, also for more than 4,294,967,294 bytes, whole blocks included (one
-/// half more is cut to that); QBLAssertError where said. The content is as it was after an error.
+/// half more is cut to that); QBLAssertError where said. If a replaced operator new throws anything
+/// else, a throwable is passed on with an entry in its trace, a std::exception becomes
+/// QBLStdExceptionError, and what is neither is passed on as it is. The content is as it was after
+/// an error.
 ///
 /// Threads: one at a time for each object.
 ///

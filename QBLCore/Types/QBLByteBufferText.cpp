@@ -8,8 +8,8 @@
 #include <memory>
 #include <type_traits>
 
-#include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Types/QBLByteBuffer.hpp"
+#include "QBLCore/Types/internal/QBLByteBufferAlloc.hpp"
 #include "QBLCore/Types/internal/QBLByteBufferAssert.hpp"
 #include "QBLCore/Types/internal/QBLCharacters.hpp"
 
@@ -110,9 +110,9 @@ int QBLByteBuffer::printf(const char* format, ...) {
     va_end(arguments);
     if (i >= static_cast<int>(kShortText)) {
         const std::size_t size = static_cast<std::size_t>(i) + 1;
-        QBL_ALLOC_TRY
+        QBL_BUFFER_ALLOC_TRY
         longText.reset(new char[size]);
-        QBL_ALLOC_CATCH
+        QBL_BUFFER_ALLOC_CATCH
         va_start(arguments, format);
         // It may have become longer: by %n, or by another thread's setlocale().
         i = std::min(i, std::vsnprintf(longText.get(), size, format, arguments));

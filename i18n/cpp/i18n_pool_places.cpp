@@ -10,6 +10,7 @@
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Frame/internal/QBLImmortal.hpp"
+#include "QBLCore/Frame/internal/QBLSurplus.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "i18n/cpp/internal/i18n_pool_entry.hpp"
@@ -109,6 +110,7 @@ private:
         void* memory = nullptr;
         for (;; blocks /= 2) {
             const std::size_t alignment = blocks * kBlock > kLargePage ? kLargePage : kBlock;
+            if (blocks > 1 && !qblMayTakeSurplus(blocks * kBlock)) continue;
             memory = ::operator new (blocks* kBlock, std::align_val_t{alignment}, std::nothrow);
             if (memory != nullptr) break;
             if (blocks == 1) throw std::bad_alloc();

@@ -1,12 +1,17 @@
 #include "QBLCore/Types/QBLByteBuffer.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include <climits>
+#include <fstream>
 #include <functional>
+#include <new>
 #include <string>
 
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
+#include "tests/support/Child.hpp"
 #include "tests/support/FaultInjection.hpp"
 #include "tests/support/ThrowChecks.hpp"
 
@@ -90,6 +95,47 @@ TEST(QBLByteBufferTest, IsAsBeforeWhereMemoryEnds) {
         QBL_EXPECT_THROW(tooMuch(), QBLOutOfMemoryError, nullptr);
     EXPECT_EQ("x", textOf(half));
 }
+
+TEST(QBLByteBufferTest, PassesOnWhatAReplacedOperatorNewThrows) {
+    const std::string text(600, 't');
+    QBLByteBuffer buffer(kHalf, 4);
+    buffer << "full";
+    for (const std::function<void()>& operation : std::initializer_list<std::function<void()>>{
+             [&] { buffer << text.c_str(); }, [&] { buffer = QBLByteBuffer(1000); },
+             [&] { buffer.printf("%s", text.c_str()); }, [&] { QBLByteBuffer copy(buffer); }}) {
+        for (long n = 0, left = 1; left != 0; ++n) {
+            fault::failAllocation(n, 42);
+            try {
+                operation();
+                left = 0;
+            } catch (int thrown) {
+                EXPECT_EQ(42, thrown);
+                EXPECT_EQ("full", textOf(buffer));
+            }
+            fault::failAllocation(-1);
+        }
+        buffer = QBLByteBuffer(kHalf, 4);
+        buffer << "full";
+    }
+}
+
+#ifndef __SANITIZE_ADDRESS__  // which ends where there is no memory
+TEST(QBLByteBufferTest, CallsNewHandlersOnlyForWhatIsNeeded) {
+    constexpr unsigned int kMiB = 1U << 20;
+    EXPECT_EQ(0, inChild([] {
+                  QBLByteBuffer buffer(24 * kMiB - 8, 8);
+                  buffer.setLength(24 * kMiB - 1);
+                  unsigned long pages = 0;
+                  std::ifstream("/proc/self/statm") >> pages;
+                  const rlim_t room = pages * 4096 + 30 * kMiB;
+                  const rlimit most = {room, room};
+                  setrlimit(RLIMIT_AS, &most);
+                  std::set_new_handler([] { _exit(9); });
+                  buffer << 'c';
+                  return buffer.pcount() == 24 * kMiB ? 0 : 1;
+              }));
+}
+#endif
 
 TEST(QBLByteBufferTest, SaysWhatItAsserts) {
     QBLByteBuffer buffer(kHalf);

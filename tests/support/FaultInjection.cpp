@@ -34,7 +34,18 @@ thread_local Plan t_allocation;
 thread_local Plan t_calls[fault::CallCount];
 
 void* allocate(std::size_t n) noexcept {
-    return t_allocation.due() ? nullptr : std::malloc(n != 0 ? n : 1);
+    for (;;) {
+        void* const p = t_allocation.due() ? nullptr : std::malloc(n != 0 ? n : 1);
+        const std::new_handler handler = p == nullptr ? std::get_new_handler() : nullptr;
+        if (handler == nullptr) return p;
+        handler();
+    }
+}
+
+void* allocateOrThrow(std::size_t n) {
+    if (void* p = allocate(n)) return p;
+    if (t_allocation.error != 0) throw t_allocation.error;
+    throw std::bad_alloc();
 }
 
 /// The function that the hook stands before. Filled in by hand: the first calls come while a
@@ -53,7 +64,7 @@ Function real(std::atomic<Function>& known, const char* name) {
 
 namespace fault {
 
-void failAllocation(long n) { t_allocation.set(n, 0); }
+void failAllocation(long n, int thrown) { t_allocation.set(n, thrown); }
 bool allocationFailed() { return t_allocation.failed; }
 void failCall(Call call, long n, int error) { t_calls[call].set(n, error); }
 bool callFailed(Call call) { return t_calls[call].failed; }
@@ -65,14 +76,8 @@ void reset() {
 
 }  // namespace fault
 
-void* operator new(std::size_t n) {
-    if (void* p = allocate(n)) return p;
-    throw std::bad_alloc();
-}
-void* operator new[](std::size_t n) {
-    if (void* p = allocate(n)) return p;
-    throw std::bad_alloc();
-}
+void* operator new(std::size_t n) { return allocateOrThrow(n); }
+void* operator new[](std::size_t n) { return allocateOrThrow(n); }
 void* operator new(std::size_t n, const std::nothrow_t&) noexcept { return allocate(n); }
 void* operator new[](std::size_t n, const std::nothrow_t&) noexcept { return allocate(n); }
 void* operator new(std::size_t n, std::align_val_t alignment, const std::nothrow_t&) noexcept {

@@ -19,7 +19,8 @@ enum Call {
 };
 
 /// The next allocation but n fails, once; a negative n switches this off.
-void failAllocation(long n);
+/// @param thrown  what a throwing operator new throws then; 0 means std::bad_alloc
+void failAllocation(long n, int thrown = 0);
 /// Whether that has happened since it was asked for.
 bool allocationFailed();
 

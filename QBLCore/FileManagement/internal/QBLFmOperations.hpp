@@ -8,10 +8,10 @@
 #include <climits>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <memory>
-#include <new>
 
 #include "QBLCore/FileManagement/QBLFmDescriptor.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmNoCancel.hpp"
@@ -57,7 +57,9 @@ struct QBLFmOperations {
         if (self.seek(0, File::end) < 0) return false;
         char small[1024];
         Size size = 65536;
-        const std::unique_ptr<char[]> large(new (std::nothrow) char[size]);
+        // Of malloc(), because nobody's new-handler need know: a small buffer does as well.
+        const std::unique_ptr<char, decltype(&std::free)> large(
+            static_cast<char*>(std::malloc(size)), &std::free);
         if (large == nullptr) size = sizeof small;
         return copy(self, other, large != nullptr ? large.get() : small, size, rest);
     }
