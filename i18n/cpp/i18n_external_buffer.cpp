@@ -18,8 +18,11 @@ char16_t unitAt(const void* text, int i) {
     return unit;
 }
 
+/// Text longer than this counts as this long: its size with a zero must fit an int.
+constexpr int kMostUnits = INT_MAX / 2 - 1;
+
 /// Units before the zero, at most so many.
-int unitsOf(const void* text, int most = INT_MAX) {
+int unitsOf(const void* text, int most = kMostUnits) {
     int length = 0;
     while (text != nullptr && length < most && unitAt(text, length) != 0) ++length;
     return length;

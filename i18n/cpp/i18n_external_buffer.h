@@ -9,7 +9,8 @@ extern "C" {
 
 /// Functions over UTF-16 text that ends with a zero unit, in the machine's byte order, at any
 /// address. Sizes are in bytes, lengths in code units. A target must have room for what it gets:
-/// nothing can be checked.
+/// nothing can be checked. Text beyond 1,073,741,822 units, whose size would not fit an int, is
+/// ignored.
 ///
 /// The error word, which may be null, receives 0, or -10 for a null pointer; nothing is done then.
 ///

@@ -3,6 +3,7 @@
 #include <unicode/ucnv_cb.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
@@ -68,8 +69,11 @@ I18NStreamBuffer::~I18NStreamBuffer() { std::free(m_pBytes); }
 
 void I18NStreamBuffer::reserve(std::size_t more) {
     if (m_iCapacity - m_iSize >= more) return;
-    const std::size_t capacity = std::max({m_iSize + more, m_iCapacity * 2, kLeastBuffer});
-    auto* bytes = capacity < m_iSize ? nullptr : std::realloc(m_pBytes, capacity);
+    std::size_t needed = 0;
+    const bool fits = !__builtin_add_overflow(m_iSize, more, &needed);
+    const std::size_t twice = m_iCapacity <= SIZE_MAX / 2 ? m_iCapacity * 2 : 0;
+    const std::size_t capacity = std::max({needed, twice, kLeastBuffer});
+    auto* bytes = fits ? std::realloc(m_pBytes, capacity) : nullptr;
     if (bytes == nullptr) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
     m_pBytes = static_cast<char*>(bytes);
     m_iCapacity = capacity;
