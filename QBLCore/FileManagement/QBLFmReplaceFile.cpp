@@ -1,21 +1,40 @@
 #include "QBLCore/FileManagement/QBLFmReplaceFile.hpp"
 
 #include <atomic>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <new>
 
+#include "QBLCore/FileManagement/internal/QBLFmAttributes.hpp"
+#include "QBLCore/FileManagement/internal/QBLFmResolve.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmSystem.hpp"
 
 namespace {
 
 constexpr int kAttempts = 500;
+constexpr unsigned short kModeOfANewFile = 0xFFFF;  // what open(2) has given it
 std::atomic<unsigned> g_counter{0};
 
 /// A name that no other version being written has. One that a crash has left may have it.
 std::string temporaryName() {
     return ".QBLFm" + std::to_string(getpid()) + "." + std::to_string(++g_counter);
+}
+
+struct Descriptor {
+    explicit Descriptor(int opened = -1) : fd(opened) {}
+    ~Descriptor() {
+        if (fd >= 0) qblCloseQuietly(fd);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    int fd;
+};
+
+/// Opens the old version for its attributes, in whatever way it may be.
+int openOld(int directory, const char* name) {
+    constexpr int kFlags = O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    const int fd = openat64(directory, name, O_RDONLY | kFlags);
+    return fd >= 0 || errno != EACCES ? fd : openat64(directory, name, O_WRONLY | kFlags);
 }
 
 void release(int& fd) {
@@ -31,7 +50,8 @@ QBLFmReplaceFile::QBLFmReplaceFile()
       m_iLastError(0),
       m_bBroken(false),
       m_bCommitted(false),
-      m_message() {}
+      m_message(),
+      m_uMode(kModeOfANewFile) {}
 
 QBLFmReplaceFile::~QBLFmReplaceFile() { discard(); }
 
@@ -60,6 +80,8 @@ bool QBLFmReplaceFile::open(const char* path) {
         failed(errno);
     } catch (const std::bad_alloc&) {
         failed(ENOMEM);
+    } catch (const std::length_error&) {
+        failed(ENAMETOOLONG);
     }
     const int error = m_iLastError;
     discard();
@@ -68,19 +90,7 @@ bool QBLFmReplaceFile::open(const char* path) {
 
 // Opens the directory and keeps it: the process may go to another one before it commits.
 bool QBLFmReplaceFile::locate(const char* path) {
-    const std::unique_ptr<char, decltype(&std::free)> real(realpath(path, nullptr), &std::free);
-    QBLFmStatus status;
-    if (real == nullptr) {
-        if (errno != ENOENT) return false;
-        if (status.get(AT_FDCWD, path, AT_SYMLINK_NOFOLLOW)) return qblFail(ENOENT);
-    }
-    std::string whole(real != nullptr ? real.get() : path);
-    const std::size_t slash = whole.rfind('/');
-    m_name = slash != std::string::npos ? whole.substr(slash + 1) : whole;
-    if (m_name.empty() || qblIsDots(m_name.c_str())) return qblFail(EISDIR);
-    whole.resize(slash != std::string::npos ? slash : 0);
-    if (slash == 0) whole = "/";
-    m_iDirectory = open64(whole.empty() ? "." : whole.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    m_iDirectory = qblOpenParent(path, m_name);
     return m_iDirectory >= 0;
 }
 
@@ -92,15 +102,17 @@ bool QBLFmReplaceFile::create() {
     if (replaces && faccessat(m_iDirectory, m_name.c_str(), W_OK, AT_EACCESS) != 0) return false;
     for (int i = 0; i < kAttempts && m_iFile < 0; ++i) {
         m_temporary = temporaryName();
-        // Nobody else may look into it before it has its owner.
+        // Nobody else may look into one that has to have the access rights of another.
         m_iFile = openat64(m_iDirectory, m_temporary.c_str(),
                            O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, replaces ? 0600 : 0666);
         if (m_iFile < 0) m_temporary.clear();
         if (m_iFile < 0 && errno != EEXIST) return false;
     }
+    m_uMode = kModeOfANewFile;
     return m_iFile >= 0 && (!replaces || keepOwnerAndMode(old.mode(), old.user(), old.group()));
 }
 
+// The mode itself comes with commit(): a write takes the set-id bits off.
 bool QBLFmReplaceFile::keepOwnerAndMode(unsigned mode, unsigned user, unsigned group) {
     QBLFmStatus status;
     if (!status.get(m_iFile)) return false;
@@ -111,9 +123,16 @@ bool QBLFmReplaceFile::keepOwnerAndMode(unsigned mode, unsigned user, unsigned g
         if (!status.get(m_iFile)) return false;
     }
     mode &= 07777;
+    const bool strangeGroup = status.group() != group;
     if (status.user() != user) mode &= ~static_cast<unsigned>(S_ISUID);
-    if (status.group() != group) mode = (mode & ~02070U) | (mode & (mode << 3) & 070U);
-    return fchmod(m_iFile, mode) == 0;
+    if (strangeGroup) mode &= ~static_cast<unsigned>(S_ISGID);
+    Descriptor old(openOld(m_iDirectory, m_name.c_str()));
+    QBLFmStatus opened;
+    if (old.fd < 0 || !opened.get(old.fd)) return false;
+    if (!opened.isRegular()) return qblFail(ESTALE);  // another has taken its name meanwhile
+    if (!qblCopyAttributes(old.fd, m_iFile, mode, strangeGroup)) return false;
+    m_uMode = static_cast<unsigned short>(mode);
+    return fchmod(m_iFile, 0600) == 0;
 }
 
 bool QBLFmReplaceFile::write(const void* data, unsigned long size) {
@@ -134,8 +153,13 @@ bool QBLFmReplaceFile::write(const void* data, unsigned long size) {
 
 bool QBLFmReplaceFile::commit() {
     if (!isOpen()) return failed(EBADF);
-    bool done = !m_bBroken && fsync(m_iFile) == 0;
-    if (m_bBroken) errno = m_iLastError;
+    bool done = !m_bBroken;
+    if (!done) errno = m_iLastError;
+    if (done && m_uMode != kModeOfANewFile) done = fchmod(m_iFile, m_uMode) == 0;
+    done = done && fsync(m_iFile) == 0;
+    // A directory that may not be read cannot be synchronised, but its file system can.
+    const Descriptor dir(openat64(m_iDirectory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const Descriptor kept(dir.fd < 0 ? fcntl(m_iFile, F_DUPFD_CLOEXEC, 3) : -1);
     if (done) {
         done = ::close(m_iFile) == 0;
         m_iFile = -1;
@@ -144,7 +168,7 @@ bool QBLFmReplaceFile::commit() {
     if (done) {
         m_bCommitted = true;
         m_temporary.clear();
-        done = fsync(m_iDirectory) == 0;
+        done = (dir.fd >= 0 ? fsync(dir.fd) : syncfs(kept.fd)) == 0;
     }
     if (!done) failed(errno);
     discard();

@@ -9,12 +9,16 @@
 /// file sees the old version or the new one, whole; so it is after a crash at any moment, which may
 /// only leave the unfinished version behind, under a name that begins with ".QBLFm".
 ///
-/// - The new version has the mode of the old one; without an old one, 0666 less the umask.
+/// - The new version has the mode of the old one, its access control list and its extended
+///   attributes, but for capabilities and signatures of its content; without an old one, 0666 less
+///   the umask. Until it is committed only its owner may look into it.
 /// - It has the old one's owner and group as far as the caller may give them. Where not, bits that
 ///   would run it as its owner or group are taken off, and a group of its own may do no more than
-///   everybody. Access control lists and other extended attributes are not kept.
+///   everybody. A list that cannot be kept leaves the group what it gave the group itself.
 /// - An old version that the caller may not write is not replaced.
-/// - A symbolic link stays, and what it leads to is replaced; one that leads nowhere is refused.
+/// - A symbolic link stays, and what it leads to is replaced; one that leads nowhere is refused. In
+///   a directory for everybody's files (mode 1777) a link on the way must belong to the caller or
+///   to the directory's owner, else it is refused with EACCES.
 /// - Other names of the file (hard links) keep the old version, as do programs that have it open.
 /// - Two replacements at a time do not mix; the later commit() is the one that stays.
 ///
@@ -66,7 +70,8 @@ private:
     int m_iLastError;
     bool m_bBroken;  // by a failed write
     bool m_bCommitted;
-    char m_message[64];  // for errors that the system has no fixed text for
+    char m_message[64];      // for errors that the system has no fixed text for
+    unsigned short m_uMode;  // of the new version once it is committed
 };
 
 #endif

@@ -1,7 +1,9 @@
 #include "QBLCore/FileManagement/QBLFmReplaceFile.hpp"
 
+#include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -18,6 +20,8 @@ bool replace(const std::string& path, const std::string& text) {
     QBLFmReplaceFile file;
     return file.open(path.c_str()) && file.write(text.data(), text.size()) && file.commit();
 }
+
+const char kList[] = "system.posix_acl_access";
 
 unsigned modeOf(const std::string& path) {
     struct stat status {};
@@ -112,14 +116,78 @@ TEST(QBLFmReplaceFileTest, KeepsToWhatItsUserMayDo) {
     TempTree tree;
     chmod(tree.root(), 0777);
     const std::string foreign = tree.file("foreign"), closed = tree.file("closed");
+    const std::string program = tree.file("program"), blind = tree.dir("blind");
+    for (const std::string& own : {program, blind}) chown(own.c_str(), 65534, 65534);
     chmod(foreign.c_str(), 06776);
     chmod(closed.c_str(), 0444);
+    chmod(program.c_str(), 06711);
+    chmod(blind.c_str(), 0333);
     const int status = inChild([&] {
-        if (setgid(65534) != 0 || setuid(65534) != 0) return 1;
-        return (replace(foreign, "x") ? 0 : 2) + (replace(closed, "x") ? 4 : 0);
+        if (setgroups(0, nullptr) != 0 || setgid(65534) != 0 || setuid(65534) != 0) return 1;
+        return (replace(foreign, "x") ? 0 : 2) + (replace(closed, "x") ? 4 : 0) +
+               (replace(program, "x") ? 0 : 8) + (replace(blind + "/f", "x") ? 0 : 16);
     });
     EXPECT_EQ(0, status);
     EXPECT_EQ(0766U, modeOf(foreign)) << "runs as nobody else, and a strange group gets no more";
+    EXPECT_EQ(06711U, modeOf(program));
+    EXPECT_EQ("x", tree.text("blind/f"));
+}
+
+TEST(QBLFmReplaceFileTest, KeepsAccessListsAndAttributes) {
+    TempTree tree;
+    // The owner and user 1 may read and write, the file's group and others nothing.
+    const std::string list(
+        "\2\0\0\0\1\0\6\0\xFF\xFF\xFF\xFF\2\0\6\0\1\0\0\0\4\0\0\0\xFF\xFF\xFF\xFF"
+        "\x10\0\6\0\xFF\xFF\xFF\xFF\x20\0\0\0\xFF\xFF\xFF\xFF",
+        44);
+    const auto attribute = [&tree](const char* file, const char* name) {
+        char value[100] = {};
+        const ssize_t n = getxattr(tree(file).c_str(), name, value, sizeof value);
+        return std::string(value, n > 0 ? static_cast<std::size_t>(n) : 0);
+    };
+    tree.file("plain");
+    chmod(tree("plain").c_str(), 0660);
+    const std::string listed = tree.file("listed");
+    if (setxattr(listed.c_str(), kList, list.data(), list.size(), 0) != 0 ||
+        setxattr(listed.c_str(), "user.note", "n", 1, 0) != 0 ||
+        setxattr(tree.root(), "system.posix_acl_default", list.data(), list.size(), 0) != 0)
+        GTEST_SKIP() << "the file system has no lists";
+    EXPECT_TRUE(replace(listed, "x") && replace(tree("plain"), "x"));
+    EXPECT_EQ(list, attribute("listed", kList));
+    EXPECT_EQ("n", attribute("listed", "user.note"));
+    EXPECT_EQ(0660U, modeOf(listed)) << "of the list's mask";
+    EXPECT_EQ("", attribute("plain", kList)) << "that user 1 could write it";
+    EXPECT_EQ(0660U, modeOf(tree("plain")));
+}
+
+TEST(QBLFmReplaceFileTest, FollowsNoLinksOfOthersWhereAllMakeFiles) {
+    if (geteuid() != 0) GTEST_SKIP() << "becomes another user";
+    TempTree tree;
+    chmod(tree.root(), 0755);
+    chmod(tree.dir("all").c_str(), 01777);
+    chown(tree("all").c_str(), 1, 1);
+    chown(tree.dir("own").c_str(), 65534, 65534);
+    const struct {
+        const char *link, *target, *path;
+        uid_t owner;
+        bool followed;
+    } table[] = {{"all/mine", "../own/a", "all/mine", 65534, true},
+                 {"all/dirs", "../own/a", "all/dirs", 1, true},
+                 {"all/other", "../own/a", "all/other", 2, false},
+                 {"all/way", "../own", "all/way/a", 2, false},
+                 {"own/on", "../all/other", "own/on", 65534, false},
+                 {"own/root", "a", "own/root", 0, true}};
+    chown(tree.file("own/a", "old").c_str(), 65534, 65534);
+    for (const auto& row : table) {
+        ASSERT_EQ(0, symlink(row.target, tree(row.link).c_str()));
+        lchown(tree(row.link).c_str(), row.owner, row.owner);
+        const int status = inChild([&] {
+            if (setgroups(0, nullptr) != 0 || setgid(65534) != 0 || setuid(65534) != 0) return -1;
+            QBLFmReplaceFile file;
+            return file.open(tree(row.path).c_str()) ? 0 : file.getLastErrorNumber();
+        });
+        EXPECT_EQ(row.followed ? 0 : EACCES, status) << row.link;
+    }
 }
 
 TEST(QBLFmReplaceFileTest, IsWholeWheneverItsWriterIsKilled) {

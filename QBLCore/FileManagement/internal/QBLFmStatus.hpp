@@ -20,6 +20,7 @@ public:
 
     unsigned mode() const { return m_status.stx_mode; }
     bool isDirectory() const { return S_ISDIR(m_status.stx_mode); }
+    bool isLink() const { return S_ISLNK(m_status.stx_mode); }
     bool isRegular() const { return S_ISREG(m_status.stx_mode); }
     std::uint64_t size() const { return m_status.stx_size; }
     unsigned user() const { return m_status.stx_uid; }

@@ -1,0 +1,109 @@
+#include "QBLCore/FileManagement/internal/QBLFmAttributes.hpp"
+
+#include <endian.h>
+#include <sys/xattr.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+namespace {
+
+const char kList[] = "system.posix_acl_access";
+constexpr std::size_t kListHeader = 4, kListEntry = 8;
+constexpr unsigned kOwnGroup = 0x04, kMask = 0x10, kOthers = 0x20;  // tags of a list's entries
+
+/// What vouches for a file's content, or lets it do more than its caller may.
+const std::string_view kOfTheContent[] = {"security.ima", "security.evm", "security.capability"};
+
+bool isMissing(int error) { return error == ENODATA || error == EOPNOTSUPP || error == ENOSYS; }
+
+/// Reads by a call that gives the size first. @return false with errno set
+template <class Call>
+bool readSized(std::string& out, Call&& call) {
+    for (;;) {
+        const ssize_t size = call(nullptr, 0);
+        if (size < 0) return false;
+        out.resize(static_cast<std::size_t>(size));
+        const ssize_t got = size != 0 ? call(&out[0], out.size()) : 0;
+        if (got < 0 && errno == ERANGE) continue;  // it has grown meanwhile
+        if (got >= 0) out.resize(static_cast<std::size_t>(got));
+        return got >= 0;
+    }
+}
+
+bool readAttribute(int fd, const char* name, std::string& value) {
+    return readSized(value, [=](char* to, std::size_t n) { return fgetxattr(fd, name, to, n); });
+}
+
+/// The entries of an access control list, as the kernel has them: a version, then for each entry a
+/// tag and permissions of 16 bits and an identity of 32 bits.
+class AccessList {
+public:
+    explicit AccessList(std::string& bytes) : m_bytes(bytes) {}
+
+    /// The permissions of the first entry with this tag. @return otherwise, if there is none
+    unsigned get(unsigned tag, unsigned otherwise) const {
+        const std::size_t at = find(tag);
+        return at != 0 ? number(at + 2) : otherwise;
+    }
+    void set(unsigned tag, unsigned permissions) {
+        const std::uint16_t value = htole16(static_cast<std::uint16_t>(permissions));
+        if (const std::size_t at = find(tag)) std::memcpy(&m_bytes[at + 2], &value, sizeof value);
+    }
+
+private:
+    unsigned number(std::size_t at) const {
+        std::uint16_t value;
+        std::memcpy(&value, &m_bytes[at], sizeof value);
+        return le16toh(value);
+    }
+    std::size_t find(unsigned tag) const {
+        for (std::size_t at = kListHeader; at + kListEntry <= m_bytes.size(); at += kListEntry)
+            if (number(at) == tag) return at;
+        return 0;
+    }
+
+    std::string& m_bytes;
+};
+
+bool copyList(int from, int to, unsigned& mode, bool strangeGroup) {
+    std::string bytes;
+    if (!readAttribute(from, kList, bytes)) {
+        if (!isMissing(errno)) return false;
+        if (strangeGroup) mode &= ~070U | mode << 3;
+        return fremovexattr(to, kList) == 0 || isMissing(errno);
+    }
+    AccessList list(bytes);
+    const unsigned own = list.get(kOwnGroup, 0) & (strangeGroup ? list.get(kOthers, 0) : 7U);
+    list.set(kOwnGroup, own);
+    if (fsetxattr(to, kList, bytes.data(), bytes.size(), 0) == 0) return true;
+    if (errno == ENOSPC || errno == EDQUOT || errno == EIO) return false;
+    mode = (mode & ~070U) | (own & list.get(kMask, 7)) << 3;
+    return true;
+}
+
+bool copyOthers(int from, int to) {
+    std::string names, value;
+    if (!readSized(names, [from](char* out, std::size_t n) { return flistxattr(from, out, n); }))
+        return isMissing(errno);
+    for (std::size_t at = 0; at < names.size();) {
+        const char* const name = &names[at];
+        at += std::strlen(name) + 1;
+        bool copied = std::strcmp(name, kList) == 0;  // or not to be
+        for (const std::string_view left : kOfTheContent) copied = copied || left == name;
+        if (copied || !readAttribute(from, name, value)) continue;
+        if (fsetxattr(to, name, value.data(), value.size(), 0) != 0 &&
+            (errno == ENOSPC || errno == EDQUOT || errno == EIO))
+            return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+bool qblCopyAttributes(int from, int to, unsigned& mode, bool strangeGroup) {
+    return copyList(from, to, mode, strangeGroup) && copyOthers(from, to);
+}

@@ -1,0 +1,91 @@
+#include "QBLCore/FileManagement/internal/QBLFmResolve.hpp"
+
+#include <climits>
+
+#include "QBLCore/FileManagement/internal/QBLFmSystem.hpp"
+
+namespace {
+
+constexpr int kMostLinks = 40;  // as the kernel has it
+constexpr int kOpenFlags = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+
+/// Walks a path name by name. Each name is looked up in the directory that is open, so that what is
+/// checked is what is followed.
+class PathWalk {
+public:
+    explicit PathWalk(const char* path) : m_rest(path) {}
+    ~PathWalk() { enter(-1); }
+    PathWalk(const PathWalk&) = delete;
+    PathWalk& operator=(const PathWalk&) = delete;
+
+    int run(std::string& name) {
+        if (!begin()) return -1;
+        for (;;) {
+            const std::string next = takeName();
+            const bool last = m_rest.find_first_not_of('/') == std::string::npos;
+            if (last && (next.empty() || qblIsDots(next.c_str()))) return failed(EISDIR);
+            QBLFmStatus status;
+            const bool there = status.get(m_fd, next.c_str(), AT_SYMLINK_NOFOLLOW);
+            if (!there && (errno != ENOENT || !last)) return -1;
+            if (there && status.isLink()) {
+                m_bByLink = m_bByLink || last;
+                if (!follow(next, status)) return -1;
+            } else if (!last) {
+                if (!enter(openat64(m_fd, next.c_str(), kOpenFlags))) return -1;
+            } else if (!m_rest.empty()) {
+                return failed(there && !status.isDirectory() ? ENOTDIR : EISDIR);
+            } else {
+                if (!there && m_bByLink) return failed(ENOENT);
+                name = next;
+                const int fd = m_fd;
+                m_fd = -1;
+                return fd;
+            }
+        }
+    }
+
+private:
+    static int failed(int error) {
+        errno = error;
+        return -1;
+    }
+    bool enter(int fd) {
+        if (m_fd >= 0) qblCloseQuietly(m_fd);
+        m_fd = fd;
+        return fd >= 0;
+    }
+    bool begin() {
+        const bool absolute = !m_rest.empty() && m_rest[0] == '/';
+        if (!absolute && m_fd >= 0) return true;  // a link's text counts from where the link is
+        return enter(open64(absolute ? "/" : ".", kOpenFlags));
+    }
+    std::string takeName() {
+        const std::size_t from = std::min(m_rest.find_first_not_of('/'), m_rest.size());
+        const std::size_t to = std::min(m_rest.find('/', from), m_rest.size());
+        std::string name = m_rest.substr(from, to - from);
+        m_rest.erase(0, to);
+        return name;
+    }
+    bool follow(const std::string& name, const QBLFmStatus& link) {
+        if (++m_iLinks > kMostLinks) return qblFail(ELOOP);
+        QBLFmStatus dir;
+        if (!dir.get(m_fd)) return false;
+        const bool anybodys = (dir.mode() & (S_ISVTX | S_IWOTH)) == (S_ISVTX | S_IWOTH);
+        if (anybodys && link.user() != geteuid() && link.user() != dir.user())
+            return qblFail(EACCES);
+        char text[PATH_MAX];
+        const ssize_t length = readlinkat(m_fd, name.c_str(), text, sizeof text);
+        if (length <= 0) return length < 0 ? false : qblFail(ENOENT);
+        m_rest.insert(0, text, static_cast<std::size_t>(length));
+        return begin();
+    }
+
+    std::string m_rest;  // of the path; begins with "/" unless it is at a name
+    int m_fd = -1;
+    int m_iLinks = 0;
+    bool m_bByLink = false;  // the last name of the path is a link
+};
+
+}  // namespace
+
+int qblOpenParent(const char* path, std::string& name) { return PathWalk(path).run(name); }
