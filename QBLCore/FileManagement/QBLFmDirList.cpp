@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
+#include "QBLCore/FileManagement/internal/QBLFmReadDir.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmSystem.hpp"
 
 namespace {
@@ -80,7 +81,13 @@ bool isDirectory(int fd, const dirent64& entry) {
 bool QBLFmDir::readDir(const char* path, std::list<std::string>* files, const char* filePattern,
                        std::list<std::string>* dirs, const char* dirPattern) {
     if (path == nullptr) return qblFail(EFAULT);
-    QBLFmOpenDir dir(open64(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    return qblReadDir(open64(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC), files, filePattern, dirs,
+                      dirPattern);
+}
+
+bool qblReadDir(int fd, std::list<std::string>* files, const char* filePattern,
+                std::list<std::string>* dirs, const char* dirPattern) {
+    QBLFmOpenDir dir(fd);
     if (!dir.isOpen()) return false;
     return qblOrNoMemory([&] {
         Collector fileNames(files, filePattern), dirNames(dirs, dirPattern);

@@ -1,9 +1,12 @@
 #include "QBLCore/FileManagement/QBLFmReplaceFile.hpp"
 
+#include <stdio.h>
+
 #include <atomic>
 #include <cstring>
 #include <new>
 
+#include "QBLCore/FileManagement/QBLFmDirectory.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmAttributes.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmResolve.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmSystem.hpp"
@@ -70,13 +73,13 @@ const char* QBLFmReplaceFile::getLastErrorMessage() {
     return strerror_r(m_iLastError, m_message, sizeof m_message);
 }
 
-bool QBLFmReplaceFile::open(const char* path) {
+template <class Locate>
+bool QBLFmReplaceFile::begin(Locate&& locate) {
     discard();
     m_iLastError = 0;
     m_bBroken = m_bCommitted = false;
     try {
-        if (path == nullptr || *path == '\0') return failed(path != nullptr ? ENOENT : EFAULT);
-        if (locate(path) && create()) return true;
+        if (locate() && create()) return true;
         failed(errno);
     } catch (const std::bad_alloc&) {
         failed(ENOMEM);
@@ -86,6 +89,22 @@ bool QBLFmReplaceFile::open(const char* path) {
     const int error = m_iLastError;
     discard();
     return failed(error);
+}
+
+bool QBLFmReplaceFile::open(const char* path) {
+    return begin([this, path] {
+        if (path == nullptr || *path == '\0') return qblFail(path != nullptr ? ENOENT : EFAULT);
+        return locate(path);
+    });
+}
+
+bool QBLFmReplaceFile::open(const QBLFmDirectory& directory, const char* name) {
+    return begin([&] {
+        if (!qblIsEntryName(name)) return false;
+        m_name = name;
+        m_iDirectory = fcntl(directory.getDescriptor(), F_DUPFD_CLOEXEC, 3);
+        return m_iDirectory >= 0;
+    });
 }
 
 // Opens the directory and keeps it: the process may go to another one before it commits.
@@ -151,12 +170,23 @@ bool QBLFmReplaceFile::write(const void* data, unsigned long size) {
     return true;
 }
 
-bool QBLFmReplaceFile::commit() {
+/// Gives the version its mode and brings it to the disk.
+bool QBLFmReplaceFile::settle() {
+    if (m_bBroken) return qblFail(m_iLastError);
+    if (m_uMode != kModeOfANewFile && fchmod(m_iFile, m_uMode) != 0) return false;
+    return fsync(m_iFile) == 0;
+}
+
+bool QBLFmReplaceFile::flush() {
     if (!isOpen()) return failed(EBADF);
-    bool done = !m_bBroken;
-    if (!done) errno = m_iLastError;
-    if (done && m_uMode != kModeOfANewFile) done = fchmod(m_iFile, m_uMode) == 0;
-    done = done && fsync(m_iFile) == 0;
+    return settle() || failed(errno);
+}
+
+/// @param rename  puts the version in its place and leaves the name of what is to be removed in
+///     m_temporary
+bool QBLFmReplaceFile::put(bool (QBLFmReplaceFile::*rename)(int), int old) {
+    if (!isOpen()) return failed(EBADF);
+    bool done = settle();
     // A directory that may not be read cannot be synchronised, but its file system can.
     const Descriptor dir(openat64(m_iDirectory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     const Descriptor kept(dir.fd < 0 ? fcntl(m_iFile, F_DUPFD_CLOEXEC, 3) : -1);
@@ -164,15 +194,91 @@ bool QBLFmReplaceFile::commit() {
         done = ::close(m_iFile) == 0;
         m_iFile = -1;
     }
-    if (done) done = renameat(m_iDirectory, m_temporary.c_str(), m_iDirectory, m_name.c_str()) == 0;
+    if (done) done = (this->*rename)(old);
     if (done) {
         m_bCommitted = true;
-        m_temporary.clear();
         done = (dir.fd >= 0 ? fsync(dir.fd) : syncfs(kept.fd)) == 0;
     }
     if (!done) failed(errno);
-    discard();
     return done;
+}
+
+bool QBLFmReplaceFile::renameNew(int) {
+    if (renameat(m_iDirectory, m_temporary.c_str(), m_iDirectory, m_name.c_str()) != 0)
+        return false;
+    m_temporary.clear();
+    return true;
+}
+
+bool QBLFmReplaceFile::commit() {
+    const bool done = put(&QBLFmReplaceFile::renameNew, -1);
+    const int error = m_iLastError;
+    discard();
+    return done || failed(error);
+}
+
+bool QBLFmReplaceFile::hasName(const char* name, int file) {
+    QBLFmStatus named, opened;
+    return named.get(m_iDirectory, name, AT_SYMLINK_NOFOLLOW) && opened.get(file) &&
+           (named.isSameFile(opened) || qblFail(ESTALE));
+}
+
+bool QBLFmReplaceFile::exchange(int old) {
+    if (!hasName(m_name.c_str(), old)) return false;
+    const auto swap = [this] {
+        return renameat2(m_iDirectory, m_temporary.c_str(), m_iDirectory, m_name.c_str(),
+                         RENAME_EXCHANGE) == 0;
+    };
+    if (!swap()) {
+        const bool isUnknown = errno == EINVAL || errno == ENOSYS || errno == EOPNOTSUPP;
+        return isUnknown && linkAndRename(old);
+    }
+    if (hasName(m_temporary.c_str(), old)) return true;
+    // Another file came between the two calls: it gets its name back, and is not to be removed.
+    const int error = errno;
+    if (!swap()) m_temporary.clear();
+    return qblFail(error);
+}
+
+/// Where names cannot be exchanged: another file that takes the name between the last look and the
+/// rename is lost.
+bool QBLFmReplaceFile::linkAndRename(int old) {
+    const std::string second = temporaryName();
+    const bool isLinked =
+        linkat(m_iDirectory, m_name.c_str(), m_iDirectory, second.c_str(), 0) == 0;
+    const bool done = hasName(isLinked ? second.c_str() : m_name.c_str(), old) && renameNew(-1);
+    if (done && isLinked)
+        m_temporary = second;
+    else if (isLinked)
+        unlinkat(m_iDirectory, second.c_str(), 0);
+    return done;
+}
+
+bool QBLFmReplaceFile::commitOver(int old) {
+    bool done = false;
+    try {
+        done = put(&QBLFmReplaceFile::exchange, old);
+    } catch (const std::bad_alloc&) {
+        failed(ENOMEM);
+    }
+    if (m_bCommitted) return done;
+    const int error = m_iLastError;
+    discard();
+    return failed(error);
+}
+
+bool QBLFmReplaceFile::keepReplaced(const char* name) {
+    if (!m_bCommitted || m_temporary.empty()) return failed(ENOENT);
+    if (!qblIsEntryName(name)) return failed(errno);
+    if (renameat2(m_iDirectory, m_temporary.c_str(), m_iDirectory, name, RENAME_NOREPLACE) != 0) {
+        const bool isUnknown = errno == EINVAL || errno == ENOSYS || errno == EOPNOTSUPP;
+        if (!isUnknown) return failed(errno);
+        if (linkat(m_iDirectory, m_temporary.c_str(), m_iDirectory, name, 0) != 0)
+            return failed(errno);
+        unlinkat(m_iDirectory, m_temporary.c_str(), 0);
+    }
+    m_temporary.clear();
+    return true;
 }
 
 void QBLFmReplaceFile::discard() {

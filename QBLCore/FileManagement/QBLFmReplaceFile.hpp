@@ -5,6 +5,8 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
+class QBLFmDirectory;
+
 /// Writes a new version of a file beside it and puts it in its place in one step. Whoever opens the
 /// file sees the old version or the new one, whole; so it is after a crash at any moment, which may
 /// only leave the unfinished version behind, under a name that begins with ".QBLFm".
@@ -39,6 +41,9 @@ public:
     /// Begins a new, empty version, discarding one that was begun. The file need not be there; its
     /// directory must, and must allow new files.
     [[nodiscard]] bool open(const char* path);
+    /// The same for a file in an open directory, which nobody can lead elsewhere; a link that has
+    /// the name is refused with EINVAL.
+    [[nodiscard]] bool open(const QBLFmDirectory& directory, const char* name);
     /// Appends to the new version.
     /// @return false unless all was written; the version is then good for discard() only.
     [[nodiscard]] bool write(const void* data, unsigned long size);
@@ -48,6 +53,21 @@ public:
     ///     system could not say whether the new name would survive a loss of power. isCommitted()
     ///     tells the two apart.
     [[nodiscard]] bool commit();
+    /// Waits until what was written so far is on the disk. commit() then takes less time between a
+    /// last look at the old version and its replacement.
+    [[nodiscard]] bool flush();
+    /// commit(), but in the place of one file and of no other: whoever has given its name to
+    /// another file in the meantime is not overwritten. Where the file system can exchange two
+    /// names, the old version has one all the time, and it stays in the directory until the object
+    /// is destroyed or used again: the caller can still look whether somebody has written to it,
+    /// and keep it.
+    /// @param old  a descriptor of the file that is to be replaced
+    /// @return false, with ESTALE, if another file has the name; else as commit()
+    [[nodiscard]] bool commitOver(int old);
+    /// After commitOver(): gives the replaced version a name in the directory of the file.
+    /// @return false, with EEXIST, if something has that name; with ENOENT if the replaced version
+    ///     has no name any more
+    [[nodiscard]] bool keepReplaced(const char* name);
     /// Whether the last version begun has taken the file's place.
     bool isCommitted() const;
     /// Removes the new version; nothing if there is none.
@@ -58,8 +78,16 @@ public:
     const char* getLastErrorMessage();
 
 private:
+    template <class Locate>
+    bool begin(Locate&& locate);
     bool failed(int error);
     bool locate(const char* path);
+    bool settle();
+    bool put(bool (QBLFmReplaceFile::*rename)(int), int old);
+    bool renameNew(int);
+    bool exchange(int old);
+    bool linkAndRename(int old);
+    bool hasName(const char* name, int file);
     bool create();
     bool keepOwnerAndMode(unsigned mode, unsigned user, unsigned group);
 

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstring>
 #include <new>
 #include <stdexcept>
 
@@ -38,6 +39,13 @@ inline bool qblFail(int error) {
 
 inline bool qblIsDots(const char* name) {
     return name[0] == '.' && (name[1] == '\0' || (name[1] == '.' && name[2] == '\0'));
+}
+
+/// Whether a text can name one entry of a directory. @return false with errno set
+inline bool qblIsEntryName(const char* name) {
+    if (name == nullptr) return qblFail(EFAULT);
+    const bool isEntry = *name != '\0' && !qblIsDots(name) && std::strchr(name, '/') == nullptr;
+    return isEntry || qblFail(EINVAL);
 }
 
 /// An open directory; closed by the destructor, which leaves errno alone.
