@@ -12,6 +12,7 @@ public:
     Child(const Child&) = delete;
     Child& operator=(const Child&) = delete;
 
+    int pid() const { return m_pid; }
     void kill(int signal) const;
     /// Waits for the end. @return the exit status, or minus the signal that ended it.
     int wait();

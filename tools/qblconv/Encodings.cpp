@@ -115,8 +115,9 @@ bool listEncodings(const std::string& pattern) {
         bool matches = false;
         const std::string letters = tools::lettersOf(pattern);
         for (int k = 1; const char* const name = I18NGetEncodingName(i, k); ++k) {
-            matches = matches || lower(name).find(lower(pattern)) != std::string::npos ||
-                      (!letters.empty() && tools::lettersOf(name).find(letters) != std::string::npos);
+            matches =
+                matches || lower(name).find(lower(pattern)) != std::string::npos ||
+                (!letters.empty() && tools::lettersOf(name).find(letters) != std::string::npos);
             if (usual != name) line.append(" ").append(name);
         }
         if (matches) lines.push_back(std::move(line));

@@ -1,11 +1,11 @@
 #include "tools/qblconv/Input.hpp"
 
 #include <fcntl.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <tuple>
 
 #include "QBLCore/FileLock/M_LockFile.hpp"
 #include "tools/qblconv/Interrupt.hpp"
@@ -17,59 +17,64 @@ namespace {
 constexpr int kAttempts = 100;
 constexpr int kLongestPause = 50;  // milliseconds between two attempts to lock
 
-// Without the time of the last change of these: a second name that the file gets changes that, too.
-auto version(const struct stat64& s) {
-    return std::make_tuple(s.st_dev, s.st_ino, s.st_size, s.st_mtim.tv_sec, s.st_mtim.tv_nsec,
-                           s.st_mode, s.st_uid, s.st_gid);
-}
-
 }  // namespace
-
-bool isSameVersion(const struct stat64& a, const struct stat64& b) {
-    return version(a) == version(b);
-}
 
 bool Input::failed(int error) {
     m_error = error;
     return false;
 }
 
-bool Input::open(const std::string& path, Origin origin, bool forWriting) {
-    m_path = path;
-    m_origin = origin;
+bool Input::open(const Item& item, bool forWriting) {
+    m_item = item;
     m_forWriting = forWriting;
     return openFile();
 }
 
+int Input::openByName(int flags) const {
+    const bool hasPlace = m_item.place != nullptr;
+    return hasPlace ? m_item.place->directory.openFile(m_item.leaf.c_str(), flags)
+                    : open64(m_item.path.c_str(), flags | O_CLOEXEC);
+}
+
+bool Input::lookAtName(FileStatus& status) const {
+    const bool hasPlace = m_item.place != nullptr;
+    return hasPlace ? status.get(m_item.place->directory.getDescriptor(), m_item.leaf.c_str(),
+                                 AT_SYMLINK_NOFOLLOW)
+                    : status.get(m_item.path.c_str());
+}
+
 bool Input::openFile() {
-    m_isAtEnd = m_isPassedOver = false;
+    close();
+    m_isAtEnd = false;
+    m_passedOver = PassedOver::kNot;
     m_isEmpty = true;
     m_error = 0;
-    const bool isStandard = m_path == "-";
+    const bool isFound = m_item.origin == Item::Origin::kFound;
     // Nor is the writer of a pipe waited for where no interrupt would end that.
-    int flags = O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
-    if (m_origin == Origin::kFoundInPlace) flags |= O_NOFOLLOW;
-    const bool isOpen =
-        isStandard ? m_file.open(QBLFmFile64::standardinput)
-                   : m_file.open(m_path.c_str(), static_cast<QBLFmFile64::createmode>(flags),
-                                 m_forWriting ? 0 : 1);
-    if (!isOpen) {
-        const int error = m_file.getLastErrorNumber();
-        // A link, or a socket or device without anything behind it.
-        m_isPassedOver =
-            (m_origin == Origin::kFoundInPlace && error == ELOOP) || (isFound() && error == ENXIO);
+    m_iFile = m_item.path == "-" && !isFound
+                  ? STDIN_FILENO
+                  : openByName((m_forWriting ? O_RDWR : O_RDONLY) | O_NOCTTY | O_NONBLOCK);
+    if (m_iFile < 0) {
+        const int error = errno;
+        FileStatus target;
+        if (isFound && error == ENXIO) m_passedOver = PassedOver::kNotRegular;
+        if (isFound && error == ELOOP)
+            m_passedOver =
+                target.get(m_item.place->directory.getDescriptor(), m_item.leaf.c_str(), 0)
+                    ? PassedOver::kLink
+                    : PassedOver::kBrokenLink;
         return failed(error);
     }
-    if (fstat64(descriptor(), &m_status) != 0) return failed(errno);
-    if (S_ISDIR(m_status.st_mode)) return failed(EISDIR);
-    m_isPassedOver = isFound() && !isRegular();
-    return !m_isPassedOver;
+    if (!m_status.get(m_iFile)) return failed(errno);
+    if (m_status.isDirectory()) return failed(EISDIR);
+    if (isFound && !isRegular()) m_passedOver = PassedOver::kNotRegular;
+    return m_passedOver == PassedOver::kNot;
 }
 
 /// @return an errno; 0 when it is locked
 int Input::lockFile(Options::Lock how, bool exclusive) {
     for (int pause = 1;; pause = std::min(2 * pause, kLongestPause)) {
-        if (M_LockFile(m_file.getFileDescriptor(), exclusive ? 0 : 1, 0) != 0) return 0;
+        if (M_LockFile(m_iFile, exclusive ? 0 : 1, 0) != 0) return 0;
         const int error = errno;
         const bool isInTheWay = error == EACCES || error == EAGAIN;
         if (how != Options::Lock::kWait || !isInTheWay || isInterrupted()) return error;
@@ -83,28 +88,38 @@ bool Input::lock(Options::Lock how, bool exclusive, Problem& problem) {
         const int error = lockFile(how, exclusive);
         if (error != 0) {
             problem = error == EACCES || error == EAGAIN
-                          ? Problem{CONV_LOCKED, {m_path}}
-                          : Problem{CONV_CANNOT_LOCK, {m_path, std::strerror(error)}};
+                          ? lockedBy(exclusive)
+                          : Problem{CONV_CANNOT_LOCK, {m_item.path, std::strerror(error)}};
             return false;
         }
-        struct stat64 now = {};
-        const bool isThere = stat64(m_path.c_str(), &now) == 0;
+        FileStatus now;
+        const bool isThere = lookAtName(now);
         // Read again: whoever had it may have written to it.
-        if (isThere && isSame(now)) return fstat64(descriptor(), &m_status) == 0;
+        if (isThere && now.isSameFile(m_status)) return m_status.get(m_iFile) || failed(errno);
         if (isThere && openFile()) continue;
-        problem = {CONV_CANNOT_READ, {m_path, std::strerror(isThere ? m_error : ENOENT)}};
+        problem = {CONV_CANNOT_READ, {m_item.path, std::strerror(isThere ? m_error : ENOENT)}};
         return false;
     }
-    problem = {CONV_LOCKED, {m_path}};
+    problem = {CONV_LOCKED, {m_item.path}};
     return false;
+}
+
+/// Who has the lock that is in the way, if it is there still.
+Problem Input::lockedBy(bool exclusive) const {
+    struct flock64 lock = {};
+    lock.l_type = exclusive ? F_WRLCK : F_RDLCK;
+    lock.l_whence = SEEK_SET;
+    const bool isKnown = fcntl(m_iFile, F_GETLK64, &lock) == 0 && lock.l_type != F_UNLCK;
+    if (!isKnown || lock.l_pid <= 0) return {CONV_LOCKED, {m_item.path}};
+    return {CONV_LOCKED_BY, {m_item.path, std::to_string(lock.l_pid)}};
 }
 
 int Input::read(char* block, unsigned size) {
     unsigned done = 0;
     while (done < size && !m_isAtEnd) {
-        const bool isReady = isRegular() || waitToRead(descriptor());
-        const int got = isReady ? m_file.read(block + done, size - done) : -1;
-        const int error = isReady ? m_file.getLastErrorNumber() : EINTR;
+        const bool isReady = isRegular() || waitToRead(m_iFile);
+        const ssize_t got = isReady ? ::read(m_iFile, block + done, size - done) : -1;
+        const int error = isReady ? errno : EINTR;
         if (got < 0 && (error == EINTR || error == EAGAIN) && !isInterrupted()) continue;
         if (got < 0) {
             m_error = error;
@@ -115,27 +130,29 @@ int Input::read(char* block, unsigned size) {
         // What others write is passed on as it comes.
         if (got > 0 && !isRegular()) break;
         // One call less for each small file; those of no size are the system's own.
-        m_isAtEnd = got == 0 || (isRegular() && m_status.st_size > 0 && done < size);
+        m_isAtEnd = got == 0 || (isRegular() && m_status.size() > 0 && done < size);
     }
     return static_cast<int>(done);
 }
 
-int Input::descriptor() const { return m_path == "-" ? 0 : m_file.getFileDescriptor(); }
-
 bool Input::rewind() {
     m_isAtEnd = false;
-    return m_file.seek(0, QBLFmFile64::begin) == 0 || failed(m_file.getLastErrorNumber());
+    return lseek64(m_iFile, 0, SEEK_SET) == 0 || failed(errno);
 }
 
-bool Input::hasChanged() {
-    struct stat64 now = {};
-    return stat64(m_path.c_str(), &now) != 0 || !isSameVersion(now, m_status);
+bool Input::hasChanged() const {
+    FileStatus now;
+    return !now.get(m_iFile) || !now.isSameVersion(m_status);
 }
 
-bool Input::isSame(const struct stat64& other) const {
-    return m_status.st_dev == other.st_dev && m_status.st_ino == other.st_ino;
+bool Input::isAnother() const {
+    FileStatus now;
+    return !lookAtName(now) || !now.isSameVersion(m_status);
 }
 
-void Input::close() { m_file.close(); }
+void Input::close() {
+    if (m_iFile > STDIN_FILENO) ::close(m_iFile);
+    m_iFile = -1;
+}
 
 }  // namespace conv

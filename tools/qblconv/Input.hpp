@@ -1,27 +1,52 @@
 #ifndef TOOLS_QBLCONV_INPUT_HPP
 #define TOOLS_QBLCONV_INPUT_HPP
 
-#include <sys/stat.h>
-
+#include <memory>
 #include <string>
 
-#include "QBLCore/FileManagement/QBLFmFile64.hpp"
+#include "QBLCore/FileManagement/QBLFmDirectory.hpp"
 #include "tools/qblconv/Options.hpp"
+#include "tools/qblconv/Status.hpp"
 
 namespace conv {
 
-/// A file that is read.
+/// An open directory that files come from, with those above it up to the operand.
+struct Place {
+    QBLFmDirectory directory;
+    std::string name;  // in the one above; that of an operand is its last part, or empty
+    unsigned mode = 0;
+    std::shared_ptr<const Place> above;  // null for an operand's directory
+};
+
+/// A file to be worked on.
+struct Item {
+    /// How a file came to be an input. Only one that was named, and is not to be replaced, is
+    /// waited for, as a pipe is.
+    enum class Origin { kNamed, kNamedInPlace, kFound };
+
+    std::string path;  // as it is shown; "-" for the standard input
+    std::string name;  // its path below the directory for outputs, as it is shown
+    Origin origin = Origin::kNamed;
+    std::shared_ptr<const Place> place;  // that it is in; null for one named and not replaced
+    std::string leaf;                    // its name there
+    int error = 0;  // of a directory or file that cannot be looked at, whose path it is then
+};
+
+/// A file that is read. One with a place is opened there by its name, and never by a link.
 ///
 /// Threads: one at a time for each object.
 class Input {
 public:
-    /// How a file came to be an input. Only one that was named, and is not to be replaced, is
-    /// waited for, as a pipe is; one found in a directory is passed over if it is not regular.
-    enum class Origin { kNamed, kNamedInPlace, kFound, kFoundInPlace };
+    /// Why a file that was found is passed over.
+    enum class PassedOver { kNot, kNotRegular, kLink, kBrokenLink };
 
-    /// @param path  "-" for the standard input
-    /// @return false if it cannot be read, or is passed over; isPassedOver() tells
-    bool open(const std::string& path, Origin origin, bool forWriting);
+    Input() = default;
+    ~Input() { close(); }
+    Input(const Input&) = delete;
+    Input& operator=(const Input&) = delete;
+
+    /// @return false if it cannot be read, or is passed over
+    bool open(const Item& item, bool forWriting);
     /// Locks the file against others, or with them. Waiting for it, it may have been replaced: the
     /// one that has the name in the end is locked.
     /// @return false, with problem, if that failed
@@ -30,40 +55,39 @@ public:
     int read(char* block, unsigned size);
     /// Goes back to the start.
     bool rewind();
-    /// Whether somebody has written to the file since it was opened or locked, or has put another
-    /// in its place.
-    bool hasChanged();
+    /// Whether somebody has written to the file since it was opened or locked.
+    bool hasChanged() const;
+    /// The same, or has put another in its place.
+    bool isAnother() const;
     void close();
 
-    bool isPassedOver() const { return m_isPassedOver; }
-    bool isRegular() const { return S_ISREG(m_status.st_mode); }
-    bool isSame(const struct stat64& other) const;
+    PassedOver passedOver() const { return m_passedOver; }
+    bool isRegular() const { return m_status.isRegular(); }
+    const FileStatus& status() const { return m_status; }
+    int descriptor() const { return m_iFile; }
     /// Whether nothing has been read so far.
     bool isEmpty() const { return m_isEmpty; }
     /// That an output of its own is to have; for what is not regular that of any new file.
-    unsigned mode() const { return isRegular() ? m_status.st_mode & 0777U : 0666U; }
+    unsigned mode() const { return isRegular() ? m_status.mode() & 0777U : 0666U; }
     int error() const { return m_error; }
 
 private:
     bool openFile();
+    int openByName(int flags) const;
+    bool lookAtName(FileStatus& status) const;
     int lockFile(Options::Lock how, bool exclusive);
-    int descriptor() const;
-    bool isFound() const { return m_origin >= Origin::kFound; }
+    Problem lockedBy(bool exclusive) const;
     bool failed(int error);
 
-    QBLFmFile64 m_file;
-    std::string m_path;
-    Origin m_origin = Origin::kNamed;
+    int m_iFile = -1;  // 0 only for the standard input, which is never closed
+    Item m_item;
     bool m_forWriting = false;
-    struct stat64 m_status = {};
-    bool m_isPassedOver = false;
+    FileStatus m_status = {};
+    PassedOver m_passedOver = PassedOver::kNot;
     bool m_isAtEnd = false;
     bool m_isEmpty = true;
     int m_error = 0;
 };
-
-/// Whether two looks at a file saw the same file, with the same contents, owner and mode.
-bool isSameVersion(const struct stat64& a, const struct stat64& b);
 
 }  // namespace conv
 

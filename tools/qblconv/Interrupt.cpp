@@ -20,7 +20,9 @@ void note(int signal) { g_signal = signal; }
 }  // namespace
 
 void catchInterrupts() {
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
+    // A write beyond the limit of the size of files fails with EFBIG then, and is reported.
+    std::signal(SIGXFSZ, SIG_IGN);
+    for (const int signal : {SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGPIPE}) {
         struct sigaction action = {};
         if (sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN) continue;
         action = {};

@@ -3,8 +3,8 @@
 
 namespace conv {
 
-/// Has SIGINT, SIGTERM, SIGHUP and SIGPIPE end the work at the next block, so that what is
-/// unfinished is removed.
+/// Has SIGINT, SIGQUIT, SIGTERM, SIGHUP and SIGPIPE end the work at the next block, so that what is
+/// unfinished is removed; ignores SIGXFSZ.
 void catchInterrupts();
 /// Any thread may ask.
 bool isInterrupted();

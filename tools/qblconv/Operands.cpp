@@ -1,12 +1,9 @@
 #include "tools/qblconv/Operands.hpp"
 
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
-#include <map>
-#include <memory>
+#include <fcntl.h>
 
-#include "QBLCore/FileManagement/QBLFmDir.hpp"
+#include <cerrno>
+#include <cstring>
 
 namespace conv {
 
@@ -25,22 +22,12 @@ std::string below(const std::string& directory, const std::string& name) {
     return directory.empty() || directory.back() == '/' ? directory + name : directory + "/" + name;
 }
 
-bool isSame(const struct stat64& a, const struct stat64& b) {
-    return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
-}
-
 bool endsWith(const std::string& name, const std::string& suffix) {
     return name.size() >= suffix.size() &&
            name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0;
 }
 
 }  // namespace
-
-std::string realPath(const std::string& path) {
-    const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr),
-                                                           &std::free);
-    return real != nullptr ? real.get() : path;
-}
 
 Operands::Operands(const Options& options)
     : m_options(options), m_isInPlace(options.mode == Mode::kInPlace) {}
@@ -52,13 +39,13 @@ bool Operands::check(Problem& problem) const {
             problem = {CONV_NOT_TOGETHER, {"-", m_isInPlace ? "-i" : "-d"}};
             return false;
         }
-        struct stat64 status = {};
-        if (!isStandardInput && stat64(operand.c_str(), &status) != 0 &&
-            (errno == ENOENT || errno == ENOTDIR)) {
+        FileStatus status;
+        const bool isThere = !isStandardInput && status.get(operand.c_str());
+        if (!isStandardInput && !isThere && (errno == ENOENT || errno == ENOTDIR)) {
             problem = {CONV_CANNOT_READ, {operand, std::strerror(errno)}};
             return false;
         }
-        if (S_ISDIR(status.st_mode) && !m_options.recurse) {
+        if (isThere && status.isDirectory() && !m_options.recurse) {
             problem = {CONV_IS_DIRECTORY, {operand}};
             return false;
         }
@@ -79,7 +66,9 @@ bool Operands::checkOutputs(Problem& problem) const {
             return false;
         }
         // Its files stand beside the outputs of the others.
-        if (operands.size() == 1 || (!name.empty() && !isOutputDirectory(operand))) continue;
+        FileStatus status;
+        const bool isOutput = status.get(operand.c_str()) && isOutputDirectory(status);
+        if (operands.size() == 1 || (!name.empty() && !isOutput)) continue;
         const std::string& other = &operand == &operands[0] ? operands[1] : operands[0];
         problem = {CONV_MIXED_OUTPUTS, {operand, other, m_options.directory}};
         return false;
@@ -90,11 +79,16 @@ bool Operands::checkOutputs(Problem& problem) const {
 /// Whether no original would be kept under the name of another operand.
 bool Operands::checkOriginals(Problem& problem) const {
     if (m_options.suffix.empty()) return true;
-    std::map<std::string, const std::string*> files;
-    for (const std::string& operand : m_options.operands)
-        files.emplace(realPath(operand), &operand);
-    for (const auto& [path, operand] : files) {
-        const auto found = files.find(path + m_options.suffix);
+    std::map<FileKey, const std::string*> files;
+    for (const std::string& operand : m_options.operands) {
+        QBLFmDirectory directory;
+        std::string leaf;
+        FileStatus status;
+        if (directory.openParent(operand.c_str(), leaf) && status.get(directory.getDescriptor()))
+            files.emplace(FileKey(status.identity(), leaf), &operand);
+    }
+    for (const auto& [file, operand] : files) {
+        const auto found = files.find({file.first, file.second + m_options.suffix});
         if (found == files.end()) continue;
         problem = {CONV_SAME_OUTPUT, {*operand, *found->second, *found->second}};
         return false;
@@ -106,7 +100,7 @@ bool Operands::isPassedOver(const std::string& file, const Level& level) const {
     if (file[0] == '.' && m_options.match.compare(0, 1, ".") != 0) return true;
     if (!m_isInPlace) return false;
     const bool isOriginal = !m_options.suffix.empty() && endsWith(file, m_options.suffix);
-    return isOriginal || isDone(below(level.real, file));
+    return isOriginal || m_doneFiles.count({level.identity, file}) != 0;
 }
 
 bool Operands::next(Item& item) {
@@ -116,10 +110,12 @@ bool Operands::next(Item& item) {
             const std::string file = std::move(level.files.front());
             level.files.pop_front();
             if (isPassedOver(file, level)) continue;
-            item.path = level.path + file;
-            item.name = below(level.name, file);
-            item.origin = m_isInPlace ? Input::Origin::kFoundInPlace : Input::Origin::kFound;
-            item.error = 0;
+            item = {level.path + file,
+                    below(level.name, file),
+                    Item::Origin::kFound,
+                    level.place,
+                    file,
+                    0};
             return true;
         }
         if (level.directories.empty()) {
@@ -128,13 +124,18 @@ bool Operands::next(Item& item) {
         }
         const std::string directory = std::move(level.directories.front());
         level.directories.pop_front();
+        if (directory[0] == '.') continue;
         const std::string path = level.path + directory;
-        struct stat64 status = {};
-        const bool isLink = lstat64(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
-        if (directory[0] == '.' || isLink || isOutputDirectory(path)) continue;
-        const std::string real = m_isInPlace ? below(level.real, directory) : std::string();
-        if (m_isInPlace && isDone(real)) continue;
-        if (!enter(path, below(level.name, directory), real, item)) return true;
+        auto place = std::make_shared<Place>();
+        place->name = directory;
+        place->above = level.place;
+        if (!place->directory.open(level.place->directory, directory.c_str())) {
+            // A link is passed over, here as when it has taken the directory's place since.
+            if (errno == ENOTDIR || errno == ELOOP) continue;
+            item = {path, directory, Item::Origin::kNamed, nullptr, {}, errno};
+            return true;
+        }
+        if (!enter(std::move(place), path, below(level.name, directory), item)) return true;
     }
     return nextOperand(item);
 }
@@ -142,56 +143,86 @@ bool Operands::next(Item& item) {
 bool Operands::nextOperand(Item& item) {
     while (m_iNext < m_options.operands.size()) {
         const std::string& operand = m_options.operands[m_iNext++];
-        std::string real;
-        if (m_isInPlace) {
-            real = realPath(operand);
-            if (isDone(real) || !m_done.insert(real).second) continue;
-        }
-        struct stat64 status = {};
+        FileStatus status;
         const bool isDirectory =
-            operand != "-" && stat64(operand.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
-        if (isDirectory) {
-            if (!enter(operand, lastPart(operand), real, item)) return true;
-            return next(item);
-        }
-        item = {operand, lastPart(operand),
-                m_isInPlace ? Input::Origin::kNamedInPlace : Input::Origin::kNamed, 0};
-        return true;
+            operand != "-" && status.get(operand.c_str()) && status.isDirectory();
+        if (isDirectory ? nextDirectory(operand, item) : nextFile(operand, item)) return true;
+        if (!m_levels.empty()) return next(item);
     }
     return false;
+}
+
+/// @return false if it is done already
+bool Operands::nextFile(const std::string& operand, Item& item) {
+    item = {operand, lastPart(operand), Item::Origin::kNamed, nullptr, {}, 0};
+    if (!m_isInPlace) return true;
+    item.origin = Item::Origin::kNamedInPlace;
+    auto place = std::make_shared<Place>();
+    FileStatus status;
+    if (!place->directory.openParent(operand.c_str(), item.leaf) ||
+        !status.get(place->directory.getDescriptor())) {
+        item.error = errno;
+        return true;
+    }
+    if (isBelowDone(place->directory) || !m_doneFiles.insert({status.identity(), item.leaf}).second)
+        return false;
+    item.place = std::move(place);
+    return true;
+}
+
+/// @return false if it is done already, or if m_levels has it now
+bool Operands::nextDirectory(const std::string& operand, Item& item) {
+    auto place = std::make_shared<Place>();
+    place->name = lastPart(operand);
+    if (!place->directory.open(operand.c_str())) {
+        item = {operand, place->name, Item::Origin::kNamed, nullptr, {}, errno};
+        return true;
+    }
+    if (m_isInPlace && isBelowDone(place->directory)) return false;
+    const std::string name = place->name;
+    return !enter(std::move(place), operand, name, item);
 }
 
 /// @return false, with an item that says why, if the directory cannot be read
-bool Operands::enter(const std::string& path, const std::string& name, const std::string& real,
+bool Operands::enter(std::shared_ptr<Place> place, const std::string& path, const std::string& name,
                      Item& item) {
-    Level level = {below(path, ""), name, real, {}, {}};
-    if (QBLFmDir::readDir(path.c_str(), &level.files, m_options.match.c_str(), &level.directories,
-                          nullptr)) {
-        m_levels.push_back(std::move(level));
-        return true;
+    FileStatus status;
+    Level level = {below(path, ""), name, nullptr, {}, {}, {}};
+    if (!status.get(place->directory.getDescriptor()) ||
+        !place->directory.readDir(&level.files, m_options.match.c_str(), &level.directories,
+                                  nullptr)) {
+        item = {path, name, Item::Origin::kNamed, nullptr, {}, errno};
+        return false;
     }
-    item = {path, name, Input::Origin::kNamed, errno};
-    return false;
+    if (place->above != nullptr && isOutputDirectory(status)) return true;
+    level.identity = status.identity();
+    if (m_isInPlace && m_doneDirectories.count(level.identity) != 0) return true;
+    if (m_isInPlace && place->above == nullptr) m_doneDirectories.insert(level.identity);
+    place->mode = status.mode();
+    level.place = std::move(place);
+    m_levels.push_back(std::move(level));
+    return true;
 }
 
 /// Whether an operand in front leads there, itself or as a directory above.
-bool Operands::isDone(const std::string& real) const {
-    // The one being gone through is the last operand: what it has is not done.
-    const std::string& current = m_levels.empty() ? std::string() : m_levels.front().real;
-    if (m_done.empty()) return false;
-    for (std::size_t end = real.size(); end != std::string::npos && end > 0;
-         end = real.rfind('/', end - 1)) {
-        const std::string above = real.substr(0, end);
-        if (above != current && m_done.count(above) != 0) return true;
+bool Operands::isBelowDone(const QBLFmDirectory& directory) const {
+    if (m_doneDirectories.empty()) return false;
+    FileStatus status, above;
+    std::string up = ".";
+    while (status.get(directory.getDescriptor(), up.c_str(), 0)) {
+        if (m_doneDirectories.count(status.identity()) != 0) return true;
+        up += "/..";
+        const bool isRoot =
+            !above.get(directory.getDescriptor(), up.c_str(), 0) || above.isSameFile(status);
+        if (isRoot) break;
     }
-    return m_done.count("/") != 0 && current != "/";
+    return false;
 }
 
-bool Operands::isOutputDirectory(const std::string& path) const {
-    struct stat64 output = {}, status = {};
-    return m_options.mode == Mode::kDirectory &&
-           stat64(m_options.directory.c_str(), &output) == 0 &&
-           stat64(path.c_str(), &status) == 0 && isSame(output, status);
+bool Operands::isOutputDirectory(const FileStatus& status) const {
+    FileStatus output;
+    return m_options.mode == Mode::kDirectory && output.get(m_options.directory.c_str()) &&
+           output.isSameFile(status);
 }
 
 }  // namespace conv

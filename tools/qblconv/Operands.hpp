@@ -1,11 +1,12 @@
 #ifndef TOOLS_QBLCONV_OPERANDS_HPP
 #define TOOLS_QBLCONV_OPERANDS_HPP
 
-#include <sys/stat.h>
-
 #include <list>
+#include <map>
+#include <memory>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tools/qblconv/Input.hpp"
@@ -13,21 +14,14 @@
 
 namespace conv {
 
-/// A file to be worked on.
-struct Item {
-    std::string path;
-    std::string name;  // its path below the directory for outputs
-    Input::Origin origin = Input::Origin::kNamed;
-    int error = 0;  // of a directory that cannot be read, whose path it is then
-};
-
 /// The files that the operands name, in their order, and those below directories: a directory's
 /// own files by name, then its directories. What is below is listed when it is come to, so that no
-/// more is kept than the names of the directories on the way.
+/// more is kept than the names of the directories on the way. Each directory is opened from the
+/// one above it, so that nobody who can write to the tree leads the tool out of it.
 ///
 /// - Hidden names in directories are passed over, unless the pattern for names begins with a dot;
-///   so is the directory for outputs, and links to directories. In place, links to files are too,
-///   and names with the suffix of originals that are kept.
+///   so is the directory for outputs, and links to directories. In place, names with the suffix of
+///   originals that are kept are too.
 /// - In place, what several operands lead to comes once.
 ///
 /// Threads: one at a time.
@@ -42,10 +36,14 @@ public:
     bool next(Item& item);
 
 private:
+    /// A file in place: its directory, and its name there.
+    using FileKey = std::pair<FileStatus::Identity, std::string>;
+
     struct Level {
         std::string path;  // with a slash at the end
-        std::string name;
-        std::string real;  // in place
+        std::string name;  // below the directory for outputs
+        std::shared_ptr<const Place> place;
+        FileStatus::Identity identity;
         std::list<std::string> files, directories;
     };
 
@@ -53,20 +51,21 @@ private:
     bool checkOriginals(Problem& problem) const;
     bool isPassedOver(const std::string& file, const Level& level) const;
     bool nextOperand(Item& item);
-    bool enter(const std::string& path, const std::string& name, const std::string& real,
+    bool nextFile(const std::string& operand, Item& item);
+    bool nextDirectory(const std::string& operand, Item& item);
+    bool enter(std::shared_ptr<Place> place, const std::string& path, const std::string& name,
                Item& item);
-    bool isDone(const std::string& real) const;
-    bool isOutputDirectory(const std::string& path) const;
+    bool isBelowDone(const QBLFmDirectory& directory) const;
+    bool isOutputDirectory(const FileStatus& status) const;
 
     const Options& m_options;
     const bool m_isInPlace;
     std::size_t m_iNext = 0;
     std::vector<Level> m_levels;
-    std::set<std::string> m_done;  // operands in place, by their real paths
+    // Operands in place that are done, or being gone through.
+    std::set<FileKey> m_doneFiles;
+    std::set<FileStatus::Identity> m_doneDirectories;
 };
-
-/// Without links, from the root. @return the path itself if nothing is there
-std::string realPath(const std::string& path);
 
 }  // namespace conv
 

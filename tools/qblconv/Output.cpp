@@ -7,8 +7,11 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <utility>
+#include <vector>
 
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
+#include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "tools/qblconv/Interrupt.hpp"
 
 namespace conv {
@@ -63,11 +66,23 @@ int DirectOutput::descriptor() const { return m_file.getFileDescriptor(); }
 
 bool ReplacingOutput::open(const std::string& path) { return m_file.open(path.c_str()); }
 
+bool ReplacingOutput::open(const QBLFmDirectory& directory, const std::string& name) {
+    return m_file.open(directory, name.c_str());
+}
+
 bool ReplacingOutput::write(const char* bytes, std::size_t size) {
     return m_file.write(bytes, static_cast<unsigned long>(size));
 }
 
 bool ReplacingOutput::commit() { return m_file.commit() || m_file.isCommitted(); }
+
+const QBLFmDirectory* OutputRoot::get() {
+    QBLThreadGuard guard(m_lock);
+    const bool isOpen =
+        m_directory.isOpen() ||
+        (QBLFmDir::createRecursiveDir((m_path + "/").c_str()) && m_directory.open(m_path.c_str()));
+    return isOpen ? &m_directory : nullptr;
+}
 
 NewOutput::~NewOutput() { discard(); }
 
@@ -76,80 +91,90 @@ bool NewOutput::failed(int error) {
     return false;
 }
 
-void NewOutput::begin(const std::string& directory, const std::string& name,
-                      const std::string& input, unsigned mode) {
+void NewOutput::begin(const Item& item, unsigned mode) {
     discard();
-    m_path = directory + "/" + name;
-    m_iBase = directory.size();
-    m_input = input;
+    m_place = item.place;
+    m_name = item.name.substr(item.name.rfind('/') + 1);
     m_iMode = mode;
 }
 
-/// Of so much of the path.
-bool NewOutput::createDirectories(std::size_t length) {
-    if (!QBLFmDir::createRecursiveDir(m_path.substr(0, m_iBase + 1).c_str())) return failed(errno);
-    for (std::size_t end = m_iBase; (end = m_path.find('/', end + 1)) < length;) {
-        // Behind it both paths are the same.
-        const std::string from = m_input.substr(0, m_input.size() - (m_path.size() - end));
-        struct stat64 status = {};
-        const unsigned mode =
-            stat64(from.c_str(), &status) == 0 ? (status.st_mode & 0777U) | S_IRWXU : 0777U;
-        if (mkdir(m_path.substr(0, end).c_str(), mode) != 0 && errno != EEXIST)
+/// Opens the directory that belongs to one of the inputs'.
+bool NewOutput::enter(const Place* place, QBLFmDirectory& directory) {
+    const QBLFmDirectory* const root = m_pRoot->get();
+    if (root == nullptr) return failed(errno);
+    std::vector<const Place*> way;
+    for (; place != nullptr; place = place->above.get())
+        if (!place->name.empty()) way.push_back(place);
+    const QBLFmDirectory* above = root;
+    for (auto next = way.rbegin(); next != way.rend(); ++next) {
+        QBLFmDirectory opened;
+        if (!opened.create(*above, (*next)->name.c_str(), ((*next)->mode & 0777U) | S_IRWXU))
             return failed(errno);
+        directory = std::move(opened);
+        above = &directory;
     }
     return true;
 }
 
-/// Nobody whom the mode shuts out has it open for a moment.
-bool NewOutput::createTemporary(const std::string& name) {
-    const int file =
-        open64(name.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, m_iMode | S_IRUSR | S_IWUSR);
-    if (file < 0) return failed(errno);
-    m_temporary = name;
-    ::close(file);
-    return m_file.open(name.c_str(), static_cast<QBLFmFile64::createmode>(O_CLOEXEC), 0) ||
-           failed(m_file.getLastErrorNumber());
+/// Requires: a file was begun there.
+const QBLFmDirectory& NewOutput::target() const {
+    return m_directory.isOpen() ? m_directory : *m_pRoot->get();
 }
 
 bool NewOutput::create() {
-    const std::string directory = m_path.substr(0, m_path.rfind('/') + 1);
-    if (directory != m_directory) {
-        if (!createDirectories(directory.size())) return false;
-        m_directory = directory;
+    if (!m_isOpened || m_opened != m_place) {
+        m_directory.close();
+        m_isOpened = enter(m_place.get(), m_directory);
+        if (!m_isOpened) return false;
+        m_opened = m_place;
     }
+    const QBLFmDirectory& directory = target();
     static const std::string process = kTemporary + std::to_string(getpid()) + ".";
-    for (int i = 0; i < kAttempts; ++i) {
-        std::string name = directory;
-        name.append(process).append(std::to_string(++g_counter));
-        if (createTemporary(name)) return true;
-        if (!m_temporary.empty() || m_error != EEXIST) break;
+    for (int i = 0; i < kAttempts && m_iFile < 0; ++i) {
+        m_temporary = process + std::to_string(++g_counter);
+        // Nobody whom the mode shuts out has it open for a moment.
+        m_iFile = directory.openFile(m_temporary.c_str(), O_CREAT | O_EXCL | O_WRONLY,
+                                     m_iMode | S_IRUSR | S_IWUSR);
+        if (m_iFile >= 0) return true;
+        m_temporary.clear();
+        if (errno != EEXIST) break;
     }
-    return false;
+    return failed(errno);
 }
 
 bool NewOutput::write(const char* bytes, std::size_t size) {
     if (m_temporary.empty() && !create()) return false;
-    const int error = writeAll(m_file, bytes, size);
-    return error == 0 || failed(error);
+    while (size > 0) {
+        const ssize_t put = ::write(m_iFile, bytes, std::min(size, kMostAtOnce));
+        if (put < 0 && errno == EINTR && !isInterrupted()) continue;
+        if (put < 0) return failed(errno);
+        bytes += put;
+        size -= static_cast<std::size_t>(put);
+    }
+    return true;
+}
+
+bool NewOutput::close() {
+    const int file = std::exchange(m_iFile, -1);
+    return file < 0 || ::close(file) == 0 || failed(errno);
 }
 
 bool NewOutput::commit() {
     if (m_temporary.empty() && !create()) return false;
     constexpr unsigned kNeeded = S_IRUSR | S_IWUSR;  // for the writing itself
-    struct stat64 status = {};
+    FileStatus status;
     const bool isLess = (m_iMode & kNeeded) != kNeeded;
-    if (isLess && (fstat64(m_file.getFileDescriptor(), &status) != 0 ||
-                   fchmod(m_file.getFileDescriptor(), status.st_mode & m_iMode) != 0))
+    if (isLess && (!status.get(m_iFile) || fchmod(m_iFile, status.mode() & m_iMode) != 0))
         return failed(errno);
-    if (!m_file.close()) return failed(m_file.getLastErrorNumber());
-    if (!QBLFmDir::renameFile(m_temporary.c_str(), m_path.c_str())) return failed(errno);
+    if (!close()) return false;
+    if (!target().rename(m_temporary.c_str(), m_name.c_str())) return failed(errno);
     m_temporary.clear();
     return true;
 }
 
 void NewOutput::discard() {
-    m_file.close();
-    if (!m_temporary.empty()) QBLFmDir::removeFile(m_temporary.c_str());
+    if (m_iFile >= 0) ::close(std::exchange(m_iFile, -1));
+    if (!m_temporary.empty()) target().remove(m_temporary.c_str());
     m_temporary.clear();
 }
 

@@ -2,10 +2,14 @@
 #define TOOLS_QBLCONV_OUTPUT_HPP
 
 #include <cstddef>
+#include <memory>
 #include <string>
+#include <utility>
 
 #include "QBLCore/FileManagement/QBLFmFile64.hpp"
 #include "QBLCore/FileManagement/QBLFmReplaceFile.hpp"
+#include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
+#include "tools/qblconv/Input.hpp"
 
 namespace conv {
 
@@ -48,26 +52,44 @@ private:
 class ReplacingOutput : public Output {
 public:
     bool open(const std::string& path);
+    bool open(const QBLFmDirectory& directory, const std::string& name);
     bool write(const char* bytes, std::size_t size) override;
     bool commit() override;
     int error() const override { return m_file.getLastErrorNumber(); }
+    QBLFmReplaceFile& file() { return m_file; }
 
 private:
     QBLFmReplaceFile m_file;
 };
 
+/// The directory that new files go into, for all workers. It is made when the first file comes.
+///
+/// Threads: any thread may call any operation.
+class OutputRoot {
+public:
+    explicit OutputRoot(std::string path) : m_path(std::move(path)) {}
+    /// @return null, with errno set, if it cannot be made or opened
+    const QBLFmDirectory* get();
+
+private:
+    const std::string m_path;
+    QBLThreadCriticalSection m_lock;
+    QBLFmDirectory m_directory;  // under the lock until it is open
+};
+
 /// A new file, under another name until it is whole. It takes the place of one that is there, of a
-/// link as well, and does not wait for the disk.
+/// link as well, and does not wait for the disk. The directories on the way to it are opened one
+/// from the other, and none by a link, so that nobody who can write to the tree for outputs leads
+/// them elsewhere.
 class NewOutput : public Output {
 public:
+    explicit NewOutput(OutputRoot* root) : m_pRoot(root) {}
     ~NewOutput() override;
     /// Names the next one; nothing is made before something is written or committed. Directories
     /// below the one for outputs get the modes of those that the input is in, as far as they are
     /// to be made, but can be written by their owner.
-    /// @param name  below the directory; the end of the input's path, if that has directories
     /// @param mode  of the file; as those of directories, less the umask
-    void begin(const std::string& directory, const std::string& name, const std::string& input,
-               unsigned mode);
+    void begin(const Item& item, unsigned mode);
     bool write(const char* bytes, std::size_t size) override;
     bool commit() override;
     int error() const override { return m_error; }
@@ -75,16 +97,20 @@ public:
 
 private:
     bool create();
-    bool createDirectories(std::size_t length);
-    bool createTemporary(const std::string& name);
+    bool enter(const Place* place, QBLFmDirectory& directory);
+    const QBLFmDirectory& target() const;
+    bool close();
     bool failed(int error);
 
-    QBLFmFile64 m_file;
-    std::string m_path, m_input;
-    std::size_t m_iBase = 0;  // how much of the path is the directory for outputs
+    OutputRoot* const m_pRoot;
+    int m_iFile = -1;
+    std::shared_ptr<const Place> m_place;  // that the input is in
+    std::string m_name;
     unsigned m_iMode = 0;
-    std::string m_temporary;  // empty while there is none
-    std::string m_directory;  // known to be there
+    std::string m_temporary;                // empty while there is none
+    std::shared_ptr<const Place> m_opened;  // whose directory for outputs is open
+    QBLFmDirectory m_directory;
+    bool m_isOpened = false;
     int m_error = 0;
 };
 

@@ -1,6 +1,5 @@
 #include "tools/qblconv/Run.hpp"
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -20,6 +19,7 @@
 #include "tools/common/Help.hpp"
 #include "tools/qblconv/Encodings.hpp"
 #include "tools/qblconv/Interrupt.hpp"
+#include "tools/qblconv/Join.hpp"
 #include "tools/qblconv/Operands.hpp"
 #include "tools/qblconv/Worker.hpp"
 
@@ -48,6 +48,7 @@ public:
         : m_options(options),
           m_catalogue(catalogue),
           m_operands(options),
+          m_root(options.directory),
           m_progress(isProgressWanted(options), catalogue, options.locales),
           m_report(reportFile(options), options.xml ? Report::Form::kXml : Report::Form::kText,
                    m_progress) {}
@@ -93,7 +94,7 @@ private:
             } catch (const QBLThreadResourceError&) {  // half of them may do
             }
         }
-        Worker worker(m_options, m_progress);
+        Worker worker(m_options, m_progress, &m_root);
         if (pool == nullptr) return work(worker);
         QBLTaskGroup group(*pool);
         for (unsigned i = 1; i < jobs; ++i) group.run([this] { help(); });
@@ -104,7 +105,7 @@ private:
     void help() {
         std::optional<Worker> worker;
         try {
-            worker.emplace(m_options, m_progress);
+            worker.emplace(m_options, m_progress, &m_root);
         } catch (const QBLOutOfMemoryError&) {
             return;  // the others do it all
         }
@@ -141,64 +142,42 @@ private:
     }
 
     void join() {
-        Worker worker(m_options, m_progress);
         tools::MessageText texts(m_catalogue, m_options.locales);
-        DirectOutput direct;
-        ReplacingOutput replacing;
-        struct stat64 status = {};
-        const bool isDirect =
-            m_options.output.empty() ||
-            (stat64(m_options.output.c_str(), &status) == 0 && !S_ISREG(status.st_mode));
-        Output* const output = isDirect ? static_cast<Output*>(&direct) : &replacing;
-        const std::string name =
-            m_options.output.empty() ? texts.text(CONV_STANDARD_OUTPUT) : shown(m_options.output);
-        const bool isOpen = !isDirect                  ? replacing.open(m_options.output)
-                            : m_options.output.empty() ? direct.open()
-                                                       : direct.open(m_options.output);
-        const std::string& mark = worker.mark();
-        bool isWell = isOpen && (mark.empty() || output->write(mark.data(), mark.size()));
         std::vector<std::string> inputs = m_options.operands;
         if (inputs.empty()) inputs.emplace_back("-");
-        const bool isInput =
-            !isDirect && std::any_of(inputs.begin(), inputs.end(), [&](auto& each) {
-                struct stat64 input = {};
-                return (each == "-" ? fstat64(STDIN_FILENO, &input)
-                                    : stat64(each.c_str(), &input)) == 0 &&
-                       input.st_dev == status.st_dev && input.st_ino == status.st_ino;
-            });
+        JoinedOutput joined(m_options.output, m_options.output.empty()
+                                                  ? texts.text(CONV_STANDARD_OUTPUT)
+                                                  : shown(m_options.output));
+        if (joined.open(inputs)) joinAll(inputs, joined, texts);
+        if (isInterrupted()) return;
+        FileReport report(m_report, m_iTaken++, texts);
+        joined.finish(m_report.hasFailures(), report);
+    }
+
+    void joinAll(const std::vector<std::string>& inputs, JoinedOutput& joined,
+                 tools::MessageText& texts) {
+        Worker worker(m_options, m_progress, nullptr);
+        Output& output = joined.output();
+        const std::string& mark = worker.mark();
+        if (!mark.empty() && !output.write(mark.data(), mark.size())) return;
         bool isFirst = true;
         for (const std::string& input : inputs) {
-            if (!isWell) break;
             if (isInterrupted()) return;
             FileReport report(m_report, m_iTaken, texts);
             guarded(input, report, [&] {
-                if (worker.join(input, isDirect ? &direct : nullptr, *output, name, isFirst,
-                                report))
+                if (worker.join(input, joined.direct(), output, joined.name(), isFirst, report))
                     isFirst = false;
             });
             ++m_iTaken;
-            if (output->error() != 0) isWell = false;
-        }
-        if (isInterrupted()) return;
-        FileReport report(m_report, m_iTaken++, texts);
-        struct stat64 now = {};
-        const bool isChanged =
-            isInput && (stat64(m_options.output.c_str(), &now) != 0 || !isSameVersion(now, status));
-        if (!isOpen) {
-            report.error(CONV_CANNOT_WRITE, {name, std::strerror(output->error())});
-        } else if (m_report.hasFailures() && !isDirect) {
-            report.error(CONV_NOT_WRITTEN, {name});
-        } else if (isChanged) {
-            report.error(CONV_CHANGED, {name});
-        } else if (isWell && !output->commit()) {
-            report.error(CONV_CANNOT_WRITE, {name, std::strerror(output->error())});
+            if (output.error() != 0) return;
         }
     }
 
     const Options& m_options;
     const std::string& m_catalogue;
     QBLThreadCriticalSection m_lock;
-    Operands m_operands;         // under the lock
+    Operands m_operands;  // under the lock
+    OutputRoot m_root;
     std::uint64_t m_iTaken = 0;  // also
     Progress m_progress;
     Report m_report;
@@ -223,9 +202,8 @@ bool check(const Options& options, Problem& problem) {
 
 /// Whether a path leads to what the standard output is, whose text so far would be replaced.
 bool isStandardOutput(const std::string& path) {
-    struct stat64 file = {}, standard = {};
-    return stat64(path.c_str(), &file) == 0 && fstat64(STDOUT_FILENO, &standard) == 0 &&
-           file.st_dev == standard.st_dev && file.st_ino == standard.st_ino;
+    FileStatus file, standard;
+    return file.get(path.c_str()) && standard.get(STDOUT_FILENO) && file.isSameFile(standard);
 }
 
 /// Says what is wrong with the command line, in the form of the report.

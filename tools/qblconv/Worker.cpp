@@ -1,11 +1,10 @@
 #include "tools/qblconv/Worker.hpp"
 
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstring>
 
 #include "tools/qblconv/Encodings.hpp"
+#include "tools/qblconv/InPlace.hpp"
 #include "tools/qblconv/Interrupt.hpp"
 
 namespace conv {
@@ -23,26 +22,16 @@ std::unique_ptr<I18NConverter> openKnown(const std::string& name, int input, int
     return converter;
 }
 
-/// Whether a sticky directory keeps a file from being replaced; a second name that it got there
-/// could not be taken away again either.
-bool isStuck(const std::string& path) {
-    struct stat64 file = {}, directory = {};
-    const uid_t user = geteuid();
-    return stat64(path.c_str(), &file) == 0 &&
-           stat64(path.substr(0, path.rfind('/') + 1).c_str(), &directory) == 0 &&
-           (directory.st_mode & S_ISVTX) != 0 && user != 0 && user != file.st_uid &&
-           user != directory.st_uid;
-}
-
 }  // namespace
 
-Worker::Worker(const Options& options, Progress& progress)
+Worker::Worker(const Options& options, Progress& progress, OutputRoot* root)
     : m_options(options),
       m_progress(progress),
       m_from(openKnown(options.from,
                        options.mode == Mode::kCheck ? I18N_SUBSTITUTE : options.inputPolicy,
                        I18N_STOP)),
-      m_block(kBlock) {
+      m_block(kBlock),
+      m_new(root) {
     const bool isCheck = options.mode == Mode::kCheck;
     const bool isUTF16 = I18NConverter::isUTF16(options.from.c_str());
     if (isUTF16 || I18NConverter::isUTF32(options.from.c_str())) {
@@ -91,9 +80,9 @@ bool Worker::open(const Item& item, Input& input, FileReport& report) {
     const bool isInPlace = m_options.mode == Mode::kInPlace;
     const bool isLocked = m_options.lock != Options::Lock::kNone;
     int error = item.error;
-    if (error == 0 && !input.open(item.path, item.origin, isInPlace && isLocked))
-        error = input.error();
-    if (input.isPassedOver() || isInterrupted()) return false;
+    if (error == 0 && !input.open(item, isInPlace && isLocked)) error = input.error();
+    if (input.passedOver() != Input::PassedOver::kNot) sayPassedOver(item, input, report);
+    if (input.passedOver() != Input::PassedOver::kNot || isInterrupted()) return false;
     if (error != 0) {
         // In place it is opened for writing, too.
         const bool isOurs = isInPlace && (error == EACCES || error == EROFS || error == ETXTBSY);
@@ -109,6 +98,13 @@ bool Worker::open(const Item& item, Input& input, FileReport& report) {
     if (input.lock(m_options.lock, isInPlace, problem)) return true;
     if (!isInterrupted()) report.error(problem.id, shown(problem.details));
     return false;
+}
+
+void Worker::sayPassedOver(const Item& item, const Input& input, FileReport& report) const {
+    if (input.passedOver() == Input::PassedOver::kBrokenLink && !m_options.quiet)
+        report.warning(CONV_BROKEN_LINK, {shown(item.path)});
+    if (input.passedOver() == Input::PassedOver::kLink && m_options.verbose)
+        report.information(CONV_PASSED_LINK, {shown(item.path)});
 }
 
 void Worker::check(const std::string& name, Input& input, FileReport& report) {
@@ -164,7 +160,7 @@ void Worker::convertInto(const Item& item, Input& input, FileReport& report) {
     const std::string outputName = shown(m_options.directory + "/" + item.name);
     const bool isKept = isToBeKept(input, name, report);
     if (report.hasFailed()) return;
-    m_new.begin(m_options.directory, item.name, item.path, input.mode());
+    m_new.begin(item, input.mode());
     const bool isFilled =
         isKept ? copyText(way(I18N_MARK_KEEP), input, name, m_new, outputName, report)
                : fill(input, name, m_new, outputName, report);
@@ -180,50 +176,20 @@ void Worker::convertInPlace(const Item& item, Input& input, FileReport& report) 
     const bool isKept = isToBeKept(input, name, report);
     if (isKept) sayDone(name, isKept, report);
     if (isKept || report.hasFailed()) return;
-    ReplacingOutput output;
-    if (!output.open(item.path))
-        return report.error(CONV_CANNOT_WRITE, {name, std::strerror(output.error())});
-    if (!fill(input, name, output, name, report)) return;
-    if (input.hasChanged()) return report.error(CONV_CHANGED, {name});
-    std::string kept;
-    if (!m_options.suffix.empty() && !keepOriginal(item.path, kept, report)) return;
-    if (output.commit()) return sayDone(name, isKept, report);
-    report.error(CONV_CANNOT_WRITE, {name, std::strerror(output.error())});
-    // Two names of one file would be changed together.
-    if (!kept.empty()) unlink(kept.c_str());
-}
-
-/// By a second name, so that the file has its first one all the time. What has that name already
-/// may be the only original there is.
-bool Worker::keepOriginal(const std::string& path, std::string& kept, FileReport& report) const {
-    const std::string original = realPath(path);
-    const std::string second = original + m_options.suffix;
-    if (isStuck(original)) {
-        report.error(CONV_CANNOT_WRITE, {shown(path), std::strerror(EPERM)});
-        return false;
-    }
-    if (link(original.c_str(), second.c_str()) == 0) {
-        kept = second;
-        return true;
-    }
-    const int error = errno;
-    struct stat64 one = {}, other = {};
-    if (error == EEXIST && stat64(original.c_str(), &one) == 0 &&
-        lstat64(second.c_str(), &other) == 0 && isSameVersion(one, other))
-        return true;
-    report.error(CONV_CANNOT_KEEP, {shown(path), shown(second), std::strerror(error)});
-    return false;
+    InPlace replacement(item, input, m_options.suffix, report);
+    if (!replacement.begin() || !fill(input, name, replacement.output(), name, report)) return;
+    if (replacement.finish()) sayDone(name, isKept, report);
 }
 
 bool Worker::join(const std::string& path, DirectOutput* direct, Output& output,
                   const std::string& outputName, bool isFirst, FileReport& report) {
-    const Item item = {path, {}, Input::Origin::kNamed, 0};
+    const Item item = {path, {}, Item::Origin::kNamed, nullptr, {}, 0};
     const std::string name = shown(path);
     Input input;
     if (!open(item, input, report)) return false;
-    struct stat64 status = {};
-    if (direct != nullptr && input.isRegular() && fstat64(direct->descriptor(), &status) == 0 &&
-        input.isSame(status)) {
+    FileStatus status;
+    if (direct != nullptr && input.isRegular() && status.get(direct->descriptor()) &&
+        input.status().isSameFile(status)) {
         report.error(CONV_IS_OUTPUT, {name});
         return false;
     }

@@ -19,7 +19,8 @@ namespace conv {
 class Worker {
 public:
     /// Requires: there are such encodings.
-    Worker(const Options& options, Progress& progress);
+    /// @param root  for outputs in a directory; null without one
+    Worker(const Options& options, Progress& progress, OutputRoot* root);
 
     /// Works on a file of those that have outputs of their own, or are checked.
     void work(const Item& item, FileReport& report);
@@ -36,9 +37,7 @@ private:
     void check(const std::string& name, Input& input, FileReport& report);
     void convertInto(const Item& item, Input& input, FileReport& report);
     void convertInPlace(const Item& item, Input& input, FileReport& report);
-    /// @param kept  receives the second name that the original has got
-    /// @return whether the original has its second name, by this or by a run that was broken off
-    bool keepOriginal(const std::string& path, std::string& kept, FileReport& report) const;
+    void sayPassedOver(const Item& item, const Input& input, FileReport& report) const;
     /// @return whether the output can be put in its place
     bool fill(Input& input, const std::string& name, Output& output, const std::string& outputName,
               FileReport& report);

@@ -63,6 +63,13 @@ enum qblconvmsgs {
     CONV_NOT_WRITTEN = 39,
     /// {1} how many
     CONV_REPLACED = 40,
+    /// {1} the name
+    CONV_CHANGED_LATE = 41,
+    CONV_CHANGED_LOST = 42,
+    /// {1} the number of the process
+    CONV_LOCKED_BY = 43,
+    CONV_PASSED_LINK = 44,
+    CONV_BROKEN_LINK = 45,
     CONV_DONE = 50,
     /// {1} encoding
     CONV_KEPT = 51,

@@ -25,6 +25,11 @@ public:
     std::uint64_t size() const { return m_status.stx_size; }
     unsigned user() const { return m_status.stx_uid; }
     unsigned group() const { return m_status.stx_gid; }
+    std::uint64_t inode() const { return m_status.stx_ino; }
+    unsigned major() const { return m_status.stx_dev_major; }
+    unsigned minor() const { return m_status.stx_dev_minor; }
+    std::int64_t modifiedSeconds() const { return m_status.stx_mtime.tv_sec; }
+    unsigned modifiedNanoseconds() const { return m_status.stx_mtime.tv_nsec; }
     bool isSameFile(const QBLFmStatus& other) const {
         return m_status.stx_ino == other.m_status.stx_ino &&
                m_status.stx_dev_major == other.m_status.stx_dev_major &&

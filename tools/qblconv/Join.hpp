@@ -1,0 +1,59 @@
+#ifndef TOOLS_QBLCONV_JOIN_HPP
+#define TOOLS_QBLCONV_JOIN_HPP
+
+#include <functional>
+#include <string>
+
+#include "tools/qblconv/Output.hpp"
+#include "tools/qblconv/Report.hpp"
+
+namespace conv {
+
+/// The one output that several inputs are joined in: the standard output, a file that is replaced
+/// as a whole, or a device or pipe. A file that is one of the inputs is replaced only if nobody
+/// else has written to it.
+///
+/// Threads: one at a time for each object.
+class JoinedOutput {
+public:
+    /// @param path  empty for the standard output
+    /// @param name  of the output, as it is shown
+    JoinedOutput(const std::string& path, std::string name)
+        : m_path(path), m_name(std::move(name)) {}
+    ~JoinedOutput();
+    JoinedOutput(const JoinedOutput&) = delete;
+    JoinedOutput& operator=(const JoinedOutput&) = delete;
+
+    /// @param inputs  the paths that are read
+    /// @return false if it cannot be written; finish() says why
+    bool open(const std::vector<std::string>& inputs);
+    Output& output() { return *m_pOutput; }
+    /// What is written straight through; null for a file that is replaced.
+    DirectOutput* direct() { return m_isDirect ? &m_direct : nullptr; }
+    const std::string& name() const { return m_name; }
+    /// Puts the output in its place, unless something failed, and says in the report what does now.
+    /// @param hasFailed  whether an input failed
+    void finish(bool hasFailed, FileReport& report);
+
+private:
+    bool isAnInput(const std::vector<std::string>& inputs) const;
+    bool openOld();
+    // The steps of finish() for a file that is replaced.
+    bool isUnchanged() const;
+    bool replace();
+    bool isUnchangedStill(FileReport& report);
+
+    const std::string& m_path;
+    const std::string m_name;
+    bool m_isDirect = false;
+    bool m_isOpen = false;
+    DirectOutput m_direct;
+    ReplacingOutput m_replacing;
+    Output* m_pOutput = nullptr;
+    int m_iOld = -1;  // the file that is replaced, if it is an input
+    FileStatus m_old = {};
+};
+
+}  // namespace conv
+
+#endif
