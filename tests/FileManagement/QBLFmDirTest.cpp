@@ -254,6 +254,12 @@ TEST(QBLFmDirTest, TakesAndGivesStrings) {
     I18NString cut(made);
     cut.append(L'\0').append(".txt");
     EXPECT_TRUE(!QBLFmDir::removeFile(cut) && errno == EILSEQ) << "another file's name";
+    for (const char16_t half : {u'\xD800', u'\xDC00'}) {
+        const I18NString lone(&half, 2);
+        EXPECT_TRUE(!QBLFmDir::exists(lone, S_IFDIR) && errno == EILSEQ);
+        EXPECT_TRUE(!file.open(lone, QBLFmFile64::existing, 0) &&
+                    file.getLastErrorNumber() == EILSEQ);
+    }
     I18NString emptied(L"\u00E9");
     QBLFmDir::joinPath(emptied.remove(), behind);
     EXPECT_EQ(behind, emptied);

@@ -70,6 +70,10 @@ TYPED_TEST(QBLFmFileTest, WritesReadsAppendsAndCuts) {
     EXPECT_TRUE(file.append(other)) << "itself, but for the first byte";
     EXPECT_TRUE(file.append(file)) << "from its end";
     EXPECT_EQ("abcdbcd", this->tree.text("f"));
+    EXPECT_EQ(4, file.seek(4, TypeParam::begin));
+    EXPECT_TRUE(file.append(file));
+    EXPECT_EQ("abcdbcdbcd", this->tree.text("f"));
+    EXPECT_EQ(10, file.seek(0, TypeParam::current));
     ASSERT_TRUE(other.open(path.c_str(), TypeParam::existing, 1));
     EXPECT_EQ(-1, other.write("x", 1));
     EXPECT_EQ(EBADF, other.getLastErrorNumber());

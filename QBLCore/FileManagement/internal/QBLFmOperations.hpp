@@ -51,9 +51,10 @@ struct QBLFmOperations {
     template <class File>
     static bool append(File& self, const QBLFmDescriptor& file, File& other,
                        const QBLFmDescriptor& source) {
-        std::int64_t rest = kAll;
-        if (file.isOpen() && source.isOpen() && !findRest(file, source, rest))
+        std::int64_t rest = kAll, from = kAll;
+        if (file.isOpen() && source.isOpen() && !findRest(file, source, rest, from))
             return failed(self, errno);
+        if (&self != &other) from = kAll;
         if (self.seek(0, File::end) < 0) return false;
         char small[1024];
         Size size = 65536;
@@ -61,7 +62,7 @@ struct QBLFmOperations {
         const std::unique_ptr<char, decltype(&std::free)> large(
             static_cast<char*>(std::malloc(size)), &std::free);
         if (large == nullptr) size = sizeof small;
-        return copy(self, other, large != nullptr ? large.get() : small, size, rest);
+        return copy(self, other, large != nullptr ? large.get() : small, size, rest, from);
     }
 
     template <class File>
@@ -167,29 +168,36 @@ private:
     }
 
     /// Finds out how much of the source to copy: all, but of a file appended to itself what is
-    /// there now, because it would never come to its end.
+    /// there now, because it would never come to its end. In that case, where to copy from too.
     static bool findRest(const QBLFmDescriptor& file, const QBLFmDescriptor& source,
-                         std::int64_t& rest) {
+                         std::int64_t& rest, std::int64_t& from) {
         QBLFmStatus a, b;
         if (!a.get(file.m_iDescriptor) || !b.get(source.m_iDescriptor)) return false;
         if (!a.isSameFile(b) || !a.isRegular()) return true;
-        const std::int64_t position = lseek64(source.m_iDescriptor, 0, SEEK_CUR);
-        rest = std::max<std::int64_t>(static_cast<std::int64_t>(a.size()) - position, 0);
+        from = lseek64(source.m_iDescriptor, 0, SEEK_CUR);
+        rest = std::max<std::int64_t>(static_cast<std::int64_t>(a.size()) - from, 0);
         return true;
     }
 
+    /// @param from  where the next part is, for an object that copies from itself and has one
+    ///     position for reading and writing; else kAll
     template <class File>
-    static bool copy(File& self, File& other, char* buffer, Size size, std::int64_t rest) {
+    static bool copy(File& self, File& other, char* buffer, Size size, std::int64_t rest,
+                     std::int64_t from) {
+        const bool own = from != kAll;
         while (rest != 0) {
+            if (own && self.seek(static_cast<Offset>(from), File::begin) < 0) return false;
             const Size wanted = static_cast<Size>(std::min<std::int64_t>(rest, size));
             errno = 0;
             const Count got = other.read(buffer, wanted);
-            if (got == 0) return true;
             if (got < 0) return failed(self, errno != 0 ? errno : EBADF);
+            if (own && self.seek(0, File::end) < 0) return false;
+            if (got == 0) return true;
             errno = 0;
             const Count put = self.write(buffer, static_cast<Size>(got));
             if (put != got) return failed(self, errno != 0 ? errno : ENOSPC);
             if (rest != kAll) rest -= got;
+            if (own) from += got;
         }
         return true;
     }

@@ -6,18 +6,37 @@
 
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/i18n_error_codes.h"
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/i18n_platform_encoding.h"
 #include "i18n/cpp/i18n_string.hpp"
+#include "i18n/cpp/internal/i18n_encodings.hpp"
+#include "i18n/cpp/internal/i18n_text_view.hpp"
+
+/// A path in an encoding. A substitution character would make it another file's.
+/// @param length  receives the bytes, the zero included
+/// @throws I18NRuntimeError -4 for a path with a character that the encoding lacks
+inline const char* qblPathBytes(const I18NString& path, const char* encoding, int& length) {
+    if (i18nIsUTF8(encoding)) {
+        const I18NTextView text(path);
+        const auto units = static_cast<std::size_t>(text.length());
+        if (text.ascii() == nullptr && i18nWellFormedUTF16(text.units(), units) != units)
+            QBL_THROW(I18NRuntimeError(I18N_CONVERSION, "A path has half a surrogate pair in it"));
+        return path.c_str(encoding, &length);
+    }
+    I18NConverter converter(encoding);
+    converter.setBuiltInUnconvertibleOutputSequenceCallback(I18N_STOP);
+    return path.c_str(converter, &length);
+}
 
 /// A path in the platform's encoding, as the system takes it; it is the string's until that
 /// changes.
-/// @throws I18NRuntimeError -4 for a path with a zero in it, of which the system would take the
-///     part before that for the whole
+/// @throws I18NRuntimeError -4 for a path that cannot be expressed, and for one with a zero in it,
+///     of which the system would take the part before that for the whole
 inline const char* qblPlatformPath(const I18NString& path) {
     int length = 0;
-    const char* bytes = path.c_str(I18NGetPlatformDefaultEncoding(), &length);
+    const char* bytes = qblPathBytes(path, I18NGetPlatformDefaultEncoding(), length);
     if (!path.empty() &&
         std::memchr(bytes, '\0', static_cast<std::size_t>(length)) != bytes + length - 1)
         QBL_THROW(I18NRuntimeError(I18N_CONVERSION, "A path has a zero in it"));
