@@ -93,13 +93,15 @@ public:
     static void setTempPath(const I18NString& path);
     /// The directory for temporary files: the one set, else what the first of TMP, tmp, TEMP and
     /// temp that is set in the environment names, else "/tmp", else "."; but for the first, only
-    /// a directory that its owner may read and write.
+    /// a directory that its owner may read and write. A program that runs with more rights than its
+    /// caller, as with a set-id bit, does not look at the environment.
     /// @return false, with an empty result, when there is none.
     static bool getTempPath(std::string& result);
     static bool getTempPath(I18NString& result);
     /// Makes a directory with a name that no other has: the prefix, the time in seconds, a counter
     /// and the suffix. Two calls, in whatever processes, never get the same directory; a name can
-    /// come again once its directory has been removed.
+    /// come again once its directory has been removed. Others may look into it as the umask lets
+    /// them.
     /// @param basePath  where; null means getTempPath()
     /// @param prefix  null or empty means "QBLFm"
     /// @param result  receives the path, or the last one tried when 500 were taken
@@ -114,6 +116,17 @@ public:
     static bool createTempFile(const char* basePath, const char* prefix, std::string& result);
     static bool createTempFile(const I18NString* basePath, const I18NString* prefix,
                                I18NString& result, const I18NString* suffix = nullptr);
+    /// The same for a directory or an empty file that only its owner may use (mode 0700 or 0600).
+    /// The name has a random number in place of the counter, so that nobody can foresee it and
+    /// take it beforehand. For texts that others must not read this is the form to use.
+    static bool createPrivateTempDir(const char* basePath, const char* prefix, std::string& result,
+                                     const char* suffix = nullptr);
+    static bool createPrivateTempDir(const I18NString* basePath, const I18NString* prefix,
+                                     I18NString& result, const I18NString* suffix = nullptr);
+    static bool createPrivateTempFile(const char* basePath, const char* prefix, std::string& result,
+                                      const char* suffix = nullptr);
+    static bool createPrivateTempFile(const I18NString* basePath, const I18NString* prefix,
+                                      I18NString& result, const I18NString* suffix = nullptr);
 };
 
 #endif

@@ -183,3 +183,13 @@ bool QBLFmDir::createTempFile(const I18NString* basePath, const I18NString* pref
                               I18NString& result, const I18NString* suffix) {
     return createTemp(&QBLFmDir::createTempFile, basePath, prefix, result, suffix);
 }
+
+bool QBLFmDir::createPrivateTempDir(const I18NString* basePath, const I18NString* prefix,
+                                    I18NString& result, const I18NString* suffix) {
+    return createTemp(&QBLFmDir::createPrivateTempDir, basePath, prefix, result, suffix);
+}
+
+bool QBLFmDir::createPrivateTempFile(const I18NString* basePath, const I18NString* prefix,
+                                     I18NString& result, const I18NString* suffix) {
+    return createTemp(&QBLFmDir::createPrivateTempFile, basePath, prefix, result, suffix);
+}

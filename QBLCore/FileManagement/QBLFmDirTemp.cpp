@@ -1,3 +1,5 @@
+#include <sys/random.h>
+
 #include <cstdlib>
 #include <ctime>
 
@@ -14,16 +16,23 @@ const char* const kVariables[] = {"TMP", "tmp", "TEMP", "temp"};
 
 struct TempDir : QBLFmSetting {};
 
-/// The first variable that is set; the next ones do not stand in for one that is of no use.
+/// The first variable that is set; the next ones do not stand in for one that is of no use. None in
+/// a program that runs with more rights than whoever started it and set the variables.
 const char* tempVariable() {
     for (const char* name : kVariables)
-        if (const char* value = std::getenv(name)) return value;
+        if (const char* value = secure_getenv(name)) return value;
     return nullptr;
 }
 
+/// How to make a directory or a file, and what distinguishes its name from earlier ones.
+struct Kind {
+    bool (*make)(const char* path);
+    unsigned long long (*number)(int attempt);
+};
+
 /// Tries names until one could be made, which nothing but its making can tell.
 bool createTemp(const char* basePath, const char* prefix, std::string& result, const char* suffix,
-                bool (*make)(const char*)) {
+                const Kind& kind) {
     std::string path;
     if (basePath == nullptr) {
         if (!QBLFmDir::getTempPath(path)) return false;
@@ -38,20 +47,35 @@ bool createTemp(const char* basePath, const char* prefix, std::string& result, c
     bool made = false;
     for (int counter = 0; counter < kAttempts && !made; ++counter) {
         path.resize(stem);
-        path += std::to_string(counter);
+        path += std::to_string(kind.number(counter));
         if (suffix != nullptr) path += suffix;
-        made = make(path.c_str());
+        made = kind.make(path.c_str());
     }
     result.swap(path);
     return made;
 }
 
-bool makeDir(const char* path) { return mkdir(path, 0777) == 0; }
+template <mode_t mode>
+bool makeDir(const char* path) {
+    return mkdir(path, mode) == 0;
+}
 
+template <mode_t mode>
 bool makeFile(const char* path) {
-    const int fd = open64(path, O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0666);
+    const int fd = open64(path, O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, mode);
     return fd >= 0 && ::close(fd) == 0;
 }
+
+unsigned long long counted(int attempt) { return static_cast<unsigned long long>(attempt); }
+
+unsigned long long random(int attempt) {
+    unsigned long long number = 0;
+    const ssize_t got = getrandom(&number, sizeof number, GRND_NONBLOCK);
+    return got == static_cast<ssize_t>(sizeof number) ? number : counted(attempt);
+}
+
+const Kind kDir = {&makeDir<0777>, &counted}, kFile = {&makeFile<0666>, &counted};
+const Kind kPrivateDir = {&makeDir<0700>, &random}, kPrivateFile = {&makeFile<0600>, &random};
 
 }  // namespace
 
@@ -80,7 +104,7 @@ bool QBLFmDir::getTempPath(std::string& result) {
 
 bool QBLFmDir::createTempDir(const char* basePath, const char* prefix, std::string& result,
                              const char* suffix) {
-    return qblOrNoMemory([&] { return createTemp(basePath, prefix, result, suffix, &makeDir); });
+    return qblOrNoMemory([&] { return createTemp(basePath, prefix, result, suffix, kDir); });
 }
 
 bool QBLFmDir::createTempDir(const char* basePath, const char* prefix, std::string& result) {
@@ -89,9 +113,20 @@ bool QBLFmDir::createTempDir(const char* basePath, const char* prefix, std::stri
 
 bool QBLFmDir::createTempFile(const char* basePath, const char* prefix, std::string& result,
                               const char* suffix) {
-    return qblOrNoMemory([&] { return createTemp(basePath, prefix, result, suffix, &makeFile); });
+    return qblOrNoMemory([&] { return createTemp(basePath, prefix, result, suffix, kFile); });
 }
 
 bool QBLFmDir::createTempFile(const char* basePath, const char* prefix, std::string& result) {
     return createTempFile(basePath, prefix, result, nullptr);
+}
+
+bool QBLFmDir::createPrivateTempDir(const char* basePath, const char* prefix, std::string& result,
+                                    const char* suffix) {
+    return qblOrNoMemory([&] { return createTemp(basePath, prefix, result, suffix, kPrivateDir); });
+}
+
+bool QBLFmDir::createPrivateTempFile(const char* basePath, const char* prefix, std::string& result,
+                                     const char* suffix) {
+    return qblOrNoMemory(
+        [&] { return createTemp(basePath, prefix, result, suffix, kPrivateFile); });
 }

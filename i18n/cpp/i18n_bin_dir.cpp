@@ -26,8 +26,9 @@ std::string joined(std::string base, const char* relative) {
     return base;
 }
 
+/// Empty in a program that runs with more rights than whoever started it and set the variables.
 std::string environment(const char* name) {
-    const char* value = std::getenv(name);
+    const char* value = secure_getenv(name);
     return value != nullptr ? value : "";
 }
 

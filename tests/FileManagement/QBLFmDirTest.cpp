@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sched.h>
+#include <sys/auxv.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -289,6 +290,45 @@ TEST(QBLFmDirTest, GivesEveryTemporaryNameOnce) {
     EXPECT_EQ(0U, path.find(tree("QBLFm")));
     EXPECT_FALSE(QBLFmDir::createTempDir(tree.root(), "no/such/dir", path)) << "after 500 attempts";
     EXPECT_EQ("499", path.substr(path.size() - 3));
+}
+
+TEST(QBLFmDirTest, MakesTemporaryNamesThatNobodyForesees) {
+    TempTree tree;
+    const mode_t mask = umask(0);
+    std::set<std::string> names;
+    for (int i = 0; i < 4; ++i) {
+        std::string path;
+        EXPECT_TRUE(i % 2 == 0 ? QBLFmDir::createPrivateTempDir(tree.root(), "t", path)
+                               : QBLFmDir::createPrivateTempFile(tree.root(), "t", path, ".x"));
+        QBLFmStatus status;
+        ASSERT_TRUE(status.get(path.c_str()));
+        EXPECT_EQ(i % 2 == 0 ? S_IFDIR | 0700U : S_IFREG | 0600U, status.mode());
+        EXPECT_TRUE(names.insert(path.substr(path.size() - 6)).second) << "no counter";
+    }
+    umask(mask);
+}
+
+// Runs a copy of this program that belongs to another user and has the set-id bit.
+TEST(QBLFmDirTest, HeedsNoEnvironmentWithRightsThatItsCallerLacks) {
+    std::string path;
+    if (getauxval(AT_SECURE) != 0) {
+        ASSERT_TRUE(QBLFmDir::getTempPath(path));
+        EXPECT_EQ("/tmp", path);
+        return;
+    }
+    if (geteuid() != 0) GTEST_SKIP() << "becomes another user";
+    TempTree tree;
+    chmod(tree.root(), 0755);
+    const std::string copy = tree("copy");
+    std::filesystem::copy_file("/proc/self/exe", copy);
+    chown(copy.c_str(), 65534, 65534);
+    chmod(copy.c_str(), 04755);
+    EXPECT_EQ(0, inChild([&] {
+                  setenv("TMP", tree.root(), 1);
+                  const std::string run = copy + " --gtest_filter=*HeedsNo* >" + tree("out");
+                  return std::system(run.c_str()) == 0 ? 0 : 1;
+              }))
+        << tree.text("out");
 }
 
 TEST(QBLFmDirTest, TakesTheTemporaryDirectoryFromSettingThenEnvironment) {
