@@ -4,6 +4,7 @@
 
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmNoCancel.hpp"
+#include "QBLCore/FileManagement/internal/QBLFmRegular.hpp"
 #include "QBLCore/Utility/QBLUtSystemInfo.hpp"
 #include "TavThread/internal/TavContain.hpp"
 
@@ -13,6 +14,11 @@ const char kName[] = "qbl";
 const char kDirectory[] = "../logs/";
 
 const char* orEmpty(const char* text) { return text != nullptr ? text : ""; }
+
+/// Whether a name with its directories stays below the one of the logs.
+bool staysBelow(const std::string& name) {
+    return ('/' + name + '/').find("/../") == std::string::npos;
+}
 
 }  // namespace
 
@@ -31,9 +37,15 @@ void QBLMiniLogger::init(const char* name) {
     if (m_pStream != nullptr) std::fclose(m_pStream);
     m_pStream = nullptr;
     tavContain([&] {
-        std::string path = std::string(kDirectory) + orEmpty(name) + ".log";
+        const std::string file = std::string(orEmpty(name)) + ".log";
+        if (!staysBelow(file)) return;
+        std::string path = kDirectory + file;
         QBLFmDir::resolveEffectivePath(path);
-        m_pStream = fopen64(path.c_str(), "a+e");
+        QBLFmStatus status;
+        const int fd = qblOpenRegular(path.c_str(), O_RDWR | O_CREAT | O_APPEND, status, 0666);
+        if (fd < 0) return;
+        m_pStream = fdopen(fd, "a+");
+        if (m_pStream == nullptr) qblCloseQuietly(fd);
     });
 }
 

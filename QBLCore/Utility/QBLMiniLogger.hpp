@@ -15,7 +15,12 @@
 ///     (an empty line)
 ///
 /// Nothing throws or reports a failure: without the directory, or the right to write there,
-/// nothing is logged.
+/// nothing is logged. Nor is anything logged to a link, to a file with several names, to what is no
+/// regular file, or by a name with a ".." that would lead out of the directory.
+///
+/// The text is deliberately written as it is. One that has a line "->" ends its record for whoever
+/// reads the file, and can go on as if another record followed: indent the lines of a text that
+/// comes from elsewhere before it is logged.
 ///
 /// Threads: one at a time for each object. Each record is written at once, so that several loggers
 /// of one name do not mix theirs, as long as a record is not longer than the stream's buffer.
@@ -23,7 +28,8 @@ class QBL_API QBLMiniLogger {
 public:
     /// Logs to "qbl.log".
     QBLMiniLogger();
-    /// Logs to the name with ".log" appended; null or empty means "qbl".
+    /// Logs to the name with ".log" appended; null or empty means "qbl". It may have directories in
+    /// front.
     explicit QBLMiniLogger(const char* name);
     virtual ~QBLMiniLogger();
     QBLMiniLogger(const QBLMiniLogger&) = delete;

@@ -1,6 +1,8 @@
 #include "QBLCore/Utility/QBLMiniLogger.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <regex>
 
@@ -30,4 +32,19 @@ TEST(QBLMiniLoggerTest, AppendsRecordsOfOneFormOrNothing) {
     EXPECT_TRUE(
         std::regex_match(tree.text("logs/y.log"), std::regex(stamp + "\tc Error\n<-\n\n->\n\n")));
     EXPECT_NE("", tree.text("logs/qbl.log"));
+}
+
+TEST(QBLMiniLoggerTest, WritesOnlyToItsOwnFiles) {
+    TempTree tree;
+    QBLFmDir::setEffectiveWorkingDir(tree.dir("work").c_str());
+    tree.dir("logs/sub");
+    tree.file("victim.log");
+    ASSERT_EQ(0, symlink("../victim.log", tree("logs/link.log").c_str()));
+    ASSERT_EQ(0, link(tree("victim.log").c_str(), tree("logs/hard.log").c_str()));
+    ASSERT_EQ(0, mkfifo(tree("logs/pipe.log").c_str(), 0600));
+    for (const char* name : {"link", "hard", "pipe", "../victim", "sub/../../victim", "sub/own"})
+        QBLMiniLogger(name).log("c", "t");
+    QBLFmDir::setEffectiveWorkingDir(nullptr);
+    EXPECT_EQ("", tree.text("victim.log"));
+    EXPECT_NE("", tree.text("logs/sub/own.log"));
 }

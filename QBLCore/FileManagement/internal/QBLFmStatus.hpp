@@ -23,6 +23,7 @@ public:
     bool isLink() const { return S_ISLNK(m_status.stx_mode); }
     bool isRegular() const { return S_ISREG(m_status.stx_mode); }
     std::uint64_t size() const { return m_status.stx_size; }
+    unsigned links() const { return m_status.stx_nlink; }
     unsigned user() const { return m_status.stx_uid; }
     unsigned group() const { return m_status.stx_gid; }
     std::uint64_t inode() const { return m_status.stx_ino; }
