@@ -1,13 +1,13 @@
 #include "QBLCore/PlugIns/QBLPluginLibraryLoader.hpp"
 
 #include <dlfcn.h>
-#include <sys/stat.h>
 
 #include <climits>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
+#include "QBLCore/FileManagement/internal/QBLFmStatus.hpp"
 #include "QBLCore/Messages/QBLMessageString.hpp"
 #include "QBLCore/PlugIns/QBLPluginException.hpp"
 
@@ -23,8 +23,8 @@ const char kNoReason[] = "The system gives no reason.";
 
 /// False also for what is not there.
 bool isSpecialFile(const char* path) {
-    struct stat status;
-    return stat(path, &status) == 0 && !S_ISREG(status.st_mode);
+    QBLFmStatus status;
+    return status.get(path) && !status.isRegular();
 }
 
 QBLPluginException failure(QBLPluginErrorCode code, const char* reason) {

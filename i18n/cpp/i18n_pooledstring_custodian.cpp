@@ -1,5 +1,3 @@
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -8,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "QBLCore/FileManagement/internal/QBLFmRegular.hpp"
 #include "i18n/cpp/i18n_pooledstring.hpp"
 
 namespace {
@@ -35,15 +34,23 @@ bool readWord(std::FILE* file, char (&word)[64]) {
     return true;
 }
 
+/// Whether only the user or the administrator can have decided what is in a file; the user may
+/// have let the own group do so.
+bool isTrusted(const QBLFmStatus& file) {
+    const bool byGroup = (file.mode() & S_IWGRP) != 0 && file.group() != getegid();
+    return (file.user() == geteuid() || file.user() == 0) && !byGroup &&
+           (file.mode() & S_IWOTH) == 0;
+}
+
 /// Null if there is no such file. A pipe or a device, which could keep the custodian waiting, is
-/// none.
+/// none, and neither is what somebody else has put there: it would have the texts of the program
+/// written to the disk.
 std::FILE* openSettings() {
-    const int fd = ::open("I18NPooledString.conf", O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    QBLFmStatus status;
+    const int fd = qblOpenRegular("I18NPooledString.conf", O_RDONLY, status);
     if (fd < 0) return nullptr;
-    struct stat about;
-    std::FILE* const file =
-        fstat(fd, &about) == 0 && S_ISREG(about.st_mode) ? fdopen(fd, "r") : nullptr;
-    if (file == nullptr) ::close(fd);
+    std::FILE* const file = isTrusted(status) ? fdopen(fd, "r") : nullptr;
+    if (file == nullptr) qblCloseQuietly(fd);
     return file;
 }
 

@@ -1,5 +1,3 @@
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,6 +7,7 @@
 #include <ext/stdio_filebuf.h>
 #include <ostream>
 
+#include "QBLCore/FileManagement/internal/QBLFmRegular.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Utility/QBLUtSystemInfo.hpp"
 #include "TavThread/internal/TavContain.hpp"
@@ -18,16 +17,16 @@ namespace {
 
 using Entry = I18NPooledStringEntry;
 
-/// The file for dumps, to append to; -1 if it cannot be had. What is there must be a file.
+/// The file for dumps, to append to; -1 if it cannot be had. Its name can be foreseen: what
+/// somebody else has put there, or could read, gets no texts.
 int openDumpFile() {
     char name[48];
     std::snprintf(name, sizeof name, "I18NPooledStringDump%lu.log",
                   QBLUtSystemInfo::getProcessId());
-    const int fd =
-        ::open(name, O_WRONLY | O_CREAT | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
-    struct stat about;
-    if (fd < 0 || (fstat(fd, &about) == 0 && S_ISREG(about.st_mode))) return fd;
-    ::close(fd);
+    QBLFmStatus status;
+    const int fd = qblOpenRegular(name, O_WRONLY | O_CREAT | O_APPEND, status, 0600);
+    if (fd < 0 || (status.user() == geteuid() && (status.mode() & 07177) == 0)) return fd;
+    qblCloseQuietly(fd);
     return -1;
 }
 

@@ -4,6 +4,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdlib>
+#include <functional>
 #include <iomanip>
 #include <random>
 #include <sstream>
@@ -150,17 +152,66 @@ TEST(I18NPooledStringTest, PurgesAtTheIntervalsOfTheSettingsFile) {
     const std::string both = tree.text(dump);
     EXPECT_NE(both.find("begin summary"), both.rfind("begin summary")) << "appended";
     ASSERT_EQ(0, unlink(dump.c_str()));
-    ASSERT_EQ(0, symlink("elsewhere", dump.c_str()));
-    testing::internal::CaptureStderr();
-    EXPECT_TRUE(purges(600));
-    EXPECT_EQ("I18NPooledStringDump.log failed to open.\n", testing::internal::GetCapturedStderr());
-    EXPECT_FALSE(std::filesystem::exists("elsewhere"));
     I18NPooledString::initialize();
     I18NPooledString::terminate();
     tree.file("I18NPooledString.conf", "interval -1");
     EXPECT_FALSE(purges(600));
     EXPECT_FALSE(purges(600 + 3600));
     EXPECT_TRUE(purges(600 + 3601));
+    ASSERT_EQ(0, chdir(before.c_str()));
+}
+
+TEST(I18NPooledStringTest, DumpsForItsOwnUserIntoItsOwnFile) {
+    if (geteuid() != 0) GTEST_SKIP() << "makes files of others";
+    const TempTree tree;
+    const std::string dump = "I18NPooledStringDump" + std::to_string(getpid()) + ".log";
+    const std::string before = std::filesystem::current_path();
+    ASSERT_EQ(0, chdir(tree.root()));
+    const auto dumps = [&](unsigned mode, uid_t user, const std::function<void()>& prepare) {
+        tree.file("I18NPooledString.conf", "dumpToFile 1 interval 1");
+        chmod("I18NPooledString.conf", mode);
+        chown("I18NPooledString.conf", user, 0);
+        EXPECT_EQ(0, std::system("touch -d 2040-01-01 I18NPooledString.conf"));
+        prepare();
+        I18NPooledString::initialize();
+        I18NPooledString::terminate();
+        I18NPooledStringCustodian task(fakeTime);
+        testing::internal::CaptureStderr();
+        task.doIt(0);
+        now += 4000;
+        task.doIt(0);
+        const std::string failure = testing::internal::GetCapturedStderr();
+        std::error_code none;
+        const bool written = std::filesystem::file_size(dump, none) % 0x1000 > 0 && !none;
+        EXPECT_TRUE(!written || failure.empty()) << failure;
+        std::filesystem::remove(dump);
+        return written;
+    };
+    const auto nothing = [] {};
+    const auto have = [&](unsigned mode, uid_t user) {
+        return [&, mode, user] {
+            chmod(tree.file(dump).c_str(), mode);
+            chown(dump.c_str(), user, 0);
+        };
+    };
+    EXPECT_TRUE(dumps(0664, 0, nothing));
+    EXPECT_FALSE(dumps(0666, 0, nothing)) << "everybody could have asked for it";
+    EXPECT_FALSE(dumps(0644, 1, nothing));
+    EXPECT_TRUE(dumps(0600, 0, have(0600, 0)));
+    EXPECT_TRUE(dumps(0600, 0, [&] {
+        have(0600, 0)();
+        EXPECT_EQ(0, truncate64(dump.c_str(), 0x90000000));
+    })) << "after 2 GiB";
+    EXPECT_FALSE(dumps(0600, 0, have(0644, 0)));
+    EXPECT_FALSE(dumps(0600, 0, have(0600, 1)));
+    EXPECT_FALSE(dumps(0600, 0, [&] {
+        tree.file("other");
+        chmod("other", 0600);
+        EXPECT_EQ(0, link("other", dump.c_str()));
+    }));
+    EXPECT_FALSE(dumps(0600, 0, [&] { EXPECT_EQ(0, symlink("elsewhere", dump.c_str())); }));
+    EXPECT_FALSE(std::filesystem::exists("elsewhere"));
+    EXPECT_FALSE(dumps(0600, 0, [] { std::filesystem::remove("I18NPooledString.conf"); }));
     ASSERT_EQ(0, chdir(before.c_str()));
 }
 
