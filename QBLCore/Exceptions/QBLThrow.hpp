@@ -24,9 +24,9 @@
 
 /// Throws a QBLAssertError whose text is the statement itself unless the condition holds.
 /// Never compiled out. The condition may contain commas; names are not expanded in the text.
-/// A text alone, which would always hold, is refused by the compiler.
-#define QBL_ASSERT(...)                                                                     \
-    ((__VA_ARGS__) ? static_cast<void>(sizeof(QBLAssertHolds<!qblIsLiteral(#__VA_ARGS__)>)) \
+/// A text alone or behind a last comma, which would always hold, is refused by the compiler.
+#define QBL_ASSERT(...)                                                                      \
+    ((__VA_ARGS__) ? static_cast<void>(sizeof(QBLAssertHolds<!qblEndsInText(#__VA_ARGS__)>)) \
                    : qblAssertFailed(QBL_HERE, "QBL_ASSERT(" #__VA_ARGS__ ");"))
 /// QBL_ASSERT with an explanation after the condition, a string literal, as part of the
 /// statement's text.
@@ -34,15 +34,32 @@
     (qblHolds(__VA_ARGS__) ? static_cast<void>(0) \
                            : qblAssertFailed(QBL_HERE, "QBL_ASSERT_NAMED(" #__VA_ARGS__ ");"))
 
-/// Whether the source of a condition is one string literal. It is told from the source, as the
-/// type cannot be asked for of every condition: not of one with a lambda in it.
-constexpr bool qblIsLiteral(const char* source) {
-    if (*source++ != '"') return false;
-    while (*source != '"') {
-        if (*source == '\\') ++source;
-        if (*source++ == '\0') return false;
+/// Whether nothing but string literals is behind the last comma outside of brackets in the source
+/// of a condition, or in the whole if it has none. It is told from the source, as the type cannot
+/// be asked for of every condition: not of one with a lambda in it.
+constexpr bool qblEndsInText(const char* source) {
+    bool text = false, other = false;
+    int depth = 0;
+    for (const char* at = source; *at != '\0'; ++at) {
+        const char before = at != source ? at[-1] : ' ';
+        const bool inNumber = (before >= '0' && before <= '9') ||
+                              (before >= 'A' && before <= 'F') || (before >= 'a' && before <= 'f');
+        if (*at == '"' || (*at == '\'' && !inNumber)) {
+            const char quote = *at;
+            for (++at; *at != quote; ++at) {
+                if (*at == '\\') ++at;
+                if (*at == '\0') return false;
+            }
+            (quote == '"' && depth == 0 ? text : other) = true;
+        } else if (*at == ',' && depth == 0) {
+            text = other = false;
+        } else if (*at != ' ') {
+            depth += *at == '(' || *at == '[' || *at == '{' ? 1 : 0;
+            depth -= *at == ')' || *at == ']' || *at == '}' ? 1 : 0;
+            other = true;
+        }
     }
-    return source[1] == '\0';
+    return text && !other;
 }
 
 /// A condition of a QBL_ASSERT that is one.

@@ -50,10 +50,12 @@ public:
     /// Does nothing to an empty list.
     void pop_back() { erase(--end()); }
 
-    /// Puts a copy of a value in front of a position.
+    /// Puts a copy of a value in front of a position; in front of one of another list, does
+    /// nothing.
     /// @return the position as it was passed: on the element that now follows the new one.
     iterator insert(iterator position, const T& value) {
-        _insert(position, new QBLListDataNode<T>(value, nullptr, nullptr));
+        if (position.list == this)
+            _insert(position, new QBLListDataNode<T>(value, nullptr, nullptr));
         return position;
     }
     /// Removes the element at a position; at end(), or at one of another list, does nothing.
@@ -71,9 +73,11 @@ public:
         return last;
     }
     void clear() { erase(begin(), end()); }
-    /// Moves an element of another list in front of a position of this one, without allocating;
-    /// the other's end() moves nothing.
+    /// Moves an element of another list, or of this one, in front of a position of this one,
+    /// without allocating. The other's end() moves nothing, nor does a position that is not in the
+    /// list it should be in.
     void splice(iterator position, QBLList& other, iterator element) {
+        if (position.list != this || position.node == element.node) return;
         QBLListNode<T>* node = other._erase(element);
         if (node != nullptr) _insert(position, static_cast<QBLListDataNode<T>*>(node));
     }

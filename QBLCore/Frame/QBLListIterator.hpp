@@ -8,6 +8,8 @@
 
 template <class T>
 class QBLList;
+template <class T>
+class CONST_QBLListIterator;
 
 /// What the two iterators of a QBLList share: a position in the ring of nodes.
 /// List and Node are both constant or both not.
@@ -104,6 +106,7 @@ public:
     }
 
     T& operator*() const { return this->template value<T>(); }
+    T* operator->() const { return &**this; }
     /// Moves to position n and gives the value there; an n past the end does not move.
     T& operator[](unsigned int n) {
         this->seek(n);
@@ -134,6 +137,8 @@ public:
         return this->list == other.list && this->node == other.node;
     }
     bool operator!=(const QBLListIterator& other) const { return !(*this == other); }
+    bool operator==(const CONST_QBLListIterator<T>& other) const { return other == *this; }
+    bool operator!=(const CONST_QBLListIterator<T>& other) const { return !(*this == other); }
 };
 
 /// QBLListIterator over a constant list.
@@ -164,6 +169,7 @@ public:
     }
 
     const T& operator*() const { return this->template value<T>(); }
+    const T* operator->() const { return &**this; }
     const T& operator[](unsigned int n) {
         this->seek(n);
         return **this;

@@ -10,6 +10,8 @@
 class QBL_API QBLErrnoMessage : public QBLMessageComponents {
 public:
     explicit QBLErrnoMessage(int error);
+    /// A severity alone is no identifier.
+    explicit QBLErrnoMessage(QBLSeverity) = delete;
     QBLErrnoMessage(QBLSeverity severity, int error);
     QBLErrnoMessage(const QBLErrnoMessage& other);
     QBLErrnoMessage& operator=(const QBLErrnoMessage& other);

@@ -30,6 +30,9 @@ public:
     explicit QBLMessage(const char* file);
     QBLMessage(const I18NString& file, unsigned long id);
     QBLMessage(const char* file, unsigned long id);
+    /// A severity comes first.
+    QBLMessage(const I18NString& file, QBLSeverity) = delete;
+    QBLMessage(const char* file, QBLSeverity) = delete;
     QBLMessage(QBLSeverity severity, const I18NString& file, unsigned long id);
     QBLMessage(QBLSeverity severity, const char* file, unsigned long id);
     QBLMessage(const QBLMessage& other);

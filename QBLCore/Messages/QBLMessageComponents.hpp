@@ -13,6 +13,8 @@ class QBL_API QBLMessageComponents : public QBLMessageBase {
 public:
     QBLMessageComponents();
     explicit QBLMessageComponents(unsigned long id);
+    /// A severity alone is no identifier.
+    explicit QBLMessageComponents(QBLSeverity) = delete;
     QBLMessageComponents(QBLSeverity severity, unsigned long id);
     QBLMessageComponents(const QBLMessageComponents& other);
     QBLMessageComponents& operator=(const QBLMessageComponents& other);
@@ -25,6 +27,7 @@ public:
                   int flag) const override;
 
     void setMessage(unsigned long id) { m_id = id; }
+    void setMessage(QBLSeverity) = delete;
     void setMessage(QBLSeverity severity, unsigned long id);
     unsigned long getMessageID() const { return m_id; }
 

@@ -15,6 +15,9 @@ public:
     explicit QBLMessageFile(const char* file);
     QBLMessageFile(const I18NString& file, unsigned long id);
     QBLMessageFile(const char* file, unsigned long id);
+    /// A severity comes first.
+    QBLMessageFile(const I18NString& file, QBLSeverity) = delete;
+    QBLMessageFile(const char* file, QBLSeverity) = delete;
     QBLMessageFile(QBLSeverity severity, const I18NString& file, unsigned long id);
     QBLMessageFile(QBLSeverity severity, const char* file, unsigned long id);
     QBLMessageFile(const QBLMessageFile& other);

@@ -1,5 +1,7 @@
 #include "QBLCore/Messages/QBLMessageParm.hpp"
 
+#include <charconv>
+#include <cstdint>
 #include <memory>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
@@ -22,6 +24,19 @@ I18NString* copyOf(const char* utf8) {
     QBL_ALLOC_CATCH
 }
 
+/// An integer in decimal, in a buffer of its own.
+class Digits {
+public:
+    template <class Integer>
+    explicit Digits(Integer value) {
+        *std::to_chars(m_text, m_text + sizeof m_text - 1, value).ptr = '\0';
+    }
+    const char* text() const { return m_text; }
+
+private:
+    char m_text[24];
+};
+
 }  // namespace
 
 QBLMessageParm::QBLMessageParm(long value, QBLMsgParm type)
@@ -34,6 +49,15 @@ QBLMessageParm::QBLMessageParm(unsigned long value, int isMsgId)
 
 QBLMessageParm::QBLMessageParm(unsigned value)
     : QBLMessageParm(static_cast<unsigned long>(value)) {}
+
+QBLMessageParm::QBLMessageParm(long long value)
+    : QBLMessageParm(value >= INT32_MIN && value <= INT32_MAX
+                         ? QBLMessageParm(static_cast<long>(value))
+                         : QBLMessageParm(Digits(value).text())) {}
+
+QBLMessageParm::QBLMessageParm(unsigned long long value)
+    : QBLMessageParm(value <= UINT32_MAX ? QBLMessageParm(static_cast<unsigned long>(value))
+                                         : QBLMessageParm(Digits(value).text())) {}
 
 QBLMessageParm::QBLMessageParm(double value) : QBLMessageParm(0L, QBLMsgParmDouble) {
     m_double = value;

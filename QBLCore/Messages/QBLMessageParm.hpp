@@ -33,6 +33,10 @@ public:
     /// @param isMsgId  not 0 for a message identifier
     QBLMessageParm(unsigned long value, int isMsgId = 0);
     QBLMessageParm(unsigned value);
+    /// A long or an unsigned long of that value; its digits as a text if it has more than 32 bits,
+    /// which no message shows of a number.
+    QBLMessageParm(long long value);
+    QBLMessageParm(unsigned long long value);
     QBLMessageParm(double value);
     QBLMessageParm(const I18NString& text);
     /// @param utf8  null for an empty text

@@ -10,6 +10,8 @@
 class QBL_API QBLWin32Message : public QBLMessageComponents {
 public:
     explicit QBLWin32Message(unsigned long code);
+    /// A severity alone is no identifier.
+    explicit QBLWin32Message(QBLSeverity) = delete;
     QBLWin32Message(QBLSeverity severity, unsigned long code);
     QBLWin32Message(const QBLWin32Message& other);
     QBLWin32Message& operator=(const QBLWin32Message& other);

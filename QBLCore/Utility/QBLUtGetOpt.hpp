@@ -2,6 +2,7 @@
 #define QBLCORE_UTILITY_QBLUTGETOPT_HPP
 
 #include <string>
+#include <type_traits>
 
 #include "QBLCore/Frame/QBLExport.h"
 
@@ -46,6 +47,11 @@ public:
     /// @param kind  0: the letter is no option; else: it lacks its argument
     /// @throws QBLOutOfMemoryError
     void error(char* programName, int kind, char c);
+    /// The same for a constant text, such as a literal.
+    template <class Char, class = std::enable_if_t<std::is_same<Char, const char>::value>>
+    void error(Char* programName, int kind, char c) {
+        error(const_cast<char*>(programName), kind, c);
+    }
     /// The last error; empty before the first. As long as the object, up to the next error.
     const char* getErrorMsg() const { return m_errorMsg.c_str(); }
     /// The letter that the last error is about, even where the message names another one; 0 before

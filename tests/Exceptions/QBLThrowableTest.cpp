@@ -120,7 +120,11 @@ TEST(QBLThrowableTest, AssertionsThrowTheirOwnStatement) {
                      "QBL_ASSERT_NAMED((NULL != localeID), \"[Here] It is NULL.\");");
     int evaluated = 0;
     QBL_ASSERT(++evaluated == 1);
-    static_assert(qblIsLiteral(R"("a\" b")") && !qblIsLiteral(R"("a" != b || b == "c")"));
+    static_assert(qblEndsInText(R"("a\" b")") && !qblEndsInText(R"("a" != b || b == "c")"));
+    static_assert(qblEndsInText(R"(p != nullptr, "text")") && qblEndsInText(R"(f(a, b), "x" "y")"));
+    static_assert(!qblEndsInText(R"(f(p, "text"))") && !qblEndsInText(R"(is_same<A, B>::value)") &&
+                  !qblEndsInText(R"(a[0] == ',' && n > 1'000)") &&
+                  qblEndsInText(R"(c == '"', "x")"));
     EXPECT_EQ(1, evaluated);
 }
 

@@ -90,6 +90,31 @@ TEST(QBLListTest, RangeErasureStopsAtTheEndWhateverTheRange) {
     EXPECT_EQ(c, other.erase(other.begin(), third)[0]) << "where it stands now";
 }
 
+TEST(QBLListTest, PositionsOfAnotherListMoveNothing) {
+    List list, other;
+    fill(list);
+    fill(other);
+    list.insert(other.begin(), d);
+    list.insert(List::iterator(), d);
+    list.splice(other.begin(), other, other.begin());
+    list.splice(list.begin(), other, list.begin());
+    list.splice(list.begin(), list, list.begin());
+    for (const List* each : {&list, &other})
+        EXPECT_EQ((std::deque<int*>{a, b, c}), contents(*each));
+    EXPECT_EQ(3U, list.size() + other.size() - 3);
+    list.splice(list.begin(), list, --list.end());
+    EXPECT_EQ((std::deque<int*>{c, a, b}), contents(list));
+}
+
+TEST(QBLListTest, IteratorsOfBothKindsCompareAndReachMembers) {
+    QBLList<std::string> list;
+    list.push_back("four");
+    const QBLList<std::string>& view = list;
+    EXPECT_EQ(4U, list.begin()->size() + view.begin()->size() - 4);
+    EXPECT_TRUE(list.begin() == view.begin() && view.begin() == list.begin());
+    EXPECT_TRUE(list.begin() != view.end() && view.end() != list.begin());
+}
+
 TEST(QBLListTest, CopiesAnElementOfItsOwnBeforeLinking) {
     QBLList<std::string> list;
     list.push_back("first");

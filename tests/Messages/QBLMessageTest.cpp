@@ -3,10 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <type_traits>
 
 #include "QBLCore/Messages/QBLErrnoMessage.hpp"
 #include "QBLCore/Messages/QBLMessageFile.hpp"
 #include "QBLCore/Messages/QBLMessageString.hpp"
+#include "QBLCore/Messages/QBLWin32Message.hpp"
 #include "QBLCore/Messages/QBLXmlEscape.hpp"
 #include "tests/support/BmfFile.hpp"
 #include "tests/support/TempTree.hpp"
@@ -29,6 +31,13 @@ const char kFive[] =
     "<Message Name=\"QBLMessageComponents\" File=\"\" Severity=\"Error\" Nesting=\"0\" >"
     "<MessageComponents  ID=\"0x05\" ></MessageComponents></Message>";
 
+static_assert(!std::is_constructible<QBLErrnoMessage, QBLSeverity>::value &&
+                  !std::is_constructible<QBLWin32Message, QBLSeverity>::value &&
+                  !std::is_constructible<QBLMessageComponents, QBLSeverity>::value &&
+                  !std::is_constructible<QBLMessage, const char*, QBLSeverity>::value &&
+                  !std::is_constructible<QBLMessageFile, const char*, QBLSeverity>::value,
+              "a severity is no identifier");
+
 }  // namespace
 
 TEST(QBLMessageParmTest, ShowsItselfByItsType) {
@@ -39,6 +48,12 @@ TEST(QBLMessageParmTest, ShowsItselfByItsType) {
     } rows[] = {{QBLMessageParm(5), "5", "\"long\" Value=\"5\""},
                 {QBLMessageParm(5U), "5", "\"ulong\" Value=\"5\""},
                 {QBLMessageParm(0xFFFFFFFFUL), "4294967295", "\"ulong\" Value=\"4294967295\""},
+                {QBLMessageParm(-5LL), "-5", "\"long\" Value=\"-5\""},
+                {QBLMessageParm(0xFFFFFFFFULL), "4294967295", "\"ulong\" Value=\"4294967295\""},
+                {QBLMessageParm(LLONG_MIN), "-9223372036854775808",
+                 "\"string\" Value=\"-9223372036854775808\""},
+                {QBLMessageParm(ULLONG_MAX), "18446744073709551615",
+                 "\"string\" Value=\"18446744073709551615\""},
                 {QBLMessageParm(-7L, QBLMsgParmDate), "-7", "\"long\" Value=\"-7\""},
                 {QBLMessageParm(0UL, 1), "msgid(0000)", "\"msgid\" Value=\"0000\""},
                 {QBLMessageParm(0x105UL, 1), "msgid(0x105)", "\"msgid\" Value=\"0x105\""},

@@ -66,6 +66,7 @@ TEST(QBLUtGetOptTest, PrintsItsErrorsAsTheyAre) {
     QBLUtGetOpt quiet;
     EXPECT_EQ(1, quiet.setPrintErrors(0));
     testing::internal::CaptureStderr();
+    quiet.error("literal", 0, 'x');
     quiet.error(nullptr, 0, 'x');
     EXPECT_EQ("", testing::internal::GetCapturedStderr());
     EXPECT_EQ("\n" + tail, quiet.getErrorMsg());
