@@ -76,10 +76,17 @@ class ThrowablePrinter:
     def to_string(self):
         v = self.value
         text = v["messageText"]
-        return "%s, code %d, %s: %s" % (
-            v.dynamic_type.name, int(v["errorCode"]),
+        return "%s, %s, %s: %s" % (
+            v.dynamic_type.name, self.code(),
             str(v["severity"]).replace("QBLSeverity", ""),
             text.format_string(address=False) if int(text) != 0 else "no text")
+
+    def code(self):
+        """A number, or a text that whoever made it may have left out."""
+        if int(self.value["numericCode"]) != 0:
+            return "code %d" % int(self.value["errorCode"])
+        text = self.value["errorCodeText"]
+        return "code " + text.format_string(address=False) if int(text) != 0 else "no code"
 
     def children(self):
         whole = self.value.cast(self.value.dynamic_type)
@@ -219,10 +226,12 @@ gdb.printing.register_pretty_printer(gdb.current_objfile(), Printers("QBLCore"),
 
 
 class LocksCommand(gdb.Command):
-    """Lists the tracked mutexes that are held: who holds each, and where it was locked.
+    """Lists the tracked mutexes that are held, and who holds each.
 
-Tracked are mutexes made to track their owner, such as QBLThreadMutex(1). Where a mutex is locked
-through a class, the place is in the source of that class."""
+Tracked are mutexes made to track their owner, such as QBLThreadMutex(1). The place where it was
+locked is known of a mutex of the flat layer; the library's classes do not know their callers."""
+
+    OWN_SOURCES = ("QBLCore/", "TavThread/", "i18n/")
 
     def __init__(self):
         super().__init__("info qbl-locks", gdb.COMMAND_STATUS)
@@ -231,7 +240,12 @@ through a class, the place is in the source of that class."""
         held = self.first()
         if int(held) == 0:
             print("No tracked mutex is held.")
+        seen = set()
         while int(held) != 0:
+            if int(held) in seen:
+                print("The list is damaged: it leads back to mutex %#x." % int(held))
+                break
+            seen.add(int(held))
             print(self.line(held))
             held = held["heldAfter"]
 
@@ -244,10 +258,12 @@ through a class, the place is in the source of that class."""
 
     def line(self, mutex):
         """One that is locked just now may not have all of it yet."""
-        place = "an unknown place"
+        place = ""
         if int(mutex["file"]) != 0:
-            place = "%s(%d)" % (mutex["file"].string(), int(mutex["line"]))
-        return "mutex %#x: held by %s, locked at %s" % (int(mutex), self.holder(mutex["owner"]), place)
+            file = mutex["file"].string()
+            if not file.startswith(self.OWN_SOURCES):
+                place = ", locked at %s(%d)" % (file, int(mutex["line"]))
+        return "mutex %#x: held by %s%s" % (int(mutex), self.holder(mutex["owner"]), place)
 
     @staticmethod
     def holder(record):

@@ -56,6 +56,9 @@ int main() {
             QBL_RETHROW(inner);
         }
     } catch (QBLThrowable& error) {
+        const QBLError coded(QBLSeverityWarning, "E<5>", "text");
+        const char* const nothing = nullptr;
+        const QBLError uncoded(nothing, nothing);
         lookHere();
         looked.set_value();
         other.join();
