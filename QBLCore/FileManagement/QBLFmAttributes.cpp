@@ -9,6 +9,8 @@
 #include <string>
 #include <string_view>
 
+#include "QBLCore/FileManagement/internal/QBLFmSystem.hpp"
+
 namespace {
 
 const char kList[] = "system.posix_acl_access";
@@ -34,9 +36,30 @@ bool readSized(std::string& out, Call&& call) {
     }
 }
 
-bool readAttribute(int fd, const char* name, std::string& value) {
-    return readSized(value, [=](char* to, std::size_t n) { return fgetxattr(fd, name, to, n); });
-}
+/// The attributes of the old file, by a path that leads to what is open: a descriptor for looks
+/// only does not give them.
+class Attributes {
+public:
+    explicit Attributes(int fd) : m_path("/proc/self/fd/" + std::to_string(fd)) {
+        QBLFmStatus byPath, open;
+        if (!byPath.get(m_path.c_str()) || !open.get(fd) || !open.isSameFile(byPath))
+            m_path.clear();
+    }
+    bool isKnown() const { return !m_path.empty() || qblFail(ENOSYS); }
+    bool read(const char* name, std::string& value) const {
+        return isKnown() && readSized(value, [=](char* to, std::size_t n) {
+                   return getxattr(m_path.c_str(), name, to, n);
+               });
+    }
+    bool list(std::string& names) const {
+        return isKnown() && readSized(names, [this](char* to, std::size_t n) {
+                   return listxattr(m_path.c_str(), to, n);
+               });
+    }
+
+private:
+    std::string m_path;  // empty without /proc
+};
 
 /// The entries of an access control list, as the kernel has them: a version, then for each entry a
 /// tag and permissions of 16 bits and an identity of 32 bits.
@@ -69,11 +92,11 @@ private:
     std::string& m_bytes;
 };
 
-bool copyList(int from, int to, unsigned& mode, bool strangeGroup) {
+bool copyList(const Attributes& from, int to, unsigned& mode, bool strangeGroup) {
     std::string bytes;
-    if (!readAttribute(from, kList, bytes)) {
+    if (!from.read(kList, bytes)) {
         if (!isMissing(errno)) return false;
-        if (strangeGroup) mode &= ~070U | mode << 3;
+        if (strangeGroup || !from.isKnown()) mode &= ~070U | mode << 3;
         return fremovexattr(to, kList) == 0 || isMissing(errno);
     }
     AccessList list(bytes);
@@ -85,16 +108,15 @@ bool copyList(int from, int to, unsigned& mode, bool strangeGroup) {
     return true;
 }
 
-bool copyOthers(int from, int to) {
+bool copyOthers(const Attributes& from, int to) {
     std::string names, value;
-    if (!readSized(names, [from](char* out, std::size_t n) { return flistxattr(from, out, n); }))
-        return isMissing(errno);
+    if (!from.list(names)) return isMissing(errno);
     for (std::size_t at = 0; at < names.size();) {
         const char* const name = &names[at];
         at += std::strlen(name) + 1;
         bool copied = std::strcmp(name, kList) == 0;  // or not to be
         for (const std::string_view left : kOfTheContent) copied = copied || left == name;
-        if (copied || !readAttribute(from, name, value)) continue;
+        if (copied || !from.read(name, value)) continue;
         if (fsetxattr(to, name, value.data(), value.size(), 0) != 0 &&
             (errno == ENOSPC || errno == EDQUOT || errno == EIO))
             return false;
@@ -105,5 +127,6 @@ bool copyOthers(int from, int to) {
 }  // namespace
 
 bool qblCopyAttributes(int from, int to, unsigned& mode, bool strangeGroup) {
-    return copyList(from, to, mode, strangeGroup) && copyOthers(from, to);
+    const Attributes attributes(from);
+    return copyList(attributes, to, mode, strangeGroup) && copyOthers(attributes, to);
 }

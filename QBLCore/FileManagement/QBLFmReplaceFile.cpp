@@ -23,7 +23,7 @@ std::string temporaryName() {
 }
 
 struct Descriptor {
-    explicit Descriptor(int opened = -1) : fd(opened) {}
+    explicit Descriptor(int opened) : fd(opened) {}
     ~Descriptor() {
         if (fd >= 0) qblCloseQuietly(fd);
     }
@@ -32,13 +32,6 @@ struct Descriptor {
 
     int fd;
 };
-
-/// Opens the old version for its attributes, in whatever way it may be.
-int openOld(int directory, const char* name) {
-    constexpr int kFlags = O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-    const int fd = openat64(directory, name, O_RDONLY | kFlags);
-    return fd >= 0 || errno != EACCES ? fd : openat64(directory, name, O_WRONLY | kFlags);
-}
 
 void release(int& fd) {
     if (fd >= 0) qblCloseQuietly(fd);
@@ -114,9 +107,13 @@ bool QBLFmReplaceFile::locate(const char* path) {
 }
 
 bool QBLFmReplaceFile::create() {
-    QBLFmStatus old;
-    const bool replaces = old.get(m_iDirectory, m_name.c_str(), AT_SYMLINK_NOFOLLOW);
+    // One and the same version counts, whatever takes its name meanwhile. It is opened for a look
+    // only (O_PATH): closing another descriptor would give up the locks that the process has on it.
+    const Descriptor from(openat64(m_iDirectory, m_name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    const bool replaces = from.fd >= 0;
     if (!replaces && errno != ENOENT) return false;
+    QBLFmStatus old;
+    if (replaces && !old.get(from.fd)) return false;
     if (replaces && !old.isRegular()) return qblFail(old.isDirectory() ? EISDIR : EINVAL);
     if (replaces && faccessat(m_iDirectory, m_name.c_str(), W_OK, AT_EACCESS) != 0) return false;
     for (int i = 0; i < kAttempts && m_iFile < 0; ++i) {
@@ -128,7 +125,14 @@ bool QBLFmReplaceFile::create() {
         if (m_iFile < 0 && errno != EEXIST) return false;
     }
     m_uMode = kModeOfANewFile;
-    return m_iFile >= 0 && (!replaces || keepOwnerAndMode(old.mode(), old.user(), old.group()));
+    if (m_iFile < 0 || !replaces) return m_iFile >= 0;
+    QBLFmStatus status;
+    if (!keepOwnerAndMode(old.mode(), old.user(), old.group()) || !status.get(m_iFile))
+        return false;
+    unsigned mode = m_uMode;
+    if (!qblCopyAttributes(from.fd, m_iFile, mode, status.group() != old.group())) return false;
+    m_uMode = static_cast<unsigned short>(mode);
+    return fchmod(m_iFile, 0600) == 0;
 }
 
 // The mode itself comes with commit(): a write takes the set-id bits off.
@@ -142,16 +146,10 @@ bool QBLFmReplaceFile::keepOwnerAndMode(unsigned mode, unsigned user, unsigned g
         if (!status.get(m_iFile)) return false;
     }
     mode &= 07777;
-    const bool strangeGroup = status.group() != group;
     if (status.user() != user) mode &= ~static_cast<unsigned>(S_ISUID);
-    if (strangeGroup) mode &= ~static_cast<unsigned>(S_ISGID);
-    Descriptor old(openOld(m_iDirectory, m_name.c_str()));
-    QBLFmStatus opened;
-    if (old.fd < 0 || !opened.get(old.fd)) return false;
-    if (!opened.isRegular()) return qblFail(ESTALE);  // another has taken its name meanwhile
-    if (!qblCopyAttributes(old.fd, m_iFile, mode, strangeGroup)) return false;
+    if (status.group() != group) mode &= ~static_cast<unsigned>(S_ISGID);
     m_uMode = static_cast<unsigned short>(mode);
-    return fchmod(m_iFile, 0600) == 0;
+    return true;
 }
 
 bool QBLFmReplaceFile::write(const void* data, unsigned long size) {

@@ -16,7 +16,8 @@ class QBLFmDirectory;
 ///   the umask. Until it is committed only its owner may look into it.
 /// - It has the old one's owner and group as far as the caller may give them. Where not, bits that
 ///   would run it as its owner or group are taken off, and a group of its own may do no more than
-///   everybody. A list that cannot be kept leaves the group what it gave the group itself.
+///   everybody. A list that cannot be kept leaves the group what it gave the group itself;
+///   where /proc is not mounted none can be seen, and the group may do no more than everybody.
 /// - An old version that the caller may not write is not replaced.
 /// - A symbolic link stays, and what it leads to is replaced; one that leads nowhere is refused. In
 ///   a directory for everybody's files (mode 1777) a link on the way must belong to the caller or

@@ -1,5 +1,6 @@
 #include "QBLCore/FileManagement/QBLFmReplaceFile.hpp"
 
+#include <fcntl.h>
 #include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -10,6 +11,7 @@
 #include <csignal>
 #include <random>
 
+#include "QBLCore/FileLock/M_LockFile.hpp"
 #include "tests/support/Child.hpp"
 #include "tests/support/FaultInjection.hpp"
 #include "tests/support/TempTree.hpp"
@@ -52,6 +54,17 @@ TEST(QBLFmReplaceFileTest, KeepsModeLinksAndTheOldVersionElsewhere) {
     umask(mask);
     EXPECT_EQ(0640U, modeOf(tree("fresh")));
     EXPECT_EQ(4, entries(tree)) << "and nothing is left behind";
+}
+
+TEST(QBLFmReplaceFileTest, GivesUpNoLockThatTheProcessHasOnTheOldVersion) {
+    TempTree tree;
+    const std::string path = tree.file("f", "old");
+    const int fd = ::open(path.c_str(), O_RDWR);
+    ASSERT_EQ(1, M_LockFile(fd, 0, 0));
+    QBLFmReplaceFile file;
+    ASSERT_TRUE(file.open(path.c_str()));
+    EXPECT_EQ(0, inChild([&] { return M_LockFile(::open(path.c_str(), O_RDWR), 0, 0); }));
+    ::close(fd);
 }
 
 TEST(QBLFmReplaceFileTest, RefusesWhatIsNoFileToReplace) {
@@ -158,6 +171,13 @@ TEST(QBLFmReplaceFileTest, KeepsAccessListsAndAttributes) {
     EXPECT_EQ(0660U, modeOf(listed)) << "of the list's mask";
     EXPECT_EQ("", attribute("plain", kList)) << "that user 1 could write it";
     EXPECT_EQ(0660U, modeOf(tree("plain")));
+    const int status = inChild([&tree] {
+        if (chroot(tree.root()) != 0) return 77;
+        return replace("/listed", "x") ? 0 : 1;
+    });
+    if (status == 77) return;
+    EXPECT_EQ(0, status);
+    EXPECT_EQ(0600U, modeOf(listed)) << "the list cannot be seen without /proc";
 }
 
 TEST(QBLFmReplaceFileTest, FollowsNoLinksOfOthersWhereAllMakeFiles) {
