@@ -13,7 +13,7 @@ class QBLFmDirectory;
 ///
 /// - The new version has the mode of the old one, its access control list and its extended
 ///   attributes, but for capabilities and signatures of its content; without an old one, 0666 less
-///   the umask. Until it is committed only its owner may look into it.
+///   the umask. In place of an old one, only its owner may look into it until it is committed.
 /// - It has the old one's owner and group as far as the caller may give them. Where not, bits that
 ///   would run it as its owner or group are taken off, and a group of its own may do no more than
 ///   everybody. A list that cannot be kept leaves the group what it gave the group itself;

@@ -311,11 +311,8 @@ TEST(QBLFmDirTest, MakesTemporaryNamesThatNobodyForesees) {
 // Runs a copy of this program that belongs to another user and has the set-id bit.
 TEST(QBLFmDirTest, HeedsNoEnvironmentWithRightsThatItsCallerLacks) {
     std::string path;
-    if (getauxval(AT_SECURE) != 0) {
-        ASSERT_TRUE(QBLFmDir::getTempPath(path));
-        EXPECT_EQ("/tmp", path);
-        return;
-    }
+    // Ends without a search for leaks, which may not trace such a process.
+    if (getauxval(AT_SECURE) != 0) _exit(QBLFmDir::getTempPath(path) && path == "/tmp" ? 0 : 1);
     if (geteuid() != 0) GTEST_SKIP() << "becomes another user";
     TempTree tree;
     chmod(tree.root(), 0755);
@@ -325,10 +322,8 @@ TEST(QBLFmDirTest, HeedsNoEnvironmentWithRightsThatItsCallerLacks) {
     chmod(copy.c_str(), 04755);
     EXPECT_EQ(0, inChild([&] {
                   setenv("TMP", tree.root(), 1);
-                  const std::string run = copy + " --gtest_filter=*HeedsNo* >" + tree("out");
-                  return std::system(run.c_str()) == 0 ? 0 : 1;
-              }))
-        << tree.text("out");
+                  return std::system((copy + " --gtest_filter=*HeedsNo*").c_str()) == 0 ? 0 : 1;
+              }));
 }
 
 TEST(QBLFmDirTest, TakesTheTemporaryDirectoryFromSettingThenEnvironment) {

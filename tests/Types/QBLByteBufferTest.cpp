@@ -102,7 +102,7 @@ TEST(QBLByteBufferTest, PassesOnWhatAReplacedOperatorNewThrows) {
     buffer << "full";
     for (const std::function<void()>& operation : std::initializer_list<std::function<void()>>{
              [&] { buffer << text.c_str(); }, [&] { buffer = QBLByteBuffer(1000); },
-             [&] { buffer.printf("%s", text.c_str()); }, [&] { QBLByteBuffer copy(buffer); }}) {
+             [&] { buffer.printf("%s", text.c_str()); }, [&] { QBLByteBuffer(buffer) << 'c'; }}) {
         for (long n = 0, left = 1; left != 0; ++n) {
             fault::failAllocation(n, 42);
             try {
