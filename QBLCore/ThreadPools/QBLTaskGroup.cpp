@@ -6,6 +6,7 @@
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/ThreadPools/QBLThreadExecuteRunnable.hpp"
+#include "QBLCore/Threads/QBLThread.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Threads/internal/QBLNoCancel.hpp"
 #include "TavThread/internal/TavContain.hpp"
@@ -38,6 +39,18 @@ private:
 
 thread_local Running* Running::t_innermost = nullptr;
 
+/// Lets a lock go in a scope.
+struct Unlocked {
+    explicit Unlocked(QBLThreadCriticalSection& l) QBL_NO_THREAD_SAFETY_ANALYSIS : lock(l) {
+        lock.unlock();
+    }
+    ~Unlocked() QBL_NO_THREAD_SAFETY_ANALYSIS { lock.lock(); }
+    Unlocked(const Unlocked&) = delete;
+    Unlocked& operator=(const Unlocked&) = delete;
+
+    QBLThreadCriticalSection& lock;
+};
+
 }  // namespace
 
 QBLTaskGroup::Task::~Task() = default;
@@ -50,7 +63,16 @@ QBLTaskGroup::QBLTaskGroup(QBLThreadExecuteRunnable& pool)
 QBLTaskGroup::~QBLTaskGroup() {
     const QBLNoCancel noCancel;
     QBLThreadGuard guard(m_lock);
-    waitForAll();
+    while (m_iPending != 0) {
+        if (Task* task = takeRefused()) {
+            // A piece may end its thread, which must not be one that is in a destructor.
+            const Unlocked unlocked(m_lock);
+            QBLThread thread(task);
+            if (!tavContain([&thread] { thread.start(); })) performAll(task);
+        } else {
+            m_allDone.wait(m_lock);
+        }
+    }
 }
 
 /// Runs a piece, and those that were refused meanwhile. The group may be gone afterwards.
@@ -102,13 +124,6 @@ QBLTaskGroup::Task* QBLTaskGroup::takeRefused() noexcept {
 
 /// Returns with nothing pending, and the lock held as before.
 void QBLTaskGroup::waitForAll() {
-    struct Unlocked {
-        explicit Unlocked(QBLThreadCriticalSection& l) QBL_NO_THREAD_SAFETY_ANALYSIS : lock(l) {
-            lock.unlock();
-        }
-        ~Unlocked() QBL_NO_THREAD_SAFETY_ANALYSIS { lock.lock(); }
-        QBLThreadCriticalSection& lock;
-    };
     while (m_iPending != 0) {
         if (Task* task = takeRefused()) {
             const Unlocked unlocked(m_lock);

@@ -22,8 +22,7 @@ class QBLThreadExecuteRunnable;
 /// may come to wait for each other.
 ///
 /// Threads: run() and wait() for any thread. The pool must outlive the last wait and must not be
-/// told to stop before it: a pool that drops its queue would leave the group waiting. So would a
-/// piece that ends its thread, in a pool that does not replace its workers.
+/// told to stop before it: a pool that drops its queue would leave the group waiting.
 ///
 ///     QBLTaskGroup group(pool);
 ///     for (File& file : files) group.run([&file] { file.check(); });
@@ -34,6 +33,8 @@ public:
     /// @throws QBLOutOfMemoryError, QBLThreadResourceError
     explicit QBLTaskGroup(QBLThreadExecuteRunnable& pool);
     /// Waits for all; an error that nobody has waited for is dropped. Not in a piece of the group.
+    /// The caller is not cancelled meanwhile. Pieces that the pool has refused get threads of their
+    /// own.
     ~QBLTaskGroup();
     QBLTaskGroup(const QBLTaskGroup&) = delete;
     QBLTaskGroup& operator=(const QBLTaskGroup&) = delete;

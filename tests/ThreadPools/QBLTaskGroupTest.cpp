@@ -125,6 +125,35 @@ TEST_F(QBLTaskGroupTest, PiecesThatAddPiecesNeedNoStack) {
     }
 }
 
+TEST_F(QBLTaskGroupTest, ItsDestructorOutlivesThreadsThatEnd) {
+    struct Round {
+        QBLThreadPoolFixed pool{1};
+        Gate begun, release;
+        std::atomic<int> ran{0};
+
+        void play() {
+            QBLTaskGroup group(pool);
+            group.run([this, &group] {
+                release.wait();
+                group.run([this] {  // refused: the destructor sees to it while this one waits
+                    ++ran;
+                    pthread_exit(nullptr);
+                });
+                if (eventually([this] { return ran == 1; })) ++ran;
+            });
+            begun.open();
+        }
+    } round;
+    pthread_t handle{};
+    const auto play = [](void* of) -> void* { return static_cast<Round*>(of)->play(), nullptr; };
+    ASSERT_EQ(0, pthread_create(&handle, nullptr, play, &round));
+    EXPECT_TRUE(round.begun.wait());
+    pthread_cancel(handle);
+    round.release.open();
+    pthread_join(handle, nullptr);
+    EXPECT_EQ(2, round.ran);
+}
+
 TEST_F(QBLTaskGroupTest, SurvivesTheEndOfAThreadAndOfMemory) {
     QBLThreadPoolVariable pool(1, 1000, 1);
     QBLTaskGroup group(pool);
