@@ -1,5 +1,17 @@
 #include "QBLCore/ThreadPools/QBLThreadPool.hpp"
 
+#include "QBLCore/ThreadPools/QBLThreadPoolFixed.hpp"
+#include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
+
 QBLThreadPool::QBLThreadPool() : m_iStopWork(0) {}
 
 QBLThreadPool::~QBLThreadPool() = default;
+
+// The pools are asked by their types, as the table of virtual operations is full: it must not grow
+// within a major version. In the variable pool nobody waits.
+void QBLThreadPool::setStopWork(int stop) {
+    m_iStopWork.store(stop);
+    if (stop == 0) return;
+    if (auto* fixed = dynamic_cast<QBLThreadPoolFixed*>(this)) fixed->wakeSubmitters();
+    if (auto* queued = dynamic_cast<QBLThreadPoolQueued*>(this)) queued->wakeSubmitters();
+}

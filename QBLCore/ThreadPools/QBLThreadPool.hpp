@@ -7,7 +7,8 @@
 #include "QBLCore/Threads/QBLTimeout.hpp"
 
 /// What the thread pools share. A pool runs from its construction until its destructor, which
-/// sets the stop-work flag, lets the workers end and waits for them.
+/// sets the stop-work flag, lets the workers end and waits for them. A task may end its thread, by
+/// pthread_exit or a cancellation: its worker goes on with another one.
 ///
 /// Threads: execute() and the flag for any thread; nobody may call a pool that is being
 /// destroyed.
@@ -17,9 +18,10 @@ public:
 
     /// Non-zero once execute() refuses tasks with QBLIllegalStateError.
     int getStopWork() const { return m_iStopWork.load(); }
-    /// Setting it stops the pool's work before its destruction; workers end as they notice.
-    /// It is not meant to be taken back.
-    void setStopWork(int stop) { m_iStopWork.store(stop); }
+    /// Setting it stops the pool's work before its destruction: calls of execute() that wait for a
+    /// worker or for room throw QBLIllegalStateError, and workers end as they notice. It is not
+    /// meant to be taken back.
+    void setStopWork(int stop);
 
 protected:
     QBLThreadPool();

@@ -5,10 +5,22 @@
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
+#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
+#include "QBLCore/ThreadPools/internal/QBLPoolWorker.hpp"
 #include "QBLCore/ThreadPools/internal/QBLTaskRun.hpp"
 #include "QBLCore/Threads/QBLThreadSemaphore.hpp"
+
+// Each worker is in one of three places: in the idle queue, with whoever took it out, or at work.
+//
+// 1. A worker that was put into the idle queue ends only after it took itself out again, or after
+//    it was handed something. So no task is handed to a thread that is gone.
+// 2. Whoever takes a worker out hands it a task, or null, exactly once. So no worker waits for
+//    ever, and a destructor that joins it ends.
+// 3. A worker puts itself into the queue and then reads the stop-work flag; whoever stops the pool
+//    sets the flag and then empties the queue. So each one is taken out or sees the flag.
+// 4. A null in the idle queue wakes a submitter after the stop, who passes it on before he throws.
 
 namespace {
 
@@ -17,90 +29,118 @@ const char kWorker[] = "QBLThreadPoolFixed::WorkerThread::WorkerThread";
 
 }  // namespace
 
-class QBLThreadPoolFixed::WorkerThread : public QBLThread {
+class QBLThreadPoolFixed::WorkerThread : public QBLPoolWorker {
 public:
     explicit WorkerThread(QBLThreadPoolFixed& pool) try
-        : QBLThread(nullptr, kPoolStackSize), m_pool(pool), m_handOff(0) {
-        if (m_pool.getStopWork() == 0) start();
+        : QBLPoolWorker(kPoolStackSize), m_pool(pool), m_handOff(0) {
+        if (m_pool.getStopWork() == 0) begin();
     } catch (QBLThrowable& e) {
         QBL_RETHROW_NAMED(e, kWorker);
     }
-    ~WorkerThread() override {
-        wake();
-        qblJoinWorker(*this);
-        takeTask();  // handed over between the flag's being set and its being seen
-    }
+    /// Requires: the worker was handed null, or takes itself out of the idle queue.
+    ~WorkerThread() override { close(); }
 
-    /// Requires: the worker came out of the idle queue.
+    /// Requires: the worker is not in the idle queue, and was not handed anything since it was.
     void process(QBLThreadRunnable* task) {
         m_task.store(task, std::memory_order_relaxed);
         m_handOff.post();
     }
 
-    void run() override {
-        while (m_pool.getStopWork() == 0) {
-            if (!offer()) continue;
-            if (m_pool.getStopWork() != 0) break;
-            if (m_handOff.boundedWait(QBLWaitForever)) takeTask();
-        }
-        takeTask();
+    /// Puts the worker into the idle queue: in front, as the worker that was busy last is more
+    /// likely still awake, and its data in a cache.
+    void beIdle() {
+        WorkerThread* self = this;
+        static_cast<void>(m_pool.m_idle.putFirst(self, QBLWaitForever));
     }
-
-    /// Makes a waiting worker look at the flag.
-    void wake() { m_handOff.post(); }
 
 private:
-    // The worker that was busy last is taken first: it is more likely still awake, and its data
-    // in a cache. False when memory for the place in the queue was short: to be tried again.
-    bool offer() {
-        WorkerThread* self = this;
-        try {
-            return m_pool.m_idle.putFirst(self, QBLWaitForever);
-        } catch (const std::bad_alloc&) {
-            QBLThread::sleep(10);
-            return false;
-        }
+    void serve(bool again) override {
+        // The constructor of the pool makes the worker idle the first time.
+        if (again && !goOn()) return;
+        do {
+            while (!m_handOff.boundedWait(QBLWaitForever)) {
+            }
+            qblRunTask(m_task.exchange(nullptr, std::memory_order_acquire));
+        } while (goOn());
     }
 
-    // Accepted is run.
-    void takeTask() { qblRunTask(m_task.exchange(nullptr, std::memory_order_acquire)); }
+    bool goOn() { return m_pool.getStopWork() == 0 && offer(); }
+
+    /// @return false if the worker is to end.
+    bool offer() {
+        for (;;) {
+            try {
+                beIdle();
+                return m_pool.getStopWork() == 0 || !m_pool.m_idle.withdraw(this);
+            } catch (const std::bad_alloc&) {  // for its place in the queue
+                QBLThread::sleep(10);
+                if (m_pool.getStopWork() != 0) return false;
+            }
+        }
+    }
 
     QBLThreadPoolFixed& m_pool;
     // The queue from the pool to this worker. It needs but one place, as the worker is handed a
     // task only when it is idle; so handing over can neither fail nor wait.
     std::atomic<QBLThreadRunnable*> m_task{nullptr};
-    QBLThreadSemaphore m_handOff;  // posted once per task, and to wake the worker
+    QBLThreadSemaphore m_handOff;
 };
 
 QBLThreadPoolFixed::QBLThreadPoolFixed(unsigned long workers) {
+    unsigned int idle = 0;
     try {
         for (unsigned long i = 0; i < workers; ++i) {
-            m_workers.push_back(nullptr);  // first its place: a running worker must have one
+            m_workers.push_back(nullptr);
             m_workers.back() = new WorkerThread(*this);
         }
+        for (WorkerThread* worker : m_workers) {
+            if (!worker->waitUntilBegun()) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
+            worker->beIdle();
+            ++idle;
+        }
     } catch (...) {
+        for (WorkerThread* worker : m_workers) {
+            if (idle != 0)
+                --idle;
+            else if (worker != nullptr)
+                worker->process(nullptr);
+        }
         stop();
         qblRethrowTranslated(QBL_HERE);
     }
 }
 
-QBLThreadPoolFixed::~QBLThreadPoolFixed() { stop(); }
+QBLThreadPoolFixed::~QBLThreadPoolFixed() {
+    const QBLNoCancel noCancel;
+    stop();
+}
 
 int QBLThreadPoolFixed::execute(QBLThreadRunnable* task, unsigned long timeout) {
-    if (getStopWork() != 0) QBL_THROW(QBLIllegalStateError(0, kStopped));
-    QBL_ALLOC_TRY
     WorkerThread* worker = nullptr;
-    if (!m_idle.get(worker, timeout) || worker == nullptr) return 0;
-    worker->process(task);
-    return 1;
+    bool got = false;
+    QBL_ALLOC_TRY
+    if (getStopWork() == 0) {
+        do got = m_idle.get(worker, timeout);
+        while (got && worker == nullptr && getStopWork() == 0);
+    }
     QBL_ALLOC_CATCH
+    const bool stopped = getStopWork() != 0;
+    if (worker != nullptr)
+        worker->process(stopped ? nullptr : task);
+    else if (got)
+        wakeSubmitters();
+    if (stopped) QBL_THROW(QBLIllegalStateError(0, kStopped));
+    return worker != nullptr ? 1 : 0;
 }
+
+// One null is enough: see above.
+void QBLThreadPoolFixed::wakeSubmitters() { m_idle.wake(); }
 
 void QBLThreadPoolFixed::stop() {
     setStopWork(1);
-    for (WorkerThread* worker : m_workers) {
-        if (worker != nullptr) worker->wake();
-    }
+    WorkerThread* worker = nullptr;
+    while (m_idle.get(worker, 0) && worker != nullptr) worker->process(nullptr);
+    wakeSubmitters();
     while (!m_workers.empty()) {
         delete m_workers.back();
         m_workers.pop_back();

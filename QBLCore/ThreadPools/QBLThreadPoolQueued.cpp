@@ -2,8 +2,18 @@
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
+#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/ThreadPools/internal/QBLPoolWorker.hpp"
 #include "QBLCore/ThreadPools/internal/QBLTaskRun.hpp"
+
+// 1. A submitter puts its task and then reads the stop-work flag. If it is set, he takes the task
+//    back and throws, unless a worker has got it.
+// 2. A worker reads the flag before it looks into the queue, and ends only if the flag was set and
+//    the queue was empty (or its task is to be dropped). So it has seen every task that was
+//    accepted.
+// 3. A stop gives one place more to the queue. A submitter that gets one and sees the flag gives it
+//    back, so that all those who wait get it one after the other.
 
 namespace {
 
@@ -19,26 +29,34 @@ const unsigned long kPollInterval = 10000;
 
 }  // namespace
 
-class QBLThreadPoolQueued::WorkerThread : public QBLThread {
+class QBLThreadPoolQueued::WorkerThread : public QBLPoolWorker {
 public:
     WorkerThread(QBLThreadPoolQueued& pool, unsigned long stackSize)
-        : QBLThread(nullptr, stackSize), m_pool(pool) {
-        start();
+        : QBLPoolWorker(stackSize), m_pool(pool) {
+        begin();
     }
-    ~WorkerThread() override { qblJoinWorker(*this); }
+    ~WorkerThread() override { close(); }
 
-    void run() override {
+private:
+    void serve(bool) override {
+        work();
+        m_pool.m_tasks.wake();  // the null that ended this one may have been another's
+    }
+
+    void work() {
         for (;;) {
+            const bool stopping = m_pool.getStopWork() != 0;
             QBLThreadRunnable* task = nullptr;
-            const bool got = m_pool.m_tasks.get(task, kPollInterval) && task != nullptr;
-            // A task taken after the stop is deliberately dropped when queued work is not to
-            // be finished. Nulls come out of the queue after all tasks.
-            if (m_pool.getStopWork() != 0 && (!got || m_pool.m_iFinishQueuedWork == 0)) return;
+            const bool got =
+                m_pool.m_tasks.get(task, stopping ? 0 : kPollInterval) && task != nullptr;
+            if (stopping && !got) return;
+            // A task taken after the stop is deliberately dropped when queued work is not to be
+            // finished. Nulls come out of the queue after all tasks.
+            if (m_pool.m_iFinishQueuedWork == 0 && m_pool.getStopWork() != 0) return;
             qblRunTask(task);
         }
     }
 
-private:
     QBLThreadPoolQueued& m_pool;
 };
 
@@ -53,22 +71,37 @@ QBLThreadPoolQueued::QBLThreadPoolQueued(unsigned long workers, unsigned long ca
             m_workers.push_back(nullptr);  // first its place: a running worker must have one
             m_workers.back() = new WorkerThread(*this, stackSize);
         }
+        for (WorkerThread* worker : m_workers)
+            if (!worker->waitUntilBegun()) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
     } catch (...) {
         stop();
         qblRethrowTranslated(QBL_HERE);
     }
 }
 
-QBLThreadPoolQueued::~QBLThreadPoolQueued() { stop(); }
+QBLThreadPoolQueued::~QBLThreadPoolQueued() {
+    const QBLNoCancel noCancel;
+    stop();
+}
 
 int QBLThreadPoolQueued::execute(QBLThreadRunnable* task, unsigned long timeout) {
-    if (getStopWork() != 0) QBL_THROW(QBLIllegalStateError(0, kStopped));
     static Nothing nothing;
     if (task == nullptr) task = &nothing;  // takes its place in the queue like any other
+    bool accepted = false;
     QBL_ALLOC_TRY
-    return m_tasks.put(task, timeout) ? 1 : 0;
+    const bool room = getStopWork() == 0 && m_tasks.reserve(timeout);
+    if (room && getStopWork() != 0) {
+        m_tasks.release();
+    } else if (room) {
+        m_tasks.putReserved(task);
+        accepted = getStopWork() == 0 || !m_tasks.withdraw(task);
+    }
     QBL_ALLOC_CATCH
+    if (!accepted && getStopWork() != 0) QBL_THROW(QBLIllegalStateError(0, kStopped));
+    return accepted ? 1 : 0;
 }
+
+void QBLThreadPoolQueued::wakeSubmitters() { m_tasks.release(); }
 
 // A worker that waits is woken by a null of its own, so that destruction takes as long as the
 // work and not a poll.
@@ -79,4 +112,5 @@ void QBLThreadPoolQueued::stop() {
         delete m_workers.front();
         m_workers.pop_front();
     }
+    if (m_iFinishQueuedWork != 0) qblRunLeft(m_tasks);  // by workers that ended in a task
 }

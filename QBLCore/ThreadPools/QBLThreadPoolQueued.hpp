@@ -24,12 +24,15 @@ public:
     /// @param task  null is accepted and does nothing
     /// @param timeout  ms to wait for room in the queue
     /// @return 0 when the queue stayed full.
-    /// @throws QBLIllegalStateError once the stop-work flag is set; QBLOutOfMemoryError
+    /// @throws QBLIllegalStateError once the stop-work flag is set, also while it waits;
+    ///     QBLOutOfMemoryError
     int execute(QBLThreadRunnable* task, unsigned long timeout = 0) override;
 
 private:
+    friend class QBLThreadPool;
     class WorkerThread;
 
+    void wakeSubmitters();
     void stop();
 
     const unsigned long m_workerCount;

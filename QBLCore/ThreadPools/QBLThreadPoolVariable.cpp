@@ -5,9 +5,20 @@
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
+#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/ThreadPools/internal/QBLTaskRun.hpp"
 #include "QBLCore/Utility/QBLHighResolutionTime.hpp"
+
+// Tasks are counted from before they are put until after they were run; workers from when they are
+// made until they leave, under the mutex. outnumbered() compares the two without it.
+//
+// 1. A submitter counts its task and then looks at the number of workers. A worker that leaves is
+//    taken off their number first; only then it looks at the number of tasks, from which the task
+//    that ended it is taken off at last. So one of the two sees that a worker is missing.
+// 2. A submitter puts its task and then reads the stop-work flag; if it is set, he takes the task
+//    back and throws, unless a worker has got it. A worker ends only if it saw the flag set, and
+//    the queue empty after that. So it has seen every task that was accepted.
 
 namespace {
 
@@ -20,30 +31,38 @@ const std::int64_t kPatienceNs = 50000;
 class QBLThreadPoolVariable::WorkerThread : public QBLThread {
 public:
     WorkerThread(QBLThreadPoolVariable& pool, bool temporary)
-        : QBLThread(nullptr, kPoolStackSize), m_iTemporary(temporary ? 1 : 0), m_pool(pool) {
+        : QBLThread(nullptr, kPoolStackSize),
+          m_iTemporary(temporary ? 1 : 0),
+          m_pool(pool),
+          m_began(0) {
         start();
     }
-    ~WorkerThread() override { qblJoinWorker(*this); }
+    ~WorkerThread() override { joinQuietly(); }
 
     void run() override {
+        const QBLNoCancel noCancel;
+        m_began.post();
         // Leaves however the cycle ends: a task may end its thread.
         struct Departure {
             WorkerThread* worker;
             ~Departure() {
-                if (worker != nullptr) worker->m_pool.leave(*worker, false);
+                if (worker != nullptr) worker->depart();
             }
         } departure{this};
         while (m_pool.getStopWork() == 0) {
-            if (!work(idleTimeout()) && m_iTemporary != 0 && m_pool.leave(*this, true)) {
+            const bool idle = !work(idleTimeout());
+            if (idle || m_iTemporary == 0) m_pool.reap(false);
+            if (idle && m_iTemporary != 0 && m_pool.leave(*this, true)) {
                 departure.worker = nullptr;
                 return;
             }
-            if (m_iTemporary == 0) m_pool.reap(false);
         }
         while (work(0)) {
         }
         m_pool.m_tasks.wake();  // the null that ended this one may have been another's
     }
+
+    bool waitUntilBegun() { return qblHasBegun(*this, m_began); }
 
     QBLListIterator<WorkerThread*> m_place;  // among the living; guarded by the pool's mutex
 
@@ -53,12 +72,18 @@ private:
         QBLThreadRunnable* task = nullptr;
         if (!m_pool.m_tasks.get(task, timeout)) return false;
         if (task == nullptr) return timeout != 0;
-        struct Done {
-            QBLThreadPoolVariable& pool;
-            ~Done() { --pool.m_taskCount; }
-        } done{m_pool};
+        m_bAtWork = true;
         qblRunTask(task);
+        m_bAtWork = false;
+        --m_pool.m_taskCount;
         return true;
+    }
+
+    void depart() {
+        m_pool.leave(*this, false);
+        if (!m_bAtWork) return;
+        --m_pool.m_taskCount;
+        m_pool.replaceWorker();
     }
 
     // A worker that stays must not spin while it is idle.
@@ -67,7 +92,9 @@ private:
     }
 
     const int m_iTemporary;
+    bool m_bAtWork = false;
     QBLThreadPoolVariable& m_pool;
+    QBLThreadSemaphore m_began;
 };
 
 QBLThreadPoolVariable::QBLThreadPoolVariable(unsigned long permanentWorkers,
@@ -81,6 +108,7 @@ QBLThreadPoolVariable::QBLThreadPoolVariable(unsigned long permanentWorkers,
       m_mutex(0) {}
 
 QBLThreadPoolVariable::~QBLThreadPoolVariable() {
+    const QBLNoCancel noCancel;
     setStopWork(1);
     do {
         for (unsigned long fed = 0; fed <= getWorkerCount(); ++fed) m_tasks.wake();
@@ -90,39 +118,39 @@ QBLThreadPoolVariable::~QBLThreadPoolVariable() {
         }
         reap(true);  // an exit routine may just have added a worker
     } while (getWorkerCount() != 0);
-    QBLThreadRunnable* task = nullptr;
-    while (m_tasks.get(task, 0)) qblRunTask(task);  // accepted when no worker could be added
+    qblRunLeft(m_tasks);  // by a worker that ended in a task, or accepted when none could be added
 }
 
 int QBLThreadPoolVariable::execute(QBLThreadRunnable* task, unsigned long timeout) {
     if (getStopWork() != 0) QBL_THROW(QBLIllegalStateError(0, kStopped));
     if (task == nullptr) return 1;
+    bool accepted = false;
     QBL_ALLOC_TRY
+    accepted = submit(task, timeout != 0 ? timeout : m_defaultTimeout);
+    QBL_ALLOC_CATCH
+    if (!accepted && getStopWork() != 0) QBL_THROW(QBLIllegalStateError(0, kStopped));
+    return accepted ? 1 : 0;
+}
+
+bool QBLThreadPoolVariable::submit(QBLThreadRunnable* task, unsigned long timeout) {
+    struct Count {
+        std::atomic<unsigned int>& tasks;
+        bool kept = false;
+        ~Count() {
+            if (!kept) --tasks;
+        }
+    } count{m_taskCount};
     ++m_taskCount;
-    bool queued = false;
+    if (!m_tasks.put(task, timeout)) return false;
     try {
-        queued = m_tasks.put(task, timeout != 0 ? timeout : m_defaultTimeout);
-    } catch (...) {
-        --m_taskCount;
-        throw;
-    }
-    if (!queued) {
-        --m_taskCount;
-        return 0;
-    }
-    if (!needsWorker()) return 1;
-    try {
-        addWorker();
+        if (needsWorker()) addWorker();
     } catch (...) {
         // While a worker lives the task will be run: to report a failure then would make its
         // owner free it too early.
-        if (getWorkerCount() == 0 && m_tasks.withdraw(task)) {
-            --m_taskCount;
-            throw;
-        }
+        if (getWorkerCount() == 0 && m_tasks.withdraw(task)) throw;
     }
-    return 1;
-    QBL_ALLOC_CATCH
+    count.kept = getStopWork() == 0 || !m_tasks.withdraw(task);
+    return count.kept;
 }
 
 // Whether tasks outnumber the workers, and still do after about the time that a new thread takes
@@ -144,23 +172,35 @@ unsigned long QBLThreadPoolVariable::getWorkerCount() const {
     return m_workerCount;
 }
 
-// Under the mutex as a whole, so that whoever sees a worker counted may rely on it.
+// Under the mutex as a whole, so that whoever sees a worker counted may rely on it. The only worker
+// must have begun for that; others are not waited for, which would slow down bursts.
 void QBLThreadPoolVariable::addWorker() {
     buryLost();
     reap(false);
     QBLThreadGuard guard(m_mutex);
     if (getStopWork() != 0 || !outnumbered()) return;
     m_living.push_back(nullptr);
-    WorkerThread* worker = nullptr;
+    std::unique_ptr<WorkerThread> worker;
     try {
-        worker = new WorkerThread(*this, m_workerCount >= m_permanentWorkers);
+        worker.reset(new WorkerThread(*this, m_workerCount >= m_permanentWorkers));
+        if (m_workerCount == 0 && !worker->waitUntilBegun())
+            QBL_THROW(QBLOutOfMemoryError(0, nullptr));
     } catch (...) {
         m_living.pop_back();
         throw;
     }
     ++m_workerCount;
-    m_living.back() = worker;
     worker->m_place = --m_living.end();
+    m_living.back() = worker.release();
+}
+
+// For the worker that a task has ended, on its thread: as long as there is no other to run what was
+// accepted, it must succeed. After a stop, the destructor does it.
+void QBLThreadPoolVariable::replaceWorker() {
+    while (getStopWork() == 0 && outnumbered()) {
+        if (tavContain([this] { addWorker(); })) return;
+        QBLThread::sleep(10);
+    }
 }
 
 // Moves a worker from the living to the dead; after that only reap() may touch it. With mayStay

@@ -38,9 +38,11 @@ public:
 private:
     class WorkerThread;
 
+    bool submit(QBLThreadRunnable* task, unsigned long timeout);
     bool outnumbered() const;
     bool needsWorker() const;
     void addWorker();
+    void replaceWorker();
     bool leave(WorkerThread& worker, bool mayStay);
     void buryLost();
     void reap(bool all);

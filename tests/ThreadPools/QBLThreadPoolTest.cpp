@@ -2,9 +2,12 @@
 #include <pthread.h>
 
 #include <atomic>
+#include <cstring>
+#include <initializer_list>
 #include <memory>
 #include <stdexcept>
 
+#include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/Frame/QBLCore.h"
 #include "QBLCore/ThreadPools/QBLThreadPoolFixed.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
@@ -40,6 +43,20 @@ private:
 class Throwing : public QBLThreadRunnable {
 public:
     void run() override { throw std::runtime_error("dropped"); }
+};
+
+/// Ends its thread, at once or as soon as that can be cancelled.
+class Ending : public QBLThreadRunnable {
+public:
+    explicit Ending(bool cancelled = false) : m_bCancelled(cancelled) {}
+    void run() override {
+        ++runs;
+        m_bCancelled ? static_cast<void>(pthread_cancel(pthread_self())) : pthread_exit(nullptr);
+    }
+    std::atomic<int> runs{0};
+
+private:
+    bool m_bCancelled;
 };
 
 class QBLThreadPoolTest : public ::testing::Test {
@@ -149,18 +166,117 @@ TEST_F(QBLThreadPoolTest, VariableReapsAWorkerWhoseExitRoutineSubmits) {
 }
 
 TEST_F(QBLThreadPoolTest, VariableSurvivesATaskThatEndsItsThread) {
-    class Ending : public QBLThreadRunnable {
-    public:
-        void run() override { pthread_exit(nullptr); }
-    } ending;
+    Ending ending;
     Counting counting;
-    {
-        QBLThreadPoolVariable pool(1, 1000, 1);
+    QBLThreadPoolVariable pool(1, 1000, 1);
+    EXPECT_EQ(1, pool.execute(&ending, 0));
+    EXPECT_TRUE(eventually([&] { return pool.getWorkerCount() == 0; }));
+    for (int i = 1; i <= 500; ++i) {
         EXPECT_EQ(1, pool.execute(&ending, 0));
-        EXPECT_TRUE(eventually([&] { return pool.getWorkerCount() == 0; }));
+        while (ending.runs <= i) {
+        }
+        for (std::atomic<int> spin{i * 100}; spin > 0; --spin) {  // to meet each moment of its end
+        }
         EXPECT_EQ(1, pool.execute(&counting, 0));
+        ASSERT_TRUE(eventually([&] { return counting.runs == i; })) << i;
     }
-    EXPECT_EQ(1, counting.runs);
+}
+
+TEST_F(QBLThreadPoolTest, AWorkerGoesOnWithAnotherThreadWhenATaskEndsItsOwn) {
+    for (int kind = 0; kind < 3; ++kind) {
+        Ending exits, cancels(true);
+        Counting counting;
+        auto pool = make(kind);
+        for (int i = 0; i < 20; ++i) {
+            for (QBLThreadRunnable* task :
+                 std::initializer_list<QBLThreadRunnable*>{&exits, &cancels, &exits, &counting})
+                ASSERT_EQ(1, pool->execute(task, kTestLimitMs)) << "kind " << kind;
+            ASSERT_TRUE(eventually([&] { return counting.runs == i + 1; })) << "kind " << kind;
+        }
+    }
+}
+
+TEST_F(QBLThreadPoolTest, AcceptedTasksOutliveWorkersThatEndInTheDestruction) {
+    struct EndingLast : QBLThreadRunnable {
+        QBLThreadPool* pool = nullptr;
+        void run() override {
+            while (pool->getStopWork() == 0) QBLThread::yield();
+            pthread_exit(nullptr);
+        }
+    };
+    for (int kind : {1, 2}) {
+        Ending ending;
+        Counting counting;
+        EndingLast first;
+        auto pool = make(kind);
+        first.pool = pool.get();
+        for (QBLThreadRunnable* task :
+             std::initializer_list<QBLThreadRunnable*>{&first, &first, &ending, &counting}) {
+            EXPECT_EQ(1, pool->execute(task, 0)) << "kind " << kind;
+            fault::failCall(fault::ThreadCreate, 0, EAGAIN);  // the living worker is relied on
+        }
+        fault::reset();
+        pool.reset();
+        EXPECT_EQ(1, counting.runs) << "kind " << kind;
+    }
+}
+
+TEST_F(QBLThreadPoolTest, TheStopFlagWakesWaitingSubmittersAndLosesNoTask) {
+    for (const char* kind : {"fixed", "queued", "queued, unfinished"}) {
+        Gate gate;
+        Blocking blocking(gate);
+        Counting counting;
+        std::unique_ptr<QBLThreadPool> pool;
+        if (kind[0] == 'f')
+            pool = std::make_unique<QBLThreadPoolFixed>(1);
+        else
+            pool = std::make_unique<QBLThreadPoolQueued>(1, 1, std::strlen(kind) < 7 ? 1 : 0);
+        EXPECT_EQ(1, pool->execute(&blocking, QBLWaitForever));
+        EXPECT_TRUE(eventually([&] { return blocking.started == 1; }));
+        while (pool->execute(&blocking, 0) != 0) {  // fills the queue
+        }
+        std::atomic<int> refused{0};
+        Workers submitters(3, [&] {
+            try {
+                pool->execute(&counting, QBLWaitForever);
+            } catch (const QBLIllegalStateError&) {
+                ++refused;
+            }
+        });
+        QBLThread::sleep(5);  // to find them waiting
+        pool->setStopWork(1);
+        EXPECT_TRUE(eventually([&] { return refused == 3; })) << kind;
+        gate.open();
+        submitters.join();
+        pool.reset();
+        EXPECT_EQ(0, counting.runs) << kind;
+    }
+    for (int round = 0; round < 60; ++round) {
+        auto pool = make(round % 3);
+        Counting counting;
+        std::atomic<int> accepted{0};
+        Workers submitters(3, [&] {
+            try {
+                for (;;) accepted += pool->execute(&counting, QBLWaitForever);
+            } catch (const QBLIllegalStateError&) {
+            }
+        });
+        EXPECT_TRUE(eventually([&] { return accepted > 20; }));
+        pool->setStopWork(1);
+        submitters.join();
+        EXPECT_TRUE(eventually([&] { return counting.runs == accepted; }))
+            << "kind " << round % 3 << ": without the destructor's help";
+    }
+}
+
+TEST_F(QBLThreadPoolTest, FixedIsBornWithIdleWorkers) {
+    for (int i = 0; i < 50; ++i) {
+        Gate gate;
+        Blocking blocking(gate);
+        QBLThreadPoolFixed pool(3);
+        for (int k = 0; k < 3; ++k) EXPECT_EQ(1, pool.execute(&blocking, 0));
+        gate.open();
+    }
 }
 
 TEST_F(QBLThreadPoolTest, QueuedKeepsToItsCapacity) {
