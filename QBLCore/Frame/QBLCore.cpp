@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <new>
 
+#include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Frame/internal/QBLImmortal.hpp"
 #include "QBLCore/QBLCustodian/QBLCustodian.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
@@ -52,6 +53,7 @@ int qblCoreInitialize() {
     QBLThreadGuard guard(g_library.refCountLock);
     if (++g_library.refCount != 1) return 0;
     int result = 0;
+    QBL_ALLOC_TRY
     if (qblThreadProcessInitialize(kName) < 0) result = kSubsystemFailed;
     if (!QBLCustodian::initialize()) {
         result = kSubsystemFailed;
@@ -62,6 +64,7 @@ int qblCoreInitialize() {
         qblThreadProcessTerminate(kName);
     }
     I18NPooledString::initialize();
+    QBL_ALLOC_CATCH
     return result;
 }
 

@@ -32,6 +32,9 @@ struct Shared {
     static Shared& instance() { return qblImmortal<Shared>(); }
 };
 
+// Made when the library is loaded, so that no stop fails for want of it.
+[[maybe_unused]] Shared& g_shared = Shared::instance();
+
 thread_local bool t_isCustodian = false;
 
 /// Neither the log nor its texts may keep the process from ending.

@@ -4,10 +4,10 @@
 
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
-#include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/ThreadPools/QBLThreadExecuteRunnable.hpp"
 #include "QBLCore/Threads/QBLThread.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
+#include "QBLCore/Threads/internal/QBLLayerResult.hpp"
 #include "QBLCore/Threads/internal/QBLNoCancel.hpp"
 #include "TavThread/internal/TavContain.hpp"
 
@@ -135,7 +135,7 @@ void QBLTaskGroup::waitForAll() {
 }
 
 void QBLTaskGroup::wait(const QBLFileLocation& where) {
-    if (Running::isPieceOf(*this)) QBL_THROW(QBLIllegalStateError(0, kOwnPiece));
+    if (Running::isPieceOf(*this)) qblThrow<QBLIllegalStateError>(QBL_HERE, kOwnPiece);
     QBLThreadGuard guard(m_lock);
     waitForAll();
     if (!m_bFailed) return;

@@ -11,6 +11,7 @@
 #include "QBLCore/ThreadPools/internal/QBLPoolWorker.hpp"
 #include "QBLCore/ThreadPools/internal/QBLTaskRun.hpp"
 #include "QBLCore/Threads/QBLThreadSemaphore.hpp"
+#include "QBLCore/Threads/internal/QBLLayerResult.hpp"
 
 // Each worker is in one of three places: in the idle queue, with whoever took it out, or at work.
 //
@@ -94,7 +95,7 @@ QBLThreadPoolFixed::QBLThreadPoolFixed(unsigned long workers) {
             m_workers.back() = new WorkerThread(*this);
         }
         for (WorkerThread* worker : m_workers) {
-            if (!worker->waitUntilBegun()) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
+            if (!worker->waitUntilBegun()) qblThrow<QBLOutOfMemoryError>(QBL_HERE, nullptr);
             worker->beIdle();
             ++idle;
         }
@@ -129,7 +130,7 @@ int QBLThreadPoolFixed::execute(QBLThreadRunnable* task, unsigned long timeout) 
         worker->process(stopped ? nullptr : task);
     else if (got)
         wakeSubmitters();
-    if (stopped) QBL_THROW(QBLIllegalStateError(0, kStopped));
+    if (stopped) qblThrow<QBLIllegalStateError>(QBL_HERE, kStopped);
     return worker != nullptr ? 1 : 0;
 }
 

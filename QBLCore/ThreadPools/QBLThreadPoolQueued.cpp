@@ -3,9 +3,9 @@
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
-#include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/ThreadPools/internal/QBLPoolWorker.hpp"
 #include "QBLCore/ThreadPools/internal/QBLTaskRun.hpp"
+#include "QBLCore/Threads/internal/QBLLayerResult.hpp"
 
 // 1. A submitter puts its task and then reads the stop-work flag. If it is set, he takes the task
 //    back and throws, unless a worker has got it.
@@ -72,7 +72,7 @@ QBLThreadPoolQueued::QBLThreadPoolQueued(unsigned long workers, unsigned long ca
             m_workers.back() = new WorkerThread(*this, stackSize);
         }
         for (WorkerThread* worker : m_workers)
-            if (!worker->waitUntilBegun()) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
+            if (!worker->waitUntilBegun()) qblThrow<QBLOutOfMemoryError>(QBL_HERE, nullptr);
     } catch (...) {
         stop();
         qblRethrowTranslated(QBL_HERE);
@@ -97,7 +97,7 @@ int QBLThreadPoolQueued::execute(QBLThreadRunnable* task, unsigned long timeout)
         accepted = getStopWork() == 0 || !m_tasks.withdraw(task);
     }
     QBL_ALLOC_CATCH
-    if (!accepted && getStopWork() != 0) QBL_THROW(QBLIllegalStateError(0, kStopped));
+    if (!accepted && getStopWork() != 0) qblThrow<QBLIllegalStateError>(QBL_HERE, kStopped);
     return accepted ? 1 : 0;
 }
 

@@ -6,8 +6,8 @@
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
-#include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/ThreadPools/internal/QBLTaskRun.hpp"
+#include "QBLCore/Threads/internal/QBLLayerResult.hpp"
 #include "QBLCore/Utility/QBLHighResolutionTime.hpp"
 
 // Tasks are counted from before they are put until after they were run; workers from when they are
@@ -122,13 +122,13 @@ QBLThreadPoolVariable::~QBLThreadPoolVariable() {
 }
 
 int QBLThreadPoolVariable::execute(QBLThreadRunnable* task, unsigned long timeout) {
-    if (getStopWork() != 0) QBL_THROW(QBLIllegalStateError(0, kStopped));
+    if (getStopWork() != 0) qblThrow<QBLIllegalStateError>(QBL_HERE, kStopped);
     if (task == nullptr) return 1;
     bool accepted = false;
     QBL_ALLOC_TRY
     accepted = submit(task, timeout != 0 ? timeout : m_defaultTimeout);
     QBL_ALLOC_CATCH
-    if (!accepted && getStopWork() != 0) QBL_THROW(QBLIllegalStateError(0, kStopped));
+    if (!accepted && getStopWork() != 0) qblThrow<QBLIllegalStateError>(QBL_HERE, kStopped);
     return accepted ? 1 : 0;
 }
 
@@ -184,7 +184,7 @@ void QBLThreadPoolVariable::addWorker() {
     try {
         worker.reset(new WorkerThread(*this, m_workerCount >= m_permanentWorkers));
         if (m_workerCount == 0 && !worker->waitUntilBegun())
-            QBL_THROW(QBLOutOfMemoryError(0, nullptr));
+            qblThrow<QBLOutOfMemoryError>(QBL_HERE, nullptr);
     } catch (...) {
         m_living.pop_back();
         throw;

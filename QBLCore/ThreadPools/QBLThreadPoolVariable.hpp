@@ -20,6 +20,7 @@ public:
     /// @param permanentWorkers  how many workers stay
     /// @param defaultTimeout  ms, for execute() with a timeout of 0
     /// @param idleTimeout  ms without a task after which one of the other workers ends
+    /// @throws QBLOutOfMemoryError, QBLThreadResourceError
     QBLThreadPoolVariable(unsigned long permanentWorkers, unsigned long defaultTimeout,
                           unsigned long idleTimeout);
     /// Waits for the tasks that were accepted.

@@ -4,9 +4,9 @@
 #include "QBLCore/Exceptions/QBLThreadResourceError.hpp"
 
 void qblThrowThreadResource(QBLFileLocation where, const char* text) {
-    QBLThreadResourceError(0, text).hurl(where, nullptr, "QBL_THROW");
+    qblThrow<QBLThreadResourceError>(where, text);
 }
 
 void qblThrowOutOfMemory(QBLFileLocation where, const char* text) {
-    QBLOutOfMemoryError(0, text).hurl(where, nullptr, "QBL_THROW");
+    qblThrow<QBLOutOfMemoryError>(where, text);
 }

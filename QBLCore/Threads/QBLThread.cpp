@@ -9,11 +9,11 @@
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThreadResourceError.hpp"
-#include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/Frame/internal/QBLImmortal.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Threads/QBLThreadKey.hpp"
+#include "QBLCore/Threads/internal/QBLLayerResult.hpp"
 #include "QBLCore/Threads/internal/QBLNoCancel.hpp"
 #include "TavThread/TavThread.h"
 #include "TavThread/internal/TavContain.hpp"
@@ -52,6 +52,9 @@ struct CurrentThread {
     }
 };
 
+// Made when the library is loaded, so that no thread and no stop fails for want of it.
+CurrentThread& g_current = qblImmortal<CurrentThread>();
+
 }  // namespace
 
 QBLThread::QBLThread(QBLThreadRunnable* runnable, unsigned long stackSize)
@@ -63,9 +66,8 @@ QBLThread::~QBLThread() {
     const QBLNoCancel noCancel;
     // If that fails, the thread is lost; all that is left to do is to let go of its record.
     tavContain([this] {
-        CurrentThread& current = qblImmortal<CurrentThread>();
-        if (current.get() == this)
-            current.set(nullptr);  // execute() then knows that the object is gone
+        if (g_current.get() == this)
+            g_current.set(nullptr);  // execute() then knows that the object is gone
         else
             join();
     });
@@ -78,7 +80,7 @@ void QBLThread::start() {
     TavThread* previous = record();
     if (previous != nullptr) {
         if (previous->joinable.load() != TavJoinable::Joined)
-            QBL_THROW(QBLIllegalStateError(0, kStarted));
+            qblThrow<QBLIllegalStateError>(QBL_HERE, kStarted);
         __atomic_store_n(&m_pThread, nullptr, __ATOMIC_RELEASE);
         tavXThreadDestroy(previous);
     }
@@ -92,11 +94,11 @@ void QBLThread::start() {
         case TAVTHREAD_OK:
             break;
         case TAVTHREAD_NOMEM:
-            QBL_THROW(QBLOutOfMemoryError(0, kNoMemory));
+            qblThrow<QBLOutOfMemoryError>(QBL_HERE, kNoMemory);
         case TAVTHREAD_AGAIN:
-            QBL_THROW(QBLThreadResourceError(0, nullptr));
+            qblThrow<QBLThreadResourceError>(QBL_HERE, nullptr);
         default:
-            QBL_THROW(QBLThreadResourceError(0, kStart));
+            qblThrow<QBLThreadResourceError>(QBL_HERE, kStart);
     }
 }
 
@@ -105,10 +107,10 @@ void QBLThread::join() {
     if (thread == nullptr) return;
     if (thread != tavThreadPeek() && thread->joinable.load() == TavJoinable::Joined) return;
     if (tavXThreadJoin(thread, nullptr) != TAVTHREAD_OK) {
-        QBL_THROW(QBLThreadResourceError(0, kJoin));
+        qblThrow<QBLThreadResourceError>(QBL_HERE, kJoin);
     }
     if (tavXThreadAutopsy(thread) == TavThreadExitException) {
-        QBL_THROW(QBLThreadResourceError(0, kThrew));
+        qblThrow<QBLThreadResourceError>(QBL_HERE, kThrew);
     }
 }
 
@@ -140,8 +142,8 @@ void QBLThread::sleep(unsigned long ms) {
 
 int QBLThread::atExit(void (*routine)(), int set) {
     if (set != 0 && routine == nullptr) return -1;
-    if (!qblImmortal<CurrentThread>().isOpen()) return -1;
-    QBLThread* thread = qblImmortal<CurrentThread>().get();
+    if (!g_current.isOpen()) return -1;
+    QBLThread* thread = g_current.get();
     if (thread == nullptr) return -1;
     thread->m_pAtExit = set != 0 ? routine : nullptr;
     return 0;
@@ -149,10 +151,9 @@ int QBLThread::atExit(void (*routine)(), int set) {
 
 int QBLThread::Initialize() {
     try {
-        CurrentThread& current = qblImmortal<CurrentThread>();
-        QBLThreadGuard guard(current.lock);
-        current.makeKey();
-        current.open = true;
+        QBLThreadGuard guard(g_current.lock);
+        g_current.makeKey();
+        g_current.open = true;
         return TAVTHREAD_OK;
     } catch (const QBLOutOfMemoryError&) {
         return TAVTHREAD_NOMEM;
@@ -164,9 +165,8 @@ int QBLThread::Initialize() {
 }
 
 int QBLThread::Terminate() {
-    CurrentThread& current = qblImmortal<CurrentThread>();
-    QBLThreadGuard guard(current.lock);
-    current.open = false;
+    QBLThreadGuard guard(g_current.lock);
+    g_current.open = false;
     return TAVTHREAD_OK;
 }
 
@@ -176,11 +176,10 @@ void* QBLThread::main(void* self) {
 }
 
 TAV_CATCHES_UNWINDING void QBLThread::execute() {
-    CurrentThread& current = qblImmortal<CurrentThread>();
-    if (!tavContain([&] { current.set(this); })) return;
+    if (!tavContain([&] { g_current.set(this); })) return;
     // Also when run() ends the thread from within, but not when it has destroyed the object.
     const auto callAtExit = [&] {
-        if (current.get() != this || m_pAtExit == nullptr) return;
+        if (g_current.get() != this || m_pAtExit == nullptr) return;
         void (*const routine)() = m_pAtExit;
         tavContain(routine);
     };

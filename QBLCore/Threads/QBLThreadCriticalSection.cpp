@@ -1,6 +1,5 @@
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 
-#include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/Exceptions/QBLUnsupportedOperationError.hpp"
 #include "QBLCore/Threads/internal/QBLLayerMutex.hpp"
 #include "QBLCore/Threads/internal/QBLLayerResult.hpp"
@@ -49,6 +48,7 @@ void QBLThreadCriticalSection::unlock() QBL_NO_THREAD_SAFETY_ANALYSIS {
 
 bool QBLThreadCriticalSection::tryLock() QBL_NO_THREAD_SAFETY_ANALYSIS {
     const int result = tavXMutexTryLock_(m_pMutex, __FILE__, __LINE__);
-    if (result == TAVTHREAD_NOTSUPPORTED) QBL_THROW(QBLUnsupportedOperationError(0, kNoTryLock));
+    if (result == TAVTHREAD_NOTSUPPORTED)
+        qblThrow<QBLUnsupportedOperationError>(QBL_HERE, kNoTryLock);
     return settleTry(result, QBL_HERE, kTryLock);
 }

@@ -3,8 +3,8 @@
 #include <cstdio>
 
 #include "QBLCore/Exceptions/QBLThreadResourceError.hpp"
-#include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/Threads/QBLThreadProcess.h"
+#include "QBLCore/Threads/internal/QBLLayerResult.hpp"
 
 namespace {
 
@@ -19,6 +19,6 @@ QBLThreadInit::QBLThreadInit() : m_bSuccess(false), m_iErrorCode(0) {
     if (!m_bSuccess) {
         char text[sizeof kFailed + 16];
         std::snprintf(text, sizeof text, kFailed, m_iErrorCode);
-        QBL_THROW(QBLThreadResourceError(0, text));
+        qblThrow<QBLThreadResourceError>(QBL_HERE, text);
     }
 }

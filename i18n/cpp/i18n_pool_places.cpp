@@ -138,6 +138,9 @@ private:
     std::size_t m_left QBL_GUARDED_BY(m_lock) = 0;              // how many
 };
 
+// Made when the library is loaded: giving back must not fail for want of it.
+[[maybe_unused]] Places& g_places = qblImmortal<Places>();
+
 }  // namespace
 
 Entry* I18NPoolPlaces::take() {

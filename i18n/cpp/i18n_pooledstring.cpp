@@ -29,6 +29,9 @@ struct Starts {
     bool registered QBL_GUARDED_BY(s_initLock) = false;
 };
 
+// Made when the library is loaded, so that no stop fails for want of it.
+[[maybe_unused]] Starts& g_starts = qblImmortal<Starts>();
+
 struct Hashed {
     std::uint32_t hash;
     std::size_t length;

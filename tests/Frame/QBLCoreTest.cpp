@@ -8,8 +8,10 @@
 #include <cerrno>
 #include <random>
 
+#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
 #include "QBLCore/Threads/QBLThread.hpp"
+#include "tests/support/Child.hpp"
 #include "tests/support/FaultInjection.hpp"
 #include "tests/support/Workers.hpp"
 
@@ -78,6 +80,22 @@ TEST(QBLCoreTest, CountsAFailedStartToo) {
     EXPECT_EQ(0, qblCoreInitialize());
     EXPECT_TRUE(isUp());
     EXPECT_EQ(0, qblCoreTerminate());
+}
+
+TEST(QBLCoreTest, StopsWithoutMemoryHoweverItStarted) {
+    if (kThreadSanitizer) GTEST_SKIP() << "the sanitizer starts no thread in a forked process";
+    for (const bool startFails : {false, true}) {
+        const int status = inChild([=] {
+            fault::exhaustMemory(startFails);
+            try {
+                qblCoreInitialize();
+            } catch (const QBLOutOfMemoryError&) {
+            }
+            fault::exhaustMemory(true);
+            return qblCoreTerminate();
+        });
+        EXPECT_EQ(0, status) << startFails;
+    }
 }
 
 TEST(QBLCoreTest, TellsItsVersionAndWhoIsCompatible) {

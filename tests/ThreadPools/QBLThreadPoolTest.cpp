@@ -3,11 +3,13 @@
 
 #include <atomic>
 #include <cstring>
+#include <functional>
 #include <initializer_list>
 #include <memory>
 #include <stdexcept>
 
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
+#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Frame/QBLCore.h"
 #include "QBLCore/ThreadPools/QBLThreadPoolFixed.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
@@ -324,6 +326,21 @@ TEST_F(QBLThreadPoolTest, FailedConstructionLeavesNoThreadBehind) {
         EXPECT_GT(failed, 4);
         fault::failCall(fault::ThreadCreate, 1, EAGAIN);
         QBL_EXPECT_THROW(make(kind), QBLThreadResourceError, nullptr);
+    }
+    const std::function<void()> constructions[] = {[] { QBLThreadPoolFixed pool(1); },
+                                                   [] { QBLThreadPoolVariable pool(1, 0, 0); },
+                                                   [] { QBLThreadPoolQueued pool(1, 1); }};
+    for (const auto& construct : constructions) {
+        bool refused = false;
+        fault::exhaustMemory(true);
+        try {
+            construct();
+        } catch (const QBLOutOfMemoryError&) {
+            refused = true;
+        } catch (const std::bad_alloc&) {
+        }
+        fault::exhaustMemory(false);
+        EXPECT_TRUE(refused) << &construct - constructions;
     }
 }
 

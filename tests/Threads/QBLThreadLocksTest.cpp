@@ -208,6 +208,16 @@ TEST(QBLThreadLocksTest, ExhaustedMemoryComesOutAsEachClassSays) {
             EXPECT_STREQ(text, e.getMessage());
         }
         fault::reset();
+        fault::exhaustMemory(true);
+        const char* thrown = nullptr;
+        try {
+            make();
+        } catch (QBLThrowable& e) {
+            thrown = e.getThrowableName();
+        } catch (const std::bad_alloc&) {
+        }
+        fault::exhaustMemory(false);
+        EXPECT_STREQ(name, thrown) << "without a text then: " << text;
     };
     expect([] { QBLThreadMutex m; }, "QBLOutOfMemoryError",
            "QBLThreadMutex::QBLThreadMutex: TavThread ran out of memory");

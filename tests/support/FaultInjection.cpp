@@ -31,11 +31,12 @@ struct Plan {
 };
 
 thread_local Plan t_allocation;
+thread_local bool t_exhausted = false;
 thread_local Plan t_calls[fault::CallCount];
 
 void* allocate(std::size_t n) noexcept {
     for (;;) {
-        void* const p = t_allocation.due() ? nullptr : std::malloc(n != 0 ? n : 1);
+        void* const p = t_exhausted || t_allocation.due() ? nullptr : std::malloc(n != 0 ? n : 1);
         const std::new_handler handler = p == nullptr ? std::get_new_handler() : nullptr;
         if (handler == nullptr) return p;
         handler();
@@ -65,6 +66,7 @@ Function real(std::atomic<Function>& known, const char* name) {
 namespace fault {
 
 void failAllocation(long n, int thrown) { t_allocation.set(n, thrown); }
+void exhaustMemory(bool on) { t_exhausted = on; }
 bool allocationFailed() { return t_allocation.failed; }
 void failCall(Call call, long n, int error) { t_calls[call].set(n, error); }
 bool callFailed(Call call) { return t_calls[call].failed; }
@@ -82,7 +84,7 @@ void* operator new(std::size_t n, const std::nothrow_t&) noexcept { return alloc
 void* operator new[](std::size_t n, const std::nothrow_t&) noexcept { return allocate(n); }
 void* operator new(std::size_t n, std::align_val_t alignment, const std::nothrow_t&) noexcept {
     const auto multiple = static_cast<std::size_t>(alignment);
-    return t_allocation.due()
+    return t_exhausted || t_allocation.due()
                ? nullptr
                : std::aligned_alloc(multiple, (n + multiple - 1) / multiple * multiple);
 }

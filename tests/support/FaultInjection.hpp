@@ -21,6 +21,8 @@ enum Call {
 /// The next allocation but n fails, once; a negative n switches this off.
 /// @param thrown  what a throwing operator new throws then; 0 means std::bad_alloc
 void failAllocation(long n, int thrown = 0);
+/// While on, every allocation fails.
+void exhaustMemory(bool on);
 /// Whether that has happened since it was asked for.
 bool allocationFailed();
 

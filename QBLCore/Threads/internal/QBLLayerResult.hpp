@@ -1,11 +1,24 @@
 #ifndef QBLCORE_THREADS_INTERNAL_QBLLAYERRESULT_HPP
 #define QBLCORE_THREADS_INTERNAL_QBLLAYERRESULT_HPP
 
+#include <new>
+
 #include "QBLCore/Exceptions/QBLFileLocation.hpp"
 #include "TavThread/TavResult.h"
 
 /// How the lock classes turn results of the thread layer into exceptions. The place goes by value,
 /// which costs an operation that succeeds nothing.
+
+/// Throws an error with a text, which is left out with the trace where there is no memory for it:
+/// the class of the error is what callers rely on.
+template <class Error>
+[[noreturn]] void qblThrow(const QBLFileLocation& where, const char* text) {
+    try {
+        Error(0, text).hurl(where, nullptr, "QBL_THROW");
+    } catch (const std::bad_alloc&) {
+    }
+    throw Error(0, nullptr);
+}
 
 /// Throws QBLThreadResourceError with the text of the operation that failed.
 [[noreturn]] void qblThrowThreadResource(QBLFileLocation where, const char* text);
