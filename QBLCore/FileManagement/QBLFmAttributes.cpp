@@ -92,12 +92,16 @@ private:
     std::string& m_bytes;
 };
 
+/// That of the directory, which a new file begins with.
+bool removeList(int fd) { return fremovexattr(fd, kList) == 0 || isMissing(errno); }
+
 bool copyList(const Attributes& from, int to, unsigned& mode, bool strangeGroup) {
     std::string bytes;
     if (!from.read(kList, bytes)) {
-        if (!isMissing(errno)) return false;
-        if (strangeGroup || !from.isKnown()) mode &= ~070U | mode << 3;
-        return fremovexattr(to, kList) == 0 || isMissing(errno);
+        const bool refused = errno == EACCES || errno == EPERM || !from.isKnown();
+        if (!refused && !isMissing(errno)) return false;
+        if (strangeGroup || refused) mode &= ~070U | mode << 3;
+        return removeList(to);
     }
     AccessList list(bytes);
     const unsigned own = list.get(kOwnGroup, 0) & (strangeGroup ? list.get(kOthers, 0) : 7U);
@@ -105,12 +109,12 @@ bool copyList(const Attributes& from, int to, unsigned& mode, bool strangeGroup)
     if (fsetxattr(to, kList, bytes.data(), bytes.size(), 0) == 0) return true;
     if (errno == ENOSPC || errno == EDQUOT || errno == EIO) return false;
     mode = (mode & ~070U) | (own & list.get(kMask, 7)) << 3;
-    return true;
+    return removeList(to);
 }
 
 bool copyOthers(const Attributes& from, int to) {
     std::string names, value;
-    if (!from.list(names)) return isMissing(errno);
+    if (!from.list(names)) return errno == EACCES || errno == EPERM || isMissing(errno);
     for (std::size_t at = 0; at < names.size();) {
         const char* const name = &names[at];
         at += std::strlen(name) + 1;

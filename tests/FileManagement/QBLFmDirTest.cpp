@@ -264,7 +264,10 @@ TEST(QBLFmDirTest, TakesAndGivesStrings) {
     I18NString emptied(L"\u00E9");
     QBLFmDir::joinPath(emptied.remove(), behind);
     EXPECT_EQ(behind, emptied);
-    EXPECT_TRUE(QBLFmDir::removeDir(dir));
+    const int status = inCage(
+        tree, [] { return QBLFmDir::removeDir(I18NString("/\u00E9te\u0301/\u4E2D")) ? 0 : errno; });
+    if (status == kNoCage) GTEST_SKIP() << "needs a root directory of its own";
+    EXPECT_EQ(0, status);
     EXPECT_FALSE(QBLFmDir::exists(made, S_IFREG));
     EXPECT_FALSE(file.open(made, QBLFmFile64::existing, 0));
     EXPECT_EQ(ENOENT, file.getLastErrorNumber());
