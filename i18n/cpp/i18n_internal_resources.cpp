@@ -121,14 +121,7 @@ bool I18NInternalResources::isNonNormalizable(const wchar_t* text) const {
 }
 
 bool I18NInternalResources::isNonNormalizable(std::u16string_view text) const {
-    const std::vector<char32_t>& all = I18NSettings::now().nonNormalizable;
-    if (all.empty()) return false;
-    for (std::size_t i = 0; i < text.size();) {
-        char32_t codePoint;
-        U16_NEXT(text.data(), i, text.size(), codePoint);
-        if (contains(all, codePoint)) return true;
-    }
-    return false;
+    return I18NSettings::now().isNonNormalizable(text);
 }
 
 char32_t I18NInternalResources::getJaSubstitution(char32_t codePoint) const {

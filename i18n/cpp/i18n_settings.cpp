@@ -1,6 +1,7 @@
 #include "i18n/cpp/internal/i18n_settings.hpp"
 
 #include <strings.h>
+#include <unicode/utf16.h>
 
 #include <algorithm>
 #include <atomic>
@@ -116,7 +117,6 @@ private:
         std::vector<char32_t>& all = m_settings.nonNormalizable;
         for (const std::string& item : i18nSplitList(valueOf(reader)))
             if (const auto codePoint = codePointOf(item)) all.push_back(*codePoint);
-        std::sort(all.begin(), all.end());
     }
     void readScaledZero(const I18NResourceReader& reader) {
         // Without a value of its own it leaves the word to an allowReplace element.
@@ -194,6 +194,9 @@ void Loader::load(I18NResourceReader& reader) {
         for (const Element& element : kElements)
             if (element.name == name) (this->*element.read)(reader);
     }
+    std::vector<char32_t>& exempt = m_settings.nonNormalizable;
+    std::sort(exempt.begin(), exempt.end());
+    exempt.erase(std::unique(exempt.begin(), exempt.end()), exempt.end());
 }
 
 /// All settings that were ever published.
@@ -201,6 +204,16 @@ struct Published {
     std::atomic<const I18NSettings*> now{nullptr};  // null for the defaults
     QBLThreadCriticalSection lock{0};
     std::vector<std::unique_ptr<const I18NSettings>> all QBL_GUARDED_BY(lock);
+
+    int numberOf(const std::vector<char32_t>& list) const QBL_REQUIRES(lock) {
+        int last = 0;
+        if (list.empty()) return last;
+        for (const auto& earlier : all) {
+            if (earlier->nonNormalizable == list) return earlier->nonNormalizableID;
+            last = std::max(last, earlier->nonNormalizableID);
+        }
+        return last < I18NSettings::kMostLists ? last + 1 : 0;
+    }
 };
 
 }  // namespace
@@ -225,7 +238,26 @@ bool I18NSettings::operator==(const I18NSettings& other) const {
     return all(*this) == all(other);
 }
 
-std::unique_ptr<const I18NSettings> I18NSettings::load(const std::string& path) {
+bool I18NSettings::isNonNormalizable(std::u16string_view text) const {
+    const std::vector<char32_t>& all = nonNormalizable;
+    if (all.empty()) return false;
+    // Few texts have a unit that any of them could begin with.
+    const bool pairs = all.back() > 0xFFFF;
+    const char32_t first = pairs ? std::min<char32_t>(all.front(), 0xD800) : all.front();
+    const char32_t last = pairs ? 0xFFFF : all.back();
+    for (std::size_t i = 0; i < text.size();) {
+        if (text[i] < first || text[i] > last) {
+            ++i;
+            continue;
+        }
+        char32_t codePoint;
+        U16_NEXT(text.data(), i, text.size(), codePoint);
+        if (std::binary_search(all.begin(), all.end(), codePoint)) return true;
+    }
+    return false;
+}
+
+std::unique_ptr<I18NSettings> I18NSettings::load(const std::string& path) {
     I18NResourceReader reader(path.c_str());
     if (!reader.isOpen()) return nullptr;
     auto settings = std::make_unique<I18NSettings>();
@@ -238,7 +270,7 @@ const I18NSettings& I18NSettings::now() {
     return settings != nullptr ? *settings : qblImmortal<I18NSettings>();
 }
 
-void I18NSettings::publish(std::unique_ptr<const I18NSettings> settings) {
+void I18NSettings::publish(std::unique_ptr<I18NSettings> settings) {
     Published& published = qblImmortal<Published>();
     const I18NSettings* chosen = nullptr;
     if (settings != nullptr) {
@@ -246,6 +278,7 @@ void I18NSettings::publish(std::unique_ptr<const I18NSettings> settings) {
         for (const auto& earlier : published.all)
             if (*earlier == *settings) chosen = earlier.get();
         if (chosen == nullptr) {
+            settings->nonNormalizableID = published.numberOf(settings->nonNormalizable);
             published.all.push_back(std::move(settings));
             chosen = published.all.back().get();
         }

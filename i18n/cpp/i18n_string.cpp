@@ -380,7 +380,10 @@ void I18NString::alias() {
 
 // Conversions of contents that are no more go when the string is converted anew, so that a pointer
 // to the new ones differs.
-void I18NString::changed() { setChangedFlag(true); }
+void I18NString::changed() {
+    const unsigned known = m_flags.load(std::memory_order_relaxed) & ((1U << kExemptShift) - 1);
+    m_flags.store(static_cast<unsigned char>(known | kI18NChanged), std::memory_order_release);
+}
 
 const icu::UnicodeString& I18NString::getUnicodeString() {
     leaveAscii();

@@ -37,8 +37,9 @@ enum I18NNormalizationForms { I18N_NFC, I18N_NFD, I18N_NFKC, I18N_NFKD };
 /// beside it. A string that has left ASCII stays in UTF-16. Offsets and counts are in UTF-16 code
 /// units, byte lengths are in bytes, and a length of -1 means up to the terminating zero.
 ///
-/// Contents are kept in normalisation form C unless that is switched off. Text is case-sensitive
-/// and compares in the order of its code units.
+/// Contents are kept in normalisation form C unless that is switched off. A string that holds a
+/// character which the resources exempt stays as it is given. Text is case-sensitive and compares
+/// in the order of its code units.
 ///
 /// An allocator given with a constructor gets the string its memory from then on, and does what
 /// realloc(3) does.
@@ -300,6 +301,10 @@ private:
         kI18NFromCodePage943 = 0x08,
         kI18NNoNormalization = 0x10
     };
+    // The other bits of the flags say what is known of the characters in the text that must not be
+    // normalised: 0 for nothing, else twice the number of the list of these, and one more if the
+    // text has any.
+    static constexpr int kExemptShift = 5;
     static constexpr int kInline = 32;
     struct Conversion;
     struct Bare {};  // for a string in ASCII, whatever is asked for of all strings
@@ -335,12 +340,16 @@ private:
     bool appendShort(const char* ascii, int length);
     void splice(I18NStringOffset offset, int count, const I18NTextView& text);
     void spliceUnits(int offset, int count, const I18NTextView& text);
+    void combine(int offset, int count, const I18NTextView& text, bool pairs);
     void setConverted(const char* bytes, const char* encoding, int length);
     void setConverted(const char* bytes, const I18NConverter& converter, int length);
     void setBytes(const char* bytes, const char* encoding, int length);
     void decodeUTF8(const char* bytes, int length);
     void put(int offset, int count, const I18NTextView& text);
     void renormalize();
+    void fill(int copies, const I18NTextView& unit);
+    int knownExempt() const;
+    void setExempt(int found);
     bool hasJapaneseSubstitutions() const;
     const char* bytes(const char* encoding, int* length, I18NStringAllocator allocator,
                       void* context) const;

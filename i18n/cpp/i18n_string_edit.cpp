@@ -7,6 +7,7 @@
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "i18n/cpp/i18n_pooledstring.hpp"
 #include "i18n/cpp/i18n_string.hpp"
+#include "i18n/cpp/internal/i18n_inert.hpp"
 #include "i18n/cpp/internal/i18n_text_view.hpp"
 
 namespace {
@@ -165,20 +166,44 @@ I18NString& I18NString::erase(I18NStringOffset offset, int count) {
 
 I18NString& I18NString::remove() { return erase(0); }
 
+// What is added is made in the string itself, unless it combines.
+void I18NString::fill(int copies, const I18NTextView& unit) {
+    const int length = nUnits(), width = unit.length(), newLength = length + copies * width;
+    if (isUsingAsciiBuffer() && !isForceUnicodeString() && unit.isASCII()) {
+        reserveAscii(newLength);
+        std::memset(m_pAsciiBuffer + length, unit[0], static_cast<std::size_t>(copies));
+        m_asciiBufLength = newLength;
+        m_pAsciiBuffer[newLength] = '\0';
+        return changed();
+    }
+    leaveAscii(newLength);
+    const auto addTo = [&](I18NString& text) {
+        text.reserveUnits(text.m_unitLength + copies * width);
+        char16_t* out = text.m_pCodeUnits + text.m_unitLength;
+        for (int i = 0; i < copies; ++i, out += width) unit.copyTo(out);
+        text.m_unitLength += copies * width;
+        text.alias();
+        text.changed();
+    };
+    const bool pair = length > 0 && i18nIsHigh(m_pCodeUnits[length - 1]) && i18nIsLow(unit[0]);
+    const bool inert = !pair && i18nIsInert(unit.units(), static_cast<std::size_t>(width));
+    if (inert || hasFlag(kI18NNoNormalization)) {
+        addTo(*this);
+        if (length == 0) setFlag(kI18NNormalized, true);
+        return;
+    }
+    I18NString text(Bare(), m_allocator, m_allocatorContext);
+    text.leaveAscii(newLength - length);
+    addTo(text);
+    spliceUnits(length, 0, I18NTextView(text));
+}
+
 I18NString& I18NString::resize(int units, wchar_t fill) {
     const int length = nUnits();
     if (units <= length) return erase(units < 0 ? 0 : units);
     const I18NWideText one(fill);
-    const I18NTextView unit = one.view();
-    const int copies = (units - length) / unit.length();
     requireLength(units);
-    QBL_ALLOC_TRY
-    std::u16string text;
-    text.reserve(static_cast<std::size_t>(units - length));
-    for (int i = 0; i < copies; ++i)
-        for (int k = 0; k < unit.length(); ++k) text += unit[k];
-    splice(length, 0, I18NTextView(text.data(), static_cast<int>(text.size())));
-    QBL_ALLOC_CATCH
+    this->fill((units - length) / one.view().length(), one.view());
     return *this;
 }
 

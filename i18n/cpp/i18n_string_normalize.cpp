@@ -1,7 +1,6 @@
-#include <unicode/normalizer2.h>
-#include <unicode/unistr.h>
-
+#include <algorithm>
 #include <cstring>
+#include <string_view>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
@@ -12,11 +11,12 @@
 #include "i18n/cpp/i18n_string.hpp"
 #include "i18n/cpp/internal/i18n_icu.hpp"
 #include "i18n/cpp/internal/i18n_inert.hpp"
+#include "i18n/cpp/internal/i18n_normal_form.hpp"
+#include "i18n/cpp/internal/i18n_settings.hpp"
 #include "i18n/cpp/internal/i18n_text_view.hpp"
 
 namespace {
 
-const char kFailed[] = "An error occured during string normalization.";
 const char kNoAlias[] =
     "Resources access error, could not find the alias for the platform default encoding name.";
 
@@ -29,54 +29,21 @@ bool isPlatformJapanese() {
     return false;
 }
 
-const icu::Normalizer2& normalizer(I18NNormalizationForms form) {
-    UErrorCode status = U_ZERO_ERROR;
-    const icu::Normalizer2* found = nullptr;
-    switch (form) {
-        case I18N_NFC:
-            found = icu::Normalizer2::getNFCInstance(status);
-            break;
-        case I18N_NFD:
-            found = icu::Normalizer2::getNFDInstance(status);
-            break;
-        case I18N_NFKC:
-            found = icu::Normalizer2::getNFKCInstance(status);
-            break;
-        case I18N_NFKD:
-            found = icu::Normalizer2::getNFKDInstance(status);
-            break;
-    }
-    if (found == nullptr || U_FAILURE(status))
-        QBL_THROW(I18NRuntimeError(I18N_NORMALIZATION, nullptr));
-    return *found;
-}
-
-/// @return false when the text is in that form already
-bool normalized(const icu::Normalizer2& form, std::u16string_view text, std::u16string& out) {
-    const auto length = static_cast<int32_t>(text.size());
-    const icu::UnicodeString in(false, text.data(), length);
-    UErrorCode status = U_ZERO_ERROR;
-    const int32_t kept = form.spanQuickCheckYes(in, status);
-    if (U_FAILURE(status)) QBL_THROW(I18NRuntimeError(I18N_NORMALIZATION, nullptr));
-    if (kept == length) return false;
-    icu::UnicodeString result(in, 0, kept);
-    form.normalizeSecondAndAppend(result, in.tempSubString(kept), status);
-    if (U_FAILURE(status) || result.isBogus())
-        QBL_THROW(I18NRuntimeError(I18N_NORMALIZATION, kFailed));
-    out.assign(result.getBuffer(), static_cast<std::size_t>(result.length()));
-    return true;
-}
-
 std::u16string_view view(const char16_t* units, int length) {
     return std::u16string_view(units, static_cast<std::size_t>(length));
 }
 
-const I18NInternalResources& resources() {
-    return I18NInternalResources::getInternalResForTesting();
-}
-
 /// Whether a text has a character that must not be normalised.
-bool isExempt(std::u16string_view text) { return resources().isNonNormalizable(text); }
+bool isExempt(std::u16string_view text) { return I18NSettings::now().isNonNormalizable(text); }
+
+bool isExempt(const I18NTextView& text) {
+    if (text.ascii() == nullptr) return isExempt(view(text.units(), text.length()));
+    const std::vector<char32_t>& all = I18NSettings::now().nonNormalizable;
+    if (all.empty() || all.front() > 0x7F) return false;
+    return std::any_of(text.ascii(), text.ascii() + text.length(), [&](char c) {
+        return std::binary_search(all.begin(), all.end(), static_cast<char32_t>(c));
+    });
+}
 
 }  // namespace
 
@@ -87,11 +54,11 @@ I18NString& I18NString::normalize(I18NNormalizationForms form) {
     }
     leaveAscii();
     QBL_ALLOC_TRY
-    std::u16string result;
-    if (normalized(normalizer(form), view(m_pCodeUnits, m_unitLength), result)) {
-        if (isExempt(view(m_pCodeUnits, m_unitLength))) return *this;
-        if (hasJapaneseSubstitutions()) resources().substituteJa(result);
-        put(0, m_unitLength, I18NTextView(result.data(), static_cast<int>(result.size())));
+    icu::UnicodeString result;
+    if (i18nNormalize(i18nNormalizer(form), *m_pUnicodeString, result)) {
+        if (isExempt(i18nUnits(*m_pUnicodeString))) return *this;
+        if (hasJapaneseSubstitutions()) i18nSubstituteJa(result);
+        put(0, m_unitLength, I18NTextView(result.getBuffer(), result.length()));
     }
     QBL_ALLOC_CATCH
     setFlag(kI18NNormalized, form == I18N_NFC || m_unitLength == 0);
@@ -132,50 +99,114 @@ void I18NString::renormalize() {
     if (!isForm) normalize();
 }
 
+// 1 if the text has a character that must not be normalised, 0 if it has none, -1 if that is not
+// known.
+int I18NString::knownExempt() const {
+    const int known = m_flags.load(std::memory_order_relaxed) >> kExemptShift;
+    return known != 0 && known / 2 == I18NSettings::now().nonNormalizableID ? known % 2 : -1;
+}
+
+void I18NString::setExempt(int found) {
+    if (found < 0) return;  // the change has cleared what was known
+    const int list = I18NSettings::now().nonNormalizableID;
+    if (list == 0) return;
+    const int known = (list * 2 + found) << kExemptShift;
+    m_flags.store(static_cast<unsigned char>(m_flags.load(std::memory_order_relaxed) | known),
+                  std::memory_order_release);
+}
+
 // Replaces units, and brings what is around them to form C. Only what is between the nearest
 // characters that nothing before them can combine with needs to be looked at. The one change comes
 // last, so that a failure leaves the string as it was.
+//
+// A text with a character that must not be normalised stays as it is given. The whole text decides
+// that, not the part that changes: so a text that gains such a character is in no form, and one
+// that loses its last is brought to form C as a whole. What a look at all of it has found is kept
+// in the flags, so that text made piece by piece is looked at once.
 void I18NString::spliceUnits(int offset, int count, const I18NTextView& text) {
     const I18NTextView old(*this);
     const int length = m_unitLength, behind = offset + count;
     const bool whole = offset == 0 && behind == length;
-    const auto finish = [&](int at, int replaced, const I18NTextView& with, bool isNormalized) {
-        put(at, replaced, with);
-        if (whole || !isNormalized) setFlag(kI18NNormalized, isNormalized);
-    };
-    if (hasFlag(kI18NNoNormalization)) return finish(offset, count, text, true);
-
-    // Halves of a pair that come together are another character.
+    if (hasFlag(kI18NNoNormalization)) {
+        put(offset, count, text);
+        if (whole) setFlag(kI18NNormalized, true);
+        return;
+    }
+    // Halves of a pair that come together are another character, and those that part are none.
     const char16_t before = offset > 0 ? old[offset - 1] : u'\0';
     const char16_t after = behind < length ? old[behind] : u'\0';
     const bool empty = text.length() == 0;
-    const bool pairAtBegin = i18nIsHigh(before) && i18nIsLow(empty ? after : text[0]);
-    const bool pairAtEnd = i18nIsHigh(empty ? before : text[text.length() - 1]) && i18nIsLow(after);
-    const int next = behind < length ? old.next(behind) : behind;
+    const bool pairs =
+        (i18nIsHigh(before) && (i18nIsLow(after) || (!empty && i18nIsLow(text[0])))) ||
+        (!empty && i18nIsHigh(text[text.length() - 1]) && i18nIsLow(after));
+    const bool mayLose = count != 0 && !whole && !hasFlag(kI18NNormalized);
     const auto isInert = [](const char16_t* units, int n) {
         return i18nIsInert(units, static_cast<std::size_t>(n));
     };
-    if (!pairAtBegin && !pairAtEnd && isInert(m_pCodeUnits + behind, next - behind) &&
-        (text.ascii() != nullptr || isInert(text.units(), text.length())))
-        return finish(offset, count, text, true);
+    const int next = behind < length ? old.next(behind) : behind;
+    if (pairs || mayLose || !isInert(m_pCodeUnits + behind, next - behind) ||
+        (text.ascii() == nullptr && !isInert(text.units(), text.length())))
+        return combine(offset, count, text, pairs);
+    const int exempt = knownExempt();
+    put(offset, count, text);
+    if (whole) setFlag(kI18NNormalized, true);
+    if (exempt == 0 || (exempt == 1 && count == 0)) setExempt(exempt | (isExempt(text) ? 1 : 0));
+}
 
-    const icu::Normalizer2& form = normalizer(I18N_NFC);
+// The same for text that may combine with what is around it.
+void I18NString::combine(int offset, int count, const I18NTextView& text, bool pairs) {
+    const I18NTextView old(*this);
+    const int length = m_unitLength, behind = offset + count;
+    const bool whole = offset == 0 && behind == length;
+    const bool isForm = hasFlag(kI18NNormalized);
+    const bool keepsAll = count == 0 && !pairs;
+    const auto units = [this](int from, int to) { return view(m_pCodeUnits + from, to - from); };
+    const auto finish = [&](int at, int replaced, const I18NTextView& with, bool isNormalized,
+                            int exempt) {
+        put(at, replaced, with);
+        if (whole || !isNormalized) setFlag(kI18NNormalized, isNormalized);
+        setExempt(exempt);
+    };
+    const int exempt = I18NSettings::now().nonNormalizable.empty() ? 0 : knownExempt();
+    const auto finishAsItIs = [&] {
+        const bool known = !pairs && (exempt == 0 || (exempt == 1 && keepsAll));
+        finish(offset, count, text, true, known ? exempt | (isExempt(text) ? 1 : 0) : -1);
+    };
+    QBL_ALLOC_TRY
+    const icu::Normalizer2& form = i18nNormalizer(I18N_NFC);
+    icu::UnicodeString result;
+    if (!isForm && !whole && !keepsAll && exempt != 0 &&
+        isExempt(units(std::max(offset - 1, 0), std::min(behind + 1, length)))) {
+        const icu::UnicodeString all = i18nJoin(units(0, offset), text, units(behind, length));
+        if (isExempt(i18nUnits(all))) return finish(offset, count, text, false, 1);
+        if (!i18nNormalize(form, all, result)) result = all;
+        if (hasJapaneseSubstitutions()) i18nSubstituteJa(result);
+        finish(0, length, I18NTextView(result.getBuffer(), result.length()), true, -1);
+        return setFlag(kI18NNormalized, true);
+    }
+    if (exempt == 1 && keepsAll) return finish(offset, count, text, false, 1);
+    if (isForm && !pairs) {
+        if (i18nStaysAsItIs(form, old, offset, behind, text)) return finishAsItIs();
+        const int place =
+            keepsAll && exempt == 0 && !isExempt(text) ? i18nPlaceOfMark(old, offset, text) : -1;
+        if (place >= 0) return finish(place, 0, text, true, 0);
+    }
     const auto isBoundary = [&](int i) {
         return form.hasBoundaryBefore(static_cast<UChar32>(old.codePointAt(i)));
     };
+    // Half of a pair in front becomes another character.
     int begin = offset > 0 ? old.before(offset) : offset;
-    while (begin > 0 && ((pairAtBegin && begin + 1 == offset) || !isBoundary(begin)))
+    while (begin > 0 && ((pairs && begin + 1 == offset) || !isBoundary(begin)))
         begin = old.before(begin);
-    int end = pairAtEnd ? behind + 1 : behind;
+    int end = behind < length && i18nIsLow(old[behind]) ? behind + 1 : behind;
     while (end < length && !isBoundary(end)) end = old.next(end);
-    QBL_ALLOC_TRY
-    std::u16string slice(m_pCodeUnits + begin, static_cast<std::size_t>(offset - begin));
-    for (int i = 0; i < text.length(); ++i) slice += text[i];
-    slice.append(m_pCodeUnits + behind, static_cast<std::size_t>(end - behind));
-    std::u16string result;
-    if (!normalized(form, slice, result)) return finish(offset, count, text, true);
-    if (isExempt(slice)) return finish(offset, count, text, false);
-    if (hasJapaneseSubstitutions()) resources().substituteJa(result);
-    finish(begin, end - begin, I18NTextView(result.data(), static_cast<int>(result.size())), true);
+    const icu::UnicodeString slice = i18nJoin(units(begin, offset), text, units(behind, end));
+    if (!i18nNormalize(form, slice, result)) return finishAsItIs();
+    if (isExempt(i18nUnits(slice)) ||
+        (exempt != 0 && (isExempt(units(0, begin)) || isExempt(units(end, length)))))
+        return finish(offset, count, text, false, 1);
+    if (hasJapaneseSubstitutions()) i18nSubstituteJa(result);
+    finish(begin, end - begin, I18NTextView(result.getBuffer(), result.length()), true,
+           isExempt(i18nUnits(result)) ? 1 : 0);
     QBL_ALLOC_CATCH
 }

@@ -1,6 +1,7 @@
 #include <cstdio>
 #include <istream>
 #include <memory>
+#include <new>
 #include <ostream>
 #include <string>
 #include <utility>
@@ -169,7 +170,10 @@ void I18NFreeBuffer(void*& block) {
 std::u16string I18NString::toUtf16() const {
     QBL_ALLOC_TRY
     const I18NTextView text(*this);
-    std::u16string units(static_cast<std::size_t>(text.length()), u'\0');
+    std::u16string units;
+    const auto length = static_cast<std::size_t>(text.length());
+    if (length > units.max_size()) throw std::bad_alloc();  // which is what it is to callers
+    units.resize(length);
     text.copyTo(&units[0]);
     return units;
     QBL_ALLOC_CATCH
@@ -181,7 +185,9 @@ std::string I18NString::toUtf8() const {
     if (text.ascii() != nullptr)
         return std::string(text.ascii(), static_cast<std::size_t>(text.length()));
     const auto length = static_cast<std::size_t>(text.length());
-    std::string bytes(i18nLengthUTF8(text.units(), length), '\0');
+    const std::size_t needed = i18nLengthUTF8(text.units(), length);
+    if (needed > std::string().max_size()) throw std::bad_alloc();
+    std::string bytes(needed, '\0');
     i18nEncodeUTF8(text.units(), length, &bytes[0]);
     return bytes;
     QBL_ALLOC_CATCH

@@ -252,6 +252,14 @@ TEST_F(I18NResourcesTest, CharactersAreExemptAndSubstituted) {
     EXPECT_FALSE(resources().isNonNormalizable(u"ab\uFA11\xD87E"));
     EXPECT_TRUE(resources().isNonNormalizable(L"\U0002F800"));
     EXPECT_FALSE(resources().isNonNormalizable(L"ab"));
+    // One exempt character anywhere keeps a text as it is given, in one piece or in many.
+    const wchar_t* const parts[] = {L"\uFA10 abc", L" \u00E0", L"e", L"\u0301", L"\u0323"};
+    I18NString pieces;
+    std::wstring all;
+    for (const wchar_t* const part : parts) pieces += part, all += part;
+    EXPECT_EQ(std::u16string(all.begin(), all.end()), pieces.toUtf16());
+    EXPECT_EQ(pieces, I18NString(all.c_str()));
+    EXPECT_EQ(I18NString(all.substr(1).c_str()), pieces.erase(0, 1)) << "and none is left";
     std::u16string text = u"A\u301C\U00020BB7B\u301C\xD842";
     EXPECT_TRUE(resources().substituteJa(text));
     EXPECT_EQ(u"A\uFF5E\u5409B\uFF5E\xD842", text);

@@ -282,6 +282,8 @@ TEST(I18NStringTest, FindsTextsAndSets) {
     EXPECT_TRUE(I18NString("   ").trimLeading().empty());
     EXPECT_EQ(I18NString("abxx"), I18NString("ab").resize(4, L'x'));
     EXPECT_EQ(I18NString("a"), I18NString("ab").resize(1));
+    EXPECT_EQ(I18NString(L"ab\u00E9\u0301"), I18NString("abe").resize(5, 0x301));
+    EXPECT_EQ(I18NString(L"ab\U0001F600\U0001F600"), I18NString("ab").resize(7, 0x1F600));
     std::istringstream in("  w\u00F6rd next");
     I18NString word;
     in >> word;
@@ -382,5 +384,16 @@ TEST(I18NStringTest, StaysAsItWasWhenMemoryRunsOut) {
             EXPECT_LE(thrown, 1);
         }
         EXPECT_EQ(0, arena.blocks) << failAt;
+    }
+}
+
+TEST(I18NStringTest, FillsUpWithoutMemoryForAnythingButItself) {
+    for (const wchar_t fill : {L'x', L'\u00E9', L'\u0301'}) {
+        Arena arena;
+        I18NString text(L"\u4E2D", &Arena::allocate, &arena);
+        arena.failAt = arena.calls;
+        QBL_EXPECT_THROW(text.resize(900000000, fill), QBLOutOfMemoryError,
+                         "The specified allocator callback failed to allocate memory.");
+        EXPECT_EQ(u"\u4E2D", text.toUtf16());
     }
 }

@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "i18n/cpp/internal/i18n_replacement_tables.hpp"
@@ -23,20 +24,24 @@ struct I18NSettings {
     float utf8BytesPerCodePoint = 2.5F;
     bool replaceScaledZero = false;
     bool negativeZero = false;
-    std::vector<char32_t> nonNormalizable;  // sorted
+    std::vector<char32_t> nonNormalizable;  // sorted, each once
+    /// The same number for the same list; 0 for lists that got none, of which there may be many.
+    int nonNormalizableID = 0;
     std::map<char32_t, char32_t> jaSubstitutions;
     std::map<std::string, I18NLocaleSettings, std::less<>> locales;
     I18NReplacementTables replacements;
 
     bool operator==(const I18NSettings& other) const;
 
+    /// Whether a text has one of the characters that must not be normalised.
+    bool isNonNormalizable(std::u16string_view text) const;
     /// @return what the settings of the locale are, if they are in use; else null.
     const I18NLocaleSettings* find(const std::string& locale) const;
 
     /// Reads a resource file. What is not understood, a number out of its range, an encoding that
     /// ICU does not know, is left out, and nothing else with it.
     /// @return null when the file cannot be opened.
-    static std::unique_ptr<const I18NSettings> load(const std::string& path);
+    static std::unique_ptr<I18NSettings> load(const std::string& path);
 
     /// Those that count now: the defaults until some are published.
     ///
@@ -47,7 +52,8 @@ struct I18NSettings {
     /// Makes settings count, or the defaults for null. Settings that say the same as earlier ones
     /// are not kept beside them.
     /// @throws std::bad_alloc, with nothing changed
-    static void publish(std::unique_ptr<const I18NSettings> settings);
+    static void publish(std::unique_ptr<I18NSettings> settings);
+    static constexpr int kMostLists = 3;  ///< that get a number of their own
 };
 
 #endif
