@@ -8,8 +8,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
-#include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
 #include "i18n/cpp/internal/i18n_icu.hpp"
 
 namespace {
@@ -39,7 +38,7 @@ std::string firstOf(const char* locales) {
 }
 
 void refuseExhaustion(UErrorCode status) {
-    if (status == U_MEMORY_ALLOCATION_ERROR) QBL_THROW(QBLOutOfMemoryError());
+    if (status == U_MEMORY_ALLOCATION_ERROR) qblThrowNoMemory(QBL_HERE);
 }
 
 }  // namespace

@@ -7,6 +7,8 @@
 
 /// A catalogue of texts by their identifiers, in one file and for one locale.
 ///
+/// Errors: QBLOutOfMemoryError.
+///
 /// Threads: not synchronised.
 class QBL_API QBLResource {
 public:
@@ -27,9 +29,9 @@ public:
     [[nodiscard]] virtual bool getResource(unsigned long id, char** text) = 0;
 
     const std::string& getResourceFileName() const { return m_resourceFileName; }
-    void setResourceFileName(const std::string& name) { m_resourceFileName = name; }
+    void setResourceFileName(const std::string& name);
     const std::string& getResourceLocaleID() const { return m_resourceLocaleID; }
-    void setResourceLocaleID(const std::string& locale) { m_resourceLocaleID = locale; }
+    void setResourceLocaleID(const std::string& locale);
 
 private:
     std::string m_resourceFileName;

@@ -8,6 +8,7 @@
 
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmStatus.hpp"
 
 namespace {
@@ -22,7 +23,7 @@ const unsigned kMaxSpare = 65536;
 
 char* allocate(unsigned size) {
     char* block = new (std::nothrow) char[size];
-    if (block == nullptr) QBL_THROW(QBLOutOfMemoryError());
+    if (block == nullptr) qblThrowNoMemory(QBL_HERE);
     return block;
 }
 
@@ -87,7 +88,7 @@ bool QBLResourceBMF::readIndex() {
     if (m_pIndex == nullptr) {
         m_file.close();
         drop();
-        QBL_THROW(QBLOutOfMemoryError());
+        qblThrowNoMemory(QBL_HERE);
     }
     const unsigned got = readUpTo(m_pIndex, size);
     m_header.entries = got / kEntrySize;

@@ -87,9 +87,11 @@ QBLResource* QBLResourceFactory::findAndGet(const std::string& baseName, const c
 }
 
 std::string QBLResourceFactory::find(const std::string& baseName, const char* localeIDs) {
+    QBL_ALLOC_TRY
     for (const std::string& candidate : getCandidates(baseName, localeIDs))
         if (isReadableFile(candidate)) return candidate;
     return std::string();
+    QBL_ALLOC_CATCH
 }
 
 std::list<std::string> QBLResourceFactory::getCandidates(const std::string& baseName,

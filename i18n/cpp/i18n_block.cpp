@@ -4,8 +4,7 @@
 #include <cstdlib>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
-#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
-#include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
 #include "TavThread/internal/TavContain.hpp"
 #include "i18n/cpp/i18n_error_codes.h"
 
@@ -19,10 +18,10 @@ const char kRealloc[] = "realloc failed to reallocate memory.";
 
 void I18NBlock::resize(I18NStringAllocator from, void* of, char*& block, std::int64_t size) {
     const char* const failure = block == nullptr ? kMalloc : kRealloc;
-    if (size > INT_MAX) QBL_THROW(QBLOutOfMemoryError(0, failure));
+    if (size > INT_MAX) qblThrowNoMemory(QBL_HERE, failure);
     if (from == nullptr) {
         void* const resized = std::realloc(block, static_cast<std::size_t>(size));
-        if (resized == nullptr) QBL_THROW(QBLOutOfMemoryError(0, failure));
+        if (resized == nullptr) qblThrowNoMemory(QBL_HERE, failure);
         block = static_cast<char*>(resized);
         return;
     }
@@ -37,7 +36,7 @@ void I18NBlock::resize(I18NStringAllocator from, void* of, char*& block, std::in
         free(from, of, block);
         block = nullptr;
     }
-    QBL_THROW(QBLOutOfMemoryError(0, kAllocator));
+    qblThrowNoMemory(QBL_HERE, kAllocator);
     QBL_ALLOC_CATCH
 }
 

@@ -10,8 +10,8 @@
 #include <new>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
-#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
 #include "i18n/cpp/i18n_converter_callbacks.hpp"
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/i18n_platform_encoding.h"
@@ -41,7 +41,7 @@ bool needsContext(int policy) { return policy == I18N_LOOKUP || policy == I18N_U
 
 void settle(UErrorCode status) {
     if (U_SUCCESS(status)) return;
-    if (status == U_MEMORY_ALLOCATION_ERROR) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
+    if (status == U_MEMORY_ALLOCATION_ERROR) qblThrowNoMemory(QBL_HERE);
     QBL_THROW(I18NRuntimeError(I18N_UNEXPECTED, nullptr));
 }
 
@@ -246,6 +246,8 @@ void I18NConverter::setUserDefinedUnconvertibleOutputSequenceCallback(
 }
 
 void I18NConverter::installInput(int policy, I18NUserInputCallback callback) {
+    const char* const canonical =
+        policy == I18N_LOOKUP ? i18nCanonicalEncoding(m_inputContext.encoding) : nullptr;
     UErrorCode status = U_ZERO_ERROR;
     ucnv_setToUCallBack(m_pConverter, kInputCallbacks[policy],
                         needsContext(policy) ? &m_inputContext : nullptr, nullptr, nullptr,
@@ -254,11 +256,12 @@ void I18NConverter::installInput(int policy, I18NUserInputCallback callback) {
     set(kHasContext, kInput, needsContext(policy));
     m_iInputPolicy = policy;
     m_inputCallback = m_inputContext.callback = callback;
-    if (policy == I18N_LOOKUP)
-        m_inputContext.canonicalName = i18nCanonicalEncoding(m_inputContext.encoding);
+    if (policy == I18N_LOOKUP) m_inputContext.canonicalName = canonical;
 }
 
 void I18NConverter::installOutput(int policy, I18NUserOutputCallback callback) {
+    const char* const canonical =
+        policy == I18N_LOOKUP ? i18nCanonicalEncoding(m_outputContext.encoding) : nullptr;
     UErrorCode status = U_ZERO_ERROR;
     ucnv_setFromUCallBack(m_pConverter, kOutputCallbacks[policy],
                           needsContext(policy) ? &m_outputContext : nullptr, nullptr, nullptr,
@@ -267,8 +270,7 @@ void I18NConverter::installOutput(int policy, I18NUserOutputCallback callback) {
     set(kHasContext, kOutput, needsContext(policy));
     m_iOutputPolicy = policy;
     m_outputCallback = m_outputContext.callback = callback;
-    if (policy == I18N_LOOKUP)
-        m_outputContext.canonicalName = i18nCanonicalEncoding(m_outputContext.encoding);
+    if (policy == I18N_LOOKUP) m_outputContext.canonicalName = canonical;
 }
 
 int I18NConverter::numLegacyBytes(int codeUnits) const {

@@ -4,9 +4,10 @@
 #include "QBLCore/Frame/internal/QBLImmortal.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
+#include "TavThread/internal/TavContain.hpp"
 #include "i18n/cpp/i18n_internal_resources.hpp"
-#include "i18n/cpp/i18n_locale.hpp"
 #include "i18n/cpp/internal/i18n_holders.hpp"
+#include "i18n/cpp/internal/i18n_icu.hpp"
 
 namespace {
 
@@ -18,8 +19,8 @@ struct Layer {
 
 void start() {
     I18NInternalResources::setDataDirectoryPath();
+    i18nWarmUpICU();
     I18NInternalResources::getInternalResForTesting().loadSequenceTable();
-    xI18NGetDefaultLocaleName();  // so that ICU determines it once, here
     i18nCreateConverters();
     i18nSetInitialized(true);
 }
@@ -33,17 +34,19 @@ void stop() {
 }  // namespace
 
 void I18NInitialize() {
+    QBL_ALLOC_TRY
     Layer& layer = qblImmortal<Layer>();
     QBLThreadGuard guard(layer.lock);
     if (layer.starts == 0) {
         try {
             start();
         } catch (...) {
-            stop();
-            qblRethrowTranslated(QBL_HERE);
+            tavContain(stop);  // what made the start fail is what is told
+            throw;
         }
     }
     ++layer.starts;
+    QBL_ALLOC_CATCH
 }
 
 void I18NTerminate() {

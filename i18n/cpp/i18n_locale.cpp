@@ -7,9 +7,9 @@
 #include <utility>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
-#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
-#include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
 #include "i18n/cpp/i18n_string.hpp"
+#include "i18n/cpp/internal/i18n_icu.hpp"
 
 namespace {
 
@@ -18,7 +18,7 @@ namespace {
 void* checked(icu::Locale* made, bool mayBeBogus) {
     if (made != nullptr && (mayBeBogus || !made->isBogus())) return made;
     delete made;
-    QBL_THROW(QBLOutOfMemoryError(0, nullptr));
+    qblThrowNoMemory(QBL_HERE);
 }
 
 const icu::Locale& icuOf(const I18NLocale& locale) {
@@ -39,13 +39,13 @@ bool isLetters(const char* text) {
 
 }  // namespace
 
-I18NLocale::I18NLocale() : m_pLocale(checked(new icu::Locale(), true)) {}
+I18NLocale::I18NLocale() : m_pLocale(checked(new icu::Locale(i18nDefaultLocale()), true)) {}
 
 I18NLocale::I18NLocale(const char* id) : m_pLocale(nullptr) {
     QBL_ALLOC_TRY
     const bool named = id != nullptr && *id != '\0';
     m_pLocale = named ? checked(new icu::Locale(withoutEncoding(id).c_str()), true)
-                      : checked(new icu::Locale(), true);
+                      : checked(new icu::Locale(i18nDefaultLocale()), true);
     QBL_ALLOC_CATCH
 }
 
@@ -80,6 +80,6 @@ bool I18NLocale::isValid() const { return !icuOf(*this).isBogus() && isLetters(g
 
 std::string xI18NGetDefaultLocaleName() {
     QBL_ALLOC_TRY
-    return icu::Locale::getDefault().getName();
+    return i18nDefaultLocale().getName();
     QBL_ALLOC_CATCH
 }

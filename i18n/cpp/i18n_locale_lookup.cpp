@@ -5,9 +5,9 @@
 #include <string_view>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
-#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
-#include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
 #include "QBLCore/Frame/internal/QBLImmortal.hpp"
+#include "i18n/cpp/internal/i18n_icu.hpp"
 #include "i18n/cpp/internal/i18n_internal_data.hpp"
 
 namespace {
@@ -159,9 +159,9 @@ bool I18NInternalResources::getListSeparator(const I18NLocale& locale, wchar_t& 
 
 bool I18NInternalResources::getListSeparator(const icu::Locale* locale, wchar_t& separator) const {
     UErrorCode error = U_ZERO_ERROR;
-    const icu::DecimalFormatSymbols symbols(locale != nullptr ? *locale : icu::Locale::getDefault(),
+    const icu::DecimalFormatSymbols symbols(locale != nullptr ? *locale : i18nDefaultLocale(),
                                             error);
-    if (error == U_MEMORY_ALLOCATION_ERROR) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
+    if (error == U_MEMORY_ALLOCATION_ERROR) qblThrowNoMemory(QBL_HERE);
     if (U_FAILURE(error)) return false;
     const bool point =
         symbols.getConstSymbol(icu::DecimalFormatSymbols::kDecimalSeparatorSymbol) == u'.';

@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
 #include "i18n/cpp/i18n_error_codes.h"
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/i18n_internal_resources.hpp"
@@ -17,7 +17,7 @@ const char kFailed[] = "An error occured during string normalization.";
 const char kMalloc[] = "malloc failed to allocate memory.";
 
 [[noreturn]] void fail(UErrorCode status) {
-    if (status == U_MEMORY_ALLOCATION_ERROR) QBL_THROW(QBLOutOfMemoryError(0, kMalloc));
+    if (status == U_MEMORY_ALLOCATION_ERROR) qblThrowNoMemory(QBL_HERE, kMalloc);
     QBL_THROW(I18NRuntimeError(I18N_NORMALIZATION, kFailed));
 }
 
@@ -64,6 +64,7 @@ const icu::Normalizer2& i18nNormalizer(I18NNormalizationForms form) {
             found = icu::Normalizer2::getNFKDInstance(status);
             break;
     }
+    if (status == U_MEMORY_ALLOCATION_ERROR) fail(status);
     if (found == nullptr || U_FAILURE(status))
         QBL_THROW(I18NRuntimeError(I18N_NORMALIZATION, nullptr));
     return *found;
@@ -73,6 +74,7 @@ bool i18nNormalize(const icu::Normalizer2& form, const icu::UnicodeString& text,
                    icu::UnicodeString& result) {
     UErrorCode status = U_ZERO_ERROR;
     const int32_t kept = form.spanQuickCheckYes(text, status);
+    if (status == U_MEMORY_ALLOCATION_ERROR) fail(status);
     if (U_FAILURE(status)) QBL_THROW(I18NRuntimeError(I18N_NORMALIZATION, nullptr));
     if (kept == text.length()) return false;
     result.setTo(text, 0, kept);

@@ -6,8 +6,8 @@
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLIllegalArgumentError.hpp"
-#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
 #include "QBLCore/Frame/internal/QBLImmortal.hpp"
 #include "QBLCore/QBLCustodian/QBLCustodian.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
@@ -85,7 +85,7 @@ private:
 
 I18NPooledString::I18NPooledStringPool::I18NPooledStringPool()
     : m_pBuckets(static_cast<Bucket*>(std::malloc(kBuckets * sizeof(Bucket)))) {
-    if (m_pBuckets == nullptr) QBL_THROW(QBLOutOfMemoryError(0, kMalloc));
+    if (m_pBuckets == nullptr) qblThrowNoMemory(QBL_HERE, kMalloc);
     for (unsigned i = 0; i < kBuckets; ++i) new (&m_pBuckets[i]) Bucket();
 }
 
@@ -116,7 +116,7 @@ Entry* I18NPooledString::I18NPooledStringPool::acquireLocked(unsigned number, co
     Entry* const found = bucket.index.find(
         hash, [=](Entry& entry) { return entry.hashCode == hash && entry.holds(utf8, length); });
     if (found != nullptr) {
-        if (!found->pin()) QBL_THROW(QBLOutOfMemoryError(0, kTooMany));
+        if (!found->pin()) qblThrowNoMemory(QBL_HERE, kTooMany);
         return found;
     }
     bucket.makeRoom();
@@ -160,7 +160,7 @@ I18NPooledString::I18NPooledString(const char* utf8)
     : m_pEntry(I18NPooledStringPool::acquire(utf8)) {}
 
 I18NPooledString::I18NPooledString(const I18NPooledString& other) : m_pEntry(other.m_pEntry) {
-    if (m_pEntry != nullptr && !m_pEntry->addHolder()) QBL_THROW(QBLOutOfMemoryError(0, kTooMany));
+    if (m_pEntry != nullptr && !m_pEntry->addHolder()) qblThrowNoMemory(QBL_HERE, kTooMany);
 }
 
 I18NPooledString::~I18NPooledString() {
@@ -196,6 +196,7 @@ I18NPooledString::I18NPooledStringPool& I18NPooledString::getPool() {
 }
 
 bool I18NPooledString::initialize() {
+    QBL_ALLOC_TRY
     Starts& starts = qblImmortal<Starts>();
     QBLThreadGuard guard(starts.s_initLock);
     getPool();
@@ -206,6 +207,7 @@ bool I18NPooledString::initialize() {
     }
     ++starts.s_initCount;
     return starts.registered;
+    QBL_ALLOC_CATCH
 }
 
 // A task that was withdrawn is not being called any more.

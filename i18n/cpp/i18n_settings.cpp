@@ -201,7 +201,6 @@ void Loader::load(I18NResourceReader& reader) {
 
 /// All settings that were ever published.
 struct Published {
-    std::atomic<const I18NSettings*> now{nullptr};  // null for the defaults
     QBLThreadCriticalSection lock{0};
     std::vector<std::unique_ptr<const I18NSettings>> all QBL_GUARDED_BY(lock);
 
@@ -215,6 +214,8 @@ struct Published {
         return last < I18NSettings::kMostLists ? last + 1 : 0;
     }
 };
+
+std::atomic<const I18NSettings*> g_now{nullptr};  // null for the defaults
 
 }  // namespace
 
@@ -266,14 +267,14 @@ std::unique_ptr<I18NSettings> I18NSettings::load(const std::string& path) {
 }
 
 const I18NSettings& I18NSettings::now() {
-    const I18NSettings* settings = qblImmortal<Published>().now.load(std::memory_order_acquire);
+    const I18NSettings* settings = g_now.load(std::memory_order_acquire);
     return settings != nullptr ? *settings : qblImmortal<I18NSettings>();
 }
 
 void I18NSettings::publish(std::unique_ptr<I18NSettings> settings) {
-    Published& published = qblImmortal<Published>();
     const I18NSettings* chosen = nullptr;
     if (settings != nullptr) {
+        Published& published = qblImmortal<Published>();
         QBLThreadGuard guard(published.lock);
         for (const auto& earlier : published.all)
             if (*earlier == *settings) chosen = earlier.get();
@@ -283,5 +284,5 @@ void I18NSettings::publish(std::unique_ptr<I18NSettings> settings) {
             chosen = published.all.back().get();
         }
     }
-    published.now.store(chosen, std::memory_order_release);
+    g_now.store(chosen, std::memory_order_release);
 }

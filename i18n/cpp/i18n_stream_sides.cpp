@@ -7,8 +7,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
 #include "TavThread/internal/TavContain.hpp"
 #include "i18n/cpp/i18n_converter_callbacks.hpp"
 #include "i18n/cpp/i18n_errors.hpp"
@@ -26,7 +26,7 @@ constexpr std::ptrdiff_t kPiece = 8;
 I18NProgress progressOf(UErrorCode status, bool refused) {
     if (U_SUCCESS(status)) return I18NProgress::Done;
     if (status == U_BUFFER_OVERFLOW_ERROR) return I18NProgress::Full;
-    if (status == U_MEMORY_ALLOCATION_ERROR) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
+    if (status == U_MEMORY_ALLOCATION_ERROR) qblThrowNoMemory(QBL_HERE);
     if (!refused) QBL_THROW(I18NRuntimeError(I18N_UNEXPECTED, nullptr));
     return I18NProgress::Refused;
 }
@@ -74,7 +74,7 @@ void I18NStreamBuffer::reserve(std::size_t more) {
     const std::size_t twice = m_iCapacity <= SIZE_MAX / 2 ? m_iCapacity * 2 : 0;
     const std::size_t capacity = std::max({needed, twice, kLeastBuffer});
     auto* bytes = fits ? std::realloc(m_pBytes, capacity) : nullptr;
-    if (bytes == nullptr) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
+    if (bytes == nullptr) qblThrowNoMemory(QBL_HERE);
     m_pBytes = static_cast<char*>(bytes);
     m_iCapacity = capacity;
 }

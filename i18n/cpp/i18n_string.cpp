@@ -9,8 +9,8 @@
 #include <new>
 #include <utility>
 
-#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
 #include "QBLCore/Frame/internal/QBLImmortal.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "i18n/cpp/i18n_converter.hpp"
@@ -35,7 +35,7 @@ struct StringLocks {
 /// The smaller of half as much again as there is and what the size type can tell, but what is
 /// needed.
 int grown(int present, std::int64_t needed, std::int64_t most) {
-    if (needed > most) QBL_THROW(QBLOutOfMemoryError(0, kMalloc));
+    if (needed > most) qblThrowNoMemory(QBL_HERE, kMalloc);
     const std::int64_t more = std::int64_t{present} + present / 2;
     return static_cast<int>(more > needed ? (more < most ? more : most) : needed);
 }
@@ -446,7 +446,7 @@ void I18NString::setBytes(const char* bytes, const char* encoding, int length) {
         const std::size_t counted =
             length >= 0 ? static_cast<std::size_t>(length) : std::strlen(bytes);
         if (counted > static_cast<std::size_t>(kMostBytes / 2 - 1))
-            QBL_THROW(QBLOutOfMemoryError(0, kMalloc));
+            qblThrowNoMemory(QBL_HERE, kMalloc);
         const bool mayBeASCII = !isForceUnicodeString() && isUsingAsciiBuffer();
         const bool plain = mayBeASCII && i18nIsPlainASCII(bytes, counted);
         const std::size_t all = plain || length < 0 ? counted : strnlen(bytes, counted);

@@ -3,8 +3,7 @@
 #include <cwchar>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
-#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
-#include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
 #include "i18n/cpp/i18n_pooledstring.hpp"
 #include "i18n/cpp/i18n_string.hpp"
 #include "i18n/cpp/internal/i18n_inert.hpp"
@@ -22,7 +21,7 @@ void openGap(Unit* text, int length, int offset, int count, int fill) {
 }
 
 void requireLength(std::int64_t length) {
-    if (length > kMostUnits) QBL_THROW(QBLOutOfMemoryError(0, "malloc failed to allocate memory."));
+    if (length > kMostUnits) qblThrowNoMemory(QBL_HERE, "malloc failed to allocate memory.");
 }
 
 /// Text to put into a string, which then decides on its form.

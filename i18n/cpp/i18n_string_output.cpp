@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
-#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "i18n/cpp/i18n_converter.hpp"
@@ -156,7 +156,7 @@ void I18NString::freeBuffer(char** block) {
     if (*block != nullptr && *block != gI18NNullString)
         I18N_STRINGBUFFER_ALLOCATOR_CALLBACK(nullptr, *block, 0, &error);
     *block = nullptr;
-    if (error != I18N_OK) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
+    if (error != I18N_OK) qblThrowNoMemory(QBL_HERE);
 }
 
 void I18NFreeBuffer(char*& block) { I18NString::freeBuffer(&block); }

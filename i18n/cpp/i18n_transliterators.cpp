@@ -1,6 +1,6 @@
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
-#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/internal/i18n_internal_data.hpp"
 #include "i18n/cpp/internal/i18n_url_encoding.hpp"
@@ -20,7 +20,7 @@ const icu::Transliterator* I18NLazyTransliterator::get(const char16_t* name, con
     UErrorCode error = U_ZERO_ERROR;
     std::unique_ptr<icu::Transliterator> candidate(icu::Transliterator::createFromRules(
         name, icu::UnicodeString::fromUTF8(rules), UTRANS_FORWARD, place, error));
-    if (error == U_MEMORY_ALLOCATION_ERROR) QBL_THROW(QBLOutOfMemoryError(0, nullptr));
+    if (error == U_MEMORY_ALLOCATION_ERROR) qblThrowNoMemory(QBL_HERE);
     if (U_FAILURE(error) || candidate == nullptr)
         QBL_THROW(I18NRuntimeError(I18N_UNEXPECTED, failure));
     made = std::move(candidate);

@@ -3,8 +3,7 @@
 #include <climits>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
-#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
-#include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
 #include "i18n/cpp/internal/i18n_url_encoding.hpp"
 
 namespace {
@@ -32,7 +31,7 @@ void I18NURLEncode(const char* text, I18NString& result) {
     QBL_ALLOC_TRY
     std::u16string escaped;
     i18nURLEncode(I18NString(text).toUtf16(), escaped);
-    if (escaped.size() > static_cast<std::size_t>(INT_MAX) / 2) QBL_THROW(QBLOutOfMemoryError());
+    if (escaped.size() > static_cast<std::size_t>(INT_MAX) / 2) qblThrowNoMemory(QBL_HERE);
     result = I18NString(escaped.data(), static_cast<int>(escaped.size() * 2));
     QBL_ALLOC_CATCH
 }

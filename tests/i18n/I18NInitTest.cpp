@@ -1,14 +1,17 @@
 #include "i18n/cpp/i18n_init.h"
 
 #include <gtest/gtest.h>
+#include <unicode/uclean.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <cstdlib>
 #include <functional>
 
-#include "QBLCore/Exceptions/QBLThrowable.hpp"
+#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/i18n_internal_resources.hpp"
+#include "i18n/cpp/i18n_locale.hpp"
 #include "i18n/cpp/i18n_string.hpp"
 #include "tests/support/Child.hpp"
 #include "tests/support/FaultInjection.hpp"
@@ -29,6 +32,37 @@ bool isStarted() {
         I18NInternalResources::getInternalResForTesting().getJaSubstitution(0x301C) == 0xFF5E;
     EXPECT_EQ(loaded, I18NConverter::isInitialized());
     return loaded;
+}
+
+/// ICU's memory, of which one allocation fails.
+struct ICUMemory {
+    static long left;
+    static void* take(const void*, std::size_t size) {
+        return left-- == 0 ? nullptr : std::malloc(size);
+    }
+    static void* resize(const void*, void* block, std::size_t size) {
+        return left-- == 0 ? nullptr : std::realloc(block, size);
+    }
+    static void free(const void*, void* block) { std::free(block); }
+};
+long ICUMemory::left = 0;
+
+/// For a process that has not used ICU yet.
+/// @return 0 if nothing had to fail, 1 for the error of memory or none, 2 for another.
+int withoutMemoryOfICU(long n, void (*body)()) {
+    return inChild([=] {
+        alarm(20);
+        UErrorCode status = U_ZERO_ERROR;
+        ICUMemory::left = n;
+        u_setMemoryFunctions(nullptr, ICUMemory::take, ICUMemory::resize, ICUMemory::free, &status);
+        try {
+            body();
+        } catch (const QBLOutOfMemoryError&) {
+        } catch (...) {
+            return 2;
+        }
+        return ICUMemory::left < 0 ? 1 : 0;
+    });
 }
 
 }  // namespace
@@ -88,4 +122,16 @@ TEST(I18NInitTest, StartsAndStopsOfThreadsTakeTurnsWhileOthersConvert) {
                   users.join();
                   return !isStarted();
               }));
+}
+
+TEST(I18NInitTest, WhatICUHasNoMemoryForIsTheErrorOfMemory) {
+    void (*const bodies[])() = {
+        [] { I18NLocale(); }, [] { I18NString(L"e\u0301"); },
+        [] { I18NConverter::shouldUseBOM("UTF-16"); },
+        [] { I18NConverter("KOI8-R").setBuiltInUnconvertibleInputSequenceCallback(I18N_LOOKUP); }};
+    for (const auto body : bodies)
+        for (long n = 0, outcome = 1; n < 500 && outcome != 0; ++n) {
+            outcome = withoutMemoryOfICU(n, body);
+            ASSERT_TRUE(outcome == 0 || outcome == 1) << outcome << " at " << n;
+        }
 }

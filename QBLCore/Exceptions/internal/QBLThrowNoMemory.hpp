@@ -1,0 +1,21 @@
+#ifndef QBLCORE_EXCEPTIONS_INTERNAL_QBLTHROWNOMEMORY_HPP
+#define QBLCORE_EXCEPTIONS_INTERNAL_QBLTHROWNOMEMORY_HPP
+
+#include <new>
+
+#include "QBLCore/Exceptions/QBLAllocation.hpp"
+#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
+
+/// Throws QBLOutOfMemoryError with a text, or without one where there is no memory for the text
+/// either. QBL_THROW would let std::bad_alloc leave then.
+/// @param text  may be null
+[[noreturn]] inline void qblThrowNoMemory(const QBLFileLocation& where,
+                                          const char* text = nullptr) {
+    try {
+        QBLOutOfMemoryError(0, text).hurl(where, nullptr, "QBL_THROW");
+    } catch (const std::bad_alloc&) {
+        qblRethrowTranslated(where);
+    }
+}
+
+#endif
