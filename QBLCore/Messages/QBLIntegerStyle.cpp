@@ -16,8 +16,9 @@
 
 namespace {
 
-// Locales come from callers: more than this many are not remembered.
+// Locales come from callers: more than this many, or longer ones, are not remembered.
 const std::size_t kMaxStyles = 256;
+const std::size_t kLongestName = 256;
 
 struct Styles {
     QBLThreadCriticalSection lock{0};
@@ -36,7 +37,7 @@ const QBLIntegerStyle* QBLIntegerStyle::get(const std::string& locale) {
     QBLThreadGuard guard(styles.lock);
     const auto known = styles.byLocale.find(locale);
     if (known != styles.byLocale.end()) return known->second.get();
-    if (styles.byLocale.size() >= kMaxStyles) return nullptr;
+    if (styles.byLocale.size() >= kMaxStyles || locale.size() > kLongestName) return nullptr;
     auto style = std::make_unique<QBLIntegerStyle>();
     if (!style->learn(locale)) style.reset();
     return (styles.byLocale[locale] = std::move(style)).get();

@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
+#include "i18n/cpp/i18n_locale.hpp"
 #include "i18n/cpp/internal/i18n_icu.hpp"
 
 namespace {
@@ -31,10 +32,12 @@ icu::Formattable toFormattable(const QBLMessageArgument& argument) {
     }
 }
 
+/// The name that ICU has for the first of some locales; empty for none.
 std::string firstOf(const char* locales) {
     const char separators[] = " \t\r\n,;";
     locales += std::strspn(locales, separators);
-    return std::string(locales, std::strcspn(locales, separators));
+    const std::string first(locales, std::strcspn(locales, separators));
+    return first.empty() ? first : I18NLocale(first.c_str()).getName();
 }
 
 void refuseExhaustion(UErrorCode status) {

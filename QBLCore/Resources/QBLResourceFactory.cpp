@@ -1,15 +1,16 @@
 #include "QBLCore/Resources/QBLResourceFactory.hpp"
 
-#include <unistd.h>
-
 #include <algorithm>
+#include <cctype>
+#include <cstring>
 #include <map>
 #include <memory>
+#include <unordered_set>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
-#include "QBLCore/FileManagement/internal/QBLFmStatus.hpp"
+#include "QBLCore/FileManagement/internal/QBLFmLook.hpp"
 #include "QBLCore/Frame/internal/QBLImmortal.hpp"
 #include "QBLCore/Resources/QBLResourceBMF.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
@@ -21,8 +22,10 @@
 
 namespace {
 
-// Locales may come from a program's clients; of more lists than this the file is looked for anew.
+// Locales may come from a program's clients; of more lists than this, and of longer ones, the file
+// is looked for anew.
 const std::size_t kMaxRemembered = 4096;
+const std::size_t kLongestKey = 4096;
 
 struct Cache {
     QBLThreadCriticalSection m_QBLResourceFactoryLock{0};
@@ -30,7 +33,7 @@ struct Cache {
 };
 
 std::string keyOf(const std::string& baseName, const char* localeIDs) {
-    return baseName + '\n' + localeIDs;
+    return std::to_string(baseName.size()) + ' ' + baseName + localeIDs;
 }
 
 bool isFileName(const std::string& baseName) {
@@ -39,21 +42,29 @@ bool isFileName(const std::string& baseName) {
            baseName.compare(baseName.size() - extension.size(), extension.size(), extension) == 0;
 }
 
-/// The names to look for, the most specific first.
+bool isPlainName(const char* text) {
+    return std::all_of(text, text + std::strlen(text),
+                       [](unsigned char c) { return std::isalnum(c) != 0; });
+}
+
+/// The names to look for, the most specific first. Whatever is in a list of locales, they differ
+/// from the base name by letters and digits only.
 std::list<std::string> fileNames(const std::string& baseName, const char* localeIDs) {
     if (isFileName(baseName)) return {baseName};
     std::list<std::string> names;
+    std::unordered_set<std::string> known;
     const auto add = [&](const std::string& suffix) {
         const std::string name = baseName + suffix + QBLResourceFactory::g_resourceFileExtension;
-        if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(name);
+        if (known.insert(name).second) names.push_back(name);
     };
     QBLUtStrTok tokens(localeIDs);
     std::string token;
     while (tokens.nextToken(token)) {
         const I18NLocale locale(token.c_str());
         const std::string language = std::string("_") + locale.getLanguage();
-        if (language.size() == 1) continue;
-        if (*locale.getCountry() != '\0') add(language + "_" + locale.getCountry());
+        if (language.size() == 1 || !isPlainName(locale.getLanguage())) continue;
+        if (*locale.getCountry() != '\0' && isPlainName(locale.getCountry()))
+            add(language + "_" + locale.getCountry());
         add(language);
     }
     add(std::string("_") + QBLResourceFactory::g_defaultLocaleID);
@@ -61,9 +72,15 @@ std::list<std::string> fileNames(const std::string& baseName, const char* locale
     return names;
 }
 
-bool isReadableFile(const std::string& path) {
-    QBLFmStatus status;
-    return status.get(path.c_str()) && status.isRegular() && access(path.c_str(), R_OK) == 0;
+/// @param sure  receives whether all places could be looked at
+std::string findFile(const std::string& baseName, const char* localeIDs, bool& sure) {
+    sure = true;
+    for (const std::string& candidate : QBLResourceFactory::getCandidates(baseName, localeIDs)) {
+        const QBLFmLook seen = qblLookForFile(candidate.c_str());
+        if (seen == QBLFmLook::There) return candidate;
+        sure = sure && seen == QBLFmLook::NotThere;
+    }
+    return std::string();
 }
 
 }  // namespace
@@ -79,18 +96,18 @@ QBLResource* QBLResourceFactory::findAndGet(const std::string& baseName, const c
         if (resource != nullptr) return resource;
         // It has gone since; another may have come.
     }
-    fileName = find(baseName, locales);
+    bool sure = true;
+    fileName = findFile(baseName, locales, sure);
     if (fileName.empty()) return nullptr;
-    cacheToMap(key, fileName);
+    if (sure) cacheToMap(key, fileName);
     return get(fileName, locales, preload);
     QBL_ALLOC_CATCH
 }
 
 std::string QBLResourceFactory::find(const std::string& baseName, const char* localeIDs) {
     QBL_ALLOC_TRY
-    for (const std::string& candidate : getCandidates(baseName, localeIDs))
-        if (isReadableFile(candidate)) return candidate;
-    return std::string();
+    bool sure = true;
+    return findFile(baseName, localeIDs, sure);
     QBL_ALLOC_CATCH
 }
 
@@ -150,5 +167,6 @@ void QBLResourceFactory::cacheToMap(const std::string& key, const std::string& f
     Cache& cache = qblImmortal<Cache>();
     QBLThreadGuard guard(cache.m_QBLResourceFactoryLock);
     auto& known = cache.m_QBLResourceBaseFileLocaleMap;
+    if (key.size() > kLongestKey) return;
     if (known.size() < kMaxRemembered || known.count(key) != 0) known[key] = fileName;
 }

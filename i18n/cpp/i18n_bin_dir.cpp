@@ -4,8 +4,10 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <memory>
+#include <new>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
@@ -20,6 +22,13 @@ struct BinDir : QBLFmSetting {};
 constexpr unsigned short kReadableFile = S_IFREG | S_IRUSR;
 constexpr unsigned short kDirectory = S_IFDIR | S_IXUSR;
 constexpr std::size_t kLongestLink = 4096;
+
+/// @throws std::bad_alloc when the system had no memory to look
+bool exists(const std::string& path, unsigned short mode) {
+    const bool found = QBLFmDir::exists(path.c_str(), mode);
+    if (!found && errno == ENOMEM) throw std::bad_alloc();
+    return found;
+}
 
 std::string joined(std::string base, const char* relative) {
     QBLFmDir::joinPath(base, relative);
@@ -46,21 +55,18 @@ std::string besideLibrary() {
         const std::size_t end = std::min(path.find(':', begin), path.size());
         std::string entry = path.substr(begin, end - begin);
         begin = end + 1;
-        if (!entry.empty() &&
-            QBLFmDir::exists(joined(entry, "libQBLCore.so").c_str(), kReadableFile))
-            return entry;
+        if (!entry.empty() && exists(joined(entry, "libQBLCore.so"), kReadableFile)) return entry;
     }
     return "";
 }
 
 std::string besideConfiguration() {
-    return QBLFmDir::exists("../configuration/tavstartup.xml", kReadableFile) ? "../bin" : "";
+    return exists("../configuration/tavstartup.xml", kReadableFile) ? "../bin" : "";
 }
 
 std::string linked() {
     std::string line;
-    if (!I18NTextFile("./tavroot.link").readLine(line)) return "";
-    line.resize(std::min(line.size(), kLongestLink));
+    if (!I18NTextFile("./tavroot.link").readBeginning(line, kLongestLink)) return "";
     line.erase(line.find_last_not_of(" \t\r") + 1);
     return binBelow(line);
 }
@@ -72,12 +78,15 @@ struct Free {
 /// The directory that the library was loaded from; empty if that is not known.
 std::string libraryDirectory() {
     Dl_info library;
-    std::string directory;
     if (dladdr(reinterpret_cast<const void*>(&libraryDirectory), &library) == 0 ||
-        library.dli_fname == nullptr ||
-        !QBLFmDir::splitPath(library.dli_fname, &directory, nullptr))
+        library.dli_fname == nullptr)
         return std::string();
+    const std::string path(library.dli_fname);
+    const std::size_t separator = path.rfind('/');
+    const std::string directory =
+        separator == std::string::npos ? "" : path.substr(0, std::max<std::size_t>(separator, 1));
     const std::unique_ptr<char, Free> real(realpath(directory.c_str(), nullptr));
+    if (real == nullptr && errno == ENOMEM) throw std::bad_alloc();
     return real != nullptr ? real.get() : directory;
 }
 
@@ -106,7 +115,7 @@ std::string i18nShareDirectory() {
     const std::string library = libraryDirectory();
     if (library.empty()) return std::string();
     std::string beside = joined(library, "../share/qblcore");
-    if (QBLFmDir::exists(beside.c_str(), kDirectory)) return beside;
+    if (exists(beside, kDirectory)) return beside;
     std::string above = joined(library, "../../share/qblcore");
-    return QBLFmDir::exists(above.c_str(), kDirectory) ? above : beside;
+    return exists(above, kDirectory) ? above : beside;
 }

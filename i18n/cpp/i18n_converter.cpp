@@ -165,7 +165,8 @@ void I18NConverter::create(const char* name) {
     const std::size_t size = std::strlen(name) + 1;
     m_outputContext.encoding = m_inputContext.encoding =
         static_cast<char*>(std::memcpy(allocated(size).release(), name, size));
-    UErrorCode status = U_ZERO_ERROR;
+    // ICU takes a name with a "/" for the path of a file, and trusts what is in it.
+    UErrorCode status = std::strchr(name, '/') == nullptr ? U_ZERO_ERROR : U_FILE_ACCESS_ERROR;
     m_pConverter = ucnv_open(withoutMark(name), &status);
     if (status == U_MEMORY_ALLOCATION_ERROR) settle(status);
     if (U_FAILURE(status)) {

@@ -175,7 +175,9 @@ public:
 
     /// Looks for a file per locale: base + name + ".xml", where name is language, country and
     /// variant, then without the variant, then the language alone, then "en"; each in the bin
-    /// directory, then in the working directory, then in the installation's share/qblcore.
+    /// directory, then in the working directory, then in the installation's share/qblcore. A
+    /// variant is looked for in upper and then in lower case; files that we may not read are passed
+    /// over.
     /// @param path, name  receive the file that was found, and which name it has
     /// @param locale  null means the default locale
     static bool findResourceFile(std::string& path, I18NString& name, const char* base,

@@ -4,12 +4,14 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <utility>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
 #include "i18n/cpp/i18n_string.hpp"
 #include "i18n/cpp/internal/i18n_icu.hpp"
+#include "i18n/cpp/internal/i18n_locale_names.hpp"
 
 namespace {
 
@@ -28,9 +30,18 @@ const icu::Locale& icuOf(const I18NLocale& locale) {
 /// "de_DE.UTF-8@euro" without ".UTF-8", which ICU would take for a part of the name.
 std::string withoutEncoding(const char* id) {
     std::string name(id);
-    const std::size_t dot = name.find('.');
-    if (dot != std::string::npos) name.erase(dot, std::min(name.find('@'), name.size()) - dot);
+    const std::size_t keywords = std::min(name.find('@'), name.size());
+    const std::size_t dot = std::min(name.find('.'), keywords);
+    name.erase(dot, keywords - dot);
     return name;
+}
+
+/// ICU takes a name with a "/" for the path of a file, and trusts what is in it.
+icu::Locale* made(const char* id) {
+    const std::string name = withoutEncoding(id);
+    auto locale = std::make_unique<icu::Locale>(name.c_str());
+    if (name.find('/') < name.find('@')) locale->setToBogus();
+    return locale.release();
 }
 
 bool isLetters(const char* text) {
@@ -44,8 +55,8 @@ I18NLocale::I18NLocale() : m_pLocale(checked(new icu::Locale(i18nDefaultLocale()
 I18NLocale::I18NLocale(const char* id) : m_pLocale(nullptr) {
     QBL_ALLOC_TRY
     const bool named = id != nullptr && *id != '\0';
-    m_pLocale = named ? checked(new icu::Locale(withoutEncoding(id).c_str()), true)
-                      : checked(new icu::Locale(i18nDefaultLocale()), true);
+    m_pLocale =
+        named ? checked(made(id), true) : checked(new icu::Locale(i18nDefaultLocale()), true);
     QBL_ALLOC_CATCH
 }
 
@@ -75,6 +86,13 @@ const char* I18NLocale::getCountry() const { return icuOf(*this).getCountry(); }
 const char* I18NLocale::getVariant() const { return icuOf(*this).getVariant(); }
 
 const char* I18NLocale::getName() const { return icuOf(*this).getName(); }
+
+std::string i18nPlainName(const I18NLocale& locale) {
+    std::string name = locale.getLanguage();
+    for (const char* part : {locale.getCountry(), locale.getVariant()})
+        if (*part != '\0') name.append("_").append(part);
+    return name;
+}
 
 bool I18NLocale::isValid() const { return !icuOf(*this).isBogus() && isLetters(getLanguage()); }
 

@@ -15,7 +15,7 @@ public:
     /// The process's default locale.
     I18NLocale();
     /// @param id  like "en_US", "en-US" or "en_US.UTF-8", of which the encoding is dropped; null or
-    ///     empty means the default locale.
+    ///     empty means the default locale. One with a "/" in front of its keywords is not valid.
     /// @throws QBLOutOfMemoryError
     explicit I18NLocale(const char* id);
     explicit I18NLocale(const I18NString& id);
@@ -34,7 +34,7 @@ public:
     const char* getCountry() const;
     /// In upper case; empty if there is none.
     const char* getVariant() const;
-    /// All of them, as in "fr_FR_EURO".
+    /// All of them, as in "fr_FR_EURO", with the script and the keywords if there are any.
     const char* getName() const;
     /// Whether there is a language that consists of letters.
     bool isValid() const;

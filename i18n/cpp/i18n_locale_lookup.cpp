@@ -9,6 +9,7 @@
 #include "QBLCore/Frame/internal/QBLImmortal.hpp"
 #include "i18n/cpp/internal/i18n_icu.hpp"
 #include "i18n/cpp/internal/i18n_internal_data.hpp"
+#include "i18n/cpp/internal/i18n_locale_names.hpp"
 
 namespace {
 
@@ -84,7 +85,8 @@ bool I18NInternalResources::getLocaleDescription(const I18NLocale& described,
                                                  const I18NLocale& locale,
                                                  std::u16string& description) {
     QBL_ALLOC_TRY
-    return m_data.find(kI18NLocaleNames, locale, described.getName(), description);
+    return m_data.find(kI18NLocaleNames, locale, described.getName(), description) ||
+           m_data.find(kI18NLocaleNames, locale, i18nPlainName(described).c_str(), description);
     QBL_ALLOC_CATCH
 }
 
@@ -105,8 +107,11 @@ void I18NInternalResources::getLocales(I18NLocale** locales, int* count) {
 bool I18NInternalResources::getDefaultLocaleForLanguage(const char* language, std::string& locale) {
     QBL_ALLOC_TRY
     std::string name = kUnknownLanguage;
-    const bool known = m_data.findCode(kI18NLocaleOfLanguage, language, name);
-    const I18NLocaleSettings* settings = I18NSettings::now().find(name);
+    bool known = m_data.findCode(kI18NLocaleOfLanguage, language, name);
+    if (!known && language != nullptr && *language != '\0')
+        known = m_data.findCode(kI18NLocaleOfLanguage, I18NLocale(language).getLanguage(), name);
+    const I18NLocaleSettings* settings =
+        known ? I18NSettings::now().find(I18NLocale(name.c_str())) : nullptr;
     if (settings != nullptr && !settings->defaultVariant.empty())
         name.append("_").append(settings->defaultVariant);
     locale.swap(name);
@@ -116,7 +121,7 @@ bool I18NInternalResources::getDefaultLocaleForLanguage(const char* language, st
 
 std::string I18NInternalResources::getEncodingForLocale(const I18NLocale& locale) const {
     QBL_ALLOC_TRY
-    const I18NLocaleSettings* settings = I18NSettings::now().find(locale.getName());
+    const I18NLocaleSettings* settings = I18NSettings::now().find(locale);
     if (settings != nullptr && !settings->csvEncoding.empty()) return settings->csvEncoding;
     return encodingOf(locale.getLanguage(), locale.getCountry());
     QBL_ALLOC_CATCH
@@ -125,9 +130,9 @@ std::string I18NInternalResources::getEncodingForLocale(const I18NLocale& locale
 bool I18NInternalResources::getLocaleIdFroLCID(unsigned short lcid, std::string& locale) const {
     QBL_ALLOC_TRY
     if (lcid == 0) return false;
-    for (const auto& [name, settings] : I18NSettings::now().locales) {
+    for (const auto& [key, settings] : I18NSettings::now().locales) {
         if (!settings.inUse || settings.lcid != lcid) continue;
-        locale = name;
+        locale = settings.name;
         return true;
     }
     char name[ULOC_FULLNAME_CAPACITY];
@@ -143,7 +148,7 @@ bool I18NInternalResources::getLocaleIdFroLCID(unsigned short lcid, std::string&
 
 bool I18NInternalResources::isLocaleModified(const I18NLocale& locale) const {
     QBL_ALLOC_TRY
-    return I18NSettings::now().find(locale.getName()) != nullptr;
+    return I18NSettings::now().find(locale) != nullptr;
     QBL_ALLOC_CATCH
 }
 

@@ -1,6 +1,5 @@
 #include "i18n/cpp/internal/i18n_locale_resources.hpp"
 
-#include <sys/stat.h>
 #include <unicode/ustring.h>
 
 #include <algorithm>
@@ -8,6 +7,8 @@
 
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
+#include "QBLCore/FileManagement/internal/QBLFmLook.hpp"
+#include "QBLCore/Frame/internal/QBLImmortal.hpp"
 #include "i18n/cpp/i18n_error_codes.h"
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/internal/i18n_bin_dir.hpp"
@@ -28,10 +29,10 @@ const char kTimePeriodBase[] = "./qbli18nrestp_";
 const char kTimeZoneBase[] = "./qbli18nrestz_";
 const char kLocaleBase[] = "./qbli18nreslc_";
 
-constexpr unsigned short kReadableFile = S_IFREG | S_IRUSR;
-
-// Names of locales may come from a program's clients; beyond this many, files are looked for anew.
+// Names of locales may come from a program's clients; beyond this many, and for longer ones, files
+// are looked for anew.
 constexpr std::size_t kMostLocales = 4096;
+constexpr std::size_t kLongestName = 256;
 
 }  // namespace
 
@@ -72,8 +73,16 @@ std::vector<std::string> namesOf(const I18NLocale& locale) {
         names.push_back(name);
         for (const char* part : {locale.getCountry(), locale.getVariant()}) {
             if (*part == '\0') break;
+            const std::size_t before = name.size();
             name.append("_").append(part);
-            if (isPlainName(name)) names.insert(names.begin(), name);
+            if (!isPlainName(name)) continue;
+            names.insert(names.begin(), name);
+            // Variants are in upper case, but files may have them as the list of locales does.
+            std::string lower = name;
+            std::transform(lower.begin() + static_cast<std::ptrdiff_t>(before), lower.end(),
+                           lower.begin() + static_cast<std::ptrdiff_t>(before),
+                           [](unsigned char c) { return std::tolower(c); });
+            if (part == locale.getVariant()) names.insert(names.begin() + 1, lower);
         }
     }
     if (names.empty() || names.back() != "en") names.emplace_back("en");
@@ -143,44 +152,66 @@ private:
 
 }  // namespace
 
-bool findResourceFile(std::string& path, std::string& name, const char* base,
-                      const I18NLocale& locale) {
+namespace {
+
+/// A place that a file may be at, and the name of the locale it is for.
+struct Place {
+    std::string path;
+    std::string name;
+};
+
+std::vector<Place> placesOf(const char* base, const I18NLocale& locale) {
     // Those who ask before the start of the layer find the same as later.
     determineBinDir();
     const std::string directories[] = {i18nBinDir(), std::string(), i18nShareDirectory()};
-    for (const std::string& candidate : namesOf(locale)) {
-        const std::string file = base + candidate + ".xml";
+    std::vector<Place> places;
+    for (const std::string& name : namesOf(locale)) {
+        const std::string file = base + name + ".xml";
         for (const std::string& dir : directories) {
-            std::string whole = dir;
-            QBLFmDir::joinPath(whole, file.c_str());
-            if (!QBLFmDir::exists(whole.c_str(), kReadableFile)) continue;
-            path = whole;
-            name = candidate;
-            return true;
+            places.push_back({dir, name});
+            QBLFmDir::joinPath(places.back().path, file.c_str());
         }
+    }
+    return places;
+}
+
+}  // namespace
+
+bool findResourceFile(std::string& path, std::string& name, const char* base,
+                      const I18NLocale& locale) {
+    for (const Place& place : placesOf(base, locale)) {
+        const QBLFmLook seen = qblLookForFile(place.path.c_str());
+        if (seen == QBLFmLook::NotThere) continue;
+        if (seen == QBLFmLook::NotSeen) return false;
+        path = place.path;
+        name = place.name;
+        return true;
     }
     return false;
 }
 
-void loadResource(const std::string& path, const I18NMapSource& source, I18NResourceMap& map) {
-    I18NResourceReader reader(path.c_str());
-    Entries entries(source, map);
-    while (reader.next()) entries.take(reader);
-}
-
+// What could not be read is not kept: whoever asks next looks again.
 std::shared_ptr<const I18NResourceMap> I18NLocaleResources::load(const I18NMapSource& source,
                                                                  const I18NLocale& locale) {
-    std::string path, name;
-    const bool found = findResourceFile(path, name, source.base, locale);
-    std::shared_ptr<const I18NResourceMap>& kept = m_byPath[Key(&source, path)];
-    if (kept == nullptr) {
-        auto map = std::make_shared<I18NResourceMap>();
-        if (found) loadResource(path, source, *map);
-        if (map->empty() && source.failure != nullptr)
-            QBL_THROW(I18NRuntimeError(I18N_UNEXPECTED, source.failure));
-        kept = map;
+    auto map = std::make_shared<I18NResourceMap>();
+    std::string path;
+    bool seen = true;
+    for (const Place& place : placesOf(source.base, locale)) {
+        const auto known = m_byPath.find(Key(&source, place.path));
+        if (known != m_byPath.end()) return known->second;
+        I18NResourceReader reader(place.path.c_str());
+        Entries entries(source, *map);
+        while (reader.next()) entries.take(reader);
+        seen = !reader.isNotSeen();
+        if (seen && !reader.isOpen()) continue;
+        path = place.path;
+        break;
     }
-    return kept;
+    if (!seen) map->clear();
+    if (map->empty() && source.failure != nullptr)
+        QBL_THROW(I18NRuntimeError(I18N_UNEXPECTED, source.failure));
+    if (!seen) return nullptr;
+    return m_byPath.emplace(Key(&source, path), map).first->second;
 }
 
 const I18NResourceMap& I18NLocaleResources::get(const I18NMapSource& source,
@@ -190,7 +221,9 @@ const I18NResourceMap& I18NLocaleResources::get(const I18NMapSource& source,
     const auto known = m_byLocale.find(key);
     if (known != m_byLocale.end()) return *known->second;
     const std::shared_ptr<const I18NResourceMap> map = load(source, locale);
-    if (m_byLocale.size() < kMostLocales) m_byLocale.emplace(std::move(key), map);
+    if (map == nullptr) return qblImmortal<const I18NResourceMap>();
+    if (m_byLocale.size() < kMostLocales && key.second.size() <= kLongestName)
+        m_byLocale.emplace(std::move(key), map);
     return *map;
 }
 

@@ -13,6 +13,7 @@
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "i18n/cpp/internal/i18n_icu.hpp"
+#include "i18n/cpp/internal/i18n_locale_names.hpp"
 #include "i18n/cpp/internal/i18n_resource_reader.hpp"
 
 namespace {
@@ -134,7 +135,10 @@ private:
 
     void beginLocale(const I18NResourceReader& reader) {
         const std::string name = valueOf(reader);
-        m_pLocale = name.empty() ? nullptr : &m_settings.locales[name];
+        m_pLocale = nullptr;
+        if (name.empty()) return;
+        m_pLocale = &m_settings.locales[I18NLocale(name.c_str()).getName()];
+        m_pLocale->name = name;
     }
     void endLocale(const I18NResourceReader&) { m_pLocale = nullptr; }
     void readInUse(const I18NResourceReader& reader) {
@@ -219,14 +223,15 @@ std::atomic<const I18NSettings*> g_now{nullptr};  // null for the defaults
 
 }  // namespace
 
-const I18NLocaleSettings* I18NSettings::find(const std::string& locale) const {
-    const auto found = locales.find(locale);
+const I18NLocaleSettings* I18NSettings::find(const I18NLocale& locale) const {
+    auto found = locales.find(std::string_view(locale.getName()));
+    if (found == locales.end()) found = locales.find(i18nPlainName(locale));
     return found != locales.end() && found->second.inUse ? &found->second : nullptr;
 }
 
 bool I18NLocaleSettings::operator==(const I18NLocaleSettings& other) const {
     const auto all = [](const I18NLocaleSettings& s) {
-        return std::tie(s.inUse, s.lcid, s.defaultVariant, s.csvEncoding);
+        return std::tie(s.name, s.inUse, s.lcid, s.defaultVariant, s.csvEncoding);
     };
     return all(*this) == all(other);
 }

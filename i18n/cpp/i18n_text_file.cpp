@@ -5,8 +5,8 @@
 #include <cerrno>
 #include <new>
 
+#include "QBLCore/FileManagement/internal/QBLFmLook.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmNoCancel.hpp"
-#include "QBLCore/FileManagement/internal/QBLFmStatus.hpp"
 
 namespace {
 
@@ -17,16 +17,23 @@ constexpr std::size_t kLargestFile = std::size_t{16} << 20;
 I18NTextFile::I18NTextFile(const char* path) {
     // Without waiting: whatever is no regular file may have no end, or nobody who writes to it.
     const int fd = open64(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (fd < 0 && errno == ENOMEM) throw std::bad_alloc();
-    if (fd < 0) return;
+    if (fd < 0) {
+        settle(errno);
+        return;
+    }
     QBLFmStatus status;
     const bool known = status.get(fd);
-    const bool regular = known && status.isRegular();
-    if (regular) m_pFile.reset(fdopen(fd, "r"));
+    if (known && !status.isRegular()) errno = EINVAL;
+    if (known && status.isRegular()) m_pFile.reset(fdopen(fd, "r"));
     if (m_pFile != nullptr) return;
-    const bool exhausted = (regular || !known) && errno == ENOMEM;
+    const int error = errno;
     qblCloseQuietly(fd);
-    if (exhausted) throw std::bad_alloc();
+    settle(error);
+}
+
+void I18NTextFile::settle(int error) {
+    if (error == ENOMEM) throw std::bad_alloc();
+    m_bNotSeen = !qblIsAbsence(error);
 }
 
 void I18NTextFile::Close::operator()(std::FILE* file) const {
@@ -36,11 +43,28 @@ void I18NTextFile::Close::operator()(std::FILE* file) const {
 
 int I18NTextFile::nextByte() {
     const int byte = getc_unlocked(m_pFile.get());
-    if (byte != EOF) ++m_iRead;
+    if (byte == EOF) {
+        m_bNotSeen = m_bNotSeen || ferror_unlocked(m_pFile.get()) != 0;
+        return EOF;
+    }
+    m_bCut = m_iRead == kLargestFile;
+    if (m_bCut) return EOF;
+    ++m_iRead;
     return byte;
 }
 
 bool I18NTextFile::readLine(std::string& line) {
     line.clear();
-    return isOpen() && i18nReadLine([this] { return nextByte(); }, line) && m_iRead <= kLargestFile;
+    return isOpen() && i18nReadLine([this] { return nextByte(); }, line) && !m_bCut;
+}
+
+bool I18NTextFile::readBeginning(std::string& line, std::size_t most) {
+    line.clear();
+    if (!isOpen()) return false;
+    int byte = nextByte();
+    const bool any = byte != EOF;
+    for (; byte != EOF && byte != '\n' && line.size() < most; byte = nextByte())
+        line += static_cast<char>(byte);
+    i18nTrimLine(line);
+    return any;
 }

@@ -138,6 +138,9 @@ TEST(QBLMessageTest, FillsItsTextInTheLanguageAskedFor) {
         EXPECT_EQ("-1, davon 1.234.567: schlicht", formatted(count, " de_DE,en"));
         EXPECT_EQ("1,234,567 of -1: plain", formatted(count));
     }
+    QBLMessageFile swiss = message(1);
+    swiss << 1234567 << 0 << "";
+    EXPECT_EQ(formatted(swiss, "de_CH"), formatted(swiss, "de_CH.UTF-8"));
     EXPECT_EQ("It''s {1}", formatted(message(2))) << "nothing to fill in";
     QBLMessageFile named = message(3);
     named << "\u00E9" << INT_MIN;

@@ -44,6 +44,10 @@ TEST(QBLResourceFactoryTest, TheMostSpecificFileOfTheFirstLocaleCounts) {
     EXPECT_EQ("", seen(base, "es"));
     ASSERT_TRUE(QBLFmDir::removeFile(tree("base.bmf").c_str()));
     EXPECT_EQ("_en", seen(base, "es")) << "instead of one that has gone";
+    for (const std::string& name :
+         QBLResourceFactory::getCandidates(base, "/etc,x/y;../../de de_../x de@a=/b fr_F/R"))
+        EXPECT_EQ(std::string::npos, name.find('/', base.size())) << name;
+    EXPECT_EQ(3U, QBLResourceFactory::getCandidates(base, "/etc x/y de").size());
 }
 
 TEST(QBLResourceFactoryTest, NamesWithoutADirectoryAreSoughtInTheWorkingDirectoryFirst) {

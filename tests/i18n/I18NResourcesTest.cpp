@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <unicode/locid.h>
 #include <unicode/translit.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstring>
@@ -96,7 +98,7 @@ TEST_F(I18NResourcesTest, TheBinDirectoryIsTheFirstThatSomethingNames) {
     const std::string work = m_tree.dir("work");
     m_tree.file("lib/libQBLCore.so");
     const std::string path = "::" + m_tree("none") + "::" + lib + ":";
-    const std::string notThere = m_tree("none");
+    const std::string notThere = m_tree("none"), endless(2 << 20, '/');
     struct Row {
         const char *exec, *root, *path;
         bool configuration;
@@ -110,6 +112,7 @@ TEST_F(I18NResourcesTest, TheBinDirectoryIsTheFirstThatSomethingNames) {
         {nullptr, nullptr, notThere.c_str(), true, "/link", "../bin"},
         {nullptr, nullptr, nullptr, false, "/link \r\n/other\n", "/link/./bin"},
         {nullptr, nullptr, nullptr, false, "\n/other\n", ""},
+        {nullptr, nullptr, nullptr, false, endless.c_str(), endless.substr(0, 4096) + "./bin"},
         {nullptr, nullptr, nullptr, false, nullptr, ""},
     };
     const auto set = [](const char* name, const char* value) {
@@ -320,6 +323,22 @@ TEST_F(I18NResourcesTest, TheMostSpecialFileOfALocaleCounts) {
     words("fr", "later");
     EXPECT_EQ(u"aucune", word("fr_BE")) << "read once";
 
+    words("it", "niente");
+    rlimit before = {};
+    getrlimit(RLIMIT_NOFILE, &before);
+    const rlimit none = {0, before.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+    EXPECT_EQ(u"No description", word("it_IT"));
+    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_EQ(u"niente", word("it_IT")) << "it was not looked for in vain for ever";
+    EXPECT_EQ(0, inChild([&] {
+                  words("it_CH", "not for us");
+                  std::filesystem::permissions(m_tree.root(), std::filesystem::perms(0755));
+                  std::filesystem::permissions("qbli18nreswd_it_CH.xml",
+                                               std::filesystem::perms(0400));
+                  return setegid(65534) + seteuid(65534) + (word("it_CH") != u"niente" ? 1 : 0);
+              }));
+
     const icu::Locale french("fr", "CH");
     std::string path;
     I18NString name, line;
@@ -367,12 +386,13 @@ TEST_F(I18NResourcesTest, MapsThatCannotBeFilledSaySo) {
 }
 
 TEST_F(I18NResourcesTest, LocalesHaveSettingsAndEncodings) {
-    load(
+    const char first[] =
         "<locale name=\"de_DE\">\n<inUse value=\"true\"/>\n<lcid value=\"0x1234\"/>\n"
         "<defaultVariant value=\"EURO\"/>\n<csvEncoding value=\"UTF-8\"/>\n</locale>\n"
         "<locale name=\"de_AT\">\n<csvEncoding value=\"UTF-16\"/>\n</locale>\n"
         "<lcid value=\"0x4321\"/>\n<locale>\n<inUse value=\"true\"/>\n"
-        "<locale name=\"ja_JP\">\n<inUse value=\"true\"/>\n<csvEncoding value=\"bogus\"/>\n");
+        "<locale name=\"ja_JP\">\n<inUse value=\"true\"/>\n<csvEncoding value=\"bogus\"/>\n";
+    load(first);
     const std::pair<const char*, const char*> encodings[] = {
         {"de_DE", "UTF-8"},    {"de_AT", "windows-1252"}, {"ja_JP", "windows-31j"},
         {"zh_SG", "GBK"},      {"zh_TW", "Big5"},         {"ko", "windows-949"},
@@ -381,13 +401,25 @@ TEST_F(I18NResourcesTest, LocalesHaveSettingsAndEncodings) {
         EXPECT_EQ(encoding, resources().getEncodingForLocale(I18NLocale(locale))) << locale;
     EXPECT_TRUE(resources().isLocaleModified(I18NLocale("de-DE.UTF-8")));
     EXPECT_FALSE(resources().isLocaleModified(I18NLocale("de_AT")));
+    load(
+        "<locale name=\"en_IE_preeuro\">\n<inUse value=\"true\"/>\n<lcid value=\"0x1809\"/>\n"
+        "<locale name=\"fr_FR_euro\">\n<inUse value=\"true\"/>\n<locale name=\"de-DE\">\n"
+        "<inUse value=\"true\"/>\n<locale name=\"ja_JP.UTF-8\">\n<inUse value=\"true\"/>\n");
+    for (const char* name : {"en_IE_preeuro", "en_IE_PREEURO", "fr_FR_EURO", "de_DE", "de_DE@x=y",
+                             "de_Latn_DE", "ja_JP", "ja-JP.EUC@calendar=japanese"})
+        EXPECT_TRUE(resources().isLocaleModified(I18NLocale(name))) << name;
     std::string id = "before";
+    EXPECT_TRUE(resources().getLocaleIdFroLCID(0x1809, id) && id == "en_IE_preeuro");
+    EXPECT_STREQ("ja_JP@x=y.z", I18NLocale("ja_JP@x=y.z").getName());
+    EXPECT_FALSE(I18NLocale("../de").isValid() || I18NLocale("x/y").isValid());
+    load(first);
     EXPECT_FALSE(resources().getLocaleIdFroLCID(0xFFFF, id));
     EXPECT_TRUE(resources().getLocaleIdFroLCID(0x1234, id) && id == "de_DE");
     EXPECT_TRUE(resources().getLocaleIdFroLCID(0x0411, id) && id == "ja_JP");
     m_tree.file("qbli18nreslc_en.xml",
                 "<langLocMappingTable>\n<entry name=\"de\">\n<value name=\"de_DE\"/>\n</entry>\n");
     EXPECT_TRUE(resources().getDefaultLocaleForLanguage("de", id) && id == "de_DE_EURO");
+    EXPECT_TRUE(resources().getDefaultLocaleForLanguage("DE", id) && id == "de_DE_EURO");
     EXPECT_FALSE(resources().getDefaultLocaleForLanguage("xx", id));
     EXPECT_EQ("en-us", id);
     I18NLocale* locales = nullptr;

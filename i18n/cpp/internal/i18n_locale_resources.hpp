@@ -32,18 +32,19 @@ extern const I18NMapSource kI18NLocaleOfLanguage;
 
 /// Looks for a per-locale file: base + name + ".xml", where name is language, country and variant,
 /// then without the variant, then the language alone, then "en"; each in the bin directory, then in
-/// the working directory, then in share/qblcore of the installation. A locale whose name has other
-/// characters than letters, digits and "_" in these parts only finds "en".
+/// the working directory, then in share/qblcore of the installation. A variant is looked for in
+/// upper and then in lower case. A locale whose name has other characters than letters, digits and
+/// "_" in these parts only finds "en". Files that we may not read are passed over.
 /// @param path, name  receive the file that was found, and which name it has
+/// @return false also when a place could not be looked at
+/// @throws std::bad_alloc when that was for want of memory
 bool findResourceFile(std::string& path, std::string& name, const char* base,
                       const I18NLocale& locale);
 
-/// Adds the entries of a file to a map. An entry is an element with a name and a value, or one
-/// with a name followed by one with the value, or an element with only a value, which is named
-/// like itself. The last of entries with the same name counts.
-void loadResource(const std::string& path, const I18NMapSource& source, I18NResourceMap& map);
-
-/// The maps of all locales, each loaded when it is first asked for.
+/// The maps of all locales, each loaded when it is first asked for, and again if its file could not
+/// be read then. An entry of a file is an element with a name and a value, or one with a name
+/// followed by one with the value, or an element with only a value, which is named like itself. The
+/// last of entries with the same name counts.
 ///
 /// Threads: any thread; clear() only while no other uses a map.
 class I18NLocaleResources {

@@ -21,6 +21,7 @@ class I18NResourceReader {
 public:
     explicit I18NResourceReader(const char* path) : m_file(path) {}
     bool isOpen() const { return m_file.isOpen(); }
+    bool isNotSeen() const { return m_file.isNotSeen(); }
 
     /// Goes on to the next line with an element.
     /// @return false at the end of the file.

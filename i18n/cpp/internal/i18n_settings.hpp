@@ -7,10 +7,12 @@
 #include <string_view>
 #include <vector>
 
+#include "i18n/cpp/i18n_locale.hpp"
 #include "i18n/cpp/internal/i18n_replacement_tables.hpp"
 
 /// What the resource file says of a locale.
 struct I18NLocaleSettings {
+    std::string name;    // as the file has it
     bool inUse = false;  // otherwise the rest does not count
     unsigned short lcid = 0;
     std::string defaultVariant;
@@ -28,7 +30,7 @@ struct I18NSettings {
     /// The same number for the same list; 0 for lists that got none, of which there may be many.
     int nonNormalizableID = 0;
     std::map<char32_t, char32_t> jaSubstitutions;
-    std::map<std::string, I18NLocaleSettings, std::less<>> locales;
+    std::map<std::string, I18NLocaleSettings, std::less<>> locales;  // by canonical names
     I18NReplacementTables replacements;
 
     bool operator==(const I18NSettings& other) const;
@@ -36,7 +38,7 @@ struct I18NSettings {
     /// Whether a text has one of the characters that must not be normalised.
     bool isNonNormalizable(std::u16string_view text) const;
     /// @return what the settings of the locale are, if they are in use; else null.
-    const I18NLocaleSettings* find(const std::string& locale) const;
+    const I18NLocaleSettings* find(const I18NLocale& locale) const;
 
     /// Reads a resource file. What is not understood, a number out of its range, an encoding that
     /// ICU does not know, is left out, and nothing else with it.

@@ -6,6 +6,12 @@
 #include <memory>
 #include <string>
 
+/// Takes the carriage return of a line end and a byte-order mark off a line.
+inline void i18nTrimLine(std::string& line) {
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    if (line.compare(0, 3, "\xEF\xBB\xBF") == 0) line.erase(0, 3);
+}
+
 /// Reads bytes into a line up to its end, "\n" or "\r\n", which is left out, as is a byte-order
 /// mark in front. Of a line beyond 1 MiB nothing is kept: half a line would be read as something
 /// that nobody wrote.
@@ -23,8 +29,7 @@ bool i18nReadLine(NextByte nextByte, std::string& line) {
         if (!tooLong) line += static_cast<char>(byte);
     }
     if (tooLong) line.clear();
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    if (line.compare(0, 3, "\xEF\xBB\xBF") == 0) line.erase(0, 3);
+    i18nTrimLine(line);
     return true;
 }
 
@@ -37,10 +42,15 @@ public:
     /// @throws std::bad_alloc when only memory was missing
     explicit I18NTextFile(const char* path);
     bool isOpen() const { return m_pFile != nullptr; }
+    /// Whether it is not known what the file has: it may be there, but could not be opened, or not
+    /// be read to its end.
+    bool isNotSeen() const { return m_bNotSeen; }
 
     /// Reads the next line, as i18nReadLine() does.
     /// @return false at the end, or when the file is not open.
     [[nodiscard]] bool readLine(std::string& line);
+    /// Reads the next line, but no more of it than a number of bytes.
+    [[nodiscard]] bool readBeginning(std::string& line, std::size_t most);
 
 private:
     struct Close {
@@ -49,9 +59,12 @@ private:
 
     /// @return the next byte, EOF when there is none.
     int nextByte();
+    void settle(int error);
 
     std::unique_ptr<std::FILE, Close> m_pFile;
     std::size_t m_iRead = 0;
+    bool m_bCut = false;  // more is there than is read
+    bool m_bNotSeen = false;
 };
 
 #endif

@@ -1,0 +1,44 @@
+#ifndef QBLCORE_FILEMANAGEMENT_INTERNAL_QBLFMLOOK_HPP
+#define QBLCORE_FILEMANAGEMENT_INTERNAL_QBLFMLOOK_HPP
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <new>
+
+#include "QBLCore/FileManagement/internal/QBLFmStatus.hpp"
+
+/// Whether this error number of a file says that it is not there for us. Others say that nobody
+/// could look: descriptors or memory were exhausted, or the disk failed.
+inline bool qblIsAbsence(int error) {
+    switch (error) {
+        case ENOENT:
+        case ENOTDIR:
+        case EACCES:
+        case EPERM:
+        case ELOOP:
+        case ENAMETOOLONG:
+        case ENXIO:
+        case EINVAL:
+            return true;
+        default:
+            return false;
+    }
+}
+
+enum class QBLFmLook { There, NotThere, NotSeen };
+
+/// Looks for a regular file that we may read.
+/// @throws std::bad_alloc when the system had no memory to look
+inline QBLFmLook qblLookForFile(const char* path) {
+    QBLFmStatus status;
+    if (status.get(path)) {
+        if (!status.isRegular()) return QBLFmLook::NotThere;
+        if (faccessat(AT_FDCWD, path, R_OK, AT_EACCESS) == 0) return QBLFmLook::There;
+    }
+    if (errno == ENOMEM) throw std::bad_alloc();
+    return qblIsAbsence(errno) ? QBLFmLook::NotThere : QBLFmLook::NotSeen;
+}
+
+#endif
