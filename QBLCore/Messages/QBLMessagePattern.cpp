@@ -9,14 +9,18 @@
 #include <cstring>
 
 #include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
+#include "QBLCore/Messages/internal/QBLPatternCheck.hpp"
 #include "i18n/cpp/i18n_locale.hpp"
 #include "i18n/cpp/internal/i18n_icu.hpp"
 
 namespace {
 
+/// Where ICU has no memory for a text, it gives one that is empty.
 icu::UnicodeString toUnicode(std::string_view utf8) {
-    return icu::UnicodeString::fromUTF8(
-        icu::StringPiece(utf8.data(), static_cast<int>(utf8.size())));
+    icu::UnicodeString text =
+        icu::UnicodeString::fromUTF8(icu::StringPiece(utf8.data(), static_cast<int>(utf8.size())));
+    if (text.isBogus()) qblThrowNoMemory(QBL_HERE);
+    return text;
 }
 
 icu::Formattable toFormattable(const QBLMessageArgument& argument) {
@@ -50,39 +54,21 @@ QBLMessagePattern::QBLMessagePattern(const char* text, const char* locales)
     : m_pSource(text),
       m_text(text),
       m_locale(firstOf(locales)),
-      m_harmless(isHarmless(m_text)),
+      m_harmless(false),
       m_plain(false),
       m_pIntegers(nullptr) {
-    if (m_harmless) parse();
+    parse();
 }
 
 QBLMessagePattern::~QBLMessagePattern() = default;
 
-bool QBLMessagePattern::isHarmless(const std::string& text) {
-    int choices = 0;
-    for (const char* word : {"choice", "plural", "select"})
-        for (const char* at = text.c_str(); (at = strcasestr(at, word)) != nullptr; ++at)
-            if (++choices > kMaxChoices) return false;
-    // A style like "::scale/1E9", up to the end of its argument.
-    for (std::size_t at = text.find("::"); at != std::string::npos; at = text.find("::", at + 1)) {
-        const std::size_t before = text.find_last_not_of(" \t\r\n", at - (at > 0 ? 1 : 0));
-        if (before == std::string::npos || text[before] != ',') continue;
-        const std::size_t end = std::min(text.find('}', at), text.size());
-        for (std::size_t slash = text.find('/', at); slash < end;
-             slash = text.find('/', slash + 1)) {
-            const std::size_t behind = text.find_first_not_of("+-.0123456789", slash + 1);
-            if (behind < end && behind > slash + 1 && (text[behind] | 0x20) == 'e') return false;
-        }
-    }
-    return true;
-}
-
 void QBLMessagePattern::parse() {
-    UErrorCode status = U_ZERO_ERROR;
     const icu::UnicodeString text = toUnicode(m_text);
-    const icu::MessagePattern pattern(text, nullptr, status);
-    refuseExhaustion(status);
-    if (U_FAILURE(status)) return;
+    const QBLPatternCheck check(text);
+    refuseExhaustion(check.status);
+    if (check.fault != QBLPatternCheck::kNone) return;
+    m_harmless = true;
+    const icu::MessagePattern& pattern = check.pattern;
     int begin = 0;
     std::string piece;
     const auto take = [&](int end) { text.tempSubStringBetween(begin, end).toUTF8String(piece); };
@@ -162,7 +148,8 @@ bool QBLMessagePattern::formatByIcu(const QBLMessageArgument* arguments, int cou
     icu::FieldPosition position(icu::FieldPosition::DONT_CARE);
     m_icu->format(values, count, text, position, status);
     refuseExhaustion(status);
-    if (U_FAILURE(status) || text.isBogus()) return false;
+    if (U_FAILURE(status)) return false;
+    if (text.isBogus()) qblThrowNoMemory(QBL_HERE);
     m_out.clear();
     text.toUTF8String(m_out);
     return true;

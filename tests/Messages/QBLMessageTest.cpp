@@ -115,8 +115,9 @@ TEST(QBLMessageTest, WithoutATextItShowsItsParts) {
 TEST(QBLMessageTest, FillsItsTextInTheLanguageAskedFor) {
     TempTree tree;
     const std::string base = tree("texts");
-    std::string deep;
+    std::string deep, words;
     for (int i = 0; i < 5000; ++i) deep += "{0,choice,0#'}'";
+    for (int i = 0; i < 101; ++i) words += "select, ";
     tree.file("texts_en.bmf", bmfBytes({{1, "{0} of {1}: {2}"},
                                         {2, "It''s {1}"},
                                         {3, "It''s {0}, isn't it, {1}?"},
@@ -126,6 +127,9 @@ TEST(QBLMessageTest, FillsItsTextInTheLanguageAskedFor) {
                                         {7, "bad { {0}"},
                                         {8, "{0,number,::scale/1E900000000}"},
                                         {12, deep},
+                                        {14, "{0,number,\v::scale/1E99999999}"},
+                                        {15, "{0,number,\u2028::percent scale/1E2}"},
+                                        {16, words + "{0}"},
                                         {9, "plain"},
                                         {13, "QBLX::open of /3e5f: {0}"},
                                         {10, "'{0}' '{'{0}"}}));
@@ -162,10 +166,13 @@ TEST(QBLMessageTest, FillsItsTextInTheLanguageAskedFor) {
     QBLMessageFile quoted = message(10);
     quoted << "x";
     EXPECT_EQ("{0} {x", formatted(quoted));
+    QBLMessageFile wordy = message(16);
+    wordy << "x";
+    EXPECT_EQ(words + "x", formatted(wordy)) << "words alone make no choice";
     QBLMessageFile scoped = message(13);
     scoped << "x";
     EXPECT_EQ("QBLX::open of /3e5f: x", formatted(scoped));
-    for (const unsigned long id : {7UL, 8UL, 11UL, 12UL}) {
+    for (const unsigned long id : {7UL, 8UL, 11UL, 12UL, 14UL, 15UL}) {
         QBLMessageFile bad = message(id);
         bad << 1;
         EXPECT_EQ(0U, formatted(bad).find("<Message Name=\"QBLMessageFile\" File=\"")) << id;

@@ -28,6 +28,9 @@ std::string compiled(const std::map<unsigned, std::string>& texts) {
 }  // namespace
 
 TEST(QblmsgcTest, EachMistakeIsNamedWithItsPlace) {
+    std::string many = "1 \"";
+    for (int i = 0; i < 101; ++i) many += "{0,choice,0#a}";
+    many += '"';
     const struct {
         const char *source, *found;
     } table[] = {
@@ -49,6 +52,9 @@ TEST(QblmsgcTest, EachMistakeIsNamedWithItsPlace) {
         {R"(1 "{9}" "{10}")", "1:11: 10 is no argument: they are numbers from 0 to 9"},
         {R"(1 "{0,select,a{{1,what}}other{}}")", "1:19: no kind of argument: what"},
         {R"(1 "{0,number,::zzz}")", "1:4: no message pattern (U_NUMBER_SKELETON_SYNTAX_ERROR)"},
+        {R"(1 "{0,number,\u000b::scale/1E9}")",
+         "1:14: an option of a number skeleton has an exponent"},
+        {many.c_str(), "1:1406: more than 100 choices, plurals and selects"},
         {"1 \"{0} '{1}'\"", "1:9: warning: the apostrophe makes a plain text of argument 1"},
         {"1 \"it''s\"", "1:6: warning: without arguments both apostrophes are shown"},
         {"1 = \"{ {0\"", "1:8: warning: this makes a pattern of the text in spite of the ="},

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "QBLCore/Messages/internal/QBLPatternCheck.hpp"
 #include "tools/common/Utf8.hpp"
 
 namespace msgc {
@@ -24,10 +25,14 @@ public:
         : m_utf8(utf8), m_text(icu::UnicodeString::fromUTF8(utf8)), m_result(result) {}
 
     void check() {
-        UParseError place = {};
-        UErrorCode status = U_ZERO_ERROR;
-        const icu::MessagePattern pattern(m_text, &place, status);
-        if (U_FAILURE(status)) return refuse(status, place.offset);
+        const QBLPatternCheck checked(m_text);
+        const icu::MessagePattern& pattern = checked.pattern;
+        if (checked.fault == QBLPatternCheck::kTooManyChoices)
+            return error(checked.offset, MSGC_TOO_MANY_CHOICES,
+                         std::to_string(QBLPatternCheck::kMaxChoices));
+        if (checked.fault == QBLPatternCheck::kSyntax)
+            return refuse(checked.status, checked.offset);
+        if (checked.fault == QBLPatternCheck::kExponent) error(checked.offset, MSGC_EXPONENT, "");
         for (int i = 0; i < pattern.countParts(); ++i) checkPart(pattern, i);
         if (m_hasKinds && !m_result.hasErrors()) checkStyles();
         findQuoted();

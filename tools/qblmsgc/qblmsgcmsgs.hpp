@@ -41,6 +41,9 @@ enum qblmsgcmsgs {
     MSGC_UNKNOWN_KIND = 26,
     /// {3} name
     MSGC_KEYWORD = 27,
+    /// {3} how many are allowed
+    MSGC_TOO_MANY_CHOICES = 28,
+    MSGC_EXPONENT = 29,
     /// {3} number
     MSGC_QUOTED_ARGUMENT = 40,
     MSGC_DOUBLED_APOSTROPHE = 41,

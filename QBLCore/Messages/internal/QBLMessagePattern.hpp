@@ -27,12 +27,10 @@ struct QBLMessageArgument {
 /// A parsed message pattern. One that consists of texts and plain arguments is filled in here; ICU
 /// formats the others, and all doubles and dates.
 ///
-/// A text that has the words for a choice more than kMaxChoices times, or scales numbers by powers
-/// of ten, is none: ICU would follow it until the stack or memory is exhausted.
+/// A text that QBLPatternCheck refuses is none.
 class QBLMessagePattern {
 public:
     static constexpr int kMaxArguments = 10;
-    static constexpr int kMaxChoices = 100;
 
     /// @param text  UTF-8; must stay as it is as long as isFor() is asked
     /// @param locales  of which the first counts
@@ -52,7 +50,6 @@ private:
         int argument;  // behind the text; -1 for none
     };
 
-    static bool isHarmless(const std::string& text);
     void parse();
     bool formatPlain(const QBLMessageArgument* arguments, int count);
     bool formatByIcu(const QBLMessageArgument* arguments, int count);
