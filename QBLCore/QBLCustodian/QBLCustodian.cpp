@@ -9,9 +9,27 @@
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
 #include "QBLCore/Frame/internal/QBLImmortal.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
+#include "QBLCore/Threads/QBLThreadSemaphore.hpp"
+#include "QBLCore/Threads/internal/QBLHasBegun.hpp"
+#include "QBLCore/Threads/internal/QBLNoCancel.hpp"
+#include "QBLCore/Utility/QBLHighResolutionTime.hpp"
 #include "QBLCore/Utility/QBLMiniLogger.hpp"
 #include "QBLCore/Utility/QBLUtSystemInfo.hpp"
 #include "TavThread/internal/TavContain.hpp"
+
+// m_jobLock guards the lists and is held briefly, never while a task is called. m_taskLock is for
+// the wait between two passes; it may be held when m_jobLock is taken.
+//
+// 1. During a pass the list m_tasks belongs to the thread: only it adds or erases, under m_jobLock,
+//    so that others may read. Who deregisters a task puts null in its place and waits for the end
+//    of the pass, which counts `passes` on: so he waits for one pass, however fast they follow each
+//    other, and no pass waits for him.
+// 2. Mutexes are not fair: callers that register and deregister without a pause would keep the
+// thread
+//    from m_jobLock for long. So it sets `wanted` before it takes the lock, and a caller that sees
+//    this waits once, on `changed`, until the thread gives the lock back.
+// 3. A task that ends its thread does not end the pass: another thread goes on with it at the next
+//    task. `at` and `last` tell it where, and belong to whichever thread it is.
 
 namespace {
 
@@ -24,7 +42,7 @@ struct Shared {
     QBLThreadCriticalSection m_globallock{0};
     QBLThreadConditionVariable changed;  // for waits until there are no users, or no stop
     QBLCustodian* m_Custodian QBL_GUARDED_BY(m_globallock) = nullptr;
-    unsigned long m_schedule QBL_GUARDED_BY(m_globallock) = kFirstSchedule;
+    std::atomic<unsigned long> m_schedule{kFirstSchedule};   // changes under m_globallock
     unsigned long process QBL_GUARDED_BY(m_globallock) = 0;  // that has the custodian's thread
     int users QBL_GUARDED_BY(m_globallock) = 0;              // calls that use the custodian
     bool stopping QBL_GUARDED_BY(m_globallock) = false;
@@ -68,11 +86,76 @@ TAV_CATCHES_UNWINDING bool isFinished(QBLCustodianTask& task, int terminating) {
     }
 }
 
-bool isFrozen(unsigned long schedule) {
-    return schedule == 0 || schedule == ~0UL || schedule == 0xFFFFFFFFUL;
-}
+bool isEndless(unsigned long schedule) { return schedule == ~0UL || schedule == 0xFFFFFFFFUL; }
+
+bool isFrozen(unsigned long schedule) { return schedule == 0 || isEndless(schedule); }
 
 }  // namespace
+
+/// The custodian that initialize() makes, with what has no place in the layout of its base.
+class QBLCustodian::Body : public QBLCustodian {
+public:
+    Body() : began(0), other(this, kStackSize) {}
+    ~Body() override;
+
+    static Body& of(QBLCustodian& custodian) { return static_cast<Body&>(custodian); }
+
+    void waitForPass();
+    void endPass();
+    bool begin(QBLThread& thread);
+    void succeed();
+    /// Waits until the thread has given m_jobLock back, or longer.
+    void await() QBL_REQUIRES(m_jobLock) {
+        ++m_waiting;
+        changed.wait(m_jobLock);
+        --m_waiting;
+    }
+
+    std::atomic<bool> wanted{false};
+    QBLThreadConditionVariable changed;  // waited on with m_jobLock
+    bool inPass = false;                 // guarded by m_jobLock, as the next two
+    unsigned passes = 0;                 // that have begun
+    bool lastPass = false;               // is over
+    // Used by one thread after the other.
+    QBLListIterator<QBLCustodianTask*> at{m_tasks.begin()};
+    int last = 0;
+    bool otherServes = false;
+    QBLThreadSemaphore began;  // posted by each thread
+    QBLThread other;           // serves by turns with the base
+
+    /// Holds m_jobLock for the thread.
+    class QBL_SCOPED_CAPABILITY Turn {
+    public:
+        explicit Turn(Body& body) QBL_ACQUIRE(body.m_jobLock) : m_body(body) {
+            body.wanted = true;
+            body.m_jobLock.lock();
+            body.wanted = false;
+        }
+        ~Turn() QBL_RELEASE() {
+            if (m_body.m_waiting != 0) m_body.changed.broadcast();
+            m_body.m_jobLock.unlock();
+        }
+        Turn(const Turn&) = delete;
+        Turn& operator=(const Turn&) = delete;
+
+    private:
+        Body& m_body;
+    };
+    /// The same for callers of the custodian.
+    class QBL_SCOPED_CAPABILITY Call {
+    public:
+        explicit Call(Body& body) QBL_ACQUIRE(body.m_jobLock) : m_body(body) {
+            body.m_jobLock.lock();
+            if (body.wanted) body.await();
+        }
+        ~Call() QBL_RELEASE() { m_body.m_jobLock.unlock(); }
+        Call(const Call&) = delete;
+        Call& operator=(const Call&) = delete;
+
+    private:
+        Body& m_body;
+    };
+};
 
 /// Uses the custodian, if there is one, which does not go away meanwhile. A forked process has
 /// none: the thread stayed behind.
@@ -104,7 +187,7 @@ bool QBLCustodian::initialize() {
         Shared& shared = Shared::instance();
         QBLThreadGuard guard(shared.m_globallock);
         if (shared.m_Custodian == nullptr) {
-            shared.m_Custodian = new QBLCustodian;
+            shared.m_Custodian = new Body;
             shared.process = QBLUtSystemInfo::getProcessId();
         }
         exists = true;
@@ -113,6 +196,7 @@ bool QBLCustodian::initialize() {
 }
 
 void QBLCustodian::terminate() {
+    const QBLNoCancel noCancel;
     Shared& shared = Shared::instance();
     QBLCustodian* last = nullptr;
     {
@@ -123,6 +207,7 @@ void QBLCustodian::terminate() {
             // Of the process that this one was forked from: there is no thread to wait for, and
             // its locks may be held for ever.
             shared.users = 0;
+            shared.stopping = false;
             return;
         }
         shared.stopping = true;
@@ -136,9 +221,18 @@ void QBLCustodian::terminate() {
 
 unsigned long QBLCustodian::setSchedule(unsigned long ms) {
     Shared& shared = Shared::instance();
-    QBLThreadGuard guard(shared.m_globallock);
-    const unsigned long before = shared.m_schedule;
-    if (!isFrozen(before)) shared.m_schedule = ms;
+    unsigned long before = 0;
+    {
+        QBLThreadGuard guard(shared.m_globallock);
+        before = shared.m_schedule;
+        if (isFrozen(before)) return before;
+        shared.m_schedule = ms;
+    }
+    User user;  // which may be waiting for the time set before
+    if (user.custodian() != nullptr) {
+        user.custodian()->lockForChange();
+        user.custodian()->m_taskLock.unlock();
+    }
     return before;
 }
 
@@ -156,6 +250,7 @@ bool QBLCustodian::registerTask(QBLCustodianTask* task) {
 }
 
 bool QBLCustodian::deRegisterTask(QBLCustodianTask* task) {
+    const QBLNoCancel noCancel;
     {
         User user;
         if (user.custodian() != nullptr) return user.custodian()->removeTask(task);
@@ -163,7 +258,8 @@ bool QBLCustodian::deRegisterTask(QBLCustodianTask* task) {
     // The last pass of one that is being stopped may still call the task.
     Shared& shared = Shared::instance();
     QBLThreadGuard guard(shared.m_globallock);
-    while (shared.stopping && !t_isCustodian) shared.changed.wait(shared.m_globallock);
+    while (shared.stopping && shared.process == QBLUtSystemInfo::getProcessId() && !t_isCustodian)
+        shared.changed.wait(shared.m_globallock);
     return false;
 }
 
@@ -175,38 +271,36 @@ QBLCustodian::QBLCustodian()
       m_terminating(0),
       m_waiting(0) {}
 
-QBLCustodian::~QBLCustodian() {
-    bool started = false;
+QBLCustodian::~QBLCustodian() = default;
+
+// On return both threads have ended.
+QBLCustodian::Body::~Body() {
     lockForChange();
     {
         QBLThreadGuard guard(m_jobLock);
         m_terminating = 1;
-        started = m_started != 0;
     }
-    m_wakeup.signal();
     m_taskLock.unlock();
-    if (started) join();
+    {
+        QBLThreadGuard guard(m_jobLock);
+        while (m_started != 0 && !lastPass) await();
+    }
+    joinQuietly();
+    other.joinQuietly();
 }
 
-// Takes m_taskLock before the thread can have it again for a pass: with passes that follow each
-// other at once it would hardly ever be free long enough for another.
+// For the thread to look again at what has changed. It is not held during a pass.
 void QBLCustodian::lockForChange() {
-    ++m_waiting;
     m_taskLock.lock();
-    --m_waiting;
+    m_wakeup.signal();
 }
 
 bool QBLCustodian::assignTask(QBLCustodianTask* task) {
     if (task == nullptr) return true;
-    QBLThreadGuard guard(m_jobLock);
-    if (m_started == 0 && m_terminating == 0) {
-        try {
-            start();
-            m_started = 1;
-        } catch (QBLThrowable&) {  // the next registration tries again
-        }
-    }
-    if (m_started == 0 || m_terminating == 1 || !isAlive()) return false;
+    Body& body = Body::of(*this);
+    const Body::Call call(body);
+    if (m_started == 0 && m_terminating == 0 && body.begin(*this)) m_started = 1;
+    if (m_started == 0 || m_terminating == 1) return false;  // the next registration tries again
     // The names are part of the assertions' texts.
     for (auto iterJobs = m_jobs.begin(); iterJobs != m_jobs.end(); ++iterJobs)
         QBL_ASSERT(task != *iterJobs);
@@ -216,60 +310,128 @@ bool QBLCustodian::assignTask(QBLCustodianTask* task) {
 }
 
 bool QBLCustodian::removeTask(QBLCustodianTask* task) {
-    const auto erase = [task](QBLList<QBLCustodianTask*>& from) {
-        for (auto it = from.begin(); it != from.end(); ++it) {
-            if (*it != task) continue;
-            from.erase(it);
-            return true;
-        }
-        return false;
+    const auto find = [task](QBLList<QBLCustodianTask*>& in) {
+        auto it = in.begin();
+        while (it != in.end() && (*it != task || task == nullptr)) ++it;
+        return it;
     };
-    {
-        QBLThreadGuard guard(m_jobLock);
-        if (erase(m_jobs)) return true;
+    Body& body = Body::of(*this);
+    const Body::Call call(body);
+    if (const auto it = find(m_jobs); it != m_jobs.end()) {
+        m_jobs.erase(it);
+        return true;
     }
     if (t_isCustodian) return false;
-    lockForChange();
-    bool removed = false;
-    {
-        QBLThreadGuard guard(m_jobLock);
-        removed = erase(m_tasks);
+    const auto it = find(m_tasks);
+    const bool found = it != m_tasks.end();
+    if (!body.inPass) {
+        if (found) m_tasks.erase(it);
+        return found;
     }
-    m_taskLock.unlock();
-    return removed;
+    if (found) __atomic_store_n(&*it, nullptr, __ATOMIC_RELAXED);
+    for (const unsigned pass = body.passes; body.inPass && body.passes == pass;) body.await();
+    return found;
 }
 
-// However the thread ends, the lock is free afterwards.
 void QBLCustodian::run() {
     t_isCustodian = true;
-    QBLThreadGuard guard(m_taskLock);
-    for (int last = 0; last == 0;) {
-        // A stop that came before the thread did has signalled nobody.
-        if (m_terminating == 0) static_cast<void>(m_wakeup.timedWait(m_taskLock, getSchedule()));
-        last = m_terminating;
-        takeNewTasks();
+    const QBLNoCancel noCancel;
+    Body& body = Body::of(*this);
+    body.began.post();
+    struct Succession {
+        Body* body;
+        ~Succession() {
+            if (body != nullptr) body->succeed();
+        }
+    } succession{&body};
+    do {
+        if (!body.inPass) body.waitForPass();
         callTasks();
-        if (m_waiting == 0) continue;
-        m_taskLock.unlock();
-        while (m_waiting != 0) yield();
-        m_taskLock.lock();
+        body.endPass();
+    } while (body.last == 0);
+    succession.body = nullptr;
+}
+
+// A new time between passes is counted from the beginning of the wait.
+void QBLCustodian::Body::waitForPass() {
+    const std::int64_t begin = QBLHighResolutionTime::now();
+    {
+        QBLThreadGuard guard(m_taskLock);
+        while (m_terminating == 0) {
+            const unsigned long schedule = Shared::instance().m_schedule;
+            if (isEndless(schedule)) {
+                m_wakeup.wait(m_taskLock);
+                continue;
+            }
+            const std::int64_t waited = (QBLHighResolutionTime::now() - begin) / 1000000;
+            const std::int64_t left = static_cast<std::int64_t>(schedule) - waited;
+            if (left <= 0) break;
+            static_cast<void>(m_wakeup.timedWait(m_taskLock, static_cast<unsigned long>(left)));
+        }
     }
+    if (Shared::instance().m_schedule == 0) yield();  // to callers, if there are no tasks
+    Turn turn(*this);
+    takeNewTasks();
+    at = m_tasks.begin();
+    last = m_terminating;
+    inPass = true;
+    ++passes;
 }
 
 void QBLCustodian::takeNewTasks() {
-    QBLThreadGuard guard(m_jobLock);
     while (!m_jobs.empty()) m_tasks.splice(m_tasks.begin(), m_jobs, m_jobs.begin());
 }
 
 void QBLCustodian::callTasks() {
-    for (auto it = m_tasks.begin(); it != m_tasks.end();) {
-        const bool finished = isFinished(**it, m_terminating);
-        yield();
-        if (finished) {
-            QBLThreadGuard guard(m_jobLock);
-            it = m_tasks.erase(it);
-        } else {
-            ++it;
+    Body& body = Body::of(*this);
+    struct Step {
+        Body& body;
+        bool finished = false;
+        ~Step() {
+            if (!finished) {
+                ++body.at;
+                return;
+            }
+            const Body::Turn turn(body);
+            body.at = body.m_tasks.erase(body.at);
+        }
+    };
+    while (body.at != m_tasks.end()) {
+        Step step{body};
+        QBLCustodianTask* const task = __atomic_load_n(&*body.at, __ATOMIC_RELAXED);
+        if (task != nullptr) {
+            step.finished = isFinished(*task, body.last);
+            yield();
         }
     }
+}
+
+void QBLCustodian::Body::endPass() {
+    Turn turn(*this);
+    inPass = false;
+    if (last != 0) lastPass = true;
+    if (m_waiting == 0) return;
+    for (auto it = m_tasks.begin(); it != m_tasks.end();) {
+        if (*it == nullptr)
+            it = m_tasks.erase(it);
+        else
+            ++it;
+    }
+}
+
+/// @return whether the thread has begun.
+bool QBLCustodian::Body::begin(QBLThread& thread) {
+    bool begun = false;
+    tavContain([&] {
+        thread.joinQuietly();
+        thread.start();
+        begun = qblHasBegun(thread, began);
+    });
+    return begun;
+}
+
+/// On a thread that a task has ended: there must be another one, however long it takes to get it.
+void QBLCustodian::Body::succeed() {
+    otherServes = !otherServes;
+    while (!begin(otherServes ? other : *this)) sleep(10);
 }

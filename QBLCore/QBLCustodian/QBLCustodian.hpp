@@ -17,7 +17,9 @@
 /// without further tasks or destructors; a record of the error goes to the mini logger's file
 /// `qbl_error_` and the process's number.
 ///
-/// A process that is forked has no custodian until it stops the library and starts it anew.
+/// A process that is forked has no custodian until it stops the library and starts it anew. It may
+/// do so only if no other thread was in a call of the library at the fork: a lock that such a
+/// thread held is never given back in the new process.
 ///
 /// Threads: any thread may call any operation; but for those that start and stop the custodian,
 /// which belong to the start and stop of the library.
@@ -28,9 +30,9 @@ public:
     /// Takes the custodian away, waiting for its last pass and for registrations under way.
     static void terminate();
 
-    /// @param ms  time between two passes, from the next wait on; 60000 at first. Once it is 0
-    ///     (one pass after the other) or all ones (none but at the stop) it stays so for the
-    ///     process's life, deliberately.
+    /// @param ms  time between two passes, 60000 at first; a wait under way takes it over, counted
+    ///     from its beginning. Once it is 0 (one pass after the other) or all ones (none but at the
+    ///     stop) it stays so for the process's life, deliberately.
     /// @return the time set before
     static unsigned long setSchedule(unsigned long ms);
     static unsigned long getSchedule();
@@ -44,7 +46,9 @@ public:
     static bool registerTask(QBLCustodianTask* task);
     /// Withdraws a task, waiting for a pass that is under way, and for the last one of a library
     /// that is being stopped: the task is not being called when this returns, and will not be
-    /// again.
+    /// again. Call it also for a task that was dropped, before the task is destroyed or registered
+    /// again: its doIt() may have returned, and the custodian not have dropped it yet. The caller
+    /// is not cancelled meanwhile.
     /// @return false for a task that is not registered; also from inside a task, which cannot wait
     ///     for its own pass, for a task that was in a pass already
     static bool deRegisterTask(QBLCustodianTask* task);
@@ -52,6 +56,7 @@ public:
     void run() override;
 
 private:
+    class Body;
     class User;
 
     QBLCustodian();
@@ -60,17 +65,17 @@ private:
     bool assignTask(QBLCustodianTask* task);
     bool removeTask(QBLCustodianTask* task);
     void lockForChange() QBL_ACQUIRE(m_taskLock);
-    void takeNewTasks();
-    void callTasks() QBL_REQUIRES(m_taskLock);
+    void takeNewTasks() QBL_REQUIRES(m_jobLock);
+    void callTasks();
 
-    QBLThreadCriticalSection m_taskLock;  // held during each pass
-    QBLThreadConditionVariable m_wakeup;
-    QBLList<QBLCustodianTask*> m_tasks;  // changed under both locks, read under either
-    QBLThreadCriticalSection m_jobLock;  // may be taken under m_taskLock, not the other way
-    QBLList<QBLCustodianTask*> m_jobs;   // not in a pass yet, the newest first; under m_jobLock
-    int m_started;                       // under m_jobLock
-    int m_terminating;                   // changed under both locks, read under either
-    std::atomic<int> m_waiting;          // for m_taskLock
+    QBLThreadCriticalSection m_taskLock;  // for the wait between two passes
+    QBLThreadConditionVariable m_wakeup;  // waited on with m_taskLock
+    QBLList<QBLCustodianTask*> m_tasks;   // changed under m_jobLock, in a pass by the thread alone
+    QBLThreadCriticalSection m_jobLock;   // may be taken under m_taskLock, not the other way
+    QBLList<QBLCustodianTask*> m_jobs;    // not in a pass yet, the newest first; under m_jobLock
+    int m_started;                        // under m_jobLock
+    int m_terminating;                    // changed under both locks, read under either
+    std::atomic<int> m_waiting;           // callers that wait for the thread; under m_jobLock
 };
 
 #endif

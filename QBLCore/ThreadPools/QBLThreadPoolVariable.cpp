@@ -7,6 +7,7 @@
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/ThreadPools/internal/QBLTaskRun.hpp"
+#include "QBLCore/Threads/internal/QBLHasBegun.hpp"
 #include "QBLCore/Threads/internal/QBLLayerResult.hpp"
 #include "QBLCore/Utility/QBLHighResolutionTime.hpp"
 

@@ -167,6 +167,39 @@ TEST_F(QBLCustodianTest, AStopIsFinishedThoughItsThreadIsCancelled) {
     EXPECT_EQ(0, result);
 }
 
+TEST_F(QBLCustodianTest, ATaskThatEndsItsThreadEndsNothingElse) {
+    std::vector<std::unique_ptr<Task>> tasks;
+    for (int i = 0; i < 3; ++i) {
+        tasks.push_back(std::make_unique<Task>([i](int) {
+            if (i == 1) pthread_exit(nullptr);
+            return 0;
+        }));
+        EXPECT_TRUE(QBLCustodian::registerTask(tasks.back().get()));
+    }
+    EXPECT_TRUE(eventually([&] { return tasks[0]->calls > 3 && tasks[2]->calls > 3; }));
+    EXPECT_TRUE(QBLCustodian::deRegisterTask(tasks[0].get()));
+    EXPECT_TRUE(QBLCustodian::registerTask(tasks[0].get()));
+    stop();
+    for (const auto& task : tasks) EXPECT_EQ(1, task->last);
+}
+
+TEST_F(QBLCustodianTest, AWaitUnderWayTakesANewScheduleOver) {
+    stop();
+    QBLCustodian::setSchedule(60000);
+    stopped = false;
+    ASSERT_EQ(0, qblCoreInitialize());
+    Task task;
+    EXPECT_TRUE(QBLCustodian::registerTask(&task));
+    for (int i = 0; i < 100; ++i) {
+        QBLCustodian::setSchedule(50000);
+        QBLThread::yield();
+    }
+    EXPECT_EQ(0, task.calls) << "no pass before its time";
+    QBLCustodian::setSchedule(1);
+    EXPECT_TRUE(eventually([&] { return task.calls > 1; }));
+    EXPECT_TRUE(QBLCustodian::deRegisterTask(&task));
+}
+
 TEST_F(QBLCustodianTest, TasksRegisterOthersButCannotWithdrawFromTheirPass) {
     Task other;
     std::atomic<int> registered{-1}, fresh{-1}, running{-1};
@@ -284,7 +317,12 @@ TEST(QBLCustodianFailureTest, LogsWhatATaskThrowsAndEndsTheProcess) {
         {[] { throw std::runtime_error("what"); },
          "QBLCustodian Caught C\\+\\+ Exception Error\n<-\nwhat\n->\n\n"},
         {[] { throw 1; },
-         "QBLCustodian Caught Unknown Error\n<-\nQBLCustodian catch \\(...\\)\n->\n\n"}};
+         "QBLCustodian Caught Unknown Error\n<-\nQBLCustodian catch \\(...\\)\n->\n\n"},
+        {[] {
+             pthread_cancel(pthread_self());
+             throw std::runtime_error("nor cancelled");
+         },
+         "QBLCustodian Caught C\\+\\+ Exception Error\n<-\nnor cancelled\n->\n\n"}};
     for (const auto& row : table) {
         TempTree tree;
         tree.dir("logs");

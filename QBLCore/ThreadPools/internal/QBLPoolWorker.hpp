@@ -1,11 +1,11 @@
 #ifndef QBLCORE_THREADPOOLS_INTERNAL_QBLPOOLWORKER_HPP
 #define QBLCORE_THREADPOOLS_INTERNAL_QBLPOOLWORKER_HPP
 
-#include "QBLCore/ThreadPools/internal/QBLTaskRun.hpp"
 #include "QBLCore/Threads/QBLThread.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Threads/QBLThreadMutex.hpp"
 #include "QBLCore/Threads/QBLThreadSemaphore.hpp"
+#include "QBLCore/Threads/internal/QBLHasBegun.hpp"
 #include "QBLCore/Threads/internal/QBLNoCancel.hpp"
 #include "TavThread/internal/TavContain.hpp"
 

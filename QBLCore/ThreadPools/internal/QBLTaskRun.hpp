@@ -19,14 +19,6 @@ inline void qblRunTask(QBLThreadRunnable* task) {
     pthread_testcancel();
 }
 
-/// Waits until a thread that was started has begun, which it tells by a post.
-/// @return false if it got no memory even to begin.
-inline bool qblHasBegun(const QBLThread& thread, QBLThreadSemaphore& began) {
-    while (!began.boundedWait(10))
-        if (!thread.isAlive()) return began.tryWait();
-    return true;
-}
-
 /// Runs what is left in a pool's queue when there are no workers any more: each task on a thread of
 /// its own, which it may end, or on the calling one if none can be made.
 inline void qblRunLeft(QBLSentinelQueue<QBLThreadRunnable*>& tasks) {
