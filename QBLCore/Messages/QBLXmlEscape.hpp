@@ -9,9 +9,10 @@
 class I18NString;
 
 /// Makes a text fit for XML, between tags and in attribute values: the five characters with a
-/// meaning there become the entities of XML 1.0, section 4.6, and a control character that XML
-/// does not admit becomes U+FFFD. Reports insert texts as they are, so parameters of doubtful
-/// origin are escaped on their way in:
+/// meaning there become the entities of XML 1.0, section 4.6. What XML does not admit becomes
+/// U+FFFD: control characters, U+FFFE, U+FFFF and ill-formed UTF-8. A combining mark at the
+/// beginning becomes a character reference, or it would combine with what is in front of the text.
+/// Reports insert texts as they are, so parameters of doubtful origin are escaped on their way in:
 ///
 ///     message << qblXmlEscape(fileName);
 ///

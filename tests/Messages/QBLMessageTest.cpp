@@ -110,6 +110,11 @@ TEST(QBLMessageTest, WithoutATextItShowsItsParts) {
             xml(QBLMessageString(QBLSeverityFatal, "a < b"), flag));
     EXPECT_NE(std::string::npos, formatted(QBLErrnoMessage(2)).find("QBLErrnoMessage\" File=\"\""));
     EXPECT_EQ("&lt;a b=&quot;&apos;&amp;\t\uFFFD&gt;", qblXmlEscape("<a b=\"'&\t\x01>"));
+    EXPECT_EQ("\U0001F600\uFFFD\uFFFD\uFFFD|\uFFFD|\uFFFD",
+              qblXmlEscape("\U0001F600\xEF\xBF\xBE\xEF\xBF\xBF\xC0|\xF0\x9F\x98|\xFF"));
+    EXPECT_EQ(std::string::npos, qblXmlEscape("\xED\xA0\x80").find('\xED'));
+    EXPECT_EQ("a\uFFFD", qblXmlEscape(I18NString("a\xED\xA0\x80")).toUtf8());
+    EXPECT_EQ("<x>&#x338;a\u0338", "<x>" + qblXmlEscape("\u0338a\u0338"));
 }
 
 TEST(QBLMessageTest, FillsItsTextInTheLanguageAskedFor) {
