@@ -337,7 +337,7 @@ void writeLocales(const std::string& directory, const Language& language) {
               "langLocMappingTable gives languages the locale that they mean on their own.\n");
     I18NLocale* supported = nullptr;
     int count = 0;
-    I18NInternalResources::getInternalResForTesting().getLocales(&supported, &count);
+    I18NInternalResources::getInternalResources().getLocales(&supported, &count);
     std::set<std::string> all;
     for (int i = 0; i < count; ++i) {
         all.insert(supported[i].getName());

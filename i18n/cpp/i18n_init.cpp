@@ -20,7 +20,7 @@ struct Layer {
 void start() {
     I18NInternalResources::setDataDirectoryPath();
     i18nWarmUpICU();
-    I18NInternalResources::getInternalResForTesting().loadSequenceTable();
+    I18NInternalResources::getInternalResources().loadSequenceTable();
     i18nCreateConverters();
     i18nSetInitialized(true);
 }
@@ -28,7 +28,7 @@ void start() {
 /// Stops what is started of the layer, under its lock; the reverse of start().
 void stop() {
     i18nSetInitialized(false);
-    I18NInternalResources::getInternalResForTesting().release();
+    I18NInternalResources::getInternalResources().release();
 }
 
 }  // namespace

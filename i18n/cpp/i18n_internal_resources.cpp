@@ -44,10 +44,14 @@ bool contains(const std::vector<char32_t>& sorted, char32_t codePoint) {
 
 I18NInternalResources::I18NInternalResources() : m_data(qblImmortal<Data>()) {}
 
-I18NInternalResources& I18NInternalResources::getInternalResForTesting() {
+I18NInternalResources& I18NInternalResources::getInternalResources() {
     QBL_ALLOC_TRY
     return qblImmortal<Instance>();
     QBL_ALLOC_CATCH
+}
+
+I18NInternalResources& I18NInternalResources::getInternalResForTesting() {
+    return getInternalResources();
 }
 
 void I18NInternalResources::setDataDirectoryPath() {

@@ -17,6 +17,7 @@
 
 U_NAMESPACE_BEGIN
 class Locale;
+class Transliterator;
 U_NAMESPACE_END
 
 class I18NString;
@@ -37,6 +38,9 @@ using I18NResourceMap = std::map<std::string, std::u16string, std::less<>>;
 class QBL_API I18NInternalResources {
 public:
     /// The process's one.
+    /// @throws QBLOutOfMemoryError
+    static I18NInternalResources& getInternalResources();
+    /// The same, by its older name.
     static I18NInternalResources& getInternalResForTesting();
 
     I18NInternalResources(const I18NInternalResources&) = delete;
@@ -93,18 +97,18 @@ public:
     /// Replaces the five named XML entities by their characters.
     static void transliterate(std::u16string& text);
     static void transliterate(I18NString& text);
-    /// The icu::Transliterator that does the same, made by the first call and valid until the stop.
+    /// A transliterator that does the same, made by the first call and valid until the stop.
     /// @throws I18NRuntimeError, QBLOutOfMemoryError
-    const void* getTransliterator();
+    const icu::Transliterator* getTransliterator();
     /// Its rules.
     static const char* getTransliterationData();
     /// Appends a text with the characters escaped that a URL must not hold.
     static void urlEncode(std::u16string_view text, std::u16string& out);
     /// A text with these characters escaped.
     static I18NString urlEncode(const I18NString& text);
-    /// The icu::Transliterator that does the same, made by the first call and valid until the stop.
+    /// A transliterator that does the same, made by the first call and valid until the stop.
     /// @throws I18NRuntimeError, QBLOutOfMemoryError
-    const void* getURLEncodeTranslit();
+    const icu::Transliterator* getURLEncodeTranslit();
 
     /// The currency's name in a language; what getNoDescriptionWord() gives if there is none.
     std::u16string getCurrencyDescription(const char* currency, const I18NLocale& locale);

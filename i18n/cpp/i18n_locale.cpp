@@ -23,9 +23,7 @@ void* checked(icu::Locale* made, bool mayBeBogus) {
     qblThrowNoMemory(QBL_HERE);
 }
 
-const icu::Locale& icuOf(const I18NLocale& locale) {
-    return *static_cast<const icu::Locale*>(locale.getICULocale());
-}
+const icu::Locale& icuOf(const I18NLocale& locale) { return *locale.getICULocale(); }
 
 /// "de_DE.UTF-8@euro" without ".UTF-8", which ICU would take for a part of the name.
 std::string withoutEncoding(const char* id) {

@@ -1,9 +1,15 @@
 #ifndef I18N_CPP_I18N_LOCALE_HPP
 #define I18N_CPP_I18N_LOCALE_HPP
 
+#include <unicode/uversion.h>
+
 #include <string>
 
 #include "QBLCore/Frame/QBLExport.h"
+
+U_NAMESPACE_BEGIN
+class Locale;
+U_NAMESPACE_END
 
 class I18NString;
 
@@ -38,8 +44,8 @@ public:
     const char* getName() const;
     /// Whether there is a language that consists of letters.
     bool isValid() const;
-    /// The icu::Locale, owned by this object.
-    const void* getICULocale() const { return m_pLocale; }
+    /// The same for ICU, owned by this object.
+    const icu::Locale* getICULocale() const { return static_cast<const icu::Locale*>(m_pLocale); }
 
     static I18NLocale getDefault() { return I18NLocale(); }
 

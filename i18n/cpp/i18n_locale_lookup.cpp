@@ -159,7 +159,7 @@ const I18NResourceMap& I18NInternalResources::getLocaleResources(const I18NLocal
 }
 
 bool I18NInternalResources::getListSeparator(const I18NLocale& locale, wchar_t& separator) const {
-    return getListSeparator(static_cast<const icu::Locale*>(locale.getICULocale()), separator);
+    return getListSeparator(locale.getICULocale(), separator);
 }
 
 bool I18NInternalResources::getListSeparator(const icu::Locale* locale, wchar_t& separator) const {

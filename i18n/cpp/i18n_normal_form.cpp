@@ -87,7 +87,7 @@ bool i18nNormalize(const icu::Normalizer2& form, const icu::UnicodeString& text,
 void i18nSubstituteJa(icu::UnicodeString& text) {
     if (I18NSettings::now().jaSubstitutions.empty()) return;
     std::u16string units(i18nUnits(text));
-    if (!I18NInternalResources::getInternalResForTesting().substituteJa(units)) return;
+    if (!I18NInternalResources::getInternalResources().substituteJa(units)) return;
     text.setTo(units.data(), static_cast<int32_t>(units.size()));
     require(text);
 }

@@ -98,8 +98,7 @@ void I18NConverter::toUnicode(I18NString& destination, const char* source, int l
 }
 
 void I18NConverter::getEncodingForLocale(I18NString& encoding, const I18NLocale& locale) {
-    encoding =
-        I18NInternalResources::getInternalResForTesting().getEncodingForLocale(locale).c_str();
+    encoding = I18NInternalResources::getInternalResources().getEncodingForLocale(locale).c_str();
 }
 
 bool I18NConverter::shouldUseBOM(const I18NString& encoding) {

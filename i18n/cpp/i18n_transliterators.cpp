@@ -29,7 +29,7 @@ const icu::Transliterator* I18NLazyTransliterator::get(const char16_t* name, con
 
 void I18NInternalResources::transliterate(std::u16string& text) { i18nReplaceXMLEntities(text); }
 
-const void* I18NInternalResources::getTransliterator() {
+const icu::Transliterator* I18NInternalResources::getTransliterator() {
     QBLThreadGuard guard(m_data.lock);
     return m_data.xmlEntities.get(u"QBL-XMLEntities", kI18NXMLEntityRules, kNoXMLTransliterator);
 }
@@ -42,7 +42,7 @@ void I18NInternalResources::urlEncode(std::u16string_view text, std::u16string& 
     QBL_ALLOC_CATCH
 }
 
-const void* I18NInternalResources::getURLEncodeTranslit() {
+const icu::Transliterator* I18NInternalResources::getURLEncodeTranslit() {
     QBLThreadGuard guard(m_data.lock);
     return m_data.urlEncoding.get(u"QBL-URLEncoding", kI18NURLRules, kNoURLTransliterator);
 }

@@ -29,7 +29,7 @@ int withShippedFiles(const std::function<bool()>& body) {
 
 bool isStarted() {
     const bool loaded =
-        I18NInternalResources::getInternalResForTesting().getJaSubstitution(0x301C) == 0xFF5E;
+        I18NInternalResources::getInternalResources().getJaSubstitution(0x301C) == 0xFF5E;
     EXPECT_EQ(loaded, I18NConverter::isInitialized());
     return loaded;
 }

@@ -20,7 +20,7 @@
 
 namespace {
 
-I18NInternalResources& resources() { return I18NInternalResources::getInternalResForTesting(); }
+I18NInternalResources& resources() { return I18NInternalResources::getInternalResources(); }
 
 /// Works in a directory of its own, with a resource file there.
 class I18NResourcesTest : public testing::Test {
@@ -65,9 +65,10 @@ private:
     std::filesystem::path m_before;
 };
 
-std::u16string transliterated(const void* transliterator, const std::u16string& text) {
+std::u16string transliterated(const icu::Transliterator* transliterator,
+                              const std::u16string& text) {
     icu::UnicodeString copy(text.data(), static_cast<int>(text.size()));
-    static_cast<const icu::Transliterator*>(transliterator)->transliterate(copy);
+    transliterator->transliterate(copy);
     return std::u16string(copy.getBuffer(), static_cast<std::size_t>(copy.length()));
 }
 

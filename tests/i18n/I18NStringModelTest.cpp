@@ -48,9 +48,7 @@ public:
         get().release();
         std::filesystem::current_path(m_before);
     }
-    static I18NInternalResources& get() {
-        return I18NInternalResources::getInternalResForTesting();
-    }
+    static I18NInternalResources& get() { return I18NInternalResources::getInternalResources(); }
 
 private:
     const std::filesystem::path m_before;
