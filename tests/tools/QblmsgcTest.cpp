@@ -56,6 +56,12 @@ TEST(QblmsgcTest, EachMistakeIsNamedWithItsPlace) {
          "1:14: an option of a number skeleton has an exponent"},
         {many.c_str(), "1:1406: more than 100 choices, plurals and selects"},
         {"1 \"{0} '{1}'\"", "1:9: warning: the apostrophe makes a plain text of argument 1"},
+        {"1 \"'{ 0 }' '{name}'\"",
+         "1:5: warning: the apostrophe makes a plain text of argument 0\n"
+         "t.msg:1:13: warning: the apostrophe makes a plain text of argument name"},
+        {R"(1 "{0,plural,=0{a}ones{b}other{c}}")",
+         "1:19: warning: ones is not a plural keyword: they "
+         "are zero, one, two, few, many, other and =NUMBER"},
         {"1 \"it''s\"", "1:6: warning: without arguments both apostrophes are shown"},
         {"1 = \"{ {0\"", "1:8: warning: this makes a pattern of the text in spite of the ="},
     };

@@ -3,6 +3,7 @@
 #include <unicode/locid.h>
 #include <unicode/messagepattern.h>
 #include <unicode/msgfmt.h>
+#include <unicode/uchar.h>
 
 #include <algorithm>
 #include <iterator>
@@ -18,6 +19,9 @@ const int kMaxArgument = 9;
 
 /// The kinds that "{0,kind}" can name, beside those with a syntax of their own.
 const char* const kKinds[] = {"number", "date", "time", "spellout", "ordinal", "duration"};
+
+/// The categories of plurals that languages have (CLDR).
+const char* const kPlurals[] = {"zero", "one", "two", "few", "many", "other"};
 
 class Checker {
 public:
@@ -59,6 +63,19 @@ private:
             case UMSGPAT_PART_TYPE_ARG_START:
                 m_begins.insert(part.getIndex());
                 m_hasKinds = m_hasKinds || part.getArgType() != UMSGPAT_ARG_TYPE_NONE;
+                m_open.push_back(part.getArgType());
+                break;
+            case UMSGPAT_PART_TYPE_MSG_START:
+                // The text of a case; that of the whole pattern has no brace.
+                if (part.getLength() > 0) m_begins.insert(part.getIndex());
+                break;
+            case UMSGPAT_PART_TYPE_ARG_LIMIT:
+                m_open.pop_back();
+                break;
+            case UMSGPAT_PART_TYPE_ARG_SELECTOR:
+                if (UMSGPAT_ARG_TYPE_HAS_PLURAL_STYLE(m_open.back()) && text[0] != '=' &&
+                    std::find(std::begin(kPlurals), std::end(kPlurals), text) == std::end(kPlurals))
+                    warning(bytesBefore(part.getIndex()), MSGC_PLURAL_KEYWORD, text);
                 break;
             case UMSGPAT_PART_TYPE_ARG_NAME:
                 error(part.getIndex(), MSGC_NAMED_ARGUMENT, text);
@@ -86,12 +103,24 @@ private:
 
     /// Braces in quotes that look like arguments: nothing is inserted for them.
     void findQuoted() {
-        for (int i = 0; i + 2 < m_text.length(); ++i) {
-            const char16_t digit = m_text[i + 1], next = m_text[i + 2];
-            if (m_text[i] == u'{' && digit >= u'0' && digit <= u'9' &&
-                (next == u'}' || next == u',') && m_begins.count(i) == 0)
-                warning(bytesBefore(i), MSGC_QUOTED_ARGUMENT, std::string(1, char(digit)));
+        for (int i = 0; i < m_text.length(); ++i) {
+            if (m_text[i] != u'{' || m_begins.count(i) != 0) continue;
+            const int begin = skipSpace(i + 1);
+            int end = begin;
+            while (end < m_text.length() && (u_isalnum(m_text[end]) != 0 || m_text[end] == u'_'))
+                ++end;
+            const int next = skipSpace(end);
+            if (end == begin || next >= m_text.length()) continue;
+            if (m_text[next] == u'}' || m_text[next] == u',')
+                warning(bytesBefore(i), MSGC_QUOTED_ARGUMENT,
+                        utf8Of(m_text.tempSubStringBetween(begin, end)));
         }
+    }
+
+    int skipSpace(int at) const {
+        while (at < m_text.length() && u_hasBinaryProperty(m_text[at], UCHAR_PATTERN_WHITE_SPACE))
+            ++at;
+        return at;
     }
 
     /// The innermost brace that nothing closes; ICU only tells that there is one.
@@ -117,8 +146,15 @@ private:
         std::string out;
         return text.toUTF8String(out);
     }
-    std::size_t bytesBefore(int unit) const {
-        return utf8Of(m_text.tempSubStringBetween(0, unit)).size();
+    /// Goes on from the place asked for before, as most are in order.
+    std::size_t bytesBefore(int unit) {
+        if (unit < m_iLastUnit) m_iLastUnit = m_iLastBytes = 0;
+        while (m_iLastUnit < unit) {
+            const UChar32 c = m_text.char32At(m_iLastUnit);
+            m_iLastUnit += U16_LENGTH(c);
+            m_iLastBytes += U8_LENGTH(c);
+        }
+        return static_cast<std::size_t>(m_iLastBytes);
     }
     void error(int unit, qblmsgcmsgs id, const std::string& detail) {
         m_result.findings.push_back({true, bytesBefore(unit), id, detail});
@@ -130,8 +166,10 @@ private:
     const std::string& m_utf8;
     const icu::UnicodeString m_text;
     PatternCheck& m_result;
-    std::set<int> m_begins;  // of arguments
+    std::set<int> m_begins;                      // braces of arguments and cases
+    std::vector<UMessagePatternArgType> m_open;  // arguments that are open
     bool m_hasKinds = false;
+    int m_iLastUnit = 0, m_iLastBytes = 0;  // of the last place asked for
 };
 
 }  // namespace

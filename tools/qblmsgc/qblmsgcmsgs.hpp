@@ -57,6 +57,8 @@ enum qblmsgcmsgs {
     MSGC_OTHER_NAME = 46,
     /// {3} arguments, {4} those in the reference, {5} reference
     MSGC_OTHER_ARGUMENTS = 47,
+    /// {3} the keyword
+    MSGC_PLURAL_KEYWORD = 48,
     /// {1} offset, {2} one of the reasons below
     MSGC_NO_BMF = 60,
     MSGC_REASON_MAGIC = 61,
