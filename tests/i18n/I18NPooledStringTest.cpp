@@ -241,6 +241,8 @@ TEST(I18NPooledStringTest, IsPurgedByWhicheverCustodianRuns) {
     const std::string before = std::filesystem::current_path();
     ASSERT_EQ(0, chdir(tree.root()));
     tree.file("I18NPooledString.conf", "interval 0");
+    I18NPooledString::initialize();
+    I18NPooledString::terminate();  // forgets what another test has read
     const unsigned long schedule = QBLCustodian::setSchedule(5);
     EXPECT_FALSE(I18NPooledString::initialize()) << "nobody purges";
     ASSERT_EQ(0, qblCoreInitialize());
