@@ -6,10 +6,6 @@
 #include "TavThread/internal/TavSemaphoreRecord.hpp"
 #include "TavThread/internal/TavSystem.hpp"
 
-#ifdef __SANITIZE_THREAD__
-#include <sanitizer/tsan_interface.h>
-#endif
-
 namespace {
 
 constexpr int kTopScore = 8;
@@ -60,8 +56,10 @@ public:
             const bool promised = tavPromises(looking) != 0;
             const std::uint32_t left = looking - kTavLooker - (promised ? 1 : 0);
             if (m_semaphore->looking.compare_exchange_weak(looking, left, std::memory_order_acquire,
-                                                           std::memory_order_relaxed))
+                                                           std::memory_order_relaxed)) {
+                if (promised) tavTaken(m_semaphore);
                 return promised;
+            }
         }
     }
 
@@ -134,10 +132,8 @@ int takeAsleep(TavSemaphore* s, unsigned ms, std::int64_t start) {
     deadline.tv_nsec = static_cast<long>(end % 1000000000);
     const int err =
         tavRetryErrno([&] { return sem_clockwait(&s->native, CLOCK_MONOTONIC, &deadline); });
-#ifdef __SANITIZE_THREAD__
-    // The sanitizer does not know this call as one that takes what sem_post released.
-    if (err == 0) __tsan_acquire(&s->native);
-#endif
+    // The thread sanitizer does not know this call as one that takes what sem_post released.
+    if (err == 0) tavTaken(&s->native);
     return err;
 }
 

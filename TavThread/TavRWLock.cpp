@@ -30,6 +30,11 @@ public:
     bool written() const { return (word() & kTavRWWriter) != 0; }
     std::uint32_t readers() const { return word() & kTavRWMostReaders; }
     bool free() const { return word() == kTavRWWaiters; }
+    /// Enters a state that the calling thread holds the lock in.
+    void take(std::uint32_t state) {
+        set(state);
+        tavTaken(&m_rw);
+    }
     void set(std::uint32_t state) {
         m_rw.word.store(state | kTavRWWaiters, std::memory_order_release);
     }
@@ -112,7 +117,7 @@ int tavRWLockReadLockGeneral(TavRWLock* rw, unsigned ms) {
     while (section.written() || rw->waitingWriters > 0)
         if (const int rc = section.waitToRead(ms)) return rc;
     if (section.readers() == kTavRWMostReaders) return TAVTHREAD_AGAIN;
-    section.set(section.readers() + 1);
+    section.take(section.readers() + 1);
     return TAVTHREAD_OK;
 }
 
@@ -122,7 +127,7 @@ int tavRWLockTryReadLockGeneral(TavRWLock* rw) {
     Section section(*rw);
     if (section.written() || rw->waitingWriters > 0) return TAVTHREAD_BUSY;
     if (section.readers() == kTavRWMostReaders) return TAVTHREAD_AGAIN;
-    section.set(section.readers() + 1);
+    section.take(section.readers() + 1);
     return TAVTHREAD_OK;
 }
 
@@ -131,7 +136,7 @@ int tavRWLockWriteLockGeneral(TavRWLock* rw, unsigned ms) {
     Section section(*rw);
     while (!section.free())
         if (const int rc = section.waitToWrite(ms)) return rc;
-    section.set(kTavRWWriter);
+    section.take(kTavRWWriter);
     return TAVTHREAD_OK;
 }
 
@@ -140,7 +145,7 @@ int tavRWLockTryWriteLockGeneral(TavRWLock* rw) {
     if ((rw->word.load(std::memory_order_relaxed) & ~kTavRWWaiters) != 0) return TAVTHREAD_BUSY;
     Section section(*rw);
     if (!section.free()) return TAVTHREAD_BUSY;
-    section.set(kTavRWWriter);
+    section.take(kTavRWWriter);
     return TAVTHREAD_OK;
 }
 

@@ -6,6 +6,7 @@
 #include <atomic>
 
 #include "TavThread/TavEvent.h"
+#include "TavThread/internal/TavHandOver.hpp"
 
 enum TavEventFlags : unsigned {
     kTavEventManualReset = 1,
@@ -33,8 +34,10 @@ inline bool tavEventTake(TavEvent* e) {
     while ((flags & kTavEventSignaled) != 0) {
         if ((flags & kTavEventManualReset) != 0 ||
             e->flags.compare_exchange_weak(flags, flags & ~kTavEventSignaled,
-                                           std::memory_order_acquire))
+                                           std::memory_order_acquire)) {
+            tavTaken(e);
             return true;
+        }
     }
     return false;
 }
@@ -47,6 +50,7 @@ inline int tavEventWaitFast(TavEvent* e, unsigned ms) {
 /// tavXEventSignal at the cost of one atomic operation if nobody waits.
 inline int tavEventSignalFast(TavEvent* e) {
     if (e != nullptr) {
+        tavHandingOver(e);
         unsigned flags = e->flags.load(std::memory_order_relaxed);
         while ((flags & kTavEventWaitedFor) == 0)
             if (e->flags.compare_exchange_weak(flags, flags | kTavEventSignaled,

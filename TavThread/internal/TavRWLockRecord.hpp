@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "TavThread/TavRWLock.h"
+#include "TavThread/internal/TavHandOver.hpp"
 
 constexpr std::uint32_t kTavRWWaiters = 0x80000000U;
 constexpr std::uint32_t kTavRWWriter = 0x40000000U;
@@ -39,16 +40,21 @@ inline bool tavRWLockEnterRead(TavRWLock* rw) {
     std::uint32_t word = rw->word.load(std::memory_order_relaxed);
     while (word < kTavRWMostReaders)
         if (rw->word.compare_exchange_weak(word, word + 1, std::memory_order_acquire,
-                                           std::memory_order_relaxed))
+                                           std::memory_order_relaxed)) {
+            tavTaken(rw);
             return true;
+        }
     return false;
 }
 
 /// Marks the writer if the lock is free and nobody waits.
 inline bool tavRWLockEnterWrite(TavRWLock* rw) {
     std::uint32_t free = 0;
-    return rw->word.compare_exchange_strong(free, kTavRWWriter, std::memory_order_acquire,
-                                            std::memory_order_relaxed);
+    if (!rw->word.compare_exchange_strong(free, kTavRWWriter, std::memory_order_acquire,
+                                          std::memory_order_relaxed))
+        return false;
+    tavTaken(rw);
+    return true;
 }
 
 /// tavXRWLockTimedReadLock at the cost of one atomic operation while nobody is in the way;
@@ -75,6 +81,7 @@ inline int tavRWLockTryWriteLockFast(TavRWLock* rw) {
 
 inline int tavRWLockUnlockFast(TavRWLock* rw) {
     if (rw != nullptr) {
+        tavHandingOver(rw);
         std::uint32_t word = rw->word.load(std::memory_order_relaxed);
         while (word != 0 && (word & kTavRWWaiters) == 0)
             if (rw->word.compare_exchange_weak(word, word == kTavRWWriter ? 0 : word - 1,

@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "TavThread/TavSemaphore.h"
+#include "TavThread/internal/TavHandOver.hpp"
 
 enum TavSemaphoreFlags : unsigned { kTavSemaphoreInitialized = 1, kTavSemaphoreSyntaxTraced = 2 };
 
@@ -38,8 +39,10 @@ inline bool tavSemaphoreTakePromise(TavSemaphore* s, std::uint32_t less) {
     std::uint32_t looking = s->looking.load(std::memory_order_relaxed);
     while (tavPromises(looking) != 0)
         if (s->looking.compare_exchange_weak(looking, looking - less, std::memory_order_acquire,
-                                             std::memory_order_relaxed))
+                                             std::memory_order_relaxed)) {
+            tavTaken(s);
             return true;
+        }
     return false;
 }
 
@@ -51,6 +54,8 @@ inline bool tavSemaphoreTakePlain(TavSemaphore* s) {
 /// Posts to a waiter that looks and has no promise yet.
 inline bool tavSemaphorePromise(TavSemaphore* s) {
     std::uint32_t looking = s->looking.load(std::memory_order_relaxed);
+    if (tavPromises(looking) >= tavLookers(looking)) return false;
+    tavHandingOver(s);
     while (tavPromises(looking) < tavLookers(looking))
         if (s->looking.compare_exchange_weak(looking, looking + 1, std::memory_order_release,
                                              std::memory_order_relaxed))

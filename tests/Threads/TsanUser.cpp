@@ -1,0 +1,96 @@
+// A program compiled for ThreadSanitizer that uses the library compiled without. All that it hands
+// from thread to thread is plain data, so that each hand-over the sanitizer does not see is
+// reported and ends the program with its own status.
+#include <thread>
+#include <vector>
+
+#include "QBLCore/Frame/QBLCore.h"
+#include "QBLCore/ThreadPools/QBLTaskGroup.hpp"
+#include "QBLCore/ThreadPools/QBLThreadPoolFixed.hpp"
+#include "QBLCore/Threads/QBLThreadAutoResetEvent.hpp"
+#include "QBLCore/Threads/QBLThreadManualResetEvent.hpp"
+#include "QBLCore/Threads/QBLThreadRWLock.hpp"
+#include "QBLCore/Threads/QBLThreadRecursiveMutex.hpp"
+#include "QBLCore/Threads/QBLThreadSemaphore.hpp"
+
+namespace {
+
+constexpr int kRounds = 2000;
+
+template <class Body>
+void onThreads(int count, Body body) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < count; ++i) threads.emplace_back(body, i);
+    for (std::thread& thread : threads) thread.join();
+}
+
+/// Two threads take turns with a number.
+template <class Signal, class Give, class Take>
+void takeTurns(Give give, Take take) {
+    Signal signals[2];
+    int number = 0;
+    give(signals[0]);
+    onThreads(2, [&](int self) {
+        for (int i = 0; i < kRounds; ++i) {
+            take(signals[self]);
+            ++number;
+            give(signals[1 - self]);
+        }
+    });
+}
+
+template <class Lock>
+void count(Lock& lock, bool readers) {
+    int number = 0;
+    onThreads(4, [&](int self) {
+        int sum = 0;
+        for (int i = 0; i < kRounds; ++i) {
+            if (readers && self != 0) {
+                lock.readLock();
+                sum += number;
+            } else {
+                lock.lock();
+                ++number;
+            }
+            lock.unlock();
+        }
+        return sum;
+    });
+}
+
+/// For what has only one way to lock.
+struct Recursive : QBLThreadRecursiveMutex {
+    using QBLThreadRecursiveMutex::QBLThreadRecursiveMutex;
+    void readLock() { lock(); }
+};
+
+}  // namespace
+
+int main() {
+    qblCoreInitialize();
+    QBLThreadRWLock lock;
+    Recursive recursive(0);
+    for (const bool readers : {false, true}) {
+        count(lock, readers);
+        count(recursive, readers);
+    }
+    takeTurns<QBLThreadAutoResetEvent>([](auto& event) { event.signal(); },
+                                       [](auto& event) { event.wait(); });
+    takeTurns<QBLThreadManualResetEvent>([](auto& event) { event.signal(); },
+                                         [](auto& event) {
+                                             event.wait();
+                                             event.reset();
+                                         });
+    takeTurns<QBLThreadSemaphore>([](auto& semaphore) { semaphore.post(); },
+                                  [](auto& semaphore) {
+                                      while (!semaphore.boundedWait(10000)) {
+                                      }
+                                  });
+    QBLThreadPoolFixed pool(2);
+    QBLTaskGroup group(pool);
+    int results[kRounds] = {}, sum = 0;
+    for (int& result : results) group.run([&result] { result = 1; });
+    group.wait();
+    for (const int result : results) sum += result;
+    return sum == kRounds ? qblCoreTerminate() : 1;
+}
