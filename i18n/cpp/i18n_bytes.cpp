@@ -1,4 +1,5 @@
 #include "i18n/cpp/internal/i18n_bytes.hpp"
+#include "i18n/cpp/internal/i18n_allocation.hpp"
 
 #include <cstring>
 #include <utility>
@@ -72,7 +73,7 @@ I18NBytes i18nToBytes(const I18NTextView& text, const I18NConverter& converter, 
                                  block.allocator(), block.context());
     return {I18NBlock(block.allocator(), block.context(), bytes), length,
             converter.sizeofLegacyNull()};
-    QBL_ALLOC_CATCH
+    I18N_ALLOC_CATCH
 }
 
 I18NBytes i18nToBytes(const I18NTextView& text, const char* encoding, I18NBlock block) {

@@ -9,6 +9,7 @@
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/i18n_errors.hpp"
+#include "i18n/cpp/internal/i18n_allocation.hpp"
 #include "i18n/cpp/internal/i18n_block.hpp"
 #include "i18n/cpp/internal/i18n_conversion.hpp"
 
@@ -155,6 +156,9 @@ char* I18NConverter::allocate(Direction direction, int* size, const char* source
         }
         std::memset(block.get() + used, 0, static_cast<std::size_t>(nullSize));
         *size = static_cast<int>(used) + nullSize;
+    } catch (const std::length_error&) {
+        reset(direction);
+        qblThrowNoMemory(QBL_HERE);
     } catch (...) {
         reset(direction);
         qblRethrowTranslated(QBL_HERE);

@@ -8,6 +8,7 @@
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
 #include "QBLCore/Frame/internal/QBLImmortal.hpp"
+#include "i18n/cpp/internal/i18n_allocation.hpp"
 #include "i18n/cpp/internal/i18n_bin_dir.hpp"
 #include "i18n/cpp/internal/i18n_icu.hpp"
 #include "i18n/cpp/internal/i18n_internal_data.hpp"
@@ -47,7 +48,7 @@ I18NInternalResources::I18NInternalResources() : m_data(qblImmortal<Data>()) {}
 I18NInternalResources& I18NInternalResources::getInternalResources() {
     QBL_ALLOC_TRY
     return qblImmortal<Instance>();
-    QBL_ALLOC_CATCH
+    I18N_ALLOC_CATCH
 }
 
 I18NInternalResources& I18NInternalResources::getInternalResForTesting() {
@@ -62,7 +63,7 @@ void I18NInternalResources::setDataDirectoryPath() {
 std::string I18NInternalResources::getDataDirectoryPath() {
     QBL_ALLOC_TRY
     return i18nBinDir();
-    QBL_ALLOC_CATCH
+    I18N_ALLOC_CATCH
 }
 
 // NOLINTNEXTLINE(bugprone-reserved-identifier): see the declaration
@@ -73,7 +74,7 @@ void I18NInternalResources::__changeResourceFileName(const char* name) {
     QBLThreadGuard guard(resPath.lock);
     const std::size_t at = resPath.path.find(kResourceFile);
     if (at != std::string::npos) resPath.path.replace(at, sizeof kResourceFile - 1, name);
-    QBL_ALLOC_CATCH
+    I18N_ALLOC_CATCH
 }
 
 void I18NInternalResources::loadSequenceTable() {
@@ -85,7 +86,7 @@ void I18NInternalResources::loadSequenceTable() {
     I18NSettings::publish(std::move(settings));
     m_data.replaceScaledZero = I18NSettings::now().replaceScaledZero;
     m_data.negativeZero = I18NSettings::now().negativeZero;
-    QBL_ALLOC_CATCH
+    I18N_ALLOC_CATCH
 }
 
 void I18NInternalResources::release() {
@@ -156,5 +157,5 @@ bool I18NInternalResources::substituteJa(std::u16string& text) const {
     }
     if (any) text.swap(result);
     return any;
-    QBL_ALLOC_CATCH
+    I18N_ALLOC_CATCH
 }

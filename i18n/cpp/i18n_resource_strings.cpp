@@ -6,6 +6,7 @@
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "i18n/cpp/i18n_string.hpp"
+#include "i18n/cpp/internal/i18n_allocation.hpp"
 #include "i18n/cpp/internal/i18n_internal_data.hpp"
 #include "i18n/cpp/internal/i18n_text_file.hpp"
 
@@ -15,7 +16,7 @@ namespace {
 void set(I18NString& string, const std::u16string& text) {
     QBL_ALLOC_TRY
     string = std::wstring(text.begin(), text.end()).c_str();
-    QBL_ALLOC_CATCH
+    I18N_ALLOC_CATCH
 }
 
 /// Fills a string by an operation that fills a text. @return what that gives
@@ -88,7 +89,7 @@ bool I18NInternalResources::findResourceFile(std::string& path, I18NString& name
     name = found.c_str();
     path.swap(file);
     return true;
-    QBL_ALLOC_CATCH
+    I18N_ALLOC_CATCH
 }
 
 std::optional<std::string> I18NInternalResources::readLine(std::FILE* file) {
@@ -97,7 +98,7 @@ std::optional<std::string> I18NInternalResources::readLine(std::FILE* file) {
     std::string line;
     if (!i18nReadLine([file] { return std::getc(file); }, line)) return std::nullopt;
     return line;
-    QBL_ALLOC_CATCH
+    I18N_ALLOC_CATCH
 }
 
 bool I18NInternalResources::readLineEx(I18NString& line, std::ifstream& file) {
@@ -106,5 +107,5 @@ bool I18NInternalResources::readLineEx(I18NString& line, std::ifstream& file) {
     const bool read = i18nReadLine([&file] { return file.get(); }, bytes);
     line = bytes.c_str();
     return read;
-    QBL_ALLOC_CATCH
+    I18N_ALLOC_CATCH
 }

@@ -44,7 +44,12 @@ std::int64_t placeOf(const Args* args, const Unit* begin, const Unit* end, std::
 I18NStreamForm formOf(const UConverter* icu) {
     const UConverterType type = ucnv_getType(icu);
     if (type == UCNV_UTF8) return I18NStreamForm::UTF8;
-    return type == UCNV_UTF16_LittleEndian ? I18NStreamForm::UTF16 : I18NStreamForm::Other;
+    if (type != UCNV_UTF16_LittleEndian) return I18NStreamForm::Other;
+    // The name of one that reads and writes a byte-order mark goes on with a version.
+    UErrorCode status = U_ZERO_ERROR;
+    const char* const name = ucnv_getName(icu, &status);
+    const bool plain = name != nullptr && std::strcmp(name, "UTF-16LE") == 0;
+    return plain ? I18NStreamForm::UTF16 : I18NStreamForm::Other;
 }
 
 // UTF-16 in the machine's order, which is the little-endian one.

@@ -34,7 +34,9 @@ public:
 
     /// Matches the pattern from an offset on.
     /// @param whole  the match must reach the end of the text
-    /// @return the end of the shortest match; -1 for none
+    /// @return the end of the shortest match; -1 for none, kNoneBehind for none from any later
+    ///     offset either
+    static constexpr int kNoneBehind = -2;
     int match(const I18NTextView& text, int at, bool whole) const {
         return text.ascii() != nullptr ? matchIn(Bytes(text), at, whole) : matchIn(text, at, whole);
     }
@@ -75,7 +77,9 @@ private:
                 ++item;
                 continue;
             }
-            if (afterRun == nullptr || runEnd >= text.length()) return -1;
+            if (afterRun == nullptr) return -1;
+            // What follows a run is nowhere in the rest of the text.
+            if (runEnd >= text.length()) return kNoneBehind;
             runEnd = text.next(runEnd);
             item = afterRun;
             // Straight on to the next place that the rest may begin at.
@@ -125,7 +129,7 @@ bool I18NString::substringLike(const I18NPatternCode& pattern, I18NStringOffset 
             end = found;
             return true;
         }
-        if (at == text.length()) break;
+        if (found == I18NPatternCode::kNoneBehind || at == text.length()) break;
     }
     return false;
 }

@@ -9,6 +9,7 @@
 #include "i18n/cpp/i18n_internal_resources.hpp"
 #include "i18n/cpp/i18n_platform_encoding.h"
 #include "i18n/cpp/i18n_string.hpp"
+#include "i18n/cpp/internal/i18n_allocation.hpp"
 #include "i18n/cpp/internal/i18n_icu.hpp"
 #include "i18n/cpp/internal/i18n_inert.hpp"
 #include "i18n/cpp/internal/i18n_normal_form.hpp"
@@ -60,7 +61,7 @@ I18NString& I18NString::normalize(I18NNormalizationForms form) {
         if (hasJapaneseSubstitutions()) i18nSubstituteJa(result);
         put(0, m_unitLength, I18NTextView(result.getBuffer(), result.length()));
     }
-    QBL_ALLOC_CATCH
+    I18N_ALLOC_CATCH
     setFlag(kI18NNormalized, form == I18N_NFC || m_unitLength == 0);
     return *this;
 }
@@ -208,5 +209,5 @@ void I18NString::combine(int offset, int count, const I18NTextView& text, bool p
     if (hasJapaneseSubstitutions()) i18nSubstituteJa(result);
     finish(begin, end - begin, I18NTextView(result.getBuffer(), result.length()), true,
            isExempt(i18nUnits(result)) ? 1 : 0);
-    QBL_ALLOC_CATCH
+    I18N_ALLOC_CATCH
 }

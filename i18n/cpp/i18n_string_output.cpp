@@ -1,7 +1,6 @@
 #include <cstdio>
 #include <istream>
 #include <memory>
-#include <new>
 #include <ostream>
 #include <string>
 #include <utility>
@@ -15,6 +14,7 @@
 #include "i18n/cpp/i18n_error_codes.h"
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/i18n_string.hpp"
+#include "i18n/cpp/internal/i18n_allocation.hpp"
 #include "i18n/cpp/internal/i18n_bytes.hpp"
 #include "i18n/cpp/internal/i18n_encodings.hpp"
 #include "i18n/cpp/internal/i18n_settings.hpp"
@@ -118,7 +118,7 @@ const I18NString::Conversion* I18NString::conversion(const char* key, const char
     }
     dropConversions(stale);
     return published;
-    QBL_ALLOC_CATCH
+    I18N_ALLOC_CATCH
 }
 
 void I18NString::toBytes(char** out, const char* encoding, int* length,
@@ -170,13 +170,10 @@ void I18NFreeBuffer(void*& block) {
 std::u16string I18NString::toUtf16() const {
     QBL_ALLOC_TRY
     const I18NTextView text(*this);
-    std::u16string units;
-    const auto length = static_cast<std::size_t>(text.length());
-    if (length > units.max_size()) throw std::bad_alloc();  // which is what it is to callers
-    units.resize(length);
+    std::u16string units(static_cast<std::size_t>(text.length()), u'\0');
     text.copyTo(&units[0]);
     return units;
-    QBL_ALLOC_CATCH
+    I18N_ALLOC_CATCH
 }
 
 std::string I18NString::toUtf8() const {
@@ -185,19 +182,19 @@ std::string I18NString::toUtf8() const {
     if (text.ascii() != nullptr)
         return std::string(text.ascii(), static_cast<std::size_t>(text.length()));
     const auto length = static_cast<std::size_t>(text.length());
-    const std::size_t needed = i18nLengthUTF8(text.units(), length);
-    if (needed > std::string().max_size()) throw std::bad_alloc();
-    std::string bytes(needed, '\0');
+    std::string bytes(i18nLengthUTF8(text.units(), length), '\0');
     i18nEncodeUTF8(text.units(), length, &bytes[0]);
     return bytes;
-    QBL_ALLOC_CATCH
+    I18N_ALLOC_CATCH
 }
 
 std::ostream& operator<<(std::ostream& out, const I18NString& text) { return out << text.c_str(); }
 
 std::istream& operator>>(std::istream& in, I18NString& text) {
+    QBL_ALLOC_TRY
     std::string word;
     in >> word;
     if (!word.empty()) text = word.c_str();
     return in;
+    I18N_ALLOC_CATCH
 }

@@ -20,7 +20,8 @@ struct I18NUnconvertible {
     /// The bytes as they stand in the input, and how many they are; null and 0 for output.
     const char* bytes;
     int byteCount;
-    /// Of the first of them, in bytes from the start of the input; -1 for output.
+    /// Of the first of them, in bytes from the start of the input; -1 for output. In the ISCII
+    /// encodings ICU notices some sequences a byte late, and the offset is that much greater.
     std::int64_t byteOffset;
     /// The code point or lone surrogate; 0 for input.
     char32_t codePoint;
@@ -55,9 +56,11 @@ enum I18NByteOrderMark {
 };
 
 /// Converts a text that comes in blocks, cut anywhere: bytes to bytes, bytes to UTF-16, or UTF-16
-/// to bytes. The result, and what is told about it, does not depend on where the blocks are cut;
-/// but for several lone first halves of pairs in a row to HZ, which ICU mistakes. A NUL is a
-/// character as any other.
+/// to bytes. The result, and what is told about it, does not depend on where the blocks are cut,
+/// except with some converters of ICU: those to SCSU, BOCU-1, LMBCS, compound text and UTF-16 with
+/// a version in its name look at a block as a whole, and the one to HZ mistakes lone halves of
+/// pairs in front of others. Their output stands for the same text however it is cut, except that
+/// of HZ. A NUL is a character as any other.
 ///
 /// What is not convertible is treated as the policies of the converters say that the stream is
 /// made with. It is also counted, and the listener is told. Of what a converter drops because
@@ -77,7 +80,8 @@ enum I18NByteOrderMark {
 /// Errors: I18NRuntimeError with I18N_CONVERSION and a text that says where, for what a policy
 /// refuses; QBLOutOfMemoryError. Any error of put() or finish() ends the stream; the output has
 /// what was converted in front of it, and after a refusal goes back to the first shift state, so
-/// that other texts can follow.
+/// that other texts can follow. After an error that a listener throws it also has what was
+/// converted behind the place.
 ///
 /// Threads: one at a time.
 class QBL_API I18NTextStream {

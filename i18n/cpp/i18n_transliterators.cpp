@@ -2,6 +2,7 @@
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
 #include "i18n/cpp/i18n_errors.hpp"
+#include "i18n/cpp/internal/i18n_allocation.hpp"
 #include "i18n/cpp/internal/i18n_internal_data.hpp"
 #include "i18n/cpp/internal/i18n_url_encoding.hpp"
 #include "i18n/cpp/internal/i18n_xml_entities.hpp"
@@ -39,7 +40,7 @@ const char* I18NInternalResources::getTransliterationData() { return kI18NXMLEnt
 void I18NInternalResources::urlEncode(std::u16string_view text, std::u16string& out) {
     QBL_ALLOC_TRY
     i18nURLEncode(text, out);
-    QBL_ALLOC_CATCH
+    I18N_ALLOC_CATCH
 }
 
 const icu::Transliterator* I18NInternalResources::getURLEncodeTranslit() {

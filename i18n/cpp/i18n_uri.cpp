@@ -4,6 +4,7 @@
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
+#include "i18n/cpp/internal/i18n_allocation.hpp"
 #include "i18n/cpp/internal/i18n_url_encoding.hpp"
 
 namespace {
@@ -25,27 +26,33 @@ std::string unescaped(const char* text) {
     return bytes;
 }
 
+void requireLength(std::size_t bytes) {
+    if (bytes > static_cast<std::size_t>(INT_MAX)) qblThrowNoMemory(QBL_HERE);
+}
+
 }  // namespace
 
 void I18NURLEncode(const char* text, I18NString& result) {
     QBL_ALLOC_TRY
     std::u16string escaped;
     i18nURLEncode(I18NString(text).toUtf16(), escaped);
-    if (escaped.size() > static_cast<std::size_t>(INT_MAX) / 2) qblThrowNoMemory(QBL_HERE);
+    requireLength(escaped.size() * 2);
     result = I18NString(escaped.data(), static_cast<int>(escaped.size() * 2));
-    QBL_ALLOC_CATCH
+    I18N_ALLOC_CATCH
 }
 
 I18NString I18NUriDecode(const char* text, const char* encoding) {
     QBL_ALLOC_TRY
     const std::string bytes = unescaped(text);
+    requireLength(bytes.size());
     return I18NString(bytes.data(), encoding, static_cast<int>(bytes.size()));
-    QBL_ALLOC_CATCH
+    I18N_ALLOC_CATCH
 }
 
 I18NString I18NUriDecode(const char* text, const I18NConverter& converter) {
     QBL_ALLOC_TRY
     const std::string bytes = unescaped(text);
+    requireLength(bytes.size());
     return I18NString(bytes.data(), converter, static_cast<int>(bytes.size()));
-    QBL_ALLOC_CATCH
+    I18N_ALLOC_CATCH
 }

@@ -215,7 +215,12 @@ TEST(I18NTextStreamTest, KnowsByteOrderMarks) {
         EXPECT_EQ(bytesBy(I18NConverter("UTF-16"), row.text), outcome.output);
         EXPECT_EQ(row.encoding, outcome.encoding);
     }
-    const I18NConverter utf8("UTF-8");
+    const I18NConverter utf8("UTF-8"), marked("UTF-16LE,version=1");
+    const std::u16string many(20, u'z');
+    const Outcome withMark = runAnyhow<char16_t>(nullptr, &marked, many);
+    EXPECT_EQ(bytesBy(I18NConverter("UTF-16"), u"\uFEFF" + many), withMark.output);
+    EXPECT_EQ(bytesBy(I18NConverter("UTF-16"), many),
+              run<char>(&marked, nullptr, withMark.output, 9, I18N_MARK_KEEP).output);
     EXPECT_EQ("z", run<char16_t>(nullptr, &utf8, u"\uFEFFz", 9, I18N_MARK_STRIP).output);
     EXPECT_EQ("\uFFFDz", run<char>(&utf8, &utf8, "\xFFz", 9, kBoth).output) << "no policy set";
 }
