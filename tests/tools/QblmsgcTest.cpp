@@ -2,7 +2,13 @@
 
 #include <filesystem>
 
+#include "QBLCore/Messages/QBLErrnoMessage.hpp"
+#include "QBLCore/Messages/QBLMessage.hpp"
+#include "QBLCore/Messages/QBLMessageString.hpp"
+#include "QBLCore/PlugIns/QBLPluginException.hpp"
+#include "i18n/cpp/i18n_string.hpp"
 #include "tests/support/BmfFile.hpp"
+#include "tests/support/Workers.hpp"
 #include "tests/tools/RunTool.hpp"
 
 namespace {
@@ -236,6 +242,7 @@ TEST(QblmsgcTest, HostileNamesAndTextsAreShownEscaped) {
 }
 
 TEST(QblmsgcTest, SharedTextsAreReadInPlace) {
+    if (kSanitizer) GTEST_SKIP() << "needs all of the address space";
     TempTree tree;
     // 2000 identifiers with the one text of 1 MB, which copies would make 2 GB of.
     std::string texts(1000000, 'a'), bytes = std::string("BMF1\0\0\0\0", 8) + bigEndian(2000) +
@@ -245,6 +252,45 @@ TEST(QblmsgcTest, SharedTextsAreReadInPlace) {
     tree.file("t.bmf", bytes + texts + '\0');
     expectRun(tree, "-V >/dev/null; ulimit -v 400000; '" QBL_MSGC "' -d t.bmf | head -c 9", 0,
               "0 \"aaaaaa");
+}
+
+TEST(QblmsgcTest, ReportsAreShownInTheReadersLanguage) {
+    TempTree tree;
+    tree.file("disk_en.bmf", bmfBytes({{7, "Only {1} bytes are left in {0}."}}));
+    tree.file("disk_de.bmf", bmfBytes({{7, "In {0} sind nur noch {1} Bytes frei."}}));
+    QBLPluginException error(QBLSeverityError, "5");
+    QBLMessage message(QBLSeverityWarning, "/srv/disk", 7);
+    message << "/var" << 1234567L << QBLMessageParm(QBLMsgParmUnknown);
+    message.setNesting(1);
+    error << message << QBLErrnoMessage(QBLSeverityError, 2) << QBLMessageString("a\x1B[2J&lt;");
+    error.addBackTrace({"a.cpp", 1}, "main", "QBL_THROW");
+    I18NString xml;
+    error.toString("xx", nullptr, xml, 0);
+    const std::string report = xml.toUtf8(), broken = "<Exception Name=\"x\"><Messages>";
+    tree.file("log", "before " + report + " after\n" + broken + "\n<Message\n");
+    expectRun(tree, "-s log 2>/dev/null", 1,
+              "before QBLPluginException (Error), code 5\n"
+              "    Warning: Only 1,234,567 bytes are left in /var.\n"
+              "  Error: No such file or directory\n"
+              "  Error: a\\x1B[2J<\n"
+              "  at a.cpp(1): QBLPluginException: QBL_THROW: main\n"
+              " after\n" +
+                  broken + "\n<Message\n");
+    const std::string place = std::to_string(("before " + report + " after\n").size());
+    expectRun(tree, "-s log >/dev/null", 1,
+              "byte " + place + ": a report that is not well-formed XML\n");
+    // In pieces, from a pipe.
+    const Outcome german =
+        run(tree, "-s - de <<X\n" + std::string("$(head -c 9000 /dev/zero | tr '\\0' '<')") +
+                      report + "\nX");
+    EXPECT_EQ(0, german.status);
+    EXPECT_NE(std::string::npos,
+              german.output.find("Warnung: In /var sind nur noch 1.234.567 Bytes frei."));
+    // Work grows as the size does, or this would take minutes.
+    std::string hostile = "<Exception ";
+    for (int i = 0; i < 100000; ++i) hostile += "<a ><Message </Exception>";
+    tree.file("hostile", hostile);
+    EXPECT_EQ(1, run(tree, "-s hostile").status);
 }
 
 TEST(QblmsgcTest, TextsAndPlacesAreShown) {

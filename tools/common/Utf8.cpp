@@ -35,7 +35,12 @@ void appendCodePoint(std::string& out, unsigned codePoint) {
     if (codePoint < 0x800) {
         add(0xC0 | codePoint >> 6);
     } else {
-        add(0xE0 | codePoint >> 12);
+        if (codePoint < 0x10000) {
+            add(0xE0 | codePoint >> 12);
+        } else {
+            add(0xF0 | codePoint >> 18);
+            add(0x80 | (codePoint >> 12 & 0x3F));
+        }
         add(0x80 | (codePoint >> 6 & 0x3F));
     }
     add(0x80 | (codePoint & 0x3F));

@@ -17,7 +17,7 @@ inline std::size_t findIllFormed(const std::string& bytes) {
     return findIllFormed(bytes, 0, bytes.size());
 }
 
-/// Requires: a code point below U+10000 that is no surrogate.
+/// Requires: a code point that is not a surrogate.
 void appendCodePoint(std::string& out, unsigned codePoint);
 
 }  // namespace tools

@@ -13,6 +13,7 @@ Status compile(const Options& options);
 Status dump(const Options& options);
 Status show(const Options& options);
 Status where(const Options& options);
+Status showReport(const Options& options);
 
 /// The status of an operand that cannot be read: where nothing is there it is the command line that
 /// is wrong, as with the other tool.

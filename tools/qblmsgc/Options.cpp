@@ -58,6 +58,8 @@ private:
                 return takeCommand(given, Command::kShow);
             case 'w':
                 return takeCommand(given, Command::kWhere);
+            case 's':
+                return takeCommand(given, Command::kReport);
             case 'h':
                 return takeCommand(given, Command::kHelp);
             case 'V':
@@ -132,6 +134,10 @@ private:
             case Command::kWhere:
                 most = 2;
                 break;
+            case Command::kReport:
+                least = 0;
+                most = 2;
+                break;
             case Command::kHelp:
             case Command::kVersion:
             case Command::kCompletions:
@@ -183,6 +189,7 @@ const std::vector<tools::Option>& knownOptions() {
         {'d', "dump", kNone, "", "", MSGC_OPT_DUMP},
         {'g', "get", kNone, "", "", MSGC_OPT_GET},
         {'w', "where", kNone, "", "", MSGC_OPT_WHERE},
+        {'s', "show-report", kNone, "", "", MSGC_OPT_SHOW_REPORT},
         {'L', "lang", kNeeded, "LOCALES", "", MSGC_OPT_LANG},
         {'h', "help", kNone, "", "", MSGC_OPT_HELP},
         {'V', "version", kNone, "", "", MSGC_OPT_VERSION},

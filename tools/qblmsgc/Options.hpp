@@ -14,7 +14,7 @@ using tools::Details;
 
 /// What the command line asks for.
 struct Options {
-    enum class Command { kCompile, kDump, kShow, kWhere, kHelp, kVersion, kCompletions };
+    enum class Command { kCompile, kDump, kShow, kWhere, kReport, kHelp, kVersion, kCompletions };
 
     Command command = Command::kCompile;
     bool checkOnly = false;

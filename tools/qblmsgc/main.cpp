@@ -27,6 +27,8 @@ msgc::Status run(const msgc::Options& options) {
             return msgc::show(options);
         case Command::kWhere:
             return msgc::where(options);
+        case Command::kReport:
+            return msgc::showReport(options);
         case Command::kHelp:
             printHelp();
             return msgc::kClean;

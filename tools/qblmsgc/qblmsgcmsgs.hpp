@@ -94,6 +94,20 @@ enum qblmsgcmsgs {
     MSGC_SAME_FILE = 86,
     /// {0} file
     MSGC_NO_BMF_NAME = 87,
+    MSGC_FATAL = 90,
+    MSGC_ERROR = 91,
+    MSGC_WARNING = 92,
+    MSGC_INFORMATION = 93,
+    /// {0} class, {1} code, {2} severity
+    MSGC_REPORT_ERROR = 94,
+    /// {0} severity, {1} text
+    MSGC_REPORT_MESSAGE = 95,
+    /// {0} entry of the back-trace
+    MSGC_REPORT_TRACE = 96,
+    /// {0} catalogue or class, {1} identifier and parameters
+    MSGC_REPORT_NO_TEXT = 97,
+    /// {0} offset
+    MSGC_REPORT_BROKEN = 98,
     MSGC_OPT_OUTPUT = 101,
     MSGC_OPT_HEADER = 102,
     MSGC_OPT_REFERENCE = 103,
@@ -108,6 +122,7 @@ enum qblmsgcmsgs {
     MSGC_OPT_HELP = 112,
     MSGC_OPT_VERSION = 113,
     MSGC_OPT_COMPLETIONS = 114,
+    MSGC_OPT_SHOW_REPORT = 120,
     /// What comes after the options; ends with a line end.
     MSGC_USAGE_END = 150,
 };

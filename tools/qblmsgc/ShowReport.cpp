@@ -1,0 +1,310 @@
+// Shows the XML forms of errors and messages as people read them.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <cstdio>
+#include <cstring>
+
+#include "QBLCore/Messages/QBLMessage.hpp"
+#include "i18n/cpp/i18n_string.hpp"
+#include "tools/common/Files.hpp"
+#include "tools/common/Shown.hpp"
+#include "tools/qblmsgc/Commands.hpp"
+#include "tools/qblmsgc/Environment.hpp"
+#include "tools/qblmsgc/Paths.hpp"
+#include "tools/qblmsgc/XmlTree.hpp"
+
+namespace msgc {
+
+namespace {
+
+/// What a report can begin with. The first one in a text counts, and has all that is within.
+const struct {
+    std::string_view begin, end;
+} kRoots[] = {
+    {"<Exception ", "</Exception>"}, {"<Messages>", "</Messages>"}, {"<Message ", "</Message>"}};
+
+constexpr std::size_t kMostBytes = 0x1000000;  // of a report
+constexpr int kMostAttempts = 64;              // to find its end
+constexpr std::size_t kLongestBegin = 11;
+
+/// A number that is the whole of a text; %#x of printf writes 0 as 0000.
+template <class Number>
+bool parse(const std::string& text, Number& value, int base = 10) {
+    const std::size_t skipped = base == 16 && text.compare(0, 2, "0x") == 0 ? 2 : 0;
+    const char* const end = text.data() + text.size();
+    const auto [next, problem] = [&] {
+        if constexpr (std::is_integral_v<Number>)
+            return std::from_chars(text.data() + skipped, end, value, base);
+        else
+            return std::from_chars(text.data(), end, value);
+    }();
+    return problem == std::errc() && next == end;
+}
+
+QBLMessageParm parameterOf(const XmlNode& node) {
+    const std::string &type = node.attribute("Type"), &value = node.attribute("Value");
+    std::uint32_t whole = 0;
+    std::int32_t integer = 0;
+    double real = 0;
+    if (type == "string") return QBLMessageParm(value.c_str());
+    if (type == "ulong" && parse(value, whole))
+        return QBLMessageParm(static_cast<unsigned long>(whole));
+    if (type == "long" && parse(value, integer)) return QBLMessageParm(long{integer});
+    if (type == "double" && parse(value, real)) return QBLMessageParm(real);
+    if (type == "msgid" && parse(value, whole, 16))
+        return QBLMessageParm(static_cast<unsigned long>(whole), 1);
+    return QBLMessageParm(QBLMsgParmUnknown);
+}
+
+class Printer {
+public:
+    explicit Printer(const char* locales) : m_locales(locales) {}
+
+    void print(const XmlNode& report) {
+        if (report.name == "Exception")
+            printError(report);
+        else if (report.name == "Message")
+            printMessage(report, 0);
+        else
+            printMessages(report, 0);
+    }
+
+    void complain(qblmsgcmsgs id, const Details& details) {
+        std::fprintf(stderr, "%s\n", say(id, details).c_str());
+    }
+
+private:
+    void printError(const XmlNode& error) {
+        printIndented(0, say(MSGC_REPORT_ERROR, {error.attribute("Name"), error.attribute("Error"),
+                                                 severityOf(error)}));
+        if (const XmlNode* const messages = error.child("Messages")) {
+            if (const XmlNode* const text = messages->child("MessageText"))
+                printIndented(1, text->text);
+            printMessages(*messages, 1);
+        }
+        const XmlNode* const trace = error.child("TraceInfo");
+        if (trace == nullptr) return;
+        // The latest entry is the first.
+        for (const XmlNode& entry : trace->children)
+            printIndented(1, say(MSGC_REPORT_TRACE, {entry.attribute("Text")}));
+    }
+
+    void printMessages(const XmlNode& messages, unsigned level) {
+        for (const XmlNode& message : messages.children)
+            if (message.name == "Message") printMessage(message, level);
+    }
+
+    void printMessage(const XmlNode& message, unsigned level) {
+        unsigned nesting = 0;
+        static_cast<void>(parse(message.attribute("Nesting"), nesting));
+        const std::string severity = severityOf(message);
+        printIndented(level + std::min(nesting, 20U),
+                      say(MSGC_REPORT_MESSAGE, {severity, textOfMessage(message)}));
+    }
+
+    std::string textOfMessage(const XmlNode& message) {
+        const XmlNode* const text = message.child("MessageText");
+        const XmlNode* const components = message.child("MessageComponents");
+        if (components == nullptr) return text != nullptr ? text->text : std::string();
+        std::uint32_t id = 0;
+        const std::string file = fileOf(message.attribute("File"));
+        static_cast<void>(parse(components->attribute("ID"), id, 16));
+        // Of the file only the name is believed: it is looked for where programs find catalogues.
+        if (!file.empty() && file != "." && file != "..") {
+            QBLMessage made(file.c_str(), id);
+            if (const XmlNode* const parameters = components->child("MessageParms"))
+                for (const XmlNode& each : parameters->children) made << parameterOf(each);
+            I18NString shown, element;
+            made.format(m_locales, nullptr, shown);
+            made.toString(m_locales, nullptr, element, 0);
+            if (shown != element) return shown.toUtf8();
+        }
+        const std::string& kind = message.attribute("Name");
+        if (kind == "QBLErrnoMessage") return std::strerror(static_cast<int>(id));
+        return say(MSGC_REPORT_NO_TEXT,
+                   {file.empty() ? kind : file, std::to_string(id) + valuesOf(*components)});
+    }
+
+    static std::string valuesOf(const XmlNode& components) {
+        std::string values;
+        const XmlNode* const parameters = components.child("MessageParms");
+        if (parameters == nullptr) return values;
+        for (const XmlNode& each : parameters->children)
+            values.append(values.empty() ? " (" : ", ").append(each.attribute("Value"));
+        return values + ")";
+    }
+
+    std::string severityOf(const XmlNode& node) {
+        static const struct {
+            const char* name;
+            qblmsgcmsgs text;
+        } kSeverities[] = {{"Fatal", MSGC_FATAL},
+                           {"Error", MSGC_ERROR},
+                           {"Warning", MSGC_WARNING},
+                           {"Information", MSGC_INFORMATION}};
+        const std::string& severity = node.attribute("Severity");
+        for (const auto& each : kSeverities)
+            if (severity == each.name) return say(each.text);
+        return severity;
+    }
+
+    /// The tool's own words, in the language of the report.
+    std::string say(qblmsgcmsgs id, const Details& details = {}) {
+        return m_texts.text(id, details);
+    }
+
+    static void printIndented(unsigned level, const std::string& text) {
+        const std::string indent(2 * level, ' ');
+        std::string out = indent;
+        for (const char c : tools::shownText(text)) {
+            out += c;
+            if (c == '\n') out += indent + "  ";
+        }
+        std::printf("%s\n", out.c_str());
+    }
+
+    const char* const m_locales;
+    tools::MessageText m_texts{ownCatalogue(), m_locales};
+};
+
+/// A stream of text with reports in it. Each byte is searched a bounded number of times, whatever
+/// the text.
+class ReportStream {
+public:
+    explicit ReportStream(const char* locales) : m_printer(locales) {}
+
+    void put(const char* bytes, std::size_t size) {
+        m_text.erase(0, m_iBegin);
+        m_iScanned -= m_iBegin;
+        m_iSearched -= m_iBegin;
+        m_iBegin = 0;
+        m_text.append(bytes, size);
+        while (work(false)) {
+        }
+    }
+    /// @return whether all reports were whole
+    bool finish() {
+        while (work(true)) {
+        }
+        passOn(m_text.size());
+        return m_isWhole;
+    }
+
+private:
+    /// @return whether there may be more to do
+    bool work(bool isEnd) {
+        if (m_endTag.empty() && !findBegin(isEnd)) return false;
+        for (; m_iAttempts < kMostAttempts; ++m_iAttempts) {
+            const std::size_t found = m_text.find(m_endTag, m_iSearched);
+            if (found == std::string::npos) {
+                if (isEnd || m_text.size() - m_iBegin >= kMostBytes) break;
+                // The tag may be cut off.
+                const std::size_t last = m_text.size() - std::min(m_text.size(), m_endTag.size());
+                m_iSearched = std::max(m_iSearched, last);
+                return false;
+            }
+            m_iSearched = found + m_endTag.size();
+            // Texts in a report may have its end tag in them.
+            if (!show(m_iSearched)) continue;
+            m_endTag = {};
+            m_iAttempts = 0;
+            return true;
+        }
+        refuse();
+        return true;
+    }
+
+    /// Looks for a report, and passes on what is in front of it.
+    bool findBegin(bool isEnd) {
+        for (;; ++m_iScanned) {
+            m_iScanned = std::min(m_text.find('<', m_iScanned), m_text.size());
+            // The start of a report may be cut off.
+            const bool isCut = !isEnd && m_text.size() - m_iScanned < kLongestBegin;
+            if (isCut || m_iScanned == m_text.size()) {
+                passOn(m_iScanned);
+                return false;
+            }
+            for (const auto& root : kRoots)
+                if (m_text.compare(m_iScanned, root.begin.size(), root.begin) == 0)
+                    m_endTag = root.end;
+            if (!m_endTag.empty()) break;
+        }
+        passOn(m_iScanned);
+        m_iSearched = m_iBegin;
+        return true;
+    }
+
+    bool show(std::size_t limit) {
+        XmlNode report;
+        std::size_t end = 0;
+        const auto text = std::string_view(m_text).substr(m_iBegin, limit - m_iBegin);
+        if (!readXml(text, report, end)) return false;
+        m_printer.print(report);
+        m_iBegin += end;
+        m_iScanned = m_iBegin;
+        m_iDropped += end;
+        return true;
+    }
+
+    /// Says that a report is broken, and passes it on up to the end of its line.
+    void refuse() {
+        std::fflush(stdout);
+        m_printer.complain(MSGC_REPORT_BROKEN, {std::to_string(m_iDropped)});
+        m_isWhole = false;
+        m_endTag = {};
+        m_iAttempts = 0;
+        m_iScanned = std::min(m_text.find('\n', m_iBegin), m_text.size());
+        passOn(m_iScanned);
+    }
+
+    void passOn(std::size_t end) {
+        std::fwrite(m_text.data() + m_iBegin, 1, end - m_iBegin, stdout);
+        m_iDropped += end - m_iBegin;
+        m_iBegin = end;
+    }
+
+    Printer m_printer;
+    std::string m_text;
+    std::size_t m_iBegin = 0;        // of what was neither shown nor passed on
+    std::size_t m_iScanned = 0;      // for the begin of a report
+    std::size_t m_iSearched = 0;     // for the end of the one at m_iBegin
+    std::uint64_t m_iDropped = 0;    // bytes that were
+    std::string_view m_endTag = {};  // of the report at m_iBegin; empty while there is none
+    int m_iAttempts = 0;
+    bool m_isWhole = true;
+};
+
+}  // namespace
+
+Status showReport(const Options& options) {
+    const bool isStandard = options.operands.empty() || options.operands[0] == "-";
+    const std::string locales = options.operands.size() > 1 ? options.operands[1] : userLocale();
+    const int file =
+        isStandard ? STDIN_FILENO : open64(options.operands[0].c_str(), O_RDONLY | O_CLOEXEC);
+    const auto cannotRead = [&] {
+        const int error = errno;
+        return complain(file < 0 && tools::isAbsent(options.operands[0]) ? kUsage : kErrors,
+                        MSGC_CANNOT_READ,
+                        {isStandard ? "-" : options.operands[0], std::strerror(error)});
+    };
+    if (file < 0) return cannotRead();
+    ReportStream stream(locales.c_str());
+    char block[65536];
+    for (;;) {
+        const ssize_t got = read(file, block, sizeof block);
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) return cannotRead();
+        if (got == 0) break;
+        stream.put(block, static_cast<std::size_t>(got));
+        std::fflush(stdout);  // a log that is followed goes on
+    }
+    const bool isWhole = stream.finish();
+    if (!isStandard) close(file);
+    return isWhole ? kClean : kErrors;
+}
+
+}  // namespace msgc
