@@ -111,6 +111,7 @@ void tavThreadRelease(TavThread* thread) {
     tavHeldMutexesForget(thread);
     tavStateTrapsForget(thread);
     if (thread->attributesMade) pthread_attr_destroy(&thread->attributes);
+    pthread_cond_destroy(&thread->called);
     pthread_mutex_destroy(&thread->transition);
     sem_destroy(&thread->resumed);
     delete thread;

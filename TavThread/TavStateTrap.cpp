@@ -2,6 +2,7 @@
 
 #include <mutex>
 #include <new>
+#include <optional>
 
 #include "TavThread/internal/TavContain.hpp"
 #include "TavThread/internal/TavSystem.hpp"
@@ -168,11 +169,32 @@ void TavTransition::to(int newState) {
     m_iEntered = newState;
 }
 
+bool TavTransition::awaitCallbacks() {
+    bool waited = false;
+    for (; m_thread.calls != 0 && pthread_equal(m_thread.caller, pthread_self()) == 0;
+         waited = true)
+        tavWaitOn(&m_thread.called, &m_thread.transition, TAVTHREAD_INFINITE);
+    return waited;
+}
+
 void TavTransition::finish() {
+    struct Calling {
+        TavThread& thread;
+        explicit Calling(TavThread& of) : thread(of) {
+            thread.caller = pthread_self();
+            ++thread.calls;
+        }
+        ~Calling() {
+            TavHold hold(thread.transition);
+            if (--thread.calls == 0) pthread_cond_broadcast(&thread.called);
+        }
+    };
+    const bool none = m_iEntered < 0 || m_thread.traps[m_iEntered].load() == nullptr;
+    std::optional<Calling> calling;
+    if (!none) calling.emplace(m_thread);
     m_held = false;
     pthread_mutex_unlock(&m_thread.transition);
-    if (m_iEntered < 0) return;
-    if (m_thread.traps[m_iEntered].load(std::memory_order_acquire) == nullptr) return;
+    if (none) return;
     for (Walk walk(&m_thread, m_iEntered); !walk.atEnd(); walk.next()) walk.call();
 }
 

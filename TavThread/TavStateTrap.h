@@ -5,8 +5,9 @@
 
 /// Called when a thread enters a state, on the thread that made the change and under no lock.
 /// Exceptions are swallowed. A thread that is continued goes on only after the callbacks for
-/// Running have returned. Callbacks of two changes overlap only if two threads make them: one
-/// thread may be continued while its own callbacks for Suspended still run.
+/// Running have returned; whoever continues it waits for its callbacks for Suspended first. So a
+/// callback must not wait for another thread that changes the state of the same one; it may change
+/// that state itself.
 typedef void (*TavStateRoutine)(void* arg, TavThread* thread, int newState);
 
 /// A state callback that can be taken away again.

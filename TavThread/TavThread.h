@@ -60,7 +60,8 @@ TAV_API int tavXThreadTerminate(void);
 
 /// Starts a thread on routine(arg). An exception that leaves the routine ends the thread alone.
 /// @param out  receives the record before the thread starts, null after a failure; to be given
-///             to tavXThreadDestroy. May be null for a detached thread only.
+///             to tavXThreadDestroy. May be null for a detached thread only. Threads other than the
+///             new one may use the record only after this has returned.
 /// The attributes end with TavThreadAttrEnd. A stack size below the system's default is raised to
 /// it. Trace object and cancel flag come from the caller where inheritable and not given.
 TAV_API int tavXThreadCreate(void* (*routine)(void*), void* arg, TavThread** out, ...);
@@ -95,7 +96,8 @@ TAV_API void* tavXThreadExitStatus(TavThread* thread);
 /// The thread's state. For null it is the caller's checkpoint: stops there while it is suspended,
 /// notes a cancellation, yields, and returns the caller's state.
 TAV_API int tavXThreadState(TavThread* thread);
-/// Asks a running thread to stop at its next checkpoint; no effect in another state.
+/// Asks a running thread to stop at its next checkpoint; no effect in another state. A thread that
+/// was continued and has not woken up yet stays where it is.
 TAV_API int tavXThreadSuspend(TavThread* thread);
 /// Ends a suspension, or takes the request for one back.
 TAV_API int tavXThreadContinue(TavThread* thread);

@@ -77,7 +77,9 @@ private:
 
 int continueThread(TavThread& thread) {
     TavTransition change(thread);
-    if (change.state() == TavThreadStateSuspended) {
+    while (change.state() == TavThreadStateSuspended) {
+        // Those of Suspended, which the thread itself calls, come before those of Running.
+        if (change.awaitCallbacks()) continue;
         Continuing continuing(thread);
         change.to(TavThreadStateRunning);
         change.finish();
@@ -114,14 +116,16 @@ int tavXThreadState(TavThread* thread) {
 int tavXThreadSuspend(TavThread* thread) {
     if (thread == nullptr) return TAVTHREAD_INVALID;
     TavTransition change(*thread);
-    if (change.state() != TavThreadStateRunning || thread->has(kTavThreadSuspendPending))
-        return TAVTHREAD_OK;
-    if (!thread->asleep) {
-        thread->mark(kTavThreadSuspendPending);
-        return setResumed(*thread, false);
-    }
-    // Continued, but still asleep: back to where it was, unless it is to wake up and cancel.
-    if (thread->cancelled()) return TAVTHREAD_OK;
+    do {
+        if (change.state() != TavThreadStateRunning || thread->has(kTavThreadSuspendPending))
+            return TAVTHREAD_OK;
+        if (!thread->asleep) {
+            thread->mark(kTavThreadSuspendPending);
+            return setResumed(*thread, false);
+        }
+        // Continued, but still asleep: back to where it was, unless it is to wake up and cancel.
+        if (thread->cancelled()) return TAVTHREAD_OK;
+    } while (change.awaitCallbacks());
     setResumed(*thread, false);
     change.to(TavThreadStateSuspended);
     change.finish();

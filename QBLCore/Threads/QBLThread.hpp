@@ -13,7 +13,7 @@ struct TavThread;
 /// Its run() may end with `delete this`.
 ///
 /// Threads: start(), join() and the destructor belong to one owner; the other operations may
-/// be called by any thread, isAlive() not while the owner starts the thread anew.
+/// be called by any thread, isAlive() not while the owner starts the thread.
 ///
 ///     QBLThread thread(&job);
 ///     thread.start();

@@ -64,6 +64,11 @@ struct TavThread {
     bool finished = false;  // guarded by transition: the handle may be dead
     bool asleep = false;    // guarded by transition: suspended, or continued and not awake yet
     int continuing = 0;     // guarded by transition: threads that call Running's callbacks
+    // Who calls the callbacks of a change, and of how many within each other; guarded by
+    // transition.
+    pthread_t caller = 0;
+    int calls = 0;
+    pthread_cond_t called = PTHREAD_COND_INITIALIZER;  // waited on until there are none
 
     bool has(TavThreadFlags flag) const {
         return (flags.load(std::memory_order_acquire) & flag) != 0;
@@ -103,6 +108,9 @@ public:
     TavTransition& operator=(const TavTransition&) = delete;
 
     int state() const { return m_thread.state.load(std::memory_order_relaxed); }
+    /// Waits until another thread has called the callbacks of the change that it made.
+    /// @return whether it had to: the state may be another one.
+    bool awaitCallbacks();
     /// Enters a state, the exit reason first; nothing if it is the present one.
     void to(int newState);
     /// Lets the mutex go, then calls the callbacks of the state entered last.

@@ -61,6 +61,34 @@ TEST(TavStateTrapTest, AThreadGoesOnAfterTheCallbacksOfItsContinuation) {
     }
 }
 
+TEST(TavStateTrapTest, RunningsCallbacksFollowTheThreadsOwnForSuspended) {
+    Layer layer;
+    for (int i = 0; i < 50; ++i) {
+        struct {
+            Gate armed, suspended;
+            Log log;
+        } round;
+        const TavStateRoutine slowly = [](void* arg, TavThread* thread, int state) {
+            auto& of = *static_cast<decltype(round)*>(arg);
+            of.suspended.open();
+            for (int turns = 0; turns < 100; ++turns) sched_yield();
+            Log::append(&of.log, thread, state);
+        };
+        Started thread([&]() -> void* {
+            round.armed.wait();
+            return tavXThreadState(nullptr), nullptr;
+        });
+        tavXThreadStateCallback(thread, TavThreadStateSuspended, slowly, &round);
+        tavXThreadStateCallback(thread, TavThreadStateRunning, &Log::append, &round.log);
+        tavXThreadSuspend(thread);
+        round.armed.open();
+        EXPECT_TRUE(round.suspended.wait());
+        tavXThreadContinue(thread);
+        ASSERT_EQ("21", round.log.text);
+        thread.join();
+    }
+}
+
 TEST(TavStateTrapTest, ACallbackMaySuspendTheThreadThatIsContinued) {
     Layer layer;
     std::atomic<bool> ran{false};
