@@ -96,8 +96,8 @@ TAV_API void* tavXThreadExitStatus(TavThread* thread);
 /// The thread's state. For null it is the caller's checkpoint: stops there while it is suspended,
 /// notes a cancellation, yields, and returns the caller's state.
 TAV_API int tavXThreadState(TavThread* thread);
-/// Asks a running thread to stop at its next checkpoint; no effect in another state. A thread that
-/// was continued and has not woken up yet stays where it is.
+/// Asks a running thread to stop at its next checkpoint; no effect in another state. For a thread
+/// that was continued and has not woken up yet, that is the one after.
 TAV_API int tavXThreadSuspend(TavThread* thread);
 /// Ends a suspension, or takes the request for one back.
 TAV_API int tavXThreadContinue(TavThread* thread);

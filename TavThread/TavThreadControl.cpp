@@ -8,11 +8,9 @@
 // under the transition mutex, and taken outside it by the suspended thread alone, which sets it
 // anew when it has woken: the next suspension may have been asked for, and ended, meanwhile.
 //
-// A suspended thread goes on only after the callbacks of the change to Running have returned. They
-// run without the mutex, so others may suspend and continue the thread meanwhile. `continuing`
-// counts the threads that run such callbacks; the last one to finish posts, unless the thread is
-// suspended again by then. The thread itself, if an earlier post has woken it, sleeps on while the
-// count is not 0.
+// A suspended thread goes on only after the callbacks of the change to Running have returned, which
+// run without the mutex. Until then `continuing` is set, and the thread sleeps on if something else
+// has woken it. A suspension that is asked for before it has woken is for its next checkpoint.
 
 namespace {
 
@@ -41,38 +39,37 @@ void suspendHere(TavThread& self) {
     for (;;) {
         tavRetryErrno([&] { return sem_wait(&self.resumed); });
         TavTransition change(self);
-        if (change.state() == TavThreadStateSuspended || self.continuing != 0) continue;
+        if (change.state() == TavThreadStateSuspended || self.continuing) continue;
         self.asleep = false;
-        setResumed(self, true);
+        setResumed(self, !self.has(kTavThreadSuspendPending));
         change.to(self.cancelled() ? TavThreadStateCanceling : TavThreadStateRunning);
         change.finish();
         return;
     }
 }
 
-/// Takes part in `continuing` and wakes the thread at the end, also when a callback ends the
-/// calling thread.
+/// Sets `continuing` and wakes the thread at the end, also when a callback ends the calling
+/// thread.
 class Continuing {
 public:
     /// Requires: the transition mutex is held.
-    explicit Continuing(TavThread& thread) : m_thread(thread) { ++thread.continuing; }
+    explicit Continuing(TavThread& thread) : m_thread(thread) { thread.continuing = true; }
     ~Continuing() {
-        if (m_bCounted) finish();
+        if (!m_bFinished) finish();
     }
     Continuing(const Continuing&) = delete;
     Continuing& operator=(const Continuing&) = delete;
 
     int finish() {
-        m_bCounted = false;
+        m_bFinished = true;
         TavHold hold(m_thread.transition);
-        const bool suspended = m_thread.state.load() == TavThreadStateSuspended;
-        if (--m_thread.continuing != 0 || suspended) return TAVTHREAD_OK;
+        m_thread.continuing = false;
         return setResumed(m_thread, true);
     }
 
 private:
     TavThread& m_thread;
-    bool m_bCounted = true;
+    bool m_bFinished = false;
 };
 
 int continueThread(TavThread& thread) {
@@ -116,20 +113,10 @@ int tavXThreadState(TavThread* thread) {
 int tavXThreadSuspend(TavThread* thread) {
     if (thread == nullptr) return TAVTHREAD_INVALID;
     TavTransition change(*thread);
-    do {
-        if (change.state() != TavThreadStateRunning || thread->has(kTavThreadSuspendPending))
-            return TAVTHREAD_OK;
-        if (!thread->asleep) {
-            thread->mark(kTavThreadSuspendPending);
-            return setResumed(*thread, false);
-        }
-        // Continued, but still asleep: back to where it was, unless it is to wake up and cancel.
-        if (thread->cancelled()) return TAVTHREAD_OK;
-    } while (change.awaitCallbacks());
-    setResumed(*thread, false);
-    change.to(TavThreadStateSuspended);
-    change.finish();
-    return TAVTHREAD_OK;
+    if (change.state() != TavThreadStateRunning || thread->has(kTavThreadSuspendPending))
+        return TAVTHREAD_OK;
+    thread->mark(kTavThreadSuspendPending);
+    return thread->asleep ? TAVTHREAD_OK : setResumed(*thread, false);
 }
 
 int tavXThreadContinue(TavThread* thread) {

@@ -61,9 +61,9 @@ struct TavThread {
     // Guards every change of state and of the pending mark, and lets `finished` change only while
     // nobody uses the handle. Never held while waiting or calling out.
     pthread_mutex_t transition = PTHREAD_MUTEX_INITIALIZER;
-    bool finished = false;  // guarded by transition: the handle may be dead
-    bool asleep = false;    // guarded by transition: suspended, or continued and not awake yet
-    int continuing = 0;     // guarded by transition: threads that call Running's callbacks
+    bool finished = false;    // guarded by transition: the handle may be dead
+    bool asleep = false;      // guarded by transition: suspended, or continued and not awake yet
+    bool continuing = false;  // guarded by transition: Running's callbacks have not returned
     // Who calls the callbacks of a change, and of how many within each other; guarded by
     // transition.
     pthread_t caller = 0;

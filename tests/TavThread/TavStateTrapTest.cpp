@@ -91,22 +91,22 @@ TEST(TavStateTrapTest, RunningsCallbacksFollowTheThreadsOwnForSuspended) {
 
 TEST(TavStateTrapTest, ACallbackMaySuspendTheThreadThatIsContinued) {
     Layer layer;
-    std::atomic<bool> ran{false};
-    Started thread([&]() -> void* { return ran = true, nullptr; }, TavThreadAttrSuspended);
-    ASSERT_TRUE(eventually([&] { return tavXThreadState(thread) == TavThreadStateSuspended; }));
-    int times = 2;
+    std::atomic<int> steps{0};
+    Started thread([&]() -> void* { return ++steps, tavXThreadState(nullptr), ++steps, nullptr; },
+                   TavThreadAttrSuspended);
+    const auto suspended = [&] { return tavXThreadState(thread) == TavThreadStateSuspended; };
+    ASSERT_TRUE(eventually(suspended));
+    int times = 3;
     const TavStateRoutine again = [](void* left, TavThread* of, int) {
-        if (--*static_cast<int*>(left) < 0) return;
-        tavXThreadSuspend(of);
-        if (*static_cast<int*>(left) == 0) tavXThreadContinue(of);
+        if (--*static_cast<int*>(left) != 0) tavXThreadSuspend(of);
+        if (*static_cast<int*>(left) == 1) tavXThreadContinue(of);
     };
     tavXThreadStateCallback(thread, TavThreadStateRunning, again, &times);
     EXPECT_EQ(TAVTHREAD_OK, tavXThreadContinue(thread));
-    EXPECT_EQ(TavThreadStateSuspended, tavXThreadState(thread));
-    EXPECT_FALSE(ran);
-    EXPECT_EQ(TAVTHREAD_OK, tavXThreadContinue(thread)) << "and once more inside";
+    ASSERT_TRUE(eventually([&] { return steps == 1 && suspended(); })) << "at the next checkpoint";
+    EXPECT_EQ(TAVTHREAD_OK, tavXThreadContinue(thread)) << "suspended and continued inside";
     thread.join();
-    EXPECT_TRUE(ran);
+    EXPECT_EQ(2, steps);
 }
 
 TEST(TavStateTrapTest, TrapsAreListedAndDisarmed) {

@@ -84,9 +84,11 @@ TEST(TavThreadControlTest, SurvivesSuspendAndContinueFromSeveralThreads) {
         EXPECT_TRUE(runner.moves());
         tavXThreadSuspend(thread);
         EXPECT_TRUE(reaches(thread, TavThreadStateSuspended)) << round;
+        const int before = runner.steps;
         tavXThreadContinue(thread);
         tavXThreadSuspend(thread);
-        EXPECT_TRUE(reaches(thread, TavThreadStateSuspended)) << "before it had woken up";
+        EXPECT_TRUE(reaches(thread, TavThreadStateSuspended)) << "at its next checkpoint";
+        EXPECT_LT(before, runner.steps) << "not where it was";
         const int stopped = runner.steps;
         sched_yield();
         EXPECT_EQ(stopped, runner.steps) << round;
