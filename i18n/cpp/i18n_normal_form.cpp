@@ -2,14 +2,16 @@
 
 #include <unicode/uchar.h>
 
+#include <algorithm>
 #include <string>
+#include <vector>
 
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
 #include "i18n/cpp/i18n_error_codes.h"
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/i18n_internal_resources.hpp"
-#include "i18n/cpp/internal/i18n_settings.hpp"
+#include "i18n/cpp/internal/i18n_inert.hpp"
 
 namespace {
 
@@ -23,6 +25,60 @@ const char kMalloc[] = "malloc failed to allocate memory.";
 
 void require(const icu::UnicodeString& text) {
     if (text.isBogus()) fail(U_MEMORY_ALLOCATION_ERROR);
+}
+
+constexpr int kLongRun = 64;
+
+/// Whether there may be a long run of characters that are not inert. Looks at a few of them only.
+bool mayHaveLongRun(const icu::UnicodeString& text, int from) {
+    const char16_t* const units = text.getBuffer();
+    constexpr int kStep = kLongRun / 2;
+    const auto isInert = [units](int i) { return i18nIsInert(units + i, 2); };
+    for (int i = from; i + kStep + 2 <= text.length(); i += kStep)
+        if (!isInert(i) && !isInert(i + kStep)) return true;
+    return false;
+}
+
+/// The text with the marks of long runs in their order. ICU moves each mark to its place by itself,
+/// which takes the square of the run's length.
+icu::UnicodeString withSortedRuns(const icu::Normalizer2& form, const icu::UnicodeString& text,
+                                  int from) {
+    struct Mark {
+        int combiningClass;
+        UChar32 c;
+    };
+    std::vector<Mark> run;
+    icu::UnicodeString sorted, decomposed;
+    const auto endRun = [&](int begin, int end) {
+        if (run.size() < static_cast<std::size_t>(kLongRun)) {
+            sorted.append(text, begin, end - begin);
+        } else {
+            std::stable_sort(run.begin(), run.end(), [](const Mark& a, const Mark& b) {
+                return a.combiningClass < b.combiningClass;
+            });
+            for (const Mark& mark : run) sorted.append(mark.c);
+        }
+        run.clear();
+    };
+    int runBegin = from;
+    for (int i = from; i < text.length();) {
+        const UChar32 c = text.char32At(i);
+        const int next = text.moveIndex32(i, 1);
+        if (u_getIntPropertyValue(c, UCHAR_LEAD_CANONICAL_COMBINING_CLASS) == 0) {
+            endRun(runBegin, i);
+            sorted.append(c);
+            runBegin = next;
+        } else {
+            if (!form.getDecomposition(c, decomposed)) decomposed.setTo(c);
+            for (int k = 0; k < decomposed.length(); k = decomposed.moveIndex32(k, 1))
+                run.push_back(
+                    {u_getCombiningClass(decomposed.char32At(k)), decomposed.char32At(k)});
+        }
+        i = next;
+    }
+    endRun(runBegin, text.length());
+    require(sorted);
+    return sorted;
 }
 
 /// A character in front of others, of which only this much counts.
@@ -78,18 +134,22 @@ bool i18nNormalize(const icu::Normalizer2& form, const icu::UnicodeString& text,
     if (U_FAILURE(status)) QBL_THROW(I18NRuntimeError(I18N_NORMALIZATION, nullptr));
     if (kept == text.length()) return false;
     result.setTo(text, 0, kept);
-    form.normalizeSecondAndAppend(result, text.tempSubString(kept), status);
+    require(result);
+    form.normalizeSecondAndAppend(
+        result,
+        mayHaveLongRun(text, kept) ? withSortedRuns(form, text, kept) : text.tempSubString(kept),
+        status);
     if (U_FAILURE(status)) fail(status);
     require(result);
     return true;
 }
 
-void i18nSubstituteJa(icu::UnicodeString& text) {
-    if (I18NSettings::now().jaSubstitutions.empty()) return;
+bool i18nSubstituteJa(icu::UnicodeString& text) {
     std::u16string units(i18nUnits(text));
-    if (!I18NInternalResources::getInternalResources().substituteJa(units)) return;
+    if (!I18NInternalResources::getInternalResources().substituteJa(units)) return false;
     text.setTo(units.data(), static_cast<int32_t>(units.size()));
     require(text);
+    return true;
 }
 
 icu::UnicodeString i18nJoin(std::u16string_view before, const I18NTextView& text,

@@ -57,9 +57,12 @@ I18NString& I18NString::normalize(I18NNormalizationForms form) {
     QBL_ALLOC_TRY
     icu::UnicodeString result;
     if (i18nNormalize(i18nNormalizer(form), *m_pUnicodeString, result)) {
-        if (isExempt(i18nUnits(*m_pUnicodeString))) return *this;
-        if (hasJapaneseSubstitutions()) i18nSubstituteJa(result);
-        put(0, m_unitLength, I18NTextView(result.getBuffer(), result.length()));
+        const bool exempt = isExempt(i18nUnits(*m_pUnicodeString));
+        if (exempt) result = *m_pUnicodeString;
+        const bool substituted = hasJapaneseSubstitutions() && i18nSubstituteJa(result);
+        if (!exempt || substituted)
+            put(0, m_unitLength, I18NTextView(result.getBuffer(), result.length()));
+        if (exempt) return *this;
     }
     I18N_ALLOC_CATCH
     setFlag(kI18NNormalized, form == I18N_NFC || m_unitLength == 0);
@@ -69,7 +72,8 @@ I18NString& I18NString::normalize(I18NNormalizationForms form) {
 // Text that came from the encodings of Japan on personal computers, where some characters are not
 // what others take them for.
 bool I18NString::hasJapaneseSubstitutions() const {
-    return hasFlag(kI18NFromCodePage943) || isPlatformJapanese();
+    return !I18NSettings::now().jaSubstitutions.empty() &&
+           (hasFlag(kI18NFromCodePage943) || isPlatformJapanese());
 }
 
 // Replaces units as they are, without a look at the normal form.
@@ -140,7 +144,8 @@ void I18NString::spliceUnits(int offset, int count, const I18NTextView& text) {
     const bool pairs =
         (i18nIsHigh(before) && (i18nIsLow(after) || (!empty && i18nIsLow(text[0])))) ||
         (!empty && i18nIsHigh(text[text.length() - 1]) && i18nIsLow(after));
-    const bool mayLose = count != 0 && !whole && !hasFlag(kI18NNormalized);
+    const bool mayLose =
+        !hasFlag(kI18NNormalized) && ((count != 0 && !whole) || hasJapaneseSubstitutions());
     const auto isInert = [](const char16_t* units, int n) {
         return i18nIsInert(units, static_cast<std::size_t>(n));
     };
@@ -176,14 +181,20 @@ void I18NString::combine(int offset, int count, const I18NTextView& text, bool p
     QBL_ALLOC_TRY
     const icu::Normalizer2& form = i18nNormalizer(I18N_NFC);
     icu::UnicodeString result;
-    if (!isForm && !whole && !keepsAll && exempt != 0 &&
-        isExempt(units(std::max(offset - 1, 0), std::min(behind + 1, length)))) {
+    // Substitutions are made in all of a text that is not in form C.
+    const bool substitutes = hasJapaneseSubstitutions();
+    if (substitutes || (!isForm && !whole && !keepsAll && exempt != 0 &&
+                        isExempt(units(std::max(offset - 1, 0), std::min(behind + 1, length))))) {
         const icu::UnicodeString all = i18nJoin(units(0, offset), text, units(behind, length));
-        if (isExempt(i18nUnits(all))) return finish(offset, count, text, false, 1);
-        if (!i18nNormalize(form, all, result)) result = all;
-        if (hasJapaneseSubstitutions()) i18nSubstituteJa(result);
-        finish(0, length, I18NTextView(result.getBuffer(), result.length()), true, -1);
-        return setFlag(kI18NNormalized, true);
+        if (!i18nNormalize(form, all, result)) {
+            finishAsItIs();
+            return setFlag(kI18NNormalized, true);
+        }
+        const bool isNormalized = !isExempt(i18nUnits(all));
+        if (!isNormalized) result = all;
+        if (substitutes) i18nSubstituteJa(result);
+        finish(0, length, I18NTextView(result.getBuffer(), result.length()), isNormalized, -1);
+        return setFlag(kI18NNormalized, isNormalized);
     }
     if (exempt == 1 && keepsAll) return finish(offset, count, text, false, 1);
     if (isForm && !pairs) {
@@ -206,7 +217,6 @@ void I18NString::combine(int offset, int count, const I18NTextView& text, bool p
     if (isExempt(i18nUnits(slice)) ||
         (exempt != 0 && (isExempt(units(0, begin)) || isExempt(units(end, length)))))
         return finish(offset, count, text, false, 1);
-    if (hasJapaneseSubstitutions()) i18nSubstituteJa(result);
     finish(begin, end - begin, I18NTextView(result.getBuffer(), result.length()), true,
            isExempt(i18nUnits(result)) ? 1 : 0);
     I18N_ALLOC_CATCH

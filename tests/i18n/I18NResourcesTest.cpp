@@ -268,8 +268,16 @@ TEST_F(I18NResourcesTest, CharactersAreExemptAndSubstituted) {
     EXPECT_TRUE(resources().substituteJa(text));
     EXPECT_EQ(u"A\uFF5E\u5409B\uFF5E\xD842", text);
     EXPECT_FALSE(resources().substituteJa(text));
-    load("<ja_substitution from=\"0x3042\" to=\"0x3044\"/>\n");
+    load(
+        "<nonNormalizableCharacters value=\"0xFA10\"/>\n"
+        "<ja_substitution from=\"0x3042\" to=\"0x3044\"/>\n");
     const I18NConverter converter("Shift_JIS");
+    I18NString japanese("\x82\xA0", converter);
+    japanese += L"e\u0301";
+    EXPECT_EQ(u"\u3044\u00E9", japanese.toUtf16()) << "in all of the text";
+    japanese = I18NString("\x82\xA0", converter);
+    japanese += L"\uFA10";
+    EXPECT_EQ(u"\u3044\uFA10", japanese.toUtf16()) << "although it is not normalised";
     EXPECT_EQ(u"\u00C5\u3044", I18NString("\x81\xF0\x82\xA0", converter).toUtf16());
 }
 
