@@ -80,8 +80,9 @@ void I18NInternalResources::__changeResourceFileName(const char* name) {
 void I18NInternalResources::loadSequenceTable() {
     QBL_ALLOC_TRY
     const std::string path = qblImmortal<ResPath>().get();
-    auto settings = I18NSettings::load(i18nResolveBinDir(path));
-    if (settings == nullptr) settings = I18NSettings::load(inShareDirectory(path));
+    bool seen = true;
+    auto settings = I18NSettings::load(i18nResolveBinDir(path), seen);
+    if (settings == nullptr && seen) settings = I18NSettings::load(inShareDirectory(path), seen);
     if (settings == nullptr) return;
     I18NSettings::publish(std::move(settings));
     m_data.replaceScaledZero = I18NSettings::now().replaceScaledZero;

@@ -57,7 +57,8 @@ public:
     // NOLINTNEXTLINE(bugprone-reserved-identifier): programs know it under this name
     static void __changeResourceFileName(const char* name);
     /// Reads the resource file, or if it is not there the one of this name in the installation's
-    /// share/qblcore. One that cannot be opened is no error and changes nothing.
+    /// share/qblcore. One that cannot be opened or read is no error and changes nothing; the other
+    /// is not taken for one that could not be looked at, as when descriptors are exhausted.
     /// @throws QBLOutOfMemoryError
     void loadSequenceTable();
     /// Drops all that was read, and goes back to the defaults.

@@ -84,29 +84,32 @@ private:
         endSequence(reader);
     }
     void beginSequence(const I18NResourceReader& reader) {
-        m_sequence = reader.getXMLElementValue();
+        const std::string value = valueOf(reader);
+        m_sequenceBytes = bytesOf(value);
+        m_sequenceCodePoint = codePointOf(value);
     }
-    void endSequence(const I18NResourceReader&) { m_sequence.reset(); }
+    void endSequence(const I18NResourceReader&) {
+        m_sequenceBytes.reset();
+        m_sequenceCodePoint.reset();
+    }
 
     void addReplacement(const I18NResourceReader& reader) {
         const std::optional<std::string> value = reader.getXMLElementValue();
-        if (!m_sequence || !value) return;
+        if (!value) return;
         if (m_direction == Direction::Input) addInput(*value);
         if (m_direction == Direction::Output) addOutput(*value);
     }
     void addInput(const std::string& value) {
-        const auto bytes = bytesOf(*m_sequence);
         const auto codePoint = codePointOf(value);
-        if (!bytes || bytes->empty() || !codePoint) return;
+        if (!m_sequenceBytes || m_sequenceBytes->empty() || !codePoint) return;
         for (const std::string& encoding : m_encodings)
-            m_tables.addInput(encoding, *bytes, *codePoint);
+            m_tables.addInput(encoding, *m_sequenceBytes, *codePoint);
     }
     void addOutput(const std::string& value) {
-        const auto codePoint = codePointOf(*m_sequence);
         const auto bytes = bytesOf(value);
-        if (!codePoint || !bytes) return;
+        if (!m_sequenceCodePoint || !bytes) return;
         for (const std::string& encoding : m_encodings)
-            m_tables.addOutput(encoding, *codePoint, *bytes);
+            m_tables.addOutput(encoding, *m_sequenceCodePoint, *bytes);
     }
 
     void readJaSubstitution(const I18NResourceReader& reader) {
@@ -162,8 +165,9 @@ private:
     I18NSettings& m_settings;
     I18NReplacementTables& m_tables;
     Direction m_direction = Direction::None;
-    std::set<std::string> m_encodings;      // canonical names
-    std::optional<std::string> m_sequence;  // as it is written
+    std::set<std::string> m_encodings;  // canonical names
+    std::optional<std::string> m_sequenceBytes;
+    std::optional<char32_t> m_sequenceCodePoint;
     I18NLocaleSettings* m_pLocale = nullptr;
 };
 
@@ -263,12 +267,14 @@ bool I18NSettings::isNonNormalizable(std::u16string_view text) const {
     return false;
 }
 
-std::unique_ptr<I18NSettings> I18NSettings::load(const std::string& path) {
+std::unique_ptr<I18NSettings> I18NSettings::load(const std::string& path, bool& seen) {
     I18NResourceReader reader(path.c_str());
+    seen = !reader.isNotSeen();
     if (!reader.isOpen()) return nullptr;
     auto settings = std::make_unique<I18NSettings>();
     Loader(*settings).load(reader);
-    return settings;
+    seen = !reader.isNotSeen();
+    return seen ? std::move(settings) : nullptr;
 }
 
 const I18NSettings& I18NSettings::now() {

@@ -42,8 +42,9 @@ struct I18NSettings {
 
     /// Reads a resource file. What is not understood, a number out of its range, an encoding that
     /// ICU does not know, is left out, and nothing else with it.
-    /// @return null when the file cannot be opened.
-    static std::unique_ptr<I18NSettings> load(const std::string& path);
+    /// @param seen  receives whether the file could be looked at; one that is not there could
+    /// @return null when the file cannot be opened or read.
+    static std::unique_ptr<I18NSettings> load(const std::string& path, bool& seen);
 
     /// Those that count now: the defaults until some are published.
     ///
