@@ -36,12 +36,18 @@ icu::Formattable toFormattable(const QBLMessageArgument& argument) {
     }
 }
 
+constexpr std::size_t kLongestName = 256;
+
 /// The name that ICU has for the first of some locales; empty for none.
 std::string firstOf(const char* locales) {
     const char separators[] = " \t\r\n,;";
     locales += std::strspn(locales, separators);
     const std::string first(locales, std::strcspn(locales, separators));
-    return first.empty() ? first : I18NLocale(first.c_str()).getName();
+    if (first.empty()) return first;
+    const I18NLocale locale(first.c_str());
+    const std::string name = locale.getName();
+    // ICU keeps what it makes for a locale, and names may come from a program's clients.
+    return name.size() <= kLongestName ? name : std::string(locale.getLanguage(), 0, kLongestName);
 }
 
 void refuseExhaustion(UErrorCode status) {

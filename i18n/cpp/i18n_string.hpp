@@ -355,6 +355,7 @@ private:
                       void* context) const;
     bool setShort(const char* bytes, const char* encoding, int length);
     const Conversion* findConversion(const char* key) const;
+    const Conversion* findSameEncoding(const std::string& encoding) const;
     const Conversion* conversion(const char* key, const char* encoding,
                                  const I18NConverter* converter, I18NStringAllocator allocator,
                                  void* context) const;

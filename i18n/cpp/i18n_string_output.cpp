@@ -1,4 +1,5 @@
 #include <cstdio>
+#include <cstring>
 #include <istream>
 #include <memory>
 #include <ostream>
@@ -17,6 +18,7 @@
 #include "i18n/cpp/internal/i18n_allocation.hpp"
 #include "i18n/cpp/internal/i18n_bytes.hpp"
 #include "i18n/cpp/internal/i18n_encodings.hpp"
+#include "i18n/cpp/internal/i18n_icu.hpp"
 #include "i18n/cpp/internal/i18n_settings.hpp"
 
 char gI18NNullString[4] = {};
@@ -27,6 +29,16 @@ void settle(int code) {
     if (code < 0) QBL_THROW(I18NRuntimeError(code, nullptr));
 }
 
+/// An encoding can be spelt in any number of ways, and names may come from a program's clients.
+/// @return what all its names have in common; empty if that is not known
+std::string anyNameOf(const char* encoding) {
+    if (i18nIsUTF8(encoding)) return "UTF8";
+    if (i18nIsUTF16(encoding)) return "UTF16";
+    const char* const name =
+        std::strchr(encoding, ',') == nullptr ? i18nCanonicalEncoding(encoding) : nullptr;
+    return name != nullptr ? name : "";
+}
+
 }  // namespace
 
 /// A conversion that was asked for. Conversions stay while the contents do, so that two threads can
@@ -34,7 +46,8 @@ void settle(int code) {
 struct I18NString::Conversion {
     Conversion* next;
     I18NBytes bytes;
-    std::string key;  // the encoding, and what else makes a difference
+    std::string key;       // the encoding, and what else makes a difference
+    std::string encoding;  // for all its names the same; empty if only the key counts
 };
 
 I18NByteWriter::~I18NByteWriter() = default;
@@ -43,6 +56,13 @@ const I18NString::Conversion* I18NString::findConversion(const char* key) const 
     if (hasFlag(kI18NChanged)) return nullptr;  // what is there is of the text before
     const Conversion* at = m_pConverted.load(std::memory_order_acquire);
     while (at != nullptr && at->key != key) at = at->next;
+    return at;
+}
+
+const I18NString::Conversion* I18NString::findSameEncoding(const std::string& encoding) const {
+    if (encoding.empty() || hasFlag(kI18NChanged)) return nullptr;
+    const Conversion* at = m_pConverted.load(std::memory_order_acquire);
+    while (at != nullptr && at->encoding != encoding) at = at->next;
     return at;
 }
 
@@ -94,18 +114,21 @@ const I18NString::Conversion* I18NString::conversion(const char* key, const char
         context = m_allocatorContext;
     }
     QBL_ALLOC_TRY
+    const std::string anyName = converter == nullptr ? anyNameOf(encoding) : std::string();
+    if (const Conversion* found = findSameEncoding(anyName)) return found;
     // Before the lock is taken: allocators and functions of converters may use strings themselves.
     const I18NTextView text(*this);
     std::unique_ptr<Conversion> made(new Conversion{
         nullptr,
         converter != nullptr ? i18nToBytes(text, *converter, I18NBlock(allocator, context))
                              : i18nToBytes(text, encoding, I18NBlock(allocator, context)),
-        key});
+        key, anyName});
     Conversion* stale = nullptr;
     const Conversion* published = nullptr;
     {
         QBLThreadGuard guard(getLockFromPtr(this));
         if (const Conversion* found = findConversion(key)) return found;
+        if (const Conversion* found = findSameEncoding(anyName)) return found;
         Conversion* const chain = m_pConverted.load(std::memory_order_relaxed);
         (hasFlag(kI18NChanged) ? stale : made->next) = chain;
         m_convertedLength = made->bytes.length;

@@ -218,7 +218,10 @@ TEST(I18NStringTest, ReadsOtherEncodingsOnceTheLayerIsInitialised) {
     I18NInitialize();
     EXPECT_EQ(u"\u65E5\u672C", I18NString("\x93\xFA\x96\x7B", "Shift_JIS").toUtf16());
     EXPECT_EQ("\u044F", I18NString("\xFF", "windows-1251").toUtf8());
-    EXPECT_STREQ("\xFF", I18NString("\u044F").c_str("windows-1251"));
+    const I18NString cyrillic("\u044F");
+    EXPECT_STREQ("\xFF", cyrillic.c_str("windows-1251"));
+    EXPECT_EQ(cyrillic.c_str("windows-1251"), cyrillic.c_str("WINDOWS 12-51")) << "kept once";
+    EXPECT_EQ(cyrillic.c_str(), cyrillic.c_str("utf-8"));
     EXPECT_FALSE(I18NString("abc", "windows-1251").isUsingAsciiBuffer());
     QBL_EXPECT_THROW(I18NString("x", "no such one"), I18NRuntimeError,
                      "The specified encoding is not valid: \"no such one\".");
