@@ -7,7 +7,7 @@
 /// Exceptions are swallowed. A thread that is continued goes on only after the callbacks for
 /// Running have returned; whoever continues it waits for its callbacks for Suspended first. So a
 /// callback must not wait for another thread that changes the state of the same one; it may change
-/// that state itself.
+/// that state itself. One for Initial must not end a thread that ends already.
 typedef void (*TavStateRoutine)(void* arg, TavThread* thread, int newState);
 
 /// A state callback that can be taken away again.

@@ -19,6 +19,8 @@ TAV_EXTERN_C_BEGIN
 /// Receives every trace line of the layer. The library's own emits nothing; a program that
 /// defines a function of this name gets the lines instead. Lines are composed only then.
 ///
+/// It must not throw: the operations that trace are C functions.
+///
 /// Threads: called on the thread that traces, under no lock of the layer.
 /// @param traceObj      the object's trace object, else that of the thread that creates it, or
 ///                      null.

@@ -42,7 +42,8 @@ public:
     /// Has a callable run: a copy of it, or what is moved from it, which is destroyed on the thread
     /// that ran it, before a wait for it ends.
     /// @throws QBLOutOfMemoryError; what the pool's execute() throws, such as QBLIllegalStateError
-    ///     from one that is stopped. The callable is then not run.
+    ///     from one that is stopped; what copying the callable throws. What is no throwable comes
+    ///     as one, as of qblRethrowTranslated. The callable is then not run.
     template <class Body,
               class = std::enable_if_t<!std::is_base_of_v<QBLThreadRunnable, std::decay_t<Body>>>>
     void run(Body&& body) {

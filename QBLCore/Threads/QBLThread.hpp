@@ -53,7 +53,9 @@ public:
     static unsigned long currentThreadId();
     static void sleep(unsigned long ms);
 
-    /// Sets or clears what the calling thread calls when its run() is over, however it ended.
+    /// Sets or clears what the calling thread calls when its run() is over, however it ended. If
+    /// that was by pthread_exit or a cancellation, the routine must not end the thread a second
+    /// time.
     /// @param set  non-zero stores the routine, 0 takes an earlier one away
     /// @return 0; -1 for a null routine to set, or on a thread that no QBLThread started
     static int atExit(void (*routine)(), int set);
