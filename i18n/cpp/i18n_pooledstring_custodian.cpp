@@ -1,11 +1,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <string_view>
 
+#include "QBLCore/FileManagement/internal/QBLFmLook.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmRegular.hpp"
 #include "i18n/cpp/i18n_pooledstring.hpp"
 
@@ -27,11 +28,16 @@ bool parse(const char* text, long& value) {
     return end != text && *end == '\0';
 }
 
-/// The rest of a word that is longer than any of ours is left out.
-bool readWord(std::FILE* file, char (&word)[64]) {
-    if (std::fscanf(file, "%63s", word) != 1) return false;
-    static_cast<void>(std::fscanf(file, "%*[^ \t\r\n\v\f]"));
-    return true;
+constexpr std::size_t kMostBytes = 16384;
+constexpr std::size_t kMostOfWord = 63;
+
+/// Takes the next word off a text, without what is too long of it.
+std::string_view takeWord(std::string_view& text) {
+    constexpr char kBlanks[] = " \t\r\n\v\f";
+    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+    const std::string_view word = text.substr(0, text.find_first_of(kBlanks));
+    text.remove_prefix(word.size());
+    return word.substr(0, kMostOfWord);
 }
 
 /// Whether only the user or the administrator can have decided what is in a file; the user may
@@ -42,32 +48,45 @@ bool isTrusted(const QBLFmStatus& file) {
            (file.mode() & S_IWOTH) == 0;
 }
 
-/// Null if there is no such file. A pipe or a device, which could keep the custodian waiting, is
+/// Reads the beginning of the file. A pipe or a device, which could keep the custodian waiting, is
 /// none, and neither is what somebody else has put there: it would have the texts of the program
 /// written to the disk.
-std::FILE* openSettings() {
+/// @param length  receives the number of bytes; 0 if there is no such file
+/// @return false if it might be there, but could not be opened or read.
+bool readFile(char (&bytes)[kMostBytes], std::size_t& length) {
+    length = 0;
     QBLFmStatus status;
     const int fd = qblOpenRegular("I18NPooledString.conf", O_RDONLY, status);
-    if (fd < 0) return nullptr;
-    std::FILE* const file = isTrusted(status) ? fdopen(fd, "r") : nullptr;
-    if (file == nullptr) qblCloseQuietly(fd);
-    return file;
+    if (fd < 0) return qblIsAbsence(errno);
+    ssize_t got = isTrusted(status) ? 1 : 0;
+    while (got > 0 && length < kMostBytes) {
+        got = ::read(fd, bytes + length, kMostBytes - length);
+        if (got > 0) length += static_cast<std::size_t>(got);
+        if (got < 0 && errno == EINTR) got = 1;
+    }
+    qblCloseQuietly(fd);
+    return got >= 0;
 }
 
 /// What is not a number, or an interval below 0, leaves what holds without it.
-Settings readSettings() {
-    Settings settings;
-    std::FILE* const file = openSettings();
-    if (file == nullptr) return settings;
-    char key[64], text[64];
-    while (readWord(file, key) && readWord(file, text)) {
+/// @return false if that is not known yet.
+bool readSettings(Settings& settings) {
+    char bytes[kMostBytes];
+    std::size_t length = 0;
+    if (!readFile(bytes, length)) return false;
+    std::string_view rest(bytes, length);
+    while (!rest.empty()) {
+        const std::string_view key = takeWord(rest), number = takeWord(rest);
+        // The last word of a longer file may be half of one.
+        if (number.empty() || (rest.empty() && length == kMostBytes)) break;
+        char text[kMostOfWord + 1] = "";
+        number.copy(text, kMostOfWord);
         long value = 0;
         if (!parse(text, value)) continue;
-        if (std::strcmp(key, "interval") == 0) settings.interval = value < 0 ? kInterval : value;
-        if (std::strcmp(key, "dumpToFile") == 0) settings.dumpToFile = value != 0;
+        if (key == "interval") settings.interval = value < 0 ? kInterval : value;
+        if (key == "dumpToFile") settings.dumpToFile = value != 0;
     }
-    std::fclose(file);
-    return settings;
+    return true;
 }
 
 }  // namespace
@@ -81,8 +100,9 @@ I18NPooledStringCustodian::I18NPooledStringCustodian(std::time_t (*clock)(std::t
 
 int I18NPooledStringCustodian::doIt(int terminating) {
     if (terminating != 0) m_dropped = true;
-    if (!I18NPooledString::s_init) {
-        const Settings settings = readSettings();
+    Settings settings;
+    // Until they can be read, the defaults hold.
+    if (!I18NPooledString::s_init && readSettings(settings)) {
         I18NPooledString::s_interval = settings.interval;
         I18NPooledString::s_dumpToFile = settings.dumpToFile;
         I18NPooledString::s_init = true;

@@ -1,6 +1,7 @@
 #include "i18n/cpp/i18n_pooledstring.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -139,6 +140,12 @@ TEST(I18NPooledStringTest, PurgesAtTheIntervalsOfTheSettingsFile) {
         EXPECT_EQ(0, task.doIt(terminating));
         return pool.count() == 0;
     };
+    rlimit files = {};
+    getrlimit(RLIMIT_NOFILE, &files);
+    const rlimit none = {0, files.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+    EXPECT_FALSE(purges(999)) << "without the settings yet";
+    setrlimit(RLIMIT_NOFILE, &files);
     EXPECT_FALSE(purges(1000)) << "the first pass only reads";
     EXPECT_FALSE(purges(1010));
     EXPECT_FALSE(purges(1011, 1));
