@@ -82,7 +82,7 @@ bool I18NInternalResources::getCurrencyCodeForLCID(unsigned short lcid, std::str
     for (const auto& [key, value] : m_data.maps.get(kI18NCurrencyOfLCID, i18nEnglish())) {
         const auto number = i18nParseNumber(key, 0xFFFF);
         if (!number || *number != lcid) continue;
-        currency.assign(value.begin(), value.end());
+        currency = i18nCodeOf(value);
         return true;
     }
     return false;

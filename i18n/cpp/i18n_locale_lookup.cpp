@@ -63,6 +63,12 @@ const char* encodingOf(const std::string& language, const std::string& country) 
 
 }  // namespace
 
+std::string i18nCodeOf(const std::u16string& text) {
+    std::string code;
+    for (const char16_t unit : text) code += unit < 0x80 ? static_cast<char>(unit) : '?';
+    return code;
+}
+
 const I18NLocale& i18nEnglish() { return qblImmortal<English>(); }
 
 bool I18NInternalResources::Data::find(const I18NMapSource& source, const I18NLocale& locale,
@@ -76,8 +82,7 @@ bool I18NInternalResources::Data::findCode(const I18NMapSource& source, const ch
                                            std::string& code) {
     const std::u16string* found = maps.find(source, i18nEnglish(), key);
     if (found == nullptr) return false;
-    code.clear();
-    for (const char16_t unit : *found) code += unit < 0x80 ? static_cast<char>(unit) : '?';
+    code = i18nCodeOf(*found);
     return true;
 }
 

@@ -34,8 +34,9 @@ enum I18NNormalizationForms { I18N_NFC, I18N_NFD, I18N_NFKC, I18N_NFKD };
 
 /// A Unicode string. A text of ASCII characters given in an encoding that keeps them is kept as
 /// bytes, up to 32 of them without any allocation; every other one as UTF-16, with an ICU string
-/// beside it. A string that has left ASCII stays in UTF-16. Offsets and counts are in UTF-16 code
-/// units, byte lengths are in bytes, and a length of -1 means up to the terminating zero.
+/// beside it. A string that has left ASCII stays in UTF-16, unless another one is moved into it.
+/// Offsets and counts are in UTF-16 code units, byte lengths are in bytes, and a length of -1 means
+/// up to the terminating zero.
 ///
 /// Contents are kept in normalisation form C unless that is switched off. A string that holds a
 /// character which the resources exempt stays as it is given. Text is case-sensitive and compares
@@ -71,7 +72,7 @@ public:
     /// From bytes; null for UTF-8. Ill-formed UTF-8 gives error values in its place, and what other
     /// encodings do not have is replaced as by I18N_SUBSTITUTE. What needs a converter is empty
     /// until the internationalisation layer is initialised.
-    /// @throws I18NRuntimeError -3 for an encoding that is not there
+    /// @throws I18NRuntimeError -3 for an encoding that is not there, if a converter is needed
     explicit I18NString(const char* bytes, const char* encoding = nullptr, int length = -1,
                         I18NStringAllocator allocator = nullptr, void* context = nullptr);
     /// From bytes by a converter, with its policies; works before the layer is initialised too.
@@ -186,7 +187,7 @@ public:
     ///     that is kept in UTF-16 has four of them.
     /// @param allocator, context  for the conversion; null means the string's own. They must last
     ///     as long as the string, or until it is converted again after a change
-    /// @throws I18NRuntimeError -3 for an encoding that is not there
+    /// @throws I18NRuntimeError -3 for an encoding that is not there, if a converter is needed
     const char* c_str(const char* encoding = nullptr, int* length = nullptr,
                       I18NStringAllocator allocator = nullptr, void* context = nullptr) const {
         if (m_pUnicodeString != nullptr || encoding != nullptr)
@@ -228,10 +229,10 @@ public:
     bool isUsingAsciiBuffer() const;
 
     /// Makes a caller's UTF-16 buffer the string's own: with the text that is in it, up to a zero,
-    /// and in its place from then on. Its last unit is always made a zero. The buffer must live
-    /// until the string lets go of it, which create(), resizeExternalBuffer() and
-    /// I18NConverter::toUnicode() do. Any other change for which it is too small throws
-    /// I18NRuntimeError -7.
+    /// and in its place from then on. The unit behind the text is made a zero, at the latest the
+    /// last. The buffer must live until the string lets go of it, which create(),
+    /// resizeExternalBuffer() and I18NConverter::toUnicode() do. Any other change for which it is
+    /// too small throws I18NRuntimeError -7.
     /// @param buffer  aligned as units are
     /// @param bytes  of the buffer, 2 at least
     /// @throws I18NRuntimeError -10 for null, fewer bytes, or an odd address

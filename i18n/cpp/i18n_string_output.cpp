@@ -4,6 +4,7 @@
 #include <memory>
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
@@ -211,7 +212,12 @@ std::string I18NString::toUtf8() const {
     I18N_ALLOC_CATCH
 }
 
-std::ostream& operator<<(std::ostream& out, const I18NString& text) { return out << text.c_str(); }
+std::ostream& operator<<(std::ostream& out, const I18NString& text) {
+    if (text.empty()) return out << "";
+    int length = 0;
+    const char* const bytes = text.c_str(nullptr, &length);
+    return out << std::string_view(bytes, static_cast<std::size_t>(length) - 1);
+}
 
 std::istream& operator>>(std::istream& in, I18NString& text) {
     QBL_ALLOC_TRY

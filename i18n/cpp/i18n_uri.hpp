@@ -12,7 +12,7 @@
 QBL_API void I18NURLEncode(const char* text, I18NString& result);
 
 /// Replaces each "%" and two hexadecimal digits by the byte that they tell, and decodes the bytes.
-/// What is no such escape stays, as does "+".
+/// What is no such escape stays, as does "+". A text given without a converter ends at "%00".
 /// @param encoding  of the bytes; null for UTF-8
 /// @throws I18NRuntimeError as the constructors of I18NString
 ///

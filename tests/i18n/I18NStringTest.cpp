@@ -291,8 +291,8 @@ TEST(I18NStringTest, FindsTextsAndSets) {
     I18NString word;
     in >> word;
     std::ostringstream out;
-    out << word << I18NString();
-    EXPECT_EQ("w\u00F6rd", out.str());
+    out << word << I18NString() << I18NString("a\0\xE9", I18NConverter("ISO-8859-1"), 3);
+    EXPECT_EQ(std::string("w\u00F6rda\0\u00E9", 9), out.str());
 }
 
 TEST(I18NStringTest, IteratesByCodePointsAndWritesThroughThem) {

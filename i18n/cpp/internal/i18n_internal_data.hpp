@@ -19,6 +19,9 @@ struct I18NLazyTransliterator {
     const icu::Transliterator* get(const char16_t* name, const char* rules, const char* failure);
 };
 
+/// A text that should be a code: its characters that are not ASCII become "?".
+std::string i18nCodeOf(const std::u16string& text);
+
 /// Whose files have what is the same in all languages.
 const I18NLocale& i18nEnglish();
 
