@@ -14,8 +14,8 @@ extern "C" {
 /// From C++, QBLOutOfMemoryError or QBLStdExceptionError may leave it; that start counts, too.
 ///
 /// Threads: any thread may call start and stop at any time; each call returns when the start or
-/// stop under way is complete, and puts a cancellation of its caller off until then. Neither may be called by work that the library itself runs while it
-/// stops, such as a custodian's task.
+/// stop under way is complete, and puts a cancellation of its caller off until then. Neither may be
+/// called by work that the library itself runs while it stops, such as a custodian's task.
 /// @return 0; -3 if a subsystem failed to start
 QBL_API int qblCoreInitialize(void);
 /// Takes one start back; the last one stops the library.

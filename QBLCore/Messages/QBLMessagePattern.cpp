@@ -43,11 +43,13 @@ std::string firstOf(const char* locales) {
     const char separators[] = " \t\r\n,;";
     locales += std::strspn(locales, separators);
     const std::string first(locales, std::strcspn(locales, separators));
-    if (first.empty()) return first;
+    if (first.empty()) return std::string();
     const I18NLocale locale(first.c_str());
-    const std::string name = locale.getName();
+    std::string name = locale.getName();
     // ICU keeps what it makes for a locale, and names may come from a program's clients.
-    return name.size() <= kLongestName ? name : std::string(locale.getLanguage(), 0, kLongestName);
+    if (name.size() <= kLongestName) return name;
+    name = locale.getLanguage();
+    return name.substr(0, kLongestName);
 }
 
 void refuseExhaustion(UErrorCode status) {

@@ -86,7 +86,10 @@ TAV_CATCHES_UNWINDING bool isFinished(QBLCustodianTask& task, int terminating) {
     }
 }
 
-bool isEndless(unsigned long schedule) { return schedule == ~0UL || schedule == 0xFFFFFFFFUL; }
+bool isEndless(unsigned long schedule) {
+    // NOLINTNEXTLINE(misc-redundant-expression): two numbers where long has 64 bits
+    return schedule == ~0UL || schedule == 0xFFFFFFFFUL;
+}
 
 bool isFrozen(unsigned long schedule) { return schedule == 0 || isEndless(schedule); }
 

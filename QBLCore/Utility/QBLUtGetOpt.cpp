@@ -80,7 +80,9 @@ char QBLUtGetOpt::getErrorLetter() const {
     return m_errorMsg.empty() ? '\0' : m_errorMsg[m_errorMsg.size() - 2];
 }
 
-bool QBLUtGetOpt::isArgumentMissing() const { return !m_errorMsg.empty() && m_errorMsg.back() != 0; }
+bool QBLUtGetOpt::isArgumentMissing() const {
+    return !m_errorMsg.empty() && m_errorMsg.back() != 0;
+}
 
 int QBLUtGetOpt::setPrintErrors(int on) {
     const int before = m_iPrintErrors;
