@@ -7,6 +7,7 @@
 #include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include "QBLCore/Messages/QBLMessage.hpp"
 #include "i18n/cpp/i18n_string.hpp"
@@ -244,6 +245,7 @@ private:
         const auto text = std::string_view(m_text).substr(m_iBegin, limit - m_iBegin);
         if (!readXml(text, report, end)) return false;
         m_printer.print(report);
+        m_isAfterReport = true;
         m_iBegin += end;
         m_iScanned = m_iBegin;
         m_iDropped += end;
@@ -262,6 +264,12 @@ private:
     }
 
     void passOn(std::size_t end) {
+        if (end == m_iBegin) return;
+        // What was shown has ended its line.
+        if (std::exchange(m_isAfterReport, false) && m_text[m_iBegin] == '\n') {
+            ++m_iBegin;
+            ++m_iDropped;
+        }
         std::fwrite(m_text.data() + m_iBegin, 1, end - m_iBegin, stdout);
         m_iDropped += end - m_iBegin;
         m_iBegin = end;
@@ -276,6 +284,7 @@ private:
     std::string_view m_endTag = {};  // of the report at m_iBegin; empty while there is none
     int m_iAttempts = 0;
     bool m_isWhole = true;
+    bool m_isAfterReport = false;
 };
 
 }  // namespace
