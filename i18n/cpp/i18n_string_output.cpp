@@ -33,7 +33,7 @@ void settle(int code) {
 /// An encoding can be spelt in any number of ways, and names may come from a program's clients.
 /// @return what all its names have in common; empty if that is not known
 std::string anyNameOf(const char* encoding) {
-    if (i18nIsUTF8(encoding)) return "UTF8";
+    if (encoding == nullptr || i18nIsUTF8(encoding)) return "UTF8";
     if (i18nIsUTF16(encoding)) return "UTF16";
     const char* const name =
         std::strchr(encoding, ',') == nullptr ? i18nCanonicalEncoding(encoding) : nullptr;
