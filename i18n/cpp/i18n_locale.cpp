@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
-#include <memory>
+#include <string_view>
 #include <utility>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
@@ -35,11 +35,11 @@ std::string withoutEncoding(const char* id) {
 }
 
 /// ICU takes a name with a "/" for the path of a file, and trusts what is in it.
-icu::Locale* made(const char* id) {
-    const std::string name = withoutEncoding(id);
-    auto locale = std::make_unique<icu::Locale>(name.c_str());
+icu::Locale* withoutPath(icu::Locale* locale) {
+    if (locale == nullptr) return locale;
+    const std::string_view name(locale->getName());
     if (name.find('/') < name.find('@')) locale->setToBogus();
-    return locale.release();
+    return locale;
 }
 
 bool isLetters(const char* text) {
@@ -53,15 +53,15 @@ I18NLocale::I18NLocale() : m_pLocale(checked(new icu::Locale(i18nDefaultLocale()
 I18NLocale::I18NLocale(const char* id) : m_pLocale(nullptr) {
     QBL_ALLOC_TRY
     const bool named = id != nullptr && *id != '\0';
-    m_pLocale =
-        named ? checked(made(id), true) : checked(new icu::Locale(i18nDefaultLocale()), true);
+    m_pLocale = named ? checked(withoutPath(new icu::Locale(withoutEncoding(id).c_str())), true)
+                      : checked(new icu::Locale(i18nDefaultLocale()), true);
     QBL_ALLOC_CATCH
 }
 
 I18NLocale::I18NLocale(const I18NString& id) : I18NLocale(id.toUtf8().c_str()) {}
 
 I18NLocale::I18NLocale(const char* language, const char* country, const char* variant)
-    : m_pLocale(checked(new icu::Locale(language, country, variant), true)) {}
+    : m_pLocale(checked(withoutPath(new icu::Locale(language, country, variant)), true)) {}
 
 I18NLocale::I18NLocale(const I18NLocale& other)
     : m_pLocale(checked(new icu::Locale(icuOf(other)), icuOf(other).isBogus())) {}

@@ -19,6 +19,7 @@
 namespace {
 
 constexpr float kMostBytesPerCodePoint = 4.0F;  // what UTF-8 needs at most
+constexpr std::size_t kMostEntries = 1000000;   // of all replacement tables together
 constexpr std::size_t kLongestSequence = 32;    // what the converters' callbacks have room for
 
 bool isTrue(const std::string& word) { return strcasecmp(word.c_str(), "true") == 0; }
@@ -99,15 +100,22 @@ private:
         if (m_direction == Direction::Input) addInput(*value);
         if (m_direction == Direction::Output) addOutput(*value);
     }
+    /// A line can stand for as many entries as ICU has encodings.
+    bool hasRoom() {
+        m_iEntries += m_encodings.size();
+        return m_iEntries <= kMostEntries;
+    }
     void addInput(const std::string& value) {
         const auto codePoint = codePointOf(value);
         if (!m_sequenceBytes || m_sequenceBytes->empty() || !codePoint) return;
+        if (!hasRoom()) return;
         for (const std::string& encoding : m_encodings)
             m_tables.addInput(encoding, *m_sequenceBytes, *codePoint);
     }
     void addOutput(const std::string& value) {
         const auto bytes = bytesOf(value);
         if (!m_sequenceCodePoint || !bytes) return;
+        if (!hasRoom()) return;
         for (const std::string& encoding : m_encodings)
             m_tables.addOutput(encoding, *m_sequenceCodePoint, *bytes);
     }
@@ -166,6 +174,7 @@ private:
     I18NReplacementTables& m_tables;
     Direction m_direction = Direction::None;
     std::set<std::string> m_encodings;  // canonical names
+    std::size_t m_iEntries = 0;
     std::optional<std::string> m_sequenceBytes;
     std::optional<char32_t> m_sequenceCodePoint;
     I18NLocaleSettings* m_pLocale = nullptr;
