@@ -145,6 +145,7 @@ bool i18nNormalize(const icu::Normalizer2& form, const icu::UnicodeString& text,
 }
 
 bool i18nSubstituteJa(icu::UnicodeString& text) {
+    require(text);  // it may be a copy that there was no memory for
     std::u16string units(i18nUnits(text));
     if (!I18NInternalResources::getInternalResources().substituteJa(units)) return false;
     text.setTo(units.data(), static_cast<int32_t>(units.size()));
