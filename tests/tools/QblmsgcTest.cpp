@@ -225,13 +225,13 @@ TEST(QblmsgcTest, MisuseIsNamedAndNothingIsOverwritten) {
 TEST(QblmsgcTest, HostileNamesAndTextsAreShownEscaped) {
     TempTree tree;
     const std::string name = "x\nint y;\xE2\x80\xAE\\.msg";
-    tree.file(name.c_str(), "1 A \"\"\n2 class \"\\u001B[2J\"");
+    tree.file(name, "1 A \"\"\n2 class \"\\u001B[2J\"");
     const std::string quoted = "\"$(printf 'x\\nint y;\\342\\200\\256\\134.msg')\"";
     const std::string seen = "x\\x0Aint y;\\xE2\\x80\\xAE\\.msg:";
     expectRun(tree, "-c " + quoted, 1,
               seen + "1:6: warning: an empty text counts as none\n" + seen +
                   "2:3: class is a keyword of C or C++ and cannot be a name\n");
-    tree.file(name.c_str(), "1 A \"a\"");
+    tree.file(name, "1 A \"a\"");
     expectRun(tree, "-H a.hpp -o a.bmf " + quoted, 0, "");
     EXPECT_EQ(0U, tree.text("a.hpp").find("// Made by qblmsgc from x\\x0Aint y;"));
     // A pipe is read; one that nobody writes to is refused.
