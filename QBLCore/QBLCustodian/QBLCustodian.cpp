@@ -25,9 +25,8 @@
 //    of the pass, which counts `passes` on: so he waits for one pass, however fast they follow each
 //    other, and no pass waits for him.
 // 2. Mutexes are not fair: callers that register and deregister without a pause would keep the
-// thread
-//    from m_jobLock for long. So it sets `wanted` before it takes the lock, and a caller that sees
-//    this waits once, on `changed`, until the thread gives the lock back.
+//    thread from m_jobLock for long. So it sets `wanted` before it takes the lock, and a caller
+//    that sees this waits once, on `changed`, until the thread gives the lock back.
 // 3. A task that ends its thread does not end the pass: another thread goes on with it at the next
 //    task. `at` and `last` tell it where, and belong to whichever thread it is.
 
