@@ -59,10 +59,15 @@ private:
         // The constructor of the pool makes the worker idle the first time.
         if (again && !goOn()) return;
         do {
-            while (!m_handOff.boundedWait(QBLWaitForever)) {
-            }
+            awaitHandOff();
             qblRunTask(m_task.exchange(nullptr, std::memory_order_acquire));
         } while (goOn());
+    }
+
+    void awaitHandOff() {
+        const QBLNoCancel noCancel;
+        while (!m_handOff.boundedWait(QBLWaitForever)) {
+        }
     }
 
     bool goOn() { return m_pool.getStopWork() == 0 && offer(); }
@@ -74,6 +79,7 @@ private:
                 beIdle();
                 return m_pool.getStopWork() == 0 || !m_pool.m_idle.withdraw(this);
             } catch (const std::bad_alloc&) {  // for its place in the queue
+                const QBLNoCancel noCancel;
                 QBLThread::sleep(10);
                 if (m_pool.getStopWork() != 0) return false;
             }

@@ -48,7 +48,7 @@ private:
             const bool stopping = m_pool.getStopWork() != 0;
             QBLThreadRunnable* task = nullptr;
             const bool got =
-                m_pool.m_tasks.get(task, stopping ? 0 : kPollInterval) && task != nullptr;
+                qblTakeTask(m_pool.m_tasks, task, stopping ? 0 : kPollInterval) && task != nullptr;
             if (stopping && !got) return;
             // A task taken after the stop is deliberately dropped when queued work is not to be
             // finished. Nulls come out of the queue after all tasks.

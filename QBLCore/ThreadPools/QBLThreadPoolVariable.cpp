@@ -41,7 +41,6 @@ public:
     ~WorkerThread() override { joinQuietly(); }
 
     void run() override {
-        const QBLNoCancel noCancel;
         m_began.post();
         // Leaves however the cycle ends: a task may end its thread.
         struct Departure {
@@ -71,7 +70,7 @@ private:
     // One turn: false when no task came in time. Nulls come out of the queue after all tasks.
     bool work(unsigned long timeout) {
         QBLThreadRunnable* task = nullptr;
-        if (!m_pool.m_tasks.get(task, timeout)) return false;
+        if (!qblTakeTask(m_pool.m_tasks, task, timeout)) return false;
         if (task == nullptr) return timeout != 0;
         m_bAtWork = true;
         qblRunTask(task);

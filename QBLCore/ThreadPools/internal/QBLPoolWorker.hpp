@@ -6,7 +6,6 @@
 #include "QBLCore/Threads/QBLThreadMutex.hpp"
 #include "QBLCore/Threads/QBLThreadSemaphore.hpp"
 #include "QBLCore/Threads/internal/QBLHasBegun.hpp"
-#include "QBLCore/Threads/internal/QBLNoCancel.hpp"
 #include "TavThread/internal/TavContain.hpp"
 
 /// A worker of a pool of a fixed size. A task may end the thread that it is run on: the worker then
@@ -22,7 +21,6 @@ public:
     bool waitUntilBegun() { return hasBegun(*this); }
 
     void run() final {
-        const QBLNoCancel noCancel;
         m_began.post();
         struct Succession {
             QBLPoolWorker* worker;
@@ -35,7 +33,7 @@ public:
     }
 
 protected:
-    /// Runs tasks until the pool stops.
+    /// Runs tasks until the pool stops. A cancellation must not end it between two tasks.
     /// @param again  whether a task has ended the thread that did so before
     virtual void serve(bool again) = 0;
 

@@ -10,13 +10,22 @@
 constexpr unsigned long kPoolStackSize = 4096000;
 
 /// Runs a task, if it is one, on a worker. Whatever it throws is dropped, except the end of the
-/// thread. Workers run under a QBLNoCancel, which is lifted here: a cancellation ends the worker in
-/// a task or right after it, and never between taking a task and running it.
+/// thread. A cancellation ends the worker in a task or right after it, never between taking a task
+/// and running it: nothing on the way is a place where it may take effect.
 inline void qblRunTask(QBLThreadRunnable* task) {
     if (task == nullptr) return;
-    const QBLMayCancel mayCancel;
     tavContain([task] { task->run(); });
     pthread_testcancel();
+}
+
+/// QBLSentinelQueue::get() for workers. A cancellation is put off, which could swallow a wake-up;
+/// as this costs something it is done only to wait.
+inline bool qblTakeTask(QBLSentinelQueue<QBLThreadRunnable*>& tasks, QBLThreadRunnable*& task,
+                        unsigned long timeout) {
+    if (tasks.get(task, 0)) return true;
+    if (timeout == 0) return false;
+    const QBLNoCancel noCancel;
+    return tasks.get(task, timeout);
 }
 
 /// Runs what is left in a pool's queue when there are no workers any more: each task on a thread of

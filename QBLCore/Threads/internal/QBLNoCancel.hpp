@@ -7,22 +7,13 @@
 /// no cancellation may leave, and for sequences that must not stop halfway.
 class QBLNoCancel {
 public:
-    QBLNoCancel() : QBLNoCancel(PTHREAD_CANCEL_DISABLE) {}
+    QBLNoCancel() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_iBefore); }
     ~QBLNoCancel() { pthread_setcancelstate(m_iBefore, &m_iBefore); }
     QBLNoCancel(const QBLNoCancel&) = delete;
     QBLNoCancel& operator=(const QBLNoCancel&) = delete;
 
-protected:
-    explicit QBLNoCancel(int state) { pthread_setcancelstate(state, &m_iBefore); }
-
 private:
     int m_iBefore;
-};
-
-/// Allows it again in a scope within.
-class QBLMayCancel : private QBLNoCancel {
-public:
-    QBLMayCancel() : QBLNoCancel(PTHREAD_CANCEL_ENABLE) {}
 };
 
 #endif
