@@ -250,25 +250,6 @@ void I18NStreamOutput::shiftBack(I18NStreamBuffer& bytes) {
     while (encodeByICU(text, &none, true, bytes) == I18NProgress::Full);
 }
 
-void I18NStreamOutput::remember() {
-    // A clone of this one would share what the first of the two to be closed frees.
-    if (ucnv_getType(m_pICU) == UCNV_COMPOUND_TEXT) return;
-    UErrorCode status = U_ZERO_ERROR;
-    m_pBefore.reset(ucnv_clone(m_pICU, &status));
-    if (U_FAILURE(status)) progressOf(status, false);
-    m_bUnfinishedBefore = m_bUnfinished;
-}
-
-void I18NStreamOutput::convertAgain(const char16_t* text, const char16_t* end,
-                                    I18NStreamBuffer& bytes) {
-    m_pICU = m_pBefore.get();
-    m_bUnfinished = m_bUnfinishedBefore;
-    m_bAgain = true;
-    m_bLeavesOut = false;
-    encode(text, end, false, bytes);
-    shiftBack(bytes);
-}
-
 int I18NStreamOutput::undecided() const {
     UErrorCode status = U_ZERO_ERROR;
     return std::max<int>(ucnv_fromUCountPending(m_pICU, &status), 0);
@@ -291,7 +272,7 @@ void I18NStreamOutput::callback(const void* context, UConverterFromUnicodeArgs* 
     auto* side = static_cast<I18NStreamOutput*>(const_cast<void*>(context));
     if (isAboutText(reason) && side->m_bLeavesOut)
         *status = U_ZERO_ERROR;
-    else if (isAboutText(reason) && !side->m_bAgain)
+    else if (isAboutText(reason))
         side->found(args, units, length, codePoint, reason, status);
     else
         side->m_policy(side->m_pPolicyContext, args, units, length, codePoint, reason, status);

@@ -79,9 +79,9 @@ enum I18NByteOrderMark {
 ///
 /// Errors: I18NRuntimeError with I18N_CONVERSION and a text that says where, for what a policy
 /// refuses; QBLOutOfMemoryError. Any error of put() or finish() ends the stream; the output has
-/// what was converted in front of it, and after a refusal or a listener's error goes back to the
-/// first shift state, so that other texts can follow. Compound text keeps what came behind a place
-/// that a listener's error is about.
+/// what was converted in front of it, and after a refusal goes back to the first shift state, so
+/// that other texts can follow. After an error that a listener throws it also has what was
+/// converted behind the place.
 ///
 /// Threads: one at a time.
 class QBL_API I18NTextStream {

@@ -7,7 +7,6 @@
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
-#include "TavThread/internal/TavContain.hpp"
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/internal/i18n_utf.hpp"
 
@@ -156,8 +155,6 @@ void I18NTextStreamState::passOn(std::size_t units, Ending ending) {
     units -= m_iHeld;
 
     I18NProgress progress = I18NProgress::Done;
-    const std::size_t before = m_result.size();
-    if (m_pOutput != nullptr && m_pListener != nullptr) m_pOutput->remember();
     if (m_pOutput == nullptr)
         m_result.append(text, units * sizeof *text);
     else
@@ -171,29 +168,11 @@ void I18NTextStreamState::passOn(std::size_t units, Ending ending) {
     const std::size_t waiting =
         isOver ? 0 : std::min(m_iKept, static_cast<std::size_t>(undecided()));
     const std::int64_t end = m_iStart + static_cast<std::int64_t>(m_iKept - waiting);
-    try {
-        tell(end, ending == Ending::Refusal, progress == I18NProgress::Refused);
-    } catch (...) {
-        if (m_iListening >= 0 && !tavContain([&] { cutAt(text, units, before); })) m_result.clear();
-        throw;
-    }
+    tell(end, ending == Ending::Refusal, progress == I18NProgress::Refused);
     if (waiting + m_iHeld > 0)
         std::memmove(m_text, m_text + m_iKept - waiting, (waiting + m_iHeld) * sizeof *m_text);
     m_iStart = end;
     m_iKept = waiting;
-}
-
-// Takes back what is converted of a text behind the place that the listener is told of.
-void I18NTextStreamState::cutAt(const char16_t* text, std::size_t units, std::size_t resultBefore) {
-    if (m_pOutput != nullptr && !m_pOutput->canConvertAgain()) return;
-    const std::int64_t begin = m_iStart + static_cast<std::int64_t>(text - m_text);
-    const auto kept = static_cast<std::size_t>(
-        std::clamp<std::int64_t>(m_iListening - begin, 0, static_cast<std::int64_t>(units)));
-    m_result.setEnd(m_result.begin() + resultBefore);
-    if (m_pOutput == nullptr)
-        m_result.append(text, kept * sizeof *text);
-    else
-        m_pOutput->convertAgain(text, text + kept, m_result);
 }
 
 int I18NTextStreamState::undecided() const {
@@ -260,11 +239,7 @@ void I18NTextStreamState::tellOutput(const I18NOutputFinding& finding, bool refu
 }
 
 void I18NTextStreamState::report(const I18NUnconvertible& what, bool refused) {
-    if (m_pListener != nullptr) {
-        m_iListening = what.textOffset;
-        m_pListener->unconvertible(what);
-        m_iListening = -1;
-    }
+    if (m_pListener != nullptr) m_pListener->unconvertible(what);
     if (!refused) return;
     char text[256];
     const char* const how = what.isCutOff ? kCutOff : kNotIn;

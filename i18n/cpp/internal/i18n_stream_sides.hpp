@@ -5,7 +5,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <vector>
 
 #include "i18n/cpp/i18n_converter.hpp"
@@ -123,12 +122,6 @@ public:
     /// is left out if not.
     /// @throws QBLOutOfMemoryError, I18NRuntimeError
     void shiftBack(I18NStreamBuffer& bytes);
-    /// Remembers the state that the next text is converted in.
-    /// @throws QBLOutOfMemoryError
-    void remember();
-    bool canConvertAgain() const { return m_pBefore != nullptr; }
-    /// Goes back to that, and converts what is to stay of the text anew, which finds nothing.
-    void convertAgain(const char16_t* text, const char16_t* end, I18NStreamBuffer& bytes);
     /// Units at the end of the text that may still be found not convertible.
     int undecided() const;
 
@@ -152,12 +145,6 @@ private:
     bool m_bRefused = false;
     bool m_bUnfinished = false;
     bool m_bLeavesOut = false;  // what is not convertible, without a finding
-    bool m_bAgain = false;      // all has been found before
-    struct Close {
-        void operator()(UConverter* converter) const { ucnv_close(converter); }
-    };
-    std::unique_ptr<UConverter, Close> m_pBefore;
-    bool m_bUnfinishedBefore = false;
     std::int64_t m_iUnits = 0;  // in front of m_pBegin
     const char16_t* m_pBegin = nullptr;
     const char16_t* m_pEnd = nullptr;

@@ -41,7 +41,6 @@ private:
     void tellOutput(const I18NOutputFinding& finding, bool refused);
     void report(const I18NUnconvertible& what, bool refused);
     void countTo(std::int64_t end);
-    void cutAt(const char16_t* text, std::size_t units, std::size_t resultBefore);
     char16_t* room() { return m_text + m_iKept + m_iHeld; }
 
     static constexpr std::size_t kText = 0x4000;
@@ -57,7 +56,6 @@ private:
     std::size_t m_iMark = 0;
     char m_mark[kLongestMark] = {};
 
-    std::int64_t m_iListening = -1;  // the place that the listener is being told of
     I18NTextPosition m_position;
     std::int64_t m_iCounted = 0;  // how far the position has got; replacements are left out
     std::int64_t m_iStart = 0;    // of the text in the buffer
