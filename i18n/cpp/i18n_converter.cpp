@@ -274,6 +274,9 @@ void I18NConverter::installOutput(int policy, I18NUserOutputCallback callback) {
     if (policy == I18N_LOOKUP) m_outputContext.canonicalName = canonical;
 }
 
+void I18NConverter::useFallback(bool on) { ucnv_setFallback(m_pConverter, on); }
+bool I18NConverter::usesFallback() const { return ucnv_usesFallback(m_pConverter) != 0; }
+
 int I18NConverter::numLegacyBytes(int codeUnits) const {
     return saturated(std::int64_t{m_iMaxBytes} * codeUnits + m_iNullSize);
 }

@@ -89,6 +89,15 @@ public:
     void setUserDefinedUnconvertibleInputSequenceCallback(I18NUserInputCallback callback);
     void setUserDefinedUnconvertibleOutputSequenceCallback(I18NUserOutputCallback callback);
 
+    /// Whether a character that the encoding lacks may become another one that its table takes for
+    /// similar, a best fit, such as the full-width form of a letter or a letter without its accent.
+    /// Reading the bytes again then gives the other character. Such mappings are on at first;
+    /// without them the policy of the output decides. A few converters of ICU apply those of
+    /// private-use characters in any case, and the one to compound text drops what it lacks; a
+    /// text stream treats both as lacking.
+    void useFallback(bool on);
+    bool usesFallback() const;
+
     /// Bytes that so many UTF-16 code units need at most in the encoding, with a NUL. Escape
     /// sequences and replacements of the policies may need more. Ends at the limits of int.
     int numLegacyBytes(int codeUnits) const;

@@ -1,12 +1,16 @@
 #include "i18n/cpp/internal/i18n_stream_sides.hpp"
 
+#include <cxxabi.h>
 #include <unicode/ucnv_cb.h>
+#include <unicode/utf16.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
+#include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
 #include "TavThread/internal/TavContain.hpp"
@@ -22,6 +26,10 @@ constexpr std::size_t kLeastBuffer = 4096;
 constexpr std::size_t kSlack = 64;
 // What ICU gets of UTF-8 and UTF-16 where the faster functions stop; they go on behind it.
 constexpr std::ptrdiff_t kPiece = 8;
+// Units that converters get at once whose output depends on that.
+constexpr std::size_t kPortion = 0x1000;
+// No encoding that has tables has this one.
+constexpr char16_t kNoCharacter = 0xFFFF;
 
 I18NProgress progressOf(UErrorCode status, bool refused) {
     if (U_SUCCESS(status)) return I18NProgress::Done;
@@ -41,15 +49,38 @@ std::int64_t placeOf(const Args* args, const Unit* begin, const Unit* end, std::
     return before + (args->source - begin);
 }
 
+bool isUTF16(UConverterType type) {
+    return type == UCNV_UTF16_LittleEndian || type == UCNV_UTF16_BigEndian || type == UCNV_UTF16;
+}
+
+// Those that read and write byte-order marks.
+bool isMarkedUTF16(const UConverter* icu) {
+    UErrorCode status = U_ZERO_ERROR;
+    const char* const name = ucnv_getName(icu, &status);
+    return isUTF16(ucnv_getType(icu)) && name != nullptr && std::strchr(name, ',') != nullptr;
+}
+
+bool isLMBCS(UConverterType type) { return type >= UCNV_LMBCS_1 && type <= UCNV_LMBCS_LAST; }
+
+// Converters from these treat what is malformed in other ways where they get it in pieces.
+bool dependsOnBlocks(const UConverter* icu) {
+    const UConverterType type = ucnv_getType(icu);
+    return isMarkedUTF16(icu) || isLMBCS(type) || type == UCNV_BOCU1 || type == UCNV_CESU8 ||
+           type == UCNV_IMAP_MAILBOX || type == UCNV_COMPOUND_TEXT;
+}
+
+// Converters to these look at what they get as a whole, or lose a pair in two pieces.
+bool dependsOnPortions(const UConverter* icu) {
+    const UConverterType type = ucnv_getType(icu);
+    return isMarkedUTF16(icu) || isLMBCS(type) || type == UCNV_SCSU || type == UCNV_BOCU1 ||
+           type == UCNV_HZ || type == UCNV_COMPOUND_TEXT;
+}
+
 I18NStreamForm formOf(const UConverter* icu) {
     const UConverterType type = ucnv_getType(icu);
     if (type == UCNV_UTF8) return I18NStreamForm::UTF8;
     if (type != UCNV_UTF16_LittleEndian) return I18NStreamForm::Other;
-    // The name of one that reads and writes a byte-order mark goes on with a version.
-    UErrorCode status = U_ZERO_ERROR;
-    const char* const name = ucnv_getName(icu, &status);
-    const bool plain = name != nullptr && std::strcmp(name, "UTF-16LE") == 0;
-    return plain ? I18NStreamForm::UTF16 : I18NStreamForm::Other;
+    return isMarkedUTF16(icu) ? I18NStreamForm::Other : I18NStreamForm::UTF16;
 }
 
 // UTF-16 in the machine's order, which is the little-endian one.
@@ -111,17 +142,24 @@ I18NStreamInput::I18NStreamInput(const char* encoding, const I18NStreamInput& po
 
 void I18NStreamInput::listen() {
     UErrorCode status = U_ZERO_ERROR;
-    const UConverterType type = ucnv_getType(m_pICU);
     m_form = formOf(m_pICU);
-    m_bIsUTF16 = type == UCNV_UTF16_LittleEndian || type == UCNV_UTF16_BigEndian;
+    m_bByteByByte = dependsOnBlocks(m_pICU);
+    m_bIsUTF16 = isUTF16(ucnv_getType(m_pICU));
     ucnv_reset(m_pICU);
     ucnv_setToUCallBack(m_pICU, callback, this, &m_policy, &m_pPolicyContext, &status);
 }
 
 I18NProgress I18NStreamInput::decode(const char*& at, const char* end, bool flush, char16_t*& text,
                                      const char16_t* limit) {
-    if (m_form == I18NStreamForm::Other) return decodeByICU(at, end, flush, text, limit);
     I18NProgress progress = I18NProgress::Done;
+    if (m_form == I18NStreamForm::Other && !m_bByteByByte)
+        return decodeByICU(at, end, flush, text, limit);
+    if (m_bByteByByte) {
+        while (at != end && progress == I18NProgress::Done)
+            progress = decodeByICU(at, at + 1, false, text, limit);
+        if (progress != I18NProgress::Done || !flush) return progress;
+        return decodeByICU(at, end, true, text, limit);
+    }
     do {
         if (!m_bUnfinished) {
             const char* const begin = at;
@@ -195,18 +233,92 @@ void I18NStreamInput::callback(const void* context, UConverterToUnicodeArgs* arg
         side->m_policy(side->m_pPolicyContext, args, bytes, length, reason, status);
 }
 
-I18NStreamOutput::I18NStreamOutput(const I18NConverter& converter)
+I18NStreamOutput::I18NStreamOutput(const I18NConverter& converter, I18NOutputFinder& finder)
     : m_converter(converter),
+      m_finder(finder),
       m_pICU(I18NConverterAccess::icu(m_converter)),
       m_iMaxBytes(static_cast<std::size_t>(ucnv_getMaxCharSize(m_pICU))),
-      m_form(formOf(m_pICU)) {
+      m_form(formOf(m_pICU)),
+      m_mappings(m_converter),
+      m_bInPortions(dependsOnPortions(m_pICU)),
+      m_bFits(m_converter.usesFallback()) {
     UErrorCode status = U_ZERO_ERROR;
     ucnv_reset(m_pICU);
     ucnv_setFromUCallBack(m_pICU, callback, this, &m_policy, &m_pPolicyContext, &status);
+    // Best fits are applied when ICU asks what to do, so that they are noticed.
+    m_converter.useFallback(false);
 }
 
-I18NProgress I18NStreamOutput::encode(const char16_t* text, const char16_t* end, bool flush,
+std::size_t I18NStreamOutput::portion(const char16_t* text, std::size_t units) const {
+    if (m_bInPortions && units < kPortion) return 0;
+    if (m_bInPortions) units = kPortion;
+    // Some converters of ICU lose a pair that comes in two pieces.
+    return units > 0 && i18nIsHigh(text[units - 1]) ? units - 1 : units;
+}
+
+I18NProgress I18NStreamOutput::encode(char16_t* text, const char16_t* end, bool flush,
                                       I18NStreamBuffer& bytes) {
+    if (m_mappings.mayLoseAny()) return encodeAroundLost(text, end, flush, bytes);
+    if (m_mappings.mayLose()) mask(text, end);
+    return encodePieces(text, end, flush, bytes);
+}
+
+// ICU asks a policy about what it gets in place of characters that it would not ask about.
+void I18NStreamOutput::mask(char16_t* text, const char16_t* end) {
+    const std::int64_t decided = m_iUnits - undecided();
+    const auto isOver = [&](const Masked& masked) { return masked.at < decided; };
+    m_masked.erase(m_masked.begin(), std::find_if_not(m_masked.begin(), m_masked.end(), isOver));
+    char16_t* at = text;
+    while ((at += m_mappings.firstSuspect(at, end) - at) != end) {
+        if (m_mappings.isLost(at, 1)) {
+            QBL_ALLOC_TRY
+            m_masked.push_back({m_iUnits + (at - text), *at});
+            QBL_ALLOC_CATCH
+            *at = kNoCharacter;
+        }
+        ++at;
+    }
+}
+
+// Of what this converter would drop, only we ask the policy; and of lone surrogates, which it would
+// keep back.
+I18NProgress I18NStreamOutput::encodeAroundLost(const char16_t* text, const char16_t* end,
+                                                bool flush, I18NStreamBuffer& bytes) {
+    int length = 0;
+    for (const char16_t* at = text; at != end; at += length) {
+        const bool isPair = U16_IS_LEAD(*at) && end - at > 1 && U16_IS_TRAIL(at[1]);
+        const bool isLone = U16_IS_SURROGATE(*at) && !isPair;
+        length = isPair ? 2 : 1;
+        if (isLone ? U16_IS_LEAD(*at) && at + 1 == end : !m_mappings.isLost(at, length)) continue;
+        I18NProgress progress = encodePieces(text, at, false, bytes);
+        if (progress == I18NProgress::Done) progress = treatLost(at, length, bytes);
+        if (progress != I18NProgress::Done) return progress;
+        text = at + length;
+    }
+    return encodePieces(text, end, flush, bytes);
+}
+
+I18NProgress I18NStreamOutput::treatLost(const char16_t* units, int length,
+                                         I18NStreamBuffer& bytes) {
+    bytes.reserve(kSlack);
+    UConverterFromUnicodeArgs args = {};
+    args.size = sizeof args;
+    args.converter = m_pICU;
+    m_pBegin = units;
+    args.source = args.sourceLimit = m_pEnd = units + length;
+    args.target = bytes.end();
+    args.targetLimit = bytes.limit();
+    const bool isLone = length == 1 && U16_IS_SURROGATE(*units);
+    UErrorCode status = isLone ? U_ILLEGAL_CHAR_FOUND : U_INVALID_CHAR_FOUND;
+    const UChar32 codePoint = length == 2 ? U16_GET_SUPPLEMENTARY(units[0], units[1]) : *units;
+    found(&args, units, length, codePoint, isLone ? UCNV_ILLEGAL : UCNV_UNASSIGNED, &status);
+    bytes.setEnd(args.target);
+    m_iUnits += length;
+    return settle(status);
+}
+
+I18NProgress I18NStreamOutput::encodePieces(const char16_t* text, const char16_t* end, bool flush,
+                                            I18NStreamBuffer& bytes) {
     I18NProgress progress = I18NProgress::Done;
     do {
         bytes.reserve(static_cast<std::size_t>(end - text) * m_iMaxBytes + kSlack);
@@ -239,6 +351,11 @@ I18NProgress I18NStreamOutput::encodeByICU(const char16_t*& text, const char16_t
     ucnv_fromUnicode(m_pICU, &to, bytes.limit(), &text, end, nullptr, flush, &status);
     bytes.setEnd(to);
     m_iUnits += text - m_pBegin;
+    return settle(status);
+}
+
+I18NProgress I18NStreamOutput::settle(UErrorCode status) {
+    if (m_thrown != nullptr) std::rethrow_exception(std::exchange(m_thrown, nullptr));
     return progressOf(status, m_bRefused);
 }
 
@@ -255,15 +372,43 @@ int I18NStreamOutput::undecided() const {
     return std::max<int>(ucnv_fromUCountPending(m_pICU, &status), 0);
 }
 
+TAV_CATCHES_UNWINDING
 void I18NStreamOutput::found(UConverterFromUnicodeArgs* args, const UChar* units, int length,
                              UChar32 codePoint, UConverterCallbackReason reason,
                              UErrorCode* status) {
-    const std::int64_t end = placeOf(args, m_pBegin, m_pEnd, m_iUnits);
-    const I18NOutputFinding finding = {end - length, static_cast<char32_t>(codePoint),
-                                       *status == U_TRUNCATED_CHAR_FOUND};
-    m_policy(m_pPolicyContext, args, units, length, codePoint, reason, status);
+    const std::int64_t at = placeOf(args, m_pBegin, m_pEnd, m_iUnits) - length;
+    const auto isBefore = [](const Masked& known, std::int64_t place) { return known.at < place; };
+    const auto masked = std::lower_bound(m_masked.begin(), m_masked.end(), at, isBefore);
+    if (masked != m_masked.end() && masked->at == at) {
+        units = &masked->unit;
+        codePoint = masked->unit;
+    }
+    m_finding = {at, static_cast<char32_t>(codePoint), *status == U_TRUNCATED_CHAR_FOUND, false};
+    // No exception of these crosses ICU's frames.
+    try {
+        m_finding.bestFit =
+            m_bFits && reason == UCNV_UNASSIGNED && m_mappings.hasFit(units, length);
+        m_finder.found(m_finding);
+    } catch (abi::__forced_unwind&) {
+        throw;
+    } catch (...) {
+        m_thrown = std::current_exception();
+        return;
+    }
+    treat(args, units, length, codePoint, reason, status);
     m_bRefused = U_FAILURE(*status) && *status != U_BUFFER_OVERFLOW_ERROR;
-    if (!tavContain([&] { findings.push_back(finding); })) *status = U_MEMORY_ALLOCATION_ERROR;
+}
+
+void I18NStreamOutput::treat(UConverterFromUnicodeArgs* args, const UChar* units, int length,
+                             UChar32 codePoint, UConverterCallbackReason reason,
+                             UErrorCode* status) {
+    if (!m_finding.bestFit)
+        return m_policy(m_pPolicyContext, args, units, length, codePoint, reason, status);
+    // In the shift state that there is.
+    *status = U_ZERO_ERROR;
+    ucnv_setFallback(m_pICU, true);
+    ucnv_cbFromUWriteUChars(args, &units, units + length, 0, status);
+    ucnv_setFallback(m_pICU, false);
 }
 
 void I18NStreamOutput::callback(const void* context, UConverterFromUnicodeArgs* args,

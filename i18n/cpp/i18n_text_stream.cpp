@@ -39,6 +39,7 @@ std::size_t I18NTextStream::getTextLength() const {
 
 std::int64_t I18NTextStream::getReplacedInput() const { return m_pState->replacedInput(); }
 std::int64_t I18NTextStream::getReplacedOutput() const { return m_pState->replacedOutput(); }
+std::int64_t I18NTextStream::getBestFits() const { return m_pState->bestFits(); }
 std::int64_t I18NTextStream::getLine() const { return m_pState->position().line(); }
 std::int64_t I18NTextStream::getColumn() const { return m_pState->position().column(); }
 const char* I18NTextStream::getInputEncoding() const { return m_pState->inputEncoding(); }

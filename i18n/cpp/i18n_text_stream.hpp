@@ -9,14 +9,16 @@
 class I18NConverter;
 class I18NTextStreamState;
 
-/// Something in a text that could not be converted, and where. It is valid while the listener is
-/// being called.
+/// Something in a text that could not be converted, or not to itself, and where. It is valid while
+/// the listener is being called.
 struct I18NUnconvertible {
     /// Whether it is a code point that the output's encoding does not have; otherwise it is bytes
     /// that mean nothing in the input's.
     bool isOutput;
     /// Whether the text ended in the middle of it: of a sequence of bytes, or of a surrogate pair.
     bool isCutOff;
+    /// Whether it is a code point that became another one, its best fit in the output's encoding.
+    bool isBestFit;
     /// The bytes as they stand in the input, and how many they are; null and 0 for output.
     const char* bytes;
     int byteCount;
@@ -40,8 +42,9 @@ class QBL_API I18NTextStreamListener {
 public:
     virtual ~I18NTextStreamListener();
 
-    /// Called within put() and finish(), in the order of the text, on their thread; may not use
-    /// the stream. What it throws comes out there, and ends the stream.
+    /// Called within put() and finish(), in the order of the text, on their thread, and before a
+    /// policy treats it; may not use the stream. What it throws comes out there, and ends the
+    /// stream in front of it.
     virtual void unconvertible(const I18NUnconvertible& what) = 0;
 };
 
@@ -56,16 +59,20 @@ enum I18NByteOrderMark {
 };
 
 /// Converts a text that comes in blocks, cut anywhere: bytes to bytes, bytes to UTF-16, or UTF-16
-/// to bytes. The result, and what is told about it, does not depend on where the blocks are cut,
-/// except with some converters of ICU: those to SCSU, BOCU-1, LMBCS, compound text and UTF-16 with
-/// a version in its name look at a block as a whole, and the one to HZ mistakes lone halves of
-/// pairs in front of others. Their output stands for the same text however it is cut, except that
-/// of HZ. A NUL is a character as any other.
+/// to bytes. The result, and what is told about it, does not depend on where the blocks are cut.
+/// Some converters of ICU look at what they get as a whole: those to SCSU, BOCU-1, LMBCS, HZ,
+/// compound text and UTF-16 with a version in its name. They get portions of one size, so that the
+/// output of a put() may come with a later one; it can differ from that of I18NConverter, which
+/// gives them all at once, and still stands for the same text. A NUL is a character as any other.
 ///
 /// What is not convertible is treated as the policies of the converters say that the stream is
 /// made with. It is also counted, and the listener is told. Of what a converter drops because
 /// Unicode calls it ignorable, such as U+200B, the listener is told too; under I18N_STOP as well,
-/// which goes on behind it. A code point replaced by the encoding's best fit is converted.
+/// which goes on behind it. So it is of best fits, if the converter uses them
+/// (I18NConverter::useFallback()); otherwise they are not convertible. The converter to compound
+/// text itself drops what it lacks: a stream treats that by the policy. ISCII and LMBCS have a few
+/// characters that do not come back and of which ICU does not tell: U+0A70, U+0A71, U+200C and
+/// U+200D, and U+FFFE and U+FFFF.
 ///
 ///     I18NTextStream stream(&shiftJIS, &utf8);
 ///     while (const std::size_t size = read(block)) {
@@ -79,9 +86,8 @@ enum I18NByteOrderMark {
 ///
 /// Errors: I18NRuntimeError with I18N_CONVERSION and a text that says where, for what a policy
 /// refuses; QBLOutOfMemoryError. Any error of put() or finish() ends the stream; the output has
-/// what was converted in front of it, and after a refusal goes back to the first shift state, so
-/// that other texts can follow. After an error that a listener throws it also has what was
-/// converted behind the place.
+/// what was converted in front of it, and nothing else. After a refusal, and what a listener
+/// throws, it goes back to the first shift state, so that other texts can follow.
 ///
 /// Threads: one at a time.
 class QBL_API I18NTextStream {
@@ -120,6 +126,8 @@ public:
     /// ended the stream does not count.
     std::int64_t getReplacedInput() const;
     std::int64_t getReplacedOutput() const;
+    /// How many code points became their best fits since the start; they do not count as replaced.
+    std::int64_t getBestFits() const;
     /// Line and column behind the text that has come out; up to a few code points less while
     /// some wait for a following one that the output's encoding might join to them.
     std::int64_t getLine() const;

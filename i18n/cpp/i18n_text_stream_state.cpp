@@ -37,7 +37,7 @@ const struct {
 
 // Bounds what has to be noted of bytes that become no text at all.
 constexpr std::ptrdiff_t kSlice = 0x10000;
-// More than this is told without regard to characters that are still undecided.
+// With more than this no text in front of them is held back.
 constexpr std::size_t kMostWaiting = 0x10000;
 
 }  // namespace
@@ -45,7 +45,7 @@ constexpr std::size_t kMostWaiting = 0x10000;
 I18NTextStreamState::I18NTextStreamState(const I18NConverter* from, const I18NConverter* to,
                                          I18NByteOrderMark mark, I18NTextStreamListener* listener)
     : m_pInput(from != nullptr ? std::make_unique<I18NStreamInput>(*from) : nullptr),
-      m_pOutput(to != nullptr ? std::make_unique<I18NStreamOutput>(*to) : nullptr),
+      m_pOutput(to != nullptr ? std::make_unique<I18NStreamOutput>(*to, *this) : nullptr),
       m_pListener(listener),
       m_bStrips((mark & I18N_MARK_STRIP) != 0),
       m_bChooses((mark & I18N_MARK_CHOOSE) != 0) {
@@ -147,67 +147,98 @@ void I18NTextStreamState::stripMark(std::size_t& units) {
 // Makes output of so many more units in the buffer.
 void I18NTextStreamState::passOn(std::size_t units, Ending ending) {
     if (m_bStrips && units > 0) stripMark(units);
-    // Some converters of ICU lose a pair that comes in two pieces.
     units += m_iHeld;
     m_iHeld = 0;
-    const char16_t* const text = m_text + m_iKept;
-    if (units > 0 && ending == Ending::None && i18nIsHigh(text[units - 1])) m_iHeld = 1;
-    units -= m_iHeld;
+    try {
+        bool isOver = false;
+        do {
+            const std::size_t part = portion(units, ending);
+            isOver = ending != Ending::None && part == units;
+            if (part > 0 || isOver) convert(part, isOver ? ending : Ending::None);
+            units -= part;
+            m_iHeld = units;
+            keepUndecided();
+            if (part == 0) break;
+        } while (!isOver && units > 0);
+    } catch (...) {
+        // All in front of what a policy or the listener refuses has been converted, and no more.
+        if (m_pOutput != nullptr) m_pOutput->shiftBack(m_result);
+        throw;
+    }
+}
 
-    I18NProgress progress = I18NProgress::Done;
+std::size_t I18NTextStreamState::portion(std::size_t units, Ending ending) const {
+    const bool areTooMany = m_pInput != nullptr && m_pInput->findings.size() > kMostWaiting;
+    if (m_pOutput == nullptr || areTooMany) return units;
+    const std::size_t part = m_pOutput->portion(m_text + m_iKept, units);
+    return part == 0 && ending != Ending::None ? units : part;
+}
+
+// In pieces that end where something was found in the input, to tell it there.
+void I18NTextStreamState::convert(std::size_t units, Ending ending) {
+    const std::size_t end = m_iKept + units;
+    while (true) {
+        const bool isEnd = m_iKept == end;
+        tellInputs(m_iStart + static_cast<std::int64_t>(m_iKept),
+                   isEnd && ending == Ending::Refusal);
+        if (isEnd) break;
+        encode(nextFinding(end), false);
+    }
+    if (ending == Ending::Text) encode(end, true);
+}
+
+/// Where the next piece ends; not between what may be the halves of a pair.
+std::size_t I18NTextStreamState::nextFinding(std::size_t end) const {
+    if (m_pInput == nullptr) return end;
+    for (auto next = m_pInput->findings.begin() + static_cast<std::ptrdiff_t>(m_iTold);
+         next != m_pInput->findings.end(); ++next) {
+        const std::int64_t at = next->at - m_iStart;
+        if (at >= static_cast<std::int64_t>(end)) break;
+        const auto place = static_cast<std::size_t>(at);
+        if (place > m_iKept && !i18nIsHigh(m_text[place - 1])) return place;
+    }
+    return end;
+}
+
+void I18NTextStreamState::encode(std::size_t end, bool flush) {
+    char16_t* const text = m_text + m_iKept;
+    const std::size_t units = end - m_iKept;
     if (m_pOutput == nullptr)
         m_result.append(text, units * sizeof *text);
-    else
-        progress = m_pOutput->encode(text, text + units, ending == Ending::Text, m_result);
-    m_iKept += units;
+    else if (m_pOutput->encode(text, text + units, flush, m_result) == I18NProgress::Refused) {
+        --m_iReplacedOutput;
+        refuse(described(m_pOutput->lastFinding()));
+    }
+    m_iKept = end;
+}
 
-    // A code point that is found not convertible later needs its place, and the text's order.
-    const bool isOver = ending != Ending::None || progress == I18NProgress::Refused;
-    const bool isRefused = ending == Ending::Refusal || progress == I18NProgress::Refused;
-    if (isRefused && m_pOutput != nullptr) m_pOutput->shiftBack(m_result);
-    const std::size_t waiting =
-        isOver ? 0 : std::min(m_iKept, static_cast<std::size_t>(undecided()));
+// A code point that is found not convertible later needs its place.
+void I18NTextStreamState::keepUndecided() {
+    const int undecided = m_pOutput != nullptr ? m_pOutput->undecided() : 0;
+    const std::size_t waiting = std::min(m_iKept, static_cast<std::size_t>(undecided));
     const std::int64_t end = m_iStart + static_cast<std::int64_t>(m_iKept - waiting);
-    tell(end, ending == Ending::Refusal, progress == I18NProgress::Refused);
+    countTo(end);
+    if (m_pInput != nullptr) {
+        auto& findings = m_pInput->findings;
+        findings.erase(findings.begin(), findings.begin() + static_cast<std::ptrdiff_t>(m_iTold));
+        m_iTold = 0;
+    }
     if (waiting + m_iHeld > 0)
         std::memmove(m_text, m_text + m_iKept - waiting, (waiting + m_iHeld) * sizeof *m_text);
     m_iStart = end;
     m_iKept = waiting;
 }
 
-int I18NTextStreamState::undecided() const {
-    if (m_pOutput == nullptr) return 0;
-    if (m_pInput != nullptr && m_pInput->findings.size() > kMostWaiting) return 0;
-    return m_pOutput->undecided();
-}
-
-// Tells what has been found up to a place in the text, in its order, and counts lines up to there.
-void I18NTextStreamState::tell(std::int64_t end, bool inputRefused, bool outputRefused) {
-    std::vector<I18NInputFinding> noInput;
-    std::vector<I18NOutputFinding> noOutput;
-    auto& input = m_pInput != nullptr ? m_pInput->findings : noInput;
-    auto& output = m_pOutput != nullptr ? m_pOutput->findings : noOutput;
-    auto in = input.begin();
-    auto out = output.begin();
-    while (true) {
-        const bool hasIn = in != input.end() && in->at <= end;
-        const bool hasOut = out != output.end();
-        if (hasIn && (!hasOut || in->at <= out->at)) {
-            tellInput(*in, inputRefused && in + 1 == input.end());
-            ++in;
-        } else if (hasOut) {
-            tellOutput(*out, outputRefused && out + 1 == output.end());
-            ++out;
-        } else {
-            break;
-        }
+void I18NTextStreamState::tellInputs(std::int64_t end, bool isRefused) {
+    if (m_pInput == nullptr) return;
+    const auto& findings = m_pInput->findings;
+    while (m_iTold < findings.size() && findings[m_iTold].at <= end) {
+        const I18NInputFinding& finding = findings[m_iTold++];
+        tellInput(finding, isRefused && m_iTold == findings.size());
     }
-    input.erase(input.begin(), in);
-    output.clear();
-    countTo(end);
 }
 
-void I18NTextStreamState::tellInput(const I18NInputFinding& finding, bool refused) {
+void I18NTextStreamState::tellInput(const I18NInputFinding& finding, bool isRefused) {
     countTo(finding.at);
     I18NUnconvertible what = {};
     what.isCutOff = finding.cutOff;
@@ -217,30 +248,39 @@ void I18NTextStreamState::tellInput(const I18NInputFinding& finding, bool refuse
     what.textOffset = finding.at;
     what.line = m_position.line();
     what.column = m_position.column();
-    report(what, refused);
+    tell(what);
+    if (isRefused) refuse(what);
     ++m_iReplacedInput;
     m_position.passSequence();
     m_iCounted = finding.at + finding.units;
 }
 
-void I18NTextStreamState::tellOutput(const I18NOutputFinding& finding, bool refused) {
+I18NUnconvertible I18NTextStreamState::described(const I18NOutputFinding& finding) {
     countTo(finding.at);
     I18NUnconvertible what = {};
     what.isOutput = true;
     what.isCutOff = finding.cutOff;
+    what.isBestFit = finding.bestFit;
     what.byteOffset = -1;
     what.codePoint = finding.codePoint;
     what.textOffset = finding.at;
     what.line = m_position.line();
     // All that replaces a sequence stands in the column of that.
     what.column = m_position.column() - (finding.at < m_iCounted ? 1 : 0);
-    report(what, refused);
-    ++m_iReplacedOutput;
+    return what;
 }
 
-void I18NTextStreamState::report(const I18NUnconvertible& what, bool refused) {
+void I18NTextStreamState::found(const I18NOutputFinding& finding) {
+    tellInputs(finding.at, false);
+    tell(described(finding));
+    ++(finding.bestFit ? m_iBestFits : m_iReplacedOutput);
+}
+
+void I18NTextStreamState::tell(const I18NUnconvertible& what) {
     if (m_pListener != nullptr) m_pListener->unconvertible(what);
-    if (!refused) return;
+}
+
+void I18NTextStreamState::refuse(const I18NUnconvertible& what) const {
     char text[256];
     const char* const how = what.isCutOff ? kCutOff : kNotIn;
     const auto line = static_cast<long long>(what.line);

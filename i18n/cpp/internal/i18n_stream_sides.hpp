@@ -5,9 +5,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <vector>
 
 #include "i18n/cpp/i18n_converter.hpp"
+#include "i18n/cpp/internal/i18n_stream_mappings.hpp"
 
 /// What a text stream is made of: a converter each way whose policies are listened to, and the
 /// buffer for what comes out. Offsets are those of the whole stream.
@@ -23,11 +25,21 @@ struct I18NInputFinding {
     char bytes[kMostBytes];
 };
 
-/// A code point that was not convertible.
+/// A code point that was not convertible, or only to another one.
 struct I18NOutputFinding {
     std::int64_t at;
     char32_t codePoint;
     bool cutOff;
+    bool bestFit;
+};
+
+/// Hears of a code point once all in front of it is converted, and before the policy is asked.
+class I18NOutputFinder {
+public:
+    virtual void found(const I18NOutputFinding& finding) = 0;
+
+protected:
+    ~I18NOutputFinder() = default;
 };
 
 enum class I18NProgress {
@@ -97,6 +109,7 @@ private:
     const void* m_pPolicyContext = nullptr;
     bool m_bRefused = false;
     I18NStreamForm m_form = I18NStreamForm::Other;
+    bool m_bByteByByte = false;
     bool m_bUnfinished = false;  // ICU keeps something
     // Of the unit behind a lone surrogate ICU may keep a byte that it does not count as waiting.
     bool m_bIsUTF16 = false;
@@ -110,14 +123,19 @@ private:
 
 class I18NStreamOutput {
 public:
-    explicit I18NStreamOutput(const I18NConverter& converter);
+    I18NStreamOutput(const I18NConverter& converter, I18NOutputFinder& finder);
     I18NStreamOutput(const I18NStreamOutput&) = delete;
     I18NStreamOutput& operator=(const I18NStreamOutput&) = delete;
 
     const I18NConverter& converter() const { return m_converter; }
+    /// How much of a text to convert at once, of which more may come; the rest comes with that.
+    std::size_t portion(const char16_t* text, std::size_t units) const;
+    /// What the finder throws comes out here; all in front of its finding is converted then.
+    /// @param text  is changed where ICU is to be kept from characters
     /// @throws QBLOutOfMemoryError, I18NRuntimeError
-    I18NProgress encode(const char16_t* text, const char16_t* end, bool flush,
-                        I18NStreamBuffer& bytes);
+    I18NProgress encode(char16_t* text, const char16_t* end, bool flush, I18NStreamBuffer& bytes);
+    /// What the policy has refused.
+    const I18NOutputFinding& lastFinding() const { return m_finding; }
     /// Ends text that something refused: what is undecided comes out if it can be converted, and
     /// is left out if not.
     /// @throws QBLOutOfMemoryError, I18NRuntimeError
@@ -125,23 +143,42 @@ public:
     /// Units at the end of the text that may still be found not convertible.
     int undecided() const;
 
-    std::vector<I18NOutputFinding> findings;
-
 private:
+    /// A character that ICU is kept from.
+    struct Masked {
+        std::int64_t at;
+        char16_t unit;
+    };
+    void mask(char16_t* text, const char16_t* end);
+    I18NProgress encodePieces(const char16_t* text, const char16_t* end, bool flush,
+                              I18NStreamBuffer& bytes);
+    I18NProgress encodeAroundLost(const char16_t* text, const char16_t* end, bool flush,
+                                  I18NStreamBuffer& bytes);
+    I18NProgress treatLost(const char16_t* units, int length, I18NStreamBuffer& bytes);
     I18NProgress encodeByICU(const char16_t*& text, const char16_t* end, bool flush,
                              I18NStreamBuffer& bytes);
+    I18NProgress settle(UErrorCode status);
     void found(UConverterFromUnicodeArgs* args, const UChar* units, int length, UChar32 codePoint,
+               UConverterCallbackReason reason, UErrorCode* status);
+    void treat(UConverterFromUnicodeArgs* args, const UChar* units, int length, UChar32 codePoint,
                UConverterCallbackReason reason, UErrorCode* status);
     static void callback(const void* context, UConverterFromUnicodeArgs* args, const UChar* units,
                          int32_t length, UChar32 codePoint, UConverterCallbackReason reason,
                          UErrorCode* status);
 
     I18NConverter m_converter;
+    I18NOutputFinder& m_finder;
     UConverter* m_pICU;
     std::size_t m_iMaxBytes;  // of a code unit
     I18NStreamForm m_form;
+    I18NStreamMappings m_mappings;
+    std::vector<Masked> m_masked;
+    bool m_bInPortions;  // of one size
+    bool m_bFits;        // best fits are applied
     UConverterFromUCallback m_policy = nullptr;
     const void* m_pPolicyContext = nullptr;
+    I18NOutputFinding m_finding = {};
+    std::exception_ptr m_thrown;  // by the finder
     bool m_bRefused = false;
     bool m_bUnfinished = false;
     bool m_bLeavesOut = false;  // what is not convertible, without a finding

@@ -8,9 +8,10 @@
 #include "i18n/cpp/internal/i18n_text_position.hpp"
 
 /// A text stream inside. Blocks become text piece by piece, in a buffer that a processor's cache
-/// holds, and each piece becomes output before the next one. Lines and columns are counted once a
-/// piece is through both converters, while what they have found is told in the text's order.
-class I18NTextStreamState {
+/// holds, and each piece becomes output before the next one. What is not convertible is told when
+/// the text in front of it is output, and the text behind it is not; lines and columns are counted
+/// up to there.
+class I18NTextStreamState final : public I18NOutputFinder {
 public:
     I18NTextStreamState(const I18NConverter* from, const I18NConverter* to, I18NByteOrderMark mark,
                         I18NTextStreamListener* listener);
@@ -23,6 +24,7 @@ public:
     const I18NStreamBuffer& result() const { return m_result; }
     std::int64_t replacedInput() const { return m_iReplacedInput; }
     std::int64_t replacedOutput() const { return m_iReplacedOutput; }
+    std::int64_t bestFits() const { return m_iBestFits; }
     const I18NTextPosition& position() const { return m_position; }
     const char* inputEncoding() const;
 
@@ -35,11 +37,17 @@ private:
     void chooseByMark();
     void stripMark(std::size_t& units);
     void passOn(std::size_t units, Ending ending);
-    int undecided() const;
-    void tell(std::int64_t end, bool inputRefused, bool outputRefused);
-    void tellInput(const I18NInputFinding& finding, bool refused);
-    void tellOutput(const I18NOutputFinding& finding, bool refused);
-    void report(const I18NUnconvertible& what, bool refused);
+    void convert(std::size_t units, Ending ending);
+    void encode(std::size_t end, bool flush);
+    std::size_t portion(std::size_t units, Ending ending) const;
+    std::size_t nextFinding(std::size_t end) const;
+    void keepUndecided();
+    void found(const I18NOutputFinding& finding) override;
+    void tellInputs(std::int64_t end, bool isRefused);
+    void tellInput(const I18NInputFinding& finding, bool isRefused);
+    I18NUnconvertible described(const I18NOutputFinding& finding);
+    void tell(const I18NUnconvertible& what);
+    [[noreturn]] void refuse(const I18NUnconvertible& what) const;
     void countTo(std::int64_t end);
     char16_t* room() { return m_text + m_iKept + m_iHeld; }
 
@@ -60,9 +68,11 @@ private:
     std::int64_t m_iCounted = 0;  // how far the position has got; replacements are left out
     std::int64_t m_iStart = 0;    // of the text in the buffer
     std::size_t m_iKept = 0;      // units in it that are through the converters
-    std::size_t m_iHeld = 0;      // 1 if the first half of a pair follows them
+    std::size_t m_iHeld = 0;      // units behind them, such as the first half of a pair
     std::int64_t m_iReplacedInput = 0;
     std::int64_t m_iReplacedOutput = 0;
+    std::int64_t m_iBestFits = 0;
+    std::size_t m_iTold = 0;  // findings of the input
     char16_t m_text[kText];
 };
 
