@@ -62,6 +62,15 @@ TEST(QblconvTest, TextsAreJoinedUnderEachPolicyAndMark) {
          "zz:1:1: U+00E9 is not in sjis\nz:1:2: U+200B is not in sjis\nz:1:4: U+1F600 is not in "
          "sjis\nz: warning: replaced or left out: 3\nz: converted from UTF-8\n"},
         {"-t sjis z", 1, "z:1:1: U+00E9 is not in sjis\n"},
+        // Neither a similar character nor none takes a character's place unasked.
+        {"-t Big5 u", 1, "u:1:1: U+00E4 is not in Big5\n"},
+        {"-n -t Big5 u", 1, "u:1:1: U+00E4 is not in Big5\n"},
+        {"-vp skip,fit -t Big5 u", 0,
+         "a\nu:1:1: warning: U+00E4 becomes a similar character of Big5\nu: warning: replaced by "
+         "similar characters: 1\nu: converted from UTF-8\n"},
+        {"-p fit -t US-ASCII z", 1, "z:1:1: U+00E9 is not in US-ASCII\n"},
+        {"-p escape,stop -t latin1 z -o out; test -e out || printf none", 0,
+         "z:1:2: U+200B is not in latin1\nout: not written\nnone"},
         {"-f ASCII u", 1, "u:1:1: byte 0: EF is not US-ASCII\n"},
         {"-o out s -f sjis && cat out", 0, "a\xE3\x81\x82\n"},
         // What the name says counts; only of the order of bytes does a mark tell more.
@@ -123,6 +132,7 @@ TEST(QblconvTest, MisuseIsNamedAndNothingIsDone) {
         {"s --from", "qblconv: --from requires an argument"},
         {"--xml=1 s", "qblconv: --xml takes no argument"},
         {"-p subst s", "qblconv: invalid argument for -p: \"subst\"; perhaps substitute?"},
+        {"-p fit,stop s", "qblconv: invalid argument for -p: \"fit\""},
         {"-p skip,xyz s", "qblconv: invalid argument for -p: \"xyz\""},
         {"--bom=of s", "qblconv: invalid argument for --bom: \"of\""},
         {"-j 0 -n s", "qblconv: invalid argument for -j: \"0\""},

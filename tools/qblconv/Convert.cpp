@@ -30,9 +30,9 @@ public:
                 m_stream.finish();
         } catch (const I18NRuntimeError& error) {
             if (error.getErrorCode() != I18N_CONVERSION) throw;
-            m_findings.tellLast(m_stream.getInputEncoding(), m_to);
-            if (m_pOutput != nullptr && m_pOutput->isDirect()) write();
-            return false;
+            return giveUp();
+        } catch (const Findings::Lacking&) {
+            return giveUp();
         }
         m_findings.tell(m_stream.getInputEncoding(), m_to);
         return write();
@@ -44,12 +44,19 @@ public:
             m_stream.finish();
         } catch (const I18NRuntimeError& error) {
             if (error.getErrorCode() != I18N_CONVERSION) throw;
+        } catch (const Findings::Lacking&) {  // the text is given up already
         }
         write();
     }
     const char* encoding() const { return m_stream.getInputEncoding(); }
 
 private:
+    /// An output that stays keeps what is in front of the place.
+    bool giveUp() {
+        m_findings.tellLast(m_stream.getInputEncoding(), m_to);
+        if (m_pOutput != nullptr && m_pOutput->isDirect()) write();
+        return false;
+    }
     bool write() {
         const std::size_t size = m_stream.getByteCount();
         if (m_pOutput == nullptr || size == 0) return true;

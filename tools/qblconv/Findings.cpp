@@ -34,11 +34,12 @@ void Findings::unconvertible(const I18NUnconvertible& what) {
                                what.codePoint >= 0xFFFD && what.codePoint <= 0xFFFF;
     if (isReplacement) return;
     if (!what.isOutput) m_iBadInput = what.textOffset;
-    ++m_iCount;
+    ++(what.isBestFit ? m_iBestFits : m_iCount);
     if (m_each == Each::kCounted) m_places.clear();
     m_places.push_back({what.line, what.column, what.byteOffset,
                         bytesInDigits(what.bytes, what.byteCount), what.codePoint, what.isOutput,
-                        what.isCutOff});
+                        what.isCutOff, what.isBestFit});
+    if (what.isOutput && m_bStops && !what.isBestFit) throw Lacking();
 }
 
 void Findings::tell(const char* from, const char* to) {
@@ -59,14 +60,14 @@ void Findings::tellLast(const char* from, const char* to) {
 
 void Findings::say(const Place& place, const char* from, const char* to) {
     Details details = {m_name, std::to_string(place.line), std::to_string(place.column)};
-    qblconvmsgs id = CONV_NO_CHARACTER;
+    qblconvmsgs id = place.isBestFit ? CONV_BEST_FIT : CONV_NO_CHARACTER;
     if (place.isOutput) {
         details.insert(details.end(), {inDigits(place.codePoint), to});
     } else {
         id = place.isCutOff ? CONV_CUT_OFF : CONV_BAD_BYTES;
         details.insert(details.end(), {std::to_string(place.offset), place.bytes, from});
     }
-    if (m_each == Each::kWarning && !m_report.hasFailed())
+    if ((m_each == Each::kWarning || place.isBestFit) && !m_report.hasFailed())
         m_report.warning(id, details);
     else
         m_report.error(id, details);

@@ -18,7 +18,7 @@ using Argument = tools::Option::Argument;
 
 enum { kBom = 256, kLock, kCompletions };
 
-const char kPolicyNames[] = "stop escape substitute lookup skip";
+const char kPolicyNames[] = "stop escape substitute lookup skip fit";
 
 constexpr unsigned kMostJobs = 256;
 
@@ -33,6 +33,8 @@ const std::vector<Word> kPolicies = {{"stop", I18N_STOP},
                                      {"substitute", I18N_SUBSTITUTE},
                                      {"lookup", I18N_LOOKUP},
                                      {"skip", I18N_USER_DEFINED}};
+// Of the output: similar characters; what has none stops.
+const char kFit[] = "fit";
 const std::vector<Word> kMarks = {{"strip", static_cast<int>(Options::Mark::kStrip)},
                                   {"keep", static_cast<int>(Options::Mark::kKeep)},
                                   {"add", static_cast<int>(Options::Mark::kAdd)}};
@@ -95,6 +97,7 @@ private:
                 return takePolicies(given, argument);
             case 'c':
                 m_options.inputPolicy = m_options.outputPolicy = I18N_USER_DEFINED;
+                m_options.usesBestFits = false;
                 return true;
             case 'o':
                 m_options.output = argument;
@@ -182,12 +185,22 @@ private:
 
     bool takePolicies(const Given& given, const std::string& argument) {
         const std::size_t comma = argument.find(',');
-        if (!takeWord(given, argument.substr(0, comma), kPolicies, m_options.inputPolicy))
+        const bool isOne = comma == std::string::npos;
+        const std::string output = isOne ? argument : argument.substr(comma + 1);
+        m_options.usesBestFits = output == kFit;
+        m_options.inputPolicy = m_options.outputPolicy = I18N_STOP;
+        if (m_options.usesBestFits && isOne) return true;
+        if (!takePolicy(given, argument.substr(0, comma), nullptr, m_options.inputPolicy))
             return false;
-        if (comma != std::string::npos)
-            return takeWord(given, argument.substr(comma + 1), kPolicies, m_options.outputPolicy);
-        m_options.outputPolicy = m_options.inputPolicy;
-        return true;
+        return m_options.usesBestFits || takePolicy(given, output, kFit, m_options.outputPolicy);
+    }
+
+    /// @param other  what is accepted elsewhere, for the suggestion; may be null
+    bool takePolicy(const Given& given, const std::string& argument, const char* other,
+                    int& policy) {
+        std::vector<Word> words = kPolicies;
+        if (other != nullptr) words.push_back({other, I18N_STOP});
+        return takeWord(given, argument, words, policy);
     }
 
     template <class Value>

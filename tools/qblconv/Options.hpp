@@ -24,6 +24,7 @@ struct Options {
     /// I18N_USER_DEFINED is to leave out.
     int inputPolicy = I18N_STOP;
     int outputPolicy = I18N_STOP;
+    bool usesBestFits = false;
     Mark mark = Mark::kStrip;
     Lock lock = Lock::kNone;
     std::string output;     // empty for the standard output

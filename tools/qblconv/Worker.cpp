@@ -41,6 +41,7 @@ Worker::Worker(const Options& options, Progress& progress, OutputRoot* root)
     }
     if (!isCheck || options.isToGiven)
         m_to = openKnown(options.to, I18N_STOP, isCheck ? I18N_SUBSTITUTE : options.outputPolicy);
+    if (m_to != nullptr) m_to->useFallback(options.usesBestFits);
     if (options.mark == Options::Mark::kAdd) m_mark = markIn(*m_to);
     if (!options.keepValid) return;
     m_valid = openKnown(options.to, I18N_STOP, I18N_STOP);
@@ -48,9 +49,11 @@ Worker::Worker(const Options& options, Progress& progress, OutputRoot* root)
     if (I18NConverter::shouldUseBOM(options.to.c_str())) m_validMark = markIn(*m_valid);
 }
 
-Findings::Each Worker::each() const {
-    if (m_options.mode == Mode::kCheck) return Findings::Each::kError;
-    return m_options.verbose ? Findings::Each::kWarning : Findings::Each::kCounted;
+Findings Worker::findings(FileReport& report, const std::string& name) const {
+    const bool isCheck = m_options.mode == Mode::kCheck;
+    Findings::Each each = isCheck ? Findings::Each::kError : Findings::Each::kCounted;
+    if (!isCheck && m_options.verbose) each = Findings::Each::kWarning;
+    return {report, name, each, !isCheck && m_options.outputPolicy == I18N_STOP};
 }
 
 I18NByteOrderMark Worker::marks(bool strip) const {
@@ -108,10 +111,10 @@ void Worker::sayPassedOver(const Item& item, const Input& input, FileReport& rep
 }
 
 void Worker::check(const std::string& name, Input& input, FileReport& report) {
-    Findings findings(report, name, each());
+    Findings found = findings(report, name);
     std::string encoding;
     const bool isRead =
-        convertText(way(marks(true)), input, name, nullptr, {}, findings, report, &encoding);
+        convertText(way(marks(true)), input, name, nullptr, {}, found, report, &encoding);
     if (isRead && !report.hasFailed() && m_options.verbose)
         report.information(CONV_VALID, {name, encoding});
 }
@@ -146,12 +149,14 @@ bool Worker::fill(Input& input, const std::string& name, Output& output,
 
 bool Worker::convert(Input& input, const std::string& name, Output& output,
                      const std::string& outputName, bool stripMark, FileReport& report) {
-    Findings findings(report, name, each());
-    if (!convertText(way(marks(stripMark)), input, name, &output, outputName, findings, report,
+    Findings found = findings(report, name);
+    if (!convertText(way(marks(stripMark)), input, name, &output, outputName, found, report,
                      &m_encoding))
         return false;
-    if (findings.count() > 0 && !m_options.quiet)
-        report.warning(CONV_REPLACED, {name, std::to_string(findings.count())});
+    if (found.count() > 0 && !m_options.quiet)
+        report.warning(CONV_REPLACED, {name, std::to_string(found.count())});
+    if (found.bestFits() > 0 && !m_options.quiet)
+        report.warning(CONV_BEST_FITS, {name, std::to_string(found.bestFits())});
     return true;
 }
 

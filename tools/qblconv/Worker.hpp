@@ -48,7 +48,7 @@ private:
     bool isToBeKept(Input& input, const std::string& name, FileReport& report);
     Way way(I18NByteOrderMark mark);
     I18NByteOrderMark marks(bool strip) const;
-    Findings::Each each() const;
+    Findings findings(FileReport& report, const std::string& name) const;
 
     const Options& m_options;
     Progress& m_progress;

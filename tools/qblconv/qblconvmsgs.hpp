@@ -46,6 +46,8 @@ enum qblconvmsgs {
     CONV_CUT_OFF = 21,
     /// {3} code point, {4} encoding
     CONV_NO_CHARACTER = 22,
+    /// {3} code point, {4} encoding
+    CONV_BEST_FIT = 23,
     /// {1} reason
     CONV_CANNOT_READ = 30,
     /// {1} reason
@@ -70,6 +72,8 @@ enum qblconvmsgs {
     CONV_LOCKED_BY = 43,
     CONV_PASSED_LINK = 44,
     CONV_BROKEN_LINK = 45,
+    /// {1} how many
+    CONV_BEST_FITS = 46,
     CONV_DONE = 50,
     /// {1} encoding
     CONV_KEPT = 51,
