@@ -336,6 +336,19 @@ TEST(I18NTextStreamTest, EndsWithErrorsAndMisuse) {
     EXPECT_THROW(stream.put(u"x", 1), I18NRuntimeError) << "reads bytes";
     EXPECT_THROW(stream.put("\xFFx", 2), int);
     QBL_EXPECT_THROW(stream.finish(), QBLIllegalStateError, "I18NTextStream: the stream has ended");
+    // What is behind the place that it is told of does not come out.
+    const std::u16string front = u"x\u65E5";
+    for (const char* encoding : {"ISO-2022-JP", "Shift_JIS", "UTF-8", "UTF-16"})
+        for (const std::string bad : {"\xFF", "\U0001F600"}) {
+            const I18NConverter to(encoding);
+            I18NTextStream broken(&utf8, &to, I18N_MARK_KEEP, &refuse);
+            const std::string text = "x\u65E5" + bad + "\u672Cy\xFF";
+            EXPECT_THROW(broken.put(text.data(), text.size()), int);
+            const bool hasBad = encoding[0] == 'U' && bad != "\xFF";
+            EXPECT_EQ(bytesBy(to, hasBad ? front + u"\U0001F600\u672Cy" : front),
+                      std::string(broken.getBytes(), broken.getByteCount()))
+                << encoding;
+        }
     EXPECT_THROW(I18NTextStream(nullptr, nullptr), I18NRuntimeError);
     EXPECT_THROW(I18NTextStream(nullptr, &utf8, I18N_MARK_CHOOSE), I18NRuntimeError);
 }
