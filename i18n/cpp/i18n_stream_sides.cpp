@@ -145,6 +145,7 @@ void I18NStreamInput::listen() {
     m_form = formOf(m_pICU);
     m_bByteByByte = dependsOnBlocks(m_pICU);
     m_bIsUTF16 = isUTF16(ucnv_getType(m_pICU));
+    m_bIsISCII = ucnv_getType(m_pICU) == UCNV_ISCII;
     ucnv_reset(m_pICU);
     ucnv_setToUCallBack(m_pICU, callback, this, &m_policy, &m_pPolicyContext, &status);
 }
@@ -189,6 +190,10 @@ I18NProgress I18NStreamInput::decodeByICU(const char*& at, const char* end, bool
     ucnv_toUnicode(m_pICU, &text, limit, &at, end, nullptr, flush, &status);
     m_iBytes += at - m_pBegin;
     m_iUnits += text - m_pText;
+    if (m_bIsISCII && at != m_pBegin) {
+        m_last[0] = at - m_pBegin > 1 ? at[-2] : m_last[1];
+        m_last[1] = at[-1];
+    }
     return progressOf(status, m_bRefused);
 }
 
@@ -205,6 +210,8 @@ void I18NStreamInput::found(UConverterToUnicodeArgs* args, const char* bytes, in
     if (m_bIsUTF16) finding.offset -= finding.offset % 2;
     finding.at = m_iUnits + (args->target - m_pText);
     finding.cutOff = *status == U_TRUNCATED_CHAR_FOUND;
+    if (m_bIsISCII && finding.cutOff && *bytes != m_last[1] && *bytes == m_last[0])
+        --finding.offset;
     std::memcpy(finding.bytes, bytes, static_cast<std::size_t>(finding.length));
 
     // The policy writes aside, so that the length of its text is known wherever that goes.

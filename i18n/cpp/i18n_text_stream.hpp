@@ -22,8 +22,7 @@ struct I18NUnconvertible {
     /// The bytes as they stand in the input, and how many they are; null and 0 for output.
     const char* bytes;
     int byteCount;
-    /// Of the first of them, in bytes from the start of the input; -1 for output. In the ISCII
-    /// encodings ICU notices some sequences a byte late, and the offset is that much greater.
+    /// Of the first of them, in bytes from the start of the input; -1 for output.
     std::int64_t byteOffset;
     /// The code point or lone surrogate; 0 for input.
     char32_t codePoint;
@@ -72,7 +71,8 @@ enum I18NByteOrderMark {
 /// (I18NConverter::useFallback()); otherwise they are not convertible. The converter to compound
 /// text itself drops what it lacks: a stream treats that by the policy. ISCII and LMBCS have a few
 /// characters that do not come back and of which ICU does not tell: U+0A70, U+0A71, U+200C and
-/// U+200D, and U+FFFE and U+FFFF.
+/// U+200D, and U+FFFE and U+FFFF. Once ICU's converter to ISCII has refused a character, it also
+/// takes and refuses others wrongly.
 ///
 ///     I18NTextStream stream(&shiftJIS, &utf8);
 ///     while (const std::size_t size = read(block)) {

@@ -197,6 +197,8 @@ TEST(I18NTextStreamTest, TellsWhatIsNotConvertibleAndWhere) {
         {"UTF-8", "ISO-8859-1", I18N_STOP, "\n\xE2\x80\x8B\xE2\x82\xAC\xFF", "\n",
          "out -1 U+200b text 1, 2:1\nout -1 U+20ac text 2, 2:2\n"
          "I18NTextStream: line 2, column 2: U+20AC is not in ISO-8859-1"},
+        {"x-iscii-de", "UTF-8", I18N_ESCAPE, "a\xF0\xB5", "a%XB5%XF0",
+         "in 2 U+0 text 1, 1:2\nin cut 1 U+0 text 5, 1:3\n"},
         // Both are back in their first shift states for the texts of others.
         {"UTF-8", "ISO-2022-JP", I18N_STOP, "\xE3\x81\x82\xFF", "\x1B$B$\"\x1B(B",
          "in 3 U+0 text 1, 1:2\nI18NTextStream: byte 3, line 1, column 2: FF is not in UTF-8"},

@@ -113,6 +113,9 @@ private:
     bool m_bUnfinished = false;  // ICU keeps something
     // Of the unit behind a lone surrogate ICU may keep a byte that it does not count as waiting.
     bool m_bIsUTF16 = false;
+    // ISCII keeps a lead byte while it refuses the next one, and gives it for the last of the text.
+    bool m_bIsISCII = false;
+    char m_last[2] = {};        // the last bytes it took
     std::int64_t m_iBytes = 0;  // in front of m_pBegin
     std::int64_t m_iUnits = 0;  // in front of m_pText
     // Of the call that is being made.
