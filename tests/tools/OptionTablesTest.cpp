@@ -24,14 +24,18 @@ const std::vector<Tool>& allTools() {
 
 /// The options that a manual describes, like "-f --from".
 std::set<std::string> described(const std::string& tool) {
-    std::ifstream manual(QBL_MAN_DIR "/" + tool + ".1");
+    std::string path = QBL_MAN_DIR "/";
+    std::ifstream manual(path.append(tool).append(".1"));
     std::set<std::string> options;
     for (std::string line; std::getline(manual, line);) {
         std::istringstream words(line);
         std::string macro, flag, first, comma, second;
         words >> macro >> flag >> first >> comma >> second;
         if (macro != ".It" || flag != "Fl") continue;
-        options.insert(comma == "," ? "-" + first + " -" + second : "-" + first);
+        std::string option = "-";
+        option += first;
+        if (comma == ",") option.append(" -").append(second);
+        options.insert(option);
     }
     return options;
 }
@@ -87,25 +91,23 @@ TEST(OptionTablesTest, BashCompletesOptionsAndTheirArguments) {
     };
     for (const auto& row : table) {
         const std::string words = row.words, tool = row.tool;
-        const std::string path = "PATH='" + tool.substr(0, tool.rfind('/')) + "':$PATH; ";
-        const Outcome result = runTool(
-            tree, path + "'" + tool +
-                      "' --completions=bash >c; bash -c 'compopt() { :; }; . ./c; " +
-                      "COMP_WORDS=(" + words + "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _" +
-                      words.substr(0, words.find(' ')) + "; echo \"${COMPREPLY[*]}\"'");
+        std::string command = "PATH='";
+        command.append(tool, 0, tool.rfind('/')).append("':$PATH; '").append(tool);
+        command.append("' --completions=bash >c; bash -c 'compopt() { :; }; . ./c; COMP_WORDS=(");
+        command.append(words).append("); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _");
+        command.append(words, 0, words.find(' ')).append("; echo \"${COMPREPLY[*]}\"'");
+        const Outcome result = runTool(tree, command);
         EXPECT_EQ(std::string(row.completed) + "\n", result.output) << words;
     }
     for (const Tool& tool : allTools())
         for (const char* shell : {"zsh", "fish"}) {
-            const Outcome script = runTool(
-                tree, "'" + std::string(tool.program) + "' --completions=" + std::string(shell));
+            std::string command = "'";
+            command.append(tool.program).append("' --completions=").append(shell);
+            const Outcome script = runTool(tree, command);
             for (const tools::Option& option : tool.options)
                 EXPECT_NE(std::string::npos, script.output.find(option.name)) << script.output;
-            const std::string check = std::string(shell) + " -n c";
-            EXPECT_EQ(
-                0, runTool(tree, "'" + std::string(tool.program) + "' --completions=" + shell +
-                                     " >c; command -v " + shell + " >/dev/null || exit 0; " + check)
-                       .status)
-                << shell;
+            command.append(" >c; command -v ").append(shell);
+            command.append(" >/dev/null || exit 0; ").append(shell).append(" -n c");
+            EXPECT_EQ(0, runTool(tree, command).status) << shell;
         }
 }

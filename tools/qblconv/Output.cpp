@@ -116,11 +116,6 @@ bool NewOutput::enter(const Place* place, QBLFmDirectory& directory) {
     return true;
 }
 
-/// Requires: a file was begun there.
-const QBLFmDirectory& NewOutput::target() const {
-    return m_directory.isOpen() ? m_directory : *m_pRoot->get();
-}
-
 bool NewOutput::create() {
     if (!m_isOpened || m_opened != m_place) {
         m_directory.close();
@@ -128,13 +123,14 @@ bool NewOutput::create() {
         if (!m_isOpened) return false;
         m_opened = m_place;
     }
-    const QBLFmDirectory& directory = target();
+    m_pTarget = m_directory.isOpen() ? &m_directory : m_pRoot->get();
+    if (m_pTarget == nullptr) return failed(errno);
     static const std::string process = kTemporary + std::to_string(getpid()) + ".";
     for (int i = 0; i < kAttempts && m_iFile < 0; ++i) {
         m_temporary = process + std::to_string(++g_counter);
         // Nobody whom the mode shuts out has it open for a moment.
-        m_iFile = directory.openFile(m_temporary.c_str(), O_CREAT | O_EXCL | O_WRONLY,
-                                     m_iMode | S_IRUSR | S_IWUSR);
+        m_iFile = m_pTarget->openFile(m_temporary.c_str(), O_CREAT | O_EXCL | O_WRONLY,
+                                      m_iMode | S_IRUSR | S_IWUSR);
         if (m_iFile >= 0) return true;
         m_temporary.clear();
         if (errno != EEXIST) break;
@@ -167,14 +163,14 @@ bool NewOutput::commit() {
     if (isLess && (!status.get(m_iFile) || fchmod(m_iFile, status.mode() & m_iMode) != 0))
         return failed(errno);
     if (!close()) return false;
-    if (!target().rename(m_temporary.c_str(), m_name.c_str())) return failed(errno);
+    if (!m_pTarget->rename(m_temporary.c_str(), m_name.c_str())) return failed(errno);
     m_temporary.clear();
     return true;
 }
 
 void NewOutput::discard() {
     if (m_iFile >= 0) ::close(std::exchange(m_iFile, -1));
-    if (!m_temporary.empty()) target().remove(m_temporary.c_str());
+    if (!m_temporary.empty()) m_pTarget->remove(m_temporary.c_str());
     m_temporary.clear();
 }
 

@@ -98,7 +98,6 @@ public:
 private:
     bool create();
     bool enter(const Place* place, QBLFmDirectory& directory);
-    const QBLFmDirectory& target() const;
     bool close();
     bool failed(int error);
 
@@ -110,6 +109,7 @@ private:
     std::string m_temporary;                // empty while there is none
     std::shared_ptr<const Place> m_opened;  // whose directory for outputs is open
     QBLFmDirectory m_directory;
+    const QBLFmDirectory* m_pTarget = nullptr;  // that the file is in
     bool m_isOpened = false;
     int m_error = 0;
 };
