@@ -186,7 +186,8 @@ TEST_F(QBLThreadPoolTest, VariableSurvivesATaskThatEndsItsThread) {
 
 TEST_F(QBLThreadPoolTest, AWorkerGoesOnWithAnotherThreadWhenATaskEndsItsOwn) {
     for (int kind = 0; kind < 3; ++kind) {
-        Ending exits, cancels(true);
+        // The address sanitizer keeps the frames poisoned that a cancellation leaves.
+        Ending exits, cancels(!kSanitizer);
         Counting counting;
         auto pool = make(kind);
         for (int i = 0; i < 20; ++i) {
