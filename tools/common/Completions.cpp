@@ -76,7 +76,7 @@ std::string bashScript(const std::string& tool, const std::vector<Option>& optio
            function + " " + tool + "\n";
 }
 
-/// What stands between the brackets of a specification of _arguments.
+/// A description between brackets, as zsh's _arguments takes it.
 std::string zshText(const std::string& text) {
     std::string out;
     for (const char c : text) {
