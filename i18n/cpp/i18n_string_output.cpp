@@ -115,7 +115,11 @@ const I18NString::Conversion* I18NString::conversion(const char* key, const char
         context = m_allocatorContext;
     }
     QBL_ALLOC_TRY
-    const std::string anyName = converter == nullptr ? anyNameOf(encoding) : std::string();
+    // Only one that is not the first needs it: so a string has two for one encoding at most.
+    const bool isFirst =
+        hasFlag(kI18NChanged) || m_pConverted.load(std::memory_order_acquire) == nullptr;
+    const std::string anyName =
+        converter == nullptr && !isFirst ? anyNameOf(encoding) : std::string();
     if (const Conversion* found = findSameEncoding(anyName)) return found;
     // Before the lock is taken: allocators and functions of converters may use strings themselves.
     const I18NTextView text(*this);
