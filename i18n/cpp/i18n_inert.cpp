@@ -5,6 +5,8 @@
 #include <atomic>
 #include <cstdint>
 
+#include "TavThread/internal/TavContain.hpp"
+#include "i18n/cpp/internal/i18n_normal_form.hpp"
 #include "i18n/cpp/internal/i18n_utf.hpp"
 
 namespace {
@@ -24,9 +26,9 @@ bool isInert(const icu::Normalizer2& form, char32_t c) {
 }
 
 Kind find(char16_t unit) {
-    UErrorCode status = U_ZERO_ERROR;
-    const icu::Normalizer2* const form = icu::Normalizer2::getNFCInstance(status);
-    bool inert = U_SUCCESS(status) && isInert(*form, unit);
+    const icu::Normalizer2* form = nullptr;
+    if (!tavContain([&form] { form = &i18nNormalizer(I18N_NFC); })) return Other;  // for now
+    bool inert = isInert(*form, unit);
     if (i18nIsHigh(unit))
         for (char16_t low = 0xDC00; low < 0xE000 && inert; ++low)
             inert = isInert(*form, i18nCombine(unit, low));

@@ -27,6 +27,15 @@ void require(const icu::UnicodeString& text) {
     if (text.isBogus()) fail(U_MEMORY_ALLOCATION_ERROR);
 }
 
+const icu::Normalizer2& made(const icu::Normalizer2* (*get)(UErrorCode&)) {
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::Normalizer2* const form = get(status);
+    if (status == U_MEMORY_ALLOCATION_ERROR) fail(status);
+    if (form == nullptr || U_FAILURE(status))
+        QBL_THROW(I18NRuntimeError(I18N_NORMALIZATION, nullptr));
+    return *form;
+}
+
 constexpr int kLongRun = 64;
 
 /// Whether there may be a long run of characters that are not inert. Looks at a few of them only.
@@ -103,27 +112,27 @@ int quickCheck(UChar32 c) { return u_getIntPropertyValue(c, UCHAR_NFC_QUICK_CHEC
 
 }  // namespace
 
+// Kept in variables of our own, so that a thread that uses one has seen it being made, for whoever
+// watches only our code too.
 const icu::Normalizer2& i18nNormalizer(I18NNormalizationForms form) {
-    UErrorCode status = U_ZERO_ERROR;
-    const icu::Normalizer2* found = nullptr;
     switch (form) {
-        case I18N_NFC:
-            found = icu::Normalizer2::getNFCInstance(status);
-            break;
-        case I18N_NFD:
-            found = icu::Normalizer2::getNFDInstance(status);
-            break;
-        case I18N_NFKC:
-            found = icu::Normalizer2::getNFKCInstance(status);
-            break;
-        case I18N_NFKD:
-            found = icu::Normalizer2::getNFKDInstance(status);
-            break;
+        case I18N_NFD: {
+            static const icu::Normalizer2& nfd = made(icu::Normalizer2::getNFDInstance);
+            return nfd;
+        }
+        case I18N_NFKC: {
+            static const icu::Normalizer2& nfkc = made(icu::Normalizer2::getNFKCInstance);
+            return nfkc;
+        }
+        case I18N_NFKD: {
+            static const icu::Normalizer2& nfkd = made(icu::Normalizer2::getNFKDInstance);
+            return nfkd;
+        }
+        default: {
+            static const icu::Normalizer2& nfc = made(icu::Normalizer2::getNFCInstance);
+            return nfc;
+        }
     }
-    if (status == U_MEMORY_ALLOCATION_ERROR) fail(status);
-    if (found == nullptr || U_FAILURE(status))
-        QBL_THROW(I18NRuntimeError(I18N_NORMALIZATION, nullptr));
-    return *found;
 }
 
 bool i18nNormalize(const icu::Normalizer2& form, const icu::UnicodeString& text,
