@@ -34,6 +34,8 @@ void leave(TavThread& self, void* value, bool threw) {
     Parting parting{self};
     self.exitValue.store(value, std::memory_order_release);
     TavTransition change(self);
+    // The thread may have been ended in its sleep, while another still calls those of Running.
+    change.awaitCallbacks();
     if (threw)
         change.to(TavThreadStateException);
     else if (change.state() != TavThreadStateException)

@@ -1,5 +1,8 @@
 #include <sched.h>
 
+#include <optional>
+#include <utility>
+
 #include "TavThread/TavThread.h"
 #include "TavThread/internal/TavSystem.hpp"
 #include "TavThread/internal/TavThreadRecord.hpp"
@@ -22,8 +25,31 @@ int setResumed(TavThread& thread, bool resumed) {
     return tavThread_MapError(tavRetryErrno([&] { return sem_post(&thread.resumed); }));
 }
 
+/// Sets aside that the thread is in callbacks of an earlier change: whoever continues it would wait
+/// for their end, and they for him.
+class OuterCallbacks {
+public:
+    /// Requires: the transition mutex is held.
+    explicit OuterCallbacks(TavThread& self)
+        : m_self(self), m_iCalls(std::exchange(self.calls, 0)) {}
+    /// Also when the thread is ended while it sleeps.
+    ~OuterCallbacks() {
+        if (m_iCalls == 0) return;
+        TavHold hold(m_self.transition);
+        m_self.calls += m_iCalls;
+        m_self.caller = pthread_self();
+    }
+    OuterCallbacks(const OuterCallbacks&) = delete;
+    OuterCallbacks& operator=(const OuterCallbacks&) = delete;
+
+private:
+    TavThread& m_self;
+    const int m_iCalls;
+};
+
 /// Stops the calling thread if that is asked for and no cancellation stands against it.
 void suspendHere(TavThread& self) {
+    std::optional<OuterCallbacks> outer;
     {
         TavTransition change(self);
         if (!self.has(kTavThreadSuspendPending)) return;
@@ -33,6 +59,7 @@ void suspendHere(TavThread& self) {
             return;
         }
         self.asleep = true;
+        outer.emplace(self);
         change.to(TavThreadStateSuspended);
         change.finish();
     }

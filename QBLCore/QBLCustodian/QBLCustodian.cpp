@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <cstdio>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
@@ -33,6 +35,7 @@
 namespace {
 
 constexpr unsigned long kStackSize = 4096000;
+constexpr std::uint64_t kLongest = INT64_MAX;  // of a wait, in ms
 constexpr unsigned long kFirstSchedule = 60000;
 constexpr int kExitStatus = 327;
 
@@ -245,6 +248,7 @@ unsigned long QBLCustodian::getSchedule() {
 }
 
 bool QBLCustodian::registerTask(QBLCustodianTask* task) {
+    const QBLNoCancel noCancel;
     QBL_ALLOC_TRY
     User user;
     return user.custodian() != nullptr && user.custodian()->assignTask(task);
@@ -366,7 +370,8 @@ void QBLCustodian::Body::waitForPass() {
                 continue;
             }
             const std::int64_t waited = (QBLHighResolutionTime::now() - begin) / 1000000;
-            const std::int64_t left = static_cast<std::int64_t>(schedule) - waited;
+            const std::int64_t left =
+                static_cast<std::int64_t>(std::min<std::uint64_t>(schedule, kLongest)) - waited;
             if (left <= 0) break;
             static_cast<void>(m_wakeup.timedWait(m_taskLock, static_cast<unsigned long>(left)));
         }

@@ -38,7 +38,7 @@ public:
     static unsigned long getSchedule();
 
     /// Has a task called from the next pass on. Tasks registered between two passes are called in
-    /// their order, and before those that were there.
+    /// their order, and before those that were there. The caller is not cancelled meanwhile.
     /// @param task  not owned; null is accepted and does nothing
     /// @return false, with the task not kept, when there is no custodian, it is stopping or its
     ///     thread cannot be started

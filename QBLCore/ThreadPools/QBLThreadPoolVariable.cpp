@@ -18,8 +18,8 @@
 //    taken off their number first; only then it looks at the number of tasks, from which the task
 //    that ended it is taken off at last. So one of the two sees that a worker is missing.
 // 2. A submitter puts its task and then reads the stop-work flag; if it is set, he takes the task
-//    back and throws, unless a worker has got it. A worker ends only if it saw the flag set, and
-//    the queue empty after that. So it has seen every task that was accepted.
+//    back and throws, unless a worker has got it. At a stop a worker ends only if it saw the flag,
+//    and the queue empty after that. So it has seen every task that was accepted.
 
 namespace {
 
@@ -143,7 +143,10 @@ bool QBLThreadPoolVariable::submit(QBLThreadRunnable* task, unsigned long timeou
     ++m_taskCount;
     if (!m_tasks.put(task, timeout)) return false;
     try {
-        if (needsWorker()) addWorker();
+        if (needsWorker()) {
+            const QBLNoCancel noCancel;  // the first worker is waited for, under the mutex
+            addWorker();
+        }
     } catch (...) {
         // While a worker lives the task will be run: to report a failure then would make its
         // owner free it too early.

@@ -199,6 +199,29 @@ TEST_F(QBLThreadPoolTest, AWorkerGoesOnWithAnotherThreadWhenATaskEndsItsOwn) {
     }
 }
 
+TEST_F(QBLThreadPoolTest, WhatATaskDoesToItsCancellationEndsWithIt) {
+    struct Setting : QBLThreadRunnable {
+        int state = -1, type = -1;
+        Gate done;
+        void run() override {
+            pthread_setcanceltype(PTHREAD_CANCEL_ASYNCHRONOUS, &type);
+            pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &state);
+            done.open();
+        }
+    };
+    QBLThreadPoolFixed fixed(1);
+    QBLThreadPoolVariable variable(1, 50, 1000);
+    QBLThreadPoolQueued queued(1, 0);
+    for (QBLThreadPool* pool : std::initializer_list<QBLThreadPool*>{&fixed, &variable, &queued})
+        for (int i = 0; i < 2; ++i) {
+            Setting task;
+            ASSERT_EQ(1, pool->execute(&task, kTestLimitMs));
+            ASSERT_TRUE(task.done.wait());
+            EXPECT_EQ(PTHREAD_CANCEL_ENABLE, task.state);
+            EXPECT_EQ(PTHREAD_CANCEL_DEFERRED, task.type);
+        }
+}
+
 TEST_F(QBLThreadPoolTest, AcceptedTasksOutliveWorkersThatEndInTheDestruction) {
     struct EndingLast : QBLThreadRunnable {
         QBLThreadPool* pool = nullptr;

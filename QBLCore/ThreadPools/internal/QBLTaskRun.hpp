@@ -11,10 +11,14 @@ constexpr unsigned long kPoolStackSize = 4096000;
 
 /// Runs a task, if it is one, on a worker. Whatever it throws is dropped, except the end of the
 /// thread. A cancellation ends the worker in a task or right after it, never between taking a task
-/// and running it: nothing on the way is a place where it may take effect.
+/// and running it: nothing on the way is a place where it may take effect. What a task does to the
+/// way its thread can be cancelled ends with it.
 inline void qblRunTask(QBLThreadRunnable* task) {
     if (task == nullptr) return;
     tavContain([task] { task->run(); });
+    int before = 0;
+    pthread_setcanceltype(PTHREAD_CANCEL_DEFERRED, &before);
+    pthread_setcancelstate(PTHREAD_CANCEL_ENABLE, &before);
     pthread_testcancel();
 }
 
