@@ -86,9 +86,13 @@ TEST(QblconvFilesTest, InPlaceAFileKeepsItsModeItsLinksAndOnWishItsOriginal) {
     EXPECT_EQ(kBroken, tree.text("bad"));
     // Nearly any text is valid UTF-16 but for its mark.
     tree.file("s", kShiftJIS + "b");
-    expectRun(tree, "--in-place=.b -kt UTF-16LE s", 0, "");
+    expectRun(tree, "--in-place=.b --bom=add -kt UTF-16LE s", 0, "");
     EXPECT_EQ(kShiftJIS + "b", tree.text("s.b"));
-    EXPECT_EQ(std::string("a\0B0\n\0b\0", 8), tree.text("s"));
+    EXPECT_EQ(std::string("\xFF\xFE"
+                          "a\0B0\n\0b\0",
+                          10),
+              tree.text("s"));
+    expectRun(tree, "-vi --bom=add -kt UTF-16LE s", 0, "s: already UTF-16LE\n");
     EXPECT_EQ("./bad ./link ./s ./s.b ./s.old ", namesIn(tree, "."));
 }
 

@@ -156,6 +156,11 @@ TEST(QblconvTest, MisuseIsNamedAndNothingIsDone) {
         {"--bom=add -t BOCU-1 s", "qblconv: BOCU-1 has no byte-order mark"},
         {"-k -t latin1 -i s",
          "qblconv: -k would leave every file alone: any bytes are valid latin1"},
+        {"-k -t UTF-16LE -i s",
+         "qblconv: -k cannot know UTF-16LE again without a byte-order mark; "
+         "add --bom=add"},
+        {"-r -d . dir ./dir/a.txt",
+         "qblconv: the output ./dir would overwrite the input ./dir/a.txt, or what is in it"},
         {"-j 257 -n s", "qblconv: invalid argument for -j: \"257\""},
         {"-d out dir/.. s -r", "qblconv: the files of dir/.. and those of s would mix in out"},
         {"-r -d dir s dir", "qblconv: the files of dir and those of s would mix in dir"},
@@ -167,6 +172,7 @@ TEST(QblconvTest, MisuseIsNamedAndNothingIsDone) {
     };
     TempTree tree;
     makeFiles(tree);
+    tree.file("dir/a.txt", "a");
     for (const auto& row : table) {
         const Outcome result = runTool(tree, "'" QBL_CONV "' " + std::string(row[0]));
         EXPECT_EQ(2, result.status) << row[0];

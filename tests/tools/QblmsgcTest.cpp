@@ -278,7 +278,7 @@ TEST(QblmsgcTest, ReportsAreShownInTheReadersLanguage) {
                   broken + "\n<Message\n");
     const std::string place = std::to_string(("before " + report + " after\n").size());
     expectRun(tree, "-s log >/dev/null", 1,
-              "byte " + place + ": a report that is not well-formed XML\n");
+              "byte " + place + ": a report that is not well-formed XML, or too large\n");
     // In pieces, from a pipe.
     const Outcome german =
         run(tree, "-s - de <<X\n" + std::string("$(head -c 9000 /dev/zero | tr '\\0' '<')") +

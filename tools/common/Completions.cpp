@@ -46,9 +46,12 @@ std::string bashScript(const std::string& tool, const std::vector<Option>& optio
         all += "=";
         const std::string choices = bashChoices(tool, option.choices);
         cases.append("        ").append(lettersAndName(option, " | ")).append(") ");
-        cases += choices.empty() ? "return ;;\n"
-                                 : "mapfile -t COMPREPLY < <(compgen " + choices +
-                                       " -- \"$word\"); return ;;\n";
+        const bool isPath = choices == "-f" || choices == "-d";
+        if (!choices.empty())
+            cases.append("mapfile -t COMPREPLY < <(compgen ")
+                .append(choices)
+                .append(" -- \"$word\"); ");
+        cases += isPath ? "compopt -o filenames; return ;;\n" : "return ;;\n";
     }
     const std::string function = "_" + tool;
     return "# Completes command lines of " + tool + " in bash.\n" + function +

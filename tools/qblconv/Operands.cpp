@@ -65,6 +65,10 @@ bool Operands::checkOutputs(Problem& problem) const {
                        {*added.first->second, operand, below(m_options.directory, name)}};
             return false;
         }
+        if (const std::string* const other = inputAt(below(m_options.directory, name), operand)) {
+            problem = {CONV_OUTPUT_IS_INPUT, {below(m_options.directory, name), *other}};
+            return false;
+        }
         // Its files stand beside the outputs of the others.
         FileStatus status;
         const bool isOutput = status.get(operand.c_str()) && isOutputDirectory(status);
@@ -74,6 +78,24 @@ bool Operands::checkOutputs(Problem& problem) const {
         return false;
     }
     return true;
+}
+
+/// The operand, other than its own, that an output is, or is a directory above; null if none is.
+const std::string* Operands::inputAt(const std::string& output, const std::string& own) const {
+    FileStatus at, status;
+    if (!at.get(output.c_str())) return nullptr;
+    for (const std::string& operand : m_options.operands) {
+        if (&operand == &own) continue;
+        std::string up = operand;
+        if (status.get(up.c_str()) && status.isSameFile(at)) return &operand;
+        if (!status.isDirectory())
+            up = up.find('/') == std::string::npos ? "." : up.substr(0, up.rfind('/') + 1);
+        for (FileStatus above; status.get(up.c_str()); up += "/..") {
+            if (status.isSameFile(at)) return &operand;
+            if (!above.get((up + "/..").c_str()) || above.isSameFile(status)) break;
+        }
+    }
+    return nullptr;
 }
 
 /// Whether no original would be kept under the name of another operand.

@@ -48,6 +48,7 @@ private:
     };
 
     bool checkOutputs(Problem& problem) const;
+    const std::string* inputAt(const std::string& output, const std::string& own) const;
     bool checkOriginals(Problem& problem) const;
     bool isPassedOver(const std::string& file, const Level& level) const;
     bool nextOperand(Item& item);

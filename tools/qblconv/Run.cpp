@@ -193,6 +193,12 @@ bool check(const Options& options, Problem& problem) {
         problem = {CONV_NO_MARK, {options.to}};
         return false;
     }
+    // Outputs without a mark would not be known again.
+    const bool needsMark = I18NConverter::shouldUseBOM(options.to.c_str());
+    if (options.keepValid && needsMark && options.mark != Options::Mark::kAdd) {
+        problem = {CONV_KEEP_NEEDS_MARK, {options.to}};
+        return false;
+    }
     if (options.keepValid && isAnyTextValid(*to)) {
         problem = {CONV_ALL_VALID, {"-k", options.to}};
         return false;

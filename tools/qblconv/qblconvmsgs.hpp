@@ -48,6 +48,10 @@ enum qblconvmsgs {
     CONV_NO_CHARACTER = 22,
     /// {3} code point, {4} encoding
     CONV_BEST_FIT = 23,
+    /// {0} encoding
+    CONV_KEEP_NEEDS_MARK = 24,
+    /// {0} output, {1} operand
+    CONV_OUTPUT_IS_INPUT = 25,
     /// {1} reason
     CONV_CANNOT_READ = 30,
     /// {1} reason

@@ -4,6 +4,7 @@
 
 #include "tools/common/Shown.hpp"
 #include "tools/qblmsgc/Paths.hpp"
+#include "tools/qblmsgc/SourceParser.hpp"
 
 namespace msgc {
 
@@ -17,7 +18,8 @@ char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + '
 std::string identifierOf(std::string text) {
     for (char& c : text)
         if (!isAlphanumeric(c)) c = '_';
-    if (text.empty() || (text[0] >= '0' && text[0] <= '9')) text.insert(0, "MSG_");
+    if (text.empty() || (text[0] >= '0' && text[0] <= '9') || isKeyword(text))
+        text.insert(0, "MSG_");
     return text;
 }
 
@@ -29,6 +31,11 @@ std::string commentLines(const std::string& comment) {
         std::string line = comment.substr(begin, end - begin);
         // A backslash at the end would take the next line into the comment.
         line.erase(line.find_last_not_of(" \t\\") + 1);
+        // So would its trigraph, two question marks and a slash.
+        const std::size_t slash = line.size() - 1;
+        if (line.size() >= 3 && line[slash] == '/' && line[slash - 1] == '?' &&
+            line[slash - 2] == '?')
+            line += '.';
         out += line.empty() ? "    ///\n" : "    /// " + line + "\n";
         begin = end + 1;
     }

@@ -1,8 +1,11 @@
+#include <unistd.h>
+
 #include <cstdio>
 
 #include "QBLCore/Resources/QBLResourceBMF.hpp"
 #include "QBLCore/Resources/QBLResourceFactory.hpp"
 #include "tools/common/Files.hpp"
+#include "tools/common/Shown.hpp"
 #include "tools/qblmsgc/BmfBytes.hpp"
 #include "tools/qblmsgc/Commands.hpp"
 #include "tools/qblmsgc/Dump.hpp"
@@ -44,11 +47,13 @@ Status where(const Options& options) {
     const char* locales = options.operands.size() > 1 ? options.operands[1].c_str()
                                                       : QBLResourceFactory::g_defaultLocaleID;
     const std::string used = QBLResourceFactory::find(base, locales);
+    const bool isTerminal = isatty(STDOUT_FILENO) != 0;
     bool isMarked = false;
     for (const std::string& candidate : QBLResourceFactory::getCandidates(base, locales)) {
         const bool isUsed = !isMarked && candidate == used;
         isMarked = isMarked || isUsed;
-        std::printf("%c %s\n", isUsed ? '*' : ' ', candidate.c_str());
+        std::printf("%c %s\n", isUsed ? '*' : ' ',
+                    isTerminal ? tools::shown(candidate).c_str() : candidate.c_str());
     }
     if (used.empty()) return complain(kErrors, MSGC_NOT_FOUND, {base, locales});
     QBLResourceBMF resource(0);

@@ -58,7 +58,8 @@ QBLMessageParm parameterOf(const XmlNode& node) {
     if (type == "double" && parse(value, real)) return QBLMessageParm(real);
     if (type == "msgid" && parse(value, whole, 16))
         return QBLMessageParm(static_cast<unsigned long>(whole), 1);
-    return QBLMessageParm(QBLMsgParmUnknown);
+    // What is not of its type is shown as it is.
+    return value.empty() ? QBLMessageParm(QBLMsgParmUnknown) : QBLMessageParm(value.c_str());
 }
 
 class Printer {
@@ -80,8 +81,9 @@ public:
 
 private:
     void printError(const XmlNode& error) {
-        printIndented(0, say(MSGC_REPORT_ERROR, {error.attribute("Name"), error.attribute("Error"),
-                                                 severityOf(error)}));
+        printIndented(
+            0, say(MSGC_REPORT_ERROR, {tools::shown(error.attribute("Name")),
+                                       tools::shown(error.attribute("Error")), severityOf(error)}));
         if (const XmlNode* const messages = error.child("Messages")) {
             if (const XmlNode* const text = messages->child("MessageText"))
                 printIndented(1, text->text);
@@ -95,8 +97,14 @@ private:
     }
 
     void printMessages(const XmlNode& messages, unsigned level) {
-        for (const XmlNode& message : messages.children)
-            if (message.name == "Message") printMessage(message, level);
+        if (messages.text.find_first_not_of(" \t\r\n") != std::string::npos)
+            printIndented(level, messages.text);
+        for (const XmlNode& message : messages.children) {
+            if (message.name == "Message")
+                printMessage(message, level);
+            else if (message.name != "MessageText")
+                printMessages(message, level);
+        }
     }
 
     void printMessage(const XmlNode& message, unsigned level) {
@@ -113,9 +121,10 @@ private:
         if (components == nullptr) return text != nullptr ? text->text : std::string();
         std::uint32_t id = 0;
         const std::string file = fileOf(message.attribute("File"));
-        static_cast<void>(parse(components->attribute("ID"), id, 16));
+        const std::string& number = components->attribute("ID");
+        const bool isId = parse(number, id, 16);
         // Of the file only the name is believed: it is looked for where programs find catalogues.
-        if (!file.empty() && file != "." && file != "..") {
+        if (isId && !file.empty() && file != "." && file != "..") {
             QBLMessage made(file.c_str(), id);
             if (const XmlNode* const parameters = components->child("MessageParms"))
                 for (const XmlNode& each : parameters->children) made << parameterOf(each);
@@ -125,9 +134,10 @@ private:
             if (shown != element) return shown.toUtf8();
         }
         const std::string& kind = message.attribute("Name");
-        if (kind == "QBLErrnoMessage") return std::strerror(static_cast<int>(id));
+        if (isId && kind == "QBLErrnoMessage") return std::strerror(static_cast<int>(id));
         return say(MSGC_REPORT_NO_TEXT,
-                   {file.empty() ? kind : file, std::to_string(id) + valuesOf(*components)});
+                   {tools::shown(file.empty() ? kind : file),
+                    (isId ? std::to_string(id) : tools::shown(number)) + valuesOf(*components)});
     }
 
     static std::string valuesOf(const XmlNode& components) {
@@ -150,7 +160,7 @@ private:
         const std::string& severity = node.attribute("Severity");
         for (const auto& each : kSeverities)
             if (severity == each.name) return say(each.text);
-        return severity;
+        return tools::shown(severity);
     }
 
     /// The tool's own words, in the language of the report.
@@ -163,7 +173,8 @@ private:
         std::string out = indent;
         for (const char c : tools::shownText(text)) {
             out += c;
-            if (c == '\n') out += indent + "  ";
+            // Nothing in a text looks like a message of its own.
+            if (c == '\n') out += indent + "  | ";
         }
         std::printf("%s\n", out.c_str());
     }

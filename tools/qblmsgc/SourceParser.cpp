@@ -25,36 +25,6 @@ unsigned digitOf(char c) {
     return 16;
 }
 
-/// Whether no enumerator can have that name: a keyword of C++20 or C17, or NULL.
-bool isKeyword(const std::string& name) {
-    static const std::set<std::string> words = {
-        "NULL",        "alignas",      "alignof",      "and",
-        "and_eq",      "asm",          "auto",         "bitand",
-        "bitor",       "bool",         "break",        "case",
-        "catch",       "char",         "char16_t",     "char32_t",
-        "char8_t",     "class",        "co_await",     "co_return",
-        "co_yield",    "compl",        "concept",      "const",
-        "const_cast",  "consteval",    "constexpr",    "constinit",
-        "continue",    "decltype",     "default",      "delete",
-        "do",          "double",       "dynamic_cast", "else",
-        "enum",        "explicit",     "export",       "extern",
-        "false",       "float",        "for",          "friend",
-        "goto",        "if",           "inline",       "int",
-        "long",        "mutable",      "namespace",    "new",
-        "noexcept",    "not",          "not_eq",       "nullptr",
-        "operator",    "or",           "or_eq",        "private",
-        "protected",   "public",       "register",     "reinterpret_cast",
-        "requires",    "restrict",     "return",       "short",
-        "signed",      "sizeof",       "static",       "static_assert",
-        "static_cast", "struct",       "switch",       "template",
-        "this",        "thread_local", "throw",        "true",
-        "try",         "typedef",      "typeid",       "typename",
-        "typeof",      "union",        "unsigned",     "using",
-        "virtual",     "void",         "volatile",     "wchar_t",
-        "while",       "xor",          "xor_eq"};
-    return words.count(name) != 0;
-}
-
 class Parser {
 public:
     Parser(const Source& source, Report& report)
@@ -255,6 +225,35 @@ private:
 };
 
 }  // namespace
+
+bool isKeyword(const std::string& name) {
+    static const std::set<std::string> words = {
+        "NULL",        "alignas",      "alignof",      "and",
+        "and_eq",      "asm",          "auto",         "bitand",
+        "bitor",       "bool",         "break",        "case",
+        "catch",       "char",         "char16_t",     "char32_t",
+        "char8_t",     "class",        "co_await",     "co_return",
+        "co_yield",    "compl",        "concept",      "const",
+        "const_cast",  "consteval",    "constexpr",    "constinit",
+        "continue",    "decltype",     "default",      "delete",
+        "do",          "double",       "dynamic_cast", "else",
+        "enum",        "explicit",     "export",       "extern",
+        "false",       "float",        "for",          "friend",
+        "goto",        "if",           "inline",       "int",
+        "long",        "mutable",      "namespace",    "new",
+        "noexcept",    "not",          "not_eq",       "nullptr",
+        "operator",    "or",           "or_eq",        "private",
+        "protected",   "public",       "register",     "reinterpret_cast",
+        "requires",    "restrict",     "return",       "short",
+        "signed",      "sizeof",       "static",       "static_assert",
+        "static_cast", "struct",       "switch",       "template",
+        "this",        "thread_local", "throw",        "true",
+        "try",         "typedef",      "typeid",       "typename",
+        "typeof",      "union",        "unsigned",     "using",
+        "virtual",     "void",         "volatile",     "wchar_t",
+        "while",       "xor",          "xor_eq"};
+    return words.count(name) != 0;
+}
 
 Entries parseSource(const Source& source, Report& report) { return Parser(source, report).parse(); }
 

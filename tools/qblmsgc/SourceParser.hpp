@@ -7,6 +7,10 @@
 
 namespace msgc {
 
+/// Whether no enumerator or enum of a header can have that name: a keyword of C++20 or C17, or
+/// NULL.
+bool isKeyword(const std::string& name);
+
 /// Reads a source: UTF-8, by lines.
 ///
 ///     # a comment; those right above a message belong to it
