@@ -204,6 +204,7 @@ TEST_F(QBLThreadPoolTest, WhatATaskDoesToItsCancellationEndsWithIt) {
         int state = -1, type = -1;
         Gate done;
         void run() override {
+            // NOLINTNEXTLINE(concurrency-thread-canceltype-asynchronous): as a task may leave it
             pthread_setcanceltype(PTHREAD_CANCEL_ASYNCHRONOUS, &type);
             pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &state);
             done.open();
