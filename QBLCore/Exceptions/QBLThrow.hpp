@@ -24,7 +24,7 @@
 
 /// Throws a QBLAssertError whose text is the statement itself unless the condition holds.
 /// Never compiled out. The condition may contain commas; names are not expanded in the text.
-/// A text alone or behind a last comma, which would always hold, is refused by the compiler.
+/// A string literal, alone or after the last comma, always holds: the compiler refuses it.
 #define QBL_ASSERT(...)                                                                      \
     ((__VA_ARGS__) ? static_cast<void>(sizeof(QBLAssertHolds<!qblEndsInText(#__VA_ARGS__)>)) \
                    : qblAssertFailed(QBL_HERE, "QBL_ASSERT(" #__VA_ARGS__ ");"))
@@ -34,9 +34,9 @@
     (qblHolds(__VA_ARGS__) ? static_cast<void>(0) \
                            : qblAssertFailed(QBL_HERE, "QBL_ASSERT_NAMED(" #__VA_ARGS__ ");"))
 
-/// Whether nothing but string literals is behind the last comma outside of brackets in the source
-/// of a condition, or in the whole if it has none. It is told from the source, as the type cannot
-/// be asked for of every condition: not of one with a lambda in it.
+/// Whether only string literals follow the last comma outside of brackets in the source of a
+/// condition. Without such a comma the whole source counts. The source is read because the type of
+/// a condition that contains a lambda cannot be had.
 constexpr bool qblEndsInText(const char* source) {
     bool text = false, other = false;
     int depth = 0;

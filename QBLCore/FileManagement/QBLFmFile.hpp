@@ -47,9 +47,9 @@ public:
     virtual long write(const void* buffer, unsigned long size);
     /// @return the new position; -1 on failure, but 0 on a standard stream that cannot seek
     virtual long seek(long offset, seekorigin origin);
-    /// Goes to the end and copies the rest of another file there, from where that one stands. Of
-    /// a file appended to itself, through another object or the same, what was behind that place at
-    /// the start is copied. After a failure what was copied so far stays.
+    /// Goes to the end and copies the rest of another file there, from where that one stands. A
+    /// file may be appended to itself, also by another object: the bytes from that place to the end
+    /// that the file had before are copied. After a failure what was copied so far stays.
     virtual bool append(QBLFmFile& other);
     /// Opens a file, closing one that is open; a new one gets mode 0666 less the umask.
     /// @param readOnly  0 opens for reading and writing, whatever the flags say

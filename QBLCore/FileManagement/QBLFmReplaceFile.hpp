@@ -12,8 +12,8 @@ class QBLFmDirectory;
 /// only leave the unfinished version behind, under a name that begins with ".QBLFm".
 ///
 /// - The new version has the mode of the old one, its access control list and its extended
-///   attributes, but for capabilities and signatures of its content; without an old one, 0666 less
-///   the umask. In place of an old one, only its owner may look into it until it is committed.
+///   attributes except capabilities and signatures of the content. Without an old one its mode is
+///   0666 less the umask. If there is an old one, only the owner can read it until the commit.
 /// - It has the old one's owner and group as far as the caller may give them. Where not, bits that
 ///   would run it as its owner or group are taken off, and a group of its own may do no more than
 ///   everybody. A list that cannot be kept leaves the group what it gave the group itself;

@@ -23,8 +23,8 @@ int skipLetters(const icu::UnicodeString& text, int i) {
 /// Whether a comma begins ", choice," or one of its kind.
 bool beginsChoice(const icu::UnicodeString& text, int comma) {
     const int begin = skipWhiteSpace(text, comma + 1), end = skipLetters(text, begin);
-    const int behind = skipWhiteSpace(text, end);
-    if (behind == text.length() || text[behind] != u',') return false;
+    const int next = skipWhiteSpace(text, end);
+    if (next == text.length() || text[next] != u',') return false;
     for (const char16_t* kind : {u"choice", u"plural", u"select", u"selectordinal"})
         if (text.caseCompareBetween(begin, end, kind, 0, u_strlen(kind), U_FOLD_CASE_DEFAULT) == 0)
             return true;
