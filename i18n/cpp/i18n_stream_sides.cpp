@@ -395,7 +395,7 @@ void I18NStreamOutput::found(UConverterFromUnicodeArgs* args, const UChar* units
     try {
         m_finding.bestFit =
             m_bFits && reason == UCNV_UNASSIGNED && m_mappings.hasFit(units, length);
-        m_finder.found(m_finding);
+        m_pReplacement = m_finder.found(m_finding);
     } catch (abi::__forced_unwind&) {
         throw;
     } catch (...) {
@@ -409,13 +409,25 @@ void I18NStreamOutput::found(UConverterFromUnicodeArgs* args, const UChar* units
 void I18NStreamOutput::treat(UConverterFromUnicodeArgs* args, const UChar* units, int length,
                              UChar32 codePoint, UConverterCallbackReason reason,
                              UErrorCode* status) {
-    if (!m_finding.bestFit)
-        return m_policy(m_pPolicyContext, args, units, length, codePoint, reason, status);
-    // In the shift state that there is.
+    if (m_finding.bestFit) {
+        ucnv_setFallback(m_pICU, true);
+        write(args, units, static_cast<std::size_t>(length), status);
+        ucnv_setFallback(m_pICU, false);
+    } else if (m_pReplacement != nullptr) {
+        // Nobody is told about what the encoding lacks of it.
+        m_bLeavesOut = true;
+        write(args, m_pReplacement->units, m_pReplacement->count, status);
+        m_bLeavesOut = false;
+    } else {
+        m_policy(m_pPolicyContext, args, units, length, codePoint, reason, status);
+    }
+}
+
+// In the shift state that there is.
+void I18NStreamOutput::write(UConverterFromUnicodeArgs* args, const UChar* units,
+                             std::size_t length, UErrorCode* status) {
     *status = U_ZERO_ERROR;
-    ucnv_setFallback(m_pICU, true);
-    ucnv_cbFromUWriteUChars(args, &units, units + length, 0, status);
-    ucnv_setFallback(m_pICU, false);
+    if (length > 0) ucnv_cbFromUWriteUChars(args, &units, units + length, 0, status);
 }
 
 void I18NStreamOutput::callback(const void* context, UConverterFromUnicodeArgs* args,

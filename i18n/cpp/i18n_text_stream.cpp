@@ -20,6 +20,10 @@ void I18NTextStream::put(const char* block, std::size_t size) { m_pState->put(bl
 void I18NTextStream::put(const char16_t* units, std::size_t count) { m_pState->put(units, count); }
 void I18NTextStream::finish() { m_pState->finish(); }
 
+void I18NTextStream::replaceBy(const char16_t* units, std::size_t count) {
+    m_pState->replaceBy(units, count);
+}
+
 const char* I18NTextStream::getBytes() const {
     return m_pState->hasOutput() ? m_pState->result().begin() : nullptr;
 }

@@ -42,8 +42,8 @@ public:
     virtual ~I18NTextStreamListener();
 
     /// Called within put() and finish(), in the order of the text, on their thread, and before a
-    /// policy treats it; may not use the stream. What it throws comes out there, and ends the
-    /// stream in front of it.
+    /// policy treats it; may not use the stream, except for I18NTextStream::replaceBy(). What it
+    /// throws comes out there, and ends the stream in front of it.
     virtual void unconvertible(const I18NUnconvertible& what) = 0;
 };
 
@@ -114,6 +114,15 @@ public:
     /// Ends the text: a sequence cut off is not convertible, and an encoding with shift states
     /// goes back to its first one. There is output of this call, too.
     void finish();
+
+    /// Replaces the code point that the listener is being told of, in place of the policy, by a
+    /// text that the output's encoding has; what it lacks of the text is left out. The code point
+    /// counts as replaced.
+    /// @param units  copied
+    /// @param count  at most 8; 0 leaves the code point out
+    /// @throws QBLIllegalStateError unless called within unconvertible() for output that is not a
+    ///         best fit; I18NRuntimeError with I18N_ARGUMENT if the text is null or too long
+    void replaceBy(const char16_t* units, std::size_t count);
 
     /// The output of the last put() or finish(), until the next one. Bytes if there is a converter
     /// for them, else text; the other pair gives null and 0. It does not end with a NUL.

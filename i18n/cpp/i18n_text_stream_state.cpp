@@ -15,6 +15,8 @@ namespace {
 const char kNoConverter[] = "I18NTextStream::I18NTextStream: there is no converter";
 const char kNothingToChoose[] = "I18NTextStream::I18NTextStream: UTF-16 has no encoding to choose";
 const char kBadBlock[] = "I18NTextStream::put: the block is null, or not what the stream reads";
+const char kNotAsked[] = "I18NTextStream::replaceBy: nothing is to be replaced";
+const char kBadReplacement[] = "I18NTextStream::replaceBy: the text is null or too long";
 const char kEnded[] = "I18NTextStream: the stream has ended";
 // At most 60 characters of the name are shown.
 const char kBadBytes[] = "I18NTextStream: byte %lld, line %lld, column %lld:%s is %s %.60s";
@@ -270,10 +272,28 @@ I18NUnconvertible I18NTextStreamState::described(const I18NOutputFinding& findin
     return what;
 }
 
-void I18NTextStreamState::found(const I18NOutputFinding& finding) {
+const I18NReplacement* I18NTextStreamState::found(const I18NOutputFinding& finding) {
     tellInputs(finding.at, false);
-    tell(described(finding));
+    m_bReplaced = false;
+    m_bMayReplace = !finding.bestFit;
+    try {
+        tell(described(finding));
+    } catch (...) {
+        m_bMayReplace = false;
+        throw;
+    }
+    m_bMayReplace = false;
     ++(finding.bestFit ? m_iBestFits : m_iReplacedOutput);
+    return m_bReplaced ? &m_replacement : nullptr;
+}
+
+void I18NTextStreamState::replaceBy(const char16_t* units, std::size_t count) {
+    if (!m_bMayReplace) QBL_THROW(QBLIllegalStateError(0, kNotAsked));
+    if (count > I18NReplacement::kMost || (units == nullptr && count > 0))
+        QBL_THROW(I18NRuntimeError(I18N_ARGUMENT, kBadReplacement));
+    std::copy_n(units, count, m_replacement.units);
+    m_replacement.count = count;
+    m_bReplaced = true;
 }
 
 void I18NTextStreamState::tell(const I18NUnconvertible& what) {

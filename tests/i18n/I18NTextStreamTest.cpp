@@ -247,6 +247,56 @@ TEST(I18NTextStreamTest, TellsBestFitsOrTreatsThemAsLacking) {
     }
 }
 
+// Puts the digits of each code point in place of it, as long as they are few.
+struct Replacing : I18NTextStreamListener {
+    I18NTextStream* stream = nullptr;
+    void unconvertible(const I18NUnconvertible& what) override {
+        if (!what.isOutput) {
+            QBL_EXPECT_THROW(stream->replaceBy(u"x", 1), QBLIllegalStateError,
+                             "I18NTextStream::replaceBy: nothing is to be replaced");
+            return;
+        }
+        std::u16string text = u"<<\x3042\xE9";
+        for (const char c : std::to_string(what.codePoint)) text += static_cast<char16_t>(c);
+        if (what.codePoint == u'\xE8') return stream->replaceBy(nullptr, 0);
+        if (text.size() <= 8) return stream->replaceBy(text.data(), text.size());
+        EXPECT_THROW(stream->replaceBy(text.data(), text.size()), I18NRuntimeError);
+    }
+};
+
+TEST(I18NTextStreamTest, WritesWhatTheListenerReplacesCharactersBy) {
+    const char* const text = "\xE6\x97\xA5\xC3\xA9\xC3\xA8\xFFz\xE2\x82\xAC\xC5\x81";
+    const struct {
+        const char *encoding, *output;
+    } table[] = {
+        // Back and forth between the shift states; what the encoding lacks of a text is left out.
+        {"ISO-2022-JP",
+         "\x1B$BF|\x1B(B<<\x1B$B$\"\x1B(B233%UFFFDz<<\x1B$B$\"\x1B(B8364<<\x1B$B$\"\x1B(B321"},
+        {"US-ASCII", "%U65E5<<233%UFFFDz<<8364<<321"},
+        {"Shift_JIS",
+         "\x93\xFA<<\x82\xA0\x32\x33\x33%UFFFDz<<\x82\xA0\x38\x33\x36\x34<<\x82\xA0\x33\x32\x31"},
+    };
+    for (const auto& row : table)
+        for (std::size_t cut = 1; cut < 9; ++cut) {
+            I18NConverter from = withPolicy("UTF-8", I18N_SUBSTITUTE);
+            I18NConverter to = withPolicy(row.encoding, I18N_ESCAPE);
+            to.useFallback(false);
+            Replacing listener;
+            I18NTextStream stream(&from, &to, I18N_MARK_KEEP, &listener);
+            listener.stream = &stream;
+            std::string output;
+            for (std::size_t at = 0; at < std::strlen(text); at += cut) {
+                stream.put(text + at, std::min(cut, std::strlen(text) - at));
+                output.append(stream.getBytes(), stream.getByteCount());
+            }
+            stream.finish();
+            output.append(stream.getBytes(), stream.getByteCount());
+            EXPECT_EQ(row.output, output) << row.encoding << cut;
+            QBL_EXPECT_THROW(stream.replaceBy(u"x", 1), QBLIllegalStateError,
+                             "I18NTextStream::replaceBy: nothing is to be replaced");
+        }
+}
+
 TEST(I18NTextStreamTest, HasNothingBehindWhatTheListenerRefuses) {
     struct Refuse : I18NTextStreamListener {
         void unconvertible(const I18NUnconvertible&) override { throw 5; }

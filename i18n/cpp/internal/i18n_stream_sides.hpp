@@ -33,10 +33,18 @@ struct I18NOutputFinding {
     bool bestFit;
 };
 
+/// A text to write in place of a code point.
+struct I18NReplacement {
+    static constexpr std::size_t kMost = 8;  // that fit where ICU keeps what does not fit elsewhere
+    char16_t units[kMost];
+    std::size_t count;
+};
+
 /// Hears of a code point once all in front of it is converted, and before the policy is asked.
 class I18NOutputFinder {
 public:
-    virtual void found(const I18NOutputFinding& finding) = 0;
+    /// @return what to write; null to ask the policy. It is used before the next call.
+    virtual const I18NReplacement* found(const I18NOutputFinding& finding) = 0;
 
 protected:
     ~I18NOutputFinder() = default;
@@ -165,6 +173,8 @@ private:
                UConverterCallbackReason reason, UErrorCode* status);
     void treat(UConverterFromUnicodeArgs* args, const UChar* units, int length, UChar32 codePoint,
                UConverterCallbackReason reason, UErrorCode* status);
+    static void write(UConverterFromUnicodeArgs* args, const UChar* units, std::size_t length,
+                      UErrorCode* status);
     static void callback(const void* context, UConverterFromUnicodeArgs* args, const UChar* units,
                          int32_t length, UChar32 codePoint, UConverterCallbackReason reason,
                          UErrorCode* status);
@@ -181,7 +191,8 @@ private:
     UConverterFromUCallback m_policy = nullptr;
     const void* m_pPolicyContext = nullptr;
     I18NOutputFinding m_finding = {};
-    std::exception_ptr m_thrown;  // by the finder
+    const I18NReplacement* m_pReplacement = nullptr;  // of that finding
+    std::exception_ptr m_thrown;                      // by the finder
     bool m_bRefused = false;
     bool m_bUnfinished = false;
     bool m_bLeavesOut = false;  // what is not convertible, without a finding

@@ -19,6 +19,7 @@ public:
     void put(const char* block, std::size_t size);
     void put(const char16_t* units, std::size_t count);
     void finish();
+    void replaceBy(const char16_t* units, std::size_t count);
 
     bool hasOutput() const { return m_pOutput != nullptr; }
     const I18NStreamBuffer& result() const { return m_result; }
@@ -42,7 +43,7 @@ private:
     std::size_t portion(std::size_t units, Ending ending) const;
     std::size_t nextFinding(std::size_t end) const;
     void keepUndecided();
-    void found(const I18NOutputFinding& finding) override;
+    const I18NReplacement* found(const I18NOutputFinding& finding) override;
     void tellInputs(std::int64_t end, bool isRefused);
     void tellInput(const I18NInputFinding& finding, bool isRefused);
     I18NUnconvertible described(const I18NOutputFinding& finding);
@@ -73,6 +74,9 @@ private:
     std::int64_t m_iReplacedOutput = 0;
     std::int64_t m_iBestFits = 0;
     std::size_t m_iTold = 0;  // findings of the input
+    I18NReplacement m_replacement = {};
+    bool m_bMayReplace = false;  // the listener is being told of what can be replaced
+    bool m_bReplaced = false;
     char16_t m_text[kText];
 };
 
