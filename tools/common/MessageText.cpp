@@ -1,12 +1,44 @@
 #include "tools/common/MessageText.hpp"
 
+#include <unicode/fmtable.h>
+#include <unicode/locid.h>
+#include <unicode/msgfmt.h>
+
+#include <algorithm>
+#include <cstring>
 #include <utility>
 
 #include "QBLCore/Messages/QBLMessageString.hpp"
 #include "QBLCore/Messages/QBLXmlEscape.hpp"
 #include "i18n/cpp/i18n_string.hpp"
+#include "tools/common/BuiltInTexts.hpp"
 
 namespace tools {
+
+namespace {
+
+const char kElement[] = "<Message ";  // what a message without a text shows begins with
+constexpr std::size_t kMostDetails = 10;
+
+/// A text that no catalogue has, as QBLMessage fills in those of catalogues.
+std::string filledIn(const char* text, const Details& details) {
+    if (details.empty() && std::strstr(text, "{0") == nullptr) return text;
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::MessageFormat pattern(icu::UnicodeString::fromUTF8(text), icu::Locale::getEnglish(),
+                                     status);
+    icu::Formattable values[kMostDetails];
+    const std::size_t count = std::min(details.size(), kMostDetails);
+    for (std::size_t i = 0; i < count; ++i)
+        values[i] = icu::Formattable(icu::UnicodeString::fromUTF8(details[i]));
+    icu::UnicodeString filled;
+    icu::FieldPosition position(icu::FieldPosition::DONT_CARE);
+    if (U_SUCCESS(status))
+        pattern.format(values, static_cast<int32_t>(count), filled, position, status);
+    std::string utf8;
+    return U_SUCCESS(status) ? filled.toUTF8String(utf8) : text;
+}
+
+}  // namespace
 
 MessageText::MessageText(const std::string& catalogue, std::string locales)
     : m_message(catalogue.c_str()), m_locales(std::move(locales)) {}
@@ -17,7 +49,12 @@ std::string MessageText::text(unsigned id, const Details& details) {
     for (const std::string& detail : details) m_message << I18NString(detail.c_str());
     I18NString text;
     m_message.format(m_locales.c_str(), nullptr, text);
-    return text.toUtf8();
+    std::string utf8 = text.toUtf8();
+    if (utf8.compare(0, sizeof kElement - 1, kElement) != 0) return utf8;
+    I18NString element;
+    m_message.toString(m_locales.c_str(), nullptr, element, 0);
+    const char* const builtIn = text == element ? builtInText(id) : nullptr;
+    return builtIn != nullptr ? filledIn(builtIn, details) : utf8;
 }
 
 // The element of the message itself would have the catalogue's path, with whatever is in that.

@@ -12,7 +12,8 @@ namespace tools {
 /// What a message is filled in with. Numbers come as texts where they are to stay as they are.
 using Details = std::vector<std::string>;
 
-/// The messages of a tool's catalogue, in a language.
+/// The messages of a tool's catalogue, in a language. Where there is no catalogue, or none that can
+/// be read, they have the English texts that are built into the program.
 ///
 /// Threads: one at a time for each object.
 class MessageText {

@@ -8,6 +8,7 @@
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
 #include "QBLCore/Frame/QBLCore.h"
 #include "i18n/cpp/i18n_init.h"
+#include "tools/common/BuiltInTexts.hpp"
 #include "tools/qblconv/Interrupt.hpp"
 #include "tools/qblconv/Run.hpp"
 
@@ -36,6 +37,7 @@ int main(int argc, char** argv) {
     conv::catchInterrupts();
     // The installation's bin directory, one of those that catalogues are sought in, is known then.
     qblCoreInitialize();
+    tools::useBuiltInTexts();
     int status = conv::kFailed;
     try {
         I18NInitialize();  // reads what the policy "lookup" looks up

@@ -4,6 +4,7 @@
 
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
 #include "QBLCore/Frame/QBLCore.h"
+#include "tools/common/BuiltInTexts.hpp"
 #include "tools/common/Help.hpp"
 #include "tools/qblmsgc/Commands.hpp"
 #include "tools/qblmsgc/Environment.hpp"
@@ -65,6 +66,7 @@ int runCommandLine(int argc, char** argv) {
 int main(int argc, char** argv) {
     // The installation's bin directory, one of those that catalogues are sought in, is known then.
     qblCoreInitialize();
+    tools::useBuiltInTexts();
     int status = msgc::kErrors;
     try {
         status = runCommandLine(argc, argv);
