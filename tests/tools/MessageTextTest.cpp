@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "tests/tools/RunTool.hpp"
+#include "tools/common/LocaleText.hpp"
 
 TEST(MessageTextTest, WithoutCataloguesTheTextsAreTheEnglishOnes) {
     TempTree tree;
@@ -22,4 +23,63 @@ TEST(MessageTextTest, WithoutCataloguesTheTextsAreTheEnglishOnes) {
             }
         }
     }
+}
+
+TEST(LocaleTextTest, TheEncodingIsTheLocales) {
+    const struct {
+        const char *all, *ctype, *lang, *encoding, *name;
+    } table[] = {
+        {"", "", "", "UTF-8", "US-ASCII"},
+        {"C", "de_DE.ISO-8859-1", "", "UTF-8", "US-ASCII"},
+        {"", "POSIX", "ja_JP.EUC-JP", "UTF-8", "US-ASCII"},
+        {"", "", "ja_JP.eucJP", "eucJP", "eucJP"},
+        {"de_DE.ISO-8859-15@euro", "", "C", "ISO-8859-15", "ISO-8859-15"},
+        {"en_US.ascii", "", "", "US-ASCII", "US-ASCII"},
+        // Neither names that nothing knows, nor encodings that no terminal has.
+        {"xx_XX", "ja_JP.EUC-JP", "", "UTF-8", "UTF-8"},
+        {"xx_XX.nonsense", "", "", "UTF-8", "UTF-8"},
+        {"xx_XX.UTF-16", "", "", "UTF-8", "UTF-8"},
+        {"xx_XX.ibm-37", "", "", "UTF-8", "UTF-8"},
+    };
+    const char* const names[] = {"LC_ALL", "LC_CTYPE", "LANG"};
+    for (const auto& row : table) {
+        const char* const values[] = {row.all, row.ctype, row.lang};
+        for (int i = 0; i < 3; ++i) setenv(names[i], values[i], 1);
+        EXPECT_EQ(row.encoding, tools::localeEncoding()) << row.all << row.lang;
+        EXPECT_EQ(row.name, tools::localeEncodingName()) << row.all << row.lang;
+    }
+    for (const char* const name : names) unsetenv(name);
+}
+
+TEST(LocaleTextTest, TextsForPeopleComeInItAndDataInUtf8) {
+    const std::string name = "\xC3\xA9\xE3\x81\x82";  // the second is Japanese
+    const std::string latin1 = "\xE9\\xE3\\x81\\x82", euc = "\x8F\xAB\xB1\xA4\xA2";
+    TempTree tree;
+    tree.file(name, "# \xFF");
+    tree.file("t_en.msg", "1 \"" + name + "\"\n");
+    tree.file("report", "<Message Name=\"a\" ><MessageText>" + name + "</MessageText></Message>");
+    const struct {
+        std::string command, shown;  // with $ for the name
+    } table[] = {
+        {"'" QBL_CONV "' -L en -n " + name, "$:1:3: byte 2: FF is not UTF-8\n"},
+        {"'" QBL_CONV "' -L en -f " + name + " report",
+         "qblconv: no such encoding: $ (qblconv -l lists all)\n"},
+        {"'" QBL_MSGC "' -L en -c " + name, "$:1:3: not UTF-8\n"},
+        {"'" QBL_MSGC "' t_en.msg && '" QBL_MSGC "' -g 1 t_en.bmf", "$\n"},
+        {"'" QBL_MSGC "' -s report en", ": $\n"},
+    };
+    const auto with = [](std::string text, const std::string& shown) {
+        const std::size_t at = text.find('$');
+        return at == text.npos ? text : text.replace(at, 1, shown);
+    };
+    for (const auto& row : table) {
+        EXPECT_EQ(with(row.shown, name), runTool(tree, row.command, "LC_ALL=ja_JP.UTF-8").output);
+        EXPECT_EQ(with(row.shown, latin1),
+                  runTool(tree, row.command, "LC_ALL=fr_FR.ISO-8859-1").output);
+        EXPECT_EQ(with(row.shown, euc), runTool(tree, row.command, "LC_ALL=ja_JP.EUC-JP").output);
+    }
+    for (const char* const data : {"'" QBL_MSGC "' -d t_en.bmf", "'" QBL_CONV "' -XLfr -n *\x82",
+                                   "'" QBL_MSGC "' -cX *\x82", "cat report | '" QBL_CONV "'"})
+        EXPECT_NE(std::string::npos,
+                  runTool(tree, data, "LC_ALL=fr_FR.ISO-8859-1").output.find(name));
 }

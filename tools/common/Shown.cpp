@@ -35,16 +35,22 @@ std::string withoutControls(const std::string& text, const char* kept, bool isQu
             continue;
         }
         i = std::max(i, begin + 1);
-        for (std::size_t k = begin; k < i; ++k) {
-            const auto byte = static_cast<unsigned char>(text[k]);
-            out.append("\\x").append(1, "0123456789ABCDEF"[byte >> 4]);
-            out.append(1, "0123456789ABCDEF"[byte & 15]);
-        }
+        out += inHex(text.substr(begin, i - begin));
     }
     return out;
 }
 
 }  // namespace
+
+std::string inHex(const std::string& bytes) {
+    std::string out;
+    for (const char c : bytes) {
+        const auto byte = static_cast<unsigned char>(c);
+        out.append("\\x").append(1, "0123456789ABCDEF"[byte >> 4]);
+        out.append(1, "0123456789ABCDEF"[byte & 15]);
+    }
+    return out;
+}
 
 std::string shown(const std::string& name) { return withoutControls(name, "", true); }
 

@@ -18,6 +18,9 @@ Details shown(const Details& names);
 /// stay, and that a backslash is a backslash.
 std::string shownText(const std::string& text);
 
+/// Each byte as \xHH.
+std::string inHex(const std::string& bytes);
+
 }  // namespace tools
 
 #endif

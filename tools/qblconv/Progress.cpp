@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
+#include "tools/common/LocaleText.hpp"
 #include "tools/qblconv/qblconvmsgs.hpp"
 
 namespace conv {
@@ -45,7 +46,7 @@ void Progress::show() {
     QBLThreadGuard guard(m_lock);
     const std::string text =
         m_texts.text(CONV_PROGRESS, {std::to_string(m_files), std::to_string(m_bytes / kMega)});
-    std::fprintf(stderr, "\r\033[K%s", text.c_str());
+    std::fprintf(stderr, "\r\033[K%s", tools::localText(text).c_str());
     std::fflush(stderr);
     m_isShown = true;
 }

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
+#include "tools/common/LocaleText.hpp"
 
 namespace conv {
 
@@ -27,6 +28,7 @@ bool Report::close() {
 void Report::write(const std::string& text) {
     if (text.empty()) return;
     m_progress.clear();
+    if (m_form == Form::kText) return tools::printText(m_out, text);
     std::fwrite(text.data(), 1, text.size(), m_out);
 }
 

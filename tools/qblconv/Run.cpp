@@ -17,6 +17,7 @@
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "tools/common/Environment.hpp"
 #include "tools/common/Help.hpp"
+#include "tools/common/LocaleText.hpp"
 #include "tools/qblconv/Encodings.hpp"
 #include "tools/qblconv/Interrupt.hpp"
 #include "tools/qblconv/Join.hpp"
@@ -220,7 +221,7 @@ void sayNothingDone(const Options& options, const Problem& problem, tools::Messa
         std::fprintf(out, "<Messages>\n%s\n</Messages>\n",
                      texts.element(QBLSeverityError, problem.id, details).c_str());
     else
-        std::fprintf(out, "%s\n", texts.text(problem.id, details).c_str());
+        tools::printText(out, texts.text(problem.id, details) + "\n");
 }
 
 }  // namespace
@@ -234,9 +235,9 @@ Status run(int argc, char** argv) {
     if (!isUsage) {
         switch (options.mode) {
             case Mode::kHelp:
-                std::fputs(texts.text(CONV_USAGE).c_str(), stdout);
-                std::fputs(tools::describeOptions(knownOptions(), texts).c_str(), stdout);
-                std::fputs(texts.text(CONV_USAGE_END).c_str(), stdout);
+                tools::printText(stdout, texts.text(CONV_USAGE));
+                tools::printText(stdout, tools::describeOptions(knownOptions(), texts));
+                tools::printText(stdout, texts.text(CONV_USAGE_END));
                 return kDone;
             case Mode::kCompletions:
                 std::fputs(tools::completionScript("qblconv", options.shell, knownOptions(), texts)
@@ -244,7 +245,7 @@ Status run(int argc, char** argv) {
                            stdout);
                 return kDone;
             case Mode::kVersion:
-                std::printf("%s\n", texts.text(CONV_VERSION, {QBL_VERSION}).c_str());
+                tools::printText(stdout, texts.text(CONV_VERSION, {QBL_VERSION}) + "\n");
                 return kDone;
             case Mode::kList:
                 return listEncodings(options.operands.empty() ? "" : options.operands[0]) ? kDone

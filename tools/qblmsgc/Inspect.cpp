@@ -5,6 +5,7 @@
 #include "QBLCore/Resources/QBLResourceBMF.hpp"
 #include "QBLCore/Resources/QBLResourceFactory.hpp"
 #include "tools/common/Files.hpp"
+#include "tools/common/LocaleText.hpp"
 #include "tools/common/Shown.hpp"
 #include "tools/qblmsgc/BmfBytes.hpp"
 #include "tools/qblmsgc/Commands.hpp"
@@ -20,7 +21,7 @@ Status unreadable(const std::string& operand) {
 
 Status complain(Status status, qblmsgcmsgs id, const Details& details) {
     std::fflush(stdout);
-    std::fprintf(stderr, "%s\n", textOf(id, details).c_str());
+    tools::printText(stderr, textOf(id, details) + "\n");
     return status;
 }
 
@@ -52,8 +53,9 @@ Status where(const Options& options) {
     for (const std::string& candidate : QBLResourceFactory::getCandidates(base, locales)) {
         const bool isUsed = !isMarked && candidate == used;
         isMarked = isMarked || isUsed;
-        std::printf("%c %s\n", isUsed ? '*' : ' ',
-                    isTerminal ? tools::shown(candidate).c_str() : candidate.c_str());
+        std::printf(
+            "%c %s\n", isUsed ? '*' : ' ',
+            isTerminal ? tools::localText(tools::shown(candidate)).c_str() : candidate.c_str());
     }
     if (used.empty()) return complain(kErrors, MSGC_NOT_FOUND, {base, locales});
     QBLResourceBMF resource(0);

@@ -4,6 +4,7 @@
 #include <tuple>
 #include <utility>
 
+#include "tools/common/LocaleText.hpp"
 #include "tools/common/Shown.hpp"
 #include "tools/qblmsgc/Environment.hpp"
 
@@ -53,8 +54,7 @@ void Report::print(std::FILE* out, Form form, bool quiet) {
     for (const Finding& finding : m_findings) {
         if (quiet && finding.severity != QBLSeverityError) continue;
         if (form == Form::kText) {
-            std::fprintf(out, "%s\n",
-                         texts.text(finding.id, tools::shown(finding.details)).c_str());
+            tools::printText(out, texts.text(finding.id, tools::shown(finding.details)) + "\n");
             continue;
         }
         if (!any) std::fputs("<Messages>\n", out);

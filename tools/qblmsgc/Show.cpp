@@ -8,6 +8,7 @@
 #include "QBLCore/Messages/QBLMessage.hpp"
 #include "QBLCore/Resources/QBLResourceBMF.hpp"
 #include "i18n/cpp/i18n_string.hpp"
+#include "tools/common/LocaleText.hpp"
 #include "tools/common/Shown.hpp"
 #include "tools/qblmsgc/Commands.hpp"
 #include "tools/qblmsgc/Paths.hpp"
@@ -99,7 +100,7 @@ Status show(const Options& options) {
     message.toString(locale.c_str(), nullptr, element, 0);
     if (text == element) return complain(kErrors, MSGC_CANNOT_FORMAT, {file, number});
     const std::string utf8 = text.toUtf8();
-    std::printf("%s\n", (isatty(STDOUT_FILENO) != 0 ? tools::shownText(utf8) : utf8).c_str());
+    tools::printText(stdout, (isatty(STDOUT_FILENO) != 0 ? tools::shownText(utf8) : utf8) + "\n");
     return kClean;
 }
 

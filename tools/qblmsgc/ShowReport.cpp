@@ -12,6 +12,7 @@
 #include "QBLCore/Messages/QBLMessage.hpp"
 #include "i18n/cpp/i18n_string.hpp"
 #include "tools/common/Files.hpp"
+#include "tools/common/LocaleText.hpp"
 #include "tools/common/Shown.hpp"
 #include "tools/qblmsgc/Commands.hpp"
 #include "tools/qblmsgc/Environment.hpp"
@@ -76,7 +77,7 @@ public:
     }
 
     void complain(qblmsgcmsgs id, const Details& details) {
-        std::fprintf(stderr, "%s\n", say(id, details).c_str());
+        tools::printText(stderr, say(id, details) + "\n");
     }
 
 private:
@@ -176,7 +177,7 @@ private:
             // Nothing in a text looks like a message of its own.
             if (c == '\n') out += indent + "  | ";
         }
-        std::printf("%s\n", out.c_str());
+        tools::printText(stdout, out + "\n");
     }
 
     const char* const m_locales;

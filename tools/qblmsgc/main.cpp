@@ -6,6 +6,7 @@
 #include "QBLCore/Frame/QBLCore.h"
 #include "tools/common/BuiltInTexts.hpp"
 #include "tools/common/Help.hpp"
+#include "tools/common/LocaleText.hpp"
 #include "tools/qblmsgc/Commands.hpp"
 #include "tools/qblmsgc/Environment.hpp"
 #include "tools/qblmsgc/Report.hpp"
@@ -14,9 +15,9 @@ namespace {
 
 void printHelp() {
     tools::MessageText texts(msgc::ownCatalogue(), msgc::userLocale());
-    std::fputs(texts.text(MSGC_USAGE).c_str(), stdout);
-    std::fputs(tools::describeOptions(msgc::knownOptions(), texts).c_str(), stdout);
-    std::fputs(texts.text(MSGC_USAGE_END).c_str(), stdout);
+    tools::printText(stdout, texts.text(MSGC_USAGE));
+    tools::printText(stdout, tools::describeOptions(msgc::knownOptions(), texts));
+    tools::printText(stdout, texts.text(MSGC_USAGE_END));
 }
 
 msgc::Status run(const msgc::Options& options) {
@@ -42,7 +43,7 @@ msgc::Status run(const msgc::Options& options) {
             return msgc::kClean;
         }
         case Command::kVersion:
-            std::printf("%s\n", msgc::textOf(MSGC_VERSION, {QBL_VERSION}).c_str());
+            tools::printText(stdout, msgc::textOf(MSGC_VERSION, {QBL_VERSION}) + "\n");
             return msgc::kClean;
         default:
             return msgc::compile(options);

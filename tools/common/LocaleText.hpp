@@ -1,0 +1,27 @@
+#ifndef TOOLS_COMMON_LOCALETEXT_HPP
+#define TOOLS_COMMON_LOCALETEXT_HPP
+
+#include <cstdio>
+#include <string>
+
+namespace tools {
+
+/// The encoding that terminals show: that of the first of LC_ALL, LC_CTYPE and LANG that is set. It
+/// stands in the locale's name after the dot; where none stands, the C library says it for a locale
+/// that is installed. Encodings that the library does not know, and those that do not have ASCII's
+/// characters as ASCII has them, do not count.
+/// @return UTF-8 where nothing else is known, for C and for POSIX
+std::string localeEncoding();
+/// The same as programs that convert the text itself take it: US-ASCII where no locale is set, for
+/// C and for POSIX.
+std::string localeEncodingName();
+
+/// A text in the encoding of the locale. Characters that this lacks are written as shown() writes
+/// bytes: \xHH for each byte that they have in UTF-8.
+std::string localText(const std::string& utf8);
+/// Writes localText() to a file.
+void printText(std::FILE* out, const std::string& utf8);
+
+}  // namespace tools
+
+#endif
