@@ -5,6 +5,7 @@
 
 #include "tests/tools/RunTool.hpp"
 #include "tools/common/LocaleText.hpp"
+#include "tools/common/Reason.hpp"
 
 TEST(MessageTextTest, WithoutCataloguesTheTextsAreTheEnglishOnes) {
     TempTree tree;
@@ -82,4 +83,31 @@ TEST(LocaleTextTest, TextsForPeopleComeInItAndDataInUtf8) {
                                    "'" QBL_MSGC "' -cX *\x82", "cat report | '" QBL_CONV "'"})
         EXPECT_NE(std::string::npos,
                   runTool(tree, data, "LC_ALL=fr_FR.ISO-8859-1").output.find(name));
+}
+
+TEST(ReasonsTest, TheyComeInTheLanguageOfTheMessages) {
+    TempTree tree;
+    const Outcome made = runTool(tree, "localedef -i fr_FR -f ISO-8859-1 ./fr_FR");
+    setenv("LOCPATH", tree.root(), 1);
+    const std::string program = QBL_CONV;
+    const std::string catalogue = program.substr(0, program.rfind('/')) + "/qblconvmsgs";
+    const auto refused = [&](const char* locales) {
+        return tools::Reasons(catalogue, locales).text(EACCES);
+    };
+    const std::string french =
+                          "Permission non accord\xC3\xA9"
+                          "e",
+                      english = "Permission denied";
+    const std::string found = refused("fr");
+    for (const char* const locales : {"xx fr", "fr_FR.UTF-8", "fr_CA,de"})
+        EXPECT_EQ(found, refused(locales)) << locales;
+    for (const char* const locales : {"", "en fr", "de fr", "xx"})
+        EXPECT_EQ(english, refused(locales)) << locales;
+    EXPECT_EQ(english, tools::Reasons(tree("none"), "fr").text(EACCES));
+    EXPECT_EQ("Unknown error 9999", tools::Reasons().text(9999));
+    const Outcome run = runTool(tree, "LANGUAGE=de '" QBL_CONV "' -n nofile", "LC_ALL=fr_FR");
+    unsetenv("LOCPATH");
+    if (found == english) GTEST_SKIP() << "the C library has no French: " << made.output;
+    EXPECT_EQ(french, found);
+    EXPECT_EQ("nofile : illisible : Aucun fichier ou dossier de ce type\n", run.output);
 }

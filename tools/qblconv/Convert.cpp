@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "i18n/cpp/i18n_errors.hpp"
+#include "tools/common/Reason.hpp"
 #include "tools/qblconv/Interrupt.hpp"
 
 namespace conv {
@@ -62,7 +63,7 @@ private:
         if (m_pOutput == nullptr || size == 0) return true;
         if (m_pOutput->write(m_stream.getBytes(), size)) return true;
         if (!isInterrupted())
-            m_report.error(CONV_CANNOT_WRITE, {m_outputName, std::strerror(m_pOutput->error())});
+            m_report.error(CONV_CANNOT_WRITE, {m_outputName, tools::reason(m_pOutput->error())});
         return false;
     }
 
@@ -100,7 +101,7 @@ bool convertText(const Way& way, Input& input, const std::string& name, Output* 
     while (true) {
         if (isInterrupted()) return false;
         if (got < 0) {
-            report.error(CONV_CANNOT_READ, {name, std::strerror(input.error())});
+            report.error(CONV_CANNOT_READ, {name, tools::reason(input.error())});
             conversion.breakOff();
             return false;
         }
@@ -150,10 +151,10 @@ bool copyText(const Way& way, Input& input, const std::string& name, Output& out
               const std::string& outputName, FileReport& report) {
     while (!isInterrupted()) {
         const int got = input.read(way.block.data(), static_cast<unsigned>(way.block.size()));
-        if (got < 0) report.error(CONV_CANNOT_READ, {name, std::strerror(input.error())});
+        if (got < 0) report.error(CONV_CANNOT_READ, {name, tools::reason(input.error())});
         if (got <= 0) return got == 0;
         if (!output.write(way.block.data(), static_cast<std::size_t>(got))) {
-            report.error(CONV_CANNOT_WRITE, {outputName, std::strerror(output.error())});
+            report.error(CONV_CANNOT_WRITE, {outputName, tools::reason(output.error())});
             return false;
         }
         way.progress.addBytes(static_cast<std::size_t>(got));

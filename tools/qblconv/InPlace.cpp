@@ -6,6 +6,8 @@
 #include <cerrno>
 #include <cstring>
 
+#include "tools/common/Reason.hpp"
+
 namespace conv {
 
 namespace {
@@ -29,7 +31,7 @@ bool InPlace::fail(qblconvmsgs id, Details details) {
 
 bool InPlace::begin() {
     return m_output.open(m_item.place->directory, m_item.leaf) ||
-           fail(CONV_CANNOT_WRITE, {std::strerror(m_output.error())});
+           fail(CONV_CANNOT_WRITE, {tools::reason(m_output.error())});
 }
 
 bool InPlace::finish() {
@@ -38,7 +40,7 @@ bool InPlace::finish() {
 
 /// Before the look at the file, since it takes long.
 bool InPlace::bringToDisk() {
-    return m_output.file().flush() || fail(CONV_CANNOT_WRITE, {std::strerror(m_output.error())});
+    return m_output.file().flush() || fail(CONV_CANNOT_WRITE, {tools::reason(m_output.error())});
 }
 
 bool InPlace::isUnchanged() { return !m_input.isAnother() || fail(CONV_CHANGED); }
@@ -72,12 +74,12 @@ bool InPlace::linkOriginal() {
 /// may be the only original there is, or the name that a run that was broken off has made.
 bool InPlace::keepOriginal() {
     if (m_second.empty()) return true;
-    if (isStuck()) return fail(CONV_CANNOT_WRITE, {std::strerror(EPERM)});
+    if (isStuck()) return fail(CONV_CANNOT_WRITE, {tools::reason(EPERM)});
     if (linkOriginal()) return true;
     if (errno == ESTALE) return fail(CONV_CHANGED);
     const int error = errno;
     const std::string path = m_item.path.substr(0, m_item.path.rfind('/') + 1) + m_second;
-    return fail(CONV_CANNOT_KEEP, {shown(path), std::strerror(error)});
+    return fail(CONV_CANNOT_KEEP, {shown(path), tools::reason(error)});
 }
 
 bool InPlace::replace() {
@@ -87,7 +89,7 @@ bool InPlace::replace() {
     // Two names of one file would be changed together.
     if (m_hasSecond) m_item.place->directory.remove(m_second.c_str());
     if (error == ESTALE || error == ENOENT) return fail(CONV_CHANGED);
-    return fail(CONV_CANNOT_WRITE, {std::strerror(error)});
+    return fail(CONV_CANNOT_WRITE, {tools::reason(error)});
 }
 
 /// Somebody may have written to the old version after the last look; our descriptor still knows it.

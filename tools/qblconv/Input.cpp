@@ -5,9 +5,9 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 
 #include "QBLCore/FileLock/M_LockFile.hpp"
+#include "tools/common/Reason.hpp"
 #include "tools/qblconv/Interrupt.hpp"
 
 namespace conv {
@@ -89,7 +89,7 @@ bool Input::lock(Options::Lock how, bool exclusive, Problem& problem) {
         if (error != 0) {
             problem = error == EACCES || error == EAGAIN
                           ? lockedBy(exclusive)
-                          : Problem{CONV_CANNOT_LOCK, {m_item.path, std::strerror(error)}};
+                          : Problem{CONV_CANNOT_LOCK, {m_item.path, tools::reason(error)}};
             return false;
         }
         FileStatus now;
@@ -97,7 +97,7 @@ bool Input::lock(Options::Lock how, bool exclusive, Problem& problem) {
         // Read again: whoever had it may have written to it.
         if (isThere && now.isSameFile(m_status)) return m_status.get(m_iFile) || failed(errno);
         if (isThere && openFile()) continue;
-        problem = {CONV_CANNOT_READ, {m_item.path, std::strerror(isThere ? m_error : ENOENT)}};
+        problem = {CONV_CANNOT_READ, {m_item.path, tools::reason(isThere ? m_error : ENOENT)}};
         return false;
     }
     problem = {CONV_LOCKED, {m_item.path}};

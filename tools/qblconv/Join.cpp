@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <cstring>
 
+#include "tools/common/Reason.hpp"
+
 namespace conv {
 
 namespace {
@@ -76,7 +78,7 @@ bool JoinedOutput::isUnchangedStill(FileReport& report) {
 
 void JoinedOutput::finish(bool hasFailed, FileReport& report) {
     const auto cannotWrite = [&] {
-        report.error(CONV_CANNOT_WRITE, {m_name, std::strerror(m_pOutput->error())});
+        report.error(CONV_CANNOT_WRITE, {m_name, tools::reason(m_pOutput->error())});
     };
     if (!m_isOpen) return cannotWrite();
     if (m_isDirect) {

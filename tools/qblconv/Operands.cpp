@@ -3,7 +3,8 @@
 #include <fcntl.h>
 
 #include <cerrno>
-#include <cstring>
+
+#include "tools/common/Reason.hpp"
 
 namespace conv {
 
@@ -42,7 +43,7 @@ bool Operands::check(Problem& problem) const {
         FileStatus status;
         const bool isThere = !isStandardInput && status.get(operand.c_str());
         if (!isStandardInput && !isThere && (errno == ENOENT || errno == ENOTDIR)) {
-            problem = {CONV_CANNOT_READ, {operand, std::strerror(errno)}};
+            problem = {CONV_CANNOT_READ, {operand, tools::reason(errno)}};
             return false;
         }
         if (isThere && status.isDirectory() && !m_options.recurse) {

@@ -18,6 +18,7 @@
 #include "tools/common/Environment.hpp"
 #include "tools/common/Help.hpp"
 #include "tools/common/LocaleText.hpp"
+#include "tools/common/Reason.hpp"
 #include "tools/qblconv/Encodings.hpp"
 #include "tools/qblconv/Interrupt.hpp"
 #include "tools/qblconv/Join.hpp"
@@ -231,6 +232,7 @@ Status run(int argc, char** argv) {
     Problem problem;
     const bool isUsage = !parseOptions(argc, argv, options, problem);
     const std::string catalogue = tools::findCatalogue("qblconvmsgs", options.locales);
+    tools::setReasonLanguage(catalogue, options.locales);
     tools::MessageText texts(catalogue, options.locales);
     if (!isUsage) {
         switch (options.mode) {

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "tools/common/Reason.hpp"
 #include "tools/qblconv/Encodings.hpp"
 #include "tools/qblconv/InPlace.hpp"
 #include "tools/qblconv/Interrupt.hpp"
@@ -90,7 +91,7 @@ bool Worker::open(const Item& item, Input& input, FileReport& report) {
         // In place it is opened for writing, too.
         const bool isOurs = isInPlace && (error == EACCES || error == EROFS || error == ETXTBSY);
         report.error(isOurs ? CONV_CANNOT_WRITE : CONV_CANNOT_READ,
-                     {shown(item.path), std::strerror(error)});
+                     {shown(item.path), tools::reason(error)});
         return false;
     }
     if (isInPlace && !input.isRegular()) {
@@ -128,7 +129,7 @@ bool Worker::isToBeKept(Input& input, const std::string& name, FileReport& repor
     int error = 0;
     const bool isKept = isValid(*m_valid, m_validMark, input, m_block, error);
     if (error != 0 && !isInterrupted())
-        report.error(CONV_CANNOT_READ, {name, std::strerror(error)});
+        report.error(CONV_CANNOT_READ, {name, tools::reason(error)});
     if (error != 0) report.fail();
     return isKept;
 }
@@ -141,7 +142,7 @@ void Worker::sayDone(const std::string& name, bool isKept, FileReport& report) c
 bool Worker::fill(Input& input, const std::string& name, Output& output,
                   const std::string& outputName, FileReport& report) {
     if (!m_mark.empty() && !output.write(m_mark.data(), m_mark.size())) {
-        report.error(CONV_CANNOT_WRITE, {outputName, std::strerror(output.error())});
+        report.error(CONV_CANNOT_WRITE, {outputName, tools::reason(output.error())});
         return false;
     }
     return convert(input, name, output, outputName, m_options.mark != Options::Mark::kKeep, report);
@@ -170,7 +171,7 @@ void Worker::convertInto(const Item& item, Input& input, FileReport& report) {
         isKept ? copyText(way(I18N_MARK_KEEP), input, name, m_new, outputName, report)
                : fill(input, name, m_new, outputName, report);
     if (isFilled && !m_new.commit())
-        report.error(CONV_CANNOT_WRITE, {outputName, std::strerror(m_new.error())});
+        report.error(CONV_CANNOT_WRITE, {outputName, tools::reason(m_new.error())});
     else if (isFilled)
         sayDone(name, isKept, report);
     m_new.discard();

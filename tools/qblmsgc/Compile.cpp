@@ -2,6 +2,7 @@
 
 #include "QBLCore/FileManagement/QBLFmReplaceFile.hpp"
 #include "tools/common/Files.hpp"
+#include "tools/common/Reason.hpp"
 #include "tools/qblmsgc/BmfBytes.hpp"
 #include "tools/qblmsgc/Commands.hpp"
 #include "tools/qblmsgc/HeaderText.hpp"
@@ -26,7 +27,8 @@ public:
 
 private:
     bool check(bool isDone) {
-        if (!isDone) m_report.fault(MSGC_CANNOT_WRITE, {m_name, m_file.getLastErrorMessage()});
+        if (!isDone)
+            m_report.fault(MSGC_CANNOT_WRITE, {m_name, tools::reason(m_file.getLastErrorNumber())});
         return isDone;
     }
 

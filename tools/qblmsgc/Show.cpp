@@ -3,12 +3,12 @@
 #include <cerrno>
 #include <charconv>
 #include <cstdio>
-#include <cstring>
 
 #include "QBLCore/Messages/QBLMessage.hpp"
 #include "QBLCore/Resources/QBLResourceBMF.hpp"
 #include "i18n/cpp/i18n_string.hpp"
 #include "tools/common/LocaleText.hpp"
+#include "tools/common/Reason.hpp"
 #include "tools/common/Shown.hpp"
 #include "tools/qblmsgc/Commands.hpp"
 #include "tools/qblmsgc/Paths.hpp"
@@ -90,7 +90,7 @@ Status show(const Options& options) {
         if (!addParameter(message, options.operands[i]))
             return complain(kUsage, MSGC_NO_PARAMETER, {options.operands[i]});
     if (unreadable(file) == kUsage)
-        return complain(kUsage, MSGC_CANNOT_READ, {file, std::strerror(errno)});
+        return complain(kUsage, MSGC_CANNOT_READ, {file, tools::reason(errno)});
     bool isOpen = false;
     if (!hasText(file, id, isOpen))
         return complain(kErrors, isOpen ? MSGC_NO_SUCH_TEXT : MSGC_DOES_NOT_OPEN, {file, number});

@@ -6,13 +6,13 @@
 #include <cerrno>
 #include <charconv>
 #include <cstdio>
-#include <cstring>
 #include <utility>
 
 #include "QBLCore/Messages/QBLMessage.hpp"
 #include "i18n/cpp/i18n_string.hpp"
 #include "tools/common/Files.hpp"
 #include "tools/common/LocaleText.hpp"
+#include "tools/common/Reason.hpp"
 #include "tools/common/Shown.hpp"
 #include "tools/qblmsgc/Commands.hpp"
 #include "tools/qblmsgc/Environment.hpp"
@@ -135,7 +135,7 @@ private:
             if (shown != element) return shown.toUtf8();
         }
         const std::string& kind = message.attribute("Name");
-        if (isId && kind == "QBLErrnoMessage") return std::strerror(static_cast<int>(id));
+        if (isId && kind == "QBLErrnoMessage") return m_reasons.text(static_cast<int>(id));
         return say(MSGC_REPORT_NO_TEXT,
                    {tools::shown(file.empty() ? kind : file),
                     (isId ? std::to_string(id) : tools::shown(number)) + valuesOf(*components)});
@@ -182,6 +182,7 @@ private:
 
     const char* const m_locales;
     tools::MessageText m_texts{ownCatalogue(), m_locales};
+    const tools::Reasons m_reasons{ownCatalogue(), m_locales};
 };
 
 /// A stream of text with reports in it. Each byte is searched a bounded number of times, whatever
@@ -310,7 +311,7 @@ Status showReport(const Options& options) {
         const int error = errno;
         return complain(file < 0 && tools::isAbsent(options.operands[0]) ? kUsage : kErrors,
                         MSGC_CANNOT_READ,
-                        {isStandard ? "-" : options.operands[0], std::strerror(error)});
+                        {isStandard ? "-" : options.operands[0], tools::reason(error)});
     };
     if (file < 0) return cannotRead();
     ReportStream stream(locales.c_str());

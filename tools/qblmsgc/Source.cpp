@@ -5,12 +5,12 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <string_view>
 #include <utility>
 
 #include "QBLCore/FileManagement/QBLFmFile.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmStatus.hpp"
+#include "tools/common/Reason.hpp"
 
 namespace msgc {
 
@@ -63,7 +63,7 @@ bool readFile(const std::string& name, std::string& bytes, std::string& problem)
     // Without waiting, or a pipe that nobody writes to would never open.
     QBLFmFile file;
     if (!file.open(name.c_str(), static_cast<QBLFmFile::createmode>(O_NONBLOCK), 1)) {
-        problem = file.getLastErrorMessage();
+        problem = tools::reason(file.getLastErrorNumber());
         return false;
     }
     char block[65536];
@@ -75,11 +75,11 @@ bool readFile(const std::string& name, std::string& bytes, std::string& problem)
             pollfd waited = {file.getFileDescriptor(), POLLIN, 0};
             poll(&waited, 1, -1);
         } else if (got < 0 && file.getLastErrorNumber() != EINTR) {
-            problem = file.getLastErrorMessage();
+            problem = tools::reason(file.getLastErrorNumber());
             return false;
         } else if (got == 0) {
             const bool isSilent = isStart && isPipe(file.getFileDescriptor());
-            if (isSilent) problem = std::strerror(EPIPE);
+            if (isSilent) problem = tools::reason(EPIPE);
             return !isSilent;
         }
     }

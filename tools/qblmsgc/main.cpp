@@ -7,6 +7,7 @@
 #include "tools/common/BuiltInTexts.hpp"
 #include "tools/common/Help.hpp"
 #include "tools/common/LocaleText.hpp"
+#include "tools/common/Reason.hpp"
 #include "tools/qblmsgc/Commands.hpp"
 #include "tools/qblmsgc/Environment.hpp"
 #include "tools/qblmsgc/Report.hpp"
@@ -55,6 +56,7 @@ int runCommandLine(int argc, char** argv) {
     msgc::Problem problem = {};
     const bool isUsage = msgc::parseOptions(argc, argv, options, problem);
     msgc::setUserLocale(options.locales);
+    tools::setReasonLanguage(msgc::ownCatalogue(), msgc::userLocale());
     if (!isUsage) return msgc::complain(msgc::kUsage, problem.id, problem.details);
     const msgc::Status status = run(options);
     if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;
