@@ -13,17 +13,25 @@ namespace {
 
 struct Tool {
     const char *name, *program;
-    const std::vector<tools::Option>& options;
+    std::vector<tools::Option> options;
 };
 
+/// Without other names for an option, which the manuals mention elsewhere.
+std::vector<tools::Option> described(const std::vector<tools::Option>& options) {
+    std::vector<tools::Option> rest;
+    for (const tools::Option& option : options)
+        if (option.text != tools::Option::kAlias) rest.push_back(option);
+    return rest;
+}
+
 const std::vector<Tool>& allTools() {
-    static const std::vector<Tool> all = {{"qblconv", QBL_CONV, conv::knownOptions()},
-                                          {"qblmsgc", QBL_MSGC, msgc::knownOptions()}};
+    static const std::vector<Tool> all = {{"qblconv", QBL_CONV, described(conv::knownOptions())},
+                                          {"qblmsgc", QBL_MSGC, described(msgc::knownOptions())}};
     return all;
 }
 
 /// The options that a manual describes, like "-f --from".
-std::set<std::string> described(const std::string& tool) {
+std::set<std::string> inManual(const std::string& tool) {
     std::string path = QBL_MAN_DIR "/";
     std::ifstream manual(path.append(tool).append(".1"));
     std::set<std::string> options;
@@ -50,7 +58,7 @@ TEST(OptionTablesTest, ManualsDescribeTheSameOptions) {
                               ? std::string("-") + static_cast<char>(option.letter) + " "
                               : std::string()) +
                          "--" + option.name);
-        EXPECT_EQ(known, described(tool.name));
+        EXPECT_EQ(known, inManual(tool.name));
     }
 }
 

@@ -18,6 +18,8 @@ void makeFiles(const TempTree& tree) {
     tree.file("e", "");
     tree.file("n", std::string("n\0l", 3));
     tree.file("z", "\xC3\xA9\xE2\x80\x8Bz\xF0\x9F\x98\x80");
+    tree.file("m", "a\n\x82\xA0\xEE\xF9\n");
+    tree.file("o", "\x1B(Ba\n");
     tree.dir("dir");
 }
 
@@ -88,11 +90,15 @@ TEST(QblconvTest, ACheckNamesEverySequence) {
     expectRuns({
         {"-n -f Shift_JIS b s e -v", 1,
          "b:2:2: byte 4: 82 is not Shift_JIS\nb:3:1: byte 8: the end cuts off 82, in Shift_JIS\n"
-         "s: all of it is Shift_JIS\ne: all of it is Shift_JIS\n"},
+         "s: all of it is Shift_JIS\ne: all of it is Shift_JIS\n3 files: 2 valid, 1 failed\n"},
         {"-n -f sjis -t US-ASCII s b", 1,
          "s:1:2: U+3042 is not in US-ASCII\nb:2:1: U+3042 is not in US-ASCII\n"
-         "b:2:2: byte 4: 82 is not sjis\nb:3:1: byte 8: the end cuts off 82, in sjis\n"},
-        {"-nv w - <u", 0, "w: all of it is UTF-16LE\n-: all of it is UTF-8\n"},
+         "b:2:2: byte 4: 82 is not sjis\nb:3:1: byte 8: the end cuts off 82, in sjis\n"
+         "2 files: 0 valid, 2 failed\n"},
+        {"-nv w - <u", 0,
+         "w: all of it is UTF-16LE\n-: all of it is UTF-8\n2 files: 2 valid, 0 failed\n"},
+        {"-nq w u; $Q -n <s", 1,
+         "-:1:2: byte 1: 82 is not UTF-8\n-:1:3: byte 2: A0 is not UTF-8\n"},
         {"-n s >/dev/null", 1, "s:1:2: byte 1: 82 is not UTF-8\ns:1:3: byte 2: A0 is not UTF-8\n"},
     });
 }
@@ -103,22 +109,142 @@ TEST(QblconvTest, MessagesComeInTheUsersLanguageAndAsXml) {
                  "b:3:1: Byte 8: 82 wird vom Ende abgeschnitten, in sjis\n"},
                 {"-L fr -nf sjis -t latin1 s", 1, "s:1:2: U+3042 n'est pas dans latin1\n"}},
                "LC_ALL=de_AT.UTF-8");
-    const std::string open =
-        "<Messages>\n<Message Name=\"QBLMessageString\" File=\"\" Severity=\"Error\" "
-        "Nesting=\"0\" ><MessageText>";
-    const std::string close = "</MessageText></Message>\n</Messages>\n";
+    // The text, and what it can be shown from in another language.
+    const auto message = [](const char* id, const std::string& text,
+                            const std::vector<const char*>& parameters) {
+        std::string element =
+            "<Message Name=\"QBLMessage\" File=\"qblconvmsgs\" Severity=\"Error\" "
+            "Nesting=\"0\" ><MessageText>" +
+            text + "</MessageText><MessageComponents  ID=\"" + id + "\" ><MessageParms>";
+        for (const char* const each : parameters)
+            element.append("<MessageParm Name=\"QBLMessageParm\" Type=\"string\" Value=\"")
+                .append(each)
+                .append("\" />");
+        return "<Messages>\n" + element +
+               "</MessageParms></MessageComponents></Message>\n</Messages>\n";
+    };
+    const char* const name = "q&amp;&lt;&gt;&quot;&apos;\\xFF\\x0A.x";
     expectRuns({
         {"-Xn e", 0, "<Messages>\n</Messages>\n"},
-        {"-Z -X", 2, open + "qblconv: no such option: -Z" + close},
-        {"-Xn nofile", 2, open + "nofile: cannot be read: No such file or directory" + close},
-        {"-X -t sjis z 2>report; cat report", 0, open + "z:1:1: U+00E9 is not in sjis" + close},
+        {"-Z -X", 2, message("0x02", "qblconv: no such option: -Z", {"-Z"})},
+        {"-Xn nofile", 2,
+         message("0x1e", "nofile: cannot be read: No such file or directory",
+                 {"nofile", "No such file or directory"})},
+        {"-X -t sjis z 2>report; cat report", 0,
+         message("0x16", "z:1:1: U+00E9 is not in sjis",
+                 {"z", "1", "1", "00E9", "sjis", "lacking", "stop"})},
+        {"-Xn -f sjis b | '" QBL_MSGC "' -s - en | tail -n 1", 0,
+         "Error: b:3:1: byte 8: the end cuts off 82, in sjis\n"},
         {"-V >&- ; cp s \"$(printf 'q&<>\"\\047\\377\\n.x')\"; $Q -Xn q*x -f US-ASCII 2>/dev/null "
          "| "
          "head -n 2; $Q -Xn q*x | tail -n 1",
          0,
-         "qblconv: Bad file descriptor\n" + open +
-             "q&amp;&lt;&gt;&quot;&apos;\\xFF\\x0A.x:1:2: byte 1: 82 is not US-ASCII"
-             "</MessageText></Message>\n</Messages>\n"},
+         "qblconv: Bad file descriptor\n" +
+             message("0x14", std::string(name) + ":1:2: byte 1: 82 is not US-ASCII",
+                     {name, "1", "2", "1", "82", "US-ASCII", "malformed", "stop"})},
+    });
+}
+
+TEST(QblconvTest, ReportsForProgramsAreObjectsOnLines) {
+    const std::string file = R"({"type":"file","file":)";
+    expectRuns({
+        {"--json -n -f sjis s b", 1,
+         file + R"("s","status":"valid","from":"sjis","to":null,"replaced":0,"messages":[]})" +
+             "\n"
+             R"({"type":"finding","file":"b","line":2,"column":2,"offset":4,"bytes":"82",)"
+             R"("codePoint":null,"kind":"malformed","policy":"stop","encoding":"sjis",)"
+             R"("replacement":null,"severity":"error","text":"b:2:2: byte 4: 82 is not sjis"})"
+             "\n"
+             R"({"type":"finding","file":"b","line":3,"column":1,"offset":8,"bytes":"82",)"
+             R"("codePoint":null,"kind":"truncated","policy":"stop","encoding":"sjis",)"
+             R"("replacement":null,"severity":"error",)"
+             R"("text":"b:3:1: byte 8: the end cuts off 82, in sjis"})"
+             "\n" +
+             file + R"("b","status":"failed","from":"sjis","to":null,"replaced":0,"messages":[]})" +
+             "\n"},
+        {"--json -p skip,translit -t sjis -o out \"$(cp u 'x\"\\y'; echo 'x\"\\y')\"; cat out", 0,
+         R"({"type":"finding","file":"x\"\\y","line":1,"column":1,"offset":null,"bytes":null,)"
+         R"("codePoint":"U+00E4","kind":"transliterated","policy":"translit","encoding":"sjis",)"
+         R"("replacement":"a","severity":"warning",)"
+         R"("text":"x\"\\y:1:1: warning: U+00E4 becomes \"a\""})"
+         "\n" +
+             file +
+             R"("x\"\\y","status":"converted","from":"UTF-8","to":"sjis","replaced":1,)"
+             R"("messages":[{"severity":"warning","id":47,)"
+             R"("text":"x\"\\y: warning: transliterated: 1"}]})"
+             "\na\n"},
+        {"--json -Z", 2,
+         R"({"type":"error","id":2,"text":"qblconv: no such option: -Z"})"
+         "\n"},
+    });
+}
+
+TEST(QblconvTest, SimilarTextsTakeThePlaceOfCharacters) {
+    TempTree tree;
+    // The fraction stays apart from a number. No reading of the Japanese is guessed.
+    tree.file("t", "\xC2\xBD \xEF\xAC\x81 \xC5\x81 1\xC2\xBD \xD0\xAF e\xCC\x81\n");
+    tree.file("j", "\xE6\x97\xA5\xE2\x80\x9C\xFF\n");
+    const struct {
+        const char* arguments;
+        int status;
+        const char* output;
+    } table[] = {
+        {"-qt ASCII -p translit t", 0, "1/2 fi L 1 1/2 A e\n"},
+        {"-qt ISO-8859-2 -p translit t | tr '\\243' l", 0, "1/2 fi l 1 1/2 \xC2 e\n"},
+        {"-t ASCII -p skip,translit j", 1, "j:1:1: U+65E5 is not in US-ASCII\n"},
+        {"-st ascii//translit j", 1, "?\"j:1:3: byte 6: FF is not UTF-8\n"},
+        {"-ct ASCII//TRANSLIT j", 0,
+         "\"\nj: warning: replaced or left out: 2\nj: warning: transliterated: 1\n"},
+        {"--to-code=ascii//TRANSLIT//IGNORE --from-code UTF-8//IGNORE --silent j", 0, "\"\n"},
+        {"-st //IGNORE -f char j", 0, "\n"},
+        {"-t ascii//TRANSLIT -p stop j", 2, "qblconv: //TRANSLIT does not go with -p\n"},
+        {"-t ascii//NONE j", 2, "qblconv: invalid argument for -t: \"ascii//NONE\"\n"},
+    };
+    for (const auto& row : table) {
+        std::string command = "'" QBL_CONV "' ";
+        const Outcome result = runTool(tree, command.append(row.arguments));
+        EXPECT_EQ(row.status, result.status) << row.arguments;
+        EXPECT_EQ(row.output, result.output) << row.arguments;
+    }
+}
+
+TEST(QblconvTest, LineEndsAreThoseOfTheTextInAnyEncoding) {
+    TempTree tree;
+    tree.file("l", "a\r\nb\nc\rd\r\n\r");
+    const struct {
+        const char* arguments;
+        std::string output;
+    } table[] = {
+        {"--eol=keep l", "a\r\nb\nc\rd\r\n\r"},
+        {"--eol=lf l", "a\nb\nc\rd\n\r"},
+        {"--eol=crlf l", "a\r\nb\r\nc\rd\r\n\r"},
+        {"--eol=crlf -t UTF-16LE --bom=strip l | $Q -f UTF-16LE --eol lf", "a\nb\nc\rd\n\r"},
+        // Longer than a block, with a return at its end.
+        {"--eol=lf big | cmp - expected", ""},
+        {"--eol=lf l -p escape --verify", "qblconv: --eol does not go with --verify\n"},
+        {"-i -k --eol=lf l", "qblconv: --eol does not go with -k\n"},
+    };
+    std::string big(65535, 'x');
+    tree.file("big", big + "\r\n");
+    tree.file("expected", big + "\n");
+    for (const auto& row : table)
+        EXPECT_EQ(row.output,
+                  runTool(tree, "Q='" QBL_CONV "'; $Q " + std::string(row.arguments)).output);
+}
+
+TEST(QblconvTest, AVerifiedFileIsLeftAloneUnlessItComesBack) {
+    // The encodings have two sequences of bytes for a character, and redundant escape sequences.
+    expectRuns({
+        {"--verify -t sjis -f EUC-JP e u -k", 2,
+         "qblconv: -k is not for joining files; is -d or -i missing?\n"},
+        {"--verify -vif Shift_JIS s && cat s", 0, "s: converted from Shift_JIS\na\xE3\x81\x82\n"},
+        {"--verify --bom=strip -t sjis -p escape w", 1,
+         "w:1:1: byte 2: E4 00 would come back as 25 00; not converted\n"},
+        {"--verify w | od -An -tx1", 0, " c3 a4 0a\n"},
+        {"--verify -f cp932 -i m; od -An -tx1 m", 0,
+         "m:2:2: byte 4: EE F9 would come back as 81 CA; not converted\n 61 0a 82 a0 ee f9 0a\n"},
+        {"--verify -f ISO-2022-JP o", 1,
+         "o:1:1: byte 0: 1B 28 42 61 would come back as 61 0A; not converted\n"},
     });
 }
 
@@ -151,7 +277,9 @@ TEST(QblconvTest, MisuseIsNamedAndNothingIsDone) {
         {"-i -", "qblconv: - does not go with -i"},
         {"-f shiftjsi s", "qblconv: no such encoding: shiftjsi; perhaps Shift_JIS?"},
         {"-t zzzzzzzz s", "qblconv: no such encoding: zzzzzzzz (qblconv -l lists all)"},
-        {"-t '' s", "qblconv: no such encoding:  (qblconv -l lists all)"},
+        {"-k s", "qblconv: -k is not for joining files; is -d or -i missing?"},
+        {"-j 2 s", "qblconv: -j is not for joining files; is -d, -i or -n missing?"},
+        {"--json -X s", R"({"type":"error","id":8,"text":"qblconv: -X does not go with --json"})"},
         {"--bom=add -t sjis s", "qblconv: sjis has no byte-order mark"},
         {"--bom=add -t BOCU-1 s", "qblconv: BOCU-1 has no byte-order mark"},
         {"-k -t latin1 -i s",

@@ -19,7 +19,9 @@ public:
         : m_argc(argc), m_argv(argv), m_options(options), m_take(take), m_mistake(mistake) {
         for (const Option& option : options) {
             if (option.letter > 255) continue;
-            m_letters += static_cast<char>(option.letter);
+            const char letter = static_cast<char>(option.letter);
+            if (m_letters.find(letter) != std::string::npos) continue;  // its option's alias
+            m_letters += letter;
             if (option.argument == Argument::kNeeded) m_letters += ':';
         }
         // To the library's parser, "-i=.orig" is the letter i and a letter = with an argument.

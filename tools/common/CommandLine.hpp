@@ -12,6 +12,8 @@ namespace tools {
 struct Option {
     /// Whether it has an argument; an attached one is optional, and follows an equals sign.
     enum class Argument { kNone, kNeeded, kAttached };
+    /// Instead of a text: another name for an option, which is not described.
+    static constexpr unsigned kAlias = 0;
 
     int letter;  // above 255 for an option without a letter
     const char* name;
@@ -20,7 +22,7 @@ struct Option {
     /// What the argument can be: words between spaces, or "FILE", "DIR" or "ENCODING" for names of
     /// these kinds; empty for any text.
     const char* choices;
-    unsigned text;  // the message that describes the option
+    unsigned text;  // the message that describes the option; or kAlias
 };
 
 /// An option as it stands on the command line.

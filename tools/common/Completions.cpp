@@ -1,4 +1,7 @@
 // Completion scripts for shells, from a tool's table of options.
+#include <algorithm>
+#include <iterator>
+
 #include "tools/common/Help.hpp"
 
 namespace tools {
@@ -152,7 +155,10 @@ std::string fishScript(const std::string& tool, const std::vector<Option>& optio
 }  // namespace
 
 std::string completionScript(const std::string& tool, const std::string& shell,
-                             const std::vector<Option>& options, MessageText& texts) {
+                             const std::vector<Option>& known, MessageText& texts) {
+    std::vector<Option> options;
+    std::copy_if(known.begin(), known.end(), std::back_inserter(options),
+                 [](const Option& option) { return option.text != Option::kAlias; });
     if (shell == "bash") return bashScript(tool, options);
     if (shell == "zsh") return zshScript(tool, options, texts);
     if (shell == "fish") return fishScript(tool, options, texts);

@@ -86,6 +86,7 @@ std::string shownLeft(const Option& option) {
 std::string describeOptions(const std::vector<Option>& options, MessageText& texts) {
     std::string out;
     for (const Option& option : options) {
+        if (option.text == Option::kAlias) continue;
         std::string left = shownLeft(option);
         if (left.size() + 2 > kTextColumn)
             left.append("\n").append(kTextColumn, ' ');

@@ -8,7 +8,7 @@
 #include <cstring>
 #include <utility>
 
-#include "QBLCore/Messages/QBLMessageString.hpp"
+#include "QBLCore/Messages/QBLMessage.hpp"
 #include "QBLCore/Messages/QBLXmlEscape.hpp"
 #include "i18n/cpp/i18n_string.hpp"
 #include "tools/common/BuiltInTexts.hpp"
@@ -41,7 +41,9 @@ std::string filledIn(const char* text, const Details& details) {
 }  // namespace
 
 MessageText::MessageText(const std::string& catalogue, std::string locales)
-    : m_message(catalogue.c_str()), m_locales(std::move(locales)) {}
+    : m_message(catalogue.c_str()),
+      m_catalogue(catalogue, catalogue.rfind('/') + 1),
+      m_locales(std::move(locales)) {}
 
 std::string MessageText::text(unsigned id, const Details& details) {
     m_message.setMessage(QBLSeverityError, id);
@@ -57,12 +59,18 @@ std::string MessageText::text(unsigned id, const Details& details) {
     return builtIn != nullptr ? filledIn(builtIn, details) : utf8;
 }
 
-// The element of the message itself would have the catalogue's path, with whatever is in that.
+// The name of the catalogue alone, which other programs find by their own ways.
 std::string MessageText::element(QBLSeverity severity, unsigned id, const Details& details) {
+    QBLMessage message(severity, m_catalogue.c_str(), id);
+    // The library writes parameters as they are.
+    for (const std::string& detail : details)
+        message << I18NString(qblXmlEscape(std::string_view(detail)).c_str());
+    I18NString components;
+    message.toString(nullptr, nullptr, components, 0);
+    std::string element = components.toUtf8();
     const std::string escaped = qblXmlEscape(std::string_view(text(id, details)));
-    I18NString element;
-    QBLMessageString(severity, escaped.c_str()).toString(nullptr, nullptr, element, 1);
-    return element.toUtf8();
+    return element.insert(element.find("<MessageComponents"),
+                          "<MessageText>" + escaped + "</MessageText>");
 }
 
 }  // namespace tools

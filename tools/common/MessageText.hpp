@@ -23,12 +23,14 @@ public:
 
     /// The text for people, without a line end.
     std::string text(unsigned id, const Details& details = {});
-    /// A `<Message>` element with the text, which is escaped.
+    /// A `<Message>` element with the text, and with the name of the catalogue, the identifier and
+    /// the details, from which it can be shown in another language.
     std::string element(QBLSeverity severity, unsigned id, const Details& details);
 
 private:
     QBLMessageFile m_message;
-    std::string m_locales;
+    const std::string m_catalogue;  // without a directory
+    const std::string m_locales;
 };
 
 }  // namespace tools

@@ -2,10 +2,14 @@
 
 #include <cerrno>
 #include <cstring>
+#include <optional>
+#include <string_view>
 
 #include "i18n/cpp/i18n_errors.hpp"
 #include "tools/common/Reason.hpp"
 #include "tools/qblconv/Interrupt.hpp"
+#include "tools/qblconv/LineEnds.hpp"
+#include "tools/qblconv/Verification.hpp"
 
 namespace conv {
 
@@ -13,17 +17,25 @@ namespace {
 
 class Conversion {
 public:
-    Conversion(const Way& way, const I18NConverter* from, Output* output,
+    /// @param name  of the input, as shown
+    Conversion(const Way& way, const I18NConverter* from, const std::string& name, Output* output,
                const std::string& outputName, Findings& findings, FileReport& report)
-        : m_pOutput(output),
+        : m_name(name),
+          m_pOutput(output),
           m_outputName(outputName),
           m_findings(findings),
           m_report(report),
           m_to(way.to != nullptr ? way.to->getEncoding() : ""),
-          m_stream(from, way.to, way.mark, &findings) {}
+          m_stream(from, way.to, way.mark, &findings) {
+        findings.attach(m_stream);
+        if (way.lineEnd != Options::LineEnd::kKeep)
+            m_lineEnds.emplace(*way.to, way.lineEnd == Options::LineEnd::kCrLf);
+        if (way.verifies) m_verification.emplace(*way.to, (way.mark & I18N_MARK_STRIP) != 0);
+    }
 
     /// @param size  0 for the end
     bool put(const char* block, std::size_t size) {
+        if (m_verification) m_verification->read(block, size);
         try {
             if (size > 0)
                 m_stream.put(block, size);
@@ -36,7 +48,8 @@ public:
             return giveUp();
         }
         m_findings.tell(m_stream.getInputEncoding(), m_to);
-        return write();
+        const std::string_view bytes = takeOutput(size == 0);
+        return isReversible(bytes, size == 0) && write(bytes);
     }
     /// Leaves an output that stays in its encoding's first shift state, for those behind.
     void breakOff() {
@@ -47,7 +60,7 @@ public:
             if (error.getErrorCode() != I18N_CONVERSION) throw;
         } catch (const Findings::Lacking&) {  // the text is given up already
         }
-        write();
+        write(takeOutput(true));
     }
     const char* encoding() const { return m_stream.getInputEncoding(); }
 
@@ -55,24 +68,56 @@ private:
     /// An output that stays keeps what is in front of the place.
     bool giveUp() {
         m_findings.tellLast(m_stream.getInputEncoding(), m_to);
-        if (m_pOutput != nullptr && m_pOutput->isDirect()) write();
+        if (m_pOutput != nullptr && m_pOutput->isDirect()) write(takeOutput(true));
         return false;
     }
-    bool write() {
-        const std::size_t size = m_stream.getByteCount();
-        if (m_pOutput == nullptr || size == 0) return true;
-        if (m_pOutput->write(m_stream.getBytes(), size)) return true;
+
+    /// What has come out of the stream, with the line ends asked for.
+    std::string_view takeOutput(bool isEnd) {
+        if (m_pOutput == nullptr) return {};
+        const std::string_view bytes(m_stream.getBytes(), m_stream.getByteCount());
+        if (!m_lineEnds) return bytes;
+        m_lineEnds->put(bytes.data(), bytes.size());
+        m_bytes = m_lineEnds->bytes();
+        if (isEnd) {
+            m_lineEnds->finish();
+            m_bytes += m_lineEnds->bytes();
+        }
+        return m_bytes;
+    }
+
+    bool isReversible(std::string_view bytes, bool isEnd) {
+        if (!m_verification) return true;
+        m_verification->wrote(bytes.data(), bytes.size());
+        if (m_verification->compare(m_stream.getInputEncoding(), isEnd)) return true;
+        const Difference& found = m_verification->difference();
+        Finding finding = {Finding::Kind::kDifferent, "stop", found.line, found.column};
+        finding.offset = found.offset;
+        finding.bytes = bytesInDigits(found.bytes.data(), found.bytes.size());
+        finding.replacement = bytesInDigits(found.back.data(), found.back.size());
+        finding.encoding = m_stream.getInputEncoding();
+        m_report.finding(QBLSeverityError, CONV_NOT_REVERSIBLE, m_name, finding);
+        return false;
+    }
+
+    bool write(std::string_view bytes) {
+        if (m_pOutput == nullptr || bytes.empty()) return true;
+        if (m_pOutput->write(bytes.data(), bytes.size())) return true;
         if (!isInterrupted())
             m_report.error(CONV_CANNOT_WRITE, {m_outputName, tools::reason(m_pOutput->error())});
         return false;
     }
 
+    const std::string& m_name;
     Output* const m_pOutput;
     const std::string& m_outputName;
     Findings& m_findings;
     FileReport& m_report;
     const char* const m_to;
     I18NTextStream m_stream;
+    std::optional<LineEnds> m_lineEnds;
+    std::optional<Verification> m_verification;
+    std::string m_bytes;  // out of m_lineEnds
 };
 
 /// Reads the first block, with all of a mark that may tell of the byte order.
@@ -96,8 +141,8 @@ bool convertText(const Way& way, Input& input, const std::string& name, Output* 
     const std::string& mark = way.swappedMark;
     const bool isSwapped = way.fromSwapped != nullptr && got >= static_cast<int>(mark.size()) &&
                            std::memcmp(way.block.data(), mark.data(), mark.size()) == 0;
-    Conversion conversion(way, isSwapped ? way.fromSwapped : way.from, output, outputName, findings,
-                          report);
+    Conversion conversion(way, isSwapped ? way.fromSwapped : way.from, name, output, outputName,
+                          findings, report);
     while (true) {
         if (isInterrupted()) return false;
         if (got < 0) {

@@ -19,6 +19,8 @@ struct Way {
     const std::string& swappedMark;    // which that one begins with
     const I18NConverter* to;           // null only reads
     I18NByteOrderMark mark;
+    Options::LineEnd lineEnd;
+    bool verifies;  // that the output converts back to the input
     std::vector<char>& block;
     Progress& progress;
 };

@@ -1,23 +1,16 @@
 #include "tools/qblconv/Findings.hpp"
 
+#include <unicode/utf16.h>
+
 #include <algorithm>
+
+#include "tools/common/Utf8.hpp"
 
 namespace conv {
 
 namespace {
 
 const char kDigits[] = "0123456789ABCDEF";
-
-std::string bytesInDigits(const char* bytes, int count) {
-    std::string text;
-    for (int i = 0; i < count; ++i) {
-        const auto byte = static_cast<unsigned char>(bytes[i]);
-        if (i > 0) text += ' ';
-        text += kDigits[byte >> 4];
-        text += kDigits[byte & 15];
-    }
-    return text;
-}
 
 /// At least four, as Unicode writes it.
 std::string inDigits(char32_t codePoint) {
@@ -27,19 +20,62 @@ std::string inDigits(char32_t codePoint) {
     return text;
 }
 
+/// Requires: no lone surrogates.
+std::string toUtf8(const std::u16string& text) {
+    std::string out;
+    for (std::size_t i = 0; i < text.size();) {
+        char32_t codePoint = 0;
+        U16_NEXT(text, i, text.size(), codePoint);
+        tools::appendCodePoint(out, codePoint);
+    }
+    return out;
+}
+
 }  // namespace
+
+std::string bytesInDigits(const char* bytes, std::size_t count) {
+    std::string text;
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto byte = static_cast<unsigned char>(bytes[i]);
+        if (i > 0) text += ' ';
+        text += kDigits[byte >> 4];
+        text += kDigits[byte & 15];
+    }
+    return text;
+}
 
 void Findings::unconvertible(const I18NUnconvertible& what) {
     const bool isReplacement = what.isOutput && what.textOffset == m_iBadInput &&
                                what.codePoint >= 0xFFFD && what.codePoint <= 0xFFFF;
     if (isReplacement) return;
     if (!what.isOutput) m_iBadInput = what.textOffset;
-    ++(what.isBestFit ? m_iBestFits : m_iCount);
+    auto kind = what.isCutOff ? Finding::Kind::kTruncated : Finding::Kind::kMalformed;
+    if (what.isOutput) kind = what.isBestFit ? Finding::Kind::kBestFit : Finding::Kind::kLacking;
+    std::string replacement;
+    if (kind == Finding::Kind::kLacking && transliterate(what, replacement))
+        kind = Finding::Kind::kTransliterated;
+    ++(kind == Finding::Kind::kBestFit          ? m_iBestFits
+       : kind == Finding::Kind::kTransliterated ? m_iTransliterated
+                                                : m_iCount);
     if (m_each == Each::kCounted) m_places.clear();
     m_places.push_back({what.line, what.column, what.byteOffset,
-                        bytesInDigits(what.bytes, what.byteCount), what.codePoint, what.isOutput,
-                        what.isCutOff, what.isBestFit});
-    if (what.isOutput && m_bStops && !what.isBestFit) throw Lacking();
+                        bytesInDigits(what.bytes, static_cast<std::size_t>(what.byteCount)),
+                        what.codePoint, kind, std::move(replacement)});
+    if (kind != Finding::Kind::kLacking) return;
+    if (m_treatment.stops) throw Lacking();
+    if (m_treatment.isMarked) m_pStream->replaceBy(u"?", 1);
+}
+
+/// ICU puts a space in front of fractions, which keeps them apart from a number.
+bool Findings::transliterate(const I18NUnconvertible& what, std::string& replacement) {
+    if (m_treatment.transliteration == nullptr) return false;
+    const std::u16string* const found = m_treatment.transliteration->of(what.codePoint);
+    if (found == nullptr) return false;
+    const bool isAtStart = what.column == 1 && found->compare(0, 1, u" ") == 0;
+    const std::u16string text = isAtStart && found->size() > 1 ? found->substr(1) : *found;
+    m_pStream->replaceBy(text.data(), text.size());
+    replacement = shown(toUtf8(text));
+    return true;
 }
 
 void Findings::tell(const char* from, const char* to) {
@@ -59,18 +95,23 @@ void Findings::tellLast(const char* from, const char* to) {
 }
 
 void Findings::say(const Place& place, const char* from, const char* to) {
-    Details details = {m_name, std::to_string(place.line), std::to_string(place.column)};
-    qblconvmsgs id = place.isBestFit ? CONV_BEST_FIT : CONV_NO_CHARACTER;
-    if (place.isOutput) {
-        details.insert(details.end(), {inDigits(place.codePoint), to});
+    static const qblconvmsgs kTexts[] = {CONV_BAD_BYTES, CONV_CUT_OFF, CONV_NO_CHARACTER,
+                                         CONV_BEST_FIT, CONV_TRANSLITERATED};
+    const bool isOutput = place.kind >= Finding::Kind::kLacking;
+    Finding finding = {place.kind, isOutput ? m_treatment.outputPolicy : m_treatment.inputPolicy,
+                       place.line, place.column};
+    finding.encoding = isOutput ? to : from;
+    if (isOutput) {
+        finding.codePoint = inDigits(place.codePoint);
+        finding.replacement = place.replacement;
     } else {
-        id = place.isCutOff ? CONV_CUT_OFF : CONV_BAD_BYTES;
-        details.insert(details.end(), {std::to_string(place.offset), place.bytes, from});
+        finding.offset = place.offset;
+        finding.bytes = place.bytes;
     }
-    if ((m_each == Each::kWarning || place.isBestFit) && !m_report.hasFailed())
-        m_report.warning(id, details);
-    else
-        m_report.error(id, details);
+    const bool isChange = place.kind > Finding::Kind::kLacking;
+    const bool isWarning = (m_each == Each::kWarning || isChange) && !m_report.hasFailed();
+    m_report.finding(isWarning ? QBLSeverityWarning : QBLSeverityError,
+                     kTexts[static_cast<int>(place.kind)], m_name, finding);
 }
 
 }  // namespace conv

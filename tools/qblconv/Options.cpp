@@ -1,11 +1,13 @@
 #include "tools/qblconv/Options.hpp"
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <map>
 
 #include "i18n/cpp/i18n_converter.hpp"
 #include "tools/common/Environment.hpp"
+#include "tools/common/LocaleText.hpp"
 #include "tools/common/Suggest.hpp"
 
 namespace conv {
@@ -16,9 +18,9 @@ using tools::Given;
 using Mode = Options::Mode;
 using Argument = tools::Option::Argument;
 
-enum { kBom = 256, kLock, kCompletions };
+enum { kBom = 256, kLock, kCompletions, kLineEnd, kVerify, kJson };
 
-const char kPolicyNames[] = "stop escape substitute lookup skip fit";
+const char kPolicyNames[] = "stop escape substitute lookup skip fit translit";
 
 constexpr unsigned kMostJobs = 256;
 
@@ -33,14 +35,34 @@ const std::vector<Word> kPolicies = {{"stop", I18N_STOP},
                                      {"substitute", I18N_SUBSTITUTE},
                                      {"lookup", I18N_LOOKUP},
                                      {"skip", I18N_USER_DEFINED}};
-// Of the output: similar characters; what has none stops.
-const char kFit[] = "fit";
+// Of the output; what has no similar character stops.
+const std::vector<Word> kSimilar = {
+    {"fit", static_cast<int>(Options::Similar::kFit)},
+    {"translit", static_cast<int>(Options::Similar::kTransliteration)}};
 const std::vector<Word> kMarks = {{"strip", static_cast<int>(Options::Mark::kStrip)},
                                   {"keep", static_cast<int>(Options::Mark::kKeep)},
                                   {"add", static_cast<int>(Options::Mark::kAdd)}};
 const std::vector<Word> kLocks = {{"try", static_cast<int>(Options::Lock::kTry)},
                                   {"wait", static_cast<int>(Options::Lock::kWait)},
                                   {"none", static_cast<int>(Options::Lock::kNone)}};
+
+const std::vector<Word> kLineEnds = {{"keep", static_cast<int>(Options::LineEnd::kKeep)},
+                                     {"lf", static_cast<int>(Options::LineEnd::kLf)},
+                                     {"crlf", static_cast<int>(Options::LineEnd::kCrLf)}};
+
+const Word* find(const std::vector<Word>& words, const std::string& name) {
+    const auto found = std::find_if(words.begin(), words.end(),
+                                    [&](const Word& word) { return name == word.name; });
+    return found != words.end() ? &*found : nullptr;
+}
+
+const char* nameOf(const std::vector<Word>& words, int value) {
+    return std::find_if(words.begin(), words.end(),
+                        [value](const Word& word) { return word.value == value; })
+        ->name;
+}
+
+std::string inQuotes(const std::string& text) { return "\"" + text + "\""; }
 
 /// What a mistake is called in the tool's catalogue.
 Problem problemOf(const tools::Mistake& mistake) {
@@ -74,6 +96,8 @@ public:
         for (int i = 1; i < argc && std::strcmp(argv[i], "--") != 0; ++i)
             if (std::strcmp(argv[i], "-X") == 0 || std::strcmp(argv[i], "--xml") == 0)
                 m_options.xml = true;
+            else if (std::strcmp(argv[i], "--json") == 0)
+                m_options.json = true;
         return false;
     }
 
@@ -88,16 +112,14 @@ private:
         m_shown[given.option.letter] = given.shown;
         switch (given.option.letter) {
             case 'f':
-                m_options.from = argument;
-                return m_options.isFromGiven = true;
+                return m_options.isFromGiven = takeEncoding(given, argument, m_options.from);
             case 't':
-                m_options.to = argument;
-                return m_options.isToGiven = true;
+                return m_options.isToGiven = takeEncoding(given, argument, m_options.to);
             case 'p':
                 return takePolicies(given, argument);
             case 'c':
                 m_options.inputPolicy = m_options.outputPolicy = I18N_USER_DEFINED;
-                m_options.usesBestFits = false;
+                m_options.similar = Options::Similar::kNone;
                 return true;
             case 'o':
                 m_options.output = argument;
@@ -123,6 +145,8 @@ private:
                 return takeMode(given, Mode::kCompletions) && takeShell(given, argument);
             case kLock:
                 return takeWord(given, argument, kLocks, m_options.lock);
+            case kLineEnd:
+                return takeWord(given, argument, kLineEnds, m_options.lineEnd);
             default:
                 return takeFlag(given);
         }
@@ -136,7 +160,12 @@ private:
                 return m_options.recurse = true;
             case 'X':
                 return m_options.xml = true;
+            case kJson:
+                return m_options.json = true;
+            case kVerify:
+                return m_options.verifies = true;
             case 'q':
+            case 's':
                 return m_options.quiet = true;
             case 'v':
                 return m_options.verbose = true;
@@ -162,7 +191,7 @@ private:
     bool takeShell(const Given& given, const std::string& argument) {
         for (const char* const known : {"bash", "zsh", "fish"})
             if (argument == known) return true;
-        return fail(CONV_BAD_ARGUMENT, {given.shown, "\"" + argument + "\""});
+        return fail(CONV_BAD_ARGUMENT, {given.shown, inQuotes(argument)});
     }
 
     /// The suffix comes behind the option itself.
@@ -172,7 +201,7 @@ private:
         const bool isName =
             !m_options.suffix.empty() && std::strchr(given.argument, '/') == nullptr;
         return takeMode(given, Mode::kInPlace) &&
-               (isName || fail(CONV_BAD_ARGUMENT, {given.shown, "\"" + m_options.suffix + "\""}));
+               (isName || fail(CONV_BAD_ARGUMENT, {given.shown, inQuotes(m_options.suffix)}));
     }
 
     bool takeJobs(const Given& given, const std::string& argument) {
@@ -180,76 +209,135 @@ private:
         const auto [behind, problem] = std::from_chars(argument.data(), end, m_options.jobs);
         const bool isNumber = problem == std::errc() && behind == end && m_options.jobs > 0 &&
                               m_options.jobs <= kMostJobs;
-        return isNumber || fail(CONV_BAD_ARGUMENT, {given.shown, "\"" + argument + "\""});
+        return isNumber || fail(CONV_BAD_ARGUMENT, {given.shown, inQuotes(argument)});
+    }
+
+    /// A name, and what iconv has after two slashes: of an input's nothing counts, as there.
+    bool takeEncoding(const Given& given, const std::string& argument, std::string& name) {
+        const std::size_t slashes = argument.find("//");
+        name = argument.substr(0, slashes);
+        if (name.empty() || name == "char") name = tools::localeEncodingName();
+        const bool isOutput = given.option.letter == 't';
+        if (isOutput) m_suffix.clear();
+        for (std::size_t at = slashes; at != std::string::npos;) {
+            at = argument.find_first_not_of("/,", at);
+            if (at == std::string::npos) break;
+            const std::size_t end = argument.find_first_of("/,", at);
+            std::string word = argument.substr(at, end - at);
+            std::transform(word.begin(), word.end(), word.begin(),
+                           [](char c) { return c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c; });
+            if (word != "TRANSLIT" && word != "IGNORE")
+                return fail(CONV_BAD_ARGUMENT, {given.shown, inQuotes(argument)});
+            if (isOutput) m_suffix += word;
+            at = end;
+        }
+        return true;
+    }
+
+    /// What the suffixes of the output's encoding say, of which -c is one.
+    bool applySuffix() {
+        const bool translit = m_suffix.find("TRANSLIT") != std::string::npos;
+        const bool skips = m_suffix.find("IGNORE") != std::string::npos || m_shown.count('c') != 0;
+        if (m_suffix.empty()) return true;
+        if (m_shown.count('p') != 0)
+            return fail(CONV_NOT_TOGETHER,
+                        {translit ? "//TRANSLIT" : "//IGNORE", m_shown.find('p')->second});
+        if (translit) m_options.similar = Options::Similar::kTransliteration;
+        if (skips)
+            m_options.inputPolicy = m_options.outputPolicy = I18N_USER_DEFINED;
+        else
+            m_options.marksLacking = true;
+        return true;
     }
 
     bool takePolicies(const Given& given, const std::string& argument) {
         const std::size_t comma = argument.find(',');
         const bool isOne = comma == std::string::npos;
         const std::string output = isOne ? argument : argument.substr(comma + 1);
-        m_options.usesBestFits = output == kFit;
+        const Word* const similar = find(kSimilar, output);
+        m_options.similar = similar != nullptr ? static_cast<Options::Similar>(similar->value)
+                                               : Options::Similar::kNone;
         m_options.inputPolicy = m_options.outputPolicy = I18N_STOP;
-        if (m_options.usesBestFits && isOne) return true;
-        if (!takePolicy(given, argument.substr(0, comma), nullptr, m_options.inputPolicy))
+        if (similar != nullptr && isOne) return true;
+        if (!takePolicy(given, argument.substr(0, comma), false, m_options.inputPolicy))
             return false;
-        return m_options.usesBestFits || takePolicy(given, output, kFit, m_options.outputPolicy);
+        return similar != nullptr || takePolicy(given, output, true, m_options.outputPolicy);
     }
 
-    /// @param other  what is accepted elsewhere, for the suggestion; may be null
-    bool takePolicy(const Given& given, const std::string& argument, const char* other,
-                    int& policy) {
+    bool takePolicy(const Given& given, const std::string& argument, bool isOutput, int& policy) {
         std::vector<Word> words = kPolicies;
-        if (other != nullptr) words.push_back({other, I18N_STOP});
+        if (isOutput) words.insert(words.end(), kSimilar.begin(), kSimilar.end());
         return takeWord(given, argument, words, policy);
     }
 
     template <class Value>
     bool takeWord(const Given& given, const std::string& argument, const std::vector<Word>& words,
                   Value& value) {
-        tools::Closest closest(argument);
-        for (const Word& word : words) {
-            closest.offer(word.name);
-            if (argument != word.name) continue;
-            value = static_cast<Value>(word.value);
+        if (const Word* const word = find(words, argument)) {
+            value = static_cast<Value>(word->value);
             return true;
         }
+        tools::Closest closest(argument);
+        for (const Word& word : words) closest.offer(word.name);
         if (closest.found().empty())
-            return fail(CONV_BAD_ARGUMENT, {given.shown, "\"" + argument + "\""});
-        return fail(CONV_BAD_ARGUMENT_BUT, {given.shown, "\"" + argument + "\"", closest.found()});
+            return fail(CONV_BAD_ARGUMENT, {given.shown, inQuotes(argument)});
+        return fail(CONV_BAD_ARGUMENT_BUT, {given.shown, inQuotes(argument), closest.found()});
     }
 
-    /// What goes together: a letter that is none of those allowed in a mode is refused.
-    bool check() {
-        const char* allowed = "";
-        switch (m_options.mode) {
+    /// Whether an option has a meaning in the mode.
+    static bool fits(int option, Mode mode) {
+        const bool converts = mode <= Mode::kInPlace;
+        const char* letters = "hVL";
+        switch (option) {
+            case kBom:
+            case kLineEnd:
+            case kVerify:
+                return converts;
+            case kLock:
+            case kJson:
+                return mode <= Mode::kCheck;
+            case kCompletions:
+                return mode == Mode::kCompletions;
+            default:
+                break;
+        }
+        switch (mode) {
             case Mode::kJoin:
-                allowed = "ftpcojLXqv";
+                letters = "ftpcoLXqsv";
                 break;
             case Mode::kDirectory:
-                allowed = "ftpcdjrkmLXqv";
+                letters = "ftpcdjrkmLXqsv";
                 break;
             case Mode::kInPlace:
-                allowed = "ftpcijrkmLXqv";
+                letters = "ftpcijrkmLXqsv";
                 break;
             case Mode::kCheck:
-                allowed = "ftnjrmLXqv";
+                letters = "ftnjrmLXqsv";
                 break;
             case Mode::kList:
-                allowed = "lL";
+                letters = "lL";
                 break;
             default:
-                allowed = "hVL";
+                break;
         }
-        const bool converts = m_options.mode <= Mode::kInPlace;
-        for (const auto& [letter, shown] : m_shown) {
-            const bool fits = letter == kBom           ? converts
-                              : letter == kLock        ? m_options.mode <= Mode::kCheck
-                              : letter == kCompletions ? m_options.mode == Mode::kCompletions
-                                                       : std::strchr(allowed, letter) != nullptr;
-            if (fits) continue;
+        return std::strchr(letters, option) != nullptr;
+    }
+
+    /// What goes together.
+    bool check() {
+        for (const auto& [option, shown] : m_shown) {
+            if (fits(option, m_options.mode)) continue;
             if (!m_mode.empty()) return fail(CONV_NOT_TOGETHER, {shown, m_mode});
-            return fail(CONV_NEEDS_MODE, {shown});
+            const bool isForChecks = fits(option, Mode::kCheck);
+            return fail(isForChecks ? CONV_NEEDS_MODE : CONV_NEEDS_OUTPUTS, {shown});
         }
+        // Line ends that change do not come back, and files that are kept keep theirs.
+        const int apart[][2] = {{'X', kJson}, {kLineEnd, kVerify}, {kLineEnd, 'k'}};
+        for (const auto& [one, other] : apart)
+            if (m_shown.count(one) != 0 && m_shown.count(other) != 0)
+                return fail(CONV_NOT_TOGETHER, {m_shown[one], m_shown[other]});
+        if (!applySuffix()) return false;
+        const bool converts = m_options.mode <= Mode::kInPlace;
         // Names that leave the order of the bytes open are for texts that say it.
         const bool isOpenOrder = I18NConverter::isUTF16(m_options.to.c_str()) ||
                                  I18NConverter::isUTF32(m_options.to.c_str());
@@ -258,11 +346,12 @@ private:
         if (m_options.mode == Mode::kInPlace && m_shown.count(kLock) == 0)
             m_options.lock = Options::Lock::kTry;
         if (m_options.quiet) m_options.verbose = false;
-        const bool needsOperands = m_options.mode == Mode::kDirectory ||
-                                   m_options.mode == Mode::kInPlace ||
-                                   m_options.mode == Mode::kCheck;
+        if (m_options.mode == Mode::kCheck && m_options.operands.empty())
+            m_options.operands.emplace_back("-");
+        const bool needsOperands =
+            m_options.mode == Mode::kDirectory || m_options.mode == Mode::kInPlace;
         if (m_options.mode == Mode::kList && m_options.operands.size() > 1)
-            return fail(CONV_BAD_ARGUMENT, {m_mode, "\"" + m_options.operands[1] + "\""});
+            return fail(CONV_BAD_ARGUMENT, {m_mode, inQuotes(m_options.operands[1])});
         if (needsOperands && m_options.operands.empty()) return fail(CONV_NO_OPERANDS, {m_mode});
         return true;
     }
@@ -271,17 +360,33 @@ private:
     Problem& m_problem;
     std::map<int, std::string> m_shown;  // the options given, by letter
     std::string m_mode;                  // the option that chose it
+    std::string m_suffix;                // of the output's encoding, in upper case
 };
 
 }  // namespace
+
+const char* inputPolicyName(const Options& options) {
+    return nameOf(kPolicies, options.inputPolicy);
+}
+
+const char* outputPolicyName(const Options& options) {
+    if (options.similar == Options::Similar::kNone) return nameOf(kPolicies, options.outputPolicy);
+    return nameOf(kSimilar, static_cast<int>(options.similar));
+}
 
 const std::vector<tools::Option>& knownOptions() {
     const auto kNone = Argument::kNone, kNeeded = Argument::kNeeded;
     static const std::vector<tools::Option> options = {
         {'f', "from", kNeeded, "ENC", "ENCODING", CONV_OPT_FROM},
         {'t', "to", kNeeded, "ENC", "ENCODING", CONV_OPT_TO},
+        // As iconv calls them.
+        {'f', "from-code", kNeeded, "", "ENCODING", tools::Option::kAlias},
+        {'t', "to-code", kNeeded, "", "ENCODING", tools::Option::kAlias},
+        {'s', "silent", kNone, "", "", tools::Option::kAlias},
         {'p', "policy", kNeeded, "P[,Q]", kPolicyNames, CONV_OPT_POLICY},
         {'c', "skip", kNone, "", "", CONV_OPT_SKIP},
+        {kLineEnd, "eol", kNeeded, "END", "keep lf crlf", CONV_OPT_EOL},
+        {kVerify, "verify", kNone, "", "", CONV_OPT_VERIFY},
         {'o', "output", kNeeded, "FILE", "FILE", CONV_OPT_OUTPUT},
         {'d', "directory", kNeeded, "DIR", "DIR", CONV_OPT_DIRECTORY},
         {'i', "in-place", Argument::kAttached, "SUFFIX", "", CONV_OPT_IN_PLACE},
@@ -294,6 +399,7 @@ const std::vector<tools::Option>& knownOptions() {
         {kLock, "lock", kNeeded, "HOW", "try wait none", CONV_OPT_LOCK},
         {'L', "lang", kNeeded, "LOCALES", "", CONV_OPT_LANG},
         {'X', "xml", kNone, "", "", CONV_OPT_XML},
+        {kJson, "json", kNone, "", "", CONV_OPT_JSON},
         {'q', "quiet", kNone, "", "", CONV_OPT_QUIET},
         {'v', "verbose", kNone, "", "", CONV_OPT_VERBOSE},
         {'l', "list", kNone, "", "", CONV_OPT_LIST},

@@ -15,6 +15,9 @@ struct Options {
     enum class Mode { kJoin, kDirectory, kInPlace, kCheck, kList, kHelp, kVersion, kCompletions };
     enum class Mark { kStrip, kKeep, kAdd };
     enum class Lock { kTry, kWait, kNone };
+    enum class LineEnd { kKeep, kLf, kCrLf };
+    /// What may take the place of a character that the output's encoding lacks.
+    enum class Similar { kNone, kFit, kTransliteration };
 
     Mode mode = Mode::kJoin;
     std::string from = "UTF-8";
@@ -24,9 +27,11 @@ struct Options {
     /// I18N_USER_DEFINED is to leave out.
     int inputPolicy = I18N_STOP;
     int outputPolicy = I18N_STOP;
-    bool usesBestFits = false;
+    Similar similar = Similar::kNone;  // comes before the output policy
+    bool marksLacking = false;         // by question marks, instead of the output policy
     Mark mark = Mark::kStrip;
     Lock lock = Lock::kNone;
+    LineEnd lineEnd = LineEnd::kKeep;
     std::string output;     // empty for the standard output
     std::string directory;  // that outputs go into
     std::string suffix;     // that originals keep; empty if they are not kept
@@ -39,8 +44,14 @@ struct Options {
     bool quiet = false;
     bool verbose = false;
     bool xml = false;
+    bool json = false;
+    bool verifies = false;
     std::vector<std::string> operands;
 };
+
+/// The policies as the command line calls them.
+const char* inputPolicyName(const Options& options);
+const char* outputPolicyName(const Options& options);
 
 /// The options that there are, in the order of the help text.
 const std::vector<tools::Option>& knownOptions();

@@ -1,5 +1,6 @@
 #include "tools/qblconv/Report.hpp"
 
+#include <iterator>
 #include <utility>
 
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
@@ -13,7 +14,21 @@ constexpr std::size_t kMostText = 0x10000;  // of a file whose turn has not come
 constexpr std::size_t kMostEnded = 0x1000;
 constexpr std::size_t kMostEndedBytes = 0x800000;
 
+// What programs read; these words stay.
+const char* const kKinds[] = {"malformed", "truncated",      "lacking",
+                              "best-fit",  "transliterated", "different"};
+const char* const kOutcomes[] = {"skipped", "converted", "unchanged", "valid", "failed"};
+
+const char* const kSeverities[] = {"fatal", "error", "warning", "information"};
+
+std::string orDash(const std::string& text) { return text.empty() ? "-" : text; }
+
 }  // namespace
+
+void Tally::add(const Tally& other) {
+    for (std::size_t i = 0; i < std::size(outcomes); ++i) outcomes[i] += other.outcomes[i];
+    replaced += other.replaced;
+}
 
 Report::Report(std::FILE* out, Form form, Progress& progress)
     : m_out(out), m_form(form), m_progress(progress) {
@@ -42,9 +57,9 @@ void Report::print(std::uint64_t number, const std::string& text) {
     write(text);
 }
 
-void Report::end(std::uint64_t number, std::string text, bool failed) {
+void Report::end(std::uint64_t number, std::string text, const Tally& tally) {
     QBLThreadGuard guard(m_lock);
-    m_hasFailures = m_hasFailures || failed;
+    m_tally.add(tally);
     // Whoever has the next number is not one that waits.
     while (number - m_next >= kMostEnded ||
            (number != m_next && m_iEndedBytes + text.size() > kMostEndedBytes)) {
@@ -67,10 +82,18 @@ void Report::end(std::uint64_t number, std::string text, bool failed) {
     if (m_iWaiting > 0) m_turn.broadcast();
 }
 
-FileReport::~FileReport() { m_report.end(m_number, std::move(m_text), m_hasFailed); }
+FileReport::~FileReport() {
+    Tally tally;
+    tally.replaced = m_iReplaced;
+    // What is said about no file counts only if it failed.
+    if (hasFailed() || !m_name.empty()) tally.outcomes[static_cast<int>(m_outcome)] = 1;
+    const bool isObject = !m_name.empty() || !m_messages.isEmpty();
+    if (m_report.form() == Report::Form::kJson && isObject) addLine(asObject());
+    m_report.end(m_number, std::move(m_text), tally);
+}
 
 void FileReport::error(qblconvmsgs id, const Details& details) {
-    m_hasFailed = true;
+    fail();
     add(QBLSeverityError, id, details);
 }
 
@@ -82,13 +105,80 @@ void FileReport::information(qblconvmsgs id, const Details& details) {
     add(QBLSeverityInformation, id, details);
 }
 
+void FileReport::setOutcome(Outcome outcome) {
+    if (!hasFailed()) m_outcome = outcome;
+}
+
+void FileReport::setEncodings(const std::string& from, const std::string& to) {
+    m_from = from;
+    m_to = to;
+}
+
 void FileReport::add(QBLSeverity severity, qblconvmsgs id, const Details& details) {
+    switch (m_report.form()) {
+        case Report::Form::kXml:
+            return addLine(m_texts.element(severity, id, details));
+        case Report::Form::kText:
+            return addLine(m_texts.text(id, details));
+        case Report::Form::kJson:
+            m_messages.add(tools::JsonObject()
+                               .add("severity", kSeverities[severity])
+                               .add("id", static_cast<std::int64_t>(id))
+                               .add("text", m_texts.text(id, details))
+                               .text());
+    }
+}
+
+void FileReport::finding(QBLSeverity severity, qblconvmsgs id, const std::string& file,
+                         const Finding& finding) {
+    if (severity == QBLSeverityError) fail();
+    Details details = {file, std::to_string(finding.line), std::to_string(finding.column)};
+    const bool isReplaced = finding.kind >= Finding::Kind::kTransliterated;
+    if (finding.offset >= 0)
+        details.insert(details.end(), {std::to_string(finding.offset), orDash(finding.bytes)});
+    else
+        details.push_back(finding.codePoint);
+    if (isReplaced) details.push_back(orDash(finding.replacement));
+    const char* const kind = kKinds[static_cast<int>(finding.kind)];
+    // Programs find the last ones among the parameters of the XML form; no text shows them.
+    details.insert(details.end(), {finding.encoding, kind, finding.policy});
+    if (m_report.form() != Report::Form::kJson) return add(severity, id, details);
+    addLine(tools::JsonObject()
+                .add("type", "finding")
+                .add("file", file)
+                .add("line", finding.line)
+                .add("column", finding.column)
+                .addOrNull("offset", finding.offset)
+                .addOrNull("bytes", finding.bytes)
+                .addOrNull("codePoint",
+                           finding.codePoint.empty() ? std::string() : "U+" + finding.codePoint)
+                .add("kind", kind)
+                .add("policy", finding.policy)
+                .add("encoding", finding.encoding)
+                .addValue("replacement", isReplaced ? tools::jsonText(finding.replacement) : "null")
+                .add("severity", kSeverities[severity])
+                .add("text", m_texts.text(id, details))
+                .text());
+}
+
+std::string FileReport::asObject() {
+    return tools::JsonObject()
+        .add("type", "file")
+        .add("file", m_name)
+        .add("status", kOutcomes[static_cast<int>(m_outcome)])
+        .addOrNull("from", m_from)
+        .addOrNull("to", m_to)
+        .add("replaced", m_iReplaced)
+        .addValue("messages", m_messages.text())
+        .text();
+}
+
+void FileReport::addLine(const std::string& line) {
     if (m_text.size() > kMostText) {
         m_report.print(m_number, m_text);
         m_text.clear();
     }
-    m_text += m_report.form() == Report::Form::kXml ? m_texts.element(severity, id, details)
-                                                    : m_texts.text(id, details);
+    m_text += line;
     m_text += '\n';
 }
 

@@ -31,10 +31,15 @@ namespace {
 
 using Mode = Options::Mode;
 
-/// XML is for programs, and goes where they read, unless text does.
+/// XML and JSON are for programs, and go where they read, unless text does.
 std::FILE* reportFile(const Options& options) {
     const bool isTaken = options.mode == Mode::kJoin && options.output.empty();
-    return options.xml && !isTaken ? stdout : stderr;
+    return (options.xml || options.json) && !isTaken ? stdout : stderr;
+}
+
+Report::Form reportForm(const Options& options) {
+    if (options.json) return Report::Form::kJson;
+    return options.xml ? Report::Form::kXml : Report::Form::kText;
 }
 
 /// Some errors have no text of their own.
@@ -52,8 +57,7 @@ public:
           m_operands(options),
           m_root(options.directory),
           m_progress(isProgressWanted(options), catalogue, options.locales),
-          m_report(reportFile(options), options.xml ? Report::Form::kXml : Report::Form::kText,
-                   m_progress) {}
+          m_report(reportFile(options), reportForm(options), m_progress) {}
 
     Status run() {
         std::optional<std::string> failure;
@@ -72,11 +76,35 @@ public:
             FileReport(m_report, m_iTaken++, texts).error(CONV_FAILED, {"qblconv", *failure});
         }
         m_progress.clear();
+        summarise();
         const bool isWhole = m_report.close();
         return m_report.hasFailures() || !isWhole ? kFailed : kDone;
     }
 
 private:
+    /// Says what became of several files; of those that are joined the one output is enough.
+    void summarise() {
+        const Tally& tally = m_report.tally();
+        std::int64_t count = 0;
+        for (const std::int64_t each : tally.outcomes) count += each;
+        count -= tally.of(Outcome::kSkipped);
+        const bool isWanted =
+            !m_options.quiet && m_options.mode != Mode::kJoin && !m_options.json && count > 1;
+        if (!isWanted || isInterrupted()) return;
+        const auto number = [](std::int64_t value) { return std::to_string(value); };
+        tools::MessageText texts(m_catalogue, m_options.locales);
+        FileReport report(m_report, m_iTaken++, texts);
+        if (m_options.mode == Mode::kCheck)
+            report.information(CONV_SUMMARY_CHECK,
+                               {number(count), number(tally.of(Outcome::kValid)),
+                                number(tally.of(Outcome::kFailed))});
+        else
+            report.information(CONV_SUMMARY,
+                               {number(count), number(tally.of(Outcome::kConverted)),
+                                number(tally.of(Outcome::kUnchanged)),
+                                number(tally.of(Outcome::kFailed)), number(tally.replaced)});
+    }
+
     /// Text on the terminal would be wiped out.
     static bool isProgressWanted(const Options& options) {
         const bool isText = options.mode == Mode::kJoin && options.output.empty();
@@ -119,7 +147,7 @@ private:
         Item item;
         std::uint64_t number = 0;
         while (take(item, number)) {
-            FileReport report(m_report, number, texts);
+            FileReport report(m_report, number, texts, shown(item.path));
             guarded(item.path, report, [&] { worker.work(item, report); });
         }
     }
@@ -165,7 +193,7 @@ private:
         bool isFirst = true;
         for (const std::string& input : inputs) {
             if (isInterrupted()) return;
-            FileReport report(m_report, m_iTaken, texts);
+            FileReport report(m_report, m_iTaken, texts, shown(input));
             guarded(input, report, [&] {
                 if (worker.join(input, joined.direct(), output, joined.name(), isFirst, report))
                     isFirst = false;
@@ -218,7 +246,15 @@ bool isStandardOutput(const std::string& path) {
 void sayNothingDone(const Options& options, const Problem& problem, tools::MessageText& texts) {
     std::FILE* const out = reportFile(options);
     const Details details = shown(problem.details);
-    if (options.xml)
+    if (options.json)
+        std::fprintf(out, "%s\n",
+                     tools::JsonObject()
+                         .add("type", "error")
+                         .add("id", std::int64_t{problem.id})
+                         .add("text", texts.text(problem.id, details))
+                         .text()
+                         .c_str());
+    else if (options.xml)
         std::fprintf(out, "<Messages>\n%s\n</Messages>\n",
                      texts.element(QBLSeverityError, problem.id, details).c_str());
     else

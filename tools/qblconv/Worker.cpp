@@ -42,7 +42,9 @@ Worker::Worker(const Options& options, Progress& progress, OutputRoot* root)
     }
     if (!isCheck || options.isToGiven)
         m_to = openKnown(options.to, I18N_STOP, isCheck ? I18N_SUBSTITUTE : options.outputPolicy);
-    if (m_to != nullptr) m_to->useFallback(options.usesBestFits);
+    if (m_to != nullptr) m_to->useFallback(options.similar == Options::Similar::kFit);
+    if (m_to != nullptr && options.similar == Options::Similar::kTransliteration)
+        m_pTransliteration = std::make_unique<Transliteration>(*m_to);
     if (options.mark == Options::Mark::kAdd) m_mark = markIn(*m_to);
     if (!options.keepValid) return;
     m_valid = openKnown(options.to, I18N_STOP, I18N_STOP);
@@ -53,8 +55,14 @@ Worker::Worker(const Options& options, Progress& progress, OutputRoot* root)
 Findings Worker::findings(FileReport& report, const std::string& name) const {
     const bool isCheck = m_options.mode == Mode::kCheck;
     Findings::Each each = isCheck ? Findings::Each::kError : Findings::Each::kCounted;
-    if (!isCheck && m_options.verbose) each = Findings::Each::kWarning;
-    return {report, name, each, !isCheck && m_options.outputPolicy == I18N_STOP};
+    const bool isToldEach = m_options.verbose || m_options.xml || m_options.json;
+    if (!isCheck && isToldEach && !m_options.quiet) each = Findings::Each::kWarning;
+    const bool stops = m_options.outputPolicy == I18N_STOP && !m_options.marksLacking;
+    return {report,
+            name,
+            each,
+            {!isCheck && stops, m_options.marksLacking, m_pTransliteration.get(),
+             inputPolicyName(m_options), outputPolicyName(m_options)}};
 }
 
 I18NByteOrderMark Worker::marks(bool strip) const {
@@ -64,8 +72,8 @@ I18NByteOrderMark Worker::marks(bool strip) const {
 }
 
 Way Worker::way(I18NByteOrderMark mark) {
-    return {m_from.get(), m_fromSwapped.get(), m_swappedMark, m_to.get(), mark,
-            m_block,      m_progress};
+    return {m_from.get(),      m_fromSwapped.get(), m_swappedMark, m_to.get(), mark,
+            m_options.lineEnd, m_options.verifies,  m_block,       m_progress};
 }
 
 void Worker::work(const Item& item, FileReport& report) {
@@ -116,8 +124,10 @@ void Worker::check(const std::string& name, Input& input, FileReport& report) {
     std::string encoding;
     const bool isRead =
         convertText(way(marks(true)), input, name, nullptr, {}, found, report, &encoding);
-    if (isRead && !report.hasFailed() && m_options.verbose)
-        report.information(CONV_VALID, {name, encoding});
+    if (isRead) report.setEncodings(encoding, m_options.isToGiven ? m_options.to : std::string());
+    if (!isRead || report.hasFailed()) return;
+    report.setOutcome(Outcome::kValid);
+    if (m_options.verbose) report.information(CONV_VALID, {name, encoding});
 }
 
 bool Worker::isToBeKept(Input& input, const std::string& name, FileReport& report) {
@@ -135,6 +145,8 @@ bool Worker::isToBeKept(Input& input, const std::string& name, FileReport& repor
 }
 
 void Worker::sayDone(const std::string& name, bool isKept, FileReport& report) const {
+    report.setOutcome(isKept ? Outcome::kUnchanged : Outcome::kConverted);
+    report.setEncodings(isKept ? m_options.to : m_encoding, m_options.to);
     if (!m_options.verbose || report.hasFailed()) return;
     report.information(isKept ? CONV_KEPT : CONV_DONE, {name, isKept ? m_options.to : m_encoding});
 }
@@ -154,10 +166,17 @@ bool Worker::convert(Input& input, const std::string& name, Output& output,
     if (!convertText(way(marks(stripMark)), input, name, &output, outputName, found, report,
                      &m_encoding))
         return false;
-    if (found.count() > 0 && !m_options.quiet)
-        report.warning(CONV_REPLACED, {name, std::to_string(found.count())});
-    if (found.bestFits() > 0 && !m_options.quiet)
-        report.warning(CONV_BEST_FITS, {name, std::to_string(found.bestFits())});
+    const struct {
+        qblconvmsgs text;
+        std::int64_t count;
+    } replaced[] = {{CONV_REPLACED, found.count()},
+                    {CONV_BEST_FITS, found.bestFits()},
+                    {CONV_TRANSLITERATIONS, found.transliterated()}};
+    for (const auto& each : replaced) {
+        report.addReplaced(each.count);
+        if (each.count > 0 && !m_options.quiet)
+            report.warning(each.text, {name, std::to_string(each.count)});
+    }
     return true;
 }
 

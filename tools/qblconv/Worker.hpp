@@ -58,7 +58,8 @@ private:
     std::unique_ptr<I18NConverter> m_valid;  // strictly what is to be kept
     std::string m_mark;                      // if outputs are to have one
     std::string m_validMark;
-    std::string m_encoding;  // that the last input turned out to be in
+    std::string m_encoding;                               // that the last input turned out to be in
+    std::unique_ptr<Transliteration> m_pTransliteration;  // null unless asked for
     std::vector<char> m_block;
     NewOutput m_new;
 };

@@ -52,6 +52,12 @@ enum qblconvmsgs {
     CONV_KEEP_NEEDS_MARK = 24,
     /// {0} output, {1} operand
     CONV_OUTPUT_IS_INPUT = 25,
+    /// {0} the option
+    CONV_NEEDS_OUTPUTS = 26,
+    /// {3} code point, {4} what it becomes
+    CONV_TRANSLITERATED = 27,
+    /// {3} offset, {4} bytes, {5} what comes back
+    CONV_NOT_REVERSIBLE = 28,
     /// {1} reason
     CONV_CANNOT_READ = 30,
     /// {1} reason
@@ -78,6 +84,12 @@ enum qblconvmsgs {
     CONV_BROKEN_LINK = 45,
     /// {1} how many
     CONV_BEST_FITS = 46,
+    /// {1} how many
+    CONV_TRANSLITERATIONS = 47,
+    /// {1} to {3} files, {4} characters
+    CONV_SUMMARY = 48,
+    /// {1} and {2} files
+    CONV_SUMMARY_CHECK = 49,
     CONV_DONE = 50,
     /// {1} encoding
     CONV_KEPT = 51,
@@ -107,6 +119,9 @@ enum qblconvmsgs {
     CONV_OPT_HELP = 120,
     CONV_OPT_VERSION = 121,
     CONV_OPT_COMPLETIONS = 122,
+    CONV_OPT_EOL = 123,
+    CONV_OPT_VERIFY = 124,
+    CONV_OPT_JSON = 125,
     /// What comes after the options; ends with a line end.
     CONV_USAGE_END = 150,
 };

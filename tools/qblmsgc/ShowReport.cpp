@@ -134,6 +134,7 @@ private:
             made.toString(m_locales, nullptr, element, 0);
             if (shown != element) return shown.toUtf8();
         }
+        if (text != nullptr) return text->text;
         const std::string& kind = message.attribute("Name");
         if (isId && kind == "QBLErrnoMessage") return m_reasons.text(static_cast<int>(id));
         return say(MSGC_REPORT_NO_TEXT,
