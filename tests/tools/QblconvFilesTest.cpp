@@ -368,10 +368,37 @@ TEST(QblconvFilesTest, AFileOverTheLimitIsReportedAndNothingIsLeft) {
     std::string text;
     for (int i = 0; i < 2000; ++i) text += kShiftJIS;
     tree.file("s", text);
-    expectRun(tree, "-n s; ulimit -f 4; $Q -f Shift_JIS -d out s; $Q -f Shift_JIS -i s", 1,
-              "out/s: cannot be written: File too large\ns: cannot be written: File too large\n");
+    expectRun(tree,
+              "-n s; ulimit -f 4; for o in '-d out' -i '-o o s'; do $Q -f Shift_JIS $o s; done", 1,
+              "out/s: cannot be written: File too large\ns: cannot be written: File too large\n"
+              "o: cannot be written: File too large\n");
     EXPECT_EQ("./out ./s ", namesIn(tree, "."));
     EXPECT_EQ(text, tree.text("s"));
+}
+
+TEST(QblconvFilesTest, AFullDiskIsReportedOnce) {
+    TempTree tree;
+    tree.file("s", "s\n");
+    tree.file("report", "<Message a=\"b\" ></Message>\n");
+    const std::string reason = ": No space left on device\n";
+    const std::string refused = "the standard output: cannot be written" + reason;
+    const struct {
+        std::string command, said;
+    } table[] = {
+        {QBL_CONV " s s >/dev/full", refused},
+        {QBL_CONV " -o /dev/full s s", "/dev/full: cannot be written" + reason},
+        {QBL_CONV " --bom=add s >/dev/full", refused},
+        {QBL_CONV " -l >/dev/full", "qblconv" + reason},
+        {QBL_CONV " -nX s >/dev/full", "qblconv" + reason},
+        {QBL_MSGC " -s report >/dev/full", "qblmsgc" + reason},
+        {QBL_MSGC " -w ./x >/dev/full", "./x: there is no such catalogue for en\nqblmsgc" + reason},
+    };
+    for (const auto& row : table) {
+        const Outcome result = runTool(tree, row.command);
+        EXPECT_EQ(1, result.status) << row.command;
+        EXPECT_EQ(row.said, result.output) << row.command;
+    }
+    EXPECT_EQ("", runTool(tree, QBL_CONV " -l | :").output) << "nobody is there to read it";
 }
 
 TEST(QblconvFilesTest, InterruptedItDoesNotWaitForOthers) {

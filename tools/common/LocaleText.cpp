@@ -111,9 +111,4 @@ std::string localText(const std::string& utf8) {
     return converted(escaped, encoding, lacking);
 }
 
-void printText(std::FILE* out, const std::string& utf8) {
-    const std::string bytes = localText(utf8);
-    std::fwrite(bytes.data(), 1, bytes.size(), out);
-}
-
 }  // namespace tools

@@ -1,7 +1,6 @@
 #ifndef TOOLS_COMMON_LOCALETEXT_HPP
 #define TOOLS_COMMON_LOCALETEXT_HPP
 
-#include <cstdio>
 #include <string>
 
 namespace tools {
@@ -19,8 +18,6 @@ std::string localeEncodingName();
 /// A text in the encoding of the locale. Characters that this lacks are written as shown() writes
 /// bytes: \xHH for each byte that they have in UTF-8.
 std::string localText(const std::string& utf8);
-/// Writes localText() to a file.
-void printText(std::FILE* out, const std::string& utf8);
 
 }  // namespace tools
 

@@ -7,6 +7,7 @@
 #include "i18n/cpp/i18n_encoding_names.h"
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/i18n_text_stream.hpp"
+#include "tools/common/Print.hpp"
 #include "tools/common/Suggest.hpp"
 
 namespace conv {
@@ -124,7 +125,7 @@ bool listEncodings(const std::string& pattern) {
     }
     std::sort(lines.begin(), lines.end(),
               [](const std::string& a, const std::string& b) { return lower(a) < lower(b); });
-    for (const std::string& line : lines) std::printf("%s\n", line.c_str());
+    for (const std::string& line : lines) tools::print(stdout, line + "\n");
     return !lines.empty();
 }
 

@@ -82,10 +82,11 @@ void JoinedOutput::finish(bool hasFailed, FileReport& report) {
     };
     if (!m_isOpen) return cannotWrite();
     if (m_isDirect) {
-        // What could not be written has been said.
-        if (m_pOutput->error() == 0 && !m_pOutput->commit()) cannotWrite();
+        // What could not be written has been said, unless nothing came but the mark.
+        if (m_pOutput->error() == 0 ? !m_pOutput->commit() : !hasFailed) cannotWrite();
         return;
     }
+    if (hasFailed && m_pOutput->error() != 0) return;
     if (hasFailed) return report.error(CONV_NOT_WRITTEN, {m_name});
     if (m_iOld >= 0 && !m_replacing.file().flush()) return cannotWrite();
     if (m_iOld >= 0 && !isUnchanged()) return report.error(CONV_CHANGED, {m_name});

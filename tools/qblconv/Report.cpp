@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
-#include "tools/common/LocaleText.hpp"
+#include "tools/common/Print.hpp"
 
 namespace conv {
 
@@ -37,14 +37,14 @@ Report::Report(std::FILE* out, Form form, Progress& progress)
 
 bool Report::close() {
     if (m_form == Form::kXml) write("</Messages>\n");
-    return std::fflush(m_out) == 0 && std::ferror(m_out) == 0;
+    return tools::flush(m_out);
 }
 
 void Report::write(const std::string& text) {
     if (text.empty()) return;
     m_progress.clear();
     if (m_form == Form::kText) return tools::printText(m_out, text);
-    std::fwrite(text.data(), 1, text.size(), m_out);
+    tools::print(m_out, text);
 }
 
 void Report::print(std::uint64_t number, const std::string& text) {

@@ -17,7 +17,7 @@
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "tools/common/Environment.hpp"
 #include "tools/common/Help.hpp"
-#include "tools/common/LocaleText.hpp"
+#include "tools/common/Print.hpp"
 #include "tools/common/Reason.hpp"
 #include "tools/qblconv/Encodings.hpp"
 #include "tools/qblconv/Interrupt.hpp"
@@ -247,16 +247,15 @@ void sayNothingDone(const Options& options, const Problem& problem, tools::Messa
     std::FILE* const out = reportFile(options);
     const Details details = shown(problem.details);
     if (options.json)
-        std::fprintf(out, "%s\n",
-                     tools::JsonObject()
-                         .add("type", "error")
-                         .add("id", std::int64_t{problem.id})
-                         .add("text", texts.text(problem.id, details))
-                         .text()
-                         .c_str());
+        tools::print(out, tools::JsonObject()
+                                  .add("type", "error")
+                                  .add("id", std::int64_t{problem.id})
+                                  .add("text", texts.text(problem.id, details))
+                                  .text() +
+                              "\n");
     else if (options.xml)
-        std::fprintf(out, "<Messages>\n%s\n</Messages>\n",
-                     texts.element(QBLSeverityError, problem.id, details).c_str());
+        tools::print(out, "<Messages>\n" + texts.element(QBLSeverityError, problem.id, details) +
+                              "\n</Messages>\n");
     else
         tools::printText(out, texts.text(problem.id, details) + "\n");
 }
@@ -278,9 +277,8 @@ Status run(int argc, char** argv) {
                 tools::printText(stdout, texts.text(CONV_USAGE_END));
                 return kDone;
             case Mode::kCompletions:
-                std::fputs(tools::completionScript("qblconv", options.shell, knownOptions(), texts)
-                               .c_str(),
-                           stdout);
+                tools::print(stdout, tools::completionScript("qblconv", options.shell,
+                                                             knownOptions(), texts));
                 return kDone;
             case Mode::kVersion:
                 tools::printText(stdout, texts.text(CONV_VERSION, {QBL_VERSION}) + "\n");

@@ -9,6 +9,8 @@
 #include "QBLCore/Frame/QBLCore.h"
 #include "i18n/cpp/i18n_init.h"
 #include "tools/common/BuiltInTexts.hpp"
+#include "tools/common/Print.hpp"
+#include "tools/common/Reason.hpp"
 #include "tools/qblconv/Interrupt.hpp"
 #include "tools/qblconv/Run.hpp"
 
@@ -22,12 +24,12 @@ void occupyStandardStreams() {
 }
 
 int runCommandLine(int argc, char** argv) {
-    int status = conv::run(argc, argv);
-    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-        std::perror("qblconv");
-        status = conv::kFailed;
-    }
-    return status;
+    const int status = conv::run(argc, argv);
+    const int error = tools::finishOutput();
+    if (error == 0) return status;
+    // Whoever reads a pipe may well stop.
+    if (!conv::isInterrupted()) tools::printText(stderr, "qblconv: " + tools::reason(error) + "\n");
+    return conv::kFailed;
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "QBLCore/Resources/QBLResourceFactory.hpp"
 #include "tools/common/Files.hpp"
 #include "tools/common/LocaleText.hpp"
+#include "tools/common/Print.hpp"
 #include "tools/common/Shown.hpp"
 #include "tools/qblmsgc/BmfBytes.hpp"
 #include "tools/qblmsgc/Commands.hpp"
@@ -20,7 +21,7 @@ Status unreadable(const std::string& operand) {
 }
 
 Status complain(Status status, qblmsgcmsgs id, const Details& details) {
-    std::fflush(stdout);
+    tools::flush(stdout);
     tools::printText(stderr, textOf(id, details) + "\n");
     return status;
 }
@@ -35,10 +36,8 @@ Status dump(const Options& options) {
     if (!readBmf(bytes, texts, problem))
         return complain(kErrors, MSGC_NO_BMF,
                         {name, std::to_string(problem.offset), textOf(problem.reason)});
-    for (const BmfText& each : texts) {
-        const std::string source = dumpSource(each.id, std::string(each.text));
-        if (std::fwrite(source.data(), 1, source.size(), stdout) < source.size()) return kErrors;
-    }
+    for (const BmfText& each : texts)
+        tools::print(stdout, dumpSource(each.id, std::string(each.text)));
     // Texts that are shared, unused bytes and the like: readers do not see them, nor do sources.
     return isCanonicalBmf(bytes, texts) ? kClean : complain(kErrors, MSGC_NOT_THE_SAME, {name});
 }
@@ -53,9 +52,10 @@ Status where(const Options& options) {
     for (const std::string& candidate : QBLResourceFactory::getCandidates(base, locales)) {
         const bool isUsed = !isMarked && candidate == used;
         isMarked = isMarked || isUsed;
-        std::printf(
-            "%c %s\n", isUsed ? '*' : ' ',
-            isTerminal ? tools::localText(tools::shown(candidate)).c_str() : candidate.c_str());
+        tools::print(stdout,
+                     (isUsed ? "* " : "  ") +
+                         (isTerminal ? tools::localText(tools::shown(candidate)) : candidate) +
+                         "\n");
     }
     if (used.empty()) return complain(kErrors, MSGC_NOT_FOUND, {base, locales});
     QBLResourceBMF resource(0);

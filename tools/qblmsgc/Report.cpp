@@ -4,7 +4,7 @@
 #include <tuple>
 #include <utility>
 
-#include "tools/common/LocaleText.hpp"
+#include "tools/common/Print.hpp"
 #include "tools/common/Shown.hpp"
 #include "tools/qblmsgc/Environment.hpp"
 
@@ -57,13 +57,12 @@ void Report::print(std::FILE* out, Form form, bool quiet) {
             tools::printText(out, texts.text(finding.id, tools::shown(finding.details)) + "\n");
             continue;
         }
-        if (!any) std::fputs("<Messages>\n", out);
+        if (!any) tools::print(out, "<Messages>\n");
         any = true;
-        std::fprintf(
-            out, "%s\n",
-            texts.element(finding.severity, finding.id, tools::shown(finding.details)).c_str());
+        tools::print(
+            out, texts.element(finding.severity, finding.id, tools::shown(finding.details)) + "\n");
     }
-    if (any) std::fputs("</Messages>\n", out);
+    if (any) tools::print(out, "</Messages>\n");
 }
 
 }  // namespace msgc

@@ -7,7 +7,7 @@
 #include "QBLCore/Messages/QBLMessage.hpp"
 #include "QBLCore/Resources/QBLResourceBMF.hpp"
 #include "i18n/cpp/i18n_string.hpp"
-#include "tools/common/LocaleText.hpp"
+#include "tools/common/Print.hpp"
 #include "tools/common/Reason.hpp"
 #include "tools/common/Shown.hpp"
 #include "tools/qblmsgc/Commands.hpp"

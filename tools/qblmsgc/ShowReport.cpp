@@ -11,7 +11,7 @@
 #include "QBLCore/Messages/QBLMessage.hpp"
 #include "i18n/cpp/i18n_string.hpp"
 #include "tools/common/Files.hpp"
-#include "tools/common/LocaleText.hpp"
+#include "tools/common/Print.hpp"
 #include "tools/common/Reason.hpp"
 #include "tools/common/Shown.hpp"
 #include "tools/qblmsgc/Commands.hpp"
@@ -268,7 +268,7 @@ private:
 
     /// Says that a report is broken, and passes it on up to the end of its line.
     void refuse() {
-        std::fflush(stdout);
+        tools::flush(stdout);
         m_printer.complain(MSGC_REPORT_BROKEN, {std::to_string(m_iDropped)});
         m_isWhole = false;
         m_endTag = {};
@@ -284,7 +284,7 @@ private:
             ++m_iBegin;
             ++m_iDropped;
         }
-        std::fwrite(m_text.data() + m_iBegin, 1, end - m_iBegin, stdout);
+        tools::print(stdout, m_text.substr(m_iBegin, end - m_iBegin));
         m_iDropped += end - m_iBegin;
         m_iBegin = end;
     }
@@ -323,7 +323,7 @@ Status showReport(const Options& options) {
         if (got < 0) return cannotRead();
         if (got == 0) break;
         stream.put(block, static_cast<std::size_t>(got));
-        std::fflush(stdout);  // a log that is followed goes on
+        tools::flush(stdout);  // a log that is followed goes on
     }
     const bool isWhole = stream.finish();
     if (!isStandard) close(file);

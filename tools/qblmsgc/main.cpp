@@ -6,7 +6,7 @@
 #include "QBLCore/Frame/QBLCore.h"
 #include "tools/common/BuiltInTexts.hpp"
 #include "tools/common/Help.hpp"
-#include "tools/common/LocaleText.hpp"
+#include "tools/common/Print.hpp"
 #include "tools/common/Reason.hpp"
 #include "tools/qblmsgc/Commands.hpp"
 #include "tools/qblmsgc/Environment.hpp"
@@ -37,10 +37,8 @@ msgc::Status run(const msgc::Options& options) {
             return msgc::kClean;
         case Command::kCompletions: {
             tools::MessageText texts(msgc::ownCatalogue(), msgc::userLocale());
-            std::fputs(
-                tools::completionScript("qblmsgc", options.shell, msgc::knownOptions(), texts)
-                    .c_str(),
-                stdout);
+            tools::print(stdout, tools::completionScript("qblmsgc", options.shell,
+                                                         msgc::knownOptions(), texts));
             return msgc::kClean;
         }
         case Command::kVersion:
@@ -59,8 +57,9 @@ int runCommandLine(int argc, char** argv) {
     tools::setReasonLanguage(msgc::ownCatalogue(), msgc::userLocale());
     if (!isUsage) return msgc::complain(msgc::kUsage, problem.id, problem.details);
     const msgc::Status status = run(options);
-    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;
-    std::perror("qblmsgc");
+    const int error = tools::finishOutput();
+    if (error == 0) return status;
+    tools::printText(stderr, "qblmsgc: " + tools::reason(error) + "\n");
     return msgc::kErrors;
 }
 
