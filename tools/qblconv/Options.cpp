@@ -18,7 +18,7 @@ using tools::Given;
 using Mode = Options::Mode;
 using Argument = tools::Option::Argument;
 
-enum { kBom = 256, kLock, kCompletions, kLineEnd, kVerify, kJson };
+enum { kBom = 256, kLock, kCompletions, kLineEnd, kVerify, kJson, kClean };
 
 const char kPolicyNames[] = "stop escape substitute lookup skip fit translit";
 
@@ -173,6 +173,8 @@ private:
                 return takeMode(given, Mode::kCheck);
             case 'l':
                 return takeMode(given, Mode::kList);
+            case kClean:
+                return takeMode(given, Mode::kClean);
             case 'h':
                 return takeMode(given, Mode::kHelp);
             default:
@@ -298,6 +300,8 @@ private:
                 return mode <= Mode::kCheck;
             case kCompletions:
                 return mode == Mode::kCompletions;
+            case kClean:
+                return mode == Mode::kClean;
             default:
                 break;
         }
@@ -313,6 +317,9 @@ private:
                 break;
             case Mode::kCheck:
                 letters = "ftnjrmLXqsv";
+                break;
+            case Mode::kClean:
+                letters = "rLXqsv";
                 break;
             case Mode::kList:
                 letters = "lL";
@@ -352,6 +359,8 @@ private:
             m_options.mode == Mode::kDirectory || m_options.mode == Mode::kInPlace;
         if (m_options.mode == Mode::kList && m_options.operands.size() > 1)
             return fail(CONV_BAD_ARGUMENT, {m_mode, inQuotes(m_options.operands[1])});
+        if (m_options.mode == Mode::kClean && m_options.operands.empty())
+            return fail(CONV_NO_DIRECTORY, {m_mode});
         if (needsOperands && m_options.operands.empty()) return fail(CONV_NO_OPERANDS, {m_mode});
         return true;
     }
@@ -402,6 +411,7 @@ const std::vector<tools::Option>& knownOptions() {
         {kJson, "json", kNone, "", "", CONV_OPT_JSON},
         {'q', "quiet", kNone, "", "", CONV_OPT_QUIET},
         {'v', "verbose", kNone, "", "", CONV_OPT_VERBOSE},
+        {kClean, "clean", kNone, "", "", CONV_OPT_CLEAN},
         {'l', "list", kNone, "", "", CONV_OPT_LIST},
         {'h', "help", kNone, "", "", CONV_OPT_HELP},
         {'V', "version", kNone, "", "", CONV_OPT_VERSION},

@@ -12,7 +12,17 @@ namespace conv {
 
 /// What the command line asks for.
 struct Options {
-    enum class Mode { kJoin, kDirectory, kInPlace, kCheck, kList, kHelp, kVersion, kCompletions };
+    enum class Mode {
+        kJoin,
+        kDirectory,
+        kInPlace,
+        kCheck,
+        kClean,
+        kList,
+        kHelp,
+        kVersion,
+        kCompletions
+    };
     enum class Mark { kStrip, kKeep, kAdd };
     enum class Lock { kTry, kWait, kNone };
     enum class LineEnd { kKeep, kLf, kCrLf };

@@ -19,6 +19,7 @@
 #include "tools/common/Help.hpp"
 #include "tools/common/Print.hpp"
 #include "tools/common/Reason.hpp"
+#include "tools/qblconv/Clean.hpp"
 #include "tools/qblconv/Encodings.hpp"
 #include "tools/qblconv/Interrupt.hpp"
 #include "tools/qblconv/Join.hpp"
@@ -64,6 +65,8 @@ public:
         try {
             if (m_options.mode == Mode::kJoin)
                 join();
+            else if (m_options.mode == Mode::kClean)
+                clean();
             else
                 workOnAll();
         } catch (QBLThrowable& error) {
@@ -171,6 +174,14 @@ private:
         return true;
     }
 
+    void clean() {
+        tools::MessageText texts(m_catalogue, m_options.locales);
+        for (const std::string& operand : m_options.operands) {
+            FileReport report(m_report, m_iTaken++, texts);
+            guarded(operand, report, [&] { Clean(m_options, report).work(operand); });
+        }
+    }
+
     void join() {
         tools::MessageText texts(m_catalogue, m_options.locales);
         std::vector<std::string> inputs = m_options.operands;
@@ -215,6 +226,7 @@ private:
 
 /// What can be known to be wrong before anything is done.
 bool check(const Options& options, Problem& problem) {
+    if (options.mode == Mode::kClean) return Clean::check(options, problem);
     const auto from = openEncoding(options.from, problem);
     if (from == nullptr) return false;
     const auto to = openEncoding(options.to, problem);

@@ -97,6 +97,17 @@ enum qblconvmsgs {
     CONV_VALID = 52,
     /// While it runs; {0} files, {1} megabytes.
     CONV_PROGRESS = 60,
+    CONV_REMOVED = 70,
+    /// {1} the number of the process
+    CONV_STILL_RUNNING = 71,
+    CONV_STILL_OPEN = 72,
+    CONV_NOT_OURS = 73,
+    /// {1} reason
+    CONV_UNKNOWN_IF_OPEN = 74,
+    /// {1} reason
+    CONV_CANNOT_REMOVE = 75,
+    /// {0} the option
+    CONV_NO_DIRECTORY = 76,
     CONV_OPT_FROM = 101,
     CONV_OPT_TO = 102,
     CONV_OPT_POLICY = 103,
@@ -122,6 +133,7 @@ enum qblconvmsgs {
     CONV_OPT_EOL = 123,
     CONV_OPT_VERIFY = 124,
     CONV_OPT_JSON = 125,
+    CONV_OPT_CLEAN = 140,
     /// What comes after the options; ends with a line end.
     CONV_USAGE_END = 150,
 };

@@ -1,0 +1,172 @@
+#include "tools/qblconv/Clean.hpp"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <charconv>
+#include <csignal>
+#include <string_view>
+#include <system_error>
+
+#include "tools/common/Reason.hpp"
+#include "tools/qblconv/Interrupt.hpp"
+#include "tools/qblconv/Status.hpp"
+
+namespace conv {
+
+namespace {
+
+/// What names of temporary files begin with: those of QBLFmReplaceFile, and of NewOutput.
+constexpr std::string_view kBeginnings[] = {".QBLFm", ".qblconv"};
+
+/// Takes a positive number, in the one form in which numbers are written into names, from the
+/// front of a text.
+template <class Number>
+bool takeNumber(std::string_view& text, Number& value) {
+    const char* const end = text.data() + text.size();
+    const auto [next, problem] = std::from_chars(text.data(), end, value);
+    if (problem != std::errc() || text[0] == '0' || text[0] == '-') return false;
+    text.remove_prefix(static_cast<std::size_t>(next - text.data()));
+    return true;
+}
+
+/// @return the number of the process that has made a temporary file; 0 for any other name
+pid_t makerOf(const std::string& name) {
+    for (const std::string_view beginning : kBeginnings) {
+        if (name.compare(0, beginning.size(), beginning) != 0) continue;
+        std::string_view rest = std::string_view(name).substr(beginning.size());
+        pid_t process = 0;
+        unsigned count = 0;
+        if (!takeNumber(rest, process) || rest.empty() || rest[0] != '.') return 0;
+        rest.remove_prefix(1);
+        return takeNumber(rest, count) && rest.empty() ? process : 0;
+    }
+    return 0;
+}
+
+bool isAlive(pid_t process) { return kill(process, 0) == 0 || errno != ESRCH; }
+
+bool isOurs(const FileStatus& status) { return geteuid() == 0 || status.user() == geteuid(); }
+
+/// A lease that the system gives only while no other descriptor of the file is open anywhere. Who
+/// opens the file meanwhile waits until it is given back.
+class Lease {
+public:
+    explicit Lease(int file) : m_iFile(file) {
+        // The signal to whoever has a lease would end the process, unless it is one that does not.
+        m_isHeld = fcntl(file, F_SETSIG, SIGURG) == 0 && fcntl(file, F_SETLEASE, F_WRLCK) == 0;
+        m_error = m_isHeld ? 0 : errno;
+    }
+    ~Lease() {
+        if (m_isHeld) fcntl(m_iFile, F_SETLEASE, F_UNLCK);
+    }
+    Lease(const Lease&) = delete;
+    Lease& operator=(const Lease&) = delete;
+
+    /// An errno; 0 if it was given.
+    int error() const { return m_error; }
+
+private:
+    const int m_iFile;
+    bool m_isHeld;
+    int m_error;
+};
+
+struct Descriptor {
+    explicit Descriptor(int opened) : fd(opened) {}
+    ~Descriptor() {
+        if (fd >= 0) ::close(fd);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    const int fd;
+};
+
+}  // namespace
+
+bool Clean::check(const Options& options, Problem& problem) {
+    for (const std::string& operand : options.operands) {
+        FileStatus status;
+        const bool isThere = status.get(operand.c_str());
+        const int error = isThere ? ENOTDIR : errno;
+        if (isThere ? status.isDirectory() : error != ENOENT && error != ENOTDIR) continue;
+        problem = {CONV_CANNOT_READ, {operand, tools::reason(error)}};
+        return false;
+    }
+    return true;
+}
+
+void Clean::work(const std::string& operand) {
+    QBLFmDirectory directory;
+    if (!directory.open(operand.c_str()))
+        return m_report.error(CONV_CANNOT_READ, {shown(operand), tools::reason(errno)});
+    enter(operand, std::move(directory));
+    while (!m_levels.empty() && !isInterrupted()) descend();
+    m_levels.clear();
+}
+
+void Clean::enter(const std::string& path, QBLFmDirectory directory) {
+    Level level = {path.back() == '/' ? path : path + "/", std::move(directory), {}};
+    std::list<std::string> files;
+    if (!level.directory.readDir(&files, "", m_options.recurse ? &level.directories : nullptr,
+                                 nullptr))
+        return m_report.error(CONV_CANNOT_READ, {shown(path), tools::reason(errno)});
+    for (const std::string& file : files) {
+        if (isInterrupted()) return;
+        removeUnused(level, file);
+    }
+    m_levels.push_back(std::move(level));
+}
+
+/// Goes on in the next directory below the innermost level, or leaves that.
+void Clean::descend() {
+    Level& level = m_levels.back();
+    if (level.directories.empty()) return m_levels.pop_back();
+    const std::string name = std::move(level.directories.front());
+    level.directories.pop_front();
+    if (name[0] == '.') return;
+    const std::string path = level.path + name;
+    QBLFmDirectory directory;
+    if (directory.open(level.directory, name.c_str()))
+        enter(path, std::move(directory));
+    else if (errno != ENOTDIR && errno != ELOOP && errno != ENOENT)
+        m_report.error(CONV_CANNOT_READ, {shown(path), tools::reason(errno)});
+}
+
+void Clean::removeUnused(const Level& level, const std::string& leaf) {
+    const pid_t maker = makerOf(leaf);
+    if (maker == 0) return;
+    const std::string name = shown(level.path + leaf);
+    const int directory = level.directory.getDescriptor();
+    FileStatus status, opened;
+    // Links and devices are not opened.
+    if (!status.get(directory, leaf.c_str(), AT_SYMLINK_NOFOLLOW)) return;
+    if (!status.isRegular()) return tell(CONV_NOT_REGULAR, {name});
+    if (!isOurs(status)) return tell(CONV_NOT_OURS, {name});
+    if (isAlive(maker)) return tell(CONV_STILL_RUNNING, {name, std::to_string(maker)});
+    const Descriptor file(level.directory.openFile(leaf.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY));
+    if (file.fd < 0 && errno == ENOENT) return;
+    if (file.fd < 0 && errno == EAGAIN) return tell(CONV_STILL_OPEN, {name});
+    if (file.fd < 0 || !opened.get(file.fd))
+        return m_report.error(CONV_CANNOT_REMOVE, {name, tools::reason(errno)});
+    if (!opened.isSameFile(status)) return;
+    const Lease lease(file.fd);
+    if (lease.error() == EAGAIN || lease.error() == EBUSY) return tell(CONV_STILL_OPEN, {name});
+    if (lease.error() != 0) {
+        if (!m_options.quiet)
+            m_report.warning(CONV_UNKNOWN_IF_OPEN, {name, tools::reason(lease.error())});
+        return;
+    }
+    const bool isStill = status.get(directory, leaf.c_str(), AT_SYMLINK_NOFOLLOW);
+    if (!isStill || !opened.isSameFile(status)) return;
+    if (unlinkat(directory, leaf.c_str(), 0) == 0) return tell(CONV_REMOVED, {name});
+    if (errno != ENOENT) m_report.error(CONV_CANNOT_REMOVE, {name, tools::reason(errno)});
+}
+
+void Clean::tell(qblconvmsgs id, const Details& details) {
+    if (m_options.verbose) m_report.information(id, details);
+}
+
+}  // namespace conv
