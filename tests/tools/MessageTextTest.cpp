@@ -88,26 +88,22 @@ TEST(LocaleTextTest, TextsForPeopleComeInItAndDataInUtf8) {
 TEST(ReasonsTest, TheyComeInTheLanguageOfTheMessages) {
     TempTree tree;
     const Outcome made = runTool(tree, "localedef -i fr_FR -f ISO-8859-1 ./fr_FR");
-    setenv("LOCPATH", tree.root(), 1);
-    const std::string program = QBL_CONV;
-    const std::string catalogue = program.substr(0, program.rfind('/')) + "/qblconvmsgs";
-    const auto refused = [&](const char* locales) {
-        return tools::Reasons(catalogue, locales).text(EACCES);
+    // LANGUAGE is the C library's own choice. Its newlocale() of 2.36 leaks where LOCPATH is set.
+    const std::string environment = "LC_ALL=C LANGUAGE=de ASAN_OPTIONS=detect_leaks=0 LOCPATH=.";
+    const auto said = [&](const std::string& locales) {
+        return runTool(tree, "echo | '" QBL_CONV "' -L '" + locales + "' >/dev/full", environment)
+            .output;
     };
-    const std::string french =
-                          "Permission non accord\xC3\xA9"
-                          "e",
-                      english = "Permission denied";
-    const std::string found = refused("fr");
-    for (const char* const locales : {"xx fr", "fr_FR.UTF-8", "fr_CA,de"})
-        EXPECT_EQ(found, refused(locales)) << locales;
-    for (const char* const locales : {"", "en fr", "de fr", "xx"})
-        EXPECT_EQ(english, refused(locales)) << locales;
-    EXPECT_EQ(english, tools::Reasons(tree("none"), "fr").text(EACCES));
+    EXPECT_EQ("the standard output: cannot be written: No space left on device\n", said("en fr"));
+    EXPECT_EQ("die Standardausgabe: nicht schreibbar: No space left on device\n", said("de fr"));
     EXPECT_EQ("Unknown error 9999", tools::Reasons().text(9999));
-    const Outcome run = runTool(tree, "LANGUAGE=de '" QBL_CONV "' -n nofile", "LC_ALL=fr_FR");
-    unsetenv("LOCPATH");
-    if (found == english) GTEST_SKIP() << "the C library has no French: " << made.output;
-    EXPECT_EQ(french, found);
-    EXPECT_EQ("nofile : illisible : Aucun fichier ou dossier de ce type\n", run.output);
+    const std::string start =
+        "la sortie standard : impossible d'\xC3\xA9"
+        "crire : ";
+    const std::string found = said("fr");
+    for (const char* const locales : {"xx fr", "fr_FR.UTF-8", "fr_CA,de"})
+        EXPECT_EQ(found, said(locales)) << locales;
+    if (found == start + "No space left on device\n")
+        GTEST_SKIP() << "the C library has no French: " << made.output;
+    EXPECT_EQ(start + "Aucun espace disponible sur le p\xC3\xA9riph\xC3\xA9rique\n", found);
 }

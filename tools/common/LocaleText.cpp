@@ -62,7 +62,7 @@ bool isUsable(const std::string& encoding) {
 std::string installedEncoding(const char* locale) {
     const locale_t known = newlocale(LC_CTYPE_MASK, locale, nullptr);
     if (known == nullptr) return {};
-    const std::string encoding = nl_langinfo_l(CODESET, known);
+    std::string encoding = nl_langinfo_l(CODESET, known);
     freelocale(known);
     return encoding;
 }
@@ -98,7 +98,7 @@ std::string localText(const std::string& utf8) {
     static const bool isUtf8 = I18NConverter::isUTF8(encoding.c_str());
     if (isUtf8) return utf8;
     Lacking lacking;
-    const std::string bytes = converted(utf8, encoding, lacking);
+    std::string bytes = converted(utf8, encoding, lacking);
     if (lacking.isEmpty()) return bytes;
     std::string escaped;
     for (std::size_t i = 0; i < utf8.size();) {

@@ -108,8 +108,7 @@ Reasons& Reasons::operator=(Reasons&& other) noexcept {
 
 std::string Reasons::text(int error) const {
     if (m_locale != nullptr) {
-        const std::string utf8 =
-            toUtf8(strerror_l(error, m_locale), nl_langinfo_l(CODESET, m_locale));
+        std::string utf8 = toUtf8(strerror_l(error, m_locale), nl_langinfo_l(CODESET, m_locale));
         if (!utf8.empty()) return utf8;
     }
     const char* const english = strerrordesc_np(error);
