@@ -7,9 +7,9 @@ namespace tools {
 
 /// The encoding that terminals show: that of the first of LC_ALL, LC_CTYPE and LANG that is set. It
 /// stands in the locale's name after the dot; where none stands, the C library says it for a locale
-/// that is installed. Encodings that the library does not know, and those that do not have ASCII's
-/// characters as ASCII has them, do not count.
-/// @return UTF-8 where nothing else is known, for C and for POSIX
+/// that is installed. Encodings that the library does not know, and those in which ASCII text has
+/// other bytes, do not count.
+/// @return UTF-8 if nothing else is known, for C and for POSIX
 std::string localeEncoding();
 /// The same as programs that convert the text itself take it: US-ASCII where no locale is set, for
 /// C and for POSIX.

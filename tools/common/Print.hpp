@@ -6,8 +6,8 @@
 
 namespace tools {
 
-// What a tool prints to a stream of stdio. Why the first write to the standard output failed is
-// remembered for the end, by which errno and the stream would have forgotten it.
+// Printing to streams of stdio. The reason of the first write to the standard output that failed is
+// kept for the end of the program; the stream only knows that there was one.
 //
 // Threads: any thread may print.
 

@@ -7,9 +7,8 @@
 
 namespace tools {
 
-/// What the system calls an error, in the language that messages come in: that of the catalogue
-/// found for some locales. It is English where that is, where the C library has no installed locale
-/// of that language, and where it does not know the error's name in it.
+/// What the system calls an error, in the language of the catalogue that messages come from. It is
+/// English if no locale of that language is installed, or if the C library has no translation.
 ///
 /// Threads: any number may call text().
 class Reasons {

@@ -49,12 +49,13 @@ bool isAlive(pid_t process) { return kill(process, 0) == 0 || errno != ESRCH; }
 
 bool isOurs(const FileStatus& status) { return geteuid() == 0 || status.user() == geteuid(); }
 
-/// A lease that the system gives only while no other descriptor of the file is open anywhere. Who
-/// opens the file meanwhile waits until it is given back.
+/// A lease, which the system grants only while no other descriptor of the file is open anywhere.
+/// Whoever opens the file meanwhile waits until the lease is given back.
 class Lease {
 public:
     explicit Lease(int file) : m_iFile(file) {
-        // The signal to whoever has a lease would end the process, unless it is one that does not.
+        // The system signals the holder when somebody opens the file. SIGIO, the usual signal,
+        // would end the process; SIGURG is ignored.
         m_isHeld = fcntl(file, F_SETSIG, SIGURG) == 0 && fcntl(file, F_SETLEASE, F_WRLCK) == 0;
         m_error = m_isHeld ? 0 : errno;
     }

@@ -12,10 +12,10 @@
 namespace conv {
 
 /// Removes the temporary files that killed processes have left in directories. A file is removed
-/// if its name is one that this system gives such files, no process here has the number in the
-/// name, nobody has the file open, here or in another process namespace, and it is a regular file
-/// of the caller's; all others stay. Directories are opened one from the other, and no link is
-/// followed except those that are named.
+/// if it is a regular file of the caller's, if its name has the form of temporary files of the
+/// library and the tool, if no process here has the number in the name, and if nobody has the file
+/// open, here or in another process namespace. All others stay. Each directory is opened from the
+/// one above it; only links on the command line are followed.
 ///
 /// Threads: one at a time.
 class Clean {
