@@ -269,6 +269,7 @@ TEST(QblconvTest, MisuseIsNamedAndNothingIsDone) {
         {"s -vi=", "qblconv: invalid argument for -i: \"\""},
         {"-ri.bak s", "qblconv: no such option: -ri.bak; perhaps -ri=.bak?"},
         {"-i -=.x s", "qblconv: no such option: -="},
+        {"-n: s", "qblconv: no such option: -:"},
         {"-i -n s", "qblconv: -i does not go with -n"},
         {"-n -k s", "qblconv: -k does not go with -n"},
         {"-o x -d y s", "qblconv: -o does not go with -d"},

@@ -203,6 +203,7 @@ TEST(QblmsgcTest, MisuseIsNamedAndNothingIsOverwritten) {
         {"", missing},
         {"-g 1", missing},
         {"--help -qz", "no such option: -z"},
+        {"-: t.msg", "no such option: -:"},
         {"--outptu=1 t.msg", "no such option: --outptu; perhaps --output?"},
         {"t.msg -o", "-o requires an argument"},
         {"-q --help=x", "--help takes no argument"},

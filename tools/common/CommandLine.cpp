@@ -84,8 +84,12 @@ private:
             if (isLast) return fail(Mistake::kBadArgument, lastShown());
             return m_take({*m_last, lastShown(), argument});
         }
-        m_last = &*std::find_if(m_options.begin(), m_options.end(),
-                                [&](const Option& each) { return each.letter == letter; });
+        const auto found =
+            std::find_if(m_options.begin(), m_options.end(),
+                         [&](const Option& each) { return each.letter == letter; });
+        // The library's parser finds the colons among its letters, too.
+        if (found == m_options.end()) return fail(Mistake::kNoOption, shown);
+        m_last = &*found;
         return m_take({*m_last, shown, m_last->argument == Argument::kNeeded ? argument : nullptr});
     }
 
