@@ -1,0 +1,142 @@
+// Texts of any bytes between any two encodings, set up as qblconv does it. The first bytes choose
+// encodings, policies, mark and blocks. Result and findings do not depend on where the text is cut,
+// and a conversion that reports nothing gives a text that reads as the input does.
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "QBLCore/Frame/QBLCore.h"
+#include "i18n/cpp/i18n_encoding_names.h"
+#include "i18n/cpp/i18n_errors.hpp"
+#include "i18n/cpp/i18n_init.h"
+#include "i18n/cpp/i18n_text_stream.hpp"
+#include "tools/qblconv/Encodings.hpp"
+
+namespace {
+
+constexpr std::size_t kChoices = 5;
+constexpr int kPolicies[] = {I18N_STOP, I18N_ESCAPE, I18N_SUBSTITUTE, I18N_LOOKUP,
+                             I18N_USER_DEFINED};
+
+void require(bool holds) {
+    if (!holds) std::abort();
+}
+
+std::unique_ptr<I18NConverter> openNumbered(std::size_t number, int input, int output) {
+    const auto count = static_cast<std::size_t>(I18NCountEncodings());
+    conv::Problem problem;
+    auto converter =
+        conv::openEncoding(I18NGetEncodingName(static_cast<int>(number % count), 0), problem);
+    require(converter != nullptr);
+    conv::setPolicies(*converter, input, output);
+    return converter;
+}
+
+/// What a conversion gives, as one text: its output, findings and end.
+struct Outcome : I18NTextStreamListener {
+    struct Lacking {};
+
+    explicit Outcome(bool stops) : m_bStops(stops) {}
+    void unconvertible(const I18NUnconvertible& what) override {
+        for (const std::int64_t number :
+             {std::int64_t{what.isOutput}, std::int64_t{what.isCutOff},
+              std::int64_t{what.isBestFit}, what.byteOffset,
+              static_cast<std::int64_t>(what.codePoint), what.textOffset, what.line, what.column})
+            told += std::to_string(number) + " ";
+        told.append(what.bytes != nullptr ? what.bytes : "",
+                    static_cast<std::size_t>(what.byteCount));
+        told += '\n';
+        if (what.isOutput && m_bStops && !what.isBestFit) throw Lacking();
+    }
+    void take(const I18NTextStream& stream) {
+        if (stream.getByteCount() > 0) bytes.append(stream.getBytes(), stream.getByteCount());
+        if (stream.getTextLength() > 0) text.append(stream.getText(), stream.getTextLength());
+    }
+
+    std::string bytes, told;
+    std::u16string text;
+
+private:
+    const bool m_bStops;
+};
+
+struct Way {
+    const I18NConverter* from;
+    const I18NConverter* to;
+    I18NByteOrderMark mark;
+    bool stops;  // at characters that the output lacks
+};
+
+/// @param sizes  of the blocks, in turn
+Outcome convert(const Way& way, const std::string& source, const std::vector<std::size_t>& sizes) {
+    Outcome outcome(way.stops);
+    I18NTextStream stream(way.from, way.to, way.mark, &outcome);
+    try {
+        std::size_t turn = 0;
+        for (std::size_t at = 0; at < source.size(); at += sizes[turn++ % sizes.size()]) {
+            const std::string piece = source.substr(at, sizes[turn % sizes.size()]);
+            // In memory of its own, for the sanitizer to see what is read beyond it.
+            const std::vector<char> block(piece.begin(), piece.end());
+            stream.put(block.data(), block.size());
+            outcome.take(stream);
+        }
+        stream.finish();
+    } catch (const I18NRuntimeError& error) {
+        require(error.getErrorCode() == I18N_CONVERSION);
+        outcome.told += "refused";
+    } catch (const Outcome::Lacking&) {
+        outcome.told += "lacking";
+    }
+    outcome.take(stream);
+    outcome.told += "\n" + std::string(stream.getInputEncoding()) + " " +
+                    std::to_string(stream.getReplacedInput()) + " " +
+                    std::to_string(stream.getReplacedOutput()) + " " +
+                    std::to_string(stream.getBestFits()) + " " + std::to_string(stream.getLine()) +
+                    ":" + std::to_string(stream.getColumn());
+    return outcome;
+}
+
+/// ICU itself does not tell of a few characters that these change.
+bool isExact(const I18NConverter& converter) {
+    for (const char* const inexact : {"ISCII", "LMBCS", "SCSU"})
+        if (std::strstr(converter.getEncoding(), inexact) != nullptr) return false;
+    return true;
+}
+
+void checkMeaning(const Way& way, const std::string& source, const std::string& output) {
+    const std::vector<std::size_t> whole = {source.size() + output.size() + 1};
+    const Outcome meant = convert({way.from, nullptr, way.mark, false}, source, whole);
+    if (!meant.text.empty() && meant.text.front() == 0xFEFF) return;  // or it would be a mark
+    const Outcome again = convert({way.to, nullptr, I18N_MARK_KEEP, false}, output, whole);
+    require(again.text == meant.text);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    qblCoreInitialize();
+    I18NInitialize();
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size < kChoices) return 0;
+    const std::string source(reinterpret_cast<const char*>(data) + kChoices, size - kChoices);
+    const bool fits = data[2] / 5 % 2 == 1;
+    const int outputPolicy = fits ? I18N_STOP : kPolicies[data[2] / 10 % 5];
+    const auto from = openNumbered(data[0], kPolicies[data[2] % 5], I18N_STOP);
+    const auto to = openNumbered(data[1], I18N_STOP, outputPolicy);
+    to->useFallback(fits);
+    const Way way = {from.get(), to.get(), static_cast<I18NByteOrderMark>(data[3] % 4),
+                     outputPolicy == I18N_STOP};
+    const Outcome whole = convert(way, source, {source.size()});
+    const Outcome cut = convert(way, source, {1U + data[4] % 16, 1U + data[4] / 16});
+    require(whole.bytes == cut.bytes && whole.told == cut.told);
+    const bool isClean = whole.told[0] == '\n';
+    if (isClean && isExact(*from) && isExact(*to)) checkMeaning(way, source, whole.bytes);
+    return 0;
+}
