@@ -6,6 +6,8 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdio>
+#include <cstdlib>
 #include <random>
 #include <thread>
 
@@ -52,6 +54,27 @@ Child start(const std::vector<std::string>& arguments) {
         execv(QBL_CONV, words.data());
         return 127;
     });
+}
+
+/// How often something is repeated: as the environment says, for longer runs.
+int repeats(const char* variable, int usual) {
+    const char* const value = std::getenv(variable);
+    return value != nullptr ? std::atoi(value) : usual;
+}
+
+/// Removes the files that a killed process has not finished. @return how many
+int removeUnfinished(const TempTree& tree) {
+    int count = 0;
+    for (const auto& file : std::filesystem::directory_iterator(tree.root()))
+        if (file.path().filename().string().compare(0, 6, ".QBLFm") == 0)
+            count += std::filesystem::remove(file.path()) ? 1 : 0;
+    return count;
+}
+
+/// Whether a path leads to what a descriptor has open.
+bool isOpenAs(int file, const std::string& path) {
+    std::error_code problem;
+    return std::filesystem::equivalent("/proc/self/fd/" + std::to_string(file), path, problem);
 }
 
 /// Waits until the tool in a process has a file open.
@@ -222,28 +245,53 @@ TEST(QblconvFilesTest, NobodyLeadsItOutOfTheTree) {
 
 TEST(QblconvFilesTest, WhatIsAppendedLateIsNotLost) {
     TempTree tree;
-    std::string before;
-    for (int i = 0; i < 3000; ++i) before += kShiftJIS;
-    int kept = 0;
-    std::mt19937 random(2);
-    std::uniform_int_distribution<int> pause(0, 6000);
-    for (int i = 0; i < 60; ++i) {
+    std::string before, after;
+    for (int i = 0; i < 3000; ++i) {
+        before += kShiftJIS;
+        after += kUTF8;
+    }
+    const int appends = repeats("QBL_TEST_APPENDS", 60);
+    int early = 0, refused = 0, kept = 0, behind = 0;
+    const auto convert = [&] {
         tree.file("s", before);
-        Child child = start({"-f", "Shift_JIS", "-i", "--lock=none", tree("s")});
-        std::this_thread::sleep_for(std::chrono::microseconds(pause(random)));
-        std::ofstream(tree("s"), std::ios::app) << "late\n";
+        return start({"-f", "Shift_JIS", "-i", "--lock=none", tree("s")});
+    };
+    const auto begin = std::chrono::steady_clock::now();
+    ASSERT_EQ(0, convert().wait());
+    const std::chrono::duration<double> whole = std::chrono::steady_clock::now() - begin;
+    std::mt19937 random(2);
+    std::uniform_real_distribution<double> part(0, 1.2);
+    for (int i = 0; i < appends; ++i) {
+        Child child = convert();
+        std::this_thread::sleep_for(whole * part(random));
+        const int file = open(tree("s").c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
+        EXPECT_EQ(5, write(file, "late\n", 5));
         const int status = child.wait();
-        const std::string text = tree.text("s"), end = text.substr(text.size() - 5);
-        const bool isElsewhere = std::filesystem::exists(tree("s.changed1"));
-        EXPECT_TRUE(end == "late\n" || isElsewhere) << i;
-        if (isElsewhere) {
+        const bool isOld = !isOpenAs(file, tree("s"));
+        close(file);
+        const std::string text = tree.text("s");
+        const bool isKept = std::filesystem::exists(tree("s.changed1"));
+        if (isKept) {
+            // To the old version, when nothing could be done any more but keep it.
             ++kept;
-            EXPECT_EQ(1, status);
-            EXPECT_EQ(before + "late\n", tree.text("s.changed1"));
+            EXPECT_EQ(1, status) << i;
+            EXPECT_EQ(before + "late\n", tree.text("s.changed1")) << i;
+            EXPECT_EQ(after, text) << i;
             unlink(tree("s.changed1").c_str());
+        } else if (status != 0) {
+            ++refused;
+            EXPECT_EQ(before + "late\n", text) << i;
+        } else {
+            // Read with the rest, or written to the new version.
+            ++(isOld ? early : behind);
+            EXPECT_EQ(after + "late\n", text) << i;
         }
     }
-    EXPECT_EQ("./s ", namesIn(tree, ".")) << kept;
+    EXPECT_EQ("./s ", namesIn(tree, "."));
+    std::printf(
+        "%d appends: %d read with the rest, %d noticed before the exchange, %d after it, "
+        "%d to the new version\n",
+        appends, early, refused, kept, behind);
 }
 
 TEST(QblconvFilesTest, OneOutputEachInTheOrderOfTheInputs) {
@@ -331,18 +379,28 @@ TEST(QblconvFilesTest, KilledAtAnyMomentItLeavesTheOldFileOrTheNew) {
     const std::chrono::duration<double> whole = std::chrono::steady_clock::now() - begin;
     std::mt19937 random(1);
     std::uniform_real_distribution<double> part(0, 1.2);
-    for (int i = 0; i < 200; ++i) {
+    const int kills = repeats("QBL_TEST_KILLS", 200);
+    int ended = 0, replaced = 0, unfinished = 0;
+    for (int i = 0; i < kills; ++i) {
         tree.file("s", before);
         unlink(tree("s.old").c_str());
         Child killed = convert();
         std::this_thread::sleep_for(whole * part(random));
         killed.kill(SIGKILL);
-        killed.wait();
+        const int status = killed.wait();
+        EXPECT_TRUE(status == 0 || status == -SIGKILL) << status;
         const std::string text = tree.text("s");
         ASSERT_TRUE(text == before || text == after) << i << ": " << text.size() << " bytes";
         // The original is kept from the moment on that its name has something else.
         ASSERT_TRUE(text == before || tree.text("s.old") == before) << i;
+        if (status == 0) ++ended;
+        if (status != 0 && text == after) ++replaced;
+        unfinished += removeUnfinished(tree);
     }
+    unlink(tree("s.old").c_str());
+    EXPECT_EQ("./s ", namesIn(tree, "."));
+    std::printf("%d kills: %d too late, %d after the exchange, %d left an unfinished file\n", kills,
+                ended, replaced, unfinished);
 }
 
 TEST(QblconvFilesTest, InterruptedItTakesAwayWhatIsNotFinished) {
