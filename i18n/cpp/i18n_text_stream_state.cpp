@@ -156,7 +156,8 @@ void I18NTextStreamState::passOn(std::size_t units, Ending ending) {
         do {
             const std::size_t part = portion(units, ending);
             isOver = ending != Ending::None && part == units;
-            if (part > 0 || isOver) convert(part, isOver ? ending : Ending::None);
+            // Bytes that become no text are told at once if no text waits in front of them.
+            if (part > 0 || isOver || units == 0) convert(part, isOver ? ending : Ending::None);
             units -= part;
             m_iHeld = units;
             keepUndecided();
@@ -170,10 +171,13 @@ void I18NTextStreamState::passOn(std::size_t units, Ending ending) {
 }
 
 std::size_t I18NTextStreamState::portion(std::size_t units, Ending ending) const {
-    const bool areTooMany = m_pInput != nullptr && m_pInput->findings.size() > kMostWaiting;
-    if (m_pOutput == nullptr || areTooMany) return units;
+    if (m_pOutput == nullptr || areTooManyWaiting()) return units;
     const std::size_t part = m_pOutput->portion(m_text + m_iKept, units);
     return part == 0 && ending != Ending::None ? units : part;
+}
+
+bool I18NTextStreamState::areTooManyWaiting() const {
+    return m_pInput != nullptr && m_pInput->findings.size() > kMostWaiting;
 }
 
 // In pieces that end where something was found in the input, to tell it there.
@@ -181,7 +185,10 @@ void I18NTextStreamState::convert(std::size_t units, Ending ending) {
     const std::size_t end = m_iKept + units;
     while (true) {
         const bool isEnd = m_iKept == end;
-        tellInputs(m_iStart + static_cast<std::int64_t>(m_iKept),
+        // What may be half of a pair comes first; it is decided with the next text.
+        const bool isOpen = ending == Ending::None && m_iKept > 0 &&
+                            i18nIsHigh(m_text[m_iKept - 1]) && !areTooManyWaiting();
+        tellInputs(m_iStart + static_cast<std::int64_t>(m_iKept) - (isOpen ? 1 : 0),
                    isEnd && ending == Ending::Refusal);
         if (isEnd) break;
         encode(nextFinding(end), false);

@@ -23,6 +23,7 @@ void describeBytes(const char*, const char*, int length, wchar_t* codePoints, in
         codePoints[(*count)++] = static_cast<wchar_t>(c);
 }
 
+void dropSequence(const char*, const char*, int, wchar_t*, int*, I18NErrorCodes*) {}
 void dropCharacter(wchar_t, const char*, char*, int*, I18NErrorCodes*) {}
 }
 
@@ -214,6 +215,28 @@ TEST(I18NTextStreamTest, TellsWhatIsNotConvertibleAndWhere) {
     }
     const I18NConverter hz = withPolicy("HZ", I18N_ESCAPE);
     EXPECT_EQ("~}z%UD83D%UDE00", runAnyhow<char16_t>(nullptr, &hz, u"z\U0001F600").output);
+}
+
+TEST(I18NTextStreamTest, TellsAtOnceOfBytesThatBecomeNoText) {
+    // Or memory would grow with them.
+    I18NConverter from("UTF-8");
+    from.setUserDefinedUnconvertibleInputSequenceCallback(dropSequence);
+    const I18NConverter to("UTF-8");
+    I18NTextStream stream(&from, &to);
+    for (int i = 1; i <= 3; ++i) {
+        stream.put("\xFF\xFF", 2);
+        EXPECT_EQ(2 * i, stream.getReplacedInput());
+    }
+    // Between surrogates, which may be halves of a pair, they come in the order of the text.
+    I18NConverter scsu("SCSU");
+    scsu.setUserDefinedUnconvertibleInputSequenceCallback(dropSequence);
+    using namespace std::string_literals;
+    const Outcome lone =
+        runAnyhow(&scsu, &to, "\x0F\xD8\0\xF2\xD8\x01\xF2\0a\xD8\0\xF2\xF2\xDC\0"s);
+    EXPECT_EQ(
+        "out -1 U+d800 text 0, 1:1\nin 3 U+0 text 1, 1:2\nout -1 U+d801 text 1, 1:3\n"
+        "in 6 U+0 text 2, 1:4\nin 11 U+0 text 4, 1:7\nin 12 U+0 text 4, 1:8\n",
+        lone.told.substr(0, lone.told.rfind('\n')));
 }
 
 TEST(I18NTextStreamTest, TellsBestFitsOrTreatsThemAsLacking) {

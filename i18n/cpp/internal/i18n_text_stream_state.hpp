@@ -41,6 +41,7 @@ private:
     void convert(std::size_t units, Ending ending);
     void encode(std::size_t end, bool flush);
     std::size_t portion(std::size_t units, Ending ending) const;
+    bool areTooManyWaiting() const;
     std::size_t nextFinding(std::size_t end) const;
     void keepUndecided();
     const I18NReplacement* found(const I18NOutputFinding& finding) override;
