@@ -20,7 +20,7 @@ struct Option {
     Argument argument;
     const char* value;  // what the help text calls the argument
     /// What the argument can be: words between spaces, or "FILE", "DIR" or "ENCODING" for names of
-    /// these kinds; empty for any text.
+    /// these kinds, the latter also after words; empty for any text.
     const char* choices;
     unsigned text;  // the message that describes the option; or kAlias
 };

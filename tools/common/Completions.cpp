@@ -33,11 +33,22 @@ std::string encodings(const std::string& tool) {
     return tool + " -l 2>/dev/null | tr ' ' '\\n' | sort -u";
 }
 
+const char kEncoding[] = "ENCODING";
+
+/// Whether an argument is a name of an encoding, or one of some words.
+/// @param words  receives these, with a space after each
+bool isEncoding(const std::string& choices, std::string& words) {
+    const std::size_t at = choices.find(kEncoding);
+    if (at != std::string::npos) words = choices.substr(0, at);
+    return at != std::string::npos;
+}
+
 /// "-W WORDS", "-f" or "-d", as compgen takes them; empty for any text.
 std::string bashChoices(const std::string& tool, const std::string& choices) {
     if (choices == "FILE") return "-f";
     if (choices == "DIR") return "-d";
-    if (choices == "ENCODING") return "-W \"$(" + encodings(tool) + ")\"";
+    std::string words;
+    if (isEncoding(choices, words)) return "-W \"" + words + "$(" + encodings(tool) + ")\"";
     return choices.empty() ? choices : "-W " + quoted(choices);
 }
 
@@ -95,7 +106,9 @@ std::string zshText(const std::string& text) {
 std::string zshAction(const std::string& choices) {
     if (choices == "FILE") return "_files";
     if (choices == "DIR") return "_files -/";
-    if (choices == "ENCODING") return "_encodings";
+    std::string words;
+    if (isEncoding(choices, words))
+        return words.empty() ? "_encodings" : "{_encodings; compadd " + words + "}";
     return choices.empty() ? " " : "(" + choices + ")";
 }
 
@@ -137,13 +150,14 @@ std::string fishScript(const std::string& tool, const std::vector<Option>& optio
         if (option.letter <= 255) out.append(" -s ").append(1, static_cast<char>(option.letter));
         out.append(" -l ").append(option.name);
         const std::string choices = option.choices;
+        std::string words;
         if (option.argument == Argument::kNeeded) {
             if (choices == "FILE")
                 out += " -rF";
             else if (choices == "DIR")
                 out += " -xa '(__fish_complete_directories)'";
-            else if (choices == "ENCODING")
-                out.append(" -xa ").append(quoted("(" + encodings(tool) + ")"));
+            else if (isEncoding(choices, words))
+                out.append(" -xa ").append(quoted(words + "(" + encodings(tool) + ")"));
             else
                 out += choices.empty() ? " -x" : " -xa " + quoted(choices);
         }

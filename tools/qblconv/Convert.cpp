@@ -90,7 +90,7 @@ private:
         if (!m_verification) return true;
         m_verification->wrote(bytes.data(), bytes.size());
         if (m_verification->compare(m_stream.getInputEncoding(), isEnd)) return true;
-        const Difference& found = m_verification->difference();
+        const Mismatch& found = m_verification->mismatch();
         Finding finding = {Finding::Kind::kDifferent, "stop", found.line, found.column};
         finding.offset = found.offset;
         finding.bytes = bytesInDigits(found.bytes.data(), found.bytes.size());

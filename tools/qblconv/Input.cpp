@@ -9,6 +9,7 @@
 #include "QBLCore/FileLock/M_LockFile.hpp"
 #include "tools/common/Reason.hpp"
 #include "tools/qblconv/Interrupt.hpp"
+#include "tools/qblconv/Spool.hpp"
 
 namespace conv {
 
@@ -46,6 +47,8 @@ bool Input::lookAtName(FileStatus& status) const {
 bool Input::openFile() {
     close();
     m_isAtEnd = false;
+    m_isSpooled = false;
+    m_iStart = 0;
     m_passedOver = PassedOver::kNot;
     m_isEmpty = true;
     m_error = 0;
@@ -67,6 +70,10 @@ bool Input::openFile() {
     }
     if (!m_status.get(m_iFile)) return failed(errno);
     if (m_status.isDirectory()) return failed(EISDIR);
+    if (m_iFile == STDIN_FILENO && isRegular()) {
+        m_iStart = lseek64(m_iFile, 0, SEEK_CUR);
+        if (m_iStart < 0) return failed(errno);
+    }
     if (isFound && !isRegular()) m_passedOver = PassedOver::kNotRegular;
     return m_passedOver == PassedOver::kNot;
 }
@@ -117,7 +124,7 @@ Problem Input::lockedBy(bool exclusive) const {
 int Input::read(char* block, unsigned size) {
     unsigned done = 0;
     while (done < size && !m_isAtEnd) {
-        const bool isReady = isRegular() || waitToRead(m_iFile);
+        const bool isReady = isFile() || waitToRead(m_iFile);
         const ssize_t got = isReady ? ::read(m_iFile, block + done, size - done) : -1;
         const int error = isReady ? errno : EINTR;
         if (got < 0 && (error == EINTR || error == EAGAIN) && !isInterrupted()) continue;
@@ -128,7 +135,7 @@ int Input::read(char* block, unsigned size) {
         m_isEmpty = m_isEmpty && got == 0;
         done += static_cast<unsigned>(got);
         // What others write is passed on as it comes.
-        if (got > 0 && !isRegular()) break;
+        if (got > 0 && !isFile()) break;
         // One call less for each small file; those of no size are the system's own.
         m_isAtEnd = got == 0 || (isRegular() && m_status.size() > 0 && done < size);
     }
@@ -137,7 +144,31 @@ int Input::read(char* block, unsigned size) {
 
 bool Input::rewind() {
     m_isAtEnd = false;
-    return lseek64(m_iFile, 0, SEEK_SET) == 0 || failed(errno);
+    return lseek64(m_iFile, m_iStart, SEEK_SET) == m_iStart || failed(errno);
+}
+
+bool Input::spool(std::vector<char>& block, Problem& problem) {
+    if (isFile()) return true;
+    const auto cannotSpool = [&](int error) {
+        problem = {CONV_CANNOT_SPOOL, {m_item.path, std::strerror(error)}};
+        return false;
+    };
+    const int copy = openTemporary();
+    if (copy < 0) return cannotSpool(errno);
+    bool isCopied = true;
+    int got = 0;
+    while (isCopied && (got = read(block.data(), static_cast<unsigned>(block.size()))) > 0)
+        isCopied = writeAll(copy, block.data(), static_cast<std::size_t>(got));
+    const int error = errno;
+    if (got < 0) problem = {CONV_CANNOT_READ, {m_item.path, std::strerror(m_error)}};
+    if (got >= 0 && isCopied) {
+        close();
+        m_iFile = copy;
+        m_isSpooled = true;
+        return rewind() || cannotSpool(m_error);
+    }
+    ::close(copy);
+    return isCopied ? false : cannotSpool(error);
 }
 
 bool Input::hasChanged() const {

@@ -1,8 +1,10 @@
 #ifndef TOOLS_QBLCONV_INPUT_HPP
 #define TOOLS_QBLCONV_INPUT_HPP
 
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "QBLCore/FileManagement/QBLFmDirectory.hpp"
 #include "tools/qblconv/Options.hpp"
@@ -53,8 +55,14 @@ public:
     bool lock(Options::Lock how, bool exclusive, Problem& problem);
     /// Blocks come full but for the last ones. @return bytes, 0 at the end, -1 on failure
     int read(char* block, unsigned size);
-    /// Goes back to the start.
+    /// Goes back to where it began.
+    /// Requires: a regular file, or spool().
     bool rewind();
+    /// Makes rewind() work for any input: what is not a regular file is copied into a temporary
+    /// file, which is read from then on.
+    /// Requires: nothing has been read.
+    /// @return false, with problem, if that failed; also if the work is to end
+    bool spool(std::vector<char>& block, Problem& problem);
     /// Whether somebody has written to the file since it was opened or locked.
     bool hasChanged() const;
     /// The same, or has put another in its place.
@@ -67,6 +75,8 @@ public:
     int descriptor() const { return m_iFile; }
     /// Whether nothing has been read so far.
     bool isEmpty() const { return m_isEmpty; }
+    /// Whether the last read() came to the end; it may also come to it later.
+    bool isAtEnd() const { return m_isAtEnd; }
     /// That an output of its own is to have; for what is not regular that of any new file.
     unsigned mode() const { return isRegular() ? m_status.mode() & 0777U : 0666U; }
     int error() const { return m_error; }
@@ -75,6 +85,8 @@ private:
     bool openFile();
     int openByName(int flags) const;
     bool lookAtName(FileStatus& status) const;
+    /// Whether reading does not have to wait.
+    bool isFile() const { return isRegular() || m_isSpooled; }
     int lockFile(Options::Lock how, bool exclusive);
     Problem lockedBy(bool exclusive) const;
     bool failed(int error);
@@ -82,7 +94,9 @@ private:
     int m_iFile = -1;  // 0 only for the standard input, which is never closed
     Item m_item;
     bool m_forWriting = false;
-    FileStatus m_status = {};
+    FileStatus m_status = {};   // of the input itself, also if a copy is read
+    std::int64_t m_iStart = 0;  // others may have read a part of the standard input
+    bool m_isSpooled = false;
     PassedOver m_passedOver = PassedOver::kNot;
     bool m_isAtEnd = false;
     bool m_isEmpty = true;

@@ -9,6 +9,7 @@
 #include "tools/common/Environment.hpp"
 #include "tools/common/LocaleText.hpp"
 #include "tools/common/Suggest.hpp"
+#include "tools/qblconv/Detect.hpp"
 
 namespace conv {
 
@@ -171,6 +172,8 @@ private:
                 return m_options.verbose = true;
             case 'n':
                 return takeMode(given, Mode::kCheck);
+            case 'g':
+                return takeMode(given, Mode::kGuess);
             case 'l':
                 return takeMode(given, Mode::kList);
             case kClean:
@@ -216,6 +219,10 @@ private:
 
     /// A name, and what iconv has after two slashes: of an input's nothing counts, as there.
     bool takeEncoding(const Given& given, const std::string& argument, std::string& name) {
+        if (given.option.letter == 'f' && isAuto(argument)) {
+            name = argument;
+            return true;
+        }
         const std::size_t slashes = argument.find("//");
         name = argument.substr(0, slashes);
         if (name.empty() || name == "char") name = tools::localeEncodingName();
@@ -297,7 +304,7 @@ private:
                 return converts;
             case kLock:
             case kJson:
-                return mode <= Mode::kCheck;
+                return mode <= Mode::kGuess;
             case kCompletions:
                 return mode == Mode::kCompletions;
             case kClean:
@@ -320,6 +327,9 @@ private:
                 break;
             case Mode::kClean:
                 letters = "rLXqsv";
+                break;
+            case Mode::kGuess:
+                letters = "fgjrmLXqsv";
                 break;
             case Mode::kList:
                 letters = "lL";
@@ -353,14 +363,17 @@ private:
         if (m_options.mode == Mode::kInPlace && m_shown.count(kLock) == 0)
             m_options.lock = Options::Lock::kTry;
         if (m_options.quiet) m_options.verbose = false;
-        if (m_options.mode == Mode::kCheck && m_options.operands.empty())
-            m_options.operands.emplace_back("-");
+        const bool onlyReads = m_options.mode == Mode::kCheck || m_options.mode == Mode::kGuess;
+        if (onlyReads && m_options.operands.empty()) m_options.operands.emplace_back("-");
         const bool needsOperands =
             m_options.mode == Mode::kDirectory || m_options.mode == Mode::kInPlace;
         if (m_options.mode == Mode::kList && m_options.operands.size() > 1)
             return fail(CONV_BAD_ARGUMENT, {m_mode, inQuotes(m_options.operands[1])});
         if (m_options.mode == Mode::kClean && m_options.operands.empty())
             return fail(CONV_NO_DIRECTORY, {m_mode});
+        const bool isNamed = m_options.isFromGiven && !isAuto(m_options.from);
+        if (m_options.mode == Mode::kGuess && isNamed)
+            return fail(CONV_BAD_ARGUMENT, {m_shown['f'], inQuotes(m_options.from)});
         if (needsOperands && m_options.operands.empty()) return fail(CONV_NO_OPERANDS, {m_mode});
         return true;
     }
@@ -386,7 +399,7 @@ const char* outputPolicyName(const Options& options) {
 const std::vector<tools::Option>& knownOptions() {
     const auto kNone = Argument::kNone, kNeeded = Argument::kNeeded;
     static const std::vector<tools::Option> options = {
-        {'f', "from", kNeeded, "ENC", "ENCODING", CONV_OPT_FROM},
+        {'f', "from", kNeeded, "ENC", "auto ENCODING", CONV_OPT_FROM},
         {'t', "to", kNeeded, "ENC", "ENCODING", CONV_OPT_TO},
         // As iconv calls them.
         {'f', "from-code", kNeeded, "", "ENCODING", tools::Option::kAlias},
@@ -400,6 +413,7 @@ const std::vector<tools::Option>& knownOptions() {
         {'d', "directory", kNeeded, "DIR", "DIR", CONV_OPT_DIRECTORY},
         {'i', "in-place", Argument::kAttached, "SUFFIX", "", CONV_OPT_IN_PLACE},
         {'n', "check", kNone, "", "", CONV_OPT_CHECK},
+        {'g', "guess", kNone, "", "", CONV_OPT_GUESS},
         {'k', "keep-valid", kNone, "", "", CONV_OPT_KEEP_VALID},
         {'r', "recurse", kNone, "", "", CONV_OPT_RECURSE},
         {'m', "match", kNeeded, "GLOB", "", CONV_OPT_MATCH},

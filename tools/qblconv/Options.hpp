@@ -17,6 +17,7 @@ struct Options {
         kDirectory,
         kInPlace,
         kCheck,
+        kGuess,
         kClean,
         kList,
         kHelp,

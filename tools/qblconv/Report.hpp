@@ -96,6 +96,12 @@ public:
     void error(qblconvmsgs id, const Details& details);
     void warning(qblconvmsgs id, const Details& details);
     void information(qblconvmsgs id, const Details& details);
+    /// Says what was asked for: among the rest, or where results go.
+    void result(qblconvmsgs id, const Details& details) {
+        (m_pResults != nullptr ? *m_pResults : *this).information(id, details);
+    }
+    /// @param results  of the same file; must outlive this one
+    void setResults(FileReport& results) { m_pResults = &results; }
     /// Says what has been found in a text; an error makes the file fail.
     void finding(QBLSeverity severity, qblconvmsgs id, const std::string& file,
                  const Finding& finding);
@@ -124,6 +130,7 @@ private:
     std::int64_t m_iReplaced = 0;
     std::string m_from, m_to;     // encodings
     tools::JsonArray m_messages;  // of the file's object
+    FileReport* m_pResults = nullptr;
 };
 
 using tools::shown;

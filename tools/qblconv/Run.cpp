@@ -58,7 +58,9 @@ public:
           m_operands(options),
           m_root(options.directory),
           m_progress(isProgressWanted(options), catalogue, options.locales),
-          m_report(reportFile(options), reportForm(options), m_progress) {}
+          m_report(reportFile(options), reportForm(options), m_progress),
+          m_hasResults(options.mode == Mode::kGuess && reportForm(options) == Report::Form::kText),
+          m_results(stdout, Report::Form::kText, m_progress) {}
 
     Status run() {
         std::optional<std::string> failure;
@@ -80,7 +82,8 @@ public:
         }
         m_progress.clear();
         summarise();
-        const bool isWhole = m_report.close();
+        bool isWhole = m_report.close();
+        if (m_hasResults) isWhole = m_results.close() && isWhole;
         return m_report.hasFailures() || !isWhole ? kFailed : kDone;
     }
 
@@ -150,7 +153,10 @@ private:
         Item item;
         std::uint64_t number = 0;
         while (take(item, number)) {
+            std::optional<FileReport> results;
+            if (m_hasResults) results.emplace(m_results, number, texts);
             FileReport report(m_report, number, texts, shown(item.path));
+            if (results) report.setResults(*results);
             guarded(item.path, report, [&] { worker.work(item, report); });
         }
     }
@@ -222,13 +228,16 @@ private:
     std::uint64_t m_iTaken = 0;  // also
     Progress m_progress;
     Report m_report;
+    const bool m_hasResults;
+    Report m_results;  // of a mode whose results are not text, unless the report is for programs
 };
 
 /// What can be known to be wrong before anything is done.
 bool check(const Options& options, Problem& problem) {
     if (options.mode == Mode::kClean) return Clean::check(options, problem);
-    const auto from = openEncoding(options.from, problem);
-    if (from == nullptr) return false;
+    if (isAuto(options.from) ? !checkAuto(options.from, problem)
+                             : openEncoding(options.from, problem) == nullptr)
+        return false;
     const auto to = openEncoding(options.to, problem);
     if (to == nullptr) return false;
     if (options.mark == Options::Mark::kAdd && markIn(*to).empty()) {

@@ -89,7 +89,7 @@ void Verification::differ(std::size_t at) {
         begin = end;
         before = now;
     }
-    m_difference = {before.first, before.second, m_iOffset + static_cast<std::int64_t>(begin),
+    m_mismatch = {before.first, before.second, m_iOffset + static_cast<std::int64_t>(begin),
                     read.substr(begin, end - begin),
                     back.substr(begin, std::max(end, at + 1) - begin)};
 }

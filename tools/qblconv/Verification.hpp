@@ -12,7 +12,7 @@
 namespace conv {
 
 /// The first place where a text does not come back from its converted form.
-struct Difference {
+struct Mismatch {
     std::int64_t line, column, offset;
     std::string bytes;  // of the character there, as they were read; empty after the end
     std::string back;   // what they come back as; empty for nothing
@@ -32,9 +32,9 @@ public:
     /// Compares what has come.
     /// @param encoding  that is being read, as far as known
     /// @param isEnd  whether all has been read and written
-    /// @return false at the first difference, which difference() tells
+    /// @return false at the first difference, which mismatch() tells
     bool compare(const char* encoding, bool isEnd);
-    const Difference& difference() const { return m_difference; }
+    const Mismatch& mismatch() const { return m_mismatch; }
 
 private:
     void begin(const char* encoding);
@@ -51,7 +51,7 @@ private:
     std::string m_recent;                      // the last bytes that came back, not counted yet
     std::int64_t m_iOffset = 0;                // of m_recent in the input
     bool m_isLost = false;                     // what was written cannot be read
-    Difference m_difference = {};
+    Mismatch m_mismatch = {};
 };
 
 }  // namespace conv

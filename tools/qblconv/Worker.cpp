@@ -5,6 +5,7 @@
 
 #include "tools/common/Reason.hpp"
 #include "tools/qblconv/Encodings.hpp"
+#include "tools/qblconv/Guess.hpp"
 #include "tools/qblconv/InPlace.hpp"
 #include "tools/qblconv/Interrupt.hpp"
 
@@ -26,14 +27,13 @@ std::unique_ptr<I18NConverter> openKnown(const std::string& name, int input, int
 }  // namespace
 
 Worker::Worker(const Options& options, Progress& progress, OutputRoot* root)
-    : m_options(options),
-      m_progress(progress),
-      m_from(openKnown(options.from,
-                       options.mode == Mode::kCheck ? I18N_SUBSTITUTE : options.inputPolicy,
-                       I18N_STOP)),
-      m_block(kBlock),
-      m_new(root) {
+    : m_options(options), m_progress(progress), m_block(kBlock), m_new(root) {
     const bool isCheck = options.mode == Mode::kCheck;
+    if (isAuto(options.from) || options.mode == Mode::kGuess)
+        m_detector.emplace(options.from, m_block);
+    else
+        m_from =
+            openKnown(options.from, isCheck ? I18N_SUBSTITUTE : options.inputPolicy, I18N_STOP);
     const bool isUTF16 = I18NConverter::isUTF16(options.from.c_str());
     if (isUTF16 || I18NConverter::isUTF32(options.from.c_str())) {
         m_fromSwapped = openKnown(isUTF16 ? "UTF-16BE" : "UTF-32BE",
@@ -72,8 +72,17 @@ I18NByteOrderMark Worker::marks(bool strip) const {
 }
 
 Way Worker::way(I18NByteOrderMark mark) {
-    return {m_from.get(),      m_fromSwapped.get(), m_swappedMark, m_to.get(), mark,
-            m_options.lineEnd, m_options.verifies,  m_block,       m_progress};
+    const I18NConverter* const from = m_detector ? m_pChosen : m_from.get();
+    return {from,      m_fromSwapped.get(), m_swappedMark,      m_to.get(),
+            mark,      m_options.lineEnd,   m_options.verifies, m_block,
+            m_progress};
+}
+
+bool Worker::choose(Input& input, const std::string& name, FileReport& report) {
+    if (!m_detector) return true;
+    const bool isGuessAllowed = m_options.mode != Mode::kInPlace;
+    m_pChosen = m_detector->choose(input, name, isGuessAllowed, report);
+    return m_pChosen != nullptr;
 }
 
 void Worker::work(const Item& item, FileReport& report) {
@@ -81,6 +90,9 @@ void Worker::work(const Item& item, FileReport& report) {
     if (!open(item, input, report)) return;
     if (m_options.mode == Mode::kCheck)
         check(shown(item.path), input, report);
+    else if (m_options.mode == Mode::kGuess)
+        guess(*m_detector, input, shown(item.path), m_block,
+              m_options.quiet ? GuessDetail::kNames : GuessDetail::kDifferences, report);
     else if (m_options.mode == Mode::kInPlace)
         convertInPlace(item, input, report);
     else
@@ -120,6 +132,7 @@ void Worker::sayPassedOver(const Item& item, const Input& input, FileReport& rep
 }
 
 void Worker::check(const std::string& name, Input& input, FileReport& report) {
+    if (!choose(input, name, report)) return;
     Findings found = findings(report, name);
     std::string encoding;
     const bool isRead =
@@ -162,6 +175,7 @@ bool Worker::fill(Input& input, const std::string& name, Output& output,
 
 bool Worker::convert(Input& input, const std::string& name, Output& output,
                      const std::string& outputName, bool stripMark, FileReport& report) {
+    if (!choose(input, name, report)) return false;
     Findings found = findings(report, name);
     if (!convertText(way(marks(stripMark)), input, name, &output, outputName, found, report,
                      &m_encoding))

@@ -2,11 +2,13 @@
 #define TOOLS_QBLCONV_WORKER_HPP
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "i18n/cpp/i18n_converter.hpp"
 #include "tools/qblconv/Convert.hpp"
+#include "tools/qblconv/Detect.hpp"
 #include "tools/qblconv/Operands.hpp"
 #include "tools/qblconv/Options.hpp"
 
@@ -46,6 +48,8 @@ private:
                  const std::string& outputName, bool stripMark, FileReport& report);
     void sayDone(const std::string& name, bool isKept, FileReport& report) const;
     bool isToBeKept(Input& input, const std::string& name, FileReport& report);
+    /// Finds out what the input is in, if that is wanted. @return false if it is not clear
+    bool choose(Input& input, const std::string& name, FileReport& report);
     Way way(I18NByteOrderMark mark);
     I18NByteOrderMark marks(bool strip) const;
     Findings findings(FileReport& report, const std::string& name) const;
@@ -53,6 +57,8 @@ private:
     const Options& m_options;
     Progress& m_progress;
     std::unique_ptr<I18NConverter> m_from, m_to;
+    std::optional<Detector> m_detector;            // in place of m_from
+    const I18NConverter* m_pChosen = nullptr;      // for the input at hand
     std::unique_ptr<I18NConverter> m_fromSwapped;  // if a mark may tell of that order of bytes
     std::string m_swappedMark;
     std::unique_ptr<I18NConverter> m_valid;  // strictly what is to be kept

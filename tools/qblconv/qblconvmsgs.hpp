@@ -108,6 +108,19 @@ enum qblconvmsgs {
     CONV_CANNOT_REMOVE = 75,
     /// {0} the option
     CONV_NO_DIRECTORY = 76,
+    /// {1} reason
+    CONV_CANNOT_SPOOL = 80,
+    /// {1} encodings
+    CONV_NONE_OF = 81,
+    CONV_NO_FIT = 82,
+    /// {1} encodings, with how confident the detector is
+    CONV_UNCLEAR = 83,
+    /// {1} encodings with the same text
+    CONV_FIT = 84,
+    /// {1} encodings with the same text, {2} a number
+    CONV_FIT_PERCENT = 85,
+    /// {1} line, {2} encoding, {3} text
+    CONV_READS = 86,
     CONV_OPT_FROM = 101,
     CONV_OPT_TO = 102,
     CONV_OPT_POLICY = 103,
@@ -134,6 +147,7 @@ enum qblconvmsgs {
     CONV_OPT_VERIFY = 124,
     CONV_OPT_JSON = 125,
     CONV_OPT_CLEAN = 140,
+    CONV_OPT_GUESS = 141,
     /// What comes after the options; ends with a line end.
     CONV_USAGE_END = 150,
 };

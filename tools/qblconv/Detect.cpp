@@ -1,0 +1,217 @@
+#include "tools/qblconv/Detect.hpp"
+
+#include <unicode/ucnv.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "tools/qblconv/Difference.hpp"
+#include "tools/qblconv/Encodings.hpp"
+#include "tools/qblconv/Interrupt.hpp"
+
+namespace conv {
+
+namespace {
+
+const char kAuto[] = "auto", kAutoList[] = "auto:";
+const char kUTF8[] = "UTF-8";
+
+// A choice is clear if ICU is so confident of it, and so much more than of any other that fits.
+constexpr int kLeast = 40, kLead = 20;
+
+constexpr std::size_t kLongestMark = 4;
+
+/// Marks, the longer ones first: FF FE 00 00 may also be UTF-16LE with a NUL.
+struct Mark {
+    std::string bytes;
+    const char* encoding;
+};
+const std::vector<Mark> kMarks = {{std::string("\0\0\xFE\xFF", 4), "UTF-32BE"},
+                                  {std::string("\xFF\xFE\0\0", 4), "UTF-32LE"},
+                                  {"\xEF\xBB\xBF", kUTF8},
+                                  {"\xFE\xFF", "UTF-16BE"},
+                                  {"\xFF\xFE", "UTF-16LE"}};
+
+/// The name that ICU has for an encoding under any of its names.
+std::string canonical(const std::string& name) {
+    UErrorCode error = U_ZERO_ERROR;
+    const char* const known = ucnv_getAlias(name.c_str(), 0, &error);
+    return U_SUCCESS(error) && known != nullptr ? known : name;
+}
+
+/// Whether a name leaves the order of the bytes open, so that texts need a mark.
+bool isOpenOrder(const std::string& canonicalName) {
+    return canonicalName == "UTF-16" || canonicalName == "UTF-32";
+}
+
+/// Whether a text with the mark of an encoding can be meant by a name.
+bool isNameOf(const std::string& canonicalName, const std::string& encoding) {
+    return canonicalName == encoding ||
+           (isOpenOrder(canonicalName) &&
+            encoding.compare(0, canonicalName.size(), canonicalName) == 0);
+}
+
+std::string inOneLine(const std::vector<Fit>& fits) {
+    std::string line;
+    for (const Fit& fit : fits) {
+        line.append(line.empty() ? "" : ", ").append(fit.name);
+        if (fit.confidence >= 0) line.append(" (").append(std::to_string(fit.confidence)) += ')';
+    }
+    return line;
+}
+
+/// Whether one of the fits is clear enough to be chosen.
+bool isClear(const std::vector<Fit>& fits, bool isGuessAllowed) {
+    if (fits.size() == 1) return fits[0].confidence < 0 || fits[0].confidence >= kLeast;
+    return isGuessAllowed && fits[1].confidence >= 0 && fits[0].confidence >= kLeast &&
+           fits[0].confidence - fits[1].confidence >= kLead;
+}
+
+}  // namespace
+
+bool isAuto(const std::string& from) {
+    return from == kAuto || from.compare(0, std::strlen(kAutoList), kAutoList) == 0;
+}
+
+std::vector<std::string> candidatesOf(const std::string& from) {
+    std::vector<std::string> names;
+    const std::size_t size = std::strlen(kAutoList);
+    if (from.compare(0, size, kAutoList) != 0) return names;
+    for (std::size_t at = size, comma = 0; comma != std::string::npos; at = comma + 1) {
+        comma = from.find(',', at);
+        names.push_back(from.substr(at, comma - at));
+    }
+    return names;
+}
+
+bool checkAuto(const std::string& from, Problem& problem) {
+    if (from == kAutoList) {
+        problem = {CONV_BAD_ARGUMENT, {"-f", "\"" + from + "\""}};
+        return false;
+    }
+    const std::vector<std::string> names = candidatesOf(from);
+    return std::all_of(names.begin(), names.end(), [&problem](const std::string& name) {
+        return openEncoding(name, problem) != nullptr;
+    });
+}
+
+Detector::Detector(const std::string& from, std::vector<char>& block)
+    : m_names(candidatesOf(from)), m_block(block) {}
+
+const I18NConverter& Detector::strict(const std::string& name) {
+    std::unique_ptr<I18NConverter>& converter = m_converters[name];
+    if (converter == nullptr) {
+        Problem problem;
+        converter = openEncoding(name, problem);
+        setPolicies(*converter, I18N_STOP, I18N_STOP);
+    }
+    return *converter;
+}
+
+const I18NConverter* Detector::choose(Input& input, const std::string& name, bool isGuessAllowed,
+                                      FileReport& report) {
+    std::vector<Fit> found;
+    const auto find = [&](Passes& passes) { found = fits(passes, true); };
+    if (!forPasses(input, name, m_block, report, find)) return nullptr;
+    if (found.empty()) {
+        sayNone(name, report);
+        return nullptr;
+    }
+    if (m_names.empty() && !isClear(found, isGuessAllowed)) {
+        report.error(CONV_UNCLEAR, {name, inOneLine(found)});
+        return nullptr;
+    }
+    return &strict(found[0].name);
+}
+
+void Detector::sayNone(const std::string& name, FileReport& report) const {
+    if (m_names.empty()) return report.error(CONV_NO_FIT, {name});
+    std::string list;
+    for (const std::string& each : m_names) list.append(list.empty() ? "" : ", ").append(each);
+    report.error(CONV_NONE_OF, {name, shown(list)});
+}
+
+std::vector<Fit> Detector::fits(Passes& passes, bool isFirstEnough) {
+    if (!m_names.empty()) return fitsOfList(passes, isFirstEnough);
+    const std::string marked = encodingOfMark(passes);
+    if (!marked.empty()) return {{marked}};
+    TextLook look;
+    const bool isUTF8 = decode(passes, strict(kUTF8), [&look](std::u16string_view text) {
+        look.add(text);
+        return true;
+    });
+    if (isUTF8 && (!look.hasControls() || look.isBeyondASCII())) return {{kUTF8}};
+    return fitsOf(passes, proposeEncodings(passes), isUTF8 ? &look : nullptr);
+}
+
+/// Those of the list: in the order of the list.
+std::vector<Fit> Detector::fitsOfList(Passes& passes, bool isFirstEnough) {
+    std::vector<Fit> found;
+    const std::string marked = encodingOfMark(passes);
+    for (const std::string& name : m_names) {
+        if (isFirstEnough && !found.empty()) break;
+        const std::string known = canonical(name);
+        if (!marked.empty() && isNameOf(known, marked))
+            add(passes, {isOpenOrder(known) ? marked : name}, found);
+        if (marked.empty() && !isOpenOrder(known) && isValid(passes, name))
+            add(passes, {name}, found);
+    }
+    return found;
+}
+
+/// Those that ICU proposes.
+/// @param utf8  how the text looks in UTF-8; null if it is not valid there
+std::vector<Fit> Detector::fitsOf(Passes& passes, const std::vector<Proposal>& proposals,
+                                  const TextLook* utf8) {
+    std::vector<Fit> plain, shifted;
+    if (utf8 != nullptr && !utf8->isMostlyControls())
+        add(passes, {kUTF8}, utf8->hasShifts() ? shifted : plain);
+    for (const Proposal& proposal : proposals) {
+        TextLook look;
+        if (proposal.name != kUTF8 && isText(passes, proposal.name, look))
+            add(passes, {proposal.name, proposal.confidence}, look.hasShifts() ? shifted : plain);
+    }
+    // Shifts that one encoding makes text of are not text in another.
+    std::vector<Fit>& found = plain.empty() ? shifted : plain;
+    // Most encodings give the same text where that is all ASCII.
+    if (found.size() == 1 && found[0].name == kUTF8) found[0].alike.clear();
+    return std::move(found);
+}
+
+/// Adds a fit, or its name to one with the same text.
+void Detector::add(Passes& passes, const Fit& fit, std::vector<Fit>& fits) {
+    for (Fit& each : fits) {
+        const bool differs = findDifference(passes, strict(each.name), strict(fit.name)).isFound();
+        if (passes.error() != 0) return;
+        if (differs) continue;
+        each.alike.push_back(fit.name);
+        if (isMoreUsual(fit.name, each.name)) std::swap(each.name, each.alike.back());
+        return;
+    }
+    fits.push_back(fit);
+}
+
+bool Detector::isValid(Passes& passes, const std::string& encoding) {
+    return decode(passes, strict(encoding), [](std::u16string_view) { return true; });
+}
+
+bool Detector::isText(Passes& passes, const std::string& encoding, TextLook& look) {
+    const bool isRead = decode(passes, strict(encoding), [&look](std::u16string_view text) {
+        look.add(text);
+        return look.isAssigned();
+    });
+    return isRead && look.isAssigned() && !look.isMostlyControls();
+}
+
+/// The encoding that a mark at the beginning tells, if all bytes are valid in it; else empty.
+std::string Detector::encodingOfMark(Passes& passes) {
+    passes.begin();
+    const std::string start(passes.next().substr(0, kLongestMark));
+    for (const Mark& mark : kMarks) {
+        const bool isAtStart = start.compare(0, mark.bytes.size(), mark.bytes) == 0;
+        if (isAtStart && isValid(passes, mark.encoding)) return mark.encoding;
+    }
+    return {};
+}
+
+}  // namespace conv

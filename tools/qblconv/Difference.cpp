@@ -1,0 +1,122 @@
+#include "tools/qblconv/Difference.hpp"
+
+#include <unicode/utf16.h>
+
+#include <algorithm>
+
+#include "i18n/cpp/i18n_text_stream.hpp"
+#include "tools/common/Utf8.hpp"
+
+namespace conv {
+
+namespace {
+
+constexpr std::size_t kBefore = 20, kAfter = 30;  // code units of a line that are shown
+const char kCut[] = "...";
+
+bool isLineEnd(char16_t unit) { return unit == u'\n' || unit == u'\r'; }
+
+void appendText(std::string& out, std::u16string_view text) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        char32_t c = text[i];
+        if (U16_IS_LEAD(c) && i + 1 < text.size() && U16_IS_TRAIL(text[i + 1]))
+            c = static_cast<char32_t>(U16_GET_SUPPLEMENTARY(text[i], text[i + 1]));
+        if (c > 0xFFFF) ++i;
+        if (!U16_IS_SURROGATE(c)) tools::appendCodePoint(out, c);
+    }
+}
+
+class Comparison {
+public:
+    Comparison(const I18NConverter& first, const I18NConverter& second)
+        : m_first(&first, nullptr), m_second(&second, nullptr) {}
+
+    /// @param bytes  empty for the end @return false if no more is needed
+    bool put(std::string_view bytes) {
+        advance(m_first, bytes, m_firstRest);
+        advance(m_second, bytes, m_secondRest);
+        if (!m_isFound) skipCommon();
+        if (bytes.empty()) m_isFound = m_isFound || m_firstRest != m_secondRest;
+        // Two units more, so that no pair is cut.
+        const std::size_t known = std::min(m_firstRest.size(), m_secondRest.size());
+        return !bytes.empty() && !(m_isFound && known > kAfter + 2);
+    }
+
+    Difference result() const {
+        if (!m_isFound) return {};
+        return {m_iLine, shownAround(m_firstRest), shownAround(m_secondRest)};
+    }
+
+private:
+    static void advance(I18NTextStream& stream, std::string_view bytes, std::u16string& rest) {
+        if (bytes.empty())
+            stream.finish();
+        else
+            stream.put(bytes.data(), bytes.size());
+        rest.append(stream.getText(), stream.getTextLength());
+    }
+
+    /// Counts and forgets what both begin with.
+    void skipCommon() {
+        const auto limit = std::min(m_firstRest.size(), m_secondRest.size());
+        const auto end = m_firstRest.begin() + static_cast<std::ptrdiff_t>(limit);
+        const auto [mine, other] = std::mismatch(m_firstRest.begin(), end, m_secondRest.begin());
+        auto common = static_cast<std::size_t>(mine - m_firstRest.begin());
+        m_isFound = mine != end;
+        // A difference within a pair is one of the character.
+        if (m_isFound && common > 0 && U16_IS_LEAD(m_firstRest[common - 1])) --common;
+        for (std::size_t i = 0; i < common; ++i) note(m_firstRest[i]);
+        m_firstRest.erase(0, common);
+        m_secondRest.erase(0, common);
+    }
+
+    void note(char16_t unit) {
+        const bool isSecondOfTwo = unit == u'\n' && m_cLast == u'\r';
+        m_cLast = unit;
+        if (isLineEnd(unit)) {
+            m_iLine += isSecondOfTwo ? 0 : 1;
+            m_before.clear();
+            m_isCut = false;
+            return;
+        }
+        m_before += unit;
+        if (m_before.size() < 2 * kBefore) return;
+        m_before.erase(0, m_before.size() - kBefore);
+        if (U16_IS_TRAIL(m_before[0])) m_before.erase(0, 1);
+        m_isCut = true;
+    }
+
+    std::string shownAround(const std::u16string& rest) const {
+        const bool isCutBefore = m_isCut || m_before.size() > kBefore;
+        std::u16string_view before = m_before;
+        if (before.size() > kBefore) before.remove_prefix(before.size() - kBefore);
+        std::string text = isCutBefore ? kCut : "";
+        appendText(text, before);
+        const auto lineEnd = std::find_if(rest.begin(), rest.end(), isLineEnd);
+        const auto size = static_cast<std::size_t>(lineEnd - rest.begin());
+        appendText(text, std::u16string_view(rest).substr(0, std::min(size, kAfter)));
+        return size > kAfter ? text + kCut : text;
+    }
+
+    I18NTextStream m_first, m_second;
+    std::u16string m_firstRest, m_secondRest;  // from the first difference on, once it is found
+    std::u16string m_before;                   // what both have before that in its line
+    std::int64_t m_iLine = 1;
+    char16_t m_cLast = 0;
+    bool m_isCut = false;
+    bool m_isFound = false;
+};
+
+}  // namespace
+
+Difference findDifference(Passes& passes, const I18NConverter& first, const I18NConverter& second) {
+    Comparison comparison(first, second);
+    passes.begin();
+    while (true) {
+        const std::string_view bytes = passes.next();
+        if (passes.error() != 0) return {};
+        if (!comparison.put(bytes)) return comparison.result();
+    }
+}
+
+}  // namespace conv

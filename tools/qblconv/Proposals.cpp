@@ -1,0 +1,118 @@
+#include "tools/qblconv/Proposals.hpp"
+
+#include <unicode/ucnv.h>
+#include <unicode/ucsdet.h>
+
+#include <algorithm>
+#include <memory>
+#include <stdexcept>
+
+namespace conv {
+
+namespace {
+
+constexpr std::size_t kSample = 8192;  // ICU's detector looks at no more
+constexpr int kNoEvidence = 10;        // ICU's confidence of UTF-16 for a text with no sign of it
+
+/// Encodings that are used for the same texts, the more usual one of each pair first.
+const char* const kPairs[][2] = {{"windows-1252", "ISO-8859-1"},
+                                 {"windows-1250", "ISO-8859-2"},
+                                 {"windows-1253", "ISO-8859-7"},
+                                 {"windows-1255", "ISO-8859-8"},
+                                 {"windows-1254", "ISO-8859-9"},
+                                 {"EUC-KR", "windows-949"},
+                                 {"KOI8-R", "KOI8-U"}};
+
+/// Collects what ICU's detector is to see: lines with other bytes than ASCII, which tell most. In
+/// encodings with wider units, whose texts have low control characters, it is the beginning.
+class Sample {
+public:
+    /// @return false if it is full
+    bool add(std::string_view bytes) {
+        if (m_isFirst) m_isWide = std::any_of(bytes.begin(), bytes.end(), isOfWideUnit);
+        m_isFirst = false;
+        if (m_isWide) {
+            m_bytes = bytes.substr(0, kSample);
+            return false;
+        }
+        while (!bytes.empty() && m_bytes.size() < kSample) {
+            const std::size_t end = std::min(bytes.find('\n'), bytes.size() - 1) + 1;
+            const std::size_t size = std::min(end, kSample - m_line.size());
+            m_line.append(bytes.substr(0, size));
+            bytes.remove_prefix(size);
+            if (m_line.back() == '\n' || m_line.size() == kSample) endLine();
+        }
+        return m_bytes.size() < kSample;
+    }
+    const std::string& finish() {
+        endLine();
+        return m_bytes;
+    }
+
+private:
+    static bool isOfWideUnit(char c) { return c >= 0 && c < 0x08; }
+    static bool isTelling(char c) { return c < 0 || c == 0x1B || c == 0x0E || c == 0x0F; }
+
+    void endLine() {
+        if (std::any_of(m_line.begin(), m_line.end(), isTelling)) m_bytes += m_line;
+        m_line.clear();
+    }
+
+    std::string m_bytes, m_line;
+    bool m_isFirst = true;
+    bool m_isWide = false;
+};
+
+std::string sampleOf(Passes& passes) {
+    Sample sample;
+    passes.begin();
+    for (std::string_view part = passes.next(); !part.empty() && sample.add(part);
+         part = passes.next()) {
+    }
+    return sample.finish();
+}
+
+bool isWide(std::string_view name) {
+    return name.substr(0, 6) == "UTF-16" || name.substr(0, 6) == "UTF-32";
+}
+
+void add(std::vector<Proposal>& proposals, const char* name, int confidence) {
+    const bool isThere = std::any_of(proposals.begin(), proposals.end(),
+                                     [name](const Proposal& each) { return each.name == name; });
+    if (!isThere) proposals.push_back({name, confidence});
+}
+
+}  // namespace
+
+std::vector<Proposal> proposeEncodings(Passes& passes) {
+    const std::string sample = sampleOf(passes);
+    std::vector<Proposal> proposals;
+    if (sample.empty()) return proposals;
+    UErrorCode error = U_ZERO_ERROR;
+    const std::unique_ptr<UCharsetDetector, decltype(&ucsdet_close)> detector(ucsdet_open(&error),
+                                                                              ucsdet_close);
+    ucsdet_setText(detector.get(), sample.data(), static_cast<std::int32_t>(sample.size()), &error);
+    std::int32_t count = 0;
+    const UCharsetMatch** const matches = ucsdet_detectAll(detector.get(), &count, &error);
+    if (U_FAILURE(error)) throw std::runtime_error(u_errorName(error));
+    for (std::int32_t i = 0; i < count; ++i) {
+        const char* const name = ucsdet_getName(matches[i], &error);
+        const std::int32_t confidence = ucsdet_getConfidence(matches[i], &error);
+        if (isWide(name) && confidence <= kNoEvidence) continue;
+        // The detector knows encodings that no converter comes with.
+        if (ucnv_countAliases(name, &error) == 0) continue;
+        add(proposals, name, confidence);
+        for (const auto& [usual, other] : kPairs) {
+            if (std::string_view(name) == usual) add(proposals, other, confidence);
+            if (std::string_view(name) == other) add(proposals, usual, confidence);
+        }
+    }
+    return proposals;
+}
+
+bool isMoreUsual(const std::string& name, const std::string& other) {
+    return std::any_of(std::begin(kPairs), std::end(kPairs),
+                       [&](const auto& pair) { return pair[0] == name && pair[1] == other; });
+}
+
+}  // namespace conv

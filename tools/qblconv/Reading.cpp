@@ -1,0 +1,115 @@
+#include "tools/qblconv/Reading.hpp"
+
+#include <unicode/uchar.h>
+#include <unicode/utf16.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "i18n/cpp/i18n_errors.hpp"
+#include "i18n/cpp/i18n_text_stream.hpp"
+#include "tools/qblconv/Interrupt.hpp"
+
+namespace conv {
+
+void Passes::begin() {
+    m_isDone = false;
+    if (!m_isWhole && m_isBegun && m_error == 0 && !m_input.rewind()) m_error = m_input.error();
+}
+
+std::string_view Passes::next() {
+    if (m_error != 0 || m_isDone) return {};
+    if (m_isWhole) {
+        m_isDone = true;
+        return m_whole;
+    }
+    const bool isFirst = !m_isBegun;
+    m_isBegun = true;
+    const int got =
+        isInterrupted() ? -1 : m_input.read(m_block.data(), static_cast<unsigned>(m_block.size()));
+    if (got < 0) {
+        m_error = isInterrupted() ? EINTR : m_input.error();
+        return {};
+    }
+    const std::string_view part(m_block.data(), static_cast<std::size_t>(got));
+    m_isDone = m_input.isAtEnd();
+    if (isFirst && m_isDone) {
+        m_isWhole = true;
+        m_whole = part;
+    }
+    return part;
+}
+
+bool Passes::finish() {
+    if (m_error == 0 && m_isBegun && !m_input.rewind()) m_error = m_input.error();
+    return m_error == 0;
+}
+
+bool forPasses(Input& input, const std::string& name, std::vector<char>& block, FileReport& report,
+               const std::function<void(Passes&)>& body) {
+    Problem problem;
+    Passes passes(input, block);
+    bool isRead = input.spool(block, problem);
+    if (!isRead) {
+        problem.details = shown(problem.details);
+    } else {
+        body(passes);
+        isRead = passes.finish();
+        if (!isRead) problem = {CONV_CANNOT_READ, {name, std::strerror(passes.error())}};
+    }
+    if (isInterrupted())
+        report.fail();
+    else if (!isRead)
+        report.error(problem.id, problem.details);
+    return isRead && !isInterrupted();
+}
+
+bool decode(Passes& passes, const I18NConverter& strict,
+            const std::function<bool(std::u16string_view)>& take) {
+    I18NTextStream stream(&strict, nullptr);
+    passes.begin();
+    try {
+        while (true) {
+            const std::string_view bytes = passes.next();
+            if (passes.error() != 0) return false;
+            if (bytes.empty())
+                stream.finish();
+            else
+                stream.put(bytes.data(), bytes.size());
+            if (!take({stream.getText(), stream.getTextLength()}) || bytes.empty()) return true;
+        }
+    } catch (const I18NRuntimeError& error) {
+        if (error.getErrorCode() != I18N_CONVERSION) throw;
+        return false;
+    }
+}
+
+void TextLook::add(std::u16string_view text) {
+    for (const char16_t unit : text) {
+        if (m_cLead != 0 && U16_IS_TRAIL(unit)) {
+            addCharacter(static_cast<char32_t>(U16_GET_SUPPLEMENTARY(m_cLead, unit)));
+            m_cLead = 0;
+            continue;
+        }
+        m_cLead = U16_IS_LEAD(unit) ? unit : u'\0';
+        if (m_cLead == 0) addCharacter(unit);
+    }
+}
+
+void TextLook::addCharacter(char32_t c) {
+    ++m_iCount;
+    if (c >= 0x20 && c < 0x7F) return;
+    if (c < 0x20) {
+        const bool isUsual = (c >= 0x08 && c <= 0x0D) || c == 0x1A;
+        m_iControls += isUsual ? 0 : 1;
+        m_hasShifts = m_hasShifts || c == 0x1B || c == 0x0E || c == 0x0F;
+        return;
+    }
+    m_isBeyondASCII = m_isBeyondASCII || c >= 0x80;
+    const int type = u_charType(static_cast<UChar32>(c));
+    const bool isC1 = c >= 0x80 && c < 0xA0;
+    if (isC1 || type == U_UNASSIGNED || type == U_PRIVATE_USE_CHAR || type == U_SURROGATE)
+        m_isAssigned = false;
+}
+
+}  // namespace conv

@@ -1,0 +1,89 @@
+#ifndef TOOLS_QBLCONV_READING_HPP
+#define TOOLS_QBLCONV_READING_HPP
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "i18n/cpp/i18n_converter.hpp"
+#include "tools/qblconv/Input.hpp"
+#include "tools/qblconv/Report.hpp"
+
+namespace conv {
+
+/// The bytes of an input, as often as they are wanted. An input that fits into the block is read
+/// once.
+///
+/// Threads: one at a time for each object.
+class Passes {
+public:
+    /// @param input  that can be rewound, at its start
+    Passes(Input& input, std::vector<char>& block) : m_input(input), m_block(block) {}
+
+    /// Begins a pass.
+    void begin();
+    /// The next part. @return empty at the end, and on failure
+    std::string_view next();
+    /// Brings the input back to its start, for others. @return false on failure
+    bool finish();
+    /// An errno if a pass failed, EINTR if the work is to end, else 0. No pass has bytes then.
+    int error() const { return m_error; }
+
+private:
+    Input& m_input;
+    std::vector<char>& m_block;
+    std::string_view m_whole;  // the input, once it is known to fit into the block
+    bool m_isWhole = false;
+    bool m_isBegun = false;  // a pass has read from the input
+    bool m_isDone = false;   // this pass has given the whole
+    int m_error = 0;
+};
+
+/// Calls a function with an input's passes, and brings the input back to its start.
+/// @param name  of the input, as shown
+/// @return false, with the reason in the report, if the input could not be read; also if the work
+///     is to end
+bool forPasses(Input& input, const std::string& name, std::vector<char>& block, FileReport& report,
+               const std::function<void(Passes&)>& body);
+
+/// Decodes bytes in one pass.
+/// @param strict  a converter that stops
+/// @param take  is called with each part of the text; false ends the pass
+/// @return whether all bytes were valid up to there, and could be read
+bool decode(Passes& passes, const I18NConverter& strict,
+            const std::function<bool(std::u16string_view)>& take);
+
+/// What a text consists of, as far as it tells whether it was read in its own encoding.
+///
+/// Threads: one at a time for each object.
+class TextLook {
+public:
+    void add(std::u16string_view text);
+
+    /// Whether no character is a C1 control, for private use, or not assigned by Unicode.
+    bool isAssigned() const { return m_isAssigned; }
+    /// Whether there are C0 controls other than those for lines, columns and the end of a file.
+    bool hasControls() const { return m_iControls > 0; }
+    bool isBeyondASCII() const { return m_isBeyondASCII; }
+    /// Whether at least half of it are such.
+    bool isMostlyControls() const { return m_iControls > 0 && 2 * m_iControls >= m_iCount; }
+    /// Whether one of them is ESC, SO or SI, which the encodings of ISO 2022 consist of.
+    bool hasShifts() const { return m_hasShifts; }
+
+private:
+    void addCharacter(char32_t c);
+
+    bool m_isAssigned = true;
+    bool m_isBeyondASCII = false;
+    bool m_hasShifts = false;
+    std::int64_t m_iControls = 0;
+    std::int64_t m_iCount = 0;
+    char16_t m_cLead = 0;  // of a pair that the last part has cut
+};
+
+}  // namespace conv
+
+#endif
