@@ -150,7 +150,7 @@ bool Input::rewind() {
 bool Input::spool(std::vector<char>& block, Problem& problem) {
     if (isFile()) return true;
     const auto cannotSpool = [&](int error) {
-        problem = {CONV_CANNOT_SPOOL, {m_item.path, std::strerror(error)}};
+        problem = {CONV_CANNOT_SPOOL, {m_item.path, tools::reason(error)}};
         return false;
     };
     const int copy = openTemporary();
@@ -160,7 +160,7 @@ bool Input::spool(std::vector<char>& block, Problem& problem) {
     while (isCopied && (got = read(block.data(), static_cast<unsigned>(block.size()))) > 0)
         isCopied = writeAll(copy, block.data(), static_cast<std::size_t>(got));
     const int error = errno;
-    if (got < 0) problem = {CONV_CANNOT_READ, {m_item.path, std::strerror(m_error)}};
+    if (got < 0) problem = {CONV_CANNOT_READ, {m_item.path, tools::reason(m_error)}};
     if (got >= 0 && isCopied) {
         close();
         m_iFile = copy;

@@ -4,10 +4,10 @@
 #include <unicode/utf16.h>
 
 #include <cerrno>
-#include <cstring>
 
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/i18n_text_stream.hpp"
+#include "tools/common/Reason.hpp"
 #include "tools/qblconv/Interrupt.hpp"
 
 namespace conv {
@@ -55,7 +55,7 @@ bool forPasses(Input& input, const std::string& name, std::vector<char>& block, 
     } else {
         body(passes);
         isRead = passes.finish();
-        if (!isRead) problem = {CONV_CANNOT_READ, {name, std::strerror(passes.error())}};
+        if (!isRead) problem = {CONV_CANNOT_READ, {name, tools::reason(passes.error())}};
     }
     if (isInterrupted())
         report.fail();

@@ -52,7 +52,7 @@ bool Verification::compare(const char* encoding, bool isEnd) {
     const bool isBack = convertBack(isEnd);
     const std::size_t both = std::min(m_read.size(), m_back.size());
     const auto place =
-        std::mismatch(m_read.begin(), m_read.begin() + static_cast<long>(both), m_back.begin());
+        std::mismatch(m_read.begin(), m_read.begin() + static_cast<std::ptrdiff_t>(both), m_back.begin());
     const auto same = static_cast<std::size_t>(place.first - m_read.begin());
     const bool isOver = isEnd || !isBack;
     if (same < both || (isOver && (!isBack || m_read.size() != m_back.size()))) {
