@@ -2,45 +2,26 @@
 
 #include <new>
 
+#include "TavThread/internal/TavCreate.hpp"
 #include "TavThread/internal/TavSystem.hpp"
-#include "TavThread/internal/TavTraceLine.hpp"
 
 struct TavCondition {
     pthread_cond_t native;
-    void* traceObj = nullptr;
-    bool syntaxTraced = true;
 };
 
 namespace {
 
 constexpr TavAttrKind kKind = tavBasicAttrKind("TavConditionAttr");
 
-int create(TavCondition** out, va_list list) {
-    TavAttributes attrs;
-    const int rc = tavReadAttributes(kKind, list, attrs);
-    if (rc != TAVTHREAD_OK) return rc;
-    if (out == nullptr) return TAVTHREAD_INVALID;
+int create(TavCondition** out) {
     TavCondition* cv = new (std::nothrow) TavCondition;
     if (cv == nullptr) return TAVTHREAD_NOMEM;
     if (const int err = tavRetry([cv] { return pthread_cond_init(&cv->native, nullptr); })) {
         delete cv;
         return tavThread_MapError(err);
     }
-    cv->traceObj = attrs.traceObject();
-    cv->syntaxTraced = attrs.syntaxTraced();
     *out = cv;
     return TAVTHREAD_OK;
-}
-
-void trace(TavCondition** out, va_list list) {
-    const TavCondition* cv = *out;
-    tavThreadTraceOutput(cv->traceObj, TavTraceCondition, "%s%s( cv:%x=%x%s )",
-                         TAV_TRACE_CALL("tavConditionCreate"), tavTraceHex(out), tavTraceHex(cv),
-                         TavAttributeText(kKind, TavAttributeText::Call, list).text());
-    if (cv->syntaxTraced)
-        tavThreadTraceOutput(cv->traceObj, TavTraceSyntax, "CREATE CONDITION VARIABLE %x%s;",
-                             tavTraceHex(cv),
-                             TavAttributeText(kKind, TavAttributeText::Syntax, list).text());
 }
 
 }  // namespace
@@ -48,13 +29,19 @@ void trace(TavCondition** out, va_list list) {
 extern "C" {
 
 int tavXConditionCreate(TavCondition** out, ...) {
-    va_list list, again;
+    va_list list;
     va_start(list, out);
-    va_copy(again, list);
-    if (out != nullptr) *out = nullptr;
-    const int rc = create(out, list);
-    if (out != nullptr && *out != nullptr && tavTraceReplaced()) trace(out, again);
-    va_end(again);
+    const int rc = tavCreate(
+        out, kKind, list, [out](const TavAttributes&) { return create(out); },
+        [out](void* traceObj, const char* attributes) {
+            tavThreadTraceOutput(traceObj, TavTraceCondition, "%s%s( cv:%x=%x%s )",
+                                 TAV_TRACE_CALL("tavConditionCreate"), tavTraceHex(out),
+                                 tavTraceHex(*out), attributes);
+        },
+        [out](void* traceObj, const char* attributes) {
+            tavThreadTraceOutput(traceObj, TavTraceSyntax, "CREATE CONDITION VARIABLE %x%s;",
+                                 tavTraceHex(*out), attributes);
+        });
     va_end(list);
     return rc;
 }

@@ -2,16 +2,15 @@
 
 #include <new>
 
+#include "TavThread/internal/TavCreate.hpp"
 #include "TavThread/internal/TavEventRecord.hpp"
 #include "TavThread/internal/TavSystem.hpp"
-#include "TavThread/internal/TavTraceLine.hpp"
 
 namespace {
 
 constexpr TavAttrKind kKind = tavBasicAttrKind("TavEventAttr");
 
 int create(TavEvent** out, unsigned flags) {
-    if (out == nullptr) return TAVTHREAD_INVALID;
     TavEvent* e = new (std::nothrow) TavEvent;
     if (e == nullptr) return TAVTHREAD_NOMEM;
     e->flags = flags;
@@ -26,22 +25,6 @@ int create(TavEvent** out, unsigned flags) {
     }
     *out = e;
     return TAVTHREAD_OK;
-}
-
-void trace(TavEvent** out, unsigned flags, const TavAttributes& attrs, va_list list) {
-    void* const traceObj = attrs.traceObject();
-    const bool manual = (flags & kTavEventManualReset) != 0;
-    const bool signaled = (flags & kTavEventSignaled) != 0;
-    tavThreadTraceOutput(traceObj, TavTraceEvent,
-                         "%s%s( event:%x=%x, manualReset:%s, setSignaled:%s%s )",
-                         TAV_TRACE_CALL("tavEventCreate"), tavTraceHex(out), tavTraceHex(*out),
-                         manual ? "TRUE" : "FALSE", signaled ? "TRUE" : "FALSE",
-                         TavAttributeText(kKind, TavAttributeText::Call, list).text());
-    if (attrs.syntaxTraced())
-        tavThreadTraceOutput(traceObj, TavTraceSyntax, "CREATE %sEVENT %x%s%s;",
-                             signaled ? "SIGNALED " : "", tavTraceHex(*out),
-                             manual ? " WITH MANUAL RESET" : "",
-                             TavAttributeText(kKind, TavAttributeText::Syntax, list).text());
 }
 
 }  // namespace
@@ -78,17 +61,26 @@ int tavEventSignalGeneral(TavEvent* e) {
 extern "C" {
 
 int tavXEventCreate(TavEvent** out, int manualReset, int setSignaled, ...) {
-    va_list list, again;
+    const bool manual = manualReset != 0, signaled = setSignaled != 0;
+    va_list list;
     va_start(list, setSignaled);
-    va_copy(again, list);
-    if (out != nullptr) *out = nullptr;
-    const unsigned flags = (manualReset != 0 ? kTavEventManualReset : 0U) |
-                           (setSignaled != 0 ? kTavEventSignaled : 0U);
-    TavAttributes attrs;
-    int rc = tavReadAttributes(kKind, list, attrs);
-    if (rc == TAVTHREAD_OK) rc = create(out, flags);
-    if (rc == TAVTHREAD_OK && tavTraceReplaced()) trace(out, flags, attrs, again);
-    va_end(again);
+    const int rc = tavCreate(
+        out, kKind, list,
+        [=](const TavAttributes&) {
+            return create(
+                out, (manual ? kTavEventManualReset : 0U) | (signaled ? kTavEventSignaled : 0U));
+        },
+        [=](void* traceObj, const char* attributes) {
+            tavThreadTraceOutput(
+                traceObj, TavTraceEvent, "%s%s( event:%x=%x, manualReset:%s, setSignaled:%s%s )",
+                TAV_TRACE_CALL("tavEventCreate"), tavTraceHex(out), tavTraceHex(*out),
+                manual ? "TRUE" : "FALSE", signaled ? "TRUE" : "FALSE", attributes);
+        },
+        [=](void* traceObj, const char* attributes) {
+            tavThreadTraceOutput(traceObj, TavTraceSyntax, "CREATE %sEVENT %x%s%s;",
+                                 signaled ? "SIGNALED " : "", tavTraceHex(*out),
+                                 manual ? " WITH MANUAL RESET" : "", attributes);
+        });
     va_end(list);
     return rc;
 }

@@ -3,10 +3,10 @@
 #include <climits>
 #include <new>
 
+#include "TavThread/internal/TavCreate.hpp"
 #include "TavThread/internal/TavHeldMutexes.hpp"
 #include "TavThread/internal/TavMutexRecord.hpp"
 #include "TavThread/internal/TavSystem.hpp"
-#include "TavThread/internal/TavTraceLine.hpp"
 
 namespace {
 
@@ -41,11 +41,7 @@ TavMutex* newRecord(const TavAttributes& attrs) {
     return m;
 }
 
-int create(TavMutex** out, va_list list) {
-    TavAttributes attrs;
-    const int rc = tavReadAttributes(kKind, list, attrs);
-    if (rc != TAVTHREAD_OK) return rc;
-    if (out == nullptr) return TAVTHREAD_INVALID;
+int create(TavMutex** out, const TavAttributes& attrs) {
     TavMutex* m = newRecord(attrs);
     if (m == nullptr) return TAVTHREAD_NOMEM;
     if (const int err = tavRetry([m] { return pthread_mutex_init(&m->native, nullptr); })) {
@@ -55,16 +51,6 @@ int create(TavMutex** out, va_list list) {
     m->flags |= kTavMutexInitialized;
     *out = m;
     return TAVTHREAD_OK;
-}
-
-void trace(TavMutex** out, va_list list) {
-    const TavMutex* m = *out;
-    tavThreadTraceOutput(m->traceObj, TavTraceMutex, "%s%s( m:%x=%x%s )",
-                         TAV_TRACE_CALL("tavMutexCreate"), tavTraceHex(out), tavTraceHex(m),
-                         TavAttributeText(kKind, TavAttributeText::Call, list).text());
-    if ((m->flags & kTavMutexSyntaxTraced) != 0)
-        tavThreadTraceOutput(m->traceObj, TavTraceSyntax, "CREATE MUTEX %x%s;", tavTraceHex(m),
-                             TavAttributeText(kKind, TavAttributeText::Syntax, list).text());
 }
 
 /// True, and counted, if the caller already holds the recursive mutex.
@@ -138,13 +124,19 @@ int tavMutexUnlockGeneral(TavMutex* m) {
 extern "C" {
 
 int tavXMutexCreate(TavMutex** out, ...) {
-    va_list list, again;
+    va_list list;
     va_start(list, out);
-    va_copy(again, list);
-    if (out != nullptr) *out = nullptr;
-    const int rc = create(out, list);
-    if (out != nullptr && *out != nullptr && tavTraceReplaced()) trace(out, again);
-    va_end(again);
+    const int rc = tavCreate(
+        out, kKind, list, [out](const TavAttributes& attrs) { return create(out, attrs); },
+        [out](void* traceObj, const char* attributes) {
+            tavThreadTraceOutput(traceObj, TavTraceMutex, "%s%s( m:%x=%x%s )",
+                                 TAV_TRACE_CALL("tavMutexCreate"), tavTraceHex(out),
+                                 tavTraceHex(*out), attributes);
+        },
+        [out](void* traceObj, const char* attributes) {
+            tavThreadTraceOutput(traceObj, TavTraceSyntax, "CREATE MUTEX %x%s;", tavTraceHex(*out),
+                                 attributes);
+        });
     va_end(list);
     return rc;
 }

@@ -2,9 +2,9 @@
 
 #include <new>
 
+#include "TavThread/internal/TavCreate.hpp"
 #include "TavThread/internal/TavRWLockRecord.hpp"
 #include "TavThread/internal/TavSystem.hpp"
-#include "TavThread/internal/TavTraceLine.hpp"
 
 namespace {
 
@@ -82,31 +82,15 @@ int makeParts(TavRWLock* rw) {
     return err;
 }
 
-int create(TavRWLock** out, va_list list) {
-    TavAttributes attrs;
-    const int rc = tavReadAttributes(kKind, list, attrs);
-    if (rc != TAVTHREAD_OK) return rc;
-    if (out == nullptr) return TAVTHREAD_INVALID;
+int create(TavRWLock** out) {
     TavRWLock* rw = new (std::nothrow) TavRWLock;
     if (rw == nullptr) return TAVTHREAD_NOMEM;
     if (const int err = makeParts(rw)) {
         delete rw;
         return tavThread_MapError(err);
     }
-    rw->traceObj = attrs.traceObject();
-    rw->syntaxTraced = attrs.syntaxTraced();
     *out = rw;
     return TAVTHREAD_OK;
-}
-
-void trace(TavRWLock** out, va_list list) {
-    const TavRWLock* rw = *out;
-    tavThreadTraceOutput(rw->traceObj, TavTraceRWLock, "%s%s( rw:%x=%x%s )",
-                         TAV_TRACE_CALL("tavRWLockCreate"), tavTraceHex(out), tavTraceHex(rw),
-                         TavAttributeText(kKind, TavAttributeText::Call, list).text());
-    if (rw->syntaxTraced)
-        tavThreadTraceOutput(rw->traceObj, TavTraceSyntax, "CREATE RWLOCK %x%s;", tavTraceHex(rw),
-                             TavAttributeText(kKind, TavAttributeText::Syntax, list).text());
 }
 
 }  // namespace
@@ -164,13 +148,19 @@ int tavRWLockUnlockGeneral(TavRWLock* rw) {
 extern "C" {
 
 int tavXRWLockCreate(TavRWLock** out, ...) {
-    va_list list, again;
+    va_list list;
     va_start(list, out);
-    va_copy(again, list);
-    if (out != nullptr) *out = nullptr;
-    const int rc = create(out, list);
-    if (out != nullptr && *out != nullptr && tavTraceReplaced()) trace(out, again);
-    va_end(again);
+    const int rc = tavCreate(
+        out, kKind, list, [out](const TavAttributes&) { return create(out); },
+        [out](void* traceObj, const char* attributes) {
+            tavThreadTraceOutput(traceObj, TavTraceRWLock, "%s%s( rw:%x=%x%s )",
+                                 TAV_TRACE_CALL("tavRWLockCreate"), tavTraceHex(out),
+                                 tavTraceHex(*out), attributes);
+        },
+        [out](void* traceObj, const char* attributes) {
+            tavThreadTraceOutput(traceObj, TavTraceSyntax, "CREATE RWLOCK %x%s;", tavTraceHex(*out),
+                                 attributes);
+        });
     va_end(list);
     return rc;
 }

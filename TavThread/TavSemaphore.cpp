@@ -2,19 +2,15 @@
 
 #include <new>
 
+#include "TavThread/internal/TavCreate.hpp"
 #include "TavThread/internal/TavSemaphoreRecord.hpp"
 #include "TavThread/internal/TavSystem.hpp"
-#include "TavThread/internal/TavTraceLine.hpp"
 
 namespace {
 
 constexpr TavAttrKind kKind = tavBasicAttrKind("TavSemaphoreAttr");
 
-int create(TavSemaphore** out, unsigned initialCount, va_list list) {
-    TavAttributes attrs;
-    const int rc = tavReadAttributes(kKind, list, attrs);
-    if (rc != TAVTHREAD_OK) return rc;
-    if (out == nullptr) return TAVTHREAD_INVALID;
+int create(TavSemaphore** out, unsigned initialCount, const TavAttributes& attrs) {
     TavSemaphore* s = new (std::nothrow) TavSemaphore;
     if (s == nullptr) return TAVTHREAD_NOMEM;
     if (const int err = tavRetryErrno([=] { return sem_init(&s->native, 0, initialCount); })) {
@@ -25,18 +21,6 @@ int create(TavSemaphore** out, unsigned initialCount, va_list list) {
     s->traceObj = attrs.traceObject();
     *out = s;
     return TAVTHREAD_OK;
-}
-
-void trace(TavSemaphore** out, unsigned initialCount, va_list list) {
-    const TavSemaphore* s = *out;
-    const int count = static_cast<int>(initialCount);
-    tavThreadTraceOutput(s->traceObj, TavTraceSemaphore, "%s%s( s:%x=%x, count:%d%s )",
-                         TAV_TRACE_CALL("tavSemaphoreCreate"), tavTraceHex(out), tavTraceHex(s),
-                         count, TavAttributeText(kKind, TavAttributeText::Call, list).text());
-    if ((s->flags & kTavSemaphoreSyntaxTraced) != 0)
-        tavThreadTraceOutput(s->traceObj, TavTraceSyntax, "CREATE SEMAPHORE %x WITH COUNT %d%s;",
-                             tavTraceHex(s), count,
-                             TavAttributeText(kKind, TavAttributeText::Syntax, list).text());
 }
 
 }  // namespace
@@ -55,13 +39,21 @@ int tavSemaphorePostGeneral(TavSemaphore* s) {
 extern "C" {
 
 int tavXSemaphoreCreate(TavSemaphore** out, unsigned initialCount, ...) {
-    va_list list, again;
+    const int count = static_cast<int>(initialCount);
+    va_list list;
     va_start(list, initialCount);
-    va_copy(again, list);
-    if (out != nullptr) *out = nullptr;
-    const int rc = create(out, initialCount, list);
-    if (out != nullptr && *out != nullptr && tavTraceReplaced()) trace(out, initialCount, again);
-    va_end(again);
+    const int rc = tavCreate(
+        out, kKind, list,
+        [=](const TavAttributes& attrs) { return create(out, initialCount, attrs); },
+        [=](void* traceObj, const char* attributes) {
+            tavThreadTraceOutput(traceObj, TavTraceSemaphore, "%s%s( s:%x=%x, count:%d%s )",
+                                 TAV_TRACE_CALL("tavSemaphoreCreate"), tavTraceHex(out),
+                                 tavTraceHex(*out), count, attributes);
+        },
+        [=](void* traceObj, const char* attributes) {
+            tavThreadTraceOutput(traceObj, TavTraceSyntax, "CREATE SEMAPHORE %x WITH COUNT %d%s;",
+                                 tavTraceHex(*out), count, attributes);
+        });
     va_end(list);
     return rc;
 }

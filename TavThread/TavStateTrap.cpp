@@ -2,12 +2,11 @@
 
 #include <mutex>
 #include <new>
-#include <optional>
 
 #include "TavThread/internal/TavContain.hpp"
+#include "TavThread/internal/TavCreate.hpp"
 #include "TavThread/internal/TavSystem.hpp"
 #include "TavThread/internal/TavThreadRecord.hpp"
-#include "TavThread/internal/TavTraceLine.hpp"
 
 struct TavStateTrap {
     int state;
@@ -109,22 +108,9 @@ private:
 };
 
 int create(TavStateTrap** out, int state) {
-    if (out == nullptr || !isState(state)) return TAVTHREAD_INVALID;
+    if (!isState(state)) return TAVTHREAD_INVALID;
     *out = new (std::nothrow) TavStateTrap{state, nullptr, nullptr};
     return *out != nullptr ? TAVTHREAD_OK : TAVTHREAD_NOMEM;
-}
-
-void trace(TavStateTrap** out, const TavAttributes& attrs, va_list list) {
-    void* const traceObj = attrs.traceObject();
-    const char* const state = stateName((*out)->state);
-    tavThreadTraceOutput(traceObj, TavTraceThread, "%s%s( stateTrapP:%x=%x, state:%s%s )",
-                         TAV_TRACE_CALL("tavThreadStateTrapCreate"), tavTraceHex(out),
-                         tavTraceHex(*out), state,
-                         TavAttributeText(kKind, TavAttributeText::Call, list).text());
-    if (attrs.syntaxTraced())
-        tavThreadTraceOutput(traceObj, TavTraceSyntax,
-                             "CREATE THREAD STATE TRAP %x FOR STATE %s%s;", tavTraceHex(*out),
-                             state, TavAttributeText(kKind, TavAttributeText::Syntax, list).text());
 }
 
 }  // namespace
@@ -142,60 +128,8 @@ void tavStateTrapsForget(TavThread* thread) {
     }
 }
 
-TavTransition::TavTransition(TavThread& thread) : m_thread(thread) {
-    pthread_mutex_lock(&m_thread.transition);
-}
-
-TavTransition::~TavTransition() {
-    if (m_held) pthread_mutex_unlock(&m_thread.transition);
-}
-
-void TavTransition::to(int newState) {
-    const int old = state();
-    if (newState == old) return;
-    int reason = -1;
-    if (newState == TavThreadStateRunning && old == TavThreadStateInitial)
-        reason = TavThreadExitAlive;
-    else if (newState == TavThreadStateInitial &&
-             (old == TavThreadStateRunning || old == TavThreadStateSuspended))
-        reason = TavThreadExitNormal;
-    else if (newState == TavThreadStateCanceling)
-        reason = TavThreadExitCanceled;
-    else if (newState == TavThreadStateException)
-        reason = TavThreadExitException;
-    // Whoever sees the state must not see the reason of an earlier one.
-    if (reason >= 0) m_thread.reason.store(reason, std::memory_order_release);
-    m_thread.state.store(newState, std::memory_order_release);
-    m_iEntered = newState;
-}
-
-bool TavTransition::awaitCallbacks() {
-    bool waited = false;
-    for (; m_thread.calls != 0 && pthread_equal(m_thread.caller, pthread_self()) == 0;
-         waited = true)
-        tavWaitOn(&m_thread.called, &m_thread.transition, TAVTHREAD_INFINITE);
-    return waited;
-}
-
-void TavTransition::finish() {
-    struct Calling {
-        TavThread& thread;
-        explicit Calling(TavThread& of) : thread(of) {
-            thread.caller = pthread_self();
-            ++thread.calls;
-        }
-        ~Calling() {
-            TavHold hold(thread.transition);
-            if (--thread.calls == 0) pthread_cond_broadcast(&thread.called);
-        }
-    };
-    const bool none = m_iEntered < 0 || m_thread.traps[m_iEntered].load() == nullptr;
-    std::optional<Calling> calling;
-    if (!none) calling.emplace(m_thread);
-    m_held = false;
-    pthread_mutex_unlock(&m_thread.transition);
-    if (none) return;
-    for (Walk walk(&m_thread, m_iEntered); !walk.atEnd(); walk.next()) walk.call();
+void tavStateTrapsCall(TavThread* thread, int state) {
+    for (Walk walk(thread, state); !walk.atEnd(); walk.next()) walk.call();
 }
 
 extern "C" {
@@ -211,15 +145,20 @@ int tavXThreadStateCallback(TavThread* thread, int state, TavStateRoutine routin
 }
 
 int tavXThreadStateTrapCreate(TavStateTrap** out, int state, ...) {
-    va_list list, again;
+    va_list list;
     va_start(list, state);
-    va_copy(again, list);
-    if (out != nullptr) *out = nullptr;
-    TavAttributes attrs;
-    int rc = tavReadAttributes(kKind, list, attrs);
-    if (rc == TAVTHREAD_OK) rc = create(out, state);
-    if (rc == TAVTHREAD_OK && tavTraceReplaced()) trace(out, attrs, again);
-    va_end(again);
+    const int rc = tavCreate(
+        out, kKind, list, [=](const TavAttributes&) { return create(out, state); },
+        [=](void* traceObj, const char* attributes) {
+            tavThreadTraceOutput(traceObj, TavTraceThread, "%s%s( stateTrapP:%x=%x, state:%s%s )",
+                                 TAV_TRACE_CALL("tavThreadStateTrapCreate"), tavTraceHex(out),
+                                 tavTraceHex(*out), stateName(state), attributes);
+        },
+        [=](void* traceObj, const char* attributes) {
+            tavThreadTraceOutput(traceObj, TavTraceSyntax,
+                                 "CREATE THREAD STATE TRAP %x FOR STATE %s%s;", tavTraceHex(*out),
+                                 stateName(state), attributes);
+        });
     va_end(list);
     return rc;
 }

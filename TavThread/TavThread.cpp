@@ -2,8 +2,8 @@
 
 #include "TavThread/internal/TavContain.hpp"
 #include "TavThread/internal/TavSystem.hpp"
-#include "TavThread/internal/TavThreadRecord.hpp"
 #include "TavThread/internal/TavTraceLine.hpp"
+#include "TavThread/internal/TavTransition.hpp"
 
 namespace {
 

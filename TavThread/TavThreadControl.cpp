@@ -5,7 +5,7 @@
 
 #include "TavThread/TavThread.h"
 #include "TavThread/internal/TavSystem.hpp"
-#include "TavThread/internal/TavThreadRecord.hpp"
+#include "TavThread/internal/TavTransition.hpp"
 
 // The `resumed` semaphore counts 0 while a suspension is pending or in effect, else 1. It is set
 // under the transition mutex, and taken outside it by the suspended thread alone, which sets it

@@ -25,8 +25,6 @@ struct TavRWLock {
     int waitingReaders = 0;
     pthread_cond_t writers;
     int waitingWriters = 0;
-    void* traceObj = nullptr;
-    bool syntaxTraced = true;
 };
 
 int tavRWLockReadLockGeneral(TavRWLock* rw, unsigned ms);
