@@ -34,38 +34,27 @@
     (qblHolds(__VA_ARGS__) ? static_cast<void>(0) \
                            : qblAssertFailed(QBL_HERE, "QBL_ASSERT_NAMED(" #__VA_ARGS__ ");"))
 
-/// Whether only string literals follow the last comma outside of brackets in the source of a
-/// condition. Without such a comma the whole source counts. The source is read because the type of
-/// a condition that contains a lambda cannot be had.
+/// Whether the source of a condition ends in string literals that are all of it, or all that
+/// follows a comma. The source is read because the type of a condition that contains a lambda
+/// cannot be had.
 constexpr bool qblEndsInText(const char* source) {
-    bool text = false, other = false;
-    int depth = 0;
-    for (const char* at = source; *at != '\0'; ++at) {
-        const char before = at != source ? at[-1] : ' ';
-        const bool inNumber = (before >= '0' && before <= '9') ||
-                              (before >= 'A' && before <= 'F') || (before >= 'a' && before <= 'f');
-        if (*at == '"' || (*at == '\'' && !inNumber)) {
-            const char quote = *at;
-            for (++at; *at != quote; ++at) {
-                if (*at == '\\') ++at;
-                if (*at == '\0') return false;
-            }
-            (quote == '"' && depth == 0 ? text : other) = true;
-        } else if (*at == ',' && depth == 0) {
-            text = other = false;
-        } else if (*at != ' ') {
-            depth += *at == '(' || *at == '[' || *at == '{' ? 1 : 0;
-            depth -= *at == ')' || *at == ']' || *at == '}' ? 1 : 0;
-            other = true;
-        }
+    const char* at = source;
+    while (*at != '\0') ++at;
+    bool isText = false;
+    while (at != source && at[-1] == '"') {
+        // Back to the quote that begins the literal: quotes within have a backslash in front.
+        for (--at; at != source && (at[-1] != '"' || (at - 1 != source && at[-2] == '\\'));) --at;
+        if (at == source) return false;
+        for (--at; at != source && at[-1] == ' ';) --at;
+        isText = true;
     }
-    return text && !other;
+    return isText && (at == source || at[-1] == ',');
 }
 
 /// A condition of a QBL_ASSERT that is one.
 template <bool isCondition>
 struct QBLAssertHolds {
-    static_assert(isCondition, "a text always holds: QBL_ASSERT_NAMED takes it behind a condition");
+    static_assert(isCondition, "a text always holds: QBL_ASSERT_NAMED takes it after a condition");
 };
 
 /// The condition of a QBL_ASSERT_NAMED.
