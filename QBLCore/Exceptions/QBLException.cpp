@@ -1,6 +1,7 @@
 #include "QBLCore/Exceptions/QBLException.hpp"
 
 #include "QBLCore/Exceptions/QBLI18NStringAllocator.hpp"
+#include "QBLCore/Exceptions/internal/QBLThrowableXml.hpp"
 #include "i18n/cpp/i18n_string.hpp"
 
 namespace {
@@ -63,19 +64,11 @@ const char* QBLException::toString() {
 // reports know both as they are.
 void QBLException::toString(const char* language, const char* fallbackLanguage, I18NString& out,
                             int flag) {
-    const char* code = getErrorCodeString();
-    const char* name = getThrowableName();
-    out.append("<Exception Name=\"").append(name != nullptr ? name : "<NULL THROWABLE NAME>");
-    out.append("\" Error=\"").append(code != nullptr ? code : "0");
-    out.append("\" Severity=\"").append(getSeverityName(getSeverity())).append("\">");
-    QBLMessageSet::toString(language, fallbackLanguage, out, flag);
-    if (!backTrace.empty()) {
-        out.append("<TraceInfo>");
-        for (const char* entry : backTrace)
-            if (entry != nullptr) out.append("<Trace Text=\"").append(entry).append("\" />");
-        out.append("</TraceInfo>");
-    }
-    out.append("</Exception>");
+    const auto appendMessages = [&] {
+        QBLMessageSet::toString(language, fallbackLanguage, out, flag);
+    };
+    qblAppendThrowable(out, getThrowableName(), getErrorCodeString(),
+                       getSeverityName(getSeverity()), appendMessages, backTrace, "\" />");
 }
 
 QBLException& QBLException::operator<<(const QBLMessageBase& message) {

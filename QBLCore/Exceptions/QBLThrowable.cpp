@@ -7,6 +7,7 @@
 #include <string>
 
 #include "QBLCore/Exceptions/internal/QBLCopyString.hpp"
+#include "QBLCore/Exceptions/internal/QBLThrowableXml.hpp"
 
 namespace {
 
@@ -96,25 +97,16 @@ void QBLThrowable::copyFrom(const QBLThrowable& other) {
 const char* QBLThrowable::getMessage() { return messageText; }
 
 const char* QBLThrowable::toString() {
-    // A code made from a null text shows as 0: the custodian prints whatever it caught.
-    const char* code = getErrorCodeString();
-    const char* name = getThrowableName();
     std::string xml;
+    const auto appendMessages = [this, &xml] {
+        if (messageText == nullptr) return;
+        xml.append("<Messages><MessageText>").append(messageText);
+        xml.append("</MessageText></Messages>");
+    };
+    const char* const code = getErrorCodeString();
     try {
-        xml.append("<Exception Name=\"").append(name != nullptr ? name : kNoName);
-        xml.append("\" Error=\"").append(code != nullptr ? code : "0");
-        xml.append("\" Severity=\"").append(getSeverityName(severity)).append("\">");
-        if (messageText != nullptr) {
-            xml.append("<Messages><MessageText>").append(messageText);
-            xml.append("</MessageText></Messages>");
-        }
-        if (!backTrace.empty()) {
-            xml.append("<TraceInfo>");
-            for (const char* entry : backTrace)
-                if (entry != nullptr) xml.append("<Trace Text=\"").append(entry).append("\"/>");
-            xml.append("</TraceInfo>");
-        }
-        xml.append("</Exception>");
+        qblAppendThrowable(xml, getThrowableName(), code, getSeverityName(severity), appendMessages,
+                           backTrace, "\"/>");
     } catch (const std::length_error&) {
         throw std::bad_alloc();  // as for anything else that there is no room for
     }
