@@ -135,7 +135,7 @@ std::vector<Fit> Detector::fits(Passes& passes, bool isFirstEnough) {
     if (!m_names.empty()) return fitsOfList(passes, isFirstEnough);
     const std::string marked = encodingOfMark(passes);
     if (!marked.empty()) return {{marked}};
-    TextLook look;
+    TextLook look(TextLook::Types::kNot);
     const bool isUTF8 = decode(passes, strict(kUTF8), [&look](std::u16string_view text) {
         look.add(text);
         return true;
@@ -167,7 +167,7 @@ std::vector<Fit> Detector::fitsOf(Passes& passes, const std::vector<Proposal>& p
     if (utf8 != nullptr && !utf8->isMostlyControls())
         add(passes, {kUTF8}, utf8->hasShifts() ? shifted : plain);
     for (const Proposal& proposal : proposals) {
-        TextLook look;
+        TextLook look(TextLook::Types::kChecked);
         if (proposal.name != kUTF8 && isText(passes, proposal.name, look))
             add(passes, {proposal.name, proposal.confidence}, look.hasShifts() ? shifted : plain);
     }

@@ -86,6 +86,10 @@ bool decode(Passes& passes, const I18NConverter& strict,
 
 void TextLook::add(std::u16string_view text) {
     for (const char16_t unit : text) {
+        if (unit >= 0x20 && unit < 0x7F && m_cLead == 0) {
+            ++m_iCount;
+            continue;
+        }
         if (m_cLead != 0 && U16_IS_TRAIL(unit)) {
             addCharacter(static_cast<char32_t>(U16_GET_SUPPLEMENTARY(m_cLead, unit)));
             m_cLead = 0;
@@ -98,7 +102,6 @@ void TextLook::add(std::u16string_view text) {
 
 void TextLook::addCharacter(char32_t c) {
     ++m_iCount;
-    if (c >= 0x20 && c < 0x7F) return;
     if (c < 0x20) {
         const bool isUsual = (c >= 0x08 && c <= 0x0D) || c == 0x1A;
         m_iControls += isUsual ? 0 : 1;
@@ -106,6 +109,7 @@ void TextLook::addCharacter(char32_t c) {
         return;
     }
     m_isBeyondASCII = m_isBeyondASCII || c >= 0x80;
+    if (m_types == Types::kNot) return;
     const int type = u_charType(static_cast<UChar32>(c));
     const bool isC1 = c >= 0x80 && c < 0xA0;
     if (isC1 || type == U_UNASSIGNED || type == U_PRIVATE_USE_CHAR || type == U_SURROGATE)

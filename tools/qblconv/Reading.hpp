@@ -61,9 +61,14 @@ bool decode(Passes& passes, const I18NConverter& strict,
 /// Threads: one at a time for each object.
 class TextLook {
 public:
+    enum class Types { kNot, kChecked };
+    /// @param types  whether the types of characters are looked up, which takes most of the time
+    explicit TextLook(Types types) : m_types(types) {}
+
     void add(std::u16string_view text);
 
-    /// Whether no character is a C1 control, for private use, or not assigned by Unicode.
+    /// Whether no character, as far as types are checked, is a C1 control, for private use, or not
+    /// assigned by Unicode.
     bool isAssigned() const { return m_isAssigned; }
     /// Whether there are C0 controls other than those for lines, columns and the end of a file.
     bool hasControls() const { return m_iControls > 0; }
@@ -76,6 +81,7 @@ public:
 private:
     void addCharacter(char32_t c);
 
+    const Types m_types;
     bool m_isAssigned = true;
     bool m_isBeyondASCII = false;
     bool m_hasShifts = false;
