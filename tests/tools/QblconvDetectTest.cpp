@@ -243,6 +243,13 @@ TEST(QblconvDetectTest, GuessesShowWhatTellsThemApart) {
     expectRun(tree, "-gj4 c u w e", 0, fits + readings + "u: UTF-8\nw: UTF-16LE\ne: UTF-8\n");
     expectRun(tree, "--guess c random u 2>err; echo $?; cat err; $Q -gq c; $Q -g <u", 0,
               fits + readings + "u: UTF-8\n1\nrandom" + kUnknown + fits + "-: UTF-8\n");
+    // Hebrew words are no clear choice, however much of the text is English.
+    tree.file("h",
+              "The text is in English, and the words that stand here are not: \xF9\xEC\xE5\xED\n"
+              "The rest of the text, however, is in English again and then there is more: "
+              "\xF2\xE5\xEC\xED\n");
+    expectRun(tree, "-n -f auto h 2>&1 | cut -d'(' -f1", 0,
+              "h: the encoding is not clear, these fit: windows-1252 \n");
     expectRun(tree, "-n -f auto c; $Q -f auto -i c", 1,
               unclear("c", "windows-1250 (80), windows-1252 (69)") +
                   unclear("c", "windows-1250 (80), windows-1252 (69)"));

@@ -62,6 +62,7 @@ std::string inOneLine(const std::vector<Fit>& fits) {
 
 /// Whether one of the fits is clear enough to be chosen.
 bool isClear(const std::vector<Fit>& fits, bool isGuessAllowed) {
+    if (fits[0].isOdd) return false;
     if (fits.size() == 1) return fits[0].confidence < 0 || fits[0].confidence >= kLeast;
     return isGuessAllowed && fits[1].confidence >= 0 && fits[0].confidence >= kLeast &&
            fits[0].confidence - fits[1].confidence >= kLead;
@@ -169,7 +170,8 @@ std::vector<Fit> Detector::fitsOf(Passes& passes, const std::vector<Proposal>& p
     for (const Proposal& proposal : proposals) {
         TextLook look(TextLook::Types::kChecked);
         if (proposal.name != kUTF8 && isText(passes, proposal.name, look))
-            add(passes, {proposal.name, proposal.confidence}, look.hasShifts() ? shifted : plain);
+            add(passes, {proposal.name, proposal.confidence, look.isOddLatin()},
+                look.hasShifts() ? shifted : plain);
     }
     // Shifts that one encoding makes text of are not text in another.
     std::vector<Fit>& found = plain.empty() ? shifted : plain;

@@ -27,6 +27,7 @@ bool checkAuto(const std::string& from, Problem& problem);
 struct Fit {
     std::string name;
     int confidence = -1;                  // of ICU's detector, in percent; below 0 without one
+    bool isOdd = false;                   // its letters look like those of another script
     std::vector<std::string> alike = {};  // others, in which the text is the same
 };
 

@@ -20,6 +20,8 @@ const char* const kPairs[][2] = {{"windows-1252", "ISO-8859-1"},
                                  {"windows-1253", "ISO-8859-7"},
                                  {"windows-1255", "ISO-8859-8"},
                                  {"windows-1254", "ISO-8859-9"},
+                                 {"ISO-8859-8", "ISO-8859-8-I"},
+                                 {"windows-1255", "ISO-8859-8-I"},
                                  {"EUC-KR", "windows-949"},
                                  {"KOI8-R", "KOI8-U"}};
 

@@ -12,6 +12,13 @@
 
 namespace conv {
 
+namespace {
+
+constexpr char32_t kLatinEnd = 0x250;  // of the blocks with the letters of encodings of one byte
+constexpr int kLongRun = 3;
+
+}  // namespace
+
 void Passes::begin() {
     m_isDone = false;
     if (!m_isWhole && m_isBegun && m_error == 0 && !m_input.rewind()) m_error = m_input.error();
@@ -88,6 +95,7 @@ void TextLook::add(std::u16string_view text) {
     for (const char16_t unit : text) {
         if (unit >= 0x20 && unit < 0x7F && m_cLead == 0) {
             ++m_iCount;
+            m_iRun = 0;
             continue;
         }
         if (m_cLead != 0 && U16_IS_TRAIL(unit)) {
@@ -103,6 +111,7 @@ void TextLook::add(std::u16string_view text) {
 void TextLook::addCharacter(char32_t c) {
     ++m_iCount;
     if (c < 0x20) {
+        m_iRun = 0;
         const bool isUsual = (c >= 0x08 && c <= 0x0D) || c == 0x1A;
         m_iControls += isUsual ? 0 : 1;
         m_hasShifts = m_hasShifts || c == 0x1B || c == 0x0E || c == 0x0F;
@@ -112,6 +121,10 @@ void TextLook::addCharacter(char32_t c) {
     if (m_types == Types::kNot) return;
     const int type = u_charType(static_cast<UChar32>(c));
     const bool isC1 = c >= 0x80 && c < 0xA0;
+    const bool isLatin = c < kLatinEnd && (U_MASK(type) & U_GC_L_MASK) != 0;
+    m_iRun = isLatin ? m_iRun + 1 : 0;
+    m_iRuns += m_iRun == 1 ? 1 : 0;
+    m_iLongRuns += m_iRun == kLongRun ? 1 : 0;
     if (isC1 || type == U_UNASSIGNED || type == U_PRIVATE_USE_CHAR || type == U_SURROGATE)
         m_isAssigned = false;
 }

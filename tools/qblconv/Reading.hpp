@@ -77,6 +77,9 @@ public:
     bool isMostlyControls() const { return m_iControls > 0 && 2 * m_iControls >= m_iCount; }
     /// Whether one of them is ESC, SO or SI, which the encodings of ISO 2022 consist of.
     bool hasShifts() const { return m_hasShifts; }
+    /// Whether more than a quarter of the places with Latin letters beyond ASCII have three or more
+    /// of them in a row, as the letters of other scripts look in a Latin encoding.
+    bool isOddLatin() const { return 4 * m_iLongRuns > m_iRuns; }
 
 private:
     void addCharacter(char32_t c);
@@ -87,7 +90,10 @@ private:
     bool m_hasShifts = false;
     std::int64_t m_iControls = 0;
     std::int64_t m_iCount = 0;
-    char16_t m_cLead = 0;  // of a pair that the last part has cut
+    std::int64_t m_iRuns = 0;      // of Latin letters beyond ASCII
+    std::int64_t m_iLongRuns = 0;  // of them
+    int m_iRun = 0;                // letters in the one that is read
+    char16_t m_cLead = 0;          // of a pair that the last part has cut
 };
 
 }  // namespace conv
