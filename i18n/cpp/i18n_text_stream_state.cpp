@@ -249,6 +249,7 @@ void I18NTextStreamState::tellInputs(std::int64_t end, bool isRefused) {
 
 void I18NTextStreamState::tellInput(const I18NInputFinding& finding, bool isRefused) {
     countTo(finding.at);
+    if (finding.at == 0) m_bStrips = false;  // what comes later is not at the start
     I18NUnconvertible what = {};
     what.isCutOff = finding.cutOff;
     what.bytes = finding.bytes;

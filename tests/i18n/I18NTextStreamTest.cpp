@@ -227,6 +227,11 @@ TEST(I18NTextStreamTest, TellsAtOnceOfBytesThatBecomeNoText) {
         stream.put("\xFF\xFF", 2);
         EXPECT_EQ(2 * i, stream.getReplacedInput());
     }
+    // A mark after them is text.
+    I18NConverter utf16("UTF-16BE");
+    utf16.setUserDefinedUnconvertibleInputSequenceCallback(dropSequence);
+    const std::string late = "\xDF\xEE\xFE\xFF";
+    EXPECT_EQ("\xEF\xBB\xBF", runAnyhow(&utf16, &to, late, I18N_MARK_STRIP).output);
     // Between surrogates, which may be halves of a pair, they come in the order of the text.
     I18NConverter scsu("SCSU");
     scsu.setUserDefinedUnconvertibleInputSequenceCallback(dropSequence);
