@@ -94,9 +94,9 @@ private:
         std::int64_t count = 0;
         for (const std::int64_t each : tally.outcomes) count += each;
         count -= tally.of(Outcome::kSkipped);
-        const bool isWanted =
-            !m_options.quiet && m_options.mode != Mode::kJoin && !m_options.json && count > 1;
-        if (!isWanted || isInterrupted()) return;
+        const bool isOfMany = m_options.mode == Mode::kDirectory ||
+                              m_options.mode == Mode::kInPlace || m_options.mode == Mode::kCheck;
+        if (!isOfMany || count < 2 || m_options.quiet || m_options.json || isInterrupted()) return;
         const auto number = [](std::int64_t value) { return std::to_string(value); };
         tools::MessageText texts(m_catalogue, m_options.locales);
         FileReport report(m_report, m_iTaken++, texts);
