@@ -1,3 +1,35 @@
+// A bounded wait first looks for a post while it stays awake, and then sleeps.
+//
+// Why: a sleeper costs the poster a system call, and itself two switches of the processor. Where
+// posts come within microseconds, as in a hand-over between two threads, staying awake is many
+// times faster; where they do not, it burns a processor. So each semaphore learns whether it pays
+// off.
+//
+// The count has two parts: that of the POSIX semaphore, and the promises in `looking`. The word has
+// the number of lookers, waiters that are awake, in its upper half and that of the promises in its
+// lower half. Its invariant: promises <= lookers.
+//   post    adds a promise while there are fewer of them than lookers; otherwise sem_post.
+//   look    takes a promise and leaves, in one step; or takes from the POSIX count and leaves.
+//   leave   takes a promise if there is one: the last lookers must not leave promises behind, since
+//           nobody who sleeps would ever see them.
+// A looker that has taken from the POSIX count and finds a promise puts back what it took, before
+// it takes the promise: the count may seem too high for a moment, but never too low, which would
+// make a try fail although there is a post. Others, such as a try, may take a promise as well,
+// without being lookers.
+//
+// Memory order: a promise is made with release and taken with acquire, as sem_post and sem_wait
+// are; they carry what the poster wrote to the taker. Numbers of lookers carry nothing, and are
+// relaxed.
+//
+// The scores say how often looking has paid off lately, by pausing (the poster runs on another
+// processor) and by yielding (it waits for this one). A score above 0 allows an attempt and is its
+// length; each success adds 1, each failure takes 2; at 0 it drops below zero, from where short
+// sleeps, which an attempt would have saved, count it up again. Scores are hints that several
+// threads change without care: a lost update costs time, never a post.
+//
+// A mistake here loses a post, and then a waiter sleeps for ever: the tests in which threads hand
+// numbers over through bounded waits stop, and the thread sanitizer reports a hand-over without an
+// order. The benchmarks of hand-overs show what a change of the constants costs.
 #include <sched.h>
 
 #include <cstdint>

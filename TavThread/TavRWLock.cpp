@@ -1,3 +1,26 @@
+// The lock is one word, as long as nobody waits; the mutex and the conditions are for waiters.
+//
+// The word counts the readers in its lower 30 bits, or has the writer's mark. While its waiters'
+// mark is clear, anybody changes it by compare-and-swap: a reader adds 1 unless the writer's mark
+// is set, a writer takes it from 0 to its mark, an unlock undoes either. While the waiters' mark is
+// set, the fast operations fail, and only the holder of the mutex changes the word (Section).
+//
+// Section sets the mark when it begins. From then on it owns the word, so that its looks and waits
+// cannot miss an unlock: the unlock has either changed the word before, or takes the slow path and
+// has to wait for the mutex. Section clears the mark when it ends and nobody waits; as long as
+// somebody does, all operations take the slow path, and so notice the waiters.
+//
+// Waiting writers go first: a new reader waits while one waits. An unlock that leaves the lock free
+// wakes one writer, or all readers if no writer waits. A writer that gives up, by its time or by
+// cancellation, does the same (passOn), since it may be the one that was woken, or the only one
+// that readers waited for.
+//
+// Memory order: whoever takes the lock acquires, and whoever gives it up releases, on the word or
+// by the mutex. Setting the waiters' mark acquires too: what a fast unlock has released counts for
+// the holder of the mutex, who may hand the lock on.
+//
+// A mistake here deadlocks, or lets a reader in beside a writer: the tests of the lock mix both
+// kinds with time-outs and cancellations, also under the thread sanitizer.
 #include "TavThread/TavRWLock.h"
 
 #include <new>
