@@ -189,6 +189,15 @@ TEST(QblconvDetectTest, MarksAndUTF8Decide) {
     tree.file("bell", "ring\a\n");
     tree.file("zeros", bytes("a\0", 2));
     tree.file("names", bytes("./a\0./b.txt\0", 12));
+    // A text with one broken byte is not taken for one in another encoding.
+    std::string broken;
+    for (int i = 0; i < 20; ++i) broken += kGerman;
+    tree.file("broken", broken + "\xFF\n");
+    expectRun(tree, "-f auto -i broken; $Q -gq broken", 0,
+              "broken: nearly UTF-8; qblconv -n -f UTF-8 shows what is wrong\n"
+              "broken: nearly UTF-8; qblconv -n -f UTF-8 shows what is wrong\n"
+              "broken: windows-1252, windows-1254 (confidence 88 %)\n"
+              "broken: windows-1250 (confidence 46 %)\n");
     tree.file("random", "\x81\x8D\x8F\x90\xFF\xFE");
     expectRun(tree, "-nv -f auto u w d m e both color bell zeros names random", 1,
               "u: all of it is UTF-8\nw: all of it is UTF-16LE\nd: all of it is UTF-16BE\n"

@@ -18,6 +18,8 @@ const char kUTF8[] = "UTF-8";
 
 // A choice is clear if ICU is so confident of it, and so much more than of any other that fits.
 constexpr int kLeast = 40, kLead = 20;
+// A text that is not valid in an encoding is taken for a broken one from this confidence on.
+constexpr int kNearly = 25;
 
 constexpr std::size_t kLongestMark = 4;
 
@@ -114,7 +116,7 @@ const I18NConverter* Detector::choose(Input& input, const std::string& name, boo
     std::vector<Fit> found;
     const auto find = [&](Passes& passes) { found = fits(passes, true); };
     if (!forPasses(input, name, m_block, report, find)) return nullptr;
-    if (found.empty()) {
+    if (found.empty() || !m_nearly.empty()) {
         sayNone(name, report);
         return nullptr;
     }
@@ -126,6 +128,7 @@ const I18NConverter* Detector::choose(Input& input, const std::string& name, boo
 }
 
 void Detector::sayNone(const std::string& name, FileReport& report) const {
+    if (!m_nearly.empty()) return report.error(CONV_NEARLY, {name, m_nearly});
     if (m_names.empty()) return report.error(CONV_NO_FIT, {name});
     std::string list;
     for (const std::string& each : m_names) list.append(list.empty() ? "" : ", ").append(each);
@@ -133,6 +136,7 @@ void Detector::sayNone(const std::string& name, FileReport& report) const {
 }
 
 std::vector<Fit> Detector::fits(Passes& passes, bool isFirstEnough) {
+    m_nearly.clear();
     if (!m_names.empty()) return fitsOfList(passes, isFirstEnough);
     const std::string marked = encodingOfMark(passes);
     if (!marked.empty()) return {{marked}};
@@ -177,7 +181,17 @@ std::vector<Fit> Detector::fitsOf(Passes& passes, const std::vector<Proposal>& p
     std::vector<Fit>& found = plain.empty() ? shifted : plain;
     // Most encodings give the same text where that is all ASCII.
     if (found.size() == 1 && found[0].name == kUTF8) found[0].alike.clear();
+    if (utf8 == nullptr) findNearly(proposals, found);
     return std::move(found);
+}
+
+/// A text with a few broken bytes may well fit an encoding that it was never in.
+void Detector::findNearly(const std::vector<Proposal>& proposals, const std::vector<Fit>& found) {
+    const int best = found.empty() ? kNearly - 1 : found[0].confidence;
+    for (const Proposal& each : proposals) {
+        const bool isProbable = each.confidence >= kNearly && each.confidence > best;
+        if (each.name == kUTF8 || (m_nearly.empty() && isProbable)) m_nearly = each.name;
+    }
 }
 
 /// Adds a fit, or its name to one with the same text.

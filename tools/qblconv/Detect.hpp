@@ -54,6 +54,9 @@ public:
     std::vector<Fit> fits(Passes& passes) { return fits(passes, false); }
     /// A converter that stops, for an encoding that there is.
     const I18NConverter& strict(const std::string& name);
+    /// What the last text would have been more probably in than in all that it fits, if it were
+    /// not malformed there; else empty.
+    const std::string& nearly() const { return m_nearly; }
     /// Says why a text has no encoding.
     void sayNone(const std::string& name, FileReport& report) const;
 
@@ -67,10 +70,12 @@ private:
     /// Whether all bytes are valid, and their text looks like one.
     bool isText(Passes& passes, const std::string& encoding, TextLook& look);
     std::string encodingOfMark(Passes& passes);
+    void findNearly(const std::vector<Proposal>& proposals, const std::vector<Fit>& found);
 
     const std::vector<std::string> m_names;  // that are considered; empty for those that ICU knows
     std::vector<char>& m_block;
     std::map<std::string, std::unique_ptr<I18NConverter>> m_converters;
+    std::string m_nearly;
 };
 
 }  // namespace conv

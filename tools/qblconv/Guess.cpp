@@ -44,6 +44,7 @@ void guess(Detector& detector, Input& input, const std::string& name, std::vecto
     if (!isRead) return;
     if (fits.empty()) return detector.sayNone(name, report);
     report.setOutcome(Outcome::kValid);
+    if (!detector.nearly().empty()) report.result(CONV_NEARLY, {name, detector.nearly()});
     for (const Fit& fit : fits) tell(fit, name, report);
     for (std::size_t i = 0; i < differences.size(); ++i) tell(fits, differences, i, name, report);
 }

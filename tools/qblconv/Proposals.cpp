@@ -7,10 +7,13 @@
 #include <memory>
 #include <stdexcept>
 
+#include "tools/common/Utf8.hpp"
+
 namespace conv {
 
 namespace {
 
+const char kUTF8[] = "UTF-8";
 constexpr std::size_t kSample = 8192;  // ICU's detector looks at no more
 constexpr int kNoEvidence = 10;        // ICU's confidence of UTF-16 for a text with no sign of it
 
@@ -74,6 +77,20 @@ std::string sampleOf(Passes& passes) {
     return sample.finish();
 }
 
+/// Whether two wrong bytes come with at least one character beyond ASCII that is right in UTF-8. In
+/// texts in other encodings few bytes form such a character by chance.
+bool isMostlyUTF8(const std::string& sample) {
+    int right = 0, wrong = 0;
+    for (std::size_t at = 0; at < sample.size();) {
+        const int c = tools::nextCodePoint(sample, at, sample.size());
+        right += c >= 0x80 ? 1 : 0;
+        if (c >= 0) continue;
+        ++wrong;
+        ++at;
+    }
+    return right > 0 && 2 * right >= wrong;
+}
+
 bool isWide(std::string_view name) {
     return name.substr(0, 6) == "UTF-16" || name.substr(0, 6) == "UTF-32";
 }
@@ -100,6 +117,7 @@ std::vector<Proposal> proposeEncodings(Passes& passes) {
     for (std::int32_t i = 0; i < count; ++i) {
         const char* const name = ucsdet_getName(matches[i], &error);
         const std::int32_t confidence = ucsdet_getConfidence(matches[i], &error);
+        if (std::string_view(name) == kUTF8) continue;
         if (isWide(name) && confidence <= kNoEvidence) continue;
         // The detector knows encodings that no converter comes with.
         if (ucnv_countAliases(name, &error) == 0) continue;
@@ -109,6 +127,7 @@ std::vector<Proposal> proposeEncodings(Passes& passes) {
             if (std::string_view(name) == other) add(proposals, usual, confidence);
         }
     }
+    if (isMostlyUTF8(sample)) add(proposals, kUTF8, 0);
     return proposals;
 }
 

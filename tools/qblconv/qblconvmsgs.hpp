@@ -121,6 +121,8 @@ enum qblconvmsgs {
     CONV_FIT_PERCENT = 85,
     /// {1} line, {2} encoding, {3} text
     CONV_READS = 86,
+    /// {1} encoding
+    CONV_NEARLY = 87,
     CONV_OPT_FROM = 101,
     CONV_OPT_TO = 102,
     CONV_OPT_POLICY = 103,
