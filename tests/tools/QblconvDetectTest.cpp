@@ -268,6 +268,8 @@ TEST(QblconvDetectTest, GuessesShowWhatTellsThemApart) {
     // Of a list all that fit come in its order; long lines are shortened around the difference.
     const std::string a(100, 'a'), shown = "...aaaaaaaaaaaaaaaaaaaa";
     tree.file("long", "\r\n\r" + a + "\xA4\x1B" + a + "\nb");
+    expectRun(tree, "-g -f auto:UTF-16,UTF-16LE,UTF-8 w; $Q -g -f auto:ISO-8859-1,windows-1252 l",
+              0, "w: UTF-16LE\nl: ISO-8859-1, windows-1252\n");
     expectRun(tree, "-g -f auto:UTF-8,latin1,latin9,cp1252 long", 0,
               "long: latin1, cp1252\nlong: latin9\nlong:3: in latin1: " + shown +
                   "\xC2\xA4\\x1Baaaaaaaaaaaaaaaaaaaaaaaaaaaa...\nlong:3: in latin9: " + shown +

@@ -197,11 +197,14 @@ void Detector::findNearly(const std::vector<Proposal>& proposals, const std::vec
 /// Adds a fit, or its name to one with the same text.
 void Detector::add(Passes& passes, const Fit& fit, std::vector<Fit>& fits) {
     for (Fit& each : fits) {
+        if (each.name == fit.name) return;
         const bool differs = findDifference(passes, strict(each.name), strict(fit.name)).isFound();
         if (passes.error() != 0) return;
         if (differs) continue;
         each.alike.push_back(fit.name);
-        if (isMoreUsual(fit.name, each.name)) std::swap(each.name, each.alike.back());
+        // The names of a list stay in its order.
+        if (m_names.empty() && isMoreUsual(fit.name, each.name))
+            std::swap(each.name, each.alike.back());
         return;
     }
     fits.push_back(fit);
