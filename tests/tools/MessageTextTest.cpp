@@ -38,9 +38,9 @@ TEST(LocaleTextTest, TheEncodingIsTheLocales) {
         {"en_US.ascii", "", "", "US-ASCII", "US-ASCII"},
         // Neither names that nothing knows, nor encodings that no terminal has.
         {"xx_XX", "ja_JP.EUC-JP", "", "UTF-8", "UTF-8"},
-        {"xx_XX.nonsense", "", "", "UTF-8", "UTF-8"},
-        {"xx_XX.UTF-16", "", "", "UTF-8", "UTF-8"},
-        {"xx_XX.ibm-37", "", "", "UTF-8", "UTF-8"},
+        {"xx_XX.nonsense", "", "", "UTF-8", "nonsense"},
+        {"xx_XX.UTF-16", "", "", "UTF-8", "UTF-16"},
+        {"xx_XX.ibm-37", "", "", "UTF-8", "ibm-37"},
     };
     const char* const names[] = {"LC_ALL", "LC_CTYPE", "LANG"};
     for (const auto& row : table) {

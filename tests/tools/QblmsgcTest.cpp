@@ -231,7 +231,7 @@ TEST(QblmsgcTest, HostileNamesAndTextsAreShownEscaped) {
     const std::string seen = "x\\x0Aint y;\\xE2\\x80\\xAE\\.msg:";
     expectRun(tree, "-c " + quoted, 1,
               seen + "1:6: warning: an empty text counts as none\n" + seen +
-                  "2:3: class is a keyword of C or C++ and cannot be a name\n");
+                  "2:3: class is reserved in C or C++ and cannot be a name\n");
     tree.file(name, "1 A \"a\"");
     expectRun(tree, "-H a.hpp -o a.bmf " + quoted, 0, "");
     EXPECT_EQ(0U, tree.text("a.hpp").find("// Made by qblmsgc from x\\x0Aint y;"));

@@ -84,9 +84,8 @@ private:
             if (isLast) return fail(Mistake::kBadArgument, lastShown());
             return m_take({*m_last, lastShown(), argument});
         }
-        const auto found =
-            std::find_if(m_options.begin(), m_options.end(),
-                         [&](const Option& each) { return each.letter == letter; });
+        const auto found = std::find_if(m_options.begin(), m_options.end(),
+                                        [&](const Option& each) { return each.letter == letter; });
         // The library's parser finds the colons among its letters, too.
         if (found == m_options.end()) return fail(Mistake::kNoOption, shown);
         m_last = &*found;

@@ -68,7 +68,8 @@ std::string installedEncoding(const char* locale) {
 }
 
 /// @param plain  for no locale, C and POSIX
-std::string encodingOf(const char* plain) {
+/// @param isShown  whether only encodings count that a terminal can have
+std::string encodingOf(const char* plain, bool isShown) {
     std::string locale;
     for (const char* const name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
         const char* const value = std::getenv(name);
@@ -82,16 +83,16 @@ std::string encodingOf(const char* plain) {
     if (dot != std::string::npos) named = locale.substr(dot + 1, locale.find('@', dot) - dot - 1);
     // To the library, "ASCII" is UTF-8.
     if (named == "ASCII" || named == "ascii") named = "US-ASCII";
-    if (isUsable(named)) return named;
+    if (isUsable(named) || (!isShown && !named.empty())) return named;
     const std::string installed = installedEncoding(locale.c_str());
     return isUsable(installed) ? installed : kUtf8;
 }
 
 }  // namespace
 
-std::string localeEncoding() { return encodingOf(kUtf8); }
+std::string localeEncoding() { return encodingOf(kUtf8, true); }
 
-std::string localeEncodingName() { return encodingOf("US-ASCII"); }
+std::string localeEncodingName() { return encodingOf("US-ASCII", false); }
 
 std::string localText(const std::string& utf8) {
     static const std::string encoding = localeEncoding();

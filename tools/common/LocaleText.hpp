@@ -11,7 +11,7 @@ namespace tools {
 /// other bytes, do not count.
 /// @return UTF-8 if nothing else is known, for C and for POSIX
 std::string localeEncoding();
-/// The same as programs that convert the text itself take it: US-ASCII where no locale is set, for
+/// The encoding that the locale names for texts, known or not; US-ASCII where no locale is set, for
 /// C and for POSIX.
 std::string localeEncodingName();
 

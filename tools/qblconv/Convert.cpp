@@ -28,6 +28,7 @@ public:
           m_to(way.to != nullptr ? way.to->getEncoding() : ""),
           m_stream(from, way.to, way.mark, &findings) {
         findings.attach(m_stream);
+        if (way.to == nullptr) return;
         if (way.lineEnd != Options::LineEnd::kKeep)
             m_lineEnds.emplace(*way.to, way.lineEnd == Options::LineEnd::kCrLf);
         if (way.verifies) m_verification.emplace(*way.to, (way.mark & I18N_MARK_STRIP) != 0);

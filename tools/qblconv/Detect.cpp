@@ -178,11 +178,11 @@ std::vector<Fit> Detector::fitsOf(Passes& passes, const std::vector<Proposal>& p
                 look.hasShifts() ? shifted : plain);
     }
     // Shifts that one encoding makes text of are not text in another.
-    std::vector<Fit>& found = plain.empty() ? shifted : plain;
+    std::vector<Fit> found = std::move(plain.empty() ? shifted : plain);
     // Most encodings give the same text where that is all ASCII.
     if (found.size() == 1 && found[0].name == kUTF8) found[0].alike.clear();
     if (utf8 == nullptr) findNearly(proposals, found);
-    return std::move(found);
+    return found;
 }
 
 /// A text with a few broken bytes may well fit an encoding that it was never in.

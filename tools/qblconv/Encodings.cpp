@@ -20,7 +20,21 @@ std::string lower(std::string text) {
     return text;
 }
 
+/// Whether all that follows commas in a name is an option of ICU's converters, which take any other
+/// text for one without a meaning.
+bool hasKnownOptions(const std::string& name) {
+    for (std::size_t comma = name.find(','); comma != std::string::npos;
+         comma = name.find(',', comma + 1)) {
+        const std::string option = name.substr(comma + 1, name.find(',', comma + 1) - comma - 1);
+        const bool isKnown = option.compare(0, 8, "version=") == 0 ||
+                             option.compare(0, 7, "locale=") == 0 || option == "swaplfnl";
+        if (!isKnown) return false;
+    }
+    return true;
+}
+
 Problem unknown(const std::string& name) {
+    if (!hasKnownOptions(name)) return {CONV_NO_ENCODING_BUT, {name, "-f auto:" + name}};
     tools::Closest closest(name);
     const int count = I18NCountEncodings();
     for (int i = 0; i < count; ++i)
@@ -47,7 +61,7 @@ void leaveOutOutput(wchar_t, const char*, char*, int*, I18NErrorCodes*) {}
 std::unique_ptr<I18NConverter> openEncoding(const std::string& name, Problem& problem) {
     // The library takes these for UTF-8.
     const bool isASCII = lower(name) == "ascii";
-    if (!name.empty()) {
+    if (!name.empty() && hasKnownOptions(name)) {
         try {
             return std::make_unique<I18NConverter>(isASCII ? "US-ASCII" : name.c_str());
         } catch (const I18NRuntimeError&) {  // there is no such encoding

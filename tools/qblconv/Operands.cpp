@@ -66,8 +66,9 @@ bool Operands::checkOutputs(Problem& problem) const {
                        {*added.first->second, operand, below(m_options.directory, name)}};
             return false;
         }
-        if (const std::string* const other = inputAt(below(m_options.directory, name), operand)) {
-            problem = {CONV_OUTPUT_IS_INPUT, {below(m_options.directory, name), *other}};
+        if (const std::string* const input = inputAt(below(m_options.directory, name), operand)) {
+            const qblconvmsgs id = input == &operand ? CONV_OUTPUT_IS_ITSELF : CONV_OUTPUT_IS_INPUT;
+            problem = {id, {below(m_options.directory, name), *input}};
             return false;
         }
         // Its files stand beside the outputs of the others.
@@ -81,14 +82,15 @@ bool Operands::checkOutputs(Problem& problem) const {
     return true;
 }
 
-/// The operand, other than its own, that an output is, or is a directory above; null if none is.
+/// The operand that an output is, or is a directory above of one other than its own; null if none
+/// is.
 const std::string* Operands::inputAt(const std::string& output, const std::string& own) const {
     FileStatus at, status;
     if (!at.get(output.c_str())) return nullptr;
     for (const std::string& operand : m_options.operands) {
-        if (&operand == &own) continue;
         std::string up = operand;
         if (status.get(up.c_str()) && status.isSameFile(at)) return &operand;
+        if (&operand == &own) continue;
         if (!status.isDirectory())
             up = up.find('/') == std::string::npos ? "." : up.substr(0, up.rfind('/') + 1);
         for (FileStatus above; status.get(up.c_str()); up += "/..") {

@@ -108,6 +108,11 @@ private:
         return false;
     }
 
+    /// @param choices  that there are, with spaces between them
+    bool failWord(const Given& given, const std::string& argument, const std::string& choices) {
+        return fail(CONV_BAD_WORD, {given.shown, inQuotes(argument), choices});
+    }
+
     bool take(const Given& given) {
         const std::string argument = given.argument != nullptr ? given.argument : "";
         m_shown[given.option.letter] = given.shown;
@@ -196,7 +201,7 @@ private:
     bool takeShell(const Given& given, const std::string& argument) {
         for (const char* const known : {"bash", "zsh", "fish"})
             if (argument == known) return true;
-        return fail(CONV_BAD_ARGUMENT, {given.shown, inQuotes(argument)});
+        return failWord(given, argument, given.option.choices);
     }
 
     /// The suffix comes behind the option itself.
@@ -214,7 +219,7 @@ private:
         const auto [behind, problem] = std::from_chars(argument.data(), end, m_options.jobs);
         const bool isNumber = problem == std::errc() && behind == end && m_options.jobs > 0 &&
                               m_options.jobs <= kMostJobs;
-        return isNumber || fail(CONV_BAD_ARGUMENT, {given.shown, inQuotes(argument)});
+        return isNumber || failWord(given, argument, "1-" + std::to_string(kMostJobs));
     }
 
     /// A name, and what iconv has after two slashes: of an input's nothing counts, as there.
@@ -287,9 +292,12 @@ private:
             return true;
         }
         tools::Closest closest(argument);
-        for (const Word& word : words) closest.offer(word.name);
-        if (closest.found().empty())
-            return fail(CONV_BAD_ARGUMENT, {given.shown, inQuotes(argument)});
+        std::string choices;
+        for (const Word& word : words) {
+            closest.offer(word.name);
+            choices.append(choices.empty() ? "" : " ").append(word.name);
+        }
+        if (closest.found().empty()) return failWord(given, argument, choices);
         return fail(CONV_BAD_ARGUMENT_BUT, {given.shown, inQuotes(argument), closest.found()});
     }
 

@@ -1,8 +1,10 @@
 #include "tools/qblconv/Run.hpp"
 
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -117,10 +119,21 @@ private:
         return !options.quiet && !(isText && isatty(STDOUT_FILENO) != 0);
     }
 
+    /// A worker has a file and its new version open, and directories on the way to them.
+    static unsigned mostWorkers() {
+        constexpr rlim_t kStandard = 3, kEach = 8;
+        rlimit files = {};
+        if (getrlimit(RLIMIT_NOFILE, &files) != 0 || files.rlim_cur == RLIM_INFINITY)
+            return UINT_MAX;
+        const rlim_t most = files.rlim_cur > kStandard ? (files.rlim_cur - kStandard) / kEach : 0;
+        return static_cast<unsigned>(std::clamp<rlim_t>(most, 1, UINT_MAX));
+    }
+
     /// One less than the workers come from a pool; fewer if there cannot be so many threads.
     void workOnAll() {
         unsigned jobs = m_options.jobs;
         if (jobs == 0) jobs = std::max(1U, std::thread::hardware_concurrency());
+        jobs = std::min(jobs, mostWorkers());
         if (!m_options.recurse)
             jobs = static_cast<unsigned>(std::min<std::size_t>(jobs, m_options.operands.size()));
         std::unique_ptr<QBLThreadPoolQueued> pool;

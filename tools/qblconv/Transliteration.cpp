@@ -33,6 +33,26 @@ std::unique_ptr<icu::Transliterator> open(const char* name) {
     return made;
 }
 
+/// Signs of currencies, for which ICU has no text.
+const char16_t* currencyCode(char32_t sign) {
+    switch (sign) {
+        case 0xA3:
+            return u"GBP";
+        case 0xA5:
+            return u"JPY";
+        case 0x20A9:
+            return u"KRW";
+        case 0x20AC:
+            return u"EUR";
+        case 0x20B9:
+            return u"INR";
+        case 0x20BD:
+            return u"RUB";
+        default:
+            return nullptr;
+    }
+}
+
 bool isOfAlphabet(UChar32 c) {
     UErrorCode code = U_ZERO_ERROR;
     switch (uscript_getScript(c, &code)) {
@@ -80,6 +100,9 @@ const std::u16string* Transliteration::of(char32_t codePoint) {
 
 Transliteration::Result Transliteration::find(char32_t codePoint) {
     const auto c = static_cast<UChar32>(codePoint);
+    if (const char16_t* const code = currencyCode(codePoint)) {
+        if (hasAll(code)) return {true, code};
+    }
     if (ublock_getCode(c) == UBLOCK_COMBINING_DIACRITICAL_MARKS) return {true, {}};
     const bool isText = u_isdefined(c) && !U_IS_SURROGATE(c);
     if (!isText || u_hasBinaryProperty(c, UCHAR_DEFAULT_IGNORABLE_CODE_POINT)) return {false, {}};

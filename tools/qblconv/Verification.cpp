@@ -51,8 +51,8 @@ bool Verification::compare(const char* encoding, bool isEnd) {
     }
     const bool isBack = convertBack(isEnd);
     const std::size_t both = std::min(m_read.size(), m_back.size());
-    const auto place =
-        std::mismatch(m_read.begin(), m_read.begin() + static_cast<std::ptrdiff_t>(both), m_back.begin());
+    const auto place = std::mismatch(
+        m_read.begin(), m_read.begin() + static_cast<std::ptrdiff_t>(both), m_back.begin());
     const auto same = static_cast<std::size_t>(place.first - m_read.begin());
     const bool isOver = isEnd || !isBack;
     if (same < both || (isOver && (!isBack || m_read.size() != m_back.size()))) {
@@ -90,8 +90,8 @@ void Verification::differ(std::size_t at) {
         before = now;
     }
     m_mismatch = {before.first, before.second, m_iOffset + static_cast<std::int64_t>(begin),
-                    read.substr(begin, end - begin),
-                    back.substr(begin, std::max(end, at + 1) - begin)};
+                  read.substr(begin, end - begin),
+                  back.substr(begin, std::max(end, at + 1) - begin)};
 }
 
 }  // namespace conv

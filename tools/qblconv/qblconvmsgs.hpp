@@ -58,6 +58,8 @@ enum qblconvmsgs {
     CONV_TRANSLITERATED = 27,
     /// {3} offset, {4} bytes, {5} what comes back
     CONV_NOT_REVERSIBLE = 28,
+    /// {0} the option, {1} its argument, {2} what it can be
+    CONV_BAD_WORD = 29,
     /// {1} reason
     CONV_CANNOT_READ = 30,
     /// {1} reason
@@ -95,6 +97,8 @@ enum qblconvmsgs {
     CONV_KEPT = 51,
     /// {1} encoding
     CONV_VALID = 52,
+    /// {0} output, {1} operand
+    CONV_OUTPUT_IS_ITSELF = 53,
     /// While it runs; {0} files, {1} megabytes.
     CONV_PROGRESS = 60,
     CONV_REMOVED = 70,

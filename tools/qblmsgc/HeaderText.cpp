@@ -18,7 +18,7 @@ char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + '
 std::string identifierOf(std::string text) {
     for (char& c : text)
         if (!isAlphanumeric(c)) c = '_';
-    if (text.empty() || (text[0] >= '0' && text[0] <= '9') || isKeyword(text))
+    if (text.empty() || (text[0] >= '0' && text[0] <= '9') || isReserved(text))
         text.insert(0, "MSG_");
     return text;
 }

@@ -96,7 +96,7 @@ private:
         if (m_at < m_end && isNameStart(m_bytes[m_at])) {
             m_entry.nameOffset = m_at;
             while (m_at < m_end && isNamePart(m_bytes[m_at])) m_entry.name += m_bytes[m_at++];
-            if (isKeyword(m_entry.name)) error(m_entry.nameOffset, MSGC_KEYWORD, {m_entry.name});
+            if (isReserved(m_entry.name)) error(m_entry.nameOffset, MSGC_KEYWORD, {m_entry.name});
             skipBlanks();
         }
         if (isAt('=')) {
@@ -226,9 +226,14 @@ private:
 
 }  // namespace
 
-bool isKeyword(const std::string& name) {
+bool isReserved(const std::string& name) {
+    const bool isOfCompiler =
+        name.size() > 1 && name[0] == '_' && (name[1] == '_' || (name[1] >= 'A' && name[1] <= 'Z'));
+    if (isOfCompiler) return true;
     static const std::set<std::string> words = {
-        "NULL",        "alignas",      "alignof",      "and",
+        "EOF",         "NULL",         "assert",       "errno",
+        "i386",        "linux",        "stderr",       "stdin",
+        "stdout",      "unix",         "alignas",      "alignof",      "and",
         "and_eq",      "asm",          "auto",         "bitand",
         "bitor",       "bool",         "break",        "case",
         "catch",       "char",         "char16_t",     "char32_t",

@@ -7,9 +7,9 @@
 
 namespace msgc {
 
-/// Whether no enumerator or enum of a header can have that name: a keyword of C++20 or C17, or
-/// NULL.
-bool isKeyword(const std::string& name);
+/// Whether no enumerator or enum of a header can have that name: a keyword of C++20 or C17, a name
+/// that compilers keep to themselves, or a macro of the system or of a common standard header.
+bool isReserved(const std::string& name);
 
 /// Reads a source: UTF-8, by lines.
 ///
