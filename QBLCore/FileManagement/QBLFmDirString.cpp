@@ -3,7 +3,7 @@
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmPath.hpp"
-#include "i18n/cpp/internal/i18n_encodings.hpp"
+#include "i18n/cpp/converter/i18n_encodings.hpp"
 
 namespace {
 

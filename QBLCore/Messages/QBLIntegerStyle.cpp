@@ -12,7 +12,7 @@
 #include "QBLCore/Frame/internal/QBLImmortal.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
-#include "i18n/cpp/internal/i18n_icu.hpp"
+#include "i18n/cpp/locale/i18n_icu.hpp"
 
 namespace {
 

@@ -11,7 +11,7 @@
 #include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
 #include "QBLCore/Messages/internal/QBLPatternCheck.hpp"
 #include "i18n/cpp/i18n_locale.hpp"
-#include "i18n/cpp/internal/i18n_icu.hpp"
+#include "i18n/cpp/locale/i18n_icu.hpp"
 
 namespace {
 

@@ -18,7 +18,7 @@
 #include "QBLCore/Utility/QBLUtStrTok.hpp"
 #include "i18n/cpp/i18n_internal_resources.hpp"
 #include "i18n/cpp/i18n_locale.hpp"
-#include "i18n/cpp/internal/i18n_bin_dir.hpp"
+#include "i18n/cpp/resources/i18n_bin_dir.hpp"
 
 namespace {
 

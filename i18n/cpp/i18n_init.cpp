@@ -5,9 +5,9 @@
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "TavThread/internal/TavContain.hpp"
+#include "i18n/cpp/converter/i18n_holders.hpp"
 #include "i18n/cpp/i18n_internal_resources.hpp"
-#include "i18n/cpp/internal/i18n_holders.hpp"
-#include "i18n/cpp/internal/i18n_icu.hpp"
+#include "i18n/cpp/locale/i18n_icu.hpp"
 
 namespace {
 

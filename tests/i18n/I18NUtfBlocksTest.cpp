@@ -4,8 +4,8 @@
 #include <random>
 #include <string>
 
-#include "i18n/cpp/internal/i18n_utf.hpp"
-#include "i18n/cpp/internal/i18n_utf_blocks.hpp"
+#include "i18n/cpp/utf/i18n_utf.hpp"
+#include "i18n/cpp/utf/i18n_utf_blocks.hpp"
 
 namespace {
 

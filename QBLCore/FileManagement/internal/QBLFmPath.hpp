@@ -6,13 +6,13 @@
 
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "i18n/cpp/converter/i18n_encodings.hpp"
 #include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/i18n_error_codes.h"
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/i18n_platform_encoding.h"
 #include "i18n/cpp/i18n_string.hpp"
-#include "i18n/cpp/internal/i18n_encodings.hpp"
-#include "i18n/cpp/internal/i18n_text_view.hpp"
+#include "i18n/cpp/string/i18n_text_view.hpp"
 
 /// A path in an encoding. A substitution character would make it another file's.
 /// @param length  receives the bytes, the zero included

@@ -1,0 +1,12 @@
+#ifndef I18N_CPP_CONVERTER_I18N_CONVERTER_ACCESS_HPP
+#define I18N_CPP_CONVERTER_I18N_CONVERTER_ACCESS_HPP
+
+#include "i18n/cpp/i18n_converter.hpp"
+
+/// The ICU converter inside, for those who work on whole buffers.
+class I18NConverterAccess {
+public:
+    static UConverter* icu(const I18NConverter& converter) { return converter.m_pConverter; }
+};
+
+#endif

@@ -1,0 +1,35 @@
+#ifndef I18N_CPP_CONVERTER_I18N_REPLACEMENT_TABLES_HPP
+#define I18N_CPP_CONVERTER_I18N_REPLACEMENT_TABLES_HPP
+
+#include <map>
+#include <string>
+#include <string_view>
+
+/// What the resource file says of text that an encoding cannot express, by the canonical name of
+/// the encoding (ucnv_getAlias(name, 0)). Part of I18NSettings, and constant with them.
+class I18NReplacementTables {
+public:
+    /// @param bytes  a sequence that is not convertible
+    /// @param replacement  the code point that stands for it
+    void addInput(const std::string& encoding, const std::string& bytes, char32_t replacement);
+    /// @param codePoint  one that the encoding does not have
+    /// @param replacement  the bytes that stand for it; none drop it
+    void addOutput(const std::string& encoding, char32_t codePoint, const std::string& replacement);
+
+    /// @return null when the table has no entry.
+    const char32_t* findInput(std::string_view encoding, std::string_view bytes) const;
+    const std::string* findOutput(std::string_view encoding, char32_t codePoint) const;
+
+    bool operator==(const I18NReplacementTables& other) const {
+        return m_inputs == other.m_inputs && m_outputs == other.m_outputs;
+    }
+
+private:
+    template <class Key, class Value>
+    using Tables = std::map<std::string, std::map<Key, Value, std::less<>>, std::less<>>;
+
+    Tables<std::string, char32_t> m_inputs;
+    Tables<char32_t, std::string> m_outputs;
+};
+
+#endif

@@ -1,0 +1,71 @@
+#include "i18n/cpp/locale/i18n_icu.hpp"
+
+#include <unicode/locid.h>
+#include <unicode/putil.h>
+#include <unicode/ucnv.h>
+#include <unicode/udata.h>
+
+#include <string>
+
+#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
+#include "i18n/cpp/i18n_platform_encoding.h"
+#include "i18n/cpp/resources/i18n_bin_dir.hpp"
+#include "i18n/cpp/string/i18n_normal_form.hpp"
+
+/// Not in a header that ICU installs; null if it is no longer there.
+extern "C" __attribute__((weak)) const char* uprv_getDefaultLocaleID();
+
+namespace {
+
+bool prepare() {
+    QBL_ALLOC_TRY
+    determineBinDir();
+    const std::string directory = i18nBinDir();
+    // A directory that the process has set itself stays, unless the installation names one.
+    if (!directory.empty() || *u_getDataDirectory() == '\0') {
+        u_setDataDirectory(directory.empty() ? "." : directory.c_str());
+        UErrorCode status = U_ZERO_ERROR;
+        udata_setFileAccess(UDATA_PACKAGES_FIRST, &status);
+    }
+    return true;
+    QBL_ALLOC_CATCH
+}
+
+bool determineDefaultLocale() {
+    // ICU asks the system for a name while it holds a lock. Without memory for that it would ask
+    // itself for the default, and wait for its own lock. So the name is made before.
+    if (uprv_getDefaultLocaleID != nullptr && uprv_getDefaultLocaleID() == nullptr)
+        qblThrowNoMemory(QBL_HERE);
+    // The reference that it gives without memory for the rest is to nothing.
+    const icu::Locale* made = &icu::Locale::getDefault();
+    asm volatile("" : "+r"(made));
+    if (made == nullptr) qblThrowNoMemory(QBL_HERE);
+    return true;
+}
+
+}  // namespace
+
+void i18nPrepareICU() {
+    static const bool prepared = prepare();
+    static_cast<void>(prepared);
+}
+
+void i18nWarmUpICU() {
+    i18nPrepareICU();
+    i18nCanonicalEncoding(I18NGetPlatformDefaultEncoding());
+    for (const auto form : {I18N_NFC, I18N_NFD, I18N_NFKC, I18N_NFKD}) i18nNormalizer(form);
+    i18nDefaultLocale();
+}
+
+const icu::Locale& i18nDefaultLocale() {
+    static const bool known = determineDefaultLocale();
+    static_cast<void>(known);
+    return icu::Locale::getDefault();
+}
+
+const char* i18nCanonicalEncoding(const char* encoding) {
+    UErrorCode status = U_ZERO_ERROR;
+    const char* const name = ucnv_getAlias(encoding, 0, &status);
+    if (status == U_MEMORY_ALLOCATION_ERROR) qblThrowNoMemory(QBL_HERE);
+    return U_SUCCESS(status) ? name : nullptr;
+}

@@ -1,0 +1,70 @@
+#include "i18n/cpp/resources/i18n_text_file.hpp"
+
+#include <fcntl.h>
+
+#include <cerrno>
+#include <new>
+
+#include "QBLCore/FileManagement/internal/QBLFmLook.hpp"
+#include "QBLCore/FileManagement/internal/QBLFmNoCancel.hpp"
+
+namespace {
+
+constexpr std::size_t kLargestFile = std::size_t{16} << 20;
+
+}  // namespace
+
+I18NTextFile::I18NTextFile(const char* path) {
+    // Without waiting: whatever is no regular file may have no end, or nobody who writes to it.
+    const int fd = open64(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0) {
+        settle(errno);
+        return;
+    }
+    QBLFmStatus status;
+    const bool known = status.get(fd);
+    if (known && !status.isRegular()) errno = EINVAL;
+    if (known && status.isRegular()) m_pFile.reset(fdopen(fd, "r"));
+    if (m_pFile != nullptr) return;
+    const int error = errno;
+    qblCloseQuietly(fd);
+    settle(error);
+}
+
+void I18NTextFile::settle(int error) {
+    if (error == ENOMEM) throw std::bad_alloc();
+    m_bNotSeen = !qblIsAbsence(error);
+}
+
+void I18NTextFile::Close::operator()(std::FILE* file) const {
+    const QBLFmNoCancel noCancel;
+    std::fclose(file);
+}
+
+int I18NTextFile::nextByte() {
+    const int byte = getc_unlocked(m_pFile.get());
+    if (byte == EOF) {
+        m_bNotSeen = m_bNotSeen || ferror_unlocked(m_pFile.get()) != 0;
+        return EOF;
+    }
+    m_bCut = m_iRead == kLargestFile;
+    if (m_bCut) return EOF;
+    ++m_iRead;
+    return byte;
+}
+
+bool I18NTextFile::readLine(std::string& line) {
+    line.clear();
+    return isOpen() && i18nReadLine([this] { return nextByte(); }, line) && !m_bCut;
+}
+
+bool I18NTextFile::readBeginning(std::string& line, std::size_t most) {
+    line.clear();
+    if (!isOpen()) return false;
+    int byte = nextByte();
+    const bool any = byte != EOF;
+    for (; byte != EOF && byte != '\n' && line.size() < most; byte = nextByte())
+        line += static_cast<char>(byte);
+    i18nTrimLine(line);
+    return any;
+}

@@ -1,0 +1,84 @@
+#ifndef I18N_CPP_STREAM_I18N_TEXT_STREAM_STATE_HPP
+#define I18N_CPP_STREAM_I18N_TEXT_STREAM_STATE_HPP
+
+#include <memory>
+
+#include "i18n/cpp/i18n_text_stream.hpp"
+#include "i18n/cpp/stream/i18n_stream_sides.hpp"
+#include "i18n/cpp/stream/i18n_text_position.hpp"
+
+/// A text stream inside. Blocks become text piece by piece, in a buffer that a processor's cache
+/// holds, and each piece becomes output before the next one. What is not convertible is told when
+/// the text in front of it is output, and the text behind it is not; lines and columns are counted
+/// up to there.
+class I18NTextStreamState final : public I18NOutputFinder {
+public:
+    I18NTextStreamState(const I18NConverter* from, const I18NConverter* to, I18NByteOrderMark mark,
+                        I18NTextStreamListener* listener);
+
+    void put(const char* block, std::size_t size);
+    void put(const char16_t* units, std::size_t count);
+    void finish();
+    void replaceBy(const char16_t* units, std::size_t count);
+
+    bool hasOutput() const { return m_pOutput != nullptr; }
+    const I18NStreamBuffer& result() const { return m_result; }
+    std::int64_t replacedInput() const { return m_iReplacedInput; }
+    std::int64_t replacedOutput() const { return m_iReplacedOutput; }
+    std::int64_t bestFits() const { return m_iBestFits; }
+    const I18NTextPosition& position() const { return m_position; }
+    const char* inputEncoding() const;
+
+private:
+    enum class Ending { None, Text, Refusal };
+
+    void begin(bool fits);
+    void decode(const char* at, const char* end, bool flush);
+    void collectMark(const char*& at, const char* end);
+    void chooseByMark();
+    void stripMark(std::size_t& units);
+    void passOn(std::size_t units, Ending ending);
+    void convert(std::size_t units, Ending ending);
+    void encode(std::size_t end, bool flush);
+    std::size_t portion(std::size_t units, Ending ending) const;
+    bool areTooManyWaiting() const;
+    std::size_t nextFinding(std::size_t end) const;
+    void keepUndecided();
+    const I18NReplacement* found(const I18NOutputFinding& finding) override;
+    void tellInputs(std::int64_t end, bool isRefused);
+    void tellInput(const I18NInputFinding& finding, bool isRefused);
+    I18NUnconvertible described(const I18NOutputFinding& finding);
+    void tell(const I18NUnconvertible& what);
+    [[noreturn]] void refuse(const I18NUnconvertible& what) const;
+    void countTo(std::int64_t end);
+    char16_t* room() { return m_text + m_iKept + m_iHeld; }
+
+    static constexpr std::size_t kText = 0x4000;
+    static constexpr std::size_t kLongestMark = 4;
+
+    std::unique_ptr<I18NStreamInput> m_pInput;
+    std::unique_ptr<I18NStreamOutput> m_pOutput;
+    I18NStreamBuffer m_result;
+    I18NTextStreamListener* m_pListener;
+    bool m_bEnded = false;
+    bool m_bStrips;
+    bool m_bChooses;  // until it is done
+    std::size_t m_iMark = 0;
+    char m_mark[kLongestMark] = {};
+
+    I18NTextPosition m_position;
+    std::int64_t m_iCounted = 0;  // how far the position has got; replacements are left out
+    std::int64_t m_iStart = 0;    // of the text in the buffer
+    std::size_t m_iKept = 0;      // units in it that are through the converters
+    std::size_t m_iHeld = 0;      // units behind them, such as the first half of a pair
+    std::int64_t m_iReplacedInput = 0;
+    std::int64_t m_iReplacedOutput = 0;
+    std::int64_t m_iBestFits = 0;
+    std::size_t m_iTold = 0;  // findings of the input
+    I18NReplacement m_replacement = {};
+    bool m_bMayReplace = false;  // the listener is being told of what can be replaced
+    bool m_bReplaced = false;
+    char16_t m_text[kText];
+};
+
+#endif

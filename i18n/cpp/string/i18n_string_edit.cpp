@@ -1,0 +1,227 @@
+#include <climits>
+#include <cstring>
+#include <cwchar>
+
+#include "QBLCore/Exceptions/QBLAllocation.hpp"
+#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
+#include "i18n/cpp/i18n_pooledstring.hpp"
+#include "i18n/cpp/i18n_string.hpp"
+#include "i18n/cpp/string/i18n_inert.hpp"
+#include "i18n/cpp/string/i18n_text_view.hpp"
+
+namespace {
+
+constexpr std::int64_t kMostUnits = INT_MAX / 2 - 2;
+
+/// Moves the tail of a text so that a gap has the size of what is to come.
+template <class Unit>
+void openGap(Unit* text, int length, int offset, int count, int fill) {
+    std::char_traits<Unit>::move(text + offset + fill, text + offset + count,
+                                 static_cast<std::size_t>(length - offset - count));
+}
+
+void requireLength(std::int64_t length) {
+    if (length > kMostUnits) qblThrowNoMemory(QBL_HERE, "malloc failed to allocate memory.");
+}
+
+/// Text to put into a string, which then decides on its form.
+I18NString asItIs(const char* utf8) {
+    I18NString text;
+    text.useNormalization(false);
+    text = utf8;
+    return text;
+}
+
+}  // namespace
+
+I18NWideText::I18NWideText(const wchar_t* text) {
+    const std::size_t count = text != nullptr ? std::wcslen(text) : 0;
+    requireLength(static_cast<std::int64_t>(count) * 2);
+    char16_t* out = m_small;
+    if (count > kSmall / 2) {
+        QBL_ALLOC_TRY
+        m_pLarge.reset(out = new char16_t[count * 2]);
+        QBL_ALLOC_CATCH
+    }
+    for (std::size_t i = 0; i < count; ++i)
+        m_length += i18nPutCodePoint(out + m_length, static_cast<char32_t>(text[i]));
+}
+
+// Puts a text in the place of a part of this one.
+void I18NString::splice(I18NStringOffset offset, int count, const I18NTextView& text) {
+    if (text.owner() == this) {
+        const I18NString copy(*this);
+        return splice(offset, count, I18NTextView(copy));
+    }
+    const int length = nUnits();
+    if (offset < 0) offset = 0;
+    if (offset > length) offset = length;
+    if (count < 0 || count > length - offset) count = length - offset;
+    const std::int64_t newLength = std::int64_t{length} - count + text.length();
+    requireLength(newLength);
+    if (!isUsingAsciiBuffer() || isForceUnicodeString() || !text.isASCII()) {
+        leaveAscii();
+        return spliceUnits(offset, count, text);
+    }
+    reserveAscii(static_cast<int>(newLength));
+    openGap(m_pAsciiBuffer, length, offset, count, text.length());
+    text.copyTo(m_pAsciiBuffer + offset);
+    m_asciiBufLength = static_cast<int>(newLength);
+    m_pAsciiBuffer[newLength] = '\0';
+    changed();
+}
+
+// The frequent case, in as little as it takes. The text is not this string's own.
+bool I18NString::appendShort(const char* ascii, int length) {
+    if (m_pUnicodeString != nullptr || isForceUnicodeString()) return false;
+    const std::int64_t newLength = std::int64_t{m_asciiBufLength} + length;
+    requireLength(newLength);
+    reserveAscii(static_cast<int>(newLength));
+    if (length != 0)  // there may be no text at all
+        std::memcpy(m_pAsciiBuffer + m_asciiBufLength, ascii, static_cast<std::size_t>(length));
+    m_asciiBufLength = static_cast<int>(newLength);
+    m_pAsciiBuffer[newLength] = '\0';
+    changed();
+    return true;
+}
+
+I18NString& I18NString::append(const I18NString& other) {
+    if (this != &other && other.m_pUnicodeString == nullptr &&
+        appendShort(other.ascii(), other.m_asciiBufLength))
+        return *this;
+    splice(nUnits(), 0, I18NTextView(other));
+    return *this;
+}
+
+I18NString& I18NString::append(const char* utf8) {
+    const std::size_t length = utf8 != nullptr ? std::strlen(utf8) : 0;
+    requireLength(static_cast<std::int64_t>(length));
+    const bool own = utf8 >= ascii() && utf8 <= ascii() + m_asciiBufLength;
+    if (own || !i18nIsASCII(utf8, length))
+        splice(nUnits(), 0, I18NTextView(asItIs(utf8)));
+    else if (!appendShort(utf8, static_cast<int>(length)))
+        splice(nUnits(), 0, I18NTextView(utf8, static_cast<int>(length)));
+    return *this;
+}
+
+I18NString& I18NString::append(const wchar_t* text) {
+    splice(nUnits(), 0, I18NWideText(text).view());
+    return *this;
+}
+
+I18NString& I18NString::append(wchar_t c) {
+    splice(nUnits(), 0, I18NWideText(c).view());
+    return *this;
+}
+
+I18NString& I18NString::append(const I18NPooledString& text) { return append(text.getString()); }
+
+I18NString& I18NString::operator=(const I18NPooledString& text) { return *this = text.getString(); }
+
+I18NString& I18NString::insert(I18NStringOffset offset, const I18NString& other) {
+    splice(offset, 0, I18NTextView(other));
+    return *this;
+}
+
+I18NString& I18NString::insert(I18NStringOffset offset, const char* utf8) {
+    splice(offset, 0, I18NTextView(asItIs(utf8)));
+    return *this;
+}
+
+I18NString& I18NString::insert(I18NStringOffset offset, const wchar_t* text) {
+    splice(offset, 0, I18NWideText(text).view());
+    return *this;
+}
+
+I18NString& I18NString::insert(I18NStringOffset offset, wchar_t c) {
+    splice(offset, 0, I18NWideText(c).view());
+    return *this;
+}
+
+I18NString& I18NString::replace(I18NStringOffset offset, int count, const I18NString& other) {
+    splice(offset, count, I18NTextView(other));
+    return *this;
+}
+
+I18NString& I18NString::replace(I18NStringOffset offset, int count, const char* utf8) {
+    splice(offset, count, I18NTextView(asItIs(utf8)));
+    return *this;
+}
+
+I18NString& I18NString::replace(I18NStringOffset offset, int count, const wchar_t* text) {
+    splice(offset, count, I18NWideText(text).view());
+    return *this;
+}
+
+I18NString& I18NString::replace(I18NStringOffset offset, int count, wchar_t c) {
+    splice(offset, count, I18NWideText(c).view());
+    return *this;
+}
+
+I18NString& I18NString::erase(I18NStringOffset offset, int count) {
+    splice(offset, count, I18NTextView("", 0));
+    return *this;
+}
+
+I18NString& I18NString::remove() { return erase(0); }
+
+// What is added is made in the string itself, unless it combines.
+void I18NString::fill(int copies, const I18NTextView& unit) {
+    const int length = nUnits(), width = unit.length(), newLength = length + copies * width;
+    if (isUsingAsciiBuffer() && !isForceUnicodeString() && unit.isASCII()) {
+        reserveAscii(newLength);
+        std::memset(m_pAsciiBuffer + length, unit[0], static_cast<std::size_t>(copies));
+        m_asciiBufLength = newLength;
+        m_pAsciiBuffer[newLength] = '\0';
+        return changed();
+    }
+    leaveAscii(newLength);
+    const auto addTo = [&](I18NString& text) {
+        text.reserveUnits(text.m_unitLength + copies * width);
+        char16_t* out = text.m_pCodeUnits + text.m_unitLength;
+        for (int i = 0; i < copies; ++i, out += width) unit.copyTo(out);
+        text.m_unitLength += copies * width;
+        text.alias();
+        text.changed();
+    };
+    const bool pair = length > 0 && i18nIsHigh(m_pCodeUnits[length - 1]) && i18nIsLow(unit[0]);
+    const bool inert = !pair && i18nIsInert(unit.units(), static_cast<std::size_t>(width));
+    if (inert || hasFlag(kI18NNoNormalization)) {
+        addTo(*this);
+        if (length == 0) setFlag(kI18NNormalized, true);
+        return;
+    }
+    I18NString text(Bare(), m_allocator, m_allocatorContext);
+    text.leaveAscii(newLength - length);
+    addTo(text);
+    spliceUnits(length, 0, I18NTextView(text));
+}
+
+I18NString& I18NString::resize(int units, wchar_t fill) {
+    const int length = nUnits();
+    if (units <= length) return erase(units < 0 ? 0 : units);
+    const I18NWideText one(fill);
+    requireLength(units);
+    this->fill((units - length) / one.view().length(), one.view());
+    return *this;
+}
+
+I18NString& I18NString::trimLeading(wchar_t c) {
+    const I18NStringOffset kept = findFirstNotOf(c);
+    return kept < 0 ? remove() : kept > 0 ? erase(0, kept) : *this;
+}
+
+I18NString& I18NString::trimTrailing(wchar_t c) {
+    const I18NStringOffset kept = findLastNotOf(c);
+    return kept < 0 ? remove() : erase(incrementOffset(kept));
+}
+
+I18NString& I18NString::trim(wchar_t c) { return trimTrailing(c).trimLeading(c); }
+
+I18NString operator+(const I18NString& a, const I18NString& b) { return I18NString(a) += b; }
+
+I18NString operator+(const I18NString& a, const char* utf8) { return I18NString(a) += utf8; }
+
+I18NString operator+(const I18NString& a, const wchar_t* b) { return I18NString(a) += b; }
+
+I18NString operator+(const I18NString& a, wchar_t b) { return I18NString(a) += b; }

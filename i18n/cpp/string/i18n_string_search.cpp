@@ -1,0 +1,186 @@
+#include <algorithm>
+#include <climits>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+#include "i18n/cpp/i18n_string.hpp"
+#include "i18n/cpp/i18n_string_iterator.hpp"
+#include "i18n/cpp/string/i18n_text_view.hpp"
+
+namespace {
+
+I18NStringOffset findIn(const I18NTextView& text, const I18NTextView& wanted,
+                        I18NStringOffset start) {
+    start = std::max(start, 0);
+    if (start > text.length() || wanted.length() > text.length() - start) return -1;
+    if (text.ascii() != nullptr && wanted.ascii() != nullptr) {
+        const std::string_view whole(text.ascii(), static_cast<std::size_t>(text.length()));
+        const std::string_view what(wanted.ascii(), static_cast<std::size_t>(wanted.length()));
+        const std::size_t at = whole.find(what, static_cast<std::size_t>(start));
+        return at != std::string_view::npos ? static_cast<int>(at) : -1;
+    }
+    return text.visit([&](const auto* units, int length) {
+        return wanted.visit([&](const auto* what, int count) {
+            const auto* const end = units + length;
+            const auto* const at = std::search(units + start, end, what, what + count);
+            return at == end && count != 0 ? -1 : static_cast<int>(at - units);
+        });
+    });
+}
+
+I18NStringOffset rfindIn(const I18NTextView& text, const I18NTextView& wanted,
+                         I18NStringOffset start) {
+    const int last = text.length() - wanted.length();
+    if (last < 0) return -1;
+    int at = start < 0 || start > last ? last : start;
+    return text.visit([&](const auto* units, int) {
+        return wanted.visit([&](const auto* what, int count) {
+            while (at >= 0 && !std::equal(what, what + count, units + at)) --at;
+            return at;
+        });
+    });
+}
+
+bool contains(const I18NTextView& set, char32_t c) {
+    for (int i = 0; i < set.length(); i = set.next(i))
+        if (set.codePointAt(i) == c) return true;
+    return false;
+}
+
+I18NStringOffset firstIn(const I18NTextView& text, const I18NTextView& set, I18NStringOffset start,
+                         bool wanted) {
+    for (int i = std::max(start, 0); i < text.length(); i = text.next(i))
+        if (contains(set, text.codePointAt(i)) == wanted) return i;
+    return -1;
+}
+
+I18NStringOffset lastIn(const I18NTextView& text, const I18NTextView& set, I18NStringOffset start,
+                        bool wanted) {
+    int i = start < 0 || start >= text.length() ? text.length() : text.next(start);
+    while (i > 0) {
+        i = text.before(i);
+        if (contains(set, text.codePointAt(i)) == wanted) return i;
+    }
+    return -1;
+}
+
+I18NTextView viewOf(const I18NString& text) { return I18NTextView(text); }
+
+/// By code units: a text in bytes has none above 0x7F, so that the order is that of the numbers.
+template <class A, class B>
+int compareUnits(const A* a, int lengthA, const B* b, int lengthB) {
+    const int common = std::min(lengthA, lengthB);
+    for (int i = 0; i < common; ++i)
+        if (a[i] != b[i]) return a[i] < b[i] ? -1 : 1;
+    return lengthA - lengthB;
+}
+
+int compareUnits(const unsigned char* a, int lengthA, const unsigned char* b, int lengthB) {
+    const int order = std::memcmp(a, b, static_cast<std::size_t>(std::min(lengthA, lengthB)));
+    return order != 0 ? order : lengthA - lengthB;
+}
+
+}  // namespace
+
+I18NStringOffset I18NString::find(const I18NString& text, I18NStringOffset start) const {
+    return findIn(viewOf(*this), viewOf(text), start);
+}
+
+I18NStringOffset I18NString::find(const wchar_t* text, I18NStringOffset start) const {
+    return findIn(viewOf(*this), I18NWideText(text).view(), start);
+}
+
+I18NStringOffset I18NString::find(wchar_t c, I18NStringOffset start) const {
+    return findIn(viewOf(*this), I18NWideText(c).view(), start);
+}
+
+I18NStringOffset I18NString::rfind(const I18NString& text, I18NStringOffset start) const {
+    return rfindIn(viewOf(*this), viewOf(text), start);
+}
+
+I18NStringOffset I18NString::rfind(const wchar_t* text, I18NStringOffset start) const {
+    return rfindIn(viewOf(*this), I18NWideText(text).view(), start);
+}
+
+I18NStringOffset I18NString::rfind(wchar_t c, I18NStringOffset start) const {
+    return rfindIn(viewOf(*this), I18NWideText(c).view(), start);
+}
+
+// The twelve searches for one of a set, or for none of it, differ in the set's type, the direction
+// and the answer.
+#define SET_SEARCHES(name, search, wanted)                                                   \
+    I18NStringOffset I18NString::name(const I18NString& set, I18NStringOffset start) const { \
+        return search(viewOf(*this), viewOf(set), start, wanted);                            \
+    }                                                                                        \
+    I18NStringOffset I18NString::name(const wchar_t* set, I18NStringOffset start) const {    \
+        return search(viewOf(*this), I18NWideText(set).view(), start, wanted);               \
+    }                                                                                        \
+    I18NStringOffset I18NString::name(wchar_t c, I18NStringOffset start) const {             \
+        return search(viewOf(*this), I18NWideText(c).view(), start, wanted);                 \
+    }
+SET_SEARCHES(findFirstOf, firstIn, true)
+SET_SEARCHES(findFirstNotOf, firstIn, false)
+SET_SEARCHES(findLastOf, lastIn, true)
+SET_SEARCHES(findLastNotOf, lastIn, false)
+#undef SET_SEARCHES
+
+int I18NString::nCodePoints() const {
+    const I18NTextView text(*this);
+    if (text.ascii() != nullptr) return text.length();
+    int count = 0;
+    for (int i = 0; i < text.length(); i = text.next(i)) ++count;
+    return count;
+}
+
+int I18NString::size() const { return empty() ? 0 : nUnits() * 2 + 2; }
+
+I18NStringOffset I18NString::incrementOffset(I18NStringOffset offset) const {
+    return offset >= 0 && offset < nUnits() ? I18NTextView(*this).next(offset) : -1;
+}
+
+I18NStringOffset I18NString::decrementOffset(I18NStringOffset offset) const {
+    return offset > 0 && offset <= nUnits() ? I18NTextView(*this).before(offset) : -1;
+}
+
+wchar_t I18NString::codePointAt(I18NStringOffset offset) const {
+    if (offset < 0 || offset >= nUnits()) return 0;
+    return static_cast<wchar_t>(I18NTextView(*this).codePointAt(offset));
+}
+
+I18NStringIterator I18NString::begin() const { return I18NStringIterator(*this, 0); }
+
+I18NStringIterator I18NString::end() const { return I18NStringIterator(*this, nUnits()); }
+
+int I18NString::compare(const I18NString& other) const {
+    const I18NTextView text(other);
+    return I18NTextView(*this).visit([&text](const auto* a, int lengthA) {
+        return text.visit(
+            [=](const auto* b, int lengthB) { return compareUnits(a, lengthA, b, lengthB); });
+    });
+}
+
+int I18NString::compare(const char* utf8) const {
+    const std::size_t length = utf8 != nullptr ? std::strlen(utf8) : 0;
+    if (length <= INT_MAX && i18nIsASCII(utf8, length)) {
+        const I18NTextView text(utf8 != nullptr ? utf8 : "", static_cast<int>(length));
+        return I18NTextView(*this).visit([&text](const auto* a, int lengthA) {
+            return text.visit(
+                [=](const auto* b, int lengthB) { return compareUnits(a, lengthA, b, lengthB); });
+        });
+    }
+    I18NString other;
+    other.useNormalization(!hasFlag(kI18NNoNormalization));
+    other = utf8;
+    return compare(other);
+}
+
+// Equal texts have equal hashes, however they are kept: FNV-1a over the code units.
+std::size_t std::hash<I18NString>::operator()(const I18NString& text) const noexcept {
+    return I18NTextView(text).visit([](const auto* units, int length) {
+        std::size_t mixed = sizeof(std::size_t) == 4 ? 2166136261U : 14695981039346656037ULL;
+        const std::size_t prime = sizeof(std::size_t) == 4 ? 16777619U : 1099511628211ULL;
+        for (int i = 0; i < length; ++i) mixed = (mixed ^ units[i]) * prime;
+        return mixed;
+    });
+}

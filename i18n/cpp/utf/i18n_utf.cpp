@@ -1,0 +1,418 @@
+#include "i18n/cpp/utf/i18n_utf.hpp"
+
+#include <emmintrin.h>
+
+#include <cstring>
+
+#include "i18n/cpp/utf/i18n_utf_blocks.hpp"
+
+namespace {
+
+constexpr std::size_t kBlock = 16;
+
+__m128i load(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
+void store(void* p, __m128i v) { _mm_storeu_si128(static_cast<__m128i*>(p), v); }
+
+/// Nothing but ASCII in eight units.
+bool isASCII(__m128i units) {
+    const __m128i above = _mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xFF80)));
+    return _mm_movemask_epi8(_mm_cmpeq_epi16(above, _mm_setzero_si128())) == 0xFFFF;
+}
+
+std::uint32_t loadFour(const unsigned char* p) {
+    std::uint32_t four;
+    std::memcpy(&four, p, sizeof four);
+    return four;
+}
+
+// The forms of well-formed sequences, in bytes that were loaded with the first one lowest.
+bool isTwo(std::uint32_t four) { return (four & 0xC0E0) == 0x80C0 && (four & 0x1E) != 0; }
+bool isTwoByTwo(std::uint32_t four) {
+    return (four & 0xC0E0C0E0) == 0x80C080C0 && (four & 0x1E) != 0 && (four & 0x1E0000) != 0;
+}
+bool isThree(std::uint32_t four, std::uint32_t& c) {
+    c = ((four & 0xF) << 12) | ((four >> 2) & 0xFC0) | ((four >> 16) & 0x3F);
+    return (four & 0xC0C0F0) == 0x8080E0 && c >= 0x800 && (c & 0xF800) != 0xD800;
+}
+bool isFour(std::uint32_t four, std::uint32_t& c) {
+    c = ((four & 0x7) << 18) | ((four << 4) & 0x3F000) | ((four >> 10) & 0xFC0) |
+        ((four >> 24) & 0x3F);
+    return (four & 0xC0C0C0F8) == 0x808080F0 && c >= 0x10000 && c <= 0x10FFFF;
+}
+
+/// Widens the ASCII characters that a block of bytes begins with, up to a NUL.
+/// @return their number; the whole block is written
+int asciiRun(const unsigned char* p, char16_t* out) {
+    const __m128i block = load(p);
+    const __m128i nuls = _mm_cmpeq_epi8(block, _mm_setzero_si128());
+    store(out, _mm_unpacklo_epi8(block, _mm_setzero_si128()));
+    store(out + kBlock / 2, _mm_unpackhi_epi8(block, _mm_setzero_si128()));
+    return __builtin_ctz(static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(block, nuls))) |
+                         0x10000U);
+}
+
+/// The same back: narrows the ASCII characters that a block of units begins with.
+int asciiRun(const char16_t* units, char* out) {
+    const __m128i low = load(units), high = load(units + kBlock / 2);
+    // Above 0xFF a unit becomes 0xFF, and above 0x7FFF, where it is negative, 0: that is told apart
+    // by its own sign.
+    const __m128i packed = _mm_packus_epi16(low, high);
+    const __m128i signs = _mm_packs_epi16(low, high);
+    store(out, packed);
+    return __builtin_ctz(static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(packed, signs))) |
+                         0x10000U);
+}
+
+/// Adds the bytes that eight units need beyond one each.
+/// @return units counted: 7 if the last is the first half of a pair, 0 if there is a lone surrogate
+int countMore(__m128i block, std::size_t& bytes) {
+    const auto all = [](int unit) { return _mm_set1_epi16(static_cast<short>(unit)); };
+    // A comparison gives -1 in each unit that it holds for; they are counted by adding those up.
+    const __m128i biased = _mm_xor_si128(block, all(0x8000));
+    __m128i more = _mm_add_epi16(_mm_cmpgt_epi16(biased, all(0x7F - 0x8000)),
+                                 _mm_cmpgt_epi16(biased, all(0x7FF - 0x8000)));
+    const __m128i top = _mm_and_si128(block, all(0xFC00));
+    const __m128i highs = _mm_cmpeq_epi16(top, all(0xD800));
+    const __m128i lows = _mm_cmpeq_epi16(top, all(0xDC00));
+    const __m128i surrogates = _mm_or_si128(highs, lows);
+    int counted = kBlock / 2;
+    if (_mm_movemask_epi8(surrogates) != 0) {
+        const int pairs = _mm_movemask_epi8(_mm_packs_epi16(highs, lows));
+        const int high = pairs & 0xFF;
+        if ((high << 1 & 0xFF) != pairs >> 8) return 0;
+        more = _mm_sub_epi16(more, surrogates);  // two bytes for each half
+        if (high >> 7 != 0) {
+            more = _mm_srli_si128(_mm_slli_si128(more, 2), 2);
+            --counted;
+        }
+    }
+    const __m128i sums = _mm_sad_epu8(
+        _mm_sub_epi8(_mm_setzero_si128(), _mm_packs_epi16(more, more)), _mm_setzero_si128());
+    bytes += static_cast<std::size_t>(_mm_cvtsi128_si32(sums));
+    return counted;
+}
+
+bool isTrail(unsigned char byte) { return (byte & 0xC0) == 0x80; }
+
+int trailsAnnounced(unsigned char lead) {
+    return lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : lead < 0xF8 ? 3 : lead < 0xFC ? 4 : 5;
+}
+
+/// A sequence whose lead is from 0xC0 to 0xFD, by the book or an error value.
+/// @return behind what it took in
+const unsigned char* decodeSequence(const unsigned char* p, const unsigned char* end, char32_t& c) {
+    static const char32_t kErrors[] = {0x15, 0x9F, 0xFFFF, 0x10FFFF, 0xFFFF, 0xFFFF};
+    static const char32_t kLeast[] = {0, 0x80, 0x800, 0x10000};
+    const int announced = trailsAnnounced(*p);
+    c = *p++ & (announced < 4 ? 0x3FU >> announced : 0U);
+    int trails = 0;
+    for (; trails < announced && p != end && isTrail(*p); ++trails) c = (c << 6) | (*p++ & 0x3FU);
+    const bool wellFormed = trails == announced && announced < 4 && c >= kLeast[announced] &&
+                            c <= 0x10FFFF && (c & 0xFFFFF800) != 0xD800;
+    if (!wellFormed) c = kErrors[trails];
+    return p;
+}
+
+void encodeBlocks(const char16_t*& units, const char16_t* end, char*& out) {
+    I18NEncoding blocks{units, end, out};
+    if (i18nHasWideBlocks())
+        i18nEncodeWideBlocks(blocks);
+    else
+        i18nEncodeBlocks(blocks);
+    units = blocks.at;
+    out = blocks.out;
+}
+
+/// What is too near the end, aside, with as many NUL characters behind it as blocks need; each of
+/// them adds a byte that is left out again.
+void encodeLastBlocks(const char16_t*& units, const char16_t* end, char*& out) {
+    constexpr std::ptrdiff_t kMost = 2 * kBlock, kRoom = 2 * kMost;
+    const std::ptrdiff_t left = end - units;
+    if (left < 4 || left >= kMost) return;
+    char16_t padded[kRoom] = {};
+    std::memcpy(padded, units, static_cast<std::size_t>(left) * sizeof *units);
+    char bytes[3 * kRoom];
+    const char16_t* at = padded;
+    char* to = bytes;
+    encodeBlocks(at, padded + kRoom, to);
+    const std::ptrdiff_t done = at - padded, surplus = done > left ? done - left : 0;
+    to -= surplus;
+    std::memcpy(out, bytes, static_cast<std::size_t>(to - bytes));
+    units += done - surplus;
+    out += to - bytes;
+}
+
+}  // namespace
+
+bool i18nIsASCII(const char* bytes, std::size_t length) {
+    for (; length >= 4 * kBlock; bytes += 4 * kBlock, length -= 4 * kBlock) {
+        const __m128i first = _mm_or_si128(load(bytes), load(bytes + kBlock));
+        const __m128i second = _mm_or_si128(load(bytes + 2 * kBlock), load(bytes + 3 * kBlock));
+        if (_mm_movemask_epi8(_mm_or_si128(first, second)) != 0) return false;
+    }
+    for (; length >= kBlock; bytes += kBlock, length -= kBlock)
+        if (_mm_movemask_epi8(load(bytes)) != 0) return false;
+    unsigned all = 0;
+    for (; length != 0; ++bytes, --length) all |= static_cast<unsigned char>(*bytes);
+    return all < 0x80;
+}
+
+bool i18nIsPlainASCII(const char* bytes, std::size_t length) {
+    const auto plain = [](const char* p) { return _mm_cmpgt_epi8(load(p), _mm_setzero_si128()); };
+    for (; length >= 4 * kBlock; bytes += 4 * kBlock, length -= 4 * kBlock) {
+        const __m128i first = _mm_and_si128(plain(bytes), plain(bytes + kBlock));
+        const __m128i second = _mm_and_si128(plain(bytes + 2 * kBlock), plain(bytes + 3 * kBlock));
+        if (_mm_movemask_epi8(_mm_and_si128(first, second)) != 0xFFFF) return false;
+    }
+    for (; length >= kBlock; bytes += kBlock, length -= kBlock)
+        if (_mm_movemask_epi8(plain(bytes)) != 0xFFFF) return false;
+    bool all = true;
+    for (; length != 0; ++bytes, --length) all &= static_cast<signed char>(*bytes) > 0;
+    return all;
+}
+
+bool i18nIsASCII(const char16_t* units, std::size_t length) {
+    for (; length >= kBlock / 2; units += kBlock / 2, length -= kBlock / 2)
+        if (!isASCII(load(units))) return false;
+    unsigned all = 0;
+    for (; length != 0; ++units, --length) all |= *units;
+    return all < 0x80;
+}
+
+void i18nWiden(const char* ascii, std::size_t length, char16_t* out) {
+    for (; length >= kBlock; ascii += kBlock, out += kBlock, length -= kBlock) {
+        const __m128i bytes = load(ascii);
+        store(out, _mm_unpacklo_epi8(bytes, _mm_setzero_si128()));
+        store(out + kBlock / 2, _mm_unpackhi_epi8(bytes, _mm_setzero_si128()));
+    }
+    for (; length != 0; --length) *out++ = static_cast<unsigned char>(*ascii++);
+}
+
+void i18nNarrow(const char16_t* ascii, std::size_t length, char* out) {
+    for (; length >= kBlock; ascii += kBlock, out += kBlock, length -= kBlock)
+        store(out, _mm_packus_epi16(load(ascii), load(ascii + kBlock / 2)));
+    for (; length != 0; --length) *out++ = static_cast<char>(*ascii++);
+}
+
+I18NDecoded i18nDecodeUTF8(const char* bytes, std::size_t length, char16_t* out) {
+    const auto* p = reinterpret_cast<const unsigned char*>(bytes);
+    const auto* const end = p + length;
+    char16_t* const begin = out;
+    bool mayNeedNormalization = false;
+    const bool byBlocks = i18nHasShuffles();
+    while (p != end) {
+        if (byBlocks) {
+            I18NDecoding blocks{p, end, out};
+            i18nDecodeBlocks(blocks);
+            p = blocks.at;
+            out = blocks.out;
+            const __m128i none = _mm_cmpeq_epi8(blocks.mayNeedNormalization, _mm_setzero_si128());
+            mayNeedNormalization |= _mm_movemask_epi8(none) != 0xFFFF;
+            if (p == end) break;
+        }
+        const unsigned char lead = *p;
+        if (lead < 0x80) {
+            if (lead == 0) break;
+            // As many units are left as bytes at least, so that a whole block may be written.
+            if (static_cast<std::size_t>(end - p) >= kBlock) {
+                const int run = asciiRun(p, out);
+                p += run;
+                out += run;
+            } else {
+                *out++ = lead;
+                ++p;
+            }
+            continue;
+        }
+        if (end - p >= 4) {
+            // Texts stay with one length of sequence for a while.
+            const unsigned char* const before = p;
+            std::uint32_t four = loadFour(p);
+            if (lead < 0xE0) {
+                while (isTwoByTwo(four)) {
+                    out[0] = static_cast<char16_t>(((four & 0x1F) << 6) | ((four >> 8) & 0x3F));
+                    out[1] = static_cast<char16_t>(((four >> 10) & 0x7C0) | ((four >> 24) & 0x3F));
+                    mayNeedNormalization |=
+                        i18nMayNeedNormalization(out[0]) || i18nMayNeedNormalization(out[1]);
+                    out += 2;
+                    p += 4;
+                    if (end - p < 4) break;
+                    four = loadFour(p);
+                }
+                if (p == before && isTwo(four)) {
+                    *out = static_cast<char16_t>(((four & 0x1F) << 6) | ((four >> 8) & 0x3F));
+                    mayNeedNormalization |= i18nMayNeedNormalization(*out);
+                    ++out;
+                    p += 2;
+                }
+            } else if (lead < 0xF0) {
+                for (std::uint32_t c; isThree(four, c);) {
+                    *out++ = static_cast<char16_t>(c);
+                    mayNeedNormalization = true;
+                    p += 3;
+                    if (end - p < 4) break;
+                    four = loadFour(p);
+                }
+            } else {
+                for (std::uint32_t c; isFour(four, c);) {
+                    out += i18nPutCodePoint(out, c);
+                    mayNeedNormalization = true;
+                    p += 4;
+                    if (end - p < 4) break;
+                    four = loadFour(p);
+                }
+            }
+            if (p != before) continue;
+        }
+        if (lead >= 0xC0 && lead < 0xFE) {
+            char32_t c;
+            p = decodeSequence(p, end, c);
+            out += i18nPutCodePoint(out, c);
+            mayNeedNormalization |= i18nMayNeedNormalization(c);
+        } else {
+            *out++ = 0x15;
+            ++p;
+        }
+    }
+    I18NDecoded result;
+    result.units = static_cast<std::size_t>(out - begin);
+    result.mayNeedNormalization = mayNeedNormalization;
+    return result;
+}
+
+void i18nDecodeWellFormedUTF8(const char*& bytes, const char* end, char16_t*& out,
+                              const char16_t* limit) {
+    const char* p = bytes;
+    char16_t* to = out;
+    const auto room = static_cast<std::ptrdiff_t>(kBlock);
+    while (end - p >= 4 && limit - to >= room) {
+        const auto lead = static_cast<unsigned char>(*p);
+        std::uint32_t four = loadFour(reinterpret_cast<const unsigned char*>(p));
+        std::uint32_t c;
+        if (lead < 0x80) {
+            // A run ends at a NUL, too.
+            const int run =
+                end - p >= room ? asciiRun(reinterpret_cast<const unsigned char*>(p), to) : 0;
+            if (run == 0) *to = lead;
+            p += run == 0 ? 1 : run;
+            to += run == 0 ? 1 : run;
+        } else if (isTwo(four)) {
+            *to++ = static_cast<char16_t>(((four & 0x1F) << 6) | ((four >> 8) & 0x3F));
+            p += 2;
+        } else if (isThree(four, c)) {
+            *to++ = static_cast<char16_t>(c);
+            p += 3;
+        } else if (isFour(four, c)) {
+            to += i18nPutCodePoint(to, c);
+            p += 4;
+        } else {
+            break;
+        }
+    }
+    bytes = p;
+    out = to;
+}
+
+std::size_t i18nLengthUTF8(const char16_t* units, std::size_t length) {
+    std::size_t bytes = length;
+    const char16_t* const end = units + length;
+    while (units != end) {
+        while (static_cast<std::size_t>(end - units) >= kBlock / 2) {
+            const int counted = countMore(load(units), bytes);
+            if (counted == 0) break;
+            units += counted;
+        }
+        for (std::size_t i = 0; i < kBlock / 2 && units != end; ++i) {
+            const char16_t unit = *units++;
+            if (i18nIsHigh(unit) && units != end && i18nIsLow(*units)) {
+                ++units;
+                bytes += 2;  // four for both
+            } else {
+                bytes += (unit >= 0x80) + (unit >= 0x800);
+            }
+        }
+    }
+    return bytes;
+}
+
+void i18nEncodeWellFormedUTF8(const char16_t*& units, const char16_t* end, char*& out) {
+    const bool byBlocks = i18nHasShuffles();
+    while (units != end) {
+        if (byBlocks) {
+            encodeBlocks(units, end, out);
+            encodeLastBlocks(units, end, out);
+            if (units == end) break;
+        }
+        std::uint32_t c = *units;
+        if (c < 0x80) {
+            // As many bytes are left as units at least, so that a whole block may be written.
+            if (static_cast<std::size_t>(end - units) >= kBlock) {
+                const int run = asciiRun(units, out);
+                units += run;
+                out += run;
+            } else {
+                *out++ = static_cast<char>(c);
+                ++units;
+            }
+            continue;
+        }
+        ++units;
+        if (c < 0x800) {
+            const auto two = static_cast<std::uint16_t>(0x80C0 | (c >> 6) | ((c & 0x3F) << 8));
+            std::memcpy(out, &two, sizeof two);
+            out += 2;
+            continue;
+        }
+        if ((c & 0xF800) == 0xD800) {
+            if (i18nIsHigh(static_cast<char16_t>(c)) && units != end && i18nIsLow(*units)) {
+                c = i18nCombine(static_cast<char16_t>(c), *units++);
+                const std::uint32_t four = 0x808080F0 | (c >> 18) | ((c >> 4) & 0x3F00) |
+                                           ((c << 10) & 0x3F0000) | ((c & 0x3F) << 24);
+                std::memcpy(out, &four, sizeof four);
+                out += 4;
+                continue;
+            }
+            --units;
+            return;
+        }
+        const auto two = static_cast<std::uint16_t>(0x80E0 | (c >> 12) | ((c & 0xFC0) << 2));
+        std::memcpy(out, &two, sizeof two);
+        out[2] = static_cast<char>(0x80 | (c & 0x3F));
+        out += 3;
+    }
+}
+
+char* i18nEncodeUTF8(const char16_t* units, std::size_t length, char* out) {
+    const char16_t* const end = units + length;
+    while (true) {
+        i18nEncodeWellFormedUTF8(units, end, out);
+        if (units == end) return out;
+        *out++ = '\xEF';  // U+FFFD
+        *out++ = '\xBF';
+        *out++ = '\xBD';
+        ++units;
+    }
+}
+
+std::size_t i18nWellFormedUTF16(const char16_t* units, std::size_t length) {
+    const char16_t* at = units;
+    const char16_t* const end = units + length;
+    while (at != end) {
+        if (end - at >= static_cast<std::ptrdiff_t>(kBlock / 2)) {
+            const __m128i top = _mm_and_si128(load(at), _mm_set1_epi16(static_cast<short>(0xF800)));
+            const __m128i surrogates =
+                _mm_cmpeq_epi16(top, _mm_set1_epi16(static_cast<short>(0xD800)));
+            if (_mm_movemask_epi8(surrogates) == 0) {
+                at += kBlock / 2;
+                continue;
+            }
+        }
+        if ((*at & 0xF800) != 0xD800) {
+            ++at;
+        } else {
+            if (end - at < 2 || !i18nIsHigh(at[0]) || !i18nIsLow(at[1])) break;
+            at += 2;
+        }
+    }
+    return static_cast<std::size_t>(at - units);
+}

@@ -1,0 +1,152 @@
+#include "i18n/cpp/utf/i18n_utf.hpp"
+#include "i18n/cpp/utf/i18n_utf_blocks.hpp"
+
+namespace {
+
+constexpr int kBlock = 16;
+
+/// Moves those of eight units together that have their bit set.
+constexpr I18NShuffles makeKeeping() {
+    I18NShuffles made{};
+    for (unsigned mask = 0; mask < 256; ++mask) {
+        unsigned to = 0;
+        for (unsigned unit = 0; unit < 8; ++unit) {
+            if ((mask >> unit & 1) == 0) continue;
+            made.bytes[mask][to++] = static_cast<std::uint8_t>(unit * 2);
+            made.bytes[mask][to++] = static_cast<std::uint8_t>(unit * 2 + 1);
+        }
+        while (to < 16) made.bytes[mask][to++] = 0x80;
+    }
+    return made;
+}
+constexpr I18NShuffles kKeeping = makeKeeping();
+
+I18N_WITH_SHUFFLES inline __m128i atLeast(__m128i bytes, int least) {
+    return _mm_cmpeq_epi8(_mm_max_epu8(bytes, i18nBytes(least)), bytes);
+}
+
+/// Where the first trail byte makes the sequence overlong, a surrogate or more than Unicode has:
+/// trails below a limit behind one lead, the others behind another.
+I18N_WITH_SHUFFLES inline __m128i badTrails(__m128i block, __m128i before, int leadOfHigh,
+                                            int leadOfLow, int limit) {
+    const __m128i low = _mm_cmplt_epi8(block, i18nBytes(limit));
+    return _mm_or_si128(_mm_and_si128(low, _mm_cmpeq_epi8(before, i18nBytes(leadOfHigh))),
+                        _mm_andnot_si128(low, _mm_cmpeq_epi8(before, i18nBytes(leadOfLow))));
+}
+
+/// Not 0 in bytes of two-byte characters that i18nMayNeedNormalization() is true of.
+I18N_WITH_SHUFFLES inline __m128i beyondInert(__m128i low, __m128i high) {
+    // For a character's upper byte, half of the lower one from which on it is true; -1 for never.
+    static_assert(kI18NInertBelow == 0x300 && kI18NInertFrom == 0x400 && kI18NInertBehind == 0x482,
+                  "the table below has them");
+    const __m128i from = _mm_setr_epi8(-1, -1, -1, 0, 0x82 / 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0);
+    const __m128i half = _mm_and_si128(_mm_srli_epi16(low, 1), i18nBytes(0x7F));
+    return _mm_cmpeq_epi8(_mm_max_epu8(half, _mm_shuffle_epi8(from, high)), half);
+}
+
+I18N_WITH_SHUFFLES inline void keep(I18NDecoding& decoding, __m128i units, unsigned mask) {
+    i18nStore(decoding.out, _mm_shuffle_epi8(units, i18nLoad(kKeeping.bytes[mask])));
+    decoding.out += __builtin_popcount(mask);
+}
+
+/// Decodes the sequences that begin and end in a block, none of them longer than this. A unit is
+/// made at each byte from it and those before; right it is at the last byte of a sequence, and in
+/// one of four bytes also at the last but one, where the pair's first half is.
+/// @return false for what is ill-formed; then nothing is decoded
+template <int Longest>
+I18N_WITH_SHUFFLES inline bool decodeBlock(I18NDecoding& decoding, __m128i block, __m128i leads3) {
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i trails = _mm_cmplt_epi8(block, i18nBytes(0xC0));
+    const __m128i before1 = _mm_slli_si128(block, 1);
+    const __m128i before2 = _mm_slli_si128(block, 2);
+    const __m128i isHigh = Longest < 4 ? zero : atLeast(before2, 0xF0);
+
+    // Bit masks of places; a lead of a longer sequence counts as one of the shorter, too.
+    const unsigned trail = i18nMask(trails);
+    const unsigned lead2 = i18nMask(block) & ~trail;
+    const unsigned lead3 = Longest < 3 ? 0 : i18nMask(leads3);
+    const unsigned lead4 = Longest < 4 ? 0 : i18nMask(atLeast(block, 0xF0));
+    __m128i bad =
+        _mm_or_si128(_mm_cmpeq_epi8(block, zero),
+                     _mm_cmpeq_epi8(_mm_and_si128(block, i18nBytes(0xFE)), i18nBytes(0xC0)));
+    if (Longest >= 3) bad = _mm_or_si128(bad, badTrails(block, before1, 0xE0, 0xED, 0xA0));
+    if (Longest >= 4) {
+        bad = _mm_or_si128(bad, badTrails(block, before1, 0xF0, 0xF4, 0x90));
+        bad = _mm_or_si128(bad, atLeast(block, 0xF5));
+    }
+    const unsigned expected = (lead2 << 1 | lead3 << 2 | lead4 << 3) & 0xFFFF;
+    if ((i18nMask(bad) | (trail ^ expected)) != 0) return false;
+
+    // A sequence that goes on behind the block is left for the next one.
+    const unsigned left =
+        (lead2 >> 15) + (lead3 >> 13 & 2) + (Longest < 4 ? 0 : (lead4 >> 13 & 1) * 3);
+    const unsigned kept = ~(lead2 | lead3 << 1) & (0xFFFFU >> left);
+
+    const __m128i middle = _mm_and_si128(before1, trails);
+    __m128i low = _mm_or_si128(_mm_andnot_si128(_mm_and_si128(trails, i18nBytes(0xC0)), block),
+                               _mm_and_si128(_mm_slli_epi16(middle, 6), i18nBytes(0xC0)));
+    __m128i high = _mm_and_si128(_mm_srli_epi16(middle, 2), i18nBytes(0x0F));
+    if (Longest >= 3) {
+        const __m128i first = _mm_and_si128(before2, atLeast(before2, 0xE0));
+        high = _mm_or_si128(high, _mm_and_si128(_mm_slli_epi16(first, 4), i18nBytes(0xF0)));
+    }
+    if (Longest >= 4) {
+        // Of the code point the first half has the bits from 10 on, less 0x40.
+        const __m128i upper =
+            _mm_or_si128(_mm_and_si128(_mm_slli_epi16(before1, 2), i18nBytes(0xFC)),
+                         _mm_and_si128(_mm_srli_epi16(block, 4), i18nBytes(0x03)));
+        low = i18nBlend(low, upper, isHigh);
+        high = i18nBlend(high, _mm_and_si128(before2, i18nBytes(0x07)), isHigh);
+        const __m128i isLow = _mm_slli_si128(isHigh, 1);
+        high = i18nBlend(high, _mm_or_si128(_mm_and_si128(high, i18nBytes(0x03)), i18nBytes(0xDC)),
+                         isLow);
+    }
+    decoding.mayNeedNormalization = _mm_or_si128(
+        decoding.mayNeedNormalization, Longest >= 3 ? i18nBytes(1) : beyondInert(low, high));
+    __m128i units0 = _mm_unpacklo_epi8(low, high), units1 = _mm_unpackhi_epi8(low, high);
+    if (Longest >= 4) {
+        const __m128i base = i18nUnits(0xD7C0);
+        units0 = _mm_add_epi16(units0, _mm_and_si128(_mm_unpacklo_epi8(isHigh, isHigh), base));
+        units1 = _mm_add_epi16(units1, _mm_and_si128(_mm_unpackhi_epi8(isHigh, isHigh), base));
+    }
+    keep(decoding, units0, kept & 0xFF);
+    keep(decoding, units1, kept >> 8);
+    decoding.at += kBlock - left;
+    return true;
+}
+
+I18N_WITH_SHUFFLES inline void widen(I18NDecoding& decoding, __m128i block) {
+    i18nStore(decoding.out, _mm_unpacklo_epi8(block, _mm_setzero_si128()));
+    i18nStore(decoding.out + kBlock / 2, _mm_unpackhi_epi8(block, _mm_setzero_si128()));
+    decoding.at += kBlock;
+    decoding.out += kBlock;
+}
+
+}  // namespace
+
+// A whole block may be written while a whole one is left to read.
+I18N_WITH_SHUFFLES void i18nDecodeBlocks(I18NDecoding& decoding) {
+    I18NDecoding now = decoding;
+    bool good = true;
+    while (good && now.end - now.at >= kBlock) {
+        const __m128i block = i18nLoad(now.at);
+        if (now.end - now.at >= 2 * kBlock) {
+            const __m128i next = i18nLoad(now.at + kBlock);
+            if (i18nMask(_mm_or_si128(block, next)) == 0) {
+                const __m128i nul = _mm_cmpeq_epi8(_mm_min_epu8(block, next), _mm_setzero_si128());
+                if (i18nMask(nul) != 0) break;
+                widen(now, block);
+                widen(now, next);
+                continue;
+            }
+        }
+        const __m128i leads3 = atLeast(block, 0xE0);
+        if (i18nMask(leads3) == 0)
+            good = decodeBlock<2>(now, block, leads3);
+        else if (i18nMask(atLeast(block, 0xF0)) == 0)
+            good = decodeBlock<3>(now, block, leads3);
+        else
+            good = decodeBlock<4>(now, block, leads3);
+    }
+    decoding = now;
+}
