@@ -7,7 +7,7 @@
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
-#include "i18n/cpp/converter/i18n_conversion.hpp"
+#include "i18n/cpp/converter/i18n_icu_calls.hpp"
 #include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/string/i18n_allocation.hpp"

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
-#include "i18n/cpp/converter/i18n_conversion.hpp"
 #include "i18n/cpp/converter/i18n_encodings.hpp"
+#include "i18n/cpp/converter/i18n_icu_calls.hpp"
 #include "i18n/cpp/i18n_converter.hpp"
 
 namespace {

@@ -3,8 +3,8 @@
 #include <cstring>
 
 #include "QBLCore/Exceptions/QBLThrow.hpp"
-#include "i18n/cpp/converter/i18n_conversion.hpp"
 #include "i18n/cpp/converter/i18n_encodings.hpp"
+#include "i18n/cpp/converter/i18n_icu_calls.hpp"
 #include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/i18n_internal_resources.hpp"

@@ -1,4 +1,4 @@
-#include "i18n/cpp/converter/i18n_conversion.hpp"
+#include "i18n/cpp/converter/i18n_icu_calls.hpp"
 
 #include <emmintrin.h>
 
