@@ -11,8 +11,6 @@
 
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
-#include "QBLCore/Frame/internal/QBLImmortal.hpp"
-#include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "i18n/cpp/converter/i18n_encodings.hpp"
 #include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/i18n_error_codes.h"
@@ -26,11 +24,6 @@ const char kMalloc[] = "malloc failed to allocate memory.";
 const char kStatic[] = "Cannot resize a static external buffer.";
 
 std::atomic<bool> g_bForceUnicodeString{false};
-
-/// A lock for every string would cost more than it is worth: few are converted at a time.
-struct StringLocks {
-    QBLThreadCriticalSection locks[64];
-};
 
 /// The smaller of half as much again as there is and what the size type can tell, but what is
 /// needed.
@@ -277,14 +270,6 @@ bool I18NString::isUsingAsciiBuffer() const {
     return true;
 }
 
-int I18NString::getIndexFromPtr(const void* string) {
-    return static_cast<int>((reinterpret_cast<std::uintptr_t>(string) >> 3) & 63);
-}
-
-QBLThreadCriticalSection& I18NString::getLockFromPtr(const void* string) {
-    return qblImmortal<StringLocks>().locks[getIndexFromPtr(string)];
-}
-
 // Whoever changes flags is alone with the string, or holds its lock.
 void I18NString::setFlag(Flags flag, bool on) {
     const unsigned char flags = m_flags.load(std::memory_order_relaxed);
@@ -465,23 +450,64 @@ void I18NString::setBytes(const char* bytes, const char* encoding, int length) {
     setConverted(bytes, encoding, length);
 }
 
-// Decodes beside the present contents, which the bytes may be part of.
-void I18NString::decodeUTF8(const char* bytes, int length) {
-    I18NString fresh(Bare(), m_allocator, m_allocatorContext);
-    fresh.leaveAscii(length);
-    const I18NDecoded decoded =
-        i18nDecodeUTF8(bytes, static_cast<std::size_t>(length), fresh.m_pCodeUnits);
-    fresh.m_unitLength = static_cast<int>(decoded.units);
-    fresh.alias();
-    if (hasFlag(kI18NNoNormalization)) fresh.setFlag(kI18NNoNormalization, true);
-    if (decoded.mayNeedNormalization) fresh.renormalize();
-    if (hasFlag(kI18NStaticBuffer)) return assign(I18NTextView(fresh));
-    replaceBy(fresh);
-}
-
 // Takes the contents of a string with the same allocator, and those before go.
 void I18NString::replaceBy(I18NString& fresh) noexcept {
     destroy();
     take(fresh);
     setChangedFlag(true);
+}
+
+void I18NString::attach(void* buffer, int bytes) {
+    const bool aligned = reinterpret_cast<std::uintptr_t>(buffer) % alignof(char16_t) == 0;
+    if (buffer == nullptr || bytes < 2 || !aligned)
+        QBL_THROW(I18NRuntimeError(I18N_ARGUMENT, nullptr));
+    leaveAscii();
+    if (!hasFlag(kI18NStaticBuffer)) {
+        if (buffer == m_pCodeUnits) return;
+        release(m_pCodeUnits);
+    }
+    setFlag(kI18NStaticBuffer, true);
+    setFlag(kI18NNormalized, false);
+    setFlag(kI18NFromCodePage943, false);
+    m_pCodeUnits = static_cast<char16_t*>(buffer);
+    m_unitCapacity = bytes / 2 - 1;
+    const char16_t* const end = m_pCodeUnits + m_unitCapacity;
+    m_unitLength =
+        static_cast<int>(std::find(m_pCodeUnits, const_cast<char16_t*>(end), u'\0') - m_pCodeUnits);
+    alias();
+    changed();
+}
+
+int I18NString::copyToExternalBuffer(void* buffer, int bytes) const {
+    if (buffer == nullptr || bytes < 2) return 0;
+    const I18NTextView text(*this);
+    const int units = std::min(bytes / 2 - 1, text.length());
+    // The caller's memory need not be aligned as units are.
+    char* out = static_cast<char*>(buffer);
+    for (int i = 0; i <= units; ++i, out += 2) {
+        const char16_t unit = i < units ? text[i] : u'\0';
+        std::memcpy(out, &unit, sizeof unit);
+    }
+    return units * 2 + 2;
+}
+
+char16_t* I18NString::getExternalBuffer() {
+    leaveAscii();
+    return m_pCodeUnits;
+}
+
+void I18NString::resizeExternalBuffer() {
+    leaveAscii();
+    if (hasFlag(kI18NStaticBuffer)) {
+        constexpr int kUnits = 15;
+        auto* const block = reinterpret_cast<char16_t*>(allocate(kUnits * 2 + 2));
+        setFlag(kI18NStaticBuffer, false);
+        m_pCodeUnits = block;
+        m_unitLength = 0;
+        m_unitCapacity = kUnits;
+        alias();
+        changed();
+        QBL_THROW(I18NRuntimeError(I18N_UNEXPECTED, kStatic));
+    }
+    resizeUnits(m_unitLength);
 }

@@ -1,17 +1,39 @@
 #include <unicode/ucnv.h>
 
+#include <cstdio>
 #include <cstring>
+#include <istream>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <utility>
 
+#include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
+#include "QBLCore/Frame/internal/QBLImmortal.hpp"
+#include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
+#include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "i18n/cpp/converter/i18n_encodings.hpp"
 #include "i18n/cpp/converter/i18n_icu_calls.hpp"
 #include "i18n/cpp/i18n_converter.hpp"
+#include "i18n/cpp/i18n_error_codes.h"
 #include "i18n/cpp/i18n_errors.hpp"
-#include "i18n/cpp/i18n_internal_resources.hpp"
 #include "i18n/cpp/i18n_string.hpp"
+#include "i18n/cpp/locale/i18n_icu.hpp"
+#include "i18n/cpp/locale/i18n_settings.hpp"
+#include "i18n/cpp/string/i18n_allocation.hpp"
 #include "i18n/cpp/string/i18n_bytes.hpp"
 
+char gI18NNullString[4] = {};
+
 namespace {
+
+/// A lock for every string would cost more than it is worth: few are converted at a time.
+struct StringLocks {
+    QBLThreadCriticalSection locks[64];
+};
 
 /// Japanese text of this table has substitutions of its own to come.
 bool isCodePage943(const char* encoding) {
@@ -20,7 +42,35 @@ bool isCodePage943(const char* encoding) {
     return U_SUCCESS(status) && name != nullptr && std::strncmp(name, "ibm-943_P15A", 12) == 0;
 }
 
+void settle(int code) {
+    if (code < 0) QBL_THROW(I18NRuntimeError(code, nullptr));
+}
+
+/// An encoding can be spelt in any number of ways, and names may come from a program's clients.
+/// @return what all its names have in common; empty if that is not known
+std::string anyNameOf(const char* encoding) {
+    if (encoding == nullptr || i18nIsUTF8(encoding)) return "UTF8";
+    if (i18nIsUTF16(encoding)) return "UTF16";
+    const char* const name =
+        std::strchr(encoding, ',') == nullptr ? i18nCanonicalEncoding(encoding) : nullptr;
+    return name != nullptr ? name : "";
+}
+
 }  // namespace
+
+// Decodes beside the present contents, which the bytes may be part of.
+void I18NString::decodeUTF8(const char* bytes, int length) {
+    I18NString fresh(Bare(), m_allocator, m_allocatorContext);
+    fresh.leaveAscii(length);
+    const I18NDecoded decoded =
+        i18nDecodeUTF8(bytes, static_cast<std::size_t>(length), fresh.m_pCodeUnits);
+    fresh.m_unitLength = static_cast<int>(decoded.units);
+    fresh.alias();
+    if (hasFlag(kI18NNoNormalization)) fresh.setFlag(kI18NNoNormalization, true);
+    if (decoded.mayNeedNormalization) fresh.renormalize();
+    if (hasFlag(kI18NStaticBuffer)) return assign(I18NTextView(fresh));
+    replaceBy(fresh);
+}
 
 // Takes bytes that are not to be read as ASCII or UTF-8.
 void I18NString::setConverted(const char* bytes, const char* encoding, int length) {
@@ -69,38 +119,200 @@ void I18NString::setConverted(const char* bytes, const I18NConverter& converter,
     replaceBy(fresh);
 }
 
-void I18NConverter::fromUnicode(char** destination, int* size, const I18NString& source,
-                                I18NStringAllocator allocator, void* context) const {
-    if (destination == nullptr || size == nullptr)
-        QBL_THROW(I18NRuntimeError(I18N_ARGUMENT, nullptr));
-    *destination = nullptr;
-    *size = 0;
+/// A conversion that was asked for. Conversions stay while the contents do, so that two threads can
+/// ask for two encodings of one constant string.
+struct I18NString::Conversion {
+    Conversion* next;
+    I18NBytes bytes;
+    std::string key;       // the encoding, and what else makes a difference
+    std::string encoding;  // for all its names the same; empty if only the key counts
+};
+
+int I18NString::getIndexFromPtr(const void* string) {
+    return static_cast<int>((reinterpret_cast<std::uintptr_t>(string) >> 3) & 63);
+}
+
+QBLThreadCriticalSection& I18NString::getLockFromPtr(const void* string) {
+    return qblImmortal<StringLocks>().locks[getIndexFromPtr(string)];
+}
+
+I18NByteWriter::~I18NByteWriter() = default;
+
+const I18NString::Conversion* I18NString::findConversion(const char* key) const {
+    if (hasFlag(kI18NChanged)) return nullptr;  // what is there is of the text before
+    const Conversion* at = m_pConverted.load(std::memory_order_acquire);
+    while (at != nullptr && at->key != key) at = at->next;
+    return at;
+}
+
+const I18NString::Conversion* I18NString::findSameEncoding(const std::string& encoding) const {
+    if (encoding.empty() || hasFlag(kI18NChanged)) return nullptr;
+    const Conversion* at = m_pConverted.load(std::memory_order_acquire);
+    while (at != nullptr && at->encoding != encoding) at = at->next;
+    return at;
+}
+
+void I18NString::dropConversions(Conversion* chain) noexcept {
+    while (chain != nullptr) delete std::exchange(chain, chain->next);
+}
+
+const char* I18NString::bytes(const char* encoding, int* length, I18NStringAllocator allocator,
+                              void* context) const {
+    if (isUsingAsciiBuffer() && i18nKeepsASCII(encoding)) {
+        if (length != nullptr) *length = m_asciiBufLength + 1;
+        return ascii();
+    }
+    const char* const key = encoding != nullptr ? encoding : "UTF8";
+    const Conversion* const made = conversion(key, encoding, nullptr, allocator, context);
+    if (length != nullptr) *length = made->bytes.length;
+    return made->bytes.block.get();
+}
+
+// What becomes of characters that cannot be converted makes another conversion of it.
+const char* I18NString::c_str(const I18NConverter& converter, int* length,
+                              I18NStringAllocator allocator, void* context) const {
+    if (isUsingAsciiBuffer() && i18nKeepsASCII(converter.getEncoding())) {
+        if (length != nullptr) *length = m_asciiBufLength + 1;
+        return ascii();
+    }
+    const I18NUserOutputCallback callback =
+        converter.getUserDefinedUnconvertibleOutputSequenceCallback();
+    // The tables that things are looked up in are never changed, but replaced by others.
+    const bool looksUp = converter.is(I18NConverter::kHasContext, I18NConverter::kOutput);
+    char key[120];
+    std::snprintf(key, sizeof key, "%.60s %d %p %lx", converter.getEncoding(),
+                  converter.getBuiltInUnconvertibleOutputSequenceCallback(),
+                  static_cast<const void*>(looksUp ? &I18NSettings::now() : nullptr),
+                  static_cast<unsigned long>(reinterpret_cast<std::uintptr_t>(callback)));
+    const Conversion* const made =
+        conversion(key, converter.getEncoding(), &converter, allocator, context);
+    if (length != nullptr) *length = made->bytes.length;
+    return made->bytes.block.get();
+}
+
+const I18NString::Conversion* I18NString::conversion(const char* key, const char* encoding,
+                                                     const I18NConverter* converter,
+                                                     I18NStringAllocator allocator,
+                                                     void* context) const {
+    if (const Conversion* found = findConversion(key)) return found;
     if (allocator == nullptr) {
-        allocator = source.m_allocator;
-        context = source.m_allocatorContext;
+        allocator = m_allocator;
+        context = m_allocatorContext;
     }
-    if (source.empty() && allocator == nullptr) {
-        *destination = gI18NNullString;
-        *size = sizeof gI18NNullString;
-        return;
+    QBL_ALLOC_TRY
+    // Only one that is not the first needs it: so a string has two for one encoding at most.
+    const bool isFirst =
+        hasFlag(kI18NChanged) || m_pConverted.load(std::memory_order_acquire) == nullptr;
+    const std::string anyName =
+        converter == nullptr && !isFirst ? anyNameOf(encoding) : std::string();
+    if (const Conversion* found = findSameEncoding(anyName)) return found;
+    // Before the lock is taken: allocators and functions of converters may use strings themselves.
+    const I18NTextView text(*this);
+    std::unique_ptr<Conversion> made(new Conversion{
+        nullptr,
+        converter != nullptr ? i18nToBytes(text, *converter, I18NBlock(allocator, context))
+                             : i18nToBytes(text, encoding, I18NBlock(allocator, context)),
+        key, anyName});
+    Conversion* stale = nullptr;
+    const Conversion* published = nullptr;
+    {
+        QBLThreadGuard guard(getLockFromPtr(this));
+        if (const Conversion* found = findConversion(key)) return found;
+        if (const Conversion* found = findSameEncoding(anyName)) return found;
+        Conversion* const chain = m_pConverted.load(std::memory_order_relaxed);
+        (hasFlag(kI18NChanged) ? stale : made->next) = chain;
+        m_convertedLength = made->bytes.length;
+        m_pConvertedEncoding = made->key.c_str();
+        published = made.get();
+        m_pConverted.store(made.release(), std::memory_order_release);
+        m_flags.store(static_cast<unsigned char>(m_flags.load(std::memory_order_relaxed) &
+                                                 ~static_cast<unsigned>(kI18NChanged)),
+                      std::memory_order_release);
     }
-    I18NBytes bytes = i18nToBytes(I18NTextView(source), *this, I18NBlock(allocator, context));
-    *destination = bytes.block.release();
-    *size = bytes.length;
+    dropConversions(stale);
+    return published;
+    I18N_ALLOC_CATCH
 }
 
-void I18NConverter::toUnicode(I18NString& destination, const char* source, int length) const {
-    if (length < 0) length = getEffectiveBufferSize(source, length);
-    if (source == nullptr || length == 0)
-        destination.remove();
-    else
-        destination.setConverted(source, *this, length);
+void I18NString::toBytes(char** out, const char* encoding, int* length,
+                         I18NStringAllocator allocator, void* context) const {
+    if (out == nullptr) QBL_THROW(I18NRuntimeError(I18N_ARGUMENT, nullptr));
+    I18NBytes bytes = i18nToBytes(I18NTextView(*this), encoding, I18NBlock(allocator, context));
+    *out = bytes.block.release();
+    if (length != nullptr) *length = bytes.length;
 }
 
-void I18NConverter::getEncodingForLocale(I18NString& encoding, const I18NLocale& locale) {
-    encoding = I18NInternalResources::getInternalResources().getEncodingForLocale(locale).c_str();
+void I18NString::toBytes(char** out, const I18NConverter& converter, int* length,
+                         I18NStringAllocator allocator, void* context) const {
+    if (out == nullptr) QBL_THROW(I18NRuntimeError(I18N_ARGUMENT, nullptr));
+    I18NBytes bytes = i18nToBytes(I18NTextView(*this), converter, I18NBlock(allocator, context));
+    *out = bytes.block.release();
+    if (length != nullptr) *length = bytes.length;
 }
 
-bool I18NConverter::shouldUseBOM(const I18NString& encoding) {
-    return shouldUseBOM(encoding.c_str());
+void I18NString::toBytes(I18NByteWriter& writer, const char* encoding) const {
+    const I18NTextView text(*this);
+    if (text.ascii() != nullptr && i18nKeepsASCII(encoding))
+        return settle(writer.write(text.ascii(), text.length()));
+    const I18NBytes bytes = i18nToBytes(text, encoding, I18NBlock());
+    settle(writer.write(bytes.block.get(), bytes.length - bytes.zero));
+}
+
+void I18NString::toBytes(I18NByteWriter& writer, const I18NConverter& converter) const {
+    const I18NBytes bytes = i18nToBytes(I18NTextView(*this), converter, I18NBlock());
+    settle(writer.write(bytes.block.get(), bytes.length - bytes.zero));
+}
+
+void I18NString::freeBuffer(char** block) {
+    if (block == nullptr) return;
+    int error = I18N_OK;
+    if (*block != nullptr && *block != gI18NNullString)
+        I18N_STRINGBUFFER_ALLOCATOR_CALLBACK(nullptr, *block, 0, &error);
+    *block = nullptr;
+    if (error != I18N_OK) qblThrowNoMemory(QBL_HERE);
+}
+
+void I18NFreeBuffer(char*& block) { I18NString::freeBuffer(&block); }
+
+void I18NFreeBuffer(void*& block) {
+    char* bytes = static_cast<char*>(block);
+    I18NString::freeBuffer(&bytes);
+    block = nullptr;
+}
+
+std::u16string I18NString::toUtf16() const {
+    QBL_ALLOC_TRY
+    const I18NTextView text(*this);
+    std::u16string units(static_cast<std::size_t>(text.length()), u'\0');
+    text.copyTo(&units[0]);
+    return units;
+    I18N_ALLOC_CATCH
+}
+
+std::string I18NString::toUtf8() const {
+    QBL_ALLOC_TRY
+    const I18NTextView text(*this);
+    if (text.ascii() != nullptr)
+        return std::string(text.ascii(), static_cast<std::size_t>(text.length()));
+    const auto length = static_cast<std::size_t>(text.length());
+    std::string bytes(i18nLengthUTF8(text.units(), length), '\0');
+    i18nEncodeUTF8(text.units(), length, &bytes[0]);
+    return bytes;
+    I18N_ALLOC_CATCH
+}
+
+std::ostream& operator<<(std::ostream& out, const I18NString& text) {
+    if (text.empty()) return out << "";
+    int length = 0;
+    const char* const bytes = text.c_str(nullptr, &length);
+    return out << std::string_view(bytes, static_cast<std::size_t>(length) - 1);
+}
+
+std::istream& operator>>(std::istream& in, I18NString& text) {
+    QBL_ALLOC_TRY
+    std::string word;
+    in >> word;
+    if (!word.empty()) text = word.c_str();
+    return in;
+    I18N_ALLOC_CATCH
 }

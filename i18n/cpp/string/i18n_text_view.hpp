@@ -1,6 +1,8 @@
 #ifndef I18N_CPP_STRING_I18N_TEXT_VIEW_HPP
 #define I18N_CPP_STRING_I18N_TEXT_VIEW_HPP
 
+#include <climits>
+#include <cstdint>
 #include <memory>
 
 #include "i18n/cpp/i18n_string.hpp"
@@ -68,6 +70,15 @@ private:
     const char16_t* m_pUnits = nullptr;
     int m_length;
 };
+
+/// Throws QBLOutOfMemoryError, for more units than a string can have.
+[[noreturn]] void i18nThrowTooLong();
+
+/// @throws QBLOutOfMemoryError if a string cannot have that many units
+inline void i18nRequireLength(std::int64_t units) {
+    constexpr std::int64_t kMostUnits = INT_MAX / 2 - 2;
+    if (units > kMostUnits) i18nThrowTooLong();
+}
 
 /// Wide characters in UTF-16.
 class I18NWideText {

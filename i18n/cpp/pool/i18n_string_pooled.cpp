@@ -1,0 +1,8 @@
+// The operations of I18NString that take a holder of the pool, whose header no string needs.
+
+#include "i18n/cpp/i18n_pooledstring.hpp"
+#include "i18n/cpp/i18n_string.hpp"
+
+I18NString& I18NString::append(const I18NPooledString& text) { return append(text.getString()); }
+
+I18NString& I18NString::operator=(const I18NPooledString& text) { return *this = text.getString(); }
