@@ -6,13 +6,13 @@
 #include <cstdio>
 #include <new>
 
+#include "QBLCore/Base/QBLImmortal.hpp"
+#include "QBLCore/Base/QBLNoCancel.hpp"
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
-#include "QBLCore/Frame/internal/QBLImmortal.hpp"
 #include "QBLCore/QBLCustodian/QBLCustodian.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Threads/QBLThreadProcess.h"
-#include "QBLCore/Threads/internal/QBLNoCancel.hpp"
 #include "QBLCore/Utility/QBLHighResolutionTime.hpp"
 #include "i18n/cpp/i18n_pooledstring.hpp"
 

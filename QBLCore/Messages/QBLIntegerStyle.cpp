@@ -9,7 +9,7 @@
 #include <map>
 #include <memory>
 
-#include "QBLCore/Frame/internal/QBLImmortal.hpp"
+#include "QBLCore/Base/QBLImmortal.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "i18n/cpp/locale/i18n_icu.hpp"

@@ -4,10 +4,10 @@
 
 #include <climits>
 
+#include "QBLCore/Base/QBLFileStatus.hpp"
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
-#include "QBLCore/FileManagement/internal/QBLFmStatus.hpp"
 #include "QBLCore/Messages/QBLMessageString.hpp"
 #include "QBLCore/PlugIns/QBLPluginException.hpp"
 

@@ -6,14 +6,14 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "QBLCore/Base/QBLImmortal.hpp"
+#include "QBLCore/Base/QBLNoCancel.hpp"
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
-#include "QBLCore/Frame/internal/QBLImmortal.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Threads/QBLThreadSemaphore.hpp"
 #include "QBLCore/Threads/internal/QBLHasBegun.hpp"
-#include "QBLCore/Threads/internal/QBLNoCancel.hpp"
 #include "QBLCore/Utility/QBLHighResolutionTime.hpp"
 #include "QBLCore/Utility/QBLMiniLogger.hpp"
 #include "QBLCore/Utility/QBLUtSystemInfo.hpp"

@@ -6,10 +6,10 @@
 #include <cstring>
 #include <new>
 
+#include "QBLCore/Base/QBLFileStatus.hpp"
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
-#include "QBLCore/FileManagement/internal/QBLFmStatus.hpp"
 
 namespace {
 

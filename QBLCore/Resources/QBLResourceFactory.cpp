@@ -7,11 +7,11 @@
 #include <memory>
 #include <unordered_set>
 
+#include "QBLCore/Base/QBLFileLook.hpp"
+#include "QBLCore/Base/QBLImmortal.hpp"
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
-#include "QBLCore/FileManagement/internal/QBLFmLook.hpp"
-#include "QBLCore/Frame/internal/QBLImmortal.hpp"
 #include "QBLCore/Resources/QBLResourceBMF.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"

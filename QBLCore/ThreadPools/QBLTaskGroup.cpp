@@ -2,13 +2,13 @@
 
 #include <new>
 
+#include "QBLCore/Base/QBLNoCancel.hpp"
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/ThreadPools/QBLThreadExecuteRunnable.hpp"
 #include "QBLCore/Threads/QBLThread.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Threads/internal/QBLLayerResult.hpp"
-#include "QBLCore/Threads/internal/QBLNoCancel.hpp"
 #include "TavThread/internal/TavContain.hpp"
 
 namespace {

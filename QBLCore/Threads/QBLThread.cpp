@@ -6,15 +6,15 @@
 #include <climits>
 #include <memory>
 
+#include "QBLCore/Base/QBLImmortal.hpp"
+#include "QBLCore/Base/QBLNoCancel.hpp"
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThreadResourceError.hpp"
-#include "QBLCore/Frame/internal/QBLImmortal.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Threads/QBLThreadKey.hpp"
 #include "QBLCore/Threads/internal/QBLLayerResult.hpp"
-#include "QBLCore/Threads/internal/QBLNoCancel.hpp"
 #include "TavThread/TavThread.h"
 #include "TavThread/internal/TavContain.hpp"
 #include "TavThread/internal/TavThreadRecord.hpp"

@@ -1,6 +1,6 @@
 #include "QBLCore/Threads/QBLThreadProcess.h"
 
-#include "QBLCore/Frame/internal/QBLImmortal.hpp"
+#include "QBLCore/Base/QBLImmortal.hpp"
 #include "QBLCore/Threads/QBLThread.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"

@@ -6,8 +6,8 @@
 #include <memory>
 #include <new>
 
+#include "QBLCore/Base/QBLSurplus.hpp"
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
-#include "QBLCore/Frame/internal/QBLSurplus.hpp"
 #include "QBLCore/Types/internal/QBLByteBufferAlloc.hpp"
 #include "QBLCore/Types/internal/QBLByteBufferAssert.hpp"
 

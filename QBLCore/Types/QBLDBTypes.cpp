@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "QBLCore/Base/QBLImmortal.hpp"
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
-#include "QBLCore/Frame/internal/QBLImmortal.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Types/internal/QBLDBTypeTables.hpp"

@@ -2,9 +2,9 @@
 
 #include <string>
 
+#include "QBLCore/Base/QBLCloseQuietly.hpp"
+#include "QBLCore/Base/QBLOpenRegular.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
-#include "QBLCore/FileManagement/internal/QBLFmNoCancel.hpp"
-#include "QBLCore/FileManagement/internal/QBLFmRegular.hpp"
 #include "QBLCore/Utility/QBLUtSystemInfo.hpp"
 #include "TavThread/internal/TavContain.hpp"
 

@@ -15,8 +15,8 @@
 #include <mutex>
 #include <set>
 
+#include "QBLCore/Base/QBLFileStatus.hpp"
 #include "QBLCore/FileManagement/QBLFmFile64.hpp"
-#include "QBLCore/FileManagement/internal/QBLFmStatus.hpp"
 #include "QBLCore/FileManagement/skipRootPath.hpp"
 #include "i18n/cpp/i18n_string.hpp"
 #include "tests/support/Child.hpp"

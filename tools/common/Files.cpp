@@ -2,7 +2,7 @@
 
 #include <cerrno>
 
-#include "QBLCore/FileManagement/internal/QBLFmStatus.hpp"
+#include "QBLCore/Base/QBLFileStatus.hpp"
 
 namespace tools {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <tuple>
 
-#include "QBLCore/FileManagement/internal/QBLFmStatus.hpp"
+#include "QBLCore/Base/QBLFileStatus.hpp"
 
 namespace conv {
 

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <utility>
 
+#include "QBLCore/Base/QBLFileStatus.hpp"
 #include "QBLCore/FileManagement/QBLFmFile.hpp"
-#include "QBLCore/FileManagement/internal/QBLFmStatus.hpp"
 #include "tools/common/Reason.hpp"
 
 namespace msgc {

@@ -13,9 +13,9 @@
 #include <limits>
 #include <memory>
 
+#include "QBLCore/Base/QBLCloseQuietly.hpp"
+#include "QBLCore/Base/QBLFileStatus.hpp"
 #include "QBLCore/FileManagement/QBLFmDescriptor.hpp"
-#include "QBLCore/FileManagement/internal/QBLFmNoCancel.hpp"
-#include "QBLCore/FileManagement/internal/QBLFmStatus.hpp"
 
 /// What the two file classes do alike. Calls names the system's calls for their offsets. Errors are
 /// saved by the object's own operation, which a derived class may have overridden, as it may have

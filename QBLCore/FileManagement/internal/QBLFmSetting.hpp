@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "QBLCore/Frame/internal/QBLImmortal.hpp"
+#include "QBLCore/Base/QBLImmortal.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 

@@ -11,8 +11,8 @@
 #include <new>
 #include <stdexcept>
 
-#include "QBLCore/FileManagement/internal/QBLFmNoCancel.hpp"
-#include "QBLCore/FileManagement/internal/QBLFmStatus.hpp"
+#include "QBLCore/Base/QBLCloseQuietly.hpp"
+#include "QBLCore/Base/QBLFileStatus.hpp"
 
 /// A directory that the owner may read and write, as QBLFmDir::exists takes it.
 constexpr unsigned short kQblWritableDir = S_IFDIR | S_IRUSR | S_IWUSR;

@@ -1,9 +1,9 @@
 #ifndef QBLCORE_THREADPOOLS_INTERNAL_QBLTASKRUN_HPP
 #define QBLCORE_THREADPOOLS_INTERNAL_QBLTASKRUN_HPP
 
+#include "QBLCore/Base/QBLNoCancel.hpp"
 #include "QBLCore/ThreadPools/QBLSentinelQueue.hpp"
 #include "QBLCore/Threads/QBLThread.hpp"
-#include "QBLCore/Threads/internal/QBLNoCancel.hpp"
 #include "TavThread/internal/TavContain.hpp"
 
 /// Stack of the workers of the fixed and the variable pool, in bytes.

@@ -3,8 +3,8 @@
 #include <atomic>
 #include <utility>
 
+#include "QBLCore/Base/QBLImmortal.hpp"
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
-#include "QBLCore/Frame/internal/QBLImmortal.hpp"
 #include "i18n/cpp/converter/i18n_holders.hpp"
 #include "i18n/cpp/i18n_platform_encoding.h"
 

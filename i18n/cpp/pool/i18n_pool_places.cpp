@@ -8,9 +8,9 @@
 #include <new>
 #include <utility>
 
+#include "QBLCore/Base/QBLImmortal.hpp"
+#include "QBLCore/Base/QBLSurplus.hpp"
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
-#include "QBLCore/Frame/internal/QBLImmortal.hpp"
-#include "QBLCore/Frame/internal/QBLSurplus.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "i18n/cpp/pool/i18n_pool_entry.hpp"

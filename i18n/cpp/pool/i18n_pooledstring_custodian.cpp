@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "QBLCore/FileManagement/internal/QBLFmLook.hpp"
-#include "QBLCore/FileManagement/internal/QBLFmRegular.hpp"
+#include "QBLCore/Base/QBLFileLook.hpp"
+#include "QBLCore/Base/QBLOpenRegular.hpp"
 #include "i18n/cpp/i18n_pooledstring.hpp"
 
 namespace {

@@ -7,7 +7,7 @@
 #include <ext/stdio_filebuf.h>
 #include <ostream>
 
-#include "QBLCore/FileManagement/internal/QBLFmRegular.hpp"
+#include "QBLCore/Base/QBLOpenRegular.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Utility/QBLUtSystemInfo.hpp"
 #include "TavThread/internal/TavContain.hpp"

@@ -9,10 +9,10 @@
 #include <memory>
 #include <new>
 
+#include "QBLCore/Base/QBLImmortal.hpp"
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmSetting.hpp"
-#include "QBLCore/Frame/internal/QBLImmortal.hpp"
 #include "i18n/cpp/resources/i18n_text_file.hpp"
 
 namespace {

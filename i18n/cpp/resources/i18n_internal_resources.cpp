@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <cwchar>
 
+#include "QBLCore/Base/QBLImmortal.hpp"
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
-#include "QBLCore/Frame/internal/QBLImmortal.hpp"
 #include "i18n/cpp/locale/i18n_icu.hpp"
 #include "i18n/cpp/resources/i18n_bin_dir.hpp"
 #include "i18n/cpp/resources/i18n_internal_data.hpp"

@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <cctype>
 
+#include "QBLCore/Base/QBLFileLook.hpp"
+#include "QBLCore/Base/QBLImmortal.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
-#include "QBLCore/FileManagement/internal/QBLFmLook.hpp"
-#include "QBLCore/Frame/internal/QBLImmortal.hpp"
 #include "i18n/cpp/i18n_error_codes.h"
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/resources/i18n_bin_dir.hpp"

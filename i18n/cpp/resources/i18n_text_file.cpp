@@ -5,8 +5,8 @@
 #include <cerrno>
 #include <new>
 
-#include "QBLCore/FileManagement/internal/QBLFmLook.hpp"
-#include "QBLCore/FileManagement/internal/QBLFmNoCancel.hpp"
+#include "QBLCore/Base/QBLCloseQuietly.hpp"
+#include "QBLCore/Base/QBLFileLook.hpp"
 
 namespace {
 

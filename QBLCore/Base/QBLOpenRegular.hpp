@@ -1,12 +1,12 @@
-#ifndef QBLCORE_FILEMANAGEMENT_INTERNAL_QBLFMREGULAR_HPP
-#define QBLCORE_FILEMANAGEMENT_INTERNAL_QBLFMREGULAR_HPP
+#ifndef QBLCORE_BASE_QBLOPENREGULAR_HPP
+#define QBLCORE_BASE_QBLOPENREGULAR_HPP
 
 #include <fcntl.h>
 
 #include <cerrno>
 
-#include "QBLCore/FileManagement/internal/QBLFmNoCancel.hpp"
-#include "QBLCore/FileManagement/internal/QBLFmStatus.hpp"
+#include "QBLCore/Base/QBLCloseQuietly.hpp"
+#include "QBLCore/Base/QBLFileStatus.hpp"
 
 /// Opens a regular file by its own name, in a directory where somebody else may have put something
 /// in its place: a link is not followed, a pipe not waited for, and a file that has another name

@@ -1,11 +1,11 @@
-#ifndef QBLCORE_FILEMANAGEMENT_INTERNAL_QBLFMNOCANCEL_HPP
-#define QBLCORE_FILEMANAGEMENT_INTERNAL_QBLFMNOCANCEL_HPP
+#ifndef QBLCORE_BASE_QBLCLOSEQUIETLY_HPP
+#define QBLCORE_BASE_QBLCLOSEQUIETLY_HPP
 
 #include <unistd.h>
 
 #include <cerrno>
 
-#include "QBLCore/Threads/internal/QBLNoCancel.hpp"
+#include "QBLCore/Base/QBLNoCancel.hpp"
 
 /// Closing a file is where a cancellation may take effect.
 using QBLFmNoCancel = QBLNoCancel;

@@ -1,5 +1,5 @@
-#ifndef QBLCORE_FILEMANAGEMENT_INTERNAL_QBLFMLOOK_HPP
-#define QBLCORE_FILEMANAGEMENT_INTERNAL_QBLFMLOOK_HPP
+#ifndef QBLCORE_BASE_QBLFILELOOK_HPP
+#define QBLCORE_BASE_QBLFILELOOK_HPP
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <new>
 
-#include "QBLCore/FileManagement/internal/QBLFmStatus.hpp"
+#include "QBLCore/Base/QBLFileStatus.hpp"
 
 /// Whether this error number of a file says that it is not there for us. Others say that nobody
 /// could look: descriptors or memory were exhausted, or the disk failed.
