@@ -35,8 +35,8 @@
 #include <cstdint>
 #include <ctime>
 
-#include "TavThread/internal/TavSemaphoreRecord.hpp"
 #include "TavThread/internal/TavSystem.hpp"
+#include "TavThread/shared/TavSemaphoreRecord.hpp"
 
 namespace {
 

@@ -2,9 +2,9 @@
 
 #include <mutex>
 
-#include "TavThread/internal/TavMutexRecord.hpp"
 #include "TavThread/internal/TavSystem.hpp"
-#include "TavThread/internal/TavThreadRecord.hpp"
+#include "TavThread/shared/TavMutexRecord.hpp"
+#include "TavThread/shared/TavThreadRecord.hpp"
 
 namespace {
 

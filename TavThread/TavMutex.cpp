@@ -5,8 +5,8 @@
 
 #include "TavThread/internal/TavCreate.hpp"
 #include "TavThread/internal/TavHeldMutexes.hpp"
-#include "TavThread/internal/TavMutexRecord.hpp"
 #include "TavThread/internal/TavSystem.hpp"
+#include "TavThread/shared/TavMutexRecord.hpp"
 
 namespace {
 

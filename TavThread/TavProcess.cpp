@@ -5,7 +5,7 @@
 #include "TavThread/TavTrace.h"
 #include "TavThread/internal/TavHeldMutexes.hpp"
 #include "TavThread/internal/TavSystem.hpp"
-#include "TavThread/internal/TavThreadRecord.hpp"
+#include "TavThread/shared/TavThreadRecord.hpp"
 
 namespace {
 

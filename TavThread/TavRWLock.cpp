@@ -26,8 +26,8 @@
 #include <new>
 
 #include "TavThread/internal/TavCreate.hpp"
-#include "TavThread/internal/TavRWLockRecord.hpp"
 #include "TavThread/internal/TavSystem.hpp"
+#include "TavThread/shared/TavRWLockRecord.hpp"
 
 namespace {
 

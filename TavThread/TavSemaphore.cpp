@@ -3,8 +3,8 @@
 #include <new>
 
 #include "TavThread/internal/TavCreate.hpp"
-#include "TavThread/internal/TavSemaphoreRecord.hpp"
 #include "TavThread/internal/TavSystem.hpp"
+#include "TavThread/shared/TavSemaphoreRecord.hpp"
 
 namespace {
 

@@ -3,10 +3,10 @@
 #include <mutex>
 #include <new>
 
-#include "TavThread/internal/TavContain.hpp"
 #include "TavThread/internal/TavCreate.hpp"
 #include "TavThread/internal/TavSystem.hpp"
-#include "TavThread/internal/TavThreadRecord.hpp"
+#include "TavThread/shared/TavContain.hpp"
+#include "TavThread/shared/TavThreadRecord.hpp"
 
 struct TavStateTrap {
     int state;

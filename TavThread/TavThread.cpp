@@ -1,9 +1,9 @@
 #include "TavThread/TavThread.h"
 
-#include "TavThread/internal/TavContain.hpp"
 #include "TavThread/internal/TavSystem.hpp"
 #include "TavThread/internal/TavTraceLine.hpp"
 #include "TavThread/internal/TavTransition.hpp"
+#include "TavThread/shared/TavContain.hpp"
 
 namespace {
 

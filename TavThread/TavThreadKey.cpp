@@ -3,8 +3,8 @@
 #include <new>
 
 #include "TavThread/TavTrace.h"
-#include "TavThread/internal/TavContain.hpp"
 #include "TavThread/internal/TavSystem.hpp"
+#include "TavThread/shared/TavContain.hpp"
 
 struct TavThreadKey {
     pthread_key_t native;

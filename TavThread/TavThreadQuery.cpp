@@ -5,7 +5,7 @@
 
 #include "TavThread/TavThread.h"
 #include "TavThread/internal/TavSystem.hpp"
-#include "TavThread/internal/TavThreadRecord.hpp"
+#include "TavThread/shared/TavThreadRecord.hpp"
 
 namespace {
 

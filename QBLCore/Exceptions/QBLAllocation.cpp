@@ -6,7 +6,7 @@
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLStdExceptionError.hpp"
 #include "QBLCore/Exceptions/QBLUnknownError.hpp"
-#include "TavThread/internal/TavContain.hpp"
+#include "TavThread/shared/TavContain.hpp"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmCharacters.hpp"
-#include "QBLCore/FileManagement/internal/QBLFmSetting.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmSystem.hpp"
+#include "QBLCore/FileManagement/shared/QBLFmSetting.hpp"
 #include "QBLCore/FileManagement/skipRootPath.hpp"
 
 namespace {

@@ -5,8 +5,8 @@
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
-#include "QBLCore/FileManagement/internal/QBLFmSetting.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmSystem.hpp"
+#include "QBLCore/FileManagement/shared/QBLFmSetting.hpp"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include "QBLCore/FileManagement/internal/QBLFmOperations.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmPath.hpp"
-#include "TavThread/internal/TavContain.hpp"
+#include "TavThread/shared/TavContain.hpp"
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
-#include "QBLCore/Messages/internal/QBLPatternCheck.hpp"
+#include "QBLCore/Exceptions/shared/QBLThrowNoMemory.hpp"
+#include "QBLCore/Messages/shared/QBLPatternCheck.hpp"
 #include "i18n/cpp/i18n_locale.hpp"
 #include "i18n/cpp/locale/i18n_icu.hpp"
 

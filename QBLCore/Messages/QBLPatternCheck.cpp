@@ -1,4 +1,4 @@
-#include "QBLCore/Messages/internal/QBLPatternCheck.hpp"
+#include "QBLCore/Messages/shared/QBLPatternCheck.hpp"
 
 #include <unicode/uchar.h>
 #include <unicode/ustring.h>

@@ -13,11 +13,11 @@
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Threads/QBLThreadSemaphore.hpp"
-#include "QBLCore/Threads/internal/QBLHasBegun.hpp"
+#include "QBLCore/Threads/shared/QBLHasBegun.hpp"
 #include "QBLCore/Utility/QBLHighResolutionTime.hpp"
 #include "QBLCore/Utility/QBLMiniLogger.hpp"
 #include "QBLCore/Utility/QBLUtSystemInfo.hpp"
-#include "TavThread/internal/TavContain.hpp"
+#include "TavThread/shared/TavContain.hpp"
 
 // m_jobLock guards the lists and is held briefly, never while a task is called. m_taskLock is for
 // the wait between two passes; it may be held when m_jobLock is taken.

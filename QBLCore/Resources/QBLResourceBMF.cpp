@@ -9,7 +9,7 @@
 #include "QBLCore/Base/QBLFileStatus.hpp"
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
-#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
+#include "QBLCore/Exceptions/shared/QBLThrowNoMemory.hpp"
 
 namespace {
 

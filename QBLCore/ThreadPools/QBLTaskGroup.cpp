@@ -8,8 +8,8 @@
 #include "QBLCore/ThreadPools/QBLThreadExecuteRunnable.hpp"
 #include "QBLCore/Threads/QBLThread.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
-#include "QBLCore/Threads/internal/QBLLayerResult.hpp"
-#include "TavThread/internal/TavContain.hpp"
+#include "QBLCore/Threads/shared/QBLLayerResult.hpp"
+#include "TavThread/shared/TavContain.hpp"
 
 namespace {
 

@@ -11,7 +11,7 @@
 #include "QBLCore/ThreadPools/internal/QBLPoolWorker.hpp"
 #include "QBLCore/ThreadPools/internal/QBLTaskRun.hpp"
 #include "QBLCore/Threads/QBLThreadSemaphore.hpp"
-#include "QBLCore/Threads/internal/QBLLayerResult.hpp"
+#include "QBLCore/Threads/shared/QBLLayerResult.hpp"
 
 // Each worker is in one of three places: in the idle queue, with whoever took it out, or at work.
 //

@@ -5,7 +5,7 @@
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/ThreadPools/internal/QBLPoolWorker.hpp"
 #include "QBLCore/ThreadPools/internal/QBLTaskRun.hpp"
-#include "QBLCore/Threads/internal/QBLLayerResult.hpp"
+#include "QBLCore/Threads/shared/QBLLayerResult.hpp"
 
 // 1. A submitter puts its task and then reads the stop-work flag. If it is set, he takes the task
 //    back and throws, unless a worker has got it.

@@ -7,8 +7,8 @@
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/ThreadPools/internal/QBLTaskRun.hpp"
-#include "QBLCore/Threads/internal/QBLHasBegun.hpp"
-#include "QBLCore/Threads/internal/QBLLayerResult.hpp"
+#include "QBLCore/Threads/shared/QBLHasBegun.hpp"
+#include "QBLCore/Threads/shared/QBLLayerResult.hpp"
 #include "QBLCore/Utility/QBLHighResolutionTime.hpp"
 
 // Tasks are counted from before they are put until after they were run; workers from when they are

@@ -1,4 +1,4 @@
-#include "QBLCore/Threads/internal/QBLLayerResult.hpp"
+#include "QBLCore/Threads/shared/QBLLayerResult.hpp"
 
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThreadResourceError.hpp"

@@ -14,10 +14,10 @@
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Threads/QBLThreadKey.hpp"
-#include "QBLCore/Threads/internal/QBLLayerResult.hpp"
+#include "QBLCore/Threads/shared/QBLLayerResult.hpp"
 #include "TavThread/TavThread.h"
-#include "TavThread/internal/TavContain.hpp"
-#include "TavThread/internal/TavThreadRecord.hpp"
+#include "TavThread/shared/TavContain.hpp"
+#include "TavThread/shared/TavThreadRecord.hpp"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include "QBLCore/Threads/QBLThreadConditionVariable.hpp"
 
-#include "QBLCore/Threads/internal/QBLLayerResult.hpp"
+#include "QBLCore/Threads/shared/QBLLayerResult.hpp"
 #include "TavThread/TavCondition.h"
-#include "TavThread/internal/TavMutexRecord.hpp"
+#include "TavThread/shared/TavMutexRecord.hpp"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include "QBLCore/Exceptions/QBLUnsupportedOperationError.hpp"
 #include "QBLCore/Threads/internal/QBLLayerMutex.hpp"
-#include "QBLCore/Threads/internal/QBLLayerResult.hpp"
+#include "QBLCore/Threads/shared/QBLLayerResult.hpp"
 
 namespace {
 

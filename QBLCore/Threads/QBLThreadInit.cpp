@@ -4,7 +4,7 @@
 
 #include "QBLCore/Exceptions/QBLThreadResourceError.hpp"
 #include "QBLCore/Threads/QBLThreadProcess.h"
-#include "QBLCore/Threads/internal/QBLLayerResult.hpp"
+#include "QBLCore/Threads/shared/QBLLayerResult.hpp"
 
 namespace {
 

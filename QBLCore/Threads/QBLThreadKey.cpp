@@ -1,6 +1,6 @@
 #include "QBLCore/Threads/QBLThreadKey.hpp"
 
-#include "QBLCore/Threads/internal/QBLLayerResult.hpp"
+#include "QBLCore/Threads/shared/QBLLayerResult.hpp"
 #include "TavThread/TavThreadKey.h"
 
 namespace {

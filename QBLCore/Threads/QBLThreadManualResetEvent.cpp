@@ -1,8 +1,8 @@
 #include "QBLCore/Threads/QBLThreadManualResetEvent.hpp"
 
-#include "QBLCore/Threads/internal/QBLLayerResult.hpp"
+#include "QBLCore/Threads/shared/QBLLayerResult.hpp"
 #include "TavThread/TavEvent.h"
-#include "TavThread/internal/TavEventRecord.hpp"
+#include "TavThread/shared/TavEventRecord.hpp"
 
 namespace {
 

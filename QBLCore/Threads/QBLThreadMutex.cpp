@@ -1,7 +1,7 @@
 #include "QBLCore/Threads/QBLThreadMutex.hpp"
 
 #include "QBLCore/Threads/internal/QBLLayerMutex.hpp"
-#include "QBLCore/Threads/internal/QBLLayerResult.hpp"
+#include "QBLCore/Threads/shared/QBLLayerResult.hpp"
 
 namespace {
 

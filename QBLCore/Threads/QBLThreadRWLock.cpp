@@ -1,8 +1,8 @@
 #include "QBLCore/Threads/QBLThreadRWLock.hpp"
 
-#include "QBLCore/Threads/internal/QBLLayerResult.hpp"
+#include "QBLCore/Threads/shared/QBLLayerResult.hpp"
 #include "TavThread/TavRWLock.h"
-#include "TavThread/internal/TavRWLockRecord.hpp"
+#include "TavThread/shared/TavRWLockRecord.hpp"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "QBLCore/Threads/QBLThreadRecursiveCriticalSection.hpp"
 
-#include "TavThread/internal/TavMutexRecord.hpp"
+#include "TavThread/shared/TavMutexRecord.hpp"
 
 QBLThreadRecursiveCriticalSection::QBLThreadRecursiveCriticalSection(int trackOwner)
     : QBLThreadCriticalSection(trackOwner, true) {}

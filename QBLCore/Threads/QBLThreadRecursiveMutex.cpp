@@ -1,6 +1,6 @@
 #include "QBLCore/Threads/QBLThreadRecursiveMutex.hpp"
 
-#include "TavThread/internal/TavMutexRecord.hpp"
+#include "TavThread/shared/TavMutexRecord.hpp"
 
 QBLThreadRecursiveMutex::QBLThreadRecursiveMutex(int trackOwner)
     : QBLThreadMutex(trackOwner, true) {}

@@ -2,9 +2,9 @@
 
 #include <climits>
 
-#include "QBLCore/Threads/internal/QBLLayerResult.hpp"
+#include "QBLCore/Threads/shared/QBLLayerResult.hpp"
 #include "TavThread/TavSemaphore.h"
-#include "TavThread/internal/TavSemaphoreRecord.hpp"
+#include "TavThread/shared/TavSemaphoreRecord.hpp"
 
 namespace {
 

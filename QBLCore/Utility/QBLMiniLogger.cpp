@@ -6,7 +6,7 @@
 #include "QBLCore/Base/QBLOpenRegular.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
 #include "QBLCore/Utility/QBLUtSystemInfo.hpp"
-#include "TavThread/internal/TavContain.hpp"
+#include "TavThread/shared/TavContain.hpp"
 
 namespace {
 

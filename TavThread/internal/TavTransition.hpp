@@ -1,7 +1,7 @@
 #ifndef TAVTHREAD_INTERNAL_TAVTRANSITION_HPP
 #define TAVTHREAD_INTERNAL_TAVTRANSITION_HPP
 
-#include "TavThread/internal/TavThreadRecord.hpp"
+#include "TavThread/shared/TavThreadRecord.hpp"
 
 /// A change of a thread's state, made under its transition mutex.
 class TavTransition {

@@ -4,7 +4,7 @@
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
-#include "TavThread/internal/TavContain.hpp"
+#include "TavThread/shared/TavContain.hpp"
 #include "i18n/cpp/converter/i18n_holders.hpp"
 #include "i18n/cpp/i18n_internal_resources.hpp"
 #include "i18n/cpp/locale/i18n_icu.hpp"

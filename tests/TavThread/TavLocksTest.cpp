@@ -5,7 +5,7 @@
 #include "TavThread/TavCondition.h"
 #include "TavThread/TavEvent.h"
 #include "TavThread/TavMutex.h"
-#include "TavThread/internal/TavMutexRecord.hpp"
+#include "TavThread/shared/TavMutexRecord.hpp"
 #include "tests/TavThread/TavSupport.hpp"
 #include "tests/support/FaultInjection.hpp"
 

@@ -2,7 +2,7 @@
 
 #include <thread>
 
-#include "TavThread/internal/TavRWLockRecord.hpp"
+#include "TavThread/shared/TavRWLockRecord.hpp"
 #include "tests/TavThread/TavSupport.hpp"
 
 namespace {

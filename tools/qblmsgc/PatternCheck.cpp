@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "QBLCore/Messages/internal/QBLPatternCheck.hpp"
+#include "QBLCore/Messages/shared/QBLPatternCheck.hpp"
 #include "tools/common/Utf8.hpp"
 
 namespace msgc {

@@ -5,8 +5,8 @@
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Threads/QBLThreadMutex.hpp"
 #include "QBLCore/Threads/QBLThreadSemaphore.hpp"
-#include "QBLCore/Threads/internal/QBLHasBegun.hpp"
-#include "TavThread/internal/TavContain.hpp"
+#include "QBLCore/Threads/shared/QBLHasBegun.hpp"
+#include "TavThread/shared/TavContain.hpp"
 
 /// A worker of a pool of a fixed size. A task may end the thread that it is run on: the worker then
 /// goes on with another one. It has two, and the one that ends starts the one that ended before it.

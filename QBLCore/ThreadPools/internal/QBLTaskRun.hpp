@@ -4,7 +4,7 @@
 #include "QBLCore/Base/QBLNoCancel.hpp"
 #include "QBLCore/ThreadPools/QBLSentinelQueue.hpp"
 #include "QBLCore/Threads/QBLThread.hpp"
-#include "TavThread/internal/TavContain.hpp"
+#include "TavThread/shared/TavContain.hpp"
 
 /// Stack of the workers of the fixed and the variable pool, in bytes.
 constexpr unsigned long kPoolStackSize = 4096000;

@@ -2,7 +2,7 @@
 #define QBLCORE_THREADS_INTERNAL_QBLLAYERMUTEX_HPP
 
 #include "TavThread/TavMutex.h"
-#include "TavThread/internal/TavMutexRecord.hpp"
+#include "TavThread/shared/TavMutexRecord.hpp"
 
 /// The layer mutex of QBLThreadMutex and QBLThreadCriticalSection.
 /// @return the layer's result; *out is null when it is not 0.

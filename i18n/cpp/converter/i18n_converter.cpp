@@ -11,7 +11,7 @@
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
-#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
+#include "QBLCore/Exceptions/shared/QBLThrowNoMemory.hpp"
 #include "i18n/cpp/converter/i18n_encodings.hpp"
 #include "i18n/cpp/converter/i18n_holders.hpp"
 #include "i18n/cpp/converter/i18n_icu_calls.hpp"

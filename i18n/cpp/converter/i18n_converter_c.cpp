@@ -1,7 +1,7 @@
 #include "i18n/cpp/i18n_converter_c.h"
 
 #include "QBLCore/Exceptions/QBLThrow.hpp"
-#include "TavThread/internal/TavContain.hpp"
+#include "TavThread/shared/TavContain.hpp"
 #include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/i18n_string.hpp"

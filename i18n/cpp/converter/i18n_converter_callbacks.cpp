@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "TavThread/internal/TavContain.hpp"
+#include "TavThread/shared/TavContain.hpp"
 #include "i18n/cpp/locale/i18n_icu.hpp"
 #include "i18n/cpp/locale/i18n_settings.hpp"
 

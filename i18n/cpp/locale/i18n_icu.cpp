@@ -7,7 +7,7 @@
 
 #include <string>
 
-#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
+#include "QBLCore/Exceptions/shared/QBLThrowNoMemory.hpp"
 #include "i18n/cpp/i18n_platform_encoding.h"
 #include "i18n/cpp/resources/i18n_bin_dir.hpp"
 #include "i18n/cpp/string/i18n_normal_form.hpp"

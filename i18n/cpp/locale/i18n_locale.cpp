@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
-#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
+#include "QBLCore/Exceptions/shared/QBLThrowNoMemory.hpp"
 #include "i18n/cpp/i18n_string.hpp"
 #include "i18n/cpp/locale/i18n_icu.hpp"
 #include "i18n/cpp/locale/i18n_locale_names.hpp"

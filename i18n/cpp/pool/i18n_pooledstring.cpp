@@ -8,7 +8,7 @@
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLIllegalArgumentError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
-#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
+#include "QBLCore/Exceptions/shared/QBLThrowNoMemory.hpp"
 #include "QBLCore/QBLCustodian/QBLCustodian.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "i18n/cpp/pool/i18n_pool_bucket.hpp"

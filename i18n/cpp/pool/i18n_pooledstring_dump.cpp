@@ -10,7 +10,7 @@
 #include "QBLCore/Base/QBLOpenRegular.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Utility/QBLUtSystemInfo.hpp"
-#include "TavThread/internal/TavContain.hpp"
+#include "TavThread/shared/TavContain.hpp"
 #include "i18n/cpp/pool/i18n_pool_bucket.hpp"
 
 namespace {

@@ -12,7 +12,7 @@
 #include "QBLCore/Base/QBLImmortal.hpp"
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
-#include "QBLCore/FileManagement/internal/QBLFmSetting.hpp"
+#include "QBLCore/FileManagement/shared/QBLFmSetting.hpp"
 #include "i18n/cpp/resources/i18n_text_file.hpp"
 
 namespace {

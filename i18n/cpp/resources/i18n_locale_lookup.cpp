@@ -6,7 +6,7 @@
 
 #include "QBLCore/Base/QBLImmortal.hpp"
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
-#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
+#include "QBLCore/Exceptions/shared/QBLThrowNoMemory.hpp"
 #include "i18n/cpp/locale/i18n_icu.hpp"
 #include "i18n/cpp/locale/i18n_locale_names.hpp"
 #include "i18n/cpp/resources/i18n_internal_data.hpp"

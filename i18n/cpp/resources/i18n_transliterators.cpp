@@ -1,6 +1,6 @@
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
-#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
+#include "QBLCore/Exceptions/shared/QBLThrowNoMemory.hpp"
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/resources/i18n_internal_data.hpp"
 #include "i18n/cpp/resources/i18n_xml_entities.hpp"

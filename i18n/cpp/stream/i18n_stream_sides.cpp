@@ -12,8 +12,8 @@
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
-#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
-#include "TavThread/internal/TavContain.hpp"
+#include "QBLCore/Exceptions/shared/QBLThrowNoMemory.hpp"
+#include "TavThread/shared/TavContain.hpp"
 #include "i18n/cpp/converter/i18n_converter_access.hpp"
 #include "i18n/cpp/i18n_converter_callbacks.hpp"
 #include "i18n/cpp/i18n_errors.hpp"

@@ -3,7 +3,7 @@
 
 #include <stdexcept>
 
-#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
+#include "QBLCore/Exceptions/shared/QBLThrowNoMemory.hpp"
 
 /// Ends what QBL_ALLOC_TRY begins, where text goes through the standard library's strings. At 32
 /// bits they hold less than ours, so a length that they refuse is memory that there is not.

@@ -4,8 +4,8 @@
 #include <cstdlib>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
-#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
-#include "TavThread/internal/TavContain.hpp"
+#include "QBLCore/Exceptions/shared/QBLThrowNoMemory.hpp"
+#include "TavThread/shared/TavContain.hpp"
 #include "i18n/cpp/i18n_error_codes.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstring>
 
-#include "TavThread/internal/TavContain.hpp"
+#include "TavThread/shared/TavContain.hpp"
 #include "i18n/cpp/converter/i18n_encodings.hpp"
 #include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/i18n_error_codes.h"

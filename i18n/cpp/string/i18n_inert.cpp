@@ -5,7 +5,7 @@
 #include <atomic>
 #include <cstdint>
 
-#include "TavThread/internal/TavContain.hpp"
+#include "TavThread/shared/TavContain.hpp"
 #include "i18n/cpp/string/i18n_normal_form.hpp"
 #include "i18n/cpp/utf/i18n_utf.hpp"
 

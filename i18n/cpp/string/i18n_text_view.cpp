@@ -4,7 +4,7 @@
 #include <cwchar>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
-#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
+#include "QBLCore/Exceptions/shared/QBLThrowNoMemory.hpp"
 
 void i18nThrowTooLong() { qblThrowNoMemory(QBL_HERE, "malloc failed to allocate memory."); }
 

@@ -3,7 +3,7 @@
 #include <climits>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
-#include "QBLCore/Exceptions/internal/QBLThrowNoMemory.hpp"
+#include "QBLCore/Exceptions/shared/QBLThrowNoMemory.hpp"
 #include "i18n/cpp/string/i18n_allocation.hpp"
 #include "i18n/cpp/string/i18n_url_encoding.hpp"
 

@@ -1,5 +1,5 @@
-#ifndef TAVTHREAD_INTERNAL_TAVRWLOCKRECORD_HPP
-#define TAVTHREAD_INTERNAL_TAVRWLOCKRECORD_HPP
+#ifndef TAVTHREAD_SHARED_TAVRWLOCKRECORD_HPP
+#define TAVTHREAD_SHARED_TAVRWLOCKRECORD_HPP
 
 #include <pthread.h>
 
@@ -7,7 +7,7 @@
 #include <cstdint>
 
 #include "TavThread/TavRWLock.h"
-#include "TavThread/internal/TavHandOver.hpp"
+#include "TavThread/shared/TavHandOver.hpp"
 
 constexpr std::uint32_t kTavRWWaiters = 0x80000000U;
 constexpr std::uint32_t kTavRWWriter = 0x40000000U;

@@ -1,5 +1,5 @@
-#ifndef TAVTHREAD_INTERNAL_TAVHANDOVER_HPP
-#define TAVTHREAD_INTERNAL_TAVHANDOVER_HPP
+#ifndef TAVTHREAD_SHARED_TAVHANDOVER_HPP
+#define TAVTHREAD_SHARED_TAVHANDOVER_HPP
 
 // A program compiled for ThreadSanitizer, with a library that is not, shows it the calls of the
 // POSIX functions, but not what the library hands over by atomics alone. These tell it. They cost a

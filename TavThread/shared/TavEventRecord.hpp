@@ -1,12 +1,12 @@
-#ifndef TAVTHREAD_INTERNAL_TAVEVENTRECORD_HPP
-#define TAVTHREAD_INTERNAL_TAVEVENTRECORD_HPP
+#ifndef TAVTHREAD_SHARED_TAVEVENTRECORD_HPP
+#define TAVTHREAD_SHARED_TAVEVENTRECORD_HPP
 
 #include <pthread.h>
 
 #include <atomic>
 
 #include "TavThread/TavEvent.h"
-#include "TavThread/internal/TavHandOver.hpp"
+#include "TavThread/shared/TavHandOver.hpp"
 
 enum TavEventFlags : unsigned {
     kTavEventManualReset = 1,

@@ -1,5 +1,5 @@
-#ifndef TAVTHREAD_INTERNAL_TAVSEMAPHORERECORD_HPP
-#define TAVTHREAD_INTERNAL_TAVSEMAPHORERECORD_HPP
+#ifndef TAVTHREAD_SHARED_TAVSEMAPHORERECORD_HPP
+#define TAVTHREAD_SHARED_TAVSEMAPHORERECORD_HPP
 
 #include <semaphore.h>
 
@@ -7,7 +7,7 @@
 #include <cstdint>
 
 #include "TavThread/TavSemaphore.h"
-#include "TavThread/internal/TavHandOver.hpp"
+#include "TavThread/shared/TavHandOver.hpp"
 
 enum TavSemaphoreFlags : unsigned { kTavSemaphoreInitialized = 1, kTavSemaphoreSyntaxTraced = 2 };
 
