@@ -7,12 +7,10 @@
 
 #include "QBLCore/Base/QBLNoCancel.hpp"
 
-/// Closing a file is where a cancellation may take effect.
-using QBLFmNoCancel = QBLNoCancel;
-
-/// Closes a descriptor, leaving errno alone.
+/// Closes a descriptor, leaving errno alone. Closing a file is where a cancellation would take
+/// effect.
 inline void qblCloseQuietly(int fd) {
-    const QBLFmNoCancel noCancel;
+    const QBLNoCancel noCancel;
     const int error = errno;
     ::close(fd);
     errno = error;

@@ -27,18 +27,18 @@ inline bool qblIsAbsence(int error) {
     }
 }
 
-enum class QBLFmLook { There, NotThere, NotSeen };
+enum class QBLFileLook { There, NotThere, NotSeen };
 
 /// Looks for a regular file that we may read.
 /// @throws std::bad_alloc when the system had no memory to look
-inline QBLFmLook qblLookForFile(const char* path) {
-    QBLFmStatus status;
+inline QBLFileLook qblLookForFile(const char* path) {
+    QBLFileStatus status;
     if (status.get(path)) {
-        if (!status.isRegular()) return QBLFmLook::NotThere;
-        if (faccessat(AT_FDCWD, path, R_OK, AT_EACCESS) == 0) return QBLFmLook::There;
+        if (!status.isRegular()) return QBLFileLook::NotThere;
+        if (faccessat(AT_FDCWD, path, R_OK, AT_EACCESS) == 0) return QBLFileLook::There;
     }
     if (errno == ENOMEM) throw std::bad_alloc();
-    return qblIsAbsence(errno) ? QBLFmLook::NotThere : QBLFmLook::NotSeen;
+    return qblIsAbsence(errno) ? QBLFileLook::NotThere : QBLFileLook::NotSeen;
 }
 
 #endif

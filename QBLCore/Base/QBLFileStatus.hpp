@@ -8,7 +8,7 @@
 
 /// What the library asks of a file. It comes from statx(2): in a 32-bit program the older calls
 /// fail for every file that has a time after 2038.
-class QBLFmStatus {
+class QBLFileStatus {
 public:
     /// @param flags  as of fstatat(2)
     /// @return false with errno set
@@ -31,7 +31,7 @@ public:
     unsigned minor() const { return m_status.stx_dev_minor; }
     std::int64_t modifiedSeconds() const { return m_status.stx_mtime.tv_sec; }
     unsigned modifiedNanoseconds() const { return m_status.stx_mtime.tv_nsec; }
-    bool isSameFile(const QBLFmStatus& other) const {
+    bool isSameFile(const QBLFileStatus& other) const {
         return m_status.stx_ino == other.m_status.stx_ino &&
                m_status.stx_dev_major == other.m_status.stx_dev_major &&
                m_status.stx_dev_minor == other.m_status.stx_dev_minor;

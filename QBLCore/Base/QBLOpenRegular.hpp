@@ -13,7 +13,7 @@
 /// too is refused, because that may be a file of ours elsewhere.
 /// @param flags  as of open(2)
 /// @return -1 with errno set
-inline int qblOpenRegular(const char* path, int flags, QBLFmStatus& status, unsigned mode = 0) {
+inline int qblOpenRegular(const char* path, int flags, QBLFileStatus& status, unsigned mode = 0) {
     const int fd = open64(path, flags | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, mode);
     if (fd < 0) return -1;
     const bool known = status.get(fd);

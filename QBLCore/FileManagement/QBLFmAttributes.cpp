@@ -41,7 +41,7 @@ bool readSized(std::string& out, Call&& call) {
 class Attributes {
 public:
     explicit Attributes(int fd) : m_path("/proc/self/fd/" + std::to_string(fd)) {
-        QBLFmStatus byPath, open;
+        QBLFileStatus byPath, open;
         if (!byPath.get(m_path.c_str()) || !open.get(fd) || !open.isSameFile(byPath))
             m_path.clear();
     }

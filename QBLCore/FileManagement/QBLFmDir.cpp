@@ -6,7 +6,7 @@
 
 bool QBLFmDir::exists(const char* path, unsigned short mode) {
     if (path == nullptr) return qblFail(EFAULT);
-    QBLFmStatus status;
+    QBLFileStatus status;
     if (!status.get(path)) return false;
     const unsigned type = mode & static_cast<unsigned>(S_IFMT), permissions = mode & ~type;
     if ((status.mode() & S_IFMT) != type)

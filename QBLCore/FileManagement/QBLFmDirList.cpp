@@ -72,7 +72,7 @@ private:
 
 bool isDirectory(int fd, const dirent64& entry) {
     if (entry.d_type != DT_UNKNOWN && entry.d_type != DT_LNK) return entry.d_type == DT_DIR;
-    QBLFmStatus status;
+    QBLFileStatus status;
     return status.get(fd, entry.d_name, 0) && status.isDirectory();
 }
 

@@ -22,7 +22,7 @@ bool endsInSeparator(const std::string& path) {
 }
 
 bool isFile(const std::string& path) {
-    QBLFmStatus status;
+    QBLFileStatus status;
     return status.get(path.c_str()) && !status.isDirectory();
 }
 

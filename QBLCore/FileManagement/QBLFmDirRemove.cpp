@@ -40,7 +40,7 @@ public:
 private:
     struct Level {
         std::string name;  // in the directory above
-        QBLFmStatus identity;
+        QBLFileStatus identity;
         std::vector<std::string> subdirs;  // still to be removed
     };
 
@@ -66,13 +66,13 @@ private:
 
     bool isDirectory(const dirent64& entry) const {
         if (entry.d_type != DT_UNKNOWN) return entry.d_type == DT_DIR;
-        QBLFmStatus status;
+        QBLFileStatus status;
         return status.get(m_fd, entry.d_name, AT_SYMLINK_NOFOLLOW) && status.isDirectory();
     }
 
     bool descend(std::string name) {
         const int fd = openat64(m_fd, name.c_str(), kOpenFlags);
-        QBLFmStatus above;
+        QBLFileStatus above;
         if (fd >= 0 && above.get(fd, "..", 0)) {
             qblCloseQuietly(m_fd);
             m_fd = fd;
@@ -91,7 +91,7 @@ private:
         if (!note(fd >= 0)) return false;
         qblCloseQuietly(m_fd);
         m_fd = fd;
-        QBLFmStatus status;
+        QBLFileStatus status;
         if (!note(status.get(fd))) return false;
         if (!status.isSameFile(above.identity)) return note(qblFail(ESTALE));
         note(unlinkat(m_fd, m_levels.back().name.c_str(), AT_REMOVEDIR) == 0);
@@ -124,7 +124,7 @@ std::string parentOf(std::string path) {
 // directory that the rest of its path leads to. Above a root is the root itself; and above what
 // "." and ".." lead to is never the directory that the path has them in.
 bool isWherePathSays(const std::string& path, int fd) {
-    QBLFmStatus self, above, parent;
+    QBLFileStatus self, above, parent;
     if (!self.get(fd) || !above.get(fd, "..", 0) || !parent.get(parentOf(path).c_str()))
         return false;
     if (above.isSameFile(self)) return qblFail(EBUSY);

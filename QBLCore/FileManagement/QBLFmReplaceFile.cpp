@@ -112,7 +112,7 @@ bool QBLFmReplaceFile::create() {
     const Descriptor from(openat64(m_iDirectory, m_name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     const bool replaces = from.fd >= 0;
     if (!replaces && errno != ENOENT) return false;
-    QBLFmStatus old;
+    QBLFileStatus old;
     if (replaces && !old.get(from.fd)) return false;
     if (replaces && !old.isRegular()) return qblFail(old.isDirectory() ? EISDIR : EINVAL);
     if (replaces && faccessat(m_iDirectory, m_name.c_str(), W_OK, AT_EACCESS) != 0) return false;
@@ -126,7 +126,7 @@ bool QBLFmReplaceFile::create() {
     }
     m_uMode = kModeOfANewFile;
     if (m_iFile < 0 || !replaces) return m_iFile >= 0;
-    QBLFmStatus status;
+    QBLFileStatus status;
     if (!keepOwnerAndMode(old.mode(), old.user(), old.group()) || !status.get(m_iFile))
         return false;
     unsigned mode = m_uMode;
@@ -137,7 +137,7 @@ bool QBLFmReplaceFile::create() {
 
 // The mode itself comes with commit(): a write takes the set-id bits off.
 bool QBLFmReplaceFile::keepOwnerAndMode(unsigned mode, unsigned user, unsigned group) {
-    QBLFmStatus status;
+    QBLFileStatus status;
     if (!status.get(m_iFile)) return false;
     if (status.user() != user || status.group() != group) {
         if (fchown(m_iFile, user, group) != 0 &&
@@ -216,7 +216,7 @@ bool QBLFmReplaceFile::commit() {
 }
 
 bool QBLFmReplaceFile::hasName(const char* name, int file) {
-    QBLFmStatus named, opened;
+    QBLFileStatus named, opened;
     return named.get(m_iDirectory, name, AT_SYMLINK_NOFOLLOW) && opened.get(file) &&
            (named.isSameFile(opened) || qblFail(ESTALE));
 }

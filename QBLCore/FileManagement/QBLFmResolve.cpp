@@ -24,7 +24,7 @@ public:
             const std::string next = takeName();
             const bool last = m_rest.find_first_not_of('/') == std::string::npos;
             if (last && (next.empty() || qblIsDots(next.c_str()))) return failed(EISDIR);
-            QBLFmStatus status;
+            QBLFileStatus status;
             const bool there = status.get(m_fd, next.c_str(), AT_SYMLINK_NOFOLLOW);
             if (!there && (errno != ENOENT || !last)) return -1;
             if (there && status.isLink()) {
@@ -66,9 +66,9 @@ private:
         m_rest.erase(0, to);
         return name;
     }
-    bool follow(const std::string& name, const QBLFmStatus& link) {
+    bool follow(const std::string& name, const QBLFileStatus& link) {
         if (++m_iLinks > kMostLinks) return qblFail(ELOOP);
-        QBLFmStatus dir;
+        QBLFileStatus dir;
         if (!dir.get(m_fd)) return false;
         const bool anybodys = (dir.mode() & (S_ISVTX | S_IWOTH)) == (S_ISVTX | S_IWOTH);
         if (anybodys && link.user() != geteuid() && link.user() != dir.user())

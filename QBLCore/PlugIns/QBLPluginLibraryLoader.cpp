@@ -23,7 +23,7 @@ const char kNoReason[] = "The system gives no reason.";
 
 /// False also for what is not there.
 bool isSpecialFile(const char* path) {
-    QBLFmStatus status;
+    QBLFileStatus status;
     return status.get(path) && !status.isRegular();
 }
 

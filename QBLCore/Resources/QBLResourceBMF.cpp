@@ -47,7 +47,7 @@ bool QBLResourceBMF::open() {
     drop();
     m_file.close();
     // Whatever is no regular file may wait for a writer, or never end.
-    QBLFmStatus status;
+    QBLFileStatus status;
     if (!status.get(getResourceFileName().c_str()) || !status.isRegular()) return false;
     if (!m_file.open(getResourceFileName().c_str(), QBLFmFile::existing, 1)) return false;
     if (readIndex() && (m_preload == 0 || readTexts())) {

@@ -76,9 +76,9 @@ std::list<std::string> fileNames(const std::string& baseName, const char* locale
 std::string findFile(const std::string& baseName, const char* localeIDs, bool& sure) {
     sure = true;
     for (const std::string& candidate : QBLResourceFactory::getCandidates(baseName, localeIDs)) {
-        const QBLFmLook seen = qblLookForFile(candidate.c_str());
-        if (seen == QBLFmLook::There) return candidate;
-        sure = sure && seen == QBLFmLook::NotThere;
+        const QBLFileLook seen = qblLookForFile(candidate.c_str());
+        if (seen == QBLFileLook::There) return candidate;
+        sure = sure && seen == QBLFileLook::NotThere;
     }
     return std::string();
 }

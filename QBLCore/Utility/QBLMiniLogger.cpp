@@ -29,7 +29,7 @@ QBLMiniLogger::QBLMiniLogger(const char* name) : m_pStream(nullptr) {
 }
 
 QBLMiniLogger::~QBLMiniLogger() {
-    const QBLFmNoCancel noCancel;
+    const QBLNoCancel noCancel;
     if (m_pStream != nullptr) std::fclose(m_pStream);
 }
 
@@ -41,7 +41,7 @@ void QBLMiniLogger::init(const char* name) {
         if (!staysBelow(file)) return;
         std::string path = kDirectory + file;
         QBLFmDir::resolveEffectivePath(path);
-        QBLFmStatus status;
+        QBLFileStatus status;
         const int fd = qblOpenRegular(path.c_str(), O_RDWR | O_CREAT | O_APPEND, status, 0666);
         if (fd < 0) return;
         m_pStream = fdopen(fd, "a+");

@@ -40,7 +40,7 @@ constexpr int kNoCage = 77;
 /// much there reaches nothing else.
 int inCage(const TempTree& tree, const std::function<int()>& body) {
     return inChild([&] {
-        QBLFmStatus cage, seen;
+        QBLFileStatus cage, seen;
         if (!cage.get(tree.root())) return kNoCage;
         if (chroot(tree.root()) != 0 && (unshare(CLONE_NEWUSER) != 0 || chroot(tree.root()) != 0))
             return kNoCage;
@@ -303,7 +303,7 @@ TEST(QBLFmDirTest, MakesTemporaryNamesThatNobodyForesees) {
         std::string path;
         EXPECT_TRUE(i % 2 == 0 ? QBLFmDir::createPrivateTempDir(tree.root(), "t", path)
                                : QBLFmDir::createPrivateTempFile(tree.root(), "t", path, ".x"));
-        QBLFmStatus status;
+        QBLFileStatus status;
         ASSERT_TRUE(status.get(path.c_str()));
         EXPECT_EQ(i % 2 == 0 ? S_IFDIR | 0700U : S_IFREG | 0600U, status.mode());
         EXPECT_TRUE(names.insert(path.substr(path.size() - 6)).second) << "no counter";

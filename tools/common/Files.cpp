@@ -18,7 +18,7 @@ std::string nameOf(const std::string& path) { return path.substr(path.rfind('/')
 }  // namespace
 
 bool isSameFile(const std::string& a, const std::string& b) {
-    QBLFmStatus first, second;
+    QBLFileStatus first, second;
     const bool isFirst = first.get(a.c_str()), isSecond = second.get(b.c_str());
     if (isFirst || isSecond) return isFirst && isSecond && first.isSameFile(second);
     return nameOf(a) == nameOf(b) && first.get(directoryOf(a).c_str()) &&
@@ -26,7 +26,7 @@ bool isSameFile(const std::string& a, const std::string& b) {
 }
 
 bool isAbsent(const std::string& path) {
-    QBLFmStatus status;
+    QBLFileStatus status;
     return !status.get(path.c_str()) && (errno == ENOENT || errno == ENOTDIR);
 }
 

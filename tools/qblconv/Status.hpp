@@ -10,7 +10,7 @@ namespace conv {
 
 /// What a file was when it was looked at; by the library's calls, which know times after 2038 and
 /// wide inodes at 32 bits too.
-class FileStatus : public QBLFmStatus {
+class FileStatus : public QBLFileStatus {
 public:
     /// A file, whatever it is called.
     using Identity = std::tuple<unsigned, unsigned, std::uint64_t>;

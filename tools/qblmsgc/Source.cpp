@@ -17,7 +17,7 @@ namespace msgc {
 namespace {
 
 bool isPipe(int descriptor) {
-    QBLFmStatus status;
+    QBLFileStatus status;
     return status.get(descriptor) && S_ISFIFO(status.mode());
 }
 

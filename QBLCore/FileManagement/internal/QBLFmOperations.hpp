@@ -109,7 +109,7 @@ struct QBLFmOperations {
     template <class File>
     static Offset getLength(File& self, const QBLFmDescriptor& file) {
         if (!file.isOpen()) return Calls::kNoLength;
-        QBLFmStatus status;
+        QBLFileStatus status;
         const bool known = status.get(file.m_iDescriptor);
         if (known && status.size() <= static_cast<std::uint64_t>(Calls::kLongest))
             return static_cast<Offset>(status.size());
@@ -171,7 +171,7 @@ private:
     /// there now, because it would never come to its end. In that case, where to copy from too.
     static bool findRest(const QBLFmDescriptor& file, const QBLFmDescriptor& source,
                          std::int64_t& rest, std::int64_t& from) {
-        QBLFmStatus a, b;
+        QBLFileStatus a, b;
         if (!a.get(file.m_iDescriptor) || !b.get(source.m_iDescriptor)) return false;
         if (!a.isSameFile(b) || !a.isRegular()) return true;
         from = lseek64(source.m_iDescriptor, 0, SEEK_CUR);

@@ -79,7 +79,7 @@ public:
         return entry;
     }
     void close() {
-        const QBLFmNoCancel noCancel;
+        const QBLNoCancel noCancel;
         const int error = errno;
         if (m_pStream != nullptr) closedir(m_pStream);
         m_pStream = nullptr;

@@ -42,7 +42,7 @@ std::string_view takeWord(std::string_view& text) {
 
 /// Whether only the user or the administrator can have decided what is in a file; the user may
 /// have let the own group do so.
-bool isTrusted(const QBLFmStatus& file) {
+bool isTrusted(const QBLFileStatus& file) {
     const bool byGroup = (file.mode() & S_IWGRP) != 0 && file.group() != getegid();
     return (file.user() == geteuid() || file.user() == 0) && !byGroup &&
            (file.mode() & S_IWOTH) == 0;
@@ -55,7 +55,7 @@ bool isTrusted(const QBLFmStatus& file) {
 /// @return false if it might be there, but could not be opened or read.
 bool readFile(char (&bytes)[kMostBytes], std::size_t& length) {
     length = 0;
-    QBLFmStatus status;
+    QBLFileStatus status;
     const int fd = qblOpenRegular("I18NPooledString.conf", O_RDONLY, status);
     if (fd < 0) return qblIsAbsence(errno);
     ssize_t got = isTrusted(status) ? 1 : 0;

@@ -23,7 +23,7 @@ int openDumpFile() {
     char name[48];
     std::snprintf(name, sizeof name, "I18NPooledStringDump%lu.log",
                   QBLUtSystemInfo::getProcessId());
-    QBLFmStatus status;
+    QBLFileStatus status;
     const int fd = qblOpenRegular(name, O_WRONLY | O_CREAT | O_APPEND, status, 0600);
     if (fd < 0 || (status.user() == geteuid() && (status.mode() & 07177) == 0)) return fd;
     qblCloseQuietly(fd);

@@ -180,9 +180,9 @@ std::vector<Place> placesOf(const char* base, const I18NLocale& locale) {
 bool findResourceFile(std::string& path, std::string& name, const char* base,
                       const I18NLocale& locale) {
     for (const Place& place : placesOf(base, locale)) {
-        const QBLFmLook seen = qblLookForFile(place.path.c_str());
-        if (seen == QBLFmLook::NotThere) continue;
-        if (seen == QBLFmLook::NotSeen) return false;
+        const QBLFileLook seen = qblLookForFile(place.path.c_str());
+        if (seen == QBLFileLook::NotThere) continue;
+        if (seen == QBLFileLook::NotSeen) return false;
         path = place.path;
         name = place.name;
         return true;

@@ -21,7 +21,7 @@ I18NTextFile::I18NTextFile(const char* path) {
         settle(errno);
         return;
     }
-    QBLFmStatus status;
+    QBLFileStatus status;
     const bool known = status.get(fd);
     if (known && !status.isRegular()) errno = EINVAL;
     if (known && status.isRegular()) m_pFile.reset(fdopen(fd, "r"));
@@ -37,7 +37,7 @@ void I18NTextFile::settle(int error) {
 }
 
 void I18NTextFile::Close::operator()(std::FILE* file) const {
-    const QBLFmNoCancel noCancel;
+    const QBLNoCancel noCancel;
     std::fclose(file);
 }
 
