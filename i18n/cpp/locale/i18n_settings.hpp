@@ -40,12 +40,6 @@ struct I18NSettings {
     /// @return what the settings of the locale are, if they are in use; else null.
     const I18NLocaleSettings* find(const I18NLocale& locale) const;
 
-    /// Reads a resource file. What is not understood, a number out of its range, an encoding that
-    /// ICU does not know, is left out, and nothing else with it.
-    /// @param seen  receives whether the file could be looked at; one that is not there could
-    /// @return null when the file cannot be opened or read.
-    static std::unique_ptr<I18NSettings> load(const std::string& path, bool& seen);
-
     /// Those that count now: the defaults until some are published.
     ///
     /// Threads: any thread. Strings and converters look things up whenever they are used, while the

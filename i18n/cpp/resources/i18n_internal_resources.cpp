@@ -11,6 +11,7 @@
 #include "i18n/cpp/locale/i18n_icu.hpp"
 #include "i18n/cpp/resources/i18n_bin_dir.hpp"
 #include "i18n/cpp/resources/i18n_internal_data.hpp"
+#include "i18n/cpp/resources/i18n_settings_file.hpp"
 #include "i18n/cpp/string/i18n_allocation.hpp"
 
 namespace {
@@ -81,8 +82,8 @@ void I18NInternalResources::loadSequenceTable() {
     QBL_ALLOC_TRY
     const std::string path = qblImmortal<ResPath>().get();
     bool seen = true;
-    auto settings = I18NSettings::load(i18nResolveBinDir(path), seen);
-    if (settings == nullptr && seen) settings = I18NSettings::load(inShareDirectory(path), seen);
+    auto settings = i18nLoadSettings(i18nResolveBinDir(path), seen);
+    if (settings == nullptr && seen) settings = i18nLoadSettings(inShareDirectory(path), seen);
     if (settings == nullptr) return;
     I18NSettings::publish(std::move(settings));
     m_data.replaceScaledZero = I18NSettings::now().replaceScaledZero;
