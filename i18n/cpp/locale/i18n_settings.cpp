@@ -73,6 +73,34 @@ bool I18NSettings::isNonNormalizable(std::u16string_view text) const {
     return false;
 }
 
+char32_t I18NSettings::getJaSubstitution(char32_t codePoint) const {
+    const auto found = jaSubstitutions.find(codePoint);
+    return found != jaSubstitutions.end() ? found->second : codePoint;
+}
+
+bool I18NSettings::substituteJa(std::u16string& text) const {
+    if (jaSubstitutions.empty()) return false;
+    std::u16string result;
+    bool any = false;
+    for (std::size_t i = 0; i < text.size();) {
+        const std::size_t begin = i;
+        char32_t codePoint;
+        U16_NEXT(text.data(), i, text.size(), codePoint);
+        const char32_t other = getJaSubstitution(codePoint);
+        if (other == codePoint) {
+            result.append(text, begin, i - begin);
+            continue;
+        }
+        char16_t units[U16_MAX_LENGTH];
+        std::size_t length = 0;
+        U16_APPEND_UNSAFE(units, length, other);
+        result.append(units, length);
+        any = true;
+    }
+    if (any) text.swap(result);
+    return any;
+}
+
 const I18NSettings& I18NSettings::now() {
     const I18NSettings* settings = g_now.load(std::memory_order_acquire);
     return settings != nullptr ? *settings : qblImmortal<I18NSettings>();

@@ -37,6 +37,11 @@ struct I18NSettings {
 
     /// Whether a text has one of the characters that must not be normalised.
     bool isNonNormalizable(std::u16string_view text) const;
+    /// What stands for a character in Japanese text; itself for most.
+    char32_t getJaSubstitution(char32_t codePoint) const;
+    /// Replaces characters in Japanese text. @return whether there were any
+    /// @throws std::bad_alloc, std::length_error, with nothing changed
+    bool substituteJa(std::u16string& text) const;
     /// @return what the settings of the locale are, if they are in use; else null.
     const I18NLocaleSettings* find(const I18NLocale& locale) const;
 

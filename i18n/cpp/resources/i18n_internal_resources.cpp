@@ -1,7 +1,5 @@
 #include "i18n/cpp/i18n_internal_resources.hpp"
 
-#include <unicode/utf16.h>
-
 #include <algorithm>
 #include <cwchar>
 
@@ -132,32 +130,11 @@ bool I18NInternalResources::isNonNormalizable(std::u16string_view text) const {
 }
 
 char32_t I18NInternalResources::getJaSubstitution(char32_t codePoint) const {
-    const auto& all = I18NSettings::now().jaSubstitutions;
-    const auto found = all.find(codePoint);
-    return found != all.end() ? found->second : codePoint;
+    return I18NSettings::now().getJaSubstitution(codePoint);
 }
 
 bool I18NInternalResources::substituteJa(std::u16string& text) const {
-    if (I18NSettings::now().jaSubstitutions.empty()) return false;
     QBL_ALLOC_TRY
-    std::u16string result;
-    bool any = false;
-    for (std::size_t i = 0; i < text.size();) {
-        const std::size_t begin = i;
-        char32_t codePoint;
-        U16_NEXT(text.data(), i, text.size(), codePoint);
-        const char32_t other = getJaSubstitution(codePoint);
-        if (other == codePoint) {
-            result.append(text, begin, i - begin);
-            continue;
-        }
-        char16_t units[U16_MAX_LENGTH];
-        std::size_t length = 0;
-        U16_APPEND_UNSAFE(units, length, other);
-        result.append(units, length);
-        any = true;
-    }
-    if (any) text.swap(result);
-    return any;
+    return I18NSettings::now().substituteJa(text);
     I18N_ALLOC_CATCH
 }

@@ -10,7 +10,7 @@
 #include "QBLCore/Exceptions/shared/QBLThrowNoMemory.hpp"
 #include "i18n/cpp/i18n_error_codes.h"
 #include "i18n/cpp/i18n_errors.hpp"
-#include "i18n/cpp/i18n_internal_resources.hpp"
+#include "i18n/cpp/locale/i18n_settings.hpp"
 #include "i18n/cpp/string/i18n_inert.hpp"
 
 namespace {
@@ -156,7 +156,7 @@ bool i18nNormalize(const icu::Normalizer2& form, const icu::UnicodeString& text,
 bool i18nSubstituteJa(icu::UnicodeString& text) {
     require(text);  // it may be a copy that there was no memory for
     std::u16string units(i18nUnits(text));
-    if (!I18NInternalResources::getInternalResources().substituteJa(units)) return false;
+    if (!I18NSettings::now().substituteJa(units)) return false;
     text.setTo(units.data(), static_cast<int32_t>(units.size()));
     require(text);
     return true;

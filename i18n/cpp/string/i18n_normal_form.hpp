@@ -16,7 +16,8 @@ const icu::Normalizer2& i18nNormalizer(I18NNormalizationForms form);
 /// @throws I18NRuntimeError, QBLOutOfMemoryError
 bool i18nNormalize(const icu::Normalizer2& form, const icu::UnicodeString& text,
                    icu::UnicodeString& result);
-/// Makes the Japanese substitutions of the resources. @return whether there were any.
+/// Makes the Japanese substitutions of the settings. @return whether there were any.
+/// @throws QBLOutOfMemoryError, std::bad_alloc, std::length_error
 bool i18nSubstituteJa(icu::UnicodeString& text);
 /// Three texts as one. Work is done on ICU's strings, which can be as long as ours; those of the
 /// standard library cannot, at 32 bits.
