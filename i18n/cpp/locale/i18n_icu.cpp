@@ -1,35 +1,16 @@
 #include "i18n/cpp/locale/i18n_icu.hpp"
 
 #include <unicode/locid.h>
-#include <unicode/putil.h>
 #include <unicode/ucnv.h>
-#include <unicode/udata.h>
-
-#include <string>
 
 #include "QBLCore/Exceptions/shared/QBLThrowNoMemory.hpp"
 #include "i18n/cpp/i18n_platform_encoding.h"
-#include "i18n/cpp/resources/i18n_bin_dir.hpp"
 #include "i18n/cpp/string/i18n_normal_form.hpp"
 
 /// Not in a header that ICU installs; null if it is no longer there.
 extern "C" __attribute__((weak)) const char* uprv_getDefaultLocaleID();
 
 namespace {
-
-bool prepare() {
-    QBL_ALLOC_TRY
-    determineBinDir();
-    const std::string directory = i18nBinDir();
-    // A directory that the process has set itself stays, unless the installation names one.
-    if (!directory.empty() || *u_getDataDirectory() == '\0') {
-        u_setDataDirectory(directory.empty() ? "." : directory.c_str());
-        UErrorCode status = U_ZERO_ERROR;
-        udata_setFileAccess(UDATA_PACKAGES_FIRST, &status);
-    }
-    return true;
-    QBL_ALLOC_CATCH
-}
 
 bool determineDefaultLocale() {
     // ICU asks the system for a name while it holds a lock. Without memory for that it would ask
@@ -44,11 +25,6 @@ bool determineDefaultLocale() {
 }
 
 }  // namespace
-
-void i18nPrepareICU() {
-    static const bool prepared = prepare();
-    static_cast<void>(prepared);
-}
 
 void i18nWarmUpICU() {
     i18nPrepareICU();

@@ -10,7 +10,8 @@ U_NAMESPACE_END
 /// Gives ICU a data directory: the installation's bin directory, or the working directory if the
 /// process has none either. Called before anything that makes ICU read data; only the first call
 /// does anything, since ICU allows no change while it is in use. The data linked to ICU stays the
-/// first choice, so that no file that happens to lie there can take its place.
+/// first choice, so that no file that happens to lie there can take its place. Defined by the
+/// resources, which find the bin directory: this is the one function here that calls an area above.
 /// @throws QBLOutOfMemoryError
 void i18nPrepareICU();
 /// Makes what ICU makes once and would fail to give for ever after, had it no memory then.
