@@ -9,4 +9,11 @@ public:
     static UConverter* icu(const I18NConverter& converter) { return converter.m_pConverter; }
 };
 
+/// I18NConverter::fromUnicode for text with zeros in it.
+struct I18NCountedText {
+    static void fromUnicode(const I18NConverter& converter, char** destination, int* size,
+                            const char16_t* units, int length, I18NStringAllocator allocator,
+                            void* context);
+};
+
 #endif

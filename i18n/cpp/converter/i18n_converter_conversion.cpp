@@ -7,6 +7,7 @@
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "i18n/cpp/converter/i18n_converter_access.hpp"
 #include "i18n/cpp/converter/i18n_icu_calls.hpp"
 #include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/i18n_errors.hpp"

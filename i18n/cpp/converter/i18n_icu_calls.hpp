@@ -5,21 +5,12 @@
 
 #include <cstddef>
 
-#include "i18n/cpp/i18n_converter.hpp"
-
 /// ucnv_fromUnicode and ucnv_toUnicode for UTF-16 at any address, given as bytes: at and source
 /// move on as theirs do.
 UErrorCode i18nFromUnicode(UConverter* converter, char*& at, char* limit, const char*& source,
                            const char* end, bool flush);
 UErrorCode i18nToUnicode(UConverter* converter, char*& at, char* limit, const char*& source,
                          const char* end, bool flush);
-
-/// I18NConverter::fromUnicode for text with zeros in it.
-struct I18NCountedText {
-    static void fromUnicode(const I18NConverter& converter, char** destination, int* size,
-                            const char16_t* units, int length, I18NStringAllocator allocator,
-                            void* context);
-};
 
 /// Bytes in front of the first unit of so many zero bytes, at any address.
 std::size_t i18nBytesBeforeNull(const char* text, int nullSize);

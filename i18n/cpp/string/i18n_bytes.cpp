@@ -1,13 +1,13 @@
 #include "i18n/cpp/string/i18n_bytes.hpp"
-#include "i18n/cpp/string/i18n_allocation.hpp"
 
 #include <cstring>
 #include <utility>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
+#include "i18n/cpp/converter/i18n_converter_access.hpp"
 #include "i18n/cpp/converter/i18n_encodings.hpp"
-#include "i18n/cpp/converter/i18n_icu_calls.hpp"
 #include "i18n/cpp/i18n_converter.hpp"
+#include "i18n/cpp/string/i18n_allocation.hpp"
 
 namespace {
 
