@@ -5,7 +5,10 @@
 #include <unicode/numfmt.h>
 
 #include <algorithm>
+#include <charconv>
 #include <climits>
+#include <iterator>
+#include <limits>
 #include <map>
 #include <memory>
 
@@ -44,17 +47,17 @@ const QBLIntegerStyle* QBLIntegerStyle::get(const std::string& locale) {
 }
 
 void QBLIntegerStyle::append(int value, std::string& out) const {
-    unsigned rest = value < 0 ? 0U - static_cast<unsigned>(value) : static_cast<unsigned>(value);
-    unsigned char digits[10];
-    int count = 0;
-    do {
-        digits[count++] = static_cast<unsigned char>(rest % 10);
-        rest /= 10;
-    } while (rest != 0);
+    char digits[std::numeric_limits<int>::digits10 + 2];
+    const char* digit = digits;
+    auto count = static_cast<int>(std::to_chars(digits, std::end(digits), value).ptr - digits);
+    if (value < 0) {
+        ++digit;
+        --count;
+    }
     const bool grouped = m_primary > 0 && count >= m_primary + m_minimum;
     if (value < 0) out += m_negativePrefix;
     while (count-- > 0) {
-        out += m_digits[digits[count]];
+        out += m_digits[*digit++ - '0'];
         const bool groupEnds =
             count == m_primary || (count > m_primary && (count - m_primary) % m_secondary == 0);
         if (grouped && count > 0 && groupEnds) out += m_separator;

@@ -66,24 +66,7 @@ int readReal(const char* text, Real& value) {
     return 0;
 }
 
-template <class Int>
-int writeInteger(char* buf, Int value) {
-    auto magnitude = static_cast<std::make_unsigned_t<Int>>(value);
-    char* out = buf;
-    if (value < 0) {
-        *out++ = '-';
-        magnitude = 0 - magnitude;
-    }
-    if constexpr (sizeof(Int) == sizeof(std::uint64_t))
-        out = qblWriteUnsigned(out, std::uint64_t{magnitude});
-    else
-        out = qblWriteUnsigned(out, std::uint32_t{magnitude});
-    *out = '\0';
-    return static_cast<int>(out - buf);
-}
-
-int writeReal(char* buf, double value) {
-    char* const end = qblWriteReal(buf, value, 6);
+int terminate(const char* buf, char* end) {
     *end = '\0';
     return static_cast<int>(end - buf);
 }
@@ -118,20 +101,20 @@ int asciiToFloat64(const char* str, double* value) {
 
 int int32ToAscii(char* buf, int value) {
     QBL_ASSERT(buf != NULL);
-    return writeInteger(buf, value);
+    return terminate(buf, qblWriteInteger(buf, value));
 }
 
 int int64ToAscii(char* buf, long long value) {
     QBL_ASSERT(buf != NULL);
-    return writeInteger(buf, value);
+    return terminate(buf, qblWriteInteger(buf, value));
 }
 
 int float32ToAscii(char* buf, float value) {
     QBL_ASSERT(buf != NULL);
-    return writeReal(buf, static_cast<double>(value));
+    return terminate(buf, qblWriteReal(buf, static_cast<double>(value), 6));
 }
 
 int float64ToAscii(char* buf, double value) {
     QBL_ASSERT(buf != NULL);
-    return writeReal(buf, value);
+    return terminate(buf, qblWriteReal(buf, value, 6));
 }
