@@ -1,9 +1,10 @@
 #include "QBLCore/Types/QBLDBTypes.hpp"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
-#include <cstdint>
 #include <cstring>
+#include <string_view>
 
 #include "QBLCore/Base/QBLImmortal.hpp"
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
@@ -45,62 +46,39 @@ const Row& rowOf(const Row* entries, Code code) {
     return at < kCodes ? entries[at] : kNone;
 }
 
-constexpr std::uint32_t fourBytes(const char* at) {
-    std::uint32_t out = 0;
-    for (int i = 3; i >= 0; --i) out = out << 8 | static_cast<unsigned char>(at[i]);
-    return out;
-}
-
-constexpr std::size_t kShortestName = 5;
-
-/// Takes eight bytes of a name and its length, which no two names of a table share.
-constexpr std::uint32_t hashOf(const char* name, std::size_t length, std::uint32_t seed) {
-    const std::uint32_t middle = fourBytes(name + (length - 4) * 2 / 5);
-    const std::uint32_t last = fourBytes(name + length - 4);
-    std::uint32_t hash = (middle ^ seed) * 0x9E3779B1U;
-    hash = ((hash >> 15 ^ hash) + last + static_cast<std::uint32_t>(length)) * 0x85EBCA77U;
-    return hash >> 23;
-}
-
-constexpr std::size_t lengthOf(const char* name) {
-    std::size_t length = 0;
-    while (name[length] != '\0') ++length;
-    return length;
-}
-
-/// Finds the rows of a table by their names. Each name has a place of its own, so that a lookup
-/// compares once.
+/// Finds the rows of a table by their names.
 template <class Row, std::size_t kRows>
 class NameIndex {
+    static_assert(kRows <= 256);
+
 public:
     constexpr explicit NameIndex(const Row (&rows)[kRows]) : m_rows(rows) {
-        while (!placeAll()) ++m_uSeed;
+        for (std::size_t i = 0; i < kRows; ++i) {
+            std::size_t place = i;
+            for (; place > 0 && isLess(rows[i].name, rows[m_sorted[place - 1]].name); --place)
+                m_sorted[place] = m_sorted[place - 1];
+            m_sorted[place] = static_cast<unsigned char>(i);
+        }
     }
 
     /// @return code 0 if there is none
     auto find(const char* name) const {
         using Code = decltype(m_rows[0].code);
-        const std::size_t length = name != nullptr ? std::strlen(name) : 0;
-        if (length < kShortestName) return Code{};
-        const Row& row = m_rows[m_places[hashOf(name, length, m_uSeed)]];
-        return std::strcmp(name, row.name) == 0 ? row.code : Code{};
+        if (name == nullptr) return Code{};
+        const auto isBefore = [this](unsigned char row, const char* sought) {
+            return std::strcmp(m_rows[row].name, sought) < 0;
+        };
+        const unsigned char* const end = m_sorted + kRows;
+        const unsigned char* const found = std::lower_bound(m_sorted, end, name, isBefore);
+        if (found == end || std::strcmp(m_rows[*found].name, name) != 0) return Code{};
+        return m_rows[*found].code;
     }
 
 private:
-    constexpr bool placeAll() {
-        bool taken[512] = {};
-        for (std::size_t i = 0; i < kRows; ++i) {
-            const std::uint32_t place = hashOf(m_rows[i].name, lengthOf(m_rows[i].name), m_uSeed);
-            if (taken[place]) return false;
-            taken[place] = true;
-            m_places[place] = static_cast<unsigned char>(i);
-        }
-        return true;
-    }
+    static constexpr bool isLess(std::string_view a, std::string_view b) { return a < b; }
 
     const Row (&m_rows)[kRows];
-    unsigned char m_places[512] = {};  // an unused one leads to the first row
-    std::uint32_t m_uSeed = 0;
+    unsigned char m_sorted[kRows] = {};  // numbers of rows, by name
 };
 
 constexpr NameIndex kSqlColTypeNames(kSqlColTypes);
