@@ -64,9 +64,9 @@ long QBLTypeCast::string2double(const void*, double* value, const char* text) {
     if (value == nullptr) return badForm;
     *value = 0.0;
     if (text == nullptr) return badForm;
-    const char* rest = text;
     double number = 0.0;
-    if (!qblReadReal(rest, number) || *rest != '\0') {
+    const char* const rest = qblReadReal(text, number);
+    if (rest == nullptr || *rest != '\0') {
         char* end = nullptr;
         number = qblStrtod(text, &end);
         if (*end != '\0') return badForm;

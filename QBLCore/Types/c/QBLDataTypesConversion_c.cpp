@@ -60,7 +60,7 @@ template <class Real>
 int readReal(const char* text, Real& value) {
     text = skipBlanks(text);
     if (*text == '\0') return 0;
-    if (!qblReadReal(text, value)) return 0;
+    if (qblReadReal(text, value) == nullptr) return 0;
     if (!std::isinf(value)) return 1;
     value = std::copysign(std::numeric_limits<Real>::max(), value);
     return 0;

@@ -4,8 +4,7 @@
 #include <array>
 #include <cstdint>
 
-/// The first 64 bits of powers of ten, the others cut off. All that conversions between doubles and
-/// decimal digits need.
+/// The first 64 bits of powers of ten, the others cut off. All that writing doubles needs.
 constexpr int kQBLLowestPower = -303, kQBLHighestPower = 332;
 using QBLPowersOfTen = std::array<std::uint64_t, kQBLHighestPower - kQBLLowestPower + 1>;
 extern const QBLPowersOfTen kQBLPowersOfTen;

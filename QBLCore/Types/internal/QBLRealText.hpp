@@ -10,13 +10,12 @@ char* qblWriteReal(char* out, double value, int digits);
 /// Reads a decimal number: [+-] digits, with a point before, between or behind them or without one,
 /// then [e [+-] digits] in either case. The value is the nearest, ties go to the even one; infinity
 /// beyond the range, as strtod(3) gives it in the C locale.
-/// @param text  moves behind the number
-/// @return false if there is no such number, also for an exponent without digits; the value is 0
-///     then
+/// @return behind the number; null if there is none, also for an exponent without digits, and the
+///     value is 0 then
 template <class Real>
-bool qblReadReal(const char*& text, Real& value);
-extern template bool qblReadReal(const char*& text, float& value);
-extern template bool qblReadReal(const char*& text, double& value);
+const char* qblReadReal(const char* text, Real& value);
+extern template const char* qblReadReal(const char* text, float& value);
+extern template const char* qblReadReal(const char* text, double& value);
 
 /// strtod(3) in the C locale.
 double qblStrtod(const char* text, char** end);
