@@ -9,7 +9,7 @@
 
 namespace {
 
-std::atomic<std::terminate_handler> gPrevious{nullptr};
+std::atomic<std::terminate_handler> g_previous{nullptr};
 
 void write(const char* text) { std::fprintf(stderr, "%s\n", text != nullptr ? text : ""); }
 
@@ -27,7 +27,7 @@ void write(const char* text) { std::fprintf(stderr, "%s\n", text != nullptr ? te
     } catch (...) {
         // The handler before may know it.
     }
-    const std::terminate_handler previous = gPrevious;
+    const std::terminate_handler previous = g_previous;
     if (previous != nullptr) previous();
     std::abort();
 }
@@ -37,7 +37,7 @@ void write(const char* text) { std::fprintf(stderr, "%s\n", text != nullptr ? te
 void qblInstallTerminateHandler() {
     // Once: a handler that another has been put before, and that it calls, would call that again.
     static const bool installed = [] {
-        gPrevious = std::set_terminate(report);
+        g_previous = std::set_terminate(report);
         return true;
     }();
     static_cast<void>(installed);

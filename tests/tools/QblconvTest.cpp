@@ -258,8 +258,11 @@ TEST(QblconvTest, MisuseIsNamedAndNothingIsDone) {
         {"s --from", "qblconv: --from requires an argument"},
         {"--xml=1 s", "qblconv: --xml takes no argument"},
         {"-p subst s", "qblconv: invalid argument for -p: \"subst\"; perhaps substitute?"},
-        {"-p fit,stop s", "qblconv: invalid argument for -p: \"fit\"; possible: stop escape substitute lookup skip"},
-        {"-p skip,xyz s", "qblconv: invalid argument for -p: \"xyz\"; possible: stop escape substitute lookup skip fit "
+        {"-p fit,stop s",
+         "qblconv: invalid argument for -p: \"fit\"; possible: stop escape substitute lookup skip"},
+        {"-p skip,xyz s",
+         "qblconv: invalid argument for -p: \"xyz\"; possible: stop escape substitute lookup skip "
+         "fit "
          "translit"},
         {"--bom=of s", "qblconv: invalid argument for --bom: \"of\"; possible: strip keep add"},
         {"-j 0 -n s", "qblconv: invalid argument for -j: \"0\"; possible: 1-256"},
@@ -289,12 +292,13 @@ TEST(QblconvTest, MisuseIsNamedAndNothingIsDone) {
         {"-k -t UTF-16LE -i s",
          "qblconv: -k cannot know UTF-16LE again without a byte-order mark; "
          "add --bom=add"},
-        {"-r -d . dir",
-         "qblconv: the output ./dir is the input itself; use -i to replace files"},
+        {"-r -d . dir", "qblconv: the output ./dir is the input itself; use -i to replace files"},
         {"-r -d . $(mkdir -p x/dir; echo x/dir) dir/a.txt",
          "qblconv: the output ./dir would overwrite the input dir/a.txt, or what is in it"},
-        {"-f latin1 -d dir/.. s", "qblconv: the output dir/../s is the input itself; use -i to replace files"},
-        {"-f latin1,utf8 s", "qblconv: no such encoding: latin1,utf8; perhaps -f auto:latin1,utf8?"},
+        {"-f latin1 -d dir/.. s",
+         "qblconv: the output dir/../s is the input itself; use -i to replace files"},
+        {"-f latin1,utf8 s",
+         "qblconv: no such encoding: latin1,utf8; perhaps -f auto:latin1,utf8?"},
         {"-j 257 -n s", "qblconv: invalid argument for -j: \"257\"; possible: 1-256"},
         {"-d out dir/.. s -r", "qblconv: the files of dir/.. and those of s would mix in out"},
         {"-r -d dir s dir", "qblconv: the files of dir and those of s would mix in dir"},

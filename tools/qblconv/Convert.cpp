@@ -18,20 +18,21 @@ namespace {
 class Conversion {
 public:
     /// @param name  of the input, as shown
-    Conversion(const Way& way, const I18NConverter* from, const std::string& name, Output* output,
-               const std::string& outputName, Findings& findings, FileReport& report)
+    Conversion(const Setup& setup, const I18NConverter* from, const std::string& name,
+               Output* output, const std::string& outputName, Findings& findings,
+               FileReport& report)
         : m_name(name),
           m_pOutput(output),
           m_outputName(outputName),
           m_findings(findings),
           m_report(report),
-          m_to(way.to != nullptr ? way.to->getEncoding() : ""),
-          m_stream(from, way.to, way.mark, &findings) {
+          m_to(setup.to != nullptr ? setup.to->getEncoding() : ""),
+          m_stream(from, setup.to, setup.mark, &findings) {
         findings.attach(m_stream);
-        if (way.to == nullptr) return;
-        if (way.lineEnd != Options::LineEnd::kKeep)
-            m_lineEnds.emplace(*way.to, way.lineEnd == Options::LineEnd::kCrLf);
-        if (way.verifies) m_verification.emplace(*way.to, (way.mark & I18N_MARK_STRIP) != 0);
+        if (setup.to == nullptr) return;
+        if (setup.lineEnd != Options::LineEnd::kKeep)
+            m_lineEnds.emplace(*setup.to, setup.lineEnd == Options::LineEnd::kCrLf);
+        if (setup.verifies) m_verification.emplace(*setup.to, (setup.mark & I18N_MARK_STRIP) != 0);
     }
 
     /// @param size  0 for the end
@@ -122,12 +123,13 @@ private:
 };
 
 /// Reads the first block, with all of a mark that may tell of the byte order.
-int readStart(const Way& way, Input& input) {
-    const auto size = static_cast<int>(way.block.size());
-    const auto wanted = way.fromSwapped != nullptr ? static_cast<int>(way.swappedMark.size()) : 1;
+int readStart(const Setup& setup, Input& input) {
+    const auto size = static_cast<int>(setup.block.size());
+    const auto wanted =
+        setup.fromSwapped != nullptr ? static_cast<int>(setup.swappedMark.size()) : 1;
     int done = 0;
     for (int got = 1; got > 0 && done < wanted; done += got) {
-        got = input.read(way.block.data() + done, static_cast<unsigned>(size - done));
+        got = input.read(setup.block.data() + done, static_cast<unsigned>(size - done));
         if (got < 0) return got;
     }
     return done;
@@ -135,15 +137,15 @@ int readStart(const Way& way, Input& input) {
 
 }  // namespace
 
-bool convertText(const Way& way, Input& input, const std::string& name, Output* output,
+bool convertText(const Setup& setup, Input& input, const std::string& name, Output* output,
                  const std::string& outputName, Findings& findings, FileReport& report,
                  std::string* encoding) {
-    int got = readStart(way, input);
-    const std::string& mark = way.swappedMark;
-    const bool isSwapped = way.fromSwapped != nullptr && got >= static_cast<int>(mark.size()) &&
-                           std::memcmp(way.block.data(), mark.data(), mark.size()) == 0;
-    Conversion conversion(way, isSwapped ? way.fromSwapped : way.from, name, output, outputName,
-                          findings, report);
+    int got = readStart(setup, input);
+    const std::string& mark = setup.swappedMark;
+    const bool isSwapped = setup.fromSwapped != nullptr && got >= static_cast<int>(mark.size()) &&
+                           std::memcmp(setup.block.data(), mark.data(), mark.size()) == 0;
+    Conversion conversion(setup, isSwapped ? setup.fromSwapped : setup.from, name, output,
+                          outputName, findings, report);
     while (true) {
         if (isInterrupted()) return false;
         if (got < 0) {
@@ -151,13 +153,13 @@ bool convertText(const Way& way, Input& input, const std::string& name, Output* 
             conversion.breakOff();
             return false;
         }
-        if (!conversion.put(way.block.data(), static_cast<std::size_t>(got))) {
+        if (!conversion.put(setup.block.data(), static_cast<std::size_t>(got))) {
             report.fail();
             return false;
         }
         if (got == 0) break;
-        way.progress.addBytes(static_cast<std::size_t>(got));
-        got = input.read(way.block.data(), static_cast<unsigned>(way.block.size()));
+        setup.progress.addBytes(static_cast<std::size_t>(got));
+        got = input.read(setup.block.data(), static_cast<unsigned>(setup.block.size()));
     }
     if (encoding != nullptr) *encoding = conversion.encoding();
     return true;
@@ -193,17 +195,17 @@ bool isValid(const I18NConverter& strict, const std::string& mark, Input& input,
     return isValid && error == 0;
 }
 
-bool copyText(const Way& way, Input& input, const std::string& name, Output& output,
+bool copyText(const Setup& setup, Input& input, const std::string& name, Output& output,
               const std::string& outputName, FileReport& report) {
     while (!isInterrupted()) {
-        const int got = input.read(way.block.data(), static_cast<unsigned>(way.block.size()));
+        const int got = input.read(setup.block.data(), static_cast<unsigned>(setup.block.size()));
         if (got < 0) report.error(CONV_CANNOT_READ, {name, tools::reason(input.error())});
         if (got <= 0) return got == 0;
-        if (!output.write(way.block.data(), static_cast<std::size_t>(got))) {
+        if (!output.write(setup.block.data(), static_cast<std::size_t>(got))) {
             report.error(CONV_CANNOT_WRITE, {outputName, tools::reason(output.error())});
             return false;
         }
-        way.progress.addBytes(static_cast<std::size_t>(got));
+        setup.progress.addBytes(static_cast<std::size_t>(got));
     }
     return false;
 }

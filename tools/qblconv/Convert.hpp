@@ -13,7 +13,7 @@
 namespace conv {
 
 /// What a conversion works with; one for each thread.
-struct Way {
+struct Setup {
     const I18NConverter* from;
     const I18NConverter* fromSwapped;  // in the other byte order; null if that is known
     const std::string& swappedMark;    // which that one begins with
@@ -31,7 +31,7 @@ struct Way {
 /// @param outputName  the same of the output
 /// @param encoding  receives what the input turned out to be in; may be null
 /// @return whether all of it was converted, be it with replacements; not if the user broke it off
-bool convertText(const Way& way, Input& input, const std::string& name, Output* output,
+bool convertText(const Setup& setup, Input& input, const std::string& name, Output* output,
                  const std::string& outputName, Findings& findings, FileReport& report,
                  std::string* encoding = nullptr);
 
@@ -43,7 +43,7 @@ bool isValid(const I18NConverter& strict, const std::string& mark, Input& input,
              std::vector<char>& block, int& error);
 
 /// Copies an input as it is.
-bool copyText(const Way& way, Input& input, const std::string& name, Output& output,
+bool copyText(const Setup& setup, Input& input, const std::string& name, Output& output,
               const std::string& outputName, FileReport& report);
 
 }  // namespace conv

@@ -46,7 +46,7 @@ Report::Form reportForm(const Options& options) {
 }
 
 /// Some errors have no text of their own.
-std::string textOf(QBLThrowable& error) {
+std::string messageOf(QBLThrowable& error) {
     const char* const text = error.getMessage();
     return text != nullptr ? text : error.getThrowableName();
 }
@@ -74,7 +74,7 @@ public:
             else
                 workOnAll();
         } catch (QBLThrowable& error) {
-            failure = textOf(error);
+            failure = messageOf(error);
         } catch (const std::exception& error) {
             failure = error.what();
         }
@@ -180,7 +180,7 @@ private:
         try {
             body();
         } catch (QBLThrowable& error) {
-            report.error(CONV_FAILED, {shown(path), textOf(error)});
+            report.error(CONV_FAILED, {shown(path), messageOf(error)});
         } catch (const std::exception& error) {
             report.error(CONV_FAILED, {shown(path), error.what()});
         }

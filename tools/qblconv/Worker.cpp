@@ -71,7 +71,7 @@ I18NByteOrderMark Worker::marks(bool strip) const {
     return strip ? I18N_MARK_STRIP : I18N_MARK_KEEP;
 }
 
-Way Worker::way(I18NByteOrderMark mark) {
+Setup Worker::setup(I18NByteOrderMark mark) {
     const I18NConverter* const from = m_detector ? m_pChosen : m_from.get();
     return {from,      m_fromSwapped.get(), m_swappedMark,      m_to.get(),
             mark,      m_options.lineEnd,   m_options.verifies, m_block,
@@ -136,7 +136,7 @@ void Worker::check(const std::string& name, Input& input, FileReport& report) {
     Findings found = findings(report, name);
     std::string encoding;
     const bool isRead =
-        convertText(way(marks(true)), input, name, nullptr, {}, found, report, &encoding);
+        convertText(setup(marks(true)), input, name, nullptr, {}, found, report, &encoding);
     if (isRead) report.setEncodings(encoding, m_options.isToGiven ? m_options.to : std::string());
     if (!isRead || report.hasFailed()) return;
     report.setOutcome(Outcome::kValid);
@@ -177,7 +177,7 @@ bool Worker::convert(Input& input, const std::string& name, Output& output,
                      const std::string& outputName, bool stripMark, FileReport& report) {
     if (!choose(input, name, report)) return false;
     Findings found = findings(report, name);
-    if (!convertText(way(marks(stripMark)), input, name, &output, outputName, found, report,
+    if (!convertText(setup(marks(stripMark)), input, name, &output, outputName, found, report,
                      &m_encoding))
         return false;
     const struct {
@@ -201,7 +201,7 @@ void Worker::convertInto(const Item& item, Input& input, FileReport& report) {
     if (report.hasFailed()) return;
     m_new.begin(item, input.mode());
     const bool isFilled =
-        isKept ? copyText(way(I18N_MARK_KEEP), input, name, m_new, outputName, report)
+        isKept ? copyText(setup(I18N_MARK_KEEP), input, name, m_new, outputName, report)
                : fill(input, name, m_new, outputName, report);
     if (isFilled && !m_new.commit())
         report.error(CONV_CANNOT_WRITE, {outputName, tools::reason(m_new.error())});

@@ -50,7 +50,7 @@ private:
     bool isToBeKept(Input& input, const std::string& name, FileReport& report);
     /// Finds out what the input is in, if that is wanted. @return false if it is not clear
     bool choose(Input& input, const std::string& name, FileReport& report);
-    Way way(I18NByteOrderMark mark);
+    Setup setup(I18NByteOrderMark mark);
     I18NByteOrderMark marks(bool strip) const;
     Findings findings(FileReport& report, const std::string& name) const;
 

@@ -25,7 +25,7 @@ const char* numberOfUTF(const char* name) {
     return name + (name[3] == '-' ? 4 : 3);
 }
 
-const char* textOf(const char* encoding) { return encoding != nullptr ? encoding : ""; }
+const char* orEmpty(const char* encoding) { return encoding != nullptr ? encoding : ""; }
 
 }  // namespace
 
@@ -37,14 +37,14 @@ bool i18nIsUTF8(const char* encoding) {
 }
 
 bool i18nIsISO8859(const char* encoding) {
-    const char* name = textOf(encoding);
+    const char* name = orEmpty(encoding);
     return begins(name, "ISO-8859") || begins(name, "ISO8859");
 }
 
-bool i18nIsWindows1252(const char* encoding) { return is(textOf(encoding), "WINDOWS-1252"); }
+bool i18nIsWindows1252(const char* encoding) { return is(orEmpty(encoding), "WINDOWS-1252"); }
 
 bool i18nIsUTF16(const char* encoding) {
-    const char* name = textOf(encoding);
+    const char* name = orEmpty(encoding);
     if (const char* const number = numberOfUTF(name))
         return number[0] == '1' && number[1] == '6' &&
                (number[2] == '\0' || (number == name + 3 && begins(number + 2, "_P")));
@@ -52,7 +52,7 @@ bool i18nIsUTF16(const char* encoding) {
 }
 
 bool i18nIsUTF32(const char* encoding) {
-    const char* name = textOf(encoding);
+    const char* name = orEmpty(encoding);
     return is(name, "UTF32") || is(name, "UTF-32") || is(name, "UCS4") || is(name, "UCS-4") ||
            begins(name, "UTF32_P");
 }
