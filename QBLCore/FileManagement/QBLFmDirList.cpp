@@ -5,16 +5,17 @@
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmReadDir.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmSystem.hpp"
+#include "i18n/cpp/utf/i18n_utf.hpp"
 
 namespace {
 
 /// The bytes of the character of UTF-8 that begins a text; 1 where there is none.
 std::size_t characterWidth(const char* text) {
-    const auto lead = static_cast<unsigned char>(*text);
-    const std::size_t width = lead < 0xC2 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-    for (std::size_t i = 1; i < width; ++i)
-        if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) return 1;
-    return width;
+    const auto at = [text](int i) { return static_cast<unsigned char>(text[i]); };
+    const int trails = at(0) < 0xC2 ? 0 : std::min(i18nTrailsAnnounced(at(0)), 3);
+    for (int i = 1; i <= trails; ++i)
+        if (!i18nIsTrail(at(i))) return 1;
+    return static_cast<std::size_t>(trails) + 1;
 }
 
 /// A mismatch goes back to the last "*" only, which takes one character more: what earlier ones

@@ -92,21 +92,16 @@ int countMore(__m128i block, std::size_t& bytes) {
     return counted;
 }
 
-bool isTrail(unsigned char byte) { return (byte & 0xC0) == 0x80; }
-
-int trailsAnnounced(unsigned char lead) {
-    return lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : lead < 0xF8 ? 3 : lead < 0xFC ? 4 : 5;
-}
-
 /// A sequence whose lead is from 0xC0 to 0xFD, by the book or an error value.
 /// @return behind what it took in
 const unsigned char* decodeSequence(const unsigned char* p, const unsigned char* end, char32_t& c) {
     static const char32_t kErrors[] = {0x15, 0x9F, 0xFFFF, 0x10FFFF, 0xFFFF, 0xFFFF};
     static const char32_t kLeast[] = {0, 0x80, 0x800, 0x10000};
-    const int announced = trailsAnnounced(*p);
+    const int announced = i18nTrailsAnnounced(*p);
     c = *p++ & (announced < 4 ? 0x3FU >> announced : 0U);
     int trails = 0;
-    for (; trails < announced && p != end && isTrail(*p); ++trails) c = (c << 6) | (*p++ & 0x3FU);
+    for (; trails < announced && p != end && i18nIsTrail(*p); ++trails)
+        c = (c << 6) | (*p++ & 0x3FU);
     const bool wellFormed = trails == announced && announced < 4 && c >= kLeast[announced] &&
                             c <= 0x10FFFF && (c & 0xFFFFF800) != 0xD800;
     if (!wellFormed) c = kErrors[trails];

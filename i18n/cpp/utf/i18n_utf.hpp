@@ -14,6 +14,13 @@ inline char32_t i18nCombine(char16_t high, char16_t low) {
     return (static_cast<char32_t>(high) << 10) + low - ((0xD800U << 10) + 0xDC00U - 0x10000U);
 }
 
+inline bool i18nIsTrail(unsigned char byte) { return (byte & 0xC0) == 0x80; }
+/// Trail bytes that a lead byte of UTF-8 from 0xC0 on announces, also for the lengths of five and
+/// six bytes that Unicode does not have.
+inline int i18nTrailsAnnounced(unsigned char lead) {
+    return lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : lead < 0xF8 ? 3 : lead < 0xFC ? 4 : 5;
+}
+
 /// Writes a code point, as a pair above U+FFFF. A lone surrogate stays one; what is beyond Unicode
 /// becomes U+FFFD.
 /// @return units written, 1 or 2
