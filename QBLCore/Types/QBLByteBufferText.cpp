@@ -25,8 +25,9 @@ char* writeInteger(char* to, Integer value, int radix) {
 
 }  // namespace
 
+// Inlined, as a copy of its own would be exported.
 template <class Integer>
-QBLByteBuffer& QBLByteBuffer::appendInteger(Integer value) {
+[[gnu::always_inline]] inline QBLByteBuffer& QBLByteBuffer::appendInteger(Integer value) {
     const bool fits = m_pBuffer != nullptr && m_iAllocLimit - m_iCount >= kIntegerRoom;
     char local[kIntegerRoom];
     char* const begin = fits ? m_pBuffer + m_iCount : local;
