@@ -10,7 +10,7 @@
 // lower half. Its invariant: promises <= lookers.
 //   post    adds a promise while there are fewer of them than lookers; otherwise sem_post.
 //   look    takes a promise and leaves, in one step; or takes from the POSIX count and leaves.
-//   leave   takes a promise if there is one: the last lookers must not leave promises behind, since
+//   leave   takes a promise if there is one: promises must not outlive the last looker, since
 //           nobody who sleeps would ever see them.
 // A looker that has taken from the POSIX count and finds a promise puts back what it took, before
 // it takes the promise: the count may seem too high for a moment, but never too low, which would
@@ -22,14 +22,17 @@
 // relaxed.
 //
 // The scores say how often looking has paid off lately, by pausing (the poster runs on another
-// processor) and by yielding (it waits for this one). A score above 0 allows an attempt and is its
-// length; each success adds 1, each failure takes 2; at 0 it drops below zero, from where short
-// sleeps, which an attempt would have saved, count it up again. Scores are hints that several
+// processor) and by yielding (it waits for this one). A score above 0 allows an attempt; pausing
+// lasts the longer the higher its score is, yielding is done three times at most. Each success adds
+// 1, up to 8; each failure takes 2. Instead of reaching 0 a score drops far below it, from where
+// short sleeps, which an attempt would have saved, count it up again. Scores are hints that several
 // threads change without care: a lost update costs time, never a post.
 //
-// A mistake here loses a post, and then a waiter sleeps for ever: the tests in which threads hand
-// numbers over through bounded waits stop, and the thread sanitizer reports a hand-over without an
-// order. The benchmarks of hand-overs show what a change of the constants costs.
+// A mistake here loses a post, and then a waiter sleeps for ever:
+// TavSemaphoreTest.BoundedWaitLosesNoPostAndPublishesWhatCameBefore and
+// BoundedWaitHandsOverBackAndForth stop, and the thread sanitizer reports a hand-over without an
+// order (preset x64-tsan, and ThreadsTsanUser for a library that is compiled without). The
+// benchmarks roundTrip and throughput of QBLThreadPoolBench show what the constants cost.
 #include <sched.h>
 
 #include <cstdint>

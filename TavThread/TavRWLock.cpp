@@ -10,17 +10,20 @@
 // has to wait for the mutex. Section clears the mark when it ends and nobody waits; as long as
 // somebody does, all operations take the slow path, and so notice the waiters.
 //
-// Waiting writers go first: a new reader waits while one waits. An unlock that leaves the lock free
-// wakes one writer, or all readers if no writer waits. A writer that gives up, by its time or by
-// cancellation, does the same (passOn), since it may be the one that was woken, or the only one
-// that readers waited for.
+// Waiting writers go first: a new reader waits while one waits. Each unlock on the slow path wakes
+// one writer, or all readers if no writer waits; whoever wakes looks at the word again, and may
+// have to go on waiting. A writer that gives up, by its time or by cancellation, wakes others in
+// the same way (passOn): it may be the one that was woken, or the only one that readers waited for.
 //
 // Memory order: whoever takes the lock acquires, and whoever gives it up releases, on the word or
 // by the mutex. Setting the waiters' mark acquires too: what a fast unlock has released counts for
-// the holder of the mutex, who may hand the lock on.
+// the holder of the mutex, who may hand the lock on. Clearing the mark releases, for the next fast
+// operation. Relaxed loads only choose between the paths, or let a try give up.
 //
-// A mistake here deadlocks, or lets a reader in beside a writer: the tests of the lock mix both
-// kinds with time-outs and cancellations, also under the thread sanitizer.
+// A mistake here deadlocks, or lets a reader in beside a writer.
+// TavRWLockTest.OneWriterOrManyReadersAtATime mixes both kinds with tries and time-outs;
+// ReadersGoOnWhenTheWriterGivesUp and NoWakeUpIsLostToAWriterThatTimesOut stop if passOn() does too
+// little. `./dev check --all` runs them under the thread sanitizer too. No test cancels a waiter.
 #include "TavThread/TavRWLock.h"
 
 #include <new>
