@@ -9,6 +9,38 @@
 
 #include "i18n/cpp/i18n_string.hpp"
 
+// How an entry lives. The word refCount is its state. The rest is written while one thread alone
+// has the entry, and does not change while it is live or detached, except the link `next` and the
+// conversions that the string keeps by its own rules.
+//   empty      0: in its block's list of empty places, or with the thread that took it from there.
+//   live       kLive and the number of holders, which may be 0: in the list and the index of a
+//              bucket.
+//   detached   also kDetached: in no bucket, kept for its last holders.
+// Who changes the state:
+//   empty -> live        enter(), under the bucket's lock, when string, hash and copy are there.
+//   live -> empty        retire(), under the bucket's lock, if nobody holds it (purge).
+//   live -> detached     detach(), under the bucket's lock (the library stops).
+//   detached -> empty    the unpin() of the last holder, or detach() if there is none.
+//
+// Any thread may pin() what it finds, however old the address is: pin() fails unless the entry is
+// live, and has room for a holder more. It may be live with another text by then, so the finder
+// compares hash and text after the pin, and unpins what it did not look for. Nothing destroys an
+// entry that is pinned.
+//
+// One thread destroys an entry, once. retire() goes from "no holders" to 0 in one step, so that no
+// pin comes between. Once kDetached is set no pin succeeds, and only a holder can add a holder: so
+// one thread sees the count go from 1 to 0. unpin() leaves a count of 0 alone, since a release too
+// many must not spoil the state.
+//
+// Memory order: enter() releases the contents, and pin() acquires them. All later changes are
+// read-modify-write operations, so a pin that reads one of them acquires the contents too. unpin()
+// releases the holder's reads; retire(), detach() and the last unpin() acquire them before the
+// string is destroyed. addHolder() is relaxed, since its caller has a holder. A destroyed place
+// goes to its next owner under the lock of I18NPoolPlaces.
+//
+// A mistake shows in I18NPooledStringTest.ThreadsAcquireReleasePurgeDumpAndStop, above all with the
+// presets x64-tsan and x86-asan, and in ASurplusReleaseSpoilsNothing and HoldersOutliveTheLibrary.
+
 /// A copy of the characters that a string has itself; or none, and those are read there.
 template <std::size_t size>
 struct I18NPoolCopy {

@@ -1,3 +1,30 @@
+// The index of a bucket is a table of slots with linear probing: 8 slots at first, and at most 7/8
+// of them taken. The holder of the bucket's lock alone changes it. Anybody reads it at any time.
+//
+// While nobody holds the lock, each entry of the bucket is in one slot of the current table, and no
+// slot between its home and that one is free. While somebody does, this may not hold: removeIf()
+// has retired entries whose slots are still there, then clears all slots and fills them again;
+// grow() goes over to an empty table, which is filled next. A reader without the lock then misses
+// entries, or meets entries that are gone, or reads the table before. That is harmless:
+//   - A miss sends it to acquireLocked(), which looks again under the lock.
+//   - What it finds it pins and compares (i18n_pool_entry.hpp). It reads nothing else before that.
+//   - Entries and tables are never freed. A slot is written in one piece, so it has null or the
+//     address of an entry. A table that another has followed never changes again.
+//   - A free slot ends each search, and 1/8 of them is free at any time.
+//
+// Memory order: grow() stores the table with release, after its slots are null; find() acquires it.
+// insert() stores the slot with release, and find() acquires it, so that the word of the entry can
+// be read; what else the entry has comes with its pin(). clear() stores null relaxed: whether a
+// reader sees it early or late is one of the cases above. Loads of the table by the holder of the
+// lock are relaxed, since all its changes were made under that lock.
+//
+// grow() changes nothing before it has the memory. A table's head has the address of the one
+// before, so that leak checkers find those.
+//
+// A mistake shows as a text that is in the pool twice, or as a race:
+// I18NPooledStringTest.ThreadsAcquireReleasePurgeDumpAndStop (x64-tsan, x86-asan) and
+// AFailedAllocationLeavesThePoolAsItWas, which makes each growth fail in turn.
+// I18NPooledStringBench shows what a search costs.
 #include "i18n/cpp/pool/i18n_pool_index.hpp"
 
 #include <new>
