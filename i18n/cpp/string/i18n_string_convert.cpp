@@ -1,3 +1,33 @@
+// Conversions that a string keeps. c_str() of a constant string may be called by several threads,
+// and what it returns stays until the string changes or is destroyed. So a string has a chain of
+// conversions, the newest first: the bytes in an encoding, and the key that they are found by. Text
+// kept in ASCII needs none where the encoding keeps ASCII.
+//
+// m_pConverted is the chain's head. kI18NChanged says that the text has changed since, and that the
+// whole chain is stale. Its states are:
+//   current   not changed: each conversion in the chain is of the present text. The chain may be
+//             empty.
+//   stale     changed: nothing in the chain is used, and callers may not use it either. The next
+//             conversion frees it, or the destructor.
+// Operations that change the text set kI18NChanged; whoever calls one has the string alone. A
+// conversion makes it current again. Threads that call constant operations at a time only do the
+// latter, so that a conversion, once published, is neither changed nor freed before they end.
+//
+// conversion() looks without a lock, converts without a lock (allocators and callbacks are other
+// people's code, and may use strings), and publishes under the string's lock, one of 64 by its
+// address. Under it, it looks again: of two threads that made the same one, the second drops its
+// own, after the lock is free. Stale ones are freed after the lock is free, too.
+//
+// Memory order: publishing stores the head first and clears kI18NChanged then, each with release; a
+// reader loads the flag first and the head then, each with acquire. So whoever sees a current chain
+// does not see a stale head, and the conversions behind the head are complete. m_flags is changed
+// by a plain load and store, not in one step: all who change it have the string alone or hold its
+// lock. m_convertedLength and m_pConvertedEncoding are only touched under the lock, or alone.
+// isUsingAsciiBuffer() may store m_pAsciiBuffer from several threads, always the same value,
+// relaxed.
+//
+// A mistake shows in I18NStringTest.ConvertsOneConstantStringOnManyThreads (x64-tsan, x86-asan). If
+// a lock is held too long, ConversionsCallTheCallersCodeWithoutALock deadlocks.
 #include <unicode/ucnv.h>
 
 #include <cstdio>
