@@ -10,6 +10,40 @@
 #include "QBLCore/ObjectFactory/QBLObjectFactoryItem.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 
+// What there is of a class is in a LISTS_STRUCT. Structs are freed with the factory only, so that a
+// creation may look into one that it remembers (m_recent) although its class is gone. A struct
+// either serves a class (registered, in the map) or is unused; serve() and retire() change that,
+// under the locks of the map and of the free list. classId keeps its last value in an unused one.
+//
+// An item of the factory is in one of four states. `latest` holds one item at most.
+//   handed out  m_free is false; in no place of the struct but allItems.
+//   released    m_free is true; the thread that set it has the item alone, on its way to `latest`.
+//   latest      put there and taken from there by an exchange: whoever gets it has it alone.
+//   listed      in freeItems, under its lock: an item goes there from `latest` only.
+// releaseObject() changes m_free by an exchange, so that of two releases one counts. createObject()
+// takes from `latest` first, without a lock, then from the list, and else calls the creator, which
+// is counted in inFlight meanwhile.
+//
+// 1. `nodes` has a node for each item that is in allItems and not in freeItems. So an item goes to
+//    the list, and out of it, without memory.
+// 2. retire() moves `latest` to the list, and succeeds only if all items are there and inFlight is
+//    0. So the class of a struct does not change under a thread that has an item or makes one.
+// 3. takeLatest() looks at classId twice. The first look leaves items of other classes alone. The
+//    second one holds as long as the item is taken (2). If the struct came to serve another class
+//    between the two, the item goes back at once; an unregisterClass() of that class in this moment
+//    reports an object in use.
+// 4. putFree() touches nothing after its exchange if nothing was in `latest`: the item may be gone.
+//    An item that was there belongs to this thread until it is in the list, and holds the class.
+//
+// Memory order: exchanges of `latest` acquire and release, so that the next user of an item finds
+// what its last one and cleanObject() left, and sees the classId that the item was made under.
+// m_recent is stored with release and loaded with acquire: the struct behind it is complete.
+// m_free is cleared relaxed, by the thread that has the item alone. All else is under the locks.
+//
+// A mistake hands an item out twice, or under another class's id:
+// QBLObjectFactoryTest.ServesThreadsThatRegisterCreateAndRelease (x64-tsan, x86-asan);
+// IsAsItWasWhenMemoryRunsOut for 1.
+
 namespace {
 
 const char kRegistered[] = "This classId is already registered";
