@@ -14,6 +14,8 @@
 #include "QBLCore/Utility/QBLUtCrc32.hpp"
 #include "QBLCore/Utility/internal/QBLZlib.hpp"
 
+// What is kept for each thread, the deflate stream, is in internal/QBLZlib.cpp. Here all is local.
+
 namespace {
 
 constexpr unsigned kHeader = 8;

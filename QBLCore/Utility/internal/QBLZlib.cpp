@@ -1,3 +1,31 @@
+// Each thread that deflates keeps one stream, in a key of the thread layer. A stream belongs to its
+// thread alone and needs no lock. It does not call back while it runs: zlib takes its memory when a
+// stream starts. deflateReset() at the beginning of each run makes a stream as new, also after a
+// run that failed.
+//
+// The key's value in a thread has three states:
+//   null       nothing is kept: at first, and as long as nothing could be.
+//   a stream   qblDeflate() makes it one, once its stream has started and the key has taken it; up
+//              to then a unique_ptr owns it, afterwards the key.
+//   s_ending   deleteDeflater() makes it that when the thread ends and the stream is deleted. There
+//              is no way back: destructors of other keys may still deflate, with a stream for each
+//              call, which nobody might delete if the key kept it.
+// The system calls deleteDeflater() again for the mark, as often as it goes round the keys, and
+// then forgets it; the mark is static, so nothing leaks. The main thread's stream stays to the end
+// of the process, and a fork's child goes on with the copy of the calling thread's.
+//
+// The key is made by the first call and never destroyed; the library stays loaded (-z nodelete), so
+// that deleteDeflater() does too. Threads that come first together make one each: compare-exchange
+// lets one win, and the others destroy theirs, in which nobody has a value yet. If no key can be
+// made the call uses a stream of its own, and the next call tries again.
+//
+// Memory order: `made` is stored with release and loaded with acquire, also by the exchange that
+// fails: the record of the key is complete. Nothing else is shared.
+//
+// A mistake leaks, which x86-asan reports, or spoils tokens: QBLSquisherTest
+// .FailsCleanlyWithoutMemory makes each allocation of a new thread fail,
+// .ThreadsAndForksSquishEachOnItsOwn runs four threads and a child, and
+// .TokensAreWhatZlibMakesAndComeBack compares with zlib's own.
 #include "QBLCore/Utility/internal/QBLZlib.hpp"
 
 #include <zlib.h>
