@@ -10,6 +10,19 @@
 #include "QBLCore/Threads/QBLThreadMutex.hpp"
 #include "QBLCore/Threads/QBLThreadSemaphore.hpp"
 
+// The count of m_available is that of the items, and of the nulls of wake(), that no get() has
+// claimed. Items are inserted first and posted then, both under the mutex. get() takes a count
+// first and the mutex then, and gives a null if there is no item. So items come out before nulls.
+//   withdraw()  takes an item together with a count. If no count is left, as many get() are under
+//               way as there are items, and one of them takes this one.
+//   m_free      counts the room of a bounded queue: reserve() takes from it; get() that finds an
+//               item, withdraw() and release() give back.
+//   m_spares    up to 64 nodes of items that are gone, under the mutex, for items that come.
+// An operation that fails undoes its part, so that both counts stay true.
+//
+// The mutex orders what putters wrote before. The semaphores are those of TavBoundedWait.cpp.
+// QBLSentinelQueueTest shows failures, and QBLThreadPoolTest the counts, with x64-tsan too.
+
 /// A first-in first-out queue whose takers wait for items and whose putters, if it is bounded,
 /// wait for room. Waits end at once when what they wait for comes, and at their bound.
 ///

@@ -11,6 +11,27 @@
 #include "QBLCore/Threads/shared/QBLLayerResult.hpp"
 #include "TavThread/shared/TavContain.hpp"
 
+// A piece is pending from start() until leave(): m_iPending counts it under m_lock, and whoever
+// takes the count to 0 wakes those who wait. The group may be gone from then on, so leave() touches
+// nothing of it after it has given up the lock. A piece is deleted before it is counted off, since
+// what it holds may refer to things that are there only until the wait ends.
+//
+// The pool has a piece that it accepted; performAll() on a worker runs it. One that it refused is
+// run at once by start(), except within a piece of the same group: there it goes to m_pRefused, and
+// somebody who waits is woken. It is taken from there by the thread of a piece that has ended, by
+// waitForAll(), or by the destructor, which gives it a thread. It stays pending meanwhile, so a
+// wait does not end before it. If a task ends its thread, nobody takes the next one there
+// (leave()); a wait does.
+//
+// m_error is written by the piece that has set m_bFailed under the lock, while it is pending.
+// wait() reads it under the lock when nothing is pending; the lock of leave() comes between. There
+// are no atomics. The innermost Running of a thread tells whether it runs a piece of a group; it is
+// thread-local.
+//
+// A mistake stops a wait, or shows as use after free: all of QBLTaskGroupTest, with x86-asan and
+// x64-tsan; PiecesThatAddPiecesNeedNoStack for m_pRefused, SurvivesTheEndOfAThreadAndOfMemory for
+// leave() and keepError().
+
 namespace {
 
 const char kTask[] = "QBLTaskGroup::Task::run";

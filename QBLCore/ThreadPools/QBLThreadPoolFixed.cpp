@@ -22,6 +22,17 @@
 // 3. A worker puts itself into the queue and then reads the stop-work flag; whoever stops the pool
 //    sets the flag and then empties the queue. So each one is taken out or sees the flag.
 // 4. A null in the idle queue wakes a submitter after the stop, who passes it on before he throws.
+// 5. A task may end the worker's thread. QBLPoolWorker then starts the other one of its two
+//    threads, which puts the worker into the queue as after any task (serve(true)).
+//
+// Memory order: in 3 both sides write one thing and then read the other. The flag is sequentially
+// consistent, and the queue's semaphore changes by locked instructions, full barriers on x86.
+// m_task needs none of that: whoever took the worker out alone stores it, and m_handOff publishes
+// it. m_workers changes while the pool is made and destroyed only.
+//
+// A mistake loses a task or never joins a worker: QBLThreadPoolTest
+// .EveryAcceptedTaskIsRunThoughThePoolGoes, .AWorkerGoesOnWithAnotherThreadWhenATaskEndsItsOwn,
+// .TheStopFlagWakesWaitingSubmittersAndLosesNoTask, .FailedConstructionLeavesNoThreadBehind.
 
 namespace {
 

@@ -14,6 +14,17 @@
 //    accepted.
 // 3. A stop gives one place more to the queue. A submitter that gets one and sees the flag gives it
 //    back, so that all those who wait get it one after the other.
+// 4. A null comes out of the queue after all tasks, and wakes a worker for a look at the flag. A
+//    stop puts one for each worker, and a worker that ends puts one for another.
+//
+// Memory order: in 1 and 2 both sides write one thing and then read the other. The flag is
+// sequentially consistent, and the queue's semaphore changes by locked instructions, full barriers
+// on x86. Tasks, and what submitters wrote before, come through the queue's mutex. An idle worker
+// looks at the flag every ten seconds: setStopWork() alone wakes submitters only.
+//
+// A mistake loses a task or keeps a submitter waiting: QBLThreadPoolTest
+// .TheStopFlagWakesWaitingSubmittersAndLosesNoTask, .QueuedFinishesOrDropsWhatIsQueuedAsItWasTold,
+// .QueuedKeepsToItsCapacity, .AcceptedTasksOutliveWorkersThatEndInTheDestruction.
 
 namespace {
 

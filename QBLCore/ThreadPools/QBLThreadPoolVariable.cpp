@@ -14,12 +14,35 @@
 // Tasks are counted from before they are put until after they were run; workers from when they are
 // made until they leave, under the mutex. outnumbered() compares the two without it.
 //
+// The states of a worker, which change under the mutex only:
+//   living   in m_living and counted: addWorker() makes and starts it. Its thread waits or works.
+//   dead     in m_dead, not counted. The worker itself comes here (leave()), from any point of its
+//            life; one that got no memory even to begin is brought here by buryLost().
+//   gone     reap() has taken it out, and joins and deletes it without the mutex. A worker that
+//            reaps takes only those whose threads have ended, so never itself.
+//
 // 1. A submitter counts its task and then looks at the number of workers. A worker that leaves is
 //    taken off their number first; only then it looks at the number of tasks, from which the task
-//    that ended it is taken off at last. So one of the two sees that a worker is missing.
+//    that ended it is taken off at last. So one of the two sees that a worker is missing: the
+//    submitter adds one, or the worker stays (idle) or replaces itself (ended by its task).
 // 2. A submitter puts its task and then reads the stop-work flag; if it is set, he takes the task
 //    back and throws, unless a worker has got it. At a stop a worker ends only if it saw the flag,
-//    and the queue empty after that. So it has seen every task that was accepted.
+//    and the queue empty after that. So it has seen every task that was accepted. What is left by
+//    workers that ended in their tasks the destructor runs.
+// 3. A null only wakes, and comes out of the queue after all tasks. The destructor puts one more
+//    than there are workers; a worker that ends its last loop puts one for another.
+//
+// Memory order: both sides of 1 and 2 write one thing and then read the other, so acquire and
+// release would not do. The counts and the flag are sequentially consistent. The queue's semaphore
+// stands for one of them in 2: it is posted by a locked instruction, a full barrier on x86. Tasks,
+// and what submitters wrote before, come through the queue's mutex. m_someDead is a hint without
+// the mutex; what it misses now the next reap() finds, at last the destructor's, which has had the
+// mutex. m_bAtWork belongs to the worker's thread.
+//
+// A mistake loses a task, or a destructor waits for ever (QBLThreadPoolTest):
+// VariableStrandsNoTaskWhenItsWorkersRetire, VariableSurvivesATaskThatEndsItsThread,
+// VariableReapsAWorkerWhoseExitRoutineSubmits, AcceptedTasksOutliveWorkersThatEndInTheDestruction,
+// TheStopFlagWakesWaitingSubmittersAndLosesNoTask; all with x64-tsan too.
 
 namespace {
 
