@@ -24,13 +24,35 @@
 //
 // 1. During a pass the list m_tasks belongs to the thread: only it adds or erases, under m_jobLock,
 //    so that others may read. Who deregisters a task puts null in its place and waits for the end
-//    of the pass, which counts `passes` on: so he waits for one pass, however fast they follow each
-//    other, and no pass waits for him.
+//    of the pass. The beginning of a pass counts `passes` on: so he waits for one pass, however
+//    fast they follow each other, and no pass waits for him.
 // 2. Mutexes are not fair: callers that register and deregister without a pause would keep the
 //    thread from m_jobLock for long. So it sets `wanted` before it takes the lock, and a caller
 //    that sees this waits once, on `changed`, until the thread gives the lock back.
 // 3. A task that ends its thread does not end the pass: another thread goes on with it at the next
 //    task. `at` and `last` tell it where, and belong to whichever thread it is.
+// 4. The custodian goes away only without users. User counts a call in; terminate() takes the
+//    custodian out of Shared first, and then waits until the count is 0. A call that comes later
+//    finds none; deRegisterTask() then waits for the end of the stop, whose last pass may call the
+//    task.
+//
+// The thread (m_started) starts with the first task. It waits (waitForPass), calls the tasks
+// (inPass), and ends after the pass that began with m_terminating set (lastPass). A task is in
+// m_jobs (registered, not in a pass yet), in m_tasks, a null in m_tasks (withdrawn during a pass,
+// erased at its end), or gone. Only a Turn of the thread moves jobs to m_tasks.
+//
+// Memory order: all is under the two locks or that of Shared, except:
+//   m_schedule   is stored before m_taskLock is taken and the wait is woken, so a wait sees it.
+//   wanted       is a hint. Who reads it has m_jobLock, and who clears it too: so a caller that
+//                sees it set waits before the thread has the lock, and the thread's Turn wakes it.
+//   a task's place in m_tasks during a pass: null is stored and loaded relaxed. It says nothing
+//                but "do not call"; the end of the pass, under m_jobLock, says that no call runs.
+//   m_waiting    changes and counts under m_jobLock.
+//
+// A mistake calls a task that is gone, or waits for ever: QBLCustodianTest
+// .DeregistrationWaitsForThePass, .SurvivesRegistrationsFromManyThreadsDuringTheStop,
+// .ATaskThatEndsItsThreadEndsNothingElse, .StopsWithoutWaitingButCallsEveryTaskOnce (a signal
+// lost), QBLCustodianScheduleTest.FreezesAtZeroAndAtAllOnes (rule 2); with x64-tsan too.
 
 namespace {
 
