@@ -13,6 +13,7 @@
 
 #include "QBLCore/Base/QBLCloseQuietly.hpp"
 #include "QBLCore/Base/QBLFileStatus.hpp"
+#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 
 /// A directory that the owner may read and write, as QBLFmDir::exists takes it.
 constexpr unsigned short kQblWritableDir = S_IFDIR | S_IRUSR | S_IWUSR;
@@ -23,6 +24,8 @@ template <class Body>
 bool qblOrNoMemory(Body&& body) {
     try {
         return body();
+    } catch (const QBLOutOfMemoryError&) {
+        errno = ENOMEM;
     } catch (const std::bad_alloc&) {
         errno = ENOMEM;
     } catch (const std::length_error&) {
