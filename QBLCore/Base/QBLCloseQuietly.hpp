@@ -3,17 +3,15 @@
 
 #include <unistd.h>
 
-#include <cerrno>
-
+#include "QBLCore/Base/QBLKeepErrno.hpp"
 #include "QBLCore/Base/QBLNoCancel.hpp"
 
 /// Closes a descriptor, leaving errno alone. Closing a file is where a cancellation would take
 /// effect.
 inline void qblCloseQuietly(int fd) {
     const QBLNoCancel noCancel;
-    const int error = errno;
+    const QBLKeepErrno keepErrno;
     ::close(fd);
-    errno = error;
 }
 
 #endif

@@ -26,7 +26,7 @@ bool QBLFmDir::createRecursiveDir(const char* path) {
     if (path == nullptr) return qblFail(EFAULT);
     if (createDir(path)) return true;
     if (errno != ENOENT) return false;
-    return qblOrNoMemory([path] {
+    return qblSettle([path] {
         std::string part(path);
         // Only "/" separates here: to the system a backslash is part of a name.
         for (std::size_t i = part.find('/', 1); i != std::string::npos; i = part.find('/', i + 1)) {

@@ -90,7 +90,7 @@ bool qblReadDir(int fd, std::list<std::string>* files, const char* filePattern,
                 std::list<std::string>* dirs, const char* dirPattern) {
     QBLFmOpenDir dir(fd);
     if (!dir.isOpen()) return false;
-    return qblOrNoMemory([&] {
+    return qblSettle([&] {
         Collector fileNames(files, filePattern), dirNames(dirs, dirPattern);
         while (const dirent64* entry = dir.next()) {
             Collector& names = isDirectory(dir.descriptor(), *entry) ? dirNames : fileNames;

@@ -45,7 +45,7 @@ void QBLFmDir::joinPath(std::string& base, const char* relative) {
 
 bool QBLFmDir::splitPath(const char* path, std::string* directory, std::string* file) {
     if (path == nullptr || (directory == nullptr && file == nullptr)) return false;
-    return qblOrNoMemory([=] {
+    return qblSettle([=] {
         const std::string whole(path);  // it may be one of the parts
         const long measured = skipRootPath(whole.c_str());
         const std::size_t root = measured > 0 ? static_cast<std::size_t>(measured) : 0;

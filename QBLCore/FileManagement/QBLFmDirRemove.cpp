@@ -19,8 +19,8 @@ public:
     TreeRemoval(const TreeRemoval&) = delete;
     TreeRemoval& operator=(const TreeRemoval&) = delete;
 
-    /// @return 0, or the error of the first failure.
-    int run() {
+    /// @return false, with errno set to the error of the first failure.
+    bool run() {
         bool onTrack = enter(std::string());
         while (onTrack) {
             std::vector<std::string>& subdirs = m_levels.back().subdirs;
@@ -34,7 +34,7 @@ public:
                 break;
             }
         }
-        return m_iError;
+        return m_iError == 0 || qblFail(m_iError);
     }
 
 private:
@@ -138,8 +138,7 @@ bool removeTree(std::string dir) {
     if (fd >= 0) {
         TreeRemoval tree(fd);
         if (isWherePathSays(dir, fd)) {
-            const int error = tree.run();
-            if (error != 0) return qblFail(error);
+            if (!tree.run()) return false;
         } else if (errno != EACCES) {
             return false;
         }
@@ -153,5 +152,5 @@ bool removeTree(std::string dir) {
 }  // namespace
 
 bool QBLFmDir::removeDir(const char* path) {
-    return path != nullptr ? qblOrNoMemory([path] { return removeTree(path); }) : qblFail(EFAULT);
+    return path != nullptr ? qblSettle([path] { return removeTree(path); }) : qblFail(EFAULT);
 }

@@ -3,6 +3,7 @@
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmPath.hpp"
+#include "QBLCore/FileManagement/internal/QBLFmSystem.hpp"
 #include "i18n/cpp/converter/i18n_encodings.hpp"
 
 namespace {
@@ -37,21 +38,6 @@ void setWholePath(I18NString& out, const std::string& path) {
     }
 }
 
-/// Runs an operation whose result is false after any failure.
-template <class Body>
-bool orFalse(Body&& body) {
-    try {
-        return body();
-    } catch (QBLOutOfMemoryError&) {
-        errno = ENOMEM;
-    } catch (QBLThrowable&) {
-        errno = EILSEQ;
-    } catch (const std::bad_alloc&) {
-        errno = ENOMEM;
-    }
-    return false;
-}
-
 std::list<I18NString> toStrings(const std::list<std::string>& names) {
     std::list<I18NString> made;
     for (const std::string& name : names) made.push_back(fromPlatform(name));
@@ -62,10 +48,10 @@ typedef bool (*CreateTemp)(const char*, const char*, std::string&, const char*);
 
 bool createTemp(CreateTemp create, const I18NString* basePath, const I18NString* prefix,
                 I18NString& result, const I18NString* suffix) {
-    return orFalse([&] {
+    return qblSettle([&] {
         std::string path;
         const bool made = create(orNull(basePath), orNull(prefix), path, orNull(suffix));
-        const int error = errno;
+        const QBLKeepErrno keepErrno;
         try {
             setWholePath(result, path);
         } catch (const QBLThrowable&) {
@@ -74,7 +60,6 @@ bool createTemp(CreateTemp create, const I18NString* basePath, const I18NString*
                 throw;
             }
         }
-        errno = error;
         return made;
     });
 }
@@ -82,25 +67,25 @@ bool createTemp(CreateTemp create, const I18NString* basePath, const I18NString*
 }  // namespace
 
 bool QBLFmDir::exists(const I18NString& path, unsigned short mode) {
-    return orFalse([&] { return exists(qblPlatformPath(path), mode); });
+    return qblSettle([&] { return exists(qblPlatformPath(path), mode); });
 }
 
 bool QBLFmDir::createDir(const I18NString& path) {
-    return orFalse([&] { return createDir(qblPlatformPath(path)); });
+    return qblSettle([&] { return createDir(qblPlatformPath(path)); });
 }
 
 bool QBLFmDir::createRecursiveDir(const I18NString& path) {
-    return orFalse([&] { return createRecursiveDir(qblPlatformPath(path)); });
+    return qblSettle([&] { return createRecursiveDir(qblPlatformPath(path)); });
 }
 
 bool QBLFmDir::removeDir(const I18NString& path) {
-    return orFalse([&] { return removeDir(qblPlatformPath(path)); });
+    return qblSettle([&] { return removeDir(qblPlatformPath(path)); });
 }
 
 bool QBLFmDir::readDir(const I18NString& path, std::list<I18NString>* files,
                        const I18NString* filePattern, std::list<I18NString>* dirs,
                        const I18NString* dirPattern) {
-    return orFalse([&] {
+    return qblSettle([&] {
         std::list<std::string> fileNames, dirNames;
         if (!readDir(qblPlatformPath(path), files != nullptr ? &fileNames : nullptr,
                      orNull(filePattern), dirs != nullptr ? &dirNames : nullptr,
@@ -114,11 +99,11 @@ bool QBLFmDir::readDir(const I18NString& path, std::list<I18NString>* files,
 }
 
 bool QBLFmDir::removeFile(const I18NString& path) {
-    return orFalse([&] { return removeFile(qblPlatformPath(path)); });
+    return qblSettle([&] { return removeFile(qblPlatformPath(path)); });
 }
 
 bool QBLFmDir::renameFile(const I18NString& from, const I18NString& to) {
-    return orFalse([&] { return renameFile(qblPlatformPath(from), qblPlatformPath(to)); });
+    return qblSettle([&] { return renameFile(qblPlatformPath(from), qblPlatformPath(to)); });
 }
 
 void QBLFmDir::joinPath(I18NString& base, const I18NString& relative) {
@@ -130,7 +115,7 @@ void QBLFmDir::joinPath(I18NString& base, const I18NString& relative) {
 }
 
 bool QBLFmDir::splitPath(const I18NString& path, I18NString* directory, I18NString* file) {
-    return orFalse([&] {
+    return qblSettle([&] {
         std::string before, behind;
         if (!splitPath(qblPlatformPath(path), directory != nullptr ? &before : nullptr,
                        file != nullptr ? &behind : nullptr))
@@ -166,7 +151,7 @@ I18NString QBLFmDir::getFileFullPath(const I18NString& fileName, const I18NStrin
 void QBLFmDir::setTempPath(const I18NString& path) { setTempPath(qblPlatformPath(path)); }
 
 bool QBLFmDir::getTempPath(I18NString& result) {
-    return orFalse([&result] {
+    return qblSettle([&result] {
         std::string path;
         const bool found = getTempPath(path);
         setWholePath(result, path);

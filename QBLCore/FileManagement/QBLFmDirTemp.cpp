@@ -86,7 +86,7 @@ void QBLFmDir::setTempPath(const char* path) {
 }
 
 bool QBLFmDir::getTempPath(std::string& result) {
-    return qblOrNoMemory([&result] {
+    return qblSettle([&result] {
         std::optional<std::string> set = qblImmortal<TempDir>().get();
         result.clear();
         if (set) {
@@ -104,7 +104,7 @@ bool QBLFmDir::getTempPath(std::string& result) {
 
 bool QBLFmDir::createTempDir(const char* basePath, const char* prefix, std::string& result,
                              const char* suffix) {
-    return qblOrNoMemory([&] { return createTemp(basePath, prefix, result, suffix, kDir); });
+    return qblSettle([&] { return createTemp(basePath, prefix, result, suffix, kDir); });
 }
 
 bool QBLFmDir::createTempDir(const char* basePath, const char* prefix, std::string& result) {
@@ -113,7 +113,7 @@ bool QBLFmDir::createTempDir(const char* basePath, const char* prefix, std::stri
 
 bool QBLFmDir::createTempFile(const char* basePath, const char* prefix, std::string& result,
                               const char* suffix) {
-    return qblOrNoMemory([&] { return createTemp(basePath, prefix, result, suffix, kFile); });
+    return qblSettle([&] { return createTemp(basePath, prefix, result, suffix, kFile); });
 }
 
 bool QBLFmDir::createTempFile(const char* basePath, const char* prefix, std::string& result) {
@@ -122,11 +122,10 @@ bool QBLFmDir::createTempFile(const char* basePath, const char* prefix, std::str
 
 bool QBLFmDir::createPrivateTempDir(const char* basePath, const char* prefix, std::string& result,
                                     const char* suffix) {
-    return qblOrNoMemory([&] { return createTemp(basePath, prefix, result, suffix, kPrivateDir); });
+    return qblSettle([&] { return createTemp(basePath, prefix, result, suffix, kPrivateDir); });
 }
 
 bool QBLFmDir::createPrivateTempFile(const char* basePath, const char* prefix, std::string& result,
                                      const char* suffix) {
-    return qblOrNoMemory(
-        [&] { return createTemp(basePath, prefix, result, suffix, kPrivateFile); });
+    return qblSettle([&] { return createTemp(basePath, prefix, result, suffix, kPrivateFile); });
 }

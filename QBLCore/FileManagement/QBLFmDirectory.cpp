@@ -34,7 +34,7 @@ bool QBLFmDirectory::create(const QBLFmDirectory& parent, const char* name, unsi
 
 bool QBLFmDirectory::openParent(const char* path, std::string& name) {
     if (path == nullptr || *path == '\0') return qblFail(path != nullptr ? ENOENT : EFAULT);
-    return qblOrNoMemory([&] { return take(qblOpenParent(path, name)); });
+    return qblSettle([&] { return take(qblOpenParent(path, name)); });
 }
 
 void QBLFmDirectory::close() {

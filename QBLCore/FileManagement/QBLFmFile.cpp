@@ -1,7 +1,6 @@
 #include "QBLCore/FileManagement/QBLFmFile.hpp"
 
 #include "QBLCore/FileManagement/internal/QBLFmOperations.hpp"
-#include "QBLCore/FileManagement/internal/QBLFmPath.hpp"
 
 namespace {
 
@@ -43,9 +42,7 @@ bool QBLFmFile::append(QBLFmFile& other) {
 }
 
 bool QBLFmFile::open(const I18NString& name, createmode mode, int readOnly) {
-    return qblWithPath(
-        name, [&](const char* path) { return open(path, mode, readOnly); },
-        [&] { return Operations::fail(*this, errno); });
+    return Operations::open(*this, name, mode, readOnly);
 }
 
 bool QBLFmFile::open(const char* name, createmode mode, int readOnly) {

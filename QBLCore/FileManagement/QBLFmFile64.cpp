@@ -3,7 +3,6 @@
 #include <cstdlib>
 
 #include "QBLCore/FileManagement/internal/QBLFmOperations.hpp"
-#include "QBLCore/FileManagement/internal/QBLFmPath.hpp"
 #include "TavThread/shared/TavContain.hpp"
 
 namespace {
@@ -49,9 +48,7 @@ bool QBLFmFile64::append(QBLFmFile64& other) {
 }
 
 bool QBLFmFile64::open(const I18NString& name, createmode mode, int readOnly) {
-    return qblWithPath(
-        name, [&](const char* path) { return open(path, mode, readOnly); },
-        [&] { return Operations::fail(*this, errno); });
+    return Operations::open(*this, name, mode, readOnly);
 }
 
 bool QBLFmFile64::open(const char* name, createmode mode, int readOnly) {

@@ -4,7 +4,6 @@
 
 #include <atomic>
 #include <cstring>
-#include <new>
 
 #include "QBLCore/FileManagement/QBLFmDirectory.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmAttributes.hpp"
@@ -71,17 +70,10 @@ bool QBLFmReplaceFile::begin(Locate&& locate) {
     discard();
     m_iLastError = 0;
     m_bBroken = m_bCommitted = false;
-    try {
-        if (locate() && create()) return true;
-        failed(errno);
-    } catch (const std::bad_alloc&) {
-        failed(ENOMEM);
-    } catch (const std::length_error&) {
-        failed(ENAMETOOLONG);
-    }
-    const int error = m_iLastError;
+    if (qblSettle([&] { return locate() && create(); })) return true;
+    failed(errno);
     discard();
-    return failed(error);
+    return false;
 }
 
 bool QBLFmReplaceFile::open(const char* path) {
@@ -192,7 +184,7 @@ bool QBLFmReplaceFile::put(bool (QBLFmReplaceFile::*rename)(int), int old) {
         done = ::close(m_iFile) == 0;
         m_iFile = -1;
     }
-    if (done) done = (this->*rename)(old);
+    if (done) done = qblSettle([&] { return (this->*rename)(old); });
     if (done) {
         m_bCommitted = true;
         done = (dir.fd >= 0 ? fsync(dir.fd) : syncfs(kept.fd)) == 0;
@@ -210,9 +202,8 @@ bool QBLFmReplaceFile::renameNew(int) {
 
 bool QBLFmReplaceFile::commit() {
     const bool done = put(&QBLFmReplaceFile::renameNew, -1);
-    const int error = m_iLastError;
     discard();
-    return done || failed(error);
+    return done;
 }
 
 bool QBLFmReplaceFile::hasName(const char* name, int file) {
@@ -233,9 +224,9 @@ bool QBLFmReplaceFile::exchange(int old) {
     }
     if (hasName(m_temporary.c_str(), old)) return true;
     // Another file came between the two calls: it gets its name back, and is not to be removed.
-    const int error = errno;
+    const QBLKeepErrno keepErrno;
     if (!swap()) m_temporary.clear();
-    return qblFail(error);
+    return false;
 }
 
 /// Where names cannot be exchanged: another file that takes the name between the last look and the
@@ -253,16 +244,9 @@ bool QBLFmReplaceFile::linkAndRename(int old) {
 }
 
 bool QBLFmReplaceFile::commitOver(int old) {
-    bool done = false;
-    try {
-        done = put(&QBLFmReplaceFile::exchange, old);
-    } catch (const std::bad_alloc&) {
-        failed(ENOMEM);
-    }
-    if (m_bCommitted) return done;
-    const int error = m_iLastError;
-    discard();
-    return failed(error);
+    const bool done = put(&QBLFmReplaceFile::exchange, old);
+    if (!m_bCommitted) discard();
+    return done;
 }
 
 bool QBLFmReplaceFile::keepReplaced(const char* name) {

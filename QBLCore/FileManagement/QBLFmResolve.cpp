@@ -1,6 +1,7 @@
 #include "QBLCore/FileManagement/internal/QBLFmResolve.hpp"
 
 #include <climits>
+#include <utility>
 
 #include "QBLCore/FileManagement/internal/QBLFmSystem.hpp"
 
@@ -18,37 +19,33 @@ public:
     PathWalk(const PathWalk&) = delete;
     PathWalk& operator=(const PathWalk&) = delete;
 
-    int run(std::string& name) {
-        if (!begin()) return -1;
+    bool run(std::string& name) {
+        if (!begin()) return false;
         for (;;) {
             const std::string next = takeName();
             const bool last = m_rest.find_first_not_of('/') == std::string::npos;
-            if (last && (next.empty() || qblIsDots(next.c_str()))) return failed(EISDIR);
+            if (last && (next.empty() || qblIsDots(next.c_str()))) return qblFail(EISDIR);
             QBLFileStatus status;
             const bool there = status.get(m_fd, next.c_str(), AT_SYMLINK_NOFOLLOW);
-            if (!there && (errno != ENOENT || !last)) return -1;
+            if (!there && (errno != ENOENT || !last)) return false;
             if (there && status.isLink()) {
                 m_bByLink = m_bByLink || last;
-                if (!follow(next, status)) return -1;
+                if (!follow(next, status)) return false;
             } else if (!last) {
-                if (!enter(openat64(m_fd, next.c_str(), kOpenFlags))) return -1;
+                if (!enter(openat64(m_fd, next.c_str(), kOpenFlags))) return false;
             } else if (!m_rest.empty()) {
-                return failed(there && !status.isDirectory() ? ENOTDIR : EISDIR);
+                return qblFail(there && !status.isDirectory() ? ENOTDIR : EISDIR);
             } else {
-                if (!there && m_bByLink) return failed(ENOENT);
+                if (!there && m_bByLink) return qblFail(ENOENT);
                 name = next;
-                const int fd = m_fd;
-                m_fd = -1;
-                return fd;
+                return true;
             }
         }
     }
+    /// Hands over the directory that the walk has come to.
+    int release() { return std::exchange(m_fd, -1); }
 
 private:
-    static int failed(int error) {
-        errno = error;
-        return -1;
-    }
     bool enter(int fd) {
         if (m_fd >= 0) qblCloseQuietly(m_fd);
         m_fd = fd;
@@ -88,4 +85,7 @@ private:
 
 }  // namespace
 
-int qblOpenParent(const char* path, std::string& name) { return PathWalk(path).run(name); }
+int qblOpenParent(const char* path, std::string& name) {
+    PathWalk walk(path);
+    return walk.run(name) ? walk.release() : -1;
+}

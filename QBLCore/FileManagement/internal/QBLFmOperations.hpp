@@ -13,9 +13,9 @@
 #include <limits>
 #include <memory>
 
-#include "QBLCore/Base/QBLCloseQuietly.hpp"
-#include "QBLCore/Base/QBLFileStatus.hpp"
 #include "QBLCore/FileManagement/QBLFmDescriptor.hpp"
+#include "QBLCore/FileManagement/internal/QBLFmPath.hpp"
+#include "QBLCore/FileManagement/internal/QBLFmSystem.hpp"
 
 /// What the two file classes do alike. Calls names the system's calls for their offsets. Errors are
 /// saved by the object's own operation, which a derived class may have overridden, as it may have
@@ -75,6 +75,15 @@ struct QBLFmOperations {
         if (fd < 0) return failed(self, errno);
         file.m_iDescriptor = fd;
         return true;
+    }
+
+    template <class File>
+    static bool open(File& self, const I18NString& name, typename File::createmode mode,
+                     int readOnly) {
+        const char* path = nullptr;
+        if (!qblSettle([&] { return (path = qblPlatformPath(name)) != nullptr; }))
+            return failed(self, errno);
+        return self.open(path, mode, readOnly);
     }
 
     template <class File>
@@ -161,9 +170,8 @@ private:
     /// Standard input was closed, and the new file got its descriptor.
     static int awayFromZero(int flags) {
         const int fd = fcntl(0, (flags & O_CLOEXEC) != 0 ? F_DUPFD_CLOEXEC : F_DUPFD, 3);
-        const int error = errno;
+        const QBLKeepErrno keepErrno;
         ::close(0);
-        errno = error;
         return fd;
     }
 

@@ -1,10 +1,8 @@
 #ifndef QBLCORE_FILEMANAGEMENT_INTERNAL_QBLFMPATH_HPP
 #define QBLCORE_FILEMANAGEMENT_INTERNAL_QBLFMPATH_HPP
 
-#include <cerrno>
 #include <cstring>
 
-#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "i18n/cpp/converter/i18n_encodings.hpp"
 #include "i18n/cpp/i18n_converter.hpp"
@@ -41,23 +39,6 @@ inline const char* qblPlatformPath(const I18NString& path) {
         std::memchr(bytes, '\0', static_cast<std::size_t>(length)) != bytes + length - 1)
         QBL_THROW(I18NRuntimeError(I18N_CONVERSION, "A path has a zero in it"));
     return bytes;
-}
-
-/// Runs an operation on a path in the platform's encoding. One that cannot be expressed in it, or
-/// that there is no memory for, makes errno EILSEQ or ENOMEM and the result what `failed` gives.
-template <class Body, class Failed>
-bool qblWithPath(const I18NString& path, Body&& body, Failed&& failed) {
-    const char* bytes = nullptr;
-    try {
-        bytes = qblPlatformPath(path);
-    } catch (QBLOutOfMemoryError&) {
-        errno = ENOMEM;
-        return failed();
-    } catch (QBLThrowable&) {
-        errno = EILSEQ;
-        return failed();
-    }
-    return body(bytes);
 }
 
 #endif

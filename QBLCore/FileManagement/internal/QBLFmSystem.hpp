@@ -18,26 +18,28 @@
 /// A directory that the owner may read and write, as QBLFmDir::exists takes it.
 constexpr unsigned short kQblWritableDir = S_IFDIR | S_IRUSR | S_IWUSR;
 
-/// Runs an operation of which a failed allocation is a failure like others, as is a path that is
-/// longer than any string.
-template <class Body>
-bool qblOrNoMemory(Body&& body) {
-    try {
-        return body();
-    } catch (const QBLOutOfMemoryError&) {
-        errno = ENOMEM;
-    } catch (const std::bad_alloc&) {
-        errno = ENOMEM;
-    } catch (const std::length_error&) {
-        errno = ENAMETOOLONG;
-    }
-    return false;
-}
-
 /// Sets errno. @return false
 inline bool qblFail(int error) {
     errno = error;
     return false;
+}
+
+/// Runs an operation that fails by false with errno set. What it throws is a failure like others:
+/// memory ran out, a path is longer than any string, or the platform's encoding lacks a character
+/// of it.
+template <class Body>
+bool qblSettle(Body&& body) {
+    try {
+        return body();
+    } catch (const std::bad_alloc&) {
+        return qblFail(ENOMEM);
+    } catch (const std::length_error&) {
+        return qblFail(ENAMETOOLONG);
+    } catch (const QBLOutOfMemoryError&) {
+        return qblFail(ENOMEM);
+    } catch (const QBLThrowable&) {
+        return qblFail(EILSEQ);
+    }
 }
 
 inline bool qblIsDots(const char* name) {
@@ -83,10 +85,9 @@ public:
     }
     void close() {
         const QBLNoCancel noCancel;
-        const int error = errno;
+        const QBLKeepErrno keepErrno;
         if (m_pStream != nullptr) closedir(m_pStream);
         m_pStream = nullptr;
-        errno = error;
     }
 
 private:

@@ -1,0 +1,19 @@
+#ifndef QBLCORE_BASE_QBLKEEPERRNO_HPP
+#define QBLCORE_BASE_QBLKEEPERRNO_HPP
+
+#include <cerrno>
+
+/// Gives errno its present value again at the end of the scope: what is done there, such as
+/// closing a file after a failure, must not hide why the operation failed.
+class QBLKeepErrno {
+public:
+    QBLKeepErrno() : m_iError(errno) {}
+    ~QBLKeepErrno() { errno = m_iError; }
+    QBLKeepErrno(const QBLKeepErrno&) = delete;
+    QBLKeepErrno& operator=(const QBLKeepErrno&) = delete;
+
+private:
+    const int m_iError;
+};
+
+#endif
