@@ -1,5 +1,6 @@
 #include "QBLCore/FileManagement/QBLFmFile64.hpp"
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "QBLCore/FileManagement/internal/QBLFmOperations.hpp"
@@ -7,20 +8,7 @@
 
 namespace {
 
-/// The calls for offsets of 64 bits.
-struct Calls {
-    typedef int Count;
-    typedef unsigned int Size;
-    typedef long long Offset;
-    static constexpr Offset kNoLength = 0;
-    static constexpr Offset kLongest = LLONG_MAX;
-
-    static int open(const char* name, int flags) { return open64(name, flags, 0666); }
-    static Offset seek(int fd, Offset offset, int origin) { return lseek64(fd, offset, origin); }
-    static int truncate(int fd, Offset length) { return ftruncate64(fd, length); }
-};
-
-typedef QBLFmOperations<Calls> Operations;
+typedef QBLFmOperations<QBLFmFile64> Operations;
 
 }  // namespace
 
@@ -29,26 +17,26 @@ QBLFmFile64::QBLFmFile64() : m_reserved(0), m_message() {
     m_name.useNormalization(false);
 }
 
-QBLFmFile64::~QBLFmFile64() { Operations::closeQuietly(m_file); }
+QBLFmFile64::~QBLFmFile64() { Operations(*this, m_file).closeQuietly(); }
 
 int QBLFmFile64::read(void* buffer, unsigned int size) {
-    return Operations::read(*this, m_file, buffer, size);
+    return Operations(*this, m_file).read(buffer, size);
 }
 
 int QBLFmFile64::write(const void* buffer, unsigned int size) {
-    return Operations::write(*this, m_file, buffer, size);
+    return Operations(*this, m_file).write(buffer, size);
 }
 
 long long QBLFmFile64::seek(long long offset, seekorigin origin) {
-    return Operations::seek(*this, m_file, offset, origin);
+    return Operations(*this, m_file).seek(offset, origin);
 }
 
 bool QBLFmFile64::append(QBLFmFile64& other) {
-    return Operations::append(*this, m_file, other, other.m_file);
+    return Operations(*this, m_file).append(other, other.m_file);
 }
 
 bool QBLFmFile64::open(const I18NString& name, createmode mode, int readOnly) {
-    return Operations::open(*this, name, mode, readOnly);
+    return Operations(*this, m_file).open(name, mode, readOnly);
 }
 
 bool QBLFmFile64::open(const char* name, createmode mode, int readOnly) {
@@ -58,27 +46,26 @@ bool QBLFmFile64::open(const char* name, createmode mode, int readOnly) {
     if (copy != nullptr)
         name = copy.get();
     else if (m_file.isOpen() && name != nullptr)
-        return Operations::fail(*this, ENOMEM);
-    if (!Operations::open(*this, m_file, name, mode, readOnly)) return false;
+        return Operations(*this, m_file).failed(ENOMEM);
+    if (!Operations(*this, m_file).open(name, mode, readOnly)) return false;
     // The file is open, with or without memory for its name.
     tavContain([&] { m_name = name; });
     return true;
 }
 
-bool QBLFmFile64::open(stdiotypes stream) {
-    return Operations::openStandard(*this, m_file, stream);
-}
+bool QBLFmFile64::open(stdiotypes stream) { return Operations(*this, m_file).openStandard(stream); }
 
 bool QBLFmFile64::close() {
     m_name.remove();
-    return Operations::close(*this, m_file);
+    return Operations(*this, m_file).close();
 }
 
-long long QBLFmFile64::getLength() { return Operations::getLength(*this, m_file); }
+// Deliberately 0 where QBLFmFile gives -1.
+long long QBLFmFile64::getLength() { return std::max(Operations(*this, m_file).getLength(), 0LL); }
 
-bool QBLFmFile64::flush() { return Operations::flush(*this, m_file); }
+bool QBLFmFile64::flush() { return Operations(*this, m_file).flush(); }
 
-bool QBLFmFile64::truncate(long long length) { return Operations::truncate(*this, m_file, length); }
+bool QBLFmFile64::truncate(long long length) { return Operations(*this, m_file).truncate(length); }
 
 int QBLFmFile64::getLastErrorNumber() { return m_file.m_iLastError; }
 
