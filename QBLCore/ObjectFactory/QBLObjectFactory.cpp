@@ -37,7 +37,7 @@
 //
 // Memory order: exchanges of `latest` acquire and release, so that the next user of an item finds
 // what its last one and cleanObject() left, and sees the classId that the item was made under.
-// m_recent is stored with release and loaded with acquire: the struct behind it is complete.
+// m_recent is stored with release and loaded with acquire: a struct found there is complete.
 // m_free is cleared relaxed, by the thread that has the item alone. All else is under the locks.
 //
 // A mistake hands an item out twice, or under another class's id:

@@ -20,10 +20,10 @@
 //
 // Memory order: publishing stores the head first and clears kI18NChanged then, each with release; a
 // reader loads the flag first and the head then, each with acquire. So whoever sees a current chain
-// does not see a stale head, and the conversions behind the head are complete. m_flags is changed
-// by a plain load and store, not in one step: all who change it have the string alone or hold its
-// lock. m_convertedLength and m_pConvertedEncoding are only touched under the lock, or alone.
-// isUsingAsciiBuffer() may store m_pAsciiBuffer from several threads, always the same value,
+// does not see a stale head, and the conversions that the head leads to are complete. m_flags is
+// changed by a plain load and store, not in one step: all who change it have the string alone or
+// hold its lock. m_convertedLength and m_pConvertedEncoding are only touched under the lock, or
+// alone. isUsingAsciiBuffer() may store m_pAsciiBuffer from several threads, always the same value,
 // relaxed.
 //
 // A mistake shows in I18NStringTest.ConvertsOneConstantStringOnManyThreads (x64-tsan, x86-asan). If
