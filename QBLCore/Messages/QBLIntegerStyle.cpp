@@ -47,7 +47,7 @@ const QBLIntegerStyle* QBLIntegerStyle::get(const std::string& locale) {
 }
 
 void QBLIntegerStyle::append(int value, std::string& out) const {
-    char digits[std::numeric_limits<int>::digits10 + 2];
+    char digits[std::numeric_limits<int>::digits10 + 2] = {};
     const char* digit = digits;
     auto count = static_cast<int>(std::to_chars(digits, std::end(digits), value).ptr - digits);
     if (value < 0) {
