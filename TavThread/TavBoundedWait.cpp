@@ -30,9 +30,10 @@
 //
 // A mistake here loses a post, and then a waiter sleeps for ever:
 // TavSemaphoreTest.BoundedWaitLosesNoPostAndPublishesWhatCameBefore and
-// BoundedWaitHandsOverBackAndForth stop, and the thread sanitizer reports a hand-over without an
-// order (preset x64-tsan, and ThreadsTsanUser for a library that is compiled without). The
-// benchmarks roundTrip and throughput of QBLThreadPoolBench show what the constants cost.
+// BoundedWaitHandsOverBackAndForth stop or count wrong, some mistakes only in one of several runs
+// (--gtest_repeat). The thread sanitizer reports a hand-over without an order (preset x64-tsan, and
+// ThreadsTsanUser for a library that is compiled without). The benchmarks roundTrip and throughput
+// of QBLThreadPoolBench show what the constants cost.
 #include <sched.h>
 
 #include <cstdint>

@@ -41,8 +41,9 @@
 // m_free is cleared relaxed, by the thread that has the item alone. All else is under the locks.
 //
 // A mistake hands an item out twice, or under another class's id:
-// QBLObjectFactoryTest.ServesThreadsThatRegisterCreateAndRelease (x64-tsan, x86-asan);
-// IsAsItWasWhenMemoryRunsOut for 1.
+// QBLObjectFactoryTest.ServesThreadsThatRegisterCreateAndRelease (x64-tsan, which reports a weaker
+// exchange, and x86-asan); IsAsItWasWhenMemoryRunsOut for 1. Hardly a run of it meets the moment
+// between the two looks of 3.
 
 namespace {
 

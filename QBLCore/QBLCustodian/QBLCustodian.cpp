@@ -52,7 +52,8 @@
 // A mistake calls a task that is gone, or waits for ever: QBLCustodianTest
 // .DeregistrationWaitsForThePass, .SurvivesRegistrationsFromManyThreadsDuringTheStop,
 // .ATaskThatEndsItsThreadEndsNothingElse, .StopsWithoutWaitingButCallsEveryTaskOnce (a signal
-// lost), QBLCustodianScheduleTest.FreezesAtZeroAndAtAllOnes (rule 2); with x64-tsan too.
+// lost); with x64-tsan too. QBLCustodianScheduleTest.FreezesAtZeroAndAtAllOnes is the test of rule
+// 2, and depends on how fair the system's mutexes are.
 
 namespace {
 

@@ -39,7 +39,8 @@
 // goes to its next owner under the lock of I18NPoolPlaces.
 //
 // A mistake shows in I18NPooledStringTest.ThreadsAcquireReleasePurgeDumpAndStop, above all with the
-// presets x64-tsan and x86-asan, and in ASurplusReleaseSpoilsNothing and HoldersOutliveTheLibrary.
+// presets x64-tsan, which reports each of enter(), pin() and unpin() with a weaker order, and
+// x86-asan; and in ASurplusReleaseSpoilsNothing and HoldersOutliveTheLibrary.
 
 /// A copy of the characters that a string has itself; or none, and those are read there.
 template <std::size_t size>

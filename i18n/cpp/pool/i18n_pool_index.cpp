@@ -21,10 +21,12 @@
 // grow() changes nothing before it has the memory. A table's head has the address of the one
 // before, so that leak checkers find those.
 //
-// A mistake shows as a text that is in the pool twice, or as a race:
-// I18NPooledStringTest.ThreadsAcquireReleasePurgeDumpAndStop (x64-tsan, x86-asan) and
-// AFailedAllocationLeavesThePoolAsItWas, which makes each growth fail in turn.
-// I18NPooledStringBench shows what a search costs.
+// A wrong search shows as a text that is in the pool twice, or never found:
+// I18NPooledStringTest.DumpsByBucketsAndPurgesWhatNobodyHolds,
+// ThreadsAcquireReleasePurgeDumpAndStop (x64-tsan, x86-asan) and
+// AFailedAllocationLeavesThePoolAsItWas, which makes each growth fail in turn. A weaker order of
+// the table or of a slot shows in none of them, the thread sanitizer included: change these by
+// reasoning only. I18NPooledStringBench shows what a search costs.
 #include "i18n/cpp/pool/i18n_pool_index.hpp"
 
 #include <new>

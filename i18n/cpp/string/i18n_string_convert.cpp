@@ -26,8 +26,13 @@
 // alone. isUsingAsciiBuffer() may store m_pAsciiBuffer from several threads, always the same value,
 // relaxed.
 //
-// A mistake shows in I18NStringTest.ConvertsOneConstantStringOnManyThreads (x64-tsan, x86-asan). If
-// a lock is held too long, ConversionsCallTheCallersCodeWithoutALock deadlocks.
+// The head's release is for conversions after the first, whose readers may have seen the flag
+// cleared before.
+//
+// Wrong bytes show in I18NStringTest.ConvertsOneConstantStringOnManyThreads (x64-tsan, x86-asan).
+// If a lock is held too long, ConversionsCallTheCallersCodeWithoutALock deadlocks. A missing lock
+// or a weaker order takes two threads within a few instructions, which hardly a run meets: change
+// these by reasoning only.
 #include <unicode/ucnv.h>
 
 #include <cstdio>
