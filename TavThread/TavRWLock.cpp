@@ -22,8 +22,9 @@
 //
 // A mistake here deadlocks, or lets a reader in beside a writer.
 // TavRWLockTest.OneWriterOrManyReadersAtATime mixes both kinds with tries and time-outs;
-// ReadersGoOnWhenTheWriterGivesUp and NoWakeUpIsLostToAWriterThatTimesOut stop if passOn() does too
-// little. `./dev check --all` runs them under the thread sanitizer too. No test cancels a waiter.
+// ReadersGoOnWhenTheWriterGivesUp, ReadersGoOnWhenTheWriterIsCancelled and
+// NoWakeUpIsLostToAWriterThatTimesOut stop if passOn() does too little. `./dev check --all` runs
+// them under the thread sanitizer too.
 #include "TavThread/TavRWLock.h"
 
 #include <new>

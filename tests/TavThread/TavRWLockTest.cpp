@@ -81,6 +81,37 @@ TEST_F(TavRWLockTest, ReadersGoOnWhenTheWriterGivesUp) {
     tavXRWLockUnlock(rw);
 }
 
+// A cancellation unwinds the wait, which is the other way to give up.
+TEST_F(TavRWLockTest, ReadersGoOnWhenTheWriterIsCancelled) {
+    tavXRWLockReadLock(rw);
+    pthread_t writer{};
+    const auto wait = [](void* lock) -> void* {
+        tavXRWLockWriteLock(static_cast<TavRWLock*>(lock));
+        ADD_FAILURE() << "the reader still holds the lock";
+        return nullptr;
+    };
+    ASSERT_EQ(0, pthread_create(&writer, nullptr, wait, rw));
+    EXPECT_TRUE(eventually([&] { return somebodyWaits(); }));
+    Workers reader(1, [&] {
+        EXPECT_EQ(TAVTHREAD_OK, tavXRWLockTimedReadLock(rw, kTestLimitMs));
+        tavXRWLockUnlock(rw);
+    });
+    EXPECT_TRUE(eventually([&] {
+        pthread_mutex_lock(&rw->mutex);
+        const bool isWaiting = rw->waitingReaders > 0;
+        pthread_mutex_unlock(&rw->mutex);
+        return isWaiting;
+    }));
+    pthread_cancel(writer);
+    void* result = nullptr;
+    pthread_join(writer, &result);
+    EXPECT_EQ(PTHREAD_CANCELED, result);
+    reader.join();
+    tavXRWLockUnlock(rw);
+    EXPECT_EQ(TAVTHREAD_OK, tavXRWLockTryWriteLock(rw)) << "nothing is left of the writer";
+    tavXRWLockUnlock(rw);
+}
+
 TEST_F(TavRWLockTest, NoWakeUpIsLostToAWriterThatTimesOut) {
     for (int round = 0; round < 25; ++round) {
         tavXRWLockReadLock(rw);
