@@ -209,6 +209,19 @@ TEST(QblconvDetectTest, MarksAndUTF8Decide) {
               "\xC3\xA4\n\xC3\xA4\n\xEF\xBB\xBF\xC3\xA4\n");
 }
 
+// The letters of DOS are signs in windows-1252, which no word has within.
+TEST(QblconvDetectTest, TextsOfDosAreNotGuessed) {
+    TempTree tree;
+    std::string text;
+    for (int i = 0; i < 20; ++i) text += "Il a re\x87u une r\x82ponse tr\x8As s\x82v\x8Are.\n";
+    tree.file("dos", text);
+    tree.file("short", "x\xE9\n");
+    for (const char* const mode : {"-i dos", "-i -k --verify dos", "dos -o out"})
+        EXPECT_EQ(1, runTool(tree, std::string("'" QBL_CONV "' -f auto ") + mode).status) << mode;
+    EXPECT_EQ(text, tree.text("dos"));
+    expectRun(tree, "-f auto short", 1, std::string("short") + kUnknown);
+}
+
 TEST(QblconvDetectTest, TheFirstOfAListThatFitsIsTaken) {
     TempTree tree;
     makeFiles(tree);

@@ -335,6 +335,10 @@ TEST(QblconvFilesTest, NothingIsLostWhereOutputMeetsInput) {
               "bad:2:1: byte 2: the end cuts off 82, in Shift_JIS\ns: not written\n");
     EXPECT_EQ(kShiftJIS, tree.text("s"));
     expectRun(tree, "s >>s", 1, "s: would be written while it is read\n");
+    // A pipe without a reader is waited for; an interrupt ends that.
+    expectRun(tree, "</dev/null; mkfifo q; (sleep 0.1; cat q) & $Q -f Shift_JIS s -o q; wait", 0,
+              kUTF8);
+    expectRun(tree, "</dev/null; timeout 0.2 $Q -f Shift_JIS s -o q; echo $?; rm q", 0, "124\n");
     expectRun(tree, "- <s >>s", 1, "-: would be written while it is read\n");
     expectRun(tree, "s >&-", 1, "the standard output: cannot be written: Bad file descriptor\n");
     expectRun(tree, "s s -o /dev/full", 1,

@@ -4,7 +4,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <utility>
@@ -13,56 +12,56 @@
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "tools/qblconv/Interrupt.hpp"
+#include "tools/qblconv/Spool.hpp"
 
 namespace conv {
 
 namespace {
 
-constexpr std::size_t kMostAtOnce = 0x40000000;
 const char kTemporary[] = ".qblconv";
 constexpr int kAttempts = 100;
 std::atomic<unsigned> g_counter{0};
-
-/// @return an errno; 0 if all was written
-int writeAll(QBLFmFile64& file, const char* bytes, std::size_t size) {
-    while (size > 0) {
-        const int put = file.write(bytes, static_cast<unsigned>(std::min(size, kMostAtOnce)));
-        if (put < 0 && file.getLastErrorNumber() == EINTR && !isInterrupted()) continue;
-        if (put < 0) return file.getLastErrorNumber();
-        bytes += put;
-        size -= static_cast<std::size_t>(put);
-    }
-    return 0;
-}
 
 }  // namespace
 
 Output::~Output() = default;
 
-bool DirectOutput::open() {
-    if (m_file.open(QBLFmFile64::standardoutput)) return true;
-    m_error = m_file.getLastErrorNumber();
+DirectOutput::~DirectOutput() {
+    if (m_isOurs) ::close(m_iFile);
+}
+
+bool DirectOutput::failed(int error) {
+    m_error = error;
     return false;
+}
+
+bool DirectOutput::open() {
+    m_iFile = STDOUT_FILENO;
+    return true;
 }
 
 bool DirectOutput::open(const std::string& path) {
-    if (m_file.open(path.c_str(), QBLFmFile64::existing, 0)) return true;
-    m_error = m_file.getLastErrorNumber();
-    return false;
+    constexpr int kPause = 20;  // milliseconds until the next look for a reader
+    while (true) {
+        m_iFile = open64(path.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC | O_NONBLOCK);
+        const bool isWithoutReader = m_iFile < 0 && errno == ENXIO;
+        if (isInterrupted() || (m_iFile < 0 && !isWithoutReader)) break;
+        if (!isWithoutReader) break;
+        pauseFor(kPause);
+    }
+    if (m_iFile < 0) return failed(isInterrupted() ? EINTR : errno);
+    m_isOurs = true;
+    const int flags = fcntl(m_iFile, F_GETFL);
+    return fcntl(m_iFile, F_SETFL, flags & ~O_NONBLOCK) == 0 || failed(errno);
 }
 
 bool DirectOutput::write(const char* bytes, std::size_t size) {
-    m_error = writeAll(m_file, bytes, size);
-    return m_error == 0;
+    return writeAll(m_iFile, bytes, size) || failed(errno);
 }
 
 bool DirectOutput::commit() {
-    if (m_file.close()) return true;
-    m_error = m_file.getLastErrorNumber();
-    return false;
+    return !std::exchange(m_isOurs, false) || ::close(m_iFile) == 0 || failed(errno);
 }
-
-int DirectOutput::descriptor() const { return m_file.getFileDescriptor(); }
 
 bool ReplacingOutput::open(const std::string& path) { return m_file.open(path.c_str()); }
 
@@ -140,14 +139,7 @@ bool NewOutput::create() {
 
 bool NewOutput::write(const char* bytes, std::size_t size) {
     if (m_temporary.empty() && !create()) return false;
-    while (size > 0) {
-        const ssize_t put = ::write(m_iFile, bytes, std::min(size, kMostAtOnce));
-        if (put < 0 && errno == EINTR && !isInterrupted()) continue;
-        if (put < 0) return failed(errno);
-        bytes += put;
-        size -= static_cast<std::size_t>(put);
-    }
-    return true;
+    return writeAll(m_iFile, bytes, size) || failed(errno);
 }
 
 bool NewOutput::close() {

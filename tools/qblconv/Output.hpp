@@ -6,7 +6,6 @@
 #include <string>
 #include <utility>
 
-#include "QBLCore/FileManagement/QBLFmFile64.hpp"
 #include "QBLCore/FileManagement/QBLFmReplaceFile.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "tools/qblconv/Input.hpp"
@@ -33,18 +32,22 @@ public:
 /// An open file, device or pipe.
 class DirectOutput : public Output {
 public:
+    ~DirectOutput() override;
     /// The standard output.
     bool open();
-    /// A file that is there.
+    /// A file that is there; of a pipe, waits for the reader.
     bool open(const std::string& path);
     bool write(const char* bytes, std::size_t size) override;
     bool commit() override;
     int error() const override { return m_error; }
     bool isDirect() const override { return true; }
-    int descriptor() const;
+    int descriptor() const { return m_iFile; }
 
 private:
-    QBLFmFile64 m_file;
+    bool failed(int error);
+
+    int m_iFile = -1;
+    bool m_isOurs = false;  // to be closed
     int m_error = 0;
 };
 

@@ -113,6 +113,7 @@ std::vector<Proposal> proposeEncodings(Passes& passes) {
     ucsdet_setText(detector.get(), sample.data(), static_cast<std::int32_t>(sample.size()), &error);
     std::int32_t count = 0;
     const UCharsetMatch** const matches = ucsdet_detectAll(detector.get(), &count, &error);
+    if (error == U_INVALID_CHAR_FOUND) return proposals;  // nothing comes to its mind
     if (U_FAILURE(error)) throw std::runtime_error(u_errorName(error));
     for (std::int32_t i = 0; i < count; ++i) {
         const char* const name = ucsdet_getName(matches[i], &error);

@@ -96,6 +96,7 @@ void TextLook::add(std::u16string_view text) {
         if (unit >= 0x20 && unit < 0x7F && m_cLead == 0) {
             ++m_iCount;
             m_iRun = 0;
+            passInWord(unit, (unit | 0x20) >= 'a' && (unit | 0x20) <= 'z');
             continue;
         }
         if (m_cLead != 0 && U16_IS_TRAIL(unit)) {
@@ -108,10 +109,20 @@ void TextLook::add(std::u16string_view text) {
     }
 }
 
+/// Counts what windows-1252 has where DOS has the accented letters of Western Europe.
+void TextLook::passInWord(char32_t c, bool isLetter) {
+    const bool isSign =
+        c == 0x201A || c == 0x201E || c == 0x2020 || c == 0x2021 || c == 0x2C6 || c == 0x2030;
+    m_iSigns += isLetter && m_isAfterSign ? 1 : 0;
+    m_isAfterSign = isSign && m_isAfterLetter;
+    m_isAfterLetter = isLetter;
+}
+
 void TextLook::addCharacter(char32_t c) {
     ++m_iCount;
     if (c < 0x20) {
         m_iRun = 0;
+        passInWord(c, false);
         const bool isUsual = (c >= 0x08 && c <= 0x0D) || c == 0x1A;
         m_iControls += isUsual ? 0 : 1;
         m_hasShifts = m_hasShifts || c == 0x1B || c == 0x0E || c == 0x0F;
@@ -123,6 +134,7 @@ void TextLook::addCharacter(char32_t c) {
     const bool isC1 = c >= 0x80 && c < 0xA0;
     const bool isLatin = c < kLatinEnd && (U_MASK(type) & U_GC_L_MASK) != 0;
     m_iRun = isLatin ? m_iRun + 1 : 0;
+    passInWord(c, (U_MASK(type) & U_GC_L_MASK) != 0 && c != 0x2C6);
     m_iRuns += m_iRun == 1 ? 1 : 0;
     m_iLongRuns += m_iRun == kLongRun ? 1 : 0;
     if (isC1 || type == U_UNASSIGNED || type == U_PRIVATE_USE_CHAR || type == U_SURROGATE)

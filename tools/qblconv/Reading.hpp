@@ -78,11 +78,13 @@ public:
     /// Whether one of them is ESC, SO or SI, which the encodings of ISO 2022 consist of.
     bool hasShifts() const { return m_hasShifts; }
     /// Whether more than a quarter of the places with Latin letters beyond ASCII have three or more
-    /// of them in a row, as the letters of other scripts look in a Latin encoding.
-    bool isOddLatin() const { return 4 * m_iLongRuns > m_iRuns; }
+    /// of them in a row, as the letters of other scripts look in a Latin encoding, or whether there
+    /// are signs within words, as letters of DOS look in windows-1252.
+    bool isOddLatin() const { return 4 * m_iLongRuns > m_iRuns || 16 * m_iSigns > m_iRuns; }
 
 private:
     void addCharacter(char32_t c);
+    void passInWord(char32_t c, bool isLetter);
 
     const Types m_types;
     bool m_isAssigned = true;
@@ -93,7 +95,10 @@ private:
     std::int64_t m_iRuns = 0;      // of Latin letters beyond ASCII
     std::int64_t m_iLongRuns = 0;  // of them
     int m_iRun = 0;                // letters in the one that is read
-    char16_t m_cLead = 0;          // of a pair that the last part has cut
+    std::int64_t m_iSigns = 0;     // between two letters
+    bool m_isAfterLetter = false;
+    bool m_isAfterSign = false;  // with a letter before it
+    char16_t m_cLead = 0;        // of a pair that the last part has cut
 };
 
 }  // namespace conv

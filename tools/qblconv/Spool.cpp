@@ -36,6 +36,11 @@ bool writeAll(int descriptor, const char* bytes, std::size_t size) {
         if (done <= 0) continue;
         bytes += done;
         size -= static_cast<std::size_t>(done);
+        // The signal that cut a write short counts before the next one, which may wait.
+        if (size > 0 && isInterrupted()) {
+            errno = EINTR;
+            return false;
+        }
     }
     return true;
 }
