@@ -70,7 +70,7 @@ public:
         if (m_file.isOpen() && !m_self.close()) return false;
         if (name == nullptr) return failed(EFAULT);
         if (readOnly == 0) flags = (flags & ~O_ACCMODE) | O_RDWR;
-        int fd = ::open(name, flags | kLargeFile, 0666);
+        int fd = openAny(name, flags);
         if (fd == 0) fd = awayFromZero(flags);
         if (fd < 0) return failed(errno);
         m_file.m_iDescriptor = fd;
@@ -144,8 +144,14 @@ private:
     static constexpr std::int64_t kAll = INT64_MAX;
     static constexpr std::int64_t kLongest = std::numeric_limits<Offset>::max();
     static constexpr std::size_t kMost = std::numeric_limits<Count>::max();
-    /// Without it the system refuses to open a file that is longer than an offset can tell.
-    static constexpr int kLargeFile = kLongest == INT64_MAX ? O_LARGEFILE : 0;
+
+    /// The system refuses to open a file that is longer than an offset of the class can tell.
+    static int openAny(const char* name, int flags) {
+        if constexpr (kLongest == INT64_MAX)
+            return ::open64(name, flags, 0666);
+        else
+            return ::open(name, flags, 0666);
+    }
 
     Count counted(ssize_t result) {
         if (result < 0) m_self.logLastError();
