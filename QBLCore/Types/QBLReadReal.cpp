@@ -34,7 +34,7 @@ const char* pastDigits(const char* at) {
 }
 
 /// @param at  the first character after the sign
-/// @return behind the number, null if there is none
+/// @return the first character after the number; null if the text does not begin with one
 const char* scan(const char* at) {
     const char* const whole = at;
     at = pastDigits(at);

@@ -251,7 +251,7 @@ TEST(QblconvFilesTest, WhatIsAppendedLateIsNotLost) {
         after += kUTF8;
     }
     const int appends = repeats("QBL_TEST_APPENDS", 60);
-    int early = 0, refused = 0, kept = 0, behind = 0;
+    int early = 0, refused = 0, kept = 0, late = 0;
     const auto convert = [&] {
         tree.file("s", before);
         return start({"-f", "Shift_JIS", "-i", "--lock=none", tree("s")});
@@ -283,7 +283,7 @@ TEST(QblconvFilesTest, WhatIsAppendedLateIsNotLost) {
             EXPECT_EQ(before + "late\n", text) << i;
         } else {
             // Read with the rest, or written to the new version.
-            ++(isOld ? early : behind);
+            ++(isOld ? early : late);
             EXPECT_EQ(after + "late\n", text) << i;
         }
     }
@@ -291,7 +291,7 @@ TEST(QblconvFilesTest, WhatIsAppendedLateIsNotLost) {
     std::printf(
         "%d appends: %d read with the rest, %d noticed before the exchange, %d after it, "
         "%d to the new version\n",
-        appends, early, refused, kept, behind);
+        appends, early, refused, kept, late);
 }
 
 TEST(QblconvFilesTest, OneOutputEachInTheOrderOfTheInputs) {

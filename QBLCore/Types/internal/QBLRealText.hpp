@@ -10,7 +10,8 @@ char* qblWriteReal(char* out, double value, int digits);
 /// Reads a decimal number: [+-] digits, with a point before, between or behind them or without one,
 /// then [e [+-] digits] in either case. The value is the nearest, ties go to the even one; infinity
 /// beyond the range, as strtod(3) gives it in the C locale.
-/// @return behind the number; null if there is none, also for an exponent without digits, and the
+/// @return the end of the number; null if there is none, also for an exponent without digits, and
+/// the
 ///     value is 0 then
 template <class Real>
 const char* qblReadReal(const char* text, Real& value);

@@ -20,7 +20,7 @@
 //   empty -> live        enter(), under the bucket's lock, when string, hash and copy are there.
 //   live -> empty        retire(), under the bucket's lock, if nobody holds it (purge).
 //   live -> detached     detach(), under the bucket's lock (the library stops).
-//   detached -> empty    the unpin() of the last holder, or detach() if there is none.
+//   detached -> empty    the unpin() of the last holder, or detach() if nobody holds it.
 //
 // Any thread may pin() what it finds, however old the address is: pin() fails unless the entry is
 // live, and has room for a holder more. It may be live with another text by then, so the finder
