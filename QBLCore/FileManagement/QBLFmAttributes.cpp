@@ -45,7 +45,7 @@ public:
         if (!byPath.get(m_path.c_str()) || !open.get(fd) || !open.isSameFile(byPath))
             m_path.clear();
     }
-    bool isKnown() const { return !m_path.empty() || qblFail(ENOSYS); }
+    bool isKnown() const { return !m_path.empty() || qblSetErrno(ENOSYS); }
     bool read(const char* name, std::string& value) const {
         return isKnown() && readSized(value, [=](char* to, std::size_t n) {
                    return getxattr(m_path.c_str(), name, to, n);

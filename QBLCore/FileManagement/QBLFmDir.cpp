@@ -5,13 +5,13 @@
 #include "QBLCore/FileManagement/internal/QBLFmSystem.hpp"
 
 bool QBLFmDir::exists(const char* path, unsigned short mode) {
-    if (path == nullptr) return qblFail(EFAULT);
+    if (path == nullptr) return qblSetErrno(EFAULT);
     QBLFileStatus status;
     if (!status.get(path)) return false;
     const unsigned type = mode & static_cast<unsigned>(S_IFMT), permissions = mode & ~type;
     if ((status.mode() & S_IFMT) != type)
-        return qblFail(type == S_IFDIR ? ENOTDIR : status.isDirectory() ? EISDIR : EINVAL);
-    return (status.mode() & permissions) == permissions || qblFail(EACCES);
+        return qblSetErrno(type == S_IFDIR ? ENOTDIR : status.isDirectory() ? EISDIR : EINVAL);
+    return (status.mode() & permissions) == permissions || qblSetErrno(EACCES);
 }
 
 bool QBLFmDir::createDir(const char* path) {
@@ -19,11 +19,11 @@ bool QBLFmDir::createDir(const char* path) {
     if (path == nullptr) return false;
     if (mkdir(path, 0777) == 0) return true;
     const int error = errno;
-    return exists(path, S_IFDIR) || qblFail(error);  // another may have made it meanwhile
+    return exists(path, S_IFDIR) || qblSetErrno(error);  // another may have made it meanwhile
 }
 
 bool QBLFmDir::createRecursiveDir(const char* path) {
-    if (path == nullptr) return qblFail(EFAULT);
+    if (path == nullptr) return qblSetErrno(EFAULT);
     if (createDir(path)) return true;
     if (errno != ENOENT) return false;
     return qblSettle([path] {
@@ -39,11 +39,11 @@ bool QBLFmDir::createRecursiveDir(const char* path) {
 }
 
 bool QBLFmDir::removeFile(const char* path) {
-    if (path == nullptr) return qblFail(EFAULT);
+    if (path == nullptr) return qblSetErrno(EFAULT);
     return std::remove(path) == 0;
 }
 
 bool QBLFmDir::renameFile(const char* from, const char* to) {
-    if (from == nullptr || to == nullptr) return qblFail(EFAULT);
+    if (from == nullptr || to == nullptr) return qblSetErrno(EFAULT);
     return std::rename(from, to) == 0;
 }

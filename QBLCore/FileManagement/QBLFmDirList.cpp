@@ -81,7 +81,7 @@ bool isDirectory(int fd, const dirent64& entry) {
 
 bool QBLFmDir::readDir(const char* path, std::list<std::string>* files, const char* filePattern,
                        std::list<std::string>* dirs, const char* dirPattern) {
-    if (path == nullptr) return qblFail(EFAULT);
+    if (path == nullptr) return qblSetErrno(EFAULT);
     return qblReadDir(open64(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC), files, filePattern, dirs,
                       dirPattern);
 }

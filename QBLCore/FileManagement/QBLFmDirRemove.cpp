@@ -34,7 +34,7 @@ public:
                 break;
             }
         }
-        return m_iError == 0 || qblFail(m_iError);
+        return m_iError == 0 || qblSetErrno(m_iError);
     }
 
 private:
@@ -81,7 +81,7 @@ private:
         // One that may not be read, or not be searched, can go if it is empty.
         const int error = errno;
         if (fd >= 0) qblCloseQuietly(fd);
-        if (unlinkat(m_fd, name.c_str(), AT_REMOVEDIR) != 0) note(qblFail(error));
+        if (unlinkat(m_fd, name.c_str(), AT_REMOVEDIR) != 0) note(qblSetErrno(error));
         return true;
     }
 
@@ -93,7 +93,7 @@ private:
         m_fd = fd;
         QBLFileStatus status;
         if (!note(status.get(fd))) return false;
-        if (!status.isSameFile(above.identity)) return note(qblFail(ESTALE));
+        if (!status.isSameFile(above.identity)) return note(qblSetErrno(ESTALE));
         note(unlinkat(m_fd, m_levels.back().name.c_str(), AT_REMOVEDIR) == 0);
         m_levels.pop_back();
         return true;
@@ -110,8 +110,8 @@ private:
 bool isPlainName(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     const char* const name = path.c_str() + (slash != std::string::npos ? slash + 1 : 0);
-    if (*name == '\0') return qblFail(path.empty() ? ENOENT : EBUSY);
-    return !qblIsDots(name) || qblFail(EINVAL);
+    if (*name == '\0') return qblSetErrno(path.empty() ? ENOENT : EBUSY);
+    return !qblIsDots(name) || qblSetErrno(EINVAL);
 }
 
 /// Takes the last name off a path without a "/" at its end.
@@ -127,8 +127,8 @@ bool isWherePathSays(const std::string& path, int fd) {
     QBLFileStatus self, above, parent;
     if (!self.get(fd) || !above.get(fd, "..", 0) || !parent.get(parentOf(path).c_str()))
         return false;
-    if (above.isSameFile(self)) return qblFail(EBUSY);
-    return above.isSameFile(parent) || qblFail(EINVAL);
+    if (above.isSameFile(self)) return qblSetErrno(EBUSY);
+    return above.isSameFile(parent) || qblSetErrno(EINVAL);
 }
 
 bool removeTree(std::string dir) {
@@ -152,5 +152,5 @@ bool removeTree(std::string dir) {
 }  // namespace
 
 bool QBLFmDir::removeDir(const char* path) {
-    return path != nullptr ? qblSettle([path] { return removeTree(path); }) : qblFail(EFAULT);
+    return path != nullptr ? qblSettle([path] { return removeTree(path); }) : qblSetErrno(EFAULT);
 }

@@ -18,7 +18,7 @@ bool QBLFmDirectory::take(int descriptor) {
 }
 
 bool QBLFmDirectory::open(const char* path) {
-    return path != nullptr ? take(open64(path, kOpenFlags)) : qblFail(EFAULT);
+    return path != nullptr ? take(open64(path, kOpenFlags)) : qblSetErrno(EFAULT);
 }
 
 bool QBLFmDirectory::open(const QBLFmDirectory& parent, const char* name) {
@@ -33,7 +33,7 @@ bool QBLFmDirectory::create(const QBLFmDirectory& parent, const char* name, unsi
 }
 
 bool QBLFmDirectory::openParent(const char* path, std::string& name) {
-    if (path == nullptr || *path == '\0') return qblFail(path != nullptr ? ENOENT : EFAULT);
+    if (path == nullptr || *path == '\0') return qblSetErrno(path != nullptr ? ENOENT : EFAULT);
     return qblSettle([&] { return take(qblOpenParent(path, name)); });
 }
 

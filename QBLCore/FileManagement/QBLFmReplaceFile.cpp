@@ -78,7 +78,7 @@ bool QBLFmReplaceFile::begin(Locate&& locate) {
 
 bool QBLFmReplaceFile::open(const char* path) {
     return begin([this, path] {
-        if (path == nullptr || *path == '\0') return qblFail(path != nullptr ? ENOENT : EFAULT);
+        if (path == nullptr || *path == '\0') return qblSetErrno(path != nullptr ? ENOENT : EFAULT);
         return locate(path);
     });
 }
@@ -106,7 +106,7 @@ bool QBLFmReplaceFile::create() {
     if (!replaces && errno != ENOENT) return false;
     QBLFileStatus old;
     if (replaces && !old.get(from.fd)) return false;
-    if (replaces && !old.isRegular()) return qblFail(old.isDirectory() ? EISDIR : EINVAL);
+    if (replaces && !old.isRegular()) return qblSetErrno(old.isDirectory() ? EISDIR : EINVAL);
     if (replaces && faccessat(m_iDirectory, m_name.c_str(), W_OK, AT_EACCESS) != 0) return false;
     for (int i = 0; i < kAttempts && m_iFile < 0; ++i) {
         m_temporary = temporaryName();
@@ -162,7 +162,7 @@ bool QBLFmReplaceFile::write(const void* data, unsigned long size) {
 
 /// Gives the version its mode and brings it to the disk.
 bool QBLFmReplaceFile::settle() {
-    if (m_bBroken) return qblFail(m_iLastError);
+    if (m_bBroken) return qblSetErrno(m_iLastError);
     if (m_uMode != kModeOfANewFile && fchmod(m_iFile, m_uMode) != 0) return false;
     return fsync(m_iFile) == 0;
 }
@@ -209,7 +209,7 @@ bool QBLFmReplaceFile::commit() {
 bool QBLFmReplaceFile::hasName(const char* name, int file) {
     QBLFileStatus named, opened;
     return named.get(m_iDirectory, name, AT_SYMLINK_NOFOLLOW) && opened.get(file) &&
-           (named.isSameFile(opened) || qblFail(ESTALE));
+           (named.isSameFile(opened) || qblSetErrno(ESTALE));
 }
 
 bool QBLFmReplaceFile::exchange(int old) {

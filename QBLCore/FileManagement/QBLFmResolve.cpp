@@ -24,7 +24,7 @@ public:
         for (;;) {
             const std::string next = takeName();
             const bool last = m_rest.find_first_not_of('/') == std::string::npos;
-            if (last && (next.empty() || qblIsDots(next.c_str()))) return qblFail(EISDIR);
+            if (last && (next.empty() || qblIsDots(next.c_str()))) return qblSetErrno(EISDIR);
             QBLFileStatus status;
             const bool there = status.get(m_fd, next.c_str(), AT_SYMLINK_NOFOLLOW);
             if (!there && (errno != ENOENT || !last)) return false;
@@ -34,9 +34,9 @@ public:
             } else if (!last) {
                 if (!enter(openat64(m_fd, next.c_str(), kOpenFlags))) return false;
             } else if (!m_rest.empty()) {
-                return qblFail(there && !status.isDirectory() ? ENOTDIR : EISDIR);
+                return qblSetErrno(there && !status.isDirectory() ? ENOTDIR : EISDIR);
             } else {
-                if (!there && m_bByLink) return qblFail(ENOENT);
+                if (!there && m_bByLink) return qblSetErrno(ENOENT);
                 name = next;
                 return true;
             }
@@ -64,15 +64,15 @@ private:
         return name;
     }
     bool follow(const std::string& name, const QBLFileStatus& link) {
-        if (++m_iLinks > kMostLinks) return qblFail(ELOOP);
+        if (++m_iLinks > kMostLinks) return qblSetErrno(ELOOP);
         QBLFileStatus dir;
         if (!dir.get(m_fd)) return false;
         const bool anybodys = (dir.mode() & (S_ISVTX | S_IWOTH)) == (S_ISVTX | S_IWOTH);
         if (anybodys && link.user() != geteuid() && link.user() != dir.user())
-            return qblFail(EACCES);
+            return qblSetErrno(EACCES);
         char text[PATH_MAX];
         const ssize_t length = readlinkat(m_fd, name.c_str(), text, sizeof text);
-        if (length <= 0) return length < 0 ? false : qblFail(ENOENT);
+        if (length <= 0) return length < 0 ? false : qblSetErrno(ENOENT);
         m_rest.insert(0, text, static_cast<std::size_t>(length));
         return begin();
     }

@@ -19,7 +19,7 @@
 constexpr unsigned short kQblWritableDir = S_IFDIR | S_IRUSR | S_IWUSR;
 
 /// Sets errno. @return false
-inline bool qblFail(int error) {
+inline bool qblSetErrno(int error) {
     errno = error;
     return false;
 }
@@ -32,13 +32,13 @@ bool qblSettle(Body&& body) {
     try {
         return body();
     } catch (const std::bad_alloc&) {
-        return qblFail(ENOMEM);
+        return qblSetErrno(ENOMEM);
     } catch (const std::length_error&) {
-        return qblFail(ENAMETOOLONG);
+        return qblSetErrno(ENAMETOOLONG);
     } catch (const QBLOutOfMemoryError&) {
-        return qblFail(ENOMEM);
+        return qblSetErrno(ENOMEM);
     } catch (const QBLThrowable&) {
-        return qblFail(EILSEQ);
+        return qblSetErrno(EILSEQ);
     }
 }
 
@@ -48,9 +48,9 @@ inline bool qblIsDots(const char* name) {
 
 /// Whether a text can name one entry of a directory. @return false with errno set
 inline bool qblIsEntryName(const char* name) {
-    if (name == nullptr) return qblFail(EFAULT);
+    if (name == nullptr) return qblSetErrno(EFAULT);
     const bool isEntry = *name != '\0' && !qblIsDots(name) && std::strchr(name, '/') == nullptr;
-    return isEntry || qblFail(EINVAL);
+    return isEntry || qblSetErrno(EINVAL);
 }
 
 /// An open directory; closed by the destructor, which leaves errno alone.
