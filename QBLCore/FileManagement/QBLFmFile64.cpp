@@ -46,7 +46,7 @@ bool QBLFmFile64::open(const char* name, createmode mode, int readOnly) {
     if (copy != nullptr)
         name = copy.get();
     else if (m_file.isOpen() && name != nullptr)
-        return Operations(*this, m_file).failed(ENOMEM);
+        return Operations(*this, m_file).rememberError(ENOMEM);
     if (!Operations(*this, m_file).open(name, mode, readOnly)) return false;
     // The file is open, with or without memory for its name.
     tavContain([&] { m_name = name; });

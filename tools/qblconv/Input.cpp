@@ -20,7 +20,7 @@ constexpr int kLongestPause = 50;  // milliseconds between two attempts to lock
 
 }  // namespace
 
-bool Input::failed(int error) {
+bool Input::rememberError(int error) {
     m_error = error;
     return false;
 }
@@ -66,13 +66,13 @@ bool Input::openFile() {
                 target.get(m_item.place->directory.getDescriptor(), m_item.leaf.c_str(), 0)
                     ? PassedOver::kLink
                     : PassedOver::kBrokenLink;
-        return failed(error);
+        return rememberError(error);
     }
-    if (!m_status.get(m_iFile)) return failed(errno);
-    if (m_status.isDirectory()) return failed(EISDIR);
+    if (!m_status.get(m_iFile)) return rememberError(errno);
+    if (m_status.isDirectory()) return rememberError(EISDIR);
     if (m_iFile == STDIN_FILENO && isRegular()) {
         m_iStart = lseek64(m_iFile, 0, SEEK_CUR);
-        if (m_iStart < 0) return failed(errno);
+        if (m_iStart < 0) return rememberError(errno);
     }
     if (isFound && !isRegular()) m_passedOver = PassedOver::kNotRegular;
     return m_passedOver == PassedOver::kNot;
@@ -102,7 +102,8 @@ bool Input::lock(Options::Lock how, bool exclusive, Problem& problem) {
         FileStatus now;
         const bool isThere = lookAtName(now);
         // Read again: whoever had it may have written to it.
-        if (isThere && now.isSameFile(m_status)) return m_status.get(m_iFile) || failed(errno);
+        if (isThere && now.isSameFile(m_status))
+            return m_status.get(m_iFile) || rememberError(errno);
         if (isThere && openFile()) continue;
         problem = {CONV_CANNOT_READ, {m_item.path, tools::reason(isThere ? m_error : ENOENT)}};
         return false;
@@ -144,7 +145,7 @@ int Input::read(char* block, unsigned size) {
 
 bool Input::rewind() {
     m_isAtEnd = false;
-    return lseek64(m_iFile, m_iStart, SEEK_SET) == m_iStart || failed(errno);
+    return lseek64(m_iFile, m_iStart, SEEK_SET) == m_iStart || rememberError(errno);
 }
 
 bool Input::spool(std::vector<char>& block, Problem& problem) {

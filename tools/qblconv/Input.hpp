@@ -89,7 +89,7 @@ private:
     bool isFile() const { return isRegular() || m_isSpooled; }
     int lockFile(Options::Lock how, bool exclusive);
     Problem lockedBy(bool exclusive) const;
-    bool failed(int error);
+    bool rememberError(int error);
 
     int m_iFile = -1;  // 0 only for the standard input, which is never closed
     Item m_item;

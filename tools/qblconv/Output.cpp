@@ -30,7 +30,7 @@ DirectOutput::~DirectOutput() {
     if (m_isOurs) ::close(m_iFile);
 }
 
-bool DirectOutput::failed(int error) {
+bool DirectOutput::rememberError(int error) {
     m_error = error;
     return false;
 }
@@ -49,18 +49,18 @@ bool DirectOutput::open(const std::string& path) {
         if (!isWithoutReader) break;
         pauseFor(kPause);
     }
-    if (m_iFile < 0) return failed(isInterrupted() ? EINTR : errno);
+    if (m_iFile < 0) return rememberError(isInterrupted() ? EINTR : errno);
     m_isOurs = true;
     const int flags = fcntl(m_iFile, F_GETFL);
-    return fcntl(m_iFile, F_SETFL, flags & ~O_NONBLOCK) == 0 || failed(errno);
+    return fcntl(m_iFile, F_SETFL, flags & ~O_NONBLOCK) == 0 || rememberError(errno);
 }
 
 bool DirectOutput::write(const char* bytes, std::size_t size) {
-    return writeAll(m_iFile, bytes, size) || failed(errno);
+    return writeAll(m_iFile, bytes, size) || rememberError(errno);
 }
 
 bool DirectOutput::commit() {
-    return !std::exchange(m_isOurs, false) || ::close(m_iFile) == 0 || failed(errno);
+    return !std::exchange(m_isOurs, false) || ::close(m_iFile) == 0 || rememberError(errno);
 }
 
 bool ReplacingOutput::open(const std::string& path) { return m_file.open(path.c_str()); }
@@ -85,7 +85,7 @@ const QBLFmDirectory* OutputRoot::get() {
 
 NewOutput::~NewOutput() { discard(); }
 
-bool NewOutput::failed(int error) {
+bool NewOutput::rememberError(int error) {
     m_error = error;
     return false;
 }
@@ -100,7 +100,7 @@ void NewOutput::begin(const Item& item, unsigned mode) {
 /// Opens the directory that belongs to one of the inputs'.
 bool NewOutput::enter(const Place* place, QBLFmDirectory& directory) {
     const QBLFmDirectory* const root = m_pRoot->get();
-    if (root == nullptr) return failed(errno);
+    if (root == nullptr) return rememberError(errno);
     std::vector<const Place*> way;
     for (; place != nullptr; place = place->above.get())
         if (!place->name.empty()) way.push_back(place);
@@ -108,7 +108,7 @@ bool NewOutput::enter(const Place* place, QBLFmDirectory& directory) {
     for (auto next = way.rbegin(); next != way.rend(); ++next) {
         QBLFmDirectory opened;
         if (!opened.create(*above, (*next)->name.c_str(), ((*next)->mode & 0777U) | S_IRWXU))
-            return failed(errno);
+            return rememberError(errno);
         directory = std::move(opened);
         above = &directory;
     }
@@ -123,7 +123,7 @@ bool NewOutput::create() {
         m_opened = m_place;
     }
     m_pTarget = m_directory.isOpen() ? &m_directory : m_pRoot->get();
-    if (m_pTarget == nullptr) return failed(errno);
+    if (m_pTarget == nullptr) return rememberError(errno);
     static const std::string process = kTemporary + std::to_string(getpid()) + ".";
     for (int i = 0; i < kAttempts && m_iFile < 0; ++i) {
         m_temporary = process + std::to_string(++g_counter);
@@ -134,17 +134,17 @@ bool NewOutput::create() {
         m_temporary.clear();
         if (errno != EEXIST) break;
     }
-    return failed(errno);
+    return rememberError(errno);
 }
 
 bool NewOutput::write(const char* bytes, std::size_t size) {
     if (m_temporary.empty() && !create()) return false;
-    return writeAll(m_iFile, bytes, size) || failed(errno);
+    return writeAll(m_iFile, bytes, size) || rememberError(errno);
 }
 
 bool NewOutput::close() {
     const int file = std::exchange(m_iFile, -1);
-    return file < 0 || ::close(file) == 0 || failed(errno);
+    return file < 0 || ::close(file) == 0 || rememberError(errno);
 }
 
 bool NewOutput::commit() {
@@ -153,9 +153,9 @@ bool NewOutput::commit() {
     FileStatus status;
     const bool isLess = (m_iMode & kNeeded) != kNeeded;
     if (isLess && (!status.get(m_iFile) || fchmod(m_iFile, status.mode() & m_iMode) != 0))
-        return failed(errno);
+        return rememberError(errno);
     if (!close()) return false;
-    if (!m_pTarget->rename(m_temporary.c_str(), m_name.c_str())) return failed(errno);
+    if (!m_pTarget->rename(m_temporary.c_str(), m_name.c_str())) return rememberError(errno);
     m_temporary.clear();
     return true;
 }

@@ -44,7 +44,7 @@ public:
     int descriptor() const { return m_iFile; }
 
 private:
-    bool failed(int error);
+    bool rememberError(int error);
 
     int m_iFile = -1;
     bool m_isOurs = false;  // to be closed
@@ -102,7 +102,7 @@ private:
     bool create();
     bool enter(const Place* place, QBLFmDirectory& directory);
     bool close();
-    bool failed(int error);
+    bool rememberError(int error);
 
     OutputRoot* const m_pRoot;
     int m_iFile = -1;

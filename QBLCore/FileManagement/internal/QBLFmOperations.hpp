@@ -54,7 +54,7 @@ public:
     bool append(File& other, const QBLFmDescriptor& source) {
         std::int64_t rest = kAll, from = kAll;
         if (m_file.isOpen() && source.isOpen() && !findRest(source, rest, from))
-            return failed(errno);
+            return rememberError(errno);
         if (&m_self != &other) from = kAll;
         if (m_self.seek(0, File::end) < 0) return false;
         char small[1024];
@@ -68,11 +68,11 @@ public:
 
     bool open(const char* name, int flags, int readOnly) {
         if (m_file.isOpen() && !m_self.close()) return false;
-        if (name == nullptr) return failed(EFAULT);
+        if (name == nullptr) return rememberError(EFAULT);
         if (readOnly == 0) flags = (flags & ~O_ACCMODE) | O_RDWR;
         int fd = openAny(name, flags);
         if (fd == 0) fd = awayFromZero(flags);
-        if (fd < 0) return failed(errno);
+        if (fd < 0) return rememberError(errno);
         m_file.m_iDescriptor = fd;
         return true;
     }
@@ -80,7 +80,7 @@ public:
     bool open(const I18NString& name, typename File::createmode mode, int readOnly) {
         const char* path = nullptr;
         if (!qblSettle([&] { return (path = qblPlatformPath(name)) != nullptr; }))
-            return failed(errno);
+            return rememberError(errno);
         return m_self.open(path, mode, readOnly);
     }
 
@@ -89,7 +89,7 @@ public:
         FILE* const streams[] = {stdin, stdout, stderr};
         if (stream < 0 || stream > 2) return false;
         const int fd = fileno(streams[stream]);
-        if (fd < 0) return failed(errno);
+        if (fd < 0) return rememberError(errno);
         m_file.m_iDescriptor = fd;
         m_file.m_iStandard = 1;
         return true;
@@ -101,7 +101,7 @@ public:
         const bool own = m_file.isOpen() && m_file.m_iStandard == 0;
         const int fd = m_file.m_iDescriptor;
         m_file.m_iDescriptor = m_file.m_iStandard = 0;
-        if (own && ::close(fd) != 0) return failed(errno);
+        if (own && ::close(fd) != 0) return rememberError(errno);
         m_file.m_iLastError = 0;
         return true;
     }
@@ -118,23 +118,23 @@ public:
         const bool known = status.get(m_file.m_iDescriptor);
         if (known && status.size() <= static_cast<std::uint64_t>(kLongest))
             return static_cast<Offset>(status.size());
-        failed(known ? EOVERFLOW : errno);
+        rememberError(known ? EOVERFLOW : errno);
         return -1;
     }
 
     bool flush() {
         if (!m_file.isOpen()) return false;
         if (m_file.m_iStandard != 0) return true;
-        return fsync(m_file.m_iDescriptor) == 0 || failed(errno);
+        return fsync(m_file.m_iDescriptor) == 0 || rememberError(errno);
     }
 
     bool truncate(Offset length) {
         if (!m_file.isOpen() || m_file.m_iStandard != 0) return false;
-        return ftruncate64(m_file.m_iDescriptor, length) == 0 || failed(errno);
+        return ftruncate64(m_file.m_iDescriptor, length) == 0 || rememberError(errno);
     }
 
-    /// Saves an error. @return false
-    bool failed(int error) {
+    /// Sets errno, and what the object tells as its last error. @return false
+    bool rememberError(int error) {
         errno = error;
         m_self.logLastError();
         return false;
@@ -186,12 +186,12 @@ private:
             errno = 0;
             const auto wanted = static_cast<unsigned>(std::min<std::int64_t>(rest, size));
             const Count got = other.read(buffer, wanted);
-            if (got < 0) return failed(errno != 0 ? errno : EBADF);
+            if (got < 0) return rememberError(errno != 0 ? errno : EBADF);
             if (own && m_self.seek(0, File::end) < 0) return false;
             if (got == 0) return true;
             errno = 0;
             const Count put = m_self.write(buffer, static_cast<unsigned>(got));
-            if (put != got) return failed(errno != 0 ? errno : ENOSPC);
+            if (put != got) return rememberError(errno != 0 ? errno : ENOSPC);
             if (rest != kAll) rest -= got;
             if (own) from += got;
         }
