@@ -40,7 +40,8 @@ public:
     }
 
 private:
-    bool fail(Mistake::Kind kind, const std::string& option, const std::string& suggestion = {}) {
+    bool rememberMistake(Mistake::Kind kind, const std::string& option,
+                         const std::string& suggestion = {}) {
         m_mistake = {kind, option, kind == Mistake::kBadArgument ? "\"\"" : "", suggestion};
         return false;
     }
@@ -74,38 +75,38 @@ private:
 
     /// @param word  the last word read: the letter's, or the argument in the word after that
     bool takeLetter(int letter, const QBLUtGetOpt& parser, char** word) {
-        if (letter == 0) return failLetter(parser, *word);
+        if (letter == 0) return rememberBadLetter(parser, *word);
         const std::string shown = {'-', static_cast<char>(letter)};
         const char* const argument = parser.getOptArg();
         if (letter == '=') {
             const bool isLast = argument == *word;  // of the word before
             const bool isFirst = isLast ? std::strlen(word[-1]) == 2 : argument == *word + 2;
-            if (isFirst || !hasAttached()) return fail(Mistake::kNoOption, shown);
-            if (isLast) return fail(Mistake::kBadArgument, lastShown());
+            if (isFirst || !hasAttached()) return rememberMistake(Mistake::kNoOption, shown);
+            if (isLast) return rememberMistake(Mistake::kBadArgument, lastShown());
             return m_take({*m_last, lastShown(), argument});
         }
         const auto found = std::find_if(m_options.begin(), m_options.end(),
                                         [&](const Option& each) { return each.letter == letter; });
         // The library's parser finds the colons among its letters, too.
-        if (found == m_options.end()) return fail(Mistake::kNoOption, shown);
+        if (found == m_options.end()) return rememberMistake(Mistake::kNoOption, shown);
         m_last = &*found;
         return m_take({*m_last, shown, m_last->argument == Argument::kNeeded ? argument : nullptr});
     }
 
-    bool failLetter(const QBLUtGetOpt& parser, const char* word) {
+    bool rememberBadLetter(const QBLUtGetOpt& parser, const char* word) {
         const char letter = parser.getErrorLetter();
         const std::string shown = {'-', letter};
         const bool isAttached = letter == '=' && hasAttached() && std::strlen(word) > 2;
-        if (isAttached) return fail(Mistake::kBadArgument, lastShown());
-        if (letter == '=') return fail(Mistake::kNoOption, shown);
-        if (parser.isArgumentMissing()) return fail(Mistake::kArgumentMissing, shown);
+        if (isAttached) return rememberMistake(Mistake::kBadArgument, lastShown());
+        if (letter == '=') return rememberMistake(Mistake::kNoOption, shown);
+        if (parser.isArgumentMissing()) return rememberMistake(Mistake::kArgumentMissing, shown);
         // "-i.orig", as other programs have it.
         const std::string whole(word);
         const std::size_t at =
             hasAttached() ? whole.find(lastShown()[1] + std::string(1, letter)) : std::string::npos;
-        if (at == std::string::npos) return fail(Mistake::kNoOption, shown);
-        return fail(Mistake::kNoOption, whole,
-                    whole.substr(0, at + 1) + "=" + whole.substr(at + 1));
+        if (at == std::string::npos) return rememberMistake(Mistake::kNoOption, shown);
+        return rememberMistake(Mistake::kNoOption, whole,
+                               whole.substr(0, at + 1) + "=" + whole.substr(at + 1));
     }
 
     /// Whether the letter before can have an attached argument.
@@ -123,15 +124,15 @@ private:
             Closest closest(name);
             for (const Option& each : m_options) closest.offer(each.name);
             const std::string& suggestion = closest.found();
-            return fail(Mistake::kNoOption, "--" + name,
-                        suggestion.empty() ? suggestion : "--" + suggestion);
+            return rememberMistake(Mistake::kNoOption, "--" + name,
+                                   suggestion.empty() ? suggestion : "--" + suggestion);
         }
         m_last = nullptr;
         const char* argument = equals != nullptr ? equals + 1 : nullptr;
         if (argument != nullptr && found->argument == Argument::kNone)
-            return fail(Mistake::kNoArgument, "--" + name);
+            return rememberMistake(Mistake::kNoArgument, "--" + name);
         if (argument == nullptr && found->argument == Argument::kNeeded) {
-            if (next == nullptr) return fail(Mistake::kArgumentMissing, "--" + name);
+            if (next == nullptr) return rememberMistake(Mistake::kArgumentMissing, "--" + name);
             argument = next;
             isNextTaken = true;
         }

@@ -154,7 +154,7 @@ bool convertText(const Setup& setup, Input& input, const std::string& name, Outp
             return false;
         }
         if (!conversion.put(setup.block.data(), static_cast<std::size_t>(got))) {
-            report.fail();
+            report.countAsFailed();
             return false;
         }
         if (got == 0) break;

@@ -90,7 +90,7 @@ void Findings::tellLast(const char* from, const char* to) {
     m_places.pop_back();
     tell(from, to);
     --m_iCount;
-    m_report.fail();
+    m_report.countAsFailed();
     say(last, from, to);
 }
 

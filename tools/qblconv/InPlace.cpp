@@ -23,7 +23,7 @@ InPlace::InPlace(const Item& item, Input& input, const std::string& suffix, File
       m_report(report),
       m_second(suffix.empty() ? suffix : item.leaf + suffix) {}
 
-bool InPlace::fail(qblconvmsgs id, Details details) {
+bool InPlace::reportFailure(qblconvmsgs id, Details details) {
     details.insert(details.begin(), m_name);
     m_report.error(id, details);
     return false;
@@ -31,7 +31,7 @@ bool InPlace::fail(qblconvmsgs id, Details details) {
 
 bool InPlace::begin() {
     return m_output.open(m_item.place->directory, m_item.leaf) ||
-           fail(CONV_CANNOT_WRITE, {tools::reason(m_output.error())});
+           reportFailure(CONV_CANNOT_WRITE, {tools::reason(m_output.error())});
 }
 
 bool InPlace::finish() {
@@ -40,10 +40,11 @@ bool InPlace::finish() {
 
 /// Before the look at the file, since it takes long.
 bool InPlace::bringToDisk() {
-    return m_output.file().flush() || fail(CONV_CANNOT_WRITE, {tools::reason(m_output.error())});
+    return m_output.file().flush() ||
+           reportFailure(CONV_CANNOT_WRITE, {tools::reason(m_output.error())});
 }
 
-bool InPlace::isUnchanged() { return !m_input.isAnother() || fail(CONV_CHANGED); }
+bool InPlace::isUnchanged() { return !m_input.isAnother() || reportFailure(CONV_CHANGED); }
 
 /// Whether a sticky directory keeps the file from being replaced; a second name that it got there
 /// could not be taken away again either.
@@ -74,12 +75,12 @@ bool InPlace::linkOriginal() {
 /// may be the only original there is, or the name that a run that was broken off has made.
 bool InPlace::keepOriginal() {
     if (m_second.empty()) return true;
-    if (isStuck()) return fail(CONV_CANNOT_WRITE, {tools::reason(EPERM)});
+    if (isStuck()) return reportFailure(CONV_CANNOT_WRITE, {tools::reason(EPERM)});
     if (linkOriginal()) return true;
-    if (errno == ESTALE) return fail(CONV_CHANGED);
+    if (errno == ESTALE) return reportFailure(CONV_CHANGED);
     const int error = errno;
     const std::string path = m_item.path.substr(0, m_item.path.rfind('/') + 1) + m_second;
-    return fail(CONV_CANNOT_KEEP, {shown(path), tools::reason(error)});
+    return reportFailure(CONV_CANNOT_KEEP, {shown(path), tools::reason(error)});
 }
 
 bool InPlace::replace() {
@@ -88,22 +89,22 @@ bool InPlace::replace() {
     const int error = m_output.error();
     // Two names of one file would be changed together.
     if (m_hasSecond) m_item.place->directory.remove(m_second.c_str());
-    if (error == ESTALE || error == ENOENT) return fail(CONV_CHANGED);
-    return fail(CONV_CANNOT_WRITE, {tools::reason(error)});
+    if (error == ESTALE || error == ENOENT) return reportFailure(CONV_CHANGED);
+    return reportFailure(CONV_CANNOT_WRITE, {tools::reason(error)});
 }
 
 /// Somebody may have written to the old version after the last look; our descriptor still knows it.
 bool InPlace::isUnchangedStill() {
     if (!m_input.hasChanged()) return true;
     const std::string directory = m_item.path.substr(0, m_item.path.rfind('/') + 1);
-    if (!m_second.empty()) return fail(CONV_CHANGED_LATE, {shown(directory + m_second)});
+    if (!m_second.empty()) return reportFailure(CONV_CHANGED_LATE, {shown(directory + m_second)});
     for (int i = 1; i <= kAttempts; ++i) {
         const std::string kept = m_item.leaf + ".changed" + std::to_string(i);
         if (m_output.file().keepReplaced(kept.c_str()))
-            return fail(CONV_CHANGED_LATE, {shown(directory + kept)});
+            return reportFailure(CONV_CHANGED_LATE, {shown(directory + kept)});
         if (m_output.error() != EEXIST) break;
     }
-    return fail(CONV_CHANGED_LOST);
+    return reportFailure(CONV_CHANGED_LOST);
 }
 
 }  // namespace conv

@@ -37,7 +37,7 @@ private:
 
     bool isStuck() const;
     bool linkOriginal();
-    bool fail(qblconvmsgs id, Details details = {});
+    bool reportFailure(qblconvmsgs id, Details details = {});
 
     const Item& m_item;
     const std::string m_name;  // as it is shown

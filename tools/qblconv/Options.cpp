@@ -103,14 +103,15 @@ public:
     }
 
 private:
-    bool fail(qblconvmsgs id, Details details) {
+    bool rememberProblem(qblconvmsgs id, Details details) {
         m_problem = {id, std::move(details)};
         return false;
     }
 
     /// @param choices  that there are, with spaces between them
-    bool failWord(const Given& given, const std::string& argument, const std::string& choices) {
-        return fail(CONV_BAD_WORD, {given.shown, inQuotes(argument), choices});
+    bool rememberBadWord(const Given& given, const std::string& argument,
+                         const std::string& choices) {
+        return rememberProblem(CONV_BAD_WORD, {given.shown, inQuotes(argument), choices});
     }
 
     bool take(const Given& given) {
@@ -129,11 +130,13 @@ private:
                 return true;
             case 'o':
                 m_options.output = argument;
-                return !argument.empty() || fail(CONV_BAD_ARGUMENT, {given.shown, "\"\""});
+                return !argument.empty() ||
+                       rememberProblem(CONV_BAD_ARGUMENT, {given.shown, "\"\""});
             case 'd':
                 m_options.directory = argument;
                 return takeMode(given, Mode::kDirectory) &&
-                       (!argument.empty() || fail(CONV_BAD_ARGUMENT, {given.shown, "\"\""}));
+                       (!argument.empty() ||
+                        rememberProblem(CONV_BAD_ARGUMENT, {given.shown, "\"\""}));
             case 'i':
                 return takeSuffix(given);
             case 'j':
@@ -192,7 +195,7 @@ private:
 
     bool takeMode(const Given& given, Mode mode) {
         if (m_options.mode != Mode::kJoin && m_options.mode != mode)
-            return fail(CONV_NOT_TOGETHER, {m_mode, given.shown});
+            return rememberProblem(CONV_NOT_TOGETHER, {m_mode, given.shown});
         m_options.mode = mode;
         m_mode = given.shown;
         return true;
@@ -201,7 +204,7 @@ private:
     bool takeShell(const Given& given, const std::string& argument) {
         for (const char* const known : {"bash", "zsh", "fish"})
             if (argument == known) return true;
-        return failWord(given, argument, given.option.choices);
+        return rememberBadWord(given, argument, given.option.choices);
     }
 
     /// The suffix comes behind the option itself.
@@ -211,7 +214,8 @@ private:
         const bool isName =
             !m_options.suffix.empty() && std::strchr(given.argument, '/') == nullptr;
         return takeMode(given, Mode::kInPlace) &&
-               (isName || fail(CONV_BAD_ARGUMENT, {given.shown, inQuotes(m_options.suffix)}));
+               (isName ||
+                rememberProblem(CONV_BAD_ARGUMENT, {given.shown, inQuotes(m_options.suffix)}));
     }
 
     bool takeJobs(const Given& given, const std::string& argument) {
@@ -219,7 +223,7 @@ private:
         const auto [behind, problem] = std::from_chars(argument.data(), end, m_options.jobs);
         const bool isNumber = problem == std::errc() && behind == end && m_options.jobs > 0 &&
                               m_options.jobs <= kMostJobs;
-        return isNumber || failWord(given, argument, "1-" + std::to_string(kMostJobs));
+        return isNumber || rememberBadWord(given, argument, "1-" + std::to_string(kMostJobs));
     }
 
     /// A name, and what iconv has after two slashes: of an input's nothing counts, as there.
@@ -241,7 +245,7 @@ private:
             std::transform(word.begin(), word.end(), word.begin(),
                            [](char c) { return c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c; });
             if (word != "TRANSLIT" && word != "IGNORE")
-                return fail(CONV_BAD_ARGUMENT, {given.shown, inQuotes(argument)});
+                return rememberProblem(CONV_BAD_ARGUMENT, {given.shown, inQuotes(argument)});
             if (isOutput) m_suffix += word;
             at = end;
         }
@@ -254,8 +258,8 @@ private:
         const bool skips = m_suffix.find("IGNORE") != std::string::npos || m_shown.count('c') != 0;
         if (m_suffix.empty()) return true;
         if (m_shown.count('p') != 0)
-            return fail(CONV_NOT_TOGETHER,
-                        {translit ? "//TRANSLIT" : "//IGNORE", m_shown.find('p')->second});
+            return rememberProblem(CONV_NOT_TOGETHER, {translit ? "//TRANSLIT" : "//IGNORE",
+                                                       m_shown.find('p')->second});
         if (translit) m_options.similar = Options::Similar::kTransliteration;
         if (skips)
             m_options.inputPolicy = m_options.outputPolicy = I18N_USER_DEFINED;
@@ -297,8 +301,9 @@ private:
             closest.offer(word.name);
             choices.append(choices.empty() ? "" : " ").append(word.name);
         }
-        if (closest.found().empty()) return failWord(given, argument, choices);
-        return fail(CONV_BAD_ARGUMENT_BUT, {given.shown, inQuotes(argument), closest.found()});
+        if (closest.found().empty()) return rememberBadWord(given, argument, choices);
+        return rememberProblem(CONV_BAD_ARGUMENT_BUT,
+                               {given.shown, inQuotes(argument), closest.found()});
     }
 
     /// Whether an option has a meaning in the mode.
@@ -352,15 +357,15 @@ private:
     bool check() {
         for (const auto& [option, shown] : m_shown) {
             if (fits(option, m_options.mode)) continue;
-            if (!m_mode.empty()) return fail(CONV_NOT_TOGETHER, {shown, m_mode});
+            if (!m_mode.empty()) return rememberProblem(CONV_NOT_TOGETHER, {shown, m_mode});
             const bool isForChecks = fits(option, Mode::kCheck);
-            return fail(isForChecks ? CONV_NEEDS_MODE : CONV_NEEDS_OUTPUTS, {shown});
+            return rememberProblem(isForChecks ? CONV_NEEDS_MODE : CONV_NEEDS_OUTPUTS, {shown});
         }
         // Line ends that change do not come back, and files that are kept keep theirs.
         const int apart[][2] = {{'X', kJson}, {kLineEnd, kVerify}, {kLineEnd, 'k'}};
         for (const auto& [one, other] : apart)
             if (m_shown.count(one) != 0 && m_shown.count(other) != 0)
-                return fail(CONV_NOT_TOGETHER, {m_shown[one], m_shown[other]});
+                return rememberProblem(CONV_NOT_TOGETHER, {m_shown[one], m_shown[other]});
         if (!applySuffix()) return false;
         const bool converts = m_options.mode <= Mode::kInPlace;
         // Names that leave the order of the bytes open are for texts that say it.
@@ -376,13 +381,14 @@ private:
         const bool needsOperands =
             m_options.mode == Mode::kDirectory || m_options.mode == Mode::kInPlace;
         if (m_options.mode == Mode::kList && m_options.operands.size() > 1)
-            return fail(CONV_BAD_ARGUMENT, {m_mode, inQuotes(m_options.operands[1])});
+            return rememberProblem(CONV_BAD_ARGUMENT, {m_mode, inQuotes(m_options.operands[1])});
         if (m_options.mode == Mode::kClean && m_options.operands.empty())
-            return fail(CONV_NO_DIRECTORY, {m_mode});
+            return rememberProblem(CONV_NO_DIRECTORY, {m_mode});
         const bool isNamed = m_options.isFromGiven && !isAuto(m_options.from);
         if (m_options.mode == Mode::kGuess && isNamed)
-            return fail(CONV_BAD_ARGUMENT, {m_shown['f'], inQuotes(m_options.from)});
-        if (needsOperands && m_options.operands.empty()) return fail(CONV_NO_OPERANDS, {m_mode});
+            return rememberProblem(CONV_BAD_ARGUMENT, {m_shown['f'], inQuotes(m_options.from)});
+        if (needsOperands && m_options.operands.empty())
+            return rememberProblem(CONV_NO_OPERANDS, {m_mode});
         return true;
     }
 

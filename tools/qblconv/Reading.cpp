@@ -65,7 +65,7 @@ bool forPasses(Input& input, const std::string& name, std::vector<char>& block, 
         if (!isRead) problem = {CONV_CANNOT_READ, {name, tools::reason(passes.error())}};
     }
     if (isInterrupted())
-        report.fail();
+        report.countAsFailed();
     else if (!isRead)
         report.error(problem.id, problem.details);
     return isRead && !isInterrupted();

@@ -93,7 +93,7 @@ FileReport::~FileReport() {
 }
 
 void FileReport::error(qblconvmsgs id, const Details& details) {
-    fail();
+    countAsFailed();
     add(QBLSeverityError, id, details);
 }
 
@@ -131,7 +131,7 @@ void FileReport::add(QBLSeverity severity, qblconvmsgs id, const Details& detail
 
 void FileReport::finding(QBLSeverity severity, qblconvmsgs id, const std::string& file,
                          const Finding& finding) {
-    if (severity == QBLSeverityError) fail();
+    if (severity == QBLSeverityError) countAsFailed();
     Details details = {file, std::to_string(finding.line), std::to_string(finding.column)};
     const bool isReplaced = finding.kind >= Finding::Kind::kTransliterated;
     if (finding.offset >= 0)

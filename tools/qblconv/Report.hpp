@@ -106,8 +106,8 @@ public:
     void finding(QBLSeverity severity, qblconvmsgs id, const std::string& file,
                  const Finding& finding);
     bool hasFailed() const { return m_outcome == Outcome::kFailed; }
-    /// Counts as failed, without saying so.
-    void fail() { m_outcome = Outcome::kFailed; }
+    /// Makes the outcome a failure, without a message.
+    void countAsFailed() { m_outcome = Outcome::kFailed; }
     /// What became of the file, unless it failed.
     void setOutcome(Outcome outcome);
     /// For programs that read the report.

@@ -153,7 +153,7 @@ bool Worker::isToBeKept(Input& input, const std::string& name, FileReport& repor
     const bool isKept = isValid(*m_valid, m_validMark, input, m_block, error);
     if (error != 0 && !isInterrupted())
         report.error(CONV_CANNOT_READ, {name, tools::reason(error)});
-    if (error != 0) report.fail();
+    if (error != 0) report.countAsFailed();
     return isKept;
 }
 

@@ -45,7 +45,7 @@ public:
     }
 
 private:
-    bool fail(qblmsgcmsgs id, Details details) {
+    bool rememberProblem(qblmsgcmsgs id, Details details) {
         m_problem = {id, std::move(details)};
         return false;
     }
@@ -76,7 +76,7 @@ private:
 
     bool takeCommand(const Given& given, Command command) {
         if (!m_command.empty() && m_options.command != command)
-            return fail(MSGC_NOT_TOGETHER, {m_command, given.shown});
+            return rememberProblem(MSGC_NOT_TOGETHER, {m_command, given.shown});
         m_options.command = command;
         m_command = given.shown;
         return true;
@@ -107,20 +107,20 @@ private:
 
     bool takeText(const Given& given, std::string& text) {
         text = given.argument;
-        return !text.empty() || fail(MSGC_BAD_ARGUMENT, {given.shown, "\"\""});
+        return !text.empty() || rememberProblem(MSGC_BAD_ARGUMENT, {given.shown, "\"\""});
     }
 
     bool checkShell(const Given& given) {
         for (const char* const known : {"bash", "zsh", "fish"})
             if (m_options.shell == known) return true;
-        return fail(MSGC_BAD_ARGUMENT, {given.shown, "\"" + m_options.shell + "\""});
+        return rememberProblem(MSGC_BAD_ARGUMENT, {given.shown, "\"" + m_options.shell + "\""});
     }
 
     bool checkOptions() {
         if (!m_command.empty() && !m_compiling.empty())
-            return fail(MSGC_NOT_TOGETHER, {m_command, m_compiling});
+            return rememberProblem(MSGC_NOT_TOGETHER, {m_command, m_compiling});
         if (m_options.checkOnly && !m_writing.empty())
-            return fail(MSGC_NOT_TOGETHER, {"-c", m_writing});
+            return rememberProblem(MSGC_NOT_TOGETHER, {"-c", m_writing});
         return true;
     }
 
@@ -146,8 +146,8 @@ private:
                 break;
         }
         const std::size_t count = m_options.operands.size();
-        if (count < least) return fail(MSGC_NO_OPERAND, {});
-        return count <= most || fail(MSGC_NO_MORE_OPERANDS, {m_options.operands[most]});
+        if (count < least) return rememberProblem(MSGC_NO_OPERAND, {});
+        return count <= most || rememberProblem(MSGC_NO_MORE_OPERANDS, {m_options.operands[most]});
     }
 
     /// Nothing that is read is overwritten, nor is one output by the other.
@@ -160,7 +160,8 @@ private:
         for (const std::string* const output : {&m_options.output, &m_options.header}) {
             if (output->empty()) continue;
             for (const std::string& each : taken)
-                if (tools::isSameFile(each, *output)) return fail(MSGC_SAME_FILE, {*output, each});
+                if (tools::isSameFile(each, *output))
+                    return rememberProblem(MSGC_SAME_FILE, {*output, each});
             taken.push_back(*output);
         }
         return true;
