@@ -41,7 +41,7 @@ public:
         } catch (QBLThrowable& e) {
             e.addBackTrace(QBL_HERE, "FileTask::run", "QBL_RETHROW");
             m_error.set(e);
-            m_failed = true;
+            m_bFailed = true;
         }
         ++m_done;
     }
@@ -49,7 +49,7 @@ public:
     // For the main thread, once the pool has ended.
     const std::string& path() const { return m_path; }
     const FileFigures& figures() const { return m_figures; }
-    bool failed() const { return m_failed; }
+    bool hasFailed() const { return m_bFailed; }
     void check() { m_error.check(QBL_HERE, "FileTask::check", "QBL_THROW"); }
 
 private:
@@ -57,7 +57,7 @@ private:
     std::atomic<std::size_t>& m_done;
     FileFigures m_figures;
     QBLDeferredThrowable m_error;
-    bool m_failed = false;
+    bool m_bFailed = false;
 };
 
 /// Adds a file, or all files below a directory in the order of their names; what is
@@ -110,7 +110,7 @@ void printTable(const std::deque<FileTask>& tasks, bool listAll) {
     std::vector<const FileTask*> rows;
     FileFigures total;
     for (const FileTask& task : tasks) {
-        if (task.failed()) continue;
+        if (task.hasFailed()) continue;
         rows.push_back(&task);
         total += task.figures();
     }

@@ -21,7 +21,7 @@ namespace {
 
 constexpr int kTurns = 200;
 
-[[noreturn]] void fail(QBLFmFile& file, const char* operation) {
+[[noreturn]] void throwLastError(QBLFmFile& file, const char* operation) {
     const std::string text = std::string(operation) + ": " + file.getLastErrorMessage();
     QBL_THROW(QBLSystemError(file.getLastErrorNumber(), text.c_str()));
 }
@@ -29,7 +29,7 @@ constexpr int kTurns = 200;
 int read(QBLFmFile& file) {
     char text[16] = {};
     if (file.seek(0, QBLFmFile::begin) < 0 || file.read(text, sizeof text - 1) < 0)
-        fail(file, "read");
+        throwLastError(file, "read");
     return std::atoi(text);
 }
 
@@ -37,13 +37,13 @@ void write(QBLFmFile& file, int number) {
     const std::string text = std::to_string(number);
     const long size = static_cast<long>(text.size());
     if (file.seek(0, QBLFmFile::begin) < 0 || file.write(text.data(), text.size()) != size)
-        fail(file, "write");
+        throwLastError(file, "write");
 }
 
 /// Each process opens the file for itself: a lock belongs to a process.
 void takeTurns(const std::string& path) {
     QBLFmFile file;
-    if (!file.open(path.c_str(), QBLFmFile::existing, 0)) fail(file, "open");
+    if (!file.open(path.c_str(), QBLFmFile::existing, 0)) throwLastError(file, "open");
     QBLFileLockRW lock(file);
     int changes = 0, last = 0;
     for (int i = 0; i < kTurns; ++i) {
@@ -61,7 +61,7 @@ void takeTurns(const std::string& path) {
 
 int result(const std::string& path) {
     QBLFmFile file;
-    if (!file.open(path.c_str(), QBLFmFile::existing, 1)) fail(file, "open");
+    if (!file.open(path.c_str(), QBLFmFile::existing, 1)) throwLastError(file, "open");
     QBLFileLockRW lock(file);
     QBLThreadRWGuard guard(lock, 0);
     return read(file);

@@ -32,7 +32,7 @@ std::string failureOf(Operation&& operation) {
     return "nothing";
 }
 
-void fail() { throw std::runtime_error("unchanged"); }
+void throwUnchanged() { throw std::runtime_error("unchanged"); }
 
 }  // namespace
 
@@ -44,8 +44,8 @@ TEST(QBLPluginLibraryLoaderTest, LoadsFromTheEffectiveWorkingDirectoryAndUnloads
     QBLFmDir::setEffectiveWorkingDir(static_cast<const char*>(nullptr));
     EXPECT_NE(nullptr, dlsym(plugin, "faultsInitialize"));
     QBLPluginLibraryLoader::initialize(plugin, nullptr);
-    EXPECT_THROW(QBLPluginLibraryLoader::initialize(plugin, &fail), std::runtime_error);
-    EXPECT_THROW(QBLPluginLibraryLoader::terminate(plugin, &fail), std::runtime_error);
+    EXPECT_THROW(QBLPluginLibraryLoader::initialize(plugin, &throwUnchanged), std::runtime_error);
+    EXPECT_THROW(QBLPluginLibraryLoader::terminate(plugin, &throwUnchanged), std::runtime_error);
     QBLPluginLibraryLoader::unload(plugin);
     EXPECT_EQ(nullptr, dlopen(PLUGIN_FILE, RTLD_LAZY | RTLD_NOLOAD));
 }

@@ -18,19 +18,19 @@ namespace {
 const char kFailed[] = "An error occured during string normalization.";
 const char kMalloc[] = "malloc failed to allocate memory.";
 
-[[noreturn]] void fail(UErrorCode status) {
+[[noreturn]] void throwFailure(UErrorCode status) {
     if (status == U_MEMORY_ALLOCATION_ERROR) qblThrowNoMemory(QBL_HERE, kMalloc);
     QBL_THROW(I18NRuntimeError(I18N_NORMALIZATION, kFailed));
 }
 
 void require(const icu::UnicodeString& text) {
-    if (text.isBogus()) fail(U_MEMORY_ALLOCATION_ERROR);
+    if (text.isBogus()) throwFailure(U_MEMORY_ALLOCATION_ERROR);
 }
 
 const icu::Normalizer2& made(const icu::Normalizer2* (*get)(UErrorCode&)) {
     UErrorCode status = U_ZERO_ERROR;
     const icu::Normalizer2* const form = get(status);
-    if (status == U_MEMORY_ALLOCATION_ERROR) fail(status);
+    if (status == U_MEMORY_ALLOCATION_ERROR) throwFailure(status);
     if (form == nullptr || U_FAILURE(status))
         QBL_THROW(I18NRuntimeError(I18N_NORMALIZATION, nullptr));
     return *form;
@@ -139,7 +139,7 @@ bool i18nNormalize(const icu::Normalizer2& form, const icu::UnicodeString& text,
                    icu::UnicodeString& result) {
     UErrorCode status = U_ZERO_ERROR;
     const int32_t kept = form.spanQuickCheckYes(text, status);
-    if (status == U_MEMORY_ALLOCATION_ERROR) fail(status);
+    if (status == U_MEMORY_ALLOCATION_ERROR) throwFailure(status);
     if (U_FAILURE(status)) QBL_THROW(I18NRuntimeError(I18N_NORMALIZATION, nullptr));
     if (kept == text.length()) return false;
     result.setTo(text, 0, kept);
@@ -148,7 +148,7 @@ bool i18nNormalize(const icu::Normalizer2& form, const icu::UnicodeString& text,
         result,
         mayHaveLongRun(text, kept) ? withSortedRuns(form, text, kept) : text.tempSubString(kept),
         status);
-    if (U_FAILURE(status)) fail(status);
+    if (U_FAILURE(status)) throwFailure(status);
     require(result);
     return true;
 }
@@ -168,7 +168,7 @@ icu::UnicodeString i18nJoin(std::u16string_view before, const I18NTextView& text
     const auto back = static_cast<int32_t>(behind.size());
     icu::UnicodeString all;
     char16_t* const out = all.getBuffer(front + text.length() + back);
-    if (out == nullptr) fail(U_MEMORY_ALLOCATION_ERROR);
+    if (out == nullptr) throwFailure(U_MEMORY_ALLOCATION_ERROR);
     std::char_traits<char16_t>::copy(out, before.data(), before.size());
     text.copyTo(out + front);
     std::char_traits<char16_t>::copy(out + front + text.length(), behind.data(), behind.size());
