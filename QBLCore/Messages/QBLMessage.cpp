@@ -16,7 +16,7 @@ const char kDefaultLocale[] = "en";
 bool isNullOrEmpty(const char* text) { return text == nullptr || *text == '\0'; }
 
 /// The text that a file has for an identifier; null for none, or an empty one.
-const char* textOf(QBLResourceFile& file, unsigned long id) {
+const char* resourceText(QBLResourceFile& file, unsigned long id) {
     char* text = nullptr;
     return file.getResource(id, &text) && !isNullOrEmpty(text) ? text : nullptr;
 }
@@ -52,7 +52,7 @@ QBLMessageArgument argumentOf(const QBLMessageParm& parm, QBLResourceFile& file,
             break;
         case QBLMsgParmMsgId: {
             parm.getValue(unsignedValue);
-            const char* text = textOf(file, unsignedValue);
+            const char* text = resourceText(file, unsignedValue);
             kept.emplace_back();
             if (text != nullptr)
                 kept.back() = text;
@@ -124,7 +124,7 @@ const char* QBLMessage::chooseLocale(const char* language, const char* fallbackL
 bool QBLMessage::formatFrom(QBLResourceFile& file, const char* locale,
                             std::unique_ptr<QBLMessagePattern>& pattern, I18NString& out) const {
     QBL_ALLOC_TRY
-    const char* text = textOf(file, getMessageID());
+    const char* text = resourceText(file, getMessageID());
     if (text == nullptr) return false;
     const int count = getParmCount() < QBLMessagePattern::kMaxArguments
                           ? static_cast<int>(getParmCount())

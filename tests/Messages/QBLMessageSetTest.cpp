@@ -14,7 +14,7 @@
 
 namespace {
 
-std::string textOf(const QBLMessageSet& set) {
+std::string formatted(const QBLMessageSet& set) {
     I18NString out;
     set.format("en", nullptr, out);
     return out.toUtf8();
@@ -37,16 +37,16 @@ TEST(QBLMessageSetTest, OwnsItsMessagesAndKeepsTheirOrder) {
     set.addMessageFront(QBLMessageString(QBLSeverityFatal, "a"));
     set.addMessage(nullptr);
     set.increaseNesting();
-    EXPECT_EQ("abc", textOf(set));
+    EXPECT_EQ("abc", formatted(set));
     EXPECT_EQ(QBLSeverityFatal, set.getSeverity());
     QBLMessageSet copy(set), other;
     other << QBLMessageString("d");
     other.transferMessages(set);
     other.transferMessages(other);
-    EXPECT_EQ("dabc", textOf(other));
+    EXPECT_EQ("dabc", formatted(other));
     EXPECT_EQ(0U, set.getMessageCount());
     EXPECT_EQ(nullptr, set.getMessageN(0));
-    EXPECT_EQ("abc", textOf(copy));
+    EXPECT_EQ("abc", formatted(copy));
     EXPECT_EQ(1UL, copy.getNesting());
     const QBLMessageSet& itself = copy;
     copy = itself;
@@ -69,7 +69,7 @@ TEST(QBLMessageSetTest, StaysAsItWasWhenMemoryRunsOut) {
             EXPECT_EQ(2U, set.getMessageCount());
         } catch (const QBLThrowable& error) {
             EXPECT_STREQ("QBLOutOfMemoryError", error.getThrowableName());
-            EXPECT_EQ("before", textOf(set));
+            EXPECT_EQ("before", formatted(set));
         }
     });
 }

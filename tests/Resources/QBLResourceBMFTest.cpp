@@ -14,7 +14,7 @@ const std::map<unsigned, std::string> kTexts = {
     {5, "five"}, {7, ""}, {0x7FFFFFFF, "middle"}, {0x80000001, "a high one"}};
 
 /// The text for an identifier; "none" if there is no such one, "untouched" if it cannot be read.
-std::string textOf(QBLResourceBMF& resource, unsigned long id) {
+std::string resourceText(QBLResourceBMF& resource, unsigned long id) {
     char untouched[] = "untouched";
     char* text = untouched;
     return resource.getResource(id, &text) ? text : "none";
@@ -30,9 +30,9 @@ void useAll(const TempTree& tree, const std::string& bytes) {
     for (const int preload : {0, 1}) {
         QBLResourceBMF resource(preload);
         if (!isOpened(resource, tree, bytes)) continue;
-        for (const auto& [id, text] : kTexts) textOf(resource, id);
-        textOf(resource, 0);
-        textOf(resource, ~0UL);
+        for (const auto& [id, text] : kTexts) resourceText(resource, id);
+        resourceText(resource, 0);
+        resourceText(resource, ~0UL);
     }
 }
 
@@ -42,21 +42,21 @@ TEST(QBLResourceBMFTest, FindsEachTextByItsIdentifier) {
     TempTree tree;
     for (const int preload : {0, 1}) {
         QBLResourceBMF resource(preload);
-        EXPECT_EQ("none", textOf(resource, 5)) << "nothing is open";
+        EXPECT_EQ("none", resourceText(resource, 5)) << "nothing is open";
         ASSERT_TRUE(isOpened(resource, tree, bmfBytes(kTexts)));
         EXPECT_EQ(preload == 0, resource.isOpen());
-        for (const auto& [id, text] : kTexts) EXPECT_EQ(text, textOf(resource, id));
+        for (const auto& [id, text] : kTexts) EXPECT_EQ(text, resourceText(resource, id));
         for (const unsigned long id : {0UL, 4UL, 6UL, 8UL, 0x80000000UL, 0xFFFFFFFFUL})
-            EXPECT_EQ("none", textOf(resource, id));
-        EXPECT_EQ(sizeof(long) > 4 ? "none" : "five", textOf(resource, (1UL << 31 << 1) + 5));
+            EXPECT_EQ("none", resourceText(resource, id));
+        EXPECT_EQ(sizeof(long) > 4 ? "none" : "five", resourceText(resource, (1UL << 31 << 1) + 5));
         char *first = nullptr, *second = nullptr;
         ASSERT_TRUE(resource.getResource(0x80000001, &first) && resource.getResource(5, &second));
         EXPECT_STREQ("five", second);
         EXPECT_EQ(preload == 0, first == second) << "one buffer, unless all is there";
         resource.close();
-        EXPECT_EQ(preload != 0 ? "five" : "untouched", textOf(resource, 5));
+        EXPECT_EQ(preload != 0 ? "five" : "untouched", resourceText(resource, 5));
         ASSERT_TRUE(isOpened(resource, tree, bmfBytes({})));
-        EXPECT_EQ("none", textOf(resource, 5));
+        EXPECT_EQ("none", resourceText(resource, 5));
     }
 }
 
@@ -90,8 +90,8 @@ TEST(QBLResourceBMFTest, CutFilesAndLiesNeverReadBeyondWhatIsThere) {
     open.replace(12, 4, bigEndian(4));
     QBLResourceBMF resource(1);
     ASSERT_TRUE(isOpened(resource, tree, open.replace(16 + 8, 4, bigEndian(4))));
-    EXPECT_EQ("five", textOf(resource, 5));
-    EXPECT_EQ("none", textOf(resource, 0x7FFFFFFF)) << "outside of the block";
+    EXPECT_EQ("five", resourceText(resource, 5));
+    EXPECT_EQ("none", resourceText(resource, 0x7FFFFFFF)) << "outside of the block";
 }
 
 TEST(QBLResourceBMFTest, ExhaustedMemoryClosesTheFile) {

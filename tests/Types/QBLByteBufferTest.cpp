@@ -19,7 +19,7 @@ namespace {
 
 const auto kHalf = QBLByteBuffer::GROW_BY_HALF;
 
-std::string textOf(const QBLByteBuffer& buffer) {
+std::string contentsOf(const QBLByteBuffer& buffer) {
     EXPECT_EQ('\0', buffer.str()[buffer.pcount()]);
     return std::string(buffer.str(), buffer.pcount());
 }
@@ -37,7 +37,7 @@ TEST(QBLByteBufferTest, TakesLessSpareRoomWhereMemoryIsShort) {
         moves += buffer.str() != before;
     }
     fault::failAllocation(-1);
-    EXPECT_EQ(std::string(10000, 'c'), textOf(buffer));
+    EXPECT_EQ(std::string(10000, 'c'), contentsOf(buffer));
     EXPECT_GT(50U, moves) << "though the whole blocks are 1247";
 }
 
@@ -48,11 +48,11 @@ TEST(QBLByteBufferTest, AppendsEveryType) {
                                       << UINT_MAX << LONG_MIN << ULONG_MAX;
         std::string expected = std::string("a\0b(null)\0", 10) + "-1-21474836484294967295" +
                                std::to_string(LONG_MIN) + std::to_string(ULONG_MAX);
-        EXPECT_EQ(expected, textOf(buffer));
+        EXPECT_EQ(expected, contentsOf(buffer));
         buffer.reset();
         EXPECT_EQ(10, buffer.setHexRadix(5));
         buffer << 255 << ' ' << -2 << ' ' << 171U << ' ' << -1L;
-        EXPECT_EQ("ff fffffffe ab " + std::string(2 * sizeof(long), 'f'), textOf(buffer));
+        EXPECT_EQ("ff fffffffe ab " + std::string(2 * sizeof(long), 'f'), contentsOf(buffer));
         EXPECT_EQ(16, buffer.setHexRadix(0));
     }
 }
@@ -75,8 +75,8 @@ TEST(QBLByteBufferTest, IsAsBeforeWhereMemoryEnds) {
                 try {
                     operation(buffer);
                 } catch (QBLOutOfMemoryError&) {
-                    EXPECT_EQ("full", textOf(buffer));
-                    EXPECT_EQ("full0", textOf(buffer << 0)) << "and of use";
+                    EXPECT_EQ("full", contentsOf(buffer));
+                    EXPECT_EQ("full0", contentsOf(buffer << 0)) << "and of use";
                 }
             } catch (QBLOutOfMemoryError&) {
             }
@@ -93,7 +93,7 @@ TEST(QBLByteBufferTest, IsAsBeforeWhereMemoryEnds) {
              [&] { QBLByteBuffer(kHalf, 0xFFFFFFFF); }, [&] { QBLByteBuffer(0xFFFFFFF8, 8); },
              [&] { half.printf("y"); }, [&] { half.appendChars("y", most); }})
         QBL_EXPECT_THROW(tooMuch(), QBLOutOfMemoryError, nullptr);
-    EXPECT_EQ("x", textOf(half));
+    EXPECT_EQ("x", contentsOf(half));
 }
 
 TEST(QBLByteBufferTest, PassesOnWhatAReplacedOperatorNewThrows) {
@@ -110,7 +110,7 @@ TEST(QBLByteBufferTest, PassesOnWhatAReplacedOperatorNewThrows) {
                 left = 0;
             } catch (int thrown) {
                 EXPECT_EQ(42, thrown);
-                EXPECT_EQ("full", textOf(buffer));
+                EXPECT_EQ("full", contentsOf(buffer));
             }
             fault::failAllocation(-1);
         }
@@ -147,5 +147,5 @@ TEST(QBLByteBufferTest, SaysWhatItAsserts) {
     QBL_EXPECT_THROW(
         buffer.printf("%lc", wint_t{0xD800}), QBLAssertError,
         "QBL_ASSERT_NAMED(( 0 <= i ), \"[QBLByteBuffer::printf] vsnprintf failed.\");");
-    EXPECT_EQ(" 0.25", textOf(buffer));
+    EXPECT_EQ(" 0.25", contentsOf(buffer));
 }

@@ -22,7 +22,7 @@ Status unreadable(const std::string& operand) {
 
 Status complain(Status status, qblmsgcmsgs id, const Details& details) {
     tools::flush(stdout);
-    tools::printText(stderr, textOf(id, details) + "\n");
+    tools::printText(stderr, formatMessage(id, details) + "\n");
     return status;
 }
 
@@ -35,7 +35,7 @@ Status dump(const Options& options) {
     BmfProblem problem = {};
     if (!readBmf(bytes, texts, problem))
         return complain(kErrors, MSGC_NO_BMF,
-                        {name, std::to_string(problem.offset), textOf(problem.reason)});
+                        {name, std::to_string(problem.offset), formatMessage(problem.reason)});
     for (const BmfText& each : texts)
         tools::print(stdout, dumpSource(each.id, std::string(each.text)));
     // Texts that are shared, unused bytes and the like: readers do not see them, nor do sources.

@@ -10,7 +10,7 @@
 
 namespace msgc {
 
-std::string textOf(qblmsgcmsgs id, const Details& details) {
+std::string formatMessage(qblmsgcmsgs id, const Details& details) {
     return tools::MessageText(ownCatalogue(), userLocale()).text(id, tools::shown(details));
 }
 

@@ -16,7 +16,7 @@ using tools::Details;
 
 /// Formats a message of the tool's catalogue in the user's language, with the details as shown()
 /// has them.
-std::string textOf(qblmsgcmsgs id, const Details& details = {});
+std::string formatMessage(qblmsgcmsgs id, const Details& details = {});
 
 /// What was found in the sources of a run. It is shown in the order of the files as they came, and
 /// within each by place.

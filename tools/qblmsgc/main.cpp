@@ -42,7 +42,7 @@ msgc::Status run(const msgc::Options& options) {
             return msgc::kClean;
         }
         case Command::kVersion:
-            tools::printText(stdout, msgc::textOf(MSGC_VERSION, {QBL_VERSION}) + "\n");
+            tools::printText(stdout, msgc::formatMessage(MSGC_VERSION, {QBL_VERSION}) + "\n");
             return msgc::kClean;
         default:
             return msgc::compile(options);
