@@ -16,7 +16,7 @@ class Reader {
 public:
     Reader(int argc, char** argv, const std::vector<Option>& options,
            const std::function<bool(const Given&)>& take, Mistake& mistake)
-        : m_argc(argc), m_argv(argv), m_options(options), m_take(take), m_mistake(mistake) {
+        : m_iWordCount(argc), m_pWords(argv), m_options(options), m_take(take), m_mistake(mistake) {
         for (const Option& option : options) {
             if (option.letter > 255) continue;
             const char letter = static_cast<char>(option.letter);
@@ -29,13 +29,13 @@ public:
     }
 
     bool read(std::vector<std::string>& operands) {
-        while (m_at < m_argc) {
+        while (m_iAt < m_iWordCount) {
             bool isEnd = false, isOperand = true;
             if (!readOptions(isEnd, isOperand)) return false;
             if (isEnd) break;
-            if (isOperand && m_at < m_argc) operands.emplace_back(m_argv[m_at++]);
+            if (isOperand && m_iAt < m_iWordCount) operands.emplace_back(m_pWords[m_iAt++]);
         }
-        operands.insert(operands.end(), m_argv + m_at, m_argv + m_argc);
+        operands.insert(operands.end(), m_pWords + m_iAt, m_pWords + m_iWordCount);
         return true;
     }
 
@@ -53,8 +53,8 @@ private:
     bool readOptions(bool& isEnd, bool& isOperand) {
         QBLUtGetOpt parser;
         parser.setPrintErrors(0);
-        char** const first = m_argv + m_at - 1;
-        const int count = m_argc - m_at + 1;
+        char** const first = m_pWords + m_iAt - 1;
+        const int count = m_iWordCount - m_iAt + 1;
         int before = parser.getOptInd();
         const char* name = nullptr;
         bool isNextTaken = false;
@@ -69,7 +69,7 @@ private:
         }
         isOperand = !isNextTaken;
         isEnd = !isNextTaken && parser.getOptInd() != before;
-        m_at += parser.getOptInd() - 1 + (isNextTaken ? 1 : 0);
+        m_iAt += parser.getOptInd() - 1 + (isNextTaken ? 1 : 0);
         return true;
     }
 
@@ -83,14 +83,15 @@ private:
             const bool isFirst = isLast ? std::strlen(word[-1]) == 2 : argument == *word + 2;
             if (isFirst || !hasAttached()) return rememberMistake(Mistake::kNoOption, shown);
             if (isLast) return rememberMistake(Mistake::kBadArgument, lastShown());
-            return m_take({*m_last, lastShown(), argument});
+            return m_take({*m_pLast, lastShown(), argument});
         }
         const auto found = std::find_if(m_options.begin(), m_options.end(),
                                         [&](const Option& each) { return each.letter == letter; });
         // The library's parser finds the colons among its letters, too.
         if (found == m_options.end()) return rememberMistake(Mistake::kNoOption, shown);
-        m_last = &*found;
-        return m_take({*m_last, shown, m_last->argument == Argument::kNeeded ? argument : nullptr});
+        m_pLast = &*found;
+        return m_take(
+            {*m_pLast, shown, m_pLast->argument == Argument::kNeeded ? argument : nullptr});
     }
 
     bool rememberBadLetter(const QBLUtGetOpt& parser, const char* word) {
@@ -111,9 +112,9 @@ private:
 
     /// Whether the letter before can have an attached argument.
     bool hasAttached() const {
-        return m_last != nullptr && m_last->argument == Argument::kAttached;
+        return m_pLast != nullptr && m_pLast->argument == Argument::kAttached;
     }
-    std::string lastShown() const { return {'-', static_cast<char>(m_last->letter)}; }
+    std::string lastShown() const { return {'-', static_cast<char>(m_pLast->letter)}; }
 
     bool takeLong(const char* word, const char* next, bool& isNextTaken) {
         const char* const equals = std::strchr(word, '=');
@@ -127,7 +128,7 @@ private:
             return rememberMistake(Mistake::kNoOption, "--" + name,
                                    suggestion.empty() ? suggestion : "--" + suggestion);
         }
-        m_last = nullptr;
+        m_pLast = nullptr;
         const char* argument = equals != nullptr ? equals + 1 : nullptr;
         if (argument != nullptr && found->argument == Argument::kNone)
             return rememberMistake(Mistake::kNoArgument, "--" + name);
@@ -139,14 +140,14 @@ private:
         return m_take({*found, "--" + name, argument});
     }
 
-    const int m_argc;
-    char** const m_argv;
+    const int m_iWordCount;
+    char** const m_pWords;
     const std::vector<Option>& m_options;
     const std::function<bool(const Given&)>& m_take;
     Mistake& m_mistake;
     std::string m_letters;
-    const Option* m_last = nullptr;  // the last option, if it was given by its letter
-    int m_at = 1;
+    const Option* m_pLast = nullptr;  // the last option, if it was given by its letter
+    int m_iAt = 1;
 };
 
 }  // namespace

@@ -38,7 +38,7 @@ std::size_t editDistance(const std::string& a, const std::string& b) {
 }
 
 Closest::Closest(const std::string& wrong)
-    : m_wrong(lettersOf(wrong)), m_distance(std::max<std::size_t>(m_wrong.size() / 3, 1) + 1) {}
+    : m_wrong(lettersOf(wrong)), m_uDistance(std::max<std::size_t>(m_wrong.size() / 3, 1) + 1) {}
 
 void Closest::offer(const char* name) {
     if (m_wrong.size() > kLongest) return;
@@ -46,8 +46,8 @@ void Closest::offer(const char* name) {
     // Many break a word off early.
     const bool isBeginning = m_wrong.size() > 2 && letters.compare(0, m_wrong.size(), m_wrong) == 0;
     const std::size_t distance = isBeginning ? 1 : editDistance(m_wrong, letters);
-    if (distance >= m_distance) return;
-    m_distance = distance;
+    if (distance >= m_uDistance) return;
+    m_uDistance = distance;
     m_found = name;
 }
 

@@ -19,7 +19,7 @@ public:
 
 private:
     std::string m_wrong;
-    std::size_t m_distance;  // a name found is nearer
+    std::size_t m_uDistance;  // a name found is nearer
     std::string m_found;
 };
 

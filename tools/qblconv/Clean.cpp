@@ -56,22 +56,22 @@ public:
     explicit Lease(int file) : m_iFile(file) {
         // The system signals the holder when somebody opens the file. SIGIO, the usual signal,
         // would end the process; SIGURG is ignored.
-        m_isHeld = fcntl(file, F_SETSIG, SIGURG) == 0 && fcntl(file, F_SETLEASE, F_WRLCK) == 0;
-        m_error = m_isHeld ? 0 : errno;
+        m_bHeld = fcntl(file, F_SETSIG, SIGURG) == 0 && fcntl(file, F_SETLEASE, F_WRLCK) == 0;
+        m_iError = m_bHeld ? 0 : errno;
     }
     ~Lease() {
-        if (m_isHeld) fcntl(m_iFile, F_SETLEASE, F_UNLCK);
+        if (m_bHeld) fcntl(m_iFile, F_SETLEASE, F_UNLCK);
     }
     Lease(const Lease&) = delete;
     Lease& operator=(const Lease&) = delete;
 
     /// An errno; 0 if it was given.
-    int error() const { return m_error; }
+    int error() const { return m_iError; }
 
 private:
     const int m_iFile;
-    bool m_isHeld;
-    int m_error;
+    bool m_bHeld;
+    int m_iError;
 };
 
 struct Descriptor {

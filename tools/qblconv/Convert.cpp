@@ -26,7 +26,7 @@ public:
           m_outputName(outputName),
           m_findings(findings),
           m_report(report),
-          m_to(setup.to != nullptr ? setup.to->getEncoding() : ""),
+          m_pTo(setup.to != nullptr ? setup.to->getEncoding() : ""),
           m_stream(from, setup.to, setup.mark, &findings) {
         findings.attach(m_stream);
         if (setup.to == nullptr) return;
@@ -49,7 +49,7 @@ public:
         } catch (const Findings::Lacking&) {
             return giveUp();
         }
-        m_findings.tell(m_stream.getInputEncoding(), m_to);
+        m_findings.tell(m_stream.getInputEncoding(), m_pTo);
         const std::string_view bytes = takeOutput(size == 0);
         return isReversible(bytes, size == 0) && write(bytes);
     }
@@ -69,7 +69,7 @@ public:
 private:
     /// An output that stays keeps what is in front of the place.
     bool giveUp() {
-        m_findings.tellLast(m_stream.getInputEncoding(), m_to);
+        m_findings.tellLast(m_stream.getInputEncoding(), m_pTo);
         if (m_pOutput != nullptr && m_pOutput->isDirect()) write(takeOutput(true));
         return false;
     }
@@ -115,7 +115,7 @@ private:
     const std::string& m_outputName;
     Findings& m_findings;
     FileReport& m_report;
-    const char* const m_to;
+    const char* const m_pTo;
     I18NTextStream m_stream;
     std::optional<LineEnds> m_lineEnds;
     std::optional<Verification> m_verification;

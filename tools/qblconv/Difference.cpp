@@ -35,15 +35,15 @@ public:
     bool put(std::string_view bytes) {
         advance(m_first, bytes, m_firstRest);
         advance(m_second, bytes, m_secondRest);
-        if (!m_isFound) skipCommon();
-        if (bytes.empty()) m_isFound = m_isFound || m_firstRest != m_secondRest;
+        if (!m_bFound) skipCommon();
+        if (bytes.empty()) m_bFound = m_bFound || m_firstRest != m_secondRest;
         // Two units more, so that no pair is cut.
         const std::size_t known = std::min(m_firstRest.size(), m_secondRest.size());
-        return !bytes.empty() && !(m_isFound && known > kAfter + 2);
+        return !bytes.empty() && !(m_bFound && known > kAfter + 2);
     }
 
     Difference result() const {
-        if (!m_isFound) return {};
+        if (!m_bFound) return {};
         return {m_iLine, shownAround(m_firstRest), shownAround(m_secondRest)};
     }
 
@@ -62,9 +62,9 @@ private:
         const auto end = m_firstRest.begin() + static_cast<std::ptrdiff_t>(limit);
         const auto [mine, other] = std::mismatch(m_firstRest.begin(), end, m_secondRest.begin());
         auto common = static_cast<std::size_t>(mine - m_firstRest.begin());
-        m_isFound = mine != end;
+        m_bFound = mine != end;
         // A difference within a pair is one of the character.
-        if (m_isFound && common > 0 && U16_IS_LEAD(m_firstRest[common - 1])) --common;
+        if (m_bFound && common > 0 && U16_IS_LEAD(m_firstRest[common - 1])) --common;
         for (std::size_t i = 0; i < common; ++i) note(m_firstRest[i]);
         m_firstRest.erase(0, common);
         m_secondRest.erase(0, common);
@@ -76,18 +76,18 @@ private:
         if (isLineEnd(unit)) {
             m_iLine += isSecondOfTwo ? 0 : 1;
             m_before.clear();
-            m_isCut = false;
+            m_bCut = false;
             return;
         }
         m_before += unit;
         if (m_before.size() < 2 * kBefore) return;
         m_before.erase(0, m_before.size() - kBefore);
         if (U16_IS_TRAIL(m_before[0])) m_before.erase(0, 1);
-        m_isCut = true;
+        m_bCut = true;
     }
 
     std::string shownAround(const std::u16string& rest) const {
-        const bool isCutBefore = m_isCut || m_before.size() > kBefore;
+        const bool isCutBefore = m_bCut || m_before.size() > kBefore;
         std::u16string_view before = m_before;
         if (before.size() > kBefore) before.remove_prefix(before.size() - kBefore);
         std::string text = isCutBefore ? kCut : "";
@@ -103,8 +103,8 @@ private:
     std::u16string m_before;                   // what both have before that in its line
     std::int64_t m_iLine = 1;
     char16_t m_cLast = 0;
-    bool m_isCut = false;
-    bool m_isFound = false;
+    bool m_bCut = false;
+    bool m_bFound = false;
 };
 
 }  // namespace

@@ -59,15 +59,15 @@ bool InPlace::isStuck() const {
 /// @return false with errno set
 bool InPlace::linkOriginal() {
     const int directory = m_item.place->directory.getDescriptor();
-    m_hasSecond = linkat(directory, m_item.leaf.c_str(), directory, m_second.c_str(), 0) == 0;
+    m_bHasSecond = linkat(directory, m_item.leaf.c_str(), directory, m_second.c_str(), 0) == 0;
     const int error = errno;
     FileStatus second;
     const bool isOriginal = second.get(directory, m_second.c_str(), AT_SYMLINK_NOFOLLOW) &&
                             second.isSameVersion(m_input.status());
-    if (isOriginal && (m_hasSecond || error == EEXIST)) return true;
-    if (m_hasSecond) unlinkat(directory, m_second.c_str(), 0);
-    errno = m_hasSecond ? ESTALE : error;
-    m_hasSecond = false;
+    if (isOriginal && (m_bHasSecond || error == EEXIST)) return true;
+    if (m_bHasSecond) unlinkat(directory, m_second.c_str(), 0);
+    errno = m_bHasSecond ? ESTALE : error;
+    m_bHasSecond = false;
     return false;
 }
 
@@ -88,7 +88,7 @@ bool InPlace::replace() {
         return true;
     const int error = m_output.error();
     // Two names of one file would be changed together.
-    if (m_hasSecond) m_item.place->directory.remove(m_second.c_str());
+    if (m_bHasSecond) m_item.place->directory.remove(m_second.c_str());
     if (error == ESTALE || error == ENOENT) return reportFailure(CONV_CHANGED);
     return reportFailure(CONV_CANNOT_WRITE, {tools::reason(error)});
 }

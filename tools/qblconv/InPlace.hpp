@@ -45,7 +45,7 @@ private:
     FileReport& m_report;
     ReplacingOutput m_output;
     const std::string m_second;  // the name that the original keeps; empty if it is not kept
-    bool m_hasSecond = false;    // it has got that by us
+    bool m_bHasSecond = false;   // it has got that by us
 };
 
 }  // namespace conv

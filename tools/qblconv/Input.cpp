@@ -21,13 +21,13 @@ constexpr int kLongestPause = 50;  // milliseconds between two attempts to lock
 }  // namespace
 
 bool Input::rememberError(int error) {
-    m_error = error;
+    m_iError = error;
     return false;
 }
 
 bool Input::open(const Item& item, bool forWriting) {
     m_item = item;
-    m_forWriting = forWriting;
+    m_bForWriting = forWriting;
     return openFile();
 }
 
@@ -46,17 +46,17 @@ bool Input::lookAtName(FileStatus& status) const {
 
 bool Input::openFile() {
     close();
-    m_isAtEnd = false;
-    m_isSpooled = false;
+    m_bAtEnd = false;
+    m_bSpooled = false;
     m_iStart = 0;
     m_passedOver = PassedOver::kNot;
-    m_isEmpty = true;
-    m_error = 0;
+    m_bEmpty = true;
+    m_iError = 0;
     const bool isFound = m_item.origin == Item::Origin::kFound;
     // Nor is the writer of a pipe waited for where no interrupt would end that.
     m_iFile = m_item.path == "-" && !isFound
                   ? STDIN_FILENO
-                  : openByName((m_forWriting ? O_RDWR : O_RDONLY) | O_NOCTTY | O_NONBLOCK);
+                  : openByName((m_bForWriting ? O_RDWR : O_RDONLY) | O_NOCTTY | O_NONBLOCK);
     if (m_iFile < 0) {
         const int error = errno;
         FileStatus target;
@@ -105,7 +105,7 @@ bool Input::lock(Options::Lock how, bool exclusive, Problem& problem) {
         if (isThere && now.isSameFile(m_status))
             return m_status.get(m_iFile) || rememberError(errno);
         if (isThere && openFile()) continue;
-        problem = {CONV_CANNOT_READ, {m_item.path, tools::reason(isThere ? m_error : ENOENT)}};
+        problem = {CONV_CANNOT_READ, {m_item.path, tools::reason(isThere ? m_iError : ENOENT)}};
         return false;
     }
     problem = {CONV_LOCKED, {m_item.path}};
@@ -124,27 +124,27 @@ Problem Input::lockedBy(bool exclusive) const {
 
 int Input::read(char* block, unsigned size) {
     unsigned done = 0;
-    while (done < size && !m_isAtEnd) {
+    while (done < size && !m_bAtEnd) {
         const bool isReady = isFile() || waitToRead(m_iFile);
         const ssize_t got = isReady ? ::read(m_iFile, block + done, size - done) : -1;
         const int error = isReady ? errno : EINTR;
         if (got < 0 && (error == EINTR || error == EAGAIN) && !isInterrupted()) continue;
         if (got < 0) {
-            m_error = error;
+            m_iError = error;
             return -1;
         }
-        m_isEmpty = m_isEmpty && got == 0;
+        m_bEmpty = m_bEmpty && got == 0;
         done += static_cast<unsigned>(got);
         // What others write is passed on as it comes.
         if (got > 0 && !isFile()) break;
         // One call less for each small file; those of no size are the system's own.
-        m_isAtEnd = got == 0 || (isRegular() && m_status.size() > 0 && done < size);
+        m_bAtEnd = got == 0 || (isRegular() && m_status.size() > 0 && done < size);
     }
     return static_cast<int>(done);
 }
 
 bool Input::rewind() {
-    m_isAtEnd = false;
+    m_bAtEnd = false;
     return lseek64(m_iFile, m_iStart, SEEK_SET) == m_iStart || rememberError(errno);
 }
 
@@ -161,12 +161,12 @@ bool Input::spool(std::vector<char>& block, Problem& problem) {
     while (isCopied && (got = read(block.data(), static_cast<unsigned>(block.size()))) > 0)
         isCopied = writeAll(copy, block.data(), static_cast<std::size_t>(got));
     const int error = errno;
-    if (got < 0) problem = {CONV_CANNOT_READ, {m_item.path, tools::reason(m_error)}};
+    if (got < 0) problem = {CONV_CANNOT_READ, {m_item.path, tools::reason(m_iError)}};
     if (got >= 0 && isCopied) {
         close();
         m_iFile = copy;
-        m_isSpooled = true;
-        return rewind() || cannotSpool(m_error);
+        m_bSpooled = true;
+        return rewind() || cannotSpool(m_iError);
     }
     ::close(copy);
     return isCopied ? false : cannotSpool(error);

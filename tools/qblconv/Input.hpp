@@ -74,33 +74,33 @@ public:
     const FileStatus& status() const { return m_status; }
     int descriptor() const { return m_iFile; }
     /// Whether nothing has been read so far.
-    bool isEmpty() const { return m_isEmpty; }
+    bool isEmpty() const { return m_bEmpty; }
     /// Whether the last read() came to the end; it may also come to it later.
-    bool isAtEnd() const { return m_isAtEnd; }
+    bool isAtEnd() const { return m_bAtEnd; }
     /// That an output of its own is to have; for what is not regular that of any new file.
     unsigned mode() const { return isRegular() ? m_status.mode() & 0777U : 0666U; }
-    int error() const { return m_error; }
+    int error() const { return m_iError; }
 
 private:
     bool openFile();
     int openByName(int flags) const;
     bool lookAtName(FileStatus& status) const;
     /// Whether reading does not have to wait.
-    bool isFile() const { return isRegular() || m_isSpooled; }
+    bool isFile() const { return isRegular() || m_bSpooled; }
     int lockFile(Options::Lock how, bool exclusive);
     Problem lockedBy(bool exclusive) const;
     bool rememberError(int error);
 
     int m_iFile = -1;  // 0 only for the standard input, which is never closed
     Item m_item;
-    bool m_forWriting = false;
+    bool m_bForWriting = false;
     FileStatus m_status = {};   // of the input itself, also if a copy is read
     std::int64_t m_iStart = 0;  // others may have read a part of the standard input
-    bool m_isSpooled = false;
+    bool m_bSpooled = false;
     PassedOver m_passedOver = PassedOver::kNot;
-    bool m_isAtEnd = false;
-    bool m_isEmpty = true;
-    int m_error = 0;
+    bool m_bAtEnd = false;
+    bool m_bEmpty = true;
+    int m_iError = 0;
 };
 
 }  // namespace conv

@@ -38,14 +38,14 @@ bool JoinedOutput::openOld() {
 bool JoinedOutput::open(const std::vector<std::string>& inputs) {
     FileStatus status;
     const bool isThere = !m_path.empty() && status.get(m_path.c_str());
-    m_isDirect = m_path.empty() || (isThere && !status.isRegular());
-    m_pOutput = m_isDirect ? static_cast<Output*>(&m_direct) : &m_replacing;
-    if (m_isDirect) return m_isOpen = m_path.empty() ? m_direct.open() : m_direct.open(m_path);
+    m_bDirect = m_path.empty() || (isThere && !status.isRegular());
+    m_pOutput = m_bDirect ? static_cast<Output*>(&m_direct) : &m_replacing;
+    if (m_bDirect) return m_bOpen = m_path.empty() ? m_direct.open() : m_direct.open(m_path);
     if (isThere && openOld() && !isAnInput(inputs)) {
         ::close(m_iOld);
         m_iOld = -1;
     }
-    return m_isOpen = m_replacing.open(m_path);
+    return m_bOpen = m_replacing.open(m_path);
 }
 
 bool JoinedOutput::isUnchanged() const {
@@ -80,8 +80,8 @@ void JoinedOutput::finish(bool hasFailed, FileReport& report) {
     const auto cannotWrite = [&] {
         report.error(CONV_CANNOT_WRITE, {m_name, tools::reason(m_pOutput->error())});
     };
-    if (!m_isOpen) return cannotWrite();
-    if (m_isDirect) {
+    if (!m_bOpen) return cannotWrite();
+    if (m_bDirect) {
         // What could not be written has been said, unless nothing came but the mark.
         if (m_pOutput->error() == 0 ? !m_pOutput->commit() : !hasFailed) cannotWrite();
         return;

@@ -29,7 +29,7 @@ public:
     bool open(const std::vector<std::string>& inputs);
     Output& output() { return *m_pOutput; }
     /// What is written straight through; null for a file that is replaced.
-    DirectOutput* direct() { return m_isDirect ? &m_direct : nullptr; }
+    DirectOutput* direct() { return m_bDirect ? &m_direct : nullptr; }
     const std::string& name() const { return m_name; }
     /// Puts the output in its place, unless something failed, and says in the report what does now.
     /// @param hasFailed  whether an input failed
@@ -45,8 +45,8 @@ private:
 
     const std::string& m_path;
     const std::string m_name;
-    bool m_isDirect = false;
-    bool m_isOpen = false;
+    bool m_bDirect = false;
+    bool m_bOpen = false;
     DirectOutput m_direct;
     ReplacingOutput m_replacing;
     Output* m_pOutput = nullptr;

@@ -12,7 +12,7 @@ I18NConverter LineEnds::strict(const I18NConverter& encoding) {
 
 LineEnds::LineEnds(const I18NConverter& encoding, bool withReturn)
     : m_encoding(strict(encoding)),
-      m_withReturn(withReturn),
+      m_bWithReturn(withReturn),
       m_decoder(&m_encoding, nullptr),
       m_encoder(nullptr, &m_encoding) {}
 
@@ -27,7 +27,7 @@ void LineEnds::finish() {
     m_bytes.clear();
     m_decoder.finish();
     change();
-    if (m_isAfterReturn && !m_withReturn) m_text += u'\r';
+    if (m_bAfterReturn && !m_bWithReturn) m_text += u'\r';
     encode();
     m_encoder.finish();
     m_bytes.append(m_encoder.getBytes(), m_encoder.getByteCount());
@@ -44,10 +44,10 @@ void LineEnds::change() {
     m_text.clear();
     for (; at != end; ++at) {
         const bool isEnd = *at == u'\n';
-        if (m_withReturn && isEnd && !m_isAfterReturn) m_text += u'\r';
-        if (!m_withReturn && !isEnd && m_isAfterReturn) m_text += u'\r';
-        m_isAfterReturn = *at == u'\r';
-        if (m_withReturn || !m_isAfterReturn) m_text += *at;
+        if (m_bWithReturn && isEnd && !m_bAfterReturn) m_text += u'\r';
+        if (!m_bWithReturn && !isEnd && m_bAfterReturn) m_text += u'\r';
+        m_bAfterReturn = *at == u'\r';
+        if (m_bWithReturn || !m_bAfterReturn) m_text += *at;
     }
 }
 

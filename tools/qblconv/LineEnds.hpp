@@ -30,11 +30,11 @@ private:
     static I18NConverter strict(const I18NConverter& encoding);
 
     const I18NConverter m_encoding;
-    const bool m_withReturn;
+    const bool m_bWithReturn;
     I18NTextStream m_decoder, m_encoder;
     std::u16string m_text;
     std::string m_bytes;
-    bool m_isAfterReturn = false;  // which is written already if lines end with it
+    bool m_bAfterReturn = false;  // which is written already if lines end with it
 };
 
 }  // namespace conv

@@ -31,13 +31,13 @@ bool endsWith(const std::string& name, const std::string& suffix) {
 }  // namespace
 
 Operands::Operands(const Options& options)
-    : m_options(options), m_isInPlace(options.mode == Mode::kInPlace) {}
+    : m_options(options), m_bInPlace(options.mode == Mode::kInPlace) {}
 
 bool Operands::check(Problem& problem) const {
     for (const std::string& operand : m_options.operands) {
         const bool isStandardInput = operand == "-";
-        if (isStandardInput && (m_isInPlace || m_options.mode == Mode::kDirectory)) {
-            problem = {CONV_NOT_TOGETHER, {"-", m_isInPlace ? "-i" : "-d"}};
+        if (isStandardInput && (m_bInPlace || m_options.mode == Mode::kDirectory)) {
+            problem = {CONV_NOT_TOGETHER, {"-", m_bInPlace ? "-i" : "-d"}};
             return false;
         }
         FileStatus status;
@@ -123,7 +123,7 @@ bool Operands::checkOriginals(Problem& problem) const {
 
 bool Operands::isPassedOver(const std::string& file, const Level& level) const {
     if (file[0] == '.' && m_options.match.compare(0, 1, ".") != 0) return true;
-    if (!m_isInPlace) return false;
+    if (!m_bInPlace) return false;
     const bool isOriginal = !m_options.suffix.empty() && endsWith(file, m_options.suffix);
     return isOriginal || m_doneFiles.count({level.identity, file}) != 0;
 }
@@ -180,7 +180,7 @@ bool Operands::nextOperand(Item& item) {
 /// @return false if it is done already
 bool Operands::nextFile(const std::string& operand, Item& item) {
     item = {operand, lastPart(operand), Item::Origin::kNamed, nullptr, {}, 0};
-    if (!m_isInPlace) return true;
+    if (!m_bInPlace) return true;
     item.origin = Item::Origin::kNamedInPlace;
     auto place = std::make_shared<Place>();
     FileStatus status;
@@ -203,7 +203,7 @@ bool Operands::nextDirectory(const std::string& operand, Item& item) {
         item = {operand, place->name, Item::Origin::kNamed, nullptr, {}, errno};
         return true;
     }
-    if (m_isInPlace && isBelowDone(place->directory)) return false;
+    if (m_bInPlace && isBelowDone(place->directory)) return false;
     const std::string name = place->name;
     return !enter(std::move(place), operand, name, item);
 }
@@ -221,8 +221,8 @@ bool Operands::enter(std::shared_ptr<Place> place, const std::string& path, cons
     }
     if (place->above != nullptr && isOutputDirectory(status)) return true;
     level.identity = status.identity();
-    if (m_isInPlace && m_doneDirectories.count(level.identity) != 0) return true;
-    if (m_isInPlace && place->above == nullptr) m_doneDirectories.insert(level.identity);
+    if (m_bInPlace && m_doneDirectories.count(level.identity) != 0) return true;
+    if (m_bInPlace && place->above == nullptr) m_doneDirectories.insert(level.identity);
     place->mode = status.mode();
     level.place = std::move(place);
     m_levels.push_back(std::move(level));

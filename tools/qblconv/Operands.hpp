@@ -60,7 +60,7 @@ private:
     bool isOutputDirectory(const FileStatus& status) const;
 
     const Options& m_options;
-    const bool m_isInPlace;
+    const bool m_bInPlace;
     std::size_t m_iNext = 0;
     std::vector<Level> m_levels;
     // Operands in place that are done, or being gone through.

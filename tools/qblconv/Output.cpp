@@ -27,11 +27,11 @@ std::atomic<unsigned> g_counter{0};
 Output::~Output() = default;
 
 DirectOutput::~DirectOutput() {
-    if (m_isOurs) ::close(m_iFile);
+    if (m_bOurs) ::close(m_iFile);
 }
 
 bool DirectOutput::rememberError(int error) {
-    m_error = error;
+    m_iError = error;
     return false;
 }
 
@@ -50,7 +50,7 @@ bool DirectOutput::open(const std::string& path) {
         pauseFor(kPause);
     }
     if (m_iFile < 0) return rememberError(isInterrupted() ? EINTR : errno);
-    m_isOurs = true;
+    m_bOurs = true;
     const int flags = fcntl(m_iFile, F_GETFL);
     return fcntl(m_iFile, F_SETFL, flags & ~O_NONBLOCK) == 0 || rememberError(errno);
 }
@@ -60,7 +60,7 @@ bool DirectOutput::write(const char* bytes, std::size_t size) {
 }
 
 bool DirectOutput::commit() {
-    return !std::exchange(m_isOurs, false) || ::close(m_iFile) == 0 || rememberError(errno);
+    return !std::exchange(m_bOurs, false) || ::close(m_iFile) == 0 || rememberError(errno);
 }
 
 bool ReplacingOutput::open(const std::string& path) { return m_file.open(path.c_str()); }
@@ -86,7 +86,7 @@ const QBLFmDirectory* OutputRoot::get() {
 NewOutput::~NewOutput() { discard(); }
 
 bool NewOutput::rememberError(int error) {
-    m_error = error;
+    m_iError = error;
     return false;
 }
 
@@ -116,10 +116,10 @@ bool NewOutput::enter(const Place* place, QBLFmDirectory& directory) {
 }
 
 bool NewOutput::create() {
-    if (!m_isOpened || m_opened != m_place) {
+    if (!m_bOpened || m_opened != m_place) {
         m_directory.close();
-        m_isOpened = enter(m_place.get(), m_directory);
-        if (!m_isOpened) return false;
+        m_bOpened = enter(m_place.get(), m_directory);
+        if (!m_bOpened) return false;
         m_opened = m_place;
     }
     m_pTarget = m_directory.isOpen() ? &m_directory : m_pRoot->get();

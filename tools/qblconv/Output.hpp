@@ -39,7 +39,7 @@ public:
     bool open(const std::string& path);
     bool write(const char* bytes, std::size_t size) override;
     bool commit() override;
-    int error() const override { return m_error; }
+    int error() const override { return m_iError; }
     bool isDirect() const override { return true; }
     int descriptor() const { return m_iFile; }
 
@@ -47,8 +47,8 @@ private:
     bool rememberError(int error);
 
     int m_iFile = -1;
-    bool m_isOurs = false;  // to be closed
-    int m_error = 0;
+    bool m_bOurs = false;  // to be closed
+    int m_iError = 0;
 };
 
 /// The new version of a file, which takes its place as a whole and waits for the disk.
@@ -95,7 +95,7 @@ public:
     void begin(const Item& item, unsigned mode);
     bool write(const char* bytes, std::size_t size) override;
     bool commit() override;
-    int error() const override { return m_error; }
+    int error() const override { return m_iError; }
     void discard();
 
 private:
@@ -113,8 +113,8 @@ private:
     std::shared_ptr<const Place> m_opened;  // whose directory for outputs is open
     QBLFmDirectory m_directory;
     const QBLFmDirectory* m_pTarget = nullptr;  // that the file is in
-    bool m_isOpened = false;
-    int m_error = 0;
+    bool m_bOpened = false;
+    int m_iError = 0;
 };
 
 }  // namespace conv

@@ -31,13 +31,13 @@ private:
     using Clock = std::chrono::steady_clock;
     void show();
 
-    const bool m_isWanted;  // and the error output is a terminal
-    std::atomic<std::uint64_t> m_files{0};
-    std::atomic<std::uint64_t> m_bytes{0};
-    std::atomic<Clock::rep> m_next;  // when it is to be shown
+    const bool m_bWanted;  // and the error output is a terminal
+    std::atomic<std::uint64_t> m_uFiles{0};
+    std::atomic<std::uint64_t> m_uBytes{0};
+    std::atomic<Clock::rep> m_iNext;  // when it is to be shown
     QBLThreadCriticalSection m_lock;
     tools::MessageText m_texts;  // under the lock, as the rest
-    bool m_isShown = false;
+    bool m_bShown = false;
 };
 
 }  // namespace conv

@@ -34,9 +34,9 @@ class Sample {
 public:
     /// @return false if it is full
     bool add(std::string_view bytes) {
-        if (m_isFirst) m_isWide = std::any_of(bytes.begin(), bytes.end(), isOfWideUnit);
-        m_isFirst = false;
-        if (m_isWide) {
+        if (m_bFirst) m_bWide = std::any_of(bytes.begin(), bytes.end(), isOfWideUnit);
+        m_bFirst = false;
+        if (m_bWide) {
             m_bytes = bytes.substr(0, kSample);
             return false;
         }
@@ -64,8 +64,8 @@ private:
     }
 
     std::string m_bytes, m_line;
-    bool m_isFirst = true;
-    bool m_isWide = false;
+    bool m_bFirst = true;
+    bool m_bWide = false;
 };
 
 std::string sampleOf(Passes& passes) {

@@ -20,36 +20,36 @@ constexpr int kLongRun = 3;
 }  // namespace
 
 void Passes::begin() {
-    m_isDone = false;
-    if (!m_isWhole && m_isBegun && m_error == 0 && !m_input.rewind()) m_error = m_input.error();
+    m_bDone = false;
+    if (!m_bWhole && m_bBegun && m_iError == 0 && !m_input.rewind()) m_iError = m_input.error();
 }
 
 std::string_view Passes::next() {
-    if (m_error != 0 || m_isDone) return {};
-    if (m_isWhole) {
-        m_isDone = true;
+    if (m_iError != 0 || m_bDone) return {};
+    if (m_bWhole) {
+        m_bDone = true;
         return m_whole;
     }
-    const bool isFirst = !m_isBegun;
-    m_isBegun = true;
+    const bool isFirst = !m_bBegun;
+    m_bBegun = true;
     const int got =
         isInterrupted() ? -1 : m_input.read(m_block.data(), static_cast<unsigned>(m_block.size()));
     if (got < 0) {
-        m_error = isInterrupted() ? EINTR : m_input.error();
+        m_iError = isInterrupted() ? EINTR : m_input.error();
         return {};
     }
     const std::string_view part(m_block.data(), static_cast<std::size_t>(got));
-    m_isDone = m_input.isAtEnd();
-    if (isFirst && m_isDone) {
-        m_isWhole = true;
+    m_bDone = m_input.isAtEnd();
+    if (isFirst && m_bDone) {
+        m_bWhole = true;
         m_whole = part;
     }
     return part;
 }
 
 bool Passes::finish() {
-    if (m_error == 0 && m_isBegun && !m_input.rewind()) m_error = m_input.error();
-    return m_error == 0;
+    if (m_iError == 0 && m_bBegun && !m_input.rewind()) m_iError = m_input.error();
+    return m_iError == 0;
 }
 
 bool forPasses(Input& input, const std::string& name, std::vector<char>& block, FileReport& report,
@@ -113,9 +113,9 @@ void TextLook::add(std::u16string_view text) {
 void TextLook::passInWord(char32_t c, bool isLetter) {
     const bool isSign =
         c == 0x201A || c == 0x201E || c == 0x2020 || c == 0x2021 || c == 0x2C6 || c == 0x2030;
-    m_iSigns += isLetter && m_isAfterSign ? 1 : 0;
-    m_isAfterSign = isSign && m_isAfterLetter;
-    m_isAfterLetter = isLetter;
+    m_iSigns += isLetter && m_bAfterSign ? 1 : 0;
+    m_bAfterSign = isSign && m_bAfterLetter;
+    m_bAfterLetter = isLetter;
 }
 
 void TextLook::addCharacter(char32_t c) {
@@ -125,10 +125,10 @@ void TextLook::addCharacter(char32_t c) {
         passInWord(c, false);
         const bool isUsual = (c >= 0x08 && c <= 0x0D) || c == 0x1A;
         m_iControls += isUsual ? 0 : 1;
-        m_hasShifts = m_hasShifts || c == 0x1B || c == 0x0E || c == 0x0F;
+        m_bHasShifts = m_bHasShifts || c == 0x1B || c == 0x0E || c == 0x0F;
         return;
     }
-    m_isBeyondASCII = m_isBeyondASCII || c >= 0x80;
+    m_bBeyondASCII = m_bBeyondASCII || c >= 0x80;
     if (m_types == Types::kNot) return;
     const int type = u_charType(static_cast<UChar32>(c));
     const bool isC1 = c >= 0x80 && c < 0xA0;
@@ -138,7 +138,7 @@ void TextLook::addCharacter(char32_t c) {
     m_iRuns += m_iRun == 1 ? 1 : 0;
     m_iLongRuns += m_iRun == kLongRun ? 1 : 0;
     if (isC1 || type == U_UNASSIGNED || type == U_PRIVATE_USE_CHAR || type == U_SURROGATE)
-        m_isAssigned = false;
+        m_bAssigned = false;
 }
 
 }  // namespace conv

@@ -30,16 +30,16 @@ public:
     /// Brings the input back to its start, for others. @return false on failure
     bool finish();
     /// An errno if a pass failed, EINTR if the work is to end, else 0. No pass has bytes then.
-    int error() const { return m_error; }
+    int error() const { return m_iError; }
 
 private:
     Input& m_input;
     std::vector<char>& m_block;
     std::string_view m_whole;  // the input, once it is known to fit into the block
-    bool m_isWhole = false;
-    bool m_isBegun = false;  // a pass has read from the input
-    bool m_isDone = false;   // this pass has given the whole
-    int m_error = 0;
+    bool m_bWhole = false;
+    bool m_bBegun = false;  // a pass has read from the input
+    bool m_bDone = false;   // this pass has given the whole
+    int m_iError = 0;
 };
 
 /// Calls a function with an input's passes, and brings the input back to its start.
@@ -69,14 +69,14 @@ public:
 
     /// Whether no character, as far as types are checked, is a C1 control, for private use, or not
     /// assigned by Unicode.
-    bool isAssigned() const { return m_isAssigned; }
+    bool isAssigned() const { return m_bAssigned; }
     /// Whether there are C0 controls other than those for lines, columns and the end of a file.
     bool hasControls() const { return m_iControls > 0; }
-    bool isBeyondASCII() const { return m_isBeyondASCII; }
+    bool isBeyondASCII() const { return m_bBeyondASCII; }
     /// Whether at least half of it are such.
     bool isMostlyControls() const { return m_iControls > 0 && 2 * m_iControls >= m_iCount; }
     /// Whether one of them is ESC, SO or SI, which the encodings of ISO 2022 consist of.
-    bool hasShifts() const { return m_hasShifts; }
+    bool hasShifts() const { return m_bHasShifts; }
     /// Whether more than a quarter of the places with Latin letters beyond ASCII have three or more
     /// of them in a row, as the letters of other scripts look in a Latin encoding, or whether there
     /// are signs within words, as letters of DOS look in windows-1252.
@@ -87,18 +87,18 @@ private:
     void passInWord(char32_t c, bool isLetter);
 
     const Types m_types;
-    bool m_isAssigned = true;
-    bool m_isBeyondASCII = false;
-    bool m_hasShifts = false;
+    bool m_bAssigned = true;
+    bool m_bBeyondASCII = false;
+    bool m_bHasShifts = false;
     std::int64_t m_iControls = 0;
     std::int64_t m_iCount = 0;
     std::int64_t m_iRuns = 0;      // of Latin letters beyond ASCII
     std::int64_t m_iLongRuns = 0;  // of them
     int m_iRun = 0;                // letters in the one that is read
     std::int64_t m_iSigns = 0;     // between two letters
-    bool m_isAfterLetter = false;
-    bool m_isAfterSign = false;  // with a letter before it
-    char16_t m_cLead = 0;        // of a pair that the last part has cut
+    bool m_bAfterLetter = false;
+    bool m_bAfterSign = false;  // with a letter before it
+    char16_t m_cLead = 0;       // of a pair that the last part has cut
 };
 
 }  // namespace conv

@@ -31,25 +31,25 @@ void Tally::add(const Tally& other) {
 }
 
 Report::Report(std::FILE* out, Form form, Progress& progress)
-    : m_out(out), m_form(form), m_progress(progress) {
+    : m_pOut(out), m_form(form), m_progress(progress) {
     if (form == Form::kXml) write("<Messages>\n");
 }
 
 bool Report::close() {
     if (m_form == Form::kXml) write("</Messages>\n");
-    return tools::flush(m_out);
+    return tools::flush(m_pOut);
 }
 
 void Report::write(const std::string& text) {
     if (text.empty()) return;
     m_progress.clear();
-    if (m_form == Form::kText) return tools::printText(m_out, text);
-    tools::print(m_out, text);
+    if (m_form == Form::kText) return tools::printText(m_pOut, text);
+    tools::print(m_pOut, text);
 }
 
 void Report::print(std::uint64_t number, const std::string& text) {
     QBLThreadGuard guard(m_lock);
-    while (m_next != number) {
+    while (m_uNext != number) {
         ++m_iWaiting;
         m_turn.wait(m_lock);
         --m_iWaiting;
@@ -61,21 +61,21 @@ void Report::end(std::uint64_t number, std::string text, const Tally& tally) {
     QBLThreadGuard guard(m_lock);
     m_tally.add(tally);
     // Whoever has the next number is not one that waits.
-    while (number - m_next >= kMostEnded ||
-           (number != m_next && m_iEndedBytes + text.size() > kMostEndedBytes)) {
+    while (number - m_uNext >= kMostEnded ||
+           (number != m_uNext && m_iEndedBytes + text.size() > kMostEndedBytes)) {
         ++m_iWaiting;
         m_turn.wait(m_lock);
         --m_iWaiting;
     }
-    if (number != m_next) {
+    if (number != m_uNext) {
         m_iEndedBytes += text.size();
         m_ended.emplace(number, std::move(text));
         return;
     }
     write(text);
-    ++m_next;
-    for (auto first = m_ended.begin(); first != m_ended.end() && first->first == m_next;
-         first = m_ended.erase(first), ++m_next) {
+    ++m_uNext;
+    for (auto first = m_ended.begin(); first != m_ended.end() && first->first == m_uNext;
+         first = m_ended.erase(first), ++m_uNext) {
         m_iEndedBytes -= first->second.size();
         write(first->second);
     }
@@ -89,7 +89,7 @@ FileReport::~FileReport() {
     if (hasFailed() || !m_name.empty()) tally.outcomes[static_cast<int>(m_outcome)] = 1;
     const bool isObject = !m_name.empty() || !m_messages.isEmpty();
     if (m_report.form() == Report::Form::kJson && isObject) addLine(asObject());
-    m_report.end(m_number, std::move(m_text), tally);
+    m_report.end(m_uNumber, std::move(m_text), tally);
 }
 
 void FileReport::error(qblconvmsgs id, const Details& details) {
@@ -175,7 +175,7 @@ std::string FileReport::asObject() {
 
 void FileReport::addLine(const std::string& line) {
     if (m_text.size() > kMostText) {
-        m_report.print(m_number, m_text);
+        m_report.print(m_uNumber, m_text);
         m_text.clear();
     }
     m_text += line;

@@ -66,13 +66,13 @@ public:
 private:
     void write(const std::string& text);
 
-    std::FILE* const m_out;
+    std::FILE* const m_pOut;
     const Form m_form;
     Progress& m_progress;
     QBLThreadCriticalSection m_lock;
     QBLThreadConditionVariable m_turn;  // waited on under m_lock
     // Under m_lock.
-    std::uint64_t m_next = 0;  // whose turn it is
+    std::uint64_t m_uNext = 0;  // whose turn it is
     std::map<std::uint64_t, std::string> m_ended;
     std::size_t m_iEndedBytes = 0;  // of them
     std::size_t m_iWaiting = 0;
@@ -87,7 +87,7 @@ public:
     /// @param name  of the file, as shown; empty for what is said about none
     FileReport(Report& report, std::uint64_t number, tools::MessageText& texts,
                std::string name = {})
-        : m_report(report), m_number(number), m_texts(texts), m_name(std::move(name)) {}
+        : m_report(report), m_uNumber(number), m_texts(texts), m_name(std::move(name)) {}
     /// Ends it.
     ~FileReport();
     FileReport(const FileReport&) = delete;
@@ -122,7 +122,7 @@ private:
     std::string asObject();
 
     Report& m_report;
-    const std::uint64_t m_number;
+    const std::uint64_t m_uNumber;
     tools::MessageText& m_texts;
     const std::string m_name;
     std::string m_text;

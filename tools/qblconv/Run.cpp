@@ -61,7 +61,7 @@ public:
           m_root(options.directory),
           m_progress(isProgressWanted(options), catalogue, options.locales),
           m_report(reportFile(options), reportForm(options), m_progress),
-          m_hasResults(options.mode == Mode::kGuess && reportForm(options) == Report::Form::kText),
+          m_bHasResults(options.mode == Mode::kGuess && reportForm(options) == Report::Form::kText),
           m_results(stdout, Report::Form::kText, m_progress) {}
 
     Status run() {
@@ -85,7 +85,7 @@ public:
         m_progress.clear();
         summarise();
         bool isWhole = m_report.close();
-        if (m_hasResults) isWhole = m_results.close() && isWhole;
+        if (m_bHasResults) isWhole = m_results.close() && isWhole;
         return m_report.hasFailures() || !isWhole ? kFailed : kDone;
     }
 
@@ -167,7 +167,7 @@ private:
         std::uint64_t number = 0;
         while (take(item, number)) {
             std::optional<FileReport> results;
-            if (m_hasResults) results.emplace(m_results, number, texts);
+            if (m_bHasResults) results.emplace(m_results, number, texts);
             FileReport report(m_report, number, texts, shown(item.path));
             if (results) report.setResults(*results);
             guarded(item.path, report, [&] { worker.work(item, report); });
@@ -241,7 +241,7 @@ private:
     std::uint64_t m_iTaken = 0;  // also
     Progress m_progress;
     Report m_report;
-    const bool m_hasResults;
+    const bool m_bHasResults;
     Report m_results;  // of a mode whose results are not text, unless the report is for programs
 };
 

@@ -22,7 +22,7 @@ void Verification::begin(const char* encoding) {
     setPolicies(m_to, I18N_STOP, I18N_STOP);
     m_pBack = std::make_unique<I18NTextStream>(&m_to, &*m_from);
     m_pPlace = std::make_unique<I18NTextStream>(&*m_from, nullptr, I18N_MARK_STRIP);
-    const std::string mark = m_stripsMark ? markIn(*m_from) : std::string();
+    const std::string mark = m_bStripsMark ? markIn(*m_from) : std::string();
     if (mark.empty() || m_read.compare(0, mark.size(), mark) != 0) return;
     m_pPlace->put(mark.data(), mark.size());
     m_iOffset = static_cast<std::int64_t>(mark.size());
@@ -38,10 +38,10 @@ bool Verification::convertBack(bool isEnd) {
         m_pBack->finish();
     } catch (const I18NRuntimeError& error) {
         if (error.getErrorCode() != I18N_CONVERSION) throw;
-        m_isLost = true;
+        m_bLost = true;
     }
     m_back.append(m_pBack->getBytes(), m_pBack->getByteCount());
-    return !m_isLost;
+    return !m_bLost;
 }
 
 bool Verification::compare(const char* encoding, bool isEnd) {

@@ -25,7 +25,7 @@ class Verification {
 public:
     /// @param to  the encoding written
     /// @param stripsMark  whether a byte-order mark at the start of the input is left out
-    Verification(const I18NConverter& to, bool stripsMark) : m_to(to), m_stripsMark(stripsMark) {}
+    Verification(const I18NConverter& to, bool stripsMark) : m_to(to), m_bStripsMark(stripsMark) {}
 
     void read(const char* bytes, std::size_t size) { m_read.append(bytes, size); }
     void wrote(const char* bytes, std::size_t size) { m_written.append(bytes, size); }
@@ -42,7 +42,7 @@ private:
     void differ(std::size_t at);
 
     I18NConverter m_to;
-    const bool m_stripsMark;
+    const bool m_bStripsMark;
     std::optional<I18NConverter> m_from;       // none until a mark would have come
     std::unique_ptr<I18NTextStream> m_pBack;   // from m_to to m_from
     std::unique_ptr<I18NTextStream> m_pPlace;  // counts lines and columns of what came back
@@ -50,7 +50,7 @@ private:
     std::string m_read, m_back;                // to be compared
     std::string m_recent;                      // the last bytes that came back, not counted yet
     std::int64_t m_iOffset = 0;                // of m_recent in the input
-    bool m_isLost = false;                     // what was written cannot be read
+    bool m_bLost = false;                      // what was written cannot be read
     Mismatch m_mismatch = {};
 };
 

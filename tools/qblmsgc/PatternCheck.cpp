@@ -38,7 +38,7 @@ public:
             return refuse(checked.status, checked.offset);
         if (checked.fault == QBLPatternCheck::kExponent) error(checked.offset, MSGC_EXPONENT, "");
         for (int i = 0; i < pattern.countParts(); ++i) checkPart(pattern, i);
-        if (m_hasKinds && !m_result.hasErrors()) checkStyles();
+        if (m_bHasKinds && !m_result.hasErrors()) checkStyles();
         findQuoted();
         if (m_begins.empty() && m_utf8.find("{0") == std::string::npos) {
             const std::size_t doubled = m_utf8.find("''");
@@ -62,7 +62,7 @@ private:
         switch (part.getType()) {
             case UMSGPAT_PART_TYPE_ARG_START:
                 m_begins.insert(part.getIndex());
-                m_hasKinds = m_hasKinds || part.getArgType() != UMSGPAT_ARG_TYPE_NONE;
+                m_bHasKinds = m_bHasKinds || part.getArgType() != UMSGPAT_ARG_TYPE_NONE;
                 m_open.push_back(part.getArgType());
                 break;
             case UMSGPAT_PART_TYPE_MSG_START:
@@ -168,7 +168,7 @@ private:
     PatternCheck& m_result;
     std::set<int> m_begins;                      // braces of arguments and cases
     std::vector<UMessagePatternArgType> m_open;  // arguments that are open
-    bool m_hasKinds = false;
+    bool m_bHasKinds = false;
     int m_iLastUnit = 0, m_iLastBytes = 0;  // of the last place asked for
 };
 

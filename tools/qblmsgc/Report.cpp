@@ -23,17 +23,17 @@ std::size_t Report::numberOf(const Source& source) {
 }
 
 void Report::error(const Source& source, std::size_t offset, qblmsgcmsgs id, Details details) {
-    m_hasErrors = true;
+    m_bHasErrors = true;
     add(QBLSeverityError, source, offset, id, std::move(details));
 }
 
 void Report::warning(const Source& source, std::size_t offset, qblmsgcmsgs id, Details details) {
-    m_hasWarnings = true;
+    m_bHasWarnings = true;
     add(QBLSeverityWarning, source, offset, id, std::move(details));
 }
 
 void Report::fault(qblmsgcmsgs id, Details details) {
-    m_hasErrors = true;
+    m_bHasErrors = true;
     m_findings.push_back({QBLSeverityError, 0, 0, id, std::move(details)});
 }
 

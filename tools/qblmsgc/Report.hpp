@@ -33,8 +33,8 @@ public:
     /// An error of a file as a whole, shown in front of those with a place.
     void fault(qblmsgcmsgs id, Details details);
 
-    bool hasErrors() const { return m_hasErrors; }
-    bool hasWarnings() const { return m_hasWarnings; }
+    bool hasErrors() const { return m_bHasErrors; }
+    bool hasWarnings() const { return m_bHasWarnings; }
     /// @param quiet  without the warnings
     void print(std::FILE* out, Form form, bool quiet);
 
@@ -53,8 +53,8 @@ private:
 
     std::vector<Finding> m_findings;
     std::vector<std::string> m_files;
-    bool m_hasErrors = false;
-    bool m_hasWarnings = false;
+    bool m_bHasErrors = false;
+    bool m_bHasWarnings = false;
 };
 
 }  // namespace msgc

@@ -65,7 +65,7 @@ QBLMessageParm parameterOf(const XmlNode& node) {
 
 class Printer {
 public:
-    explicit Printer(const char* locales) : m_locales(locales) {}
+    explicit Printer(const char* locales) : m_pLocales(locales) {}
 
     void print(const XmlNode& report) {
         if (report.name == "Exception")
@@ -130,8 +130,8 @@ private:
             if (const XmlNode* const parameters = components->child("MessageParms"))
                 for (const XmlNode& each : parameters->children) made << parameterOf(each);
             I18NString shown, element;
-            made.format(m_locales, nullptr, shown);
-            made.toString(m_locales, nullptr, element, 0);
+            made.format(m_pLocales, nullptr, shown);
+            made.toString(m_pLocales, nullptr, element, 0);
             if (shown != element) return shown.toUtf8();
         }
         if (text != nullptr) return text->text;
@@ -181,9 +181,9 @@ private:
         tools::printText(stdout, out + "\n");
     }
 
-    const char* const m_locales;
-    tools::MessageText m_texts{ownCatalogue(), m_locales};
-    const tools::Reasons m_reasons{ownCatalogue(), m_locales};
+    const char* const m_pLocales;
+    tools::MessageText m_texts{ownCatalogue(), m_pLocales};
+    const tools::Reasons m_reasons{ownCatalogue(), m_pLocales};
 };
 
 /// A stream of text with reports in it. Each byte is searched a bounded number of times, whatever
@@ -206,7 +206,7 @@ public:
         while (work(true)) {
         }
         passOn(m_text.size());
-        return m_isWhole;
+        return m_bWhole;
     }
 
 private:
@@ -259,7 +259,7 @@ private:
         const auto text = std::string_view(m_text).substr(m_iBegin, limit - m_iBegin);
         if (!readXml(text, report, end)) return false;
         m_printer.print(report);
-        m_isAfterReport = true;
+        m_bAfterReport = true;
         m_iBegin += end;
         m_iScanned = m_iBegin;
         m_iDropped += end;
@@ -270,7 +270,7 @@ private:
     void refuse() {
         tools::flush(stdout);
         m_printer.complain(MSGC_REPORT_BROKEN, {std::to_string(m_iDropped)});
-        m_isWhole = false;
+        m_bWhole = false;
         m_endTag = {};
         m_iAttempts = 0;
         m_iScanned = std::min(m_text.find('\n', m_iBegin), m_text.size());
@@ -280,7 +280,7 @@ private:
     void passOn(std::size_t end) {
         if (end == m_iBegin) return;
         // What was shown has ended its line.
-        if (std::exchange(m_isAfterReport, false) && m_text[m_iBegin] == '\n') {
+        if (std::exchange(m_bAfterReport, false) && m_text[m_iBegin] == '\n') {
             ++m_iBegin;
             ++m_iDropped;
         }
@@ -297,8 +297,8 @@ private:
     std::uint64_t m_iDropped = 0;    // bytes that were
     std::string_view m_endTag = {};  // of the report at m_iBegin; empty while there is none
     int m_iAttempts = 0;
-    bool m_isWhole = true;
-    bool m_isAfterReport = false;
+    bool m_bWhole = true;
+    bool m_bAfterReport = false;
 };
 
 }  // namespace

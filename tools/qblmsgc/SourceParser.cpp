@@ -43,83 +43,83 @@ private:
     }
 
     void parseLine(std::size_t line) {
-        m_at = m_source.lineBegin(line);
-        m_end = m_source.lineBegin(line + 1);
-        if (m_end > m_at && m_bytes[m_end - 1] == '\n') --m_end;
-        if (m_end > m_at && m_bytes[m_end - 1] == '\r') --m_end;
-        if (line == 0 && m_bytes.compare(0, 3, "\xEF\xBB\xBF") == 0) m_at += 3;
+        m_uAt = m_source.lineBegin(line);
+        m_uEnd = m_source.lineBegin(line + 1);
+        if (m_uEnd > m_uAt && m_bytes[m_uEnd - 1] == '\n') --m_uEnd;
+        if (m_uEnd > m_uAt && m_bytes[m_uEnd - 1] == '\r') --m_uEnd;
+        if (line == 0 && m_bytes.compare(0, 3, "\xEF\xBB\xBF") == 0) m_uAt += 3;
         checkCharacters();
         skipBlanks();
-        if (m_at == m_end) {
+        if (m_uAt == m_uEnd) {
             m_comment.clear();
-        } else if (m_bytes[m_at] == '#') {
+        } else if (m_bytes[m_uAt] == '#') {
             takeComment();
-        } else if (isDigit(m_bytes[m_at])) {
+        } else if (isDigit(m_bytes[m_uAt])) {
             finishEntry();
             parseEntry();
-        } else if (m_bytes[m_at] == '"' && m_isInEntry) {
+        } else if (m_bytes[m_uAt] == '"' && m_bInEntry) {
             parseTexts();
         } else {
-            error(m_at, m_bytes[m_at] == '"' ? MSGC_TEXT_WITHOUT_ID : MSGC_NO_ENTRY);
+            error(m_uAt, m_bytes[m_uAt] == '"' ? MSGC_TEXT_WITHOUT_ID : MSGC_NO_ENTRY);
             finishEntry();
         }
     }
 
     /// One error a line is enough: a wrong encoding has as many as there are characters.
     void checkCharacters() {
-        const std::size_t illFormed = tools::findIllFormed(m_bytes, m_at, m_end);
+        const std::size_t illFormed = tools::findIllFormed(m_bytes, m_uAt, m_uEnd);
         if (illFormed != kNone) return error(illFormed, MSGC_NOT_UTF8);
-        for (std::size_t i = m_at; i < m_end; ++i) {
+        for (std::size_t i = m_uAt; i < m_uEnd; ++i) {
             const auto c = static_cast<unsigned char>(m_bytes[i]);
             if ((c < 0x20 && c != '\t') || c == 0x7F) return error(i, MSGC_CONTROL_CHARACTER);
         }
     }
 
     void skipBlanks() {
-        while (m_at < m_end && (m_bytes[m_at] == ' ' || m_bytes[m_at] == '\t')) ++m_at;
+        while (m_uAt < m_uEnd && (m_bytes[m_uAt] == ' ' || m_bytes[m_uAt] == '\t')) ++m_uAt;
     }
-    bool isAt(char c) const { return m_at < m_end && m_bytes[m_at] == c; }
+    bool isAt(char c) const { return m_uAt < m_uEnd && m_bytes[m_uAt] == c; }
 
     void takeComment() {
-        ++m_at;
-        if (isAt(' ')) ++m_at;
-        m_comment.append(m_bytes, m_at, m_end - m_at).append("\n");
+        ++m_uAt;
+        if (isAt(' ')) ++m_uAt;
+        m_comment.append(m_bytes, m_uAt, m_uEnd - m_uAt).append("\n");
     }
 
     void parseEntry() {
         m_entry = Entry();
-        m_entry.offset = m_at;
+        m_entry.offset = m_uAt;
         m_entry.comment = std::exchange(m_comment, std::string());
-        m_isInEntry = true;
-        m_hasId = parseId();
+        m_bInEntry = true;
+        m_bHasId = parseId();
         skipBlanks();
-        if (m_at < m_end && isNameStart(m_bytes[m_at])) {
-            m_entry.nameOffset = m_at;
-            while (m_at < m_end && isNamePart(m_bytes[m_at])) m_entry.name += m_bytes[m_at++];
+        if (m_uAt < m_uEnd && isNameStart(m_bytes[m_uAt])) {
+            m_entry.nameOffset = m_uAt;
+            while (m_uAt < m_uEnd && isNamePart(m_bytes[m_uAt])) m_entry.name += m_bytes[m_uAt++];
             if (isReserved(m_entry.name)) error(m_entry.nameOffset, MSGC_KEYWORD, {m_entry.name});
             skipBlanks();
         }
         if (isAt('=')) {
             m_entry.asIs = true;
-            ++m_at;
+            ++m_uAt;
         }
         parseTexts();
     }
 
     bool parseId() {
         unsigned base = 10;
-        if (m_bytes[m_at] == '0' && m_at + 1 < m_end && (m_bytes[m_at + 1] | 0x20) == 'x') {
+        if (m_bytes[m_uAt] == '0' && m_uAt + 1 < m_uEnd && (m_bytes[m_uAt + 1] | 0x20) == 'x') {
             base = 16;
-            m_at += 2;
+            m_uAt += 2;
         }
         unsigned long long id = 0;
-        const std::size_t begin = m_at;
-        for (; m_at < m_end && digitOf(m_bytes[m_at]) < base; ++m_at)
-            if (id <= kMaxId) id = id * base + digitOf(m_bytes[m_at]);
-        const bool ends = m_at == m_end || (!isNamePart(m_bytes[m_at]) && m_at > begin);
-        if (!ends || m_at == begin || id > kMaxId) {
+        const std::size_t begin = m_uAt;
+        for (; m_uAt < m_uEnd && digitOf(m_bytes[m_uAt]) < base; ++m_uAt)
+            if (id <= kMaxId) id = id * base + digitOf(m_bytes[m_uAt]);
+        const bool ends = m_uAt == m_uEnd || (!isNamePart(m_bytes[m_uAt]) && m_uAt > begin);
+        if (!ends || m_uAt == begin || id > kMaxId) {
             error(m_entry.offset, MSGC_BAD_ID);
-            while (m_at < m_end && isNamePart(m_bytes[m_at])) ++m_at;
+            while (m_uAt < m_uEnd && isNamePart(m_bytes[m_uAt])) ++m_uAt;
             return false;
         }
         m_entry.id = static_cast<unsigned>(id);
@@ -127,9 +127,9 @@ private:
     }
 
     void parseTexts() {
-        for (skipBlanks(); m_at < m_end && !isAt('#'); skipBlanks()) {
+        for (skipBlanks(); m_uAt < m_uEnd && !isAt('#'); skipBlanks()) {
             if (isAt('"') && parseText()) continue;
-            if (m_at < m_end) error(m_at, MSGC_NO_TEXT_HERE);
+            if (m_uAt < m_uEnd) error(m_uAt, MSGC_NO_TEXT_HERE);
             m_entry.isWhole = false;
             return;
         }
@@ -137,33 +137,33 @@ private:
 
     /// @return false, at the end of the line, for a text without an end
     bool parseText() {
-        const std::size_t begin = m_at++;
+        const std::size_t begin = m_uAt++;
         mark();
-        while (m_at < m_end && m_bytes[m_at] != '"') {
-            if (m_bytes[m_at] == '\\') {
+        while (m_uAt < m_uEnd && m_bytes[m_uAt] != '"') {
+            if (m_bytes[m_uAt] == '\\') {
                 parseEscape();
                 mark();
             } else {
-                m_entry.text += m_bytes[m_at++];
+                m_entry.text += m_bytes[m_uAt++];
             }
         }
-        if (m_at < m_end) {
-            ++m_at;
+        if (m_uAt < m_uEnd) {
+            ++m_uAt;
             return true;
         }
         error(begin, MSGC_OPEN_TEXT);
         return false;
     }
 
-    void mark() { m_entry.marks.push_back({m_entry.text.size(), m_at}); }
+    void mark() { m_entry.marks.push_back({m_entry.text.size(), m_uAt}); }
 
     void parseEscape() {
         static const char kLetters[] = "\"\\nrt", kMeanings[] = "\"\\\n\r\t";
-        const std::size_t begin = m_at++;
-        const char c = m_at < m_end ? m_bytes[m_at] : '\0';
+        const std::size_t begin = m_uAt++;
+        const char c = m_uAt < m_uEnd ? m_bytes[m_uAt] : '\0';
         const std::size_t which = std::string(kLetters).find(c);
         if (which != kNone) {
-            ++m_at;
+            ++m_uAt;
             m_entry.text += kMeanings[which];
         } else if (c != 'u' || !parseCodePoint()) {
             error(begin, MSGC_BAD_ESCAPE);
@@ -172,11 +172,11 @@ private:
     }
 
     bool parseCodePoint() {
-        ++m_at;
+        ++m_uAt;
         unsigned codePoint = 0;
-        for (int i = 0; i < 4; ++i, ++m_at) {
-            if (m_at == m_end || digitOf(m_bytes[m_at]) == 16) return false;
-            codePoint = codePoint * 16 + digitOf(m_bytes[m_at]);
+        for (int i = 0; i < 4; ++i, ++m_uAt) {
+            if (m_uAt == m_uEnd || digitOf(m_bytes[m_uAt]) == 16) return false;
+            codePoint = codePoint * 16 + digitOf(m_bytes[m_uAt]);
         }
         if (codePoint == 0 || (codePoint >= 0xD800 && codePoint <= 0xDFFF)) return false;
         tools::appendCodePoint(m_entry.text, codePoint);
@@ -185,12 +185,12 @@ private:
 
     /// A message with an identifier counts, also if its text cannot be read.
     void finishEntry() {
-        if (m_isInEntry && m_entry.isWhole && m_entry.marks.empty()) {
+        if (m_bInEntry && m_entry.isWhole && m_entry.marks.empty()) {
             error(m_entry.offset, MSGC_NO_TEXT);
             m_entry.isWhole = false;
         }
-        if (m_isInEntry && m_hasId) m_entries.push_back(std::move(m_entry));
-        m_isInEntry = false;
+        if (m_bInEntry && m_bHasId) m_entries.push_back(std::move(m_entry));
+        m_bInEntry = false;
     }
 
     void reportDuplicates() {
@@ -218,10 +218,10 @@ private:
     Entries m_entries;
     std::string m_comment;  // of the lines right above
     Entry m_entry;          // that lines of text go on with
-    bool m_isInEntry = false;
-    bool m_hasId = false;
-    std::size_t m_at = 0;
-    std::size_t m_end = 0;  // of the line
+    bool m_bInEntry = false;
+    bool m_bHasId = false;
+    std::size_t m_uAt = 0;
+    std::size_t m_uEnd = 0;  // of the line
 };
 
 }  // namespace

@@ -28,22 +28,22 @@ public:
         if (!readAttributes(node, isEmpty)) return false;
         return isEmpty || readContent(node, level);
     }
-    std::size_t position() const { return m_at; }
+    std::size_t position() const { return m_uAt; }
 
 private:
     bool take(std::string_view token) {
-        if (m_text.compare(m_at, token.size(), token) != 0) return false;
-        m_at += token.size();
+        if (m_text.compare(m_uAt, token.size(), token) != 0) return false;
+        m_uAt += token.size();
         return true;
     }
     void skipSpace() {
-        while (m_at < m_text.size() && isSpace(m_text[m_at])) ++m_at;
+        while (m_uAt < m_text.size() && isSpace(m_text[m_uAt])) ++m_uAt;
     }
     bool readName(std::string& name) {
-        const std::size_t begin = m_at;
-        while (m_at < m_text.size() && isNamePart(m_text[m_at])) ++m_at;
-        name = m_text.substr(begin, m_at - begin);
-        return m_at > begin;
+        const std::size_t begin = m_uAt;
+        while (m_uAt < m_text.size() && isNamePart(m_text[m_uAt])) ++m_uAt;
+        name = m_text.substr(begin, m_uAt - begin);
+        return m_uAt > begin;
     }
 
     bool readAttributes(XmlNode& node, bool& isEmpty) {
@@ -63,9 +63,9 @@ private:
 
     bool readContent(XmlNode& node, std::size_t level) {
         while (readUpTo('<', node.text)) {
-            if (m_text.compare(m_at, 2, "</") == 0) {
+            if (m_text.compare(m_uAt, 2, "</") == 0) {
                 std::string name;
-                m_at += 2;
+                m_uAt += 2;
                 if (!readName(name) || name != node.name) return false;
                 skipSpace();
                 return take(">");
@@ -77,15 +77,15 @@ private:
 
     /// Appends text with its entities resolved. @return false if what ends it is not there
     bool readUpTo(char last, std::string& out) {
-        while (m_at < m_text.size()) {
-            const char c = m_text[m_at];
+        while (m_uAt < m_text.size()) {
+            const char c = m_text[m_uAt];
             if (c == last) return true;
             if (c == '<') return false;
             if (c == '&') {
                 if (!readEntity(out)) return false;
             } else {
                 out += c;
-                ++m_at;
+                ++m_uAt;
             }
         }
         return false;
@@ -105,10 +105,10 @@ private:
         if (!take("&#")) return false;
         const int base = take("x") ? 16 : 10;
         unsigned codePoint = 0;
-        const char* const begin = m_text.data() + m_at;
+        const char* const begin = m_text.data() + m_uAt;
         const auto [next, problem] =
             std::from_chars(begin, m_text.data() + m_text.size(), codePoint, base);
-        m_at += static_cast<std::size_t>(next - begin);
+        m_uAt += static_cast<std::size_t>(next - begin);
         const bool isScalar =
             codePoint > 0 && codePoint <= 0x10FFFF && (codePoint < 0xD800 || codePoint > 0xDFFF);
         if (problem != std::errc() || !isScalar || !take(";")) return false;
@@ -117,7 +117,7 @@ private:
     }
 
     std::string_view m_text;
-    std::size_t m_at = 0;
+    std::size_t m_uAt = 0;
     std::size_t m_iElements = 0;
 };
 
