@@ -66,44 +66,44 @@ void disarm(TavStateTrap* trap) {
 /// A walk through a thread's callbacks, which holds the lock except while it runs one of them.
 class Walk {
 public:
-    Walk(TavThread* thread, int state) : m_thread(thread), m_iState(state), m_lock(g_traps) {
+    Walk(TavThread* thread, int state) : m_pThread(thread), m_iState(state), m_lock(g_traps) {
         enter(thread->traps[state].load(std::memory_order_relaxed));
     }
     /// Also in a callback that ends the calling thread.
     ~Walk() {
-        if (m_node == nullptr) return;
+        if (m_pNode == nullptr) return;
         if (!m_lock.owns_lock()) m_lock.lock();
         leave();
     }
     Walk(const Walk&) = delete;
     Walk& operator=(const Walk&) = delete;
 
-    bool atEnd() const { return m_node == nullptr; }
+    bool atEnd() const { return m_pNode == nullptr; }
     void call() {
-        const TavStateRoutine routine = m_node->routine;
-        void* const arg = m_node->arg;
+        const TavStateRoutine routine = m_pNode->routine;
+        void* const arg = m_pNode->arg;
         if (routine == nullptr) return;
         m_lock.unlock();
-        tavContain([&] { routine(arg, m_thread, m_iState); });
+        tavContain([&] { routine(arg, m_pThread, m_iState); });
         m_lock.lock();
     }
     void next() { enter(leave()); }
 
 private:
     void enter(TavStateNode* node) {
-        m_node = node;
+        m_pNode = node;
         if (node != nullptr) ++node->visitors;
     }
     TavStateNode* leave() {
-        TavStateNode* const next = m_node->next;
-        --m_node->visitors;
-        drop(m_thread, m_iState, m_node);
+        TavStateNode* const next = m_pNode->next;
+        --m_pNode->visitors;
+        drop(m_pThread, m_iState, m_pNode);
         return next;
     }
 
-    TavThread* m_thread;
+    TavThread* m_pThread;
     int m_iState;
-    TavStateNode* m_node = nullptr;
+    TavStateNode* m_pNode = nullptr;
     std::unique_lock<TavThreadCriticalSection> m_lock;
 };
 

@@ -28,7 +28,7 @@ TavAttributeText::TavAttributeText(const TavAttrKind& kind, Form form, va_list l
         if (form == Call)
             add(", %s%s", kind.prefix, known.name);
         else if (known.syntax != nullptr)
-            add("%s%s", m_length > 0 ? "," : "", known.syntax);
+            add("%s%s", m_uLength > 0 ? "," : "", known.syntax);
         switch (known.value) {
             case TavAttrValue::None:
                 break;
@@ -49,9 +49,9 @@ TavAttributeText::TavAttributeText(const TavAttrKind& kind, Form form, va_list l
 void TavAttributeText::add(const char* format, ...) {
     va_list args;
     va_start(args, format);
-    const int wanted = std::vsnprintf(m_text + m_length, sizeof m_text - m_length, format, args);
+    const int wanted = std::vsnprintf(m_text + m_uLength, sizeof m_text - m_uLength, format, args);
     va_end(args);
-    const unsigned room = static_cast<unsigned>(sizeof m_text) - 1 - m_length;
+    const unsigned room = static_cast<unsigned>(sizeof m_text) - 1 - m_uLength;
     if (wanted > 0)
-        m_length += static_cast<unsigned>(wanted) < room ? static_cast<unsigned>(wanted) : room;
+        m_uLength += static_cast<unsigned>(wanted) < room ? static_cast<unsigned>(wanted) : room;
 }

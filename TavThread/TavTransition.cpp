@@ -9,7 +9,7 @@ TavTransition::TavTransition(TavThread& thread) : m_thread(thread) {
 }
 
 TavTransition::~TavTransition() {
-    if (m_held) pthread_mutex_unlock(&m_thread.transition);
+    if (m_bHeld) pthread_mutex_unlock(&m_thread.transition);
 }
 
 void TavTransition::to(int newState) {
@@ -54,7 +54,7 @@ void TavTransition::finish() {
     const bool none = m_iEntered < 0 || m_thread.traps[m_iEntered].load() == nullptr;
     std::optional<Calling> calling;
     if (!none) calling.emplace(m_thread);
-    m_held = false;
+    m_bHeld = false;
     pthread_mutex_unlock(&m_thread.transition);
     if (none) return;
     tavStateTrapsCall(&m_thread, m_iEntered);

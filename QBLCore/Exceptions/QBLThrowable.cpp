@@ -18,14 +18,15 @@ const char* const kSeverityNames[] = {"Fatal", "Error", "Warning", "Information"
 /// A decimal int in a buffer of its own.
 class Decimal {
 public:
-    explicit Decimal(int value) : m_end(std::to_chars(m_text, m_text + sizeof m_text, value).ptr) {}
+    explicit Decimal(int value)
+        : m_pEnd(std::to_chars(m_text, m_text + sizeof m_text, value).ptr) {}
     std::string_view text() const {
-        return std::string_view(m_text, static_cast<std::size_t>(m_end - m_text));
+        return std::string_view(m_text, static_cast<std::size_t>(m_pEnd - m_text));
     }
 
 private:
     char m_text[12];
-    char* m_end;
+    char* m_pEnd;
 };
 
 void append(QBLList<char*>& list, const char* entry) {

@@ -14,8 +14,8 @@ constexpr int kOpenFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 class TreeRemoval {
 public:
     /// @param fd  taken over
-    explicit TreeRemoval(int fd) : m_fd(fd) {}
-    ~TreeRemoval() { qblCloseQuietly(m_fd); }
+    explicit TreeRemoval(int fd) : m_iFd(fd) {}
+    ~TreeRemoval() { qblCloseQuietly(m_iFd); }
     TreeRemoval(const TreeRemoval&) = delete;
     TreeRemoval& operator=(const TreeRemoval&) = delete;
 
@@ -53,53 +53,53 @@ private:
     /// Makes the open directory the last level and removes all its files.
     bool enter(std::string name) {
         m_levels.push_back({std::move(name), {}, {}});
-        if (!note(m_levels.back().identity.get(m_fd))) return false;
+        if (!note(m_levels.back().identity.get(m_iFd))) return false;
         std::vector<std::string> files;
-        QBLFmOpenDir list(fcntl(m_fd, F_DUPFD_CLOEXEC, 0));
+        QBLFmOpenDir list(fcntl(m_iFd, F_DUPFD_CLOEXEC, 0));
         if (!note(list.isOpen())) return true;
         while (const dirent64* entry = list.next())
             (isDirectory(*entry) ? m_levels.back().subdirs : files).emplace_back(entry->d_name);
         note(errno == 0);
-        for (const std::string& file : files) note(unlinkat(m_fd, file.c_str(), 0) == 0);
+        for (const std::string& file : files) note(unlinkat(m_iFd, file.c_str(), 0) == 0);
         return true;
     }
 
     bool isDirectory(const dirent64& entry) const {
         if (entry.d_type != DT_UNKNOWN) return entry.d_type == DT_DIR;
         QBLFileStatus status;
-        return status.get(m_fd, entry.d_name, AT_SYMLINK_NOFOLLOW) && status.isDirectory();
+        return status.get(m_iFd, entry.d_name, AT_SYMLINK_NOFOLLOW) && status.isDirectory();
     }
 
     bool descend(std::string name) {
-        const int fd = openat64(m_fd, name.c_str(), kOpenFlags);
+        const int fd = openat64(m_iFd, name.c_str(), kOpenFlags);
         QBLFileStatus above;
         if (fd >= 0 && above.get(fd, "..", 0)) {
-            qblCloseQuietly(m_fd);
-            m_fd = fd;
+            qblCloseQuietly(m_iFd);
+            m_iFd = fd;
             return enter(std::move(name));
         }
         // One that may not be read, or not be searched, can go if it is empty.
         const int error = errno;
         if (fd >= 0) qblCloseQuietly(fd);
-        if (unlinkat(m_fd, name.c_str(), AT_REMOVEDIR) != 0) note(qblSetErrno(error));
+        if (unlinkat(m_iFd, name.c_str(), AT_REMOVEDIR) != 0) note(qblSetErrno(error));
         return true;
     }
 
     bool ascend() {
         const Level& above = m_levels[m_levels.size() - 2];
-        const int fd = openat64(m_fd, "..", kOpenFlags);
+        const int fd = openat64(m_iFd, "..", kOpenFlags);
         if (!note(fd >= 0)) return false;
-        qblCloseQuietly(m_fd);
-        m_fd = fd;
+        qblCloseQuietly(m_iFd);
+        m_iFd = fd;
         QBLFileStatus status;
         if (!note(status.get(fd))) return false;
         if (!status.isSameFile(above.identity)) return note(qblSetErrno(ESTALE));
-        note(unlinkat(m_fd, m_levels.back().name.c_str(), AT_REMOVEDIR) == 0);
+        note(unlinkat(m_iFd, m_levels.back().name.c_str(), AT_REMOVEDIR) == 0);
         m_levels.pop_back();
         return true;
     }
 
-    int m_fd;
+    int m_iFd;
     std::vector<Level> m_levels;
     int m_iError = 0;
 };

@@ -26,13 +26,13 @@ public:
             const bool last = m_rest.find_first_not_of('/') == std::string::npos;
             if (last && (next.empty() || qblIsDots(next.c_str()))) return qblSetErrno(EISDIR);
             QBLFileStatus status;
-            const bool there = status.get(m_fd, next.c_str(), AT_SYMLINK_NOFOLLOW);
+            const bool there = status.get(m_iFd, next.c_str(), AT_SYMLINK_NOFOLLOW);
             if (!there && (errno != ENOENT || !last)) return false;
             if (there && status.isLink()) {
                 m_bByLink = m_bByLink || last;
                 if (!follow(next, status)) return false;
             } else if (!last) {
-                if (!enter(openat64(m_fd, next.c_str(), kOpenFlags))) return false;
+                if (!enter(openat64(m_iFd, next.c_str(), kOpenFlags))) return false;
             } else if (!m_rest.empty()) {
                 return qblSetErrno(there && !status.isDirectory() ? ENOTDIR : EISDIR);
             } else {
@@ -43,17 +43,17 @@ public:
         }
     }
     /// Hands over the directory that the walk has come to.
-    int release() { return std::exchange(m_fd, -1); }
+    int release() { return std::exchange(m_iFd, -1); }
 
 private:
     bool enter(int fd) {
-        if (m_fd >= 0) qblCloseQuietly(m_fd);
-        m_fd = fd;
+        if (m_iFd >= 0) qblCloseQuietly(m_iFd);
+        m_iFd = fd;
         return fd >= 0;
     }
     bool begin() {
         const bool absolute = !m_rest.empty() && m_rest[0] == '/';
-        if (!absolute && m_fd >= 0) return true;  // a link's text counts from where the link is
+        if (!absolute && m_iFd >= 0) return true;  // a link's text counts from where the link is
         return enter(open64(absolute ? "/" : ".", kOpenFlags));
     }
     std::string takeName() {
@@ -66,19 +66,19 @@ private:
     bool follow(const std::string& name, const QBLFileStatus& link) {
         if (++m_iLinks > kMostLinks) return qblSetErrno(ELOOP);
         QBLFileStatus dir;
-        if (!dir.get(m_fd)) return false;
+        if (!dir.get(m_iFd)) return false;
         const bool anybodys = (dir.mode() & (S_ISVTX | S_IWOTH)) == (S_ISVTX | S_IWOTH);
         if (anybodys && link.user() != geteuid() && link.user() != dir.user())
             return qblSetErrno(EACCES);
         char text[PATH_MAX];
-        const ssize_t length = readlinkat(m_fd, name.c_str(), text, sizeof text);
+        const ssize_t length = readlinkat(m_iFd, name.c_str(), text, sizeof text);
         if (length <= 0) return length < 0 ? false : qblSetErrno(ENOENT);
         m_rest.insert(0, text, static_cast<std::size_t>(length));
         return begin();
     }
 
     std::string m_rest;  // of the path; begins with "/" unless it is at a name
-    int m_fd = -1;
+    int m_iFd = -1;
     int m_iLinks = 0;
     bool m_bByLink = false;  // the last name of the path is a link
 };

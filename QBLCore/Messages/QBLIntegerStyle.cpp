@@ -54,12 +54,12 @@ void QBLIntegerStyle::append(int value, std::string& out) const {
         ++digit;
         --count;
     }
-    const bool grouped = m_primary > 0 && count >= m_primary + m_minimum;
+    const bool grouped = m_iPrimary > 0 && count >= m_iPrimary + m_iMinimum;
     if (value < 0) out += m_negativePrefix;
     while (count-- > 0) {
         out += m_digits[*digit++ - '0'];
         const bool groupEnds =
-            count == m_primary || (count > m_primary && (count - m_primary) % m_secondary == 0);
+            count == m_iPrimary || (count > m_iPrimary && (count - m_iPrimary) % m_iSecondary == 0);
         if (grouped && count > 0 && groupEnds) out += m_separator;
     }
     if (value < 0) out += m_negativeSuffix;
@@ -84,10 +84,10 @@ bool QBLIntegerStyle::learn(const std::string& locale) {
     icu::UnicodeString affix;
     m_negativePrefix = toUtf8(decimal->getNegativePrefix(affix));
     m_negativeSuffix = toUtf8(decimal->getNegativeSuffix(affix));
-    m_primary = decimal->isGroupingUsed() ? decimal->getGroupingSize() : 0;
-    m_secondary = decimal->getSecondaryGroupingSize() > 0 ? decimal->getSecondaryGroupingSize()
-                                                          : std::max(m_primary, 1);
-    m_minimum = std::max<int>(decimal->getMinimumGroupingDigits(), 1);
+    m_iPrimary = decimal->isGroupingUsed() ? decimal->getGroupingSize() : 0;
+    m_iSecondary = decimal->getSecondaryGroupingSize() > 0 ? decimal->getSecondaryGroupingSize()
+                                                           : std::max(m_iPrimary, 1);
+    m_iMinimum = std::max<int>(decimal->getMinimumGroupingDigits(), 1);
 
     for (const int sample : {0, 5, -6, 789, 1234, -4321, 12345, 678901, -2345678, 34567890,
                              456789012, INT_MAX, INT_MIN}) {

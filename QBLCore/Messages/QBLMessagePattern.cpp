@@ -62,8 +62,8 @@ QBLMessagePattern::QBLMessagePattern(const char* text, const char* locales)
     : m_pSource(text),
       m_text(text),
       m_locale(firstOf(locales)),
-      m_harmless(false),
-      m_plain(false),
+      m_bHarmless(false),
+      m_bPlain(false),
       m_pIntegers(nullptr) {
     parse();
 }
@@ -75,7 +75,7 @@ void QBLMessagePattern::parse() {
     const QBLPatternCheck check(text);
     refuseExhaustion(check.status);
     if (check.fault != QBLPatternCheck::kNone) return;
-    m_harmless = true;
+    m_bHarmless = true;
     const icu::MessagePattern& pattern = check.pattern;
     int begin = 0;
     std::string piece;
@@ -107,12 +107,12 @@ void QBLMessagePattern::parse() {
         }
     }
     m_pieces.push_back({std::move(piece), -1});
-    m_plain = true;
+    m_bPlain = true;
 }
 
 const char* QBLMessagePattern::format(const QBLMessageArgument* arguments, int count) {
     const bool formatted =
-        (m_plain && formatPlain(arguments, count)) || formatByIcu(arguments, count);
+        (m_bPlain && formatPlain(arguments, count)) || formatByIcu(arguments, count);
     return formatted ? m_out.c_str() : nullptr;
 }
 
@@ -140,7 +140,7 @@ bool QBLMessagePattern::formatPlain(const QBLMessageArgument* arguments, int cou
 }
 
 bool QBLMessagePattern::formatByIcu(const QBLMessageArgument* arguments, int count) {
-    if (!m_harmless) return false;
+    if (!m_bHarmless) return false;
     UErrorCode status = U_ZERO_ERROR;
     if (m_icu == nullptr) {
         i18nPrepareICU();

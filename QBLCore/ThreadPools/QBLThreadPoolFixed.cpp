@@ -27,7 +27,7 @@
 //
 // Memory order: in 3 both sides write one thing and then read the other. The flag is sequentially
 // consistent, and the queue's semaphore changes by locked instructions, full barriers on x86.
-// m_task needs none of that: whoever took the worker out alone stores it, and m_handOff publishes
+// m_pTask needs none of that: whoever took the worker out alone stores it, and m_handOff publishes
 // it. m_workers changes while the pool is made and destroyed only.
 //
 // A mistake loses a task or never joins a worker: QBLThreadPoolTest
@@ -54,7 +54,7 @@ public:
 
     /// Requires: the worker is not in the idle queue, and was not handed anything since it was.
     void process(QBLThreadRunnable* task) {
-        m_task.store(task, std::memory_order_relaxed);
+        m_pTask.store(task, std::memory_order_relaxed);
         m_handOff.post();
     }
 
@@ -71,7 +71,7 @@ private:
         if (again && !goOn()) return;
         do {
             awaitHandOff();
-            qblRunTask(m_task.exchange(nullptr, std::memory_order_acquire));
+            qblRunTask(m_pTask.exchange(nullptr, std::memory_order_acquire));
         } while (goOn());
     }
 
@@ -100,7 +100,7 @@ private:
     QBLThreadPoolFixed& m_pool;
     // The queue from the pool to this worker. It needs but one place, as the worker is handed a
     // task only when it is idle; so handing over can neither fail nor wait.
-    std::atomic<QBLThreadRunnable*> m_task{nullptr};
+    std::atomic<QBLThreadRunnable*> m_pTask{nullptr};
     QBLThreadSemaphore m_handOff;
 };
 

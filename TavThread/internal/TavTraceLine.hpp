@@ -25,7 +25,7 @@ public:
 private:
     __attribute__((format(printf, 2, 3))) void add(const char* format, ...);
 
-    unsigned m_length = 0;
+    unsigned m_uLength = 0;
     char m_text[512];
 };
 

@@ -23,7 +23,7 @@ public:
 private:
     TavThread& m_thread;
     int m_iEntered = -1;
-    bool m_held = true;
+    bool m_bHeld = true;
 };
 
 #endif

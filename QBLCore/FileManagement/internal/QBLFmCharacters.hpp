@@ -11,36 +11,36 @@ inline bool qblIsSeparator(char c) { return c == '/' || c == '\\'; }
 /// the value of a backslash.
 class QBLFmCharacters {
 public:
-    QBLFmCharacters(const char* text, std::size_t length) : m_pText(text), m_length(length) {}
+    QBLFmCharacters(const char* text, std::size_t length) : m_pText(text), m_uLength(length) {}
 
-    bool atEnd() const { return m_position == m_length; }
-    std::size_t position() const { return m_position; }
-    bool onSeparator() const { return !atEnd() && qblIsSeparator(m_pText[m_position]); }
-    bool on(char c) const { return !atEnd() && m_pText[m_position] == c; }
+    bool atEnd() const { return m_uPosition == m_uLength; }
+    std::size_t position() const { return m_uPosition; }
+    bool onSeparator() const { return !atEnd() && qblIsSeparator(m_pText[m_uPosition]); }
+    bool on(char c) const { return !atEnd() && m_pText[m_uPosition] == c; }
 
     /// Bytes of the character here; 0 when it is not valid. Every encoding that the C library has
     /// locales for keeps ASCII where a character begins.
     std::size_t width() const {
-        if (static_cast<unsigned char>(m_pText[m_position]) < 0x80) return 1;
+        if (static_cast<unsigned char>(m_pText[m_uPosition]) < 0x80) return 1;
         std::mbstate_t state{};
-        const std::size_t n = std::mbrlen(m_pText + m_position, m_length - m_position, &state);
-        return n <= m_length - m_position ? n : 0;
+        const std::size_t n = std::mbrlen(m_pText + m_uPosition, m_uLength - m_uPosition, &state);
+        return n <= m_uLength - m_uPosition ? n : 0;
     }
     /// @return false, without moving, on a character that is not valid.
     bool step() {
         const std::size_t n = width();
-        m_position += n;
+        m_uPosition += n;
         return n != 0;
     }
     /// Steps over one byte where the character is not valid.
     void stepAnyhow() {
-        if (!step()) ++m_position;
+        if (!step()) ++m_uPosition;
     }
 
 private:
     const char* m_pText;
-    std::size_t m_length;
-    std::size_t m_position = 0;
+    std::size_t m_uLength;
+    std::size_t m_uPosition = 0;
 };
 
 #endif

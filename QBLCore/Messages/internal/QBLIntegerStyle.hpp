@@ -22,9 +22,9 @@ private:
     std::string m_separator;
     std::string m_negativePrefix;
     std::string m_negativeSuffix;
-    int m_primary;    // digits in the lowest group; 0 without groups
-    int m_secondary;  // in the others
-    int m_minimum;    // digits that must stand before the lowest group
+    int m_iPrimary;    // digits in the lowest group; 0 without groups
+    int m_iSecondary;  // in the others
+    int m_iMinimum;    // digits that must stand before the lowest group
 };
 
 #endif

@@ -15,7 +15,7 @@ public:
     using Entry = I18NPooledStringEntry;
 
     bool hasRoomFor(unsigned entries) const {
-        const Table table(m_table.load(std::memory_order_relaxed));
+        const Table table(m_pTable.load(std::memory_order_relaxed));
         return table.slots() != nullptr && entries <= table.capacity() / 8 * 7;
     }
     /// Goes over to an empty table of twice the size.
@@ -23,7 +23,7 @@ public:
     void grow();
     /// Requires: room.
     void insert(Entry* entry) noexcept {
-        const Table table(m_table.load(std::memory_order_relaxed));
+        const Table table(m_pTable.load(std::memory_order_relaxed));
         const std::uint32_t spread = spreadOf(entry->hashCode);
         Slot* slot = table.home(spread);
         while (slot->load(std::memory_order_relaxed) != nullptr) slot = table.after(slot);
@@ -34,7 +34,7 @@ public:
     /// @return that entry, or null
     template <class Body>
     Entry* find(std::uint32_t hash, Body body) const {
-        const Table table(m_table.load(std::memory_order_acquire));
+        const Table table(m_pTable.load(std::memory_order_acquire));
         if (table.slots() == nullptr) return nullptr;
         const std::uint32_t spread = spreadOf(hash);
         const Slot* slot = table.home(spread);
@@ -64,9 +64,9 @@ private:
     /// the logarithm of their number.
     class Table {
     public:
-        explicit Table(char* word) : m_word(word) {}
-        unsigned bits() const { return reinterpret_cast<std::uintptr_t>(m_word) & 63; }
-        Slot* slots() const { return reinterpret_cast<Slot*>(m_word - bits()); }
+        explicit Table(char* word) : m_pWord(word) {}
+        unsigned bits() const { return reinterpret_cast<std::uintptr_t>(m_pWord) & 63; }
+        Slot* slots() const { return reinterpret_cast<Slot*>(m_pWord - bits()); }
         std::uint32_t capacity() const { return 1U << bits(); }
         Slot* home(std::uint32_t spread) const { return slots() + (spread >> (32 - bits())); }
         Slot* after(const Slot* slot) const {
@@ -74,10 +74,10 @@ private:
         }
 
     private:
-        char* m_word;
+        char* m_pWord;
     };
 
-    std::atomic<char*> m_table;
+    std::atomic<char*> m_pTable;
 };
 
 #endif

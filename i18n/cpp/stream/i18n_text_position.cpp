@@ -66,20 +66,20 @@ const char16_t* lastLine(const char16_t* begin, const char16_t* end) {
 
 void I18NTextPosition::pass(const char16_t* begin, const char16_t* end) {
     if (begin == end) return;
-    if (*begin == u'\n' && m_before == u'\r') m_before = *begin++;
+    if (*begin == u'\n' && m_cBefore == u'\r') m_cBefore = *begin++;
     if (begin == end) return;
     const char16_t last = end[-1];
-    if (const int lines = count<LineEnd>(begin, end, m_before)) {
+    if (const int lines = count<LineEnd>(begin, end, m_cBefore)) {
         begin = lastLine(begin, end);
-        m_before = begin[-1];
+        m_cBefore = begin[-1];
         m_iLine += lines;
         m_iColumn = 1;
     }
-    m_iColumn += end - begin - count<SecondOfPair>(begin, end, m_before);
-    m_before = last;
+    m_iColumn += end - begin - count<SecondOfPair>(begin, end, m_cBefore);
+    m_cBefore = last;
 }
 
 void I18NTextPosition::passSequence() {
     ++m_iColumn;
-    m_before = 0;
+    m_cBefore = 0;
 }

@@ -19,7 +19,7 @@ public:
 private:
     std::int64_t m_iLine = 1;
     std::int64_t m_iColumn = 1;
-    char16_t m_before = 0;  // the unit passed last
+    char16_t m_cBefore = 0;  // the unit passed last
 };
 
 #endif

@@ -18,5 +18,5 @@ I18NWideText::I18NWideText(const wchar_t* text) {
         QBL_ALLOC_CATCH
     }
     for (std::size_t i = 0; i < count; ++i)
-        m_length += i18nPutCodePoint(out + m_length, static_cast<char32_t>(text[i]));
+        m_iLength += i18nPutCodePoint(out + m_iLength, static_cast<char32_t>(text[i]));
 }

@@ -15,24 +15,24 @@ public:
         : m_pOwner(&text),
           m_pAscii(text.m_pUnicodeString == nullptr ? text.ascii() : nullptr),
           m_pUnits(text.m_pCodeUnits),
-          m_length(text.nUnits()) {}
-    I18NTextView(const char16_t* units, int length) : m_pUnits(units), m_length(length) {}
-    I18NTextView(const char* ascii, int length) : m_pAscii(ascii), m_length(length) {}
+          m_iLength(text.nUnits()) {}
+    I18NTextView(const char16_t* units, int length) : m_pUnits(units), m_iLength(length) {}
+    I18NTextView(const char* ascii, int length) : m_pAscii(ascii), m_iLength(length) {}
 
     /// The string that it is a view of; null if it is of none.
     const I18NString* owner() const { return m_pOwner; }
     const char* ascii() const { return m_pAscii; }  ///< null for a text in units
     const char16_t* units() const { return m_pUnits; }
-    int length() const { return m_length; }
+    int length() const { return m_iLength; }
     bool isASCII() const {
-        return m_pAscii != nullptr || i18nIsASCII(m_pUnits, static_cast<std::size_t>(m_length));
+        return m_pAscii != nullptr || i18nIsASCII(m_pUnits, static_cast<std::size_t>(m_iLength));
     }
     char16_t operator[](int i) const {
         return m_pAscii != nullptr ? static_cast<unsigned char>(m_pAscii[i]) : m_pUnits[i];
     }
     char32_t codePointAt(int i) const {
         const char16_t unit = (*this)[i];
-        const bool pair = i18nIsHigh(unit) && i + 1 < m_length && i18nIsLow((*this)[i + 1]);
+        const bool pair = i18nIsHigh(unit) && i + 1 < m_iLength && i18nIsLow((*this)[i + 1]);
         return pair ? i18nCombine(unit, (*this)[i + 1]) : unit;
     }
     /// The offset behind the code point at one, and of the one before.
@@ -43,14 +43,14 @@ public:
 
     /// Requires: an ASCII text.
     void copyTo(char* out) const {
-        const auto n = static_cast<std::size_t>(m_length);
+        const auto n = static_cast<std::size_t>(m_iLength);
         if (m_pAscii == nullptr)
             i18nNarrow(m_pUnits, n, out);
         else
             std::char_traits<char>::copy(out, m_pAscii, n);
     }
     void copyTo(char16_t* out) const {
-        const auto n = static_cast<std::size_t>(m_length);
+        const auto n = static_cast<std::size_t>(m_iLength);
         if (m_pAscii != nullptr)
             i18nWiden(m_pAscii, n, out);
         else
@@ -60,15 +60,15 @@ public:
     template <class Body>
     auto visit(Body body) const {
         return m_pAscii != nullptr
-                   ? body(reinterpret_cast<const unsigned char*>(m_pAscii), m_length)
-                   : body(m_pUnits, m_length);
+                   ? body(reinterpret_cast<const unsigned char*>(m_pAscii), m_iLength)
+                   : body(m_pUnits, m_iLength);
     }
 
 private:
     const I18NString* m_pOwner = nullptr;
     const char* m_pAscii = nullptr;
     const char16_t* m_pUnits = nullptr;
-    int m_length;
+    int m_iLength;
 };
 
 /// Throws QBLOutOfMemoryError, for more units than a string can have.
@@ -86,9 +86,9 @@ public:
     /// @param text  null is an empty text
     explicit I18NWideText(const wchar_t* text);
     explicit I18NWideText(wchar_t c)
-        : m_length(i18nPutCodePoint(m_small, static_cast<char32_t>(c))) {}
+        : m_iLength(i18nPutCodePoint(m_small, static_cast<char32_t>(c))) {}
     I18NTextView view() const {
-        return I18NTextView(m_pLarge != nullptr ? m_pLarge.get() : m_small, m_length);
+        return I18NTextView(m_pLarge != nullptr ? m_pLarge.get() : m_small, m_iLength);
     }
 
 private:
@@ -96,7 +96,7 @@ private:
 
     char16_t m_small[kSmall] = {};
     std::unique_ptr<char16_t[]> m_pLarge;
-    int m_length = 0;
+    int m_iLength = 0;
 };
 
 #endif
