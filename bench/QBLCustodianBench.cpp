@@ -43,7 +43,7 @@ private:
 /// the custodian is left to disturb other measurements.
 class Registered {
 public:
-    explicit Registered(const Tasks& tasks) : m_before(QBLCustodian::setSchedule(kPauseMs)) {
+    explicit Registered(const Tasks& tasks) : m_ulBefore(QBLCustodian::setSchedule(kPauseMs)) {
         startAnew();
         add(&m_gate);
         m_gate.waitUntilEntered();
@@ -51,7 +51,7 @@ public:
         m_gate.open();
     }
     ~Registered() {
-        QBLCustodian::setSchedule(m_before);
+        QBLCustodian::setSchedule(m_ulBefore);
         startAnew();
     }
     Registered(const Registered&) = delete;
@@ -67,7 +67,7 @@ private:
     }
 
     Gate m_gate;
-    const unsigned long m_before;
+    const unsigned long m_ulBefore;
 };
 
 void callByHand(const Tasks& tasks) {
@@ -95,7 +95,7 @@ public:
     double seconds() {
         while (sem_wait(&m_passed) != 0) {
         }
-        return m_seconds;
+        return m_dSeconds;
     }
     double secondsByHand() {
         std::this_thread::sleep_for(std::chrono::milliseconds(kPauseMs));
@@ -118,7 +118,7 @@ private:
     struct Last : QBLCustodianTask {
         explicit Last(Round& round) : m_round(round) {}
         int doIt(int) override {
-            m_round.m_seconds =
+            m_round.m_dSeconds =
                 std::chrono::duration<double>(Clock::now() - m_round.m_begun).count();
             sem_post(&m_round.m_passed);
             return 0;
@@ -131,7 +131,7 @@ private:
     std::vector<Empty> m_others;
     Tasks m_tasks;
     Clock::time_point m_begun;
-    std::atomic<double> m_seconds{0};
+    std::atomic<double> m_dSeconds{0};
     sem_t m_passed;
 };
 

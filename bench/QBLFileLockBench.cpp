@@ -12,7 +12,7 @@ namespace {
 
 class PeerLock {
 public:
-    explicit PeerLock(QBLFmFile& file) : m_fd(file.getFileDescriptor()) {}
+    explicit PeerLock(QBLFmFile& file) : m_iFd(file.getFileDescriptor()) {}
     void lock() { set(F_SETLKW, F_WRLCK); }
     void unlock() { set(F_SETLK, F_UNLCK); }
 
@@ -21,10 +21,10 @@ private:
         struct flock whole {};
         whole.l_type = type;
         whole.l_whence = SEEK_SET;
-        if (fcntl(m_fd, command, &whole) != 0) throw std::runtime_error("no lock");
+        if (fcntl(m_iFd, command, &whole) != 0) throw std::runtime_error("no lock");
     }
 
-    int m_fd;
+    int m_iFd;
 };
 
 class TempFile {

@@ -23,28 +23,28 @@ alignas(4096) char g_block[kLargest];
 class BareFile {
 public:
     BareFile() = default;
-    ~BareFile() { ::close(m_fd); }
+    ~BareFile() { ::close(m_iFd); }
     BareFile(const BareFile&) = delete;
     BareFile& operator=(const BareFile&) = delete;
 
     bool open(const char* name, int flags, int) {
-        m_fd = ::open(name, flags | O_RDWR, 0666);
-        return m_fd >= 0;
+        m_iFd = ::open(name, flags | O_RDWR, 0666);
+        return m_iFd >= 0;
     }
-    long read(void* buffer, unsigned long size) { return ::read(m_fd, buffer, size); }
-    long write(const void* buffer, unsigned long size) { return ::write(m_fd, buffer, size); }
+    long read(void* buffer, unsigned long size) { return ::read(m_iFd, buffer, size); }
+    long write(const void* buffer, unsigned long size) { return ::write(m_iFd, buffer, size); }
     bool append(BareFile& other) {
         const std::unique_ptr<char[]> buffer(new char[kLargest]);
-        if (lseek(m_fd, 0, SEEK_END) < 0) return false;
+        if (lseek(m_iFd, 0, SEEK_END) < 0) return false;
         ssize_t got;
-        while ((got = ::read(other.m_fd, buffer.get(), kLargest)) > 0)
-            if (::write(m_fd, buffer.get(), static_cast<std::size_t>(got)) != got) return false;
+        while ((got = ::read(other.m_iFd, buffer.get(), kLargest)) > 0)
+            if (::write(m_iFd, buffer.get(), static_cast<std::size_t>(got)) != got) return false;
         return got == 0;
     }
-    int getFileDescriptor() const { return m_fd; }
+    int getFileDescriptor() const { return m_iFd; }
 
 private:
-    int m_fd = -1;
+    int m_iFd = -1;
 };
 
 template <class File>

@@ -135,14 +135,14 @@ private:
 /// Identifiers in an order that no cache foresees.
 class Walk {
 public:
-    explicit Walk(unsigned count) : m_count(count) {}
+    explicit Walk(unsigned count) : m_uCount(count) {}
     unsigned next() {
         m_uState = m_uState * 1664525U + 1013904223U;
-        return 1 + (m_uState >> 8) % m_count;
+        return 1 + (m_uState >> 8) % m_uCount;
     }
 
 private:
-    unsigned m_count;
+    unsigned m_uCount;
     unsigned m_uState = 1;
 };
 

@@ -26,11 +26,11 @@ void require(bool holds) {
 /// Has what is written to a stream of the process for as long as it lives.
 class Capture {
 public:
-    explicit Capture(std::FILE*& stream) : m_stream(stream), m_saved(stream) {
+    explicit Capture(std::FILE*& stream) : m_stream(stream), m_pSaved(stream) {
         m_stream = open_memstream(&m_pBytes, &m_iSize);
     }
     ~Capture() {
-        std::fclose(std::exchange(m_stream, m_saved));
+        std::fclose(std::exchange(m_stream, m_pSaved));
         std::free(m_pBytes);
     }
     Capture(const Capture&) = delete;
@@ -42,7 +42,7 @@ public:
 
 private:
     std::FILE*& m_stream;
-    std::FILE* const m_saved;
+    std::FILE* const m_pSaved;
     char* m_pBytes = nullptr;
     std::size_t m_iSize = 0;
 };

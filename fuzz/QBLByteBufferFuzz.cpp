@@ -175,7 +175,7 @@ public:
                 break;
             case 17:
                 m_buffer = std::make_unique<QBLByteBuffer>(buffer);
-                m_written = size;
+                m_uWritten = size;
                 break;
             case 18:
                 endAgain(operand);
@@ -246,7 +246,7 @@ private:
         m_buffer->reserve(static_cast<unsigned int>(size) + count);
         m_model.grow(size + count);
         std::memset(m_buffer->str() + size, letter, count);
-        m_written = std::max(m_written, size + count);
+        m_uWritten = std::max(m_uWritten, size + count);
     }
 
     // Writes behind the content, then does what has to end it with a zero all the same.
@@ -276,14 +276,14 @@ private:
         require(buffer.pcount() == count);
         buffer.setLength(m_model.limit);
         require(buffer.pcount() == m_model.limit);
-        m_written = std::max<std::size_t>(m_written, count);
-        for (std::size_t i = m_written; i < m_model.limit; ++i) require(buffer.str()[i] == 0);
+        m_uWritten = std::max<std::size_t>(m_uWritten, count);
+        for (std::size_t i = m_uWritten; i < m_model.limit; ++i) require(buffer.str()[i] == 0);
         buffer.setLength(count);
     }
 
     Buffer m_buffer;
     Model m_model;
-    std::size_t m_written = 0;  // how much of the array there may be other than zero
+    std::size_t m_uWritten = 0;  // how much of the array there may be other than zero
     Buffer m_other;
     Model m_otherModel;
 };

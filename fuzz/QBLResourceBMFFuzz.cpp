@@ -19,16 +19,17 @@ void require(bool holds) {
 /// A file in memory that has a name.
 class MemoryFile {
 public:
-    MemoryFile(const std::uint8_t* data, std::size_t size) : m_descriptor(memfd_create("bmf", 0)) {
-        require(m_descriptor >= 0 && write(m_descriptor, data, size) == static_cast<ssize_t>(size));
+    MemoryFile(const std::uint8_t* data, std::size_t size) : m_iDescriptor(memfd_create("bmf", 0)) {
+        require(m_iDescriptor >= 0 &&
+                write(m_iDescriptor, data, size) == static_cast<ssize_t>(size));
     }
-    ~MemoryFile() { close(m_descriptor); }
+    ~MemoryFile() { close(m_iDescriptor); }
     MemoryFile(const MemoryFile&) = delete;
     MemoryFile& operator=(const MemoryFile&) = delete;
-    std::string name() const { return "/proc/self/fd/" + std::to_string(m_descriptor); }
+    std::string name() const { return "/proc/self/fd/" + std::to_string(m_iDescriptor); }
 
 private:
-    int m_descriptor;
+    int m_iDescriptor;
 };
 
 bool isOpened(QBLResourceBMF& resource, const MemoryFile& file) {

@@ -84,7 +84,7 @@ class File {
 public:
     File(const std::string& directory, const std::string& name, const char* root,
          const std::string& comment)
-        : m_path(directory + "/" + name + ".xml"), m_out(m_path), m_root(root) {
+        : m_path(directory + "/" + name + ".xml"), m_out(m_path), m_pRoot(root) {
         Status status;
         UVersionInfo cldr;
         ulocdata_getCLDRVersion(cldr, status);
@@ -101,7 +101,7 @@ public:
     }
     /// Ends the file. @throws if it could not be written
     void finish() {
-        m_out << "</" << m_root << ">\n";
+        m_out << "</" << m_pRoot << ">\n";
         if (!m_out.flush()) throw std::runtime_error("cannot write " + m_path);
     }
 
@@ -123,7 +123,7 @@ public:
 private:
     std::string m_path;
     std::ofstream m_out;
-    const char* m_root;
+    const char* m_pRoot;
 };
 
 using Text = std::basic_string<UChar>;

@@ -44,17 +44,17 @@ bool OutputCheck::runAll() {
     return good;
 }
 
-Pinned::Pinned(int n) : m_done(false) {
+Pinned::Pinned(int n) : m_bDone(false) {
     for (int cpu = 0; cpu < CPU_SETSIZE; ++cpu) {
         if (!CPU_ISSET(cpu, &kAllowed) || n-- != 0) continue;
         cpu_set_t one;
         CPU_ZERO(&one);
         CPU_SET(cpu, &one);
-        m_done = bind(one);
+        m_bDone = bind(one);
         return;
     }
 }
 
 Pinned::~Pinned() {
-    if (m_done) bind(kAllowed);
+    if (m_bDone) bind(kAllowed);
 }

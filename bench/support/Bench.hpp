@@ -24,10 +24,10 @@ public:
     Pinned(const Pinned&) = delete;
     Pinned& operator=(const Pinned&) = delete;
     /// False when there is no such processor; the thread then runs wherever it did.
-    bool done() const { return m_done; }
+    bool done() const { return m_bDone; }
 
 private:
-    bool m_done;
+    bool m_bDone;
 };
 
 #endif

@@ -13,24 +13,24 @@ char kConnection[] = "Connection";  // the pointer is the id, not the text
 class Connection : public QBLObjectFactoryItem {
 public:
     static QBLObjectFactoryItem* make(QBLObjectFactory* factory) { return new Connection(factory); }
-    ~Connection() override { std::printf("%d is deleted\n", m_number); }
+    ~Connection() override { std::printf("%d is deleted\n", m_iNumber); }
 
     char* getClassId() override { return kConnection; }
     void cleanObject() override { m_user.clear(); }
     void use(const char* user) {
         m_user += user;
-        std::printf("%d serves %s\n", m_number, m_user.c_str());
+        std::printf("%d serves %s\n", m_iNumber, m_user.c_str());
     }
 
 private:
     explicit Connection(QBLObjectFactory* factory) : QBLObjectFactoryItem(factory) {}
 
-    static int g_made;
-    const int m_number = ++g_made;
+    static int s_made;
+    const int m_iNumber = ++s_made;
     std::string m_user;
 };
 
-int Connection::g_made = 0;
+int Connection::s_made = 0;
 
 Connection* connect(QBLObjectFactory& factory) {
     return static_cast<Connection*>(factory.createObject(kConnection));

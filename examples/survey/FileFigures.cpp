@@ -19,17 +19,17 @@ constexpr std::size_t kBlock = 65536;
 class Input {
 public:
     explicit Input(const std::string& path)
-        : m_path(path), m_fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_LARGEFILE)) {
-        if (m_fd < 0) QBL_THROW_NAMED(failure("open"), "Input::Input");
+        : m_path(path), m_iFd(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_LARGEFILE)) {
+        if (m_iFd < 0) QBL_THROW_NAMED(failure("open"), "Input::Input");
     }
-    ~Input() { ::close(m_fd); }
+    ~Input() { ::close(m_iFd); }
     Input(const Input&) = delete;
     Input& operator=(const Input&) = delete;
 
     /// @return the bytes read, 0 at the end.
     std::size_t read(char* block) {
         for (;;) {
-            const ssize_t got = ::read(m_fd, block, kBlock);
+            const ssize_t got = ::read(m_iFd, block, kBlock);
             if (got >= 0) return static_cast<std::size_t>(got);
             if (errno != EINTR) QBL_THROW_NAMED(failure("read"), "Input::read");
         }
@@ -44,7 +44,7 @@ private:
     }
 
     const std::string& m_path;
-    int m_fd;
+    int m_iFd;
 };
 
 bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
@@ -56,33 +56,33 @@ public:
         m_figures.bytes += size;
         for (const char* p = block; p != block + size; ++p) {
             const bool space = isSpace(*p);
-            if (!space && !m_inWord) ++m_figures.words;
-            m_inWord = !space;
+            if (!space && !m_bInWord) ++m_figures.words;
+            m_bInWord = !space;
             if (*p == '\n') {
                 ++m_figures.lines;
                 endLine();
             } else {
-                ++m_length;
+                ++m_uLength;
             }
         }
     }
     FileFigures finish() {
-        if (m_length != 0) endLine();
+        if (m_uLength != 0) endLine();
         return m_figures;
     }
 
 private:
     void endLine() {
-        m_figures.longest = std::max(m_figures.longest, m_length);
+        m_figures.longest = std::max(m_figures.longest, m_uLength);
         const auto* bucket = std::lower_bound(std::begin(FileFigures::kBucketEnds),
-                                              std::end(FileFigures::kBucketEnds), m_length);
+                                              std::end(FileFigures::kBucketEnds), m_uLength);
         ++m_figures.byLength[bucket - std::begin(FileFigures::kBucketEnds)];
-        m_length = 0;
+        m_uLength = 0;
     }
 
     FileFigures m_figures;
-    std::uint64_t m_length = 0;
-    bool m_inWord = false;
+    std::uint64_t m_uLength = 0;
+    bool m_bInWord = false;
 };
 
 }  // namespace

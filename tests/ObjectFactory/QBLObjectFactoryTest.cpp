@@ -18,11 +18,11 @@ std::atomic<int> g_alive{0};
 class Item : public QBLObjectFactoryItem {
 public:
     explicit Item(QBLObjectFactory* factory, char* id = g_id)
-        : QBLObjectFactoryItem(factory), m_id(id) {
+        : QBLObjectFactoryItem(factory), m_pId(id) {
         ++g_alive;
     }
     ~Item() override { --g_alive; }
-    char* getClassId() override { return m_id; }
+    char* getClassId() override { return m_pId; }
     void cleanObject() override { ++cleaned; }
     static QBLObjectFactoryItem* make(QBLObjectFactory* factory) { return new Item(factory); }
 
@@ -30,7 +30,7 @@ public:
     int cleaned = 0;
 
 private:
-    char* m_id;
+    char* m_pId;
 };
 
 QBLObjectFactoryItem* makeOther(QBLObjectFactory* factory) { return new Item(factory, g_other); }

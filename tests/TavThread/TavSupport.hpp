@@ -25,20 +25,20 @@ public:
     template <class... Attributes>
     explicit Started(Body body, Attributes... attributes) : m_body(std::move(body)) {
         EXPECT_EQ(TAVTHREAD_OK,
-                  tavXThreadCreate(&runBody, &m_body, &m_thread, attributes..., TavThreadAttrEnd));
+                  tavXThreadCreate(&runBody, &m_body, &m_pThread, attributes..., TavThreadAttrEnd));
     }
     ~Started() {
-        tavXThreadJoin(m_thread, nullptr);
-        tavXThreadDestroy(m_thread);
+        tavXThreadJoin(m_pThread, nullptr);
+        tavXThreadDestroy(m_pThread);
     }
     Started(const Started&) = delete;
     Started& operator=(const Started&) = delete;
-    operator TavThread*() const { return m_thread; }
-    int join(void** value = nullptr) { return tavXThreadJoin(m_thread, value); }
+    operator TavThread*() const { return m_pThread; }
+    int join(void** value = nullptr) { return tavXThreadJoin(m_pThread, value); }
 
 private:
     Body m_body;
-    TavThread* m_thread = nullptr;
+    TavThread* m_pThread = nullptr;
 };
 
 /// Milliseconds since it was made.

@@ -120,12 +120,12 @@ void readTable() {
 /// Fields of values: those that are valid, or anything that the type has.
 class Fields {
 public:
-    explicit Fields(bool valid) : m_valid(valid) {}
+    explicit Fields(bool valid) : m_bValid(valid) {}
     template <class Field>
     void set(Field& field, int from, int to) {
         using Limits = std::numeric_limits<Field>;
         const auto bits = static_cast<unsigned>(m_random());
-        if (m_valid) {
+        if (m_bValid) {
             field = static_cast<Field>(from + static_cast<int>(bits % (unsigned(to - from) + 1)));
         } else {
             const Field ends[] = {Limits::min(), Limits::max(), 0, -5};
@@ -144,7 +144,7 @@ public:
     }
 
 private:
-    bool m_valid;
+    bool m_bValid;
     std::mt19937 m_random{7};
 };
 

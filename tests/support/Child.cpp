@@ -6,22 +6,22 @@
 #include <cerrno>
 #include <csignal>
 
-Child::Child(const std::function<int()>& body) : m_pid(fork()) {
-    if (m_pid == 0) _exit(body());
+Child::Child(const std::function<int()>& body) : m_iPid(fork()) {
+    if (m_iPid == 0) _exit(body());
 }
 
 Child::~Child() {
-    if (m_pid <= 0) return;
+    if (m_iPid <= 0) return;
     kill(SIGKILL);
     wait();
 }
 
-void Child::kill(int signal) const { ::kill(m_pid, signal); }
+void Child::kill(int signal) const { ::kill(m_iPid, signal); }
 
 int Child::wait() {
     int status = 0;
-    while (waitpid(m_pid, &status, 0) < 0 && errno == EINTR) {
+    while (waitpid(m_iPid, &status, 0) < 0 && errno == EINTR) {
     }
-    m_pid = 0;
+    m_iPid = 0;
     return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }

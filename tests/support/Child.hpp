@@ -12,13 +12,13 @@ public:
     Child(const Child&) = delete;
     Child& operator=(const Child&) = delete;
 
-    int pid() const { return m_pid; }
+    int pid() const { return m_iPid; }
     void kill(int signal) const;
     /// Waits for the end. @return the exit status, or minus the signal that ended it.
     int wait();
 
 private:
-    int m_pid;
+    int m_iPid;
 };
 
 /// Runs a body in a process of its own. @return as Child::wait()

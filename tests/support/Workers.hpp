@@ -45,13 +45,13 @@ private:
 /// A door that stays open once opened: lets a test decide when threads go on.
 class Gate {
 public:
-    void open() { m_open = true; }
+    void open() { m_bOpen = true; }
     bool wait() {
-        return eventually([this] { return m_open.load(); });
+        return eventually([this] { return m_bOpen.load(); });
     }
 
 private:
-    std::atomic<bool> m_open{false};
+    std::atomic<bool> m_bOpen{false};
 };
 
 #endif
