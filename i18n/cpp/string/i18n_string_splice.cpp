@@ -11,6 +11,30 @@
 #include "i18n/cpp/string/i18n_normal_form.hpp"
 #include "i18n/cpp/string/i18n_text_view.hpp"
 
+// How a string replaces a part of its text.
+//
+// splice() limits the part to the text, checks the length, and decides what the text is kept in.
+// spliceUnits() replaces units at once if none of them can combine with another. Otherwise
+// changeOf() works out what the text becomes, and combine() makes that change.
+//
+// Checks: everything that can fail comes before the change, which put() makes in one step. So an
+// error leaves the text, its form and its conversions as they were. The text to insert is never the
+// string's own: splice() copies the string in that case.
+//
+// Storage: a text in ASCII stays there while only ASCII is added. Otherwise it moves to UTF-16, and
+// stays there. Memory is reused while the text fits; it grows by half, and does not shrink. A
+// caller's buffer is never replaced: a text too long for it throws.
+//
+// Form: a text in form C stays in it. Only what is between the nearest characters that nothing
+// before them can combine with needs to be looked at. A text with an exempt character stays as it
+// is given. The whole text decides that, not the part that changes: a text that gains such a
+// character is in no form, and one that loses its last is brought to form C as a whole. The flags
+// keep whether the text has one, so that text made piece by piece is looked at once. With
+// normalisation off, units are replaced as they are.
+//
+// Conversions: changed() makes all of them stale, as the last step of a change. See
+// i18n_string_convert.cpp for what becomes of them.
+
 namespace {
 
 /// Moves the tail of a text so that a gap has the size of what is to come.
@@ -20,20 +44,171 @@ void openGap(Unit* text, int length, int offset, int count, int fill) {
                                  static_cast<std::size_t>(length - offset - count));
 }
 
-std::u16string_view view(const char16_t* units, int length) {
-    return std::u16string_view(units, static_cast<std::size_t>(length));
+bool isInert(const I18NTextView& text, int from, int to) {
+    return text.ascii() != nullptr ||
+           i18nIsInert(text.units() + from, static_cast<std::size_t>(to - from));
 }
 
 /// Whether a text has a character that must not be normalised.
 bool isExempt(std::u16string_view text) { return I18NSettings::now().isNonNormalizable(text); }
 
 bool isExempt(const I18NTextView& text) {
-    if (text.ascii() == nullptr) return isExempt(view(text.units(), text.length()));
+    if (text.ascii() == nullptr)
+        return isExempt(std::u16string_view(text.units(), static_cast<std::size_t>(text.length())));
     const std::vector<char32_t>& all = I18NSettings::now().nonNormalizable;
     if (all.empty() || all.front() > 0x7F) return false;
     return std::any_of(text.ascii(), text.ascii() + text.length(), [&](char c) {
         return std::binary_search(all.begin(), all.end(), static_cast<char32_t>(c));
     });
+}
+
+/// A text that is to take the place of a part of another one, which is kept in UTF-16.
+struct Splice {
+    const I18NTextView& old;
+    int offset, behind;  // of the part
+    const I18NTextView& text;
+
+    int length() const { return old.length(); }
+    bool isWhole() const { return offset == 0 && behind == length(); }
+    bool isInsertion() const { return offset == behind; }
+    std::u16string_view units(int from, int to) const {
+        return {old.units() + from, static_cast<std::size_t>(to - from)};
+    }
+    /// The old text from one offset to another, with the part replaced.
+    icu::UnicodeString joined(int from, int to) const {
+        return i18nJoin(units(from, offset), text, units(behind, to));
+    }
+};
+
+/// Whether a surrogate comes to stand beside its other half. The pair is a character of its own.
+bool joinsHalves(const Splice& at) {
+    const bool endsHigh = at.offset > 0 && i18nIsHigh(at.old[at.offset - 1]);
+    const bool beginsLow = at.behind < at.length() && i18nIsLow(at.old[at.behind]);
+    if (at.text.length() == 0) return endsHigh && beginsLow;
+    return (endsHigh && (beginsLow || i18nIsLow(at.text[0]))) ||
+           (i18nIsHigh(at.text[at.text.length() - 1]) && beginsLow);
+}
+
+/// Whether neither the text nor the character after it can combine with anything.
+bool isInert(const Splice& at) {
+    const int next = at.behind < at.length() ? at.old.next(at.behind) : at.behind;
+    return isInert(at.old, at.behind, next) && isInert(at.text, 0, at.text.length());
+}
+
+/// What the string knows of a change before it looks at the text.
+struct Known {
+    bool isFormC;
+    bool substitutes;  // Japanese substitutions are made in it
+    bool joinsHalves;
+    int exempt;  // as knownExempt(), but 0 if the settings have no exempt characters
+
+    /// Whether each character of the old text is in the new one, too.
+    bool keepsAll(const Splice& at) const { return at.isInsertion() && !joinsHalves; }
+};
+
+enum class Form { AsBefore, C, Unknown };
+
+/// What becomes of a string: put() replaces a part, and the flags change.
+struct Change {
+    int offset, count;
+    I18NTextView text;
+    Form form;
+    int exempt;  // whether it has exempt characters then; -1 if that is not known
+};
+
+/// The form of the string once the text and what is around it are in form C.
+Form formOf(const Splice& at) { return at.isWhole() ? Form::C : Form::AsBefore; }
+
+/// Whether the string has exempt characters after the change; -1 if that is not known.
+int exemptAfter(const Splice& at, int exempt, bool keepsAll) {
+    const bool isKnown = exempt == 0 || (exempt == 1 && keepsAll);
+    return isKnown ? exempt | (isExempt(at.text) ? 1 : 0) : -1;
+}
+
+/// Inserts the text as it is given, because of an exempt character.
+Change givenExempt(const Splice& at) {
+    return {at.offset, at.behind - at.offset, at.text, Form::Unknown, 1};
+}
+
+/// Inserts the text as it is given, because it is in form C in its place.
+Change givenInForm(const Splice& at, const Known& known) {
+    const int exempt = known.joinsHalves ? -1 : exemptAfter(at, known.exempt, known.keepsAll(at));
+    return {at.offset, at.behind - at.offset, at.text, formOf(at), exempt};
+}
+
+/// Whether the whole string has to be brought to form C. Substitutions are made in all of it. And
+/// if it loses its last exempt character, the rest of it is in no form yet.
+bool concernsAll(const Splice& at, const Known& known) {
+    if (known.substitutes) return true;
+    if (known.isFormC || at.isWhole() || known.keepsAll(at) || known.exempt == 0) return false;
+    return isExempt(at.units(std::max(at.offset - 1, 0), std::min(at.behind + 1, at.length())));
+}
+
+Change changeOfAll(const Splice& at, const Known& known, icu::UnicodeString& result) {
+    const icu::UnicodeString all = at.joined(0, at.length());
+    if (!i18nNormalize(i18nNormalizer(I18N_NFC), all, result)) {
+        Change change = givenInForm(at, known);
+        change.form = Form::C;
+        return change;
+    }
+    const bool isFormC = !isExempt(i18nUnits(all));
+    if (!isFormC) result = all;
+    if (known.substitutes) i18nSubstituteJa(result);
+    return {0, at.length(), I18NTextView(result.getBuffer(), result.length()),
+            isFormC ? Form::C : Form::Unknown, -1};
+}
+
+/// The part, and what it may combine with on both sides.
+struct Slice {
+    int begin, end;
+};
+
+Slice sliceAround(const Splice& at, bool joinsHalves) {
+    const icu::Normalizer2& form = i18nNormalizer(I18N_NFC);
+    const I18NTextView& old = at.old;
+    const auto isBoundary = [&](int i) {
+        return form.hasBoundaryBefore(static_cast<UChar32>(old.codePointAt(i)));
+    };
+    // Half of a pair in front becomes another character.
+    int begin = at.offset > 0 ? old.before(at.offset) : at.offset;
+    while (begin > 0 && ((joinsHalves && begin + 1 == at.offset) || !isBoundary(begin)))
+        begin = old.before(begin);
+    int end = at.behind < at.length() && i18nIsLow(old[at.behind]) ? at.behind + 1 : at.behind;
+    while (end < at.length() && !isBoundary(end)) end = old.next(end);
+    return {begin, end};
+}
+
+Change changeOfSlice(const Splice& at, const Known& known, icu::UnicodeString& result) {
+    const Slice slice = sliceAround(at, known.joinsHalves);
+    const icu::UnicodeString given = at.joined(slice.begin, slice.end);
+    if (!i18nNormalize(i18nNormalizer(I18N_NFC), given, result)) return givenInForm(at, known);
+    const auto isAroundExempt = [&] {
+        return isExempt(at.units(0, slice.begin)) || isExempt(at.units(slice.end, at.length()));
+    };
+    if (isExempt(i18nUnits(given)) || (known.exempt != 0 && isAroundExempt()))
+        return givenExempt(at);
+    return {slice.begin, slice.end - slice.begin, I18NTextView(result.getBuffer(), result.length()),
+            formOf(at), isExempt(i18nUnits(result)) ? 1 : 0};
+}
+
+/// Where the text goes if it is a single mark that only moves before others; -1 if not.
+int placeOfMark(const Splice& at, const Known& known) {
+    if (!known.keepsAll(at) || known.exempt != 0 || isExempt(at.text)) return -1;
+    return i18nPlaceOfMark(at.old, at.offset, at.text);
+}
+
+/// Finds the change by the cheapest way that applies.
+/// @param result  owns the text of the change if that is not the given one
+Change changeOf(const Splice& at, const Known& known, icu::UnicodeString& result) {
+    if (concernsAll(at, known)) return changeOfAll(at, known, result);
+    if (known.exempt == 1 && known.keepsAll(at)) return givenExempt(at);
+    if (known.isFormC && !known.joinsHalves) {
+        if (i18nStaysAsItIs(i18nNormalizer(I18N_NFC), at.old, at.offset, at.behind, at.text))
+            return givenInForm(at, known);
+        const int place = placeOfMark(at, known);
+        if (place >= 0) return {place, 0, at.text, formOf(at), 0};
+    }
+    return changeOfSlice(at, known, result);
 }
 
 }  // namespace
@@ -62,13 +237,11 @@ void I18NString::splice(I18NStringOffset offset, int count, const I18NTextView& 
     changed();
 }
 
-// Replaces units as they are, without a look at the normal form.
+// Replaces units as they are, and does not look at the form.
 void I18NString::put(int offset, int count, const I18NTextView& text) {
     const int length = m_unitLength, newLength = length - count + text.length();
     reserveUnits(newLength);
-    std::char_traits<char16_t>::move(m_pCodeUnits + offset + text.length(),
-                                     m_pCodeUnits + offset + count,
-                                     static_cast<std::size_t>(length - offset - count));
+    openGap(m_pCodeUnits, length, offset, count, text.length());
     text.copyTo(m_pCodeUnits + offset);
     m_unitLength = newLength;
     alias();
@@ -91,104 +264,35 @@ void I18NString::setExempt(int found) {
                   std::memory_order_release);
 }
 
-// Replaces units, and brings what is around them to form C. Only what is between the nearest
-// characters that nothing before them can combine with needs to be looked at. The one change comes
-// last, so that a failure leaves the string as it was.
-//
-// A text with a character that must not be normalised stays as it is given. The whole text decides
-// that, not the part that changes: so a text that gains such a character is in no form, and one
-// that loses its last is brought to form C as a whole. What a look at all of it has found is kept
-// in the flags, so that text made piece by piece is looked at once.
+// Replaces units, and keeps the text in its form.
 void I18NString::spliceUnits(int offset, int count, const I18NTextView& text) {
     const I18NTextView old(*this);
-    const int length = m_unitLength, behind = offset + count;
-    const bool whole = offset == 0 && behind == length;
-    if (hasFlag(kI18NNoNormalization)) {
-        put(offset, count, text);
-        if (whole) setFlag(kI18NNormalized, true);
-        return;
+    const Splice at = {old, offset, offset + count, text};
+    int exempt = -1;
+    if (!hasFlag(kI18NNoNormalization)) {
+        const bool joins = joinsHalves(at);
+        const bool mayConcernAll = !hasFlag(kI18NNormalized) &&
+                                   ((count != 0 && !at.isWhole()) || hasJapaneseSubstitutions());
+        if (joins || mayConcernAll || !isInert(at)) return combine(offset, count, text, joins);
+        exempt = exemptAfter(at, knownExempt(), at.isInsertion());
     }
-    // Halves of a pair that come together are another character, and those that part are none.
-    const char16_t before = offset > 0 ? old[offset - 1] : u'\0';
-    const char16_t after = behind < length ? old[behind] : u'\0';
-    const bool empty = text.length() == 0;
-    const bool pairs =
-        (i18nIsHigh(before) && (i18nIsLow(after) || (!empty && i18nIsLow(text[0])))) ||
-        (!empty && i18nIsHigh(text[text.length() - 1]) && i18nIsLow(after));
-    const bool mayLose =
-        !hasFlag(kI18NNormalized) && ((count != 0 && !whole) || hasJapaneseSubstitutions());
-    const auto isInert = [](const char16_t* units, int n) {
-        return i18nIsInert(units, static_cast<std::size_t>(n));
-    };
-    const int next = behind < length ? old.next(behind) : behind;
-    if (pairs || mayLose || !isInert(m_pCodeUnits + behind, next - behind) ||
-        (text.ascii() == nullptr && !isInert(text.units(), text.length())))
-        return combine(offset, count, text, pairs);
-    const int exempt = knownExempt();
     put(offset, count, text);
-    if (whole) setFlag(kI18NNormalized, true);
-    if (exempt == 0 || (exempt == 1 && count == 0)) setExempt(exempt | (isExempt(text) ? 1 : 0));
+    if (at.isWhole()) setFlag(kI18NNormalized, true);
+    setExempt(exempt);
 }
 
-// The same for text that may combine with what is around it.
+// The same for text that may combine with what is around it. Nothing changes before put().
 void I18NString::combine(int offset, int count, const I18NTextView& text, bool pairs) {
     const I18NTextView old(*this);
-    const int length = m_unitLength, behind = offset + count;
-    const bool whole = offset == 0 && behind == length;
-    const bool isForm = hasFlag(kI18NNormalized);
-    const bool keepsAll = count == 0 && !pairs;
-    const auto units = [this](int from, int to) { return view(m_pCodeUnits + from, to - from); };
-    const auto finish = [&](int at, int replaced, const I18NTextView& with, bool isNormalized,
-                            int exempt) {
-        put(at, replaced, with);
-        if (whole || !isNormalized) setFlag(kI18NNormalized, isNormalized);
-        setExempt(exempt);
-    };
-    const int exempt = I18NSettings::now().nonNormalizable.empty() ? 0 : knownExempt();
-    const auto finishAsItIs = [&] {
-        const bool known = !pairs && (exempt == 0 || (exempt == 1 && keepsAll));
-        finish(offset, count, text, true, known ? exempt | (isExempt(text) ? 1 : 0) : -1);
-    };
+    const Splice at = {old, offset, offset + count, text};
     QBL_ALLOC_TRY
-    const icu::Normalizer2& form = i18nNormalizer(I18N_NFC);
+    const bool hasExemptions = !I18NSettings::now().nonNormalizable.empty();
+    const Known known = {hasFlag(kI18NNormalized), hasJapaneseSubstitutions(), pairs,
+                         hasExemptions ? knownExempt() : 0};
     icu::UnicodeString result;
-    // Substitutions are made in all of a text that is not in form C.
-    const bool substitutes = hasJapaneseSubstitutions();
-    if (substitutes || (!isForm && !whole && !keepsAll && exempt != 0 &&
-                        isExempt(units(std::max(offset - 1, 0), std::min(behind + 1, length))))) {
-        const icu::UnicodeString all = i18nJoin(units(0, offset), text, units(behind, length));
-        if (!i18nNormalize(form, all, result)) {
-            finishAsItIs();
-            return setFlag(kI18NNormalized, true);
-        }
-        const bool isNormalized = !isExempt(i18nUnits(all));
-        if (!isNormalized) result = all;
-        if (substitutes) i18nSubstituteJa(result);
-        finish(0, length, I18NTextView(result.getBuffer(), result.length()), isNormalized, -1);
-        return setFlag(kI18NNormalized, isNormalized);
-    }
-    if (exempt == 1 && keepsAll) return finish(offset, count, text, false, 1);
-    if (isForm && !pairs) {
-        if (i18nStaysAsItIs(form, old, offset, behind, text)) return finishAsItIs();
-        const int place =
-            keepsAll && exempt == 0 && !isExempt(text) ? i18nPlaceOfMark(old, offset, text) : -1;
-        if (place >= 0) return finish(place, 0, text, true, 0);
-    }
-    const auto isBoundary = [&](int i) {
-        return form.hasBoundaryBefore(static_cast<UChar32>(old.codePointAt(i)));
-    };
-    // Half of a pair in front becomes another character.
-    int begin = offset > 0 ? old.before(offset) : offset;
-    while (begin > 0 && ((pairs && begin + 1 == offset) || !isBoundary(begin)))
-        begin = old.before(begin);
-    int end = behind < length && i18nIsLow(old[behind]) ? behind + 1 : behind;
-    while (end < length && !isBoundary(end)) end = old.next(end);
-    const icu::UnicodeString slice = i18nJoin(units(begin, offset), text, units(behind, end));
-    if (!i18nNormalize(form, slice, result)) return finishAsItIs();
-    if (isExempt(i18nUnits(slice)) ||
-        (exempt != 0 && (isExempt(units(0, begin)) || isExempt(units(end, length)))))
-        return finish(offset, count, text, false, 1);
-    finish(begin, end - begin, I18NTextView(result.getBuffer(), result.length()), true,
-           isExempt(i18nUnits(result)) ? 1 : 0);
+    const Change change = changeOf(at, known, result);
+    put(change.offset, change.count, change.text);
+    if (change.form != Form::AsBefore) setFlag(kI18NNormalized, change.form == Form::C);
+    setExempt(change.exempt);
     I18N_ALLOC_CATCH
 }
