@@ -47,6 +47,9 @@ enum TavThreadAttributes {
 
 TAV_EXTERN_C_BEGIN
 
+/// @name Start and stop of the layer
+/// @{
+
 /// Starts the layer; calls are counted. Mutexes and the other lock objects work without.
 /// @param name  not used.
 TAV_API int tavThreadProcessInitialize(const char* name TAV_DEFAULT(0));
@@ -57,6 +60,10 @@ TAV_API int tavThreadProcessTerminate(const char* name TAV_DEFAULT(0));
 TAV_API int tavXThreadInitialize(void);
 /// Frees the calling thread's record if it is an adopted one; its exit would do that too.
 TAV_API int tavXThreadTerminate(void);
+/// @}
+
+/// @name Creating, joining and destroying
+/// @{
 
 /// Starts a thread on routine(arg). An exception that leaves the routine ends the thread alone.
 /// @param out  receives the record before the thread starts, null after a failure; to be given
@@ -74,6 +81,10 @@ TAV_API int tavXThreadDestroy(TavThread* thread);
 /// @return TAVTHREAD_DEADLOCK for the caller itself and for adopted records, TAVTHREAD_ERROR for a
 ///         thread that is detached or joined.
 TAV_API int tavXThreadJoin(TavThread* thread, void** value);
+/// @}
+
+/// @name The calling thread, and what is known of one
+/// @{
 
 /// The caller's record, adopted if need be; null while the layer is not initialised.
 TAV_API TavThread* tavXThreadSelf(void);
@@ -92,6 +103,10 @@ TAV_API int tavXThreadAlive(TavThread* thread);
 TAV_API int tavXThreadAutopsy(TavThread* thread);
 /// What the routine returned; null for null.
 TAV_API void* tavXThreadExitStatus(TavThread* thread);
+/// @}
+
+/// @name Suspending and cancelling
+/// @{
 
 /// The thread's state. For null it is the caller's checkpoint: stops there while it is suspended,
 /// notes a cancellation, yields, and returns the caller's state.
@@ -109,9 +124,14 @@ TAV_API int tavXThreadCancel(TavThread* thread);
 TAV_API int tavXThreadSetCancel(TavThread* thread, int* flag, int inheritable);
 /// Takes back a cancel request to the caller, and the state it led to.
 TAV_API int tavXThreadCancelReset(void);
+/// @}
+
+/// @name Priority
+/// @{
 
 /// @return TAVTHREAD_AGAIN if the priority cannot be read or would leave the scheduler's range.
 TAV_API int tavXThreadAdjustPriority(TavThread* thread, long delta);
+/// @}
 
 TAV_EXTERN_C_END
 

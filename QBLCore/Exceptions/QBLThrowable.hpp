@@ -17,6 +17,9 @@
 /// another thread in a QBLDeferredThrowable.
 class QBL_API QBLThrowable {
 public:
+    /// @name Making a throwable
+    /// @{
+
     /// Code 0, severity Fatal, no text.
     QBLThrowable();
     /// @param code  the error number; its lower 32 bits are kept
@@ -34,6 +37,10 @@ public:
     QBLThrowable(const QBLThrowable& other);
     QBLThrowable& operator=(const QBLThrowable& other);
     virtual ~QBLThrowable();
+    /// @}
+
+    /// @name Copying, throwing and showing
+    /// @{
 
     /// A copy on the heap of the same class; the caller deletes it.
     virtual QBLThrowable* clone() const = 0;
@@ -48,6 +55,10 @@ public:
     /// text and the trace entries where there are any. Texts are inserted as they are, without
     /// escaping. Built anew by each call; stays valid until the next one.
     virtual const char* toString();
+    /// @}
+
+    /// @name Code and severity
+    /// @{
 
     /// 0 when the code is a text.
     long getErrorCode() const { return errorCode; }
@@ -56,6 +67,10 @@ public:
     QBLSeverity getSeverity() const { return severity; }
     /// "Fatal", "Error", "Warning" or "Information"; "Unknown" for any other value.
     static const char* getSeverityName(QBLSeverity severity);
+    /// @}
+
+    /// @name Back-trace
+    /// @{
 
     /// Entries of the form `file(line): name: tag: detail`, the latest first.
     const QBLList<char*>& getBackTrace() const { return backTrace; }
@@ -66,8 +81,14 @@ public:
     void copyBackTrace(const QBLList<char*>& entries);
     /// Moves all entries of another throwable to the end of this one's; onto itself, nothing.
     void transferBackTrace(QBLThrowable& other);
+    /// @}
+
+    /// @name Emptying
+    /// @{
+
     /// Frees the back-trace, the texts and the cached XML text; number and severity stay.
     void clear();
+    /// @}
 
 protected:
     char* xmlText;             ///< the latest XML form; null until one was asked for

@@ -23,6 +23,9 @@ class QBL_API QBLFmDir {
 public:
     QBLFmDir() = delete;
 
+    /// @name Directories
+    /// @{
+
     /// Whether a file has the type in mode and at least the permissions in mode (S_IFDIR | S_IRUSR
     /// and so on). It looks at the file's mode, not at what the caller may do; links are followed.
     static bool exists(const char* path, unsigned short mode);
@@ -55,12 +58,21 @@ public:
     static bool readDir(const I18NString& path, std::list<I18NString>* files,
                         const I18NString* filePattern, std::list<I18NString>* dirs,
                         const I18NString* dirPattern);
+    /// @}
+
+    /// @name Files
+    /// @{
+
     /// Removes a file, or an empty directory.
     static bool removeFile(const char* path);
     static bool removeFile(const I18NString& path);
     /// Gives a file a new name, taking the place of a file that has it.
     static bool renameFile(const char* from, const char* to);
     static bool renameFile(const I18NString& from, const I18NString& to);
+    /// @}
+
+    /// @name Paths
+    /// @{
 
     /// Appends a relative path to a base, with a "/" between unless the base ends in "/" or "\".
     /// A relative with a root replaces the base; null or empty changes nothing.
@@ -87,6 +99,10 @@ public:
                                        const std::list<std::string>& searchDirs);
     static I18NString getFileFullPath(const I18NString& fileName, const I18NString& basePath,
                                       const std::list<I18NString>& searchDirs);
+    /// @}
+
+    /// @name Temporary files and directories
+    /// @{
 
     /// Sets what getTempPath() gives; null or empty takes the setting away.
     static void setTempPath(const char* path);
@@ -127,6 +143,7 @@ public:
                                       const char* suffix = nullptr);
     static bool createPrivateTempFile(const I18NString* basePath, const I18NString* prefix,
                                       I18NString& result, const I18NString* suffix = nullptr);
+    /// @}
 };
 
 #endif

@@ -19,6 +19,9 @@
 /// Threads: one at a time for each object.
 class QBL_API QBLFmFile64 {
 public:
+    /// @name Origins, modes and streams
+    /// @{
+
     /// Where an offset counts from.
     enum seekorigin { begin = SEEK_SET, current = SEEK_CUR, end = SEEK_END };
     /// Flags of open(2), passed on as they are; they are combined by |.
@@ -33,12 +36,20 @@ public:
     friend createmode operator|(createmode a, createmode b) {
         return static_cast<createmode>(static_cast<int>(a) | static_cast<int>(b));
     }
+    /// @}
+
+    /// @name Making an object
+    /// @{
 
     QBLFmFile64();
     QBLFmFile64(const QBLFmFile64&) = delete;
     QBLFmFile64& operator=(const QBLFmFile64&) = delete;
     /// Closes the file; a failure of that is not seen any more.
     ~QBLFmFile64();
+    /// @}
+
+    /// @name Reading, writing and the position
+    /// @{
 
     /// @return bytes read, 0 at the end of the file, -1 on failure. On a closed object -1, with
     ///     neither errno nor the saved error touched.
@@ -51,6 +62,11 @@ public:
     /// file may be appended to itself, also by another object: the bytes from that place to the end
     /// that the file had before are copied. After a failure what was copied so far stays.
     virtual bool append(QBLFmFile64& other);
+    /// @}
+
+    /// @name Opening and closing
+    /// @{
+
     /// Opens a file, closing one that is open; a new one gets mode 0666 less the umask.
     /// @param readOnly  0 opens for reading and writing, whatever the flags say
     virtual bool open(const I18NString& name, createmode mode, int readOnly);
@@ -60,23 +76,38 @@ public:
     virtual bool open(stdiotypes stream);
     /// A closed object can be closed again. After a failure the descriptor is gone all the same.
     virtual bool close();
+    /// @}
+
+    /// @name Length and disk
+    /// @{
+
     /// In bytes. @return 0 when nothing is open or the length is not to be had
     virtual long long getLength();
     /// Waits until the file is on the disk; nothing to do for a standard stream.
     virtual bool flush();
     /// Cuts the file, or lengthens it by zeros; not for a standard stream.
     virtual bool truncate(long long length);
+    /// @}
+
+    /// @name Errors
+    /// @{
+
     /// The errno of the last failure; 0 after a successful close().
     virtual int getLastErrorNumber();
     /// The system's text for it, valid until the next call.
     virtual const char* getLastErrorMessage();
     /// Saves the present errno, for derived classes.
     virtual void logLastError();
+    /// @}
+
+    /// @name The open file
+    /// @{
 
     /// @return -1 when nothing is open.
     int getFileDescriptor() const;
     /// The name that the open file was opened by; empty for a standard stream.
     const I18NString& getFileName() const { return m_name; }
+    /// @}
 
 private:
     QBLFmDescriptor m_file;

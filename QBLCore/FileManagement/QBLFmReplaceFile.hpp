@@ -33,11 +33,18 @@ class QBLFmDirectory;
 ///     bool ok = file.open(path) && file.write(text, size) && file.commit();
 class QBL_API QBLFmReplaceFile {
 public:
+    /// @name Making an object
+    /// @{
+
     QBLFmReplaceFile();
     /// Discards a version that was not committed.
     ~QBLFmReplaceFile();
     QBLFmReplaceFile(const QBLFmReplaceFile&) = delete;
     QBLFmReplaceFile& operator=(const QBLFmReplaceFile&) = delete;
+    /// @}
+
+    /// @name A new version
+    /// @{
 
     /// Begins a new, empty version, discarding one that was begun. The file need not be there; its
     /// directory must, and must allow new files.
@@ -57,6 +64,11 @@ public:
     /// Waits until what was written so far is on the disk. commit() then takes less time between a
     /// last look at the old version and its replacement.
     [[nodiscard]] bool flush();
+    /// @}
+
+    /// @name In the place of one file only
+    /// @{
+
     /// commit(), but in the place of one file and of no other: whoever has given its name to
     /// another file in the meantime is not overwritten. Where the file system can exchange two
     /// names, the old version has one all the time, and it stays in the directory until the object
@@ -69,14 +81,24 @@ public:
     /// @return false, with EEXIST, if something has that name; with ENOENT if the replaced version
     ///     has no name any more
     [[nodiscard]] bool keepReplaced(const char* name);
+    /// @}
+
+    /// @name State
+    /// @{
+
     /// Whether the last version begun has taken the file's place.
     bool isCommitted() const;
     /// Removes the new version; nothing if there is none.
     void discard();
     bool isOpen() const;
+    /// @}
+
+    /// @name Errors
+    /// @{
 
     int getLastErrorNumber() const;
     const char* getLastErrorMessage();
+    /// @}
 
 private:
     template <class Locate>

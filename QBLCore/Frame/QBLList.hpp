@@ -21,22 +21,41 @@
 template <class T>
 class QBLList : public QBLListNode<T> {
 public:
+    /// @name Types
+    /// @{
+
     typedef QBLListIterator<T> iterator;
     typedef CONST_QBLListIterator<T> const_iterator;
     typedef T value_type;
+    /// @}
+
+    /// @name Making a list
+    /// @{
 
     QBLList() : cursor(), count(0) { cursor = *this; }
     ~QBLList() override { clear(); }
     QBLList(const QBLList&) = delete;
     QBLList& operator=(const QBLList&) = delete;
+    /// @}
+
+    /// @name Size
+    /// @{
 
     bool empty() const { return this->next == this; }
     unsigned int size() const { return count; }
+    /// @}
+
+    /// @name Iterators
+    /// @{
 
     iterator begin() { return iterator(*this, this->next); }
     iterator end() { return iterator(*this, this); }
     const_iterator begin() const { return const_iterator(*this, this->next); }
     const_iterator end() const { return const_iterator(*this, this); }
+    /// @}
+
+    /// @name Both ends
+    /// @{
 
     /// Requires: the list is not empty; on an empty one the reference is to a null value.
     T& front() { return *begin(); }
@@ -49,6 +68,10 @@ public:
     void pop_front() { erase(begin()); }
     /// Does nothing to an empty list.
     void pop_back() { erase(--end()); }
+    /// @}
+
+    /// @name Inserting, erasing and moving
+    /// @{
 
     /// Puts a copy of a value in front of a position; in front of one of another list, does
     /// nothing.
@@ -81,6 +104,10 @@ public:
         QBLListNode<T>* node = other._erase(element);
         if (node != nullptr) _insert(position, static_cast<QBLListDataNode<T>*>(node));
     }
+    /// @}
+
+    /// @name Access by position
+    /// @{
 
     /// The value at position n, counted from 0.
     /// An n past the end gives the value that the cursor stands on, whatever it is; an empty
@@ -96,6 +123,7 @@ public:
     }
     T& operator[](unsigned int n) { return at(n); }
     const T& operator[](unsigned int n) const { return const_cast<QBLList*>(this)->at(n); }
+    /// @}
 
 private:
     friend class QBLListWalk<QBLList<T>, QBLListNode<T>>;

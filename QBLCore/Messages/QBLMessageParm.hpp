@@ -27,6 +27,9 @@ enum QBLMsgParm : int {
 ///     message << 5 << "disk" << now.c_str();  // a date parameter of 32 bits ends in January 1970
 class QBL_API QBLMessageParm {
 public:
+    /// @name Making a parameter
+    /// @{
+
     /// Stores both as they are, whether they belong together or not.
     QBLMessageParm(long value, QBLMsgParm type = QBLMsgParmLong);
     QBLMessageParm(int value);
@@ -45,6 +48,10 @@ public:
     QBLMessageParm(const QBLMessageParm& other);
     QBLMessageParm& operator=(const QBLMessageParm& other);
     ~QBLMessageParm();
+    /// @}
+
+    /// @name Reading the value
+    /// @{
 
     QBLMsgParm getType() const { return m_type; }
     /// The value, if the type is long or date.
@@ -59,12 +66,20 @@ public:
     bool getValue(I18NString& value) const;
     /// The string; null for a parameter that was not made from one.
     const I18NString* getText() const { return m_pText; }
+    /// @}
+
+    /// @name Changing and copying
+    /// @{
 
     /// Makes it one of type unknown, with the value 0.
     void clear();
     void copy(const QBLMessageParm& other);
     /// A copy on the heap; the caller deletes it.
     QBLMessageParm* clone() const;
+    /// @}
+
+    /// @name As text
+    /// @{
 
     /// Appends the text form. @param language  without effect on it
     void format(const char* language, I18NString& out) const;
@@ -72,6 +87,7 @@ public:
     /// @param flag  0 for type and value, else the text form. Types without a name deliberately
     ///     leave the attribute open: readers of these reports know the elements as they are.
     void toString(const char* language, I18NString& out, int flag) const;
+    /// @}
 
 private:
     QBLMsgParm m_type;

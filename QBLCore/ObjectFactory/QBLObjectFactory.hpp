@@ -32,6 +32,9 @@ class QBLObjectFactoryItem;
 ///     item->release();
 class QBL_API QBLObjectFactory {
 public:
+    /// @name Making a factory
+    /// @{
+
     /// Makes an item on the heap, for the factory that it is given. It may return null.
     typedef QBLObjectFactoryItem* (*Creator)(QBLObjectFactory*);
 
@@ -40,6 +43,10 @@ public:
     ~QBLObjectFactory();
     QBLObjectFactory(const QBLObjectFactory&) = delete;
     QBLObjectFactory& operator=(const QBLObjectFactory&) = delete;
+    /// @}
+
+    /// @name Classes
+    /// @{
 
     /// @param classId  not owned; must stay a valid pointer while it is registered
     /// @throws QBLIllegalStateError if the id is registered; QBLIllegalArgumentError without
@@ -49,6 +56,11 @@ public:
     /// @throws QBLIllegalStateError if the id is not registered, or an item of the class is handed
     ///     out or being made
     void unregisterClass(char* classId);
+    /// @}
+
+    /// @name Items
+    /// @{
+
     /// The item of the class that was released last, or a new one where none is free.
     /// @return the item, the caller's until it is released; null if the creator gave null
     /// @throws QBLIllegalStateError if the id is not registered; what the creator throws
@@ -61,6 +73,7 @@ public:
     /// Deletes all free items, and lets go of those handed out: their release() then deletes them.
     /// Classes stay registered.
     void clearLists();
+    /// @}
 
 private:
     friend class QBLObjectFactoryItem;

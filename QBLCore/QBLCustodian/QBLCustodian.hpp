@@ -25,10 +25,17 @@
 /// which belong to the start and stop of the library.
 class QBL_API QBLCustodian : public QBLThread {
 public:
+    /// @name Start and stop
+    /// @{
+
     /// @return whether there is a custodian now, also one that was there before.
     static bool initialize();
     /// Takes the custodian away, waiting for its last pass and for registrations under way.
     static void terminate();
+    /// @}
+
+    /// @name Schedule
+    /// @{
 
     /// @param ms  time between two passes, 60000 at first; a wait under way takes it over, counted
     ///     from its beginning. Once it is 0 (one pass after the other) or all ones (none but at the
@@ -36,6 +43,10 @@ public:
     /// @return the time set before
     static unsigned long setSchedule(unsigned long ms);
     static unsigned long getSchedule();
+    /// @}
+
+    /// @name Tasks
+    /// @{
 
     /// Has a task called from the next pass on. Tasks registered between two passes are called in
     /// their order, and before those that were there. The caller is not cancelled meanwhile.
@@ -52,8 +63,13 @@ public:
     /// @return false for a task that is not registered; also from inside a task, which cannot wait
     ///     for its own pass, for a task that was in a pass already
     static bool deRegisterTask(QBLCustodianTask* task);
+    /// @}
+
+    /// @name The thread
+    /// @{
 
     void run() override;
+    /// @}
 
 private:
     class Body;

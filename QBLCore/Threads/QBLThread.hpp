@@ -20,6 +20,9 @@ struct TavThread;
 ///     thread.join();
 class QBL_API QBLThread : public QBLThreadRunnable {
 public:
+    /// @name Making a thread
+    /// @{
+
     /// @param runnable  not owned; must live until the thread has ended. Null: run() runs.
     /// @param stackSize  in bytes; a value below the system's default, or 0, means the default
     explicit QBLThread(QBLThreadRunnable* runnable = nullptr, unsigned long stackSize = 0);
@@ -28,6 +31,10 @@ public:
     /// Joins a thread that still runs; on that thread itself, lets it go instead. The caller is
     /// not cancelled meanwhile.
     ~QBLThread() override;
+    /// @}
+
+    /// @name Start and end
+    /// @{
 
     /// Does nothing; for derived classes to override.
     void run() override;
@@ -46,6 +53,10 @@ public:
     void joinQuietly() noexcept;
     /// @return false before start() and once the thread has ended.
     bool isAlive() const;
+    /// @}
+
+    /// @name The calling thread
+    /// @{
 
     /// Lets other threads go first.
     static void yield();
@@ -59,12 +70,17 @@ public:
     /// @param set  non-zero stores the routine, 0 takes an earlier one away
     /// @return 0; -1 for a null routine to set, or on a thread that no QBLThread started
     static int atExit(void (*routine)(), int set);
+    /// @}
+
+    /// @name Start and stop of the library
+    /// @{
 
     /// Opens the key that leads from a thread to its QBLThread; part of the library's start.
     /// @return 0, also when it is open; -2 out of memory; -1 for any other failure
     static int Initialize();
     /// Closes the key: atExit() has no effect from then on. @return 0
     static int Terminate();
+    /// @}
 
 private:
     static void* main(void* self);

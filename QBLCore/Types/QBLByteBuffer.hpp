@@ -29,6 +29,9 @@
 ///     send(line.str(), line.pcount());  // port 8080, 0.5 s
 class QBL_API QBLByteBuffer {
 public:
+    /// @name Making a buffer
+    /// @{
+
     /// Any value but 0 grows by half.
     enum Growth : unsigned int { GROW_BY_BLOCK = 0, GROW_BY_HALF = 1 };
 
@@ -44,6 +47,10 @@ public:
     /// Takes the other's capacity, also if that is less than this one's was.
     QBLByteBuffer& operator=(const QBLByteBuffer& other);
     virtual ~QBLByteBuffer();
+    /// @}
+
+    /// @name Capacity and length
+    /// @{
 
     /// Makes room for n bytes in all. Where one half more is enough for a buffer that grows by
     /// half, it grows by that, else to n. Pointers into the array end here, and wherever it grows.
@@ -53,6 +60,11 @@ public:
     /// Cuts the content, or takes to it what is in the array behind it: what was written through
     /// str(), or cut off; never anything undefined. More than the capacity is ignored.
     void setLength(unsigned int n);
+    /// @}
+
+    /// @name Removing
+    /// @{
+
     /// Removes the first n bytes, or all if there are fewer.
     /// @return the new count, as of the three below
     unsigned int chop(unsigned int n);
@@ -60,9 +72,18 @@ public:
     unsigned int trimFront();
     unsigned int trimBack();
     unsigned int trim();
+    /// @}
+
+    /// @name Blocks
+    /// @{
+
     /// The capacity for n bytes, by blocks: ((n + block) / block) * block - 1.
     /// @throws QBLAssertError if the buffer grows by half
     unsigned int roundUpToBlockSizeMultiple(unsigned int n) const;
+    /// @}
+
+    /// @name Appending
+    /// @{
 
     /// Every appender gives the buffer back. What grows a buffer or fails is not inline.
     /// @param p  len bytes
@@ -93,6 +114,10 @@ public:
     /// @return bytes appended
     /// @throws QBLAssertError for a format that the C library refuses; the room stays
     int printf(const char* format, ...) __attribute__((format(printf, 2, 3)));
+    /// @}
+
+    /// @name Content
+    /// @{
 
     /// Empties the buffer, which keeps its capacity.
     void reset();
@@ -104,6 +129,10 @@ public:
     const char* str() const { return m_pBuffer; }
     char* str() { return m_pBuffer; }
     unsigned int pcount() const { return m_iCount; }
+    /// @}
+
+    /// @name Settings
+    /// @{
 
     /// Makes integers hexadecimal, or decimal again.
     /// @return the radix until now, 10 or 16
@@ -112,6 +141,7 @@ public:
     /// @return the size until now
     unsigned int setPrintfBufferSize(unsigned int size);
     unsigned int getPrintfBufferSize() const { return m_iPrintfBufferSize; }
+    /// @}
 
 private:
     QBLByteBuffer& append(const char* p, std::size_t length) {

@@ -174,6 +174,9 @@ struct QBLXSTypeRow;
 ///     types->getSqlColTypeCode("sqlVarChar");             // sqlVarChar
 class QBL_API QBLDBTypes {
 public:
+    /// @name The catalogue
+    /// @{
+
     /// The one catalogue of the process, made by the first call. It stays until the process ends.
     /// @throws QBLOutOfMemoryError, QBLThreadResourceError; a later call tries again
     static QBLDBTypes* get();
@@ -182,6 +185,10 @@ public:
 
     /// Fills the catalogue, which get() has done; another call changes nothing.
     void init();
+    /// @}
+
+    /// @name From one vocabulary to another
+    /// @{
 
     /// What a type becomes in another vocabulary; code 0 for a code that is in no table.
     XSType SqlColType2XSType(SqlColType type) const;
@@ -190,6 +197,10 @@ public:
     XSType QBLDBDatatype2XSType(QBLDBDatatype type) const;
     SqlColType XSType2SqlColType(XSType type) const;
     QBLDBDatatype XSType2QBLDBDatatype(XSType type) const;
+    /// @}
+
+    /// @name Names
+    /// @{
 
     /// @return a literal; null for a code that is in no table
     const char* getName(SqlColType type) const;
@@ -201,6 +212,7 @@ public:
     SqlColType getSqlColTypeCode(const char* name) const;
     QBLDBDatatype getQBLDBDatatypeCode(const char* name) const;
     XSType getXSTypeCode(const char* name) const;
+    /// @}
 
 private:
     QBLDBTypes() = default;

@@ -45,10 +45,17 @@ class I18NString;
 ///     if (QBLTypeCast::string2timestamp(&when, "2006-03-09 10:05") == QBLTypeCast::ok) use(when);
 class QBL_API QBLTypeCast {
 public:
+    /// @name Status
+    /// @{
+
     static constexpr long ok = 0;
     static constexpr long outOfRange = 8;
     static constexpr long badCharacter = 32;
     static constexpr long badForm = 528;
+    /// @}
+
+    /// @name Numbers and text
+    /// @{
 
     /// What strtod(3) reads: white space before it, hexadecimal numbers, "nan". All of the text has
     /// to be read; badForm if not. An empty text is 0.0. Infinity, also by its name, is outOfRange.
@@ -64,6 +71,10 @@ public:
     /// @return the status
     static long ascii2unsignedInteger(const void* context, const I18NString& text,
                                       unsigned long& value, long& status);
+    /// @}
+
+    /// @name From text to dates, times and intervals
+    /// @{
 
     /// badForm for whatever is not a date.
     static long string2date(const void* context, QBLDate2* value, const char* text);
@@ -74,6 +85,10 @@ public:
     /// Hours without days become days and the hours of a day.
     static long string2DTinterval(const void* context, QBLInterval2* value, const char* text);
     static long string2YMinterval(const void* context, QBLIntervalYM* value, const char* text);
+    /// @}
+
+    /// @name From dates, times and intervals to text
+    /// @{
 
     /// 2006-03-09
     static long date2string(const void* context, char* text, const QBLDate2* value);
@@ -92,6 +107,10 @@ public:
     /// -(1 6). Nothing but the sign where both years and months are below 0, which reads as
     /// badForm.
     static long ymInterval2string(const void* context, char* text, const QBLIntervalYM* value);
+    /// @}
+
+    /// @name From dates to time stamps and back
+    /// @{
 
     /// A date is at midnight. A displacement is 0 where there was none, and is dropped, with the
     /// local time as it was, where there is none. Fields are copied as they are.
@@ -103,6 +122,10 @@ public:
                                       const QBLTimestamp2* from);
     static long date2timestampTZ(const void* context, QBLTimestampTZ* to, const QBLDate2* from);
     static long timestampTZ2date(const void* context, QBLDate2* to, const QBLTimestampTZ* from);
+    /// @}
+
+    /// @name From counts to intervals
+    /// @{
 
     /// A count of units, carried over into greater ones: 90 minutes are 1 hour and 30 minutes.
     /// @param unit  DAY, HOUR, MINUTE or SECOND in any case, or their plurals with an S; any other
@@ -113,6 +136,10 @@ public:
     /// The same with YEAR or MONTH, or their plurals.
     static long int2YMinterval(const void* context, QBLIntervalYM* value, const long* count,
                                const char* unit);
+    /// @}
+
+    /// @name Parts of a text
+    /// @{
 
     /// Reads a date of exactly ten characters, without white space around it.
     /// @param leap  whether the year is a leap year
@@ -126,6 +153,10 @@ public:
     /// Reads a displacement of exactly six characters, "+05:30".
     /// @param displacement  as in QBLTimestampTZ; 0 unless it can be read
     static bool tzStringToTZDisplacement(const char* text, int& displacement);
+    /// @}
+
+    /// @name Without a context
+    /// @{
 
     // The same without a context.
 #define QBL_TYPE_CAST(operation, To, From) \
@@ -165,6 +196,7 @@ public:
     static long int2YMinterval(QBLIntervalYM* value, const long* count, const char* unit) {
         return int2YMinterval(nullptr, value, count, unit);
     }
+    /// @}
 };
 
 #endif

@@ -20,6 +20,9 @@
 ///     if (size.getValue(text, sizeof text)) show(text);
 class QBL_API QBLVariant {
 public:
+    /// @name Types and their sizes
+    /// @{
+
     enum QBLVariantType : unsigned int {
         QBLVariantUnknown,
         QBLVariantLong,
@@ -30,6 +33,10 @@ public:
     };
     /// By type, in bytes; of a string 0, as its length varies.
     static const unsigned long valueSizes[6];
+    /// @}
+
+    /// @name Making and copying
+    /// @{
 
     QBLVariant();
     QBLVariant(const QBLVariant& other);
@@ -37,17 +44,30 @@ public:
     /// Copies of a string as many characters as its size says, filled up with zeros.
     // NOLINTNEXTLINE(misc-unconventional-assign-operator): it has a virtual slot
     virtual QBLVariant& operator=(const QBLVariant& other);
+    /// @}
+
+    /// @name Comparing
+    /// @{
+
     /// Equal are values of the same type and size: numbers and pointers as such, strings by their
     /// characters up to a zero. One of no type equals any other of no type and its size, one of an
     /// unknown tag only itself.
     virtual bool operator==(const QBLVariant& other) const;
     virtual bool operator!=(const QBLVariant& other) const;
+    /// @}
+
+    /// @name Tag and size
+    /// @{
 
     unsigned long valueSize() const { return m_uSize; }
     unsigned long getValueSize() const { return m_uSize; }
     void setValueSize(unsigned long size) { m_uSize = size; }
     QBLVariantType getVarType() const { return m_type; }
     void setVarType(QBLVariantType type) { m_type = type; }
+    /// @}
+
+    /// @name Reading the value
+    /// @{
 
     /// Each stores the value if it has this very type; otherwise false, and the argument stays.
     bool getValue(long& value) const;
@@ -65,6 +85,10 @@ public:
     /// @return whether all fitted; of a string, whether as many bytes as its size says would, and a
     ///     zero, whatever its length
     bool getValue(char* buffer, unsigned long bufferSize) const;
+    /// @}
+
+    /// @name Setting the value
+    /// @{
 
     /// Each gives true.
     bool setValue(long value);
@@ -81,6 +105,7 @@ public:
 
     /// Frees a string, and makes the value zero. Type and size stay.
     void clear();
+    /// @}
 
 private:
     template <class Value>

@@ -23,6 +23,9 @@
 ///     for (int i = options.getOptInd(); i < argc; ++i) takeFile(argv[i]);
 class QBL_API QBLUtGetOpt {
 public:
+    /// @name Parsing
+    /// @{
+
     QBLUtGetOpt();
 
     /// Takes the next option. The words must stay as they are from call to call.
@@ -40,6 +43,10 @@ public:
     int getOpt(int argc, char** argv, const char* opts, const char** longOpt = nullptr) {
         return getOpt(argc, argv, const_cast<char*>(opts), longOpt);
     }
+    /// @}
+
+    /// @name Errors
+    /// @{
 
     /// Notes an error, and writes it to standard error unless that is switched off. What is written
     /// has one percent sign where the message has two in a row.
@@ -60,6 +67,10 @@ public:
     /// Whether the last error was an option without its argument; false for a letter that is no
     /// option, and before the first error.
     bool isArgumentMissing() const;
+    /// @}
+
+    /// @name The last option
+    /// @{
 
     /// The argument of the last option that takes one, part of the words; null before the first.
     char* getOptArg() const { return m_pOptArg; }
@@ -71,6 +82,7 @@ public:
     /// What followed the two dashes of the last long option, without them; empty before the first.
     /// As long as the object, up to the next one.
     const char* getLongOpt() const { return m_longOpt.c_str(); }
+    /// @}
 
 private:
     char* m_pOptArg;

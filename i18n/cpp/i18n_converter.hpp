@@ -55,6 +55,9 @@ struct I18NOutputCallbackContext {
 /// streaming keeps. Any number of threads may copy a converter that no thread changes.
 class QBL_API I18NConverter {
 public:
+    /// @name Making a converter
+    /// @{
+
     /// @param encoding  null or empty means UTF-8
     /// @throws I18NRuntimeError with I18N_ENCODING if there is no such encoding.
     /// @throws QBLOutOfMemoryError
@@ -66,9 +69,17 @@ public:
     ~I18NConverter();
     /// Assigns; a failure leaves this converter as it was.
     void create(const I18NConverter& other);
+    /// @}
+
+    /// @name Encoding
+    /// @{
 
     /// The name given to the constructor, or "UTF-8" for none; owned by the converter.
     const char* getEncoding() const { return m_outputContext.encoding; }
+    /// @}
+
+    /// @name Policies
+    /// @{
 
     int getBuiltInUnconvertibleInputSequenceCallback() const { return m_iInputPolicy; }
     int getBuiltInUnconvertibleOutputSequenceCallback() const { return m_iOutputPolicy; }
@@ -97,6 +108,10 @@ public:
     /// text stream treats both as lacking.
     void useFallback(bool on);
     bool usesFallback() const;
+    /// @}
+
+    /// @name Sizes
+    /// @{
 
     /// Bytes that so many UTF-16 code units need at most in the encoding, with a NUL. Escape
     /// sequences and replacements of the policies may need more. Ends at the limits of int.
@@ -114,6 +129,10 @@ public:
     /// @param length  in bytes; a NUL in the last place is not counted. Below 0 the text ends
     ///        with a NUL
     int getEffectiveBufferSize(const char* text, int length) const;
+    /// @}
+
+    /// @name From Unicode to bytes
+    /// @{
 
     /// @param size  of the destination, in bytes; what is no whole unit of the encoding is not
     ///        used. The NUL is written in any case, cut to this size if it is smaller. A size of
@@ -150,6 +169,10 @@ public:
     /// when nothing is left to be written.
     void fromUnicodeStream(char** destination, int* size, const void* source, int sourceSize,
                            I18NStringAllocator allocator = nullptr, void* context = nullptr) const;
+    /// @}
+
+    /// @name From bytes to Unicode
+    /// @{
 
     /// @param size  of the destination, in bytes; an odd byte is not used. The NUL is written
     ///        if there are two. Just two bytes take no text, and are no failure
@@ -171,6 +194,10 @@ public:
                          I18NStringAllocator allocator = nullptr, void* context = nullptr) const;
     /// Forgets what streaming to Unicode has left unfinished.
     void reset();
+    /// @}
+
+    /// @name What names tell
+    /// @{
 
     /// What can be told from a name alone. Letters count in either case, and null or empty is
     /// none of these, but for UTF-8.
@@ -189,11 +216,17 @@ public:
     /// under any of their names.
     static bool shouldUseBOM(const char* encoding);
     static bool shouldUseBOM(const I18NString& encoding);
+    /// @}
+
+    /// @name The process and its locales
+    /// @{
+
     /// Whether the internationalisation layer is initialised.
     static bool isInitialized();
     /// The usual encoding of a locale's text files, as of I18NInternalResources.
     /// @param encoding  receives its name
     static void getEncodingForLocale(I18NString& encoding, const I18NLocale& locale);
+    /// @}
 
 private:
     friend class I18NConverterAccess;

@@ -20,10 +20,17 @@ typedef struct I18NConverterOpaque* I18NConverterHandle;
 /// An I18NString*, which C can pass on.
 typedef struct I18NStringOpaque* I18NStringHandle;
 
+/// @name Making and freeing a converter
+/// @{
+
 /// @return a converter, for i18nConverterFree
 QBL_API I18NConverterHandle i18nConverterCreate(const char* encoding, I18NErrorCodes* error);
 /// Null is passed over.
 QBL_API void i18nConverterFree(I18NConverterHandle converter, I18NErrorCodes* error);
+/// @}
+
+/// @name Converting
+/// @{
 
 QBL_API void i18nConverterFromUnicode(I18NConverterHandle converter, char* destination, int size,
                                       const void* source, I18NErrorCodes* error);
@@ -46,6 +53,10 @@ QBL_API void i18nConverterFromUnicodeString(I18NConverterHandle converter, char*
 QBL_API void i18nConverterToUnicodeString(I18NConverterHandle converter,
                                           I18NStringHandle destination, const char* source,
                                           int length, I18NErrorCodes* error);
+/// @}
+
+/// @name Encoding and policies
+/// @{
 
 /// Owned by the converter.
 QBL_API const char* i18nConverterGetEncoding(I18NConverterHandle converter, I18NErrorCodes* error);
@@ -67,6 +78,10 @@ QBL_API void i18nConverterSetUserDefinedUnconvertibleInputSequenceCallback(
     I18NConverterHandle converter, I18NUserInputCallback callback, I18NErrorCodes* error);
 QBL_API void i18nConverterSetUserDefinedUnconvertibleOutputSequenceCallback(
     I18NConverterHandle converter, I18NUserOutputCallback callback, I18NErrorCodes* error);
+/// @}
+
+/// @name Sizes
+/// @{
 
 QBL_API int i18nConverterNumLegacyBytes(I18NConverterHandle converter, int codeUnits,
                                         I18NErrorCodes* error);
@@ -78,6 +93,7 @@ QBL_API int i18nConverterNumUnicodeCodePoints(I18NConverterHandle converter, int
                                               I18NErrorCodes* error);
 QBL_API int i18nConverterSizeofLegacyNull(I18NConverterHandle converter, I18NErrorCodes* error);
 QBL_API int i18nConverterSizeofUnicodeNull(I18NConverterHandle converter, I18NErrorCodes* error);
+/// @}
 
 #ifdef __cplusplus
 }

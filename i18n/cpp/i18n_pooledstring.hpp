@@ -46,6 +46,9 @@ class QBL_API I18NPooledString {
 public:
     class I18NPooledStringPool;
 
+    /// @name Making a holder
+    /// @{
+
     /// Holds the empty text, of no entry.
     I18NPooledString() noexcept = default;
     /// The text by its UTF-8 form: up to a zero in it, with U+FFFD for a surrogate without its
@@ -58,11 +61,19 @@ public:
         other.m_pEntry = nullptr;
     }
     ~I18NPooledString();
+    /// @}
+
+    /// @name Assigning
+    /// @{
 
     I18NPooledString& operator=(const I18NString& text);
     I18NPooledString& operator=(const char* utf8);
     I18NPooledString& operator=(const I18NPooledString& other);
     I18NPooledString& operator=(I18NPooledString&& other) noexcept;
+    /// @}
+
+    /// @name The text
+    /// @{
 
     /// The text, which stays while anybody holds it.
     const I18NString& getString() const;
@@ -73,6 +84,10 @@ public:
     friend bool operator!=(const I18NPooledString& a, const I18NPooledString& b) {
         return !(a == b);
     }
+    /// @}
+
+    /// @name Start and stop
+    /// @{
 
     /// Part of the start of the library, counted: gives the custodian its task if that has none.
     /// Neither this nor terminate() may be called by a task of the custodian.
@@ -82,10 +97,15 @@ public:
     /// The last one withdraws the task, waiting for a purge that is under way, and empties the
     /// pool. Does nothing when it has not been started.
     static void terminate();
+    /// @}
+
+    /// @name The pool
+    /// @{
 
     static I18NPooledStringPool& getPool();
     static void purge();
     static void dump(std::ostream& out);
+    /// @}
 
 private:
     friend class I18NPooledStringCustodian;
@@ -105,6 +125,9 @@ private:
 /// holder may be a look-up under way. Sums over INT_MAX are INT_MAX.
 class QBL_API I18NPooledString::I18NPooledStringPool {
 public:
+    /// @name Texts
+    /// @{
+
     /// The string of a text, which is added if it is not there. Each call counts as a holder, up to
     /// its releaseString().
     /// @param utf8  null is the empty text
@@ -117,6 +140,10 @@ public:
     ///     holder's string is the holder's to release
     /// @throws QBLIllegalArgumentError for one that is not of the pool
     void releaseString(const I18NString& string);
+    /// @}
+
+    /// @name Purge and dump
+    /// @{
 
     /// Removes the texts that nobody holds, after a dump to the file if that is asked for. A file
     /// that cannot be opened or written is reported on the standard error stream.
@@ -126,6 +153,10 @@ public:
     /// @param out  is written to under the locks: it must not use the pool
     /// @throws QBLOutOfMemoryError; what the stream throws if it was told to
     void dump(std::ostream& out);
+    /// @}
+
+    /// @name Counts
+    /// @{
 
     /// Texts in the pool.
     int count();
@@ -133,10 +164,15 @@ public:
     int size();
     /// The sum of their holders.
     int getTotalRefCount();
+    /// @}
+
+    /// @name Hash
+    /// @{
 
     /// The hash: the first byte sign-extended, and for each that follows hash * 38 + hash / 2^24 +
     /// the byte sign-extended, in 32 bits. 0 for null and for the empty text.
     static unsigned hashOf(const char* text);
+    /// @}
 
 private:
     friend class I18NPooledString;

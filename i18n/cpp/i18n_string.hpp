@@ -54,6 +54,9 @@ enum I18NNormalizationForms { I18N_NFC, I18N_NFD, I18N_NFKC, I18N_NFKD };
 /// may call those at a time, c_str() and toBytes() included.
 class QBL_API I18NString {
 public:
+    /// @name Making a string
+    /// @{
+
     explicit I18NString(I18NStringAllocator allocator = nullptr, void* context = nullptr);
     /// A copy has the allocator given here, not that of the original. Its text is the same, also if
     /// that is in another form.
@@ -90,6 +93,10 @@ public:
     void create(const Arguments&... arguments) {
         recreate(I18NString(arguments...));
     }
+    /// @}
+
+    /// @name Assigning
+    /// @{
 
     /// Keep the allocator that the string has, and whether it is normalised. A text that was
     /// brought to another form by normalize() stays in it.
@@ -100,6 +107,10 @@ public:
     I18NString& operator=(const wchar_t* text);
     I18NString& operator=(wchar_t c);
     I18NString& operator=(const I18NPooledString& text);
+    /// @}
+
+    /// @name Changing the text
+    /// @{
 
     I18NString& append(const I18NString& other);
     I18NString& append(const char* utf8);
@@ -129,6 +140,10 @@ public:
     I18NString& trimLeading(wchar_t c = L' ');
     I18NString& trimTrailing(wchar_t c = L' ');
     I18NString& trim(wchar_t c = L' ');
+    /// @}
+
+    /// @name Searching
+    /// @{
 
     /// @return the offset found; -1 when there is none. An empty text is found where the search
     ///     starts, if that is in the string.
@@ -152,6 +167,10 @@ public:
     I18NStringOffset findLastNotOf(const I18NString& set, I18NStringOffset start = -1) const;
     I18NStringOffset findLastNotOf(const wchar_t* set, I18NStringOffset start = -1) const;
     I18NStringOffset findLastNotOf(wchar_t c, I18NStringOffset start = -1) const;
+    /// @}
+
+    /// @name Lengths
+    /// @{
 
     bool empty() const { return nUnits() == 0; }
     /// Code units.
@@ -169,6 +188,10 @@ public:
     static int size(const wchar_t* text) { return I18NString(text).size(); }
     /// Deliberately always 0: how wide a text is shown was never settled.
     int displaySize() const { return 0; }
+    /// @}
+
+    /// @name Going through code points
+    /// @{
 
     /// The offset behind the code point at an offset; -1 unless that is in the string.
     I18NStringOffset incrementOffset(I18NStringOffset offset) const;
@@ -178,6 +201,10 @@ public:
     wchar_t codePointAt(I18NStringOffset offset) const;
     I18NStringIterator begin() const;
     I18NStringIterator end() const;
+    /// @}
+
+    /// @name Bytes in an encoding
+    /// @{
 
     /// The text in an encoding, with a zero of its width behind it. It belongs to the string and
     /// stays until the string is changed or destroyed; asked for again it is the same. What the
@@ -213,6 +240,10 @@ public:
     /// Frees a block of the default allocator and sets the pointer to null; a shared empty text
     /// stays.
     static void freeBuffer(char** block);
+    /// @}
+
+    /// @name Normalisation
+    /// @{
 
     /// Sets the contents to a normalisation form; does nothing but claim to where it is switched
     /// off.
@@ -222,11 +253,19 @@ public:
     void useNormalization(bool use);
     /// Whether the contents are known to be in normalisation form C.
     bool isNormalized() const { return hasFlag(kI18NNormalized); }
+    /// @}
+
+    /// @name How the text is kept
+    /// @{
 
     /// While true every new string is kept in UTF-16, for the whole process.
     static void setForceUnicodeString(bool force);
     static bool isForceUnicodeString();
     bool isUsingAsciiBuffer() const;
+    /// @}
+
+    /// @name Buffers of the caller
+    /// @{
 
     /// Makes a caller's UTF-16 buffer the string's own: with the text that is in it, up to a zero,
     /// and in its place from then on. The unit behind the text is made a zero, at the latest the
@@ -246,6 +285,10 @@ public:
     /// Gives the string a buffer that has just room for its text.
     /// @throws I18NRuntimeError -7 for a string with a caller's buffer, which it lets go of
     void resizeExternalBuffer();
+    /// @}
+
+    /// @name LIKE patterns
+    /// @{
 
     /// Whether the whole text matches an SQL LIKE pattern: "%" stands for any text, "_" for one
     /// code point, and after the escape character both, and that character, for themselves.
@@ -262,6 +305,10 @@ public:
     /// A pattern made ready, to be freed by deletePatternCode().
     static I18NPatternCode* getPatternCode(const I18NString& pattern, wchar_t escape = 0);
     static void deletePatternCode(I18NPatternCode* code);
+    /// @}
+
+    /// @name UTF-16, UTF-8 and ICU
+    /// @{
 
     /// The ICU string with the contents, which the string leaves ASCII for. It is valid until the
     /// next change, which is not to be made through it.
@@ -269,6 +316,10 @@ public:
 
     std::u16string toUtf16() const;
     std::string toUtf8() const;
+    /// @}
+
+    /// @name Comparing
+    /// @{
 
     /// Negative, 0 or positive as this is before, equal to or behind the other.
     int compare(const I18NString& other) const;
@@ -289,10 +340,15 @@ public:
     friend bool operator==(const char* a, const I18NString& b) { return b.compare(a) == 0; }
     friend bool operator!=(const I18NString& a, const char* b) { return a.compare(b) != 0; }
     friend bool operator!=(const char* a, const I18NString& b) { return b.compare(a) != 0; }
+    /// @}
+
+    /// @name Locks of conversions
+    /// @{
 
     /// The lock that conversions of the string at an address are made under; 64 locks serve all.
     static int getIndexFromPtr(const void* string);
     static QBLThreadCriticalSection& getLockFromPtr(const void* string);
+    /// @}
 
 private:
     enum Flags : unsigned char {

@@ -92,6 +92,9 @@ enum I18NByteOrderMark {
 /// Threads: one at a time.
 class QBL_API I18NTextStream {
 public:
+    /// @name Making a stream
+    /// @{
+
     /// @param from  of the bytes put in; null if UTF-16 is
     /// @param to  of the bytes that come out; null if UTF-16 is to. The stream copies both, with
     ///        their policies and without what they have left unfinished
@@ -104,6 +107,10 @@ public:
     ~I18NTextStream();
     I18NTextStream(const I18NTextStream&) = delete;
     I18NTextStream& operator=(const I18NTextStream&) = delete;
+    /// @}
+
+    /// @name Converting
+    /// @{
 
     /// Converts the next block. The output is that of this call alone.
     /// @param block  null if the size is 0
@@ -123,6 +130,10 @@ public:
     /// @throws QBLIllegalStateError unless called within unconvertible() for output that is not a
     ///         best fit; I18NRuntimeError with I18N_ARGUMENT if the text is null or too long
     void replaceBy(const char16_t* units, std::size_t count);
+    /// @}
+
+    /// @name Output
+    /// @{
 
     /// The output of the last put() or finish(), until the next one. Bytes if there is a converter
     /// for them, else text; the other pair gives null and 0. It does not end with a NUL.
@@ -130,6 +141,10 @@ public:
     std::size_t getByteCount() const;
     const char16_t* getText() const;
     std::size_t getTextLength() const;
+    /// @}
+
+    /// @name Counts and places
+    /// @{
 
     /// What has been replaced or dropped since the start, as often as the listener was told; what
     /// ended the stream does not count.
@@ -144,6 +159,7 @@ public:
     /// The name of the input's encoding, by its mark if that is to choose and has come; null for
     /// UTF-16. Owned by the stream, until the next put() or finish().
     const char* getInputEncoding() const;
+    /// @}
 
 private:
     I18NTextStreamState* m_pState;
