@@ -3,6 +3,7 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
+/// @file
 /// Advisory locks over whole files, between processes: the record locks of fcntl(2) in POSIX. They
 /// do not exclude threads of one process from each other, and a process loses its lock when it
 /// closes any descriptor of the file.

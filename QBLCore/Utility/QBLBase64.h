@@ -3,6 +3,7 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
+/// @file
 /// Base64 in two alphabets: the standard one of RFC 4648, and one for URLs that is NOT the RFC's:
 /// its last two characters are `_` and `~`, where the RFC has `-` and `_`. Both pad with `=`.
 ///

@@ -5,6 +5,7 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
+/// @file
 /// Numbers between this host's order of bytes and the network's, which is big-endian: "h" is the
 /// host, "n" the network, "l" is 32 bits and "s" is 16.
 ///

@@ -3,6 +3,7 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
+/// @file
 /// Squishing: a text becomes a compact token with a checksum that can stand in a URL.
 ///
 /// A token is Base64 in the alphabet of QBLBase64URLEncode(), whose last two characters are `_` and

@@ -5,6 +5,7 @@
 #include "i18n/cpp/i18n_allocator.h"
 #include "i18n/cpp/i18n_converter_types.h"
 
+/// @file
 /// I18NConverter for C. Each function does what the operation of the same name does; see there
 /// for what is not said here. The last parameter receives I18N_OK or what failed, and may be
 /// null: an I18NErrorCodes of the operation, I18N_UNEXPECTED for anything else, exhausted memory

@@ -6,6 +6,7 @@
 #include "QBLCore/Frame/QBLExport.h"
 #include "i18n/cpp/i18n_converter.hpp"
 
+/// @file
 /// The five policies as ICU knows them, for programs that install them in ICU converters of their
 /// own. The context of the lookup and the user-defined ones is an I18NInputCallbackContext or
 /// I18NOutputCallbackContext that lives as long as the converter; the others take what ICU's own

@@ -3,6 +3,7 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
+/// @file
 /// Which encodings there are converters for, and what they are called.
 ///
 /// Threads: any thread may call any of these at any time.

@@ -7,6 +7,7 @@
 extern "C" {
 #endif
 
+/// @file
 /// Functions over UTF-16 text that ends with a zero unit, in the machine's byte order, at any
 /// address. Sizes are in bytes, lengths in code units. A target must have room for what it gets:
 /// nothing can be checked. Text beyond 1,073,741,822 units, whose size would not fit an int, is

@@ -3,6 +3,7 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
+/// @file
 /// Threads: any thread may call any of these at any time.
 
 #ifdef __cplusplus
