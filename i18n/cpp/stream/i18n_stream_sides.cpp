@@ -32,11 +32,11 @@ constexpr std::size_t kPortion = 0x1000;
 constexpr char16_t kNoCharacter = 0xFFFF;
 
 I18NProgress progressOf(UErrorCode status, bool refused) {
-    if (U_SUCCESS(status)) return I18NProgress::Done;
-    if (status == U_BUFFER_OVERFLOW_ERROR) return I18NProgress::Full;
+    if (U_SUCCESS(status)) return I18NProgress::kDone;
+    if (status == U_BUFFER_OVERFLOW_ERROR) return I18NProgress::kFull;
     if (status == U_MEMORY_ALLOCATION_ERROR) qblThrowNoMemory(QBL_HERE);
     if (!refused) QBL_THROW(I18NRuntimeError(I18N_UNEXPECTED, nullptr));
-    return I18NProgress::Refused;
+    return I18NProgress::kRefused;
 }
 
 bool isAboutText(UConverterCallbackReason reason) { return reason <= UCNV_IRREGULAR; }
@@ -78,9 +78,9 @@ bool dependsOnPortions(const UConverter* icu) {
 
 I18NStreamForm formOf(const UConverter* icu) {
     const UConverterType type = ucnv_getType(icu);
-    if (type == UCNV_UTF8) return I18NStreamForm::UTF8;
-    if (type != UCNV_UTF16_LittleEndian) return I18NStreamForm::Other;
-    return isMarkedUTF16(icu) ? I18NStreamForm::Other : I18NStreamForm::UTF16;
+    if (type == UCNV_UTF8) return I18NStreamForm::kUTF8;
+    if (type != UCNV_UTF16_LittleEndian) return I18NStreamForm::kOther;
+    return isMarkedUTF16(icu) ? I18NStreamForm::kOther : I18NStreamForm::kUTF16;
 }
 
 // UTF-16 in the machine's order, which is the little-endian one.
@@ -152,20 +152,20 @@ void I18NStreamInput::listen() {
 
 I18NProgress I18NStreamInput::decode(const char*& at, const char* end, bool flush, char16_t*& text,
                                      const char16_t* limit) {
-    I18NProgress progress = I18NProgress::Done;
-    if (m_form == I18NStreamForm::Other && !m_bByteByByte)
+    I18NProgress progress = I18NProgress::kDone;
+    if (m_form == I18NStreamForm::kOther && !m_bByteByByte)
         return decodeByICU(at, end, flush, text, limit);
     if (m_bByteByByte) {
-        while (at != end && progress == I18NProgress::Done)
+        while (at != end && progress == I18NProgress::kDone)
             progress = decodeByICU(at, at + 1, false, text, limit);
-        if (progress != I18NProgress::Done || !flush) return progress;
+        if (progress != I18NProgress::kDone || !flush) return progress;
         return decodeByICU(at, end, true, text, limit);
     }
     do {
         if (!m_bUnfinished) {
             const char* const begin = at;
             const char16_t* const textBegin = text;
-            if (m_form == I18NStreamForm::UTF8)
+            if (m_form == I18NStreamForm::kUTF8)
                 i18nDecodeWellFormedUTF8(at, end, text, limit);
             else
                 copyWellFormed(at, end, text, limit);
@@ -176,8 +176,8 @@ I18NProgress I18NStreamInput::decode(const char*& at, const char* end, bool flus
         progress = decodeByICU(at, piece, flush && piece == end, text, limit);
         UErrorCode status = U_ZERO_ERROR;
         m_bUnfinished =
-            progress != I18NProgress::Done || ucnv_toUCountPending(m_pICU, &status) != 0;
-    } while (progress == I18NProgress::Done && at != end);
+            progress != I18NProgress::kDone || ucnv_toUCountPending(m_pICU, &status) != 0;
+    } while (progress == I18NProgress::kDone && at != end);
     return progress;
 }
 
@@ -298,8 +298,8 @@ I18NProgress I18NStreamOutput::encodeAroundLost(const char16_t* text, const char
         length = isPair ? 2 : 1;
         if (isLone ? U16_IS_LEAD(*at) && at + 1 == end : !m_mappings.isLost(at, length)) continue;
         I18NProgress progress = encodePieces(text, at, false, bytes);
-        if (progress == I18NProgress::Done) progress = treatLost(at, length, bytes);
-        if (progress != I18NProgress::Done) return progress;
+        if (progress == I18NProgress::kDone) progress = treatLost(at, length, bytes);
+        if (progress != I18NProgress::kDone) return progress;
         text = at + length;
     }
     return encodePieces(text, end, flush, bytes);
@@ -326,15 +326,15 @@ I18NProgress I18NStreamOutput::treatLost(const char16_t* units, int length,
 
 I18NProgress I18NStreamOutput::encodePieces(const char16_t* text, const char16_t* end, bool flush,
                                             I18NStreamBuffer& bytes) {
-    I18NProgress progress = I18NProgress::Done;
+    I18NProgress progress = I18NProgress::kDone;
     do {
         bytes.reserve(static_cast<std::size_t>(end - text) * m_iMaxBytes + kSlack);
         const char16_t* piece = end;
-        if (m_form != I18NStreamForm::Other) {
+        if (m_form != I18NStreamForm::kOther) {
             if (!m_bUnfinished) {
                 const char16_t* const begin = text;
                 char* to = bytes.end();
-                if (m_form == I18NStreamForm::UTF8)
+                if (m_form == I18NStreamForm::kUTF8)
                     i18nEncodeWellFormedUTF8(text, end, to);
                 else
                     copyWellFormed(text, end, to);
@@ -344,8 +344,8 @@ I18NProgress I18NStreamOutput::encodePieces(const char16_t* text, const char16_t
             piece = text + std::min(end - text, kPiece);
         }
         progress = encodeByICU(text, piece, flush && piece == end, bytes);
-        m_bUnfinished = progress != I18NProgress::Done || undecided() != 0;
-    } while (progress == I18NProgress::Full || (progress == I18NProgress::Done && text != end));
+        m_bUnfinished = progress != I18NProgress::kDone || undecided() != 0;
+    } while (progress == I18NProgress::kFull || (progress == I18NProgress::kDone && text != end));
     return progress;
 }
 
@@ -367,11 +367,11 @@ I18NProgress I18NStreamOutput::settle(UErrorCode status) {
 }
 
 void I18NStreamOutput::shiftBack(I18NStreamBuffer& bytes) {
-    static const char16_t none = 0;
-    const char16_t* text = &none;
+    static const char16_t kNone = 0;
+    const char16_t* text = &kNone;
     m_bLeavesOut = true;
     do bytes.reserve(kSlack);
-    while (encodeByICU(text, &none, true, bytes) == I18NProgress::Full);
+    while (encodeByICU(text, &kNone, true, bytes) == I18NProgress::kFull);
 }
 
 int I18NStreamOutput::undecided() const {

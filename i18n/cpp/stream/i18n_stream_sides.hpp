@@ -51,13 +51,13 @@ protected:
 };
 
 enum class I18NProgress {
-    Done,    ///< all was taken
-    Full,    ///< there is more; call again
-    Refused  ///< by the policy, of which the last finding tells
+    kDone,    ///< all was taken
+    kFull,    ///< there is more; call again
+    kRefused  ///< by the policy, of which the last finding tells
 };
 
 /// What is converted without ICU as far as it is well-formed.
-enum class I18NStreamForm { UTF8, UTF16, Other };
+enum class I18NStreamForm { kUTF8, kUTF16, kOther };
 
 /// Bytes that grow and are used again.
 class I18NStreamBuffer {
@@ -116,7 +116,7 @@ private:
     UConverterToUCallback m_policy = nullptr;
     const void* m_pPolicyContext = nullptr;
     bool m_bRefused = false;
-    I18NStreamForm m_form = I18NStreamForm::Other;
+    I18NStreamForm m_form = I18NStreamForm::kOther;
     bool m_bByteByByte = false;
     bool m_bUnfinished = false;  // ICU keeps something
     // Of the unit behind a lone surrogate ICU may keep a byte that it does not count as waiting.

@@ -77,7 +77,7 @@ void I18NTextStreamState::put(const char16_t* units, std::size_t count) {
     while (count > 0) {
         const auto piece = std::min(count, static_cast<std::size_t>(m_text + kText - room()));
         std::memcpy(room(), units, piece * sizeof *units);
-        passOn(piece, Ending::None);
+        passOn(piece, Ending::kNone);
         units += piece;
         count -= piece;
     }
@@ -90,7 +90,7 @@ void I18NTextStreamState::finish() {
     if (m_pInput != nullptr)
         decode(m_mark, m_mark, true);
     else
-        passOn(0, Ending::Text);
+        passOn(0, Ending::kText);
 }
 
 const char* I18NTextStreamState::inputEncoding() const {
@@ -123,15 +123,15 @@ void I18NTextStreamState::chooseByMark() {
 }
 
 void I18NTextStreamState::decode(const char* at, const char* end, bool flush) {
-    I18NProgress progress = I18NProgress::Full;
-    while (progress == I18NProgress::Full || at != end) {
+    I18NProgress progress = I18NProgress::kFull;
+    while (progress == I18NProgress::kFull || at != end) {
         const char* const slice = end - at > kSlice ? at + kSlice : end;
         const bool isLast = flush && slice == end;
         char16_t* text = room();
         progress = m_pInput->decode(at, slice, isLast, text, m_text + kText);
-        Ending ending = Ending::None;
-        if (progress == I18NProgress::Refused) ending = Ending::Refusal;
-        if (progress == I18NProgress::Done && isLast) ending = Ending::Text;
+        Ending ending = Ending::kNone;
+        if (progress == I18NProgress::kRefused) ending = Ending::kRefusal;
+        if (progress == I18NProgress::kDone && isLast) ending = Ending::kText;
         passOn(static_cast<std::size_t>(text - room()), ending);
     }
 }
@@ -155,9 +155,9 @@ void I18NTextStreamState::passOn(std::size_t units, Ending ending) {
         bool isOver = false;
         do {
             const std::size_t part = portion(units, ending);
-            isOver = ending != Ending::None && part == units;
+            isOver = ending != Ending::kNone && part == units;
             // Bytes that become no text are told at once if no text waits in front of them.
-            if (part > 0 || isOver || units == 0) convert(part, isOver ? ending : Ending::None);
+            if (part > 0 || isOver || units == 0) convert(part, isOver ? ending : Ending::kNone);
             units -= part;
             m_iHeld = units;
             keepUndecided();
@@ -173,7 +173,7 @@ void I18NTextStreamState::passOn(std::size_t units, Ending ending) {
 std::size_t I18NTextStreamState::portion(std::size_t units, Ending ending) const {
     if (m_pOutput == nullptr || areTooManyWaiting()) return units;
     const std::size_t part = m_pOutput->portion(m_text + m_iKept, units);
-    return part == 0 && ending != Ending::None ? units : part;
+    return part == 0 && ending != Ending::kNone ? units : part;
 }
 
 bool I18NTextStreamState::areTooManyWaiting() const {
@@ -186,14 +186,14 @@ void I18NTextStreamState::convert(std::size_t units, Ending ending) {
     while (true) {
         const bool isEnd = m_iKept == end;
         // What may be half of a pair comes first; it is decided with the next text.
-        const bool isOpen = ending == Ending::None && m_iKept > 0 &&
+        const bool isOpen = ending == Ending::kNone && m_iKept > 0 &&
                             i18nIsHigh(m_text[m_iKept - 1]) && !areTooManyWaiting();
         tellInputs(m_iStart + static_cast<std::int64_t>(m_iKept) - (isOpen ? 1 : 0),
-                   isEnd && ending == Ending::Refusal);
+                   isEnd && ending == Ending::kRefusal);
         if (isEnd) break;
         encode(nextFinding(end), false);
     }
-    if (ending == Ending::Text) encode(end, true);
+    if (ending == Ending::kText) encode(end, true);
 }
 
 /// Where the next piece ends; not between what may be the halves of a pair.
@@ -214,7 +214,7 @@ void I18NTextStreamState::encode(std::size_t end, bool flush) {
     const std::size_t units = end - m_iKept;
     if (m_pOutput == nullptr)
         m_result.append(text, units * sizeof *text);
-    else if (m_pOutput->encode(text, text + units, flush, m_result) == I18NProgress::Refused) {
+    else if (m_pOutput->encode(text, text + units, flush, m_result) == I18NProgress::kRefused) {
         --m_iReplacedOutput;
         refuse(described(m_pOutput->lastFinding()));
     }

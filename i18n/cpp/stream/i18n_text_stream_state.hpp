@@ -30,7 +30,7 @@ public:
     const char* inputEncoding() const;
 
 private:
-    enum class Ending { None, Text, Refusal };
+    enum class Ending { kNone, kText, kRefusal };
 
     void begin(bool fits);
     void decode(const char* at, const char* end, bool flush);
