@@ -89,7 +89,7 @@ public:
 
     bool waitUntilBegun() { return qblHasBegun(*this, m_began); }
 
-    QBLListIterator<WorkerThread*> m_place;  // among the living; guarded by the pool's mutex
+    QBLListIterator<WorkerThread*> place;  // among the living; guarded by the pool's mutex
 
 private:
     // One turn: false when no task came in time. Nulls come out of the queue after all tasks.
@@ -218,7 +218,7 @@ void QBLThreadPoolVariable::addWorker() {
         throw;
     }
     ++m_workerCount;
-    worker->m_place = --m_living.end();
+    worker->place = --m_living.end();
     m_living.back() = worker.release();
 }
 
@@ -242,7 +242,7 @@ bool QBLThreadPoolVariable::leave(WorkerThread& worker, bool mayStay) {
         ++m_workerCount;
         return false;
     }
-    m_dead.splice(m_dead.end(), m_living, worker.m_place);
+    m_dead.splice(m_dead.end(), m_living, worker.place);
     m_someDead = true;
     return true;
 }
