@@ -16,15 +16,15 @@ int tavReadAttributes(const TavAttrKind& kind, va_list list, TavAttributes& read
         }
         read.given |= 1U << tag;
         switch (kind.tags[tag].value) {
-            case TavAttrValue::None:
+            case TavAttrValue::kNone:
                 break;
-            case TavAttrValue::TraceObj:
+            case TavAttrValue::kTraceObj:
                 read.traceObj = va_arg(list, void*);
                 break;
-            case TavAttrValue::CancelFlag:
+            case TavAttrValue::kCancelFlag:
                 read.cancelFlag = va_arg(list, int*);
                 break;
-            case TavAttrValue::StackSize:
+            case TavAttrValue::kStackSize:
                 read.stackSize = va_arg(list, unsigned);
                 break;
         }

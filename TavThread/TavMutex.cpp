@@ -11,9 +11,9 @@
 namespace {
 
 constexpr TavAttrTag kTags[] = {TAV_BASIC_ATTR_TAGS,
-                                {"Recursive", " RECURSIVE", TavAttrValue::None},
-                                {"TrackOwner", " TRACK OWNER", TavAttrValue::None},
-                                {"Flag6", nullptr, TavAttrValue::None}};
+                                {"Recursive", " RECURSIVE", TavAttrValue::kNone},
+                                {"TrackOwner", " TRACK OWNER", TavAttrValue::kNone},
+                                {"Flag6", nullptr, TavAttrValue::kNone}};
 constexpr int kLooks = 4;    // at a mutex that is taken
 constexpr int kPauses = 12;  // before the first, twice as many before each next
 constexpr TavAttrKind kKind = {"TavMutexAttr", kTags, 7};

@@ -45,7 +45,7 @@ TavThread* adopt() {
     if (thread == nullptr) return nullptr;
     thread->handle.store(pthread_self(), std::memory_order_relaxed);
     thread->mark(kTavThreadAdopted);
-    thread->joinable.store(TavJoinable::Adopted, std::memory_order_relaxed);
+    thread->joinable.store(TavJoinable::kAdopted, std::memory_order_relaxed);
     thread->generation = g_generation.load(std::memory_order_relaxed);
     thread->reason.store(TavThreadExitAlive, std::memory_order_relaxed);
     thread->state.store(TavThreadStateRunning, std::memory_order_release);

@@ -8,12 +8,12 @@
 namespace {
 
 constexpr TavAttrTag kTags[] = {TAV_BASIC_ATTR_TAGS,
-                                {"TraceObjInheritable", " INHERITABLE", TavAttrValue::None},
-                                {"CancelFlag", " CANCEL FLAG", TavAttrValue::CancelFlag},
-                                {"CancelFlagInheritable", " INHERITABLE", TavAttrValue::None},
-                                {"Suspended", " SUSPENDED", TavAttrValue::None},
-                                {"Detached", " DETACHED", TavAttrValue::None},
-                                {"StackSize", " STACK SIZE", TavAttrValue::StackSize}};
+                                {"TraceObjInheritable", " INHERITABLE", TavAttrValue::kNone},
+                                {"CancelFlag", " CANCEL FLAG", TavAttrValue::kCancelFlag},
+                                {"CancelFlagInheritable", " INHERITABLE", TavAttrValue::kNone},
+                                {"Suspended", " SUSPENDED", TavAttrValue::kNone},
+                                {"Detached", " DETACHED", TavAttrValue::kNone},
+                                {"StackSize", " STACK SIZE", TavAttrValue::kStackSize}};
 constexpr TavAttrKind kKind = {"TavThreadAttr", kTags, 10};
 constexpr unsigned kLeastStack = 16384;
 
@@ -124,10 +124,10 @@ void trace(TavThread** out, const TavThread& thread, const TavAttributes& attrs,
                          "%stavThreadCreate( routine:%x, arg:%x, threadP:%x=%x(%d)%s )", "[S]",
                          tavTraceHex(reinterpret_cast<const void*>(thread.routine)),
                          tavTraceHex(thread.arg), tavTraceHex(out), tavTraceHex(&thread), number,
-                         TavAttributeText(kKind, TavAttributeText::Call, list).text());
+                         TavAttributeText(kKind, TavAttributeText::kCall, list).text());
     if (attrs.syntaxTraced())
         tavThreadTraceOutput(traceObj, TavTraceSyntax, "CREATE THREAD %d%s;", number,
-                             TavAttributeText(kKind, TavAttributeText::Syntax, list).text());
+                             TavAttributeText(kKind, TavAttributeText::kSyntax, list).text());
 }
 
 int create(void* (*routine)(void*), void* arg, TavThread** out, va_list list, va_list again) {
@@ -141,7 +141,7 @@ int create(void* (*routine)(void*), void* arg, TavThread** out, va_list list, va
     if (thread == nullptr) return rc;
     thread->routine = routine;
     thread->arg = arg;
-    if (detached) thread->joinable.store(TavJoinable::Detached, std::memory_order_relaxed);
+    if (detached) thread->joinable.store(TavJoinable::kDetached, std::memory_order_relaxed);
     inherit(*thread, attrs);
     thread->reason.store(TavThreadExitAlive, std::memory_order_relaxed);
     thread->state.store(TavThreadStateRunning, std::memory_order_relaxed);
@@ -183,8 +183,8 @@ int tavXThreadDestroy(TavThread* thread) {
     if (thread->has(kTavThreadAdopted))
         return thread == tavThreadPeek() ? tavXThreadTerminate() : TAVTHREAD_ERROR;
     int rc = TAVTHREAD_OK;
-    TavJoinable joinable = TavJoinable::Yes;
-    if (thread->joinable.compare_exchange_strong(joinable, TavJoinable::Detached))
+    TavJoinable joinable = TavJoinable::kYes;
+    if (thread->joinable.compare_exchange_strong(joinable, TavJoinable::kDetached))
         rc = tavThread_MapError(pthread_detach(thread->handle.load(std::memory_order_relaxed)));
     tavThreadRelease(thread);
     return rc;
@@ -195,14 +195,14 @@ int tavXThreadJoin(TavThread* thread, void** value) {
     if (thread == nullptr) return TAVTHREAD_ERROR;
     const pthread_t handle = thread->handle.load(std::memory_order_relaxed);
     if (thread->has(kTavThreadAdopted) || thread == tavThreadPeek()) return TAVTHREAD_DEADLOCK;
-    TavJoinable joinable = TavJoinable::Yes;
-    if (!thread->joinable.compare_exchange_strong(joinable, TavJoinable::Joined))
+    TavJoinable joinable = TavJoinable::kYes;
+    if (!thread->joinable.compare_exchange_strong(joinable, TavJoinable::kJoined))
         return TAVTHREAD_ERROR;
     // A join that fails, or whose caller is cancelled, leaves the thread to be joined.
     struct Claim {
         TavThread* thread;
         ~Claim() {
-            if (thread != nullptr) thread->joinable.store(TavJoinable::Yes);
+            if (thread != nullptr) thread->joinable.store(TavJoinable::kYes);
         }
     } claim{thread};
     void* result = nullptr;

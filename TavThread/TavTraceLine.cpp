@@ -12,8 +12,10 @@ namespace {
 // search finds. Volatile, because a compiler may hold two functions of different names for
 // different addresses.
 using Output = void (*)(void*, unsigned long, const char*, ...);
+// NOLINTBEGIN(readability-identifier-naming): volatile, so the compiler knows no constant here
 volatile const Output g_output = &tavThreadTraceOutput;
 volatile const Output g_builtIn = &tavThreadTraceOutputBuiltIn;
+// NOLINTEND(readability-identifier-naming)
 
 }  // namespace
 
@@ -25,20 +27,20 @@ TavAttributeText::TavAttributeText(const TavAttrKind& kind, Form form, va_list l
     va_copy(args, list);
     for (int tag = va_arg(args, int); tag > 0 && tag < kind.count; tag = va_arg(args, int)) {
         const TavAttrTag& known = kind.tags[tag];
-        if (form == Call)
+        if (form == kCall)
             add(", %s%s", kind.prefix, known.name);
         else if (known.syntax != nullptr)
             add("%s%s", m_uLength > 0 ? "," : "", known.syntax);
         switch (known.value) {
-            case TavAttrValue::None:
+            case TavAttrValue::kNone:
                 break;
-            case TavAttrValue::TraceObj:
+            case TavAttrValue::kTraceObj:
                 add(" %0x", tavTraceHex(va_arg(args, void*)));
                 break;
-            case TavAttrValue::CancelFlag:
+            case TavAttrValue::kCancelFlag:
                 static_cast<void>(va_arg(args, int*));
                 break;
-            case TavAttrValue::StackSize:
+            case TavAttrValue::kStackSize:
                 static_cast<void>(va_arg(args, unsigned));
                 break;
         }

@@ -27,18 +27,18 @@ inline bool qblIsAbsence(int error) {
     }
 }
 
-enum class QBLFileLook { There, NotThere, NotSeen };
+enum class QBLFileLook { kThere, kNotThere, kNotSeen };
 
 /// Looks for a regular file that we may read.
 /// @throws std::bad_alloc when the system had no memory to look
 inline QBLFileLook qblLookForFile(const char* path) {
     QBLFileStatus status;
     if (status.get(path)) {
-        if (!status.isRegular()) return QBLFileLook::NotThere;
-        if (faccessat(AT_FDCWD, path, R_OK, AT_EACCESS) == 0) return QBLFileLook::There;
+        if (!status.isRegular()) return QBLFileLook::kNotThere;
+        if (faccessat(AT_FDCWD, path, R_OK, AT_EACCESS) == 0) return QBLFileLook::kThere;
     }
     if (errno == ENOMEM) throw std::bad_alloc();
-    return qblIsAbsence(errno) ? QBLFileLook::NotThere : QBLFileLook::NotSeen;
+    return qblIsAbsence(errno) ? QBLFileLook::kNotThere : QBLFileLook::kNotSeen;
 }
 
 #endif

@@ -7,9 +7,9 @@
 /// alive, and a program call the library from its own last destructors, when the process ends.
 template <class T>
 T& qblImmortal() {
-    alignas(T) static unsigned char place[sizeof(T)];
-    static T& one = *new (place) T;
-    return one;
+    alignas(T) static unsigned char s_place[sizeof(T)];
+    static T& s_one = *new (s_place) T;
+    return s_one;
 }
 
 #endif

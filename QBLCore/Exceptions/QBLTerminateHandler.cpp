@@ -36,9 +36,9 @@ void write(const char* text) { std::fprintf(stderr, "%s\n", text != nullptr ? te
 
 void qblInstallTerminateHandler() {
     // Once: a handler that another has been put before, and that it calls, would call that again.
-    static const bool installed = [] {
+    static const bool kInstalled = [] {
         g_previous = std::set_terminate(report);
         return true;
     }();
-    static_cast<void>(installed);
+    static_cast<void>(kInstalled);
 }

@@ -52,9 +52,9 @@ constexpr bool qblEndsInText(const char* source) {
 }
 
 /// A condition of a QBL_ASSERT that is one.
-template <bool isCondition>
+template <bool kIsCondition>
 struct QBLAssertHolds {
-    static_assert(isCondition, "a text always holds: QBL_ASSERT_NAMED takes it after a condition");
+    static_assert(kIsCondition, "a text always holds: QBL_ASSERT_NAMED takes it after a condition");
 };
 
 /// The condition of a QBL_ASSERT_NAMED.

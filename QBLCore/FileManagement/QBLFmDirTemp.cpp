@@ -55,14 +55,14 @@ bool createTemp(const char* basePath, const char* prefix, std::string& result, c
     return made;
 }
 
-template <mode_t mode>
+template <mode_t kMode>
 bool makeDir(const char* path) {
-    return mkdir(path, mode) == 0;
+    return mkdir(path, kMode) == 0;
 }
 
-template <mode_t mode>
+template <mode_t kMode>
 bool makeFile(const char* path) {
-    const int fd = open64(path, O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, mode);
+    const int fd = open64(path, O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, kMode);
     return fd >= 0 && ::close(fd) == 0;
 }
 

@@ -73,9 +73,9 @@ protected:
             auto* data = static_cast<QBLListDataNode<T>*>(const_cast<QBLListNode<T>*>(node));
             return *data->QBLListDataNode<T>::getData();
         }
-        static thread_local T none{};
-        none = T();
-        return none;
+        static thread_local T t_none{};
+        t_none = T();
+        return t_none;
     }
 };
 

@@ -42,7 +42,7 @@
 // erased at its end), or gone. Only a Turn of the thread moves jobs to m_tasks.
 //
 // Memory order: all is under the two locks or that of Shared, except:
-//   m_ulSchedule   is stored before m_taskLock is taken and the wait is woken, so a wait sees it.
+//   schedule     is stored before m_taskLock is taken and the wait is woken, so a wait sees it.
 //   wanted       is a hint. Who reads it has m_jobLock, and who clears it too: so a caller that
 //                sees it set waits before the thread has the lock, and the thread's Turn wakes it.
 //   a task's place in m_tasks during a pass: null is stored and loaded relaxed. It says nothing
@@ -67,9 +67,9 @@ struct Shared {
     QBLThreadCriticalSection m_globallock{0};
     QBLThreadConditionVariable changed;  // for waits until there are no users, or no stop
     QBLCustodian* m_Custodian QBL_GUARDED_BY(m_globallock) = nullptr;
-    std::atomic<unsigned long> m_ulSchedule{kFirstSchedule};  // changes under m_globallock
-    unsigned long process QBL_GUARDED_BY(m_globallock) = 0;   // that has the custodian's thread
-    int users QBL_GUARDED_BY(m_globallock) = 0;               // calls that use the custodian
+    std::atomic<unsigned long> schedule{kFirstSchedule};     // changes under m_globallock
+    unsigned long process QBL_GUARDED_BY(m_globallock) = 0;  // that has the custodian's thread
+    int users QBL_GUARDED_BY(m_globallock) = 0;              // calls that use the custodian
     bool stopping QBL_GUARDED_BY(m_globallock) = false;
 
     static Shared& instance() { return qblImmortal<Shared>(); }
@@ -252,9 +252,9 @@ unsigned long QBLCustodian::setSchedule(unsigned long ms) {
     unsigned long before = 0;
     {
         QBLThreadGuard guard(shared.m_globallock);
-        before = shared.m_ulSchedule;
+        before = shared.schedule;
         if (isFrozen(before)) return before;
-        shared.m_ulSchedule = ms;
+        shared.schedule = ms;
     }
     User user;  // which may be waiting for the time set before
     if (user.custodian() != nullptr) {
@@ -267,7 +267,7 @@ unsigned long QBLCustodian::setSchedule(unsigned long ms) {
 unsigned long QBLCustodian::getSchedule() {
     Shared& shared = Shared::instance();
     QBLThreadGuard guard(shared.m_globallock);
-    return shared.m_ulSchedule;
+    return shared.schedule;
 }
 
 bool QBLCustodian::registerTask(QBLCustodianTask* task) {
@@ -387,7 +387,7 @@ void QBLCustodian::Body::waitForPass() {
     {
         QBLThreadGuard guard(m_taskLock);
         while (m_terminating == 0) {
-            const unsigned long schedule = Shared::instance().m_ulSchedule;
+            const unsigned long schedule = Shared::instance().schedule;
             if (isEndless(schedule)) {
                 m_wakeup.wait(m_taskLock);
                 continue;
@@ -399,7 +399,7 @@ void QBLCustodian::Body::waitForPass() {
             static_cast<void>(m_wakeup.timedWait(m_taskLock, static_cast<unsigned long>(left)));
         }
     }
-    if (Shared::instance().m_ulSchedule == 0) yield();  // to callers, if there are no tasks
+    if (Shared::instance().schedule == 0) yield();  // to callers, if there are no tasks
     Turn turn(*this);
     takeNewTasks();
     at = m_tasks.begin();

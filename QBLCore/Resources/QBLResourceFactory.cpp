@@ -77,8 +77,8 @@ std::string findFile(const std::string& baseName, const char* localeIDs, bool& s
     sure = true;
     for (const std::string& candidate : QBLResourceFactory::getCandidates(baseName, localeIDs)) {
         const QBLFileLook seen = qblLookForFile(candidate.c_str());
-        if (seen == QBLFileLook::There) return candidate;
-        sure = sure && seen == QBLFileLook::NotThere;
+        if (seen == QBLFileLook::kThere) return candidate;
+        sure = sure && seen == QBLFileLook::kNotThere;
     }
     return std::string();
 }

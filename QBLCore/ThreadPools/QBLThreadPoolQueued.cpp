@@ -96,8 +96,8 @@ QBLThreadPoolQueued::~QBLThreadPoolQueued() {
 }
 
 int QBLThreadPoolQueued::execute(QBLThreadRunnable* task, unsigned long timeout) {
-    static Nothing nothing;
-    if (task == nullptr) task = &nothing;  // takes its place in the queue like any other
+    static Nothing s_nothing;
+    if (task == nullptr) task = &s_nothing;  // takes its place in the queue like any other
     bool accepted = false;
     QBL_ALLOC_TRY
     const bool room = getStopWork() == 0 && m_tasks.reserve(timeout);

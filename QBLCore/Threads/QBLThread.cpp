@@ -79,7 +79,7 @@ void QBLThread::run() {}
 void QBLThread::start() {
     TavThread* previous = record();
     if (previous != nullptr) {
-        if (previous->joinable.load() != TavJoinable::Joined)
+        if (previous->joinable.load() != TavJoinable::kJoined)
             qblThrow<QBLIllegalStateError>(QBL_HERE, kStarted);
         __atomic_store_n(&m_pThread, nullptr, __ATOMIC_RELEASE);
         tavXThreadDestroy(previous);
@@ -105,7 +105,7 @@ void QBLThread::start() {
 void QBLThread::join() {
     TavThread* thread = record();
     if (thread == nullptr) return;
-    if (thread != tavThreadPeek() && thread->joinable.load() == TavJoinable::Joined) return;
+    if (thread != tavThreadPeek() && thread->joinable.load() == TavJoinable::kJoined) return;
     if (tavXThreadJoin(thread, nullptr) != TAVTHREAD_OK) {
         qblThrow<QBLThreadResourceError>(QBL_HERE, kJoin);
     }

@@ -90,16 +90,16 @@ struct CreationGuard : QBLThreadCriticalSection {};
 }  // namespace
 
 QBLDBTypes* QBLDBTypes::get() {
-    static std::atomic<QBLDBTypes*> catalogue{nullptr};
-    QBLDBTypes* one = catalogue.load(std::memory_order_acquire);
+    static std::atomic<QBLDBTypes*> s_catalogue{nullptr};
+    QBLDBTypes* one = s_catalogue.load(std::memory_order_acquire);
     if (one != nullptr) return one;
     QBL_ALLOC_TRY
     QBLThreadGuard guard(qblImmortal<CreationGuard>());
-    one = catalogue.load(std::memory_order_relaxed);
+    one = s_catalogue.load(std::memory_order_relaxed);
     if (one == nullptr) {
         one = new QBLDBTypes;
         one->init();
-        catalogue.store(one, std::memory_order_release);
+        s_catalogue.store(one, std::memory_order_release);
     }
     QBL_ALLOC_CATCH
     return one;

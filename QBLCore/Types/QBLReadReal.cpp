@@ -12,8 +12,8 @@ namespace {
 
 // Of the C library's static data: there is nothing to fail nor to free.
 locale_t classicLocale() {
-    static const locale_t classic = newlocale(LC_ALL_MASK, "C", nullptr);
-    return classic;
+    static const locale_t kClassic = newlocale(LC_ALL_MASK, "C", nullptr);
+    return kClassic;
 }
 
 void slowly(const char* text, float& value) { value = strtof_l(text, nullptr, classicLocale()); }

@@ -92,11 +92,11 @@ long QBLTypeCast::string2int64(const void*, long long* value, const char* text) 
 
 long QBLTypeCast::ascii2unsignedInteger(const void*, const I18NString& text, unsigned long& value,
                                         long& status) {
-    constexpr int longest = 9;
+    constexpr int kLongest = 9;
     value = 0;
     status = badCharacter;
     const int length = text.length();
-    if (length > longest) return status = outOfRange;
+    if (length > kLongest) return status = outOfRange;
     unsigned long number = 0;
     for (int i = 0; i < length; ++i) {
         const wchar_t c = text.codePointAt(i);

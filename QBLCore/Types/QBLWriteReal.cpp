@@ -25,7 +25,7 @@ constexpr std::uint32_t powerOfTen(int n) { return n == 0 ? 1 : 10 * powerOfTen(
 /// @return false if the precision does not suffice
 template <int kDigits>
 bool round(std::uint64_t bits, Rounded& out) {
-    constexpr std::uint32_t limit = powerOfTen(kDigits);
+    constexpr std::uint32_t kLimit = powerOfTen(kDigits);
     std::uint64_t mantissa = bits & ((std::uint64_t{1} << 52) - 1);
     int exponent = static_cast<int>(bits >> 52);
     if (exponent != 0)
@@ -46,7 +46,7 @@ bool round(std::uint64_t bits, Rounded& out) {
     const std::uint64_t fraction = product & ((std::uint64_t{1} << places) - 1);
     const std::uint64_t whole = product >> places;
     bool up;
-    if (whole < limit) {
+    if (whole < kLimit) {
         const std::uint64_t half = std::uint64_t{1} << (places - 1);
         if (fraction + 2 > half && fraction <= half) return false;
         out.digits = static_cast<std::uint32_t>(whole);
@@ -60,8 +60,8 @@ bool round(std::uint64_t bits, Rounded& out) {
             return false;
         up = rest >= 5;
     }
-    if (up && ++out.digits == limit) {
-        out.digits = limit / 10;
+    if (up && ++out.digits == kLimit) {
+        out.digits = kLimit / 10;
         ++decimal;
     }
     out.exponent = decimal;

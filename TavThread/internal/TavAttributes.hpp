@@ -4,7 +4,7 @@
 #include <cstdarg>
 
 /// What follows a tag in an attribute list.
-enum class TavAttrValue : unsigned char { None, TraceObj, CancelFlag, StackSize };
+enum class TavAttrValue : unsigned char { kNone, kTraceObj, kCancelFlag, kStackSize };
 
 struct TavAttrTag {
     const char* name;    // what follows the kind's prefix in the tag's name
@@ -20,10 +20,10 @@ struct TavAttrKind {
 };
 
 /// The four tags that every kind begins with.
-#define TAV_BASIC_ATTR_TAGS                                                      \
-    {"End", nullptr, TavAttrValue::None}, {"Noop", nullptr, TavAttrValue::None}, \
-        {"DisableSyntax", " NO SYNTAX", TavAttrValue::None}, {                   \
-        "TraceObj", " TRACEOBJ", TavAttrValue::TraceObj                          \
+#define TAV_BASIC_ATTR_TAGS                                                        \
+    {"End", nullptr, TavAttrValue::kNone}, {"Noop", nullptr, TavAttrValue::kNone}, \
+        {"DisableSyntax", " NO SYNTAX", TavAttrValue::kNone}, {                    \
+        "TraceObj", " TRACEOBJ", TavAttrValue::kTraceObj                           \
     }
 constexpr int kTavAttrDisableSyntax = 2;
 constexpr int kTavAttrTraceObj = 3;

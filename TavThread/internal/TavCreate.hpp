@@ -22,9 +22,9 @@ int tavCreate(Object** out, const TavAttrKind& kind, va_list list, const Make& m
     if (rc == TAVTHREAD_OK) rc = out != nullptr ? make(attrs) : TAVTHREAD_INVALID;
     if (rc == TAVTHREAD_OK && tavTraceReplaced()) {
         void* const traceObj = attrs.traceObject();
-        traceCall(traceObj, TavAttributeText(kind, TavAttributeText::Call, again).text());
+        traceCall(traceObj, TavAttributeText(kind, TavAttributeText::kCall, again).text());
         if (attrs.syntaxTraced())
-            traceSyntax(traceObj, TavAttributeText(kind, TavAttributeText::Syntax, again).text());
+            traceSyntax(traceObj, TavAttributeText(kind, TavAttributeText::kSyntax, again).text());
     }
     va_end(again);
     return rc;

@@ -18,7 +18,7 @@ inline unsigned tavTraceHex(const void* p) {
 /// The attribute text that ends a trace line.
 class TavAttributeText {
 public:
-    enum Form { Call, Syntax };
+    enum Form { kCall, kSyntax };
     TavAttributeText(const TavAttrKind& kind, Form form, va_list list);
     const char* text() const { return m_text; }
 

@@ -32,7 +32,7 @@ enum TavThreadFlags : unsigned {
     kTavThreadSuspendPending = 64  // changes under the transition mutex only
 };
 
-enum class TavJoinable { Yes, Joined, Detached, Adopted };
+enum class TavJoinable { kYes, kJoined, kDetached, kAdopted };
 
 /// The record of a thread. It has several owners, the thread itself while it runs and whoever
 /// holds the handle, and is freed by the last one to let go.
@@ -55,7 +55,7 @@ struct TavThread {
     bool attributesMade = false;
     std::atomic<unsigned> flags{0};
 
-    std::atomic<TavJoinable> joinable{TavJoinable::Yes};
+    std::atomic<TavJoinable> joinable{TavJoinable::kYes};
     std::atomic<int> owners{1};
     unsigned generation = 0;  // of the layer's run that an adopted record was made in
     // Guards every change of state and of the pending mark, and lets `finished` change only while

@@ -29,7 +29,7 @@ template <class Int>
 int readInteger(const char* text, Int& value) {
     using Limits = std::numeric_limits<Int>;
     using Unsigned = std::make_unsigned_t<Int>;
-    constexpr Unsigned most = Limits::max();
+    constexpr Unsigned kMost = Limits::max();
     static constexpr Unsigned kPowers[] = {1,      10,      100,      1000,      10000,
                                            100000, 1000000, 10000000, 100000000, 1000000000};
     text = skipBlanks(text);
@@ -46,9 +46,9 @@ int readInteger(const char* text, Int& value) {
         const std::uint32_t next = takeNine(text, count);
         magnitude = magnitude * kPowers[count] + next;
     }
-    for (; qblIsDigit(*text) && magnitude <= most / 10; ++text)
+    for (; qblIsDigit(*text) && magnitude <= kMost / 10; ++text)
         magnitude = magnitude * 10 + static_cast<unsigned char>(*text - '0');
-    if (magnitude > most + negative || qblIsDigit(*text)) {
+    if (magnitude > kMost + negative || qblIsDigit(*text)) {
         value = negative ? Limits::min() : Limits::max();
         return 0;
     }

@@ -52,10 +52,10 @@ inline char* qblWriteUnsigned(char* out, std::uint32_t value) {
 }
 
 inline char* qblWriteUnsigned(char* out, std::uint64_t value) {
-    constexpr std::uint32_t billion = 1000000000;
+    constexpr std::uint32_t kBillion = 1000000000;
     if (value <= 0xFFFFFFFFU) return qblWriteUnsigned(out, static_cast<std::uint32_t>(value));
-    const std::uint64_t high = value / billion;
-    const auto low = static_cast<std::uint32_t>(value - high * billion);
+    const std::uint64_t high = value / kBillion;
+    const auto low = static_cast<std::uint32_t>(value - high * kBillion);
     out = qblWriteUnsigned(out, high);
     *out = static_cast<char>('0' + low / 100000000);
     return qblWriteEight(out + 1, low % 100000000);

@@ -7,7 +7,7 @@
 //   null       nothing is kept: at first, and as long as nothing could be.
 //   a stream   qblDeflate() makes it one, once its stream has started and the key has taken it; up
 //              to then a unique_ptr owns it, afterwards the key.
-//   s_ending   deleteDeflater() makes it that when the thread ends and the stream is deleted. There
+//   g_ending   deleteDeflater() makes it that when the thread ends and the stream is deleted. There
 //              is no way back: destructors of other keys may still deflate, with a stream for each
 //              call, which nobody might delete if the key kept it.
 // The system calls deleteDeflater() again for the mark, as often as it goes round the keys, and
@@ -19,7 +19,7 @@
 // lets one win, and the others destroy theirs, in which nobody has a value yet. If no key can be
 // made the call uses a stream of its own, and the next call tries again.
 //
-// Memory order: `made` is stored with release and loaded with acquire, also by the exchange that
+// Memory order: `s_made` is stored with release and loaded with acquire, also by the exchange that
 // fails: the record of the key is complete. Nothing else is shared.
 //
 // A mistake leaks, which x86-asan reports, or spoils tokens: QBLSquisherTest
@@ -79,25 +79,25 @@ private:
 
 /// Stands in the key of a thread whose stream is deleted: other keys' destructors may still squish,
 /// and what they kept then nobody might delete.
-char s_ending;
+char g_ending;
 
 void deleteDeflater(void* kept);
 
 /// The key of each thread's own; null as long as it cannot be made.
 TavThreadKey* keptKey() {
-    static std::atomic<TavThreadKey*> made{nullptr};
-    TavThreadKey* key = made.load(std::memory_order_acquire);
+    static std::atomic<TavThreadKey*> s_made{nullptr};
+    TavThreadKey* key = s_made.load(std::memory_order_acquire);
     if (key != nullptr || tavXThreadKeyCreate(&key, &deleteDeflater) != TAVTHREAD_OK) return key;
     TavThreadKey* others = nullptr;
-    if (made.compare_exchange_strong(others, key, std::memory_order_acq_rel)) return key;
+    if (s_made.compare_exchange_strong(others, key, std::memory_order_acq_rel)) return key;
     tavXThreadKeyDestroy(key);
     return others;
 }
 
 // Called again for the mark it leaves, as often as the system goes round the keys: 4 times.
 void deleteDeflater(void* kept) {
-    if (kept != &s_ending) delete static_cast<Deflater*>(kept);
-    tavXThreadSetSpecific(keptKey(), &s_ending);
+    if (kept != &g_ending) delete static_cast<Deflater*>(kept);
+    tavXThreadSetSpecific(keptKey(), &g_ending);
 }
 
 }  // namespace
@@ -107,7 +107,7 @@ int qblDeflate(const char* text, unsigned length, unsigned char* out, unsigned r
     TavThreadKey* const key = keptKey();
     void* kept = nullptr;
     if (key != nullptr) tavXThreadGetSpecific(key, &kept);
-    if (kept != nullptr && kept != &s_ending)
+    if (kept != nullptr && kept != &g_ending)
         return static_cast<Deflater*>(kept)->run(text, length, out, room, size);
 
     std::unique_ptr<Deflater> fresh(new (std::nothrow) Deflater);

@@ -56,11 +56,11 @@ Source piece(const void* units, int size) {
 
 struct Counters {
     Counters(int* writtenOut, int* consumedOut)
-        : written(writtenOut != nullptr ? *writtenOut : m_iIgnored),
-          consumed(consumedOut != nullptr ? *consumedOut : m_iIgnored) {
+        : written(writtenOut != nullptr ? *writtenOut : ignored),
+          consumed(consumedOut != nullptr ? *consumedOut : ignored) {
         written = consumed = 0;
     }
-    int m_iIgnored = 0;
+    int ignored = 0;
     int& written;
     int& consumed;
 };

@@ -11,7 +11,7 @@
 namespace {
 
 // Publishes the holders and tables to the threads that make converters.
-std::atomic<bool> initialized{false};
+std::atomic<bool> g_initialized{false};
 
 I18NConverter* prepared(const char* encoding) {
     QBL_ALLOC_TRY
@@ -44,6 +44,6 @@ void i18nCreateConverters() {
 
 const I18NHolders& i18nHolders() { return qblImmortal<I18NHolders>(); }
 
-void i18nSetInitialized(bool value) { initialized.store(value, std::memory_order_release); }
+void i18nSetInitialized(bool value) { g_initialized.store(value, std::memory_order_release); }
 
-bool I18NConverter::isInitialized() { return initialized.load(std::memory_order_acquire); }
+bool I18NConverter::isInitialized() { return g_initialized.load(std::memory_order_acquire); }

@@ -34,8 +34,8 @@ void i18nWarmUpICU() {
 }
 
 const icu::Locale& i18nDefaultLocale() {
-    static const bool known = determineDefaultLocale();
-    static_cast<void>(known);
+    static const bool kKnown = determineDefaultLocale();
+    static_cast<void>(kKnown);
     return icu::Locale::getDefault();
 }
 

@@ -9,8 +9,8 @@
 #include "i18n/cpp/locale/i18n_icu.hpp"
 
 const char* I18NGetPlatformDefaultEncoding() {
-    static std::atomic<const char*> cached{nullptr};
-    const char* known = cached.load(std::memory_order_acquire);
+    static std::atomic<const char*> s_cached{nullptr};
+    const char* known = s_cached.load(std::memory_order_acquire);
     if (known != nullptr) return known;
     i18nPrepareICU();
     const char* name = ucnv_getDefaultName();
@@ -18,7 +18,7 @@ const char* I18NGetPlatformDefaultEncoding() {
     char* copy = strdup(name);
     // Without memory ICU's own text has to do, and the next call tries again.
     if (copy == nullptr) return name;
-    if (cached.compare_exchange_strong(known, copy, std::memory_order_acq_rel)) return copy;
+    if (s_cached.compare_exchange_strong(known, copy, std::memory_order_acq_rel)) return copy;
     std::free(copy);
     return known;
 }

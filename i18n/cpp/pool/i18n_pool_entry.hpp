@@ -36,16 +36,16 @@
 // read-modify-write operations, so a pin that reads one of them acquires the contents too. unpin()
 // releases the holder's reads; retire(), detach() and the last unpin() acquire them before the
 // string is destroyed. addHolder() is relaxed, since its caller has a holder. A destroyed place
-// goes to its next owner under the lock of I18NPoolPlaces.
+// goes to its next owner under the lock of i18n_places.
 //
 // A mistake shows in I18NPooledStringTest.ThreadsAcquireReleasePurgeDumpAndStop, above all with the
 // presets x64-tsan, which reports each of enter(), pin() and unpin() with a weaker order, and
 // x86-asan; and in ASurplusReleaseSpoilsNothing and HoldersOutliveTheLibrary.
 
 /// A copy of the characters that a string has itself; or none, and those are read there.
-template <std::size_t size>
+template <std::size_t kSize>
 struct I18NPoolCopy {
-    char bytes[size];
+    char bytes[kSize];
     void set(const char* text, std::size_t length) { std::memcpy(bytes, text, length); }
     const char* get(const char*) const { return bytes; }
 };
@@ -168,7 +168,7 @@ private:
 
 /// Where entries live: blocks of places, which are kept for the life of the process. Memory of
 /// places that are all empty is given back to the system, and reads as zeros then.
-namespace I18NPoolPlaces {
+namespace i18n_places {
 
 /// An empty place.
 /// @throws QBLOutOfMemoryError
@@ -180,6 +180,6 @@ I18NPooledStringEntry* find(const I18NString& string);
 /// program needs again and again stays.
 void trim() noexcept;
 
-}  // namespace I18NPoolPlaces
+}  // namespace i18n_places
 
 #endif

@@ -143,17 +143,17 @@ private:
 
 }  // namespace
 
-Entry* I18NPoolPlaces::take() {
+Entry* i18n_places::take() {
     QBL_ALLOC_TRY
     return qblImmortal<Places>().take();
     QBL_ALLOC_CATCH
 }
 
-void I18NPoolPlaces::give(Entry* place) noexcept { qblImmortal<Places>().give(place); }
+void i18n_places::give(Entry* place) noexcept { qblImmortal<Places>().give(place); }
 
-Entry* I18NPoolPlaces::find(const I18NString& string) { return qblImmortal<Places>().find(string); }
+Entry* i18n_places::find(const I18NString& string) { return qblImmortal<Places>().find(string); }
 
-void I18NPoolPlaces::trim() noexcept { qblImmortal<Places>().trim(); }
+void i18n_places::trim() noexcept { qblImmortal<Places>().trim(); }
 
 // Mostly the bytes are the same. Else they may still be another form of the same text.
 bool I18NPooledStringEntry::holdsLong(const char* utf8, std::size_t length) {
@@ -168,5 +168,5 @@ bool I18NPooledStringEntry::holdsLong(const char* utf8, std::size_t length) {
 void I18NPooledStringEntry::destroy() noexcept {
     string().~I18NString();
     refCount.store(0, std::memory_order_release);
-    I18NPoolPlaces::give(this);
+    i18n_places::give(this);
 }

@@ -56,10 +56,10 @@ inline Hashed hashed(const char* text) {
 
 /// The pool, without a call once it is there.
 inline I18NPooledString::I18NPooledStringPool& knownPool() {
-    static std::atomic<I18NPooledString::I18NPooledStringPool*> known{nullptr};
-    auto* pool = known.load(std::memory_order_acquire);
+    static std::atomic<I18NPooledString::I18NPooledStringPool*> s_known{nullptr};
+    auto* pool = s_known.load(std::memory_order_acquire);
     if (__builtin_expect(pool == nullptr, 0))
-        known.store(pool = &I18NPooledString::getPool(), std::memory_order_release);
+        s_known.store(pool = &I18NPooledString::getPool(), std::memory_order_release);
     return *pool;
 }
 
@@ -128,11 +128,11 @@ Entry* I18NPooledString::I18NPooledStringPool::acquireLocked(unsigned number, co
 }
 
 Entry* I18NPooledString::I18NPooledStringPool::createPSPE(const char* utf8, unsigned hash) {
-    Entry* const entry = I18NPoolPlaces::take();
+    Entry* const entry = i18n_places::take();
     try {
         new (entry->place) I18NString(utf8);
     } catch (...) {
-        I18NPoolPlaces::give(entry);
+        i18n_places::give(entry);
         throw;
     }
     entry->hashCode = hash;
@@ -148,7 +148,7 @@ const I18NString& I18NPooledString::I18NPooledStringPool::getString(const I18NSt
 }
 
 void I18NPooledString::I18NPooledStringPool::releaseString(const I18NString& string) {
-    Entry* const entry = I18NPoolPlaces::find(string);
+    Entry* const entry = i18n_places::find(string);
     if (entry == nullptr) QBL_THROW(QBLIllegalArgumentError(0, kForeign));
     entry->unpin();
 }

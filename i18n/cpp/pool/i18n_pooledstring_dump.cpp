@@ -62,7 +62,7 @@ void I18NPooledString::I18NPooledStringPool::purge() {
     eachBucket([](Bucket& bucket, unsigned) {
         bucket.removeIf([](Entry& entry) { return entry.retire(); });
     });
-    I18NPoolPlaces::trim();
+    i18n_places::trim();
 }
 
 void I18NPooledString::I18NPooledStringPool::clear() noexcept {
@@ -72,7 +72,7 @@ void I18NPooledString::I18NPooledStringPool::clear() noexcept {
             return true;
         });
     });
-    for (int i = 0; i < 2; ++i) I18NPoolPlaces::trim();
+    for (int i = 0; i < 2; ++i) i18n_places::trim();
 }
 
 // A purge does not fail for its dump.

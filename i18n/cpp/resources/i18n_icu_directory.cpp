@@ -26,6 +26,6 @@ bool prepare() {
 }  // namespace
 
 void i18nPrepareICU() {
-    static const bool prepared = prepare();
-    static_cast<void>(prepared);
+    static const bool kPrepared = prepare();
+    static_cast<void>(kPrepared);
 }

@@ -181,8 +181,8 @@ bool findResourceFile(std::string& path, std::string& name, const char* base,
                       const I18NLocale& locale) {
     for (const Place& place : placesOf(base, locale)) {
         const QBLFileLook seen = qblLookForFile(place.path.c_str());
-        if (seen == QBLFileLook::NotThere) continue;
-        if (seen == QBLFileLook::NotSeen) return false;
+        if (seen == QBLFileLook::kNotThere) continue;
+        if (seen == QBLFileLook::kNotSeen) return false;
         path = place.path;
         name = place.name;
         return true;

@@ -43,8 +43,8 @@ std::string unescaped(std::string_view value) {
 }
 
 locale_t cLocale() {
-    static const locale_t c = newlocale(LC_ALL_MASK, "C", nullptr);
-    return c;
+    static const locale_t kPlain = newlocale(LC_ALL_MASK, "C", nullptr);
+    return kPlain;
 }
 
 /// Where a text stands in a line outside of quotes, from the end; npos if it does not.

@@ -45,7 +45,7 @@ public:
     void load(I18NResourceReader& reader);
 
 private:
-    enum class Direction { None, Input, Output };
+    enum class Direction { kNone, kInput, kOutput };
     using Read = void (Loader::*)(const I18NResourceReader&);
     struct Element {
         std::string_view name;
@@ -59,15 +59,15 @@ private:
 
     void endTable(const I18NResourceReader& reader) {
         endEncoding(reader);
-        m_direction = Direction::None;
+        m_direction = Direction::kNone;
     }
     void beginInput(const I18NResourceReader& reader) {
         endTable(reader);
-        m_direction = Direction::Input;
+        m_direction = Direction::kInput;
     }
     void beginOutput(const I18NResourceReader& reader) {
         endTable(reader);
-        m_direction = Direction::Output;
+        m_direction = Direction::kOutput;
     }
     void beginEncoding(const I18NResourceReader& reader) {
         endEncoding(reader);
@@ -92,8 +92,8 @@ private:
     void addReplacement(const I18NResourceReader& reader) {
         const std::optional<std::string> value = reader.getXMLElementValue();
         if (!value) return;
-        if (m_direction == Direction::Input) addInput(*value);
-        if (m_direction == Direction::Output) addOutput(*value);
+        if (m_direction == Direction::kInput) addInput(*value);
+        if (m_direction == Direction::kOutput) addOutput(*value);
     }
     /// A line can stand for as many entries as ICU has encodings.
     bool hasRoom() {
@@ -167,7 +167,7 @@ private:
 
     I18NSettings& m_settings;
     I18NReplacementTables& m_tables;
-    Direction m_direction = Direction::None;
+    Direction m_direction = Direction::kNone;
     std::set<std::string> m_encodings;  // canonical names
     std::size_t m_iEntries = 0;
     std::optional<std::string> m_sequenceBytes;

@@ -11,7 +11,7 @@
 
 namespace {
 
-enum Kind : std::uint8_t { Unknown, Inert, Other };
+enum Kind : std::uint8_t { kUnknown, kInert, kOther };
 
 /// What is known of each code unit; found out when first met. Threads that meet one at a time find
 /// the same. A surrogate is inert by itself, and the first of a pair only if all are that begin
@@ -27,12 +27,12 @@ bool isInert(const icu::Normalizer2& form, char32_t c) {
 
 Kind find(char16_t unit) {
     const icu::Normalizer2* form = nullptr;
-    if (!tavContain([&form] { form = &i18nNormalizer(I18N_NFC); })) return Other;  // for now
+    if (!tavContain([&form] { form = &i18nNormalizer(I18N_NFC); })) return kOther;  // for now
     bool inert = isInert(*form, unit);
     if (i18nIsHigh(unit))
         for (char16_t low = 0xDC00; low < 0xE000 && inert; ++low)
             inert = isInert(*form, i18nCombine(unit, low));
-    const Kind kind = inert ? Inert : Other;
+    const Kind kind = inert ? kInert : kOther;
     g_kinds[unit].store(kind, std::memory_order_relaxed);
     return kind;
 }
@@ -42,10 +42,10 @@ std::uint8_t known(char16_t unit) { return g_kinds[unit].load(std::memory_order_
 constexpr int kRun = 16;
 
 bool isKnownInert(const char16_t* run) {
-    unsigned all = Inert;
+    unsigned all = kInert;
 #pragma GCC unroll 16
     for (int i = 0; i < kRun; ++i) all &= known(run[i]);
-    return all == Inert;
+    return all == kInert;
 }
 
 }  // namespace
@@ -59,7 +59,7 @@ bool i18nIsInert(const char16_t* units, std::size_t length) {
         }
         for (int i = 0; i < kRun && units != end; ++i, ++units) {
             const std::uint8_t kind = known(*units);
-            if (kind == Other || (kind == Unknown && find(*units) == Other)) return false;
+            if (kind == kOther || (kind == kUnknown && find(*units) == kOther)) return false;
         }
     }
     return true;

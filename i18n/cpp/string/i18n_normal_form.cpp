@@ -117,20 +117,20 @@ int quickCheck(UChar32 c) { return u_getIntPropertyValue(c, UCHAR_NFC_QUICK_CHEC
 const icu::Normalizer2& i18nNormalizer(I18NNormalizationForms form) {
     switch (form) {
         case I18N_NFD: {
-            static const icu::Normalizer2& nfd = made(icu::Normalizer2::getNFDInstance);
-            return nfd;
+            static const icu::Normalizer2& s_nfd = made(icu::Normalizer2::getNFDInstance);
+            return s_nfd;
         }
         case I18N_NFKC: {
-            static const icu::Normalizer2& nfkc = made(icu::Normalizer2::getNFKCInstance);
-            return nfkc;
+            static const icu::Normalizer2& s_nfkc = made(icu::Normalizer2::getNFKCInstance);
+            return s_nfkc;
         }
         case I18N_NFKD: {
-            static const icu::Normalizer2& nfkd = made(icu::Normalizer2::getNFKDInstance);
-            return nfkd;
+            static const icu::Normalizer2& s_nfkd = made(icu::Normalizer2::getNFKDInstance);
+            return s_nfkd;
         }
         default: {
-            static const icu::Normalizer2& nfc = made(icu::Normalizer2::getNFCInstance);
-            return nfc;
+            static const icu::Normalizer2& s_nfc = made(icu::Normalizer2::getNFCInstance);
+            return s_nfc;
         }
     }
 }

@@ -191,11 +191,11 @@ void I18NString::take(I18NString& other) noexcept {
     m_pCodeUnits = std::exchange(other.m_pCodeUnits, nullptr);
     m_pUnicodeString = std::exchange(other.m_pUnicodeString, nullptr);
     m_pContents = std::exchange(other.m_pContents, nullptr);
-    constexpr auto alone = std::memory_order_relaxed;
-    m_flags.store(other.m_flags.load(alone), alone);
-    other.m_flags.store(static_cast<unsigned char>((m_flags.load(alone) & kI18NNoNormalization) |
+    constexpr auto kAlone = std::memory_order_relaxed;
+    m_flags.store(other.m_flags.load(kAlone), kAlone);
+    other.m_flags.store(static_cast<unsigned char>((m_flags.load(kAlone) & kI18NNoNormalization) |
                                                    kI18NNormalized | kI18NChanged),
-                        alone);
+                        kAlone);
     std::memcpy(m_asciiInline, other.m_asciiInline, sizeof m_asciiInline);
     m_asciiBufCapacity = std::exchange(other.m_asciiBufCapacity, kInline);
     m_pAsciiBuffer = m_asciiBufCapacity > kInline ? other.m_pAsciiBuffer : m_asciiInline;
@@ -204,8 +204,8 @@ void I18NString::take(I18NString& other) noexcept {
     m_asciiBufLength = std::exchange(other.m_asciiBufLength, 0);
     m_unitLength = std::exchange(other.m_unitLength, 0);
     m_unitCapacity = std::exchange(other.m_unitCapacity, 0);
-    m_pConverted.store(other.m_pConverted.load(alone), alone);
-    other.m_pConverted.store(nullptr, alone);
+    m_pConverted.store(other.m_pConverted.load(kAlone), kAlone);
+    other.m_pConverted.store(nullptr, kAlone);
     m_convertedLength = std::exchange(other.m_convertedLength, 0);
     m_pConvertedEncoding = std::exchange(other.m_pConvertedEncoding, nullptr);
 }
