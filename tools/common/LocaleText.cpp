@@ -95,11 +95,11 @@ std::string localeEncoding() { return encodingOf(kUtf8, true); }
 std::string localeEncodingName() { return encodingOf("US-ASCII", false); }
 
 std::string localText(const std::string& utf8) {
-    static const std::string encoding = localeEncoding();
-    static const bool isUtf8 = I18NConverter::isUTF8(encoding.c_str());
-    if (isUtf8) return utf8;
+    static const std::string kEncoding = localeEncoding();
+    static const bool kIsUtf8 = I18NConverter::isUTF8(kEncoding.c_str());
+    if (kIsUtf8) return utf8;
     Lacking lacking;
-    std::string bytes = converted(utf8, encoding, lacking);
+    std::string bytes = converted(utf8, kEncoding, lacking);
     if (lacking.isEmpty()) return bytes;
     std::string escaped;
     for (std::size_t i = 0; i < utf8.size();) {
@@ -109,7 +109,7 @@ std::string localText(const std::string& utf8) {
         const std::string each = utf8.substr(begin, i - begin);
         escaped += c >= 0 && lacking.has(c) ? inHex(each) : each;
     }
-    return converted(escaped, encoding, lacking);
+    return converted(escaped, kEncoding, lacking);
 }
 
 }  // namespace tools

@@ -84,8 +84,8 @@ std::string toUtf8(const char* text, const char* encoding) {
 }
 
 Reasons& processReasons() {
-    static Reasons reasons;
-    return reasons;
+    static Reasons s_reasons;
+    return s_reasons;
 }
 
 }  // namespace

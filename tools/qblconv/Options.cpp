@@ -412,7 +412,7 @@ const char* outputPolicyName(const Options& options) {
 
 const std::vector<tools::Option>& knownOptions() {
     const auto kNone = Argument::kNone, kNeeded = Argument::kNeeded;
-    static const std::vector<tools::Option> options = {
+    static const std::vector<tools::Option> kOptions = {
         {'f', "from", kNeeded, "ENC", "auto ENCODING", CONV_OPT_FROM},
         {'t', "to", kNeeded, "ENC", "ENCODING", CONV_OPT_TO},
         // As iconv calls them.
@@ -445,7 +445,7 @@ const std::vector<tools::Option>& knownOptions() {
         {'V', "version", kNone, "", "", CONV_OPT_VERSION},
         {kCompletions, "completions", kNeeded, "SHELL", "bash zsh fish", CONV_OPT_COMPLETIONS},
     };
-    return options;
+    return kOptions;
 }
 
 bool parseOptions(int argc, char** argv, Options& options, Problem& problem) {

@@ -124,9 +124,9 @@ bool NewOutput::create() {
     }
     m_pTarget = m_directory.isOpen() ? &m_directory : m_pRoot->get();
     if (m_pTarget == nullptr) return rememberError(errno);
-    static const std::string process = kTemporary + std::to_string(getpid()) + ".";
+    static const std::string kProcess = kTemporary + std::to_string(getpid()) + ".";
     for (int i = 0; i < kAttempts && m_iFile < 0; ++i) {
-        m_temporary = process + std::to_string(++g_counter);
+        m_temporary = kProcess + std::to_string(++g_counter);
         // Nobody whom the mode shuts out has it open for a moment.
         m_iFile = m_pTarget->openFile(m_temporary.c_str(), O_CREAT | O_EXCL | O_WRONLY,
                                       m_iMode | S_IRUSR | S_IWUSR);

@@ -7,8 +7,8 @@ namespace msgc {
 namespace {
 
 std::string& locale() {
-    static std::string locale = tools::environmentLocale();
-    return locale;
+    static std::string s_locale = tools::environmentLocale();
+    return s_locale;
 }
 
 }  // namespace
@@ -20,8 +20,8 @@ void setUserLocale(const std::string& locales) {
 }
 
 const std::string& ownCatalogue() {
-    static const std::string base = tools::findCatalogue("qblmsgcmsgs", userLocale());
-    return base;
+    static const std::string kBase = tools::findCatalogue("qblmsgcmsgs", userLocale());
+    return kBase;
 }
 
 }  // namespace msgc

@@ -179,7 +179,7 @@ private:
 
 const std::vector<tools::Option>& knownOptions() {
     const auto kNone = tools::Option::Argument::kNone, kNeeded = tools::Option::Argument::kNeeded;
-    static const std::vector<tools::Option> options = {
+    static const std::vector<tools::Option> kOptions = {
         {'o', "output", kNeeded, "FILE", "FILE", MSGC_OPT_OUTPUT},
         {'H', "header", kNeeded, "FILE", "FILE", MSGC_OPT_HEADER},
         {'r', "reference", kNeeded, "FILE", "FILE", MSGC_OPT_REFERENCE},
@@ -196,7 +196,7 @@ const std::vector<tools::Option>& knownOptions() {
         {'V', "version", kNone, "", "", MSGC_OPT_VERSION},
         {kCompletions, "completions", kNeeded, "SHELL", "bash zsh fish", MSGC_OPT_COMPLETIONS},
     };
-    return options;
+    return kOptions;
 }
 
 bool parseOptions(int argc, char** argv, Options& options, Problem& problem) {

@@ -124,10 +124,10 @@ private:
 }  // namespace
 
 const std::string& XmlNode::attribute(std::string_view wanted) const {
-    static const std::string none;
+    static const std::string kNone;
     const auto found = std::find_if(attributes.begin(), attributes.end(),
                                     [&](const auto& each) { return each.first == wanted; });
-    return found != attributes.end() ? found->second : none;
+    return found != attributes.end() ? found->second : kNone;
 }
 
 const XmlNode* XmlNode::child(std::string_view wanted) const {
