@@ -23,7 +23,7 @@ private:
     QBLThreadManualResetEvent m_called;
 };
 
-Housekeeping housekeeping;  // made before what stops the library, and so gone after it
+Housekeeping g_housekeeping;  // made before what stops the library, and so gone after it
 
 /// Is destroyed after main: the library can still be used, and stopped.
 struct Late {
@@ -33,7 +33,7 @@ struct Late {
         std::printf("second stop: %d\n", qblCoreTerminate());
         std::printf("third stop: %d\n", qblCoreTerminate());
     }
-} late;
+} g_late;
 
 void tryThread() {
     QBLThread thread;
@@ -50,11 +50,11 @@ void tryThread() {
 
 int main() {
     tryThread();
-    std::printf("registered: %d\n", QBLCustodian::registerTask(&housekeeping));
+    std::printf("registered: %d\n", QBLCustodian::registerTask(&g_housekeeping));
     std::printf("time between passes: %lu ms\n", QBLCustodian::setSchedule(10));
     std::printf("start: %d, and again: %d\n", qblCoreInitialize(), qblCoreInitialize());
     tryThread();
-    std::printf("registered: %d\n", QBLCustodian::registerTask(&housekeeping));
-    housekeeping.wait();
+    std::printf("registered: %d\n", QBLCustodian::registerTask(&g_housekeeping));
+    g_housekeeping.wait();
     std::printf("first stop: %d\n", qblCoreTerminate());
 }

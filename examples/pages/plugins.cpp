@@ -8,14 +8,14 @@
 
 namespace {
 
-char kConnection[] = "Connection";  // the pointer is the id, not the text
+char g_connection[] = "Connection";  // the pointer is the id, not the text
 
 class Connection : public QBLObjectFactoryItem {
 public:
     static QBLObjectFactoryItem* make(QBLObjectFactory* factory) { return new Connection(factory); }
     ~Connection() override { std::printf("%d is deleted\n", m_iNumber); }
 
-    char* getClassId() override { return kConnection; }
+    char* getClassId() override { return g_connection; }
     void cleanObject() override { m_user.clear(); }
     void use(const char* user) {
         m_user += user;
@@ -33,14 +33,14 @@ private:
 int Connection::s_made = 0;
 
 Connection* connect(QBLObjectFactory& factory) {
-    return static_cast<Connection*>(factory.createObject(kConnection));
+    return static_cast<Connection*>(factory.createObject(g_connection));
 }
 
 }  // namespace
 
 int main() {
     QBLObjectFactory factory;
-    factory.registerClass(kConnection, &Connection::make);
+    factory.registerClass(g_connection, &Connection::make);
     Connection* const first = connect(factory);
     Connection* const second = connect(factory);
     first->use("Ann");
@@ -48,7 +48,7 @@ int main() {
     first->release();
     connect(factory)->use("Eve");  // the first one again, without Ann
     try {
-        factory.unregisterClass(kConnection);
+        factory.unregisterClass(g_connection);
     } catch (QBLIllegalStateError& error) {
         std::printf("%s\n", error.getMessage());
     }

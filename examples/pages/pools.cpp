@@ -36,15 +36,15 @@ void show(const char* name, QBLThreadPool* pool) {
     std::printf("%s: accepted %d of 4, run %d\n", name, accepted, task.done.load());
 }
 
-std::atomic<int> sum{0};
+std::atomic<int> g_sum{0};
 
 void add(const std::string& digits) try {
     QBLThreadPoolQueued pool(2, 8);
     QBLTaskGroup group(pool);
-    for (unsigned i = 0; i < 5; ++i) group.run([i, &digits] { sum += digits.at(i) - '0'; });
+    for (unsigned i = 0; i < 5; ++i) group.run([i, &digits] { g_sum += digits.at(i) - '0'; });
     group.wait();
 } catch (QBLThrowable& e) {
-    std::printf("%s, sum of the others %d\n", e.getThrowableName(), sum.load());
+    std::printf("%s, sum of the others %d\n", e.getThrowableName(), g_sum.load());
 }
 
 }  // namespace

@@ -15,8 +15,7 @@
 
 namespace {
 
-class QBLFileLockRWTest : public ::testing::Test {
-protected:
+struct QBLFileLockRWTest : ::testing::Test {
     QBLFileLockRWTest() : lock(file) {
         path = tree.file("f");
         EXPECT_TRUE(file.open(path.c_str(), QBLFmFile::existing, 0));

@@ -15,8 +15,7 @@
 namespace {
 
 template <class File>
-class QBLFmFileTest : public ::testing::Test {
-protected:
+struct QBLFmFileTest : ::testing::Test {
     static typename File::createmode mode(int flags) {
         return static_cast<typename File::createmode>(flags);
     }

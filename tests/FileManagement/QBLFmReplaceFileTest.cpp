@@ -102,14 +102,14 @@ TEST(QBLFmReplaceFileTest, LeavesTheOldVersionUnlessAllWentWell) {
     }
     QBLFmReplaceFile file;
     ASSERT_TRUE(file.open(path.c_str()) && file.write("new", 3));
-    fault::failCall(fault::Fsync, 0, EIO);
+    fault::failCall(fault::kFsync, 0, EIO);
     EXPECT_FALSE(file.commit());
-    EXPECT_TRUE(fault::callFailed(fault::Fsync));
+    EXPECT_TRUE(fault::callFailed(fault::kFsync));
     EXPECT_EQ(EIO, file.getLastErrorNumber());
     EXPECT_FALSE(file.isCommitted());
     EXPECT_EQ("old", tree.text("f"));
     ASSERT_TRUE(file.open(path.c_str()) && file.write("new", 3));
-    fault::failCall(fault::Fsync, 1, EIO);
+    fault::failCall(fault::kFsync, 1, EIO);
     EXPECT_FALSE(file.commit()) << "of the directory";
     EXPECT_TRUE(file.isCommitted());
     EXPECT_EQ("new", tree.text("f"));

@@ -9,13 +9,13 @@
 namespace {
 
 typedef QBLList<int*> List;
-int values[4] = {10, 20, 30, 40};
-int *a = &values[0], *b = &values[1], *c = &values[2], *d = &values[3];
+int g_values[4] = {10, 20, 30, 40};
+int *g_a = &g_values[0], *g_b = &g_values[1], *g_c = &g_values[2], *g_d = &g_values[3];
 
 void fill(List& list) {
-    list.push_back(a);
-    list.push_back(b);
-    list.push_back(c);
+    list.push_back(g_a);
+    list.push_back(g_b);
+    list.push_back(g_c);
 }
 
 std::deque<int*> contents(const List& list) {
@@ -41,15 +41,15 @@ TEST(QBLListTest, EmptyListIgnoresRemovalsAndHasANullValue) {
 TEST(QBLListTest, IndexPastTheEndGivesTheCursorsElement) {
     List list;
     fill(list);
-    EXPECT_EQ(a, list.at(9)) << "a fresh cursor is on the first element";
-    EXPECT_EQ(b, list.at(1));
-    EXPECT_EQ(c, list.at(2)) << "the ends do not move the cursor";
-    EXPECT_EQ(a, list.at(0));
-    EXPECT_EQ(b, list.at(5));
+    EXPECT_EQ(g_a, list.at(9)) << "a fresh cursor is on the first element";
+    EXPECT_EQ(g_b, list.at(1));
+    EXPECT_EQ(g_c, list.at(2)) << "the ends do not move the cursor";
+    EXPECT_EQ(g_a, list.at(0));
+    EXPECT_EQ(g_b, list.at(5));
     const List& view = list;
-    EXPECT_EQ(b, view[3]);
-    list.push_back(d);
-    EXPECT_EQ(a, list.at(9)) << "an insertion resets the cursor";
+    EXPECT_EQ(g_b, view[3]);
+    list.push_back(g_d);
+    EXPECT_EQ(g_a, list.at(9)) << "an insertion resets the cursor";
 }
 
 TEST(QBLListTest, IteratorsStickToBothEndsAndErasingTheEndFreesNothing) {
@@ -60,16 +60,16 @@ TEST(QBLListTest, IteratorsStickToBothEndsAndErasingTheEndFreesNothing) {
     EXPECT_TRUE(list.erase(list.end()) == list.end());
     it = list.begin();
     EXPECT_TRUE(--it == list.begin());
-    EXPECT_EQ(b, *++it);
-    it = list.insert(it, d);
-    EXPECT_EQ(b, *it) << "an insertion leaves the iterator on its element";
-    EXPECT_EQ((std::deque<int*>{a, d, b, c}), contents(list));
+    EXPECT_EQ(g_b, *++it);
+    it = list.insert(it, g_d);
+    EXPECT_EQ(g_b, *it) << "an insertion leaves the iterator on its element";
+    EXPECT_EQ((std::deque<int*>{g_a, g_d, g_b, g_c}), contents(list));
     const unsigned int before = it.index;
     it = list.erase(it);
-    EXPECT_EQ(c, *it);
+    EXPECT_EQ(g_c, *it);
     EXPECT_EQ(before, it.index);
-    EXPECT_EQ(c, list.end()[2]) << "an index from the end counts from the first element";
-    EXPECT_EQ(a, list.end()[9]);
+    EXPECT_EQ(g_c, list.end()[2]) << "an index from the end counts from the first element";
+    EXPECT_EQ(g_a, list.end()[9]);
 }
 
 TEST(QBLListTest, RangeErasureStopsAtTheEndWhateverTheRange) {
@@ -78,32 +78,32 @@ TEST(QBLListTest, RangeErasureStopsAtTheEndWhateverTheRange) {
     fill(other);
     List::iterator second = ++list.begin();
     EXPECT_TRUE(list.erase(second, list.begin()) == list.begin());
-    EXPECT_EQ((std::deque<int*>{a}), contents(list));
+    EXPECT_EQ((std::deque<int*>{g_a}), contents(list));
     list.erase(list.begin(), other.begin());
     EXPECT_TRUE(list.empty());
-    list.push_back(b);
+    list.push_back(g_b);
     list.erase(other.begin(), other.end());
     list.erase(other.end());
     EXPECT_EQ(1U, list.size());
     EXPECT_EQ(3U, other.size());
     List::iterator third = ++ ++other.begin();
-    EXPECT_EQ(c, other.erase(other.begin(), third)[0]) << "where it stands now";
+    EXPECT_EQ(g_c, other.erase(other.begin(), third)[0]) << "where it stands now";
 }
 
 TEST(QBLListTest, PositionsOfAnotherListMoveNothing) {
     List list, other;
     fill(list);
     fill(other);
-    list.insert(other.begin(), d);
-    list.insert(List::iterator(), d);
+    list.insert(other.begin(), g_d);
+    list.insert(List::iterator(), g_d);
     list.splice(other.begin(), other, other.begin());
     list.splice(list.begin(), other, list.begin());
     list.splice(list.begin(), list, list.begin());
     for (const List* each : {&list, &other})
-        EXPECT_EQ((std::deque<int*>{a, b, c}), contents(*each));
+        EXPECT_EQ((std::deque<int*>{g_a, g_b, g_c}), contents(*each));
     EXPECT_EQ(3U, list.size() + other.size() - 3);
     list.splice(list.begin(), list, --list.end());
-    EXPECT_EQ((std::deque<int*>{c, a, b}), contents(list));
+    EXPECT_EQ((std::deque<int*>{g_c, g_a, g_b}), contents(list));
 }
 
 TEST(QBLListTest, IteratorsOfBothKindsCompareAndReachMembers) {

@@ -36,8 +36,7 @@ private:
     std::function<int(int)> m_body;
 };
 
-class QBLCustodianTest : public ::testing::Test {
-protected:
+struct QBLCustodianTest : ::testing::Test {
     void SetUp() override {
         QBLCustodian::setSchedule(1);
         ASSERT_EQ(0, qblCoreInitialize());
@@ -224,7 +223,7 @@ TEST_F(QBLCustodianTest, RefusesATaskTwiceAndAThreadThatDoesNotStart) {
     ASSERT_EQ(0, qblThreadProcessInitialize("test"));
     ASSERT_TRUE(QBLCustodian::initialize());
     Task task;
-    fault::failCall(fault::ThreadCreate, 0, EAGAIN);
+    fault::failCall(fault::kThreadCreate, 0, EAGAIN);
     EXPECT_FALSE(QBLCustodian::registerTask(&task));
     fault::reset();
     EXPECT_TRUE(QBLCustodian::registerTask(&task)) << "tried again";

@@ -80,19 +80,19 @@ TEST(TavFaultTest, CreationsReportAndUndoAFailedCall) {
         fault::Call call;
         long n;
         int error, code;
-    } table[] = {{kMutex, fault::MutexInit, 0, EAGAIN, TAVTHREAD_AGAIN},
-                 {kSemaphore, fault::SemInit, 0, ENOSPC, TAVTHREAD_ERROR},
-                 {kCondition, fault::CondInit, 0, ENOMEM, TAVTHREAD_NOMEM},
-                 {kEvent, fault::CondInit, 0, ENOMEM, TAVTHREAD_NOMEM},
-                 {kEvent, fault::MutexInit, 0, EAGAIN, TAVTHREAD_AGAIN},
-                 {kRWLock, fault::MutexInit, 0, EPERM, TAVTHREAD_ERROR},
-                 {kRWLock, fault::CondInit, 0, ENOMEM, TAVTHREAD_NOMEM},
-                 {kRWLock, fault::CondInit, 1, ENOMEM, TAVTHREAD_NOMEM},
-                 {kKey, fault::KeyCreate, 0, EAGAIN, TAVTHREAD_AGAIN},
-                 {kThread, fault::SemInit, 0, ENOSPC, TAVTHREAD_ERROR},
-                 {kThread, fault::ThreadCreate, 0, EAGAIN, TAVTHREAD_AGAIN},
-                 {kThread, fault::ThreadCreate, 0, EINTR, TAVTHREAD_OK},
-                 {kSemaphore, fault::SemInit, 0, EINTR, TAVTHREAD_OK}};
+    } table[] = {{kMutex, fault::kMutexInit, 0, EAGAIN, TAVTHREAD_AGAIN},
+                 {kSemaphore, fault::kSemInit, 0, ENOSPC, TAVTHREAD_ERROR},
+                 {kCondition, fault::kCondInit, 0, ENOMEM, TAVTHREAD_NOMEM},
+                 {kEvent, fault::kCondInit, 0, ENOMEM, TAVTHREAD_NOMEM},
+                 {kEvent, fault::kMutexInit, 0, EAGAIN, TAVTHREAD_AGAIN},
+                 {kRWLock, fault::kMutexInit, 0, EPERM, TAVTHREAD_ERROR},
+                 {kRWLock, fault::kCondInit, 0, ENOMEM, TAVTHREAD_NOMEM},
+                 {kRWLock, fault::kCondInit, 1, ENOMEM, TAVTHREAD_NOMEM},
+                 {kKey, fault::kKeyCreate, 0, EAGAIN, TAVTHREAD_AGAIN},
+                 {kThread, fault::kSemInit, 0, ENOSPC, TAVTHREAD_ERROR},
+                 {kThread, fault::kThreadCreate, 0, EAGAIN, TAVTHREAD_AGAIN},
+                 {kThread, fault::kThreadCreate, 0, EINTR, TAVTHREAD_OK},
+                 {kSemaphore, fault::kSemInit, 0, EINTR, TAVTHREAD_OK}};
     for (const auto& row : table) {
         fault::failCall(row.call, row.n, row.error);
         EXPECT_EQ(row.code, row.creation.run()) << row.creation.name << " call " << row.call;

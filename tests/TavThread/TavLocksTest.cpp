@@ -170,7 +170,7 @@ TEST(TavConditionTest, HandsOverUnderTheMutex) {
     EXPECT_GE(watch.ms(), 29.0);
     EXPECT_EQ(EBUSY, pthread_mutex_trylock(&m)) << "held again after a timeout";
     for (const int err : {EPERM, ENOSYS}) {
-        fault::failCall(fault::ClockRead, 0, err);
+        fault::failCall(fault::kClockRead, 0, err);
         EXPECT_EQ(TAVTHREAD_NOTSUPPORTED, tavXConditionTimedWait(cv, &m, 1));
     }
     pthread_mutex_unlock(&m);

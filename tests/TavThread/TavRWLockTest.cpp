@@ -7,8 +7,7 @@
 
 namespace {
 
-class TavRWLockTest : public ::testing::Test {
-protected:
+struct TavRWLockTest : ::testing::Test {
     TavRWLockTest() { EXPECT_EQ(TAVTHREAD_OK, tavXRWLockCreate(&rw, TavRWLockAttrEnd)); }
     ~TavRWLockTest() override {
         EXPECT_EQ(0U, rw->word.load()) << "free, and back on its fast path";

@@ -7,8 +7,7 @@
 
 namespace {
 
-class TavSemaphoreTest : public ::testing::Test {
-protected:
+struct TavSemaphoreTest : ::testing::Test {
     TavSemaphoreTest() { EXPECT_EQ(TAVTHREAD_OK, tavXSemaphoreCreate(&s, 0, TavSemaphoreAttrEnd)); }
     ~TavSemaphoreTest() override { EXPECT_EQ(TAVTHREAD_OK, tavXSemaphoreDestroy(s)); }
 

@@ -237,14 +237,14 @@ TEST(TavThreadTest, TextIdFollowsStrncpy) {
 
 TEST(TavThreadKeyTest, OnceRunsItsRoutineUntilItSucceeds) {
     if (kThreadSanitizer) GTEST_SKIP() << "the sanitizer's pthread_once does not unwind";
-    static int calls;
-    calls = 0;
+    static int s_calls;
+    s_calls = 0;
     pthread_once_t once = PTHREAD_ONCE_INIT;
     const auto routine = [] {
-        if (++calls == 1) throw calls;
+        if (++s_calls == 1) throw s_calls;
     };
     EXPECT_EQ(TAVTHREAD_ERROR, tavXThreadOnce(&once, routine));
     EXPECT_EQ(TAVTHREAD_OK, tavXThreadOnce(&once, routine));
     EXPECT_EQ(TAVTHREAD_OK, tavXThreadOnce(&once, routine));
-    EXPECT_EQ(2, calls);
+    EXPECT_EQ(2, s_calls);
 }

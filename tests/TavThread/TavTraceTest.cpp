@@ -40,8 +40,7 @@ extern "C" void tavThreadTraceOutput(void* traceObj, unsigned long mask, const c
 
 namespace {
 
-class TavTraceTest : public ::testing::Test {
-protected:
+struct TavTraceTest : ::testing::Test {
     TavTraceTest() { g_lines = &lines; }
     ~TavTraceTest() override { g_lines = nullptr; }
 

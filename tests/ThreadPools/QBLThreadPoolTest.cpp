@@ -153,18 +153,18 @@ TEST_F(QBLThreadPoolTest, VariableStrandsNoTaskWhenItsWorkersRetire) {
 }
 
 TEST_F(QBLThreadPoolTest, VariableReapsAWorkerWhoseExitRoutineSubmits) {
-    static QBLThreadPoolVariable* pool;
-    static Counting counting;
+    static QBLThreadPoolVariable* s_pool;
+    static Counting s_counting;
     class Chain : public QBLThreadRunnable {
     public:
         void run() override {
-            QBLThread::atExit([] { pool->execute(&counting, 0); }, 1);
+            QBLThread::atExit([] { s_pool->execute(&s_counting, 0); }, 1);
         }
     } chain;
     QBLThreadPoolVariable own(0, 1000, 1);
-    pool = &own;
+    s_pool = &own;
     EXPECT_EQ(1, own.execute(&chain, 0));
-    EXPECT_TRUE(eventually([&] { return counting.runs == 1; }));
+    EXPECT_TRUE(eventually([&] { return s_counting.runs == 1; }));
 }
 
 TEST_F(QBLThreadPoolTest, VariableSurvivesATaskThatEndsItsThread) {
@@ -240,7 +240,7 @@ TEST_F(QBLThreadPoolTest, AcceptedTasksOutliveWorkersThatEndInTheDestruction) {
         for (QBLThreadRunnable* task :
              std::initializer_list<QBLThreadRunnable*>{&first, &first, &ending, &counting}) {
             EXPECT_EQ(1, pool->execute(task, 0)) << "kind " << kind;
-            fault::failCall(fault::ThreadCreate, 0, EAGAIN);  // the living worker is relied on
+            fault::failCall(fault::kThreadCreate, 0, EAGAIN);  // the living worker is relied on
         }
         fault::reset();
         pool.reset();
@@ -349,7 +349,7 @@ TEST_F(QBLThreadPoolTest, FailedConstructionLeavesNoThreadBehind) {
             }
         });
         EXPECT_GT(failed, 4);
-        fault::failCall(fault::ThreadCreate, 1, EAGAIN);
+        fault::failCall(fault::kThreadCreate, 1, EAGAIN);
         QBL_EXPECT_THROW(make(kind), QBLThreadResourceError, nullptr);
     }
     const std::function<void()> constructions[] = {[] { QBLThreadPoolFixed pool(1); },
@@ -375,11 +375,11 @@ TEST_F(QBLThreadPoolTest, VariableReportsAFailedWorkerOnlyWhenNoOtherCanRunTheTa
     Counting counting;
     {
         QBLThreadPoolVariable pool(1, 1000, 1);
-        fault::failCall(fault::ThreadCreate, 0, EAGAIN);
+        fault::failCall(fault::kThreadCreate, 0, EAGAIN);
         QBL_EXPECT_THROW(pool.execute(&counting, 0), QBLThreadResourceError, nullptr);
         EXPECT_EQ(0U, pool.getWorkerCount());
         EXPECT_EQ(1, pool.execute(&blocking, 0));
-        fault::failCall(fault::ThreadCreate, 0, EAGAIN);
+        fault::failCall(fault::kThreadCreate, 0, EAGAIN);
         EXPECT_EQ(1, pool.execute(&counting, 0)) << "the busy worker will run it";
         EXPECT_EQ(1U, pool.getWorkerCount());
         gate.open();

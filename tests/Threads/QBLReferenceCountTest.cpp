@@ -8,14 +8,14 @@
 
 namespace {
 
-std::atomic<int> cleanups{0};
+std::atomic<int> g_cleanups{0};
 
 template <class Base>
 class Counted : public Base {
 public:
     explicit Counted(int initial) : Base(initial) {}
     void cleanup() override {
-        ++cleanups;
+        ++g_cleanups;
         delete this;
     }
 };
@@ -23,7 +23,7 @@ public:
 }  // namespace
 
 TEST(QBLReferenceCountTest, CleansUpOnceWhenTheLastOfManyThreadsLetsGo) {
-    cleanups = 0;
+    g_cleanups = 0;
     auto* object = new Counted<QBLReferenceCount>(8);
     Workers(8, [object] {
         for (int i = 0; i < 500; ++i) {
@@ -32,17 +32,17 @@ TEST(QBLReferenceCountTest, CleansUpOnceWhenTheLastOfManyThreadsLetsGo) {
         }
         object->removeReference();
     }).join();
-    EXPECT_EQ(1, cleanups);
+    EXPECT_EQ(1, g_cleanups);
 }
 
 TEST(QBLReferenceCountTest, SurvivesItsOwnCleanup) {
-    cleanups = 0;
+    g_cleanups = 0;
     auto* object = new Counted<QBLThreadUnsafeReferenceCount>(0);
     EXPECT_EQ(1, object->addReference());
     EXPECT_EQ(2, object->addReference());
     EXPECT_EQ(1, object->removeReference());
     EXPECT_EQ(0, object->removeReference());
-    EXPECT_EQ(1, cleanups);
+    EXPECT_EQ(1, g_cleanups);
     QBLReferenceCount onTheStack(1);
     EXPECT_EQ(0, onTheStack.removeReference());
     EXPECT_EQ(-1, onTheStack.removeReference()) << "only reaching 0 cleans up";

@@ -26,14 +26,14 @@ private:
     Body m_body;
 };
 
-std::atomic<int> exits{0};
-void countExit() { ++exits; }
+std::atomic<int> g_exits{0};
+void countExit() { ++g_exits; }
 
 class QBLThreadTest : public ::testing::Test {
 protected:
     void SetUp() override {
         ASSERT_EQ(0, qblThreadProcessInitialize("test"));
-        exits = 0;
+        g_exits = 0;
     }
     void TearDown() override { EXPECT_EQ(0, qblThreadProcessTerminate("test")); }
 };
@@ -82,23 +82,23 @@ TEST_F(QBLThreadTest, CallsTheExitRoutineHoweverRunEnds) {
         thread.join();
     };
     runs([] { EXPECT_EQ(0, QBLThread::atExit(countExit, 1)); });
-    EXPECT_EQ(1, exits);
+    EXPECT_EQ(1, g_exits);
     runs([] {
         QBLThread::atExit(countExit, 1);
         throw std::runtime_error("dropped");
     });
-    EXPECT_EQ(2, exits);
+    EXPECT_EQ(2, g_exits);
     runs([] {
         QBLThread::atExit(countExit, 1);
         pthread_exit(nullptr);
     });
-    EXPECT_EQ(3, exits);
+    EXPECT_EQ(3, g_exits);
     runs([] {
         QBLThread::atExit(countExit, 1);
         EXPECT_EQ(-1, QBLThread::atExit(nullptr, 1));
         QBLThread::atExit(nullptr, 0);
     });
-    EXPECT_EQ(3, exits);
+    EXPECT_EQ(3, g_exits);
     EXPECT_EQ(-1, QBLThread::atExit(countExit, 1)) << "no QBLThread started this thread";
 }
 
@@ -135,9 +135,9 @@ TEST_F(QBLThreadTest, RefusesToJoinItselfAndReportsFailedStarts) {
     EXPECT_EQ("TavThread either detected deadlock or an unexpected error occurred", text);
 
     QBLThread never(&job);
-    fault::failCall(fault::ThreadCreate, 0, EAGAIN);
+    fault::failCall(fault::kThreadCreate, 0, EAGAIN);
     QBL_EXPECT_THROW(never.start(), QBLThreadResourceError, nullptr);
-    fault::failCall(fault::ThreadCreate, 0, EPERM);
+    fault::failCall(fault::kThreadCreate, 0, EPERM);
     QBL_EXPECT_THROW(never.start(), QBLThreadResourceError, "TavThread interface or unknown error");
     fault::failAllocation(0);
     QBL_EXPECT_THROW(never.start(), QBLOutOfMemoryError, "TavThread ran out of memory");

@@ -33,7 +33,7 @@ static char* noMemory(void* context, char* block, int size, int* error) {
 /* 0, or the line of the first check that failed. */
 int i18nConverterFailedFromC(void);
 int i18nConverterFailedFromC(void) {
-    static const unsigned short text[] = {'a', 0x4E00, 'b', 0};
+    static const unsigned short kText[] = {'a', 0x4E00, 'b', 0};
     char bytes[8];
     unsigned short units[8];
     char* block = bytes;
@@ -51,10 +51,10 @@ int i18nConverterFailedFromC(void) {
     RUN(I18N_OK, i18nConverterSetBuiltInUnconvertibleOutputSequenceCallback(c, I18N_STOP, &error));
     CHECK(I18N_OK, i18nConverterGetBuiltInUnconvertibleInputSequenceCallback(c, &error) == 4);
     CHECK(I18N_OK, i18nConverterGetBuiltInUnconvertibleOutputSequenceCallback(c, &error) == 4);
-    RUN(I18N_CONVERSION, i18nConverterFromUnicode(c, bytes, 8, text, &error));
+    RUN(I18N_CONVERSION, i18nConverterFromUnicode(c, bytes, 8, kText, &error));
     RUN(I18N_CONVERSION, i18nConverterToUnicode(c, units, 16, "a\x80", -1, &error));
     RUN(I18N_CONVERSION,
-        i18nConverterFromUnicodeWithAllocator(c, &block, &size, text, 0, 0, &error));
+        i18nConverterFromUnicodeWithAllocator(c, &block, &size, kText, 0, 0, &error));
     RUN(I18N_CONVERSION,
         i18nConverterToUnicodeWithAllocator(c, &unitBlock, &size, "\x80", 1, 0, 0, &error));
     if (block != 0 || unitBlock != 0) return __LINE__;
@@ -67,13 +67,13 @@ int i18nConverterFailedFromC(void) {
           i18nConverterGetUserDefinedUnconvertibleInputSequenceCallback(c, &error) == dropInput);
     CHECK(I18N_OK, i18nConverterGetUserDefinedInUnconvertibleOutputSequenceCallback(c, &error) ==
                        dropOutput);
-    RUN(I18N_OK, i18nConverterFromUnicode(c, bytes, 8, text, &error));
+    RUN(I18N_OK, i18nConverterFromUnicode(c, bytes, 8, kText, &error));
     RUN(I18N_OK, i18nConverterToUnicode(c, units, 16, "x\x80", -1, &error));
     if (strcmp(bytes, "ab") != 0 || units[0] != 'x' || units[1] != 0) return __LINE__;
-    RUN(I18N_TOO_SMALL, i18nConverterFromUnicode(c, bytes, 2, text, &error));
+    RUN(I18N_TOO_SMALL, i18nConverterFromUnicode(c, bytes, 2, kText, &error));
     RUN(I18N_UNEXPECTED,
-        i18nConverterFromUnicodeWithAllocator(c, &block, &size, text, noMemory, 0, &error));
-    RUN(I18N_OK, i18nConverterFromUnicodeWithAllocator(c, &block, &size, text, 0, 0, &error));
+        i18nConverterFromUnicodeWithAllocator(c, &block, &size, kText, noMemory, 0, &error));
+    RUN(I18N_OK, i18nConverterFromUnicodeWithAllocator(c, &block, &size, kText, 0, 0, &error));
     if (size != 3 || strcmp(block, "ab") != 0) return __LINE__;
     RUN(I18N_OK,
         i18nConverterToUnicodeWithAllocator(c, &unitBlock, &size, block, -1, 0, 0, &error));

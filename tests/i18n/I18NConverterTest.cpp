@@ -100,7 +100,7 @@ void overfillOutput(wchar_t, const char*, char* bytes, int* count, I18NErrorCode
 }
 }
 
-enum Origin { Original, Copied, Assigned };
+enum Origin { kOriginal, kCopied, kAssigned };
 
 // With a policy both ways; the converter that a copy was made of is gone.
 std::unique_ptr<I18NConverter> converterFrom(Origin origin, const char* encoding, int policy) {
@@ -112,8 +112,8 @@ std::unique_ptr<I18NConverter> converterFrom(Origin origin, const char* encoding
         first->setBuiltInUnconvertibleInputSequenceCallback(policy);
         first->setBuiltInUnconvertibleOutputSequenceCallback(policy);
     }
-    if (origin == Original) return first;
-    if (origin == Copied) return std::make_unique<I18NConverter>(*first);
+    if (origin == kOriginal) return first;
+    if (origin == kCopied) return std::make_unique<I18NConverter>(*first);
     auto second = std::make_unique<I18NConverter>("UTF-16");
     *second = *second;  // cppcheck-suppress selfAssignment  // must leave it as it is
     *second = *first;
@@ -148,7 +148,7 @@ TEST(I18NConverterTest, PoliciesDecideOnWhatIsNotConvertible) {
     };
     for (const auto& row : rows)
         for (int policy = I18N_ESCAPE; policy <= I18N_STOP; ++policy)
-            for (const Origin origin : {Original, Copied, Assigned}) {
+            for (const Origin origin : {kOriginal, kCopied, kAssigned}) {
                 SCOPED_TRACE(row.encoding + (" " + std::to_string(policy)) + "/" +
                              std::to_string(origin));
                 const auto converter = converterFrom(origin, row.encoding, policy);
@@ -162,7 +162,7 @@ TEST(I18NConverterTest, PoliciesDecideOnWhatIsNotConvertible) {
 }
 
 TEST(I18NConverterTest, UserFunctionsDropFailAndAreCutToTheirLimit) {
-    const auto converter = converterFrom(Original, "us-ascii", I18N_USER_DEFINED);
+    const auto converter = converterFrom(kOriginal, "us-ascii", I18N_USER_DEFINED);
     EXPECT_EQ("ab", bytesOf(*converter, u"a\uFFFDb"));
     EXPECT_EQ(kFailed, bytesOf(*converter, u"a\uFFFEb")) << "an error";
     EXPECT_EQ(kFailed, bytesOf(*converter, u"a\uFFFCb")) << "an exception";

@@ -36,16 +36,16 @@ bool isStarted() {
 
 /// ICU's memory, of which one allocation fails.
 struct ICUMemory {
-    static long left;
+    static long s_left;
     static void* take(const void*, std::size_t size) {
-        return left-- == 0 ? nullptr : std::malloc(size);
+        return s_left-- == 0 ? nullptr : std::malloc(size);
     }
     static void* resize(const void*, void* block, std::size_t size) {
-        return left-- == 0 ? nullptr : std::realloc(block, size);
+        return s_left-- == 0 ? nullptr : std::realloc(block, size);
     }
     static void free(const void*, void* block) { std::free(block); }
 };
-long ICUMemory::left = 0;
+long ICUMemory::s_left = 0;
 
 /// For a process that has not used ICU yet.
 /// @return 0 if nothing had to fail, 1 for the error of memory or none, 2 for another.
@@ -53,7 +53,7 @@ int withoutMemoryOfICU(long n, void (*body)()) {
     return inChild([=] {
         alarm(20);
         UErrorCode status = U_ZERO_ERROR;
-        ICUMemory::left = n;
+        ICUMemory::s_left = n;
         u_setMemoryFunctions(nullptr, ICUMemory::take, ICUMemory::resize, ICUMemory::free, &status);
         try {
             body();
@@ -61,7 +61,7 @@ int withoutMemoryOfICU(long n, void (*body)()) {
         } catch (...) {
             return 2;
         }
-        return ICUMemory::left < 0 ? 1 : 0;
+        return ICUMemory::s_left < 0 ? 1 : 0;
     });
 }
 

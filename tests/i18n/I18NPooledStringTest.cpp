@@ -47,8 +47,8 @@ std::string bucket(int number, int count, const std::string& entries) {
     return out.str();
 }
 
-std::time_t now = 1000;
-std::time_t fakeTime(std::time_t*) { return now; }
+std::time_t g_now = 1000;
+std::time_t fakeTime(std::time_t*) { return g_now; }
 
 }  // namespace
 
@@ -136,7 +136,7 @@ TEST(I18NPooledStringTest, PurgesAtTheIntervalsOfTheSettingsFile) {
     I18NPooledStringCustodian task(fakeTime);
     const auto purges = [&](std::time_t time, int terminating = 0) {
         { const I18NPooledString unheld("unheld"); }
-        now = time;
+        g_now = time;
         EXPECT_EQ(0, task.doIt(terminating));
         return pool.count() == 0;
     };
@@ -185,7 +185,7 @@ TEST(I18NPooledStringTest, DumpsForItsOwnUserIntoItsOwnFile) {
         I18NPooledStringCustodian task(fakeTime);
         testing::internal::CaptureStderr();
         task.doIt(0);
-        now += 4000;
+        g_now += 4000;
         task.doIt(0);
         const std::string failure = testing::internal::GetCapturedStderr();
         std::error_code none;

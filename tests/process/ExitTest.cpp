@@ -14,14 +14,14 @@
 
 namespace {
 
-QBLThreadMutex* lock = nullptr;
+QBLThreadMutex* g_lock = nullptr;
 
 /// Works until the process ends, taking locks and throwing as real work does.
 class Endless : public QBLThreadRunnable {
 public:
     void run() override {
         for (;;) {
-            QBLThreadGuard guard(*lock);
+            QBLThreadGuard guard(*g_lock);
             QBLThread::sleep(1);
         }
     }
@@ -33,22 +33,22 @@ public:
 };
 
 // Never destroyed: they run until the process is gone.
-Endless& endless = *new Endless;
-Short& brief = *new Short;
-QBLThread* thread = nullptr;
-QBLThreadPool* pools[3] = {};
+Endless& g_endless = *new Endless;
+Short& g_brief = *new Short;
+QBLThread* g_thread = nullptr;
+QBLThreadPool* g_pools[3] = {};
 
 void startAll() {
-    lock = new QBLThreadMutex;
+    g_lock = new QBLThreadMutex;
     qblCoreInitialize();
-    thread = new QBLThread(&endless);
-    thread->start();
-    pools[0] = new QBLThreadPoolFixed(2);
-    pools[1] = new QBLThreadPoolVariable(1, 10, QBLWaitForever);
-    pools[2] = new QBLThreadPoolQueued(2, 0);
-    for (QBLThreadPool* pool : pools) {
-        pool->execute(&endless, QBLWaitForever);
-        for (int i = 0; i < 20; ++i) pool->execute(&brief, QBLWaitForever);
+    g_thread = new QBLThread(&g_endless);
+    g_thread->start();
+    g_pools[0] = new QBLThreadPoolFixed(2);
+    g_pools[1] = new QBLThreadPoolVariable(1, 10, QBLWaitForever);
+    g_pools[2] = new QBLThreadPoolQueued(2, 0);
+    for (QBLThreadPool* pool : g_pools) {
+        pool->execute(&g_endless, QBLWaitForever);
+        for (int i = 0; i < 20; ++i) pool->execute(&g_brief, QBLWaitForever);
     }
 }
 
@@ -58,13 +58,13 @@ struct LateUser {
     QBLThreadPoolVariable* pool = nullptr;
     ~LateUser() {
         if (!active) return;
-        pool->execute(&brief, 0);
+        pool->execute(&g_brief, 0);
         delete pool;
         QBLThreadMutex mutex;
         QBLThreadGuard guard(mutex);
         if (qblCoreTerminate() != 0 || qblCoreTerminate() != -2) std::_Exit(3);
     }
-} late;
+} g_late;
 
 }  // namespace
 
@@ -84,8 +84,8 @@ int main(int argc, char** argv) {
     }
     if (std::strcmp(mode, "static") == 0) {
         qblCoreInitialize();
-        late.pool = new QBLThreadPoolVariable(1, 10, 1);
-        late.active = true;
+        g_late.pool = new QBLThreadPoolVariable(1, 10, 1);
+        g_late.active = true;
         return 0;
     }
     return 2;

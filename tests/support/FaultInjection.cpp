@@ -32,7 +32,7 @@ struct Plan {
 
 thread_local Plan t_allocation;
 thread_local bool t_exhausted = false;
-thread_local Plan t_calls[fault::CallCount];
+thread_local Plan t_calls[fault::kCallCount];
 
 void* allocate(std::size_t n) noexcept {
     for (;;) {
@@ -116,21 +116,21 @@ void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
 #pragma GCC visibility push(default)
 extern "C" {
 
-HOOK_ERRNO(fault::SemInit, int, sem_init, (sem_t * s, int shared, unsigned count) noexcept,
+HOOK_ERRNO(fault::kSemInit, int, sem_init, (sem_t * s, int shared, unsigned count) noexcept,
            (s, shared, count))
-HOOK_ERRNO(fault::ClockRead, int, gettimeofday, (timeval * now, void* zone) noexcept, (now, zone))
-HOOK_ERRNO(fault::Fsync, int, fsync, (int fd), (fd))
-HOOK(fault::ThreadCreate, pthread_create,
+HOOK_ERRNO(fault::kClockRead, int, gettimeofday, (timeval * now, void* zone) noexcept, (now, zone))
+HOOK_ERRNO(fault::kFsync, int, fsync, (int fd), (fd))
+HOOK(fault::kThreadCreate, pthread_create,
      (pthread_t * thread, const pthread_attr_t* attributes, void* (*routine)(void*),
       void* arg) noexcept,
      (thread, attributes, routine, arg))
-HOOK(fault::MutexInit, pthread_mutex_init,
+HOOK(fault::kMutexInit, pthread_mutex_init,
      (pthread_mutex_t * m, const pthread_mutexattr_t* attributes) noexcept, (m, attributes))
-HOOK(fault::CondInit, pthread_cond_init,
+HOOK(fault::kCondInit, pthread_cond_init,
      (pthread_cond_t * c, const pthread_condattr_t* attributes) noexcept, (c, attributes))
-HOOK(fault::KeyCreate, pthread_key_create,
+HOOK(fault::kKeyCreate, pthread_key_create,
      (pthread_key_t * key, void (*destructor)(void*)) noexcept, (key, destructor))
-HOOK(fault::CondTimedWait, pthread_cond_timedwait,
+HOOK(fault::kCondTimedWait, pthread_cond_timedwait,
      (pthread_cond_t * c, pthread_mutex_t* m, const timespec* until), (c, m, until))
 
 }  // extern "C"

@@ -7,15 +7,15 @@
 namespace fault {
 
 enum Call {
-    ThreadCreate,
-    SemInit,
-    MutexInit,
-    CondInit,
-    KeyCreate,
-    CondTimedWait,
-    ClockRead,  // gettimeofday
-    Fsync,
-    CallCount
+    kThreadCreate,
+    kSemInit,
+    kMutexInit,
+    kCondInit,
+    kKeyCreate,
+    kCondTimedWait,
+    kClockRead,  // gettimeofday
+    kFsync,
+    kCallCount
 };
 
 /// The next allocation but n fails, once; a negative n switches this off.

@@ -25,9 +25,9 @@ std::vector<tools::Option> described(const std::vector<tools::Option>& options) 
 }
 
 const std::vector<Tool>& allTools() {
-    static const std::vector<Tool> all = {{"qblconv", QBL_CONV, described(conv::knownOptions())},
-                                          {"qblmsgc", QBL_MSGC, described(msgc::knownOptions())}};
-    return all;
+    static const std::vector<Tool> kAll = {{"qblconv", QBL_CONV, described(conv::knownOptions())},
+                                           {"qblmsgc", QBL_MSGC, described(msgc::knownOptions())}};
+    return kAll;
 }
 
 /// The options that a manual describes, like "-f --from".
