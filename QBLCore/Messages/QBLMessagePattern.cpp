@@ -142,19 +142,19 @@ bool QBLMessagePattern::formatPlain(const QBLMessageArgument* arguments, int cou
 bool QBLMessagePattern::formatByIcu(const QBLMessageArgument* arguments, int count) {
     if (!m_bHarmless) return false;
     UErrorCode status = U_ZERO_ERROR;
-    if (m_icu == nullptr) {
+    if (m_pICU == nullptr) {
         i18nPrepareICU();
         auto made = std::make_unique<icu::MessageFormat>(toUnicode(m_text),
                                                          icu::Locale(m_locale.c_str()), status);
         refuseExhaustion(status);
         if (U_FAILURE(status)) return false;
-        m_icu = std::move(made);
+        m_pICU = std::move(made);
     }
     icu::Formattable values[kMaxArguments];
     for (int i = 0; i < count; ++i) values[i] = toFormattable(arguments[i]);
     icu::UnicodeString text;
     icu::FieldPosition position(icu::FieldPosition::DONT_CARE);
-    m_icu->format(values, count, text, position, status);
+    m_pICU->format(values, count, text, position, status);
     refuseExhaustion(status);
     if (U_FAILURE(status)) return false;
     if (text.isBogus()) qblThrowNoMemory(QBL_HERE);

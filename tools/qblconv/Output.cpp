@@ -92,7 +92,7 @@ bool NewOutput::rememberError(int error) {
 
 void NewOutput::begin(const Item& item, unsigned mode) {
     discard();
-    m_place = item.place;
+    m_pPlace = item.place;
     m_name = item.name.substr(item.name.rfind('/') + 1);
     m_iMode = mode;
 }
@@ -116,11 +116,11 @@ bool NewOutput::enter(const Place* place, QBLFmDirectory& directory) {
 }
 
 bool NewOutput::create() {
-    if (!m_bOpened || m_opened != m_place) {
+    if (!m_bOpened || m_pOpened != m_pPlace) {
         m_directory.close();
-        m_bOpened = enter(m_place.get(), m_directory);
+        m_bOpened = enter(m_pPlace.get(), m_directory);
         if (!m_bOpened) return false;
-        m_opened = m_place;
+        m_pOpened = m_pPlace;
     }
     m_pTarget = m_directory.isOpen() ? &m_directory : m_pRoot->get();
     if (m_pTarget == nullptr) return rememberError(errno);

@@ -106,11 +106,11 @@ private:
 
     OutputRoot* const m_pRoot;
     int m_iFile = -1;
-    std::shared_ptr<const Place> m_place;  // that the input is in
+    std::shared_ptr<const Place> m_pPlace;  // that the input is in
     std::string m_name;
     unsigned m_iMode = 0;
-    std::string m_temporary;                // empty while there is none
-    std::shared_ptr<const Place> m_opened;  // whose directory for outputs is open
+    std::string m_temporary;                 // empty while there is none
+    std::shared_ptr<const Place> m_pOpened;  // whose directory for outputs is open
     QBLFmDirectory m_directory;
     const QBLFmDirectory* m_pTarget = nullptr;  // that the file is in
     bool m_bOpened = false;

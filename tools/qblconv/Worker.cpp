@@ -32,24 +32,24 @@ Worker::Worker(const Options& options, Progress& progress, OutputRoot* root)
     if (isAuto(options.from) || options.mode == Mode::kGuess)
         m_detector.emplace(options.from, m_block);
     else
-        m_from =
+        m_pFrom =
             openKnown(options.from, isCheck ? I18N_SUBSTITUTE : options.inputPolicy, I18N_STOP);
     const bool isUTF16 = I18NConverter::isUTF16(options.from.c_str());
     if (isUTF16 || I18NConverter::isUTF32(options.from.c_str())) {
-        m_fromSwapped = openKnown(isUTF16 ? "UTF-16BE" : "UTF-32BE",
-                                  isCheck ? I18N_SUBSTITUTE : options.inputPolicy, I18N_STOP);
-        m_swappedMark = markIn(*m_fromSwapped);
+        m_pFromSwapped = openKnown(isUTF16 ? "UTF-16BE" : "UTF-32BE",
+                                   isCheck ? I18N_SUBSTITUTE : options.inputPolicy, I18N_STOP);
+        m_swappedMark = markIn(*m_pFromSwapped);
     }
     if (!isCheck || options.isToGiven)
-        m_to = openKnown(options.to, I18N_STOP, isCheck ? I18N_SUBSTITUTE : options.outputPolicy);
-    if (m_to != nullptr) m_to->useFallback(options.similar == Options::Similar::kFit);
-    if (m_to != nullptr && options.similar == Options::Similar::kTransliteration)
-        m_pTransliteration = std::make_unique<Transliteration>(*m_to);
-    if (options.mark == Options::Mark::kAdd) m_mark = markIn(*m_to);
+        m_pTo = openKnown(options.to, I18N_STOP, isCheck ? I18N_SUBSTITUTE : options.outputPolicy);
+    if (m_pTo != nullptr) m_pTo->useFallback(options.similar == Options::Similar::kFit);
+    if (m_pTo != nullptr && options.similar == Options::Similar::kTransliteration)
+        m_pTransliteration = std::make_unique<Transliteration>(*m_pTo);
+    if (options.mark == Options::Mark::kAdd) m_mark = markIn(*m_pTo);
     if (!options.keepValid) return;
-    m_valid = openKnown(options.to, I18N_STOP, I18N_STOP);
+    m_pValid = openKnown(options.to, I18N_STOP, I18N_STOP);
     // Nearly any text would pass for these.
-    if (I18NConverter::shouldUseBOM(options.to.c_str())) m_validMark = markIn(*m_valid);
+    if (I18NConverter::shouldUseBOM(options.to.c_str())) m_validMark = markIn(*m_pValid);
 }
 
 Findings Worker::findings(FileReport& report, const std::string& name) const {
@@ -72,9 +72,9 @@ I18NByteOrderMark Worker::marks(bool strip) const {
 }
 
 Setup Worker::setup(I18NByteOrderMark mark) {
-    const I18NConverter* const from = m_detector ? m_pChosen : m_from.get();
-    return {from,      m_fromSwapped.get(), m_swappedMark,      m_to.get(),
-            mark,      m_options.lineEnd,   m_options.verifies, m_block,
+    const I18NConverter* const from = m_detector ? m_pChosen : m_pFrom.get();
+    return {from,      m_pFromSwapped.get(), m_swappedMark,      m_pTo.get(),
+            mark,      m_options.lineEnd,    m_options.verifies, m_block,
             m_progress};
 }
 
@@ -144,13 +144,13 @@ void Worker::check(const std::string& name, Input& input, FileReport& report) {
 }
 
 bool Worker::isToBeKept(Input& input, const std::string& name, FileReport& report) {
-    if (m_valid == nullptr) return false;
+    if (m_pValid == nullptr) return false;
     if (!input.isRegular()) {
         report.error(CONV_NOT_REGULAR, {name});
         return false;
     }
     int error = 0;
-    const bool isKept = isValid(*m_valid, m_validMark, input, m_block, error);
+    const bool isKept = isValid(*m_pValid, m_validMark, input, m_block, error);
     if (error != 0 && !isInterrupted())
         report.error(CONV_CANNOT_READ, {name, tools::reason(error)});
     if (error != 0) report.countAsFailed();

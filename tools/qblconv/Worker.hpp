@@ -56,13 +56,13 @@ private:
 
     const Options& m_options;
     Progress& m_progress;
-    std::unique_ptr<I18NConverter> m_from, m_to;
-    std::optional<Detector> m_detector;            // in place of m_from
-    const I18NConverter* m_pChosen = nullptr;      // for the input at hand
-    std::unique_ptr<I18NConverter> m_fromSwapped;  // if a mark may tell of that order of bytes
+    std::unique_ptr<I18NConverter> m_pFrom, m_pTo;
+    std::optional<Detector> m_detector;             // in place of m_pFrom
+    const I18NConverter* m_pChosen = nullptr;       // for the input at hand
+    std::unique_ptr<I18NConverter> m_pFromSwapped;  // if a mark may tell of that order of bytes
     std::string m_swappedMark;
-    std::unique_ptr<I18NConverter> m_valid;  // strictly what is to be kept
-    std::string m_mark;                      // if outputs are to have one
+    std::unique_ptr<I18NConverter> m_pValid;  // strictly what is to be kept
+    std::string m_mark;                       // if outputs are to have one
     std::string m_validMark;
     std::string m_encoding;                               // that the last input turned out to be in
     std::unique_ptr<Transliteration> m_pTransliteration;  // null unless asked for

@@ -59,10 +59,10 @@ private:
     std::string m_locale;
     std::string m_out;  // what was formatted last; keeps its memory for the next
     std::vector<Piece> m_pieces;
-    bool m_bHarmless;                           // ICU may look at it
-    bool m_bPlain;                              // the pieces are all there is
-    std::unique_ptr<icu::MessageFormat> m_icu;  // made when first needed
-    const QBLIntegerStyle* m_pIntegers;         // the same; lives as long as the process
+    bool m_bHarmless;                            // ICU may look at it
+    bool m_bPlain;                               // the pieces are all there is
+    std::unique_ptr<icu::MessageFormat> m_pICU;  // made when first needed
+    const QBLIntegerStyle* m_pIntegers;          // the same; lives as long as the process
 };
 
 #endif

@@ -53,9 +53,9 @@ const char16_t* I18NStreamMappings::firstSuspect(const char16_t* text, const cha
 
 UConverter* I18NStreamMappings::scratch() {
     QBL_ALLOC_TRY
-    if (m_scratch == nullptr) m_scratch = std::make_unique<I18NConverter>(m_converter);
+    if (m_pScratch == nullptr) m_pScratch = std::make_unique<I18NConverter>(m_converter);
     QBL_ALLOC_CATCH
-    UConverter* const icu = I18NConverterAccess::icu(*m_scratch);
+    UConverter* const icu = I18NConverterAccess::icu(*m_pScratch);
     UErrorCode status = U_ZERO_ERROR;
     ucnv_reset(icu);
     ucnv_setFromUCallBack(icu, refuseOutput, nullptr, nullptr, nullptr, &status);

@@ -39,7 +39,7 @@ private:
     bool isConvertible(const char16_t* units, int length, bool fallback);
 
     const I18NConverter& m_converter;
-    std::unique_ptr<I18NConverter> m_scratch;
+    std::unique_ptr<I18NConverter> m_pScratch;
     std::vector<Answer> m_answers;  // by unit
     bool m_bMayLose;
     bool m_bMayLoseAny;
