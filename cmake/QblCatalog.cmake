@@ -1,23 +1,23 @@
 # qbl_add_catalog(TARGET NAME SOURCE...
 #                 [HEADER FILE] [OUTPUT_DIRECTORY DIR] [STRICT] [DESTINATION DIR [COMPONENT NAME]])
 #
-# Compiles a catalogue of messages: each source, called NAME_LANGUAGE.msg or NAME.msg, to a message
-# file of the same name with the extension .bmf. The first source is the reference that the others
-# are compared with; differences are warnings.
+# Compiles a message catalogue: each source, named NAME_LANGUAGE.msg or NAME.msg, becomes a message
+# file with the same name and the extension .bmf. The first source is the reference: the other
+# sources are compared with it, and each difference is a warning.
 #
-#   HEADER            a header with an enum of the first source's identifiers, written into
-#                     OUTPUT_DIRECTORY; what links TARGET can include it, and is built after it
-#   OUTPUT_DIRECTORY  where the files go; the current binary directory unless given
-#   STRICT            warnings are errors
-#   DESTINATION       where the message files are installed to, if they are; share/qblcore is where
-#                     programs look without being told, and COMPONENT is as of install()
+#   HEADER            writes this header into OUTPUT_DIRECTORY, with an enum of the identifiers of
+#                     the first source; targets that link TARGET can include it
+#   OUTPUT_DIRECTORY  the directory of the generated files; default: the current binary directory
+#   STRICT            treats warnings as errors
+#   DESTINATION       installs the message files into this directory; programs look in share/qblcore
+#                     by default; COMPONENT is passed to install(); default: not installed
 #
-# TARGET is an interface library; the files are built with all.
+# TARGET becomes an interface library. The default target (all) builds the files.
 function(qbl_add_catalog target name)
   cmake_parse_arguments(PARSE_ARGV 2 arg "STRICT" "HEADER;OUTPUT_DIRECTORY;DESTINATION;COMPONENT" "")
   set(sources ${arg_UNPARSED_ARGUMENTS})
   if(NOT sources)
-    message(FATAL_ERROR "qbl_add_catalog: ${name} has no sources")
+    message(FATAL_ERROR "qbl_add_catalog: catalogue ${name} has no sources: list its .msg files after the name")
   endif()
   set(directory "${CMAKE_CURRENT_BINARY_DIR}")
   if(arg_OUTPUT_DIRECTORY)
@@ -36,7 +36,7 @@ function(qbl_add_catalog target name)
     cmake_path(ABSOLUTE_PATH source)
     cmake_path(GET source STEM LAST_ONLY stem)
     if(NOT stem MATCHES "^${literal_name}(_[A-Za-z0-9_]+)?$")
-      message(FATAL_ERROR "qbl_add_catalog: ${source} is not called ${name}_LANGUAGE.msg")
+      message(FATAL_ERROR "qbl_add_catalog: unexpected file name ${source}: rename it to ${name}.msg or ${name}_LANGUAGE.msg")
     endif()
     set(made "${directory}/${stem}.bmf")
     set(options ${strict})

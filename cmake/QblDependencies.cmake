@@ -1,14 +1,14 @@
-# ICU::i18n, ICU::uc and ZLIB::ZLIB for the architecture being built.
-# Debian's i386 -dev packages cannot always be installed beside the amd64 ones;
-# then only the run-time libraries are there, under their versioned names, and
-# the headers are the amd64 packages' (they are the same files).
+# Finds ICU::i18n, ICU::uc and ZLIB::ZLIB for the architecture being built.
+# Debian's i386 -dev packages cannot always be installed beside the amd64 ones.
+# In that case only the run-time libraries exist, under their versioned names. The
+# headers then come from the amd64 packages; they are the same files.
 include(CheckCXXSourceRuns)
 macro(qbl_find_dependencies)
   set(_qbl_suffixes "${CMAKE_FIND_LIBRARY_SUFFIXES}")
   find_path(QBL_ICU_INCLUDE_DIR unicode/uvernum.h)
   mark_as_advanced(QBL_ICU_INCLUDE_DIR)
   if(NOT QBL_ICU_INCLUDE_DIR)
-    message(FATAL_ERROR "ICU's headers are not installed: run ./dev setup")
+    message(FATAL_ERROR "ICU headers not found (unicode/uvernum.h): run ./dev setup")
   endif()
   file(STRINGS "${QBL_ICU_INCLUDE_DIR}/unicode/uvernum.h" _qbl_icu_major REGEX "define U_ICU_VERSION_MAJOR_NUM ")
   string(REGEX MATCH "[0-9]+" _qbl_icu_major "${_qbl_icu_major}")
@@ -28,11 +28,11 @@ macro(qbl_find_dependencies)
     }" QBL_DEPENDENCIES_RUN)
   unset(CMAKE_REQUIRED_LIBRARIES)
   if(NOT QBL_DEPENDENCIES_RUN)
-    message(FATAL_ERROR "a program linked with ICU (${ICU_LIBRARIES}) and zlib (${ZLIB_LIBRARIES}) does not run: run ./dev setup, then delete ${CMAKE_BINARY_DIR}")
+    message(FATAL_ERROR "a test program linked with ICU (${ICU_LIBRARIES}) and zlib (${ZLIB_LIBRARIES}) does not run: run ./dev setup, delete ${CMAKE_BINARY_DIR} and configure again")
   endif()
 endmacro()
 
-# benchmark::benchmark, with the same fallback; leaves it undefined when absent.
+# Finds benchmark::benchmark with the same fallback; defines no target if it is not installed.
 macro(qbl_find_benchmark)
   find_package(benchmark QUIET CONFIG)
   if(NOT TARGET benchmark::benchmark)

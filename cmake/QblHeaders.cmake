@@ -1,5 +1,6 @@
-# Every public header compiles alone: as C++ by CMake's own target
-# all_verify_interface_header_sets, and what ends in .h also as C, by qbl_headers_as_c.
+# Checks that every public header compiles on its own. CMake's target
+# all_verify_interface_header_sets compiles all of them as C++; qbl_headers_as_c compiles the
+# headers that end in .h as C too.
 function(qbl_verify_headers_as_c library)
   get_target_property(_headers ${library} HEADER_SET)
   set(_sources)

@@ -1,13 +1,13 @@
-# cmake --install: headers under the names they are included by, the library, the tools, pkg-config
-# and CMake package files, what programs read at run time, man pages, examples.
+# cmake --install: installs the headers under the names that #include uses, the library, the tools,
+# pkg-config and CMake package files, the files that programs read at run time, man pages, examples.
 #
-# The layout stands in one macro, which is used twice. As the default it makes a tree that can be
-# moved, with two components: runtime and development. For the Debian packages (QblPackages.cmake)
-# it has the library in the directory of its architecture, a component per package, and is left out
-# of an installation of everything.
+# One macro defines the layout and is used twice. By default it makes a relocatable tree with two
+# components: runtime and development. For the Debian packages (QblPackages.cmake) it puts the
+# library into the directory of its architecture and makes one component per package; a plain
+# cmake --install skips these components.
 include(CMakePackageConfigHelpers)
 
-# What is in bin/. Their catalogues are in msgs/, their manuals in man/.
+# The programs in bin/. Their catalogues are in msgs/, their manuals in man/.
 set(_tools qblconv qblmsgc)
 set(_manuals ${_tools})
 list(TRANSFORM _manuals REPLACE "(.+)" "man/\\1.1")
@@ -19,7 +19,8 @@ foreach(_shell bash zsh fish)
   get_property(_completions_${_shell} GLOBAL PROPERTY QBL_COMPLETIONS_${_shell})
 endforeach()
 
-# qblcore.pc finds its prefix from where it lies itself, so that --prefix and moving are right.
+# Writes qblcore.pc. It computes its prefix from its own directory, so it stays right after
+# cmake --install --prefix and after the tree is moved.
 function(_qbl_configure_pc libdir output)
   if(IS_ABSOLUTE "${libdir}")
     set(_pc_prefix "${CMAKE_INSTALL_PREFIX}")
@@ -37,13 +38,13 @@ function(_qbl_configure_pc libdir output)
   configure_file(cmake/qblcore.pc.in "${output}" @ONLY)
 endfunction()
 
-# _qbl_install(EXPORT LIBDIR RUNTIME DEVELOPMENT TOOLS EXAMPLES ZSH [EXCLUDE_FROM_ALL]): three
-# components that the parts belong to, the directory that examples/ goes into, and that of zsh's
-# completions below share/zsh.
+# _qbl_install(EXPORT LIBDIR RUNTIME DEVELOPMENT TOOLS EXAMPLES ZSH [EXCLUDE_FROM_ALL])
+# RUNTIME, DEVELOPMENT and TOOLS name the components, EXAMPLES the directory for examples/, and ZSH
+# the directory below share/zsh for the zsh completions.
 macro(_qbl_install export libdir runtime development tools examples zsh)
   set(_cmakedir "${libdir}/cmake/QBLCore")
   set(_made "${CMAKE_BINARY_DIR}/installed/${export}")
-  # The unversioned name is of the run time: by it the library recognises its own directory.
+  # The unversioned name belongs to the run time: the library finds its own directory by it.
   install(TARGETS QBLCore EXPORT ${export}
     LIBRARY DESTINATION "${libdir}" COMPONENT ${runtime} ${ARGN}
     FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT ${development} ${ARGN})
@@ -77,9 +78,10 @@ endmacro()
 
 _qbl_install(QBLCoreTargets "${CMAKE_INSTALL_LIBDIR}" runtime development tools
   "${CMAKE_INSTALL_DATADIR}/qblcore" site-functions)
-# gdb loads NAME-gdb.py with the library NAME: from beside it, where that place is in its auto-load
-# safe-path, and from a tree of its own below /usr/share. So that an installation can be moved, it is
-# beside the library but below /usr.
+# gdb loads NAME-gdb.py together with the library NAME. It looks beside the library, if that
+# directory is in its auto-load safe-path, and below /usr/share/gdb/auto-load. A prefix outside
+# /usr gets the file beside the library, so the tree can be moved; /usr and / get it below
+# /usr/share/gdb/auto-load.
 install(CODE "
   set(_libdir \"${CMAKE_INSTALL_LIBDIR}\")
   cmake_path(ABSOLUTE_PATH _libdir BASE_DIRECTORY \"\${CMAKE_INSTALL_PREFIX}\")
@@ -90,7 +92,7 @@ install(CODE "
     RENAME \"$<TARGET_FILE_NAME:QBLCore>-gdb.py\")"
   COMPONENT development)
 
-# What has to be built for cmake --install.
+# Builds everything that cmake --install needs.
 add_custom_target(installed DEPENDS QBLCore ${_tools} completions)
 foreach(_catalogue IN LISTS _catalogues)
   add_dependencies(installed ${_catalogue}_files)

@@ -1,16 +1,16 @@
-# Three Debian packages by cpack -G DEB, for the architecture that was built: libqblcore1,
-# libqblcore-dev and qblcore-tools. Those of several architectures can be installed side by side, so
-# what they share is the same in each. scripts/package makes them for both widths.
+# cpack -G DEB makes three Debian packages for the architecture of the build: libqblcore1,
+# libqblcore-dev and qblcore-tools. The packages of two architectures can be installed side by side,
+# so the files at common paths are identical in both. scripts/package makes them for both widths.
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
   set(_architecture i386)
 else()
   set(_architecture amd64)
 endif()
 set(QBL_MAINTAINER "The QBLCore authors <qblcore@localhost.localdomain>" CACHE STRING
-  "who answers for the packages, with an address")
+  "maintainer of the packages, with a mail address")
 set(_triplet ${CMAKE_LIBRARY_ARCHITECTURE})
 if(NOT _triplet)
-  # Not a system with directories by architecture, and so none for Debian packages.
+  # Without one directory per architecture this is not Debian: make no packages.
   return()
 endif()
 set(_runtime libqblcore${PROJECT_VERSION_MAJOR})
@@ -22,7 +22,8 @@ _qbl_install(QBLCorePackageTargets "lib/${_triplet}" ${_runtime} ${_development}
   "share/doc/${_development}" vendor-completions EXCLUDE_FROM_ALL)
 install(FILES "${_printers}" DESTINATION "share/gdb/auto-load/usr/lib/${_triplet}"
   RENAME "$<TARGET_FILE_NAME:QBLCore>-gdb.py" COMPONENT ${_development} EXCLUDE_FROM_ALL)
-# The system's linker finds the library; manuals are compressed.
+# The system's dynamic linker finds the library, so the run path is removed. Debian compresses
+# manuals.
 set(_paths ${_tools})
 list(TRANSFORM _paths PREPEND "\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/bin/")
 install(CODE "
@@ -66,12 +67,12 @@ set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
-# Each has its own; this one would be put in front of them.
+# Each package has its own summary. CPack would put this one in front of it.
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
 set(_version "${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}")
 
-# _qbl_package(NAME SECTION MULTIARCH DEPENDS SUMMARY DESCRIPTION). This CPack knows no field
-# Multi-Arch; it comes with the section, which is the line above it.
+# _qbl_package(NAME SECTION MULTIARCH DEPENDS SUMMARY DESCRIPTION). This CPack has no variable for
+# the field Multi-Arch, so the value of Section contains it as a second line.
 macro(_qbl_package name section multiarch depends summary description)
   string(TOUPPER "${name}" _upper)
   set(CPACK_DEBIAN_${_upper}_PACKAGE_NAME ${name})
@@ -79,8 +80,8 @@ macro(_qbl_package name section multiarch depends summary description)
   set(CPACK_DEBIAN_${_upper}_PACKAGE_DEPENDS "${depends}")
   set(CPACK_DEBIAN_${_upper}_DESCRIPTION "${summary}\n${description}")
 endmacro()
-# dpkg-shlibdeps finds the packages of libraries that are installed. Those that setup has only
-# unpacked have to be named.
+# dpkg-shlibdeps finds the packages of installed libraries. Libraries that scripts/setup only
+# unpacked belong to no installed package, so their packages are named here.
 set(_asks ON)
 set(_needs)
 if(CMAKE_BUILD_RPATH)
@@ -92,9 +93,9 @@ _qbl_package(${_runtime} libs same "${_needs}" "core class library for servers a
 and messages in the reader's language, files and locks between processes,
 Unicode strings and converters, plug-ins and periodic housekeeping.
 .
-This package has the library, its resource files and its catalogues. The name
-without a version, libQBLCore.so, is here and not in the development package:
-by it the library finds its own directory, and with that these files.")
+This package contains the library, its resource files and its catalogues. The
+unversioned name libQBLCore.so is in this package and not in the development
+package: the library finds its own directory and these files by that name.")
 _qbl_package(${_development} libdevel same
   "${_runtime} (= ${_version}), ${_programs} (>= ${_version})"
   "core class library for servers and tools (development files)"
@@ -102,24 +103,24 @@ _qbl_package(${_development} libdevel same
 and messages in the reader's language, files and locks between processes,
 Unicode strings and converters, plug-ins and periodic housekeeping.
 .
-This package has the headers, what CMake and pkg-config want, examples, and
-printers for gdb.")
+This package contains the headers, the files for CMake and pkg-config,
+examples, and printers for gdb.")
 _qbl_package(${_programs} devel foreign "${_runtime} (>= ${_version})"
   "core class library for servers and tools (tools)"
 "A converter of text files between encodings, the compiler of message
-catalogues, and manuals of the formats of files that programs with QBLCore
-read. Those of one width serve the libraries of both.")
+catalogues, and manuals of the file formats that QBLCore programs read. The
+tools of one architecture serve the libraries of both.")
 foreach(_package ${_runtime} ${_programs})
   string(TOUPPER "${_package}" _upper)
   set(CPACK_DEBIAN_${_upper}_PACKAGE_SHLIBDEPS ${_asks})
   set(CPACK_DEBIAN_${_upper}_DEBUGINFO_PACKAGE ON)
 endforeach()
-# Some headers include ICU's. Those of another architecture do as well, being the same files, and
-# cannot always be had for both.
+# Some public headers include ICU's headers. libicu-dev is only recommended, because it cannot always
+# be installed for both architectures; the headers are the same files in both.
 string(TOUPPER "${_development}" _upper)
 set(CPACK_DEBIAN_${_upper}_PACKAGE_RECOMMENDS "libicu-dev")
 string(TOUPPER "${_runtime}" _upper)
 set(CPACK_DEBIAN_${_upper}_PACKAGE_CONTROL_EXTRA "${_debian}/triggers")
-# The tools' library is in a package that is made at the same time.
+# The tools need libQBLCore, which is in a package of the same run: dpkg-shlibdeps finds it here.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_BINARY_DIR}")
 include(CPack)

@@ -1,4 +1,4 @@
-# GoogleTest from Debian's sources, so that it exists for every width and sanitizer.
+# Builds GoogleTest from Debian's sources, so it is available for every width and sanitizer.
 set(INSTALL_GTEST OFF)
 set(BUILD_GMOCK OFF)
 add_subdirectory(/usr/src/googletest googletest EXCLUDE_FROM_ALL SYSTEM)
@@ -8,7 +8,7 @@ foreach(_t gtest gtest_main)
 endforeach()
 include(GoogleTest)
 
-# qbl_add_test(NAME LABEL SOURCE...): one executable, each of its cases a test of its own.
+# qbl_add_test(NAME LABEL SOURCE...): adds one executable; each of its test cases is a CTest test.
 function(qbl_add_test name label)
   add_executable(${name} ${ARGN})
   target_link_libraries(${name} PRIVATE qbl_flags qbl_test_flags qbl_test_support QBLCore::QBLCore gtest gtest_main)

@@ -1,5 +1,5 @@
-# 32-bit x86 code from the amd64 compiler. CMAKE_SYSTEM_NAME stays unset on purpose:
-# the results run on the build host, so this is not a cross build.
+# Builds 32-bit x86 code with the amd64 compiler. CMAKE_SYSTEM_NAME stays unset on purpose:
+# the programs run on the build host, so this is not a cross build.
 if(NOT CMAKE_CXX_COMPILER)
   set(CMAKE_C_COMPILER gcc)
   set(CMAKE_CXX_COMPILER g++)
@@ -9,8 +9,8 @@ foreach(_lang C CXX)
 endforeach()
 set(CMAKE_LIBRARY_ARCHITECTURE i386-linux-gnu)
 
-# Libraries that the setup step unpacked because they could not be installed. They find
-# each other through the inherited DT_RPATH; DT_RUNPATH would not reach that far.
+# Libraries that scripts/setup unpacked because they could not be installed. They find each
+# other by the program's DT_RPATH. DT_RUNPATH would not work: libraries do not inherit it.
 get_filename_component(_qbl_deps "${CMAKE_CURRENT_LIST_DIR}/../.deps/i386" ABSOLUTE)
 if(EXISTS "${_qbl_deps}/usr/lib/i386-linux-gnu/libicuuc.so.72")
   list(APPEND CMAKE_PREFIX_PATH "${_qbl_deps}/usr" "${_qbl_deps}")

@@ -1,12 +1,13 @@
 # shellcheck shell=bash
-# Sourced by scripts/setup: installing by apt without touching what is there, and taking
-# 32-bit libraries as files where they cannot be installed. $log holds apt's last words.
+# Sourced by scripts/setup. Installs packages by apt without changing the installed ones, and
+# unpacks 32-bit libraries that cannot be installed. $log contains the output of the last apt run.
 export LC_ALL=C DEBIAN_FRONTEND=noninteractive
 apt=(apt-get -q -o DPkg::Lock::Timeout=300 -o Acquire::Retries=3 -o Dpkg::Use-Pty=0)
 how=(install -y --no-install-recommends --no-remove)
 updated=0
 
-# How this user becomes root, in $as_root; fails if there is no way.
+# Sets $as_root to the command prefix that runs a command as root. Fails if this user cannot
+# become root.
 find_root() {
   as_root=()
   [ "$(id -u)" != 0 ] || return 0
@@ -15,32 +16,33 @@ find_root() {
   sudo -n true 2>/dev/null || { [ -t 0 ] && sudo true; }
 }
 
-# The index of one suite and architecture may be broken for days, and the update then fails
-# although all others are in place: what can be installed decides, not its status.
+# The index of a single suite and architecture may be broken for days. The update then fails
+# although all other indexes are up to date. Its status is therefore ignored: the next install
+# shows whether the packages are available.
 apt_update() {
   [ $updated = 0 ] || return 1
   updated=1
   say "reading the package lists"
   "${as_root[@]}" "${apt[@]}" update </dev/null >"$log" 2>&1 || {
-    say "some lists could not be read, going on with the others:"
+    say "warning: apt-get update failed for some package lists, continuing with the others:"
     apt_errors
   }
 }
 apt_errors() { { sed -n '/unmet dep/,$p' "$log"; grep -E '^(E|Err|W):' "$log"; } | head -n 8 | cut -c1-160 | sed 's/^/    /'; }
 
-# try_install KEEP PACKAGE...: only packages that are not there yet. Some depend on an exact
-# version of one that is, and that one then has to move with them: this is said, and with KEEP
-# refused.
+# try_install keep|move PACKAGE...: installs packages that are not installed yet. A new package may
+# depend on an exact newer version of an installed one. With "move", apt upgrades the installed
+# package too and this is reported; with "keep", the installation fails instead.
 try_install() {
   local keep=$1 moved
   shift
   "${apt[@]}" -s "${how[@]}" "$@" </dev/null >"$log" 2>&1 || return 1
   moved=$(awk '$1 == "Inst" && $3 ~ /^\[/ {printf " %s", $2}' "$log")
   if [ -n "$moved" ] && [ "$keep" = keep ]; then
-    echo "E: refused, because these would change:$moved" >>"$log"
+    echo "E: not installed, because apt would upgrade installed packages:$moved" >>"$log"
     return 1
   fi
-  [ -z "$moved" ] || say "a new package demands a newer version of:$moved"
+  [ -z "$moved" ] || say "apt upgrades these packages, because a new package depends on it:$moved"
   say "installing $*"
   "${as_root[@]}" "${apt[@]}" "${how[@]}" "$@" </dev/null >"$log" 2>&1
 }
@@ -53,7 +55,8 @@ add_i386() {
   updated=0
 }
 
-# unpack PACKAGE...: their files under $deps, which needs no root and no agreement of versions.
+# unpack PACKAGE...: unpacks the files of packages under $deps. Needs no root, and the versions need
+# not match the installed packages.
 unpack() {
   local tmp package deb
   tmp=$(mktemp -d) || return 1

@@ -1,4 +1,4 @@
-"""Draws the ratios of a table of benchmarks: a chart for each area, a bar for each width."""
+"""Draws the ratios of a benchmark table: one chart per area, with a bar for each width."""
 import math
 import os
 import re
@@ -14,7 +14,7 @@ AREAS = {
     "types": "Data types and utilities",
     "tools": "Programs",
 }
-# Ratios beyond these are drawn at the edge; their figures are written beside the bars all the same.
+# Bars of ratios outside this range end at the edge; the figure beside the bar shows the real ratio.
 LEAST, MOST = 1 / 64, 4
 TITLES, PLOT, FIGURES = 470, 330, 90  # widths, from left to right
 TOP, ROW, BAR = 62, 24, 8
@@ -40,11 +40,11 @@ def ratio_of(cell):
 
 
 class Pair:
-    """A line of the table: title, limit, and for each width ours, peer, ratio, verdict."""
+    """A table row: title, limit, and for each width our figure, the peer's, ratio, verdict."""
 
     def __init__(self, cells):
         self.title = cells[0]
-        # A limit with a unit is for our figure, not for the ratio.
+        # A limit with a unit applies to our figure, not to the ratio.
         self.limit = ratio_of(cells[1])
         self.ratios = [ratio_of(cell) for cell in cells[4::4]]
 
@@ -94,9 +94,9 @@ def chart(heading, widths, pairs):
 
 
 def write(folder, lines, areas):
-    """Writes a chart for each area of which there are figures.
+    """Writes a chart for each area that has figures.
 
-    lines are the table's, the header first; areas are the names of areas by the pairs' titles.
+    lines: the rows of the table, the header first; areas: maps titles of pairs to names of areas.
     """
     widths = [cell.split()[0] for cell in lines[0][2::4]]
     charts = {}
@@ -110,7 +110,7 @@ def write(folder, lines, areas):
 
 
 def tables(path):
-    """The lines of each table of a page, in cells."""
+    """Returns each benchmark table of a page as a list of rows, each a list of cells."""
     found = []
     with open(path, encoding="utf-8") as page:
         previous = ""

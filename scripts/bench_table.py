@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Measures the pairs of bench/pairs.txt and prints ours beside each yardstick.
+"""Measures the pairs of bench/pairs.txt and prints our figure beside each yardstick's.
 
-Each pair is measured in a process of its own, in which the repetitions of the two sides take
-turns; the figures are medians. A measurement that other programs disturbed is done again.
+Each pair runs in its own process, in which the repetitions of the two sides alternate. The figures
+are medians. A measurement that other programs disturbed is repeated.
 """
 import argparse
 import datetime
@@ -19,9 +19,9 @@ import bench_charts
 import bench_tools
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
-# What Google Benchmark appends to a name.
+# The suffixes that Google Benchmark appends to a name.
 SUFFIX = re.compile(r"(/real_time|/manual_time|/iterations:\d+|/threads:\d+)+$")
-# Share of one processor that other programs may use during a measurement.
+# The share of one processor that other programs may use during a measurement.
 DISTURBED = 0.1
 
 
@@ -30,7 +30,7 @@ class Row:
         self.area = area
         self.title, self.ours, self.peer, limit, clock = (part.strip() for part in line.split("|"))
         number, _, unit = limit.partition(" ")
-        # Whether the limit is for our figure, not for the ratio.
+        # True if the limit applies to our figure, not to the ratio.
         self.absolute = bool(unit) and not unit.startswith("of ")
         self.unit = unit if self.absolute else unit[len("of "):]
         self.limit = None if number == "-" else float(number)
@@ -40,7 +40,7 @@ class Row:
         return tuple(side.partition(":")[0] for side in (self.ours, self.peer))
 
     def value(self, runs, side):
-        """The median of a side, in its unit; None if it was not measured."""
+        """Returns the median of a side in its unit; None if the side was not measured."""
         name, _, counter = side.partition(":")
         values = [run[counter or self.field] for run in runs.get(name, [])]
         return statistics.median(values) if values else None
@@ -64,7 +64,7 @@ def read_pairs(pattern):
 
 
 def others_time():
-    """Seconds of processor time that others than the measured programs have used so far."""
+    """Returns the seconds of processor time that programs other than the measured ones used."""
     with open("/proc/stat", encoding="utf-8") as stat:
         user, nice, system, _, _, irq, softirq, steal = map(int, stat.readline().split()[1:9])
     ticks = user + nice + system + irq + softirq + steal
@@ -73,7 +73,8 @@ def others_time():
 
 
 def measure_undisturbed(measure, program, names, options):
-    """What measure() of a program gives, and the others' share of a processor meanwhile: the best of a few."""
+    """Calls measure() up to options.attempts times and returns the least disturbed result, with the
+    share of a processor that other programs used meanwhile."""
     best = None
     for attempt in range(options.attempts):
         if attempt > 0:
@@ -89,12 +90,12 @@ def measure_undisturbed(measure, program, names, options):
 
 
 def escaped(name):
-    """As the benchmark library's expressions have it: they know no escaped hyphen."""
+    """Escapes a name for Google Benchmark's regular expressions, which have no escaped hyphen."""
     return re.escape(name).replace(r"\-", "-")
 
 
 def run_benchmarks(program, names, options):
-    """Runs the benchmarks of these names; a list of runs by name, without those that failed."""
+    """Runs the benchmarks with these names. Returns the runs by name, without failed ones."""
     present = subprocess.run([program, "--benchmark_list_tests"], check=True, text=True,
                              stdout=subprocess.PIPE).stdout.split()
     chosen = [name for name in present if SUFFIX.sub("", name) in names]
@@ -118,7 +119,7 @@ def run_benchmarks(program, names, options):
 
 
 class Measurements:
-    """Cells of the table: ours, peer, ratio, verdict; and what there is to say about them."""
+    """Makes the cells of the table (ours, peer, ratio, verdict) and collects notes about them."""
 
     def __init__(self, measure, programs, options):
         self.measure, self.programs, self.options = measure, programs, options
@@ -137,10 +138,11 @@ class Measurements:
         ours, peer = (row.value(runs, side) for side in (row.ours, row.peer))
         if ours is None or (peer is None and not row.absolute):
             missing = names[0] if ours is None else names[1]
-            self.notes.append(f"{width}: {row.title}: left out, no {missing} here")
+            self.notes.append(f"{width}: {row.title}: not measured, {missing} is not available")
             return [""] * 4
         if share > DISTURBED:
-            self.notes.append(f"{width}: {row.title}: others used {share:.1f} processors meanwhile")
+            self.notes.append(f"{width}: {row.title}: disturbed, other programs used "
+                              f"{share:.1f} processors")
         ratio = None if peer is None else ours / peer
         judged = ours if row.absolute else ratio
         verdict = "" if row.limit is None else "ok" if judged <= row.limit else "over"
@@ -177,19 +179,20 @@ def machine():
 
 
 def print_line(line, title_width):
-    # Line by line, as they are measured: the whole takes minutes.
+    # Printed as soon as it is measured, because the whole table takes minutes.
     texts = [line[0].ljust(title_width)] + [text.rjust(9) for text in line[1:]]
     print(" ".join(texts).rstrip(), flush=True)
 
 
 def write_markdown(path, about, lines, notes, mark="measured"):
-    """Replaces what stands between the marks of a page."""
+    """Replaces the text between the two marks of a page."""
     begin, end = f"<!-- {mark} -->", f"<!-- /{mark} -->"
     with open(path, encoding="utf-8") as page:
         before, found, rest = page.read().partition(begin)
     _, closed, after = rest.partition(end)
     if not found or not closed:
-        raise SystemExit(f"{path} has no marks {begin} and {end}")
+        raise SystemExit(f"bench: {path} lacks the marks {begin} and {end}: add them where the "
+                         "table belongs")
     body = [f"- {line}" for line in about] + [""]
     rule = ["---"] + ["--:"] * (len(lines[0]) - 1)
     body += ["| " + " | ".join(line) + " |" for line in [lines[0], rule] + lines[1:]]
@@ -199,7 +202,7 @@ def write_markdown(path, about, lines, notes, mark="measured"):
 
 
 def report(rows, results, options, mark):
-    """Measures, prints and, if that is asked for, writes one table and its charts."""
+    """Measures and prints one table. With --markdown, also writes the table and its charts."""
     about = machine()
     print("\n".join(about) + "\n")
     lines = [["pair", "at most"]]
@@ -221,30 +224,35 @@ def report(rows, results, options, mark):
 
 
 def draw_again(page, rows):
-    """Charts of the figures that a page has, without measuring anything."""
+    """Draws the charts again from the figures of a page, without measuring."""
     areas = {row.title: row.area for row in rows}
     for lines in bench_charts.tables(page):
         for line in lines[1:]:
             if line[0] not in areas:
-                print(f"{page}: no such pair, not drawn: {line[0]}", file=sys.stderr)
+                print(f"bench: {page}: not in bench/pairs.txt, not drawn: {line[0]}",
+                      file=sys.stderr)
         bench_charts.write(os.path.dirname(page), lines, areas)
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.partition("\n")[0])
     parser.add_argument("builds", nargs="*", metavar="WIDTH=FOLDER")
-    parser.add_argument("--filter", default="", help="only rows that contain this expression")
+    parser.add_argument("--filter", default="", help="only rows that match this regular expression")
     parser.add_argument("--repetitions", type=int, default=5)
-    parser.add_argument("--time", type=float, default=0.2, help="least seconds per repetition")
-    parser.add_argument("--attempts", type=int, default=3, help="for an undisturbed measurement")
-    parser.add_argument("--files", type=int, default=1000000, help="the many files of the tools")
-    parser.add_argument("--mebibytes", type=int, default=1024, help="of a large file of the tools")
-    parser.add_argument("--markdown", metavar="PAGE", help="also write tables and charts there")
-    parser.add_argument("--charts", metavar="PAGE", help="only draw the figures of this page again")
+    parser.add_argument("--time", type=float, default=0.2, help="minimum seconds per repetition")
+    parser.add_argument("--attempts", type=int, default=3,
+                        help="how often a disturbed measurement is tried")
+    parser.add_argument("--files", type=int, default=1000000,
+                        help="number of files in the pair of many files")
+    parser.add_argument("--mebibytes", type=int, default=1024, help="size of the large files")
+    parser.add_argument("--markdown", metavar="PAGE",
+                        help="also write the tables into this page and the charts beside it")
+    parser.add_argument("--charts", metavar="PAGE",
+                        help="only redraw the charts from the figures of this page")
     options = parser.parse_args()
     rows = read_pairs(options.filter)
     if not rows:
-        raise SystemExit(f"no pair contains '{options.filter}'")
+        raise SystemExit(f"bench: no row of bench/pairs.txt matches '{options.filter}'")
     if options.charts:
         draw_again(options.charts, rows)
         return

@@ -1,6 +1,7 @@
 """Measures whole programs side by side: qblconv, a bare loop over ICU, and iconv.
 
-Their results are compared first; then they take turns. Everything lies in memory if it has room.
+Compares their results first; then the runs of the programs alternate. All files are in memory if
+it has room for them.
 """
 import hashlib
 import os
@@ -11,7 +12,7 @@ import tempfile
 import threading
 import time
 
-ROOM = 8 << 30  # for input and results of all measurements, in bytes
+ROOM = 8 << 30  # bytes that input and results of all measurements need
 JAPANESE = ("古池や蛙飛びこむ水の音\n閑さや岩にしみ入る蝉の声\n番号,氏名,カナ,郵便番号,住所\n"
             "1,佐藤花子,ｻﾄｳ ﾊﾅｺ,100-0001,東京都千代田区千代田\n"
             "The quick brown fox jumps over the lazy dog.\n")
@@ -27,7 +28,7 @@ def available_memory():
 
 
 def scratch(files):
-    """Memory, if it has room for all of it and for as many names, else the build's folder."""
+    """Returns /dev/shm if it has room for the bytes and the file names, else the build folder."""
     shm = "/dev/shm"
     if os.path.isdir(shm):
         disk = os.statvfs(shm)
@@ -38,7 +39,8 @@ def scratch(files):
 
 
 class Peak:
-    """Watches the resident memory of a process: what wait4() tells counts its parent's, too."""
+    """Samples the peak resident memory of a process. The figure of wait4() alone does not do: it
+    includes the memory of the parent before exec."""
 
     def __init__(self, pid):
         self.kilobytes, self.path, self.ended = 0, f"/proc/{pid}/status", threading.Event()
@@ -58,17 +60,17 @@ class Peak:
     def megabytes(self, waited):
         self.ended.set()
         self.thread.join()
-        # More than the parent ever had is the process's own, to the end.
+        # A figure above the parent's peak is the process's own, and exact.
         if waited > resource.getrusage(resource.RUSAGE_SELF).ru_maxrss:
             self.kilobytes = waited
         return self.kilobytes * 1024 / 1e6
 
 
 def run(command, watched):
-    """Nanoseconds and, if watched, peak megabytes of a program that has to succeed."""
+    """Runs a program, which must succeed. Returns nanoseconds and, if watched, peak megabytes."""
     with open(os.devnull, "r+b") as null:
         start = time.perf_counter_ns()
-        # pylint: disable-next=consider-using-with  # wait4() is what waits for it
+        # pylint: disable-next=consider-using-with  # wait4() waits for the process
         process = subprocess.Popen(command, stdin=null, stdout=null)
         peak = Peak(process.pid) if watched else None
         _, status, usage = os.wait4(process.pid, 0)
@@ -76,7 +78,7 @@ def run(command, watched):
     process.returncode = os.waitstatus_to_exitcode(status)
     megabytes = peak.megabytes(usage.ru_maxrss) if watched else 0
     if process.returncode != 0:
-        raise SystemExit(f"{' '.join(command)}: status {process.returncode}")
+        raise SystemExit(f"bench: exit status {process.returncode} of: {' '.join(command)}")
     return {"real_time": taken, "peak": megabytes}
 
 
@@ -86,7 +88,8 @@ def digest_of_output(command):
 
 
 def digest_of_tree(top):
-    """Of the names and contents of all files, from the directory down that has several entries."""
+    """Returns a digest of the names and contents of all files. Skips directories from the top that
+    have a single subdirectory as their only entry."""
     while len(os.listdir(top)) == 1 and os.path.isdir(os.path.join(top, os.listdir(top)[0])):
         top = os.path.join(top, os.listdir(top)[0])
     paths = sorted(os.path.join(folder, name) for folder, _, names in os.walk(top) for name in names)
@@ -99,7 +102,7 @@ def digest_of_tree(top):
 
 
 class Bench:
-    """Makes what is converted, once each, and keeps it until the end."""
+    """Creates each input once, and keeps it until the end."""
 
     def __init__(self, options):
         self.options = options
@@ -113,7 +116,7 @@ class Bench:
         shutil.rmtree(self.folder)
 
     def measure(self, build, names, _):
-        """Runs of both sides by name; without those whose program is not there."""
+        """Returns the runs of both sides by name; nothing if a program is not installed."""
         commands = {name: self.command(name, build) for name in names}
         commands = {name: command for name, command in commands.items() if shutil.which(command[0])}
         what = names[0].partition("/")[0]
@@ -138,7 +141,7 @@ class Bench:
     def compare(commands, digest):
         results = {name: digest(command) for name, command in commands.items()}
         if len(set(results.values())) != 1:
-            raise SystemExit(f"different results: {results}")
+            raise SystemExit(f"bench: the programs give different results: {results}")
 
     def tree_digest(self, command):
         self.clear()
@@ -149,7 +152,7 @@ class Bench:
         wanted = self.count_of(name.partition("/")[0])
         found = sum(len(names) for _, _, names in os.walk(self.out))
         if found != wanted:
-            raise SystemExit(f"{name}: {found} results of {wanted} files")
+            raise SystemExit(f"bench: {name}: wrote {found} files, expected {wanted}")
 
     def count_of(self, what):
         return self.options.files // PER_FOLDER * PER_FOLDER if what == "many" else FEW
@@ -186,7 +189,7 @@ class Bench:
         with open(path, "wb") as out:
             while left > len(block):
                 left -= out.write(block)
-            # What is left may not end within a character.
+            # ASCII, because a cut copy of the block could end within a character.
             out.write(b"." * left)
 
     @staticmethod
@@ -199,7 +202,7 @@ class Bench:
                 out.write(b"%d\n" % number + text * (4000 // len(text)))
 
     def make_links(self, what, path):
-        """Links to a thousand small files, in folders of a thousand: they need hardly any room."""
+        """Makes hard links to a thousand small files, a thousand per folder, to save space."""
         originals = os.path.join(self.folder, what + "-originals")
         os.mkdir(originals)
         for number in range(PER_FOLDER):

@@ -1,8 +1,8 @@
 # shellcheck shell=bash
-# Sourced by every script here: where the tree is, how to speak, what to make sure of.
+# Sourced by the scripts here: the path of the tree, messages, and installing packages.
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 me=$(basename "$0")
-# A stray value makes the linker take libraries of the wrong width.
+# If the user has set it, the linker may pick libraries of the wrong width.
 unset LIBRARY_PATH
 
 say() { printf '%s: %s\n' "$me" "$*"; }
@@ -14,5 +14,5 @@ usage() {
   printf 'usage: %s\n' "$*" >&2
   exit 2
 }
-# need GROUP...: installs what is missing of these groups of scripts/packages.txt.
+# need GROUP...: installs the missing packages of these groups of scripts/packages.txt.
 need() { "$root/scripts/setup" --quiet "$@" || exit 1; }

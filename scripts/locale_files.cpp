@@ -1,5 +1,5 @@
-// Writes the per-locale resource files, of the locale data of ICU, into a directory. The target
-// resource_files runs it on res/.
+// Generates the resource files of each language from ICU's locale data and writes them into a
+// directory. The target resource_files runs it on res/.
 
 #include <unicode/locid.h>
 #include <unicode/measunit.h>
@@ -27,7 +27,7 @@
 
 namespace {
 
-/// The language whose files have the tables that are the same for all languages.
+/// The files of this language contain the tables that do not depend on the language.
 const char kTables[] = "en";
 
 struct Language {
@@ -79,7 +79,7 @@ std::string escaped(const std::string& text) {
     return out;
 }
 
-/// One of the files.
+/// A resource file that is being written.
 class File {
 public:
     File(const std::string& directory, const std::string& name, const char* root,
@@ -99,13 +99,14 @@ public:
             << "),\nwhich is under the Unicode License: https://www.unicode.org/license.txt\n-->\n"
             << "<" << root << ">\n";
     }
-    /// Ends the file. @throws if it could not be written
+    /// Writes the end of the file.
+    /// @throws std::runtime_error if the file could not be written
     void finish() {
         m_out << "</" << m_pRoot << ">\n";
         if (!m_out.flush()) throw std::runtime_error("cannot write " + m_path);
     }
 
-    /// @param value  the attributes of the value
+    /// @param value  the attributes of the element "value"
     void entry(const std::string& name, const std::string& value) {
         m_out << "<entry name=\"" << escaped(name) << "\">\n<value " << value << "/>\n</entry>\n";
     }
@@ -142,7 +143,7 @@ std::set<std::string> currencies() {
     return all;
 }
 
-/// The currency of a country; empty if it has none.
+/// Returns the currency of a country; empty if it has none.
 std::string currencyOf(const std::string& country) {
     Status status;
     UChar code[4] = {};
@@ -151,7 +152,7 @@ std::string currencyOf(const std::string& country) {
     return name != "XXX" ? name : "";
 }
 
-/// The currencies that the data has for a country, and whether each of them was given up.
+/// Returns the currencies of a country, past and present; true means that it was given up.
 std::map<std::string, bool> historyOf(const std::string& country) {
     Status status, none;
     const icu::LocalUResourceBundlePointer all(
@@ -176,7 +177,8 @@ std::map<std::string, bool> historyOf(const std::string& country) {
     return result;
 }
 
-/// Currencies that are no longer used and have the same successor wherever they were.
+/// Maps each currency that no country uses any more to its successor, if all its countries have the
+/// same one.
 std::map<std::string, std::string> successors() {
     std::map<std::string, std::set<std::string>> next;
     std::set<std::string> used;
@@ -210,8 +212,9 @@ std::map<std::string, std::string> currenciesOfLCIDs() {
         char back[ULOC_FULLNAME_CAPACITY] = "";
         Status status;
         uloc_getLocaleForLCID(lcid, back, sizeof back, status);
-        // A locale without an identifier of its own has its language's; one that is named by its
-        // script has that of the same locale without.
+        // Skips locales that share the identifier of another locale. A locale without its own
+        // identifier has that of its language; a locale with a script may have that of the locale
+        // without the script.
         icu::Locale own(locale), other(back);
         own.minimizeSubtags(status);
         other.minimizeSubtags(status);
@@ -264,7 +267,7 @@ void writeWords(const std::string& directory, const Language& language) {
     file.finish();
 }
 
-/// The word for a number of units, which is what is left of "5 years" without the number.
+/// Returns the word for a unit of time: "years" from "5 years".
 std::string unitWord(const char* language, const icu::MeasureUnit& unit, int number) {
     Status status;
     const icu::UnicodeString text = icu::number::NumberFormatter::withLocale(icu::Locale(language))

@@ -1,14 +1,15 @@
 # shellcheck shell=bash
-# Sourced: configure, build and test the presets of CMakePresets.json.
+# Sourced. Functions that configure, build and test the presets of CMakePresets.json.
 
-# What a cache remembers of the machine and cannot find out to be wrong.
+# Prints facts about the machine that a CMake cache stores and does not check again.
 surroundings() {
   command -v ccache
   find "$root/.deps/i386" -maxdepth 1 -name '.have-*' 2>/dev/null | sort
 }
 
-# configure PRESET: quiet, unless it fails. A cache from other surroundings is given up, and so is
-# one that fails, because it may remember what was missing before setup.
+# configure PRESET: prints nothing unless it fails. Discards a cache made in other surroundings.
+# Discards it also if configuring fails, because the cache may record a package as missing that
+# scripts/setup has installed since.
 configure() {
   local log=$root/build/$1/configure.log seen=$root/build/$1/surroundings how=()
   mkdir -p "$root/build/$1"
@@ -17,10 +18,10 @@ configure() {
   (cd "$root" && cmake "${how[@]}" --preset "$1") >"$log" 2>&1 && return
   (cd "$root" && cmake --fresh --preset "$1") >"$log" 2>&1 && return
   tail -n 30 "$log" >&2
-  die "$1 cannot be configured: see above, or the whole of $log"
+  die "cannot configure preset $1: see above; the complete log is $log"
 }
 
-# build PRESET [TARGET...]: also runs a tool that was built.
+# build PRESET [TARGET...]: configures and builds. The build also runs programs that it has built.
 build() {
   local preset=$1 run=()
   shift
@@ -29,14 +30,15 @@ build() {
   (cd "$root" && "${run[@]}" cmake --build --preset "$preset" -j "$(nproc)" ${1:+--target "$@"})
 }
 
-# The thread sanitizer of this compiler knows the address layouts of up to 28 random bits.
+# The thread sanitizer of this compiler supports address layouts with up to 28 random bits. Runs a
+# command without address randomization if the kernel uses more.
 without_wide_aslr() {
   local bits
   bits=$(cat /proc/sys/vm/mmap_rnd_bits 2>/dev/null) || bits=28
   if [ "$bits" -gt 28 ] && setarch -R true 2>/dev/null; then setarch -R "$@"; else "$@"; fi
 }
 
-# run_tests PRESET [CTEST-ARGUMENT...]: leaves the counts in build/PRESET/tests.xml.
+# run_tests PRESET [CTEST-ARGUMENT...]: runs the tests and writes build/PRESET/tests.xml.
 run_tests() {
   local preset=$1 run=()
   shift
@@ -46,7 +48,7 @@ run_tests() {
     --output-junit "$root/build/$preset/tests.xml" "$@")
 }
 
-# test_counts PRESET: "N of M tests passed", and how many were skipped.
+# test_counts PRESET: prints "N of M tests passed", and the number of skipped tests if not 0.
 test_counts() {
   local xml=$root/build/$1/tests.xml all failed skipped
   [ -s "$xml" ] || { echo "the tests did not run"; return; }

@@ -1,5 +1,5 @@
-// Writes the type catalogue as docs/types.md to standard output. The target types_page puts it
-// there.
+// Prints the page docs/types.md from the library's type tables. The target types_page writes the
+// output to the file.
 
 #include <cstddef>
 #include <cstdio>
