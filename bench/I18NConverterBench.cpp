@@ -22,7 +22,7 @@ IcuConverter open(const char* encoding) {
     return IcuConverter(ucnv_open(encoding, &status));
 }
 
-/// Starts the layer, so that converters for UTF-8 are made from a prepared one.
+/// Initializes the layer, so that converters for UTF-8 are cloned from a prepared one.
 class Started {
 public:
     Started() { I18NInitialize(); }
@@ -47,12 +47,13 @@ void itsClone(benchmark::State& state, const char* encoding) {
     }
 }
 
-/// ICU looks names up in its tables, but for UTF-8.
+/// ICU looks up the name in its tables, except for UTF-8.
 void itsOpen(benchmark::State& state, const char* encoding) {
     for (auto _ : state) benchmark::DoNotOptimize(open(encoding));
 }
 
-// Whole texts into buffers that are there, of which the first is the encoding's.
+// The benchmarks below convert whole texts between preallocated buffers. The encoded text has
+// kBlock bytes.
 constexpr std::size_t kBlock = 1 << 16;
 
 struct Text {
@@ -61,7 +62,7 @@ struct Text {
 };
 const Text kTexts[] = {{"windows-1252", Script::ASCII}, {"Shift_JIS", Script::CJK}};
 
-/// Characters that the encoding does not have are left out.
+/// A text in both forms, without the characters that the encoding lacks, and room for the results.
 struct Buffers {
     explicit Buffers(const Text& text) {
         const I18NConverter converter(text.encoding);
@@ -159,7 +160,8 @@ const OutputCheck check("I18NConverter", [] {
         encode(converter, ours);
         encode(peer.get(), its);
         decode(peer.get(), its);
-        // A character cut at the block's end is an error value in the text, and back is another.
+        // The results are compared with each other and not with the original: if the block's end
+        // cuts off a character, decoding gives an error value, which encodes to other bytes.
         const bool same = ours.decode(converter) == its.outUnits.c_str() &&
                           ours.outBytes.c_str() == std::string(its.outBytes.c_str());
         if (!same || ours.units.size() < kBlock / 3) return false;
@@ -167,7 +169,7 @@ const OutputCheck check("I18NConverter", [] {
     return true;
 });
 
-/// Into a block of the converter's, none of the characters in the encoding.
+/// Converts into a block that the converter allocates. The encoding lacks all characters.
 void unconvertible(benchmark::State& state, I18NUnconvertiblePolicy policy) {
     const std::u16string text(1 << 16, u'\u4E00');
     I18NConverter converter("windows-1252");

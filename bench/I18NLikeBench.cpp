@@ -9,7 +9,7 @@
 
 namespace {
 
-// Simple patterns, as they are and as expressions; each side makes them ready once.
+// Simple patterns, as LIKE patterns and as regular expressions. Each side compiles them once.
 const struct {
     const char* like;
     const char* expression;
@@ -48,7 +48,7 @@ private:
     icu::RegexMatcher m_matcher;
 };
 
-/// One bit for each pattern and name, set for a match.
+/// Returns one bit for each pattern and text, set if they match.
 template <class Pattern, class Text>
 unsigned matchAll(const std::vector<std::unique_ptr<Pattern>>& patterns,
                   const std::vector<Text>& texts) {
@@ -68,7 +68,7 @@ void withPatterns(Body body) {
     body([&] { return matchAll(patterns, texts); });
 }
 
-/// Times are per match of one text.
+/// Times are per pattern and text.
 template <class Pattern>
 void simple(benchmark::State& state) {
     withPatterns<Pattern>([&state](auto matchAll) {
@@ -84,7 +84,7 @@ const OutputCheck check("I18NString::matchLike", [] {
     return ours == its && ours != 0;
 });
 
-/// What makes a matcher that tries all ways take for ever.
+/// A backtracking matcher takes exponential time for this pattern.
 void thirtyRuns(benchmark::State& state) {
     std::string pattern;
     for (int i = 0; i < 30; ++i) pattern += "%a";

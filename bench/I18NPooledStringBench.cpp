@@ -18,8 +18,7 @@
 
 namespace {
 
-/// Distinct texts in one block, taken in an order of chance: neighbours in the block are not asked
-/// for one after the other.
+/// Distinct texts in one block, in random order, so that consecutive lookups use distant texts.
 class Texts {
 public:
     explicit Texts(unsigned count, const char* format = "key%07u") {
@@ -48,7 +47,7 @@ struct Ours {
     static void removeUnheld() { I18NPooledString::purge(); }
 };
 
-/// What getString() gives is let go of by releaseString() of the pool.
+/// Holds a text by getString() and releaseString() of the pool.
 struct OursByPool {
     struct Holder {
         explicit Holder(const char* text) : string(I18NPooledString::getPool().getString(text)) {}
@@ -61,12 +60,12 @@ struct OursByPool {
 struct Flyweight {
     using Holder = boost::flyweight<std::string>;
     static std::string text(const Holder& holder) { return holder.get(); }
-    static void removeUnheld() {}  // its last holder does
+    static void removeUnheld() {}  // the last holder removes the text
 };
 #endif
 
 #ifdef BENCH_HAVE_GLIB
-/// Its texts stay for ever.
+/// GLib keeps interned texts forever.
 struct Interned {
     struct Holder {
         explicit Holder(const char* text) : string(g_intern_string(text)) {}
@@ -76,7 +75,8 @@ struct Interned {
 };
 #endif
 
-/// The texts of a size, held by each side from the first use on.
+/// Returns this number of texts. The first call per side and number puts them into the side's pool,
+/// where they stay until the program ends.
 template <class Side>
 const Texts& held(unsigned count) {
     struct Held {
@@ -97,7 +97,7 @@ void hit(benchmark::State& state) {
     static const Texts* shared = nullptr;
     if (state.thread_index() == 0) shared = &held<Keeper>(count);
     const Pinned here(state.thread_index());
-    // Threads begin at different places.
+    // Each thread starts at a different text.
     std::size_t next = count / static_cast<unsigned>(state.thread_index() + 1);
     for (auto _ : state) {
         const std::vector<const char*>& texts = **shared;
@@ -107,7 +107,7 @@ void hit(benchmark::State& state) {
     }
 }
 
-/// New texts, each side's own from round to round; taking them out is not measured.
+/// Adds texts that the pool does not contain. Removing them after each round is not measured.
 template <class Side>
 void miss(benchmark::State& state) {
     const unsigned batch = 100000;

@@ -12,7 +12,7 @@
 
 namespace {
 
-// Names and sentences of 16 to 32 characters, each a string of its own in every round.
+// Names and sentences of 16 to 32 characters. Each round constructs a string from each of them.
 const char* const kShort[] = {
     "order-2006-03-09",         "the request is bad",          "Muster, Max Friedrich",
     "/var/lib/qbl/queue/00017", "Content-Type: text/plain; x", "it was delivered on 9 March 2006"};
@@ -20,7 +20,7 @@ const char kText[] = "customer: 4711, paid";
 const char kPart[] = "4711";
 const int kPartOffset = 10;
 
-// The strings to compare, each with what the operations below are called there.
+// The string classes to compare, each with its own names for the operations below.
 struct Ours {
     using String = I18NString;
     static String make(const char* text) { return String(text); }
@@ -87,7 +87,7 @@ void equal(benchmark::State& state) {
     }
 }
 
-/// Makes a string, copies it, compares the two, finds a part, and asks for UTF-8.
+/// Makes a string, copies it, compares both, finds a part, and gets the UTF-8 text.
 template <class Side>
 std::size_t everyday(const char* text, const typename Side::String& part) {
     const auto string = Side::make(text);

@@ -10,8 +10,8 @@
 
 namespace {
 
-// Ours makes a string, normalisation included, or bytes in a block of their own; the yardstick
-// writes into a buffer that is there.
+// Our side constructs a string, which includes normalisation, or allocates a block for the bytes.
+// The yardstick writes into an existing buffer.
 
 void ourDecoding(benchmark::State& state, Script script) {
     const std::string text = proseOf(script, static_cast<std::size_t>(state.range(0)));
@@ -40,8 +40,8 @@ void itsDecoding(benchmark::State& state, Script script) {
     }
 }
 
-/// What the memory alone costs: a block of that size, filled. The C library of 32 bits maps the
-/// block afresh each time from 512 KiB on, and the system clears its pages.
+/// The cost of memory alone: allocates a block of that size and fills it. From 512 KiB on, the
+/// 32-bit C library maps the block again in each call, and the kernel clears its pages.
 void blockAndCopy(benchmark::State& state) {
     const std::string text = proseOf(Script::ASCII, static_cast<std::size_t>(state.range(0)));
     for (auto _ : state) {
@@ -56,7 +56,7 @@ BENCHMARK(blockAndCopy)->Name("BM_Malloc_memcpy")->Arg(1 << 20);
 
 void ourEncoding(benchmark::State& state, Script script) {
     I18NString string(proseOf(script, static_cast<std::size_t>(state.range(0))).c_str());
-    string.getUnicodeString();  // leaves ASCII
+    string.getUnicodeString();  // makes the string store UTF-16 instead of ASCII
     for (auto _ : state) {
         char* bytes = nullptr;
         string.toBytes(&bytes);

@@ -34,7 +34,7 @@ struct Ours {
     }
 };
 
-/// On a processor with nothing above SSE2.
+/// The code for processors without SSSE3 and AVX2.
 struct Scalar {
     static int encode(char* out, const std::vector<unsigned char>& data) {
         qblBase64Encode(kQBLBase64Scalar, kQBLBase64Standard, data.data(), data.size(), out);
@@ -48,7 +48,7 @@ struct Scalar {
 };
 
 #ifdef BENCH_HAVE_OPENSSL
-/// Told the length of the text; ours looks for its end.
+/// OpenSSL gets the length of the text; QBLBase64Decode searches for the null at its end.
 struct OpenSsl {
     static int encode(char* out, const std::vector<unsigned char>& data) {
         return EVP_EncodeBlock(reinterpret_cast<unsigned char*>(out), data.data(),

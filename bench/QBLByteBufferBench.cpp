@@ -10,10 +10,10 @@
 
 namespace {
 
-// Times are for each thing appended, but for the byte by byte ones, which are for each byte.
+// Times are per appended value; those of byteByByte are per byte.
 const unsigned kCount = 1024;
 
-/// Integers of one to ten digits and of both signs.
+/// Positive and negative integers of one to ten digits.
 const std::vector<int>& integers() {
     static const std::vector<int> all = [] {
         std::vector<int> values;
@@ -28,7 +28,7 @@ const std::vector<int>& integers() {
     return all;
 }
 
-/// Strings of no byte to 15, whose lengths are known.
+/// Strings of 0 to 15 bytes. Both sides get their lengths.
 const std::vector<std::string>& strings() {
     static const std::vector<std::string> all = [] {
         std::vector<std::string> values;
@@ -76,7 +76,7 @@ private:
 };
 #endif
 
-/// Into a buffer that has had as much before.
+/// Appends to a buffer that already has the capacity after the first round.
 template <class Buffer, class Value>
 void appendTo(benchmark::State& state, const std::vector<Value>& values) {
     Buffer buffer;
@@ -98,7 +98,7 @@ void appendStrings(benchmark::State& state) {
     appendTo<Buffer>(state, strings());
 }
 
-/// A line of each, into a buffer that is made and grows for it.
+/// Appends literals, integers and strings in turn.
 template <class Buffer>
 void appendAll(Buffer& buffer) {
     for (unsigned i = 0; i < kCount; ++i) {
@@ -118,7 +118,7 @@ void growWithAll(benchmark::State& state) {
     }
 }
 
-/// The smallest blocks there are by default.
+/// Grows by blocks of 8 bytes, the default block size.
 void byteByByte(benchmark::State& state) {
     const benchmark::IterationCount size = state.range(0);
     while (state.KeepRunningBatch(size)) {

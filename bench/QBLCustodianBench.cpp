@@ -23,7 +23,8 @@ using Tasks = std::vector<QBLCustodianTask*>;
 constexpr unsigned long kPauseMs = 2;
 constexpr int kPasses = 100;
 
-/// Keeps the custodian in one pass, so that what is registered meanwhile has the next one together.
+/// Holds the custodian in a pass, so that all tasks registered meanwhile start in the same next
+/// pass.
 class Gate : public QBLCustodianTask {
 public:
     int doIt(int) override {
@@ -38,9 +39,9 @@ private:
     std::promise<void> m_entered, m_opened;
 };
 
-/// Has tasks called by the custodian, in their order in each pass. The library is started anew
-/// before and after: a pause begun with the old schedule would last out its minute, and nothing of
-/// the custodian is left to disturb other measurements.
+/// Registers tasks with the custodian, which calls them in this order in each pass. Restarts the
+/// library before and after: before, because a pause that began with the old schedule would last
+/// its full minute; after, so that the custodian's thread does not disturb other measurements.
 class Registered {
 public:
     explicit Registered(const Tasks& tasks) : m_ulBefore(QBLCustodian::setSchedule(kPauseMs)) {
@@ -77,7 +78,7 @@ void callByHand(const Tasks& tasks) {
     }
 }
 
-/// 1,000 empty tasks, of which the first and the last take the time.
+/// 1,000 empty tasks. The first and the last measure the time between their calls.
 class Round {
 public:
     Round() : m_first(*this), m_last(*this), m_others(998) {
@@ -91,7 +92,8 @@ public:
     Round& operator=(const Round&) = delete;
 
     const Tasks& tasks() const { return m_tasks; }
-    /// Waits for a pass. @return seconds from the first task's call to the last one's
+    /// Waits for the end of a pass.
+    /// @return seconds from the call of the first task to the call of the last one
     double seconds() {
         while (sem_wait(&m_passed) != 0) {
         }
@@ -161,7 +163,7 @@ void passByHand(benchmark::State& state) {
     for (auto _ : state) state.SetIterationTime(round.secondsByHand());
 }
 
-/// Notes in a text that it was called, once.
+/// Appends its letter to a text when it is called, and is then dropped.
 class Letter : public QBLCustodianTask {
 public:
     Letter(char letter, std::string& text) : m_cLetter(letter), m_text(text) {}

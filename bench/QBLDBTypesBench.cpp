@@ -9,7 +9,7 @@ namespace {
 
 constexpr int kCount = qblDTypeInterval2 + 1;
 
-/// The yardstick for names: what a program would make for itself.
+/// The yardstick for names: the map that a program would write itself.
 const std::unordered_map<std::string, int>& hashed() {
     static const std::unordered_map<std::string, int>& map = *[] {
         auto* out = new std::unordered_map<std::string, int>;
@@ -42,7 +42,7 @@ void nameByCode(benchmark::State& state) {
     }
 }
 
-/// The texts are copies, in the order of their codes.
+/// Copies of the names. next() yields them in the order of their codes.
 class Names {
 public:
     Names() {

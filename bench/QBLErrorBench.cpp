@@ -10,7 +10,7 @@
 
 namespace {
 
-// Both sides throw from the innermost of three functions and rethrow in the middle one.
+// Both sides throw in the innermost of three functions and rethrow in the middle one.
 const char kText[] = "BenchJob::start: the job is not ready";
 
 struct Ours {

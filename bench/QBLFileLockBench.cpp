@@ -51,8 +51,8 @@ void lockUnlock(benchmark::State& state) {
     }
 }
 
-/// Type, start and length of the lock that keeps others from the file. They are asked for by an
-/// open file description of its own, to which this process's locks are foreign.
+/// Returns type, start and length of the lock that conflicts with a read lock on the file.
+/// F_OFD_GETLK asks for a separate open file description, so it also reports locks of this process.
 std::tuple<int, long long, long long> obstacle(const QBLFmFile& other) {
     struct flock64 wanted {};
     wanted.l_type = F_RDLCK;

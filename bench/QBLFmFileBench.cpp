@@ -19,7 +19,7 @@ constexpr std::size_t kLargest = 65536;
 
 alignas(4096) char g_block[kLargest];
 
-/// The system's calls, under the names that QBLFmFile has for them.
+/// The plain system calls, with the interface of QBLFmFile.
 class BareFile {
 public:
     BareFile() = default;
@@ -57,7 +57,7 @@ void rewind(File& file) {
     lseek(file.getFileDescriptor(), 0, SEEK_SET);
 }
 
-/// Both sides use the same files, which lie in the page cache alike for both.
+/// Both sides use the same files, so the page cache serves both equally.
 class Files {
 public:
     static const Files& instance() {
@@ -99,7 +99,7 @@ struct Writing {
     }
 };
 
-/// From the start of the file to its end, again and again; times are per block.
+/// Transfers the whole file from start to end, repeatedly. Times are per block.
 template <class Direction, class File>
 void transferBlocks(benchmark::State& state) {
     const auto size = static_cast<long>(state.range(0));
@@ -129,7 +129,7 @@ void append(benchmark::State& state) {
     }
 }
 
-/// What a text is after it was written, appended to another file and read from there.
+/// Writes a text to a file, appends the file to another one, and returns the contents of that file.
 template <class File>
 std::string carry(const std::string& text) {
     const TempDir dir;

@@ -27,7 +27,8 @@
 
 namespace {
 
-// The texts of the last one are patterns: ours for two arguments, the peer's the same for printf.
+// Message kPatternId is a pattern with two arguments: kPattern in our catalogue, kPrintfPattern in
+// gettext's. All other messages are plain texts.
 std::string plainText(unsigned id) { return "The text of message " + std::to_string(id) + "."; }
 const char kPattern[] = "Cannot open {0}: error {1} of the system.";
 const char kPrintfPattern[] = "Cannot open %s: error %d of the system.";
@@ -52,7 +53,7 @@ void save(const std::string& path, const std::string& bytes) {
         throw std::runtime_error("cannot write " + path);
 }
 
-/// The texts 1 to count, as a message file has them.
+/// Returns the bytes of a message file with the texts 1 to count.
 std::string messageFile(unsigned count) {
     std::string index, texts, out("BMF1\0\0\0\0", 8);
     for (unsigned id = 1; id <= count; ++id) {
@@ -67,7 +68,7 @@ std::string messageFile(unsigned count) {
     return out + index + texts;
 }
 
-/// What GNU gettext's hash table is made with: P. J. Weinberger's function.
+/// The hash function of GNU gettext's .mo files, by P. J. Weinberger.
 unsigned moHash(const std::string& key) {
     unsigned hash = 0;
     for (const char c : key) {
@@ -77,7 +78,8 @@ unsigned moHash(const std::string& key) {
     return hash;
 }
 
-/// The same texts as GNU gettext's .mo file has them (its manual, "The Format of GNU MO Files").
+/// Returns the bytes of a .mo file with the same texts, as described in the manual of GNU gettext,
+/// "The Format of GNU MO Files".
 std::string moFile(unsigned count) {
     const unsigned slots = (count * 4 / 3) | 1, header = 28, keySize = 12;
     std::vector<unsigned> table(slots, 0);
@@ -105,7 +107,7 @@ std::string moFile(unsigned count) {
     return out + keys + texts;
 }
 
-/// Catalogues of both kinds with a number of texts; kept until the program ends.
+/// A message file and a .mo file with the same number of texts, kept until the program ends.
 class Catalogues {
     TempDir m_dir;
 
@@ -125,14 +127,14 @@ private:
         mkdir(m_dir.path("de").c_str(), 0700);
         mkdir(m_dir.path("de/LC_MESSAGES").c_str(), 0700);
         save(m_dir.path(("de/LC_MESSAGES/" + domain + ".mo").c_str()), moFile(count));
-        // gettext translates nothing for the locale "C"; this one is always there.
+        // gettext translates nothing in the locale "C". The locale "C.UTF-8" always exists.
         setenv("LANGUAGE", "de", 1);
         setlocale(LC_MESSAGES, "C.UTF-8");
         bindtextdomain(domain.c_str(), m_dir.path().c_str());
     }
 };
 
-/// Identifiers in an order that no cache foresees.
+/// Yields identifiers in a pseudo-random order, so that caches do not help.
 class Walk {
 public:
     explicit Walk(unsigned count) : m_uCount(count) {}
@@ -198,10 +200,10 @@ void formatOurs(benchmark::State& state, const QBLMessage& message) {
     }
 }
 
-/// File and pattern are there from the format before.
+/// The message keeps the open file and the parsed pattern from the previous call.
 void formatKept(benchmark::State& state) { formatOurs(state, twoArguments()); }
 
-/// The file is opened and the pattern parsed for each.
+/// The message opens the file and parses the pattern in each call.
 void formatAnew(benchmark::State& state) { formatOurs(state, QBLMessage(twoArguments())); }
 
 std::string byIcu() {
@@ -220,7 +222,7 @@ void formatIcu(benchmark::State& state) {
     for (auto _ : state) benchmark::DoNotOptimize(byIcu());
 }
 
-/// Into a buffer of the caller's, as long as any text.
+/// Formats into a fixed buffer that is large enough for the text.
 class Printf {
 public:
     const char* format() {
@@ -265,9 +267,9 @@ public:
     }
 }
 
-/// What it takes to throw is unwinding three times, and the copies: the set has each message twice.
-/// What it takes to show is mostly the catalogue, which QBLMessage opens anew, half of that in the
-/// system.
+/// Throwing costs three unwindings and copies of the messages: the set contains each message twice.
+/// Rendering mostly costs opening the catalogue, which QBLMessage does in each call; half of that
+/// time is spent in the kernel.
 void throwAndRender(benchmark::State& state) {
     QBLMessage message(Catalogues::of(1000).base.c_str(), kPatternId);
     message << kFileName << 5;

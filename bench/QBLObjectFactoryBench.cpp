@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Creates and releases, where there is always an item to be used again.
+/// Creates and releases an item. The factory always has a free item to reuse.
 class Ours {
 public:
     Ours() { m_factory.registerClass(s_id, &Item::make); }

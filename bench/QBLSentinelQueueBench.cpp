@@ -9,7 +9,7 @@
 
 namespace {
 
-// One thread puts a pointer and takes it out again, without waiting.
+// One thread puts a pointer and takes it out again. It never waits.
 struct Item {
     int value = 7;
 };

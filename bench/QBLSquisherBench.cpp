@@ -26,7 +26,7 @@ private:
     std::vector<char> m_out;
 };
 
-/// Nothing but what ours compresses with: no length, no checksum, no Base64.
+/// Only the compression that our side uses: no length, no checksum, no Base64.
 struct Zlib {
     explicit Zlib(const std::string& text)
         : m_text(text), m_out(compressBound(static_cast<uLong>(text.size()))) {}
@@ -47,7 +47,7 @@ double processorSeconds() {
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
-/// Seconds per call in this process.
+/// Returns the seconds per call in this process.
 template <class Side>
 double secondsOf(std::size_t size) {
     Side side(proseOf(Script::ASCII, size));
@@ -57,9 +57,10 @@ double secondsOf(std::size_t size) {
     return (processorSeconds() - start) / calls;
 }
 
-// What compress2 costs for a short text is memory: a process that has done other things has it at
-// hand, a new one gets it from the system and gives it back at every call. So both sides run in a
-// process that does nothing else: this program again, which this variable stops before main().
+// For a short text, compress2 spends its time mostly on memory. A process that has run for a while
+// has free memory; a new process gets it from the kernel and returns it in every call. So both
+// sides run in a new process that does nothing else: this program again. If the environment
+// variable is set, the initializer below measures, prints the result and exits before main() runs.
 const char kFresh[] = "QBL_BENCH_SQUISHER";
 
 [[maybe_unused]] const bool s_inFreshProcess = [] {

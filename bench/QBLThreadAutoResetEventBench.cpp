@@ -7,7 +7,7 @@
 
 namespace {
 
-/// What one writes without an event class.
+/// The code that a program writes without an event class.
 class HandMadeEvent {
 public:
     void signal() {
@@ -27,7 +27,7 @@ private:
     bool m_bSignaled = false;  // guarded by m_mutex
 };
 
-/// One thread: the wait finds the event signaled.
+/// A single thread signals and waits, so wait() always finds the event signaled.
 template <class Event>
 void signalWait(benchmark::State& state) {
     Event event;

@@ -8,8 +8,8 @@
 
 namespace {
 
-/// Two threads, each on a processor of its own, count to a common goal under one lock: both
-/// contend for the whole of a round, whichever of them gets the lock more often.
+/// Two threads on different processors count to a common goal under one lock. So both contend until
+/// the end of the round, even if one of them gets the lock more often.
 template <class Lock>
 class Contest {
 public:
@@ -26,7 +26,7 @@ public:
         return m_iPinned > 0 && m_here.done();
     }
 
-    /// @return the lock operations done by both threads, and the goal unless the lock fails
+    /// @return the count of both threads; differs from operations only if the lock is broken
     int round(int operations) {
         m_iCount = 0;
         m_bRivalDone = false;
@@ -63,14 +63,14 @@ private:
     }
 
     const Pinned m_here{0};
-    // Each on a cache line of its own: what is compared is the lock, wherever it keeps its word,
-    // and not how near that is to the data.
+    // Each member has its own cache line, so the benchmark compares the locks, and not how close
+    // their words are to the data.
     alignas(64) Lock m_lock;
     alignas(64) int m_iCount = 0;             // guarded by m_lock during a round
     alignas(64) std::atomic<int> m_iGoal{0};  // 0 between rounds, -1 ends the rival
     std::atomic<bool> m_bRivalDone{false};
     std::atomic<int> m_iPinned{0};
-    std::thread m_rival;  // last: it uses the others
+    std::thread m_rival;  // last, because it uses the other members
 };
 
 template <class Lock>

@@ -30,7 +30,7 @@ void guardScope(benchmark::State& state) {
     }
 }
 
-/// Two levels, as a recursive lock is there for.
+/// Locks twice, which only a recursive lock allows.
 template <class Lock>
 void lockTwice(benchmark::State& state) {
     Lock lock;

@@ -8,8 +8,8 @@
 
 namespace {
 
-/// Counts the tasks that were run. The last one wakes the submitter, who takes no time from the
-/// workers while it waits.
+/// Counts the tasks that are left. The last task wakes the submitter, which uses no processor time
+/// while it waits.
 class Tally {
 public:
     Tally() { sem_init(&m_done, 0, 0); }
@@ -25,7 +25,7 @@ public:
         while (sem_wait(&m_done) != 0) {
         }
     }
-    /// Waits until fewer than a number of tasks are left.
+    /// Waits until fewer than this number of tasks are left.
     void waitBelow(int tasks) const {
         while (m_iLeft >= tasks) std::this_thread::yield();
     }
@@ -35,7 +35,7 @@ private:
     sem_t m_done;
 };
 
-/// Has a number of empty tasks run, and waits for them.
+/// Submits a task the given number of times and waits until all runs are done.
 template <class Pool, class Task>
 void runBatch(Pool& pool, Task& task, Tally& tally, int tasks) {
     tally.expect(tasks);
@@ -43,7 +43,7 @@ void runBatch(Pool& pool, Task& task, Tally& tally, int tasks) {
     tally.wait();
 }
 
-/// The submitter is as far ahead of the workers as it gets.
+/// The submitter runs ahead of the workers without a limit.
 template <class Pool>
 void throughput(benchmark::State& state) {
     const int batch = 10000;
@@ -55,7 +55,7 @@ void throughput(benchmark::State& state) {
     while (state.KeepRunningBatch(batch)) runBatch(pool, task, tally, batch);
 }
 
-/// At most as many tasks at a time as there are workers.
+/// The submitter keeps at most one task per worker in the pool.
 template <class Pool>
 void throughputInStep(benchmark::State& state) {
     const int batch = 10000, workers = 2;
@@ -66,14 +66,14 @@ void throughputInStep(benchmark::State& state) {
     while (state.KeepRunningBatch(batch)) {
         tally.expect(batch);
         for (int i = 0; i < batch; ++i) {
-            tally.waitBelow(batch - i + workers);  // batch - i of those left are not submitted yet
+            tally.waitBelow(batch - i + workers);  // batch - i tasks are not submitted yet
             pool.submit(task);
         }
         tally.wait();
     }
 }
 
-/// One task at a time; the submitter looks for its end, letting others run in between.
+/// Submits one task at a time. The submitter polls for its end and yields between polls.
 template <class Pool>
 void roundTrip(benchmark::State& state) {
     std::atomic<bool> done{false};
@@ -87,7 +87,8 @@ void roundTrip(benchmark::State& state) {
     }
 }
 
-/// Whether every task of a batch was run once: one too few would never end, one too many is seen.
+/// Returns true if every task of a batch runs once. A lost task makes the wait endless; an extra
+/// run makes the count too high.
 template <class Pool>
 bool runsEachOnce() {
     std::atomic<int> runs{0};

@@ -13,8 +13,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Microseconds = std::chrono::duration<double, std::micro>;
 
-/// From before submit() to the task's first instruction, on a pool whose workers sleep. The
-/// submitter sleeps too while the task runs.
+/// Measures from the call of submit() to the start of the task, in a pool whose workers sleep. The
+/// submitter sleeps while the task runs.
 template <class Pool>
 void latency(benchmark::State& state) {
     sem_t ran;
@@ -50,7 +50,7 @@ void latency(benchmark::State& state) {
     state.counters["max_us"] = quantile(100);
 }
 
-// Enough samples for a p99; more time would not make google's own figure, the mean, better.
+// A fixed number of iterations: 500 samples are enough for the 99th percentile.
 #define LATENCY_BENCHMARK(Pool, name) \
     BENCHMARK_TEMPLATE(latency, Pool)->Name("BM_" name "_latency")->UseManualTime()->Iterations(500)
 

@@ -16,7 +16,7 @@
 
 namespace {
 
-/// 1,024 numbers of every length, and their texts as a stream writes them.
+/// 1,024 numbers of all lengths, and their texts as std::ostringstream writes them.
 template <class Value>
 class Numbers {
 public:
@@ -26,7 +26,7 @@ public:
     }
     static constexpr unsigned kMask = 1023;
     std::vector<Value> values;
-    std::vector<std::string> texts, longTexts;  // of 6 digits, and of 17
+    std::vector<std::string> texts, longTexts;  // precision 6 and 17
 
 private:
     Numbers() {
@@ -77,7 +77,7 @@ void writeOurs(benchmark::State& state) {
     }
 }
 
-/// Terminated as ours.
+/// Null-terminates the text as our functions do.
 template <class Value>
 void writeStandard(benchmark::State& state) {
     const auto& numbers = Numbers<Value>::get();
@@ -89,7 +89,7 @@ void writeStandard(benchmark::State& state) {
     }
 }
 
-/// What each conversion is without the library: a stream of its own.
+/// A new stream for each conversion, as a program without the library would write it.
 template <class Value>
 void writeStream(benchmark::State& state) {
     const auto& numbers = Numbers<Value>::get();

@@ -20,7 +20,7 @@ struct Ours {
     }
 };
 
-/// On a processor without carry-less products.
+/// The code for processors without carry-less multiplication.
 struct Tables {
     static unsigned long crc(const unsigned char* data, unsigned length) {
         return ~qblCrc32Tables(0xFFFFFFFF, data, length);

@@ -16,7 +16,7 @@ std::vector<Check>& checks() {
     return all;
 }
 
-// What the process may use, asked for before anything is pinned.
+// The processors that the process may use, read before any thread is pinned.
 const cpu_set_t kAllowed = [] {
     cpu_set_t set;
     CPU_ZERO(&set);
@@ -38,7 +38,8 @@ bool OutputCheck::runAll() {
     bool good = true;
     for (const Check& check : checks()) {
         if (check.second()) continue;
-        std::fprintf(stderr, "the sides put out different things: %s\n", check.first);
+        std::fprintf(stderr, "%s: our output differs from the yardstick's, nothing is measured\n",
+                     check.first);
         good = false;
     }
     return good;

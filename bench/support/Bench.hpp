@@ -5,25 +5,26 @@
 
 #include <functional>
 
-/// Registers a comparison of what both sides of a pair put out. All of them run before the
-/// first measurement; one that gives false ends the program with its name.
+/// Registers a check that both sides of a pair give the same output. All checks run before the
+/// first measurement. If one returns false, the program prints its name and ends without measuring.
 ///     const OutputCheck check("QBLList", [] { return sumOurs() == sumPeers(); });
 class OutputCheck {
 public:
     OutputCheck(const char* name, std::function<bool()> sameOutput);
-    /// Names of the comparisons that failed go to standard error.
+    /// Runs all checks and prints the names of the failed ones to standard error.
+    /// @return true if all checks passed
     static bool runAll();
 };
 
 /// Keeps the calling thread on one processor until the end of the scope.
 class Pinned {
 public:
-    /// @param n  counts the processors that the process may use, from 0
+    /// @param n  index of the processor among those that the process may use, from 0
     explicit Pinned(int n);
     ~Pinned();
     Pinned(const Pinned&) = delete;
     Pinned& operator=(const Pinned&) = delete;
-    /// False when there is no such processor; the thread then runs wherever it did.
+    /// Returns false if there is no such processor; the thread then stays unpinned.
     bool done() const { return m_bDone; }
 
 private:

@@ -9,8 +9,8 @@ int main(int argc, char** argv) {
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
 
     if (qblCoreInitialize() != 0) return 1;
-    // The C library's locks leave out their atomic instructions while a process has one thread
-    // only. No server has, so a second one stays parked for as long as anything is measured.
+    // The C library's locks skip atomic instructions while the process has a single thread. A
+    // server has several threads, so a second thread stays parked during all measurements.
     std::promise<void> done;
     std::thread parked([wait = done.get_future()] { wait.wait(); });
     const bool same = OutputCheck::runAll();

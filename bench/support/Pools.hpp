@@ -18,10 +18,10 @@
 #include <Poco/ThreadPool.h>
 #endif
 
-// Pools of two workers behind one operation: submit(task) has task.run() called on a worker and
-// waits until the pool accepts it. Task is the pool's own base of tasks.
+// Pools of two workers with a common interface: submit(task) waits until the pool accepts the task,
+// and a worker then calls task.run(). Task is the task class that the pool requires.
 
-/// A task of a pool that wants one derived from a class of its own.
+/// A task for pools whose tasks must be derived from Base.
 template <class Base, class Body>
 class BodyTask : public Base {
 public:
@@ -53,8 +53,8 @@ struct TwoFixed : QBLThreadPoolFixed {
 struct TwoQueued : QBLThreadPoolQueued {
     TwoQueued() : QBLThreadPoolQueued(2, 0) {}
 };
-/// Workers beyond the two permanent ones come when tasks outnumber the workers, and stay for the
-/// length of a measurement.
+/// The pool adds workers to the two permanent ones if there are more tasks than workers. The added
+/// workers stay until the end of a measurement.
 struct TwoVariable : QBLThreadPoolVariable {
     TwoVariable() : QBLThreadPoolVariable(2, ULONG_MAX, 60000) {}
 };
@@ -90,7 +90,8 @@ public:
     using Task = BodyTask<Poco::Runnable, Body>;
 
     ~PocoPool() { m_pool.joinAll(); }
-    /// It refuses a task by an exception; asking first is cheaper, and enough with one submitter.
+    /// start() throws if no thread is free. Calling available() first is cheaper, and sufficient
+    /// with a single submitter.
     template <class Body>
     void submit(Task<Body>& task) {
         while (m_pool.available() == 0) std::this_thread::yield();

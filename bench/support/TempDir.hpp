@@ -9,8 +9,8 @@
 
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
 
-/// A directory for temporary files; the end of the scope removes it with all that is in it. It is
-/// in memory if there is room: a disk may take seconds for new files after many were removed.
+/// A directory for temporary files. The destructor removes it with its contents. It is in memory if
+/// there is room, because a disk may take seconds to create files after many were removed.
 class TempDir {
 public:
     TempDir() {

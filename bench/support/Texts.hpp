@@ -4,12 +4,12 @@
 #include <cstddef>
 #include <string>
 
-/// Made-up prose in a script, the same in every run.
+/// The scripts of the generated prose, which is the same in every run.
 enum class Script { ASCII, Latin, Cyrillic, CJK, Emoji };
 
-/// Words of the script's languages in any order, with the punctuation and the line ends of prose,
-/// normalised to form C. The emoji stand between English words, alone or a few together.
-/// @return UTF-8 of this many bytes, or up to three less, so that no character is cut
+/// Generates words of the script's languages in random order, with punctuation and line ends, in
+/// normalisation form C. Emoji appear between English words, single or in groups.
+/// @return UTF-8 text of this many bytes, or up to three fewer if a character would be cut
 std::string proseOf(Script script, std::size_t bytes);
 
 std::u16string toUtf16(const std::string& utf8);

@@ -1,5 +1,5 @@
-// icu_tree FROM TO INPUT OUTPUT: converts every file below INPUT to one of the same name below
-// OUTPUT, on two threads, with nothing but system calls and ICU: what a tool can be measured by.
+// icu_tree FROM TO INPUT OUTPUT: converts every file below INPUT into a file of the same name below
+// OUTPUT, on two threads, using only system calls and ICU. It is the yardstick for qblconv.
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -23,10 +23,10 @@ namespace {
     std::exit(1);
 }
 
-/// A file or directory below both roots; begins with a slash.
+/// Paths of files below both roots, each with a leading slash.
 using Names = std::vector<std::string>;
 
-/// Adds the files below a directory, and makes the output's directories on the way.
+/// Adds the files below a directory, and creates the directories of the output.
 void walk(const std::string& input, const std::string& output, const std::string& below,
           Names& files) {
     if (::mkdir((output + below).c_str(), 0777) != 0 && errno != EEXIST) die(output + below);
@@ -76,7 +76,7 @@ struct CloseConverter {
 };
 using Converter = std::unique_ptr<UConverter, CloseConverter>;
 
-/// Which stops at what it cannot convert, as our tool does.
+/// Opens a converter that stops at unconvertible characters, as qblconv does.
 Converter open(const char* encoding) {
     UErrorCode error = U_ZERO_ERROR;
     Converter converter(ucnv_open(encoding, &error));
@@ -88,14 +88,14 @@ Converter open(const char* encoding) {
     return converter;
 }
 
-/// What one thread needs, and keeps from file to file.
+/// The converters and buffers of a thread, reused for each file.
 class Worker {
 public:
     Worker(const char* from, const char* to) : m_from(open(from)), m_to(open(to)) {}
 
     void convert(const std::string& input, const std::string& output) {
         const std::vector<char> bytes = readAll(input);
-        // No encoding makes more than four bytes of one here.
+        // The benchmark's encodings need at most four output bytes per input byte.
         if (m_text.size() < bytes.size() * 4) m_text.resize(bytes.size() * 4);
         const char* source = bytes.data();
         char* target = m_text.data();
