@@ -1,5 +1,5 @@
-// Sources and message files of any bytes. What compiles is read back as it was written, and its
-// dump compiles to the same bytes.
+// Reads arbitrary bytes as a source and as a message file. A source that compiles gives a message
+// file that reads back unchanged, and the dump of a message file compiles to the same texts.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -17,7 +17,8 @@ void require(bool holds) {
     if (!holds) std::abort();
 }
 
-/// Messages of a source. @return false if it has errors
+/// Parses the messages of a source.
+/// @return false if the source has errors
 bool compiles(const msgc::Source& source, msgc::Entries& entries) {
     msgc::Report report;
     entries = parseSource(source, report);
@@ -26,7 +27,7 @@ bool compiles(const msgc::Source& source, msgc::Entries& entries) {
     return !report.hasErrors();
 }
 
-/// The dump of what was read compiles, to the same texts.
+/// Requires that the dump of the texts compiles to the same texts.
 void checkDump(const std::vector<msgc::BmfText>& texts) {
     std::string source;
     for (const msgc::BmfText& each : texts)
@@ -55,7 +56,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string bytes(reinterpret_cast<const char*>(data), size);
     std::vector<msgc::BmfText> texts;
     msgc::BmfProblem problem = {};
-    if (readBmf(bytes, texts, problem) && bytes.size() < 4096)  // or shared texts make it long
+    // In a larger file, entries that share texts could make the dump too long.
+    if (readBmf(bytes, texts, problem) && bytes.size() < 4096)
         checkDump(texts);
     else
         checkSource(bytes);

@@ -1,6 +1,6 @@
-// Streams of text with reports of errors in them, as "qblmsgc -s" reads them. What it prints does
-// not depend on how the text comes in, and outside of reports the text is passed on as it is. The
-// first byte says how the text is cut.
+// Feeds texts that contain error reports to "qblmsgc -s". The output must not depend on how the
+// text is split into reads, and text outside of reports must be passed on unchanged. The first byte
+// of the input sets the length of the pieces.
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -17,13 +17,13 @@
 
 namespace {
 
-constexpr std::size_t kMostPieces = 64;  // which a socket holds without a reader
+constexpr std::size_t kMostPieces = 64;  // a socket buffers this many without a reader
 
 void require(bool holds) {
     if (!holds) std::abort();
 }
 
-/// Has what is written to a stream of the process for as long as it lives.
+/// Captures all output to stdout or stderr until it is destroyed.
 class Capture {
 public:
     explicit Capture(std::FILE*& stream) : m_stream(stream), m_pSaved(stream) {
@@ -47,7 +47,7 @@ private:
     std::size_t m_iSize = 0;
 };
 
-/// Puts a text into the standard input, in pieces that are read one by one.
+/// Puts a text into the standard input, so that each read() returns one piece.
 void feed(const std::string& text, std::size_t piece) {
     int ends[2];
     require(socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends) == 0);

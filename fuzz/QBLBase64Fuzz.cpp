@@ -1,5 +1,6 @@
-// The input as bytes and as a text, for the encoders and decoders of both alphabets at every level,
-// against the definition letter by letter. The longest kept input sets the limit for new ones.
+// Encodes the input as bytes and decodes it as a text, with both alphabets and every kernel that
+// this processor runs. Compares the results with a model that works letter by letter. The longest
+// input of the corpus sets libFuzzer's limit for the length of new inputs.
 #include <cstdint>
 #include <cstdlib>
 #include <string>

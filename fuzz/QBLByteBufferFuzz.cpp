@@ -1,5 +1,6 @@
-// The byte buffer as a stream of commands, checked against std::string and the rules of growth
-// after every one. The first byte says how the buffer grows, each command is two bytes.
+// Reads the input as commands on a byte buffer. After each command, compares the buffer with a
+// std::string and its capacity with the rules of growth. The first byte selects how the buffer
+// grows; each command has two bytes.
 #include <malloc.h>
 
 #include <algorithm>
@@ -21,11 +22,11 @@ void require(bool holds) {
     if (!holds) std::abort();
 }
 
-const unsigned int kLongest = 20000;  // where nothing is appended any more
+const unsigned int kLongest = 20000;  // longer buffers get no command that appends
 
 bool isSpace(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
 
-/// What a buffer should be.
+/// The expected contents, capacity and settings of a buffer.
 struct Model {
     explicit Model(unsigned int kind)
         : block(kind % 2 != 0    ? 0
@@ -66,7 +67,7 @@ struct Model {
     std::string text;
 };
 
-/// The capacities that the rules of growth give, worked out by hand.
+/// Checks the model against capacities that were computed by hand from the rules of growth.
 void checkModel() {
     const struct {
         unsigned int kind, before, n, after;
@@ -87,7 +88,7 @@ Buffer newBuffer(unsigned int kind) {
     return std::make_unique<QBLByteBuffer>(growth, kind / 2 % 8, kind / 16);
 }
 
-/// A buffer and its model, and another that grows in the other way and is assigned to and from.
+/// A buffer and its model. A second buffer, which grows in the other way, serves for assignments.
 class Checked {
 public:
     explicit Checked(unsigned int kind)
@@ -115,7 +116,7 @@ public:
                 buffer.appendChars(text.data(), operand);
                 m_model.append(text);
                 break;
-            case 3:  // a part of its own
+            case 3:  // a part of the buffer's own content
                 buffer.appendChars(buffer.str() + at, size - at);
                 m_model.append(m_model.text.substr(at));
                 break;
@@ -130,7 +131,7 @@ public:
                 print("<" + std::string(m_model.text.c_str()).substr(0, 600) + ">", "<%.600s>",
                       buffer.str());
                 break;
-            case 7: {  // about the length where printf() needs a second pass, and far longer
+            case 7: {  // lengths around the limit for a second pass of printf(), and far above it
                 const unsigned int width = operand < 128 ? 448 + operand : operand * 17;
                 print(std::string(width - 1, ' ') + "x", "%*s", static_cast<int>(width), "x");
                 break;
@@ -160,7 +161,7 @@ public:
                 m_model.grow(n);
                 break;
             }
-            case 14:  // as one would read(2) into the buffer
+            case 14:  // writes into the buffer as read(2) would
                 writeBehind(operand, letter);
                 m_model.text.append(operand, letter);
                 buffer.setLength(size + operand);
@@ -191,7 +192,7 @@ public:
     }
 
 private:
-    // Random ones, and those around a power of ten.
+    // Appends random numbers, and numbers around a power of ten.
     void appendNumbers(unsigned int operand) {
         std::uint64_t power = 1;
         for (unsigned int i = operand % 20; i != 0; --i) power *= 10;
@@ -216,10 +217,10 @@ private:
         m_model.append(expected);
     }
 
-    // The first of two passes changes the text that is printed.
+    // The first pass of printf() changes the text that the second pass prints.
     void printLongerAtLast() {
         int printed = 0;
-        const int length = 0x0241;  // in bytes "A\2", stored before the text is printed again
+        const int length = 0x0241;  // stored by %n as the bytes "A\2", before the second pass
         const auto* const text = reinterpret_cast<const char*>(&printed);
         print("A\2" + std::string(length - 2, ' '), "%.2s%*s%n", text, length, "q", &printed);
     }
@@ -249,7 +250,7 @@ private:
         m_uWritten = std::max(m_uWritten, size + count);
     }
 
-    // Writes behind the content, then does what has to end it with a zero all the same.
+    // Writes after the content, then calls an operation that must null-terminate the content again.
     void endAgain(unsigned int operand) {
         const std::size_t size = m_model.text.size();
         writeBehind(8, operand / 4 % 2 != 0 ? ' ' : 'X');
@@ -259,14 +260,15 @@ private:
             *m_other = *m_buffer;
             m_otherModel = m_model;
             require(m_other->str()[size] == '\0');
-        } else {  // and nothing, which does not
+        } else {  // appending nothing does not terminate it
             m_buffer->appendChars(nullptr, 0) << "" << QBLByteBuffer();
             require(m_buffer->str()[size] != '\0');
         }
         m_buffer->setLength(static_cast<unsigned int>(size));
     }
 
-    // What was never written is zero, wherever the array came from.
+    // Bytes of the array that were never written are zero, even if the array comes from reused
+    // memory.
     void compare() {
         QBLByteBuffer& buffer = *m_buffer;
         const auto count = static_cast<unsigned int>(m_model.text.size());
@@ -283,7 +285,7 @@ private:
 
     Buffer m_buffer;
     Model m_model;
-    std::size_t m_uWritten = 0;  // how much of the array there may be other than zero
+    std::size_t m_uWritten = 0;  // bytes from here on must be zero
     Buffer m_other;
     Model m_otherModel;
 };
@@ -292,7 +294,7 @@ private:
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     checkModel();
-    mallopt(M_PERTURB, 0x5A);  // memory begins as anything but zeros
+    mallopt(M_PERTURB, 0x5A);  // malloc() returns memory that is not zero
     Checked checked(size != 0 ? data[0] : 0);
     for (std::size_t i = 1; i + 1 < size; i += 2) checked.apply(data[i], data[i + 1]);
     return 0;

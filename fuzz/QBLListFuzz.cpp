@@ -1,4 +1,4 @@
-// The list as a stream of commands, checked against std::deque after every one.
+// Reads the input as commands on a list and compares the list with a std::deque after each command.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -12,7 +12,7 @@ void require(bool holds) {
     if (!holds) std::abort();
 }
 
-/// A list, its model and a position that both agree on.
+/// A list and its model. Each command uses the same position in both.
 class Checked {
 public:
     void apply(unsigned int command, unsigned int operand) {
@@ -68,7 +68,7 @@ public:
     }
 
 private:
-    // Up to the end when last does not follow first.
+    // Erases up to the end if last is before first.
     void eraseRange(unsigned int first, unsigned int last) {
         QBLList<unsigned int>::iterator from = m_list.begin(), to = m_list.end();
         for (unsigned int i = 0; i < first; ++i) ++from;

@@ -1,4 +1,5 @@
-// Message files of any bytes, read whole and piece by piece: both ways give the same texts.
+// Reads arbitrary bytes as a message file, loaded whole and read piece by piece. Both ways must
+// give the same texts.
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -16,7 +17,7 @@ void require(bool holds) {
     if (!holds) std::abort();
 }
 
-/// A file in memory that has a name.
+/// A file in memory, which can be opened by its name.
 class MemoryFile {
 public:
     MemoryFile(const std::uint8_t* data, std::size_t size) : m_iDescriptor(memfd_create("bmf", 0)) {
@@ -37,12 +38,13 @@ bool isOpened(QBLResourceBMF& resource, const MemoryFile& file) {
     return resource.open();
 }
 
-/// The same text, or none, either way.
+/// Requires that both ways find the same text, or both find none.
 void compare(QBLResourceBMF& whole, QBLResourceBMF& pieces, unsigned long id) {
     char *first = nullptr, *second = nullptr;
     require(whole.getResource(id, &first) == pieces.getResource(id, &second));
     if (first == nullptr || second == nullptr) return;
-    // A text without a zero ends with its length, or with the block.
+    // A text that is not null-terminated ends at its length in one case, at the block's end in the
+    // other.
     const std::size_t length = std::strlen(second);
     require(std::strncmp(first, second, length) == 0);
 }

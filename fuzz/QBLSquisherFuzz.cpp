@@ -1,5 +1,5 @@
-// Unsquishing of any text; of tokens with a right checksum around any length and stream; and of
-// what squishing made. The first byte of the input chooses.
+// Unsquishes one of three kinds of token, selected by the first byte of the input: arbitrary text,
+// a token with a valid checksum but arbitrary length and stream, or the result of squishing.
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
@@ -20,8 +20,9 @@ Unsquished unsquish(const std::string& token) {
     return got;
 }
 
-/// Four bytes are the length, the rest stands for the stream; both as they are. zlib inflates it
-/// into one byte more than that length, so that a byte too many is seen as such.
+/// Makes a token of the input: the first four bytes are the length, the rest is the stream.
+/// Compares the result with zlib's, which gets room for one byte more to detect a stream that is
+/// too long.
 void unsquishStream(const std::string& bytes) {
     if (bytes.size() < 4) return;
     unsigned long length = 0;

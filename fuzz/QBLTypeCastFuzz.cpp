@@ -1,6 +1,7 @@
-// Texts of every kind, the kind by the first byte. What is read has a text that reads as the same
-// value, and what is not read leaves a value of zeros and one of the statuses. The bytes are the
-// fields of a value too, whose text has to stay in its bounds.
+// Parses the input as the type that its first byte selects. If the text is valid, the value is
+// written and read again, and must not change. If it is malformed, the value is all zeros and the
+// status says why. The bytes also serve as the raw fields of a value, whose text must fit into its
+// buffer.
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -72,7 +73,8 @@ void check(const std::string& text, Read<Value> read, Write<Value> write) {
     require(write(out, &value) == Cast::ok && std::strlen(out) < kRoom);
 }
 
-/// The text of nine digits reads as a number whose text is the same.
+/// Requires that a valid text gives the same value as strtod(), and that the value's text of nine
+/// digits, read and written again, does not change.
 void checkDouble(const std::string& text) {
     double value, again;
     char out[kRoom], outAgain[kRoom];

@@ -1,6 +1,6 @@
-// The option parser on words of its own: the input is the letters and then the words, with a zero
-// byte behind each. What it gives is checked against a second parser, which cuts the words up
-// first.
+// The input has the option letters and then the words of a command line, each followed by a null
+// byte. Compares the results of QBLUtGetOpt with those of a second parser, which processes all
+// words in advance.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -20,7 +20,7 @@ struct Step {
     std::string longOption;
     std::string argument;  // the last one
     std::string error;     // the last one
-    int index;             // behind the words taken
+    int index;             // of the next word
     bool isLong = false;
 };
 
@@ -28,7 +28,7 @@ std::string message(const std::string& program, char letter, const char* what) {
     return "\n" + program + " : '" + letter + "' " + what + "\n";
 }
 
-/// What getOpt() has to give, up to the first call that takes no word.
+/// Returns the expected results of getOpt(), up to the first call that consumes no word.
 std::vector<Step> expected(const std::vector<std::string>& words, const std::string& letters) {
     std::vector<Step> steps;
     Step step{0, "", "", "", 1};
@@ -68,7 +68,7 @@ std::vector<Step> expected(const std::vector<std::string>& words, const std::str
     return steps;
 }
 
-/// Takes the words apart.
+/// Parses the words by getOpt() and compares each result with the expected one.
 void check(const std::vector<std::string>& words, std::string letters, std::vector<char*>& argv) {
     QBLUtGetOpt options;
     options.setPrintErrors(0);
@@ -99,7 +99,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::vector<char*> argv(words.size());
     for (std::size_t i = 0; i < words.size(); ++i) argv[i] = &words[i][0];
     check(words, letters, argv);
-    argv.push_back(nullptr);  // which ends the words as well
+    argv.push_back(nullptr);  // a null pointer ends the words too
     check(words, letters, argv);
     return 0;
 }

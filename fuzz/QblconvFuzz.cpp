@@ -1,6 +1,7 @@
-// Texts of any bytes between any two encodings, set up as qblconv does it. The first bytes choose
-// encodings, policies, mark and blocks. Result and findings do not depend on where the text is cut,
-// and a conversion that reports nothing gives a text that reads as the input does.
+// Converts arbitrary bytes between any two encodings, with converters set up as in qblconv. The
+// first bytes select encodings, policies, byte-order mark and block sizes. Output and findings must
+// not depend on how the input is split into blocks. If nothing is reported, input and output must
+// decode to the same text.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -36,7 +37,7 @@ std::unique_ptr<I18NConverter> openNumbered(std::size_t number, int input, int o
     return converter;
 }
 
-/// What a conversion gives, as one text: its output, findings and end.
+/// The result of a conversion: its output, and its findings and end as one text.
 struct Outcome : I18NTextStreamListener {
     struct Lacking {};
 
@@ -68,10 +69,10 @@ struct Way {
     const I18NConverter* from;
     const I18NConverter* to;
     I18NByteOrderMark mark;
-    bool stops;  // at characters that the output lacks
+    bool stops;  // at characters that the output encoding lacks
 };
 
-/// @param sizes  of the blocks, in turn
+/// @param sizes  sizes of the blocks, used in rotation
 Outcome convert(const Way& way, const std::string& source, const std::vector<std::size_t>& sizes) {
     Outcome outcome(way.stops);
     I18NTextStream stream(way.from, way.to, way.mark, &outcome);
@@ -79,7 +80,7 @@ Outcome convert(const Way& way, const std::string& source, const std::vector<std
         std::size_t turn = 0;
         for (std::size_t at = 0; at < source.size(); at += sizes[turn++ % sizes.size()]) {
             const std::string piece = source.substr(at, sizes[turn % sizes.size()]);
-            // In memory of its own, for the sanitizer to see what is read beyond it.
+            // A separate allocation, so that the address sanitizer detects reads past its end.
             const std::vector<char> block(piece.begin(), piece.end());
             stream.put(block.data(), block.size());
             outcome.take(stream);
@@ -100,7 +101,7 @@ Outcome convert(const Way& way, const std::string& source, const std::vector<std
     return outcome;
 }
 
-/// ICU itself does not tell of a few characters that these change.
+/// Returns false for encodings in which ICU changes a few characters without reporting them.
 bool isExact(const I18NConverter& converter) {
     for (const char* const inexact : {"ISCII", "LMBCS", "SCSU"})
         if (std::strstr(converter.getEncoding(), inexact) != nullptr) return false;
@@ -110,7 +111,8 @@ bool isExact(const I18NConverter& converter) {
 void checkMeaning(const Way& way, const std::string& source, const std::string& output) {
     const std::vector<std::size_t> whole = {source.size() + output.size() + 1};
     const Outcome meant = convert({way.from, nullptr, way.mark, false}, source, whole);
-    if (!meant.text.empty() && meant.text.front() == 0xFEFF) return;  // or it would be a mark
+    // A leading U+FEFF in the text becomes a byte-order mark in the output.
+    if (!meant.text.empty() && meant.text.front() == 0xFEFF) return;
     const Outcome again = convert({way.to, nullptr, I18N_MARK_KEEP, false}, output, whole);
     require(again.text == meant.text);
 }

@@ -1,5 +1,5 @@
-// Replays kept inputs: PROGRAM FOLDER calls the target once with each file of the folder, and once
-// with nothing. What goes wrong ends the program, as under libFuzzer.
+// Replays saved inputs: PROGRAM FOLDER calls the target once with each file of the folder, and once
+// with empty input. A failure aborts the program, as under libFuzzer.
 
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,6 @@
-// Command lines of both tools: the input is their words, with a zero byte after each. What is read
-// from one that is right is read again from its usual form: long options with their arguments after
-// an equals sign, "--", and the operands.
+// Parses the command lines of both tools. The input has their words, each followed by a null byte.
+// A valid command line is rewritten in a standard form: long options with arguments after an equals
+// sign, "--", and the operands. The rewritten line must parse to the same options and operands.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -20,7 +20,7 @@ void require(bool holds) {
     if (!holds) std::abort();
 }
 
-/// The words as a program gets them.
+/// Returns the words as the argv of a program.
 std::vector<char*> argumentsOf(Words& words) {
     std::vector<char*> arguments;
     for (std::string& word : words) arguments.push_back(word.data());
@@ -28,7 +28,7 @@ std::vector<char*> argumentsOf(Words& words) {
     return arguments;
 }
 
-/// What a command line says, in its usual form.
+/// A command line in the standard form.
 struct Line {
     bool isRight = false;
     Words words = {"tool"};
@@ -74,7 +74,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (data[i] == 0) words.emplace_back();
         if (data[i] != 0) words.back() += static_cast<char>(data[i]);
     }
-    words.pop_back();  // what the last zero does not end
+    words.pop_back();  // the bytes after the last null byte
     checkReader(words, conv::knownOptions());
     checkReader(words, msgc::knownOptions());
     std::vector<char*> arguments = argumentsOf(words);

@@ -8,7 +8,7 @@
 #include "QBLCore/Utility/internal/QBLBase64Kernels.hpp"
 #include "fuzz/support/Base64Model.hpp"
 
-/// One of the two alphabets: ours, the model's, and the functions of the interface.
+/// One of the two alphabets: the library's, the model's, and the public functions for it.
 struct Base64Side {
     const char* name;
     const QBLBase64Alphabet& alphabet;
@@ -17,8 +17,8 @@ struct Base64Side {
     int (*decode)(const char*, void*, unsigned*);
 };
 
-/// Calls body(kernels, side, name) for both alphabets at each level that this processor has.
-/// @return the names of the levels that it has not
+/// Calls body(kernels, side, name) for both alphabets and each kernel that this processor runs.
+/// @return the names of the kernels that it does not run
 template <class Body>
 std::string eachBase64Level(Body body) {
     const Base64Side sides[] = {
@@ -40,9 +40,9 @@ std::string eachBase64Level(Body body) {
     return missing;
 }
 
-/// Whether the kernels and the interface decode a text as the model does: into memory of exactly
-/// the size, so that a sanitizer sees a byte too many, and in its own place, where nothing behind
-/// the last byte may change.
+/// Returns true if the kernels and the public function decode a text as the model does. They decode
+/// into memory of exactly the right size, so that a sanitizer detects an extra byte, and in place,
+/// where bytes after the result must not change.
 inline bool decodesAsDefined(const QBLBase64Kernels& kernels, const Base64Side& side,
                              const std::string& text) {
     std::string expected, copy = text;
@@ -63,7 +63,8 @@ inline bool decodesAsDefined(const QBLBase64Kernels& kernels, const Base64Side& 
            std::string(room.get(), room.get() + size) == expected;
 }
 
-/// Whether bytes are encoded as the model does, by the kernels and the interface, and come back.
+/// Returns true if the kernels and the public function encode bytes as the model does, and the
+/// result decodes to the same bytes.
 inline bool encodesAsDefined(const QBLBase64Kernels& kernels, const Base64Side& side,
                              const std::string& data) {
     const auto size = static_cast<unsigned>(data.size());

@@ -4,11 +4,11 @@
 #include <cstring>
 #include <string>
 
-/// Base64 letter by letter, as it is defined.
+/// A model of Base64 that works letter by letter, written from the definition.
 struct Base64Model {
     char for62, for63;
 
-    /// -1 for an invalid character, else 8 bits.
+    /// Returns -1 for an invalid character, else a value of 8 bits.
     int value(unsigned char c) const {
         if (c == '=') return 0;
         if (c == static_cast<unsigned char>(for62)) return 62;

@@ -11,7 +11,8 @@
 #include "QBLCore/Utility/QBLBase64.h"
 #include "QBLCore/Utility/QBLSquisher.hpp"
 
-/// The token of any stream under any length; its checksum is right unless bits of it are wrong.
+/// Returns a token with any stream and any length.
+/// @param wrong  bits of the checksum to flip; 0 makes a valid checksum
 inline std::string tokenOf(const std::string& packed, unsigned long length,
                            unsigned long wrong = 0) {
     const auto* const bytes = reinterpret_cast<const Bytef*>(packed.data());
@@ -34,11 +35,11 @@ inline std::string compressed(const std::string& text) {
     return code == Z_OK ? packed.substr(0, size) : "zlib failed";
 }
 
-/// What both steps of unsquishing give, the text with its NULs.
+/// The results of both steps of unsquishing. The text may contain null bytes.
 struct Unsquished {
     int first = 0, second = 0;
     std::string text;
-    /// Whether the steps and the class agree, and the state is as it is promised.
+    /// True if the steps agree with QBLSquisher and leave the state as documented.
     bool consistent = false;
 
     explicit Unsquished(const std::string& token) {
@@ -50,7 +51,7 @@ struct Unsquished {
             consistent = state.buffer == nullptr && size == 77 && !back;
             return;
         }
-        // Of exactly the size that is asked for. The mark shows how far the text goes.
+        // Exactly the required size. The filler 'm' shows where the text ends.
         const std::unique_ptr<char[]> out(new char[size]);
         std::memset(out.get(), 'm', size);
         second = QBLsqu_unsquish2(&state, out.get());
@@ -65,11 +66,12 @@ struct Unsquished {
     }
 };
 
-/// What squishing makes of a text without a NUL.
+/// The result of squishing a text without null bytes.
 struct Squished {
     std::string token;
-    bool fits = false;  // into the room of the formula
-    /// Whether it is what zlib makes, comes back, and is refused if it does not fit.
+    bool fits = false;  // into QBLsqu_squished_size() bytes
+    /// True if the token is the one that zlib's output gives, unsquishes to the text, and is
+    /// rejected by QBLsqu_squish() if it does not fit.
     bool right = false;
 
     explicit Squished(const std::string& text) {
