@@ -24,7 +24,7 @@ TEST(QBLDeferredThrowableTest, RaisesAnotherThreadsErrorAsItsOwnClass) {
             ADD_FAILURE() << "nothing thrown";
         } catch (QBLIllegalStateError& e) {
             EXPECT_STREQ("from the worker", e.getMessage());
-            EXPECT_EQ(1 + round, e.getBackTrace().size()) << "each check adds to what is held";
+            EXPECT_EQ(1 + round, e.getBackTrace().size()) << "each check adds a back-trace entry";
         }
     }
     deferred = copy;

@@ -24,7 +24,7 @@
 
 namespace {
 
-/// A program's own class, made in a line.
+/// An error class as a program defines it.
 class OwnError : public QBLRuntimeError {
 public:
     using QBLRuntimeError::QBLRuntimeError;
@@ -71,7 +71,7 @@ TEST(QBLThrowableTest, RendersAsXmlWithoutEscaping) {
                  traced.toString());
 }
 
-TEST(QBLThrowableTest, EveryThrowAndRethrowLeavesAnEntryLatestFirst) {
+TEST(QBLThrowableTest, EveryThrowAndRethrowAddsAnEntryNewestFirst) {
     try {
         try {
             QBL_THROW_NAMED(QBLIllegalStateError(3, "text"), "Thing::start");
@@ -85,19 +85,19 @@ TEST(QBLThrowableTest, EveryThrowAndRethrowLeavesAnEntryLatestFirst) {
             traceOf(e));
         EXPECT_TRUE(std::regex_match(
             e.getBackTrace()[0], std::regex("tests/Exceptions/QBLThrowableTest.cpp\\(\\d+\\): .*")))
-            << "paths are from the root of the tree, not " << e.getBackTrace()[0];
+            << "the path is not relative to the root of the tree: " << e.getBackTrace()[0];
     }
 }
 
 TEST(QBLThrowableTest, DropsAnEntryLongerThanTheAddressSpace) {
-    if (sizeof(void*) > 4) GTEST_SKIP() << "no text is that long";
-    constexpr std::size_t kPiece = 16U << 20, kPieces = 90;  // 1.4 GiB, of the same memory
+    if (sizeof(void*) > 4) GTEST_SKIP() << "no text exceeds a 64-bit address space";
+    constexpr std::size_t kPiece = 16U << 20, kPieces = 90;  // maps the same 16 MiB 90 times
     const int memory = memfd_create("text", MFD_CLOEXEC);
     ASSERT_EQ(0, ftruncate(memory, kPiece));
     const int flags = MAP_SHARED | MAP_FIXED, access = PROT_READ | PROT_WRITE;
     void* const space =
         mmap(nullptr, kPiece * kPieces, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (space == MAP_FAILED) GTEST_SKIP() << "no address space";
+    if (space == MAP_FAILED) GTEST_SKIP() << "not enough free address space for the text";
     char* const text = static_cast<char*>(space);
     for (std::size_t i = 0; i < kPieces - 1; ++i)
         ASSERT_NE(MAP_FAILED, mmap(text + i * kPiece, kPiece, access, flags, memory, 0));
@@ -171,10 +171,10 @@ TEST(QBLThrowableTest, MovesAndCopiesBackTraces) {
     EXPECT_EQ("QBLError: 3\nQBLError: 2\nQBLError: 1\n", traceOf(to));
     EXPECT_TRUE(from.getBackTrace().empty());
     to.copyBackTrace(to.getBackTrace());
-    EXPECT_EQ(6U, to.getBackTrace().size()) << "its own list is copied once, not for ever";
+    EXPECT_EQ(6U, to.getBackTrace().size()) << "copying its own list copies each entry once";
 }
 
-TEST(QBLThrowableTest, ForeignExceptionsBecomeTheLibrarysOwn) {
+TEST(QBLThrowableTest, TranslatesForeignExceptions) {
     const auto translate = [](auto error) {
         QBL_ALLOC_TRY
         throw error;

@@ -1,5 +1,5 @@
-// What an installed library finds of its own: its directory if LD_LIBRARY_PATH names it, the file
-// of settings, a resource file and a catalogue in German.
+// Prints what the installed library finds: its own directory (by LD_LIBRARY_PATH), its settings
+// file, a resource file and a German catalogue.
 #include <iostream>
 
 #include "QBLCore/Frame/QBLCore.h"

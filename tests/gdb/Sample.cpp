@@ -1,4 +1,4 @@
-// Objects to look at in a debugger.
+// Creates objects for printers_test.sh to show in gdb.
 #include <future>
 #include <thread>
 

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# printers_test.sh SAMPLE LIBRARY: what gdb shows of the sample's objects, by the printers that it
-# loads with the library. Status 77, which stands for "skipped", where there is no gdb to do it.
+# printers_test.sh SAMPLE LIBRARY: checks what gdb shows of the sample's objects with the printers that
+# it loads together with the library. Exits with 77 ("skipped") if gdb cannot run the sample.
 set -euo pipefail
 sample=$1 folder=${2%/*}
 skip() { echo "SKIPPED: $*"; exit 77; }
 export LC_ALL=C.UTF-8
-command -v gdb >/dev/null || skip "there is no gdb: ./dev setup test"
+command -v gdb >/dev/null || skip "gdb not found: run ./dev setup test"
 gdb -nx -batch -ex 'python print("yes")' 2>&1 | grep -qx yes || skip "this gdb has no Python"
 
 expressions=(empty inlined wide reference heap back longer list none error coded uncoded messages buffer variants)
@@ -16,7 +16,7 @@ output=$(gdb -nx -batch -iex 'set debuginfod enabled off' -iex "add-auto-load-sa
     "${commands[@]}" -ex 'echo locks\n' -ex 'info qbl-locks' \
     -ex 'set var tavFirstHeldMutex->heldAfter->heldAfter = tavFirstHeldMutex' -ex 'echo cyclic\n' \
     -ex 'info qbl-locks' "$sample" 2>&1 </dev/null) || true
-[[ $output != *ptrace* ]] || skip "programs may not be traced here"
+[[ $output != *ptrace* ]] || skip "this machine does not allow gdb to trace programs"
 diff <(sed -n 's/^\$[0-9]* = //p' <<<"$output" | sed 's/([0-9]*): /(LINE): /g') - <<'SHOWN' ||
 ""
 "it's \"inline\""

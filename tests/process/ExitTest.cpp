@@ -1,6 +1,5 @@
-// exit_test MODE: leaves the process in one of the ways in which programs really end, with the
-// library in use. What counts is that the process ends by itself, with status 0, and that no
-// sanitizer has anything to say.
+// exit_test MODE: ends the process in one of the ways in which real programs end, while the library
+// is in use. The process must end by itself with status 0 and without a sanitizer report.
 #include <cstdlib>
 #include <cstring>
 
@@ -16,7 +15,7 @@ namespace {
 
 QBLThreadMutex* g_lock = nullptr;
 
-/// Works until the process ends, taking locks and throwing as real work does.
+/// Runs until the process ends, and takes a lock in each round.
 class Endless : public QBLThreadRunnable {
 public:
     void run() override {
@@ -32,7 +31,7 @@ public:
     void run() override { QBLThread::yield(); }
 };
 
-// Never destroyed: they run until the process is gone.
+// Never destroyed, because threads run them until the process ends.
 Endless& g_endless = *new Endless;
 Short& g_brief = *new Short;
 QBLThread* g_thread = nullptr;
@@ -52,7 +51,7 @@ void startAll() {
     }
 }
 
-/// Uses the library when static objects are destroyed, after main has returned.
+/// Uses the library while static objects are destroyed, after main() has returned.
 struct LateUser {
     bool active = false;
     QBLThreadPoolVariable* pool = nullptr;

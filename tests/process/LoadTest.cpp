@@ -1,5 +1,5 @@
-// load_test LIBRARY: loads and unloads the library over and over without being linked to it,
-// with a thread that used it still alive, and ends.
+// load_test LIBRARY: loads and unloads the library repeatedly without being linked to it. A thread
+// that has used the library stays alive until after the last unloading.
 #include <dlfcn.h>
 
 #include <cstdio>
@@ -33,11 +33,11 @@ int run(const char* library) {
             });
             if (result.get() != 0) return 1;
         }
-        if (round != 3 && stop() != 0) return 1;  // once somebody forgets
+        if (round != 3 && stop() != 0) return 1;  // round 3 leaves the library initialized
         if (dlclose(handle) != 0) return 1;
     }
     unloaded.set_value();
-    user.join();  // its record goes with it, after the last unloading
+    user.join();  // destroys the thread's record after the last unloading
     return 0;
 }
 

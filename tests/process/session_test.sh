@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# session_test.sh PAGE FILES PROGRAM...: what a page's console blocks show is what the commands
-# print, in a directory with copies of the files and with the programs at hand.
+# session_test.sh PAGE FILES PROGRAM...: runs the commands of a page's console blocks and checks that
+# they print what the page shows. They run in a directory with copies of FILES; PATH has the programs.
 set -euo pipefail
 page=$1 files=$2
 shift 2
@@ -21,5 +21,5 @@ while IFS= read -r line; do
     printf '%s\n' "$line"
     bash -c "${line#??}" 2>&1 || true
 done <"$work/shown" >"$work/printed"
-[ "$(grep -c '^\$ ' "$work/shown")" -gt 5 ] || { echo "FAILED: $page shows no session"; exit 1; }
-diff "$work/shown" "$work/printed" || { echo "FAILED: $page shows another output"; exit 1; }
+[ "$(grep -c '^\$ ' "$work/shown")" -gt 5 ] || { echo "FAILED: $page has too few commands in its console blocks"; exit 1; }
+diff "$work/shown" "$work/printed" || { echo "FAILED: the commands print other lines than $page shows"; exit 1; }

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# survey_test.sh SURVEY TREE: the survey's figures against wc's, and its report of what it
-# cannot read.
+# survey_test.sh SURVEY TREE: compares the figures of the example 'survey' with those of wc, and checks
+# its report of unreadable files.
 set -euo pipefail
 survey=$1 tree=$2
 top=$(mktemp -d)
@@ -18,31 +18,31 @@ head -c 300000 /dev/zero | tr '\0' 'x' >"$work/a b/one-line"
 seq 1 100000 >"$work/a b/numbers"
 ln -s /dev/zero "$work/a b/link"
 
-"$survey" -a "$work" "$tree/TavThread" "$tree/QBLCore" >"$out" || fail "status $?"
+"$survey" -a "$work" "$tree/TavThread" "$tree/QBLCore" >"$out" || fail "survey exits with $?"
 find "$work/a b" "$tree/TavThread" "$tree/QBLCore" -type f ! -name '.*' | sort >"$top/files"
 count=0
 while IFS= read -r file; do
     read -r lines words bytes _ <<<"$(wc -lwc "$file")"
     row=$(awk -v f="  $file" 'substr($0, length($0) - length(f) + 1) == f' "$out" | tail -n 1)
     read -r l w b _ <<<"$row"
-    [ "$lines $words $bytes" = "$l $w $b" ] || fail "$file: wc says $lines $words $bytes: $row"
+    [ "$lines $words $bytes" = "$l $w $b" ] || fail "$file: wc counts $lines $words $bytes, survey prints: $row"
     count=$((count + 1))
 done <"$top/files"
-[ "$count" -gt 50 ] || fail "only $count files compared"
-grep -q "total of $count files" "$out" || fail "counted other files than find"
+[ "$count" -gt 50 ] || fail "only $count files were compared, expected more than 50"
+grep -q "total of $count files" "$out" || fail "survey counts another number of files than find ($count)"
 read -r _ _ _ longest _ <<<"$(grep -F 'one-line' "$out")"
-[ "$longest" = 300000 ] || fail "longest line $longest"
+[ "$longest" = 300000 ] || fail "longest line is $longest, expected 300000"
 
 status=0
 "$survey" "$work/a b/numbers" "$work/absent" "$work/a b/empty/x" >"$out" || status=$?
-[ "$status" = 1 ] || fail "status $status for files that cannot be read"
+[ "$status" = 1 ] || fail "survey exits with $status for unreadable files, expected 1"
 [ "$(grep -c '<Exception Name="QBLSystemError" Error="2[0]*" Severity="Fatal">' "$out")" = 2 ] ||
-    fail "errors not reported: $(cat "$out")"
+    fail "survey does not report two QBLSystemErrors: $(cat "$out")"
 grep -q "<MessageText>Cannot open $work/absent: No such file or directory</MessageText>" "$out" ||
-    fail "no message text"
+    fail "survey does not report that $work/absent is missing"
 grep -qE '<TraceInfo><Trace Text="examples/survey/main.cpp\([0-9]+\): QBLSystemError: QBL_THROW: FileTask::check"/>.*FileFigures.cpp.*Input::Input"/></TraceInfo>' "$out" ||
-    fail "no back-trace: $(cat "$out")"
+    fail "survey prints no back-trace: $(cat "$out")"
 status=0
 "$survey" >/dev/null 2>&1 || status=$?
-[ "$status" = 2 ] || fail "status $status without operands"
+[ "$status" = 2 ] || fail "survey exits with $status without operands, expected 2"
 echo "$count files agree with wc"

@@ -4,14 +4,14 @@
 #include <map>
 #include <string>
 
-/// Numbers as binary message files have them.
+/// Returns a number in the byte order of binary message files.
 inline std::string bigEndian(unsigned value) {
     std::string bytes;
     for (int shift = 24; shift >= 0; shift -= 8) bytes += static_cast<char>(value >> shift);
     return bytes;
 }
 
-/// The bytes of a binary message file.
+/// Returns the bytes of a binary message file with these texts.
 inline std::string bmfBytes(const std::map<unsigned, std::string>& texts) {
     std::string index, block;
     for (const auto& [id, text] : texts) {

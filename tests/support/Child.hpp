@@ -3,8 +3,8 @@
 
 #include <functional>
 
-/// A forked process that runs a body and exits with what it gives, without destructors. Fork it
-/// while the test has no other threads.
+/// A forked process that runs a body and exits with its result, without running destructors. Create
+/// it while the test has no other threads.
 class Child {
 public:
     explicit Child(const std::function<int()>& body);
@@ -14,14 +14,16 @@ public:
 
     int pid() const { return m_iPid; }
     void kill(int signal) const;
-    /// Waits for the end. @return the exit status, or minus the signal that ended it.
+    /// Waits until the process ends.
+    /// @return its exit status, or the negated number of the signal that ended it.
     int wait();
 
 private:
     int m_iPid;
 };
 
-/// Runs a body in a process of its own. @return as Child::wait()
+/// Runs a body in a child process.
+/// @return as Child::wait()
 inline int inChild(const std::function<int()>& body) { return Child(body).wait(); }
 
 #endif

@@ -49,8 +49,9 @@ void* allocateOrThrow(std::size_t n) {
     throw std::bad_alloc();
 }
 
-/// The function that the hook stands before. Filled in by hand: the first calls come while a
-/// sanitizer starts, too early for the guard of a static that is initialised by a call.
+/// Returns the function that the hook replaces. The caller's static is constant-initialised and set
+/// here: the first calls come while a sanitizer starts, too early for the guard of a static that a
+/// call initialises.
 template <class Function>
 Function real(std::atomic<Function>& known, const char* name) {
     Function function = known.load(std::memory_order_relaxed);
@@ -95,7 +96,8 @@ void operator delete[](void* p) noexcept { std::free(p); }
 void operator delete(void* p, std::size_t) noexcept { std::free(p); }
 void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
 
-// A hook of a function that returns its error number, and of one that returns -1 and sets errno.
+// HOOK replaces a function that returns an error number, HOOK_ERRNO one that returns -1 and sets
+// errno.
 #define HOOK(call, name, parameters, arguments)              \
     int name parameters {                                    \
         if (t_calls[call].due()) return t_calls[call].error; \
@@ -112,7 +114,7 @@ void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
         return real(next, #name) arguments;                     \
     }
 
-// Hidden ones would serve the program alone.
+// With hidden visibility, the hooks would not replace the functions for shared libraries.
 #pragma GCC visibility push(default)
 extern "C" {
 

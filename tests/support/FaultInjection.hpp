@@ -1,9 +1,9 @@
 #ifndef TESTS_SUPPORT_FAULTINJECTION_HPP
 #define TESTS_SUPPORT_FAULTINJECTION_HPP
 
-/// Makes allocations and system calls of the code under test fail on request. A program that links
-/// the library qbl_fault_injection has its definitions of them in the place of the C++ and C
-/// libraries' own, for every shared library of the process. Plans belong to the calling thread.
+/// Makes allocations and system calls of the code under test fail on request. If a program links
+/// the library qbl_fault_injection, its definitions replace those of the C and C++ libraries, in
+/// every shared library of the process too. Requests apply to the calling thread only.
 namespace fault {
 
 enum Call {
@@ -18,25 +18,27 @@ enum Call {
     kCallCount
 };
 
-/// The next allocation but n fails, once; a negative n switches this off.
-/// @param thrown  what a throwing operator new throws then; 0 means std::bad_alloc
+/// Makes one allocation fail after n successful ones; a negative n cancels the request.
+/// @param thrown  the value that a throwing operator new throws; 0 means std::bad_alloc
 void failAllocation(long n, int thrown = 0);
 /// While on, every allocation fails.
 void exhaustMemory(bool on);
-/// Whether that has happened since it was asked for.
+/// Returns true if an allocation has failed since the last failAllocation().
 bool allocationFailed();
 
-/// The next call but n of this function fails with this error number, once.
+/// Makes one call of this function fail with this error number, after n successful ones.
 void failCall(Call call, long n, int error);
 bool callFailed(Call call);
-/// Calls that came by so far; 0 for a function that was called means that its hook is dead.
+/// Returns how often the hook was called. If this is 0 after a call of the function, the hook does
+/// not work.
 unsigned long seen(Call call);
-/// Forgets all plans and counts.
+/// Cancels all requests and resets all counts.
 void reset();
 
-/// Runs the body with its first, its second, ... allocation failing, until a run has none left to
-/// fail; the body checks what a failed run must look like.
-/// @return how many runs had a failed allocation.
+/// Runs the body repeatedly: in the first run its first allocation fails, in the second run its
+/// second allocation, and so on, until a run completes without a failure. The body checks the
+/// results.
+/// @return the number of runs with a failed allocation; -1 if the limit was reached.
 template <class Body>
 long eachAllocation(Body body, long limit = 100000) {
     for (long n = 0; n < limit; ++n) {

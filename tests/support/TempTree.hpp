@@ -7,7 +7,7 @@
 #include <sstream>
 #include <string>
 
-/// A directory of a test's own, removed at the end.
+/// A temporary directory for a test. The destructor removes it.
 class TempTree {
 public:
     TempTree() {
@@ -21,7 +21,7 @@ public:
     TempTree(const TempTree&) = delete;
     TempTree& operator=(const TempTree&) = delete;
 
-    /// The path of a name in it.
+    /// Returns the path of a name in the directory.
     std::string operator()(const std::string& name) const { return m_root + "/" + name; }
     const char* root() const { return m_root.c_str(); }
     std::string dir(const std::string& name) const {

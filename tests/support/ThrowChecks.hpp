@@ -7,23 +7,23 @@
 
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
 
-/// Expects a statement to throw exactly Class with exactly this message text (null for none).
-#define QBL_EXPECT_THROW(statement, Class, text)                                       \
-    do {                                                                               \
-        bool qblThrown = false;                                                        \
-        try {                                                                          \
-            static_cast<void>(statement);                                              \
-        } catch (QBLThrowable & qblError) {                                            \
-            qblThrown = true;                                                          \
-            EXPECT_STREQ(#Class, qblError.getThrowableName());                         \
-            const char* qblText = text;                                                \
-            EXPECT_STREQ(qblText, qblError.getMessage());                              \
-            EXPECT_FALSE(qblError.getBackTrace().empty()) << "thrown without a macro"; \
-        }                                                                              \
-        EXPECT_TRUE(qblThrown) << #statement " threw no throwable";                    \
+/// Expects a statement to throw exactly Class with exactly this message text (null: no text).
+#define QBL_EXPECT_THROW(statement, Class, text)                                        \
+    do {                                                                                \
+        bool qblThrown = false;                                                         \
+        try {                                                                           \
+            static_cast<void>(statement);                                               \
+        } catch (QBLThrowable & qblError) {                                             \
+            qblThrown = true;                                                           \
+            EXPECT_STREQ(#Class, qblError.getThrowableName());                          \
+            const char* qblText = text;                                                 \
+            EXPECT_STREQ(qblText, qblError.getMessage());                               \
+            EXPECT_FALSE(qblError.getBackTrace().empty()) << "not thrown by QBL_THROW"; \
+        }                                                                               \
+        EXPECT_TRUE(qblThrown) << #statement " threw no QBLThrowable";                  \
     } while (false)
 
-/// The back-trace as text, an entry a line, without files and line numbers.
+/// Returns the back-trace as text, one entry per line, without file names and line numbers.
 inline std::string traceOf(const QBLThrowable& error) {
     std::string out;
     for (const char* entry : error.getBackTrace()) {

@@ -6,7 +6,7 @@
 #include <thread>
 #include <vector>
 
-/// Longest a test waits for something that should happen at once, in milliseconds.
+/// The longest time in milliseconds that a test waits for an event that should come at once.
 constexpr unsigned long kTestLimitMs = 20000;
 
 #ifdef __SANITIZE_THREAD__
@@ -15,14 +15,14 @@ constexpr bool kThreadSanitizer = true;
 constexpr bool kThreadSanitizer = false;
 #endif
 
-/// Where a tenth of the rounds has to do.
+/// Sanitizer builds are slow: tests run a tenth of the rounds there.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool kSanitizer = true;
 #else
 constexpr bool kSanitizer = false;
 #endif
 
-/// Waits until the condition holds; false when that takes longer than kTestLimitMs.
+/// Waits until the condition is true. Returns false if this takes longer than kTestLimitMs.
 bool eventually(const std::function<bool()>& condition);
 
 /// Runs a body on several threads; join() or the destructor waits for all of them.
@@ -42,7 +42,7 @@ private:
     std::vector<std::thread> m_threads;
 };
 
-/// A door that stays open once opened: lets a test decide when threads go on.
+/// Makes threads wait until the test opens it. An open gate stays open.
 class Gate {
 public:
     void open() { m_bOpen = true; }
