@@ -14,7 +14,7 @@ namespace {
 
 void* nothing(void*) { return nullptr; }
 
-/// Creates and destroys an object; returns the creation's result and checks its out-parameter.
+/// Creates and destroys an object. Returns the result of the creation and checks its out-parameter.
 template <class Object, class... Arguments>
 int tryOut(int (*create)(Object**, Arguments..., ...), int (*destroy)(Object*),
            Arguments... arguments) {
@@ -106,7 +106,7 @@ TEST(TavFaultTest, AdoptionAndCallbacksReportAFailedAllocation) {
     Workers other(1, [] {
         fault::failAllocation(0);
         EXPECT_EQ(nullptr, tavXThreadSelf());
-        EXPECT_EQ(TAVTHREAD_OK, tavXThreadInitialize()) << "the next attempt";
+        EXPECT_EQ(TAVTHREAD_OK, tavXThreadInitialize()) << "the next attempt succeeds";
         fault::failAllocation(0);
         EXPECT_EQ(TAVTHREAD_NOMEM,
                   tavXThreadStateCallback(

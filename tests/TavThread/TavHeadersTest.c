@@ -1,4 +1,4 @@
-/* Every public header, seen by a C compiler; the caller checks what the calls gave. */
+/* Includes every public header in C. TavHeadersTest checks that tavCalledFromC() returns 0. */
 #include "TavThread/TavCondition.h"
 #include "TavThread/TavEvent.h"
 #include "TavThread/TavExport.h"

@@ -13,7 +13,7 @@ extern "C" int tavCalledFromC(void);
 
 namespace {
 
-/// A mutex made with these attributes.
+/// A mutex with these attributes.
 struct Mutex {
     template <class... Attributes>
     explicit Mutex(Attributes... attributes) {
@@ -36,7 +36,7 @@ int tryFromOtherThread(TavMutex* m) {
 
 }  // namespace
 
-TEST(TavHeadersTest, ServeC) { EXPECT_EQ(0, tavCalledFromC()); }
+TEST(TavHeadersTest, CompileAndWorkInC) { EXPECT_EQ(0, tavCalledFromC()); }
 
 TEST(TavMutexTest, ReportsTheWrongTagBeforeTheMissingPointer) {
     TavMutex* m = reinterpret_cast<TavMutex*>(&m);
@@ -52,7 +52,7 @@ TEST(TavMutexTest, RecursiveMutexBelongsToOneThreadUntilItsLastUnlock) {
     Layer layer;
     for (const bool tracking : {false, true}) {
         Mutex m(TavMutexAttrRecursive, tracking ? TavMutexAttrTrackOwner : TavMutexAttrNoop);
-        EXPECT_EQ(TAVTHREAD_ERROR, tavXMutexUnlock(m)) << "nobody holds it";
+        EXPECT_EQ(TAVTHREAD_ERROR, tavXMutexUnlock(m)) << "no thread holds it";
         EXPECT_EQ(TAVTHREAD_OK, tavXMutexLock(m));
         EXPECT_EQ(TAVTHREAD_OK, tavXMutexTryLock(m));
         EXPECT_EQ(TAVTHREAD_OK, tavXMutexTimedLock(m, 0));
@@ -114,7 +114,8 @@ TEST(TavMutexTest, TrackingNamesTheHolder) {
     EXPECT_EQ(tavXThreadSelf(), second.m->owner);
     EXPECT_STREQ("a.c", second.m->file);
     EXPECT_EQ(7, second.m->line);
-    EXPECT_EQ(TAVTHREAD_OK, tavXMutexUnlock(first)) << "from behind the head of the list";
+    EXPECT_EQ(TAVTHREAD_OK, tavXMutexUnlock(first))
+        << "first is not the head of the list of held mutexes";
     EXPECT_EQ(TAVTHREAD_OK, tavXMutexUnlock(second));
     EXPECT_EQ(nullptr, second.m->owner);
 }
@@ -127,7 +128,7 @@ TEST(TavMutexTest, TrackingWithoutRecordFailsButLocks) {
 }
 
 TEST(TavMutexTest, ListsOfHeldMutexesSurviveMisuse) {
-    if (kThreadSanitizer) GTEST_SKIP() << "the sanitizer refuses what this is about";
+    if (kThreadSanitizer) GTEST_SKIP() << "the sanitizer reports the misuse that this test needs";
     Layer layer;
     Mutex first(TavMutexAttrTrackOwner), second(TavMutexAttrTrackOwner);
     Workers holder(1, [&] {
@@ -140,7 +141,7 @@ TEST(TavMutexTest, ListsOfHeldMutexesSurviveMisuse) {
         EXPECT_EQ(TAVTHREAD_BUSY, tavXMutexDestroy(destroyed));
     });
     holder.join();
-    EXPECT_EQ(nullptr, first.m->owner) << "a record that is gone";
+    EXPECT_EQ(nullptr, first.m->owner) << "the owner's record is destroyed";
     EXPECT_EQ(TAVTHREAD_OK, tavXMutexUnlock(second));
     EXPECT_EQ(TAVTHREAD_OK, tavXMutexUnlock(first));
 }
@@ -168,7 +169,7 @@ TEST(TavConditionTest, HandsOverUnderTheMutex) {
     Watch watch;
     EXPECT_EQ(TAVTHREAD_TIMEOUT, tavXConditionTimedWait(cv, &m, 30));
     EXPECT_GE(watch.ms(), 29.0);
-    EXPECT_EQ(EBUSY, pthread_mutex_trylock(&m)) << "held again after a timeout";
+    EXPECT_EQ(EBUSY, pthread_mutex_trylock(&m)) << "the wait locks the mutex again after a timeout";
     for (const int err : {EPERM, ENOSYS}) {
         fault::failCall(fault::kClockRead, 0, err);
         EXPECT_EQ(TAVTHREAD_NOTSUPPORTED, tavXConditionTimedWait(cv, &m, 1));
@@ -177,7 +178,7 @@ TEST(TavConditionTest, HandsOverUnderTheMutex) {
     EXPECT_EQ(TAVTHREAD_OK, tavXConditionDestroy(cv));
 }
 
-TEST(TavEventTest, LetsThroughOnePerSignalOrAllUntilReset) {
+TEST(TavEventTest, ReleasesOneWaiterPerSignalOrAllUntilReset) {
     for (const bool manual : {false, true}) {
         TavEvent* e = nullptr;
         ASSERT_EQ(TAVTHREAD_OK, tavXEventCreate(&e, manual, 0, TavEventAttrEnd));

@@ -10,7 +10,7 @@ namespace {
 struct TavRWLockTest : ::testing::Test {
     TavRWLockTest() { EXPECT_EQ(TAVTHREAD_OK, tavXRWLockCreate(&rw, TavRWLockAttrEnd)); }
     ~TavRWLockTest() override {
-        EXPECT_EQ(0U, rw->word.load()) << "free, and back on its fast path";
+        EXPECT_EQ(0U, rw->word.load()) << "the lock is free and uses its fast path";
         EXPECT_EQ(TAVTHREAD_OK, tavXRWLockDestroy(rw));
     }
     bool somebodyWaits() const { return (rw->word.load() & kTavRWWaiters) != 0; }
@@ -20,7 +20,7 @@ struct TavRWLockTest : ::testing::Test {
 
 }  // namespace
 
-TEST_F(TavRWLockTest, TriesAndTimedLocksTellWhoIsInTheWay) {
+TEST_F(TavRWLockTest, TryAndTimedLocksReportABusyLock) {
     EXPECT_EQ(TAVTHREAD_OK, tavXRWLockReadLock(rw));
     EXPECT_EQ(TAVTHREAD_OK, tavXRWLockTryReadLock(rw));
     EXPECT_EQ(TAVTHREAD_BUSY, tavXRWLockTryWriteLock(rw));
@@ -33,7 +33,7 @@ TEST_F(TavRWLockTest, TriesAndTimedLocksTellWhoIsInTheWay) {
     EXPECT_EQ(TAVTHREAD_TIMEOUT, tavXRWLockTimedReadLock(rw, 1));
     EXPECT_EQ(TAVTHREAD_TIMEOUT, tavXRWLockTimedWriteLock(rw, 0));
     EXPECT_EQ(TAVTHREAD_OK, tavXRWLockUnlock(rw));
-    EXPECT_EQ(TAVTHREAD_OK, tavXRWLockUnlock(rw)) << "free already";
+    EXPECT_EQ(TAVTHREAD_OK, tavXRWLockUnlock(rw)) << "the lock is already free";
     EXPECT_EQ(TAVTHREAD_OK, tavXRWLockTimedWriteLock(rw, 0));
     EXPECT_EQ(TAVTHREAD_OK, tavXRWLockUnlock(rw));
     EXPECT_EQ(TAVTHREAD_INVALID, tavXRWLockUnlock(nullptr));
@@ -80,10 +80,10 @@ TEST_F(TavRWLockTest, ReadersGoOnWhenTheWriterGivesUp) {
     tavXRWLockUnlock(rw);
 }
 
-// A cancellation unwinds the wait, which is the other way to give up.
+// A cancellation unwinds the wait. The writer must withdraw its request then too.
 TEST_F(TavRWLockTest, ReadersGoOnWhenTheWriterIsCancelled) {
 #ifdef __SANITIZE_ADDRESS__
-    GTEST_SKIP() << "the sanitizer takes its own look at an unwinding stack for an overflow";
+    GTEST_SKIP() << "the sanitizer reports a false overflow while the stack unwinds";
 #endif
     tavXRWLockReadLock(rw);
     pthread_t writer{};
@@ -110,7 +110,8 @@ TEST_F(TavRWLockTest, ReadersGoOnWhenTheWriterIsCancelled) {
     EXPECT_EQ(PTHREAD_CANCELED, result);
     reader.join();
     tavXRWLockUnlock(rw);
-    EXPECT_EQ(TAVTHREAD_OK, tavXRWLockTryWriteLock(rw)) << "nothing is left of the writer";
+    EXPECT_EQ(TAVTHREAD_OK, tavXRWLockTryWriteLock(rw))
+        << "the cancelled writer left no trace in the lock";
     tavXRWLockUnlock(rw);
 }
 
@@ -119,7 +120,7 @@ TEST_F(TavRWLockTest, NoWakeUpIsLostToAWriterThatTimesOut) {
         tavXRWLockReadLock(rw);
         std::atomic<bool> writerLeft{false};
         Workers writer(1, [&] {
-            // On a busy machine the unlock may still find it waiting.
+            // On a busy machine, the writer may get the lock before its time is over.
             if (tavXRWLockTimedWriteLock(rw, 10) == TAVTHREAD_OK) tavXRWLockUnlock(rw);
             writerLeft = true;
         });
@@ -134,7 +135,8 @@ TEST_F(TavRWLockTest, NoWakeUpIsLostToAWriterThatTimesOut) {
             pthread_mutex_unlock(&rw->mutex);
             return readerWaits || writerLeft;
         }));
-        // The writer's time ends, and the lock is given up, behind the mutex; either may be first.
+        // While this thread holds the mutex, the writer times out and the unlocker unlocks. Either
+        // may then get the mutex first.
         pthread_mutex_lock(&rw->mutex);
         Workers unlocker(1, [&] { tavXRWLockUnlock(rw); });
         for (Watch watch; watch.ms() < 15;) std::this_thread::yield();

@@ -33,7 +33,7 @@ TEST_F(TavSemaphoreTest, CountsPosts) {
     EXPECT_EQ(TAVTHREAD_INVALID, tavXSemaphorePostN(nullptr, 0));
 }
 
-TEST(TavSemaphoreLimitTest, RefusesACountBeyondTheSystems) {
+TEST(TavSemaphoreLimitTest, RejectsACountAboveTheSystemLimit) {
     TavSemaphore* s = reinterpret_cast<TavSemaphore*>(&s);
     EXPECT_EQ(TAVTHREAD_ERROR, tavXSemaphoreCreate(&s, UINT_MAX, TavSemaphoreAttrEnd));
     EXPECT_EQ(nullptr, s);
@@ -55,7 +55,7 @@ TEST_F(TavSemaphoreTest, TimedWaitsLastTheirTime) {
         EXPECT_EQ(TAVTHREAD_TIMEOUT, row.wait(s, row.ms));
         EXPECT_GE(watch.ms(), row.least) << row.ms;
         tavXSemaphorePost(s);
-        EXPECT_EQ(TAVTHREAD_OK, row.wait(s, row.ms)) << "a count is there";
+        EXPECT_EQ(TAVTHREAD_OK, row.wait(s, row.ms)) << "the count is 1";
     }
 }
 
@@ -81,7 +81,7 @@ TEST_F(TavSemaphoreTest, BoundedWaitLosesNoPostAndPublishesWhatCameBefore) {
     std::atomic<bool> over{false};
     Workers waiters(3, [&] {
         while (!over)
-            // Short bounds, so that many waits end just as a post arrives.
+            // A short bound, so that many waits end at the moment when a post arrives.
             if (tavXSemaphoreBoundedWait(s, 1) == TAVTHREAD_OK) {
                 EXPECT_EQ(1, slots[taken++]);
             }

@@ -19,9 +19,9 @@ struct Log {
 
 }  // namespace
 
-TEST(TavStateTrapTest, CallbacksSeeEveryChangeTheLastAddedFirst) {
+TEST(TavStateTrapTest, CallbacksRunForEveryChangeNewestFirst) {
     Layer layer;
-    Log mine, theirs;  // what the change to Running tells this thread, and the rest the other one
+    Log mine, theirs;  // mine: the change to Running, made by this thread; theirs: all others
     Started thread([]() -> void* { return nullptr; }, TavThreadAttrSuspended);
     ASSERT_TRUE(eventually([&] { return tavXThreadState(thread) == TavThreadStateSuspended; }));
     for (int state = 0; state < 5; ++state)
@@ -43,7 +43,7 @@ TEST(TavStateTrapTest, CallbacksSeeEveryChangeTheLastAddedFirst) {
     EXPECT_EQ("first 30", theirs.text);
 }
 
-TEST(TavStateTrapTest, AThreadGoesOnAfterTheCallbacksOfItsContinuation) {
+TEST(TavStateTrapTest, ThreadResumesAfterTheCallbacksOfItsContinuation) {
     Layer layer;
     const TavStateRoutine slowly = [](void* arg, TavThread* thread, int state) {
         for (int i = 0; i < 100; ++i) sched_yield();
@@ -61,7 +61,7 @@ TEST(TavStateTrapTest, AThreadGoesOnAfterTheCallbacksOfItsContinuation) {
     }
 }
 
-TEST(TavStateTrapTest, RunningsCallbacksFollowTheThreadsOwnForSuspended) {
+TEST(TavStateTrapTest, RunningCallbacksFollowTheSuspendedCallbacks) {
     Layer layer;
     for (int i = 0; i < 50; ++i) {
         struct {
@@ -89,7 +89,7 @@ TEST(TavStateTrapTest, RunningsCallbacksFollowTheThreadsOwnForSuspended) {
     }
 }
 
-TEST(TavStateTrapTest, ACallbackMaySuspendTheThreadThatIsContinued) {
+TEST(TavStateTrapTest, CallbackMaySuspendTheContinuedThread) {
     Layer layer;
     std::atomic<int> steps{0};
     Started thread([&]() -> void* { return ++steps, tavXThreadState(nullptr), ++steps, nullptr; },
@@ -103,8 +103,9 @@ TEST(TavStateTrapTest, ACallbackMaySuspendTheThreadThatIsContinued) {
     };
     tavXThreadStateCallback(thread, TavThreadStateRunning, again, &times);
     EXPECT_EQ(TAVTHREAD_OK, tavXThreadContinue(thread));
-    ASSERT_TRUE(eventually([&] { return steps == 1 && suspended(); })) << "at the next checkpoint";
-    EXPECT_EQ(TAVTHREAD_OK, tavXThreadContinue(thread)) << "suspended and continued inside";
+    ASSERT_TRUE(eventually([&] { return steps == 1 && suspended(); }))
+        << "it suspends at the next checkpoint";
+    EXPECT_EQ(TAVTHREAD_OK, tavXThreadContinue(thread)) << "the callback suspends and continues it";
     thread.join();
     EXPECT_EQ(2, steps);
 }
@@ -129,19 +130,19 @@ TEST(TavStateTrapTest, TrapsAreListedAndDisarmed) {
         EXPECT_EQ(traps[1], next);
         EXPECT_EQ(TAVTHREAD_OK, tavXThreadStateTrapDestroy(traps[1]));
         EXPECT_EQ(TAVTHREAD_OK, tavXThreadStateTrapNext(traps[2], &next));
-        EXPECT_EQ(traps[0], next) << "past the one that is gone";
+        EXPECT_EQ(traps[0], next) << "the walk skips the destroyed trap";
         EXPECT_EQ(TAVTHREAD_OK, tavXThreadStateTrapNext(traps[0], &next));
         EXPECT_EQ(nullptr, next);
         tavXThreadCancel(thread);
     }
-    EXPECT_EQ("333", log.text) << "two traps and a callback";
-    EXPECT_EQ(TAVTHREAD_OK, tavXThreadStateTrapNext(traps[2], &next)) << "its thread is gone";
+    EXPECT_EQ("333", log.text) << "two traps and a callback run";
+    EXPECT_EQ(TAVTHREAD_OK, tavXThreadStateTrapNext(traps[2], &next)) << "its thread is destroyed";
     EXPECT_EQ(nullptr, next);
     EXPECT_EQ(TAVTHREAD_OK, tavXThreadStateTrapDestroy(traps[2]));
     EXPECT_EQ(TAVTHREAD_OK, tavXThreadStateTrapDestroy(traps[0]));
 }
 
-TEST(TavStateTrapTest, TrapsThatComeAndGoLeaveNoMemoryBehind) {
+TEST(TavStateTrapTest, DestroyedTrapsFreeTheirMemory) {
     Layer layer;
     std::atomic<int> calls{0};
     const TavStateRoutine destroyIt = [](void* arg, TavThread*, int) {
@@ -159,7 +160,7 @@ TEST(TavStateTrapTest, TrapsThatComeAndGoLeaveNoMemoryBehind) {
     const std::size_t before = mallinfo2().uordblks;
     for (int i = 0; i < 10000; ++i) {
         ASSERT_EQ(TAVTHREAD_OK, arm(trap, thread, count, &calls));
-        ASSERT_EQ(TAVTHREAD_OK, tavXThreadStateTrapSet(trap, thread, count, &calls)) << "again";
+        ASSERT_EQ(TAVTHREAD_OK, tavXThreadStateTrapSet(trap, thread, count, &calls)) << "set again";
         ASSERT_EQ(TAVTHREAD_OK, tavXThreadStateTrapDestroy(trap));
     }
     if (!kSanitizer) {
@@ -170,5 +171,5 @@ TEST(TavStateTrapTest, TrapsThatComeAndGoLeaveNoMemoryBehind) {
     ASSERT_TRUE(eventually([&] { return tavXThreadState(thread) == TavThreadStateSuspended; }));
     tavXThreadCancel(thread);
     thread.join();
-    EXPECT_EQ(1, calls) << "the walk goes on after a trap that destroyed itself";
+    EXPECT_EQ(1, calls) << "the walk continues after a trap that destroys itself";
 }

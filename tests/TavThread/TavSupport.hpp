@@ -15,11 +15,11 @@ struct Layer {
     ~Layer() { EXPECT_EQ(TAVTHREAD_OK, tavThreadProcessTerminate()); }
 };
 
-/// What a layer thread runs; must outlive it.
+/// The routine of a layer thread; must outlive the thread.
 using Body = std::function<void*()>;
 inline void* runBody(void* body) { return (*static_cast<Body*>(body))(); }
 
-/// A started thread whose handle is given back, after a join if none was made.
+/// A started thread. The destructor joins it if needed and destroys its handle.
 class Started {
 public:
     template <class... Attributes>
@@ -41,7 +41,7 @@ private:
     TavThread* m_pThread = nullptr;
 };
 
-/// Milliseconds since it was made.
+/// Measures the milliseconds since its construction.
 class Watch {
 public:
     double ms() const {

@@ -2,14 +2,14 @@
 
 namespace {
 
-/// Runs checkpoints until it is cancelled, and counts them.
+/// Passes checkpoints until it is cancelled, and counts them.
 struct Runner {
     std::atomic<int> steps{0};
     Body body = [this]() -> void* {
         while (tavXThreadState(nullptr) != TavThreadStateCanceling) ++steps;
         return nullptr;
     };
-    /// Whether it gets on from here.
+    /// Returns true if the thread passes more checkpoints.
     bool moves() {
         const int from = steps;
         return eventually([&] { return steps > from + 1; });
@@ -27,28 +27,28 @@ TEST(TavThreadControlTest, SuspendsAtACheckpointUntilContinued) {
     Runner runner;
     Started thread(runner.body, TavThreadAttrSuspended);
     EXPECT_TRUE(reaches(thread, TavThreadStateSuspended));
-    EXPECT_EQ(0, runner.steps) << "before its routine";
+    EXPECT_EQ(0, runner.steps) << "its routine has not started";
     for (int round = 0; round < 3; ++round) {
         EXPECT_EQ(TAVTHREAD_OK, tavXThreadContinue(thread));
-        EXPECT_EQ(TavThreadStateRunning, tavXThreadState(thread)) << "at once";
-        EXPECT_EQ(TAVTHREAD_OK, tavXThreadContinue(thread)) << "no effect, also later";
+        EXPECT_EQ(TavThreadStateRunning, tavXThreadState(thread)) << "changes immediately";
+        EXPECT_EQ(TAVTHREAD_OK, tavXThreadContinue(thread)) << "has no effect, now or later";
         EXPECT_TRUE(runner.moves());
         EXPECT_EQ(TAVTHREAD_OK, tavXThreadSuspend(thread));
-        EXPECT_EQ(TAVTHREAD_OK, tavXThreadSuspend(thread)) << "does not wait";
+        EXPECT_EQ(TAVTHREAD_OK, tavXThreadSuspend(thread)) << "does not block";
         EXPECT_TRUE(reaches(thread, TavThreadStateSuspended)) << round;
         const int stopped = runner.steps;
         sched_yield();
         EXPECT_EQ(stopped, runner.steps);
     }
-    EXPECT_EQ(TAVTHREAD_OK, tavXThreadCancel(thread)) << "wakes it";
+    EXPECT_EQ(TAVTHREAD_OK, tavXThreadCancel(thread)) << "wakes the thread";
     EXPECT_EQ(TAVTHREAD_OK, thread.join());
     EXPECT_EQ(TavThreadExitCanceled, tavXThreadAutopsy(thread));
 }
 
-TEST(TavThreadControlTest, CancelledBeforeItsRoutineItNeverRuns) {
+TEST(TavThreadControlTest, NeverRunsIfCancelledBeforeItsRoutine) {
     Layer layer;
     for (int i = 0; i < 200; ++i) {
-        // The thread may be anywhere between its creation and its wait.
+        // At this moment, the thread may be anywhere between its creation and its wait.
         int flag = i % 3 == 0;
         std::atomic<bool> ran{false};
         Started thread(
@@ -79,7 +79,7 @@ TEST(TavThreadControlTest, SurvivesSuspendAndContinueFromSeveralThreads) {
             }
         });
         pushers.join();
-        // Whatever came last, one continuation sets it going and one suspension stops it.
+        // Whatever the last call was, one continue resumes the thread and one suspend stops it.
         tavXThreadContinue(thread);
         EXPECT_TRUE(runner.moves());
         tavXThreadSuspend(thread);
@@ -87,8 +87,9 @@ TEST(TavThreadControlTest, SurvivesSuspendAndContinueFromSeveralThreads) {
         const int before = runner.steps;
         tavXThreadContinue(thread);
         tavXThreadSuspend(thread);
-        EXPECT_TRUE(reaches(thread, TavThreadStateSuspended)) << "at its next checkpoint";
-        EXPECT_LT(before, runner.steps) << "not where it was";
+        EXPECT_TRUE(reaches(thread, TavThreadStateSuspended))
+            << "it suspends at its next checkpoint";
+        EXPECT_LT(before, runner.steps) << "it passed a checkpoint in between";
         const int stopped = runner.steps;
         sched_yield();
         EXPECT_EQ(stopped, runner.steps) << round;
@@ -97,7 +98,7 @@ TEST(TavThreadControlTest, SurvivesSuspendAndContinueFromSeveralThreads) {
     EXPECT_EQ(TAVTHREAD_OK, thread.join());
 }
 
-TEST(TavThreadControlTest, StaysFinishedWhileOthersStillPush) {
+TEST(TavThreadControlTest, StaysFinishedDespiteSuspendAndContinue) {
     Layer layer;
     for (int i = 0; i < 200; ++i) {
         std::atomic<int> pushes{0};

@@ -21,9 +21,9 @@ TEST(TavProcessTest, CountsStartsAndStops) {
         Layer outer;
         {
             Layer inner;
-            EXPECT_EQ(1U, tavXThreadId(nullptr)) << "numbers begin anew with each start";
+            EXPECT_EQ(1U, tavXThreadId(nullptr)) << "identifiers restart at 1 after each start";
         }
-        EXPECT_NE(nullptr, tavXThreadSelf()) << "one start is left";
+        EXPECT_NE(nullptr, tavXThreadSelf()) << "the outer start is still active";
     }
     EXPECT_EQ(nullptr, tavXThreadSelf());
     EXPECT_EQ(TAVTHREAD_NOTINIT, tavThreadProcessTerminate());
@@ -42,7 +42,7 @@ TEST(TavProcessTest, AdoptsAThreadOncePerRunOfTheLayer) {
             EXPECT_EQ(TAVTHREAD_DEADLOCK, tavXThreadJoin(self, nullptr));
             first = true;
             again.wait();
-            EXPECT_EQ(1U, tavXThreadId(nullptr)) << "a record of the second run";
+            EXPECT_EQ(1U, tavXThreadId(nullptr)) << "this run of the layer has a new record";
             EXPECT_EQ(TAVTHREAD_OK, tavXThreadDestroy(tavXThreadSelf()));
             EXPECT_EQ(2U, tavXThreadId(nullptr));
             EXPECT_EQ(TAVTHREAD_OK, tavXThreadTerminate());
@@ -67,7 +67,7 @@ TEST(TavThreadTest, ChecksItsArgumentsInOrder) {
         EXPECT_EQ(TAVTHREAD_INVALID, operation(nullptr));
 }
 
-TEST(TavThreadTest, ReportsHowItsThreadEnded) {
+TEST(TavThreadTest, ReportsHowAThreadEnded) {
     Layer layer;
     int result = 0;
     const struct {
@@ -104,21 +104,22 @@ TEST(TavThreadTest, ReportsHowItsThreadEnded) {
         EXPECT_EQ(1, tavXThreadAlive(thread));
         EXPECT_EQ(TavThreadExitAlive, tavXThreadAutopsy(thread));
         gate.open();
-        EXPECT_TRUE(eventually([&] { return tavXThreadAlive(thread) == 0; })) << "not joined yet";
-        EXPECT_EQ(TAVTHREAD_AGAIN, tavXThreadAdjustPriority(thread, 1)) << "its handle is dead";
+        EXPECT_TRUE(eventually([&] { return tavXThreadAlive(thread) == 0; }))
+            << "it ends without a join";
+        EXPECT_EQ(TAVTHREAD_AGAIN, tavXThreadAdjustPriority(thread, 1)) << "the thread has ended";
         void* value = &gate;
         EXPECT_EQ(TAVTHREAD_OK, thread.join(&value));
         EXPECT_EQ(row.value, value);
         EXPECT_EQ(row.value, tavXThreadExitStatus(thread));
         EXPECT_EQ(row.state, tavXThreadState(thread));
         EXPECT_EQ(row.reason, tavXThreadAutopsy(thread));
-        EXPECT_EQ(TAVTHREAD_ERROR, thread.join()) << "a second time";
+        EXPECT_EQ(TAVTHREAD_ERROR, thread.join()) << "a second join fails";
         EXPECT_EQ(TAVTHREAD_OK, tavXThreadContinue(thread));
-        EXPECT_EQ(row.state, tavXThreadState(thread)) << "nothing revives it";
+        EXPECT_EQ(row.state, tavXThreadState(thread)) << "continue does not change an ended thread";
     }
 }
 
-TEST(TavThreadTest, RecordOutlivesWhoeverLetsGoFirst) {
+TEST(TavThreadTest, RecordLivesUntilThreadAndHandleAreGone) {
     Layer layer;
     Gate gate;
     std::atomic<int> ended{0};
@@ -131,18 +132,18 @@ TEST(TavThreadTest, RecordOutlivesWhoeverLetsGoFirst) {
     };
     TavThread* thread = nullptr;
     ASSERT_EQ(TAVTHREAD_OK, tavXThreadCreate(&runBody, &body, &thread, TavThreadAttrEnd));
-    EXPECT_EQ(TAVTHREAD_OK, tavXThreadDestroy(thread)) << "while it runs";
+    EXPECT_EQ(TAVTHREAD_OK, tavXThreadDestroy(thread)) << "the thread still runs";
     ASSERT_EQ(TAVTHREAD_OK,
               tavXThreadCreate(&runBody, &body, nullptr, TavThreadAttrDetached, TavThreadAttrEnd));
     ASSERT_EQ(TAVTHREAD_OK,
               tavXThreadCreate(&runBody, &body, &thread, TavThreadAttrDetached, TavThreadAttrEnd));
-    EXPECT_EQ(TAVTHREAD_ERROR, tavXThreadJoin(thread, nullptr)) << "detached";
+    EXPECT_EQ(TAVTHREAD_ERROR, tavXThreadJoin(thread, nullptr)) << "the thread is detached";
     gate.open();
     EXPECT_TRUE(eventually([&] { return ended == 3 && tavXThreadAlive(thread) == 0; }));
-    EXPECT_EQ(TAVTHREAD_OK, tavXThreadDestroy(thread)) << "after its end";
+    EXPECT_EQ(TAVTHREAD_OK, tavXThreadDestroy(thread)) << "the thread has ended";
 }
 
-TEST(TavThreadTest, NeitherJoinsItselfNorFreesAnothersRecord) {
+TEST(TavThreadTest, RefusesToJoinItselfOrFreeAnothersRecord) {
     Layer layer;
     TavThread* const mine = tavXThreadSelf();
     Started thread([&] {
@@ -155,7 +156,7 @@ TEST(TavThreadTest, NeitherJoinsItselfNorFreesAnothersRecord) {
     EXPECT_EQ(mine, tavXThreadSelf());
 }
 
-TEST(TavThreadTest, StackGrowsButNeverShrinks) {
+TEST(TavThreadTest, StackSizeGrowsButNeverShrinks) {
     Layer layer;
     size_t usual = 0;
     pthread_attr_t attributes;
@@ -175,19 +176,19 @@ TEST(TavThreadTest, StackGrowsButNeverShrinks) {
             },
             TavThreadAttrStackSize, request);
         thread.join();
-        // Sanitizers and the C library's own bookkeeping take a little off.
+        // Sanitizers and the C library use a small part of the stack.
         EXPECT_GE(got + 0x20000, request == larger ? larger : usual) << request;
     }
 }
 
-TEST(TavThreadTest, PassesTraceObjectAndCancelFlagDownTheGenerations) {
+TEST(TavThreadTest, DescendantsInheritTraceObjectAndCancelFlag) {
     Layer layer;
     int flag = 1, own = 0, trace = 0;
     const auto childSees = [&](void* traceObj, int state, auto... attributes) {
         Started child(
             [&]() -> void* {
                 EXPECT_EQ(traceObj, tavXThreadGetTraceObj());
-                EXPECT_EQ(TavThreadStateRunning, state) << "it must not run";
+                EXPECT_EQ(TavThreadStateRunning, state) << "the child must not run";
                 return nullptr;
             },
             attributes...);
@@ -222,7 +223,7 @@ TEST(TavThreadTest, PassesTraceObjectAndCancelFlagDownTheGenerations) {
     EXPECT_EQ(TavThreadExitCanceled, tavXThreadAutopsy(parent));
 }
 
-TEST(TavThreadTest, TextIdFollowsStrncpy) {
+TEST(TavThreadTest, TextIdIsTruncatedAsByStrncpy) {
     Layer layer;
     char expected[32], buf[40];
     std::snprintf(expected, sizeof expected, "%8x(%8x)", 0U, static_cast<unsigned>(pthread_self()));

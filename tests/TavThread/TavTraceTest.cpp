@@ -23,11 +23,11 @@ struct Line {
     std::string text;
 };
 std::mutex g_mutex;
-std::vector<Line>* g_lines = nullptr;  // where lines go while a test listens
+std::vector<Line>* g_lines = nullptr;  // receives the lines during a test; guarded by g_mutex
 
 }  // namespace
 
-// Takes the place of the library's own.
+// Replaces the function of the library.
 extern "C" void tavThreadTraceOutput(void* traceObj, unsigned long mask, const char* format, ...) {
     char text[1024];
     va_list args;
@@ -44,8 +44,8 @@ struct TavTraceTest : ::testing::Test {
     TavTraceTest() { g_lines = &lines; }
     ~TavTraceTest() override { g_lines = nullptr; }
 
-    /// Checks the next line; "@" in the pattern stands for the object, "&" for the variable that
-    /// received it.
+    /// Checks the next line. In the pattern, "@" is the address of the object, and "&" the address
+    /// of the variable that received it.
     template <class Object>
     void expect(Object** out, unsigned long mask, const std::string& pattern) {
         std::string wanted;
