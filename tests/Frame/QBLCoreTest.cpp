@@ -17,7 +17,7 @@
 
 namespace {
 
-/// Whether threads can be started, which takes a running library.
+/// Returns true if threads can be started, that is, if the library is running.
 bool isUp() {
     QBLThread thread;
     try {
@@ -44,7 +44,7 @@ TEST(QBLCoreTest, RunsFromTheFirstStartToTheLastStop) {
     EXPECT_FALSE(isUp());
 }
 
-TEST(QBLCoreTest, StartsAndStopsFromManyThreadsEndStopped) {
+TEST(QBLCoreTest, ConcurrentStartsAndStopsLeaveItStopped) {
     Workers(8, [] {
         std::minstd_rand random(std::random_device{}());
         int open = 0;
@@ -82,7 +82,7 @@ TEST(QBLCoreTest, CountsAFailedStartToo) {
     EXPECT_EQ(0, qblCoreTerminate());
 }
 
-TEST(QBLCoreTest, StopsWithoutMemoryHoweverItStarted) {
+TEST(QBLCoreTest, StopsWithoutMemoryEvenAfterAFailedStart) {
     if (kThreadSanitizer) GTEST_SKIP() << "the sanitizer starts no thread in a forked process";
     for (const bool startFails : {false, true}) {
         const int status = inChild([=] {
@@ -98,7 +98,7 @@ TEST(QBLCoreTest, StopsWithoutMemoryHoweverItStarted) {
     }
 }
 
-TEST(QBLCoreTest, TellsItsVersionAndWhoIsCompatible) {
+TEST(QBLCoreTest, ReportsItsVersionAndCompatibility) {
     const struct {
         int major, minor, result;
     } table[] = {{1, 0, 0}, {1, -5, 0}, {1, 1, -1}, {0, 0, -1}, {2, 0, -1}, {-1, 0, -1}};
@@ -113,14 +113,14 @@ TEST(QBLCoreTest, TellsItsVersionAndWhoIsCompatible) {
     EXPECT_EQ(0U, minor);
 }
 
-TEST(QBLCoreTest, HandsBackTheHandlerBefore) {
+TEST(QBLCoreTest, ReturnsThePreviousHandler) {
     const QBLNewHandler handler = [] {};
     const QBLNewHandler before = qblSetNewHandler(handler);
     EXPECT_EQ(handler, qblSetNewHandler(before));
 }
 
 TEST(QBLCoreTest, BatchModeRaisesTheNicenessByFour) {
-    const pid_t child = fork();  // it cannot be taken back
+    const pid_t child = fork();  // a process cannot lower its niceness again
     if (child == 0) {
         errno = EINVAL;
         const int before = nice(0);

@@ -41,7 +41,7 @@ TEST(QBLListTest, EmptyListIgnoresRemovalsAndHasANullValue) {
 TEST(QBLListTest, IndexPastTheEndGivesTheCursorsElement) {
     List list;
     fill(list);
-    EXPECT_EQ(g_a, list.at(9)) << "a fresh cursor is on the first element";
+    EXPECT_EQ(g_a, list.at(9)) << "g_a new cursor is on the first element";
     EXPECT_EQ(g_b, list.at(1));
     EXPECT_EQ(g_c, list.at(2)) << "the ends do not move the cursor";
     EXPECT_EQ(g_a, list.at(0));
@@ -52,7 +52,7 @@ TEST(QBLListTest, IndexPastTheEndGivesTheCursorsElement) {
     EXPECT_EQ(g_a, list.at(9)) << "an insertion resets the cursor";
 }
 
-TEST(QBLListTest, IteratorsStickToBothEndsAndErasingTheEndFreesNothing) {
+TEST(QBLListTest, IteratorsStopAtBothEndsAndErasingTheEndDoesNothing) {
     List list;
     fill(list);
     List::iterator it = list.end();
@@ -72,7 +72,7 @@ TEST(QBLListTest, IteratorsStickToBothEndsAndErasingTheEndFreesNothing) {
     EXPECT_EQ(g_a, list.end()[9]);
 }
 
-TEST(QBLListTest, RangeErasureStopsAtTheEndWhateverTheRange) {
+TEST(QBLListTest, RangeErasureStopsAtTheEndForAnyRange) {
     List list, other;
     fill(list);
     fill(other);
@@ -87,10 +87,11 @@ TEST(QBLListTest, RangeErasureStopsAtTheEndWhateverTheRange) {
     EXPECT_EQ(1U, list.size());
     EXPECT_EQ(3U, other.size());
     List::iterator third = ++ ++other.begin();
-    EXPECT_EQ(g_c, other.erase(other.begin(), third)[0]) << "where it stands now";
+    EXPECT_EQ(g_c, other.erase(other.begin(), third)[0])
+        << "the result is at the element after the range";
 }
 
-TEST(QBLListTest, PositionsOfAnotherListMoveNothing) {
+TEST(QBLListTest, IgnoresPositionsOfAnotherList) {
     List list, other;
     fill(list);
     fill(other);
@@ -115,14 +116,15 @@ TEST(QBLListTest, IteratorsOfBothKindsCompareAndReachMembers) {
     EXPECT_TRUE(list.begin() != view.end() && view.end() != list.begin());
 }
 
-TEST(QBLListTest, CopiesAnElementOfItsOwnBeforeLinking) {
+TEST(QBLListTest, CopiesItsOwnElementBeforeLinking) {
     QBLList<std::string> list;
     list.push_back("first");
     for (int i = 0; i < 3; ++i) list.push_back(list.front());
     EXPECT_EQ("first", list.at(2));
 }
 
-// Every operation against std::deque, with a model of the cursor for indices past the end.
+// Compares every operation with std::deque. A model of the cursor predicts the results of indices
+// past the end.
 TEST(QBLListTest, AgreesWithAModelUnderRandomOperations) {
     const unsigned int seed = std::random_device()();
     SCOPED_TRACE(seed);

@@ -22,7 +22,7 @@ public:
 
 }  // namespace
 
-TEST(QBLReferenceCountTest, CleansUpOnceWhenTheLastOfManyThreadsLetsGo) {
+TEST(QBLReferenceCountTest, CleansUpOnceAfterTheLastReleaseOnManyThreads) {
     g_cleanups = 0;
     auto* object = new Counted<QBLReferenceCount>(8);
     Workers(8, [object] {

@@ -69,7 +69,7 @@ TYPED_TEST(ExclusiveLockTest, KeepsACountExactAmongThreads) {
     EXPECT_EQ(8000, count);
 }
 
-TEST(QBLThreadMutexTest, RecursiveFormsCountAndRefuseStrangers) {
+TEST(QBLThreadMutexTest, RecursiveLocksCountAndRejectOtherThreads) {
     QBLThreadRecursiveMutex mutex;
     QBLThreadRecursiveCriticalSection section;
     for (int i = 0; i < 3; ++i) {
@@ -94,7 +94,7 @@ TEST(QBLThreadMutexTest, RecursiveFormsCountAndRefuseStrangers) {
     });
 }
 
-TEST(QBLThreadLocksTest, TryAndTimedOperationsAnswerInsteadOfThrowing) {
+TEST(QBLThreadLocksTest, TryAndTimedOperationsReturnInsteadOfThrowing) {
     QBLThreadMutex mutex;
     QBLThreadRWLock lock;
     QBLThreadSemaphore semaphore;
@@ -144,10 +144,10 @@ TEST(QBLThreadLocksTest, TryAndTimedOperationsAnswerInsteadOfThrowing) {
     EXPECT_TRUE(manual.timedWait(QBLWaitForever));
 }
 
-TEST(QBLThreadLocksTest, TimesTooLongForTheLayerDoNotBecomeShort) {
+TEST(QBLThreadLocksTest, LongTimeoutsAreNotTruncated) {
     QBLThreadSemaphore semaphore;
     Gate waiting;
-    // Where long has 64 bits this would be 0 if its upper half were dropped.
+    // If long has 64 bits, dropping the upper half of this value would give 0.
     const unsigned long ages = sizeof(long) > 4 ? ULONG_MAX - 0xFFFFFFFFUL : ULONG_MAX - 1;
     Workers waiter(1, [&] {
         waiting.open();
@@ -161,7 +161,7 @@ TEST(QBLThreadLocksTest, TimesTooLongForTheLayerDoNotBecomeShort) {
         semaphore.initialize(ULONG_MAX), QBLThreadResourceError,
         "QBLThreadSemaphore::QBLThreadSemaphore: TavThread interface or unexpected error");
     semaphore.post();
-    EXPECT_TRUE(semaphore.tryWait()) << "a refused count leaves the semaphore as it was";
+    EXPECT_TRUE(semaphore.tryWait()) << "a rejected count leaves the semaphore unchanged";
 }
 
 TEST(QBLThreadConditionVariableTest, HandsTurnsBackAndForth) {
@@ -197,12 +197,12 @@ TEST(QBLThreadConditionVariableTest, HoldsTheLockAfterATimeoutAndRefusesTrackedL
     EXPECT_EQ(0, qblThreadProcessTerminate(nullptr));
 }
 
-TEST(QBLThreadLocksTest, ExhaustedMemoryComesOutAsEachClassSays) {
+TEST(QBLThreadLocksTest, ExhaustedMemoryThrowsTheErrorOfEachClass) {
     const auto expect = [](auto make, const char* name, const char* text) {
         fault::failAllocation(0);
         try {
             make();
-            ADD_FAILURE() << "nothing failed for " << text;
+            ADD_FAILURE() << "nothing thrown, expected: " << text;
         } catch (QBLThrowable& e) {
             EXPECT_STREQ(name, e.getThrowableName());
             EXPECT_STREQ(text, e.getMessage());
@@ -217,7 +217,7 @@ TEST(QBLThreadLocksTest, ExhaustedMemoryComesOutAsEachClassSays) {
         } catch (const std::bad_alloc&) {
         }
         fault::exhaustMemory(false);
-        EXPECT_STREQ(name, thrown) << "without a text then: " << text;
+        EXPECT_STREQ(name, thrown) << "without memory for the text: " << text;
     };
     expect([] { QBLThreadMutex m; }, "QBLOutOfMemoryError",
            "QBLThreadMutex::QBLThreadMutex: TavThread ran out of memory");

@@ -99,10 +99,10 @@ TEST_F(QBLThreadTest, CallsTheExitRoutineHoweverRunEnds) {
         QBLThread::atExit(nullptr, 0);
     });
     EXPECT_EQ(3, g_exits);
-    EXPECT_EQ(-1, QBLThread::atExit(countExit, 1)) << "no QBLThread started this thread";
+    EXPECT_EQ(-1, QBLThread::atExit(countExit, 1)) << "this thread was not started by a QBLThread";
 }
 
-TEST_F(QBLThreadTest, StaysUsableWhileAnyStartIsNotTakenBack) {
+TEST_F(QBLThreadTest, StaysUsableUntilTheLastTerminate) {
     QBLThreadInit nested;
     EXPECT_TRUE(nested.getSuccess());
     EXPECT_EQ(0, qblThreadProcessTerminate(nullptr));
@@ -150,7 +150,7 @@ TEST_F(QBLThreadTest, MayBeDestroyedByItsOwnRunnable) {
         Gate gone;
         QBLThread* thread = nullptr;
         Job job([&] {
-            delete thread;  // at times before start() has returned
+            delete thread;  // sometimes before start() has returned
             gone.open();
         });
         thread = new QBLThread(&job);
@@ -159,7 +159,7 @@ TEST_F(QBLThreadTest, MayBeDestroyedByItsOwnRunnable) {
     }
 }
 
-TEST_F(QBLThreadTest, AClassMayDeleteItselfAtTheEndOfItsRun) {
+TEST_F(QBLThreadTest, MayDeleteItselfAtTheEndOfRun) {
     class Own : public QBLThread {
     public:
         explicit Own(Gate& gone) : m_gone(gone) {}
@@ -177,7 +177,7 @@ TEST_F(QBLThreadTest, AClassMayDeleteItselfAtTheEndOfItsRun) {
     EXPECT_TRUE(gone.wait());
 }
 
-TEST_F(QBLThreadTest, ACancelledJoinEndsOutsideOfDestructorsOnlyAndCanBeRepeated) {
+TEST_F(QBLThreadTest, JoinCanBeCancelledAndRepeatedExceptInDestructors) {
     struct Round {
         Gate joining, release;
         std::atomic<bool> ran{false};
@@ -202,7 +202,7 @@ TEST_F(QBLThreadTest, ACancelledJoinEndsOutsideOfDestructorsOnlyAndCanBeRepeated
         return nullptr;
     });
     EXPECT_TRUE(destructor.ran);
-    if (kSanitizer) GTEST_SKIP() << "a sanitizer's pthread_join is not to be cancelled";
+    if (kSanitizer) GTEST_SKIP() << "the sanitizer's pthread_join does not support cancellation";
 
     QBLThread thread(&join.job);
     join.thread = &thread;

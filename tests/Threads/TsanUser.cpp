@@ -1,6 +1,6 @@
-// A program compiled for ThreadSanitizer that uses the library compiled without. All that it hands
-// from thread to thread is plain data, so that each hand-over the sanitizer does not see is
-// reported and ends the program with its own status.
+// A program with ThreadSanitizer, which uses the library built without it. The threads pass plain
+// data to each other through the library's locks, events and pools. If the sanitizer does not see
+// the synchronization, it reports a race and the program fails.
 #include <thread>
 #include <vector>
 
@@ -24,7 +24,7 @@ void onThreads(int count, Body body) {
     for (std::thread& thread : threads) thread.join();
 }
 
-/// Two threads take turns with a number.
+/// Two threads increment a number in turns.
 template <class Signal, class Give, class Take>
 void takeTurns(Give give, Take take) {
     Signal signals[2];
@@ -58,7 +58,7 @@ void count(Lock& lock, bool readers) {
     });
 }
 
-/// For what has only one way to lock.
+/// Gives the recursive mutex the interface of a read-write lock.
 struct Recursive : QBLThreadRecursiveMutex {
     using QBLThreadRecursiveMutex::QBLThreadRecursiveMutex;
     void readLock() { lock(); }
