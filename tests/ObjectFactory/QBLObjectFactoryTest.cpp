@@ -38,7 +38,8 @@ QBLObjectFactoryItem* makeOther(QBLObjectFactory* factory) { return new Item(fac
 QBLObjectFactoryItem* makeNone(QBLObjectFactory*) { return nullptr; }
 
 QBLObjectFactoryItem* makeThroughOther(QBLObjectFactory* factory) {
-    EXPECT_THROW(factory->unregisterClass(g_other), QBLThrowable) << "this class is being made";
+    EXPECT_THROW(factory->unregisterClass(g_other), QBLThrowable)
+        << "an item of this class is being created";
     return factory->createObject(g_id);
 }
 
@@ -60,9 +61,9 @@ TEST(QBLObjectFactoryTest, HandsOutTheItemReleasedLastAfterCleaningIt) {
         EXPECT_EQ(b, factory.createObject(g_id));
         EXPECT_EQ(a, factory.createObject(g_id));
         EXPECT_EQ(1, a->cleaned);
-        EXPECT_EQ(1, b->cleaned) << "free already";
+        EXPECT_EQ(1, b->cleaned) << "the second release finds it free";
         QBLObjectFactoryItem* c = factory.createObject(g_id);
-        EXPECT_TRUE(c != a && c != b) << "released twice, handed out twice";
+        EXPECT_TRUE(c != a && c != b) << "a second release does not add the item again";
         a->release();
         QBL_EXPECT_THROW(factory.unregisterClass(g_id), QBLIllegalStateError, kInUse);
         b->release();
@@ -74,7 +75,7 @@ TEST(QBLObjectFactoryTest, HandsOutTheItemReleasedLastAfterCleaningIt) {
     EXPECT_EQ(0, g_alive);
 }
 
-TEST(QBLObjectFactoryTest, TellsClassesByTheirPointers) {
+TEST(QBLObjectFactoryTest, DistinguishesClassesByTheirPointers) {
     QBLObjectFactory factory, another;
     QBL_EXPECT_THROW(factory.createObject(g_id), QBLIllegalStateError,
                      "This classId hasn't been registered.");
@@ -97,7 +98,7 @@ TEST(QBLObjectFactoryTest, TellsClassesByTheirPointers) {
     item->release();
 }
 
-TEST(QBLObjectFactoryTest, TakesItemsByWhateverWayTheyCome) {
+TEST(QBLObjectFactoryTest, AcceptsItemsFromAnyCreator) {
     {
         QBLObjectFactory factory;
         factory.registerClass(g_id, &Item::make);
@@ -113,7 +114,7 @@ TEST(QBLObjectFactoryTest, TakesItemsByWhateverWayTheyCome) {
         QBLObjectFactoryItem* moved = factory.createObject(g_other);
         moved->release();
         factory.unregisterClass(g_other);
-        EXPECT_EQ(moved, factory.createObject(g_id)) << "it went to the class that it names";
+        EXPECT_EQ(moved, factory.createObject(g_id)) << "released to the class that the item names";
         moved->release();
         factory.unregisterClass(g_id);
         EXPECT_EQ(0, g_alive);
@@ -127,13 +128,14 @@ TEST(QBLObjectFactoryTest, TakesItemsByWhateverWayTheyCome) {
     }
     EXPECT_EQ(1, g_alive);
     survivor->release();
-    EXPECT_EQ(0, g_alive) << "without a factory an item deletes itself";
+    EXPECT_EQ(0, g_alive) << "an item whose factory is gone deletes itself";
 }
 
 TEST(QBLObjectFactoryTest, ServesThreadsThatRegisterCreateAndRelease) {
     QBLObjectFactory factory;
     std::atomic<int> shared{0}, uses{0};
-    // Classes come and go: a creation that finds none registers it.
+    // Threads unregister classes now and then. If createObject() fails for that reason, the thread
+    // registers the class again.
     const auto use = [&](char* id, QBLObjectFactory::Creator make) {
         try {
             auto* item = static_cast<Item*>(factory.createObject(id));
@@ -172,7 +174,7 @@ TEST(QBLObjectFactoryTest, IsAsItWasWhenMemoryRunsOut) {
             }
         } catch (const QBLThrowable& error) {
             EXPECT_STREQ("QBLOutOfMemoryError", error.getThrowableName());
-        } catch (const std::bad_alloc&) {  // of the test's own creator
+        } catch (const std::bad_alloc&) {  // from the test's creator
         }
     });
     EXPECT_EQ(0, g_alive);

@@ -15,7 +15,7 @@
 
 namespace {
 
-/// What an operation says when it fails: code, severity, trace, and the reason.
+/// Returns code, severity, back-trace and reason of the error that an operation throws.
 template <class Operation>
 std::string failureOf(Operation&& operation) {
     try {
@@ -50,7 +50,7 @@ TEST(QBLPluginLibraryLoaderTest, LoadsFromTheEffectiveWorkingDirectoryAndUnloads
     EXPECT_EQ(nullptr, dlopen(PLUGIN_FILE, RTLD_LAZY | RTLD_NOLOAD));
 }
 
-TEST(QBLPluginLibraryLoaderTest, SaysWhyItFails) {
+TEST(QBLPluginLibraryLoaderTest, ReportsWhyItFails) {
     const std::string load = "QBLPluginException: QBL_THROW: QBLPluginLibraryLoader::load\n";
     EXPECT_EQ("1 Error " + load +
                   "/absent/x.so: cannot open shared object file: No such file or directory",
@@ -61,7 +61,8 @@ TEST(QBLPluginLibraryLoaderTest, SaysWhyItFails) {
     const TempTree tree;
     const std::string pipe = tree("pipe.so");
     ASSERT_EQ(0, mkfifo(pipe.c_str(), 0600));
-    EXPECT_EQ(0, std::system(("touch -d 2040-01-01 " + pipe).c_str())) << "not for stat(2)";
+    EXPECT_EQ(0, std::system(("touch -d 2040-01-01 " + pipe).c_str()))
+        << "32-bit stat(2) fails for this date";
     EXPECT_EQ("1 Error " + load + "It is not a regular file.",
               failureOf([&] { static_cast<void>(QBLPluginLibraryLoader::load(pipe)); }));
     for (const std::string& path : {std::string(), std::string("x\0y", 3)})

@@ -53,7 +53,7 @@ struct QBLCustodianTest : ::testing::Test {
     bool stopped = false;
 };
 
-/// The lines that tasks have written, as one text.
+/// The letters that tasks have written, in order.
 struct Record {
     void add(char c) {
         std::lock_guard<std::mutex> hold(lock);
@@ -69,7 +69,7 @@ struct Record {
 
 }  // namespace
 
-TEST_F(QBLCustodianTest, CallsEachBatchInItsOrderBeforeOlderOnes) {
+TEST_F(QBLCustodianTest, CallsNewestBatchFirstEachInItsOrder) {
     Record record;
     Gate begin, registered;
     Task first([&](int) {
@@ -78,7 +78,8 @@ TEST_F(QBLCustodianTest, CallsEachBatchInItsOrderBeforeOlderOnes) {
         return 1;
     });
     EXPECT_TRUE(QBLCustodian::registerTask(&first));
-    ASSERT_TRUE(begin.wait()) << "the next pass starts when all three are there";
+    ASSERT_TRUE(begin.wait())
+        << "the first task holds its pass, so that the next one starts with A, B and C";
     std::vector<std::unique_ptr<Task>> tasks;
     const auto add = [&](char c) {
         tasks.push_back(std::make_unique<Task>([&record, c](int) {
@@ -94,9 +95,9 @@ TEST_F(QBLCustodianTest, CallsEachBatchInItsOrderBeforeOlderOnes) {
     EXPECT_TRUE(eventually([&] { return record.get().find("DABCDABC") != std::string::npos; }));
     EXPECT_EQ("ABCABC", record.get().substr(0, 6));
     stop();
-    for (const auto& task : tasks) EXPECT_EQ(1, task->last) << "once at the end";
+    for (const auto& task : tasks) EXPECT_EQ(1, task->last) << "the last pass calls each task once";
     EXPECT_EQ("DABC", record.get().substr(record.get().size() - 4));
-    EXPECT_EQ(1, first.calls) << "finished";
+    EXPECT_EQ(1, first.calls) << "a finished task is dropped";
 }
 
 TEST_F(QBLCustodianTest, StopsWithoutWaitingButCallsEveryTaskOnce) {
@@ -112,7 +113,7 @@ TEST_F(QBLCustodianTest, StopsWithoutWaitingButCallsEveryTaskOnce) {
         EXPECT_FALSE(QBLCustodian::registerTask(&task));
     }
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(30))
-        << "a lost signal would cost a minute";
+        << "a lost signal delays the stop by a minute";
     EXPECT_FALSE(QBLCustodian::registerTask(nullptr));
     EXPECT_FALSE(QBLCustodian::deRegisterTask(nullptr));
 }
@@ -140,7 +141,7 @@ TEST_F(QBLCustodianTest, DeregistrationWaitsForThePass) {
     EXPECT_TRUE(QBLCustodian::deRegisterTask(&waiting));
 }
 
-TEST_F(QBLCustodianTest, AStopIsFinishedThoughItsThreadIsCancelled) {
+TEST_F(QBLCustodianTest, StopCompletesThoughItsThreadIsCancelled) {
     Gate last, cancelled;
     Task task([&](int terminating) {
         if (terminating == 0) return 0;
@@ -182,7 +183,7 @@ TEST_F(QBLCustodianTest, ATaskThatEndsItsThreadEndsNothingElse) {
     for (const auto& task : tasks) EXPECT_EQ(1, task->last);
 }
 
-TEST_F(QBLCustodianTest, AWaitUnderWayTakesANewScheduleOver) {
+TEST_F(QBLCustodianTest, NewScheduleAppliesToTheCurrentWait) {
     stop();
     QBLCustodian::setSchedule(60000);
     stopped = false;
@@ -193,13 +194,13 @@ TEST_F(QBLCustodianTest, AWaitUnderWayTakesANewScheduleOver) {
         QBLCustodian::setSchedule(50000);
         QBLThread::yield();
     }
-    EXPECT_EQ(0, task.calls) << "no pass before its time";
+    EXPECT_EQ(0, task.calls) << "the pass starts too early";
     QBLCustodian::setSchedule(1);
     EXPECT_TRUE(eventually([&] { return task.calls > 1; }));
     EXPECT_TRUE(QBLCustodian::deRegisterTask(&task));
 }
 
-TEST_F(QBLCustodianTest, TasksRegisterOthersButCannotWithdrawFromTheirPass) {
+TEST_F(QBLCustodianTest, TasksMayRegisterTasksButNotDeregisterRunningOnes) {
     Task other;
     std::atomic<int> registered{-1}, fresh{-1}, running{-1};
     std::optional<Task> task;
@@ -217,8 +218,9 @@ TEST_F(QBLCustodianTest, TasksRegisterOthersButCannotWithdrawFromTheirPass) {
     stop();
 }
 
-TEST_F(QBLCustodianTest, RefusesATaskTwiceAndAThreadThatDoesNotStart) {
-    // Without the other services, one of which has a task and so a thread.
+TEST_F(QBLCustodianTest, RefusesADuplicateTaskAndReportsAFailedThreadStart) {
+    // Only the custodian, because another service of the library registers a task, which starts the
+    // custodian's thread.
     stop();
     ASSERT_EQ(0, qblThreadProcessInitialize("test"));
     ASSERT_TRUE(QBLCustodian::initialize());
@@ -226,7 +228,7 @@ TEST_F(QBLCustodianTest, RefusesATaskTwiceAndAThreadThatDoesNotStart) {
     fault::failCall(fault::kThreadCreate, 0, EAGAIN);
     EXPECT_FALSE(QBLCustodian::registerTask(&task));
     fault::reset();
-    EXPECT_TRUE(QBLCustodian::registerTask(&task)) << "tried again";
+    EXPECT_TRUE(QBLCustodian::registerTask(&task)) << "the second attempt succeeds";
     EXPECT_TRUE(eventually([&] { return task.calls > 0; }));
     QBL_EXPECT_THROW(QBLCustodian::registerTask(&task), QBLAssertError,
                      "QBL_ASSERT(task != *iter);");
@@ -255,7 +257,7 @@ TEST_F(QBLCustodianTest, SurvivesRegistrationsFromManyThreadsDuringTheStop) {
         std::atomic<int> turns{0};
         Workers workers(4, [&] {
             for (int i = 0; i < 300; ++i, ++turns) {
-                Task task;  // gone when it is deregistered, also when that tells of no custodian
+                Task task;  // may be destroyed after deRegisterTask(), whatever it returns
                 if (QBLCustodian::registerTask(&task)) QBLCustodian::deRegisterTask(&task);
             }
         });
@@ -266,7 +268,7 @@ TEST_F(QBLCustodianTest, SurvivesRegistrationsFromManyThreadsDuringTheStop) {
     }
 }
 
-TEST_F(QBLCustodianTest, StaysBehindWhenItsProcessForks) {
+TEST_F(QBLCustodianTest, IsNotInheritedByAForkedProcess) {
     if (kThreadSanitizer) GTEST_SKIP() << "the sanitizer starts no thread in a forked process";
     Task task, other;
     EXPECT_TRUE(QBLCustodian::registerTask(&task));
@@ -303,7 +305,7 @@ TEST(QBLCustodianScheduleTest, FreezesAtZeroAndAtAllOnes) {
     }
 }
 
-TEST(QBLCustodianFailureTest, LogsWhatATaskThrowsAndEndsTheProcess) {
+TEST(QBLCustodianFailureTest, LogsTheErrorOfATaskAndEndsTheProcess) {
     const struct {
         std::function<void()> thrower;
         const char* record;

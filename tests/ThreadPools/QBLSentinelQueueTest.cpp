@@ -6,7 +6,7 @@
 
 namespace {
 
-/// A number whose copying fails when it is told to.
+/// A number whose copy assignment throws on request.
 struct Fragile {
     Fragile() = default;
     explicit Fragile(int n) : number(n) {}
@@ -26,7 +26,7 @@ bool Fragile::s_failing = false;
 
 }  // namespace
 
-TEST(QBLSentinelQueueTest, AFailedCopyLosesNeitherTheItemNorItsPlace) {
+TEST(QBLSentinelQueueTest, FailedCopyKeepsTheItemAndItsPlace) {
     QBLSentinelQueue<Fragile> queue(1);
     Fragile item(1), got;
     for (int round = 0; round < 3; ++round) {
@@ -34,14 +34,14 @@ TEST(QBLSentinelQueueTest, AFailedCopyLosesNeitherTheItemNorItsPlace) {
         Fragile::s_failing = true;
         EXPECT_THROW(static_cast<void>(queue.get(got, 0)), std::runtime_error);
         Fragile::s_failing = false;
-        EXPECT_FALSE(queue.put(item, 0)) << "the item is there still";
+        EXPECT_FALSE(queue.put(item, 0)) << "the item is still in the queue";
         ASSERT_TRUE(queue.get(got, 0));
         EXPECT_EQ(1, got.number);
         EXPECT_FALSE(queue.get(got, 0));
     }
 }
 
-TEST(QBLSentinelQueueTest, ItemsAndRoomComeBackOnce) {
+TEST(QBLSentinelQueueTest, WithdrawsAnItemOnceAndReleasesReservedRoom) {
     QBLSentinelQueue<Fragile> queue(2);
     Fragile first(1), second(2), got;
     ASSERT_TRUE(queue.reserve(0));
@@ -51,7 +51,7 @@ TEST(QBLSentinelQueueTest, ItemsAndRoomComeBackOnce) {
     EXPECT_TRUE(queue.withdraw(second));
     EXPECT_FALSE(queue.withdraw(second));
     ASSERT_TRUE(queue.reserve(0));
-    EXPECT_FALSE(queue.put(second, 0)) << "the room is kept";
+    EXPECT_FALSE(queue.put(second, 0)) << "the reserved place is not available";
     queue.release();
     EXPECT_TRUE(queue.put(second, 0));
     for (const int expected : {1, 2}) {

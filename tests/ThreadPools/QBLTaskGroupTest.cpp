@@ -23,7 +23,7 @@ namespace {
 
 const char kOwnPiece[] = "QBLTaskGroup::wait: called by a piece of the group";
 
-/// Takes no task, or throws instead.
+/// A pool that refuses every task, or throws if it is stopped.
 class Refusing : public QBLThreadExecuteRunnable {
 public:
     int execute(QBLThreadRunnable*, unsigned long) override {
@@ -41,7 +41,7 @@ protected:
 
 }  // namespace
 
-TEST_F(QBLTaskGroupTest, WaitsForAllThatWasAdded) {
+TEST_F(QBLTaskGroupTest, WaitsForAllPieces) {
     QBLThreadPoolQueued pool(2, 1);
     std::atomic<int> runs{0};
     class Runnable : public QBLThreadRunnable {
@@ -65,13 +65,13 @@ TEST_F(QBLTaskGroupTest, WaitsForAllThatWasAdded) {
         if (round % 2 == 0) {
             group.wait();
             EXPECT_EQ(9 * round, runs);
-            EXPECT_EQ(1, held.use_count()) << "what was run is gone";
+            EXPECT_EQ(1, held.use_count()) << "pieces are destroyed after they have run";
         }
     }
     EXPECT_EQ(1800, runs);
 }
 
-TEST_F(QBLTaskGroupTest, ThrowsTheFirstErrorWithBothPlaces) {
+TEST_F(QBLTaskGroupTest, ThrowsTheFirstErrorWithBothLocations) {
     Refusing pool;
     QBLTaskGroup group(pool);
     group.run([] { QBL_THROW(QBLIllegalStateError(5, "first")); });
@@ -95,7 +95,7 @@ TEST_F(QBLTaskGroupTest, ThrowsTheFirstErrorWithBothPlaces) {
     QBL_EXPECT_THROW(group.wait(), QBLUnknownError, nullptr);
 }
 
-TEST_F(QBLTaskGroupTest, RunsItselfWhatThePoolDoesNotTake) {
+TEST_F(QBLTaskGroupTest, RunsRefusedPiecesItself) {
     Refusing pool;
     QBLTaskGroup group(pool);
     std::thread::id where;
@@ -105,7 +105,7 @@ TEST_F(QBLTaskGroupTest, RunsItselfWhatThePoolDoesNotTake) {
     QBL_EXPECT_THROW(group.run([&where] { where = std::thread::id(); }), QBLIllegalStateError,
                      "stopped");
     group.wait();
-    EXPECT_EQ(std::this_thread::get_id(), where) << "refused, and not run";
+    EXPECT_EQ(std::this_thread::get_id(), where) << "the refused piece did not run";
 }
 
 TEST_F(QBLTaskGroupTest, PiecesThatAddPiecesNeedNoStack) {
@@ -125,7 +125,7 @@ TEST_F(QBLTaskGroupTest, PiecesThatAddPiecesNeedNoStack) {
     }
 }
 
-TEST_F(QBLTaskGroupTest, ItsDestructorOutlivesThreadsThatEnd) {
+TEST_F(QBLTaskGroupTest, DestructorCompletesThoughThreadsEnd) {
     struct Round {
         QBLThreadPoolFixed pool{1};
         Gate begun, release;
@@ -135,7 +135,7 @@ TEST_F(QBLTaskGroupTest, ItsDestructorOutlivesThreadsThatEnd) {
             QBLTaskGroup group(pool);
             group.run([this, &group] {
                 release.wait();
-                group.run([this] {  // refused: the destructor sees to it while this one waits
+                group.run([this] {  // the pool refuses it; the destructor runs it meanwhile
                     ++ran;
                     pthread_exit(nullptr);
                 });
@@ -165,7 +165,7 @@ TEST_F(QBLTaskGroupTest, SurvivesTheEndOfAThreadAndOfMemory) {
         try {
             failing.run([] { QBL_THROW(QBLIllegalStateError(5, "a text of its own")); });
             failing.wait();
-            ADD_FAILURE() << "an error got lost";
+            ADD_FAILURE() << "nothing thrown";
         } catch (const QBLThrowable& error) {
             EXPECT_TRUE(dynamic_cast<const QBLIllegalStateError*>(&error) != nullptr ||
                         error.getThrowableName() == std::string("QBLOutOfMemoryError"));

@@ -47,7 +47,7 @@ public:
     void run() override { throw std::runtime_error("dropped"); }
 };
 
-/// Ends its thread, at once or as soon as that can be cancelled.
+/// Ends its thread: at once by pthread_exit(), or by a cancellation at the next cancellation point.
 class Ending : public QBLThreadRunnable {
 public:
     explicit Ending(bool cancelled = false) : m_bCancelled(cancelled) {}
@@ -93,7 +93,7 @@ TEST_F(QBLThreadPoolTest, EveryAcceptedTaskIsRunThoughThePoolGoes) {
     }
 }
 
-TEST_F(QBLThreadPoolTest, ManySubmittersAreServedByEveryPool) {
+TEST_F(QBLThreadPoolTest, ServesManySubmitters) {
     for (int kind = 0; kind < 3; ++kind) {
         auto pool = make(kind);
         Counting counting;
@@ -148,7 +148,7 @@ TEST_F(QBLThreadPoolTest, VariableStrandsNoTaskWhenItsWorkersRetire) {
     for (int i = 1; i <= 400; ++i) {
         ASSERT_EQ(1, pool.execute(&counting, 0));
         ASSERT_TRUE(eventually([&] { return counting.runs == i; })) << i;
-        if (i % 4 == 0) QBLThread::sleep(1);  // meets the end of the workers' waits
+        if (i % 4 == 0) QBLThread::sleep(1);  // as long as the wait after which workers retire
     }
 }
 
@@ -177,7 +177,8 @@ TEST_F(QBLThreadPoolTest, VariableSurvivesATaskThatEndsItsThread) {
         EXPECT_EQ(1, pool.execute(&ending, 0));
         while (ending.runs <= i) {
         }
-        for (std::atomic<int> spin{i * 100}; spin > 0; --spin) {  // to meet each moment of its end
+        // A growing delay, so that the next task comes at different moments of the thread's end.
+        for (std::atomic<int> spin{i * 100}; spin > 0; --spin) {
         }
         EXPECT_EQ(1, pool.execute(&counting, 0));
         ASSERT_TRUE(eventually([&] { return counting.runs == i; })) << i;
@@ -186,7 +187,7 @@ TEST_F(QBLThreadPoolTest, VariableSurvivesATaskThatEndsItsThread) {
 
 TEST_F(QBLThreadPoolTest, AWorkerGoesOnWithAnotherThreadWhenATaskEndsItsOwn) {
     for (int kind = 0; kind < 3; ++kind) {
-        // The address sanitizer keeps the frames poisoned that a cancellation leaves.
+        // After a cancellation, the address sanitizer leaves the unwound frames poisoned.
         Ending exits, cancels(!kSanitizer);
         Counting counting;
         auto pool = make(kind);
@@ -199,12 +200,12 @@ TEST_F(QBLThreadPoolTest, AWorkerGoesOnWithAnotherThreadWhenATaskEndsItsOwn) {
     }
 }
 
-TEST_F(QBLThreadPoolTest, WhatATaskDoesToItsCancellationEndsWithIt) {
+TEST_F(QBLThreadPoolTest, TasksDoNotInheritCancellationSettings) {
     struct Setting : QBLThreadRunnable {
         int state = -1, type = -1;
         Gate done;
         void run() override {
-            // NOLINTNEXTLINE(concurrency-thread-canceltype-asynchronous): as a task may leave it
+            // NOLINTNEXTLINE(concurrency-thread-canceltype-asynchronous): a task may do this
             pthread_setcanceltype(PTHREAD_CANCEL_ASYNCHRONOUS, &type);
             pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &state);
             done.open();
@@ -240,7 +241,7 @@ TEST_F(QBLThreadPoolTest, AcceptedTasksOutliveWorkersThatEndInTheDestruction) {
         for (QBLThreadRunnable* task :
              std::initializer_list<QBLThreadRunnable*>{&first, &first, &ending, &counting}) {
             EXPECT_EQ(1, pool->execute(task, 0)) << "kind " << kind;
-            fault::failCall(fault::kThreadCreate, 0, EAGAIN);  // the living worker is relied on
+            fault::failCall(fault::kThreadCreate, 0, EAGAIN);  // the worker that lives must run it
         }
         fault::reset();
         pool.reset();
@@ -270,7 +271,7 @@ TEST_F(QBLThreadPoolTest, TheStopFlagWakesWaitingSubmittersAndLosesNoTask) {
                 ++refused;
             }
         });
-        QBLThread::sleep(5);  // to find them waiting
+        QBLThread::sleep(5);  // gives the submitters time to block
         pool->setStopWork(1);
         EXPECT_TRUE(eventually([&] { return refused == 3; })) << kind;
         gate.open();
@@ -292,11 +293,11 @@ TEST_F(QBLThreadPoolTest, TheStopFlagWakesWaitingSubmittersAndLosesNoTask) {
         pool->setStopWork(1);
         submitters.join();
         EXPECT_TRUE(eventually([&] { return counting.runs == accepted; }))
-            << "kind " << round % 3 << ": without the destructor's help";
+            << "kind " << round % 3 << ": tasks must run before the destructor is called";
     }
 }
 
-TEST_F(QBLThreadPoolTest, FixedIsBornWithIdleWorkers) {
+TEST_F(QBLThreadPoolTest, FixedStartsWithIdleWorkers) {
     for (int i = 0; i < 50; ++i) {
         Gate gate;
         Blocking blocking(gate);
@@ -345,7 +346,7 @@ TEST_F(QBLThreadPoolTest, FailedConstructionLeavesNoThreadBehind) {
             try {
                 make(kind);
             } catch (QBLThrowable&) {
-            } catch (const std::bad_alloc&) {  // of the test's own unique_ptr
+            } catch (const std::bad_alloc&) {  // from make_unique in make()
             }
         });
         EXPECT_GT(failed, 4);
@@ -369,7 +370,7 @@ TEST_F(QBLThreadPoolTest, FailedConstructionLeavesNoThreadBehind) {
     }
 }
 
-TEST_F(QBLThreadPoolTest, VariableReportsAFailedWorkerOnlyWhenNoOtherCanRunTheTask) {
+TEST_F(QBLThreadPoolTest, VariableReportsAFailedWorkerOnlyIfNoOtherCanRunTheTask) {
     Gate gate;
     Blocking blocking(gate);
     Counting counting;
@@ -380,7 +381,7 @@ TEST_F(QBLThreadPoolTest, VariableReportsAFailedWorkerOnlyWhenNoOtherCanRunTheTa
         EXPECT_EQ(0U, pool.getWorkerCount());
         EXPECT_EQ(1, pool.execute(&blocking, 0));
         fault::failCall(fault::kThreadCreate, 0, EAGAIN);
-        EXPECT_EQ(1, pool.execute(&counting, 0)) << "the busy worker will run it";
+        EXPECT_EQ(1, s_pool.execute(&s_counting, 0)) << "the busy worker runs it later";
         EXPECT_EQ(1U, pool.getWorkerCount());
         gate.open();
     }
