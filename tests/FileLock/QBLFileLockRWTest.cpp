@@ -20,7 +20,8 @@ struct QBLFileLockRWTest : ::testing::Test {
         path = tree.file("f");
         EXPECT_TRUE(file.open(path.c_str(), QBLFmFile::existing, 0));
     }
-    /// A process that holds the file's lock when this returns, until it is killed.
+    /// Starts a process that holds the file's lock until it is killed. Returns once it has the
+    /// lock.
     std::unique_ptr<Child> holder(bool shared) {
         int ready[2];
         EXPECT_EQ(0, pipe(ready));
@@ -38,7 +39,7 @@ struct QBLFileLockRWTest : ::testing::Test {
         close(ready[1]);
         return child;
     }
-    /// What another process gets from a try: 2 for a lock of its own, 1 for a shared one, 0 none.
+    /// Returns the lock that another process can get: 2 for exclusive, 1 for shared, 0 for none.
     int othersMay() {
         return inChild([this] {
             QBLFmFile mine;
@@ -78,7 +79,7 @@ TEST_F(QBLFileLockRWTest, ExcludesAndSharesBetweenProcesses) {
 TEST_F(QBLFileLockRWTest, WaitsThroughSignalsUntilTheOtherProcessIsGone) {
     auto other = holder(false);
     struct sigaction nothing {};
-    nothing.sa_handler = [](int) {};  // and without SA_RESTART
+    nothing.sa_handler = [](int) {};  // without SA_RESTART, so that system calls fail with EINTR
     struct sigaction before;
     sigaction(SIGUSR1, &nothing, &before);
     std::atomic<bool> locked{false};
@@ -101,7 +102,7 @@ TEST_F(QBLFileLockRWTest, WaitsThroughSignalsUntilTheOtherProcessIsGone) {
     sigaction(SIGUSR1, &before, nullptr);
 }
 
-TEST_F(QBLFileLockRWTest, ReportsWhyThereIsNoLock) {
+TEST_F(QBLFileLockRWTest, ReportsWhyLockingFails) {
     QBLFmFile reading;
     ASSERT_TRUE(reading.open(path.c_str(), QBLFmFile::existing, 1));
     const char text[] =

@@ -37,8 +37,8 @@ int openDescriptors() {
 
 constexpr int kNoCage = 77;
 
-/// Runs a body in a process that has the tree as its root and working directory: what removes too
-/// much there reaches nothing else.
+/// Runs a body in a process whose root and working directory are the tree, so that a faulty removal
+/// cannot reach other files.
 int inCage(const TempTree& tree, const std::function<int()>& body) {
     return inChild([&] {
         QBLFileStatus cage, seen;
@@ -64,7 +64,7 @@ TEST(QBLFmDirTest, MeasuresTheRootOfAPath) {
     EXPECT_EQ(1, skipRootPath("/:x", 1));
     const locale_t utf8 = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
     const locale_t before = uselocale(utf8);
-    EXPECT_EQ(0, skipRootPath("\xC3\xA9")) << "valid here";
+    EXPECT_EQ(0, skipRootPath("\xC3\xA9")) << "valid in this locale";
     EXPECT_EQ(8, skipRootPath("//\xC3\xA9/\xC3\xA9/"));
     uselocale(before);
     freelocale(utf8);
@@ -117,11 +117,11 @@ TEST(QBLFmDirTest, ComparesTypeAndPermissionsOfAFile) {
     EXPECT_FALSE(QBLFmDir::exists(nullptr, S_IFREG));
 }
 
-TEST(QBLFmDirTest, MakesDirectoriesThatOthersMakeToo) {
+TEST(QBLFmDirTest, CreatesDirectoriesConcurrently) {
     TempTree tree;
     const std::string deep = tree("a/b/c//d/e/");
     Workers(8, [&] { EXPECT_TRUE(QBLFmDir::createRecursiveDir(deep.c_str())); }).join();
-    EXPECT_TRUE(QBLFmDir::createDir(deep.c_str())) << "it is there";
+    EXPECT_TRUE(QBLFmDir::createDir(deep.c_str())) << "the directory exists";
     EXPECT_FALSE(QBLFmDir::createDir(tree("x/y").c_str()));
     EXPECT_FALSE(QBLFmDir::createDir(tree.file("f").c_str()));
     EXPECT_EQ(EEXIST, errno);
@@ -159,7 +159,7 @@ TEST(QBLFmDirTest, ListsSortedNamesByKindAndPattern) {
     EXPECT_EQ(Names{"kept"}, files);
 }
 
-TEST(QBLFmDirTest, RemovesATreeButNothingThatLinksLeadTo) {
+TEST(QBLFmDirTest, RemovesATreeButNotTheTargetsOfLinks) {
     TempTree tree;
     tree.dir("outside");
     tree.file("outside/kept");
@@ -184,7 +184,7 @@ TEST(QBLFmDirTest, RemovesATreeButNothingThatLinksLeadTo) {
     EXPECT_TRUE(QBLFmDir::exists(tree("outside/kept").c_str(), S_IFREG));
 }
 
-TEST(QBLFmDirTest, RemovesNoRootNoDotsAndNoLink) {
+TEST(QBLFmDirTest, RefusesToRemoveRootDotsAndLinks) {
     const struct {
         const char* path;
         int error;
@@ -208,7 +208,7 @@ TEST(QBLFmDirTest, RemovesNoRootNoDotsAndNoLink) {
     }
 }
 
-TEST(QBLFmDirTest, RemovesWhatItMayAndTellsTheRest) {
+TEST(QBLFmDirTest, RemovesWhatItCanAndReportsTheRest) {
     if (geteuid() != 0) GTEST_SKIP() << "becomes another user";
     TempTree tree;
     tree.dir("top/closed/inner");
@@ -234,7 +234,7 @@ TEST(QBLFmDirTest, RemovesWhatItMayAndTellsTheRest) {
     EXPECT_EQ(Names{"closed"}, dirs);
 }
 
-TEST(QBLFmDirTest, TakesAndGivesStrings) {
+TEST(QBLFmDirTest, AcceptsAndReturnsI18NStrings) {
     TempTree tree;
     I18NString dir(tree.root()), made;
     QBLFmDir::joinPath(dir, I18NString("\u00E9te\u0301/\u4E2D"));
@@ -244,7 +244,8 @@ TEST(QBLFmDirTest, TakesAndGivesStrings) {
     QBLFmFile64 file;
     ASSERT_TRUE(file.open(made, QBLFmFile64::existing, 0));
     EXPECT_EQ(made, file.getFileName());
-    EXPECT_TRUE(file.open(file.getFileName(), QBLFmFile64::existing, 1)) << "closed by its name";
+    EXPECT_TRUE(file.open(file.getFileName(), QBLFmFile64::existing, 1))
+        << "open() closes the file, whose name it still needs";
     std::list<I18NString> files, dirs;
     ASSERT_TRUE(QBLFmDir::readDir(dir, &files, &pattern, &dirs, nullptr));
     ASSERT_EQ(1U, files.size());
@@ -255,7 +256,8 @@ TEST(QBLFmDirTest, TakesAndGivesStrings) {
     EXPECT_EQ(made, QBLFmDir::getFileFullPath(behind, dir, {}));
     I18NString cut(made);
     cut.append(L'\0').append(".txt");
-    EXPECT_TRUE(!QBLFmDir::removeFile(cut) && errno == EILSEQ) << "another file's name";
+    EXPECT_TRUE(!QBLFmDir::removeFile(cut) && errno == EILSEQ)
+        << "up to the null character, this is the name of another file";
     for (const char16_t half : {u'\xD800', u'\xDC00'}) {
         const I18NString lone(&half, 2);
         EXPECT_TRUE(!QBLFmDir::exists(lone, S_IFDIR) && errno == EILSEQ);
@@ -274,7 +276,7 @@ TEST(QBLFmDirTest, TakesAndGivesStrings) {
     EXPECT_EQ(ENOENT, file.getLastErrorNumber());
 }
 
-TEST(QBLFmDirTest, GivesEveryTemporaryNameOnce) {
+TEST(QBLFmDirTest, NeverReusesATemporaryName) {
     TempTree tree;
     std::mutex lock;
     std::set<std::string> names;
@@ -292,7 +294,8 @@ TEST(QBLFmDirTest, GivesEveryTemporaryNameOnce) {
     EXPECT_FALSE(QBLFmDir::createTempFile(tree("absent").c_str(), "t", path));
     EXPECT_TRUE(QBLFmDir::createTempFile(tree.root(), nullptr, path));
     EXPECT_EQ(0U, path.find(tree("QBLFm")));
-    EXPECT_FALSE(QBLFmDir::createTempDir(tree.root(), "no/such/dir", path)) << "after 500 attempts";
+    EXPECT_FALSE(QBLFmDir::createTempDir(tree.root(), "no/such/dir", path))
+        << "gives up after 500 attempts";
     EXPECT_EQ("499", path.substr(path.size() - 3));
 }
 
@@ -310,7 +313,7 @@ TEST(QBLFmDirTest, FailsWithoutMemoryForATemporaryName) {
     EXPECT_GT(failures, 0);
 }
 
-TEST(QBLFmDirTest, MakesTemporaryNamesThatNobodyForesees) {
+TEST(QBLFmDirTest, PrivateTemporaryNamesAreUnpredictable) {
     TempTree tree;
     const mode_t mask = umask(0);
     std::set<std::string> names;
@@ -321,15 +324,16 @@ TEST(QBLFmDirTest, MakesTemporaryNamesThatNobodyForesees) {
         QBLFileStatus status;
         ASSERT_TRUE(status.get(path.c_str()));
         EXPECT_EQ(i % 2 == 0 ? S_IFDIR | 0700U : S_IFREG | 0600U, status.mode());
-        EXPECT_TRUE(names.insert(path.substr(path.size() - 6)).second) << "no counter";
+        EXPECT_TRUE(names.insert(path.substr(path.size() - 6)).second)
+            << "the suffix is not random";
     }
     umask(mask);
 }
 
-// Runs a copy of this program that belongs to another user and has the set-id bit.
-TEST(QBLFmDirTest, HeedsNoEnvironmentWithRightsThatItsCallerLacks) {
+// Runs a copy of this program that belongs to another user and has the set-user-ID bit.
+TEST(QBLFmDirTest, IgnoresTheEnvironmentInSetUserIdPrograms) {
     std::string path;
-    // Ends without a search for leaks, which may not trace such a process.
+    // Exits without the search for leaks, which is not allowed to trace a set-user-ID process.
     if (getauxval(AT_SECURE) != 0) _exit(QBLFmDir::getTempPath(path) && path == "/tmp" ? 0 : 1);
     if (geteuid() != 0) GTEST_SKIP() << "becomes another user";
     TempTree tree;
@@ -338,10 +342,12 @@ TEST(QBLFmDirTest, HeedsNoEnvironmentWithRightsThatItsCallerLacks) {
     std::filesystem::copy_file("/proc/self/exe", copy);
     chown(copy.c_str(), 65534, 65534);
     chmod(copy.c_str(), 04755);
-    EXPECT_EQ(0, inChild([&] {
-                  setenv("TMP", tree.root(), 1);
-                  return std::system((copy + " --gtest_filter=*HeedsNo*").c_str()) == 0 ? 0 : 1;
-              }));
+    EXPECT_EQ(
+        0, inChild([&] {
+            setenv("TMP", tree.root(), 1);
+            return std::system((copy + " --gtest_filter=*IgnoresTheEnvironment*").c_str()) == 0 ? 0
+                                                                                                : 1;
+        }));
 }
 
 TEST(QBLFmDirTest, TakesTheTemporaryDirectoryFromSettingThenEnvironment) {
@@ -359,7 +365,7 @@ TEST(QBLFmDirTest, TakesTheTemporaryDirectoryFromSettingThenEnvironment) {
         setenv("tmp", first.c_str(), 1);
         EXPECT_EQ(first, tempPath());
         setenv("TMP", "/nonexistent", 1);
-        EXPECT_EQ("/tmp", tempPath()) << "only the first one set is looked at";
+        EXPECT_EQ("/tmp", tempPath()) << "only the first variable that is set counts";
         QBLFmDir::setTempPath("anything");
         EXPECT_EQ("anything", tempPath());
         QBLFmDir::setTempPath("");
@@ -393,7 +399,8 @@ TEST(QBLFmDirTest, FindsFilesFromTheirBaseAndTheEffectiveDirectory) {
     QBLFmDir::setEffectiveWorkingDir("work");
     EXPECT_EQ("work/f", resolved("f"));
     EXPECT_EQ("work/f", resolved("work/f"));
-    EXPECT_EQ("workfile", resolved("workfile")) << "text for text";
+    EXPECT_EQ("workfile", resolved("workfile"))
+        << "the prefix is compared as text, not by components";
     EXPECT_EQ("/f", resolved("/f"));
     QBLFmDir::setEffectiveWorkingDir(nullptr);
     EXPECT_EQ("f", resolved("f"));

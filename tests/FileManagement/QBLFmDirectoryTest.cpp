@@ -25,7 +25,7 @@ std::string namesIn(const std::string& path) {
 
 }  // namespace
 
-TEST(QBLFmDirectoryTest, WhatIsBelowItStaysWhereItIs) {
+TEST(QBLFmDirectoryTest, ResolvesNamesInTheOpenDirectoryOnly) {
     TempTree tree;
     tree.dir("in/deep");
     tree.dir("elsewhere");
@@ -40,7 +40,7 @@ TEST(QBLFmDirectoryTest, WhatIsBelowItStaysWhereItIs) {
     for (const char* name : {"", ".", "..", "deep/a", "/etc"})
         EXPECT_EQ(EINVAL, errorOf(other.open(top, name))) << name;
     EXPECT_TRUE(other.create(top, "new", 0700) && other.create(top, "new", 0700));
-    // The path leads elsewhere now; the open directory does not.
+    // The path now leads elsewhere, but the open directory is still the same.
     std::filesystem::rename(tree("in/deep"), tree("in/moved"));
     std::filesystem::rename(tree("in/link"), tree("in/deep"));
     char byte = 0;
@@ -58,7 +58,7 @@ TEST(QBLFmDirectoryTest, WhatIsBelowItStaysWhereItIs) {
     EXPECT_EQ("a ", namesIn(tree("elsewhere")));
 }
 
-TEST(QBLFmDirectoryTest, AReplacementTakesThePlaceOfOneFileOnly) {
+TEST(QBLFmDirectoryTest, CommitOverReplacesOnlyTheGivenFile) {
     TempTree tree;
     QBLFmDirectory directory;
     ASSERT_TRUE(directory.open(tree.root()));
@@ -67,7 +67,7 @@ TEST(QBLFmDirectoryTest, AReplacementTakesThePlaceOfOneFileOnly) {
     const auto begin = [&] {
         return file.open(directory, "f") && file.write("new", 3) && file.flush();
     };
-    // Another has the name.
+    // Another file has the name now.
     ASSERT_TRUE(begin());
     std::filesystem::rename(tree("f"), tree("g"));
     tree.file("f", "other");
@@ -76,7 +76,7 @@ TEST(QBLFmDirectoryTest, AReplacementTakesThePlaceOfOneFileOnly) {
     EXPECT_FALSE(file.isCommitted());
     EXPECT_EQ("other", tree.text("f"));
     EXPECT_EQ("f g ", namesIn(tree.root()));
-    // The replaced version can be kept, and is removed otherwise.
+    // The replaced version can be kept; otherwise it is removed.
     std::filesystem::rename(tree("g"), tree("f"));
     ASSERT_TRUE(begin());
     EXPECT_TRUE(file.commitOver(old) && file.isCommitted());

@@ -28,7 +28,7 @@ TYPED_TEST_SUITE(QBLFmFileTest, Files);
 
 }  // namespace
 
-TYPED_TEST(QBLFmFileTest, ClosedDoesNothingAndKeepsErrno) {
+TYPED_TEST(QBLFmFileTest, ClosedFileDoesNothingAndKeepsErrno) {
     TypeParam file, other;
     errno = 77;
     EXPECT_EQ(-1, file.read(this->buffer, 1));
@@ -45,7 +45,7 @@ TYPED_TEST(QBLFmFileTest, ClosedDoesNothingAndKeepsErrno) {
     EXPECT_FALSE(file.open(nullptr, TypeParam::create, 0));
 }
 
-TYPED_TEST(QBLFmFileTest, WritesReadsAppendsAndCuts) {
+TYPED_TEST(QBLFmFileTest, WritesReadsAppendsAndTruncates) {
     const std::string path = this->tree("f");
     TypeParam file, other;
     EXPECT_FALSE(file.open(path.c_str(), TypeParam::existing, 0));
@@ -64,10 +64,11 @@ TYPED_TEST(QBLFmFileTest, WritesReadsAppendsAndCuts) {
     EXPECT_EQ(-1, file.seek(-1, TypeParam::begin));
     ASSERT_TRUE(other.open(this->tree.file("empty").c_str(), TypeParam::existing, 1));
     EXPECT_TRUE(file.append(other));
-    ASSERT_TRUE(other.open(path.c_str(), this->mode(O_WRONLY), 0)) << "for both";
+    ASSERT_TRUE(other.open(path.c_str(), this->mode(O_WRONLY), 0))
+        << "O_WRONLY opens for reading and writing";
     EXPECT_EQ(1, other.read(this->buffer, 1));
-    EXPECT_TRUE(file.append(other)) << "itself, but for the first byte";
-    EXPECT_TRUE(file.append(file)) << "from its end";
+    EXPECT_TRUE(file.append(other)) << "the same file, without its first byte";
+    EXPECT_TRUE(file.append(file)) << "at its end: nothing is appended";
     EXPECT_EQ("abcdbcd", this->tree.text("f"));
     EXPECT_EQ(4, file.seek(4, TypeParam::begin));
     EXPECT_TRUE(file.append(file));
@@ -82,7 +83,7 @@ TYPED_TEST(QBLFmFileTest, WritesReadsAppendsAndCuts) {
     EXPECT_EQ(0, other.getLastErrorNumber());
 }
 
-TYPED_TEST(QBLFmFileTest, KnowsTheLengthItsOffsetsCanTell) {
+TYPED_TEST(QBLFmFileTest, SupportsLengthsThatItsOffsetsCanExpress) {
     const std::string path = this->tree.file("large");
     ASSERT_EQ(0, truncate64(path.c_str(), 5000000000));
     TypeParam file;
@@ -118,11 +119,11 @@ TYPED_TEST(QBLFmFileTest, WrapsStandardStreamsAndLeavesThemOpen) {
         if (!input.open(TypeParam::standardinput) || input.getFileDescriptor() != 0) return 2;
         if (input.seek(0, TypeParam::begin) != 0) return 3;
         if (write(ends[1], "y", 1) != 1 || input.read(this->buffer, 1) != 1) return 4;
-        ::close(0);  // of a daemon, as it were
+        ::close(0);  // as daemons do
         TypeParam opened;
         if (!opened.open(this->tree.file("f").c_str(), TypeParam::existing, 0)) return 5;
         if (opened.getFileDescriptor() < 3 || fcntl(0, F_GETFD) != -1) return 6;
-        // A descriptor that is gone already: the failure is told, the object closed.
+        // If the descriptor is already closed, close() fails, but the object is closed.
         ::close(opened.getFileDescriptor());
         if (opened.close() || opened.getLastErrorNumber() != EBADF) return 7;
         return opened.getFileDescriptor() == -1 && opened.close() ? 0 : 8;
@@ -143,7 +144,7 @@ TYPED_TEST(QBLFmFileTest, ReportsAFullDiskAndTooManyOpenFiles) {
     if (mount("tmpfs", small.c_str(), "tmpfs", 0, "size=40k") == 0) {
         source.seek(0, TypeParam::begin);
         EXPECT_TRUE(full.open((small + "/f").c_str(), TypeParam::create, 0));
-        EXPECT_FALSE(full.append(source)) << "part of it fits";
+        EXPECT_FALSE(full.append(source)) << "only a part of the source fits";
         EXPECT_EQ(ENOSPC, full.getLastErrorNumber());
         EXPECT_EQ(40960, full.getLength());
         full.close();

@@ -53,10 +53,10 @@ TEST(QBLFmReplaceFileTest, KeepsModeLinksAndTheOldVersionElsewhere) {
     EXPECT_TRUE(replace(tree("fresh"), ""));
     umask(mask);
     EXPECT_EQ(0640U, modeOf(tree("fresh")));
-    EXPECT_EQ(4, entries(tree)) << "and nothing is left behind";
+    EXPECT_EQ(4, entries(tree)) << "no temporary file is left";
 }
 
-TEST(QBLFmReplaceFileTest, GivesUpNoLockThatTheProcessHasOnTheOldVersion) {
+TEST(QBLFmReplaceFileTest, KeepsLocksOnTheOldVersion) {
     TempTree tree;
     const std::string path = tree.file("f", "old");
     const int fd = ::open(path.c_str(), O_RDWR);
@@ -67,7 +67,7 @@ TEST(QBLFmReplaceFileTest, GivesUpNoLockThatTheProcessHasOnTheOldVersion) {
     ::close(fd);
 }
 
-TEST(QBLFmReplaceFileTest, RefusesWhatIsNoFileToReplace) {
+TEST(QBLFmReplaceFileTest, RefusesPathsThatAreNotRegularFiles) {
     TempTree tree;
     ASSERT_EQ(0, symlink("nowhere", tree("broken").c_str()));
     ASSERT_EQ(0, mkfifo(tree("fifo").c_str(), 0600));
@@ -93,7 +93,7 @@ TEST(QBLFmReplaceFileTest, RefusesWhatIsNoFileToReplace) {
     EXPECT_EQ(2, entries(tree));
 }
 
-TEST(QBLFmReplaceFileTest, LeavesTheOldVersionUnlessAllWentWell) {
+TEST(QBLFmReplaceFileTest, KeepsTheOldVersionIfAnythingFails) {
     TempTree tree;
     const std::string path = tree.file("f", "old");
     {
@@ -110,7 +110,7 @@ TEST(QBLFmReplaceFileTest, LeavesTheOldVersionUnlessAllWentWell) {
     EXPECT_EQ("old", tree.text("f"));
     ASSERT_TRUE(file.open(path.c_str()) && file.write("new", 3));
     fault::failCall(fault::kFsync, 1, EIO);
-    EXPECT_FALSE(file.commit()) << "of the directory";
+    EXPECT_FALSE(file.commit()) << "fsync of the directory fails";
     EXPECT_TRUE(file.isCommitted());
     EXPECT_EQ("new", tree.text("f"));
     fault::reset();
@@ -124,7 +124,7 @@ TEST(QBLFmReplaceFileTest, LeavesTheOldVersionUnlessAllWentWell) {
     EXPECT_EQ(1, entries(tree));
 }
 
-TEST(QBLFmReplaceFileTest, KeepsToWhatItsUserMayDo) {
+TEST(QBLFmReplaceFileTest, KeepsToTheRightsOfItsUser) {
     if (geteuid() != 0) GTEST_SKIP() << "becomes another user";
     TempTree tree;
     chmod(tree.root(), 0777);
@@ -141,7 +141,8 @@ TEST(QBLFmReplaceFileTest, KeepsToWhatItsUserMayDo) {
                (replace(program, "x") ? 0 : 8) + (replace(blind + "/f", "x") ? 0 : 16);
     });
     EXPECT_EQ(0, status);
-    EXPECT_EQ(0766U, modeOf(foreign)) << "runs as nobody else, and a strange group gets no more";
+    EXPECT_EQ(0766U, modeOf(foreign))
+        << "loses the set-id bits, and the new group gets no more rights than others";
     EXPECT_EQ(06711U, modeOf(program));
     EXPECT_EQ("x", tree.text("blind/f"));
 }
@@ -164,12 +165,12 @@ TEST(QBLFmReplaceFileTest, KeepsAccessListsAndAttributes) {
     if (setxattr(listed.c_str(), kList, list.data(), list.size(), 0) != 0 ||
         setxattr(listed.c_str(), "user.note", "n", 1, 0) != 0 ||
         setxattr(tree.root(), "system.posix_acl_default", list.data(), list.size(), 0) != 0)
-        GTEST_SKIP() << "the file system has no lists";
+        GTEST_SKIP() << "the file system has no access lists";
     EXPECT_TRUE(replace(listed, "x") && replace(tree("plain"), "x"));
     EXPECT_EQ(list, attribute("listed", kList));
     EXPECT_EQ("n", attribute("listed", "user.note"));
-    EXPECT_EQ(0660U, modeOf(listed)) << "of the list's mask";
-    EXPECT_EQ("", attribute("plain", kList)) << "that user 1 could write it";
+    EXPECT_EQ(0660U, modeOf(listed)) << "the mask of the access list";
+    EXPECT_EQ("", attribute("plain", kList)) << "the default list must not give user 1 access";
     EXPECT_EQ(0660U, modeOf(tree("plain")));
     const int status = inChild([&tree] {
         if (chroot(tree.root()) != 0) return 77;
@@ -177,10 +178,10 @@ TEST(QBLFmReplaceFileTest, KeepsAccessListsAndAttributes) {
     });
     if (status == 77) return;
     EXPECT_EQ(0, status);
-    EXPECT_EQ(0600U, modeOf(listed)) << "the list cannot be seen without /proc";
+    EXPECT_EQ(0600U, modeOf(listed)) << "the access list cannot be read without /proc";
 }
 
-TEST(QBLFmReplaceFileTest, FollowsNoLinksOfOthersWhereAllMakeFiles) {
+TEST(QBLFmReplaceFileTest, RefusesLinksOfOtherUsersInSharedDirectories) {
     if (geteuid() != 0) GTEST_SKIP() << "becomes another user";
     TempTree tree;
     chmod(tree.root(), 0755);
@@ -210,7 +211,7 @@ TEST(QBLFmReplaceFileTest, FollowsNoLinksOfOthersWhereAllMakeFiles) {
     }
 }
 
-TEST(QBLFmReplaceFileTest, IsWholeWheneverItsWriterIsKilled) {
+TEST(QBLFmReplaceFileTest, FileIsNeverPartialIfItsWriterIsKilled) {
     TempTree tree;
     const std::string path = tree.file("f", std::string(50000, 'a'));
     std::minstd_rand random(1);
