@@ -57,10 +57,10 @@ TEST(QBLMessageSetTest, OwnsItsMessagesAndKeepsTheirOrder) {
     EXPECT_TRUE(nothing.empty());
 }
 
-TEST(QBLMessageSetTest, StaysAsItWasWhenMemoryRunsOut) {
+TEST(QBLMessageSetTest, IsUnchangedWhenMemoryRunsOut) {
     QBLMessageSet source, set;
     QBLMessageComponents components(5);
-    components << 1 << "a text that needs memory of its own, being long";
+    components << 1 << "a text that is too long to be stored inline";
     source << components << components;
     set << QBLMessageString("before");
     fault::eachAllocation([&] {
@@ -91,7 +91,7 @@ TEST(QBLExceptionTest, CarriesItsMessagesAndShowsThemAsXml) {
         EXPECT_NE(std::string::npos, first.find("</Messages><TraceInfo><Trace Text=\""));
         EXPECT_NE(std::string::npos, first.find(": DiskError: QBL_THROW: \" /></TraceInfo>"));
         error << QBLMessageString("later");
-        EXPECT_EQ(first, error.toString()) << "made once";
+        EXPECT_EQ(first, error.toString()) << "toString() keeps its first result";
         const DiskError copy(dynamic_cast<DiskError&>(error));
         EXPECT_EQ(3U, copy.getMessageCount());
         EXPECT_EQ(first, std::unique_ptr<QBLThrowable>(copy.clone())->toString());

@@ -36,11 +36,11 @@ static_assert(!std::is_constructible<QBLErrnoMessage, QBLSeverity>::value &&
                   !std::is_constructible<QBLMessageComponents, QBLSeverity>::value &&
                   !std::is_constructible<QBLMessage, const char*, QBLSeverity>::value &&
                   !std::is_constructible<QBLMessageFile, const char*, QBLSeverity>::value,
-              "a severity is no identifier");
+              "a severity must not convert to an identifier");
 
 }  // namespace
 
-TEST(QBLMessageParmTest, ShowsItselfByItsType) {
+TEST(QBLMessageParmTest, FormatsItsValueByItsType) {
     const QBLMsgParm illegal = static_cast<QBLMsgParm>(9);
     const struct {
         QBLMessageParm parm;
@@ -87,7 +87,7 @@ TEST(QBLMessageParmTest, ShowsItselfByItsType) {
     EXPECT_EQ(316, most.length());
 }
 
-TEST(QBLMessageTest, WithoutATextItShowsItsParts) {
+TEST(QBLMessageTest, ShowsItsPartsIfItHasNoText) {
     EXPECT_EQ(kFive, xml(QBLMessageComponents(5), 0));
     EXPECT_EQ(kFive, formatted(QBLMessageComponents(5)));
     QBLMessage message(QBLSeverityWarning, "/nowhere/at_all", 0);
@@ -117,7 +117,7 @@ TEST(QBLMessageTest, WithoutATextItShowsItsParts) {
     EXPECT_EQ("<x>&#x338;a\u0338", "<x>" + qblXmlEscape("\u0338a\u0338"));
 }
 
-TEST(QBLMessageTest, FillsItsTextInTheLanguageAskedFor) {
+TEST(QBLMessageTest, FillsItsTextInTheRequestedLanguage) {
     TempTree tree;
     const std::string base = tree("texts");
     std::string deep, words;
@@ -142,7 +142,7 @@ TEST(QBLMessageTest, FillsItsTextInTheLanguageAskedFor) {
     const auto message = [&](unsigned long id) { return QBLMessageFile(base.c_str(), id); };
     QBLMessageFile count = message(1);
     count << 1234567 << 4294967295UL << QBLMessageParm(9UL, 1);
-    for (int round = 0; round < 2; ++round) {  // the second time from what it kept
+    for (int round = 0; round < 2; ++round) {  // the second round uses the cached text
         EXPECT_EQ("1,234,567 of -1: plain", formatted(count, "en"));
         EXPECT_EQ("-1, davon 1.234.567: schlicht", formatted(count, " de_DE,en"));
         EXPECT_EQ("1,234,567 of -1: plain", formatted(count));
@@ -150,7 +150,8 @@ TEST(QBLMessageTest, FillsItsTextInTheLanguageAskedFor) {
     QBLMessageFile swiss = message(1);
     swiss << 1234567 << 0 << "";
     EXPECT_EQ(formatted(swiss, "de_CH"), formatted(swiss, "de_CH.UTF-8"));
-    EXPECT_EQ("It''s {1}", formatted(message(2))) << "nothing to fill in";
+    EXPECT_EQ("It''s {1}", formatted(message(2)))
+        << "a message without parameters is not a pattern";
     QBLMessageFile named = message(3);
     named << "\u00E9" << INT_MIN;
     EXPECT_EQ("It's \u00E9, isn't it, -2,147,483,648?", formatted(named));
@@ -158,10 +159,10 @@ TEST(QBLMessageTest, FillsItsTextInTheLanguageAskedFor) {
         "It's \u00E9, isn't it, \u061C-\u0662\u066C\u0661\u0664\u0667\u066C\u0664\u0668\u0663\u066C"
         "\u0666\u0664\u0668?",
         formatted(named, "ar_EG"))
-        << "digits of the locale";
+        << "uses the digits of the locale";
     QBLMessageFile many = message(4);
     for (int i = 0; i < 11; ++i) many << i;
-    EXPECT_EQ("9{10}", formatted(many)) << "ten count";
+    EXPECT_EQ("9{10}", formatted(many)) << "only ten parameters are used";
     QBLMessageFile typed = message(5);
     typed << 0.25 << 1;
     EXPECT_EQ("25% one", formatted(typed));
@@ -173,7 +174,7 @@ TEST(QBLMessageTest, FillsItsTextInTheLanguageAskedFor) {
     EXPECT_EQ("{0} {x", formatted(quoted));
     QBLMessageFile wordy = message(16);
     wordy << "x";
-    EXPECT_EQ(words + "x", formatted(wordy)) << "words alone make no choice";
+    EXPECT_EQ(words + "x", formatted(wordy)) << "the word select outside of braces is plain text";
     QBLMessageFile scoped = message(13);
     scoped << "x";
     EXPECT_EQ("QBLX::open of /3e5f: x", formatted(scoped));

@@ -13,7 +13,8 @@ namespace {
 const std::map<unsigned, std::string> kTexts = {
     {5, "five"}, {7, ""}, {0x7FFFFFFF, "middle"}, {0x80000001, "a high one"}};
 
-/// The text for an identifier; "none" if there is no such one, "untouched" if it cannot be read.
+/// Returns the text of an identifier; "none" if the file lacks it, "untouched" if it cannot be
+/// read.
 std::string resourceText(QBLResourceBMF& resource, unsigned long id) {
     char untouched[] = "untouched";
     char* text = untouched;
@@ -25,7 +26,7 @@ bool isOpened(QBLResourceBMF& resource, const TempTree& tree, const std::string&
     return resource.open();
 }
 
-/// Opens a file and asks for all that it may have.
+/// Opens a file and asks for all texts that it may contain.
 void useAll(const TempTree& tree, const std::string& bytes) {
     for (const int preload : {0, 1}) {
         QBLResourceBMF resource(preload);
@@ -42,7 +43,7 @@ TEST(QBLResourceBMFTest, FindsEachTextByItsIdentifier) {
     TempTree tree;
     for (const int preload : {0, 1}) {
         QBLResourceBMF resource(preload);
-        EXPECT_EQ("none", resourceText(resource, 5)) << "nothing is open";
+        EXPECT_EQ("none", resourceText(resource, 5)) << "no file is open";
         ASSERT_TRUE(isOpened(resource, tree, bmfBytes(kTexts)));
         EXPECT_EQ(preload == 0, resource.isOpen());
         for (const auto& [id, text] : kTexts) EXPECT_EQ(text, resourceText(resource, id));
@@ -52,7 +53,8 @@ TEST(QBLResourceBMFTest, FindsEachTextByItsIdentifier) {
         char *first = nullptr, *second = nullptr;
         ASSERT_TRUE(resource.getResource(0x80000001, &first) && resource.getResource(5, &second));
         EXPECT_STREQ("five", second);
-        EXPECT_EQ(preload == 0, first == second) << "one buffer, unless all is there";
+        EXPECT_EQ(preload == 0, first == second)
+            << "texts share a buffer unless the file is preloaded";
         resource.close();
         EXPECT_EQ(preload != 0 ? "five" : "untouched", resourceText(resource, 5));
         ASSERT_TRUE(isOpened(resource, tree, bmfBytes({})));
@@ -60,7 +62,7 @@ TEST(QBLResourceBMFTest, FindsEachTextByItsIdentifier) {
     }
 }
 
-TEST(QBLResourceBMFTest, WhatIsNoMessageFileDoesNotOpen) {
+TEST(QBLResourceBMFTest, RejectsFilesThatAreNotMessageFiles) {
     TempTree tree;
     QBLResourceBMF resource(0);
     const std::string good = bmfBytes(kTexts);
@@ -74,24 +76,24 @@ TEST(QBLResourceBMFTest, WhatIsNoMessageFileDoesNotOpen) {
     }
 }
 
-TEST(QBLResourceBMFTest, CutFilesAndLiesNeverReadBeyondWhatIsThere) {
+TEST(QBLResourceBMFTest, MalformedFilesNeverCauseReadsOutOfBounds) {
     TempTree tree;
     const std::string good = bmfBytes(kTexts);
     for (std::size_t size = 0; size < good.size(); ++size) useAll(tree, good.substr(0, size));
-    // Each number, in turn, is what makes sums wrap, what is just too much, and the most.
+    // Replaces each number by values that overflow sums, exceed the file, or are the maximum.
     for (std::size_t at = 8; at + 4 <= 16 + 12 * kTexts.size(); at += 4)
         for (const unsigned lie : {29826162U, 357913942U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU,
                                    static_cast<unsigned>(good.size())}) {
             std::string bytes = good;
             useAll(tree, bytes.replace(at, 4, bigEndian(lie)));
         }
-    // A text without its zero ends with the block.
+    // A text that is not null-terminated ends at the end of the block.
     std::string open = good;
     open.replace(12, 4, bigEndian(4));
     QBLResourceBMF resource(1);
     ASSERT_TRUE(isOpened(resource, tree, open.replace(16 + 8, 4, bigEndian(4))));
     EXPECT_EQ("five", resourceText(resource, 5));
-    EXPECT_EQ("none", resourceText(resource, 0x7FFFFFFF)) << "outside of the block";
+    EXPECT_EQ("none", resourceText(resource, 0x7FFFFFFF)) << "the text is outside of the block";
 }
 
 TEST(QBLResourceBMFTest, ExhaustedMemoryClosesTheFile) {
@@ -102,7 +104,7 @@ TEST(QBLResourceBMFTest, ExhaustedMemoryClosesTheFile) {
         try {
             EXPECT_TRUE(isOpened(resource, tree, bytes));
         } catch (const std::bad_alloc&) {
-            // of the test's own
+            // from the test's own strings
         } catch (const QBLThrowable& error) {
             EXPECT_STREQ("QBLOutOfMemoryError", error.getThrowableName());
             EXPECT_FALSE(resource.isOpen());

@@ -11,7 +11,7 @@
 
 namespace {
 
-/// The text of identifier 1 that somebody who wants these locales sees.
+/// Returns the text of identifier 1 for these locales.
 std::string seen(const std::string& base, const char* locales) {
     QBLResourceFile file(base, locales, 1);
     char* text = nullptr;
@@ -20,14 +20,14 @@ std::string seen(const std::string& base, const char* locales) {
 
 }  // namespace
 
-TEST(QBLResourceFactoryTest, TheMostSpecificFileOfTheFirstLocaleCounts) {
+TEST(QBLResourceFactoryTest, FindsTheMostSpecificFileOfTheFirstLocale) {
     TempTree tree;
     const std::string base = tree("base");
     const auto add = [&](const char* suffix) {
         tree.file(std::string("base") + suffix + ".bmf", bmfBytes({{1, suffix}}));
     };
     EXPECT_EQ("none", seen(base, "de_AT fr"));
-    // Each was looked for in vain before, and is found once it is there.
+    // A failed search is not remembered: a file is found as soon as it exists.
     EXPECT_EQ("none", seen(base, "es"));
     add("");
     EXPECT_EQ("", seen(base, "es"));
@@ -35,7 +35,7 @@ TEST(QBLResourceFactoryTest, TheMostSpecificFileOfTheFirstLocaleCounts) {
     EXPECT_EQ("_en", seen(base, "de_AT fr"));
     EXPECT_EQ("_en", seen(base, nullptr));
     add("_fr");
-    EXPECT_EQ("_en", seen(base, "de_AT fr")) << "what was found is remembered";
+    EXPECT_EQ("_en", seen(base, "de_AT fr")) << "a successful search is remembered";
     EXPECT_EQ("_fr", seen(base, "de_AT,fr"));
     add("_de");
     EXPECT_EQ("_de", seen(base, "de-AT;fr"));
@@ -43,14 +43,14 @@ TEST(QBLResourceFactoryTest, TheMostSpecificFileOfTheFirstLocaleCounts) {
     EXPECT_EQ("_de_AT", seen(base, "de_AT.UTF-8\tfr"));
     EXPECT_EQ("", seen(base, "es"));
     ASSERT_TRUE(QBLFmDir::removeFile(tree("base.bmf").c_str()));
-    EXPECT_EQ("_en", seen(base, "es")) << "instead of one that has gone";
+    EXPECT_EQ("_en", seen(base, "es")) << "the remembered file no longer exists";
     for (const std::string& name :
          QBLResourceFactory::getCandidates(base, "/etc,x/y;../../de de_../x de@a=/b fr_F/R"))
         EXPECT_EQ(std::string::npos, name.find('/', base.size())) << name;
     EXPECT_EQ(3U, QBLResourceFactory::getCandidates(base, "/etc x/y de").size());
 }
 
-TEST(QBLResourceFactoryTest, NamesWithoutADirectoryAreSoughtInTheWorkingDirectoryFirst) {
+TEST(QBLResourceFactoryTest, SearchesTheWorkingDirectoryFirstForPlainNames) {
     TempTree tree;
     tree.file("mine_ja.bmf", bmfBytes({{1, "here"}}));
     QBLFmDir::setEffectiveWorkingDir(tree.root());
@@ -63,7 +63,7 @@ TEST(QBLResourceFactoryTest, NamesWithoutADirectoryAreSoughtInTheWorkingDirector
     EXPECT_EQ("", QBLResourceFactory::find("mine", "ja"));
 }
 
-TEST(QBLResourceFactoryTest, MisuseIsAnAssertion) {
+TEST(QBLResourceFactoryTest, MisuseThrowsAssertErrors) {
     QBL_EXPECT_THROW(QBLResourceFactory::find("base", nullptr), QBLAssertError,
                      "QBL_ASSERT(localeID != NULL);");
     char* text = nullptr;
