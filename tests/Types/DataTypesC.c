@@ -1,4 +1,4 @@
-/* The conversions of numbers, seen by a C compiler. */
+/* Calls the number conversions from C. */
 #include <string.h>
 
 #include "QBLCore/Types/c/QBLDataTypesConversion_c.h"
@@ -6,7 +6,7 @@
 #define CHECK(condition) \
     if (!(condition)) return __LINE__
 
-/* 0, or the line of what failed. */
+/* Returns 0, or the line of the first failed check. */
 int dataTypesFailed(void);
 
 int dataTypesFailed(void) {

@@ -26,8 +26,8 @@ std::string contentsOf(const QBLByteBuffer& buffer) {
 
 }  // namespace
 
-// How far it grows is checked by fuzz/QBLByteBufferFuzz.cpp, with commands in every order.
-TEST(QBLByteBufferTest, TakesLessSpareRoomWhereMemoryIsShort) {
+// fuzz/QBLByteBufferFuzz.cpp checks the capacities, with commands in random order.
+TEST(QBLByteBufferTest, AllocatesLessSpareRoomIfMemoryIsShort) {
     QBLByteBuffer buffer(23, 8);
     unsigned int moves = 0;
     for (int n = 0; n < 10000; ++n) {
@@ -38,7 +38,7 @@ TEST(QBLByteBufferTest, TakesLessSpareRoomWhereMemoryIsShort) {
     }
     fault::failAllocation(-1);
     EXPECT_EQ(std::string(10000, 'c'), contentsOf(buffer));
-    EXPECT_GT(50U, moves) << "though the whole blocks are 1247";
+    EXPECT_GT(50U, moves) << "1247 moves if it grows by single blocks";
 }
 
 TEST(QBLByteBufferTest, AppendsEveryType) {
@@ -57,7 +57,7 @@ TEST(QBLByteBufferTest, AppendsEveryType) {
     }
 }
 
-TEST(QBLByteBufferTest, IsAsBeforeWhereMemoryEnds) {
+TEST(QBLByteBufferTest, IsUnchangedAfterAFailedAllocation) {
     const std::string text(600, 't');
     QBLByteBuffer other(1000, 8);
     using B = QBLByteBuffer&;
@@ -76,7 +76,7 @@ TEST(QBLByteBufferTest, IsAsBeforeWhereMemoryEnds) {
                     operation(buffer);
                 } catch (QBLOutOfMemoryError&) {
                     EXPECT_EQ("full", contentsOf(buffer));
-                    EXPECT_EQ("full0", contentsOf(buffer << 0)) << "and of use";
+                    EXPECT_EQ("full0", contentsOf(buffer << 0)) << "the buffer is still usable";
                 }
             } catch (QBLOutOfMemoryError&) {
             }
@@ -96,7 +96,7 @@ TEST(QBLByteBufferTest, IsAsBeforeWhereMemoryEnds) {
     EXPECT_EQ("x", contentsOf(half));
 }
 
-TEST(QBLByteBufferTest, PassesOnWhatAReplacedOperatorNewThrows) {
+TEST(QBLByteBufferTest, PassesOnExceptionsOfAReplacedOperatorNew) {
     const std::string text(600, 't');
     QBLByteBuffer buffer(kHalf, 4);
     buffer << "full";
@@ -119,7 +119,7 @@ TEST(QBLByteBufferTest, PassesOnWhatAReplacedOperatorNewThrows) {
     }
 }
 
-// The sanitizers end where there is no memory, or need all of the address space.
+// Sanitizers abort without memory, or need the whole address space.
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 TEST(QBLByteBufferTest, CallsNewHandlersOnlyForWhatIsNeeded) {
     constexpr unsigned int kMiB = 1U << 20;
@@ -138,7 +138,7 @@ TEST(QBLByteBufferTest, CallsNewHandlersOnlyForWhatIsNeeded) {
 }
 #endif
 
-TEST(QBLByteBufferTest, SaysWhatItAsserts) {
+TEST(QBLByteBufferTest, ThrowsAssertErrorsWithTheirStatement) {
     QBLByteBuffer buffer(kHalf);
     QBL_EXPECT_THROW(buffer.roundUpToBlockSizeMultiple(1), QBLAssertError,
                      "QBL_ASSERT_NAMED(( 0 != m_iBlockSize ), \"[QBLByteBuffer::roundUpToBlock"

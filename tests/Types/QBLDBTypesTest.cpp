@@ -13,7 +13,7 @@
 
 namespace {
 
-/// Every name is one code's, and every one differs from it in a letter.
+/// Expects that each code has its own name, and that a name with one letter changed is unknown.
 template <class Type>
 void expectNames(int count, Type (QBLDBTypes::*code)(const char*) const) {
     const QBLDBTypes& types = *QBLDBTypes::get();
@@ -36,7 +36,7 @@ void expectNames(int count, Type (QBLDBTypes::*code)(const char*) const) {
 
 }  // namespace
 
-TEST(QBLDBTypesTest, IsMadeAgainAfterAllocationsFailed) {
+TEST(QBLDBTypesTest, CreationCanBeRetriedAfterFailedAllocations) {
     const int status = inChild([] {
         bool made = false;
         const long failures = fault::eachAllocation([&made] {
@@ -50,7 +50,7 @@ TEST(QBLDBTypesTest, IsMadeAgainAfterAllocationsFailed) {
     EXPECT_EQ(0, status);
 }
 
-TEST(QBLDBTypesTest, IsOneForThreadsThatAskFirst) {
+TEST(QBLDBTypesTest, IsCreatedOnceByConcurrentFirstCalls) {
     Gate gate;
     std::atomic<int> wrong{0};
     std::atomic<QBLDBTypes*> one{nullptr};
@@ -75,13 +75,13 @@ TEST(QBLDBTypesTest, FindsEveryNameAndNoOther) {
     expectNames<XSType>(45, &QBLDBTypes::getXSTypeCode);
     EXPECT_EQ(15, QBLDBTypes::get()->getQBLDBDatatypeCode("qblDTypeTimestamp"));
     for (int i = 0; i < 2; ++i) {
-        const auto name = std::make_unique<std::string>("a name that goes away again");
+        const auto name = std::make_unique<std::string>("a name that is freed after the lookup");
         EXPECT_EQ(0, QBLDBTypes::get()->getXSTypeCode(name->c_str()));
     }
 }
 
-// All of them stand in docs/types.md, which is compared with the tables.
-TEST(QBLDBTypesTest, MapsWhatIsIrregular) {
+// Checks only a few mappings: docs/types.md lists all, and a test compares it with the tables.
+TEST(QBLDBTypesTest, MapsIrregularTypes) {
     const QBLDBTypes& types = *QBLDBTypes::get();
     EXPECT_EQ(xsDuration, types.SqlColType2XSType(sqlInterval2));
     EXPECT_EQ(qblDTypeInterval2, types.SqlColType2QBLDBDatatype(sqlInterval2));

@@ -25,7 +25,7 @@ int write(char* text, long long value) { return int64ToAscii(text, value); }
 int write(char* text, float value) { return float32ToAscii(text, value); }
 int write(char* text, double value) { return float64ToAscii(text, value); }
 
-/// One stream for all, as making one takes longer than all else.
+/// Reuses its streams, because constructing a stream takes longer than all the conversions.
 class Streams {
 public:
     Streams() {
@@ -52,7 +52,7 @@ public:
         return m_out.str() == text && length == static_cast<int>(std::strlen(text));
     }
 
-    /// Reads a text, and writes what was read, as every type.
+    /// Reads a text as every type and writes the value; expects the same results as streams give.
     void expectAlike(const std::string& text) {
         EXPECT_TRUE(readsSame<int>(text)) << "as int: '" << text << "'";
         EXPECT_TRUE(readsSame<long long>(text)) << "as long long: '" << text << "'";
@@ -112,7 +112,7 @@ void compareRandom(int count) {
         std::memcpy(&any, &bits, sizeof any);
         std::memcpy(&single, &bits, sizeof single);
         const double plain = static_cast<double>(whole % 1000000000) / std::pow(10, i % 10);
-        // In the middle between two of six digits, where rounding has to be exact.
+        // Exactly between two numbers of six digits, where rounding must be exact.
         const double tie = static_cast<double>(whole % 1000000 * 10 + 5) / (i % 2 != 0 ? 1 : 8);
         std::string text;
         switch (i % 5) {
@@ -135,30 +135,30 @@ void compareRandom(int count) {
         }
         expect(streams.readsSame<int>(text) && streams.readsSame<long long>(text) &&
                    streams.readsSame<float>(text) && streams.readsSame<double>(text),
-               "'" + text + "' is read otherwise");
+               "'" + text + "' is read differently by a stream");
         expect(streams.writesSame(static_cast<int>(whole)) && streams.writesSame(whole) &&
                    streams.writesSame(-whole) && streams.writesSame(any) &&
                    streams.writesSame(plain) && streams.writesSame(tie) &&
                    (std::isnan(single) || streams.writesSame(single)),
-               std::to_string(bits) + " is written otherwise");
+               std::to_string(bits) + " is written differently by a stream");
     }
 }
 
 }  // namespace
 
-TEST(QBLDataTypesConversionTest, GivesWhatStreamsGive) {
+TEST(QBLDataTypesConversionTest, AgreesWithStreams) {
     compareEdges();
     compareRandom(kSanitizer ? 20000 : 200000);
 }
 
-TEST(QBLDataTypesConversionTest, GivesTheSameInALocaleWithAComma) {
+TEST(QBLDataTypesConversionTest, IgnoresALocaleWithADecimalComma) {
     inCommaLocale([] {
         compareEdges();
         compareRandom(5000);
     });
 }
 
-TEST(QBLDataTypesConversionTest, FailsForNull) {
+TEST(QBLDataTypesConversionTest, ThrowsForNull) {
     char text[4];
     int value = 0;
     QBL_EXPECT_THROW(asciiToInt32(nullptr, &value), QBLAssertError, "QBL_ASSERT(str != NULL);");

@@ -22,7 +22,7 @@ namespace {
 using Cast = QBLTypeCast;
 constexpr std::size_t kRoom = 64;
 
-/// Reads a text and writes what was read; the status where it was not, of which the value is 0.
+/// Reads a text and writes the value. Returns the written text, or the status if reading failed.
 using Again = std::function<std::string(const char*)>;
 
 template <class Value, class Written = Value>
@@ -35,7 +35,7 @@ Again again(long (*read)(Value*, const char*), long (*write)(char*, const Writte
         EXPECT_EQ(0, write(zeros, &none));
         EXPECT_EQ(0, write(out, &value));
         if (status == 0) return std::string(out);
-        EXPECT_STREQ(zeros, out) << "left behind by '" << text << "'";
+        EXPECT_STREQ(zeros, out) << "value after the failed read of '" << text << "'";
         return std::to_string(status);
     };
 }
@@ -61,7 +61,7 @@ const Again kDouble = again<double>(&Cast::string2double, &Cast::number2string);
 const Again kInt = again<int>(&Cast::string2int32, &writeInt);
 const Again kInt64 = again<long long>(&Cast::string2int64, &writeInt64);
 
-/// Calls a body with both sides of each "text=expected", or twice the same text.
+/// Calls a body with both sides of each "text=expected"; without "=", the text is also expected.
 template <class Body>
 void forEach(const char* table, Body body) {
     std::istringstream rows(table);
@@ -71,7 +71,7 @@ void forEach(const char* table, Body body) {
     }
 }
 
-/// Of each kind, texts and what they are read as, if that is not themselves.
+/// For each type, lists texts and the expected results of reading and writing them.
 void readTable() {
     const struct {
         const Again& again;
@@ -117,7 +117,7 @@ void readTable() {
         });
 }
 
-/// Fields of values: those that are valid, or anything that the type has.
+/// Sets fields to random values: valid ones, or any value of the field's type.
 class Fields {
 public:
     explicit Fields(bool valid) : m_bValid(valid) {}
@@ -239,15 +239,15 @@ void writeNumbers(int count) {
 
 }  // namespace
 
-TEST(QBLTypeCastTest, ReadsWhatIsInFormAndSaysWhatIsWrong) { readTable(); }
+TEST(QBLTypeCastTest, ReadsValidTextsAndReportsErrors) { readTable(); }
 
-TEST(QBLTypeCastTest, WritesValuesThatAreReadAsTheSame) { writeRandom(true); }
+TEST(QBLTypeCastTest, WrittenValuesReadBackUnchanged) { writeRandom(true); }
 
-TEST(QBLTypeCastTest, WritesFieldsOutOfRangeInBounds) { writeRandom(false); }
+TEST(QBLTypeCastTest, TextsOfInvalidFieldsFitTheBuffer) { writeRandom(false); }
 
 TEST(QBLTypeCastTest, WritesNumbersAsPrintfDoes) { writeNumbers(kSanitizer ? 20000 : 200000); }
 
-TEST(QBLTypeCastTest, DoesTheSameInALocaleWithAComma) {
+TEST(QBLTypeCastTest, IgnoresALocaleWithACommaAsDecimalPoint) {
     inCommaLocale([] {
         readTable();
         writeRandom(true);
@@ -255,7 +255,7 @@ TEST(QBLTypeCastTest, DoesTheSameInALocaleWithAComma) {
     });
 }
 
-TEST(QBLTypeCastTest, TakesDisplacementsAndDigitsToTheLetter) {
+TEST(QBLTypeCastTest, ParsesDisplacementsAndDigitsStrictly) {
     forEach(
         "+05:30=530|-08:00=-800|-12:59=-1259|+13:00=1300|-00:30=-30|+13:01=x|-13:00=x|"
         "+05:60=x|+0530=x|05:300=x|+05:3x=x|+05:300=x|=x",
@@ -286,7 +286,7 @@ TEST(QBLTypeCastTest, TakesDisplacementsAndDigitsToTheLetter) {
     EXPECT_TRUE(hour == 0 && minute == 0 && second == 0 && fraction == 0);
 }
 
-TEST(QBLTypeCastTest, CarriesCountsOverToGreaterUnits) {
+TEST(QBLTypeCastTest, ConvertsCountsToLargerUnits) {
     forEach(
         "90 minutes=0 01:30|-3 Day=-3 00:00|90061 SECOND=1 01:01:01|-25 HOURS=-1 01:00|"
         "2147483647 days=2147483647 00:00|18 month=(1 6)|-2 YEARS=-(2 0)|1 weeks=528|"
@@ -314,7 +314,7 @@ TEST(QBLTypeCastTest, CarriesCountsOverToGreaterUnits) {
     EXPECT_EQ(8, Cast::int2YMinterval(&ym, &lowest, "year"));
 }
 
-TEST(QBLTypeCastTest, CopiesWhatBothHave) {
+TEST(QBLTypeCastTest, CopiesCommonFields) {
     const QBLTimestampTZ from = {2006, 3, 9, 10, 5, 7, 5, -800};
     QBLTimestampTZ to;
     QBLTimestamp2 stamp;
@@ -330,7 +330,7 @@ TEST(QBLTypeCastTest, CopiesWhatBothHave) {
     EXPECT_STREQ("2006-03-09 00:00", text);
 }
 
-TEST(QBLTypeCastTest, TakesNullAndAllocatesNothing) {
+TEST(QBLTypeCastTest, AcceptsNullAndAllocatesNothing) {
     const I18NString digits("123");
     const auto all = [&digits] {
         char text[kRoom] = "x";

@@ -10,17 +10,17 @@
 
 namespace {
 
-/// The value as text in a buffer of this size, and ", cut" where it says so.
+/// Returns the value as text, from a buffer of this size; appends ", cut" if it was truncated.
 std::string shown(const QBLVariant& variant, unsigned long size = 40) {
     std::string text(size + 1, '#');
     const bool whole = variant.getValue(&text[0], size);
-    EXPECT_EQ('#', text[size]) << "written behind the buffer";
+    EXPECT_EQ('#', text[size]) << "written after the end of the buffer";
     return size == 0 ? "" : text.c_str() + std::string(whole ? "" : ", cut");
 }
 
 }  // namespace
 
-TEST(QBLVariantTest, GivesAValueAsItsOwnTypeOnly) {
+TEST(QBLVariantTest, ReturnsAValueOnlyAsItsOwnType) {
     QBLVariant variants[7];
     EXPECT_TRUE(variants[1].setValue(LONG_MIN) && variants[2].setValue(ULONG_MAX));
     EXPECT_TRUE(variants[3].setValue(-1.5) && variants[4].setValue("text", 3));
@@ -59,7 +59,7 @@ TEST(QBLVariantTest, GivesAValueAsItsOwnTypeOnly) {
     }
 }
 
-TEST(QBLVariantTest, EqualsTheSameTypeSizeAndValueOnly) {
+TEST(QBLVariantTest, EqualsOnlyTheSameTypeSizeAndValue) {
     QBLVariant all[11];
     EXPECT_TRUE(all[0].setValue(5L) && all[1].setValue(6L) && all[2].setValue(5UL));
     EXPECT_TRUE(all[3].setValue(6UL) && all[4].setValue(0.5) && all[5].setValue(1.5));
@@ -68,10 +68,10 @@ TEST(QBLVariantTest, EqualsTheSameTypeSizeAndValueOnly) {
     for (QBLVariant& each : all) each.setValueSize(8);
     for (const QBLVariant& a : all)
         for (const QBLVariant& b : all) EXPECT_EQ(&a == &b, a == b) << &a - all << &b - all;
-    EXPECT_FALSE(all[6] == QBLVariant(all[6])) << "not a number";
+    EXPECT_FALSE(all[6] == QBLVariant(all[6])) << "NaN is not equal to itself";
 }
 
-TEST(QBLVariantTest, KeepsAStringWhateverItsSizeSays) {
+TEST(QBLVariantTest, KeepsAStringWhateverItsSizeIs) {
     QBLVariant variant, none;
     EXPECT_TRUE(none.setValue(5L) && none.setValue(nullptr, 5));
     EXPECT_FALSE(none.getValue(static_cast<char*>(nullptr), 5));
@@ -94,24 +94,25 @@ TEST(QBLVariantTest, KeepsAStringWhateverItsSizeSays) {
         EXPECT_EQ(row.size >= 3, copy == variant) << row.size;
     }
     variant.setValueSize(ULONG_MAX);
-    EXPECT_TRUE(QBLVariant(variant) == QBLVariant()) << "more than there can be";
+    EXPECT_TRUE(QBLVariant(variant) == QBLVariant()) << "a size that cannot be allocated";
     EXPECT_FALSE(QBLVariant(variant).setValue("text", ULONG_MAX));
     char* own = nullptr;
     EXPECT_TRUE(variant.getValue(own) && variant.setValue(own + 1, 0));
-    EXPECT_EQ("bc", shown(variant = *&variant)) << "of itself";
+    EXPECT_EQ("bc", shown(variant = *&variant)) << "assigned to itself";
     variant.clear();
     EXPECT_EQ(2U, variant.valueSize());
     EXPECT_TRUE(variant.setValue(0x12345L));
     variant.setVarType(QBLVariant::QBLVariantString);
-    EXPECT_TRUE(variant.getValue(own) && own == nullptr) << "a number is no string";
+    EXPECT_TRUE(variant.getValue(own) && own == nullptr)
+        << "the variant has a number, not a string";
     EXPECT_TRUE(variant.setValue("kept", 0) && variant.getValue(own));
     variant.setValue(static_cast<void*>(own));
     variant.clear();
-    EXPECT_STREQ("kept", own) << "not freed with the variant's new value";
+    EXPECT_STREQ("kept", own) << "the variant does not free a pointer value";
     delete[] own;
 }
 
-TEST(QBLVariantTest, IsOfNoTypeWhereMemoryEnds) {
+TEST(QBLVariantTest, HasNoTypeAfterAFailedAllocation) {
     QBLVariant source, target;
     source.setValue("text", 0);
     for (const bool assigned : {false, true}) {

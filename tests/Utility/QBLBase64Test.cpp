@@ -7,7 +7,7 @@
 
 namespace {
 
-TEST(QBLBase64Test, EncodesAndDecodesAsDefinedAtEveryLevel) {
+TEST(QBLBase64Test, AllKernelsAgreeWithTheModel) {
     const std::string missing = eachBase64Level(
         [](const QBLBase64Kernels& kernels, const Base64Side& side, const auto& name) {
             std::mt19937 random(1);
@@ -35,7 +35,7 @@ TEST(QBLBase64Test, EncodesAndDecodesAsDefinedAtEveryLevel) {
                 ASSERT_TRUE(decodesAsDefined(kernels, side, text)) << name << ": " << text;
             }
         });
-    if (!missing.empty()) GTEST_SKIP() << "passed but for what this processor has not: " << missing;
+    if (!missing.empty()) GTEST_SKIP() << "passed, but this processor lacks: " << missing;
 }
 
 TEST(QBLBase64Test, ComputesSizesBeyond32Bits) {
@@ -49,7 +49,7 @@ TEST(QBLBase64Test, ComputesSizesBeyond32Bits) {
 
 extern "C" int qblCodesFailedFromC();
 TEST(QBLBase64Test, FlatFunctionsWorkFromC) {
-    EXPECT_EQ(0, qblCodesFailedFromC()) << "the line in QBLCodesC.c";
+    EXPECT_EQ(0, qblCodesFailedFromC()) << "the failed line in QBLCodesC.c";
 }
 
 }  // namespace

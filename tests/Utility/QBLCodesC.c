@@ -1,4 +1,4 @@
-/* Base64, tokens and byte order, seen by a C compiler. */
+/* Calls the functions for Base64, tokens and byte order from C. */
 #include <string.h>
 
 #include "QBLCore/Utility/QBLBase64.h"

@@ -9,7 +9,7 @@
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
 #include "tests/support/TempTree.hpp"
 
-TEST(QBLMiniLoggerTest, AppendsRecordsOfOneFormOrNothing) {
+TEST(QBLMiniLoggerTest, AppendsFormattedRecordsOrNothing) {
     TempTree tree;
     QBLFmDir::setEffectiveWorkingDir(tree.dir("work").c_str());
     {

@@ -16,7 +16,7 @@ namespace {
 
 using Text = std::unique_ptr<char[]>;
 
-/// Bytes but NUL; few different ones compress well.
+/// Returns random bytes without nulls. Texts with few different bytes compress well.
 std::string randomText(std::mt19937& random, std::size_t count, unsigned kinds) {
     std::string text(count, ' ');
     for (char& c : text) c = static_cast<char>(1 + random() % kinds);
@@ -34,11 +34,11 @@ TEST(QBLSquisherTest, TokensAreWhatZlibMakesAndComeBack) {
             if (!squished.fits) ++refused;
         }
     }
-    EXPECT_GT(refused, 0) << "some are too long for the formula";
+    EXPECT_GT(refused, 0) << "some tokens exceed QBLsqu_squished_size()";
     EXPECT_EQ(nullptr, Text(QBLSquisher::squish(nullptr)));
 }
 
-TEST(QBLSquisherTest, RefusesDamagedTokens) {
+TEST(QBLSquisherTest, RejectsDamagedTokens) {
     const std::string text = "a text that is squished", packed = compressed(text);
     const std::string good = tokenOf(packed, text.size());
     const std::string padded = tokenOf(packed + '-', text.size());
@@ -96,7 +96,7 @@ TEST(QBLSquisherTest, ThreadsAndForksSquishEachOnItsOwn) {
 
 TEST(QBLSquisherTest, FailsCleanlyWithoutMemory) {
     const std::string text = "some text, some text", token = tokenOf(compressed(text), text.size());
-    // A sanitizer's allocator would end the process.
+    // A sanitizer's allocator would abort the process.
     if (!kSanitizer) {
         EXPECT_EQ(-4, -inChild([] {
             std::string big;
@@ -110,7 +110,7 @@ TEST(QBLSquisherTest, FailsCleanlyWithoutMemory) {
     bool failed = true;
     long runs = 0;
     for (; failed; ++runs) {
-        // A new thread has nothing yet to compress with.
+        // A new thread must allocate its compression state.
         Workers(1, [&] {
             char room[200] = "unset";
             fault::failAllocation(runs);
@@ -123,13 +123,13 @@ TEST(QBLSquisherTest, FailsCleanlyWithoutMemory) {
             EXPECT_STREQ(token.c_str(), room);
         }).join();
     }
-    EXPECT_LT(6, runs) << "compressing takes that many";
+    EXPECT_LT(6, runs) << "compression has at least this many allocations";
     EXPECT_TRUE(Squished(text).right);
     EXPECT_EQ(2, fault::eachAllocation([&] {
                   const Text made(QBLSquisher::squish(text.c_str()));
                   EXPECT_EQ(fault::allocationFailed(), made == nullptr);
               }))
-        << "this thread has what it compresses with";
+        << "this thread keeps its compression state";
     EXPECT_EQ(2, fault::eachAllocation([&] {
                   const Text back(QBLSquisher::unSquish(token.c_str()));
                   EXPECT_EQ(fault::allocationFailed(), back == nullptr);
@@ -140,7 +140,8 @@ TEST(QBLSquisherTest, FailsCleanlyWithoutMemory) {
                   EXPECT_EQ(0, QBLsqu_unsquish1(token.c_str(), &state, nullptr));
                   const int code = QBLsqu_unsquish2(&state, back);
                   EXPECT_EQ(fault::allocationFailed() ? -4 : 0, code);
-                  EXPECT_EQ(code != 0 ? 0 : -2, QBLsqu_unsquish2(&state, back)) << "kept, or not";
+                  EXPECT_EQ(code != 0 ? 0 : -2, QBLsqu_unsquish2(&state, back))
+                      << "kept only on failure";
                   EXPECT_EQ(text, back);
               }));
 }

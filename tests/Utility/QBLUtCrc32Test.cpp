@@ -25,7 +25,7 @@ std::uint32_t bitByBit(std::uint32_t reg, const unsigned char* data, std::size_t
     return reg;
 }
 
-TEST(QBLUtCrc32Test, GivesKnownChecksums) {
+TEST(QBLUtCrc32Test, ComputesKnownChecksums) {
     const struct {
         unsigned long crc, expected;
         std::string text;
@@ -36,8 +36,9 @@ TEST(QBLUtCrc32Test, GivesKnownChecksums) {
                 {0xFFFFFFFF, 0xFFFFFFFF, std::string(4, '\0')}};
     for (const auto& row : rows) {
         EXPECT_EQ(row.expected, crcOf(row.crc, row.text)) << row.text;
-        // Where a long has no more than 32 bits, this is the same call again.
-        EXPECT_EQ(row.expected, crcOf(row.crc - 0xFFFFFFFFUL - 1, row.text)) << "high bits count";
+        // If long has 32 bits, this is the same call as above.
+        EXPECT_EQ(row.expected, crcOf(row.crc - 0xFFFFFFFFUL - 1, row.text))
+            << "bits above 32 must be ignored";
         EXPECT_EQ(row.crc, QBLUtCrc32::crc32(row.crc, nullptr, 9));
     }
     for (unsigned i = 0; i < 256; ++i) {
@@ -46,7 +47,7 @@ TEST(QBLUtCrc32Test, GivesKnownChecksums) {
     }
 }
 
-TEST(QBLUtCrc32Test, IsTheSameAtEveryLevelForEveryLengthAndPlace) {
+TEST(QBLUtCrc32Test, AllKernelsAgreeForEveryLengthAndAlignment) {
     std::mt19937 random(3);
     std::string data(70000, '\0');
     for (char& c : data) c = static_cast<char>(random());
@@ -64,7 +65,8 @@ TEST(QBLUtCrc32Test, IsTheSameAtEveryLevelForEveryLengthAndPlace) {
                                  first, at + split, static_cast<unsigned>(n - split))))
             << n << ' ' << split;
     }
-    if (!qblCrc32HasProducts()) GTEST_SKIP() << "passed but for the products: not this processor's";
+    if (!qblCrc32HasProducts())
+        GTEST_SKIP() << "passed, but this processor lacks carry-less products";
 }
 
 }  // namespace

@@ -8,8 +8,8 @@
 
 namespace {
 
-/// All that an object gives for these words: letters with their arguments, "0", "-1" and what it
-/// knows then; and what it writes.
+/// Parses words and records all results as text: letters with arguments, "0", "-1" and the final
+/// index. Also captures the output to standard error.
 class Parsed {
 public:
     Parsed(std::vector<std::string> words, const char* letters, int calls) {
@@ -35,7 +35,7 @@ public:
 
 }  // namespace
 
-TEST(QBLUtGetOptTest, GivesLettersArgumentsAndLongOptions) {
+TEST(QBLUtGetOptTest, ReturnsLettersArgumentsAndLongOptions) {
     const struct {
         std::vector<std::string> words;
         const char* letters;
@@ -58,7 +58,7 @@ TEST(QBLUtGetOptTest, GivesLettersArgumentsAndLongOptions) {
     EXPECT_TRUE(lacking.options.getErrorLetter() == 'b' && lacking.options.isArgumentMissing());
 }
 
-TEST(QBLUtGetOptTest, PrintsItsErrorsAsTheyAre) {
+TEST(QBLUtGetOptTest, PrintsItsErrorsWithoutFormattingThem) {
     const std::string name(10000, 'p'), tail = " : 'x' not a valid option\n";
     Parsed strange({name + "%n%s%%%%%", "-x"}, "a", 1);
     EXPECT_EQ("\n" + name + "%n%s%%%%%" + tail, strange.options.getErrorMsg());
@@ -72,7 +72,8 @@ TEST(QBLUtGetOptTest, PrintsItsErrorsAsTheyAre) {
     EXPECT_EQ("\n" + tail, quiet.getErrorMsg());
     EXPECT_TRUE(quiet.getErrorLetter() == 'x' && !quiet.isArgumentMissing());
     char word[] = "-a", *argv[] = {word, word, word, nullptr};
-    EXPECT_TRUE(quiet.getOpt(3, argv, "a") == 'a' && quiet.getOpt(1, argv, "a") == -1) << "fewer";
+    EXPECT_TRUE(quiet.getOpt(3, argv, "a") == 'a' && quiet.getOpt(1, argv, "a") == -1)
+        << "fewer words";
     QBL_EXPECT_THROW(quiet.getOpt(1, nullptr, "a"), QBLAssertError, "QBL_ASSERT(argv);");
     QBL_EXPECT_THROW(quiet.getOpt(1, argv, static_cast<char*>(nullptr)), QBLAssertError,
                      "QBL_ASSERT(opts);");

@@ -4,7 +4,7 @@
 
 #include <vector>
 
-TEST(QBLUtStrTokTest, GivesTheTokensBetweenSeparators) {
+TEST(QBLUtStrTokTest, ReturnsTheTokensBetweenSeparators) {
     const struct {
         const char *text, *separators;
         std::vector<std::string> tokens;
@@ -30,11 +30,11 @@ TEST(QBLUtStrTokTest, GivesTheTokensBetweenSeparators) {
     }
 }
 
-TEST(QBLUtStrTokTest, TakesOtherSeparatorsForOneToken) {
+TEST(QBLUtStrTokTest, AcceptsOtherSeparatorsForOneToken) {
     QBLUtStrTok tokens("name = a b; other");
     std::string token;
     EXPECT_TRUE(tokens.nextToken(token, " =") && token == "name");
-    EXPECT_TRUE(tokens.nextToken(token, "=;") && token == " ") << "what is before a separator";
+    EXPECT_TRUE(tokens.nextToken(token, "=;") && token == " ") << "the text before a separator";
     EXPECT_TRUE(tokens.nextToken(token, ";=") && token == " a b");
     EXPECT_TRUE(tokens.nextToken(token) && token == "other");
     EXPECT_FALSE(tokens.nextToken(token));
