@@ -1,4 +1,4 @@
-/* The flat interface, seen by a C compiler. */
+/* Calls the flat interface of converters from C. */
 #include <stdlib.h>
 #include <string.h>
 
@@ -30,7 +30,7 @@ static char* noMemory(void* context, char* block, int size, int* error) {
     } while (0)
 #define RUN(code, call) CHECK(code, ((call), 1))
 
-/* 0, or the line of the first check that failed. */
+/* Returns 0, or the line of the first failed check. */
 int i18nConverterFailedFromC(void);
 int i18nConverterFailedFromC(void) {
     static const unsigned short kText[] = {'a', 0x4E00, 'b', 0};

@@ -15,7 +15,7 @@ namespace {
 extern "C" {
 void dropBytes(const char*, const char*, int, wchar_t*, int*, I18NErrorCodes*) {}
 
-// What the policy says of itself.
+// The policy I18N_LOOKUP, written from its description.
 void lookUp(const void* encoding, UConverterToUnicodeArgs* args, const char* bytes, int32_t length,
             UConverterCallbackReason reason, UErrorCode* status) {
     if (reason > UCNV_IRREGULAR) return;
@@ -45,7 +45,7 @@ struct Close {
 
 constexpr int kRoom = 16;
 
-// What ICU makes of the bytes, ended with a NUL. @return whether it refused some.
+// Converts the bytes by ICU into null-terminated text. Returns true if ICU rejects some of them.
 bool refusedByICU(UConverter* icu, const char* bytes, UChar* text) {
     UErrorCode status = U_ZERO_ERROR;
     ucnv_toUnicode(icu, &text, text + kRoom - 1, &bytes, bytes + 2, nullptr, true, &status);

@@ -23,7 +23,7 @@ extern "C" int i18nFlatFailedFromC(I18NStringHandle string);
 
 namespace {
 
-// What an allocator was asked for.
+// Counts the requests to an allocator.
 struct Requests {
     int blocks, calls, lastSize, limit;
 };
@@ -64,7 +64,7 @@ std::u16string unitsOf(const I18NConverter& converter, const std::string& bytes)
     return units;
 }
 
-// As text, so that a table can hold failures too.
+// Returns the converted bytes in UTF-8, or kFailed, so that a table can contain failures too.
 std::string utf8Of(const I18NConverter& converter, const std::string& bytes) {
     try {
         return bytesOf(I18NConverter("UTF-8"), unitsOf(converter, bytes));
@@ -76,7 +76,7 @@ std::string utf8Of(const I18NConverter& converter, const std::string& bytes) {
 extern "C" {
 void replaceInput(const char* encoding, const char*, int length, wchar_t* codePoints, int* count,
                   I18NErrorCodes*) {
-    // 0xDC00 is no code point, and left out.
+    // 0xDC00 is a lone surrogate, which is dropped.
     for (const int c : {int{*encoding}, 0xDC00, 0x1F600, '0' + length})
         codePoints[(*count)++] = static_cast<wchar_t>(c);
 }
@@ -102,7 +102,7 @@ void overfillOutput(wchar_t, const char*, char* bytes, int* count, I18NErrorCode
 
 enum Origin { kOriginal, kCopied, kAssigned };
 
-// With a policy both ways; the converter that a copy was made of is gone.
+// Returns a converter with a policy for both directions. The original of a copy is destroyed.
 std::unique_ptr<I18NConverter> converterFrom(Origin origin, const char* encoding, int policy) {
     auto first = std::make_unique<I18NConverter>(encoding);
     if (policy == I18N_USER_DEFINED) {
@@ -115,14 +115,14 @@ std::unique_ptr<I18NConverter> converterFrom(Origin origin, const char* encoding
     if (origin == kOriginal) return first;
     if (origin == kCopied) return std::make_unique<I18NConverter>(*first);
     auto second = std::make_unique<I18NConverter>("UTF-16");
-    *second = *second;  // cppcheck-suppress selfAssignment  // must leave it as it is
+    *second = *second;  // cppcheck-suppress selfAssignment  // must not change the converter
     *second = *first;
     return second;
 }
 
 }  // namespace
 
-TEST(I18NConverterTest, PoliciesDecideOnWhatIsNotConvertible) {
+TEST(I18NConverterTest, AppliesThePolicyToUnconvertibleText) {
     const struct {
         const char* encoding;
         std::u16string text;
@@ -158,14 +158,15 @@ TEST(I18NConverterTest, PoliciesDecideOnWhatIsNotConvertible) {
             }
     I18NConverter untouched("us-ascii");
     EXPECT_EQ(I18N_LOOKUP, untouched.getBuiltInUnconvertibleInputSequenceCallback());
-    EXPECT_EQ("a\uFFFDb", utf8Of(untouched, "a\x80\x62")) << "substitutes until a policy is set";
+    EXPECT_EQ("a\uFFFDb", utf8Of(untouched, "a\x80\x62"))
+        << "a converter substitutes until a policy is set";
 }
 
-TEST(I18NConverterTest, UserFunctionsDropFailAndAreCutToTheirLimit) {
+TEST(I18NConverterTest, UserFunctionsMayDropFailOrExceedTheirLimit) {
     const auto converter = converterFrom(kOriginal, "us-ascii", I18N_USER_DEFINED);
     EXPECT_EQ("ab", bytesOf(*converter, u"a\uFFFDb"));
-    EXPECT_EQ(kFailed, bytesOf(*converter, u"a\uFFFEb")) << "an error";
-    EXPECT_EQ(kFailed, bytesOf(*converter, u"a\uFFFCb")) << "an exception";
+    EXPECT_EQ(kFailed, bytesOf(*converter, u"a\uFFFEb")) << "the function returns an error";
+    EXPECT_EQ(kFailed, bytesOf(*converter, u"a\uFFFCb")) << "the function throws";
     for (const int ignored : {-1, 5, INT_MIN}) {
         converter->setBuiltInUnconvertibleInputSequenceCallback(ignored);
         converter->setBuiltInUnconvertibleOutputSequenceCallback(ignored);
@@ -177,13 +178,13 @@ TEST(I18NConverterTest, UserFunctionsDropFailAndAreCutToTheirLimit) {
     converter->setUserDefinedUnconvertibleInputSequenceCallback(overfillInput);
     converter->setUserDefinedUnconvertibleOutputSequenceCallback(overfillOutput);
     EXPECT_EQ(std::string(32, 'x') + "b", bytesOf(*converter, u"\u4E00b"));
-    EXPECT_EQ(kFailed, utf8Of(*converter, "\x80\x62")) << "more than there is room for";
+    EXPECT_EQ(kFailed, utf8Of(*converter, "\x80\x62")) << "the result exceeds the buffer";
     converter->setBuiltInUnconvertibleOutputSequenceCallback(I18N_USER_DEFINED);
     EXPECT_EQ(nullptr, converter->getUserDefinedUnconvertibleOutputSequenceCallback());
-    EXPECT_EQ(kFailed, bytesOf(*converter, u"\u4E00")) << "no function";
+    EXPECT_EQ(kFailed, bytesOf(*converter, u"\u4E00")) << "no function is set";
 }
 
-TEST(I18NConverterTest, FixedBuffersHoldTheTextOrSayThatTheyDoNot) {
+TEST(I18NConverterTest, FixedBuffersReportIfTheyAreTooSmall) {
     constexpr int kFull = I18N_TOO_SMALL;
     const struct {
         const char* encoding;
@@ -199,11 +200,12 @@ TEST(I18NConverterTest, FixedBuffersHoldTheTextOrSayThatTheyDoNot) {
             const std::string bytes = bytesOf(converter, u"ab");
             const auto expect = [size](const std::string& buffer, int code, int error) {
                 EXPECT_EQ(code, error);
-                EXPECT_EQ(std::string::npos, buffer.find_first_not_of('z', 1 + size)) << "beyond";
+                EXPECT_EQ(std::string::npos, buffer.find_first_not_of('z', 1 + size))
+                    << "wrote past the end";
                 EXPECT_TRUE(size < 2 || buffer[buffer.find_last_not_of('z')] == '\0');
             };
             I18NErrorCodes error = I18N_UNEXPECTED;
-            std::string buffer(17, 'z');  // used from an odd address
+            std::string buffer(17, 'z');  // used from its second byte, an odd address
             converter.fromUnicode(&buffer[1], size, u"ab", &error);
             expect(buffer, row.out[size], error);
             buffer.assign(17, 'z');
@@ -216,8 +218,8 @@ TEST(I18NConverterTest, FixedBuffersHoldTheTextOrSayThatTheyDoNot) {
     EXPECT_STREQ("ab", three);
 }
 
-// Everything of a source, in pieces, through a buffer with room for so many bytes and a NUL; both
-// lie at odd addresses.
+// Converts a source in pieces, through a buffer with room for this many bytes and a null. Source
+// and buffer are at odd addresses.
 template <class Convert>
 std::string streamed(const std::string& source, int piece, int room, int nullSize,
                      Convert convert) {
@@ -239,12 +241,12 @@ std::string streamed(const std::string& source, int piece, int room, int nullSiz
     return made;
 }
 
-TEST(I18NConverterTest, WhatIsNotTakenIsSaid) {
+TEST(I18NConverterTest, ReportsUnconsumedInput) {
     char null[1];
     int written = 0, consumed = 0;
     I18NErrorCodes error = I18N_OK;
     I18NConverter("UTF-8").fromUnicodeStream(null, 1, u"abc", 6, &written, &consumed, &error);
-    EXPECT_EQ(I18N_STREAM_FULL, error) << "or a loop would never end";
+    EXPECT_EQ(I18N_STREAM_FULL, error) << "with another code, a caller's loop would never end";
 
     I18NString text(L"\u0416");
     text.append(L'\0').append(L"\u0416");
@@ -252,12 +254,12 @@ TEST(I18NConverterTest, WhatIsNotTakenIsSaid) {
     const char* const bytes = text.c_str(I18NConverter("windows-1251"), &length);
     EXPECT_EQ(std::string("\xC6\0\xC6\0", 4), std::string(bytes, 4));
     EXPECT_EQ(4, length);
-    // Nothing is shared with a copy, which ICU's own clone of this one would do.
+    // A copy shares nothing with the original. A clone by ICU would, for this encoding.
     I18NConverter compound("x11-compound-text");
     EXPECT_EQ("a", bytesOf(I18NConverter(compound), u"a"));
 }
 
-TEST(I18NConverterTest, StreamsInAnyPiecesGiveWhatOneCallGives) {
+TEST(I18NConverterTest, StreamsInPiecesMatchASingleCall) {
     const std::u16string text = u"a\u00E9\u3042\u6F22\U0001F600z\u30A2";
     const std::string units = bytesOf(I18NConverter("UTF-16"), text);
     for (const char* encoding :
@@ -270,14 +272,15 @@ TEST(I18NConverterTest, StreamsInAnyPiecesGiveWhatOneCallGives) {
                 const std::string bytes =
                     streamed(units, piece * 2, room, converter.sizeofLegacyNull(),
                              [&](auto... all) { converter.fromUnicodeStream(all...); });
-                EXPECT_EQ(whole, bytes + bytesOf(converter, u"")) << "the last call ends it";
+                EXPECT_EQ(whole, bytes + bytesOf(converter, u""))
+                    << "the last call returns to the initial shift state";
                 EXPECT_EQ(bytesOf(I18NConverter("UTF-16"), unitsOf(converter, whole)),
                           streamed(whole, piece, room * 2, 2,
                                    [&](auto... all) { converter.toUnicodeStream(all...); }));
             }
 }
 
-TEST(I18NConverterTest, StreamsIntoBlocksKeepWhatAPieceLeaves) {
+TEST(I18NConverterTest, StreamsKeepIncompleteSequencesBetweenPieces) {
     I18NConverter converter("Shift_JIS");
     converter.setBuiltInUnconvertibleInputSequenceCallback(I18N_STOP);
     void* block = nullptr;
@@ -285,21 +288,21 @@ TEST(I18NConverterTest, StreamsIntoBlocksKeepWhatAPieceLeaves) {
     converter.toUnicodeStream(&block, &size, "", 0);
     EXPECT_EQ(nullptr, block);
     converter.toUnicodeStream(&block, &size, "a\x82", 2);
-    EXPECT_EQ(4, size) << "a and a NUL";
+    EXPECT_EQ(4, size) << "'a' and a null character";
     std::free(block);
     EXPECT_EQ(u"\u3042", unitsOf(converter, "\xA0"));
     converter.toUnicodeStream(&block, &size, "\x82", 1);
     std::free(block);
-    EXPECT_EQ(kFailed, utf8Of(converter, "")) << "cut off at the end";
+    EXPECT_EQ(kFailed, utf8Of(converter, "")) << "the sequence is cut off at the end";
     converter.toUnicodeStream(&block, &size, "\x82", 1);
     std::free(block);
     const I18NConverter copy(converter);
     converter.reset();
     EXPECT_EQ("x", utf8Of(converter, "x"));
-    EXPECT_EQ(u"\u3042", unitsOf(copy, "\xA0")) << "a copy has the state";
+    EXPECT_EQ(u"\u3042", unitsOf(copy, "\xA0")) << "a copy takes over the state";
 }
 
-TEST(I18NConverterTest, StreamsCountTheNullTheyAreGiven) {
+TEST(I18NConverterTest, StreamsCountATerminatingNull) {
     const struct {
         const char16_t* text;
         int room, size, written, consumed, code;
@@ -320,7 +323,7 @@ TEST(I18NConverterTest, StreamsCountTheNullTheyAreGiven) {
     }
 }
 
-TEST(I18NConverterTest, BlocksGrowOnceAndByWholeSteps) {
+TEST(I18NConverterTest, BlocksGrowOnceToTheNeededSize) {
     constexpr std::size_t kCount = 100000;
     I18NConverter converter("US-ASCII");
     converter.setBuiltInUnconvertibleOutputSequenceCallback(I18N_ESCAPE);
@@ -362,9 +365,10 @@ TEST(I18NConverterTest, MeasuresTextAndBuffers) {
             << row.encoding << ", " << row.length;
 }
 
-TEST(I18NConverterTest, TellsEncodingsByTheirNames) {
+TEST(I18NConverterTest, RecognizesEncodingsByName) {
     const struct {
-        const char* is;  // 8 UTF-8, i ISO-8859, w windows-1252, 6 UTF-16, 3 UTF-32, b with a mark
+        // 8: UTF-8, i: ISO-8859, w: windows-1252, 6: UTF-16, 3: UTF-32, b: byte-order mark
+        const char* is;
         std::vector<const char*> names;
     } rows[] = {{"8", {nullptr, "", "utf8", "Utf-8", "ascii"}},
                 {"i", {"iso-8859-15", "ISO8859whatever"}},
@@ -390,13 +394,13 @@ TEST(I18NConverterTest, TellsEncodingsByTheirNames) {
     EXPECT_FALSE(I18NConverter::isPlatformDefault(nullptr));
 }
 
-TEST(I18NConverterTest, RefusesEncodingsItDoesNotKnow) {
+TEST(I18NConverterTest, RejectsUnknownEncodings) {
     const std::string text =
         "The specified encoding is not valid: \"" + std::string(60, 'x') + "\".";
     QBL_EXPECT_THROW(I18NConverter(std::string(61, 'x').c_str()), I18NRuntimeError, text.c_str());
 }
 
-TEST(I18NConverterTest, LosesNothingWhenMemoryEnds) {
+TEST(I18NConverterTest, ReportsExhaustedMemory) {
     const std::u16string text(100, u'\u0E01');
     const auto everything = [&text] {
         I18NConverterUTF16 holder;
@@ -410,7 +414,7 @@ TEST(I18NConverterTest, LosesNothingWhenMemoryEnds) {
         I18NErrorCodes error;
         i18nConverterFree(i18nConverterCreate("Shift_JIS", &error), &error);
     };
-    everything();  // ICU keeps what it loads, also a failure to load it
+    everything();  // before the faults, because ICU caches loaded data and failures to load it
     const long failures = fault::eachAllocation([&] {
         try {
             everything();

@@ -1,4 +1,4 @@
-/* Buffers, strings behind handles, memory and start-up, seen by a C compiler. */
+/* Calls the functions for buffers, string handles, memory and start-up from C. */
 #include <string.h>
 
 #include "i18n/cpp/i18n_allocator.h"
@@ -8,7 +8,7 @@
 
 #define CHECK(condition) \
     if (!(condition)) return __LINE__
-/* A call with an error word, which has to become this. */
+/* Checks a call and the code that it stores in the variable error. */
 #define GIVES(code, condition) CHECK((error = 77, condition) && error == (code))
 
 static const unsigned short kSmile[] = {'a', 0xD83D, 0xDE00, 0xD83D, 0};
@@ -92,7 +92,7 @@ static int stringsFailed(I18NStringHandle string) {
     return 0;
 }
 
-/* 0, or the line of the first check that failed. The string receives Japanese text. */
+/* Returns 0, or the line of the first failed check. The string receives Japanese text. */
 int i18nFlatFailedFromC(I18NStringHandle string);
 int i18nFlatFailedFromC(I18NStringHandle string) {
     int failed = buffersFailed();

@@ -19,7 +19,7 @@
 
 namespace {
 
-/// Runs a body in a process whose bin directory has the shipped files.
+/// Runs a body in a child process whose bin directory contains the shipped files.
 int withShippedFiles(const std::function<bool()>& body) {
     return inChild([&] {
         setenv("TAV_EXEC_PATH", QBL_RES_DIR, 1);
@@ -34,7 +34,7 @@ bool isStarted() {
     return loaded;
 }
 
-/// ICU's memory, of which one allocation fails.
+/// Memory functions for ICU, which fail once.
 struct ICUMemory {
     static long s_left;
     static void* take(const void*, std::size_t size) {
@@ -47,8 +47,10 @@ struct ICUMemory {
 };
 long ICUMemory::s_left = 0;
 
-/// For a process that has not used ICU yet.
-/// @return 0 if nothing had to fail, 1 for the error of memory or none, 2 for another.
+/// Runs a body in a child process in which allocation number n of ICU fails. The process must not
+/// have used ICU before.
+/// @return 0 if there were fewer allocations; 1 if the body ended normally or threw
+///     QBLOutOfMemoryError; 2 if it threw another error
 int withoutMemoryOfICU(long n, void (*body)()) {
     return inChild([=] {
         alarm(20);
@@ -67,7 +69,7 @@ int withoutMemoryOfICU(long n, void (*body)()) {
 
 }  // namespace
 
-TEST(I18NInitTest, TheLastStopOfAsManyStopsIt) {
+TEST(I18NInitTest, StopsAtTheLastTerminate) {
     EXPECT_EQ(0, withShippedFiles([] {
                   I18NTerminate();
                   for (int round = 0; round < 2; ++round) {
@@ -83,7 +85,7 @@ TEST(I18NInitTest, TheLastStopOfAsManyStopsIt) {
               }));
 }
 
-TEST(I18NInitTest, AFailedStartIsAsGoodAsNone) {
+TEST(I18NInitTest, FailedStartLeavesItStopped) {
     EXPECT_EQ(0, withShippedFiles([] {
                   const long failed = fault::eachAllocation([] {
                       try {
@@ -100,7 +102,7 @@ TEST(I18NInitTest, AFailedStartIsAsGoodAsNone) {
               }));
 }
 
-TEST(I18NInitTest, StartsAndStopsOfThreadsTakeTurnsWhileOthersConvert) {
+TEST(I18NInitTest, ThreadsStartAndStopWhileOthersConvert) {
     EXPECT_EQ(0, withShippedFiles([] {
                   std::atomic<bool> done{false};
                   Workers users(1, [&done] {
@@ -124,7 +126,7 @@ TEST(I18NInitTest, StartsAndStopsOfThreadsTakeTurnsWhileOthersConvert) {
               }));
 }
 
-TEST(I18NInitTest, WhatICUHasNoMemoryForIsTheErrorOfMemory) {
+TEST(I18NInitTest, ICUOutOfMemoryThrowsOutOfMemoryError) {
     void (*const bodies[])() = {
         [] { I18NLocale(); }, [] { I18NString(L"e\u0301"); },
         [] { I18NConverter::shouldUseBOM("UTF-16"); },

@@ -13,7 +13,7 @@ namespace {
 
 const char kFile[] = "/usr/share/unicode/NormalizationTest.txt.bz2";
 
-/// The text of the file; empty when there is none, or nothing that unpacks it.
+/// Returns the text of the file; empty if the file or bzip2 is missing.
 std::string conformanceFile() {
     const std::string command = std::string("bzip2 -dc ") + kFile + " 2>/dev/null";
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(popen(command.c_str(), "r"), pclose);
@@ -39,7 +39,7 @@ std::u16string normalized(const std::u16string& text, I18NNormalizationForms for
     return string.normalize(form).toUtf16();
 }
 
-/// Reads "1E0A 0323;" as text; empty at the end of a line's columns.
+/// Reads a column such as "1E0A 0323;" as text; empty after the last column of the line.
 std::u16string column(std::istream& line) {
     std::string codes;
     std::getline(line, codes, ';');
@@ -64,10 +64,10 @@ void expectForms(const std::u16string (&columns)[5]) {
 
 }  // namespace
 
-TEST(I18NStringTest, NormalizesAsTheUnicodeCharacterDatabaseSays) {
+TEST(I18NStringTest, PassesTheUnicodeNormalizationTest) {
     std::istringstream file(conformanceFile());
     std::string line;
-    if (!std::getline(file, line)) GTEST_SKIP() << kFile << " is not there: ./dev setup test";
+    if (!std::getline(file, line)) GTEST_SKIP() << kFile << " not found: run ./dev setup test";
     if (line.find(std::string("-") + U_UNICODE_VERSION + ".") == std::string::npos)
         GTEST_SKIP() << line << " is not for ICU's Unicode " << U_UNICODE_VERSION;
     std::set<wchar_t> listed;
@@ -84,7 +84,7 @@ TEST(I18NStringTest, NormalizesAsTheUnicodeCharacterDatabaseSays) {
         expectForms(columns);
     }
     EXPECT_GT(rows, 18000);
-    // Every other character is what it is in all forms; a line end between them combines with none.
+    // All other characters are unchanged in every form. Line ends keep them from combining.
     constexpr wchar_t kBlock = 0x1000;
     for (wchar_t block = 0; block < 0x110000; block += kSanitizer ? 16 * kBlock : kBlock) {
         std::wstring text;

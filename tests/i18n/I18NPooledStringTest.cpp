@@ -26,7 +26,7 @@ namespace {
 
 using Pool = I18NPooledString::I18NPooledStringPool;
 
-/// The pool, with nothing in it.
+/// Purges the pool, expects it to be empty, and returns it.
 Pool& emptyPool() {
     I18NPooledString::purge();
     EXPECT_EQ(0, I18NPooledString::getPool().count());
@@ -67,8 +67,8 @@ TEST(I18NPooledStringTest, HashesTheBytesSignExtended) {
 TEST(I18NPooledStringTest, DumpsByBucketsAndPurgesWhatNobodyHolds) {
     Pool& pool = emptyPool();
     const I18NPooledString a("a"), again("a"), empty("");
-    const I18NString& unheld = pool.getString("0H");  // of the bucket that "a" is in
-    I18NPooledString third("1\"");                    // and so is this
+    const I18NString& unheld = pool.getString("0H");  // in the same bucket as "a"
+    I18NPooledString third("1\"");                    // in the same bucket too
     EXPECT_EQ(97U, Pool::hashOf("1\"") % 257);
     EXPECT_EQ(4, pool.count());
     EXPECT_EQ(5, pool.getTotalRefCount());
@@ -95,7 +95,7 @@ TEST(I18NPooledStringTest, DumpsByBucketsAndPurgesWhatNobodyHolds) {
     EXPECT_NE(std::string::npos, dumped().find("refCount->          3 data-> a\n====="));
 }
 
-TEST(I18NPooledStringTest, FindsTextsWhateverTheirFormAndRefusesForeignStrings) {
+TEST(I18NPooledStringTest, FindsTextsInAnyFormAndRejectsForeignStrings) {
     Pool& pool = emptyPool();
     const std::string ascii(100, 'x');
     for (const char* text : {"e\xCC\x81", "\xC3\xA9", "\xFF", ascii.c_str()}) {
@@ -130,7 +130,7 @@ TEST(I18NPooledStringTest, PurgesAtTheIntervalsOfTheSettingsFile) {
     const std::string before = std::filesystem::current_path();
     ASSERT_EQ(0, chdir(tree.root()));
     I18NPooledString::initialize();
-    I18NPooledString::terminate();  // the settings are to be read anew
+    I18NPooledString::terminate();  // makes the pool read the settings again
     tree.file("I18NPooledString.conf", std::string(70, 'k') + " 5\ninterval\t10 dumpToFile " +
                                            "9999999999 interval x interval");
     I18NPooledStringCustodian task(fakeTime);
@@ -144,9 +144,9 @@ TEST(I18NPooledStringTest, PurgesAtTheIntervalsOfTheSettingsFile) {
     getrlimit(RLIMIT_NOFILE, &files);
     const rlimit none = {0, files.rlim_max};
     setrlimit(RLIMIT_NOFILE, &none);
-    EXPECT_FALSE(purges(999)) << "without the settings yet";
+    EXPECT_FALSE(purges(999)) << "the settings cannot be read";
     setrlimit(RLIMIT_NOFILE, &files);
-    EXPECT_FALSE(purges(1000)) << "the first pass only reads";
+    EXPECT_FALSE(purges(1000)) << "the first pass only reads the settings";
     EXPECT_FALSE(purges(1010));
     EXPECT_FALSE(purges(1011, 1));
     EXPECT_TRUE(purges(1011));
@@ -157,7 +157,8 @@ TEST(I18NPooledStringTest, PurgesAtTheIntervalsOfTheSettingsFile) {
     ASSERT_EQ(0, stat(dump.c_str(), &about));
     EXPECT_EQ(0600U, about.st_mode & 0777);
     const std::string both = tree.text(dump);
-    EXPECT_NE(both.find("begin summary"), both.rfind("begin summary")) << "appended";
+    EXPECT_NE(both.find("begin summary"), both.rfind("begin summary"))
+        << "the second dump is appended";
     ASSERT_EQ(0, unlink(dump.c_str()));
     I18NPooledString::initialize();
     I18NPooledString::terminate();
@@ -168,8 +169,8 @@ TEST(I18NPooledStringTest, PurgesAtTheIntervalsOfTheSettingsFile) {
     ASSERT_EQ(0, chdir(before.c_str()));
 }
 
-TEST(I18NPooledStringTest, DumpsForItsOwnUserIntoItsOwnFile) {
-    if (geteuid() != 0) GTEST_SKIP() << "makes files of others";
+TEST(I18NPooledStringTest, DumpsOnlyIntoAFileOfItsOwnUser) {
+    if (geteuid() != 0) GTEST_SKIP() << "only root can create files of other users";
     const TempTree tree;
     const std::string dump = "I18NPooledStringDump" + std::to_string(getpid()) + ".log";
     const std::string before = std::filesystem::current_path();
@@ -202,13 +203,13 @@ TEST(I18NPooledStringTest, DumpsForItsOwnUserIntoItsOwnFile) {
         };
     };
     EXPECT_TRUE(dumps(0664, 0, nothing));
-    EXPECT_FALSE(dumps(0666, 0, nothing)) << "everybody could have asked for it";
+    EXPECT_FALSE(dumps(0666, 0, nothing)) << "any user could have written the settings";
     EXPECT_FALSE(dumps(0644, 1, nothing));
     EXPECT_TRUE(dumps(0600, 0, have(0600, 0)));
     EXPECT_TRUE(dumps(0600, 0, [&] {
         have(0600, 0)();
         EXPECT_EQ(0, truncate64(dump.c_str(), 0x90000000));
-    })) << "after 2 GiB";
+    })) << "appends to a file over 2 GiB";
     EXPECT_FALSE(dumps(0600, 0, have(0644, 0)));
     EXPECT_FALSE(dumps(0600, 0, have(0600, 1)));
     EXPECT_FALSE(dumps(0600, 0, [&] {
@@ -235,23 +236,23 @@ TEST(I18NPooledStringTest, ASurplusReleaseSpoilsNothing) {
         I18NPooledString from(text.c_str()), to("held before");
         to = std::move(from);
         I18NPooledString::purge();
-        EXPECT_EQ(1, pool.count()) << "moving lets go of what was held";
+        EXPECT_EQ(1, pool.count()) << "a move releases the text held before";
         to = from = I18NPooledString();
         pool.releaseString(again.getString());
         pool.purge();
     }
 }
 
-TEST(I18NPooledStringTest, IsPurgedByWhicheverCustodianRuns) {
+TEST(I18NPooledStringTest, IsPurgedAfterTheCustodianRestarts) {
     const TempTree tree;
     Pool& pool = emptyPool();
     const std::string before = std::filesystem::current_path();
     ASSERT_EQ(0, chdir(tree.root()));
     tree.file("I18NPooledString.conf", "interval 0");
     I18NPooledString::initialize();
-    I18NPooledString::terminate();  // forgets what another test has read
+    I18NPooledString::terminate();  // forgets the settings that another test has read
     const unsigned long schedule = QBLCustodian::setSchedule(5);
-    EXPECT_FALSE(I18NPooledString::initialize()) << "nobody purges";
+    EXPECT_FALSE(I18NPooledString::initialize()) << "there is no custodian";
     ASSERT_EQ(0, qblCoreInitialize());
     ASSERT_EQ(0, qblCoreTerminate());
     ASSERT_EQ(0, qblCoreInitialize());
@@ -267,7 +268,7 @@ TEST(I18NPooledStringTest, IsPurgedByWhicheverCustodianRuns) {
 TEST(I18NPooledStringTest, HoldersOutliveTheLibrary) {
     Pool& pool = emptyPool();
     ASSERT_EQ(0, qblCoreInitialize());
-    EXPECT_TRUE(I18NPooledString::initialize()) << "the custodian is there by then";
+    EXPECT_TRUE(I18NPooledString::initialize()) << "the custodian is running";
     I18NPooledString::terminate();
     I18NPooledString kept("kept"), copy;
     const I18NString& got = pool.getString("kept");

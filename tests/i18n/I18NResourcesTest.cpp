@@ -22,12 +22,12 @@ namespace {
 
 I18NInternalResources& resources() { return I18NInternalResources::getInternalResources(); }
 
-/// Works in a directory of its own, with a resource file there.
+/// Runs each test in its own directory, with a resource file there.
 class I18NResourcesTest : public testing::Test {
 protected:
     I18NResourcesTest() : m_before(std::filesystem::current_path()) {
         std::filesystem::current_path(m_tree.root());
-        // The name can be changed once; the second test of a process finds it changed.
+        // The name can be changed only once per process. Later tests find it changed already.
         I18NInternalResources::__changeResourceFileName("./res.xml");
     }
     ~I18NResourcesTest() override {
@@ -81,7 +81,7 @@ void expectTheSameInStrings(const I18NLocale& locale, const char16_t* symbol, co
     EXPECT_TRUE(resources().getLocaleDescription(I18NLocale("de_DE"), locale, text));
     EXPECT_EQ(german, text.toUtf16());
     EXPECT_FALSE(resources().getTimeZoneDescription("none", locale, text));
-    EXPECT_EQ(german, text.toUtf16()) << "as it was";
+    EXPECT_EQ(german, text.toUtf16()) << "the text is unchanged";
     resources().getCurrencyDescription("???", locale, text);
     resources().getNoDescriptionWord(locale, word);
     EXPECT_EQ(word, text);
@@ -92,7 +92,7 @@ void expectTheSameInStrings(const I18NLocale& locale, const char16_t* symbol, co
 
 }  // namespace
 
-TEST_F(I18NResourcesTest, TheBinDirectoryIsTheFirstThatSomethingNames) {
+TEST_F(I18NResourcesTest, TakesTheBinDirectoryFromTheFirstSetSource) {
     const std::string lib = m_tree.dir("lib");
     m_tree.dir("none");
     m_tree.dir("configuration");
@@ -141,7 +141,7 @@ TEST_F(I18NResourcesTest, TheBinDirectoryIsTheFirstThatSomethingNames) {
     }
 }
 
-TEST_F(I18NResourcesTest, TheResourceFileIsInTheBinDirectory) {
+TEST_F(I18NResourcesTest, ReadsTheResourceFileFromTheBinDirectory) {
     m_tree.dir("bin");
     m_tree.file("bin/res.xml", "<allowNegativeZero value=\"true\"/>\n");
     EXPECT_EQ(0, inChild([&] {
@@ -151,10 +151,10 @@ TEST_F(I18NResourcesTest, TheResourceFileIsInTheBinDirectory) {
                   return resources().isAllowNegativeZero() ? 0 : 1;
               }));
     resources().loadSequenceTable();
-    EXPECT_FALSE(resources().isAllowNegativeZero()) << "there is none in the working directory";
+    EXPECT_FALSE(resources().isAllowNegativeZero()) << "the working directory has no such file";
 }
 
-TEST_F(I18NResourcesTest, SettingsAreTakenAsFarAsTheyMakeSense) {
+TEST_F(I18NResourcesTest, IgnoresInvalidSettings) {
     struct Row {
         std::string text;
         float bytes;
@@ -191,10 +191,10 @@ TEST_F(I18NResourcesTest, SettingsAreTakenAsFarAsTheyMakeSense) {
     std::filesystem::remove(m_tree("res.xml"));
     resources().setAllowNegativeZero(true);
     resources().loadSequenceTable();
-    EXPECT_TRUE(resources().isAllowNegativeZero()) << "a file that is not there changes nothing";
+    EXPECT_TRUE(resources().isAllowNegativeZero()) << "a missing file changes nothing";
 }
 
-TEST_F(I18NResourcesTest, ReplacementsAreFoundInBothDirections) {
+TEST_F(I18NResourcesTest, FindsReplacementsInBothDirections) {
     load(R"(<input>
 <encoding name="Shift_JIS; US-ASCII;no-such-encoding">
 <sequence value="0x81;0x60">
@@ -232,20 +232,20 @@ TEST_F(I18NResourcesTest, ReplacementsAreFoundInBothDirections) {
 <replacement value="0x45"/>
 )");
     EXPECT_EQ("65374 0", inputOf("ibm-943_P15A-2003", "\x81\x60"));
-    EXPECT_EQ("65374 0", inputOf("ascii", "\x81\x60")) << "by any name of the encoding";
+    EXPECT_EQ("65374 0", inputOf("ascii", "\x81\x60")) << "found by an alias of the encoding";
     EXPECT_EQ("none 65535 0", inputOf("ascii", "\x81"));
     EXPECT_EQ("none 65535 0", inputOf("ascii", "\x80"));
     EXPECT_EQ("none 65535 -3", inputOf("no-such-encoding", "\x81\x60"));
     EXPECT_EQ("none 65535 -10", inputOf(nullptr, "\x81\x60"));
     EXPECT_EQ("--", outputOf("cp1252", 0x2212));
-    EXPECT_EQ("", outputOf("cp1252", 0x1F600)) << "dropped";
+    EXPECT_EQ("", outputOf("cp1252", 0x1F600)) << "the replacement is empty";
     for (const wchar_t none : {0x41, 0x42, 0x43, 0x44, 0xFF5E})
         EXPECT_EQ("none 0 0", outputOf("cp1252", none)) << none;
     load("<input/>");
-    EXPECT_EQ("none 65535 0", inputOf("ascii", "\x81\x60")) << "a new file has all that counts";
+    EXPECT_EQ("none 65535 0", inputOf("ascii", "\x81\x60")) << "a new file replaces all settings";
 }
 
-TEST_F(I18NResourcesTest, CharactersAreExemptAndSubstituted) {
+TEST_F(I18NResourcesTest, ExemptsAndSubstitutesCharacters) {
     load(
         "<nonNormalizableCharacters value=\"0xFA10; 0x2F800;;x\"/>\n"
         "<ja_substitution from=\"0x301C\" to=\"0xFF5E\"/>\n"
@@ -256,14 +256,15 @@ TEST_F(I18NResourcesTest, CharactersAreExemptAndSubstituted) {
     EXPECT_FALSE(resources().isNonNormalizable(u"ab\uFA11\xD87E"));
     EXPECT_TRUE(resources().isNonNormalizable(L"\U0002F800"));
     EXPECT_FALSE(resources().isNonNormalizable(L"ab"));
-    // One exempt character anywhere keeps a text as it is given, in one piece or in many.
+    // An exempt character anywhere keeps the whole text unchanged, in one piece or in several.
     const wchar_t* const parts[] = {L"\uFA10 abc", L" \u00E0", L"e", L"\u0301", L"\u0323"};
     I18NString pieces;
     std::wstring all;
     for (const wchar_t* const part : parts) pieces += part, all += part;
     EXPECT_EQ(std::u16string(all.begin(), all.end()), pieces.toUtf16());
     EXPECT_EQ(pieces, I18NString(all.c_str()));
-    EXPECT_EQ(I18NString(all.substr(1).c_str()), pieces.erase(0, 1)) << "and none is left";
+    EXPECT_EQ(I18NString(all.substr(1).c_str()), pieces.erase(0, 1))
+        << "without the exempt character, it is normalised";
     std::u16string text = u"A\u301C\U00020BB7B\u301C\xD842";
     EXPECT_TRUE(resources().substituteJa(text));
     EXPECT_EQ(u"A\uFF5E\u5409B\uFF5E\xD842", text);
@@ -274,14 +275,14 @@ TEST_F(I18NResourcesTest, CharactersAreExemptAndSubstituted) {
     const I18NConverter converter("Shift_JIS");
     I18NString japanese("\x82\xA0", converter);
     japanese += L"e\u0301";
-    EXPECT_EQ(u"\u3044\u00E9", japanese.toUtf16()) << "in all of the text";
+    EXPECT_EQ(u"\u3044\u00E9", japanese.toUtf16()) << "substituted in the whole text";
     japanese = I18NString("\x82\xA0", converter);
     japanese += L"\uFA10";
-    EXPECT_EQ(u"\u3044\uFA10", japanese.toUtf16()) << "although it is not normalised";
+    EXPECT_EQ(u"\u3044\uFA10", japanese.toUtf16()) << "substituted although it is not normalised";
     EXPECT_EQ(u"\u00C5\u3044", I18NString("\x81\xF0\x82\xA0", converter).toUtf16());
 }
 
-TEST_F(I18NResourcesTest, EntitiesAndURLsAreWhatTheTransliteratorsMakeOfThem) {
+TEST_F(I18NResourcesTest, EntitiesAndURLsMatchTheTransliterators) {
     const std::u16string entities =
         u"&amp;lt; &&lt;&gt;&amp;&apos;&quot; &LT; &#60; &lt &amp;amp; &quo &";
     std::u16string text = entities;
@@ -292,7 +293,7 @@ TEST_F(I18NResourcesTest, EntitiesAndURLsAreWhatTheTransliteratorsMakeOfThem) {
     plain = L"e\u0301&gt;";
     for (I18NString* each : {&string, &plain}) I18NInternalResources::transliterate(*each);
     EXPECT_EQ(u"\u00E9>", string.toUtf16());
-    EXPECT_EQ(u"e\u0301>", plain.toUtf16()) << "left as it is where that is asked for";
+    EXPECT_EQ(u"e\u0301>", plain.toUtf16()) << "not normalised, because that is switched off";
     EXPECT_EQ(u"\u00E9%3E", I18NInternalResources::urlEncode(string).toUtf16());
     EXPECT_EQ(text, transliterated(resources().getTransliterator(), entities));
 
@@ -308,7 +309,7 @@ TEST_F(I18NResourcesTest, EntitiesAndURLsAreWhatTheTransliteratorsMakeOfThem) {
     EXPECT_EQ(resources().getURLEncodeTranslit(), resources().getURLEncodeTranslit());
 }
 
-TEST_F(I18NResourcesTest, TheMostSpecialFileOfALocaleCounts) {
+TEST_F(I18NResourcesTest, ReadsTheMostSpecificFileOfALocale) {
     const auto words = [this](const char* name, const char* word) {
         m_tree.file(std::string("qbli18nreswd_") + name + ".xml",
                     std::string("<noDescription value=\"") + word + "\"/>");
@@ -330,7 +331,7 @@ TEST_F(I18NResourcesTest, TheMostSpecialFileOfALocaleCounts) {
     EXPECT_EQ(u"bad \uFFFD byte", word("fr_FR_EURO"));
     EXPECT_EQ(u"<none>", word("../../fr"));
     words("fr", "later");
-    EXPECT_EQ(u"aucune", word("fr_BE")) << "read once";
+    EXPECT_EQ(u"aucune", word("fr_BE")) << "the file is read only once";
 
     words("it", "niente");
     rlimit before = {};
@@ -339,7 +340,7 @@ TEST_F(I18NResourcesTest, TheMostSpecialFileOfALocaleCounts) {
     setrlimit(RLIMIT_NOFILE, &none);
     EXPECT_EQ(u"No description", word("it_IT"));
     setrlimit(RLIMIT_NOFILE, &before);
-    EXPECT_EQ(u"niente", word("it_IT")) << "it was not looked for in vain for ever";
+    EXPECT_EQ(u"niente", word("it_IT")) << "a failed search is repeated later";
     EXPECT_EQ(0, inChild([&] {
                   words("it_CH", "not for us");
                   std::filesystem::permissions(m_tree.root(), std::filesystem::perms(0755));
@@ -370,7 +371,7 @@ TEST_F(I18NResourcesTest, TheMostSpecialFileOfALocaleCounts) {
     EXPECT_FALSE(I18NInternalResources::readLine(same.get()));
 }
 
-TEST_F(I18NResourcesTest, MapsThatCannotBeFilledSaySo) {
+TEST_F(I18NResourcesTest, ThrowsIfAMapCannotBeFilled) {
     const I18NLocale en("en");
     std::string out;
     std::u16string symbol;
@@ -391,7 +392,7 @@ TEST_F(I18NResourcesTest, MapsThatCannotBeFilledSaySo) {
     EXPECT_TRUE(resources().getSymbolForISOCode("EUR", en, symbol));
     EXPECT_EQ(-1, resources().getNumbDecimPlacesForCurrency("EUR"));
     EXPECT_EQ(2, resources().getNumbDecimPlacesForCurrency("USD"));
-    EXPECT_FALSE(resources().isISOCurrencyCodeValid("USD")) << "it has no symbol";
+    EXPECT_FALSE(resources().isISOCurrencyCodeValid("USD")) << "USD has no symbol";
 }
 
 TEST_F(I18NResourcesTest, LocalesHaveSettingsAndEncodings) {
@@ -446,7 +447,7 @@ TEST_F(I18NResourcesTest, LocalesHaveSettingsAndEncodings) {
     EXPECT_EQ(L',', separator);
 }
 
-TEST_F(I18NResourcesTest, TheShippedFilesAreRead) {
+TEST_F(I18NResourcesTest, ReadsTheShippedFiles) {
     std::filesystem::copy_file(QBL_RES_DIR "/i18n_res.xml", m_tree("res.xml"));
     resources().loadSequenceTable();
     EXPECT_EQ("\x81\x60", outputOf("Shift_JIS", 0x301C));
@@ -523,7 +524,7 @@ TEST_F(I18NResourcesTest, TheShippedFilesAreRead) {
     EXPECT_EQ(nullptr, I18NInternalResources::getFallbackTimeZoneID(1));
 }
 
-TEST_F(I18NResourcesTest, DamagedFilesAreReadAsFarAsTheyGo) {
+TEST_F(I18NResourcesTest, ReadsDamagedFilesAsFarAsPossible) {
     std::filesystem::copy_file(QBL_RES_DIR "/i18n_res.xml", m_tree("res.xml"));
     const std::string whole = m_tree.text("res.xml");
     for (std::size_t seed = 1; seed < 100; ++seed) {
@@ -539,7 +540,7 @@ TEST_F(I18NResourcesTest, DamagedFilesAreReadAsFarAsTheyGo) {
     }
 }
 
-TEST_F(I18NResourcesTest, ThreadsMayBeTheFirstToAskAtOnce) {
+TEST_F(I18NResourcesTest, ServesConcurrentFirstCalls) {
     std::filesystem::current_path(QBL_RES_DIR);
     Gate gate;
     std::atomic<int> right{0};
@@ -560,7 +561,7 @@ TEST_F(I18NResourcesTest, ThreadsMayBeTheFirstToAskAtOnce) {
     EXPECT_EQ(8, right);
 }
 
-TEST_F(I18NResourcesTest, ExhaustedMemoryLeavesNothingHalfDone) {
+TEST_F(I18NResourcesTest, ExhaustedMemoryLeavesNoPartialTables) {
     const std::string text =
         "<input>\n<encoding name=\"ascii\">\n<sequence value=\"0x80\">\n"
         "<replacement value=\"0x20AC\"/>\n<locale name=\"de_DE\">\n";

@@ -26,7 +26,7 @@ bool isASCII(const std::u16string& text) {
     return std::all_of(text.begin(), text.end(), [](char16_t c) { return c < 0x80; });
 }
 
-/// Another one each time, unless QBL_TEST_SEED says which.
+/// Returns the value of QBL_TEST_SEED, or a random seed if it is not set.
 unsigned seedOfThisRun() {
     const char* const wanted = std::getenv("QBL_TEST_SEED");
     const unsigned seed = wanted != nullptr
@@ -36,7 +36,7 @@ unsigned seedOfThisRun() {
     return seed;
 }
 
-/// A resource file to load, in the working directory meanwhile.
+/// A resource file in a temporary working directory.
 class Resources {
 public:
     explicit Resources(const char* text) : m_before(std::filesystem::current_path()) {
@@ -55,7 +55,7 @@ private:
     const TempTree m_tree;
 };
 
-/// What a string should hold, and how.
+/// The expected content and state of a string.
 struct Model {
     std::u16string units;
     bool ascii = true;
@@ -67,7 +67,7 @@ struct Model {
         return std::any_of(exempt.begin(), exempt.end(),
                            [&](char32_t c) { return text.indexOf(static_cast<UChar32>(c)) >= 0; });
     }
-    /// After a change by which a piece came in.
+    /// Updates the model after a piece was added to the units.
     void changed(const std::u16string& piece) {
         ascii = ascii && isASCII(piece);
         if (!normalizes || isExempt()) return;
@@ -77,7 +77,7 @@ struct Model {
             icu::Normalizer2::getNFCInstance(status)->normalize(text, status);
         units.assign(result.getBuffer(), static_cast<std::size_t>(result.length()));
     }
-    /// The offset, or the one before it in a surrogate pair.
+    /// Returns the offset, or the offset before it if it is within a surrogate pair.
     std::size_t atCodePoint(std::size_t i) const {
         const bool within = i > 0 && i < units.size() && (units[i] & 0xFC00) == 0xDC00 &&
                             (units[i - 1] & 0xFC00) == 0xD800;
@@ -85,7 +85,7 @@ struct Model {
     }
 };
 
-/// Compares everything that can be seen of a string, and its conversions twice.
+/// Compares all visible properties of a string with the model, and its conversions twice.
 void expectSame(const Model& model, I18NString& text) {
     std::string utf8;
     icuOf(model.units).toUTF8String(utf8);
@@ -111,7 +111,7 @@ void expectSame(const Model& model, I18NString& text) {
     ASSERT_EQ(wide, text.c_str("UTF-16"));
 }
 
-/// One random edit of both.
+/// Applies a random edit to the model and the string.
 void edit(std::minstd_rand& random, const std::u16string& piece, Model& model, I18NString& text) {
     const std::u16string before = model.units;
     const std::size_t at = model.atCodePoint(random() % (before.size() + 1));
@@ -169,7 +169,7 @@ void edit(std::minstd_rand& random, const std::u16string& piece, Model& model, I
 
 TEST(I18NStringTest, FollowsAModelThroughRandomEdits) {
     std::minstd_rand random(seedOfThisRun());
-    // The ASCII ones first.
+    // The ASCII pieces come first, because some rounds use only these.
     const std::u16string pieces[] = {u"",
                                      u"a",
                                      u"bcd",

@@ -16,7 +16,7 @@
 
 namespace {
 
-/// Counts the blocks that are out; fails the n-th call if asked to.
+/// Counts the allocated blocks. Fails the call number failAt.
 struct Arena {
     int blocks = 0, calls = 0, failAt = -1;
 
@@ -54,10 +54,10 @@ TEST(I18NStringTest, TakesMemoryFromItsAllocatorOnlyBeyond32Characters) {
             I18NString grown(&Arena::allocate, &arena);
             for (int i = 0; i < length; ++i) grown += L'x';
             I18NString moved(std::move(copy));
-            EXPECT_TRUE(copy.empty());  // NOLINT(bugprone-use-after-move): what a move leaves
+            EXPECT_TRUE(copy.empty());  // NOLINT(bugprone-use-after-move): a moved string is empty
             EXPECT_TRUE(made == text.c_str() && counted == made && grown == made && moved == made);
             EXPECT_EQ(length > 32 ? 4 : 0, arena.blocks) << length;
-            EXPECT_EQ(made.c_str(), made.c_str("windows-1252")) << "the stored bytes";
+            EXPECT_EQ(made.c_str(), made.c_str("windows-1252")) << "both return the stored bytes";
             made += L'\u00E9';
             EXPECT_FALSE(made.isUsingAsciiBuffer());
             EXPECT_EQ(text + "\u00E9", made.c_str());
@@ -95,7 +95,7 @@ TEST(I18NStringTest, RoundTripsEveryScalarValue) {
         const icu::UnicodeString one(static_cast<UChar32>(c));
         expected.append(one.getBuffer(), static_cast<std::size_t>(one.length()));
     }
-    // Without normalisation, piece by piece.
+    // Converts without normalisation, piece by piece.
     for (std::size_t at = 0; at < expected.size(); at += 5000) {
         const std::u16string piece = expected.substr(at, 5000);
         std::string bytes;
@@ -103,7 +103,7 @@ TEST(I18NStringTest, RoundTripsEveryScalarValue) {
         I18NString text;
         text.useNormalization(false);
         text = bytes.c_str();
-        // A piece may begin or end with half a pair, which is U+FFFD in UTF-8.
+        // A piece may begin or end with a lone surrogate, which becomes U+FFFD in UTF-8.
         if (bytes.find("\xEF\xBF\xBD") == std::string::npos) {
             ASSERT_EQ(piece, text.toUtf16()) << at;
         }
@@ -129,13 +129,14 @@ TEST(I18NStringTest, NormalizesUnlessItIsSwitchedOff) {
     EXPECT_TRUE(kept.isNormalized());
     kept += "o\u0302";
     kept = I18NString("u") + "x";
-    EXPECT_EQ(3, (kept = "ue\u0301").nUnits()) << "moving into it leaves the switch";
-    EXPECT_EQ(u"u\u00E9", (text = kept).toUtf16()) << "a switched-off text is nobody's form C";
+    EXPECT_EQ(3, (kept = "ue\u0301").nUnits()) << "a move assignment keeps the switch";
+    EXPECT_EQ(u"u\u00E9", (text = kept).toUtf16()) << "a copy assignment normalises";
     text.normalize(I18N_NFD);
-    EXPECT_EQ(text, I18NString(text)) << "a copy has the form that was asked for";
+    EXPECT_EQ(text, I18NString(text)) << "a copy keeps the requested form";
     I18NString halves(L"\xDD5E");
     halves.insert(0, L'\xD834');
-    EXPECT_EQ(u"\U0001D157\U0001D165", halves.toUtf16()) << "together they are a character";
+    EXPECT_EQ(u"\U0001D157\U0001D165", halves.toUtf16())
+        << "the two surrogates become a pair, which is decomposed";
 }
 
 TEST(I18NStringTest, ConversionsCallTheCallersCodeWithoutALock) {
@@ -147,10 +148,10 @@ TEST(I18NStringTest, ConversionsCallTheCallersCodeWithoutALock) {
     const char* const before = text.c_str("UTF-16", nullptr, nested, &text);
     EXPECT_EQ(before, text.c_str("UTF-16"));
     text = L"\u4E2E";
-    EXPECT_NE(before, text.c_str("UTF-16")) << "what tells a change";
+    EXPECT_NE(before, text.c_str("UTF-16")) << "a new pointer shows the change";
 }
 
-TEST(I18NStringTest, NoBytesAreAnEmptyText) {
+TEST(I18NStringTest, NullBytesGiveAnEmptyText) {
     for (const char* encoding : {static_cast<const char*>(nullptr), "UTF-16", "UTF-32", "latin1"})
         for (const int length : {-1, 0, 64})
             EXPECT_TRUE(I18NString(nullptr, encoding, length).empty()) << length;
@@ -177,7 +178,7 @@ TEST(I18NStringTest, ConvertsOneConstantStringOnManyThreads) {
     EXPECT_EQ(utf8[0] + "!", changing.c_str());
 }
 
-TEST(I18NStringTest, GoesThroughConvertersBothWays) {
+TEST(I18NStringTest, ConvertsByConvertersInBothDirections) {
     I18NConverter latin("ISO-8859-1");
     const I18NString text("Stra\u00DFe \u4E2D");
     latin.setBuiltInUnconvertibleOutputSequenceCallback(I18N_ESCAPE);
@@ -191,7 +192,7 @@ TEST(I18NStringTest, GoesThroughConvertersBothWays) {
     I18NString changed("old");
     latin.toUnicode(changed, "\xE9t\xE9", -1);
     EXPECT_EQ("\u00E9t\u00E9", changed.toUtf8());
-    EXPECT_TRUE(I18NString("\xDF", "ibm-943").empty()) << "before the layer is initialised";
+    EXPECT_TRUE(I18NString("\xDF", "ibm-943").empty()) << "the layer is not initialised";
     char* block = nullptr;
     int size = 0;
     latin.fromUnicode(&block, &size, changed);
@@ -220,7 +221,8 @@ TEST(I18NStringTest, ReadsOtherEncodingsOnceTheLayerIsInitialised) {
     EXPECT_EQ("\u044F", I18NString("\xFF", "windows-1251").toUtf8());
     const I18NString cyrillic("\u044F");
     EXPECT_STREQ("\xFF", cyrillic.c_str("windows-1251"));
-    EXPECT_EQ(cyrillic.c_str("WINDOWS 12-51"), cyrillic.c_str("cp1251")) << "kept twice at most";
+    EXPECT_EQ(cyrillic.c_str("WINDOWS 12-51"), cyrillic.c_str("cp1251"))
+        << "aliases share a conversion";
     EXPECT_EQ(cyrillic.c_str(), cyrillic.c_str("utf-8"));
     EXPECT_FALSE(I18NString("abc", "windows-1251").isUsingAsciiBuffer());
     QBL_EXPECT_THROW(I18NString("x", "no such one"), I18NRuntimeError,
@@ -239,7 +241,7 @@ TEST(I18NStringTest, CountsAndComparesInCodeUnitsInBothModes) {
         EXPECT_EQ(0, abc.displaySize());
         EXPECT_TRUE(abc < abd && abd > abc && abc <= abc && abc != abd && abc >= abc);
         EXPECT_TRUE(abc == "abc" && "abd" != abc && empty == nullptr);
-        EXPECT_EQ(empty, "");  // NOLINT(readability-container-size-empty): this very comparison
+        EXPECT_EQ(empty, "");  // NOLINT(readability-container-size-empty): tests operator==
         EXPECT_LT(abc, I18NString(L"abc\u00E9"));
         std::unordered_map<I18NString, int> map{{abc, 1}};
         force.reset();
@@ -338,7 +340,7 @@ TEST(I18NStringTest, MatchesLikePatterns) {
     I18NString::deletePatternCode(code);
 }
 
-TEST(I18NStringTest, UsesACallersBufferAsFarAsItGoes) {
+TEST(I18NStringTest, UsesACallersBufferUpToItsSize) {
     char16_t buffer[8] = u"ab";
     {
         I18NString text;
@@ -347,13 +349,14 @@ TEST(I18NStringTest, UsesACallersBufferAsFarAsItGoes) {
         EXPECT_EQ(std::u16string(u"abc\u00E9"), buffer);
         QBL_EXPECT_THROW(text += L"12345678", I18NRuntimeError,
                          "Cannot resize a static external buffer.");
-        EXPECT_EQ("abc\u00E9", text.toUtf8()) << "as it was";
+        EXPECT_EQ("abc\u00E9", text.toUtf8()) << "the text is unchanged";
         QBL_EXPECT_THROW(text = L"\u0958\u0958\u0958\u0958", I18NRuntimeError,
                          "Cannot resize a static external buffer.");
-        EXPECT_EQ("abc\u00E9", text.toUtf8()) << "when only its form C does not fit";
+        EXPECT_EQ("abc\u00E9", text.toUtf8())
+            << "unchanged if only the normalised text does not fit";
         buffer[1] = u'\0';
         text.attach(buffer, sizeof buffer);
-        EXPECT_STREQ("a", text.c_str()) << "attached anew";
+        EXPECT_STREQ("a", text.c_str()) << "attached again";
         char odd[9];
         EXPECT_EQ(4, text.copyToExternalBuffer(odd + 1, 8));
         QBL_EXPECT_THROW(text.resizeExternalBuffer(), I18NRuntimeError,
@@ -363,7 +366,7 @@ TEST(I18NStringTest, UsesACallersBufferAsFarAsItGoes) {
     EXPECT_EQ(u'a', buffer[0]);
 }
 
-TEST(I18NStringTest, StaysAsItWasWhenMemoryRunsOut) {
+TEST(I18NStringTest, IsUnchangedWhenMemoryRunsOut) {
     const std::string longer(100, 'y');
     for (int failAt = 0; failAt < 6; ++failAt) {
         Arena arena;
@@ -390,7 +393,7 @@ TEST(I18NStringTest, StaysAsItWasWhenMemoryRunsOut) {
     }
 }
 
-TEST(I18NStringTest, FillsUpWithoutMemoryForAnythingButItself) {
+TEST(I18NStringTest, ResizeAllocatesOnlyTheTextItself) {
     for (const wchar_t fill : {L'x', L'\u00E9', L'\u0301'}) {
         Arena arena;
         I18NString text(L"\u4E2D", &Arena::allocate, &arena);

@@ -37,7 +37,7 @@ I18NConverter withPolicy(const char* encoding, int policy) {
     return converter;
 }
 
-// All that a stream gives: the output, a line for each thing found, and how it ended.
+// The results of a stream: the output, a line for each finding, and the end.
 struct Outcome : I18NTextStreamListener {
     std::string source, output, told, encoding;
 
@@ -69,7 +69,7 @@ Outcome run(const I18NConverter* from, const I18NConverter* to,
     I18NTextStream stream(from, to, mark, &outcome);
     try {
         for (std::size_t at = 0; at < source.size(); at += block) {
-            // In memory of its own, for the sanitizer to see what is read beyond it.
+            // A separate allocation, so that the sanitizer detects reads past its end.
             const auto piece = source.substr(at, block);
             stream.put(piece.data(), piece.size());
             outcome.take(stream);
@@ -86,7 +86,7 @@ Outcome run(const I18NConverter* from, const I18NConverter* to,
     return outcome;
 }
 
-// Whether a stream gives the same in blocks of 1 to 17.
+// Converts the source at once, and expects the same results in blocks of 1 to 17 units.
 template <class Unit>
 Outcome runAnyhow(const I18NConverter* from, const I18NConverter* to,
                   const std::basic_string<Unit>& source, I18NByteOrderMark mark = I18N_MARK_KEEP) {
@@ -117,7 +117,7 @@ std::string textBy(const I18NConverter& converter, const std::string& bytes) {
     return text;
 }
 
-// What is hard to cut in some encoding: pairs, combinations that have one code, shifts.
+// Texts that are hard to split in some encodings: pairs, combinations with a single code, shifts.
 const std::u16string kText =
     u"a\r\n\r\r\n\n\u00E9\u20AC\u3042\u6F22\u304B\u309A\U0001F600\u00CA\u0304\u0434\u4E02\u200Bz";
 const char* const kBroken[] = {"\x81\x30\x81", "\x1B$",        "\x1B(",
@@ -125,7 +125,7 @@ const char* const kBroken[] = {"\x81\x30\x81", "\x1B$",        "\x1B(",
 
 }  // namespace
 
-TEST(I18NTextStreamTest, GivesTheSameHoweverItIsCut) {
+TEST(I18NTextStreamTest, ResultsDoNotDependOnBlockSizes) {
     std::mt19937 random(4);
     const auto some = [&] { return kText.substr(random() % kText.size(), 1 + random() % 3); };
     bool isExact = true;
@@ -166,7 +166,8 @@ TEST(I18NTextStreamTest, GivesTheSameHoweverItIsCut) {
             runAnyhow(&converter, &other, bytes);
             const Outcome in = runAnyhow<char>(&converter, nullptr, bytes);
             const Outcome out = runAnyhow<char16_t>(nullptr, &converter, text);
-            // From SCSU on, ICU's output depends on what it gets at once, or drops text.
+            // For SCSU and the encodings after it, ICU's output depends on the block size, or ICU
+            // drops text.
             isExact = isExact && std::strcmp(encoding, "SCSU") != 0;
             if (policy == I18N_STOP || !isExact) continue;
             EXPECT_EQ(textBy(converter, bytes), in.output);
@@ -174,7 +175,7 @@ TEST(I18NTextStreamTest, GivesTheSameHoweverItIsCut) {
         }
 }
 
-TEST(I18NTextStreamTest, TellsWhatIsNotConvertibleAndWhere) {
+TEST(I18NTextStreamTest, ReportsUnconvertibleCharactersAndTheirPlaces) {
     using namespace std::string_literals;
     const struct {
         const char *from, *to;
@@ -200,7 +201,7 @@ TEST(I18NTextStreamTest, TellsWhatIsNotConvertibleAndWhere) {
          "I18NTextStream: line 2, column 2: U+20AC is not in ISO-8859-1"},
         {"x-iscii-de", "UTF-8", I18N_ESCAPE, "a\xF0\xB5", "a%XB5%XF0",
          "in 2 U+0 text 1, 1:2\nin cut 1 U+0 text 5, 1:3\n"},
-        // Both are back in their first shift states for the texts of others.
+        // In both cases, the output returns to the initial shift state.
         {"UTF-8", "ISO-2022-JP", I18N_STOP, "\xE3\x81\x82\xFF", "\x1B$B$\"\x1B(B",
          "in 3 U+0 text 1, 1:2\nI18NTextStream: byte 3, line 1, column 2: FF is not in UTF-8"},
         {"UTF-8", "ISO-2022-JP", I18N_STOP, "\xE3\x81\x82\xF0\x9F\x98\x80z", "\x1B$B$\"\x1B(B",
@@ -217,8 +218,8 @@ TEST(I18NTextStreamTest, TellsWhatIsNotConvertibleAndWhere) {
     EXPECT_EQ("~}z%UD83D%UDE00", runAnyhow<char16_t>(nullptr, &hz, u"z\U0001F600").output);
 }
 
-TEST(I18NTextStreamTest, TellsAtOnceOfBytesThatBecomeNoText) {
-    // Or memory would grow with them.
+TEST(I18NTextStreamTest, ReportsDroppedBytesAtOnce) {
+    // Otherwise memory would grow with the number of findings.
     I18NConverter from("UTF-8");
     from.setUserDefinedUnconvertibleInputSequenceCallback(dropSequence);
     const I18NConverter to("UTF-8");
@@ -227,12 +228,12 @@ TEST(I18NTextStreamTest, TellsAtOnceOfBytesThatBecomeNoText) {
         stream.put("\xFF\xFF", 2);
         EXPECT_EQ(2 * i, stream.getReplacedInput());
     }
-    // A mark after them is text.
+    // A byte-order mark after dropped bytes is text.
     I18NConverter utf16("UTF-16BE");
     utf16.setUserDefinedUnconvertibleInputSequenceCallback(dropSequence);
     const std::string late = "\xDF\xEE\xFE\xFF";
     EXPECT_EQ("\xEF\xBB\xBF", runAnyhow(&utf16, &to, late, I18N_MARK_STRIP).output);
-    // Between surrogates, which may be halves of a pair, they come in the order of the text.
+    // Findings between surrogates, which may be halves of a pair, are reported in text order.
     I18NConverter scsu("SCSU");
     scsu.setUserDefinedUnconvertibleInputSequenceCallback(dropSequence);
     using namespace std::string_literals;
@@ -244,7 +245,7 @@ TEST(I18NTextStreamTest, TellsAtOnceOfBytesThatBecomeNoText) {
         lone.told.substr(0, lone.told.rfind('\n')));
 }
 
-TEST(I18NTextStreamTest, TellsBestFitsOrTreatsThemAsLacking) {
+TEST(I18NTextStreamTest, ReportsBestFitsOrTreatsThemAsUnconvertible) {
     const struct {
         const char* encoding;
         std::u16string text;
@@ -253,7 +254,7 @@ TEST(I18NTextStreamTest, TellsBestFitsOrTreatsThemAsLacking) {
         {"GBK", u"x\u00DC\u00FC", "x\xA8\xB9\xA8\xB9", "out fit -1 U+dc text 1, 1:2\n", "x"},
         {"ibm-1399", u"\u6F22\u9839z", "\x0E\x4F\x58\x66\xC8\x0F\xA9",
          "out fit -1 U+9839 text 1, 1:2\n", "\x0E\x4F\x58\x0F"},
-        // ICU asks no policy about this one, and drops the last without a word.
+        // ICU asks no policy about the first of these, and drops the second without reporting it.
         {"ibm-943_P15A-2003", u"\uF86Fz", "\x87\x82z", "out fit -1 U+f86f text 0, 1:1\n", ""},
         {"x11-compound-text", u"z\u0001", "z", "out -1 U+1 text 1, 1:2\n", "z"}};
     for (const auto& row : rows) {
@@ -275,7 +276,7 @@ TEST(I18NTextStreamTest, TellsBestFitsOrTreatsThemAsLacking) {
     }
 }
 
-// Puts the digits of each code point in place of it, as long as they are few.
+// Replaces each character by the digits of its code point, if they are few.
 struct Replacing : I18NTextStreamListener {
     I18NTextStream* stream = nullptr;
     void unconvertible(const I18NUnconvertible& what) override {
@@ -292,12 +293,13 @@ struct Replacing : I18NTextStreamListener {
     }
 };
 
-TEST(I18NTextStreamTest, WritesWhatTheListenerReplacesCharactersBy) {
+TEST(I18NTextStreamTest, WritesTheReplacementsOfTheListener) {
     const char* const text = "\xE6\x97\xA5\xC3\xA9\xC3\xA8\xFFz\xE2\x82\xAC\xC5\x81";
     const struct {
         const char *encoding, *output;
     } table[] = {
-        // Back and forth between the shift states; what the encoding lacks of a text is left out.
+        // Switches between the shift states. Characters of a replacement that the encoding lacks
+        // are dropped.
         {"ISO-2022-JP",
          "\x1B$BF|\x1B(B<<\x1B$B$\"\x1B(B233%UFFFDz<<\x1B$B$\"\x1B(B8364<<\x1B$B$\"\x1B(B321"},
         {"US-ASCII", "%U65E5<<233%UFFFDz<<8364<<321"},
@@ -325,7 +327,7 @@ TEST(I18NTextStreamTest, WritesWhatTheListenerReplacesCharactersBy) {
         }
 }
 
-TEST(I18NTextStreamTest, HasNothingBehindWhatTheListenerRefuses) {
+TEST(I18NTextStreamTest, OutputEndsBeforeARefusedCharacter) {
     struct Refuse : I18NTextStreamListener {
         void unconvertible(const I18NUnconvertible&) override { throw 5; }
     } refuse;
@@ -349,7 +351,7 @@ TEST(I18NTextStreamTest, HasNothingBehindWhatTheListenerRefuses) {
         }
 }
 
-TEST(I18NTextStreamTest, KnowsByteOrderMarks) {
+TEST(I18NTextStreamTest, RecognizesByteOrderMarks) {
     using namespace std::string_literals;
     constexpr I18NByteOrderMark kBoth = I18N_MARK_CHOOSE_AND_STRIP;
     const struct {
@@ -380,7 +382,7 @@ TEST(I18NTextStreamTest, KnowsByteOrderMarks) {
     EXPECT_EQ(bytesBy(I18NConverter("UTF-16"), many),
               run<char>(&marked, nullptr, withMark.output, 9, I18N_MARK_KEEP).output);
     EXPECT_EQ("z", run<char16_t>(nullptr, &utf8, u"\uFEFFz", 9, I18N_MARK_STRIP).output);
-    EXPECT_EQ("\uFFFDz", run<char>(&utf8, &utf8, "\xFFz", 9, kBoth).output) << "no policy set";
+    EXPECT_EQ("\uFFFDz", run<char>(&utf8, &utf8, "\xFFz", 9, kBoth).output) << "no policy is set";
 }
 
 TEST(I18NTextStreamTest, CountsLinesOfLongTexts) {
@@ -407,16 +409,16 @@ TEST(I18NTextStreamTest, CountsLinesOfLongTexts) {
               outcome.told.substr(outcome.told.rfind(' ') + 1));
 }
 
-TEST(I18NTextStreamTest, EndsWithErrorsAndMisuse) {
+TEST(I18NTextStreamTest, ErrorsAndMisuseEndTheStream) {
     struct Refuse : I18NTextStreamListener {
         void unconvertible(const I18NUnconvertible&) override { throw 5; }
     } refuse;
     const I18NConverter utf8("UTF-8");
     I18NTextStream stream(&utf8, nullptr, I18N_MARK_KEEP, &refuse);
-    EXPECT_THROW(stream.put(u"x", 1), I18NRuntimeError) << "reads bytes";
+    EXPECT_THROW(stream.put(u"x", 1), I18NRuntimeError) << "the stream reads bytes";
     EXPECT_THROW(stream.put("\xFFx", 2), int);
     QBL_EXPECT_THROW(stream.finish(), QBLIllegalStateError, "I18NTextStream: the stream has ended");
-    // What is behind the place that it is told of does not come out.
+    // The output ends before the reported character.
     const std::u16string front = u"x\u65E5";
     for (const char* encoding : {"ISO-2022-JP", "Shift_JIS", "UTF-8", "UTF-16"})
         for (const std::string bad : {"\xFF", "\U0001F600"}) {
@@ -433,7 +435,7 @@ TEST(I18NTextStreamTest, EndsWithErrorsAndMisuse) {
     EXPECT_THROW(I18NTextStream(nullptr, &utf8, I18N_MARK_CHOOSE), I18NRuntimeError);
 }
 
-TEST(I18NTextStreamTest, LosesNothingWhenMemoryEnds) {
+TEST(I18NTextStreamTest, ReportsExhaustedMemory) {
     const I18NConverter utf8("UTF-8"), ascii("us-ascii");
     const std::string bad(9000, '\xFF');
     const auto everything = [&] {

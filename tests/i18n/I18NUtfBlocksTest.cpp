@@ -20,7 +20,7 @@ void append(std::string& bytes, char32_t c) {
     bytes += trail(0);
 }
 
-/// The first units, of which the last is no half of a pair.
+/// Encodes the first units. The last of them must not be half of a pair.
 std::string encoded(const std::u16string& units, std::size_t count) {
     std::string bytes;
     for (std::size_t i = 0; i < count; ++i) {
@@ -31,7 +31,7 @@ std::string encoded(const std::u16string& units, std::size_t count) {
     return bytes;
 }
 
-/// How far a text is well-formed.
+/// Returns the length of the well-formed part at the beginning of a text.
 std::size_t wellFormed(const std::u16string& units) {
     std::size_t i = 0;
     while (i < units.size() && !i18nIsLow(units[i])) {
@@ -42,7 +42,7 @@ std::size_t wellFormed(const std::u16string& units) {
     return i;
 }
 
-/// Characters of the classes that make a difference; now and then half of a pair alone.
+/// Returns random characters of 1 to 4 bytes in UTF-8, and sometimes a lone surrogate.
 std::u16string randomText(std::mt19937& random, unsigned classes) {
     std::u16string units;
     const std::size_t length = 32 + random() % 100;
@@ -88,8 +88,8 @@ void encodeRandomTexts(void (*encode)(I18NEncoding&), std::size_t near) {
 
 }  // namespace
 
-TEST(I18NUtfBlocksTest, EveryLevelEncodesByTheBook) {
+TEST(I18NUtfBlocksTest, AllKernelsEncodeCorrectly) {
     if (i18nHasShuffles()) encodeRandomTexts(i18nEncodeBlocks, 24);
-    if (!i18nHasWideBlocks()) GTEST_SKIP() << "no AVX2";
+    if (!i18nHasWideBlocks()) GTEST_SKIP() << "passed, but this processor lacks AVX2";
     encodeRandomTexts(i18nEncodeWideBlocks, 32);
 }

@@ -13,7 +13,7 @@ static I18NString read(const std::string& bytes) {
     return string;
 }
 
-TEST(I18NUtfTest, EveryCharacterIsReadAndWrittenAtEveryPlaceOfABlock) {
+TEST(I18NUtfTest, ConvertsEveryCharacterAtEveryOffsetOfABlock) {
     for (UChar32 first = 1; first < 0x110000; first += first == 0xD7C1 ? 0x83F : 64) {
         icu::UnicodeString all(u"0123456789abcdef");
         for (UChar32 c = first; c < first + 64 && c < 0x110000; ++c)
@@ -30,7 +30,7 @@ TEST(I18NUtfTest, EveryCharacterIsReadAndWrittenAtEveryPlaceOfABlock) {
     }
 }
 
-TEST(I18NUtfTest, DamageAmongBlocksIsWhatItIsAlone) {
+TEST(I18NUtfTest, MalformedSequencesInBlocksDecodeAsAlone) {
     const std::string wholes[] = {"plain", "\u043F\u0440\u0438", "\u65E5\u672C", "\U0001F600"};
     const std::string bad[] = {"\xE0\x9F\xBF", "\xED\xA0\x80", "\xF0\x8F\xBF\xBF",
                                "\xF4\x90\x80\x80"};
