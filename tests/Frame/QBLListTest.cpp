@@ -41,7 +41,7 @@ TEST(QBLListTest, EmptyListIgnoresRemovalsAndHasANullValue) {
 TEST(QBLListTest, IndexPastTheEndGivesTheCursorsElement) {
     List list;
     fill(list);
-    EXPECT_EQ(g_a, list.at(9)) << "g_a new cursor is on the first element";
+    EXPECT_EQ(g_a, list.at(9)) << "a new cursor is on the first element";
     EXPECT_EQ(g_b, list.at(1));
     EXPECT_EQ(g_c, list.at(2)) << "the ends do not move the cursor";
     EXPECT_EQ(g_a, list.at(0));

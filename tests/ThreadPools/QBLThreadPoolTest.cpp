@@ -381,7 +381,7 @@ TEST_F(QBLThreadPoolTest, VariableReportsAFailedWorkerOnlyIfNoOtherCanRunTheTask
         EXPECT_EQ(0U, pool.getWorkerCount());
         EXPECT_EQ(1, pool.execute(&blocking, 0));
         fault::failCall(fault::kThreadCreate, 0, EAGAIN);
-        EXPECT_EQ(1, s_pool.execute(&s_counting, 0)) << "the busy worker runs it later";
+        EXPECT_EQ(1, pool.execute(&counting, 0)) << "the busy worker runs it later";
         EXPECT_EQ(1U, pool.getWorkerCount());
         gate.open();
     }
