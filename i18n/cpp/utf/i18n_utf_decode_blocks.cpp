@@ -53,24 +53,24 @@ I18N_WITH_SHUFFLES inline void keep(I18NDecoding& decoding, __m128i units, unsig
 /// made at each byte from it and those before; right it is at the last byte of a sequence, and in
 /// one of four bytes also at the last but one, where the pair's first half is.
 /// @return false for what is ill-formed; then nothing is decoded
-template <int Longest>
+template <int kLongest>
 I18N_WITH_SHUFFLES inline bool decodeBlock(I18NDecoding& decoding, __m128i block, __m128i leads3) {
     const __m128i zero = _mm_setzero_si128();
     const __m128i trails = _mm_cmplt_epi8(block, i18nBytes(0xC0));
     const __m128i before1 = _mm_slli_si128(block, 1);
     const __m128i before2 = _mm_slli_si128(block, 2);
-    const __m128i isHigh = Longest < 4 ? zero : atLeast(before2, 0xF0);
+    const __m128i isHigh = kLongest < 4 ? zero : atLeast(before2, 0xF0);
 
     // Bit masks of places; a lead of a longer sequence counts as one of the shorter, too.
     const unsigned trail = i18nMask(trails);
     const unsigned lead2 = i18nMask(block) & ~trail;
-    const unsigned lead3 = Longest < 3 ? 0 : i18nMask(leads3);
-    const unsigned lead4 = Longest < 4 ? 0 : i18nMask(atLeast(block, 0xF0));
+    const unsigned lead3 = kLongest < 3 ? 0 : i18nMask(leads3);
+    const unsigned lead4 = kLongest < 4 ? 0 : i18nMask(atLeast(block, 0xF0));
     __m128i bad =
         _mm_or_si128(_mm_cmpeq_epi8(block, zero),
                      _mm_cmpeq_epi8(_mm_and_si128(block, i18nBytes(0xFE)), i18nBytes(0xC0)));
-    if (Longest >= 3) bad = _mm_or_si128(bad, badTrails(block, before1, 0xE0, 0xED, 0xA0));
-    if (Longest >= 4) {
+    if (kLongest >= 3) bad = _mm_or_si128(bad, badTrails(block, before1, 0xE0, 0xED, 0xA0));
+    if (kLongest >= 4) {
         bad = _mm_or_si128(bad, badTrails(block, before1, 0xF0, 0xF4, 0x90));
         bad = _mm_or_si128(bad, atLeast(block, 0xF5));
     }
@@ -79,18 +79,18 @@ I18N_WITH_SHUFFLES inline bool decodeBlock(I18NDecoding& decoding, __m128i block
 
     // A sequence that goes on behind the block is left for the next one.
     const unsigned left =
-        (lead2 >> 15) + (lead3 >> 13 & 2) + (Longest < 4 ? 0 : (lead4 >> 13 & 1) * 3);
+        (lead2 >> 15) + (lead3 >> 13 & 2) + (kLongest < 4 ? 0 : (lead4 >> 13 & 1) * 3);
     const unsigned kept = ~(lead2 | lead3 << 1) & (0xFFFFU >> left);
 
     const __m128i middle = _mm_and_si128(before1, trails);
     __m128i low = _mm_or_si128(_mm_andnot_si128(_mm_and_si128(trails, i18nBytes(0xC0)), block),
                                _mm_and_si128(_mm_slli_epi16(middle, 6), i18nBytes(0xC0)));
     __m128i high = _mm_and_si128(_mm_srli_epi16(middle, 2), i18nBytes(0x0F));
-    if (Longest >= 3) {
+    if (kLongest >= 3) {
         const __m128i first = _mm_and_si128(before2, atLeast(before2, 0xE0));
         high = _mm_or_si128(high, _mm_and_si128(_mm_slli_epi16(first, 4), i18nBytes(0xF0)));
     }
-    if (Longest >= 4) {
+    if (kLongest >= 4) {
         // Of the code point the first half has the bits from 10 on, less 0x40.
         const __m128i upper =
             _mm_or_si128(_mm_and_si128(_mm_slli_epi16(before1, 2), i18nBytes(0xFC)),
@@ -102,9 +102,9 @@ I18N_WITH_SHUFFLES inline bool decodeBlock(I18NDecoding& decoding, __m128i block
                          isLow);
     }
     decoding.mayNeedNormalization = _mm_or_si128(
-        decoding.mayNeedNormalization, Longest >= 3 ? i18nBytes(1) : beyondInert(low, high));
+        decoding.mayNeedNormalization, kLongest >= 3 ? i18nBytes(1) : beyondInert(low, high));
     __m128i units0 = _mm_unpacklo_epi8(low, high), units1 = _mm_unpackhi_epi8(low, high);
-    if (Longest >= 4) {
+    if (kLongest >= 4) {
         const __m128i base = i18nUnits(0xD7C0);
         units0 = _mm_add_epi16(units0, _mm_and_si128(_mm_unpacklo_epi8(isHigh, isHigh), base));
         units1 = _mm_add_epi16(units1, _mm_and_si128(_mm_unpackhi_epi8(isHigh, isHigh), base));
