@@ -1,4 +1,4 @@
-// Messages from a catalogue, in two languages, and what becomes of those that are not there.
+// Shows messages from a catalogue in two languages, and how a missing message looks.
 #include <iostream>
 
 #include "QBLCore/Messages/QBLMessageFile.hpp"

@@ -1,4 +1,4 @@
-// The pieces of docs/converters.md, with what they print.
+// The code samples of docs/converters.md.
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -12,7 +12,7 @@ namespace {
 
 const char* const kPolicies[] = {"escape", "lookup", "substitute", "user-defined", "stop"};
 
-// Bytes as they are in ASCII, in digits elsewhere.
+// Prints ASCII bytes as they are and other bytes in hexadecimal.
 void print(const char* what, const char* bytes, std::size_t size) {
     std::printf("%-13s", what);
     for (std::size_t i = 0; i < size; ++i) {
@@ -87,7 +87,7 @@ struct Print : I18NTextStreamListener {
                         static_cast<long long>(what.column),
                         static_cast<unsigned long>(what.codePoint));
         else
-            std::printf("line %lld, column %lld, byte %lld: %d of them\n",
+            std::printf("line %lld, column %lld, byte %lld, length %d\n",
                         static_cast<long long>(what.line), static_cast<long long>(what.column),
                         static_cast<long long>(what.byteOffset), what.byteCount);
     }

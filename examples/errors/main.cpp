@@ -1,5 +1,5 @@
-// errors: how an error travels. A file cannot be opened; the one who wanted it says what it was
-// for, those further up what they were at; whoever asks is told in a language of his own.
+// errors: shows how an error travels. A file cannot be opened. Each caller adds its own message or
+// its place in the code. The report then shows the error in four languages.
 #include <cstdio>
 #include <string>
 
@@ -24,7 +24,7 @@ public:
 
 QBLMessage message(unsigned long id) { return QBLMessage(kCatalogue, id); }
 
-/// A file operation does not throw: it fails, and keeps the system's error.
+/// File operations do not throw: they return false and store the system's error number.
 void readSettings(const std::string& path) {
     QBLFmFile file;
     if (file.open(path.c_str(), QBLFmFile::existing, 1)) return;
@@ -50,7 +50,7 @@ void startAll() {
     }
 }
 
-/// In another language the same exception shows itself anew.
+/// Shows the same exception once in each language.
 void report(QBLException& error) {
     for (const char* language : {"en", "de", "fr", "ja"}) {
         I18NString xml;

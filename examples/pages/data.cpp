@@ -1,4 +1,4 @@
-// Data: options and dates from text, a record of bytes with a checksum, and tokens made of it.
+// Parses options and dates, builds a record with a checksum, and makes a token of its text.
 #include <cstdio>
 #include <memory>
 #include <vector>
@@ -56,5 +56,5 @@ int main() {
     std::printf("%s is %s\n", token.get(), back.get());
     token[14] = token[14] == 'A' ? 'B' : 'A';
     const std::unique_ptr<char[]> damaged(QBLSquisher::unSquish(token.get()));
-    std::puts(damaged == nullptr ? "damage is noticed" : "damage is not noticed");
+    std::puts(damaged == nullptr ? "damage is detected" : "damage is not detected");
 }

@@ -1,4 +1,4 @@
-// Some of what surprises and is meant so.
+// Shows some surprising behaviours that are intended.
 #include <cstdio>
 
 #include "QBLCore/Exceptions/QBLRuntimeError.hpp"

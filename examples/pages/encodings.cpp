@@ -1,4 +1,4 @@
-// Strings of other encodings, and into them: what is replaced, and how it is refused.
+// Converts strings from and to other encodings, with replacement and with errors.
 #include <cstdio>
 
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
@@ -23,18 +23,18 @@ void showBytes(const char* what, const char* bytes) {
 
 void replaced() {
     const I18NString text("a\u65E5\u00E9");
-    showUnits("Shift_JIS, cut off", I18NString("a\x82", "Shift_JIS"));
-    showUnits("Shift_JIS, not in it", I18NString("a\x85\xA0", "Shift_JIS"));
-    showUnits("UTF-8, cut off", I18NString("a\xC3"));
-    showBytes("into ISO-8859-1", text.c_str("ISO-8859-1"));
-    showBytes("into Shift_JIS", text.c_str("Shift_JIS"));
+    showUnits("Shift_JIS, truncated", I18NString("a\x82", "Shift_JIS"));
+    showUnits("Shift_JIS, undefined", I18NString("a\x85\xA0", "Shift_JIS"));
+    showUnits("UTF-8, truncated", I18NString("a\xC3"));
+    showBytes("to ISO-8859-1", text.c_str("ISO-8859-1"));
+    showBytes("to Shift_JIS", text.c_str("Shift_JIS"));
 }
 
 void refused() {
     I18NConverter latin1("ISO-8859-1"), utf8("UTF-8");
     latin1.setBuiltInUnconvertibleOutputSequenceCallback(I18N_STOP);
     utf8.setBuiltInUnconvertibleInputSequenceCallback(I18N_STOP);
-    showBytes("as it should be", I18NString("\u00E9", utf8).c_str(latin1));
+    showBytes("convertible", I18NString("\u00E9", utf8).c_str(latin1));
     try {
         I18NString("a\u65E5").c_str(latin1);
     } catch (QBLThrowable& error) {

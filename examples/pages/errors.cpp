@@ -1,4 +1,4 @@
-// Errors: thrown, noted on their way, made of foreign exceptions, and taken to another thread.
+// Throws, translates and rethrows errors, and passes one on to another thread.
 #include <cstdio>
 #include <stdexcept>
 

@@ -1,4 +1,4 @@
-// Files and locks between processes: how a lock is lost, and how to keep it.
+// Shows how a process loses a file lock, and how to keep one.
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -15,7 +15,7 @@
 namespace {
 
 bool anotherProcessGets(const std::string& path) {
-    std::fflush(stdout);  // or the other process may write it, too
+    std::fflush(stdout);  // or the child may print the buffered text again
     int status = 0;
     if (const pid_t child = fork(); child != 0)
         return waitpid(child, &status, 0) == child && WEXITSTATUS(status) == 1;
@@ -24,7 +24,7 @@ bool anotherProcessGets(const std::string& path) {
     _exit(file.open(path.c_str(), QBLFmFile::existing, 0) ? lock.tryLock() : 2);
 }
 
-/// The recipe: one object for the process, of a file that is there for the lock alone.
+/// The recipe: one object per process, and a file that serves only as the lock.
 struct Owner {
     QBLThreadMutex threads;
     QBLFmFile file;

@@ -1,4 +1,4 @@
-// Start and stop: counted, from any thread, and with housekeeping up to the last moment.
+// Shows that starts and stops are counted, and when the custodian calls a task.
 #include <cstdio>
 
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
@@ -15,7 +15,7 @@ public:
     int doIt(int terminating) override {
         if (terminating != 0) std::printf("last pass\n");
         m_called.signal();
-        return 0;  // to be called again
+        return 0;  // stay registered
     }
     void wait() { m_called.wait(); }
 
@@ -23,9 +23,9 @@ private:
     QBLThreadManualResetEvent m_called;
 };
 
-Housekeeping g_housekeeping;  // made before what stops the library, and so gone after it
+Housekeeping housekeeping;  // constructed before `late`, so destroyed after it
 
-/// Is destroyed after main: the library can still be used, and stopped.
+/// The destructor runs after main; it uses the library and stops it.
 struct Late {
     QBLThreadMutex mutex;
     ~Late() {
@@ -41,7 +41,7 @@ void tryThread() {
         thread.start();
         std::printf("a thread starts\n");
     } catch (QBLThrowable& error) {
-        const char* const what = error.getMessage();  // null where there is no text
+        const char* const what = error.getMessage();  // null if there is no text
         std::printf("%s: %s\n", error.getThrowableName(), what != nullptr ? what : "no text");
     }
 }

@@ -1,4 +1,4 @@
-// An object factory: items are made by the id of their class, and used again.
+// An object factory: creates items by the id of their class and reuses released items.
 #include <cstdio>
 #include <string>
 
@@ -8,7 +8,7 @@
 
 namespace {
 
-char g_connection[] = "Connection";  // the pointer is the id, not the text
+char kConnection[] = "Connection";  // the address is the id, not the text
 
 class Connection : public QBLObjectFactoryItem {
 public:
@@ -46,7 +46,7 @@ int main() {
     first->use("Ann");
     second->use("Bob");
     first->release();
-    connect(factory)->use("Eve");  // the first one again, without Ann
+    connect(factory)->use("Eve");  // reuses the first item, which release() has cleaned
     try {
         factory.unregisterClass(g_connection);
     } catch (QBLIllegalStateError& error) {
@@ -54,4 +54,4 @@ int main() {
     }
     first->release();
     second->release();
-}  // the factory deletes what is free
+}  // the destructor of the factory deletes the free items

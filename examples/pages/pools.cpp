@@ -1,4 +1,4 @@
-// Pools: who refuses a task and who drops one; and a group that is waited for.
+// Shows which pools refuse or drop tasks, and how a group waits for its tasks.
 #include <atomic>
 #include <cstdio>
 #include <string>
@@ -13,7 +13,7 @@
 
 namespace {
 
-struct Gated : QBLThreadRunnable {  // a task that takes until the gate opens
+struct Gated : QBLThreadRunnable {  // a task that runs until the gate opens
     QBLThreadSemaphore begun;
     QBLThreadManualResetEvent gate;
     std::atomic<int> done{0};
@@ -24,7 +24,7 @@ struct Gated : QBLThreadRunnable {  // a task that takes until the gate opens
     }
 };
 
-/// The first task is being run when the others come; then the pool is stopped.
+/// Submits the same task three more times while it runs, then stops the pool.
 void show(const char* name, QBLThreadPool* pool) {
     Gated task;
     int accepted = pool->execute(&task, QBLWaitForever);

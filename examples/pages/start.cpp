@@ -1,4 +1,4 @@
-// A first program: reads texts in several encodings on a pool of two threads.
+// A first program: converts texts from several encodings on a pool of two threads.
 #include <cstdio>
 #include <vector>
 
@@ -22,7 +22,7 @@ void readAll(std::vector<Text>& texts) {
     QBLTaskGroup group(pool);
     for (Text& text : texts)
         group.run([&text] { text.read = I18NString(text.bytes, text.encoding); });
-    group.wait();  // throws the error of the one that failed; the others are done
+    group.wait();  // rethrows the first error after all tasks have run
 }
 
 }  // namespace
@@ -39,7 +39,7 @@ int main() {
         try {
             readAll(texts);
         } catch (QBLThrowable& error) {
-            const char* const what = error.getMessage();  // null where there is no text
+            const char* const what = error.getMessage();  // null if there is no text
             std::printf("%s %ld: %s\n", error.getThrowableName(), error.getErrorCode(),
                         what != nullptr ? what : "no text");
         }

@@ -1,4 +1,4 @@
-// Locks: what those that another thread holds say, and a queue that is waited for.
+// Tries locks that another thread holds, and waits for an item in a list.
 #include <cstdio>
 
 #include "QBLCore/Exceptions/QBLThreadResourceError.hpp"
@@ -22,7 +22,7 @@ struct Other : QBLThreadRunnable {
     QBLThreadMonitor<QBLThreadMutex, QBLList<int>> items;
     QBLThreadConditionVariable arrived;
 
-    // It unlocks what it does not hold, of which clang would warn.
+    // Unlocks a mutex that it does not hold, which clang would warn about.
     void run() override QBL_NO_THREAD_SAFETY_ANALYSIS {
         std::printf("mutex: try %d, timed %d\n", mutex.tryLock(), mutex.timedLock(10));
         std::printf("lock: as writer %d, as reader %d\n", lock.tryLock(), lock.tryReadLock());

@@ -1,4 +1,4 @@
-// Asks the library that was found at run time whether it serves this program.
+// Asks the library found at run time whether it is compatible with this program.
 #include <cstdio>
 
 #include "QBLCore/Frame/QBLCore.h"

@@ -1,4 +1,4 @@
-// faults.so: a plug-in, of which nothing is visible but its entry points.
+// faults.so: a plug-in that exports only its entry points.
 #include "Faults.hpp"
 
 #include "QBLCore/Exceptions/QBLThrow.hpp"

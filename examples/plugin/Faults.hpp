@@ -14,15 +14,15 @@
 #include "QBLCore/PlugIns/QBLPluginException.hpp"
 #include "i18n/cpp/i18n_errors.hpp"
 
-/// A class of the program's own, which plug-in and host both know from this header. They have it
-/// twice; default visibility lets them find that it is one.
+/// An error class of the program. Plug-in and host both compile it from this header; default
+/// visibility makes it one type for both.
 class [[gnu::visibility("default")]] DiskFault : public QBLException {
 public:
     using QBLException::QBLException;
     QBL_EXCEPTION_METHODS(DiskFault)
 };
 
-/// The classes that the plug-in throws, each with the arguments of its constructor.
+/// The classes that the plug-in throws, each with its constructor arguments.
 #define PLUGIN_FAULTS(FAULT)                          \
     FAULT(QBLError, (1, "text"))                      \
     FAULT(QBLRuntimeError, (2, "text"))               \

@@ -1,5 +1,5 @@
-// plugin FILE: loads a plug-in, has it throw each class of throwables, and catches each by its own
-// type. Exit status 0 all were caught, 1 some were not, or the plug-in cannot be loaded, 2 usage.
+// plugin FILE: loads a plug-in, lets it throw each class of throwables, and catches each by its
+// type. Exit status: 0 if all were caught, 1 if not or if loading failed, 2 for a usage error.
 #include <dlfcn.h>
 
 #include <cstdio>
@@ -19,7 +19,7 @@ Function entry(void* plugin, const char* name) {
     return reinterpret_cast<Function>(found);
 }
 
-/// Whether a fault arrives as what it is. Its place in the plug-in is the first in its back-trace.
+/// Returns true if a fault is caught by its own type. Prints the latest entry of its back-trace.
 template <class Fault>
 bool arrives(Throw throwFault, PluginFault number, const char* name) {
     try {

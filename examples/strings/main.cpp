@@ -1,4 +1,4 @@
-// What strings do, and some of what surprises about them.
+// Shows common operations of strings and some surprises.
 #include <iostream>
 #include <unordered_map>
 
@@ -37,8 +37,8 @@ void showEncodings() {
     const I18NString text(japanese, "Shift_JIS");
     int length = 0;
     const char* const bytes = text.c_str("EUC-JP", &length);
-    std::cout << "then [" << text << "], " << length << " bytes with the zero in EUC-JP, "
-              << (bytes == text.c_str("EUC-JP") ? "kept" : "made anew") << '\n';
+    std::cout << "then [" << text << "], " << length << " bytes in EUC-JP with the zero, "
+              << (bytes == text.c_str("EUC-JP") ? "cached" : "converted again") << '\n';
     I18NTerminate();
 }
 
@@ -50,17 +50,16 @@ void showSurprises() {
     loose.useNormalization(false);
     loose = L"e\u0301";
     loose.normalize(I18N_NFC);
-    std::cout << loose.nUnits() << " units, and called normalised: " << loose.isNormalized()
-              << '\n';
+    std::cout << loose.nUnits() << " units, isNormalized() is " << loose.isNormalized() << '\n';
 
     I18NString escaped;
     I18NURLEncode("\"it's\"", escaped);
-    std::cout << escaped << " is read as " << I18NUriDecode(escaped.c_str()) << '\n';
+    std::cout << escaped << " decodes to " << I18NUriDecode(escaped.c_str()) << '\n';
 
     char16_t buffer[8] = u"mine";
     I18NString attached;
     attached.attach(buffer, sizeof buffer);
-    attached += L" too";  // one unit more than there is room for
+    attached += L" too";  // one unit more than the buffer holds
 }
 
 }  // namespace
@@ -71,7 +70,7 @@ int main() {
         showEncodings();
         showSurprises();
     } catch (QBLThrowable& error) {
-        const char* const what = error.getMessage();  // null where there is no text
+        const char* const what = error.getMessage();  // null if there is no text
         std::cout << error.getThrowableName() << ' ' << error.getErrorCode() << ": "
                   << (what != nullptr ? what : "no text") << '\n';
     }

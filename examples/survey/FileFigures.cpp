@@ -26,7 +26,7 @@ public:
     Input(const Input&) = delete;
     Input& operator=(const Input&) = delete;
 
-    /// @return the bytes read, 0 at the end.
+    /// @return the number of bytes read, 0 at the end.
     std::size_t read(char* block) {
         for (;;) {
             const ssize_t got = ::read(m_iFd, block, kBlock);
@@ -49,7 +49,7 @@ private:
 
 bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
-/// Counts a text that comes in blocks.
+/// Counts a text that arrives in blocks.
 class Counter {
 public:
     void add(const char* block, std::size_t size) {

@@ -4,10 +4,10 @@
 #include <cstdint>
 #include <string>
 
-/// What there is to know of a text file: the counts that wc gives, and how long its lines are.
+/// Figures of a text file: the counts of wc, and the lengths of the lines.
 struct FileFigures {
     static constexpr int kBuckets = 6;
-    /// The longest line of each bucket but the last, in bytes without the line end.
+    /// The longest line of each bucket except the last, in bytes without the line end.
     static constexpr std::uint64_t kBucketEnds[kBuckets - 1] = {0, 20, 40, 80, 120};
 
     std::uint64_t lines = 0;  ///< line ends

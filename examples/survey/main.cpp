@@ -1,7 +1,7 @@
-// survey [-a] PATH...: counts lines, words and bytes of files, and of all files below
-// directories, on as many threads as there are processors, and shows how long their lines are.
-// -a lists every file in the order given, not only the largest. What cannot be read is reported
-// in XML. Exit status 0 all read, 1 some not, 2 usage.
+// survey [-a] PATH...: counts the lines, words and bytes of files and of all files below
+// directories, with one thread per processor, and shows how long their lines are.
+// -a lists all files in the given order instead of the largest files. Files that cannot be read
+// are reported in XML. Exit status: 0 if all were read, 1 if some were not, 2 for a usage error.
 #include <unistd.h>
 
 #include <algorithm>
@@ -29,7 +29,7 @@ namespace {
 
 constexpr std::size_t kLargest = 10;
 
-/// Surveys one file on a worker and keeps what came of it.
+/// Surveys one file on a worker and stores the result or the error.
 class FileTask : public QBLThreadRunnable {
 public:
     FileTask(std::string path, std::atomic<std::size_t>& done)
@@ -46,7 +46,7 @@ public:
         ++m_done;
     }
 
-    // For the main thread, once the pool has ended.
+    // Only for the main thread, after the pool is destroyed.
     const std::string& path() const { return m_path; }
     const FileFigures& figures() const { return m_figures; }
     bool hasFailed() const { return m_bFailed; }
@@ -60,9 +60,9 @@ private:
     bool m_bFailed = false;
 };
 
-/// Adds a file, or all files below a directory in the order of their names; what is
-/// hidden, a symbolic link or no file of bytes is passed over below a directory. A directory that
-/// cannot be listed is added itself, to be reported when it is read.
+/// Adds a file, or all files below a directory, sorted by name. Hidden entries, symbolic links
+/// and special files below a directory are skipped. A directory that cannot be listed is added
+/// itself, so that reading it reports the error.
 void addFiles(const fs::path& path, std::vector<std::string>& files) {
     std::error_code failed;
     if (!fs::is_directory(path, failed)) {
@@ -92,7 +92,7 @@ void surveyAll(const std::vector<std::string>& files, std::deque<FileTask>& task
             pool.execute(&tasks.back(), QBLWaitForever);
             if (showProgress) std::fprintf(stderr, "\r%zu of %zu files", done.load(), files.size());
         }
-    }  // waits for the tasks
+    }  // the destructor of the pool waits for the tasks
     if (showProgress) std::fprintf(stderr, "\r\033[K");
 }
 

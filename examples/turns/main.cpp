@@ -1,5 +1,5 @@
-// turns: two processes count in one file, each alone with it while it reads the number there
-// and writes the next one, which a file lock sees to. Exit status 0 none was lost, 1 some were.
+// turns: two processes increment one number in a file. A file lock gives each process exclusive
+// access while it reads and writes. Exit status: 0 if no increment was lost, else 1.
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -40,7 +40,7 @@ void write(QBLFmFile& file, int number) {
         throwLastError(file, "write");
 }
 
-/// Each process opens the file for itself: a lock belongs to a process.
+/// Each process opens the file itself, because a lock belongs to a process.
 void takeTurns(const std::string& path) {
     QBLFmFile file;
     if (!file.open(path.c_str(), QBLFmFile::existing, 0)) throwLastError(file, "open");
@@ -50,12 +50,12 @@ void takeTurns(const std::string& path) {
         {
             QBLThreadGuard guard(lock);
             const int number = read(file);
-            changes += number != last;  // the other process was here
+            changes += number != last;  // the other process has written
             write(file, last = number + 1);
         }
-        QBLThread::sleep(1);  // and lets the other have its turn
+        QBLThread::sleep(1);  // lets the other process take its turn
     }
-    std::printf("process %d: %d turns, the other one in between %d times\n",
+    std::printf("process %d: %d turns, interrupted by the other process %d times\n",
                 static_cast<int>(getpid()), kTurns, changes);
 }
 
