@@ -92,7 +92,7 @@ public:
         m_out
             << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!--\n"
             << comment
-            << "One element on a line.\n\nWritten by scripts/locale_files.cpp from the locale data "
+            << "One element per line.\n\nWritten by scripts/locale_files.cpp from the locale data "
                "of "
                "ICU "
             << U_ICU_VERSION << " (CLDR " << int{cldr[0]}
@@ -230,11 +230,11 @@ std::map<std::string, std::string> currenciesOfLCIDs() {
 void writeCurrencies(const std::string& directory, const Language& language) {
     File file(
         directory, std::string("qbli18nrescr_") + language.name, "currencies",
-        "Currencies. An entry is named after the ISO code; its value has the symbol, the number\n"
-        "of decimal places and the description. Three tables are only read in the English\n"
-        "file: currencyCodeMappingTable, what took the place of currencies no longer used;\n"
-        "LCIDtoCurrencyCodeMappingTable, the currencies of locale identifiers, as 0x and four\n"
-        "digits; ISOCountryCodeToISOCurrencyCode, those of countries.\n");
+        "Currencies. The name of an entry is the ISO code; its value has the symbol, the number\n"
+        "of decimal places and the description. Three tables are only read from the English\n"
+        "file: currencyCodeMappingTable maps old currencies to their successors,\n"
+        "LCIDtoCurrencyCodeMappingTable maps locale identifiers (0x and four digits) to\n"
+        "currencies, ISOCountryCodeToISOCurrencyCode maps countries to currencies.\n");
     for (const std::string& code : currencies()) {
         Status status;
         int32_t length = 0;
@@ -262,7 +262,7 @@ void writeCurrencies(const std::string& directory, const Language& language) {
 
 void writeWords(const std::string& directory, const Language& language) {
     File file(directory, std::string("qbli18nreswd_") + language.name, "words",
-              "Words. noDescription stands for a description that is missing.\n");
+              "Words. noDescription replaces a missing description.\n");
     file.out() << "<noDescription " << File::attribute("value", language.noDescription) << "/>\n";
     file.finish();
 }
@@ -284,7 +284,7 @@ std::string unitWord(const char* language, const icu::MeasureUnit& unit, int num
 
 void writeTimePeriods(const std::string& directory, const Language& language) {
     File file(directory, std::string("qbli18nrestp_") + language.name, "timeperiods",
-              "Words for periods of time: year for one, years for more of them, and so on.\n");
+              "Words for periods of time: year is the singular, years the plural, and so on.\n");
     const std::pair<const char*, icu::MeasureUnit> units[] = {
         {"year", icu::MeasureUnit::getYear()},     {"month", icu::MeasureUnit::getMonth()},
         {"week", icu::MeasureUnit::getWeek()},     {"day", icu::MeasureUnit::getDay()},
@@ -301,7 +301,7 @@ void writeTimePeriods(const std::string& directory, const Language& language) {
 
 void writeTimeZones(const std::string& directory, const Language& language) {
     File file(directory, std::string("qbli18nrestz_") + language.name, "i18n_timezones",
-              "Time zones: the identifier and its description.\n");
+              "Time zones: identifiers and their descriptions.\n");
     Status status;
     std::unique_ptr<icu::StringEnumeration> ids(icu::TimeZone::createTimeZoneIDEnumeration(
         UCAL_ZONE_TYPE_CANONICAL_LOCATION, nullptr, nullptr, status));
@@ -337,7 +337,7 @@ std::map<std::string, std::string> localesOfLanguages() {
 void writeLocales(const std::string& directory, const Language& language) {
     File file(directory, std::string("qbli18nreslc_") + language.name, "locales",
               "Names of the supported locales and of their languages. In the English file, the\n"
-              "langLocMappingTable gives languages the locale that they mean on their own.\n");
+              "langLocMappingTable maps languages to their default locales.\n");
     I18NLocale* supported = nullptr;
     int count = 0;
     I18NInternalResources::getInternalResources().getLocales(&supported, &count);

@@ -28,11 +28,11 @@ void line(int code, const char* name, const char* first, const char* second) {
 int main() {
     std::printf(
         "# Types\n\n"
-        "What `QBLDBTypes` knows: three vocabularies of types, and what a type becomes in the "
-        "other "
-        "two.\nWritten by `scripts/type_page.cpp` from the library's tables.\n\n"
-        "The mappings are not each other's inverse. What has no counterpart becomes code 0. Of two "
-        "names\nfor one code, the first is the one that the code gives.\n");
+        "`QBLDBTypes` maps between three sets of types: SQL column types, data types of the "
+        "library,\nand XML Schema types. `scripts/type_page.cpp` generates this page from the "
+        "library's tables.\n\n"
+        "The mappings are not inverse to each other. A type without a counterpart maps to code 0. "
+        "If a\ncode has two names, a mapping from the code gives the first name.\n");
     section("SQL column types, SqlColType", "to `XSType`", "to `QBLDBDatatype`");
     for (const QBLSqlColTypeRow& row : kSqlColTypes)
         line(row.code, row.name, nameOf(kXSTypes, row.xsType),
