@@ -1,14 +1,15 @@
-"""Shows objects of QBLCore in gdb as what they hold.
+"""Pretty-printers for QBLCore: gdb shows the contents of objects instead of their fields.
 
-gdb loads this by itself with the library when it is installed below /usr. For another prefix, give
+If the library is installed below /usr, gdb loads this script together with it. For another prefix,
+put this line into ~/.gdbinit:
     add-auto-load-safe-path PREFIX/lib
-in ~/.gdbinit, or load it by
+Or load the script with
     source PREFIX/share/qblcore/gdb/qblcore.py
-An object shows its fields with "print /r". "info qbl-locks" lists who holds which tracked mutex.
+"print /r" shows the raw fields. "info qbl-locks" lists the tracked mutexes and their holders.
 
-A printer is a class below with an entry in BY_NAME, for a class or a template, or in BY_BASE, for
-all that is derived from a class. What cannot be read raises gdb.MemoryError, which gdb shows in the
-object's place.
+Each printer is a class below. BY_NAME maps a class or template to its printer; BY_BASE maps a base
+class to the printer of all derived classes. If memory cannot be read, a printer raises
+gdb.MemoryError, and gdb shows that error instead of the object.
 """
 import gdb
 import gdb.printing
@@ -16,7 +17,7 @@ import gdb.types
 
 
 def shown(length):
-    """How much of a text to read: one more than gdb shows, so that it tells that there is more."""
+    """Returns how much of a text to read: one more than gdb shows, so that gdb marks it as cut."""
     if length < 0:
         raise gdb.MemoryError("not a string")
     most = gdb.parameter("print elements")
@@ -24,7 +25,7 @@ def shown(length):
 
 
 class StringPrinter:
-    """I18NString: its text, whichever way it keeps it."""
+    """I18NString: its text, whether stored as ASCII or UTF-16."""
 
     INLINE = 32
 
@@ -68,7 +69,7 @@ class ListPrinter:
 
 
 class ThrowablePrinter:
-    """A throwable: what it says, and the way that it has come, the last place first."""
+    """A throwable: its text, and its back-trace, the latest place first."""
 
     def __init__(self, value):
         self.value = value
@@ -82,7 +83,7 @@ class ThrowablePrinter:
             text.format_string(address=False) if int(text) != 0 else "no text")
 
     def code(self):
-        """A number, or a text that whoever made it may have left out."""
+        """The error code: a number, or a text, which may be null."""
         if int(self.value["numericCode"]) != 0:
             return "code %d" % int(self.value["errorCode"])
         text = self.value["errorCodeText"]
@@ -108,7 +109,7 @@ class MessageStringPrinter:
 
 
 class ParameterPrinter:
-    """QBLMessageParm: the value that its type means."""
+    """QBLMessageParm: the value that its type selects."""
 
     def __init__(self, value):
         self.value = value
@@ -122,7 +123,7 @@ class ParameterPrinter:
 
 
 class MessagePrinter:
-    """A message with an identifier: that, its file if it has one, and its parameters."""
+    """A message with an identifier: the identifier, the file if there is one, and the parameters."""
 
     def __init__(self, value):
         self.value = value.cast(value.dynamic_type)
@@ -171,7 +172,7 @@ class ByteBufferPrinter:
 
 
 class VariantPrinter:
-    """QBLVariant: the value that its tag means."""
+    """QBLVariant: the value that its tag selects."""
 
     MEMBERS = {1: ("Long", "m_long"), 2: ("UnsignedLong", "m_unsignedLong"),
                3: ("Double", "m_double"), 5: ("Pointer", "m_pointer")}
@@ -200,7 +201,7 @@ BY_BASE = {"QBLThrowable": ThrowablePrinter, "QBLMessageComponents": MessagePrin
 
 
 def bases(kind):
-    """The names of a class and of all that it is derived from."""
+    """Yields the names of a class and of all its bases."""
     yield kind.name
     for field in kind.fields():
         if field.is_base_class:
@@ -211,7 +212,7 @@ class Printers(gdb.printing.PrettyPrinter):
     def __call__(self, value):
         kind = gdb.types.get_basic_type(value.type)
         if kind.code != gdb.TYPE_CODE_STRUCT or kind.name is None or not kind.fields():
-            return None  # also a class of which only the library's debug information knows more
+            return None  # also for a class whose fields are only in the library's debug information
         printer = BY_NAME.get(kind.name.split("<")[0])
         if printer is None:
             printer = next((BY_BASE[name] for name in bases(kind) if name in BY_BASE), None)
@@ -226,10 +227,11 @@ gdb.printing.register_pretty_printer(gdb.current_objfile(), Printers("QBLCore"),
 
 
 class LocksCommand(gdb.Command):
-    """Lists the tracked mutexes that are held, and who holds each.
+    """Lists the tracked mutexes that are held, with the thread that holds each.
 
-Tracked are mutexes made to track their owner, such as QBLThreadMutex(1). The place where it was
-locked is known of a mutex of the flat layer; the library's classes do not know their callers."""
+A mutex is tracked if it was created to track its owner, such as QBLThreadMutex(1). The place where
+a mutex was locked is known only for a mutex of the flat layer, because the library's classes do not
+know their callers."""
 
     OWN_SOURCES = ("QBLCore/", "TavThread/", "i18n/")
 
@@ -257,7 +259,7 @@ locked is known of a mutex of the flat layer; the library's classes do not know 
         return symbol.value()
 
     def line(self, mutex):
-        """One that is locked just now may not have all of it yet."""
+        """Describes one mutex. A mutex that is just being locked may not have all fields yet."""
         place = ""
         if int(mutex["file"]) != 0:
             file = mutex["file"].string()
