@@ -23,7 +23,7 @@ private:
     QBLThreadManualResetEvent m_called;
 };
 
-Housekeeping housekeeping;  // constructed before `late`, so destroyed after it
+Housekeeping g_housekeeping;  // constructed before `g_late`, so destroyed after it
 
 /// The destructor runs after main; it uses the library and stops it.
 struct Late {
