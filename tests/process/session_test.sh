@@ -1,21 +1,23 @@
 #!/usr/bin/env bash
-# session_test.sh PAGE FILES PROGRAM...: runs the commands of a page's console blocks and checks that
-# they print what the page shows. They run in a directory with copies of FILES; PATH has the programs.
+# session_test.sh PAGE FILES PROGRAM...: what a page's console blocks show is what the commands
+# print, in a directory with copies of the files and with the programs at hand. A directory among
+# the programs is called "build" there. SESSION_EDIT, a script of sed, shortens the page.
 set -euo pipefail
 page=$1 files=$2
 shift 2
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 mkdir "$work/bin" "$work/files"
+cp -r "$files"/. "$work/files"
 for program in "$@"; do
+    if [ -d "$program" ]; then ln -sT "$program" "$work/files/build"; continue; fi
     printf '#!/bin/sh\nexec "%s" "$@"\n' "$program" >"$work/bin/$(basename "$program")"
 done
 chmod +x "$work"/bin/*
-cp "$files"/* "$work/files"
 cd "$work/files"
 export PATH=$work/bin:$PATH LC_ALL=C
 # shellcheck disable=SC2016  # a fence, not a command
-sed -n '/^```console$/,/^```$/p' "$page" | sed '/^```/d' >"$work/shown"
+sed "${SESSION_EDIT:-}" "$page" | sed -n '/^```console$/,/^```$/p' | sed '/^```/d' >"$work/shown"
 while IFS= read -r line; do
     [[ $line == '$ '* ]] || continue
     printf '%s\n' "$line"
