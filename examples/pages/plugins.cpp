@@ -8,7 +8,7 @@
 
 namespace {
 
-char kConnection[] = "Connection";  // the address is the id, not the text
+char g_connection[] = "Connection";  // the address is the id, not the text
 
 class Connection : public QBLObjectFactoryItem {
 public:
