@@ -201,6 +201,15 @@ TEST(I18NTextStreamTest, ReportsUnconvertibleCharactersAndTheirPlaces) {
          "I18NTextStream: line 2, column 2: U+20AC is not in ISO-8859-1"},
         {"x-iscii-de", "UTF-8", I18N_ESCAPE, "a\xF0\xB5", "a%XB5%XF0",
          "in 2 U+0 text 1, 1:2\nin cut 1 U+0 text 5, 1:3\n"},
+        // ICU reports these after others, in part, without bytes, or as another character.
+        {"x-iscii-de", "UTF-8", I18N_SUBSTITUTE, "\xF0\xBD\xEA", "\uFFFD\uFFFD\uFFFD",
+         "in 1 U+0 text 0, 1:1\nin 2 U+0 text 1, 1:2\nin cut 0 U+0 text 2, 1:3\n"},
+        {"SCSU", "UTF-8", I18N_SUBSTITUTE, "a\x1C\xE2\xCB\xB4", "a\uFFFD",
+         "in cut 1 U+0 text 1, 1:2\n"},
+        {"BOCU-1", "UTF-8", I18N_ESCAPE, "\x92\x32\xD7\xFE\xD9\x4F\xD9z",
+         "B%X32%XD7%XFE%XD9%X4F%XD9*", "in 1 U+0 text 1, 1:2\nin 3 U+0 text 9, 1:3\n"},
+        {"UTF-8", "x-iscii-de", I18N_ESCAPE, "\u0BF2", "\xEF\x44%U0BF2",
+         "out -1 U+bf2 text 0, 1:1\n"},
         // In both cases, the output returns to the initial shift state.
         {"UTF-8", "ISO-2022-JP", I18N_STOP, "\xE3\x81\x82\xFF", "\x1B$B$\"\x1B(B",
          "in 3 U+0 text 1, 1:2\nI18NTextStream: byte 3, line 1, column 2: FF is not in UTF-8"},

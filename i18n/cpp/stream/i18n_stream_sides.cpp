@@ -41,10 +41,11 @@ I18NProgress progressOf(UErrorCode status, bool refused) {
 
 bool isAboutText(UConverterCallbackReason reason) { return reason <= UCNV_IRREGULAR; }
 
-// Where ICU stands in the stream. What it looks at anew, because what followed did not fit, it
-// reads from a buffer of its own, which ends where the source of the call begins.
+// Where ICU stands in the stream. If text that it has kept does not fit with what follows, ICU
+// reads it again from a buffer of its own, which ends where the source of the call begins. This
+// cannot be seen in the source: the same bytes or units may stand there more than once.
 template <class Args, class Unit>
-std::int64_t placeOf(const Args* args, const Unit* begin, const Unit* end, std::int64_t before) {
+std::int64_t whereICUIs(const Args* args, const Unit* begin, const Unit* end, std::int64_t before) {
     if (args->sourceLimit != end) return before - (args->sourceLimit - args->source);
     return before + (args->source - begin);
 }
@@ -145,19 +146,33 @@ void I18NStreamInput::listen() {
     m_form = formOf(m_pICU);
     m_bByteByByte = dependsOnBlocks(m_pICU);
     m_bIsUTF16 = isUTF16(ucnv_getType(m_pICU));
-    m_bIsISCII = ucnv_getType(m_pICU) == UCNV_ISCII;
+    m_bIsBOCU = ucnv_getType(m_pICU) == UCNV_BOCU1;
     ucnv_reset(m_pICU);
     ucnv_setToUCallBack(m_pICU, callback, this, &m_policy, &m_pPolicyContext, &status);
 }
 
 I18NProgress I18NStreamInput::decode(const char*& at, const char* end, bool flush, char16_t*& text,
                                      const char16_t* limit) {
+    m_pSlice = at;
+    m_iSlice = m_iBytes;
+    const I18NProgress progress = decodeSlice(at, end, flush, text, limit);
+    remember(at);
+    return progress;
+}
+
+I18NProgress I18NStreamInput::decodeSlice(const char*& at, const char* end, bool flush,
+                                          char16_t*& text, const char16_t* limit) {
     I18NProgress progress = I18NProgress::kDone;
+    UErrorCode status = U_ZERO_ERROR;
     if (m_form == I18NStreamForm::kOther && !m_bByteByByte)
         return decodeByICU(at, end, flush, text, limit);
     if (m_bByteByByte) {
-        while (at != end && progress == I18NProgress::kDone)
+        while (at != end && progress == I18NProgress::kDone) {
+            const char16_t* const before = text;
             progress = decodeByICU(at, at + 1, false, text, limit);
+            if (m_bIsBOCU && (text != before || ucnv_toUCountPending(m_pICU, &status) == 0))
+                m_iSequence = m_iBytes;
+        }
         if (progress != I18NProgress::kDone || !flush) return progress;
         return decodeByICU(at, end, true, text, limit);
     }
@@ -174,7 +189,6 @@ I18NProgress I18NStreamInput::decode(const char*& at, const char* end, bool flus
         }
         const char* const piece = at + std::min(end - at, kPiece);
         progress = decodeByICU(at, piece, flush && piece == end, text, limit);
-        UErrorCode status = U_ZERO_ERROR;
         m_bUnfinished =
             progress != I18NProgress::kDone || ucnv_toUCountPending(m_pICU, &status) != 0;
     } while (progress == I18NProgress::kDone && at != end);
@@ -190,11 +204,59 @@ I18NProgress I18NStreamInput::decodeByICU(const char*& at, const char* end, bool
     ucnv_toUnicode(m_pICU, &text, limit, &at, end, nullptr, flush, &status);
     m_iBytes += at - m_pBegin;
     m_iUnits += text - m_pText;
-    if (m_bIsISCII && at != m_pBegin) {
-        m_last[0] = at - m_pBegin > 1 ? at[-2] : m_last[1];
-        m_last[1] = at[-1];
-    }
     return progressOf(status, m_bRefused);
+}
+
+// Keeps the end of the slice for findings that end in the next one.
+void I18NStreamInput::remember(const char* end) {
+    const std::ptrdiff_t size = std::min<std::ptrdiff_t>(end - m_pSlice, kHistory);
+    if (size == 0) return;
+    std::memmove(m_history, m_history + size, static_cast<std::size_t>(kHistory - size));
+    std::memcpy(m_history + kHistory - size, end - size, static_cast<std::size_t>(size));
+}
+
+// Requires: begins at most kHistory in front of the slice.
+void I18NStreamInput::copySource(std::int64_t begin, std::int64_t end,
+                                 I18NInputFinding& finding) const {
+    finding.offset = begin;
+    finding.length =
+        static_cast<int>(std::min<std::int64_t>(end - begin, I18NInputFinding::kMostBytes));
+    for (int i = 0; i < finding.length; ++i) {
+        const std::int64_t at = begin - m_iSlice + i;
+        finding.bytes[i] = at >= 0 ? m_pSlice[at] : m_history[kHistory + at];
+    }
+}
+
+bool I18NStreamInput::hasInSource(std::int64_t offset, const char* bytes, int length) const {
+    I18NInputFinding there;
+    copySource(offset, offset + length, there);
+    return std::memcmp(there.bytes, bytes, static_cast<std::size_t>(there.length)) == 0;
+}
+
+// Finds the bytes that ICU reports in the source. Usually they end where ICU stands. The exceptions:
+//   UTF-16   ICU keeps a byte of the unit after a lone surrogate.
+//   ISCII    ICU keeps a lead byte while it refuses the bytes after it, and reports it at the end.
+//   SCSU     ICU drops bytes that cannot define a window, and reports the command with the last of
+//            them; the finding has all of them.
+//   BOCU-1   ICU reports no bytes if a sequence leads out of Unicode. Its start is known, because
+//            ICU gets the input byte by byte.
+// If kHistory does not reach the bytes, they are assumed to end where ICU stands. ICU's arrays of
+// offsets are no better: they count back from there too, and lack findings whose replacement is
+// empty.
+void I18NStreamInput::locate(const char* bytes, int length, std::int64_t end,
+                             I18NInputFinding& finding) const {
+    if (m_bIsBOCU && length == 0) return copySource(m_iSequence, end, finding);
+    // A unit begins at an even offset. Its bytes alone do not tell, since they may be equal.
+    const int step = m_bIsUTF16 ? 2 : 1;
+    const std::int64_t last = (end - length) / step * step;
+    const std::int64_t first = std::max<std::int64_t>(m_iSlice - kHistory, 0);
+    for (std::int64_t at = last; at >= first && at > last - kHistory; at -= step)
+        if (hasInSource(at, bytes, length)) return copySource(at, at + length, finding);
+    for (std::int64_t at = last; at >= first && at > last - kHistory; at -= step)
+        if (hasInSource(at, bytes, 1)) return copySource(at, end, finding);
+    finding.offset = last;
+    finding.length = std::min(length, I18NInputFinding::kMostBytes);
+    std::memcpy(finding.bytes, bytes, static_cast<std::size_t>(finding.length));
 }
 
 void I18NStreamInput::dropFirstUnit() {
@@ -205,14 +267,13 @@ void I18NStreamInput::dropFirstUnit() {
 void I18NStreamInput::found(UConverterToUnicodeArgs* args, const char* bytes, int length,
                             UConverterCallbackReason reason, UErrorCode* status) {
     I18NInputFinding finding = {};
-    finding.length = std::min(length, I18NInputFinding::kMostBytes);
-    finding.offset = placeOf(args, m_pBegin, m_pEnd, m_iBytes) - length;
-    if (m_bIsUTF16) finding.offset -= finding.offset % 2;
+    locate(bytes, length, whereICUIs(args, m_pBegin, m_pEnd, m_iBytes), finding);
+    if (length == 0 && finding.length > 0) {  // of BOCU-1; the policy gets them too
+        bytes = finding.bytes;
+        length = finding.length;
+    }
     finding.at = m_iUnits + (args->target - m_pText);
     finding.cutOff = *status == U_TRUNCATED_CHAR_FOUND;
-    if (m_bIsISCII && finding.cutOff && *bytes != m_last[1] && *bytes == m_last[0])
-        --finding.offset;
-    std::memcpy(finding.bytes, bytes, static_cast<std::size_t>(finding.length));
 
     // The policy writes aside, so that the length of its text is known wherever that goes.
     UChar replacement[kSlack];
@@ -383,12 +444,16 @@ TAV_CATCHES_UNWINDING
 void I18NStreamOutput::found(UConverterFromUnicodeArgs* args, const UChar* units, int length,
                              UChar32 codePoint, UConverterCallbackReason reason,
                              UErrorCode* status) {
-    const std::int64_t at = placeOf(args, m_pBegin, m_pEnd, m_iUnits) - length;
+    const std::int64_t at = whereICUIs(args, m_pBegin, m_pEnd, m_iUnits) - length;
     const auto isBefore = [](const Masked& known, std::int64_t place) { return known.at < place; };
     const auto masked = std::lower_bound(m_masked.begin(), m_masked.end(), at, isBefore);
     if (masked != m_masked.end() && masked->at == at) {
         units = &masked->unit;
         codePoint = masked->unit;
+    } else if (at >= m_iUnits) {
+        // The converter to ISCII reports what it looked up, which may be another character.
+        units = m_pBegin + (at - m_iUnits);
+        codePoint = length == 2 ? U16_GET_SUPPLEMENTARY(units[0], units[1]) : *units;
     }
     m_finding = {at, static_cast<char32_t>(codePoint), *status == U_TRUNCATED_CHAR_FOUND, false};
     // No exception of these crosses ICU's frames.

@@ -104,8 +104,14 @@ public:
 
 private:
     void listen();
+    I18NProgress decodeSlice(const char*& at, const char* end, bool flush, char16_t*& text,
+                             const char16_t* limit);
     I18NProgress decodeByICU(const char*& at, const char* end, bool flush, char16_t*& text,
                              const char16_t* limit);
+    void remember(const char* end);
+    void copySource(std::int64_t begin, std::int64_t end, I18NInputFinding& finding) const;
+    bool hasInSource(std::int64_t offset, const char* bytes, int length) const;
+    void locate(const char* bytes, int length, std::int64_t end, I18NInputFinding& finding) const;
     void found(UConverterToUnicodeArgs* args, const char* bytes, int length,
                UConverterCallbackReason reason, UErrorCode* status);
     static void callback(const void* context, UConverterToUnicodeArgs* args, const char* bytes,
@@ -119,13 +125,16 @@ private:
     I18NStreamForm m_form = I18NStreamForm::kOther;
     bool m_bByteByByte = false;
     bool m_bUnfinished = false;  // ICU keeps something
-    // Of the unit behind a lone surrogate ICU may keep a byte that it does not count as waiting.
     bool m_bIsUTF16 = false;
-    // ISCII keeps a lead byte while it refuses the next one, and gives it for the last of the text.
-    bool m_bIsISCII = false;
-    char m_last[2] = {};        // the last bytes it took
-    std::int64_t m_iBytes = 0;  // in front of m_pBegin
-    std::int64_t m_iUnits = 0;  // in front of m_pText
+    bool m_bIsBOCU = false;
+    std::int64_t m_iSequence = 0;  // of BOCU-1: where the present one begins
+    std::int64_t m_iBytes = 0;     // in front of m_pBegin
+    std::int64_t m_iUnits = 0;     // in front of m_pText
+    // The source of findings: the slice that is being decoded, and the last bytes before it.
+    static constexpr int kHistory = 64;
+    char m_history[kHistory] = {};
+    const char* m_pSlice = nullptr;
+    std::int64_t m_iSlice = 0;  // in front of m_pSlice
     // Of the call that is being made.
     const char* m_pBegin = nullptr;
     const char* m_pEnd = nullptr;
