@@ -10,7 +10,7 @@
 
 namespace {
 
-/// The number of a process that has ended.
+/// Returns the identifier of a process that has ended.
 std::string deadProcess() {
     const pid_t process = fork();
     if (process == 0) _exit(0);
@@ -20,7 +20,7 @@ std::string deadProcess() {
 
 }  // namespace
 
-TEST(CleanTest, OnlyWhatNobodyUsesIsRemoved) {
+TEST(CleanTest, RemovesOnlyUnusedTemporaryFiles) {
     TempTree tree;
     const std::string dead = deadProcess(), live = std::to_string(getpid());
     for (const char* const directory : {"d", "d/.hidden", "other"}) tree.dir(directory);
@@ -48,7 +48,7 @@ TEST(CleanTest, OnlyWhatNobodyUsesIsRemoved) {
     const int file = open(tree(held).c_str(), O_RDONLY | O_CLOEXEC);
 
     const std::string command = "'" QBL_CONV "' --clean ";
-    // Sorted by what is said, for the two numbers may come in either order.
+    // Sorted by message, because directory order depends on the process identifiers.
     EXPECT_EQ("./" + held + ": left, since a program has it open\n./" + running +
                   ": left, since process " + live + " is running\n./" + link +
                   ": no regular file\n./" + removed[0] + ": removed\n./" + removed[1] +
@@ -64,7 +64,7 @@ TEST(CleanTest, OnlyWhatNobodyUsesIsRemoved) {
     EXPECT_FALSE(std::filesystem::exists(tree(held)));
 }
 
-TEST(CleanTest, WhatItCannotDoIsAnError) {
+TEST(CleanTest, ReportsErrors) {
     TempTree tree;
     tree.file("file");
     const struct {

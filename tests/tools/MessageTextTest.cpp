@@ -1,4 +1,4 @@
-// In which words, language and encoding the tools speak.
+// Tests the language and the encoding of the tools' messages.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -7,7 +7,7 @@
 #include "tools/common/LocaleText.hpp"
 #include "tools/common/Reason.hpp"
 
-TEST(MessageTextTest, WithoutCataloguesTheTextsAreTheEnglishOnes) {
+TEST(MessageTextTest, TextsAreEnglishWithoutCatalogues) {
     TempTree tree;
     tree.file("bad", "a\xFF'{0}'\n");
     for (const char* const program : {QBL_CONV, QBL_MSGC}) {
@@ -26,7 +26,7 @@ TEST(MessageTextTest, WithoutCataloguesTheTextsAreTheEnglishOnes) {
     }
 }
 
-TEST(LocaleTextTest, TheEncodingIsTheLocales) {
+TEST(LocaleTextTest, UsesTheEncodingOfTheLocale) {
     const struct {
         const char *all, *ctype, *lang, *encoding, *name;
     } table[] = {
@@ -36,7 +36,7 @@ TEST(LocaleTextTest, TheEncodingIsTheLocales) {
         {"", "", "ja_JP.eucJP", "eucJP", "eucJP"},
         {"de_DE.ISO-8859-15@euro", "", "C", "ISO-8859-15", "ISO-8859-15"},
         {"en_US.ascii", "", "", "US-ASCII", "US-ASCII"},
-        // Neither names that nothing knows, nor encodings that no terminal has.
+        // Unknown locales, unknown encodings and encodings that no terminal uses.
         {"xx_XX", "ja_JP.EUC-JP", "", "UTF-8", "UTF-8"},
         {"xx_XX.nonsense", "", "", "UTF-8", "nonsense"},
         {"xx_XX.UTF-16", "", "", "UTF-8", "UTF-16"},
@@ -52,8 +52,8 @@ TEST(LocaleTextTest, TheEncodingIsTheLocales) {
     for (const char* const name : names) unsetenv(name);
 }
 
-TEST(LocaleTextTest, TextsForPeopleComeInItAndDataInUtf8) {
-    const std::string name = "\xC3\xA9\xE3\x81\x82";  // the second is Japanese
+TEST(LocaleTextTest, MessagesUseTheLocaleEncodingAndDataUsesUtf8) {
+    const std::string name = "\xC3\xA9\xE3\x81\x82";  // the second character is Japanese
     const std::string latin1 = "\xE9\\xE3\\x81\\x82", euc = "\x8F\xAB\xB1\xA4\xA2";
     TempTree tree;
     tree.file(name, "# \xFF");
@@ -85,10 +85,10 @@ TEST(LocaleTextTest, TextsForPeopleComeInItAndDataInUtf8) {
                   runTool(tree, data, "LC_ALL=fr_FR.ISO-8859-1").output.find(name));
 }
 
-TEST(ReasonsTest, TheyComeInTheLanguageOfTheMessages) {
+TEST(ReasonsTest, UseTheLanguageOfTheMessages) {
     TempTree tree;
     const Outcome made = runTool(tree, "localedef -i fr_FR -f ISO-8859-1 ./fr_FR");
-    // LANGUAGE is the C library's own choice. Its newlocale() of 2.36 leaks where LOCPATH is set.
+    // LANGUAGE affects only the C library. Its newlocale() leaks in version 2.36 if LOCPATH is set.
     const std::string environment = "LC_ALL=C LANGUAGE=de ASAN_OPTIONS=detect_leaks=0 LOCPATH=.";
     const auto said = [&](const std::string& locales) {
         return runTool(tree, "echo | '" QBL_CONV "' -L '" + locales + "' >/dev/full", environment)
@@ -104,6 +104,6 @@ TEST(ReasonsTest, TheyComeInTheLanguageOfTheMessages) {
     for (const char* const locales : {"xx fr", "fr_FR.UTF-8", "fr_CA,de"})
         EXPECT_EQ(found, said(locales)) << locales;
     if (found == start + "No space left on device\n")
-        GTEST_SKIP() << "the C library has no French: " << made.output;
+        GTEST_SKIP() << "the C library has no French messages: " << made.output;
     EXPECT_EQ(start + "Aucun espace disponible sur le p\xC3\xA9riph\xC3\xA9rique\n", found);
 }

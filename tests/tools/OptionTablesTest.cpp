@@ -16,7 +16,7 @@ struct Tool {
     std::vector<tools::Option> options;
 };
 
-/// Without other names for an option, which the manuals mention elsewhere.
+/// Returns the options without aliases, which the manuals describe elsewhere.
 std::vector<tools::Option> described(const std::vector<tools::Option>& options) {
     std::vector<tools::Option> rest;
     for (const tools::Option& option : options)
@@ -30,7 +30,7 @@ const std::vector<Tool>& allTools() {
     return kAll;
 }
 
-/// The options that a manual describes, like "-f --from".
+/// Returns the options that a manual describes, such as "-f --from".
 std::set<std::string> inManual(const std::string& tool) {
     std::string path = QBL_MAN_DIR "/";
     std::ifstream manual(path.append(tool).append(".1"));
@@ -71,7 +71,7 @@ TEST(OptionTablesTest, HelpFitsIntoATerminalInEachLanguage) {
             EXPECT_EQ(0, help.status);
             std::istringstream lines(help.output);
             for (std::string line; std::getline(lines, line);) {
-                // Characters of three bytes are those of two columns, here.
+                // In these texts, characters of three bytes take two columns.
                 int columns = 0;
                 for (const char c : line) {
                     const auto byte = static_cast<unsigned char>(c);

@@ -1,4 +1,4 @@
-// What the converter takes for the encoding of texts that do not tell it.
+// Tests how qblconv detects the encoding of texts.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -9,7 +9,7 @@
 
 namespace {
 
-// Texts in UTF-8; their encoded forms come from another implementation of the encodings.
+// Texts in UTF-8. Their encoded forms below come from another implementation of the encodings.
 const char kJapanese[] =
     "\xE3\x81\x93\xE3\x82\x8C\xE3\x81\xAF\xE6\x97\xA5\xE6\x9C\xAC\xE8\xAA\x9E\xE3\x81\xAE\xE3\x83"
     "\x86\xE3\x82\xAD\xE3\x82\xB9\xE3\x83\x88\xE3\x81\xA7\xE3\x81\x99\xE3\x80\x82\n\xE6\x96\x87\xE5"
@@ -55,7 +55,7 @@ const char kShort[] =
 
 std::string bytes(const char* text, std::size_t size) { return {text, size}; }
 
-/// Runs the tool on files of a tree, as $Q, and compares what it does.
+/// Runs $Q, which is qblconv, with arguments in a tree, and compares status and output.
 void expectRun(const TempTree& tree, const std::string& command, int status,
                const std::string& output) {
     const Outcome result = runTool(tree, "Q='" QBL_CONV "'; $Q " + command);
@@ -71,8 +71,8 @@ std::string unclear(const std::string& name, const std::string& fits) {
 const char kUnknown[] =
     ": the encoding is unknown; name it with -f NAME, or possible ones with -f auto:LIST\n";
 
-/// s and s2 are Shift_JIS, u is UTF-8, l windows-1252, w and d have the mark of UTF-16, c is not
-/// clear.
+/// Creates the files: s is Shift_JIS, u UTF-8, l windows-1252, w and d UTF-16 with a byte-order
+/// mark, m UTF-8 with one, c ambiguous, e empty.
 void makeFiles(const TempTree& tree) {
     tree.file("s", "\x82\xA0\n");
     tree.file("u", "\xC3\xA4\n");
@@ -86,7 +86,7 @@ void makeFiles(const TempTree& tree) {
 
 }  // namespace
 
-TEST(QblconvDetectTest, TextsOfManyEncodingsAreReadInTheirOwn) {
+TEST(QblconvDetectTest, DetectsManyEncodings) {
     const struct {
         std::string encoding, text;
         const char* expected;
@@ -166,13 +166,13 @@ TEST(QblconvDetectTest, TextsOfManyEncodingsAreReadInTheirOwn) {
         expectRun(tree, "-v -f auto f -o out; cat f | $Q -f auto | cmp - out", 0,
                   "f: converted from " + row.encoding + "\n");
         EXPECT_EQ(row.expected, tree.text("out")) << row.encoding;
-        // What tells is found after much that does not; it may be cut by the end of a block.
+        // The text is also detected after many line ends, and if the end of a block cuts it.
         const bool isWide = row.encoding == "UTF-16LE";
         for (int i = isWide ? 2 : 0; i < 2; ++i) {
             tree.file("f", std::string(0xFFF0 + static_cast<std::size_t>(i), '\n') + row.text);
             expectRun(tree, "-nv -f auto f", 0, "f: all of it is " + row.encoding + "\n");
         }
-        // Only what fits nothing else is replaced.
+        // In place, a file is replaced only if no other encoding fits.
         const bool isAlone = isWide || row.encoding == "ISO-2022-JP" || row.expected == kGerman;
         tree.file("f", row.text);
         EXPECT_EQ(isAlone ? 0 : 1, runTool(tree, "'" QBL_CONV "' -i=.o -f auto f").status);
@@ -181,15 +181,15 @@ TEST(QblconvDetectTest, TextsOfManyEncodingsAreReadInTheirOwn) {
     }
 }
 
-TEST(QblconvDetectTest, MarksAndUTF8Decide) {
+TEST(QblconvDetectTest, ByteOrderMarksAndUTF8Decide) {
     TempTree tree;
     makeFiles(tree);
-    tree.file("both", bytes("\xFF\xFE\0\0a\0", 6));  // no code point of UTF-32
+    tree.file("both", bytes("\xFF\xFE\0\0a\0", 6));  // the mark of UTF-32, but not valid UTF-32
     tree.file("color", "\x1B[1mGr\xC3\xBC\xC3\x9F\x65\x1B[0m\n");
     tree.file("bell", "ring\a\n");
     tree.file("zeros", bytes("a\0", 2));
     tree.file("names", bytes("./a\0./b.txt\0", 12));
-    // A text with one broken byte is not taken for one in another encoding.
+    // A UTF-8 text with one invalid byte is not taken for a text in another encoding.
     std::string broken;
     for (int i = 0; i < 20; ++i) broken += kGerman;
     tree.file("broken", broken + "\xFF\n");
@@ -209,8 +209,8 @@ TEST(QblconvDetectTest, MarksAndUTF8Decide) {
               "\xC3\xA4\n\xC3\xA4\n\xEF\xBB\xBF\xC3\xA4\n");
 }
 
-// The letters of DOS are signs in windows-1252, which no word has within.
-TEST(QblconvDetectTest, TextsOfDosAreNotGuessed) {
+// Letters of DOS code pages are symbols in windows-1252, which do not occur within words.
+TEST(QblconvDetectTest, DosTextsAreNotGuessed) {
     TempTree tree;
     std::string text;
     for (int i = 0; i < 20; ++i) text += "Il a re\x87u une r\x82ponse tr\x8As s\x82v\x8Are.\n";
@@ -222,7 +222,7 @@ TEST(QblconvDetectTest, TextsOfDosAreNotGuessed) {
     expectRun(tree, "-f auto short", 1, std::string("short") + kUnknown);
 }
 
-TEST(QblconvDetectTest, TheFirstOfAListThatFitsIsTaken) {
+TEST(QblconvDetectTest, TakesTheFirstFittingEncodingOfAList) {
     TempTree tree;
     makeFiles(tree);
     expectRun(tree, "-f auto:UTF-8,sjis,windows-1252 -v -d out u s l w m", 1,
@@ -232,7 +232,8 @@ TEST(QblconvDetectTest, TheFirstOfAListThatFitsIsTaken) {
               "5 files: 4 converted, 0 unchanged, 1 failed; characters replaced: 0\n");
     EXPECT_EQ("gr\xC3\xBC\xC3\x9F\n\xE3\x81\x82\n", tree.text("out/l") + tree.text("out/s"));
     EXPECT_FALSE(std::filesystem::exists(tree("out/w")));
-    // Names that leave the order open need a mark, and marks belong to their encodings.
+    // An encoding name without a byte order needs a byte-order mark, and a mark must belong to an
+    // encoding of the list.
     expectRun(tree, "-f auto:latin1,ucs-2 -nv w d u m", 1,
               "w: all of it is UTF-16LE\nd: all of it is UTF-16BE\nu: all of it is latin1\n"
               "m: valid in none of these encodings: latin1, ucs-2\n4 files: 3 valid, 1 failed\n");
@@ -240,7 +241,7 @@ TEST(QblconvDetectTest, TheFirstOfAListThatFitsIsTaken) {
               "l: converted from latin1\ns: converted from sjis\nu: already UTF-8\n"
               "3 files: 2 converted, 1 unchanged, 0 failed; characters replaced: 0\n"
               "\xE3\x81\x82\n");
-    // What cannot be gone through twice is kept; what others have read of it stays read.
+    // Input that cannot be read twice is copied. Detection starts where the last reader stopped.
     expectRun(tree, "-f auto:UTF-8,sjis - <c", 1,
               "-: valid in none of these encodings: UTF-8, sjis\n");
     expectRun(tree,
@@ -255,7 +256,7 @@ TEST(QblconvDetectTest, TheFirstOfAListThatFitsIsTaken) {
               "big: all of it is latin1\n-: all of it is latin1\n");
 }
 
-TEST(QblconvDetectTest, GuessesShowWhatTellsThemApart) {
+TEST(QblconvDetectTest, GuessesShowWhereTheyDiffer) {
     TempTree tree;
     makeFiles(tree);
     tree.file("random", "\x81\x8D\x8F\x90\xFF\xFE");
@@ -268,7 +269,7 @@ TEST(QblconvDetectTest, GuessesShowWhatTellsThemApart) {
     expectRun(tree, "-gj4 c u w e", 0, fits + readings + "u: UTF-8\nw: UTF-16LE\ne: UTF-8\n");
     expectRun(tree, "--guess c random u 2>err; echo $?; cat err; $Q -gq c; $Q -g <u", 0,
               fits + readings + "u: UTF-8\n1\nrandom" + kUnknown + fits + "-: UTF-8\n");
-    // Hebrew words are no clear choice, however much of the text is English.
+    // A few Hebrew words are ambiguous, even if most of the text is English.
     tree.file("h",
               "The text is in English, and the words that stand here are not: \xF9\xEC\xE5\xED\n"
               "The rest of the text, however, is in English again and then there is more: "
@@ -278,7 +279,8 @@ TEST(QblconvDetectTest, GuessesShowWhatTellsThemApart) {
     expectRun(tree, "-n -f auto c; $Q -f auto -i c", 1,
               unclear("c", "windows-1250 (80), windows-1252 (69)") +
                   unclear("c", "windows-1250 (80), windows-1252 (69)"));
-    // Of a list all that fit come in its order; long lines are shortened around the difference.
+    // With a list, all fitting encodings are shown in its order. Long lines are shortened around
+    // the difference.
     const std::string a(100, 'a'), shown = "...aaaaaaaaaaaaaaaaaaaa";
     tree.file("long", "\r\n\r" + a + "\xA4\x1B" + a + "\nb");
     expectRun(tree, "-g -f auto:UTF-16,UTF-16LE,UTF-8 w; $Q -g -f auto:ISO-8859-1,windows-1252 l",
@@ -293,7 +295,7 @@ TEST(QblconvDetectTest, GuessesShowWhatTellsThemApart) {
               "c: windows-1250, ISO-8859-2 (Sicherheit 80 %)\n");
 }
 
-TEST(QblconvDetectTest, ListsWithoutEncodingsAreMisuse) {
+TEST(QblconvDetectTest, InvalidListsAreMisuse) {
     TempTree tree;
     makeFiles(tree);
     expectRun(tree, "-f auto: u", 2, "qblconv: invalid argument for -f: \"auto:\"\n");

@@ -1,4 +1,4 @@
-// What the converter does to files: in place, into directories, onto its inputs, when it is killed.
+// Tests how qblconv writes files: in place, into directories, over its inputs, and if it is killed.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -32,7 +32,7 @@ void expectRun(const TempTree& tree, const std::string& arguments, int status,
     EXPECT_EQ(output, result.output) << arguments;
 }
 
-/// The names in a directory, by their bytes.
+/// Returns the names in a directory, sorted by bytes.
 std::string namesIn(const TempTree& tree, const std::string& directory) {
     return runTool(tree, "cd '" + directory + "' && find . -mindepth 1 | sort | tr '\\n' ' '")
         .output;
@@ -43,7 +43,7 @@ unsigned modeOf(const std::string& path) {
     return stat64(path.c_str(), &status) == 0 ? status.st_mode & 07777U : 0U;
 }
 
-/// Starts the tool, with its output thrown away.
+/// Starts the tool and discards its messages.
 Child start(const std::vector<std::string>& arguments) {
     return Child([&] {
         std::vector<char*> words = {const_cast<char*>(QBL_CONV)};
@@ -56,13 +56,14 @@ Child start(const std::vector<std::string>& arguments) {
     });
 }
 
-/// How often something is repeated: as the environment says, for longer runs.
+/// Returns the number of repetitions from an environment variable, which allows longer runs.
 int repeats(const char* variable, int usual) {
     const char* const value = std::getenv(variable);
     return value != nullptr ? std::atoi(value) : usual;
 }
 
-/// Removes the files that a killed process has not finished. @return how many
+/// Removes the unfinished files of a killed process.
+/// @return the number of removed files
 int removeUnfinished(const TempTree& tree) {
     int count = 0;
     for (const auto& file : std::filesystem::directory_iterator(tree.root()))
@@ -71,13 +72,13 @@ int removeUnfinished(const TempTree& tree) {
     return count;
 }
 
-/// Whether a path leads to what a descriptor has open.
+/// Returns true if a path leads to the file that a descriptor has open.
 bool isOpenAs(int file, const std::string& path) {
     std::error_code problem;
     return std::filesystem::equivalent("/proc/self/fd/" + std::to_string(file), path, problem);
 }
 
-/// Waits until the tool in a process has a file open.
+/// Waits until the tool in a child process has a file open.
 bool hasOpened(const Child& child, const std::string& path) {
     const std::string process = "/proc/" + std::to_string(child.pid()), files = process + "/fd";
     return eventually([&] {
@@ -91,24 +92,24 @@ bool hasOpened(const Child& child, const std::string& path) {
 
 }  // namespace
 
-TEST(QblconvFilesTest, InPlaceAFileKeepsItsModeItsLinksAndOnWishItsOriginal) {
+TEST(QblconvFilesTest, InPlaceKeepsModeLinksAndOptionallyTheOriginal) {
     TempTree tree;
     tree.file("s", kShiftJIS);
     ASSERT_EQ(0, chmod(tree("s").c_str(), 0640));
     std::filesystem::create_symlink("s", tree("link"));
-    // A file comes once, by whatever names.
+    // A file is converted once, even if several operands name it.
     expectRun(tree, "-vi=.old link ./s", 0, "link: converted from Shift_JIS\n");
     EXPECT_EQ(kUTF8, tree.text("s"));
     EXPECT_EQ(kShiftJIS, tree.text("s.old"));
     EXPECT_EQ(0640U, modeOf(tree("s")));
     EXPECT_TRUE(std::filesystem::is_symlink(tree("link")));
-    // What fails stays as it was, and what is valid already, if that is asked for.
+    // A failed file is unchanged; with -k, so is a file that is already valid.
     tree.file("bad", kBroken);
     expectRun(tree, "-kvi bad s", 1,
               "bad:2:1: byte 2: the end cuts off 82, in Shift_JIS\ns: already UTF-8\n"
               "2 files: 0 converted, 1 unchanged, 1 failed; characters replaced: 0\n");
     EXPECT_EQ(kBroken, tree.text("bad"));
-    // Nearly any text is valid UTF-16 but for its mark.
+    // Nearly any text is valid UTF-16, so -k requires a byte-order mark.
     tree.file("s", kShiftJIS + "b");
     expectRun(tree, "--in-place=.b --bom=add -kt UTF-16LE s", 0, "");
     EXPECT_EQ(kShiftJIS + "b", tree.text("s.b"));
@@ -120,7 +121,7 @@ TEST(QblconvFilesTest, InPlaceAFileKeepsItsModeItsLinksAndOnWishItsOriginal) {
     EXPECT_EQ("./bad ./link ./s ./s.b ./s.old ", namesIn(tree, "."));
 }
 
-TEST(QblconvFilesTest, AnOriginalOnceKeptIsNotTouched) {
+TEST(QblconvFilesTest, NeverOverwritesAKeptOriginal) {
     TempTree tree;
     const auto expectKept = [&](const std::string& arguments, int status, const std::string& said) {
         tree.file("t/s", kShiftJIS);
@@ -135,7 +136,8 @@ TEST(QblconvFilesTest, AnOriginalOnceKeptIsNotTouched) {
     const std::string said = "t/s: the original cannot be kept as t/s.o: File exists\n";
     expectKept("-i=.o t/s", 1, said);
     expectKept("-i=.o -r t", 1, said);
-    // Not that of a directory either, but by the name that a run broken off has made.
+    // The name of the original may not be a directory. It may be a second name of the input, which
+    // an interrupted run has left.
     tree.dir("s.d");
     tree.file("s", kShiftJIS);
     EXPECT_EQ(1, run(tree, "-i=.d s").status);
@@ -145,7 +147,7 @@ TEST(QblconvFilesTest, AnOriginalOnceKeptIsNotTouched) {
     EXPECT_EQ("./s ./s.d ./s.o ./t ./t/s ./t/s.o ", namesIn(tree, "."));
 }
 
-TEST(QblconvFilesTest, WhatOthersHavePutInItsPlaceStays) {
+TEST(QblconvFilesTest, KeepsAFileThatReplacedTheInput) {
     TempTree tree;
     const auto isChangedBy = [&](const std::function<void()>& change) {
         conv::Item item = {tree.file("s"), "s", conv::Item::Origin::kNamedInPlace, nullptr, "s", 0};
@@ -161,7 +163,7 @@ TEST(QblconvFilesTest, WhatOthersHavePutInItsPlaceStays) {
     EXPECT_TRUE(isChangedBy([&] { chmod(tree("s").c_str(), 0600); }));
     EXPECT_TRUE(isChangedBy([&] { unlink(tree("s").c_str()); }));
     EXPECT_TRUE(isChangedBy([&] { std::filesystem::rename(tree.file("new"), tree("s")); }));
-    // Behind an input that is the output one that is waited for.
+    // The first input is also the output. It is replaced while qblconv waits for the second input.
     ASSERT_EQ(0, mkfifo(tree("pipe").c_str(), 0600));
     Child child = start({"-f", "Shift_JIS", "-o", tree("s"), tree("s"), tree("pipe")});
     const int writer = open(tree("pipe").c_str(), O_WRONLY);
@@ -171,7 +173,7 @@ TEST(QblconvFilesTest, WhatOthersHavePutInItsPlaceStays) {
     EXPECT_EQ("new", tree.text("s"));
 }
 
-TEST(QblconvFilesTest, InPlaceOnlyWhatIsRegularAndUnlocked) {
+TEST(QblconvFilesTest, InPlaceRequiresRegularUnlockedFiles) {
     TempTree tree;
     const int file = open(tree.file("s", kShiftJIS).c_str(), O_RDWR);
     ASSERT_EQ(1, M_LockFile(file, 0, 0));
@@ -180,7 +182,7 @@ TEST(QblconvFilesTest, InPlaceOnlyWhatIsRegularAndUnlocked) {
     expectRun(tree, "-n --lock=try s", 1, locked);
     EXPECT_EQ(kShiftJIS, tree.text("s"));
     Child waiting = start({"-f", "Shift_JIS", "-i", "--lock=wait", tree("s")});
-    // Its turn comes with the file that has the name then.
+    // Once it has the lock, it converts the file that has the name at that time.
     tree.file("new", "\x82\xA2");
     std::filesystem::rename(tree("new"), tree("s"));
     ASSERT_EQ(1, M_UnLockFile(file));
@@ -194,7 +196,7 @@ TEST(QblconvFilesTest, InPlaceOnlyWhatIsRegularAndUnlocked) {
     expectRun(tree, "-vir .", 0, "./s: converted from Shift_JIS\n");
 }
 
-TEST(QblconvFilesTest, NobodyLeadsItOutOfTheTree) {
+TEST(QblconvFilesTest, StaysInTheTreeDespiteSwappedLinks) {
     TempTree tree;
     for (const char* directory : {"in/sub", "elsewhere"}) tree.dir(directory);
     for (const char* file : {"in/sub/a", "in/sub/b", "elsewhere/b", "secret"})
@@ -211,22 +213,22 @@ TEST(QblconvFilesTest, NobodyLeadsItOutOfTheTree) {
         close(lock);
         return child.wait();
     };
-    // A directory that is gone through is swapped for a link.
+    // While qblconv processes a directory, a link takes its place.
     EXPECT_EQ(0, runLocked({"-r", "-i", tree("in")}, "in/sub/a", [&] {
                   std::filesystem::rename(tree("in/sub"), tree("moved"));
                   std::filesystem::create_symlink("../elsewhere", tree("in/sub"));
               }));
     EXPECT_EQ(kShiftJIS, tree.text("elsewhere/b"));
-    EXPECT_EQ(kUTF8, tree.text("moved/a")) << "which was open";
+    EXPECT_EQ(kUTF8, tree.text("moved/a")) << "the file was already open";
     EXPECT_EQ(kUTF8, tree.text("moved/b"));
-    // So is a file.
+    // A link takes the place of a file.
     tree.file("s", kShiftJIS);
     EXPECT_EQ(1, runLocked({"-i", tree("s")}, "s", [&] {
                   unlink(tree("s").c_str());
                   std::filesystem::create_symlink("secret", tree("s"));
               }));
     EXPECT_EQ(kShiftJIS, tree.text("secret"));
-    // Links in the tree for outputs are not followed; those in inputs are passed over.
+    // Links in the output tree are not followed; links in the input tree are skipped.
     tree.dir("out");
     for (const char* file : {"moved/a", "moved/b"}) tree.file(file, kShiftJIS);
     std::filesystem::create_symlink("../elsewhere", tree("out/moved"));
@@ -243,7 +245,7 @@ TEST(QblconvFilesTest, NobodyLeadsItOutOfTheTree) {
                   "elsewhere/link: a link, passed over\n");
 }
 
-TEST(QblconvFilesTest, WhatIsAppendedLateIsNotLost) {
+TEST(QblconvFilesTest, LateAppendsAreNotLost) {
     TempTree tree;
     std::string before, after;
     for (int i = 0; i < 3000; ++i) {
@@ -272,7 +274,7 @@ TEST(QblconvFilesTest, WhatIsAppendedLateIsNotLost) {
         const std::string text = tree.text("s");
         const bool isKept = std::filesystem::exists(tree("s.changed1"));
         if (isKept) {
-            // To the old version, when nothing could be done any more but keep it.
+            // Appended to the old version after the exchange: qblconv keeps that version.
             ++kept;
             EXPECT_EQ(1, status) << i;
             EXPECT_EQ(before + "late\n", tree.text("s.changed1")) << i;
@@ -282,19 +284,19 @@ TEST(QblconvFilesTest, WhatIsAppendedLateIsNotLost) {
             ++refused;
             EXPECT_EQ(before + "late\n", text) << i;
         } else {
-            // Read with the rest, or written to the new version.
+            // Appended before qblconv read the end, or to the new version.
             ++(isOld ? early : late);
             EXPECT_EQ(after + "late\n", text) << i;
         }
     }
     EXPECT_EQ("./s ", namesIn(tree, "."));
     std::printf(
-        "%d appends: %d read with the rest, %d noticed before the exchange, %d after it, "
+        "%d appends: %d converted with the rest, %d noticed before the exchange, %d after it, "
         "%d to the new version\n",
         appends, early, refused, kept, late);
 }
 
-TEST(QblconvFilesTest, OneOutputEachInTheOrderOfTheInputs) {
+TEST(QblconvFilesTest, WritesOneOutputPerInputAndReportsInOrder) {
     TempTree tree;
     std::string expected;
     tree.dir("in/deep/.git");
@@ -302,7 +304,7 @@ TEST(QblconvFilesTest, OneOutputEachInTheOrderOfTheInputs) {
         std::string name = std::to_string(1000 + i);
         if (i >= 150) name.insert(0, "deep/");
         const bool isBroken = i % 7 == 0;
-        // Some take longer than those behind them.
+        // Some files take longer than the files after them.
         std::string text;
         for (int k = i % 5 == 0 ? 20000 : 1; k > 0; --k) text += kShiftJIS;
         tree.file("in/" + name + ".txt", isBroken ? text + kBroken : text);
@@ -323,7 +325,7 @@ TEST(QblconvFilesTest, OneOutputEachInTheOrderOfTheInputs) {
     EXPECT_EQ("257\n", runTool(tree, "find in/out -type f | wc -l").output);
 }
 
-TEST(QblconvFilesTest, NothingIsLostWhereOutputMeetsInput) {
+TEST(QblconvFilesTest, OutputNeverDestroysItsInput) {
     TempTree tree;
     tree.file("s", kShiftJIS);
     expectRun(tree, "s -o s; cat s", 0, kUTF8);
@@ -335,7 +337,7 @@ TEST(QblconvFilesTest, NothingIsLostWhereOutputMeetsInput) {
               "bad:2:1: byte 2: the end cuts off 82, in Shift_JIS\ns: not written\n");
     EXPECT_EQ(kShiftJIS, tree.text("s"));
     expectRun(tree, "s >>s", 1, "s: would be written while it is read\n");
-    // A pipe without a reader is waited for; an interrupt ends that.
+    // qblconv waits for a reader of a pipe; a signal ends the wait.
     expectRun(tree, "</dev/null; mkfifo q; (sleep 0.1; cat q) & $Q -f Shift_JIS s -o q; wait", 0,
               kUTF8);
     expectRun(tree, "</dev/null; timeout 0.2 $Q -f Shift_JIS s -o q; echo $?; rm q", 0, "124\n");
@@ -352,13 +354,13 @@ TEST(QblconvFilesTest, NothingIsLostWhereOutputMeetsInput) {
     expectRun(tree, "bad -d s; $Q -f Shift_JIS -d /proc/no s", 1,
               "s/bad: cannot be written: File exists\ns:1:3: byte 3: 82 is not Shift_JIS\n");
     EXPECT_EQ("./bad ./s ", namesIn(tree, "."));
-    // Nor what stands in front of it in the file of the standard output.
+    // Earlier content of the file that is the standard output is kept too.
     tree.file("s", kShiftJIS);
     expectRun(tree, "s >f; $Q -f sjis s -o /dev/stdout >>f; cat f", 0, kUTF8 + kUTF8);
     expectRun(tree, "-v -n s 2>/dev/full", 1, "");
 }
 
-TEST(QblconvFilesTest, OutputsAreAsPrivateAsTheirInputs) {
+TEST(QblconvFilesTest, OutputsKeepThePermissionsOfTheirInputs) {
     TempTree tree;
     const std::string directory = tree.dir("in/private");
     ASSERT_EQ(0, chmod(tree.file("in/private/s", kShiftJIS).c_str(), 0400));
@@ -368,7 +370,7 @@ TEST(QblconvFilesTest, OutputsAreAsPrivateAsTheirInputs) {
     EXPECT_EQ(0400U, modeOf(tree("out/in/private/s")));
 }
 
-TEST(QblconvFilesTest, KilledAtAnyMomentItLeavesTheOldFileOrTheNew) {
+TEST(QblconvFilesTest, LeavesTheOldOrTheNewFileIfKilled) {
     TempTree tree;
     std::string before, after;
     for (int i = 0; i < 100000; ++i) {
@@ -395,7 +397,7 @@ TEST(QblconvFilesTest, KilledAtAnyMomentItLeavesTheOldFileOrTheNew) {
         EXPECT_TRUE(status == 0 || status == -SIGKILL) << status;
         const std::string text = tree.text("s");
         ASSERT_TRUE(text == before || text == after) << i << ": " << text.size() << " bytes";
-        // The original is kept from the moment on that its name has something else.
+        // As soon as the name has the new version, the original exists under its kept name.
         ASSERT_TRUE(text == before || tree.text("s.old") == before) << i;
         if (status == 0) ++ended;
         if (status != 0 && text == after) ++replaced;
@@ -403,11 +405,11 @@ TEST(QblconvFilesTest, KilledAtAnyMomentItLeavesTheOldFileOrTheNew) {
     }
     unlink(tree("s.old").c_str());
     EXPECT_EQ("./s ", namesIn(tree, "."));
-    std::printf("%d kills: %d too late, %d after the exchange, %d left an unfinished file\n", kills,
-                ended, replaced, unfinished);
+    std::printf("%d kills: %d after the end, %d after the exchange, %d left an unfinished file\n",
+                kills, ended, replaced, unfinished);
 }
 
-TEST(QblconvFilesTest, InterruptedItTakesAwayWhatIsNotFinished) {
+TEST(QblconvFilesTest, RemovesUnfinishedFilesIfInterrupted) {
     for (const int signal : {SIGINT, SIGQUIT, SIGTERM, SIGHUP}) {
         TempTree tree;
         const std::string pipe = tree("pipe");
@@ -417,7 +419,7 @@ TEST(QblconvFilesTest, InterruptedItTakesAwayWhatIsNotFinished) {
         std::string text;
         for (int i = 0; i < 100000; ++i) text += kShiftJIS;
         ASSERT_EQ(static_cast<ssize_t>(text.size()), write(writer, text.data(), text.size()));
-        // It has read some of it and made a file, for the pipe does not hold all.
+        // The text exceeds the pipe's buffer, so qblconv has read some of it and created a file.
         child.kill(signal);
         EXPECT_EQ(-signal, child.wait());
         close(writer);
@@ -425,7 +427,7 @@ TEST(QblconvFilesTest, InterruptedItTakesAwayWhatIsNotFinished) {
     }
 }
 
-TEST(QblconvFilesTest, AFileOverTheLimitIsReportedAndNothingIsLeft) {
+TEST(QblconvFilesTest, ReportsAFileOverTheSizeLimitAndLeavesNothing) {
     TempTree tree;
     std::string text;
     for (int i = 0; i < 2000; ++i) text += kShiftJIS;
@@ -438,7 +440,7 @@ TEST(QblconvFilesTest, AFileOverTheLimitIsReportedAndNothingIsLeft) {
     EXPECT_EQ(text, tree.text("s"));
 }
 
-TEST(QblconvFilesTest, AFullDiskIsReportedOnce) {
+TEST(QblconvFilesTest, ReportsAFullDiskOnce) {
     TempTree tree;
     tree.file("s", "s\n");
     tree.file("report", "<Message a=\"b\" ></Message>\n");
@@ -460,17 +462,17 @@ TEST(QblconvFilesTest, AFullDiskIsReportedOnce) {
         EXPECT_EQ(1, result.status) << row.command;
         EXPECT_EQ(row.said, result.output) << row.command;
     }
-    EXPECT_EQ("", runTool(tree, QBL_CONV " -l | :").output) << "nobody is there to read it";
+    EXPECT_EQ("", runTool(tree, QBL_CONV " -l | :").output) << "no error if the reader has gone";
 }
 
-TEST(QblconvFilesTest, InterruptedItDoesNotWaitForOthers) {
+TEST(QblconvFilesTest, DoesNotWaitIfInterrupted) {
     TempTree tree;
     const int file = open(tree.file("s", kShiftJIS).c_str(), O_RDWR);
     ASSERT_EQ(1, M_LockFile(file, 0, 0));
     for (const char* pipe : {"one", "two"}) ASSERT_EQ(0, mkfifo(tree(pipe).c_str(), 0600));
     Child locked = start({"--lock=wait", "-n", tree("one"), tree("s")});
     Child reading = start({"-j2", "-n", tree("one"), tree("two")});
-    // Both have begun when they have opened their pipes.
+    // Both processes have started once their pipes are open.
     const int one = open(tree("one").c_str(), O_WRONLY), two = open(tree("two").c_str(), O_WRONLY);
     for (Child* child : {&locked, &reading}) {
         child->kill(SIGTERM);

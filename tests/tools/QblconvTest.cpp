@@ -1,4 +1,4 @@
-// What the converter makes of texts, and of its command line.
+// Tests the output of qblconv for texts, and its command line.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -8,8 +8,9 @@
 
 namespace {
 
-/// Files that the tables name: s is Shift_JIS, b is broken, u and w begin with a mark, e is empty,
-/// n has a zero, z a character that Shift_JIS lacks.
+/// Creates the files of the tables: s is Shift_JIS; b is malformed Shift_JIS; u and w begin with a
+/// byte-order mark; e is empty; n has a null; z has characters that Shift_JIS lacks; m and o do not
+/// round-trip in cp932 and ISO-2022-JP.
 void makeFiles(const TempTree& tree) {
     tree.file("s", "a\x82\xA0\n");
     tree.file("b", "x\n\x82\xA0\x82 c\n\x82");
@@ -44,7 +45,7 @@ std::string bytes(const char* text, std::size_t size) { return {text, size}; }
 
 }  // namespace
 
-TEST(QblconvTest, TextsAreJoinedUnderEachPolicyAndMark) {
+TEST(QblconvTest, JoinsTextsUnderEachPolicyAndMark) {
     expectRuns({
         {"-f Shift_JIS s", 0, "a\xE3\x81\x82\n"},
         {"s --from sjis - e s -q <s", 0, "a\xE3\x81\x82\na\xE3\x81\x82\na\xE3\x81\x82\n"},
@@ -64,7 +65,7 @@ TEST(QblconvTest, TextsAreJoinedUnderEachPolicyAndMark) {
          "zz:1:1: U+00E9 is not in sjis\nz:1:2: U+200B is not in sjis\nz:1:4: U+1F600 is not in "
          "sjis\nz: warning: replaced or left out: 3\nz: converted from UTF-8\n"},
         {"-t sjis z", 1, "z:1:1: U+00E9 is not in sjis\n"},
-        // Neither a similar character nor none takes a character's place unasked.
+        // By default, no character is replaced by a similar one or dropped.
         {"-t Big5 u", 1, "u:1:1: U+00E4 is not in Big5\n"},
         {"-n -t Big5 u", 1, "u:1:1: U+00E4 is not in Big5\n"},
         {"-vp skip,fit -t Big5 u", 0,
@@ -75,7 +76,7 @@ TEST(QblconvTest, TextsAreJoinedUnderEachPolicyAndMark) {
          "z:1:2: U+200B is not in latin1\nout: not written\nnone"},
         {"-f ASCII u", 1, "u:1:1: byte 0: EF is not US-ASCII\n"},
         {"-o out s -f sjis && cat out", 0, "a\xE3\x81\x82\n"},
-        // What the name says counts; only of the order of bytes does a mark tell more.
+        // -f overrides a byte-order mark, except for the byte order if the name leaves it open.
         {"-f UTF-8 w", 1, "w:1:1: byte 0: FF is not UTF-8\n"},
         {"w -f UTF-16LE; printf '\\376\\377\\0a' | $Q -f UTF-16", 0, "\xC3\xA4\na"},
         {"-t UTF-16 u; $Q --bom=strip -t UTF-16 u", 0, bytes("\xFF\xFE\xE4\0\n\0\xE4\0\n\0", 10)},
@@ -86,7 +87,7 @@ TEST(QblconvTest, TextsAreJoinedUnderEachPolicyAndMark) {
     });
 }
 
-TEST(QblconvTest, ACheckNamesEverySequence) {
+TEST(QblconvTest, CheckReportsEverySequence) {
     expectRuns({
         {"-n -f Shift_JIS b s e -v", 1,
          "b:2:2: byte 4: 82 is not Shift_JIS\nb:3:1: byte 8: the end cuts off 82, in Shift_JIS\n"
@@ -103,13 +104,13 @@ TEST(QblconvTest, ACheckNamesEverySequence) {
     });
 }
 
-TEST(QblconvTest, MessagesComeInTheUsersLanguageAndAsXml) {
+TEST(QblconvTest, MessagesUseTheUsersLanguageOrXml) {
     expectRuns({{"-n -f sjis b", 1,
                  "b:2:2: Byte 4: 82 ist kein sjis\n"
                  "b:3:1: Byte 8: 82 wird vom Ende abgeschnitten, in sjis\n"},
                 {"-L fr -nf sjis -t latin1 s", 1, "s:1:2: U+3042 n'est pas dans latin1\n"}},
                "LC_ALL=de_AT.UTF-8");
-    // The text, and what it can be shown from in another language.
+    // The message's text, and the components from which it can be shown in another language.
     const auto message = [](const char* id, const std::string& text,
                             const std::vector<const char*>& parameters) {
         std::string element =
@@ -145,7 +146,7 @@ TEST(QblconvTest, MessagesComeInTheUsersLanguageAndAsXml) {
     });
 }
 
-TEST(QblconvTest, ReportsForProgramsAreObjectsOnLines) {
+TEST(QblconvTest, JsonReportsHaveOneObjectPerLine) {
     const std::string file = R"({"type":"file","file":)";
     expectRuns({
         {"--json -n -f sjis s b", 1,
@@ -179,9 +180,9 @@ TEST(QblconvTest, ReportsForProgramsAreObjectsOnLines) {
     });
 }
 
-TEST(QblconvTest, SimilarTextsTakeThePlaceOfCharacters) {
+TEST(QblconvTest, ReplacesCharactersBySimilarTexts) {
     TempTree tree;
-    // The fraction stays apart from a number. No reading of the Japanese is guessed.
+    // A fraction is separated from the number before it. Japanese is not transliterated.
     tree.file("t", "\xC2\xBD \xEF\xAC\x81 \xC5\x81 1\xC2\xBD \xD0\xAF e\xCC\x81\n");
     tree.file("j", "\xE6\x97\xA5\xE2\x80\x9C\xFF\n");
     const struct {
@@ -208,7 +209,7 @@ TEST(QblconvTest, SimilarTextsTakeThePlaceOfCharacters) {
     }
 }
 
-TEST(QblconvTest, LineEndsAreThoseOfTheTextInAnyEncoding) {
+TEST(QblconvTest, ConvertsLineEndsInAnyEncoding) {
     TempTree tree;
     tree.file("l", "a\r\nb\nc\rd\r\n\r");
     const struct {
@@ -219,7 +220,7 @@ TEST(QblconvTest, LineEndsAreThoseOfTheTextInAnyEncoding) {
         {"--eol=lf l", "a\nb\nc\rd\n\r"},
         {"--eol=crlf l", "a\r\nb\r\nc\rd\r\n\r"},
         {"--eol=crlf -t UTF-16LE --bom=strip l | $Q -f UTF-16LE --eol lf", "a\nb\nc\rd\n\r"},
-        // Longer than a block, with a return at its end.
+        // Longer than a block: a carriage return is the last byte of the first block.
         {"--eol=lf big | cmp - expected", ""},
         {"--eol=lf l -p escape --verify", "qblconv: --eol does not go with --verify\n"},
         {"-i -k --eol=lf l", "qblconv: --eol does not go with -k\n"},
@@ -232,8 +233,8 @@ TEST(QblconvTest, LineEndsAreThoseOfTheTextInAnyEncoding) {
                   runTool(tree, "Q='" QBL_CONV "'; $Q " + std::string(row.arguments)).output);
 }
 
-TEST(QblconvTest, AVerifiedFileIsLeftAloneUnlessItComesBack) {
-    // The encodings have two sequences of bytes for a character, and redundant escape sequences.
+TEST(QblconvTest, VerifyRejectsFilesThatDoNotRoundTrip) {
+    // These encodings have two byte sequences for a character, or redundant escape sequences.
     expectRuns({
         {"--verify -t sjis -f EUC-JP e u -k", 2,
          "qblconv: -k is not for joining files; is -d or -i missing?\n"},
@@ -248,7 +249,7 @@ TEST(QblconvTest, AVerifiedFileIsLeftAloneUnlessItComesBack) {
     });
 }
 
-TEST(QblconvTest, MisuseIsNamedAndNothingIsDone) {
+TEST(QblconvTest, ReportsMisuseAndDoesNothing) {
     const char* const table[][2] = {
         {"-Z s", "qblconv: no such option: -Z"},
         {"--form=X s", "qblconv: no such option: --form; perhaps --from?"},
@@ -320,14 +321,14 @@ TEST(QblconvTest, MisuseIsNamedAndNothingIsDone) {
     EXPECT_EQ("-Z\n", runTool(tree, "echo -Z >-Z; '" QBL_CONV "' -- -Z").output);
 }
 
-TEST(QblconvTest, EncodingsAreListedByAnyOfTheirNames) {
+TEST(QblconvTest, ListsEncodingsByAnyName) {
     TempTree tree;
     const Outcome found = runTool(tree, "'" QBL_CONV "' -l latin-9");
     EXPECT_EQ(0, found.status);
     EXPECT_EQ(0U, found.output.find("ISO-8859-15 "));
     EXPECT_EQ(found.output, runTool(tree, "'" QBL_CONV "' -l latin9").output);
     EXPECT_EQ(1, runTool(tree, "'" QBL_CONV "' -l no-such").status);
-    // Some have no letters, but all of them open.
+    // Every listed encoding can be opened.
     const char loop[] =
         "$Q -l | cut -d' ' -f1 | while read e; do : | $Q -t $e >/dev/null || echo $e; done";
     EXPECT_EQ("", runTool(tree, "Q='" QBL_CONV "'; " + std::string(loop)).output);

@@ -13,7 +13,8 @@
 
 namespace {
 
-/// Runs the tool in a directory. @param environment  like "LC_ALL=de"
+/// Runs the tool in a directory.
+/// @param environment  assignments such as "LC_ALL=de"
 Outcome run(const TempTree& tree, const std::string& arguments,
             const std::string& environment = "LC_ALL=C") {
     return runTool(tree, "'" QBL_MSGC "' " + arguments, environment);
@@ -26,14 +27,14 @@ void expectRun(const TempTree& tree, const std::string& arguments, int status,
     EXPECT_EQ(output, result.output) << arguments;
 }
 
-/// The one form that the tool writes.
+/// Returns the bytes of a message file exactly as the tool writes it.
 std::string compiled(const std::map<unsigned, std::string>& texts) {
     return bmfBytes(texts).replace(5, 3, 3, '\0');
 }
 
 }  // namespace
 
-TEST(QblmsgcTest, EachMistakeIsNamedWithItsPlace) {
+TEST(QblmsgcTest, ReportsEachMistakeWithItsPlace) {
     std::string many = "1 \"";
     for (int i = 0; i < 101; ++i) many += "{0,choice,0#a}";
     many += '"';
@@ -79,7 +80,8 @@ TEST(QblmsgcTest, EachMistakeIsNamedWithItsPlace) {
         expectRun(tree, "-c t.msg", isWarning ? 0 : 1, found);
         expectRun(tree, "-cqW t.msg", 1, isWarning ? "" : found);
     }
-    // All of a run, by place; a message whose text is broken still counts.
+    // All errors of a run are sorted by place. A message with a malformed text still defines its
+    // identifier.
     tree.file("t.msg", "7 \"\\uD800\"\n7 \"{x}\"\n");
     expectRun(
         tree, "-c -r no.msg t.msg", 2,
@@ -93,7 +95,7 @@ TEST(QblmsgcTest, EachMistakeIsNamedWithItsPlace) {
                        "die Nummer 7 steht schon in Zeile 1</MessageText>"));
 }
 
-TEST(QblmsgcTest, ATranslationIsComparedWithItsReference) {
+TEST(QblmsgcTest, ComparesATranslationWithItsReference) {
     TempTree tree;
     tree.file("en.msg", "1 A \"{0} {1}\"\n2 B \"b\"\n3 C \"c\"\n");
     tree.file("de.msg", "1 A \"{1,number} {0}\"\n3 X \"{2}{2}\"\n4 \"d\"\n");
@@ -105,7 +107,7 @@ TEST(QblmsgcTest, ATranslationIsComparedWithItsReference) {
     EXPECT_FALSE(std::filesystem::exists(tree("de.bmf")));
 }
 
-TEST(QblmsgcTest, WhatIsWrittenIsWholeAndReadBack) {
+TEST(QblmsgcTest, WritesWholeFilesThatReadBackUnchanged) {
     TempTree tree;
     const std::string bytes = compiled({{1, "\xC3\xA4\n\"\\"}, {0x80000001, "it's {0}"}});
     tree.file(
@@ -119,12 +121,12 @@ TEST(QblmsgcTest, WhatIsWrittenIsWholeAndReadBack) {
         tree.text("x-ids.h"));
     expectRun(tree, "-d out.bmf", 0,
               "1 \"\xC3\xA4\\n\"\n    \"\\\"\\\\\"\n2147483649 \"it's {0}\"\n");
-    // After an error the old files stay.
+    // After an error, the old files are unchanged.
     tree.file("x.msg", "1 A \"{\"");
     EXPECT_EQ(1, run(tree, "-H x-ids.h -o out.bmf x.msg").status);
     EXPECT_EQ(bytes, tree.text("out.bmf"));
     EXPECT_NE(std::string::npos, tree.text("x-ids.h").find("HIGH"));
-    // Texts that are no patterns, and characters that cannot be seen, come through too.
+    // Texts that are not patterns, and invisible characters, also round-trip.
     tree.file("odd.bmf", compiled({{5, "{\t"}, {6, ""}, {7, "\x01\xC2\xA0\r{0,x}"}}));
     EXPECT_EQ(0, run(tree, "-d odd.bmf >odd.msg && '" QBL_MSGC "' -qo again.bmf odd.msg").status);
     EXPECT_EQ(tree.text("odd.bmf"), tree.text("again.bmf"));
@@ -132,7 +134,7 @@ TEST(QblmsgcTest, WhatIsWrittenIsWholeAndReadBack) {
               "/no/x.bmf: cannot be written: No such file or directory\n");
 }
 
-TEST(QblmsgcTest, ShippedCataloguesComeBackFromTheirDumps) {
+TEST(QblmsgcTest, ShippedCataloguesRoundTripThroughDumps) {
     TempTree tree;
     int count = 0;
     for (const auto& file : std::filesystem::directory_iterator(QBL_MSGS_DIR)) {
@@ -157,14 +159,14 @@ TEST(QblmsgcTest, ShippedCataloguesComeBackFromTheirDumps) {
     }
 }
 
-TEST(QblmsgcTest, HostileMessageFilesAreRefused) {
+TEST(QblmsgcTest, RejectsHostileMessageFiles) {
     TempTree tree;
     const std::string good = bmfBytes({{1, "one"}, {2, "two"}});
     const auto expectDump = [&](const std::string& bytes, const std::string& output) {
         tree.file("t.bmf", bytes);
         expectRun(tree, "-d t.bmf", 1, output);
     };
-    // The bytes behind the zero of the magic are others.
+    // The bytes after the null of the magic differ from those that the tool writes.
     expectDump(good,
                "1 \"one\"\n2 \"two\"\nt.bmf: compiling this dump gives the same texts, but "
                "not the same bytes\n");
@@ -189,7 +191,7 @@ TEST(QblmsgcTest, HostileMessageFilesAreRefused) {
     }
 }
 
-TEST(QblmsgcTest, MisuseIsNamedAndNothingIsOverwritten) {
+TEST(QblmsgcTest, ReportsMisuseAndOverwritesNothing) {
     TempTree tree;
     tree.file("t.msg", "1 A \"a\"\n");
     std::filesystem::create_symlink("t.msg", tree("link"));
@@ -220,10 +222,10 @@ TEST(QblmsgcTest, MisuseIsNamedAndNothingIsOverwritten) {
     EXPECT_EQ("1 A \"a\"\n", tree.text("t.msg"));
     expectRun(tree, "-H a.hpp -o no/a.bmf t.msg", 1,
               "no/a.bmf: cannot be written: No such file or directory\n");
-    EXPECT_FALSE(std::filesystem::exists(tree("a.hpp"))) << "neither is put in place";
+    EXPECT_FALSE(std::filesystem::exists(tree("a.hpp"))) << "neither file is written";
 }
 
-TEST(QblmsgcTest, HostileNamesAndTextsAreShownEscaped) {
+TEST(QblmsgcTest, EscapesHostileNamesAndTexts) {
     TempTree tree;
     const std::string name = "x\nint y;\xE2\x80\xAE\\.msg";
     tree.file(name, "1 A \"\"\n2 class \"\\u001B[2J\"");
@@ -235,17 +237,17 @@ TEST(QblmsgcTest, HostileNamesAndTextsAreShownEscaped) {
     tree.file(name, "1 A \"a\"");
     expectRun(tree, "-H a.hpp -o a.bmf " + quoted, 0, "");
     EXPECT_EQ(0U, tree.text("a.hpp").find("// Made by qblmsgc from x\\x0Aint y;"));
-    // A pipe is read; one that nobody writes to is refused.
+    // Pipes are read, but a pipe without a writer is an error.
     expectRun(tree, "-c /dev/stdin <<'X'\n1 \"\"\nX", 0,
               "/dev/stdin:1:4: warning: an empty text counts as none\n");
     expectRun(tree, "-V >/dev/null; mkfifo fifo; '" QBL_MSGC "' -d fifo", 1,
               "fifo: cannot be read: Broken pipe\n");
 }
 
-TEST(QblmsgcTest, SharedTextsAreReadInPlace) {
-    if (kSanitizer) GTEST_SKIP() << "needs all of the address space";
+TEST(QblmsgcTest, ReadsSharedTextsWithoutCopies) {
+    if (kSanitizer) GTEST_SKIP() << "sanitizers need more address space than this test allows";
     TempTree tree;
-    // 2000 identifiers with the one text of 1 MB, which copies would make 2 GB of.
+    // 2000 identifiers share a text of 1 MB. Copies would need 2 GB.
     std::string texts(1000000, 'a'), bytes = std::string("BMF1\0\0\0\0", 8) + bigEndian(2000) +
                                              bigEndian(static_cast<unsigned>(texts.size() + 1));
     for (unsigned i = 0; i < 2000; ++i)
@@ -255,7 +257,7 @@ TEST(QblmsgcTest, SharedTextsAreReadInPlace) {
               "0 \"aaaaaa");
 }
 
-TEST(QblmsgcTest, ReportsAreShownInTheReadersLanguage) {
+TEST(QblmsgcTest, ShowsReportsInTheReadersLanguage) {
     TempTree tree;
     tree.file("disk_en.bmf", bmfBytes({{7, "Only {1} bytes are left in {0}."}}));
     tree.file("disk_de.bmf", bmfBytes({{7, "In {0} sind nur noch {1} Bytes frei."}}));
@@ -280,21 +282,21 @@ TEST(QblmsgcTest, ReportsAreShownInTheReadersLanguage) {
     const std::string place = std::to_string(("before " + report + " after\n").size());
     expectRun(tree, "-s log >/dev/null", 1,
               "byte " + place + ": a report that is not well-formed XML, or too large\n");
-    // In pieces, from a pipe.
+    // The report arrives in pieces, from a pipe.
     const Outcome german =
         run(tree, "-s - de <<X\n" + std::string("$(head -c 9000 /dev/zero | tr '\\0' '<')") +
                       report + "\nX");
     EXPECT_EQ(0, german.status);
     EXPECT_NE(std::string::npos,
               german.output.find("Warnung: In /var sind nur noch 1.234.567 Bytes frei."));
-    // Work grows as the size does, or this would take minutes.
+    // The time must be linear in the size: with quadratic time, this would take minutes.
     std::string hostile = "<Exception ";
     for (int i = 0; i < 100000; ++i) hostile += "<a ><Message </Exception>";
     tree.file("hostile", hostile);
     EXPECT_EQ(1, run(tree, "-s hostile").status);
 }
 
-TEST(QblmsgcTest, TextsAndPlacesAreShown) {
+TEST(QblmsgcTest, ShowsTextsAndSearchedFiles) {
     TempTree tree;
     tree.file("t_de_AT.bmf", bmfBytes({{1, "{0}|{1}|{2}|{3}|{4}|{5}"}, {2, "two"}, {3, "{"}}));
     tree.file("t_en.bmf", "x");

@@ -8,13 +8,14 @@
 
 #include "tests/support/TempTree.hpp"
 
-/// What a run printed, on both streams, and its exit status.
+/// The exit status of a run, and its output to both streams.
 struct Outcome {
     int status;
     std::string output;
 };
 
-/// Runs a command of the shell in a directory. @param environment  like "LC_ALL=de"
+/// Runs a shell command in a directory.
+/// @param environment  assignments such as "LC_ALL=de"
 inline Outcome runTool(const TempTree& tree, const std::string& command,
                        const std::string& environment = "LC_ALL=C") {
     const std::string whole = "cd '" + std::string(tree.root()) +

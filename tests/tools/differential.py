@@ -3,11 +3,11 @@
 
     differential.py [--full | --encoding NAME ...] [--show] [--update] QBLCONV
 
-ICU has the tables of qblconv: any difference from uconv is a fault, except where uconv writes bytes
-that read as another character and qblconv reports that the encoding lacks the character. glibc has
-tables of its own: what differs is recorded in differential.txt beside this script, and anything
-else is a fault. What qblconv writes without a report reads as the same text again, with qblconv and
-with uconv. Without --full a dozen encodings of different kinds are compared.
+qblconv uses the tables of ICU, so any difference from uconv is a fault. The only exception: uconv
+may write bytes that decode to another character where qblconv reports the character as lacking.
+glibc has other tables: differential.txt beside this script records the known differences, and any
+other difference is a fault. Output that qblconv writes without a report must decode to the same
+text by qblconv and by uconv. Without --full, compares about a dozen encodings of different kinds.
 """
 import argparse
 import bisect
@@ -24,29 +24,30 @@ from glibc_iconv import Iconv
 
 FEW = ["Shift_JIS", "EUC-JP", "ISO-2022-JP", "GB18030", "Big5", "EUC-KR", "KOI8-R", "windows-1252",
        "ISO-8859-2", "IBM437", "IBM037", "ibm-930_P120-1999", "UTF-16", "UTF-32LE", "HZ-GB-2312"]
-# All of the BMP, and beyond it some blocks, every seventh ideograph of plane 2, and ends of planes.
-# Each stands on a line of its own, so LF is not among them.
+# The whole BMP, some blocks beyond it, every seventh ideograph of plane 2, and the ends of planes.
+# Each character is on its own line, so LF is left out.
 CHARACTERS = [chr(c) for c in [*range(0xD800), *range(0xE000, 0x10000), *range(0x10000, 0x10100),
                                *range(0x1F300, 0x1F700), *range(0x20000, 0x30000, 7),
                                *range(0xE0000, 0xE0080), *range(0xF0000, 0xF0100),
                                *range(0x10FF00, 0x110000)] if c != 0x0A]
-# ICU's converters to these depend on how much they get at a time; the meaning does not.
+# ICU's output in these encodings depends on the block size, but decodes to the same text.
 PORTIONED = re.compile("SCSU|BOCU|LMBCS|HZ|compound|version=")
-# Of LMBCS two characters do not come back, and ICU does not tell; its converters to ISCII take and
-# refuse characters wrongly after one that they lack, and are left out (i18n_text_stream.hpp).
+# Two characters do not round-trip in LMBCS, and ICU does not report them. ICU's ISCII converters
+# accept and reject wrong characters after one that the encoding lacks (see i18n_text_stream.hpp),
+# so they are not compared.
 SILENT = {"LMBCS": "\ufffe\uffff"}
 LEFT_OUT = re.compile("ISCII")
-# What ICU's converters from these say of malformed bytes depends on how much they get at a time.
+# For these encodings, ICU's reports of malformed bytes depend on the block size.
 MALFORMED = re.compile("BOCU|compound")
-# glibc drops these without a word, in every encoding that lacks them.
+# glibc silently drops these characters in every encoding that lacks them.
 TAGS = {chr(c) for c in range(0xE0000, 0xE0080)}
-# A code of two bytes between the shifts to its set and back.
+# A two-byte code between the shift to its character set and the shift back.
 SHIFTED = re.compile(rb"((?:\x1b[ -/]+[0-~]|\x1b[NO]|\x0e|~\{)+)..(\x0f|\x1b\(B|~\}|)", re.DOTALL)
 LIMIT = 600  # seconds for one program
 
 
 class Fault(Exception):
-    """What no record excuses."""
+    """A difference that differential.txt cannot excuse."""
 
 
 def kind_of(ours, theirs):
@@ -54,7 +55,7 @@ def kind_of(ours, theirs):
 
 
 def split(output, feed, count):
-    """Lines in an encoding; None if its line ends do not tell them apart."""
+    """Splits encoded output into lines. Returns None if line ends do not separate the lines."""
     if not feed:
         return None
     if len(feed) == 1:
@@ -72,7 +73,8 @@ def split(output, feed, count):
 
 
 class Comparison:
-    """Of one encoding. A difference from glibc is: way, kind, reason, what, ours, theirs."""
+    """Compares one encoding. A difference from glibc is a tuple (way, kind, reason, what, ours,
+    theirs)."""
 
     def __init__(self, qblconv, name, glibc):
         self.qblconv, self.name, self.glibc = qblconv, name, glibc
@@ -95,7 +97,7 @@ class Comparison:
 
     def ours(self, way, text, *options):
         if way == "to" and self.name.endswith("_PlatformEndian"):
-            options += ("--bom=strip",)  # uconv adds no mark to these
+            options += ("--bom=strip",)  # uconv writes no byte-order mark in these encodings
         return run([self.qblconv, *self.codes(way), *options], text)
 
     def icu(self, way, text, callback="stop"):
@@ -106,14 +108,16 @@ class Comparison:
         return self.ours("to", text)[1]
 
     def find_characters(self):
-        """All that -n does not report are characters of the encoding."""
-        # Sets of two bytes have no line ends; all stands on one line then.
+        """Sets self.has and self.lacking from the reports of qblconv -n."""
+        # Pure two-byte sets have no line ends; then all characters are on one line.
         self.end = "\n" if self.ours("to", b"\n")[0] == 0 else ""
         status, _, said = self.check_only(self.text_of(CHARACTERS), self.codes("to"))
         lacking = [chr(int(code, 16)) for code in re.findall(r": U\+([0-9A-F]+) is not in ", said)]
         self.lacking = set(lacking)
-        self.require(len(lacking) == said.count("\n") == len(self.lacking), "reports", said[:200])
-        self.require(status == (1 if lacking else 0), "-n ends with", status)
+        self.require(len(lacking) == said.count("\n") == len(self.lacking),
+                     "unexpected reports of qblconv -n:", said[:200])
+        self.require(status == (1 if lacking else 0), "unexpected exit status of qblconv -n:",
+                     status)
         self.has = [c for c in CHARACTERS if c not in self.lacking]
         self.feed = self.encode(b"\n\n")[len(self.encode(b"\n")):]
         self.is_marked = self.feed != self.encode(b"\n")
@@ -125,24 +129,26 @@ class Comparison:
         return run([self.qblconv, "-n", *codes, "-"], text)
 
     def check_single_characters(self):
-        """One that is lacking fails with all programs, one that is there with none."""
+        """A lacking character must fail with both programs, and an existing one with neither."""
         lacking = sorted(self.lacking)
         for c in lacking[::len(lacking) // 3 + 1] + self.has[::len(self.has) // 3 + 1]:
             text, wanted = c.encode(), int(c in self.lacking)
             status, output, said = self.ours("to", text)
-            self.require(status == wanted, f"U+{ord(c):04X}", status, said)
-            self.require((f"U+{ord(c):04X} is not in" in said) == bool(wanted), said)
+            self.require(status == wanted, f"U+{ord(c):04X}: qblconv exits with", status, said)
+            self.require((f"U+{ord(c):04X} is not in" in said) == bool(wanted),
+                         f"U+{ord(c):04X}: unexpected message of qblconv:", said)
             theirs = self.icu("to", text)
             if wanted:
                 is_right = theirs[0] != 0 or self.icu("from", theirs[1])[1] != text
             else:
                 is_right = theirs[:2] == (0, output)
-            self.require(is_right, f"U+{ord(c):04X} with uconv", theirs)
+            self.require(is_right, f"U+{ord(c):04X}: unexpected result of uconv:", theirs)
 
     def compare_output(self):
-        """With what is lacking left out; without it there is nothing to be said."""
+        """Compares the output with uconv's: without the lacking characters, and skipping them."""
         status, self.output, said = self.ours("to", self.text_of(self.has))
-        self.require(status == 0 and not said, "writes what it has with", status, said[:200])
+        self.require(status == 0 and not said, "qblconv cannot write characters that the encoding "
+                     "has: status", status, said[:200])
         self.lines = split(self.output, self.feed, len(self.has))
         text = self.text_of(CHARACTERS)
         ours, theirs = self.ours("to", text, "-c", "-q")[1], self.icu("to", text, "skip")[1]
@@ -150,14 +156,15 @@ class Comparison:
             return
         if not self.end:
             theirs = self.icu("to", self.text_of(self.has))
-            self.require(theirs[:2] == (0, self.output), "the output is not that of uconv")
+            self.require(theirs[:2] == (0, self.output), "the output differs from uconv's")
             return
         ours, theirs = (split(each, self.feed, len(CHARACTERS)) for each in (ours, theirs))
-        self.require(ours and theirs, "the output is not that of uconv")
+        self.require(ours and theirs, "the number of output lines differs from uconv's")
         changed = [row for row in zip(CHARACTERS, ours, theirs) if row[1] != row[2]]
         read = self.icu("from", b"".join(b + self.feed for _, _, b in changed))[1].decode()
         for (c, a, b), again in zip(changed, read.split("\n")):
-            self.require(not a and again != c, f"U+{ord(c):04X}: {a.hex()}, with uconv {b.hex()}")
+            self.require(not a and again != c,
+                         f"U+{ord(c):04X}: qblconv writes {a.hex()}, uconv {b.hex()}")
 
     def check_return(self):
         silent = "".join(SILENT[each] for each in SILENT if each in self.name)
@@ -168,8 +175,8 @@ class Comparison:
             text = result[1].decode("utf-8", "replace")
             again = text.split("\n")[:-1] if self.end else list(text)
             changed = [f"U+{ord(a):04X}: {b!r}" for a, b in zip(wanted, again) if a != b]
-            self.require(result[0] == 0 and again == wanted, "does not come back by", who,
-                         changed[:9])
+            self.require(result[0] == 0 and again == wanted, "the output does not decode to the "
+                         "same text by", who, changed[:9])
 
     def compare_sequences(self):
         if self.lines is None or MALFORMED.search(self.name):
@@ -178,12 +185,13 @@ class Comparison:
         theirs = self.glibc_lines() if self.glibc else {}
         if self.glibc:
             self.compare_characters(lines, theirs)
-        if self.is_marked:  # what follows is no text of its own
+        if self.is_marked:  # a single sequence without a byte-order mark is not a text
             return
         sequences = self.sequences({*lines.values(), *theirs.values()} - {b""})
         records = b"".join(each + self.feed for each in sequences)
         ours = self.ours("from", records, "-p", "escape", "-q", "--bom=keep")[1]
-        self.require(ours == self.icu("from", records, "escape")[1], "reads not what uconv does")
+        self.require(ours == self.icu("from", records, "escape")[1],
+                     "the decoded text differs from uconv's")
         if self.glibc:
             self.compare_texts(sequences, self.read(sequences))
 
@@ -196,7 +204,8 @@ class Comparison:
             if line is None:
                 iconv.put(b"\n")
             else:
-                self.require(line.endswith(feed), f"U+{ord(c):04X} with iconv", line.hex())
+                self.require(line.endswith(feed),
+                             f"U+{ord(c):04X}: no line end in the output of iconv:", line.hex())
                 lines[c] = line[:-len(feed)]
         return lines
 
@@ -218,7 +227,8 @@ class Comparison:
                                      b and b.hex()))
         lacking = [c for c in self.lacking if c not in theirs][:1]
         for c in lacking:
-            self.require(run(["iconv", "-f", "UTF-8", "-t", self.glibc], c.encode())[0] == 1, c)
+            self.require(run(["iconv", "-f", "UTF-8", "-t", self.glibc], c.encode())[0] == 1,
+                         f"U+{ord(c):04X}: iconv accepts a character that the encoding lacks")
 
     def sequences(self, known):
         width = len(self.feed)
@@ -234,12 +244,12 @@ class Comparison:
             for before, after in shifts:
                 known |= {before + each + after for each in pairs if min(each) > 0x20}
         elif max(map(len, known)) > 1:
-            alone = self.read(plain)  # before which nothing but another character can come
+            alone = self.read(plain)  # bytes that are a character by themselves start no pair
             known |= {each for each in pairs if each[:1] not in alone}
         return sorted(each for each in known | set(plain) if self.feed not in each)
 
     def read(self, sequences):
-        """The text of each that is right."""
+        """Maps each valid sequence to its text."""
         records = [each + self.feed for each in sequences if self.feed not in each]
         starts = list(itertools.accumulate(map(len, records), initial=0))
         said = self.check_only(b"".join(records), self.codes("from")[:2])[2]
@@ -249,7 +259,8 @@ class Comparison:
         status, text, said = self.ours("from", b"".join(each + self.feed for each in good),
                                        "--bom=keep")
         texts = text.decode().split("\n")[:-1]
-        self.require(status == 0 and len(texts) == len(good), "reads with", status, said[:200])
+        self.require(status == 0 and len(texts) == len(good), "qblconv cannot read sequences that "
+                     "-n accepts: status", status, said[:200])
         return dict(zip(good, texts))
 
     def compare_texts(self, sequences, ours):
@@ -279,7 +290,7 @@ def plain(name):
 
 
 def encodings_of(qblconv):
-    """The name of each for qblconv and uconv, and one for iconv if it knows a name of it."""
+    """Yields each encoding's name for qblconv and uconv, and its name for iconv or None."""
     known = {}
     for name in run(["iconv", "-l"], b"")[1].decode().split():
         known.setdefault(plain(name), name.rstrip("/"))
@@ -287,7 +298,7 @@ def encodings_of(qblconv):
         names = line.split()
         glibc = None
         for name in names:
-            # ICU has names that stand for several; iconv is asked for those that mean this one.
+            # Some names of ICU mean several encodings. Only names that mean this one are used.
             if glibc is None and plain(name) in known:
                 used = run(["uconv", "--list-code", name], b"")[1].decode().split()
                 if set(used) & set(names):
@@ -299,14 +310,14 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n", maxsplit=1)[0])
     parser.add_argument("qblconv")
     parser.add_argument("--full", action="store_true", help="compare all encodings")
-    parser.add_argument("--encoding", action="append", help="compare this one", default=[])
+    parser.add_argument("--encoding", action="append", help="compare this encoding", default=[])
     parser.add_argument("--show", action="store_true", help="print each difference from glibc")
     parser.add_argument("--update", action="store_true", help="record the differences from glibc")
     options = parser.parse_args()
     chosen = [each for each in encodings_of(options.qblconv) if not LEFT_OUT.match(each[0]) and
               (options.full or each[0] in (options.encoding or FEW))]
     if not options.full and len(chosen) < len(options.encoding or FEW):
-        parser.error("not all of these are encodings that qblconv lists first in a line of -l")
+        parser.error("unknown encoding: use the first name in a line of 'qblconv -l'")
 
     def compare(encoding):
         try:
@@ -327,8 +338,10 @@ def main():
                 lines[name] = found
             else:
                 known = set(lines.get(name, []))
-                faults += [f"not recorded: {each}" for each in found if each not in known]
-                faults += [f"recorded: {each}" for each in known if each not in found]
+                faults += [f"not in differential.txt: {each}" for each in found
+                           if each not in known]
+                faults += [f"only in differential.txt: {each}" for each in known
+                           if each not in found]
     if options.update:
         write(lines)
     for fault in faults:

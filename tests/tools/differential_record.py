@@ -1,14 +1,15 @@
-"""What is known of the differences between the tables of qblconv and glibc: differential.txt."""
+"""Reads and writes differential.txt: the known differences between the tables of qblconv and
+glibc."""
 import pathlib
 import zlib
 
 RECORD = pathlib.Path(__file__).with_name("differential.txt")
-# Reasons are explained there.
+# The comments in differential.txt explain the reasons.
 SIGNS = set("\\~|¢£¥¦§¨¬¯´µ·¸–—―‖•․‥…‾₩⋅∥−∼∙〜・＂＇－＼｜～￠￡￢￣￤￥￦")
 
 
 def reason_of(character):
-    """Why tables differ in a character, by its kind."""
+    """Returns the reason why the tables differ in a character, from its kind."""
     code = ord(character[:1] or "\0")
     if 0xE000 <= code < 0xF900 or code >= 0xF0000:
         return "private"
@@ -26,7 +27,7 @@ def reason_of(character):
 
 
 def ranges_of(differences, most=5):
-    """The first of them, as ranges."""
+    """Returns the first differences as ranges."""
     ranges = []
     for what in (int(each[3], 16) for each in differences):
         if ranges and ranges[-1][1] == what - 1:
@@ -38,7 +39,7 @@ def ranges_of(differences, most=5):
 
 
 def summary_of(name, differences):
-    """A line for each way, kind and reason: how many, the checksum of all, and the first."""
+    """Yields a line per way, kind and reason: the number, a checksum, and the first differences."""
     groups = {}
     for each in differences:
         groups.setdefault(each[:3], []).append(each)
@@ -57,7 +58,7 @@ def recorded():
 
 
 def write(lines):
-    """Keeps the comments."""
+    """Writes the lines into differential.txt and keeps its comments."""
     kept = [line for line in RECORD.read_text("utf-8").splitlines() if line[:1] in ("", "#")]
     kept += [each for name in sorted(lines) for each in lines[name]]
     RECORD.write_text("\n".join(kept) + "\n", "utf-8")

@@ -1,4 +1,4 @@
-"""glibc's iconv(3) in this process, since starting the program for each text would take days."""
+"""Calls glibc's iconv(3) in this process: a new process for each text would take days."""
 import ctypes
 import errno
 
@@ -30,7 +30,7 @@ class Iconv:
             _LIBC.iconv_close(self._descriptor)
 
     def put(self, text):
-        """What a piece of text becomes after those before; None if it is refused."""
+        """Converts a piece of text in the current state. Returns None if iconv rejects it."""
         self._in_at.value, self._in_left.value = text, len(text)
         self._out_at.value, self._out_left.value = ctypes.addressof(self._out), _ROOM
         result = _LIBC.iconv(self._descriptor, *self._places)
@@ -41,7 +41,7 @@ class Iconv:
         return self._out.raw[:_ROOM - self._out_left.value]
 
     def whole(self, text):
-        """What a text of its own becomes; None if it is refused."""
+        """Converts a complete text from the initial state. Returns None if iconv rejects it."""
         _LIBC.iconv(self._descriptor, None, None, None, None)
         result = self.put(text)
         if result is None:
