@@ -247,7 +247,7 @@ TEST(QBLTypeCastTest, TextsOfInvalidFieldsFitTheBuffer) { writeRandom(false); }
 
 TEST(QBLTypeCastTest, WritesNumbersAsPrintfDoes) { writeNumbers(kSanitizer ? 20000 : 200000); }
 
-TEST(QBLTypeCastTest, IgnoresALocaleWithACommaAsDecimalPoint) {
+TEST(QBLTypeCastTest, IgnoresALocaleWithADecimalComma) {
     inCommaLocale([] {
         readTable();
         writeRandom(true);
