@@ -19,8 +19,8 @@ foreach(_shell bash zsh fish)
   get_property(_completions_${_shell} GLOBAL PROPERTY QBL_COMPLETIONS_${_shell})
 endforeach()
 
-# Writes qblcore.pc. It computes its prefix from its own directory, so it stays right after
-# cmake --install --prefix and after the tree is moved.
+# Writes qblcore.pc. Unless libdir is absolute, qblcore.pc computes its prefix from its own directory,
+# so it stays right after cmake --install --prefix and after the tree is moved.
 function(_qbl_configure_pc libdir output)
   if(IS_ABSOLUTE "${libdir}")
     set(_pc_prefix "${CMAKE_INSTALL_PREFIX}")

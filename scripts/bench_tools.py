@@ -39,8 +39,8 @@ def scratch(files):
 
 
 class Peak:
-    """Samples the peak resident memory of a process. The figure of wait4() alone does not do: it
-    includes the memory of the parent before exec."""
+    """Samples the peak resident memory of a process. The figure of wait4() is not enough: it is at
+    least the memory that the parent had at the fork."""
 
     def __init__(self, pid):
         self.kilobytes, self.path, self.ended = 0, f"/proc/{pid}/status", threading.Event()

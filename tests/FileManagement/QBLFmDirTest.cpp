@@ -245,7 +245,7 @@ TEST(QBLFmDirTest, AcceptsAndReturnsI18NStrings) {
     ASSERT_TRUE(file.open(made, QBLFmFile64::existing, 0));
     EXPECT_EQ(made, file.getFileName());
     EXPECT_TRUE(file.open(file.getFileName(), QBLFmFile64::existing, 1))
-        << "open() closes the file, whose name it still needs";
+        << "open() must not use the name after closing the file";
     std::list<I18NString> files, dirs;
     ASSERT_TRUE(QBLFmDir::readDir(dir, &files, &pattern, &dirs, nullptr));
     ASSERT_EQ(1U, files.size());
