@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# session_test.sh PAGE FILES PROGRAM...: what a page's console blocks show is what the commands
-# print, in a directory with copies of the files and with the programs at hand. A directory among
-# the programs is called "build" there. SESSION_EDIT, a script of sed, shortens the page.
+# session_test.sh PAGE FILES PROGRAM...: runs the commands of a page's console blocks and checks that
+# they print what the page shows. They run in a directory with copies of FILES; PATH has the programs.
+# If PROGRAM is a directory, it is called "build" there. SESSION_EDIT is a sed script that shortens
+# the page.
 set -euo pipefail
 page=$1 files=$2
 shift 2
