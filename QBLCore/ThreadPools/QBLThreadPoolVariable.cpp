@@ -11,46 +11,54 @@
 #include "QBLCore/Threads/shared/QBLLayerResult.hpp"
 #include "QBLCore/Utility/QBLHighResolutionTime.hpp"
 
-// Tasks are counted from before they are put until after they were run; workers from when they are
-// made until they leave, under the mutex. outnumbered() compares the two without it.
+// The queue, the lists, both counts and the workers' states change under m_mutex only.
 //
-// The states of a worker, which change under the mutex only:
-//   living   in m_living and counted: addWorker() makes and starts it. Its thread waits or works.
-//   dead     in m_dead, not counted. The worker itself comes here (leave()), from any point of its
-//            life; one that got no memory even to begin is brought here by buryLost().
-//   gone     reap() has taken it out, and joins and deletes it without the mutex. A worker that
-//            reaps takes only those whose threads have ended, so never itself.
+// The states of a worker:
+//   starting  made by addWorker(). Its thread may still get lost, for want of memory to begin.
+//   awake     has begun: runs a task, or looks for one, or was woken and will look.
+//   idle      found the queue empty, and waits to be woken. Idle workers are at the front of
+//             m_living, which has all of the states above; the latest is woken first.
+//   dead      in m_dead: leave() moves an idle worker there when its time is up or the pool stops,
+//             and an awake one that a task has ended; buryLost() moves a lost one. Not counted.
+//   gone      reap() has taken it out, and joins and deletes it without the mutex.
 //
-// 1. A submitter counts its task and then looks at the number of workers. A worker that leaves is
-//    taken off their number first; only then it looks at the number of tasks, from which the task
-//    that ended it is taken off at last. So one of the two sees that a worker is missing: the
-//    submitter adds one, or the worker stays (idle) or replaces itself (ended by its task).
-// 2. A submitter puts its task and then reads the stop-work flag; if it is set, he takes the task
-//    back and throws, unless a worker has got it. At a stop a worker ends only if it saw the flag,
-//    and the queue empty after that. So it has seen every task that was accepted. What is left by
-//    workers that ended in their tasks the destructor runs.
-// 3. A null only wakes, and comes out of the queue after all tasks. The destructor puts one more
-//    than there are workers; a worker that ends its last loop puts one for another.
+// The hand-over is counted. m_taskCount is the number of tasks in the queue minus the number of
+// workers that were woken and have not looked yet. Putting a task and the look of a woken worker
+// add 1; taking a task and waking a worker subtract 1. A worker that looks takes any task, also one
+// that another worker was woken for; so the count may be below 0.
 //
-// Memory order: both sides of 1 and 2 write one thing and then read the other, so acquire and
-// release would not do. The counts and the flag are sequentially consistent. The queue's semaphore
-// stands for one of them in 2: it is posted by a locked instruction, a full barrier on x86. Tasks,
-// and what submitters wrote before, come through the queue's mutex. m_someDead is a hint without
-// the mutex; what it misses now the next reap() finds, at last the destructor's, which has had the
-// mutex. m_bAtWork belongs to the worker's thread.
+// 1. While the count is above 0 no worker is idle: who puts a task wakes an idle worker then, and
+//    a worker becomes idle only if it sees the queue empty.
+// 2. While the queue has a task, a worker is awake or a thread is in submit() or replaceWorker().
+//    Only idle workers leave, and a woken one is not idle. A worker that a task ends replaces
+//    itself while the count is above 0; at or below 0, woken workers are enough. submit() returns
+//    only if the count is not above 0, a worker is awake, or it has taken the task back.
+// 3. A task is put only if the stop-work flag is seen unset. So workers that leave at a stop have
+//    seen all tasks. The destructor runs what is left when tasks have ended their workers.
+// 4. After the destructor has set the flag and taken the mutex once, nobody else adds workers or
+//    takes dead ones. So it may join the living without the mutex.
+//
+// Memory order: the mutex orders all of this. Without it, counts and m_someDead are only hints, and
+// what is seen is looked at again under it. The flag is not under the mutex, but whoever takes the
+// mutex after a thread that saw it set sees it too. wake() follows without the mutex: its worker
+// stays until it has got that wake-up, as it is not idle before.
 //
 // A mistake loses a task, or a destructor waits for ever (QBLThreadPoolTest):
 // VariableStrandsNoTaskWhenItsWorkersRetire, VariableSurvivesATaskThatEndsItsThread,
 // VariableReapsAWorkerWhoseExitRoutineSubmits, AcceptedTasksOutliveWorkersThatEndInTheDestruction,
-// TheStopFlagWakesWaitingSubmittersAndLosesNoTask; all with x64-tsan too. The moments of 1 and 2
-// are short: it takes several runs (--gtest_repeat). A missing replaceWorker(), or last loop of a
-// worker, mostly stays hidden, since the next submitter or the destructor makes up for it.
+// TheStopFlagWakesWaitingSubmittersAndLosesNoTask; with x64-tsan too, repeated (--gtest_repeat).
 
 namespace {
 
 const char kStopped[] = "QBLThreadPoolVariable::execute: attempted to execute while shutting down";
 
 const std::int64_t kPatienceNs = 50000;
+
+// Under the mutex: no other thread writes, so it needs no atomic addition.
+void add(std::atomic<unsigned int>& count, int n) {
+    const unsigned int before = count.load(std::memory_order_relaxed);
+    count.store(before + static_cast<unsigned int>(n), std::memory_order_relaxed);
+}
 
 }  // namespace
 
@@ -60,66 +68,101 @@ public:
         : QBLThread(nullptr, kPoolStackSize),
           m_iTemporary(temporary ? 1 : 0),
           m_pool(pool),
-          m_began(0) {
+          m_began(0),
+          m_wake(0) {
         start();
     }
     ~WorkerThread() override { joinQuietly(); }
 
     void run() override {
         m_began.post();
-        // Leaves however the cycle ends: a task may end its thread.
+        // A task may end its thread.
         struct Departure {
             WorkerThread* worker;
             ~Departure() {
                 if (worker != nullptr) worker->depart();
             }
         } departure{this};
-        while (m_pool.getStopWork() == 0) {
-            const bool idle = !work(idleTimeout());
-            if (idle || m_iTemporary == 0) m_pool.reap(false);
-            if (idle && m_iTemporary != 0 && m_pool.leave(*this, true)) {
-                departure.worker = nullptr;
-                return;
-            }
-        }
-        while (work(0)) {
-        }
-        m_pool.m_tasks.wake();  // the null that ended this one may have been another's
+        while (next()) qblRunTask(m_pTask);
+        departure.worker = nullptr;
     }
 
     bool waitUntilBegun() { return qblHasBegun(*this, m_began); }
 
-    QBLListIterator<WorkerThread*> place;  // among the living; guarded by the pool's mutex
+    // Requires for the next five: the pool's mutex is held.
+
+    /// @return null if no worker is idle; otherwise the caller must call wake() on it.
+    static WorkerThread* takeIdle(QBLThreadPoolVariable& pool) {
+        WorkerThread* worker = pool.m_living.empty() ? nullptr : pool.m_living.front();
+        if (worker == nullptr || !worker->m_bIdle) return nullptr;
+        worker->setIdle(false);
+        add(pool.m_taskCount, -1);
+        return worker;
+    }
+    static unsigned int countStarting(const QBLThreadPoolVariable& pool) {
+        unsigned int starting = 0;
+        for (const WorkerThread* worker : pool.m_living) starting += worker->m_bStarting ? 1U : 0U;
+        return starting;
+    }
+    bool isIdle() const { return m_bIdle; }
+    void setAwake() { m_bStarting = false; }
+    QBLListIterator<WorkerThread*> place;  // among the living
+
+    void wake() { m_wake.post(); }
 
 private:
-    // One turn: false when no task came in time. Nulls come out of the queue after all tasks.
-    bool work(unsigned long timeout) {
-        QBLThreadRunnable* task = nullptr;
-        if (!qblTakeTask(m_pool.m_tasks, task, timeout)) return false;
-        if (task == nullptr) return timeout != 0;
-        m_bAtWork = true;
-        qblRunTask(task);
-        m_bAtWork = false;
-        --m_pool.m_taskCount;
+    /// Gets the next task into m_pTask.
+    /// @return false if the worker has left instead.
+    bool next() {
+        if (m_iTemporary == 0) m_pool.reap(false);
+        if (takeOrBeIdle(false)) return true;
+        const QBLNoCancel noCancel;
+        do {
+            while (!m_wake.boundedWait(idleTimeout())) {
+                m_pool.reap(false);
+                const bool mayLeave = m_iTemporary != 0 || m_pool.getStopWork() != 0;
+                if (mayLeave && m_pool.leave(*this, true)) return false;
+            }
+        } while (!takeOrBeIdle(true));
         return true;
+    }
+
+    bool takeOrBeIdle(bool woken) {
+        QBLThreadGuard guard(m_pool.m_mutex);
+        setAwake();
+        if (woken) add(m_pool.m_taskCount, 1);
+        if (m_pool.m_tasks.get(m_pTask, 0)) {
+            add(m_pool.m_taskCount, -1);
+            return true;
+        }
+        setIdle(true);
+        return false;
+    }
+
+    void setIdle(bool idle) {
+        QBLList<WorkerThread*>& living = m_pool.m_living;
+        living.splice(idle ? living.begin() : living.end(), living, place);
+        m_bIdle = idle;
     }
 
     void depart() {
         m_pool.leave(*this, false);
-        if (!m_bAtWork) return;
-        --m_pool.m_taskCount;
         m_pool.replaceWorker();
     }
 
     // A worker that stays must not spin while it is idle.
     unsigned long idleTimeout() const {
+        if (m_pool.getStopWork() != 0) return 0;
         return m_iTemporary != 0 ? m_pool.m_idleTimeout : std::max(m_pool.m_idleTimeout, 1UL);
     }
 
     const int m_iTemporary;
-    bool m_bAtWork = false;
+    bool m_bStarting = true;  // guarded by the pool's mutex, as m_bIdle is
+    bool m_bIdle = false;
+    QBLThreadRunnable* m_pTask = nullptr;  // the worker's thread alone uses it
     QBLThreadPoolVariable& m_pool;
     QBLThreadSemaphore m_began;
+    QBLThreadSemaphore m_wake;
 };
 
 QBLThreadPoolVariable::QBLThreadPoolVariable(unsigned long permanentWorkers,
@@ -135,15 +178,19 @@ QBLThreadPoolVariable::QBLThreadPoolVariable(unsigned long permanentWorkers,
 QBLThreadPoolVariable::~QBLThreadPoolVariable() {
     const QBLNoCancel noCancel;
     setStopWork(1);
-    do {
-        for (unsigned long fed = 0; fed <= getWorkerCount(); ++fed) m_tasks.wake();
-        while (getWorkerCount() != 0) {
-            QBLThread::sleep(10);
-            buryLost();
-        }
-        reap(true);  // an exit routine may just have added a worker
-    } while (getWorkerCount() != 0);
-    qblRunLeft(m_tasks);  // by a worker that ended in a task, or accepted when none could be added
+    const auto anyLiving = [this] {
+        QBLThreadGuard guard(m_mutex);
+        while (WorkerThread* idle = WorkerThread::takeIdle(*this)) idle->wake();
+        return m_living.empty() ? nullptr : m_living.front();
+    };
+    const WorkerThread* ended = nullptr;
+    while (WorkerThread* worker = anyLiving()) {
+        if (worker == ended) buryLost();
+        worker->joinQuietly();
+        ended = worker;
+    }
+    reap(true);
+    qblRunLeft(m_tasks);
 }
 
 int QBLThreadPoolVariable::execute(QBLThreadRunnable* task, unsigned long timeout) {
@@ -158,33 +205,38 @@ int QBLThreadPoolVariable::execute(QBLThreadRunnable* task, unsigned long timeou
 }
 
 bool QBLThreadPoolVariable::submit(QBLThreadRunnable* task, unsigned long timeout) {
-    struct Count {
-        std::atomic<unsigned int>& tasks;
-        bool kept = false;
-        ~Count() {
-            if (!kept) --tasks;
-        }
-    } count{m_taskCount};
-    ++m_taskCount;
-    if (!m_tasks.put(task, timeout)) return false;
-    try {
-        if (needsWorker()) {
-            const QBLNoCancel noCancel;  // the first worker is waited for, under the mutex
-            addWorker();
-        }
-    } catch (...) {
-        // While a worker lives the task will be run: to report a failure then would make its
-        // owner free it too early.
-        if (getWorkerCount() == 0 && m_tasks.withdraw(task)) throw;
+    WorkerThread* idle = nullptr;
+    {
+        QBLThreadGuard guard(m_mutex);
+        if (getStopWork() != 0 || !m_tasks.put(task, timeout)) return false;
+        add(m_taskCount, 1);
+        if (outnumbered()) idle = WorkerThread::takeIdle(*this);
     }
-    count.kept = getStopWork() == 0 || !m_tasks.withdraw(task);
-    return count.kept;
+    if (idle != nullptr) idle->wake();
+    if (!needsWorker()) return true;
+    // While a worker is awake the task will be run: to report a failure then would make its owner
+    // free it too early.
+    const auto takeBack = [this, task] {
+        QBLThreadGuard guard(m_mutex);
+        const bool alone = WorkerThread::countStarting(*this) == m_workerCount;
+        if (!alone || !m_tasks.withdraw(task)) return false;
+        add(m_taskCount, -1);
+        return true;
+    };
+    try {
+        const QBLNoCancel noCancel;  // the first worker is waited for, under the mutex
+        addWorker();
+    } catch (...) {
+        if (takeBack()) throw;
+    }
+    return getStopWork() == 0 || !takeBack();
 }
 
-// Whether tasks outnumber the workers, and still do after about the time that a new thread takes
-// to come up: by then a worker may have come free, as it does when tasks are short.
+// Whether the count is above 0, and still is after about the time that a new thread takes to come
+// up: by then a worker may have come free, as it does when tasks are short.
 bool QBLThreadPoolVariable::needsWorker() const {
     if (!outnumbered()) return false;
+    if (m_workerCount == 0) return true;
     const std::int64_t end = QBLHighResolutionTime::now() + kPatienceNs;
     while (QBLHighResolutionTime::now() < end) {
         QBLThread::yield();
@@ -193,67 +245,65 @@ bool QBLThreadPoolVariable::needsWorker() const {
     return true;
 }
 
-bool QBLThreadPoolVariable::outnumbered() const { return m_taskCount > m_workerCount; }
+bool QBLThreadPoolVariable::outnumbered() const {
+    return static_cast<int>(m_taskCount.load(std::memory_order_relaxed)) > 0;
+}
 
 unsigned long QBLThreadPoolVariable::getWorkerCount() const {
     QBLThreadGuard guard(m_mutex);
     return m_workerCount;
 }
 
-// Under the mutex as a whole, so that whoever sees a worker counted may rely on it. The only worker
-// must have begun for that; others are not waited for, which would slow down bursts.
+// A new worker takes its task from the queue. It is waited for only if no worker is awake to rely
+// on instead, since waiting would slow down bursts.
 void QBLThreadPoolVariable::addWorker() {
     buryLost();
     reap(false);
     QBLThreadGuard guard(m_mutex);
-    if (getStopWork() != 0 || !outnumbered()) return;
+    const unsigned int starting = WorkerThread::countStarting(*this);
+    const bool alone = starting == m_workerCount;
+    if (getStopWork() != 0 || !outnumbered() || (!alone && m_taskCount <= starting)) return;
     m_living.push_back(nullptr);
     std::unique_ptr<WorkerThread> worker;
     try {
         worker.reset(new WorkerThread(*this, m_workerCount >= m_permanentWorkers));
-        if (m_workerCount == 0 && !worker->waitUntilBegun())
-            qblThrow<QBLOutOfMemoryError>(QBL_HERE, nullptr);
+        if (alone && !worker->waitUntilBegun()) qblThrow<QBLOutOfMemoryError>(QBL_HERE, nullptr);
     } catch (...) {
         m_living.pop_back();
         throw;
     }
-    ++m_workerCount;
+    if (alone) worker->setAwake();
+    add(m_workerCount, 1);
     worker->place = --m_living.end();
     m_living.back() = worker.release();
 }
 
-// For the worker that a task has ended, on its thread: as long as there is no other to run what was
-// accepted, it must succeed. After a stop, the destructor does it.
+// On the thread of a worker that a task has ended.
 void QBLThreadPoolVariable::replaceWorker() {
     while (getStopWork() == 0 && outnumbered()) {
-        if (tavContain([this] { addWorker(); })) return;
-        QBLThread::sleep(10);
+        tavContain([this] { addWorker(); });
+        QBLThread::sleep(1);  // until the new worker has looked, or for memory to come free
     }
 }
 
-// Moves a worker from the living to the dead; after that only reap() may touch it. With mayStay
-// it stays instead, returning false, when the others are too few for the tasks: one accepted in
-// reliance on this worker must not be left without. Tasks are counted before the workers are
-// looked at, and here the other way round, so that one of both sides sees the other.
+// Moves a worker to the dead; from then on only reap() may touch it. With mayStay it stays,
+// returning false, if it was woken meanwhile.
 bool QBLThreadPoolVariable::leave(WorkerThread& worker, bool mayStay) {
     QBLThreadGuard guard(m_mutex);
-    --m_workerCount;
-    if (mayStay && outnumbered()) {
-        ++m_workerCount;
-        return false;
-    }
+    if (mayStay && !worker.isIdle()) return false;
+    add(m_workerCount, -1);
     m_dead.splice(m_dead.end(), m_living, worker.place);
     m_someDead = true;
     return true;
 }
 
-// A thread that got no memory even to begin has left without a word.
+// A thread that got no memory even to begin has ended without a word.
 void QBLThreadPoolVariable::buryLost() {
     QBLThreadGuard guard(m_mutex);
     for (auto it = m_living.begin(); it != m_living.end();) {
         const auto place = it++;
         if ((*place)->isAlive()) continue;
-        --m_workerCount;
+        add(m_workerCount, -1);
         m_dead.splice(m_dead.end(), m_living, place);
         m_someDead = true;
     }
@@ -266,6 +316,7 @@ void QBLThreadPoolVariable::reap(bool all) {
     while (m_someDead) {
         std::unique_ptr<WorkerThread> dead;
         QBLThreadGuard guard(m_mutex);
+        if (!all && getStopWork() != 0) return;
         for (auto it = m_dead.begin(); it != m_dead.end(); ++it) {
             if (!all && (*it)->isAlive()) continue;
             dead.reset(*it);

@@ -49,7 +49,7 @@ private:
     void reap(bool all);
 
     std::atomic<unsigned int> m_workerCount;  // changes under m_mutex only
-    std::atomic<unsigned int> m_taskCount;    // accepted and not yet run to the end
+    std::atomic<unsigned int> m_taskCount;    // queued tasks minus woken workers; under m_mutex too
     const unsigned long m_defaultTimeout;
     const unsigned long m_idleTimeout;
     const unsigned long m_permanentWorkers;
