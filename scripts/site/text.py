@@ -1,0 +1,18 @@
+"""Pieces of HTML."""
+import html
+import re
+
+
+def plain(fragment):
+    """The text of a piece of HTML, on one line."""
+    text = html.unescape(re.sub(r"<[^>]*>", "", fragment))
+    return re.sub(r"\s+", " ", text.replace("\u00a0", " ")).strip()
+
+
+def slug(text):
+    """The anchor that Git hosts give a heading."""
+    return re.sub(r"[^\w\- ]", "", plain(text).lower()).replace(" ", "-")
+
+
+def link(address, text):
+    return f'<a href="{address}">{html.escape(text)}</a>'
