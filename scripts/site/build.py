@@ -3,7 +3,7 @@
 
 Each page gets the frame of docs/site/page.html: header, search, breadcrumb, menu. Pages of the
 guide and their sections get addresses that last: docs/threads.md#timeouts is
-guide-threads.html#timeouts. The order of the guide is that of the lists under "More" in README.md.
+guide-threads.html#timeouts. The order of the guide is that of the lists under "Documentation" in README.md.
 A page that is missing there is an error, as is any dead link. The system's Python has markdown_it.
 """
 import html
@@ -76,7 +76,7 @@ class Site:
         parts = re.split(r'<h2 id="([^"]*)">(.*?) <a class="permalink".*?</h2>', page.contents)
         self.index.append((title, "Guide", page.address, plain(parts[0])))
         for anchor, name, body in zip(parts[1::3], parts[2::3], parts[3::3]):
-            if page.source == "README.md" and plain(name) == "More":  # only names the other pages
+            if page.source == "README.md" and plain(name) == "Documentation":  # only names the other pages
                 continue
             self.index.append((plain(name), f"Guide › {title}", f"{page.address}#{anchor}", plain(body)))
 

@@ -101,8 +101,8 @@ class Markdown:
 
 
 def read_guide():
-    """Lists of README.md's section "More": for users, and about the project."""
-    more = (ROOT / "README.md").read_text().split("\n## More\n")[1]
+    """Lists of README.md's section "Documentation": for users, and about the project."""
+    more = (ROOT / "README.md").read_text().split("\n## Documentation\n")[1]
     lists = []
     for part in re.split(r"\n\n(?=- )", more)[1:]:
         items = re.findall(r"^- \[[^]]*\]\(([\w/]+\.md)\): ((?:.|\n  )*)", part, re.M)
@@ -112,5 +112,5 @@ def read_guide():
     listed = {page.source for page in users + project} | {HOME}
     for path in sorted((ROOT / "docs").glob("*.md")):
         if f"docs/{path.name}" not in listed:
-            raise SystemExit(f'README.md: docs/{path.name} is not listed under "More"')
+            raise SystemExit(f'README.md: docs/{path.name} is not listed under "Documentation"')
     return users, project
