@@ -137,13 +137,13 @@ class Site:
     def write_compound(self, compound):
         title, text = inner((DOXYGEN / compound.address).read_text())
         title = re.sub(r" (?:(?:Class|Struct)(?: Template)?|Union|File) Reference.*", "", title, flags=re.S)
+        text = re.sub(r"<hr/>The documentation for this .*?</ul>", "", text, flags=re.S)
         # The contract first, then the members.
         details = re.search(r'<a name="details"[^>]*></a>(<h2 class="groupheader">.*?)'
                             r"(?=<h2 class=\"groupheader\">(?!Detailed)|\Z)", text, re.S)
         text = re.sub(r'<a href="[^"]*#details">More\.\.\.</a>', "", text)
         if details:
-            contract = re.sub(r"<hr/>The documentation for this .*?</ul>", "", details.group(1), flags=re.S)
-            contract = re.sub(r'<h2 class="groupheader">.*?</h2>', "", contract, count=1)
+            contract = re.sub(r'<h2 class="groupheader">.*?</h2>', "", details.group(1), count=1)
             text = text.replace(details.group(0), "")
             text = re.sub(r"\A\s*<p>(?!<code>).*?</p>\s*", "", text, count=1, flags=re.S)
             at = re.search(r'<table class="memberdecls">|<h2 class="groupheader">|\Z', text).start()
