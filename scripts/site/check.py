@@ -1,11 +1,11 @@
 #!/usr/bin/python3 -B
-"""scripts/site/check.py AXE [--all]: looks at build/docs/html in a browser.
+"""scripts/site/check.py AXE [--all]: checks build/docs/html in a browser.
 
-Of every page: it loads without an error on the console and does not scroll sideways at a width of
-400. Of the pages of the guide, and of 40 of the reference, spread over it, or with --all of all: the
-same at 1400; no link leads nowhere; axe (contrast, headings, names of controls) finds nothing on a
-light phone and a dark desktop. The search has to find what is in the guide and in the reference.
-Two screenshots go to build/docs.
+Each page must load without an error on the console and must not scroll sideways at a width of 400.
+The pages of the guide and 40 pages of the reference, or every page with --all, must also fit at a
+width of 1400, have no dead link, and pass axe (contrast, headings, names of controls) on a light
+phone and a dark desktop. The search must find terms of the guide and of the reference. Writes two
+screenshots to build/docs.
 """
 import base64
 import functools
@@ -61,7 +61,7 @@ class Browser:
             ready = select.select([self.input], [], [], LIMIT)[0]
             piece = os.read(self.input, 1 << 20) if ready else b""
             if not piece:
-                raise SystemExit("check: the browser " + ("has ended" if ready else "does not answer"))
+                raise SystemExit("check: the browser " + ("has ended unexpectedly" if ready else "does not answer"))
             self.rest += piece
         text, self.rest = self.rest.split(b"\0", 1)
         return json.loads(text)
