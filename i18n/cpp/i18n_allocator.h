@@ -7,18 +7,19 @@
 extern "C" {
 #endif
 
-/// How strings and converters get their memory where a caller says so; with the semantics of
-/// realloc(3): a null block allocates, size 0 frees and gives null, else the block is resized.
-/// @param context  the caller's, passed on
+/// Provides memory for strings and converters if the caller passes one. It must behave like
+/// realloc(3): a null block allocates, size 0 frees the block and returns null, and any other call
+/// resizes the block.
+/// @param context  the caller's, passed on unchanged
 /// @param size  in bytes
-/// @param error  receives 0, or a code other than 0 after a failure
-/// @return the block; null after a failure, when the old block is still there
+/// @param error  receives 0, or another code after a failure
+/// @return the block; null after a failure, which leaves the old block valid
 typedef char* (*I18NStringAllocator)(void* context, char* block, int size, int* error);
 
-/// The default allocator, of the C library. A negative size gives null and -10, exhausted memory
-/// null and -1.
+/// The default allocator, which uses the C library. Returns null with error -10 for a negative
+/// size, and with error -1 if memory is exhausted.
 ///
-/// Threads: any thread.
+/// Threads: any thread may call it.
 QBL_API char* I18N_STRINGBUFFER_ALLOCATOR_CALLBACK(void* context, char* block, int size,
                                                    int* error);
 

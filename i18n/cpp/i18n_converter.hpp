@@ -12,14 +12,14 @@ class I18NLocale;
 class I18NString;
 struct UConverter;
 
-/// What the lookup and user-defined callbacks of i18n_converter_callbacks.hpp know of the
-/// converter they work for.
+/// What the lookup and user-defined callbacks of i18n_converter_callbacks.hpp know about the
+/// converter that calls them.
 ///
-/// Threads: as the converter.
+/// Threads: as for the converter.
 struct I18NInputCallbackContext {
-    const char* encoding;            ///< as it was named
+    const char* encoding;            ///< the name given to the constructor
     I18NUserInputCallback callback;  ///< null unless the policy is I18N_USER_DEFINED
-    const char* canonicalName;       ///< ICU's first name of it; null is asked for at each call
+    const char* canonicalName;       ///< ICU's first name; null makes each call look it up
 };
 struct I18NOutputCallbackContext {
     const char* encoding;
@@ -27,20 +27,21 @@ struct I18NOutputCallbackContext {
     const char* canonicalName;
 };
 
-/// Converts text between UTF-16, in the machine's byte order and without a byte-order mark, and
-/// the bytes of an encoding that is given by name. Any name that ICU knows will do.
+/// Converts text between UTF-16, in the machine's byte order and without a byte-order mark, and the
+/// bytes of a named encoding. Any name that ICU knows is valid, unless it contains a "/".
 ///
-/// There are three forms each way. The fixed and the allocating ones convert a whole text and end
-/// it with a NUL, the output's own: two bytes wide in Unicode, and in bytes as wide as the
-/// smallest character of the encoding. The streaming ones take a text in pieces cut anywhere, and
-/// keep in the converter what a piece leaves unfinished; the last piece goes through one of the
-/// other forms, so that a sequence cut off at the end is noticed.
+/// Each direction has three forms. The fixed form writes into the caller's buffer, and the
+/// allocating form returns a block. Both convert a whole text and terminate the output with a NUL,
+/// which has two bytes in UTF-16 and is as wide as the smallest character in any other encoding.
+/// The streaming form takes a text in pieces, cut anywhere. The converter keeps the unfinished end
+/// of each piece. Convert the last piece with one of the other forms, so that a sequence truncated
+/// at the end is noticed.
 ///
-/// What cannot be converted is treated as the policy of the direction says. Until one is set,
-/// the converter substitutes, although the getters call it I18N_LOOKUP.
+/// The policy of each direction decides what happens to text that cannot be converted. Until a
+/// policy is set, the converter substitutes, although the getters return I18N_LOOKUP.
 ///
 /// Once the internationalisation layer is initialised, converters for UTF-8, UTF-16 and the
-/// platform's encoding are copies of prepared ones. This includes "ASCII", which is UTF-8 from
+/// platform's encoding are copies of prepared ones. This includes "ASCII", which means UTF-8 from
 /// then on and strict 7-bit US-ASCII before.
 ///
 ///     I18NConverter latin("ISO-8859-1");
@@ -48,33 +49,34 @@ struct I18NOutputCallbackContext {
 ///     I18NErrorCodes error;
 ///     latin.fromUnicode(bytes, sizeof bytes, u"text", &error);
 ///
-/// An error parameter receives I18N_OK or what failed; without one the same failure throws an
-/// I18NRuntimeError with that code and no text. Unicode memory need not be aligned.
+/// An error parameter receives I18N_OK or the error code. If it is null or absent, a failure throws
+/// an I18NRuntimeError with that code and no message. UTF-16 memory need not be aligned.
 ///
-/// Threads: one thread at a time; also the conversions, although const, change the state that
-/// streaming keeps. Any number of threads may copy a converter that no thread changes.
+/// Threads: one thread at a time. This includes conversions: they are const, but change the
+/// streaming state. Any number of threads may copy a converter that no thread changes.
 class QBL_API I18NConverter {
 public:
     /// @name Making a converter
     /// @{
 
     /// @param encoding  null or empty means UTF-8
-    /// @throws I18NRuntimeError with I18N_ENCODING if there is no such encoding.
+    /// @throws I18NRuntimeError with I18N_ENCODING if there is no such encoding
     /// @throws QBLOutOfMemoryError
     explicit I18NConverter(const char* encoding);
-    /// The copy has everything of the other, also what streaming has left unfinished, and is
-    /// independent of it.
+    /// The copy takes over everything, including what streaming has left unfinished, and is
+    /// independent of the original.
     I18NConverter(const I18NConverter& other);
     I18NConverter& operator=(const I18NConverter& other);
     ~I18NConverter();
-    /// Assigns; a failure leaves this converter as it was.
+    /// Assigns; this converter is unchanged after a failure.
     void create(const I18NConverter& other);
     /// @}
 
     /// @name Encoding
     /// @{
 
-    /// The name given to the constructor, or "UTF-8" for none; owned by the converter.
+    /// The name given to the constructor, or "UTF-8" if that was null or empty; owned by the
+    /// converter.
     const char* getEncoding() const { return m_outputContext.encoding; }
     /// @}
 
@@ -83,29 +85,29 @@ public:
 
     int getBuiltInUnconvertibleInputSequenceCallback() const { return m_iInputPolicy; }
     int getBuiltInUnconvertibleOutputSequenceCallback() const { return m_iOutputPolicy; }
-    /// Null unless one is set.
+    /// Null unless a function is set.
     I18NUserInputCallback getUserDefinedUnconvertibleInputSequenceCallback() const {
         return m_inputCallback;
     }
     I18NUserOutputCallback getUserDefinedUnconvertibleOutputSequenceCallback() const {
         return m_outputCallback;
     }
-    /// Sets the policy of a direction and forgets its function.
-    /// @param policy  an I18NUnconvertiblePolicy; any other number is ignored.
-    ///        I18N_USER_DEFINED without a function makes such conversions fail
+    /// Sets the policy of a direction and removes its function.
+    /// @param policy  an I18NUnconvertiblePolicy; any other number is ignored. After
+    ///     I18N_USER_DEFINED without a function, conversions fail where a function would be called
     void setBuiltInUnconvertibleInputSequenceCallback(int policy);
     void setBuiltInUnconvertibleOutputSequenceCallback(int policy);
-    /// Sets the policy I18N_USER_DEFINED with this function, which must not use the converter.
-    /// Null is ignored.
+    /// Sets the policy I18N_USER_DEFINED with this function, which must not use the converter. Null
+    /// is ignored.
     void setUserDefinedUnconvertibleInputSequenceCallback(I18NUserInputCallback callback);
     void setUserDefinedUnconvertibleOutputSequenceCallback(I18NUserOutputCallback callback);
 
-    /// Whether a character that the encoding lacks may become another one that its table takes for
-    /// similar, a best fit, such as the full-width form of a letter or a letter without its accent.
-    /// Reading the bytes again then gives the other character. Such mappings are on at first;
-    /// without them the policy of the output decides. A few converters of ICU apply those of
-    /// private-use characters in any case, and the one to compound text drops what it lacks; a
-    /// text stream treats both as lacking.
+    /// Sets whether the converter may replace a character that the encoding lacks by a best fit:
+    /// another character that the encoding's table lists as similar, such as a full-width form of a
+    /// letter or a letter without its accent. Decoding the bytes then gives that other character.
+    /// Best fits are on in a new converter; without them the output policy decides. A few ICU
+    /// converters always use the best fits of private-use characters, and the converter to compound
+    /// text drops what it lacks; a text stream treats both as characters that the encoding lacks.
     void useFallback(bool on);
     bool usesFallback() const;
     /// @}
@@ -113,60 +115,63 @@ public:
     /// @name Sizes
     /// @{
 
-    /// Bytes that so many UTF-16 code units need at most in the encoding, with a NUL. Escape
-    /// sequences and replacements of the policies may need more. Ends at the limits of int.
+    /// Returns the maximum number of bytes that this many UTF-16 code units and a NUL take in the
+    /// encoding. Escape sequences and the replacements of a policy may take more. The result is
+    /// limited to the range of int.
     int numLegacyBytes(int codeUnits) const;
-    /// The reverse: code units that so many bytes hold at least.
+    /// Returns how many code units are certain to fit into this many bytes together with a NUL.
     int numLegacyCodePoints(int bytes) const;
-    /// Bytes of so many UTF-16 code units and a NUL; ends at the limits of int.
+    /// Returns the bytes of this many UTF-16 code units and a NUL, limited to the range of int.
     int numUnicodeBytes(int codeUnits) const;
     int numUnicodeCodePoints(int bytes) const;
-    /// The width of a NUL in the encoding: 1, in UTF-16 2, in UTF-32 4.
+    /// The width of a NUL in the encoding: 1, or 2 in UTF-16 and 4 in UTF-32.
     int sizeofLegacyNull() const { return m_iNullSize; }
     int sizeofUnicodeNull() const { return 2; }
-    /// The length in bytes of text in the encoding, without the NUL.
+    /// Returns the length in bytes of text in the encoding, without the NUL.
     /// @param text  null gives 0
-    /// @param length  in bytes; a NUL in the last place is not counted. Below 0 the text ends
-    ///        with a NUL
+    /// @param length  in bytes; a NUL at the end is not counted. A negative length means that the
+    ///     text is null-terminated
     int getEffectiveBufferSize(const char* text, int length) const;
     /// @}
 
     /// @name From Unicode to bytes
     /// @{
 
-    /// @param size  of the destination, in bytes; what is no whole unit of the encoding is not
-    ///        used. The NUL is written in any case, cut to this size if it is smaller. A size of
-    ///        just a NUL takes no text and is no failure
-    /// @param source  UTF-16 that ends with a NUL
-    /// @param error  I18N_ARGUMENT for a null pointer or no size, I18N_TOO_SMALL if the text did
-    ///        not fit, I18N_CONVERSION if it cannot be converted
+    /// @param size  of the destination, in bytes; bytes that do not make a whole unit of the
+    ///     encoding are not used. The NUL is always written, but truncated if this size is smaller.
+    ///     If only the NUL fits, no text is converted and the call succeeds
+    /// @param source  null-terminated UTF-16
+    /// @param error  receives I18N_ARGUMENT for a null pointer or a size below 1, I18N_TOO_SMALL if
+    ///     the text does not fit, I18N_CONVERSION if it cannot be converted
     void fromUnicode(char* destination, int size, const void* source,
                      I18NErrorCodes* error = nullptr) const;
-    /// @param destination  receives a block from the allocator, for the caller to free; null
-    ///        after a failure
-    /// @param size  receives the bytes of the text, NUL included
-    /// @param allocator  null for realloc(3), and then free(3) takes the block back
+    /// @param destination  receives a block from the allocator, which the caller frees; null after
+    ///     a failure
+    /// @param size  receives the number of bytes including the NUL
+    /// @param allocator  null means realloc(3); free the block with free(3) then
     /// @throws I18NRuntimeError with I18N_ARGUMENT or I18N_CONVERSION, QBLOutOfMemoryError
     void fromUnicode(char** destination, int* size, const void* source,
                      I18NStringAllocator allocator = nullptr, void* context = nullptr) const;
-    /// From a string, with its allocator if none is given. An empty one gives four zero bytes,
-    /// which without any allocator are the shared empty text (I18NString::freeBuffer leaves it).
+    /// Converts a string, with the string's allocator if none is given. An empty string gives four
+    /// zero bytes. If there is no allocator at all, these are the shared empty text, which
+    /// I18NString::freeBuffer() does not free.
     void fromUnicode(char** destination, int* size, const I18NString& source,
                      I18NStringAllocator allocator = nullptr, void* context = nullptr) const;
-    /// Converts a piece of a text; the output of each call ends with a NUL.
-    /// @param sourceSize  in bytes, of which whole code units are used; 0 only writes what an
-    ///        I18N_STREAM_FULL before has left, if there is any. If the last unit is a NUL, it
-    ///        is not converted but consumed. Below 0 the source ends with a NUL, to be consumed
-    ///        too
-    /// @param written  receives the bytes written, NUL included; may be null
-    /// @param consumed  receives the bytes used of the source; may be null
-    /// @param error  I18N_STREAM_FULL when the destination was too small: go on with the rest of
-    ///        the source, in a larger one if it has no room but for the NUL. I18N_ARGUMENT for a
-    ///        null pointer, but for a source of size 0, or no size; I18N_CONVERSION
+    /// Converts a piece of a text and writes a NUL after the output of each call.
+    /// @param sourceSize  in bytes; an odd byte at the end is not used. 0 only writes what an
+    ///     earlier I18N_STREAM_FULL has left, if anything. If the last unit is a NUL, it is
+    ///     consumed but not converted. A negative size means that the source is null-terminated;
+    ///     the NUL is consumed, too
+    /// @param written  receives the number of bytes written including the NUL; may be null
+    /// @param consumed  receives the number of bytes used of the source; may be null
+    /// @param error  receives I18N_STREAM_FULL if the destination is too small. Call again then
+    ///     with the rest of the source, and with a larger destination if this one has room for the
+    ///     NUL only. Receives I18N_ARGUMENT for a size below 1 or a null pointer, except a null
+    ///     source of size 0. Receives I18N_CONVERSION if the text cannot be converted
     void fromUnicodeStream(char* destination, int size, const void* source, int sourceSize,
                            int* written, int* consumed, I18NErrorCodes* error = nullptr) const;
-    /// Into a block from the allocator, into which everything fits; none for a source size of 0
-    /// when nothing is left to be written.
+    /// Converts a piece into a block from the allocator, which holds all the output. Returns no
+    /// block if sourceSize is 0 and nothing is left to be written.
     void fromUnicodeStream(char** destination, int* size, const void* source, int sourceSize,
                            I18NStringAllocator allocator = nullptr, void* context = nullptr) const;
     /// @}
@@ -174,46 +179,49 @@ public:
     /// @name From bytes to Unicode
     /// @{
 
-    /// @param size  of the destination, in bytes; an odd byte is not used. The NUL is written
-    ///        if there are two. Just two bytes take no text, and are no failure
-    /// @param length  of the source, in bytes; below 0 it ends with a NUL
-    /// @param error  I18N_ARGUMENT for a null pointer, I18N_TOO_SMALL, I18N_CONVERSION
+    /// @param size  of the destination, in bytes; an odd byte is not used. The NUL is written if
+    ///     two bytes fit. If only the NUL fits, no text is converted and the call succeeds
+    /// @param length  of the source, in bytes; a negative length means that the source is
+    ///     null-terminated
+    /// @param error  receives I18N_ARGUMENT for a null pointer, I18N_TOO_SMALL or I18N_CONVERSION
     void toUnicode(void* destination, int size, const char* source, int length,
                    I18NErrorCodes* error = nullptr) const;
-    /// As the allocating fromUnicode(). A null source without a length gives no block.
+    /// Like the allocating fromUnicode(). A null source of length 0 or below gives no block.
     void toUnicode(void** destination, int* size, const char* source, int length,
                    I18NStringAllocator allocator = nullptr, void* context = nullptr) const;
-    /// Replaces a string's contents, with a block of its allocator; a buffer of its owner's is let
-    /// go of. A null source or a length of 0 empties it.
+    /// Replaces the contents of a string, with a block from the string's allocator. The string
+    /// releases a caller's buffer. A null source or a length of 0 only empties the string.
     void toUnicode(I18NString& destination, const char* source, int length) const;
-    /// As fromUnicodeStream(), but that a NUL within the length is text, and one that ends the
-    /// source does not count as consumed. A destination of no size is too small.
+    /// Like fromUnicodeStream(), except that a NUL within the length is text, and that a NUL which
+    /// terminates the source does not count as consumed. A destination of size 0 gives
+    /// I18N_STREAM_FULL.
     void toUnicodeStream(void* destination, int size, const char* source, int length, int* written,
                          int* consumed, I18NErrorCodes* error = nullptr) const;
     void toUnicodeStream(void** destination, int* size, const char* source, int length,
                          I18NStringAllocator allocator = nullptr, void* context = nullptr) const;
-    /// Forgets what streaming to Unicode has left unfinished.
+    /// Discards what streaming to Unicode has left unfinished.
     void reset();
     /// @}
 
-    /// @name What names tell
+    /// @name Encoding names
     /// @{
 
-    /// What can be told from a name alone. Letters count in either case, and null or empty is
-    /// none of these, but for UTF-8.
-    /// Null, empty, UTF8, UTF-8 and ASCII.
+    /// These functions look at the name alone, except shouldUseBOM(). They ignore case, and return
+    /// false for null and for an empty name; isUTF8() returns true for these two.
+    ///
+    /// Returns true for null, an empty name, UTF8, UTF-8 and ASCII.
     static bool isUTF8(const char* encoding);
-    /// Begins with ISO-8859 or ISO8859.
+    /// Returns true for names that begin with ISO-8859 or ISO8859.
     static bool isISO8859(const char* encoding);
     static bool isWindows1252(const char* encoding);
-    /// UTF16, UTF-16, UCS2, UCS-2, or begins with UTF16_P.
+    /// Returns true for UTF16, UTF-16, UCS2, UCS-2 and names that begin with UTF16_P.
     static bool isUTF16(const char* encoding);
-    /// UTF32, UTF-32, UCS4, UCS-4, or begins with UTF32_P.
+    /// Returns true for UTF32, UTF-32, UCS4, UCS-4 and names that begin with UTF32_P.
     static bool isUTF32(const char* encoding);
-    /// Exactly I18NGetPlatformDefaultEncoding(), letter by letter.
+    /// Returns true for exactly I18NGetPlatformDefaultEncoding(); does not ignore case.
     static bool isPlatformDefault(const char* encoding);
-    /// Whether files in this encoding usually begin with a byte-order mark: UTF-16 and UTF-32,
-    /// under any of their names.
+    /// Returns true if files in this encoding usually begin with a byte-order mark: UTF-16 and
+    /// UTF-32, under any of their names.
     static bool shouldUseBOM(const char* encoding);
     static bool shouldUseBOM(const I18NString& encoding);
     /// @}
@@ -221,10 +229,10 @@ public:
     /// @name The process and its locales
     /// @{
 
-    /// Whether the internationalisation layer is initialised.
+    /// Returns true if the internationalisation layer is initialised.
     static bool isInitialized();
-    /// The usual encoding of a locale's text files, as of I18NInternalResources.
-    /// @param encoding  receives its name
+    /// Gets the usual encoding of a locale's text files, as I18NInternalResources does.
+    /// @param encoding  receives the name
     static void getEncodingForLocale(I18NString& encoding, const I18NLocale& locale);
     /// @}
 
@@ -235,8 +243,8 @@ private:
 
     enum Direction : unsigned char { kInput = 0, kOutput = 1 };
     enum Flag : unsigned char {
-        kPending = 1,    // ICU keeps output that had no room
-        kHasContext = 4  // ICU has the address of our context
+        kPending = 1,    // ICU holds output that did not fit
+        kHasContext = 4  // ICU holds the address of our context
     };
 
     static constexpr int kRoom = 320;
@@ -259,15 +267,15 @@ private:
     int m_iOutputPolicy;
     I18NUserInputCallback m_inputCallback;
     I18NUserOutputCallback m_outputCallback;
-    mutable unsigned char m_cFlags;             // of each direction
-    I18NOutputCallbackContext m_outputContext;  // the name's block is owned, or m_room
+    mutable unsigned char m_cFlags;             // for each direction
+    I18NOutputCallbackContext m_outputContext;  // owns the name's block, unless that is m_room
     int m_iMaxBytes;                            // of a code unit in the encoding
     int m_iNullSize;
     UConverter* m_pConverter;
     int m_iCloneSize;
     I18NInputCallbackContext m_inputContext;
-    // The name, and the clone of a converter for a Unicode encoding, if both have room, so that
-    // making one allocates nothing.
+    // Holds the name, and the clone of a converter for a Unicode encoding, if both fit. Making such
+    // a converter then allocates nothing.
     alignas(std::max_align_t) char m_room[kRoom];
 };
 

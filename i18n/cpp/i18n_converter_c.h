@@ -6,12 +6,12 @@
 #include "i18n/cpp/i18n_converter_types.h"
 
 /// @file
-/// I18NConverter for C. Each function does what the operation of the same name does; see there
-/// for what is not said here. The last parameter receives I18N_OK or what failed, and may be
-/// null: an I18NErrorCodes of the operation, I18N_UNEXPECTED for anything else, exhausted memory
-/// too. A null handle is I18N_ARGUMENT. What a failed call returns is 0 or null.
+/// I18NConverter for C. Each function does what the operation of the same name does; see there for
+/// details. The last parameter receives I18N_OK or an error, and may be null. The error is the
+/// I18NErrorCodes value of the operation, or I18N_UNEXPECTED for any other error, including
+/// exhausted memory. A null handle gives I18N_ARGUMENT. A function that fails returns 0 or null.
 ///
-/// Threads: a handle is used by one thread at a time.
+/// Threads: one thread at a time may use a handle.
 
 #ifdef __cplusplus
 extern "C" {
@@ -24,9 +24,9 @@ typedef struct I18NStringOpaque* I18NStringHandle;
 /// @name Making and freeing a converter
 /// @{
 
-/// @return a converter, for i18nConverterFree
+/// @return a converter; free it with i18nConverterFree()
 QBL_API I18NConverterHandle i18nConverterCreate(const char* encoding, I18NErrorCodes* error);
-/// Null is passed over.
+/// Does nothing for null.
 QBL_API void i18nConverterFree(I18NConverterHandle converter, I18NErrorCodes* error);
 /// @}
 
@@ -68,7 +68,7 @@ QBL_API int i18nConverterGetBuiltInUnconvertibleOutputSequenceCallback(
     I18NConverterHandle converter, I18NErrorCodes* error);
 QBL_API I18NUserInputCallback i18nConverterGetUserDefinedUnconvertibleInputSequenceCallback(
     I18NConverterHandle converter, I18NErrorCodes* error);
-/// The "In" is part of the name, and stays.
+/// The misplaced "In" is part of the name, and stays.
 QBL_API I18NUserOutputCallback i18nConverterGetUserDefinedInUnconvertibleOutputSequenceCallback(
     I18NConverterHandle converter, I18NErrorCodes* error);
 QBL_API void i18nConverterSetBuiltInUnconvertibleInputSequenceCallback(

@@ -7,12 +7,12 @@
 #include "i18n/cpp/i18n_converter.hpp"
 
 /// @file
-/// The five policies as ICU knows them, for programs that install them in ICU converters of their
-/// own. The context of the lookup and the user-defined ones is an I18NInputCallbackContext or
-/// I18NOutputCallbackContext that lives as long as the converter; the others take what ICU's own
-/// take, null for their usual form.
+/// The five policies as ICU callbacks, for programs that install them in their own ICU converters.
+/// The context of the lookup and user-defined callbacks is an I18NInputCallbackContext or
+/// I18NOutputCallbackContext that lives as long as the converter. The other callbacks take the same
+/// contexts as those of ICU; null selects the default.
 ///
-/// Threads: as the converter that calls them.
+/// Threads: as for the converter that calls them.
 
 extern "C" {
 

@@ -3,8 +3,8 @@
 
 #include "i18n/cpp/i18n_converter.hpp"
 
-/// A prepared converter of which others are copied. Construction throws what that of an
-/// I18NConverter throws.
+/// A prepared converter that other converters are copied from. The constructor throws what the
+/// constructor of I18NConverter throws.
 ///
 /// Threads: any thread may copy the converter; none may change it.
 class QBL_API I18NConverterUTF8 {

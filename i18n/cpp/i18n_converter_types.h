@@ -5,8 +5,8 @@
 
 #include "i18n/cpp/i18n_error_codes.h"
 
-/// What a converter does with text that it cannot convert. Input is bytes on their way to Unicode,
-/// output is Unicode on its way to bytes.
+/// What a converter does with text that it cannot convert. Input means bytes that are converted to
+/// Unicode, and output means Unicode that is converted to bytes.
 enum I18NUnconvertiblePolicy {
     I18N_ESCAPE = 0,      ///< writes it in digits: %X80, %U4E00
     I18N_LOOKUP = 1,      ///< asks the tables of the resource file; without an entry, input becomes
@@ -17,9 +17,9 @@ enum I18NUnconvertiblePolicy {
     I18N_STOP = 4           ///< the conversion fails with I18N_CONVERSION
 };
 
-/// How many code points, and how many bytes, such a function of the caller's may write.
+/// The maximum number of code points, or of bytes, that a user-defined function may write.
 ///
-/// Threads: it is called by the thread that converts, within the conversion.
+/// Threads: the converting thread calls the function during the conversion.
 enum { I18N_USER_REPLACEMENT_LIMIT = 32 };
 
 #ifdef __cplusplus
@@ -27,19 +27,19 @@ extern "C" {
 #endif
 
 /// Replaces bytes that are not convertible.
-/// @param encoding  the converter's, as it was named
-/// @param codePoints  receives the replacement; what is no code point is left out, and what is
-///        beyond I18N_USER_REPLACEMENT_LIMIT cut off. If these need more than so many UTF-16 code
-///        units, the conversion fails
+/// @param encoding  the name that was given to the converter
+/// @param codePoints  receives the replacement. Values that are no code points are left out, and
+///     code points beyond I18N_USER_REPLACEMENT_LIMIT are cut off. The conversion fails if the
+///     replacement takes more UTF-16 code units than that limit
 /// @param count  receives the number of code points; 0 on entry
-/// @param error  I18N_OK on entry; anything else makes the conversion fail
+/// @param error  I18N_OK on entry; any other value makes the conversion fail
 typedef void (*I18NUserInputCallback)(const char* encoding, const char* bytes, int length,
                                       wchar_t* codePoints, int* count, I18NErrorCodes* error);
 
-/// Replaces a code point that the encoding does not have.
-/// @param bytes  receives the replacement, in the encoding
-/// @param count  receives the number of bytes; 0 on entry, and then the code point is dropped
-/// @param error  I18N_OK on entry; anything else makes the conversion fail
+/// Replaces a code point that the encoding lacks.
+/// @param bytes  receives the replacement in the encoding
+/// @param count  receives the number of bytes; 0 on entry. If it stays 0, the code point is dropped
+/// @param error  I18N_OK on entry; any other value makes the conversion fail
 typedef void (*I18NUserOutputCallback)(wchar_t codePoint, const char* encoding, char* bytes,
                                        int* count, I18NErrorCodes* error);
 

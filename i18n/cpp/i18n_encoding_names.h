@@ -4,21 +4,21 @@
 #include "QBLCore/Frame/QBLExport.h"
 
 /// @file
-/// Which encodings there are converters for, and what they are called.
+/// The encodings that have converters, and their names.
 ///
-/// Threads: any thread may call any of these at any time.
+/// Threads: any thread may call these functions at any time.
 
 #ifdef __cplusplus
 extern "C" {
 #endif
 
-/// How many encodings there are. The first call opens each of them once.
+/// Returns the number of encodings. The first call opens each of them once.
 QBL_API int I18NCountEncodings(void);
-/// A name of an encoding, as I18NConverter takes it.
+/// Returns a name of an encoding, in the form that I18NConverter takes.
 /// @param encoding  from 0
-/// @param name  0 is the usual one: of MIME, else of IANA, else ICU's own; all that ICU knows
-///        follow, this one among them
-/// @return owned by ICU, for the life of the process; null if there is no such one
+/// @param name  0 gives the usual name: the MIME name, else the IANA name, else ICU's own. Numbers
+///     from 1 give all names that ICU knows, including this one
+/// @return owned by ICU, valid for the life of the process; null if there is no such name
 QBL_API const char* I18NGetEncodingName(int encoding, int name);
 
 #ifdef __cplusplus

@@ -22,143 +22,152 @@ U_NAMESPACE_END
 
 class I18NString;
 
-/// Texts of a resource file by their names.
+/// The texts of a resource file by name.
 using I18NResourceMap = std::map<std::string, std::u16string, std::less<>>;
 
-/// What the resource files of the installation say: "i18n_res.xml", which is read while the
-/// internationalisation layer starts, and a file per language for each of currencies, words, time
-/// periods, time zones and locales, read when it is first asked for. There is one object of this
-/// class in a process; before the start and after the stop it has the defaults.
+/// The contents of the installation's resource files: "i18n_res.xml", which is read while the
+/// internationalisation layer starts, and one file per language for each of currencies, words, time
+/// periods, time zones and locales, which is read on first use. A process has one object of this
+/// class. Before the start and after the stop it returns the defaults.
 ///
-/// Operations that fill a string leave it as it is when they give false. Codes of currencies and
-/// countries are in upper case. Where a map is given, it is valid until the stop.
+/// An operation that fills a string leaves the string unchanged if it returns false. Codes of
+/// currencies and countries are in upper case. A map that an operation returns is valid until the
+/// stop.
 ///
-/// Threads: any thread may call any operation, but loadSequenceTable() and release(), which need
-/// that nobody uses the resources meanwhile.
+/// Threads: any thread may call any operation, except loadSequenceTable() and release(): no other
+/// thread may use the resources while one of these runs.
 class QBL_API I18NInternalResources {
 public:
-    /// The process's one.
+    /// Returns the object of the process.
     /// @throws QBLOutOfMemoryError
     static I18NInternalResources& getInternalResources();
-    /// The same, by its older name.
+    /// The same under an older name.
     static I18NInternalResources& getInternalResForTesting();
 
     I18NInternalResources(const I18NInternalResources&) = delete;
     I18NInternalResources& operator=(const I18NInternalResources&) = delete;
 
-    /// Finds the installation's bin directory, and names it to ICU as the place of its data, unless
-    /// ICU is in use already: a converter made earlier has done the same. What ICU has built in
-    /// comes first all the same.
+    /// Finds the installation's bin directory and sets it as ICU's data directory. Does not change
+    /// ICU's data directory again if an earlier call or the first converter has set it. Data that
+    /// is built into ICU takes precedence over files.
     static void setDataDirectoryPath();
-    /// The bin directory; empty if none was found.
+    /// Returns the bin directory, or an empty string if none was found.
     static std::string getDataDirectoryPath();
-    /// Puts a name in the place of "./i18n_res.xml" in the path of the resource file, for the next
-    /// loadSequenceTable(). Without effect when it is null or the path does not contain that.
+    /// Replaces "./i18n_res.xml" in the path of the resource file by a name, for the next
+    /// loadSequenceTable(). Does nothing if the name is null or if the path does not contain that
+    /// text.
     // NOLINTNEXTLINE(bugprone-reserved-identifier): programs know it under this name
     static void __changeResourceFileName(const char* name);
-    /// Reads the resource file, or if it is not there the one of this name in the installation's
-    /// share/qblcore. One that cannot be opened or read is no error and changes nothing; the other
-    /// is not taken for one that could not be looked at, as when descriptors are exhausted.
+    /// Reads the resource file. If it does not exist or the process may not read it, reads the file
+    /// of this name in the installation's share/qblcore instead. A file that cannot be opened or
+    /// read is no error and changes nothing. If the first file cannot be examined, for example
+    /// because descriptors are exhausted, the second file is not used.
     /// @throws QBLOutOfMemoryError
     void loadSequenceTable();
-    /// Drops all that was read, and goes back to the defaults.
+    /// Discards everything that was read and restores the defaults.
     void release();
 
-    /// What to reckon with when room is made for UTF-8; 2.5 unless the file says another number,
-    /// 4 at most.
+    /// The number of bytes per code point to expect when memory for UTF-8 is allocated: 2.5 unless
+    /// the file has another number, at most 4.
     float getUTF8BytesPerCodePoints() const;
-    /// Whether number formats may replace zeros with a scale; false unless the file says so.
+    /// Whether number formats may replace zeros of the scale; false unless the file says otherwise.
     bool isAllowReplaceScaledZero() const;
     void setAllowReplaceScaledZero(bool allow);
-    /// Whether number formats may show a negative zero; false unless the file says so.
+    /// Whether number formats may show a negative zero; false unless the file says otherwise.
     bool isAllowNegativeZero() const;
     void setAllowNegativeZero(bool allow);
 
-    /// Whether a text has a character that must not be normalised. Null has none.
+    /// Returns true if a text has a character that must not be normalised; false for null.
     bool isNonNormalizable(const wchar_t* text) const;
     bool isNonNormalizable(std::u16string_view text) const;
-    /// What Japanese text has in the place of a character; the character itself if nothing else.
+    /// Returns the character that replaces another one in Japanese text, or the character itself if
+    /// none does.
     char32_t getJaSubstitution(char32_t codePoint) const;
-    /// Makes the Japanese substitutions in a text. @return whether there were any.
+    /// Makes the Japanese substitutions in a text. @return true if there were any
     bool substituteJa(std::u16string& text) const;
 
-    /// What stands for a character that an encoding does not have.
-    /// @param bytes  receives the bytes, which belong to the resources; null without an entry
-    /// @param length  receives their number; with an entry, 0 means that the character is dropped
+    /// Gets the bytes that replace a character which an encoding lacks.
+    /// @param bytes  receives the bytes, which belong to the resources; null if there is no entry
+    /// @param length  receives the number of bytes. If there is an entry, 0 means that the
+    ///     character is dropped
     /// @param error  receives I18N_ARGUMENT for a null pointer, I18N_ENCODING for an unknown
-    ///     encoding, else I18N_OK; may be null itself
-    /// @return whether there is an entry.
+    ///     encoding, else I18N_OK; may be null
+    /// @return true if there is an entry
     bool getReplacementSequence(const char* encoding, wchar_t character, unsigned char** bytes,
                                 int* length, I18NErrorCodes* error) const;
-    /// What stands for bytes that are not convertible.
-    /// @param character  receives the character; U+FFFF without an entry
+    /// Gets the character that replaces bytes which are not convertible.
+    /// @param character  receives the character; U+FFFF if there is no entry
     bool getReplacementSequence(const char* encoding, unsigned char* bytes, int length,
                                 wchar_t* character, I18NErrorCodes* error) const;
 
-    /// Replaces the five named XML entities by their characters.
+    /// Replaces the five named XML entities by the characters that they stand for.
     static void transliterate(std::u16string& text);
     static void transliterate(I18NString& text);
-    /// A transliterator that does the same, made by the first call and valid until the stop.
+    /// Returns a transliterator that does the same. The first call makes it; it is valid until the
+    /// stop.
     /// @throws I18NRuntimeError, QBLOutOfMemoryError
     const icu::Transliterator* getTransliterator();
-    /// Its rules.
+    /// Returns the rules of that transliterator.
     static const char* getTransliterationData();
-    /// Appends a text with the characters escaped that a URL must not hold.
+    /// Appends a text, with the characters escaped that a URL must not contain.
     static void urlEncode(std::u16string_view text, std::u16string& out);
-    /// A text with these characters escaped.
+    /// Returns a text with these characters escaped.
     static I18NString urlEncode(const I18NString& text);
-    /// A transliterator that does the same, made by the first call and valid until the stop.
+    /// Returns a transliterator that does the same. The first call makes it; it is valid until the
+    /// stop.
     /// @throws I18NRuntimeError, QBLOutOfMemoryError
     const icu::Transliterator* getURLEncodeTranslit();
 
-    /// The currency's name in a language; what getNoDescriptionWord() gives if there is none.
+    /// Returns the currency's name in a language, or getNoDescriptionWord() if there is none.
     std::u16string getCurrencyDescription(const char* currency, const I18NLocale& locale);
     void getCurrencyDescription(const char* currency, const I18NLocale& locale,
                                 I18NString& description);
-    /// The word for a text that is missing; "No description" unless the locale has another.
+    /// Returns the text to show for a missing description; "No description" unless the locale has
+    /// another.
     std::u16string getNoDescriptionWord(const I18NLocale& locale);
     void getNoDescriptionWord(const I18NLocale& locale, I18NString& word);
-    /// @throws I18NRuntimeError if there are no symbols at all
+    /// @throws I18NRuntimeError if the resources have no symbols at all
     bool getSymbolForISOCode(const char* currency, const I18NLocale& locale,
                              std::u16string& symbol);
     bool getSymbolForISOCode(const char* currency, const I18NLocale& locale, I18NString& symbol);
-    /// @return -1 for an unknown currency.
-    /// @throws I18NRuntimeError if nothing is known of any
+    /// @return -1 for an unknown currency
+    /// @throws I18NRuntimeError if the resources have no decimal places of any currency
     int getNumbDecimPlacesForCurrency(const char* currency);
-    /// Whether it is the code of a currency that the resources know.
-    /// @throws I18NRuntimeError if they know none
+    /// Returns true if this is the code of a currency in the resources.
+    /// @throws I18NRuntimeError if the resources have no currencies at all
     bool isISOCurrencyCodeValid(const char* currency);
-    /// @throws I18NRuntimeError if there is none for any country
+    /// @throws I18NRuntimeError if the resources have no currency of any country
     bool getISOCurrencyCodeForCountry(const char* country, std::string& currency);
-    /// The currency that took the place of one that is no longer used.
+    /// Gets the currency that replaced one that is no longer used.
     bool getCurrencyMapping(const char* currency, std::string& successor);
     /// @param lcid  receives the lowest of the locale identifiers that the currency belongs to
     bool getLCIDForCurrencyCode(const char* currency, unsigned short& lcid);
     bool getCurrencyCodeForLCID(unsigned short lcid, std::string& currency);
 
-    /// The locale's name in a language.
+    /// Gets the locale's name in a language.
     bool getLocaleDescription(const I18NLocale& described, const I18NLocale& locale,
                               std::u16string& description);
     bool getLocaleDescription(const I18NLocale& described, const I18NLocale& locale,
                               I18NString& description);
-    /// The supported locales, always in the same order.
-    /// @param locales  receives an array that belongs to the resources, valid until the stop
+    /// Gets the supported locales, always in the same order.
+    /// @param locales  receives an array that belongs to the resources and is valid until the stop
     /// @param count  receives the number of its elements
     void getLocales(I18NLocale** locales, int* count);
-    /// @param locale  receives the name of the locale of a language on its own, with the default
-    ///     variant that the resource file gives it; "en-us" for an unknown language
-    /// @return whether the language is known.
-    /// @throws I18NRuntimeError if none is
+    /// @param locale  receives the name of the language's default locale, with the default variant
+    ///     that the resource file sets for that locale; "en-us" for an unknown language
+    /// @return true if the language is known
+    /// @throws I18NRuntimeError if the resources have no languages at all
     bool getDefaultLocaleForLanguage(const char* language, std::string& locale);
-    /// The encoding of files of values with separators between them: what the resource file says
-    /// for the locale, else the usual one of the language on the desktop.
+    /// Returns the encoding for files of separated values: the one that the resource file sets for
+    /// the locale, else the usual desktop encoding of the language.
     std::string getEncodingForLocale(const I18NLocale& locale) const;
     void getEncodingForLocale(const I18NLocale& locale, I18NString& encoding) const;
     bool getLocaleIdFroLCID(unsigned short lcid, std::string& locale) const;
-    /// Whether the resource file has settings for the locale, and they are in use.
+    /// Returns true if the resource file has settings for the locale and marks them as in use.
     bool isLocaleModified(const I18NLocale& locale) const;
     const I18NResourceMap& getLocaleResources(const I18NLocale& locale);
-    /// What separates values where numbers are written as in the locale.
+    /// Gets the separator of list items for a locale: a comma if its decimal separator is a point,
+    /// else a semicolon.
     bool getListSeparator(const I18NLocale& locale, wchar_t& separator) const;
     /// @param locale  null means the default locale
     bool getListSeparator(const icu::Locale* locale, wchar_t& separator) const;
@@ -167,37 +176,39 @@ public:
                                 std::u16string& description);
     bool getTimeZoneDescription(const char* zone, const I18NLocale& locale,
                                 I18NString& description);
-    /// @param count  receives the number of zones that the resources know
-    /// @return their identifiers, sorted; the array is valid until the stop.
+    /// @param count  receives the number of time zones in the resources
+    /// @return their identifiers, sorted; the array is valid until the stop
     const char* const* getTimeZoneIDs(int& count);
-    /// @param offset  in hours, as of standard time
-    /// @return the zone that stands for an offset in the United States; null for others.
+    /// @param offset  of standard time from UTC, in hours
+    /// @return the time zone of the United States that stands for this offset; null for other
+    ///     offsets
     static const char* getFallbackTimeZoneID(int offset);
-    /// @return the zone for the abbreviations EST, CST, MST, PST and HST; others unchanged.
+    /// @return the time zone for the abbreviations EST, CST, MST, PST and HST; any other text
+    ///     unchanged
     static const char* getCompatibilityTimeZoneID(const char* id);
     const I18NResourceMap& getTimePeriodResources(const I18NLocale& locale);
     const I18NResourceMap& getTimeZoneResources(const I18NLocale& locale);
 
-    /// Looks for a file per locale: base + name + ".xml", where name is language, country and
-    /// variant, then without the variant, then the language alone, then "en"; each in the bin
-    /// directory, then in the working directory, then in the installation's share/qblcore. A
-    /// variant is looked for in upper and then in lower case; files that we may not read are passed
-    /// over.
-    /// @param path, name  receive the file that was found, and which name it has
+    /// Finds the resource file for a locale: base + name + ".xml". The names are language, country
+    /// and variant; then without the variant; then the language alone; then "en". Each name is
+    /// searched for in the bin directory, then in the working directory, then in the installation's
+    /// share/qblcore. A variant is searched for in upper case and then in lower case. Files that
+    /// the process may not read are skipped.
+    /// @param path, name  receive the path of the file and the name that was found
     /// @param locale  null means the default locale
     static bool findResourceFile(std::string& path, I18NString& name, const char* base,
                                  const icu::Locale* locale);
-    /// Reads a line of a text file, without its end ("\n" or "\r\n") and without a byte-order
-    /// mark. Of a line beyond 1 MiB nothing is kept.
-    /// @return nothing at the end of the file, or without a file.
+    /// Reads a line of a text file, without its line end ("\n" or "\r\n") and without a byte-order
+    /// mark. A line longer than 1 MiB is returned empty.
+    /// @return nothing at the end of the file or for a null file
     static std::optional<std::string> readLine(std::FILE* file);
-    /// The same, with the bytes read as UTF-8.
-    /// @return false at the end of the file; the line is empty then.
+    /// Reads a line in the same way and decodes it as UTF-8.
+    /// @return false at the end of the file; the line is empty then
     static bool readLineEx(I18NString& line, std::ifstream& file);
 
 protected:
     I18NInternalResources();
-    ~I18NInternalResources() = default;  // there is always one
+    ~I18NInternalResources() = default;  // the object is never destroyed
 
 private:
     struct Data;

@@ -10,12 +10,12 @@
 extern "C" {
 #endif
 
-/// The encoding that ICU takes for the platform's, "UTF-8" if it takes none. The answer to the
-/// first call holds for the life of the process, and so does the text.
+/// Returns the encoding that ICU uses as the platform's default, or "UTF-8" if it has none. Later
+/// calls return the same text, which stays valid for the life of the process.
 QBL_API const char* I18NGetPlatformDefaultEncoding(void);
-/// The name of the same encoding in the register of IANA; its own if it has none there.
+/// Returns the IANA name of the same encoding, or its name in ICU if IANA does not list it.
 QBL_API const char* I18NGetNormalizedPlatformDefaultEncoding(void);
-/// "UTF-8".
+/// Returns "UTF-8".
 QBL_API const char* I18NGetToolkitDefaultEncoding(void);
 
 #ifdef __cplusplus

@@ -11,37 +11,39 @@
 
 struct I18NPooledStringEntry;
 
-/// A text that is kept once in the process, however many hold it: a holder is as large as a
-/// pointer. Taking an ASCII text that is in the pool allocates nothing, and takes no lock but while
-/// texts of its bucket are added or purged. The bytes of others may have to be converted first.
+/// A text that the process stores once, no matter how many objects hold it. A holder is as large as
+/// a pointer. Making a holder of an ASCII text that is already in the pool allocates nothing, and
+/// takes a lock only if texts of the same bucket are being added or purged. Other texts may have to
+/// be converted first.
 ///
-/// Texts that nobody holds any more stay until the next purge, which the custodian does from time
-/// to time while the library runs. In its first pass it reads "I18NPooledString.conf" from the
-/// working directory: pairs of a key and an integer between white space. "interval" is the least
-/// number of seconds between two purges, 3600 unless said; with "dumpToFile" other than 0 each
-/// purge first appends a dump to "I18NPooledStringDump", the process's number and ".log", readable
-/// by the owner only.
+/// Texts without a holder stay in the pool until the next purge. The custodian purges the pool from
+/// time to time while the library runs. In its first pass it reads "I18NPooledString.conf" from the
+/// working directory: pairs of a key and an integer, separated by white space. "interval" is the
+/// minimum number of seconds between two purges; the default is 3600. If "dumpToFile" is not 0,
+/// each purge first appends a dump to the file "I18NPooledStringDump<process ID>.log", which only
+/// the owner can read.
 ///
-/// Holders may be static objects: what is held when the library stops is taken out of the pool and
-/// goes with its last holder. The pool can be used before the library starts and after it stopped,
-/// but then nobody purges it.
+/// Holders may be static objects. A text that is still held when the library stops leaves the pool
+/// and is destroyed with its last holder. The pool can also be used before the library starts and
+/// after it stops, but then the custodian does not purge it.
 ///
-/// Each text costs at least 128 bytes (192 at 64 bits). Of that memory, what a purge empties goes
-/// back to the system, but for a page in eight and for the tables by which texts are found.
+/// Each text costs at least 128 bytes (192 at 64 bits). Memory that purges empty goes back to the
+/// system, except one page in eight and the tables that find the texts.
 ///
-/// Whoever chooses the texts can choose many of one hash, which makes them slow to find: do not
-/// pool what comes from strangers without a limit.
+/// Do not pool text from untrusted sources without a limit: whoever chooses the texts can choose
+/// many with the same hash, which makes them slow to find.
 ///
-/// Texts of bytes are UTF-8. Two of them share an entry when they have the same bytes; as
-/// different bytes may be the same text in normalisation form C, equal holders may still differ in
-/// their entries.
+/// Texts given as bytes are UTF-8. Two texts share an entry if their bytes are the same. Different
+/// bytes can be the same text in normalisation form C, so two equal holders may have different
+/// entries.
 ///
-/// Errors: QBLOutOfMemoryError, also for more than some 130 million holders of one text, and what
-/// I18NString throws for text that it cannot take. A holder is as it was after an error. A new
-/// handler (qblSetNewHandler) must not use the pool: it is called under its locks.
+/// Errors: QBLOutOfMemoryError, also for more than about 130 million holders of one text, and
+/// whatever I18NString throws for the text. A holder is unchanged after an error. A new handler
+/// (qblSetNewHandler) must not use the pool, since it is called while the pool's locks are held.
 ///
-/// Threads: any number of threads may use the holders of a text; each holder one at a time, but
-/// for the constant operations. The operations of the class may be called by any thread.
+/// Threads: any number of threads may use holders of one text, and may call constant operations of
+/// one holder at the same time. Any other operation on a holder needs that holder alone. Any thread
+/// may call the static operations.
 class QBL_API I18NPooledString {
 public:
     class I18NPooledStringPool;
@@ -49,10 +51,10 @@ public:
     /// @name Making a holder
     /// @{
 
-    /// Holds the empty text, of no entry.
+    /// Holds the empty text, without an entry in the pool.
     I18NPooledString() noexcept = default;
-    /// The text by its UTF-8 form: up to a zero in it, with U+FFFD for a surrogate without its
-    /// other half, in normalisation form C.
+    /// Takes the UTF-8 form of the text, up to a NUL in it, and brings it to normalisation form C.
+    /// An unpaired surrogate becomes U+FFFD.
     explicit I18NPooledString(const I18NString& text);
     /// @param utf8  null is the empty text
     explicit I18NPooledString(const char* utf8);
@@ -75,7 +77,7 @@ public:
     /// @name The text
     /// @{
 
-    /// The text, which stays while anybody holds it.
+    /// Returns the text, which stays valid while any object holds it.
     const I18NString& getString() const;
     operator const I18NString&() const { return getString(); }
     friend bool operator==(const I18NPooledString& a, const I18NPooledString& b) {
@@ -89,13 +91,13 @@ public:
     /// @name Start and stop
     /// @{
 
-    /// Part of the start of the library, counted: gives the custodian its task if that has none.
-    /// Neither this nor terminate() may be called by a task of the custodian.
-    /// @return whether there is such a task now
-    /// @throws QBLOutOfMemoryError, QBLStdExceptionError; it does not count then
+    /// Registers the custodian's task unless it is registered. The start of the library calls it;
+    /// calls are counted. A task of the custodian must not call this or terminate().
+    /// @return true if the task is registered now
+    /// @throws QBLOutOfMemoryError, QBLStdExceptionError; the call is not counted then
     static bool initialize();
-    /// The last one withdraws the task, waiting for a purge that is under way, and empties the
-    /// pool. Does nothing when it has not been started.
+    /// The last counted call deregisters the task, waits for a running purge, and empties the pool.
+    /// Does nothing if no call of initialize() is left.
     static void terminate();
     /// @}
 
@@ -120,57 +122,58 @@ private:
 
 /// The texts of the process, in 257 buckets by a hash of their bytes.
 ///
-/// Threads: any thread may call any operation. What changes a bucket, or walks it, holds one of 64
-/// locks; none is held across buckets, so what is told of several is of several moments, and a
-/// holder may be a look-up under way. Sums over INT_MAX are INT_MAX.
+/// Threads: any thread may call any operation. An operation that changes or walks a bucket holds
+/// one of 64 locks. No lock is held across buckets, so a result for several buckets describes
+/// several moments. A holder that is counted may be a lookup in progress. Sums are capped at
+/// INT_MAX.
 class QBL_API I18NPooledString::I18NPooledStringPool {
 public:
     /// @name Texts
     /// @{
 
-    /// The string of a text, which is added if it is not there. Each call counts as a holder, up to
-    /// its releaseString().
+    /// Returns the string of a text, and adds the text if it is not in the pool. Each call counts
+    /// as a holder until the matching releaseString().
     /// @param utf8  null is the empty text
-    /// @throws as I18NPooledString
+    /// @throws like the constructors of I18NPooledString
     const I18NString& getString(const char* utf8);
-    /// The same by the string's UTF-8 form, as I18NPooledString takes it.
+    /// Does the same for the UTF-8 form of a string, as I18NPooledString takes it.
     const I18NString& getString(const I18NString& text);
-    /// Counts a holder less; does nothing when none is left.
-    /// @param string  the very string that this class's getString() gave, once for each time; a
-    ///     holder's string is the holder's to release
-    /// @throws QBLIllegalArgumentError for one that is not of the pool
+    /// Releases one holder; does nothing if there is none.
+    /// @param string  the object that getString() of this class returned, passed once for each such
+    ///     call. Do not pass the string of an I18NPooledString, which releases it itself
+    /// @throws QBLIllegalArgumentError if the string is not in the pool
     void releaseString(const I18NString& string);
     /// @}
 
     /// @name Purge and dump
     /// @{
 
-    /// Removes the texts that nobody holds, after a dump to the file if that is asked for. A file
-    /// that cannot be opened or written is reported on the standard error stream.
+    /// Removes the texts without a holder. If "dumpToFile" is set, first writes a dump to the file.
+    /// Reports a file that it cannot open or write on the standard error stream.
     void purge();
-    /// Writes a line for each text, by buckets, and a summary. Texts are written as they are, line
-    /// ends in them too.
-    /// @param out  is written to under the locks: it must not use the pool
-    /// @throws QBLOutOfMemoryError; what the stream throws if it was told to
+    /// Writes a line for each text, in the order of the buckets, and a summary. Texts are written
+    /// as they are, including line ends.
+    /// @param out  written to while locks are held, so it must not use the pool
+    /// @throws QBLOutOfMemoryError; what the stream throws if its exceptions are enabled
     void dump(std::ostream& out);
     /// @}
 
     /// @name Counts
     /// @{
 
-    /// Texts in the pool.
+    /// The number of texts in the pool.
     int count();
-    /// The sum of their I18NString::size().
+    /// The sum of I18NString::size() of all texts.
     int size();
-    /// The sum of their holders.
+    /// The sum of the holders of all texts.
     int getTotalRefCount();
     /// @}
 
     /// @name Hash
     /// @{
 
-    /// The hash: the first byte sign-extended, and for each that follows hash * 38 + hash / 2^24 +
-    /// the byte sign-extended, in 32 bits. 0 for null and for the empty text.
+    /// The hash starts as the first byte, sign-extended. For each later byte it becomes hash * 38 +
+    /// hash / 2^24 + the sign-extended byte, in 32 bits. 0 for null and for the empty text.
     static unsigned hashOf(const char* text);
     /// @}
 
@@ -190,12 +193,12 @@ private:
     static I18NPooledStringEntry* acquire(const char* utf8);
     I18NPooledStringEntry* acquireLocked(unsigned number, const char* utf8, unsigned hash);
     I18NPooledStringEntry* createPSPE(const char* utf8, unsigned hash);
-    /// Calls a body with each bucket and its number, under its lock.
+    /// Calls a body with each bucket and its number, while holding the bucket's lock.
     template <class Body>
     void eachBucket(Body body);
     Totals totals();
     void dumpToFile();
-    /// Takes out all texts; those that are held go with their last holder.
+    /// Removes all texts; a held text is destroyed with its last holder.
     void clear() noexcept;
 
     QBLThreadCriticalSection m_locks[kLocks];
@@ -204,20 +207,20 @@ private:
 
 /// The custodian's task: purges the pool of strings from time to time.
 ///
-/// Threads: doIt() by one at a time.
+/// Threads: one thread at a time may call doIt().
 class QBL_API I18NPooledStringCustodian : public QBLCustodianTask {
     friend class I18NPooledString;
 
 public:
-    /// @param clock  tells the time as time() does
+    /// @param clock  returns the time as time() does
     explicit I18NPooledStringCustodian(std::time_t (*clock)(std::time_t*) = std::time);
 
     int doIt(int terminating) override;
 
 private:
     std::time_t (*m_clock)(std::time_t*);
-    std::time_t m_last;           // when the settings were read, or the last purge began
-    std::atomic<bool> m_dropped;  // by a custodian that has stopped
+    std::time_t m_last;           // time of reading the settings or of the last purge
+    std::atomic<bool> m_dropped;  // a custodian that stopped has dropped the task
 };
 
 #endif

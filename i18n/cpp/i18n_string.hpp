@@ -26,60 +26,66 @@ class I18NStringIterator;
 class I18NTextView;
 class QBLThreadCriticalSection;
 
-/// A position in a string, in UTF-16 code units, whatever the string is kept in.
+/// A position in a string in UTF-16 code units, whether the text is stored as ASCII or as UTF-16.
 typedef int I18NStringOffset;
 
 /// The normalisation forms of the Unicode Standard, Annex #15.
 enum I18NNormalizationForms { I18N_NFC, I18N_NFD, I18N_NFKC, I18N_NFKD };
 
-/// A Unicode string. A text of ASCII characters given in an encoding that keeps them is kept as
-/// bytes, up to 32 of them without any allocation; every other one as UTF-16, with an ICU string
-/// beside it. A string that has left ASCII stays in UTF-16, unless another one is moved into it.
-/// Offsets and counts are in UTF-16 code units, byte lengths are in bytes, and a length of -1 means
-/// up to the terminating zero.
+/// A Unicode string. A text of ASCII characters is stored as bytes, and up to 32 of them need no
+/// allocation. Any other text is stored as UTF-16, together with an ICU string that refers to it.
+/// ASCII text given as bytes in an encoding other than UTF-8, windows-1252 and ISO-8859 is stored
+/// as UTF-16, too. A string that has moved to UTF-16 stays there until create() is called or
+/// another string is moved into it. Offsets and counts are in UTF-16 code units, byte lengths are
+/// in bytes, and a length of -1 means up to the terminating NUL.
 ///
-/// Contents are kept in normalisation form C unless that is switched off. A string that holds a
-/// character which the resources exempt stays as it is given. Text is case-sensitive and compares
-/// in the order of its code units.
+/// The string keeps its contents in normalisation form C unless useNormalization(false) is called.
+/// A text with a character that the resource file exempts from normalisation stays as it is given.
+/// Text is case-sensitive, and texts compare by their code units.
 ///
-/// An allocator given with a constructor gets the string its memory from then on, and does what
-/// realloc(3) does.
+/// An allocator passed to a constructor provides the memory of the string from then on. It must
+/// behave like realloc(3).
 ///
-/// A wide character is a code point: above U+FFFF it becomes a surrogate pair, a surrogate stays
-/// what it is, and what is beyond Unicode becomes U+FFFD.
+/// A wide character is a code point. A code point above U+FFFF is stored as a surrogate pair, a
+/// surrogate is stored unchanged, and a value beyond U+10FFFF is stored as U+FFFD.
 ///
-/// Errors: QBLOutOfMemoryError; I18NRuntimeError where said. A string is as it was after an error.
+/// Errors: operations throw QBLOutOfMemoryError, and I18NRuntimeError where documented. The string
+/// is unchanged after an error, except in resizeExternalBuffer().
 ///
-/// Threads: one at a time for each object, but for the constant operations: any number of threads
-/// may call those at a time, c_str() and toBytes() included.
+/// Threads: any number of threads may call constant operations of one string at the same time,
+/// including c_str() and toBytes(). No other call may run at the same time as an operation that
+/// changes the string.
 class QBL_API I18NString {
 public:
     /// @name Making a string
     /// @{
 
     explicit I18NString(I18NStringAllocator allocator = nullptr, void* context = nullptr);
-    /// A copy has the allocator given here, not that of the original. Its text is the same, also if
-    /// that is in another form.
+    /// The copy uses the allocator given here, not that of the original. It has the same text, even
+    /// if that text is not in form C.
     I18NString(const I18NString& other, I18NStringAllocator allocator = nullptr,
                void* context = nullptr);
     I18NString(I18NString&& other) noexcept;
-    /// From UTF-16 memory of any alignment, up to a zero unit; an odd byte at the end is ignored.
-    /// I18NString("abc", 3) comes here too, since UTF-16 is often kept in buffers of char: it reads
-    /// one unit. For three bytes of text write I18NString("abc", nullptr, 3).
+    /// Reads UTF-16 from memory of any alignment, up to a zero unit; an odd byte at the end is
+    /// ignored. I18NString("abc", 3) selects this constructor too, since UTF-16 is often kept in
+    /// buffers of char: it reads one unit. For three bytes of text write I18NString("abc", nullptr,
+    /// 3).
     I18NString(const void* utf16, int byteLength, I18NStringAllocator allocator = nullptr,
                void* context = nullptr);
     I18NString(int count, wchar_t c, I18NStringAllocator allocator = nullptr,
                void* context = nullptr);
     explicit I18NString(const wchar_t* text, I18NStringAllocator allocator = nullptr,
                         void* context = nullptr);
-    /// From bytes; null for UTF-8. Ill-formed UTF-8 gives error values in its place, and what other
-    /// encodings do not have is replaced as by I18N_SUBSTITUTE. What needs a converter is empty
-    /// until the internationalisation layer is initialised.
-    /// @throws I18NRuntimeError -3 for an encoding that is not there, if a converter is needed
+    /// Decodes bytes; a null encoding means UTF-8. In UTF-8, each ill-formed sequence becomes an
+    /// error value: U+0015, U+009F, U+FFFF or U+10FFFF. In other encodings, bytes that are not
+    /// convertible are replaced as under I18N_SUBSTITUTE. If the encoding needs a converter, the
+    /// string is empty until the internationalisation layer is initialised.
+    /// @throws I18NRuntimeError -3 if a converter is needed and there is none for the encoding
     explicit I18NString(const char* bytes, const char* encoding = nullptr, int length = -1,
                         I18NStringAllocator allocator = nullptr, void* context = nullptr);
-    /// From bytes by a converter, with its policies; works before the layer is initialised too.
-    /// @throws I18NRuntimeError -4, without a text, for bytes that its policy refuses
+    /// Decodes bytes with a converter and its policies; also works before the layer is initialised.
+    /// @throws I18NRuntimeError -4 without a message if the policy of the converter refuses the
+    ///     bytes
     I18NString(const char* bytes, const I18NConverter& converter, int length = -1,
                I18NStringAllocator allocator = nullptr, void* context = nullptr);
     ~I18NString() {
@@ -88,7 +94,7 @@ public:
             destroy();
     }
 
-    /// Make the object anew, as the constructors do, with the allocator given here.
+    /// Reinitialises the string like the constructor with these arguments, including the allocator.
     template <class... Arguments>
     void create(const Arguments&... arguments) {
         recreate(I18NString(arguments...));
@@ -98,10 +104,11 @@ public:
     /// @name Assigning
     /// @{
 
-    /// Keep the allocator that the string has, and whether it is normalised. A text that was
-    /// brought to another form by normalize() stays in it.
+    /// The string keeps its allocator and its useNormalization() setting. A text that normalize()
+    /// brought to another form keeps that form.
     I18NString& operator=(const I18NString& other);
-    // Strings with different allocators, or with a caller's buffer, are copied, which can fail.
+    // Copies, which can throw, if the allocators or useNormalization() settings differ or if either
+    // string uses a caller's buffer.
     I18NString& operator=(I18NString&& other);  // NOLINT(performance-noexcept-move-constructor)
     I18NString& operator=(const char* utf8);
     I18NString& operator=(const wchar_t* text);
@@ -121,7 +128,7 @@ public:
     I18NString& operator+=(const Text& text) {
         return append(text);
     }
-    /// Offsets beyond the end count as the end, negative ones as the beginning.
+    /// An offset beyond the end means the end, and a negative offset means the beginning.
     I18NString& insert(I18NStringOffset offset, const I18NString& other);
     I18NString& insert(I18NStringOffset offset, const char* utf8);
     I18NString& insert(I18NStringOffset offset, const wchar_t* text);
@@ -130,12 +137,13 @@ public:
     I18NString& replace(I18NStringOffset offset, int count, const char* utf8);
     I18NString& replace(I18NStringOffset offset, int count, const wchar_t* text);
     I18NString& replace(I18NStringOffset offset, int count, wchar_t c);
-    /// A negative count means all to the end, as everywhere.
+    /// A negative count means everything up to the end, as in replace().
     I18NString& erase(I18NStringOffset offset, int count = -1);
     /// Empties the string.
     I18NString& remove();
-    /// Cuts the string to a number of units, or fills it up to that: with whole characters, that
-    /// may then combine.
+    /// Truncates the string to a number of units, or appends `fill` up to that number. Only whole
+    /// characters are appended, so a surrogate pair can leave the string one unit short. The
+    /// appended characters may combine in form C.
     I18NString& resize(int units, wchar_t fill = L' ');
     I18NString& trimLeading(wchar_t c = L' ');
     I18NString& trimTrailing(wchar_t c = L' ');
@@ -145,16 +153,16 @@ public:
     /// @name Searching
     /// @{
 
-    /// @return the offset found; -1 when there is none. An empty text is found where the search
-    ///     starts, if that is in the string.
+    /// @return the offset of the first match at or after start, or -1 if there is none. An empty
+    ///     text is found at start unless start is beyond the end.
     I18NStringOffset find(const I18NString& text, I18NStringOffset start = 0) const;
     I18NStringOffset find(const wchar_t* text, I18NStringOffset start = 0) const;
     I18NStringOffset find(wchar_t c, I18NStringOffset start = 0) const;
-    /// The last one that begins at start or before; -1 starts at the end.
+    /// Finds the last match that begins at or before start; -1 means the end of the string.
     I18NStringOffset rfind(const I18NString& text, I18NStringOffset start = -1) const;
     I18NStringOffset rfind(const wchar_t* text, I18NStringOffset start = -1) const;
     I18NStringOffset rfind(wchar_t c, I18NStringOffset start = -1) const;
-    /// The first or last code point that is, or is not, one of those in a text.
+    /// Finds the first or last code point that is in a set, or that is not in it.
     I18NStringOffset findFirstOf(const I18NString& set, I18NStringOffset start = 0) const;
     I18NStringOffset findFirstOf(const wchar_t* set, I18NStringOffset start = 0) const;
     I18NStringOffset findFirstOf(wchar_t c, I18NStringOffset start = 0) const;
@@ -173,12 +181,12 @@ public:
     /// @{
 
     bool empty() const { return nUnits() == 0; }
-    /// Code units.
+    /// The number of code units.
     int nUnits() const { return m_pUnicodeString == nullptr ? m_asciiBufLength : m_unitLength; }
-    /// Code points; a surrogate pair counts once.
+    /// The number of code points; a surrogate pair counts once.
     int length() const { return nCodePoints(); }
     int nCodePoints() const;
-    /// Bytes of the UTF-16 form with its terminator, but 0 for an empty string.
+    /// The size of the UTF-16 form in bytes including the terminating NUL; 0 for an empty string.
     int size() const;
     static int length(const I18NString& other) { return other.length(); }
     static int length(const char* utf8) { return I18NString(utf8).length(); }
@@ -186,18 +194,19 @@ public:
     static int size(const I18NString& other) { return other.size(); }
     static int size(const char* utf8) { return I18NString(utf8).size(); }
     static int size(const wchar_t* text) { return I18NString(text).size(); }
-    /// Deliberately always 0: how wide a text is shown was never settled.
+    /// Deliberately always 0: the display width of a text was never defined.
     int displaySize() const { return 0; }
     /// @}
 
-    /// @name Going through code points
+    /// @name Iterating over code points
     /// @{
 
-    /// The offset behind the code point at an offset; -1 unless that is in the string.
+    /// Returns the offset after the code point at an offset, or -1 if the offset is not in the
+    /// string.
     I18NStringOffset incrementOffset(I18NStringOffset offset) const;
-    /// The offset of the code point before an offset; -1 unless there is one.
+    /// Returns the offset of the code point before an offset, or -1 if there is none.
     I18NStringOffset decrementOffset(I18NStringOffset offset) const;
-    /// The code point at an offset; 0 at the end and outside.
+    /// Returns the code point at an offset; 0 at the end and outside the string.
     wchar_t codePointAt(I18NStringOffset offset) const;
     I18NStringIterator begin() const;
     I18NStringIterator end() const;
@@ -206,15 +215,16 @@ public:
     /// @name Bytes in an encoding
     /// @{
 
-    /// The text in an encoding, with a zero of its width behind it. It belongs to the string and
-    /// stays until the string is changed or destroyed; asked for again it is the same. What the
-    /// encoding does not have is replaced as by I18N_SUBSTITUTE.
+    /// Returns the text in an encoding, followed by a NUL of the encoding's width. The bytes belong
+    /// to the string and stay valid until the string is changed or destroyed; a repeated call
+    /// returns the same bytes. Characters that the encoding lacks are replaced as under
+    /// I18N_SUBSTITUTE.
     /// @param encoding  null for UTF-8
-    /// @param length  receives the bytes, the zero included; null if not wanted. An empty string
-    ///     that is kept in UTF-16 has four of them.
-    /// @param allocator, context  for the conversion; null means the string's own. They must last
-    ///     as long as the string, or until it is converted again after a change
-    /// @throws I18NRuntimeError -3 for an encoding that is not there, if a converter is needed
+    /// @param length  receives the number of bytes including the NUL; may be null. An empty string
+    ///     that is stored as UTF-16 has four bytes
+    /// @param allocator, context  for the conversion; null means those of the string. They must
+    ///     stay usable as long as the string, or until the string is converted again after a change
+    /// @throws I18NRuntimeError -3 if a converter is needed and there is none for the encoding
     const char* c_str(const char* encoding = nullptr, int* length = nullptr,
                       I18NStringAllocator allocator = nullptr, void* context = nullptr) const {
         if (m_pUnicodeString != nullptr || encoding != nullptr)
@@ -222,43 +232,44 @@ public:
         if (length != nullptr) *length = m_asciiBufLength + 1;
         return ascii();
     }
-    /// The same by a converter, with its policies.
-    /// @throws I18NRuntimeError -4, without a text, for text that its policy refuses
+    /// Converts with a converter and its policies.
+    /// @throws I18NRuntimeError -4 without a message if the policy of the converter refuses the
+    ///     text
     const char* c_str(const I18NConverter& converter, int* length = nullptr,
                       I18NStringAllocator allocator = nullptr, void* context = nullptr) const;
-    /// The same as a block of the caller's, to be freed by freeBuffer(); one that an allocator was
-    /// given for, by that.
-    /// @param length  receives the bytes, the zero included; null if not wanted
+    /// Returns the bytes in a block that the caller owns. The caller frees the block with
+    /// freeBuffer(), or with the allocator if one is given.
+    /// @param length  receives the number of bytes including the NUL; may be null
     void toBytes(char** out, const char* encoding = nullptr, int* length = nullptr,
                  I18NStringAllocator allocator = nullptr, void* context = nullptr) const;
     void toBytes(char** out, const I18NConverter& converter, int* length = nullptr,
                  I18NStringAllocator allocator = nullptr, void* context = nullptr) const;
-    /// Writes the text without the zero.
-    /// @throws I18NRuntimeError with the writer's code when it fails
+    /// Writes the text without a NUL.
+    /// @throws I18NRuntimeError with the writer's code if the writer fails
     void toBytes(I18NByteWriter& writer, const char* encoding = nullptr) const;
     void toBytes(I18NByteWriter& writer, const I18NConverter& converter) const;
-    /// Frees a block of the default allocator and sets the pointer to null; a shared empty text
-    /// stays.
+    /// Frees a block of the default allocator and sets the pointer to null. Does not free the
+    /// shared empty text.
     static void freeBuffer(char** block);
     /// @}
 
     /// @name Normalisation
     /// @{
 
-    /// Sets the contents to a normalisation form; does nothing but claim to where it is switched
-    /// off.
+    /// Brings the contents to a normalisation form. While normalisation is switched off, this only
+    /// makes isNormalized() return true.
     /// @throws I18NRuntimeError
     I18NString& normalize(I18NNormalizationForms form = I18N_NFC);
-    /// Whether contents are brought to normalisation form C from now on; they are at first.
+    /// Sets whether later changes bring the contents to normalisation form C. The default is true.
     void useNormalization(bool use);
-    /// Whether the contents are known to be in normalisation form C.
+    /// Returns true if the contents are known to be in normalisation form C.
     bool isNormalized() const { return hasFlag(kI18NNormalized); }
     /// @}
 
-    /// @name How the text is kept
+    /// @name How the text is stored
     /// @{
 
-    /// While true every new string is kept in UTF-16, for the whole process.
+    /// While true, every new string of the process is stored as UTF-16.
     static void setForceUnicodeString(bool force);
     static bool isForceUnicodeString();
     bool isUsingAsciiBuffer() const;
@@ -267,42 +278,45 @@ public:
     /// @name Buffers of the caller
     /// @{
 
-    /// Makes a caller's UTF-16 buffer the string's own: with the text that is in it, up to a zero,
-    /// and in its place from then on. The unit behind the text is made a zero, at the latest the
-    /// last. The buffer must live until the string lets go of it, which create(),
-    /// resizeExternalBuffer() and I18NConverter::toUnicode() do. Any other change for which it is
-    /// too small throws I18NRuntimeError -7.
-    /// @param buffer  aligned as units are
-    /// @param bytes  of the buffer, 2 at least
-    /// @throws I18NRuntimeError -10 for null, fewer bytes, or an odd address
+    /// Stores the string in a caller's UTF-16 buffer from now on. The string takes the text that is
+    /// in the buffer, up to a zero unit or the last unit of the buffer, and writes a terminating
+    /// NUL there. The buffer must live until the string is destroyed or releases it. attach(),
+    /// create(), resizeExternalBuffer() and I18NConverter::toUnicode() release it. Any other change
+    /// for which the buffer is too small throws I18NRuntimeError -7.
+    /// @param buffer  aligned like char16_t
+    /// @param bytes  size of the buffer, at least 2
+    /// @throws I18NRuntimeError -10 for a null pointer, a smaller size or an odd address
     void attach(void* buffer, int bytes);
-    /// Copies as much as fits in UTF-16, with a zero behind it.
-    /// @return bytes written, the zero included; 0 for null or less than 2 bytes
+    /// Copies as much of the text as fits as UTF-16, followed by a NUL.
+    /// @return the number of bytes written including the NUL; 0 if the buffer is null or below 2
+    ///     bytes
     int copyToExternalBuffer(void* buffer, int bytes) const;
-    /// The text in UTF-16, with a zero behind it, until the next change. The string leaves ASCII.
-    /// What is written there passes its conversions by: it is for reading.
+    /// Returns the text as null-terminated UTF-16, valid until the next change. The string moves to
+    /// UTF-16. The caller must not write to it: the string would keep its earlier conversions.
     char16_t* getExternalBuffer();
-    /// Gives the string a buffer that has just room for its text.
-    /// @throws I18NRuntimeError -7 for a string with a caller's buffer, which it lets go of
+    /// Makes the string's buffer exactly as large as its text needs.
+    /// @throws I18NRuntimeError -7 for a string that uses a caller's buffer. The string releases
+    ///     that buffer and is empty then
     void resizeExternalBuffer();
     /// @}
 
     /// @name LIKE patterns
     /// @{
 
-    /// Whether the whole text matches an SQL LIKE pattern: "%" stands for any text, "_" for one
-    /// code point, and after the escape character both, and that character, for themselves.
+    /// Returns true if the whole text matches an SQL LIKE pattern. "%" matches any text, and "_"
+    /// matches one code point. After the escape character, these two and the escape character match
+    /// themselves.
     /// @param escape  0 for none
     bool matchLike(const I18NString& pattern, wchar_t escape = 0) const;
     bool matchLike(const I18NPatternCode& pattern) const;
-    /// Finds the leftmost part that matches, and of those that begin there the shortest.
-    /// @param from  where to begin
-    /// @param start, end  receive the part's offsets
+    /// Finds the leftmost part that matches, and the shortest one if several begin there.
+    /// @param from  where the search begins
+    /// @param start, end  receive the offsets of the part
     bool substringLike(const I18NPatternCode& pattern, I18NStringOffset from,
                        I18NStringOffset& start, I18NStringOffset& end) const;
     bool substringLike(const I18NString& pattern, wchar_t escape, I18NStringOffset from,
                        I18NStringOffset& start, I18NStringOffset& end) const;
-    /// A pattern made ready, to be freed by deletePatternCode().
+    /// Prepares a pattern for repeated use. Free it with deletePatternCode().
     static I18NPatternCode* getPatternCode(const I18NString& pattern, wchar_t escape = 0);
     static void deletePatternCode(I18NPatternCode* code);
     /// @}
@@ -310,8 +324,8 @@ public:
     /// @name UTF-16, UTF-8 and ICU
     /// @{
 
-    /// The ICU string with the contents, which the string leaves ASCII for. It is valid until the
-    /// next change, which is not to be made through it.
+    /// Returns an ICU string with the contents, valid until the next change. The string moves to
+    /// UTF-16. The caller must not change the ICU string.
     const icu::UnicodeString& getUnicodeString();
 
     std::u16string toUtf16() const;
@@ -321,7 +335,8 @@ public:
     /// @name Comparing
     /// @{
 
-    /// Negative, 0 or positive as this is before, equal to or behind the other.
+    /// Returns a negative number, 0 or a positive number if this text is less than, equal to or
+    /// greater than the other.
     int compare(const I18NString& other) const;
     int compare(const char* utf8) const;
     friend bool operator==(const I18NString& a, const I18NString& b) {
@@ -345,7 +360,8 @@ public:
     /// @name Locks of conversions
     /// @{
 
-    /// The lock that conversions of the string at an address are made under; 64 locks serve all.
+    /// The index and the lock that guard conversions of the string at an address. 64 locks serve
+    /// all strings.
     static int getIndexFromPtr(const void* string);
     static QBLThreadCriticalSection& getLockFromPtr(const void* string);
     /// @}
@@ -358,13 +374,13 @@ private:
         kI18NFromCodePage943 = 0x08,
         kI18NNoNormalization = 0x10
     };
-    // The other bits of the flags say what is known of the characters in the text that must not be
-    // normalised: 0 for nothing, else twice the number of the list of these, and one more if the
-    // text has any.
+    // The higher bits of the flags tell whether the text has a character that is exempt from
+    // normalisation: 0 if that is unknown, else twice the ID of the list of such characters, plus 1
+    // if the text has one.
     static constexpr int kExemptShift = 5;
     static constexpr int kInline = 32;
     struct Conversion;
-    struct Bare {};  // for a string in ASCII, whatever is asked for of all strings
+    struct Bare {};  // stored as ASCII, even under setForceUnicodeString(true)
     I18NString(Bare, I18NStringAllocator allocator, void* context) noexcept;
     friend class I18NConverter;
     friend struct I18NPooledStringEntry;
@@ -419,30 +435,29 @@ private:
     static void dropConversions(Conversion* chain) noexcept;
 
     char16_t* m_pCodeUnits;
-    icu::UnicodeString* m_pUnicodeString;  // null while the text is kept in ASCII
+    icu::UnicodeString* m_pUnicodeString;  // null while the text is stored as ASCII
     I18NStringAllocator m_allocator;
     void* m_allocatorContext;
-    mutable std::atomic<Conversion*>
-        m_pConverted;               // the newest first; under the lock, but for reads
-    mutable int m_convertedLength;  // of the newest, under the lock
+    mutable std::atomic<Conversion*> m_pConverted;  // the newest first; written under the lock
+    mutable int m_convertedLength;                  // of the newest, under the lock
     const char16_t* m_pContents;
     mutable const char* m_pConvertedEncoding;  // of the newest, under the lock
     mutable std::atomic<unsigned char> m_flags;
     char m_asciiInline[kInline + 1];
     mutable char* m_pAsciiBuffer;
-    int m_asciiBufCapacity;  // kInline while the text is in the object; else bytes, with the zero
+    int m_asciiBufCapacity;  // kInline while the text is in m_asciiInline; else bytes with the NUL
     int m_asciiBufLength;
     int m_unitLength;
-    int m_unitCapacity;  // units that fit before the zero
+    int m_unitCapacity;  // units that fit before the NUL
 };
 
-/// Where a text is written to, piece by piece.
+/// Receives the bytes that I18NString::toBytes() writes.
 ///
 /// Threads: write() is called by the thread that calls toBytes().
 class QBL_API I18NByteWriter {
 public:
     virtual ~I18NByteWriter();
-    /// @return 0; a negative code of I18NErrorCodes ends the writing
+    /// @return 0 on success; a negative code of I18NErrorCodes ends the writing
     virtual int write(const char* bytes, int length) = 0;
 };
 
@@ -451,7 +466,7 @@ public:
 /// Threads: any thread.
 QBL_API void I18NFreeBuffer(char*& block);
 QBL_API void I18NFreeBuffer(void*& block);
-/// The empty text that is shared, and never freed.
+/// The shared empty text, which is never freed.
 extern QBL_API char gI18NNullString[4];
 
 QBL_API I18NString operator+(const I18NString& a, const I18NString& b);
@@ -460,7 +475,7 @@ QBL_API I18NString operator+(const I18NString& a, const wchar_t* b);
 QBL_API I18NString operator+(const I18NString& a, wchar_t b);
 /// Writes the UTF-8 form, without the terminating zero.
 QBL_API std::ostream& operator<<(std::ostream& out, const I18NString& text);
-/// Reads a word up to white space, as UTF-8.
+/// Reads a word up to white space as UTF-8.
 QBL_API std::istream& operator>>(std::istream& in, I18NString& text);
 
 template <>

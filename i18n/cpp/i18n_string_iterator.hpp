@@ -3,23 +3,24 @@
 
 #include "i18n/cpp/i18n_string.hpp"
 
-/// The code point at a position of a string, to be read or, by assignment, replaced.
+/// The code point at a position of a string. It can be read, and replaced by assignment.
 ///
-/// Threads: as the string: assigning changes it, all else is constant to it.
+/// Threads: as for the string. Assigning changes the string; all other operations are constant on
+/// it.
 class QBL_API I18NStringIteratorValue {
 public:
     I18NStringIteratorValue(I18NString& string, I18NStringOffset offset);
-    /// @throws QBLAssertError always: this way to make one is retired
+    /// @throws QBLAssertError always: this constructor is retired
     I18NStringIteratorValue(icu::UnicodeString* string, I18NStringOffset offset);
     I18NStringIteratorValue(const I18NStringIteratorValue&) = default;
 
-    /// The code point; 0 at the end.
-    /// @throws QBLAssertError beyond the end of an ASCII string
+    /// Returns the code point; 0 at the end.
+    /// @throws QBLAssertError beyond the end of a string that is stored as ASCII
     operator wchar_t() const;
     bool operator==(wchar_t c) const;
     bool operator!=(wchar_t c) const { return !(*this == c); }
     /// Replaces the code point in the string.
-    /// @throws QBLAssertError at or beyond the end of an ASCII string
+    /// @throws QBLAssertError at or beyond the end of a string that is stored as ASCII
     I18NStringIteratorValue& operator=(wchar_t c);
     I18NStringIteratorValue& operator=(const I18NStringIteratorValue& other);
 
@@ -28,24 +29,25 @@ private:
     I18NStringOffset m_offset;
 };
 
-/// A position in a string, moved by code points. It does not know of changes of the string.
+/// A position in a string, moved by code points. Changes of the string do not adjust it.
 ///
-/// Threads: one at a time for each iterator; any number of them may stand in a string that no
-/// thread changes.
+/// Threads: one thread at a time may use an iterator. Any number of iterators may point into a
+/// string that no thread changes.
 class QBL_API I18NStringIterator {
 public:
     I18NStringIterator(const I18NString& string, I18NStringOffset offset)
         : m_pString(const_cast<I18NString*>(&string)), m_offset(offset) {}
 
-    /// Stay where they are at the ends.
+    /// At the ends of the string, these leave the iterator where it is.
     I18NStringIterator& operator++();
     I18NStringIterator operator++(int);
     I18NStringIterator& operator--();
     I18NStringIterator operator--(int);
-    /// @param n  code points; below 1 moves nothing
+    /// @param n  code points; a value below 1 does not move the iterator
     I18NStringIterator& operator+=(int n);
     friend I18NStringIterator operator+(I18NStringIterator at, int n) { return at += n; }
-    /// Code points from the other one to this; negative when this one is before.
+    /// Returns the number of code points from the other iterator to this one; negative if this one
+    /// comes first.
     int operator-(const I18NStringIterator& other) const;
     bool operator==(const I18NStringIterator& other) const { return m_offset == other.m_offset; }
     bool operator!=(const I18NStringIterator& other) const { return m_offset != other.m_offset; }
