@@ -5,8 +5,8 @@
 
 #include "QBLCore/Exceptions/shared/QBLThrowNoMemory.hpp"
 
-/// Ends what QBL_ALLOC_TRY begins, where text goes through the standard library's strings. At 32
-/// bits they hold less than ours, so a length that they refuse is memory that there is not.
+/// Closes the block that QBL_ALLOC_TRY opens around code that uses strings of the standard library.
+/// At 32 bits these hold less than our strings, so a std::length_error counts as exhausted memory.
 #define I18N_ALLOC_CATCH               \
     }                                  \
     catch (const std::length_error&) { \

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kShort = 1024;
 
-/// A short text is encoded aside, which takes less than to count its bytes first.
+/// Encodes a short text on the stack, which costs less than counting its bytes first.
 I18NBytes shortToUTF8(const char16_t* units, std::size_t length, I18NBlock block) {
     char aside[3 * kShort];
     const char* const end = i18nEncodeUTF8(units, length, aside);
@@ -46,7 +46,7 @@ I18NBytes toUTF16(const I18NTextView& text, I18NBlock block) {
     return {std::move(block), static_cast<int>(bytes) + 2, 2};
 }
 
-/// A zero that is wide enough for every encoding.
+/// A NUL that is wide enough for every encoding.
 I18NBytes widestZero(I18NBlock block) {
     block.resize(4);
     std::memset(block.get(), 0, 4);

@@ -4,14 +4,14 @@
 #include "i18n/cpp/string/i18n_block.hpp"
 #include "i18n/cpp/string/i18n_text_view.hpp"
 
-/// A text in an encoding, a zero of the encoding's width behind it.
+/// A text in an encoding, followed by a NUL of the encoding's width.
 struct I18NBytes {
     I18NBlock block;
-    int length;  // the zero included
-    int zero;    // bytes of that
+    int length;  // including the NUL
+    int zero;    // bytes of the NUL
 };
 
-/// @param block  an empty one, to hold the bytes
+/// @param block  an empty block that receives the bytes
 /// @throws I18NRuntimeError, QBLOutOfMemoryError
 I18NBytes i18nToBytes(const I18NTextView& text, const char* encoding, I18NBlock block);
 I18NBytes i18nToBytes(const I18NTextView& text, const I18NConverter& converter, I18NBlock block);

@@ -18,17 +18,17 @@ char16_t unitAt(const void* text, int i) {
     return unit;
 }
 
-/// Text longer than this counts as this long: its size with a zero must fit an int.
+/// Longer text counts as this long, since its size with the NUL must fit an int.
 constexpr int kMostUnits = INT_MAX / 2 - 1;
 
-/// Units before the zero, at most so many.
+/// Returns the number of units before the NUL, at most `most`.
 int unitsOf(const void* text, int most = kMostUnits) {
     int length = 0;
     while (text != nullptr && length < most && unitAt(text, length) != 0) ++length;
     return length;
 }
 
-/// Writes units and a zero to a place that they may overlap.
+/// Writes units and a NUL to a place that may overlap the units.
 void put(void* target, int at, const void* text, int units) {
     char* const out = static_cast<char*>(target) + std::ptrdiff_t{at} * 2;
     const auto bytes = static_cast<std::size_t>(units) * 2;

@@ -13,9 +13,9 @@ namespace {
 
 enum Kind : std::uint8_t { kUnknown, kInert, kOther };
 
-/// What is known of each code unit; found out when first met. Threads that meet one at a time find
-/// the same. A surrogate is inert by itself, and the first of a pair only if all are that begin
-/// with it: so those of the emoji are, and pairs need not be put together.
+/// The kind of each code unit, computed on first use. Threads that compute one at the same time get
+/// the same result. A lone surrogate is inert. A first half of a pair counts as inert only if all
+/// characters that begin with it are, as those of the emoji are; so pairs need not be combined.
 std::atomic<std::uint8_t> g_kinds[0x10000];
 
 bool isInert(const icu::Normalizer2& form, char32_t c) {
@@ -27,7 +27,7 @@ bool isInert(const icu::Normalizer2& form, char32_t c) {
 
 Kind find(char16_t unit) {
     const icu::Normalizer2* form = nullptr;
-    if (!tavContain([&form] { form = &i18nNormalizer(I18N_NFC); })) return kOther;  // for now
+    if (!tavContain([&form] { form = &i18nNormalizer(I18N_NFC); })) return kOther;  // not stored
     bool inert = isInert(*form, unit);
     if (i18nIsHigh(unit))
         for (char16_t low = 0xDC00; low < 0xE000 && inert; ++low)

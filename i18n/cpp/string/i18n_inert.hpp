@@ -3,8 +3,9 @@
 
 #include <cstddef>
 
-/// Whether every character of a text is one of those that form C neither changes nor reorders nor
-/// combines with one before: then the text is in that form. False says nothing.
+/// Returns true if every character of a text is inert: normalisation form C does not change it,
+/// reorder it, or combine it with an earlier character. The text is in form C then. If this returns
+/// false, the text may still be in form C.
 ///
 /// Threads: any thread.
 bool i18nIsInert(const char16_t* units, std::size_t length);

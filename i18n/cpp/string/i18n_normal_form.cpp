@@ -38,7 +38,7 @@ const icu::Normalizer2& made(const icu::Normalizer2* (*get)(UErrorCode&)) {
 
 constexpr int kLongRun = 64;
 
-/// Whether there may be a long run of characters that are not inert. Looks at a few of them only.
+/// Returns true if there may be a long run of characters that are not inert. Checks only a sample.
 bool mayHaveLongRun(const icu::UnicodeString& text, int from) {
     const char16_t* const units = text.getBuffer();
     constexpr int kStep = kLongRun / 2;
@@ -48,8 +48,8 @@ bool mayHaveLongRun(const icu::UnicodeString& text, int from) {
     return false;
 }
 
-/// The text with the marks of long runs in their order. ICU moves each mark to its place by itself,
-/// which takes the square of the run's length.
+/// Returns the text with the marks of long runs in canonical order. ICU moves each mark to its
+/// place separately, which takes quadratic time.
 icu::UnicodeString withSortedRuns(const icu::Normalizer2& form, const icu::UnicodeString& text,
                                   int from) {
     struct Mark {
@@ -90,7 +90,7 @@ icu::UnicodeString withSortedRuns(const icu::Normalizer2& form, const icu::Unico
     return sorted;
 }
 
-/// A character in front of others, of which only this much counts.
+/// What counts of the character before the current one.
 struct Front {
     UChar32 last;   // -1 at the beginning of the text
     int lastClass;  // its combining class; 0 for none
@@ -102,7 +102,7 @@ struct Front {
     bool mayCombine(const icu::Normalizer2& form, UChar32 c, int combiningClass) const {
         if (last < 0) return false;
         if (lastClass != 0) return lastClass < combiningClass;
-        // A composed character may have to give up a mark for one of a lower class.
+        // A composed character may have to release a mark to combine with one of a lower class.
         const int trailing = u_getIntPropertyValue(last, UCHAR_TRAIL_CANONICAL_COMBINING_CLASS);
         return (combiningClass != 0 && combiningClass < trailing) || form.composePair(last, c) >= 0;
     }
@@ -112,8 +112,8 @@ int quickCheck(UChar32 c) { return u_getIntPropertyValue(c, UCHAR_NFC_QUICK_CHEC
 
 }  // namespace
 
-// Kept in variables of our own, so that a thread that uses one has seen it being made, for whoever
-// watches only our code too.
+// Static variables of our own order the making of each object before its use, so that tools which
+// see only our code know of that order, too.
 const icu::Normalizer2& i18nNormalizer(I18NNormalizationForms form) {
     switch (form) {
         case I18N_NFD: {
@@ -154,7 +154,7 @@ bool i18nNormalize(const icu::Normalizer2& form, const icu::UnicodeString& text,
 }
 
 bool i18nSubstituteJa(icu::UnicodeString& text) {
-    require(text);  // it may be a copy that there was no memory for
+    require(text);  // bogus if there was no memory for a copy
     std::u16string units(i18nUnits(text));
     if (!I18NSettings::now().substituteJa(units)) return false;
     text.setTo(units.data(), static_cast<int32_t>(units.size()));
@@ -176,8 +176,8 @@ icu::UnicodeString i18nJoin(std::u16string_view before, const I18NTextView& text
     return all;
 }
 
-// A character combines with nothing if one of its class, or of a higher one, is between it and the
-// one that it could combine with.
+// A character does not combine if one of the same or a higher class stands between it and the
+// character that it could combine with.
 bool i18nStaysAsItIs(const icu::Normalizer2& formC, const I18NTextView& old, int offset, int behind,
                      const I18NTextView& text) {
     Front front = {-1, 0};

@@ -25,8 +25,7 @@ const char kStatic[] = "Cannot resize a static external buffer.";
 
 std::atomic<bool> g_bForceUnicodeString{false};
 
-/// The smaller of half as much again as there is and what the size type can tell, but what is
-/// needed.
+/// Returns a capacity that grows by half, capped at `most`, but never below `needed`.
 int grown(int present, std::int64_t needed, std::int64_t most) {
     if (needed > most) qblThrowNoMemory(QBL_HERE, kMalloc);
     const std::int64_t more = std::int64_t{present} + present / 2;
@@ -35,8 +34,8 @@ int grown(int present, std::int64_t needed, std::int64_t most) {
 
 constexpr std::int64_t kMostBytes = INT_MAX;
 
-/// Copies up to 32 bytes by two moves of a fixed size, which may overlap.
-/// @return a value with a top bit set in a byte of it if one of theirs is
+/// Copies between one and two words of bytes by two moves of a fixed size, which may overlap.
+/// @return a word in which the top bit of some byte is set if it is set in any byte copied
 template <class Word>
 Word copyTwo(char* out, const char* bytes, std::size_t length) {
     Word first, last;
@@ -115,7 +114,7 @@ I18NString::I18NString(I18NString&& other) noexcept
 I18NString::I18NString(const void* utf16, int byteLength, I18NStringAllocator allocator,
                        void* context)
     : I18NString(Bare(), allocator, context) {
-    // The memory need not be aligned as units are.
+    // The memory need not be aligned like char16_t.
     const char* bytes = static_cast<const char*>(utf16);
     const auto unit = [bytes](int i) {
         char16_t value = 0;
@@ -174,7 +173,7 @@ I18NString::I18NString(const char* bytes, const I18NConverter& converter, int le
         setConverted(bytes, converter, length);
 }
 
-// The order is that of the fields, the caller's buffer left alone.
+// Releases memory in the order of the fields. Does not free a caller's buffer.
 void I18NString::destroy() noexcept {
     if (m_pUnicodeString != nullptr) {
         if (!hasFlag(kI18NStaticBuffer)) release(m_pCodeUnits);
@@ -186,7 +185,8 @@ void I18NString::destroy() noexcept {
     if (m_asciiBufCapacity > kInline) release(m_pAsciiBuffer);
 }
 
-// Leaves the other one empty. Memory goes with its allocator. Both belong to the calling thread.
+// Takes over the contents of the other string, which is empty then. Requires: both strings have the
+// same allocator, and no other thread uses them.
 void I18NString::take(I18NString& other) noexcept {
     m_pCodeUnits = std::exchange(other.m_pCodeUnits, nullptr);
     m_pUnicodeString = std::exchange(other.m_pUnicodeString, nullptr);
@@ -259,8 +259,8 @@ bool I18NString::isForceUnicodeString() {
     return g_bForceUnicodeString.load(std::memory_order_relaxed);
 }
 
-// A string that was copied byte by byte points into the original: that is put right here, and kept
-// up for those who copy strings so.
+// Some programs copy strings byte by byte. Such a copy points into the original; this corrects the
+// pointer.
 bool I18NString::isUsingAsciiBuffer() const {
     if (m_pUnicodeString != nullptr) return false;
     char* const inlined = const_cast<char*>(m_asciiInline);
@@ -270,7 +270,7 @@ bool I18NString::isUsingAsciiBuffer() const {
     return true;
 }
 
-// Whoever changes flags is alone with the string, or holds its lock.
+// Requires: the calling thread has the string alone or holds its lock.
 void I18NString::setFlag(Flags flag, bool on) {
     const unsigned char flags = m_flags.load(std::memory_order_relaxed);
     m_flags.store(static_cast<unsigned char>(on ? flags | flag : flags & ~flag),
@@ -313,7 +313,7 @@ void I18NString::reserveUnits(int units) {
     resizeUnits(grown(m_unitCapacity, units, kMostBytes / 2 - 1));
 }
 
-// The ICU string must never be left with units that are gone, after a failure neither.
+// The ICU string must never point to units that are freed, not even after a failure.
 void I18NString::resizeUnits(int capacity) {
     char* block = reinterpret_cast<char*>(m_pCodeUnits);
     const auto show = [&] {
@@ -324,7 +324,7 @@ void I18NString::resizeUnits(int capacity) {
     try {
         I18NBlock::resize(m_allocator, m_allocatorContext, block, capacity * 2 + 2);
     } catch (...) {
-        m_unitCapacity = std::min(m_unitCapacity, capacity);  // it may have been cut all the same
+        m_unitCapacity = std::min(m_unitCapacity, capacity);  // may be smaller despite the failure
         show();
         throw;
     }
@@ -356,15 +356,16 @@ void I18NString::leaveAscii(int units) {
     alias();
 }
 
-// The ICU string only ever reads the units: every change is made to them, and shown to it then.
+// The ICU string only reads the units. Every change is made to the units, and this shows the ICU
+// string the result.
 void I18NString::alias() {
     m_pCodeUnits[m_unitLength] = 0;
     m_pUnicodeString->setTo(m_pCodeUnits, m_unitLength, m_unitLength + 1);
     m_pContents = m_pCodeUnits;
 }
 
-// Conversions of contents that are no more go when the string is converted anew, so that a pointer
-// to the new ones differs.
+// Conversions of the old contents are freed when the string is converted again, not before. So the
+// pointer to a new conversion differs from the old one.
 void I18NString::changed() {
     const unsigned known = m_flags.load(std::memory_order_relaxed) & ((1U << kExemptShift) - 1);
     m_flags.store(static_cast<unsigned char>(known | kI18NChanged), std::memory_order_release);
@@ -387,7 +388,7 @@ void I18NString::assign(const I18NTextView& text) {
         setFlag(kI18NNormalized, true);
         changed();
     } else if (leaveAscii(); owner != nullptr && !owner->hasFlag(kI18NNoNormalization)) {
-        // In whatever form, it is the one that the owner was given.
+        // The form stays the one that the owner was given, whichever that is.
         put(0, m_unitLength, text);
         setFlag(kI18NNormalized, owner->hasFlag(kI18NNormalized) || hasFlag(kI18NNoNormalization));
     } else {
@@ -403,7 +404,7 @@ void I18NString::assign(const I18NTextView& text) {
     setFlag(kI18NFromCodePage943, from943);
 }
 
-// The frequent case of a new string, in as little as it takes.
+// The fast path for a new string with a short ASCII text.
 bool I18NString::setShort(const char* bytes, const char* encoding, int length) {
     if (bytes == nullptr || length < -1 || length > kInline || isForceUnicodeString()) return false;
     if (encoding != nullptr && !i18nKeepsASCII(encoding)) return false;
@@ -435,7 +436,7 @@ void I18NString::setBytes(const char* bytes, const char* encoding, int length) {
         const bool mayBeASCII = !isForceUnicodeString() && isUsingAsciiBuffer();
         const bool plain = mayBeASCII && i18nIsPlainASCII(bytes, counted);
         const std::size_t all = plain || length < 0 ? counted : strnlen(bytes, counted);
-        // Also what stands behind a NUL decides.
+        // The bytes after a NUL count, too: all bytes must be ASCII.
         if (plain || (mayBeASCII && all != counted && i18nIsASCII(bytes, counted))) {
             reserveAscii(static_cast<int>(all));
             if (all != 0) std::memmove(m_pAsciiBuffer, bytes, all);
@@ -450,7 +451,7 @@ void I18NString::setBytes(const char* bytes, const char* encoding, int length) {
     setConverted(bytes, encoding, length);
 }
 
-// Takes the contents of a string with the same allocator, and those before go.
+// Replaces the contents by those of a string with the same allocator.
 void I18NString::replaceBy(I18NString& fresh) noexcept {
     destroy();
     take(fresh);
@@ -482,7 +483,7 @@ int I18NString::copyToExternalBuffer(void* buffer, int bytes) const {
     if (buffer == nullptr || bytes < 2) return 0;
     const I18NTextView text(*this);
     const int units = std::min(bytes / 2 - 1, text.length());
-    // The caller's memory need not be aligned as units are.
+    // The caller's memory need not be aligned like char16_t.
     char* out = static_cast<char*>(buffer);
     for (int i = 0; i <= units; ++i, out += 2) {
         const char16_t unit = i < units ? text[i] : u'\0';

@@ -1,38 +1,40 @@
-// Conversions that a string keeps. c_str() of a constant string may be called by several threads,
-// and what it returns stays until the string changes or is destroyed. So a string has a chain of
-// conversions, the newest first: the bytes in an encoding, and the key that they are found by. Text
-// kept in ASCII needs none where the encoding keeps ASCII.
+// Conversions that a string keeps. Several threads may call c_str() of a constant string, and the
+// result stays valid until the string changes or is destroyed. So a string has a chain of
+// conversions, newest first. Each one holds the bytes in an encoding, and the key by which it is
+// found. Text stored as ASCII needs no conversion if the encoding is compatible with ASCII.
 //
-// m_pConverted is the chain's head. kI18NChanged says that the text has changed since, and that the
-// whole chain is stale. Its states are:
+// m_pConverted is the head of the chain. kI18NChanged tells that the text has changed since, so
+// that the whole chain is stale. The chain has two states:
 //   current   not changed: each conversion in the chain is of the present text. The chain may be
 //             empty.
-//   stale     changed: nothing in the chain is used, and callers may not use it either. The next
-//             conversion frees it, or the destructor.
-// Operations that change the text set kI18NChanged; whoever calls one has the string alone. A
-// conversion makes it current again. Threads that call constant operations at a time only do the
-// latter, so that a conversion, once published, is neither changed nor freed before they end.
+//   stale     changed: nobody may use a conversion in the chain. The next conversion frees the
+//             chain, or the destructor does.
+// Operations that change the text set kI18NChanged; the caller of such an operation has the string
+// alone. A conversion makes the chain current again. Threads that call constant operations at the
+// same time only add conversions. So a published conversion is neither changed nor freed before
+// they end.
 //
-// conversion() looks without a lock, converts without a lock (allocators and callbacks are other
-// people's code, and may use strings), and publishes under the string's lock, one of 64 by its
-// address. Under it, it looks again: of two threads that made the same one, the second drops its
-// own, after the lock is free. Stale ones are freed after the lock is free, too.
+// conversion() searches and converts without a lock, since allocators and callbacks are foreign
+// code that may use strings. It publishes under the string's lock, one of 64 chosen by the string's
+// address. Under the lock it searches again: if two threads have made the same conversion, the
+// second one discards its own after it has released the lock. Stale conversions are freed after
+// that, too.
 //
-// Memory order: publishing stores the head first and clears kI18NChanged then, each with release; a
-// reader loads the flag first and the head then, each with acquire. So whoever sees a current chain
-// does not see a stale head, and the conversions that the head leads to are complete. m_flags is
-// changed by a plain load and store, not in one step: all who change it have the string alone or
-// hold its lock. m_convertedLength and m_pConvertedEncoding are only touched under the lock, or
-// alone. isUsingAsciiBuffer() may store m_pAsciiBuffer from several threads, always the same value,
-// relaxed.
+// Memory order: publishing first stores the head and then clears kI18NChanged, each with release. A
+// reader first loads the flag and then the head, each with acquire. So a reader that sees a current
+// chain does not see a stale head, and the conversions that the head leads to are complete. m_flags
+// is changed by a plain load and store, not atomically: every thread that changes it has the string
+// alone or holds its lock. m_convertedLength and m_pConvertedEncoding are only used under the lock,
+// or by a thread that has the string alone. isUsingAsciiBuffer() may store m_pAsciiBuffer from
+// several threads, always the same value, relaxed.
 //
-// The head's release is for conversions after the first, whose readers may have seen the flag
-// cleared before.
+// Conversions after the first need the release of the head, since their readers may have seen the
+// flag cleared before.
 //
-// Wrong bytes show in I18NStringTest.ConvertsOneConstantStringOnManyThreads (x64-tsan, x86-asan).
-// If a lock is held too long, ConversionsCallTheCallersCodeWithoutALock deadlocks. A missing lock
-// or a weaker order takes two threads within a few instructions, which hardly a run meets: change
-// these by reasoning only.
+// Tests: I18NStringTest.ConvertsOneConstantStringOnManyThreads (x64-tsan, x86-asan) detects wrong
+// bytes. ConversionsCallTheCallersCodeWithoutALock deadlocks if a lock is held too long. A missing
+// lock or a weaker order shows only if two threads are within a few instructions of each other,
+// which hardly any run meets: change these by reasoning only.
 #include <unicode/ucnv.h>
 
 #include <cstdio>
@@ -65,12 +67,12 @@ char gI18NNullString[4] = {};
 
 namespace {
 
-/// A lock for every string would cost more than it is worth: few are converted at a time.
+/// A lock per string would cost more than it saves: few strings are converted at the same time.
 struct StringLocks {
     QBLThreadCriticalSection locks[64];
 };
 
-/// Japanese text of this table has substitutions of its own to come.
+/// The Japanese substitutions apply to text from this code page.
 bool isCodePage943(const char* encoding) {
     UErrorCode status = U_ZERO_ERROR;
     const char* const name = ucnv_getAlias(encoding, 0, &status);
@@ -81,8 +83,9 @@ void settle(int code) {
     if (code < 0) QBL_THROW(I18NRuntimeError(code, nullptr));
 }
 
-/// An encoding can be spelt in any number of ways, and names may come from a program's clients.
-/// @return what all its names have in common; empty if that is not known
+/// An encoding can be spelled in any number of ways, and the name may come from a program's
+/// clients.
+/// @return a name that all spellings of the encoding have in common; empty if there is none
 std::string anyNameOf(const char* encoding) {
     if (encoding == nullptr || i18nIsUTF8(encoding)) return "UTF8";
     if (i18nIsUTF16(encoding)) return "UTF16";
@@ -93,7 +96,7 @@ std::string anyNameOf(const char* encoding) {
 
 }  // namespace
 
-// Decodes beside the present contents, which the bytes may be part of.
+// Decodes into a new string, since the bytes may be part of the present contents.
 void I18NString::decodeUTF8(const char* bytes, int length) {
     I18NString fresh(Bare(), m_allocator, m_allocatorContext);
     fresh.leaveAscii(length);
@@ -107,7 +110,7 @@ void I18NString::decodeUTF8(const char* bytes, int length) {
     replaceBy(fresh);
 }
 
-// Takes bytes that are not to be read as ASCII or UTF-8.
+// Decodes bytes that are not ASCII or UTF-8.
 void I18NString::setConverted(const char* bytes, const char* encoding, int length) {
     if (i18nIsUTF16(encoding)) {
         leaveAscii();
@@ -119,7 +122,7 @@ void I18NString::setConverted(const char* bytes, const char* encoding, int lengt
         return;
     }
     const I18NConverter converter(encoding);
-    // Bytes in a string end at the first zero, in all encodings.
+    // The bytes of a string end at the first NUL, in all encodings.
     const int whole = converter.getEffectiveBufferSize(bytes, length);
     int end = 0;
     while (end + converter.sizeofLegacyNull() <= whole &&
@@ -129,7 +132,7 @@ void I18NString::setConverted(const char* bytes, const char* encoding, int lengt
     setConverted(bytes, converter, end);
 }
 
-// Takes over what the converter allocates; a buffer of the caller's is let go of.
+// Takes over the block that the converter allocates. Releases a caller's buffer.
 void I18NString::setConverted(const char* bytes, const I18NConverter& converter, int length) {
     void* converted = nullptr;
     int size = 0;
@@ -146,7 +149,7 @@ void I18NString::setConverted(const char* bytes, const I18NConverter& converter,
         fresh.alias();
     }
     fresh.setFlag(kI18NNoNormalization, hasFlag(kI18NNoNormalization));
-    // Text of other encodings is deliberately taken as normalised, as their tables give it so.
+    // Text from other encodings deliberately counts as normalised, since their tables give form C.
     if (isCodePage943(converter.getEncoding())) {
         fresh.setFlag(kI18NFromCodePage943, true);
         fresh.renormalize();
@@ -154,13 +157,13 @@ void I18NString::setConverted(const char* bytes, const I18NConverter& converter,
     replaceBy(fresh);
 }
 
-/// A conversion that was asked for. Conversions stay while the contents do, so that two threads can
-/// ask for two encodings of one constant string.
+/// A conversion of the contents. It lives as long as they do, so that two threads can use two
+/// encodings of one constant string.
 struct I18NString::Conversion {
     Conversion* next;
     I18NBytes bytes;
-    std::string key;       // the encoding, and what else makes a difference
-    std::string encoding;  // for all its names the same; empty if only the key counts
+    std::string key;       // the encoding and everything else that affects the bytes
+    std::string encoding;  // the same for all its names; empty if only the key counts
 };
 
 int I18NString::getIndexFromPtr(const void* string) {
@@ -174,7 +177,7 @@ QBLThreadCriticalSection& I18NString::getLockFromPtr(const void* string) {
 I18NByteWriter::~I18NByteWriter() = default;
 
 const I18NString::Conversion* I18NString::findConversion(const char* key) const {
-    if (hasFlag(kI18NChanged)) return nullptr;  // what is there is of the text before
+    if (hasFlag(kI18NChanged)) return nullptr;  // the chain is stale
     const Conversion* at = m_pConverted.load(std::memory_order_acquire);
     while (at != nullptr && at->key != key) at = at->next;
     return at;
@@ -203,7 +206,7 @@ const char* I18NString::bytes(const char* encoding, int* length, I18NStringAlloc
     return made->bytes.block.get();
 }
 
-// What becomes of characters that cannot be converted makes another conversion of it.
+// The key includes the policy, since that affects the bytes.
 const char* I18NString::c_str(const I18NConverter& converter, int* length,
                               I18NStringAllocator allocator, void* context) const {
     if (isUsingAsciiBuffer() && i18nKeepsASCII(converter.getEncoding())) {
@@ -212,7 +215,8 @@ const char* I18NString::c_str(const I18NConverter& converter, int* length,
     }
     const I18NUserOutputCallback callback =
         converter.getUserDefinedUnconvertibleOutputSequenceCallback();
-    // The tables that things are looked up in are never changed, but replaced by others.
+    // Replacement tables never change; other settings have other tables. So the address identifies
+    // them.
     const bool looksUp = converter.is(I18NConverter::kHasContext, I18NConverter::kOutput);
     char key[120];
     std::snprintf(key, sizeof key, "%.60s %d %p %lx", converter.getEncoding(),
@@ -235,13 +239,13 @@ const I18NString::Conversion* I18NString::conversion(const char* key, const char
         context = m_allocatorContext;
     }
     QBL_ALLOC_TRY
-    // Only one that is not the first needs it: so a string has two for one encoding at most.
+    // Only conversions after the first need the name. So a string has at most two for one encoding.
     const bool isFirst =
         hasFlag(kI18NChanged) || m_pConverted.load(std::memory_order_acquire) == nullptr;
     const std::string anyName =
         converter == nullptr && !isFirst ? anyNameOf(encoding) : std::string();
     if (const Conversion* found = findSameEncoding(anyName)) return found;
-    // Before the lock is taken: allocators and functions of converters may use strings themselves.
+    // Converts before taking the lock: allocators and callbacks of converters may use strings.
     const I18NTextView text(*this);
     std::unique_ptr<Conversion> made(new Conversion{
         nullptr,

@@ -6,7 +6,7 @@
 
 namespace {
 
-/// Text to put into a string, which then decides on its form.
+/// Decodes a text as it is; the string that takes it brings it to its form.
 I18NString asItIs(const char* utf8) {
     I18NString text;
     text.useNormalization(false);
@@ -16,13 +16,13 @@ I18NString asItIs(const char* utf8) {
 
 }  // namespace
 
-// The frequent case, in as little as it takes. The text is not this string's own.
+// The fast path for ASCII. Requires: the text is not part of this string.
 bool I18NString::appendShort(const char* ascii, int length) {
     if (m_pUnicodeString != nullptr || isForceUnicodeString()) return false;
     const std::int64_t newLength = std::int64_t{m_asciiBufLength} + length;
     i18nRequireLength(newLength);
     reserveAscii(static_cast<int>(newLength));
-    if (length != 0)  // there may be no text at all
+    if (length != 0)  // the pointer may be null then
         std::memcpy(m_pAsciiBuffer + m_asciiBufLength, ascii, static_cast<std::size_t>(length));
     m_asciiBufLength = static_cast<int>(newLength);
     m_pAsciiBuffer[newLength] = '\0';
@@ -106,7 +106,7 @@ I18NString& I18NString::erase(I18NStringOffset offset, int count) {
 
 I18NString& I18NString::remove() { return erase(0); }
 
-// What is added is made in the string itself, unless it combines.
+// Builds the added text in the string itself, unless it may combine.
 void I18NString::fill(int copies, const I18NTextView& unit) {
     const int length = nUnits(), width = unit.length(), newLength = length + copies * width;
     if (isUsingAsciiBuffer() && !isForceUnicodeString() && unit.isASCII()) {

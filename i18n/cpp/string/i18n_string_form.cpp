@@ -18,7 +18,7 @@ namespace {
 const char kNoAlias[] =
     "Resources access error, could not find the alias for the platform default encoding name.";
 
-/// Whether text of the platform's own encoding has Japanese substitutions.
+/// Returns true if the platform's default encoding is one that has Japanese substitutions.
 bool isPlatformJapanese() {
     const char* const name = i18nCanonicalEncoding(I18NGetPlatformDefaultEncoding());
     if (name == nullptr) QBL_THROW(I18NRuntimeError(I18N_UNEXPECTED, kNoAlias));
@@ -30,7 +30,7 @@ bool isPlatformJapanese() {
 }  // namespace
 
 I18NString& I18NString::normalize(I18NNormalizationForms form) {
-    if (hasFlag(kI18NNoNormalization)) {  // deliberately claimed, not looked at
+    if (hasFlag(kI18NNoNormalization)) {  // deliberately set without a check
         setFlag(kI18NNormalized, true);
         return *this;
     }
@@ -50,15 +50,15 @@ I18NString& I18NString::normalize(I18NNormalizationForms form) {
     return *this;
 }
 
-// Text that came from the encodings of Japan on personal computers, where some characters are not
-// what others take them for.
+// Japanese encodings of personal computers map some characters differently from other encodings.
+// The substitutions apply to text from them.
 bool I18NString::hasJapaneseSubstitutions() const {
     return !I18NSettings::now().jaSubstitutions.empty() &&
            (hasFlag(kI18NFromCodePage943) || isPlatformJapanese());
 }
 
 void I18NString::useNormalization(bool use) {
-    // What was only claimed while it was off is not known.
+    // normalize() has set the flag without a check while normalisation was off.
     if (use && hasFlag(kI18NNoNormalization) && m_pUnicodeString != nullptr)
         setFlag(kI18NNormalized, false);
     setFlag(kI18NNoNormalization, !use);

@@ -70,7 +70,7 @@ I18NStringOffset lastIn(const I18NTextView& text, const I18NTextView& set, I18NS
 
 I18NTextView viewOf(const I18NString& text) { return I18NTextView(text); }
 
-/// By code units: a text in bytes has none above 0x7F, so that the order is that of the numbers.
+/// Compares code units. A byte is a code unit, since text in bytes has none above 0x7F.
 template <class A, class B>
 int compareUnits(const A* a, int lengthA, const B* b, int lengthB) {
     const int common = std::min(lengthA, lengthB);
@@ -84,7 +84,7 @@ int compareUnits(const unsigned char* a, int lengthA, const unsigned char* b, in
     return order != 0 ? order : lengthA - lengthB;
 }
 
-// Beyond Unicode, so that no character is one of them.
+// Beyond Unicode, so that no character has these values.
 constexpr char32_t kAnyOne = 0x110000;
 constexpr char32_t kAnyRun = 0x110001;
 
@@ -114,8 +114,8 @@ I18NStringOffset I18NString::rfind(wchar_t c, I18NStringOffset start) const {
     return rfindIn(viewOf(*this), I18NWideText(c).view(), start);
 }
 
-// The twelve searches for one of a set, or for none of it, differ in the set's type, the direction
-// and the answer.
+// The twelve searches for characters that are, or are not, in a set. They differ in the type of the
+// set, the direction and the answer.
 #define SET_SEARCHES(name, search, wanted)                                                   \
     I18NStringOffset I18NString::name(const I18NString& set, I18NStringOffset start) const { \
         return search(viewOf(*this), viewOf(set), start, wanted);                            \
@@ -182,7 +182,7 @@ int I18NString::compare(const char* utf8) const {
     return compare(other);
 }
 
-// Equal texts have equal hashes, however they are kept: FNV-1a over the code units.
+// FNV-1a over the code units, so equal texts have equal hashes, however they are stored.
 std::size_t std::hash<I18NString>::operator()(const I18NString& text) const noexcept {
     return I18NTextView(text).visit([](const auto* units, int length) {
         std::size_t mixed = sizeof(std::size_t) == 4 ? 2166136261U : 14695981039346656037ULL;
@@ -211,10 +211,10 @@ public:
         }
     }
 
-    /// Matches the pattern from an offset on.
-    /// @param whole  the match must reach the end of the text
-    /// @return the end of the shortest match; -1 for none, kNoneBehind for none from any later
-    ///     offset either
+    /// Matches the pattern from an offset.
+    /// @param whole  true if the match must reach the end of the text
+    /// @return the end of the shortest match; -1 if there is none, kNoneBehind if there is none
+    ///     from any later offset either
     static constexpr int kNoneBehind = -2;
     int match(const I18NTextView& text, int at, bool whole) const {
         return text.ascii() != nullptr ? matchIn(Bytes(text), at, whole) : matchIn(text, at, whole);
@@ -235,8 +235,8 @@ private:
         int m_iLength;
     };
 
-    // A mismatch goes back to the last run only, which takes one code point more: what earlier runs
-    // took need not change.
+    // After a mismatch, only the last run takes one more code point. What earlier runs took need
+    // not change.
     template <class Text>
     int matchIn(const Text& text, int at, bool whole) const {
         const char32_t* const end = m_items.data() + m_items.size();
@@ -257,11 +257,11 @@ private:
                 continue;
             }
             if (afterRun == nullptr) return -1;
-            // What follows a run is nowhere in the rest of the text.
+            // The pattern after the run does not match anywhere in the rest of the text.
             if (runEnd >= text.length()) return kNoneBehind;
             runEnd = text.next(runEnd);
             item = afterRun;
-            // Straight on to the next place that the rest may begin at.
+            // Skips to the next place where the rest of the pattern may begin.
             if (*item < kAnyOne)
                 while (runEnd < text.length() && text.codePointAt(runEnd) != *item)
                     runEnd = text.next(runEnd);

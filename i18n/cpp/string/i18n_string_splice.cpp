@@ -21,23 +21,23 @@
 // error leaves the text, its form and its conversions as they were. The text to insert is never the
 // string's own: splice() copies the string in that case.
 //
-// Storage: a text in ASCII stays there while only ASCII is added. Otherwise it moves to UTF-16, and
-// stays there. Memory is reused while the text fits; it grows by half, and does not shrink. A
+// Storage: a text stored as ASCII stays so while only ASCII is added. Otherwise it moves to UTF-16
+// and stays there. Memory is reused while the text fits. It grows by half and does not shrink. A
 // caller's buffer is never replaced: a text too long for it throws.
 //
-// Form: a text in form C stays in it. Only what is between the nearest characters that nothing
-// before them can combine with needs to be looked at. A text with an exempt character stays as it
-// is given. The whole text decides that, not the part that changes: a text that gains such a
-// character is in no form, and one that loses its last is brought to form C as a whole. The flags
-// keep whether the text has one, so that text made piece by piece is looked at once. With
+// Form: a text in form C stays in form C. Only the text between the nearest normalisation
+// boundaries is examined. A text with an exempt character stays as it is given. The whole text
+// decides that, not the part that changes: a text that gains its first such character is in no
+// form, and a text that loses its last one is brought to form C as a whole. The flags record
+// whether the text has one, so that a text built piece by piece is searched once. With
 // normalisation off, units are replaced as they are.
 //
 // Conversions: changed() makes all of them stale, as the last step of a change. See
-// i18n_string_convert.cpp for what becomes of them.
+// i18n_string_convert.cpp for their life after that.
 
 namespace {
 
-/// Moves the tail of a text so that a gap has the size of what is to come.
+/// Moves the tail of a text so that the gap fits the new part.
 template <class Unit>
 void openGap(Unit* text, int length, int offset, int count, int fill) {
     std::char_traits<Unit>::move(text + offset + fill, text + offset + count,
@@ -49,7 +49,7 @@ bool isInert(const I18NTextView& text, int from, int to) {
            i18nIsInert(text.units() + from, static_cast<std::size_t>(to - from));
 }
 
-/// Whether a text has a character that must not be normalised.
+/// Returns true if a text has a character that must not be normalised.
 bool isExempt(std::u16string_view text) { return I18NSettings::now().isNonNormalizable(text); }
 
 bool isExempt(const I18NTextView& text) {
@@ -62,7 +62,7 @@ bool isExempt(const I18NTextView& text) {
     });
 }
 
-/// A text that is to take the place of a part of another one, which is kept in UTF-16.
+/// A text that replaces a part of another text, which is stored as UTF-16.
 struct Splice {
     const I18NTextView& old;
     int offset, behind;  // of the part
@@ -74,13 +74,13 @@ struct Splice {
     std::u16string_view units(int from, int to) const {
         return {old.units() + from, static_cast<std::size_t>(to - from)};
     }
-    /// The old text from one offset to another, with the part replaced.
+    /// Returns the old text between two offsets, with the part replaced.
     icu::UnicodeString joined(int from, int to) const {
         return i18nJoin(units(from, offset), text, units(behind, to));
     }
 };
 
-/// Whether a surrogate comes to stand beside its other half. The pair is a character of its own.
+/// Returns true if the change joins the halves of a surrogate pair, which make a new character.
 bool joinsHalves(const Splice& at) {
     const bool endsHigh = at.offset > 0 && i18nIsHigh(at.old[at.offset - 1]);
     const bool beginsLow = at.behind < at.length() && i18nIsLow(at.old[at.behind]);
@@ -89,37 +89,38 @@ bool joinsHalves(const Splice& at) {
            (i18nIsHigh(at.text[at.text.length() - 1]) && beginsLow);
 }
 
-/// Whether neither the text nor the character after it can combine with anything.
+/// Returns true if neither the text nor the character after it can combine with anything.
 bool isInert(const Splice& at) {
     const int next = at.behind < at.length() ? at.old.next(at.behind) : at.behind;
     return isInert(at.old, at.behind, next) && isInert(at.text, 0, at.text.length());
 }
 
-/// What the string knows of a change before it looks at the text.
+/// What is known about a change before the text is examined.
 struct Known {
     bool isFormC;
-    bool substitutes;  // Japanese substitutions are made in it
+    bool substitutes;  // Japanese substitutions apply to it
     bool joinsHalves;
     int exempt;  // as knownExempt(), but 0 if the settings have no exempt characters
 
-    /// Whether each character of the old text is in the new one, too.
+    /// Returns true if the new text has all characters of the old one.
     bool keepsAll(const Splice& at) const { return at.isInsertion() && !joinsHalves; }
 };
 
 enum class Form { AsBefore, C, Unknown };
 
-/// What becomes of a string: put() replaces a part, and the flags change.
+/// A change of a string: put() replaces a part, and then the flags are set.
 struct Change {
     int offset, count;
     I18NTextView text;
     Form form;
-    int exempt;  // whether it has exempt characters then; -1 if that is not known
+    int exempt;  // 1 if it has exempt characters then, 0 if not, -1 if unknown
 };
 
-/// The form of the string once the text and what is around it are in form C.
+/// Returns the form of the string once the text and its surroundings are in form C.
 Form formOf(const Splice& at) { return at.isWhole() ? Form::C : Form::AsBefore; }
 
-/// Whether the string has exempt characters after the change; -1 if that is not known.
+/// Returns 1 if the string has exempt characters after the change, 0 if not, -1 if that is not
+/// known.
 int exemptAfter(const Splice& at, int exempt, bool keepsAll) {
     const bool isKnown = exempt == 0 || (exempt == 1 && keepsAll);
     return isKnown ? exempt | (isExempt(at.text) ? 1 : 0) : -1;
@@ -136,8 +137,8 @@ Change givenInForm(const Splice& at, const Known& known) {
     return {at.offset, at.behind - at.offset, at.text, formOf(at), exempt};
 }
 
-/// Whether the whole string has to be brought to form C. Substitutions are made in all of it. And
-/// if it loses its last exempt character, the rest of it is in no form yet.
+/// Returns true if the whole string has to be brought to form C. Substitutions apply to all of it.
+/// And if it loses its last exempt character, the rest of it is in no form yet.
 bool concernsAll(const Splice& at, const Known& known) {
     if (known.substitutes) return true;
     if (known.isFormC || at.isWhole() || known.keepsAll(at) || known.exempt == 0) return false;
@@ -158,7 +159,7 @@ Change changeOfAll(const Splice& at, const Known& known, icu::UnicodeString& res
             isFormC ? Form::C : Form::Unknown, -1};
 }
 
-/// The part, and what it may combine with on both sides.
+/// The part and everything that it may combine with on both sides.
 struct Slice {
     int begin, end;
 };
@@ -169,7 +170,7 @@ Slice sliceAround(const Splice& at, bool joinsHalves) {
     const auto isBoundary = [&](int i) {
         return form.hasBoundaryBefore(static_cast<UChar32>(old.codePointAt(i)));
     };
-    // Half of a pair in front becomes another character.
+    // The first half of a pair becomes another character.
     int begin = at.offset > 0 ? old.before(at.offset) : at.offset;
     while (begin > 0 && ((joinsHalves && begin + 1 == at.offset) || !isBoundary(begin)))
         begin = old.before(begin);
@@ -191,14 +192,15 @@ Change changeOfSlice(const Splice& at, const Known& known, icu::UnicodeString& r
             formOf(at), isExempt(i18nUnits(result)) ? 1 : 0};
 }
 
-/// Where the text goes if it is a single mark that only moves before others; -1 if not.
+/// Returns where the text goes if it is a single mark that only moves before others; -1 if it is
+/// not.
 int placeOfMark(const Splice& at, const Known& known) {
     if (!known.keepsAll(at) || known.exempt != 0 || isExempt(at.text)) return -1;
     return i18nPlaceOfMark(at.old, at.offset, at.text);
 }
 
-/// Finds the change by the cheapest way that applies.
-/// @param result  owns the text of the change if that is not the given one
+/// Finds the change in the cheapest way that applies.
+/// @param result  owns the text of the change unless that is the given one
 Change changeOf(const Splice& at, const Known& known, icu::UnicodeString& result) {
     if (concernsAll(at, known)) return changeOfAll(at, known, result);
     if (known.exempt == 1 && known.keepsAll(at)) return givenExempt(at);
@@ -213,7 +215,7 @@ Change changeOf(const Splice& at, const Known& known, icu::UnicodeString& result
 
 }  // namespace
 
-// Puts a text in the place of a part of this one.
+// Replaces a part of the text by another text.
 void I18NString::splice(I18NStringOffset offset, int count, const I18NTextView& text) {
     if (text.owner() == this) {
         const I18NString copy(*this);
@@ -237,7 +239,7 @@ void I18NString::splice(I18NStringOffset offset, int count, const I18NTextView& 
     changed();
 }
 
-// Replaces units as they are, and does not look at the form.
+// Replaces units as they are, without examining the form.
 void I18NString::put(int offset, int count, const I18NTextView& text) {
     const int length = m_unitLength, newLength = length - count + text.length();
     reserveUnits(newLength);
@@ -281,7 +283,7 @@ void I18NString::spliceUnits(int offset, int count, const I18NTextView& text) {
     setExempt(exempt);
 }
 
-// The same for text that may combine with what is around it. Nothing changes before put().
+// The same for a text that may combine with its surroundings. Nothing changes before put().
 void I18NString::combine(int offset, int count, const I18NTextView& text, bool pairs) {
     const I18NTextView old(*this);
     const Splice at = {old, offset, offset + count, text};

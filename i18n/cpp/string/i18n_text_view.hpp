@@ -8,7 +8,7 @@
 #include "i18n/cpp/i18n_string.hpp"
 #include "i18n/cpp/utf/i18n_utf.hpp"
 
-/// A text to read, in ASCII bytes or in UTF-16 units.
+/// A read-only view of a text in ASCII bytes or in UTF-16 units.
 class I18NTextView {
 public:
     explicit I18NTextView(const I18NString& text)
@@ -19,7 +19,7 @@ public:
     I18NTextView(const char16_t* units, int length) : m_pUnits(units), m_iLength(length) {}
     I18NTextView(const char* ascii, int length) : m_pAscii(ascii), m_iLength(length) {}
 
-    /// The string that it is a view of; null if it is of none.
+    /// The string that is viewed; null if the view is of other memory.
     const I18NString* owner() const { return m_pOwner; }
     const char* ascii() const { return m_pAscii; }  ///< null for a text in units
     const char16_t* units() const { return m_pUnits; }
@@ -35,7 +35,8 @@ public:
         const bool pair = i18nIsHigh(unit) && i + 1 < m_iLength && i18nIsLow((*this)[i + 1]);
         return pair ? i18nCombine(unit, (*this)[i + 1]) : unit;
     }
-    /// The offset behind the code point at one, and of the one before.
+    /// The offset after the code point at an offset, and the offset of the code point before an
+    /// offset.
     int next(int i) const { return i + (codePointAt(i) > 0xFFFF ? 2 : 1); }
     int before(int i) const {
         return i - (i > 1 && i18nIsLow((*this)[i - 1]) && i18nIsHigh((*this)[i - 2]) ? 2 : 1);
@@ -56,7 +57,7 @@ public:
         else
             std::char_traits<char16_t>::copy(out, m_pUnits, n);
     }
-    /// Calls a body with a pointer to the text's bytes or units, and the length.
+    /// Calls a body with a pointer to the bytes or units of the text, and with their number.
     template <class Body>
     auto visit(Body body) const {
         return m_pAscii != nullptr
@@ -71,7 +72,7 @@ private:
     int m_iLength;
 };
 
-/// Throws QBLOutOfMemoryError, for more units than a string can have.
+/// Throws QBLOutOfMemoryError for a text with more units than a string can have.
 [[noreturn]] void i18nThrowTooLong();
 
 /// @throws QBLOutOfMemoryError if a string cannot have that many units
@@ -80,7 +81,7 @@ inline void i18nRequireLength(std::int64_t units) {
     if (units > kMostUnits) i18nThrowTooLong();
 }
 
-/// Wide characters in UTF-16.
+/// A text of wide characters, converted to UTF-16.
 class I18NWideText {
 public:
     /// @param text  null is an empty text

@@ -9,7 +9,7 @@ const char kI18NURLRules[] =
 
 namespace {
 
-/// What stands for an ASCII character; null for itself.
+/// The escape of each ASCII character; null if the character stays.
 using Escapes = std::array<const char16_t*, 128>;
 
 constexpr Escapes makeEscapes() {

@@ -4,13 +4,14 @@
 #include <string>
 #include <string_view>
 
-/// Appends a text in which the characters that a URL must not hold are escaped: the blank and
-/// " < > # % { } | ' ^ ~ [ ] `, each by "%" and two digits. All others stay, those beyond ASCII and
-/// the backslash too. Programs rely on two oddities: the double quote is "%34", and the apostrophe
-/// "%5C"; so what comes out cannot always be decoded to what went in.
+/// Appends a text and escapes the characters that a URL must not contain: the blank and
+/// " < > # % { } | ' ^ ~ [ ] `
+/// Each becomes "%" and two hexadecimal digits. All other characters stay, including the backslash
+/// and characters beyond ASCII. Programs rely on two oddities: the double quote becomes "%34", and
+/// the apostrophe "%5C". So decoding does not restore every text.
 void i18nURLEncode(std::u16string_view text, std::u16string& out);
 
-/// The same as rules of an ICU transliterator, in both directions.
+/// The same escapes as rules of an ICU transliterator, in both directions.
 extern const char kI18NURLRules[];
 
 #endif
