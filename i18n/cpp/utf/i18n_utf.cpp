@@ -13,7 +13,7 @@ constexpr std::size_t kBlock = 16;
 __m128i load(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
 void store(void* p, __m128i v) { _mm_storeu_si128(static_cast<__m128i*>(p), v); }
 
-/// Nothing but ASCII in eight units.
+/// Returns true if all eight units are ASCII.
 bool isASCII(__m128i units) {
     const __m128i above = _mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xFF80)));
     return _mm_movemask_epi8(_mm_cmpeq_epi16(above, _mm_setzero_si128())) == 0xFFFF;
@@ -25,7 +25,7 @@ std::uint32_t loadFour(const unsigned char* p) {
     return four;
 }
 
-// The forms of well-formed sequences, in bytes that were loaded with the first one lowest.
+// The forms of well-formed sequences, in four bytes loaded with the first one lowest.
 bool isTwo(std::uint32_t four) { return (four & 0xC0E0) == 0x80C0 && (four & 0x1E) != 0; }
 bool isTwoByTwo(std::uint32_t four) {
     return (four & 0xC0E0C0E0) == 0x80C080C0 && (four & 0x1E) != 0 && (four & 0x1E0000) != 0;
@@ -40,7 +40,7 @@ bool isFour(std::uint32_t four, std::uint32_t& c) {
     return (four & 0xC0C0C0F8) == 0x808080F0 && c >= 0x10000 && c <= 0x10FFFF;
 }
 
-/// Widens the ASCII characters that a block of bytes begins with, up to a NUL.
+/// Widens the ASCII characters at the start of a block of bytes, up to a NUL.
 /// @return their number; the whole block is written
 int asciiRun(const unsigned char* p, char16_t* out) {
     const __m128i block = load(p);
@@ -51,11 +51,11 @@ int asciiRun(const unsigned char* p, char16_t* out) {
                          0x10000U);
 }
 
-/// The same back: narrows the ASCII characters that a block of units begins with.
+/// The reverse: narrows the ASCII characters at the start of a block of units.
 int asciiRun(const char16_t* units, char* out) {
     const __m128i low = load(units), high = load(units + kBlock / 2);
-    // Above 0xFF a unit becomes 0xFF, and above 0x7FFF, where it is negative, 0: that is told apart
-    // by its own sign.
+    // Packing turns a unit above 0xFF into 0xFF, and a unit above 0x7FFF, which is negative, into
+    // 0. The sign of the unit detects the latter.
     const __m128i packed = _mm_packus_epi16(low, high);
     const __m128i signs = _mm_packs_epi16(low, high);
     store(out, packed);
@@ -63,11 +63,12 @@ int asciiRun(const char16_t* units, char* out) {
                          0x10000U);
 }
 
-/// Adds the bytes that eight units need beyond one each.
-/// @return units counted: 7 if the last is the first half of a pair, 0 if there is a lone surrogate
+/// Adds the number of bytes that eight units need beyond one byte each.
+/// @return the number of units counted: 7 if the last is the first half of a pair, 0 if there is a
+///     lone surrogate
 int countMore(__m128i block, std::size_t& bytes) {
     const auto all = [](int unit) { return _mm_set1_epi16(static_cast<short>(unit)); };
-    // A comparison gives -1 in each unit that it holds for; they are counted by adding those up.
+    // A comparison gives -1 for each unit where it holds. Adding these up counts the units.
     const __m128i biased = _mm_xor_si128(block, all(0x8000));
     __m128i more = _mm_add_epi16(_mm_cmpgt_epi16(biased, all(0x7F - 0x8000)),
                                  _mm_cmpgt_epi16(biased, all(0x7FF - 0x8000)));
@@ -92,8 +93,9 @@ int countMore(__m128i block, std::size_t& bytes) {
     return counted;
 }
 
-/// A sequence whose lead is from 0xC0 to 0xFD, by the book or an error value.
-/// @return behind what it took in
+/// Decodes a sequence whose lead byte is from 0xC0 to 0xFD; sets an error value if it is
+/// ill-formed.
+/// @return the end of the sequence
 const unsigned char* decodeSequence(const unsigned char* p, const unsigned char* end, char32_t& c) {
     static const char32_t kErrors[] = {0x15, 0x9F, 0xFFFF, 0x10FFFF, 0xFFFF, 0xFFFF};
     static const char32_t kLeast[] = {0, 0x80, 0x800, 0x10000};
@@ -118,8 +120,8 @@ void encodeBlocks(const char16_t*& units, const char16_t* end, char*& out) {
     out = blocks.out;
 }
 
-/// What is too near the end, aside, with as many NUL characters behind it as blocks need; each of
-/// them adds a byte that is left out again.
+/// Encodes the last units in a buffer of their own, followed by as many NUL characters as the
+/// blocks need. Each NUL adds a byte, which is removed again.
 void encodeLastBlocks(const char16_t*& units, const char16_t* end, char*& out) {
     constexpr std::ptrdiff_t kMost = 2 * kBlock, kRoom = 2 * kMost;
     const std::ptrdiff_t left = end - units;
@@ -208,7 +210,8 @@ I18NDecoded i18nDecodeUTF8(const char* bytes, std::size_t length, char16_t* out)
         const unsigned char lead = *p;
         if (lead < 0x80) {
             if (lead == 0) break;
-            // As many units are left as bytes at least, so that a whole block may be written.
+            // There are at least as many units of room as bytes left, so a whole block may be
+            // written.
             if (static_cast<std::size_t>(end - p) >= kBlock) {
                 const int run = asciiRun(p, out);
                 p += run;
@@ -220,7 +223,7 @@ I18NDecoded i18nDecodeUTF8(const char* bytes, std::size_t length, char16_t* out)
             continue;
         }
         if (end - p >= 4) {
-            // Texts stay with one length of sequence for a while.
+            // Text usually has the same sequence length for a while.
             const unsigned char* const before = p;
             std::uint32_t four = loadFour(p);
             if (lead < 0xE0) {
@@ -340,7 +343,8 @@ void i18nEncodeWellFormedUTF8(const char16_t*& units, const char16_t* end, char*
         }
         std::uint32_t c = *units;
         if (c < 0x80) {
-            // As many bytes are left as units at least, so that a whole block may be written.
+            // There are at least as many bytes of room as units left, so a whole block may be
+            // written.
             if (static_cast<std::size_t>(end - units) >= kBlock) {
                 const int run = asciiRun(units, out);
                 units += run;

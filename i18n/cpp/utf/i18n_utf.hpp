@@ -4,10 +4,10 @@
 #include <cstddef>
 #include <cstdint>
 
-/// The encodings that strings read and write without a converter. Lengths are in bytes for char, in
-/// code units for char16_t.
+/// The encodings that strings read and write without a converter. Lengths are in bytes for char,
+/// and in code units for char16_t.
 
-// In 32 bits: operations on 16 with a constant of theirs are slow to be decoded.
+// These compute in 32 bits: 16-bit instructions with a 16-bit constant are slow to decode.
 inline bool i18nIsHigh(char16_t unit) { return std::uint32_t{unit} - 0xD800 < 0x400; }
 inline bool i18nIsLow(char16_t unit) { return std::uint32_t{unit} - 0xDC00 < 0x400; }
 inline char32_t i18nCombine(char16_t high, char16_t low) {
@@ -15,15 +15,15 @@ inline char32_t i18nCombine(char16_t high, char16_t low) {
 }
 
 inline bool i18nIsTrail(unsigned char byte) { return (byte & 0xC0) == 0x80; }
-/// Trail bytes that a lead byte of UTF-8 from 0xC0 on announces, also for the lengths of five and
-/// six bytes that Unicode does not have.
+/// Returns how many trail bytes a UTF-8 lead byte from 0xC0 on announces. Includes the lengths of
+/// five and six bytes, which Unicode does not have.
 inline int i18nTrailsAnnounced(unsigned char lead) {
     return lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : lead < 0xF8 ? 3 : lead < 0xFC ? 4 : 5;
 }
 
-/// Writes a code point, as a pair above U+FFFF. A lone surrogate stays one; what is beyond Unicode
-/// becomes U+FFFD.
-/// @return units written, 1 or 2
+/// Writes a code point, as a surrogate pair above U+FFFF. A lone surrogate stays as it is, and a
+/// value beyond U+10FFFF becomes U+FFFD.
+/// @return the number of units written, 1 or 2
 inline int i18nPutCodePoint(char16_t* out, char32_t c) {
     if (c <= 0xFFFF) {
         out[0] = static_cast<char16_t>(c);
@@ -38,19 +38,19 @@ inline int i18nPutCodePoint(char16_t* out, char32_t c) {
     return 2;
 }
 
-/// Whether no byte has its top bit set.
+/// Returns true if no byte has its top bit set.
 bool i18nIsASCII(const char* bytes, std::size_t length);
-/// The same, and no byte is NUL.
+/// Returns true if that holds and no byte is NUL.
 bool i18nIsPlainASCII(const char* bytes, std::size_t length);
-/// Whether no unit is above 0x7F.
+/// Returns true if no unit is above 0x7F.
 bool i18nIsASCII(const char16_t* units, std::size_t length);
 
 void i18nWiden(const char* ascii, std::size_t length, char16_t* out);
 void i18nNarrow(const char16_t* ascii, std::size_t length, char* out);
 
-/// Characters below the first of these, and from the second on before the third, are inert in
+/// Characters below the first value, and from the second value up to the third, are inert in
 /// normalisation form C (see i18n_inert.hpp): most of Latin and Cyrillic. Unicode never changes
-/// that for a character that it has.
+/// that for an assigned character.
 constexpr char32_t kI18NInertBelow = 0x300, kI18NInertFrom = 0x400, kI18NInertBehind = 0x482;
 
 inline bool i18nMayNeedNormalization(char32_t c) {
@@ -59,31 +59,32 @@ inline bool i18nMayNeedNormalization(char32_t c) {
 
 struct I18NDecoded {
     std::size_t units = 0;
-    bool mayNeedNormalization = false;  ///< of one of the characters
+    bool mayNeedNormalization = false;  ///< i18nMayNeedNormalization() of any character
 };
-/// Decodes UTF-8 up to a NUL byte or the length. A sequence that is not well-formed takes in the
-/// trail bytes that follow its lead, as many as that announces, and becomes one error value by
-/// their number: U+0015, U+009F, U+FFFF, U+10FFFF, and U+FFFF for the lengths that Unicode does not
-/// have. A byte that begins nothing becomes U+0015. These are the values of the macros that the
-/// decoding of such text was first written with; they are kept for those who store them.
+/// Decodes UTF-8 up to a NUL byte or the length. An ill-formed sequence is the lead byte and the
+/// trail bytes after it, at most as many as the lead byte announces. It becomes one error value,
+/// depending on the number of trail bytes: U+0015 for 0, U+009F for 1, U+FFFF for 2, U+10FFFF for
+/// 3, and U+FFFF for 4 and 5, which Unicode does not have. A byte that cannot begin a sequence
+/// becomes U+0015. These values come from the macros that first decoded such text, and stay for
+/// programs that store them.
 /// @param out  room for `length` units
 I18NDecoded i18nDecodeUTF8(const char* bytes, std::size_t length, char16_t* out);
 
-/// Decodes well-formed UTF-8, NUL characters too, and stops in front of anything else, of the last
-/// three bytes or where the room gets short, 16 units at the latest. All move on.
+/// Decodes well-formed UTF-8, including NUL characters, and advances the pointers. Stops before
+/// ill-formed bytes, among the last three bytes, or once fewer than 16 units of room are left.
 void i18nDecodeWellFormedUTF8(const char*& bytes, const char* end, char16_t*& out,
                               const char16_t* limit);
 
-/// Bytes of the UTF-8 form, in which a lone surrogate is U+FFFD.
+/// Returns the number of bytes of the UTF-8 form, in which a lone surrogate is U+FFFD.
 std::size_t i18nLengthUTF8(const char16_t* units, std::size_t length);
 /// @param out  room for i18nLengthUTF8() bytes
-/// @return behind the last byte written
+/// @return the end of the bytes written
 char* i18nEncodeUTF8(const char16_t* units, std::size_t length, char* out);
-/// The same up to a lone surrogate or half a pair at the end. Both move on.
-/// @param out  room for three bytes a unit
+/// Does the same up to a lone surrogate or to half a pair at the end, and advances the pointers.
+/// @param out  room for three bytes per unit
 void i18nEncodeWellFormedUTF8(const char16_t*& units, const char16_t* end, char*& out);
 
-/// How many units there are in front of the first lone surrogate, or of half a pair at the end.
+/// Returns the number of units before the first lone surrogate or half a pair at the end.
 std::size_t i18nWellFormedUTF16(const char16_t* units, std::size_t length);
 
 #endif

@@ -6,8 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Compiles a function for processors that i18nHasShuffles() is true on. x86-64 has no more than
-/// SSE2 for certain, and neither has what the 32-bit library is compiled for.
+/// Compiles a function for processors for which i18nHasShuffles() returns true. All other code uses
+/// SSE2 at most, which every x86-64 has and for which the 32-bit library is compiled.
 #define I18N_WITH_SHUFFLES __attribute__((target("ssse3,popcnt")))
 
 inline bool i18nHasShuffles() {
@@ -19,21 +19,21 @@ inline bool i18nHasWideBlocks() {
     return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("popcnt");
 }
 
-/// Transcoding of well-formed text by blocks, without a branch for each character. What a block is
-/// in the other encoding is computed for every place in it at once; what no character ends at, or
-/// has no byte for, is then taken out by shuffles from tables, as in D. Lemire and W. Mula,
+/// Transcoding of well-formed text by blocks, without a branch for each character. Computes the
+/// other encoding for every position of a block at once. Shuffles from tables then remove the
+/// positions where no character ends or that have no byte, as in D. Lemire and W. Mula,
 /// "Transcoding billions of Unicode characters per second with SIMD instructions" (2022).
 ///
-/// Both stop in front of what is ill-formed and near the end, where the pointers then are.
+/// Both directions stop before ill-formed text and near the end, and leave the pointers there.
 
 struct I18NDecoding {
     const unsigned char* at;
     const unsigned char* end;
     char16_t* out;  ///< room for as many units as there are bytes
-    /// Not all 0 once there was a character that i18nMayNeedNormalization() is true of.
+    /// Not all 0 if i18nMayNeedNormalization() is true for any character.
     __m128i mayNeedNormalization = _mm_setzero_si128();
 };
-/// Decodes UTF-8; a NUL byte is left too.
+/// Decodes UTF-8; stops before a NUL byte, too.
 void i18nDecodeBlocks(I18NDecoding& decoding);
 
 struct I18NEncoding {
@@ -43,15 +43,16 @@ struct I18NEncoding {
 };
 /// Encodes UTF-16; lone surrogates are ill-formed.
 void i18nEncodeBlocks(I18NEncoding& encoding);
-/// The same where i18nHasWideBlocks() is true, with larger blocks.
+/// The same with larger blocks. Requires: i18nHasWideBlocks() is true.
 void i18nEncodeWideBlocks(I18NEncoding& encoding);
 
-/// Shuffles by a mask of eight bits.
+/// Shuffles, indexed by a mask of eight bits.
 struct alignas(16) I18NShuffles {
     std::uint8_t bytes[256][16];
 };
-/// What encoding takes out: of eight units of one or two bytes, by which have one; of four of one
-/// to three, by two bits each, whether there are two bytes at least and whether there are three.
+/// The shuffles of encoding. `pairs` takes eight units of one or two bytes; each bit tells whether
+/// a unit has one byte. `triples` takes four units of one to three bytes; two bits per unit tell
+/// whether it has at least two bytes, and whether it has three.
 struct I18NEncodingShuffles {
     I18NShuffles pairs, triples;
 };
@@ -62,7 +63,7 @@ inline void i18nStore(void* p, __m128i v) { _mm_storeu_si128(static_cast<__m128i
 inline __m128i i18nBytes(int value) { return _mm_set1_epi8(static_cast<char>(value)); }
 inline __m128i i18nUnits(int value) { return _mm_set1_epi16(static_cast<short>(value)); }
 inline unsigned i18nMask(__m128i bytes) { return static_cast<unsigned>(_mm_movemask_epi8(bytes)); }
-/// From b where a byte of the mask is set, else from a.
+/// Takes bytes from b where the mask is set, and from a elsewhere.
 inline __m128i i18nBlend(__m128i a, __m128i b, __m128i mask) {
     return _mm_or_si128(_mm_andnot_si128(mask, a), _mm_and_si128(mask, b));
 }

@@ -5,7 +5,7 @@ namespace {
 
 constexpr int kBlock = 16;
 
-/// Moves those of eight units together that have their bit set.
+/// Moves the units whose bit is set together, out of eight units.
 constexpr I18NShuffles makeKeeping() {
     I18NShuffles made{};
     for (unsigned mask = 0; mask < 256; ++mask) {
@@ -25,8 +25,8 @@ I18N_WITH_SHUFFLES inline __m128i atLeast(__m128i bytes, int least) {
     return _mm_cmpeq_epi8(_mm_max_epu8(bytes, i18nBytes(least)), bytes);
 }
 
-/// Where the first trail byte makes the sequence overlong, a surrogate or more than Unicode has:
-/// trails below a limit behind one lead, the others behind another.
+/// Marks first trail bytes that make a sequence overlong, a surrogate, or more than U+10FFFF: trail
+/// bytes below a limit after one lead byte, and the other trail bytes after another lead byte.
 I18N_WITH_SHUFFLES inline __m128i badTrails(__m128i block, __m128i before, int leadOfHigh,
                                             int leadOfLow, int limit) {
     const __m128i low = _mm_cmplt_epi8(block, i18nBytes(limit));
@@ -34,9 +34,10 @@ I18N_WITH_SHUFFLES inline __m128i badTrails(__m128i block, __m128i before, int l
                         _mm_andnot_si128(low, _mm_cmpeq_epi8(before, i18nBytes(leadOfLow))));
 }
 
-/// Not 0 in bytes of two-byte characters that i18nMayNeedNormalization() is true of.
+/// Not 0 in the bytes of two-byte characters for which i18nMayNeedNormalization() is true.
 I18N_WITH_SHUFFLES inline __m128i beyondInert(__m128i low, __m128i high) {
-    // For a character's upper byte, half of the lower one from which on it is true; -1 for never.
+    // For the upper byte of a character: half of the lowest lower byte for which it is true; -1 for
+    // never.
     static_assert(kI18NInertBelow == 0x300 && kI18NInertFrom == 0x400 && kI18NInertBehind == 0x482,
                   "the table below has them");
     const __m128i from = _mm_setr_epi8(-1, -1, -1, 0, 0x82 / 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0);
@@ -49,10 +50,11 @@ I18N_WITH_SHUFFLES inline void keep(I18NDecoding& decoding, __m128i units, unsig
     decoding.out += __builtin_popcount(mask);
 }
 
-/// Decodes the sequences that begin and end in a block, none of them longer than this. A unit is
-/// made at each byte from it and those before; right it is at the last byte of a sequence, and in
-/// one of four bytes also at the last but one, where the pair's first half is.
-/// @return false for what is ill-formed; then nothing is decoded
+/// Decodes the sequences that begin and end in a block, none longer than kLongest. Computes a unit
+/// at each byte, from this byte and the bytes before it. The unit is right at the last byte of a
+/// sequence, and in a sequence of four bytes also at the byte before, which gives the first half of
+/// the pair.
+/// @return false for ill-formed text; nothing is decoded then
 template <int kLongest>
 I18N_WITH_SHUFFLES inline bool decodeBlock(I18NDecoding& decoding, __m128i block, __m128i leads3) {
     const __m128i zero = _mm_setzero_si128();
@@ -61,7 +63,8 @@ I18N_WITH_SHUFFLES inline bool decodeBlock(I18NDecoding& decoding, __m128i block
     const __m128i before2 = _mm_slli_si128(block, 2);
     const __m128i isHigh = kLongest < 4 ? zero : atLeast(before2, 0xF0);
 
-    // Bit masks of places; a lead of a longer sequence counts as one of the shorter, too.
+    // Bit masks of positions; the lead byte of a longer sequence also counts as one of a shorter
+    // sequence.
     const unsigned trail = i18nMask(trails);
     const unsigned lead2 = i18nMask(block) & ~trail;
     const unsigned lead3 = kLongest < 3 ? 0 : i18nMask(leads3);
@@ -77,7 +80,7 @@ I18N_WITH_SHUFFLES inline bool decodeBlock(I18NDecoding& decoding, __m128i block
     const unsigned expected = (lead2 << 1 | lead3 << 2 | lead4 << 3) & 0xFFFF;
     if ((i18nMask(bad) | (trail ^ expected)) != 0) return false;
 
-    // A sequence that goes on behind the block is left for the next one.
+    // A sequence that continues after the block is left for the next block.
     const unsigned left =
         (lead2 >> 15) + (lead3 >> 13 & 2) + (kLongest < 4 ? 0 : (lead4 >> 13 & 1) * 3);
     const unsigned kept = ~(lead2 | lead3 << 1) & (0xFFFFU >> left);
@@ -91,7 +94,7 @@ I18N_WITH_SHUFFLES inline bool decodeBlock(I18NDecoding& decoding, __m128i block
         high = _mm_or_si128(high, _mm_and_si128(_mm_slli_epi16(first, 4), i18nBytes(0xF0)));
     }
     if (kLongest >= 4) {
-        // Of the code point the first half has the bits from 10 on, less 0x40.
+        // The first half holds the bits of the code point from bit 10 on, less 0x40.
         const __m128i upper =
             _mm_or_si128(_mm_and_si128(_mm_slli_epi16(before1, 2), i18nBytes(0xFC)),
                          _mm_and_si128(_mm_srli_epi16(block, 4), i18nBytes(0x03)));
@@ -124,7 +127,7 @@ I18N_WITH_SHUFFLES inline void widen(I18NDecoding& decoding, __m128i block) {
 
 }  // namespace
 
-// A whole block may be written while a whole one is left to read.
+// A whole block may be written while a whole block is left to read.
 I18N_WITH_SHUFFLES void i18nDecodeBlocks(I18NDecoding& decoding) {
     I18NDecoding now = decoding;
     bool good = true;

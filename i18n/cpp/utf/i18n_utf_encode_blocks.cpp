@@ -4,7 +4,7 @@ namespace {
 
 constexpr int kBlock = 8;
 
-/// Units of one or two bytes: takes out the second place of those that have their bit set.
+/// For units of one or two bytes: removes the second byte of the units whose bit is set.
 constexpr I18NShuffles makePairs() {
     I18NShuffles made{};
     for (unsigned mask = 0; mask < 256; ++mask) {
@@ -19,8 +19,9 @@ constexpr I18NShuffles makePairs() {
     return made;
 }
 
-/// Four units of up to three bytes, which have two bits each: for one of two bytes at least, and
-/// for three. A unit's bytes are in four places, the last but one first, the last, the first.
+/// For four units of up to three bytes, with two bits each: the first bit is set if the unit has at
+/// least two bytes, the second if it has three. Each unit has four positions: for the byte before
+/// the last, the last byte and the first byte, and an unused one.
 constexpr I18NShuffles makeTriples() {
     I18NShuffles made{};
     for (unsigned mask = 0; mask < 256; ++mask) {
@@ -42,7 +43,7 @@ const I18NEncodingShuffles i18nEncodingShuffles = {makePairs(), makeTriples()};
 
 namespace {
 
-/// Whether units are above a limit, which is one less than a power of two.
+/// Marks the units that are not above a limit, which is one less than a power of two.
 I18N_WITH_SHUFFLES inline __m128i isWithin(__m128i units, int limit) {
     return _mm_cmpeq_epi16(_mm_andnot_si128(i18nUnits(limit), units), _mm_setzero_si128());
 }
@@ -53,7 +54,7 @@ I18N_WITH_SHUFFLES inline void write(I18NEncoding& encoding, __m128i bytes,
     encoding.out += size;
 }
 
-/// Eight units below U+0800.
+/// Encodes eight units below U+0800.
 I18N_WITH_SHUFFLES inline void encodePairs(I18NEncoding& encoding, __m128i units, __m128i ascii) {
     const __m128i lead = _mm_or_si128(_mm_srli_epi16(units, 6), i18nUnits(0x80C0));
     const __m128i trail = _mm_slli_epi16(_mm_and_si128(units, i18nUnits(0x3F)), 8);
@@ -64,9 +65,9 @@ I18N_WITH_SHUFFLES inline void encodePairs(I18NEncoding& encoding, __m128i units
     encoding.at += kBlock;
 }
 
-/// Eight units, or seven if the last is the first half of a pair. The halves of a pair have two
-/// bytes each.
-/// @return false for what is ill-formed; then nothing is encoded
+/// Encodes eight units, or seven if the last is the first half of a pair. Each half of a pair has
+/// two bytes.
+/// @return false for ill-formed text; nothing is encoded then
 I18N_WITH_SHUFFLES inline bool encodeTriples(I18NEncoding& encoding, __m128i units, __m128i ascii) {
     const __m128i top = _mm_and_si128(units, i18nUnits(0xFC00));
     const __m128i highs = _mm_cmpeq_epi16(top, i18nUnits(0xD800));
@@ -86,7 +87,7 @@ I18N_WITH_SHUFFLES inline bool encodeTriples(I18NEncoding& encoding, __m128i uni
         const unsigned high = pairs & 0xFF, low = pairs >> 8;
         if (((high << 1) & 0xFF) != low) return false;
         done -= high >> 7;
-        // Of the code point, the first half has the bits from 10 on.
+        // The first half holds the bits of the code point from bit 10 on.
         const __m128i upper = _mm_sub_epi16(units, i18nUnits(0xD7C0));
         const __m128i shared =
             _mm_slli_epi16(_mm_and_si128(_mm_slli_si128(units, 2), i18nUnits(3)), 4);
@@ -115,7 +116,8 @@ I18N_WITH_SHUFFLES inline bool encodeTriples(I18NEncoding& encoding, __m128i uni
 
 }  // namespace
 
-// Every unit left has a byte at least, so that 16 bytes may be written behind a block's first half.
+// Each unit left gives at least one byte, so 16 bytes may be written after the first half of a
+// block.
 I18N_WITH_SHUFFLES void i18nEncodeBlocks(I18NEncoding& encoding) {
     I18NEncoding now = encoding;
     bool good = true;

@@ -2,8 +2,8 @@
 
 #include "i18n/cpp/utf/i18n_utf_blocks.hpp"
 
-// The algorithm of i18n_utf_encode_blocks.cpp, 16 units at a time. Most of what AVX2 does stays
-// within the halves of a register.
+// The algorithm of i18n_utf_encode_blocks.cpp, 16 units at a time. Most AVX2 instructions work
+// within each half of a register.
 
 namespace {
 
@@ -20,7 +20,7 @@ I18N_WITH_WIDE_BLOCKS inline __m256i isWithin(__m256i units, int limit) {
     return _mm256_cmpeq_epi16(_mm256_andnot_si256(all(limit), units), _mm256_setzero_si256());
 }
 
-/// A shuffled half, of which only the size counts.
+/// Shuffles and writes half a register; only the first `size` bytes count.
 I18N_WITH_WIDE_BLOCKS inline char* write(char* out, __m128i bytes, const I18NShuffles& shuffles,
                                          unsigned mask, int size) {
     i18nStore(out, _mm_shuffle_epi8(bytes, i18nLoad(shuffles.bytes[mask])));
@@ -31,7 +31,7 @@ I18N_WITH_WIDE_BLOCKS inline char* writeFour(char* out, __m128i bytes, unsigned 
     return write(out, bytes, i18nEncodingShuffles.triples, mask, 4 + __builtin_popcount(mask));
 }
 
-/// Sixteen units below U+0800.
+/// Encodes sixteen units below U+0800.
 I18N_WITH_WIDE_BLOCKS inline void encodePairs(I18NEncoding& encoding, __m256i units,
                                               __m256i ascii) {
     const __m256i lead = _mm256_or_si256(_mm256_srli_epi16(units, 6), all(0x80C0));
@@ -46,10 +46,11 @@ I18N_WITH_WIDE_BLOCKS inline void encodePairs(I18NEncoding& encoding, __m256i un
     encoding.at += kBlock;
 }
 
-/// The three bytes of each unit, of which those with fewer leave out the first ones.
+/// The three bytes of each unit. Units with fewer bytes have no first byte, or no first and middle
+/// byte.
 struct Triples {
     __m256i first, middle, last;
-    __m256i two, three;  ///< whether there are so many
+    __m256i two, three;  ///< whether the unit has that many bytes
 };
 
 I18N_WITH_WIDE_BLOCKS inline Triples triplesOf(__m256i units, __m256i ascii) {
@@ -66,11 +67,11 @@ I18N_WITH_WIDE_BLOCKS inline Triples triplesOf(__m256i units, __m256i ascii) {
     return made;
 }
 
-/// The halves of pairs have two bytes each.
+/// Sets the two bytes of each half of a pair.
 I18N_WITH_WIDE_BLOCKS inline void setHalves(Triples& triples, __m256i units, __m256i highs,
                                             __m256i lows) {
     const __m256i six = all(0x3F), one = all(0x80);
-    // Of the code point, the first half has the bits from 10 on.
+    // The first half holds the bits of the code point from bit 10 on.
     const __m256i upper = _mm256_sub_epi16(units, all(0xD7C0));
     const __m256i lastOfHigh =
         _mm256_or_si256(_mm256_and_si256(_mm256_srli_epi16(upper, 2), six), one);
@@ -99,14 +100,15 @@ I18N_WITH_WIDE_BLOCKS inline char* write(char* out, const Triples& triples) {
     return writeFour(out, _mm256_extracti128_si256(odd, 1), mask >> 24);
 }
 
-/// Sixteen units, or fifteen if the last is the first half of a pair.
-/// @return false for what is ill-formed; then nothing is encoded
+/// Encodes sixteen units, or fifteen if the last is the first half of a pair.
+/// @return false for ill-formed text; nothing is encoded then
 I18N_WITH_WIDE_BLOCKS __attribute__((always_inline)) inline bool encodeTriples(
     I18NEncoding& encoding, __m256i units, __m256i ascii) {
     const __m256i top = _mm256_and_si256(units, all(0xFC00));
     const __m256i highs = _mm256_cmpeq_epi16(top, all(0xD800));
     const __m256i lows = _mm256_cmpeq_epi16(top, all(0xDC00));
-    // By halves of the register: eight bits for first ones, eight for second ones.
+    // For each half of the register: eight bits for first halves of pairs, and eight for second
+    // halves.
     const unsigned pairs = maskOf(_mm256_packs_epi16(highs, lows));
     if (pairs == 0) {
         encoding.out = write(encoding.out, triplesOf(units, ascii));
@@ -126,7 +128,8 @@ I18N_WITH_WIDE_BLOCKS __attribute__((always_inline)) inline bool encodeTriples(
 
 }  // namespace
 
-// Every unit left has a byte at least, so that 16 bytes may be written behind a block's last four.
+// Each unit left gives at least one byte, so 16 bytes may be written after the last four units of a
+// block.
 I18N_WITH_WIDE_BLOCKS void i18nEncodeWideBlocks(I18NEncoding& encoding) {
     I18NEncoding now = encoding;
     bool good = true;
