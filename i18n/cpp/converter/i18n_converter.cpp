@@ -22,10 +22,10 @@
 
 namespace {
 
-// At most 60 characters of the name are shown.
+// The message shows at most 60 characters of the name.
 const char kBadEncoding[] = "The specified encoding is not valid: \"%.60s\".";
 
-// By policy.
+// Indexed by policy.
 const UConverterToUCallback kInputCallbacks[] = {
     ESCAPE_UNCONVERTIBLE_INPUT_CALLBACK, LOOKUP_UNCONVERTIBLE_INPUT_CALLBACK,
     SUBSTITUTE_UNCONVERTIBLE_INPUT_CALLBACK, USER_DEFINED_UNCONVERTIBLE_INPUT_CALLBACK,
@@ -57,20 +57,21 @@ void freeUnless(const char* room, const char* block) {
     if (block != room) delete[] block;
 }
 
-// How much of a block the name takes, up to room that is aligned for all types.
+// The number of bytes that the name takes in a block, so that the bytes after it are aligned for
+// all types.
 std::size_t nameSize(std::size_t length) {
     constexpr std::size_t kAlign = alignof(std::max_align_t);
     return (length + kAlign) / kAlign * kAlign;
 }
 
-// Encodings have names too short for a call of strlen to pay.
+// The names of encodings are too short for a call of strlen() to pay off.
 std::size_t lengthOf(const char* name) {
     std::size_t length = 0;
     while (name[length] != '\0') ++length;
     return length;
 }
 
-// UTF-16 and UTF-32 would come with a byte-order mark; their siblings in the machine's order do
+// ICU's UTF-16 and UTF-32 write a byte-order mark. Their variants in the machine's byte order do
 // not.
 const char* withoutMark(const char* name) {
     const char* canonical = i18nCanonicalEncoding(name);
@@ -80,7 +81,8 @@ const char* withoutMark(const char* name) {
     return name;
 }
 
-// ICU has nothing newer that tells the size of a clone or puts it into memory of the caller's.
+// ICU has no newer function that tells the size of a clone or puts a clone into the caller's
+// memory.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 UConverter* cloneInto(void* room, int32_t* size, const UConverter* converter) {
@@ -95,7 +97,7 @@ int saturated(std::int64_t value) {
     return static_cast<int>(std::clamp<std::int64_t>(value, INT_MIN, INT_MAX));
 }
 
-// Another converter of the same encoding, at the beginning of a text.
+// Returns another converter of the same encoding, at the beginning of a text.
 UConverter* reopened(const UConverter* converter) {
     UErrorCode status = U_ZERO_ERROR;
     UConverter* other = ucnv_open(ucnv_getName(converter, &status), &status);
@@ -165,7 +167,7 @@ void I18NConverter::create(const char* name) {
     const std::size_t size = std::strlen(name) + 1;
     m_outputContext.encoding = m_inputContext.encoding =
         static_cast<char*>(std::memcpy(allocated(size).release(), name, size));
-    // ICU takes a name with a "/" for the path of a file, and trusts what is in it.
+    // ICU takes a name with a "/" for the path of a file, and trusts the contents of that file.
     UErrorCode status = std::strchr(name, '/') == nullptr ? U_ZERO_ERROR : U_FILE_ACCESS_ERROR;
     m_pConverter = ucnv_open(withoutMark(name), &status);
     if (status == U_MEMORY_ALLOCATION_ERROR) settle(status);
@@ -174,7 +176,7 @@ void I18NConverter::create(const char* name) {
         std::snprintf(text, sizeof text, kBadEncoding, name);
         QBL_THROW(I18NRuntimeError(I18N_ENCODING, text));
     }
-    // A clone of this one would share what the first of the two to be closed frees.
+    // A clone of this converter would share memory that the first of the two to be closed frees.
     if (ucnv_getType(m_pConverter) != UCNV_COMPOUND_TEXT)
         cloneInto(nullptr, &m_iCloneSize, m_pConverter);  // only tells the size
     ucnv_setFallback(m_pConverter, true);
@@ -182,9 +184,9 @@ void I18NConverter::create(const char* name) {
     m_iNullSize = ucnv_getMinCharSize(m_pConverter);
 }
 
-// Becomes a copy of the other under this name, or stays as it is if that fails. Name and ICU
-// converter share the room in here, or a block if they are too large or it is in use, since their
-// allocations would cost more than all the rest.
+// Becomes a copy of the other converter under this name; unchanged after a failure. The name and
+// the ICU converter share m_room, or a block if they are too large for it or if it is in use.
+// Separate allocations would cost more than everything else here.
 void I18NConverter::adopt(const I18NConverter& other, const char* encoding) {
     const std::size_t length = lengthOf(encoding);
     const std::size_t before = nameSize(length);
@@ -218,7 +220,7 @@ void I18NConverter::adopt(const I18NConverter& other, const char* encoding) {
     m_outputContext.encoding = m_inputContext.encoding = name;
     block.release();  // NOLINT(bugprone-unused-return-value): the contexts own it
 
-    // The clone still points to the contexts of the other.
+    // The clone still refers to the contexts of the other converter.
     UErrorCode status = U_ZERO_ERROR;
     if (is(kHasContext, kInput))
         ucnv_setToUCallBack(clone, kInputCallbacks[m_iInputPolicy], &m_inputContext, nullptr,

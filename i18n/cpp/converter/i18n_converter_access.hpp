@@ -3,13 +3,13 @@
 
 #include "i18n/cpp/i18n_converter.hpp"
 
-/// The ICU converter inside, for those who work on whole buffers.
+/// Gives access to the ICU converter inside, for code that converts whole buffers.
 class I18NConverterAccess {
 public:
     static UConverter* icu(const I18NConverter& converter) { return converter.m_pConverter; }
 };
 
-/// I18NConverter::fromUnicode for text with zeros in it.
+/// I18NConverter::fromUnicode() for text that may contain NULs.
 struct I18NCountedText {
     static void fromUnicode(const I18NConverter& converter, char** destination, int* size,
                             const char16_t* units, int length, I18NStringAllocator allocator,

@@ -13,17 +13,17 @@
 
 namespace {
 
-// What ICU keeps of a callback's output when the target is full, in bytes or code units; it does
-// not check that more will not come.
+// The number of bytes or code units of a callback's output that ICU stores if the target is full.
+// ICU does not check whether there are more.
 constexpr int kRoomInICU = 32;
 static_assert(I18N_USER_REPLACEMENT_LIMIT <= kRoomInICU);
 
-// More than a function may use, for one that counts wrongly.
+// Larger than the limit, for a function that writes too much.
 constexpr int kUserArray = 256;
 
 constexpr char32_t kNoCharacter = 0xFFFF;
 
-// Reset, close and clone come without text.
+// ICU also calls for reset, close and clone, without text.
 bool isAboutText(UConverterCallbackReason reason) { return reason <= UCNV_IRREGULAR; }
 
 int limited(int count) { return std::clamp<int>(count, 0, I18N_USER_REPLACEMENT_LIMIT); }
@@ -34,7 +34,7 @@ std::string_view canonicalName(const char* cached, const char* encoding) {
     return cached != nullptr ? cached : "";
 }
 
-// UTF-16 of at most as many code units as ICU keeps; a pair is never split.
+// UTF-16 with at most as many code units as ICU stores; never splits a surrogate pair.
 class Replacement {
 public:
     void append(char32_t codePoint) {

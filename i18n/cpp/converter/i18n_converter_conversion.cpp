@@ -1,4 +1,4 @@
-// The conversions of I18NConverter: fixed, allocating and streaming, both ways.
+// The conversions of I18NConverter: fixed, allocating and streaming, in both directions.
 
 #include <algorithm>
 #include <climits>
@@ -26,7 +26,8 @@ void report(I18NErrorCodes code, I18NErrorCodes* error) {
         QBL_THROW(I18NRuntimeError(code, nullptr));
 }
 
-// What is to be converted of a source, and the bytes of its NUL that nobody has to see again.
+// The part of a source to convert, and the bytes of the NUL after it that the caller need not pass
+// again.
 struct Source {
     const char* begin;
     const char* end;
@@ -48,7 +49,7 @@ Source counted(const void* units, int size) {
 Source piece(const void* units, int size) {
     if (size >= 0) return counted(units, size);
     Source source = nullTerminated(units);
-    // The count of what was consumed has to fit an int; the rest is for the next call.
+    // The number of bytes consumed must fit an int; the next call takes the rest.
     constexpr int kMost = INT_MAX - INT_MAX % kUnit - kUnicodeNull;
     if (source.end - source.begin > kMost) source = {source.begin, source.begin + kMost, 0};
     return source;
@@ -88,9 +89,9 @@ void I18NConverter::set(Flag flag, Direction direction, bool on) const {
     m_cFlags = static_cast<unsigned char>(on ? m_cFlags | bit : m_cFlags & ~bit);
 }
 
-// Converts into a buffer of the caller's and ends it with a NUL. Room for just the NUL takes no
-// text and is reported as success, as callers rely on; only less than that is too small. A stream
-// would never come to its end that way.
+// Converts into a buffer of the caller and terminates it with a NUL. If only the NUL fits, no text
+// is converted and the call succeeds, since callers rely on that; only a smaller buffer is too
+// small. For a stream this is no success, since it would never come to an end.
 I18NErrorCodes I18NConverter::convert(Direction direction, char* destination, int size,
                                       const char*& source, const char* end, bool flush,
                                       int& written) const {
@@ -101,7 +102,7 @@ I18NErrorCodes I18NConverter::convert(Direction direction, char* destination, in
     const int room = size - nullSize;
     char* at = destination;
     UErrorCode status = U_ZERO_ERROR;
-    // Whole units, so that the NUL is one; only a stream continues half a unit.
+    // Uses whole units only, so that the NUL is one, too. Only a stream continues half a unit.
     const int used = flush ? room - room % nullSize : room;
     if (room > 0) status = run(m_pConverter, at, destination + used, source, end, flush);
     const int text = static_cast<int>(at - destination);
@@ -124,9 +125,9 @@ I18NErrorCodes I18NConverter::convert(Direction direction, char* destination, in
     return I18N_OK;
 }
 
-// Converts into a block that is large enough for what the encoding usually needs. What does not
-// fit is collected aside and the block then enlarged once, by whole steps, so that time and the
-// number of allocations do not depend on how far the first size was off.
+// Converts into a block that is large enough for what the encoding usually needs. Collects the rest
+// in a string and then enlarges the block once, by whole steps. So the time and the number of
+// allocations do not depend on how much the first size lacked.
 char* I18NConverter::allocate(Direction direction, int* size, const char* source, const char* end,
                               bool flush, I18NStringAllocator allocator, void* context) const {
     const auto run = direction == kInput ? i18nToUnicode : i18nFromUnicode;
@@ -208,7 +209,7 @@ void I18NConverter::fromUnicodeStream(char* destination, int size, const void* s
     const I18NErrorCodes code =
         convert(kOutput, destination, size, at, text.end, false, counters.written);
     counters.consumed = static_cast<int>(at - text.begin);
-    // Not after a failure: the caller comes back with the rest, which has to have its NUL.
+    // Not after a failure: the caller passes the rest again, which must have its NUL.
     if (code == I18N_OK && at == text.end) counters.consumed += text.nullSize;
     report(code, error);
 }

@@ -10,7 +10,7 @@
 
 namespace {
 
-// Publishes the holders and tables to the threads that make converters.
+// Publishes the prepared converters and the tables to threads that make converters.
 std::atomic<bool> g_initialized{false};
 
 I18NConverter* prepared(const char* encoding) {

@@ -1,4 +1,4 @@
-// The operations of I18NConverter that take or give strings.
+// The operations of I18NConverter that take or return strings.
 
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "i18n/cpp/i18n_converter.hpp"

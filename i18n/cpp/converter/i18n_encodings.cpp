@@ -16,8 +16,8 @@ bool is(const char* name, const char* other) {
     return *name == '\0';
 }
 
-/// What stands behind "UTF" and a hyphen; null for other names. Without a loop, for it is asked
-/// with every conversion.
+/// Returns the part after "UTF" and an optional hyphen; null for other names. Has no loop, since
+/// every conversion calls it.
 const char* numberOfUTF(const char* name) {
     constexpr int kNoCase = ~('a' - 'A');
     if ((name[0] & kNoCase) != 'U' || (name[1] & kNoCase) != 'T' || (name[2] & kNoCase) != 'F')

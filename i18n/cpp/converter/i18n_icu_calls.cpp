@@ -8,23 +8,24 @@
 
 namespace {
 
-// What UTF-16 at an odd address is copied through.
+// The units that UTF-16 at an odd address is copied through.
 constexpr std::ptrdiff_t kPieceUnits = 512;
-// What ICU takes at a time.
+// The units that ICU takes at a time.
 constexpr std::ptrdiff_t kMostUnits = 0x3FFFFFFF;
 constexpr std::ptrdiff_t kUnit = sizeof(UChar);
 
-// Whole blocks are read, also before a text and behind its end: they are aligned, so that they do
-// not reach into another page, as the C library reads strings. To the sanitizers it is a fault.
+// Reads whole aligned blocks, including bytes before the text and after its end, as the C library
+// reads strings. An aligned block never reaches into another page. Sanitizers would report these
+// reads.
 #define READS_WHOLE_BLOCKS __attribute__((no_sanitize("address"), no_sanitize("thread")))
 
-/// A bit for each byte of a block's zero units.
+/// Returns a bit for each byte of the zero units of a block.
 READS_WHOLE_BLOCKS unsigned zeroUnits(const char* block) {
     const __m128i units = _mm_load_si128(reinterpret_cast<const __m128i*>(block));
     return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(units, _mm_setzero_si128())));
 }
 
-/// Bytes in front of the first zero unit of aligned ones.
+/// Returns the number of bytes before the first zero unit. Requires: the text is aligned.
 std::size_t bytesBeforeNull(const char* text) {
     constexpr std::uintptr_t kBlock = sizeof(__m128i);
     const unsigned before = reinterpret_cast<std::uintptr_t>(text) % kBlock;

@@ -5,16 +5,17 @@
 
 #include <cstddef>
 
-/// ucnv_fromUnicode and ucnv_toUnicode for UTF-16 at any address, given as bytes: at and source
-/// move on as theirs do.
+/// ucnv_fromUnicode() and ucnv_toUnicode() for UTF-16 at any address, given as bytes. Like those
+/// they advance `at` and `source`.
 UErrorCode i18nFromUnicode(UConverter* converter, char*& at, char* limit, const char*& source,
                            const char* end, bool flush);
 UErrorCode i18nToUnicode(UConverter* converter, char*& at, char* limit, const char*& source,
                          const char* end, bool flush);
 
-/// Bytes in front of the first unit of so many zero bytes, at any address.
+/// Returns the number of bytes before the first unit of `nullSize` zero bytes; the text may have
+/// any address.
 std::size_t i18nBytesBeforeNull(const char* text, int nullSize);
-/// Whether there is such a unit here.
+/// Returns true if such a unit is here.
 bool i18nIsNull(const char* unit, int nullSize);
 
 #endif

@@ -5,18 +5,19 @@
 #include <string>
 #include <string_view>
 
-/// What the resource file says of text that an encoding cannot express, by the canonical name of
-/// the encoding (ucnv_getAlias(name, 0)). Part of I18NSettings, and constant with them.
+/// The replacements that the resource file sets for text that an encoding cannot express, by the
+/// canonical name of the encoding (ucnv_getAlias(name, 0)). Part of I18NSettings, and constant like
+/// them.
 class I18NReplacementTables {
 public:
     /// @param bytes  a sequence that is not convertible
-    /// @param replacement  the code point that stands for it
+    /// @param replacement  the code point that replaces it
     void addInput(const std::string& encoding, const std::string& bytes, char32_t replacement);
-    /// @param codePoint  one that the encoding does not have
-    /// @param replacement  the bytes that stand for it; none drop it
+    /// @param codePoint  one that the encoding lacks
+    /// @param replacement  the bytes that replace it; an empty text drops it
     void addOutput(const std::string& encoding, char32_t codePoint, const std::string& replacement);
 
-    /// @return null when the table has no entry.
+    /// @return null if the table has no entry
     const char32_t* findInput(std::string_view encoding, std::string_view bytes) const;
     const std::string* findOutput(std::string_view encoding, char32_t codePoint) const;
 
