@@ -5,7 +5,8 @@
 #include "i18n/cpp/pool/i18n_pool_entry.hpp"
 #include "i18n/cpp/pool/i18n_pool_index.hpp"
 
-/// The entries of a bucket, in the order in which they came. All but the index under its lock.
+/// The entries of a bucket in the order of their arrival. The bucket's lock guards everything
+/// except the index.
 struct I18NPooledString::I18NPooledStringPool::Bucket {
     using Entry = I18NPooledStringEntry;
 
@@ -14,7 +15,7 @@ struct I18NPooledString::I18NPooledStringPool::Bucket {
     unsigned count;
     I18NPoolIndex index;
 
-    /// For one entry more.
+    /// Makes room for one more entry.
     /// @throws std::bad_alloc
     void makeRoom() {
         if (index.hasRoomFor(count + 1)) return;
@@ -28,7 +29,7 @@ struct I18NPooledString::I18NPooledStringPool::Bucket {
         ++count;
         index.insert(entry);
     }
-    /// Takes out each entry for which a body gives true; it may be gone then.
+    /// Removes each entry for which a body returns true. The body may have destroyed that entry.
     template <class Body>
     void removeIf(Body body) noexcept {
         const unsigned before = count;

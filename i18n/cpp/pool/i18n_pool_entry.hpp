@@ -9,40 +9,41 @@
 
 #include "i18n/cpp/i18n_string.hpp"
 
-// How an entry lives. The word refCount is its state. The rest is written while one thread alone
-// has the entry, and does not change while it is live or detached, except the link `next` and the
-// conversions that the string keeps by its own rules.
+// The life of an entry. The word refCount is its state. All other members are written while one
+// thread has the entry alone. They do not change while the entry is live or detached, except the
+// link `next` and the conversions that the string keeps by its own rules.
 //   empty      0: in its block's list of empty places, or with the thread that took it from there.
 //   live       kLive and the number of holders, which may be 0: in the list and the index of a
 //              bucket.
 //   detached   also kDetached: in no bucket, kept for its last holders.
-// Who changes the state:
-//   empty -> live        enter(), under the bucket's lock, when string, hash and copy are there.
+// Changes of the state:
+//   empty -> live        enter(), under the bucket's lock, once string, hash and copy are set.
 //   live -> empty        retire(), under the bucket's lock, if nobody holds it (purge).
 //   live -> detached     detach(), under the bucket's lock (the library stops).
 //   detached -> empty    the unpin() of the last holder, or detach() if nobody holds it.
 //
-// Any thread may pin() what it finds, however old the address is: pin() fails unless the entry is
-// live, and has room for a holder more. It may be live with another text by then, so the finder
-// compares hash and text after the pin, and unpins what it did not look for. Nothing destroys an
-// entry that is pinned.
+// Any thread may call pin() on an entry that it finds, however old the address is. pin() fails
+// unless the entry is live and has room for another holder. The entry may have another text by
+// then. So the finder compares hash and text after the pin, and unpins an entry that it did not
+// look for. Nothing destroys a pinned entry.
 //
-// One thread destroys an entry, once. retire() goes from "no holders" to 0 in one step, so that no
-// pin comes between. Once kDetached is set no pin succeeds, and only a holder can add a holder: so
-// one thread sees the count go from 1 to 0. unpin() leaves a count of 0 alone, since a release too
-// many must not spoil the state.
+// Exactly one thread destroys an entry. retire() goes from "no holders" to 0 in one step, so that
+// no pin comes between. Once kDetached is set, no pin succeeds, and only a holder can add a holder.
+// So one thread sees the count go from 1 to 0. unpin() leaves a count of 0 as it is, since a
+// surplus release must not spoil the state.
 //
 // Memory order: enter() releases the contents, and pin() acquires them. All later changes are
-// read-modify-write operations, so a pin that reads one of them acquires the contents too. unpin()
-// releases the holder's reads; retire(), detach() and the last unpin() acquire them before the
-// string is destroyed. addHolder() is relaxed, since its caller has a holder. A destroyed place
-// goes to its next owner under the lock of i18n_places.
+// read-modify-write operations, so a pin that reads one of them acquires the contents, too. unpin()
+// releases the holder's reads; retire(), detach() and the last unpin() acquire them before they
+// destroy the string. addHolder() is relaxed, since its caller has a holder. A destroyed place goes
+// to its next owner under the lock of i18n_places.
 //
-// A mistake shows in I18NPooledStringTest.ThreadsAcquireReleasePurgeDumpAndStop, above all with the
-// presets x64-tsan, which reports each of enter(), pin() and unpin() with a weaker order, and
-// x86-asan; and in ASurplusReleaseSpoilsNothing and HoldersOutliveTheLibrary.
+// Tests: I18NPooledStringTest.ThreadsAcquireReleasePurgeDumpAndStop detects mistakes, above all
+// with the presets x86-asan and x64-tsan; the latter reports a weaker order in each of enter(),
+// pin() and unpin(). ASurplusReleaseSpoilsNothing and HoldersOutliveTheLibrary detect others.
 
-/// A copy of the characters that a string has itself; or none, and those are read there.
+/// A copy of the characters that a string stores in itself. Without a copy, they are read from the
+/// string.
 template <std::size_t kSize>
 struct I18NPoolCopy {
     char bytes[kSize];
@@ -55,44 +56,45 @@ struct I18NPoolCopy<0> {
     const char* get(const char* text) const { return text; }
 };
 
-/// A text of the pool of strings, or a place for one. The memory of an entry is never freed, so
-/// that its state can be read by who found it just before it was destroyed: nothing else of it is
-/// read before pin() has succeeded.
+/// A text of the pool of strings, or a place for one. The memory of an entry is never freed. So a
+/// thread that found the entry just before it was destroyed can read its state; it reads nothing
+/// else before pin() succeeds.
 ///
-/// It ends with a cache line, in which there is all that a short text is found by: at 32 bits the
-/// end of the string, at 64 bits, where that would not fit, a copy of its characters.
+/// The last cache line of an entry holds everything that is needed to find a short text. At 32 bits
+/// the string's own characters are there; at 64 bits they would not fit, so there is a copy of
+/// them.
 struct alignas(64) I18NPooledStringEntry {
-    /// 0 for an empty place, else kLive and the number of holders.
+    /// 0 for an empty place, else kLive plus the number of holders.
     static constexpr std::uint32_t kLive = 1U << 30;
     static constexpr std::uint32_t kDetached = 1U << 29;  // no longer in the pool
     static constexpr std::uint32_t kShort = 1U << 28;     // the text is in the string itself
     static constexpr std::uint32_t kCount = kShort - 1;
-    static constexpr std::uint32_t kFull = 1U << 27;  // of the count: there may be no more
+    static constexpr std::uint32_t kFull = 1U << 27;  // set in a count that is full
 
     static constexpr std::size_t kCopy = sizeof(void*) > 4 ? (I18NString::kInline + 8) / 8 * 8 : 0;
     static constexpr std::size_t kUsed =
         sizeof(void*) + sizeof(I18NString) + kCopy + 2 * sizeof(std::uint32_t);
     unsigned char unused[64 - kUsed % 64];
-    I18NPooledStringEntry* next;  // in the bucket, or of the empty places
+    I18NPooledStringEntry* next;  // in the bucket, or in the list of empty places
     alignas(I18NString) unsigned char place[sizeof(I18NString)];
     [[no_unique_address]] I18NPoolCopy<kCopy> copy;
     std::uint32_t hashCode;
     std::atomic<std::uint32_t> refCount;
 
     I18NString& string() { return *std::launder(reinterpret_cast<I18NString*>(place)); }
-    /// Makes an entry of a place whose string and hash are there, with one holder.
+    /// Makes a place with string and hash into an entry with one holder.
     void enter() noexcept {
         I18NString& text = string();
         const bool inlined = text.m_pUnicodeString == nullptr && text.c_str() == text.m_asciiInline;
         if (inlined) {
-            // Words of it are compared, also behind its end.
+            // Texts are compared by words, so the bytes after the end must be defined.
             const auto length = static_cast<std::size_t>(text.m_asciiBufLength);
             std::memset(text.m_asciiInline + length, '\0', sizeof text.m_asciiInline - length);
             copy.set(text.m_asciiInline, sizeof text.m_asciiInline);
         }
         refCount.store(kLive | (inlined ? kShort : 0U) | 1, std::memory_order_release);
     }
-    /// Requires: the caller has a holder, or the bucket's lock.
+    /// Requires: the caller has a holder or the bucket's lock.
     bool holds(const char* utf8, std::size_t length) {
         if ((refCount.load(std::memory_order_relaxed) & kShort) == 0)
             return holdsLong(utf8, length);
@@ -102,7 +104,7 @@ struct alignas(64) I18NPooledStringEntry {
 
     std::uint32_t holders() const { return refCount.load(std::memory_order_acquire) & kCount; }
 
-    /// Counts a holder, unless the entry is not in the pool or has too many.
+    /// Adds a holder. Fails if the entry is not in the pool or has too many holders.
     bool pin() noexcept {
         std::uint32_t state = refCount.load(std::memory_order_relaxed);
         while ((state & (kLive | kDetached | kFull)) == kLive)
@@ -111,15 +113,15 @@ struct alignas(64) I18NPooledStringEntry {
                 return true;
         return false;
     }
-    /// @return false if there are too many
+    /// @return false if there are too many holders
     /// Requires: the caller has a holder.
     bool addHolder() noexcept {
         if ((refCount.fetch_add(1, std::memory_order_relaxed) & kFull) == 0) return true;
         refCount.fetch_sub(1, std::memory_order_relaxed);
         return false;
     }
-    /// Counts a holder less, unless there is none: it may have been released once too often. The
-    /// last one of an entry that is no longer in the pool destroys it.
+    /// Releases a holder, if there is any: an entry may have been released once too often. The last
+    /// release of an entry that is no longer in the pool destroys it.
     void unpin() noexcept {
         std::uint32_t state = refCount.load(std::memory_order_relaxed);
         do {
@@ -128,8 +130,8 @@ struct alignas(64) I18NPooledStringEntry {
                                                  std::memory_order_relaxed));
         if (isLast(state)) destroy();
     }
-    /// Makes an empty place of an entry without holders.
-    /// @return false, with nothing done, if it has any
+    /// Destroys an entry without holders; its place is empty then.
+    /// @return false, with nothing done, if the entry has holders
     bool retire() noexcept {
         std::uint32_t state = refCount.load(std::memory_order_relaxed);
         do {
@@ -139,14 +141,15 @@ struct alignas(64) I18NPooledStringEntry {
         destroy();
         return true;
     }
-    /// Takes the entry from the pool: it goes with its last holder, now if there is none.
+    /// Takes the entry out of the pool. It is destroyed with its last holder, or now if there is
+    /// none.
     void detach() noexcept {
         const std::uint32_t state = refCount.fetch_or(kDetached, std::memory_order_acq_rel);
         if ((state & kCount) == 0) destroy();
     }
 
 private:
-    /// Compares texts of which one has a length, and the other a zero at its end, by words.
+    /// Compares a text of a known length with a null-terminated one, by words.
     static bool sameText(const char* text, const char* utf8, std::size_t length) {
         const auto differ = [=](std::size_t i) {
             std::uint32_t a, b;
@@ -166,18 +169,18 @@ private:
     void destroy() noexcept;
 };
 
-/// Where entries live: blocks of places, which are kept for the life of the process. Memory of
-/// places that are all empty is given back to the system, and reads as zeros then.
+/// The memory of entries: blocks of places, which are kept for the life of the process. Memory of
+/// places that are all empty is given back to the system and reads as zeros then.
 namespace i18n_places {
 
-/// An empty place.
+/// Returns an empty place.
 /// @throws QBLOutOfMemoryError
 I18NPooledStringEntry* take();
 void give(I18NPooledStringEntry* place) noexcept;
-/// The entry that a string is in, which may be an empty place; null for any other string.
+/// Returns the entry that a string is in, which may be an empty place; null for any other string.
 I18NPooledStringEntry* find(const I18NString& string);
-/// Gives memory back: that of places which have been empty since the last time, so that what a
-/// program needs again and again stays.
+/// Gives memory back to the system if its places have been empty since the previous call. So memory
+/// that a program needs again and again stays.
 void trim() noexcept;
 
 }  // namespace i18n_places

@@ -1,32 +1,34 @@
-// The index of a bucket is a table of slots with linear probing: 8 slots at first, and at most 7/8
-// of them taken. The holder of the bucket's lock alone changes it. Anybody reads it at any time.
+// The index of a bucket is a table of slots with linear probing. It begins with 8 slots, of which
+// at most 7/8 are used. Only a thread that holds the bucket's lock changes it. Any thread may read
+// it at any time.
 //
-// While nobody holds the lock, each entry of the bucket is in one slot of the current table, and no
-// slot between its home and that one is free. While somebody does, this may not hold: removeIf()
-// has retired entries whose slots are still there, then clears all slots and fills them again;
-// grow() goes over to an empty table, which is filled next. A reader without the lock then misses
-// entries, or meets entries that are gone, or reads the table before. That is harmless:
-//   - A miss sends it to acquireLocked(), which looks again under the lock.
-//   - What it finds it pins and compares (i18n_pool_entry.hpp). It reads nothing else before that.
-//   - Entries and tables are never freed. A slot is written in one piece, so it has null or the
-//     address of an entry. A table that another has followed never changes again.
-//   - A free slot ends each search, and 1/8 of them is free at any time.
+// While no thread holds the lock, each entry of the bucket is in one slot of the current table, and
+// no slot between its home slot and this one is free. While a thread holds the lock, this may not
+// hold. removeIf() has retired entries whose slots are still there, then clears all slots and fills
+// them again. grow() switches to an empty table, which is filled next. A reader without the lock
+// may then miss entries, meet entries that are gone, or read the previous table. That is harmless:
+//   - After a miss the reader calls acquireLocked(), which searches again under the lock.
+//   - The reader pins and compares an entry that it finds (i18n_pool_entry.hpp), and reads nothing
+//     else of it before that.
+//   - Entries and tables are never freed. A slot is written in one piece, so it holds null or the
+//     address of an entry. A table that another one has replaced never changes again.
+//   - A free slot ends each search, and 1/8 of the slots is free at any time.
 //
 // Memory order: grow() stores the table with release, after its slots are null; find() acquires it.
 // insert() stores the slot with release, and find() acquires it, so that the word of the entry can
-// be read; what else the entry has comes with its pin(). clear() stores null relaxed: whether a
-// reader sees it early or late is one of the cases above. Loads of the table by the holder of the
-// lock are relaxed, since all its changes were made under that lock.
+// be read. pin() makes the rest of the entry visible. clear() stores null relaxed: if a reader sees
+// it early or late, one of the cases above applies. The holder of the lock loads the table relaxed,
+// since all changes of it were made under that lock.
 //
-// grow() changes nothing before it has the memory. A table's head has the address of the one
-// before, so that leak checkers find those.
+// grow() changes nothing before it has the memory. The head of a table has the address of the
+// previous table, so that leak checkers find that one.
 //
-// A wrong search shows as a text that is in the pool twice, or never found:
-// I18NPooledStringTest.DumpsByBucketsAndPurgesWhatNobodyHolds,
+// Tests: a wrong search shows as a text that is in the pool twice or is never found. These detect
+// it: I18NPooledStringTest.DumpsByBucketsAndPurgesWhatNobodyHolds,
 // ThreadsAcquireReleasePurgeDumpAndStop (x64-tsan, x86-asan) and
-// AFailedAllocationLeavesThePoolAsItWas, which makes each growth fail in turn. A weaker order of
-// the table or of a slot shows in none of them, the thread sanitizer included: change these by
-// reasoning only. I18NPooledStringBench shows what a search costs.
+// AFailedAllocationLeavesThePoolAsItWas, which makes each growth fail in turn. None of them, and
+// not the thread sanitizer either, detects a weaker order of the table or of a slot: change these
+// by reasoning only. I18NPooledStringBench shows the cost of a search.
 #include "i18n/cpp/pool/i18n_pool_index.hpp"
 
 #include <new>
@@ -35,7 +37,7 @@ namespace {
 
 constexpr unsigned kFirstBits = 3;
 constexpr unsigned kMostBits = 30;
-constexpr std::size_t kHead = 64;  // before the slots; the table that these follow is there
+constexpr std::size_t kHead = 64;  // before the slots; holds the address of the previous table
 
 }  // namespace
 

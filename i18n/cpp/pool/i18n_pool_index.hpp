@@ -6,10 +6,10 @@
 
 #include "i18n/cpp/pool/i18n_pool_entry.hpp"
 
-/// Finds the entries of a bucket by their hash: a table with open addressing. Whoever changes it
-/// holds the bucket's lock. It may be read without, while it is changed too: it then gives wrong
-/// entries, or none, but never what is no entry. So a table is kept when a larger one follows.
-/// All zeros are an index without room.
+/// Finds the entries of a bucket by their hash: a table with open addressing. A thread that changes
+/// it must hold the bucket's lock. A thread may read it without the lock, even while it changes; it
+/// may then find wrong entries or none, but never anything that is not an entry. For that reason an
+/// old table is kept when a larger one replaces it. All zeros are an index without room.
 class I18NPoolIndex {
 public:
     using Entry = I18NPooledStringEntry;
@@ -18,10 +18,10 @@ public:
         const Table table(m_pTable.load(std::memory_order_relaxed));
         return table.slots() != nullptr && entries <= table.capacity() / 8 * 7;
     }
-    /// Goes over to an empty table of twice the size.
+    /// Switches to an empty table of twice the size.
     /// @throws std::bad_alloc
     void grow();
-    /// Requires: room.
+    /// Requires: hasRoomFor() one more entry.
     void insert(Entry* entry) noexcept {
         const Table table(m_pTable.load(std::memory_order_relaxed));
         const std::uint32_t spread = spreadOf(entry->hashCode);
@@ -30,7 +30,7 @@ public:
         slot->store(reinterpret_cast<char*>(entry) + tagOf(spread), std::memory_order_release);
     }
     void clear() noexcept;
-    /// Calls a body with each entry of a hash, and few others, until one gives true.
+    /// Calls a body with each entry of a hash, and with a few others, until the body returns true.
     /// @return that entry, or null
     template <class Body>
     Entry* find(std::uint32_t hash, Body body) const {
@@ -38,7 +38,8 @@ public:
         if (table.slots() == nullptr) return nullptr;
         const std::uint32_t spread = spreadOf(hash);
         const Slot* slot = table.home(spread);
-        // There are free slots. Who reads while they move finds one in the next round.
+        // Some slots are always free. A reader that misses them while they move finds one in the
+        // next round.
         for (;; slot = table.after(slot)) {
             char* const tagged = slot->load(std::memory_order_acquire);
             if (tagged == nullptr) return nullptr;
@@ -49,19 +50,19 @@ public:
     }
 
 private:
-    /// The address of an entry, with some bits of its hash in those that are zero there: few
-    /// others need to be looked at. Null is a free slot.
+    /// The address of an entry, with some bits of its hash in the address bits that are always
+    /// zero. So few other entries need to be examined. Null is a free slot.
     using Slot = std::atomic<char*>;
     static constexpr std::uintptr_t kTag = 63;
     static_assert(alignof(Entry) > kTag, "the tag is in the low bits of an entry's address");
 
-    // The multiplier is 2^32 by the golden ratio, which spreads also what differs little. The
-    // highest bits choose the slot.
+    // The multiplier is 2^32 divided by the golden ratio. It spreads even hashes that differ
+    // little. The highest bits select the slot.
     static std::uint32_t spreadOf(std::uint32_t hash) { return (hash ^ hash >> 16) * 0x9E3779B1U; }
     static std::uintptr_t tagOf(std::uint32_t spread) { return spread >> 2 & kTag; }
 
-    /// Slots, and how many, in a word: their address is a multiple of 64, and the bits below are
-    /// the logarithm of their number.
+    /// The address and the number of the slots in one word. The address is a multiple of 64, so the
+    /// bits below hold the logarithm of the number.
     class Table {
     public:
         explicit Table(char* word) : m_pWord(word) {}

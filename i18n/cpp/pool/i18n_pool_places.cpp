@@ -24,11 +24,12 @@ constexpr std::size_t kBlock = 8 * kPage;  // bytes of a block, and its alignmen
 constexpr std::size_t kMostBlocks = 256;   // of a region: 8 MiB
 constexpr std::size_t kLargePage = 2 << 20;
 
-/// A block of places, at whose beginning this is. All under the lock of the places.
+/// The head of a block of places, which stands at its beginning. The lock of the places guards all
+/// members.
 struct Block {
-    Block *previous, *next;  // of those with room
-    Entry* empty;            // places that were used
-    unsigned fresh;          // places from here on are empty too
+    Block *previous, *next;  // in the list of blocks with room
+    Entry* empty;            // the list of places that have been used
+    unsigned fresh;          // all places from this number on are empty, too
     unsigned live;
     bool rested;  // no place has been taken since the last trim()
 
@@ -57,7 +58,7 @@ public:
         ++block.live;
         block.rested = false;
         if (!block.hasRoom()) unlink(block);
-        // The next one will hardly be in the cache, nor what follows it in the list.
+        // The next place is hardly in the cache, nor is the next link of the list.
         const Entry* const next = block.empty != nullptr ? block.empty : place + 1;
         for (std::size_t at = 0; at < sizeof *next; at += 64)
             __builtin_prefetch(reinterpret_cast<const char*>(next) + at, 1);
@@ -88,7 +89,7 @@ public:
             if (!rested || block->fresh == 0) continue;
             block->empty = nullptr;
             block->fresh = 0;
-            // All but the page with the head. If it is refused the memory stays as it is.
+            // Keeps the page with the head. If the system refuses, the memory stays as it is.
             madvise(reinterpret_cast<unsigned char*>(block) + kPage, kBlock - kPage, MADV_DONTNEED);
         }
     }
@@ -104,7 +105,7 @@ private:
             new (&block->places()[i].refCount) std::atomic<std::uint32_t>(0);
         link(*block);
     }
-    // The more there is the larger, and in large pages then: places are looked at in any order.
+    // Regions grow with the pool and then use large pages, since places are accessed in any order.
     void addRegion() QBL_REQUIRES(m_lock) {
         std::size_t blocks = std::clamp<std::size_t>(m_blocks.size(), 1, kMostBlocks);
         void* memory = nullptr;
@@ -132,13 +133,13 @@ private:
     }
 
     QBLThreadCriticalSection m_lock{0};
-    std::map<std::uintptr_t, Block*> m_blocks QBL_GUARDED_BY(m_lock);  // by their addresses
+    std::map<std::uintptr_t, Block*> m_blocks QBL_GUARDED_BY(m_lock);  // by address
     Block* m_pWithRoom QBL_GUARDED_BY(m_lock) = nullptr;
     unsigned char* m_pRegion QBL_GUARDED_BY(m_lock) = nullptr;  // memory for more blocks
-    std::size_t m_left QBL_GUARDED_BY(m_lock) = 0;              // how many
+    std::size_t m_left QBL_GUARDED_BY(m_lock) = 0;              // number of blocks that fit there
 };
 
-// Made when the library is loaded: giving back must not fail for want of it.
+// Made when the library is loaded, so that give() cannot fail because it cannot be made.
 [[maybe_unused]] Places& g_places = qblImmortal<Places>();
 
 }  // namespace
@@ -155,7 +156,7 @@ Entry* i18n_places::find(const I18NString& string) { return qblImmortal<Places>(
 
 void i18n_places::trim() noexcept { qblImmortal<Places>().trim(); }
 
-// Mostly the bytes are the same. Else they may still be another form of the same text.
+// Usually the bytes are the same. If not, they may still be another form of the same text.
 bool I18NPooledStringEntry::holdsLong(const char* utf8, std::size_t length) {
     int size = 0;
     const char* const bytes = string().c_str(nullptr, &size);
@@ -164,7 +165,7 @@ bool I18NPooledStringEntry::holdsLong(const char* utf8, std::size_t length) {
     return same || string() == utf8;
 }
 
-// Nobody can pin the entry by now.
+// No thread can pin the entry at this point.
 void I18NPooledStringEntry::destroy() noexcept {
     string().~I18NString();
     refCount.store(0, std::memory_order_release);

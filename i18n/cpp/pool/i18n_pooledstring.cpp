@@ -21,7 +21,7 @@ const char kMalloc[] = "malloc failed to allocate memory.";
 const char kTooMany[] = "I18NPooledString: too many holders of one text";
 const char kForeign[] = "I18NPooledStringPool::releaseString: the string is not of the pool";
 
-/// The count of starts and the lock over the whole of each start and stop.
+/// The number of starts, and the lock that is held during each start and stop.
 struct Starts {
     QBLThreadCriticalSection s_initLock{0};
     int s_initCount QBL_GUARDED_BY(s_initLock) = 0;
@@ -29,7 +29,7 @@ struct Starts {
     bool registered QBL_GUARDED_BY(s_initLock) = false;
 };
 
-// Made when the library is loaded, so that no stop fails for want of it.
+// Made when the library is loaded, so that no stop fails because it cannot be made.
 [[maybe_unused]] Starts& g_starts = qblImmortal<Starts>();
 
 struct Hashed {
@@ -46,7 +46,8 @@ inline Hashed hashed(const char* text) {
     std::uint32_t hash = signExtended(*text);
     const char* p = text + 1;
     for (; *p != '\0'; ++p) {
-        // Added while the product is under way, which the compiler would not see to by itself.
+        // Adding these first lets the sum run during the multiplication. The compiler would not do
+        // so itself.
         std::uint32_t rest = signExtended(*p) + (hash >> 24);
         asm("" : "+r"(rest));
         hash = hash * 38 + rest;
@@ -54,7 +55,7 @@ inline Hashed hashed(const char* text) {
     return {hash, static_cast<std::size_t>(p - text)};
 }
 
-/// The pool, without a call once it is there.
+/// Returns the pool, without a call once the pool exists.
 inline I18NPooledString::I18NPooledStringPool& knownPool() {
     static std::atomic<I18NPooledString::I18NPooledStringPool*> s_known{nullptr};
     auto* pool = s_known.load(std::memory_order_acquire);
@@ -63,7 +64,7 @@ inline I18NPooledString::I18NPooledStringPool& knownPool() {
     return *pool;
 }
 
-/// A holder of an entry, counted until the end of the scope or for longer.
+/// A counted holder of an entry, until the end of the scope or, after keep(), for longer.
 class Pin {
 public:
     explicit Pin(Entry& entry) : m_pEntry(&entry) {}
@@ -106,7 +107,7 @@ Entry* I18NPooledString::I18NPooledStringPool::acquire(const char* utf8) {
     return found != nullptr ? found : pool.acquireLocked(number, utf8, key.hash);
 }
 
-// The text may be there by now.
+// Another thread may have added the text by now.
 Entry* I18NPooledString::I18NPooledStringPool::acquireLocked(unsigned number, const char* utf8,
                                                              unsigned hash) {
     QBL_ALLOC_TRY
@@ -189,8 +190,8 @@ const I18NString& I18NPooledString::getString() const {
     return m_pEntry != nullptr ? m_pEntry->string() : qblImmortal<I18NString>();
 }
 
-// It stays for the life of the process, empty while the library is stopped: another thread, or the
-// destructor of a static object, may just be using it.
+// The pool stays for the life of the process, and is empty while the library is stopped: another
+// thread or the destructor of a static object may be using it.
 I18NPooledString::I18NPooledStringPool& I18NPooledString::getPool() {
     return qblImmortal<I18NPooledStringPool>();
 }
@@ -200,7 +201,7 @@ bool I18NPooledString::initialize() {
     Starts& starts = qblImmortal<Starts>();
     QBLThreadGuard guard(starts.s_initLock);
     getPool();
-    // A custodian that came later, or has been stopped and started, does not know the task.
+    // A custodian that was made later, or that was stopped and started, does not know the task.
     if (!starts.registered || starts.task.m_dropped) {
         starts.task.m_dropped = false;
         starts.registered = QBLCustodian::registerTask(&starts.task);
@@ -210,7 +211,7 @@ bool I18NPooledString::initialize() {
     QBL_ALLOC_CATCH
 }
 
-// A task that was withdrawn is not being called any more.
+// The custodian no longer runs a task that is deregistered.
 void I18NPooledString::terminate() {
     Starts& starts = qblImmortal<Starts>();
     QBLThreadGuard guard(starts.s_initLock);

@@ -19,8 +19,8 @@ struct Settings {
     bool dumpToFile = false;
 };
 
-/// Values beyond 32 bits become the nearest, on every machine.
-/// @return whether the number is the whole of a text
+/// Values beyond 32 bits become the nearest 32-bit value, on every machine.
+/// @return true if the whole text is a number
 bool parse(const char* text, long& value) {
     char* end = nullptr;
     value = static_cast<long>(
@@ -31,7 +31,7 @@ bool parse(const char* text, long& value) {
 constexpr std::size_t kMostBytes = 16384;
 constexpr std::size_t kMostOfWord = 63;
 
-/// Takes the next word off a text, without what is too long of it.
+/// Removes the next word from a text and returns it, truncated if it is too long.
 std::string_view takeWord(std::string_view& text) {
     constexpr char kBlanks[] = " \t\r\n\v\f";
     text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
@@ -40,19 +40,19 @@ std::string_view takeWord(std::string_view& text) {
     return word.substr(0, kMostOfWord);
 }
 
-/// Whether only the user or the administrator can have decided what is in a file; the user may
-/// have let the own group do so.
+/// Returns true if only the user or the administrator can have written a file. The file may be
+/// writable for the process's own group.
 bool isTrusted(const QBLFileStatus& file) {
     const bool byGroup = (file.mode() & S_IWGRP) != 0 && file.group() != getegid();
     return (file.user() == geteuid() || file.user() == 0) && !byGroup &&
            (file.mode() & S_IWOTH) == 0;
 }
 
-/// Reads the beginning of the file. A pipe or a device, which could keep the custodian waiting, is
-/// none, and neither is what somebody else has put there: it would have the texts of the program
-/// written to the disk.
+/// Reads the beginning of the file. Ignores a pipe or a device, which could block the custodian,
+/// and a file that somebody else has put there, which could make the program write its texts to the
+/// disk.
 /// @param length  receives the number of bytes; 0 if there is no such file
-/// @return false if it might be there, but could not be opened or read.
+/// @return false if the file may exist but could not be opened or read
 bool readFile(char (&bytes)[kMostBytes], std::size_t& length) {
     length = 0;
     QBLFileStatus status;
@@ -68,8 +68,8 @@ bool readFile(char (&bytes)[kMostBytes], std::size_t& length) {
     return got >= 0;
 }
 
-/// What is not a number, or an interval below 0, leaves what holds without it.
-/// @return false if that is not known yet.
+/// A value that is not a number, or an interval below 0, leaves the default.
+/// @return false if the file could not be read
 bool readSettings(Settings& settings) {
     char bytes[kMostBytes];
     std::size_t length = 0;
@@ -77,7 +77,7 @@ bool readSettings(Settings& settings) {
     std::string_view rest(bytes, length);
     while (!rest.empty()) {
         const std::string_view key = takeWord(rest), number = takeWord(rest);
-        // The last word of a longer file may be half of one.
+        // The last word of a longer file may be truncated.
         if (number.empty() || (rest.empty() && length == kMostBytes)) break;
         char text[kMostOfWord + 1] = "";
         number.copy(text, kMostOfWord);
@@ -101,7 +101,7 @@ I18NPooledStringCustodian::I18NPooledStringCustodian(std::time_t (*clock)(std::t
 int I18NPooledStringCustodian::doIt(int terminating) {
     if (terminating != 0) m_dropped = true;
     Settings settings;
-    // Until they can be read, the defaults hold.
+    // The defaults apply until the file can be read.
     if (!I18NPooledString::s_init && readSettings(settings)) {
         I18NPooledString::s_interval = settings.interval;
         I18NPooledString::s_dumpToFile = settings.dumpToFile;

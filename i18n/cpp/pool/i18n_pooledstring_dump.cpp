@@ -17,8 +17,8 @@ namespace {
 
 using Entry = I18NPooledStringEntry;
 
-/// The file for dumps, to append to; -1 if it cannot be had. Its name can be foreseen: what
-/// somebody else has put there, or could read, gets no texts.
+/// Opens the file for dumps, to append to; returns -1 on failure. Its name is predictable, so a
+/// file that somebody else has put there or could read gets no texts.
 int openDumpFile() {
     char name[48];
     std::snprintf(name, sizeof name, "I18NPooledStringDump%lu.log",
@@ -32,7 +32,7 @@ int openDumpFile() {
 
 int capped(std::int64_t sum) { return static_cast<int>(std::min<std::int64_t>(sum, INT_MAX)); }
 
-/// Writes by a format of printf, short texts only.
+/// Writes with a format of printf(); for short texts only.
 template <class... Arguments>
 void print(std::ostream& out, const char* format, Arguments... arguments) {
     char line[80];
@@ -75,7 +75,7 @@ void I18NPooledString::I18NPooledStringPool::clear() noexcept {
     for (int i = 0; i < 2; ++i) i18n_places::trim();
 }
 
-// A purge does not fail for its dump.
+// A failed dump does not make the purge fail.
 void I18NPooledString::I18NPooledStringPool::dumpToFile() {
     const int fd = openDumpFile();
     if (fd < 0) {
@@ -85,7 +85,7 @@ void I18NPooledString::I18NPooledStringPool::dumpToFile() {
     bool written = false;
     const bool done = tavContain([&] {
         __gnu_cxx::stdio_filebuf<char> file(fd, std::ios::out);
-        if (!file.is_open()) ::close(fd);  // for want of memory
+        if (!file.is_open()) ::close(fd);  // memory is exhausted
         std::ostream out(&file);
         dump(out);
         written = !out.flush().fail();

@@ -1,4 +1,5 @@
-// The operations of I18NString that take a holder of the pool, whose header no string needs.
+// The operations of I18NString that take a holder of the pool. They are here since no string needs
+// its header.
 
 #include "i18n/cpp/i18n_pooledstring.hpp"
 #include "i18n/cpp/i18n_string.hpp"
