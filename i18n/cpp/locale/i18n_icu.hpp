@@ -7,21 +7,24 @@ U_NAMESPACE_BEGIN
 class Locale;
 U_NAMESPACE_END
 
-/// Gives ICU a data directory: the installation's bin directory, or the working directory if the
-/// process has none either. Called before anything that makes ICU read data; only the first call
-/// does anything, since ICU allows no change while it is in use. The data linked to ICU stays the
-/// first choice, so that no file that happens to lie there can take its place. Defined by the
-/// resources, which find the bin directory: this is the one function here that calls an area above.
+/// Gives ICU a data directory: the installation's bin directory. If there is none and the process
+/// has not set a data directory, this is the working directory. Every function that makes ICU read
+/// data calls this first. Only the first call has an effect, since ICU does not allow a change
+/// while it is in use. Data that is linked to ICU takes precedence, so that no file in the
+/// directory can replace it. The resources define this function, since they find the bin directory:
+/// it is the only function here that calls an area above.
 /// @throws QBLOutOfMemoryError
 void i18nPrepareICU();
-/// Makes what ICU makes once and would fail to give for ever after, had it no memory then.
+/// Makes the objects that ICU makes only once. If ICU had no memory at that time, it would never
+/// provide them.
 /// @throws QBLOutOfMemoryError, I18NRuntimeError
 void i18nWarmUpICU();
 /// The process's default locale.
-/// @throws QBLOutOfMemoryError when ICU has to find it out and has no memory
+/// @throws QBLOutOfMemoryError if ICU has no memory to determine the locale
 const icu::Locale& i18nDefaultLocale();
-/// ICU's first name of an encoding; null for one that it does not know. Lives as long as ICU.
-/// @throws QBLOutOfMemoryError, as ICU needs memory to read its table of names
+/// Returns ICU's first name of an encoding, which lives as long as ICU; null for an unknown
+/// encoding.
+/// @throws QBLOutOfMemoryError if ICU has no memory to read its table of names
 const char* i18nCanonicalEncoding(const char* encoding);
 
 #endif

@@ -15,8 +15,8 @@
 
 namespace {
 
-/// ICU reports exhausted memory by a null pointer or a bogus object, which is also what it makes of
-/// a name that cannot be a locale's.
+/// ICU reports exhausted memory by a null pointer or a bogus object. It also makes a bogus object
+/// for a name that is no locale name.
 void* checked(icu::Locale* made, bool mayBeBogus) {
     if (made != nullptr && (mayBeBogus || !made->isBogus())) return made;
     delete made;
@@ -25,7 +25,7 @@ void* checked(icu::Locale* made, bool mayBeBogus) {
 
 const icu::Locale& icuOf(const I18NLocale& locale) { return *locale.getICULocale(); }
 
-/// "de_DE.UTF-8@euro" without ".UTF-8", which ICU would take for a part of the name.
+/// Returns "de_DE@euro" for "de_DE.UTF-8@euro": ICU would take ".UTF-8" for a part of the name.
 std::string withoutEncoding(const char* id) {
     std::string name(id);
     const std::size_t keywords = std::min(name.find('@'), name.size());
@@ -34,7 +34,7 @@ std::string withoutEncoding(const char* id) {
     return name;
 }
 
-/// ICU takes a name with a "/" for the path of a file, and trusts what is in it.
+/// ICU takes a name with a "/" for the path of a file, and trusts the contents of that file.
 icu::Locale* withoutPath(icu::Locale* locale) {
     if (locale == nullptr) return locale;
     const std::string_view name(locale->getName());

@@ -5,8 +5,8 @@
 
 #include "i18n/cpp/i18n_locale.hpp"
 
-/// Language, country and variant, as in "fr_FR_EURO", without what else a name may have: the script
-/// and keywords. Things that are known by locales are known by this name, if not by the whole one.
+/// Returns language, country and variant, such as "fr_FR_EURO", without the script and the keywords
+/// that a name may also have. Searches by locale use the whole name first and then this one.
 std::string i18nPlainName(const I18NLocale& locale);
 
 #endif

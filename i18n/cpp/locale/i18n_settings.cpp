@@ -13,7 +13,7 @@
 
 namespace {
 
-/// All settings that were ever published.
+/// All settings that have been published.
 struct Published {
     QBLThreadCriticalSection lock{0};
     std::vector<std::unique_ptr<const I18NSettings>> all QBL_GUARDED_BY(lock);
@@ -57,7 +57,7 @@ bool I18NSettings::operator==(const I18NSettings& other) const {
 bool I18NSettings::isNonNormalizable(std::u16string_view text) const {
     const std::vector<char32_t>& all = nonNormalizable;
     if (all.empty()) return false;
-    // Few texts have a unit that any of them could begin with.
+    // Few texts have a unit that any of these characters could begin with.
     const bool pairs = all.back() > 0xFFFF;
     const char32_t first = pairs ? std::min<char32_t>(all.front(), 0xD800) : all.front();
     const char32_t last = pairs ? 0xFFFF : all.back();

@@ -10,10 +10,10 @@
 #include "i18n/cpp/converter/i18n_replacement_tables.hpp"
 #include "i18n/cpp/i18n_locale.hpp"
 
-/// What the resource file says of a locale.
+/// The settings of a locale in the resource file.
 struct I18NLocaleSettings {
-    std::string name;    // as the file has it
-    bool inUse = false;  // otherwise the rest does not count
+    std::string name;    // as in the file
+    bool inUse = false;  // if false, the rest is ignored
     unsigned short lcid = 0;
     std::string defaultVariant;
     std::string csvEncoding;
@@ -21,41 +21,40 @@ struct I18NLocaleSettings {
     bool operator==(const I18NLocaleSettings& other) const;
 };
 
-/// What the resource file "i18n_res.xml" says; constant once loaded.
+/// The settings of the resource file "i18n_res.xml"; constant once loaded.
 struct I18NSettings {
     float utf8BytesPerCodePoint = 2.5F;
     bool replaceScaledZero = false;
     bool negativeZero = false;
-    std::vector<char32_t> nonNormalizable;  // sorted, each once
-    /// The same number for the same list; 0 for lists that got none, of which there may be many.
+    std::vector<char32_t> nonNormalizable;  // sorted, without duplicates
+    /// The same number for the same list; 0 for an empty list and for lists beyond kMostLists.
     int nonNormalizableID = 0;
     std::map<char32_t, char32_t> jaSubstitutions;
-    std::map<std::string, I18NLocaleSettings, std::less<>> locales;  // by canonical names
+    std::map<std::string, I18NLocaleSettings, std::less<>> locales;  // by canonical name
     I18NReplacementTables replacements;
 
     bool operator==(const I18NSettings& other) const;
 
-    /// Whether a text has one of the characters that must not be normalised.
+    /// Returns true if a text has a character that must not be normalised.
     bool isNonNormalizable(std::u16string_view text) const;
-    /// What stands for a character in Japanese text; itself for most.
+    /// Returns the character that replaces another one in Japanese text; usually the character
+    /// itself.
     char32_t getJaSubstitution(char32_t codePoint) const;
-    /// Replaces characters in Japanese text. @return whether there were any
-    /// @throws std::bad_alloc, std::length_error, with nothing changed
+    /// Replaces characters in Japanese text. @return true if there were any
+    /// @throws std::bad_alloc, std::length_error; nothing is changed then
     bool substituteJa(std::u16string& text) const;
-    /// @return what the settings of the locale are, if they are in use; else null.
+    /// @return the settings of the locale if they are in use, else null
     const I18NLocaleSettings* find(const I18NLocale& locale) const;
 
-    /// Those that count now: the defaults until some are published.
+    /// Returns the settings in force: the defaults until others are published.
     ///
-    /// Threads: any thread. Strings and converters look things up whenever they are used, while the
-    /// layer starts and stops too, so settings that were published once are never changed or
-    /// destroyed.
+    /// Threads: any thread. Strings and converters use the settings at any time, including the
+    /// start and the stop of the layer. So published settings are never changed or destroyed.
     static const I18NSettings& now();
-    /// Makes settings count, or the defaults for null. Settings that say the same as earlier ones
-    /// are not kept beside them.
-    /// @throws std::bad_alloc, with nothing changed
+    /// Puts settings into force, or the defaults for null. Reuses earlier settings that are equal.
+    /// @throws std::bad_alloc; nothing is changed then
     static void publish(std::unique_ptr<I18NSettings> settings);
-    static constexpr int kMostLists = 3;  ///< that get a number of their own
+    static constexpr int kMostLists = 3;  ///< lists that get a number
 };
 
 #endif
