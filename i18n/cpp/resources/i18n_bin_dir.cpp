@@ -23,7 +23,7 @@ constexpr unsigned short kReadableFile = S_IFREG | S_IRUSR;
 constexpr unsigned short kDirectory = S_IFDIR | S_IXUSR;
 constexpr std::size_t kLongestLink = 4096;
 
-/// @throws std::bad_alloc when the system had no memory to look
+/// @throws std::bad_alloc if the system had no memory to examine the path
 bool exists(const std::string& path, unsigned short mode) {
     const bool found = QBLFmDir::exists(path.c_str(), mode);
     if (!found && errno == ENOMEM) throw std::bad_alloc();
@@ -35,7 +35,8 @@ std::string joined(std::string base, const char* relative) {
     return base;
 }
 
-/// Empty in a program that runs with more rights than whoever started it and set the variables.
+/// Returns an empty text in a program that has more rights than the user who started it and set its
+/// variables.
 std::string environment(const char* name) {
     const char* value = secure_getenv(name);
     return value != nullptr ? value : "";
@@ -75,7 +76,7 @@ struct Free {
     void operator()(char* text) const { std::free(text); }
 };
 
-/// The directory that the library was loaded from; empty if that is not known.
+/// Returns the directory that the library was loaded from; empty if it is not known.
 std::string libraryDirectory() {
     Dl_info library;
     if (dladdr(reinterpret_cast<const void*>(&libraryDirectory), &library) == 0 ||

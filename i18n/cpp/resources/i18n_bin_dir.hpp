@@ -4,30 +4,31 @@
 #include <string>
 
 /// Finds the installation's bin directory, unless an earlier call has found it. The first of these
-/// that names one counts; an empty variable is as good as none:
+/// places that gives a directory counts; an empty environment variable is ignored:
 ///
 ///  - the environment variable TAV_EXEC_PATH;
 ///  - ./bin below TAV_ROOT;
 ///  - the first directory of LD_LIBRARY_PATH that holds a readable libQBLCore.so;
 ///  - ../bin if there is a readable ../configuration/tavstartup.xml;
-///  - ./bin below what the first line of ./tavroot.link names, of which 4096 bytes count.
+///   - ./bin below the directory that the first line of ./tavroot.link names (at most 4096 bytes).
 ///
-/// Threads: any thread, as long as none changes the environment.
+/// Threads: any thread, as long as no thread changes the environment.
 /// @throws QBLOutOfMemoryError
 void determineBinDir();
 
-/// @return the directory that was found; empty if none was, or nobody has looked yet.
+/// @return the directory that was found; empty if none was found or determineBinDir() was not
+///     called
 std::string i18nBinDir();
 
-/// Puts the bin directory in the place of "$@" at the beginning of a path. While there is none, the
-/// path is what follows "$@", and so relative to the working directory.
+/// Replaces "$@" at the beginning of a path by the bin directory. If none is known, removes "$@",
+/// so that the path is relative to the working directory.
 std::string i18nResolveBinDir(const std::string& path);
 
-/// Where the installed files that every architecture shares are: share/qblcore beside the directory
-/// of the library, or beside the one above it, for lib/ARCHITECTURE. Links to directories are
-/// followed first, so that a library loaded as /lib/... has the files of /usr.
-/// @return the first that is a directory, or else the first; empty if the library's own place is
-///     not known.
+/// Returns the directory of the installed files that all architectures share: share/qblcore next to
+/// the directory of the library, or next to the parent of that directory, for lib/ARCHITECTURE.
+/// Symbolic links are resolved first, so that a library loaded as /lib/... uses the files of /usr.
+/// @return the first of the two that is a directory, else the first; empty if the library's
+///     directory is not known
 std::string i18nShareDirectory();
 
 #endif

@@ -1,4 +1,4 @@
-// The one operation of I18NConverter that needs the resources.
+// The only operation of I18NConverter that needs the resources.
 
 #include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/i18n_internal_resources.hpp"

@@ -12,24 +12,24 @@
 #include "i18n/cpp/locale/i18n_settings.hpp"
 #include "i18n/cpp/resources/i18n_locale_resources.hpp"
 
-/// A transliterator of ICU, made when it is first asked for.
+/// A transliterator of ICU, made on first use.
 struct I18NLazyTransliterator {
     std::unique_ptr<icu::Transliterator> made;
 
     const icu::Transliterator* get(const char16_t* name, const char* rules, const char* failure);
 };
 
-/// A text that should be a code: its characters that are not ASCII become "?".
+/// Converts a text that should be a code; characters beyond ASCII become "?".
 std::string i18nCodeOf(const std::u16string& text);
 
-/// Whose files have what is the same in all languages.
+/// The locale whose files hold what is the same in all languages.
 const I18NLocale& i18nEnglish();
 
 struct I18NInternalResources::Data {
-    /// Copies the value of a key. @return false when the map has no such key.
+    /// Copies the value of a key. @return false if the map has no such key
     bool find(const I18NMapSource& source, const I18NLocale& locale, const char* key,
               std::u16string& value);
-    /// The same for values that are codes, in a table that is the same for all languages.
+    /// The same for values that are codes, from a table that is the same for all languages.
     bool findCode(const I18NMapSource& source, const char* key, std::string& code);
 
     std::atomic<bool> replaceScaledZero{false};
@@ -41,7 +41,7 @@ struct I18NInternalResources::Data {
     std::vector<I18NLocale> locales QBL_GUARDED_BY(lock);
     std::vector<const char*> timeZoneIDs QBL_GUARDED_BY(lock);  // keys of the English map
 
-    I18NLocaleResources maps;  // has the other lock
+    I18NLocaleResources maps;  // has a lock of its own
 };
 
 #endif

@@ -29,7 +29,7 @@ struct ResPath {
 
 struct Instance : I18NInternalResources {};
 
-/// Where "$@" begins the path of an installed file, whatever the bin directory is.
+/// Returns a path in the share directory for a path that begins with "$@".
 std::string inShareDirectory(const std::string& path) {
     std::string whole = i18nShareDirectory();
     QBLFmDir::joinPath(whole, path.c_str() + 2);

@@ -29,7 +29,8 @@ constexpr const char* kSupportedLocales[] = {
 const char kUnknownLanguage[] = "en-us";
 const char kRootLocale[] = "root";
 
-/// Encodings by languages, each between blanks, and for all others at the end.
+/// The encoding for each list of languages, which have blanks around them. kOtherEncoding is for
+/// all others.
 struct LanguageEncoding {
     std::string_view languages;
     const char* encoding;

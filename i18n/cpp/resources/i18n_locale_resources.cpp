@@ -29,8 +29,8 @@ const char kTimePeriodBase[] = "./qbli18nrestp_";
 const char kTimeZoneBase[] = "./qbli18nrestz_";
 const char kLocaleBase[] = "./qbli18nreslc_";
 
-// Names of locales may come from a program's clients; beyond this many, and for longer ones, files
-// are looked for anew.
+// Names of locales may come from a program's clients. Beyond this number of locales, and for longer
+// names, the files are searched for each time.
 constexpr std::size_t kMostLocales = 4096;
 constexpr std::size_t kLongestName = 256;
 
@@ -65,7 +65,7 @@ bool isPlainName(const std::string& name) {
                        [](unsigned char c) { return std::isalnum(c) != 0 || c == '_'; });
 }
 
-/// The names to look for, the most special one first.
+/// Returns the names to search for, from the most specific to the least.
 std::vector<std::string> namesOf(const I18NLocale& locale) {
     std::vector<std::string> names;
     if (locale.isValid()) {
@@ -77,7 +77,8 @@ std::vector<std::string> namesOf(const I18NLocale& locale) {
             name.append("_").append(part);
             if (!isPlainName(name)) continue;
             names.insert(names.begin(), name);
-            // Variants are in upper case, but files may have them as the list of locales does.
+            // ICU gives variants in upper case, but the names of files may have the case of the
+            // list of locales.
             std::string lower = name;
             std::transform(lower.begin() + static_cast<std::ptrdiff_t>(before), lower.end(),
                            lower.begin() + static_cast<std::ptrdiff_t>(before),
@@ -90,7 +91,7 @@ std::vector<std::string> namesOf(const I18NLocale& locale) {
 }
 
 std::u16string fromUTF8(const std::string& text) {
-    // No code point, and no byte that is replaced, needs more units than bytes.
+    // Every code point, and every byte that is replaced, needs at most as many units as bytes.
     std::u16string result(text.size(), u'\0');
     const auto size = static_cast<int32_t>(text.size());
     int32_t length = 0;
@@ -146,22 +147,22 @@ private:
 
     const I18NMapSource& m_source;
     I18NResourceMap& m_map;
-    std::string m_table;                // that the current line is in
-    std::optional<std::string> m_name;  // of an entry whose value is to come
+    std::string m_table;                // around the current line
+    std::optional<std::string> m_name;  // of an entry whose value follows
 };
 
 }  // namespace
 
 namespace {
 
-/// A place that a file may be at, and the name of the locale it is for.
+/// A path where a file may be, and the name of the locale that it is for.
 struct Place {
     std::string path;
     std::string name;
 };
 
 std::vector<Place> placesOf(const char* base, const I18NLocale& locale) {
-    // Those who ask before the start of the layer find the same as later.
+    // Calls before the start of the layer find the same files as later calls.
     determineBinDir();
     const std::string directories[] = {i18nBinDir(), std::string(), i18nShareDirectory()};
     std::vector<Place> places;
@@ -190,7 +191,7 @@ bool findResourceFile(std::string& path, std::string& name, const char* base,
     return false;
 }
 
-// What could not be read is not kept: whoever asks next looks again.
+// A map that could not be read is not kept, so the next call reads it again.
 std::shared_ptr<const I18NResourceMap> I18NLocaleResources::load(const I18NMapSource& source,
                                                                  const I18NLocale& locale) {
     auto map = std::make_shared<I18NResourceMap>();

@@ -10,12 +10,12 @@
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "i18n/cpp/i18n_internal_resources.hpp"
 
-/// What one of the maps is read from.
+/// Where the entries of a map are read from.
 struct I18NMapSource {
-    const char* base;       ///< of the name of the files
-    const char* table;      ///< the element that the entries are in; "" for those outside of tables
-    const char* attribute;  ///< that holds the value; "" for the first after the name
-    const char* failure;    ///< of the error when there is no entry; null if there may be none
+    const char* base;       ///< the beginning of the file names
+    const char* table;      ///< the element around the entries; "" for entries outside tables
+    const char* attribute;  ///< of the value; "" for "value", or any of a value element
+    const char* failure;    ///< the error text if there is no entry; null for no error
 };
 
 extern const I18NMapSource kI18NCurrencySymbols;
@@ -30,30 +30,30 @@ extern const I18NMapSource kI18NTimeZones;
 extern const I18NMapSource kI18NLocaleNames;
 extern const I18NMapSource kI18NLocaleOfLanguage;
 
-/// Looks for a per-locale file: base + name + ".xml", where name is language, country and variant,
-/// then without the variant, then the language alone, then "en"; each in the bin directory, then in
-/// the working directory, then in share/qblcore of the installation. A variant is looked for in
-/// upper and then in lower case. A locale whose name has other characters than letters, digits and
-/// "_" in these parts only finds "en". Files that we may not read are passed over.
-/// @param path, name  receive the file that was found, and which name it has
-/// @return false also when a place could not be looked at
-/// @throws std::bad_alloc when that was for want of memory
+/// Finds the resource file for a locale: base + name + ".xml". The names are language, country and
+/// variant; then without the variant; then the language alone; then "en". Each name is searched for
+/// in the bin directory, then in the working directory, then in the installation's share/qblcore. A
+/// variant is searched for in upper case and then in lower case. Names with other characters than
+/// letters, digits and "_" are skipped, as are files that the process may not read.
+/// @param path, name  receive the path of the file and the name that was found
+/// @return false also if a place could not be examined
+/// @throws std::bad_alloc if memory was exhausted
 bool findResourceFile(std::string& path, std::string& name, const char* base,
                       const I18NLocale& locale);
 
-/// The maps of all locales, each loaded when it is first asked for, and again if its file could not
-/// be read then. An entry of a file is an element with a name and a value, or one with a name
-/// followed by one with the value, or an element with only a value, which is named like itself. The
-/// last of entries with the same name counts.
+/// The maps of all locales. Each map is loaded on first use, and again if its file could not be
+/// read then. An entry of a file is one of three: an element with a name and a value; an element
+/// with a name, followed by an element with the value; or an element with only a value, whose name
+/// is its tag. If entries have the same name, the last one counts.
 ///
-/// Threads: any thread; clear() only while no other uses a map.
+/// Threads: any thread; clear() requires that no other thread uses a map.
 class I18NLocaleResources {
 public:
-    /// @return the map for a locale, as of the file that findResourceFile finds; empty if it finds
-    ///     none, valid until clear().
-    /// @throws I18NRuntimeError with the source's failure for a map without entries.
+    /// @return the map for a locale, from the file that findResourceFile() finds; empty if there is
+    ///     no file. Valid until clear()
+    /// @throws I18NRuntimeError with the source's failure if the map has no entries
     const I18NResourceMap& get(const I18NMapSource& source, const I18NLocale& locale);
-    /// @return null when the map has no such key.
+    /// @return null if the map has no such key
     const std::u16string* find(const I18NMapSource& source, const I18NLocale& locale,
                                const char* key);
     void clear();
@@ -66,7 +66,7 @@ private:
                                                 const I18NLocale& locale) QBL_REQUIRES(m_lock);
 
     QBLThreadCriticalSection m_lock{0};
-    // Locales without a file of their own share the map of another's.
+    // Locales without a file of their own share the map of another locale.
     Maps m_byLocale QBL_GUARDED_BY(m_lock);
     Maps m_byPath QBL_GUARDED_BY(m_lock);
 };

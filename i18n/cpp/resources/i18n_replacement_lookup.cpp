@@ -6,7 +6,7 @@ namespace {
 
 constexpr wchar_t kNoCharacter = 0xFFFF;
 
-/// @return the canonical name of an encoding, if the arguments are good; else null.
+/// @return the canonical name of an encoding if the arguments are valid, else null
 const char* check(const char* encoding, bool given, I18NErrorCodes* error) {
     I18NErrorCodes ignored = I18N_OK;
     I18NErrorCodes& result = error != nullptr ? *error : ignored;
@@ -29,7 +29,7 @@ bool I18NInternalResources::getReplacementSequence(const char* encoding, wchar_t
     const std::string* found =
         I18NSettings::now().replacements.findOutput(canonical, static_cast<char32_t>(character));
     if (found == nullptr) return false;
-    // The callers' type; none of them writes through it.
+    // The type is that of the callers, who do not write to the bytes.
     *bytes = reinterpret_cast<unsigned char*>(const_cast<char*>(found->data()));
     *length = static_cast<int>(found->size());
     return true;

@@ -23,7 +23,7 @@ struct Attribute {
     std::string_view value;
 };
 
-/// Takes the next attribute, up to the closing quote of its value, off the rest of a line.
+/// Removes the next attribute, up to the closing quote of its value, from the rest of a line.
 std::optional<Attribute> takeAttribute(std::string_view& rest) {
     const std::size_t open = rest.find('"');
     const std::size_t close = open < rest.size() ? rest.find('"', open + 1) : open;
@@ -47,7 +47,7 @@ locale_t cLocale() {
     return kPlain;
 }
 
-/// Where a text stands in a line outside of quotes, from the end; npos if it does not.
+/// Returns the last position of a text outside quotes; npos if there is none.
 std::size_t findLastUnquoted(std::string_view line, std::string_view text) {
     std::size_t last = std::string_view::npos;
     bool quoted = false;

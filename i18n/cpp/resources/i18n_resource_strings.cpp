@@ -1,4 +1,4 @@
-// The operations of I18NInternalResources that take or give strings.
+// The operations of I18NInternalResources that take or return strings.
 
 #include <unicode/locid.h>
 
@@ -12,14 +12,14 @@
 
 namespace {
 
-// By wide characters, which leave the string its settings.
+// Assigns wide characters, so that the string keeps its settings.
 void set(I18NString& string, const std::u16string& text) {
     QBL_ALLOC_TRY
     string = std::wstring(text.begin(), text.end()).c_str();
     I18N_ALLOC_CATCH
 }
 
-/// Fills a string by an operation that fills a text. @return what that gives
+/// Fills a string by an operation that fills a u16string. @return the operation's result
 template <class Fill>
 bool fill(I18NString& string, Fill operation) {
     std::u16string text;

@@ -13,9 +13,9 @@
 
 namespace {
 
-constexpr float kMostBytesPerCodePoint = 4.0F;  // what UTF-8 needs at most
+constexpr float kMostBytesPerCodePoint = 4.0F;  // the maximum in UTF-8
 constexpr std::size_t kMostEntries = 1000000;   // of all replacement tables together
-constexpr std::size_t kLongestSequence = 32;    // what the converters' callbacks have room for
+constexpr std::size_t kLongestSequence = 32;    // the room in the converters' callbacks
 
 bool isTrue(const std::string& word) { return strcasecmp(word.c_str(), "true") == 0; }
 
@@ -25,7 +25,8 @@ std::optional<char32_t> codePointOf(const std::string& text) {
     return static_cast<char32_t>(*number);
 }
 
-/// A list of byte values as the bytes; nothing if an item is no byte or they are too many.
+/// Converts a list of byte values to bytes; returns nothing if an item is no byte or there are too
+/// many.
 std::optional<std::string> bytesOf(const std::string& list) {
     std::string bytes;
     for (const std::string& item : i18nSplitList(list)) {
@@ -36,7 +37,7 @@ std::optional<std::string> bytesOf(const std::string& list) {
     return bytes;
 }
 
-/// Goes through the elements of a file, with what the ones around the current one said.
+/// Reads the elements of a file, and keeps the context that enclosing elements set.
 class Loader {
 public:
     explicit Loader(I18NSettings& settings)
@@ -95,7 +96,7 @@ private:
         if (m_direction == Direction::kInput) addInput(*value);
         if (m_direction == Direction::kOutput) addOutput(*value);
     }
-    /// A line can stand for as many entries as ICU has encodings.
+    /// One line can add as many entries as ICU has encodings.
     bool hasRoom() {
         m_iEntries += m_encodings.size();
         return m_iEntries <= kMostEntries;
@@ -126,7 +127,7 @@ private:
             if (const auto codePoint = codePointOf(item)) all.push_back(*codePoint);
     }
     void readScaledZero(const I18NResourceReader& reader) {
-        // Without a value of its own it leaves the word to an allowReplace element.
+        // An element without a value leaves the setting to an allowReplace element.
         if (const auto value = reader.getXMLElementValue())
             m_settings.replaceScaledZero = isTrue(*value);
     }
@@ -162,7 +163,7 @@ private:
         if (m_pLocale != nullptr && i18nCanonicalEncoding(name.c_str()) != nullptr)
             m_pLocale->csvEncoding = name;
     }
-    // Known, so that files may have it; there is only one way to manage memory.
+    // Known because files may contain it; it has no effect.
     void skip(const I18NResourceReader&) {}
 
     I18NSettings& m_settings;

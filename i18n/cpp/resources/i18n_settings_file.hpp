@@ -6,10 +6,11 @@
 
 #include "i18n/cpp/locale/i18n_settings.hpp"
 
-/// Reads a resource file. What is not understood, a number out of its range, an encoding that
-/// ICU does not know, is left out, and nothing else with it.
-/// @param seen  receives whether the file could be looked at; one that is not there could
-/// @return null when the file cannot be opened or read.
+/// Reads a resource file. An invalid item, such as a number out of range or an encoding that ICU
+/// does not know, is left out, and nothing else is.
+/// @param seen  receives whether the file could be examined; true also for a file that does not
+///     exist
+/// @return null if the file cannot be opened or read
 std::unique_ptr<I18NSettings> i18nLoadSettings(const std::string& path, bool& seen);
 
 #endif

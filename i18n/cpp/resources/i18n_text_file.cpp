@@ -15,7 +15,7 @@ constexpr std::size_t kLargestFile = std::size_t{16} << 20;
 }  // namespace
 
 I18NTextFile::I18NTextFile(const char* path) {
-    // Without waiting: whatever is no regular file may have no end, or nobody who writes to it.
+    // Does not block: a file that is not regular may have no end, or no process that writes to it.
     const int fd = open64(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (fd < 0) {
         settle(errno);

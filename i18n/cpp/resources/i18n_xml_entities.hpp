@@ -3,13 +3,13 @@
 
 #include <string>
 
-/// Replaces &lt; &gt; &amp; &apos; and &quot; by their characters, once: what comes out is not
-/// looked at again, so "&amp;lt;" gives "&lt;". Names in other case, entities by number and what
-/// is cut off stay as they are.
+/// Replaces &lt; &gt; &amp; &apos; and &quot; by the characters that they stand for. The result is
+/// not searched again, so "&amp;lt;" gives "&lt;". Names in other case, numeric entities and
+/// truncated entities stay as they are.
 void i18nReplaceXMLEntities(std::string& utf8);
 void i18nReplaceXMLEntities(std::u16string& text);
 
-/// The same as rules of an ICU transliterator.
+/// The same replacements as rules of an ICU transliterator.
 extern const char kI18NXMLEntityRules[];
 
 #endif
