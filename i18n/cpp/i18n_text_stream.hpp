@@ -45,7 +45,7 @@ public:
 
     /// put() and finish() call this in the order of the text, before the policy applies. It must
     /// not use the stream, except I18NTextStream::replaceBy(). If it throws, put() or finish()
-    /// passes the exception on, and the stream ends before the reported place.
+    /// passes the exception on, and the output ends before the reported place.
     virtual void unconvertible(const I18NUnconvertible& what) = 0;
 };
 
@@ -66,8 +66,8 @@ enum I18NByteOrderMark {
 ///
 /// The output of some ICU converters depends on how much text they get at a time: those to SCSU,
 /// BOCU-1, LMBCS, HZ, compound text and UTF-16 with a version in its name. The stream passes them
-/// portions of one size, so the output of a put() may come with a later one. That output may differ
-/// from the output of I18NConverter, which passes the whole text at once, but stands for the same
+/// portions of one size, so the output of a put() may come with a later one. The output may differ
+/// from that of I18NConverter, which passes the whole text at once. It still stands for the same
 /// text.
 ///
 /// The policies of the converters that the stream is made with decide what happens to text that is
@@ -77,9 +77,9 @@ enum I18NByteOrderMark {
 /// them ignorable, such as U+200B; I18N_STOP does not stop at these.
 ///
 /// Some ICU converters need care. The converter to compound text drops characters that it lacks; a
-/// stream applies the policy to them instead. ISCII loses U+0A70, U+0A71, U+200C and U+200D, and
-/// LMBCS loses U+FFFE and U+FFFF, and ICU does not report that. Once the converter to ISCII has
-/// refused a character, it also converts and refuses others wrongly.
+/// stream applies the policy to them instead. U+0A70, U+0A71, U+200C and U+200D in ISCII, and
+/// U+FFFE and U+FFFF in LMBCS, do not survive a round trip; ICU does not report that. Once the
+/// converter to ISCII has refused a character, it also converts and refuses others wrongly.
 ///
 ///     I18NTextStream stream(&shiftJIS, &utf8);
 ///     while (const std::size_t size = read(block)) {
