@@ -8,12 +8,12 @@
 /// What a converter does with text that it cannot convert. Input means bytes that are converted to
 /// Unicode, and output means Unicode that is converted to bytes.
 enum I18NUnconvertiblePolicy {
-    I18N_ESCAPE = 0,      ///< writes it in digits: %X80, %U4E00
-    I18N_LOOKUP = 1,      ///< asks the tables of the resource file; without an entry, input becomes
+    I18N_ESCAPE = 0,      ///< writes it in hexadecimal: %X80, %U4E00
+    I18N_LOOKUP = 1,      ///< uses the tables of the resource file; without an entry, input becomes
                           ///< U+FFFF and output the encoding's substitution character
-    I18N_SUBSTITUTE = 2,  ///< the encoding's substitution character; of input that is U+FFFD, or
-                          ///< U+001A where its table says so
-    I18N_USER_DEFINED = 3,  ///< asks a function of the caller's
+    I18N_SUBSTITUTE = 2,  ///< writes the encoding's substitution character; for input, this is
+                          ///< U+FFFD, or U+001A if the encoding's table says so
+    I18N_USER_DEFINED = 3,  ///< calls a function of the caller
     I18N_STOP = 4           ///< the conversion fails with I18N_CONVERSION
 };
 

@@ -70,7 +70,7 @@ public:
     /// The number of bytes per code point to expect when memory for UTF-8 is allocated: 2.5 unless
     /// the file has another number, at most 4.
     float getUTF8BytesPerCodePoints() const;
-    /// Whether number formats may replace zeros of the scale; false unless the file says otherwise.
+    /// Whether number formats may replace zeros with a scale; false unless the file says otherwise.
     bool isAllowReplaceScaledZero() const;
     void setAllowReplaceScaledZero(bool allow);
     /// Whether number formats may show a negative zero; false unless the file says otherwise.

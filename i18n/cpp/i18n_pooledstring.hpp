@@ -91,8 +91,8 @@ public:
     /// @name Start and stop
     /// @{
 
-    /// Registers the custodian's task unless it is registered. The start of the library calls it;
-    /// calls are counted. A task of the custodian must not call this or terminate().
+    /// Registers the custodian's task unless it is registered. The library calls this when it
+    /// starts; calls are counted. A task of the custodian must not call this or terminate().
     /// @return true if the task is registered now
     /// @throws QBLOutOfMemoryError, QBLStdExceptionError; the call is not counted then
     static bool initialize();

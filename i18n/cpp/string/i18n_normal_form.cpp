@@ -90,7 +90,7 @@ icu::UnicodeString withSortedRuns(const icu::Normalizer2& form, const icu::Unico
     return sorted;
 }
 
-/// What counts of the character before the current one.
+/// What decides whether a character may combine with the one before it.
 struct Front {
     UChar32 last;   // -1 at the beginning of the text
     int lastClass;  // its combining class; 0 for none

@@ -34,7 +34,7 @@ int grown(int present, std::int64_t needed, std::int64_t most) {
 
 constexpr std::int64_t kMostBytes = INT_MAX;
 
-/// Copies between one and two words of bytes by two moves of a fixed size, which may overlap.
+/// Copies one to two words of bytes by two moves of a fixed size, which may overlap.
 /// @return a word in which the top bit of some byte is set if it is set in any byte copied
 template <class Word>
 Word copyTwo(char* out, const char* bytes, std::size_t length) {
@@ -356,8 +356,8 @@ void I18NString::leaveAscii(int units) {
     alias();
 }
 
-// The ICU string only reads the units. Every change is made to the units, and this shows the ICU
-// string the result.
+// The ICU string only reads the units. After each change of the units, this makes the ICU string
+// refer to them again.
 void I18NString::alias() {
     m_pCodeUnits[m_unitLength] = 0;
     m_pUnicodeString->setTo(m_pCodeUnits, m_unitLength, m_unitLength + 1);
@@ -388,7 +388,7 @@ void I18NString::assign(const I18NTextView& text) {
         setFlag(kI18NNormalized, true);
         changed();
     } else if (leaveAscii(); owner != nullptr && !owner->hasFlag(kI18NNoNormalization)) {
-        // The form stays the one that the owner was given, whichever that is.
+        // Keeps the form of the owner's text, whichever that is.
         put(0, m_unitLength, text);
         setFlag(kI18NNormalized, owner->hasFlag(kI18NNormalized) || hasFlag(kI18NNoNormalization));
     } else {

@@ -58,7 +58,7 @@ bool I18NString::hasJapaneseSubstitutions() const {
 }
 
 void I18NString::useNormalization(bool use) {
-    // normalize() has set the flag without a check while normalisation was off.
+    // normalize() may have set the flag without a check while normalisation was off.
     if (use && hasFlag(kI18NNoNormalization) && m_pUnicodeString != nullptr)
         setFlag(kI18NNormalized, false);
     setFlag(kI18NNoNormalization, !use);

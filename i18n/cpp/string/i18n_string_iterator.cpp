@@ -4,7 +4,7 @@
 
 namespace {
 
-// Deliberately the same text as ever, including blanks and names.
+// Deliberately the text of all earlier versions, including its blanks and names.
 const char kRetired[] =
     "QBL_ASSERT_NAMED(FALSE, \"The I18NStringIteratorValue (I18N_ICU_NAMESPACE::UnicodeString "
     "*pString, I18NStringOffset offset) constructor is deprecated.  Please use the alternate "

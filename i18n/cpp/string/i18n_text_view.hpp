@@ -35,8 +35,8 @@ public:
         const bool pair = i18nIsHigh(unit) && i + 1 < m_iLength && i18nIsLow((*this)[i + 1]);
         return pair ? i18nCombine(unit, (*this)[i + 1]) : unit;
     }
-    /// The offset after the code point at an offset, and the offset of the code point before an
-    /// offset.
+    /// next() returns the offset after the code point at an offset. before() returns the offset of
+    /// the code point before an offset.
     int next(int i) const { return i + (codePointAt(i) > 0xFFFF ? 2 : 1); }
     int before(int i) const {
         return i - (i > 1 && i18nIsLow((*this)[i - 1]) && i18nIsHigh((*this)[i - 2]) ? 2 : 1);
