@@ -7,7 +7,7 @@
 
 /// A condition variable. Waits may end without a signal: test the predicate in a loop.
 ///
-/// Threads: any thread may call any operation; a waiter holds the mutex that it passes.
+/// Threads: any thread may call any operation; a waiter must hold the mutex that it passes.
 typedef struct TavCondition TavCondition;
 
 /// Attribute tags of tavXConditionCreate; a list ends with TavConditionAttrEnd.
@@ -22,13 +22,14 @@ TAV_EXTERN_C_BEGIN
 
 /// @param out  receives the condition; null after a failure.
 TAV_API int tavXConditionCreate(TavCondition** out, ...);
-/// Requires: nobody waits.
+/// Requires: no thread waits for the condition.
 TAV_API int tavXConditionDestroy(TavCondition* cv);
 
-/// @param m  held by the caller, and again when the call returns.
+/// @param m  the caller holds it before the call, and holds it again when the call returns.
 TAV_API int tavXConditionWait(TavCondition* cv, pthread_mutex_t* m);
-/// @param ms  counted on the time-of-day clock; TAVTHREAD_INFINITE waits without limit.
-/// @return TAVTHREAD_TIMEOUT when the time ran out; TAVTHREAD_NOTSUPPORTED if there is no clock.
+/// @param ms  milliseconds on the time-of-day clock; TAVTHREAD_INFINITE waits without limit.
+/// @return TAVTHREAD_TIMEOUT when the time ran out; TAVTHREAD_NOTSUPPORTED if the system does not
+///         provide the clock.
 TAV_API int tavXConditionTimedWait(TavCondition* cv, pthread_mutex_t* m, unsigned ms);
 /// Wakes one waiter.
 TAV_API int tavXConditionSignal(TavCondition* cv);

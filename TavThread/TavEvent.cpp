@@ -42,7 +42,7 @@ int tavEventWaitGeneral(TavEvent* e, unsigned ms) {
     while (!tavEventTake(e)) {
         TavCounted waiting(e->waiters);
         const int rc = tavWaitOn(&e->condition, &e->mutex, ms);
-        // A signal that arrives with the end of the time stays for the next waiter.
+        // A signal that arrives just when the time runs out stays for the next waiter.
         if (rc != TAVTHREAD_OK) return rc;
     }
     return TAVTHREAD_OK;
@@ -87,7 +87,7 @@ int tavXEventCreate(TavEvent** out, int manualReset, int setSignaled, ...) {
 
 int tavXEventDestroy(TavEvent* e) {
     if (e == nullptr) return TAVTHREAD_INVALID;
-    { TavHold hold(e->mutex); }  // the signaller of the last wait may not be out of it yet
+    { TavHold hold(e->mutex); }  // the thread that signalled last may still hold it
     const int mutexErr = tavRetry([e] { return pthread_mutex_destroy(&e->mutex); });
     const int conditionErr = tavRetry([e] { return pthread_cond_destroy(&e->condition); });
     delete e;

@@ -3,8 +3,9 @@
 
 #include "TavThread/TavResult.h"
 
-/// A flag to wait for. A manual-reset event lets everybody through from its signal to its reset;
-/// an auto-reset event lets one waiter through per signal, and signals do not add up.
+/// A flag that threads wait for and that a signal sets. A manual-reset event lets all waiters
+/// through from its signal until its reset. An auto-reset event lets one waiter through per signal.
+/// Signals do not add up.
 ///
 /// Threads: any thread may call any operation.
 typedef struct TavEvent TavEvent;
@@ -21,16 +22,17 @@ TAV_EXTERN_C_BEGIN
 
 /// @param out  receives the event; null after a failure.
 TAV_API int tavXEventCreate(TavEvent** out, int manualReset, int setSignaled, ...);
-/// Requires: nobody waits.
+/// Requires: no thread waits for the event.
 TAV_API int tavXEventDestroy(TavEvent* e);
 
 TAV_API int tavXEventWait(TavEvent* e);
-/// A waiter that is woken but finds the signal taken starts a full new timeout.
+/// If a waiter wakes up but another thread has taken the signal, the full timeout starts again.
 /// @param ms  TAVTHREAD_INFINITE waits without limit.
 /// @return TAVTHREAD_TIMEOUT when the time ran out.
 TAV_API int tavXEventTimedWait(TavEvent* e, unsigned ms);
 TAV_API int tavXEventSignal(TavEvent* e);
-/// @return TAVTHREAD_NOTSUPPORTED, always.
+/// Not implemented.
+/// @return TAVTHREAD_NOTSUPPORTED.
 TAV_API int tavXEventPulse(TavEvent* e);
 TAV_API int tavXEventReset(TavEvent* e);
 

@@ -1,7 +1,7 @@
 #ifndef TAVTHREAD_TAVEXPORT_H
 #define TAVTHREAD_TAVEXPORT_H
 
-/// Marks what the thread layer exports; everything else stays inside the shared object.
+/// Exports a function from the shared object. Functions without this mark are hidden in it.
 #define TAV_API __attribute__((visibility("default")))
 
 #ifdef __cplusplus

@@ -14,8 +14,8 @@ constexpr TavAttrTag kTags[] = {TAV_BASIC_ATTR_TAGS,
                                 {"Recursive", " RECURSIVE", TavAttrValue::kNone},
                                 {"TrackOwner", " TRACK OWNER", TavAttrValue::kNone},
                                 {"Flag6", nullptr, TavAttrValue::kNone}};
-constexpr int kLooks = 4;    // at a mutex that is taken
-constexpr int kPauses = 12;  // before the first, twice as many before each next
+constexpr int kLooks = 4;    // tries while the mutex is taken
+constexpr int kPauses = 12;  // before the first try; doubled before each further try
 constexpr TavAttrKind kKind = {"TavMutexAttr", kTags, 7};
 
 TavRecursiveMutex* recursive(TavMutex* m) {
@@ -53,7 +53,8 @@ int create(TavMutex** out, const TavAttributes& attrs) {
     return TAVTHREAD_OK;
 }
 
-/// True, and counted, if the caller already holds the recursive mutex.
+/// Returns true if the caller already holds the recursive mutex. Then counts the lock, or sets rc
+/// to TAVTHREAD_AGAIN if the count is at its limit.
 bool reentered(TavMutex* m, int& rc) {
     TavRecursiveMutex* r = recursive(m);
     if (r == nullptr || !r->mine()) return false;
@@ -62,9 +63,9 @@ bool reentered(TavMutex* m, int& rc) {
     return true;
 }
 
-/// Waits a little, awake, for a holder on another processor: most hold a mutex for less time than
-/// going to sleep and waking up takes. Looking less and less often leaves the holder the cache
-/// line: two threads that contend then get by in less time than by sleeping.
+/// Spins briefly for a holder on another processor: most threads hold a mutex for less time than it
+/// takes to sleep and wake up. The pauses grow, so that the holder keeps the cache line. Two
+/// contending threads then need less time than with sleeping.
 bool tookFromHolder(TavMutex* m) {
     if (!tavSeveralProcessors()) return false;
     for (int i = 0; i < kLooks; ++i) {
@@ -74,7 +75,7 @@ bool tookFromHolder(TavMutex* m) {
     return false;
 }
 
-/// Notes the new holder of a mutex just taken.
+/// Records the caller as the holder of a mutex that it has just taken.
 int taken(TavMutex* m, const char* file, int line) {
     if (TavRecursiveMutex* r = recursive(m)) {
         r->setHolder(&tavThreadMark);

@@ -3,10 +3,10 @@
 
 #include "TavThread/TavResult.h"
 
-/// A mutex: plain, recursive or keeping track of its owner, as its attributes say.
+/// A mutex. Attributes make it recursive or make it track its owner.
 ///
-/// Threads: any thread may call any operation; only the holder unlocks. Usable before the layer
-/// is initialised, except that a tracking mutex cannot record its owner then.
+/// Threads: any thread may call any operation; only the holder may unlock. A mutex works before the
+/// layer is initialised, except that a tracking mutex cannot record its owner then.
 typedef struct TavMutex TavMutex;
 
 /// Attribute tags of tavXMutexCreate; a list ends with TavMutexAttrEnd.
@@ -15,30 +15,32 @@ enum TavMutexAttributes {
     TavMutexAttrNoop = 1,
     TavMutexAttrDisableSyntax = 2,  ///< no creation-syntax trace line
     TavMutexAttrTraceObj = 3,       ///< followed by a void*
-    TavMutexAttrRecursive = 4,      ///< the holder may lock it again, and unlocks as often
-    TavMutexAttrTrackOwner = 5,     ///< records who locked it, and in which file and line
-    TavMutexAttrFlag6 = 6           ///< stored, without effect
+    TavMutexAttrRecursive = 4,      ///< the holder may lock it again; it unlocks as often
+    TavMutexAttrTrackOwner = 5,     ///< records the thread, file and line that locked it
+    TavMutexAttrFlag6 = 6           ///< stored, but without effect
 };
 
 TAV_EXTERN_C_BEGIN
 
 /// @param out  receives the mutex; null after a failure.
 TAV_API int tavXMutexCreate(TavMutex** out, ...);
-/// Frees the mutex in any case.
+/// Frees the mutex, even if it is locked.
 /// @return TAVTHREAD_BUSY if it was still locked.
 TAV_API int tavXMutexDestroy(TavMutex* m);
 
-/// @return TAVTHREAD_ERROR if a tracking mutex was taken by a thread that can have no record; it
-///         is locked nevertheless, and the caller must unlock it. Holds for all three ways to lock.
+/// @return TAVTHREAD_ERROR if the mutex tracks its owner and the calling thread can have no record.
+///         The mutex is locked nevertheless, and the caller must unlock it. The same applies to
+///         tavXMutexTryLock_ and tavXMutexTimedLock_.
 TAV_API int tavXMutexLock_(TavMutex* m, const char* file, int line);
 /// @return TAVTHREAD_BUSY if another thread holds it.
 TAV_API int tavXMutexTryLock_(TavMutex* m, const char* file, int line);
-/// Polls about every 100 ms; the last sleep is followed by no further try, so that the whole call
-/// may take up to twice the timeout.
+/// Tries about every 100 ms. Does not try again after the last sleep. The call may take up to twice
+/// the timeout.
 /// @param ms  0 tries once, TAVTHREAD_INFINITE waits without limit.
 /// @return TAVTHREAD_TIMEOUT when the time ran out.
 TAV_API int tavXMutexTimedLock_(TavMutex* m, unsigned ms, const char* file, int line);
-/// @return TAVTHREAD_ERROR, changing nothing, if the mutex is recursive and not the caller's.
+/// @return TAVTHREAD_ERROR if the mutex is recursive and the caller does not hold it; the mutex
+///         does not change.
 TAV_API int tavXMutexUnlock_(TavMutex* m);
 
 #define tavXMutexLock(m) tavXMutexLock_((m), __FILE__, __LINE__)

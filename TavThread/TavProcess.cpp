@@ -9,8 +9,8 @@
 
 namespace {
 
-// The key is made once and kept when the layer stops: a thread that stays alive across a stop
-// still gives its record back at its exit, and a late look-up never meets a deleted key.
+// The key is created once and kept when the layer stops. So a thread that outlives a stop still
+// releases its record when it ends, and a late lookup never uses a deleted key.
 TavThreadCriticalSection g_lock;
 unsigned g_uses = 0;        // guarded by g_lock
 bool g_keyMade = false;     // guarded by g_lock
@@ -24,7 +24,7 @@ void releaseAdopted(void* value) {
     if (thread->has(kTavThreadAdopted)) tavThreadRelease(thread);
 }
 
-/// The record in the calling thread's place, whatever run of the layer put it there.
+/// Returns the calling thread's record, even if it is from an earlier run of the layer.
 TavThread* attached() { return static_cast<TavThread*>(pthread_getspecific(g_recordKey)); }
 
 bool outdated(const TavThread* thread) {

@@ -1,30 +1,32 @@
-// The lock is one word, as long as nobody waits; the mutex and the conditions are for waiters.
+// While no thread waits, the lock is one word. The mutex and the conditions are for waiters.
 //
-// The word counts the readers in its lower 30 bits, or has the writer's mark. While its waiters'
-// mark is clear, anybody changes it by compare-and-swap: a reader adds 1 unless the writer's mark
-// is set, a writer takes it from 0 to its mark, an unlock undoes either. While the waiters' mark is
-// set, the fast operations fail, and only the holder of the mutex changes the word (Section).
+// The word counts the readers in its lower 30 bits, or has the writer's mark. While the waiters'
+// mark is clear, any thread changes the word by compare-and-swap: a reader adds 1 unless the
+// writer's mark is set, a writer changes 0 to its mark, and an unlock undoes either. While the
+// waiters' mark is set, the fast operations fail, and only the holder of the mutex changes the word
+// (Section).
 //
-// Section sets the mark when it begins. From then on it owns the word, so that its looks and waits
-// cannot miss an unlock: the unlock has either changed the word before, or takes the slow path and
-// has to wait for the mutex. Section clears the mark when it ends and nobody waits; as long as
-// somebody does, all operations take the slow path, and so notice the waiters.
+// Section sets the waiters' mark when it begins. From then on it owns the word. It cannot miss an
+// unlock: the unlock has either changed the word before, or takes the slow path and waits for the
+// mutex. Section clears the mark when it ends, if no thread waits. While a thread waits, all
+// operations take the slow path, and so they notice the waiter.
 //
-// Waiting writers go first: a new reader waits while one waits. Each unlock on the slow path wakes
-// one writer, or all readers if no writer waits; whoever wakes looks at the word again, and may
-// have to go on waiting. A writer that gives up, by its time or by cancellation, wakes others in
-// the same way (passOn): it may be the one that was woken, or the only one that readers waited for.
+// Writers go first: a new reader waits while a writer waits. Each unlock on the slow path wakes one
+// writer, or all readers if no writer waits. A thread that wakes up checks the word again, and may
+// have to wait again. A writer that gives up, because of its timeout or a cancellation, wakes
+// others in the same way (passOn): the last unlock may have woken this writer, or readers may have
+// waited only for it.
 //
-// Memory order: whoever takes the lock acquires, and whoever gives it up releases, on the word or
-// by the mutex. Setting the waiters' mark acquires too: what a fast unlock has released counts for
-// the holder of the mutex, who may hand the lock on. Clearing the mark releases, for the next fast
-// operation. Relaxed loads only choose between the paths, or let a try give up.
+// Memory order: taking the lock acquires, and giving it up releases, on the word or through the
+// mutex. Setting the waiters' mark acquires too: the holder of the mutex may hand the lock on, so
+// it must see what a fast unlock has released. Clearing the mark releases, for the next fast
+// operation. Relaxed loads only choose between the paths, or let a try fail.
 //
-// A mistake here deadlocks, or lets a reader in beside a writer.
-// TavRWLockTest.OneWriterOrManyReadersAtATime mixes both kinds with tries and time-outs;
+// A mistake here deadlocks, or lets in a reader beside a writer.
+// TavRWLockTest.OneWriterOrManyReadersAtATime mixes both kinds with tries and timeouts.
 // ReadersGoOnWhenTheWriterGivesUp, ReadersGoOnWhenTheWriterIsCancelled and
-// NoWakeUpIsLostToAWriterThatTimesOut stop if passOn() does too little. `./dev check --all` runs
-// them under the thread sanitizer too.
+// NoWakeUpIsLostToAWriterThatTimesOut hang if passOn() does too little. `./dev check --all` also
+// runs them under ThreadSanitizer.
 #include "TavThread/TavRWLock.h"
 
 #include <new>
@@ -37,12 +39,12 @@ namespace {
 
 constexpr TavAttrKind kKind = tavBasicAttrKind("TavRWLockAttr");
 
-/// The slow path: while it lasts, the mutex is held and the state is the holder's alone.
+/// The slow path. It holds the mutex, and so owns the state.
 class Section {
 public:
     explicit Section(TavRWLock& rw) : m_rw(rw) {
         pthread_mutex_lock(&rw.mutex);
-        // Acquires what the fast operations up to here have released.
+        // Acquires what earlier fast operations have released.
         rw.word.fetch_or(kTavRWWaiters, std::memory_order_acq_rel);
     }
     ~Section() {
@@ -57,7 +59,7 @@ public:
     bool written() const { return (word() & kTavRWWriter) != 0; }
     std::uint32_t readers() const { return word() & kTavRWMostReaders; }
     bool free() const { return word() == kTavRWWaiters; }
-    /// Enters a state that the calling thread holds the lock in.
+    /// Sets a state in which the calling thread holds the lock.
     void take(std::uint32_t state) {
         set(state);
         tavTaken(&m_rw);
@@ -66,10 +68,10 @@ public:
         m_rw.word.store(state | kTavRWWaiters, std::memory_order_release);
     }
 
-    /// @return 0 to look again, else the result to give up with.
+    /// @return 0 if the caller must check the state again, else the result with which it gives up.
     int waitToRead(unsigned ms) { return wait(m_rw.readers, m_rw.waitingReaders, ms); }
     int waitToWrite(unsigned ms) {
-        m_bWriterLeaves = true;  // stays so when the wait ends in an error or an unwinding
+        m_bWriterLeaves = true;  // stays true if the wait fails or the thread is unwound
         const int rc = wait(m_rw.writers, m_rw.waitingWriters, ms);
         if (rc == TAVTHREAD_OK) m_bWriterLeaves = false;
         return rc;
@@ -84,8 +86,8 @@ private:
         return ms == TAVTHREAD_INFINITE && rc != TAVTHREAD_ERROR ? TAVTHREAD_OK : rc;
     }
 
-    /// A writer that gives up may have been what others waited for, and may have been the one that
-    /// the last unlock woke.
+    /// Other threads may have waited only for the writer that gives up, and the last unlock may
+    /// have woken only this writer.
     void passOn() {
         if (m_rw.waitingWriters == 0 && !written() && m_rw.waitingReaders > 0)
             pthread_cond_broadcast(&m_rw.readers);
@@ -194,7 +196,8 @@ int tavXRWLockCreate(TavRWLock** out, ...) {
 
 int tavXRWLockDestroy(TavRWLock* rw) {
     if (rw == nullptr) return TAVTHREAD_INVALID;
-    // Whoever unlocked last may have let others in just before it gives up the mutex.
+    // The thread that unlocked last lets others in just before it gives up the mutex. Wait for
+    // that.
     pthread_mutex_lock(&rw->mutex);
     pthread_mutex_unlock(&rw->mutex);
     const int errors[] = {tavRetry([rw] { return pthread_mutex_destroy(&rw->mutex); }),

@@ -3,8 +3,8 @@
 
 #include "TavThread/TavResult.h"
 
-/// A read/write lock: many readers or one writer. A waiting writer holds back new readers, so a
-/// reader that locks again while a writer waits would wait for itself.
+/// A read/write lock: many readers or one writer hold it. A waiting writer holds back new readers,
+/// so a reader that locks again while a writer waits deadlocks.
 ///
 /// Threads: any thread may call any operation.
 typedef struct TavRWLock TavRWLock;
@@ -21,22 +21,22 @@ TAV_EXTERN_C_BEGIN
 
 /// @param out  receives the lock; null after a failure.
 TAV_API int tavXRWLockCreate(TavRWLock** out, ...);
-/// Requires: nobody waits.
+/// Requires: no thread waits for the lock.
 TAV_API int tavXRWLockDestroy(TavRWLock* rw);
 
 TAV_API int tavXRWLockReadLock(TavRWLock* rw);
 /// @return TAVTHREAD_BUSY if a writer holds the lock or waits for it.
 TAV_API int tavXRWLockTryReadLock(TavRWLock* rw);
-/// A waiter that is woken but finds the lock taken again starts a full new timeout.
+/// If a waiter wakes up but another thread has taken the lock, the full timeout starts again.
 /// @param ms  TAVTHREAD_INFINITE waits without limit.
 /// @return TAVTHREAD_TIMEOUT when the time ran out.
 TAV_API int tavXRWLockTimedReadLock(TavRWLock* rw, unsigned ms);
 TAV_API int tavXRWLockWriteLock(TavRWLock* rw);
-/// @return TAVTHREAD_BUSY if anybody holds the lock.
+/// @return TAVTHREAD_BUSY if any thread holds the lock.
 TAV_API int tavXRWLockTryWriteLock(TavRWLock* rw);
-/// As tavXRWLockTimedReadLock; readers held back by a writer that gives up go on.
+/// As tavXRWLockTimedReadLock. If the writer gives up, readers that waited only for it continue.
 TAV_API int tavXRWLockTimedWriteLock(TavRWLock* rw, unsigned ms);
-/// Gives up the caller's read or write lock; a lock that is free stays so.
+/// Releases the caller's read or write lock. Does nothing if the lock is free.
 TAV_API int tavXRWLockUnlock(TavRWLock* rw);
 
 TAV_EXTERN_C_END

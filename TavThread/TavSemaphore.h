@@ -18,28 +18,28 @@ enum TavSemaphoreAttributes {
 
 TAV_EXTERN_C_BEGIN
 
-/// @param out           receives the semaphore; null after a failure.
-/// @param initialCount  TAVTHREAD_ERROR if the system cannot count that far.
+/// @param out  receives the semaphore; null after a failure.
+/// @return TAVTHREAD_ERROR if initialCount exceeds the system's maximum.
 TAV_API int tavXSemaphoreCreate(TavSemaphore** out, unsigned initialCount, ...);
-/// Requires: nobody waits.
+/// Requires: no thread waits for the semaphore.
 TAV_API int tavXSemaphoreDestroy(TavSemaphore* s);
 
 TAV_API int tavXSemaphoreWait(TavSemaphore* s);
 /// @return TAVTHREAD_BUSY if the count is 0.
 TAV_API int tavXSemaphoreTryWait(TavSemaphore* s);
-/// Polls about every 100 ms; the last sleep is followed by no further try, so that the whole call
-/// may take up to twice the timeout. tavXSemaphoreBoundedWait wakes at once.
+/// Tries about every 100 ms. Does not try again after the last sleep. The call may take up to twice
+/// the timeout. tavXSemaphoreBoundedWait wakes up as soon as there is a post.
 /// @param ms  0 tries once, TAVTHREAD_INFINITE waits without limit.
 /// @return TAVTHREAD_TIMEOUT when the time ran out.
 TAV_API int tavXSemaphoreTimedWait(TavSemaphore* s, unsigned ms);
-/// Waits on the monotonic clock: wakes as soon as there is a count to take, ends at the bound and
-/// takes no count that it does not report. It looks actively for a few microseconds before it
-/// sleeps, as long as that has paid off lately on this semaphore.
+/// Wakes up as soon as there is a post to take. Ends when the time runs out on the monotonic clock,
+/// and then has taken no post. Before it sleeps, it spins for a few microseconds, as long as
+/// spinning has recently paid off on this semaphore.
 /// @param ms  0 tries once, TAVTHREAD_INFINITE waits without limit.
 /// @return TAVTHREAD_TIMEOUT when the time ran out, also for 0 ms.
 TAV_API int tavXSemaphoreBoundedWait(TavSemaphore* s, unsigned ms);
 TAV_API int tavXSemaphorePost(TavSemaphore* s);
-/// Posts n times, up to the first failure; n of 0 or less posts nothing.
+/// Posts n times, and stops at the first failure. Posts nothing if n is 0 or less.
 TAV_API int tavXSemaphorePostN(TavSemaphore* s, int n);
 
 TAV_EXTERN_C_END

@@ -12,7 +12,7 @@ struct TavStateTrap {
     int state;
     // Guarded by the lock of the traps; null while disarmed.
     TavStateNode* node;
-    TavThread* thread;  // whose list has the node
+    TavThread* thread;  // its list contains the node
 };
 
 namespace {
@@ -34,7 +34,7 @@ TavStateNode* newNode(TavStateRoutine routine, void* arg, TavStateTrap* trap) {
     return new (std::nothrow) TavStateNode{routine, arg, trap, 0, nullptr, nullptr};
 }
 
-// All that follows requires the lock of the traps, up to create().
+// The callers of push(), drop() and disarm() hold the lock of the traps.
 
 void push(TavThread* thread, int state, TavStateNode* node) {
     std::atomic<TavStateNode*>& head = thread->traps[state];
@@ -43,7 +43,7 @@ void push(TavThread* thread, int state, TavStateNode* node) {
     head.store(node, std::memory_order_release);
 }
 
-/// Frees a disarmed node unless somebody is at it, who will then do it.
+/// Frees a disarmed node unless it has visitors. In that case the last visitor frees it.
 void drop(TavThread* thread, int state, TavStateNode* node) {
     if (node->routine != nullptr || node->visitors != 0) return;
     if (node->next != nullptr) node->next->previous = node->previous;
@@ -63,13 +63,13 @@ void disarm(TavStateTrap* trap) {
     drop(trap->thread, trap->state, node);
 }
 
-/// A walk through a thread's callbacks, which holds the lock except while it runs one of them.
+/// Iterates over the callbacks of a thread's state. Holds the lock except while a callback runs.
 class Walk {
 public:
     Walk(TavThread* thread, int state) : m_pThread(thread), m_iState(state), m_lock(g_traps) {
         enter(thread->traps[state].load(std::memory_order_relaxed));
     }
-    /// Also in a callback that ends the calling thread.
+    /// Runs also if a callback ends the calling thread.
     ~Walk() {
         if (m_pNode == nullptr) return;
         if (!m_lock.owns_lock()) m_lock.lock();

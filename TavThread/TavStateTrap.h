@@ -3,14 +3,16 @@
 
 #include "TavThread/TavThread.h"
 
-/// Called when a thread enters a state, on the thread that made the change and under no lock.
-/// Exceptions are swallowed. A thread that is continued goes on only after the callbacks for
-/// Running have returned; whoever continues it waits for its callbacks for Suspended first. So a
-/// callback must not wait for another thread that changes the state of the same one; it may change
-/// that state itself. One for Initial must not end a thread that ends already.
+/// A callback for a thread that enters a state. The thread that makes the change calls it, and
+/// holds no lock meanwhile. Exceptions of the callback are dropped.
+///
+/// A suspended thread that is continued resumes only after the callbacks for Running have returned.
+/// The thread that continues it first waits until its callbacks for Suspended have returned. So a
+/// callback may change the state of its thread, but must not wait for another thread that changes
+/// it. A callback for Initial must not end the calling thread, which is already ending.
 typedef void (*TavStateRoutine)(void* arg, TavThread* thread, int newState);
 
-/// A state callback that can be taken away again.
+/// A state callback that can be removed.
 ///
 /// Threads: any thread may call any operation, but not on a trap that is being destroyed.
 typedef struct TavStateTrap TavStateTrap;
@@ -25,20 +27,21 @@ enum TavStateTrapAttributes {
 
 TAV_EXTERN_C_BEGIN
 
-/// Adds a callback for good; the one added last is called first. A null routine adds nothing.
+/// Adds a callback that cannot be removed. The callback added last is called first. Adds nothing if
+/// the routine is null.
 /// @return TAVTHREAD_INVALID for a null thread or a state out of range.
 TAV_API int tavXThreadStateCallback(TavThread* thread, int state, TavStateRoutine routine,
                                     void* arg);
 
 /// @param out  receives the trap; null after a failure.
 TAV_API int tavXThreadStateTrapCreate(TavStateTrap** out, int state, ...);
-/// Disarms the trap: state changes that begin afterwards do not call its routine.
+/// Disarms and frees the trap. State changes that begin afterwards do not call its routine.
 TAV_API int tavXThreadStateTrapDestroy(TavStateTrap* trap);
-/// Arms the trap for this thread instead of where it was before; a null routine only disarms.
+/// Disarms the trap, then arms it for the thread. A null routine only disarms it.
 TAV_API int tavXThreadStateTrapSet(TavStateTrap* trap, TavThread* thread, TavStateRoutine routine,
                                    void* arg);
-/// The trap that was armed before this one for the same thread and state.
-/// @param out  receives null after the last one.
+/// Finds the trap that was armed before this one for the same thread and state.
+/// @param out  receives the trap; null if there is no such trap.
 TAV_API int tavXThreadStateTrapNext(TavStateTrap* trap, TavStateTrap** out);
 
 TAV_EXTERN_C_END

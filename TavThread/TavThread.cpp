@@ -17,7 +17,7 @@ constexpr TavAttrTag kTags[] = {TAV_BASIC_ATTR_TAGS,
 constexpr TavAttrKind kKind = {"TavThreadAttr", kTags, 10};
 constexpr unsigned kLeastStack = 16384;
 
-/// The thread's last act on its record, also when a callback of its last state unwinds the thread.
+/// Ends the thread's use of its record, even if a callback of its last state unwinds the thread.
 struct Parting {
     TavThread& self;
     ~Parting() {
@@ -34,7 +34,8 @@ void leave(TavThread& self, void* value, bool threw) {
     Parting parting{self};
     self.exitValue.store(value, std::memory_order_release);
     TavTransition change(self);
-    // The thread may have been ended in its sleep, while another still calls those of Running.
+    // If the thread was ended while it slept, another thread may still run the callbacks of
+    // Running.
     change.awaitCallbacks();
     if (threw)
         change.to(TavThreadStateException);
@@ -61,7 +62,7 @@ extern "C" TAV_CATCHES_UNWINDING void* tavThreadStart(void* record) {
     bool threw = false;
     try {
         value = runRoutine(self);
-    } catch (abi::__forced_unwind&) {  // pthread_exit, or a cancellation of the system's
+    } catch (abi::__forced_unwind&) {  // pthread_exit or pthread_cancel
         leave(self, nullptr, false);
         throw;
     } catch (...) {
@@ -147,10 +148,10 @@ int create(void* (*routine)(void*), void* arg, TavThread** out, va_list list, va
     thread->state.store(TavThreadStateRunning, std::memory_order_relaxed);
     if (attrs.has(TavThreadAttrSuspended)) tavXThreadSuspend(thread);
 
-    // One owner for the thread, one for the handle, and one for this call, which looks at the
-    // record once more when both others may already have let go.
+    // One owner each for the thread, the handle and this call. This call uses the record again
+    // after the two others may have released it.
     thread->owners.store(out != nullptr ? 3 : 2, std::memory_order_relaxed);
-    // Before the thread starts, and for readers on any thread.
+    // Stored before the thread starts. Atomic, because any thread may read it.
     if (out != nullptr) __atomic_store_n(out, thread, __ATOMIC_RELEASE);
     const int err = startSystemThread(*thread, attrs);
     if (err != 0) {
@@ -198,7 +199,7 @@ int tavXThreadJoin(TavThread* thread, void** value) {
     TavJoinable joinable = TavJoinable::kYes;
     if (!thread->joinable.compare_exchange_strong(joinable, TavJoinable::kJoined))
         return TAVTHREAD_ERROR;
-    // A join that fails, or whose caller is cancelled, leaves the thread to be joined.
+    // If the join fails or the caller is cancelled, the thread can still be joined.
     struct Claim {
         TavThread* thread;
         ~Claim() {
@@ -209,7 +210,7 @@ int tavXThreadJoin(TavThread* thread, void** value) {
     const int err = tavRetry([&] { return pthread_join(handle, &result); });
     if (err != 0) return tavThread_MapError(err);
     claim.thread = nullptr;
-    // Differs from what the thread stored if the routine ended by pthread_exit.
+    // Differs from the value that the thread stored if the routine called pthread_exit.
     thread->exitValue.store(result, std::memory_order_release);
     if (value != nullptr) *value = result;
     return TAVTHREAD_OK;

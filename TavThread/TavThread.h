@@ -6,24 +6,26 @@
 
 #include "TavThread/TavResult.h"
 
-/// A thread: one that tavXThreadCreate started, or the adopted record of any other thread that
-/// asked for itself. Suspension and cancellation are requests, which take effect at the target's
-/// next checkpoint, tavXThreadState(NULL).
+/// The record of a thread. tavXThreadCreate makes one for the thread that it starts. Any other
+/// thread gets an adopted record at its first call that needs one, such as tavXThreadSelf.
+///
+/// Suspending and cancelling are requests. They take effect at the target thread's next checkpoint,
+/// which is its call of tavXThreadState(NULL).
 ///
 /// Threads: any thread may call any operation on any record that has not been destroyed.
-/// A started thread's record is its creator's until tavXThreadDestroy, also after its end; an
-/// adopted one goes with its thread.
+/// The creator owns the record of a started thread until it calls tavXThreadDestroy, even after the
+/// thread has ended. An adopted record is freed when its thread ends, if not earlier.
 typedef struct TavThread TavThread;
 
 enum TavThreadState {
     TavThreadStateInitial = 0,  ///< not started, or finished
     TavThreadStateRunning = 1,
     TavThreadStateSuspended = 2,
-    TavThreadStateCanceling = 3,  ///< expected to wind up
+    TavThreadStateCanceling = 3,  ///< cancelled: its routine should return soon
     TavThreadStateException = 4   ///< failed to start, or its routine threw
 };
 
-/// What tavXThreadAutopsy reports.
+/// How a thread ended, as tavXThreadAutopsy reports it.
 enum TavThreadExitReason {
     TavThreadExitNormal = 0,
     TavThreadExitCanceled = 1,
@@ -37,12 +39,12 @@ enum TavThreadAttributes {
     TavThreadAttrNoop = 1,
     TavThreadAttrDisableSyntax = 2,          ///< no creation-syntax trace line
     TavThreadAttrTraceObj = 3,               ///< followed by a void*
-    TavThreadAttrTraceObjInheritable = 4,    ///< threads it creates get its trace object
-    TavThreadAttrCancelFlag = 5,             ///< followed by an int*; non-zero there cancels
-    TavThreadAttrCancelFlagInheritable = 6,  ///< threads it creates get its cancel flag
+    TavThreadAttrTraceObjInheritable = 4,    ///< threads that it creates inherit its trace object
+    TavThreadAttrCancelFlag = 5,             ///< followed by an int*; a non-zero value cancels
+    TavThreadAttrCancelFlagInheritable = 6,  ///< threads that it creates inherit its cancel flag
     TavThreadAttrSuspended = 7,              ///< waits for tavXThreadContinue before its routine
     TavThreadAttrDetached = 8,               ///< cannot be joined
-    TavThreadAttrStackSize = 9               ///< followed by an unsigned: bytes
+    TavThreadAttrStackSize = 9               ///< followed by an unsigned: size in bytes
 };
 
 TAV_EXTERN_C_BEGIN
@@ -50,85 +52,97 @@ TAV_EXTERN_C_BEGIN
 /// @name Start and stop of the layer
 /// @{
 
-/// Starts the layer; calls are counted. Mutexes and the other lock objects work without.
+/// Starts the layer. Calls are counted; only the first one does the work. Mutexes and the other
+/// lock objects also work while the layer is not started.
 /// @param name  not used.
 TAV_API int tavThreadProcessInitialize(const char* name TAV_DEFAULT(0));
-/// Undoes one start; the last one stops the layer.
-/// @return TAVTHREAD_NOTINIT if there is none left to undo.
+/// Undoes one call of tavThreadProcessInitialize. The last such call stops the layer.
+/// @return TAVTHREAD_NOTINIT if there is no call to undo.
 TAV_API int tavThreadProcessTerminate(const char* name TAV_DEFAULT(0));
-/// Makes sure that the calling thread has a record.
+/// Gives the calling thread an adopted record if it has no record.
 TAV_API int tavXThreadInitialize(void);
-/// Frees the calling thread's record if it is an adopted one; its exit would do that too.
+/// Frees the calling thread's record if it is adopted. Without this call, the thread's end frees
+/// it.
 TAV_API int tavXThreadTerminate(void);
 /// @}
 
 /// @name Creating, joining and destroying
 /// @{
 
-/// Starts a thread on routine(arg). An exception that leaves the routine ends the thread alone.
-/// @param out  receives the record before the thread starts, null after a failure; to be given
-///             to tavXThreadDestroy. May be null for a detached thread only. Threads other than the
-///             new one may use the record only after this has returned.
-/// The attributes end with TavThreadAttrEnd. A stack size below the system's default is raised to
-/// it. Trace object and cancel flag come from the caller where inheritable and not given.
+/// Starts a thread that runs routine(arg). An exception that leaves the routine ends only this
+/// thread.
+/// @param out  receives the record before the thread starts; null after a failure. The caller must
+///             pass the record to tavXThreadDestroy. May be null for a detached thread only. Until
+///             this call returns, no thread except the new one may use the record.
+/// The attribute list ends with TavThreadAttrEnd. A stack size below the system's default is raised
+/// to the default. The new thread inherits the caller's trace object and cancel flag if they are
+/// inheritable and the list does not set them.
 TAV_API int tavXThreadCreate(void* (*routine)(void*), void* arg, TavThread** out, ...);
-/// Gives the record back; a thread that still runs goes on, detached.
+/// Gives up the record. A thread that still runs continues as a detached thread.
 /// @return TAVTHREAD_ERROR for the adopted record of another thread.
 TAV_API int tavXThreadDestroy(TavThread* thread);
-/// Waits for the thread's end, once. A caller that is cancelled meanwhile has not joined.
-/// @param thread  null is the caller.
-/// @param value   receives what the routine returned, null if it threw; may be null.
-/// @return TAVTHREAD_DEADLOCK for the caller itself and for adopted records, TAVTHREAD_ERROR for a
-///         thread that is detached or joined.
+/// Waits until the thread ends. A thread can be joined once. If the caller is cancelled while it
+/// waits, the thread can still be joined.
+/// @param thread  null means the caller.
+/// @param value   receives the return value of the routine, null if the routine threw; may be null.
+/// @return TAVTHREAD_DEADLOCK if the thread is the caller or has an adopted record; TAVTHREAD_ERROR
+///         if it is detached or already joined.
 TAV_API int tavXThreadJoin(TavThread* thread, void** value);
 /// @}
 
-/// @name The calling thread, and what is known of one
+/// @name Queries
 /// @{
 
-/// The caller's record, adopted if need be; null while the layer is not initialised.
+/// Returns the caller's record. Adopts a caller that has no record. Returns null if the layer is
+/// not initialised or the record cannot be made.
 TAV_API TavThread* tavXThreadSelf(void);
 TAV_API int tavXThreadEqual(TavThread* a, TavThread* b);
 TAV_API int tavXThreadYield(void);
-/// The thread's number, counted from 1.
-/// @param thread  null is the caller; 0 is returned if that has no record.
+/// Returns the thread's number, counted from 1.
+/// @param thread  null means the caller.
+/// @return 0 if thread is null and the caller can have no record.
 TAV_API unsigned tavXThreadId(TavThread* thread);
-/// Writes record address and system handle as "%8x(%8x)" with the rules of strncpy: no NUL if n is
-/// too small, zeros up to n otherwise.
+/// Writes the address of the record and the system's thread handle as "%8x(%8x)", in the way of
+/// strncpy: without a terminating null if n is too small, otherwise filled with nulls up to n
+/// bytes.
 /// @param thread  null writes the address 0 and the caller's handle.
 TAV_API char* tavXThreadStrId(TavThread* thread, char* buf, size_t n);
-/// 1 until the thread has finished, then 0; 1 for null.
+/// Returns 1 until the thread has finished, then 0. Returns 1 for null.
 TAV_API int tavXThreadAlive(TavThread* thread);
-/// How the thread ended, TavThreadExitAlive if it has not.
+/// Returns how the thread ended, or TavThreadExitAlive if it has not ended.
+/// @param thread  null means the caller.
 TAV_API int tavXThreadAutopsy(TavThread* thread);
-/// What the routine returned; null for null.
+/// Returns the return value of the routine. Returns null if thread is null.
 TAV_API void* tavXThreadExitStatus(TavThread* thread);
 /// @}
 
 /// @name Suspending and cancelling
 /// @{
 
-/// The thread's state. For null it is the caller's checkpoint: stops there while it is suspended,
-/// notes a cancellation, yields, and returns the caller's state.
+/// Returns the thread's state. If thread is null, this is a checkpoint of the caller: suspends the
+/// caller if that is requested, notes a cancellation, yields, and returns the caller's state.
 TAV_API int tavXThreadState(TavThread* thread);
-/// Asks a running thread to stop at its next checkpoint; no effect in another state. For a thread
-/// that was continued and has not woken up yet, that is the one after.
+/// Asks a running thread to stop at its next checkpoint. Has no effect in other states. A thread
+/// that was continued and has not woken up yet first leaves its present checkpoint, and stops at
+/// the next one.
 TAV_API int tavXThreadSuspend(TavThread* thread);
-/// Ends a suspension, or takes the request for one back.
+/// Continues a suspended thread, or withdraws a suspend request that has not taken effect.
 TAV_API int tavXThreadContinue(TavThread* thread);
-/// Asks a thread to wind up; wakes it if it is suspended. Not seen by a thread without checkpoints,
-/// but one that has not reached its routine never starts it.
+/// Asks a thread to finish, and wakes it if it is suspended. A thread without checkpoints does not
+/// notice the request. A thread that has not started its routine yet never starts it.
 TAV_API int tavXThreadCancel(TavThread* thread);
-/// @param thread  null is the caller.
-/// @param flag    read at every checkpoint from now on; null takes it away.
+/// Sets or removes the thread's cancel flag: a non-zero value of *flag cancels the thread.
+/// @param thread  null means the caller.
+/// @param flag    every later checkpoint reads it; null removes the flag.
 TAV_API int tavXThreadSetCancel(TavThread* thread, int* flag, int inheritable);
-/// Takes back a cancel request to the caller, and the state it led to.
+/// Withdraws a cancel request to the caller, and sets its state back from canceling to running.
 TAV_API int tavXThreadCancelReset(void);
 /// @}
 
 /// @name Priority
 /// @{
 
+/// Adds delta to the thread's scheduling priority.
 /// @return TAVTHREAD_AGAIN if the priority cannot be read or would leave the scheduler's range.
 TAV_API int tavXThreadAdjustPriority(TavThread* thread, long delta);
 /// @}

@@ -7,13 +7,15 @@
 #include "TavThread/internal/TavSystem.hpp"
 #include "TavThread/internal/TavTransition.hpp"
 
-// The `resumed` semaphore counts 0 while a suspension is pending or in effect, else 1. It is set
-// under the transition mutex, and taken outside it by the suspended thread alone, which sets it
-// anew when it has woken: the next suspension may have been asked for, and ended, meanwhile.
+// The `resumed` semaphore counts 0 while a suspension is pending or in effect, else 1. Threads set
+// it under the transition mutex. Only the suspended thread takes it, without the mutex. After it
+// has woken up, it sets the semaphore again, because the next suspension may have been requested
+// and withdrawn meanwhile.
 //
-// A suspended thread goes on only after the callbacks of the change to Running have returned, which
-// run without the mutex. Until then `continuing` is set, and the thread sleeps on if something else
-// has woken it. A suspension that is asked for before it has woken is for its next checkpoint.
+// A suspended thread resumes only after the callbacks of the change to Running have returned. They
+// run without the mutex. `continuing` is set until they return, and a thread that wakes up earlier
+// sleeps again. A suspension that is requested before the thread has woken up takes effect at its
+// next checkpoint.
 
 namespace {
 
@@ -25,14 +27,14 @@ int setResumed(TavThread& thread, bool resumed) {
     return tavThread_MapError(tavRetryErrno([&] { return sem_post(&thread.resumed); }));
 }
 
-/// Sets aside that the thread is in callbacks of an earlier change: whoever continues it would wait
-/// for their end, and they for him.
+/// Hides that the thread runs callbacks of an earlier change. Otherwise the thread that continues
+/// it would wait for these callbacks, and deadlock.
 class OuterCallbacks {
 public:
     /// Requires: the transition mutex is held.
     explicit OuterCallbacks(TavThread& self)
         : m_self(self), m_iCalls(std::exchange(self.calls, 0)) {}
-    /// Also when the thread is ended while it sleeps.
+    /// Runs also if the thread is ended while it sleeps.
     ~OuterCallbacks() {
         if (m_iCalls == 0) return;
         TavHold hold(m_self.transition);
@@ -47,7 +49,7 @@ private:
     const int m_iCalls;
 };
 
-/// Stops the calling thread if that is asked for and no cancellation stands against it.
+/// Suspends the calling thread if this is requested and the thread is not cancelled.
 void suspendHere(TavThread& self) {
     std::optional<OuterCallbacks> outer;
     {
@@ -75,7 +77,7 @@ void suspendHere(TavThread& self) {
     }
 }
 
-/// Sets `continuing` and wakes the thread at the end, also when a callback ends the calling
+/// Sets `continuing` for a scope. Wakes the thread at the end, even if a callback ends the calling
 /// thread.
 class Continuing {
 public:
@@ -102,7 +104,7 @@ private:
 int continueThread(TavThread& thread) {
     TavTransition change(thread);
     while (change.state() == TavThreadStateSuspended) {
-        // Those of Suspended, which the thread itself calls, come before those of Running.
+        // The suspended thread runs the callbacks of Suspended. They come before those of Running.
         if (change.awaitCallbacks()) continue;
         Continuing continuing(thread);
         change.to(TavThreadStateRunning);
@@ -120,7 +122,7 @@ int tavThreadCheckpoint(TavThread& self) {
     if (self.has(kTavThreadSuspendPending)) suspendHere(self);
     if (self.cancelled()) {
         TavTransition change(self);
-        // A thread past its end can ask too, from a callback of its last state.
+        // A callback of the thread's last state can call this too, after the thread has ended.
         if (change.state() == TavThreadStateRunning) change.to(TavThreadStateCanceling);
         change.finish();
     }

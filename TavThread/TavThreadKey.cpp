@@ -8,7 +8,7 @@
 
 struct TavThreadKey {
     pthread_key_t native;
-    void* traceObj;  // its creator's
+    void* traceObj;  // of the thread that created the key
 };
 
 extern "C" {

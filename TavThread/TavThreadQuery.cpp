@@ -75,7 +75,7 @@ void* tavXThreadExitStatus(TavThread* thread) {
 
 int tavXThreadAdjustPriority(TavThread* thread, long delta) {
     if (thread == nullptr || delta == 0) return TAVTHREAD_OK;
-    // A thread passes its end under this mutex, so its handle stays good while we hold it.
+    // A thread sets `finished` under this mutex, so its handle stays valid while we hold the mutex.
     TavHold hold(thread->transition);
     if (thread->finished) return TAVTHREAD_AGAIN;
     return adjustPriority(thread->handle.load(std::memory_order_relaxed), delta);

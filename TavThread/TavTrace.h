@@ -3,7 +3,7 @@
 
 #include "TavThread/TavExport.h"
 
-/// What a trace line is about.
+/// The subject of a trace line.
 enum TavTraceCategory {
     TavTraceThread = 1,  ///< threads and state traps
     TavTraceMutex = 4,
@@ -11,28 +11,30 @@ enum TavTraceCategory {
     TavTraceCondition = 16,
     TavTraceEvent = 32,
     TavTraceRWLock = 64,
-    TavTraceSyntax = 256  ///< any creation, written as a statement
+    TavTraceSyntax = 256  ///< the creation of any object, as a statement
 };
 
 TAV_EXTERN_C_BEGIN
 
-/// Receives every trace line of the layer. The library's own emits nothing; a program that
-/// defines a function of this name gets the lines instead. Lines are composed only then.
+/// Receives every trace line of the layer. The library's own function does nothing. A program that
+/// defines a function of this name receives the lines instead. The layer formats lines only in that
+/// case.
 ///
-/// It must not throw: the operations that trace are C functions.
+/// The function must not throw, because the operations that trace are C functions.
 ///
-/// Threads: called on the thread that traces, under no lock of the layer.
-/// @param traceObj      the object's trace object, else that of the thread that creates it, or
-///                      null.
+/// Threads: called on the thread that traces, which holds no lock of the layer.
+/// @param traceObj  the trace object of the new object, else of the thread that creates it, else
+///                  null.
 /// @param categoryMask  one TavTraceCategory.
 TAV_API void tavThreadTraceOutput(void* traceObj, unsigned long categoryMask, const char* format,
                                   ...) __attribute__((format(printf, 3, 4)));
 
-/// Sets the calling thread's trace object. A non-null one with `inheritable` set passes to the
-/// threads that this thread creates; clearing `inheritable` never takes an earlier mark back.
+/// Sets the calling thread's trace object. If obj is not null and `inheritable` is non-zero,
+/// threads that this thread creates inherit its trace object from now on. A later call with
+/// `inheritable` 0 does not undo this.
 /// @return TAVTHREAD_ERROR if the calling thread has no record.
 TAV_API int tavXThreadSetTraceObj(void* obj, int inheritable);
-/// The calling thread's trace object, or null.
+/// Returns the calling thread's trace object, or null.
 TAV_API void* tavXThreadGetTraceObj(void);
 
 TAV_EXTERN_C_END

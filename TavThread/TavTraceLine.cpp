@@ -8,11 +8,11 @@ extern "C" __attribute__((visibility("hidden"))) void tavThreadTraceOutputBuiltI
 
 namespace {
 
-// Filled in when the library is loaded, the first with whatever definition the program's symbol
-// search finds. Volatile, because a compiler may hold two functions of different names for
-// different addresses.
+// The loader sets both. `g_output` gets the first definition in the program's symbol search, so the
+// program's own if there is one. They are volatile, because a compiler may assume that two
+// functions with different names have different addresses.
 using Output = void (*)(void*, unsigned long, const char*, ...);
-// NOLINTBEGIN(readability-identifier-naming): volatile, so the compiler knows no constant here
+// NOLINTBEGIN(readability-identifier-naming): volatile, so not a constant for the compiler
 volatile const Output g_output = &tavThreadTraceOutput;
 volatile const Output g_builtIn = &tavThreadTraceOutputBuiltIn;
 // NOLINTEND(readability-identifier-naming)

@@ -1,12 +1,12 @@
-// Alone in its source file, so that no caller can be compiled against this definition instead of
-// the program's.
+// This function has its own source file, so that no caller is compiled against this definition
+// instead of the program's.
 #include <cstdarg>
 #include <cstdio>
 
 #include "TavThread/TavTrace.h"
 
 #if !defined(__clang__)
-// The compiler infers of the target that it does not throw, and misses that in the alias.
+// The compiler infers that the target does not throw, and warns that the alias does not declare it.
 #pragma GCC diagnostic ignored "-Wmissing-attributes"
 #endif
 

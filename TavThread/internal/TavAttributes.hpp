@@ -3,23 +3,23 @@
 
 #include <cstdarg>
 
-/// What follows a tag in an attribute list.
+/// The kind of value that follows a tag in an attribute list.
 enum class TavAttrValue : unsigned char { kNone, kTraceObj, kCancelFlag, kStackSize };
 
 struct TavAttrTag {
-    const char* name;    // what follows the kind's prefix in the tag's name
-    const char* syntax;  // its name in a creation statement; null if it has none
+    const char* name;    // the tag's name without the prefix of the kind
+    const char* syntax;  // its text in a creation statement; null for no text
     TavAttrValue value;
 };
 
-/// The tags that one kind of object knows, numbered from 0.
+/// The tags of one kind of object, numbered from 0.
 struct TavAttrKind {
     const char* prefix;
     const TavAttrTag* tags;
     int count;
 };
 
-/// The four tags that every kind begins with.
+/// The first four tags of every kind.
 #define TAV_BASIC_ATTR_TAGS                                                        \
     {"End", nullptr, TavAttrValue::kNone}, {"Noop", nullptr, TavAttrValue::kNone}, \
         {"DisableSyntax", " NO SYNTAX", TavAttrValue::kNone}, {                    \
@@ -29,12 +29,12 @@ constexpr int kTavAttrDisableSyntax = 2;
 constexpr int kTavAttrTraceObj = 3;
 inline constexpr TavAttrTag kTavBasicAttrTags[] = {TAV_BASIC_ATTR_TAGS};
 
-/// A kind that knows these four only.
+/// A kind that has only these four tags.
 constexpr TavAttrKind tavBasicAttrKind(const char* prefix) {
     return {prefix, kTavBasicAttrTags, 4};
 }
 
-/// An attribute list as read; of a tag given twice the last value counts.
+/// The contents of an attribute list. If a tag occurs twice, its last value counts.
 struct TavAttributes {
     unsigned given = 0;  // a bit per tag
     void* traceObj = nullptr;
@@ -43,12 +43,12 @@ struct TavAttributes {
 
     bool has(int tag) const { return ((given >> tag) & 1U) != 0; }
     bool syntaxTraced() const { return !has(kTavAttrDisableSyntax); }
-    /// The trace object given, else the calling thread's.
+    /// Returns the trace object of the list, else of the calling thread.
     void* traceObject() const;
 };
 
-/// Reads the list to its end. Returns TAVTHREAD_BADATTR if a tag was unknown (it is taken to have
-/// no value), else 0.
+/// Reads the list to its end. Returns TAVTHREAD_BADATTR if a tag is unknown, else 0. Treats an
+/// unknown tag as a tag without a value.
 int tavReadAttributes(const TavAttrKind& kind, va_list list, TavAttributes& read);
 
 #endif

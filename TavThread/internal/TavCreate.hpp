@@ -4,13 +4,13 @@
 #include "TavThread/TavResult.h"
 #include "TavThread/internal/TavTraceLine.hpp"
 
-/// What the create functions do around the making of an object: clears the result, reads the
-/// attributes, and traces an object that was made.
-/// @param list  of attributes; the caller begins and ends it
-/// @param make  makes the object from the attributes, and stores it in *out. @return a result code
-/// @param traceCall  prints the call, with a trace object and the text of the attributes
-/// @param traceSyntax  prints the creation statement, with the same
-/// @return what make returned; TAVTHREAD_BADATTR or TAVTHREAD_INVALID if it was not called
+/// The common part of all create functions: sets *out to null, reads the attributes, calls make,
+/// and traces the new object.
+/// @param list  the attributes; the caller begins and ends the list
+/// @param make  makes the object from the attributes, stores it in *out and returns a result code
+/// @param traceCall  traces the call; receives the trace object and the text of the attributes
+/// @param traceSyntax  traces the creation statement; receives the same
+/// @return the result of make; TAVTHREAD_BADATTR or TAVTHREAD_INVALID if make was not called
 template <class Object, class Make, class TraceCall, class TraceSyntax>
 int tavCreate(Object** out, const TavAttrKind& kind, va_list list, const Make& make,
               const TraceCall& traceCall, const TraceSyntax& traceSyntax) {

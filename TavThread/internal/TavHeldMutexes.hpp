@@ -4,18 +4,18 @@
 #include "TavThread/TavMutex.h"
 #include "TavThread/TavThread.h"
 
-// Each thread record heads a list of the tracking mutexes that its thread holds. A mutex may be
-// unlocked or destroyed by another thread, so one lock guards all lists.
+// Each thread record has a list of the tracking mutexes that its thread holds. Another thread may
+// unlock or destroy such a mutex, so one lock guards all lists.
 
-/// Enters a mutex just locked under the calling thread; returns TAVTHREAD_ERROR if that has no
-/// record.
+/// Adds a mutex that the calling thread has just locked to the thread's list. Returns
+/// TAVTHREAD_ERROR if the thread can have no record.
 int tavHeldMutexesAdd(TavMutex* m, const char* file, int line);
 void tavHeldMutexesRemove(TavMutex* m);
-/// Makes the mutexes of a record about to be freed ownerless.
+/// Clears the owner of each mutex in the list of a record that is about to be freed.
 void tavHeldMutexesForget(TavThread* thread);
 
-/// The first of all tracking mutexes that are held, which are a list of their own: for debuggers,
-/// which cannot ask threads for their records.
+/// The head of a list of all held tracking mutexes. It is for debuggers, which cannot look up the
+/// records of threads.
 extern TavMutex* tavFirstHeldMutex;
 
 #endif

@@ -8,7 +8,7 @@
 
 #include "TavThread/TavResult.h"
 
-/// Repeats a call that returns its error number while that is EINTR.
+/// Repeats a call while it returns the error number EINTR.
 template <class Call>
 int tavRetry(Call call) {
     int rc;
@@ -17,7 +17,7 @@ int tavRetry(Call call) {
     return rc;
 }
 
-/// The same for a call that returns -1 and sets errno; returns the error number, or 0.
+/// The same for a call that returns -1 and sets errno. Returns the error number, or 0 on success.
 template <class Call>
 int tavRetryErrno(Call call) {
     for (;;) {
@@ -27,18 +27,19 @@ int tavRetryErrno(Call call) {
     }
 }
 
-/// Sleeps the whole time, whatever signals arrive.
+/// Sleeps for the whole time, even if signals arrive.
 void tavSleepMs(unsigned ms);
 
-/// Whether the threads of the process can run at the same time: only then is it of any use to wait
-/// for another one without sleeping. Asked of the system once.
+/// Returns true if threads of the process can run at the same time. Otherwise it is useless to
+/// spin. Asks the system once.
 bool tavSeveralProcessors();
 
-/// Waits on the condition, up to ms milliseconds of the time-of-day clock; returns a result code.
+/// Waits on the condition for at most ms milliseconds of the time-of-day clock. Returns a result
+/// code.
 int tavWaitOn(pthread_cond_t* condition, pthread_mutex_t* mutex, unsigned ms);
 
-/// Tries until the time is up, with a sleep after each try that found the object taken.
-/// @param tryOnce  returns an error number; EBUSY and EAGAIN are busy.
+/// Tries until the time runs out. Sleeps after each try that finds the object busy.
+/// @param tryOnce  returns an error number; EBUSY and EAGAIN mean busy.
 /// @return a result code.
 template <class Try>
 int tavPoll(unsigned ms, Try tryOnce) {
@@ -53,8 +54,8 @@ int tavPoll(unsigned ms, Try tryOnce) {
     }
 }
 
-/// A mutex for statics of the layer: usable before any constructor has run and after all
-/// destructors have, because it needs neither.
+/// A mutex for static data of the layer. It needs no constructor or destructor, so it works before
+/// all constructors and after all destructors of static objects.
 class TavThreadCriticalSection {
 public:
     void lock() { pthread_mutex_lock(&m_mutex); }
@@ -64,7 +65,7 @@ private:
     pthread_mutex_t m_mutex = PTHREAD_MUTEX_INITIALIZER;
 };
 
-/// Holds a POSIX mutex in a scope that a thread may also leave by being unwound.
+/// Holds a POSIX mutex for a scope. Also unlocks it if the end of the thread unwinds the scope.
 class TavHold {
 public:
     explicit TavHold(pthread_mutex_t& mutex) : m_mutex(mutex) { pthread_mutex_lock(&m_mutex); }
@@ -77,7 +78,8 @@ private:
     pthread_mutex_t& m_mutex;
 };
 
-/// Counts a waiter while in scope; the lock that guards the count is held at both ends.
+/// Counts a waiter for a scope.
+/// Requires: the lock that guards the count is held when the scope begins and when it ends.
 class TavCounted {
 public:
     explicit TavCounted(int& waiters) : m_waiters(waiters) { ++m_waiters; }

@@ -6,8 +6,8 @@
 #include "TavThread/TavTrace.h"
 #include "TavThread/internal/TavAttributes.hpp"
 
-/// Whether the program replaced the output routine: nobody can see a line otherwise, so none need
-/// be composed.
+/// Returns true if the program has replaced the output function. Otherwise all lines are dropped,
+/// so the callers do not format them.
 bool tavTraceReplaced();
 
 /// A pointer as trace lines print it: its low 32 bits.
@@ -15,7 +15,7 @@ inline unsigned tavTraceHex(const void* p) {
     return static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(p));
 }
 
-/// The attribute text that ends a trace line.
+/// The text of the attributes at the end of a trace line.
 class TavAttributeText {
 public:
     enum Form { kCall, kSyntax };

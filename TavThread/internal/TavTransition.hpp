@@ -3,7 +3,7 @@
 
 #include "TavThread/shared/TavThreadRecord.hpp"
 
-/// A change of a thread's state, made under its transition mutex.
+/// A change of a thread's state. Holds the thread's transition mutex until finish().
 class TavTransition {
 public:
     explicit TavTransition(TavThread& thread);
@@ -12,12 +12,12 @@ public:
     TavTransition& operator=(const TavTransition&) = delete;
 
     int state() const { return m_thread.state.load(std::memory_order_relaxed); }
-    /// Waits until another thread has called the callbacks of the change that it made.
-    /// @return whether it had to: the state may be another one.
+    /// Waits until no other thread runs callbacks of an earlier change.
+    /// @return true if it waited. The state may have changed meanwhile.
     bool awaitCallbacks();
-    /// Enters a state, the exit reason first; nothing if it is the present one.
+    /// Sets the exit reason, then the state. Does nothing if the thread is already in this state.
     void to(int newState);
-    /// Lets the mutex go, then calls the callbacks of the state entered last.
+    /// Unlocks the mutex, then calls the callbacks of the state that was set last.
     void finish();
 
 private:

@@ -3,12 +3,13 @@
 
 #include <cxxabi.h>
 
-/// For functions that catch abi::__forced_unwind, by which the C library ends a thread from
-/// within: there is no object behind that reference, which the sanitizer takes for an error.
+/// For functions that catch abi::__forced_unwind, which the C library throws to end a thread. The
+/// caught reference refers to no object, and the sanitizer reports that as an error.
 #define TAV_CATCHES_UNWINDING __attribute__((no_sanitize("null")))
 
-/// Runs other people's code, of which nothing but the end of the thread may leave.
-/// @return false if it threw.
+/// Runs code of a user, such as a callback. Drops its exceptions; only abi::__forced_unwind, the
+/// end of the thread, passes through.
+/// @return false if the code threw an exception.
 template <class Body>
 TAV_CATCHES_UNWINDING bool tavContain(Body&& body) {
     try {

@@ -14,10 +14,10 @@ enum TavEventFlags : unsigned {
     kTavEventWaitedFor = 4  // changes under the mutex only
 };
 
-/// While nobody waits the flags are all there is to the event, and change without the mutex. Once
-/// the waited-for mark is set a signal is given under the mutex, which a waiter holds when it looks
-/// for one: so none is lost. A waiter may return, and destroy the event, while its signaller is
-/// still under the mutex: destruction waits for that.
+/// While no thread waits, the event consists only of its flags, and they change without the mutex.
+/// Once kTavEventWaitedFor is set, threads signal under the mutex. A waiter holds the mutex when it
+/// looks for a signal, so no signal is lost. A waiter may return and destroy the event while the
+/// thread that signalled it still holds the mutex. Destruction waits for that thread.
 struct TavEvent {
     pthread_mutex_t mutex;
     pthread_cond_t condition;
@@ -28,7 +28,7 @@ struct TavEvent {
 int tavEventWaitGeneral(TavEvent* e, unsigned ms);
 int tavEventSignalGeneral(TavEvent* e);
 
-/// Consumes the signal, if there is one, as the event's kind says.
+/// Returns true if the event is signalled, and resets it unless it is a manual-reset event.
 inline bool tavEventTake(TavEvent* e) {
     unsigned flags = e->flags.load(std::memory_order_acquire);
     while ((flags & kTavEventSignaled) != 0) {
@@ -42,12 +42,12 @@ inline bool tavEventTake(TavEvent* e) {
     return false;
 }
 
-/// tavXEventTimedWait at the cost of one atomic operation if the event is signalled.
+/// tavXEventTimedWait, but with only one atomic operation if the event is signalled.
 inline int tavEventWaitFast(TavEvent* e, unsigned ms) {
     return e != nullptr && tavEventTake(e) ? TAVTHREAD_OK : tavEventWaitGeneral(e, ms);
 }
 
-/// tavXEventSignal at the cost of one atomic operation if nobody waits.
+/// tavXEventSignal, but with only one atomic operation if no thread waits.
 inline int tavEventSignalFast(TavEvent* e) {
     if (e != nullptr) {
         tavHandingOver(e);

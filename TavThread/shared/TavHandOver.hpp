@@ -1,9 +1,10 @@
 #ifndef TAVTHREAD_SHARED_TAVHANDOVER_HPP
 #define TAVTHREAD_SHARED_TAVHANDOVER_HPP
 
-// A program compiled for ThreadSanitizer, with a library that is not, shows it the calls of the
-// POSIX functions, but not what the library hands over by atomics alone. These tell it. They cost a
-// look at an address that is null without the sanitizer, which there is for 64 bits only.
+// If the program is compiled with ThreadSanitizer and the library is not, ThreadSanitizer sees the
+// library's calls of POSIX functions, but not its atomic operations. These functions report
+// hand-overs that use only atomic operations. Without ThreadSanitizer, they only compare an address
+// with null. ThreadSanitizer exists only for 64 bits.
 
 #ifdef __x86_64__
 extern "C" {
@@ -12,14 +13,14 @@ void __tsan_release(void* address) __attribute__((weak));
 }
 #endif
 
-/// After the operation that took what another thread handed over by way of this object.
+/// Call this after the operation that takes over data through this object.
 inline void tavTaken([[maybe_unused]] void* object) {
 #ifdef __x86_64__
     if (__builtin_expect(__tsan_acquire != nullptr, 0)) __tsan_acquire(object);
 #endif
 }
 
-/// Before the operation that hands it over.
+/// Call this before the operation that hands over data through this object.
 inline void tavHandingOver([[maybe_unused]] void* object) {
 #ifdef __x86_64__
     if (__builtin_expect(__tsan_release != nullptr, 0)) __tsan_release(object);

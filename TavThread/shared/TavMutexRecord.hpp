@@ -17,31 +17,33 @@ enum TavMutexFlags : unsigned {
     kTavMutexFlag6 = 16
 };
 
-/// The first member is the POSIX mutex, which condition waits are given. A record has its cache
-/// lines to itself, and what every lock touches in the first: contention would pay for a second.
+/// The first member is the POSIX mutex, which condition waits use. A record has cache lines of its
+/// own. The fields that every lock operation uses are in its first line, because under contention a
+/// second line costs extra time.
 struct alignas(64) TavMutex {
     pthread_mutex_t native;
     unsigned flags = 0;  // does not change while the mutex is in use
     void* traceObj = nullptr;
-    // Who holds a tracking mutex; guarded by the lock of the lists of held mutexes.
+    // The holder of a tracking mutex; guarded by the lock of the lists of held mutexes.
     const char* file = nullptr;
     int line = 0;
     TavThread* owner = nullptr;
     TavMutex* previous = nullptr;
     TavMutex* next = nullptr;
-    // Its neighbours among all that are held.
+    // Neighbours in the list of all held tracking mutexes.
     TavMutex* heldBefore = nullptr;
     TavMutex* heldAfter = nullptr;
 };
 
-/// A byte of each thread; its address tells threads apart at the cost of one instruction.
+/// Each thread has its own byte. The byte's address identifies the thread and costs one
+/// instruction.
 extern __thread char tavThreadMark __attribute__((tls_model("initial-exec"), visibility("hidden")));
 
-/// No lock guards holder and count. Only the holder ever stores its own mark, and takes it out
-/// before it unlocks; so a thread that reads its own mark is the holder, and one that is not may
-/// read anything else, however stale, but never that. The count is touched by the holder alone,
-/// and the POSIX mutex orders one holder's accesses before the next one's. A lock of its own
-/// would decide every comparison in the same way.
+/// No lock guards `holder` and `count`. Only the holder stores its own mark, and it removes the
+/// mark before it unlocks. So a thread that reads its own mark is the holder. Other threads may
+/// read any stale value, but never their own mark. Only the holder uses the count, and the POSIX
+/// mutex orders the accesses of one holder before those of the next. A lock for these fields would
+/// not change the result of any comparison.
 struct TavRecursiveMutex : TavMutex {
     std::atomic<const char*> holder{nullptr};
     int count = 0;  // locks beyond the first; 0 while the mutex is free
@@ -56,14 +58,14 @@ int tavMutexUnlockGeneral(TavMutex* m);
 
 inline pthread_mutex_t* tavMutexNative(TavMutex* m) { return &m->native; }
 
-/// The flags that make a mutex more than the POSIX one.
+/// Returns the flags that require more than the POSIX mutex.
 inline unsigned tavMutexExtras(const TavMutex* m) {
     return m->flags & (kTavMutexRecursive | kTavMutexTracking);
 }
 
-/// Takes the POSIX mutex if it is free. Whoever finds it taken waits a little, awake, before going
-/// to sleep, which pthread_mutex_lock would do at once. The thread sanitizer is given that call: it
-/// learns the order of locks from nothing else.
+/// Takes the POSIX mutex if it is free. Otherwise the caller spins briefly before it sleeps, while
+/// pthread_mutex_lock would sleep at once. Builds with ThreadSanitizer call pthread_mutex_lock,
+/// because ThreadSanitizer learns the order of locks only from that call.
 inline bool tavMutexTakeFree(TavMutex* m) {
 #ifdef __SANITIZE_THREAD__
     return pthread_mutex_lock(&m->native) == 0;
@@ -72,9 +74,10 @@ inline bool tavMutexTakeFree(TavMutex* m) {
 #endif
 }
 
-/// Takes a free mutex that is the POSIX one and no more; the rest stays with the general operation,
-/// out of line, so that it costs the plain mutex not even a saved register. Likewise the others.
-/// @return false if the general operation is to decide.
+/// Takes a free mutex that is neither recursive nor tracking. The general operation, out of line,
+/// handles the rest, so that a plain mutex does not even cost a saved register. The functions below
+/// work in the same way.
+/// @return false if the general operation must decide.
 inline bool tavMutexLockPlain(TavMutex* m) {
     return __builtin_expect(tavMutexExtras(m) == 0, 1) && __builtin_expect(tavMutexTakeFree(m), 1);
 }
@@ -83,14 +86,15 @@ inline bool tavMutexTryLockPlain(TavMutex* m) {
     return tavMutexExtras(m) == 0 && pthread_mutex_trylock(&m->native) == 0;
 }
 
-/// The POSIX call cannot fail for such a mutex, so that the caller can end in it.
+/// The POSIX call cannot fail for such a mutex. So its result is not used, and it can be the
+/// caller's last call.
 inline bool tavMutexUnlockPlain(TavMutex* m) {
     if (__builtin_expect(tavMutexExtras(m) != 0, 0)) return false;
     pthread_mutex_unlock(&m->native);
     return true;
 }
 
-/// The same for a free mutex, or one that the caller holds, that is recursive and no more.
+/// Takes a recursive mutex that is not tracking, if it is free or the caller holds it.
 inline bool tavMutexLockRecursive(TavMutex* m) {
     if (tavMutexExtras(m) != kTavMutexRecursive) return false;
     TavRecursiveMutex* r = static_cast<TavRecursiveMutex*>(m);

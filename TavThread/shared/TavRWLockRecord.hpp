@@ -13,10 +13,10 @@ constexpr std::uint32_t kTavRWWaiters = 0x80000000U;
 constexpr std::uint32_t kTavRWWriter = 0x40000000U;
 constexpr std::uint32_t kTavRWMostReaders = 0x3fffffffU;
 
-/// The state word counts the readers or holds the writer mark. While nobody waits it is all there
-/// is to the lock, and changes by compare-and-swap. Once the waiters mark is set, which is done
-/// under the mutex, only the holder of the mutex changes the word; the mark goes when the mutex is
-/// given up and nobody waits any more.
+/// The state word counts the readers or holds the writer mark. While no thread waits, the lock
+/// consists only of this word, which changes by compare-and-swap. The slow path takes the mutex and
+/// sets the waiters mark. While the mark is set, only the holder of the mutex changes the word. The
+/// holder clears the mark when it gives up the mutex and no thread waits.
 struct TavRWLock {
     std::atomic<std::uint32_t> word{0};
     // The rest is guarded by the mutex.
@@ -33,7 +33,7 @@ int tavRWLockWriteLockGeneral(TavRWLock* rw, unsigned ms);
 int tavRWLockTryWriteLockGeneral(TavRWLock* rw);
 int tavRWLockUnlockGeneral(TavRWLock* rw);
 
-/// Counts one more reader if the word says that no writer holds the lock and nobody waits.
+/// Adds a reader if no writer holds the lock and no thread waits.
 inline bool tavRWLockEnterRead(TavRWLock* rw) {
     std::uint32_t word = rw->word.load(std::memory_order_relaxed);
     while (word < kTavRWMostReaders)
@@ -45,7 +45,7 @@ inline bool tavRWLockEnterRead(TavRWLock* rw) {
     return false;
 }
 
-/// Marks the writer if the lock is free and nobody waits.
+/// Sets the writer mark if the lock is free and no thread waits.
 inline bool tavRWLockEnterWrite(TavRWLock* rw) {
     std::uint32_t free = 0;
     if (!rw->word.compare_exchange_strong(free, kTavRWWriter, std::memory_order_acquire,
@@ -55,8 +55,8 @@ inline bool tavRWLockEnterWrite(TavRWLock* rw) {
     return true;
 }
 
-/// tavXRWLockTimedReadLock at the cost of one atomic operation while nobody is in the way;
-/// likewise the others.
+/// tavXRWLockTimedReadLock, but with only one atomic operation if the lock is available. The
+/// functions below work in the same way.
 inline int tavRWLockReadLockFast(TavRWLock* rw, unsigned ms) {
     if (rw != nullptr && tavRWLockEnterRead(rw)) return TAVTHREAD_OK;
     return tavRWLockReadLockGeneral(rw, ms);

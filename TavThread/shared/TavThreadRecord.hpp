@@ -13,13 +13,13 @@
 
 constexpr int kTavThreadStates = 5;
 
-/// One callback of a thread's state, in a list whose links change under the lock of the traps only,
-/// which guards all its fields. Whoever calls callbacks does so without the lock, and marks the
-/// node that it is at: a disarmed node leaves its list when nobody is at it.
+/// A callback for a state of a thread, in a list. The lock of the traps guards all fields,
+/// including the links. Callbacks run without the lock. A thread that runs a callback counts itself
+/// in `visitors`. A disarmed node leaves its list when it has no visitors.
 struct TavStateNode {
     TavStateRoutine routine;  // null once its trap is disarmed
     void* arg;
-    TavStateTrap* trap;  // null without one
+    TavStateTrap* trap;  // null if the callback has no trap
     int visitors;        // threads that run the routine
     TavStateNode* next;
     TavStateNode* previous;  // null for the first
@@ -29,26 +29,26 @@ enum TavThreadFlags : unsigned {
     kTavThreadAdopted = 2,
     kTavThreadCancelInheritable = 16,
     kTavThreadTraceInheritable = 32,
-    kTavThreadSuspendPending = 64  // changes under the transition mutex only
+    kTavThreadSuspendPending = 64  // changes only under the transition mutex
 };
 
 enum class TavJoinable { kYes, kJoined, kDetached, kAdopted };
 
-/// The record of a thread. It has several owners, the thread itself while it runs and whoever
-/// holds the handle, and is freed by the last one to let go.
+/// The record of a thread. The thread owns it while it runs, and so does the holder of the handle.
+/// The last owner that releases it frees it.
 struct TavThread {
-    std::atomic<pthread_t> handle{0};  // stored by creator and thread, whoever comes first
+    std::atomic<pthread_t> handle{0};  // creator and thread both store it
     std::uint32_t number = 0;
-    // Suspension: 1, or 0 while a suspension is pending or in effect.
+    // Counts 0 while a suspension is pending or in effect, else 1.
     sem_t resumed;
     std::atomic<int> state{TavThreadStateInitial};
     std::atomic<int> reason{TavThreadExitNormal};
     std::atomic<void*> exitValue{nullptr};
-    std::atomic<TavStateNode*> traps[kTavThreadStates] = {};  // change under the traps' lock only
+    std::atomic<TavStateNode*> traps[kTavThreadStates] = {};  // change only under the traps' lock
     void* (*routine)(void*) = nullptr;
     void* arg = nullptr;
     std::atomic<void*> traceObj{nullptr};
-    std::atomic<int*> cancelFlag{nullptr};  // points into the user's memory
+    std::atomic<int*> cancelFlag{nullptr};  // not owned
     std::atomic<bool> cancelRequested{false};
     TavMutex* heldMutexes = nullptr;  // guarded by the lock of the lists of held mutexes
     pthread_attr_t attributes;
@@ -57,18 +57,19 @@ struct TavThread {
 
     std::atomic<TavJoinable> joinable{TavJoinable::kYes};
     std::atomic<int> owners{1};
-    unsigned generation = 0;  // of the layer's run that an adopted record was made in
-    // Guards every change of state and of the pending mark, and lets `finished` change only while
-    // nobody uses the handle. Never held while waiting or calling out.
+    unsigned generation = 0;  // the run of the layer that made an adopted record
+    // Guards each change of the state, of kTavThreadSuspendPending and of `finished`. A thread that
+    // uses the handle holds it, so that `finished` cannot change meanwhile. No thread holds it
+    // while it waits or runs callbacks.
     pthread_mutex_t transition = PTHREAD_MUTEX_INITIALIZER;
-    bool finished = false;    // guarded by transition: the handle may be dead
+    bool finished = false;    // guarded by transition: the handle may be invalid
     bool asleep = false;      // guarded by transition: suspended, or continued and not awake yet
     bool continuing = false;  // guarded by transition: Running's callbacks have not returned
-    // Who calls the callbacks of a change, and of how many within each other; guarded by
-    // transition.
+    // The thread that runs callbacks of a change, and the number of such changes, which may be
+    // nested; guarded by transition.
     pthread_t caller = 0;
     int calls = 0;
-    pthread_cond_t called = PTHREAD_COND_INITIALIZER;  // waited on until there are none
+    pthread_cond_t called = PTHREAD_COND_INITIALIZER;  // signalled when `calls` becomes 0
 
     bool has(TavThreadFlags flag) const {
         return (flags.load(std::memory_order_acquire) & flag) != 0;
@@ -84,24 +85,25 @@ struct TavThread {
     }
 };
 
-/// The calling thread's record if it has one and the layer runs.
+/// Returns the calling thread's record; null if it has no record or the layer is not started.
 TavThread* tavThreadPeek();
-/// The same, but adopts the thread if it has none.
+/// The same, but adopts the thread if it has no record.
 TavThread* tavThreadSelf();
 bool tavThreadInitialized();
-/// Puts a record, or null, in the calling thread's place; returns an error number.
+/// Makes this the record of the calling thread; null removes the record. Returns an error number.
 int tavThreadAttach(TavThread* thread);
 
-/// A new record with its number and semaphore, owned once; null and a result code if that fails.
+/// Makes a record with a number, a semaphore and one owner. Returns null and a result code on
+/// failure.
 TavThread* tavThreadNewRecord(int& rc);
-/// Lets go of one ownership.
+/// Gives up one ownership. Frees the record if it was the last one.
 void tavThreadRelease(TavThread* thread);
-/// Frees the callbacks of a record about to be freed, and disarms their traps.
+/// Frees the callbacks of a record that is about to be freed, and disarms their traps.
 void tavStateTrapsForget(TavThread* thread);
-/// Calls the callbacks of a state, the latest first.
+/// Calls the callbacks of a state. The callback added last comes first.
 void tavStateTrapsCall(TavThread* thread, int state);
 
-/// The calling thread's checkpoint; returns its state.
+/// Runs a checkpoint of the calling thread. Returns its state.
 int tavThreadCheckpoint(TavThread& self);
 
 #endif
