@@ -6,8 +6,8 @@
 #include "QBLCore/Base/QBLKeepErrno.hpp"
 #include "QBLCore/Base/QBLNoCancel.hpp"
 
-/// Closes a descriptor, leaving errno alone. Closing a file is where a cancellation would take
-/// effect.
+/// Closes a descriptor. Keeps errno, and defers cancellation, because close(2) is a cancellation
+/// point.
 inline void qblCloseQuietly(int fd) {
     const QBLNoCancel noCancel;
     const QBLKeepErrno keepErrno;

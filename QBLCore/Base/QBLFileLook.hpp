@@ -9,8 +9,9 @@
 
 #include "QBLCore/Base/QBLFileStatus.hpp"
 
-/// Whether this error number of a file says that it is not there for us. Others say that nobody
-/// could look: descriptors or memory were exhausted, or the disk failed.
+/// Returns true if this error number means that the file does not exist or that we have no access
+/// to it. Other error numbers mean that the check itself failed: descriptors or memory were
+/// exhausted, or the disk failed.
 inline bool qblIsAbsence(int error) {
     switch (error) {
         case ENOENT:
@@ -30,7 +31,7 @@ inline bool qblIsAbsence(int error) {
 enum class QBLFileLook { kThere, kNotThere, kNotSeen };
 
 /// Looks for a regular file that we may read.
-/// @throws std::bad_alloc when the system had no memory to look
+/// @throws std::bad_alloc if the system has no memory to look
 inline QBLFileLook qblLookForFile(const char* path) {
     QBLFileStatus status;
     if (status.get(path)) {

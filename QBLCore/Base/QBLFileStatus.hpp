@@ -6,11 +6,11 @@
 
 #include <cstdint>
 
-/// What the library asks of a file. It comes from statx(2): in a 32-bit program the older calls
-/// fail for every file that has a time after 2038.
+/// The status of a file, from statx(2). In a 32-bit program, the older calls fail for every file
+/// that has a time after 2038.
 class QBLFileStatus {
 public:
-    /// @param flags  as of fstatat(2)
+    /// @param flags  as for fstatat(2)
     /// @return false with errno set
     bool get(int directory, const char* path, int flags) {
         return statx(directory, path, flags, STATX_BASIC_STATS, &m_status) == 0;

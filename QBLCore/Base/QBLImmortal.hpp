@@ -3,8 +3,9 @@
 
 #include <new>
 
-/// The one T of the process, made by the first call and never destroyed: a thread may still be
-/// alive, and a program call the library from its own last destructors, when the process ends.
+/// Returns the only T of the process. The first call makes it, and it is never destroyed: when the
+/// process ends, threads may still run, and the last destructors of the program may call the
+/// library.
 template <class T>
 T& qblImmortal() {
     alignas(T) static unsigned char s_place[sizeof(T)];

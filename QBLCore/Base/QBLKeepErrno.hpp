@@ -3,8 +3,8 @@
 
 #include <cerrno>
 
-/// Gives errno its present value again at the end of the scope: what is done there, such as
-/// closing a file after a failure, must not hide why the operation failed.
+/// Restores errno at the end of the scope. Cleanup after a failure, such as closing a file, must
+/// not hide why the operation failed.
 class QBLKeepErrno {
 public:
     QBLKeepErrno() : m_iError(errno) {}

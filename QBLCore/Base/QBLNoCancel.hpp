@@ -3,8 +3,8 @@
 
 #include <pthread.h>
 
-/// Puts off the cancellation of the calling thread to the end of the scope: for destructors, which
-/// no cancellation may leave, and for sequences that must not stop halfway.
+/// Defers a cancellation of the calling thread until after the scope. It is for destructors, which
+/// a cancellation must not leave, and for sequences that must not stop halfway.
 class QBLNoCancel {
 public:
     QBLNoCancel() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_iBefore); }

@@ -8,11 +8,11 @@
 #include "QBLCore/Base/QBLCloseQuietly.hpp"
 #include "QBLCore/Base/QBLFileStatus.hpp"
 
-/// Opens a regular file by its own name, in a directory where somebody else may have put something
-/// in its place: a link is not followed, a pipe not waited for, and a file that has another name
-/// too is refused, because that may be a file of ours elsewhere.
-/// @param flags  as of open(2)
-/// @return -1 with errno set
+/// Opens a regular file in a directory where other users may have put something else in its place.
+/// Does not follow a symbolic link, and does not wait for a pipe. Refuses a file that has another
+/// name too, because it may be a file of ours elsewhere.
+/// @param flags  as for open(2)
+/// @return the descriptor; -1 with errno set on failure
 inline int qblOpenRegular(const char* path, int flags, QBLFileStatus& status, unsigned mode = 0) {
     const int fd = open64(path, flags | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, mode);
     if (fd < 0) return -1;

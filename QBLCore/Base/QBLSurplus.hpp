@@ -5,13 +5,13 @@
 #include <cstdlib>
 #include <new>
 
-/// Whether to try for more memory than is needed. A program's new-handler may end the process, so
-/// it must only be called for what is needed: where there is one, malloc(3) says first whether it
-/// has that much. Another thread can take the memory before operator new does; then the handler is
-/// called, as it soon would have been anyway.
+/// Returns true if the caller may try to get more memory than it needs. A program's new-handler may
+/// end the process, so it must be called only for memory that is needed. If there is a new-handler,
+/// this function first asks malloc(3) for the memory. Another thread can take the memory before
+/// operator new does. Then the handler is called, as it soon would have been anyway.
 inline bool qblMayTakeSurplus(std::size_t size) {
     if (std::get_new_handler() == nullptr) return true;
-    void* volatile probe = std::malloc(size);  // volatile: else the pair is optimised away
+    void* volatile probe = std::malloc(size);  // volatile, so that the pair is not optimised away
     std::free(probe);
     return probe != nullptr;
 }

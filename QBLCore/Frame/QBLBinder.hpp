@@ -1,11 +1,11 @@
 #ifndef QBLCORE_FRAME_QBLBINDER_HPP
 #define QBLCORE_FRAME_QBLBINDER_HPP
 
-/// A lock with the data that it guards: reach the data through operator*() while the lock is
-/// held. Lock is a lockable class whose constructor takes 0, such as QBLThreadCriticalSection
-/// or QBLThreadMutex.
+/// A lock together with the data that it guards. Use the data, through operator*(), only while the
+/// lock is held. Lock is a lockable class whose constructor accepts 0, such as
+/// QBLThreadCriticalSection or QBLThreadMutex.
 ///
-/// Threads: locking as Lock says; the data only under the lock.
+/// Threads: the rules of Lock apply to the lock; only its holder may use the data.
 template <class Lock, class Data>
 class QBLBinder : public Lock {
 public:

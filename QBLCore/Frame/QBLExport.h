@@ -1,7 +1,7 @@
 #ifndef QBLCORE_FRAME_QBLEXPORT_H
 #define QBLCORE_FRAME_QBLEXPORT_H
 
-/// Marks what the library exports; everything else stays inside the shared object.
+/// Exports a class or function from the shared object. Names without this mark are hidden in it.
 #define QBL_API __attribute__((visibility("default")))
 
 #endif

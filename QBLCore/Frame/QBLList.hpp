@@ -3,17 +3,17 @@
 
 #include "QBLCore/Frame/QBLListIterator.hpp"
 
-/// A doubly linked list that owns its nodes and never what pointer elements point to:
-/// whoever puts a pointer in frees the object, before or after taking it out.
+/// A doubly linked list. It owns its nodes, but not the objects that pointer elements point to. The
+/// program frees these objects, before or after it removes the elements.
 ///
-/// A cursor kept inside makes indexed access in ascending or descending order cost one
-/// step per call. Every insertion and erasure puts the cursor back to the first element.
+/// The list keeps a cursor, so indexed access in ascending or descending order costs one step per
+/// call. Every insertion and erasure moves the cursor back to the first element.
 ///
-/// No operation reports a failure but an allocation's exception, which leaves the list as
-/// it was. Element types are default-constructible.
+/// An operation fails only if an allocation or an element's copy throws; the list is then
+/// unchanged. Element types must be default-constructible.
 ///
-/// Threads: not synchronised, and indexed access writes even to a constant list (the cursor):
-/// share a list inside a QBLThreadMonitor and hold a guard on it for every call.
+/// Threads: not synchronised. Indexed access changes the cursor even in a constant list. To share a
+/// list, put it into a QBLThreadMonitor and hold a guard on it for every call.
 ///
 ///     QBLList<Job*> jobs;
 ///     jobs.push_back(&job);
@@ -57,48 +57,49 @@ public:
     /// @name Both ends
     /// @{
 
-    /// Requires: the list is not empty; on an empty one the reference is to a null value.
+    /// Requires: the list is not empty. On an empty list, returns a reference to a null value.
     T& front() { return *begin(); }
-    /// Requires: the list is not empty; on an empty one the reference is to a null value.
+    /// Requires: the list is not empty. On an empty list, returns a reference to a null value.
     T& back() { return *iterator(*this, this->prev); }
 
     void push_front(const T& value) { insert(begin(), value); }
     void push_back(const T& value) { insert(end(), value); }
-    /// Does nothing to an empty list.
+    /// Does nothing if the list is empty.
     void pop_front() { erase(begin()); }
-    /// Does nothing to an empty list.
+    /// Does nothing if the list is empty.
     void pop_back() { erase(--end()); }
     /// @}
 
     /// @name Inserting, erasing and moving
     /// @{
 
-    /// Puts a copy of a value in front of a position; in front of one of another list, does
-    /// nothing.
-    /// @return the position as it was passed: on the element that now follows the new one.
+    /// Inserts a copy of a value before a position. Does nothing if the position is in another
+    /// list.
+    /// @return the position as passed, on the element that now follows the new one
     iterator insert(iterator position, const T& value) {
         if (position.list == this)
             _insert(position, new QBLListDataNode<T>(value, nullptr, nullptr));
         return position;
     }
-    /// Removes the element at a position; at end(), or at one of another list, does nothing.
-    /// @return the position, now on the element that followed.
+    /// Removes the element at a position. Does nothing at end() or if the position is in another
+    /// list.
+    /// @return the position, now on the following element
     iterator erase(iterator position) {
         delete static_cast<QBLListDataNode<T>*>(_erase(position));
         return position;
     }
-    /// Removes from first up to but not including last, or up to the end of the list when
-    /// last does not follow first.
-    /// @return last, with the position that it now has
+    /// Removes the elements from first up to, but not including, last. Removes up to the end of the
+    /// list if last does not follow first.
+    /// @return last, with its new index
     iterator erase(iterator first, iterator last) {
         while (first != last && first.list == this && first != end()) first = erase(first);
         last.index = first.index;
         return last;
     }
     void clear() { erase(begin(), end()); }
-    /// Moves an element of another list, or of this one, in front of a position of this one,
-    /// without allocating. The other's end() moves nothing, nor does a position that is not in the
-    /// list it should be in.
+    /// Moves an element of another list, or of this list, before a position of this list. Does not
+    /// allocate. Does nothing if the element is the other list's end(), or if one of the two
+    /// positions is not in its list.
     void splice(iterator position, QBLList& other, iterator element) {
         if (position.list != this || position.node == element.node) return;
         QBLListNode<T>* node = other._erase(element);
@@ -109,11 +110,11 @@ public:
     /// @name Access by position
     /// @{
 
-    /// The value at position n, counted from 0.
-    /// An n past the end gives the value that the cursor stands on, whatever it is; an empty
-    /// list gives a null value that belongs to the calling thread.
+    /// Returns the value at index n, counted from 0. If n is past the end, returns the value at the
+    /// cursor, whatever it is. If the list is empty, returns a null value that belongs to the
+    /// calling thread.
     T& at(unsigned int n) {
-        // The next element needs no call, so that a walk keeps the cursor in registers.
+        // Access to the next element needs no call, so that a loop keeps the cursor in registers.
         if (n == cursor.index + 1 && n + 1 < count) {
             cursor.index = n;
             cursor.node = cursor.node->next;
@@ -145,8 +146,8 @@ private:
         cursor.reset();
     }
 
-    // Null when there is nothing to erase: the sentinel is the list itself, never a node to free,
-    // and another list counts its own.
+    // Returns null if there is nothing to erase: the sentinel is the list itself, not a node to
+    // free, and another list counts its own elements.
     QBLListNode<T>* _erase(iterator& position) {
         QBLListNode<T>* node = position.node;
         if (node == this || position.list != this) return nullptr;
@@ -158,7 +159,7 @@ private:
         return node;
     }
 
-    mutable QBLListIterator<T> cursor;  // the only thing that a look at a constant list moves
+    mutable QBLListIterator<T> cursor;  // the only member that access to a constant list changes
     unsigned int count;
 };
 

@@ -11,22 +11,22 @@ class QBLList;
 template <class T>
 class CONST_QBLListIterator;
 
-/// What the two iterators of a QBLList share: a position in the ring of nodes.
-/// List and Node are both constant or both not.
+/// The common base of the two iterators of a QBLList: a position in the ring of nodes. List and
+/// Node are both constant or both not constant.
 ///
-/// Threads: as the iterators.
+/// Threads: as for the iterators.
 template <class List, class Node>
 class QBLListWalk {
 public:
-    /// Goes to the first element, position 0.
+    /// Moves to the first element, index 0.
     void reset() {
         index = 0;
         node = list->next;
     }
 
-    unsigned int index;  ///< counts steps from where the iterator began; wraps
+    unsigned int index;  ///< steps from where the iterator began; wraps around
     List* list;
-    Node* node;  ///< the list itself stands for the end
+    Node* node;  ///< the list itself is the end
 
 protected:
     QBLListWalk() : index(0), list(nullptr), node(nullptr) {}
@@ -43,9 +43,9 @@ protected:
         --index;
     }
 
-    // Goes to position n by the shortest of three ways: from here, from the head or from the
-    // end. An equal distance is walked from the end when going forwards and from here when
-    // going backwards. An n past the end leaves the position as it is.
+    // Moves to index n by the shortest of three ways: from here, from the head or from the end. If
+    // the distances are equal, moves from the end if n is above the index, and from here if n is
+    // below it. Does not move if n is past the end.
     void seek(unsigned int n) {
         if (node == list) reset();
         if (n >= list->count || n == index) return;
@@ -64,8 +64,8 @@ protected:
         }
     }
 
-    // Every node but the sentinel is a data node, so the call needs no virtual dispatch. The
-    // end has no value of its own: there the caller gets a null one that belongs to its thread.
+    // Every node except the sentinel is a data node, so the call needs no virtual dispatch. The end
+    // has no value. There the caller gets a null value that belongs to its thread.
     template <class T>
     T& value() const {
         Node* sentinel = list;
@@ -79,11 +79,11 @@ protected:
     }
 };
 
-/// A position in a QBLList. It stays valid until the element it stands on is erased.
-/// Stepping stops at both ends: ++ at the end and -- at the first element change nothing.
+/// A position in a QBLList. It stays valid until its element is erased. ++ at the end and -- at the
+/// first element do nothing.
 ///
-/// Threads: not synchronised, and each step reads the list: what guards that is held while an
-/// iterator is used.
+/// Threads: not synchronised. Each step reads the list, so hold the list's lock while you use an
+/// iterator.
 template <class T>
 class QBLListIterator : public QBLListWalk<QBLList<T>, QBLListNode<T>> {
     typedef QBLListWalk<QBLList<T>, QBLListNode<T>> Walk;
@@ -98,7 +98,7 @@ public:
     QBLListIterator() = default;
     explicit QBLListIterator(QBLList<T>& of) : Walk(&of, of.next) {}
     QBLListIterator(QBLList<T>& of, QBLListNode<T>* at) : Walk(&of, at) {}
-    /// Binds the iterator to a list, at its first element.
+    /// Sets the iterator to the first element of a list.
     QBLListIterator& operator=(QBLList<T>& of) {
         this->list = &of;
         this->reset();
@@ -107,7 +107,7 @@ public:
 
     T& operator*() const { return this->template value<T>(); }
     T* operator->() const { return &**this; }
-    /// Moves to position n and gives the value there; an n past the end does not move.
+    /// Moves to index n and returns the value there. Does not move if n is past the end.
     T& operator[](unsigned int n) {
         this->seek(n);
         return **this;
@@ -132,7 +132,7 @@ public:
         return before;
     }
 
-    /// Same element of the same list, however the iterators came there.
+    /// Returns true if both are on the same element of the same list, whatever their indexes.
     bool operator==(const QBLListIterator& other) const {
         return this->list == other.list && this->node == other.node;
     }
@@ -141,10 +141,10 @@ public:
     bool operator!=(const CONST_QBLListIterator<T>& other) const { return !(*this == other); }
 };
 
-/// QBLListIterator over a constant list.
+/// A QBLListIterator for a constant list.
 ///
-/// Threads: one at a time for each iterator; any number of them may walk a list that no thread
-/// changes or indexes.
+/// Threads: one thread at a time may use an iterator. Any number of iterators may walk a list that
+/// no thread changes or indexes.
 template <class T>
 class CONST_QBLListIterator : public QBLListWalk<const QBLList<T>, const QBLListNode<T>> {
     typedef QBLListWalk<const QBLList<T>, const QBLListNode<T>> Walk;

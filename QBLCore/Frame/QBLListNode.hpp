@@ -1,9 +1,10 @@
 #ifndef QBLCORE_FRAME_QBLLISTNODE_HPP
 #define QBLCORE_FRAME_QBLLISTNODE_HPP
 
-/// A link of a QBLList; bare, it is the sentinel that closes the ring and has no value.
+/// A node of a QBLList. A node of exactly this class is the sentinel, which closes the ring and has
+/// no value.
 ///
-/// Threads: as its list.
+/// Threads: as for its list.
 template <class T>
 class QBLListNode {
 public:
@@ -13,16 +14,16 @@ public:
     QBLListNode(const QBLListNode&) = delete;
     QBLListNode& operator=(const QBLListNode&) = delete;
 
-    /// The node's value; null for a sentinel.
+    /// Returns the node's value; null for the sentinel.
     virtual T* getData() { return nullptr; }
 
-    QBLListNode* next;  ///< of the sentinel: the first node
-    QBLListNode* prev;  ///< of the sentinel: the last node
+    QBLListNode* next;  ///< in the sentinel: the first node
+    QBLListNode* prev;  ///< in the sentinel: the last node
 };
 
-/// A link that holds a value; destroying it never touches what a pointer value points to.
+/// A node with a value. If the value is a pointer, its object is not deleted with the node.
 ///
-/// Threads: as its list.
+/// Threads: as for its list.
 template <class T>
 class QBLListDataNode final : public QBLListNode<T> {
 public:

@@ -5,7 +5,7 @@
 
 /// A binder that may be used and destroyed through a pointer to any of its bases.
 ///
-/// Threads: as QBLBinder.
+/// Threads: as for QBLBinder.
 ///
 ///     QBLThreadMonitor<QBLThreadMutex, QBLList<Job*>> jobs;
 ///     QBLThreadGuard guard(jobs);

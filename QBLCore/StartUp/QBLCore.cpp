@@ -25,13 +25,13 @@ const unsigned kMinor = 0;
 const int kNotStarted = -2;
 const int kSubsystemFailed = -3;
 
-/// The count of starts and the lock over the whole of each start and stop.
+/// The count of starts, and the lock that every start and stop holds from begin to end.
 struct Library {
     QBLThreadCriticalSection refCountLock{0};
     int refCount = 0;  // guarded by refCountLock
 };
 
-// Made when the library is loaded: a start can count whatever happens.
+// Created when the library is loaded, so that a start can always count.
 Library& g_library = qblImmortal<Library>();
 
 bool isCompatible(int major, int minor) {
@@ -46,8 +46,8 @@ int storeVersion(unsigned* major, unsigned* minor) {
 
 }  // namespace
 
-// A failed start is deliberately lenient: the count stays raised for the caller's one stop, and
-// the later steps are still taken.
+// A failed start is deliberately lenient: it counts, so that the caller can stop the library once,
+// and the later steps are still taken.
 int qblCoreInitialize() {
     const QBLNoCancel noCancel;
     QBLThreadGuard guard(g_library.refCountLock);
@@ -97,7 +97,7 @@ QBLNewHandler qblSetNewHandler(QBLNewHandler handler) { return std::set_new_hand
 
 int qblSetBatchMode() {
     errno = 0;
-    // Its result is no sign of success: -1 is a legal niceness.
+    // The result does not show success, because -1 is a legal niceness.
     [[maybe_unused]] const int niceness = nice(4);
     return errno == 0 ? 1 : 0;
 }

@@ -11,7 +11,7 @@
 
 namespace {
 
-/// The count of starts and the lock over the whole of each start and stop.
+/// The count of starts, and the lock that every start and stop holds from begin to end.
 struct Layer {
     QBLThreadCriticalSection lock{0};
     int starts QBL_GUARDED_BY(lock) = 0;
@@ -25,7 +25,8 @@ void start() {
     i18nSetInitialized(true);
 }
 
-/// Stops what is started of the layer, under its lock; the reverse of start().
+/// Stops the parts of the layer that are started. The caller holds the lock. The reverse of
+/// start().
 void stop() {
     i18nSetInitialized(false);
     I18NInternalResources::getInternalResources().release();
@@ -41,7 +42,7 @@ void I18NInitialize() {
         try {
             start();
         } catch (...) {
-            tavContain(stop);  // what made the start fail is what is told
+            tavContain(stop);  // the caller gets the error of the start
             throw;
         }
     }
