@@ -18,7 +18,7 @@ int QBLReferenceCount::removeReference() {
         QBLThreadGuard guard(m_lock);
         left = --m_iCount;
     }
-    // The lock is part of the object, which cleanup() may destroy.
+    // The lock is free here, because it is part of the object that cleanup() may destroy.
     if (left == 0) cleanup();
     return left;
 }

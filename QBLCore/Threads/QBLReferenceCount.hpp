@@ -6,8 +6,8 @@
 
 /// A reference count for objects that several threads share.
 ///
-/// Threads: any thread that holds a reference may call any operation; cleanup() runs once, on
-/// the thread that took the last reference away, with no lock held.
+/// Threads: any thread that holds a reference may call any operation. cleanup() runs once, on the
+/// thread that removes the last reference, and without a lock.
 class QBL_API QBLReferenceCount : public QBLThreadUnsafeReferenceCount {
 public:
     explicit QBLReferenceCount(int initial = 0);

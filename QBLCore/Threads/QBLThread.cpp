@@ -27,8 +27,8 @@ const char kStart[] = "TavThread interface or unknown error";
 const char kThrew[] = "TavThread caught a hardware exception";
 const char kJoin[] = "TavThread either detected deadlock or an unexpected error occurred";
 
-/// The key from a thread to its QBLThread. It is made once and kept, so that a thread that begins
-/// while the library stops still finds it; stopping only closes it to new questions.
+/// The key that maps a thread to its QBLThread. It is created once and kept, so that a thread that
+/// begins while the library stops still finds it. After a stop, only atExit() no longer uses it.
 struct CurrentThread {
     QBLThreadCriticalSection lock{0};
     std::unique_ptr<QBLThreadKey> key;  // guarded by lock
@@ -52,7 +52,7 @@ struct CurrentThread {
     }
 };
 
-// Made when the library is loaded, so that no thread and no stop fails for want of it.
+// Created when the library is loaded, so that no thread and no stop can fail to create it.
 CurrentThread& g_current = qblImmortal<CurrentThread>();
 
 }  // namespace
@@ -64,7 +64,7 @@ QBLThread::~QBLThread() {
     TavThread* thread = record();
     if (thread == nullptr) return;
     const QBLNoCancel noCancel;
-    // If that fails, the thread is lost; all that is left to do is to let go of its record.
+    // If this fails, the thread can no longer be joined, and only its record is left to release.
     tavContain([this] {
         if (g_current.get() == this)
             g_current.set(nullptr);  // execute() then knows that the object is gone
@@ -87,7 +87,7 @@ void QBLThread::start() {
     m_pAtExit = nullptr;
     const unsigned int stackSize =
         m_stackSize < UINT_MAX ? static_cast<unsigned int>(m_stackSize) : UINT_MAX;
-    // Stores the record before the thread begins, which may then destroy this object.
+    // Stores the record before the thread begins, because the thread may destroy this object.
     const int result = tavXThreadCreate(&QBLThread::main, this, &m_pThread, TavThreadAttrStackSize,
                                         stackSize, TavThreadAttrEnd);
     switch (result) {
@@ -177,7 +177,7 @@ void* QBLThread::main(void* self) {
 
 TAV_CATCHES_UNWINDING void QBLThread::execute() {
     if (!tavContain([&] { g_current.set(this); })) return;
-    // Also when run() ends the thread from within, but not when it has destroyed the object.
+    // Runs also if run() ends the thread, but not if run() has destroyed the object.
     const auto callAtExit = [&] {
         if (g_current.get() != this || m_pAtExit == nullptr) return;
         void (*const routine)() = m_pAtExit;

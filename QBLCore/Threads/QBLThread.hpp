@@ -6,14 +6,14 @@
 
 struct TavThread;
 
-/// A thread that runs a runnable, or its own run() in a class derived from it.
+/// A thread that runs a runnable, or the run() of a derived class.
 ///
-/// The destructor waits for the thread. A derived class that overrides run() calls joinQuietly()
-/// first thing in its own destructor: once that has ended, the thread would run on half an object.
-/// Its run() may end with `delete this`.
+/// The destructor waits for the thread. A derived class that overrides run() must call
+/// joinQuietly() first in its own destructor; otherwise the thread would use a partly destroyed
+/// object. Its run() may end with `delete this`.
 ///
-/// Threads: start(), join() and the destructor belong to one owner; the other operations may
-/// be called by any thread, isAlive() not while the owner starts the thread.
+/// Threads: one owner calls start(), join() and the destructor. Any thread may call the other
+/// operations, but not isAlive() while the owner starts the thread.
 ///
 ///     QBLThread thread(&job);
 ///     thread.start();
@@ -23,13 +23,14 @@ public:
     /// @name Making a thread
     /// @{
 
-    /// @param runnable  not owned; must live until the thread has ended. Null: run() runs.
-    /// @param stackSize  in bytes; a value below the system's default, or 0, means the default
+    /// @param runnable  not owned; must live until the thread has ended. If it is null, the thread
+    ///     calls run().
+    /// @param stackSize  in bytes; 0 or a value below the system's default means the default
     explicit QBLThread(QBLThreadRunnable* runnable = nullptr, unsigned long stackSize = 0);
     QBLThread(const QBLThread&) = delete;
     QBLThread& operator=(const QBLThread&) = delete;
-    /// Joins a thread that still runs; on that thread itself, lets it go instead. The caller is
-    /// not cancelled meanwhile.
+    /// Joins the thread if it still runs. On the thread itself, detaches it instead. A cancellation
+    /// of the caller takes effect only afterwards.
     ~QBLThread() override;
     /// @}
 
@@ -40,45 +41,49 @@ public:
     void run() override;
 
     /// Requires: the library is initialised.
-    /// @throws QBLIllegalStateError if it was started and not joined since;
-    ///     QBLOutOfMemoryError; QBLThreadResourceError, without a text when the system has no
-    ///     more threads to give
+    /// @throws QBLIllegalStateError if the thread was started and not joined since;
+    ///     QBLOutOfMemoryError; QBLThreadResourceError, without a text if the system has no more
+    ///     threads
     void start();
-    /// Waits until the thread has ended; returns at once if none was started. After it the
+    /// Waits until the thread has ended. Returns at once if no thread was started. Afterwards the
     /// thread may be started again.
-    /// @throws QBLThreadResourceError if called on the thread itself or on a lost one
+    /// @throws QBLThreadResourceError if called on the thread itself, if the thread had no memory
+    ///     to begin, or if the system cannot join it
     void join();
-    /// The same for destructors: throws nothing, puts a cancellation of the caller off, and returns
+    /// The same for destructors. Throws nothing, defers a cancellation of the caller, and returns
     /// at once on the thread itself.
     void joinQuietly() noexcept;
-    /// @return false before start() and once the thread has ended.
+    /// @return false before start() and after the thread has ended.
     bool isAlive() const;
     /// @}
 
     /// @name The calling thread
     /// @{
 
-    /// Lets other threads go first.
+    /// Lets other threads run first.
     static void yield();
-    /// The calling thread's number in the process, counted from 1; 0 if the library is stopped.
+    /// Returns the calling thread's number in the process, counted from 1; 0 if the library is
+    /// stopped.
     static unsigned long currentThreadId();
     static void sleep(unsigned long ms);
 
-    /// Sets or clears what the calling thread calls when its run() is over, however it ended. If
-    /// that was by pthread_exit or a cancellation, the routine must not end the thread a second
-    /// time.
-    /// @param set  non-zero stores the routine, 0 takes an earlier one away
-    /// @return 0; -1 for a null routine to set, or on a thread that no QBLThread started
+    /// Sets or removes the routine that the calling thread calls after its run() has ended, in
+    /// whatever way. If run() ended by pthread_exit or a cancellation, the routine must not end the
+    /// thread again.
+    /// @param set  non-zero sets the routine, 0 removes an earlier one
+    /// @return 0; -1 if the routine to set is null, if no QBLThread started the calling thread, or
+    ///     if the library is stopped
     static int atExit(void (*routine)(), int set);
     /// @}
 
     /// @name Start and stop of the library
     /// @{
 
-    /// Opens the key that leads from a thread to its QBLThread; part of the library's start.
-    /// @return 0, also when it is open; -2 out of memory; -1 for any other failure
+    /// Opens the key that maps a thread to its QBLThread. The library's start calls it.
+    /// @return 0, also if the key is open; -2 if out of memory; -1 for any other failure
     static int Initialize();
-    /// Closes the key: atExit() has no effect from then on. @return 0
+    /// Closes the key. From then on atExit() returns -1.
+    /// @return 0
     static int Terminate();
     /// @}
 
@@ -90,7 +95,7 @@ private:
     TavThread* m_pThread;  // atomic; kept from start() to the next start or the destructor
     QBLThreadRunnable* m_pRunnable;
     unsigned long m_stackSize;
-    void (*m_pAtExit)();  // used by the thread itself only
+    void (*m_pAtExit)();  // only the thread itself uses it
 };
 
 #endif

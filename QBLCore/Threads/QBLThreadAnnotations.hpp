@@ -1,8 +1,8 @@
 #ifndef QBLCORE_THREADS_QBLTHREADANNOTATIONS_HPP
 #define QBLCORE_THREADS_QBLTHREADANNOTATIONS_HPP
 
-/// Clang's thread-safety annotations (-Wthread-safety): which lock an operation takes or needs
-/// and which lock guards a field. They mean nothing to other compilers.
+/// Clang's thread-safety annotations (-Wthread-safety). They tell which lock an operation takes or
+/// needs, and which lock guards a field. For other compilers they are empty.
 #if defined(__clang__)
 #define QBL_THREAD_ATTRIBUTE(x) __attribute__((x))
 #else
@@ -19,7 +19,7 @@
 #define QBL_TRY_ACQUIRE_SHARED(...) QBL_THREAD_ATTRIBUTE(try_acquire_shared_capability(__VA_ARGS__))
 #define QBL_RELEASE(...) QBL_THREAD_ATTRIBUTE(release_capability(__VA_ARGS__))
 #define QBL_RELEASE_GENERIC(...) QBL_THREAD_ATTRIBUTE(release_generic_capability(__VA_ARGS__))
-/// For code that takes a lock by other means than an annotated operation.
+/// For code that does not take its locks with annotated operations.
 #define QBL_NO_THREAD_SAFETY_ANALYSIS QBL_THREAD_ATTRIBUTE(no_thread_safety_analysis)
 
 #endif

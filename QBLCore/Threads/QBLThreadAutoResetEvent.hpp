@@ -6,8 +6,8 @@
 
 struct TavEvent;
 
-/// A signal that exactly one waiter takes; without a waiter it stays until one comes.
-/// Signalling twice before that is as good as once.
+/// An event whose signal exactly one waiter takes. Without a waiter, the signal stays until one
+/// comes. Several signals before that count as one.
 ///
 /// An operation that the thread layer refuses throws QBLThreadResourceError with a text that
 /// names the operation.
@@ -15,16 +15,16 @@ struct TavEvent;
 /// Threads: any thread may call any operation; the event must outlive every call.
 class QBL_API QBLThreadAutoResetEvent {
 public:
-    /// @param signaled  non-zero begins with the signal given
-    /// @throws QBLThreadResourceError, also for lack of memory
+    /// @param signaled  non-zero makes an event that is signalled
+    /// @throws QBLThreadResourceError, also if memory is exhausted
     explicit QBLThreadAutoResetEvent(int signaled = 0);
     virtual ~QBLThreadAutoResetEvent();
     QBLThreadAutoResetEvent(const QBLThreadAutoResetEvent&) = delete;
     QBLThreadAutoResetEvent& operator=(const QBLThreadAutoResetEvent&) = delete;
 
     void wait();
-    /// The time begins anew when another waiter was faster.
-    /// @return false when the time ran out first.
+    /// If another waiter takes the signal first, the full time starts again.
+    /// @return false if the time ran out.
     [[nodiscard]] bool timedWait(unsigned long ms);
     void signal();
 

@@ -17,7 +17,7 @@ const char kSignal[] =
 const char kBroadcast[] =
     "QBLThreadConditionVariable::broadcast: TavThread interface or unexpected error";
 
-// Null, which the layer refuses, for a mutex that keeps a record of its holder.
+// Returns null, which the layer refuses, for a mutex that records its holder.
 pthread_mutex_t* waitable(TavMutex* mutex) {
     return tavMutexExtras(mutex) == 0 ? tavMutexNative(mutex) : nullptr;
 }

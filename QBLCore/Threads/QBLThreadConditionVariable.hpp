@@ -8,12 +8,13 @@ class QBLThreadRecursiveCriticalSection;
 class QBLThreadRecursiveMutex;
 struct TavCondition;
 
-/// Where threads wait, under a lock that the wait gives up meanwhile, for a change that
-/// another thread announces. A wait may also end without one: test in a loop.
+/// Threads wait here for a change that another thread signals. A waiter holds a lock, and the wait
+/// releases it meanwhile. A wait may also end without a signal, so test for the change in a loop.
 ///
-/// The lock is a plain one: a recursive or owner-tracking lock is refused with
-/// QBLThreadResourceError, because its record of the holder would be wrong meanwhile. An
-/// operation that the thread layer refuses throws the same, with a text that names it.
+/// The lock must be a plain one. With a recursive or owner-tracking lock a wait throws
+/// QBLThreadResourceError, because the lock's record of its holder would be wrong during the wait.
+/// An operation that the thread layer refuses throws the same error, with a text that names the
+/// operation.
 ///
 /// Threads: any thread may call any operation; the variable must outlive every call.
 ///
@@ -21,18 +22,20 @@ struct TavCondition;
 ///     while (m_jobs.empty()) m_arrived.wait(m_mutex);
 class QBL_API QBLThreadConditionVariable {
 public:
-    /// @throws QBLThreadResourceError, also for lack of memory
+    /// @throws QBLThreadResourceError, also if memory is exhausted
     QBLThreadConditionVariable();
     virtual ~QBLThreadConditionVariable();
     QBLThreadConditionVariable(const QBLThreadConditionVariable&) = delete;
     QBLThreadConditionVariable& operator=(const QBLThreadConditionVariable&) = delete;
 
-    /// Requires: the caller holds the lock. It holds it again when the wait ends, however.
+    /// Requires: the caller holds the lock. The caller holds it again when the wait ends, in
+    /// whatever way.
     void wait(QBLThreadMutex& lock) QBL_REQUIRES(lock);
     void wait(QBLThreadCriticalSection& lock) QBL_REQUIRES(lock);
     void wait(QBLThreadRecursiveMutex&) = delete;
     void wait(QBLThreadRecursiveCriticalSection&) = delete;
-    /// @return false when the time ran out; measured on the time of day.
+    /// @param ms  measured on the time-of-day clock
+    /// @return false if the time ran out.
     [[nodiscard]] bool timedWait(QBLThreadMutex& lock, unsigned long ms) QBL_REQUIRES(lock);
     [[nodiscard]] bool timedWait(QBLThreadCriticalSection& lock, unsigned long ms)
         QBL_REQUIRES(lock);

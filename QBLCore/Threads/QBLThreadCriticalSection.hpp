@@ -5,7 +5,7 @@
 
 struct TavMutex;
 
-/// The plain lock of the library's own data: a QBLThreadMutex without the timed operation.
+/// A QBLThreadMutex without the timed operation. The library uses it for its own data.
 ///
 /// Works before the library is started and after it is stopped. An operation that the thread
 /// layer refuses throws QBLThreadResourceError with a text that names the operation.
@@ -20,7 +20,7 @@ public:
 
     void lock() override QBL_ACQUIRE();
     void unlock() override QBL_RELEASE();
-    /// @return false when another holder has the section.
+    /// @return false if another thread holds the section.
     [[nodiscard]] bool tryLock() QBL_TRY_ACQUIRE(true);
 
 protected:

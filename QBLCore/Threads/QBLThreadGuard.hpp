@@ -3,8 +3,8 @@
 
 #include "QBLCore/Threads/QBLThreadLockableResource.hpp"
 
-/// Holds a lock from its construction to the end of its scope, whichever way that is left.
-/// An error from unlocking there is dropped: a destructor has nobody to tell it to.
+/// Holds a lock from its construction to the end of its scope, however the scope ends. Drops an
+/// error of unlock(), because a destructor cannot report it.
 ///
 /// Threads: a guard belongs to the thread that made it, which holds the lock.
 ///

@@ -3,17 +3,17 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
-/// Starts the thread layer for the process by being constructed. Its destructor does not stop
-/// it: that is qblThreadProcessTerminate()'s, for whoever wants it.
+/// The constructor starts the thread layer of the process. The destructor does not stop it;
+/// qblThreadProcessTerminate() does.
 ///
-/// Threads: any thread may make one, and read it.
+/// Threads: any thread may make an object and read it.
 class QBL_API QBLThreadInit {
 public:
     /// @throws QBLThreadResourceError if the start failed
     QBLThreadInit();
 
     bool getSuccess() const { return m_bSuccess; }
-    /// What qblThreadProcessInitialize() returned.
+    /// The result of qblThreadProcessInitialize().
     int getErrorCode() const { return m_iErrorCode; }
 
 private:

@@ -5,14 +5,14 @@
 
 struct TavThreadKey;
 
-/// A pointer of which every thread has its own, null until it sets it.
+/// A pointer with a separate value for each thread. It is null until the thread sets it.
 ///
 /// Threads: any thread may call any operation; the key must outlive every call.
 class QBL_API QBLThreadKey {
 public:
-    /// @param destructor  called at the end of each thread with the value that it left, unless
-    ///     that is null; not called for values left when the key is destroyed
-    /// @throws QBLOutOfMemoryError, QBLThreadResourceError (the system has no key left)
+    /// @param destructor  called with the thread's value when a thread ends, unless the value is
+    ///     null. Not called for values that exist when the key is destroyed.
+    /// @throws QBLOutOfMemoryError, QBLThreadResourceError (the system has no more keys)
     explicit QBLThreadKey(void (*destructor)(void*) = nullptr);
     virtual ~QBLThreadKey();
     QBLThreadKey(const QBLThreadKey&) = delete;

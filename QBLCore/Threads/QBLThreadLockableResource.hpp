@@ -4,7 +4,7 @@
 #include "QBLCore/Frame/QBLExport.h"
 #include "QBLCore/Threads/QBLThreadAnnotations.hpp"
 
-/// Anything that one holder at a time can lock; QBLThreadGuard holds it for a scope.
+/// A lock that one holder at a time can have. QBLThreadGuard holds it for a scope.
 ///
 /// Threads: as the derived class says.
 class QBL_API QBL_CAPABILITY("lock") QBLThreadLockableResource {

@@ -6,30 +6,30 @@
 
 struct TavEvent;
 
-/// A signal that lets every waiter pass until it is reset.
+/// An event whose signal lets every waiter pass until the event is reset.
 ///
 /// An operation that the thread layer refuses throws QBLThreadResourceError with a text that
 /// names the operation.
 ///
-/// Threads: any thread may call any operation but initialize(); the event must outlive every
+/// Threads: any thread may call any operation except initialize(); the event must outlive every
 /// call.
 class QBL_API QBLThreadManualResetEvent {
 public:
-    /// @param signaled  non-zero begins with the signal given
-    /// @throws QBLThreadResourceError, also for lack of memory
+    /// @param signaled  non-zero makes an event that is signalled
+    /// @throws QBLThreadResourceError, also if memory is exhausted
     explicit QBLThreadManualResetEvent(int signaled = 0);
     virtual ~QBLThreadManualResetEvent();
     QBLThreadManualResetEvent(const QBLThreadManualResetEvent&) = delete;
     QBLThreadManualResetEvent& operator=(const QBLThreadManualResetEvent&) = delete;
 
-    /// Begins anew; on failure the event stays as it was.
+    /// Replaces the event by a new one. On failure the event does not change.
     /// Requires: no other thread uses the event meanwhile.
     /// @throws QBLThreadResourceError with the constructor's text
     void initialize(int signaled);
 
     void wait();
-    /// The time begins anew when the signal came and was reset before the waiter saw it.
-    /// @return false when the time ran out first.
+    /// If the event is signalled and reset before the waiter notices, the full time starts again.
+    /// @return false if the time ran out.
     [[nodiscard]] bool timedWait(unsigned long ms);
     void signal();
     void reset();

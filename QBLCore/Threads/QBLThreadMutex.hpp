@@ -6,7 +6,7 @@
 
 struct TavMutex;
 
-/// A mutex that one thread at a time holds and that its holder must not lock again.
+/// A mutex. One thread at a time holds it, and must not lock it again.
 ///
 /// Works before the library is started and after it is stopped. An operation that the thread
 /// layer refuses throws QBLThreadResourceError with a text that names the operation.
@@ -14,20 +14,20 @@ struct TavMutex;
 /// Threads: any thread may call any operation; the mutex must outlive every call.
 class QBL_API QBL_CAPABILITY("mutex") QBLThreadMutex : public QBLThreadLockableResource {
 public:
-    /// @param trackOwner  non-zero keeps for each holder its thread and the place that locked,
-    ///     for debuggers. It costs time, and a thread that the library cannot give a record to
-    ///     gets QBLThreadResourceError from lock(), with the mutex locked all the same.
+    /// @param trackOwner  non-zero records the holder's thread and the place that locked, for
+    ///     debuggers. This costs time. If the library cannot make a record for the thread, lock()
+    ///     throws QBLThreadResourceError, but the mutex is locked nevertheless.
     /// @throws QBLOutOfMemoryError, QBLThreadResourceError
     explicit QBLThreadMutex(int trackOwner = 0);
     ~QBLThreadMutex() override;
 
     void lock() override QBL_ACQUIRE();
     void unlock() override QBL_RELEASE();
-    /// @return false when another holder has the mutex.
+    /// @return false if another thread holds the mutex.
     [[nodiscard]] bool tryLock() QBL_TRY_ACQUIRE(true);
-    /// Looks at the mutex about every 100 ms, and not again after the last wait: one that comes
-    /// free during that is not seen. A refusal takes up to twice the time for short timeouts.
-    /// @return false when the time ran out first.
+    /// Tries about every 100 ms, but not after the last wait: it misses a mutex that becomes free
+    /// during that wait. With a short timeout, a failure takes up to twice the time.
+    /// @return false if the time ran out.
     [[nodiscard]] bool timedLock(unsigned long ms) QBL_TRY_ACQUIRE(true);
 
 protected:

@@ -10,13 +10,13 @@ namespace {
 
 const char kLayerName[] = "QBLThreads";
 
-/// The starts not yet taken back.
+/// The number of starts that are not undone.
 struct Starts {
     QBLThreadCriticalSection lock{0};
     int count = 0;  // guarded by lock
 };
 
-// Made when the library is loaded, so that no start or stop fails for want of it.
+// Created when the library is loaded, so that no start or stop can fail to create it.
 Starts& g_starts = qblImmortal<Starts>();
 
 }  // namespace
@@ -24,8 +24,8 @@ Starts& g_starts = qblImmortal<Starts>();
 int qblThreadProcessInitialize(const char*) {
     QBLThreadGuard guard(g_starts.lock);
     ++g_starts.count;
-    // The layer's own result is deliberately not looked at: without the layer no thread starts,
-    // and that is reported where one is started.
+    // The layer's own result is deliberately ignored: without the layer no thread starts, and
+    // QBLThread::start() reports that.
     tavThreadProcessInitialize(kLayerName);
     return QBLThread::Initialize();
 }
@@ -34,6 +34,7 @@ int qblThreadProcessTerminate(const char*) {
     QBLThreadGuard guard(g_starts.lock);
     if (g_starts.count > 0) --g_starts.count;
     tavThreadProcessTerminate(kLayerName);
-    // The layer counts for itself, the key does not: it must last as long as the layer.
+    // The layer counts its starts, but the key does not. The key must stay open as long as the
+    // layer runs.
     return g_starts.count == 0 ? QBLThread::Terminate() : 0;
 }

@@ -7,14 +7,15 @@
 extern "C" {
 #endif
 
-/// Starts the thread layer and what QBLThread needs for the process. Calls are counted: the
-/// threads work until as many stops. qblCoreInitialize() does this first of all.
+/// Starts the thread layer and the parts of QBLThread that the process needs. Calls are counted:
+/// threads work until there were as many stops. qblCoreInitialize() calls this first.
 ///
-/// Threads: any thread may call either at any time.
+/// Threads: any thread may call both functions at any time.
 /// @param name  not used
-/// @return 0; -2 out of memory; -1 for any other failure
+/// @return 0; -2 if out of memory; -1 for any other failure
 QBL_API int qblThreadProcessInitialize(const char* name);
-/// Takes one start back; the last one stops. Threads that still run are not waited for.
+/// Undoes one start. Stops the layer if it was the last one. Does not wait for threads that still
+/// run.
 /// @param name  not used
 /// @return 0
 QBL_API int qblThreadProcessTerminate(const char* name);

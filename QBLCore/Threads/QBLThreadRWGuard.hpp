@@ -3,8 +3,8 @@
 
 #include "QBLCore/Threads/QBLThreadRWLockableResource.hpp"
 
-/// Holds a read-write lock for a scope, as a writer or as one of its readers.
-/// An error from unlocking at the end is dropped, as in QBLThreadGuard.
+/// Holds a read-write lock for a scope, as the writer or as a reader. Drops an error of unlock(),
+/// as QBLThreadGuard does.
 ///
 /// Threads: a guard belongs to the thread that made it, which holds the lock.
 ///

@@ -6,8 +6,8 @@
 
 struct TavRWLock;
 
-/// A lock that either one writer or any number of readers hold. Writers go first: while one
-/// waits, new readers wait too, so a reader must not lock again.
+/// A lock that one writer or any number of readers hold. Writers go first: while a writer waits,
+/// new readers wait too. So a reader must not lock it again.
 ///
 /// An operation that the thread layer refuses throws QBLThreadResourceError with a text that
 /// names the operation.
@@ -20,20 +20,20 @@ public:
     QBLThreadRWLock();
     ~QBLThreadRWLock() override;
 
-    /// Takes the lock as its writer.
+    /// Locks as the writer.
     void lock() override QBL_ACQUIRE();
-    /// Gives up the writer's or one reader's hold.
+    /// Releases the lock of the writer or of one reader.
     void unlock() override QBL_RELEASE_GENERIC();
     void readLock() override QBL_ACQUIRE_SHARED();
 
-    /// @return false when anybody holds the lock.
+    /// @return false if any thread holds the lock.
     [[nodiscard]] bool tryLock() QBL_TRY_ACQUIRE(true);
-    /// @return false when a writer holds the lock or waits for it.
+    /// @return false if a writer holds the lock or waits for it.
     [[nodiscard]] bool tryReadLock() QBL_TRY_ACQUIRE_SHARED(true);
-    /// The time begins anew whenever the lock came free and was taken by another first.
-    /// @return false when the time ran out.
+    /// If another thread takes the lock first when it becomes free, the full time starts again.
+    /// @return false if the time ran out.
     [[nodiscard]] bool timedLock(unsigned long ms) QBL_TRY_ACQUIRE(true);
-    /// As timedLock(), for a reader's share.
+    /// As timedLock(), for a reader.
     [[nodiscard]] bool timedReadLock(unsigned long ms) QBL_TRY_ACQUIRE_SHARED(true);
 
 private:

@@ -3,8 +3,8 @@
 
 #include "QBLCore/Threads/QBLThreadLockableResource.hpp"
 
-/// A lockable that several readers can hold at once; lock() is the writer's. QBLThreadRWGuard
-/// holds it either way for a scope.
+/// A lock that several readers can hold at the same time. lock() locks as the writer.
+/// QBLThreadRWGuard holds it for a scope as the writer or as a reader.
 ///
 /// Threads: as the derived class says.
 class QBL_API QBL_CAPABILITY("read-write lock") QBLThreadRWLockableResource
@@ -12,7 +12,7 @@ class QBL_API QBL_CAPABILITY("read-write lock") QBLThreadRWLockableResource
 public:
     ~QBLThreadRWLockableResource() override;
 
-    /// Waits until no writer holds the lock and takes a share of it.
+    /// Waits until no writer holds the lock, and locks as a reader.
     virtual void readLock() QBL_ACQUIRE_SHARED() = 0;
 };
 

@@ -3,9 +3,9 @@
 
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 
-/// A QBLThreadCriticalSection that its holder may lock again; it is free after as many unlocks as
+/// A QBLThreadCriticalSection that its holder may lock again. It is free after as many unlocks as
 /// locks. An unlock by another thread throws QBLThreadResourceError and changes nothing. Condition
-/// variables do not wait with it.
+/// variables do not accept it.
 ///
 /// Threads: any thread may call any operation; the section must outlive every call.
 class QBL_API QBL_CAPABILITY("mutex") QBLThreadRecursiveCriticalSection

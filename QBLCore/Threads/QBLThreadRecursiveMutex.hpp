@@ -3,9 +3,9 @@
 
 #include "QBLCore/Threads/QBLThreadMutex.hpp"
 
-/// A QBLThreadMutex that its holder may lock again; it is free after as many unlocks as locks.
-/// An unlock by another thread throws QBLThreadResourceError and changes nothing. Condition
-/// variables do not wait with it.
+/// A QBLThreadMutex that its holder may lock again. It is free after as many unlocks as locks. An
+/// unlock by another thread throws QBLThreadResourceError and changes nothing. Condition variables
+/// do not accept it.
 ///
 /// Threads: any thread may call any operation; the mutex must outlive every call.
 class QBL_API QBL_CAPABILITY("mutex") QBLThreadRecursiveMutex : public QBLThreadMutex {

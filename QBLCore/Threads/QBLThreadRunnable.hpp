@@ -5,15 +5,15 @@
 
 /// A piece of work for a thread or a thread pool.
 ///
-/// Threads: run() is called by the thread that does the work; by several at a time, if the runnable
-/// was handed over more than once.
+/// Threads: the thread that does the work calls run(). If the runnable was handed over more than
+/// once, several threads may call it at the same time.
 class QBL_API QBLThreadRunnable {
 public:
     QBLThreadRunnable() = default;
     virtual ~QBLThreadRunnable();
 
-    /// Runs on the thread that does the work. An exception that leaves it ends the work and is
-    /// dropped: keep an error in a QBLDeferredThrowable to show it elsewhere.
+    /// Does the work. An exception that leaves it ends the work and is dropped. Keep an error in a
+    /// QBLDeferredThrowable to throw it elsewhere.
     virtual void run() = 0;
 };
 

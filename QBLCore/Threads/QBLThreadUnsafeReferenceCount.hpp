@@ -3,9 +3,9 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
-/// Base of objects that count their users and clean up when the last one goes.
+/// Base of objects that count their references and clean up when the last one is removed.
 ///
-/// Threads: for objects that one thread uses; QBLReferenceCount is for shared ones.
+/// Threads: only one thread may use an object; QBLReferenceCount is for shared objects.
 class QBL_API QBLThreadUnsafeReferenceCount {
 public:
     explicit QBLThreadUnsafeReferenceCount(int initial = 0);
@@ -15,12 +15,12 @@ public:
 
     /// @return the new count.
     virtual int addReference();
-    /// Calls cleanup() when the count comes down to 0, after which the object may be gone.
+    /// Calls cleanup() if the count becomes 0. After that the object may be destroyed.
     /// @return the new count.
     virtual int removeReference();
     virtual int getReferenceCount();
-    /// What to do when nobody refers to the object any more: nothing here, for objects on the
-    /// stack; objects on the heap usually `delete this`.
+    /// Called when the last reference is removed. Does nothing here, for objects on the stack.
+    /// Objects on the heap usually `delete this`.
     virtual void cleanup();
 
 protected:

@@ -4,8 +4,8 @@
 #include "TavThread/TavMutex.h"
 #include "TavThread/shared/TavMutexRecord.hpp"
 
-/// The layer mutex of QBLThreadMutex and QBLThreadCriticalSection.
-/// @return the layer's result; *out is null when it is not 0.
+/// Creates the layer's mutex for QBLThreadMutex and QBLThreadCriticalSection.
+/// @return the layer's result; *out is null if it is not 0.
 inline int qblCreateMutex(TavMutex** out, bool trackOwner, bool recursive) {
     const int tracking = trackOwner ? TavMutexAttrTrackOwner : TavMutexAttrNoop;
     const int repeating = recursive ? TavMutexAttrRecursive : TavMutexAttrNoop;

@@ -4,8 +4,8 @@
 #include "QBLCore/Threads/QBLThread.hpp"
 #include "QBLCore/Threads/QBLThreadSemaphore.hpp"
 
-/// Waits until a thread that was started has begun, which it tells by a post.
-/// @return false if it got no memory even to begin.
+/// Waits until a started thread has begun. The thread then posts `began`.
+/// @return false if the thread had no memory to begin.
 inline bool qblHasBegun(const QBLThread& thread, QBLThreadSemaphore& began) {
     while (!began.boundedWait(10))
         if (!thread.isAlive()) return began.tryWait();

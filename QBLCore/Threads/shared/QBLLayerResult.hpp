@@ -6,11 +6,11 @@
 #include "QBLCore/Exceptions/QBLFileLocation.hpp"
 #include "TavThread/TavResult.h"
 
-/// How the lock classes turn results of the thread layer into exceptions. The place goes by value,
-/// which costs an operation that succeeds nothing.
+/// The lock classes use these functions to turn results of the thread layer into exceptions. The
+/// place is passed by value, so that it costs nothing if the operation succeeds.
 
-/// Throws an error with a text, which is left out with the trace where there is no memory for it:
-/// the class of the error is what callers rely on.
+/// Throws an error with a text. Omits the text and the trace if there is no memory for them,
+/// because callers rely on the class of the error.
 template <class Error>
 [[noreturn]] void qblThrow(const QBLFileLocation& where, const char* text) {
     try {
@@ -29,29 +29,29 @@ inline void settle(int result, QBLFileLocation where, const char* text) {
     if (__builtin_expect(result != TAVTHREAD_OK, 0)) qblThrowThreadResource(where, text);
 }
 
-/// For constructors of the classes that have a text for exhausted memory.
+/// For constructors of classes that have a text for exhausted memory.
 inline void settleCreate(int result, QBLFileLocation where, const char* text,
                          const char* noMemoryText) {
     if (result == TAVTHREAD_NOMEM) qblThrowOutOfMemory(where, noMemoryText);
     settle(result, where, text);
 }
 
-/// For try operations: false when the object was taken.
+/// For try operations. Returns false if the object was taken.
 inline bool settleTry(int result, QBLFileLocation where, const char* text) {
     if (result == TAVTHREAD_BUSY) return false;
     settle(result, where, text);
     return true;
 }
 
-/// For timed operations: false when the time ran out.
+/// For timed operations. Returns false if the time ran out.
 inline bool settleTimed(int result, QBLFileLocation where, const char* text) {
     if (result == TAVTHREAD_TIMEOUT) return false;
     settle(result, where, text);
     return true;
 }
 
-/// A timeout as the layer takes it. Where long has 64 bits, a time too long for the layer
-/// becomes its longest, never a short one.
+/// Converts a timeout for the layer. If long has 64 bits, a time that is too long for the layer
+/// becomes its longest time.
 inline unsigned int layerTimeout(unsigned long ms) {
     if (ms == ~0UL || ms == TAVTHREAD_INFINITE) return TAVTHREAD_INFINITE;
     return ms < TAVTHREAD_INFINITE ? static_cast<unsigned int>(ms) : TAVTHREAD_INFINITE - 1;
