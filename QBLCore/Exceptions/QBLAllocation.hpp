@@ -4,16 +4,16 @@
 #include "QBLCore/Exceptions/QBLFileLocation.hpp"
 #include "QBLCore/Frame/QBLExport.h"
 
-/// Inside a handler: passes the current exception on as one of the library's. A throwable goes
-/// on with a trace entry for the place, std::bad_alloc becomes QBLOutOfMemoryError without a
-/// text, any other std::exception QBLStdExceptionError with its what(), and anything else
-/// QBLUnknownError. A thread's cancellation or exit passes through untouched.
+/// For handlers: rethrows the current exception as a throwable of the library. A throwable gets a
+/// trace entry for the place. std::bad_alloc becomes QBLOutOfMemoryError without a text, any other
+/// std::exception becomes QBLStdExceptionError with its what(), and anything else becomes
+/// QBLUnknownError. A thread's cancellation or exit passes through unchanged.
 ///
 /// Threads: any thread.
 [[noreturn]] QBL_API void qblRethrowTranslated(const QBLFileLocation& where,
                                                const char* detail = nullptr);
 
-/// Bracket for code that allocates, so that only throwables leave it:
+/// Encloses code that allocates, so that only throwables leave it:
 ///     QBL_ALLOC_TRY
 ///         m_pBuffer = new char[size];
 ///     QBL_ALLOC_CATCH

@@ -6,8 +6,8 @@
 
 class QBLThrowable;
 
-/// Holds a copy of a throwable, so that an error caught in one place can be raised in another
-/// or on another thread.
+/// Holds a copy of a throwable, so that an error caught in one place can be thrown again in another
+/// place or on another thread.
 ///
 /// Threads: not synchronised; hand it over under a lock or after joining.
 ///
@@ -15,7 +15,7 @@ class QBLThrowable;
 ///     error.check(QBL_HERE, nullptr, "QBL_THROW");  // on the thread that joined it
 class QBL_API QBLDeferredThrowable {
 public:
-    /// Empty: holds nothing.
+    /// Holds nothing.
     QBLDeferredThrowable();
     explicit QBLDeferredThrowable(const QBLThrowable& error);
     QBLDeferredThrowable(const QBLDeferredThrowable& other);
@@ -23,10 +23,11 @@ public:
     QBLDeferredThrowable& operator=(const QBLThrowable& error);
     virtual ~QBLDeferredThrowable();
 
-    /// Holds a copy of error instead of what it held; error may be the one that it holds.
+    /// Replaces the held throwable by a copy of error, which may be the held throwable itself.
     void set(const QBLThrowable& error);
-    /// Throws a copy of what is held, as its own class, with a trace entry for the place. The
-    /// entry also stays in the one that is held, so a second check shows both places.
+    /// Throws a copy of the held throwable, as its own class and with a trace entry for the place.
+    /// Does nothing if it holds nothing. The held throwable keeps the entry, so a second check
+    /// shows both places.
     void check(const QBLFileLocation& where, const char* detail, const char* tag);
     void clear();
 

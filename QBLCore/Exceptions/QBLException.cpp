@@ -8,7 +8,7 @@ namespace {
 
 const char kLanguage[] = "en";
 
-/// A block for delete[], as a throwable's texts are.
+/// Returns a block for delete[], like all texts of a throwable.
 char* toOwned(const I18NString& text) {
     char* bytes = nullptr;
     text.toBytes(&bytes, nullptr, nullptr, QBLI18NStringAllocator, nullptr);
@@ -60,8 +60,8 @@ const char* QBLException::toString() {
     return xmlText;
 }
 
-// The blank before the end of a trace element is not in QBLThrowable's form: readers of these
-// reports know both as they are.
+// Unlike QBLThrowable's form, this form has a blank before the end of a trace element. Programs
+// that read these reports rely on both forms.
 void QBLException::toString(const char* language, const char* fallbackLanguage, I18NString& out,
                             int flag) {
     const auto appendMessages = [&] {

@@ -5,8 +5,8 @@
 #include "QBLCore/Exceptions/QBLThrowableClass.hpp"
 #include "QBLCore/Messages/QBLMessageSet.hpp"
 
-/// A throwable that carries messages, which it shows in the language of whoever looks at it. It
-/// becomes concrete in a line:
+/// A throwable with messages, which it shows in the reader's language. One line makes a derived
+/// class concrete:
 ///
 ///     class DiskError : public QBLException {
 ///     public:
@@ -15,7 +15,8 @@
 ///     };
 ///     QBL_THROW(DiskError(7) << QBLMessage("mytexts", 104) << QBLErrnoMessage(errno));
 ///
-/// The severity is "Error" unless another is given, whatever that of the messages.
+/// The severity is "Error" unless another one is given. The severities of the messages do not
+/// change it.
 ///
 /// Threads: as with QBLThrowable.
 class QBL_API QBLException : public QBLThrowable, public QBLMessageSet {
@@ -27,21 +28,21 @@ public:
     /// @param codeText  the error code as a text; null leaves the exception without a code
     explicit QBLException(const char* codeText);
     QBLException(QBLSeverity severity, const char* codeText);
-    /// A severity alone would silently be taken for an error number.
+    /// Deleted: a severity alone would silently be used as an error number.
     explicit QBLException(QBLSeverity) = delete;
     QBLException(const QBLException& other);
     QBLException& operator=(const QBLException& other);
     ~QBLException() override;
 
-    /// The messages in English, one after the other, as UTF-8; formatted by the first call, or
-    /// before that by a call of the constant form, and the same from then on.
+    /// Returns the messages in English, one after the other, as UTF-8. The first call of this or of
+    /// the const form formats them. Later calls return the same text.
     const char* getMessage() override;
-    /// The XML form with the messages in English; made by the first call, and the same from then
-    /// on, whatever is added later.
+    /// Returns the XML form with the messages in English. The first call makes it. Later calls
+    /// return the same text, even after messages were added.
     const char* toString() override;
     virtual const char* getMessage() const;
-    /// Appends the XML form with the messages as they show themselves in a language.
-    /// @param language, fallbackLanguage, flag  as of QBLMessageBase::toString
+    /// Appends the XML form, with the messages in a language.
+    /// @param language, fallbackLanguage, flag  as for QBLMessageBase::toString
     virtual void toString(const char* language, const char* fallbackLanguage, I18NString& out,
                           int flag);
 

@@ -1,9 +1,9 @@
 #ifndef QBLCORE_EXCEPTIONS_QBLFILELOCATION_HPP
 #define QBLCORE_EXCEPTIONS_QBLFILELOCATION_HPP
 
-/// A place in a source file. The file name is not owned: it is meant to be __FILE__.
+/// A place in a source file. The file name is not owned; it is usually __FILE__.
 ///
-/// Threads: any thread may read one; changing one is not synchronised.
+/// Threads: any thread may read a place; changes are not synchronised.
 class QBLFileLocation {
 public:
     constexpr QBLFileLocation(const char* file, int line) : m_pFile(file), m_iLine(line) {}
@@ -16,7 +16,7 @@ private:
     int m_iLine;
 };
 
-/// The place where it stands.
+/// The place of this macro in the source.
 #define QBL_HERE QBLFileLocation(__FILE__, __LINE__)
 
 #endif

@@ -3,13 +3,13 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
-/// For I18NString::toBytes: blocks for delete[]. Unlike realloc(3) it keeps nothing of the old
-/// block, which it deletes in any case.
+/// Allocates blocks for I18NString::toBytes, to be freed with delete[]. Always deletes the old
+/// block. Unlike realloc(3), does not copy its contents.
 /// @param context  not used
-/// @param old  a block of new char[]; null for none
+/// @param old  a block of new char[]; may be null
 /// @param size  in bytes; below 1 for no new block
-/// @param status  receives 0, or -1 when memory is exhausted; null if not wanted
-/// @return the block; null for none, and after a failure
+/// @param status  receives 0, or -1 if memory is exhausted; may be null
+/// @return the new block; null if none was requested, and after a failure
 ///
 /// Threads: any thread.
 QBL_API char* QBLI18NStringAllocator(void* context, char* old, int size, int* status);

@@ -3,7 +3,7 @@
 
 #include "QBLCore/Exceptions/QBLRuntimeError.hpp"
 
-/// An argument that the operation does not take.
+/// An argument that the operation does not accept.
 ///
 /// Threads: as with QBLThrowable.
 class QBL_API QBLIllegalArgumentError : public QBLRuntimeError {

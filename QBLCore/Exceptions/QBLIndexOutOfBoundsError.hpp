@@ -3,7 +3,7 @@
 
 #include "QBLCore/Exceptions/QBLRuntimeError.hpp"
 
-/// A position outside of what it indexes.
+/// An index outside the valid range.
 ///
 /// Threads: as with QBLThrowable.
 class QBL_API QBLIndexOutOfBoundsError : public QBLRuntimeError {

@@ -1,7 +1,8 @@
 #ifndef QBLCORE_EXCEPTIONS_QBLSEVERITY_HPP
 #define QBLCORE_EXCEPTIONS_QBLSEVERITY_HPP
 
-/// How grave an error or a message is; the type can carry any int, only these have names.
+/// How severe an error or a message is. The type can hold any int, but only these values have
+/// names.
 enum QBLSeverity : int {
     QBLSeverityFatal = 0,
     QBLSeverityError = 1,

@@ -3,7 +3,7 @@
 
 #include "QBLCore/Exceptions/QBLUnexpectedError.hpp"
 
-/// A std::exception of other code; the text is its what().
+/// A std::exception from other code. The text is its what().
 ///
 /// Threads: as with QBLThrowable.
 class QBL_API QBLStdExceptionError : public QBLUnexpectedError {

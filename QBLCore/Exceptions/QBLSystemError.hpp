@@ -3,7 +3,7 @@
 
 #include "QBLCore/Exceptions/QBLUnexpectedError.hpp"
 
-/// The system refused something.
+/// The system refused an operation.
 ///
 /// Threads: as with QBLThrowable.
 class QBL_API QBLSystemError : public QBLUnexpectedError {

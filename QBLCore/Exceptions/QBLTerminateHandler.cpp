@@ -25,7 +25,7 @@ void write(const char* text) { std::fprintf(stderr, "%s\n", text != nullptr ? te
     } catch (const std::exception& e) {
         write(e.what());
     } catch (...) {
-        // The handler before may know it.
+        // The previous handler may know it.
     }
     const std::terminate_handler previous = g_previous;
     if (previous != nullptr) previous();
@@ -35,7 +35,8 @@ void write(const char* text) { std::fprintf(stderr, "%s\n", text != nullptr ? te
 }  // namespace
 
 void qblInstallTerminateHandler() {
-    // Once: a handler that another has been put before, and that it calls, would call that again.
+    // Only once. If it were installed again over a handler that calls it, the two would call each
+    // other without end.
     static const bool kInstalled = [] {
         g_previous = std::set_terminate(report);
         return true;

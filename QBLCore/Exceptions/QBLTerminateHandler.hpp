@@ -3,11 +3,11 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
-/// From now on an uncaught throwable of the library is written to standard error, as a line of XML,
-/// before the process ends; of another exception its what(). The handler that was installed before
-/// is called afterwards.
+/// Installs a handler for uncaught exceptions. Before the process ends, it writes a throwable of
+/// the library to standard error as a line of XML, or another std::exception as its what(). Then it
+/// calls the handler that was installed before.
 ///
-/// Threads: any thread; a second call changes nothing.
+/// Threads: any thread may call this; a second call changes nothing.
 QBL_API void qblInstallTerminateHandler();
 
 #endif

@@ -3,7 +3,7 @@
 
 #include "QBLCore/Exceptions/QBLSystemError.hpp"
 
-/// A thread or a lock could not be had or did not work.
+/// A thread or a lock could not be created, or did not work.
 ///
 /// Threads: as with QBLThrowable.
 class QBL_API QBLThreadResourceError : public QBLSystemError {

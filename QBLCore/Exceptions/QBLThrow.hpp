@@ -4,8 +4,8 @@
 #include "QBLCore/Exceptions/QBLFileLocation.hpp"
 #include "QBLCore/Frame/QBLExport.h"
 
-/// Throws a throwable given as an expression; the back-trace gets this place. Where there is no
-/// memory to make the throwable, std::bad_alloc leaves instead, of every operation:
+/// Throws the given throwable and adds this place to its back-trace. If there is no memory to make
+/// the throwable, any operation may throw std::bad_alloc instead:
 ///     QBL_THROW(QBLIllegalStateError(0, "QBLThing::stop: not started"));
 ///
 /// Threads: any thread may use what is in this header.
@@ -13,7 +13,8 @@
 /// QBL_THROW with a detail in the trace entry, usually the operation's name.
 #define QBL_THROW_NAMED(error, detail) (error).hurl(QBL_HERE, detail, "QBL_THROW")
 
-/// Inside a handler that caught a throwable by reference: notes this place and passes it on:
+/// For a handler that caught a throwable by reference. Adds this place to its back-trace and
+/// rethrows it:
 ///     catch (QBLThrowable& e) { QBL_RETHROW(e); }
 #define QBL_RETHROW(error) QBL_RETHROW_NAMED(error, nullptr)
 #define QBL_RETHROW_NAMED(error, detail)                       \
@@ -22,27 +23,29 @@
         throw;                                                 \
     } while (false)
 
-/// Throws a QBLAssertError whose text is the statement itself unless the condition holds.
-/// Never compiled out. The condition may contain commas; names are not expanded in the text.
-/// A string literal, alone or after the last comma, always holds: the compiler refuses it.
+/// Throws a QBLAssertError if the condition is false. The error's text is the statement itself;
+/// macro names in it are not expanded. The assertion is never compiled out. The condition may
+/// contain commas. The compiler rejects a string literal, alone or after the last comma, because it
+/// would always be true.
 #define QBL_ASSERT(...)                                                                      \
     ((__VA_ARGS__) ? static_cast<void>(sizeof(QBLAssertHolds<!qblEndsInText(#__VA_ARGS__)>)) \
                    : qblAssertFailed(QBL_HERE, "QBL_ASSERT(" #__VA_ARGS__ ");"))
-/// QBL_ASSERT with an explanation after the condition, a string literal, as part of the
-/// statement's text.
+/// QBL_ASSERT with an explanation, a string literal, after the condition. The explanation is part
+/// of the statement's text.
 #define QBL_ASSERT_NAMED(...)                     \
     (qblHolds(__VA_ARGS__) ? static_cast<void>(0) \
                            : qblAssertFailed(QBL_HERE, "QBL_ASSERT_NAMED(" #__VA_ARGS__ ");"))
 
-/// Whether the source of a condition ends in string literals that are all of it, or all that
-/// follows a comma. The source is read because the type of a condition that contains a lambda
-/// cannot be had.
+/// Returns true if the source text of a condition ends in string literals, and these are the whole
+/// text or follow a comma. It parses the source text, because the type of a condition with a lambda
+/// is not available.
 constexpr bool qblEndsInText(const char* source) {
     const char* at = source;
     while (*at != '\0') ++at;
     bool isText = false;
     while (at != source && at[-1] == '"') {
-        // Back to the quote that begins the literal: quotes within have a backslash in front.
+        // Goes back to the quote that begins the literal. Quotes inside have a backslash before
+        // them.
         for (--at; at != source && (at[-1] != '"' || (at - 1 != source && at[-2] == '\\'));) --at;
         if (at == source) return false;
         for (--at; at != source && at[-1] == ' ';) --at;
@@ -51,7 +54,7 @@ constexpr bool qblEndsInText(const char* source) {
     return isText && (at == source || at[-1] == ',');
 }
 
-/// A condition of a QBL_ASSERT that is one.
+/// Rejects a text as the condition of a QBL_ASSERT.
 template <bool kIsCondition>
 struct QBLAssertHolds {
     static_assert(kIsCondition, "a text always holds: QBL_ASSERT_NAMED takes it after a condition");

@@ -15,7 +15,7 @@ const char kNoName[] = "<NULL THROWABLE NAME>";
 const char kNoFile[] = "<NULL FILE>";
 const char* const kSeverityNames[] = {"Fatal", "Error", "Warning", "Information"};
 
-/// A decimal int in a buffer of its own.
+/// An int as decimal text, in its own buffer.
 class Decimal {
 public:
     explicit Decimal(int value)
@@ -45,8 +45,8 @@ QBLThrowable::QBLThrowable()
       severity(QBLSeverityFatal),
       messageText(nullptr) {}
 
-// The others build on the default constructor, so that an allocation failing halfway runs the
-// destructor over what is there already.
+// The other constructors delegate to the default constructor. So if an allocation fails halfway,
+// the destructor frees what was already allocated.
 QBLThrowable::QBLThrowable(QBLSeverity theSeverity, int code, const char* text) : QBLThrowable() {
     errorCode = code;
     severity = theSeverity;
@@ -109,7 +109,7 @@ const char* QBLThrowable::toString() {
         qblAppendThrowable(xml, getThrowableName(), code, getSeverityName(severity), appendMessages,
                            backTrace, "\"/>");
     } catch (const std::length_error&) {
-        throw std::bad_alloc();  // as for anything else that there is no room for
+        throw std::bad_alloc();  // as for all texts that do not fit into memory
     }
     char* text = qblCopyString(std::string_view(xml));
     delete[] xmlText;
@@ -145,7 +145,7 @@ void QBLThrowable::addBackTrace(const QBLFileLocation& where, const char* detail
                                       tagged ? tag : "",
                                       tagged ? ": " : "",
                                       detail != nullptr ? detail : ""};
-    // One text may be several of the parts, so that their sum need not fit the address space.
+    // Several parts may be the same text, so their total size may exceed the address space.
     std::size_t size = 1;
     for (std::string_view part : parts)
         if (__builtin_add_overflow(size, part.size(), &size)) return;
@@ -158,12 +158,12 @@ void QBLThrowable::addBackTrace(const QBLFileLocation& where, const char* detail
         backTrace.push_front(entry.get());
         entry.release();
     } catch (...) {
-        // An error on its way is worth more than its trace.
+        // The error itself matters more than its trace.
     }
 }
 
 void QBLThrowable::copyBackTrace(const QBLList<char*>& entries) {
-    // The list may be this throwable's own, which grows meanwhile.
+    // The list may be this throwable's own, which grows during the loop.
     unsigned int left = entries.size();
     for (auto it = entries.begin(); left != 0; ++it, --left) append(backTrace, *it);
 }

@@ -6,12 +6,12 @@
 #include "QBLCore/Frame/QBLExport.h"
 #include "QBLCore/Frame/QBLList.hpp"
 
-/// Root of everything that the library throws: an error code (a number or a text), a
-/// severity, a message text, and a back-trace with an entry for each place it was thrown or
-/// rethrown at, latest first. Throw with the macros of QBLThrow.hpp.
+/// Root of everything that the library throws. It has an error code (a number or a text), a
+/// severity, a message text and a back-trace. The back-trace has an entry for each place where it
+/// was thrown or rethrown, the latest first. Throw with the macros of QBLThrow.hpp.
 ///
-/// All strings are copies of its own. Copying and the XML form let a failed allocation pass
-/// as std::bad_alloc; a trace entry that finds no memory is left out instead.
+/// A throwable copies all its strings. If memory is exhausted, copying and the XML form throw
+/// std::bad_alloc, but a trace entry is left out instead.
 ///
 /// Threads: not synchronised; a throwable belongs to the thread that caught it. Hand it to
 /// another thread in a QBLDeferredThrowable.
@@ -31,9 +31,9 @@ public:
     /// @param codeText  the error code as a text; null leaves the throwable without a code
     QBLThrowable(const char* codeText, const char* text);
     QBLThrowable(QBLSeverity severity, const char* codeText, const char* text);
-    /// A severity alone would silently be taken for an error number.
+    /// Deleted: a severity alone would silently be used as an error number.
     QBLThrowable(QBLSeverity, const char*) = delete;
-    /// Copies everything, the back-trace entry by entry and the cached XML text too.
+    /// Copies everything, including the entries of the back-trace and the cached XML text.
     QBLThrowable(const QBLThrowable& other);
     QBLThrowable& operator=(const QBLThrowable& other);
     virtual ~QBLThrowable();
@@ -42,27 +42,28 @@ public:
     /// @name Copying, throwing and showing
     /// @{
 
-    /// A copy on the heap of the same class; the caller deletes it.
+    /// Returns a copy of the same class on the heap. The caller deletes it.
     virtual QBLThrowable* clone() const = 0;
     /// Adds a trace entry to this object and throws a copy of it, as its own class.
     [[noreturn]] virtual void hurl(const QBLFileLocation& where, const char* detail,
                                    const char* tag) = 0;
-    /// The message text, owned by the throwable; null when there is none.
+    /// Returns the message text, which the throwable owns; null if there is no text.
     virtual const char* getMessage();
-    /// The name of the class, as the XML form and the back-trace show it.
+    /// Returns the name of the class, as the XML form and the back-trace show it.
     virtual const char* getThrowableName() const = 0;
-    /// The XML form, on one line: `<Exception>` with Name, Error and Severity, then the message
-    /// text and the trace entries where there are any. Texts are inserted as they are, without
-    /// escaping. Built anew by each call; stays valid until the next one.
+    /// Returns the XML form, on one line: `<Exception>` with Name, Error and Severity, then the
+    /// message text and the trace entries, if there are any. Texts are inserted without escaping.
+    /// Each call makes a new text, which is valid until the next call.
     virtual const char* toString();
     /// @}
 
     /// @name Code and severity
     /// @{
 
-    /// 0 when the code is a text.
+    /// Returns 0 if the code is a text.
     long getErrorCode() const { return errorCode; }
-    /// The code as text, owned by the throwable; null when it was made from a null code text.
+    /// Returns the code as a text, which the throwable owns; null if it was made from a null code
+    /// text.
     const char* getErrorCodeString();
     QBLSeverity getSeverity() const { return severity; }
     /// "Fatal", "Error", "Warning" or "Information"; "Unknown" for any other value.
@@ -72,30 +73,32 @@ public:
     /// @name Back-trace
     /// @{
 
-    /// Entries of the form `file(line): name: tag: detail`, the latest first.
+    /// Returns entries of the form `file(line): name: tag: detail`, the latest first.
     const QBLList<char*>& getBackTrace() const { return backTrace; }
-    /// Puts an entry at the front. A null or empty tag or detail is left out (a separator in
-    /// front of a missing detail stays). Without memory for the entry nothing happens.
+    /// Adds an entry at the front. Leaves out a null or empty tag or detail, but keeps the
+    /// separator before a missing detail. Does nothing if there is no memory for the entry.
     void addBackTrace(const QBLFileLocation& where, const char* detail, const char* tag) noexcept;
-    /// Appends copies of all entries of a list that may be this throwable's own.
+    /// Appends copies of all entries of a list. The list may be this throwable's own.
     void copyBackTrace(const QBLList<char*>& entries);
-    /// Moves all entries of another throwable to the end of this one's; onto itself, nothing.
+    /// Moves all entries of another throwable to the end of this back-trace. Does nothing if the
+    /// other throwable is this one.
     void transferBackTrace(QBLThrowable& other);
     /// @}
 
-    /// @name Emptying
+    /// @name Clearing
     /// @{
 
-    /// Frees the back-trace, the texts and the cached XML text; number and severity stay.
+    /// Frees the back-trace, the texts and the cached XML text. The error number and the severity
+    /// stay.
     void clear();
     /// @}
 
 protected:
-    char* xmlText;             ///< the latest XML form; null until one was asked for
+    char* xmlText;             ///< the latest XML form; null before the first request
     QBLList<char*> backTrace;  ///< owns its strings
-    int numericCode;           ///< 1 when the error code is a number, 0 when it is a text
+    int numericCode;           ///< 1 if the error code is a number, 0 if it is a text
     int errorCode;
-    char* errorCodeText;  ///< given, or formatted from errorCode when first asked for
+    char* errorCodeText;  ///< given, or formatted from errorCode at the first request
     QBLSeverity severity;
     char* messageText;
 

@@ -3,8 +3,8 @@
 
 #include "QBLCore/Exceptions/QBLFileLocation.hpp"
 
-/// The three operations that make a throwable class concrete, for the public section of a
-/// class of one's own that the program alone uses:
+/// Defines the three operations that make a throwable class concrete. It goes into the public
+/// section of a class that only the program uses:
 ///
 ///     class ParseError : public QBLRuntimeError {
 ///     public:
@@ -20,9 +20,9 @@
     }                                                                                         \
     const char* getThrowableName() const override { return #Class; }
 
-/// The same for a class that a shared object exports: the first line into the public section,
-/// the second into one source file. The destructor's definition there pins down the one set
-/// of type information by which catch clauses of every shared object know the class.
+/// The same for a class that a shared object exports. The first macro goes into the public section,
+/// the second into one source file. Because the destructor is defined there, the class has only one
+/// set of type information, by which the catch clauses of all shared objects recognise the class.
 #define QBL_EXPORTED_THROWABLE(Class, Base)                                                   \
     using Base::Base;                                                                         \
     Class();                                                                                  \

@@ -3,7 +3,7 @@
 
 #include "QBLCore/Exceptions/QBLSystemError.hpp"
 
-/// An operation that this system does not have.
+/// An operation that this system does not support.
 ///
 /// Threads: as with QBLThrowable.
 class QBL_API QBLUnsupportedOperationError : public QBLSystemError {

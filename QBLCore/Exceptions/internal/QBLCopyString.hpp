@@ -3,14 +3,14 @@
 
 #include <string_view>
 
-/// A NUL-terminated copy for delete[].
+/// Returns a null-terminated copy, to be freed with delete[].
 inline char* qblCopyString(std::string_view text) {
     char* copy = new char[text.size() + 1];
     copy[text.copy(copy, text.size())] = '\0';
     return copy;
 }
 
-/// As above; null for null.
+/// The same. Returns null for null.
 inline char* qblCopyString(const char* text) {
     return text != nullptr ? qblCopyString(std::string_view(text)) : nullptr;
 }

@@ -4,16 +4,17 @@
 #include "QBLCore/Exceptions/QBLSeverity.hpp"
 #include "QBLCore/Frame/QBLList.hpp"
 
-/// The XML element of a throwable: its begin tag, the messages, the back-trace, its end tag.
-/// @param code  null shows as 0
-/// @param messages  appends what is between the begin tag and the back-trace
-/// @param traceEnd  how the element of a trace entry ends
+/// Appends the XML element of a throwable: its start tag, the messages, the back-trace, its end
+/// tag.
+/// @param code  null is shown as 0
+/// @param messages  appends the text between the start tag and the back-trace
+/// @param traceEnd  the end of the element of a trace entry
 template <class Text, class Messages>
 void qblAppendThrowable(Text& out, const char* name, const char* code, const char* severity,
                         const Messages& messages, const QBLList<char*>& trace,
                         const char* traceEnd) {
     out.append("<Exception Name=\"").append(name != nullptr ? name : "<NULL THROWABLE NAME>");
-    // The custodian prints whatever it caught, and a null text can be a code.
+    // The custodian prints every throwable that it catches, and a code can be a null text.
     out.append("\" Error=\"").append(code != nullptr ? code : "0");
     out.append("\" Severity=\"").append(severity).append("\">");
     messages();

@@ -6,8 +6,8 @@
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 
-/// Throws QBLOutOfMemoryError with a text, or without one where there is no memory for the text
-/// either. QBL_THROW would let std::bad_alloc leave then.
+/// Throws QBLOutOfMemoryError with a text, or without it if there is no memory for the text.
+/// QBL_THROW would throw std::bad_alloc in that case.
 /// @param text  may be null
 [[noreturn]] inline void qblThrowNoMemory(const QBLFileLocation& where,
                                           const char* text = nullptr) {
