@@ -1,7 +1,8 @@
 #ifndef QBLCORE_PLUGINS_QBLPLUGINERRORCODE_HPP
 #define QBLCORE_PLUGINS_QBLPLUGINERRORCODE_HPP
 
-/// What failed with a plug-in; also the identifiers of the texts in the catalogue "qblpluginmsgs".
+/// The operation on a plug-in that failed. The numbers are also the identifiers of the texts in the
+/// catalogue "qblpluginmsgs".
 enum QBLPluginErrorCode : int { QBLPluginLoadFailed = 1, QBLPluginUnloadFailed = 2 };
 
 #endif

@@ -4,15 +4,15 @@
 #include "QBLCore/Exceptions/QBLException.hpp"
 #include "QBLCore/PlugIns/QBLPluginErrorCode.hpp"
 
-/// A plug-in that cannot be loaded or unloaded, or an error of its own making.
+/// A plug-in cannot be loaded or unloaded, or reports an error of its own.
 ///
 /// Threads: as with QBLThrowable.
 class QBL_API QBLPluginException : public QBLException {
 public:
-    /// With the catalogue's message for the code; the severity is "Error" unless given.
+    /// Has the catalogue's message for the code. The severity is "Error" unless given.
     explicit QBLPluginException(QBLPluginErrorCode code);
     QBLPluginException(QBLSeverity severity, QBLPluginErrorCode code);
-    /// Without a message.
+    /// Has no message.
     /// @param codeText  the error code as a text; null leaves the exception without a code
     explicit QBLPluginException(const char* codeText);
     QBLPluginException(QBLSeverity severity, const char* codeText);

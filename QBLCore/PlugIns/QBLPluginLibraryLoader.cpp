@@ -21,7 +21,7 @@ const char kNotAFile[] = "It is not a regular file.";
 const char kNoHandle[] = "There is no handle.";
 const char kNoReason[] = "The system gives no reason.";
 
-/// False also for what is not there.
+/// Returns false if the file does not exist.
 bool isSpecialFile(const char* path) {
     QBLFileStatus status;
     return status.get(path) && !status.isRegular();
@@ -41,11 +41,11 @@ void* QBLPluginLibraryLoader::load(const std::string& path) {
     resolved = path;
     QBLFmDir::resolveEffectivePath(resolved);
     QBL_ALLOC_CATCH
-    // The system would take an empty path for the program itself, and the rest for no part of one.
+    // For the system, an empty path means the program itself, and a zero ends the path.
     if (path.empty() || path.find('\0') != std::string::npos)
         QBL_THROW_NAMED(failure(QBLPluginLoadFailed, kBadPath), kLoad);
-    // The system copies a name to the stack before it looks how long that is, and waits for whoever
-    // writes to a pipe, in a call that keeps all threads from their libraries.
+    // dlopen(3) copies a name to the stack before it checks the length. It also waits for a writer
+    // of a pipe, and meanwhile blocks the loading of libraries on all threads.
     if (resolved.size() >= PATH_MAX) QBL_THROW_NAMED(failure(QBLPluginLoadFailed, kTooLong), kLoad);
     if (resolved.find('/') != std::string::npos && isSpecialFile(resolved.c_str()))
         QBL_THROW_NAMED(failure(QBLPluginLoadFailed, kNotAFile), kLoad);

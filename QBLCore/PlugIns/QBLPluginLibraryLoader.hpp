@@ -7,13 +7,14 @@
 
 /// Loads shared objects into the process and unloads them.
 ///
-/// A plug-in may be built with hidden visibility: what it throws of the library's classes is caught
-/// by its type. An exception of a class of its own must be gone, with all copies, before the
-/// plug-in is unloaded.
+/// A plug-in may be built with hidden visibility: catch clauses still recognise the library's
+/// classes that it throws. Exceptions of the plug-in's own classes, and all their copies, must be
+/// destroyed before the plug-in is unloaded.
 ///
-/// Loading runs the file's code, and trusts what it holds: whoever can write to it, to its
-/// directory or to one that the system searches can do what the process may. A damaged file may end
-/// the process, and an exception that leaves a static constructor of the plug-in does.
+/// Loading runs the code in the file and trusts it. Anyone who can write to the file, to its
+/// directory or to a directory that the system searches can do what the process may do. A damaged
+/// file may end the process. An exception that leaves a static constructor of the plug-in ends the
+/// process.
 ///
 /// Threads: any thread.
 ///
@@ -24,21 +25,21 @@ class QBL_API QBLPluginLibraryLoader {
 public:
     QBLPluginLibraryLoader() = delete;
 
-    /// Loads a shared object; functions that it calls are bound when they are called first. Each
-    /// load of one that is loaded already is counted, and needs an unload of its own.
-    /// @param path  as QBLFmDir::resolveEffectivePath sees it; a name without "/" is then looked
-    ///     for where the system looks for libraries, as in dlopen(3), which also replaces $ORIGIN,
-    ///     $LIB and $PLATFORM in a path
-    /// @return the handle, as dlsym(3) takes it
-    /// @throws QBLPluginException 1, with the reason as its second message: the system's, or that
-    ///     this is no regular file or no path; QBLOutOfMemoryError
+    /// Loads a shared object. Functions that it calls are bound at their first call. Loads are
+    /// counted: each load needs its own unload.
+    /// @param path  resolved by QBLFmDir::resolveEffectivePath. Then dlopen(3) searches the
+    ///     system's library directories for a name without "/", and replaces $ORIGIN, $LIB and
+    ///     $PLATFORM in a path.
+    /// @return the handle, for dlsym(3)
+    /// @throws QBLPluginException 1, with the reason as its second message: the system's reason, or
+    ///     that the file is not regular, or that the path is not valid; QBLOutOfMemoryError
     [[nodiscard]] static void* load(const std::string& path);
-    /// Takes a load back; the last one unloads the plug-in, of which nothing may be in use any more
-    /// then: functions, objects, threads, registered tasks.
-    /// @param handle  of load(), with no more unloads than loads
+    /// Undoes one load. The last unload removes the plug-in. At that time the program must no
+    /// longer use its functions, objects, threads or registered tasks.
+    /// @param handle  from load(). There must not be more unloads than loads.
     /// @throws QBLPluginException 2, with the reason as its second message; QBLOutOfMemoryError
     static void unload(void* handle);
-    /// Call an entry point of a plug-in; null does nothing.
+    /// Calls an entry point of a plug-in. Does nothing if it is null.
     /// @throws what the entry point throws
     static void initialize(void* handle, void (*entry)());
     static void terminate(void* handle, void (*entry)());
