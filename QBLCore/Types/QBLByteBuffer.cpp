@@ -15,8 +15,8 @@ namespace {
 
 const unsigned int kDefaultBlock = 8;
 const unsigned int kDefaultPrintfBuffer = 4096;
-const std::uint64_t kMost = 0xFFFFFFFE;  // a limit; its array is one byte more
-const unsigned int kLarge = 64U << 20;   // from here on an array takes less than a half more
+const std::uint64_t kMost = 0xFFFFFFFE;  // the largest capacity; its array has one byte more
+const unsigned int kLarge = 64U << 20;   // an array of this size grows by an eighth, not by half
 
 using Array = std::unique_ptr<char[]>;
 
@@ -25,7 +25,7 @@ unsigned int checkedLimit(std::uint64_t limit) {
     return static_cast<unsigned int>(limit);
 }
 
-/// (n + block) / block * block - 1, which may be too much for a limit.
+/// (n + block) / block * block - 1, which may exceed kMost.
 std::uint64_t roundUp(unsigned int n, unsigned int block) {
     return std::uint64_t{n} + (block - 1 - n % block);
 }
@@ -38,7 +38,8 @@ Array newArray(unsigned int limit) {
     QBL_BUFFER_ALLOC_CATCH
 }
 
-/// Begins an array with the bytes given; the others become zero, as setLength() may show them.
+/// Copies the bytes to the start of the array and sets the rest to zero, because setLength() may
+/// show it.
 Array filled(Array array, unsigned int limit, const char* bytes, std::size_t count) {
     if (count != 0) std::memcpy(array.get(), bytes, count);
     std::memset(array.get() + count, 0, arraySize(limit) - count);
@@ -166,7 +167,7 @@ unsigned int QBLByteBuffer::setPrintfBufferSize(unsigned int size) {
     return before;
 }
 
-// What is appended may be in the array that is replaced.
+// The appended bytes may be in the array that grow() replaces, so it is freed after the copy.
 QBLByteBuffer& QBLByteBuffer::appendGrowing(const char* p, std::size_t length) {
     QBL_BUFFER_ASSERT_ARRAY("appendChars");
     if (length == 0) return *this;
@@ -184,8 +185,8 @@ QBLByteBuffer& QBLByteBuffer::appendGrowing(char c) {
     return append(&c, 1);
 }
 
-// Raises the capacity to what is needed, which is above it. Gives back the array that was replaced,
-// or null if the one there suffices.
+// Raises the capacity to at least `needed`, which must exceed it. Returns the replaced array for
+// the caller to delete, or null if the present array is large enough.
 char* QBLByteBuffer::grow(unsigned long long needed) {
     const unsigned int n = checkedLimit(needed);
     std::uint64_t limit = m_iAllocLimit;
@@ -201,9 +202,10 @@ char* QBLByteBuffer::grow(unsigned long long needed) {
     return replaced;
 }
 
-// Takes a share more than there was where it can, so that small blocks, too, move each byte only a
-// few times. What is refused is halved: each array then takes at least half of the memory left. A
-// new-handler is called for the array that is needed, and for no larger one.
+// If possible, makes the array larger than `limit` by a share of its present size, so that each
+// byte is moved only a few times even with small blocks. If an allocation fails, halves that
+// surplus: each array then takes at least half of the memory left. Only the allocation without a
+// surplus may call a new-handler.
 char* QBLByteBuffer::replaceArray(unsigned int limit) {
     unsigned int surplus = m_iArrayLimit / (m_iArrayLimit < kLarge ? 2 : 8);
     unsigned int arrayLimit = limit;

@@ -6,22 +6,22 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
-/// A string of bytes that grows as it is appended to, with a zero byte behind it always. It may
-/// hold zero bytes itself. What is given to an operation may be part of the buffer, also where that
-/// grows.
+/// A byte string that grows when bytes are appended. It is always null-terminated and may also
+/// contain null bytes. Arguments may point into the buffer itself, even if the operation grows it.
 ///
-/// It grows by whole blocks, or by one half. How far is settled, and shows in setLength();
-/// appending costs the same for each byte all the same, however small the blocks are: the array
-/// takes up to a half more than it had, from 64 MiB on up to an eighth. Where that is refused, it
-/// takes less, down to what is needed; only then is a new-handler called.
+/// The capacity grows by whole blocks or by half, exactly as documented, because setLength()
+/// depends on it. The allocated array may be larger than the capacity: it grows by up to half of
+/// its size, from 64 MiB on by up to an eighth. So an appended byte costs the same on average, even
+/// with small blocks. If memory does not suffice for the larger array, the buffer tries smaller
+/// ones, down to the needed size; only the attempt with the needed size calls a new-handler.
 ///
-/// Errors: QBLOutOfMemoryError, also for more than 4,294,967,294 bytes, whole blocks included (one
-/// half more is cut to that); QBLAssertError where said. If a replaced operator new throws anything
-/// else, a throwable is passed on with an entry in its trace, a std::exception becomes
-/// QBLStdExceptionError, and what is neither is passed on as it is. The content is as it was after
-/// an error.
+/// Errors: QBLOutOfMemoryError if memory runs out, or if the capacity would exceed 4,294,967,294
+/// bytes, rounded up to whole blocks (growth by half is capped there); QBLAssertError where
+/// documented. A replaced operator new may throw other exceptions: a throwable gets a trace entry
+/// and is passed on, a std::exception becomes QBLStdExceptionError, any other exception is passed
+/// on as it is. After an error, the content is unchanged.
 ///
-/// Threads: one at a time for each object.
+/// Threads: one thread at a time for each object.
 ///
 ///     QBLByteBuffer line(QBLByteBuffer::GROW_BY_HALF);
 ///     line << "port " << 8080 << ',' << ' ';
@@ -32,19 +32,20 @@ public:
     /// @name Making a buffer
     /// @{
 
-    /// Any value but 0 grows by half.
+    /// Any value except 0 selects growth by half.
     enum Growth : unsigned int { GROW_BY_BLOCK = 0, GROW_BY_HALF = 1 };
 
-    /// Grows by blocks. The array, of one byte more than the capacity, is a whole number of them.
-    /// @param initialSize  bytes that it takes without growing, at least
+    /// Creates a buffer that grows by blocks: the capacity plus 1 is a multiple of the block size.
+    /// @param initialSize  the minimum capacity in bytes
     /// @param blockSize  in bytes; 0 means 8
     explicit QBLByteBuffer(unsigned int initialSize = 0, unsigned int blockSize = 0);
-    /// @param blockSize  of no meaning to a buffer that grows by half, which begins with just the
-    ///     initial size
+    /// Creates a buffer that grows by blocks or by half. With growth by half, the capacity is
+    /// initialSize at first.
+    /// @param blockSize  ignored with growth by half
     explicit QBLByteBuffer(Growth growth, unsigned int initialSize = 0, unsigned int blockSize = 0);
-    /// Takes the capacity too, and all that is set.
+    /// Copies content, capacity and settings.
     QBLByteBuffer(const QBLByteBuffer& other);
-    /// Takes the other's capacity, also if that is less than this one's was.
+    /// Copies content, capacity and settings, even if this reduces the capacity.
     QBLByteBuffer& operator=(const QBLByteBuffer& other);
     virtual ~QBLByteBuffer();
     /// @}
@@ -52,13 +53,15 @@ public:
     /// @name Capacity and length
     /// @{
 
-    /// Makes room for n bytes in all. Where one half more is enough for a buffer that grows by
-    /// half, it grows by that, else to n. Pointers into the array end here, and wherever it grows.
+    /// Raises the capacity to at least n bytes in total. With growth by half, the buffer grows by
+    /// half if this is enough, otherwise to n. Growth, here and in other operations, invalidates
+    /// pointers into the array.
     void reserve(unsigned int n) {
         if (n > m_iAllocLimit) delete[] grow(n);
     }
-    /// Cuts the content, or takes to it what is in the array behind it: what was written through
-    /// str(), or cut off; never anything undefined. More than the capacity is ignored.
+    /// Truncates the content to n bytes, or extends it with the bytes that follow it in the array:
+    /// bytes that were written through str() or cut off before, else zeros. Never shows
+    /// uninitialised memory. A length above the capacity is ignored.
     void setLength(unsigned int n);
     /// @}
 
@@ -66,9 +69,9 @@ public:
     /// @{
 
     /// Removes the first n bytes, or all if there are fewer.
-    /// @return the new count, as of the three below
+    /// @return the new length, as the three operations below
     unsigned int chop(unsigned int n);
-    /// White space is what isspace(3) says.
+    /// Removes white space, as isspace(3) defines it, from the front, the back or both.
     unsigned int trimFront();
     unsigned int trimBack();
     unsigned int trim();
@@ -77,7 +80,7 @@ public:
     /// @name Blocks
     /// @{
 
-    /// The capacity for n bytes, by blocks: ((n + block) / block) * block - 1.
+    /// Returns the capacity for n bytes in whole blocks: ((n + block) / block) * block - 1.
     /// @throws QBLAssertError if the buffer grows by half
     unsigned int roundUpToBlockSizeMultiple(unsigned int n) const;
     /// @}
@@ -85,8 +88,9 @@ public:
     /// @name Appending
     /// @{
 
-    /// Every appender gives the buffer back. What grows a buffer or fails is not inline.
-    /// @param p  len bytes
+    /// Appends len bytes. This and the operators return the buffer. Their inline code handles only
+    /// the case without growth and errors.
+    /// @param p  points to len bytes
     /// @throws QBLAssertError for null, unless len is 0
     QBLByteBuffer& appendChars(const char* p, unsigned int len) { return append(p, len); }
     QBLByteBuffer& operator<<(const QBLByteBuffer& other) {
@@ -104,26 +108,27 @@ public:
         ++m_iCount;
         return *this;
     }
-    /// In decimal, or as the hexadecimal digits of its two's complement.
+    /// Appends the number in decimal, or the hexadecimal digits of its two's complement, as
+    /// setHexRadix() selects.
     QBLByteBuffer& operator<<(int value);
     QBLByteBuffer& operator<<(long value);
     QBLByteBuffer& operator<<(unsigned int value);
     QBLByteBuffer& operator<<(unsigned long value);
-    /// Appends what printf(3) prints. Makes room for the printf buffer size first, whatever the
-    /// length of that.
-    /// @return bytes appended
-    /// @throws QBLAssertError for a format that the C library refuses; the room stays
+    /// Appends the output of printf(3). Before that, raises the capacity to the current length plus
+    /// the printf buffer size, even if the output is shorter.
+    /// @return the number of bytes appended
+    /// @throws QBLAssertError if vsnprintf(3) fails; the raised capacity stays
     int printf(const char* format, ...) __attribute__((format(printf, 2, 3)));
     /// @}
 
     /// @name Content
     /// @{
 
-    /// Empties the buffer, which keeps its capacity.
+    /// Empties the buffer; the capacity stays.
     void reset();
 
-    /// The content and its zero byte. Up to the capacity may be written; setLength() makes that
-    /// content:
+    /// Returns the content with its null byte. A caller may write as many bytes as the capacity and
+    /// then call setLength() to make them content:
     ///     buffer.reserve(size);
     ///     buffer.setLength(readSome(buffer.str(), size));
     const char* str() const { return m_pBuffer; }
@@ -134,11 +139,11 @@ public:
     /// @name Settings
     /// @{
 
-    /// Makes integers hexadecimal, or decimal again.
-    /// @return the radix until now, 10 or 16
+    /// Appends integers in hexadecimal from now on; in decimal if `on` is 0.
+    /// @return the previous radix, 10 or 16
     int setHexRadix(int on);
-    /// In bytes, 4096 at first.
-    /// @return the size until now
+    /// Sets the printf buffer size in bytes; 4096 at first.
+    /// @return the previous size
     unsigned int setPrintfBufferSize(unsigned int size);
     unsigned int getPrintfBufferSize() const { return m_iPrintfBufferSize; }
     /// @}
@@ -163,10 +168,10 @@ private:
     char* m_pBuffer;
     unsigned int m_iCount;
     unsigned int m_iAllocLimit;
-    unsigned int m_iBlockSize;  // 0 grows by half
+    unsigned int m_iBlockSize;  // 0: growth by half
     unsigned int m_iPrintfBufferSize;
     int m_iRadix;
-    unsigned int m_iArrayLimit;  // the array is one byte more; at least m_iAllocLimit
+    unsigned int m_iArrayLimit;  // size of the array less 1; at least m_iAllocLimit
 };
 
 #endif

@@ -25,7 +25,7 @@ char* writeInteger(char* to, Integer value, int radix) {
 
 }  // namespace
 
-// Inlined, as a copy of its own would be exported.
+// Always inlined, because a separate instance would be exported.
 template <class Integer>
 [[gnu::always_inline]] inline QBLByteBuffer& QBLByteBuffer::appendInteger(Integer value) {
     const bool fits = m_pBuffer != nullptr && m_iAllocLimit - m_iCount >= kIntegerRoom;
@@ -43,7 +43,7 @@ QBLByteBuffer& QBLByteBuffer::operator<<(long value) { return appendInteger(valu
 QBLByteBuffer& QBLByteBuffer::operator<<(unsigned int value) { return appendInteger(value); }
 QBLByteBuffer& QBLByteBuffer::operator<<(unsigned long value) { return appendInteger(value); }
 
-// Formats outside of the array, which the arguments may be in.
+// Formats into a separate array, because the arguments may point into the buffer.
 int QBLByteBuffer::printf(const char* format, ...) {
     QBL_BUFFER_ASSERT_ARRAY("printf");
     char shortText[kShortText];
@@ -59,7 +59,7 @@ int QBLByteBuffer::printf(const char* format, ...) {
         longText.reset(new char[size]);
         QBL_BUFFER_ALLOC_CATCH
         va_start(arguments, format);
-        // It may have become longer: by %n, or by another thread's setlocale().
+        // The text may be longer now: because of %n, or of a setlocale() in another thread.
         i = std::min(i, std::vsnprintf(longText.get(), size, format, arguments));
         va_end(arguments);
         text = longText.get();

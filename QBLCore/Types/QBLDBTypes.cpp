@@ -14,7 +14,7 @@
 
 namespace {
 
-/// The rows of a table by their codes: the first row of a code.
+/// Returns a table that is indexed by code and has the first row of each code.
 template <std::size_t kCodes, class Row, std::size_t kRows>
 constexpr std::array<Row, kCodes> byCode(const Row (&rows)[kRows]) {
     std::array<Row, kCodes> out{};
@@ -38,7 +38,7 @@ constexpr auto kXSTypesByCode = byCode<xsPositiveInteger + 1>(kXSTypes);
 static_assert(complete(kSqlColTypesByCode) && complete(kQBLDBDatatypesByCode) &&
               complete(kXSTypesByCode));
 
-/// The row of a code; that of no code, whose fields are all 0, outside the table.
+/// Returns the row of a code, or a row whose fields are all 0 if the code is not in the table.
 template <std::size_t kCodes, class Row, class Code>
 const Row& rowOf(const Row* entries, Code code) {
     static constexpr Row kNone{};
@@ -46,7 +46,7 @@ const Row& rowOf(const Row* entries, Code code) {
     return at < kCodes ? entries[at] : kNone;
 }
 
-/// Finds the rows of a table by their names.
+/// Finds rows of a table by name, with a binary search.
 template <class Row, std::size_t kRows>
 class NameIndex {
     static_assert(kRows <= 256);
@@ -61,7 +61,7 @@ public:
         }
     }
 
-    /// @return code 0 if there is none
+    /// @return the code of the name; 0 if no row has it
     auto find(const char* name) const {
         using Code = decltype(m_rows[0].code);
         if (name == nullptr) return Code{};
@@ -78,7 +78,7 @@ private:
     static constexpr bool isLess(std::string_view a, std::string_view b) { return a < b; }
 
     const Row (&m_rows)[kRows];
-    unsigned char m_sorted[kRows] = {};  // numbers of rows, by name
+    unsigned char m_sorted[kRows] = {};  // row numbers, sorted by name
 };
 
 constexpr NameIndex kSqlColTypeNames(kSqlColTypes);

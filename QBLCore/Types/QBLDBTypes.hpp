@@ -39,7 +39,7 @@ enum SqlColType : int {
     sqlInterval2
 };
 
-/// The library's own data types; they tag the values of variants too.
+/// The library's own data types. They also serve as tags of variant values.
 enum QBLDBDatatype : int {
     qblDTypeUnknown = 0,
     qblDTypeString,
@@ -105,7 +105,7 @@ enum QBLDBDatatype : int {
     qblDTypeTimestamp = qblDTypeDateTime
 };
 
-/// The built-in types of XML Schema. A name has the prefix "xs:", an enumerator only xs.
+/// The built-in types of XML Schema. Their names have the prefix "xs:", the enumerators xs.
 enum XSType : int {
     xsAnyType = 0,
     xsString,
@@ -158,14 +158,14 @@ struct QBLSqlColTypeRow;
 struct QBLDBDatatypeRow;
 struct QBLXSTypeRow;
 
-/// The catalogue of types: the names of SQL column types, data types and XML Schema types, and what
-/// a type of one vocabulary becomes in another. The tables are fixed; docs/types.md shows them.
+/// Maps between three sets of types: SQL column types, data types of the library, and XML Schema
+/// types. Also maps between types and their names. The tables are fixed; docs/types.md shows them.
 ///
-/// The mappings are not each other's inverse: xsBoolean becomes qblDTypeUInt16, for example, and
-/// qblDTypeBoolean becomes xsBoolean. What has no counterpart becomes code 0. Code 15 has two
-/// names, "qblDTypeDateTime", which getName() gives, and "qblDTypeTimestamp".
+/// The mappings are not inverse to each other: for example, xsBoolean maps to qblDTypeUInt16, but
+/// qblDTypeBoolean maps to xsBoolean. A type without a counterpart maps to code 0. Data type 15 has
+/// two names: "qblDTypeDateTime", which getName() returns, and "qblDTypeTimestamp".
 ///
-/// Nothing is kept of a name that was asked for, and nothing but get() can fail.
+/// The catalogue does not keep the names that callers pass. Only get() can fail.
 ///
 /// Threads: any thread may call any operation at any time.
 ///
@@ -177,20 +177,20 @@ public:
     /// @name The catalogue
     /// @{
 
-    /// The one catalogue of the process, made by the first call. It stays until the process ends.
-    /// @throws QBLOutOfMemoryError, QBLThreadResourceError; a later call tries again
+    /// Returns the catalogue of the process. The first call creates it; it is never destroyed.
+    /// @throws QBLOutOfMemoryError, QBLThreadResourceError; the next call tries again
     static QBLDBTypes* get();
     QBLDBTypes(const QBLDBTypes&) = delete;
     QBLDBTypes& operator=(const QBLDBTypes&) = delete;
 
-    /// Fills the catalogue, which get() has done; another call changes nothing.
+    /// Fills the catalogue. get() has already called it; further calls have no effect.
     void init();
     /// @}
 
-    /// @name From one vocabulary to another
+    /// @name Mappings
     /// @{
 
-    /// What a type becomes in another vocabulary; code 0 for a code that is in no table.
+    /// Maps a type to a type of another set. Returns code 0 for a code that is not in the table.
     XSType SqlColType2XSType(SqlColType type) const;
     QBLDBDatatype SqlColType2QBLDBDatatype(SqlColType type) const;
     SqlColType QBLDBDatatype2SqlColType(QBLDBDatatype type) const;
@@ -202,13 +202,13 @@ public:
     /// @name Names
     /// @{
 
-    /// @return a literal; null for a code that is in no table
+    /// @return the name, a string literal; null for a code that is not in the table
     const char* getName(SqlColType type) const;
     const char* getName(QBLDBDatatype type) const;
     const char* getName(XSType type) const;
 
-    /// The type of a name, which has to be the same in every letter.
-    /// @return code 0 for a name that is in no table, and for null
+    /// Returns the type with this name. Upper and lower case differ.
+    /// @return code 0 for an unknown name, and for null
     SqlColType getSqlColTypeCode(const char* name) const;
     QBLDBDatatype getQBLDBDatatypeCode(const char* name) const;
     XSType getXSTypeCode(const char* name) const;
@@ -217,7 +217,7 @@ public:
 private:
     QBLDBTypes() = default;
 
-    // By code; parts of the library, not of the catalogue.
+    // Tables indexed by code. They are static data of the library.
     const QBLSqlColTypeRow* m_pSqlColTypes = nullptr;
     const QBLDBDatatypeRow* m_pQBLDBDatatypes = nullptr;
     const QBLXSTypeRow* m_pXSTypes = nullptr;

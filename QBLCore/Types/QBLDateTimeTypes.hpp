@@ -3,11 +3,11 @@
 
 #include <cstdint>
 
-// Dates, times and intervals as databases have them, in the Gregorian calendar. Fractions are in
-// nanoseconds. An interval is below zero if its field says so by any number but 0. QBLTypeCast
-// reads and writes them as text.
+// Dates, times and intervals as databases store them, in the Gregorian calendar. Fractions are in
+// nanoseconds. An interval is negative if its field `negative` is not 0. QBLTypeCast converts these
+// types from and to text.
 //
-// Threads: any thread may read one; changing one is not synchronised.
+// Threads: any number of threads may read an object; changes are not synchronised.
 
 struct QBLDate2 {
     std::int16_t year;
@@ -32,8 +32,8 @@ struct QBLTimestamp2 {
     std::int32_t fraction;
 };
 
-/// The displacement is the sign, the hours and the minutes as one decimal number, from -1259 to
-/// 1300: 530 is +05:30, -30 is -00:30. The other fields are the local time.
+/// A local time and its time zone. `displacement` is the difference from UTC, written as the
+/// decimal number +-HHMM, from -1259 to 1300: 530 is +05:30, -30 is -00:30.
 struct QBLTimestampTZ {
     std::int16_t year;
     std::int8_t month;
@@ -45,7 +45,7 @@ struct QBLTimestampTZ {
     std::int16_t displacement;
 };
 
-/// The displacement is that of QBLTimestampTZ.
+/// A local time and its time zone; `displacement` as in QBLTimestampTZ.
 struct QBLTimeTZ {
     std::int8_t hour;
     std::int8_t minute;
@@ -54,7 +54,7 @@ struct QBLTimeTZ {
     std::int16_t displacement;
 };
 
-/// A day-time interval; negative is 1 for one that goes back, and 0 for another.
+/// A day-time interval; QBLTypeCast stores 1 or 0 in `negative`.
 struct QBLInterval2 {
     std::int32_t negative;
     std::int32_t days;
@@ -64,7 +64,7 @@ struct QBLInterval2 {
     std::int32_t fraction;
 };
 
-/// A year-month interval; negative is 1 for one that goes back, and 0 for another.
+/// A year-month interval; QBLTypeCast stores 1 or 0 in `negative`.
 struct QBLIntervalYM {
     std::int32_t negative;
     std::int32_t years;

@@ -2,7 +2,7 @@
 
 namespace {
 
-/// 128 bits, the most significant first.
+/// A 128-bit number; the most significant part comes first.
 struct Wide {
     std::uint32_t part[4];
 
@@ -14,7 +14,7 @@ struct Wide {
             out.part[i] = static_cast<std::uint32_t>(carry);
             carry >>= 32;
         }
-        // Of the 131 bits, those that count are at the top again.
+        // Shifts the product of up to 131 bits so that its highest bit is at the top again.
         const int shift = carry >= 4 ? 3 : 2;
         for (std::uint32_t& p : out.part) {
             const std::uint64_t both = carry << 32 | p;
@@ -25,7 +25,7 @@ struct Wide {
     }
 
     constexpr Wide byTen() const {
-        // Times 8 or 4, by 5: whichever gives 128 bits.
+        // Multiplies by 8 or 4 and divides by 5. The factor makes the quotient 128 bits long.
         const int shift = part[0] < 0xA0000000U ? 3 : 2;
         Wide out{};
         std::uint64_t rest = part[0] >> (32 - shift);

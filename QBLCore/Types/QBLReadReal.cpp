@@ -10,7 +10,7 @@
 
 namespace {
 
-// Of the C library's static data: there is nothing to fail nor to free.
+// The C library has the C locale as static data: newlocale() cannot fail, nothing needs freeing.
 locale_t classicLocale() {
     static const locale_t kClassic = newlocale(LC_ALL_MASK, "C", nullptr);
     return kClassic;
@@ -20,7 +20,7 @@ void slowly(const char* text, float& value) { value = strtof_l(text, nullptr, cl
 void slowly(const char* text, double& value) { value = strtod_l(text, nullptr, classicLocale()); }
 
 /// On 32-bit x86, std::from_chars multiplies integers below 2^53 by powers of ten up to 10^22 in
-/// registers of the x87, and rounds the product twice if that has more than their 64 bits.
+/// x87 registers. It rounds the product twice if the product has more than their 64 bits.
 template <class Real>
 bool mayBeRoundedTwice(Real value) {
     if (sizeof(void*) > 4 || sizeof value < sizeof(double)) return false;
@@ -48,9 +48,10 @@ const char* scan(const char* at) {
     return qblIsDigit(*at) ? pastDigits(at) : nullptr;
 }
 
-/// Reads what is no number, has no end in sight, or is not rounded right by std::from_chars.
-/// @param begin  at a minus sign, but after a plus sign
-/// @param digits  after either
+/// Reads any text, also a number without a leading digit, one that does not end within the first
+/// kShort characters, and one that std::from_chars refuses or rounds wrongly.
+/// @param begin  the number with a minus sign, but without a plus sign
+/// @param digits  the number without a sign
 template <class Real>
 [[gnu::noinline]] const char* readAny(const char* begin, const char* digits, Real& value) {
     value = 0;

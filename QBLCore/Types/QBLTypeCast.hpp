@@ -6,38 +6,39 @@
 
 class I18NString;
 
-/// Converts between text and the values of databases, whatever the process's locales are. The
-/// context, which those who call by a table of conversions hand over, is not looked at; without one
-/// there is an overload for each.
+/// Converts between text and database values, independent of the process's locales. The operations
+/// ignore the argument `context`; callers with a table of conversions may pass one. Each of them
+/// has an overload without a context.
 ///
-/// Each returns one of
+/// Each conversion returns one of these codes:
 /// - ok
-/// - badForm: the text has another form, or there is none; a pointer is null
-/// - badCharacter: the text has a character that no text of the kind has, wherever it stands
-/// - outOfRange: the form is right and a field is not
-/// The first that applies in the order badCharacter, badForm, outOfRange, unless the operation says
-/// otherwise. What reads text stores a value of zeros unless it returns ok.
+/// - badForm: the text is empty or has another form, or a pointer is null
+/// - badCharacter: the text contains, at any position, a character that its form never has
+/// - outOfRange: the form is correct, but a field is out of its range
+/// If several codes apply, badCharacter comes before badForm, and badForm before outOfRange, unless
+/// the operation says otherwise. An operation that reads text stores a value of zeros unless it
+/// returns ok.
 ///
-/// Texts of times and intervals, of which the parts in brackets may be missing; a letter stands for
-/// a digit, "D+" for at least one. Single spaces are where they are shown. White space around a
-/// text is ignored, but for dates and real numbers.
+/// The table shows the forms of dates, times and intervals. The parts in brackets are optional. The
+/// letters Y M D H S F stand for one digit each, "D+" for one or more digits. A space is exactly
+/// one space. White space around the text is ignored, except for dates and real numbers.
 ///
 ///     date             YYYY-MM-DD                     2006-03-09
 ///     time             HH:MM[:SS[.F+]]                10:05:00.5; up to nine digits of a fraction
 ///     time stamp       date time, or dateTtime        2006-03-09 10:05
-///     time zone        [ ]+HHMM[TZ] or [ ]+HH:MM[TZ]  +0530TZ, -08:00; behind a time or time stamp
+///     time zone        [ ]+HHMM[TZ] or [ ]+HH:MM[TZ]  +0530TZ, -08:00; after a time or time stamp
 ///     day-time         [-]D+ time, or [-]H+:MM...     -2 03:00, or -51:00 for the same
 ///     year-month       [-](Y+ M+)                     (1 6)
 ///
-/// Hours go to 23, minutes and seconds to 59, months of an interval to 11, zones from -12:59 to
-/// +13:00, whole days and years of an interval to 2147483647. A date that is not in the calendar of
-/// the years 1 to 9999 is in bad form.
+/// Hours go up to 23 (except H+), minutes and seconds up to 59, time zones from -12:59 to +13:00.
+/// In intervals, months go up to 11, years and whole days up to 2147483647. A date that does not
+/// exist in the calendar of the years 1 to 9999 is badForm.
 ///
-/// What is written has at most 64 bytes with its terminating zero, whatever is in the fields of a
-/// value: a field out of its range is written as it is. The text must not overlap the value. A
-/// date, time or interval that was read is written in a form that is read as the same value; a
-/// fraction has all nine digits then, and seconds are left out where they and the fraction are 0.
-/// Where a value is null an empty text is written.
+/// An operation that writes text writes at most 64 bytes, including the null character, for any
+/// value; it writes a field that is out of range as it is. The text must not overlap the value. A
+/// date, time or interval that was read from text is written in a form that reads as the same
+/// value. A fraction is written with nine digits. Seconds are omitted if they and the fraction are
+/// 0. For a null value, the text is empty.
 ///
 /// Threads: any thread may call any operation at any time.
 ///
@@ -57,17 +58,18 @@ public:
     /// @name Numbers and text
     /// @{
 
-    /// What strtod(3) reads: white space before it, hexadecimal numbers, "nan". All of the text has
-    /// to be read; badForm if not. An empty text is 0.0. Infinity, also by its name, is outOfRange.
-    /// errno may become ERANGE, as by strtod.
+    /// Reads all numbers that strtod(3) reads, with leading white space, in hexadecimal, or "nan".
+    /// Returns badForm if anything follows the number, and outOfRange for infinity, also for "inf".
+    /// An empty text is 0.0. May set errno to ERANGE, as strtod() does.
     static long string2double(const void* context, double* value, const char* text);
-    /// As by "%.9g" of printf(3).
+    /// Writes the number as printf(3) does for "%.9g".
     static long number2string(const void* context, char* text, const double* value);
-    /// [+-] and digits. Integers of 64 bits are long long on every machine.
+    /// Reads an optional sign and digits. A 64-bit integer is a long long on every machine.
     static long string2int32(const void* context, int* value, const char* text);
     static long string2int64(const void* context, long long* value, const char* text);
-    /// Up to nine digits, and nothing else: badCharacter for an empty text, outOfRange for a longer
-    /// one whatever it has. The value is 0 unless the status is ok.
+    /// Reads one to nine digits and nothing else. The status is outOfRange for a text of more than
+    /// nine characters, whatever they are, and badCharacter for an empty text. The value is 0
+    /// unless the status is ok.
     /// @return the status
     static long ascii2unsignedInteger(const void* context, const I18NString& text,
                                       unsigned long& value, long& status);
@@ -76,13 +78,13 @@ public:
     /// @name From text to dates, times and intervals
     /// @{
 
-    /// badForm for whatever is not a date.
+    /// Returns badForm for every text that is not a date, never badCharacter or outOfRange.
     static long string2date(const void* context, QBLDate2* value, const char* text);
     static long string2time(const void* context, QBLTime2* value, const char* text);
     static long string2timeTZ(const void* context, QBLTimeTZ* value, const char* text);
     static long string2timestamp(const void* context, QBLTimestamp2* value, const char* text);
     static long string2timestampTZ(const void* context, QBLTimestampTZ* value, const char* text);
-    /// Hours without days become days and the hours of a day.
+    /// Splits hours without days into days and hours: -51:00 becomes -2 03:00.
     static long string2DTinterval(const void* context, QBLInterval2* value, const char* text);
     static long string2YMinterval(const void* context, QBLIntervalYM* value, const char* text);
     /// @}
@@ -104,16 +106,17 @@ public:
     static long dtInterval2string(const void* context, char* text, const QBLInterval2* value);
     /// -51:00
     static long dtInterval2stringAsTime(const void* context, char* text, const QBLInterval2* value);
-    /// -(1 6). Nothing but the sign where both years and months are below 0, which reads as
-    /// badForm.
+    /// -(1 6). Writes nothing but the sign if years and months are both negative;
+    /// string2YMinterval() returns badForm for such a text.
     static long ymInterval2string(const void* context, char* text, const QBLIntervalYM* value);
     /// @}
 
     /// @name From dates to time stamps and back
     /// @{
 
-    /// A date is at midnight. A displacement is 0 where there was none, and is dropped, with the
-    /// local time as it was, where there is none. Fields are copied as they are.
+    /// Copies the fields as they are and sets fields that the source lacks to 0: a date becomes
+    /// midnight, a time stamp without a zone gets displacement 0. A target without a zone receives
+    /// the local time.
     static long date2timestamp(const void* context, QBLTimestamp2* to, const QBLDate2* from);
     static long timestamp2date(const void* context, QBLDate2* to, const QBLTimestamp2* from);
     static long timestampTZ2timestamp(const void* context, QBLTimestamp2* to,
@@ -127,13 +130,14 @@ public:
     /// @name From counts to intervals
     /// @{
 
-    /// A count of units, carried over into greater ones: 90 minutes are 1 hour and 30 minutes.
-    /// @param unit  DAY, HOUR, MINUTE or SECOND in any case, or their plurals with an S; any other
-    ///     is badForm
+    /// Converts a count of units and carries over to larger units: 90 minutes become 1 hour and 30
+    /// minutes.
+    /// @param unit  DAY, HOUR, MINUTE or SECOND, or the plural with an S, in upper or lower case;
+    ///     any other text is badForm
     /// @return outOfRange for more than 2147483647 days
     static long int2DTinterval(const void* context, QBLInterval2* value, const long* count,
                                const char* unit);
-    /// The same with YEAR or MONTH, or their plurals.
+    /// Does the same for the units YEAR and MONTH, or their plurals, up to 2147483647 years.
     static long int2YMinterval(const void* context, QBLIntervalYM* value, const long* count,
                                const char* unit);
     /// @}
@@ -142,23 +146,25 @@ public:
     /// @{
 
     /// Reads a date of exactly ten characters, without white space around it.
-    /// @param leap  whether the year is a leap year
-    /// @return false if it is not in the calendar of the years 1 to 9999; all are 0 then
+    /// @param leap  true if the year is a leap year
+    /// @return false if the text is not a date in the calendar of the years 1 to 9999; all results
+    ///     are 0 or false then
     static bool dateString2Integers(const char* text, int& year, int& month, int& day, bool& leap);
     /// Reads a time, without white space around it.
     /// @param fraction  in nanoseconds
-    /// @return ok, badForm or outOfRange; all are 0 unless it is ok
+    /// @return ok, badForm or outOfRange; all results are 0 unless ok
     static long timeString2Integers(const char* text, int& hour, int& minute, int& second,
                                     int& fraction);
-    /// Reads a displacement of exactly six characters, "+05:30".
-    /// @param displacement  as in QBLTimestampTZ; 0 unless it can be read
+    /// Reads a time zone of exactly six characters, such as "+05:30".
+    /// @param displacement  as in QBLTimestampTZ; 0 if the text cannot be read
+    /// @return true if the text was read
     static bool tzStringToTZDisplacement(const char* text, int& displacement);
     /// @}
 
     /// @name Without a context
     /// @{
 
-    // The same without a context.
+    // The same operations without a context.
 #define QBL_TYPE_CAST(operation, To, From) \
     static long operation(To to, From from) { return operation(nullptr, to, from); }
     QBL_TYPE_CAST(string2double, double*, const char*)

@@ -11,7 +11,7 @@ struct DayTimeFields {
     std::uint64_t days = 0;
     QBLTimeFields time;
 
-    /// D+ HH:MM..., or H+:MM...
+    /// Takes D+ HH:MM..., or H+:MM...
     bool take(QBLFieldReader& text) {
         std::uint64_t first = 0;
         if (!text.takeNumber(first, kMost * 24 + 23)) return false;
@@ -25,13 +25,14 @@ struct DayTimeFields {
     }
 };
 
-/// A number's distance from 0, also of the lowest one.
+/// Returns the absolute value, also of LONG_MIN.
 unsigned long magnitude(long count) {
     const auto bits = static_cast<unsigned long>(count);
     return count < 0 ? 0 - bits : bits;
 }
 
-/// A word in capitals: that of a unit, in any case and with or without an S behind it?
+/// Returns true if the text is the unit, in upper or lower case, with or without an S at its end.
+/// @param unit  in capitals
 bool isUnit(const char* text, const char* unit) {
     for (; *unit != '\0'; ++unit, ++text)
         if (*text != *unit && *text != (*unit | 0x20)) return false;
@@ -76,7 +77,7 @@ long QBLTypeCast::int2DTinterval(const void*, QBLInterval2* value, const long* c
     if (value == nullptr) return badForm;
     *value = QBLInterval2();
     if (count == nullptr || unit == nullptr) return badForm;
-    // What is carried over from a unit to the next greater one.
+    // `next` units make one unit of the next row.
     struct {
         const char* unit;
         unsigned next;

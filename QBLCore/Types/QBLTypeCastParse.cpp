@@ -14,7 +14,7 @@ struct DateFields {
         return day <= kDays[month - 1] + (month == 2 && isLeapYear() ? 1 : 0);
     }
 
-    /// YYYY-MM-DD that is in the calendar.
+    /// Takes YYYY-MM-DD; returns false also for a date that is not in the calendar.
     bool take(QBLFieldReader& text) {
         int century = 0;
         if (!text.takePair(century) || !text.takePair(year) || !text.take('-') ||
@@ -28,7 +28,7 @@ struct DateFields {
 struct ZoneFields {
     int displacement = 0, minutes = 0;
 
-    /// +HHMM or +HH:MM; the colon is asked for or not.
+    /// Takes +HHMM or +HH:MM; `withColon` requires the colon.
     bool takeDigits(QBLFieldReader& text, bool withColon) {
         const bool negative = text.take('-');
         if (!negative && !text.take('+')) return false;
@@ -61,8 +61,8 @@ void storeTime(Value& to, const QBLTimeFields& time) {
     to.fraction = time.fraction;
 }
 
-/// Reads a time, with a date before it or a zone behind it.
-/// @param characters  that its texts have besides digits
+/// Reads a time, with a date before it (kDate) and a zone after it (kZone).
+/// @param characters  that the form may have besides digits and white space
 template <bool kDate, bool kZone, class Value>
 long readTime(Value* value, const char* string, const char* characters) {
     if (value == nullptr) return QBLTypeCast::badForm;

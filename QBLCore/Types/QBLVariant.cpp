@@ -10,7 +10,8 @@ namespace {
 
 const std::size_t kNumberSize = 32;
 
-/// A copy of a text's first length bytes at most, zeros behind it. Null if there is no memory.
+/// Copies at most length bytes of a text into a new array of length + 1 bytes, whose rest is zero.
+/// Returns null if memory runs out.
 char* copyOf(const char* text, unsigned long length) {
     if (length >= PTRDIFF_MAX) return nullptr;
     char* const copy = new (std::nothrow) char[length + 1];
@@ -26,7 +27,7 @@ char* copyOf(const char* text, unsigned long length) {
 const unsigned long QBLVariant::valueSizes[6] = {
     0, sizeof(long), sizeof(unsigned long), sizeof(double), 0, sizeof(void*)};
 
-// The union's bytes as a member of this type, whichever was stored last.
+// Reads the bytes of the union as a Value, whichever member was stored last.
 template <class Value>
 Value QBLVariant::as() const {
     Value value;
@@ -114,7 +115,7 @@ bool QBLVariant::getValue(char* buffer, unsigned long bufferSize) const {
         buffer[0] = '\0';
         return true;
     }
-    // Of a string the size that was set counts, which may be more than its length, or less.
+    // For a string, the size that was set counts; it may differ from the length.
     const std::size_t size = held ? m_uSize : std::strlen(text);
     std::strncpy(buffer, text, bufferSize);
     buffer[bufferSize - 1] = '\0';
@@ -133,7 +134,7 @@ bool QBLVariant::setValue(void* value) {
 bool QBLVariant::setValue(const char* text, unsigned long length) {
     if (text != nullptr && length == 0) length = std::strlen(text);
     const bool empty = text == nullptr || length == 0;
-    std::unique_ptr<char[]> copy(empty ? nullptr : copyOf(text, length));  // of a string that ends
+    std::unique_ptr<char[]> copy(empty ? nullptr : copyOf(text, length));  // clear() may free text
     clear();
     m_uSize = 0;
     m_type = QBLVariantString;
@@ -146,10 +147,10 @@ void QBLVariant::clear() {
     std::memset(&m_value, 0, sizeof m_value);
 }
 
-// Null for what is none in spite of its tag.
+// Returns null if the value is not the variant's own string, in spite of the tag.
 char* QBLVariant::string() const { return as<char*>() == m_pOwned ? m_pOwned : nullptr; }
 
-// Becomes a string, or of no type if there is none.
+// Makes the variant a string that owns `copy`; of type QBLVariantUnknown if `copy` is null.
 bool QBLVariant::hold(char* copy, unsigned long size) {
     m_type = copy != nullptr ? QBLVariantString : QBLVariantUnknown;
     m_uSize = copy != nullptr ? size : 0;
@@ -157,7 +158,7 @@ bool QBLVariant::hold(char* copy, unsigned long size) {
     return copy != nullptr;
 }
 
-// All but a string as text, into a buffer of kNumberSize or from a constant.
+// Returns any value except a string as text: a constant, or in the buffer of kNumberSize bytes.
 const char* QBLVariant::format(char* buffer) const {
     char *end = buffer, *const limit = buffer + kNumberSize - 1;
     switch (m_type) {

@@ -3,19 +3,20 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
-/// A value of one of a few types, with a type tag and a size in bytes. A string is the variant's
-/// own copy; a pointer is only kept.
+/// A value of one of a few types, with a type tag and a size in bytes. The variant copies strings
+/// and owns the copies; it does not own what a stored pointer points to.
 ///
-/// Tag and size can be set apart from the value, which then is read as what the tag says. A tag
-/// that makes a string of something else makes a null string.
+/// setVarType() and setValueSize() change the tag and the size without the value. The variant then
+/// reads the same bytes as a value of the new type. A variant that holds no string reads as a null
+/// string if it gets the tag QBLVariantString.
 ///
-/// Nothing throws: where memory does not suffice, the variant becomes one of no type.
+/// No operation throws. If memory runs out, the variant gets the type QBLVariantUnknown.
 ///
-/// Threads: one at a time for each object.
+/// Threads: one thread at a time for each object.
 ///
 ///     QBLVariant size, name;
-///     size.setValue(5L);  // a plain 5 could be either integer, or a double
-///     name.setValue("disk", 0);  // without the length a char* would be kept as a pointer
+///     size.setValue(5L);  // a plain 5 is ambiguous: long, unsigned long or double
+///     name.setValue("disk", 0);  // without the length, a char* is stored as a pointer
 ///     char text[20];
 ///     if (size.getValue(text, sizeof text)) show(text);
 class QBL_API QBLVariant {
@@ -31,7 +32,7 @@ public:
         QBLVariantString,
         QBLVariantPointer
     };
-    /// By type, in bytes; of a string 0, as its length varies.
+    /// The sizes of values in bytes, indexed by type; 0 for strings, whose length varies.
     static const unsigned long valueSizes[6];
     /// @}
 
@@ -41,7 +42,8 @@ public:
     QBLVariant();
     QBLVariant(const QBLVariant& other);
     virtual ~QBLVariant();
-    /// Copies of a string as many characters as its size says, filled up with zeros.
+    /// Copies value, type and size. Of a string, copies at most as many bytes as its size says and
+    /// fills the rest of this size with zeros.
     // NOLINTNEXTLINE(misc-unconventional-assign-operator): it has a virtual slot
     virtual QBLVariant& operator=(const QBLVariant& other);
     /// @}
@@ -49,9 +51,9 @@ public:
     /// @name Comparing
     /// @{
 
-    /// Equal are values of the same type and size: numbers and pointers as such, strings by their
-    /// characters up to a zero. One of no type equals any other of no type and its size, one of an
-    /// unknown tag only itself.
+    /// Returns true if types, sizes and values are equal. Strings are compared up to the first null
+    /// character. Variants of type QBLVariantUnknown have no value to compare. A variant whose tag
+    /// is not in QBLVariantType equals only itself.
     virtual bool operator==(const QBLVariant& other) const;
     virtual bool operator!=(const QBLVariant& other) const;
     /// @}
@@ -69,41 +71,46 @@ public:
     /// @name Reading the value
     /// @{
 
-    /// Each stores the value if it has this very type; otherwise false, and the argument stays.
+    /// Stores the value and returns true if the variant has exactly this type. Otherwise returns
+    /// false and leaves the argument unchanged.
     bool getValue(long& value) const;
     bool getValue(unsigned long& value) const;
     bool getValue(double& value) const;
     bool getValue(void*& value) const;
-    /// @param value  receives the variant's own string, which may be null; null where the type is
-    ///     another. It ends with the value: at the next set, clear(), assignment, or destructor.
+    /// @param value  receives the variant's own string, which may be null; null if the variant has
+    ///     another type. The string is valid until clear(), an assignment, the destructor, or any
+    ///     setValue() except the one for pointers.
+    /// @return true if the variant has the type QBLVariantString
     bool getValue(char*& value) const;
-    /// The value as text: integers in decimal, doubles as 1.500000e+00 whatever the locale,
-    /// pointers in hexadecimal, "<unknown>" or "<invalid>". As much of it as fits is stored, with a
-    /// zero behind it.
-    /// @param bufferSize  in bytes, of which all are written, as by strncpy(3); only the first for
-    ///     a null string or one of size 0; nothing for 0
-    /// @return whether all fitted; of a string, whether as many bytes as its size says would, and a
-    ///     zero, whatever its length
+    /// Writes the value as text: integers in decimal, doubles as 1.500000e+00 in every locale,
+    /// pointers in hexadecimal without a prefix, "<unknown>" for QBLVariantUnknown, "<invalid>" for
+    /// a tag that is not in QBLVariantType. Truncates a text that does not fit; the result is
+    /// always null-terminated.
+    /// @param bufferSize  in bytes. All of them are written, as by strncpy(3); only the first one
+    ///     for a null string or a string of size 0.
+    /// @return true if the text and its null character fit. A string counts with the variant's size
+    ///     instead of its length. False for a null buffer or a bufferSize of 0.
     bool getValue(char* buffer, unsigned long bufferSize) const;
     /// @}
 
     /// @name Setting the value
     /// @{
 
-    /// Each gives true.
+    /// Stores the value and its size, and returns true.
     bool setValue(long value);
     bool setValue(unsigned long value);
     bool setValue(double value);
-    /// A string that was held is not freed: whoever took it by getValue() goes on with it, and
-    /// frees it with delete[].
+    /// Does not free a string that the variant held: it now belongs to the caller who got it from
+    /// getValue() and who frees it with delete[].
     bool setValue(void* value);
-    /// @param text  may be part of the string that is held; null makes a null string
-    /// @param length  how much of it, and the size in any case; 0 means all up to its zero
-    /// @return false, with a null string, for an empty text with length 0; false too where memory
-    ///     does not suffice
+    /// @param text  may point into the variant's own string; null stores a null string of size 0
+    /// @param length  how many bytes to copy, and the variant's size, even if the text is shorter:
+    ///     zeros follow then. 0 stands for strlen(text).
+    /// @return false if memory runs out; false also for an empty text with length 0, which stores a
+    ///     null string
     bool setValue(const char* text, unsigned long length);
 
-    /// Frees a string, and makes the value zero. Type and size stay.
+    /// Frees the string if the variant holds one, and sets the value to zero. Type and size stay.
     void clear();
     /// @}
 
@@ -127,7 +134,7 @@ private:
         char* m_string;
         void* m_pointer;
     } m_value;
-    char* m_pOwned;  // the string to free, whatever the tag says
+    char* m_pOwned;  // the string to free, regardless of the tag
 };
 
 #endif

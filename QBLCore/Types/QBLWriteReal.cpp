@@ -8,12 +8,12 @@
 #include "QBLCore/Types/internal/QBLRealText.hpp"
 
 // The digits are the integer part of value * 10^n, computed with 64 bits of the power of ten. The
-// bits behind it say how to round, but where they are too close to the middle for their precision;
-// std::to_chars, which is exact and slower, decides there.
+// bits after the integer part tell how to round. If they are too close to one half for their
+// precision, std::to_chars decides, which is exact and slower.
 
 namespace {
 
-/// digits * 10^(exponent + 1 - number of digits)
+/// The number digits * 10^(exponent + 1 - number of digits).
 struct Rounded {
     std::uint32_t digits;
     int exponent;
@@ -32,16 +32,16 @@ bool round(std::uint64_t bits, Rounded& out) {
         mantissa |= std::uint64_t{1} << 52;
     else
         exponent = 1;
-    // From here the value is mantissa * 2^exponent, with the highest bit set.
+    // After these lines, the value is mantissa * 2^exponent, and the mantissa's highest bit is set.
     const int shift = __builtin_clzll(mantissa);
     mantissa <<= shift;
     exponent -= 1075 + shift;
 
-    // The decimal exponent of the highest bit: that of the value, or one less.
+    // The decimal exponent of the highest bit alone; the value's is the same or one more.
     int decimal = static_cast<int>((exponent + 63) * std::int64_t{1292913986} >> 32);
     const int power = kDigits - 1 - decimal;
     const std::uint64_t product = qblMultiplyHigh(mantissa, qblPowerOfTen(power));
-    // The exact one is at least this and less than this plus 2.
+    // The exact product is at least `product` and less than `product` + 2.
     const int places = -(exponent + qblPowerOfTwo(power) + 1);
     const std::uint64_t fraction = product & ((std::uint64_t{1} << places) - 1);
     const std::uint64_t whole = product >> places;
@@ -110,7 +110,7 @@ char* writeRounded(char* out, const Rounded& number, int count) {
     return qblWritePair(out, rest);
 }
 
-/// std::to_chars may use all of the room that it is given for itself.
+/// Uses a local array, because std::to_chars may overwrite all the room that it gets.
 char* writeExactly(char* out, double value, int digits) {
     char text[32];
     const char* const end =

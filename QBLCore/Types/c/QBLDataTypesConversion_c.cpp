@@ -17,7 +17,7 @@ const char* skipBlanks(const char* text) {
     return text;
 }
 
-/// Takes up to nine digits, which 32 bits hold.
+/// Takes up to nine digits; their value fits into 32 bits.
 std::uint32_t takeNine(const char*& text, unsigned& count) {
     std::uint32_t value = 0;
     for (count = 0; count < 9 && qblIsDigit(*text); ++count)
@@ -73,7 +73,7 @@ int terminate(const char* buf, char* end) {
 
 }  // namespace
 
-// NULL, not nullptr, stands in the texts of the assertions.
+// The assertions use NULL, not nullptr, because their error texts quote the condition.
 
 int asciiToInt32(const char* str, int* value) {
     QBL_ASSERT(str != NULL);

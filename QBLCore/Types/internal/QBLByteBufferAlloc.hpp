@@ -6,8 +6,9 @@
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
 
-/// QBL_ALLOC_TRY and QBL_ALLOC_CATCH of the byte buffer. What a replaced operator new throws that
-/// is neither a throwable nor a std::exception is the program's own and leaves untouched.
+/// QBL_ALLOC_TRY and QBL_ALLOC_CATCH for the byte buffer. A replaced operator new may throw an
+/// object that is neither a throwable nor a std::exception; it belongs to the program and passes
+/// unchanged.
 #define QBL_BUFFER_ALLOC_TRY try {
 #define QBL_BUFFER_ALLOC_CATCH          \
     }                                   \

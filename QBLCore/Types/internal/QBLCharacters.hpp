@@ -5,7 +5,7 @@
 #include <cstring>
 #include <type_traits>
 
-// Characters and digits as they are in the C locale.
+// Character classes and digits of the C locale.
 
 inline bool qblIsDigit(char c) { return static_cast<unsigned char>(c - '0') < 10; }
 inline bool qblIsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
@@ -43,8 +43,8 @@ inline char* qblWriteUpToFour(char* out, std::uint32_t value) {
     return qblWritePair(out + 1, value % 100);
 }
 
-/// Writes a number without leading zeros. std::to_chars is slower: for 64 bits in 32-bit code four
-/// times, because it divides all of them for every two digits.
+/// Writes a number without leading zeros. std::to_chars is slower, four times for 64-bit numbers in
+/// 32-bit code, because it divides the whole number for every two digits.
 inline char* qblWriteUnsigned(char* out, std::uint32_t value) {
     if (value < 10000) return qblWriteUpToFour(out, value);
     if (value < 100000000) return qblWriteFour(qblWriteUpToFour(out, value / 10000), value % 10000);
@@ -61,7 +61,7 @@ inline char* qblWriteUnsigned(char* out, std::uint64_t value) {
     return qblWriteEight(out + 1, low % 100000000);
 }
 
-/// The same, after a sign for a number below 0.
+/// Writes a signed number in the same way; a negative number has a minus sign.
 template <class Integer>
 char* qblWriteInteger(char* out, Integer value) {
     auto magnitude = static_cast<std::make_unsigned_t<Integer>>(value);

@@ -3,9 +3,9 @@
 
 #include "QBLCore/Types/QBLDBTypes.hpp"
 
-// The type catalogue, one table for each vocabulary. The first row of a code has its name and what
-// it maps to; a later one only adds a name for it. After a change, write docs/types.md anew: the
-// target types_page does.
+// The type catalogue, one table for each set of types. The first row of a code has its name and its
+// mappings; a later row with the same code only adds a name. After a change, build the target
+// types_page, which rewrites docs/types.md.
 
 struct QBLSqlColTypeRow {
     SqlColType code;

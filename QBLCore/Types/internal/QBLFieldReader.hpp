@@ -7,7 +7,8 @@
 #include "QBLCore/Types/QBLTypeCast.hpp"
 #include "QBLCore/Types/internal/QBLCharacters.hpp"
 
-/// A text taken apart from its beginning. What does not stand there is not taken.
+/// Reads a text field by field, from its beginning. A take operation that does not find its field
+/// returns false and stays where it is.
 class QBLFieldReader {
 public:
     /// @param text  null is an empty text
@@ -28,7 +29,7 @@ public:
         return true;
     }
 
-    /// Takes exactly two digits, of which a third may follow.
+    /// Takes exactly two digits; a third digit may follow.
     bool takePair(int& value) {
         const auto tens = static_cast<unsigned char>(m_pNext[0] - '0');
         if (tens > 9) return false;
@@ -39,9 +40,9 @@ public:
         return true;
     }
 
-    /// Takes all digits there are, at least one.
+    /// Takes all digits, at least one.
     /// @param limit  at most 2^63
-    /// @param value  receives the number; any above the limit for one that is above it
+    /// @param value  receives the number; any number above the limit if the number exceeds it
     bool takeNumber(std::uint64_t& value, std::uint64_t limit) {
         if (!qblIsDigit(*m_pNext)) return false;
         for (value = 0; qblIsDigit(*m_pNext); ++m_pNext) {
@@ -54,7 +55,7 @@ public:
         return true;
     }
 
-    /// Takes one to nine digits as those behind the point.
+    /// Takes one to nine digits after a decimal point, as nanoseconds.
     bool takeNanoseconds(int& value) {
         if (!qblIsDigit(*m_pNext)) return false;
         int count = 0;
@@ -64,8 +65,8 @@ public:
         return true;
     }
 
-    /// What a text of bad form is, by the characters that its kind may have besides digits and
-    /// white space.
+    /// Returns the code for a text of another form: badCharacter or badForm.
+    /// @param characters  that the expected form may have besides digits and white space
     long fault(const char* characters) const {
         for (const char* at = m_pBegin; *at != '\0'; ++at)
             if (!qblIsDigit(*at) && !qblIsBlank(*at) && std::strchr(characters, *at) == nullptr)
@@ -81,7 +82,7 @@ private:
 struct QBLTimeFields {
     int hour = 0, minute = 0, second = 0, fraction = 0;
 
-    /// MM[:SS[.F+]], behind the hours and their colon.
+    /// MM[:SS[.F+]], after the hours and their colon.
     bool takeRest(QBLFieldReader& text);
     /// HH:MM[:SS[.F+]]
     bool take(QBLFieldReader& text) {

@@ -5,7 +5,7 @@
 
 #include "QBLCore/Types/internal/QBLCharacters.hpp"
 
-/// Writes a text field by field; its end terminates it.
+/// Writes a text field by field. The destructor writes the null character.
 class QBLFieldWriter {
 public:
     explicit QBLFieldWriter(char* text) : m_pNext(text) {}
@@ -18,7 +18,8 @@ public:
         return *this;
     }
 
-    /// With leading zeros up to a width that counts a sign too: "%0*lld" of printf(3).
+    /// Writes a number with leading zeros up to `width` characters, including a minus sign, as
+    /// "%0*lld" of printf(3) does.
     QBLFieldWriter& number(std::int64_t value, int width) {
         if (width == 2 && value >= 0 && value < 100)
             m_pNext = qblWritePair(m_pNext, static_cast<std::uint32_t>(value));
@@ -29,7 +30,7 @@ public:
         return *this;
     }
 
-    /// Seconds that are 0, and have no fraction, are left out.
+    /// Writes a time; omits the seconds if they and the fraction are 0.
     void time(std::int64_t hours, int minutes, int seconds, int fraction) {
         number(hours, 2).put(':').number(minutes, 2);
         if (seconds != 0 || fraction != 0) put(':').number(seconds, 2);

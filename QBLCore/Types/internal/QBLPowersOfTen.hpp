@@ -4,7 +4,8 @@
 #include <array>
 #include <cstdint>
 
-/// The first 64 bits of powers of ten, the others cut off. All that writing doubles needs.
+/// The highest 64 bits of powers of ten; the lower bits are truncated. The table has all powers
+/// that qblWriteReal() needs.
 constexpr int kQBLLowestPower = -303, kQBLHighestPower = 332;
 using QBLPowersOfTen = std::array<std::uint64_t, kQBLHighestPower - kQBLLowestPower + 1>;
 extern const QBLPowersOfTen kQBLPowersOfTen;
@@ -12,10 +13,11 @@ extern const QBLPowersOfTen kQBLPowersOfTen;
 inline std::uint64_t qblPowerOfTen(int power) {
     return kQBLPowersOfTen[static_cast<unsigned>(power - kQBLLowestPower)];
 }
-/// The power of two that one of ten is between: 10^power is its 64 bits times 2^(this - 63).
+/// Returns the exponent of the highest power of two that is not above 10^power: 10^power is its 64
+/// bits times 2^(this exponent - 63).
 inline int qblPowerOfTwo(int power) { return power * 217706 >> 16; }
 
-/// The upper half of a product.
+/// Returns the upper 64 bits of the 128-bit product.
 inline std::uint64_t qblMultiplyHigh(std::uint64_t a, std::uint64_t b) {
 #ifdef __SIZEOF_INT128__
     __extension__ using Wide = unsigned __int128;

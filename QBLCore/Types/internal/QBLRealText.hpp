@@ -1,18 +1,17 @@
 #ifndef QBLCORE_TYPES_INTERNAL_QBLREALTEXT_HPP
 #define QBLCORE_TYPES_INTERNAL_QBLREALTEXT_HPP
 
-/// Writes a number as printf(3) does for "%.6g" or "%.9g" in the C locale, whatever the process's.
-/// No zero is written. The longest is "-1.23456789e-308".
+/// Writes a number as printf(3) does for "%.6g" or "%.9g" in the C locale, whatever the locale of
+/// the process. Writes no null character. The longest text is as long as "-1.23456789e-308".
 /// @param digits  6 or 9
-/// @return the end of what was written
+/// @return the end of the text
 char* qblWriteReal(char* out, double value, int digits);
 
-/// Reads a decimal number: [+-] digits, with a point before, between or behind them or without one,
-/// then [e [+-] digits] in either case. The value is the nearest, ties go to the even one; infinity
-/// beyond the range, as strtod(3) gives it in the C locale.
-/// @return the end of the number; null if there is none, also for an exponent without digits, and
-/// the
-///     value is 0 then
+/// Reads a decimal number: [+-] and digits with an optional point before, between or after them,
+/// then optionally e or E, [+-] and digits. Rounds to the nearest value, ties to even, and gives
+/// infinity beyond the range, as strtod(3) does in the C locale.
+/// @return the end of the number; null if the text does not begin with a number or the exponent has
+///     no digits, and the value is 0 then
 template <class Real>
 const char* qblReadReal(const char* text, Real& value);
 extern template const char* qblReadReal(const char* text, float& value);
