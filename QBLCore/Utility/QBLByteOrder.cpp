@@ -1,6 +1,6 @@
 #include "QBLCore/Utility/QBLByteOrder.h"
 
-static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "both ways are a swap");
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "every function swaps bytes");
 
 extern "C" {
 

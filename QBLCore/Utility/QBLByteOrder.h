@@ -6,8 +6,8 @@
 #include "QBLCore/Frame/QBLExport.h"
 
 /// @file
-/// Numbers between this host's order of bytes and the network's, which is big-endian: "h" is the
-/// host, "n" the network, "l" is 32 bits and "s" is 16.
+/// Conversions of numbers between the host's byte order and the network's, which is big-endian. In
+/// the names, "h" stands for host, "n" for network, "l" for 32 bits and "s" for 16 bits.
 ///
 /// Threads: any thread may call any function.
 

@@ -9,7 +9,7 @@ bool QBLHighResolutionTime::initialize() {
     return true;
 }
 
-// Nothing is held: the time zone belongs to the process.
+// There is nothing to release: the time zone belongs to the process.
 void QBLHighResolutionTime::terminate() {}
 
 std::int64_t QBLHighResolutionTime::now() {

@@ -5,18 +5,18 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
-/// Time for measuring durations. The library's start and stop call initialize() and
-/// terminate().
+/// A clock for measuring durations. The library calls initialize() when it starts and terminate()
+/// when it stops.
 ///
 /// Threads: any thread may call any operation.
 class QBL_API QBLHighResolutionTime {
 public:
-    /// Reads the process's time zone, which local time stamps are shown in, and tries the clock.
+    /// Reads the process's time zone, which local time stamps use, and checks the clock.
     /// @return false if the system has no monotonic clock.
     static bool initialize();
     static void terminate();
 
-    /// Nanoseconds from a fixed but arbitrary moment; never runs backwards.
+    /// Returns the nanoseconds since a fixed but arbitrary moment; never runs backwards.
     static std::int64_t now();
 };
 

@@ -15,7 +15,7 @@ const char kDirectory[] = "../logs/";
 
 const char* orEmpty(const char* text) { return text != nullptr ? text : ""; }
 
-/// Whether a name with its directories stays below the one of the logs.
+/// Returns true if the name has no directory "..", so that the file is below the log directory.
 bool staysBelow(const std::string& name) {
     return ('/' + name + '/').find("/../") == std::string::npos;
 }

@@ -5,8 +5,8 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
-/// The smallest possible logger, for where nothing else can be relied upon. It appends records to
-/// a file in the directory "../logs/", taken from the effective working directory of QBLFmDir:
+/// A minimal logger for situations in which nothing else is reliable. It appends records to a file
+/// in the directory "../logs/", relative to the effective working directory of QBLFmDir:
 ///
 ///     2006-03-09 10:05:00.123<tab>CAPTION Error
 ///     <-
@@ -14,38 +14,38 @@
 ///     ->
 ///     (an empty line)
 ///
-/// Nothing throws or reports a failure: without the directory, or the right to write there,
-/// nothing is logged. Nor is anything logged to a link, to a file with several names, to what is no
-/// regular file, or by a name with a ".." that would lead out of the directory.
+/// No operation throws or reports a failure. The logger writes nothing if the directory does not
+/// exist or the file cannot be written. It also refuses a file that is a link, has several names or
+/// is not regular, and a name with a directory "..", which could lead out of "../logs/".
 ///
-/// The text is deliberately written as it is. One that has a line "->" ends its record for whoever
-/// reads the file, and can go on as if another record followed: indent the lines of a text that
-/// comes from elsewhere before it is logged.
+/// The text is deliberately written as it is. To a reader of the file, a line "->" in the text ends
+/// the record, and the rest can look like another record. Indent the lines of a text from an
+/// untrusted source before you log it.
 ///
-/// Threads: one at a time for each object. Each record is written at once, so that several loggers
-/// of one name do not mix theirs, as long as a record is not longer than the stream's buffer.
+/// Threads: one thread at a time for each object. The records of several loggers with the same name
+/// do not mix if each record fits into the stream's buffer, because it is then written at once.
 class QBL_API QBLMiniLogger {
 public:
     /// Logs to "qbl.log".
     QBLMiniLogger();
-    /// Logs to the name with ".log" appended; null or empty means "qbl". It may have directories in
-    /// front.
+    /// Logs to the file `name` with ".log" appended; null or empty means "qbl". The name may
+    /// contain directories.
     explicit QBLMiniLogger(const char* name);
     virtual ~QBLMiniLogger();
     QBLMiniLogger(const QBLMiniLogger&) = delete;
     QBLMiniLogger& operator=(const QBLMiniLogger&) = delete;
 
-    /// Opens the file of another name instead.
+    /// Closes the file and opens the file for another name.
     void init(const char* name);
-    /// Appends a record of an error. Null is an empty text.
+    /// Appends a record with the word "Error". Null stands for an empty text.
     void log(const char* caption, const char* text);
-    /// The same with the word "Trace".
+    /// Appends a record with the word "Trace". Null stands for an empty text.
     void logTrace(const char* caption, const char* text);
 
 private:
     void write(const char* caption, const char* kind, const char* text);
 
-    FILE* m_pStream;  // null when the file could not be opened
+    FILE* m_pStream;  // null if the file could not be opened
 };
 
 #endif

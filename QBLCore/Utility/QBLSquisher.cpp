@@ -14,7 +14,7 @@
 #include "QBLCore/Utility/QBLUtCrc32.hpp"
 #include "QBLCore/Utility/internal/QBLZlib.hpp"
 
-// What is kept for each thread, the deflate stream, is in internal/QBLZlib.cpp. Here all is local.
+// Each thread keeps a deflate stream, in internal/QBLZlib.cpp. All state in this file is local.
 
 namespace {
 
@@ -39,16 +39,16 @@ unsigned getNumber(const unsigned char* at) {
     return qbln2hl(bytes);
 }
 
-/// Deliberately not begun with 0: the tokens carry this value.
+/// Deliberately does not begin with 0: existing tokens contain this checksum.
 unsigned long checksum(const unsigned char* data, unsigned length) {
     return QBLUtCrc32::crc32(0xFFFFFFFF, data, length);
 }
 
-/// What a token encodes.
+/// The bytes that a token encodes.
 struct Packed {
     std::unique_ptr<unsigned char[]> bytes;
     unsigned size = 0;
-    unsigned formula = 0;  // the room that is asked for the token
+    unsigned formula = 0;  // QBLsqu_squished_size() of the text
 
     int pack(const char* text) {
         if (text == nullptr) return Z_STREAM_ERROR;
@@ -147,6 +147,6 @@ char* QBLSquisher::unSquish(const char* token) {
     if (QBLsqu_unsquish1(token, &state, &size) != 0) return nullptr;
     std::unique_ptr<char[]> text(new (std::nothrow) char[static_cast<std::size_t>(size) + 1]());
     const int code = QBLsqu_unsquish2(&state, text.get());
-    std::free(state.buffer);  // kept after a failure
+    std::free(state.buffer);  // null after success
     return code == 0 ? text.release() : nullptr;
 }

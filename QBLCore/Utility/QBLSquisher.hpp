@@ -3,8 +3,8 @@
 
 #include "QBLCore/Utility/QBLSquisher.h"
 
-/// The tokens of QBLSquisher.h, in memory of their own. What is returned is the caller's, to be
-/// deleted with delete[].
+/// The functions of QBLSquisher.h with allocated results. The caller owns each result and frees it
+/// with delete[].
 ///
 /// Threads: any thread may call any operation.
 ///
@@ -12,12 +12,13 @@
 ///     std::unique_ptr<char[]> back(QBLSquisher::unSquish(token.get()));
 class QBL_API QBLSquisher {
 public:
-    /// @return the token, in at least QBLsqu_squished_size() bytes, zeroed behind it; null if there
-    ///     is no text or no memory, and for what 32 bits cannot tell the size of
+    /// @return the token, in an array of at least QBLsqu_squished_size() bytes whose rest is zero;
+    ///     null if the text is null, if memory runs out, or if the size exceeds 32 bits
     [[nodiscard]] static char* squish(const char* text);
 
-    /// @return the text; null for what is not the token of a text of up to 10,000,000 bytes, and
-    ///     without memory. A text with a NUL, which no token of squish() has, reads as cut there.
+    /// @return the text; null if this is not the token of a text of up to 10,000,000 bytes, or if
+    ///     memory runs out. A text with a null character, which tokens of squish() never have,
+    ///     seems to end there.
     [[nodiscard]] static char* unSquish(const char* token);
 };
 

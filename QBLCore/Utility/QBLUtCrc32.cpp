@@ -2,7 +2,7 @@
 
 #include "QBLCore/Utility/internal/QBLCrc32Kernels.hpp"
 
-static_assert(sizeof(unsigned int) == sizeof(std::uint32_t), "the table is shown as it is");
+static_assert(sizeof(unsigned int) == sizeof(std::uint32_t), "getCrcTable() returns this table");
 
 unsigned long QBLUtCrc32::crc32(unsigned long crc, const unsigned char* data, unsigned int length) {
     if (data == nullptr) return crc;

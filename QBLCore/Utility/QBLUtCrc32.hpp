@@ -8,17 +8,17 @@
 /// Threads: any thread may call any operation.
 ///
 ///     unsigned long crc = QBLUtCrc32::crc32(0, head, sizeof head);
-///     crc = QBLUtCrc32::crc32(crc, body, sizeof body);  // of both, one behind the other
+///     crc = QBLUtCrc32::crc32(crc, body, sizeof body);  // of head followed by body
 class QBL_API QBLUtCrc32 {
 public:
-    /// Goes on with a checksum.
-    /// @param crc  that of the data before, 0 for none; only its lower 32 bits count
-    /// @param data  null gives crc back, as it is
+    /// Continues a checksum with more data.
+    /// @param crc  the checksum of the data before, or 0 at the start; only the lower 32 bits count
+    /// @param data  null returns crc unchanged
     /// @param length  in bytes
     static unsigned long crc32(unsigned long crc, const unsigned char* data, unsigned int length);
 
-    /// @return 256 remainders: what each byte, as the lowest of the register, does to it in 8
-    ///     steps; the library's own, as long as it is loaded
+    /// @return the table of 256 remainders: the register after 8 steps, for each value of its
+    ///     lowest byte alone. It belongs to the library and is valid while the library is loaded.
     static const unsigned int* getCrcTable();
 };
 

@@ -52,7 +52,7 @@ int QBLUtGetOpt::getOpt(int argc, char** argv, char* opts, const char** longOpt)
         } else if (m_iOptInd < argc && argv[m_iOptInd] != nullptr) {
             m_pOptArg = argv[m_iOptInd++];
         } else {
-            error(argv[0], 1, opts[0]);  // deliberately not the letter
+            error(argv[0], 1, opts[0]);  // deliberately not `letter`
             m_errorMsg[m_errorMsg.size() - 2] = letter;
             return 0;
         }
@@ -68,7 +68,7 @@ void QBLUtGetOpt::error(char* programName, int kind, char c) {
     message.append({'\0', c, static_cast<char>(kind != 0)});
     m_errorMsg.swap(message);
     if (m_iPrintErrors == 0) return;
-    // Printed as a format without arguments is; whatever else it might ask for is printed as it is.
+    // "%%" is printed as "%", as in a format; all other conversions are printed as they are.
     message = m_errorMsg;
     for (std::size_t at = 0; (at = message.find("%%", at)) != std::string::npos; ++at)
         message.erase(at, 1);

@@ -6,11 +6,11 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
-/// Takes the options of a command line apart: letters that follow one dash, alone or several in a
-/// word, and words that follow two, which are handed back whole. Nothing is moved or written in the
-/// words, and nothing is kept outside of the object.
+/// Parses the options of a command line: letters after one dash, one or several in a word, and long
+/// options after two dashes, which are returned whole. It does not change or reorder the words, and
+/// keeps no state outside the object.
 ///
-/// Threads: one at a time for each object.
+/// Threads: one thread at a time for each object.
 ///
 ///     QBLUtGetOpt options;
 ///     const char* longOption = nullptr;
@@ -28,16 +28,17 @@ public:
 
     QBLUtGetOpt();
 
-    /// Takes the next option. The words must stay as they are from call to call.
-    /// @param argc  number of the words, of which the first is the program's name; a null word is
-    ///     the end too
-    /// @param opts  the letters; one followed by a colon takes an argument: the rest of its word
-    ///     or else the next one
-    /// @param longOpt  receives what follows two dashes, as getLongOpt() has it, or null if that is
-    ///     not what was found; may be null itself
-    /// @return the letter, from 1 to 255; 0 after an error, after which parsing can go on; -1 for a
-    ///     long option, and at the end: before a word that is no option, or behind "--"
-    /// @throws QBLAssertError for null words or letters
+    /// Reads the next option. The words must not change between calls.
+    /// @param argc  the number of words; the first is the program's name. A null word also ends
+    ///     them.
+    /// @param opts  the letters; a letter followed by a colon takes an argument: the rest of its
+    ///     word, or the next word if there is no rest
+    /// @param longOpt  receives the text after two dashes, as getLongOpt() returns it, or null if
+    ///     there is no long option; may be null
+    /// @return the letter, from 1 to 255; 0 for an error, after which parsing can continue; -1 for
+    ///     a long option, and at the end, which is before a word that is not an option, or after
+    ///     "--"
+    /// @throws QBLAssertError if argv or opts is null
     /// @throws QBLOutOfMemoryError
     int getOpt(int argc, char** argv, char* opts, const char** longOpt = nullptr);
     int getOpt(int argc, char** argv, const char* opts, const char** longOpt = nullptr) {
@@ -48,39 +49,40 @@ public:
     /// @name Errors
     /// @{
 
-    /// Notes an error, and writes it to standard error unless that is switched off. What is written
-    /// has one percent sign where the message has two in a row.
-    /// @param programName  null is an empty one
-    /// @param kind  0: the letter is no option; else: it lacks its argument
+    /// Stores an error message and prints it to standard error, unless setPrintErrors() has turned
+    /// this off. "%%" in the message is printed as "%".
+    /// @param programName  null stands for an empty name
+    /// @param kind  0: the letter is not an option; any other number: its argument is missing
     /// @throws QBLOutOfMemoryError
     void error(char* programName, int kind, char c);
-    /// The same for a constant text, such as a literal.
+    /// The same for a constant name, such as a literal.
     template <class Char, class = std::enable_if_t<std::is_same<Char, const char>::value>>
     void error(Char* programName, int kind, char c) {
         error(const_cast<char*>(programName), kind, c);
     }
-    /// The last error; empty before the first. As long as the object, up to the next error.
+    /// Returns the last error message; empty before the first. Valid until the next error.
     const char* getErrorMsg() const { return m_errorMsg.c_str(); }
-    /// The letter that the last error is about, even where the message names another one; 0 before
-    /// the first error.
+    /// Returns the letter of the last error, even if the message names another letter; 0 before the
+    /// first error.
     char getErrorLetter() const;
-    /// Whether the last error was an option without its argument; false for a letter that is no
-    /// option, and before the first error.
+    /// Returns true if the last error was a missing argument; false if it was a letter that is not
+    /// an option, and before the first error.
     bool isArgumentMissing() const;
     /// @}
 
     /// @name The last option
     /// @{
 
-    /// The argument of the last option that takes one, part of the words; null before the first.
+    /// Returns the last argument of an option; points into argv, null before the first.
     char* getOptArg() const { return m_pOptArg; }
-    /// The index of the word that is looked at next.
+    /// Returns the index of the next word in argv.
     int getOptInd() const { return m_iOptInd; }
-    /// @param on  0 keeps errors off standard error
-    /// @return what was set until now; 1 at first
+    /// Sets whether errors are printed to standard error.
+    /// @param on  0 turns printing off
+    /// @return the previous setting; 1 at first
     int setPrintErrors(int on);
-    /// What followed the two dashes of the last long option, without them; empty before the first.
-    /// As long as the object, up to the next one.
+    /// Returns the last long option without its two dashes; empty before the first. Valid until the
+    /// next long option.
     const char* getLongOpt() const { return m_longOpt.c_str(); }
     /// @}
 
@@ -89,7 +91,7 @@ private:
     int m_iOptInd;
     int m_iPrintErrors;
     const char* m_pNextChar;  // the next letter of the cluster; null at its end
-    std::string m_errorMsg;   // after the text and its zero: the letter, and the kind (0 or 1)
+    std::string m_errorMsg;   // after the text: a null character, the letter, the kind (0 or 1)
     std::string m_longOpt;
 };
 

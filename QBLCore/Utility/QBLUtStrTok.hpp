@@ -5,25 +5,25 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
-/// Takes a text apart at separators, of which each byte is one. There are no empty tokens: several
-/// separators in a row count as one, and those at either end for nothing.
+/// Splits a text into tokens at separators; each byte of `separators` is a separator. There are no
+/// empty tokens: several separators in a row count as one, and separators at the ends are ignored.
 ///
-/// Threads: one at a time.
+/// Threads: one thread at a time for each object.
 ///
 ///     QBLUtStrTok words("de_DE, en;;fr");
 ///     for (std::string word; words.nextToken(word);) use(word);  // de_DE  en  fr
 class QBL_API QBLUtStrTok {
 public:
-    /// Copies both.
-    /// @param text  null is an empty text
-    /// @param separators  null or empty separates nothing
+    /// Copies both texts.
+    /// @param text  null stands for an empty text
+    /// @param separators  if null or empty, the whole text is one token
     /// @throws QBLOutOfMemoryError
     explicit QBLUtStrTok(const char* text, const char* separators = " \t\r\n,;");
 
-    /// @param token  receives the next one; unchanged when there is none left
-    /// @param separators  those that end this one, and are passed over before it; null means the
-    ///     constructor's
-    /// @throws QBLOutOfMemoryError; the token is not taken then
+    /// @param token  receives the next token; unchanged if none is left
+    /// @param separators  the separators before and after this token; null means the constructor's
+    /// @return false if no token is left
+    /// @throws QBLOutOfMemoryError; the next call then returns the same token
     bool nextToken(std::string& token, const char* separators = nullptr);
 
 private:

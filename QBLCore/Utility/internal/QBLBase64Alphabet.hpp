@@ -3,37 +3,40 @@
 
 #include <cstdint>
 
-/// All that is looked up for an alphabet; numbers of several bytes in the order of memory.
+/// All lookup tables of an alphabet. Numbers of several bytes are little-endian, so that they can
+/// be copied to the output.
 struct QBLBase64Alphabet {
-    /// By value.
+    /// The character of each value.
     unsigned char character[64];
-    /// By character: 0 to 63, 249 to 255 from ':' to '@', or what follows.
+    /// The value of each character: 0 to 63, 249 to 255 for ':' to '@', or one of the constants.
     unsigned char value[256];
     static constexpr unsigned char kSkipped = 64, kPad = 65, kInvalid = 66;
 
-    /// Two characters for each twelve bits.
+    /// The two characters for each number of twelve bits.
     std::uint16_t pair[4096];
-    /// By place in its group and character: what that is of the group's three bytes. A bit of the
-    /// fourth byte if the character's value is not one up to 63.
+    /// Indexed by a character's place in its group and by the character: its bits in the group's
+    /// three bytes; kOther, a bit of the fourth byte, if the character's value is above 63.
     std::uint32_t part[4][256];
     static constexpr std::uint32_t kOther = 1U << 24;
 
-    // Lookups as byte shuffles do them, after W. Mula and D. Lemire, "Faster Base64 Encoding and
+    // Tables for lookups by byte shuffles, after W. Mula and D. Lemire, "Faster Base64 Encoding and
     // Decoding using AVX2 Instructions" (2018).
 
-    /// What to add to a value for its character: by 13 for values up to 25, by 0 up to 51, and then
-    /// by the value less 51.
+    /// The number to add to a value to get its character. The index is 13 for values up to 25, 0
+    /// for values up to 51, and the value minus 51 for higher values.
     alignas(16) unsigned char toCharacter[16];
-    /// A character is in the alphabet if what these have for its halves has no bit in common.
+    /// A character is in the alphabet if the entry of `low` for its lower four bits and the entry
+    /// of `high` for its upper four bits have no bit in common.
     alignas(16) unsigned char low[16];
     alignas(16) unsigned char high[16];
-    /// What to add to a character for its value, by its upper half; for the odd ones, 8 further up.
+    /// The number to add to a character to get its value. The index is the character's upper four
+    /// bits, plus 8 for the characters in `odd`.
     alignas(16) unsigned char toValue[16];
-    /// Characters that share the upper half with some that another number is added to; the first
-    /// one again if there is no second.
+    /// Characters that need another number than other characters with the same upper four bits.
+    /// Both entries are equal if there is only one such character.
     unsigned char odd[2];
 
-    /// From the two characters that alphabets differ in.
+    /// Takes the two characters in which alphabets differ.
     constexpr QBLBase64Alphabet(unsigned char for62, unsigned char for63)
         : character(),
           value(),

@@ -9,11 +9,12 @@
 namespace {
 
 inline __m128i load(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
-/// The sixteen bytes in both halves.
+/// Loads the same sixteen bytes into both halves.
 WITH_AVX2 inline __m256i twice(const void* p) { return _mm256_broadcastsi128_si256(load(p)); }
 
-/// Twice twelve bytes, each at the begin of its half, to 32 values. Each two bytes that a value is
-/// in become a word; a product moves the upper or the lower values of all words to their places.
+/// Converts two times twelve bytes, at the beginning of each half, to 32 values. The shuffle puts
+/// the bytes of two values into each 16-bit word. One multiplication moves the even values of all
+/// words to their places, another one the odd values.
 WITH_AVX2 inline __m256i spread(__m256i data) {
     const __m256i words = _mm256_shuffle_epi8(
         data, _mm256_setr_epi8(1, 0, 2, 1, 4, 3, 5, 4, 7, 6, 8, 7, 10, 9, 11, 10,  //
@@ -25,8 +26,8 @@ WITH_AVX2 inline __m256i spread(__m256i data) {
     return _mm256_or_si256(even, odd);
 }
 
-/// 32 values to 24 bytes, with zeros behind: two values are added up to twelve bits, two of those
-/// to 24, and the three bytes of each are put in order.
+/// Converts 32 values to 24 bytes, followed by zeros. Joins two values to twelve bits, then two of
+/// these to 24 bits, and puts the three bytes of each result into order.
 WITH_AVX2 inline __m256i pack(__m256i values) {
     const __m256i twelve = _mm256_maddubs_epi16(values, _mm256_set1_epi32(0x01400140));
     const __m256i bits = _mm256_madd_epi16(twelve, _mm256_set1_epi32(0x00011000));
@@ -36,12 +37,12 @@ WITH_AVX2 inline __m256i pack(__m256i values) {
     return _mm256_permutevar8x32_epi32(bytes, _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 7));
 }
 
-/// Twelve bytes from each place.
+/// Combines two times twelve bytes, one in each half.
 WITH_AVX2 inline __m256i join(__m128i first, __m128i second) {
     return _mm256_inserti128_si256(_mm256_castsi128_si256(first), second, 1);
 }
 
-/// 24 bytes, with nothing read behind them.
+/// Loads 24 bytes as two times twelve, and reads nothing after them.
 WITH_AVX2 inline __m256i joinExactly(const unsigned char* data) {
     return join(load(data), _mm_srli_si128(load(data + 8), 4));
 }
@@ -64,7 +65,7 @@ WITH_AVX2 std::size_t encode(const QBLBase64Alphabet& alphabet, const unsigned c
     const std::size_t whole = length / 3 * 3;
     if (whole < 24) return done + kQBLBase64Ssse3.encode(alphabet, data + done, length - done, out);
     if (whole - done > 24) encodeBlock(offsets, joinExactly(data + done), out + done / 3 * 4);
-    // The last block, part of which has been encoded already.
+    // The last block, which encodes some bytes for the second time.
     encodeBlock(offsets, joinExactly(data + whole - 24), out + (whole - 24) / 3 * 4);
     return whole;
 }
@@ -85,7 +86,7 @@ WITH_AVX2 inline __m256i upperHalves(__m256i in) {
     return _mm256_and_si256(_mm256_srli_epi32(in, 4), halves());
 }
 
-/// All 0 where a character is in the alphabet.
+/// Returns 0 in the byte of each character that is in the alphabet.
 WITH_AVX2 inline __m256i wrongOf(const Decoding& by, __m256i in) {
     return _mm256_and_si256(_mm256_shuffle_epi8(by.low, _mm256_and_si256(in, halves())),
                             _mm256_shuffle_epi8(by.high, upperHalves(in)));
@@ -94,7 +95,7 @@ WITH_AVX2 inline bool none(__m256i wrong) {
     return _mm256_movemask_epi8(_mm256_cmpeq_epi8(wrong, _mm256_setzero_si256())) == -1;
 }
 
-/// The 24 bytes of 32 characters of the alphabet, with zeros behind.
+/// Converts 32 characters of the alphabet to 24 bytes, followed by zeros.
 WITH_AVX2 inline __m256i bytesOf(const Decoding& by, __m256i in) {
     const __m256i odd =
         _mm256_or_si256(_mm256_cmpeq_epi8(in, by.odd0), _mm256_cmpeq_epi8(in, by.odd1));
@@ -111,7 +112,8 @@ WITH_AVX2 inline void store24(unsigned char* out, __m256i bytes) {
     _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 16), _mm256_extracti128_si256(bytes, 1));
 }
 
-/// @return false, with nothing done, if a character is not in the alphabet
+/// Decodes 32 characters.
+/// @return false, without writing anything, if a character is not in the alphabet
 WITH_AVX2 inline bool decodeBlock(const Decoding& by, const char* text, unsigned char* out) {
     const __m256i in = load32(text);
     if (!none(wrongOf(by, in))) return false;
@@ -119,8 +121,8 @@ WITH_AVX2 inline bool decodeBlock(const Decoding& by, const char* text, unsigned
     return true;
 }
 
-/// What is left, as the end of a block of which part has been decoded already, unless that has
-/// been overwritten since. The last group may be a padded one, which is left.
+/// Decodes the rest with a block that ends at the end of the text and decodes some characters for
+/// the second time, unless the output has overwritten these. Does not decode a padded last group.
 WITH_AVX2 inline std::size_t decodeLast(const Decoding& by, const QBLBase64Alphabet& alphabet,
                                         const char* text, std::size_t length, std::size_t done,
                                         unsigned char* out) {
@@ -143,7 +145,7 @@ WITH_AVX2 std::size_t decode(const QBLBase64Alphabet& alphabet, const char* text
     for (; length - done >= 64; done += 64, out += 48) {
         const __m256i first = load32(text + done), second = load32(text + done + 32);
         if (!none(_mm256_or_si256(wrongOf(by, first), wrongOf(by, second)))) break;
-        // The zeros are where the second block's bytes come.
+        // Also writes zeros after the 24 bytes, where the bytes of the second block follow.
         _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), bytesOf(by, first));
         store24(out + 24, bytesOf(by, second));
     }

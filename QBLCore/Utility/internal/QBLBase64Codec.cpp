@@ -4,7 +4,7 @@
 
 namespace {
 
-/// Decodes stretch by stretch; a group may begin in one and end in another.
+/// Decodes a text in stretches; a group may begin in one stretch and end in a later one.
 class Decoder {
 public:
     Decoder(const QBLBase64Kernels& kernels, const QBLBase64Alphabet& alphabet, unsigned char* out)
@@ -28,7 +28,7 @@ public:
         }
         return true;
     }
-    /// Ends the last group. @return false for a single character
+    /// Ends the last group. @return false if the group has only one character
     bool end() {
         if (m_iHeld == 1) return false;
         if (m_iHeld != 0) putGroup();
@@ -44,7 +44,8 @@ private:
         return done;
     }
 
-    /// A group that ends in one or two "=" and is otherwise plain, as most texts end with.
+    /// Decodes a group of plain characters with one or two "=" at its end, as most texts end.
+    /// @return false, without writing anything, for any other group
     bool takePadded(const unsigned char* at) {
         const unsigned first = m_alphabet.value[at[0]], second = m_alphabet.value[at[1]];
         const unsigned third = m_alphabet.value[at[2]];
@@ -65,7 +66,7 @@ private:
         return true;
     }
 
-    // Values above 63 spill into their neighbours, as far as a byte goes.
+    // The upper bits of values above 63 change the bits of neighbouring values in the same byte.
     void putGroup() {
         *m_pOut++ = static_cast<unsigned char>(m_value[0] << 2 | m_value[1] >> 4);
         if (m_iHeld > 2 && !m_bPad[2])
@@ -104,7 +105,7 @@ void qblBase64Encode(const QBLBase64Kernels& kernels, const QBLBase64Alphabet& a
 
 bool qblBase64Decode(const QBLBase64Kernels& kernels, const QBLBase64Alphabet& alphabet,
                      const char* text, unsigned char* out, std::size_t& length) {
-    // So that the text is still in the nearest cache when its end is known.
+    // Short, so that a stretch is still in the first-level cache after memchr() has read it.
     constexpr std::size_t kStretch = 4096;
     Decoder decoder(kernels, alphabet, out);
     for (const char* end = nullptr; end == nullptr;) {

@@ -5,23 +5,23 @@
 
 #include "QBLCore/Utility/internal/QBLBase64Alphabet.hpp"
 
-/// The inner loops for one set of instructions. They do whole groups from the begin, as many as
-/// they like.
+/// The inner loops for one instruction set. They process whole groups from the beginning, and may
+/// stop before the end.
 struct QBLBase64Kernels {
-    /// @return the bytes done, a multiple of 3
+    /// @return the number of bytes encoded, a multiple of 3
     std::size_t (*encode)(const QBLBase64Alphabet& alphabet, const unsigned char* data,
                           std::size_t length, char* out);
-    /// Stops at what has to be looked at one by one, such as blanks. Writes exactly the bytes of
-    /// the characters done, each only after those were read.
-    /// @return the characters done, a multiple of 4
+    /// Stops before characters that need individual treatment, such as blanks. Writes exactly the
+    /// decoded bytes, each only after reading the characters that it comes from.
+    /// @return the number of characters decoded, a multiple of 4
     std::size_t (*decode)(const QBLBase64Alphabet& alphabet, const char* text, std::size_t length,
                           unsigned char* out);
 };
 
-/// For any processor, for one with SSSE3, for one with AVX2.
+/// For any processor, for processors with SSSE3, and for processors with AVX2.
 extern const QBLBase64Kernels kQBLBase64Scalar, kQBLBase64Ssse3, kQBLBase64Avx2;
 
-/// The best for this processor.
+/// Returns the best kernels for this processor.
 inline const QBLBase64Kernels& qblBase64Kernels() {
     if (__builtin_cpu_supports("avx2")) return kQBLBase64Avx2;
     return __builtin_cpu_supports("ssse3") ? kQBLBase64Ssse3 : kQBLBase64Scalar;
@@ -30,7 +30,7 @@ inline const QBLBase64Kernels& qblBase64Kernels() {
 void qblBase64Encode(const QBLBase64Kernels& kernels, const QBLBase64Alphabet& alphabet,
                      const unsigned char* data, std::size_t length, char* out);
 /// @param length  receives the number of bytes
-/// @return false for what cannot be decoded
+/// @return false if the text cannot be decoded
 bool qblBase64Decode(const QBLBase64Kernels& kernels, const QBLBase64Alphabet& alphabet,
                      const char* text, unsigned char* out, std::size_t& length);
 

@@ -4,7 +4,7 @@
 
 namespace {
 
-/// The first three bytes as a number; reads a fourth.
+/// Returns the first three bytes as a number; also reads a fourth byte.
 std::uint32_t threeBytes(const unsigned char* data) {
     std::uint32_t word;
     std::memcpy(&word, data, sizeof word);
@@ -37,7 +37,7 @@ std::uint32_t group(const QBLBase64Alphabet& alphabet, const unsigned char* text
     return part[0][text[0]] | part[1][text[1]] | part[2][text[2]] | part[3][text[3]];
 }
 
-// Takes what decodes to the values of others, too.
+// Also decodes characters outside the alphabet that have the value of another character.
 std::size_t decode(const QBLBase64Alphabet& alphabet, const char* text, std::size_t length,
                    unsigned char* out) {
     const auto* const in = reinterpret_cast<const unsigned char*>(text);

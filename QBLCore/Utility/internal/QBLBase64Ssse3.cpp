@@ -2,14 +2,14 @@
 
 #include "QBLCore/Utility/internal/QBLBase64Kernels.hpp"
 
-// As QBLBase64Avx2.cpp, with half its blocks.
+// The algorithms of QBLBase64Avx2.cpp, with blocks of half the size.
 #define WITH_SSSE3 __attribute__((target("ssse3")))
 
 namespace {
 
 inline __m128i load(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
 
-/// Twelve bytes to sixteen values.
+/// Converts twelve bytes to sixteen values.
 WITH_SSSE3 inline __m128i spread(__m128i data) {
     const __m128i words =
         _mm_shuffle_epi8(data, _mm_setr_epi8(1, 0, 2, 1, 4, 3, 5, 4, 7, 6, 8, 7, 10, 9, 11, 10));
@@ -20,7 +20,7 @@ WITH_SSSE3 inline __m128i spread(__m128i data) {
     return _mm_or_si128(even, odd);
 }
 
-/// Sixteen values to twelve bytes, with zeros behind.
+/// Converts sixteen values to twelve bytes, followed by zeros.
 WITH_SSSE3 inline __m128i pack(__m128i values) {
     const __m128i twelve = _mm_maddubs_epi16(values, _mm_set1_epi32(0x01400140));
     const __m128i bits = _mm_madd_epi16(twelve, _mm_set1_epi32(0x00011000));

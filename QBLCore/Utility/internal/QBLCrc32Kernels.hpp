@@ -4,26 +4,26 @@
 #include <cstddef>
 #include <cstdint>
 
-// The register, in and out, is the complement of the checksum; its lowest bit is the coefficient of
-// the highest power of x, as in all that is reflected.
+// The register, as argument and as result, is the complement of the checksum. All values are
+// reflected: the lowest bit is the coefficient of the highest power of x.
 
 constexpr std::uint32_t kQBLCrc32Polynomial = 0xEDB88320;
 
-/// One bit further: the register times x, modulo the polynomial.
+/// Moves the register by one bit: multiplies it by x, modulo the polynomial.
 constexpr std::uint32_t qblCrc32Step(std::uint32_t reg) {
     return reg >> 1 ^ (kQBLCrc32Polynomial & (0U - (reg & 1)));
 }
 
-/// Sixteen tables: by number, a byte with so many bytes behind it.
+/// Sixteen tables: behind[n] has the remainder of each byte with n zero bytes after it.
 struct QBLCrc32Tables {
     std::uint32_t behind[16][256];
 };
 extern const QBLCrc32Tables kQBLCrc32Tables;
 
-/// Any processor.
+/// For any processor.
 std::uint32_t qblCrc32Tables(std::uint32_t reg, const unsigned char* data, std::size_t length);
 
-/// Only where qblCrc32HasProducts() is true; for 16 bytes and more.
+/// For 16 bytes or more, and only if qblCrc32HasProducts() is true.
 std::uint32_t qblCrc32Products(std::uint32_t reg, const unsigned char* data, std::size_t length);
 inline bool qblCrc32HasProducts() {
     return __builtin_cpu_supports("pclmul") && __builtin_cpu_supports("avx");

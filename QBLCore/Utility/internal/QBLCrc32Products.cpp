@@ -3,15 +3,15 @@
 #include "QBLCore/Utility/internal/QBLCrc32Kernels.hpp"
 
 // V. Gopal et al., "Fast CRC Computation for Generic Polynomials Using PCLMULQDQ Instruction"
-// (Intel, 2009): what many bytes behind a block leave of it is found by multiplying it with the
-// remainder of that power of x. The names of the constants are the paper's.
-// AVX is for its form of the instructions: results need no copies of what they are made of.
+// (Intel, 2009): multiplying a block by the remainder of a power of x moves the block past the
+// bytes that this power stands for. The constants have the names of the paper.
+// AVX is used for its three-operand instructions, which need no copies of their operands.
 #define WITH_PRODUCTS __attribute__((target("avx,pclmul")))
 
 namespace {
 
-/// The remainder of a power of x, reflected, one bit up: the product of reflected numbers of 64
-/// bits comes out one bit too low.
+/// Returns the remainder of x^power, reflected and shifted up by one bit, because the product of
+/// two reflected 64-bit numbers is one bit too low.
 constexpr std::uint64_t remainderOf(unsigned power) {
     std::uint32_t reg = 0x80000000;
     for (unsigned i = 0; i < power; ++i) reg = qblCrc32Step(reg);
@@ -21,11 +21,11 @@ constexpr std::uint64_t remainderOf(unsigned power) {
 /// The polynomial's 33 bits, reflected.
 constexpr std::uint64_t kPolynomial = static_cast<std::uint64_t>(kQBLCrc32Polynomial) << 1 | 1;
 
-/// The quotient of x^64 and the polynomial, 33 bits, reflected: a bit of it is what leaves the
-/// register as it is moved along.
+/// Returns the quotient of x^64 and the polynomial, 33 bits, reflected. Each bit of it is the bit
+/// that leaves the register in one step.
 constexpr std::uint64_t quotient() {
     std::uint64_t bits = 1;
-    std::uint32_t reg = kQBLCrc32Polynomial;  // of x^32, behind the first bit
+    std::uint32_t reg = kQBLCrc32Polynomial;  // the remainder after the quotient's first bit
     for (int power = 1; power <= 32; ++power) {
         bits |= static_cast<std::uint64_t>(reg & 1) << power;
         reg = qblCrc32Step(reg);
@@ -33,8 +33,8 @@ constexpr std::uint64_t quotient() {
     return bits;
 }
 
-// Six blocks at a time, where the paper has four: each waits for its last product, and a product
-// can begin in every cycle. More do not fit into the registers of 32 bits.
+// Six blocks at a time; the paper has four. Each block waits for its previous product, but a
+// product can start in every cycle. More blocks do not fit into the registers of 32-bit x86.
 constexpr std::uint64_t kK1 = remainderOf(6 * 128 + 32), kK2 = remainderOf(6 * 128 - 32);
 constexpr std::uint64_t kTwoLow = remainderOf(2 * 128 + 32), kTwoHigh = remainderOf(2 * 128 - 32);
 constexpr std::uint64_t kK3 = remainderOf(128 + 32), kK4 = remainderOf(128 - 32);
@@ -53,14 +53,15 @@ inline __m128i load(const unsigned char* data) {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(data));
 }
 
-/// What is left of a block as far down as the factors' powers say, with the block that is there.
+/// Moves a block by the distance that the factors stand for, and combines it with the block there.
 WITH_PRODUCTS inline __m128i fold(__m128i block, __m128i factors, __m128i next) {
     const __m128i low = _mm_clmulepi64_si128(block, factors, 0x00);
     const __m128i high = _mm_clmulepi64_si128(block, factors, 0x11);
     return _mm_xor_si128(_mm_xor_si128(next, low), high);
 }
 
-/// The register after the block: to 96 bits, to 64, and by Barrett's method to 32.
+/// Returns the register after the block. Reduces it to 96 bits, to 64, and by Barrett's method to
+/// 32.
 WITH_PRODUCTS inline std::uint32_t reduce(__m128i block) {
     const __m128i word = pair(0xffffffff, 0);
     block =

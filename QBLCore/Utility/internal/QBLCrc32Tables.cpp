@@ -22,7 +22,7 @@ std::uint32_t word(const unsigned char* data) {
     return bytes;
 }
 
-/// The remainder of four bytes with n more behind them.
+/// Returns the remainder of four bytes with n zero bytes after them.
 std::uint32_t four(std::uint32_t bytes, int n) {
     const auto& behind = kQBLCrc32Tables.behind;
     return behind[n + 3][bytes & 255] ^ behind[n + 2][bytes >> 8 & 255] ^
@@ -34,7 +34,7 @@ std::uint32_t four(std::uint32_t bytes, int n) {
 constexpr QBLCrc32Tables kQBLCrc32Tables = makeTables();
 
 // M. E. Kounavis and F. L. Berry, "A Systematic Approach to Building High Performance
-// Software-based CRC Generators" (2005): several bytes a step, each with a table of its own.
+// Software-based CRC Generators" (2005): several bytes per step, each with its own table.
 std::uint32_t qblCrc32Tables(std::uint32_t reg, const unsigned char* data, std::size_t length) {
     for (; length >= 16; length -= 16, data += 16)
         reg = four(reg ^ word(data), 12) ^ four(word(data + 4), 8) ^ four(word(data + 8), 4) ^

@@ -1,32 +1,34 @@
-// Each thread that deflates keeps one stream, in a key of the thread layer. A stream belongs to its
-// thread alone and needs no lock. It does not call back while it runs: zlib takes its memory when a
-// stream starts. deflateReset() at the beginning of each run makes a stream as new, also after a
-// run that failed.
+// Each thread that deflates keeps one stream in a key of the thread layer. A stream belongs to one
+// thread alone and needs no lock. A run makes no callbacks: zlib allocates memory only when a
+// stream starts. Each run begins with deflateReset(), which resets the stream completely, also
+// after a failed run.
 //
 // The key's value in a thread has three states:
-//   null       nothing is kept: at first, and as long as nothing could be.
-//   a stream   qblDeflate() makes it one, once its stream has started and the key has taken it; up
-//              to then a unique_ptr owns it, afterwards the key.
-//   g_ending   deleteDeflater() makes it that when the thread ends and the stream is deleted. There
-//              is no way back: destructors of other keys may still deflate, with a stream for each
-//              call, which nobody might delete if the key kept it.
-// The system calls deleteDeflater() again for the mark, as often as it goes round the keys, and
-// then forgets it; the mark is static, so nothing leaks. The main thread's stream stays to the end
-// of the process, and a fork's child goes on with the copy of the calling thread's.
+//   null       The thread keeps no stream: at first, and as long as it cannot store one.
+//   a stream   qblDeflate() stores its stream after the stream has started. Before, a unique_ptr
+//              owns the stream; afterwards the key does.
+//   g_ending   deleteDeflater() stores this mark when the thread ends and its stream is deleted.
+//              The mark stays: destructors of other keys may still deflate, but with a new stream
+//              for each call, because possibly nobody would delete a stream in the key.
+// The system calls deleteDeflater() again for the mark in each round over the keys, and then drops
+// the mark. The mark is static, so nothing leaks. The main thread's stream exists until the process
+// ends. The child of a fork continues with its copy of the calling thread's stream.
 //
-// The key is made by the first call and never destroyed; the library stays loaded (-z nodelete), so
-// that deleteDeflater() does too. Threads that come first together make one each: compare-exchange
-// lets one win, and the others destroy theirs, in which nobody has a value yet. If no key can be
-// made the call uses a stream of its own, and the next call tries again.
+// The first call creates the key, which is never destroyed. The library stays loaded (-z nodelete),
+// so the system can always call deleteDeflater(). If several threads call first at the same time,
+// each creates a key. A compare-exchange selects one key; the other threads destroy theirs, in
+// which no thread has a value yet. If no key can be created, the call uses a stream for itself, and
+// the next call tries again.
 //
-// Memory order: `s_made` is stored with release and loaded with acquire, also by the exchange that
-// fails: the record of the key is complete. Nothing else is shared.
+// Memory order: `s_made` is stored with release and loaded with acquire, also by a failed exchange,
+// so that every thread sees the complete record of the key. Nothing else is shared.
 //
-// A mistake leaks, which x86-asan reports, or spoils tokens: QBLSquisherTest
+// A mistake leaks, which x86-asan reports, or corrupts tokens. In QBLSquisherTest,
 // .FailsCleanlyWithoutMemory makes each allocation of a new thread fail,
-// .ThreadsAndForksSquishEachOnItsOwn runs four threads and a child, and
-// .TokensAreWhatZlibMakesAndComeBack compares with zlib's own. No test deflates in the destructor
-// of another key. A thread that does so for the first time in the system's last round leaks.
+// .ThreadsAndForksSquishEachOnItsOwn runs four threads and a child process, and
+// .TokensAreWhatZlibMakesAndComeBack compares with the result of zlib alone. No test deflates in
+// the destructor of another key. A thread that does so for the first time in the system's last
+// round leaks its stream.
 #include "QBLCore/Utility/internal/QBLZlib.hpp"
 
 #include <zlib.h>
@@ -53,14 +55,14 @@ void begin(z_stream& stream, const void* data, unsigned length, void* out, unsig
 
 class Deflater {
 public:
-    /// @return zlib's code of what failed; the stream then cannot be used
+    /// @return zlib's code; after a failure, the stream cannot be used
     int start() {
         m_stream.zalloc = &allocate;
         m_stream.zfree = &release;
         return deflateInit(&m_stream, Z_BEST_COMPRESSION);
     }
     Deflater() = default;
-    // Does nothing to a stream that did not start.
+    // deflateEnd() has no effect on a stream that did not start.
     ~Deflater() { deflateEnd(&m_stream); }
     Deflater(const Deflater&) = delete;
     Deflater& operator=(const Deflater&) = delete;
@@ -77,13 +79,13 @@ private:
     z_stream m_stream{};
 };
 
-/// Stands in the key of a thread whose stream is deleted: other keys' destructors may still squish,
-/// and what they kept then nobody might delete.
+/// The mark in the key of a thread whose stream is deleted. Destructors of other keys may still
+/// squish, but must not store a stream that possibly nobody deletes.
 char g_ending;
 
 void deleteDeflater(void* kept);
 
-/// The key of each thread's own; null as long as it cannot be made.
+/// Returns the key of the threads' streams; null if it cannot be created.
 TavThreadKey* keptKey() {
     static std::atomic<TavThreadKey*> s_made{nullptr};
     TavThreadKey* key = s_made.load(std::memory_order_acquire);
@@ -94,7 +96,7 @@ TavThreadKey* keptKey() {
     return others;
 }
 
-// Called again for the mark it leaves, as often as the system goes round the keys: 4 times.
+// The system calls it again for the mark, once in each of its 4 rounds over the keys.
 void deleteDeflater(void* kept) {
     if (kept != &g_ending) delete static_cast<Deflater*>(kept);
     tavXThreadSetSpecific(keptKey(), &g_ending);

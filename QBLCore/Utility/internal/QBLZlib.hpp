@@ -1,20 +1,21 @@
 #ifndef QBLCORE_UTILITY_INTERNAL_QBLZLIB_HPP
 #define QBLCORE_UTILITY_INTERNAL_QBLZLIB_HPP
 
-// Both take their memory from operator new; without it they give zlib's -4.
+// Both functions allocate with operator new, and return zlib's -4 if memory runs out.
 
-/// What zlib's compress2() does at level 9, to the byte, without setting up some 270 KB at each
-/// call: the calling thread keeps them until it ends. A stream that cannot be kept serves once.
+/// Writes the same bytes as zlib's compress2() at level 9, but does not set up about 270 KB in each
+/// call: the calling thread keeps this memory until it ends. A stream that cannot be kept is used
+/// once.
 /// @param room  of out, in bytes
-/// @param size  receives what was written
-/// @return zlib's code; -5 if the room does not do
+/// @param size  receives the number of bytes written
+/// @return zlib's code; -5 if the room is too small
 int qblDeflate(const char* text, unsigned length, unsigned char* out, unsigned room,
                unsigned& size);
 
-/// What zlib's uncompress() does, except that it takes no byte too many into a room of 0.
+/// Works as zlib's uncompress(), but refuses a text of one byte if the room is 0.
 /// @param room  of out, in bytes
-/// @param size  receives what was written
-/// @return zlib's code; -5 if the room does not do, -3 for what is damaged or cut off
+/// @param size  receives the number of bytes written
+/// @return zlib's code; -5 if the room is too small, -3 if the data is damaged or truncated
 int qblInflate(const unsigned char* data, unsigned length, char* out, unsigned room,
                unsigned& size);
 
