@@ -233,7 +233,7 @@ bool I18NStreamInput::hasInSource(std::int64_t offset, const char* bytes, int le
     return std::memcmp(there.bytes, bytes, static_cast<std::size_t>(there.length)) == 0;
 }
 
-// Finds the bytes that ICU reports in the source. Usually they end where ICU stands. The exceptions:
+// Finds the bytes that ICU reports in the source. Usually they end where ICU stands. Exceptions:
 //   UTF-16   ICU keeps a byte of the unit after a lone surrogate.
 //   ISCII    ICU keeps a lead byte while it refuses the bytes after it, and reports it at the end.
 //   SCSU     ICU drops bytes that cannot define a window, and reports the command with the last of
