@@ -10,46 +10,48 @@
 #include "QBLCore/Threads/QBLThreadMutex.hpp"
 #include "QBLCore/Threads/QBLThreadSemaphore.hpp"
 
-// The count of m_available is that of the items, and of the nulls of wake(), that no get() has
-// claimed. Items are inserted first and posted then, both under the mutex. get() takes a count
-// first and the mutex then, and gives a null if there is no item. So items come out before nulls.
-//   withdraw()  takes an item together with a count. If no count is left, as many get() are under
-//               way as there are items, and one of them takes this one.
-//   m_free      counts the room of a bounded queue: reserve() takes from it; get() that finds an
-//               item, withdraw() and release() give back.
-//   m_spares    up to 64 nodes of items that are gone, under the mutex, for items that come.
-// An operation that fails undoes its part, so that both counts stay true.
+// m_available counts the items, and the nulls of wake(), that no get() has claimed. A put inserts
+// the item, then posts, both under the mutex. get() first takes a count, then the mutex, and
+// returns a null if there is no item. So items come out before nulls.
+//   withdraw()  takes an item together with a count. If the count is 0, there are as many calls of
+//               get() in progress as items, and one of them takes this item.
+//   m_free      counts the room of a bounded queue. reserve() lowers it. A get() that finds an
+//               item, withdraw() and release() raise it.
+//   m_spares    up to 64 nodes of removed items, for new items; guarded by the mutex.
+// An operation that fails undoes its part, so that both counts stay correct.
 //
-// The mutex orders what putters wrote before. The semaphores are those of TavBoundedWait.cpp.
-// QBLSentinelQueueTest shows failures, and QBLThreadPoolTest the counts, with x64-tsan too.
+// The mutex publishes what putters wrote before. TavBoundedWait.cpp explains the waits.
+// QBLSentinelQueueTest tests failures, and QBLThreadPoolTest the counts, also with x64-tsan.
 
-/// A first-in first-out queue whose takers wait for items and whose putters, if it is bounded,
-/// wait for room. Waits end at once when what they wait for comes, and at their bound.
+/// A first-in first-out queue. get() waits for an item. If the queue is bounded, put() waits for
+/// room. A wait ends as soon as there is an item or room, or when its time runs out.
 ///
-/// T is default-constructible and copyable; the library keeps pointers in it.
+/// T must be default-constructible and copyable. The library keeps pointers in its queues.
 ///
-/// Threads: any thread may call any operation; nobody may still wait when it is destroyed.
+/// Threads: any thread may call any operation. No thread may still wait when the queue is
+/// destroyed.
 template <class T>
 class QBLSentinelQueue {
 public:
-    /// @param capacity  most items at a time; 0 means unbounded
+    /// @param capacity  maximum number of items; 0 means unbounded
     explicit QBLSentinelQueue(unsigned long capacity = 0) : m_available(0) {
         if (capacity > 0) m_free.emplace(capacity);
     }
     QBLSentinelQueue(const QBLSentinelQueue&) = delete;
     QBLSentinelQueue& operator=(const QBLSentinelQueue&) = delete;
 
-    /// @param timeout  ms to wait for room, as for every wait
-    /// @return false when the queue stayed full; it then holds no copy of the item.
-    /// @throws std::bad_alloc, QBLThreadResourceError; the queue is as it was
+    /// @param timeout  milliseconds to wait for room
+    /// @return false if the queue stayed full. It then has no copy of the item.
+    /// @throws std::bad_alloc, QBLThreadResourceError; the queue does not change then
     [[nodiscard]] bool put(T& item, unsigned long timeout) { return add(item, timeout, false); }
 
-    /// As put(), but the item comes out before those that are there already.
+    /// As put(), but the item comes out before the items that are already in the queue.
     [[nodiscard]] bool putFirst(T& item, unsigned long timeout) { return add(item, timeout, true); }
 
-    /// @param item  receives the item that was put first
-    /// @return false when nothing came in time; item is then as it was.
-    /// @throws what copying an item throws; the queue is then as it was
+    /// @param item  receives the first item, or a null from wake()
+    /// @param timeout  milliseconds to wait for an item
+    /// @return false if the time ran out; item does not change then
+    /// @throws what copying an item throws; the queue does not change then
     [[nodiscard]] bool get(T& item, unsigned long timeout) {
         if (!m_available.boundedWait(timeout)) return false;
         bool taken = false;
@@ -66,18 +68,18 @@ public:
         return true;
     }
 
-    /// Lets one get() return with a null item, after all the items that were put. It needs
-    /// neither memory nor room, so it can always be called to end a waiting thread.
+    /// Makes one get() return a null item, after all items that were put. It needs neither memory
+    /// nor room, so it can always end the wait of a thread.
     void wake() { m_available.post(); }
 
-    /// Takes an item back that nobody has got yet.
-    /// @return false when it is not in the queue any more, or a get() under way will take it.
+    /// Removes an item that no get() has taken yet.
+    /// @return false if the item is no longer in the queue, or a get() in progress will take it.
     [[nodiscard]] bool withdraw(const T& item) {
         {
             QBLThreadGuard guard(m_items);
             auto it = (*m_items).begin();
             while (it != (*m_items).end() && *it != item) ++it;
-            // Without a count left, there are as many calls of get() under way as items.
+            // If the count is 0, there are as many calls of get() in progress as items.
             if (it == (*m_items).end() || !m_available.tryWait()) return false;
             (*m_items).erase(it);
         }
@@ -85,17 +87,17 @@ public:
         return true;
     }
 
-    /// put() in two steps, for callers that look at something between the two: waits for room,
-    /// which is then kept for the caller until putReserved() or release().
-    /// @return false when the queue stayed full.
+    /// The first step of put(), for callers that check something between the two steps. Waits for
+    /// room, and keeps it for the caller until putReserved() or release().
+    /// @return false if the queue stayed full.
     [[nodiscard]] bool reserve(unsigned long timeout) {
         return !m_free || m_free->boundedWait(timeout);
     }
-    /// Puts an item into the room that reserve() has kept; on failure the room is given back.
+    /// Puts an item into the room that reserve() has kept. Gives the room back on failure.
     /// @throws as put()
     void putReserved(const T& item) { insertReserved(item, false); }
-    /// Gives the room back. Called without reserve(), it lets one waiting caller of reserve() or
-    /// put() go on, into a queue that may then hold one item more than its capacity.
+    /// Gives the room back. Without a reserve() before, it lets one waiting reserve() or put()
+    /// continue, and the queue may then hold one item more than its capacity.
     void release() {
         if (m_free) m_free->post();
     }
@@ -125,9 +127,9 @@ private:
         }
     }
 
-    // Items and their removal mostly reuse a node, so that no memory goes to and fro between the
-    // threads that put and those that get. A kept node is emptied, which must not fail once its
-    // item has been copied.
+    // New items mostly reuse the nodes of removed items, so that no memory moves between the
+    // threads that put and those that get. The item in a kept node is reset, which must not fail
+    // after the item has been copied.
     static constexpr bool kKeepsNodes =
         std::is_nothrow_default_constructible_v<T> && std::is_nothrow_move_assignable_v<T>;
     void insert(QBLListIterator<T> position, const T& item) QBL_REQUIRES(m_items) {
@@ -149,8 +151,8 @@ private:
     }
 
     QBLThreadMonitor<QBLThreadMutex, QBLList<T>> m_items;
-    QBLThreadSemaphore m_available;            // posted once per item
-    std::optional<QBLThreadSemaphore> m_free;  // none when unbounded
+    QBLThreadSemaphore m_available;            // posted once per item or null
+    std::optional<QBLThreadSemaphore> m_free;  // empty if unbounded
     QBLList<T> m_spares QBL_GUARDED_BY(m_items);
 };
 

@@ -11,26 +11,26 @@
 #include "QBLCore/Threads/shared/QBLLayerResult.hpp"
 #include "TavThread/shared/TavContain.hpp"
 
-// A piece is pending from start() until leave(): m_iPending counts it under m_lock, and whoever
-// takes the count to 0 wakes those who wait. The group may be gone from then on, so leave() touches
-// nothing of it after it has given up the lock. A piece is deleted before it is counted off, since
-// what it holds may refer to things that are there only until the wait ends.
+// A piece is pending from start() until leave(). m_iPending counts it under m_lock, and the thread
+// that lowers the count to 0 wakes the waiters. From then on the group may be destroyed, so leave()
+// does not use the group after it has released the lock. A piece is deleted before the count is
+// lowered, because it may refer to objects that live only until the wait ends.
 //
-// The pool has a piece that it accepted; performAll() on a worker runs it. One that it refused is
-// run at once by start(), except within a piece of the same group: there it goes to m_pRefused, and
-// somebody who waits is woken. It is taken from there by the thread of a piece that has ended, by
-// waitForAll(), or by the destructor, which gives it a thread. It stays pending meanwhile, so a
-// wait does not end before it. If a task ends its thread, nobody takes the next one there
-// (leave()); a wait does.
+// The pool has the pieces that it accepted; performAll() runs them on a worker. start() runs a
+// refused piece at once, except within a piece of the same group. There it puts the new piece into
+// m_pRefused and wakes a waiter. The thread of a piece that has ended, waitForAll() or
+// the destructor takes it from there; the destructor runs it on a new thread. The piece stays
+// pending meanwhile, so a wait does not end before it. A thread that a piece ends takes no refused
+// piece (leave()), and a wait takes it.
 //
-// m_error is written by the piece that has set m_bFailed under the lock, while it is pending.
-// wait() reads it under the lock when nothing is pending; the lock of leave() comes between. There
-// are no atomics. The innermost Running of a thread tells whether it runs a piece of a group; it is
-// thread-local.
+// The piece that has set m_bFailed under the lock writes m_error while it is pending. wait() reads
+// m_error under the lock when no piece is pending. leave() takes the lock in between. There are no
+// atomics. The innermost Running of a thread, a thread-local pointer, tells if the thread runs a
+// piece of a group.
 //
-// A mistake stops a wait, or shows as use after free: all of QBLTaskGroupTest, with x86-asan and
-// x64-tsan; PiecesThatAddPiecesNeedNoStack for m_pRefused, SurvivesTheEndOfAThreadAndOfMemory for
-// leave() and keepError().
+// A mistake here makes a wait hang, or shows as use after free: all of QBLTaskGroupTest, with
+// x86-asan and x64-tsan. PiecesThatAddPiecesNeedNoStack tests m_pRefused,
+// SurvivesTheEndOfAThreadAndOfMemory tests leave() and keepError().
 
 namespace {
 
@@ -38,7 +38,7 @@ const char kTask[] = "QBLTaskGroup::Task::run";
 const char kTag[] = "QBL_THROW";
 const char kOwnPiece[] = "QBLTaskGroup::wait: called by a piece of the group";
 
-/// A group of which this thread runs a piece, and whom it was called by.
+/// A group of which this thread runs a piece, and the enclosing Running of the thread.
 struct Running {
     explicit Running(const QBLTaskGroup& g) : group(g), outer(t_innermost) { t_innermost = this; }
     ~Running() { t_innermost = outer; }
@@ -60,7 +60,7 @@ private:
 
 thread_local Running* Running::t_innermost = nullptr;
 
-/// Lets a lock go in a scope.
+/// Releases a lock for a scope.
 struct Unlocked {
     explicit Unlocked(QBLThreadCriticalSection& l) QBL_NO_THREAD_SAFETY_ANALYSIS : lock(l) {
         lock.unlock();
@@ -86,7 +86,7 @@ QBLTaskGroup::~QBLTaskGroup() {
     QBLThreadGuard guard(m_lock);
     while (m_iPending != 0) {
         if (Task* task = takeRefused()) {
-            // A piece may end its thread, which must not be one that is in a destructor.
+            // A piece may end its thread, so it must not run on a thread that is in a destructor.
             const Unlocked unlocked(m_lock);
             QBLThread thread(task);
             if (!tavContain([&thread] { thread.start(); })) performAll(task);
@@ -96,14 +96,15 @@ QBLTaskGroup::~QBLTaskGroup() {
     }
 }
 
-/// Runs a piece, and those that were refused meanwhile. The group may be gone afterwards.
+/// Runs a piece, and then pieces that were refused meanwhile. The group may be destroyed
+/// afterwards.
 TAV_CATCHES_UNWINDING void QBLTaskGroup::performAll(Task* task) {
     const Running running(*this);
     while (task != nullptr) {
         try {
             task->work();
         } catch (abi::__forced_unwind&) {
-            leave(task);  // this thread ends: what was refused is left to the others
+            leave(task);  // this thread ends, so the others run the refused pieces
             throw;
         } catch (...) {
             keepError();
@@ -112,7 +113,7 @@ TAV_CATCHES_UNWINDING void QBLTaskGroup::performAll(Task* task) {
     }
 }
 
-/// Takes the task over.
+/// Takes ownership of the task.
 void QBLTaskGroup::start(Task* task) {
     {
         QBLThreadGuard guard(m_lock);
@@ -130,7 +131,8 @@ void QBLTaskGroup::start(Task* task) {
         performAll(task);
         return;
     }
-    // Within a piece it waits its turn: pieces that add pieces would else fill the stack.
+    // Within a piece, the new piece waits its turn. Otherwise pieces that add pieces would fill the
+    // stack.
     QBLThreadGuard guard(m_lock);
     task->m_pNext = m_pRefused;
     m_pRefused = task;
@@ -143,7 +145,7 @@ QBLTaskGroup::Task* QBLTaskGroup::takeRefused() noexcept {
     return task;
 }
 
-/// Returns with nothing pending, and the lock held as before.
+/// Returns when no piece is pending. The lock is held before and after.
 void QBLTaskGroup::waitForAll() {
     while (m_iPending != 0) {
         if (Task* task = takeRefused()) {
@@ -173,15 +175,15 @@ void QBLTaskGroup::wait(const QBLFileLocation& where) {
     }
 }
 
-/// The task goes first: what it holds may refer to what is there only until the wait ends. The
-/// group may be gone as soon as the lock is free, if this was the last one pending.
+/// Deletes the task first, because it may refer to objects that live only until the wait ends. If
+/// this was the last pending piece, the group may be destroyed as soon as the lock is free.
 void QBLTaskGroup::leave(Task* task) noexcept {
     delete task;
     QBLThreadGuard guard(m_lock);
     if (--m_iPending == 0) m_allDone.broadcast();
 }
 
-/// The same; gives a refused piece for this thread to run next, or null.
+/// The same. Returns a refused piece for this thread to run next, or null.
 QBLTaskGroup::Task* QBLTaskGroup::leaveForNext(Task* task) noexcept {
     delete task;
     QBLThreadGuard guard(m_lock);
@@ -189,7 +191,7 @@ QBLTaskGroup::Task* QBLTaskGroup::leaveForNext(Task* task) noexcept {
     return takeRefused();
 }
 
-/// Inside a handler: keeps the current exception if it is the first.
+/// For handlers: keeps the current exception if it is the first error.
 void QBLTaskGroup::keepError() {
     {
         QBLThreadGuard guard(m_lock);

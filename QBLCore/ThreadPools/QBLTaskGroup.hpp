@@ -12,17 +12,17 @@
 
 class QBLThreadExecuteRunnable;
 
-/// Pieces of work that a pool does, and somebody waits for. The first error that leaves one of them
-/// is thrown again by wait(); the others are dropped.
+/// A group of pieces of work. A pool runs the pieces, and wait() waits for them. wait() also throws
+/// the first error that left a piece. The other errors are dropped.
 ///
-/// A piece that the pool does not take at once, because no worker is idle or its queue is full, is
-/// run by run() itself. A piece may add others to its group; those that the pool does not take are
-/// run after it, by whichever thread of the group comes free, a waiting one included. A piece that
-/// waits for another group keeps its worker from other work: in a pool of a fixed size, all workers
-/// may come to wait for each other.
+/// If the pool does not accept a piece at once, because no worker is idle or its queue is full,
+/// run() itself runs the piece. A piece may add other pieces to its group. If the pool does not
+/// accept such a piece, the next thread of the group that becomes free runs it; this can be a
+/// thread in wait(). A piece that waits for another group blocks its worker. So in a pool of a
+/// fixed size, all workers may come to wait for each other.
 ///
-/// Threads: run() and wait() for any thread. The pool must outlive the last wait and must not be
-/// told to stop before it: a pool that drops its queue would leave the group waiting.
+/// Threads: any thread may call run() and wait(). The pool must outlive the last wait. Do not stop
+/// the pool before that wait, because a pool that drops its queue would leave the group waiting.
 ///
 ///     QBLTaskGroup group(pool);
 ///     for (File& file : files) group.run([&file] { file.check(); });
@@ -32,18 +32,19 @@ public:
     /// @param pool  not owned
     /// @throws QBLOutOfMemoryError, QBLThreadResourceError
     explicit QBLTaskGroup(QBLThreadExecuteRunnable& pool);
-    /// Waits for all; an error that nobody has waited for is dropped. Not in a piece of the group.
-    /// The caller is not cancelled meanwhile. Pieces that the pool has refused get threads of their
-    /// own.
+    /// Waits for all pieces. Drops an error that no wait() has thrown. Must not be called in a
+    /// piece of the group. A cancellation of the caller takes effect only afterwards. Pieces that
+    /// the pool has refused run on threads of their own.
     ~QBLTaskGroup();
     QBLTaskGroup(const QBLTaskGroup&) = delete;
     QBLTaskGroup& operator=(const QBLTaskGroup&) = delete;
 
-    /// Has a callable run: a copy of it, or what is moved from it, which is destroyed on the thread
-    /// that ran it, before a wait for it ends.
-    /// @throws QBLOutOfMemoryError; what the pool's execute() throws, such as QBLIllegalStateError
-    ///     from one that is stopped; what copying the callable throws. What is no throwable comes
-    ///     as one, as of qblRethrowTranslated. The callable is then not run.
+    /// Runs a callable. The group copies it or moves it, and destroys the copy on the thread that
+    /// ran it, before a wait for it ends.
+    /// @throws QBLOutOfMemoryError; the errors of the pool's execute(), such as
+    ///     QBLIllegalStateError if the pool is stopped; the errors of copying the callable.
+    ///     qblRethrowTranslated turns other exceptions into throwables. If run() throws, the
+    ///     callable is not run.
     template <class Body,
               class = std::enable_if_t<!std::is_base_of_v<QBLThreadRunnable, std::decay_t<Body>>>>
     void run(Body&& body) {
@@ -53,20 +54,21 @@ public:
         QBL_ALLOC_CATCH
         start(task);
     }
-    /// The same for a runnable, which stays the caller's and must live until it has been run.
+    /// The same for a runnable. The caller keeps it alive until it has been run.
     void run(QBLThreadRunnable& runnable) {
         run([&runnable] { runnable.run(); });
     }
-    /// Waits until all has been run. If something failed since the last wait, throws the first
-    /// error, as its own class: with the place where it was thrown, and this one. What is no
-    /// throwable comes as one, as of qblRethrowTranslated; an error that there was no memory to
-    /// keep, as QBLOutOfMemoryError. Of several waits at a time one throws.
-    /// @throws QBLIllegalStateError in a piece of the group, which would wait for itself
-    /// @param where  the place, the caller's own unless given
+    /// Waits until all pieces have been run. If a piece has failed since the last wait, throws the
+    /// first error, as its own class. Its back-trace has the place where it was thrown, and this
+    /// place. qblRethrowTranslated turns other exceptions into throwables. If there was no memory
+    /// to keep the error, throws QBLOutOfMemoryError. If several threads wait at the same time,
+    /// only one of them throws.
+    /// @throws QBLIllegalStateError if called in a piece of the group, which would deadlock
+    /// @param where  the place; by default, the place of the call
     void wait(const QBLFileLocation& where = QBLFileLocation(__builtin_FILE(), __builtin_LINE()));
 
 private:
-    /// A piece of work, which deletes itself when it has been run.
+    /// A piece of work. It deletes itself when it has been run.
     class QBL_API Task : public QBLThreadRunnable {
     public:
         explicit Task(QBLTaskGroup& group) : m_group(group) {}
@@ -79,7 +81,7 @@ private:
         virtual void work() = 0;
 
         QBLTaskGroup& m_group;
-        Task* m_pNext = nullptr;  // among the refused
+        Task* m_pNext = nullptr;  // in the list of refused pieces
     };
 
     template <class Body>
@@ -106,11 +108,11 @@ private:
     QBLThreadExecuteRunnable& m_pool;
     QBLThreadCriticalSection m_lock;
     QBLThreadConditionVariable m_allDone;  // waited on under m_lock
-    int m_iPending;                        // guarded by m_lock, as the rest
-    Task* m_pRefused;                      // pieces that the pool did not take; a list
+    int m_iPending;                        // guarded by m_lock, like the members below
+    Task* m_pRefused;                      // list of pieces that the pool did not accept
     bool m_bFailed;
-    // Written by the piece that failed first, while it is pending; empty after a failure that there
-    // was no memory to keep.
+    // The piece that failed first writes it, while it is pending. Empty if there was no memory to
+    // keep the error.
     QBLDeferredThrowable m_error;
 };
 

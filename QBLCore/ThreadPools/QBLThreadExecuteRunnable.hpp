@@ -5,9 +5,9 @@
 
 class QBLThreadRunnable;
 
-/// Something that runs tasks for others.
+/// Interface of the classes that run tasks.
 ///
-/// Threads: execute() for any thread; derived classes have to allow that.
+/// Threads: any thread may call execute(); derived classes must allow that.
 class QBL_API QBLThreadExecuteRunnable {
 public:
     QBLThreadExecuteRunnable() = default;
@@ -15,10 +15,10 @@ public:
     QBLThreadExecuteRunnable& operator=(const QBLThreadExecuteRunnable&) = delete;
     virtual ~QBLThreadExecuteRunnable();
 
-    /// Hands over a task to be run on another thread. The task stays the caller's, who may
-    /// destroy it once its run() has ended; an exception that leaves run() is dropped.
-    /// @param timeout  ms to wait until the task can be accepted; 0 does not wait
-    /// @return 1 when the task was accepted, 0 when it was not.
+    /// Hands over a task to run on another thread. The caller still owns the task, and may destroy
+    /// it after its run() has ended. An exception that leaves run() is dropped.
+    /// @param timeout  milliseconds to wait until the task can be accepted; 0 does not wait
+    /// @return 1 if the task was accepted, else 0.
     virtual int execute(QBLThreadRunnable* task, unsigned long timeout = 0) = 0;
 };
 

@@ -13,24 +13,25 @@
 #include "QBLCore/Threads/QBLThreadSemaphore.hpp"
 #include "QBLCore/Threads/shared/QBLLayerResult.hpp"
 
-// Each worker is in one of three places: in the idle queue, with whoever took it out, or at work.
+// A worker is in the idle queue, or with the thread that took it out of the queue, or at work.
 //
 // 1. A worker that was put into the idle queue ends only after it took itself out again, or after
-//    it was handed something. So no task is handed to a thread that is gone.
-// 2. Whoever takes a worker out hands it a task, or null, exactly once. So no worker waits for
-//    ever, and a destructor that joins it ends.
-// 3. A worker puts itself into the queue and then reads the stop-work flag; whoever stops the pool
-//    sets the flag and then empties the queue. So each one is taken out or sees the flag.
-// 4. A null in the idle queue wakes a submitter after the stop, who passes it on before he throws.
+//    it was handed a task or a null. So no task is handed to a worker that has ended.
+// 2. A thread that takes a worker out of the queue hands it a task, or a null, exactly once. So no
+//    worker waits for ever, and a destructor that joins it returns.
+// 3. A worker puts itself into the queue, then reads the stop-work flag. A thread that stops the
+//    pool sets the flag, then empties the queue. So each worker is taken out or sees the flag.
+// 4. A null in the idle queue wakes a submitter after the stop. The submitter puts it back for the
+//    next one before it throws.
 // 5. A task may end the worker's thread. QBLPoolWorker then starts the other one of its two
 //    threads, which puts the worker into the queue as after any task (serve(true)).
 //
-// Memory order: in 3 both sides write one thing and then read the other. The flag is sequentially
-// consistent, and the queue's semaphore changes by locked instructions, full barriers on x86.
-// m_pTask needs none of that: whoever took the worker out alone stores it, and m_handOff publishes
-// it. m_workers changes while the pool is made and destroyed only.
+// Memory order: in rule 3 each side writes one variable, then reads the other one. The flag is
+// sequentially consistent, and the queue's semaphore changes by locked instructions, which are full
+// barriers on x86. m_pTask needs no such order: only the thread that took the worker out stores it,
+// and m_handOff publishes it. m_workers changes only while the pool is constructed and destroyed.
 //
-// A mistake loses a task or never joins a worker: QBLThreadPoolTest
+// A mistake here loses a task or never joins a worker: QBLThreadPoolTest
 // .EveryAcceptedTaskIsRunThoughThePoolGoes, .AWorkerGoesOnWithAnotherThreadWhenATaskEndsItsOwn,
 // .TheStopFlagWakesWaitingSubmittersAndLosesNoTask, .FailedConstructionLeavesNoThreadBehind.
 
@@ -52,14 +53,15 @@ public:
     /// Requires: the worker was handed null, or takes itself out of the idle queue.
     ~WorkerThread() override { close(); }
 
-    /// Requires: the worker is not in the idle queue, and was not handed anything since it was.
+    /// Requires: the worker is not in the idle queue, and was not handed anything since it left the
+    /// queue.
     void process(QBLThreadRunnable* task) {
         m_pTask.store(task, std::memory_order_relaxed);
         m_handOff.post();
     }
 
-    /// Puts the worker into the idle queue: in front, as the worker that was busy last is more
-    /// likely still awake, and its data in a cache.
+    /// Puts the worker at the front of the idle queue: the worker that was busy last is most likely
+    /// still awake, with its data in a cache.
     void beIdle() {
         WorkerThread* self = this;
         static_cast<void>(m_pool.m_idle.putFirst(self, QBLWaitForever));
@@ -83,13 +85,13 @@ private:
 
     bool goOn() { return m_pool.getStopWork() == 0 && offer(); }
 
-    /// @return false if the worker is to end.
+    /// @return false if the worker must end.
     bool offer() {
         for (;;) {
             try {
                 beIdle();
                 return m_pool.getStopWork() == 0 || !m_pool.m_idle.withdraw(this);
-            } catch (const std::bad_alloc&) {  // for its place in the queue
+            } catch (const std::bad_alloc&) {  // no memory for its place in the queue
                 const QBLNoCancel noCancel;
                 QBLThread::sleep(10);
                 if (m_pool.getStopWork() != 0) return false;
@@ -98,8 +100,8 @@ private:
     }
 
     QBLThreadPoolFixed& m_pool;
-    // The queue from the pool to this worker. It needs but one place, as the worker is handed a
-    // task only when it is idle; so handing over can neither fail nor wait.
+    // The queue from the pool to this worker. It needs only one place, because the worker is handed
+    // a task only when it is idle. So handing over can neither fail nor wait.
     std::atomic<QBLThreadRunnable*> m_pTask{nullptr};
     QBLThreadSemaphore m_handOff;
 };
@@ -151,7 +153,7 @@ int QBLThreadPoolFixed::execute(QBLThreadRunnable* task, unsigned long timeout) 
     return worker != nullptr ? 1 : 0;
 }
 
-// One null is enough: see above.
+// One null is enough: see rule 4.
 void QBLThreadPoolFixed::wakeSubmitters() { m_idle.wake(); }
 
 void QBLThreadPoolFixed::stop() {

@@ -5,24 +5,24 @@
 #include "QBLCore/ThreadPools/QBLSentinelQueue.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPool.hpp"
 
-/// A fixed number of workers that never queues: a task goes to a worker known to be idle, or
-/// is refused. Every accepted task is run, also when the pool is destroyed meanwhile.
+/// A pool with a fixed number of workers and without a queue. It gives a task to an idle worker, or
+/// refuses the task. Every accepted task is run, even if the pool is destroyed meanwhile.
 ///
 /// Threads: as QBLThreadPool.
 class QBL_API QBLThreadPoolFixed : public QBLThreadPool {
 public:
     /// Returns when all workers are idle.
-    /// @param workers  their number; each has a stack of 4,096,000 bytes, or of the system's
-    ///     default where that is larger
-    /// @throws QBLOutOfMemoryError, QBLThreadResourceError; no thread is left behind
+    /// @param workers  number of workers. Each has a stack of 4,096,000 bytes, or of the system's
+    ///     default if that is larger.
+    /// @throws QBLOutOfMemoryError, QBLThreadResourceError; all threads have ended then
     explicit QBLThreadPoolFixed(unsigned long workers);
-    /// Waits for the tasks being run.
+    /// Waits for the tasks that are running.
     ~QBLThreadPoolFixed() override;
 
-    /// @param task  null only lets an idle worker look at the stop-work flag
-    /// @param timeout  ms to wait for an idle worker
-    /// @return 0 when no worker became idle.
-    /// @throws QBLIllegalStateError once the stop-work flag is set, also while it waits;
+    /// @param task  null only makes an idle worker check the stop-work flag
+    /// @param timeout  milliseconds to wait for an idle worker
+    /// @return 0 if no worker became idle.
+    /// @throws QBLIllegalStateError if the stop-work flag is set, also while it waits;
     ///     QBLOutOfMemoryError
     int execute(QBLThreadRunnable* task, unsigned long timeout = 0) override;
 

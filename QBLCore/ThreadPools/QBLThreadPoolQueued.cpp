@@ -7,22 +7,21 @@
 #include "QBLCore/ThreadPools/internal/QBLTaskRun.hpp"
 #include "QBLCore/Threads/shared/QBLLayerResult.hpp"
 
-// 1. A submitter puts its task and then reads the stop-work flag. If it is set, he takes the task
-//    back and throws, unless a worker has got it.
-// 2. A worker reads the flag before it looks into the queue, and ends only if the flag was set and
-//    the queue was empty (or its task is to be dropped). So it has seen every task that was
-//    accepted.
-// 3. A stop gives one place more to the queue. A submitter that gets one and sees the flag gives it
-//    back, so that all those who wait get it one after the other.
-// 4. A null comes out of the queue after all tasks, and wakes a worker for a look at the flag. A
-//    stop puts one for each worker, and a worker that ends puts one for another.
+// 1. A submitter puts its task into the queue, then reads the stop-work flag. If the flag is set,
+//    the submitter takes the task back and throws, unless a worker has taken the task.
+// 2. A worker reads the flag before it looks into the queue. It ends only if the flag was set and
+//    the queue was empty, or if its task must be dropped. So it has seen every accepted task.
+// 3. A stop adds one place to the queue. A submitter that gets a place and sees the flag gives the
+//    place back. So all waiting submitters get it one after the other.
+// 4. A null comes out of the queue after all tasks, and wakes a worker to check the flag. A stop
+//    puts a null for each worker, and a worker that ends puts a null for another one.
 //
-// Memory order: in 1 and 2 both sides write one thing and then read the other. The flag is
-// sequentially consistent, and the queue's semaphore changes by locked instructions, full barriers
-// on x86. Tasks, and what submitters wrote before, come through the queue's mutex. An idle worker
-// looks at the flag every ten seconds: setStopWork() alone wakes submitters only.
+// Memory order: in rules 1 and 2 each side writes one variable, then reads the other one. The flag
+// is sequentially consistent, and the queue's semaphore changes by locked instructions, which are
+// full barriers on x86. The queue's mutex publishes the tasks and what submitters wrote before. An
+// idle worker checks the flag every ten seconds, because setStopWork() alone wakes only submitters.
 //
-// A mistake loses a task or keeps a submitter waiting: QBLThreadPoolTest
+// A mistake here loses a task or keeps a submitter waiting: QBLThreadPoolTest
 // .TheStopFlagWakesWaitingSubmittersAndLosesNoTask, .QueuedFinishesOrDropsWhatIsQueuedAsItWasTold,
 // .QueuedKeepsToItsCapacity, .AcceptedTasksOutliveWorkersThatEndInTheDestruction.
 
@@ -35,7 +34,7 @@ public:
     void run() override {}
 };
 
-/// How long an idle worker waits before it looks at the stop-work flag by itself, in ms.
+/// The time, in milliseconds, after which an idle worker checks the stop-work flag by itself.
 const unsigned long kPollInterval = 10000;
 
 }  // namespace
@@ -51,7 +50,7 @@ public:
 private:
     void serve(bool) override {
         work();
-        m_pool.m_tasks.wake();  // the null that ended this one may have been another's
+        m_pool.m_tasks.wake();  // the null that ended this worker may have been for another
     }
 
     void work() {
@@ -61,8 +60,8 @@ private:
             const bool got =
                 qblTakeTask(m_pool.m_tasks, task, stopping ? 0 : kPollInterval) && task != nullptr;
             if (stopping && !got) return;
-            // A task taken after the stop is deliberately dropped when queued work is not to be
-            // finished. Nulls come out of the queue after all tasks.
+            // A task taken after the stop is deliberately dropped if the pool must not finish
+            // queued work. Nulls come out of the queue after all tasks.
             if (m_pool.m_iFinishQueuedWork == 0 && m_pool.getStopWork() != 0) return;
             qblRunTask(task);
         }
@@ -79,7 +78,7 @@ QBLThreadPoolQueued::QBLThreadPoolQueued(unsigned long workers, unsigned long ca
       m_tasks(m_capacity) {
     try {
         for (unsigned long i = 0; i < m_workerCount; ++i) {
-            m_workers.push_back(nullptr);  // first its place: a running worker must have one
+            m_workers.push_back(nullptr);  // before the worker, which needs a place when it runs
             m_workers.back() = new WorkerThread(*this, stackSize);
         }
         for (WorkerThread* worker : m_workers)
@@ -97,7 +96,7 @@ QBLThreadPoolQueued::~QBLThreadPoolQueued() {
 
 int QBLThreadPoolQueued::execute(QBLThreadRunnable* task, unsigned long timeout) {
     static Nothing s_nothing;
-    if (task == nullptr) task = &s_nothing;  // takes its place in the queue like any other
+    if (task == nullptr) task = &s_nothing;  // it takes a place in the queue like any task
     bool accepted = false;
     QBL_ALLOC_TRY
     const bool room = getStopWork() == 0 && m_tasks.reserve(timeout);
@@ -114,8 +113,8 @@ int QBLThreadPoolQueued::execute(QBLThreadRunnable* task, unsigned long timeout)
 
 void QBLThreadPoolQueued::wakeSubmitters() { m_tasks.release(); }
 
-// A worker that waits is woken by a null of its own, so that destruction takes as long as the
-// work and not a poll.
+// A null wakes each waiting worker, so that the destruction takes only as long as the work, and
+// does not wait for a poll.
 void QBLThreadPoolQueued::stop() {
     setStopWork(1);
     for (unsigned int i = m_workers.size(); i != 0; --i) m_tasks.wake();
@@ -123,5 +122,5 @@ void QBLThreadPoolQueued::stop() {
         delete m_workers.front();
         m_workers.pop_front();
     }
-    if (m_iFinishQueuedWork != 0) qblRunLeft(m_tasks);  // by workers that ended in a task
+    if (m_iFinishQueuedWork != 0) qblRunLeft(m_tasks);  // left by workers that ended in a task
 }

@@ -6,31 +6,31 @@
 #include "QBLCore/ThreadPools/QBLThreadPool.hpp"
 #include "QBLCore/Threads/QBLThreadMutex.hpp"
 
-/// Workers as they are needed: a task that finds no worker free gets a new one. The first ones
-/// stay for the pool's life, the others end when they have been idle for a while.
+/// A pool that starts workers as needed: a task that finds no free worker gets a new one. The first
+/// workers stay for the pool's life. The others end after they have been idle for a while.
 ///
-/// The number of workers has no upper bound, deliberately: a burst of tasks can make one per
-/// task. Every accepted task is run, also when the pool is destroyed meanwhile. A worker has a
-/// stack of 4,096,000 bytes, or of the system's default where that is larger.
+/// The number of workers deliberately has no upper bound: a burst of tasks can start one worker per
+/// task. Every accepted task is run, even if the pool is destroyed meanwhile. A worker has a stack
+/// of 4,096,000 bytes, or of the system's default if that is larger.
 ///
 /// Threads: as QBLThreadPool.
 class QBL_API QBLThreadPoolVariable : public QBLThreadPool {
 public:
     /// Starts no thread yet.
-    /// @param permanentWorkers  how many workers stay
-    /// @param defaultTimeout  ms, for execute() with a timeout of 0
-    /// @param idleTimeout  ms without a task after which one of the other workers ends
+    /// @param permanentWorkers  number of workers that stay
+    /// @param defaultTimeout  milliseconds, for execute() with a timeout of 0
+    /// @param idleTimeout  milliseconds without a task after which one of the other workers ends
     /// @throws QBLOutOfMemoryError, QBLThreadResourceError
     QBLThreadPoolVariable(unsigned long permanentWorkers, unsigned long defaultTimeout,
                           unsigned long idleTimeout);
-    /// Waits for the tasks that were accepted.
+    /// Waits for the accepted tasks.
     ~QBLThreadPoolVariable() override;
 
     /// @param task  null is accepted and does nothing
-    /// @param timeout  of no effect in practice: the queue has no bound
-    /// @throws QBLIllegalStateError once the stop-work flag is set; QBLOutOfMemoryError or
-    ///     QBLThreadResourceError when there is no worker and none can be made. The task was
-    ///     then not accepted.
+    /// @param timeout  has no effect in practice, because the queue is unbounded
+    /// @throws QBLIllegalStateError if the stop-work flag is set; QBLOutOfMemoryError or
+    ///     QBLThreadResourceError if there is no worker and none can be started. The task is then
+    ///     not accepted.
     int execute(QBLThreadRunnable* task, unsigned long timeout = 0) override;
 
     /// A snapshot of the number of live workers.

@@ -11,16 +11,16 @@
 
 enum TavSemaphoreFlags : unsigned { kTavSemaphoreInitialized = 1, kTavSemaphoreSyntaxTraced = 2 };
 
-/// The count is that of the POSIX semaphore and the posts promised to waiters that look for one
-/// without sleeping. Such a post costs no system call and wakes nobody else. It is only made while
-/// more waiters look than are promised one, and no waiter stops looking without the one that is
-/// left for it: so none is ever lost to a sleeper.
+/// The count of the semaphore is the count of `native` plus the promises. A promise is a post for a
+/// looker, which is a waiter that does not sleep. It costs no system call and wakes no other
+/// waiter. A post makes a promise only while there are more lookers than promises. A looker does
+/// not stop without the promise that is left for it. So no sleeping waiter misses a post.
 struct TavSemaphore {
     sem_t native;
-    std::atomic<std::uint32_t> looking{0};  // waiters that look, in units of kTavLooker; promises
-    // Whether it has paid off lately to look for a post before sleeping, by pausing and by
-    // yielding the processor: above 0 it is tried, below 0 counts up to the next attempt. Only
-    // hints, which may miss an update.
+    std::atomic<std::uint32_t> looking{0};  // lookers in units of kTavLooker, plus promises
+    // How well it has recently paid off to look for a post before sleeping, by pausing and by
+    // yielding the processor. Above 0, the waiter looks; below 0, the score counts up to the next
+    // attempt. The scores are only hints and may miss an update.
     std::atomic<int> pauseScore{4};
     std::atomic<int> yieldScore{4};
     unsigned flags = 0;
@@ -34,7 +34,9 @@ constexpr std::uint32_t kTavLooker = 0x10000;
 inline std::uint32_t tavLookers(std::uint32_t looking) { return looking / kTavLooker; }
 inline std::uint32_t tavPromises(std::uint32_t looking) { return looking % kTavLooker; }
 
-/// Changes the word as long as it has a promise to take; the taker may be a looker, who leaves.
+/// Takes a promise if there is one.
+/// @param less  subtracted from the word: 1, or kTavLooker + 1 for a looker, which then stops
+///              looking.
 inline bool tavSemaphoreTakePromise(TavSemaphore* s, std::uint32_t less) {
     std::uint32_t looking = s->looking.load(std::memory_order_relaxed);
     while (tavPromises(looking) != 0)
@@ -46,12 +48,12 @@ inline bool tavSemaphoreTakePromise(TavSemaphore* s, std::uint32_t less) {
     return false;
 }
 
-/// Takes a count if there is one.
+/// Lowers the count by 1 if it is not 0.
 inline bool tavSemaphoreTakePlain(TavSemaphore* s) {
     return sem_trywait(&s->native) == 0 || tavSemaphoreTakePromise(s, 1);
 }
 
-/// Posts to a waiter that looks and has no promise yet.
+/// Posts to a looker that has no promise yet.
 inline bool tavSemaphorePromise(TavSemaphore* s) {
     std::uint32_t looking = s->looking.load(std::memory_order_relaxed);
     if (tavPromises(looking) >= tavLookers(looking)) return false;
@@ -63,13 +65,13 @@ inline bool tavSemaphorePromise(TavSemaphore* s) {
     return false;
 }
 
-/// tavXSemaphoreTryWait at the cost of the POSIX call when there is a count to take.
+/// tavXSemaphoreTryWait, but at the cost of the POSIX call if the count is not 0.
 inline int tavSemaphoreTryWaitFast(TavSemaphore* s) {
     if (s != nullptr && tavSemaphoreTakePlain(s)) return TAVTHREAD_OK;
     return tavSemaphoreTryWaitGeneral(s);
 }
 
-/// tavXSemaphorePost at the cost of the POSIX call at most.
+/// tavXSemaphorePost, but at most at the cost of the POSIX call.
 inline int tavSemaphorePostFast(TavSemaphore* s) {
     if (s != nullptr && (tavSemaphorePromise(s) || sem_post(&s->native) == 0)) return TAVTHREAD_OK;
     return tavSemaphorePostGeneral(s);

@@ -8,8 +8,8 @@
 #include "QBLCore/Threads/shared/QBLHasBegun.hpp"
 #include "TavThread/shared/TavContain.hpp"
 
-/// A worker of a pool of a fixed size. A task may end the thread that it is run on: the worker then
-/// goes on with another one. It has two, and the one that ends starts the one that ended before it.
+/// A worker of a pool of a fixed size. A task may end the thread that runs it. The worker then
+/// continues with another thread. It has two threads, and the one that ends starts the other one.
 class QBLPoolWorker : public QBLThread {
 public:
     explicit QBLPoolWorker(unsigned long stackSize)
@@ -17,7 +17,7 @@ public:
 
     /// Starts the first thread.
     void begin() { start(); }
-    /// @return false if the thread got no memory even to begin.
+    /// @return false if the thread had no memory to begin.
     bool waitUntilBegun() { return hasBegun(*this); }
 
     void run() final {
@@ -34,11 +34,11 @@ public:
 
 protected:
     /// Runs tasks until the pool stops. A cancellation must not end it between two tasks.
-    /// @param again  whether a task has ended the thread that did so before
+    /// @param again  true if a task has ended an earlier thread of this worker
     virtual void serve(bool again) = 0;
 
-    /// First thing in the destructor of a derived class: waits until the worker has ended. From
-    /// then on a thread that ends in a task has no successor.
+    /// Waits until the worker has ended. The destructor of a derived class calls it first. From
+    /// then on, a thread that ends in a task has no successor.
     void close() {
         {
             QBLThreadGuard guard(m_lock);
@@ -51,7 +51,7 @@ protected:
 private:
     bool hasBegun(QBLThread& thread) { return qblHasBegun(thread, m_began); }
 
-    /// On the thread that ends. There must be a successor, however long it takes to get one.
+    /// Runs on the thread that ends. Tries until a successor has begun, however long this takes.
     void succeed() {
         m_bSucceeded = true;
         m_bOtherServes = !m_bOtherServes;

@@ -9,10 +9,10 @@
 /// Stack of the workers of the fixed and the variable pool, in bytes.
 constexpr unsigned long kPoolStackSize = 4096000;
 
-/// Runs a task, if it is one, on a worker. Whatever it throws is dropped, except the end of the
-/// thread. A cancellation ends the worker in a task or right after it, never between taking a task
-/// and running it: nothing on the way is a place where it may take effect. What a task does to the
-/// way its thread can be cancelled ends with it.
+/// Runs a task, if it is not null, on a worker. Drops all exceptions, except the end of the thread.
+/// A cancellation ends the worker in a task or right after it, but never between taking a task and
+/// running it, because there is no cancellation point in between. A task may change how its thread
+/// can be cancelled; this is undone after the task.
 inline void qblRunTask(QBLThreadRunnable* task) {
     if (task == nullptr) return;
     tavContain([task] { task->run(); });
@@ -22,8 +22,8 @@ inline void qblRunTask(QBLThreadRunnable* task) {
     pthread_testcancel();
 }
 
-/// QBLSentinelQueue::get() for workers. A cancellation is put off, which could swallow a wake-up;
-/// as this costs something it is done only to wait.
+/// QBLSentinelQueue::get() for workers. Defers a cancellation, which could swallow a wake-up.
+/// Deferring takes time, so this is done only for a wait.
 inline bool qblTakeTask(QBLSentinelQueue<QBLThreadRunnable*>& tasks, QBLThreadRunnable*& task,
                         unsigned long timeout) {
     if (tasks.get(task, 0)) return true;
@@ -32,8 +32,8 @@ inline bool qblTakeTask(QBLSentinelQueue<QBLThreadRunnable*>& tasks, QBLThreadRu
     return tasks.get(task, timeout);
 }
 
-/// Runs what is left in a pool's queue when there are no workers any more: each task on a thread of
-/// its own, which it may end, or on the calling one if none can be made.
+/// Runs the tasks left in a pool's queue when there are no workers any more. Each task runs on its
+/// own thread, which it may end, or on the calling thread if no thread can be started.
 inline void qblRunLeft(QBLSentinelQueue<QBLThreadRunnable*>& tasks) {
     QBLThreadRunnable* task = nullptr;
     while (tasks.get(task, 0) && task != nullptr) {
