@@ -19,41 +19,44 @@
 #include "QBLCore/Utility/QBLUtSystemInfo.hpp"
 #include "TavThread/shared/TavContain.hpp"
 
-// m_jobLock guards the lists and is held briefly, never while a task is called. m_taskLock is for
-// the wait between two passes; it may be held when m_jobLock is taken.
+// m_jobLock guards the lists. It is held briefly, and never while a task runs. m_taskLock is for
+// the wait between two passes. A thread that holds m_taskLock may take m_jobLock.
 //
-// 1. During a pass the list m_tasks belongs to the thread: only it adds or erases, under m_jobLock,
-//    so that others may read. Who deregisters a task puts null in its place and waits for the end
-//    of the pass. The beginning of a pass counts `passes` on: so he waits for one pass, however
-//    fast they follow each other, and no pass waits for him.
-// 2. Mutexes are not fair: callers that register and deregister without a pause would keep the
-//    thread from m_jobLock for long. So it sets `wanted` before it takes the lock, and a caller
-//    that sees this waits once, on `changed`, until the thread gives the lock back.
-// 3. A task that ends its thread does not end the pass: another thread goes on with it at the next
-//    task. `at` and `last` tell it where, and belong to whichever thread it is.
-// 4. The custodian goes away only without users. User counts a call in; terminate() takes the
-//    custodian out of Shared first, and then waits until the count is 0. A call that comes later
-//    finds none; deRegisterTask() then waits for the end of the stop, whose last pass may call the
-//    task.
+// 1. During a pass, the list m_tasks belongs to the thread: only the thread adds or erases, under
+//    m_jobLock, so that others may read. A caller that deregisters a task puts null in its place
+//    and waits for the end of the pass. The beginning of each pass increases `passes`. So the
+//    caller waits for only one pass, even if passes follow each other closely, and no pass waits
+//    for the caller.
+// 2. Mutexes are not fair: callers that register and deregister without a pause could keep the
+//    thread from m_jobLock for a long time. So the thread sets `wanted` before it takes the lock. A
+//    caller that sees `wanted` waits once, on `changed`, until the thread releases the lock.
+// 3. A task that ends its thread does not end the pass: another thread continues with the next
+//    task. `at` and `last` tell it where to continue. They belong to the thread that runs the pass.
+// 4. The custodian is destroyed only when it has no users. User counts a call. terminate() first
+//    takes the custodian out of Shared, then waits until the count is 0. A later call finds no
+//    custodian. deRegisterTask() then waits for the end of the stop, because the last pass may call
+//    the task.
 //
 // The thread (m_started) starts with the first task. It waits (waitForPass), calls the tasks
 // (inPass), and ends after the pass that began with m_terminating set (lastPass). A task is in
 // m_jobs (registered, not in a pass yet), in m_tasks, a null in m_tasks (withdrawn during a pass,
-// erased at its end), or gone. Only a Turn of the thread moves jobs to m_tasks.
+// erased at its end), or in neither list. Only a Turn of the thread moves tasks from m_jobs to
+// m_tasks.
 //
-// Memory order: all is under the two locks or that of Shared, except:
+// Memory order: the two locks or the lock of Shared guard everything, except:
 //   schedule     is stored before m_taskLock is taken and the wait is woken, so a wait sees it.
-//   wanted       is a hint. Who reads it has m_jobLock, and who clears it too: so a caller that
-//                sees it set waits before the thread has the lock, and the thread's Turn wakes it.
-//   a task's place in m_tasks during a pass: null is stored and loaded relaxed. It says nothing
-//                but "do not call"; the end of the pass, under m_jobLock, says that no call runs.
-//   m_waiting    changes and counts under m_jobLock.
+//   wanted       is a hint. It is read and cleared under m_jobLock: a caller that sees it set waits
+//                before the thread has the lock, and the thread's Turn wakes the caller.
+//   a task's place in m_tasks during a pass: null is stored and loaded relaxed. It only means "do
+//                not call". The end of the pass, under m_jobLock, means that no call runs.
+//   m_waiting    is changed and read under m_jobLock.
 //
-// A mistake calls a task that is gone, or waits for ever: QBLCustodianTest
-// .DeregistrationWaitsForThePass, .SurvivesRegistrationsFromManyThreadsDuringTheStop,
-// .ATaskThatEndsItsThreadEndsNothingElse, .StopsWithoutWaitingButCallsEveryTaskOnce (a signal
-// lost); with x64-tsan too. QBLCustodianScheduleTest.FreezesAtZeroAndAtAllOnes is the test of rule
-// 2, and depends on how fair the system's mutexes are.
+// A mistake here calls a destroyed task or waits for ever. Tests, also with x64-tsan:
+// QBLCustodianTest .DeregistrationWaitsForThePass,
+// .SurvivesRegistrationsFromManyThreadsDuringTheStop, .ATaskThatEndsItsThreadEndsNothingElse,
+// .StopsWithoutWaitingButCallsEveryTaskOnce (a lost signal).
+// QBLCustodianScheduleTest.FreezesAtZeroAndAtAllOnes tests rule 2; its result depends on how fair
+// the system's mutexes are.
 
 namespace {
 
@@ -65,22 +68,22 @@ constexpr int kExitStatus = 327;
 /// The custodian of the process. Usable before the library starts and after it has stopped.
 struct Shared {
     QBLThreadCriticalSection m_globallock{0};
-    QBLThreadConditionVariable changed;  // for waits until there are no users, or no stop
+    QBLThreadConditionVariable changed;  // for waits until there is no user, or no stop
     QBLCustodian* m_Custodian QBL_GUARDED_BY(m_globallock) = nullptr;
     std::atomic<unsigned long> schedule{kFirstSchedule};     // changes under m_globallock
-    unsigned long process QBL_GUARDED_BY(m_globallock) = 0;  // that has the custodian's thread
+    unsigned long process QBL_GUARDED_BY(m_globallock) = 0;  // has the custodian's thread
     int users QBL_GUARDED_BY(m_globallock) = 0;              // calls that use the custodian
     bool stopping QBL_GUARDED_BY(m_globallock) = false;
 
     static Shared& instance() { return qblImmortal<Shared>(); }
 };
 
-// Made when the library is loaded, so that no stop fails for want of it.
+// Created when the library is loaded, so that no stop can fail to create it.
 [[maybe_unused]] Shared& g_shared = Shared::instance();
 
 thread_local bool t_isCustodian = false;
 
-/// Neither the log nor its texts may keep the process from ending.
+/// Logs an error and ends the process, even if logging fails.
 [[noreturn]] void die(const char* caption, const char* text) {
     char name[40];
     std::snprintf(name, sizeof name, "qbl_error_%lu", QBLUtSystemInfo::getProcessId());
@@ -102,7 +105,7 @@ TAV_CATCHES_UNWINDING bool isFinished(QBLCustodianTask& task, int terminating) {
     } catch (QBLThrowable& e) {
         dieOf(e);
     } catch (const std::bad_alloc&) {
-        // The caption's odd name is part of the records' form.
+        // The odd name in the caption is part of the record's form.
         die("QBLCustodian Caught CSTD_STD_NAME::bad_alloc Exception", "");
     } catch (const std::exception& e) {
         die("QBLCustodian Caught C++ Exception", e.what());
@@ -112,7 +115,7 @@ TAV_CATCHES_UNWINDING bool isFinished(QBLCustodianTask& task, int terminating) {
 }
 
 bool isEndless(unsigned long schedule) {
-    // NOLINTNEXTLINE(misc-redundant-expression): two numbers where long has 64 bits
+    // NOLINTNEXTLINE(misc-redundant-expression): two numbers if long has 64 bits
     return schedule == ~0UL || schedule == 0xFFFFFFFFUL;
 }
 
@@ -120,7 +123,8 @@ bool isFrozen(unsigned long schedule) { return schedule == 0 || isEndless(schedu
 
 }  // namespace
 
-/// The custodian that initialize() makes, with what has no place in the layout of its base.
+/// The custodian that initialize() makes. It has the members for which the fixed layout of its base
+/// has no place.
 class QBLCustodian::Body : public QBLCustodian {
 public:
     Body() : began(0), other(this, kStackSize) {}
@@ -132,7 +136,7 @@ public:
     void endPass();
     bool begin(QBLThread& thread);
     void succeed();
-    /// Waits until the thread has given m_jobLock back, or longer.
+    /// Waits on `changed`, which the thread broadcasts before it releases m_jobLock.
     void await() QBL_REQUIRES(m_jobLock) {
         ++m_waiting;
         changed.wait(m_jobLock);
@@ -141,15 +145,15 @@ public:
 
     std::atomic<bool> wanted{false};
     QBLThreadConditionVariable changed;  // waited on with m_jobLock
-    bool inPass = false;                 // guarded by m_jobLock, as the next two
-    unsigned passes = 0;                 // that have begun
-    bool lastPass = false;               // is over
-    // Used by one thread after the other.
+    bool inPass = false;                 // guarded by m_jobLock, like the next two
+    unsigned passes = 0;                 // number of passes that have begun
+    bool lastPass = false;               // the last pass is over
+    // The threads use these one after the other.
     QBLListIterator<QBLCustodianTask*> at{m_tasks.begin()};
     int last = 0;
     bool otherServes = false;
-    QBLThreadSemaphore began;  // posted by each thread
-    QBLThread other;           // serves by turns with the base
+    QBLThreadSemaphore began;  // each thread posts it
+    QBLThread other;           // alternates with the base
 
     /// Holds m_jobLock for the thread.
     class QBL_SCOPED_CAPABILITY Turn {
@@ -185,8 +189,8 @@ public:
     };
 };
 
-/// Uses the custodian, if there is one, which does not go away meanwhile. A forked process has
-/// none: the thread stayed behind.
+/// Uses the custodian if there is one, and keeps it alive meanwhile. A forked process has no
+/// custodian, because its thread was not copied.
 class QBLCustodian::User {
 public:
     User() {
@@ -232,8 +236,8 @@ void QBLCustodian::terminate() {
         last = shared.m_Custodian;
         shared.m_Custodian = nullptr;
         if (shared.process != QBLUtSystemInfo::getProcessId()) {
-            // Of the process that this one was forked from: there is no thread to wait for, and
-            // its locks may be held for ever.
+            // The custodian belongs to the process that forked this one: there is no thread to wait
+            // for, and its locks may be held for ever.
             shared.users = 0;
             shared.stopping = false;
             return;
@@ -256,7 +260,7 @@ unsigned long QBLCustodian::setSchedule(unsigned long ms) {
         if (isFrozen(before)) return before;
         shared.schedule = ms;
     }
-    User user;  // which may be waiting for the time set before
+    User user;  // the custodian may be waiting for the previous time
     if (user.custodian() != nullptr) {
         user.custodian()->lockForChange();
         user.custodian()->m_taskLock.unlock();
@@ -284,7 +288,7 @@ bool QBLCustodian::deRegisterTask(QBLCustodianTask* task) {
         User user;
         if (user.custodian() != nullptr) return user.custodian()->removeTask(task);
     }
-    // The last pass of one that is being stopped may still call the task.
+    // If a custodian is being stopped, its last pass may still call the task.
     Shared& shared = Shared::instance();
     QBLThreadGuard guard(shared.m_globallock);
     while (shared.stopping && shared.process == QBLUtSystemInfo::getProcessId() && !t_isCustodian)
@@ -302,7 +306,7 @@ QBLCustodian::QBLCustodian()
 
 QBLCustodian::~QBLCustodian() = default;
 
-// On return both threads have ended.
+// When it returns, both threads have ended.
 QBLCustodian::Body::~Body() {
     lockForChange();
     {
@@ -318,7 +322,8 @@ QBLCustodian::Body::~Body() {
     other.joinQuietly();
 }
 
-// For the thread to look again at what has changed. It is not held during a pass.
+// Wakes the thread, so that it checks for changes. The thread does not hold m_taskLock during a
+// pass.
 void QBLCustodian::lockForChange() {
     m_taskLock.lock();
     m_wakeup.signal();
@@ -330,7 +335,7 @@ bool QBLCustodian::assignTask(QBLCustodianTask* task) {
     const Body::Call call(body);
     if (m_started == 0 && m_terminating == 0 && body.begin(*this)) m_started = 1;
     if (m_started == 0 || m_terminating == 1) return false;  // the next registration tries again
-    // The names are part of the assertions' texts.
+    // The names of the variables are part of the assertions' texts.
     for (auto iterJobs = m_jobs.begin(); iterJobs != m_jobs.end(); ++iterJobs)
         QBL_ASSERT(task != *iterJobs);
     for (auto iter = m_tasks.begin(); iter != m_tasks.end(); ++iter) QBL_ASSERT(task != *iter);
@@ -399,7 +404,7 @@ void QBLCustodian::Body::waitForPass() {
             static_cast<void>(m_wakeup.timedWait(m_taskLock, static_cast<unsigned long>(left)));
         }
     }
-    if (Shared::instance().schedule == 0) yield();  // to callers, if there are no tasks
+    if (Shared::instance().schedule == 0) yield();  // to callers, because there may be no tasks
     Turn turn(*this);
     takeNewTasks();
     at = m_tasks.begin();
@@ -449,7 +454,7 @@ void QBLCustodian::Body::endPass() {
     }
 }
 
-/// @return whether the thread has begun.
+/// @return true if the thread has begun.
 bool QBLCustodian::Body::begin(QBLThread& thread) {
     bool begun = false;
     tavContain([&] {
@@ -460,7 +465,8 @@ bool QBLCustodian::Body::begin(QBLThread& thread) {
     return begun;
 }
 
-/// On a thread that a task has ended: there must be another one, however long it takes to get it.
+/// Runs on a thread that a task has ended. Tries until another thread has begun, however long this
+/// takes.
 void QBLCustodian::Body::succeed() {
     otherServes = !otherServes;
     while (!begin(otherServes ? other : *this)) sleep(10);

@@ -9,38 +9,40 @@
 #include "QBLCore/Threads/QBLThreadConditionVariable.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 
-/// One background thread per process that calls registered tasks periodically, and each that is
-/// left a last time when the library stops. It exists while the library runs; its thread starts
-/// with the first registration.
+/// One background thread per process that calls registered tasks periodically. When the library
+/// stops, it calls each remaining task a last time. The custodian exists while the library runs;
+/// its thread starts with the first registration.
 ///
-/// A task that throws ends the process at once with _exit(327), which the system reports as 71,
-/// without further tasks or destructors; a record of the error goes to the mini logger's file
-/// `qbl_error_` and the process's number.
+/// If a task throws, the process ends at once with _exit(327), which the system reports as 71. No
+/// further tasks or destructors run. The mini logger writes a record of the error to its file
+/// `qbl_error_` followed by the process's number.
 ///
-/// A process that is forked has no custodian until it stops the library and starts it anew. It may
-/// do so only if no other thread was in a call of the library at the fork: a lock that such a
-/// thread held is never given back in the new process.
+/// A forked process has no custodian until it stops the library and starts it again. It may do so
+/// only if no other thread was in a call of the library at the fork: in the new process, a lock
+/// that such a thread held is never released.
 ///
-/// Threads: any thread may call any operation; but for those that start and stop the custodian,
-/// which belong to the start and stop of the library.
+/// Threads: any thread may call any operation, except initialize() and terminate(), which the start
+/// and stop of the library call.
 class QBL_API QBLCustodian : public QBLThread {
 public:
     /// @name Start and stop
     /// @{
 
-    /// @return whether there is a custodian now, also one that was there before.
+    /// @return true if there is a custodian now, even if it existed before.
     static bool initialize();
-    /// Takes the custodian away, waiting for its last pass and for registrations under way.
+    /// Removes the custodian. Waits for its last pass and for registrations in progress.
     static void terminate();
     /// @}
 
     /// @name Schedule
     /// @{
 
-    /// @param ms  time between two passes, 60000 at first; a wait under way takes it over, counted
-    ///     from its beginning. Once it is 0 (one pass after the other) or all ones (none but at the
-    ///     stop) it stays so for the process's life, deliberately.
-    /// @return the time set before
+    /// Sets the time between two passes. 0 means one pass right after the other; all ones mean no
+    /// pass except at the stop. Once it is one of these two, it deliberately stays so for the
+    /// process's life.
+    /// @param ms  milliseconds; 60000 at first. A wait in progress uses the new time, counted from
+    ///     its beginning.
+    /// @return the previous time
     static unsigned long setSchedule(unsigned long ms);
     static unsigned long getSchedule();
     /// @}
@@ -48,20 +50,21 @@ public:
     /// @name Tasks
     /// @{
 
-    /// Has a task called from the next pass on. Tasks registered between two passes are called in
-    /// their order, and before those that were there. The caller is not cancelled meanwhile.
+    /// Registers a task, which is called from the next pass on. Tasks registered between two passes
+    /// are called in the order of their registration, and before older tasks. A cancellation of the
+    /// caller takes effect only afterwards.
     /// @param task  not owned; null is accepted and does nothing
-    /// @return false, with the task not kept, when there is no custodian, it is stopping or its
-    ///     thread cannot be started
-    /// @throws QBLAssertError for a task that is registered; QBLOutOfMemoryError
+    /// @return false if there is no custodian, if it is stopping, or if its thread cannot be
+    ///     started. The task is then not registered.
+    /// @throws QBLAssertError if the task is already registered; QBLOutOfMemoryError
     static bool registerTask(QBLCustodianTask* task);
-    /// Withdraws a task, waiting for a pass that is under way, and for the last one of a library
-    /// that is being stopped: the task is not being called when this returns, and will not be
-    /// again. Call it also for a task that was dropped, before the task is destroyed or registered
-    /// again: its doIt() may have returned, and the custodian not have dropped it yet. The caller
-    /// is not cancelled meanwhile.
-    /// @return false for a task that is not registered; also from inside a task, which cannot wait
-    ///     for its own pass, for a task that was in a pass already
+    /// Withdraws a task. Waits for a pass in progress, and for the last pass if the library is
+    /// being stopped. When this returns, the task is not running and will not be called again. Also
+    /// call it for a task that was dropped, before you destroy the task or register it again: its
+    /// doIt() may have returned while the custodian has not dropped it yet. A cancellation of the
+    /// caller takes effect only afterwards.
+    /// @return false if the task is not registered. Inside a task, which cannot wait for its own
+    ///     pass, also false for a task that has already been in a pass.
     static bool deRegisterTask(QBLCustodianTask* task);
     /// @}
 
@@ -86,8 +89,8 @@ private:
 
     QBLThreadCriticalSection m_taskLock;  // for the wait between two passes
     QBLThreadConditionVariable m_wakeup;  // waited on with m_taskLock
-    QBLList<QBLCustodianTask*> m_tasks;   // changed under m_jobLock, in a pass by the thread alone
-    QBLThreadCriticalSection m_jobLock;   // may be taken under m_taskLock, not the other way
+    QBLList<QBLCustodianTask*> m_tasks;   // changed under m_jobLock, in a pass only by the thread
+    QBLThreadCriticalSection m_jobLock;   // may be taken under m_taskLock, not the reverse
     QBLList<QBLCustodianTask*> m_jobs;    // not in a pass yet, the newest first; under m_jobLock
     int m_started;                        // under m_jobLock
     int m_terminating;                    // changed under both locks, read under either
