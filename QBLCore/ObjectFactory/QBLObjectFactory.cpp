@@ -10,40 +10,42 @@
 #include "QBLCore/ObjectFactory/QBLObjectFactoryItem.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 
-// What there is of a class is in a LISTS_STRUCT. Structs are freed with the factory only, so that a
-// creation may look into one that it remembers (m_recent) although its class is gone. A struct
-// either serves a class (registered, in the map) or is unused; serve() and retire() change that,
-// under the locks of the map and of the free list. classId keeps its last value in an unused one.
+// A LISTS_STRUCT has the data of a class. Structs are freed only with the factory, so that a
+// creation may use a struct that it remembers (m_recent) even if its class was removed. A struct
+// either serves a class (registered, in the map) or is unused. serve() and retire() change that,
+// under the locks of the map and of the free list. In an unused struct, classId keeps its last
+// value.
 //
-// An item of the factory is in one of four states. `latest` holds one item at most.
-//   handed out  m_free is false; in no place of the struct but allItems.
-//   released    m_free is true; the thread that set it has the item alone, on its way to `latest`.
-//   latest      put there and taken from there by an exchange: whoever gets it has it alone.
-//   listed      in freeItems, under its lock: an item goes there from `latest` only.
-// releaseObject() changes m_free by an exchange, so that of two releases one counts. createObject()
-// takes from `latest` first, without a lock, then from the list, and else calls the creator, which
-// is counted in inFlight meanwhile.
+// An item of the factory is in one of four states. `latest` holds at most one item.
+//   handed out  m_free is false; the item is in allItems only.
+//   released    m_free is true; only the thread that set it uses the item, on its way to `latest`.
+//   latest      stored and taken by an exchange, so only one thread gets the item.
+//   listed      in freeItems, under its lock; items get there only from `latest`.
+// releaseObject() changes m_free by an exchange, so only one of two releases counts. createObject()
+// first takes from `latest`, without a lock, then from the list. If both are empty, it calls the
+// creator, and inFlight counts this call meanwhile.
 //
-// 1. `nodes` has a node for each item that is in allItems and not in freeItems. So an item goes to
-//    the list, and out of it, without memory.
-// 2. retire() moves `latest` to the list, and succeeds only if all items are there and inFlight is
-//    0. So the class of a struct does not change under a thread that has an item or makes one.
-// 3. takeLatest() looks at classId twice. The first look leaves items of other classes alone. The
-//    second one holds as long as the item is taken (2). If the struct came to serve another class
-//    between the two, the item goes back at once; an unregisterClass() of that class in this moment
-//    reports an object in use.
-// 4. putFree() touches nothing after its exchange if nothing was in `latest`: the item may be gone.
-//    An item that was there belongs to this thread until it is in the list, and holds the class.
+// 1. `nodes` has a node for each item that is in allItems and not in freeItems. So an item needs no
+//    memory to enter or leave the list.
+// 2. retire() moves `latest` to the list. It succeeds only if all items are there and inFlight is
+//    0. So the class of a struct does not change while a thread has an item or creates one.
+// 3. takeLatest() reads classId twice. The first check leaves items of other classes alone. The
+//    second check stays valid while the item is taken (rule 2). If the struct has changed its class
+//    between the two checks, the item goes back at once. An unregisterClass() of that class at this
+//    moment reports an object in use.
+// 4. putFree() uses nothing after its exchange if `latest` was empty: the item may already be
+//    deleted. If `latest` had an item, that item belongs to this thread until it is in the list,
+//    and so the class stays.
 //
-// Memory order: exchanges of `latest` acquire and release, so that the next user of an item finds
-// what its last one and cleanObject() left, and sees the classId that the item was made under.
-// m_recent is stored with release and loaded with acquire: a struct found there is complete.
-// m_free is cleared relaxed, by the thread that has the item alone. All else is under the locks.
+// Memory order: exchanges of `latest` acquire and release. So the next user of an item sees what
+// its last user and cleanObject() wrote, and the classId under which the item was created. m_recent
+// is stored with release and loaded with acquire, so a struct found there is complete. m_free is
+// cleared relaxed, by the only thread that has the item. The locks guard everything else.
 //
-// A mistake hands an item out twice, or under another class's id:
-// QBLObjectFactoryTest.ServesThreadsThatRegisterCreateAndRelease (x64-tsan, which reports a weaker
-// exchange, and x86-asan); IsAsItWasWhenMemoryRunsOut for 1. Hardly a run of it meets the moment
-// between the two looks of 3.
+// A mistake here hands an item out twice, or under the id of another class.
+// QBLObjectFactoryTest.ServesThreadsThatRegisterCreateAndRelease detects it with x86-asan and with
+// x64-tsan, which reports a weaker exchange. IsAsItWasWhenMemoryRunsOut tests rule 1. A run rarely
+// hits the moment between the two checks of rule 3.
 
 namespace {
 
@@ -55,9 +57,9 @@ const char kNoCreator[] = "QBLObjectFactory::registerClass: there is no creator"
 
 }  // namespace
 
-/// What there is of a class, which stays registered while an item of it is handed out or being
-/// made. A struct lives as long as the factory, and serves another class when its own is taken
-/// away.
+/// The data of a class. The class stays registered while one of its items is handed out or being
+/// created. A struct lives as long as the factory. It can serve another class after its class was
+/// removed.
 struct QBLObjectFactory::LISTS_STRUCT {
     void serve(char* id, Creator function);
     QBLObjectFactoryItem* takeLatest(const char* id);
@@ -70,17 +72,17 @@ struct QBLObjectFactory::LISTS_STRUCT {
     void pushFree(QBLObjectFactoryItem* item);
 
     Creator creator = nullptr;  // changes with classId
-    Items freeItems;            // but the one released last
+    Items freeItems;            // except the one released last
     Items allItems;
-    // Changes only while nobody has an item, or makes one.
+    // Changes only while no thread has or creates an item.
     std::atomic<char*> classId{nullptr};
-    // The item released last, if it is free: what is released and created again at once needs no
-    // lock.
+    // The item released last, if it is free. So a creation right after a release needs no lock.
     std::atomic<QBLObjectFactoryItem*> latest{nullptr};
-    // These are guarded by the lock of the free list. There is a node for each item that is not in
-    // it, so that neither creation nor release of one that is there already needs memory, or fails.
+    // The lock of the free list guards these. There is a node for each item that is not in the
+    // list, so that releasing an item, or handing out an existing item, needs no memory and cannot
+    // fail.
     ItemList nodes;
-    int inFlight = 0;  // creators being called
+    int inFlight = 0;  // running creators
     bool registered = false;
     LISTS_STRUCT* nextUnused = nullptr;  // guarded by the lock of the map
 };
@@ -92,9 +94,10 @@ void QBLObjectFactory::LISTS_STRUCT::serve(char* id, Creator function) {
     registered = true;
 }
 
-/// Hands out the item released last; null if that is not free, or this serves another class.
+/// Hands out the item released last. Returns null if it is not free, or if this struct serves
+/// another class.
 QBLObjectFactoryItem* QBLObjectFactory::LISTS_STRUCT::takeLatest(const char* id) {
-    // Another class's item must not even for a moment count as handed out.
+    // An item of another class must not count as handed out, even for a moment.
     if (classId.load(std::memory_order_acquire) != id) return nullptr;
     QBLObjectFactoryItem* item = latest.exchange(nullptr, std::memory_order_acq_rel);
     if (item == nullptr) return nullptr;
@@ -106,9 +109,9 @@ QBLObjectFactoryItem* QBLObjectFactory::LISTS_STRUCT::takeLatest(const char* id)
     return item;
 }
 
-/// Hands out an item of the free list. If that is empty, null, and the caller has counted itself as
-/// making one.
-/// @return false, with nothing done, if this serves another class
+/// Hands out an item of the free list. If the list is empty, sets item to null, and counts the
+/// caller as creating one.
+/// @return false, with nothing done, if this struct serves another class
 bool QBLObjectFactory::LISTS_STRUCT::take(const char* id, QBLObjectFactoryItem*& item) {
     QBLThreadGuard guard(freeItems);
     if (classId != id || !registered) return false;
@@ -124,10 +127,10 @@ bool QBLObjectFactory::LISTS_STRUCT::take(const char* id, QBLObjectFactoryItem*&
     return true;
 }
 
-/// Requires: nobody else has the item, which is marked as free.
+/// Requires: no other thread has the item, and the item is marked as free.
 void QBLObjectFactory::LISTS_STRUCT::putFree(QBLObjectFactoryItem& item) {
-    // The one before counts as handed out until it is in the list. Once it is, or if there is none,
-    // this may serve another class.
+    // The previous item counts as handed out until it is in the list. After that, or if there is no
+    // previous item, this struct may serve another class.
     QBLObjectFactoryItem* before = latest.exchange(&item, std::memory_order_acq_rel);
     if (before == nullptr) return;
     QBLThreadGuard guard(freeItems);
@@ -140,7 +143,7 @@ void QBLObjectFactory::LISTS_STRUCT::pushFree(QBLObjectFactoryItem* item) {
     (*freeItems).splice((*freeItems).end(), nodes, nodes.begin());
 }
 
-/// Enters an item as one handed out.
+/// Adds an item, which counts as handed out.
 void QBLObjectFactory::LISTS_STRUCT::adopt(QBLObjectFactory& factory, QBLObjectFactoryItem& item) {
     QBLThreadGuard guard(freeItems);
     QBLThreadGuard guardAll(allItems);
@@ -165,7 +168,7 @@ void QBLObjectFactory::LISTS_STRUCT::forget(const QBLObjectFactoryItem& item) {
     (*allItems).erase(it);
 }
 
-/// Ends the service for a class, unless an item is handed out or being made.
+/// Ends the service for a class, unless an item is handed out or being created.
 bool QBLObjectFactory::LISTS_STRUCT::retire() {
     QBLThreadGuard guard(freeItems);
     QBLThreadGuard guardAll(allItems);
@@ -176,7 +179,8 @@ bool QBLObjectFactory::LISTS_STRUCT::retire() {
     return true;
 }
 
-/// Moves the free items to a list, to be deleted, and makes the others their holders' own.
+/// Moves the free items to a list of items to delete. The other items no longer belong to the
+/// factory.
 void QBLObjectFactory::LISTS_STRUCT::empty(ItemList& unused) {
     QBLThreadGuard guard(freeItems);
     QBLThreadGuard guardAll(allItems);
@@ -241,7 +245,7 @@ void QBLObjectFactory::unregisterClass(char* classId) {
     for (const QBLObjectFactoryItem* item : unused) delete item;
 }
 
-/// Where a class may be found without the map. Ids are some bytes apart, or far.
+/// Returns the index of a class in m_recent. Ids may be a few bytes apart, or far apart.
 std::size_t QBLObjectFactory::placeOf(const char* classId) {
     const auto address = reinterpret_cast<std::uintptr_t>(classId);
     return (address ^ address >> 3 ^ address >> 6) % kRecent;
@@ -264,7 +268,7 @@ QBLObjectFactoryItem* QBLObjectFactory::createObject(char* classId) {
     return item != nullptr ? item : make(*lists);
 }
 
-/// Requires: the caller is counted as making an item, which this ends.
+/// Requires: inFlight counts the caller. This call lowers it again.
 QBLObjectFactoryItem* QBLObjectFactory::make(LISTS_STRUCT& lists) {
     struct Flight {
         LISTS_STRUCT& lists;
@@ -274,7 +278,7 @@ QBLObjectFactoryItem* QBLObjectFactory::make(LISTS_STRUCT& lists) {
         }
     } flight{lists};
     std::unique_ptr<QBLObjectFactoryItem> item(lists.creator(this));
-    // A creator may hand on what it got from another creation.
+    // A creator may return an item that another creation has handed out.
     if (item == nullptr || item->m_pLists != nullptr) return item.release();
     QBL_ALLOC_TRY
     lists.adopt(*this, *item);
@@ -288,8 +292,8 @@ void QBLObjectFactory::releaseObject(QBLObjectFactoryItem* item) {
     if (!item->m_free.exchange(true, std::memory_order_acq_rel)) lists.putFree(*item);
 }
 
-/// The lists that an item goes back to. Its class stays registered while it is handed out, so that
-/// one of ours needs no lookup.
+/// Returns the struct to which an item goes back. The class of a handed-out item stays registered,
+/// so an item of this factory needs no lookup.
 QBLObjectFactory::LISTS_STRUCT& QBLObjectFactory::listsOf(QBLObjectFactoryItem& item) {
     char* const classId = item.getClassId();
     LISTS_STRUCT* const before = item.m_pLists;

@@ -13,18 +13,19 @@
 
 class QBLObjectFactoryItem;
 
-/// Makes objects by the id of their class, and keeps released ones to hand them out again: the one
-/// released last first.
+/// Creates objects by the id of their class. Keeps released objects and hands them out again, the
+/// one released last first.
 ///
-/// A class id is a pointer, and compared as one: an equal text at another address is another id.
+/// A class id is a pointer and is compared as a pointer: the same text at another address is
+/// another id.
 ///
-/// Creators, cleanObject() and destructors of items are called without a lock, and may use the
-/// factory, but not to create or release items while it is destroyed.
+/// Creators, cleanObject() and destructors of items are called without a lock. They may use the
+/// factory, but must not create or release items while it is being destroyed.
 ///
-/// Errors: QBLOutOfMemoryError, after which the factory is as it was.
+/// Errors: QBLOutOfMemoryError; the factory does not change then.
 ///
-/// Threads: any thread may create, release and register. clearLists() and the destructor need that
-/// nobody else uses the factory, or releases an item of it, at the same time.
+/// Threads: any thread may create, release and register. While clearLists() or the destructor runs,
+/// no other thread may use the factory or release one of its items.
 ///
 ///     char kind[] = "Connection";
 ///     factory.registerClass(kind, &Connection::make);
@@ -35,7 +36,7 @@ public:
     /// @name Making a factory
     /// @{
 
-    /// Makes an item on the heap, for the factory that it is given. It may return null.
+    /// Creates an item on the heap for the given factory. It may return null.
     typedef QBLObjectFactoryItem* (*Creator)(QBLObjectFactory*);
 
     QBLObjectFactory();
@@ -49,29 +50,30 @@ public:
     /// @{
 
     /// @param classId  not owned; must stay a valid pointer while it is registered
-    /// @throws QBLIllegalStateError if the id is registered; QBLIllegalArgumentError without
-    ///     creator
+    /// @throws QBLIllegalStateError if the id is already registered; QBLIllegalArgumentError if the
+    ///     creator is null
     void registerClass(char* classId, Creator creator);
-    /// Takes a class away and deletes its free items.
-    /// @throws QBLIllegalStateError if the id is not registered, or an item of the class is handed
-    ///     out or being made
+    /// Removes a class and deletes its free items.
+    /// @throws QBLIllegalStateError if the id is not registered, or if an item of the class is
+    ///     handed out or being created
     void unregisterClass(char* classId);
     /// @}
 
     /// @name Items
     /// @{
 
-    /// The item of the class that was released last, or a new one where none is free.
-    /// @return the item, the caller's until it is released; null if the creator gave null
+    /// Hands out the item of the class that was released last, or creates one if no item is free.
+    /// @return the item, which the caller must release; null if the creator returned null
     /// @throws QBLIllegalStateError if the id is not registered; what the creator throws
     QBLObjectFactoryItem* createObject(char* classId);
-    /// Keeps an item, with those of the class that its id names, for the next creation; programs
-    /// call the item's release() instead. One that no creation has handed out becomes the
-    /// factory's. A null item, or one that is free already, is ignored.
-    /// @throws QBLIllegalStateError if the item's class is not registered, or another factory's
+    /// Keeps an item for the next creation of the class that its id names. Programs call the item's
+    /// release() instead. If no creation has handed out the item, it now belongs to the factory.
+    /// Ignores null and an item that is already free.
+    /// @throws QBLIllegalStateError if the item's class is not registered, or if the item belongs
+    ///     to another factory
     void releaseObject(QBLObjectFactoryItem* item);
-    /// Deletes all free items, and lets go of those handed out: their release() then deletes them.
-    /// Classes stay registered.
+    /// Deletes all free items. Items that are handed out no longer belong to the factory, and their
+    /// release() deletes them. Classes stay registered.
     void clearLists();
     /// @}
 
@@ -90,11 +92,11 @@ private:
     LISTS_STRUCT& listsOf(QBLObjectFactoryItem& item);
     QBLObjectFactoryItem* make(LISTS_STRUCT& lists);
 
-    // Locks are taken in this order: that of the map, of a free list, of the list of all items.
+    // Locks are taken in this order: map, free list, list of all items.
     QBLThreadMonitor<QBLThreadCriticalSection, ClassMap> m_classes;  // owns the structs
-    LISTS_STRUCT* m_pUnused;  // owned: those of no class, a list; guarded by the lock of the map
-    // Structs found lately, by their classes' places: what spares the lock of the map. They may
-    // serve another class by now.
+    LISTS_STRUCT* m_pUnused;  // owned list of structs without a class; guarded by the map's lock
+    // Structs found recently, indexed by placeOf() of their class. They save the lock of the map.
+    // They may serve another class by now.
     std::atomic<LISTS_STRUCT*> m_recent[kRecent];
 };
 

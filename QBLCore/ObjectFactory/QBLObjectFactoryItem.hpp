@@ -5,24 +5,24 @@
 
 #include "QBLCore/ObjectFactory/QBLObjectFactory.hpp"
 
-/// Base of the objects that a QBLObjectFactory makes, on the heap. Whoever is handed one gives it
-/// back by release(), and never deletes it.
+/// Base of the objects that a QBLObjectFactory creates on the heap. The user of an item gives it
+/// back with release(), and never deletes it.
 ///
-/// Threads: an item belongs to whom it was handed out to.
+/// Threads: an item belongs to the user to whom it was handed out.
 class QBL_API QBLObjectFactoryItem {
 public:
-    /// @param factory  which the item goes back to, and which must be there until then for an item
-    ///     that no creation hands out; null for an item that release() deletes
+    /// @param factory  the factory to which the item goes back; null for an item that release()
+    ///     deletes. If no creation hands out the item, the factory must exist until its release.
     explicit QBLObjectFactoryItem(QBLObjectFactory* factory);
     QBLObjectFactoryItem(const QBLObjectFactoryItem&) = delete;
     QBLObjectFactoryItem& operator=(const QBLObjectFactoryItem&) = delete;
     virtual ~QBLObjectFactoryItem();
 
-    /// Gives the item back to its factory, after cleanObject(), or deletes it where there is none.
-    /// A second release before the item is handed out again is ignored.
+    /// Calls cleanObject(), then gives the item back to its factory. Deletes the item if it has no
+    /// factory. Ignores a second release before the item is handed out again.
     /// @throws as QBLObjectFactory::releaseObject, and what cleanObject() throws
     virtual void release();
-    /// The very pointer under which the item's class was registered.
+    /// Returns the same pointer under which the item's class was registered.
     virtual char* getClassId() = 0;
     /// Resets the item before it is used again; does nothing here.
     virtual void cleanObject();
@@ -30,9 +30,9 @@ public:
 private:
     friend class QBLObjectFactory;
 
-    QBLObjectFactory* m_pFactory;              // null for an item of its own
-    QBLObjectFactory::LISTS_STRUCT* m_pLists;  // those of its class, once it is the factory's
-    std::atomic<bool> m_free;                  // waits to be handed out
+    QBLObjectFactory* m_pFactory;              // null if release() deletes the item
+    QBLObjectFactory::LISTS_STRUCT* m_pLists;  // of its class; null until the factory owns it
+    std::atomic<bool> m_free;                  // can be handed out
 };
 
 #endif
