@@ -25,14 +25,14 @@ TAV_EXTERN_C_BEGIN
 /// @param out  receives the mutex; null after a failure.
 TAV_API int tavXMutexCreate(TavMutex** out, ...);
 /// Frees the mutex, even if it is locked.
-/// @return TAVTHREAD_BUSY if it was still locked.
+/// @return TAVTHREAD_BUSY if the mutex was still locked.
 TAV_API int tavXMutexDestroy(TavMutex* m);
 
 /// @return TAVTHREAD_ERROR if the mutex tracks its owner and the calling thread can have no record.
 ///         The mutex is locked nevertheless, and the caller must unlock it. The same applies to
 ///         tavXMutexTryLock_ and tavXMutexTimedLock_.
 TAV_API int tavXMutexLock_(TavMutex* m, const char* file, int line);
-/// @return TAVTHREAD_BUSY if another thread holds it.
+/// @return TAVTHREAD_BUSY if another thread holds the mutex.
 TAV_API int tavXMutexTryLock_(TavMutex* m, const char* file, int line);
 /// Tries about every 100 ms. Does not try again after the last sleep. The call may take up to twice
 /// the timeout.

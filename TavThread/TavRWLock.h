@@ -34,7 +34,8 @@ TAV_API int tavXRWLockTimedReadLock(TavRWLock* rw, unsigned ms);
 TAV_API int tavXRWLockWriteLock(TavRWLock* rw);
 /// @return TAVTHREAD_BUSY if any thread holds the lock.
 TAV_API int tavXRWLockTryWriteLock(TavRWLock* rw);
-/// As tavXRWLockTimedReadLock. If the writer gives up, readers that waited only for it continue.
+/// As tavXRWLockTimedReadLock, for a write lock. If the writer gives up, readers that waited only
+/// for this writer continue.
 TAV_API int tavXRWLockTimedWriteLock(TavRWLock* rw, unsigned ms);
 /// Releases the caller's read or write lock. Does nothing if the lock is free.
 TAV_API int tavXRWLockUnlock(TavRWLock* rw);

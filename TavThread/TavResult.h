@@ -26,8 +26,8 @@ TAV_EXTERN_C_BEGIN
 /// Maps a system error number to a result code.
 ///
 /// Threads: any thread.
-/// @param err  an errno value; -1 means the current value of errno, and TAVTHREAD_ERROR if that is
-///             0.
+/// @param err  an errno value; -1 means the current value of errno.
+/// @return TAVTHREAD_ERROR also if err is -1 and errno is 0.
 TAV_API int tavThread_MapError(int err);
 
 TAV_EXTERN_C_END

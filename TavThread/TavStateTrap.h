@@ -3,8 +3,8 @@
 
 #include "TavThread/TavThread.h"
 
-/// A callback for a thread that enters a state. The thread that makes the change calls it, and
-/// holds no lock meanwhile. Exceptions of the callback are dropped.
+/// Called when a thread enters a state. The thread that makes the change calls it, and holds no
+/// lock meanwhile. Exceptions of the callback are dropped.
 ///
 /// A suspended thread that is continued resumes only after the callbacks for Running have returned.
 /// The thread that continues it first waits until its callbacks for Suspended have returned. So a

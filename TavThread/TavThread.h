@@ -70,13 +70,12 @@ TAV_API int tavXThreadTerminate(void);
 /// @{
 
 /// Starts a thread that runs routine(arg). An exception that leaves the routine ends only this
-/// thread.
+/// thread. The attribute list ends with TavThreadAttrEnd. A stack size below the system's default
+/// is raised to the default. The new thread inherits the caller's trace object and cancel flag if
+/// they are inheritable and the list does not set them.
 /// @param out  receives the record before the thread starts; null after a failure. The caller must
 ///             pass the record to tavXThreadDestroy. May be null for a detached thread only. Until
 ///             this call returns, no thread except the new one may use the record.
-/// The attribute list ends with TavThreadAttrEnd. A stack size below the system's default is raised
-/// to the default. The new thread inherits the caller's trace object and cancel flag if they are
-/// inheritable and the list does not set them.
 TAV_API int tavXThreadCreate(void* (*routine)(void*), void* arg, TavThread** out, ...);
 /// Gives up the record. A thread that still runs continues as a detached thread.
 /// @return TAVTHREAD_ERROR for the adopted record of another thread.
@@ -102,9 +101,9 @@ TAV_API int tavXThreadYield(void);
 /// @param thread  null means the caller.
 /// @return 0 if thread is null and the caller can have no record.
 TAV_API unsigned tavXThreadId(TavThread* thread);
-/// Writes the address of the record and the system's thread handle as "%8x(%8x)", in the way of
-/// strncpy: without a terminating null if n is too small, otherwise filled with nulls up to n
-/// bytes.
+/// Writes the address of the record and the system's thread handle as "%8x(%8x)". As with strncpy,
+/// the text is not null-terminated if n is too small; otherwise the rest of buf is filled with
+/// nulls.
 /// @param thread  null writes the address 0 and the caller's handle.
 TAV_API char* tavXThreadStrId(TavThread* thread, char* buf, size_t n);
 /// Returns 1 until the thread has finished, then 0. Returns 1 for null.

@@ -16,7 +16,7 @@ enum TavTraceCategory {
 
 TAV_EXTERN_C_BEGIN
 
-/// Receives every trace line of the layer. The library's own function does nothing. A program that
+/// Receives every trace line of the layer. The library's own function emits nothing. A program that
 /// defines a function of this name receives the lines instead. The layer formats lines only in that
 /// case.
 ///

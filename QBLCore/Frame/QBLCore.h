@@ -28,8 +28,8 @@ QBL_API int qblCoreTerminate(void);
 ///
 /// Threads: any thread may call this and the functions below.
 QBL_API int qblCoreGetApiVersion(unsigned* major, unsigned* minor);
-/// Checks if a program that was built against this version of the interface can use the library. It
-/// can if the major versions are equal and its minor version is not newer.
+/// Checks if a program that was built against the given version of the interface can use the
+/// library. The major versions must be equal, and the given minor version must not be newer.
 /// @return 0 if it can, -1 if not
 QBL_API int qblCoreIsCompatibleWith(int major, int minor);
 

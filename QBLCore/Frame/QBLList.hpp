@@ -75,7 +75,7 @@ public:
 
     /// Inserts a copy of a value before a position. Does nothing if the position is in another
     /// list.
-    /// @return the position as passed, on the element that now follows the new one
+    /// @return the position as passed; its element now follows the new one
     iterator insert(iterator position, const T& value) {
         if (position.list == this)
             _insert(position, new QBLListDataNode<T>(value, nullptr, nullptr));

@@ -61,8 +61,8 @@ public:
     /// Withdraws a task. Waits for a pass in progress, and for the last pass if the library is
     /// being stopped. When this returns, the task is not running and will not be called again. Also
     /// call it for a task that was dropped, before you destroy the task or register it again: its
-    /// doIt() may have returned while the custodian has not dropped it yet. A cancellation of the
-    /// caller takes effect only afterwards.
+    /// doIt() may have returned, but the custodian may not have dropped it yet. A cancellation of
+    /// the caller takes effect only afterwards.
     /// @return false if the task is not registered. Inside a task, which cannot wait for its own
     ///     pass, also false for a task that has already been in a pass.
     static bool deRegisterTask(QBLCustodianTask* task);

@@ -14,9 +14,9 @@ public:
 
     /// Does one pass of the work, on the custodian's thread. It may register tasks. It must not
     /// deregister a task that has already been in a pass. It must not start or stop the library,
-    /// which may be waiting for it. An exception of it ends the process: see QBLCustodian. If it
-    /// ends its thread, the custodian continues with another thread. Cancellations have no effect
-    /// on these threads.
+    /// which may be waiting for it. An exception that leaves it ends the process: see QBLCustodian.
+    /// If it ends its thread, the custodian continues with another thread. Cancellations have no
+    /// effect on the custodian's threads.
     /// @param terminating  1 in the last pass, while the library stops; else 0
     /// @return non-zero if the task is finished, so that the custodian drops it; 0 to be called
     ///     again

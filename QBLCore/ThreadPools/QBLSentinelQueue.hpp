@@ -68,8 +68,8 @@ public:
         return true;
     }
 
-    /// Makes one get() return a null item, after all items that were put. It needs neither memory
-    /// nor room, so it can always end the wait of a thread.
+    /// Makes one get() return a null item, after all items that were put. It needs no memory and no
+    /// room, so it can always end the wait of a thread.
     void wake() { m_available.post(); }
 
     /// Removes an item that no get() has taken yet.

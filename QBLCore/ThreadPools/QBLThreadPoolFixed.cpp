@@ -101,7 +101,7 @@ private:
 
     QBLThreadPoolFixed& m_pool;
     // The queue from the pool to this worker. It needs only one place, because the worker is handed
-    // a task only when it is idle. So handing over can neither fail nor wait.
+    // a task only when it is idle. So handing over cannot fail and never waits.
     std::atomic<QBLThreadRunnable*> m_pTask{nullptr};
     QBLThreadSemaphore m_handOff;
 };

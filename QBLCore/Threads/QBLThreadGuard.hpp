@@ -3,8 +3,8 @@
 
 #include "QBLCore/Threads/QBLThreadLockableResource.hpp"
 
-/// Holds a lock from its construction to the end of its scope, however the scope ends. Drops an
-/// error of unlock(), because a destructor cannot report it.
+/// Holds a lock from construction to the end of the scope, however the scope ends. Drops an error
+/// of unlock(), because a destructor cannot report it.
 ///
 /// Threads: a guard belongs to the thread that made it, which holds the lock.
 ///

@@ -8,7 +8,7 @@ extern "C" {
 #endif
 
 /// Starts the thread layer and the parts of QBLThread that the process needs. Calls are counted:
-/// threads work until there were as many stops. qblCoreInitialize() calls this first.
+/// threads work until there have been as many stops. qblCoreInitialize() calls this first.
 ///
 /// Threads: any thread may call both functions at any time.
 /// @param name  not used
