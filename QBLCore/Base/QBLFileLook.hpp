@@ -9,9 +9,9 @@
 
 #include "QBLCore/Base/QBLFileStatus.hpp"
 
-/// Returns true if this error number means that the file does not exist or that we have no access
-/// to it. Other error numbers mean that the check itself failed: descriptors or memory were
-/// exhausted, or the disk failed.
+/// Returns true if this error number means that the file does not exist, that its name is not
+/// valid, or that we have no access to it. Other error numbers mean that the check itself failed:
+/// descriptors or memory were exhausted, or the disk failed.
 inline bool qblIsAbsence(int error) {
     switch (error) {
         case ENOENT:

@@ -68,10 +68,10 @@ constexpr int kExitStatus = 327;
 /// The custodian of the process. Usable before the library starts and after it has stopped.
 struct Shared {
     QBLThreadCriticalSection m_globallock{0};
-    QBLThreadConditionVariable changed;  // for waits until there is no user, or no stop
+    QBLThreadConditionVariable changed;  // waited on until users is 0, or stopping is false
     QBLCustodian* m_Custodian QBL_GUARDED_BY(m_globallock) = nullptr;
     std::atomic<unsigned long> schedule{kFirstSchedule};     // changes under m_globallock
-    unsigned long process QBL_GUARDED_BY(m_globallock) = 0;  // has the custodian's thread
+    unsigned long process QBL_GUARDED_BY(m_globallock) = 0;  // where the custodian's thread is
     int users QBL_GUARDED_BY(m_globallock) = 0;              // calls that use the custodian
     bool stopping QBL_GUARDED_BY(m_globallock) = false;
 
@@ -190,7 +190,7 @@ public:
 };
 
 /// Uses the custodian if there is one, and keeps it alive meanwhile. A forked process has no
-/// custodian, because its thread was not copied.
+/// custodian, because a fork does not copy the thread.
 class QBLCustodian::User {
 public:
     User() {
@@ -236,8 +236,8 @@ void QBLCustodian::terminate() {
         last = shared.m_Custodian;
         shared.m_Custodian = nullptr;
         if (shared.process != QBLUtSystemInfo::getProcessId()) {
-            // The custodian belongs to the process that forked this one: there is no thread to wait
-            // for, and its locks may be held for ever.
+            // The custodian belongs to the parent process. There is no thread to wait for, and its
+            // locks may be held for ever.
             shared.users = 0;
             shared.stopping = false;
             return;
