@@ -17,12 +17,12 @@ const char kList[] = "system.posix_acl_access";
 constexpr std::size_t kListHeader = 4, kListEntry = 8;
 constexpr unsigned kOwnGroup = 0x04, kMask = 0x10, kOthers = 0x20;  // tags of a list's entries
 
-/// What vouches for a file's content, or lets it do more than its caller may.
+/// Attributes that vouch for a file's content, or give a program more rights than its caller has.
 const std::string_view kOfTheContent[] = {"security.ima", "security.evm", "security.capability"};
 
 bool isMissing(int error) { return error == ENODATA || error == EOPNOTSUPP || error == ENOSYS; }
 
-/// Reads by a call that gives the size first. @return false with errno set
+/// Reads with a call that first returns the size. @return false with errno set
 template <class Call>
 bool readSized(std::string& out, Call&& call) {
     for (;;) {
@@ -30,14 +30,14 @@ bool readSized(std::string& out, Call&& call) {
         if (size < 0) return false;
         out.resize(static_cast<std::size_t>(size));
         const ssize_t got = size != 0 ? call(&out[0], out.size()) : 0;
-        if (got < 0 && errno == ERANGE) continue;  // it has grown meanwhile
+        if (got < 0 && errno == ERANGE) continue;  // the value has grown meanwhile
         if (got >= 0) out.resize(static_cast<std::size_t>(got));
         return got >= 0;
     }
 }
 
-/// The attributes of the old file, by a path that leads to what is open: a descriptor for looks
-/// only does not give them.
+/// The attributes of the old file, read through a path in /proc that leads to the open file,
+/// because an O_PATH descriptor does not give them.
 class Attributes {
 public:
     explicit Attributes(int fd) : m_path("/proc/self/fd/" + std::to_string(fd)) {
@@ -61,8 +61,8 @@ private:
     std::string m_path;  // empty without /proc
 };
 
-/// The entries of an access control list, as the kernel has them: a version, then for each entry a
-/// tag and permissions of 16 bits and an identity of 32 bits.
+/// The entries of an access control list in the kernel's format: a version, then for each entry a
+/// 16-bit tag, 16-bit permissions and a 32-bit identity.
 class AccessList {
 public:
     explicit AccessList(std::string& bytes) : m_bytes(bytes) {}
@@ -92,7 +92,7 @@ private:
     std::string& m_bytes;
 };
 
-/// That of the directory, which a new file begins with.
+/// Removes the list that a new file gets from its directory.
 bool removeList(int fd) { return fremovexattr(fd, kList) == 0 || isMissing(errno); }
 
 bool copyList(const Attributes& from, int to, unsigned& mode, bool strangeGroup) {
@@ -118,7 +118,7 @@ bool copyOthers(const Attributes& from, int to) {
     for (std::size_t at = 0; at < names.size();) {
         const char* const name = &names[at];
         at += std::strlen(name) + 1;
-        bool copied = std::strcmp(name, kList) == 0;  // or not to be
+        bool copied = std::strcmp(name, kList) == 0;  // or must not be copied
         for (const std::string_view left : kOfTheContent) copied = copied || left == name;
         if (copied || !from.read(name, value)) continue;
         if (fsetxattr(to, name, value.data(), value.size(), 0) != 0 &&

@@ -1,8 +1,8 @@
 #ifndef QBLCORE_FILEMANAGEMENT_QBLFMDESCRIPTOR_HPP
 #define QBLCORE_FILEMANAGEMENT_QBLFMDESCRIPTOR_HPP
 
-/// What QBLFmFile and QBLFmFile64 know of an open file. Descriptor 0 stands for a closed one, so
-/// that a file is never opened as 0: only standard input can have it.
+/// The state of an open file in QBLFmFile and QBLFmFile64. Descriptor 0 stands for a closed file.
+/// These classes therefore never open a file as descriptor 0; only standard input can have it.
 ///
 /// Threads: as the file that it belongs to.
 struct QBLFmDescriptor {

@@ -19,7 +19,7 @@ bool QBLFmDir::createDir(const char* path) {
     if (path == nullptr) return false;
     if (mkdir(path, 0777) == 0) return true;
     const int error = errno;
-    return exists(path, S_IFDIR) || qblSetErrno(error);  // another may have made it meanwhile
+    return exists(path, S_IFDIR) || qblSetErrno(error);  // another process may have made it
 }
 
 bool QBLFmDir::createRecursiveDir(const char* path) {
@@ -28,7 +28,7 @@ bool QBLFmDir::createRecursiveDir(const char* path) {
     if (errno != ENOENT) return false;
     return qblSettle([path] {
         std::string part(path);
-        // Only "/" separates here: to the system a backslash is part of a name.
+        // Only "/" is a separator here: for the system, a backslash is part of a name.
         for (std::size_t i = part.find('/', 1); i != std::string::npos; i = part.find('/', i + 1)) {
             part[i] = '\0';
             if (!createDir(part.c_str())) return false;

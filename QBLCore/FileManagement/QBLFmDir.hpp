@@ -8,17 +8,18 @@
 
 class I18NString;
 
-/// Operations on paths, directories and the names of files. Paths are bytes as the system takes
-/// them; names that are not valid in any encoding are as good as others.
+/// Operations on paths, directories and file names. A `char` path contains the bytes that the
+/// system receives; they need not be valid in any encoding.
 ///
-/// A failure is a false result, and errno tells why; a null path fails. Nothing throws but
-/// operations without such a result: QBLOutOfMemoryError, and what is said with them.
+/// A failed operation returns false and sets errno; a null path is a failure. Only operations
+/// without such a result throw: QBLOutOfMemoryError, and the exceptions that they document.
 ///
-/// A path in a string is taken in the platform's encoding; one with a zero in it, or that cannot be
-/// expressed, fails with EILSEQ, or I18NRuntimeError -4 where there is no result for that. Strings
-/// that receive a path are not normalised any more: it names the file in no other form.
+/// A path in an I18NString is converted to the platform's encoding. A path that contains a null
+/// character or cannot be converted fails with EILSEQ, or with I18NRuntimeError -4 if the operation
+/// cannot return false. Normalisation is turned off for an I18NString that receives a path, because
+/// another form of the path could name another file.
 ///
-/// Threads: any thread may call any operation; the two process-wide settings have a lock each.
+/// Threads: any thread may call any operation; each of the two process-wide settings has a lock.
 class QBL_API QBLFmDir {
 public:
     QBLFmDir() = delete;
@@ -26,35 +27,35 @@ public:
     /// @name Directories
     /// @{
 
-    /// Whether a file has the type in mode and at least the permissions in mode (S_IFDIR | S_IRUSR
-    /// and so on). It looks at the file's mode, not at what the caller may do; links are followed.
+    /// Returns true if the file has the type and at least the permissions in `mode`, such as
+    /// S_IFDIR | S_IRUSR. Checks the file's mode, not the rights of the caller; follows links.
     static bool exists(const char* path, unsigned short mode);
     static bool exists(const I18NString& path, unsigned short mode);
-    /// Makes a directory, with all permissions that the umask leaves.
-    /// @return whether there is a directory now, also one that was there before.
+    /// Creates a directory with all permissions less the umask.
+    /// @return true if the directory now exists, even if it existed before
     static bool createDir(const char* path);
     static bool createDir(const I18NString& path);
-    /// Makes every missing directory along a path.
+    /// Creates a directory and all missing directories above it.
     static bool createRecursiveDir(const char* path);
     static bool createRecursiveDir(const I18NString& path);
-    /// Removes a directory with all that is in it. It never follows a symbolic link: links are
-    /// removed, what they lead to stays, and a path that is itself a link is refused, as are a
-    /// root and the names "." and "..". What can be removed is removed even if something cannot.
-    /// @return true when nothing is left; else errno tells the first failure.
+    /// Removes a directory and everything in it. Never follows a symbolic link: removes the link
+    /// and leaves its target. Refuses a path that is itself a link, a root, and the names "." and
+    /// "..". After a failure, removes as much of the rest as it can.
+    /// @return true if nothing is left; otherwise false with the errno of the first failure
     static bool removeDir(const char* path);
     static bool removeDir(const I18NString& path);
     /// Lists the names in a directory, sorted by their bytes, without "." and "..".
-    /// A link counts as what it leads to; one that leads nowhere, as a file.
-    /// @param files  receives the names of all that are no directories, instead of what was in it;
-    ///     null if not wanted
-    /// @param filePattern  lists only matching names: "*" stands for any text, "?" for one
-    ///     character of UTF-8, case counts; null or empty lists all
-    /// @param dirs, dirPattern  the same for the directories, in a list of their own
-    /// @return false when the directory cannot be read; the lists are then as they were.
+    /// A link counts as its target; a dangling link counts as a file.
+    /// @param files  receives the names of everything except directories, in place of its old
+    ///     content; may be null
+    /// @param filePattern  selects names: "*" matches any text, "?" matches one UTF-8 character,
+    ///     upper and lower case differ; null or empty selects all names
+    /// @param dirs, dirPattern  the same for directories
+    /// @return false if the directory cannot be read; the lists are then unchanged
     static bool readDir(const char* path, std::list<std::string>* files, const char* filePattern,
                         std::list<std::string>* dirs, const char* dirPattern);
-    /// Names that are not valid in the platform's encoding come as the string makes them, and lead
-    /// to no file.
+    /// A name that is invalid in the platform's encoding is converted as I18NString converts it;
+    /// the result does not name the file.
     static bool readDir(const I18NString& path, std::list<I18NString>* files,
                         const I18NString* filePattern, std::list<I18NString>* dirs,
                         const I18NString* dirPattern);
@@ -66,7 +67,7 @@ public:
     /// Removes a file, or an empty directory.
     static bool removeFile(const char* path);
     static bool removeFile(const I18NString& path);
-    /// Gives a file a new name, taking the place of a file that has it.
+    /// Renames a file; replaces a file that has the new name.
     static bool renameFile(const char* from, const char* to);
     static bool renameFile(const I18NString& from, const I18NString& to);
     /// @}
@@ -74,26 +75,28 @@ public:
     /// @name Paths
     /// @{
 
-    /// Appends a relative path to a base, with a "/" between unless the base ends in "/" or "\".
-    /// A relative with a root replaces the base; null or empty changes nothing.
+    /// Appends a relative path to a base, with a "/" between them unless the base is empty or ends
+    /// with "/" or "\". If `relative` has a root, it replaces the base. Null or empty has no
+    /// effect.
     static void joinPath(std::string& base, const char* relative);
     static void joinPath(I18NString& base, const I18NString& relative);
-    /// Splits at the last separator behind the root, which belongs to neither part.
-    /// @param directory, file  null if not wanted
-    /// @return false, with nothing done, for a null path or when neither part is wanted.
+    /// Splits a path at the last separator after the root. The separator is in neither part.
+    /// @param directory, file  may be null
+    /// @return false, without effect, if the path is null or both parts are null
     static bool splitPath(const char* path, std::string* directory, std::string* file);
     static bool splitPath(const I18NString& path, I18NString* directory, I18NString* file);
-    /// Sets what relative paths are resolved against; null or empty takes the setting away. The
-    /// process's own working directory stays.
+    /// Sets the effective working directory, for resolveEffectivePath(); null or empty removes the
+    /// setting. Does not change the process's working directory.
     static void setEffectiveWorkingDir(const char* path);
     static void setEffectiveWorkingDir(const I18NString& path);
-    /// Puts the effective working directory, if one is set, before a path that has no root and
-    /// does not begin with the same text.
+    /// Prepends the effective working directory, if one is set, to a path that has no root and does
+    /// not already begin with the same text.
     static void resolveEffectivePath(std::string& path);
     static void resolveEffectivePath(I18NString& path);
-    /// Looks for a file: under its own name if that has a root; else in the base path, then in each
-    /// search directory, of which relative ones are taken from the base path.
-    /// @return the first path at which there is something that is no directory; else empty
+    /// Searches for a file. A name with a root is looked up as it is; any other name first in the
+    /// base path, then in each search directory. A relative search directory is relative to the
+    /// base path.
+    /// @return the first path that exists and is not a directory; empty if there is none
     /// @throws QBLAssertError for a null name or base path
     static std::string getFileFullPath(const char* fileName, const char* basePath,
                                        const std::list<std::string>& searchDirs);
@@ -104,37 +107,38 @@ public:
     /// @name Temporary files and directories
     /// @{
 
-    /// Sets what getTempPath() gives; null or empty takes the setting away.
+    /// Sets the result of getTempPath(); null or empty removes the setting.
     static void setTempPath(const char* path);
     static void setTempPath(const I18NString& path);
-    /// The directory for temporary files: the one set, else what the first of TMP, tmp, TEMP and
-    /// temp that is set in the environment names, else "/tmp", else "."; but for the first, only
-    /// a directory that its owner may read and write. A program that runs with more rights than its
-    /// caller, as with a set-id bit, does not look at the environment.
-    /// @return false, with an empty result, when there is none.
+    /// Returns the directory for temporary files. If setTempPath() has set one, returns it without
+    /// a check. Otherwise returns the first of these that is a directory which its owner may read
+    /// and write: the value of the first of TMP, tmp, TEMP and temp that is set in the environment,
+    /// "/tmp", and ".". A program that runs with more rights than its caller, such as a set-id
+    /// program, ignores the environment.
+    /// @return false, with an empty result, if there is none
     static bool getTempPath(std::string& result);
     static bool getTempPath(I18NString& result);
-    /// Makes a directory with a name that no other has: the prefix, the time in seconds, a counter
-    /// and the suffix. Two calls, in whatever processes, never get the same directory; a name can
-    /// come again once its directory has been removed. Others may look into it as the umask lets
-    /// them.
-    /// @param basePath  where; null means getTempPath()
+    /// Creates a directory with an unused name: the prefix, the time in seconds, a counter and the
+    /// suffix. Two calls never get the same directory, not even in different processes. A name can
+    /// occur again after its directory has been removed. The umask decides who else may use the
+    /// directory.
+    /// @param basePath  the directory above; null means getTempPath()
     /// @param prefix  null or empty means "QBLFm"
-    /// @param result  receives the path, or the last one tried when 500 were taken
+    /// @param result  receives the path, or the last path tried if all 500 attempts fail
     static bool createTempDir(const char* basePath, const char* prefix, std::string& result,
                               const char* suffix);
     static bool createTempDir(const char* basePath, const char* prefix, std::string& result);
     static bool createTempDir(const I18NString* basePath, const I18NString* prefix,
                               I18NString& result, const I18NString* suffix = nullptr);
-    /// The same for an empty file.
+    /// Creates an empty file in the same way.
     static bool createTempFile(const char* basePath, const char* prefix, std::string& result,
                                const char* suffix);
     static bool createTempFile(const char* basePath, const char* prefix, std::string& result);
     static bool createTempFile(const I18NString* basePath, const I18NString* prefix,
                                I18NString& result, const I18NString* suffix = nullptr);
-    /// The same for a directory or an empty file that only its owner may use (mode 0700 or 0600).
-    /// The name has a random number in place of the counter, so that nobody can foresee it and
-    /// take it beforehand. For texts that others must not read this is the form to use.
+    /// Creates a directory or an empty file that only its owner may use (mode 0700 or 0600). The
+    /// name has a random number instead of the counter, so that nobody can predict the name and
+    /// take it first. Use this form for texts that others must not read.
     static bool createPrivateTempDir(const char* basePath, const char* prefix, std::string& result,
                                      const char* suffix = nullptr);
     static bool createPrivateTempDir(const I18NString* basePath, const I18NString* prefix,

@@ -9,7 +9,8 @@
 
 namespace {
 
-/// The bytes of the character of UTF-8 that begins a text; 1 where there is none.
+/// Returns the number of bytes of the UTF-8 character at the beginning of a text; 1 if there is no
+/// valid character.
 std::size_t characterWidth(const char* text) {
     const auto at = [text](int i) { return static_cast<unsigned char>(text[i]); };
     const int trails = at(0) < 0xC2 ? 0 : std::min(i18nTrailsAnnounced(at(0)), 3);
@@ -18,8 +19,8 @@ std::size_t characterWidth(const char* text) {
     return static_cast<std::size_t>(trails) + 1;
 }
 
-/// A mismatch goes back to the last "*" only, which takes one character more: what earlier ones
-/// took need not change. So the time is at most the product of both lengths.
+/// Returns true if the name matches the pattern. After a mismatch, only the last "*" takes one more
+/// character; the earlier ones need not change. So the time is at most the product of both lengths.
 bool matches(const char* name, const char* pattern) {
     const char* afterStar = nullptr;
     const char* taken = nullptr;
@@ -44,7 +45,7 @@ bool matches(const char* name, const char* pattern) {
     return *pattern == '\0';
 }
 
-/// Collects the names of one kind.
+/// Collects the names of files or of directories.
 class Collector {
 public:
     Collector(std::list<std::string>* target, const char* pattern)

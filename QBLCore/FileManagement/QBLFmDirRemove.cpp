@@ -8,18 +8,18 @@ namespace {
 
 constexpr int kOpenFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
-/// Empties a directory. Only the directory being worked on is open, however deep the tree, and
-/// names are looked up in it, not from the path: so nobody can lead the removal astray by putting
-/// a link in its way. The way back up is "..", taken only if it leads where it came from.
+/// Empties a directory. Only the current directory is open, however deep the tree is. Names are
+/// looked up in it, not by path, so that nobody can redirect the removal by planting a link. The
+/// way back up is "..", but only if this leads to the directory that the removal came from.
 class TreeRemoval {
 public:
-    /// @param fd  taken over
+    /// @param fd  closed by the destructor
     explicit TreeRemoval(int fd) : m_iFd(fd) {}
     ~TreeRemoval() { qblCloseQuietly(m_iFd); }
     TreeRemoval(const TreeRemoval&) = delete;
     TreeRemoval& operator=(const TreeRemoval&) = delete;
 
-    /// @return false, with errno set to the error of the first failure.
+    /// @return false with the errno of the first failure
     bool run() {
         bool onTrack = enter(std::string());
         while (onTrack) {
@@ -44,7 +44,7 @@ private:
         std::vector<std::string> subdirs;  // still to be removed
     };
 
-    /// Keeps the first error. @return what it was given
+    /// Keeps the first error. @return `done`
     bool note(bool done) {
         if (!done && m_iError == 0) m_iError = errno;
         return done;
@@ -78,7 +78,7 @@ private:
             m_iFd = fd;
             return enter(std::move(name));
         }
-        // One that may not be read, or not be searched, can go if it is empty.
+        // A directory that cannot be read or searched can still be removed if it is empty.
         const int error = errno;
         if (fd >= 0) qblCloseQuietly(fd);
         if (unlinkat(m_iFd, name.c_str(), AT_REMOVEDIR) != 0) note(qblSetErrno(error));
@@ -104,9 +104,9 @@ private:
     int m_iError = 0;
 };
 
-// A root, "." and ".." are refused twice, by guards that share nothing: if a mistake disarms one,
-// the other still keeps a whole disk from being emptied. The first guard looks at the text of the
-// path, before anything is opened.
+// Two independent guards refuse a root, "." and "..": if a mistake disables one guard, the other
+// one still prevents the loss of a whole disk. The first guard checks the text of the path before
+// anything is opened.
 bool isPlainName(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     const char* const name = path.c_str() + (slash != std::string::npos ? slash + 1 : 0);
@@ -114,15 +114,16 @@ bool isPlainName(const std::string& path) {
     return !qblIsDots(name) || qblSetErrno(EINVAL);
 }
 
-/// Takes the last name off a path without a "/" at its end.
+/// Removes the last name from a path that does not end with "/".
 std::string parentOf(std::string path) {
     path.resize(path.find_last_of('/') + 1);
     return path.empty() ? "." : path;
 }
 
-// The second guard asks the file system about the open directory. Above an ordinary one is the
-// directory that the rest of its path leads to. Above a root is the root itself; and above what
-// "." and ".." lead to is never the directory that the path has them in.
+// The second guard checks the open directory in the file system. The parent of an ordinary
+// directory is the directory that the rest of its path leads to. The parent of a root is the root
+// itself. For a path that ends with "." or "..", the parent is never the directory that the rest
+// leads to.
 bool isWherePathSays(const std::string& path, int fd) {
     QBLFileStatus self, above, parent;
     if (!self.get(fd) || !above.get(fd, "..", 0) || !parent.get(parentOf(path).c_str()))
@@ -132,7 +133,7 @@ bool isWherePathSays(const std::string& path, int fd) {
 }
 
 bool removeTree(std::string dir) {
-    while (dir.size() > 1 && dir.back() == '/') dir.pop_back();  // it would follow a link
+    while (dir.size() > 1 && dir.back() == '/') dir.pop_back();  // "/" would follow a link
     if (!isPlainName(dir)) return false;
     const int fd = open64(dir.c_str(), kOpenFlags);
     if (fd >= 0) {
@@ -145,7 +146,7 @@ bool removeTree(std::string dir) {
     } else if (errno != EACCES) {
         return false;
     }
-    // One that may not be read, or not be searched, can go if it is empty.
+    // A directory that cannot be read or searched can still be removed if it is empty.
     return rmdir(dir.c_str()) == 0;
 }
 

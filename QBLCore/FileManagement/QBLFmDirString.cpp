@@ -1,4 +1,4 @@
-// The operations on strings, in terms of those on bytes.
+// The operations with I18NString paths call the operations with byte paths.
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
@@ -12,7 +12,7 @@ const char* orNull(const I18NString* text) {
     return text != nullptr ? qblPlatformPath(*text) : nullptr;
 }
 
-/// Paths are not normalised: another form of a name would be another file's.
+/// Sets a path without normalisation: another form of a name could name another file.
 void setPath(I18NString& out, const std::string& path) {
     const char* encoding = I18NGetPlatformDefaultEncoding();
     out.useNormalization(false);
@@ -28,8 +28,8 @@ I18NString fromPlatform(const std::string& path) {
     return made;
 }
 
-/// The same for a path that has to lead to the file.
-/// @throws I18NRuntimeError for one that no string expresses
+/// The same for a path that must name the same file.
+/// @throws I18NRuntimeError if no string can express the path
 void setWholePath(I18NString& out, const std::string& path) {
     setPath(out, path);
     if (path != qblPlatformPath(out)) {
@@ -56,7 +56,7 @@ bool createTemp(CreateTemp create, const I18NString* basePath, const I18NString*
             setWholePath(result, path);
         } catch (const QBLThrowable&) {
             if (made) {
-                QBLFmDir::removeFile(path.c_str());  // nobody could later
+                QBLFmDir::removeFile(path.c_str());  // nobody can later
                 throw;
             }
         }

@@ -16,21 +16,21 @@ const char* const kVariables[] = {"TMP", "tmp", "TEMP", "temp"};
 
 struct TempDir : QBLFmSetting {};
 
-/// The first variable that is set; the next ones do not stand in for one that is of no use. None in
-/// a program that runs with more rights than whoever started it and set the variables.
+/// Returns the value of the first variable that is set, even if it is unusable. Returns null in a
+/// program that runs with more rights than its caller, because the caller sets the variables.
 const char* tempVariable() {
     for (const char* name : kVariables)
         if (const char* value = secure_getenv(name)) return value;
     return nullptr;
 }
 
-/// How to make a directory or a file, and what distinguishes its name from earlier ones.
+/// How to make a directory or a file, and which number makes its name differ from earlier names.
 struct Kind {
     bool (*make)(const char* path);
     unsigned long long (*number)(int attempt);
 };
 
-/// Tries names until one could be made, which nothing but its making can tell.
+/// Tries names until `kind.make` succeeds. Only this call can show that a name is unused.
 bool createTemp(const char* basePath, const char* prefix, std::string& result, const char* suffix,
                 const Kind& kind) {
     std::string path;

@@ -6,17 +6,17 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
-/// An open directory. What is below it is reached by name from the directory itself, so that nobody
-/// who can rename directories or plant links can lead the caller elsewhere: a program that walks a
-/// tree which others can write to opens each level from the one above it.
+/// An open directory. Names are looked up in the open directory itself. So nobody can redirect the
+/// caller by renaming directories or planting links. A program that walks a tree which others can
+/// write to opens each level from the level above it.
 ///
-/// A name is one entry of the directory, without "/"; "", "." and ".." are refused with EINVAL. No
-/// operation follows a link that has the name: it fails with ELOOP or ENOTDIR.
+/// A name is one entry of the directory, without "/"; "", "." and ".." fail with EINVAL. No
+/// operation follows a symbolic link that has the name: opening it fails with ELOOP or ENOTDIR.
 ///
-/// Nothing throws; a failure is a false result, or -1, and errno tells why.
+/// No operation throws. A failed operation returns false or -1 and sets errno.
 ///
-/// Threads: any number may call the constant operations of one object at a time; the others need it
-/// alone.
+/// Threads: several threads at a time may call the constant operations of one object; the other
+/// operations need exclusive access to it.
 ///
 ///     QBLFmDirectory tree, level;
 ///     if (tree.open("/srv/drop") && level.open(tree, "today")) list(level);
@@ -37,34 +37,35 @@ public:
     QBLFmDirectory(const QBLFmDirectory&) = delete;
     QBLFmDirectory& operator=(const QBLFmDirectory&) = delete;
 
-    /// Opens the directory that a path leads to, links included.
+    /// Opens the directory at a path; follows links.
     [[nodiscard]] bool open(const char* path);
-    /// Opens a directory in another one.
+    /// Opens a directory inside another one.
     [[nodiscard]] bool open(const QBLFmDirectory& parent, const char* name);
-    /// The same, making it if it is not there.
+    /// Opens a directory inside another one, and creates it if it does not exist.
     /// @param mode  of a new directory, less the umask
     [[nodiscard]] bool create(const QBLFmDirectory& parent, const char* name, unsigned mode);
-    /// Opens the directory with the file that a path leads to. Links are followed, except those of
-    /// other users in a directory for everybody's files (mode 1777): EACCES.
-    /// @param name  receives the file's name in the directory; the file need not be there
+    /// Opens the directory that contains the file at a path. Follows links. In a directory such as
+    /// /tmp (mode 1777), fails with EACCES for a link of another user who does not own the
+    /// directory.
+    /// @param name  receives the file's name in the directory; the file need not exist
     [[nodiscard]] bool openParent(const char* path, std::string& name);
     void close();
     bool isOpen() const { return m_iDescriptor >= 0; }
 
     /// Opens a file in the directory.
-    /// @param flags  as of open(2); O_NOFOLLOW and O_CLOEXEC are added
+    /// @param flags  as for open(2); O_NOFOLLOW and O_CLOEXEC are added
     /// @param mode  of a new file, less the umask
     /// @return a descriptor, which the caller closes; -1 on failure
     [[nodiscard]] int openFile(const char* name, int flags, unsigned mode = 0) const;
-    /// Lists the names in the directory, as QBLFmDir::readDir does: by what a link leads to.
+    /// Lists the names in the directory as QBLFmDir::readDir() does; a link counts as its target.
     [[nodiscard]] bool readDir(std::list<std::string>* files, const char* filePattern,
                                std::list<std::string>* dirs, const char* dirPattern) const;
-    /// Gives a file another name in the directory, taking the place of what has that.
+    /// Renames a file within the directory; replaces a file that has the new name.
     [[nodiscard]] bool rename(const char* from, const char* to) const;
     /// Removes a file.
     bool remove(const char* name) const;
-    /// For system calls such as fstatat(2), and good for nothing else: the directory is open for
-    /// looking names up (O_PATH). -1 while nothing is open.
+    /// Returns the descriptor, for system calls such as fstatat(2); -1 if nothing is open. It only
+    /// serves to look up names (O_PATH).
     int getDescriptor() const { return m_iDescriptor; }
 
 private:

@@ -9,27 +9,27 @@
 
 class I18NString;
 
-/// A file, by a descriptor of the system; or one of the process's standard streams, which it never
-/// closes. Offsets are long: where that has 32 bits a file of more than 2 GiB is refused with
-/// EOVERFLOW; QBLFmFile64 takes it.
+/// A file, or one of the process's standard streams, which it never closes. Offsets have the type
+/// long: if long has 32 bits, a file of more than 2 GiB is refused with EOVERFLOW. QBLFmFile64
+/// accepts such a file.
 ///
-/// Nothing throws. A failure is a false, -1 or 0 result, and getLastErrorNumber() tells why. An
-/// operation that a signal interrupts fails with EINTR; it is not taken up again.
+/// No operation throws. A failed operation returns false, -1 or 0, and getLastErrorNumber() tells
+/// why. An operation that a signal interrupts fails with EINTR and is not repeated.
 ///
-/// Threads: one at a time for each object.
+/// Threads: one thread at a time for each object.
 class QBL_API QBLFmFile {
 public:
     /// @name Origins, modes and streams
     /// @{
 
-    /// Where an offset counts from.
+    /// The origin of an offset.
     enum seekorigin { begin = SEEK_SET, current = SEEK_CUR, end = SEEK_END };
-    /// Flags of open(2), passed on as they are; they are combined by |.
+    /// Flags of open(2), passed on unchanged; combine them with |.
     enum createmode : int {
-        existing = 0,  ///< the file must be there
+        existing = 0,  ///< the file must exist
         create = O_CREAT,
         truncated = O_TRUNC,
-        exclusive = O_EXCL,  ///< with create: the file must not be there
+        exclusive = O_EXCL,  ///< with create: the file must not exist
         appending = O_APPEND
     };
     enum stdiotypes { standardinput = 0, standardoutput = 1, standarderror = 2 };
@@ -44,67 +44,70 @@ public:
     QBLFmFile();
     QBLFmFile(const QBLFmFile&) = delete;
     QBLFmFile& operator=(const QBLFmFile&) = delete;
-    /// Closes the file; a failure of that is not seen any more.
+    /// Closes the file and ignores errors.
     virtual ~QBLFmFile();
     /// @}
 
     /// @name Reading, writing and the position
     /// @{
 
-    /// @return bytes read, 0 at the end of the file, -1 on failure. On a closed object -1, with
-    ///     neither errno nor the saved error touched.
+    /// @return the number of bytes read; 0 at the end of the file; -1 on failure. On a closed
+    ///     object, -1 without a change of errno and of the saved error.
     virtual long read(void* buffer, unsigned long size);
-    /// @return bytes written, maybe fewer than asked for; -1 as for read()
+    /// @return the number of bytes written, possibly fewer than `size`; -1 as for read()
     virtual long write(const void* buffer, unsigned long size);
     /// @return the new position; -1 on failure, but 0 on a standard stream that cannot seek
     virtual long seek(long offset, seekorigin origin);
-    /// Goes to the end and copies the rest of another file there, from where that one stands. A
-    /// file may be appended to itself, also by another object: the bytes from that place to the end
-    /// that the file had before are copied. After a failure what was copied so far stays.
+    /// Seeks to the end and copies the rest of another file there, from the current position of the
+    /// other file. A file may be appended to itself, also through another object: the call then
+    /// copies up to the old end of the file. After a failure, the bytes copied so far stay.
     virtual bool append(QBLFmFile& other);
     /// @}
 
     /// @name Opening and closing
     /// @{
 
-    /// Opens a file, closing one that is open; a new one gets mode 0666 less the umask.
+    /// Closes the open file, if any, and opens another one. A new file gets mode 0666 less the
+    /// umask.
     /// @param readOnly  0 opens for reading and writing, whatever the flags say
     virtual bool open(const I18NString& name, createmode mode, int readOnly);
     virtual bool open(const char* name, createmode mode, int readOnly);
-    /// Wraps a stream of the process, closing a file that is open.
-    /// @return true also, deliberately, when only the closing failed: the object is closed then
+    /// Closes the open file, if any, and wraps a standard stream of the process.
+    /// @return true if the stream was wrapped. Deliberately true also if closing the old file
+    ///     failed; the object is closed then.
     virtual bool open(stdiotypes stream);
-    /// A closed object can be closed again. After a failure the descriptor is gone all the same.
+    /// Closes the file. Returns true for a closed object. The descriptor is released even if the
+    /// system reports an error.
     virtual bool close();
     /// @}
 
     /// @name Length and disk
     /// @{
 
-    /// In bytes. @return -1 when nothing is open or the length is not to be had, as of more than
-    ///     2 GiB where long has 32 bits
+    /// @return the length in bytes; -1 if nothing is open, the length is unknown, or it does not
+    ///     fit into a long
     virtual long getLength();
-    /// Waits until the file is on the disk; nothing to do for a standard stream.
+    /// Waits until the file is on the disk; does nothing for a standard stream.
     virtual bool flush();
-    /// Cuts the file, or lengthens it by zeros; not for a standard stream.
+    /// Truncates the file, or extends it with zeros; fails for a standard stream.
     virtual bool truncate(long length);
     /// @}
 
     /// @name Errors
     /// @{
 
-    /// The errno of the last failure; 0 after a successful close().
+    /// Returns the errno of the last failure; 0 after a successful close().
     virtual int getLastErrorNumber();
-    /// The system's text for it, valid until the next call.
+    /// Returns the system's text for the last error; valid until the next call.
     virtual const char* getLastErrorMessage();
-    /// Saves the present errno, for derived classes.
+    /// Saves errno as the last error; for derived classes.
     virtual void logLastError();
     /// @}
 
     /// @name The open file
     /// @{
 
-    /// @return -1 when nothing is open.
+    /// @return the descriptor; -1 if nothing is open
     int getFileDescriptor() const;
     /// @}
 

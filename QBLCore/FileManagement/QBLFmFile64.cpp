@@ -13,7 +13,7 @@ typedef QBLFmOperations<QBLFmFile64> Operations;
 }  // namespace
 
 QBLFmFile64::QBLFmFile64() : m_reserved(0), m_message() {
-    // Another form of a name would be another file's.
+    // Another form of a name could name another file.
     m_name.useNormalization(false);
 }
 
@@ -40,7 +40,7 @@ bool QBLFmFile64::open(const I18NString& name, createmode mode, int readOnly) {
 }
 
 bool QBLFmFile64::open(const char* name, createmode mode, int readOnly) {
-    // Closing drops the old name, which the new one may be.
+    // Closing deletes the old name, and `name` may point into it.
     const std::unique_ptr<char, decltype(&std::free)> copy(
         m_file.isOpen() && name != nullptr ? strdup(name) : nullptr, &std::free);
     if (copy != nullptr)
@@ -48,7 +48,7 @@ bool QBLFmFile64::open(const char* name, createmode mode, int readOnly) {
     else if (m_file.isOpen() && name != nullptr)
         return Operations(*this, m_file).rememberError(ENOMEM);
     if (!Operations(*this, m_file).open(name, mode, readOnly)) return false;
-    // The file is open, with or without memory for its name.
+    // The file stays open even if memory runs out for its name.
     tavContain([&] { m_name = name; });
     return true;
 }
@@ -60,7 +60,7 @@ bool QBLFmFile64::close() {
     return Operations(*this, m_file).close();
 }
 
-// Deliberately 0 where QBLFmFile gives -1.
+// Deliberately returns 0 where QBLFmFile returns -1.
 long long QBLFmFile64::getLength() { return std::max(Operations(*this, m_file).getLength(), 0LL); }
 
 bool QBLFmFile64::flush() { return Operations(*this, m_file).flush(); }

@@ -10,26 +10,27 @@
 
 #pragma GCC diagnostic push
 // The destructor is deliberately not virtual: the virtual table begins with read(). Never delete an
-// object of a derived class by a pointer to this one.
+// object of a derived class through a pointer to this class.
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
 
-/// QBLFmFile with offsets of 64 bits in every build, for files of any length. The destructor is
-/// deliberately not virtual.
+/// The same as QBLFmFile, with 64-bit offsets in every build, for files of any length. The
+/// destructor is deliberately not virtual: do not delete an object of a derived class through a
+/// pointer to this class.
 ///
-/// Threads: one at a time for each object.
+/// Threads: one thread at a time for each object.
 class QBL_API QBLFmFile64 {
 public:
     /// @name Origins, modes and streams
     /// @{
 
-    /// Where an offset counts from.
+    /// The origin of an offset.
     enum seekorigin { begin = SEEK_SET, current = SEEK_CUR, end = SEEK_END };
-    /// Flags of open(2), passed on as they are; they are combined by |.
+    /// Flags of open(2), passed on unchanged; combine them with |.
     enum createmode : int {
-        existing = 0,  ///< the file must be there
+        existing = 0,  ///< the file must exist
         create = O_CREAT,
         truncated = O_TRUNC,
-        exclusive = O_EXCL,  ///< with create: the file must not be there
+        exclusive = O_EXCL,  ///< with create: the file must not exist
         appending = O_APPEND
     };
     enum stdiotypes { standardinput = 0, standardoutput = 1, standarderror = 2 };
@@ -44,74 +45,77 @@ public:
     QBLFmFile64();
     QBLFmFile64(const QBLFmFile64&) = delete;
     QBLFmFile64& operator=(const QBLFmFile64&) = delete;
-    /// Closes the file; a failure of that is not seen any more.
+    /// Closes the file and ignores errors.
     ~QBLFmFile64();
     /// @}
 
     /// @name Reading, writing and the position
     /// @{
 
-    /// @return bytes read, 0 at the end of the file, -1 on failure. On a closed object -1, with
-    ///     neither errno nor the saved error touched.
+    /// @return the number of bytes read; 0 at the end of the file; -1 on failure. On a closed
+    ///     object, -1 without a change of errno and of the saved error.
     virtual int read(void* buffer, unsigned int size);
-    /// @return bytes written, maybe fewer than asked for; -1 as for read()
+    /// @return the number of bytes written, possibly fewer than `size`; -1 as for read()
     virtual int write(const void* buffer, unsigned int size);
     /// @return the new position; -1 on failure, but 0 on a standard stream that cannot seek
     virtual long long seek(long long offset, seekorigin origin);
-    /// Goes to the end and copies the rest of another file there, from where that one stands. A
-    /// file may be appended to itself, also by another object: the bytes from that place to the end
-    /// that the file had before are copied. After a failure what was copied so far stays.
+    /// Seeks to the end and copies the rest of another file there, from the current position of the
+    /// other file. A file may be appended to itself, also through another object: the call then
+    /// copies up to the old end of the file. After a failure, the bytes copied so far stay.
     virtual bool append(QBLFmFile64& other);
     /// @}
 
     /// @name Opening and closing
     /// @{
 
-    /// Opens a file, closing one that is open; a new one gets mode 0666 less the umask.
+    /// Closes the open file, if any, and opens another one. A new file gets mode 0666 less the
+    /// umask.
     /// @param readOnly  0 opens for reading and writing, whatever the flags say
     virtual bool open(const I18NString& name, createmode mode, int readOnly);
     virtual bool open(const char* name, createmode mode, int readOnly);
-    /// Wraps a stream of the process, closing a file that is open.
-    /// @return true also, deliberately, when only the closing failed: the object is closed then
+    /// Closes the open file, if any, and wraps a standard stream of the process.
+    /// @return true if the stream was wrapped. Deliberately true also if closing the old file
+    ///     failed; the object is closed then.
     virtual bool open(stdiotypes stream);
-    /// A closed object can be closed again. After a failure the descriptor is gone all the same.
+    /// Closes the file. Returns true for a closed object. The descriptor is released even if the
+    /// system reports an error.
     virtual bool close();
     /// @}
 
     /// @name Length and disk
     /// @{
 
-    /// In bytes. @return 0 when nothing is open or the length is not to be had
+    /// @return the length in bytes; 0 if nothing is open or the length is unknown
     virtual long long getLength();
-    /// Waits until the file is on the disk; nothing to do for a standard stream.
+    /// Waits until the file is on the disk; does nothing for a standard stream.
     virtual bool flush();
-    /// Cuts the file, or lengthens it by zeros; not for a standard stream.
+    /// Truncates the file, or extends it with zeros; fails for a standard stream.
     virtual bool truncate(long long length);
     /// @}
 
     /// @name Errors
     /// @{
 
-    /// The errno of the last failure; 0 after a successful close().
+    /// Returns the errno of the last failure; 0 after a successful close().
     virtual int getLastErrorNumber();
-    /// The system's text for it, valid until the next call.
+    /// Returns the system's text for the last error; valid until the next call.
     virtual const char* getLastErrorMessage();
-    /// Saves the present errno, for derived classes.
+    /// Saves errno as the last error; for derived classes.
     virtual void logLastError();
     /// @}
 
     /// @name The open file
     /// @{
 
-    /// @return -1 when nothing is open.
+    /// @return the descriptor; -1 if nothing is open
     int getFileDescriptor() const;
-    /// The name that the open file was opened by; empty for a standard stream.
+    /// Returns the name that was passed to open(); empty for a standard stream.
     const I18NString& getFileName() const { return m_name; }
     /// @}
 
 private:
     QBLFmDescriptor m_file;
-    [[maybe_unused]] unsigned int m_reserved;  // of no use, and always 0
+    [[maybe_unused]] unsigned int m_reserved;  // unused, always 0
     I18NString m_name;                         // of the open file
     char m_message[64];                        // for errors that the system has no fixed text for
 };

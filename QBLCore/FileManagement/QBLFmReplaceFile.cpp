@@ -13,10 +13,10 @@
 namespace {
 
 constexpr int kAttempts = 500;
-constexpr unsigned short kModeOfANewFile = 0xFFFF;  // what open(2) has given it
+constexpr unsigned short kModeOfANewFile = 0xFFFF;  // keeps the mode that open(2) set
 std::atomic<unsigned> g_counter{0};
 
-/// A name that no other version being written has. One that a crash has left may have it.
+/// Returns a name that no other version in progress has. A file that a crash has left may have it.
 std::string temporaryName() {
     return ".QBLFm" + std::to_string(getpid()) + "." + std::to_string(++g_counter);
 }
@@ -92,15 +92,16 @@ bool QBLFmReplaceFile::open(const QBLFmDirectory& directory, const char* name) {
     });
 }
 
-// Opens the directory and keeps it: the process may go to another one before it commits.
+// Keeps the directory open: the process may change its working directory before the commit.
 bool QBLFmReplaceFile::locate(const char* path) {
     m_iDirectory = qblOpenParent(path, m_name);
     return m_iDirectory >= 0;
 }
 
 bool QBLFmReplaceFile::create() {
-    // One and the same version counts, whatever takes its name meanwhile. It is opened for a look
-    // only (O_PATH): closing another descriptor would give up the locks that the process has on it.
+    // Type, mode, owner and attributes come from one open file, whatever takes its name meanwhile.
+    // It is opened with O_PATH: closing any other descriptor would release the locks that the
+    // process has on the file.
     const Descriptor from(openat64(m_iDirectory, m_name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     const bool replaces = from.fd >= 0;
     if (!replaces && errno != ENOENT) return false;
@@ -110,7 +111,7 @@ bool QBLFmReplaceFile::create() {
     if (replaces && faccessat(m_iDirectory, m_name.c_str(), W_OK, AT_EACCESS) != 0) return false;
     for (int i = 0; i < kAttempts && m_iFile < 0; ++i) {
         m_temporary = temporaryName();
-        // Nobody else may look into one that has to have the access rights of another.
+        // Only the owner may read a file that is to get the access rights of an old version.
         m_iFile = openat64(m_iDirectory, m_temporary.c_str(),
                            O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, replaces ? 0600 : 0666);
         if (m_iFile < 0) m_temporary.clear();
@@ -127,14 +128,14 @@ bool QBLFmReplaceFile::create() {
     return fchmod(m_iFile, 0600) == 0;
 }
 
-// The mode itself comes with commit(): a write takes the set-id bits off.
+// commit() sets the mode itself, because a write clears the set-id bits.
 bool QBLFmReplaceFile::keepOwnerAndMode(unsigned mode, unsigned user, unsigned group) {
     QBLFileStatus status;
     if (!status.get(m_iFile)) return false;
     if (status.user() != user || status.group() != group) {
         if (fchown(m_iFile, user, group) != 0 &&
             fchown(m_iFile, static_cast<uid_t>(-1), group) != 0)
-            errno = 0;  // may not be allowed; what came of it is looked at
+            errno = 0;  // may not be allowed; the result is checked below
         if (!status.get(m_iFile)) return false;
     }
     mode &= 07777;
@@ -160,7 +161,7 @@ bool QBLFmReplaceFile::write(const void* data, unsigned long size) {
     return true;
 }
 
-/// Gives the version its mode and brings it to the disk.
+/// Sets the mode of the version and writes it to the disk.
 bool QBLFmReplaceFile::settle() {
     if (m_bBroken) return qblSetErrno(m_iLastError);
     if (m_uMode != kModeOfANewFile && fchmod(m_iFile, m_uMode) != 0) return false;
@@ -172,12 +173,14 @@ bool QBLFmReplaceFile::flush() {
     return settle() || failed(errno);
 }
 
-/// @param rename  puts the version in its place and leaves the name of what is to be removed in
-///     m_temporary
+/// Commits the version.
+/// @param rename  gives the version the file's name, and stores the name of the file that is to be
+///     removed in m_temporary
 bool QBLFmReplaceFile::put(bool (QBLFmReplaceFile::*rename)(int), int old) {
     if (!isOpen()) return failed(EBADF);
     bool done = settle();
-    // A directory that may not be read cannot be synchronised, but its file system can.
+    // A directory that cannot be opened for reading cannot be synchronised, but its file system
+    // can.
     const Descriptor dir(openat64(m_iDirectory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     const Descriptor kept(dir.fd < 0 ? fcntl(m_iFile, F_DUPFD_CLOEXEC, 3) : -1);
     if (done) {
@@ -223,14 +226,14 @@ bool QBLFmReplaceFile::exchange(int old) {
         return isUnknown && linkAndRename(old);
     }
     if (hasName(m_temporary.c_str(), old)) return true;
-    // Another file came between the two calls: it gets its name back, and is not to be removed.
+    // Another file took the name between the two calls: it gets its name back and is not removed.
     const QBLKeepErrno keepErrno;
     if (!swap()) m_temporary.clear();
     return false;
 }
 
-/// Where names cannot be exchanged: another file that takes the name between the last look and the
-/// rename is lost.
+/// For file systems that cannot exchange names. Another file that takes the name between the last
+/// check and the rename is lost.
 bool QBLFmReplaceFile::linkAndRename(int old) {
     const std::string second = temporaryName();
     const bool isLinked =

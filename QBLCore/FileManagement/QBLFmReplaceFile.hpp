@@ -7,27 +7,28 @@
 
 class QBLFmDirectory;
 
-/// Writes a new version of a file beside it and puts it in its place in one step. Whoever opens the
-/// file sees the old version or the new one, whole; so it is after a crash at any moment, which may
-/// only leave the unfinished version behind, under a name that begins with ".QBLFm".
+/// Writes a new version of a file next to the old one and replaces the old version in one step. A
+/// program that opens the file sees the complete old or the complete new version, even after a
+/// crash. A crash may only leave the unfinished version, whose name begins with ".QBLFm".
 ///
-/// - The new version has the mode of the old one, its access control list and its extended
-///   attributes except capabilities and signatures of the content. Without an old one its mode is
-///   0666 less the umask. If there is an old one, only the owner can read it until the commit.
-/// - It has the old one's owner and group as far as the caller may give them. Where not, bits that
-///   would run it as its owner or group are taken off, and a group of its own may do no more than
-///   everybody. A list that cannot be kept leaves the group what it gave the group itself;
-///   where /proc is not mounted none can be seen, and the group may do no more than everybody.
-/// - An old version that the caller may not write is not replaced.
-/// - A symbolic link stays, and what it leads to is replaced; one that leads nowhere is refused. In
-///   a directory for everybody's files (mode 1777) a link on the way must belong to the caller or
-///   to the directory's owner, else it is refused with EACCES.
-/// - Other names of the file (hard links) keep the old version, as do programs that have it open.
-/// - Two replacements at a time do not mix; the later commit() is the one that stays.
+/// - The new version gets the mode, the access control list and the extended attributes of the old
+///   version, except capabilities and signatures of the content. Before the commit, only the owner
+///   can read it. If there is no old version, the mode is 0666 less the umask from the start.
+/// - The new version gets the owner and the group of the old version if the caller may set them. If
+///   the owner or the group differs, the new version loses the set-id bit for it. A different group
+///   gets no more rights than all others have. If the access control list cannot be copied, the
+///   group gets the rights that the list gives to the file's group. If the list cannot be read, for
+///   example without /proc, the group gets no more rights than all others have.
+/// - A file that the caller may not write is not replaced.
+/// - If the path is a symbolic link, its target is replaced and the link stays. A dangling link is
+///   refused. In a directory such as /tmp (mode 1777), each link on the path must belong to the
+///   caller or to the directory's owner; other links are refused with EACCES.
+/// - Other hard links, and programs that have the file open, keep the old version.
+/// - Two replacements at the same time do not mix; the later commit() wins.
 ///
-/// Nothing throws; a failure is a false result, and getLastErrorNumber() tells why.
+/// No operation throws. A failed operation returns false, and getLastErrorNumber() tells why.
 ///
-/// Threads: one at a time for each object.
+/// Threads: one thread at a time for each object.
 ///
 ///     QBLFmReplaceFile file;
 ///     bool ok = file.open(path) && file.write(text, size) && file.commit();
@@ -37,7 +38,7 @@ public:
     /// @{
 
     QBLFmReplaceFile();
-    /// Discards a version that was not committed.
+    /// Discards a new version that was not committed.
     ~QBLFmReplaceFile();
     QBLFmReplaceFile(const QBLFmReplaceFile&) = delete;
     QBLFmReplaceFile& operator=(const QBLFmReplaceFile&) = delete;
@@ -46,49 +47,49 @@ public:
     /// @name A new version
     /// @{
 
-    /// Begins a new, empty version, discarding one that was begun. The file need not be there; its
-    /// directory must, and must allow new files.
+    /// Discards an unfinished version, if any, and begins a new, empty version. The file need not
+    /// exist; its directory must exist and allow new files.
     [[nodiscard]] bool open(const char* path);
-    /// The same for a file in an open directory, which nobody can lead elsewhere; a link that has
-    /// the name is refused with EINVAL.
+    /// The same for a file in an open directory, so that nobody can redirect the call. Refuses a
+    /// symbolic link with EINVAL.
     [[nodiscard]] bool open(const QBLFmDirectory& directory, const char* name);
     /// Appends to the new version.
-    /// @return false unless all was written; the version is then good for discard() only.
+    /// @return false unless all bytes were written; the version can then only be discarded
     [[nodiscard]] bool write(const void* data, unsigned long size);
-    /// Waits until the new version is on the disk and gives it the file's name. The object is
-    /// closed then, whatever came of it.
-    /// @return false when that failed and the old version stays; also when all was done but the
-    ///     system could not say whether the new name would survive a loss of power. isCommitted()
-    ///     tells the two apart.
+    /// Waits until the new version is on the disk and gives it the file's name. Then closes the
+    /// object, even after a failure.
+    /// @return false if this failed and the old version stays; false also if the file was replaced,
+    ///     but the system cannot guarantee that the new name survives a power failure.
+    ///     isCommitted() distinguishes the two cases.
     [[nodiscard]] bool commit();
-    /// Waits until what was written so far is on the disk. commit() then takes less time between a
-    /// last look at the old version and its replacement.
+    /// Waits until the bytes written so far are on the disk. This shortens commit(), and so the
+    /// time between a last check of the old version and its replacement.
     [[nodiscard]] bool flush();
     /// @}
 
-    /// @name In the place of one file only
+    /// @name Replacing one particular file
     /// @{
 
-    /// commit(), but in the place of one file and of no other: whoever has given its name to
-    /// another file in the meantime is not overwritten. Where the file system can exchange two
-    /// names, the old version has one all the time, and it stays in the directory until the object
-    /// is destroyed or used again: the caller can still look whether somebody has written to it,
-    /// and keep it.
-    /// @param old  a descriptor of the file that is to be replaced
-    /// @return false, with ESTALE, if another file has the name; else as commit()
+    /// Works as commit(), but replaces only one particular file. Does not overwrite another file
+    /// that has taken the name in the meantime. If the file system can exchange two names, the old
+    /// version never loses its name. It stays in the directory, under a temporary name, until the
+    /// object is destroyed or used again. So the caller can still check whether somebody has
+    /// written to the old version, and keep it.
+    /// @param old  a descriptor of the file to replace
+    /// @return false with ESTALE if another file has the name; otherwise as commit()
     [[nodiscard]] bool commitOver(int old);
-    /// After commitOver(): gives the replaced version a name in the directory of the file.
-    /// @return false, with EEXIST, if something has that name; with ENOENT if the replaced version
-    ///     has no name any more
+    /// After commitOver(): gives the replaced version this name in the directory of the file.
+    /// @return false with EEXIST if the name is in use, with ENOENT if the replaced version has no
+    ///     name any more
     [[nodiscard]] bool keepReplaced(const char* name);
     /// @}
 
     /// @name State
     /// @{
 
-    /// Whether the last version begun has taken the file's place.
+    /// Returns true if the last version has replaced the file.
     bool isCommitted() const;
-    /// Removes the new version; nothing if there is none.
+    /// Removes the new version, if any.
     void discard();
     bool isOpen() const;
     /// @}
@@ -114,15 +115,15 @@ private:
     bool create();
     bool keepOwnerAndMode(unsigned mode, unsigned user, unsigned group);
 
-    int m_iDirectory;  // -1 when nothing is open
-    int m_iFile;       // -1 when nothing is open
+    int m_iDirectory;  // -1 if nothing is open
+    int m_iFile;       // -1 if nothing is open
     std::string m_name;
-    std::string m_temporary;  // both in the directory; empty when there is none
+    std::string m_temporary;  // in the directory, as m_name; empty if there is none
     int m_iLastError;
-    bool m_bBroken;  // by a failed write
+    bool m_bBroken;  // a write failed
     bool m_bCommitted;
     char m_message[64];      // for errors that the system has no fixed text for
-    unsigned short m_uMode;  // of the new version once it is committed
+    unsigned short m_uMode;  // of the new version after the commit
 };
 
 #endif

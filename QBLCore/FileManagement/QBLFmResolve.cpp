@@ -7,11 +7,11 @@
 
 namespace {
 
-constexpr int kMostLinks = 40;  // as the kernel has it
+constexpr int kMostLinks = 40;  // as in the kernel
 constexpr int kOpenFlags = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
-/// Walks a path name by name. Each name is looked up in the directory that is open, so that what is
-/// checked is what is followed.
+/// Walks a path name by name. Looks up each name in the open directory, so that it follows exactly
+/// what it has checked.
 class PathWalk {
 public:
     explicit PathWalk(const char* path) : m_rest(path) {}
@@ -42,7 +42,7 @@ public:
             }
         }
     }
-    /// Hands over the directory that the walk has come to.
+    /// Returns the directory that the walk has reached; the caller owns it.
     int release() { return std::exchange(m_iFd, -1); }
 
 private:
@@ -53,7 +53,7 @@ private:
     }
     bool begin() {
         const bool absolute = !m_rest.empty() && m_rest[0] == '/';
-        if (!absolute && m_iFd >= 0) return true;  // a link's text counts from where the link is
+        if (!absolute && m_iFd >= 0) return true;  // a relative link starts in its own directory
         return enter(open64(absolute ? "/" : ".", kOpenFlags));
     }
     std::string takeName() {
@@ -77,7 +77,7 @@ private:
         return begin();
     }
 
-    std::string m_rest;  // of the path; begins with "/" unless it is at a name
+    std::string m_rest;  // of the path; begins with "/" or with a name
     int m_iFd = -1;
     int m_iLinks = 0;
     bool m_bByLink = false;  // the last name of the path is a link

@@ -6,7 +6,7 @@
 
 namespace {
 
-/// Where the name of a server and a share end, from behind the two separators.
+/// Returns the end of a network name. The path is after its first two separators.
 long networkRoot(QBLFmCharacters path) {
     for (int separators = 0; separators < 2 && !path.atEnd();) {
         if (path.onSeparator()) ++separators;

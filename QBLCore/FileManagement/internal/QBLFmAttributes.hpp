@@ -1,13 +1,16 @@
 #ifndef QBLCORE_FILEMANAGEMENT_INTERNAL_QBLFMATTRIBUTES_HPP
 #define QBLCORE_FILEMANAGEMENT_INTERNAL_QBLFMATTRIBUTES_HPP
 
-/// Gives a new file the access control list and the extended attributes of the file that it will
-/// replace, except attributes that vouch for the content. A list that the new file has from its
-/// directory is removed. What cannot be read or is not supported there is left out.
-/// @param from  may be a descriptor for looks only (O_PATH), if /proc is mounted
-/// @param mode  the old file's mode; if it has a list that could not be copied, then of the group's
-///     bits only those stay that the list has for the group itself
-/// @param strangeGroup  the new file has another group, which may do no more than everybody
+/// Copies the access control list and the extended attributes of an old file to the new file that
+/// will replace it, except attributes that vouch for the content. Removes the list that the new
+/// file has from its directory. Skips attributes that cannot be read, or that the new file cannot
+/// have.
+/// @param from  the old file; may be an O_PATH descriptor if /proc is mounted
+/// @param mode  the old file's mode. Of the group's bits, only those stay that the list gives to
+///     the file's group if the list could not be copied, and those that all others have too if the
+///     list could not be read.
+/// @param strangeGroup  true if the new file has another group, which gets no more rights than all
+///     others have
 /// @return false with errno set
 /// @throws std::bad_alloc
 bool qblCopyAttributes(int from, int to, unsigned& mode, bool strangeGroup);

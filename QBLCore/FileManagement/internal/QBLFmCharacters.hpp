@@ -6,9 +6,8 @@
 
 inline bool qblIsSeparator(char c) { return c == '/' || c == '\\'; }
 
-/// Steps through a text in the locale's encoding. Only from its beginning on can the bytes of a
-/// character be told from characters of their own: in some encodings the second byte of one has
-/// the value of a backslash.
+/// Steps through a text in the locale's encoding, from its beginning. There is no other way to find
+/// separators: in some encodings, the second byte of a character has the value of a backslash.
 class QBLFmCharacters {
 public:
     QBLFmCharacters(const char* text, std::size_t length) : m_pText(text), m_uLength(length) {}
@@ -18,21 +17,21 @@ public:
     bool onSeparator() const { return !atEnd() && qblIsSeparator(m_pText[m_uPosition]); }
     bool on(char c) const { return !atEnd() && m_pText[m_uPosition] == c; }
 
-    /// Bytes of the character here; 0 when it is not valid. Every encoding that the C library has
-    /// locales for keeps ASCII where a character begins.
+    /// Returns the number of bytes of the current character; 0 if it is invalid. At the beginning
+    /// of a character, bytes below 0x80 are ASCII in all encodings of the C library's locales.
     std::size_t width() const {
         if (static_cast<unsigned char>(m_pText[m_uPosition]) < 0x80) return 1;
         std::mbstate_t state{};
         const std::size_t n = std::mbrlen(m_pText + m_uPosition, m_uLength - m_uPosition, &state);
         return n <= m_uLength - m_uPosition ? n : 0;
     }
-    /// @return false, without moving, on a character that is not valid.
+    /// @return false, without moving, on an invalid character
     bool step() {
         const std::size_t n = width();
         m_uPosition += n;
         return n != 0;
     }
-    /// Steps over one byte where the character is not valid.
+    /// Steps over a character; over one byte if the character is invalid.
     void stepAnyhow() {
         if (!step()) ++m_uPosition;
     }

@@ -17,10 +17,9 @@
 #include "QBLCore/FileManagement/internal/QBLFmPath.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmSystem.hpp"
 
-/// What the two file classes do alike. The system is asked with offsets of 64 bits; what the type
-/// of the class's own offsets cannot tell is EOVERFLOW. Errors are saved by the object's own
-/// operation, which a derived class may have overridden, as it may have those that are used here:
-/// hence a template.
+/// The common code of the two file classes. The system calls use 64-bit offsets; an offset that
+/// does not fit into the type of the class is the error EOVERFLOW. The code is a template because
+/// it calls operations of the object that a derived class may override, such as logLastError().
 template <class File>
 class QBLFmOperations {
 public:
@@ -39,8 +38,8 @@ public:
         return counted(::write(m_file.m_iDescriptor, buffer, std::min(size, kMost)));
     }
 
-    /// Fails with EOVERFLOW at a position that the result cannot tell; the file is there all the
-    /// same.
+    /// Fails with EOVERFLOW if the new position does not fit into the result; the file has moved to
+    /// this position nevertheless.
     Offset seek(Offset offset, int origin) {
         if (!m_file.isOpen()) return -1;
         const std::int64_t position = lseek64(m_file.m_iDescriptor, offset, origin);
@@ -59,7 +58,7 @@ public:
         if (m_self.seek(0, File::end) < 0) return false;
         char small[1024];
         unsigned size = 65536;
-        // Of malloc(), because nobody's new-handler need know: a small buffer does as well.
+        // From malloc(), because no new-handler needs to be called: a small buffer also works.
         const std::unique_ptr<char, decltype(&std::free)> large(
             static_cast<char*>(std::malloc(size)), &std::free);
         if (large == nullptr) size = sizeof small;
@@ -95,8 +94,8 @@ public:
         return true;
     }
 
-    /// The descriptor is gone even if the system reports an error: to close it again could hit
-    /// one that another thread has just opened.
+    /// Releases the descriptor even if the system reports an error: a second close could close a
+    /// file that another thread has just opened.
     bool close() {
         const bool own = m_file.isOpen() && m_file.m_iStandard == 0;
         const int fd = m_file.m_iDescriptor;
@@ -106,12 +105,12 @@ public:
         return true;
     }
 
-    /// The destructor's way.
+    /// Closes the file for the destructor, which ignores errors.
     void closeQuietly() {
         if (m_file.isOpen() && m_file.m_iStandard == 0) qblCloseQuietly(m_file.m_iDescriptor);
     }
 
-    /// @return -1 when nothing is open or the length is not to be had
+    /// @return -1 if nothing is open, the length is unknown, or it does not fit into the result
     Offset getLength() {
         if (!m_file.isOpen()) return -1;
         QBLFileStatus status;
@@ -133,7 +132,7 @@ public:
         return ftruncate64(m_file.m_iDescriptor, length) == 0 || rememberError(errno);
     }
 
-    /// Sets errno, and what the object tells as its last error. @return false
+    /// Sets errno and the object's last error. @return false
     bool rememberError(int error) {
         errno = error;
         m_self.logLastError();
@@ -145,7 +144,7 @@ private:
     static constexpr std::int64_t kLongest = std::numeric_limits<Offset>::max();
     static constexpr std::size_t kMost = std::numeric_limits<Count>::max();
 
-    /// The system refuses to open a file that is longer than an offset of the class can tell.
+    /// Opens a file. With 32-bit offsets, the system refuses a file that is too long for them.
     static int openAny(const char* name, int flags) {
         if constexpr (kLongest == INT64_MAX)
             return ::open64(name, flags, 0666);
@@ -158,7 +157,7 @@ private:
         return static_cast<Count>(result);
     }
 
-    /// Standard input was closed, and the new file got its descriptor.
+    /// Moves a new file away from descriptor 0, which it gets if standard input is closed.
     static int awayFromZero(int flags) {
         const int fd = fcntl(0, (flags & O_CLOEXEC) != 0 ? F_DUPFD_CLOEXEC : F_DUPFD, 3);
         const QBLKeepErrno keepErrno;
@@ -166,8 +165,9 @@ private:
         return fd;
     }
 
-    /// Finds out how much of the source to copy: all, but of a file appended to itself what is
-    /// there now, because it would never come to its end. In that case, where to copy from too.
+    /// Determines how much of the source to copy. This is everything, except for a file that is
+    /// appended to itself: of such a file, copies only the bytes that exist now, because copying
+    /// would never reach the end. In this case, also sets the position to copy from.
     bool findRest(const QBLFmDescriptor& source, std::int64_t& rest, std::int64_t& from) {
         QBLFileStatus a, b;
         if (!a.get(m_file.m_iDescriptor) || !b.get(source.m_iDescriptor)) return false;
@@ -177,8 +177,8 @@ private:
         return true;
     }
 
-    /// @param from  where the next part is, for an object that copies from itself and has one
-    ///     position for reading and writing; else kAll
+    /// @param from  the position of the next part, for an object that copies from itself and has
+    ///     only one position for reading and writing; otherwise kAll
     bool copy(File& other, char* buffer, unsigned size, std::int64_t rest, std::int64_t from) {
         const bool own = from != kAll;
         while (rest != 0) {

@@ -12,8 +12,9 @@
 #include "i18n/cpp/i18n_string.hpp"
 #include "i18n/cpp/string/i18n_text_view.hpp"
 
-/// A path in an encoding. A substitution character would make it another file's.
-/// @param length  receives the bytes, the zero included
+/// Converts a path to an encoding, without substitution characters: with them, the path could name
+/// another file.
+/// @param length  receives the number of bytes, including the null character
 /// @throws I18NRuntimeError -4 for a path with a character that the encoding lacks
 inline const char* qblPathBytes(const I18NString& path, const char* encoding, int& length) {
     if (i18nIsUTF8(encoding)) {
@@ -28,10 +29,10 @@ inline const char* qblPathBytes(const I18NString& path, const char* encoding, in
     return path.c_str(converter, &length);
 }
 
-/// A path in the platform's encoding, as the system takes it; it is the string's until that
-/// changes.
-/// @throws I18NRuntimeError -4 for a path that cannot be expressed, and for one with a zero in it,
-///     of which the system would take the part before that for the whole
+/// Converts a path to the platform's encoding, for system calls. The string owns the result, which
+/// is valid until the string changes.
+/// @throws I18NRuntimeError -4 for a path that cannot be converted, and for a path that contains a
+///     null character, because the system would read only the part before it
 inline const char* qblPlatformPath(const I18NString& path) {
     int length = 0;
     const char* bytes = qblPathBytes(path, I18NGetPlatformDefaultEncoding(), length);

@@ -4,8 +4,8 @@
 #include <list>
 #include <string>
 
-/// QBLFmDir::readDir of an open directory.
-/// @param fd  is taken over; of -1, errno is passed on
+/// QBLFmDir::readDir() for an open directory.
+/// @param fd  closed by this function; for -1, fails with the current errno
 bool qblReadDir(int fd, std::list<std::string>* files, const char* filePattern,
                 std::list<std::string>* dirs, const char* dirPattern);
 

@@ -3,13 +3,13 @@
 
 #include <string>
 
-/// Opens the directory that holds the file which a path leads to. Symbolic links are followed,
-/// but in a directory where everybody may make files and only remove their own (mode 1777), only
-/// those that belong to the caller or to the directory's owner; EACCES refuses others, as the
-/// kernel can be told to. A link that leads nowhere is refused with ENOENT.
-/// @param name  receives the file's name in the directory; there need not be a file
-/// @return a descriptor that only serves to look names up (O_PATH), or -1 with errno set; EISDIR
-///     for a path that names no file
+/// Opens the directory that contains the file at a path. Follows symbolic links. In a directory
+/// such as /tmp (mode 1777), follows only links that belong to the caller or to the directory's
+/// owner, and refuses others with EACCES, as the kernel can be configured to do. Refuses a dangling
+/// link with ENOENT.
+/// @param name  receives the file's name in the directory; the file need not exist
+/// @return a descriptor that only serves to look up names (O_PATH), or -1 with errno set; EISDIR
+///     for a path that does not name a file
 /// @throws std::bad_alloc, std::length_error
 int qblOpenParent(const char* path, std::string& name);
 

@@ -15,7 +15,7 @@
 #include "QBLCore/Base/QBLFileStatus.hpp"
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 
-/// A directory that the owner may read and write, as QBLFmDir::exists takes it.
+/// A directory that its owner may read and write, as the mode for QBLFmDir::exists().
 constexpr unsigned short kQblWritableDir = S_IFDIR | S_IRUSR | S_IWUSR;
 
 /// Sets errno. @return false
@@ -24,9 +24,9 @@ inline bool qblSetErrno(int error) {
     return false;
 }
 
-/// Runs an operation that fails by false with errno set. What it throws is a failure like others:
-/// memory ran out, a path is longer than any string, or the platform's encoding lacks a character
-/// of it.
+/// Runs an operation that returns false and sets errno if it fails. Converts exceptions to such
+/// failures: memory runs out, a path is too long for a string, or the platform's encoding lacks a
+/// character of the path.
 template <class Body>
 bool qblSettle(Body&& body) {
     try {
@@ -46,14 +46,14 @@ inline bool qblIsDots(const char* name) {
     return name[0] == '.' && (name[1] == '\0' || (name[1] == '.' && name[2] == '\0'));
 }
 
-/// Whether a text can name one entry of a directory. @return false with errno set
+/// Returns true if a text can name one entry of a directory; otherwise false with errno set.
 inline bool qblIsEntryName(const char* name) {
     if (name == nullptr) return qblSetErrno(EFAULT);
     const bool isEntry = *name != '\0' && !qblIsDots(name) && std::strchr(name, '/') == nullptr;
     return isEntry || qblSetErrno(EINVAL);
 }
 
-/// An open directory; closed by the destructor, which leaves errno alone.
+/// An open directory. The destructor closes it and does not change errno.
 class QBLFmOpenDir {
 public:
     QBLFmOpenDir() = default;
@@ -62,8 +62,8 @@ public:
     QBLFmOpenDir(const QBLFmOpenDir&) = delete;
     QBLFmOpenDir& operator=(const QBLFmOpenDir&) = delete;
 
-    /// Takes over a descriptor, of which -1 with errno set is passed on.
-    /// @return false with errno set when that fails.
+    /// Takes ownership of a descriptor; for -1, fails with the current errno.
+    /// @return false with errno set on failure
     bool open(int fd) {
         close();
         if (fd < 0) return false;
@@ -74,7 +74,8 @@ public:
     }
     bool isOpen() const { return m_pStream != nullptr; }
     int descriptor() const { return dirfd(m_pStream); }
-    /// The next entry but "." and "..". @return null at the end, and with errno set on a failure.
+    /// Returns the next entry except "." and "..". @return null at the end, with errno 0, and on
+    ///     failure, with errno set
     dirent64* next() {
         dirent64* entry;
         do {

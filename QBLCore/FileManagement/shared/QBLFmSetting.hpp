@@ -8,10 +8,10 @@
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 
-/// A path that is set for the whole process, or not set.
+/// An optional path that applies to the whole process.
 class QBLFmSetting {
 public:
-    /// Null or empty takes the setting away.
+    /// Null or empty removes the setting.
     void set(const char* path) {
         std::optional<std::string> value;
         if (path != nullptr && *path != '\0') value.emplace(path);
