@@ -4,17 +4,20 @@
 #include "QBLCore/Frame/QBLExport.h"
 
 /// @file
-/// Advisory locks over whole files, between processes: the record locks of fcntl(2) in POSIX. They
-/// do not exclude threads of one process from each other, and a process loses its lock when it
-/// closes any descriptor of the file.
+/// Advisory locks on whole files, between processes: the POSIX record locks of fcntl(2). They do
+/// not exclude threads of one process from each other. A process loses its lock when it closes any
+/// descriptor of the file.
 ///
 /// Threads: any thread.
 
-/// @param fd  open for reading for a shared lock, for writing for an exclusive one
-/// @param shared  non-zero for a lock that others can share
-/// @param wait  non-zero waits while others are in the way, through signals too; 0 fails at once
-/// @return 1; 0 when not locked, with errno telling why
+/// Locks a file.
+/// @param fd  open for reading for a shared lock, open for writing for an exclusive lock
+/// @param shared  non-zero for a lock that other processes can share
+/// @param wait  non-zero waits while other processes hold the lock, and continues to wait after a
+///     signal; 0 fails at once
+/// @return 1 if the file is locked; otherwise 0 with errno set
 QBL_API int M_LockFile(int fd, int shared, int wait);
+/// Unlocks a file.
 /// @return 1, also for a file that was not locked; 0 on failure
 QBL_API int M_UnLockFile(int fd);
 

@@ -17,7 +17,7 @@ const char kObtaining[] =
 const char kReleasing[] =
     "Error releasing a file lock. The error message retrieved from underlining system is: ";
 
-/// Throws unless the call succeeded; errno tells why it did not.
+/// Throws an error with the reason in errno if the call failed.
 void settle(int result, const QBLFileLocation& where, const char* text) {
     if (result != 0) return;
     const int error = errno;
@@ -39,7 +39,7 @@ QBLFmFile* QBLFileLockRW::getFile() const { return m_file; }
 
 void QBLFileLockRW::setFile(QBLFmFile* file) { m_file = file; }
 
-// The assertions' texts are as they are written here.
+// The assertions use NULL, not nullptr, because their error texts quote the condition.
 
 void QBLFileLockRW::lock() QBL_NO_THREAD_SAFETY_ANALYSIS {
     try {

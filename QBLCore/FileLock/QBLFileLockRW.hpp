@@ -5,17 +5,16 @@
 
 class QBLFmFile;
 
-/// An advisory lock over a whole file, between processes, as a lock that the guards can hold. See
-/// M_LockFile() for what such locks do not do: above all they do not exclude threads of one
-/// process.
+/// An advisory lock on a whole file, between processes, that guards can hold. It has the limits of
+/// M_LockFile(): above all, it does not exclude threads of one process from each other.
 ///
-/// Every operation throws QBLAssertError on an object without a file; a file that is not open has
-/// no lock to give, as when the system refuses one.
+/// Lock and unlock operations throw QBLAssertError if the object has no file. For a file that is
+/// not open they fail, as if the system refused the lock.
 ///
-/// Threads: the lock is the process's; one thread at a time for each object.
+/// Threads: the lock belongs to the process; one thread at a time for each object.
 ///
 ///     QBLFileLockRW lock(file);
-///     QBLThreadGuard guard(lock);  // alone with the file until the end of the scope
+///     QBLThreadGuard guard(lock);  // exclusive access to the file until the end of the scope
 class QBL_API QBLFileLockRW : public QBLThreadRWLockableResource {
 public:
     /// @param file  not owned; open for writing for exclusive locks
@@ -23,21 +22,21 @@ public:
     QBLFileLockRW();
     ~QBLFileLockRW() override;
 
-    /// Waits until the lock is held exclusively.
-    /// @throws QBLRuntimeError with the system's reason, as if the file may not be written
+    /// Waits for an exclusive lock.
+    /// @throws QBLRuntimeError with the system's reason, such as a file not open for writing
     void lock() override QBL_ACQUIRE();
     /// @throws QBLRuntimeError with the system's reason
     void unlock() override QBL_RELEASE();
-    /// Waits until the lock is held together with other readers.
+    /// Waits for a shared lock.
     /// @throws QBLRuntimeError with the system's reason
     void readLock() override QBL_ACQUIRE_SHARED();
-    /// @return 1; 0 when another process is in the way or the system refuses the lock
+    /// @return 1 if locked; 0 if another process holds the lock or the system refuses it
     [[nodiscard]] virtual int tryLock() QBL_TRY_ACQUIRE(1);
-    /// @return 1; 0 when another process is in the way or the system refuses the lock
+    /// @return 1 if locked; 0 if another process holds the lock or the system refuses it
     [[nodiscard]] virtual int tryReadLock();
 
     QBLFmFile* getFile() const;
-    /// @param file  not owned; null leaves the object without one. The old file's lock stays.
+    /// @param file  not owned; may be null. A lock on the old file stays.
     void setFile(QBLFmFile* file);
 
 private:
