@@ -11,12 +11,12 @@ struct BuiltInText {
     const char* text;
 };
 
-/// Gives the process the texts that messages have where the catalogue has none.
+/// Sets the texts that the process uses for messages which the catalogue lacks.
 /// @param texts  sorted by identifier; not copied
 /// Requires: no message is being formatted.
 void setBuiltInTexts(const BuiltInText* texts, std::size_t count);
-/// The same with the texts of the program's own English catalogue. The source that defines it is
-/// made by the build, for each program.
+/// Sets the texts of the program's own English catalogue. The build generates the source that
+/// defines this function, one for each program.
 void useBuiltInTexts();
 /// @return null if there is no such text
 const char* builtInText(unsigned id);

@@ -20,11 +20,12 @@ public:
         for (const Option& option : options) {
             if (option.letter > 255) continue;
             const char letter = static_cast<char>(option.letter);
-            if (m_letters.find(letter) != std::string::npos) continue;  // its option's alias
+            if (m_letters.find(letter) != std::string::npos) continue;  // an alias
             m_letters += letter;
             if (option.argument == Argument::kNeeded) m_letters += ':';
         }
-        // To the library's parser, "-i=.orig" is the letter i and a letter = with an argument.
+        // The library's parser reads "-i=.orig" as the letter i and then the letter = with an
+        // argument.
         m_letters += "=:";
     }
 
@@ -46,10 +47,10 @@ private:
         return false;
     }
 
-    /// Reads up to the next operand, or up to the argument of a long option, which the library's
-    /// parser does not know to be one.
-    /// @param isEnd  receives whether all words that follow are operands
-    /// @param isOperand  receives whether the next word is one
+    /// Reads options up to the next operand, or up to the argument of a long option. The library's
+    /// parser does not know which long options have arguments.
+    /// @param isEnd  receives true if all words that follow are operands
+    /// @param isOperand  receives true if the next word is an operand
     bool readOptions(bool& isEnd, bool& isOperand) {
         QBLUtGetOpt parser;
         parser.setPrintErrors(0);
@@ -73,13 +74,14 @@ private:
         return true;
     }
 
-    /// @param word  the last word read: the letter's, or the argument in the word after that
+    /// @param word  the last word read: the word of the letter, or the letter's argument in the
+    ///     next word
     bool takeLetter(int letter, const QBLUtGetOpt& parser, char** word) {
         if (letter == 0) return rememberBadLetter(parser, *word);
         const std::string shown = {'-', static_cast<char>(letter)};
         const char* const argument = parser.getOptArg();
         if (letter == '=') {
-            const bool isLast = argument == *word;  // of the word before
+            const bool isLast = argument == *word;  // the = ended the previous word
             const bool isFirst = isLast ? std::strlen(word[-1]) == 2 : argument == *word + 2;
             if (isFirst || !hasAttached()) return rememberMistake(Mistake::kNoOption, shown);
             if (isLast) return rememberMistake(Mistake::kBadArgument, lastShown());
@@ -87,7 +89,7 @@ private:
         }
         const auto found = std::find_if(m_options.begin(), m_options.end(),
                                         [&](const Option& each) { return each.letter == letter; });
-        // The library's parser finds the colons among its letters, too.
+        // The parser also accepts the colon, which only marks arguments in its list of letters.
         if (found == m_options.end()) return rememberMistake(Mistake::kNoOption, shown);
         m_pLast = &*found;
         return m_take(
@@ -101,7 +103,7 @@ private:
         if (isAttached) return rememberMistake(Mistake::kBadArgument, lastShown());
         if (letter == '=') return rememberMistake(Mistake::kNoOption, shown);
         if (parser.isArgumentMissing()) return rememberMistake(Mistake::kArgumentMissing, shown);
-        // "-i.orig", as other programs have it.
+        // "-i.orig": the form that other programs use.
         const std::string whole(word);
         const std::size_t at =
             hasAttached() ? whole.find(lastShown()[1] + std::string(1, letter)) : std::string::npos;
@@ -110,7 +112,7 @@ private:
                                whole.substr(0, at + 1) + "=" + whole.substr(at + 1));
     }
 
-    /// Whether the letter before can have an attached argument.
+    /// Returns true if the previous letter can have an attached argument.
     bool hasAttached() const {
         return m_pLast != nullptr && m_pLast->argument == Argument::kAttached;
     }
@@ -146,7 +148,7 @@ private:
     const std::function<bool(const Given&)>& m_take;
     Mistake& m_mistake;
     std::string m_letters;
-    const Option* m_pLast = nullptr;  // the last option, if it was given by its letter
+    const Option* m_pLast = nullptr;  // the last option if given by letter, else null
     int m_iAt = 1;
 };
 

@@ -7,50 +7,52 @@
 
 namespace tools {
 
-/// An option of a tool. One table of these is behind the command line, the help text and the
-/// completions of shells.
+/// An option of a tool. The command line, the help text and the completions of shells come from one
+/// table of options.
 struct Option {
-    /// Whether it has an argument; an attached one is optional, and follows an equals sign.
+    /// Whether the option has an argument. An attached argument is optional and follows an equals
+    /// sign.
     enum class Argument { kNone, kNeeded, kAttached };
-    /// Instead of a text: another name for an option, which is not described.
+    /// In place of a message: marks an alias of another option. The help text does not show
+    /// aliases.
     static constexpr unsigned kAlias = 0;
 
-    int letter;  // above 255 for an option without a letter
+    int letter;  // above 255 if the option has no letter
     const char* name;
     Argument argument;
-    const char* value;  // what the help text calls the argument
-    /// What the argument can be: words between spaces, or "FILE", "DIR" or "ENCODING" for names of
-    /// these kinds, the latter also after words; empty for any text.
+    const char* value;  // name of the argument in the help text
+    /// Possible arguments, for completion: words separated by spaces; "FILE", "DIR" or "ENCODING"
+    /// for names of that kind ("ENCODING" may follow words); empty for any text.
     const char* choices;
-    unsigned text;  // the message that describes the option; or kAlias
+    unsigned text;  // id of the message that describes the option, or kAlias
 };
 
-/// An option as it stands on the command line.
+/// An option as given on the command line.
 struct Given {
     const Option& option;
     std::string shown;  // with its dashes
     const char* argument;
 };
 
-/// What is wrong with a command line.
+/// The error in a command line.
 struct Mistake {
     enum Kind {
-        kNoOption,         // there is no such option
+        kNoOption,         // unknown option
         kArgumentMissing,  // the option requires an argument
         kNoArgument,       // the option takes no argument
-        kBadArgument       // the argument is empty or otherwise not valid
+        kBadArgument       // the argument is empty or invalid
     };
 
     Kind kind;
     std::string option;      // with its dashes
     std::string argument;    // in quotes, for kBadArgument
-    std::string suggestion;  // what the user may have meant; empty if nothing is similar
+    std::string suggestion;  // a similar option; empty if no option is similar
 };
 
-/// Takes a command line apart. Options and operands come in any order, up to "--".
-/// @param take  is called with each option in turn; false ends the reading, with what take has put
-///     into mistake or elsewhere
-/// @return false if a word is no option, if an argument is missing or not wanted, or if take
+/// Parses a command line. Options and operands may come in any order; "--" ends the options.
+/// @param take  called with each option in turn; reading stops if it returns false, after it has
+///     stored the reason in mistake or elsewhere
+/// @return false if a word is not an option, if an argument is missing or superfluous, or if take
 ///     returned false
 bool readCommandLine(int argc, char** argv, const std::vector<Option>& options,
                      const std::function<bool(const Given&)>& take,

@@ -1,4 +1,4 @@
-// Completion scripts for shells, from a tool's table of options.
+// Writes completion scripts for shells from a tool's table of options.
 #include <algorithm>
 #include <iterator>
 
@@ -10,7 +10,7 @@ namespace {
 
 using Argument = Option::Argument;
 
-/// As one word of a shell, in single quotes.
+/// Quotes a text as one shell word, in single quotes.
 std::string quoted(const std::string& text) {
     std::string out = "'";
     for (const char c : text) {
@@ -35,15 +35,15 @@ std::string encodings(const std::string& tool) {
 
 const char kEncoding[] = "ENCODING";
 
-/// Whether an argument is a name of an encoding, or one of some words.
-/// @param words  receives these, with a space after each
+/// Returns true if the argument is the name of an encoding or one of some words.
+/// @param words  receives these words, each followed by a space
 bool isEncoding(const std::string& choices, std::string& words) {
     const std::size_t at = choices.find(kEncoding);
     if (at != std::string::npos) words = choices.substr(0, at);
     return at != std::string::npos;
 }
 
-/// "-W WORDS", "-f" or "-d", as compgen takes them; empty for any text.
+/// The arguments for compgen: "-W WORDS", "-f" or "-d"; empty for any text.
 std::string bashChoices(const std::string& tool, const std::string& choices) {
     if (choices == "FILE") return "-f";
     if (choices == "DIR") return "-d";
@@ -93,7 +93,7 @@ std::string bashScript(const std::string& tool, const std::vector<Option>& optio
            function + " " + tool + "\n";
 }
 
-/// A description between brackets, as zsh's _arguments takes it.
+/// Escapes a description for the brackets of zsh's _arguments.
 std::string zshText(const std::string& text) {
     std::string out;
     for (const char c : text) {
@@ -130,7 +130,7 @@ std::string zshScript(const std::string& tool, const std::vector<Option>& option
                 .append(":")
                 .append(zshAction(option.choices));
         out += "    ";
-        // One that can be given several times is not in the way of itself.
+        // Writes no exclusion lists, because some options may be given several times.
         if (hasLetter) {
             out.append("{-").append(letter).append(behind[kind]).append(",--");
             out.append(option.name).append(behindLong[kind]).append("}");

@@ -5,13 +5,15 @@
 
 namespace tools {
 
-/// The user's language, as LC_ALL, LC_MESSAGES and LANG have it; "en" without one.
+/// The user's language: the first of LC_ALL, LC_MESSAGES and LANG that is set. Returns "en" if none
+/// is set or if the locale is C or POSIX.
 std::string environmentLocale();
 
-/// Where a tool's catalogue is: beside the program in a build tree, or as installed.
-/// @param name  its base name
-/// @param locales  those that it will be asked for
-/// @return a base name with or without a directory
+/// Finds a tool's catalogue: next to the program in a build tree, else where the library looks for
+/// installed catalogues.
+/// @param name  the catalogue's base name
+/// @param locales  the locales that the tool will request
+/// @return the base name, with a directory if the catalogue is next to the program
 std::string findCatalogue(const char* name, const std::string& locales);
 
 }  // namespace tools

@@ -5,11 +5,12 @@
 
 namespace tools {
 
-/// Whether two paths lead to one file, whatever their spelling: also by links, and for a file that
-/// is not there yet, by its directory and name.
+/// Returns true if two paths lead to the same file, also through links. If neither file exists,
+/// compares the directories and the names.
 bool isSameFile(const std::string& a, const std::string& b);
 
-/// Whether nothing is there, as opposed to something that cannot be looked at. errno tells which.
+/// Returns true if nothing exists at the path. Returns false if something exists or if the check
+/// failed; errno then has the reason of the failure.
 bool isAbsent(const std::string& path);
 
 }  // namespace tools

@@ -11,9 +11,9 @@ namespace tools {
 namespace {
 
 constexpr int kColumns = 79;
-constexpr int kTextColumn = 26;  // where descriptions begin
+constexpr int kTextColumn = 26;  // column at which descriptions begin
 
-/// The columns of a terminal that a character takes.
+/// The number of terminal columns that a character takes.
 int columnsOf(UChar32 c) {
     const int category = u_charType(c);
     if (category == U_NON_SPACING_MARK || category == U_ENCLOSING_MARK || category == U_FORMAT_CHAR)
@@ -29,7 +29,7 @@ int columnsOf(const icu::UnicodeString& text) {
     return columns;
 }
 
-/// Where a text can be broken into lines; without ICU's data, nowhere.
+/// The offsets at which a line may break. Without ICU's data, only the end of the text.
 std::vector<int> breaksOf(const icu::UnicodeString& text) {
     std::vector<int> breaks;
     UErrorCode code = U_ZERO_ERROR;
@@ -44,7 +44,7 @@ std::vector<int> breaksOf(const icu::UnicodeString& text) {
     return breaks;
 }
 
-/// Appends a text that begins at kTextColumn, and ends the line.
+/// Appends a text, wrapped at kColumns, whose first line begins at kTextColumn. Ends the line.
 void appendWrapped(std::string& out, const std::string& utf8) {
     const icu::UnicodeString text = icu::UnicodeString::fromUTF8(utf8);
     int column = kTextColumn, begin = 0;

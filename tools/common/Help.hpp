@@ -9,15 +9,15 @@
 
 namespace tools {
 
-/// The part of a help text that describes the options, one after the other, in lines of at most 79
-/// columns. Lines are broken as the language of the text breaks them (UAX #14); wide East Asian
-/// characters take two columns (UAX #11).
+/// Returns the part of a help text that describes the options, in lines of at most 79 columns.
+/// Lines break by the Unicode rules (UAX #14); wide East Asian characters take two columns (UAX
+/// #11).
 std::string describeOptions(const std::vector<Option>& options, MessageText& texts);
 
-/// A script that completes the tool's command lines.
+/// Returns a script that completes the tool's command lines.
 /// @param shell  "bash", "zsh" or "fish"
-/// @param texts  describe the options in zsh and fish
-/// @return empty for another shell
+/// @param texts  descriptions of the options for zsh and fish
+/// @return an empty string for any other shell
 std::string completionScript(const std::string& tool, const std::string& shell,
                              const std::vector<Option>& options, MessageText& texts);
 

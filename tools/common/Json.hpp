@@ -6,19 +6,19 @@
 
 namespace tools {
 
-/// A text as JSON writes it, in quotes.
+/// Returns a text as a JSON string, with quotes.
 std::string jsonText(const std::string& text);
 
-/// Writes a JSON object on one line (RFC 8259), member by member. Texts are UTF-8.
+/// Builds a JSON object on one line (RFC 8259), one member at a time. Texts are UTF-8.
 ///
 /// Threads: one at a time for each object.
 class JsonObject {
 public:
     JsonObject& add(const char* name, const std::string& text);
     JsonObject& add(const char* name, std::int64_t number);
-    /// A value that is written already.
+    /// Adds a value that is already JSON.
     JsonObject& addValue(const char* name, const std::string& value);
-    /// A text, or null for an empty one; a number, or null for a negative one.
+    /// Adds a text or number; writes null for an empty text or a negative number.
     JsonObject& addOrNull(const char* name, const std::string& text);
     JsonObject& addOrNull(const char* name, std::int64_t number);
     std::string text() const { return "{" + m_members + "}"; }
@@ -27,7 +27,7 @@ private:
     std::string m_members;
 };
 
-/// The same for an array of values that are written already.
+/// Builds a JSON array from values that are already JSON.
 class JsonArray {
 public:
     void add(const std::string& value) {

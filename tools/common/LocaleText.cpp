@@ -18,7 +18,7 @@ namespace tools {
 namespace {
 
 const char kUtf8[] = "UTF-8";
-/// All of ASCII that national variants of it share.
+/// The ASCII characters that all national variants of ASCII share.
 const char kCommon[] =
     "\n !\"%&'()*+,-./0123456789:;<=>?ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz";
 
@@ -53,12 +53,12 @@ bool isUsable(const std::string& encoding) {
     try {
         Lacking lacking;
         return converted(kCommon, encoding, lacking) == kCommon && lacking.isEmpty();
-    } catch (const I18NRuntimeError&) {  // there is no such encoding
+    } catch (const I18NRuntimeError&) {  // unknown encoding
         return false;
     }
 }
 
-/// What the C library knows of a locale; empty if it is not installed.
+/// The encoding of a locale by the C library; empty if the locale is not installed.
 std::string installedEncoding(const char* locale) {
     const locale_t known = newlocale(LC_CTYPE_MASK, locale, nullptr);
     if (known == nullptr) return {};
@@ -67,8 +67,8 @@ std::string installedEncoding(const char* locale) {
     return encoding;
 }
 
-/// @param plain  for no locale, C and POSIX
-/// @param isShown  whether only encodings count that a terminal can have
+/// @param plain  result if no locale is set, and for C and POSIX
+/// @param isShown  whether to accept only encodings that a terminal can use
 std::string encodingOf(const char* plain, bool isShown) {
     std::string locale;
     for (const char* const name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
@@ -81,7 +81,7 @@ std::string encodingOf(const char* plain, bool isShown) {
     const std::size_t dot = locale.find('.');
     std::string named;
     if (dot != std::string::npos) named = locale.substr(dot + 1, locale.find('@', dot) - dot - 1);
-    // To the library, "ASCII" is UTF-8.
+    // The library treats "ASCII" as UTF-8.
     if (named == "ASCII" || named == "ascii") named = "US-ASCII";
     if (isUsable(named) || (!isShown && !named.empty())) return named;
     const std::string installed = installedEncoding(locale.c_str());

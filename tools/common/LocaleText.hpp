@@ -5,18 +5,18 @@
 
 namespace tools {
 
-/// The encoding that terminals show: that of the first of LC_ALL, LC_CTYPE and LANG that is set. It
-/// stands in the locale's name after the dot; where none stands, the C library says it for a locale
-/// that is installed. Encodings that the library does not know, and those in which ASCII text has
-/// other bytes, do not count.
-/// @return UTF-8 if nothing else is known, for C and for POSIX
+/// The encoding of the terminal: the one of the locale in the first of LC_ALL, LC_CTYPE and LANG
+/// that is set. A locale's name has its encoding after the dot; without a dot, the C library knows
+/// the encoding of an installed locale. Encodings that the library does not know, or that encode
+/// ASCII differently, are ignored.
+/// @return UTF-8 if no encoding is found, and for C and POSIX
 std::string localeEncoding();
-/// The encoding that the locale names for texts, known or not; US-ASCII where no locale is set, for
-/// C and for POSIX.
+/// The encoding that the locale names for texts, even if the library does not know it. US-ASCII if
+/// no locale is set, and for C and POSIX.
 std::string localeEncodingName();
 
-/// A text in the encoding of the locale. Characters that this lacks are written as shown() writes
-/// bytes: \xHH for each byte that they have in UTF-8.
+/// Converts a text to the encoding of the locale. A character that the encoding lacks becomes \xHH
+/// for each of its UTF-8 bytes, as in shown().
 std::string localText(const std::string& utf8);
 
 }  // namespace tools

@@ -17,10 +17,10 @@ namespace tools {
 
 namespace {
 
-const char kElement[] = "<Message ";  // what a message without a text shows begins with
+const char kElement[] = "<Message ";  // start of the output for a message without a text
 constexpr std::size_t kMostDetails = 10;
 
-/// A text that no catalogue has, as QBLMessage fills in those of catalogues.
+/// Fills in a built-in text like QBLMessage fills in the texts of catalogues.
 std::string filledIn(const char* text, const Details& details) {
     if (details.empty() && std::strstr(text, "{0") == nullptr) return text;
     UErrorCode status = U_ZERO_ERROR;
@@ -59,7 +59,7 @@ std::string MessageText::text(unsigned id, const Details& details) {
     return builtIn != nullptr ? filledIn(builtIn, details) : utf8;
 }
 
-// The name of the catalogue alone, which other programs find by their own ways.
+// Writes only the catalogue's name: other programs find the catalogue by their own search path.
 std::string MessageText::element(QBLSeverity severity, unsigned id, const Details& details) {
     QBLMessage message(severity, m_catalogue.c_str(), id);
     // The library writes parameters as they are.

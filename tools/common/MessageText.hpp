@@ -9,22 +9,22 @@
 
 namespace tools {
 
-/// What a message is filled in with. Numbers come as texts where they are to stay as they are.
+/// The parameters of a message. Pass a number as a text if it must not be formatted.
 using Details = std::vector<std::string>;
 
-/// The messages of a tool's catalogue, in a language. Where there is no catalogue, or none that can
-/// be read, they have the English texts that are built into the program.
+/// The messages of a tool's catalogue in one language. If the catalogue is missing or unreadable,
+/// the messages have the English texts that are built into the program.
 ///
 /// Threads: one at a time for each object.
 class MessageText {
 public:
-    /// @param catalogue  a base name, as of findCatalogue()
+    /// @param catalogue  a base name from findCatalogue()
     MessageText(const std::string& catalogue, std::string locales);
 
-    /// The text for people, without a line end.
+    /// The formatted text, without a line end.
     std::string text(unsigned id, const Details& details = {});
-    /// A `<Message>` element with the text, and with the name of the catalogue, the identifier and
-    /// the details, from which it can be shown in another language.
+    /// A `<Message>` element with the text, the name of the catalogue, the identifier and the
+    /// details. Programs can show it in another language.
     std::string element(QBLSeverity severity, unsigned id, const Details& details);
 
 private:

@@ -6,18 +6,19 @@
 
 namespace tools {
 
-// Printing to streams of stdio. The reason of the first write to the standard output that failed is
-// kept for the end of the program; the stream only knows that there was one.
+// Prints to stdio streams. Keeps the reason of the first failed write to the standard output for
+// the end of the program, because the stream keeps only a flag.
 //
 // Threads: any thread may print.
 
-/// Writes data, as it is.
+/// Writes bytes unchanged.
 void print(std::FILE* out, const std::string& bytes);
-/// Writes a text for people, in the encoding of the locale, as localText() has it.
+/// Writes a text converted by localText().
 void printText(std::FILE* out, const std::string& utf8);
-/// @return false if any of what was written to the stream is lost
+/// @return false if any output to the stream is lost
 bool flush(std::FILE* out);
-/// Flushes the standard output. @return an errno; 0 if all that was printed there is written
+/// Flushes the standard output.
+/// @return an errno; 0 if all output was written
 int finishOutput();
 
 }  // namespace tools

@@ -26,7 +26,7 @@ struct Release {
     void operator()(QBLResource* resource) const { QBLResourceFactory::release(resource); }
 };
 
-/// The language of the catalogue that messages come from; English if there is none.
+/// The language of the catalogue that supplies the messages; English if there is no catalogue.
 std::string languageOf(const std::string& catalogue, const std::string& locales) {
     const std::unique_ptr<QBLResource, Release> found(
         QBLResourceFactory::findAndGet(catalogue, locales.c_str(), 0));
@@ -39,7 +39,7 @@ std::string languageOf(const std::string& catalogue, const std::string& locales)
     return file.substr(begin + 1, end - begin - 1);
 }
 
-/// Where most of those live who speak a language.
+/// The country with most speakers of a language.
 std::string countryOf(const std::string& language) {
     UErrorCode status = U_ZERO_ERROR;
     icu::Locale locale(language.c_str());
@@ -47,7 +47,7 @@ std::string countryOf(const std::string& language) {
     return U_SUCCESS(status) ? locale.getCountry() : "";
 }
 
-/// @return null if none is installed
+/// @return null if no such locale is installed
 locale_t openLocale(const std::string& language, const std::string& locales) {
     const auto open = [](const std::string& name) {
         return newlocale(LC_MESSAGES_MASK | LC_CTYPE_MASK, name.c_str(), nullptr);
@@ -68,7 +68,7 @@ locale_t openLocale(const std::string& language, const std::string& locales) {
     return nullptr;
 }
 
-/// @return empty if the C library's name of the encoding is not known
+/// @return an empty string if the converter does not know the C library's name of the encoding
 std::string toUtf8(const char* text, const char* encoding) {
     if (I18NConverter::isUTF8(encoding)) return text;
     try {
@@ -116,7 +116,7 @@ std::string Reasons::text(int error) const {
 }
 
 void setReasonLanguage(const std::string& catalogue, const std::string& locales) {
-    // The C library would prefer its languages to that of the locale asked for.
+    // The C library prefers LANGUAGE to the locale requested.
     unsetenv("LANGUAGE");
     processReasons() = Reasons(catalogue, locales);
 }

@@ -7,15 +7,16 @@
 
 namespace tools {
 
-/// What the system calls an error, in the language of the catalogue that messages come from. It is
-/// English if no locale of that language is installed, or if the C library has no translation.
+/// The system's texts for errors, in the language of the catalogue that messages come from. The
+/// texts are English if no locale of that language is installed, or if the C library has no
+/// translation.
 ///
-/// Threads: any number may call text().
+/// Threads: any thread may call text().
 class Reasons {
 public:
     /// In English.
     Reasons() = default;
-    /// @param catalogue  a base name, as of findCatalogue()
+    /// @param catalogue  a base name from findCatalogue()
     Reasons(const std::string& catalogue, const std::string& locales);
     ~Reasons();
     Reasons(Reasons&& other) noexcept;
@@ -30,9 +31,9 @@ private:
 };
 
 /// Chooses the language of reason().
-/// Requires: no other thread has been started.
+/// Requires: no other thread is running.
 void setReasonLanguage(const std::string& catalogue, const std::string& locales);
-/// The process's Reasons::text(); English until a language is chosen.
+/// The text of an errno, in the language chosen last; English before the first choice.
 std::string reason(int error);
 
 }  // namespace tools

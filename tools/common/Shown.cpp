@@ -20,8 +20,8 @@ bool isHarmless(int c) {
            type != U_PARAGRAPH_SEPARATOR && !U_IS_UNICODE_NONCHAR(c);
 }
 
-/// @param kept  characters that are not harmless in themselves, but stay
-/// @param isQuoting  whether a backslash before an x is written as bytes
+/// @param kept  unsafe characters that stay unchanged
+/// @param isQuoting  whether to write a backslash before an x as \xHH
 std::string withoutControls(const std::string& text, const char* kept, bool isQuoting) {
     const std::string stays = kept;
     std::string out;

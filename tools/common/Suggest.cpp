@@ -7,7 +7,7 @@ namespace tools {
 
 namespace {
 
-constexpr std::size_t kLongest = 64;  // that names are compared with
+constexpr std::size_t kLongest = 64;  // longest name that is compared
 
 }  // namespace
 
@@ -43,7 +43,7 @@ Closest::Closest(const std::string& wrong)
 void Closest::offer(const char* name) {
     if (m_wrong.size() > kLongest) return;
     const std::string letters = lettersOf(name);
-    // Many break a word off early.
+    // A beginning of a name counts as similar: users often abbreviate.
     const bool isBeginning = m_wrong.size() > 2 && letters.compare(0, m_wrong.size(), m_wrong) == 0;
     const std::size_t distance = isBeginning ? 1 : editDistance(m_wrong, letters);
     if (distance >= m_uDistance) return;

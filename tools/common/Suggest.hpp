@@ -6,27 +6,27 @@
 
 namespace tools {
 
-/// Of names that are offered, the one that somebody who wrote another may have meant. Case,
-/// hyphens and the like do not count.
+/// Finds the offered name that is most similar to a wrong one. Compares only letters and digits,
+/// without case.
 class Closest {
 public:
     explicit Closest(const std::string& wrong);
 
     void offer(const char* name);
-    /// Empty if none is near enough: a third of the letters may be wrong, and one in any case; of
-    /// 64 letters at most.
+    /// Empty if no name is similar enough. At most a third of the letters may differ, but one may
+    /// always differ. Finds nothing for names of more than 64 letters.
     const std::string& found() const { return m_found; }
 
 private:
     std::string m_wrong;
-    std::size_t m_uDistance;  // a name found is nearer
+    std::size_t m_uDistance;  // a name must be closer than this
     std::string m_found;
 };
 
-/// The letters and digits of a name, in small letters.
+/// The letters and digits of a name, in lower case.
 std::string lettersOf(const std::string& name);
 
-/// The least number of letters to be put in, left out, exchanged, or swapped with the next.
+/// The least number of letters to insert, remove, replace, or swap with the next one.
 std::size_t editDistance(const std::string& a, const std::string& b);
 
 }  // namespace tools

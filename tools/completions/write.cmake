@@ -1,4 +1,5 @@
-# cmake -DTOOL=PATH -DSHELL=NAME -DFILE=PATH -P write.cmake: what the tool prints, in English.
+# cmake -DTOOL=PATH -DSHELL=NAME -DFILE=PATH -P write.cmake: writes the completion script that the
+# tool prints, in English.
 get_filename_component(_directory "${FILE}" DIRECTORY)
 file(MAKE_DIRECTORY "${_directory}")
 set(ENV{LC_ALL} C)

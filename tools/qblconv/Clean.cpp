@@ -17,11 +17,11 @@ namespace conv {
 
 namespace {
 
-/// What names of temporary files begin with: those of QBLFmReplaceFile, and of NewOutput.
+/// The prefixes of temporary files: of QBLFmReplaceFile and of NewOutput.
 constexpr std::string_view kBeginnings[] = {".QBLFm", ".qblconv"};
 
-/// Takes a positive number, in the one form in which numbers are written into names, from the
-/// front of a text.
+/// Takes a positive number from the front of a text. Accepts only the form in which the tools write
+/// numbers into names.
 template <class Number>
 bool takeNumber(std::string_view& text, Number& value) {
     const char* const end = text.data() + text.size();
@@ -31,7 +31,7 @@ bool takeNumber(std::string_view& text, Number& value) {
     return true;
 }
 
-/// @return the number of the process that has made a temporary file; 0 for any other name
+/// @return the number of the process that made a temporary file; 0 for any other name
 pid_t makerOf(const std::string& name) {
     for (const std::string_view beginning : kBeginnings) {
         if (name.compare(0, beginning.size(), beginning) != 0) continue;
@@ -49,13 +49,13 @@ bool isAlive(pid_t process) { return kill(process, 0) == 0 || errno != ESRCH; }
 
 bool isOurs(const FileStatus& status) { return geteuid() == 0 || status.user() == geteuid(); }
 
-/// A lease, which the system grants only while no other descriptor of the file is open anywhere.
-/// Whoever opens the file meanwhile waits until the lease is given back.
+/// A write lease. The system grants it only while no other descriptor of the file is open anywhere.
+/// A process that then opens the file waits until the lease is returned.
 class Lease {
 public:
     explicit Lease(int file) : m_iFile(file) {
-        // The system signals the holder when somebody opens the file. SIGIO, the usual signal,
-        // would end the process; SIGURG is ignored.
+        // The system signals the holder when another process opens the file. The default signal,
+        // SIGIO, would end the process; SIGURG is ignored.
         m_bHeld = fcntl(file, F_SETSIG, SIGURG) == 0 && fcntl(file, F_SETLEASE, F_WRLCK) == 0;
         m_iError = m_bHeld ? 0 : errno;
     }
@@ -65,7 +65,7 @@ public:
     Lease(const Lease&) = delete;
     Lease& operator=(const Lease&) = delete;
 
-    /// An errno; 0 if it was given.
+    /// An errno; 0 if the lease was granted.
     int error() const { return m_iError; }
 
 private:
@@ -121,7 +121,7 @@ void Clean::enter(const std::string& path, QBLFmDirectory directory) {
     m_levels.push_back(std::move(level));
 }
 
-/// Goes on in the next directory below the innermost level, or leaves that.
+/// Enters the next subdirectory of the innermost level, or leaves that level if it has no more.
 void Clean::descend() {
     Level& level = m_levels.back();
     if (level.directories.empty()) return m_levels.pop_back();
@@ -142,7 +142,7 @@ void Clean::removeUnused(const Level& level, const std::string& leaf) {
     const std::string name = shown(level.path + leaf);
     const int directory = level.directory.getDescriptor();
     FileStatus status, opened;
-    // Links and devices are not opened.
+    // Does not open links and devices.
     if (!status.get(directory, leaf.c_str(), AT_SYMLINK_NOFOLLOW)) return;
     if (!status.isRegular()) return tell(CONV_NOT_REGULAR, {name});
     if (!isOurs(status)) return tell(CONV_NOT_OURS, {name});

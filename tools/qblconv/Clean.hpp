@@ -11,27 +11,27 @@
 
 namespace conv {
 
-/// Removes the temporary files that killed processes have left in directories. A file is removed
-/// if it is a regular file of the caller's, if its name has the form of temporary files of the
-/// library and the tool, if no process here has the number in the name, and if nobody has the file
-/// open, here or in another process namespace. All others stay. Each directory is opened from the
-/// one above it; only links on the command line are followed.
+/// Removes the temporary files that killed processes left in directories. Removes a file only if it
+/// is a regular file of the caller, its name has the form of the library's or the tool's temporary
+/// files, no running process has the number in the name, and no process has the file open, here or
+/// in another process namespace. Keeps all other files. Opens each directory relative to its
+/// parent; follows links only on the command line.
 ///
 /// Threads: one at a time.
 class Clean {
 public:
     Clean(const Options& options, FileReport& report) : m_options(options), m_report(report) {}
 
-    /// Whether all operands are directories.
+    /// Returns true if all operands are directories.
     static bool check(const Options& options, Problem& problem);
-    /// Goes through a directory, and with the option through those below it.
+    /// Cleans a directory and, with option -r, the directories below it.
     void work(const std::string& operand);
 
 private:
     struct Level {
         std::string path;  // with a slash at the end
         QBLFmDirectory directory;
-        std::list<std::string> directories;  // still to be gone through
+        std::list<std::string> directories;  // not visited yet
     };
 
     void enter(const std::string& path, QBLFmDirectory directory);

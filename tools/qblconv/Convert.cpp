@@ -17,7 +17,7 @@ namespace {
 
 class Conversion {
 public:
-    /// @param name  of the input, as shown
+    /// @param name  the input's name, as shown() returns it
     Conversion(const Setup& setup, const I18NConverter* from, const std::string& name,
                Output* output, const std::string& outputName, Findings& findings,
                FileReport& report)
@@ -35,7 +35,7 @@ public:
         if (setup.verifies) m_verification.emplace(*setup.to, (setup.mark & I18N_MARK_STRIP) != 0);
     }
 
-    /// @param size  0 for the end
+    /// @param size  0 at the end of the input
     bool put(const char* block, std::size_t size) {
         if (m_verification) m_verification->read(block, size);
         try {
@@ -53,28 +53,29 @@ public:
         const std::string_view bytes = takeOutput(size == 0);
         return isReversible(bytes, size == 0) && write(bytes);
     }
-    /// Leaves an output that stays in its encoding's first shift state, for those behind.
+    /// Ends a direct output in the initial shift state of its encoding, so that other text can
+    /// follow.
     void breakOff() {
         if (m_pOutput == nullptr || !m_pOutput->isDirect()) return;
         try {
             m_stream.finish();
         } catch (const I18NRuntimeError& error) {
             if (error.getErrorCode() != I18N_CONVERSION) throw;
-        } catch (const Findings::Lacking&) {  // the text is given up already
+        } catch (const Findings::Lacking&) {  // the conversion has failed already
         }
         write(takeOutput(true));
     }
     const char* encoding() const { return m_stream.getInputEncoding(); }
 
 private:
-    /// An output that stays keeps what is in front of the place.
+    /// Gives up at the current place. A direct output keeps the text before that place.
     bool giveUp() {
         m_findings.tellLast(m_stream.getInputEncoding(), m_pTo);
         if (m_pOutput != nullptr && m_pOutput->isDirect()) write(takeOutput(true));
         return false;
     }
 
-    /// What has come out of the stream, with the line ends asked for.
+    /// Takes the converted text from the stream, with the line ends requested.
     std::string_view takeOutput(bool isEnd) {
         if (m_pOutput == nullptr) return {};
         const std::string_view bytes(m_stream.getBytes(), m_stream.getByteCount());
@@ -119,10 +120,11 @@ private:
     I18NTextStream m_stream;
     std::optional<LineEnds> m_lineEnds;
     std::optional<Verification> m_verification;
-    std::string m_bytes;  // out of m_lineEnds
+    std::string m_bytes;  // result of m_lineEnds
 };
 
-/// Reads the first block, with all of a mark that may tell of the byte order.
+/// Reads the first block. If a byte-order mark may tell the byte order, the block has enough bytes
+/// for the mark.
 int readStart(const Setup& setup, Input& input) {
     const auto size = static_cast<int>(setup.block.size());
     const auto wanted =

@@ -12,37 +12,38 @@
 
 namespace conv {
 
-/// What a conversion works with; one for each thread.
+/// The converters, options and buffer of a conversion; one per thread.
 struct Setup {
     const I18NConverter* from;
-    const I18NConverter* fromSwapped;  // in the other byte order; null if that is known
-    const std::string& swappedMark;    // which that one begins with
-    const I18NConverter* to;           // null only reads
+    const I18NConverter* fromSwapped;  // for the other byte order; null if the order is known
+    const std::string& swappedMark;    // byte-order mark for fromSwapped
+    const I18NConverter* to;           // null to read only
     I18NByteOrderMark mark;
     Options::LineEnd lineEnd;
-    bool verifies;  // that the output converts back to the input
+    bool verifies;  // checks that the output converts back to the input
     std::vector<char>& block;
     Progress& progress;
 };
 
-/// Converts an input from where it stands to its end, and says what is wrong in the report; only
-/// reads it without an output.
-/// @param name  of the input, as shown
-/// @param outputName  the same of the output
-/// @param encoding  receives what the input turned out to be in; may be null
-/// @return whether all of it was converted, be it with replacements; not if the user broke it off
+/// Converts an input from its current position to its end, and reports problems. Without an output,
+/// it only reads the input.
+/// @param name  the input's name, as shown() returns it
+/// @param outputName  the output's name, as shown() returns it
+/// @param encoding  receives the detected encoding of the input; may be null
+/// @return true if the whole input was converted, even with replacements; false after an error or
+///     an interrupt
 bool convertText(const Setup& setup, Input& input, const std::string& name, Output* output,
                  const std::string& outputName, Findings& findings, FileReport& report,
                  std::string* encoding = nullptr);
 
-/// Whether an input is well-formed in an encoding from start to end. It is back at the start then.
-/// @param strict  a converter that stops
-/// @param mark  what it has to begin with; empty for nothing
-/// @param error  receives an errno if it cannot be read, else 0
+/// Returns true if the whole input is well-formed in an encoding. Rewinds the input.
+/// @param strict  a converter with the policy I18N_STOP
+/// @param mark  bytes that the input must begin with; may be empty
+/// @param error  receives an errno if the input cannot be read, else 0
 bool isValid(const I18NConverter& strict, const std::string& mark, Input& input,
              std::vector<char>& block, int& error);
 
-/// Copies an input as it is.
+/// Copies an input unchanged.
 bool copyText(const Setup& setup, Input& input, const std::string& name, Output& output,
               const std::string& outputName, FileReport& report);
 

@@ -16,14 +16,15 @@ namespace {
 const char kAuto[] = "auto", kAutoList[] = "auto:";
 const char kUTF8[] = "UTF-8";
 
-// A choice is clear if ICU is so confident of it, and so much more than of any other that fits.
+// A choice is clear if ICU's confidence is at least kLeast, and kLead more than for any other
+// encoding that fits.
 constexpr int kLeast = 40, kLead = 20;
-// A text that is not valid in an encoding is taken for a broken one from this confidence on.
+// From this confidence on, a text that is malformed in an encoding counts as a damaged text in it.
 constexpr int kNearly = 25;
 
 constexpr std::size_t kLongestMark = 4;
 
-/// Marks, the longer ones first: FF FE 00 00 may also be UTF-16LE with a NUL.
+/// Byte-order marks, longer ones first: FF FE 00 00 may also be UTF-16LE with a NUL.
 struct Mark {
     std::string bytes;
     const char* encoding;
@@ -34,19 +35,19 @@ const std::vector<Mark> kMarks = {{std::string("\0\0\xFE\xFF", 4), "UTF-32BE"},
                                   {"\xFE\xFF", "UTF-16BE"},
                                   {"\xFF\xFE", "UTF-16LE"}};
 
-/// The name that ICU has for an encoding under any of its names.
+/// ICU's name for an encoding, from any of its names.
 std::string canonical(const std::string& name) {
     UErrorCode error = U_ZERO_ERROR;
     const char* const known = ucnv_getAlias(name.c_str(), 0, &error);
     return U_SUCCESS(error) && known != nullptr ? known : name;
 }
 
-/// Whether a name leaves the order of the bytes open, so that texts need a mark.
+/// Returns true if a name does not specify the byte order, so that texts need a mark.
 bool isOpenOrder(const std::string& canonicalName) {
     return canonicalName == "UTF-16" || canonicalName == "UTF-32";
 }
 
-/// Whether a text with the mark of an encoding can be meant by a name.
+/// Returns true if a name can mean the encoding whose mark a text has.
 bool isNameOf(const std::string& canonicalName, const std::string& encoding) {
     return canonicalName == encoding ||
            (isOpenOrder(canonicalName) &&
@@ -62,7 +63,7 @@ std::string inOneLine(const std::vector<Fit>& fits) {
     return line;
 }
 
-/// Whether one of the fits is clear enough to be chosen.
+/// Returns true if the best fit is clear enough to choose.
 bool isClear(const std::vector<Fit>& fits, bool isGuessAllowed) {
     if (fits[0].isOdd) return false;
     if (fits.size() == 1) return fits[0].confidence < 0 || fits[0].confidence >= kLeast;
@@ -149,7 +150,7 @@ std::vector<Fit> Detector::fits(Passes& passes, bool isFirstEnough) {
     return fitsOf(passes, proposeEncodings(passes), isUTF8 ? &look : nullptr);
 }
 
-/// Those of the list: in the order of the list.
+/// The encodings of the list that fit, in the order of the list.
 std::vector<Fit> Detector::fitsOfList(Passes& passes, bool isFirstEnough) {
     std::vector<Fit> found;
     const std::string marked = encodingOfMark(passes);
@@ -164,8 +165,8 @@ std::vector<Fit> Detector::fitsOfList(Passes& passes, bool isFirstEnough) {
     return found;
 }
 
-/// Those that ICU proposes.
-/// @param utf8  how the text looks in UTF-8; null if it is not valid there
+/// The encodings that ICU proposes and that fit.
+/// @param utf8  the look of the text in UTF-8; null if the text is malformed in UTF-8
 std::vector<Fit> Detector::fitsOf(Passes& passes, const std::vector<Proposal>& proposals,
                                   const TextLook* utf8) {
     std::vector<Fit> plain, shifted;
@@ -177,15 +178,16 @@ std::vector<Fit> Detector::fitsOf(Passes& passes, const std::vector<Proposal>& p
             add(passes, {proposal.name, proposal.confidence, look.isOddLatin()},
                 look.hasShifts() ? shifted : plain);
     }
-    // Shifts that one encoding makes text of are not text in another.
+    // If an encoding decodes the shift sequences, drops the encodings that leave them as control
+    // characters.
     std::vector<Fit> found = std::move(plain.empty() ? shifted : plain);
-    // Most encodings give the same text where that is all ASCII.
+    // Most encodings give the same text if all of it is ASCII.
     if (found.size() == 1 && found[0].name == kUTF8) found[0].alike.clear();
     if (utf8 == nullptr) findNearly(proposals, found);
     return found;
 }
 
-/// A text with a few broken bytes may well fit an encoding that it was never in.
+/// A text with a few damaged bytes may fit an encoding that it was never in.
 void Detector::findNearly(const std::vector<Proposal>& proposals, const std::vector<Fit>& found) {
     const int best = found.empty() ? kNearly - 1 : found[0].confidence;
     for (const Proposal& each : proposals) {
@@ -194,7 +196,7 @@ void Detector::findNearly(const std::vector<Proposal>& proposals, const std::vec
     }
 }
 
-/// Adds a fit, or its name to one with the same text.
+/// Adds a fit, or adds its name to a fit that gives the same text.
 void Detector::add(Passes& passes, const Fit& fit, std::vector<Fit>& fits) {
     for (Fit& each : fits) {
         if (each.name == fit.name) return;
@@ -202,7 +204,7 @@ void Detector::add(Passes& passes, const Fit& fit, std::vector<Fit>& fits) {
         if (passes.error() != 0) return;
         if (differs) continue;
         each.alike.push_back(fit.name);
-        // The names of a list stay in its order.
+        // With a list, the names keep the list's order.
         if (m_names.empty() && isMoreUsual(fit.name, each.name))
             std::swap(each.name, each.alike.back());
         return;
@@ -222,7 +224,7 @@ bool Detector::isText(Passes& passes, const std::string& encoding, TextLook& loo
     return isRead && look.isAssigned() && !look.isMostlyControls();
 }
 
-/// The encoding that a mark at the beginning tells, if all bytes are valid in it; else empty.
+/// The encoding of the byte-order mark at the start, if all bytes are valid in it; else empty.
 std::string Detector::encodingOfMark(Passes& passes) {
     passes.begin();
     const std::string start(passes.next().substr(0, kLongestMark));

@@ -13,51 +13,51 @@
 
 namespace conv {
 
-/// Whether the argument of -f asks for detection: "auto" or "auto:LIST". No encoding has such a
-/// name.
+/// Returns true if the argument of -f requests detection: "auto" or "auto:LIST". No encoding has
+/// such a name.
 bool isAuto(const std::string& from);
 
-/// The names in "auto:LIST"; none for "auto".
+/// The names in "auto:LIST"; empty for "auto".
 std::vector<std::string> candidatesOf(const std::string& from);
 
-/// Whether the list of an "auto:LIST" has a name, and all its names are those of encodings.
+/// Returns true if the list of an "auto:LIST" is not empty and names only known encodings.
 bool checkAuto(const std::string& from, Problem& problem);
 
-/// An encoding that a whole text fits.
+/// An encoding in which a whole text is valid.
 struct Fit {
     std::string name;
-    int confidence = -1;                  // of ICU's detector, in percent; below 0 without one
-    bool isOdd = false;                   // its letters look like those of another script
-    std::vector<std::string> alike = {};  // others, in which the text is the same
+    int confidence = -1;                  // of ICU's detector, in percent; below 0 if unknown
+    bool isOdd = false;                   // its letters look like letters of another script
+    std::vector<std::string> alike = {};  // other encodings that give the same text
 };
 
-/// Finds out what encoding a text is in. The manual describes the choice.
+/// Detects the encoding of a text. The manual describes how.
 ///
 /// Threads: one at a time for each object.
 class Detector {
 public:
-    /// @param from  as of isAuto(); anything else is "auto"
-    /// @param block  what inputs are read into
+    /// @param from  an argument for isAuto(); any other text counts as "auto"
+    /// @param block  buffer for reading inputs
     Detector(const std::string& from, std::vector<char>& block);
     Detector(const Detector&) = delete;
     Detector& operator=(const Detector&) = delete;
 
-    /// The encoding of an input, which is back at its start then.
-    /// @param name  of the input, as shown
-    /// @param isGuessAllowed  whether an encoding may be chosen while another one fits
-    /// @return null, with the reason in the report, if there is none that is clear, or if the
-    ///     input cannot be read; also if the work is to end
+    /// Chooses the encoding of an input and rewinds the input.
+    /// @param name  the input's name, as shown() returns it
+    /// @param isGuessAllowed  whether to choose an encoding if another one fits as well
+    /// @return null, with the reason in the report, if no encoding is clear or the input cannot be
+    ///     read; also null after an interrupt
     const I18NConverter* choose(Input& input, const std::string& name, bool isGuessAllowed,
                                 FileReport& report);
 
-    /// All that fit, the best first; none if the input cannot be read.
+    /// All encodings that fit, the best first; empty if the input cannot be read.
     std::vector<Fit> fits(Passes& passes) { return fits(passes, false); }
-    /// A converter that stops, for an encoding that there is.
+    /// A converter with the policy I18N_STOP for a known encoding.
     const I18NConverter& strict(const std::string& name);
-    /// What the last text would have been more probably in than in all that it fits, if it were
-    /// not malformed there; else empty.
+    /// The encoding that ICU considers more probable than all that fit, but in which the last text
+    /// is malformed; empty if there is no such encoding.
     const std::string& nearly() const { return m_nearly; }
-    /// Says why a text has no encoding.
+    /// Reports why no encoding was found.
     void sayNone(const std::string& name, FileReport& report) const;
 
 private:
@@ -67,12 +67,12 @@ private:
                             const TextLook* utf8);
     void add(Passes& passes, const Fit& fit, std::vector<Fit>& fits);
     bool isValid(Passes& passes, const std::string& encoding);
-    /// Whether all bytes are valid, and their text looks like one.
+    /// Returns true if all bytes are valid and the result looks like a text.
     bool isText(Passes& passes, const std::string& encoding, TextLook& look);
     std::string encodingOfMark(Passes& passes);
     void findNearly(const std::vector<Proposal>& proposals, const std::vector<Fit>& found);
 
-    const std::vector<std::string> m_names;  // that are considered; empty for those that ICU knows
+    const std::vector<std::string> m_names;  // candidates; empty for all that ICU detects
     std::vector<char>& m_block;
     std::map<std::string, std::unique_ptr<I18NConverter>> m_converters;
     std::string m_nearly;

@@ -11,7 +11,7 @@ namespace conv {
 
 namespace {
 
-constexpr std::size_t kBefore = 20, kAfter = 30;  // code units of a line that are shown
+constexpr std::size_t kBefore = 20, kAfter = 30;  // code units shown around the place
 const char kCut[] = "...";
 
 bool isLineEnd(char16_t unit) { return unit == u'\n' || unit == u'\r'; }
@@ -31,13 +31,14 @@ public:
     Comparison(const I18NConverter& first, const I18NConverter& second)
         : m_first(&first, nullptr), m_second(&second, nullptr) {}
 
-    /// @param bytes  empty for the end @return false if no more is needed
+    /// @param bytes  empty at the end
+    /// @return false if no more bytes are needed
     bool put(std::string_view bytes) {
         advance(m_first, bytes, m_firstRest);
         advance(m_second, bytes, m_secondRest);
         if (!m_bFound) skipCommon();
         if (bytes.empty()) m_bFound = m_bFound || m_firstRest != m_secondRest;
-        // Two units more, so that no pair is cut.
+        // Two more units, so that no surrogate pair is cut.
         const std::size_t known = std::min(m_firstRest.size(), m_secondRest.size());
         return !bytes.empty() && !(m_bFound && known > kAfter + 2);
     }
@@ -56,14 +57,14 @@ private:
         rest.append(stream.getText(), stream.getTextLength());
     }
 
-    /// Counts and forgets what both begin with.
+    /// Counts and removes the common beginning.
     void skipCommon() {
         const auto limit = std::min(m_firstRest.size(), m_secondRest.size());
         const auto end = m_firstRest.begin() + static_cast<std::ptrdiff_t>(limit);
         const auto [mine, other] = std::mismatch(m_firstRest.begin(), end, m_secondRest.begin());
         auto common = static_cast<std::size_t>(mine - m_firstRest.begin());
         m_bFound = mine != end;
-        // A difference within a pair is one of the character.
+        // A difference inside a surrogate pair concerns the whole character.
         if (m_bFound && common > 0 && U16_IS_LEAD(m_firstRest[common - 1])) --common;
         for (std::size_t i = 0; i < common; ++i) note(m_firstRest[i]);
         m_firstRest.erase(0, common);
@@ -99,8 +100,8 @@ private:
     }
 
     I18NTextStream m_first, m_second;
-    std::u16string m_firstRest, m_secondRest;  // from the first difference on, once it is found
-    std::u16string m_before;                   // what both have before that in its line
+    std::u16string m_firstRest, m_secondRest;  // once a difference is found, they begin there
+    std::u16string m_before;                   // common text before the difference, in its line
     std::int64_t m_iLine = 1;
     char16_t m_cLast = 0;
     bool m_bCut = false;

@@ -20,8 +20,8 @@ std::string lower(std::string text) {
     return text;
 }
 
-/// Whether all that follows commas in a name is an option of ICU's converters, which take any other
-/// text for one without a meaning.
+/// Returns true if ICU's converters know all options after commas in a name. ICU ignores options
+/// that it does not know.
 bool hasKnownOptions(const std::string& name) {
     for (std::size_t comma = name.find(','); comma != std::string::npos;
          comma = name.find(',', comma + 1)) {
@@ -44,7 +44,7 @@ Problem unknown(const std::string& name) {
     return {CONV_NO_ENCODING_BUT, {name, closest.found()}};
 }
 
-/// As a text of its own.
+/// Encodes a code unit as a separate text.
 std::string encoded(const I18NConverter& converter, char16_t unit) {
     I18NTextStream stream(nullptr, &converter);
     stream.put(&unit, 1);
@@ -59,12 +59,12 @@ void leaveOutOutput(wchar_t, const char*, char*, int*, I18NErrorCodes*) {}
 }  // namespace
 
 std::unique_ptr<I18NConverter> openEncoding(const std::string& name, Problem& problem) {
-    // The library takes these for UTF-8.
+    // The library treats these names as UTF-8.
     const bool isASCII = lower(name) == "ascii";
     if (!name.empty() && hasKnownOptions(name)) {
         try {
             return std::make_unique<I18NConverter>(isASCII ? "US-ASCII" : name.c_str());
-        } catch (const I18NRuntimeError&) {  // there is no such encoding
+        } catch (const I18NRuntimeError&) {  // unknown encoding
         }
     }
     problem = unknown(name);
@@ -89,7 +89,8 @@ std::string markIn(const I18NConverter& converter) {
     try {
         std::string mark = encoded(strict, kMark);
         const std::string both = mark + encoded(strict, kText);
-        // Encodings with states, and those that write marks of their own, read something else.
+        // Encodings with shift states, and those that write their own marks, read a different text
+        // back.
         I18NTextStream stream(&strict, nullptr);
         std::u16string text;
         for (const std::size_t size : {both.size(), std::size_t{0}}) {
@@ -100,7 +101,7 @@ std::string markIn(const I18NConverter& converter) {
             text.append(stream.getText(), stream.getTextLength());
         }
         if (text == std::u16string{kMark, kText}) return mark;
-    } catch (const I18NRuntimeError&) {  // it lacks the mark
+    } catch (const I18NRuntimeError&) {  // the encoding lacks the mark
     }
     return {};
 }

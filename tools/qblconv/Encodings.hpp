@@ -9,21 +9,22 @@
 
 namespace conv {
 
-/// @return null, with a problem, for an encoding that there is not
+/// @return null, with a problem, for an unknown encoding
 std::unique_ptr<I18NConverter> openEncoding(const std::string& name, Problem& problem);
 
-/// Sets what is done with text that cannot be converted.
+/// Sets the policies for malformed input and for characters that the output lacks.
 void setPolicies(I18NConverter& converter, int input, int output);
 
-/// The byte-order mark in an encoding: what can stand in front of any text in it. Empty if it has
-/// none.
+/// The byte-order mark in an encoding that allows one at the start of any text; empty for other
+/// encodings.
 std::string markIn(const I18NConverter& converter);
 
-/// Whether any bytes are a text in an encoding.
+/// Returns true if every sequence of bytes is valid in an encoding.
 bool isAnyTextValid(const I18NConverter& converter);
 
-/// Prints the encodings that have a pattern in any of their names, a line with all its names for
-/// each. Case does not count, nor what is neither letter nor digit. @return false if there is none
+/// Prints the encodings that match a pattern in any of their names, one line with all names for
+/// each. Compares only letters and digits, without case.
+/// @return false if no encoding matches
 bool listEncodings(const std::string& pattern);
 
 }  // namespace conv

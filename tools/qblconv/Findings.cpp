@@ -12,7 +12,7 @@ namespace {
 
 const char kDigits[] = "0123456789ABCDEF";
 
-/// At least four, as Unicode writes it.
+/// Writes at least four digits, as Unicode does.
 std::string inDigits(char32_t codePoint) {
     std::string text;
     for (; codePoint != 0 || text.size() < 4; codePoint >>= 4) text += kDigits[codePoint & 15];
@@ -20,7 +20,7 @@ std::string inDigits(char32_t codePoint) {
     return text;
 }
 
-/// Requires: no lone surrogates.
+/// Requires: the text has no lone surrogates.
 std::string toUtf8(const std::u16string& text) {
     std::string out;
     for (std::size_t i = 0; i < text.size();) {
@@ -66,7 +66,8 @@ void Findings::unconvertible(const I18NUnconvertible& what) {
     if (m_treatment.isMarked) m_pStream->replaceBy(u"?", 1);
 }
 
-/// ICU puts a space in front of fractions, which keeps them apart from a number.
+/// ICU writes a space before a fraction to separate it from a number. At the start of a line, this
+/// drops the space.
 bool Findings::transliterate(const I18NUnconvertible& what, std::string& replacement) {
     if (m_treatment.transliteration == nullptr) return false;
     const std::u16string* const found = m_treatment.transliteration->of(what.codePoint);

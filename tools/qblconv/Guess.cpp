@@ -17,7 +17,8 @@ void tell(const Fit& fit, const std::string& name, FileReport& report) {
     report.result(CONV_FIT_PERCENT, {name, namesOf(fit), std::to_string(fit.confidence)});
 }
 
-/// Says how the line reads in the best, unless that was said last, and in another one.
+/// Reports the line in the best encoding, unless it was the last line reported, and in another
+/// encoding.
 void tell(const std::vector<Fit>& fits, const std::vector<Difference>& differences, std::size_t i,
           const std::string& name, FileReport& report) {
     const Difference& difference = differences[i];

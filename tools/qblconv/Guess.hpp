@@ -8,12 +8,12 @@
 
 namespace conv {
 
-/// How much the list of encodings says about them.
+/// The amount of detail in the list of encodings.
 enum class GuessDetail { kNames, kDifferences };
 
-/// Lists the encodings that an input fits, the best first, as results of its report, and where
-/// their texts first differ from that in the best.
-/// @param name  of the input, as shown
+/// Adds the encodings that an input fits to the report as results, best first. With kDifferences,
+/// also shows where each text first differs from the best one.
+/// @param name  the input's name, as shown() returns it
 void guess(Detector& detector, Input& input, const std::string& name, std::vector<char>& block,
            GuessDetail detail, FileReport& report);
 

@@ -38,7 +38,7 @@ bool InPlace::finish() {
     return bringToDisk() && isUnchanged() && keepOriginal() && replace() && isUnchangedStill();
 }
 
-/// Before the look at the file, since it takes long.
+/// Flushes before the file is checked for changes, because flushing takes long.
 bool InPlace::bringToDisk() {
     return m_output.file().flush() ||
            reportFailure(CONV_CANNOT_WRITE, {tools::reason(m_output.error())});
@@ -46,8 +46,8 @@ bool InPlace::bringToDisk() {
 
 bool InPlace::isUnchanged() { return !m_input.isAnother() || reportFailure(CONV_CHANGED); }
 
-/// Whether a sticky directory keeps the file from being replaced; a second name that it got there
-/// could not be taken away again either.
+/// Returns true if a sticky directory prevents replacing the file. In such a directory, a second
+/// name could not be removed either.
 bool InPlace::isStuck() const {
     FileStatus directory;
     const uid_t user = geteuid();
@@ -56,7 +56,8 @@ bool InPlace::isStuck() const {
            user != directory.user();
 }
 
-/// @return false with errno set
+/// Gives the original its second name. If the name exists, checks that it is the same version.
+/// @return false, with errno set; ESTALE if the file has changed
 bool InPlace::linkOriginal() {
     const int directory = m_item.place->directory.getDescriptor();
     m_bHasSecond = linkat(directory, m_item.leaf.c_str(), directory, m_second.c_str(), 0) == 0;
@@ -71,8 +72,9 @@ bool InPlace::linkOriginal() {
     return false;
 }
 
-/// By a second name, so that the file has its first one all the time. What has that name already
-/// may be the only original there is, or the name that a run that was broken off has made.
+/// Creates a second name for the original, so that the file has its first name all the time. Never
+/// overwrites an existing second name: it may be the only original, or an interrupted run has
+/// created it.
 bool InPlace::keepOriginal() {
     if (m_second.empty()) return true;
     if (isStuck()) return reportFailure(CONV_CANNOT_WRITE, {tools::reason(EPERM)});
@@ -87,13 +89,14 @@ bool InPlace::replace() {
     if (m_output.file().commitOver(m_input.descriptor()) || m_output.file().isCommitted())
         return true;
     const int error = m_output.error();
-    // Two names of one file would be changed together.
+    // A write through one name would change the file under both names.
     if (m_bHasSecond) m_item.place->directory.remove(m_second.c_str());
     if (error == ESTALE || error == ENOENT) return reportFailure(CONV_CHANGED);
     return reportFailure(CONV_CANNOT_WRITE, {tools::reason(error)});
 }
 
-/// Somebody may have written to the old version after the last look; our descriptor still knows it.
+/// Another program may have written to the old version after the last check. The open descriptor
+/// still refers to it.
 bool InPlace::isUnchangedStill() {
     if (!m_input.hasChanged()) return true;
     const std::string directory = m_item.path.substr(0, m_item.path.rfind('/') + 1);

@@ -9,22 +9,22 @@
 
 namespace conv {
 
-/// The replacement of a file by its converted text. Whatever others do to the file meanwhile,
-/// nothing that they have written is lost without a word.
+/// Replaces a file by its converted text. If another program writes to the file meanwhile, the
+/// class keeps or at least reports the change.
 ///
 /// Threads: one at a time for each object.
 class InPlace {
 public:
-    /// @param input  the file, open
-    /// @param suffix  of the name that the original keeps; empty if it is not kept
+    /// @param input  the opened file
+    /// @param suffix  suffix for the name that keeps the original; empty to keep none
     InPlace(const Item& item, Input& input, const std::string& suffix, FileReport& report);
 
-    /// @return false, with the reason in the report, if there can be no new version
+    /// @return false, with the reason in the report, if the new version cannot be created
     bool begin();
     Output& output() { return m_output; }
-    /// Puts the output in the place of the file.
-    /// @return false, with the reason in the report, if the file is as it was, or if somebody wrote
-    ///     to it at the last moment
+    /// Replaces the file by the output.
+    /// @return false, with the reason in the report, if the file was not replaced or if another
+    ///     program wrote to it at the last moment
     bool finish();
 
 private:
@@ -40,12 +40,12 @@ private:
     bool reportFailure(qblconvmsgs id, Details details = {});
 
     const Item& m_item;
-    const std::string m_name;  // as it is shown
+    const std::string m_name;  // as shown() returns it
     Input& m_input;
     FileReport& m_report;
     ReplacingOutput m_output;
-    const std::string m_second;  // the name that the original keeps; empty if it is not kept
-    bool m_bHasSecond = false;   // it has got that by us
+    const std::string m_second;  // name that keeps the original; empty to keep none
+    bool m_bHasSecond = false;   // this object created m_second
 };
 
 }  // namespace conv

@@ -53,7 +53,8 @@ bool Input::openFile() {
     m_bEmpty = true;
     m_iError = 0;
     const bool isFound = m_item.origin == Item::Origin::kFound;
-    // Nor is the writer of a pipe waited for where no interrupt would end that.
+    // O_NONBLOCK: does not wait for the writer of a pipe here, because no interrupt would end the
+    // wait.
     m_iFile = m_item.path == "-" && !isFound
                   ? STDIN_FILENO
                   : openByName((m_bForWriting ? O_RDWR : O_RDONLY) | O_NOCTTY | O_NONBLOCK);
@@ -78,7 +79,7 @@ bool Input::openFile() {
     return m_passedOver == PassedOver::kNot;
 }
 
-/// @return an errno; 0 when it is locked
+/// @return an errno; 0 if the file is locked
 int Input::lockFile(Options::Lock how, bool exclusive) {
     for (int pause = 1;; pause = std::min(2 * pause, kLongestPause)) {
         if (M_LockFile(m_iFile, exclusive ? 0 : 1, 0) != 0) return 0;
@@ -101,7 +102,7 @@ bool Input::lock(Options::Lock how, bool exclusive, Problem& problem) {
         }
         FileStatus now;
         const bool isThere = lookAtName(now);
-        // Read again: whoever had it may have written to it.
+        // Reads the status again: the last holder of the lock may have written to the file.
         if (isThere && now.isSameFile(m_status))
             return m_status.get(m_iFile) || rememberError(errno);
         if (isThere && openFile()) continue;
@@ -112,7 +113,7 @@ bool Input::lock(Options::Lock how, bool exclusive, Problem& problem) {
     return false;
 }
 
-/// Who has the lock that is in the way, if it is there still.
+/// Describes the lock that blocks this one, with its process if the system still knows it.
 Problem Input::lockedBy(bool exclusive) const {
     struct flock64 lock = {};
     lock.l_type = exclusive ? F_WRLCK : F_RDLCK;
@@ -135,9 +136,10 @@ int Input::read(char* block, unsigned size) {
         }
         m_bEmpty = m_bEmpty && got == 0;
         done += static_cast<unsigned>(got);
-        // What others write is passed on as it comes.
+        // Passes on data of pipes and terminals as soon as it comes.
         if (got > 0 && !isFile()) break;
-        // One call less for each small file; those of no size are the system's own.
+        // A short read ends a regular file, which saves a call for each small file. Files of size
+        // 0, such as those of /proc, may have more data.
         m_bAtEnd = got == 0 || (isRegular() && m_status.size() > 0 && done < size);
     }
     return static_cast<int>(done);

@@ -12,34 +12,35 @@
 
 namespace conv {
 
-/// An open directory that files come from, with those above it up to the operand.
+/// An open input directory, with its parents up to the operand.
 struct Place {
     QBLFmDirectory directory;
-    std::string name;  // in the one above; that of an operand is its last part, or empty
+    std::string name;  // in the parent; for an operand its last part, or empty
     unsigned mode = 0;
-    std::shared_ptr<const Place> above;  // null for an operand's directory
+    std::shared_ptr<const Place> above;  // null for the directory of an operand
 };
 
-/// A file to be worked on.
+/// An input file.
 struct Item {
-    /// How a file came to be an input. Only one that was named, and is not to be replaced, is
-    /// waited for, as a pipe is.
+    /// How the tool found a file. The tool waits only for a named file that is not replaced, for
+    /// example a pipe.
     enum class Origin { kNamed, kNamedInPlace, kFound };
 
-    std::string path;  // as it is shown; "-" for the standard input
-    std::string name;  // its path below the directory for outputs, as it is shown
+    std::string path;  // begins with the operand; "-" for the standard input
+    std::string name;  // path below the output directory
     Origin origin = Origin::kNamed;
-    std::shared_ptr<const Place> place;  // that it is in; null for one named and not replaced
-    std::string leaf;                    // its name there
-    int error = 0;  // of a directory or file that cannot be looked at, whose path it is then
+    std::shared_ptr<const Place> place;  // null for a named file that is not replaced
+    std::string leaf;                    // its name in that directory
+    int error = 0;  // errno for a directory or file at path that cannot be examined
 };
 
-/// A file that is read. One with a place is opened there by its name, and never by a link.
+/// A file that is read. A file with a place is opened by its name in that directory, never through
+/// a link.
 ///
 /// Threads: one at a time for each object.
 class Input {
 public:
-    /// Why a file that was found is passed over.
+    /// Why a found file is skipped.
     enum class PassedOver { kNot, kNotRegular, kLink, kBrokenLink };
 
     Input() = default;
@@ -47,25 +48,26 @@ public:
     Input(const Input&) = delete;
     Input& operator=(const Input&) = delete;
 
-    /// @return false if it cannot be read, or is passed over
+    /// @return false if the file cannot be read or is skipped
     bool open(const Item& item, bool forWriting);
-    /// Locks the file against others, or with them. Waiting for it, it may have been replaced: the
-    /// one that has the name in the end is locked.
-    /// @return false, with problem, if that failed
+    /// Locks the file, exclusively or shared. If the file was replaced during the wait, locks the
+    /// file that has the name afterwards.
+    /// @return false, with problem, on failure
     bool lock(Options::Lock how, bool exclusive, Problem& problem);
-    /// Blocks come full but for the last ones. @return bytes, 0 at the end, -1 on failure
+    /// Reads a block. For a regular file, only the last block may be shorter than size.
+    /// @return the number of bytes, 0 at the end, -1 on failure
     int read(char* block, unsigned size);
-    /// Goes back to where it began.
-    /// Requires: a regular file, or spool().
+    /// Returns to the start position.
+    /// Requires: the input is a regular file, or spool() was called.
     bool rewind();
-    /// Makes rewind() work for any input: what is not a regular file is copied into a temporary
-    /// file, which is read from then on.
-    /// Requires: nothing has been read.
-    /// @return false, with problem, if that failed; also if the work is to end
+    /// Makes rewind() work for any input: copies an input that is not a regular file into a
+    /// temporary file, and reads this copy from then on.
+    /// Requires: nothing has been read yet.
+    /// @return false, with problem, on failure; also false after an interrupt
     bool spool(std::vector<char>& block, Problem& problem);
-    /// Whether somebody has written to the file since it was opened or locked.
+    /// Returns true if a program has written to the file since it was opened or locked.
     bool hasChanged() const;
-    /// The same, or has put another in its place.
+    /// Returns true if hasChanged(), or if the name now has another file.
     bool isAnother() const;
     void close();
 
@@ -73,11 +75,13 @@ public:
     bool isRegular() const { return m_status.isRegular(); }
     const FileStatus& status() const { return m_status; }
     int descriptor() const { return m_iFile; }
-    /// Whether nothing has been read so far.
+    /// Returns true if no bytes have been read so far.
     bool isEmpty() const { return m_bEmpty; }
-    /// Whether the last read() came to the end; it may also come to it later.
+    /// Returns true if a read() has reached the end. May be false at the end, until the next
+    /// read().
     bool isAtEnd() const { return m_bAtEnd; }
-    /// That an output of its own is to have; for what is not regular that of any new file.
+    /// The mode for the output of this input; the default mode of new files if the input is not a
+    /// regular file.
     unsigned mode() const { return isRegular() ? m_status.mode() & 0777U : 0666U; }
     int error() const { return m_iError; }
 
@@ -85,17 +89,17 @@ private:
     bool openFile();
     int openByName(int flags) const;
     bool lookAtName(FileStatus& status) const;
-    /// Whether reading does not have to wait.
+    /// Returns true if reading never waits for another program.
     bool isFile() const { return isRegular() || m_bSpooled; }
     int lockFile(Options::Lock how, bool exclusive);
     Problem lockedBy(bool exclusive) const;
     bool rememberError(int error);
 
-    int m_iFile = -1;  // 0 only for the standard input, which is never closed
+    int m_iFile = -1;  // 0 only for the standard input; the class never closes that
     Item m_item;
     bool m_bForWriting = false;
-    FileStatus m_status = {};   // of the input itself, also if a copy is read
-    std::int64_t m_iStart = 0;  // others may have read a part of the standard input
+    FileStatus m_status = {};   // of the input itself, even if a copy is read
+    std::int64_t m_iStart = 0;  // above 0 if others have read a part of the standard input
     bool m_bSpooled = false;
     PassedOver m_passedOver = PassedOver::kNot;
     bool m_bAtEnd = false;

@@ -11,7 +11,7 @@ namespace conv {
 
 namespace {
 
-constexpr int kEach = 100;  // milliseconds between two looks for a signal
+constexpr int kEach = 100;  // milliseconds between two checks for a signal
 std::atomic<int> g_signal{0};
 static_assert(std::atomic<int>::is_always_lock_free, "a signal handler writes it");
 
@@ -20,15 +20,15 @@ void note(int signal) { g_signal = signal; }
 }  // namespace
 
 void catchInterrupts() {
-    // A write beyond the limit of the size of files fails with EFBIG then, and is reported.
+    // A write beyond the limit for file sizes then fails with EFBIG, which the tool reports.
     std::signal(SIGXFSZ, SIG_IGN);
     for (const int signal : {SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGPIPE}) {
         struct sigaction action = {};
         if (sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN) continue;
         action = {};
         action.sa_handler = note;
-        // Reads are broken off. A second signal ends it at once; but not that of a second thread
-        // that writes to the same pipe.
+        // Signals interrupt reads (no SA_RESTART). A second signal ends the process at once, except
+        // SIGPIPE: a second thread that writes to the same pipe gets that signal too.
         action.sa_flags = signal == SIGPIPE ? 0 : static_cast<int>(SA_RESETHAND);
         sigaction(signal, &action, nullptr);
     }
@@ -40,7 +40,7 @@ bool waitToRead(int descriptor) {
     pollfd file = {descriptor, POLLIN, 0};
     while (!isInterrupted()) {
         const int ready = poll(&file, 1, kEach);
-        // What cannot be waited for says why when it is read.
+        // If poll() fails, the following read reports why.
         if (ready > 0 || (ready < 0 && errno != EINTR)) return true;
     }
     return false;

@@ -3,17 +3,17 @@
 
 namespace conv {
 
-/// Has SIGINT, SIGQUIT, SIGTERM, SIGHUP and SIGPIPE end the work at the next block, so that what is
-/// unfinished is removed; ignores SIGXFSZ.
+/// Makes SIGINT, SIGQUIT, SIGTERM, SIGHUP and SIGPIPE end the work at the next block, so that the
+/// tool removes unfinished files. Ignores SIGXFSZ.
 void catchInterrupts();
-/// Any thread may ask.
+/// Returns true after such a signal. Any thread may call it.
 bool isInterrupted();
-/// Waits until a descriptor has something to read, or its end, on whatever thread the signal
-/// comes. @return false if the work is to end
+/// Waits until a descriptor has data or has reached its end. A signal on any thread ends the wait.
+/// @return false after an interrupt
 bool waitToRead(int descriptor);
-/// Sleeps for so many milliseconds, or until a signal comes on this thread.
+/// Sleeps for this many milliseconds, or until a signal arrives on this thread.
 void pauseFor(int milliseconds);
-/// Ends the process by the signal that came, if one did.
+/// Ends the process by the signal that was caught, if there was one.
 void endIfInterrupted();
 
 }  // namespace conv

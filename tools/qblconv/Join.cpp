@@ -29,7 +29,8 @@ bool JoinedOutput::isAnInput(const std::vector<std::string>& inputs) const {
     });
 }
 
-/// Keeps the file that will be replaced, to know it again. One that may not be read is no input.
+/// Opens the old version of the output, to compare it with the inputs. A file that cannot be read
+/// is not an input.
 bool JoinedOutput::openOld() {
     m_iOld = open64(m_path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     return m_iOld >= 0 && m_old.get(m_iOld);
@@ -58,7 +59,7 @@ bool JoinedOutput::replace() {
     return m_replacing.file().commitOver(m_iOld) || m_replacing.file().isCommitted();
 }
 
-/// Somebody may have written to the old version after the last look.
+/// Another program may have written to the old version after the last check.
 bool JoinedOutput::isUnchangedStill(FileReport& report) {
     FileStatus now;
     if (m_iOld < 0 || (now.get(m_iOld) && now.isSameVersion(m_old))) return true;
@@ -82,7 +83,7 @@ void JoinedOutput::finish(bool hasFailed, FileReport& report) {
     };
     if (!m_bOpen) return cannotWrite();
     if (m_bDirect) {
-        // What could not be written has been said, unless nothing came but the mark.
+        // A failed write has been reported already, unless only the byte-order mark was written.
         if (m_pOutput->error() == 0 ? !m_pOutput->commit() : !hasFailed) cannotWrite();
         return;
     }

@@ -9,29 +9,29 @@
 
 namespace conv {
 
-/// The one output that several inputs are joined in: the standard output, a file that is replaced
-/// as a whole, or a device or pipe. A file that is one of the inputs is replaced only if nobody
-/// else has written to it.
+/// The common output of several inputs: the standard output, a file that is replaced as a whole, or
+/// a device or pipe. An output that is also an input is replaced only if no other program has
+/// written to it.
 ///
 /// Threads: one at a time for each object.
 class JoinedOutput {
 public:
     /// @param path  empty for the standard output
-    /// @param name  of the output, as it is shown
+    /// @param name  the output's name, as shown() returns it
     JoinedOutput(const std::string& path, std::string name)
         : m_path(path), m_name(std::move(name)) {}
     ~JoinedOutput();
     JoinedOutput(const JoinedOutput&) = delete;
     JoinedOutput& operator=(const JoinedOutput&) = delete;
 
-    /// @param inputs  the paths that are read
-    /// @return false if it cannot be written; finish() says why
+    /// @param inputs  the paths of the inputs
+    /// @return false if the output cannot be written; finish() then reports why
     bool open(const std::vector<std::string>& inputs);
     Output& output() { return *m_pOutput; }
-    /// What is written straight through; null for a file that is replaced.
+    /// The direct output; null for a file that is replaced.
     DirectOutput* direct() { return m_bDirect ? &m_direct : nullptr; }
     const std::string& name() const { return m_name; }
-    /// Puts the output in its place, unless something failed, and says in the report what does now.
+    /// Puts the output in its place unless an input or a write failed. Reports any new failure.
     /// @param hasFailed  whether an input failed
     void finish(bool hasFailed, FileReport& report);
 
@@ -50,7 +50,7 @@ private:
     DirectOutput m_direct;
     ReplacingOutput m_replacing;
     Output* m_pOutput = nullptr;
-    int m_iOld = -1;  // the file that is replaced, if it is an input
+    int m_iOld = -1;  // the old version of the output if it is also an input, else -1
     FileStatus m_old = {};
 };
 

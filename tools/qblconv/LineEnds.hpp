@@ -8,19 +8,19 @@
 
 namespace conv {
 
-/// Makes all line ends of a text the same, in any encoding. CR LF and LF are line ends; a CR alone
-/// stays as it is.
+/// Converts all line ends of a text to one form, in any encoding. CR LF and LF are line ends; a
+/// lone CR stays unchanged.
 ///
 /// Threads: one at a time for each object.
 class LineEnds {
 public:
-    /// @param encoding  of the text
-    /// @param withReturn  whether lines are to end with CR LF instead of LF
+    /// @param encoding  the encoding of the text
+    /// @param withReturn  whether lines end with CR LF instead of LF
     LineEnds(const I18NConverter& encoding, bool withReturn);
 
     void put(const char* bytes, std::size_t size);
     void finish();
-    /// What came out of the last call, until the next one.
+    /// The output of the last call, valid until the next call.
     const std::string& bytes() const { return m_bytes; }
 
 private:
@@ -34,7 +34,7 @@ private:
     I18NTextStream m_decoder, m_encoder;
     std::u16string m_text;
     std::string m_bytes;
-    bool m_bAfterReturn = false;  // which is written already if lines end with it
+    bool m_bAfterReturn = false;  // the CR is already written if lines end with CR LF
 };
 
 }  // namespace conv

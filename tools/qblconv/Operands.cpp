@@ -12,7 +12,8 @@ namespace {
 
 using Mode = Options::Mode;
 
-/// The last part of a path; empty for roots and the like, whose output is the directory itself.
+/// The last part of a path; empty for "/", "." and "..", whose files go directly into the output
+/// directory.
 std::string lastPart(std::string path) {
     while (path.size() > 1 && path.back() == '/') path.pop_back();
     path.erase(0, path.rfind('/') + 1);
@@ -54,7 +55,7 @@ bool Operands::check(Problem& problem) const {
     return m_options.mode == Mode::kDirectory ? checkOutputs(problem) : checkOriginals(problem);
 }
 
-/// Whether no file of an operand becomes the same as one of another.
+/// Returns true if no two operands write to the same output.
 bool Operands::checkOutputs(Problem& problem) const {
     std::map<std::string, const std::string*> outputs;
     const std::vector<std::string>& operands = m_options.operands;
@@ -71,7 +72,7 @@ bool Operands::checkOutputs(Problem& problem) const {
             problem = {id, {below(m_options.directory, name), *input}};
             return false;
         }
-        // Its files stand beside the outputs of the others.
+        // Its files would be next to the outputs of the other operands.
         FileStatus status;
         const bool isOutput = status.get(operand.c_str()) && isOutputDirectory(status);
         if (operands.size() == 1 || (!name.empty() && !isOutput)) continue;
@@ -82,8 +83,8 @@ bool Operands::checkOutputs(Problem& problem) const {
     return true;
 }
 
-/// The operand that an output is, or is a directory above of one other than its own; null if none
-/// is.
+/// The operand that an output would overwrite: the operand itself, or one other than its own that
+/// is below the output. Null if there is none.
 const std::string* Operands::inputAt(const std::string& output, const std::string& own) const {
     FileStatus at, status;
     if (!at.get(output.c_str())) return nullptr;
@@ -101,7 +102,7 @@ const std::string* Operands::inputAt(const std::string& output, const std::strin
     return nullptr;
 }
 
-/// Whether no original would be kept under the name of another operand.
+/// Returns true if no original would be kept under the name of another operand.
 bool Operands::checkOriginals(Problem& problem) const {
     if (m_options.suffix.empty()) return true;
     std::map<FileKey, const std::string*> files;
@@ -155,7 +156,7 @@ bool Operands::next(Item& item) {
         place->name = directory;
         place->above = level.place;
         if (!place->directory.open(level.place->directory, directory.c_str())) {
-            // A link is passed over, here as when it has taken the directory's place since.
+            // Skips a link. A link may also have replaced the directory since it was listed.
             if (errno == ENOTDIR || errno == ELOOP) continue;
             item = {path, directory, Item::Origin::kNamed, nullptr, {}, errno};
             return true;
@@ -177,7 +178,7 @@ bool Operands::nextOperand(Item& item) {
     return false;
 }
 
-/// @return false if it is done already
+/// @return false if the file is finished already
 bool Operands::nextFile(const std::string& operand, Item& item) {
     item = {operand, lastPart(operand), Item::Origin::kNamed, nullptr, {}, 0};
     if (!m_bInPlace) return true;
@@ -195,7 +196,7 @@ bool Operands::nextFile(const std::string& operand, Item& item) {
     return true;
 }
 
-/// @return false if it is done already, or if m_levels has it now
+/// @return false if the directory is finished already, or if m_levels has received it
 bool Operands::nextDirectory(const std::string& operand, Item& item) {
     auto place = std::make_shared<Place>();
     place->name = lastPart(operand);
@@ -208,7 +209,7 @@ bool Operands::nextDirectory(const std::string& operand, Item& item) {
     return !enter(std::move(place), operand, name, item);
 }
 
-/// @return false, with an item that says why, if the directory cannot be read
+/// @return false, with an item that has the error, if the directory cannot be read
 bool Operands::enter(std::shared_ptr<Place> place, const std::string& path, const std::string& name,
                      Item& item) {
     FileStatus status;
@@ -229,7 +230,7 @@ bool Operands::enter(std::shared_ptr<Place> place, const std::string& path, cons
     return true;
 }
 
-/// Whether an operand in front leads there, itself or as a directory above.
+/// Returns true if an earlier operand is this directory or a directory above it.
 bool Operands::isBelowDone(const QBLFmDirectory& directory) const {
     if (m_doneDirectories.empty()) return false;
     FileStatus status, above;

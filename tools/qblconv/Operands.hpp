@@ -14,34 +14,35 @@
 
 namespace conv {
 
-/// The files that the operands name, in their order, and those below directories: a directory's
-/// own files by name, then its directories. What is below is listed when it is come to, so that no
-/// more is kept than the names of the directories on the way. Each directory is opened from the
-/// one above it, so that nobody who can write to the tree leads the tool out of it.
+/// Iterates over the files that the operands name, in order, and over the files below directories:
+/// first the directory's files by name, then its subdirectories. Lists a directory only when it is
+/// reached, so that memory holds only the names of the directories on the current path. Opens each
+/// directory relative to its parent, so that nobody who can write to the tree can lead the tool out
+/// of it.
 ///
-/// - Hidden names in directories are passed over, unless the pattern for names begins with a dot;
-///   so is the directory for outputs, and links to directories. In place, names with the suffix of
-///   originals that are kept are too.
-/// - In place, what several operands lead to comes once.
+/// - Skips hidden names in directories, unless the pattern for names begins with a dot. Also skips
+///   the output directory and links to directories; in place, also names with the suffix of kept
+///   originals.
+/// - In place, returns a file once if several operands lead to it.
 ///
 /// Threads: one at a time.
 class Operands {
 public:
     explicit Operands(const Options& options);
 
-    /// Whether there are such operands, and whether each has an output of its own. What cannot be
-    /// looked at, for other reasons than that it is not there, fails when its turn comes.
+    /// Returns true if all operands exist and each has its own output. An operand that exists but
+    /// cannot be examined fails later, at its turn.
     bool check(Problem& problem) const;
     /// @return false at the end
     bool next(Item& item);
 
 private:
-    /// A file in place: its directory, and its name there.
+    /// Identifies a file in place by its directory and its name there.
     using FileKey = std::pair<FileStatus::Identity, std::string>;
 
     struct Level {
         std::string path;  // with a slash at the end
-        std::string name;  // below the directory for outputs
+        std::string name;  // below the output directory
         std::shared_ptr<const Place> place;
         FileStatus::Identity identity;
         std::list<std::string> files, directories;
@@ -63,7 +64,7 @@ private:
     const bool m_bInPlace;
     std::size_t m_iNext = 0;
     std::vector<Level> m_levels;
-    // Operands in place that are done, or being gone through.
+    // Operands in place that are finished or in progress.
     std::set<FileKey> m_doneFiles;
     std::set<FileStatus::Identity> m_doneDirectories;
 };

@@ -25,7 +25,7 @@ const char kPolicyNames[] = "stop escape substitute lookup skip fit translit";
 
 constexpr unsigned kMostJobs = 256;
 
-/// A word that an argument can be, and what it stands for.
+/// A possible argument and its value.
 struct Word {
     const char* name;
     int value;
@@ -36,7 +36,8 @@ const std::vector<Word> kPolicies = {{"stop", I18N_STOP},
                                      {"substitute", I18N_SUBSTITUTE},
                                      {"lookup", I18N_LOOKUP},
                                      {"skip", I18N_USER_DEFINED}};
-// Of the output; what has no similar character stops.
+// Only for characters that the output lacks. A character without a similar one stops the
+// conversion.
 const std::vector<Word> kSimilar = {
     {"fit", static_cast<int>(Options::Similar::kFit)},
     {"translit", static_cast<int>(Options::Similar::kTransliteration)}};
@@ -65,7 +66,7 @@ const char* nameOf(const std::vector<Word>& words, int value) {
 
 std::string inQuotes(const std::string& text) { return "\"" + text + "\""; }
 
-/// What a mistake is called in the tool's catalogue.
+/// The catalogue's message for a mistake.
 Problem problemOf(const tools::Mistake& mistake) {
     const bool isLike = !mistake.suggestion.empty();
     switch (mistake.kind) {
@@ -93,7 +94,7 @@ public:
             m_options.operands, mistake);
         if (isRead) return check();
         if (!mistake.option.empty()) m_problem = problemOf(mistake);
-        // Nothing behind a mistake is read but in which form to say it.
+        // After a mistake, reads only the options for the form of messages.
         for (int i = 1; i < argc && std::strcmp(argv[i], "--") != 0; ++i)
             if (std::strcmp(argv[i], "-X") == 0 || std::strcmp(argv[i], "--xml") == 0)
                 m_options.xml = true;
@@ -108,7 +109,7 @@ private:
         return false;
     }
 
-    /// @param choices  that there are, with spaces between them
+    /// @param choices  the valid words, separated by spaces
     bool rememberBadWord(const Given& given, const std::string& argument,
                          const std::string& choices) {
         return rememberProblem(CONV_BAD_WORD, {given.shown, inQuotes(argument), choices});
@@ -207,7 +208,7 @@ private:
         return rememberBadWord(given, argument, given.option.choices);
     }
 
-    /// The suffix comes behind the option itself.
+    /// The suffix is attached to the option.
     bool takeSuffix(const Given& given) {
         if (given.argument == nullptr) return takeMode(given, Mode::kInPlace);
         m_options.suffix = given.argument;
@@ -226,7 +227,8 @@ private:
         return isNumber || rememberBadWord(given, argument, "1-" + std::to_string(kMostJobs));
     }
 
-    /// A name, and what iconv has after two slashes: of an input's nothing counts, as there.
+    /// Takes a name with iconv's suffixes after two slashes. Ignores the suffixes of an input's
+    /// name, like iconv.
     bool takeEncoding(const Given& given, const std::string& argument, std::string& name) {
         if (given.option.letter == 'f' && isAuto(argument)) {
             name = argument;
@@ -252,7 +254,7 @@ private:
         return true;
     }
 
-    /// What the suffixes of the output's encoding say, of which -c is one.
+    /// Applies the suffixes of the output's encoding; -c acts like the suffix //IGNORE.
     bool applySuffix() {
         const bool translit = m_suffix.find("TRANSLIT") != std::string::npos;
         const bool skips = m_suffix.find("IGNORE") != std::string::npos || m_shown.count('c') != 0;
@@ -306,7 +308,7 @@ private:
                                {given.shown, inQuotes(argument), closest.found()});
     }
 
-    /// Whether an option has a meaning in the mode.
+    /// Returns true if an option is allowed in a mode.
     static bool fits(int option, Mode mode) {
         const bool converts = mode <= Mode::kInPlace;
         const char* letters = "hVL";
@@ -353,7 +355,7 @@ private:
         return std::strchr(letters, option) != nullptr;
     }
 
-    /// What goes together.
+    /// Checks the combination of options.
     bool check() {
         for (const auto& [option, shown] : m_shown) {
             if (fits(option, m_options.mode)) continue;
@@ -361,14 +363,14 @@ private:
             const bool isForChecks = fits(option, Mode::kCheck);
             return rememberProblem(isForChecks ? CONV_NEEDS_MODE : CONV_NEEDS_OUTPUTS, {shown});
         }
-        // Line ends that change do not come back, and files that are kept keep theirs.
+        // Changed line ends do not convert back, and kept files keep their line ends.
         const int apart[][2] = {{'X', kJson}, {kLineEnd, kVerify}, {kLineEnd, 'k'}};
         for (const auto& [one, other] : apart)
             if (m_shown.count(one) != 0 && m_shown.count(other) != 0)
                 return rememberProblem(CONV_NOT_TOGETHER, {m_shown[one], m_shown[other]});
         if (!applySuffix()) return false;
         const bool converts = m_options.mode <= Mode::kInPlace;
-        // Names that leave the order of the bytes open are for texts that say it.
+        // An encoding name without a byte order requires a mark that tells the order.
         const bool isOpenOrder = I18NConverter::isUTF16(m_options.to.c_str()) ||
                                  I18NConverter::isUTF32(m_options.to.c_str());
         if (converts && isOpenOrder && m_shown.count(kBom) == 0)
@@ -395,7 +397,7 @@ private:
     Options& m_options;
     Problem& m_problem;
     std::map<int, std::string> m_shown;  // the options given, by letter
-    std::string m_mode;                  // the option that chose it
+    std::string m_mode;                  // the option that selected the mode
     std::string m_suffix;                // of the output's encoding, in upper case
 };
 
@@ -415,7 +417,7 @@ const std::vector<tools::Option>& knownOptions() {
     static const std::vector<tools::Option> kOptions = {
         {'f', "from", kNeeded, "ENC", "auto ENCODING", CONV_OPT_FROM},
         {'t', "to", kNeeded, "ENC", "ENCODING", CONV_OPT_TO},
-        // As iconv calls them.
+        // iconv's names.
         {'f', "from-code", kNeeded, "", "ENCODING", tools::Option::kAlias},
         {'t', "to-code", kNeeded, "", "ENCODING", tools::Option::kAlias},
         {'s', "silent", kNone, "", "", tools::Option::kAlias},

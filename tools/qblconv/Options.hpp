@@ -10,7 +10,7 @@
 
 namespace conv {
 
-/// What the command line asks for.
+/// The options of a command line.
 struct Options {
     enum class Mode {
         kJoin,
@@ -27,7 +27,7 @@ struct Options {
     enum class Mark { kStrip, kKeep, kAdd };
     enum class Lock { kTry, kWait, kNone };
     enum class LineEnd { kKeep, kLf, kCrLf };
-    /// What may take the place of a character that the output's encoding lacks.
+    /// The similar characters that may replace a character that the output's encoding lacks.
     enum class Similar { kNone, kFit, kTransliteration };
 
     Mode mode = Mode::kJoin;
@@ -35,21 +35,21 @@ struct Options {
     std::string to = "UTF-8";
     bool isFromGiven = false;
     bool isToGiven = false;
-    /// I18N_USER_DEFINED is to leave out.
+    /// I18N_USER_DEFINED means to skip.
     int inputPolicy = I18N_STOP;
     int outputPolicy = I18N_STOP;
-    Similar similar = Similar::kNone;  // comes before the output policy
-    bool marksLacking = false;         // by question marks, instead of the output policy
+    Similar similar = Similar::kNone;  // applied before the output policy
+    bool marksLacking = false;         // writes question marks instead of outputPolicy
     Mark mark = Mark::kStrip;
     Lock lock = Lock::kNone;
     LineEnd lineEnd = LineEnd::kKeep;
     std::string output;     // empty for the standard output
-    std::string directory;  // that outputs go into
-    std::string suffix;     // that originals keep; empty if they are not kept
-    std::string match;      // names in directories; empty for all
-    std::string locales;    // of the messages
-    std::string shell;      // to print completions for
-    unsigned jobs = 0;      // 0 for as many as there are processors
+    std::string directory;  // directory for outputs
+    std::string suffix;     // for the names of originals; empty to keep none
+    std::string match;      // pattern for names in directories; empty for all
+    std::string locales;    // languages of messages
+    std::string shell;      // shell for which completions are printed
+    unsigned jobs = 0;      // 0 for one per processor
     bool recurse = false;
     bool keepValid = false;
     bool quiet = false;
@@ -60,16 +60,17 @@ struct Options {
     std::vector<std::string> operands;
 };
 
-/// The policies as the command line calls them.
+/// The names of the policies on the command line.
 const char* inputPolicyName(const Options& options);
 const char* outputPolicyName(const Options& options);
 
-/// The options that there are, in the order of the help text.
+/// All options, in the order of the help text.
 const std::vector<tools::Option>& knownOptions();
 
-/// Reads the command line; operands and options may come in any order, up to "--".
-/// @param options  has the language of the messages also after a failure behind it
-/// @return false if something is wrong with it
+/// Parses the command line. Operands and options may come in any order; "--" ends the options.
+/// @param options  after a failure, has at least the form of messages, and their languages if -L
+///     comes before the mistake
+/// @return false, with a problem, if the command line is wrong
 bool parseOptions(int argc, char** argv, Options& options, Problem& problem);
 
 }  // namespace conv

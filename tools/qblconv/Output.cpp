@@ -41,7 +41,7 @@ bool DirectOutput::open() {
 }
 
 bool DirectOutput::open(const std::string& path) {
-    constexpr int kPause = 20;  // milliseconds until the next look for a reader
+    constexpr int kPause = 20;  // milliseconds between two checks for a reader
     while (true) {
         m_iFile = open64(path.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC | O_NONBLOCK);
         const bool isWithoutReader = m_iFile < 0 && errno == ENXIO;
@@ -97,7 +97,7 @@ void NewOutput::begin(const Item& item, unsigned mode) {
     m_iMode = mode;
 }
 
-/// Opens the directory that belongs to one of the inputs'.
+/// Creates or opens the output directory for an input directory.
 bool NewOutput::enter(const Place* place, QBLFmDirectory& directory) {
     const QBLFmDirectory* const root = m_pRoot->get();
     if (root == nullptr) return rememberError(errno);
@@ -127,7 +127,8 @@ bool NewOutput::create() {
     static const std::string kProcess = kTemporary + std::to_string(getpid()) + ".";
     for (int i = 0; i < kAttempts && m_iFile < 0; ++i) {
         m_temporary = kProcess + std::to_string(++g_counter);
-        // Nobody whom the mode shuts out has it open for a moment.
+        // Creates the file with its final mode, so that no user without permission can open it even
+        // for a moment.
         m_iFile = m_pTarget->openFile(m_temporary.c_str(), O_CREAT | O_EXCL | O_WRONLY,
                                       m_iMode | S_IRUSR | S_IWUSR);
         if (m_iFile >= 0) return true;
@@ -149,7 +150,7 @@ bool NewOutput::close() {
 
 bool NewOutput::commit() {
     if (m_temporary.empty() && !create()) return false;
-    constexpr unsigned kNeeded = S_IRUSR | S_IWUSR;  // for the writing itself
+    constexpr unsigned kNeeded = S_IRUSR | S_IWUSR;  // needed for writing
     FileStatus status;
     const bool isLess = (m_iMode & kNeeded) != kNeeded;
     if (isLess && (!status.get(m_iFile) || fchmod(m_iFile, status.mode() & m_iMode) != 0))

@@ -12,20 +12,21 @@
 
 namespace conv {
 
-/// Where converted text goes. What was not committed leaves no trace, unless it was written
-/// straight through.
+/// The destination of converted text. Text that was not committed leaves no trace, except in a
+/// direct output.
 ///
 /// Threads: one at a time for each object.
 class Output {
 public:
     virtual ~Output();
-    /// @return false unless all was written
+    /// @return true if all bytes were written
     [[nodiscard]] virtual bool write(const char* bytes, std::size_t size) = 0;
-    /// Puts the output in its place. @return false if it is not there now
+    /// Puts the output in its place.
+    /// @return false on failure
     [[nodiscard]] virtual bool commit() = 0;
-    /// Of the operation that failed.
+    /// The errno of the operation that failed.
     virtual int error() const = 0;
-    /// Whether what is written stays, committed or not.
+    /// Returns true if written text stays even without commit().
     virtual bool isDirect() const { return false; }
 };
 
@@ -35,7 +36,7 @@ public:
     ~DirectOutput() override;
     /// The standard output.
     bool open();
-    /// A file that is there; of a pipe, waits for the reader.
+    /// Opens an existing file. For a pipe, waits for its reader.
     bool open(const std::string& path);
     bool write(const char* bytes, std::size_t size) override;
     bool commit() override;
@@ -47,11 +48,11 @@ private:
     bool rememberError(int error);
 
     int m_iFile = -1;
-    bool m_bOurs = false;  // to be closed
+    bool m_bOurs = false;  // opened by this object, which closes it
     int m_iError = 0;
 };
 
-/// The new version of a file, which takes its place as a whole and waits for the disk.
+/// The new version of a file. commit() replaces the whole file and waits for the disk.
 class ReplacingOutput : public Output {
 public:
     bool open(const std::string& path);
@@ -65,33 +66,34 @@ private:
     QBLFmReplaceFile m_file;
 };
 
-/// The directory that new files go into, for all workers. It is made when the first file comes.
+/// The directory for new files, common to all workers. It is created when the first file is
+/// written.
 ///
 /// Threads: any thread may call any operation.
 class OutputRoot {
 public:
     explicit OutputRoot(std::string path) : m_path(std::move(path)) {}
-    /// @return null, with errno set, if it cannot be made or opened
+    /// @return null, with errno set, if the directory cannot be created or opened
     const QBLFmDirectory* get();
 
 private:
     const std::string m_path;
     QBLThreadCriticalSection m_lock;
-    QBLFmDirectory m_directory;  // under the lock until it is open
+    QBLFmDirectory m_directory;  // guarded by m_lock until it is open
 };
 
-/// A new file, under another name until it is whole. It takes the place of one that is there, of a
-/// link as well, and does not wait for the disk. The directories on the way to it are opened one
-/// from the other, and none by a link, so that nobody who can write to the tree for outputs leads
-/// them elsewhere.
+/// A new file, which has a temporary name until it is complete. commit() replaces an existing file
+/// or link, and does not wait for the disk. Opens each directory on the way relative to its parent
+/// and never follows a link, so that nobody who can write to the output tree can redirect the
+/// output.
 class NewOutput : public Output {
 public:
     explicit NewOutput(OutputRoot* root) : m_pRoot(root) {}
     ~NewOutput() override;
-    /// Names the next one; nothing is made before something is written or committed. Directories
-    /// below the one for outputs get the modes of those that the input is in, as far as they are
-    /// to be made, but can be written by their owner.
-    /// @param mode  of the file; as those of directories, less the umask
+    /// Sets the next output; creates nothing before the first write() or commit(). New directories
+    /// below the output directory get the modes of the input's directories, and are always writable
+    /// by their owner.
+    /// @param mode  mode of the file; the umask applies to it and to the directories
     void begin(const Item& item, unsigned mode);
     bool write(const char* bytes, std::size_t size) override;
     bool commit() override;
@@ -106,13 +108,13 @@ private:
 
     OutputRoot* const m_pRoot;
     int m_iFile = -1;
-    std::shared_ptr<const Place> m_pPlace;  // that the input is in
+    std::shared_ptr<const Place> m_pPlace;  // directory of the input
     std::string m_name;
     unsigned m_iMode = 0;
-    std::string m_temporary;                 // empty while there is none
-    std::shared_ptr<const Place> m_pOpened;  // whose directory for outputs is open
+    std::string m_temporary;                 // empty if no temporary file exists
+    std::shared_ptr<const Place> m_pOpened;  // the input directory for which m_directory is open
     QBLFmDirectory m_directory;
-    const QBLFmDirectory* m_pTarget = nullptr;  // that the file is in
+    const QBLFmDirectory* m_pTarget = nullptr;  // directory of the file
     bool m_bOpened = false;
     int m_iError = 0;
 };

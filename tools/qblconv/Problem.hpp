@@ -8,7 +8,7 @@ namespace conv {
 
 using tools::Details;
 
-/// What is wrong, as a message of the tool.
+/// A problem, as a message of the tool.
 struct Problem {
     qblconvmsgs id;
     Details details;

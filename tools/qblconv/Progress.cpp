@@ -39,7 +39,7 @@ void Progress::addBytes(std::size_t count) {
 void Progress::show() {
     const Clock::time_point now = Clock::now();
     Clock::rep next = m_iNext;
-    // One thread does it.
+    // Only one thread shows the line.
     if (now.time_since_epoch().count() < next ||
         !m_iNext.compare_exchange_strong(next, (now + kEach).time_since_epoch().count()))
         return;

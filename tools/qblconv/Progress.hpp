@@ -11,32 +11,32 @@
 
 namespace conv {
 
-/// A line on the terminal that says how far the work is, once it takes longer than a second.
+/// A progress line on the terminal, shown after the first second.
 ///
 /// Threads: any thread may call any operation.
 class Progress {
 public:
     explicit Progress(bool wanted, const std::string& catalogue, const std::string& locales);
-    /// Takes the line away.
+    /// Removes the line.
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
     void addFile();
     void addBytes(std::size_t count);
-    /// Takes the line away until there is progress again.
+    /// Removes the line until there is new progress.
     void clear();
 
 private:
     using Clock = std::chrono::steady_clock;
     void show();
 
-    const bool m_bWanted;  // and the error output is a terminal
+    const bool m_bWanted;  // requested, and the error output is a terminal
     std::atomic<std::uint64_t> m_uFiles{0};
     std::atomic<std::uint64_t> m_uBytes{0};
-    std::atomic<Clock::rep> m_iNext;  // when it is to be shown
+    std::atomic<Clock::rep> m_iNext;  // time of the next display
     QBLThreadCriticalSection m_lock;
-    tools::MessageText m_texts;  // under the lock, as the rest
+    tools::MessageText m_texts;  // guarded by m_lock, like m_bShown
     bool m_bShown = false;
 };
 

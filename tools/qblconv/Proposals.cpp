@@ -14,10 +14,10 @@ namespace conv {
 namespace {
 
 const char kUTF8[] = "UTF-8";
-constexpr std::size_t kSample = 8192;  // ICU's detector looks at no more
-constexpr int kNoEvidence = 10;        // ICU's confidence of UTF-16 for a text with no sign of it
+constexpr std::size_t kSample = 8192;  // ICU's detector examines at most this many bytes
+constexpr int kNoEvidence = 10;  // ICU's confidence in UTF-16 for a text without any sign of it
 
-/// Encodings that are used for the same texts, the more usual one of each pair first.
+/// Encodings that are used for the same texts, the more common one of each pair first.
 const char* const kPairs[][2] = {{"windows-1252", "ISO-8859-1"},
                                  {"windows-1250", "ISO-8859-2"},
                                  {"windows-1253", "ISO-8859-7"},
@@ -28,11 +28,11 @@ const char* const kPairs[][2] = {{"windows-1252", "ISO-8859-1"},
                                  {"EUC-KR", "windows-949"},
                                  {"KOI8-R", "KOI8-U"}};
 
-/// Collects what ICU's detector is to see: lines with other bytes than ASCII, which tell most. In
-/// encodings with wider units, whose texts have low control characters, it is the beginning.
+/// Collects the sample for ICU's detector: the lines with non-ASCII bytes, which say most. For an
+/// encoding with wide units, whose texts have low control characters, the sample is the beginning.
 class Sample {
 public:
-    /// @return false if it is full
+    /// @return false if the sample is full
     bool add(std::string_view bytes) {
         if (m_bFirst) m_bWide = std::any_of(bytes.begin(), bytes.end(), isOfWideUnit);
         m_bFirst = false;
@@ -77,8 +77,8 @@ std::string sampleOf(Passes& passes) {
     return sample.finish();
 }
 
-/// Whether two wrong bytes come with at least one character beyond ASCII that is right in UTF-8. In
-/// texts in other encodings few bytes form such a character by chance.
+/// Returns true if there is at least one valid UTF-8 character beyond ASCII for every two wrong
+/// bytes. In texts in other encodings, few bytes form such a character by chance.
 bool isMostlyUTF8(const std::string& sample) {
     int right = 0, wrong = 0;
     for (std::size_t at = 0; at < sample.size();) {
@@ -113,14 +113,14 @@ std::vector<Proposal> proposeEncodings(Passes& passes) {
     ucsdet_setText(detector.get(), sample.data(), static_cast<std::int32_t>(sample.size()), &error);
     std::int32_t count = 0;
     const UCharsetMatch** const matches = ucsdet_detectAll(detector.get(), &count, &error);
-    if (error == U_INVALID_CHAR_FOUND) return proposals;  // nothing comes to its mind
+    if (error == U_INVALID_CHAR_FOUND) return proposals;  // the detector has no proposal
     if (U_FAILURE(error)) throw std::runtime_error(u_errorName(error));
     for (std::int32_t i = 0; i < count; ++i) {
         const char* const name = ucsdet_getName(matches[i], &error);
         const std::int32_t confidence = ucsdet_getConfidence(matches[i], &error);
         if (std::string_view(name) == kUTF8) continue;
         if (isWide(name) && confidence <= kNoEvidence) continue;
-        // The detector knows encodings that no converter comes with.
+        // The detector knows encodings for which ICU has no converter.
         if (ucnv_countAliases(name, &error) == 0) continue;
         add(proposals, name, confidence);
         for (const auto& [usual, other] : kPairs) {

@@ -14,7 +14,7 @@ namespace conv {
 
 namespace {
 
-constexpr char32_t kLatinEnd = 0x250;  // of the blocks with the letters of encodings of one byte
+constexpr char32_t kLatinEnd = 0x250;  // single-byte encodings have no Latin letters from here on
 constexpr int kLongRun = 3;
 
 }  // namespace
@@ -109,7 +109,8 @@ void TextLook::add(std::u16string_view text) {
     }
 }
 
-/// Counts what windows-1252 has where DOS has the accented letters of Western Europe.
+/// Counts the signs of windows-1252 at the code positions where DOS encodings have accented letters
+/// of Western Europe.
 void TextLook::passInWord(char32_t c, bool isLetter) {
     const bool isSign =
         c == 0x201A || c == 0x201E || c == 0x2020 || c == 0x2021 || c == 0x2C6 || c == 0x2030;

@@ -10,11 +10,11 @@ namespace conv {
 
 namespace {
 
-constexpr std::size_t kMostText = 0x10000;  // of a file whose turn has not come
+constexpr std::size_t kMostText = 0x10000;  // kept for a file whose turn has not come
 constexpr std::size_t kMostEnded = 0x1000;
 constexpr std::size_t kMostEndedBytes = 0x800000;
 
-// What programs read; these words stay.
+// Programs read these words, so they never change.
 const char* const kKinds[] = {"malformed", "truncated",      "lacking",
                               "best-fit",  "transliterated", "different"};
 const char* const kOutcomes[] = {"skipped", "converted", "unchanged", "valid", "failed"};
@@ -60,7 +60,7 @@ void Report::print(std::uint64_t number, const std::string& text) {
 void Report::end(std::uint64_t number, std::string text, const Tally& tally) {
     QBLThreadGuard guard(m_lock);
     m_tally.add(tally);
-    // Whoever has the next number is not one that waits.
+    // The thread with the next number never waits here.
     while (number - m_uNext >= kMostEnded ||
            (number != m_uNext && m_iEndedBytes + text.size() > kMostEndedBytes)) {
         ++m_iWaiting;
@@ -85,7 +85,7 @@ void Report::end(std::uint64_t number, std::string text, const Tally& tally) {
 FileReport::~FileReport() {
     Tally tally;
     tally.replaced = m_iReplaced;
-    // What is said about no file counts only if it failed.
+    // A report about no file counts only if it failed.
     if (hasFailed() || !m_name.empty()) tally.outcomes[static_cast<int>(m_outcome)] = 1;
     const bool isObject = !m_name.empty() || !m_messages.isEmpty();
     if (m_report.form() == Report::Form::kJson && isObject) addLine(asObject());
@@ -140,7 +140,7 @@ void FileReport::finding(QBLSeverity severity, qblconvmsgs id, const std::string
         details.push_back(finding.codePoint);
     if (isReplaced) details.push_back(orDash(finding.replacement));
     const char* const kind = kKinds[static_cast<int>(finding.kind)];
-    // Programs find the last ones among the parameters of the XML form; no text shows them.
+    // Details for programs: the XML form has them as parameters, no text shows them.
     details.insert(details.end(), {finding.encoding, kind, finding.policy});
     if (m_report.form() != Report::Form::kJson) return add(severity, id, details);
     addLine(tools::JsonObject()

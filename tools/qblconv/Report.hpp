@@ -15,36 +15,36 @@
 
 namespace conv {
 
-/// Something in a text that could not be converted, or not to itself. Empty strings and negative
-/// numbers are what its kind does not have.
+/// A part of a text that could not be converted, or that became a different text. Fields that a
+/// kind does not use are empty or negative.
 struct Finding {
     enum class Kind { kMalformed, kTruncated, kLacking, kBestFit, kTransliterated, kDifferent };
 
     Kind kind;
-    const char* policy;  // as the command line calls it
+    const char* policy;  // its name on the command line
     std::int64_t line, column;
-    std::int64_t offset = -1;  // of the bytes in the input
-    std::string bytes{};       // in digits
-    std::string codePoint{};   // in digits
-    std::string encoding{};    // that the bytes or the code point are not in
+    std::int64_t offset = -1;  // offset of the bytes in the input
+    std::string bytes{};       // in hexadecimal
+    std::string codePoint{};   // in hexadecimal
+    std::string encoding{};    // the encoding that lacks the bytes or the code point
     std::string replacement{};
 };
 
-/// What became of a file.
+/// The result for a file.
 enum class Outcome { kSkipped, kConverted, kUnchanged, kValid, kFailed };
 
-/// The same of many.
+/// The results of many files.
 struct Tally {
     std::int64_t outcomes[5] = {};
-    std::int64_t replaced = 0;  // characters and sequences, whatever replaced them
+    std::int64_t replaced = 0;  // characters and sequences, with any replacement
 
     std::int64_t of(Outcome outcome) const { return outcomes[static_cast<int>(outcome)]; }
     void add(const Tally& other);
 };
 
-/// Brings what is said about files into the order of the files. Every number from 0 on is begun
-/// and ended once, by threads that take the numbers in order; whoever is too far ahead waits, so
-/// that what is kept for later is bounded.
+/// Prints the reports of files in the order of the files. Threads take the numbers from 0 in order;
+/// each number is begun and ended once. A thread that is too far ahead waits, which limits the
+/// memory for reports.
 ///
 /// Threads: any thread may call any operation.
 class Report {
@@ -52,13 +52,14 @@ public:
     enum class Form { kText, kXml, kJson };
 
     Report(std::FILE* out, Form form, Progress& progress);
-    /// Ends the report. @return false if some of it is lost
+    /// Ends the report.
+    /// @return false if any output is lost
     [[nodiscard]] bool close();
 
     Form form() const { return m_form; }
-    /// Prints a part of what is said about a file, when its turn has come.
+    /// Prints a part of a file's report. Waits for the file's turn.
     void print(std::uint64_t number, const std::string& text);
-    /// The last part.
+    /// Prints the last part, or keeps it until the file's turn.
     void end(std::uint64_t number, std::string text, const Tally& tally);
     bool hasFailures() const { return m_tally.of(Outcome::kFailed) > 0; }
     const Tally& tally() const { return m_tally; }
@@ -71,24 +72,24 @@ private:
     Progress& m_progress;
     QBLThreadCriticalSection m_lock;
     QBLThreadConditionVariable m_turn;  // waited on under m_lock
-    // Under m_lock.
-    std::uint64_t m_uNext = 0;  // whose turn it is
+    // Guarded by m_lock.
+    std::uint64_t m_uNext = 0;  // number of the file whose turn it is
     std::map<std::uint64_t, std::string> m_ended;
-    std::size_t m_iEndedBytes = 0;  // of them
+    std::size_t m_iEndedBytes = 0;  // bytes in m_ended
     std::size_t m_iWaiting = 0;
     Tally m_tally;
 };
 
-/// What is said about a file.
+/// Collects the report of a file.
 ///
 /// Threads: one at a time for each object.
 class FileReport {
 public:
-    /// @param name  of the file, as shown; empty for what is said about none
+    /// @param name  the file's name, as shown() returns it; empty for a report about no file
     FileReport(Report& report, std::uint64_t number, tools::MessageText& texts,
                std::string name = {})
         : m_report(report), m_uNumber(number), m_texts(texts), m_name(std::move(name)) {}
-    /// Ends it.
+    /// Ends the report.
     ~FileReport();
     FileReport(const FileReport&) = delete;
     FileReport& operator=(const FileReport&) = delete;
@@ -96,21 +97,21 @@ public:
     void error(qblconvmsgs id, const Details& details);
     void warning(qblconvmsgs id, const Details& details);
     void information(qblconvmsgs id, const Details& details);
-    /// Says what was asked for: among the rest, or where results go.
+    /// Adds a result: to the separate results if set, else to this report.
     void result(qblconvmsgs id, const Details& details) {
         (m_pResults != nullptr ? *m_pResults : *this).information(id, details);
     }
-    /// @param results  of the same file; must outlive this one
+    /// @param results  receives the results of the same file; must outlive this object
     void setResults(FileReport& results) { m_pResults = &results; }
-    /// Says what has been found in a text; an error makes the file fail.
+    /// Adds a finding in a text. An error makes the file fail.
     void finding(QBLSeverity severity, qblconvmsgs id, const std::string& file,
                  const Finding& finding);
     bool hasFailed() const { return m_outcome == Outcome::kFailed; }
     /// Makes the outcome a failure, without a message.
     void countAsFailed() { m_outcome = Outcome::kFailed; }
-    /// What became of the file, unless it failed.
+    /// Sets the result for the file, unless the file has failed.
     void setOutcome(Outcome outcome);
-    /// For programs that read the report.
+    /// Sets the encodings, for reports that programs read.
     void setEncodings(const std::string& from, const std::string& to);
     void addReplaced(std::int64_t count) { m_iReplaced += count; }
 
@@ -129,7 +130,7 @@ private:
     Outcome m_outcome = Outcome::kSkipped;
     std::int64_t m_iReplaced = 0;
     std::string m_from, m_to;     // encodings
-    tools::JsonArray m_messages;  // of the file's object
+    tools::JsonArray m_messages;  // of the file's JSON object
     FileReport* m_pResults = nullptr;
 };
 

@@ -34,7 +34,8 @@ namespace {
 
 using Mode = Options::Mode;
 
-/// XML and JSON are for programs, and go where they read, unless text does.
+/// XML and JSON go to the standard output, where programs read, unless the converted text goes
+/// there.
 std::FILE* reportFile(const Options& options) {
     const bool isTaken = options.mode == Mode::kJoin && options.output.empty();
     return (options.xml || options.json) && !isTaken ? stdout : stderr;
@@ -45,13 +46,13 @@ Report::Form reportForm(const Options& options) {
     return options.xml ? Report::Form::kXml : Report::Form::kText;
 }
 
-/// Some errors have no text of their own.
+/// Some errors have no text.
 std::string messageOf(QBLThrowable& error) {
     const char* const text = error.getMessage();
     return text != nullptr ? text : error.getThrowableName();
 }
 
-/// The conversion or check of files.
+/// Converts or checks files.
 class Run {
 public:
     Run(const Options& options, const std::string& catalogue)
@@ -90,7 +91,7 @@ public:
     }
 
 private:
-    /// Says what became of several files; of those that are joined the one output is enough.
+    /// Reports a summary for several files. For joined files, the output alone is enough.
     void summarise() {
         const Tally& tally = m_report.tally();
         std::int64_t count = 0;
@@ -113,13 +114,13 @@ private:
                                 number(tally.of(Outcome::kFailed)), number(tally.replaced)});
     }
 
-    /// Text on the terminal would be wiped out.
+    /// The progress line would erase text on the terminal.
     static bool isProgressWanted(const Options& options) {
         const bool isText = options.mode == Mode::kJoin && options.output.empty();
         return !options.quiet && !(isText && isatty(STDOUT_FILENO) != 0);
     }
 
-    /// A worker has a file and its new version open, and directories on the way to them.
+    /// Each worker opens a file, its new version, and the directories on the way to them.
     static unsigned mostWorkers() {
         constexpr rlim_t kStandard = 3, kEach = 8;
         rlimit files = {};
@@ -129,7 +130,8 @@ private:
         return static_cast<unsigned>(std::clamp<rlim_t>(most, 1, UINT_MAX));
     }
 
-    /// One less than the workers come from a pool; fewer if there cannot be so many threads.
+    /// This thread is one worker; a pool runs the others. Starts fewer workers if the system has no
+    /// more threads.
     void workOnAll() {
         unsigned jobs = m_options.jobs;
         if (jobs == 0) jobs = std::max(1U, std::thread::hardware_concurrency());
@@ -140,7 +142,7 @@ private:
         for (; jobs > 1 && pool == nullptr; jobs = pool != nullptr ? jobs : jobs / 2) {
             try {
                 pool = std::make_unique<QBLThreadPoolQueued>(jobs - 1, jobs);
-            } catch (const QBLThreadResourceError&) {  // half of them may do
+            } catch (const QBLThreadResourceError&) {  // tries half as many
             }
         }
         Worker worker(m_options, m_progress, &m_root);
@@ -156,7 +158,7 @@ private:
         try {
             worker.emplace(m_options, m_progress, &m_root);
         } catch (const QBLOutOfMemoryError&) {
-            return;  // the others do it all
+            return;  // the other workers do all the work
         }
         work(*worker);
     }
@@ -174,7 +176,7 @@ private:
         }
     }
 
-    /// What goes wrong with a file is no reason to give up the others.
+    /// Reports an exception for one file and continues with the others.
     template <class Body>
     static void guarded(const std::string& path, FileReport& report, const Body& body) {
         try {
@@ -236,16 +238,16 @@ private:
     const Options& m_options;
     const std::string& m_catalogue;
     QBLThreadCriticalSection m_lock;
-    Operands m_operands;  // under the lock
+    Operands m_operands;  // guarded by m_lock
     OutputRoot m_root;
-    std::uint64_t m_iTaken = 0;  // also
+    std::uint64_t m_iTaken = 0;  // guarded by m_lock
     Progress m_progress;
     Report m_report;
     const bool m_bHasResults;
-    Report m_results;  // of a mode whose results are not text, unless the report is for programs
+    Report m_results;  // for results that are not text, unless a program reads the report
 };
 
-/// What can be known to be wrong before anything is done.
+/// Checks everything that can be checked before the work begins.
 bool check(const Options& options, Problem& problem) {
     if (options.mode == Mode::kClean) return Clean::check(options, problem);
     if (isAuto(options.from) ? !checkAuto(options.from, problem)
@@ -257,7 +259,7 @@ bool check(const Options& options, Problem& problem) {
         problem = {CONV_NO_MARK, {options.to}};
         return false;
     }
-    // Outputs without a mark would not be known again.
+    // A later run could not recognise outputs without a mark.
     const bool needsMark = I18NConverter::shouldUseBOM(options.to.c_str());
     if (options.keepValid && needsMark && options.mark != Options::Mark::kAdd) {
         problem = {CONV_KEEP_NEEDS_MARK, {options.to}};
@@ -270,13 +272,14 @@ bool check(const Options& options, Problem& problem) {
     return Operands(options).check(problem);
 }
 
-/// Whether a path leads to what the standard output is, whose text so far would be replaced.
+/// Returns true if a path is the same file as the standard output, whose contents would be
+/// replaced.
 bool isStandardOutput(const std::string& path) {
     FileStatus file, standard;
     return file.get(path.c_str()) && standard.get(STDOUT_FILENO) && file.isSameFile(standard);
 }
 
-/// Says what is wrong with the command line, in the form of the report.
+/// Reports an error in the command line in the form of the report.
 void sayNothingDone(const Options& options, const Problem& problem, tools::MessageText& texts) {
     std::FILE* const out = reportFile(options);
     const Details details = shown(problem.details);

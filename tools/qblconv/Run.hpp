@@ -8,8 +8,7 @@ namespace conv {
 /// Exit statuses.
 enum Status { kDone = 0, kFailed = 1, kNothingDone = 2 };
 
-/// Does what a command line asks for. What has to be said of the command line itself goes where
-/// the report would have gone.
+/// Runs a command line. Reports errors in the command line to the destination of the report.
 Status run(int argc, char** argv);
 
 }  // namespace conv

@@ -21,7 +21,8 @@ int openTemporary() {
     const char* const given = std::getenv("TMPDIR");
     std::string path = given != nullptr && *given != '\0' ? given : "/tmp";
     const int file = open64(path.c_str(), O_TMPFILE | O_RDWR | O_EXCL | O_CLOEXEC, kOwnerOnly);
-    // File systems without such files, and systems that take the flag for another one, say these.
+    // File systems without nameless files, and kernels that do not know O_TMPFILE, fail with these
+    // errors.
     if (file >= 0 || (errno != EOPNOTSUPP && errno != EISDIR && errno != EINVAL)) return file;
     path += "/.qblconvXXXXXX";
     const int named = mkostemp64(path.data(), O_CLOEXEC);
@@ -36,7 +37,7 @@ bool writeAll(int descriptor, const char* bytes, std::size_t size) {
         if (done <= 0) continue;
         bytes += done;
         size -= static_cast<std::size_t>(done);
-        // The signal that cut a write short counts before the next one, which may wait.
+        // If a signal cut the write short, stops before the next write, which may block.
         if (size > 0 && isInterrupted()) {
             errno = EINTR;
             return false;

@@ -6,11 +6,12 @@
 namespace conv {
 
 /// Opens an empty file without a name for reading and writing, in the directory of TMPDIR or in
-/// /tmp. Its space is free again when the descriptor is closed, however the process ends.
+/// /tmp. The system frees its space when the descriptor is closed, even if the process is killed.
 /// @return -1, with errno set, on failure
 int openTemporary();
 
-/// Writes all of a block to a descriptor. @return false, with errno set, on failure
+/// Writes a whole block to a descriptor.
+/// @return false, with errno set, on failure
 bool writeAll(int descriptor, const char* bytes, std::size_t size);
 
 }  // namespace conv

@@ -8,16 +8,17 @@
 
 namespace conv {
 
-/// What a file was when it was looked at; by the library's calls, which know times after 2038 and
-/// wide inodes at 32 bits too.
+/// The state of a file at the time of a check. Uses the library's calls, which support times after
+/// 2038 and 64-bit inodes at 32 bits too.
 class FileStatus : public QBLFileStatus {
 public:
-    /// A file, whatever it is called.
+    /// Identifies a file independent of its names.
     using Identity = std::tuple<unsigned, unsigned, std::uint64_t>;
 
     Identity identity() const { return {major(), minor(), inode()}; }
-    /// Whether two looks saw the same file, with the same contents, owner and mode. The time of
-    /// the last change of these does not count: a second name that a file gets changes that too.
+    /// Returns true if both statuses are of the same file with the same contents, owner and mode.
+    /// Ignores the time of the last status change, because a second name for the file changes that
+    /// too.
     bool isSameVersion(const FileStatus& other) const { return version() == other.version(); }
 
 private:

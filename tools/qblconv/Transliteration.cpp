@@ -16,7 +16,7 @@ namespace conv {
 
 namespace {
 
-constexpr int kMostUnits = 8;  // that a text stream takes
+constexpr int kMostUnits = 8;  // longest replacement that a text stream accepts
 
 class Refusing : public I18NTextStreamListener {
 public:
@@ -33,7 +33,7 @@ std::unique_ptr<icu::Transliterator> open(const char* name) {
     return made;
 }
 
-/// Signs of currencies, for which ICU has no text.
+/// Currency signs, for which ICU has no transliteration.
 const char16_t* currencyCode(char32_t sign) {
     switch (sign) {
         case 0xA3:

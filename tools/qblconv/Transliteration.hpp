@@ -9,23 +9,24 @@
 
 namespace conv {
 
-/// What to write for characters that an encoding lacks, by ICU's transliterators: the letters,
-/// digits and punctuation of ASCII that look or sound alike (Latin-ASCII), the characters that one
-/// is a variant of (NFKC), and Latin letters for Greek, Cyrillic, Armenian, Georgian and Hangul
-/// (Any-Latin). Each character stands for itself, so that the result does not depend on where a
-/// text is cut; scripts whose characters need their neighbours have no transliteration.
+/// Finds replacements for characters that an encoding lacks, with ICU's transliterators: similar
+/// letters, digits and punctuation of ASCII (Latin-ASCII), the characters of which a character is a
+/// variant (NFKC), and Latin letters for Greek, Cyrillic, Armenian, Georgian and Hangul
+/// (Any-Latin). Transliterates each character separately, so that the result does not depend on
+/// where a text is split. Scripts whose characters depend on their neighbours have no
+/// transliteration.
 ///
 /// Threads: one at a time for each object.
 class Transliteration {
 public:
-    /// @param to  the encoding of the texts
+    /// @param to  the encoding of the output
     explicit Transliteration(const I18NConverter& to);
     ~Transliteration();
     Transliteration(const Transliteration&) = delete;
     Transliteration& operator=(const Transliteration&) = delete;
 
     /// @return a text of at most 8 code units, all of which the encoding has; empty for combining
-    ///     marks, which are left out; null if there is none. Valid until the object is destroyed
+    ///     marks, which are omitted; null if there is none. Valid until the object is destroyed
     const std::u16string* of(char32_t codePoint);
 
 private:

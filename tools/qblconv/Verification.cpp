@@ -10,11 +10,11 @@ namespace conv {
 namespace {
 
 constexpr std::size_t kLongestMark = 4;
-constexpr std::size_t kLongestCharacter = 16;  // with the escape sequences around it
+constexpr std::size_t kLongestCharacter = 16;  // in bytes, including escape sequences around it
 
 }  // namespace
 
-/// The encoding is known from here on.
+/// Starts the verification when the input's encoding is known.
 void Verification::begin(const char* encoding) {
     m_from.emplace(encoding);
     setPolicies(*m_from, I18N_SUBSTITUTE, I18N_STOP);
@@ -70,9 +70,9 @@ bool Verification::compare(const char* encoding, bool isEnd) {
     return true;
 }
 
-/// Finds the character that the difference is in: from where its bytes begin to where the place in
-/// the text moves on.
-/// @param at  of the first byte that differs, in what is to be compared
+/// Finds the character with the difference: from the start of its bytes to where the position in
+/// the text advances.
+/// @param at  offset of the first different byte in the bytes to compare
 void Verification::differ(std::size_t at) {
     const std::string read = m_recent + m_read, back = m_recent + m_back;
     at += m_recent.size();

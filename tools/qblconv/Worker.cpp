@@ -48,7 +48,7 @@ Worker::Worker(const Options& options, Progress& progress, OutputRoot* root)
     if (options.mark == Options::Mark::kAdd) m_mark = markIn(*m_pTo);
     if (!options.keepValid) return;
     m_pValid = openKnown(options.to, I18N_STOP, I18N_STOP);
-    // Nearly any text would pass for these.
+    // Without a mark, nearly any text is valid in these encodings.
     if (I18NConverter::shouldUseBOM(options.to.c_str())) m_validMark = markIn(*m_pValid);
 }
 
@@ -66,7 +66,7 @@ Findings Worker::findings(FileReport& report, const std::string& name) const {
 }
 
 I18NByteOrderMark Worker::marks(bool strip) const {
-    // An encoding that is given is what the text is in.
+    // If the user names the encoding, no other encoding is chosen.
     if (!m_options.isFromGiven) return strip ? I18N_MARK_CHOOSE_AND_STRIP : I18N_MARK_CHOOSE;
     return strip ? I18N_MARK_STRIP : I18N_MARK_KEEP;
 }
@@ -108,7 +108,7 @@ bool Worker::open(const Item& item, Input& input, FileReport& report) {
     if (input.passedOver() != Input::PassedOver::kNot) sayPassedOver(item, input, report);
     if (input.passedOver() != Input::PassedOver::kNot || isInterrupted()) return false;
     if (error != 0) {
-        // In place it is opened for writing, too.
+        // In place, the file is also opened for writing.
         const bool isOurs = isInPlace && (error == EACCES || error == EROFS || error == ETXTBSY);
         report.error(isOurs ? CONV_CANNOT_WRITE : CONV_CANNOT_READ,
                      {shown(item.path), tools::reason(error)});

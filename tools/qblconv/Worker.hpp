@@ -14,24 +14,24 @@
 
 namespace conv {
 
-/// Works on files, one after the other: converts each into an output of its own, in place, or onto
-/// the end of one for all; or checks it. What is wrong goes into the file's report.
+/// Processes files one after the other: converts each into its own output, in place, or onto the
+/// end of a common output; or checks it. Adds problems to the file's report.
 ///
 /// Threads: one at a time for each object.
 class Worker {
 public:
-    /// Requires: there are such encodings.
-    /// @param root  for outputs in a directory; null without one
+    /// Requires: the encodings in options exist.
+    /// @param root  the output directory; null if there is none
     Worker(const Options& options, Progress& progress, OutputRoot* root);
 
-    /// Works on a file of those that have outputs of their own, or are checked.
+    /// Processes a file that has its own output, or that is checked.
     void work(const Item& item, FileReport& report);
-    /// Converts a file onto the end of an output.
-    /// @param isFirst  whether all those in front of it were empty
-    /// @return whether this one is not
+    /// Appends a converted file to an output.
+    /// @param isFirst  whether all earlier inputs were empty
+    /// @return true if this input is not empty
     bool join(const std::string& path, DirectOutput* direct, Output& output,
               const std::string& outputName, bool isFirst, FileReport& report);
-    /// What an output begins with, if it is to have a mark.
+    /// The byte-order mark for outputs; empty if they get none.
     const std::string& mark() const { return m_mark; }
 
 private:
@@ -40,15 +40,17 @@ private:
     void convertInto(const Item& item, Input& input, FileReport& report);
     void convertInPlace(const Item& item, Input& input, FileReport& report);
     void sayPassedOver(const Item& item, const Input& input, FileReport& report) const;
-    /// @return whether the output can be put in its place
+    /// @return true if the output can be put in its place
     bool fill(Input& input, const std::string& name, Output& output, const std::string& outputName,
               FileReport& report);
-    /// @return whether all of it came onto the output; sayDone() is for when it has its place
+    /// @return true if the whole input was written. The caller calls sayDone() when the output is
+    ///     in its place.
     bool convert(Input& input, const std::string& name, Output& output,
                  const std::string& outputName, bool stripMark, FileReport& report);
     void sayDone(const std::string& name, bool isKept, FileReport& report) const;
     bool isToBeKept(Input& input, const std::string& name, FileReport& report);
-    /// Finds out what the input is in, if that is wanted. @return false if it is not clear
+    /// Detects the encoding of the input, if requested.
+    /// @return false if the encoding is not clear
     bool choose(Input& input, const std::string& name, FileReport& report);
     Setup setup(I18NByteOrderMark mark);
     I18NByteOrderMark marks(bool strip) const;
@@ -57,15 +59,15 @@ private:
     const Options& m_options;
     Progress& m_progress;
     std::unique_ptr<I18NConverter> m_pFrom, m_pTo;
-    std::optional<Detector> m_detector;             // in place of m_pFrom
-    const I18NConverter* m_pChosen = nullptr;       // for the input at hand
-    std::unique_ptr<I18NConverter> m_pFromSwapped;  // if a mark may tell of that order of bytes
+    std::optional<Detector> m_detector;             // replaces m_pFrom
+    const I18NConverter* m_pChosen = nullptr;       // for the current input
+    std::unique_ptr<I18NConverter> m_pFromSwapped;  // set if a mark may tell this byte order
     std::string m_swappedMark;
-    std::unique_ptr<I18NConverter> m_pValid;  // strictly what is to be kept
-    std::string m_mark;                       // if outputs are to have one
+    std::unique_ptr<I18NConverter> m_pValid;  // strict, for files that are already valid
+    std::string m_mark;                       // empty if outputs get none
     std::string m_validMark;
-    std::string m_encoding;                               // that the last input turned out to be in
-    std::unique_ptr<Transliteration> m_pTransliteration;  // null unless asked for
+    std::string m_encoding;                               // detected encoding of the last input
+    std::unique_ptr<Transliteration> m_pTransliteration;  // null unless requested
     std::vector<char> m_block;
     NewOutput m_new;
 };

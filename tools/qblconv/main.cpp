@@ -16,8 +16,8 @@
 
 namespace {
 
-/// Sees to it that no file gets the descriptor of a standard stream that is closed: what is
-/// written to that one, or read from it, still fails.
+/// Opens /dev/null for each closed standard stream, so that no file gets its descriptor. Writes to
+/// such a stream, and reads from it, still fail.
 void occupyStandardStreams() {
     for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
         if (fcntl(fd, F_GETFD) < 0) open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
@@ -27,7 +27,7 @@ int runCommandLine(int argc, char** argv) {
     const int status = conv::run(argc, argv);
     const int error = tools::finishOutput();
     if (error == 0) return status;
-    // Whoever reads a pipe may well stop.
+    // The reader of a pipe may stop early, which needs no message.
     if (!conv::isInterrupted()) tools::printText(stderr, "qblconv: " + tools::reason(error) + "\n");
     return conv::kFailed;
 }
@@ -37,12 +37,12 @@ int runCommandLine(int argc, char** argv) {
 int main(int argc, char** argv) {
     occupyStandardStreams();
     conv::catchInterrupts();
-    // The installation's bin directory, one of those that catalogues are sought in, is known then.
+    // Sets the installation's bin directory, in which catalogues are searched.
     qblCoreInitialize();
     tools::useBuiltInTexts();
     int status = conv::kFailed;
     try {
-        I18NInitialize();  // reads what the policy "lookup" looks up
+        I18NInitialize();  // reads the tables of the policy "lookup"
         status = runCommandLine(argc, argv);
     } catch (QBLThrowable& error) {
         const char* const text = error.getMessage();

@@ -9,7 +9,7 @@ namespace msgc {
 namespace {
 
 const char kMagic[8] = "BMF1";
-const std::size_t kMagicLength = 5;  // with its zero; the rest does not matter to readers
+const std::size_t kMagicLength = 5;  // including the null; readers ignore the rest of the magic
 const std::size_t kHeaderSize = 16;
 const std::size_t kEntrySize = 12;
 
@@ -68,14 +68,14 @@ bool readBmf(const std::string& bytes, std::vector<BmfText>& texts, BmfProblem& 
     const std::size_t begin = kHeaderSize + kEntrySize * count;
     if (textSize > bytes.size() - begin) return refuse(12, MSGC_REASON_CUT);
     texts.clear();
-    std::size_t checkedBegin = 0, checkedEnd = 0;  // bytes that are known to be UTF-8
+    std::size_t checkedBegin = 0, checkedEnd = 0;  // bytes already checked to be UTF-8
     for (std::size_t at = kHeaderSize; at < begin; at += kEntrySize) {
         const std::size_t offset = numberAt(bytes, at + 4), length = numberAt(bytes, at + 8);
         const unsigned id = numberAt(bytes, at);
         if (!texts.empty() && texts.back().id >= id) return refuse(at, MSGC_REASON_ORDER);
         if (offset > textSize || length > textSize - offset) return refuse(at, MSGC_REASON_OUTSIDE);
         const std::size_t first = begin + offset;
-        // A text that ends where the one before does, and is not longer, was checked with it.
+        // A text that is a tail of the previous text was checked with it.
         const bool isPart = checkedBegin <= first && first + length == checkedEnd && length > 0;
         if (!isPart) {
             if (length == 0 || bytes.find('\0', first) != first + length - 1)

@@ -10,31 +10,33 @@
 
 namespace msgc {
 
-/// Why bytes are no message file that a source could have been compiled to.
+/// The reason why bytes are not a valid message file.
 struct BmfProblem {
     std::size_t offset;
     qblmsgcmsgs reason;
 };
 
-/// Whether the numbers of a binary message file can express the texts.
+/// Returns true if the texts fit into a message file, whose numbers have 32 bits.
 bool fitsBmf(const Entries& entries);
 
-/// The bytes of a binary message file, the format of QBLResourceBMF: the same for the same texts,
-/// in whatever order they come. Requires: fitsBmf(entries), and no identifier twice.
+/// Returns a message file in the format of QBLResourceBMF. The same texts give the same bytes, in
+/// any order of entries.
+/// Requires: fitsBmf(entries), and no duplicate identifiers.
 std::string writeBmf(const Entries& entries);
 
-/// A text of a message file, as part of the file's bytes.
+/// A text of a message file, as a view of the file's bytes.
 struct BmfText {
     unsigned id;
     std::string_view text;  // UTF-8
 };
 
-/// Takes a binary message file apart, and trusts nothing in it.
-/// @param texts  receives views of bytes, in the order of the identifiers; several can share bytes
-/// @return false, with the reason in problem, if it is not a message file
+/// Parses a message file and validates everything in it.
+/// @param texts  receives views of the bytes, by identifier; several texts may share bytes
+/// @return false, with the reason in problem, if the bytes are not a message file
 bool readBmf(const std::string& bytes, std::vector<BmfText>& texts, BmfProblem& problem);
 
-/// Whether the compiler would write these bytes for these texts of them.
+/// Returns true if the compiler would write exactly these bytes for these texts, which are views of
+/// them.
 bool isCanonicalBmf(const std::string& bytes, const std::vector<BmfText>& texts);
 
 }  // namespace msgc

@@ -1,4 +1,5 @@
-// Makes the source with a program's built-in texts from its English catalogue, for the build alone:
+// Generates the source with a program's built-in texts from its English catalogue. Only the build
+// uses this program:
 //     qbl_builtin_texts FILE.msg FILE.cpp
 #include <algorithm>
 #include <cstdio>
@@ -10,7 +11,8 @@
 
 namespace {
 
-/// Bytes that are not printable ASCII in octal digits, so that no compiler's character set counts.
+/// Writes a C++ string literal. Bytes that are not printable ASCII become octal escapes, so that
+/// the compiler's character set does not matter.
 std::string literal(const std::string& text) {
     std::string out = "\"";
     for (const char c : text) {

@@ -8,25 +8,25 @@
 
 namespace msgc {
 
-/// A message of a catalogue, with where it stands in the source.
+/// A message of a catalogue, with its place in the source.
 struct Entry {
-    /// From here on, up to the next mark, the text stands in the source byte by byte.
+    /// From this mark to the next one, the text and the source have the same bytes.
     struct Mark {
         std::size_t text;
         std::size_t source;
     };
 
     unsigned id = 0;
-    std::string name;     // empty if it has none
+    std::string name;     // empty if the message has no name
     std::string text;     // UTF-8
-    bool asIs = false;    // the text is no pattern
-    bool isWhole = true;  // all of the text could be read
-    std::string comment;  // the lines above it, each with a line end
+    bool asIs = false;    // the text is not a pattern
+    bool isWhole = true;  // the whole text is valid
+    std::string comment;  // the comment lines above the message, each with a line end
     std::size_t offset = 0;
     std::size_t nameOffset = 0;
     std::vector<Mark> marks;
 
-    /// Where a byte of the text stands in the source.
+    /// The offset in the source of a byte of the text.
     std::size_t offsetOf(std::size_t textOffset) const {
         const auto next =
             std::upper_bound(marks.begin(), marks.end(), textOffset,

@@ -15,11 +15,12 @@ Status show(const Options& options);
 Status where(const Options& options);
 Status showReport(const Options& options);
 
-/// The status of an operand that cannot be read: where nothing is there it is the command line that
-/// is wrong, as with the other tool.
+/// The exit status for an operand that cannot be read: kUsage if the file does not exist, as in
+/// qblconv; else kErrors.
 Status unreadable(const std::string& operand);
 
-/// Prints a message of the tool to the standard error. @return the status given
+/// Prints a message of the tool to the standard error output.
+/// @return the status given
 Status complain(Status status, qblmsgcmsgs id, const Details& details);
 
 }  // namespace msgc

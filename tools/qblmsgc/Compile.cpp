@@ -15,7 +15,7 @@ namespace msgc {
 
 namespace {
 
-/// A file that is put in place as a whole, or not at all.
+/// A file that is replaced as a whole or not at all.
 class Output {
 public:
     Output(const std::string& name, Report& report) : m_name(name), m_report(report) {}
@@ -37,7 +37,7 @@ private:
     QBLFmReplaceFile m_file;
 };
 
-/// A run over one source.
+/// Compiles one source.
 class Compilation {
 public:
     explicit Compilation(const Options& options) : m_options(options) {}
@@ -80,7 +80,7 @@ private:
         compareWithReference({source, m_entries}, {*reference, entries}, m_report);
     }
 
-    /// Both files are written before either is put in place.
+    /// Writes both files before it puts either in its place.
     void write() {
         Output header(m_options.header, m_report), output(m_options.output, m_report);
         const bool hasHeader = !m_options.header.empty();
@@ -98,7 +98,7 @@ private:
     std::list<Source> m_sources;
     Entries m_entries;
     Report m_report;
-    std::string m_absent;  // a file of the command line that is not there
+    std::string m_absent;  // a file of the command line that does not exist
 };
 
 }  // namespace

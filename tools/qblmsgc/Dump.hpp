@@ -5,9 +5,9 @@
 
 namespace msgc {
 
-/// A message as a source, a line for each line of its text. Compiled, it has the same identifier
-/// and text; characters that cannot be seen are written as escapes. Requires: the text is
-/// well-formed UTF-8.
+/// Returns a message as source text, with one line for each line of its text. Compiling the result
+/// gives the same identifier and text. Invisible characters become escapes.
+/// Requires: the text is well-formed UTF-8.
 std::string dumpSource(unsigned id, const std::string& text);
 
 }  // namespace msgc

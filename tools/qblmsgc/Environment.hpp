@@ -5,12 +5,13 @@
 
 namespace msgc {
 
-/// The user's language: the one set, else as LC_ALL, LC_MESSAGES and LANG have it, else "en".
+/// The user's language: the one set, else the one of LC_ALL, LC_MESSAGES or LANG, else "en".
 const std::string& userLocale();
-/// Requires: nothing has been said yet. An empty text sets nothing.
+/// Sets the user's language. An empty text sets nothing.
+/// Requires: no message has been formatted yet.
 void setUserLocale(const std::string& locales);
 
-/// The base name of the tool's own catalogue: as installed, or beside the program in a build tree.
+/// The base name of the tool's own catalogue, as installed or next to the program in a build tree.
 const std::string& ownCatalogue();
 
 }  // namespace msgc

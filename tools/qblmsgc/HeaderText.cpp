@@ -23,15 +23,15 @@ std::string identifierOf(std::string text) {
     return text;
 }
 
-/// The lines of a comment, as comments of the header.
+/// Writes the lines of a comment as comments of the header.
 std::string commentLines(const std::string& comment) {
     std::string out;
     for (std::size_t begin = 0; begin < comment.size();) {
         const std::size_t end = comment.find('\n', begin);
         std::string line = comment.substr(begin, end - begin);
-        // A backslash at the end would take the next line into the comment.
+        // A backslash at the end of a line would continue the comment on the next line.
         line.erase(line.find_last_not_of(" \t\\") + 1);
-        // So would its trigraph, two question marks and a slash.
+        // The trigraph for a backslash, two question marks and a slash, would do the same.
         const std::size_t slash = line.size() - 1;
         if (line.size() >= 3 && line[slash] == '/' && line[slash - 1] == '?' &&
             line[slash - 2] == '?')

@@ -7,11 +7,11 @@
 
 namespace msgc {
 
-/// A header for C and C++ with an enum of the named identifiers, in their order. Guard and enum are
-/// called after the file.
-/// @param fileName  of the header
-/// @param sourceName  that it was made from
-/// @return empty if no message has a name
+/// Returns a header for C and C++ with an enum of the named identifiers, in their order. The names
+/// of the include guard and the enum come from the file name.
+/// @param fileName  the header's file name
+/// @param sourceName  the source's file name
+/// @return an empty string if no message has a name
 std::string headerText(Entries entries, const std::string& fileName, const std::string& sourceName);
 
 }  // namespace msgc

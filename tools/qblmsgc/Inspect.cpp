@@ -38,7 +38,8 @@ Status dump(const Options& options) {
                         {name, std::to_string(problem.offset), formatMessage(problem.reason)});
     for (const BmfText& each : texts)
         tools::print(stdout, dumpSource(each.id, std::string(each.text)));
-    // Texts that are shared, unused bytes and the like: readers do not see them, nor do sources.
+    // Sources cannot express shared texts, unused bytes and the like; readers of message files do
+    // not see them.
     return isCanonicalBmf(bytes, texts) ? kClean : complain(kErrors, MSGC_NOT_THE_SAME, {name});
 }
 

@@ -82,7 +82,7 @@ private:
         return true;
     }
 
-    /// Of an option that only goes with compiling.
+    /// Takes an option that is only for compiling.
     bool takeCompiling(const Given& given) {
         m_compiling = given.shown;
         switch (given.option.letter) {
@@ -150,7 +150,7 @@ private:
         return count <= most || rememberProblem(MSGC_NO_MORE_OPERANDS, {m_options.operands[most]});
     }
 
-    /// Nothing that is read is overwritten, nor is one output by the other.
+    /// Checks that no output overwrites an input or another output.
     bool checkOutputs() {
         if (m_options.command != Command::kCompile || m_options.checkOnly) return true;
         const std::string& source = m_options.operands[0];
@@ -169,7 +169,7 @@ private:
 
     Options& m_options;
     Problem& m_problem;
-    // The last options of their kinds, as they were given.
+    // The last option of each kind, as given.
     std::string m_command;
     std::string m_compiling;
     std::string m_writing;

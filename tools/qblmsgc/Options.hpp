@@ -12,7 +12,7 @@ namespace msgc {
 
 using tools::Details;
 
-/// What the command line asks for.
+/// The options of a command line.
 struct Options {
     enum class Command { kCompile, kDump, kShow, kWhere, kReport, kHelp, kVersion, kCompletions };
 
@@ -24,23 +24,23 @@ struct Options {
     std::vector<std::string> references;
     std::string header;
     std::string output;
-    std::string locales;  // of the tool's messages; empty for those of the environment
-    std::string shell;    // to print completions for
+    std::string locales;  // languages of the tool's messages; empty for those of the environment
+    std::string shell;    // shell for which completions are printed
     std::vector<std::string> operands;
 };
 
-/// What is wrong with the command line, as a message of the tool.
+/// A problem of the command line, as a message of the tool.
 struct Problem {
     qblmsgcmsgs id;
     Details details;
 };
 
-/// The options that there are, in the order of the help text.
+/// All options, in the order of the help text.
 const std::vector<tools::Option>& knownOptions();
 
-/// Reads the command line; options and operands come in any order, up to "--".
-/// @param options  has what stands before a mistake, even after a failure
-/// @return false, with a problem, if it is not one of the tool's usages, or if it would overwrite a
+/// Parses the command line. Options and operands may come in any order; "--" ends the options.
+/// @param options  after a failure, has the options before the mistake
+/// @return false, with a problem, if the command line is wrong, or if an output would overwrite a
 ///     file that is read
 bool parseOptions(int argc, char** argv, Options& options, Problem& problem);
 

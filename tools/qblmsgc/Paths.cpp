@@ -8,7 +8,8 @@ namespace msgc {
 
 namespace {
 
-/// Takes an ending off. @return whether it was there
+/// Removes an ending.
+/// @return true if the text had the ending
 bool dropEnding(std::string& text, const std::string& ending) {
     if (text.size() < ending.size() ||
         text.compare(text.size() - ending.size(), ending.size(), ending) != 0)
@@ -17,8 +18,9 @@ bool dropEnding(std::string& text, const std::string& ending) {
     return true;
 }
 
-/// Takes the part behind the last underscore off.
-/// @return empty if there is none, or it is not of some letters from first to last
+/// Removes the part after the last underscore.
+/// @return the part; empty, with the text unchanged, if there is no underscore or if the part does
+///     not consist of 2 to `most` letters from first to last
 std::string takePart(std::string& text, char first, char last, std::size_t most) {
     const std::size_t begin = text.rfind('_');
     if (begin == std::string::npos) return std::string();

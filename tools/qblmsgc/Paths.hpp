@@ -8,13 +8,13 @@ namespace msgc {
 /// The last part of a path.
 std::string fileOf(const std::string& path);
 
-/// The name of a source with the extension of what it is compiled to.
+/// The name of the message file for a source.
 std::string compiledName(const std::string& source);
 
-/// Whether a path ends as those of message files do.
+/// Returns true if a path has the extension of message files.
 bool isMessageFileName(const std::string& path);
 
-/// The locale that a message file's name ends with, like "de_AT"; empty if it has none.
+/// The locale at the end of a message file's name, like "de_AT"; empty if there is none.
 std::string localeOf(const std::string& path);
 
 }  // namespace msgc

@@ -17,10 +17,10 @@ namespace {
 
 const int kMaxArgument = 9;
 
-/// The kinds that "{0,kind}" can name, beside those with a syntax of their own.
+/// The kinds for "{0,kind}", except those with their own syntax.
 const char* const kKinds[] = {"number", "date", "time", "spellout", "ordinal", "duration"};
 
-/// The categories of plurals that languages have (CLDR).
+/// The plural categories of languages (CLDR).
 const char* const kPlurals[] = {"zero", "one", "two", "few", "many", "other"};
 
 class Checker {
@@ -66,7 +66,7 @@ private:
                 m_open.push_back(part.getArgType());
                 break;
             case UMSGPAT_PART_TYPE_MSG_START:
-                // The text of a case; that of the whole pattern has no brace.
+                // The text of a case begins with a brace, the text of the whole pattern does not.
                 if (part.getLength() > 0) m_begins.insert(part.getIndex());
                 break;
             case UMSGPAT_PART_TYPE_ARG_LIMIT:
@@ -94,14 +94,14 @@ private:
         }
     }
 
-    /// Styles of numbers and dates are read only when a format is made.
+    /// ICU parses the styles of numbers and dates only when it makes a format.
     void checkStyles() {
         UErrorCode status = U_ZERO_ERROR;
         const icu::MessageFormat format(m_text, icu::Locale::getEnglish(), status);
         if (U_FAILURE(status)) error(0, MSGC_BAD_PATTERN, u_errorName(status));
     }
 
-    /// Braces in quotes that look like arguments: nothing is inserted for them.
+    /// Finds quoted braces that look like arguments. ICU inserts nothing for them.
     void findQuoted() {
         for (int i = 0; i < m_text.length(); ++i) {
             if (m_text[i] != u'{' || m_begins.count(i) != 0) continue;
@@ -123,7 +123,7 @@ private:
         return at;
     }
 
-    /// The innermost brace that nothing closes; ICU only tells that there is one.
+    /// Finds the innermost brace that is not closed. ICU only tells that there is one.
     int openBrace(int otherwise) const {
         std::vector<int> open;
         bool quoted = false;
@@ -146,7 +146,7 @@ private:
         std::string out;
         return text.toUTF8String(out);
     }
-    /// Goes on from the place asked for before, as most are in order.
+    /// Continues from the last place, because most places come in order.
     std::size_t bytesBefore(int unit) {
         if (unit < m_iLastUnit) m_iLastUnit = m_iLastBytes = 0;
         while (m_iLastUnit < unit) {
@@ -166,10 +166,10 @@ private:
     const std::string& m_utf8;
     const icu::UnicodeString m_text;
     PatternCheck& m_result;
-    std::set<int> m_begins;                      // braces of arguments and cases
-    std::vector<UMessagePatternArgType> m_open;  // arguments that are open
+    std::set<int> m_begins;                      // braces that begin arguments and cases
+    std::vector<UMessagePatternArgType> m_open;  // arguments not closed yet
     bool m_bHasKinds = false;
-    int m_iLastUnit = 0, m_iLastBytes = 0;  // of the last place asked for
+    int m_iLastUnit = 0, m_iLastBytes = 0;  // for the last place
 };
 
 }  // namespace
@@ -190,7 +190,7 @@ bool PatternCheck::hasErrors() const {
 
 void checkPatterns(const Entries& entries, const Source& source, Report& report) {
     for (const Entry& entry : entries) {
-        // What is no UTF-8 has been reported, and has no places in UTF-16.
+        // Malformed texts have been reported already, and have no offsets in UTF-16.
         if (!entry.isWhole || tools::findIllFormed(entry.text) != std::string::npos) continue;
         for (const PatternFinding& finding : PatternCheck(entry.text, entry.asIs).findings) {
             Details details;

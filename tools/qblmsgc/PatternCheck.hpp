@@ -11,27 +11,27 @@
 
 namespace msgc {
 
-/// What is wrong with a pattern, or surprises in it.
+/// An error or a surprise in a pattern.
 struct PatternFinding {
     bool isError;
-    std::size_t offset;  // in the text, in bytes
+    std::size_t offset;  // byte offset in the text
     qblmsgcmsgs id;
     std::string detail;
 };
 
-/// A text as the message pattern that ICU takes it for.
+/// Parses a text as an ICU message pattern and checks it.
 struct PatternCheck {
     /// @param text  well-formed UTF-8
-    /// @param asIs  it is meant to be no pattern
+    /// @param asIs  the author does not mean a pattern
     PatternCheck(const std::string& text, bool asIs);
 
     bool hasErrors() const;
 
-    std::set<int> arguments;  // their numbers
+    std::set<int> arguments;  // numbers of the arguments
     std::vector<PatternFinding> findings;
 };
 
-/// Reports what is found in the texts of a source.
+/// Checks the texts of a source and reports the findings.
 void checkPatterns(const Entries& entries, const Source& source, Report& report);
 
 }  // namespace msgc

@@ -7,14 +7,14 @@
 
 namespace msgc {
 
-/// A source that was read.
+/// A parsed source.
 struct Parsed {
     const Source& source;
     const Entries& entries;
 };
 
-/// Warns of what a translation has otherwise than its reference: identifiers, names as far as both
-/// have them, and the arguments that the texts show.
+/// Warns about differences between a translation and its reference: identifiers, names if both have
+/// one, and the arguments in the texts.
 void compareWithReference(const Parsed& translation, const Parsed& reference, Report& report);
 
 }  // namespace msgc

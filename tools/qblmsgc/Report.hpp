@@ -14,37 +14,37 @@ namespace msgc {
 
 using tools::Details;
 
-/// Formats a message of the tool's catalogue in the user's language, with the details as shown()
-/// has them.
+/// Formats a message of the tool's catalogue in the user's language. Passes the details through
+/// shown().
 std::string formatMessage(qblmsgcmsgs id, const Details& details = {});
 
-/// What was found in the sources of a run. It is shown in the order of the files as they came, and
-/// within each by place.
+/// Collects the findings in the sources of a run. Prints them in the order of the files, and by
+/// place within each file.
 ///
 /// Threads: one at a time.
 class Report {
 public:
     enum class Form { kText, kXml };
 
-    /// Names the next file; one that was not named comes where something is first found in it.
+    /// Adds the next file. A file that was not added takes its place at its first finding.
     void begin(const Source& source);
     void error(const Source& source, std::size_t offset, qblmsgcmsgs id, Details details = {});
     void warning(const Source& source, std::size_t offset, qblmsgcmsgs id, Details details = {});
-    /// An error of a file as a whole, shown in front of those with a place.
+    /// An error of a whole file. It comes before the errors with a place.
     void fault(qblmsgcmsgs id, Details details);
 
     bool hasErrors() const { return m_bHasErrors; }
     bool hasWarnings() const { return m_bHasWarnings; }
-    /// @param quiet  without the warnings
+    /// @param quiet  whether to omit warnings
     void print(std::FILE* out, Form form, bool quiet);
 
 private:
     struct Finding {
         QBLSeverity severity;
-        std::size_t file;  // the how many-th; 0 for those without a place
+        std::size_t file;  // number of the file, from 1; 0 for a fault
         std::size_t offset;
         qblmsgcmsgs id;
-        Details details;  // of one with a place: file, line and column are the first
+        Details details;  // if there is a place, they begin with file, line and column
     };
 
     std::size_t numberOf(const Source& source);

@@ -18,7 +18,7 @@ namespace msgc {
 
 namespace {
 
-/// A number that is the whole of a text.
+/// Parses a text that is entirely a number.
 template <class Number>
 bool parseNumber(const std::string& text, Number& value) {
     const char* const end = text.data() + text.size();
@@ -34,7 +34,7 @@ bool addNumber(QBLMessage& message, const std::string& text) {
     return true;
 }
 
-/// Adds the parameter that "TYPE:VALUE" stands for. The types are called as in the XML form.
+/// Adds the parameter of a "TYPE:VALUE". The names of the types are those of the XML form.
 bool addParameter(QBLMessage& message, const std::string& argument) {
     const std::size_t colon = argument.find(':');
     if (colon == std::string::npos) return false;
@@ -82,7 +82,7 @@ Status show(const Options& options) {
     std::string file = options.operands[1];
     unsigned id = 0;
     if (!parseId(number, id)) return complain(kUsage, MSGC_NO_ID_HERE, {number});
-    // With a directory it is looked for nowhere else.
+    // With a directory, the library searches the file nowhere else.
     if (file.find('/') == std::string::npos) file.insert(0, "./");
     if (!isMessageFileName(file)) return complain(kUsage, MSGC_NO_BMF_NAME, {file});
     QBLMessage message(file.c_str(), id);

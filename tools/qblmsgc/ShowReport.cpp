@@ -1,4 +1,4 @@
-// Shows the XML forms of errors and messages as people read them.
+// Shows the XML form of errors and messages as readable text.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -23,17 +23,18 @@ namespace msgc {
 
 namespace {
 
-/// What a report can begin with. The first one in a text counts, and has all that is within.
+/// The tags that can begin a report. The first one in a text counts and includes everything inside
+/// it.
 const struct {
     std::string_view begin, end;
 } kRoots[] = {
     {"<Exception ", "</Exception>"}, {"<Messages>", "</Messages>"}, {"<Message ", "</Message>"}};
 
-constexpr std::size_t kMostBytes = 0x1000000;  // of a report
-constexpr int kMostAttempts = 64;              // to find its end
+constexpr std::size_t kMostBytes = 0x1000000;  // longest report
+constexpr int kMostAttempts = 64;              // attempts to find the end of a report
 constexpr std::size_t kLongestBegin = 11;
 
-/// A number that is the whole of a text; %#x of printf writes 0 as 0000.
+/// Parses a text that is entirely a number. printf's %#x writes 0 as 0000.
 template <class Number>
 bool parse(const std::string& text, Number& value, int base = 10) {
     const std::size_t skipped = base == 16 && text.compare(0, 2, "0x") == 0 ? 2 : 0;
@@ -59,7 +60,7 @@ QBLMessageParm parameterOf(const XmlNode& node) {
     if (type == "double" && parse(value, real)) return QBLMessageParm(real);
     if (type == "msgid" && parse(value, whole, 16))
         return QBLMessageParm(static_cast<unsigned long>(whole), 1);
-    // What is not of its type is shown as it is.
+    // Shows a value that does not match its type unchanged.
     return value.empty() ? QBLMessageParm(QBLMsgParmUnknown) : QBLMessageParm(value.c_str());
 }
 
@@ -92,7 +93,7 @@ private:
         }
         const XmlNode* const trace = error.child("TraceInfo");
         if (trace == nullptr) return;
-        // The latest entry is the first.
+        // The latest entry comes first.
         for (const XmlNode& entry : trace->children)
             printIndented(1, say(MSGC_REPORT_TRACE, {entry.attribute("Text")}));
     }
@@ -124,7 +125,8 @@ private:
         const std::string file = fileOf(message.attribute("File"));
         const std::string& number = components->attribute("ID");
         const bool isId = parse(number, id, 16);
-        // Of the file only the name is believed: it is looked for where programs find catalogues.
+        // Uses only the file's name, and searches it where programs find catalogues: the report may
+        // come from anywhere.
         if (isId && !file.empty() && file != "." && file != "..") {
             QBLMessage made(file.c_str(), id);
             if (const XmlNode* const parameters = components->child("MessageParms"))
@@ -165,7 +167,7 @@ private:
         return tools::shown(severity);
     }
 
-    /// The tool's own words, in the language of the report.
+    /// The tool's own texts, in the language of the report.
     std::string say(qblmsgcmsgs id, const Details& details = {}) {
         return m_texts.text(id, details);
     }
@@ -175,7 +177,7 @@ private:
         std::string out = indent;
         for (const char c : tools::shownText(text)) {
             out += c;
-            // Nothing in a text looks like a message of its own.
+            // Marks further lines, so that no text can imitate a separate message.
             if (c == '\n') out += indent + "  | ";
         }
         tools::printText(stdout, out + "\n");
@@ -186,8 +188,8 @@ private:
     const tools::Reasons m_reasons{ownCatalogue(), m_pLocales};
 };
 
-/// A stream of text with reports in it. Each byte is searched a bounded number of times, whatever
-/// the text.
+/// A stream of text that contains reports. Searches each byte a bounded number of times, for any
+/// text.
 class ReportStream {
 public:
     explicit ReportStream(const char* locales) : m_printer(locales) {}
@@ -201,7 +203,7 @@ public:
         while (work(false)) {
         }
     }
-    /// @return whether all reports were whole
+    /// @return true if all reports were well-formed
     bool finish() {
         while (work(true)) {
         }
@@ -210,20 +212,20 @@ public:
     }
 
 private:
-    /// @return whether there may be more to do
+    /// @return true if there may be more to do
     bool work(bool isEnd) {
         if (m_endTag.empty() && !findBegin(isEnd)) return false;
         for (; m_iAttempts < kMostAttempts; ++m_iAttempts) {
             const std::size_t found = m_text.find(m_endTag, m_iSearched);
             if (found == std::string::npos) {
                 if (isEnd || m_text.size() - m_iBegin >= kMostBytes) break;
-                // The tag may be cut off.
+                // The end of the block may split the tag.
                 const std::size_t last = m_text.size() - std::min(m_text.size(), m_endTag.size());
                 m_iSearched = std::max(m_iSearched, last);
                 return false;
             }
             m_iSearched = found + m_endTag.size();
-            // Texts in a report may have its end tag in them.
+            // The texts of a report may contain its end tag.
             if (!show(m_iSearched)) continue;
             m_endTag = {};
             m_iAttempts = 0;
@@ -233,11 +235,11 @@ private:
         return true;
     }
 
-    /// Looks for a report, and passes on what is in front of it.
+    /// Searches for a report and passes on the text before it.
     bool findBegin(bool isEnd) {
         for (;; ++m_iScanned) {
             m_iScanned = std::min(m_text.find('<', m_iScanned), m_text.size());
-            // The start of a report may be cut off.
+            // The end of the block may split the start of a report.
             const bool isCut = !isEnd && m_text.size() - m_iScanned < kLongestBegin;
             if (isCut || m_iScanned == m_text.size()) {
                 passOn(m_iScanned);
@@ -266,7 +268,7 @@ private:
         return true;
     }
 
-    /// Says that a report is broken, and passes it on up to the end of its line.
+    /// Reports that a report is malformed, and passes it on up to the end of its line.
     void refuse() {
         tools::flush(stdout);
         m_printer.complain(MSGC_REPORT_BROKEN, {std::to_string(m_iDropped)});
@@ -279,7 +281,7 @@ private:
 
     void passOn(std::size_t end) {
         if (end == m_iBegin) return;
-        // What was shown has ended its line.
+        // The report was shown with a line end of its own.
         if (std::exchange(m_bAfterReport, false) && m_text[m_iBegin] == '\n') {
             ++m_iBegin;
             ++m_iDropped;
@@ -291,11 +293,11 @@ private:
 
     Printer m_printer;
     std::string m_text;
-    std::size_t m_iBegin = 0;        // of what was neither shown nor passed on
-    std::size_t m_iScanned = 0;      // for the begin of a report
-    std::size_t m_iSearched = 0;     // for the end of the one at m_iBegin
-    std::uint64_t m_iDropped = 0;    // bytes that were
-    std::string_view m_endTag = {};  // of the report at m_iBegin; empty while there is none
+    std::size_t m_iBegin = 0;      // start of the text that is neither shown nor passed on
+    std::size_t m_iScanned = 0;    // end of the text searched for the start of a report
+    std::size_t m_iSearched = 0;   // end of the text searched for the end of the report at m_iBegin
+    std::uint64_t m_iDropped = 0;  // bytes shown or passed on
+    std::string_view m_endTag = {};  // of the report at m_iBegin; empty if there is none
     int m_iAttempts = 0;
     bool m_bWhole = true;
     bool m_bAfterReport = false;
@@ -323,7 +325,7 @@ Status showReport(const Options& options) {
         if (got < 0) return cannotRead();
         if (got == 0) break;
         stream.put(block, static_cast<std::size_t>(got));
-        tools::flush(stdout);  // a log that is followed goes on
+        tools::flush(stdout);  // for users who follow a growing log
     }
     const bool isWhole = stream.finish();
     if (!isStandard) close(file);

@@ -21,7 +21,7 @@ bool isPipe(int descriptor) {
     return status.get(descriptor) && S_ISFIFO(status.mode());
 }
 
-/// Which editors do not show.
+/// Editors do not show it, so columns do not count it.
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 }  // namespace
@@ -60,7 +60,7 @@ Place Source::placeOf(std::size_t offset) const {
 }
 
 bool readFile(const std::string& name, std::string& bytes, std::string& problem) {
-    // Without waiting, or a pipe that nobody writes to would never open.
+    // O_NONBLOCK: opening a pipe without a writer would block forever.
     QBLFmFile file;
     if (!file.open(name.c_str(), static_cast<QBLFmFile::createmode>(O_NONBLOCK), 1)) {
         problem = tools::reason(file.getLastErrorNumber());

@@ -17,7 +17,7 @@ bool isDigit(char c) { return c >= '0' && c <= '9'; }
 bool isNameStart(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_'; }
 bool isNamePart(char c) { return isNameStart(c) || isDigit(c); }
 
-/// The value of a digit in a base up to 16; 16 if it is none.
+/// The value of a digit in a base up to 16; 16 for other characters.
 unsigned digitOf(char c) {
     if (isDigit(c)) return static_cast<unsigned>(c - '0');
     if (c >= 'a' && c <= 'f') return static_cast<unsigned>(c - 'a') + 10;
@@ -65,7 +65,7 @@ private:
         }
     }
 
-    /// One error a line is enough: a wrong encoding has as many as there are characters.
+    /// Reports one error per line: with a wrong encoding, nearly every character is an error.
     void checkCharacters() {
         const std::size_t illFormed = tools::findIllFormed(m_bytes, m_uAt, m_uEnd);
         if (illFormed != kNone) return error(illFormed, MSGC_NOT_UTF8);
@@ -135,7 +135,7 @@ private:
         }
     }
 
-    /// @return false, at the end of the line, for a text without an end
+    /// @return false, at the end of the line, for a text without a closing quote
     bool parseText() {
         const std::size_t begin = m_uAt++;
         mark();
@@ -183,7 +183,7 @@ private:
         return true;
     }
 
-    /// A message with an identifier counts, also if its text cannot be read.
+    /// Keeps a message that has an identifier, even if its text is malformed.
     void finishEntry() {
         if (m_bInEntry && m_entry.isWhole && m_entry.marks.empty()) {
             error(m_entry.offset, MSGC_NO_TEXT);
@@ -216,12 +216,12 @@ private:
     const std::string& m_bytes;
     Report& m_report;
     Entries m_entries;
-    std::string m_comment;  // of the lines right above
-    Entry m_entry;          // that lines of text go on with
+    std::string m_comment;  // of the lines directly above
+    Entry m_entry;          // the message that text lines continue
     bool m_bInEntry = false;
     bool m_bHasId = false;
     std::size_t m_uAt = 0;
-    std::size_t m_uEnd = 0;  // of the line
+    std::size_t m_uEnd = 0;  // end of the line
 };
 
 }  // namespace

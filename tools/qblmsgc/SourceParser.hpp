@@ -7,11 +7,11 @@
 
 namespace msgc {
 
-/// Whether no enumerator or enum of a header can have that name: a keyword of C++20 or C17, a name
-/// that compilers keep to themselves, or a macro of the system or of a common standard header.
+/// Returns true if a header cannot use a name for an enumerator or enum: a keyword of C++20 or C17,
+/// a name reserved for compilers, or a macro of the system or of a common standard header.
 bool isReserved(const std::string& name);
 
-/// Reads a source: UTF-8, by lines.
+/// Parses a source: UTF-8, line by line.
 ///
 ///     # a comment; those right above a message belong to it
 ///     104 BAD_BYTE "{0}:{1}: not a character\n"
@@ -19,10 +19,10 @@ bool isReserved(const std::string& name);
 ///     0x69 "a message without a name"
 ///     106 BRACE = "a text that is no pattern: {"
 ///
-/// In a text \" \\ \n \r \t and \uXXXX stand for the characters that they do in C.
+/// In a text, \" \\ \n \r \t and \uXXXX have the same meaning as in C.
 ///
-/// @return all messages that can be read, in the order of the file; what is wrong with it, wrong
-///     patterns aside, is in the report
+/// @return all messages that can be read, in the order of the file. The report receives all errors
+///     except those in patterns.
 Entries parseSource(const Source& source, Report& report);
 
 }  // namespace msgc

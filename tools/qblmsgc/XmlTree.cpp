@@ -53,7 +53,7 @@ private:
             if (isEmpty || take(">")) return true;
             std::string name, value;
             if (!readName(name) || !take("=\"")) return false;
-            // The form of a parameter without a type.
+            // The form that the library writes for a parameter without a type.
             isEmpty = name == "Value" && take(" />");
             if (!isEmpty && (!readUpTo('"', value) || !take("\""))) return false;
             node.attributes.emplace_back(std::move(name), std::move(value));
@@ -75,7 +75,8 @@ private:
         return false;
     }
 
-    /// Appends text with its entities resolved. @return false if what ends it is not there
+    /// Appends text with its entities resolved.
+    /// @return false if the terminating character is missing
     bool readUpTo(char last, std::string& out) {
         while (m_uAt < m_text.size()) {
             const char c = m_text[m_uAt];

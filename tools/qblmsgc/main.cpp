@@ -1,4 +1,4 @@
-// qblmsgc: compiles message catalogues, and looks into them.
+// qblmsgc: compiles message catalogues and shows their contents.
 #include <cstdio>
 #include <exception>
 
@@ -66,7 +66,7 @@ int runCommandLine(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    // The installation's bin directory, one of those that catalogues are sought in, is known then.
+    // Sets the installation's bin directory, in which catalogues are searched.
     qblCoreInitialize();
     tools::useBuiltInTexts();
     int status = msgc::kErrors;
