@@ -22,13 +22,14 @@
 namespace {
 
 constexpr std::size_t kLeastBuffer = 4096;
-// What one replacement needs at most, and what ICU puts around it.
+// The maximum that one replacement needs, and what ICU writes around it.
 constexpr std::size_t kSlack = 64;
-// What ICU gets of UTF-8 and UTF-16 where the faster functions stop; they go on behind it.
+// The bytes or units of UTF-8 and UTF-16 that ICU gets where the faster functions stop. These
+// continue after that.
 constexpr std::ptrdiff_t kPiece = 8;
-// Units that converters get at once whose output depends on that.
+// The number of units to pass at once to converters whose output depends on that number.
 constexpr std::size_t kPortion = 0x1000;
-// No encoding that has tables has this one.
+// No encoding with tables has this character.
 constexpr char16_t kNoCharacter = 0xFFFF;
 
 I18NProgress progressOf(UErrorCode status, bool refused) {
@@ -41,9 +42,9 @@ I18NProgress progressOf(UErrorCode status, bool refused) {
 
 bool isAboutText(UConverterCallbackReason reason) { return reason <= UCNV_IRREGULAR; }
 
-// Where ICU stands in the stream. If text that it has kept does not fit with what follows, ICU
-// reads it again from a buffer of its own, which ends where the source of the call begins. This
-// cannot be seen in the source: the same bytes or units may stand there more than once.
+// Returns where ICU is in the stream. If ICU has kept text that does not fit with what follows, ICU
+// reads it again from a buffer of its own, which ends where the source of the call begins. The
+// source does not show this: it may have the same bytes or units more than once.
 template <class Args, class Unit>
 std::int64_t whereICUIs(const Args* args, const Unit* begin, const Unit* end, std::int64_t before) {
     if (args->sourceLimit != end) return before - (args->sourceLimit - args->source);
@@ -54,7 +55,7 @@ bool isUTF16(UConverterType type) {
     return type == UCNV_UTF16_LittleEndian || type == UCNV_UTF16_BigEndian || type == UCNV_UTF16;
 }
 
-// Those that read and write byte-order marks.
+// Returns true for the UTF-16 converters that read and write byte-order marks.
 bool isMarkedUTF16(const UConverter* icu) {
     UErrorCode status = U_ZERO_ERROR;
     const char* const name = ucnv_getName(icu, &status);
@@ -63,14 +64,15 @@ bool isMarkedUTF16(const UConverter* icu) {
 
 bool isLMBCS(UConverterType type) { return type >= UCNV_LMBCS_1 && type <= UCNV_LMBCS_LAST; }
 
-// Converters from these treat what is malformed in other ways where they get it in pieces.
+// Converters from these encodings treat malformed text differently if they get it in pieces.
 bool dependsOnBlocks(const UConverter* icu) {
     const UConverterType type = ucnv_getType(icu);
     return isMarkedUTF16(icu) || isLMBCS(type) || type == UCNV_BOCU1 || type == UCNV_CESU8 ||
            type == UCNV_IMAP_MAILBOX || type == UCNV_COMPOUND_TEXT;
 }
 
-// Converters to these look at what they get as a whole, or lose a pair in two pieces.
+// Converters to these encodings depend on how much text they get at once, or lose a pair in two
+// pieces.
 bool dependsOnPortions(const UConverter* icu) {
     const UConverterType type = ucnv_getType(icu);
     return isMarkedUTF16(icu) || isLMBCS(type) || type == UCNV_SCSU || type == UCNV_BOCU1 ||
@@ -84,7 +86,7 @@ I18NStreamForm formOf(const UConverter* icu) {
     return isMarkedUTF16(icu) ? I18NStreamForm::kOther : I18NStreamForm::kUTF16;
 }
 
-// UTF-16 in the machine's order, which is the little-endian one.
+// UTF-16 in the machine's byte order, which is little-endian.
 void copyWellFormed(const char*& at, const char* end, char16_t*& text, const char16_t* limit) {
     const auto room = static_cast<std::size_t>(limit - text);
     const std::size_t units = std::min(static_cast<std::size_t>(end - at) / sizeof *text, room);
@@ -132,7 +134,7 @@ I18NStreamInput::I18NStreamInput(const char* encoding, const I18NStreamInput& po
     : m_converter(encoding), m_pICU(I18NConverterAccess::icu(m_converter)) {
     const I18NConverter& other = policy.m_converter;
     const int number = other.getBuiltInUnconvertibleInputSequenceCallback();
-    // A converter that nobody gave a policy only says that it looks up.
+    // The getter returns I18N_LOOKUP for a converter that was given no policy, too.
     const bool none =
         number == I18N_LOOKUP && policy.m_policy != LOOKUP_UNCONVERTIBLE_INPUT_CALLBACK;
     if (!none) m_converter.setBuiltInUnconvertibleInputSequenceCallback(number);
@@ -215,7 +217,7 @@ void I18NStreamInput::remember(const char* end) {
     std::memcpy(m_history + kHistory - size, end - size, static_cast<std::size_t>(size));
 }
 
-// Requires: begins at most kHistory in front of the slice.
+// Requires: `begin` is at most kHistory bytes before the slice.
 void I18NStreamInput::copySource(std::int64_t begin, std::int64_t end,
                                  I18NInputFinding& finding) const {
     finding.offset = begin;
@@ -233,20 +235,20 @@ bool I18NStreamInput::hasInSource(std::int64_t offset, const char* bytes, int le
     return std::memcmp(there.bytes, bytes, static_cast<std::size_t>(there.length)) == 0;
 }
 
-// Finds the bytes that ICU reports in the source. Usually they end where ICU stands. Exceptions:
+// Finds in the source the bytes that ICU reports. Usually they end where ICU is. The exceptions:
 //   UTF-16   ICU keeps a byte of the unit after a lone surrogate.
 //   ISCII    ICU keeps a lead byte while it refuses the bytes after it, and reports it at the end.
 //   SCSU     ICU drops bytes that cannot define a window, and reports the command with the last of
 //            them; the finding has all of them.
 //   BOCU-1   ICU reports no bytes if a sequence leads out of Unicode. Its start is known, because
 //            ICU gets the input byte by byte.
-// If kHistory does not reach the bytes, they are assumed to end where ICU stands. ICU's arrays of
-// offsets are no better: they count back from there too, and lack findings whose replacement is
+// If kHistory does not reach the bytes, they are assumed to end where ICU is. ICU's arrays of
+// offsets are no better: they also count back from there, and lack findings whose replacement is
 // empty.
 void I18NStreamInput::locate(const char* bytes, int length, std::int64_t end,
                              I18NInputFinding& finding) const {
     if (m_bIsBOCU && length == 0) return copySource(m_iSequence, end, finding);
-    // A unit begins at an even offset. Its bytes alone do not tell, since they may be equal.
+    // A unit begins at an even offset. Its bytes alone do not show that, since they may be equal.
     const int step = m_bIsUTF16 ? 2 : 1;
     const std::int64_t last = (end - length) / step * step;
     const std::int64_t first = std::max<std::int64_t>(m_iSlice - kHistory, 0);
@@ -268,14 +270,15 @@ void I18NStreamInput::found(UConverterToUnicodeArgs* args, const char* bytes, in
                             UConverterCallbackReason reason, UErrorCode* status) {
     I18NInputFinding finding = {};
     locate(bytes, length, whereICUIs(args, m_pBegin, m_pEnd, m_iBytes), finding);
-    if (length == 0 && finding.length > 0) {  // of BOCU-1; the policy gets them too
+    if (length == 0 && finding.length > 0) {  // BOCU-1; the policy gets them, too
         bytes = finding.bytes;
         length = finding.length;
     }
     finding.at = m_iUnits + (args->target - m_pText);
     finding.cutOff = *status == U_TRUNCATED_CHAR_FOUND;
 
-    // The policy writes aside, so that the length of its text is known wherever that goes.
+    // The policy writes to a separate buffer, so that the length of its text is known wherever that
+    // goes.
     UChar replacement[kSlack];
     UConverterToUnicodeArgs aside = *args;
     aside.target = replacement;
@@ -313,14 +316,15 @@ I18NStreamOutput::I18NStreamOutput(const I18NConverter& converter, I18NOutputFin
     UErrorCode status = U_ZERO_ERROR;
     ucnv_reset(m_pICU);
     ucnv_setFromUCallBack(m_pICU, callback, this, &m_policy, &m_pPolicyContext, &status);
-    // Best fits are applied when ICU asks what to do, so that they are noticed.
+    // ICU reports characters that have best fits only without fallback. treat() then applies the
+    // best fits.
     m_converter.useFallback(false);
 }
 
 std::size_t I18NStreamOutput::portion(const char16_t* text, std::size_t units) const {
     if (m_bInPortions && units < kPortion) return 0;
     if (m_bInPortions) units = kPortion;
-    // Some converters of ICU lose a pair that comes in two pieces.
+    // Some ICU converters lose a pair that comes in two pieces.
     return units > 0 && i18nIsHigh(text[units - 1]) ? units - 1 : units;
 }
 
@@ -331,7 +335,7 @@ I18NProgress I18NStreamOutput::encode(char16_t* text, const char16_t* end, bool 
     return encodePieces(text, end, flush, bytes);
 }
 
-// ICU asks a policy about what it gets in place of characters that it would not ask about.
+// Replaces characters for which ICU would not ask a policy by a character for which it does.
 void I18NStreamOutput::mask(char16_t* text, const char16_t* end) {
     const std::int64_t decided = m_iUnits - undecided();
     const auto isOver = [&](const Masked& masked) { return masked.at < decided; };
@@ -348,8 +352,8 @@ void I18NStreamOutput::mask(char16_t* text, const char16_t* end) {
     }
 }
 
-// Of what this converter would drop, only we ask the policy; and of lone surrogates, which it would
-// keep back.
+// This converter would drop some characters and hold back lone surrogates. For these, this function
+// asks the policy itself.
 I18NProgress I18NStreamOutput::encodeAroundLost(const char16_t* text, const char16_t* end,
                                                 bool flush, I18NStreamBuffer& bytes) {
     int length = 0;
@@ -451,12 +455,13 @@ void I18NStreamOutput::found(UConverterFromUnicodeArgs* args, const UChar* units
         units = &masked->unit;
         codePoint = masked->unit;
     } else if (at >= m_iUnits) {
-        // The converter to ISCII reports what it looked up, which may be another character.
+        // The converter to ISCII reports the character that it has looked up, which may be another
+        // one.
         units = m_pBegin + (at - m_iUnits);
         codePoint = length == 2 ? U16_GET_SUPPLEMENTARY(units[0], units[1]) : *units;
     }
     m_finding = {at, static_cast<char32_t>(codePoint), *status == U_TRUNCATED_CHAR_FOUND, false};
-    // No exception of these crosses ICU's frames.
+    // No exception from here may cross ICU's frames.
     try {
         m_finding.bestFit =
             m_bFits && reason == UCNV_UNASSIGNED && m_mappings.hasFit(units, length);
@@ -479,7 +484,7 @@ void I18NStreamOutput::treat(UConverterFromUnicodeArgs* args, const UChar* units
         write(args, units, static_cast<std::size_t>(length), status);
         ucnv_setFallback(m_pICU, false);
     } else if (m_pReplacement != nullptr) {
-        // Nobody is told about what the encoding lacks of it.
+        // Characters that the encoding lacks are left out without a report.
         m_bLeavesOut = true;
         write(args, m_pReplacement->units, m_pReplacement->count, status);
         m_bLeavesOut = false;
@@ -488,7 +493,7 @@ void I18NStreamOutput::treat(UConverterFromUnicodeArgs* args, const UChar* units
     }
 }
 
-// In the shift state that there is.
+// Writes in the current shift state.
 void I18NStreamOutput::write(UConverterFromUnicodeArgs* args, const UChar* units,
                              std::size_t length, UErrorCode* status) {
     *status = U_ZERO_ERROR;

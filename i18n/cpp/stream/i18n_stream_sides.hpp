@@ -11,8 +11,8 @@
 #include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/stream/i18n_stream_mappings.hpp"
 
-/// What a text stream is made of: a converter each way whose policies are listened to, and the
-/// buffer for what comes out. Offsets are those of the whole stream.
+/// The parts of a text stream: a converter for each direction, whose policy reports to the stream,
+/// and the buffer for the output. Offsets count from the start of the stream.
 
 /// Bytes that were not convertible.
 struct I18NInputFinding {
@@ -20,8 +20,8 @@ struct I18NInputFinding {
     std::int64_t at;      ///< in the text, where the replacement stands
     int units;            ///< of the replacement
     int length;
-    bool cutOff;                           ///< the input ended
-    static constexpr int kMostBytes = 16;  // more than ICU has at a time
+    bool cutOff;                           ///< the input ended in the middle of the bytes
+    static constexpr int kMostBytes = 16;  // more than ICU reports at once
     char bytes[kMostBytes];
 };
 
@@ -35,15 +35,15 @@ struct I18NOutputFinding {
 
 /// A text to write in place of a code point.
 struct I18NReplacement {
-    static constexpr std::size_t kMost = 8;  // that fit where ICU keeps what does not fit elsewhere
+    static constexpr std::size_t kMost = 8;  // as many as fit into ICU's overflow buffer
     char16_t units[kMost];
     std::size_t count;
 };
 
-/// Hears of a code point once all in front of it is converted, and before the policy is asked.
+/// Receives a code point once all text before it is converted, and before the policy applies.
 class I18NOutputFinder {
 public:
-    /// @return what to write; null to ask the policy. It is used before the next call.
+    /// @return what to write, which is used before the next call; null to apply the policy
     virtual const I18NReplacement* found(const I18NOutputFinding& finding) = 0;
 
 protected:
@@ -51,15 +51,15 @@ protected:
 };
 
 enum class I18NProgress {
-    kDone,    ///< all was taken
+    kDone,    ///< all input is used
     kFull,    ///< there is more; call again
-    kRefused  ///< by the policy, of which the last finding tells
+    kRefused  ///< by the policy; see the last finding
 };
 
-/// What is converted without ICU as far as it is well-formed.
+/// Well-formed text in the first two forms is converted without ICU.
 enum class I18NStreamForm { kUTF8, kUTF16, kOther };
 
-/// Bytes that grow and are used again.
+/// A buffer of bytes that grows and is used again.
 class I18NStreamBuffer {
 public:
     I18NStreamBuffer() = default;
@@ -67,7 +67,7 @@ public:
     I18NStreamBuffer(const I18NStreamBuffer&) = delete;
     I18NStreamBuffer& operator=(const I18NStreamBuffer&) = delete;
 
-    /// Makes room behind what there is. @throws QBLOutOfMemoryError
+    /// Makes room after the present bytes. @throws QBLOutOfMemoryError
     void reserve(std::size_t more);
     void clear() { m_iSize = 0; }
     void append(const void* bytes, std::size_t size);
@@ -86,20 +86,20 @@ private:
 class I18NStreamInput {
 public:
     explicit I18NStreamInput(const I18NConverter& converter);
-    /// Another encoding, with the policy of a side that has not been used.
+    /// Uses another encoding, with the policy of a side that has not been used.
     I18NStreamInput(const char* encoding, const I18NStreamInput& policy);
     I18NStreamInput(const I18NStreamInput&) = delete;
     I18NStreamInput& operator=(const I18NStreamInput&) = delete;
 
     const I18NConverter& converter() const { return m_converter; }
-    /// @param text  moves on behind what was written
+    /// @param text  advances past the units written
     /// @throws QBLOutOfMemoryError, I18NRuntimeError
     I18NProgress decode(const char*& at, const char* end, bool flush, char16_t*& text,
                         const char16_t* limit);
-    /// Counts the text from behind its first unit.
+    /// Makes offsets count from the second unit of the text.
     void dropFirstUnit();
 
-    /// In the order of the text; whoever has dealt with them takes them out.
+    /// In the order of the text; the user removes findings that it has handled.
     std::vector<I18NInputFinding> findings;
 
 private:
@@ -124,18 +124,19 @@ private:
     bool m_bRefused = false;
     I18NStreamForm m_form = I18NStreamForm::kOther;
     bool m_bByteByByte = false;
-    bool m_bUnfinished = false;  // ICU keeps something
+    bool m_bUnfinished = false;  // ICU holds bytes
     bool m_bIsUTF16 = false;
     bool m_bIsBOCU = false;
-    std::int64_t m_iSequence = 0;  // of BOCU-1: where the present one begins
-    std::int64_t m_iBytes = 0;     // in front of m_pBegin
-    std::int64_t m_iUnits = 0;     // in front of m_pText
-    // The source of findings: the slice that is being decoded, and the last bytes before it.
+    std::int64_t m_iSequence = 0;  // where the current one begins; BOCU-1 only
+    std::int64_t m_iBytes = 0;     // before m_pBegin
+    std::int64_t m_iUnits = 0;     // before m_pText
+    // The bytes that findings are searched in: the slice that is being decoded, and the last bytes
+    // before it.
     static constexpr int kHistory = 64;
     char m_history[kHistory] = {};
     const char* m_pSlice = nullptr;
-    std::int64_t m_iSlice = 0;  // in front of m_pSlice
-    // Of the call that is being made.
+    std::int64_t m_iSlice = 0;  // before m_pSlice
+    // For the current call of ICU.
     const char* m_pBegin = nullptr;
     const char* m_pEnd = nullptr;
     const char16_t* m_pText = nullptr;
@@ -148,23 +149,25 @@ public:
     I18NStreamOutput& operator=(const I18NStreamOutput&) = delete;
 
     const I18NConverter& converter() const { return m_converter; }
-    /// How much of a text to convert at once, of which more may come; the rest comes with that.
+    /// Returns how much of a text to convert now if more may follow; the rest is converted with
+    /// that.
     std::size_t portion(const char16_t* text, std::size_t units) const;
-    /// What the finder throws comes out here; all in front of its finding is converted then.
-    /// @param text  is changed where ICU is to be kept from characters
+    /// Exceptions from the finder leave this function; all text before its finding is converted
+    /// then.
+    /// @param text  changed where characters are hidden from ICU
     /// @throws QBLOutOfMemoryError, I18NRuntimeError
     I18NProgress encode(char16_t* text, const char16_t* end, bool flush, I18NStreamBuffer& bytes);
-    /// What the policy has refused.
+    /// The finding that the policy has refused.
     const I18NOutputFinding& lastFinding() const { return m_finding; }
-    /// Ends text that something refused: what is undecided comes out if it can be converted, and
-    /// is left out if not.
+    /// Ends the output after a refusal. Outputs undecided text if it can be converted, and leaves
+    /// it out if not.
     /// @throws QBLOutOfMemoryError, I18NRuntimeError
     void shiftBack(I18NStreamBuffer& bytes);
-    /// Units at the end of the text that may still be found not convertible.
+    /// The number of units at the end of the text that may still turn out not to be convertible.
     int undecided() const;
 
 private:
-    /// A character that ICU is kept from.
+    /// A character that is hidden from ICU.
     struct Masked {
         std::int64_t at;
         char16_t unit;
@@ -195,17 +198,17 @@ private:
     I18NStreamForm m_form;
     I18NStreamMappings m_mappings;
     std::vector<Masked> m_masked;
-    bool m_bInPortions;  // of one size
+    bool m_bInPortions;  // all of one size
     bool m_bFits;        // best fits are applied
     UConverterFromUCallback m_policy = nullptr;
     const void* m_pPolicyContext = nullptr;
     I18NOutputFinding m_finding = {};
-    const I18NReplacement* m_pReplacement = nullptr;  // of that finding
-    std::exception_ptr m_thrown;                      // by the finder
+    const I18NReplacement* m_pReplacement = nullptr;  // for that finding
+    std::exception_ptr m_thrown;                      // the exception of the finder
     bool m_bRefused = false;
     bool m_bUnfinished = false;
-    bool m_bLeavesOut = false;  // what is not convertible, without a finding
-    std::int64_t m_iUnits = 0;  // in front of m_pBegin
+    bool m_bLeavesOut = false;  // leaves out what is not convertible, without a finding
+    std::int64_t m_iUnits = 0;  // before m_pBegin
     const char16_t* m_pBegin = nullptr;
     const char16_t* m_pEnd = nullptr;
 };
