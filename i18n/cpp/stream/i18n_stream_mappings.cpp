@@ -15,7 +15,7 @@ constexpr int kMostUnits = 16;
 constexpr char16_t kFirstPrivate = 0xE000;
 constexpr char16_t kPrivateUnits = 0xF900 - kFirstPrivate;
 
-// Both leave the error that they are called for.
+// Both keep the error that they are called with.
 void refuseOutput(const void*, UConverterFromUnicodeArgs*, const UChar*, int32_t, UChar32,
                   UConverterCallbackReason, UErrorCode*) {}
 void refuseInput(const void*, UConverterToUnicodeArgs*, const char*, int32_t,
@@ -40,7 +40,7 @@ I18NStreamMappings::I18NStreamMappings(const I18NConverter& converter) : m_conve
 
 const char16_t* I18NStreamMappings::firstSuspect(const char16_t* text, const char16_t* end) const {
     if (m_bMayLoseAny) return text;
-    // Below 0x1900 without a sign is below that number less 0x8000 with one.
+    // SSE2 compares signed numbers only, so both sides are shifted by 0x8000.
     const __m128i first = _mm_set1_epi16(static_cast<short>(kFirstPrivate ^ 0x8000));
     const __m128i count = _mm_set1_epi16(static_cast<short>(kPrivateUnits - 0x8000));
     constexpr std::ptrdiff_t kBlock = sizeof(__m128i) / sizeof *text;
@@ -80,14 +80,14 @@ bool I18NStreamMappings::findLost(const char16_t* units, int length) {
     UChar back[kMostUnits];
     UErrorCode status = U_ZERO_ERROR;
     const int size = ucnv_fromUChars(icu, bytes, kMostBytes, units, length, &status);
-    if (U_FAILURE(status)) return false;  // a policy is asked
+    if (U_FAILURE(status)) return false;  // ICU asks a policy
     const int count = ucnv_toUChars(icu, back, kMostUnits, bytes, size, &status);
     return U_FAILURE(status) || count != length || !std::equal(units, units + length, back);
 }
 
 bool I18NStreamMappings::hasFit(const char16_t* units, int length) {
     if (!isConvertible(units, length, true)) return false;
-    // Others are refused because of what is in front of them.
+    // Other characters are refused because of the text before them.
     return !isConvertible(units, length, false) || isLost(units, length);
 }
 
@@ -98,6 +98,6 @@ bool I18NStreamMappings::isConvertible(const char16_t* units, int length, bool f
     char* at = bytes;
     UErrorCode status = U_ZERO_ERROR;
     ucnv_fromUnicode(icu, &at, bytes + kMostBytes, &units, units + length, nullptr, false, &status);
-    // One that waits for another character is decided with that.
+    // A character that waits for another one is decided together with that one.
     return U_SUCCESS(status) && at != bytes && ucnv_fromUCountPending(icu, &status) == 0;
 }

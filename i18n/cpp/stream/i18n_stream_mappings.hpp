@@ -7,26 +7,28 @@
 
 #include "i18n/cpp/i18n_converter.hpp"
 
-/// What becomes of single characters in an encoding, found out with a converter of its own.
+/// Tells how an encoding converts single characters. Uses a converter of its own to find out.
 ///
-/// ICU applies some mappings that do not lead back whatever it is told: those of private-use
-/// characters, for which it has no policy asked. And its converter to compound text drops what
-/// that encoding lacks. Nothing but reading the bytes again shows either.
+/// ICU converts some characters without asking a policy, although they do not survive a round trip.
+/// It always applies the best fits of private-use characters, and its converter to compound text
+/// drops characters that the encoding lacks. Only decoding the bytes again shows either case.
 class I18NStreamMappings {
 public:
-    /// @param converter  must outlive this
+    /// @param converter  must outlive this object
     explicit I18NStreamMappings(const I18NConverter& converter);
     I18NStreamMappings(const I18NStreamMappings&) = delete;
     I18NStreamMappings& operator=(const I18NStreamMappings&) = delete;
 
-    /// Whether ICU has to be kept from characters, and from any but those of private use.
+    /// Whether characters must be hidden from ICU, and whether these may be others than private-use
+    /// characters.
     bool mayLose() const { return m_bMayLose; }
     bool mayLoseAny() const { return m_bMayLoseAny; }
-    /// The first unit that may begin a character that does not come back, or the end.
+    /// Returns the first unit that may begin a character to hide, or the end.
     const char16_t* firstSuspect(const char16_t* text, const char16_t* end) const;
-    /// Whether ICU converts a character without a policy although it does not come back.
+    /// Returns true if ICU converts a character without asking a policy although it does not
+    /// survive a round trip.
     bool isLost(const char16_t* units, int length);
-    /// Whether there is a best fit for it.
+    /// Returns true if the character has a best fit.
     bool hasFit(const char16_t* units, int length);
 
 private:

@@ -18,7 +18,7 @@ __m128i isIn(__m128i units, char16_t surrogates) {
     return equals(_mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xFC00))), surrogates);
 }
 
-// Of CR LF it is the CR.
+// In CR LF the CR counts as the line end.
 struct LineEnd {
     static bool is(char16_t unit, char16_t before) {
         return unit == u'\r' || (unit == u'\n' && before != u'\r');
@@ -36,7 +36,7 @@ struct SecondOfPair {
     }
 };
 
-// Each of eight counters counts every eighth unit, which is why there is a limit to a piece.
+// Each of eight 16-bit counters counts every eighth unit, which limits the size of a piece.
 template <class Kind>
 int count(const char16_t* at, const char16_t* end, char16_t before) {
     if (at == end) return 0;
@@ -51,7 +51,7 @@ int count(const char16_t* at, const char16_t* end, char16_t before) {
     return found;
 }
 
-// Behind the last CR or LF, which there is.
+// Returns the position after the last CR or LF. Requires: there is one.
 const char16_t* lastLine(const char16_t* begin, const char16_t* end) {
     for (; end - begin >= kStep; end -= kStep) {
         const __m128i units = load(end - kStep);

@@ -18,7 +18,7 @@ const char kBadBlock[] = "I18NTextStream::put: the block is null, or not what th
 const char kNotAsked[] = "I18NTextStream::replaceBy: nothing is to be replaced";
 const char kBadReplacement[] = "I18NTextStream::replaceBy: the text is null or too long";
 const char kEnded[] = "I18NTextStream: the stream has ended";
-// At most 60 characters of the name are shown.
+// The messages show at most 60 characters of the name.
 const char kBadBytes[] = "I18NTextStream: byte %lld, line %lld, column %lld:%s is %s %.60s";
 const char kBadCharacter[] = "I18NTextStream: line %lld, column %lld: U+%04lX is %s %.60s";
 const char kNotIn[] = "not in";
@@ -26,7 +26,7 @@ const char kCutOff[] = "cut off, in";
 
 constexpr char16_t kMark = 0xFEFF;
 
-// One that another begins with comes behind that.
+// A mark that begins with another mark comes before that one.
 const struct {
     const char* encoding;
     const char* mark;
@@ -37,9 +37,9 @@ const struct {
               {"UTF-16LE", "\xFF\xFE", 2},
               {"UTF-16BE", "\xFE\xFF", 2}};
 
-// Bounds what has to be noted of bytes that become no text at all.
+// Limits the number of findings for bytes that become no text at all.
 constexpr std::ptrdiff_t kSlice = 0x10000;
-// With more than this no text in front of them is held back.
+// If there are more findings than this, the text before them is no longer held back.
 constexpr std::size_t kMostWaiting = 0x10000;
 
 }  // namespace
@@ -55,7 +55,7 @@ I18NTextStreamState::I18NTextStreamState(const I18NConverter* from, const I18NCo
     if (from == nullptr && m_bChooses) QBL_THROW(I18NRuntimeError(I18N_ARGUMENT, kNothingToChoose));
 }
 
-// What is begun has ended unless it comes to its end.
+// A call that throws ends the stream.
 void I18NTextStreamState::begin(bool fits) {
     if (!fits) QBL_THROW(I18NRuntimeError(I18N_ARGUMENT, kBadBlock));
     if (m_bEnded) QBL_THROW(QBLIllegalStateError(0, kEnded));
@@ -139,14 +139,14 @@ void I18NTextStreamState::decode(const char* at, const char* end, bool flush) {
 void I18NTextStreamState::stripMark(std::size_t& units) {
     m_bStrips = false;
     if (m_text[0] != kMark) return;
-    // Not if the text begins with the replacement of something.
+    // Keeps U+FEFF if it replaces something.
     if (m_pInput != nullptr && !m_pInput->findings.empty() && m_pInput->findings[0].at == 0) return;
     if (m_pInput != nullptr) m_pInput->dropFirstUnit();
     --units;
     std::memmove(m_text, m_text + 1, units * sizeof *m_text);
 }
 
-// Makes output of so many more units in the buffer.
+// Converts this many more units in the buffer to output.
 void I18NTextStreamState::passOn(std::size_t units, Ending ending) {
     if (m_bStrips && units > 0) stripMark(units);
     units += m_iHeld;
@@ -156,7 +156,7 @@ void I18NTextStreamState::passOn(std::size_t units, Ending ending) {
         do {
             const std::size_t part = portion(units, ending);
             isOver = ending != Ending::kNone && part == units;
-            // Bytes that become no text are told at once if no text waits in front of them.
+            // Bytes that become no text are reported at once, unless text before them is held back.
             if (part > 0 || isOver || units == 0) convert(part, isOver ? ending : Ending::kNone);
             units -= part;
             m_iHeld = units;
@@ -164,7 +164,7 @@ void I18NTextStreamState::passOn(std::size_t units, Ending ending) {
             if (part == 0) break;
         } while (!isOver && units > 0);
     } catch (...) {
-        // All in front of what a policy or the listener refuses has been converted, and no more.
+        // Everything before the refused place has been converted, and nothing after it.
         if (m_pOutput != nullptr) m_pOutput->shiftBack(m_result);
         throw;
     }
@@ -180,12 +180,12 @@ bool I18NTextStreamState::areTooManyWaiting() const {
     return m_pInput != nullptr && m_pInput->findings.size() > kMostWaiting;
 }
 
-// In pieces that end where something was found in the input, to tell it there.
+// Converts in pieces that end where the input has a finding, to report it there.
 void I18NTextStreamState::convert(std::size_t units, Ending ending) {
     const std::size_t end = m_iKept + units;
     while (true) {
         const bool isEnd = m_iKept == end;
-        // What may be half of a pair comes first; it is decided with the next text.
+        // A possible first half of a pair comes before the finding. The next text decides about it.
         const bool isOpen = ending == Ending::kNone && m_iKept > 0 &&
                             i18nIsHigh(m_text[m_iKept - 1]) && !areTooManyWaiting();
         tellInputs(m_iStart + static_cast<std::int64_t>(m_iKept) - (isOpen ? 1 : 0),
@@ -196,7 +196,7 @@ void I18NTextStreamState::convert(std::size_t units, Ending ending) {
     if (ending == Ending::kText) encode(end, true);
 }
 
-/// Where the next piece ends; not between what may be the halves of a pair.
+/// Returns where the next piece ends; never between units that may be the halves of a pair.
 std::size_t I18NTextStreamState::nextFinding(std::size_t end) const {
     if (m_pInput == nullptr) return end;
     for (auto next = m_pInput->findings.begin() + static_cast<std::ptrdiff_t>(m_iTold);
@@ -221,7 +221,7 @@ void I18NTextStreamState::encode(std::size_t end, bool flush) {
     m_iKept = end;
 }
 
-// A code point that is found not convertible later needs its place.
+// A code point that later turns out not to be convertible needs its place.
 void I18NTextStreamState::keepUndecided() {
     const int undecided = m_pOutput != nullptr ? m_pOutput->undecided() : 0;
     const std::size_t waiting = std::min(m_iKept, static_cast<std::size_t>(undecided));
@@ -249,7 +249,7 @@ void I18NTextStreamState::tellInputs(std::int64_t end, bool isRefused) {
 
 void I18NTextStreamState::tellInput(const I18NInputFinding& finding, bool isRefused) {
     countTo(finding.at);
-    if (finding.at == 0) m_bStrips = false;  // what comes later is not at the start
+    if (finding.at == 0) m_bStrips = false;  // later text is not at the start
     I18NUnconvertible what = {};
     what.isCutOff = finding.cutOff;
     what.bytes = finding.bytes;
@@ -275,7 +275,7 @@ I18NUnconvertible I18NTextStreamState::described(const I18NOutputFinding& findin
     what.codePoint = finding.codePoint;
     what.textOffset = finding.at;
     what.line = m_position.line();
-    // All that replaces a sequence stands in the column of that.
+    // Everything that replaces a sequence stands in the column of the sequence.
     what.column = m_position.column() - (finding.at < m_iCounted ? 1 : 0);
     return what;
 }

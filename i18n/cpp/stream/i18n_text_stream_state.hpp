@@ -7,10 +7,10 @@
 #include "i18n/cpp/stream/i18n_stream_sides.hpp"
 #include "i18n/cpp/stream/i18n_text_position.hpp"
 
-/// A text stream inside. Blocks become text piece by piece, in a buffer that a processor's cache
-/// holds, and each piece becomes output before the next one. What is not convertible is told when
-/// the text in front of it is output, and the text behind it is not; lines and columns are counted
-/// up to there.
+/// The inside of a text stream. Converts blocks to text piece by piece, in a buffer that fits a
+/// processor's cache, and converts each piece to output before the next one. Reports text that is
+/// not convertible when the text before it has been output, and the text after it has not. Lines
+/// and columns are counted up to there.
 class I18NTextStreamState final : public I18NOutputFinder {
 public:
     I18NTextStreamState(const I18NConverter* from, const I18NConverter* to, I18NByteOrderMark mark,
@@ -62,21 +62,21 @@ private:
     I18NTextStreamListener* m_pListener;
     bool m_bEnded = false;
     bool m_bStrips;
-    bool m_bChooses;  // until it is done
+    bool m_bChooses;  // until the encoding is chosen
     std::size_t m_iMark = 0;
     char m_mark[kLongestMark] = {};
 
     I18NTextPosition m_position;
-    std::int64_t m_iCounted = 0;  // how far the position has got; replacements are left out
-    std::int64_t m_iStart = 0;    // of the text in the buffer
-    std::size_t m_iKept = 0;      // units in it that are through the converters
-    std::size_t m_iHeld = 0;      // units behind them, such as the first half of a pair
+    std::int64_t m_iCounted = 0;  // how far m_position has counted; skips replacements
+    std::int64_t m_iStart = 0;    // the offset of the text in the buffer
+    std::size_t m_iKept = 0;      // units in the buffer that are converted
+    std::size_t m_iHeld = 0;      // units after them, such as the first half of a pair
     std::int64_t m_iReplacedInput = 0;
     std::int64_t m_iReplacedOutput = 0;
     std::int64_t m_iBestFits = 0;
-    std::size_t m_iTold = 0;  // findings of the input
+    std::size_t m_iTold = 0;  // findings of the input that are reported
     I18NReplacement m_replacement = {};
-    bool m_bMayReplace = false;  // the listener is being told of what can be replaced
+    bool m_bMayReplace = false;  // during a report that replaceBy() may answer
     bool m_bReplaced = false;
     char16_t m_text[kText];
 };
