@@ -6,7 +6,7 @@
 /// A prepared converter that other converters are copied from. The constructor throws what the
 /// constructor of I18NConverter throws.
 ///
-/// Threads: any thread may copy the converter; none may change it.
+/// Threads: any thread may copy the converter; no thread may change it.
 class QBL_API I18NConverterUTF8 {
 public:
     I18NConverterUTF8();
@@ -21,7 +21,7 @@ private:
 
 /// The same for UTF-16 in the machine's byte order.
 ///
-/// Threads: any thread may copy the converter; none may change it.
+/// Threads: any thread may copy the converter; no thread may change it.
 class QBL_API I18NConverterUTF16 {
 public:
     I18NConverterUTF16();
@@ -36,7 +36,7 @@ private:
 
 /// The same for I18NGetPlatformDefaultEncoding().
 ///
-/// Threads: any thread may copy the converter; none may change it.
+/// Threads: any thread may copy the converter; no thread may change it.
 class QBL_API I18NConverterPlatformDefault {
 public:
     I18NConverterPlatformDefault();

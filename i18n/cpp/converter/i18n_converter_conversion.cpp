@@ -91,7 +91,7 @@ void I18NConverter::set(Flag flag, Direction direction, bool on) const {
 
 // Converts into a buffer of the caller and terminates it with a NUL. If only the NUL fits, no text
 // is converted and the call succeeds, since callers rely on that; only a smaller buffer is too
-// small. For a stream this is no success, since it would never come to an end.
+// small. A stream reports I18N_STREAM_FULL instead, since it would never come to an end.
 I18NErrorCodes I18NConverter::convert(Direction direction, char* destination, int size,
                                       const char*& source, const char* end, bool flush,
                                       int& written) const {
@@ -127,7 +127,7 @@ I18NErrorCodes I18NConverter::convert(Direction direction, char* destination, in
 
 // Converts into a block that is large enough for what the encoding usually needs. Collects the rest
 // in a string and then enlarges the block once, by whole steps. So the time and the number of
-// allocations do not depend on how much the first size lacked.
+// allocations do not depend on how far off the first size was.
 char* I18NConverter::allocate(Direction direction, int* size, const char* source, const char* end,
                               bool flush, I18NStringAllocator allocator, void* context) const {
     const auto run = direction == kInput ? i18nToUnicode : i18nFromUnicode;

@@ -8,9 +8,9 @@
 
 namespace {
 
-// The units that UTF-16 at an odd address is copied through.
+// The size of the buffer through which UTF-16 at an odd address is copied.
 constexpr std::ptrdiff_t kPieceUnits = 512;
-// The units that ICU takes at a time.
+// The most units that ICU takes at a time.
 constexpr std::ptrdiff_t kMostUnits = 0x3FFFFFFF;
 constexpr std::ptrdiff_t kUnit = sizeof(UChar);
 

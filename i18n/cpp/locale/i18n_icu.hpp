@@ -22,8 +22,8 @@ void i18nWarmUpICU();
 /// The process's default locale.
 /// @throws QBLOutOfMemoryError if ICU has no memory to determine the locale
 const icu::Locale& i18nDefaultLocale();
-/// Returns ICU's first name of an encoding, which lives as long as ICU; null for an unknown
-/// encoding.
+/// Returns ICU's first name of an encoding; null for an unknown encoding. The text lives as long as
+/// ICU.
 /// @throws QBLOutOfMemoryError if ICU has no memory to read its table of names
 const char* i18nCanonicalEncoding(const char* encoding);
 

@@ -46,12 +46,12 @@ struct I18NSettings {
     /// @return the settings of the locale if they are in use, else null
     const I18NLocaleSettings* find(const I18NLocale& locale) const;
 
-    /// Returns the settings in force: the defaults until others are published.
+    /// Returns the current settings: the defaults until others are published.
     ///
     /// Threads: any thread. Strings and converters use the settings at any time, including the
     /// start and the stop of the layer. So published settings are never changed or destroyed.
     static const I18NSettings& now();
-    /// Puts settings into force, or the defaults for null. Reuses earlier settings that are equal.
+    /// Makes settings current, or the defaults for null. Reuses earlier settings that are equal.
     /// @throws std::bad_alloc; nothing is changed then
     static void publish(std::unique_ptr<I18NSettings> settings);
     static constexpr int kMostLists = 3;  ///< lists that get a number

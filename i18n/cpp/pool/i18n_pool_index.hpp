@@ -62,7 +62,7 @@ private:
     static std::uintptr_t tagOf(std::uint32_t spread) { return spread >> 2 & kTag; }
 
     /// The address and the number of the slots in one word. The address is a multiple of 64, so the
-    /// bits below hold the logarithm of the number.
+    /// low six bits are free for the logarithm of the number.
     class Table {
     public:
         explicit Table(char* word) : m_pWord(word) {}

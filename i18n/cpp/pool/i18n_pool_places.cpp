@@ -58,7 +58,7 @@ public:
         ++block.live;
         block.rested = false;
         if (!block.hasRoom()) unlink(block);
-        // The next place is hardly in the cache, nor is the next link of the list.
+        // Prefetches the next place with its link of the list, which is rarely in the cache.
         const Entry* const next = block.empty != nullptr ? block.empty : place + 1;
         for (std::size_t at = 0; at < sizeof *next; at += 64)
             __builtin_prefetch(reinterpret_cast<const char*>(next) + at, 1);
@@ -105,7 +105,7 @@ private:
             new (&block->places()[i].refCount) std::atomic<std::uint32_t>(0);
         link(*block);
     }
-    // Regions grow with the pool and then use large pages, since places are accessed in any order.
+    // Regions grow with the pool. Large ones use large pages, since places are read in any order.
     void addRegion() QBL_REQUIRES(m_lock) {
         std::size_t blocks = std::clamp<std::size_t>(m_blocks.size(), 1, kMostBlocks);
         void* memory = nullptr;

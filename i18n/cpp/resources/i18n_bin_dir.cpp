@@ -35,8 +35,8 @@ std::string joined(std::string base, const char* relative) {
     return base;
 }
 
-/// Returns an empty text in a program that has more rights than the user who started it and set its
-/// variables.
+/// Returns the value of an environment variable. Ignores the environment if the program has more
+/// rights than the user who started it.
 std::string environment(const char* name) {
     const char* value = secure_getenv(name);
     return value != nullptr ? value : "";

@@ -14,7 +14,7 @@
 struct I18NMapSource {
     const char* base;       ///< the beginning of the file names
     const char* table;      ///< the element around the entries; "" for entries outside tables
-    const char* attribute;  ///< of the value; "" for "value", or any of a value element
+    const char* attribute;  ///< that holds the value; "" for "value" (in <value>: the first)
     const char* failure;    ///< the error text if there is no entry; null for no error
 };
 

@@ -6,8 +6,8 @@
 
 #include "i18n/cpp/locale/i18n_settings.hpp"
 
-/// Reads a resource file. An invalid item, such as a number out of range or an encoding that ICU
-/// does not know, is left out, and nothing else is.
+/// Reads a resource file. Skips only invalid items, such as a number out of range or an encoding
+/// that ICU does not know.
 /// @param seen  receives whether the file could be examined; true also for a file that does not
 ///     exist
 /// @return null if the file cannot be opened or read

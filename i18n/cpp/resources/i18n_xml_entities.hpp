@@ -4,7 +4,7 @@
 #include <string>
 
 /// Replaces &lt; &gt; &amp; &apos; and &quot; by the characters that they stand for. The result is
-/// not searched again, so "&amp;lt;" gives "&lt;". Names in other case, numeric entities and
+/// not searched again, so "&amp;lt;" gives "&lt;". Names in upper case, numeric entities and
 /// truncated entities stay as they are.
 void i18nReplaceXMLEntities(std::string& utf8);
 void i18nReplaceXMLEntities(std::u16string& text);

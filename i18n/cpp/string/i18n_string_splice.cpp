@@ -13,7 +13,7 @@
 
 // How a string replaces a part of its text.
 //
-// splice() limits the part to the text, checks the length, and decides what the text is kept in.
+// splice() limits the part to the text, checks the length, and decides how the text is stored.
 // spliceUnits() replaces units at once if none of them can combine with another. Otherwise
 // changeOf() works out what the text becomes, and combine() makes that change.
 //
