@@ -118,7 +118,7 @@ public:
     /// @throws I18NRuntimeError, QBLOutOfMemoryError
     const icu::Transliterator* getURLEncodeTranslit();
 
-    /// Returns the currency's name in a language, or getNoDescriptionWord() if there is none.
+    /// Returns the currency's name in a language, or getNoDescriptionWord() if it is missing.
     std::u16string getCurrencyDescription(const char* currency, const I18NLocale& locale);
     void getCurrencyDescription(const char* currency, const I18NLocale& locale,
                                 I18NString& description);

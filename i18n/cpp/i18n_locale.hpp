@@ -25,7 +25,7 @@ public:
     /// @throws QBLOutOfMemoryError
     explicit I18NLocale(const char* id);
     explicit I18NLocale(const I18NString& id);
-    /// @param country, variant  null or empty if there is none
+    /// @param country, variant  null or empty to leave it out
     I18NLocale(const char* language, const char* country, const char* variant = nullptr);
     I18NLocale(const I18NLocale& other);
     I18NLocale& operator=(const I18NLocale& other);
@@ -36,9 +36,9 @@ public:
 
     /// In lower case, usually two or three letters.
     const char* getLanguage() const;
-    /// In upper case; empty if there is none.
+    /// In upper case; empty if the locale has none.
     const char* getCountry() const;
-    /// In upper case; empty if there is none.
+    /// In upper case; empty if the locale has none.
     const char* getVariant() const;
     /// The whole name, such as "fr_FR_EURO", including the script and the keywords if there are
     /// any.

@@ -115,7 +115,7 @@ private:
     // Settings of the purge.
     static std::atomic<long> s_interval;  // seconds
     static std::atomic<bool> s_dumpToFile;
-    static std::atomic<bool> s_init;  // the two have been read
+    static std::atomic<bool> s_init;  // whether both have been read
 
     I18NPooledStringEntry* m_pEntry = nullptr;
 };
@@ -138,7 +138,7 @@ public:
     const I18NString& getString(const char* utf8);
     /// Does the same for the UTF-8 form of a string, as I18NPooledString takes it.
     const I18NString& getString(const I18NString& text);
-    /// Releases one holder; does nothing if there is none.
+    /// Releases one holder; does nothing without a holder.
     /// @param string  the object that getString() of this class returned, passed once for each such
     ///     call. Do not pass the string of an I18NPooledString, which releases it itself
     /// @throws QBLIllegalArgumentError if the string is not in the pool

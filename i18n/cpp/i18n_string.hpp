@@ -80,7 +80,7 @@ public:
     /// error value: U+0015, U+009F, U+FFFF or U+10FFFF. In other encodings, bytes that are not
     /// convertible are replaced as under I18N_SUBSTITUTE. If the encoding needs a converter, the
     /// string is empty until the internationalisation layer is initialised.
-    /// @throws I18NRuntimeError -3 if a converter is needed and there is none for the encoding
+    /// @throws I18NRuntimeError -3 if a converter is needed and the encoding is unknown
     explicit I18NString(const char* bytes, const char* encoding = nullptr, int length = -1,
                         I18NStringAllocator allocator = nullptr, void* context = nullptr);
     /// Decodes bytes with a converter and its policies; also works before the layer is initialised.
@@ -153,7 +153,7 @@ public:
     /// @name Searching
     /// @{
 
-    /// @return the offset of the first match at or after start, or -1 if there is none. An empty
+    /// @return the offset of the first match at or after start, or -1 without a match. An empty
     ///     text is found at start unless start is beyond the end.
     I18NStringOffset find(const I18NString& text, I18NStringOffset start = 0) const;
     I18NStringOffset find(const wchar_t* text, I18NStringOffset start = 0) const;
@@ -204,7 +204,7 @@ public:
     /// Returns the offset after the code point at an offset, or -1 if the offset is not in the
     /// string.
     I18NStringOffset incrementOffset(I18NStringOffset offset) const;
-    /// Returns the offset of the code point before an offset, or -1 if there is none.
+    /// Returns the offset of the code point before an offset, or -1 at the beginning and outside.
     I18NStringOffset decrementOffset(I18NStringOffset offset) const;
     /// Returns the code point at an offset; 0 at the end and outside the string.
     wchar_t codePointAt(I18NStringOffset offset) const;
@@ -224,7 +224,7 @@ public:
     ///     that is stored as UTF-16 has four bytes
     /// @param allocator, context  for the conversion; null means those of the string. They must
     ///     stay usable as long as the string, or until the string is converted again after a change
-    /// @throws I18NRuntimeError -3 if a converter is needed and there is none for the encoding
+    /// @throws I18NRuntimeError -3 if a converter is needed and the encoding is unknown
     const char* c_str(const char* encoding = nullptr, int* length = nullptr,
                       I18NStringAllocator allocator = nullptr, void* context = nullptr) const {
         if (m_pUnicodeString != nullptr || encoding != nullptr)
@@ -473,7 +473,7 @@ QBL_API I18NString operator+(const I18NString& a, const I18NString& b);
 QBL_API I18NString operator+(const I18NString& a, const char* utf8);
 QBL_API I18NString operator+(const I18NString& a, const wchar_t* b);
 QBL_API I18NString operator+(const I18NString& a, wchar_t b);
-/// Writes the UTF-8 form, without the terminating zero.
+/// Writes the UTF-8 form, without a terminating NUL.
 QBL_API std::ostream& operator<<(std::ostream& out, const I18NString& text);
 /// Reads a word up to white space as UTF-8.
 QBL_API std::istream& operator>>(std::istream& in, I18NString& text);

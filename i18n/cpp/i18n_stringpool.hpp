@@ -20,7 +20,7 @@ public:
     I18NStringPool(const I18NStringPool&) = delete;
     I18NStringPool& operator=(const I18NStringPool&) = delete;
 
-    /// Returns the pool's string with this text, and adds it if there is none.
+    /// Returns the pool's string with this text, and adds it if it is missing.
     /// @throws QBLOutOfMemoryError
     const I18NString& getPooledString(const I18NString& text);
     /// @param bytes  null is the empty text

@@ -163,8 +163,8 @@ public:
     /// The number of code points that became best fits since the start; they do not count as
     /// replaced.
     std::int64_t getBestFits() const;
-    /// The line and column after the text that has been output. They may be a few code points
-    /// behind while these wait for another one that the output's encoding might combine with them.
+    /// The line and column after the text that has been output. They may lag by a few code points
+    /// that wait for another one which the output's encoding might combine with them.
     std::int64_t getLine() const;
     std::int64_t getColumn() const;
     /// The name of the input's encoding; null for UTF-16. If a byte-order mark has chosen the

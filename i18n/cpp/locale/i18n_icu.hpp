@@ -7,7 +7,7 @@ U_NAMESPACE_BEGIN
 class Locale;
 U_NAMESPACE_END
 
-/// Gives ICU a data directory: the installation's bin directory. If there is none and the process
+/// Gives ICU a data directory: the installation's bin directory. If that is missing and the process
 /// has not set a data directory, this is the working directory. Every function that makes ICU read
 /// data calls this first. Only the first call has an effect, since ICU does not allow a change
 /// while it is in use. Data that is linked to ICU takes precedence, so that no file in the

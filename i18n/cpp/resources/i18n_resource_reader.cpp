@@ -47,7 +47,7 @@ locale_t cLocale() {
     return kPlain;
 }
 
-/// Returns the last position of a text outside quotes; npos if there is none.
+/// Returns the last position of a text outside quotes; npos if it is not found.
 std::size_t findLastUnquoted(std::string_view line, std::string_view text) {
     std::size_t last = std::string_view::npos;
     bool quoted = false;

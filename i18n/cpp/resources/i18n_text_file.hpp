@@ -57,7 +57,7 @@ private:
         void operator()(std::FILE* file) const;
     };
 
-    /// @return the next byte; EOF if there is none
+    /// @return the next byte; EOF if no more is read
     int nextByte();
     void settle(int error);
 

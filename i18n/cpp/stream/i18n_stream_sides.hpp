@@ -207,7 +207,7 @@ private:
     std::exception_ptr m_thrown;                      // the exception of the finder
     bool m_bRefused = false;
     bool m_bUnfinished = false;
-    bool m_bLeavesOut = false;  // leaves out what is not convertible, without a finding
+    bool m_bLeavesOut = false;  // leaves out unconvertible text, without a finding
     std::int64_t m_iUnits = 0;  // before m_pBegin
     const char16_t* m_pBegin = nullptr;
     const char16_t* m_pEnd = nullptr;

@@ -5,11 +5,11 @@
 
 #include "i18n/cpp/i18n_allocator.h"
 
-/// A block of memory from a caller's allocator, or from realloc(3) if there is none. The destructor
+/// A block of memory from a caller's allocator, or from realloc(3) without one. The destructor
 /// frees the block unless release() has been called.
 class I18NBlock {
 public:
-    /// @param block  a block of this allocator to own; null if there is none yet
+    /// @param block  a block of this allocator to own; null to start without one
     explicit I18NBlock(I18NStringAllocator from = nullptr, void* of = nullptr,
                        char* block = nullptr)
         : m_allocator(from), m_pContext(of), m_pBlock(block) {}

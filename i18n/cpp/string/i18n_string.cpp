@@ -46,7 +46,7 @@ Word copyTwo(char* out, const char* bytes, std::size_t length) {
     return first | last;
 }
 
-/// @return whether all bytes are ASCII
+/// @return true if all bytes are ASCII
 bool copyShort(char* out, const char* bytes, std::size_t length) {
     if (length >= 16) {
         const auto* const from = reinterpret_cast<const __m128i*>(bytes);

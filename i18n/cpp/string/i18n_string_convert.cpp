@@ -85,7 +85,7 @@ void settle(int code) {
 
 /// An encoding can be spelled in any number of ways, and the name may come from a program's
 /// clients.
-/// @return a name that all spellings of the encoding have in common; empty if there is none
+/// @return a name that all spellings of the encoding have in common; empty if unknown
 std::string anyNameOf(const char* encoding) {
     if (encoding == nullptr || i18nIsUTF8(encoding)) return "UTF8";
     if (i18nIsUTF16(encoding)) return "UTF16";

@@ -213,8 +213,8 @@ public:
 
     /// Matches the pattern from an offset.
     /// @param whole  true if the match must reach the end of the text
-    /// @return the end of the shortest match; -1 if there is none, kNoneBehind if there is none
-    ///     from any later offset either
+    /// @return the end of the shortest match; -1 without a match, kNoneBehind if no later offset
+    ///     gives a match either
     static constexpr int kNoneBehind = -2;
     int match(const I18NTextView& text, int at, bool whole) const {
         return text.ascii() != nullptr ? matchIn(Bytes(text), at, whole) : matchIn(text, at, whole);
