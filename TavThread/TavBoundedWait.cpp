@@ -59,7 +59,7 @@ constexpr int kTryScore = 4;  // of an attempt after some time without
 constexpr std::int64_t kPauseNsPerScore = 1200;
 constexpr int kPauses = 4;  // between two looks at the count
 constexpr int kYields = 3;
-// Short sleeps until the next attempt: after pausing, or yielding, in vain, and after a yield that
+// Short sleeps until the next attempt: after pauses or yields without success, and after a yield that
 // gave the processor to a busy thread for so long that a thousand short sleeps are cheaper.
 constexpr int kAfterMisses = -16;
 constexpr int kAfterLongYield = -4000;

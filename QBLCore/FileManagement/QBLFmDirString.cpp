@@ -116,12 +116,12 @@ void QBLFmDir::joinPath(I18NString& base, const I18NString& relative) {
 
 bool QBLFmDir::splitPath(const I18NString& path, I18NString* directory, I18NString* file) {
     return qblSettle([&] {
-        std::string before, behind;
+        std::string before, after;
         if (!splitPath(qblPlatformPath(path), directory != nullptr ? &before : nullptr,
-                       file != nullptr ? &behind : nullptr))
+                       file != nullptr ? &after : nullptr))
             return false;
         if (directory != nullptr) setPath(*directory, before);
-        if (file != nullptr) setPath(*file, behind);
+        if (file != nullptr) setPath(*file, after);
         return true;
     });
 }

@@ -19,7 +19,7 @@ class QBLThreadExecuteRunnable;
 /// run() itself runs the piece. A piece may add other pieces to its group. If the pool does not
 /// accept such a piece, the next thread of the group that becomes free runs it; this can be a
 /// thread in wait(). A piece that waits for another group blocks its worker. So in a pool of a
-/// fixed size, all workers may come to wait for each other.
+/// fixed size, all workers may end up waiting for each other.
 ///
 /// Threads: any thread may call run() and wait(). The pool must outlive the last wait. Do not stop
 /// the pool before that wait, because a pool that drops its queue would leave the group waiting.

@@ -14,7 +14,7 @@
 // The queue, the lists, both counts and the workers' states change under m_mutex only.
 //
 // The states of a worker:
-//   starting  made by addWorker(). Its thread may still get lost, for want of memory to begin.
+//   starting  made by addWorker(). Its thread is lost if there is no memory for it to begin.
 //   awake     has begun: runs a task, or looks for one, or was woken and will look.
 //   idle      found the queue empty, and waits to be woken. Idle workers are at the front of
 //             m_living, which has all of the states above; the latest is woken first.

@@ -65,8 +65,8 @@ public:
     auto find(const char* name) const {
         using Code = decltype(m_rows[0].code);
         if (name == nullptr) return Code{};
-        const auto isBefore = [this](unsigned char row, const char* sought) {
-            return std::strcmp(m_rows[row].name, sought) < 0;
+        const auto isBefore = [this](unsigned char row, const char* wanted) {
+            return std::strcmp(m_rows[row].name, wanted) < 0;
         };
         const unsigned char* const end = m_sorted + kRows;
         const unsigned char* const found = std::lower_bound(m_sorted, end, name, isBefore);

@@ -249,11 +249,11 @@ TEST(QBLFmDirTest, AcceptsAndReturnsI18NStrings) {
     std::list<I18NString> files, dirs;
     ASSERT_TRUE(QBLFmDir::readDir(dir, &files, &pattern, &dirs, nullptr));
     ASSERT_EQ(1U, files.size());
-    I18NString before, behind;
-    EXPECT_TRUE(QBLFmDir::splitPath(made, &before, &behind));
+    I18NString before, after;
+    EXPECT_TRUE(QBLFmDir::splitPath(made, &before, &after));
     EXPECT_EQ(dir, before);
-    EXPECT_EQ(files.front(), behind);
-    EXPECT_EQ(made, QBLFmDir::getFileFullPath(behind, dir, {}));
+    EXPECT_EQ(files.front(), after);
+    EXPECT_EQ(made, QBLFmDir::getFileFullPath(after, dir, {}));
     I18NString cut(made);
     cut.append(L'\0').append(".txt");
     EXPECT_TRUE(!QBLFmDir::removeFile(cut) && errno == EILSEQ)
@@ -265,8 +265,8 @@ TEST(QBLFmDirTest, AcceptsAndReturnsI18NStrings) {
                     file.getLastErrorNumber() == EILSEQ);
     }
     I18NString emptied(L"\u00E9");
-    QBLFmDir::joinPath(emptied.remove(), behind);
-    EXPECT_EQ(behind, emptied);
+    QBLFmDir::joinPath(emptied.remove(), after);
+    EXPECT_EQ(after, emptied);
     const int status = inCage(
         tree, [] { return QBLFmDir::removeDir(I18NString("/\u00E9te\u0301/\u4E2D")) ? 0 : errno; });
     if (status == kNoCage) GTEST_SKIP() << "needs a root directory of its own";

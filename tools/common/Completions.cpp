@@ -120,7 +120,7 @@ std::string zshScript(const std::string& tool, const std::vector<Option>& option
     for (const Option& option : options) {
         const std::string letter(1, static_cast<char>(option.letter));
         const bool hasLetter = option.letter <= 255;
-        const char* const behind[] = {"", "+", "=-"};
+        const char* const suffix[] = {"", "+", "=-"};
         const char* const behindLong[] = {"", "=", "=-"};
         const auto kind = static_cast<std::size_t>(option.argument);
         std::string rest = "[" + zshText(texts.text(option.text)) + "]";
@@ -132,7 +132,7 @@ std::string zshScript(const std::string& tool, const std::vector<Option>& option
         out += "    ";
         // Writes no exclusion lists, because some options may be given several times.
         if (hasLetter) {
-            out.append("{-").append(letter).append(behind[kind]).append(",--");
+            out.append("{-").append(letter).append(suffix[kind]).append(",--");
             out.append(option.name).append(behindLong[kind]).append("}");
         } else {
             out.append("--").append(option.name).append(behindLong[kind]);

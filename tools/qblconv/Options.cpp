@@ -221,8 +221,8 @@ private:
 
     bool takeJobs(const Given& given, const std::string& argument) {
         const char* const end = argument.data() + argument.size();
-        const auto [behind, problem] = std::from_chars(argument.data(), end, m_options.jobs);
-        const bool isNumber = problem == std::errc() && behind == end && m_options.jobs > 0 &&
+        const auto [rest, problem] = std::from_chars(argument.data(), end, m_options.jobs);
+        const bool isNumber = problem == std::errc() && rest == end && m_options.jobs > 0 &&
                               m_options.jobs <= kMostJobs;
         return isNumber || rememberBadWord(given, argument, "1-" + std::to_string(kMostJobs));
     }

@@ -22,8 +22,8 @@ namespace {
 template <class Number>
 bool parseNumber(const std::string& text, Number& value) {
     const char* const end = text.data() + text.size();
-    const auto [behind, problem] = std::from_chars(text.data(), end, value);
-    return problem == std::errc() && behind == end && !text.empty();
+    const auto [rest, problem] = std::from_chars(text.data(), end, value);
+    return problem == std::errc() && rest == end && !text.empty();
 }
 
 template <class Number>
@@ -63,8 +63,8 @@ bool parseId(const std::string& text, unsigned& id) {
     const bool isHex = text.size() > 2 && text[0] == '0' && (text[1] | 0x20) == 'x';
     const char* const begin = text.data() + (isHex ? 2 : 0);
     const char* const end = text.data() + text.size();
-    const auto [behind, problem] = std::from_chars(begin, end, id, isHex ? 16 : 10);
-    return problem == std::errc() && behind == end;
+    const auto [rest, problem] = std::from_chars(begin, end, id, isHex ? 16 : 10);
+    return problem == std::errc() && rest == end;
 }
 
 bool hasText(const std::string& file, unsigned id, bool& isOpen) {

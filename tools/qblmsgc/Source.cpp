@@ -40,9 +40,9 @@ std::size_t Source::lineBegin(std::size_t line) const {
 }
 
 Place Source::placeOf(std::size_t offset) const {
-    const auto behind = std::upper_bound(m_lines.begin(), m_lines.end(), offset);
-    if (behind == m_lines.begin()) return {1, 1};
-    std::size_t begin = *(behind - 1);
+    const auto rest = std::upper_bound(m_lines.begin(), m_lines.end(), offset);
+    if (rest == m_lines.begin()) return {1, 1};
+    std::size_t begin = *(rest - 1);
     if (begin == 0 && m_bytes.compare(0, kByteOrderMark.size(), kByteOrderMark) == 0)
         begin = std::min(kByteOrderMark.size(), offset);
     const auto isCharacter = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; };
@@ -56,7 +56,7 @@ Place Source::placeOf(std::size_t offset) const {
         std::count_if(at(goesOn ? m_iLastOffset : begin), at(end), isCharacter));
     m_iLastOffset = end;
     m_iLastCharacters = characters;
-    return {static_cast<std::size_t>(behind - m_lines.begin()), characters + 1};
+    return {static_cast<std::size_t>(rest - m_lines.begin()), characters + 1};
 }
 
 bool readFile(const std::string& name, std::string& bytes, std::string& problem) {

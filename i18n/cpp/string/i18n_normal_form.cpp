@@ -163,29 +163,29 @@ bool i18nSubstituteJa(icu::UnicodeString& text) {
 }
 
 icu::UnicodeString i18nJoin(std::u16string_view before, const I18NTextView& text,
-                            std::u16string_view behind) {
+                            std::u16string_view after) {
     const auto front = static_cast<int32_t>(before.size());
-    const auto back = static_cast<int32_t>(behind.size());
+    const auto back = static_cast<int32_t>(after.size());
     icu::UnicodeString all;
     char16_t* const out = all.getBuffer(front + text.length() + back);
     if (out == nullptr) throwFailure(U_MEMORY_ALLOCATION_ERROR);
     std::char_traits<char16_t>::copy(out, before.data(), before.size());
     text.copyTo(out + front);
-    std::char_traits<char16_t>::copy(out + front + text.length(), behind.data(), behind.size());
+    std::char_traits<char16_t>::copy(out + front + text.length(), after.data(), after.size());
     all.releaseBuffer(front + text.length() + back);
     return all;
 }
 
 // A character does not combine if one of the same or a higher class stands between it and the
 // character that it could combine with.
-bool i18nStaysAsItIs(const icu::Normalizer2& formC, const I18NTextView& old, int offset, int behind,
+bool i18nStaysAsItIs(const icu::Normalizer2& formC, const I18NTextView& old, int offset, int after,
                      const I18NTextView& text) {
     Front front = {-1, 0};
     if (offset > 0) {
         const auto c = static_cast<UChar32>(old.codePointAt(old.before(offset)));
         front.take(c, u_getCombiningClass(c));
     }
-    bool marksOnly = offset == behind;
+    bool marksOnly = offset == after;
     for (int i = 0; i < text.length(); i = text.next(i)) {
         const auto c = static_cast<UChar32>(text.codePointAt(i));
         const int combiningClass = u_getCombiningClass(c);
@@ -196,8 +196,8 @@ bool i18nStaysAsItIs(const icu::Normalizer2& formC, const I18NTextView& old, int
         marksOnly = marksOnly && combiningClass != 0;
         front.take(c, combiningClass);
     }
-    if (behind == old.length()) return true;
-    const auto next = static_cast<UChar32>(old.codePointAt(behind));
+    if (after == old.length()) return true;
+    const auto next = static_cast<UChar32>(old.codePointAt(after));
     const int nextClass = u_getCombiningClass(next);
     return formC.hasBoundaryBefore(next) ||
            (marksOnly && (nextClass == 0 || nextClass >= front.lastClass));

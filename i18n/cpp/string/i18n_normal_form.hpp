@@ -23,7 +23,7 @@ bool i18nSubstituteJa(icu::UnicodeString& text);
 /// bits a string of the standard library cannot.
 /// @throws QBLOutOfMemoryError
 icu::UnicodeString i18nJoin(std::u16string_view before, const I18NTextView& text,
-                            std::u16string_view behind);
+                            std::u16string_view after);
 inline std::u16string_view i18nUnits(const icu::UnicodeString& text) {
     return std::u16string_view(text.getBuffer(), static_cast<std::size_t>(text.length()));
 }
@@ -31,7 +31,7 @@ inline std::u16string_view i18nUnits(const icu::UnicodeString& text) {
 /// Returns true if a text can replace a part of another text in form C without any change to itself
 /// or its surroundings. Looks only at the text and its neighbours, so that a run of many marks can
 /// be built one by one. If this returns false, the result may still be in form C.
-bool i18nStaysAsItIs(const icu::Normalizer2& formC, const I18NTextView& old, int offset, int behind,
+bool i18nStaysAsItIs(const icu::Normalizer2& formC, const I18NTextView& old, int offset, int after,
                      const I18NTextView& text);
 /// Returns where to insert a text that is a single mark if the mark belongs before marks of higher
 /// classes: after the marks of its own class and of lower classes.

@@ -65,25 +65,25 @@ bool isExempt(const I18NTextView& text) {
 /// A text that replaces a part of another text, which is stored as UTF-16.
 struct Splice {
     const I18NTextView& old;
-    int offset, behind;  // of the part
+    int offset, end;  // of the part
     const I18NTextView& text;
 
     int length() const { return old.length(); }
-    bool isWhole() const { return offset == 0 && behind == length(); }
-    bool isInsertion() const { return offset == behind; }
+    bool isWhole() const { return offset == 0 && end == length(); }
+    bool isInsertion() const { return offset == end; }
     std::u16string_view units(int from, int to) const {
         return {old.units() + from, static_cast<std::size_t>(to - from)};
     }
     /// Returns the old text between two offsets, with the part replaced.
     icu::UnicodeString joined(int from, int to) const {
-        return i18nJoin(units(from, offset), text, units(behind, to));
+        return i18nJoin(units(from, offset), text, units(end, to));
     }
 };
 
 /// Returns true if the change joins the halves of a surrogate pair, which make a new character.
 bool joinsHalves(const Splice& at) {
     const bool endsHigh = at.offset > 0 && i18nIsHigh(at.old[at.offset - 1]);
-    const bool beginsLow = at.behind < at.length() && i18nIsLow(at.old[at.behind]);
+    const bool beginsLow = at.end < at.length() && i18nIsLow(at.old[at.end]);
     if (at.text.length() == 0) return endsHigh && beginsLow;
     return (endsHigh && (beginsLow || i18nIsLow(at.text[0]))) ||
            (i18nIsHigh(at.text[at.text.length() - 1]) && beginsLow);
@@ -91,8 +91,8 @@ bool joinsHalves(const Splice& at) {
 
 /// Returns true if neither the text nor the character after it can combine with anything.
 bool isInert(const Splice& at) {
-    const int next = at.behind < at.length() ? at.old.next(at.behind) : at.behind;
-    return isInert(at.old, at.behind, next) && isInert(at.text, 0, at.text.length());
+    const int next = at.end < at.length() ? at.old.next(at.end) : at.end;
+    return isInert(at.old, at.end, next) && isInert(at.text, 0, at.text.length());
 }
 
 /// What is known about a change before the text is examined.
@@ -128,13 +128,13 @@ int exemptAfter(const Splice& at, int exempt, bool keepsAll) {
 
 /// Inserts the text as it is given, because of an exempt character.
 Change givenExempt(const Splice& at) {
-    return {at.offset, at.behind - at.offset, at.text, Form::Unknown, 1};
+    return {at.offset, at.end - at.offset, at.text, Form::Unknown, 1};
 }
 
 /// Inserts the text as it is given, because it is in form C in its place.
 Change givenInForm(const Splice& at, const Known& known) {
     const int exempt = known.joinsHalves ? -1 : exemptAfter(at, known.exempt, known.keepsAll(at));
-    return {at.offset, at.behind - at.offset, at.text, formOf(at), exempt};
+    return {at.offset, at.end - at.offset, at.text, formOf(at), exempt};
 }
 
 /// Returns true if the whole string has to be brought to form C. Substitutions apply to all of it.
@@ -142,7 +142,7 @@ Change givenInForm(const Splice& at, const Known& known) {
 bool concernsAll(const Splice& at, const Known& known) {
     if (known.substitutes) return true;
     if (known.isFormC || at.isWhole() || known.keepsAll(at) || known.exempt == 0) return false;
-    return isExempt(at.units(std::max(at.offset - 1, 0), std::min(at.behind + 1, at.length())));
+    return isExempt(at.units(std::max(at.offset - 1, 0), std::min(at.end + 1, at.length())));
 }
 
 Change changeOfAll(const Splice& at, const Known& known, icu::UnicodeString& result) {
@@ -174,7 +174,7 @@ Slice sliceAround(const Splice& at, bool joinsHalves) {
     int begin = at.offset > 0 ? old.before(at.offset) : at.offset;
     while (begin > 0 && ((joinsHalves && begin + 1 == at.offset) || !isBoundary(begin)))
         begin = old.before(begin);
-    int end = at.behind < at.length() && i18nIsLow(old[at.behind]) ? at.behind + 1 : at.behind;
+    int end = at.end < at.length() && i18nIsLow(old[at.end]) ? at.end + 1 : at.end;
     while (end < at.length() && !isBoundary(end)) end = old.next(end);
     return {begin, end};
 }
@@ -205,7 +205,7 @@ Change changeOf(const Splice& at, const Known& known, icu::UnicodeString& result
     if (concernsAll(at, known)) return changeOfAll(at, known, result);
     if (known.exempt == 1 && known.keepsAll(at)) return givenExempt(at);
     if (known.isFormC && !known.joinsHalves) {
-        if (i18nStaysAsItIs(i18nNormalizer(I18N_NFC), at.old, at.offset, at.behind, at.text))
+        if (i18nStaysAsItIs(i18nNormalizer(I18N_NFC), at.old, at.offset, at.end, at.text))
             return givenInForm(at, known);
         const int place = placeOfMark(at, known);
         if (place >= 0) return {place, 0, at.text, formOf(at), 0};
