@@ -4,13 +4,13 @@
 #include "QBLCore/Messages/QBLMessageComponents.hpp"
 
 /// A message whose identifier is the number of a system error, as in errno(3).
-/// It has no text: it shows itself in the XML form of its components.
+/// It has no text; format() appends the XML form of its components.
 ///
 /// Threads: as with QBLMessageBase.
 class QBL_API QBLErrnoMessage : public QBLMessageComponents {
 public:
     explicit QBLErrnoMessage(int error);
-    /// A severity alone is no identifier.
+    /// A severity is not an identifier.
     explicit QBLErrnoMessage(QBLSeverity) = delete;
     QBLErrnoMessage(QBLSeverity severity, int error);
     QBLErrnoMessage(const QBLErrnoMessage& other);

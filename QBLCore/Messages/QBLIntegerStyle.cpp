@@ -19,7 +19,8 @@
 
 namespace {
 
-// Locales come from callers: more than this many, or longer ones, are not remembered.
+// Callers choose the locales, so their number and their length are limited. ICU writes the integers
+// of other locales.
 const std::size_t kMaxStyles = 256;
 const std::size_t kLongestName = 256;
 

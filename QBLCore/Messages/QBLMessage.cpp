@@ -15,13 +15,13 @@ const char kDefaultLocale[] = "en";
 
 bool isNullOrEmpty(const char* text) { return text == nullptr || *text == '\0'; }
 
-/// The text that a file has for an identifier; null for none, or an empty one.
+/// Returns the text that a file has for an identifier; null if there is none or it is empty.
 const char* resourceText(QBLResourceFile& file, unsigned long id) {
     char* text = nullptr;
     return file.getResource(id, &text) && !isNullOrEmpty(text) ? text : nullptr;
 }
 
-/// @param kept  receives what the argument's text points to, if nothing else has it
+/// @param kept  receives the text that the argument points to, if nothing else owns it
 QBLMessageArgument argumentOf(const QBLMessageParm& parm, QBLResourceFile& file,
                               std::list<I18NString>& kept) {
     QBLMessageArgument argument = {QBLMessageArgument::kText, 0, 0, {}};
@@ -103,7 +103,7 @@ const char* QBLMessage::getClassName() const { return "QBLMessage"; }
 
 void QBLMessage::format(const char* language, const char* fallbackLanguage, I18NString& out) const {
     const char* locale = chooseLocale(language, fallbackLanguage);
-    // For one text, and those that it shows, it does not pay to read them all.
+    // Not preloaded: this call needs only one text and the texts that it refers to.
     QBLResourceFile file(0);
     std::unique_ptr<QBLMessagePattern> pattern;
     const bool formatted =
@@ -133,11 +133,11 @@ bool QBLMessage::formatFrom(QBLResourceFile& file, const char* locale,
         out.append(text);
         return true;
     }
-    // From here on the pattern has the text, which the lookup of another may overwrite.
+    // From here on, the pattern has a copy of the text; the next lookup may overwrite the text.
     if (pattern == nullptr || !pattern->isFor(text))
         pattern = std::make_unique<QBLMessagePattern>(text, locale);
     QBLMessageArgument arguments[QBLMessagePattern::kMaxArguments];
-    std::list<I18NString> kept;  // what arguments point to
+    std::list<I18NString> kept;  // texts that arguments point to
     for (int i = 0; i < count; ++i)
         arguments[i] = argumentOf(*getParmN(static_cast<unsigned>(i)), file, kept);
     const char* filled = pattern->format(arguments, count);

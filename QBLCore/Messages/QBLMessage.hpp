@@ -9,17 +9,19 @@
 class QBLMessagePattern;
 class QBLResourceFile;
 
-/// A message identifier with parameters, and the catalogue that has its text in each language: the
-/// base name of binary message files, as of QBLResourceFactory.
+/// A message identifier with parameters, and the catalogue that has its text in each language. The
+/// catalogue is named by the base name of its message files, as for QBLResourceFactory.
 ///
-/// The text is an ICU message pattern, in UTF-8, with the parameters as its arguments: integers of
-/// either kind as signed ones of 32 bits, so that unsigned ones above 2147483647 deliberately show
-/// negative; a message identifier as the text that the catalogue has for it; opaque values and
-/// those of unknown type as an empty text. The first ten parameters count. A message without
-/// parameters whose text has no "{0" shows it as it stands. Where there is no file, no text, or one
-/// that is no pattern, the message shows its XML form instead.
+/// The text is an ICU message pattern in UTF-8. The first ten parameters are its arguments:
+/// - All integers are shown as signed 32-bit integers. So unsigned integers above 2147483647
+///   deliberately appear negative.
+/// - A message identifier is shown as its text in the catalogue.
+/// - Opaque values and values of unknown type are shown as an empty text.
 ///
-/// Each format() opens the file anew; QBLMessageFile keeps it open.
+/// If the message has no parameters and its text has no "{0", the text is shown as it is. If the
+/// file or the text is missing, or the text is not a valid pattern, the message shows its XML form.
+///
+/// Each format() opens the file again; QBLMessageFile keeps the file open.
 ///
 /// Threads: as with QBLMessageBase.
 class QBL_API QBLMessage : public QBLMessageComponents {
@@ -30,7 +32,7 @@ public:
     explicit QBLMessage(const char* file);
     QBLMessage(const I18NString& file, unsigned long id);
     QBLMessage(const char* file, unsigned long id);
-    /// A severity comes first.
+    /// A severity must be the first argument.
     QBLMessage(const I18NString& file, QBLSeverity) = delete;
     QBLMessage(const char* file, QBLSeverity) = delete;
     QBLMessage(QBLSeverity severity, const I18NString& file, unsigned long id);
@@ -49,13 +51,13 @@ public:
     const I18NString& getMsgFile() const { return m_msgFile; }
 
 protected:
-    /// The locales that count: the language, else the fallback, else "en".
+    /// Returns the language; the fallback if the language is null or empty; "en" if both are.
     static const char* chooseLocale(const char* language, const char* fallbackLanguage);
-    /// Appends the text that an open file has, filled in.
-    /// @param file  read as a whole, if the pattern is to be kept
-    /// @param pattern  what an earlier call for the same open file and locale left there, which
-    ///     spares parsing the same text again; null for the first
-    /// @return false, with nothing appended, if there is no text or it cannot be filled in
+    /// Appends the text from an open file, with the parameters filled in.
+    /// @param file  must be preloaded if the caller keeps the pattern
+    /// @param pattern  null in the first call; in later calls for the same open file and locale,
+    ///     the pattern that the call before has left, so that the same text is not parsed again
+    /// @return false, without appending anything, if there is no text or it cannot be formatted
     bool formatFrom(QBLResourceFile& file, const char* locale,
                     std::unique_ptr<QBLMessagePattern>& pattern, I18NString& out) const;
 

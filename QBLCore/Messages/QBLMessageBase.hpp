@@ -6,13 +6,12 @@
 
 class I18NString;
 
-/// A text for people, with a severity and a depth of nesting, that shows itself in a language or
-/// as XML.
+/// A text for people, with a severity and a nesting depth. It can be shown in a language or as XML.
 ///
-/// Errors: a missing message file, text or translation is none. QBLOutOfMemoryError.
+/// Errors: QBLOutOfMemoryError. A missing message file, text or translation is not an error.
 ///
-/// Threads: not synchronised; a message belongs to one thread at a time, constant operations
-/// included.
+/// Threads: not synchronised; only one thread at a time may use a message, also its constant
+/// operations.
 class QBL_API QBLMessageBase {
 public:
     explicit QBLMessageBase(QBLSeverity severity = QBLSeverityError);
@@ -20,16 +19,17 @@ public:
     QBLMessageBase& operator=(const QBLMessageBase& other) = default;
     virtual ~QBLMessageBase();
 
-    /// A copy on the heap of the same class; the caller deletes it.
+    /// Returns a copy of the same class; the caller deletes it.
     virtual QBLMessageBase* clone() const = 0;
     virtual const char* getClassName() const = 0;
     /// Appends the text for people.
-    /// @param language  locales to look for, the best first, like "de_AT de"; of null or empty
-    ///     the fallback is taken, and of that "en"
+    /// @param language  locales in the order of preference, such as "de_AT de"; null or empty means
+    ///     the fallback language, and "en" if that is null or empty too
     virtual void format(const char* language, const char* fallbackLanguage,
                         I18NString& out) const = 0;
     /// Appends a `<Message>` element. Texts are inserted as they are, without escaping.
-    /// @param flag  0 for identifier and parameters, else the text in a language
+    /// @param flag  0 shows the identifier and the parameters; otherwise shows the text in the
+    ///     language
     virtual void toString(const char* language, const char* fallbackLanguage, I18NString& out,
                           int flag) const = 0;
     virtual QBLSeverity getSeverity() const;
@@ -38,7 +38,7 @@ public:
     unsigned long getNesting() const { return m_nesting; }
     void setNesting(unsigned long depth) { m_nesting = depth; }
     void increaseNesting(unsigned long levels) { m_nesting += levels; }
-    /// "Fatal", "Error", "Warning" or "Information"; "Unknown" for any other value.
+    /// Returns "Fatal", "Error", "Warning" or "Information"; "Unknown" for any other value.
     static const char* getSeverityName(QBLSeverity severity);
 
 protected:

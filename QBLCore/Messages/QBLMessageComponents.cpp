@@ -13,7 +13,7 @@ QBLMessageComponents::QBLMessageComponents(unsigned long id) : m_id(id) {}
 QBLMessageComponents::QBLMessageComponents(QBLSeverity severity, unsigned long id)
     : QBLMessageBase(severity), m_id(id) {}
 
-// It builds on another constructor, so that a copy that fails halfway is undone.
+// Delegates to another constructor, so that the destructor runs if copying fails halfway.
 QBLMessageComponents::QBLMessageComponents(const QBLMessageComponents& other)
     : QBLMessageComponents(other.m_id) {
     QBLMessageBase::operator=(other);
@@ -97,7 +97,7 @@ void QBLMessageComponents::writeElement(const I18NString* file, const char* lang
         format(language, fallbackLanguage, out);
         out.append("</MessageText>");
     } else {
-        // The two blanks are part of the form that readers of these reports know.
+        // Existing readers of these reports expect the two blanks.
         out.append("<MessageComponents  ID=\"");
         out.append(QBLNumberText::hex(static_cast<unsigned>(m_id)).c_str()).append("\" >");
         if (!m_parms.empty()) {

@@ -5,15 +5,14 @@
 #include "QBLCore/Messages/QBLMessageBase.hpp"
 #include "QBLCore/Messages/QBLMessageParm.hpp"
 
-/// A message identifier with parameters, without a file that has a text for it: its text is its
-/// XML form.
+/// A message identifier with parameters, without a message file. Its text is its XML form.
 ///
 /// Threads: as with QBLMessageBase.
 class QBL_API QBLMessageComponents : public QBLMessageBase {
 public:
     QBLMessageComponents();
     explicit QBLMessageComponents(unsigned long id);
-    /// A severity alone is no identifier.
+    /// A severity is not an identifier.
     explicit QBLMessageComponents(QBLSeverity) = delete;
     QBLMessageComponents(QBLSeverity severity, unsigned long id);
     QBLMessageComponents(const QBLMessageComponents& other);
@@ -31,21 +30,21 @@ public:
     void setMessage(QBLSeverity severity, unsigned long id);
     unsigned long getMessageID() const { return m_id; }
 
-    /// Append a copy of a parameter, which becomes {n} in the text, from 0.
+    /// Appends a copy of a parameter. Parameter n is {n} in the text; the first is {0}.
     QBLMessageComponents& operator<<(const QBLMessageParm& parm);
     void addParameter(const QBLMessageParm& parm);
     unsigned getParmCount() const { return m_parms.size(); }
-    /// @return the parameter, owned by the message; null if there are not as many
+    /// @return parameter n, from 0, owned by the message; null if there is no such parameter
     const QBLMessageParm* getParmN(unsigned n) const;
-    /// Takes the parameters away.
+    /// Removes all parameters.
     void clearParms();
-    /// The same, and sets the identifier to 0. Severity and nesting stay.
+    /// Removes all parameters and sets the identifier to 0. Severity and nesting stay.
     void clear();
-    /// Takes copies of another's parameters in place of its own.
+    /// Replaces the parameters by copies of another message's parameters.
     void copyParms(const QBLMessageComponents& other);
 
 protected:
-    /// Appends the element.
+    /// Appends the `<Message>` element.
     /// @param file  the message file's name; null for a message without one
     void writeElement(const I18NString* file, const char* language, const char* fallbackLanguage,
                       I18NString& out, int flag) const;

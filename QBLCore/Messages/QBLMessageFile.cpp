@@ -7,7 +7,7 @@
 #include "QBLCore/Messages/internal/QBLMessagePattern.hpp"
 #include "QBLCore/Resources/QBLResourceFile.hpp"
 
-/// A file with the name and the locales it was opened for.
+/// An open file, with the name and the locales that it was opened for.
 struct QBLMessageFile::Open {
     QBLResourceFile file{1};
     I18NString name;
@@ -60,7 +60,7 @@ void QBLMessageFile::format(const char* language, const char* fallbackLanguage,
         auto open = std::make_unique<Open>();
         open->name = getMsgFile();
         open->locale = locale;
-        // A file that is not there is looked for again: it may be installed meanwhile.
+        // Each call searches for a missing file again, because it may be installed meanwhile.
         const bool opened = open->file.open(open->name.toUtf8(), locale);
         delete m_pOpen;
         m_pOpen = opened ? open.release() : nullptr;

@@ -3,11 +3,12 @@
 
 #include "QBLCore/Messages/QBLMessage.hpp"
 
-/// A message that keeps its message file open between formats, and the pattern that its text was
-/// parsed into: for one that is shown often. Both stay until another file or language is asked for,
-/// or close(); the pattern also until another text is shown. A copy has the name alone.
+/// A message that is shown often. Between calls of format(), it keeps its message file open and its
+/// text as a parsed pattern. It keeps the file until the caller requests another file or language,
+/// or calls close(). It keeps the pattern for the same time, but only until it shows another text.
+/// A copy of the object does not share the open file or the pattern.
 ///
-/// Threads: one at a time for each object, for format() and toString() too.
+/// Threads: one thread at a time for each object, also for format() and toString().
 class QBL_API QBLMessageFile : public QBLMessage {
 public:
     QBLMessageFile();
@@ -15,7 +16,7 @@ public:
     explicit QBLMessageFile(const char* file);
     QBLMessageFile(const I18NString& file, unsigned long id);
     QBLMessageFile(const char* file, unsigned long id);
-    /// A severity comes first.
+    /// A severity must be the first argument.
     QBLMessageFile(const I18NString& file, QBLSeverity) = delete;
     QBLMessageFile(const char* file, QBLSeverity) = delete;
     QBLMessageFile(QBLSeverity severity, const I18NString& file, unsigned long id);
@@ -28,14 +29,14 @@ public:
     const char* getClassName() const override;
     void format(const char* language, const char* fallbackLanguage, I18NString& out) const override;
 
-    /// Names another file and closes the one that is open.
+    /// Sets another file and closes the open one.
     void setMsgFile(const I18NString& file);
     void close();
 
 private:
     struct Open;
 
-    mutable Open* m_pOpen;  // owned; null when nothing is open
+    mutable Open* m_pOpen;  // owned; null if nothing is open
 };
 
 #endif

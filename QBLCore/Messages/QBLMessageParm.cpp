@@ -24,7 +24,7 @@ I18NString* copyOf(const char* utf8) {
     QBL_ALLOC_CATCH
 }
 
-/// An integer in decimal, in a buffer of its own.
+/// An integer in decimal, in its own buffer.
 class Digits {
 public:
     template <class Integer>

@@ -5,7 +5,7 @@
 
 class I18NString;
 
-/// What the value of a message parameter is; the type can carry any int, only these have a meaning.
+/// The type of a message parameter. Any int is possible, but only these values have a meaning.
 enum QBLMsgParm : int {
     QBLMsgParmUnknown = 0,
     QBLMsgParmULong = 1,
@@ -13,8 +13,8 @@ enum QBLMsgParm : int {
     QBLMsgParmDouble = 3,
     QBLMsgParmString = 4,
     QBLMsgParmMsgId = 5,  ///< the identifier of another message of the same file
-    /// Milliseconds since 1970-01-01 UTC, in a long: where that has 32 bits they reach 24 days to
-    /// either side. A text takes any date.
+    /// Milliseconds since 1970-01-01 UTC, in a long. A 32-bit long only reaches 24 days before and
+    /// after that date. Pass other dates as text.
     QBLMsgParmDate = 6,
     QBLMsgParmOpaque = 7
 };
@@ -30,19 +30,19 @@ public:
     /// @name Making a parameter
     /// @{
 
-    /// Stores both as they are, whether they belong together or not.
+    /// Stores value and type as they are, even if they do not match.
     QBLMessageParm(long value, QBLMsgParm type = QBLMsgParmLong);
     QBLMessageParm(int value);
-    /// @param isMsgId  not 0 for a message identifier
+    /// @param isMsgId  non-zero for a message identifier
     QBLMessageParm(unsigned long value, int isMsgId = 0);
     QBLMessageParm(unsigned value);
-    /// A long or an unsigned long of that value; its digits as a text if it has more than 32 bits,
-    /// which no message shows of a number.
+    /// Stores a long or an unsigned long. Stores a value of more than 32 bits as a text with its
+    /// digits, because messages show only 32 bits of a number.
     QBLMessageParm(long long value);
     QBLMessageParm(unsigned long long value);
     QBLMessageParm(double value);
     QBLMessageParm(const I18NString& text);
-    /// @param utf8  null for an empty text
+    /// @param utf8  null stands for an empty text
     QBLMessageParm(const char* utf8);
     QBLMessageParm(QBLMsgParm type);
     QBLMessageParm(const QBLMessageParm& other);
@@ -54,46 +54,47 @@ public:
     /// @{
 
     QBLMsgParm getType() const { return m_type; }
-    /// The value, if the type is long or date.
-    /// @return false, with 0 in value, for another type
+    /// Reads the value if the type is long or date.
+    /// @return false for another type; the value is 0 then
     bool getValue(long& value) const;
     /// The same for unsigned longs and message identifiers.
     bool getValue(unsigned long& value) const;
     /// The same for doubles.
     bool getValue(double& value) const;
-    /// The text form, of whatever type; empty for opaque values and types without a meaning.
+    /// Reads the text form of any type; empty for opaque values and types without a meaning.
     /// @return true
     bool getValue(I18NString& value) const;
-    /// The string; null for a parameter that was not made from one.
+    /// Returns the string; null if the parameter was not made from a string.
     const I18NString* getText() const { return m_pText; }
     /// @}
 
     /// @name Changing and copying
     /// @{
 
-    /// Makes it one of type unknown, with the value 0.
+    /// Sets the type to QBLMsgParmUnknown and the value to 0.
     void clear();
     void copy(const QBLMessageParm& other);
-    /// A copy on the heap; the caller deletes it.
+    /// Returns a copy; the caller deletes it.
     QBLMessageParm* clone() const;
     /// @}
 
     /// @name As text
     /// @{
 
-    /// Appends the text form. @param language  without effect on it
+    /// Appends the text form. @param language  ignored
     void format(const char* language, I18NString& out) const;
     /// Appends a `<MessageParm>` element.
-    /// @param flag  0 for type and value, else the text form. Types without a name deliberately
-    ///     leave the attribute open: readers of these reports know the elements as they are.
+    /// @param flag  0 shows type and value; otherwise shows the text form. For QBLMsgParmUnknown
+    ///     and types without a meaning, the value deliberately lacks its closing quote: existing
+    ///     readers of these reports expect this form.
     void toString(const char* language, I18NString& out, int flag) const;
     /// @}
 
 private:
     QBLMsgParm m_type;
-    long m_value;  // of all integers, unsigned ones by their bits
+    long m_value;  // all integers; of unsigned ones, the same bits
     double m_double;
-    I18NString* m_pText;  // owned; null when not made from a string
+    I18NString* m_pText;  // owned; null if not made from a string
 };
 
 #endif

@@ -15,7 +15,7 @@
 
 namespace {
 
-/// Where ICU has no memory for a text, it gives one that is empty.
+/// Converts a text. ICU returns a bogus text if memory runs out.
 icu::UnicodeString toUnicode(std::string_view utf8) {
     icu::UnicodeString text =
         icu::UnicodeString::fromUTF8(icu::StringPiece(utf8.data(), static_cast<int>(utf8.size())));
@@ -38,7 +38,7 @@ icu::Formattable toFormattable(const QBLMessageArgument& argument) {
 
 constexpr std::size_t kLongestName = 256;
 
-/// The name that ICU has for the first of some locales; empty for none.
+/// Returns ICU's name for the first of the locales; empty if there is none.
 std::string firstOf(const char* locales) {
     const char separators[] = " \t\r\n,;";
     locales += std::strspn(locales, separators);
@@ -46,7 +46,7 @@ std::string firstOf(const char* locales) {
     if (first.empty()) return std::string();
     const I18NLocale locale(first.c_str());
     std::string name = locale.getName();
-    // ICU keeps what it makes for a locale, and names may come from a program's clients.
+    // Limited, because ICU caches data by locale name and names may come from a program's clients.
     if (name.size() <= kLongestName) return name;
     name = locale.getLanguage();
     return name.substr(0, kLongestName);
@@ -122,7 +122,7 @@ bool QBLMessagePattern::formatPlain(const QBLMessageArgument* arguments, int cou
         m_out += piece.text;
         if (piece.argument < 0) continue;
         if (piece.argument >= count) {
-            // An argument that is missing shows where it would stand.
+            // A missing argument appears as its placeholder.
             m_out.append("{").append(std::to_string(piece.argument)).append("}");
             continue;
         }

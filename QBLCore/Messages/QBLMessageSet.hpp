@@ -8,11 +8,12 @@
 class I18NString;
 class QBLMessageBase;
 
-/// Messages in an order, which the set owns, and a depth of nesting.
+/// An ordered list of messages, which the set owns, and a nesting depth.
 ///
-/// Errors: QBLOutOfMemoryError, after which the set is as it was.
+/// Errors: QBLOutOfMemoryError; the set is then unchanged.
 ///
-/// Threads: not synchronised; a set belongs to one thread at a time, constant operations included.
+/// Threads: not synchronised; only one thread at a time may use a set, also its constant
+/// operations.
 class QBL_API QBLMessageSet {
 public:
     QBLMessageSet();
@@ -20,33 +21,33 @@ public:
     QBLMessageSet& operator=(const QBLMessageSet& other);
     virtual ~QBLMessageSet();
 
-    /// Append a copy of a message.
+    /// Appends a copy of a message.
     QBLMessageSet& operator<<(const QBLMessageBase& message);
     void addMessage(const QBLMessageBase& message);
-    /// Appends a message and takes it over, after a failure too; null does nothing.
+    /// Appends a message and takes ownership of it, even if this fails. Null has no effect.
     void addMessage(QBLMessageBase* message);
-    /// Puts a copy of a message in front of all others.
+    /// Inserts a copy of a message before all others.
     void addMessageFront(const QBLMessageBase& message);
     unsigned getMessageCount() const { return m_messages.size(); }
-    /// @return the message, owned by the set; null if there are not as many
+    /// @return message n, from 0, owned by the set; null if there is no such message
     const QBLMessageBase* getMessageN(unsigned n) const;
-    /// Moves all messages of another set behind its own; onto itself, nothing.
+    /// Moves all messages of another set to the end of this set. Has no effect for the same set.
     void transferMessages(QBLMessageSet& other);
-    /// Takes copies of another's messages, and its nesting, in place of its own.
+    /// Replaces the messages by copies of another set's messages, and copies its nesting.
     void copy(const QBLMessageSet& other);
     /// Deletes all messages.
     void deleteList();
-    /// The same, and sets the nesting to 0.
+    /// Deletes all messages and sets the nesting to 0.
     void clear();
 
     void increaseNesting() { ++m_nesting; }
     unsigned long getNesting() const { return m_nesting; }
-    /// That of the first message; QBLSeverityError for an empty set.
+    /// Returns the severity of the first message; QBLSeverityError for an empty set.
     QBLSeverity getSeverity() const;
 
-    /// Appends the texts for people, one after the other, as QBLMessageBase::format does each.
+    /// Appends the texts of all messages, one after the other, as QBLMessageBase::format() does.
     void format(const char* language, const char* fallbackLanguage, I18NString& out) const;
-    /// Appends a `<Messages>` element with those of the messages; nothing for an empty set.
+    /// Appends a `<Messages>` element with the elements of the messages; nothing for an empty set.
     void toString(const char* language, const char* fallbackLanguage, I18NString& out,
                   int flag) const;
 

@@ -11,7 +11,7 @@ class QBL_API QBLMessageString : public QBLMessageBase {
 public:
     QBLMessageString();
     explicit QBLMessageString(const I18NString& text);
-    /// @param utf8  null for an empty text
+    /// @param utf8  null stands for an empty text
     explicit QBLMessageString(const char* utf8);
     QBLMessageString(QBLSeverity severity, const I18NString& text);
     QBLMessageString(QBLSeverity severity, const char* utf8);
@@ -22,7 +22,7 @@ public:
     QBLMessageBase* clone() const override;
     const char* getClassName() const override;
     void format(const char* language, const char* fallbackLanguage, I18NString& out) const override;
-    /// Shows the text, whatever the flag.
+    /// Shows the text; ignores the flag.
     void toString(const char* language, const char* fallbackLanguage, I18NString& out,
                   int flag) const override;
 

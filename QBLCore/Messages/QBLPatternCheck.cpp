@@ -20,7 +20,7 @@ int skipLetters(const icu::UnicodeString& text, int i) {
     return i;
 }
 
-/// Whether a comma begins ", choice," or one of its kind.
+/// Returns true if the comma begins ", choice,", ", plural,", ", select," or ", selectordinal,".
 bool beginsChoice(const icu::UnicodeString& text, int comma) {
     const int begin = skipWhiteSpace(text, comma + 1), end = skipLetters(text, begin);
     const int next = skipWhiteSpace(text, end);
@@ -31,8 +31,9 @@ bool beginsChoice(const icu::UnicodeString& text, int comma) {
     return false;
 }
 
-/// Where the choice is that is one too many, or -1. Every one that ICU could find counts, in quotes
-/// too: it must be known before ICU is asked, since it is there that ICU exhausts the stack.
+/// Returns the offset of the first choice above the limit, or -1. Counts every choice that ICU
+/// might find, also in quotes. The check comes before ICU parses the text, because ICU would
+/// exhaust the stack while parsing.
 int findTooManyChoices(const icu::UnicodeString& text) {
     int choices = 0;
     for (int i = text.indexOf(u','); i >= 0; i = text.indexOf(u',', i + 1))
@@ -40,7 +41,7 @@ int findTooManyChoices(const icu::UnicodeString& text) {
     return -1;
 }
 
-/// Whether a style is a skeleton, as ICU trims it, that has an exponent in an option.
+/// Returns true if a style, trimmed as ICU does it, is a skeleton with an exponent in an option.
 bool hasExponent(const icu::UnicodeString& style) {
     const int begin = skipWhiteSpace(style, 0);
     if (style.compare(begin, 2, u"::", 0, 2) != 0) return false;

@@ -4,13 +4,13 @@
 #include "QBLCore/Messages/QBLMessageComponents.hpp"
 
 /// A message whose identifier is the code of an error that another system reported.
-/// It has no text: it shows itself in the XML form of its components.
+/// It has no text; format() appends the XML form of its components.
 ///
 /// Threads: as with QBLMessageBase.
 class QBL_API QBLWin32Message : public QBLMessageComponents {
 public:
     explicit QBLWin32Message(unsigned long code);
-    /// A severity alone is no identifier.
+    /// A severity is not an identifier.
     explicit QBLWin32Message(QBLSeverity) = delete;
     QBLWin32Message(QBLSeverity severity, unsigned long code);
     QBLWin32Message(const QBLWin32Message& other);

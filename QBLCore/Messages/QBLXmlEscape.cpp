@@ -12,7 +12,7 @@ namespace {
 
 const char kReplacement[] = "\xEF\xBF\xBD";
 
-/// What stands for a character; null for itself.
+/// Returns the replacement of a character; null if the character stays.
 const char* replacementOf(char c) {
     switch (c) {
         case '&':
@@ -34,7 +34,7 @@ const char* replacementOf(char c) {
     }
 }
 
-/// The code point at an offset, which goes behind it; below 0 for what is ill-formed.
+/// Returns the code point at an offset and moves the offset after it; below 0 for ill-formed UTF-8.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wconversion"  // of ICU's macro
 UChar32 nextOf(std::string_view utf8, std::size_t& i) {
@@ -44,7 +44,7 @@ UChar32 nextOf(std::string_view utf8, std::size_t& i) {
 }
 #pragma GCC diagnostic pop
 
-/// A mark that would combine with the ">" or quote in front of the text.
+/// Returns the reference for a mark that would combine with the ">" or quote before the text.
 std::string reference(UChar32 mark) {
     char text[16];
     std::snprintf(text, sizeof text, "&#x%X;", static_cast<unsigned>(mark));

@@ -8,11 +8,11 @@
 
 class I18NString;
 
-/// Makes a text fit for XML, between tags and in attribute values: the five characters with a
-/// meaning there become the entities of XML 1.0, section 4.6. What XML does not admit becomes
-/// U+FFFD: control characters, U+FFFE, U+FFFF and ill-formed UTF-8. A combining mark at the
-/// beginning becomes a character reference, or it would combine with what is in front of the text.
-/// Reports insert texts as they are, so parameters of doubtful origin are escaped on their way in:
+/// Escapes a text for XML, between tags and in attribute values. The five special characters become
+/// the entities of XML 1.0, section 4.6. Characters that XML does not allow become U+FFFD: control
+/// characters, U+FFFE, U+FFFF and ill-formed UTF-8. A combining mark at the beginning becomes a
+/// character reference, so that it does not combine with the character before the text. Reports
+/// insert texts as they are, so escape parameters from untrusted sources:
 ///
 ///     message << qblXmlEscape(fileName);
 ///

@@ -3,12 +3,12 @@
 
 #include <string>
 
-/// How a locale writes integers: digits, groups, and signs. It is learnt from ICU's number format
-/// and checked against it; a locale that writes them in some other way is not for us.
+/// How a locale writes integers: digits, groups and signs. The style is read from ICU's number
+/// format and checked against it. A locale that writes integers in another way has no style.
 class QBLIntegerStyle {
 public:
-    /// The style of a locale, which is learnt once. It lives as long as the process.
-    /// @return null when ICU has to write the locale's integers
+    /// Returns the style of a locale. A style is read once and lives as long as the process.
+    /// @return null if ICU must write the locale's integers
     ///
     /// Threads: any thread.
     static const QBLIntegerStyle* get(const std::string& locale);
@@ -18,13 +18,13 @@ public:
 private:
     bool learn(const std::string& locale);
 
-    std::string m_digits[10];  // UTF-8, as all that follows
+    std::string m_digits[10];  // UTF-8, as the other texts
     std::string m_separator;
     std::string m_negativePrefix;
     std::string m_negativeSuffix;
     int m_iPrimary;    // digits in the lowest group; 0 without groups
-    int m_iSecondary;  // in the others
-    int m_iMinimum;    // digits that must stand before the lowest group
+    int m_iSecondary;  // digits in the other groups
+    int m_iMinimum;    // minimum number of digits before the lowest group
 };
 
 #endif

@@ -14,40 +14,40 @@ U_NAMESPACE_BEGIN
 class MessageFormat;
 U_NAMESPACE_END
 
-/// What a pattern's argument stands for.
+/// The value of an argument of a pattern.
 struct QBLMessageArgument {
     enum Kind { kText, kInteger, kDouble, kDate };
 
     Kind kind;
     int integer;
-    double number;          // of a double; of a date, milliseconds since 1970-01-01 UTC
+    double number;          // the double; for a date, milliseconds since 1970-01-01 UTC
     std::string_view text;  // UTF-8
 };
 
-/// A parsed message pattern. One that consists of texts and plain arguments is filled in here; ICU
-/// formats the others, and all doubles and dates.
+/// A parsed message pattern. This class itself formats patterns of texts and plain arguments; ICU
+/// formats other patterns, and all doubles and dates.
 ///
-/// A text that QBLPatternCheck refuses is none.
+/// A text that QBLPatternCheck refuses is not a pattern.
 class QBLMessagePattern {
 public:
     static constexpr int kMaxArguments = 10;
 
-    /// @param text  UTF-8; must stay as it is as long as isFor() is asked
-    /// @param locales  of which the first counts
+    /// @param text  UTF-8; must stay in place and unchanged as long as isFor() is called
+    /// @param locales  only the first one is used
     QBLMessagePattern(const char* text, const char* locales);
     ~QBLMessagePattern();
     QBLMessagePattern(const QBLMessagePattern&) = delete;
     QBLMessagePattern& operator=(const QBLMessagePattern&) = delete;
 
-    /// Whether it was made from the very same text.
+    /// Returns true if the pattern was made from the text at this address.
     bool isFor(const char* text) const { return m_pSource == text; }
-    /// @return UTF-8, valid until the next call; null if the text is no pattern
+    /// @return UTF-8, valid until the next call; null if the text is not a pattern
     const char* format(const QBLMessageArgument* arguments, int count);
 
 private:
     struct Piece {
         std::string text;
-        int argument;  // behind the text; -1 for none
+        int argument;  // after the text; -1 for none
     };
 
     void parse();
@@ -57,12 +57,12 @@ private:
     const char* m_pSource;  // not owned, and only compared
     std::string m_text;
     std::string m_locale;
-    std::string m_out;  // what was formatted last; keeps its memory for the next
+    std::string m_out;  // the last result; each call reuses its memory
     std::vector<Piece> m_pieces;
-    bool m_bHarmless;                            // ICU may look at it
-    bool m_bPlain;                               // the pieces are all there is
+    bool m_bHarmless;                            // ICU may parse the text
+    bool m_bPlain;                               // m_pieces is the whole pattern
     std::unique_ptr<icu::MessageFormat> m_pICU;  // made when first needed
-    const QBLIntegerStyle* m_pIntegers;          // the same; lives as long as the process
+    const QBLIntegerStyle* m_pIntegers;          // found when first needed; not owned
 };
 
 #endif

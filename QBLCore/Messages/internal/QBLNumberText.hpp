@@ -4,7 +4,7 @@
 #include <charconv>
 #include <limits>
 
-/// A number as text, in a buffer of its own. None of the forms depends on the process's locale.
+/// A number as text, in its own buffer. No form depends on the process's locale.
 class QBLNumberText {
 public:
     /// As printf's "%d" and "%u".
@@ -37,7 +37,8 @@ private:
         *write(m_text, m_text + sizeof m_text - 1) = '\0';
     }
 
-    // A sign, the digits of the largest double, a point and six decimals.
+    // Room for a sign, the digits of the largest double, a point, six decimals and a null
+    // character.
     char m_text[std::numeric_limits<double>::max_exponent10 + 11];
 };
 

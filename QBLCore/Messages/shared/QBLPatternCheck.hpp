@@ -4,12 +4,12 @@
 #include <unicode/messagepattern.h>
 #include <unicode/unistr.h>
 
-/// A text as the message pattern that ICU takes it for, and what is wrong with it. Programs and the
-/// compiler of catalogues judge by this one check, so that what is compiled can be shown.
+/// Parses a text as an ICU message pattern and finds its first fault. Programs and the catalogue
+/// compiler share this check, so that each compiled text can be shown.
 ///
-/// Refused are, besides what ICU refuses: more than kMaxChoices choices, plurals and selects, as
-/// ICU calls itself for each that is in another; and exponents in the options of a number skeleton,
-/// as in "::scale/1E9", for which ICU would write all the zeros.
+/// In addition to the faults that ICU finds, refuses more than kMaxChoices choices, plurals and
+/// selects, because ICU recurses for nested ones. Also refuses exponents in the options of a number
+/// skeleton, such as "::scale/1E9", because ICU would write all the zeros.
 struct QBLPatternCheck {
     enum Fault { kNone, kSyntax, kTooManyChoices, kExponent };
     static constexpr int kMaxChoices = 100;
@@ -18,7 +18,7 @@ struct QBLPatternCheck {
 
     Fault fault = kNone;
     int offset = 0;                    ///< where the fault is, in code units
-    UErrorCode status = U_ZERO_ERROR;  ///< that ICU gave
+    UErrorCode status = U_ZERO_ERROR;  ///< ICU's result
     icu::MessagePattern pattern;       ///< empty after kSyntax and kTooManyChoices
 };
 
