@@ -5,7 +5,7 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
-/// A catalogue of texts by their identifiers, in one file and for one locale.
+/// A catalogue, which maps identifiers to texts, in one file and for one locale.
 ///
 /// Errors: QBLOutOfMemoryError.
 ///
@@ -17,15 +17,15 @@ public:
     QBLResource& operator=(const QBLResource&) = delete;
     virtual ~QBLResource();
 
-    /// @return false if the file is not there, not readable, or none of its format
+    /// @return false if the file does not exist, cannot be read, or has another format
     [[nodiscard]] virtual bool open() = 0;
     virtual void close() = 0;
-    /// Whether the file is open, which says nothing about the texts: those of a resource that was
-    /// read as a whole are there with the file closed.
+    /// Returns true if the file is open. This says nothing about the texts: a preloaded resource
+    /// has its texts while the file is closed.
     virtual bool isOpen() = 0;
-    /// @param id  of 32 bits
-    /// @param text  receives the text, which belongs to the resource; untouched without one
-    /// @return whether there is a text for the identifier
+    /// @param id  a 32-bit identifier
+    /// @param text  receives the text, which belongs to the resource; unchanged if there is none
+    /// @return true if there is a text for the identifier
     [[nodiscard]] virtual bool getResource(unsigned long id, char** text) = 0;
 
     const std::string& getResourceFileName() const { return m_resourceFileName; }

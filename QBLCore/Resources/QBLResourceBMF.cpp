@@ -16,8 +16,9 @@ namespace {
 const char kMagic[8] = "BMF1";
 const unsigned kHeaderSize = 16;
 const unsigned kEntrySize = 12;
-// The index has always had room for 144 bytes per entry, of which 12 are used. It still has, up to
-// this many bytes, so that a file makes us allocate no more than its own size and a constant.
+// The index has always had 144 bytes per entry, of which it uses 12. It still has the spare bytes,
+// but at most kMaxSpare, so that a file causes an allocation of at most its own size and a
+// constant.
 const unsigned kSpareEntrySize = 144 - kEntrySize;
 const unsigned kMaxSpare = 65536;
 
@@ -46,7 +47,7 @@ void QBLResourceBMF::drop() noexcept {
 bool QBLResourceBMF::open() {
     drop();
     m_file.close();
-    // Whatever is no regular file may wait for a writer, or never end.
+    // Reading a file that is not regular may wait for a writer, or never end.
     QBLFileStatus status;
     if (!status.get(getResourceFileName().c_str()) || !status.isRegular()) return false;
     if (!m_file.open(getResourceFileName().c_str(), QBLFmFile::existing, 1)) return false;
@@ -75,7 +76,7 @@ bool QBLResourceBMF::readIndex() {
         m_header = Header();
         return false;
     }
-    // What the file has room for; where long has 64 bits too, no more than its fields can say.
+    // The bytes after the header. If long has 64 bits, limited to the range of the 32-bit fields.
     const unsigned body = static_cast<unsigned>(
         std::min(static_cast<unsigned long>(length) - kHeaderSize, 0xFFFFFFFFUL - kHeaderSize));
     m_header.entries = std::min(static_cast<unsigned>(ntohl(m_header.entries)), body / kEntrySize);
@@ -134,11 +135,11 @@ bool QBLResourceBMF::fetch(const Entry& entry, char** text) {
         m_pText = allocate(length + 1);
         m_textCapacity = length;
     }
-    // No more than the length of the file, which is a long.
+    // The position does not exceed the length of the file, which is a long.
     const unsigned behindIndex = kHeaderSize + kEntrySize * m_header.entries;
     const long position = static_cast<long>(behindIndex) + static_cast<long>(offset);
-    // A text that cannot be read leaves the caller's pointer alone and still counts as found:
-    // programs take the identifier's being there from the result.
+    // If the text cannot be read, the caller's pointer stays unchanged, but the result is true:
+    // programs use the result to find out whether the identifier exists.
     if (m_file.seek(position, QBLFmFile::begin) != position) return true;
     bool failed = false;
     const unsigned got = readUpTo(m_pText, length, &failed);

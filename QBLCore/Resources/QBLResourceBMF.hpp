@@ -4,26 +4,27 @@
 #include "QBLCore/FileManagement/QBLFmFile.hpp"
 #include "QBLCore/Resources/QBLResource.hpp"
 
-/// A binary message file. All its numbers are unsigned, of 32 bits, in network byte order:
+/// A binary message file. All its numbers are unsigned 32-bit integers in network byte order. The
+/// columns are the offset in bytes, the size in bytes, and the content:
 ///
-///     0           8       "BMF1" and a zero byte; the rest does not matter
-///     8           4       entries, N
-///     12          4       bytes of the texts, D
-///     16          12 * N  an entry each: identifier, offset of the text from the first one, its
-///                         length; sorted by identifier
-///     16 + 12*N   D       texts in UTF-8, each with a zero byte that its length includes
+///     0           8       "BMF1" and a null byte; the rest is ignored
+///     8           4       the number of entries, N
+///     12          4       the size of all texts in bytes, D
+///     16          12 * N  the entries, sorted by identifier: each has the identifier, the offset
+///                         of its text from the first text, and the length of the text
+///     16 + 12*N   D       the texts in UTF-8, each with a null byte, which its length includes
 ///
-/// A file that lies about sizes is read as far as it goes: what N and D promise beyond its end is
-/// not there, and an entry whose text lies outside has none.
+/// If N or D exceeds the file, only the entries and texts inside the file are read. An entry has no
+/// text if its text lies outside of these texts.
 ///
-/// Errors: a bad file is only a false result. QBLOutOfMemoryError.
+/// Errors: QBLOutOfMemoryError. For a bad file, an operation returns false.
 ///
-/// Threads: a resource that was read as a whole can be asked by any number of threads; else it
-/// belongs to one thread at a time.
+/// Threads: any number of threads may read from a preloaded resource; otherwise, one thread at a
+/// time for each object.
 class QBL_API QBLResourceBMF : public QBLResource {
 public:
-    /// @param preload  not 0 to read the texts while opening, so that they stay valid as long as
-    ///     the resource is there. Else each is read when asked for, and valid until the next one.
+    /// @param preload  if not 0, open() reads all texts, which stay valid until the next open() or
+    ///     the destructor. If 0, getResource() reads its text, which is valid until the next call.
     explicit QBLResourceBMF(int preload);
     ~QBLResourceBMF() override;
 
@@ -32,15 +33,15 @@ public:
     bool isOpen() override;
     [[nodiscard]] bool getResource(unsigned long id, char** text) override;
 
-    /// Entries that the index has.
+    /// Returns the number of entries in the index.
     unsigned getEntryCount() const { return m_header.entries; }
-    /// The identifier of an entry; they ascend. Requires: n < getEntryCount().
+    /// Returns the identifier of entry n; the identifiers ascend. Requires: n < getEntryCount().
     unsigned getEntryID(unsigned n) const;
 
 private:
     struct Header {
         char magic[8];
-        unsigned entries;  // in the byte order of the machine once the magic is known to be right
+        unsigned entries;  // as textSize, in host byte order after the magic has been checked
         unsigned textSize;
     };
     struct Entry {  // in network byte order
@@ -58,7 +59,7 @@ private:
     QBLFmFile m_file;
     Header m_header;
     Entry* m_pIndex;  // owned
-    char* m_pText;    // owned: all texts, or the one asked for last; with a zero byte behind
+    char* m_pText;    // owned: all texts, or the last requested text; a null byte follows
     unsigned m_textCapacity;
     int m_preload;
 };

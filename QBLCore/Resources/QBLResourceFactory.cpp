@@ -22,8 +22,8 @@
 
 namespace {
 
-// Locales may come from a program's clients; of more lists than this, and of longer ones, the file
-// is looked for anew.
+// Locales may come from a program's clients, so the number and the length of the remembered lists
+// are limited. For other lists, each call searches for the file again.
 const std::size_t kMaxRemembered = 4096;
 const std::size_t kLongestKey = 4096;
 
@@ -47,8 +47,8 @@ bool isPlainName(const char* text) {
                        [](unsigned char c) { return std::isalnum(c) != 0; });
 }
 
-/// The names to look for, the most specific first. Whatever is in a list of locales, they differ
-/// from the base name by letters and digits only.
+/// Returns the names to search for, the most specific first. Whatever the list of locales contains,
+/// it adds only letters, digits and "_" to the base name.
 std::list<std::string> fileNames(const std::string& baseName, const char* localeIDs) {
     if (isFileName(baseName)) return {baseName};
     std::list<std::string> names;
@@ -72,7 +72,7 @@ std::list<std::string> fileNames(const std::string& baseName, const char* locale
     return names;
 }
 
-/// @param sure  receives whether all places could be looked at
+/// @param sure  receives true if every place before the result could be checked
 std::string findFile(const std::string& baseName, const char* localeIDs, bool& sure) {
     sure = true;
     for (const std::string& candidate : QBLResourceFactory::getCandidates(baseName, localeIDs)) {
@@ -94,7 +94,7 @@ QBLResource* QBLResourceFactory::findAndGet(const std::string& baseName, const c
     if (findFromMap(key, fileName)) {
         QBLResource* resource = get(fileName, locales, preload);
         if (resource != nullptr) return resource;
-        // It has gone since; another may have come.
+        // The file has disappeared since; another file may exist now.
     }
     bool sure = true;
     fileName = findFile(baseName, locales, sure);
@@ -116,7 +116,7 @@ std::list<std::string> QBLResourceFactory::getCandidates(const std::string& base
     QBL_ASSERT(localeID != NULL);
     QBL_ALLOC_TRY
     const bool hasDirectory = baseName.find('/') != std::string::npos;
-    std::list<std::string> directories(1);  // an empty one for the effective working directory
+    std::list<std::string> directories(1);  // "" is the effective working directory
     if (!hasDirectory) {
         const std::string bin = I18NInternalResources::getDataDirectoryPath();
         if (!bin.empty()) directories.push_back(bin);

@@ -8,19 +8,20 @@
 
 class QBLResource;
 
-/// Finds the message file of a catalogue for a locale. For "base" and "de_AT,fr" these are looked
-/// for, and the first that is a readable regular file is taken:
+/// Finds the message file of a catalogue for a locale. For "base" and "de_AT,fr", it takes the
+/// first of these names that is a readable regular file:
 ///
 ///     base_de_AT.bmf  base_de.bmf  base_fr.bmf  base_en.bmf  base.bmf
 ///
-/// If the base name has a directory they are looked for in that, as QBLFmDir::resolveEffectivePath
-/// sees it. Else in the effective working directory, then in the installation's bin directory, then
-/// in share/qblcore beside the directory that the library was loaded from, or the one above it.
+/// If the base name contains a directory, the factory searches only there; a relative one is
+/// resolved by QBLFmDir::resolveEffectivePath(). Otherwise it searches each name in the effective
+/// working directory, then in the installation's bin directory, then in share/qblcore, next to the
+/// directory of the library or next to its parent directory.
 ///
-/// A base name that ends with ".bmf" is the name of the file itself, for whatever locale.
+/// A base name that ends with ".bmf" is the name of the file itself, for every locale.
 ///
-/// What was found for a base name and a list of locales is remembered for the process; what was not
-/// is looked for again.
+/// The process remembers the file that was found for a base name and a list of locales. A file that
+/// was not found is searched again in the next call.
 ///
 /// Threads: any thread.
 class QBL_API QBLResourceFactory {
@@ -30,19 +31,19 @@ public:
 
     QBLResourceFactory() = delete;
 
-    /// @param localeID  locales, the best first, separated by blanks, commas or semicolons; null
-    ///     means g_defaultLocaleID
-    /// @param preload  as of QBLResourceBMF
-    /// @return the resource, open, to be given back by release(); null if there is none
+    /// @param localeID  locales in the order of preference, separated by blanks, commas or
+    ///     semicolons; null means g_defaultLocaleID
+    /// @param preload  as for QBLResourceBMF
+    /// @return the open resource, which the caller passes to release(); null if there is none
     /// @throws QBLOutOfMemoryError
     [[nodiscard]] static QBLResource* findAndGet(const std::string& baseName, const char* localeID,
                                                  int preload);
     /// @return the file's name; empty if there is none
     /// @throws QBLAssertError for null locales, QBLOutOfMemoryError
     static std::string find(const std::string& baseName, const char* localeIDs);
-    /// All names that find() looks for, in their order, each once.
+    /// Returns the paths of all files that find() searches, in this order, without duplicate names.
     static std::list<std::string> getCandidates(const std::string& baseName, const char* localeIDs);
-    /// Opens a file. @return as findAndGet()
+    /// Opens a file. @return the same as findAndGet()
     [[nodiscard]] static QBLResource* get(const std::string& fileName, const char* localeID,
                                           int preload);
     /// Destroys a resource and sets the pointer to null.

@@ -7,8 +7,8 @@
 
 class QBLResource;
 
-/// A catalogue as programs hold it: found by its base name and the locales wanted, and given back
-/// at the end.
+/// A catalogue for use in programs: found by its base name and locales, and released by the
+/// destructor.
 ///
 ///     QBLResourceFile texts("myprogram", "de_AT de", 1);
 ///     char* text = nullptr;
@@ -16,29 +16,30 @@ class QBLResource;
 ///
 /// Errors: QBLOutOfMemoryError.
 ///
-/// Threads: one at a time; a preloaded one can be asked by any number of threads.
+/// Threads: one thread at a time for each object; any number of threads may call getResource() of a
+/// preloaded catalogue.
 class QBL_API QBLResourceFile {
 public:
-    /// @param preload  as of QBLResourceBMF
+    /// @param preload  as for QBLResourceBMF
     explicit QBLResourceFile(int preload);
-    /// The same, and opens it; isOpen() tells whether that worked.
+    /// Also opens a catalogue; isOpen() returns true if this succeeded.
     QBLResourceFile(const std::string& baseName, const char* localeID, int preload);
     QBLResourceFile(const QBLResourceFile&) = delete;
     QBLResourceFile& operator=(const QBLResourceFile&) = delete;
     ~QBLResourceFile();
 
-    /// Closes what is open and opens another.
-    /// @param localeID  as of QBLResourceFactory::findAndGet
+    /// Closes the open catalogue, if any, and opens another one.
+    /// @param localeID  as for QBLResourceFactory::findAndGet()
     /// @return false if there is no such catalogue
     bool open(const std::string& baseName, const char* localeID);
-    /// As QBLResource::getResource.
-    /// @throws QBLAssertError when nothing is open
+    /// Works as QBLResource::getResource().
+    /// @throws QBLAssertError if nothing is open
     [[nodiscard]] bool getResource(unsigned long id, char** text);
     void close();
     bool isOpen() const { return m_resource != nullptr; }
 
 private:
-    QBLResource* m_resource;  // owned; null when nothing is open
+    QBLResource* m_resource;  // owned; null if nothing is open
     int m_preload;
 };
 
