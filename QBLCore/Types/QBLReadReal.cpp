@@ -48,8 +48,8 @@ const char* scan(const char* at) {
     return qblIsDigit(*at) ? pastDigits(at) : nullptr;
 }
 
-/// Reads any text, also a number without a leading digit, one that does not end within the first
-/// kShort characters, and one that std::from_chars refuses or rounds wrongly.
+/// Reads any text: also a number that does not begin with a digit, does not end within the first
+/// kShort characters, or is refused or rounded wrongly by std::from_chars.
 /// @param begin  the number with a minus sign, but without a plus sign
 /// @param digits  the number without a sign
 template <class Real>

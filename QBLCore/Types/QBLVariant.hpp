@@ -89,7 +89,8 @@ public:
     /// @param bufferSize  in bytes. All of them are written, as by strncpy(3); only the first one
     ///     for a null string or a string of size 0.
     /// @return true if the text and its null character fit. A string counts with the variant's size
-    ///     instead of its length. False for a null buffer or a bufferSize of 0.
+    ///     instead of its length; a null string always fits. False for a null buffer or a
+    ///     bufferSize of 0.
     bool getValue(char* buffer, unsigned long bufferSize) const;
     /// @}
 
@@ -100,8 +101,8 @@ public:
     bool setValue(long value);
     bool setValue(unsigned long value);
     bool setValue(double value);
-    /// Does not free a string that the variant held: it now belongs to the caller who got it from
-    /// getValue() and who frees it with delete[].
+    /// Stores the pointer and returns true. Does not free a string that the variant held: it now
+    /// belongs to the caller, who must have got it from getValue() and frees it with delete[].
     bool setValue(void* value);
     /// @param text  may point into the variant's own string; null stores a null string of size 0
     /// @param length  how many bytes to copy, and the variant's size, even if the text is shorter:

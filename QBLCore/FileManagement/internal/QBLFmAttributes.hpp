@@ -6,9 +6,9 @@
 /// file has from its directory. Skips attributes that cannot be read, or that the new file cannot
 /// have.
 /// @param from  the old file; may be an O_PATH descriptor if /proc is mounted
-/// @param mode  the old file's mode. Of the group's bits, only those stay that the list gives to
-///     the file's group if the list could not be copied, and those that all others have too if the
-///     list could not be read.
+/// @param mode  the old file's mode. If the list cannot be copied, the group keeps only the bits
+///     that the list gives to the file's group. If the list cannot be read, the group keeps only
+///     the bits that all others have too.
 /// @param strangeGroup  true if the new file has another group, which gets no more rights than all
 ///     others have
 /// @return false with errno set

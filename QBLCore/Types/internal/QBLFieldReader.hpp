@@ -8,7 +8,7 @@
 #include "QBLCore/Types/internal/QBLCharacters.hpp"
 
 /// Reads a text field by field, from its beginning. A take operation that does not find its field
-/// returns false and stays where it is.
+/// returns false and does not move.
 class QBLFieldReader {
 public:
     /// @param text  null is an empty text
