@@ -39,7 +39,7 @@
 // Besides, a cancellation takes effect in sem_wait, but not in a call of futex.
 //
 // A mistake here loses a post, and then a waiter sleeps for ever:
-// TavSemaphoreTest.BoundedWaitLosesNoPostAndPublishesWhatCameBefore and
+// TavSemaphoreTest.BoundedWaitLosesNoPostAndSynchronizesMemory and
 // BoundedWaitHandsOverBackAndForth stop or count wrong, some mistakes only in one of several runs
 // (--gtest_repeat). The thread sanitizer reports a hand-over without an order (preset x64-tsan, and
 // ThreadsTsanUser for a library that is compiled without). The benchmarks roundTrip and throughput
@@ -59,8 +59,8 @@ constexpr int kTryScore = 4;  // of an attempt after some time without
 constexpr std::int64_t kPauseNsPerScore = 1200;
 constexpr int kPauses = 4;  // between two looks at the count
 constexpr int kYields = 3;
-// Short sleeps until the next attempt: after pauses or yields without success, and after a yield that
-// gave the processor to a busy thread for so long that a thousand short sleeps are cheaper.
+// Short sleeps until the next attempt: after pauses or yields without success, and after a yield
+// that gave the processor to a busy thread for so long that a thousand short sleeps are cheaper.
 constexpr int kAfterMisses = -16;
 constexpr int kAfterLongYield = -4000;
 constexpr std::int64_t kLongYieldNs = 200000;

@@ -24,8 +24,8 @@
 //
 // A mistake here deadlocks, or lets in a reader beside a writer.
 // TavRWLockTest.OneWriterOrManyReadersAtATime mixes both kinds with tries and timeouts.
-// ReadersGoOnWhenTheWriterGivesUp, ReadersGoOnWhenTheWriterIsCancelled and
-// NoWakeUpIsLostToAWriterThatTimesOut hang if passOn() does too little. `./dev check --all` also
+// ReadersContinueAfterTheWriterTimesOut, ReadersContinueAfterTheWriterIsCancelled and
+// TimedOutWriterLosesNoWakeUp hang if passOn() does too little. `./dev check --all` also
 // runs them under ThreadSanitizer.
 #include "TavThread/TavRWLock.h"
 

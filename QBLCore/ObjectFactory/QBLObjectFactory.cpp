@@ -44,8 +44,8 @@
 //
 // A mistake here hands an item out twice, or under the id of another class.
 // QBLObjectFactoryTest.ServesThreadsThatRegisterCreateAndRelease detects it with x86-asan and with
-// x64-tsan, which reports a weaker exchange. IsAsItWasWhenMemoryRunsOut tests rule 1. A run rarely
-// hits the moment between the two checks of rule 3.
+// x64-tsan, which reports a weaker exchange. StaysUsableWhenMemoryRunsOut tests rule 1. A run
+// rarely hits the moment between the two checks of rule 3.
 
 namespace {
 

@@ -53,10 +53,10 @@
 //
 // A mistake here calls a destroyed task or waits for ever. Tests, also with x64-tsan:
 // QBLCustodianTest .DeregistrationWaitsForThePass,
-// .SurvivesRegistrationsFromManyThreadsDuringTheStop, .ATaskThatEndsItsThreadEndsNothingElse,
+// .SurvivesRegistrationsFromManyThreadsDuringTheStop, .TaskThatEndsItsThreadAffectsNoOtherTask,
 // .StopsWithoutWaitingButCallsEveryTaskOnce (a lost signal).
-// QBLCustodianScheduleTest.FreezesAtZeroAndAtAllOnes tests rule 2; its result depends on how fair
-// the system's mutexes are.
+// QBLCustodianScheduleTest.ScheduleIsFrozenAtZeroAndAtAllOnes tests rule 2; its result depends on
+// how fair the system's mutexes are.
 
 namespace {
 

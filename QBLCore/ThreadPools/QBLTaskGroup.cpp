@@ -29,8 +29,8 @@
 // piece of a group.
 //
 // A mistake here makes a wait hang, or shows as use after free: all of QBLTaskGroupTest, with
-// x86-asan and x64-tsan. PiecesThatAddPiecesNeedNoStack tests m_pRefused,
-// SurvivesTheEndOfAThreadAndOfMemory tests leave() and keepError().
+// x86-asan and x64-tsan. NestedPiecesNeedNoStack tests m_pRefused,
+// SurvivesThreadExitAndExhaustedMemory tests leave() and keepError().
 
 namespace {
 

@@ -32,8 +32,8 @@
 // and m_handOff publishes it. m_workers changes only while the pool is constructed and destroyed.
 //
 // A mistake here loses a task or never joins a worker: QBLThreadPoolTest
-// .EveryAcceptedTaskIsRunThoughThePoolGoes, .AWorkerGoesOnWithAnotherThreadWhenATaskEndsItsOwn,
-// .TheStopFlagWakesWaitingSubmittersAndLosesNoTask, .FailedConstructionLeavesNoThreadBehind.
+// .DestructorRunsEveryAcceptedTask, .WorkerGetsANewThreadWhenATaskEndsItsThread,
+// .StopFlagWakesWaitingSubmittersAndLosesNoTask, .FailedConstructionLeavesNoThread.
 
 namespace {
 

@@ -22,8 +22,8 @@
 // idle worker checks the flag every ten seconds, because setStopWork() alone wakes only submitters.
 //
 // A mistake here loses a task or keeps a submitter waiting: QBLThreadPoolTest
-// .TheStopFlagWakesWaitingSubmittersAndLosesNoTask, .QueuedFinishesOrDropsWhatIsQueuedAsItWasTold,
-// .QueuedKeepsToItsCapacity, .AcceptedTasksOutliveWorkersThatEndInTheDestruction.
+// .StopFlagWakesWaitingSubmittersAndLosesNoTask, .QueuedFinishesOrDropsQueuedTasksAsConfigured,
+// .QueuedLimitsItsQueueToTheCapacity, .DestructorRunsAcceptedTasksThoughWorkersEnd.
 
 namespace {
 

@@ -44,9 +44,9 @@
 // stays until it has got that wake-up, as it is not idle before.
 //
 // A mistake loses a task, or a destructor waits for ever (QBLThreadPoolTest):
-// VariableStrandsNoTaskWhenItsWorkersRetire, VariableSurvivesATaskThatEndsItsThread,
-// VariableReapsAWorkerWhoseExitRoutineSubmits, AcceptedTasksOutliveWorkersThatEndInTheDestruction,
-// TheStopFlagWakesWaitingSubmittersAndLosesNoTask; with x64-tsan too, repeated (--gtest_repeat).
+// VariableLosesNoTaskWhenItsWorkersRetire, VariableSurvivesATaskThatEndsItsThread,
+// VariableReapsAWorkerWhoseExitRoutineSubmits, DestructorRunsAcceptedTasksThoughWorkersEnd,
+// StopFlagWakesWaitingSubmittersAndLosesNoTask; with x64-tsan too, repeated (--gtest_repeat).
 
 namespace {
 

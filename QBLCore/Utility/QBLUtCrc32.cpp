@@ -11,4 +11,4 @@ unsigned long QBLUtCrc32::crc32(unsigned long crc, const unsigned char* data, un
                                                    : qblCrc32Tables(reg, data, length));
 }
 
-const unsigned int* QBLUtCrc32::getCrcTable() { return kQBLCrc32Tables.behind[0]; }
+const unsigned int* QBLUtCrc32::getCrcTable() { return kQBLCrc32Tables.withZeros[0]; }

@@ -159,7 +159,7 @@ TEST(QBLObjectFactoryTest, ServesThreadsThatRegisterCreateAndRelease) {
     EXPECT_EQ(0, shared);
 }
 
-TEST(QBLObjectFactoryTest, IsAsItWasWhenMemoryRunsOut) {
+TEST(QBLObjectFactoryTest, StaysUsableWhenMemoryRunsOut) {
     fault::eachAllocation([] {
         try {
             QBLObjectFactory factory;

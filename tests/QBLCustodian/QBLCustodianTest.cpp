@@ -167,7 +167,7 @@ TEST_F(QBLCustodianTest, StopCompletesThoughItsThreadIsCancelled) {
     EXPECT_EQ(0, result);
 }
 
-TEST_F(QBLCustodianTest, ATaskThatEndsItsThreadEndsNothingElse) {
+TEST_F(QBLCustodianTest, TaskThatEndsItsThreadAffectsNoOtherTask) {
     std::vector<std::unique_ptr<Task>> tasks;
     for (int i = 0; i < 3; ++i) {
         tasks.push_back(std::make_unique<Task>([i](int) {
@@ -282,7 +282,7 @@ TEST_F(QBLCustodianTest, IsNotInheritedByAForkedProcess) {
     stop();
 }
 
-TEST(QBLCustodianScheduleTest, FreezesAtZeroAndAtAllOnes) {
+TEST(QBLCustodianScheduleTest, ScheduleIsFrozenAtZeroAndAtAllOnes) {
     for (const unsigned long frozen : {0UL, ~0UL, 0xFFFFFFFFUL}) {
         const int status = inChild([frozen] {
             const unsigned long before = QBLCustodian::getSchedule();

@@ -63,7 +63,7 @@ TEST_F(TavRWLockTest, WaitingWriterHoldsBackNewReaders) {
     EXPECT_EQ(2, readerCame);
 }
 
-TEST_F(TavRWLockTest, ReadersGoOnWhenTheWriterGivesUp) {
+TEST_F(TavRWLockTest, ReadersContinueAfterTheWriterTimesOut) {
     tavXRWLockReadLock(rw);
     std::atomic<bool> gaveUp{false};
     Workers writer(1, [&] {
@@ -81,7 +81,7 @@ TEST_F(TavRWLockTest, ReadersGoOnWhenTheWriterGivesUp) {
 }
 
 // A cancellation unwinds the wait. The writer must withdraw its request then too.
-TEST_F(TavRWLockTest, ReadersGoOnWhenTheWriterIsCancelled) {
+TEST_F(TavRWLockTest, ReadersContinueAfterTheWriterIsCancelled) {
 #ifdef __SANITIZE_ADDRESS__
     GTEST_SKIP() << "the sanitizer reports a false overflow while the stack unwinds";
 #endif
@@ -115,7 +115,7 @@ TEST_F(TavRWLockTest, ReadersGoOnWhenTheWriterIsCancelled) {
     tavXRWLockUnlock(rw);
 }
 
-TEST_F(TavRWLockTest, NoWakeUpIsLostToAWriterThatTimesOut) {
+TEST_F(TavRWLockTest, TimedOutWriterLosesNoWakeUp) {
     for (int round = 0; round < 25; ++round) {
         tavXRWLockReadLock(rw);
         std::atomic<bool> writerLeft{false};

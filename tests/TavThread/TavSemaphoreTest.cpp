@@ -74,7 +74,7 @@ TEST_F(TavSemaphoreTest, UnlimitedWaitsEndWithAPost) {
     }
 }
 
-TEST_F(TavSemaphoreTest, BoundedWaitLosesNoPostAndPublishesWhatCameBefore) {
+TEST_F(TavSemaphoreTest, BoundedWaitLosesNoPostAndSynchronizesMemory) {
     constexpr int kPosts = 3000;
     int slots[kPosts] = {};
     std::atomic<int> taken{0};

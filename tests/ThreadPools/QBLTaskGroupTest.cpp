@@ -108,7 +108,7 @@ TEST_F(QBLTaskGroupTest, RunsRefusedPiecesItself) {
     EXPECT_EQ(std::this_thread::get_id(), where) << "the refused piece did not run";
 }
 
-TEST_F(QBLTaskGroupTest, PiecesThatAddPiecesNeedNoStack) {
+TEST_F(QBLTaskGroupTest, NestedPiecesNeedNoStack) {
     QBLThreadPoolFixed busy(1);
     Refusing none;
     for (QBLThreadExecuteRunnable* pool : {static_cast<QBLThreadExecuteRunnable*>(&busy),
@@ -154,7 +154,7 @@ TEST_F(QBLTaskGroupTest, DestructorCompletesThoughThreadsEnd) {
     EXPECT_EQ(2, round.ran);
 }
 
-TEST_F(QBLTaskGroupTest, SurvivesTheEndOfAThreadAndOfMemory) {
+TEST_F(QBLTaskGroupTest, SurvivesThreadExitAndExhaustedMemory) {
     QBLThreadPoolVariable pool(1, 1000, 1);
     QBLTaskGroup group(pool);
     group.run([] { pthread_exit(nullptr); });

@@ -77,7 +77,7 @@ protected:
 
 }  // namespace
 
-TEST_F(QBLThreadPoolTest, EveryAcceptedTaskIsRunThoughThePoolGoes) {
+TEST_F(QBLThreadPoolTest, DestructorRunsEveryAcceptedTask) {
     Throwing throwing;
     for (int kind = 0; kind < 3; ++kind) {
         Counting counting;
@@ -142,7 +142,7 @@ TEST_F(QBLThreadPoolTest, VariableGrowsWithItsTasksAndShrinksToThePermanentWorke
     EXPECT_TRUE(eventually([&] { return pool.getWorkerCount() == 2 && blocking.ended == 5; }));
 }
 
-TEST_F(QBLThreadPoolTest, VariableStrandsNoTaskWhenItsWorkersRetire) {
+TEST_F(QBLThreadPoolTest, VariableLosesNoTaskWhenItsWorkersRetire) {
     QBLThreadPoolVariable pool(0, 1000, 1);
     Counting counting;
     for (int i = 1; i <= 400; ++i) {
@@ -185,7 +185,7 @@ TEST_F(QBLThreadPoolTest, VariableSurvivesATaskThatEndsItsThread) {
     }
 }
 
-TEST_F(QBLThreadPoolTest, AWorkerGoesOnWithAnotherThreadWhenATaskEndsItsOwn) {
+TEST_F(QBLThreadPoolTest, WorkerGetsANewThreadWhenATaskEndsItsThread) {
     for (int kind = 0; kind < 3; ++kind) {
         // After a cancellation, the address sanitizer leaves the unwound frames poisoned.
         Ending exits, cancels(!kSanitizer);
@@ -224,7 +224,7 @@ TEST_F(QBLThreadPoolTest, TasksDoNotInheritCancellationSettings) {
         }
 }
 
-TEST_F(QBLThreadPoolTest, AcceptedTasksOutliveWorkersThatEndInTheDestruction) {
+TEST_F(QBLThreadPoolTest, DestructorRunsAcceptedTasksThoughWorkersEnd) {
     struct EndingLast : QBLThreadRunnable {
         QBLThreadPool* pool = nullptr;
         void run() override {
@@ -249,7 +249,7 @@ TEST_F(QBLThreadPoolTest, AcceptedTasksOutliveWorkersThatEndInTheDestruction) {
     }
 }
 
-TEST_F(QBLThreadPoolTest, TheStopFlagWakesWaitingSubmittersAndLosesNoTask) {
+TEST_F(QBLThreadPoolTest, StopFlagWakesWaitingSubmittersAndLosesNoTask) {
     for (const char* kind : {"fixed", "queued", "queued, unfinished"}) {
         Gate gate;
         Blocking blocking(gate);
@@ -307,7 +307,7 @@ TEST_F(QBLThreadPoolTest, FixedStartsWithIdleWorkers) {
     }
 }
 
-TEST_F(QBLThreadPoolTest, QueuedKeepsToItsCapacity) {
+TEST_F(QBLThreadPoolTest, QueuedLimitsItsQueueToTheCapacity) {
     Gate gate;
     Blocking blocking(gate);
     QBLThreadPoolQueued pool(1, 1);
@@ -320,7 +320,7 @@ TEST_F(QBLThreadPoolTest, QueuedKeepsToItsCapacity) {
     EXPECT_EQ(1, pool.execute(&blocking, QBLWaitForever));
 }
 
-TEST_F(QBLThreadPoolTest, QueuedFinishesOrDropsWhatIsQueuedAsItWasTold) {
+TEST_F(QBLThreadPoolTest, QueuedFinishesOrDropsQueuedTasksAsConfigured) {
     for (int finish : {0, 1}) {
         Gate gate;
         Blocking blocking(gate);
@@ -340,7 +340,7 @@ TEST_F(QBLThreadPoolTest, QueuedFinishesOrDropsWhatIsQueuedAsItWasTold) {
     }
 }
 
-TEST_F(QBLThreadPoolTest, FailedConstructionLeavesNoThreadBehind) {
+TEST_F(QBLThreadPoolTest, FailedConstructionLeavesNoThread) {
     for (int kind : {0, 2}) {
         const long failed = fault::eachAllocation([&] {
             try {

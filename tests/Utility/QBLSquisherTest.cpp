@@ -23,7 +23,7 @@ std::string randomText(std::mt19937& random, std::size_t count, unsigned kinds) 
     return text;
 }
 
-TEST(QBLSquisherTest, TokensAreWhatZlibMakesAndComeBack) {
+TEST(QBLSquisherTest, TokensMatchZlibAndUnsquish) {
     std::mt19937 random(4);
     int refused = 0;
     for (unsigned n = 0; n < 5000; n += n < 100 ? 1 : 97) {
@@ -80,7 +80,7 @@ TEST(QBLSquisherTest, RejectsDamagedTokens) {
     EXPECT_EQ(2, Unsquished(tooLong.get()).first);
 }
 
-TEST(QBLSquisherTest, ThreadsAndForksSquishEachOnItsOwn) {
+TEST(QBLSquisherTest, ThreadsAndForksSquishIndependently) {
     std::mt19937 random(5);
     std::vector<std::string> texts(50);
     for (std::string& text : texts) text = randomText(random, random() % 3000, 20);

@@ -64,7 +64,7 @@ TEST(I18NPooledStringTest, HashesTheBytesSignExtended) {
     for (const auto& [text, hash] : table) EXPECT_EQ(hash, Pool::hashOf(text));
 }
 
-TEST(I18NPooledStringTest, DumpsByBucketsAndPurgesWhatNobodyHolds) {
+TEST(I18NPooledStringTest, DumpsByBucketsAndPurgesUnheldTexts) {
     Pool& pool = emptyPool();
     const I18NPooledString a("a"), again("a"), empty("");
     const I18NString& unheld = pool.getString("0H");  // in the same bucket as "a"
@@ -223,7 +223,7 @@ TEST(I18NPooledStringTest, DumpsOnlyIntoAFileOfItsOwnUser) {
     ASSERT_EQ(0, chdir(before.c_str()));
 }
 
-TEST(I18NPooledStringTest, ASurplusReleaseSpoilsNothing) {
+TEST(I18NPooledStringTest, SurplusReleaseIsHarmless) {
     Pool& pool = emptyPool();
     for (const std::string& text : {std::string("x"), std::string(60, 'x')}) {
         {
@@ -288,7 +288,7 @@ TEST(I18NPooledStringTest, HoldersOutliveTheLibrary) {
     EXPECT_EQ("kept", fresh.getString());
 }
 
-TEST(I18NPooledStringTest, AFailedAllocationLeavesThePoolAsItWas) {
+TEST(I18NPooledStringTest, FailedAllocationLeavesThePoolUnchanged) {
     Pool& pool = emptyPool();
     std::vector<I18NPooledString> held(5000);
     const long failures = fault::eachAllocation([&] {

@@ -139,7 +139,7 @@ TEST(I18NStringTest, NormalizesUnlessItIsSwitchedOff) {
         << "the two surrogates become a pair, which is decomposed";
 }
 
-TEST(I18NStringTest, ConversionsCallTheCallersCodeWithoutALock) {
+TEST(I18NStringTest, ConversionsCallAllocatorsWithoutALock) {
     I18NString text(L"\u4E2D");
     const auto nested = [](void* context, char* block, int size, int* error) {
         if (size > 0) static_cast<I18NString*>(context)->c_str("UTF-32");

@@ -14,9 +14,9 @@ constexpr std::uint32_t qblCrc32Step(std::uint32_t reg) {
     return reg >> 1 ^ (kQBLCrc32Polynomial & (0U - (reg & 1)));
 }
 
-/// Sixteen tables: behind[n] has the remainder of each byte with n zero bytes after it.
+/// Sixteen tables: withZeros[n] has the remainder of each byte with n zero bytes after it.
 struct QBLCrc32Tables {
-    std::uint32_t behind[16][256];
+    std::uint32_t withZeros[16][256];
 };
 extern const QBLCrc32Tables kQBLCrc32Tables;
 

@@ -8,7 +8,7 @@ constexpr QBLCrc32Tables makeTables() {
     QBLCrc32Tables tables{};
     for (std::uint32_t byte = 0; byte < 256; ++byte) {
         std::uint32_t reg = byte;
-        for (auto& table : tables.behind) {
+        for (auto& table : tables.withZeros) {
             for (int bit = 0; bit < 8; ++bit) reg = qblCrc32Step(reg);
             table[byte] = reg;
         }
@@ -24,9 +24,9 @@ std::uint32_t word(const unsigned char* data) {
 
 /// Returns the remainder of four bytes with n zero bytes after them.
 std::uint32_t four(std::uint32_t bytes, int n) {
-    const auto& behind = kQBLCrc32Tables.behind;
-    return behind[n + 3][bytes & 255] ^ behind[n + 2][bytes >> 8 & 255] ^
-           behind[n + 1][bytes >> 16 & 255] ^ behind[n][bytes >> 24];
+    const auto& withZeros = kQBLCrc32Tables.withZeros;
+    return withZeros[n + 3][bytes & 255] ^ withZeros[n + 2][bytes >> 8 & 255] ^
+           withZeros[n + 1][bytes >> 16 & 255] ^ withZeros[n][bytes >> 24];
 }
 
 }  // namespace
@@ -44,6 +44,6 @@ std::uint32_t qblCrc32Tables(std::uint32_t reg, const unsigned char* data, std::
         length -= 8, data += 8;
     }
     for (; length != 0; --length, ++data)
-        reg = reg >> 8 ^ kQBLCrc32Tables.behind[0][(reg ^ *data) & 255];
+        reg = reg >> 8 ^ kQBLCrc32Tables.withZeros[0][(reg ^ *data) & 255];
     return reg;
 }

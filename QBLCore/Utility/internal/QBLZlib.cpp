@@ -25,8 +25,8 @@
 //
 // A mistake leaks, which x86-asan reports, or corrupts tokens. In QBLSquisherTest,
 // .FailsCleanlyWithoutMemory makes each allocation of a new thread fail,
-// .ThreadsAndForksSquishEachOnItsOwn runs four threads and a child process, and
-// .TokensAreWhatZlibMakesAndComeBack compares with the result of zlib alone. No test deflates in
+// .ThreadsAndForksSquishIndependently runs four threads and a child process, and
+// .TokensMatchZlibAndUnsquish compares with the result of zlib alone. No test deflates in
 // the destructor of another key. A thread that does so for the first time in the system's last
 // round leaks its stream.
 #include "QBLCore/Utility/internal/QBLZlib.hpp"

@@ -40,7 +40,7 @@
 //
 // Tests: I18NPooledStringTest.ThreadsAcquireReleasePurgeDumpAndStop detects mistakes, above all
 // with the presets x86-asan and x64-tsan; the latter reports a weaker order in each of enter(),
-// pin() and unpin(). ASurplusReleaseSpoilsNothing and HoldersOutliveTheLibrary detect others.
+// pin() and unpin(). SurplusReleaseIsHarmless and HoldersOutliveTheLibrary detect others.
 
 /// A copy of the characters that a string stores in itself. Without a copy, they are read from the
 /// string.

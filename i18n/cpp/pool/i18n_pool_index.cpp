@@ -24,9 +24,9 @@
 // previous table, so that leak checkers find that one.
 //
 // Tests: a wrong search shows as a text that is in the pool twice or is never found. These detect
-// it: I18NPooledStringTest.DumpsByBucketsAndPurgesWhatNobodyHolds,
+// it: I18NPooledStringTest.DumpsByBucketsAndPurgesUnheldTexts,
 // ThreadsAcquireReleasePurgeDumpAndStop (x64-tsan, x86-asan) and
-// AFailedAllocationLeavesThePoolAsItWas, which makes each growth fail in turn. None of them
+// FailedAllocationLeavesThePoolUnchanged, which makes each growth fail in turn. None of them
 // detects a weaker order of the table or of a slot, and the thread sanitizer does not either:
 // change these by reasoning only. I18NPooledStringBench shows the cost of a search.
 #include "i18n/cpp/pool/i18n_pool_index.hpp"

@@ -32,7 +32,7 @@
 // flag cleared before.
 //
 // Tests: I18NStringTest.ConvertsOneConstantStringOnManyThreads (x64-tsan, x86-asan) detects wrong
-// bytes. ConversionsCallTheCallersCodeWithoutALock deadlocks if a lock is held too long. A missing
+// bytes. ConversionsCallAllocatorsWithoutALock deadlocks if a lock is held too long. A missing
 // lock or a weaker order shows only if two threads are within a few instructions of each other,
 // which hardly any run meets: change these by reasoning only.
 #include <unicode/ucnv.h>
