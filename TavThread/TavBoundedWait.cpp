@@ -29,13 +29,13 @@
 // threads change without care: a lost update costs time, never a post.
 //
 // Why not one futex word and a spin of a fixed length: that needs no lookers, promises or scores,
-// but it was slower when it was tried. Medians in ns, x86 with two processors, busy ones; the spin
-// took 1.5 us or was left out (5 us were slower still, and so were three yields after the spin):
-//                                     this  1.5 us   none
-//   QBLThreadPoolFixed round trip      561     769    795
-//   QBLThreadPoolQueued round trip     646    1511   1384
-//   QBLThreadPoolVariable per task     372     789    682
-//   QBLThreadPoolQueued per task       109     120     91
+// but in a trial it was slower, except for the tasks of the queued pool. Medians in ns on two busy
+// x86 processors (a spin of 5 us was slower still, and so were three yields after the spin):
+//                                  this wait  futex, 1.5 us spin  futex, no spin
+//   QBLThreadPoolFixed round trip        561                 769             795
+//   QBLThreadPoolQueued round trip       646                1511            1384
+//   QBLThreadPoolVariable per task       372                 789             682
+//   QBLThreadPoolQueued per task         109                 120              91
 // Besides, a cancellation takes effect in sem_wait, but not in a call of futex.
 //
 // A mistake here loses a post, and then a waiter sleeps for ever:

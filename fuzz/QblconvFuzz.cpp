@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -129,8 +130,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (size < kChoices) return 0;
     const std::string source(reinterpret_cast<const char*>(data) + kChoices, size - kChoices);
     const bool fits = data[2] / 5 % 2 == 1;
-    const int outputPolicy = fits ? I18N_STOP : kPolicies[data[2] / 10 % 5];
-    const auto from = openNumbered(data[0], kPolicies[data[2] % 5], I18N_STOP);
+    const int outputPolicy = fits ? I18N_STOP : kPolicies[data[2] / 10 % std::size(kPolicies)];
+    const auto from = openNumbered(data[0], kPolicies[data[2] % std::size(kPolicies)], I18N_STOP);
     const auto to = openNumbered(data[1], I18N_STOP, outputPolicy);
     to->useFallback(fits);
     const Way way = {from.get(), to.get(), static_cast<I18NByteOrderMark>(data[3] % 4),

@@ -51,7 +51,8 @@ public:
     const I18NString& getMsgFile() const { return m_msgFile; }
 
 protected:
-    /// Returns the language; the fallback if the language is null or empty; "en" if both are.
+    /// Returns the language; the fallback if the language is null or empty; "en" if both are. The
+    /// fallback does not help if the language has no text.
     static const char* chooseLocale(const char* language, const char* fallbackLanguage);
     /// Appends the text from an open file, with the parameters filled in.
     /// @param file  must be preloaded if the caller keeps the pattern

@@ -48,8 +48,9 @@ private:
     void buryLost();
     void reap(bool all);
 
-    std::atomic<unsigned int> m_workerCount;  // changes under m_mutex only
-    std::atomic<unsigned int> m_taskCount;    // queued tasks minus woken workers; under m_mutex too
+    std::atomic<unsigned int>
+        m_workerCount;  // changes under m_mutex: addWorker(), leave(), buryLost()
+    std::atomic<unsigned int> m_taskCount;  // queued tasks minus woken workers; under m_mutex too
     const unsigned long m_defaultTimeout;
     const unsigned long m_idleTimeout;
     const unsigned long m_permanentWorkers;

@@ -186,7 +186,7 @@ public:
     /// The number of code points; a surrogate pair counts once.
     int length() const { return nCodePoints(); }
     int nCodePoints() const;
-    /// The size of the UTF-16 form in bytes including the terminating NUL; 0 for an empty string.
+    /// The size of the UTF-16 form in bytes including the terminating NUL; deliberately 0 if empty.
     int size() const;
     static int length(const I18NString& other) { return other.length(); }
     static int length(const char* utf8) { return I18NString(utf8).length(); }

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <new>
 
@@ -34,6 +35,9 @@ const UConverterFromUCallback kOutputCallbacks[] = {
     ESCAPE_UNCONVERTIBLE_OUTPUT_CALLBACK, LOOKUP_UNCONVERTIBLE_OUTPUT_CALLBACK,
     SUBSTITUTE_UNCONVERTIBLE_OUTPUT_CALLBACK, USER_DEFINED_UNCONVERTIBLE_OUTPUT_CALLBACK,
     STOP_UNCONVERTIBLE_OUTPUT_CALLBACK};
+static_assert(std::size(kInputCallbacks) == I18N_STOP + 1 &&
+                  std::size(kOutputCallbacks) == I18N_STOP + 1,
+              "each policy has its callbacks");
 
 bool isPolicy(int policy) { return policy >= I18N_ESCAPE && policy <= I18N_STOP; }
 
