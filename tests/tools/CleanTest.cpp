@@ -49,9 +49,9 @@ TEST(CleanTest, RemovesOnlyUnusedTemporaryFiles) {
 
     const std::string command = "'" QBL_CONV "' --clean ";
     // Sorted by message, because directory order depends on the process identifiers.
-    EXPECT_EQ("./" + held + ": left, since a program has it open\n./" + running +
-                  ": left, since process " + live + " is running\n./" + link +
-                  ": no regular file\n./" + removed[0] + ": removed\n./" + removed[1] +
+    EXPECT_EQ("./" + held + ": kept, because a program has it open\n./" + running +
+                  ": kept, because process " + live + " is running\n./" + link +
+                  ": not a regular file\n./" + removed[0] + ": removed\n./" + removed[1] +
                   ": removed\n",
               runTool(tree, command + "-v . 2>&1 | LC_ALL=C sort -t: -k2").output);
     EXPECT_TRUE(std::filesystem::exists(tree(removed[2]))) << "-r is not given";
@@ -70,11 +70,11 @@ TEST(CleanTest, ReportsErrors) {
     const struct {
         const char *arguments, *said;
     } table[] = {
-        {"", "qblconv: --clean needs the name of a directory\n"},
+        {"", "qblconv: --clean requires at least one directory\n"},
         {"nodir", "nodir: cannot be read: No such file or directory\n"},
         {". file", "file: cannot be read: Not a directory\n"},
-        {"-n .", "qblconv: --clean does not go with -n\n"},
-        {"-t UTF-8 .", "qblconv: -t does not go with --clean\n"},
+        {"-n .", "qblconv: --clean and -n cannot be used together\n"},
+        {"-t UTF-8 .", "qblconv: -t and --clean cannot be used together\n"},
     };
     for (const auto& row : table) {
         const Outcome result =

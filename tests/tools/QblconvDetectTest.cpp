@@ -64,12 +64,12 @@ void expectRun(const TempTree& tree, const std::string& command, int status,
 }
 
 std::string unclear(const std::string& name, const std::string& fits) {
-    return name + ": the encoding is not clear, these fit: " + fits +
+    return name + ": the encoding is ambiguous, these fit: " + fits +
            "; compare them with -g, then use -f NAME or -f auto:LIST\n";
 }
 
 const char kUnknown[] =
-    ": the encoding is unknown; name it with -f NAME, or possible ones with -f auto:LIST\n";
+    ": unknown encoding; name it with -f NAME, or candidates with -f auto:LIST\n";
 
 /// Creates the files: s is Shift_JIS, u UTF-8, l windows-1252, w and d UTF-16 with a byte-order
 /// mark, m UTF-8 with one, c ambiguous, e empty.
@@ -170,7 +170,7 @@ TEST(QblconvDetectTest, DetectsManyEncodings) {
         const bool isWide = row.encoding == "UTF-16LE";
         for (int i = isWide ? 2 : 0; i < 2; ++i) {
             tree.file("f", std::string(0xFFF0 + static_cast<std::size_t>(i), '\n') + row.text);
-            expectRun(tree, "-nv -f auto f", 0, "f: all of it is " + row.encoding + "\n");
+            expectRun(tree, "-nv -f auto f", 0, "f: valid " + row.encoding + "\n");
         }
         // In place, a file is replaced only if no other encoding fits.
         const bool isAlone = isWide || row.encoding == "ISO-2022-JP" || row.expected == kGerman;
@@ -194,17 +194,17 @@ TEST(QblconvDetectTest, ByteOrderMarksAndUTF8Decide) {
     for (int i = 0; i < 20; ++i) broken += kGerman;
     tree.file("broken", broken + "\xFF\n");
     expectRun(tree, "-f auto -i broken; $Q -gq broken", 0,
-              "broken: nearly UTF-8; qblconv -n -f UTF-8 shows what is wrong\n"
-              "broken: nearly UTF-8; qblconv -n -f UTF-8 shows what is wrong\n"
+              "broken: malformed, but most likely UTF-8; qblconv -n -f UTF-8 shows the errors\n"
+              "broken: malformed, but most likely UTF-8; qblconv -n -f UTF-8 shows the errors\n"
               "broken: windows-1252, windows-1254 (confidence 88 %)\n"
               "broken: windows-1250 (confidence 46 %)\n");
     tree.file("random", "\x81\x8D\x8F\x90\xFF\xFE");
     expectRun(tree, "-nv -f auto u w d m e both color bell zeros names random", 1,
-              "u: all of it is UTF-8\nw: all of it is UTF-16LE\nd: all of it is UTF-16BE\n"
-              "m: all of it is UTF-8\ne: all of it is UTF-8\nboth: all of it is UTF-16LE\n"
-              "color: all of it is UTF-8\nbell: all of it is UTF-8\n" +
-                  (std::string("zeros") + kUnknown) + "names: all of it is UTF-8\nrandom" +
-                  kUnknown + "11 files: 9 valid, 2 failed\n");
+              "u: valid UTF-8\nw: valid UTF-16LE\nd: valid UTF-16BE\n"
+              "m: valid UTF-8\ne: valid UTF-8\nboth: valid UTF-16LE\n"
+              "color: valid UTF-8\nbell: valid UTF-8\n" +
+                  (std::string("zeros") + kUnknown) + "names: valid UTF-8\nrandom" + kUnknown +
+                  "11 files: 9 valid, 2 failed\n");
     expectRun(tree, "-f auto m w; $Q -f auto --bom=keep m", 0,
               "\xC3\xA4\n\xC3\xA4\n\xEF\xBB\xBF\xC3\xA4\n");
 }
@@ -227,7 +227,8 @@ TEST(QblconvDetectTest, TakesTheFirstFittingEncodingOfAList) {
     makeFiles(tree);
     expectRun(tree, "-f auto:UTF-8,sjis,windows-1252 -v -d out u s l w m", 1,
               "u: converted from UTF-8\ns: converted from sjis\nl: converted from windows-1252\n"
-              "w: valid in none of these encodings: UTF-8, sjis, windows-1252\n"
+              "w: not valid in any of these encodings: UTF-8, sjis, windows-1252; -g lists the "
+              "encodings that fit\n"
               "m: converted from UTF-8\n"
               "5 files: 4 converted, 0 unchanged, 1 failed; characters replaced: 0\n");
     EXPECT_EQ("gr\xC3\xBC\xC3\x9F\n\xE3\x81\x82\n", tree.text("out/l") + tree.text("out/s"));
@@ -235,25 +236,28 @@ TEST(QblconvDetectTest, TakesTheFirstFittingEncodingOfAList) {
     // An encoding name without a byte order needs a byte-order mark, and a mark must belong to an
     // encoding of the list.
     expectRun(tree, "-f auto:latin1,ucs-2 -nv w d u m", 1,
-              "w: all of it is UTF-16LE\nd: all of it is UTF-16BE\nu: all of it is latin1\n"
-              "m: valid in none of these encodings: latin1, ucs-2\n4 files: 3 valid, 1 failed\n");
+              "w: valid UTF-16LE\nd: valid UTF-16BE\nu: valid latin1\n"
+              "m: not valid in any of these encodings: latin1, ucs-2; -g lists the encodings that "
+              "fit\n4 files: 3 valid, 1 failed\n");
     expectRun(tree, "-f auto:sjis,latin1 -ki l s u -v; cat s", 0,
               "l: converted from latin1\ns: converted from sjis\nu: already UTF-8\n"
               "3 files: 2 converted, 1 unchanged, 0 failed; characters replaced: 0\n"
               "\xE3\x81\x82\n");
     // Input that cannot be read twice is copied. Detection starts where the last reader stopped.
-    expectRun(tree, "-f auto:UTF-8,sjis - <c", 1,
-              "-: valid in none of these encodings: UTF-8, sjis\n");
+    expectRun(
+        tree, "-f auto:UTF-8,sjis - <c", 1,
+        "-: not valid in any of these encodings: UTF-8, sjis; -g lists the encodings that fit\n");
     expectRun(tree,
               "-v </dev/null; (read a; $Q -f auto:UTF-8,latin1 -v) <c; cat l c | "
               "TMPDIR=/nowhere $Q -f auto",
               1,
               "-: converted from UTF-8\n-: converted from UTF-8\n"
-              "-: cannot be copied to a temporary file: No such file or directory\n");
+              "-: cannot be copied to a temporary file: No such file or directory; TMPDIR sets its "
+              "directory\n");
     const std::string big(0x20000, 'a');
     tree.file("big", big + "\xE3\x81\x82 \xFF");
     expectRun(tree, "-nv -f auto:UTF-8,sjis,latin1 big; cat big | $Q -nv -f auto:UTF-8,latin1 -", 0,
-              "big: all of it is latin1\n-: all of it is latin1\n");
+              "big: valid latin1\n-: valid latin1\n");
 }
 
 TEST(QblconvDetectTest, GuessesShowWhereTheyDiffer) {
@@ -275,7 +279,7 @@ TEST(QblconvDetectTest, GuessesShowWhereTheyDiffer) {
               "The rest of the text, however, is in English again and then there is more: "
               "\xF2\xE5\xEC\xED\n");
     expectRun(tree, "-n -f auto h 2>&1 | cut -d'(' -f1", 0,
-              "h: the encoding is not clear, these fit: windows-1252 \n");
+              "h: the encoding is ambiguous, these fit: windows-1252 \n");
     expectRun(tree, "-n -f auto c; $Q -f auto -i c", 1,
               unclear("c", "windows-1250 (80), windows-1252 (69)") +
                   unclear("c", "windows-1250 (80), windows-1252 (69)"));
@@ -298,11 +302,15 @@ TEST(QblconvDetectTest, GuessesShowWhereTheyDiffer) {
 TEST(QblconvDetectTest, InvalidListsAreMisuse) {
     TempTree tree;
     makeFiles(tree);
-    expectRun(tree, "-f auto: u", 2, "qblconv: invalid argument for -f: \"auto:\"\n");
+    expectRun(tree, "-f auto: u", 2,
+              "qblconv: invalid argument for -f: \"auto:\"; valid values: auto auto:LIST\n");
     expectRun(tree, "-n -f auto:UTF-8,shiftjsi u", 2,
-              "qblconv: no such encoding: shiftjsi; perhaps Shift_JIS?\n");
-    expectRun(tree, "-f auto:UTF-8, u", 2, "qblconv: no such encoding:  (qblconv -l lists all)\n");
-    expectRun(tree, "-f AUTO u", 2, "qblconv: no such encoding: AUTO (qblconv -l lists all)\n");
-    expectRun(tree, "-g -f sjis u", 2, "qblconv: invalid argument for -f: \"sjis\"\n");
-    expectRun(tree, "-g -t sjis u", 2, "qblconv: -t does not go with -g\n");
+              "qblconv: unknown encoding: shiftjsi; did you mean Shift_JIS?\n");
+    expectRun(tree, "-f auto:UTF-8, u", 2,
+              "qblconv: unknown encoding: ; qblconv -l lists all encodings\n");
+    expectRun(tree, "-f AUTO u", 2,
+              "qblconv: unknown encoding: AUTO; qblconv -l lists all encodings\n");
+    expectRun(tree, "-g -f sjis u", 2,
+              "qblconv: invalid argument for -f: \"sjis\"; valid values: auto auto:LIST\n");
+    expectRun(tree, "-g -t sjis u", 2, "qblconv: -t and -g cannot be used together\n");
 }

@@ -105,9 +105,10 @@ TEST(QblconvFilesTest, InPlaceKeepsModeLinksAndOptionallyTheOriginal) {
     EXPECT_TRUE(std::filesystem::is_symlink(tree("link")));
     // A failed file is unchanged; with -k, so is a file that is already valid.
     tree.file("bad", kBroken);
-    expectRun(tree, "-kvi bad s", 1,
-              "bad:2:1: byte 2: the end cuts off 82, in Shift_JIS\ns: already UTF-8\n"
-              "2 files: 0 converted, 1 unchanged, 1 failed; characters replaced: 0\n");
+    expectRun(
+        tree, "-kvi bad s", 1,
+        "bad:2:1: byte 2: 82 is an incomplete Shift_JIS sequence at the end\ns: already UTF-8\n"
+        "2 files: 0 converted, 1 unchanged, 1 failed; characters replaced: 0\n");
     EXPECT_EQ(kBroken, tree.text("bad"));
     // Nearly any text is valid UTF-16, so -k requires a byte-order mark.
     tree.file("s", kShiftJIS + "b");
@@ -132,8 +133,10 @@ TEST(QblconvFilesTest, NeverOverwritesAKeptOriginal) {
         EXPECT_EQ("./s ./s.o ", namesIn(tree, "t")) << arguments;
     };
     tree.dir("t");
-    expectKept("-i=.o t/s t/s.o", 2, "qblconv: t/s and t/s.o would both become t/s.o\n");
-    const std::string said = "t/s: the original cannot be kept as t/s.o: File exists\n";
+    expectKept("-i=.o t/s t/s.o", 2,
+               "qblconv: t/s and t/s.o would both be written to t/s.o; convert them separately\n");
+    const std::string said =
+        "t/s: not converted, because the original cannot be kept as t/s.o: File exists\n";
     expectKept("-i=.o t/s", 1, said);
     expectKept("-i=.o -r t", 1, said);
     // The name of the original may not be a directory. It may be a second name of the input, which
@@ -177,7 +180,8 @@ TEST(QblconvFilesTest, InPlaceRequiresRegularUnlockedFiles) {
     TempTree tree;
     const int file = open(tree.file("s", kShiftJIS).c_str(), O_RDWR);
     ASSERT_EQ(1, M_LockFile(file, 0, 0));
-    const std::string locked = "s: locked by process " + std::to_string(getpid()) + "\n";
+    const std::string locked =
+        "s: locked by process " + std::to_string(getpid()) + "; --lock=wait waits for it\n";
     expectRun(tree, "-i s", 1, locked);
     expectRun(tree, "-n --lock=try s", 1, locked);
     EXPECT_EQ(kShiftJIS, tree.text("s"));
@@ -190,9 +194,9 @@ TEST(QblconvFilesTest, InPlaceRequiresRegularUnlockedFiles) {
     EXPECT_EQ("\xE3\x81\x84", tree.text("s"));
     close(file);
     ASSERT_EQ(0, mkfifo(tree("pipe").c_str(), 0600));
-    expectRun(tree, "-i pipe --lock=none", 1, "pipe: no regular file\n");
+    expectRun(tree, "-i pipe --lock=none", 1, "pipe: not a regular file\n");
     tree.file("s", kShiftJIS);
-    expectRun(tree, "-n pipe -v & cat s >pipe; wait", 0, "pipe: all of it is Shift_JIS\n");
+    expectRun(tree, "-n pipe -v & cat s >pipe; wait", 0, "pipe: valid Shift_JIS\n");
     expectRun(tree, "-vir .", 0, "./s: converted from Shift_JIS\n");
 }
 
@@ -241,8 +245,8 @@ TEST(QblconvFilesTest, StaysInTheTreeDespiteSwappedLinks) {
     std::filesystem::create_symlink("../secret", tree("elsewhere/link"));
     for (const char* mode : {"-n", "-d new", "-i"})
         expectRun(tree, std::string("-vr elsewhere -m '*k*' ") + mode, 0,
-                  "elsewhere/broken: warning: a link to nothing, passed over\n"
-                  "elsewhere/link: a link, passed over\n");
+                  "elsewhere/broken: warning: broken symbolic link, skipped\n"
+                  "elsewhere/link: symbolic link, skipped\n");
 }
 
 TEST(QblconvFilesTest, LateAppendsAreNotLost) {
@@ -311,7 +315,8 @@ TEST(QblconvFilesTest, WritesOneOutputPerInputAndReportsInOrder) {
         if (!isBroken) continue;
         const int lines = i % 5 == 0 ? 20000 : 1;
         expected += "in/" + name + ".txt:" + std::to_string(lines + 2) + ":1: byte " +
-                    std::to_string(4 * lines + 2) + ": the end cuts off 82, in Shift_JIS\n";
+                    std::to_string(4 * lines + 2) +
+                    ": 82 is an incomplete Shift_JIS sequence at the end\n";
     }
     for (const char* other : {"in/x.bin", "in/.hidden.txt", "in/deep/.git/x.txt"})
         tree.file(other, kBroken);
@@ -330,18 +335,21 @@ TEST(QblconvFilesTest, OutputNeverDestroysItsInput) {
     tree.file("s", kShiftJIS);
     expectRun(tree, "s -o s; cat s", 0, kUTF8);
     tree.file("s", kShiftJIS);
-    expectRun(tree, "-d . s; cat s", 0,
-              "qblconv: the output ./s is the input itself; use -i to replace files\n" + kShiftJIS);
+    expectRun(
+        tree, "-d . s; cat s", 0,
+        "qblconv: the output ./s would overwrite its input; use -i to convert files in place\n" +
+            kShiftJIS);
     tree.file("bad", kBroken);
     expectRun(tree, "s bad -o s", 1,
-              "bad:2:1: byte 2: the end cuts off 82, in Shift_JIS\ns: not written\n");
+              "bad:2:1: byte 2: 82 is an incomplete Shift_JIS sequence at the end\ns: not written, "
+              "because an input failed\n");
     EXPECT_EQ(kShiftJIS, tree.text("s"));
-    expectRun(tree, "s >>s", 1, "s: would be written while it is read\n");
+    expectRun(tree, "s >>s", 1, "s: is also the output; choose another output\n");
     // qblconv waits for a reader of a pipe; a signal ends the wait.
     expectRun(tree, "</dev/null; mkfifo q; (sleep 0.1; cat q) & $Q -f Shift_JIS s -o q; wait", 0,
               kUTF8);
     expectRun(tree, "</dev/null; timeout 0.2 $Q -f Shift_JIS s -o q; echo $?; rm q", 0, "124\n");
-    expectRun(tree, "- <s >>s", 1, "-: would be written while it is read\n");
+    expectRun(tree, "- <s >>s", 1, "-: is also the output; choose another output\n");
     expectRun(tree, "s >&-", 1, "the standard output: cannot be written: Bad file descriptor\n");
     expectRun(tree, "s s -o /dev/full", 1,
               "/dev/full: cannot be written: No space left on device\n");
@@ -349,7 +357,7 @@ TEST(QblconvFilesTest, OutputNeverDestroysItsInput) {
               "no-such/..: cannot be read: No such file or directory\n");
     expectRun(tree, "-ir s . -v", 1,
               "s: converted from Shift_JIS\n"
-              "./bad:2:1: byte 2: the end cuts off 82, in Shift_JIS\n"
+              "./bad:2:1: byte 2: 82 is an incomplete Shift_JIS sequence at the end\n"
               "2 files: 1 converted, 0 unchanged, 1 failed; characters replaced: 0\n");
     expectRun(tree, "bad -d s; $Q -f Shift_JIS -d /proc/no s", 1,
               "s/bad: cannot be written: File exists\ns:1:3: byte 3: 82 is not Shift_JIS\n");
@@ -455,7 +463,8 @@ TEST(QblconvFilesTest, ReportsAFullDiskOnce) {
         {QBL_CONV " -l >/dev/full", "qblconv" + reason},
         {QBL_CONV " -nX s >/dev/full", "qblconv" + reason},
         {QBL_MSGC " -s report >/dev/full", "qblmsgc" + reason},
-        {QBL_MSGC " -w ./x >/dev/full", "./x: there is no such catalogue for en\nqblmsgc" + reason},
+        {QBL_MSGC " -w ./x >/dev/full",
+         "./x: no catalogue found for en; none of the files listed exists\nqblmsgc" + reason},
     };
     for (const auto& row : table) {
         const Outcome result = runTool(tree, row.command);

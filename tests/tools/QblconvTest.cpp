@@ -73,7 +73,7 @@ TEST(QblconvTest, JoinsTextsUnderEachPolicyAndMark) {
          "similar characters: 1\nu: converted from UTF-8\n"},
         {"-p fit -t US-ASCII z", 1, "z:1:1: U+00E9 is not in US-ASCII\n"},
         {"-p escape,stop -t latin1 z -o out; test -e out || printf none", 0,
-         "z:1:2: U+200B is not in latin1\nout: not written\nnone"},
+         "z:1:2: U+200B is not in latin1\nout: not written, because an input failed\nnone"},
         {"-f ASCII u", 1, "u:1:1: byte 0: EF is not US-ASCII\n"},
         {"-o out s -f sjis && cat out", 0, "a\xE3\x81\x82\n"},
         // -f overrides a byte-order mark, except for the byte order if the name leaves it open.
@@ -90,14 +90,15 @@ TEST(QblconvTest, JoinsTextsUnderEachPolicyAndMark) {
 TEST(QblconvTest, CheckReportsEverySequence) {
     expectRuns({
         {"-n -f Shift_JIS b s e -v", 1,
-         "b:2:2: byte 4: 82 is not Shift_JIS\nb:3:1: byte 8: the end cuts off 82, in Shift_JIS\n"
-         "s: all of it is Shift_JIS\ne: all of it is Shift_JIS\n3 files: 2 valid, 1 failed\n"},
+         "b:2:2: byte 4: 82 is not Shift_JIS\nb:3:1: byte 8: 82 is an incomplete Shift_JIS "
+         "sequence at the end\n"
+         "s: valid Shift_JIS\ne: valid Shift_JIS\n3 files: 2 valid, 1 failed\n"},
         {"-n -f sjis -t US-ASCII s b", 1,
          "s:1:2: U+3042 is not in US-ASCII\nb:2:1: U+3042 is not in US-ASCII\n"
-         "b:2:2: byte 4: 82 is not sjis\nb:3:1: byte 8: the end cuts off 82, in sjis\n"
+         "b:2:2: byte 4: 82 is not sjis\nb:3:1: byte 8: 82 is an incomplete sjis sequence at the "
+         "end\n"
          "2 files: 0 valid, 2 failed\n"},
-        {"-nv w - <u", 0,
-         "w: all of it is UTF-16LE\n-: all of it is UTF-8\n2 files: 2 valid, 0 failed\n"},
+        {"-nv w - <u", 0, "w: valid UTF-16LE\n-: valid UTF-8\n2 files: 2 valid, 0 failed\n"},
         {"-nq w u; $Q -n <s", 1,
          "-:1:2: byte 1: 82 is not UTF-8\n-:1:3: byte 2: A0 is not UTF-8\n"},
         {"-n s >/dev/null", 1, "s:1:2: byte 1: 82 is not UTF-8\ns:1:3: byte 2: A0 is not UTF-8\n"},
@@ -107,7 +108,7 @@ TEST(QblconvTest, CheckReportsEverySequence) {
 TEST(QblconvTest, MessagesUseTheUsersLanguageOrXml) {
     expectRuns({{"-n -f sjis b", 1,
                  "b:2:2: Byte 4: 82 ist kein sjis\n"
-                 "b:3:1: Byte 8: 82 wird vom Ende abgeschnitten, in sjis\n"},
+                 "b:3:1: Byte 8: 82 ist eine unvollst\u00e4ndige sjis-Folge am Ende\n"},
                 {"-L fr -nf sjis -t latin1 s", 1, "s:1:2: U+3042 n'est pas dans latin1\n"}},
                "LC_ALL=de_AT.UTF-8");
     // The message's text, and the components from which it can be shown in another language.
@@ -127,7 +128,8 @@ TEST(QblconvTest, MessagesUseTheUsersLanguageOrXml) {
     const char* const name = "q&amp;&lt;&gt;&quot;&apos;\\xFF\\x0A.x";
     expectRuns({
         {"-Xn e", 0, "<Messages>\n</Messages>\n"},
-        {"-Z -X", 2, message("0x02", "qblconv: no such option: -Z", {"-Z"})},
+        {"-Z -X", 2,
+         message("0x02", "qblconv: unknown option: -Z; qblconv --help lists the options", {"-Z"})},
         {"-Xn nofile", 2,
          message("0x1e", "nofile: cannot be read: No such file or directory",
                  {"nofile", "No such file or directory"})},
@@ -135,7 +137,7 @@ TEST(QblconvTest, MessagesUseTheUsersLanguageOrXml) {
          message("0x16", "z:1:1: U+00E9 is not in sjis",
                  {"z", "1", "1", "00E9", "sjis", "lacking", "stop"})},
         {"-Xn -f sjis b | '" QBL_MSGC "' -s - en | tail -n 1", 0,
-         "Error: b:3:1: byte 8: the end cuts off 82, in sjis\n"},
+         "Error: b:3:1: byte 8: 82 is an incomplete sjis sequence at the end\n"},
         {"-V >&- ; cp s \"$(printf 'q&<>\"\\047\\377\\n.x')\"; $Q -Xn q*x -f US-ASCII 2>/dev/null "
          "| "
          "head -n 2; $Q -Xn q*x | tail -n 1",
@@ -159,7 +161,7 @@ TEST(QblconvTest, JsonReportsHaveOneObjectPerLine) {
              R"({"type":"finding","file":"b","line":3,"column":1,"offset":8,"bytes":"82",)"
              R"("codePoint":null,"kind":"truncated","policy":"stop","encoding":"sjis",)"
              R"("replacement":null,"severity":"error",)"
-             R"("text":"b:3:1: byte 8: the end cuts off 82, in sjis"})"
+             R"("text":"b:3:1: byte 8: 82 is an incomplete sjis sequence at the end"})"
              "\n" +
              file + R"("b","status":"failed","from":"sjis","to":null,"replaced":0,"messages":[]})" +
              "\n"},
@@ -175,7 +177,7 @@ TEST(QblconvTest, JsonReportsHaveOneObjectPerLine) {
              R"("text":"x\"\\y: warning: transliterated: 1"}]})"
              "\na\n"},
         {"--json -Z", 2,
-         R"({"type":"error","id":2,"text":"qblconv: no such option: -Z"})"
+         R"({"type":"error","id":2,"text":"qblconv: unknown option: -Z; qblconv --help lists the options"})"
          "\n"},
     });
 }
@@ -198,8 +200,9 @@ TEST(QblconvTest, ReplacesCharactersBySimilarTexts) {
          "\"\nj: warning: replaced or left out: 2\nj: warning: transliterated: 1\n"},
         {"--to-code=ascii//TRANSLIT//IGNORE --from-code UTF-8//IGNORE --silent j", 0, "\"\n"},
         {"-st //IGNORE -f char j", 0, "\n"},
-        {"-t ascii//TRANSLIT -p stop j", 2, "qblconv: //TRANSLIT does not go with -p\n"},
-        {"-t ascii//NONE j", 2, "qblconv: invalid argument for -t: \"ascii//NONE\"\n"},
+        {"-t ascii//TRANSLIT -p stop j", 2, "qblconv: //TRANSLIT and -p cannot be used together\n"},
+        {"-t ascii//NONE j", 2,
+         "qblconv: invalid argument for -t: \"ascii//NONE\"; valid values: //TRANSLIT //IGNORE\n"},
     };
     for (const auto& row : table) {
         std::string command = "'" QBL_CONV "' ";
@@ -222,8 +225,8 @@ TEST(QblconvTest, ConvertsLineEndsInAnyEncoding) {
         {"--eol=crlf -t UTF-16LE --bom=strip l | $Q -f UTF-16LE --eol lf", "a\nb\nc\rd\n\r"},
         // Longer than a block: a carriage return is the last byte of the first block.
         {"--eol=lf big | cmp - expected", ""},
-        {"--eol=lf l -p escape --verify", "qblconv: --eol does not go with --verify\n"},
-        {"-i -k --eol=lf l", "qblconv: --eol does not go with -k\n"},
+        {"--eol=lf l -p escape --verify", "qblconv: --eol and --verify cannot be used together\n"},
+        {"-i -k --eol=lf l", "qblconv: --eol and -k cannot be used together\n"},
     };
     std::string big(65535, 'x');
     tree.file("big", big + "\r\n");
@@ -236,78 +239,88 @@ TEST(QblconvTest, ConvertsLineEndsInAnyEncoding) {
 TEST(QblconvTest, VerifyRejectsFilesThatDoNotRoundTrip) {
     // These encodings have two byte sequences for a character, or redundant escape sequences.
     expectRuns({
-        {"--verify -t sjis -f EUC-JP e u -k", 2,
-         "qblconv: -k is not for joining files; is -d or -i missing?\n"},
+        {"--verify -t sjis -f EUC-JP e u -k", 2, "qblconv: -k requires -d or -i\n"},
         {"--verify -vif Shift_JIS s && cat s", 0, "s: converted from Shift_JIS\na\xE3\x81\x82\n"},
         {"--verify --bom=strip -t sjis -p escape w", 1,
-         "w:1:1: byte 2: E4 00 would come back as 25 00; not converted\n"},
+         "w:1:1: byte 2: E4 00 would convert back to 25 00; not converted\n"},
         {"--verify w | od -An -tx1", 0, " c3 a4 0a\n"},
         {"--verify -f cp932 -i m; od -An -tx1 m", 0,
-         "m:2:2: byte 4: EE F9 would come back as 81 CA; not converted\n 61 0a 82 a0 ee f9 0a\n"},
+         "m:2:2: byte 4: EE F9 would convert back to 81 CA; not converted\n 61 0a 82 a0 ee f9 "
+         "0a\n"},
         {"--verify -f ISO-2022-JP o", 1,
-         "o:1:1: byte 0: 1B 28 42 61 would come back as 61 0A; not converted\n"},
+         "o:1:1: byte 0: 1B 28 42 61 would convert back to 61 0A; not converted\n"},
     });
 }
 
 TEST(QblconvTest, ReportsMisuseAndDoesNothing) {
     const char* const table[][2] = {
-        {"-Z s", "qblconv: no such option: -Z"},
-        {"--form=X s", "qblconv: no such option: --form; perhaps --from?"},
-        {"--frm X s", "qblconv: no such option: --frm; perhaps --from?"},
-        {"--nonsense s", "qblconv: no such option: --nonsense"},
+        {"-Z s", "qblconv: unknown option: -Z; qblconv --help lists the options"},
+        {"--form=X s", "qblconv: unknown option: --form; did you mean --from?"},
+        {"--frm X s", "qblconv: unknown option: --frm; did you mean --from?"},
+        {"--nonsense s", "qblconv: unknown option: --nonsense; qblconv --help lists the options"},
         {"s -f", "qblconv: -f requires an argument"},
         {"s --from", "qblconv: --from requires an argument"},
         {"--xml=1 s", "qblconv: --xml takes no argument"},
-        {"-p subst s", "qblconv: invalid argument for -p: \"subst\"; perhaps substitute?"},
+        {"-p subst s", "qblconv: invalid argument for -p: \"subst\"; did you mean substitute?"},
         {"-p fit,stop s",
-         "qblconv: invalid argument for -p: \"fit\"; possible: stop escape substitute lookup skip"},
+         "qblconv: invalid argument for -p: \"fit\"; valid values: stop escape substitute lookup "
+         "skip"},
         {"-p skip,xyz s",
-         "qblconv: invalid argument for -p: \"xyz\"; possible: stop escape substitute lookup skip "
+         "qblconv: invalid argument for -p: \"xyz\"; valid values: stop escape substitute lookup "
+         "skip "
          "fit "
          "translit"},
-        {"--bom=of s", "qblconv: invalid argument for --bom: \"of\"; possible: strip keep add"},
-        {"-j 0 -n s", "qblconv: invalid argument for -j: \"0\"; possible: 1-256"},
-        {"-j 2x -n s", "qblconv: invalid argument for -j: \"2x\"; possible: 1-256"},
-        {"-j 4294967297 -n s", "qblconv: invalid argument for -j: \"4294967297\"; possible: 1-256"},
+        {"--bom=of s", "qblconv: invalid argument for --bom: \"of\"; valid values: strip keep add"},
+        {"-j 0 -n s", "qblconv: invalid argument for -j: \"0\"; valid values: 1-256"},
+        {"-j 2x -n s", "qblconv: invalid argument for -j: \"2x\"; valid values: 1-256"},
+        {"-j 4294967297 -n s",
+         "qblconv: invalid argument for -j: \"4294967297\"; valid values: 1-256"},
         {"-i=a/b s", "qblconv: invalid argument for -i: \"a/b\""},
         {"-i= s", "qblconv: invalid argument for -i: \"\""},
         {"s -vi=", "qblconv: invalid argument for -i: \"\""},
-        {"-ri.bak s", "qblconv: no such option: -ri.bak; perhaps -ri=.bak?"},
-        {"-i -=.x s", "qblconv: no such option: -="},
-        {"-n: s", "qblconv: no such option: -:"},
-        {"-i -n s", "qblconv: -i does not go with -n"},
-        {"-n -k s", "qblconv: -k does not go with -n"},
-        {"-o x -d y s", "qblconv: -o does not go with -d"},
-        {"-r s", "qblconv: -r is not for joining files; is -d, -i, -n or -g missing?"},
-        {"-d out", "qblconv: -d needs the name of a file"},
-        {"-i -", "qblconv: - does not go with -i"},
-        {"-f shiftjsi s", "qblconv: no such encoding: shiftjsi; perhaps Shift_JIS?"},
-        {"-t zzzzzzzz s", "qblconv: no such encoding: zzzzzzzz (qblconv -l lists all)"},
-        {"-k s", "qblconv: -k is not for joining files; is -d or -i missing?"},
-        {"-j 2 s", "qblconv: -j is not for joining files; is -d, -i, -n or -g missing?"},
-        {"--json -X s", R"({"type":"error","id":8,"text":"qblconv: -X does not go with --json"})"},
-        {"--bom=add -t sjis s", "qblconv: sjis has no byte-order mark"},
-        {"--bom=add -t BOCU-1 s", "qblconv: BOCU-1 has no byte-order mark"},
+        {"-ri.bak s", "qblconv: unknown option: -ri.bak; did you mean -ri=.bak?"},
+        {"-i -=.x s", "qblconv: unknown option: -=; qblconv --help lists the options"},
+        {"-n: s", "qblconv: unknown option: -:; qblconv --help lists the options"},
+        {"-i -n s", "qblconv: -i and -n cannot be used together"},
+        {"-n -k s", "qblconv: -k and -n cannot be used together"},
+        {"-o x -d y s", "qblconv: -o and -d cannot be used together"},
+        {"-r s", "qblconv: -r requires -d, -i, -n or -g"},
+        {"-d out", "qblconv: -d requires at least one file or directory"},
+        {"-i -", "qblconv: - and -i cannot be used together"},
+        {"-f shiftjsi s", "qblconv: unknown encoding: shiftjsi; did you mean Shift_JIS?"},
+        {"-t zzzzzzzz s", "qblconv: unknown encoding: zzzzzzzz; qblconv -l lists all encodings"},
+        {"-k s", "qblconv: -k requires -d or -i"},
+        {"-j 2 s", "qblconv: -j requires -d, -i, -n or -g"},
+        {"--json -X s",
+         R"({"type":"error","id":8,"text":"qblconv: -X and --json cannot be used together"})"},
+        {"--bom=add -t sjis s", "qblconv: sjis has no byte-order mark; leave out --bom=add"},
+        {"--bom=add -t BOCU-1 s", "qblconv: BOCU-1 has no byte-order mark; leave out --bom=add"},
         {"-k -t latin1 -i s",
-         "qblconv: -k would leave every file alone: any bytes are valid latin1"},
+         "qblconv: -k would skip every file, because all bytes are valid latin1"},
         {"-k -t UTF-16LE -i s",
-         "qblconv: -k cannot know UTF-16LE again without a byte-order mark; "
-         "add --bom=add"},
-        {"-r -d . dir", "qblconv: the output ./dir is the input itself; use -i to replace files"},
+         "qblconv: -k cannot recognise UTF-16LE files without a byte-order mark; "
+         "use --bom=add"},
+        {"-r -d . dir",
+         "qblconv: the output ./dir would overwrite its input; use -i to convert files in place"},
         {"-r -d . $(mkdir -p x/dir; echo x/dir) dir/a.txt",
-         "qblconv: the output ./dir would overwrite the input dir/a.txt, or what is in it"},
+         "qblconv: the output ./dir would overwrite the input dir/a.txt or files in it; choose "
+         "another directory"},
         {"-f latin1 -d dir/.. s",
-         "qblconv: the output dir/../s is the input itself; use -i to replace files"},
+         "qblconv: the output dir/../s would overwrite its input; use -i to convert files in "
+         "place"},
         {"-f latin1,utf8 s",
-         "qblconv: no such encoding: latin1,utf8; perhaps -f auto:latin1,utf8?"},
-        {"-j 257 -n s", "qblconv: invalid argument for -j: \"257\"; possible: 1-256"},
-        {"-d out dir/.. s -r", "qblconv: the files of dir/.. and those of s would mix in out"},
-        {"-r -d dir s dir", "qblconv: the files of dir and those of s would mix in dir"},
+         "qblconv: unknown encoding: latin1,utf8; did you mean -f auto:latin1,utf8?"},
+        {"-j 257 -n s", "qblconv: invalid argument for -j: \"257\"; valid values: 1-256"},
+        {"-d out dir/.. s -r",
+         "qblconv: the outputs of dir/.. and s would mix in out; convert them separately"},
+        {"-r -d dir s dir",
+         "qblconv: the outputs of dir and s would mix in dir; convert them separately"},
         {"-f \"$(printf 'q\\377\\1\\\\x41')\" s",
-         "qblconv: no such encoding: q\\xFF\\x01\\x5Cx41 (qblconv -l lists all)"},
+         "qblconv: unknown encoding: q\\xFF\\x01\\x5Cx41; qblconv -l lists all encodings"},
         {"-d out s nofile", "nofile: cannot be read: No such file or directory"},
-        {"-n dir", "dir: a directory, and -r is not given"},
-        {"-d out s dir/../s", "qblconv: s and dir/../s would both become out/s"},
+        {"-n dir", "dir: is a directory; use -r with -d, -i, -n or -g to process its files"},
+        {"-d out s dir/../s",
+         "qblconv: s and dir/../s would both be written to out/s; convert them separately"},
     };
     TempTree tree;
     makeFiles(tree);

@@ -41,36 +41,47 @@ TEST(QblmsgcTest, ReportsEachMistakeWithItsPlace) {
     const struct {
         const char *source, *found;
     } table[] = {
-        {"1 A \"a\"\n1 B \"b\"", "2:1: the identifier 1 is already in line 1"},
-        {"1 A \"a\"\n0x2 A \"b\"", "2:5: the name A is already in line 1"},
-        {"# \xC3\xA4\xC0", "1:4: not UTF-8"},
-        {"1 \"\xC3\xA4\xE2\x82\"", "1:5: not UTF-8"},
-        {"1 \"a\x01\"", "1:5: a control character"},
-        {"4294967296 \"b\"", "1:1: an identifier is a number from 0 to 4294967295"},
-        {"\xEF\xBB\xBFname", "1:1: neither a message, a text in quotes nor a comment"},
-        {"\"a\"", "1:1: a text that belongs to no message"},
-        {"1 A\n# b\n2 \"b\"", "1:1: the message has no text"},
-        {"1 \"a\" b", "1:7: only a text in quotes or a comment can stand here"},
-        {"1 \"a\\\"", "1:3: the text has no closing quote"},
-        {"1 \"\\n\xC3\xA4\"\r\n \"\\u00e4 {0} and {1\"", "2:18: nothing closes this brace"},
-        {R"(1 "'{' {1 it''s {2}")", "1:9: no message pattern (U_PATTERN_SYNTAX_ERROR)"},
-        {R"(1 "{0,plural,one{a}}")", "1:4: the choice lacks the case \"other\""},
-        {R"(1 "{0} {name}")", "1:9: name is no argument: they are numbers from 0 to 9"},
-        {R"(1 "{9}" "{10}")", "1:11: 10 is no argument: they are numbers from 0 to 9"},
-        {R"(1 "{0,select,a{{1,what}}other{}}")", "1:19: no kind of argument: what"},
-        {R"(1 "{0,number,::zzz}")", "1:4: no message pattern (U_NUMBER_SKELETON_SYNTAX_ERROR)"},
+        {"1 A \"a\"\n1 B \"b\"", "2:1: duplicate identifier 1; line 1 has it already"},
+        {"1 A \"a\"\n0x2 A \"b\"", "2:5: duplicate name A; line 1 has it already"},
+        {"# \xC3\xA4\xC0", "1:4: not UTF-8; save the file as UTF-8"},
+        {"1 \"\xC3\xA4\xE2\x82\"", "1:5: not UTF-8; save the file as UTF-8"},
+        {"1 \"a\x01\"", "1:5: control character; write it as an escape in a text"},
+        {"4294967296 \"b\"", "1:1: invalid identifier; use a number from 0 to 4294967295"},
+        {"\xEF\xBB\xBFname",
+         "1:1: expected a message (ID NAME \"TEXT\"), a text in quotes or a comment (#)"},
+        {"\"a\"", "1:1: the text belongs to no message; begin a message with its identifier"},
+        {"1 A\n# b\n2 \"b\"", "1:1: the message has no text; write one in double quotes"},
+        {"1 \"a\" b", "1:7: expected a text in double quotes or a comment (#)"},
+        {"1 \"a\\\"", "1:3: the text has no closing quote on this line"},
+        {"1 \"\\n\xC3\xA4\"\r\n \"\\u00e4 {0} and {1\"",
+         "2:18: the closing brace for this brace is missing"},
+        {R"(1 "'{' {1 it''s {2}")",
+         "1:9: invalid message pattern (U_PATTERN_SYNTAX_ERROR); an argument is a number in "
+         "braces, other braces need apostrophes"},
+        {R"(1 "{0,plural,one{a}}")", "1:4: the case \"other\" is missing; every choice needs one"},
+        {R"(1 "{0} {name}")", "1:9: name is not an argument; use a number from 0 to 9"},
+        {R"(1 "{9}" "{10}")", "1:11: 10 is not an argument; use a number from 0 to 9"},
+        {R"(1 "{0,select,a{{1,what}}other{}}")",
+         "1:19: unknown kind of argument: what; use number, date, time, spellout, ordinal, "
+         "duration, choice, plural, select or selectordinal"},
+        {R"(1 "{0,number,::zzz}")",
+         "1:4: invalid message pattern (U_NUMBER_SKELETON_SYNTAX_ERROR); an argument is a number "
+         "in braces, other braces need apostrophes"},
         {R"(1 "{0,number,\u000b::scale/1E9}")",
-         "1:14: an option of a number skeleton has an exponent"},
-        {many.c_str(), "1:1406: more than 100 choices, plurals and selects"},
-        {"1 \"{0} '{1}'\"", "1:9: warning: the apostrophe makes a plain text of argument 1"},
+         "1:14: an option of a number skeleton has an exponent; write the number without one"},
+        {many.c_str(), "1:1406: too many choices, plurals and selects; at most 100 are possible"},
+        {"1 \"{0} '{1}'\"",
+         "1:9: warning: the apostrophe turns argument 1 into plain text; write two to show one"},
         {"1 \"'{ 0 }' '{name}'\"",
-         "1:5: warning: the apostrophe makes a plain text of argument 0\n"
-         "t.msg:1:13: warning: the apostrophe makes a plain text of argument name"},
+         "1:5: warning: the apostrophe turns argument 0 into plain text; write two to show one\n"
+         "t.msg:1:13: warning: the apostrophe turns argument name into plain text; write two to "
+         "show one"},
         {R"(1 "{0,plural,=0{a}ones{b}other{c}}")",
-         "1:19: warning: ones is not a plural keyword: they "
-         "are zero, one, two, few, many, other and =NUMBER"},
-        {"1 \"it''s\"", "1:6: warning: without arguments both apostrophes are shown"},
-        {"1 = \"{ {0\"", "1:8: warning: this makes a pattern of the text in spite of the ="},
+         "1:19: warning: ones is not a plural keyword; use "
+         "zero, one, two, few, many, other or =NUMBER"},
+        {"1 \"it''s\"",
+         "1:6: warning: both apostrophes are shown, because the text has no arguments"},
+        {"1 = \"{ {0\"", "1:8: warning: this argument makes the text a pattern despite the ="},
     };
     TempTree tree;
     for (const auto& row : table) {
@@ -83,16 +94,15 @@ TEST(QblmsgcTest, ReportsEachMistakeWithItsPlace) {
     // All errors of a run are sorted by place. A message with a malformed text still defines its
     // identifier.
     tree.file("t.msg", "7 \"\\uD800\"\n7 \"{x}\"\n");
-    expectRun(
-        tree, "-c -r no.msg t.msg", 2,
-        "no.msg: cannot be read: No such file or directory\n"
-        "t.msg:1:4: no such escape: there are \\\" \\\\ \\n \\r \\t and \\u with four digits\n"
-        "t.msg:2:1: the identifier 7 is already in line 1\n"
-        "t.msg:2:5: x is no argument: they are numbers from 0 to 9\n");
+    expectRun(tree, "-c -r no.msg t.msg", 2,
+              "no.msg: cannot be read: No such file or directory\n"
+              "t.msg:1:4: unknown escape; use \\\" \\\\ \\n \\r \\t or \\u with four digits\n"
+              "t.msg:2:1: duplicate identifier 7; line 1 has it already\n"
+              "t.msg:2:5: x is not an argument; use a number from 0 to 9\n");
     const std::string xml = run(tree, "-cX t.msg", "LC_ALL=de_AT.UTF-8").output;
     EXPECT_NE(std::string::npos,
               xml.find("Severity=\"Error\" Nesting=\"0\" ><MessageText>t.msg:2:1: "
-                       "die Nummer 7 steht schon in Zeile 1</MessageText>"));
+                       "doppelte Nummer 7; sie steht schon in Zeile 1</MessageText>"));
 }
 
 TEST(QblmsgcTest, ComparesATranslationWithItsReference) {
@@ -100,8 +110,8 @@ TEST(QblmsgcTest, ComparesATranslationWithItsReference) {
     tree.file("en.msg", "1 A \"{0} {1}\"\n2 B \"b\"\n3 C \"c\"\n");
     tree.file("de.msg", "1 A \"{1,number} {0}\"\n3 X \"{2}{2}\"\n4 \"d\"\n");
     expectRun(tree, "-W -r en.msg de.msg", 1,
-              "de.msg:2:3: warning: it is called C in en.msg\n"
-              "de.msg:2:6: warning: the arguments are {2}, but - in en.msg\n"
+              "de.msg:2:3: warning: this message is called C in en.msg\n"
+              "de.msg:2:6: warning: the arguments are {2}, but those in en.msg are -\n"
               "de.msg:3:1: warning: 4 is not in en.msg\n"
               "en.msg:2:1: warning: 2 B is missing from de.msg\n");
     EXPECT_FALSE(std::filesystem::exists(tree("de.bmf")));
@@ -178,16 +188,16 @@ TEST(QblmsgcTest, RejectsHostileMessageFiles) {
         std::size_t at;
         unsigned lie;
         const char* problem;
-    } table[] = {{8, 0x7FFFFFFF, "at byte 8: more is promised than there is\n"},
-                 {16, 2, "at byte 28: the identifiers do not ascend\n"},
-                 {20, ~0U, "at byte 16: the text lies outside of the block of texts\n"},
-                 {24, 0, "at byte 40: the text does not end with its first zero\n"},
-                 {36, 3, "at byte 44: the text does not end with its first zero\n"},
+    } table[] = {{8, 0x7FFFFFFF, "at byte 8: the declared size exceeds the file\n"},
+                 {16, 2, "at byte 28: the identifiers are not in ascending order\n"},
+                 {20, ~0U, "at byte 16: the text lies outside the block of texts\n"},
+                 {24, 0, "at byte 40: the text does not end at its first null byte\n"},
+                 {36, 3, "at byte 44: the text does not end at its first null byte\n"},
                  {44, 0xFFFFFF00, "at byte 44: the text is not UTF-8\n"}};
     for (const auto& row : table) {
         std::string bytes = good;
         expectDump(bytes.replace(row.at, 4, bigEndian(row.lie)),
-                   "t.bmf: no message file, " + std::string(row.problem));
+                   "t.bmf: not a valid message file; " + std::string(row.problem));
     }
 }
 
@@ -197,26 +207,27 @@ TEST(QblmsgcTest, ReportsMisuseAndOverwritesNothing) {
     std::filesystem::create_symlink("t.msg", tree("link"));
     std::filesystem::create_hard_link(tree("t.msg"), tree("t.bmf"));
     const std::string missing = "an operand is missing; qblmsgc --help shows the usage";
-    const std::string over = " is the same file as t.msg and would overwrite it";
+    const std::string over = " would overwrite t.msg; choose another name";
     const struct {
         const char* arguments;
         std::string said;
     } table[] = {
         {"", missing},
         {"-g 1", missing},
-        {"--help -qz", "no such option: -z"},
-        {"-: t.msg", "no such option: -:"},
-        {"--outptu=1 t.msg", "no such option: --outptu; perhaps --output?"},
+        {"--help -qz", "unknown option: -z; qblmsgc --help lists the options"},
+        {"-: t.msg", "unknown option: -:; qblmsgc --help lists the options"},
+        {"--outptu=1 t.msg", "unknown option: --outptu; did you mean --output?"},
         {"t.msg -o", "-o requires an argument"},
         {"-q --help=x", "--help takes no argument"},
         {"-o '' t.msg", "invalid argument for -o: \"\""},
         {"-c -o a.bmf t.msg", "-c and -o cannot be used together"},
         {"-d -q t.bmf", "-d and -q cannot be used together"},
-        {"t.msg u.msg", "unexpected operand: u.msg"},
-        {"-o ./t.msg t.msg", "./t.msg" + over},
-        {"-H link -o a.bmf t.msg", "link" + over},
-        {"t.msg", "t.bmf" + over},
-        {"-o a.hpp -H ./a.hpp t.msg", "./a.hpp is the same file as a.hpp and would overwrite it"},
+        {"t.msg u.msg", "unexpected operand: u.msg; qblmsgc --help shows the usage"},
+        {"-o ./t.msg t.msg", "the output ./t.msg" + over},
+        {"-H link -o a.bmf t.msg", "the output link" + over},
+        {"t.msg", "the output t.bmf" + over},
+        {"-o a.hpp -H ./a.hpp t.msg",
+         "the output ./a.hpp would overwrite a.hpp; choose another name"},
     };
     for (const auto& row : table) expectRun(tree, row.arguments, 2, "qblmsgc: " + row.said + "\n");
     EXPECT_EQ("1 A \"a\"\n", tree.text("t.msg"));
@@ -232,14 +243,14 @@ TEST(QblmsgcTest, EscapesHostileNamesAndTexts) {
     const std::string quoted = "\"$(printf 'x\\nint y;\\342\\200\\256\\134.msg')\"";
     const std::string seen = "x\\x0Aint y;\\xE2\\x80\\xAE\\.msg:";
     expectRun(tree, "-c " + quoted, 1,
-              seen + "1:6: warning: an empty text counts as none\n" + seen +
-                  "2:3: class is reserved in C or C++ and cannot be a name\n");
+              seen + "1:6: warning: an empty text counts as missing\n" + seen +
+                  "2:3: class is reserved in C or C++; choose another name\n");
     tree.file(name, "1 A \"a\"");
     expectRun(tree, "-H a.hpp -o a.bmf " + quoted, 0, "");
     EXPECT_EQ(0U, tree.text("a.hpp").find("// Made by qblmsgc from x\\x0Aint y;"));
     // Pipes are read, but a pipe without a writer is an error.
     expectRun(tree, "-c /dev/stdin <<'X'\n1 \"\"\nX", 0,
-              "/dev/stdin:1:4: warning: an empty text counts as none\n");
+              "/dev/stdin:1:4: warning: an empty text counts as missing\n");
     expectRun(tree, "-V >/dev/null; mkfifo fifo; '" QBL_MSGC "' -d fifo", 1,
               "fifo: cannot be read: Broken pipe\n");
 }
@@ -281,7 +292,7 @@ TEST(QblmsgcTest, ShowsReportsInTheReadersLanguage) {
                   broken + "\n<Message\n");
     const std::string place = std::to_string(("before " + report + " after\n").size());
     expectRun(tree, "-s log >/dev/null", 1,
-              "byte " + place + ": a report that is not well-formed XML, or too large\n");
+              "byte " + place + ": a report begins here that is malformed or too large\n");
     // The report arrives in pieces, from a pipe.
     const Outcome german =
         run(tree, "-s - de <<X\n" + std::string("$(head -c 9000 /dev/zero | tr '\\0' '<')") +
@@ -307,15 +318,23 @@ TEST(QblmsgcTest, ShowsTextsAndSearchedFiles) {
               "147\xC2\xA0"
               "483\xC2\xA0"
               "647|-5|1,5|a:b|two|\n");
-    expectRun(tree, "-g 9 t_de_AT.bmf", 1, "./t_de_AT.bmf: no text for 9\n");
-    expectRun(tree, "-g 3 t_de_AT.bmf long:1", 1, "./t_de_AT.bmf: the text for 3 is no pattern\n");
-    expectRun(tree, "-g 1 t_en.bmf", 1, "./t_en.bmf: no message file\n");
-    expectRun(tree, "-g 1 t_de_AT.bmf long:1x", 2, "qblmsgc: no TYPE:VALUE: long:1x\n");
+    expectRun(tree, "-g 9 t_de_AT.bmf", 1,
+              "./t_de_AT.bmf: no text for 9; qblmsgc -d lists all texts\n");
+    expectRun(tree, "-g 3 t_de_AT.bmf long:1", 1,
+              "./t_de_AT.bmf: the text for 3 is not a message pattern\n");
+    expectRun(tree, "-g 1 t_en.bmf", 1,
+              "./t_en.bmf: not a valid message file; qblmsgc -d shows why\n");
+    expectRun(
+        tree, "-g 1 t_de_AT.bmf long:1x", 2,
+        "qblmsgc: invalid parameter: long:1x; write TYPE:VALUE, such as string:text or long:5\n");
     expectRun(tree, "-w ./t 'fr de_AT'", 0,
               "  ./t_fr.bmf\n* ./t_de_AT.bmf\n  ./t_de.bmf\n  ./t_en.bmf\n  ./t.bmf\n");
-    expectRun(tree, "-w ./t", 1, "* ./t_en.bmf\n  ./t.bmf\n./t_en.bmf: no message file\n");
+    expectRun(
+        tree, "-w ./t", 1,
+        "* ./t_en.bmf\n  ./t.bmf\n./t_en.bmf: not a valid message file; qblmsgc -d shows why\n");
     expectRun(tree, "-w ./u", 1,
-              "  ./u_en.bmf\n  ./u.bmf\n./u: there is no such catalogue for en\n");
+              "  ./u_en.bmf\n  ./u.bmf\n./u: no catalogue found for en; none of the files listed "
+              "exists\n");
     expectRun(tree, "-g 1 t.msg", 2, "./t.msg: the name of a message file must end in .bmf\n");
     for (const char* absent : {"no.msg", "-c -r t.msg no.msg", "-d no.bmf", "-g 1 ./no.bmf"}) {
         const std::string file = absent + std::string(absent).rfind(' ') + 1;

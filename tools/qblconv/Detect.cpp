@@ -90,7 +90,7 @@ std::vector<std::string> candidatesOf(const std::string& from) {
 
 bool checkAuto(const std::string& from, Problem& problem) {
     if (from == kAutoList) {
-        problem = {CONV_BAD_ARGUMENT, {"-f", "\"" + from + "\""}};
+        problem = {CONV_BAD_WORD, {"-f", "\"" + from + "\"", kAutoChoices}};
         return false;
     }
     const std::vector<std::string> names = candidatesOf(from);

@@ -13,6 +13,8 @@
 
 namespace conv {
 
+/// The arguments of -f that request detection, for messages.
+constexpr char kAutoChoices[] = "auto auto:LIST";
 /// Returns true if the argument of -f requests detection: "auto" or "auto:LIST". No encoding has
 /// such a name.
 bool isAuto(const std::string& from);

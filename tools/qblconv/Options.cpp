@@ -21,6 +21,7 @@ using Argument = tools::Option::Argument;
 
 enum { kBom = 256, kLock, kCompletions, kLineEnd, kVerify, kJson, kClean };
 
+const char kSuffixes[] = "//TRANSLIT //IGNORE";
 const char kPolicyNames[] = "stop escape substitute lookup skip fit translit";
 
 constexpr unsigned kMostJobs = 256;
@@ -247,7 +248,7 @@ private:
             std::transform(word.begin(), word.end(), word.begin(),
                            [](char c) { return c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c; });
             if (word != "TRANSLIT" && word != "IGNORE")
-                return rememberProblem(CONV_BAD_ARGUMENT, {given.shown, inQuotes(argument)});
+                return rememberProblem(CONV_BAD_WORD, {given.shown, inQuotes(argument), kSuffixes});
             if (isOutput) m_suffix += word;
             at = end;
         }
@@ -383,12 +384,13 @@ private:
         const bool needsOperands =
             m_options.mode == Mode::kDirectory || m_options.mode == Mode::kInPlace;
         if (m_options.mode == Mode::kList && m_options.operands.size() > 1)
-            return rememberProblem(CONV_BAD_ARGUMENT, {m_mode, inQuotes(m_options.operands[1])});
+            return rememberProblem(CONV_ONE_PATTERN, {m_options.operands[1], m_mode});
         if (m_options.mode == Mode::kClean && m_options.operands.empty())
             return rememberProblem(CONV_NO_DIRECTORY, {m_mode});
         const bool isNamed = m_options.isFromGiven && !isAuto(m_options.from);
         if (m_options.mode == Mode::kGuess && isNamed)
-            return rememberProblem(CONV_BAD_ARGUMENT, {m_shown['f'], inQuotes(m_options.from)});
+            return rememberProblem(CONV_BAD_WORD,
+                                   {m_shown['f'], inQuotes(m_options.from), kAutoChoices});
         if (needsOperands && m_options.operands.empty())
             return rememberProblem(CONV_NO_OPERANDS, {m_mode});
         return true;

@@ -112,6 +112,8 @@ enum qblconvmsgs {
     CONV_CANNOT_REMOVE = 75,
     /// {0} the option
     CONV_NO_DIRECTORY = 76,
+    /// {0} the operand, {1} the option
+    CONV_ONE_PATTERN = 77,
     /// {1} reason
     CONV_CANNOT_SPOOL = 80,
     /// {1} encodings

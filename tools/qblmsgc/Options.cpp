@@ -113,7 +113,8 @@ private:
     bool checkShell(const Given& given) {
         for (const char* const known : {"bash", "zsh", "fish"})
             if (m_options.shell == known) return true;
-        return rememberProblem(MSGC_BAD_ARGUMENT, {given.shown, "\"" + m_options.shell + "\""});
+        return rememberProblem(MSGC_BAD_WORD,
+                               {given.shown, "\"" + m_options.shell + "\"", given.option.choices});
     }
 
     bool checkOptions() {

@@ -94,6 +94,8 @@ enum qblmsgcmsgs {
     MSGC_SAME_FILE = 86,
     /// {0} file
     MSGC_NO_BMF_NAME = 87,
+    /// {0} the option, {1} its argument, {2} what it can be
+    MSGC_BAD_WORD = 88,
     MSGC_FATAL = 90,
     MSGC_ERROR = 91,
     MSGC_WARNING = 92,
