@@ -234,6 +234,10 @@ TEST(QblmsgcTest, ReportsMisuseAndOverwritesNothing) {
     expectRun(tree, "-H a.hpp -o no/a.bmf t.msg", 1,
               "no/a.bmf: cannot be written: No such file or directory\n");
     EXPECT_FALSE(std::filesystem::exists(tree("a.hpp"))) << "neither file is written";
+    expectRun(
+        tree, "-o /dev/null t.msg", 1,
+        "/dev/null: cannot be written: not a regular file; use -c to check without writing\n");
+    expectRun(tree, "-d /dev/zero", 1, "/dev/zero: cannot be read: File too large\n");
 }
 
 TEST(QblmsgcTest, EscapesHostileNamesAndTexts) {
@@ -300,6 +304,9 @@ TEST(QblmsgcTest, ShowsReportsInTheReadersLanguage) {
     EXPECT_EQ(0, german.status);
     EXPECT_NE(std::string::npos,
               german.output.find("Warnung: In /var sind nur noch 1.234.567 Bytes frei."));
+    tree.file("w.msg", "1 \"\"");
+    expectRun(tree, "-cX w.msg | '" QBL_MSGC "' -s", 0,
+              "w.msg:1:4: warning: an empty text counts as missing\n");
     // The time must be linear in the size: with quadratic time, this would take minutes.
     std::string hostile = "<Exception ";
     for (int i = 0; i < 100000; ++i) hostile += "<a ><Message </Exception>";

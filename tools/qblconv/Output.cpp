@@ -80,7 +80,9 @@ const QBLFmDirectory* OutputRoot::get() {
     const bool isOpen =
         m_directory.isOpen() ||
         (QBLFmDir::createRecursiveDir((m_path + "/").c_str()) && m_directory.open(m_path.c_str()));
-    return isOpen ? &m_directory : nullptr;
+    if (isOpen) return &m_directory;
+    if (errno == EEXIST) errno = ENOTDIR;  // a file has the name of a directory
+    return nullptr;
 }
 
 NewOutput::~NewOutput() { discard(); }

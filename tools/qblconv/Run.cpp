@@ -297,40 +297,61 @@ void sayNothingDone(const Options& options, const Problem& problem, tools::Messa
         tools::printText(out, texts.text(problem.id, details) + "\n");
 }
 
+Status list(const std::string& pattern, tools::MessageText& texts) {
+    if (listEncodings(pattern)) return kDone;
+    tools::printText(stderr, texts.text(CONV_NO_ENCODING, {shown(pattern)}) + "\n");
+    return kFailed;
+}
+
+/// Runs a valid command line.
+Status runMode(Options& options, const std::string& catalogue, tools::MessageText& texts) {
+    Problem problem;
+    switch (options.mode) {
+        case Mode::kHelp:
+            tools::printText(stdout, texts.text(CONV_USAGE));
+            tools::printText(stdout, tools::describeOptions(knownOptions(), texts));
+            tools::printText(stdout, texts.text(CONV_USAGE_END));
+            return kDone;
+        case Mode::kCompletions:
+            tools::print(stdout,
+                         tools::completionScript("qblconv", options.shell, knownOptions(), texts));
+            return kDone;
+        case Mode::kVersion:
+            tools::printText(stdout, texts.text(CONV_VERSION, {QBL_VERSION}) + "\n");
+            return kDone;
+        case Mode::kList:
+            return list(options.operands.empty() ? "" : options.operands[0], texts);
+        default:
+            if (options.mode == Mode::kJoin && isStandardOutput(options.output))
+                options.output.clear();
+            if (check(options, problem)) return Run(options, catalogue).run();
+            sayNothingDone(options, problem, texts);
+            return kNothingDone;
+    }
+}
+
 }  // namespace
 
 Status run(int argc, char** argv) {
     Options options;
     Problem problem;
-    const bool isUsage = !parseOptions(argc, argv, options, problem);
+    const bool isUsage = parseOptions(argc, argv, options, problem);
     const std::string catalogue = tools::findCatalogue("qblconvmsgs", options.locales);
     tools::setReasonLanguage(catalogue, options.locales);
     tools::MessageText texts(catalogue, options.locales);
-    if (!isUsage) {
-        switch (options.mode) {
-            case Mode::kHelp:
-                tools::printText(stdout, texts.text(CONV_USAGE));
-                tools::printText(stdout, tools::describeOptions(knownOptions(), texts));
-                tools::printText(stdout, texts.text(CONV_USAGE_END));
-                return kDone;
-            case Mode::kCompletions:
-                tools::print(stdout, tools::completionScript("qblconv", options.shell,
-                                                             knownOptions(), texts));
-                return kDone;
-            case Mode::kVersion:
-                tools::printText(stdout, texts.text(CONV_VERSION, {QBL_VERSION}) + "\n");
-                return kDone;
-            case Mode::kList:
-                return listEncodings(options.operands.empty() ? "" : options.operands[0]) ? kDone
-                                                                                          : kFailed;
-            default:
-                if (options.mode == Mode::kJoin && isStandardOutput(options.output))
-                    options.output.clear();
-                if (check(options, problem)) return Run(options, catalogue).run();
-        }
-    }
-    sayNothingDone(options, problem, texts);
-    return kNothingDone;
+    Status status = kNothingDone;
+    if (isUsage)
+        status = runMode(options, catalogue, texts);
+    else
+        sayNothingDone(options, problem, texts);
+    const int error = tools::finishOutput();
+    if (error == 0) return status;
+    // The reader of a pipe may stop early, which needs no message.
+    if (!isInterrupted())
+        tools::printText(stderr, texts.text(CONV_CANNOT_WRITE, {texts.text(CONV_STANDARD_OUTPUT),
+                                                                tools::reason(error)}) +
+                                     "\n");
+    return kFailed;
 }
 
 }  // namespace conv

@@ -108,10 +108,16 @@ bool Worker::open(const Item& item, Input& input, FileReport& report) {
     if (input.passedOver() != Input::PassedOver::kNot) sayPassedOver(item, input, report);
     if (input.passedOver() != Input::PassedOver::kNot || isInterrupted()) return false;
     if (error != 0) {
+        // Opening does not wait, so it fails with this error if another program holds a lease.
+        const bool isLeased = item.error == 0 && error == EAGAIN;
         // In place, the file is also opened for writing.
-        const bool isOurs = isInPlace && (error == EACCES || error == EROFS || error == ETXTBSY);
-        report.error(isOurs ? CONV_CANNOT_WRITE : CONV_CANNOT_READ,
-                     {shown(item.path), tools::reason(error)});
+        const bool isOurs =
+            isInPlace && (error == EACCES || error == EROFS || error == ETXTBSY || error == EPERM);
+        if (isLeased)
+            report.error(CONV_LEASED, {shown(item.path)});
+        else
+            report.error(isOurs ? CONV_CANNOT_WRITE : CONV_CANNOT_READ,
+                         {shown(item.path), tools::reason(error)});
         return false;
     }
     if (isInPlace && !input.isRegular()) {

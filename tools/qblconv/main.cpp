@@ -2,14 +2,15 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <exception>
+#include <new>
 
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
 #include "QBLCore/Frame/QBLCore.h"
 #include "i18n/cpp/i18n_init.h"
 #include "tools/common/BuiltInTexts.hpp"
-#include "tools/common/Print.hpp"
 #include "tools/common/Reason.hpp"
 #include "tools/qblconv/Interrupt.hpp"
 #include "tools/qblconv/Run.hpp"
@@ -23,15 +24,6 @@ void occupyStandardStreams() {
         if (fcntl(fd, F_GETFD) < 0) open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
 }
 
-int runCommandLine(int argc, char** argv) {
-    const int status = conv::run(argc, argv);
-    const int error = tools::finishOutput();
-    if (error == 0) return status;
-    // The reader of a pipe may stop early, which needs no message.
-    if (!conv::isInterrupted()) tools::printText(stderr, "qblconv: " + tools::reason(error) + "\n");
-    return conv::kFailed;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -43,10 +35,12 @@ int main(int argc, char** argv) {
     int status = conv::kFailed;
     try {
         I18NInitialize();  // reads the tables of the policy "lookup"
-        status = runCommandLine(argc, argv);
+        status = conv::run(argc, argv);
     } catch (QBLThrowable& error) {
         const char* const text = error.getMessage();
         std::fprintf(stderr, "qblconv: %s\n", text != nullptr ? text : error.getThrowableName());
+    } catch (const std::bad_alloc&) {
+        std::fprintf(stderr, "qblconv: %s\n", tools::reason(ENOMEM).c_str());
     } catch (const std::exception& error) {
         std::fprintf(stderr, "qblconv: %s\n", error.what());
     }

@@ -99,6 +99,7 @@ enum qblconvmsgs {
     CONV_VALID = 52,
     /// {0} output, {1} operand
     CONV_OUTPUT_IS_ITSELF = 53,
+    CONV_LEASED = 54,
     /// While it runs; {0} files, {1} megabytes.
     CONV_PROGRESS = 60,
     CONV_REMOVED = 70,

@@ -1,5 +1,6 @@
 #include <list>
 
+#include "QBLCore/Base/QBLFileStatus.hpp"
 #include "QBLCore/FileManagement/QBLFmReplaceFile.hpp"
 #include "tools/common/Files.hpp"
 #include "tools/common/Reason.hpp"
@@ -27,9 +28,16 @@ public:
 
 private:
     bool check(bool isDone) {
-        if (!isDone)
+        if (isDone) return true;
+        if (isDevice())
+            m_report.fault(MSGC_NOT_REGULAR, {m_name});
+        else
             m_report.fault(MSGC_CANNOT_WRITE, {m_name, tools::reason(m_file.getLastErrorNumber())});
-        return isDone;
+        return false;
+    }
+    bool isDevice() const {
+        QBLFileStatus status;
+        return status.get(m_name.c_str()) && !status.isRegular() && !status.isDirectory();
     }
 
     const std::string& m_name;

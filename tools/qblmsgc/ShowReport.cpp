@@ -112,9 +112,21 @@ private:
     void printMessage(const XmlNode& message, unsigned level) {
         unsigned nesting = 0;
         static_cast<void>(parse(message.attribute("Nesting"), nesting));
-        const std::string severity = severityOf(message);
-        printIndented(level + std::min(nesting, 20U),
-                      say(MSGC_REPORT_MESSAGE, {severity, textOfMessage(message)}));
+        const std::string severity = severityOf(message), text = textOfMessage(message);
+        printIndented(
+            level + std::min(nesting, 20U),
+            hasSeverity(text, severity) ? text : say(MSGC_REPORT_MESSAGE, {severity, text}));
+    }
+
+    /// Returns true if a text says its severity after its place, as in "a.msg:1:2: warning: ...".
+    static bool hasSeverity(const std::string& text, const std::string& severity) {
+        if (severity.empty()) return false;
+        const bool isUpper = severity[0] >= 'A' && severity[0] <= 'Z';
+        const std::string first(1, static_cast<char>(severity[0] | (isUpper ? 0x20 : 0)));
+        for (const std::string& word : {severity, first + severity.substr(1)})
+            for (const char* const end : {":", " :"})
+                if (text.find(": " + word + end) != std::string::npos) return true;
+        return false;
     }
 
     std::string textOfMessage(const XmlNode& message) {

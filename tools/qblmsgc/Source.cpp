@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <new>
 #include <string_view>
 #include <utility>
 
@@ -16,9 +17,17 @@ namespace msgc {
 
 namespace {
 
+/// Most bytes of an input that has no size, such as a device, which may have no end.
+constexpr std::size_t kMostOfStream = 0x4000000;
+
 bool isPipe(int descriptor) {
     QBLFileStatus status;
     return status.get(descriptor) && S_ISFIFO(status.mode());
+}
+
+bool isRegular(int descriptor) {
+    QBLFileStatus status;
+    return status.get(descriptor) && status.isRegular();
 }
 
 /// Editors do not show it, so columns do not count it.
@@ -59,18 +68,22 @@ Place Source::placeOf(std::size_t offset) const {
     return {static_cast<std::size_t>(rest - m_lines.begin()), characters + 1};
 }
 
-bool readFile(const std::string& name, std::string& bytes, std::string& problem) {
+bool readFile(const std::string& name, std::string& bytes, std::string& problem) try {
     // O_NONBLOCK: opening a pipe without a writer would block forever.
     QBLFmFile file;
     if (!file.open(name.c_str(), static_cast<QBLFmFile::createmode>(O_NONBLOCK), 1)) {
         problem = tools::reason(file.getLastErrorNumber());
         return false;
     }
+    const bool hasSize = isRegular(file.getFileDescriptor());
     char block[65536];
     for (bool isStart = true;; isStart = false) {
         const long got = file.read(block, sizeof block);
         if (got > 0) {
             bytes.append(block, static_cast<std::size_t>(got));
+            if (hasSize || bytes.size() <= kMostOfStream) continue;
+            problem = tools::reason(EFBIG);
+            return false;
         } else if (got < 0 && file.getLastErrorNumber() == EAGAIN) {
             pollfd waited = {file.getFileDescriptor(), POLLIN, 0};
             poll(&waited, 1, -1);
@@ -83,6 +96,9 @@ bool readFile(const std::string& name, std::string& bytes, std::string& problem)
             return !isSilent;
         }
     }
+} catch (const std::bad_alloc&) {
+    problem = tools::reason(ENOMEM);
+    return false;
 }
 
 }  // namespace msgc

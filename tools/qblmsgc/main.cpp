@@ -1,6 +1,8 @@
 // qblmsgc: compiles message catalogues and shows their contents.
+#include <cerrno>
 #include <cstdio>
 #include <exception>
+#include <new>
 
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
 #include "QBLCore/Frame/QBLCore.h"
@@ -59,8 +61,8 @@ int runCommandLine(int argc, char** argv) {
     const msgc::Status status = run(options);
     const int error = tools::finishOutput();
     if (error == 0) return status;
-    tools::printText(stderr, "qblmsgc: " + tools::reason(error) + "\n");
-    return msgc::kErrors;
+    return msgc::complain(msgc::kErrors, MSGC_CANNOT_WRITE,
+                          {msgc::formatMessage(MSGC_STANDARD_OUTPUT), tools::reason(error)});
 }
 
 }  // namespace
@@ -73,7 +75,10 @@ int main(int argc, char** argv) {
     try {
         status = runCommandLine(argc, argv);
     } catch (QBLThrowable& error) {
-        std::fprintf(stderr, "%s\n", error.toString());
+        const char* const text = error.getMessage();
+        std::fprintf(stderr, "qblmsgc: %s\n", text != nullptr ? text : error.getThrowableName());
+    } catch (const std::bad_alloc&) {
+        std::fprintf(stderr, "qblmsgc: %s\n", tools::reason(ENOMEM).c_str());
     } catch (const std::exception& error) {
         std::fprintf(stderr, "qblmsgc: %s\n", error.what());
     }

@@ -17,6 +17,9 @@ enum qblmsgcmsgs {
     MSGC_NO_NAMES = 6,
     /// {0} the version
     MSGC_VERSION = 7,
+    /// {0} file
+    MSGC_NOT_REGULAR = 8,
+    MSGC_STANDARD_OUTPUT = 9,
     MSGC_NOT_UTF8 = 10,
     MSGC_CONTROL_CHARACTER = 11,
     MSGC_NO_ENTRY = 12,
