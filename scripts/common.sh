@@ -10,8 +10,9 @@ die() {
   printf '%s: error: %s\n' "$me" "$*" >&2
   exit 1
 }
+# usage MISTAKE USAGE: says what is wrong with the command line, and how the command is used.
 usage() {
-  printf 'usage: %s\n' "$*" >&2
+  printf '%s: error: %s\nusage: %s\n' "$me" "$1" "$2" >&2
   exit 2
 }
 # need GROUP...: installs the missing packages of these groups of scripts/packages.txt.
