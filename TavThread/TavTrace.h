@@ -20,7 +20,8 @@ TAV_EXTERN_C_BEGIN
 /// defines a function of this name receives the lines instead. The layer formats lines only in that
 /// case.
 ///
-/// The function must not throw, because the operations that trace are C functions.
+/// The function must not throw, because the operations that trace are C functions. It must not use
+/// `QBLCore` or `i18n/cpp`: they create locks and threads while they hold their own locks.
 ///
 /// Threads: called on the thread that traces, which holds no lock of the layer.
 /// @param traceObj  the trace object of the new object, else of the thread that creates it, else

@@ -40,7 +40,8 @@ QBL_API int qblGetApiVersion(unsigned* major, unsigned* minor);
 QBL_API int qblIsCompatibleWith(int major, int minor);
 
 typedef void (*QBLNewHandler)(void);
-/// Sets the function that the process calls when memory runs out (std::set_new_handler).
+/// Sets the function that the process calls when memory runs out (std::set_new_handler). It must
+/// not use the library, which may allocate while it holds a lock.
 /// @param handler  null for no function
 /// @return the previous handler
 QBL_API QBLNewHandler qblSetNewHandler(QBLNewHandler handler);

@@ -28,6 +28,7 @@ std::string orDash(const std::string& text) { return text.empty() ? "-" : text; 
 void Tally::add(const Tally& other) {
     for (std::size_t i = 0; i < std::size(outcomes); ++i) outcomes[i] += other.outcomes[i];
     replaced += other.replaced;
+    notUTF8 += other.notUTF8;
 }
 
 Report::Report(std::FILE* out, Form form, Progress& progress)
@@ -85,6 +86,7 @@ void Report::end(std::uint64_t number, std::string text, const Tally& tally) {
 FileReport::~FileReport() {
     Tally tally;
     tally.replaced = m_iReplaced;
+    tally.notUTF8 = m_bNotUTF8 ? 1 : 0;
     // A report about no file counts only if it failed.
     if (hasFailed() || !m_name.empty()) tally.outcomes[static_cast<int>(m_outcome)] = 1;
     const bool isObject = !m_name.empty() || !m_messages.isEmpty();
@@ -132,6 +134,7 @@ void FileReport::add(QBLSeverity severity, qblconvmsgs id, const Details& detail
 void FileReport::finding(QBLSeverity severity, qblconvmsgs id, const std::string& file,
                          const Finding& finding) {
     if (severity == QBLSeverityError) countAsFailed();
+    if (finding.kind <= Finding::Kind::kTruncated && finding.encoding == "UTF-8") m_bNotUTF8 = true;
     Details details = {file, std::to_string(finding.line), std::to_string(finding.column)};
     const bool isReplaced = finding.kind >= Finding::Kind::kTransliterated;
     if (finding.offset >= 0)

@@ -37,6 +37,7 @@ enum class Outcome { kSkipped, kConverted, kUnchanged, kValid, kFailed };
 struct Tally {
     std::int64_t outcomes[5] = {};
     std::int64_t replaced = 0;  // characters and sequences, with any replacement
+    std::int64_t notUTF8 = 0;   // texts that were read as UTF-8 and are malformed
 
     std::int64_t of(Outcome outcome) const { return outcomes[static_cast<int>(outcome)]; }
     void add(const Tally& other);
@@ -129,6 +130,7 @@ private:
     std::string m_text;
     Outcome m_outcome = Outcome::kSkipped;
     std::int64_t m_iReplaced = 0;
+    bool m_bNotUTF8 = false;
     std::string m_from, m_to;     // encodings
     tools::JsonArray m_messages;  // of the file's JSON object
     FileReport* m_pResults = nullptr;

@@ -85,6 +85,7 @@ public:
         }
         m_progress.clear();
         summarise();
+        adviseOnEncoding();
         bool isWhole = m_report.close();
         if (m_bHasResults) isWhole = m_results.close() && isWhole;
         return m_report.hasFailures() || !isWhole ? kFailed : kDone;
@@ -112,6 +113,16 @@ private:
                                {number(count), number(tally.of(Outcome::kConverted)),
                                 number(tally.of(Outcome::kUnchanged)),
                                 number(tally.of(Outcome::kFailed)), number(tally.replaced)});
+    }
+
+    /// Tells a person what to do if the input is not in the default encoding. Programs that read
+    /// the report do not get this line.
+    void adviseOnEncoding() {
+        const bool isForPerson = isatty(STDERR_FILENO) != 0 && !m_options.quiet &&
+                                 m_report.form() == Report::Form::kText;
+        if (!isForPerson || m_options.isFromGiven || m_report.tally().notUTF8 == 0) return;
+        tools::MessageText texts(m_catalogue, m_options.locales);
+        FileReport(m_report, m_iTaken++, texts).information(CONV_ADVICE_FROM, {});
     }
 
     /// The progress line would erase text on the terminal.

@@ -100,6 +100,7 @@ enum qblconvmsgs {
     /// {0} output, {1} operand
     CONV_OUTPUT_IS_ITSELF = 53,
     CONV_LEASED = 54,
+    CONV_ADVICE_FROM = 55,
     /// While it runs; {0} files, {1} megabytes.
     CONV_PROGRESS = 60,
     CONV_REMOVED = 70,
