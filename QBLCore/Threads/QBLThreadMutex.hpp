@@ -14,9 +14,9 @@ struct TavMutex;
 /// Threads: any thread may call any operation; the mutex must outlive every call.
 class QBL_API QBL_CAPABILITY("mutex") QBLThreadMutex : public QBLThreadLockableResource {
 public:
-    /// @param trackOwner  non-zero records, for debuggers, which thread holds the mutex and where
-    ///     it was locked. This costs time. If the library cannot make a record for the thread,
-    ///     lock() throws QBLThreadResourceError, but the mutex is locked nevertheless.
+    /// @param trackOwner  non-zero records for debuggers which thread holds the mutex. This costs
+    ///     time. If the library cannot create a record for the thread, lock() throws
+    ///     QBLThreadResourceError, but the mutex is locked nevertheless.
     /// @throws QBLOutOfMemoryError, QBLThreadResourceError
     explicit QBLThreadMutex(int trackOwner = 0);
     ~QBLThreadMutex() override;
