@@ -61,8 +61,8 @@ TAV_API int tavThreadProcessInitialize(const char* name TAV_DEFAULT(0));
 TAV_API int tavThreadProcessTerminate(const char* name TAV_DEFAULT(0));
 /// Gives the calling thread an adopted record if it has no record.
 TAV_API int tavXThreadInitialize(void);
-/// Frees the calling thread's record if it is adopted. Without this call, the thread's end frees
-/// it.
+/// If the calling thread's record is adopted, frees it. If this is not called, the record is freed
+/// when the thread ends.
 TAV_API int tavXThreadTerminate(void);
 /// @}
 

@@ -120,10 +120,10 @@ std::string parentOf(std::string path) {
     return path.empty() ? "." : path;
 }
 
-// The second guard checks the open directory in the file system. The parent of an ordinary
-// directory is the directory that the rest of its path leads to. The parent of a root is the root
-// itself. For a path that ends with "." or "..", the parent is never the directory that the rest
-// leads to.
+// The second guard checks the open directory in the file system. For an ordinary directory, ".." is
+// the directory that the path names without its last part. The ".." of a root is the root itself.
+// For a path that ends with "." or "..", ".." is never the directory that the path names without
+// its last part.
 bool isWherePathSays(const std::string& path, int fd) {
     QBLFileStatus self, above, parent;
     if (!self.get(fd) || !above.get(fd, "..", 0) || !parent.get(parentOf(path).c_str()))

@@ -123,8 +123,8 @@ bool isFrozen(unsigned long schedule) { return schedule == 0 || isEndless(schedu
 
 }  // namespace
 
-/// The custodian that initialize() makes. It has the members for which the fixed layout of its base
-/// has no place.
+/// The custodian that initialize() creates. It has the members that cannot be added to the fixed
+/// layout of its base class.
 class QBLCustodian::Body : public QBLCustodian {
 public:
     Body() : began(0), other(this, kStackSize) {}

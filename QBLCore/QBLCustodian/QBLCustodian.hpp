@@ -15,11 +15,11 @@
 ///
 /// If a task throws, the process ends at once with _exit(327), which the system reports as 71. No
 /// further tasks or destructors run. The mini logger writes a record of the error to its file
-/// `qbl_error_` followed by the process's number.
+/// `qbl_error_PID`, where PID is the process ID.
 ///
 /// A forked process has no custodian until it stops the library and starts it again. It may do so
-/// only if no other thread was in a call of the library at the fork: in the new process, a lock
-/// that such a thread held is never released.
+/// only if no other thread was in a library call at the time of the fork: in the new process, a
+/// lock that such a thread held is never released.
 ///
 /// Threads: any thread may call any operation, except initialize() and terminate(), which the start
 /// and stop of the library call.
@@ -37,9 +37,9 @@ public:
     /// @name Schedule
     /// @{
 
-    /// Sets the time between two passes. 0 means one pass right after the other; all ones mean no
-    /// pass except at the stop. Once it is one of these two, it deliberately stays so for the
-    /// process's life.
+    /// Sets the time between two passes. 0 means no pause between passes; 0xFFFFFFFF and ULONG_MAX
+    /// mean no pass except when the library stops. These values are deliberately final for the life
+    /// of the process.
     /// @param ms  milliseconds; 60000 at first. A wait in progress uses the new time, counted from
     ///     its beginning.
     /// @return the previous time

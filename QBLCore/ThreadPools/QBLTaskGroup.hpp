@@ -59,10 +59,10 @@ public:
         run([&runnable] { runnable.run(); });
     }
     /// Waits until all pieces have been run. If a piece has failed since the last wait, throws the
-    /// first error, as its own class. Its back-trace has the place where it was thrown, and this
-    /// place. qblRethrowTranslated turns other exceptions into throwables. If there was no memory
-    /// to keep the error, throws QBLOutOfMemoryError. If several threads wait at the same time,
-    /// only one of them throws.
+    /// first error with its own class. Its back-trace contains the place where it was thrown and
+    /// the place of this call. qblRethrowTranslated turns other exceptions into throwables. If
+    /// there was no memory to keep the error, throws QBLOutOfMemoryError. If several threads wait
+    /// at the same time, only one of them throws.
     /// @throws QBLIllegalStateError if called in a piece of the group, which would deadlock
     /// @param where  the place; by default, the place of the call
     void wait(const QBLFileLocation& where = QBLFileLocation(__builtin_FILE(), __builtin_LINE()));

@@ -111,8 +111,8 @@ public:
     void wake() { m_wake.post(); }
 
 private:
-    /// Gets the next task into m_pTask.
-    /// @return false if the worker has left instead.
+    /// Stores the next task in m_pTask.
+    /// @return false if the worker has left the pool instead.
     bool next() {
         if (m_iTemporary == 0) m_pool.reap(false);
         if (takeOrBeIdle(false)) return true;

@@ -59,9 +59,9 @@ public:
     void reserve(unsigned int n) {
         if (n > m_iAllocLimit) delete[] grow(n);
     }
-    /// Truncates the content to n bytes, or extends it with the bytes that follow it in the array:
-    /// bytes that were written through str() or cut off before, else zeros. Never shows
-    /// uninitialised memory. A length above the capacity is ignored.
+    /// Truncates or extends the content to n bytes. The added bytes are those that were written
+    /// through str() or were cut off earlier; all others are zero. A length above the capacity is
+    /// ignored.
     void setLength(unsigned int n);
     /// @}
 

@@ -223,7 +223,7 @@ public:
     /// @param length  receives the number of bytes including the NUL; may be null. An empty string
     ///     that is stored as UTF-16 has four bytes
     /// @param allocator, context  for the conversion; null means those of the string. They must
-    ///     stay usable as long as the string, or until the string is converted again after a change
+    ///     stay usable while the string exists, or until it is converted again after a change
     /// @throws I18NRuntimeError -3 if a converter is needed and the encoding is unknown
     const char* c_str(const char* encoding = nullptr, int* length = nullptr,
                       I18NStringAllocator allocator = nullptr, void* context = nullptr) const {
@@ -360,8 +360,8 @@ public:
     /// @name Locks of conversions
     /// @{
 
-    /// The index and the lock that guard conversions of the string at an address. 64 locks serve
-    /// all strings.
+    /// The lock that guards conversions of the string at an address, and its index. All strings
+    /// share 64 locks.
     static int getIndexFromPtr(const void* string);
     static QBLThreadCriticalSection& getLockFromPtr(const void* string);
     /// @}

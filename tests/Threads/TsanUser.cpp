@@ -1,6 +1,6 @@
-// A program with ThreadSanitizer, which uses the library built without it. The threads pass plain
-// data to each other through the library's locks, events and pools. If the sanitizer does not see
-// the synchronization, it reports a race and the program fails.
+// A program built with ThreadSanitizer. It uses the library, which is built without it. The threads
+// pass plain data to each other through the library's locks, events and pools. If the sanitizer
+// does not see the synchronization, it reports a race and the program fails.
 #include <thread>
 #include <vector>
 

@@ -46,7 +46,7 @@ public:
 
     /// Chooses the encoding of an input and rewinds the input.
     /// @param name  the input's name, as shown() returns it
-    /// @param isGuessAllowed  whether to choose an encoding if another one fits as well
+    /// @param isGuessAllowed  whether to choose an encoding if another encoding also fits
     /// @return null, with the reason in the report, if no encoding is clear or the input cannot be
     ///     read; also null after an interrupt
     const I18NConverter* choose(Input& input, const std::string& name, bool isGuessAllowed,
@@ -56,8 +56,8 @@ public:
     std::vector<Fit> fits(Passes& passes) { return fits(passes, false); }
     /// A converter with the policy I18N_STOP for a known encoding.
     const I18NConverter& strict(const std::string& name);
-    /// The encoding that ICU considers more probable than all that fit, but in which the last text
-    /// is malformed; empty if there is no such encoding.
+    /// The encoding that ICU considers more probable than every encoding that fits, although the
+    /// last text is malformed in it; empty if there is no such encoding.
     const std::string& nearly() const { return m_nearly; }
     /// Reports why no encoding was found.
     void sayNone(const std::string& name, FileReport& report) const;

@@ -1,5 +1,5 @@
-// Generates the source with a program's built-in texts from its English catalogue. Only the build
-// uses this program:
+// Generates, from a program's English catalogue, the source that contains the program's built-in
+// texts. Only the build uses this generator:
 //     qbl_builtin_texts FILE.msg FILE.cpp
 #include <algorithm>
 #include <cstdio>

@@ -38,8 +38,8 @@ Status dump(const Options& options) {
                         {name, std::to_string(problem.offset), formatMessage(problem.reason)});
     for (const BmfText& each : texts)
         tools::print(stdout, dumpSource(each.id, std::string(each.text)));
-    // Sources cannot express shared texts, unused bytes and the like; readers of message files do
-    // not see them.
+    // A message file may have shared texts, unused bytes and the like. Programs that read it do not
+    // notice them, but a source cannot express them.
     return isCanonicalBmf(bytes, texts) ? kClean : complain(kErrors, MSGC_NOT_THE_SAME, {name});
 }
 

@@ -38,8 +38,8 @@ public:
         if (table.slots() == nullptr) return nullptr;
         const std::uint32_t spread = spreadOf(hash);
         const Slot* slot = table.home(spread);
-        // Some slots are always free. A reader that misses them while they move finds one in the
-        // next round.
+        // The loop ends, because some slots are always free. If other threads' changes make a
+        // reader miss them, it finds a free slot in its next pass over the table.
         for (;; slot = table.after(slot)) {
             char* const tagged = slot->load(std::memory_order_acquire);
             if (tagged == nullptr) return nullptr;

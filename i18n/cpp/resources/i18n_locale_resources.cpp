@@ -29,8 +29,9 @@ const char kTimePeriodBase[] = "./qbli18nrestp_";
 const char kTimeZoneBase[] = "./qbli18nrestz_";
 const char kLocaleBase[] = "./qbli18nreslc_";
 
-// Names of locales may come from a program's clients. Beyond this number of locales, and for longer
-// names, the files are searched for each time.
+// Names of locales may come from a program's clients, so their number and length are limited. For
+// more locales than this, and for longer names than kLongestName, nothing is cached: each use
+// searches for the files again.
 constexpr std::size_t kMostLocales = 4096;
 constexpr std::size_t kLongestName = 256;
 

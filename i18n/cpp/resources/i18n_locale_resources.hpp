@@ -30,21 +30,22 @@ extern const I18NMapSource kI18NTimeZones;
 extern const I18NMapSource kI18NLocaleNames;
 extern const I18NMapSource kI18NLocaleOfLanguage;
 
-/// Finds the resource file for a locale: base + name + ".xml". The names are language, country and
-/// variant; then without the variant; then the language alone; then "en". Each name is searched for
-/// in the bin directory, then in the working directory, then in the installation's share/qblcore. A
-/// variant is searched for in upper case and then in lower case. Names with other characters than
-/// letters, digits and "_" are skipped, as are files that the process may not read.
+/// Finds the resource file for a locale: base + name + ".xml". It tries these names in order:
+/// language, country and variant; language and country; only the language; "en". It looks for each
+/// name in the bin directory, then in the working directory, then in the installation's
+/// share/qblcore. It tries a variant in upper case and then in lower case. Names with characters
+/// other than letters, digits and "_" are skipped. Files that the process may not read are also
+/// skipped.
 /// @param path, name  receive the path of the file and the name that was found
 /// @return false also if a place could not be examined
 /// @throws std::bad_alloc if memory was exhausted
 bool findResourceFile(std::string& path, std::string& name, const char* base,
                       const I18NLocale& locale);
 
-/// The maps of all locales. Each map is loaded on first use, and again if its file could not be
-/// read then. An entry of a file is one of three: an element with a name and a value; an element
-/// with a name, followed by an element with the value; or an element with only a value, whose name
-/// is its tag. If entries have the same name, the last one counts.
+/// The maps of all locales. Each map is loaded on first use. If its file cannot be read then, the
+/// next use tries again. An entry of a file has one of three forms: an element with a name and a
+/// value; an element with a name, followed by an element with the value; or an element with only a
+/// value, whose name is its tag. If entries have the same name, the last one counts.
 ///
 /// Threads: any thread; clear() requires that no other thread uses a map.
 class I18NLocaleResources {

@@ -130,7 +130,7 @@ private:
     std::int64_t m_iSequence = 0;  // where the current one begins; BOCU-1 only
     std::int64_t m_iBytes = 0;     // before m_pBegin
     std::int64_t m_iUnits = 0;     // before m_pText
-    // The bytes that findings are searched in: the slice that is being decoded, and the last bytes
+    // The bytes that are searched for findings: the slice that is being decoded, and the last bytes
     // before it.
     static constexpr int kHistory = 64;
     char m_history[kHistory] = {};
