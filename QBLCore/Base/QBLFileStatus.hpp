@@ -36,6 +36,16 @@ public:
                m_status.stx_dev_major == other.m_status.stx_dev_major &&
                m_status.stx_dev_minor == other.m_status.stx_dev_minor;
     }
+    std::int64_t changedSeconds() const { return m_status.stx_ctime.tv_sec; }
+    unsigned changedNanoseconds() const { return m_status.stx_ctime.tv_nsec; }
+    /// True if this is the same file, and its times and size show no change of its contents.
+    bool isSameVersion(const QBLFileStatus& other) const {
+        return isSameFile(other) && size() == other.size() &&
+               modifiedSeconds() == other.modifiedSeconds() &&
+               modifiedNanoseconds() == other.modifiedNanoseconds() &&
+               changedSeconds() == other.changedSeconds() &&
+               changedNanoseconds() == other.changedNanoseconds();
+    }
 
 private:
     struct statx m_status;

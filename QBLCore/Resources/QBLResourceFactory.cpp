@@ -3,38 +3,21 @@
 #include <algorithm>
 #include <cctype>
 #include <cstring>
-#include <map>
 #include <memory>
 #include <unordered_set>
 
 #include "QBLCore/Base/QBLFileLook.hpp"
-#include "QBLCore/Base/QBLImmortal.hpp"
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
 #include "QBLCore/Resources/QBLResourceBMF.hpp"
-#include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
-#include "QBLCore/Threads/QBLThreadGuard.hpp"
+#include "QBLCore/Resources/shared/QBLCatalogueCache.hpp"
 #include "QBLCore/Utility/QBLUtStrTok.hpp"
 #include "i18n/cpp/i18n_internal_resources.hpp"
 #include "i18n/cpp/i18n_locale.hpp"
 #include "i18n/cpp/resources/i18n_bin_dir.hpp"
 
 namespace {
-
-// Locales may come from a program's clients, so the number and the length of the remembered lists
-// are limited. For other lists, each call searches for the file again.
-const std::size_t kMaxRemembered = 4096;
-const std::size_t kLongestKey = 4096;
-
-struct Cache {
-    QBLThreadCriticalSection m_QBLResourceFactoryLock{0};
-    std::map<std::string, std::string> m_QBLResourceBaseFileLocaleMap;  // guarded by the lock
-};
-
-std::string keyOf(const std::string& baseName, const char* localeIDs) {
-    return std::to_string(baseName.size()) + ' ' + baseName + localeIDs;
-}
 
 bool isFileName(const std::string& baseName) {
     const std::string extension = QBLResourceFactory::g_resourceFileExtension;
@@ -89,7 +72,7 @@ QBLResource* QBLResourceFactory::findAndGet(const std::string& baseName, const c
                                             int preload) {
     QBL_ALLOC_TRY
     const char* locales = localeID != nullptr ? localeID : g_defaultLocaleID;
-    const std::string key = keyOf(baseName, locales);
+    const std::string key = QBLCatalogueCache::keyOf(baseName, locales);
     std::string fileName;
     if (findFromMap(key, fileName)) {
         QBLResource* resource = get(fileName, locales, preload);
@@ -155,18 +138,9 @@ void QBLResourceFactory::release(QBLResource*& resource) {
 }
 
 bool QBLResourceFactory::findFromMap(const std::string& key, std::string& fileName) {
-    Cache& cache = qblImmortal<Cache>();
-    QBLThreadGuard guard(cache.m_QBLResourceFactoryLock);
-    const auto found = cache.m_QBLResourceBaseFileLocaleMap.find(key);
-    if (found == cache.m_QBLResourceBaseFileLocaleMap.end()) return false;
-    fileName = found->second;
-    return true;
+    return QBLCatalogueCache::findName(key, fileName);
 }
 
 void QBLResourceFactory::cacheToMap(const std::string& key, const std::string& fileName) {
-    Cache& cache = qblImmortal<Cache>();
-    QBLThreadGuard guard(cache.m_QBLResourceFactoryLock);
-    auto& known = cache.m_QBLResourceBaseFileLocaleMap;
-    if (key.size() > kLongestKey) return;
-    if (known.size() < kMaxRemembered || known.count(key) != 0) known[key] = fileName;
+    QBLCatalogueCache::keepName(key, fileName);
 }
