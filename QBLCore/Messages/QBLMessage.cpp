@@ -3,11 +3,14 @@
 #include <cstring>
 #include <list>
 #include <memory>
+#include <string>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Messages/internal/QBLMessagePattern.hpp"
 #include "QBLCore/Messages/internal/QBLNumberText.hpp"
 #include "QBLCore/Resources/QBLResourceFile.hpp"
+#include "QBLCore/Resources/shared/QBLCatalogue.hpp"
+#include "QBLCore/Resources/shared/QBLCatalogueCache.hpp"
 
 namespace {
 
@@ -15,14 +18,31 @@ const char kDefaultLocale[] = "en";
 
 bool isNullOrEmpty(const char* text) { return text == nullptr || *text == '\0'; }
 
-/// Returns the text that a file has for an identifier; null if there is none or it is empty.
-const char* resourceText(QBLResourceFile& file, unsigned long id) {
-    char* text = nullptr;
-    return file.getResource(id, &text) && !isNullOrEmpty(text) ? text : nullptr;
-}
+/// The texts of an open file, or of a catalogue that the process keeps.
+class Texts {
+public:
+    explicit Texts(QBLResourceFile& file) : m_pFile(&file), m_pCatalogue(nullptr) {}
+    explicit Texts(const QBLCatalogue& catalogue) : m_pFile(nullptr), m_pCatalogue(&catalogue) {}
+
+    /// Returns the text for an identifier, valid until the next call; null if there is none or it
+    /// is empty.
+    const char* get(unsigned long id) const {
+        if (m_pCatalogue != nullptr) return nullIfEmpty(m_pCatalogue->getText(id));
+        char* text = nullptr;
+        return m_pFile->getResource(id, &text) ? nullIfEmpty(text) : nullptr;
+    }
+
+private:
+    static const char* nullIfEmpty(const char* text) {
+        return isNullOrEmpty(text) ? nullptr : text;
+    }
+
+    QBLResourceFile* m_pFile;
+    const QBLCatalogue* m_pCatalogue;
+};
 
 /// @param kept  receives the text that the argument points to, if nothing else owns it
-QBLMessageArgument argumentOf(const QBLMessageParm& parm, QBLResourceFile& file,
+QBLMessageArgument argumentOf(const QBLMessageParm& parm, const Texts& texts,
                               std::list<I18NString>& kept) {
     QBLMessageArgument argument = {QBLMessageArgument::kText, 0, 0, {}};
     unsigned long unsignedValue = 0;
@@ -52,7 +72,7 @@ QBLMessageArgument argumentOf(const QBLMessageParm& parm, QBLResourceFile& file,
             break;
         case QBLMsgParmMsgId: {
             parm.getValue(unsignedValue);
-            const char* text = resourceText(file, unsignedValue);
+            const char* text = texts.get(unsignedValue);
             kept.emplace_back();
             if (text != nullptr)
                 kept.back() = text;
@@ -65,6 +85,35 @@ QBLMessageArgument argumentOf(const QBLMessageParm& parm, QBLResourceFile& file,
             break;
     }
     return argument;
+}
+
+/// Appends the text of a message with its parameters.
+/// @param patternOf  returns the pattern for a text
+/// @return false if there is no text or it cannot be formatted; then nothing is appended
+template <class PatternOf>
+bool fillIn(const QBLMessageComponents& message, const Texts& texts, const PatternOf& patternOf,
+            I18NString& out) {
+    QBL_ALLOC_TRY
+    const char* text = texts.get(message.getMessageID());
+    if (text == nullptr) return false;
+    const int count = message.getParmCount() < QBLMessagePattern::kMaxArguments
+                          ? static_cast<int>(message.getParmCount())
+                          : QBLMessagePattern::kMaxArguments;
+    if (count == 0 && std::strstr(text, "{0") == nullptr) {
+        out.append(text);
+        return true;
+    }
+    // From here on, the pattern has a copy of the text; the next lookup may overwrite the text.
+    QBLMessagePattern& pattern = patternOf(text);
+    QBLMessageArgument arguments[QBLMessagePattern::kMaxArguments];
+    std::list<I18NString> kept;  // texts that arguments point to
+    for (int i = 0; i < count; ++i)
+        arguments[i] = argumentOf(*message.getParmN(static_cast<unsigned>(i)), texts, kept);
+    const char* filled = pattern.format(arguments, count);
+    if (filled == nullptr) return false;
+    out.append(filled);
+    return true;
+    QBL_ALLOC_CATCH
 }
 
 }  // namespace
@@ -103,11 +152,19 @@ const char* QBLMessage::getClassName() const { return "QBLMessage"; }
 
 void QBLMessage::format(const char* language, const char* fallbackLanguage, I18NString& out) const {
     const char* locale = chooseLocale(language, fallbackLanguage);
-    // Not preloaded: this call needs only one text and the texts that it refers to.
-    QBLResourceFile file(0);
+    const std::string base = m_msgFile.toUtf8();
     std::unique_ptr<QBLMessagePattern> pattern;
-    const bool formatted =
-        file.open(m_msgFile.toUtf8(), locale) && formatFrom(file, locale, pattern, out);
+    const auto patternOf = [&](const char* text) -> QBLMessagePattern& {
+        return *(pattern = std::make_unique<QBLMessagePattern>(text, locale));
+    };
+    bool formatted = false;
+    if (const auto catalogue = QBLCatalogueCache::get(base, locale)) {
+        formatted = fillIn(*this, Texts(*catalogue), patternOf, out);
+    } else {
+        // Not preloaded: this call needs only one text and the texts that it refers to.
+        QBLResourceFile file(0);
+        formatted = file.open(base, locale) && fillIn(*this, Texts(file), patternOf, out);
+    }
     if (!formatted) writeElement(&m_msgFile, language, fallbackLanguage, out, 0);
 }
 
@@ -123,26 +180,10 @@ const char* QBLMessage::chooseLocale(const char* language, const char* fallbackL
 
 bool QBLMessage::formatFrom(QBLResourceFile& file, const char* locale,
                             std::unique_ptr<QBLMessagePattern>& pattern, I18NString& out) const {
-    QBL_ALLOC_TRY
-    const char* text = resourceText(file, getMessageID());
-    if (text == nullptr) return false;
-    const int count = getParmCount() < QBLMessagePattern::kMaxArguments
-                          ? static_cast<int>(getParmCount())
-                          : QBLMessagePattern::kMaxArguments;
-    if (count == 0 && std::strstr(text, "{0") == nullptr) {
-        out.append(text);
-        return true;
-    }
-    // From here on, the pattern has a copy of the text; the next lookup may overwrite the text.
-    if (pattern == nullptr || !pattern->isFor(text))
-        pattern = std::make_unique<QBLMessagePattern>(text, locale);
-    QBLMessageArgument arguments[QBLMessagePattern::kMaxArguments];
-    std::list<I18NString> kept;  // texts that arguments point to
-    for (int i = 0; i < count; ++i)
-        arguments[i] = argumentOf(*getParmN(static_cast<unsigned>(i)), file, kept);
-    const char* filled = pattern->format(arguments, count);
-    if (filled == nullptr) return false;
-    out.append(filled);
-    return true;
-    QBL_ALLOC_CATCH
+    const auto patternOf = [&](const char* text) -> QBLMessagePattern& {
+        if (pattern == nullptr || !pattern->isFor(text))
+            pattern = std::make_unique<QBLMessagePattern>(text, locale);
+        return *pattern;
+    };
+    return fillIn(*this, Texts(file), patternOf, out);
 }

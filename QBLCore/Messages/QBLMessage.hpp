@@ -21,7 +21,8 @@ class QBLResourceFile;
 /// If the message has no parameters and its text has no "{0", the text is shown as it is. If the
 /// file or the text is missing, or the text is not a valid pattern, the message shows its XML form.
 ///
-/// Each format() opens the file again; QBLMessageFile keeps the file open.
+/// Each format() shows the texts that the file has at that time. The process keeps catalogues in
+/// memory, so an unchanged file is rarely opened again.
 ///
 /// Threads: as with QBLMessageBase.
 class QBL_API QBLMessage : public QBLMessageComponents {

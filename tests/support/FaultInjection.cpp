@@ -4,6 +4,7 @@
 #include <pthread.h>
 #include <semaphore.h>
 #include <sys/time.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
@@ -122,6 +123,8 @@ HOOK_ERRNO(fault::kSemInit, int, sem_init, (sem_t * s, int shared, unsigned coun
            (s, shared, count))
 HOOK_ERRNO(fault::kClockRead, int, gettimeofday, (timeval * now, void* zone) noexcept, (now, zone))
 HOOK_ERRNO(fault::kFsync, int, fsync, (int fd), (fd))
+HOOK_ERRNO(fault::kRead, ssize_t, read, (int fd, void* buffer, std::size_t size),
+           (fd, buffer, size))
 HOOK(fault::kThreadCreate, pthread_create,
      (pthread_t * thread, const pthread_attr_t* attributes, void* (*routine)(void*),
       void* arg) noexcept,

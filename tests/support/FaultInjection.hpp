@@ -15,6 +15,7 @@ enum Call {
     kCondTimedWait,
     kClockRead,  // gettimeofday
     kFsync,
+    kRead,
     kCallCount
 };
 
