@@ -203,7 +203,7 @@ void formatOurs(benchmark::State& state, const QBLMessage& message) {
 /// The message keeps the open file and the parsed pattern from the previous call.
 void formatKept(benchmark::State& state) { formatOurs(state, twoArguments()); }
 
-/// The message opens the file and parses the pattern in each call.
+/// The process keeps the texts and the pattern; each call checks whether the file has changed.
 void formatAnew(benchmark::State& state) { formatOurs(state, QBLMessage(twoArguments())); }
 
 std::string byIcu() {
@@ -268,8 +268,7 @@ public:
 }
 
 /// Throwing costs three unwindings and copies of the messages: the set contains each message twice.
-/// Rendering mostly costs opening the catalogue, which QBLMessage does in each call; half of that
-/// time is spent in the kernel.
+/// Rendering formats each of them, which mostly costs the look at the file.
 void throwAndRender(benchmark::State& state) {
     QBLMessage message(Catalogues::of(1000).base.c_str(), kPatternId);
     message << kFileName << 5;

@@ -3,11 +3,13 @@
 #include <cstring>
 #include <list>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Messages/internal/QBLMessagePattern.hpp"
 #include "QBLCore/Messages/internal/QBLNumberText.hpp"
+#include "QBLCore/Messages/internal/QBLPatternLoan.hpp"
 #include "QBLCore/Resources/QBLResourceFile.hpp"
 #include "QBLCore/Resources/shared/QBLCatalogue.hpp"
 #include "QBLCore/Resources/shared/QBLCatalogueCache.hpp"
@@ -153,9 +155,9 @@ const char* QBLMessage::getClassName() const { return "QBLMessage"; }
 void QBLMessage::format(const char* language, const char* fallbackLanguage, I18NString& out) const {
     const char* locale = chooseLocale(language, fallbackLanguage);
     const std::string base = m_msgFile.toUtf8();
-    std::unique_ptr<QBLMessagePattern> pattern;
+    std::optional<QBLPatternLoan> loan;
     const auto patternOf = [&](const char* text) -> QBLMessagePattern& {
-        return *(pattern = std::make_unique<QBLMessagePattern>(text, locale));
+        return loan.emplace(text, locale).get();
     };
     bool formatted = false;
     if (const auto catalogue = QBLCatalogueCache::get(base, locale)) {

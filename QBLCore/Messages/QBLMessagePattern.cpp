@@ -37,6 +37,9 @@ icu::Formattable toFormattable(const QBLMessageArgument& argument) {
 }
 
 constexpr std::size_t kLongestName = 256;
+// Of a pattern that the process keeps.
+constexpr std::size_t kLongestText = 1024;
+constexpr std::size_t kLargestOut = 4096;
 
 /// Returns ICU's name for the first of the locales; empty if there is none.
 std::string firstOf(const char* locales) {
@@ -69,6 +72,13 @@ QBLMessagePattern::QBLMessagePattern(const char* text, const char* locales)
 }
 
 QBLMessagePattern::~QBLMessagePattern() = default;
+
+void QBLMessagePattern::dropICU() { m_pICU.reset(); }
+
+// Without memory ICU may take a locale for one without a name.
+bool QBLMessagePattern::isKeepable() const {
+    return !m_locale.empty() && m_text.size() <= kLongestText && m_out.capacity() <= kLargestOut;
+}
 
 void QBLMessagePattern::parse() {
     const icu::UnicodeString text = toUnicode(m_text);

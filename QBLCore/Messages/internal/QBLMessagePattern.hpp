@@ -41,6 +41,12 @@ public:
 
     /// Returns true if the pattern was made from the text at this address.
     bool isFor(const char* text) const { return m_pSource == text; }
+    /// Returns true if the pattern was made from a text with these bytes.
+    bool hasText(std::string_view text) const { return m_text == text; }
+    /// Frees the format of ICU. format() creates it again when it needs it.
+    void dropICU();
+    /// Returns true if the process may keep the pattern: it is small, and has a locale.
+    bool isKeepable() const;
     /// @return UTF-8, valid until the next call; null if the text is not a pattern
     const char* format(const QBLMessageArgument* arguments, int count);
 
