@@ -30,28 +30,28 @@ typedef std::array<CataloguePtr, kMaxCatalogues> Dropped;
 class Cache {
 public:
     bool findName(const std::string& key, std::string& fileName) {
-        QBLThreadGuard guard(m_lock);
-        const auto found = m_names.find(key);
-        if (found == m_names.end()) return false;
+        QBLThreadGuard guard(m_QBLResourceFactoryLock);
+        const auto found = m_QBLResourceBaseFileLocaleMap.find(key);
+        if (found == m_QBLResourceBaseFileLocaleMap.end()) return false;
         fileName = found->second.fileName;
         return true;
     }
 
     void keepName(const std::string& key, const std::string& fileName) {
         if (key.size() > kLongestKey) return;
-        QBLThreadGuard guard(m_lock);
-        const auto found = m_names.find(key);
-        if (found != m_names.end())
+        QBLThreadGuard guard(m_QBLResourceFactoryLock);
+        const auto found = m_QBLResourceBaseFileLocaleMap.find(key);
+        if (found != m_QBLResourceBaseFileLocaleMap.end())
             found->second.fileName = fileName;
-        else if (m_names.size() < kMaxNames)
-            m_names.emplace(key, Found{fileName, 0});
+        else if (m_QBLResourceBaseFileLocaleMap.size() < kMaxNames)
+            m_QBLResourceBaseFileLocaleMap.emplace(key, Found{fileName, 0});
     }
 
     /// @param fileName  receives the name of the file without a catalogue; empty if it is unknown
     CataloguePtr find(const std::string& key, std::string& fileName) {
-        QBLThreadGuard guard(m_lock);
-        const auto found = m_names.find(key);
-        if (found == m_names.end()) return nullptr;
+        QBLThreadGuard guard(m_QBLResourceFactoryLock);
+        const auto found = m_QBLResourceBaseFileLocaleMap.find(key);
+        if (found == m_QBLResourceBaseFileLocaleMap.end()) return nullptr;
         Found& file = found->second;
         if (!isAt(file.place, file.fileName)) file.place = placeOf(file.fileName);
         if (file.place != kMaxCatalogues) {
@@ -65,7 +65,7 @@ public:
 
     void keep(const CataloguePtr& catalogue) {
         Dropped dropped;
-        QBLThreadGuard guard(m_lock);
+        QBLThreadGuard guard(m_QBLResourceFactoryLock);
         std::size_t place = placeOf(catalogue->getFileName());
         if (place != kMaxCatalogues) drop(place, dropped);
         while ((place = placeOf(std::string())) == kMaxCatalogues ||
@@ -77,7 +77,7 @@ public:
 
     void drop(const std::string& fileName) {
         Dropped dropped;
-        QBLThreadGuard guard(m_lock);
+        QBLThreadGuard guard(m_QBLResourceFactoryLock);
         const std::size_t place = placeOf(fileName);
         if (place != kMaxCatalogues) drop(place, dropped);
     }
@@ -93,17 +93,18 @@ private:
     };
 
     /// An empty name means a place without a catalogue.
-    bool isAt(std::size_t place, const std::string& fileName) const QBL_REQUIRES(m_lock) {
+    bool isAt(std::size_t place, const std::string& fileName) const
+        QBL_REQUIRES(m_QBLResourceFactoryLock) {
         const CataloguePtr& there = m_places[place].catalogue;
         return there == nullptr ? fileName.empty() : there->getFileName() == fileName;
     }
     /// @return kMaxCatalogues if there is none
-    std::size_t placeOf(const std::string& fileName) const QBL_REQUIRES(m_lock) {
+    std::size_t placeOf(const std::string& fileName) const QBL_REQUIRES(m_QBLResourceFactoryLock) {
         std::size_t place = 0;
         while (place < kMaxCatalogues && !isAt(place, fileName)) ++place;
         return place;
     }
-    std::size_t leastUsed() const QBL_REQUIRES(m_lock) {
+    std::size_t leastUsed() const QBL_REQUIRES(m_QBLResourceFactoryLock) {
         std::size_t least = 0;
         for (std::size_t place = 1; place < kMaxCatalogues; ++place) {
             const bool has = m_places[place].catalogue != nullptr;
@@ -113,16 +114,17 @@ private:
         }
         return least;
     }
-    void drop(std::size_t place, Dropped& dropped) QBL_REQUIRES(m_lock) {
+    void drop(std::size_t place, Dropped& dropped) QBL_REQUIRES(m_QBLResourceFactoryLock) {
         m_uBytes -= m_places[place].catalogue->getSize();
         dropped[place] = std::move(m_places[place].catalogue);
     }
 
-    QBLThreadCriticalSection m_lock{0};
-    std::map<std::string, Found> m_names QBL_GUARDED_BY(m_lock);
-    std::array<Place, kMaxCatalogues> m_places QBL_GUARDED_BY(m_lock);
-    std::uint64_t m_uUses QBL_GUARDED_BY(m_lock) = 0;
-    std::size_t m_uBytes QBL_GUARDED_BY(m_lock) = 0;
+    QBLThreadCriticalSection m_QBLResourceFactoryLock{0};
+    std::map<std::string, Found> m_QBLResourceBaseFileLocaleMap
+        QBL_GUARDED_BY(m_QBLResourceFactoryLock);
+    std::array<Place, kMaxCatalogues> m_places QBL_GUARDED_BY(m_QBLResourceFactoryLock);
+    std::uint64_t m_uUses QBL_GUARDED_BY(m_QBLResourceFactoryLock) = 0;
+    std::size_t m_uBytes QBL_GUARDED_BY(m_QBLResourceFactoryLock) = 0;
 };
 
 }  // namespace
@@ -162,7 +164,7 @@ CataloguePtr QBLCatalogueCache::get(const std::string& baseName, const char* loc
     } catch (const std::bad_alloc&) {
         // The caller needs less memory than a catalogue.
     } catch (const QBLThrowable&) {
-        // The caller meets the same error, unless it has passed.
+        // The caller gets the same error, unless its reason has passed.
     }
     return nullptr;
 }

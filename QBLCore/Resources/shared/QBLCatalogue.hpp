@@ -21,7 +21,7 @@ public:
 
     explicit QBLCatalogue(const std::string& fileName);
 
-    /// Returns true if the name still leads to the file that was read, and nobody changed that.
+    /// Returns true if the name still leads to the file that was read, and the file is unchanged.
     bool isCurrent() const;
     /// Returns false if the file has errors, or a layout that qblmsgc does not write. Then
     /// QBLResourceBMF decides what is in it; the object only knows the version.

@@ -9,7 +9,7 @@ class QBLCatalogue;
 /// What the process remembers of message files: the names of the files that were found, and the
 /// catalogues that were read from some of them. Failures are not remembered.
 ///
-/// Threads: any thread. Reading files and looking at them happens outside the lock.
+/// Threads: any thread. No file is opened or examined under the lock.
 class QBLCatalogueCache {
 public:
     QBLCatalogueCache() = delete;
@@ -19,8 +19,8 @@ public:
     static bool findName(const std::string& key, std::string& fileName);
     static void keepName(const std::string& key, const std::string& fileName);
 
-    /// Returns the catalogue of a file that was found before, as the file is now. A catalogue that
-    /// is kept costs one look at the file; another is read and kept.
+    /// Returns the catalogue of a file that was found before, as the file is now. If the catalogue
+    /// is in the cache and current, this calls statx(2) once; otherwise it reads the file.
     /// @return null if the caller has to find or open the file itself
     static std::shared_ptr<const QBLCatalogue> get(const std::string& baseName,
                                                    const char* localeIDs);

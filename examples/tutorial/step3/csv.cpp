@@ -3,13 +3,13 @@
 
 namespace {
 
-char kCsv[] = "csv";
+char g_csv[] = "csv";
 
 class Csv : public Format {
 public:
     static QBLObjectFactoryItem* make(QBLObjectFactory* factory) { return new Csv(factory); }
 
-    char* getClassId() override { return kCsv; }
+    char* getClassId() override { return g_csv; }
     int countLines(const I18NString& text) override {
         int lines = 0;
         bool quoted = false;
@@ -29,6 +29,6 @@ private:
 }  // namespace
 
 extern "C" [[gnu::visibility("default")]] char* formatRegister(QBLObjectFactory& factory) {
-    factory.registerClass(kCsv, &Csv::make);
-    return kCsv;
+    factory.registerClass(g_csv, &Csv::make);
+    return g_csv;
 }
