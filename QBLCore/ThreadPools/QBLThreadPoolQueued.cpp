@@ -23,7 +23,7 @@
 //
 // A mistake here loses a task or keeps a submitter waiting: QBLThreadPoolTest
 // .StopFlagWakesWaitingSubmittersAndLosesNoTask, .QueuedFinishesOrDropsQueuedTasksAsConfigured,
-// .QueuedLimitsItsQueueToTheCapacity, .DestructorRunsAcceptedTasksThoughWorkersEnd.
+// .QueuedLimitsItsQueueToTheCapacity, .DestructorRunsAcceptedTasksEvenIfWorkersEnd.
 
 namespace {
 

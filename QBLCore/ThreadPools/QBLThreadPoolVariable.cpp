@@ -45,7 +45,7 @@
 //
 // A mistake loses a task, or a destructor waits for ever (QBLThreadPoolTest):
 // VariableLosesNoTaskWhenItsWorkersRetire, VariableSurvivesATaskThatEndsItsThread,
-// VariableReapsAWorkerWhoseExitRoutineSubmits, DestructorRunsAcceptedTasksThoughWorkersEnd,
+// VariableReapsAWorkerWhoseExitRoutineSubmits, DestructorRunsAcceptedTasksEvenIfWorkersEnd,
 // StopFlagWakesWaitingSubmittersAndLosesNoTask; with x64-tsan too, repeated (--gtest_repeat).
 
 namespace {

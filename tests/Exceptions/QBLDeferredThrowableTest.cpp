@@ -7,7 +7,7 @@
 #include "tests/support/ThrowChecks.hpp"
 #include "tests/support/Workers.hpp"
 
-TEST(QBLDeferredThrowableTest, RaisesAnotherThreadsErrorAsItsOwnClass) {
+TEST(QBLDeferredThrowableTest, ThrowsTheErrorOfAnotherThreadWithItsClass) {
     QBLDeferredThrowable deferred;
     deferred.check(QBL_HERE, nullptr, "CHECK");
     Workers(1, [&] {

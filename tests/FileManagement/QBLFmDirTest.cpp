@@ -52,7 +52,7 @@ int inCage(const TempTree& tree, const std::function<int()>& body) {
 
 }  // namespace
 
-TEST(QBLFmDirTest, MeasuresTheRootOfAPath) {
+TEST(QBLFmDirTest, ReturnsTheLengthOfTheRootOfAPath) {
     const struct {
         const char* path;
         long length;
@@ -257,7 +257,7 @@ TEST(QBLFmDirTest, AcceptsAndReturnsI18NStrings) {
     I18NString cut(made);
     cut.append(L'\0').append(".txt");
     EXPECT_TRUE(!QBLFmDir::removeFile(cut) && errno == EILSEQ)
-        << "up to the null character, this is the name of another file";
+        << "up to the terminating NUL, this is the name of another file";
     for (const char16_t half : {u'\xD800', u'\xDC00'}) {
         const I18NString lone(&half, 2);
         EXPECT_TRUE(!QBLFmDir::exists(lone, S_IFDIR) && errno == EILSEQ);
@@ -299,7 +299,7 @@ TEST(QBLFmDirTest, NeverReusesATemporaryName) {
     EXPECT_EQ("499", path.substr(path.size() - 3));
 }
 
-TEST(QBLFmDirTest, FailsWithoutMemoryForATemporaryName) {
+TEST(QBLFmDirTest, FailsIfThereIsNoMemoryForATemporaryName) {
     TempTree tree;
     const char prefix[] = "too long for a string to keep it inside";
     const I18NString dir(tree.root()), same(prefix);

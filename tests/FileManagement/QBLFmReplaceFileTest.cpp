@@ -38,7 +38,7 @@ std::ptrdiff_t entries(const TempTree& tree) {
 
 }  // namespace
 
-TEST(QBLFmReplaceFileTest, KeepsModeLinksAndTheOldVersionElsewhere) {
+TEST(QBLFmReplaceFileTest, KeepsModeAndSymbolicLinksAndLeavesHardLinksToTheOldVersion) {
     TempTree tree;
     const std::string path = tree.file("f", "old");
     chmod(path.c_str(), 04751);
@@ -124,7 +124,7 @@ TEST(QBLFmReplaceFileTest, KeepsTheOldVersionIfAnythingFails) {
     EXPECT_EQ(1, entries(tree));
 }
 
-TEST(QBLFmReplaceFileTest, KeepsToTheRightsOfItsUser) {
+TEST(QBLFmReplaceFileTest, RespectsThePermissionsOfTheUser) {
     if (geteuid() != 0) GTEST_SKIP() << "becomes another user";
     TempTree tree;
     chmod(tree.root(), 0777);

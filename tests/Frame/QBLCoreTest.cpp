@@ -63,7 +63,7 @@ TEST(QBLCoreTest, ConcurrentStartsAndStopsLeaveItStopped) {
     EXPECT_EQ(-2, qblCoreTerminate());
 }
 
-TEST(QBLCoreTest, CountsAFailedStartToo) {
+TEST(QBLCoreTest, CountsFailedStarts) {
     int failures = 0;
     fault::eachAllocation([&failures] {
         int result = -3;
@@ -82,7 +82,7 @@ TEST(QBLCoreTest, CountsAFailedStartToo) {
     EXPECT_EQ(0, qblCoreTerminate());
 }
 
-TEST(QBLCoreTest, StopsWithoutMemoryEvenAfterAFailedStart) {
+TEST(QBLCoreTest, StopsWhenMemoryIsExhaustedEvenAfterAFailedStart) {
     if (kThreadSanitizer) GTEST_SKIP() << "the sanitizer starts no thread in a forked process";
     for (const bool startFails : {false, true}) {
         const int status = inChild([=] {

@@ -38,7 +38,7 @@ TEST(QBLListTest, EmptyListIgnoresRemovalsAndHasANullValue) {
     for (unsigned int n : {0U, 1U, 0xFFFFFFFFU}) EXPECT_EQ(nullptr, list.at(n)) << n;
 }
 
-TEST(QBLListTest, IndexPastTheEndGivesTheCursorsElement) {
+TEST(QBLListTest, IndexPastTheEndReturnsTheElementAtTheCursor) {
     List list;
     fill(list);
     EXPECT_EQ(g_a, list.at(9)) << "a new cursor is on the first element";

@@ -69,7 +69,7 @@ struct Record {
 
 }  // namespace
 
-TEST_F(QBLCustodianTest, CallsNewestBatchFirstEachInItsOrder) {
+TEST_F(QBLCustodianTest, CallsTheNewestBatchFirstInItsOrder) {
     Record record;
     Gate begin, registered;
     Task first([&](int) {
@@ -141,7 +141,7 @@ TEST_F(QBLCustodianTest, DeregistrationWaitsForThePass) {
     EXPECT_TRUE(QBLCustodian::deRegisterTask(&waiting));
 }
 
-TEST_F(QBLCustodianTest, StopCompletesThoughItsThreadIsCancelled) {
+TEST_F(QBLCustodianTest, StopCompletesEvenIfItsThreadIsCancelled) {
     Gate last, cancelled;
     Task task([&](int terminating) {
         if (terminating == 0) return 0;

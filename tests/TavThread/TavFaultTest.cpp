@@ -60,7 +60,7 @@ const Creation kThread = {"thread", &tryOutThread};
 
 }  // namespace
 
-TEST(TavFaultTest, CreationsReportAFailedAllocation) {
+TEST(TavFaultTest, CreateFunctionsReportAFailedAllocation) {
     Layer layer;
     for (const Creation& creation :
          {kMutex, kSemaphore, kCondition, kEvent, kRWLock, kKey, kTrap, kThread}) {
@@ -73,7 +73,7 @@ TEST(TavFaultTest, CreationsReportAFailedAllocation) {
     }
 }
 
-TEST(TavFaultTest, CreationsReportAndUndoAFailedCall) {
+TEST(TavFaultTest, CreateFunctionsReportAndUndoAFailedCall) {
     Layer layer;
     const struct {
         Creation creation;

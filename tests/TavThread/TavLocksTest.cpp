@@ -38,7 +38,7 @@ int tryFromOtherThread(TavMutex* m) {
 
 TEST(TavHeadersTest, CompileAndWorkInC) { EXPECT_EQ(0, tavCalledFromC()); }
 
-TEST(TavMutexTest, ReportsTheWrongTagBeforeTheMissingPointer) {
+TEST(TavMutexTest, ReportsABadAttributeBeforeANullPointer) {
     TavMutex* m = reinterpret_cast<TavMutex*>(&m);
     EXPECT_EQ(TAVTHREAD_BADATTR, tavXMutexCreate(&m, TavMutexAttrRecursive, 7, TavMutexAttrEnd));
     EXPECT_EQ(nullptr, m);

@@ -42,7 +42,7 @@ TEST(TavSemaphoreLimitTest, RejectsACountAboveTheSystemLimit) {
     EXPECT_EQ(TAVTHREAD_OK, tavXSemaphoreDestroy(s));
 }
 
-TEST_F(TavSemaphoreTest, TimedWaitsLastTheirTime) {
+TEST_F(TavSemaphoreTest, TimedWaitsLastTheRequestedTime) {
     const struct {
         int (*wait)(TavSemaphore*, unsigned);
         unsigned ms;

@@ -119,7 +119,7 @@ TEST(TavThreadTest, ReportsHowAThreadEnded) {
     }
 }
 
-TEST(TavThreadTest, RecordLivesUntilThreadAndHandleAreGone) {
+TEST(TavThreadTest, RecordExistsUntilThreadAndHandleReleaseIt) {
     Layer layer;
     Gate gate;
     std::atomic<int> ended{0};

@@ -125,7 +125,7 @@ TEST_F(QBLTaskGroupTest, NestedPiecesNeedNoStack) {
     }
 }
 
-TEST_F(QBLTaskGroupTest, DestructorCompletesThoughThreadsEnd) {
+TEST_F(QBLTaskGroupTest, DestructorCompletesEvenIfThreadsEnd) {
     struct Round {
         QBLThreadPoolFixed pool{1};
         Gate begun, release;

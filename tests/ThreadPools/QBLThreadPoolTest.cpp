@@ -105,7 +105,7 @@ TEST_F(QBLThreadPoolTest, ServesManySubmitters) {
     }
 }
 
-TEST_F(QBLThreadPoolTest, RefusesTasksWithItsOwnTextOnceStopping) {
+TEST_F(QBLThreadPoolTest, RefusesTasksWithItsOwnTextAfterTheStopFlag) {
     const char* texts[] = {
         "QBLThreadPoolFixed::execute: attempted to execute while shutting down",
         "QBLThreadPoolVariable::execute: attempted to execute while shutting down",
@@ -224,7 +224,7 @@ TEST_F(QBLThreadPoolTest, TasksDoNotInheritCancellationSettings) {
         }
 }
 
-TEST_F(QBLThreadPoolTest, DestructorRunsAcceptedTasksThoughWorkersEnd) {
+TEST_F(QBLThreadPoolTest, DestructorRunsAcceptedTasksEvenIfWorkersEnd) {
     struct EndingLast : QBLThreadRunnable {
         QBLThreadPool* pool = nullptr;
         void run() override {

@@ -74,7 +74,7 @@ TEST_F(QBLThreadTest, RunsARunnableOrItselfAndMayStartAgain) {
     EXPECT_NE(QBLThread::currentThreadId(), own.id);
 }
 
-TEST_F(QBLThreadTest, CallsTheExitRoutineHoweverRunEnds) {
+TEST_F(QBLThreadTest, CallsTheExitRoutineForEveryEndOfRun) {
     const auto runs = [](auto body) {
         Job job(body);
         QBLThread thread(&job);

@@ -121,7 +121,7 @@ TEST(QBLByteBufferTest, PassesOnExceptionsOfAReplacedOperatorNew) {
 
 // Sanitizers abort without memory, or need the whole address space.
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-TEST(QBLByteBufferTest, CallsNewHandlersOnlyForWhatIsNeeded) {
+TEST(QBLByteBufferTest, CallsNewHandlersOnlyForNeededMemory) {
     constexpr unsigned int kMiB = 1U << 20;
     EXPECT_EQ(0, inChild([] {
                   QBLByteBuffer buffer(24 * kMiB - 8, 8);

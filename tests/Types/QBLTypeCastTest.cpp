@@ -245,7 +245,7 @@ TEST(QBLTypeCastTest, WrittenValuesReadBackUnchanged) { writeRandom(true); }
 
 TEST(QBLTypeCastTest, TextsOfInvalidFieldsFitTheBuffer) { writeRandom(false); }
 
-TEST(QBLTypeCastTest, WritesNumbersAsPrintfDoes) { writeNumbers(kSanitizer ? 20000 : 200000); }
+TEST(QBLTypeCastTest, FormatsNumbersLikePrintf) { writeNumbers(kSanitizer ? 20000 : 200000); }
 
 TEST(QBLTypeCastTest, IgnoresALocaleWithADecimalComma) {
     inCommaLocale([] {

@@ -71,7 +71,7 @@ TEST(QBLVariantTest, EqualsOnlyTheSameTypeSizeAndValue) {
     EXPECT_FALSE(all[6] == QBLVariant(all[6])) << "NaN is not equal to itself";
 }
 
-TEST(QBLVariantTest, KeepsAStringWhateverItsSizeIs) {
+TEST(QBLVariantTest, KeepsItsStringForAnySizeTag) {
     QBLVariant variant, none;
     EXPECT_TRUE(none.setValue(5L) && none.setValue(nullptr, 5));
     EXPECT_FALSE(none.getValue(static_cast<char*>(nullptr), 5));

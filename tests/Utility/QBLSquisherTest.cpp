@@ -94,7 +94,7 @@ TEST(QBLSquisherTest, ThreadsAndForksSquishIndependently) {
     Workers(4, [&] { EXPECT_TRUE(allGood()); }).join();
 }
 
-TEST(QBLSquisherTest, FailsCleanlyWithoutMemory) {
+TEST(QBLSquisherTest, FailsCleanlyWhenMemoryRunsOut) {
     const std::string text = "some text, some text", token = tokenOf(compressed(text), text.size());
     // A sanitizer's allocator would abort the process.
     if (!kSanitizer) {

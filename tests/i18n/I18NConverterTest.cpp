@@ -162,7 +162,7 @@ TEST(I18NConverterTest, AppliesThePolicyToUnconvertibleText) {
         << "a converter substitutes until a policy is set";
 }
 
-TEST(I18NConverterTest, UserFunctionsMayDropFailOrExceedTheirLimit) {
+TEST(I18NConverterTest, UserFunctionsMayDropTextFailOrExceedTheLimit) {
     const auto converter = converterFrom(kOriginal, "us-ascii", I18N_USER_DEFINED);
     EXPECT_EQ("ab", bytesOf(*converter, u"a\uFFFDb"));
     EXPECT_EQ(kFailed, bytesOf(*converter, u"a\uFFFEb")) << "the function returns an error";
@@ -288,7 +288,7 @@ TEST(I18NConverterTest, StreamsKeepIncompleteSequencesBetweenPieces) {
     converter.toUnicodeStream(&block, &size, "", 0);
     EXPECT_EQ(nullptr, block);
     converter.toUnicodeStream(&block, &size, "a\x82", 2);
-    EXPECT_EQ(4, size) << "'a' and a null character";
+    EXPECT_EQ(4, size) << "'a' and a NUL";
     std::free(block);
     EXPECT_EQ(u"\u3042", unitsOf(converter, "\xA0"));
     converter.toUnicodeStream(&block, &size, "\x82", 1);
@@ -345,7 +345,7 @@ TEST(I18NConverterTest, BlocksGrowOnceToTheNeededSize) {
     EXPECT_EQ(0, requests.blocks);
 }
 
-TEST(I18NConverterTest, MeasuresTextAndBuffers) {
+TEST(I18NConverterTest, ConvertsCodePointCountsAndMeasuresBuffers) {
     for (const char* encoding : {"UTF-8", "UTF-16", "UTF-32", "ISO-2022-JP"}) {
         const I18NConverter converter(encoding);
         for (const int n : {-5, -1, 0, 1, 100000})

@@ -151,7 +151,7 @@ TEST(I18NStringTest, ConversionsCallAllocatorsWithoutALock) {
     EXPECT_NE(before, text.c_str("UTF-16")) << "a new pointer shows the change";
 }
 
-TEST(I18NStringTest, NullBytesGiveAnEmptyText) {
+TEST(I18NStringTest, NullBytesBecomeAnEmptyText) {
     for (const char* encoding : {static_cast<const char*>(nullptr), "UTF-16", "UTF-32", "latin1"})
         for (const int length : {-1, 0, 64})
             EXPECT_TRUE(I18NString(nullptr, encoding, length).empty()) << length;
@@ -178,7 +178,7 @@ TEST(I18NStringTest, ConvertsOneConstantStringOnManyThreads) {
     EXPECT_EQ(utf8[0] + "!", changing.c_str());
 }
 
-TEST(I18NStringTest, ConvertsByConvertersInBothDirections) {
+TEST(I18NStringTest, ConvertsWithConvertersInBothDirections) {
     I18NConverter latin("ISO-8859-1");
     const I18NString text("Stra\u00DFe \u4E2D");
     latin.setBuiltInUnconvertibleOutputSequenceCallback(I18N_ESCAPE);
@@ -297,7 +297,7 @@ TEST(I18NStringTest, FindsTextsAndSets) {
     EXPECT_EQ(std::string("w\u00F6rda\0\u00E9", 9), out.str());
 }
 
-TEST(I18NStringTest, IteratesByCodePointsAndWritesThroughThem) {
+TEST(I18NStringTest, IteratesByCodePointsAndAssignsThroughIterators) {
     I18NString text(L"a\U0001F600b");
     std::wstring seen;
     for (I18NStringIterator it = text.begin(); it != text.end(); ++it) seen += *it;

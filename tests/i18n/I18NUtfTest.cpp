@@ -30,7 +30,7 @@ TEST(I18NUtfTest, ConvertsEveryCharacterAtEveryOffsetOfABlock) {
     }
 }
 
-TEST(I18NUtfTest, MalformedSequencesInBlocksDecodeAsAlone) {
+TEST(I18NUtfTest, MalformedSequencesDecodeEquallyInBlocksAndAlone) {
     const std::string wholes[] = {"plain", "\u043F\u0440\u0438", "\u65E5\u672C", "\U0001F600"};
     const std::string bad[] = {"\xE0\x9F\xBF", "\xED\xA0\x80", "\xF0\x8F\xBF\xBF",
                                "\xF4\x90\x80\x80"};

@@ -181,7 +181,7 @@ TEST(QblconvDetectTest, DetectsManyEncodings) {
     }
 }
 
-TEST(QblconvDetectTest, ByteOrderMarksAndUTF8Decide) {
+TEST(QblconvDetectTest, ByteOrderMarksAndUTF8DetermineTheEncoding) {
     TempTree tree;
     makeFiles(tree);
     tree.file("both", bytes("\xFF\xFE\0\0a\0", 6));  // the mark of UTF-32, but not valid UTF-32
@@ -260,7 +260,7 @@ TEST(QblconvDetectTest, TakesTheFirstFittingEncodingOfAList) {
               "big: valid latin1\n-: valid latin1\n");
 }
 
-TEST(QblconvDetectTest, GuessesShowWhereTheyDiffer) {
+TEST(QblconvDetectTest, ListedEncodingsShowWhereTheirTextsDiffer) {
     TempTree tree;
     makeFiles(tree);
     tree.file("random", "\x81\x8D\x8F\x90\xFF\xFE");

@@ -87,7 +87,7 @@ TEST(QblconvTest, JoinsTextsUnderEachPolicyAndMark) {
     });
 }
 
-TEST(QblconvTest, CheckReportsEverySequence) {
+TEST(QblconvTest, CheckReportsEveryMalformedSequence) {
     expectRuns({
         {"-n -f Shift_JIS b s e -v", 1,
          "b:2:2: byte 4: 82 is not Shift_JIS\nb:3:1: byte 8: 82 is an incomplete Shift_JIS "

@@ -24,7 +24,7 @@
 // so that every thread sees the complete record of the key. Nothing else is shared.
 //
 // A mistake leaks, which x86-asan reports, or corrupts tokens. In QBLSquisherTest,
-// .FailsCleanlyWithoutMemory makes each allocation of a new thread fail,
+// .FailsCleanlyWhenMemoryRunsOut makes each allocation of a new thread fail,
 // .ThreadsAndForksSquishIndependently runs four threads and a child process, and
 // .TokensMatchZlibAndUnsquish compares with the result of zlib alone. No test deflates in
 // the destructor of another key. A thread that does so for the first time in the system's last
