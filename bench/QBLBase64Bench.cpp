@@ -48,7 +48,7 @@ struct Scalar {
 };
 
 #ifdef BENCH_HAVE_OPENSSL
-/// OpenSSL gets the length of the text; QBLBase64Decode searches for the null at its end.
+/// OpenSSL gets the length of the text; QBLBase64Decode searches for the terminating NUL.
 struct OpenSsl {
     static int encode(char* out, const std::vector<unsigned char>& data) {
         return EVP_EncodeBlock(reinterpret_cast<unsigned char*>(out), data.data(),

@@ -23,8 +23,8 @@ using Tasks = std::vector<QBLCustodianTask*>;
 constexpr unsigned long kPauseMs = 2;
 constexpr int kPasses = 100;
 
-/// Holds the custodian in a pass, so that all tasks registered meanwhile start in the same next
-/// pass.
+/// Holds the custodian in a pass, so that all tasks registered during this pass start in the same
+/// next pass.
 class Gate : public QBLCustodianTask {
 public:
     int doIt(int) override {

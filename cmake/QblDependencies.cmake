@@ -1,5 +1,5 @@
 # Finds ICU::i18n, ICU::uc and ZLIB::ZLIB for the architecture being built.
-# Debian's i386 -dev packages cannot always be installed beside the amd64 ones.
+# Debian's i386 -dev packages cannot always be installed together with the amd64 packages.
 # In that case only the run-time libraries exist, under their versioned names. The
 # headers then come from the amd64 packages; they are the same files.
 include(CheckCXXSourceRuns)

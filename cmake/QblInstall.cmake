@@ -78,9 +78,9 @@ endmacro()
 
 _qbl_install(QBLCoreTargets "${CMAKE_INSTALL_LIBDIR}" runtime development tools
   "${CMAKE_INSTALL_DATADIR}/qblcore" site-functions)
-# gdb loads NAME-gdb.py together with the library NAME. It looks beside the library, if that
+# gdb loads NAME-gdb.py together with the library NAME. It looks next to the library, if that
 # directory is in its auto-load safe-path, and below /usr/share/gdb/auto-load. A prefix outside
-# /usr gets the file beside the library, so the tree can be moved; /usr and / get it below
+# /usr gets the file next to the library, so the tree can be moved; /usr and / get it below
 # /usr/share/gdb/auto-load.
 install(CODE "
   set(_libdir \"${CMAKE_INSTALL_LIBDIR}\")

@@ -1,4 +1,4 @@
-// The input has the option letters and then the words of a command line, each followed by a null
+// The input has the option letters and then the words of a command line, each followed by a NUL
 // byte. Compares the results of QBLUtGetOpt with those of a second parser, which processes all
 // words in advance.
 #include <cstddef>

@@ -14,7 +14,7 @@ AREAS = {
     "types": "Data types and utilities",
     "tools": "Programs",
 }
-# Bars of ratios outside this range end at the edge; the figure beside the bar shows the real ratio.
+# Bars of ratios outside this range end at the edge; the figure next to the bar shows the real ratio.
 LEAST, MOST = 1 / 64, 4
 TITLES, PLOT, FIGURES = 470, 330, 90  # widths, from left to right
 TOP, ROW, BAR = 62, 24, 8

@@ -37,7 +37,7 @@ void showEncodings() {
     const I18NString text(japanese, "Shift_JIS");
     int length = 0;
     const char* const bytes = text.c_str("EUC-JP", &length);
-    std::cout << "then [" << text << "], " << length << " bytes in EUC-JP with the zero, "
+    std::cout << "then [" << text << "], " << length << " bytes in EUC-JP with the NUL, "
               << (bytes == text.c_str("EUC-JP") ? "cached" : "converted again") << '\n';
     I18NTerminate();
 }

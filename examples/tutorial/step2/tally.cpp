@@ -83,7 +83,7 @@ std::string tally(const std::string& directory, int& status) {
 int main(int argc, char** argv) {
     if (argc != 2 || qblCoreInitialize() != 0) return 2;
     I18NInitialize();
-    // The catalogue is looked for beside the program.
+    // The library looks for the catalogue in the directory of the program.
     std::error_code unknown;
     const auto program = std::filesystem::read_symlink("/proc/self/exe", unknown);
     QBLFmDir::setEffectiveWorkingDir(program.parent_path().c_str());

@@ -97,7 +97,7 @@ void replace(const char* path, const std::string& table) {
 int main(int argc, char** argv) {
     if (argc < 2 || qblCoreInitialize() != 0) return 2;
     I18NInitialize();
-    // The catalogue and plug-ins are looked for beside the program.
+    // The library looks for the catalogue and plug-ins in the directory of the program.
     std::error_code unknown;
     const auto program = std::filesystem::read_symlink("/proc/self/exe", unknown);
     QBLFmDir::setEffectiveWorkingDir(program.parent_path().c_str());
