@@ -10,8 +10,8 @@
 // lower half. Its invariant: promises <= lookers.
 //   post    adds a promise while there are fewer of them than lookers; otherwise sem_post.
 //   look    takes a promise and leaves, in one step; or takes from the POSIX count and leaves.
-//   leave   takes a promise if there is one: promises must not outlive the last looker, since
-//           nobody who sleeps would ever see them.
+//   leave   takes a promise if there is one: promises must not outlive the last looker, because
+//           sleeping threads never see promises.
 // A looker that has taken from the POSIX count and finds a promise puts back what it took, before
 // it takes the promise: the count may seem too high for a moment, but never too low, which would
 // make a try fail although there is a post. Others, such as a try, may take a promise as well,
@@ -90,7 +90,7 @@ public:
             if (m_semaphore->looking.compare_exchange_weak(looking, looking - kTavLooker,
                                                            std::memory_order_relaxed))
                 return true;
-        // Promised one meanwhile: what was taken goes back first, so that at no moment the count
+        // There is a promise now. The post that was taken goes back first, so that the count never
         // seems lower than it is.
         sem_post(&m_semaphore->native);
         return takePromise();

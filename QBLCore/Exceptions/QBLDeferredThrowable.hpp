@@ -25,7 +25,7 @@ public:
 
     /// Replaces the held throwable by a copy of error, which may be the held throwable itself.
     void set(const QBLThrowable& error);
-    /// Throws a copy of the held throwable, as its own class and with a trace entry for the place.
+    /// Throws a copy of the held throwable with its own class and a trace entry for the place.
     /// Does nothing if it holds nothing. The held throwable keeps the entry, so a second check
     /// shows both places.
     void check(const QBLFileLocation& where, const char* detail, const char* tag);

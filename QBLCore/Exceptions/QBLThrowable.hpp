@@ -44,7 +44,7 @@ public:
 
     /// Returns a copy of the same class on the heap. The caller deletes it.
     virtual QBLThrowable* clone() const = 0;
-    /// Adds a trace entry to this object and throws a copy of it, as its own class.
+    /// Adds a trace entry to this object and throws a copy of it that has the object's own class.
     [[noreturn]] virtual void hurl(const QBLFileLocation& where, const char* detail,
                                    const char* tag) = 0;
     /// Returns the message text, which the throwable owns; null if there is no text.

@@ -14,9 +14,9 @@ class I18NString;
 /// A failed operation returns false and sets errno; a null path is a failure. Only operations
 /// without such a result throw: QBLOutOfMemoryError, and the exceptions that they document.
 ///
-/// A path in an I18NString is converted to the platform's encoding. A path that contains a null
-/// character or cannot be converted fails with EILSEQ, or with I18NRuntimeError -4 if the operation
-/// cannot return false. Normalisation is turned off for an I18NString that receives a path, because
+/// A path in an I18NString is converted to the platform's encoding. A path that contains a NUL or
+/// cannot be converted fails with EILSEQ, or with I18NRuntimeError -4 if the operation cannot
+/// return false. Normalisation is turned off for an I18NString that receives a path, because
 /// another form of the path could name another file.
 ///
 /// Threads: any thread may call any operation; each of the two process-wide settings has a lock.
@@ -137,8 +137,8 @@ public:
     static bool createTempFile(const I18NString* basePath, const I18NString* prefix,
                                I18NString& result, const I18NString* suffix = nullptr);
     /// Creates a directory or an empty file that only its owner may use (mode 0700 or 0600). The
-    /// name has a random number instead of the counter, so that nobody can predict the name and
-    /// take it first. Use this form for texts that others must not read.
+    /// name has a random number instead of the counter, so that another user cannot predict the
+    /// name and take it first. Use this form for texts that other users must not read.
     static bool createPrivateTempDir(const char* basePath, const char* prefix, std::string& result,
                                      const char* suffix = nullptr);
     static bool createPrivateTempDir(const I18NString* basePath, const I18NString* prefix,

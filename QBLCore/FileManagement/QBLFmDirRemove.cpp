@@ -8,9 +8,10 @@ namespace {
 
 constexpr int kOpenFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
-/// Empties a directory. Only the current directory is open, however deep the tree is. Names are
-/// looked up in it, not by path, so that nobody can redirect the removal by planting a link. The
-/// way back up is "..", but only if this leads to the directory that the removal came from.
+/// Empties a directory. Only the current directory is open, at any depth of the tree. Names are
+/// looked up in the open directory, not by path, so that another user cannot redirect the removal
+/// by planting a link. The removal returns to the parent through "..", but only if ".." is the
+/// directory that it came from.
 class TreeRemoval {
 public:
     /// @param fd  closed by the destructor

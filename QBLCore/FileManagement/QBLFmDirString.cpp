@@ -56,7 +56,7 @@ bool createTemp(CreateTemp create, const I18NString* basePath, const I18NString*
             setWholePath(result, path);
         } catch (const QBLThrowable&) {
             if (made) {
-                QBLFmDir::removeFile(path.c_str());  // nobody can later
+                QBLFmDir::removeFile(path.c_str());  // the caller does not know the name
                 throw;
             }
         }

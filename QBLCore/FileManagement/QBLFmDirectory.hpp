@@ -6,9 +6,9 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
-/// An open directory. Names are looked up in the open directory itself. So nobody can redirect the
-/// caller by renaming directories or planting links. A program that walks a tree which others can
-/// write to opens each level from the level above it.
+/// An open directory. Names are looked up in the open directory itself. So other users cannot
+/// redirect the caller by renaming directories or planting links. To walk a tree that other users
+/// can write to, open each level from the level above it.
 ///
 /// A name is one entry of the directory, without "/"; "", "." and ".." fail with EINVAL. No
 /// operation follows a symbolic link that has the name: opening it fails with ELOOP or ENOTDIR.

@@ -99,8 +99,8 @@ bool QBLFmReplaceFile::locate(const char* path) {
 }
 
 bool QBLFmReplaceFile::create() {
-    // Type, mode, owner and attributes come from one open file, whatever takes its name meanwhile.
-    // It is opened with O_PATH: closing any other descriptor would release the locks that the
+    // Type, mode, owner and attributes come from one open file, even if another file takes its
+    // name. It is opened with O_PATH: closing any other descriptor would release the locks that the
     // process has on the file.
     const Descriptor from(openat64(m_iDirectory, m_name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     const bool replaces = from.fd >= 0;

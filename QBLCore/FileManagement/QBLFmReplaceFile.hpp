@@ -50,8 +50,8 @@ public:
     /// Discards an unfinished version, if any, and begins a new, empty version. The file need not
     /// exist; its directory must exist and allow new files.
     [[nodiscard]] bool open(const char* path);
-    /// The same for a file in an open directory, so that nobody can redirect the call. Refuses a
-    /// symbolic link with EINVAL.
+    /// The same for a file in an open directory, so that other users cannot redirect the call.
+    /// Refuses a symbolic link with EINVAL.
     [[nodiscard]] bool open(const QBLFmDirectory& directory, const char* name);
     /// Appends to the new version.
     /// @return false unless all bytes were written; the version can then only be discarded

@@ -10,7 +10,7 @@
 ///
 /// Threads: any thread, as long as no thread changes the locale.
 ///
-/// @param length  in bytes; 0 means up to the null character
+/// @param length  in bytes; 0 means up to the terminating NUL
 /// @return the length in bytes; 0 for a relative or an empty path; -1 if one of the characters that
 ///     it reads is invalid in the locale's encoding
 QBL_API long skipRootPath(const char* path, unsigned long length = 0);

@@ -23,7 +23,7 @@
 //   listed      in freeItems, under its lock; items get there only from `latest`.
 // releaseObject() changes m_free by an exchange, so only one of two releases counts. createObject()
 // first takes from `latest`, without a lock, then from the list. If both are empty, it calls the
-// creator, and inFlight counts this call meanwhile.
+// creator. inFlight counts the calls in progress.
 //
 // 1. `nodes` has a node for each item that is in allItems and not in freeItems. So an item needs no
 //    memory to enter or leave the list.

@@ -189,7 +189,7 @@ public:
     };
 };
 
-/// Uses the custodian if there is one, and keeps it alive meanwhile. A forked process has no
+/// Uses the custodian if there is one, and keeps it alive during the use. A forked process has no
 /// custodian, because a fork does not copy the thread.
 class QBLCustodian::User {
 public:

@@ -19,9 +19,9 @@
 // The pool has the pieces that it accepted; performAll() runs them on a worker. start() runs a
 // refused piece at once, except within a piece of the same group. There it puts the new piece into
 // m_pRefused and wakes a waiter. The thread of a piece that has ended, waitForAll() or
-// the destructor takes it from there; the destructor runs it on a new thread. The piece stays
-// pending meanwhile, so a wait does not end before it. A thread that a piece ends takes no refused
-// piece (leave()), and a wait takes it.
+// the destructor takes it from there; the destructor runs it on a new thread. Until then the piece
+// is pending, so a wait does not end before it. A thread that a piece ends takes no refused piece
+// (leave()); a wait takes it.
 //
 // The piece that has set m_bFailed under the lock writes m_error while it is pending. wait() reads
 // m_error under the lock when no piece is pending. leave() takes the lock in between. There are no
@@ -96,7 +96,7 @@ QBLTaskGroup::~QBLTaskGroup() {
     }
 }
 
-/// Runs a piece, and then pieces that were refused meanwhile. The group may be destroyed
+/// Runs a piece, and then the pieces that were refused while it ran. The group may be destroyed
 /// afterwards.
 TAV_CATCHES_UNWINDING void QBLTaskGroup::performAll(Task* task) {
     const Running running(*this);

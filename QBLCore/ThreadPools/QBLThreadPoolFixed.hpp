@@ -6,7 +6,7 @@
 #include "QBLCore/ThreadPools/QBLThreadPool.hpp"
 
 /// A pool with a fixed number of workers and without a queue. It gives a task to an idle worker, or
-/// refuses the task. Every accepted task is run, even if the pool is destroyed meanwhile.
+/// refuses the task. The pool runs every accepted task, even if its destruction begins before.
 ///
 /// Threads: as QBLThreadPool.
 class QBL_API QBLThreadPoolFixed : public QBLThreadPool {

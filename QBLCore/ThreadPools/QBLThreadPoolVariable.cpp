@@ -35,8 +35,8 @@
 //    only if the count is not above 0, a worker is awake, or it has taken the task back.
 // 3. A task is put only if the stop-work flag is seen unset. So workers that leave at a stop have
 //    seen all tasks. The destructor runs what is left when tasks have ended their workers.
-// 4. After the destructor has set the flag and taken the mutex once, nobody else adds workers or
-//    takes dead ones. So it may join the living without the mutex.
+// 4. After the destructor has set the flag and taken the mutex once, no other thread adds workers
+//    or takes dead workers. So it may join the living without the mutex.
 //
 // Memory order: the mutex orders all of this. Without it, counts and m_someDead are only hints, and
 // what is seen is looked at again under it. The flag is not under the mutex, but whoever takes the
@@ -254,8 +254,8 @@ unsigned long QBLThreadPoolVariable::getWorkerCount() const {
     return m_workerCount;
 }
 
-// A new worker takes its task from the queue. It is waited for only if no worker is awake to rely
-// on instead, since waiting would slow down bursts.
+// A new worker takes its task from the queue. This function waits for the worker only if no other
+// worker is awake to take the task, because waiting would slow down bursts.
 void QBLThreadPoolVariable::addWorker() {
     buryLost();
     reap(false);
@@ -286,8 +286,8 @@ void QBLThreadPoolVariable::replaceWorker() {
     }
 }
 
-// Moves a worker to the dead; from then on only reap() may touch it. With mayStay it stays,
-// returning false, if it was woken meanwhile.
+// Moves a worker to the dead; from then on only reap() may touch it. With mayStay, returns false if
+// the worker was woken in the meantime; it then stays.
 bool QBLThreadPoolVariable::leave(WorkerThread& worker, bool mayStay) {
     QBLThreadGuard guard(m_mutex);
     if (mayStay && !worker.isIdle()) return false;
@@ -309,9 +309,9 @@ void QBLThreadPoolVariable::buryLost() {
     }
 }
 
-// Joins and destroys dead workers; unless all are asked for, only those whose threads have
-// ended, so that nobody waits for another's exit routine, nor a thread for itself. The joining
-// is done without the mutex, which an exit routine may want.
+// Joins and destroys dead workers: all of them, or only those whose threads have ended. In the
+// second case no thread waits for another thread's exit routine or for itself. Joins without the
+// mutex, because an exit routine may need it.
 void QBLThreadPoolVariable::reap(bool all) {
     while (m_someDead) {
         std::unique_ptr<WorkerThread> dead;

@@ -10,8 +10,8 @@
 /// workers stay for the pool's life. The others end after they have been idle for a while.
 ///
 /// The number of workers deliberately has no upper bound: a burst of tasks can start one worker per
-/// task. Every accepted task is run, even if the pool is destroyed meanwhile. A worker has a stack
-/// of 4,096,000 bytes, or of the system's default if that is larger.
+/// task. The pool runs every accepted task, even if its destruction begins before. A worker has a
+/// stack of 4,096,000 bytes, or of the system's default if that is larger.
 ///
 /// Threads: as QBLThreadPool.
 class QBL_API QBLThreadPoolVariable : public QBLThreadPool {

@@ -8,8 +8,9 @@ class QBLThreadRecursiveCriticalSection;
 class QBLThreadRecursiveMutex;
 struct TavCondition;
 
-/// Threads wait here for a change that another thread signals. A waiter holds a lock, and the wait
-/// releases it meanwhile. A wait may also end without a signal, so test for the change in a loop.
+/// Threads wait here for a change that another thread signals. A waiter holds a lock, which is
+/// released during the wait. A wait may also end without a signal, so test for the change in a
+/// loop.
 ///
 /// The lock must be a plain one. With a recursive or owner-tracking lock a wait throws
 /// QBLThreadResourceError, because the lock's record of its holder would be wrong during the wait.

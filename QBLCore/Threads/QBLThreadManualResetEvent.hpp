@@ -23,7 +23,7 @@ public:
     QBLThreadManualResetEvent& operator=(const QBLThreadManualResetEvent&) = delete;
 
     /// Replaces the event by a new one. On failure the event does not change.
-    /// Requires: no other thread uses the event meanwhile.
+    /// Requires: no other thread uses the event at the same time.
     /// @throws QBLThreadResourceError with the constructor's text
     void initialize(int signaled);
 

@@ -23,7 +23,7 @@ public:
     QBLThreadSemaphore& operator=(const QBLThreadSemaphore&) = delete;
 
     /// Replaces the semaphore by a new one. On failure the semaphore does not change.
-    /// Requires: no other thread uses the semaphore meanwhile.
+    /// Requires: no other thread uses the semaphore at the same time.
     /// @throws QBLOutOfMemoryError, QBLThreadResourceError, with the constructor's texts
     void initialize(unsigned long initial);
 

@@ -34,7 +34,7 @@ class I18NString;
 /// In intervals, months go up to 11, years and whole days up to 2147483647. A date that does not
 /// exist in the calendar of the years 1 to 9999 is badForm.
 ///
-/// An operation that writes text writes at most 64 bytes, including the null character, for any
+/// An operation that writes text writes at most 64 bytes, including the terminating NUL, for any
 /// value; it writes a field that is out of range as it is. The text must not overlap the value. A
 /// date, time or interval that was read from text is written in a form that reads as the same
 /// value. A fraction is written with nine digits. Seconds are omitted if they and the fraction are

@@ -88,8 +88,8 @@ public:
     /// always null-terminated.
     /// @param bufferSize  in bytes. All of them are written, as by strncpy(3); only the first one
     ///     for a null string or a string of size 0.
-    /// @return true if the text and its null character fit. A string counts with the variant's size
-    ///     instead of its length; a null string always fits. False for a null buffer or a
+    /// @return true if the text and its terminating NUL fit. For a string, the variant's size is
+    ///     used instead of the length; a null string always fits. False for a null buffer or a
     ///     bufferSize of 0.
     bool getValue(char* buffer, unsigned long bufferSize) const;
     /// @}

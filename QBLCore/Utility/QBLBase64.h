@@ -19,7 +19,7 @@
 extern "C" {
 #endif
 
-/// @return the size of the encoded text of length bytes, including its null character; 0 if this
+/// @return the size of the encoded text of length bytes, including its terminating NUL; 0 if this
 ///     size is 2^32 or more
 QBL_API unsigned QBLBase64EncodedSize(unsigned length);
 /// Encodes with padding.

@@ -27,7 +27,7 @@ extern "C" {
 
 /// @return the size of a buffer for compressing n bytes; 0 if this size is 2^32 or more
 QBL_API unsigned QBLsqu_compressed_size(unsigned n);
-/// @return the size of a buffer for the token of a text of n bytes, including the null character; 0
+/// @return the size of a buffer for the token of a text of n bytes, with the terminating NUL; 0
 ///     if this size is 2^32 or more. It is always enough for ASCII. Other texts of fewer than 3,000
 ///     bytes may need up to 4 bytes more if they cannot be compressed; QBLsqu_squish() refuses
 ///     them.
@@ -51,15 +51,15 @@ struct QBLsqu_state {
 /// call it, call free().
 /// @param state  always overwritten: free its old buffer before. After a failure, there is nothing
 ///     to free.
-/// @param size  receives the size of the text, including its null character; may be null
+/// @param size  receives the size of the text, including its terminating NUL; may be null
 /// @return 0; 1 if the token is null or not Base64; 2 if the text is longer than 10,000,000 bytes;
 ///     3 if the checksum is wrong or missing; -4 if memory runs out; -2 if the state is null
 QBL_API int QBLsqu_unsquish1(const char* token, struct QBLsqu_state* state, unsigned* size);
 
 /// Second step: decompresses the text and frees the buffer. If the text is shorter than the token
-/// declares, the null character follows its real end. Bytes after the zlib stream are ignored. Null
-/// characters inside a text, which tokens of QBLsqu_squish() never have, are stored too.
-/// @param out  receives the text and a null character; its content is not valid after a failure
+/// declares, the terminating NUL follows its real end. Bytes after the zlib stream are ignored.
+/// NULs inside a text, which tokens of QBLsqu_squish() never have, are also stored.
+/// @param out  receives the text and a NUL; its content is not valid after a failure
 /// @return 0, or a code of zlib, which leaves the buffer to the caller: -3 or -5 if the data is
 ///     damaged, truncated, or longer than the token declares; -4 if memory runs out; -2 if the
 ///     state, its buffer or out is null

@@ -17,7 +17,7 @@ public:
     [[nodiscard]] static char* squish(const char* text);
 
     /// @return the text; null if this is not the token of a text of up to 10,000,000 bytes, or if
-    ///     memory runs out. A text with a null character, which tokens of squish() never have,
+    ///     memory runs out. A text with a NUL, which tokens of squish() never have,
     ///     seems to end there.
     [[nodiscard]] static char* unSquish(const char* token);
 };

@@ -91,7 +91,7 @@ private:
     int m_iOptInd;
     int m_iPrintErrors;
     const char* m_pNextChar;  // the next letter of the cluster; null at its end
-    std::string m_errorMsg;   // after the text: a null character, the letter, the kind (0 or 1)
+    std::string m_errorMsg;   // after the text: a NUL, the letter, the kind (0 or 1)
     std::string m_longOpt;
 };
 

@@ -13,7 +13,7 @@ public:
 
     int state() const { return m_thread.state.load(std::memory_order_relaxed); }
     /// Waits until no other thread runs callbacks of an earlier change.
-    /// @return true if it waited. The state may have changed meanwhile.
+    /// @return true if it waited. The state may have changed during the wait.
     bool awaitCallbacks();
     /// Sets the exit reason, then the state. Does nothing if the thread is already in this state.
     void to(int newState);

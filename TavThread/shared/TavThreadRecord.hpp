@@ -59,8 +59,8 @@ struct TavThread {
     std::atomic<int> owners{1};
     unsigned generation = 0;  // the run of the layer that made an adopted record
     // Guards each change of the state, of kTavThreadSuspendPending and of `finished`. A thread that
-    // uses the handle holds it, so that `finished` cannot change meanwhile. No thread holds it
-    // while it waits or runs callbacks.
+    // uses the handle holds it, so that `finished` does not change during the use. No thread holds
+    // it while it waits or runs callbacks.
     pthread_mutex_t transition = PTHREAD_MUTEX_INITIALIZER;
     bool finished = false;    // guarded by transition: the handle may be invalid
     bool asleep = false;      // guarded by transition: suspended, or continued and not awake yet

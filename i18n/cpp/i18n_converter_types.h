@@ -28,7 +28,7 @@ extern "C" {
 
 /// Replaces bytes that are not convertible.
 /// @param encoding  the name that was given to the converter
-/// @param codePoints  receives the replacement. Values that are no code points are left out, and
+/// @param codePoints  receives the replacement. Values that are not code points are left out, and
 ///     code points beyond I18N_USER_REPLACEMENT_LIMIT are cut off. The conversion fails if the
 ///     replacement takes more UTF-16 code units than that limit
 /// @param count  receives the number of code points; 0 on entry

@@ -11,8 +11,8 @@ extern "C" {
 /// resource file there or in its share/qblcore, and prepares converters that others are copied
 /// from. Calls are counted. Only the first call starts the layer, and every call that returns needs
 /// a matching call of I18NTerminate(). Until the first call returns, a string made from bytes that
-/// need a converter is empty. Other threads may use strings and converters meanwhile, but not ICU
-/// itself: this call, or the first converter, sets ICU's data directory.
+/// need a converter is empty. During the call, other threads may use strings and converters, but
+/// not ICU itself: this call, or the first converter, sets ICU's data directory.
 ///
 /// In C++ it throws QBLOutOfMemoryError, QBLStdExceptionError for another standard exception, or
 /// whatever a part of the layer throws. Nothing is started or counted then. A C program cannot
@@ -22,8 +22,8 @@ extern "C" {
 QBL_API void I18NInitialize(void);
 
 /// Undoes a call of I18NInitialize(). The last call stops the layer and releases everything that
-/// the resources have handed out. Other threads may use strings and converters meanwhile, but not
-/// the resources. Does nothing if the layer is not started.
+/// the resources have handed out. During the call, other threads may use strings and converters,
+/// but not the resources. Does nothing if the layer is not started.
 QBL_API void I18NTerminate(void);
 
 #ifdef __cplusplus

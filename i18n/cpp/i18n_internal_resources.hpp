@@ -60,7 +60,7 @@ public:
     static void __changeResourceFileName(const char* name);
     /// Reads the resource file. If it does not exist or the process may not read it, reads the file
     /// of this name in the installation's share/qblcore instead. A file that cannot be opened or
-    /// read is no error and changes nothing. If the first file cannot be examined, for example
+    /// read is not an error and changes nothing. If the first file cannot be examined, for example
     /// because descriptors are exhausted, the second file is not used.
     /// @throws QBLOutOfMemoryError
     void loadSequenceTable();
@@ -189,11 +189,11 @@ public:
     const I18NResourceMap& getTimePeriodResources(const I18NLocale& locale);
     const I18NResourceMap& getTimeZoneResources(const I18NLocale& locale);
 
-    /// Finds the resource file for a locale: base + name + ".xml". The names are language, country
-    /// and variant; then without the variant; then the language alone; then "en". Each name is
-    /// searched for in the bin directory, then in the working directory, then in the installation's
-    /// share/qblcore. A variant is searched for in upper case and then in lower case. Files that
-    /// the process may not read are skipped.
+    /// Finds the resource file for a locale: base + name + ".xml". It tries these names in order:
+    /// language, country and variant; language and country; only the language; "en". It looks for
+    /// each name in the bin directory, then in the working directory, then in the installation's
+    /// share/qblcore. It tries a variant in upper case and then in lower case. Files that the
+    /// process may not read are skipped.
     /// @param path, name  receive the path of the file and the name that was found
     /// @param locale  null means the default locale
     static bool findResourceFile(std::string& path, I18NString& name, const char* base,

@@ -119,7 +119,7 @@ TEST(QBLByteBufferTest, PassesOnExceptionsOfAReplacedOperatorNew) {
     }
 }
 
-// Sanitizers abort without memory, or need the whole address space.
+// Sanitizers abort when memory runs out, or need the whole address space.
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 TEST(QBLByteBufferTest, CallsNewHandlersOnlyForNeededMemory) {
     constexpr unsigned int kMiB = 1U << 20;

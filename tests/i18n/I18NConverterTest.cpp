@@ -218,7 +218,7 @@ TEST(I18NConverterTest, FixedBuffersReportIfTheyAreTooSmall) {
     EXPECT_STREQ("ab", three);
 }
 
-// Converts a source in pieces, through a buffer with room for this many bytes and a null. Source
+// Converts a source in pieces, through a buffer with room for this many bytes and a NUL. Source
 // and buffer are at odd addresses.
 template <class Convert>
 std::string streamed(const std::string& source, int piece, int room, int nullSize,

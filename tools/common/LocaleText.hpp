@@ -5,10 +5,10 @@
 
 namespace tools {
 
-/// The encoding of the terminal: the one of the locale in the first of LC_ALL, LC_CTYPE and LANG
-/// that is set. A locale's name has its encoding after the dot; without a dot, the C library knows
-/// the encoding of an installed locale. Encodings that the library does not know, or that encode
-/// ASCII differently, are ignored.
+/// The encoding of the terminal: the encoding of the locale in the first of LC_ALL, LC_CTYPE and
+/// LANG that is set. A locale's name has its encoding after the dot; without a dot, the C library
+/// knows the encoding of an installed locale. Encodings that the library does not know, or that
+/// encode ASCII differently, are ignored.
 /// @return UTF-8 if no encoding is found, and for C and POSIX
 std::string localeEncoding();
 /// The encoding that the locale names for texts, even if the library does not know it. US-ASCII if

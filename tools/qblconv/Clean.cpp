@@ -31,7 +31,7 @@ bool takeNumber(std::string_view& text, Number& value) {
     return true;
 }
 
-/// @return the number of the process that made a temporary file; 0 for any other name
+/// @return the ID of the process that created a temporary file; 0 for any other name
 pid_t makerOf(const std::string& name) {
     for (const std::string_view beginning : kBeginnings) {
         if (name.compare(0, beginning.size(), beginning) != 0) continue;

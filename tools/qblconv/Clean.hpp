@@ -13,8 +13,8 @@ namespace conv {
 
 /// Removes the temporary files that killed processes left in directories. Removes a file only if it
 /// is a regular file of the caller, its name has the form of the library's or the tool's temporary
-/// files, no running process has the number in the name, and no process has the file open, here or
-/// in another process namespace. Keeps all other files. Opens each directory relative to its
+/// files, no running process has the process ID in the name, and no process has the file open, here
+/// or in another process namespace. Keeps all other files. Opens each directory relative to its
 /// parent; follows links only on the command line.
 ///
 /// Threads: one at a time.

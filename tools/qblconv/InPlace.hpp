@@ -9,8 +9,8 @@
 
 namespace conv {
 
-/// Replaces a file by its converted text. If another program writes to the file meanwhile, the
-/// class keeps or at least reports the change.
+/// Replaces a file by its converted text. If another program writes to the file before the
+/// replacement is complete, the class keeps or at least reports the change.
 ///
 /// Threads: one at a time for each object.
 class InPlace {

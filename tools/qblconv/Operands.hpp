@@ -17,8 +17,8 @@ namespace conv {
 /// Iterates over the files that the operands name, in order, and over the files below directories:
 /// first the directory's files by name, then its subdirectories. Lists a directory only when it is
 /// reached, so that memory holds only the names of the directories on the current path. Opens each
-/// directory relative to its parent, so that nobody who can write to the tree can lead the tool out
-/// of it.
+/// directory relative to its parent, so that a user who can write to the tree cannot lead the tool
+/// out of it.
 ///
 /// - Skips hidden names in directories, unless the pattern for names begins with a dot. Also skips
 ///   the output directory and links to directories; in place, also names with the suffix of kept

@@ -84,7 +84,7 @@ private:
 
 /// A new file, which has a temporary name until it is complete. commit() replaces an existing file
 /// or link, and does not wait for the disk. Opens each directory on the way relative to its parent
-/// and never follows a link, so that nobody who can write to the output tree can redirect the
+/// and never follows a link, so that a user who can write to the output tree cannot redirect the
 /// output.
 class NewOutput : public Output {
 public:

@@ -9,7 +9,7 @@ namespace msgc {
 namespace {
 
 const char kMagic[8] = "BMF1";
-const std::size_t kMagicLength = 5;  // including the null; readers ignore the rest of the magic
+const std::size_t kMagicLength = 5;  // including the NUL; readers ignore the rest of the magic
 const std::size_t kHeaderSize = 16;
 const std::size_t kEntrySize = 12;
 

@@ -17,7 +17,7 @@ bool isReserved(const std::string& name);
 ///     104 BAD_BYTE "{0}:{1}: not a character\n"
 ///         "a text may go on in further lines"
 ///     0x69 "a message without a name"
-///     106 BRACE = "a text that is no pattern: {"
+///     106 BRACE = "a text that is not a pattern: {"
 ///
 /// In a text, \" \\ \n \r \t and \uXXXX have the same meaning as in C.
 ///

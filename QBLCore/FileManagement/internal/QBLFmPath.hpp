@@ -14,7 +14,7 @@
 
 /// Converts a path to an encoding, without substitution characters: with them, the path could name
 /// another file.
-/// @param length  receives the number of bytes, including the null character
+/// @param length  receives the number of bytes, including the terminating NUL
 /// @throws I18NRuntimeError -4 for a path with a character that the encoding lacks
 inline const char* qblPathBytes(const I18NString& path, const char* encoding, int& length) {
     if (i18nIsUTF8(encoding)) {
@@ -32,7 +32,7 @@ inline const char* qblPathBytes(const I18NString& path, const char* encoding, in
 /// Converts a path to the platform's encoding, for system calls. The string owns the result, which
 /// is valid until the string changes.
 /// @throws I18NRuntimeError -4 for a path that cannot be converted, and for a path that contains a
-///     null character, because the system would read only the part before it
+///     NUL, because the system would read only the part before it
 inline const char* qblPlatformPath(const I18NString& path) {
     int length = 0;
     const char* bytes = qblPathBytes(path, I18NGetPlatformDefaultEncoding(), length);

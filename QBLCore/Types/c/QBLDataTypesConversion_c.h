@@ -21,7 +21,7 @@ extern "C" {
 /// - unchanged, if the text is empty or blank;
 /// - 0, if the text does not begin with a number or has an exponent without digits: "1e", "1e+x";
 /// - the nearest number of the type, if the number is beyond its range. (A real number too close to
-///   0 is no failure; the value is 0 or the nearest number.)
+///   0 is not a failure; the value is 0 or the nearest number.)
 /// @return 1 if a number was read, otherwise 0
 /// @throws QBLAssertError for a null pointer, "QBL_ASSERT(str != NULL);" or
 ///     "QBL_ASSERT(value != NULL);"
@@ -34,7 +34,7 @@ QBL_API int asciiToFloat64(const char* str, double* value);
 /// printf(3) writes them: "3.14159", "1e+06", "-2.5e-07", "inf", "-nan".
 /// @param buf  has room for 12 bytes for int32ToAscii(), 21 for int64ToAscii(), and 14 for the
 ///     others
-/// @return the number of characters, without the null character
+/// @return the number of characters, without the terminating NUL
 /// @throws QBLAssertError for a null pointer, "QBL_ASSERT(buf != NULL);"
 QBL_API int int32ToAscii(char* buf, int value);
 QBL_API int int64ToAscii(char* buf, long long value);

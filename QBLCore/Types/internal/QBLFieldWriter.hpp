@@ -5,7 +5,7 @@
 
 #include "QBLCore/Types/internal/QBLCharacters.hpp"
 
-/// Writes a text field by field. The destructor writes the null character.
+/// Writes a text field by field. The destructor writes the terminating NUL.
 class QBLFieldWriter {
 public:
     explicit QBLFieldWriter(char* text) : m_pNext(text) {}

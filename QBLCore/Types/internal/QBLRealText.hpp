@@ -2,7 +2,7 @@
 #define QBLCORE_TYPES_INTERNAL_QBLREALTEXT_HPP
 
 /// Writes a number as printf(3) does for "%.6g" or "%.9g" in the C locale, whatever the locale of
-/// the process. Writes no null character. The longest text is as long as "-1.23456789e-308".
+/// the process. Writes no terminating NUL. The longest text is as long as "-1.23456789e-308".
 /// @param digits  6 or 9
 /// @return the end of the text
 char* qblWriteReal(char* out, double value, int digits);

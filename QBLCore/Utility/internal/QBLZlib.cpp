@@ -9,7 +9,7 @@
 //              owns the stream; afterwards the key does.
 //   g_ending   deleteDeflater() stores this mark when the thread ends and its stream is deleted.
 //              The mark stays: destructors of other keys may still deflate, but with a new stream
-//              for each call, because possibly nobody would delete a stream in the key.
+//              for each call, because a stream in the key might never be deleted.
 // The system calls deleteDeflater() again for the mark in each round over the keys, and then drops
 // the mark. The mark is static, so nothing leaks. The main thread's stream exists until the process
 // ends. The child of a fork continues with its copy of the calling thread's stream.
@@ -80,7 +80,7 @@ private:
 };
 
 /// The mark in the key of a thread whose stream is deleted. Destructors of other keys may still
-/// squish, but must not store a stream that possibly nobody deletes.
+/// squish, but must not store a stream that might never be deleted.
 char g_ending;
 
 void deleteDeflater(void* kept);

@@ -16,7 +16,7 @@
 namespace {
 
 /// ICU reports exhausted memory by a null pointer or a bogus object. It also makes a bogus object
-/// for a name that is no locale name.
+/// for a name that is not a locale name.
 void* checked(icu::Locale* made, bool mayBeBogus) {
     if (made != nullptr && (mayBeBogus || !made->isBogus())) return made;
     delete made;

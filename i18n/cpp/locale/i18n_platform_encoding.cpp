@@ -16,7 +16,7 @@ const char* I18NGetPlatformDefaultEncoding() {
     const char* name = ucnv_getDefaultName();
     if (name == nullptr || *name == '\0') name = I18NGetToolkitDefaultEncoding();
     char* copy = strdup(name);
-    // Without memory, returns ICU's own text; the next call tries again.
+    // If there is no memory, returns ICU's own text; the next call tries again.
     if (copy == nullptr) return name;
     if (s_cached.compare_exchange_strong(known, copy, std::memory_order_acq_rel)) return copy;
     std::free(copy);

@@ -18,9 +18,9 @@
 //   detached   also kDetached: in no bucket, kept for its last holders.
 // Changes of the state:
 //   empty -> live        enter(), under the bucket's lock, once string, hash and copy are set.
-//   live -> empty        retire(), under the bucket's lock, if nobody holds it (purge).
+//   live -> empty        retire(), under the bucket's lock, if it has no holder (purge).
 //   live -> detached     detach(), under the bucket's lock (the library stops).
-//   detached -> empty    the unpin() of the last holder, or detach() if nobody holds it.
+//   detached -> empty    the unpin() of the last holder, or detach() if it has no holder.
 //
 // Any thread may call pin() on an entry that it finds, however old the address is. pin() fails
 // unless the entry is live and has room for another holder. The entry may have another text by

@@ -43,7 +43,7 @@ private:
 std::vector<std::string> i18nSplitList(const std::string& list);
 
 /// Parses a whole text like strtol(3): in base 16 after "0x", and in base 8 after "0".
-/// @return nothing for a text that is no number from 0 to `greatest`
+/// @return nothing for a text that is not a number from 0 to `greatest`
 std::optional<unsigned long> i18nParseNumber(const std::string& text, unsigned long greatest);
 
 /// Parses the beginning of a text like strtod(3) in the C locale, whatever locale the process has.

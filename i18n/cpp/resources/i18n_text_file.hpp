@@ -13,8 +13,8 @@ inline void i18nTrimLine(std::string& line) {
 }
 
 /// Reads a line of bytes up to "\n" or "\r\n". Leaves out the line end and a byte-order mark at the
-/// start. A line longer than 1 MiB becomes empty, since half a line could be read as something that
-/// nobody wrote.
+/// start. A line longer than 1 MiB becomes empty, because half a line could have a different
+/// meaning.
 /// @param nextByte  returns a byte or EOF
 /// @return false if there is no byte at all
 template <class NextByte>

@@ -7,8 +7,8 @@
 // that the whole chain is stale. The chain has two states:
 //   current   not changed: each conversion in the chain is of the present text. The chain may be
 //             empty.
-//   stale     changed: nobody may use a conversion in the chain. The next conversion frees the
-//             chain, or the destructor does.
+//   stale     changed: no thread may use a conversion in the chain. The next conversion or the
+//             destructor frees the chain.
 // Operations that change the text set kI18NChanged; the caller of such an operation has the string
 // alone. A conversion makes the chain current again. Threads that call constant operations at the
 // same time only add conversions. So a published conversion is neither changed nor freed before
