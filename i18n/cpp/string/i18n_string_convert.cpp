@@ -62,6 +62,7 @@
 #include "i18n/cpp/locale/i18n_settings.hpp"
 #include "i18n/cpp/string/i18n_allocation.hpp"
 #include "i18n/cpp/string/i18n_bytes.hpp"
+#include "i18n/cpp/string/i18n_inert.hpp"
 
 char gI18NNullString[4] = {};
 
@@ -105,7 +106,8 @@ void I18NString::decodeUTF8(const char* bytes, int length) {
     fresh.m_unitLength = static_cast<int>(decoded.units);
     fresh.alias();
     if (hasFlag(kI18NNoNormalization)) fresh.setFlag(kI18NNoNormalization, true);
-    if (decoded.mayNeedNormalization) fresh.renormalize();
+    if (!i18nIsInert(fresh.m_pCodeUnits + decoded.doubtFrom, decoded.doubtTo - decoded.doubtFrom))
+        fresh.renormalize();
     if (hasFlag(kI18NStaticBuffer)) return assign(I18NTextView(fresh));
     replaceBy(fresh);
 }

@@ -59,7 +59,8 @@ inline bool i18nMayNeedNormalization(char32_t c) {
 
 struct I18NDecoded {
     std::size_t units = 0;
-    bool mayNeedNormalization = false;  ///< i18nMayNeedNormalization() of any character
+    /// Units outside of this range are inert in normalisation form C (see i18n_inert.hpp).
+    std::size_t doubtFrom = 0, doubtTo = 0;
 };
 /// Decodes UTF-8 up to a NUL byte or the length. An ill-formed sequence is the lead byte and the
 /// trail bytes after it, at most as many as the lead byte announces. It becomes one error value,

@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "i18n/cpp/utf/i18n_utf.hpp"
+
 /// Compiles a function for processors for which i18nHasShuffles() returns true. All other code uses
 /// SSE2 at most, which every x86-64 has and for which the 32-bit library is compiled.
 #define I18N_WITH_SHUFFLES __attribute__((target("ssse3,popcnt")))
@@ -26,15 +28,26 @@ inline bool i18nHasWideBlocks() {
 ///
 /// Both directions stop before ill-formed text and near the end, and leave the pointers there.
 
+/// What a decoder has left to do, and what it found.
 struct I18NDecoding {
     const unsigned char* at;
     const unsigned char* end;
     char16_t* out;  ///< room for as many units as there are bytes
-    /// Not all 0 if i18nMayNeedNormalization() is true for any character.
-    __m128i mayNeedNormalization = _mm_setzero_si128();
+    /// Units outside of this range are inert in normalisation form C (see i18n_inert.hpp).
+    char16_t* doubtFrom = nullptr;
+    char16_t* doubtTo = nullptr;
+
+    void doubt(char16_t* from, char16_t* to) {
+        if (doubtFrom == nullptr) doubtFrom = from;
+        doubtTo = to;
+    }
 };
+using I18NDecoder = void (*)(I18NDecoding&);
 /// Decodes UTF-8; stops before a NUL byte, too.
 void i18nDecodeBlocks(I18NDecoding& decoding);
+/// i18nDecodeUTF8() with one of these kernels, or without one if it is null.
+I18NDecoded i18nDecodeUTF8(I18NDecoder kernel, const char* bytes, std::size_t length,
+                           char16_t* out);
 
 struct I18NEncoding {
     const char16_t* at;

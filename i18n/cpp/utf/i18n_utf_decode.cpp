@@ -2,9 +2,14 @@
 
 #include <emmintrin.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "i18n/cpp/utf/i18n_utf_blocks.hpp"
+
+// A kernel decodes well-formed sequences by blocks. Where it stops, the plain decoder takes over:
+// it decodes sequence by sequence, ill-formed ones too, with a function for each length. Most texts
+// keep to one length for a while, so each function decodes a run.
 
 namespace {
 
@@ -59,92 +64,121 @@ const unsigned char* decodeSequence(const unsigned char* p, const unsigned char*
     return p;
 }
 
+/// Decodes ASCII up to a NUL.
+void decodeASCII(I18NDecoding& decoding) {
+    // There is room for as many units as bytes are left, so a whole block may be written.
+    if (static_cast<std::size_t>(decoding.end - decoding.at) < kBlock) {
+        *decoding.out++ = *decoding.at++;
+        return;
+    }
+    const int run = asciiRun(decoding.at, decoding.out);
+    decoding.at += run;
+    decoding.out += run;
+}
+
+/// Decodes well-formed sequences of two bytes. Reads four bytes at once.
+void decodeTwos(I18NDecoding& decoding, const unsigned char* until) {
+    char16_t* out = decoding.out;
+    std::uint32_t four = loadFour(decoding.at);
+    bool doubtful = false;
+    const auto put = [&](std::uint32_t two) {
+        *out = static_cast<char16_t>(((two & 0x1F) << 6) | ((two >> 8) & 0x3F));
+        doubtful |= i18nMayNeedNormalization(*out++);
+    };
+    while (isTwoByTwo(four)) {
+        put(four);
+        put(four >> 16);
+        decoding.at += 4;
+        if (decoding.at >= until || decoding.end - decoding.at < 4) break;
+        four = loadFour(decoding.at);
+    }
+    if (out == decoding.out && isTwo(four)) {
+        put(four);
+        decoding.at += 2;
+    }
+    if (doubtful) decoding.doubt(decoding.out, out);
+    decoding.out = out;
+}
+
+/// Decodes well-formed sequences of three or of four bytes. Reads four bytes at once.
+template <int kLength>
+void decodeLong(I18NDecoding& decoding, const unsigned char* until) {
+    char16_t* const begin = decoding.out;
+    std::uint32_t c;
+    while (decoding.at < until && decoding.end - decoding.at >= 4) {
+        const std::uint32_t four = loadFour(decoding.at);
+        if (!(kLength == 3 ? isThree(four, c) : isFour(four, c))) break;
+        decoding.out += i18nPutCodePoint(decoding.out, c);
+        decoding.at += kLength;
+    }
+    if (decoding.out != begin) decoding.doubt(begin, decoding.out);
+}
+
+/// Decodes one sequence, well-formed or not, that begins with a byte from 0x80 on.
+void decodeAny(I18NDecoding& decoding) {
+    char16_t* const begin = decoding.out;
+    const unsigned char lead = *decoding.at;
+    if (lead < 0xC0 || lead >= 0xFE) {
+        *decoding.out++ = 0x15;
+        ++decoding.at;
+        return;
+    }
+    char32_t c;
+    decoding.at = decodeSequence(decoding.at, decoding.end, c);
+    decoding.out += i18nPutCodePoint(decoding.out, c);
+    if (i18nMayNeedNormalization(c)) decoding.doubt(begin, decoding.out);
+}
+
+/// Decodes up to a NUL, or to the end of the sequence or run that reaches `until`.
+/// @return false before a NUL
+bool decodePlainly(I18NDecoding& decoding, const unsigned char* until) {
+    while (decoding.at < until) {
+        const unsigned char* const before = decoding.at;
+        const unsigned char lead = *before;
+        if (lead == 0) return false;
+        if (lead < 0x80) {
+            decodeASCII(decoding);
+            continue;
+        }
+        if (decoding.end - decoding.at >= 4) {
+            if (lead < 0xE0)
+                decodeTwos(decoding, until);
+            else if (lead < 0xF0)
+                decodeLong<3>(decoding, until);
+            else
+                decodeLong<4>(decoding, until);
+        }
+        if (decoding.at == before) decodeAny(decoding);
+    }
+    return true;
+}
+
+/// The best kernel for this processor, or null.
+I18NDecoder decoder() { return i18nHasShuffles() ? i18nDecodeBlocks : nullptr; }
+
 }  // namespace
 
 I18NDecoded i18nDecodeUTF8(const char* bytes, std::size_t length, char16_t* out) {
-    const auto* p = reinterpret_cast<const unsigned char*>(bytes);
-    const auto* const end = p + length;
-    char16_t* const begin = out;
-    bool mayNeedNormalization = false;
-    const bool byBlocks = i18nHasShuffles();
-    while (p != end) {
-        if (byBlocks) {
-            I18NDecoding blocks{p, end, out};
-            i18nDecodeBlocks(blocks);
-            p = blocks.at;
-            out = blocks.out;
-            const __m128i none = _mm_cmpeq_epi8(blocks.mayNeedNormalization, _mm_setzero_si128());
-            mayNeedNormalization |= _mm_movemask_epi8(none) != 0xFFFF;
-            if (p == end) break;
-        }
-        const unsigned char lead = *p;
-        if (lead < 0x80) {
-            if (lead == 0) break;
-            // There are at least as many units of room as bytes left, so a whole block may be
-            // written.
-            if (static_cast<std::size_t>(end - p) >= kBlock) {
-                const int run = asciiRun(p, out);
-                p += run;
-                out += run;
-            } else {
-                *out++ = lead;
-                ++p;
-            }
-            continue;
-        }
-        if (end - p >= 4) {
-            // Text usually has the same sequence length for a while.
-            const unsigned char* const before = p;
-            std::uint32_t four = loadFour(p);
-            if (lead < 0xE0) {
-                while (isTwoByTwo(four)) {
-                    out[0] = static_cast<char16_t>(((four & 0x1F) << 6) | ((four >> 8) & 0x3F));
-                    out[1] = static_cast<char16_t>(((four >> 10) & 0x7C0) | ((four >> 24) & 0x3F));
-                    mayNeedNormalization |=
-                        i18nMayNeedNormalization(out[0]) || i18nMayNeedNormalization(out[1]);
-                    out += 2;
-                    p += 4;
-                    if (end - p < 4) break;
-                    four = loadFour(p);
-                }
-                if (p == before && isTwo(four)) {
-                    *out = static_cast<char16_t>(((four & 0x1F) << 6) | ((four >> 8) & 0x3F));
-                    mayNeedNormalization |= i18nMayNeedNormalization(*out);
-                    ++out;
-                    p += 2;
-                }
-            } else if (lead < 0xF0) {
-                for (std::uint32_t c; isThree(four, c);) {
-                    *out++ = static_cast<char16_t>(c);
-                    mayNeedNormalization = true;
-                    p += 3;
-                    if (end - p < 4) break;
-                    four = loadFour(p);
-                }
-            } else {
-                for (std::uint32_t c; isFour(four, c);) {
-                    out += i18nPutCodePoint(out, c);
-                    mayNeedNormalization = true;
-                    p += 4;
-                    if (end - p < 4) break;
-                    four = loadFour(p);
-                }
-            }
-            if (p != before) continue;
-        }
-        if (lead >= 0xC0 && lead < 0xFE) {
-            char32_t c;
-            p = decodeSequence(p, end, c);
-            out += i18nPutCodePoint(out, c);
-            mayNeedNormalization |= i18nMayNeedNormalization(c);
-        } else {
-            *out++ = 0x15;
-            ++p;
-        }
+    return i18nDecodeUTF8(decoder(), bytes, length, out);
+}
+
+I18NDecoded i18nDecodeUTF8(I18NDecoder kernel, const char* bytes, std::size_t length,
+                           char16_t* out) {
+    const auto* const begin = reinterpret_cast<const unsigned char*>(bytes);
+    I18NDecoding decoding{begin, begin + length, out};
+    while (decoding.at != decoding.end) {
+        if (kernel != nullptr) kernel(decoding);
+        const std::ptrdiff_t left = decoding.end - decoding.at;
+        // Ill-formed sequences tend to be close together, so the kernel is not called after each.
+        const std::ptrdiff_t some = kernel != nullptr ? std::min<std::ptrdiff_t>(32, left) : left;
+        if (!decodePlainly(decoding, decoding.at + some)) break;
     }
     I18NDecoded result;
-    result.units = static_cast<std::size_t>(out - begin);
-    result.mayNeedNormalization = mayNeedNormalization;
+    result.units = static_cast<std::size_t>(decoding.out - out);
+    if (decoding.doubtFrom != nullptr) {
+        result.doubtFrom = static_cast<std::size_t>(decoding.doubtFrom - out);
+        result.doubtTo = static_cast<std::size_t>(decoding.doubtTo - out);
+    }
     return result;
 }
 

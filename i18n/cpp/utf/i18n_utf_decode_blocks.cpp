@@ -21,6 +21,11 @@ constexpr I18NShuffles makeKeeping() {
 }
 constexpr I18NShuffles kKeeping = makeKeeping();
 
+struct Decoding : I18NDecoding {
+    /// Not all 0 if i18nMayNeedNormalization() is true for any character.
+    __m128i mayNeedNormalization = _mm_setzero_si128();
+};
+
 I18N_WITH_SHUFFLES inline __m128i atLeast(__m128i bytes, int least) {
     return _mm_cmpeq_epi8(_mm_max_epu8(bytes, i18nBytes(least)), bytes);
 }
@@ -45,7 +50,7 @@ I18N_WITH_SHUFFLES inline __m128i beyondInert(__m128i low, __m128i high) {
     return _mm_cmpeq_epi8(_mm_max_epu8(half, _mm_shuffle_epi8(from, high)), half);
 }
 
-I18N_WITH_SHUFFLES inline void keep(I18NDecoding& decoding, __m128i units, unsigned mask) {
+I18N_WITH_SHUFFLES inline void keep(Decoding& decoding, __m128i units, unsigned mask) {
     i18nStore(decoding.out, _mm_shuffle_epi8(units, i18nLoad(kKeeping.bytes[mask])));
     decoding.out += __builtin_popcount(mask);
 }
@@ -56,7 +61,7 @@ I18N_WITH_SHUFFLES inline void keep(I18NDecoding& decoding, __m128i units, unsig
 /// the pair.
 /// @return false for ill-formed text; nothing is decoded then
 template <int kLongest>
-I18N_WITH_SHUFFLES inline bool decodeBlock(I18NDecoding& decoding, __m128i block, __m128i leads3) {
+I18N_WITH_SHUFFLES inline bool decodeBlock(Decoding& decoding, __m128i block, __m128i leads3) {
     const __m128i zero = _mm_setzero_si128();
     const __m128i trails = _mm_cmplt_epi8(block, i18nBytes(0xC0));
     const __m128i before1 = _mm_slli_si128(block, 1);
@@ -118,7 +123,7 @@ I18N_WITH_SHUFFLES inline bool decodeBlock(I18NDecoding& decoding, __m128i block
     return true;
 }
 
-I18N_WITH_SHUFFLES inline void widen(I18NDecoding& decoding, __m128i block) {
+I18N_WITH_SHUFFLES inline void widen(Decoding& decoding, __m128i block) {
     i18nStore(decoding.out, _mm_unpacklo_epi8(block, _mm_setzero_si128()));
     i18nStore(decoding.out + kBlock / 2, _mm_unpackhi_epi8(block, _mm_setzero_si128()));
     decoding.at += kBlock;
@@ -129,7 +134,8 @@ I18N_WITH_SHUFFLES inline void widen(I18NDecoding& decoding, __m128i block) {
 
 // A whole block may be written while a whole block is left to read.
 I18N_WITH_SHUFFLES void i18nDecodeBlocks(I18NDecoding& decoding) {
-    I18NDecoding now = decoding;
+    Decoding now;
+    static_cast<I18NDecoding&>(now) = decoding;
     bool good = true;
     while (good && now.end - now.at >= kBlock) {
         const __m128i block = i18nLoad(now.at);
@@ -151,5 +157,7 @@ I18N_WITH_SHUFFLES void i18nDecodeBlocks(I18NDecoding& decoding) {
         else
             good = decodeBlock<4>(now, block, leads3);
     }
+    const __m128i none = _mm_cmpeq_epi8(now.mayNeedNormalization, _mm_setzero_si128());
+    if (i18nMask(none) != 0xFFFF) now.doubt(decoding.out, now.out);
     decoding = now;
 }
