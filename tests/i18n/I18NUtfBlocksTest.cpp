@@ -2,10 +2,14 @@
 
 #include <cstdint>
 #include <random>
+#include <sstream>
 #include <string>
 
+#include "fuzz/support/Utf8Checks.hpp"
 #include "i18n/cpp/utf/i18n_utf.hpp"
 #include "i18n/cpp/utf/i18n_utf_blocks.hpp"
+
+using namespace std::string_literals;
 
 namespace {
 
@@ -92,4 +96,28 @@ TEST(I18NUtfBlocksTest, AllKernelsEncodeCorrectly) {
     if (i18nHasShuffles()) encodeRandomTexts(i18nEncodeBlocks, 24);
     if (!i18nHasWideBlocks()) GTEST_SKIP() << "passed, but this processor lacks AVX2";
     encodeRandomTexts(i18nEncodeWideBlocks, 32);
+}
+
+TEST(I18NUtfBlocksTest, AllKernelsDecodeAsThePlainDecoder) {
+    const std::string fills[] = {"a", "\u00E9", "\u3042", "\u4E00", "\U0001F600"};
+    const std::string tokens =
+        "\0 z \u0301 \u3099 \U0001D15E \x80 \xC3 \xC1\xBF \xE4\xB8 \xE0\x9F\xBF \xED\xA0\x80 "
+        "\xF0\x9F\x98 \xF0\x8F\xBF\xBF \xF4\x90\x80\x80 \xFB\xBF"s;
+    const std::string missing = eachUtf8Decoder([&](I18NDecoder kernel, const char* name) {
+        for (std::size_t i = 0; i < 5 * 140; ++i) {
+            std::string before(i % 4, 'x'), after, token;
+            while (before.size() < i / 5) before += fills[i % 5];
+            while (after.size() < 200) after += fills[i % 5];
+            for (std::istringstream each(tokens); each >> token;)
+                for (const std::string& bytes : {before + token, before + token + after})
+                    EXPECT_TRUE(decodesAsPlainly(kernel, bytes)) << name << ": " << bytes;
+        }
+        for (char32_t c = 1; c < 0x20000; ++c) {
+            std::string bytes;
+            append(bytes, c);
+            bytes += fills[c % 5] + bytes;
+            EXPECT_TRUE(decodesAsPlainly(kernel, bytes)) << name << ": " << bytes;
+        }
+    });
+    if (!missing.empty()) GTEST_SKIP() << "passed, but this processor lacks " << missing;
 }

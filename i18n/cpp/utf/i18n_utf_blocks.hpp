@@ -41,10 +41,24 @@ struct I18NDecoding {
         if (doubtFrom == nullptr) doubtFrom = from;
         doubtTo = to;
     }
+    /// Steps back to the start of the last sequence if its end is not decoded yet.
+    /// @param begin  where decoding began, at the start of a sequence
+    void leaveUnfinished(const unsigned char* begin) {
+        for (int back = 1; back <= 3 && at - begin >= back; ++back) {
+            const unsigned char byte = *(at - back);
+            if (i18nIsTrail(byte)) continue;
+            if (byte < 0xC0 || i18nTrailsAnnounced(byte) < back) return;
+            at -= back;
+            if (back == 3) --out;  // the first half of a pair
+            return;
+        }
+    }
 };
 using I18NDecoder = void (*)(I18NDecoding&);
 /// Decodes UTF-8; stops before a NUL byte, too.
 void i18nDecodeBlocks(I18NDecoding& decoding);
+/// The same up to the end, with larger blocks. Requires: i18nHasWideBlocks() is true.
+void i18nDecodeWideBlocks(I18NDecoding& decoding);
 /// i18nDecodeUTF8() with one of these kernels, or without one if it is null.
 I18NDecoded i18nDecodeUTF8(I18NDecoder kernel, const char* bytes, std::size_t length,
                            char16_t* out);
@@ -70,6 +84,8 @@ struct I18NEncodingShuffles {
     I18NShuffles pairs, triples;
 };
 extern const I18NEncodingShuffles i18nEncodingShuffles;
+/// The shuffles of decoding: keep those of eight units that have their bit set.
+extern const I18NShuffles i18nKeepingShuffles;
 
 inline __m128i i18nLoad(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
 inline void i18nStore(void* p, __m128i v) { _mm_storeu_si128(static_cast<__m128i*>(p), v); }

@@ -154,7 +154,10 @@ bool decodePlainly(I18NDecoding& decoding, const unsigned char* until) {
 }
 
 /// The best kernel for this processor, or null.
-I18NDecoder decoder() { return i18nHasShuffles() ? i18nDecodeBlocks : nullptr; }
+I18NDecoder decoder() {
+    if (i18nHasWideBlocks()) return i18nDecodeWideBlocks;
+    return i18nHasShuffles() ? i18nDecodeBlocks : nullptr;
+}
 
 }  // namespace
 

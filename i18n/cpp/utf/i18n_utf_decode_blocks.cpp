@@ -19,7 +19,6 @@ constexpr I18NShuffles makeKeeping() {
     }
     return made;
 }
-constexpr I18NShuffles kKeeping = makeKeeping();
 
 struct Decoding : I18NDecoding {
     /// Not all 0 if i18nMayNeedNormalization() is true for any character.
@@ -51,7 +50,7 @@ I18N_WITH_SHUFFLES inline __m128i beyondInert(__m128i low, __m128i high) {
 }
 
 I18N_WITH_SHUFFLES inline void keep(Decoding& decoding, __m128i units, unsigned mask) {
-    i18nStore(decoding.out, _mm_shuffle_epi8(units, i18nLoad(kKeeping.bytes[mask])));
+    i18nStore(decoding.out, _mm_shuffle_epi8(units, i18nLoad(i18nKeepingShuffles.bytes[mask])));
     decoding.out += __builtin_popcount(mask);
 }
 
@@ -131,6 +130,8 @@ I18N_WITH_SHUFFLES inline void widen(Decoding& decoding, __m128i block) {
 }
 
 }  // namespace
+
+constexpr I18NShuffles i18nKeepingShuffles = makeKeeping();
 
 // A whole block may be written while a whole block is left to read.
 I18N_WITH_SHUFFLES void i18nDecodeBlocks(I18NDecoding& decoding) {
