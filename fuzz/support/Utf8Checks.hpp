@@ -20,7 +20,8 @@ std::string eachUtf8Decoder(Body body) {
         I18NDecoder kernel;
         bool runs;
     } levels[] = {{"SSSE3", i18nDecodeBlocks, i18nHasShuffles()},
-                  {"AVX2", i18nDecodeWideBlocks, i18nHasWideBlocks()}};
+                  {"AVX2", i18nDecodeWideBlocks, i18nHasWideBlocks()},
+                  {"AVX-512", i18nDecodeWidestBlocks, i18nHasWidestBlocks()}};
     std::string missing;
     for (const auto& level : levels) {
         if (level.runs)

@@ -21,6 +21,12 @@ inline bool i18nHasWideBlocks() {
     return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("popcnt");
 }
 
+#define I18N_WITH_WIDEST_BLOCKS __attribute__((target("avx512bw,avx512vbmi,avx512vbmi2,popcnt")))
+inline bool i18nHasWidestBlocks() {
+    return __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vbmi") &&
+           __builtin_cpu_supports("avx512vbmi2") && __builtin_cpu_supports("popcnt");
+}
+
 /// Transcoding of well-formed text by blocks, without a branch for each character. Computes the
 /// other encoding for every position of a block at once. Shuffles from tables then remove the
 /// positions where no character ends or that have no byte, as in D. Lemire and W. Mula,
@@ -59,6 +65,8 @@ using I18NDecoder = void (*)(I18NDecoding&);
 void i18nDecodeBlocks(I18NDecoding& decoding);
 /// The same up to the end, with larger blocks. Requires: i18nHasWideBlocks() is true.
 void i18nDecodeWideBlocks(I18NDecoding& decoding);
+/// The same with still larger blocks. Requires: i18nHasWidestBlocks() is true.
+void i18nDecodeWidestBlocks(I18NDecoding& decoding);
 /// i18nDecodeUTF8() with one of these kernels, or without one if it is null.
 I18NDecoded i18nDecodeUTF8(I18NDecoder kernel, const char* bytes, std::size_t length,
                            char16_t* out);

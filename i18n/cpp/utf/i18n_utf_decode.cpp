@@ -155,6 +155,7 @@ bool decodePlainly(I18NDecoding& decoding, const unsigned char* until) {
 
 /// The best kernel for this processor, or null.
 I18NDecoder decoder() {
+    if (i18nHasWidestBlocks()) return i18nDecodeWidestBlocks;
     if (i18nHasWideBlocks()) return i18nDecodeWideBlocks;
     return i18nHasShuffles() ? i18nDecodeBlocks : nullptr;
 }
