@@ -391,6 +391,14 @@ TEST(I18NStringTest, IsUnchangedWhenMemoryRunsOut) {
         }
         EXPECT_EQ(0, arena.blocks) << failAt;
     }
+    for (int failAt = 0; failAt < 3; ++failAt) {  // the third allocation normalises
+        Arena arena;
+        I18NString text(&Arena::allocate, &arena);
+        arena.failAt = arena.calls + failAt;
+        QBL_EXPECT_THROW(text = "\U0001D160\U0001D160\U0001D160\U0001D160", QBLOutOfMemoryError,
+                         "The specified allocator callback failed to allocate memory.");
+        EXPECT_TRUE(text.empty() && arena.blocks == 0) << failAt;
+    }
 }
 
 TEST(I18NStringTest, ResizeAllocatesOnlyTheTextItself) {

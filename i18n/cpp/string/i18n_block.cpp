@@ -20,7 +20,8 @@ void I18NBlock::resize(I18NStringAllocator from, void* of, char*& block, std::in
     const char* const failure = block == nullptr ? kMalloc : kRealloc;
     if (size > INT_MAX) qblThrowNoMemory(QBL_HERE, failure);
     if (from == nullptr) {
-        void* const resized = std::realloc(block, static_cast<std::size_t>(size));
+        const auto bytes = static_cast<std::size_t>(size);
+        void* const resized = block == nullptr ? std::malloc(bytes) : std::realloc(block, bytes);
         if (resized == nullptr) qblThrowNoMemory(QBL_HERE, failure);
         block = static_cast<char*>(resized);
         return;

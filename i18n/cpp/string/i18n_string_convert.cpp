@@ -97,19 +97,36 @@ std::string anyNameOf(const char* encoding) {
 
 }  // namespace
 
-// Decodes into a new string, since the bytes may be part of the present contents.
+// Decodes in place into an empty string, such as a new one, and else into a new string, since the
+// bytes may be part of the present contents. If normalization fails, the string is empty again.
 void I18NString::decodeUTF8(const char* bytes, int length) {
-    I18NString fresh(Bare(), m_allocator, m_allocatorContext);
-    fresh.leaveAscii(length);
+    const unsigned char flags = m_flags.load(std::memory_order_relaxed);
+    const bool noNormalization = hasFlag(kI18NNoNormalization);
+    if (m_pUnicodeString != nullptr || m_asciiBufLength != 0 || m_asciiBufCapacity > kInline ||
+        m_pConverted.load(std::memory_order_relaxed) != nullptr) {
+        I18NString fresh(Bare(), m_allocator, m_allocatorContext);
+        fresh.setFlag(kI18NNoNormalization, noNormalization);
+        fresh.decodeUTF8(bytes, length);
+        if (hasFlag(kI18NStaticBuffer)) return assign(I18NTextView(fresh));
+        return replaceBy(fresh);
+    }
+    leaveAscii(length);
     const I18NDecoded decoded =
-        i18nDecodeUTF8(bytes, static_cast<std::size_t>(length), fresh.m_pCodeUnits);
-    fresh.m_unitLength = static_cast<int>(decoded.units);
-    fresh.alias();
-    if (hasFlag(kI18NNoNormalization)) fresh.setFlag(kI18NNoNormalization, true);
-    if (!i18nIsInert(fresh.m_pCodeUnits + decoded.doubtFrom, decoded.doubtTo - decoded.doubtFrom))
-        fresh.renormalize();
-    if (hasFlag(kI18NStaticBuffer)) return assign(I18NTextView(fresh));
-    replaceBy(fresh);
+        i18nDecodeUTF8(bytes, static_cast<std::size_t>(length), m_pCodeUnits);
+    m_unitLength = static_cast<int>(decoded.units);
+    alias();
+    m_flags.store(
+        static_cast<unsigned char>((flags & kI18NNoNormalization) | kI18NNormalized | kI18NChanged),
+        std::memory_order_release);
+    const std::size_t doubtful = decoded.doubtTo - decoded.doubtFrom;
+    if (noNormalization || i18nIsInert(m_pCodeUnits + decoded.doubtFrom, doubtful)) return;
+    try {
+        renormalize();
+    } catch (...) {
+        recreate(I18NString(Bare(), m_allocator, m_allocatorContext));
+        m_flags.store(flags, std::memory_order_release);
+        throw;
+    }
 }
 
 // Decodes bytes that are not ASCII or UTF-8.
