@@ -54,6 +54,36 @@ const Prose& prose(Script script) {
         " ",
         " ",
         "! "};
+    static const Prose kHTML = {{"<p>",
+                                 "</p>\n",
+                                 "<li class=\"entry\">",
+                                 "</li>\n",
+                                 "<a href=\"/wiki/index.php?id=4711\">",
+                                 "</a>",
+                                 "<td>",
+                                 "</td>",
+                                 "the",
+                                 "server",
+                                 "größte",
+                                 "Straße",
+                                 "élève",
+                                 "français",
+                                 "który",
+                                 "жизнь",
+                                 "вопрос",
+                                 "история",
+                                 "経済発展",
+                                 "世界",
+                                 "これは日本語の文章です",
+                                 "技术工作",
+                                 "&nbsp;",
+                                 "“",
+                                 "”",
+                                 "…",
+                                 "€"},
+                                " ",
+                                ", ",
+                                ". "};
     switch (script) {
         case Script::ASCII:
             return kASCII;
@@ -64,9 +94,11 @@ const Prose& prose(Script script) {
         case Script::CJK:
             return kCJK;
         case Script::Emoji:
+            return kEmoji;
+        case Script::HTML:
             break;
     }
-    return kEmoji;
+    return kHTML;
 }
 
 }  // namespace
