@@ -1,5 +1,5 @@
 // Decodes UTF-8 by blocks of 32 bytes, for processors with AVX2. A unit is computed at each byte,
-// from that byte and the three in front of it. The unit is right at the last byte of a sequence. In
+// from that byte and the three before it. The unit is right at the last byte of a sequence. In
 // a sequence of four bytes it is also right at the third byte, which gets the first half of the
 // pair. Shuffles from a table then move the right units together.
 //
@@ -134,10 +134,10 @@ INLINE_WIDE char16_t* decode(I18NDecoding& decoding, char16_t* out, const Block&
     const __m256i dropped = _mm256_or_si256(fromOn(block.at, 0xC0), fromOn(block.before1, 0xE0));
     const Units looked = {units.low,
                           _mm256_blendv_epi8(units.high, _mm256_setzero_si256(), dropped)};
-    char16_t* const behind = write(out, units, ~maskOf(dropped) & places);
+    char16_t* const after = write(out, units, ~maskOf(dropped) & places);
     if (isDoubtful(kPairs ? kI18NInertWithPairsTables : kI18NInertTables, looked))
-        decoding.doubt(out, behind);
-    return behind;
+        decoding.doubt(out, after);
+    return after;
 }
 
 INLINE_WIDE char16_t* decode(I18NDecoding& decoding, char16_t* out, const Block& block,
@@ -195,10 +195,10 @@ INLINE_WIDE bool decodeRest(I18NDecoding& decoding, __m256i previous) {
     alignas(kBlock) char16_t units[kBlock];
     I18NDecoding aside = decoding;
     aside.doubtFrom = nullptr;
-    const char16_t* const behind =
+    const char16_t* const after =
         decode(aside, units, blockOf(previous, load(bytes)), (1U << left) - 1);
-    if (behind == nullptr) return false;
-    const auto count = static_cast<std::size_t>(behind - units);
+    if (after == nullptr) return false;
+    const auto count = static_cast<std::size_t>(after - units);
     copyFew(decoding.out, units, count);
     if (aside.doubtFrom != nullptr) decoding.doubt(decoding.out, decoding.out + count);
     decoding.at += left;
@@ -219,11 +219,11 @@ I18N_WITH_WIDE_BLOCKS void i18nDecodeWideBlocks(I18NDecoding& decoding) {
             widen(decoding.out, at);
             decoding.out += kBlock;
         } else {
-            char16_t* const behind =
+            char16_t* const after =
                 decode(decoding, decoding.out, blockOf(previous, at), 0xFFFFFFFF);
-            good = behind != nullptr;
+            good = after != nullptr;
             if (!good) break;
-            decoding.out = behind;
+            decoding.out = after;
         }
         previous = at;
         decoding.at += kBlock;
