@@ -6,7 +6,7 @@
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/ThreadPools/QBLThreadExecuteRunnable.hpp"
-#include "QBLCore/Threads/QBLThread.hpp"
+#include "QBLCore/ThreadPools/internal/QBLTaskRun.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Threads/shared/QBLLayerResult.hpp"
 #include "TavThread/shared/TavContain.hpp"
@@ -88,8 +88,7 @@ QBLTaskGroup::~QBLTaskGroup() {
         if (Task* task = takeRefused()) {
             // A piece may end its thread, so it must not run on a thread that is in a destructor.
             const Unlocked unlocked(m_lock);
-            QBLThread thread(task);
-            if (!tavContain([&thread] { thread.start(); })) performAll(task);
+            qblRunOnOwnThread(*task, 0);
         } else {
             m_allDone.wait(m_lock);
         }

@@ -34,7 +34,8 @@ public:
     explicit QBLTaskGroup(QBLThreadExecuteRunnable& pool);
     /// Waits for all pieces. Drops an error that no wait() has thrown. Must not be called in a
     /// piece of the group. A cancellation of the caller takes effect only afterwards. Pieces that
-    /// the pool has refused run on threads of their own.
+    /// the pool has refused run on threads of their own; the destructor waits until the system can
+    /// create these threads.
     ~QBLTaskGroup();
     QBLTaskGroup(const QBLTaskGroup&) = delete;
     QBLTaskGroup& operator=(const QBLTaskGroup&) = delete;

@@ -4,6 +4,7 @@
 #include <pthread.h>
 
 #include <atomic>
+#include <cerrno>
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -141,6 +142,8 @@ TEST_F(QBLTaskGroupTest, DestructorCompletesEvenIfThreadsEnd) {
                 });
                 if (eventually([this] { return ran == 1; })) ++ran;
             });
+            fault::failCall(fault::kThreadCreate, 0, EAGAIN);
+            fault::failCall(fault::kThreadBegin, 0, ENOMEM);
             begun.open();
         }
     } round;

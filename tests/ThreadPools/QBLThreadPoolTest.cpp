@@ -243,9 +243,13 @@ TEST_F(QBLThreadPoolTest, DestructorRunsAcceptedTasksEvenIfWorkersEnd) {
             EXPECT_EQ(1, pool->execute(task, 0)) << "kind " << kind;
             fault::failCall(fault::kThreadCreate, 0, EAGAIN);  // the worker that lives must run it
         }
-        fault::reset();
+        fault::failCall(fault::kThreadCreate, 0, EAGAIN);
+        fault::failCall(fault::kThreadBegin, 0, ENOMEM);
         pool.reset();
+        EXPECT_EQ(1, ending.runs) << "kind " << kind;
         EXPECT_EQ(1, counting.runs) << "kind " << kind;
+        EXPECT_TRUE(kind != 1 || fault::callFailed(fault::kThreadBegin));
+        fault::reset();
     }
 }
 

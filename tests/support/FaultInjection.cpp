@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -61,6 +62,21 @@ Function real(std::atomic<Function>& known, const char* name) {
         known.store(function, std::memory_order_relaxed);
     }
     return function;
+}
+
+thread_local int t_beginError = 0;
+
+struct Start {
+    void* (*routine)(void*);
+    void* arg;
+    int error;
+};
+
+void* failToBegin(void* arg) {
+    const Start start = *static_cast<Start*>(arg);
+    delete static_cast<Start*>(arg);
+    t_beginError = start.error;
+    return start.routine(start.arg);
 }
 
 }  // namespace
@@ -125,10 +141,22 @@ HOOK_ERRNO(fault::kClockRead, int, gettimeofday, (timeval * now, void* zone) noe
 HOOK_ERRNO(fault::kFsync, int, fsync, (int fd), (fd))
 HOOK_ERRNO(fault::kRead, ssize_t, read, (int fd, void* buffer, std::size_t size),
            (fd, buffer, size))
-HOOK(fault::kThreadCreate, pthread_create,
-     (pthread_t * thread, const pthread_attr_t* attributes, void* (*routine)(void*),
-      void* arg) noexcept,
-     (thread, attributes, routine, arg))
+int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*routine)(void*),
+                   void* arg) noexcept {
+    if (t_calls[fault::kThreadCreate].due()) return t_calls[fault::kThreadCreate].error;
+    if (t_calls[fault::kThreadBegin].due()) {
+        arg = new Start{routine, arg, t_calls[fault::kThreadBegin].error};
+        routine = &failToBegin;
+    }
+    static std::atomic<int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*)> next{
+        nullptr};
+    return real(next, "pthread_create")(thread, attributes, routine, arg);
+}
+int pthread_setspecific(pthread_key_t key, const void* value) noexcept {
+    if (t_beginError != 0) return std::exchange(t_beginError, 0);
+    static std::atomic<int (*)(pthread_key_t, const void*)> next{nullptr};
+    return real(next, "pthread_setspecific")(key, value);
+}
 HOOK(fault::kMutexInit, pthread_mutex_init,
      (pthread_mutex_t * m, const pthread_mutexattr_t* attributes) noexcept, (m, attributes))
 HOOK(fault::kCondInit, pthread_cond_init,

@@ -8,6 +8,7 @@ namespace fault {
 
 enum Call {
     kThreadCreate,
+    kThreadBegin,  // the first pthread_setspecific of the thread that is created
     kSemInit,
     kMutexInit,
     kCondInit,

@@ -32,14 +32,34 @@ inline bool qblTakeTask(QBLSentinelQueue<QBLThreadRunnable*>& tasks, QBLThreadRu
     return tasks.get(task, timeout);
 }
 
-/// Runs the tasks left in a pool's queue when there are no workers any more. Each task runs on its
-/// own thread, which it may end, or on the calling thread if no thread can be started.
+/// Runs a task once, on a thread of its own, and waits until this thread has ended. The task may
+/// end the thread. Tries until a thread has begun, however long this takes: the caller is a
+/// destructor, and a task that ends its thread must not run on the thread of a destructor.
+/// @param stackSize  as for QBLThread
+inline void qblRunOnOwnThread(QBLThreadRunnable& task, unsigned long stackSize) {
+    struct Noting : QBLThreadRunnable {
+        explicit Noting(QBLThreadRunnable& t) : task(t) {}
+        void run() override {
+            begun = true;
+            task.run();
+        }
+        QBLThreadRunnable& task;
+        bool begun = false;  // read when the thread has been joined
+    } noting(task);
+    const QBLNoCancel noCancel;
+    for (;;) {
+        QBLThread thread(&noting, stackSize);
+        tavContain([&thread] { thread.start(); });
+        thread.joinQuietly();
+        if (noting.begun) return;
+        QBLThread::sleep(10);
+    }
+}
+
+/// Runs the tasks left in a pool's queue when there are no workers any more.
 inline void qblRunLeft(QBLSentinelQueue<QBLThreadRunnable*>& tasks) {
     QBLThreadRunnable* task = nullptr;
-    while (tasks.get(task, 0) && task != nullptr) {
-        QBLThread last(task, kPoolStackSize);
-        if (!tavContain([&last] { last.start(); })) tavContain([task] { task->run(); });
-    }
+    while (tasks.get(task, 0) && task != nullptr) qblRunOnOwnThread(*task, kPoolStackSize);
 }
 
 #endif
