@@ -23,8 +23,8 @@
 //    pool sets the flag, then empties the queue. So each worker is taken out or sees the flag.
 // 4. A null in the idle queue wakes a submitter after the stop. The submitter puts it back for the
 //    next one before it throws.
-// 5. A task may end the worker's thread. QBLPoolWorker then starts the other one of its two
-//    threads, which puts the worker into the queue as after any task (serve(true)).
+// 5. A task may end the worker's thread. QBLPoolWorker then starts another one, which puts the
+//    worker into the queue as after any task (serve(true)).
 //
 // Memory order: in rule 3 each side writes one variable, then reads the other one. The flag is
 // sequentially consistent, and the queue's semaphore changes by locked instructions, which are full

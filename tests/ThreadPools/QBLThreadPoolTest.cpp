@@ -200,6 +200,33 @@ TEST_F(QBLThreadPoolTest, WorkerGetsANewThreadWhenATaskEndsItsThread) {
     }
 }
 
+TEST_F(QBLThreadPoolTest, ExitRoutineMayWaitForThePool) {
+    static QBLThreadPool* s_pool;
+    static Ending s_ending;
+    static Counting s_counting;
+    struct Leaving : QBLThreadRunnable {
+        void run() override {
+            const auto routine = [] {
+                EXPECT_TRUE(eventually([] { return s_ending.runs == 1; }));
+                EXPECT_EQ(1, s_pool->execute(&s_counting, kTestLimitMs));
+                EXPECT_TRUE(eventually([] { return s_counting.runs == 1; }));
+            };
+            QBLThread::atExit(routine, 1);
+            pthread_exit(nullptr);
+        }
+    } leaving;
+    QBLThreadPoolFixed fixed(1);
+    QBLThreadPoolQueued queued(1, 0);
+    for (QBLThreadPool* pool : std::initializer_list<QBLThreadPool*>{&fixed, &queued}) {
+        s_ending.runs = s_counting.runs = 0;
+        s_pool = pool;
+        for (QBLThreadRunnable* task :
+             std::initializer_list<QBLThreadRunnable*>{&leaving, &s_ending})
+            EXPECT_EQ(1, pool->execute(task, kTestLimitMs));
+        EXPECT_TRUE(eventually([] { return s_counting.runs == 1; }));
+    }
+}
+
 TEST_F(QBLThreadPoolTest, TasksDoNotInheritCancellationSettings) {
     struct Setting : QBLThreadRunnable {
         int state = -1, type = -1;

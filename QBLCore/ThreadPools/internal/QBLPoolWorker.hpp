@@ -1,6 +1,8 @@
 #ifndef QBLCORE_THREADPOOLS_INTERNAL_QBLPOOLWORKER_HPP
 #define QBLCORE_THREADPOOLS_INTERNAL_QBLPOOLWORKER_HPP
 
+#include <list>
+
 #include "QBLCore/Threads/QBLThread.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Threads/QBLThreadMutex.hpp"
@@ -8,17 +10,20 @@
 #include "QBLCore/Threads/shared/QBLHasBegun.hpp"
 #include "TavThread/shared/TavContain.hpp"
 
-/// A worker of a pool of a fixed size. A task may end the thread that runs it. The worker then
-/// continues with another thread. It has two threads, and the one that ends starts the other one.
-class QBLPoolWorker : public QBLThread {
+/// A worker of a pool of a fixed size. A task may end the thread that runs it. This thread then
+/// starts another one, with which the worker continues. The worker never waits for the end of the
+/// earlier threads, because an exit routine may wait for the pool.
+class QBLPoolWorker : public QBLThreadRunnable {
 public:
     explicit QBLPoolWorker(unsigned long stackSize)
-        : QBLThread(nullptr, stackSize), m_began(0), m_lock(0), m_other(this, stackSize) {}
+        : m_stackSize(stackSize), m_began(0), m_lock(0) {
+        m_threads.emplace_back(this, m_stackSize);
+    }
 
     /// Starts the first thread.
-    void begin() { start(); }
+    void begin() { m_threads.front().start(); }
     /// @return false if the thread had no memory to begin.
-    bool waitUntilBegun() { return hasBegun(*this); }
+    bool waitUntilBegun() { return qblHasBegun(m_threads.front(), m_began); }
 
     void run() final {
         m_began.post();
@@ -44,39 +49,50 @@ protected:
             QBLThreadGuard guard(m_lock);
             m_bClosed = true;
         }
-        joinQuietly();
-        m_other.joinQuietly();
+        for (QBLThread& thread : m_threads) thread.joinQuietly();
     }
 
 private:
-    bool hasBegun(QBLThread& thread) { return qblHasBegun(thread, m_began); }
-
     /// Runs on the thread that ends. Tries until a successor has begun, however long this takes.
     void succeed() {
         m_bSucceeded = true;
-        m_bOtherServes = !m_bOtherServes;
-        QBLThread& next = m_bOtherServes ? m_other : *this;
-        while (!tryStart(next)) QBLThread::sleep(10);
+        while (!tryStart()) QBLThread::sleep(10);
+        reap();
     }
-    bool tryStart(QBLThread& next) {
-        QBLThreadGuard guard(m_lock);
-        if (m_bClosed) return true;
-        bool begun = false;
+    bool tryStart() {
+        std::list<QBLThread> next;
+        bool done = false;
         tavContain([&] {
-            next.joinQuietly();
-            next.start();
-            begun = hasBegun(next);
+            QBLThreadGuard guard(m_lock);
+            done = m_bClosed;
+            if (done) return;
+            next.emplace_back(this, m_stackSize);
+            next.back().start();
+            done = qblHasBegun(next.back(), m_began);
+            if (done) m_threads.splice(m_threads.end(), next);
         });
-        return begun;
+        return done;
+    }
+    /// Destroys the earlier threads that have ended. Joins them without the lock, and after the
+    /// successor has begun: destructors of thread-local variables may still run, and wait for the
+    /// pool.
+    void reap() {
+        std::list<QBLThread> ended;
+        QBLThreadGuard guard(m_lock);
+        if (m_bClosed) return;
+        for (auto it = m_threads.begin(); it != m_threads.end();) {
+            const auto place = it++;
+            if (!place->isAlive()) ended.splice(ended.end(), m_threads, place);
+        }
     }
 
+    const unsigned long m_stackSize;
     QBLThreadSemaphore m_began;  // posted by each thread
     QBLThreadMutex m_lock;
-    bool m_bClosed = false;  // guarded by m_lock
-    // Used by one thread after the other.
-    bool m_bSucceeded = false;
-    bool m_bOtherServes = false;
-    QBLThread m_other;
+    bool m_bClosed = false;     // guarded by m_lock
+    bool m_bSucceeded = false;  // each thread sets it before it starts the next one
+    // Guarded by m_lock; does not change after m_bClosed is set. The last one serves.
+    std::list<QBLThread> m_threads;
 };
 
 #endif
