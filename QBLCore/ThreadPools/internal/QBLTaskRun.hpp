@@ -2,6 +2,7 @@
 #define QBLCORE_THREADPOOLS_INTERNAL_QBLTASKRUN_HPP
 
 #include "QBLCore/Base/QBLNoCancel.hpp"
+#include "QBLCore/Exceptions/QBLThreadResourceError.hpp"
 #include "QBLCore/ThreadPools/QBLSentinelQueue.hpp"
 #include "QBLCore/Threads/QBLThread.hpp"
 #include "TavThread/shared/TavContain.hpp"
@@ -32,9 +33,26 @@ inline bool qblTakeTask(QBLSentinelQueue<QBLThreadRunnable*>& tasks, QBLThreadRu
     return tasks.get(task, timeout);
 }
 
+/// Starts a thread of a destructor.
+/// @return false if no thread can be started any more, as after the stop of the library. True if
+/// the
+///     thread has been started, or lacked memory or another resource that may come free.
+inline bool qblMayStart(QBLThread& thread) {
+    bool mayStart = true;
+    tavContain([&] {
+        try {
+            thread.start();
+        } catch (QBLThreadResourceError& error) {
+            mayStart = error.getMessage() == nullptr;  // a text means an error that stays
+        }
+    });
+    return mayStart;
+}
+
 /// Runs a task once, on a thread of its own, and waits until this thread has ended. The task may
 /// end the thread. Tries until a thread has begun, however long this takes: the caller is a
-/// destructor, and a task that ends its thread must not run on the thread of a destructor.
+/// destructor, and a task that ends its thread must not run on the thread of a destructor. Only if
+/// no thread can be started any more, the calling thread runs the task.
 /// @param stackSize  as for QBLThread
 inline void qblRunOnOwnThread(QBLThreadRunnable& task, unsigned long stackSize) {
     struct Noting : QBLThreadRunnable {
@@ -47,12 +65,14 @@ inline void qblRunOnOwnThread(QBLThreadRunnable& task, unsigned long stackSize) 
         bool begun = false;  // read when the thread has been joined
     } noting(task);
     const QBLNoCancel noCancel;
-    for (;;) {
+    while (!noting.begun) {
         QBLThread thread(&noting, stackSize);
-        tavContain([&thread] { thread.start(); });
+        if (!qblMayStart(thread)) {
+            tavContain([&noting] { noting.run(); });
+            return;
+        }
         thread.joinQuietly();
-        if (noting.begun) return;
-        QBLThread::sleep(10);
+        if (!noting.begun) QBLThread::sleep(10);
     }
 }
 
