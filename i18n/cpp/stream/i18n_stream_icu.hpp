@@ -1,0 +1,40 @@
+#ifndef I18N_CPP_STREAM_I18N_STREAM_ICU_HPP
+#define I18N_CPP_STREAM_I18N_STREAM_ICU_HPP
+
+#include <unicode/ucnv.h>
+
+#include <cstddef>
+#include <cstdint>
+
+#include "i18n/cpp/stream/i18n_stream_sides.hpp"
+
+/// What both sides of a text stream know about ICU and its converters.
+
+/// The maximum that one replacement needs, and what ICU writes around it.
+constexpr std::size_t kI18NStreamSlack = 64;
+/// The bytes or units of UTF-8 and UTF-16 that ICU gets where the faster functions stop. These
+/// continue after that.
+constexpr std::ptrdiff_t kI18NStreamPiece = 8;
+
+/// @param refused  by the policy
+/// @throws QBLOutOfMemoryError, I18NRuntimeError
+I18NProgress i18nProgressOf(UErrorCode status, bool refused);
+bool i18nIsUTF16(UConverterType type);
+/// Returns true for the UTF-16 converters that read and write byte-order marks.
+bool i18nIsMarkedUTF16(const UConverter* icu);
+bool i18nIsLMBCS(UConverterType type);
+I18NStreamForm i18nFormOf(const UConverter* icu);
+
+inline bool i18nIsAboutText(UConverterCallbackReason reason) { return reason <= UCNV_IRREGULAR; }
+
+/// Returns where ICU is in the stream. If ICU has kept text that does not fit with what follows,
+/// ICU reads it again from a buffer of its own, which ends where the source of the call begins. The
+/// source does not show this: it may have the same bytes or units more than once.
+template <class Args, class Unit>
+std::int64_t i18nWhereICUIs(const Args* args, const Unit* begin, const Unit* end,
+                            std::int64_t before) {
+    if (args->sourceLimit != end) return before - (args->sourceLimit - args->source);
+    return before + (args->source - begin);
+}
+
+#endif

@@ -1,0 +1,212 @@
+#include <unicode/ucnv_cb.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+#include "TavThread/shared/TavContain.hpp"
+#include "i18n/cpp/converter/i18n_converter_access.hpp"
+#include "i18n/cpp/i18n_converter_callbacks.hpp"
+#include "i18n/cpp/stream/i18n_stream_icu.hpp"
+#include "i18n/cpp/stream/i18n_stream_sides.hpp"
+#include "i18n/cpp/utf/i18n_utf.hpp"
+
+namespace {
+
+// Converters from these encodings treat malformed text differently if they get it in pieces.
+bool dependsOnBlocks(const UConverter* icu) {
+    const UConverterType type = ucnv_getType(icu);
+    return i18nIsMarkedUTF16(icu) || i18nIsLMBCS(type) || type == UCNV_BOCU1 ||
+           type == UCNV_CESU8 || type == UCNV_IMAP_MAILBOX || type == UCNV_COMPOUND_TEXT;
+}
+
+// UTF-16 in the machine's byte order, which is little-endian.
+void copyWellFormed(const char*& at, const char* end, char16_t*& text, const char16_t* limit) {
+    const auto room = static_cast<std::size_t>(limit - text);
+    const std::size_t units = std::min(static_cast<std::size_t>(end - at) / sizeof *text, room);
+    std::memcpy(text, at, units * sizeof *text);
+    const std::size_t good = i18nWellFormedUTF16(text, units);
+    text += good;
+    at += good * sizeof *text;
+}
+
+}  // namespace
+
+I18NStreamInput::I18NStreamInput(const I18NConverter& converter)
+    : m_converter(converter), m_pICU(I18NConverterAccess::icu(m_converter)) {
+    listen();
+}
+
+I18NStreamInput::I18NStreamInput(const char* encoding, const I18NStreamInput& policy)
+    : m_converter(encoding), m_pICU(I18NConverterAccess::icu(m_converter)) {
+    const I18NConverter& other = policy.m_converter;
+    const int number = other.getBuiltInUnconvertibleInputSequenceCallback();
+    // The getter returns I18N_LOOKUP for a converter that was given no policy, too.
+    const bool none =
+        number == I18N_LOOKUP && policy.m_policy != LOOKUP_UNCONVERTIBLE_INPUT_CALLBACK;
+    if (!none) m_converter.setBuiltInUnconvertibleInputSequenceCallback(number);
+    m_converter.setUserDefinedUnconvertibleInputSequenceCallback(
+        other.getUserDefinedUnconvertibleInputSequenceCallback());
+    listen();
+}
+
+void I18NStreamInput::listen() {
+    UErrorCode status = U_ZERO_ERROR;
+    m_form = i18nFormOf(m_pICU);
+    m_bByteByByte = dependsOnBlocks(m_pICU);
+    m_bIsUTF16 = i18nIsUTF16(ucnv_getType(m_pICU));
+    m_bIsBOCU = ucnv_getType(m_pICU) == UCNV_BOCU1;
+    ucnv_reset(m_pICU);
+    ucnv_setToUCallBack(m_pICU, callback, this, &m_policy, &m_pPolicyContext, &status);
+}
+
+I18NProgress I18NStreamInput::decode(const char*& at, const char* end, bool flush, char16_t*& text,
+                                     const char16_t* limit) {
+    m_pSlice = at;
+    m_iSlice = m_iBytes;
+    const I18NProgress progress = decodeSlice(at, end, flush, text, limit);
+    remember(at);
+    return progress;
+}
+
+I18NProgress I18NStreamInput::decodeSlice(const char*& at, const char* end, bool flush,
+                                          char16_t*& text, const char16_t* limit) {
+    I18NProgress progress = I18NProgress::kDone;
+    UErrorCode status = U_ZERO_ERROR;
+    if (m_form == I18NStreamForm::kOther && !m_bByteByByte)
+        return decodeByICU(at, end, flush, text, limit);
+    if (m_bByteByByte) {
+        while (at != end && progress == I18NProgress::kDone) {
+            const char16_t* const before = text;
+            progress = decodeByICU(at, at + 1, false, text, limit);
+            if (m_bIsBOCU && (text != before || ucnv_toUCountPending(m_pICU, &status) == 0))
+                m_iSequence = m_iBytes;
+        }
+        if (progress != I18NProgress::kDone || !flush) return progress;
+        return decodeByICU(at, end, true, text, limit);
+    }
+    do {
+        if (!m_bUnfinished) {
+            const char* const begin = at;
+            const char16_t* const textBegin = text;
+            if (m_form == I18NStreamForm::kUTF8)
+                i18nDecodeWellFormedUTF8(at, end, text, limit);
+            else
+                copyWellFormed(at, end, text, limit);
+            m_iBytes += at - begin;
+            m_iUnits += text - textBegin;
+        }
+        const char* const piece = at + std::min(end - at, kI18NStreamPiece);
+        progress = decodeByICU(at, piece, flush && piece == end, text, limit);
+        m_bUnfinished =
+            progress != I18NProgress::kDone || ucnv_toUCountPending(m_pICU, &status) != 0;
+    } while (progress == I18NProgress::kDone && at != end);
+    return progress;
+}
+
+I18NProgress I18NStreamInput::decodeByICU(const char*& at, const char* end, bool flush,
+                                          char16_t*& text, const char16_t* limit) {
+    m_pBegin = at;
+    m_pEnd = end;
+    m_pText = text;
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_toUnicode(m_pICU, &text, limit, &at, end, nullptr, flush, &status);
+    m_iBytes += at - m_pBegin;
+    m_iUnits += text - m_pText;
+    return i18nProgressOf(status, m_bRefused);
+}
+
+// Keeps the end of the slice for findings that end in the next one.
+void I18NStreamInput::remember(const char* end) {
+    const std::ptrdiff_t size = std::min<std::ptrdiff_t>(end - m_pSlice, kHistory);
+    if (size == 0) return;
+    std::memmove(m_history, m_history + size, static_cast<std::size_t>(kHistory - size));
+    std::memcpy(m_history + kHistory - size, end - size, static_cast<std::size_t>(size));
+}
+
+// Requires: `begin` is at most kHistory bytes before the slice.
+void I18NStreamInput::copySource(std::int64_t begin, std::int64_t end,
+                                 I18NInputFinding& finding) const {
+    finding.offset = begin;
+    finding.length =
+        static_cast<int>(std::min<std::int64_t>(end - begin, I18NInputFinding::kMostBytes));
+    for (int i = 0; i < finding.length; ++i) {
+        const std::int64_t at = begin - m_iSlice + i;
+        finding.bytes[i] = at >= 0 ? m_pSlice[at] : m_history[kHistory + at];
+    }
+}
+
+bool I18NStreamInput::hasInSource(std::int64_t offset, const char* bytes, int length) const {
+    I18NInputFinding there;
+    copySource(offset, offset + length, there);
+    return std::memcmp(there.bytes, bytes, static_cast<std::size_t>(there.length)) == 0;
+}
+
+// Finds in the source the bytes that ICU reports. Usually they end where ICU is. The exceptions:
+//   UTF-16   ICU keeps a byte of the unit after a lone surrogate.
+//   ISCII    ICU keeps a lead byte while it refuses the bytes after it, and reports it at the end.
+//   SCSU     ICU drops bytes that cannot define a window, and reports the command with the last of
+//            them; the finding has all of them.
+//   BOCU-1   ICU reports no bytes if a sequence leads out of Unicode. Its start is known, because
+//            ICU gets the input byte by byte.
+// If kHistory does not reach the bytes, they are assumed to end where ICU is. ICU's arrays of
+// offsets are no better: they also count back from there, and lack findings whose replacement is
+// empty.
+void I18NStreamInput::locate(const char* bytes, int length, std::int64_t end,
+                             I18NInputFinding& finding) const {
+    if (m_bIsBOCU && length == 0) return copySource(m_iSequence, end, finding);
+    // A unit begins at an even offset. Its bytes alone do not show that, since they may be equal.
+    const int step = m_bIsUTF16 ? 2 : 1;
+    const std::int64_t last = (end - length) / step * step;
+    const std::int64_t first = std::max<std::int64_t>(m_iSlice - kHistory, 0);
+    for (std::int64_t at = last; at >= first && at > last - kHistory; at -= step)
+        if (hasInSource(at, bytes, length)) return copySource(at, at + length, finding);
+    for (std::int64_t at = last; at >= first && at > last - kHistory; at -= step)
+        if (hasInSource(at, bytes, 1)) return copySource(at, end, finding);
+    finding.offset = last;
+    finding.length = std::min(length, I18NInputFinding::kMostBytes);
+    std::memcpy(finding.bytes, bytes, static_cast<std::size_t>(finding.length));
+}
+
+void I18NStreamInput::dropFirstUnit() {
+    --m_iUnits;
+    for (I18NInputFinding& finding : findings) --finding.at;
+}
+
+void I18NStreamInput::found(UConverterToUnicodeArgs* args, const char* bytes, int length,
+                            UConverterCallbackReason reason, UErrorCode* status) {
+    I18NInputFinding finding = {};
+    locate(bytes, length, i18nWhereICUIs(args, m_pBegin, m_pEnd, m_iBytes), finding);
+    if (length == 0 && finding.length > 0) {  // BOCU-1; the policy gets them, too
+        bytes = finding.bytes;
+        length = finding.length;
+    }
+    finding.at = m_iUnits + (args->target - m_pText);
+    finding.cutOff = *status == U_TRUNCATED_CHAR_FOUND;
+
+    // The policy writes to a separate buffer, so that the length of its text is known wherever that
+    // goes.
+    UChar replacement[kI18NStreamSlack];
+    UConverterToUnicodeArgs aside = *args;
+    aside.target = replacement;
+    aside.targetLimit = replacement + kI18NStreamSlack;
+    aside.offsets = nullptr;
+    m_policy(m_pPolicyContext, &aside, bytes, length, reason, status);
+    m_bRefused = U_FAILURE(*status);
+    finding.units = static_cast<int>(aside.target - replacement);
+    const bool noted = tavContain([&] { findings.push_back(finding); });
+    if (!noted)
+        *status = U_MEMORY_ALLOCATION_ERROR;
+    else if (!m_bRefused)
+        ucnv_cbToUWriteUChars(args, replacement, finding.units, 0, status);
+}
+
+void I18NStreamInput::callback(const void* context, UConverterToUnicodeArgs* args,
+                               const char* bytes, int32_t length, UConverterCallbackReason reason,
+                               UErrorCode* status) {
+    auto* side = static_cast<I18NStreamInput*>(const_cast<void*>(context));
+    if (i18nIsAboutText(reason))
+        side->found(args, bytes, length, reason, status);
+    else
+        side->m_policy(side->m_pPolicyContext, args, bytes, length, reason, status);
+}
