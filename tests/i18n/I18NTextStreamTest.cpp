@@ -206,6 +206,9 @@ TEST(I18NTextStreamTest, ReportsUnconvertibleCharactersAndTheirPlaces) {
          "in 1 U+0 text 0, 1:1\nin 2 U+0 text 1, 1:2\nin cut 0 U+0 text 2, 1:3\n"},
         {"SCSU", "UTF-8", I18N_SUBSTITUTE, "a\x1C\xE2\xCB\xB4", "a\uFFFD",
          "in cut 1 U+0 text 1, 1:2\n"},
+        {"SCSU", "UTF-8", I18N_SUBSTITUTE, "\x1C\xB4\x41\x1C\xE2\xCB\xB4", "\uFFFD",
+         "in cut 3 U+0 text 0, 1:1\n"},
+        {"gsm-03.38-2009", "UTF-8", I18N_ESCAPE, "a\x1B\x80z", "a %X80z", "in 2 U+0 text 2, 1:3\n"},
         {"BOCU-1", "UTF-8", I18N_ESCAPE, "\x92\x32\xD7\xFE\xD9\x4F\xD9z",
          "B%X32%XD7%XFE%XD9%X4F%XD9*", "in 1 U+0 text 1, 1:2\nin 3 U+0 text 9, 1:3\n"},
         {"UTF-8", "x-iscii-de", I18N_ESCAPE, "\u0BF2", "\xEF\x44%U0BF2",
@@ -223,6 +226,15 @@ TEST(I18NTextStreamTest, ReportsUnconvertibleCharactersAndTheirPlaces) {
         EXPECT_EQ(row.output, outcome.output);
         EXPECT_EQ(row.told, outcome.told.substr(0, outcome.told.rfind('\n'))) << outcome.told;
     }
+    // The stream's buffer is full before the last sequences, or the lead byte is far back.
+    const I18NConverter bocu = withPolicy("BOCU-1", I18N_ESCAPE);
+    const std::string spaces(16381, ' ');
+    EXPECT_NE(std::string::npos,
+              runAnyhow<char>(&bocu, nullptr, spaces + "\x2B\x16\x2B\x16\x2B\x16")
+                  .told.find("in 16383 U+0 text 16389, 1:16383\nin 16385"));
+    const I18NConverter iscii = withPolicy("x-iscii-de", I18N_SUBSTITUTE);
+    EXPECT_NE(std::string::npos, runAnyhow<char>(&iscii, nullptr, "a\xF0" + std::string(70, '\xB5'))
+                                     .told.find("in cut 1 U+0 text 71, 1:72\n"));
     const I18NConverter hz = withPolicy("HZ", I18N_ESCAPE);
     EXPECT_EQ("~}z%UD83D%UDE00", runAnyhow<char16_t>(nullptr, &hz, u"z\U0001F600").output);
 }

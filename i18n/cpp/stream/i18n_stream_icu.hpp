@@ -27,9 +27,10 @@ I18NStreamForm i18nFormOf(const UConverter* icu);
 
 inline bool i18nIsAboutText(UConverterCallbackReason reason) { return reason <= UCNV_IRREGULAR; }
 
-/// Returns where ICU is in the stream. If ICU has kept text that does not fit with what follows,
-/// ICU reads it again from a buffer of its own, which ends where the source of the call begins. The
-/// source does not show this: it may have the same bytes or units more than once.
+/// Returns ICU's position in the stream. If the text that ICU has kept turns out not to fit the text
+/// that follows, ICU reads the kept text again from its own buffer. The end of that buffer
+/// corresponds to the start of this call's source. The contents do not show which one ICU reads,
+/// because the same bytes or units may occur more than once.
 template <class Args, class Unit>
 std::int64_t i18nWhereICUIs(const Args* args, const Unit* begin, const Unit* end,
                             std::int64_t before) {

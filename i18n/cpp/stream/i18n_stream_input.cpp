@@ -13,11 +13,20 @@
 
 namespace {
 
+// The lead byte of ISCII that ICU keeps while it refuses the bytes after it.
+constexpr char kExtension = '\xF0';
+
 // Converters from these encodings treat malformed text differently if they get it in pieces.
 bool dependsOnBlocks(const UConverter* icu) {
     const UConverterType type = ucnv_getType(icu);
-    return i18nIsMarkedUTF16(icu) || i18nIsLMBCS(type) || type == UCNV_BOCU1 ||
-           type == UCNV_CESU8 || type == UCNV_IMAP_MAILBOX || type == UCNV_COMPOUND_TEXT;
+    return i18nIsMarkedUTF16(icu) || i18nIsLMBCS(type) || type == UCNV_CESU8 ||
+           type == UCNV_IMAP_MAILBOX || type == UCNV_COMPOUND_TEXT;
+}
+
+// ICU does not report all bytes of each sequence in these encodings.
+bool hidesSequences(const UConverter* icu) {
+    const UConverterType type = ucnv_getType(icu);
+    return type == UCNV_BOCU1 || type == UCNV_SCSU;
 }
 
 // UTF-16 in the machine's byte order, which is little-endian.
@@ -53,9 +62,10 @@ I18NStreamInput::I18NStreamInput(const char* encoding, const I18NStreamInput& po
 void I18NStreamInput::listen() {
     UErrorCode status = U_ZERO_ERROR;
     m_form = i18nFormOf(m_pICU);
-    m_bByteByByte = dependsOnBlocks(m_pICU);
     m_bIsUTF16 = i18nIsUTF16(ucnv_getType(m_pICU));
-    m_bIsBOCU = ucnv_getType(m_pICU) == UCNV_BOCU1;
+    m_bIsISCII = ucnv_getType(m_pICU) == UCNV_ISCII;
+    m_bFollowsSequences = hidesSequences(m_pICU);
+    m_bByteByByte = m_bFollowsSequences || dependsOnBlocks(m_pICU);
     ucnv_reset(m_pICU);
     ucnv_setToUCallBack(m_pICU, callback, this, &m_policy, &m_pPolicyContext, &status);
 }
@@ -64,6 +74,7 @@ I18NProgress I18NStreamInput::decode(const char*& at, const char* end, bool flus
                                      const char16_t* limit) {
     m_pSlice = at;
     m_iSlice = m_iBytes;
+    if (m_bIsISCII) findLead(at, end);
     const I18NProgress progress = decodeSlice(at, end, flush, text, limit);
     remember(at);
     return progress;
@@ -75,16 +86,7 @@ I18NProgress I18NStreamInput::decodeSlice(const char*& at, const char* end, bool
     UErrorCode status = U_ZERO_ERROR;
     if (m_form == I18NStreamForm::kOther && !m_bByteByByte)
         return decodeByICU(at, end, flush, text, limit);
-    if (m_bByteByByte) {
-        while (at != end && progress == I18NProgress::kDone) {
-            const char16_t* const before = text;
-            progress = decodeByICU(at, at + 1, false, text, limit);
-            if (m_bIsBOCU && (text != before || ucnv_toUCountPending(m_pICU, &status) == 0))
-                m_iSequence = m_iBytes;
-        }
-        if (progress != I18NProgress::kDone || !flush) return progress;
-        return decodeByICU(at, end, true, text, limit);
-    }
+    if (m_bByteByByte) return decodeBytes(at, end, flush, text, limit);
     do {
         if (!m_bUnfinished) {
             const char* const begin = at;
@@ -104,6 +106,19 @@ I18NProgress I18NStreamInput::decodeSlice(const char*& at, const char* end, bool
     return progress;
 }
 
+I18NProgress I18NStreamInput::decodeBytes(const char*& at, const char* end, bool flush,
+                                          char16_t*& text, const char16_t* limit) {
+    I18NProgress progress = I18NProgress::kDone;
+    while (at != end && progress == I18NProgress::kDone) {
+        const char16_t* const before = text;
+        if (m_bFollowsSequences) noteByte(*at);
+        progress = decodeByICU(at, at + 1, false, text, limit);
+        if (m_bFollowsSequences) followSequence(text != before);
+    }
+    if (progress != I18NProgress::kDone || !flush) return progress;
+    return decodeByICU(at, end, true, text, limit);
+}
+
 I18NProgress I18NStreamInput::decodeByICU(const char*& at, const char* end, bool flush,
                                           char16_t*& text, const char16_t* limit) {
     m_pBegin = at;
@@ -116,6 +131,28 @@ I18NProgress I18NStreamInput::decodeByICU(const char*& at, const char* end, bool
     return i18nProgressOf(status, m_bRefused);
 }
 
+// Requires: ICU gets this byte next.
+void I18NStreamInput::noteByte(char byte) {
+    const std::int64_t place = m_iBytes - m_iSequence;
+    if (place < I18NInputFinding::kMostBytes) m_sequence[place] = byte;
+}
+
+// When the text is full, ICU keeps the rest of a sequence's text. It writes that in the call that
+// takes the first byte of the next sequence.
+void I18NStreamInput::followSequence(bool hasText) {
+    UErrorCode status = U_ZERO_ERROR;
+    const int pending = ucnv_toUCountPending(m_pICU, &status);
+    if (hasText || pending == 0) m_iSequence = m_iBytes - pending;
+}
+
+void I18NStreamInput::findLead(const char* at, const char* end) {
+    while (end != at)
+        if (*--end == kExtension) {
+            m_iLead = m_iBytes + (end - at);
+            return;
+        }
+}
+
 // Keeps the end of the slice for findings that end in the next one.
 void I18NStreamInput::remember(const char* end) {
     const std::ptrdiff_t size = std::min<std::ptrdiff_t>(end - m_pSlice, kHistory);
@@ -124,46 +161,40 @@ void I18NStreamInput::remember(const char* end) {
     std::memcpy(m_history + kHistory - size, end - size, static_cast<std::size_t>(size));
 }
 
-// Requires: `begin` is at most kHistory bytes before the slice.
-void I18NStreamInput::copySource(std::int64_t begin, std::int64_t end,
-                                 I18NInputFinding& finding) const {
-    finding.offset = begin;
-    finding.length =
-        static_cast<int>(std::min<std::int64_t>(end - begin, I18NInputFinding::kMostBytes));
-    for (int i = 0; i < finding.length; ++i) {
-        const std::int64_t at = begin - m_iSlice + i;
-        finding.bytes[i] = at >= 0 ? m_pSlice[at] : m_history[kHistory + at];
-    }
+// Requires: `offset` is at most kHistory bytes before the slice.
+const char* I18NStreamInput::sourceAt(std::int64_t offset) const {
+    const std::int64_t at = offset - m_iSlice;
+    return at >= 0 ? m_pSlice + at : m_history + kHistory + at;
 }
 
-bool I18NStreamInput::hasInSource(std::int64_t offset, const char* bytes, int length) const {
-    I18NInputFinding there;
-    copySource(offset, offset + length, there);
-    return std::memcmp(there.bytes, bytes, static_cast<std::size_t>(there.length)) == 0;
-}
-
-// Finds in the source the bytes that ICU reports. Usually they end where ICU is. The exceptions:
+// Sets the bytes of a finding, and where they are in the source. Usually they are what ICU reports,
+// and end where ICU is. The exceptions:
 //   UTF-16   ICU keeps a byte of the unit after a lone surrogate.
 //   ISCII    ICU keeps a lead byte while it refuses the bytes after it, and reports it at the end.
 //   SCSU     ICU drops bytes that cannot define a window, and reports the command with the last of
 //            them; the finding has all of them.
-//   BOCU-1   ICU reports no bytes if a sequence leads out of Unicode. Its start is known, because
-//            ICU gets the input byte by byte.
-// If kHistory does not reach the bytes, they are assumed to end where ICU is. ICU's arrays of
-// offsets are no better: they also count back from there, and lack findings whose replacement is
-// empty.
+//   BOCU-1   ICU reports no bytes if a sequence leads out of Unicode.
+//   GSM      ICU reports no bytes if the byte after an escape has no character, and converts the
+//            escape alone.
+// ICU's arrays of offsets are no better: they also count back from the end, and lack findings whose
+// replacement is empty.
 void I18NStreamInput::locate(const char* bytes, int length, std::int64_t end,
                              I18NInputFinding& finding) const {
-    if (m_bIsBOCU && length == 0) return copySource(m_iSequence, end, finding);
-    // A unit begins at an even offset. Its bytes alone do not show that, since they may be equal.
-    const int step = m_bIsUTF16 ? 2 : 1;
-    const std::int64_t last = (end - length) / step * step;
-    const std::int64_t first = std::max<std::int64_t>(m_iSlice - kHistory, 0);
-    for (std::int64_t at = last; at >= first && at > last - kHistory; at -= step)
-        if (hasInSource(at, bytes, length)) return copySource(at, at + length, finding);
-    for (std::int64_t at = last; at >= first && at > last - kHistory; at -= step)
-        if (hasInSource(at, bytes, 1)) return copySource(at, end, finding);
-    finding.offset = last;
+    if (m_bFollowsSequences) {
+        bytes = m_sequence;
+        length = static_cast<int>(std::min<std::int64_t>(end - m_iSequence, sizeof m_sequence));
+        finding.offset = m_iSequence;
+    } else if (length == 0 && !finding.cutOff && end > 0) {
+        bytes = sourceAt(end - 1);
+        length = 1;
+        finding.offset = end - 1;
+    } else if (m_bIsISCII && finding.cutOff && *bytes == kExtension) {
+        finding.offset = m_iLead;
+    } else {
+        // A unit begins at an even offset.
+        const int step = m_bIsUTF16 ? 2 : 1;
+        finding.offset = (end - length) / step * step;
+    }
     finding.length = std::min(length, I18NInputFinding::kMostBytes);
     std::memcpy(finding.bytes, bytes, static_cast<std::size_t>(finding.length));
 }
@@ -176,13 +207,13 @@ void I18NStreamInput::dropFirstUnit() {
 void I18NStreamInput::found(UConverterToUnicodeArgs* args, const char* bytes, int length,
                             UConverterCallbackReason reason, UErrorCode* status) {
     I18NInputFinding finding = {};
+    finding.cutOff = *status == U_TRUNCATED_CHAR_FOUND;
     locate(bytes, length, i18nWhereICUIs(args, m_pBegin, m_pEnd, m_iBytes), finding);
-    if (length == 0 && finding.length > 0) {  // BOCU-1; the policy gets them, too
+    if (length == 0 && finding.length > 0) {  // BOCU-1 and GSM; the policy gets them, too
         bytes = finding.bytes;
         length = finding.length;
     }
     finding.at = m_iUnits + (args->target - m_pText);
-    finding.cutOff = *status == U_TRUNCATED_CHAR_FOUND;
 
     // The policy writes to a separate buffer, so that the length of its text is known wherever that
     // goes.

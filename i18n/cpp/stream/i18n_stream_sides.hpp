@@ -108,9 +108,13 @@ private:
                              const char16_t* limit);
     I18NProgress decodeByICU(const char*& at, const char* end, bool flush, char16_t*& text,
                              const char16_t* limit);
+    I18NProgress decodeBytes(const char*& at, const char* end, bool flush, char16_t*& text,
+                             const char16_t* limit);
+    void noteByte(char byte);
+    void followSequence(bool hasText);
+    void findLead(const char* at, const char* end);
     void remember(const char* end);
-    void copySource(std::int64_t begin, std::int64_t end, I18NInputFinding& finding) const;
-    bool hasInSource(std::int64_t offset, const char* bytes, int length) const;
+    const char* sourceAt(std::int64_t offset) const;
     void locate(const char* bytes, int length, std::int64_t end, I18NInputFinding& finding) const;
     void found(UConverterToUnicodeArgs* args, const char* bytes, int length,
                UConverterCallbackReason reason, UErrorCode* status);
@@ -126,11 +130,15 @@ private:
     bool m_bByteByByte = false;
     bool m_bUnfinished = false;  // ICU holds bytes
     bool m_bIsUTF16 = false;
-    bool m_bIsBOCU = false;
-    std::int64_t m_iSequence = 0;  // where the current one begins; BOCU-1 only
-    std::int64_t m_iBytes = 0;     // before m_pBegin
-    std::int64_t m_iUnits = 0;     // before m_pText
-    // The bytes that are searched for findings: the slice that is being decoded, and the last bytes
+    bool m_bIsISCII = false;
+    std::int64_t m_iLead = 0;  // where the last lead byte is; ISCII only
+    // For BOCU-1 and SCSU: where the current sequence begins, and its first bytes.
+    bool m_bFollowsSequences = false;
+    std::int64_t m_iSequence = 0;
+    char m_sequence[I18NInputFinding::kMostBytes] = {};
+    std::int64_t m_iBytes = 0;  // before m_pBegin
+    std::int64_t m_iUnits = 0;  // before m_pText
+    // For bytes that ICU does not report: the slice that is being decoded, and the last bytes
     // before it.
     static constexpr int kHistory = 64;
     char m_history[kHistory] = {};
