@@ -60,8 +60,10 @@ I18NStreamOutput::I18NStreamOutput(const I18NConverter& converter, I18NOutputFin
 std::size_t I18NStreamOutput::portion(const char16_t* text, std::size_t units) const {
     if (m_bInPortions && units < kPortion) return 0;
     if (m_bInPortions) units = kPortion;
-    // Some ICU converters lose a pair that comes in two pieces.
-    return units > 0 && i18nIsHigh(text[units - 1]) ? units - 1 : units;
+    // Some ICU converters lose a pair that comes in two pieces, or a surrogate after a lone one.
+    std::size_t end = units;
+    while (end > 0 && i18nIsHigh(text[end - 1])) --end;
+    return end > 0 || units == 0 ? end : units - 1;
 }
 
 I18NProgress I18NStreamOutput::encode(char16_t* text, const char16_t* end, bool flush,
