@@ -19,7 +19,8 @@ struct I18NUnconvertible {
     bool isCutOff;
     /// True if the code point became another one, its best fit in the output's encoding.
     bool isBestFit;
-    /// The bytes as they are in the input, and their number; null and 0 for output.
+    /// The bytes as they are in the input, and their number; null and 0 for output. The
+    /// number may be 0 in the last report if IMAP-mailbox-name ends in the middle of a shift.
     const char* bytes;
     int byteCount;
     /// The offset of the first byte from the start of the input; -1 for output.
@@ -79,7 +80,9 @@ enum I18NByteOrderMark {
 /// Some ICU converters need care. The converter to compound text drops characters that it lacks; a
 /// stream applies the policy to them instead. U+0A70, U+0A71, U+200C and U+200D in ISCII, and
 /// U+FFFE and U+FFFF in LMBCS, do not survive a round trip; ICU does not report that. Once the
-/// converter to ISCII has refused a character, it also converts and refuses others wrongly.
+/// converter to ISCII has refused a character, it also converts and refuses others wrongly. The
+/// converters to CESU-8, UTF-7, IMAP-mailbox-name, LMBCS and BOCU-1 write unpaired surrogates
+/// without a report; BOCU-1 reports one at the end of the text. HZ drops one there.
 ///
 ///     I18NTextStream stream(&shiftJIS, &utf8);
 ///     while (const std::size_t size = read(block)) {
