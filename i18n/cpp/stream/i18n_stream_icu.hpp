@@ -27,8 +27,8 @@ I18NStreamForm i18nFormOf(const UConverter* icu);
 
 inline bool i18nIsAboutText(UConverterCallbackReason reason) { return reason <= UCNV_IRREGULAR; }
 
-/// Returns ICU's position in the stream. If the text that ICU has kept turns out not to fit the text
-/// that follows, ICU reads the kept text again from its own buffer. The end of that buffer
+/// Returns ICU's position in the stream. If the text that ICU has kept turns out not to fit the
+/// text that follows, ICU reads the kept text again from its own buffer. The end of that buffer
 /// corresponds to the start of this call's source. The contents do not show which one ICU reads,
 /// because the same bytes or units may occur more than once.
 template <class Args, class Unit>
