@@ -27,7 +27,7 @@ TAV_EXTERN_C_BEGIN
 ///
 /// Threads: any thread.
 /// @param err  an errno value; -1 means the current value of errno.
-/// @return TAVTHREAD_ERROR also if err is -1 and errno is 0.
+/// @return TAVTHREAD_ERROR for an unknown error, and if err is -1 and errno is 0.
 TAV_API int tavThread_MapError(int err);
 
 TAV_EXTERN_C_END

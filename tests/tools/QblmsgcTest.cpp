@@ -327,8 +327,10 @@ TEST(QblmsgcTest, ShowsTextsAndSearchedFiles) {
               "647|-5|1,5|a:b|two|\n");
     expectRun(tree, "-g 9 t_de_AT.bmf", 1,
               "./t_de_AT.bmf: no text for 9; qblmsgc -d lists all texts\n");
-    expectRun(tree, "-g 3 t_de_AT.bmf long:1", 1,
-              "./t_de_AT.bmf: the text for 3 is not a message pattern\n");
+    expectRun(
+        tree, "-g 3 t_de_AT.bmf long:1", 1,
+        "./t_de_AT.bmf: the text for 3 cannot be formatted: it is not a message pattern, or a "
+        "parameter has the wrong type\n");
     expectRun(tree, "-g 1 t_en.bmf", 1,
               "./t_en.bmf: not a valid message file; qblmsgc -d shows why\n");
     expectRun(

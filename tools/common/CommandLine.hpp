@@ -51,8 +51,9 @@ struct Mistake {
 
 /// Parses a command line. Options and operands may come in any order; "--" ends the options.
 /// @param take  called with each option in turn; reading stops if it returns false, after it has
-///     stored the reason in mistake or elsewhere
-/// @return false if a word is not an option, if an argument is missing or superfluous, or if take
+///     stored the reason
+/// @return false if a word with dashes is not an option, if an argument is missing or superfluous,
+/// or if take
 ///     returned false
 bool readCommandLine(int argc, char** argv, const std::vector<Option>& options,
                      const std::function<bool(const Given&)>& take,

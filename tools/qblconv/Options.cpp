@@ -280,14 +280,15 @@ private:
                                                : Options::Similar::kNone;
         m_options.inputPolicy = m_options.outputPolicy = I18N_STOP;
         if (similar != nullptr && isOne) return true;
-        if (!takePolicy(given, argument.substr(0, comma), false, m_options.inputPolicy))
+        if (!takePolicy(given, argument.substr(0, comma), isOne, m_options.inputPolicy))
             return false;
         return similar != nullptr || takePolicy(given, output, true, m_options.outputPolicy);
     }
 
-    bool takePolicy(const Given& given, const std::string& argument, bool isOutput, int& policy) {
+    bool takePolicy(const Given& given, const std::string& argument, bool mayBeSimilar,
+                    int& policy) {
         std::vector<Word> words = kPolicies;
-        if (isOutput) words.insert(words.end(), kSimilar.begin(), kSimilar.end());
+        if (mayBeSimilar) words.insert(words.end(), kSimilar.begin(), kSimilar.end());
         return takeWord(given, argument, words, policy);
     }
 
