@@ -9,7 +9,8 @@ class QBLFmDirectory;
 
 /// Writes a new version of a file next to the old one and replaces the old version in one step. A
 /// program that opens the file sees the complete old or the complete new version, even after a
-/// crash. A crash may only leave the unfinished version, whose name begins with ".QBLFm".
+/// crash. A crash may leave the unfinished version, or after commitOver() the old one, under a name
+/// that begins with ".QBLFm".
 ///
 /// - The new version gets the mode, the access control list and the extended attributes of the old
 ///   version, except capabilities and signatures of the content. Before the commit, only the owner

@@ -44,8 +44,9 @@ void* QBLPluginLibraryLoader::load(const std::string& path) {
     // For the system, an empty path means the program itself, and a NUL ends the path.
     if (path.empty() || path.find('\0') != std::string::npos)
         QBL_THROW_NAMED(failure(QBLPluginLoadFailed, kBadPath), kLoad);
-    // dlopen(3) copies a name to the stack before it checks the length. It also waits for a writer
-    // of a pipe, and during this wait no thread can load libraries.
+    // dlopen(3) copies a name to the stack before it checks the length. If the path names a
+    // pipe, dlopen waits until a writer opens it; during this wait no other thread can load
+    // libraries.
     if (resolved.size() >= PATH_MAX) QBL_THROW_NAMED(failure(QBLPluginLoadFailed, kTooLong), kLoad);
     if (resolved.find('/') != std::string::npos && isSpecialFile(resolved.c_str()))
         QBL_THROW_NAMED(failure(QBLPluginLoadFailed, kNotAFile), kLoad);

@@ -14,14 +14,14 @@ class QBLResource;
 ///     base_de_AT.bmf  base_de.bmf  base_fr.bmf  base_en.bmf  base.bmf
 ///
 /// If the base name contains a directory, the factory searches only there; a relative one is
-/// resolved by QBLFmDir::resolveEffectivePath(). Otherwise it searches each name in the effective
-/// working directory, then in the installation's bin directory, then in share/qblcore, next to the
-/// directory of the library or next to its parent directory.
+/// resolved by QBLFmDir::resolveEffectivePath(). Otherwise it looks for each name in the
+/// effective working directory, then in the installation's bin directory, then in share/qblcore.
+/// That folder is next to the library's directory or next to the parent of that directory.
 ///
 /// A base name that ends with ".bmf" is the name of the file itself, for every locale.
 ///
-/// The process remembers the file that was found for a base name and a list of locales. A file that
-/// was not found is searched again in the next call.
+/// The process remembers the file that was found for a base name and a list of locales. If no
+/// file was found, the next call searches again.
 ///
 /// Threads: any thread.
 class QBL_API QBLResourceFactory {

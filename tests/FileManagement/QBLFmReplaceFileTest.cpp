@@ -9,6 +9,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <filesystem>
 #include <random>
 
 #include "QBLCore/FileLock/M_LockFile.hpp"
@@ -227,4 +228,8 @@ TEST(QBLFmReplaceFileTest, FileIsNeverPartialIfItsWriterIsKilled) {
         ASSERT_EQ(50000U, text.size());
         ASSERT_EQ(std::string::npos, text.find_first_not_of(text[0]));
     }
+    for (const auto& entry : std::filesystem::directory_iterator(tree("")))
+        EXPECT_TRUE(entry.path().filename() == "f" ||
+                    entry.path().filename().string().rfind(".QBLFm", 0) == 0)
+            << entry.path();
 }

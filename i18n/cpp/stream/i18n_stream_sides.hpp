@@ -115,6 +115,7 @@ private:
     void findLead(const char* at, const char* end);
     void remember(const char* end);
     const char* sourceAt(std::int64_t offset) const;
+    /// Sets the bytes of a finding and their offset in the source.
     void locate(const char* bytes, int length, std::int64_t end, I18NInputFinding& finding) const;
     void found(UConverterToUnicodeArgs* args, const char* bytes, int length,
                UConverterCallbackReason reason, UErrorCode* status);

@@ -97,8 +97,8 @@ std::string anyNameOf(const char* encoding) {
 
 }  // namespace
 
-// Decodes in place into an empty string, such as a new one, and else into a new string, since the
-// bytes may be part of the present contents. If normalization fails, the string is empty again.
+// If this string is empty, decodes in place. Otherwise decodes into a new string, because the bytes
+// may be part of the present contents. If normalization fails, the string is empty again.
 void I18NString::decodeUTF8(const char* bytes, int length) {
     const unsigned char flags = m_flags.load(std::memory_order_relaxed);
     const bool noNormalization = hasFlag(kI18NNoNormalization);
