@@ -13,8 +13,8 @@ enum TavSemaphoreFlags : unsigned { kTavSemaphoreInitialized = 1, kTavSemaphoreS
 
 /// The count of the semaphore is the count of `native` plus the promises. A promise is a post for a
 /// looker, which is a waiter that does not sleep. It costs no system call and wakes no other
-/// waiter. A post makes a promise only while there are more lookers than promises. A looker does
-/// not stop without the promise that is left for it. So no sleeping waiter misses a post.
+/// waiter. A post makes a promise only while there are more lookers than promises. If there is
+/// a promise when a looker stops looking, the looker takes it. So no sleeping waiter misses a post.
 struct TavSemaphore {
     sem_t native;
     std::atomic<std::uint32_t> looking{0};  // lookers in units of kTavLooker, plus promises

@@ -67,9 +67,9 @@ public:
                void* context = nullptr);
     I18NString(I18NString&& other) noexcept;
     /// Reads UTF-16 from memory of any alignment, up to a zero unit; an odd byte at the end is
-    /// ignored. I18NString("abc", 3) selects this constructor too, since UTF-16 is often kept in
-    /// buffers of char: it reads one unit. For three bytes of text write I18NString("abc", nullptr,
-    /// 3).
+    /// ignored. Char pointers are accepted because UTF-16 is often kept in buffers of char.
+    /// So I18NString("abc", 3) also selects this constructor, and reads one unit. For three bytes
+    /// of text write I18NString("abc", nullptr, 3).
     I18NString(const void* utf16, int byteLength, I18NStringAllocator allocator = nullptr,
                void* context = nullptr);
     I18NString(int count, wchar_t c, I18NStringAllocator allocator = nullptr,

@@ -145,17 +145,18 @@ int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*
                    void* arg) noexcept {
     if (t_calls[fault::kThreadCreate].due()) return t_calls[fault::kThreadCreate].error;
     if (t_calls[fault::kThreadBegin].due()) {
-        arg = new Start{routine, arg, t_calls[fault::kThreadBegin].error};
+        arg = new (std::nothrow) Start{routine, arg, t_calls[fault::kThreadBegin].error};
+        if (arg == nullptr) return ENOMEM;
         routine = &failToBegin;
     }
-    static std::atomic<int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*)> next{
+    static std::atomic<int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*)> s_next{
         nullptr};
-    return real(next, "pthread_create")(thread, attributes, routine, arg);
+    return real(s_next, "pthread_create")(thread, attributes, routine, arg);
 }
 int pthread_setspecific(pthread_key_t key, const void* value) noexcept {
     if (t_beginError != 0) return std::exchange(t_beginError, 0);
-    static std::atomic<int (*)(pthread_key_t, const void*)> next{nullptr};
-    return real(next, "pthread_setspecific")(key, value);
+    static std::atomic<int (*)(pthread_key_t, const void*)> s_next{nullptr};
+    return real(s_next, "pthread_setspecific")(key, value);
 }
 HOOK(fault::kMutexInit, pthread_mutex_init,
      (pthread_mutex_t * m, const pthread_mutexattr_t* attributes) noexcept, (m, attributes))

@@ -70,8 +70,8 @@ bool Verification::compare(const char* encoding, bool isEnd) {
     return true;
 }
 
-/// Finds the character with the difference: from the start of its bytes to where the position in
-/// the text advances.
+/// Finds the character that contains the first difference. A character ends with the byte at which
+/// the position in the text advances.
 /// @param at  offset of the first different byte in the bytes to compare
 void Verification::differ(std::size_t at) {
     const std::string read = m_recent + m_read, back = m_recent + m_back;

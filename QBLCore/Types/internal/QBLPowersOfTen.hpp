@@ -13,8 +13,8 @@ extern const QBLPowersOfTen kQBLPowersOfTen;
 inline std::uint64_t qblPowerOfTen(int power) {
     return kQBLPowersOfTen[static_cast<unsigned>(power - kQBLLowestPower)];
 }
-/// Returns the exponent of the highest power of two that is not above 10^power: 10^power is its 64
-/// bits times 2^(this exponent - 63).
+/// Returns the exponent of the highest power of two that is not above 10^power. Apart from the
+/// truncated lower bits, 10^power is qblPowerOfTen(power) times 2^(this exponent - 63).
 inline int qblPowerOfTwo(int power) { return power * 217706 >> 16; }
 
 /// Returns the upper 64 bits of the 128-bit product.

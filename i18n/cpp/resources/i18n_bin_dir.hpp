@@ -24,8 +24,8 @@ std::string i18nBinDir();
 /// so that the path is relative to the working directory.
 std::string i18nResolveBinDir(const std::string& path);
 
-/// Returns the directory of the installed files that all architectures share: share/qblcore next to
-/// the directory of the library, or next to the parent of that directory, for lib/ARCHITECTURE.
+/// Returns the directory of the installed files that all architectures share. It is share/qblcore
+/// next to the library's directory or, for a library in lib/ARCHITECTURE, next to lib.
 /// Symbolic links are resolved first, so that a library loaded as /lib/... uses the files of /usr.
 /// @return the first of the two that is a directory, else the first; empty if the library's
 ///     directory is not known

@@ -12,8 +12,8 @@
 
 /// The maximum that one replacement needs, and what ICU writes around it.
 constexpr std::size_t kI18NStreamSlack = 64;
-/// The bytes or units of UTF-8 and UTF-16 that ICU gets where the faster functions stop. These
-/// continue after that.
+/// The maximum number of bytes (input) or UTF-16 units (output) that ICU gets where the faster
+/// functions for UTF-8 and UTF-16 stop. They continue after these.
 constexpr std::ptrdiff_t kI18NStreamPiece = 8;
 
 /// @param refused  by the policy

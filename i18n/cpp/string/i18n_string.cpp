@@ -35,7 +35,7 @@ int grown(int present, std::int64_t needed, std::int64_t most) {
 constexpr std::int64_t kMostBytes = INT_MAX;
 
 /// Copies one to two words of bytes by two moves of a fixed size, which may overlap.
-/// @return a word in which the top bit of some byte is set if it is set in any byte copied
+/// @return both words combined by OR: no byte has its top bit set exactly if all bytes are ASCII
 template <class Word>
 Word copyTwo(char* out, const char* bytes, std::size_t length) {
     Word first, last;

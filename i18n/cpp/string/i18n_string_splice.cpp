@@ -106,7 +106,7 @@ struct Known {
     bool keepsAll(const Splice& at) const { return at.isInsertion() && !joinsHalves; }
 };
 
-enum class Form { AsBefore, C, Unknown };
+enum class Form { kAsBefore, kC, kUnknown };
 
 /// A change of a string: put() replaces a part, and then the flags are set.
 struct Change {
@@ -117,7 +117,7 @@ struct Change {
 };
 
 /// Returns the form of the string once the text and its surroundings are in form C.
-Form formOf(const Splice& at) { return at.isWhole() ? Form::C : Form::AsBefore; }
+Form formOf(const Splice& at) { return at.isWhole() ? Form::kC : Form::kAsBefore; }
 
 /// Returns 1 if the string has exempt characters after the change, 0 if not, -1 if that is not
 /// known.
@@ -128,7 +128,7 @@ int exemptAfter(const Splice& at, int exempt, bool keepsAll) {
 
 /// Inserts the text as it is given, because of an exempt character.
 Change givenExempt(const Splice& at) {
-    return {at.offset, at.end - at.offset, at.text, Form::Unknown, 1};
+    return {at.offset, at.end - at.offset, at.text, Form::kUnknown, 1};
 }
 
 /// Inserts the text as it is given, because it is in form C in its place.
@@ -149,14 +149,14 @@ Change changeOfAll(const Splice& at, const Known& known, icu::UnicodeString& res
     const icu::UnicodeString all = at.joined(0, at.length());
     if (!i18nNormalize(i18nNormalizer(I18N_NFC), all, result)) {
         Change change = givenInForm(at, known);
-        change.form = Form::C;
+        change.form = Form::kC;
         return change;
     }
     const bool isFormC = !isExempt(i18nUnits(all));
     if (!isFormC) result = all;
     if (known.substitutes) i18nSubstituteJa(result);
     return {0, at.length(), I18NTextView(result.getBuffer(), result.length()),
-            isFormC ? Form::C : Form::Unknown, -1};
+            isFormC ? Form::kC : Form::kUnknown, -1};
 }
 
 /// The part and everything that it may combine with on both sides.
@@ -294,7 +294,7 @@ void I18NString::combine(int offset, int count, const I18NTextView& text, bool p
     icu::UnicodeString result;
     const Change change = changeOf(at, known, result);
     put(change.offset, change.count, change.text);
-    if (change.form != Form::AsBefore) setFlag(kI18NNormalized, change.form == Form::C);
+    if (change.form != Form::kAsBefore) setFlag(kI18NNormalized, change.form == Form::kC);
     setExempt(change.exempt);
     I18N_ALLOC_CATCH
 }
