@@ -144,14 +144,12 @@ HOOK_ERRNO(fault::kRead, ssize_t, read, (int fd, void* buffer, std::size_t size)
 int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*routine)(void*),
                    void* arg) noexcept {
     if (t_calls[fault::kThreadCreate].due()) return t_calls[fault::kThreadCreate].error;
-    if (t_calls[fault::kThreadBegin].due()) {
-        arg = new (std::nothrow) Start{routine, arg, t_calls[fault::kThreadBegin].error};
-        if (arg == nullptr) return ENOMEM;
-        routine = &failToBegin;
-    }
     static std::atomic<int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*)> s_next{
         nullptr};
-    return real(s_next, "pthread_create")(thread, attributes, routine, arg);
+    const auto create = real(s_next, "pthread_create");
+    if (!t_calls[fault::kThreadBegin].due()) return create(thread, attributes, routine, arg);
+    auto* const start = new (std::nothrow) Start{routine, arg, t_calls[fault::kThreadBegin].error};
+    return start != nullptr ? create(thread, attributes, &failToBegin, start) : ENOMEM;
 }
 int pthread_setspecific(pthread_key_t key, const void* value) noexcept {
     if (t_beginError != 0) return std::exchange(t_beginError, 0);
