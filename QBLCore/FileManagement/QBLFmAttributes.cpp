@@ -67,7 +67,7 @@ class AccessList {
 public:
     explicit AccessList(std::string& bytes) : m_bytes(bytes) {}
 
-    /// @return the permissions of the first entry with this tag, or `otherwise` if there is none
+    /// @return the permissions of the first entry with this tag, or `otherwise` if no entry has it
     unsigned get(unsigned tag, unsigned otherwise) const {
         const std::size_t at = find(tag);
         return at != 0 ? number(at + 2) : otherwise;

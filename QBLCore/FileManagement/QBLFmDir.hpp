@@ -96,7 +96,7 @@ public:
     /// Searches for a file. A name with a root is looked up as it is; any other name first in the
     /// base path, then in each search directory. A relative search directory is relative to the
     /// base path.
-    /// @return the first path that exists and is not a directory; empty if there is none
+    /// @return the first path that exists and is not a directory; empty if no path does
     /// @throws QBLAssertError for a null name or base path
     static std::string getFileFullPath(const char* fileName, const char* basePath,
                                        const std::list<std::string>& searchDirs);
@@ -115,7 +115,7 @@ public:
     /// and write: the value of the first of TMP, tmp, TEMP and temp that is set in the environment,
     /// "/tmp", and ".". A program that runs with more rights than its caller, such as a set-id
     /// program, ignores the environment.
-    /// @return false, with an empty result, if there is none
+    /// @return false, with an empty result, if no directory qualifies
     static bool getTempPath(std::string& result);
     static bool getTempPath(I18NString& result);
     /// Creates a directory with an unused name: the prefix, the time in seconds, a counter and the

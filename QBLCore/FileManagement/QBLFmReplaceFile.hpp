@@ -119,7 +119,7 @@ private:
     int m_iDirectory;  // -1 if nothing is open
     int m_iFile;       // -1 if nothing is open
     std::string m_name;
-    std::string m_temporary;  // in the directory, as m_name; empty if there is none
+    std::string m_temporary;  // in the directory, as m_name; empty without a new version
     int m_iLastError;
     bool m_bBroken;  // a write failed
     bool m_bCommitted;

@@ -26,8 +26,8 @@ public:
     explicit Texts(QBLResourceFile& file) : m_pFile(&file), m_pCatalogue(nullptr) {}
     explicit Texts(const QBLCatalogue& catalogue) : m_pFile(nullptr), m_pCatalogue(&catalogue) {}
 
-    /// Returns the text for an identifier, valid until the next call; null if there is none or it
-    /// is empty.
+    /// Returns the text for an identifier, valid until the next call; null if there is no text or
+    /// it is empty.
     const char* get(unsigned long id) const {
         if (m_pCatalogue != nullptr) return nullIfEmpty(m_pCatalogue->getText(id));
         char* text = nullptr;

@@ -41,7 +41,7 @@ constexpr std::size_t kLongestName = 256;
 constexpr std::size_t kLongestText = 1024;
 constexpr std::size_t kLargestOut = 4096;
 
-/// Returns ICU's name for the first of the locales; empty if there is none.
+/// Returns ICU's name for the first of the locales; empty if there is no locale.
 std::string firstOf(const char* locales) {
     const char separators[] = " \t\r\n,;";
     locales += std::strspn(locales, separators);

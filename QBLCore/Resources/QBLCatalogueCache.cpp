@@ -98,7 +98,7 @@ private:
         const CataloguePtr& there = m_places[place].catalogue;
         return there == nullptr ? fileName.empty() : there->getFileName() == fileName;
     }
-    /// @return kMaxCatalogues if there is none
+    /// @return kMaxCatalogues if no place has it
     std::size_t placeOf(const std::string& fileName) const QBL_REQUIRES(m_QBLResourceFactoryLock) {
         std::size_t place = 0;
         while (place < kMaxCatalogues && !isAt(place, fileName)) ++place;

@@ -24,7 +24,7 @@ public:
     /// has its texts while the file is closed.
     virtual bool isOpen() = 0;
     /// @param id  a 32-bit identifier
-    /// @param text  receives the text, which belongs to the resource; unchanged if there is none
+    /// @param text  receives the text, which belongs to the resource; unchanged if there is no text
     /// @return true if there is a text for the identifier
     [[nodiscard]] virtual bool getResource(unsigned long id, char** text) = 0;
 

@@ -34,11 +34,11 @@ public:
     /// @param localeID  locales in the order of preference, separated by blanks, commas or
     ///     semicolons; null means g_defaultLocaleID
     /// @param preload  as for QBLResourceBMF
-    /// @return the open resource, which the caller passes to release(); null if there is none
+    /// @return the open resource, which the caller passes to release(); null if no file was found
     /// @throws QBLOutOfMemoryError
     [[nodiscard]] static QBLResource* findAndGet(const std::string& baseName, const char* localeID,
                                                  int preload);
-    /// @return the file's name; empty if there is none
+    /// @return the file's name; empty if no file was found
     /// @throws QBLAssertError for null locales, QBLOutOfMemoryError
     static std::string find(const std::string& baseName, const char* localeIDs);
     /// Returns the paths of all files that find() searches, in this order, without duplicate names.

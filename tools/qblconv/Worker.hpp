@@ -21,7 +21,7 @@ namespace conv {
 class Worker {
 public:
     /// Requires: the encodings in options exist.
-    /// @param root  the output directory; null if there is none
+    /// @param root  the output directory; null without -d
     Worker(const Options& options, Progress& progress, OutputRoot* root);
 
     /// Processes a file that has its own output, or that is checked.

@@ -14,7 +14,7 @@ std::string compiledName(const std::string& source);
 /// Returns true if a path has the extension of message files.
 bool isMessageFileName(const std::string& path);
 
-/// The locale at the end of a message file's name, like "de_AT"; empty if there is none.
+/// The locale at the end of a message file's name, like "de_AT"; empty if the name has no locale.
 std::string localeOf(const std::string& path);
 
 }  // namespace msgc

@@ -18,7 +18,7 @@ struct XmlNode {
 
     /// @return an empty string for a missing attribute
     const std::string& attribute(std::string_view wanted) const;
-    /// The first child with a name; null if there is none.
+    /// The first child with a name; null if no child has it.
     const XmlNode* child(std::string_view wanted) const;
 };
 
