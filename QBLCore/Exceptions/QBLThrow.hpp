@@ -1,17 +1,24 @@
 #ifndef QBLCORE_EXCEPTIONS_QBLTHROW_HPP
 #define QBLCORE_EXCEPTIONS_QBLTHROW_HPP
 
+#include <exception>
+#include <type_traits>
+#include <utility>
+
 #include "QBLCore/Exceptions/QBLFileLocation.hpp"
 #include "QBLCore/Frame/QBLExport.h"
 
 /// Throws the given throwable and adds this place to its back-trace. If there is no memory to make
 /// the throwable, any operation may throw std::bad_alloc instead:
 ///     QBL_THROW(QBLIllegalStateError(0, "QBLThing::stop: not started"));
+/// A throwable that has a name or is known by a reference is thrown as its own class, and a temporary
+/// as the class of the expression. Do not pass std::move() of a reference to a base class, because
+/// the result has the class of the reference.
 ///
 /// Threads: any thread may use what is in this header.
-#define QBL_THROW(...) (__VA_ARGS__).hurl(QBL_HERE, nullptr, "QBL_THROW")
+#define QBL_THROW(...) QBLThrown{(__VA_ARGS__)}.hurl(QBL_HERE, nullptr, "QBL_THROW")
 /// QBL_THROW with a detail in the trace entry, usually the operation's name.
-#define QBL_THROW_NAMED(error, detail) (error).hurl(QBL_HERE, detail, "QBL_THROW")
+#define QBL_THROW_NAMED(error, detail) QBLThrown{(error)}.hurl(QBL_HERE, detail, "QBL_THROW")
 
 /// For a handler that caught a throwable by reference. Adds this place to its back-trace and
 /// rethrows it:
@@ -65,6 +72,61 @@ template <class Condition>
 constexpr bool qblHolds(const Condition& condition, const char*) {
     return static_cast<bool>(condition);
 }
+
+/// Memory for a throwable. Does not destroy the throwable.
+template <class Error>
+union QBLThrownValue {
+    Error error;
+    ~QBLThrownValue() {}
+};
+
+/// The operand of a QBL_THROW that is a temporary. The operand is constructed in this object, and is
+/// destroyed before the throw, so that the frame that throws needs no cleanup. A cleanup would make
+/// the runtime stop at the frame and start to unwind again, which takes longer than making and
+/// copying the throwable.
+template <class Error>
+struct QBLThrown {
+    QBLThrownValue<Error> value;
+
+    /// Does what Error::hurl() does, if a macro of QBLThrowableClass.hpp defines Error::hurl().
+    /// Otherwise calls Error::hurl().
+    [[noreturn, gnu::always_inline]] inline void hurl(const QBLFileLocation& where,
+                                                      const char* detail, const char* tag) {
+        if constexpr (std::is_same_v<Error, typename Error::QBLHurledAs>) {
+            value.error.addBackTrace(where, detail, tag);
+            throw take(value.error);
+        } else {
+            const Destroyed destroyed{value.error};
+            value.error.hurl(where, detail, tag);
+            std::terminate();
+        }
+    }
+
+private:
+    struct Destroyed {
+        Error& error;
+        ~Destroyed() { error.Error::~Error(); }
+    };
+    static Error take(Error& error) noexcept(std::is_nothrow_move_constructible_v<Error>) {
+        const Destroyed destroyed{error};
+        return std::move(error);
+    }
+};
+
+/// The operand of a QBL_THROW that is not a temporary.
+template <class Error>
+struct QBLThrown<Error&> {
+    Error& error;
+
+    [[noreturn, gnu::always_inline]] inline void hurl(const QBLFileLocation& where,
+                                                      const char* detail, const char* tag) {
+        error.hurl(where, detail, tag);
+        std::terminate();  // not every hurl() is declared as [[noreturn]]
+    }
+};
+
+template <class Error>
+QBLThrown(Error&&) -> QBLThrown<Error>;
 
 /// Throws a QBLAssertError with error number 0, the given text and place.
 [[noreturn]] QBL_API void qblAssertFailed(const QBLFileLocation& where, const char* statement);

@@ -5,6 +5,7 @@
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "QBLCore/Exceptions/internal/QBLCopyString.hpp"
 #include "QBLCore/Exceptions/internal/QBLThrowableXml.hpp"
@@ -74,6 +75,16 @@ QBLThrowable::QBLThrowable(const char* codeText, const char* text)
     : QBLThrowable(QBLSeverityFatal, codeText, text) {}
 
 QBLThrowable::QBLThrowable(const QBLThrowable& other) : QBLThrowable() { copyFrom(other); }
+
+QBLThrowable::QBLThrowable(QBLThrowable&& other) noexcept
+    : xmlText(std::exchange(other.xmlText, nullptr)),
+      numericCode(other.numericCode),
+      errorCode(other.errorCode),
+      errorCodeText(std::exchange(other.errorCodeText, nullptr)),
+      severity(other.severity),
+      messageText(std::exchange(other.messageText, nullptr)) {
+    transferBackTrace(other);
+}
 
 QBLThrowable& QBLThrowable::operator=(const QBLThrowable& other) {
     if (this != &other) {
@@ -170,10 +181,8 @@ void QBLThrowable::copyBackTrace(const QBLList<char*>& entries) {
 
 void QBLThrowable::transferBackTrace(QBLThrowable& other) {
     if (this == &other) return;
-    while (!other.backTrace.empty()) {
-        backTrace.push_back(other.backTrace.front());
-        other.backTrace.pop_front();
-    }
+    while (!other.backTrace.empty())
+        backTrace.splice(backTrace.end(), other.backTrace, other.backTrace.begin());
 }
 
 void QBLThrowable::clear() {

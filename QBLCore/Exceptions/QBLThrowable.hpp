@@ -17,6 +17,9 @@
 /// another thread in a QBLDeferredThrowable.
 class QBL_API QBLThrowable {
 public:
+    /// The class as which hurl() throws, if a macro of QBLThrowableClass.hpp defines it.
+    typedef void QBLHurledAs;
+
     /// @name Making a throwable
     /// @{
 
@@ -35,6 +38,8 @@ public:
     QBLThrowable(QBLSeverity, const char*) = delete;
     /// Copies everything, including the entries of the back-trace and the cached XML text.
     QBLThrowable(const QBLThrowable& other);
+    /// Takes the texts and the entries of the other throwable, which keeps its number and severity.
+    QBLThrowable(QBLThrowable&& other) noexcept;
     QBLThrowable& operator=(const QBLThrowable& other);
     virtual ~QBLThrowable();
     /// @}

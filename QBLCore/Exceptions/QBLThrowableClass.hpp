@@ -1,6 +1,8 @@
 #ifndef QBLCORE_EXCEPTIONS_QBLTHROWABLECLASS_HPP
 #define QBLCORE_EXCEPTIONS_QBLTHROWABLECLASS_HPP
 
+#include <type_traits>
+
 #include "QBLCore/Exceptions/QBLFileLocation.hpp"
 
 /// Defines the three operations that make a throwable class concrete. It goes into the public
@@ -12,6 +14,7 @@
 ///         QBL_EXCEPTION_METHODS(ParseError)
 ///     };
 #define QBL_EXCEPTION_METHODS(Class)                                                          \
+    typedef Class QBLHurledAs;                                                                \
     QBLThrowable* clone() const override { return new Class(*this); }                         \
     [[noreturn]] void hurl(const QBLFileLocation& where, const char* detail, const char* tag) \
         override {                                                                            \
@@ -23,26 +26,32 @@
 /// The same for a class that a shared object exports. The first macro goes into the public section,
 /// the second into one source file. Because the destructor is defined there, the class has only one
 /// set of type information, by which the catch clauses of all shared objects recognise the class.
+/// The move constructor may throw if the class has fields of its own, or if the base's may throw.
 #define QBL_EXPORTED_THROWABLE(Class, Base)                                                   \
+    typedef Class QBLHurledAs;                                                                \
     using Base::Base;                                                                         \
     Class();                                                                                  \
     Class(const Class&);                                                                      \
+    Class(Class&&) noexcept(                                                                  \
+        sizeof(Class) == sizeof(Base) &&                                                      \
+        (std::is_same_v<Base, QBLThrowable> || std::is_nothrow_move_constructible_v<Base>));  \
     Class& operator=(const Class&);                                                           \
     ~Class() override;                                                                        \
     QBLThrowable* clone() const override;                                                     \
     [[noreturn]] void hurl(const QBLFileLocation& where, const char* detail, const char* tag) \
         override;                                                                             \
     const char* getThrowableName() const override;
-#define QBL_EXPORTED_THROWABLE_DEFINITION(Class)                                          \
-    Class::Class() = default;                                                             \
-    Class::Class(const Class&) = default;                                                 \
-    Class& Class::operator=(const Class&) = default;                                      \
-    Class::~Class() = default;                                                            \
-    QBLThrowable* Class::clone() const { return new Class(*this); }                       \
-    void Class::hurl(const QBLFileLocation& where, const char* detail, const char* tag) { \
-        addBackTrace(where, detail, tag);                                                 \
-        throw Class(*this);                                                               \
-    }                                                                                     \
+#define QBL_EXPORTED_THROWABLE_DEFINITION(Class)                                           \
+    Class::Class() = default;                                                              \
+    Class::Class(const Class&) = default;                                                  \
+    Class::Class(Class&&) noexcept(std::is_nothrow_move_constructible_v<Class>) = default; \
+    Class& Class::operator=(const Class&) = default;                                       \
+    Class::~Class() = default;                                                             \
+    QBLThrowable* Class::clone() const { return new Class(*this); }                        \
+    void Class::hurl(const QBLFileLocation& where, const char* detail, const char* tag) {  \
+        addBackTrace(where, detail, tag);                                                  \
+        throw Class(*this);                                                                \
+    }                                                                                      \
     const char* Class::getThrowableName() const { return #Class; }
 
 #endif

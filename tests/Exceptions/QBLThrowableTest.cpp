@@ -31,10 +31,27 @@ public:
     QBL_EXCEPTION_METHODS(OwnError)
 };
 
+/// An error class with a hurl() of its own, and without the macro.
+class NamedError : public OwnError {
+public:
+    using OwnError::OwnError;
+    void hurl(const QBLFileLocation& where, const char*, const char* tag) override {
+        addBackTrace(where, "own hurl", tag);
+        throw NamedError(*this);
+    }
+};
+
 template <class Thrown, class Caught>
 bool caughtAs() {
+    Thrown lvalue(1, "x");
+    QBLThrowable& root = lvalue;
     try {
-        QBL_THROW(Thrown(1, "x"));
+        try {
+            QBL_THROW(Thrown(1, "x"));
+        } catch (Caught& e) {
+            if (dynamic_cast<Thrown*>(&e) == nullptr) return false;
+        }
+        QBL_THROW(root);
     } catch (Caught& e) {
         return dynamic_cast<Thrown*>(&e) != nullptr;
     } catch (...) {
@@ -89,6 +106,14 @@ TEST(QBLThrowableTest, EveryThrowAndRethrowAddsAnEntryNewestFirst) {
     }
 }
 
+TEST(QBLThrowableTest, ThrowsByAnOwnHurl) {
+    try {
+        QBL_THROW(NamedError(1, "x"));
+    } catch (NamedError& e) {
+        EXPECT_EQ("OwnError: QBL_THROW: own hurl\n", traceOf(e));
+    }
+}
+
 TEST(QBLThrowableTest, DropsAnEntryLongerThanTheAddressSpace) {
     if (sizeof(void*) > 4) GTEST_SKIP() << "no text exceeds a 64-bit address space";
     constexpr std::size_t kPiece = 16U << 20, kPieces = 90;  // maps the same 16 MiB 90 times
@@ -139,10 +164,11 @@ TEST(QBLThrowableTest, IsCaughtByEachOfItsBases) {
     EXPECT_TRUE((caughtAs<QBLStdExceptionError, QBLUnexpectedError>()));
     EXPECT_TRUE((caughtAs<QBLUnknownError, QBLUnexpectedError>()));
     EXPECT_TRUE((caughtAs<OwnError, QBLThrowable>()));
+    EXPECT_TRUE((caughtAs<NamedError, OwnError>()));
     EXPECT_FALSE((caughtAs<QBLRuntimeError, QBLUnexpectedError>()));
 }
 
-TEST(QBLThrowableTest, CopiesShareNothing) {
+TEST(QBLThrowableTest, CopiesShareNothingAndMovesTakeAll) {
     QBLError original("CODE", "text");
     original.addBackTrace(QBL_HERE, "one", nullptr);
     original.addBackTrace(QBL_HERE, "two", nullptr);
@@ -151,14 +177,16 @@ TEST(QBLThrowableTest, CopiesShareNothing) {
     QBLError assigned(7, "old");
     assigned = original;
     assigned = *&assigned;
-    original.clear();
-    for (QBLError* e : {&copy, &assigned}) {
+    QBLError moved(std::move(original));
+    for (QBLError* e : {&copy, &assigned, &moved}) {
         EXPECT_STREQ("CODE", e->getErrorCodeString());
         EXPECT_STREQ("text", e->getMessage());
         EXPECT_EQ("QBLError: two\nQBLError: one\n", traceOf(*e));
         EXPECT_EQ(0, e->getErrorCode());
     }
     EXPECT_EQ(nullptr, original.getErrorCodeString());
+    EXPECT_EQ(nullptr, original.getMessage());
+    EXPECT_TRUE(original.getBackTrace().empty());
 }
 
 TEST(QBLThrowableTest, MovesAndCopiesBackTraces) {
