@@ -3,11 +3,12 @@
 #include <string>
 #include <unordered_map>
 
+#include "QBLCore/Types/internal/QBLDBTypeTables.hpp"
 #include "bench/support/Bench.hpp"
 
 namespace {
 
-constexpr int kCount = qblDTypeInterval2 + 1;
+constexpr int kCount = kQBLDBDatatypeCodes;
 
 /// The yardstick for names: the map that a program would write itself.
 const std::unordered_map<std::string, int>& hashed() {

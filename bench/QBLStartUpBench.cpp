@@ -1,5 +1,5 @@
-// Starts the programs that bench/tools/Start.cpp is compiled to. The time of a benchmark is the time
-// from just before the start of the program to its main().
+// Starts the programs that bench/tools/Start.cpp is compiled to. The time of a benchmark is the
+// time from just before the start of the program to its main().
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/stat.h>
@@ -36,8 +36,8 @@ Figures start(const std::string& program) {
     posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
     timespec now = {};
     clock_gettime(CLOCK_MONOTONIC, &now);
-    std::string time = std::to_string(static_cast<double>(now.tv_sec) * 1e9 +
-                                      static_cast<double>(now.tv_nsec));
+    std::string time =
+        std::to_string(static_cast<double>(now.tv_sec) * 1e9 + static_cast<double>(now.tv_nsec));
     std::string name = program;
     char* const arguments[] = {name.data(), time.data(), nullptr};
     pid_t child = 0;

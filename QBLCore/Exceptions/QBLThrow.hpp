@@ -11,9 +11,9 @@
 /// Throws the given throwable and adds this place to its back-trace. If there is no memory to make
 /// the throwable, any operation may throw std::bad_alloc instead:
 ///     QBL_THROW(QBLIllegalStateError(0, "QBLThing::stop: not started"));
-/// A throwable that has a name or is known by a reference is thrown as its own class, and a temporary
-/// as the class of the expression. Do not pass std::move() of a reference to a base class, because
-/// the result has the class of the reference.
+/// A throwable that has a name or is known by a reference keeps its dynamic class. A temporary has
+/// the class of the expression. Do not pass std::move() of a reference to a base class, because the
+/// thrown object then has the class of the reference.
 ///
 /// Threads: any thread may use what is in this header.
 #define QBL_THROW(...) QBLThrown{(__VA_ARGS__)}.hurl(QBL_HERE, nullptr, "QBL_THROW")
@@ -80,9 +80,9 @@ union QBLThrownValue {
     ~QBLThrownValue() {}
 };
 
-/// The operand of a QBL_THROW that is a temporary. The operand is constructed in this object, and is
-/// destroyed before the throw, so that the frame that throws needs no cleanup. A cleanup would make
-/// the runtime stop at the frame and start to unwind again, which takes longer than making and
+/// The operand of a QBL_THROW that is a temporary. The operand is constructed in this object, and
+/// is destroyed before the throw, so that the frame that throws needs no cleanup. A cleanup would
+/// make the runtime stop at the frame and start to unwind again, which takes longer than making and
 /// copying the throwable.
 template <class Error>
 struct QBLThrown {

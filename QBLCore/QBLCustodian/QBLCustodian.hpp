@@ -14,8 +14,8 @@
 /// its thread starts with the first registration.
 ///
 /// If a task throws, the process ends at once with _exit(327), which the system reports as 71. No
-/// further tasks or destructors run. The mini logger writes a record of the error to its file
-/// `qbl_error_PID`, where PID is the process ID.
+/// further tasks or destructors run. The mini logger writes a record of the error to
+/// `../logs/qbl_error_PID.log`, where PID is the process ID, if the directory exists.
 ///
 /// A forked process has no custodian until it stops the library and starts it again. It may do so
 /// only if no other thread was in a library call at the time of the fork: in the new process, a

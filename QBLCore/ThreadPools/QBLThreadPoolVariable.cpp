@@ -40,8 +40,8 @@
 //
 // Memory order: the mutex orders all of this. Without it, counts and m_someDead are only hints, and
 // what is seen is looked at again under it. The flag is not under the mutex, but whoever takes the
-// mutex after a thread that saw it set sees it too. wake() follows without the mutex: its worker
-// stays until it has got that wake-up, as it is not idle before.
+// mutex after a thread that saw it set sees it too. wake() follows without the mutex, except
+// in the destructor: its worker stays until it has got that wake-up, because it is not idle before.
 //
 // A mistake loses a task, or a destructor waits for ever (QBLThreadPoolTest):
 // VariableLosesNoTaskWhenItsWorkersRetire, VariableSurvivesATaskThatEndsItsThread,

@@ -32,9 +32,9 @@ constexpr bool complete(const std::array<Row, kCodes>& entries) {
     return true;
 }
 
-constexpr auto kSqlColTypesByCode = byCode<sqlInterval2 + 1>(kSqlColTypes);
-constexpr auto kQBLDBDatatypesByCode = byCode<qblDTypeInterval2 + 1>(kQBLDBDatatypes);
-constexpr auto kXSTypesByCode = byCode<xsPositiveInteger + 1>(kXSTypes);
+constexpr auto kSqlColTypesByCode = byCode<kSqlColTypeCodes>(kSqlColTypes);
+constexpr auto kQBLDBDatatypesByCode = byCode<kQBLDBDatatypeCodes>(kQBLDBDatatypes);
+constexpr auto kXSTypesByCode = byCode<kXSTypeCodes>(kXSTypes);
 static_assert(complete(kSqlColTypesByCode) && complete(kQBLDBDatatypesByCode) &&
               complete(kXSTypesByCode));
 

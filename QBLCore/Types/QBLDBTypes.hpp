@@ -39,7 +39,7 @@ enum SqlColType : int {
     sqlInterval2
 };
 
-/// The library's own data types. They also serve as tags of variant values.
+/// The library's own data types.
 enum QBLDBDatatype : int {
     qblDTypeUnknown = 0,
     qblDTypeString,

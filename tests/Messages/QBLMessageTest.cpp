@@ -109,6 +109,9 @@ TEST(QBLMessageTest, ShowsItsPartsIfItHasNoText) {
             "<MessageText>a < b</MessageText></Message>",
             xml(QBLMessageString(QBLSeverityFatal, "a < b"), flag));
     EXPECT_NE(std::string::npos, formatted(QBLErrnoMessage(2)).find("QBLErrnoMessage\" File=\"\""));
+}
+
+TEST(QBLXmlEscapeTest, EscapesMarkupAndReplacesWhatXmlForbids) {
     EXPECT_EQ("&lt;a b=&quot;&apos;&amp;\t\uFFFD&gt;", qblXmlEscape("<a b=\"'&\t\x01>"));
     EXPECT_EQ("\U0001F600\uFFFD\uFFFD\uFFFD|\uFFFD|\uFFFD",
               qblXmlEscape("\U0001F600\xEF\xBF\xBE\xEF\xBF\xBF\xC0|\xF0\x9F\x98|\xFF"));

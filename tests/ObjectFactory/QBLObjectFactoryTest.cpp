@@ -160,14 +160,16 @@ TEST(QBLObjectFactoryTest, ServesThreadsThatRegisterCreateAndRelease) {
 }
 
 TEST(QBLObjectFactoryTest, StaysUsableWhenMemoryRunsOut) {
-    fault::eachAllocation([] {
+    const long failures = fault::eachAllocation([] {
         try {
             QBLObjectFactory factory;
             factory.registerClass(g_id, &Item::make);
             for (int attempt = 0; attempt < 2; ++attempt) {
                 try {
                     factory.createObject(g_id)->release();
-                } catch (const QBLThrowable&) {
+                } catch (const QBLThrowable& error) {
+                    EXPECT_STREQ("QBLOutOfMemoryError", error.getThrowableName());
+                    factory.createObject(g_id)->release();  // only one allocation fails
                 }
                 factory.unregisterClass(g_id);
                 factory.registerClass(g_id, &Item::make);
@@ -177,5 +179,6 @@ TEST(QBLObjectFactoryTest, StaysUsableWhenMemoryRunsOut) {
         } catch (const std::bad_alloc&) {  // from the test's creator
         }
     });
+    EXPECT_GT(failures, 3);
     EXPECT_EQ(0, g_alive);
 }

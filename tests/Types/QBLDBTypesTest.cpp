@@ -7,6 +7,7 @@
 #include <string>
 
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
+#include "QBLCore/Types/internal/QBLDBTypeTables.hpp"
 #include "tests/support/Child.hpp"
 #include "tests/support/FaultInjection.hpp"
 #include "tests/support/Workers.hpp"
@@ -70,9 +71,9 @@ TEST(QBLDBTypesTest, IsCreatedOnceByConcurrentFirstCalls) {
 }
 
 TEST(QBLDBTypesTest, FindsEveryNameAndNoOther) {
-    expectNames<SqlColType>(32, &QBLDBTypes::getSqlColTypeCode);
-    expectNames<QBLDBDatatype>(61, &QBLDBTypes::getQBLDBDatatypeCode);
-    expectNames<XSType>(45, &QBLDBTypes::getXSTypeCode);
+    expectNames<SqlColType>(kSqlColTypeCodes, &QBLDBTypes::getSqlColTypeCode);
+    expectNames<QBLDBDatatype>(kQBLDBDatatypeCodes, &QBLDBTypes::getQBLDBDatatypeCode);
+    expectNames<XSType>(kXSTypeCodes, &QBLDBTypes::getXSTypeCode);
     EXPECT_EQ(15, QBLDBTypes::get()->getQBLDBDatatypeCode("qblDTypeTimestamp"));
     for (int i = 0; i < 2; ++i) {
         const auto name = std::make_unique<std::string>("a name that is freed after the lookup");

@@ -28,6 +28,11 @@ struct QBLXSTypeRow {
     QBLDBDatatype datatype;
 };
 
+// The number of codes of each set: the last enumerator plus 1.
+constexpr int kSqlColTypeCodes = sqlInterval2 + 1;
+constexpr int kQBLDBDatatypeCodes = qblDTypeInterval2 + 1;
+constexpr int kXSTypeCodes = xsPositiveInteger + 1;
+
 constexpr QBLSqlColTypeRow kSqlColTypes[] = {
     {sqlUnknownType, "sqlUnknownType", xsAnyType, qblDTypeUnknown},
     {sqlChar, "sqlChar", xsString, qblDTypeString},

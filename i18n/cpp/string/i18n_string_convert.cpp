@@ -258,7 +258,9 @@ const I18NString::Conversion* I18NString::conversion(const char* key, const char
         context = m_allocatorContext;
     }
     QBL_ALLOC_TRY
-    // Only conversions after the first need the name. So a string has at most two for one encoding.
+    // Only conversions after the first need the name. So a string has at most two conversions for
+    // one encoding, and one more for each thread that makes the first conversion at the same time
+    // under another name of the encoding.
     const bool isFirst =
         hasFlag(kI18NChanged) || m_pConverted.load(std::memory_order_acquire) == nullptr;
     const std::string anyName =
