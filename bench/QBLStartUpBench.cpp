@@ -1,12 +1,14 @@
 // Starts the programs that bench/tools/Start.cpp is compiled to. The time of a benchmark is the
 // time from just before the start of the program to its main().
 #include <fcntl.h>
+#include <link.h>
 #include <spawn.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 #include <map>
 #include <string>
@@ -78,5 +80,47 @@ BENCHMARK_CAPTURE(BM_StartUp, empty, "empty")->UseManualTime();
 BENCHMARK_CAPTURE(BM_StartUp, icu, "icu")->UseManualTime();
 BENCHMARK_CAPTURE(BM_StartUp, qt, "qt")->UseManualTime();
 BENCHMARK_CAPTURE(BM_StartUp, qblcore, "qblcore")->UseManualTime();
+
+/// What the program headers and the dynamic section of a shared object of this process say.
+struct SharedObject {
+    const char* name;
+    double bytes, relocations;
+};
+
+int look(dl_phdr_info* info, std::size_t, void* wanted) {
+    auto& object = *static_cast<SharedObject*>(wanted);
+    if (std::strstr(info->dlpi_name, object.name) == nullptr) return 0;
+    for (int i = 0; i < info->dlpi_phnum; ++i) {
+        const ElfW(Phdr)& header = info->dlpi_phdr[i];
+        if (header.p_type == PT_LOAD) object.bytes += static_cast<double>(header.p_memsz);
+        if (header.p_type != PT_DYNAMIC) continue;
+        const auto* entry = reinterpret_cast<const ElfW(Dyn)*>(info->dlpi_addr + header.p_vaddr);
+        for (; entry->d_tag != DT_NULL; ++entry) {
+            const auto value = static_cast<double>(entry->d_un.d_val);
+            constexpr std::size_t kSize =
+                sizeof(void*) == 4 ? sizeof(ElfW(Rel)) : sizeof(ElfW(Rela));
+            if (entry->d_tag == DT_RELSZ || entry->d_tag == DT_RELASZ ||
+                entry->d_tag == DT_PLTRELSZ)
+                object.relocations += value / kSize;
+        }
+    }
+    return 1;
+}
+
+void BM_SharedObject(benchmark::State& state, const char* name) {
+    SharedObject object = {name, 0, 0};
+    for (auto _ : state) {
+        object = {name, 0, 0};
+        if (dl_iterate_phdr(look, &object) == 0) {
+            state.SkipWithError("this program is not linked with the library");
+            return;
+        }
+    }
+    state.counters["kB"] = object.bytes / 1024;
+    state.counters["relocations"] = object.relocations;
+}
+BENCHMARK_CAPTURE(BM_SharedObject, icu, "/libicuuc.so")->Iterations(1);
+BENCHMARK_CAPTURE(BM_SharedObject, qt, "/libQt5Core.so")->Iterations(1);
+BENCHMARK_CAPTURE(BM_SharedObject, qblcore, "/libQBLCore.so")->Iterations(1);
 
 }  // namespace

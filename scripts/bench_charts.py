@@ -6,6 +6,7 @@ from xml.sax.saxutils import escape
 
 AREAS = {
     "threads": "Lists, errors, threads and pools",
+    "start": "Start-up and memory",
     "files": "Files and housekeeping",
     "strings": "Strings",
     "utf": "Strings from and to UTF-8",
