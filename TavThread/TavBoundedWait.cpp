@@ -1,49 +1,54 @@
-// A bounded wait first looks for a post while it stays awake, and then sleeps.
+// A bounded wait first spins: it looks for a post without sleeping. Then it sleeps.
 //
-// Why: a sleeper costs the poster a system call, and itself two switches of the processor. Where
-// posts come within microseconds, as in a hand-over between two threads, staying awake is many
-// times faster; where they do not, it burns a processor. So each semaphore learns whether it pays
-// off.
+// Why: to wake a sleeping waiter costs the poster a system call and the waiter two context
+// switches. If posts come within microseconds, as in a hand-over between two threads, spinning is
+// many times faster. If posts come later, spinning wastes processor time. So each semaphore learns
+// whether spinning pays off.
 //
-// The count has two parts: that of the POSIX semaphore, and the promises in `looking`. The word has
-// the number of lookers, waiters that are awake, in its upper half and that of the promises in its
+// The count of the semaphore is the count of the POSIX semaphore plus the number of promises. A
+// promise is a post that the POSIX semaphore does not count. A looker is a waiter that spins. The
+// word `looking` has the number of lookers in its upper half and the number of promises in its
 // lower half. Its invariant: promises <= lookers.
-//   post    adds a promise while there are fewer of them than lookers; otherwise sem_post.
-//   look    takes a promise and leaves, in one step; or takes from the POSIX count and leaves.
+//   post    adds a promise if there are fewer promises than lookers; otherwise calls sem_post.
+//   look    takes a promise, or a post of the POSIX semaphore. If this succeeds, the waiter is no
+//           longer a looker. One atomic step takes the promise and subtracts the looker.
 //   leave   takes a promise if there is one: promises must not outlive the last looker, because
 //           sleeping threads never see promises.
-// A looker that has taken from the POSIX count and finds a promise puts back what it took, before
-// it takes the promise: the count may seem too high for a moment, but never too low, which would
-// make a try fail although there is a post. Others, such as a try, may take a promise as well,
-// without being lookers.
+// A looker may take a post of the POSIX semaphore and then find a promise. It first returns the
+// post and then takes the promise. Meanwhile the count may seem too high, but never too low. If the
+// count seemed too low, a try could fail although there is a post. Threads that are not lookers may
+// take promises too, for example in a try.
 //
-// Memory order: a promise is made with release and taken with acquire, as sem_post and sem_wait
-// are; they carry what the poster wrote to the taker. Numbers of lookers carry nothing, and are
-// relaxed.
+// Memory order: a promise is made with release and taken with acquire, like a post by sem_post and
+// sem_wait. So the taker sees what the poster wrote before the post. The number of lookers hands
+// over no data, so relaxed operations are enough for it.
 //
-// The scores say how often looking has paid off lately, by pausing (the poster runs on another
-// processor) and by yielding (it waits for this one). A score above 0 allows an attempt; pausing
-// lasts the longer the higher its score is, yielding is done three times at most. Each success adds
-// 1, up to 8; each failure takes 2. Instead of reaching 0 a score drops far below it, from where
-// short sleeps, which an attempt would have saved, count it up again. Scores are hints that several
-// threads change without care: a lost update costs time, never a post.
+// Each semaphore has two scores, which say how often spinning has found a post recently. pauseScore
+// is for pausing: it succeeds if the poster runs on another processor. yieldScore is for yielding:
+// it succeeds if the poster waits for this processor. A waiter pauses or yields only if the score
+// is above 0. It pauses longer with a higher score, and yields at most three times. Each success
+// adds 1, up to 8; each failure subtracts 2. Instead of reaching 0, a score drops far below 0. Then
+// each short sleep adds 1, because spinning would have saved that sleep. Scores are hints, and
+// several threads change them without a lock: a lost update costs time, never a post.
 //
-// Why not one futex word and a spin of a fixed length: that needs no lookers, promises or scores,
-// but in a trial it was slower, except for the tasks of the queued pool. Medians in ns on two busy
-// x86 processors (a spin of 5 us was slower still, and so were three yields after the spin):
+// Why not one futex word and a spin of a fixed length: that design needs no lookers, promises or
+// scores. But in a trial it was slower, except in one case: without a spin, the tasks of the queued
+// pool took less time. Medians in ns on two busy x86 processors (a spin of 5 us was slower still,
+// and so were three yields after the spin):
 //                                  this wait  futex, 1.5 us spin  futex, no spin
 //   QBLThreadPoolFixed round trip        561                 769             795
 //   QBLThreadPoolQueued round trip       646                1511            1384
 //   QBLThreadPoolVariable per task       372                 789             682
 //   QBLThreadPoolQueued per task         109                 120              91
-// Besides, a cancellation takes effect in sem_wait, but not in a call of futex.
+// Also, sem_wait is a cancellation point, and the futex system call is not.
 //
-// A mistake here loses a post, and then a waiter sleeps for ever:
+// A mistake here loses a post, and then a waiter sleeps forever. The tests
 // TavSemaphoreTest.BoundedWaitLosesNoPostAndSynchronizesMemory and
-// BoundedWaitHandsOverBackAndForth stop or count wrong, some mistakes only in one of several runs
-// (--gtest_repeat). The thread sanitizer reports a hand-over without an order (preset x64-tsan, and
-// ThreadsTsanUser for a library that is compiled without). The benchmarks roundTrip and throughput
-// of QBLThreadPoolBench show what the constants cost.
+// BoundedWaitHandsOverBackAndForth then hang or find a wrong count. Some mistakes show only in one
+// of several runs (--gtest_repeat). ThreadSanitizer reports a hand-over without release and acquire
+// (preset x64-tsan; the test ThreadsTsanUser uses a library that is built without
+// ThreadSanitizer). The benchmarks roundTrip and throughput of QBLThreadPoolBench show the cost of
+// other constants.
 #include <sched.h>
 
 #include <cstdint>
@@ -55,12 +60,13 @@
 namespace {
 
 constexpr int kTopScore = 8;
-constexpr int kTryScore = 4;  // of an attempt after some time without
+constexpr int kTryScore = 4;  // the score with which spinning resumes
 constexpr std::int64_t kPauseNsPerScore = 1200;
-constexpr int kPauses = 4;  // between two looks at the count
+constexpr int kPauses = 4;  // pause instructions between two looks at the count
 constexpr int kYields = 3;
-// Short sleeps until the next attempt: after pauses or yields without success, and after a yield
-// that gave the processor to a busy thread for so long that a thousand short sleeps are cheaper.
+// Scores that stop spinning until enough short sleeps have counted them up to 0. kAfterMisses
+// follows pauses or yields without success. kAfterLongYield follows a yield that gave the processor
+// to a busy thread for a long time; a thousand short sleeps cost less than such a yield.
 constexpr int kAfterMisses = -16;
 constexpr int kAfterLongYield = -4000;
 constexpr std::int64_t kLongYieldNs = 200000;
@@ -72,7 +78,8 @@ std::int64_t monotonicNs() {
     return static_cast<std::int64_t>(now.tv_sec) * 1000000000 + now.tv_nsec;
 }
 
-/// A waiter that looks for a post, which posts may be promised to until it has taken one or left.
+/// A waiter that spins. It counts as a looker from its construction until look() succeeds or
+/// leave() returns.
 class Looker {
 public:
     explicit Looker(TavSemaphore* s) : m_semaphore(s) {
@@ -81,7 +88,7 @@ public:
     Looker(const Looker&) = delete;
     Looker& operator=(const Looker&) = delete;
 
-    /// @return true if it has taken a post, and with it left.
+    /// @return true if the waiter has taken a post; it is then no longer a looker.
     bool look() {
         if (takePromise()) return true;
         if (sem_trywait(&m_semaphore->native) != 0) return false;
@@ -90,12 +97,12 @@ public:
             if (m_semaphore->looking.compare_exchange_weak(looking, looking - kTavLooker,
                                                            std::memory_order_relaxed))
                 return true;
-        // There is a promise now. The post that was taken goes back first, so that the count never
-        // seems lower than it is.
+        // There is a promise now. Returns the post first, so that the count never seems too low.
         sem_post(&m_semaphore->native);
         return takePromise();
     }
-    /// @return true if it had to take a post that it was promised.
+    /// Stops looking.
+    /// @return true if the waiter has taken a promise, which it must do if there is one.
     bool leave() {
         std::uint32_t looking = m_semaphore->looking.load(std::memory_order_relaxed);
         for (;;) {
@@ -129,7 +136,7 @@ void learn(std::atomic<int>& score, bool taken) {
         setScore(score, now > 2 ? now - 2 : kAfterMisses);
 }
 
-/// Brings the next attempt nearer.
+/// Counts a negative score up by 1. The short sleep shows that spinning may pay off again.
 void learnFromShortSleep(std::atomic<int>& score) {
     const int now = scoreOf(score);
     if (now < 0) setScore(score, now == -1 ? kTryScore : now + 1);
@@ -147,7 +154,7 @@ bool takePausing(TavSemaphore* s, Looker& looker) {
     return taken;
 }
 
-/// Finds a post by a thread that waits for this processor.
+/// Finds a post by a thread that is waiting for this processor.
 bool takeYielding(TavSemaphore* s, Looker& looker) {
     if (scoreOf(s->yieldScore) <= 0) return false;
     const std::int64_t start = monotonicNs();
@@ -178,7 +185,7 @@ int takeAsleep(TavSemaphore* s, unsigned ms, std::int64_t start) {
     deadline.tv_nsec = static_cast<long>(end % 1000000000);
     const int err =
         tavRetryErrno([&] { return sem_clockwait(&s->native, CLOCK_MONOTONIC, &deadline); });
-    // The thread sanitizer does not know this call as one that takes what sem_post released.
+    // ThreadSanitizer does not know that this call acquires what sem_post released.
     if (err == 0) tavTaken(&s->native);
     return err;
 }

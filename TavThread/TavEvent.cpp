@@ -87,7 +87,7 @@ int tavXEventCreate(TavEvent** out, int manualReset, int setSignaled, ...) {
 
 int tavXEventDestroy(TavEvent* e) {
     if (e == nullptr) return TAVTHREAD_INVALID;
-    { TavHold hold(e->mutex); }  // the thread that signalled last may still hold it
+    { TavHold hold(e->mutex); }  // the thread that signalled last may still hold the mutex
     const int mutexErr = tavRetry([e] { return pthread_mutex_destroy(&e->mutex); });
     const int conditionErr = tavRetry([e] { return pthread_cond_destroy(&e->condition); });
     delete e;

@@ -15,7 +15,7 @@ constexpr TavAttrTag kTags[] = {TAV_BASIC_ATTR_TAGS,
                                 {"TrackOwner", " TRACK OWNER", TavAttrValue::kNone},
                                 {"Flag6", nullptr, TavAttrValue::kNone}};
 constexpr int kLooks = 4;    // tries while the mutex is taken
-constexpr int kPauses = 12;  // before the first try; doubled before each further try
+constexpr int kPauses = 12;  // pauses before the first try; doubled before each later try
 constexpr TavAttrKind kKind = {"TavMutexAttr", kTags, 7};
 
 TavRecursiveMutex* recursive(TavMutex* m) {
@@ -63,9 +63,9 @@ bool reentered(TavMutex* m, int& rc) {
     return true;
 }
 
-/// Spins briefly for a holder on another processor: most threads hold a mutex for less time than it
-/// takes to sleep and wake up. The pauses grow, so that the holder keeps the cache line. Two
-/// contending threads then need less time than with sleeping.
+/// Spins briefly until a holder on another processor unlocks. Most threads hold a mutex for less
+/// time than a waiter needs to sleep and wake up. The pauses grow, so that the holder keeps the
+/// cache line. Two contending threads then need less time than if they slept.
 bool tookFromHolder(TavMutex* m) {
     if (!tavSeveralProcessors()) return false;
     for (int i = 0; i < kLooks; ++i) {

@@ -15,7 +15,7 @@ enum TavMutexAttributes {
     TavMutexAttrNoop = 1,
     TavMutexAttrDisableSyntax = 2,  ///< no creation-syntax trace line
     TavMutexAttrTraceObj = 3,       ///< followed by a void*
-    TavMutexAttrRecursive = 4,      ///< the holder may lock it again; it unlocks as often
+    TavMutexAttrRecursive = 4,      ///< the holder may lock again, and must unlock as often
     TavMutexAttrTrackOwner = 5,     ///< records the thread, file and line that locked it
     TavMutexAttrFlag6 = 6           ///< stored, but without effect
 };
@@ -28,7 +28,7 @@ TAV_API int tavXMutexCreate(TavMutex** out, ...);
 /// @return TAVTHREAD_BUSY if the mutex was still locked.
 TAV_API int tavXMutexDestroy(TavMutex* m);
 
-/// @return TAVTHREAD_ERROR if the mutex tracks its owner and the calling thread can have no record.
+/// @return TAVTHREAD_ERROR if the mutex tracks its owner and no record of the thread can be made.
 ///         The mutex is locked nevertheless, and the caller must unlock it. The same applies to
 ///         tavXMutexTryLock_ and tavXMutexTimedLock_.
 TAV_API int tavXMutexLock_(TavMutex* m, const char* file, int line);

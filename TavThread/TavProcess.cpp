@@ -9,8 +9,8 @@
 
 namespace {
 
-// The key is created once and kept when the layer stops. So a thread that outlives a stop still
-// releases its record when it ends, and a late lookup never uses a deleted key.
+// The key is created once and never deleted, not even when the layer stops. So a thread that ends
+// after the layer has stopped still releases its record, and no lookup uses a deleted key.
 TavThreadCriticalSection g_lock;
 unsigned g_uses = 0;        // guarded by g_lock
 bool g_keyMade = false;     // guarded by g_lock
@@ -85,7 +85,7 @@ TavThread* tavThreadPeek() {
 TavThread* tavThreadSelf() {
     if (TavThread* thread = tavThreadPeek()) return thread;
     if (!tavThreadInitialized()) return nullptr;
-    dropAdopted();  // left from an earlier run of the layer
+    dropAdopted();  // a record from an earlier run of the layer
     return adopt();
 }
 

@@ -1,10 +1,10 @@
-// While no thread waits, the lock is one word. The mutex and the conditions are for waiters.
+// While no thread waits, the lock uses only one word. The mutex and the conditions are for waiters.
 //
 // The word counts the readers in its lower 30 bits, or has the writer's mark. While the waiters'
 // mark is clear, any thread changes the word by compare-and-swap: a reader adds 1 unless the
-// writer's mark is set, a writer changes 0 to its mark, and an unlock undoes either. While the
-// waiters' mark is set, the fast operations fail, and only the holder of the mutex changes the word
-// (Section).
+// writer's mark is set, a writer changes 0 to its mark, and an unlock reverses the change. While
+// the waiters' mark is set, the fast operations fail, and only the holder of the mutex changes the
+// word (Section).
 //
 // Section sets the waiters' mark when it begins. From then on it owns the word. It cannot miss an
 // unlock: the unlock has either changed the word before, or takes the slow path and waits for the
@@ -18,15 +18,15 @@
 // waited only for it.
 //
 // Memory order: taking the lock acquires, and giving it up releases, on the word or through the
-// mutex. Setting the waiters' mark acquires too: the holder of the mutex may hand the lock on, so
-// it must see what a fast unlock has released. Clearing the mark releases, for the next fast
-// operation. Relaxed loads only choose between the paths, or let a try fail.
+// mutex. Setting the waiters' mark acquires too: the holder of the mutex may pass the lock to
+// another thread, so it must see what a fast unlock has released. Clearing the mark releases; the
+// next fast operation acquires. Relaxed loads only choose between the paths, or let a try fail.
 //
-// A mistake here deadlocks, or lets in a reader beside a writer.
+// A mistake here deadlocks, or lets a reader in while a writer holds the lock.
 // TavRWLockTest.OneWriterOrManyReadersAtATime mixes both kinds with tries and timeouts.
 // ReadersContinueAfterTheWriterTimesOut, ReadersContinueAfterTheWriterIsCancelled and
-// TimedOutWriterLosesNoWakeUp hang if passOn() does too little. `./dev check --all` also
-// runs them under ThreadSanitizer.
+// TimedOutWriterLosesNoWakeUp hang if passOn() does not wake a thread that could continue.
+// `./dev check --all` also runs these tests under ThreadSanitizer.
 #include "TavThread/TavRWLock.h"
 
 #include <new>
@@ -196,8 +196,8 @@ int tavXRWLockCreate(TavRWLock** out, ...) {
 
 int tavXRWLockDestroy(TavRWLock* rw) {
     if (rw == nullptr) return TAVTHREAD_INVALID;
-    // The thread that unlocked last lets others in just before it gives up the mutex. Wait for
-    // that.
+    // The thread that unlocked the lock last may still hold the mutex. Waits until that thread has
+    // unlocked the mutex.
     pthread_mutex_lock(&rw->mutex);
     pthread_mutex_unlock(&rw->mutex);
     const int errors[] = {tavRetry([rw] { return pthread_mutex_destroy(&rw->mutex); }),

@@ -7,9 +7,9 @@
 enum TavThreadResult {
     TAVTHREAD_OK = 0,
     TAVTHREAD_BUSY = 1,           ///< a try operation found the object taken
-    TAVTHREAD_ERROR = -1,         ///< a system error without a code of its own
+    TAVTHREAD_ERROR = -1,         ///< a system error that has no other code here
     TAVTHREAD_NOMEM = -2,         ///< out of memory
-    TAVTHREAD_AGAIN = -3,         ///< another resource is exhausted, or a priority is out of range
+    TAVTHREAD_AGAIN = -3,         ///< a resource ran out, or a priority is out of range
     TAVTHREAD_DEADLOCK = -4,      ///< the call would deadlock
     TAVTHREAD_TIMEOUT = -5,       ///< the time ran out
     TAVTHREAD_NOTSUPPORTED = -6,  ///< not supported

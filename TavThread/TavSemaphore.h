@@ -32,9 +32,9 @@ TAV_API int tavXSemaphoreTryWait(TavSemaphore* s);
 /// @param ms  0 tries once, TAVTHREAD_INFINITE waits without limit.
 /// @return TAVTHREAD_TIMEOUT when the time ran out.
 TAV_API int tavXSemaphoreTimedWait(TavSemaphore* s, unsigned ms);
-/// Wakes up as soon as there is a post to take. Ends when the time runs out on the monotonic clock,
-/// and then has taken no post. Before it sleeps, it spins for a few microseconds, as long as
-/// spinning has recently paid off on this semaphore.
+/// Wakes up as soon as there is a post to take. The timeout uses the monotonic clock. A call that
+/// times out has taken no post. Before the call sleeps, it spins for a few microseconds if spinning
+/// has recently paid off on this semaphore.
 /// @param ms  0 tries once, TAVTHREAD_INFINITE waits without limit.
 /// @return TAVTHREAD_TIMEOUT when the time ran out, also for 0 ms.
 TAV_API int tavXSemaphoreBoundedWait(TavSemaphore* s, unsigned ms);

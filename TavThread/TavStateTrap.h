@@ -3,13 +3,13 @@
 
 #include "TavThread/TavThread.h"
 
-/// Called when a thread enters a state. The thread that makes the change calls it without holding a
-/// lock. Exceptions from the callback are dropped.
+/// Called when a thread enters a state. The thread that makes the change calls the routine without
+/// holding a lock. Exceptions from the routine are dropped.
 ///
 /// A suspended thread that is continued resumes only after the callbacks for Running have returned.
-/// The thread that continues it first waits until the suspended thread's callbacks for Suspended
-/// have returned. So a callback may change the state of its thread, but must not wait for another
-/// thread that changes this state. A callback for Initial must not end the calling thread, which is
+/// tavXThreadContinue first waits until the suspended thread's callbacks for Suspended have
+/// returned. So a callback may change the state of its thread, but must not wait for another thread
+/// that changes this state. A callback for Initial must not end the calling thread, which is
 /// already ending.
 typedef void (*TavStateRoutine)(void* arg, TavThread* thread, int newState);
 

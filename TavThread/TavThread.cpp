@@ -148,10 +148,11 @@ int create(void* (*routine)(void*), void* arg, TavThread** out, va_list list, va
     thread->state.store(TavThreadStateRunning, std::memory_order_relaxed);
     if (attrs.has(TavThreadAttrSuspended)) tavXThreadSuspend(thread);
 
-    // One owner each for the thread, the handle and this call. This call uses the record again
-    // after the two others may have released it.
+    // The owners are the thread, this call and, if out is not null, the handle. This call still
+    // uses the record when the other owners may already have released it.
     thread->owners.store(out != nullptr ? 3 : 2, std::memory_order_relaxed);
-    // Stored before the thread starts. Atomic, because any thread may read it.
+    // Stores the handle before the thread starts. The store is atomic, because any thread may read
+    // the handle.
     if (out != nullptr) __atomic_store_n(out, thread, __ATOMIC_RELEASE);
     const int err = startSystemThread(*thread, attrs);
     if (err != 0) {
@@ -210,7 +211,8 @@ int tavXThreadJoin(TavThread* thread, void** value) {
     const int err = tavRetry([&] { return pthread_join(handle, &result); });
     if (err != 0) return tavThread_MapError(err);
     claim.thread = nullptr;
-    // Differs from the value that the thread stored if the routine called pthread_exit.
+    // If the routine called pthread_exit, this result differs from the value that the thread
+    // stored.
     thread->exitValue.store(result, std::memory_order_release);
     if (value != nullptr) *value = result;
     return TAVTHREAD_OK;

@@ -14,7 +14,7 @@
 ///
 /// Threads: any thread may call any operation on any record that has not been destroyed.
 /// The creator owns the record of a started thread until it calls tavXThreadDestroy, even after the
-/// thread has ended. An adopted record is freed when its thread ends, if not earlier.
+/// thread has ended. An adopted record is freed at the latest when its thread ends.
 typedef struct TavThread TavThread;
 
 enum TavThreadState {
@@ -61,8 +61,8 @@ TAV_API int tavThreadProcessInitialize(const char* name TAV_DEFAULT(0));
 TAV_API int tavThreadProcessTerminate(const char* name TAV_DEFAULT(0));
 /// Gives the calling thread an adopted record if it has no record.
 TAV_API int tavXThreadInitialize(void);
-/// If the calling thread's record is adopted, frees it. If this is not called, the record is freed
-/// when the thread ends.
+/// Frees the calling thread's record if it is adopted. Without this call, an adopted record is
+/// freed when its thread ends.
 TAV_API int tavXThreadTerminate(void);
 /// @}
 
@@ -99,7 +99,7 @@ TAV_API int tavXThreadEqual(TavThread* a, TavThread* b);
 TAV_API int tavXThreadYield(void);
 /// Returns the thread's number, counted from 1.
 /// @param thread  null means the caller.
-/// @return 0 if thread is null and the caller can have no record.
+/// @return 0 if thread is null and the caller has no record and cannot get one.
 TAV_API unsigned tavXThreadId(TavThread* thread);
 /// Writes the address of the record and the system's thread handle as "%8x(%8x)". As with strncpy,
 /// the text is not null-terminated if n is too small; otherwise the rest of buf is filled with
@@ -118,8 +118,8 @@ TAV_API void* tavXThreadExitStatus(TavThread* thread);
 /// @name Suspending and cancelling
 /// @{
 
-/// Returns the thread's state. If thread is null, this is a checkpoint of the caller: suspends the
-/// caller if that is requested, notes a cancellation, yields, and returns the caller's state.
+/// Returns the thread's state. If thread is null, the call is a checkpoint of the caller: it
+/// suspends the caller if requested, notes a cancellation, yields, and returns the caller's state.
 TAV_API int tavXThreadState(TavThread* thread);
 /// Asks a running thread to stop at its next checkpoint. Has no effect in other states. A thread
 /// that was continued and has not woken up yet first leaves its present checkpoint, and stops at
@@ -132,7 +132,7 @@ TAV_API int tavXThreadContinue(TavThread* thread);
 TAV_API int tavXThreadCancel(TavThread* thread);
 /// Sets or removes the thread's cancel flag: a non-zero value of *flag cancels the thread.
 /// @param thread  null means the caller.
-/// @param flag    every later checkpoint reads it; null removes the flag.
+/// @param flag    every later checkpoint reads *flag; null removes the flag.
 TAV_API int tavXThreadSetCancel(TavThread* thread, int* flag, int inheritable);
 /// Withdraws a cancel request to the caller, and sets its state back from canceling to running.
 TAV_API int tavXThreadCancelReset(void);

@@ -8,9 +8,9 @@
 #include "TavThread/internal/TavTransition.hpp"
 
 // The `resumed` semaphore counts 0 while a suspension is pending or in effect, else 1. Threads set
-// it under the transition mutex. Only the suspended thread takes it, without the mutex. After it
-// has woken up, it sets the semaphore again, because the next suspension may have been requested
-// and withdrawn meanwhile.
+// it under the transition mutex. Only the suspended thread waits for it, without the mutex. After
+// the thread has woken up, it sets the semaphore again: to 0 if another suspension is pending, else
+// to 1.
 //
 // A suspended thread resumes only after the callbacks of the change to Running have returned. They
 // run without the mutex. `continuing` is set until they return, and a thread that wakes up earlier
@@ -28,7 +28,7 @@ int setResumed(TavThread& thread, bool resumed) {
 }
 
 /// Hides that the thread runs callbacks of an earlier change. Otherwise the thread that continues
-/// it would wait for these callbacks, and deadlock.
+/// this thread would wait for these callbacks, and deadlock.
 class OuterCallbacks {
 public:
     /// Requires: the transition mutex is held.
@@ -49,7 +49,7 @@ private:
     const int m_iCalls;
 };
 
-/// Suspends the calling thread if this is requested and the thread is not cancelled.
+/// Suspends the calling thread if a suspension is requested and the thread is not cancelled.
 void suspendHere(TavThread& self) {
     std::optional<OuterCallbacks> outer;
     {
@@ -104,7 +104,8 @@ private:
 int continueThread(TavThread& thread) {
     TavTransition change(thread);
     while (change.state() == TavThreadStateSuspended) {
-        // The suspended thread runs the callbacks of Suspended. They come before those of Running.
+        // The suspended thread runs the callbacks of Suspended. The callbacks of Running must wait
+        // for them.
         if (change.awaitCallbacks()) continue;
         Continuing continuing(thread);
         change.to(TavThreadStateRunning);
@@ -122,7 +123,7 @@ int tavThreadCheckpoint(TavThread& self) {
     if (self.has(kTavThreadSuspendPending)) suspendHere(self);
     if (self.cancelled()) {
         TavTransition change(self);
-        // A callback of the thread's last state can call this too, after the thread has ended.
+        // A callback of the thread's last state may call this function after the routine has ended.
         if (change.state() == TavThreadStateRunning) change.to(TavThreadStateCanceling);
         change.finish();
     }

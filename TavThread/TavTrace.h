@@ -24,8 +24,8 @@ TAV_EXTERN_C_BEGIN
 /// `QBLCore` or `i18n/cpp`: they create locks and threads while they hold their own locks.
 ///
 /// Threads: called on the thread that traces, which holds no lock of the layer.
-/// @param traceObj  the trace object of the new object, else of the thread that creates it, else
-///                  null.
+/// @param traceObj  the trace object of the new object, else the trace object of the thread that
+///                  creates the new object, else null.
 /// @param categoryMask  one TavTraceCategory.
 TAV_API void tavThreadTraceOutput(void* traceObj, unsigned long categoryMask, const char* format,
                                   ...) __attribute__((format(printf, 3, 4)));

@@ -8,9 +8,9 @@ extern "C" __attribute__((visibility("hidden"))) void tavThreadTraceOutputBuiltI
 
 namespace {
 
-// The loader sets both. `g_output` gets the first definition in the program's symbol search, so the
-// program's own if there is one. They are volatile, because a compiler may assume that two
-// functions with different names have different addresses.
+// The loader sets both pointers. `g_output` gets the first definition that the symbol search finds:
+// the program's own function if the program defines one. Both pointers are volatile, because a
+// compiler may assume that two functions with different names have different addresses.
 using Output = void (*)(void*, unsigned long, const char*, ...);
 // NOLINTBEGIN(readability-identifier-naming): volatile, so not a constant for the compiler
 volatile const Output g_output = &tavThreadTraceOutput;

@@ -8,7 +8,7 @@ enum class TavAttrValue : unsigned char { kNone, kTraceObj, kCancelFlag, kStackS
 
 struct TavAttrTag {
     const char* name;    // the tag's name without the prefix of the kind
-    const char* syntax;  // its text in a creation statement; null for no text
+    const char* syntax;  // the tag's text in a creation statement; null for no text
     TavAttrValue value;
 };
 
@@ -36,14 +36,14 @@ constexpr TavAttrKind tavBasicAttrKind(const char* prefix) {
 
 /// The contents of an attribute list. If a tag occurs twice, its last value counts.
 struct TavAttributes {
-    unsigned given = 0;  // a bit per tag
+    unsigned given = 0;  // one bit for each tag in the list
     void* traceObj = nullptr;
     int* cancelFlag = nullptr;
     unsigned stackSize = 0;
 
     bool has(int tag) const { return ((given >> tag) & 1U) != 0; }
     bool syntaxTraced() const { return !has(kTavAttrDisableSyntax); }
-    /// Returns the trace object of the list, else of the calling thread.
+    /// Returns the trace object in the list, else the trace object of the calling thread.
     void* traceObject() const;
 };
 

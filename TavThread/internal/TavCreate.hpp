@@ -9,7 +9,7 @@
 /// @param list  the attributes; the caller begins and ends the list
 /// @param make  makes the object from the attributes, stores it in *out and returns a result code
 /// @param traceCall  traces the call; receives the trace object and the text of the attributes
-/// @param traceSyntax  traces the creation statement; receives the same
+/// @param traceSyntax  traces the creation statement; receives the same arguments as traceCall
 /// @return the result of make; TAVTHREAD_BADATTR or TAVTHREAD_INVALID if make was not called
 template <class Object, class Make, class TraceCall, class TraceSyntax>
 int tavCreate(Object** out, const TavAttrKind& kind, va_list list, const Make& make,

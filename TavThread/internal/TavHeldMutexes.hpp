@@ -8,7 +8,7 @@
 // unlock or destroy such a mutex, so one lock guards all lists.
 
 /// Adds a mutex that the calling thread has just locked to the thread's list. Returns
-/// TAVTHREAD_ERROR if the thread can have no record.
+/// TAVTHREAD_ERROR if the thread has no record and cannot get one.
 int tavHeldMutexesAdd(TavMutex* m, const char* file, int line);
 void tavHeldMutexesRemove(TavMutex* m);
 /// Clears the owner of each mutex in the list of a record that is about to be freed.

@@ -17,7 +17,8 @@ int tavRetry(Call call) {
     return rc;
 }
 
-/// The same for a call that returns -1 and sets errno. Returns the error number, or 0 on success.
+/// Like tavRetry(), for a call that returns -1 and sets errno. Returns the error number, or 0 on
+/// success.
 template <class Call>
 int tavRetryErrno(Call call) {
     for (;;) {

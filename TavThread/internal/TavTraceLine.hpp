@@ -6,8 +6,8 @@
 #include "TavThread/TavTrace.h"
 #include "TavThread/internal/TavAttributes.hpp"
 
-/// Returns true if the program has replaced the output function. Otherwise all lines are dropped,
-/// so the callers do not format them.
+/// Returns true if the program has replaced the output function. If not, all lines would be
+/// dropped, so the callers do not format them.
 bool tavTraceReplaced();
 
 /// A pointer as trace lines print it: its low 32 bits.

@@ -42,8 +42,8 @@ extern __thread char tavThreadMark __attribute__((tls_model("initial-exec"), vis
 /// No lock guards `holder` and `count`. Only the holder stores its own mark, and it removes the
 /// mark before it unlocks. So a thread that reads its own mark is the holder. Other threads may
 /// read any stale value, but never their own mark. Only the holder uses the count, and the POSIX
-/// mutex orders the accesses of one holder before those of the next. A lock for these fields would
-/// not change the result of any comparison.
+/// mutex orders one holder's accesses before the next holder's accesses. A lock for these fields
+/// would not change the result of any comparison.
 struct TavRecursiveMutex : TavMutex {
     std::atomic<const char*> holder{nullptr};
     int count = 0;  // locks beyond the first; 0 while the mutex is free
@@ -74,9 +74,9 @@ inline bool tavMutexTakeFree(TavMutex* m) {
 #endif
 }
 
-/// Takes a free mutex that is neither recursive nor tracking. The general operation, out of line,
-/// handles the rest, so that a plain mutex does not even cost a saved register. The functions below
-/// work in the same way.
+/// Takes a free mutex that is neither recursive nor tracking. A general operation, which is not
+/// inlined, handles all other cases. So a plain mutex does not even cost a saved register. The
+/// functions below work in the same way.
 /// @return false if the general operation must decide.
 inline bool tavMutexLockPlain(TavMutex* m) {
     return __builtin_expect(tavMutexExtras(m) == 0, 1) && __builtin_expect(tavMutexTakeFree(m), 1);
@@ -86,8 +86,8 @@ inline bool tavMutexTryLockPlain(TavMutex* m) {
     return tavMutexExtras(m) == 0 && pthread_mutex_trylock(&m->native) == 0;
 }
 
-/// The POSIX call cannot fail for such a mutex. So its result is not used, and it can be the
-/// caller's last call.
+/// Unlocks a mutex that is neither recursive nor tracking. The POSIX call cannot fail for such a
+/// mutex. Because its result is not used, the compiler can make it a tail call of the caller.
 inline bool tavMutexUnlockPlain(TavMutex* m) {
     if (__builtin_expect(tavMutexExtras(m) != 0, 0)) return false;
     pthread_mutex_unlock(&m->native);

@@ -19,7 +19,7 @@ constexpr std::uint32_t kTavRWMostReaders = 0x3fffffffU;
 /// holder clears the mark when it gives up the mutex and no thread waits.
 struct TavRWLock {
     std::atomic<std::uint32_t> word{0};
-    // The rest is guarded by the mutex.
+    // Guards the fields below.
     pthread_mutex_t mutex;
     pthread_cond_t readers;
     int waitingReaders = 0;

@@ -12,15 +12,15 @@
 enum TavSemaphoreFlags : unsigned { kTavSemaphoreInitialized = 1, kTavSemaphoreSyntaxTraced = 2 };
 
 /// The count of the semaphore is the count of `native` plus the promises. A promise is a post for a
-/// looker, which is a waiter that does not sleep. It costs no system call and wakes no other
+/// looker, which is a waiter that spins. A promise costs no system call and wakes no sleeping
 /// waiter. A post makes a promise only while there are more lookers than promises. If there is
 /// a promise when a looker stops looking, the looker takes it. So no sleeping waiter misses a post.
 struct TavSemaphore {
     sem_t native;
     std::atomic<std::uint32_t> looking{0};  // lookers in units of kTavLooker, plus promises
-    // How well it has recently paid off to look for a post before sleeping, by pausing and by
-    // yielding the processor. Above 0, the waiter looks; below 0, the score counts up to the next
-    // attempt. The scores are only hints and may miss an update.
+    // The scores say how often pausing and yielding the processor have recently found a post. If a
+    // score is above 0, a waiter pauses or yields before it sleeps. If a score is below 0, short
+    // sleeps count it up again. The scores are only hints and may miss an update.
     std::atomic<int> pauseScore{4};
     std::atomic<int> yieldScore{4};
     unsigned flags = 0;
@@ -53,7 +53,7 @@ inline bool tavSemaphoreTakePlain(TavSemaphore* s) {
     return sem_trywait(&s->native) == 0 || tavSemaphoreTakePromise(s, 1);
 }
 
-/// Posts to a looker that has no promise yet.
+/// Adds a promise if there are more lookers than promises.
 inline bool tavSemaphorePromise(TavSemaphore* s) {
     std::uint32_t looking = s->looking.load(std::memory_order_relaxed);
     if (tavPromises(looking) >= tavLookers(looking)) return false;
@@ -65,13 +65,13 @@ inline bool tavSemaphorePromise(TavSemaphore* s) {
     return false;
 }
 
-/// tavXSemaphoreTryWait, but at the cost of the POSIX call if the count is not 0.
+/// tavXSemaphoreTryWait, but about as cheap as the POSIX call if the count is not 0.
 inline int tavSemaphoreTryWaitFast(TavSemaphore* s) {
     if (s != nullptr && tavSemaphoreTakePlain(s)) return TAVTHREAD_OK;
     return tavSemaphoreTryWaitGeneral(s);
 }
 
-/// tavXSemaphorePost, but at most at the cost of the POSIX call.
+/// tavXSemaphorePost, but about as cheap as the POSIX call, or cheaper.
 inline int tavSemaphorePostFast(TavSemaphore* s) {
     if (s != nullptr && (tavSemaphorePromise(s) || sem_post(&s->native) == 0)) return TAVTHREAD_OK;
     return tavSemaphorePostGeneral(s);

@@ -17,7 +17,7 @@ constexpr int kTavThreadStates = 5;
 /// including the links. Callbacks run without the lock. A thread that runs a callback counts itself
 /// in `visitors`. A disarmed node leaves its list when it has no visitors.
 struct TavStateNode {
-    TavStateRoutine routine;  // null once its trap is disarmed
+    TavStateRoutine routine;  // null after its trap is disarmed
     void* arg;
     TavStateTrap* trap;  // null if the callback has no trap
     int visitors;        // threads that run the routine
@@ -34,8 +34,8 @@ enum TavThreadFlags : unsigned {
 
 enum class TavJoinable { kYes, kJoined, kDetached, kAdopted };
 
-/// The record of a thread. The thread owns it while it runs, and so does the holder of the handle.
-/// The last owner that releases it frees it.
+/// The record of a thread. The running thread and the holder of the handle own the record. The last
+/// owner that releases the record frees it.
 struct TavThread {
     std::atomic<pthread_t> handle{0};  // creator and thread both store it
     std::uint32_t number = 0;
@@ -59,14 +59,14 @@ struct TavThread {
     std::atomic<int> owners{1};
     unsigned generation = 0;  // the run of the layer that made an adopted record
     // Guards each change of the state, of kTavThreadSuspendPending and of `finished`. A thread that
-    // uses the handle holds it, so that `finished` does not change during the use. No thread holds
-    // it while it waits or runs callbacks.
+    // uses the handle holds this mutex, so that `finished` does not change during the use. No
+    // thread holds this mutex while it waits or runs callbacks.
     pthread_mutex_t transition = PTHREAD_MUTEX_INITIALIZER;
     bool finished = false;    // guarded by transition: the handle may be invalid
     bool asleep = false;      // guarded by transition: suspended, or continued and not awake yet
     bool continuing = false;  // guarded by transition: Running's callbacks have not returned
-    // The thread that runs callbacks of a change, and the number of such changes, which may be
-    // nested; guarded by transition.
+    // The thread that runs callbacks of a change, and the number of changes whose callbacks it
+    // runs; changes may be nested. Guarded by transition.
     pthread_t caller = 0;
     int calls = 0;
     pthread_cond_t called = PTHREAD_COND_INITIALIZER;  // signalled when `calls` becomes 0
@@ -87,7 +87,7 @@ struct TavThread {
 
 /// Returns the calling thread's record; null if it has no record or the layer is not started.
 TavThread* tavThreadPeek();
-/// The same, but adopts the thread if it has no record.
+/// Like tavThreadPeek(), but adopts the thread if it has no record.
 TavThread* tavThreadSelf();
 bool tavThreadInitialized();
 /// Makes this the record of the calling thread; null removes the record. Returns an error number.
@@ -96,7 +96,7 @@ int tavThreadAttach(TavThread* thread);
 /// Makes a record with a number, a semaphore and one owner. Returns null and a result code on
 /// failure.
 TavThread* tavThreadNewRecord(int& rc);
-/// Gives up one ownership. Frees the record if it was the last one.
+/// Releases the record for one owner. Frees the record if this was the last owner.
 void tavThreadRelease(TavThread* thread);
 /// Frees the callbacks of a record that is about to be freed, and disarms their traps.
 void tavStateTrapsForget(TavThread* thread);
