@@ -74,14 +74,14 @@ private:
         return true;
     }
 
-    /// @param word  the last word read: the word of the letter, or the letter's argument in the
-    ///     next word
+    /// @param word  the last word read: the word with the letter, or the next word if that is the
+    ///     letter's argument
     bool takeLetter(int letter, const QBLUtGetOpt& parser, char** word) {
         if (letter == 0) return rememberBadLetter(parser, *word);
         const std::string shown = {'-', static_cast<char>(letter)};
         const char* const argument = parser.getOptArg();
         if (letter == '=') {
-            const bool isLast = argument == *word;  // the = ended the previous word
+            const bool isLast = argument == *word;  // the previous word ended with =
             const bool isFirst = isLast ? std::strlen(word[-1]) == 2 : argument == *word + 2;
             if (isFirst || !hasAttached()) return rememberMistake(Mistake::kNoOption, shown);
             if (isLast) return rememberMistake(Mistake::kBadArgument, lastShown());
@@ -89,7 +89,7 @@ private:
         }
         const auto found = std::find_if(m_options.begin(), m_options.end(),
                                         [&](const Option& each) { return each.letter == letter; });
-        // The parser also accepts the colon, which only marks arguments in its list of letters.
+        // The parser also accepts a colon as a letter, because its list of letters has colons.
         if (found == m_options.end()) return rememberMistake(Mistake::kNoOption, shown);
         m_pLast = &*found;
         return m_take(
@@ -103,7 +103,7 @@ private:
         if (isAttached) return rememberMistake(Mistake::kBadArgument, lastShown());
         if (letter == '=') return rememberMistake(Mistake::kNoOption, shown);
         if (parser.isArgumentMissing()) return rememberMistake(Mistake::kArgumentMissing, shown);
-        // "-i.orig": the form that other programs use.
+        // Other programs accept "-i.orig". Suggests the form with an equals sign.
         const std::string whole(word);
         const std::size_t at =
             hasAttached() ? whole.find(lastShown()[1] + std::string(1, letter)) : std::string::npos;

@@ -50,11 +50,10 @@ struct Mistake {
 };
 
 /// Parses a command line. Options and operands may come in any order; "--" ends the options.
-/// @param take  called with each option in turn; reading stops if it returns false, after it has
-///     stored the reason
+/// @param take  called with each option in turn; to stop the parser, it stores the reason and
+///     returns false
 /// @return false if a word with dashes is not an option, if an argument is missing or superfluous,
-/// or if take
-///     returned false
+///     or if take returned false
 bool readCommandLine(int argc, char** argv, const std::vector<Option>& options,
                      const std::function<bool(const Given&)>& take,
                      std::vector<std::string>& operands, Mistake& mistake);

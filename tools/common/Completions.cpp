@@ -35,15 +35,15 @@ std::string encodings(const std::string& tool) {
 
 const char kEncoding[] = "ENCODING";
 
-/// Returns true if the argument is the name of an encoding or one of some words.
-/// @param words  receives these words, each followed by a space
+/// Returns true if the choices include the names of encodings.
+/// @param words  receives the other choices, each followed by a space
 bool isEncoding(const std::string& choices, std::string& words) {
     const std::size_t at = choices.find(kEncoding);
     if (at != std::string::npos) words = choices.substr(0, at);
     return at != std::string::npos;
 }
 
-/// The arguments for compgen: "-W WORDS", "-f" or "-d"; empty for any text.
+/// The arguments for compgen: "-W WORDS", "-f" or "-d"; empty if any text is allowed.
 std::string bashChoices(const std::string& tool, const std::string& choices) {
     if (choices == "FILE") return "-f";
     if (choices == "DIR") return "-d";

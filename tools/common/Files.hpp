@@ -9,8 +9,8 @@ namespace tools {
 /// compares the directories and the names.
 bool isSameFile(const std::string& a, const std::string& b);
 
-/// Returns true if nothing exists at the path. Returns false if something exists or if the check
-/// failed; errno then has the reason of the failure.
+/// Returns true if nothing exists at the path. Returns false if something exists, or if the check
+/// failed. If the check failed, errno has the reason.
 bool isAbsent(const std::string& path);
 
 }  // namespace tools

@@ -6,9 +6,9 @@
 namespace tools {
 
 /// The encoding of the terminal: the encoding of the locale in the first of LC_ALL, LC_CTYPE and
-/// LANG that is set. A locale's name has its encoding after the dot; without a dot, the C library
-/// knows the encoding of an installed locale. Encodings that the library does not know, or that
-/// encode ASCII differently, are ignored.
+/// LANG that is set. The part of the locale's name after the dot is the encoding. Without a dot,
+/// the C library tells the encoding if the locale is installed. Ignores encodings that our library
+/// does not know, and encodings in which ASCII characters have other bytes.
 /// @return UTF-8 if no encoding is found, and for C and POSIX
 std::string localeEncoding();
 /// The encoding that the locale names for texts, even if the library does not know it. US-ASCII if

@@ -62,7 +62,7 @@ std::string MessageText::text(unsigned id, const Details& details) {
 // Writes only the catalogue's name: other programs find the catalogue by their own search path.
 std::string MessageText::element(QBLSeverity severity, unsigned id, const Details& details) {
     QBLMessage message(severity, m_catalogue.c_str(), id);
-    // The library writes parameters as they are.
+    // The library does not escape parameters for XML.
     for (const std::string& detail : details)
         message << I18NString(qblXmlEscape(std::string_view(detail)).c_str());
     I18NString components;

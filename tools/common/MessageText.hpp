@@ -24,7 +24,7 @@ public:
     /// The formatted text, without a line end.
     std::string text(unsigned id, const Details& details = {});
     /// A `<Message>` element with the text, the name of the catalogue, the identifier and the
-    /// details. Programs can show it in another language.
+    /// details. Programs can show the message in another language.
     std::string element(QBLSeverity severity, unsigned id, const Details& details);
 
 private:

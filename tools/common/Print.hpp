@@ -6,8 +6,8 @@
 
 namespace tools {
 
-// Prints to stdio streams. Keeps the reason of the first failed write to the standard output for
-// the end of the program, because the stream keeps only a flag.
+// Prints to stdio streams. Remembers why the first write to the standard output failed, because the
+// stream itself keeps only a flag. finishOutput() returns the reason.
 //
 // Threads: any thread may print.
 

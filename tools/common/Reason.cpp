@@ -39,7 +39,7 @@ std::string languageOf(const std::string& catalogue, const std::string& locales)
     return file.substr(begin + 1, end - begin - 1);
 }
 
-/// The country with most speakers of a language.
+/// The country with the most speakers of a language.
 std::string countryOf(const std::string& language) {
     UErrorCode status = U_ZERO_ERROR;
     icu::Locale locale(language.c_str());
@@ -116,7 +116,7 @@ std::string Reasons::text(int error) const {
 }
 
 void setReasonLanguage(const std::string& catalogue, const std::string& locales) {
-    // The C library prefers LANGUAGE to the locale requested.
+    // The C library prefers LANGUAGE to the requested locale.
     unsetenv("LANGUAGE");
     processReasons() = Reasons(catalogue, locales);
 }

@@ -14,7 +14,7 @@ namespace tools {
 /// Threads: any thread may call text().
 class Reasons {
 public:
-    /// In English.
+    /// The texts are in English.
     Reasons() = default;
     /// @param catalogue  a base name from findCatalogue()
     Reasons(const std::string& catalogue, const std::string& locales);

@@ -49,8 +49,8 @@ bool isAlive(pid_t process) { return kill(process, 0) == 0 || errno != ESRCH; }
 
 bool isOurs(const FileStatus& status) { return geteuid() == 0 || status.user() == geteuid(); }
 
-/// A write lease. The system grants it only while no other descriptor of the file is open anywhere.
-/// A process that then opens the file waits until the lease is returned.
+/// A write lease. The system grants it only if no other descriptor of the file is open anywhere.
+/// While the lease is held, other processes that open the file wait until the lease is returned.
 class Lease {
 public:
     explicit Lease(int file) : m_iFile(file) {

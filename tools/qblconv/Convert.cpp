@@ -123,8 +123,8 @@ private:
     std::string m_bytes;  // result of m_lineEnds
 };
 
-/// Reads the first block. If a byte-order mark may tell the byte order, the block has enough bytes
-/// for the mark.
+/// Reads the first block. If the byte order may depend on a byte-order mark, the block has enough
+/// bytes for the mark.
 int readStart(const Setup& setup, Input& input) {
     const auto size = static_cast<int>(setup.block.size());
     const auto wanted =

@@ -16,10 +16,11 @@ namespace {
 const char kAuto[] = "auto", kAutoList[] = "auto:";
 const char kUTF8[] = "UTF-8";
 
-// A choice is clear if ICU's confidence is at least kLeast, and kLead more than for any other
-// encoding that fits.
+// A choice is clear if ICU's confidence in the encoding is at least kLeast, and exceeds ICU's
+// confidence in any other encoding that fits by at least kLead.
 constexpr int kLeast = 40, kLead = 20;
-// From this confidence on, a text that is malformed in an encoding counts as a damaged text in it.
+// If ICU's confidence in an encoding is at least kNearly, a malformed text counts as a damaged text
+// in that encoding.
 constexpr int kNearly = 25;
 
 constexpr std::size_t kLongestMark = 4;
@@ -47,7 +48,7 @@ bool isOpenOrder(const std::string& canonicalName) {
     return canonicalName == "UTF-16" || canonicalName == "UTF-32";
 }
 
-/// Returns true if a name can mean the encoding whose mark a text has.
+/// Returns true if a name can mean the encoding of a text's byte-order mark.
 bool isNameOf(const std::string& canonicalName, const std::string& encoding) {
     return canonicalName == encoding ||
            (isOpenOrder(canonicalName) &&
@@ -165,8 +166,8 @@ std::vector<Fit> Detector::fitsOfList(Passes& passes, bool isFirstEnough) {
     return found;
 }
 
-/// The encodings that ICU proposes and that fit.
-/// @param utf8  the look of the text in UTF-8; null if the text is malformed in UTF-8
+/// Returns the encodings that fit, out of UTF-8 and the proposed encodings.
+/// @param utf8  statistics about the text in UTF-8; null if the text is malformed in UTF-8
 std::vector<Fit> Detector::fitsOf(Passes& passes, const std::vector<Proposal>& proposals,
                                   const TextLook* utf8) {
     std::vector<Fit> plain, shifted;
@@ -187,7 +188,8 @@ std::vector<Fit> Detector::fitsOf(Passes& passes, const std::vector<Proposal>& p
     return found;
 }
 
-/// A text with a few damaged bytes may fit an encoding that it was never in.
+/// Remembers the text's probable encoding if the text is malformed in it. A text with a few damaged
+/// bytes does not fit its own encoding, but may fit a wrong encoding.
 void Detector::findNearly(const std::vector<Proposal>& proposals, const std::vector<Fit>& found) {
     const int best = found.empty() ? kNearly - 1 : found[0].confidence;
     for (const Proposal& each : proposals) {

@@ -56,8 +56,9 @@ public:
     std::vector<Fit> fits(Passes& passes) { return fits(passes, false); }
     /// A converter with the policy I18N_STOP for a known encoding.
     const I18NConverter& strict(const std::string& name);
-    /// The encoding that ICU considers more probable than every encoding that fits, although the
-    /// last text is malformed in it; empty if there is no such encoding.
+    /// The probable encoding of the last text if the text is malformed in it, else empty: UTF-8 if
+    /// the text is mostly valid UTF-8; else an encoding that ICU considers more probable than the
+    /// best encoding that fits.
     const std::string& nearly() const { return m_nearly; }
     /// Reports why no encoding was found.
     void sayNone(const std::string& name, FileReport& report) const;

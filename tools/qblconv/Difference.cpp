@@ -38,7 +38,7 @@ public:
         advance(m_second, bytes, m_secondRest);
         if (!m_bFound) skipCommon();
         if (bytes.empty()) m_bFound = m_bFound || m_firstRest != m_secondRest;
-        // Two more units, so that no surrogate pair is cut.
+        // Collects two more units than are shown, so that no surrogate pair is cut.
         const std::size_t known = std::min(m_firstRest.size(), m_secondRest.size());
         return !bytes.empty() && !(m_bFound && known > kAfter + 2);
     }
@@ -100,7 +100,7 @@ private:
     }
 
     I18NTextStream m_first, m_second;
-    std::u16string m_firstRest, m_secondRest;  // once a difference is found, they begin there
+    std::u16string m_firstRest, m_secondRest;  // not compared yet, or from the difference on
     std::u16string m_before;                   // common text before the difference, in its line
     std::int64_t m_iLine = 1;
     char16_t m_cLast = 0;

@@ -89,8 +89,8 @@ std::string markIn(const I18NConverter& converter) {
     try {
         std::string mark = encoded(strict, kMark);
         const std::string both = mark + encoded(strict, kText);
-        // Encodings with shift states, and those that write their own marks, read a different text
-        // back.
+        // If the encoding has shift states or writes its own mark, the bytes decode to another
+        // text.
         I18NTextStream stream(&strict, nullptr);
         std::u16string text;
         for (const std::size_t size : {both.size(), std::size_t{0}}) {

@@ -22,8 +22,8 @@ std::string markIn(const I18NConverter& converter);
 /// Returns true if every sequence of bytes is valid in an encoding.
 bool isAnyTextValid(const I18NConverter& converter);
 
-/// Prints the encodings that match a pattern in any of their names, one line with all names for
-/// each. Compares only letters and digits, without case.
+/// Prints the encodings with a name that matches a pattern. Each line has all names of one
+/// encoding. Compares only letters and digits, and ignores case.
 /// @return false if no encoding matches
 bool listEncodings(const std::string& pattern);
 

@@ -41,8 +41,8 @@ public:
     /// The number of replaced or omitted sequences and characters. A code point that stands for
     /// malformed input does not count.
     std::int64_t count() const { return m_iCount; }
-    /// Characters replaced by similar ones, and transliterated characters; count() includes
-    /// neither.
+    /// The numbers of characters that were replaced by similar characters, and of transliterated
+    /// characters. count() does not include them.
     std::int64_t bestFits() const { return m_iBestFits; }
     std::int64_t transliterated() const { return m_iTransliterated; }
 

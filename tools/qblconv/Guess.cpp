@@ -17,8 +17,8 @@ void tell(const Fit& fit, const std::string& name, FileReport& report) {
     report.result(CONV_FIT_PERCENT, {name, namesOf(fit), std::to_string(fit.confidence)});
 }
 
-/// Reports the line in the best encoding, unless it was the last line reported, and in another
-/// encoding.
+/// Reports a line as it reads in the best encoding, and as it reads in encoding i + 1. Omits the
+/// first of these reports if the call for i - 1 has made the same report.
 void tell(const std::vector<Fit>& fits, const std::vector<Difference>& differences, std::size_t i,
           const std::string& name, FileReport& report) {
     const Difference& difference = differences[i];

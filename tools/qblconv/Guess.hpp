@@ -11,8 +11,9 @@ namespace conv {
 /// The amount of detail in the list of encodings.
 enum class GuessDetail { kNames, kDifferences };
 
-/// Adds the encodings that an input fits to the report as results, best first. With kDifferences,
-/// also shows where each text first differs from the best one.
+/// Adds the encodings that fit an input to the report as results, the best first. With
+/// kDifferences, also shows the first place where the text in each other encoding differs from the
+/// text in the best encoding.
 /// @param name  the input's name, as shown() returns it
 void guess(Detector& detector, Input& input, const std::string& name, std::vector<char>& block,
            GuessDetail detail, FileReport& report);

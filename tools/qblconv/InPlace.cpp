@@ -72,9 +72,9 @@ bool InPlace::linkOriginal() {
     return false;
 }
 
-/// Creates a second name for the original, so that the file has its first name all the time. Never
-/// overwrites an existing second name: it may be the only original, or an interrupted run has
-/// created it.
+/// Creates a second name for the original. A rename would leave the first name without a file for a
+/// moment. Never overwrites an existing file with the second name: that file may be the only
+/// original, or an interrupted run may have created it.
 bool InPlace::keepOriginal() {
     if (m_second.empty()) return true;
     if (isStuck()) return reportFailure(CONV_CANNOT_WRITE, {tools::reason(EPERM)});
@@ -96,7 +96,7 @@ bool InPlace::replace() {
 }
 
 /// Another program may have written to the old version after the last check. The open descriptor
-/// still refers to it.
+/// still refers to the old version.
 bool InPlace::isUnchangedStill() {
     if (!m_input.hasChanged()) return true;
     const std::string directory = m_item.path.substr(0, m_item.path.rfind('/') + 1);

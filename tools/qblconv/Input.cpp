@@ -113,7 +113,8 @@ bool Input::lock(Options::Lock how, bool exclusive, Problem& problem) {
     return false;
 }
 
-/// Describes the lock that blocks this one, with its process if the system still knows it.
+/// Describes the lock of another process that blocks ours. Names the process if the system still
+/// knows it.
 Problem Input::lockedBy(bool exclusive) const {
     struct flock64 lock = {};
     lock.l_type = exclusive ? F_WRLCK : F_RDLCK;
@@ -136,10 +137,10 @@ int Input::read(char* block, unsigned size) {
         }
         m_bEmpty = m_bEmpty && got == 0;
         done += static_cast<unsigned>(got);
-        // Passes on data of pipes and terminals as soon as it comes.
+        // Returns data from pipes and terminals as soon as they arrive.
         if (got > 0 && !isFile()) break;
-        // A short read ends a regular file, which saves a call for each small file. Files of size
-        // 0, such as those of /proc, may have more data.
+        // A short read means the end of a regular file; this saves a call for each small file. But
+        // files of size 0, such as files in /proc, may have more data.
         m_bAtEnd = got == 0 || (isRegular() && m_status.size() > 0 && done < size);
     }
     return static_cast<int>(done);

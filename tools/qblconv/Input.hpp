@@ -15,7 +15,7 @@ namespace conv {
 /// An open input directory, with its parents up to the operand.
 struct Place {
     QBLFmDirectory directory;
-    std::string name;  // in the parent; for an operand its last part, or empty
+    std::string name;  // name in the parent; for an operand, the last part of its path, or empty
     unsigned mode = 0;
     std::shared_ptr<const Place> above;  // null for the directory of an operand
 };
@@ -30,8 +30,8 @@ struct Item {
     std::string name;  // path below the output directory
     Origin origin = Origin::kNamed;
     std::shared_ptr<const Place> place;  // null for a named file that is not replaced
-    std::string leaf;                    // its name in that directory
-    int error = 0;  // errno for a directory or file at path that cannot be examined
+    std::string leaf;                    // the file's name in `place`
+    int error = 0;  // errno if the file or directory at `path` cannot be examined, else 0
 };
 
 /// A file that is read. A file with a place is opened by its name in that directory, never through
@@ -67,7 +67,7 @@ public:
     bool spool(std::vector<char>& block, Problem& problem);
     /// Returns true if a program has written to the file since it was opened or locked.
     bool hasChanged() const;
-    /// Returns true if hasChanged(), or if the name now has another file.
+    /// Returns true if hasChanged(), or if the name now belongs to another file.
     bool isAnother() const;
     void close();
 

@@ -20,7 +20,8 @@ void note(int signal) { g_signal = signal; }
 }  // namespace
 
 void catchInterrupts() {
-    // A write beyond the limit for file sizes then fails with EFBIG, which the tool reports.
+    // While this signal is ignored, a write beyond the limit for file sizes fails with EFBIG, which
+    // the tool reports.
     std::signal(SIGXFSZ, SIG_IGN);
     for (const int signal : {SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGPIPE}) {
         struct sigaction action = {};

@@ -6,14 +6,14 @@ namespace conv {
 /// Makes SIGINT, SIGQUIT, SIGTERM, SIGHUP and SIGPIPE end the work at the next block, so that the
 /// tool removes unfinished files. Ignores SIGXFSZ.
 void catchInterrupts();
-/// Returns true after such a signal. Any thread may call it.
+/// Returns true if one of the caught signals has arrived. Any thread may call this function.
 bool isInterrupted();
 /// Waits until a descriptor has data or has reached its end. A signal on any thread ends the wait.
 /// @return false after an interrupt
 bool waitToRead(int descriptor);
 /// Sleeps for this many milliseconds, or until a signal arrives on this thread.
 void pauseFor(int milliseconds);
-/// Ends the process by the signal that was caught, if there was one.
+/// If a signal was caught, ends the process by this signal.
 void endIfInterrupted();
 
 }  // namespace conv

@@ -83,7 +83,8 @@ void JoinedOutput::finish(bool hasFailed, FileReport& report) {
     };
     if (!m_bOpen) return cannotWrite();
     if (m_bDirect) {
-        // A failed write has been reported already, unless only the byte-order mark was written.
+        // If the write of an input's text failed, that input has failed and was reported already. A
+        // failed write of the byte-order mark was not.
         if (m_pOutput->error() == 0 ? !m_pOutput->commit() : !hasFailed) cannotWrite();
         return;
     }

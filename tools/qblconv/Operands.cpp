@@ -72,7 +72,7 @@ bool Operands::checkOutputs(Problem& problem) const {
             problem = {id, {below(m_options.directory, name), *input}};
             return false;
         }
-        // Its files would be next to the outputs of the other operands.
+        // This operand's files would be next to the outputs of the other operands.
         FileStatus status;
         const bool isOutput = status.get(operand.c_str()) && isOutputDirectory(status);
         if (operands.size() == 1 || (!name.empty() && !isOutput)) continue;
@@ -83,8 +83,10 @@ bool Operands::checkOutputs(Problem& problem) const {
     return true;
 }
 
-/// The operand that an output would overwrite: the operand itself, or one other than its own that
-/// is below the output. Null if there is none.
+/// Finds an operand that an output would overwrite: an operand that is the output, or that is below
+/// the output. For the operand that produces the output, checks only the first case.
+/// @param own  the operand that produces the output
+/// @return null if there is no such operand
 const std::string* Operands::inputAt(const std::string& output, const std::string& own) const {
     FileStatus at, status;
     if (!at.get(output.c_str())) return nullptr;

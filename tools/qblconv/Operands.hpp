@@ -64,7 +64,7 @@ private:
     const bool m_bInPlace;
     std::size_t m_iNext = 0;
     std::vector<Level> m_levels;
-    // Operands in place that are finished or in progress.
+    // For the in-place mode: operands that are finished or in progress.
     std::set<FileKey> m_doneFiles;
     std::set<FileStatus::Identity> m_doneDirectories;
 };

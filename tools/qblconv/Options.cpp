@@ -37,8 +37,8 @@ const std::vector<Word> kPolicies = {{"stop", I18N_STOP},
                                      {"substitute", I18N_SUBSTITUTE},
                                      {"lookup", I18N_LOOKUP},
                                      {"skip", I18N_USER_DEFINED}};
-// Only for characters that the output lacks. A character without a similar one stops the
-// conversion.
+// These policies are only for characters that the output's encoding lacks. If there is no similar
+// character, the conversion stops.
 const std::vector<Word> kSimilar = {
     {"fit", static_cast<int>(Options::Similar::kFit)},
     {"translit", static_cast<int>(Options::Similar::kTransliteration)}};
@@ -209,7 +209,7 @@ private:
         return rememberBadWord(given, argument, given.option.choices);
     }
 
-    /// The suffix is attached to the option.
+    /// Takes the in-place mode and, if it is attached to the option, the suffix for originals.
     bool takeSuffix(const Given& given) {
         if (given.argument == nullptr) return takeMode(given, Mode::kInPlace);
         m_options.suffix = given.argument;
@@ -255,7 +255,7 @@ private:
         return true;
     }
 
-    /// Applies the suffixes of the output's encoding; -c acts like the suffix //IGNORE.
+    /// Applies the suffixes of the output's encoding. The option -c acts like the suffix //IGNORE.
     bool applySuffix() {
         const bool translit = m_suffix.find("TRANSLIT") != std::string::npos;
         const bool skips = m_suffix.find("IGNORE") != std::string::npos || m_shown.count('c') != 0;
@@ -420,7 +420,7 @@ const std::vector<tools::Option>& knownOptions() {
     static const std::vector<tools::Option> kOptions = {
         {'f', "from", kNeeded, "ENC", "auto ENCODING", CONV_OPT_FROM},
         {'t', "to", kNeeded, "ENC", "ENCODING", CONV_OPT_TO},
-        // iconv's names.
+        // iconv's names for these options.
         {'f', "from-code", kNeeded, "", "ENCODING", tools::Option::kAlias},
         {'t', "to-code", kNeeded, "", "ENCODING", tools::Option::kAlias},
         {'s', "silent", kNone, "", "", tools::Option::kAlias},

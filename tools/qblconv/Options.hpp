@@ -35,7 +35,7 @@ struct Options {
     std::string to = "UTF-8";
     bool isFromGiven = false;
     bool isToGiven = false;
-    /// I18N_USER_DEFINED means to skip.
+    /// The policies. I18N_USER_DEFINED means the policy "skip".
     int inputPolicy = I18N_STOP;
     int outputPolicy = I18N_STOP;
     Similar similar = Similar::kNone;  // applied before the output policy

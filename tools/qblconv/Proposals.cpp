@@ -17,7 +17,7 @@ const char kUTF8[] = "UTF-8";
 constexpr std::size_t kSample = 8192;  // ICU's detector examines at most this many bytes
 constexpr int kNoEvidence = 10;  // ICU's confidence in UTF-16 for a text without any sign of it
 
-/// Encodings that are used for the same texts, the more common one of each pair first.
+/// Pairs of encodings that are used for the same texts. The more common encoding comes first.
 const char* const kPairs[][2] = {{"windows-1252", "ISO-8859-1"},
                                  {"windows-1250", "ISO-8859-2"},
                                  {"windows-1253", "ISO-8859-7"},
@@ -28,8 +28,9 @@ const char* const kPairs[][2] = {{"windows-1252", "ISO-8859-1"},
                                  {"EUC-KR", "windows-949"},
                                  {"KOI8-R", "KOI8-U"}};
 
-/// Collects the sample for ICU's detector: the lines with non-ASCII bytes, which say most. For an
-/// encoding with wide units, whose texts have low control characters, the sample is the beginning.
+/// Collects the sample for ICU's detector: the lines with non-ASCII bytes or shift characters,
+/// because these lines tell most about the encoding. Bytes below 8 are a sign of UTF-16 or UTF-32;
+/// if the first part of the text has such bytes, the sample is the beginning of the text.
 class Sample {
 public:
     /// @return false if the sample is full
@@ -77,8 +78,8 @@ std::string sampleOf(Passes& passes) {
     return sample.finish();
 }
 
-/// Returns true if there is at least one valid UTF-8 character beyond ASCII for every two wrong
-/// bytes. In texts in other encodings, few bytes form such a character by chance.
+/// Returns true if there is at least one valid non-ASCII UTF-8 character for every two wrong bytes.
+/// In texts in other encodings, few bytes form valid UTF-8 characters by chance.
 bool isMostlyUTF8(const std::string& sample) {
     int right = 0, wrong = 0;
     for (std::size_t at = 0; at < sample.size();) {

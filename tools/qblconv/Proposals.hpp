@@ -14,14 +14,14 @@ struct Proposal {
     int confidence;  // of ICU's detector, in percent
 };
 
-/// Returns the encodings that ICU's detector proposes, most probable first. After each one comes
-/// the encoding that is used for the same texts and that the detector cannot distinguish from it.
-/// The detector sees a sample of the lines with non-ASCII bytes. UTF-8 comes last, without a
-/// confidence, if the text is mostly valid UTF-8; the detector's opinion on UTF-8 is ignored.
-/// Returns none if the text cannot be read.
+/// Returns the encodings that ICU's detector proposes, the most probable first. Some encodings form
+/// pairs: they are used for the same texts, and the detector cannot distinguish them. After one
+/// encoding of a pair comes the other one. The detector sees only a sample of the text. If the text
+/// is mostly valid UTF-8, UTF-8 comes last, without a confidence; the detector's opinion on UTF-8
+/// is ignored. Returns no encodings if the text cannot be read.
 std::vector<Proposal> proposeEncodings(Passes& passes);
 
-/// Returns true if name is the more common encoding of such a pair.
+/// Returns true if the two names form such a pair and `name` is the more common encoding.
 bool isMoreUsual(const std::string& name, const std::string& other);
 
 }  // namespace conv

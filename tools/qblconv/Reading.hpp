@@ -53,7 +53,7 @@ bool forPasses(Input& input, const std::string& name, std::vector<char>& block, 
 /// Decodes an input in one pass.
 /// @param strict  a converter with the policy I18N_STOP
 /// @param take  called with each part of the text; returns false to end the pass
-/// @return true if all bytes up to there were valid and readable
+/// @return true if all bytes that the pass has read were valid and readable
 bool decode(Passes& passes, const I18NConverter& strict,
             const std::function<bool(std::u16string_view)>& take);
 
@@ -75,13 +75,15 @@ public:
     /// character.
     bool hasControls() const { return m_iControls > 0; }
     bool isBeyondASCII() const { return m_bBeyondASCII; }
-    /// Returns true if at least half of the characters are such controls.
+    /// Returns true if at least half of the characters are controls that hasControls() counts.
     bool isMostlyControls() const { return m_iControls > 0 && 2 * m_iControls >= m_iCount; }
-    /// Returns true if there is an ESC, SO or SI, with which the ISO 2022 encodings switch.
+    /// Returns true if there is an ESC, SO or SI. ISO 2022 encodings use these to switch between
+    /// character sets.
     bool hasShifts() const { return m_bHasShifts; }
-    /// Returns true in two cases: more than a quarter of the runs of Latin letters beyond ASCII
-    /// have three or more letters (so look other scripts in a Latin encoding); or there are many
-    /// signs inside words (so look accented letters of DOS encodings in windows-1252).
+    /// Returns true if the encoding seems to be wrong, in one of two ways. First: more than a
+    /// quarter of the runs of Latin letters beyond ASCII have three or more letters, as if a text
+    /// in another script is read in a Latin encoding. Second: many signs are inside words, as if a
+    /// text in a DOS encoding is read in windows-1252.
     bool isOddLatin() const { return 4 * m_iLongRuns > m_iRuns || 16 * m_iSigns > m_iRuns; }
 
 private:

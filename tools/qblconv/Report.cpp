@@ -10,7 +10,7 @@ namespace conv {
 
 namespace {
 
-constexpr std::size_t kMostText = 0x10000;  // kept for a file whose turn has not come
+constexpr std::size_t kMostText = 0x10000;  // bytes kept for a file whose turn has not come
 constexpr std::size_t kMostEnded = 0x1000;
 constexpr std::size_t kMostEndedBytes = 0x800000;
 
@@ -143,7 +143,8 @@ void FileReport::finding(QBLSeverity severity, qblconvmsgs id, const std::string
         details.push_back(finding.codePoint);
     if (isReplaced) details.push_back(orDash(finding.replacement));
     const char* const kind = kKinds[static_cast<int>(finding.kind)];
-    // Details for programs: the XML form has them as parameters, no text shows them.
+    // These details are for programs: the XML form has them as parameters. No message text shows
+    // them.
     details.insert(details.end(), {finding.encoding, kind, finding.policy});
     if (m_report.form() != Report::Form::kJson) return add(severity, id, details);
     addLine(tools::JsonObject()

@@ -21,7 +21,7 @@ struct Finding {
     enum class Kind { kMalformed, kTruncated, kLacking, kBestFit, kTransliterated, kDifferent };
 
     Kind kind;
-    const char* policy;  // its name on the command line
+    const char* policy;  // the policy's name on the command line
     std::int64_t line, column;
     std::int64_t offset = -1;  // offset of the bytes in the input
     std::string bytes{};       // in hexadecimal
@@ -43,9 +43,9 @@ struct Tally {
     void add(const Tally& other);
 };
 
-/// Prints the reports of files in the order of the files. Threads take the numbers from 0 in order;
-/// each number is begun and ended once. A thread that is too far ahead waits, which limits the
-/// memory for reports.
+/// Prints the reports of files in the order of the files. The files have numbers, from 0. Threads
+/// take the files in the order of the numbers, and end the report of each file once. A thread that
+/// is too far ahead waits, which limits the memory for reports.
 ///
 /// Threads: any thread may call any operation.
 class Report {
@@ -98,7 +98,7 @@ public:
     void error(qblconvmsgs id, const Details& details);
     void warning(qblconvmsgs id, const Details& details);
     void information(qblconvmsgs id, const Details& details);
-    /// Adds a result: to the separate results if set, else to this report.
+    /// Adds a result to the report that setResults() has set, else to this report.
     void result(qblconvmsgs id, const Details& details) {
         (m_pResults != nullptr ? *m_pResults : *this).information(id, details);
     }

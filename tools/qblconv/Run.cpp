@@ -46,7 +46,7 @@ Report::Form reportForm(const Options& options) {
     return options.xml ? Report::Form::kXml : Report::Form::kText;
 }
 
-/// Some errors have no text.
+/// Returns the text of an error, or the name of its class if it has no text.
 std::string messageOf(QBLThrowable& error) {
     const char* const text = error.getMessage();
     return text != nullptr ? text : error.getThrowableName();
@@ -125,7 +125,8 @@ private:
         FileReport(m_report, m_iTaken++, texts).information(CONV_ADVICE_FROM, {});
     }
 
-    /// The progress line would erase text on the terminal.
+    /// Returns false if converted text goes to the terminal, because the progress line would erase
+    /// it. Also returns false if the user wants no messages.
     static bool isProgressWanted(const Options& options) {
         const bool isText = options.mode == Mode::kJoin && options.output.empty();
         return !options.quiet && !(isText && isatty(STDOUT_FILENO) != 0);
@@ -153,7 +154,7 @@ private:
         for (; jobs > 1 && pool == nullptr; jobs = pool != nullptr ? jobs : jobs / 2) {
             try {
                 pool = std::make_unique<QBLThreadPoolQueued>(jobs - 1, jobs);
-            } catch (const QBLThreadResourceError&) {  // tries half as many
+            } catch (const QBLThreadResourceError&) {  // tries half as many jobs
             }
         }
         Worker worker(m_options, m_progress, &m_root);
@@ -357,7 +358,7 @@ Status run(int argc, char** argv) {
         sayNothingDone(options, problem, texts);
     const int error = tools::finishOutput();
     if (error == 0) return status;
-    // The reader of a pipe may stop early, which needs no message.
+    // If the reader of a pipe stops early, no message is needed.
     if (!isInterrupted())
         tools::printText(stderr, texts.text(CONV_CANNOT_WRITE, {texts.text(CONV_STANDARD_OUTPUT),
                                                                 tools::reason(error)}) +

@@ -6,7 +6,8 @@
 namespace conv {
 
 /// Opens an empty file without a name for reading and writing, in the directory of TMPDIR or in
-/// /tmp. The system frees its space when the descriptor is closed, even if the process is killed.
+/// /tmp. The system frees the file's space when the descriptor is closed, even if the process is
+/// killed.
 /// @return -1, with errno set, on failure
 int openTemporary();
 

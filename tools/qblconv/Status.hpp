@@ -12,13 +12,13 @@ namespace conv {
 /// 2038 and 64-bit inodes at 32 bits too.
 class FileStatus : public QBLFileStatus {
 public:
-    /// Identifies a file independent of its names.
+    /// Identifies a file independently of its names.
     using Identity = std::tuple<unsigned, unsigned, std::uint64_t>;
 
     Identity identity() const { return {major(), minor(), inode()}; }
     /// Returns true if both statuses are of the same file with the same contents, owner and mode.
-    /// Ignores the time of the last status change, because a second name for the file changes that
-    /// too.
+    /// Ignores the time of the last status change, because a new name for the file changes that
+    /// time too.
     bool isSameVersion(const FileStatus& other) const { return version() == other.version(); }
 
 private:

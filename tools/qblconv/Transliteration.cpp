@@ -33,7 +33,8 @@ std::unique_ptr<icu::Transliterator> open(const char* name) {
     return made;
 }
 
-/// Currency signs, for which ICU has no transliteration.
+/// Returns the ISO code for a currency sign, because ICU does not transliterate currency signs;
+/// null for other characters.
 const char16_t* currencyCode(char32_t sign) {
     switch (sign) {
         case 0xA3:

@@ -25,8 +25,9 @@ public:
     Transliteration(const Transliteration&) = delete;
     Transliteration& operator=(const Transliteration&) = delete;
 
-    /// @return a text of at most 8 code units, all of which the encoding has; empty for combining
-    ///     marks, which are omitted; null if there is none. Valid until the object is destroyed
+    /// @return a text of at most 8 code units that the encoding can represent; empty for combining
+    ///     marks, which are omitted; null if there is no replacement. Valid until the object is
+    ///     destroyed
     const std::u16string* of(char32_t codePoint);
 
 private:

@@ -14,8 +14,8 @@ namespace conv {
 /// The first place where the converted text does not convert back to the input.
 struct Mismatch {
     std::int64_t line, column, offset;
-    std::string bytes;  // the input's bytes of the character there; empty after the end
-    std::string back;   // the bytes after the round trip; may be empty
+    std::string bytes;  // the input's bytes of the character at this place; empty after the end
+    std::string back;   // these bytes after the round trip; may be empty
 };
 
 /// Converts the output back and compares it with the input, byte by byte.

@@ -108,7 +108,7 @@ bool Worker::open(const Item& item, Input& input, FileReport& report) {
     if (input.passedOver() != Input::PassedOver::kNot) sayPassedOver(item, input, report);
     if (input.passedOver() != Input::PassedOver::kNot || isInterrupted()) return false;
     if (error != 0) {
-        // Opening does not wait, so it fails with this error if another program holds a lease.
+        // Opening does not wait, so it fails with EAGAIN if another program holds a lease.
         const bool isLeased = item.error == 0 && error == EAGAIN;
         // In place, the file is also opened for writing.
         const bool isOurs =

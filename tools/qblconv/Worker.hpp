@@ -14,8 +14,8 @@
 
 namespace conv {
 
-/// Processes files one after the other: converts each into its own output, in place, or onto the
-/// end of a common output; or checks it. Adds problems to the file's report.
+/// Processes files one after the other. Converts each file into its own output or in place, appends
+/// it to a common output, or only checks it. Adds problems to the file's report.
 ///
 /// Threads: one at a time for each object.
 class Worker {
@@ -31,7 +31,7 @@ public:
     /// @return true if this input is not empty
     bool join(const std::string& path, DirectOutput* direct, Output& output,
               const std::string& outputName, bool isFirst, FileReport& report);
-    /// The byte-order mark for outputs; empty if they get none.
+    /// The byte-order mark for outputs; empty if outputs get no mark.
     const std::string& mark() const { return m_mark; }
 
 private:
@@ -64,7 +64,7 @@ private:
     std::unique_ptr<I18NConverter> m_pFromSwapped;  // set if a mark may tell this byte order
     std::string m_swappedMark;
     std::unique_ptr<I18NConverter> m_pValid;  // strict, for files that are already valid
-    std::string m_mark;                       // empty if outputs get none
+    std::string m_mark;                       // empty if outputs get no mark
     std::string m_validMark;
     std::string m_encoding;                               // detected encoding of the last input
     std::unique_ptr<Transliteration> m_pTransliteration;  // null unless requested

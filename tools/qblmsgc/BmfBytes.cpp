@@ -75,7 +75,7 @@ bool readBmf(const std::string& bytes, std::vector<BmfText>& texts, BmfProblem& 
         if (!texts.empty() && texts.back().id >= id) return refuse(at, MSGC_REASON_ORDER);
         if (offset > textSize || length > textSize - offset) return refuse(at, MSGC_REASON_OUTSIDE);
         const std::size_t first = begin + offset;
-        // A text that is a tail of the previous text was checked with it.
+        // If a text is the end of the text checked last, it was checked together with that text.
         const bool isPart = checkedBegin <= first && first + length == checkedEnd && length > 0;
         if (!isPart) {
             if (length == 0 || bytes.find('\0', first) != first + length - 1)

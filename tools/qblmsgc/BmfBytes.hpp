@@ -16,7 +16,7 @@ struct BmfProblem {
     qblmsgcmsgs reason;
 };
 
-/// Returns true if the texts fit into a message file, whose numbers have 32 bits.
+/// Returns true if the texts fit into a message file. Its offsets and lengths have only 32 bits.
 bool fitsBmf(const Entries& entries);
 
 /// Returns a message file in the format of QBLResourceBMF. The same texts give the same bytes, in
@@ -35,8 +35,8 @@ struct BmfText {
 /// @return false, with the reason in problem, if the bytes are not a message file
 bool readBmf(const std::string& bytes, std::vector<BmfText>& texts, BmfProblem& problem);
 
-/// Returns true if the compiler would write exactly these bytes for these texts, which are views of
-/// them.
+/// Returns true if the compiler would write exactly these bytes for these texts.
+/// @param texts  views of the bytes
 bool isCanonicalBmf(const std::string& bytes, const std::vector<BmfText>& texts);
 
 }  // namespace msgc

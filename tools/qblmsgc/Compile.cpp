@@ -88,7 +88,7 @@ private:
         compareWithReference({source, m_entries}, {*reference, entries}, m_report);
     }
 
-    /// Writes both files before it puts either in its place.
+    /// Writes both new files completely before it replaces an old file.
     void write() {
         Output header(m_options.header, m_report), output(m_options.output, m_report);
         const bool hasHeader = !m_options.header.empty();

@@ -5,8 +5,8 @@
 
 namespace msgc {
 
-/// The user's language: the language that was set, else that of LC_ALL, LC_MESSAGES or LANG, else
-/// "en".
+/// The user's language: the language that setUserLocale() has set, else the language of LC_ALL,
+/// LC_MESSAGES or LANG, else "en".
 const std::string& userLocale();
 /// Sets the user's language. An empty text sets nothing.
 /// Requires: no message has been formatted yet.

@@ -38,8 +38,8 @@ Status dump(const Options& options) {
                         {name, std::to_string(problem.offset), formatMessage(problem.reason)});
     for (const BmfText& each : texts)
         tools::print(stdout, dumpSource(each.id, std::string(each.text)));
-    // A message file may have shared texts, unused bytes and the like. Programs that read it do not
-    // notice them, but a source cannot express them.
+    // A message file may, for example, share texts or have unused bytes. This makes no difference
+    // to programs that read the file, but a source cannot express it.
     return isCanonicalBmf(bytes, texts) ? kClean : complain(kErrors, MSGC_NOT_THE_SAME, {name});
 }
 

@@ -24,7 +24,7 @@ struct Options {
     std::vector<std::string> references;
     std::string header;
     std::string output;
-    std::string locales;  // languages of the tool's messages; empty for those of the environment
+    std::string locales;  // languages of the tool's messages; if empty, the environment's languages
     std::string shell;    // shell for which completions are printed
     std::vector<std::string> operands;
 };

@@ -66,7 +66,7 @@ private:
                 m_open.push_back(part.getArgType());
                 break;
             case UMSGPAT_PART_TYPE_MSG_START:
-                // The text of a case begins with a brace, the text of the whole pattern does not.
+                // The text of a case begins with a brace. The text of the whole pattern does not.
                 if (part.getLength() > 0) m_begins.insert(part.getIndex());
                 break;
             case UMSGPAT_PART_TYPE_ARG_LIMIT:
@@ -101,7 +101,7 @@ private:
         if (U_FAILURE(status)) error(0, MSGC_BAD_PATTERN, u_errorName(status));
     }
 
-    /// Finds quoted braces that look like arguments. ICU inserts nothing for them.
+    /// Finds quoted braces that look like arguments. ICU does not replace them.
     void findQuoted() {
         for (int i = 0; i < m_text.length(); ++i) {
             if (m_text[i] != u'{' || m_begins.count(i) != 0) continue;
@@ -123,7 +123,8 @@ private:
         return at;
     }
 
-    /// Finds the innermost brace that is not closed. ICU only tells that there is one.
+    /// Finds the innermost brace that is not closed. ICU only reports that some brace is not
+    /// closed.
     int openBrace(int otherwise) const {
         std::vector<int> open;
         bool quoted = false;
@@ -146,7 +147,7 @@ private:
         std::string out;
         return text.toUTF8String(out);
     }
-    /// Continues from the last place, because most places come in order.
+    /// Continues from the place of the last call, because most places come in order.
     std::size_t bytesBefore(int unit) {
         if (unit < m_iLastUnit) m_iLastUnit = m_iLastBytes = 0;
         while (m_iLastUnit < unit) {
@@ -169,7 +170,7 @@ private:
     std::set<int> m_begins;                      // braces that begin arguments and cases
     std::vector<UMessagePatternArgType> m_open;  // arguments not closed yet
     bool m_bHasKinds = false;
-    int m_iLastUnit = 0, m_iLastBytes = 0;  // for the last place
+    int m_iLastUnit = 0, m_iLastBytes = 0;  // the place of the last bytesBefore()
 };
 
 }  // namespace

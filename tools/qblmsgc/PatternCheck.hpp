@@ -22,7 +22,7 @@ struct PatternFinding {
 /// Parses a text as an ICU message pattern and checks it.
 struct PatternCheck {
     /// @param text  well-formed UTF-8
-    /// @param asIs  the author does not mean a pattern
+    /// @param asIs  true if the author marked the text as not a pattern
     PatternCheck(const std::string& text, bool asIs);
 
     bool hasErrors() const;

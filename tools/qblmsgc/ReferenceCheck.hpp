@@ -13,8 +13,8 @@ struct Parsed {
     const Entries& entries;
 };
 
-/// Warns about differences between a translation and its reference: identifiers, names if both have
-/// one, and the arguments in the texts.
+/// Warns about differences between a translation and its reference. Compares identifiers, the names
+/// of messages that have a name in both, and the arguments in the texts.
 void compareWithReference(const Parsed& translation, const Parsed& reference, Report& report);
 
 }  // namespace msgc

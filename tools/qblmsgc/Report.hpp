@@ -26,7 +26,7 @@ class Report {
 public:
     enum class Form { kText, kXml };
 
-    /// Adds the next file. A file that was not added takes its place at its first finding.
+    /// Adds the next file. If a file was not added, its first finding adds it.
     void begin(const Source& source);
     void error(const Source& source, std::size_t offset, qblmsgcmsgs id, Details details = {});
     void warning(const Source& source, std::size_t offset, qblmsgcmsgs id, Details details = {});

@@ -34,7 +34,8 @@ bool addNumber(QBLMessage& message, const std::string& text) {
     return true;
 }
 
-/// Adds the parameter of a "TYPE:VALUE". The names of the types are those of the XML form.
+/// Adds the parameter that a text "TYPE:VALUE" describes. The types have the same names as in the
+/// XML form.
 bool addParameter(QBLMessage& message, const std::string& argument) {
     const std::size_t colon = argument.find(':');
     if (colon == std::string::npos) return false;
@@ -82,7 +83,7 @@ Status show(const Options& options) {
     std::string file = options.operands[1];
     unsigned id = 0;
     if (!parseId(number, id)) return complain(kUsage, MSGC_NO_ID_HERE, {number});
-    // With a directory, the library searches the file nowhere else.
+    // If the name has a directory, the library looks for the file only there.
     if (file.find('/') == std::string::npos) file.insert(0, "./");
     if (!isMessageFileName(file)) return complain(kUsage, MSGC_NO_BMF_NAME, {file});
     QBLMessage message(file.c_str(), id);

@@ -23,8 +23,8 @@ namespace msgc {
 
 namespace {
 
-/// The tags that can begin a report. The first one in a text counts and includes everything inside
-/// it.
+/// The tags that can begin a report. The first tag in a text begins the report. Tags inside the
+/// report belong to it.
 const struct {
     std::string_view begin, end;
 } kRoots[] = {
@@ -34,7 +34,8 @@ constexpr std::size_t kMostBytes = 0x1000000;  // longest report
 constexpr int kMostAttempts = 64;              // attempts to find the end of a report
 constexpr std::size_t kLongestBegin = 11;
 
-/// Parses a text that is entirely a number. printf's %#x writes 0 as 0000.
+/// Parses a text that is entirely a number. In base 16, the number may have the prefix "0x", which
+/// printf omits for 0.
 template <class Number>
 bool parse(const std::string& text, Number& value, int base = 10) {
     const std::size_t skipped = base == 16 && text.compare(0, 2, "0x") == 0 ? 2 : 0;
@@ -118,7 +119,7 @@ private:
             hasSeverity(text, severity) ? text : say(MSGC_REPORT_MESSAGE, {severity, text}));
     }
 
-    /// Returns true if a text says its severity after its place, as in "a.msg:1:2: warning: ...".
+    /// Returns true if a text has its severity after its place, as in "a.msg:1:2: warning: ...".
     static bool hasSeverity(const std::string& text, const std::string& severity) {
         if (severity.empty()) return false;
         const bool isUpper = severity[0] >= 'A' && severity[0] <= 'Z';
@@ -137,8 +138,8 @@ private:
         const std::string file = fileOf(message.attribute("File"));
         const std::string& number = components->attribute("ID");
         const bool isId = parse(number, id, 16);
-        // Uses only the file's name, and searches it where programs find catalogues: the report may
-        // come from anywhere.
+        // Drops the directory, because the report may come from another machine. The library then
+        // looks for the file where programs find their catalogues.
         if (isId && !file.empty() && file != "." && file != "..") {
             QBLMessage made(file.c_str(), id);
             if (const XmlNode* const parameters = components->child("MessageParms"))
@@ -189,7 +190,7 @@ private:
         std::string out = indent;
         for (const char c : tools::shownText(text)) {
             out += c;
-            // Marks further lines, so that no text can imitate a separate message.
+            // Marks each line after the first, so that no text can imitate a separate message.
             if (c == '\n') out += indent + "  | ";
         }
         tools::printText(stdout, out + "\n");
@@ -200,8 +201,8 @@ private:
     const tools::Reasons m_reasons{ownCatalogue(), m_pLocales};
 };
 
-/// A stream of text that contains reports. Searches each byte a bounded number of times, for any
-/// text.
+/// A stream of text that contains reports. Searches each byte at most a fixed number of times,
+/// whatever the text contains.
 class ReportStream {
 public:
     explicit ReportStream(const char* locales) : m_printer(locales) {}
@@ -293,7 +294,7 @@ private:
 
     void passOn(std::size_t end) {
         if (end == m_iBegin) return;
-        // The report was shown with a line end of its own.
+        // The report was shown with a line end, so drops the line end that follows the report.
         if (std::exchange(m_bAfterReport, false) && m_text[m_iBegin] == '\n') {
             ++m_iBegin;
             ++m_iDropped;
@@ -309,7 +310,7 @@ private:
     std::size_t m_iScanned = 0;    // end of the text searched for the start of a report
     std::size_t m_iSearched = 0;   // end of the text searched for the end of the report at m_iBegin
     std::uint64_t m_iDropped = 0;  // bytes shown or passed on
-    std::string_view m_endTag = {};  // of the report at m_iBegin; empty if there is none
+    std::string_view m_endTag = {};  // of the report at m_iBegin; empty if no report begins there
     int m_iAttempts = 0;
     bool m_bWhole = true;
     bool m_bAfterReport = false;

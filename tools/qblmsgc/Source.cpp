@@ -17,7 +17,8 @@ namespace msgc {
 
 namespace {
 
-/// Most bytes of an input that has no size, such as a device, which may have no end.
+/// The most bytes that are read from an input that has no size. Such an input, for example a
+/// device, may never end.
 constexpr std::size_t kMostOfStream = 0x4000000;
 
 bool isPipe(int descriptor) {
@@ -30,7 +31,7 @@ bool isRegular(int descriptor) {
     return status.get(descriptor) && status.isRegular();
 }
 
-/// Editors do not show it, so columns do not count it.
+/// Editors do not show the mark, so columns do not count it.
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 }  // namespace

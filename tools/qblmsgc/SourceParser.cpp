@@ -65,7 +65,8 @@ private:
         }
     }
 
-    /// Reports one error per line: with a wrong encoding, nearly every character is an error.
+    /// Reports only one error per line, because in a wrong encoding nearly every character is an
+    /// error.
     void checkCharacters() {
         const std::size_t illFormed = tools::findIllFormed(m_bytes, m_uAt, m_uEnd);
         if (illFormed != kNone) return error(illFormed, MSGC_NOT_UTF8);
@@ -135,7 +136,7 @@ private:
         }
     }
 
-    /// @return false, at the end of the line, for a text without a closing quote
+    /// @return false if the closing quote is missing; the whole line is then consumed
     bool parseText() {
         const std::size_t begin = m_uAt++;
         mark();

@@ -22,7 +22,7 @@ bool isReserved(const std::string& name);
 /// In a text, \" \\ \n \r \t and \uXXXX have the same meaning as in C.
 ///
 /// @return all messages that can be read, in the order of the file. The report receives all errors
-///     except those in patterns.
+///     except errors in patterns.
 Entries parseSource(const Source& source, Report& report);
 
 }  // namespace msgc

@@ -53,7 +53,7 @@ private:
             if (isEmpty || take(">")) return true;
             std::string name, value;
             if (!readName(name) || !take("=\"")) return false;
-            // The form that the library writes for a parameter without a type.
+            // The library writes a parameter without a type in this form.
             isEmpty = name == "Value" && take(" />");
             if (!isEmpty && (!readUpTo('"', value) || !take("\""))) return false;
             node.attributes.emplace_back(std::move(name), std::move(value));

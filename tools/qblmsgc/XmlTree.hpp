@@ -13,7 +13,7 @@ namespace msgc {
 struct XmlNode {
     std::string name;
     std::vector<std::pair<std::string, std::string>> attributes;
-    std::string text;  // all text, except that of nested elements
+    std::string text;  // all text outside of nested elements
     std::vector<XmlNode> children;
 
     /// @return an empty string for a missing attribute
