@@ -3,11 +3,11 @@
 #define QBLCONVMSGS_HPP
 
 enum qblconvmsgs {
-    /// How it is called; ends with a line end.
+    /// The usage text; ends with a line end.
     CONV_USAGE = 1,
     /// {0} the option
     CONV_NO_OPTION = 2,
-    /// {0} the option, {1} what is like it
+    /// {0} the option, {1} a similar option
     CONV_NO_OPTION_BUT = 3,
     /// {0} the option
     CONV_OPTION_ALONE = 4,
@@ -15,7 +15,7 @@ enum qblconvmsgs {
     CONV_NO_ARGUMENT = 5,
     /// {0} the option, {1} its argument
     CONV_BAD_ARGUMENT = 6,
-    /// {0} the option, {1} its argument, {2} what is like it
+    /// {0} the option, {1} its argument, {2} a similar argument
     CONV_BAD_ARGUMENT_BUT = 7,
     /// {0} and {1} options
     CONV_NOT_TOGETHER = 8,
@@ -23,7 +23,7 @@ enum qblconvmsgs {
     CONV_NO_OPERANDS = 9,
     /// {0} the encoding
     CONV_NO_ENCODING = 10,
-    /// {0} the encoding, {1} what is like it
+    /// {0} the encoding, {1} a similar encoding
     CONV_NO_ENCODING_BUT = 11,
     /// {0} the encoding
     CONV_NO_MARK = 12,
@@ -54,11 +54,11 @@ enum qblconvmsgs {
     CONV_OUTPUT_IS_INPUT = 25,
     /// {0} the option
     CONV_NEEDS_OUTPUTS = 26,
-    /// {3} code point, {4} what it becomes
+    /// {3} code point, {4} the replacement
     CONV_TRANSLITERATED = 27,
-    /// {3} offset, {4} bytes, {5} what comes back
+    /// {3} offset, {4} bytes, {5} the bytes after the round trip
     CONV_NOT_REVERSIBLE = 28,
-    /// {0} the option, {1} its argument, {2} what it can be
+    /// {0} the option, {1} its argument, {2} the valid values
     CONV_BAD_WORD = 29,
     /// {1} reason
     CONV_CANNOT_READ = 30,
@@ -69,24 +69,24 @@ enum qblconvmsgs {
     CONV_LOCKED = 33,
     CONV_CHANGED = 34,
     CONV_NOT_REGULAR = 35,
-    /// {1} the other name, {2} reason
+    /// {1} the name for the original, {2} reason
     CONV_CANNOT_KEEP = 36,
     CONV_IS_OUTPUT = 37,
     /// {1} reason
     CONV_FAILED = 38,
     CONV_NOT_WRITTEN = 39,
-    /// {1} how many
+    /// {1} a count
     CONV_REPLACED = 40,
-    /// {1} the name
+    /// {1} the name of the old version
     CONV_CHANGED_LATE = 41,
     CONV_CHANGED_LOST = 42,
-    /// {1} the number of the process
+    /// {1} the process ID
     CONV_LOCKED_BY = 43,
     CONV_PASSED_LINK = 44,
     CONV_BROKEN_LINK = 45,
-    /// {1} how many
+    /// {1} a count
     CONV_BEST_FITS = 46,
-    /// {1} how many
+    /// {1} a count
     CONV_TRANSLITERATIONS = 47,
     /// {1} to {3} files, {4} characters
     CONV_SUMMARY = 48,
@@ -101,10 +101,10 @@ enum qblconvmsgs {
     CONV_OUTPUT_IS_ITSELF = 53,
     CONV_LEASED = 54,
     CONV_ADVICE_FROM = 55,
-    /// While it runs; {0} files, {1} megabytes.
+    /// The progress line; {0} files, {1} megabytes.
     CONV_PROGRESS = 60,
     CONV_REMOVED = 70,
-    /// {1} the number of the process
+    /// {1} the process ID
     CONV_STILL_RUNNING = 71,
     CONV_STILL_OPEN = 72,
     CONV_NOT_OURS = 73,
@@ -121,11 +121,11 @@ enum qblconvmsgs {
     /// {1} encodings
     CONV_NONE_OF = 81,
     CONV_NO_FIT = 82,
-    /// {1} encodings, with how confident the detector is
+    /// {1} encodings with the detector's confidence
     CONV_UNCLEAR = 83,
     /// {1} encodings with the same text
     CONV_FIT = 84,
-    /// {1} encodings with the same text, {2} a number
+    /// {1} encodings with the same text, {2} the confidence in percent
     CONV_FIT_PERCENT = 85,
     /// {1} line, {2} encoding, {3} text
     CONV_READS = 86,
@@ -158,7 +158,7 @@ enum qblconvmsgs {
     CONV_OPT_JSON = 125,
     CONV_OPT_CLEAN = 140,
     CONV_OPT_GUESS = 141,
-    /// What comes after the options; ends with a line end.
+    /// The help text after the options; ends with a line end.
     CONV_USAGE_END = 150,
 };
 

@@ -3,7 +3,7 @@
 #define QBLMSGCMSGS_HPP
 
 enum qblmsgcmsgs {
-    /// How it is called; ends with a line end.
+    /// The usage text; ends with a line end.
     MSGC_USAGE = 1,
     /// {0} the option
     MSGC_NO_OPTION = 2,
@@ -35,7 +35,7 @@ enum qblmsgcmsgs {
     MSGC_DUPLICATE_NAME = 20,
     MSGC_TOO_LARGE = 21,
     MSGC_BRACES = 22,
-    /// {3} error of ICU
+    /// {3} ICU's error
     MSGC_BAD_PATTERN = 23,
     MSGC_NO_OTHER = 24,
     /// {3} argument
@@ -44,7 +44,7 @@ enum qblmsgcmsgs {
     MSGC_UNKNOWN_KIND = 26,
     /// {3} name
     MSGC_KEYWORD = 27,
-    /// {3} how many are allowed
+    /// {3} the maximum
     MSGC_TOO_MANY_CHOICES = 28,
     MSGC_EXPONENT = 29,
     /// {3} number
@@ -58,7 +58,7 @@ enum qblmsgcmsgs {
     MSGC_ADDED = 45,
     /// {3} name in the reference, {4} reference
     MSGC_OTHER_NAME = 46,
-    /// {3} arguments, {4} those in the reference, {5} reference
+    /// {3} arguments, {4} arguments in the reference, {5} reference
     MSGC_OTHER_ARGUMENTS = 47,
     /// {3} the keyword
     MSGC_PLURAL_KEYWORD = 48,
@@ -78,11 +78,11 @@ enum qblmsgcmsgs {
     MSGC_NO_SUCH_TEXT = 70,
     /// {1} identifier
     MSGC_CANNOT_FORMAT = 71,
-    /// {0} what stands in its place
+    /// {0} the invalid text
     MSGC_NO_ID_HERE = 72,
-    /// {0} what stands in its place
+    /// {0} the invalid text
     MSGC_NO_PARAMETER = 73,
-    /// {0} the option, {1} a similar one
+    /// {0} the option, {1} a similar option
     MSGC_NO_OPTION_BUT = 80,
     /// {0} the option
     MSGC_NO_ARGUMENT = 81,
@@ -97,7 +97,7 @@ enum qblmsgcmsgs {
     MSGC_SAME_FILE = 86,
     /// {0} file
     MSGC_NO_BMF_NAME = 87,
-    /// {0} the option, {1} its argument, {2} what it can be
+    /// {0} the option, {1} its argument, {2} the valid values
     MSGC_BAD_WORD = 88,
     MSGC_FATAL = 90,
     MSGC_ERROR = 91,
@@ -128,7 +128,7 @@ enum qblmsgcmsgs {
     MSGC_OPT_VERSION = 113,
     MSGC_OPT_COMPLETIONS = 114,
     MSGC_OPT_SHOW_REPORT = 120,
-    /// What comes after the options; ends with a line end.
+    /// The help text after the options; ends with a line end.
     MSGC_USAGE_END = 150,
 };
 
