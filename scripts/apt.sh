@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Sourced by scripts/setup. Installs packages by apt without changing the installed ones, and
+# Sourced by scripts/setup. Installs packages by apt without changing installed packages, and
 # unpacks 32-bit libraries that cannot be installed. $log contains the output of the last apt run.
 export LC_ALL=C DEBIAN_FRONTEND=noninteractive
 apt=(apt-get -q -o DPkg::Lock::Timeout=300 -o Acquire::Retries=3 -o Dpkg::Use-Pty=0)
@@ -31,8 +31,8 @@ apt_update() {
 apt_errors() { { sed -n '/unmet dep/,$p' "$log"; grep -E '^(E|Err|W):' "$log"; } | head -n 8 | cut -c1-160 | sed 's/^/    /'; }
 
 # try_install keep|move PACKAGE...: installs packages that are not installed yet. A new package may
-# depend on an exact newer version of an installed one. With "move", apt upgrades the installed
-# package too and this is reported; with "keep", the installation fails instead.
+# require a certain newer version of an installed package. With "move", apt upgrades the installed
+# package too, and the script reports the upgrade. With "keep", the installation fails instead.
 try_install() {
   local keep=$1 moved
   shift

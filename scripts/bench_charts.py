@@ -1,4 +1,4 @@
-"""Draws the ratios of a benchmark table: one chart per area, with a bar for each width."""
+"""Draws the ratios of a benchmark table: one chart per area, with one bar per row and width."""
 import math
 import os
 import re

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Measures the pairs of bench/pairs.txt and prints our figure beside each yardstick's.
 
-Each pair runs in its own process, in which the repetitions of the two sides alternate. The figures
-are medians. A measurement that other programs disturbed is repeated.
+Each pair runs in its own process. In this process, the repetitions of the two sides alternate. The
+figures are medians. A measurement that other programs disturbed is repeated.
 """
 import argparse
 import datetime
@@ -64,7 +64,7 @@ def read_pairs(pattern):
 
 
 def others_time():
-    """Returns the seconds of processor time that programs other than the measured ones used."""
+    """Returns the seconds of processor time that other programs than the measured programs used."""
     with open("/proc/stat", encoding="utf-8") as stat:
         user, nice, system, _, _, irq, softirq, steal = map(int, stat.readline().split()[1:9])
     ticks = user + nice + system + irq + softirq + steal
@@ -73,8 +73,8 @@ def others_time():
 
 
 def measure_undisturbed(measure, program, names, options):
-    """Calls measure() up to options.attempts times and returns the least disturbed result, with the
-    share of a processor that other programs used meanwhile."""
+    """Calls measure() up to options.attempts times. Returns the least disturbed result, and the share
+    of a processor that other programs used during that measurement."""
     best = None
     for attempt in range(options.attempts):
         if attempt > 0:
@@ -95,7 +95,7 @@ def escaped(name):
 
 
 def run_benchmarks(program, names, options):
-    """Runs the benchmarks with these names. Returns the runs by name, without failed ones."""
+    """Runs the benchmarks with these names. Returns the successful runs by name."""
     present = subprocess.run([program, "--benchmark_list_tests"], check=True, text=True,
                              stdout=subprocess.PIPE).stdout.split()
     chosen = [name for name in present if SUFFIX.sub("", name) in names]
@@ -179,7 +179,7 @@ def machine():
 
 
 def print_line(line, title_width):
-    # Printed as soon as it is measured, because the whole table takes minutes.
+    # Prints each row as soon as it is measured, because the whole table takes minutes.
     texts = [line[0].ljust(title_width)] + [text.rjust(9) for text in line[1:]]
     print(" ".join(texts).rstrip(), flush=True)
 

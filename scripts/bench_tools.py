@@ -1,7 +1,7 @@
 """Measures whole programs side by side: qblconv, a bare loop over ICU, and iconv.
 
 Compares their results first; then the runs of the programs alternate. All files are in memory if
-it has room for them.
+the memory has room for them.
 """
 import hashlib
 import os
@@ -39,8 +39,8 @@ def scratch(files):
 
 
 class Peak:
-    """Samples the peak resident memory of a process. The figure of wait4() is not enough: it is at
-    least the memory that the parent had at the fork."""
+    """Samples the peak resident memory of a process. The figure of wait4() alone is not enough,
+    because it is never below the memory that the parent had at the fork."""
 
     def __init__(self, pid):
         self.kilobytes, self.path, self.ended = 0, f"/proc/{pid}/status", threading.Event()
@@ -60,7 +60,7 @@ class Peak:
     def megabytes(self, waited):
         self.ended.set()
         self.thread.join()
-        # A figure above the parent's peak is the process's own, and exact.
+        # A figure of wait4() above the parent's peak is the exact peak of the process.
         if waited > resource.getrusage(resource.RUSAGE_SELF).ru_maxrss:
             self.kilobytes = waited
         return self.kilobytes * 1024 / 1e6
@@ -88,8 +88,8 @@ def digest_of_output(command):
 
 
 def digest_of_tree(top):
-    """Returns a digest of the names and contents of all files. Skips directories from the top that
-    have a single subdirectory as their only entry."""
+    """Returns a digest of the names and contents of all files. Names are relative to the first
+    directory, from the top, that has entries other than a single subdirectory."""
     while len(os.listdir(top)) == 1 and os.path.isdir(os.path.join(top, os.listdir(top)[0])):
         top = os.path.join(top, os.listdir(top)[0])
     paths = sorted(os.path.join(folder, name) for folder, _, names in os.walk(top) for name in names)
@@ -189,7 +189,7 @@ class Bench:
         with open(path, "wb") as out:
             while left > len(block):
                 left -= out.write(block)
-            # ASCII, because a cut copy of the block could end within a character.
+            # Fills up with ASCII, because a cut copy of the block could end within a character.
             out.write(b"." * left)
 
     @staticmethod
@@ -202,7 +202,8 @@ class Bench:
                 out.write(b"%d\n" % number + text * (4000 // len(text)))
 
     def make_links(self, what, path):
-        """Makes hard links to a thousand small files, a thousand per folder, to save space."""
+        """Makes folders of a thousand small files each. All are hard links to the same thousand
+        files, to save space."""
         originals = os.path.join(self.folder, what + "-originals")
         os.mkdir(originals)
         for number in range(PER_FOLDER):

@@ -2,7 +2,7 @@
 # Sourced by the scripts here: the path of the tree, messages, and installing packages.
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 me=$(basename "$0")
-# If the user has set it, the linker may pick libraries of the wrong width.
+# If the user has set LIBRARY_PATH, the linker may pick libraries of the wrong width.
 unset LIBRARY_PATH
 
 say() { printf '%s: %s\n' "$me" "$*"; }

@@ -143,7 +143,7 @@ std::set<std::string> currencies() {
     return all;
 }
 
-/// Returns the currency of a country; empty if it has none.
+/// Returns the currency of a country; empty if the country has no currency.
 std::string currencyOf(const std::string& country) {
     Status status;
     UChar code[4] = {};
@@ -152,7 +152,8 @@ std::string currencyOf(const std::string& country) {
     return name != "XXX" ? name : "";
 }
 
-/// Returns the currencies of a country, past and present; true means that it was given up.
+/// Returns the past and present currencies of a country. The value is true if the country no longer
+/// uses the currency.
 std::map<std::string, bool> historyOf(const std::string& country) {
     Status status, none;
     const icu::LocalUResourceBundlePointer all(
@@ -177,8 +178,8 @@ std::map<std::string, bool> historyOf(const std::string& country) {
     return result;
 }
 
-/// Maps each currency that no country uses any more to its successor, if all its countries have the
-/// same one.
+/// Maps each currency that no country uses any more to its successor. Omits a currency if its
+/// countries now use different currencies.
 std::map<std::string, std::string> successors() {
     std::map<std::string, std::set<std::string>> next;
     std::set<std::string> used;
@@ -212,9 +213,9 @@ std::map<std::string, std::string> currenciesOfLCIDs() {
         char back[ULOC_FULLNAME_CAPACITY] = "";
         Status status;
         uloc_getLocaleForLCID(lcid, back, sizeof back, status);
-        // Skips locales that share the identifier of another locale. A locale without its own
-        // identifier has that of its language; a locale with a script may have that of the locale
-        // without the script.
+        // Skips a locale if its identifier belongs to another locale. A locale without its own
+        // identifier gets the identifier of its language. A locale with a script may get the
+        // identifier of the locale without the script.
         icu::Locale own(locale), other(back);
         own.minimizeSubtags(status);
         other.minimizeSubtags(status);

@@ -7,9 +7,9 @@ surroundings() {
   find "$root/.deps/i386" -maxdepth 1 -name '.have-*' 2>/dev/null | sort
 }
 
-# configure PRESET: prints nothing unless it fails. Discards a cache made in other surroundings.
-# Discards it also if configuring fails, because the cache may record a package as missing that
-# scripts/setup has installed since.
+# configure PRESET: configures a preset; prints nothing unless this fails. Discards the CMake cache if
+# the facts that surroundings() prints have changed. Also discards the cache if configuring fails,
+# because the cache may record a package as missing that scripts/setup has installed since then.
 configure() {
   local log=$root/build/$1/configure.log seen=$root/build/$1/surroundings how=()
   mkdir -p "$root/build/$1"
@@ -30,8 +30,8 @@ build() {
   (cd "$root" && "${run[@]}" cmake --build --preset "$preset" -j "$(nproc)" ${1:+--target "$@"})
 }
 
-# The thread sanitizer of this compiler supports address layouts with up to 28 random bits. Runs a
-# command without address randomization if the kernel uses more.
+# This compiler's ThreadSanitizer supports address layouts with up to 28 random bits. Runs a command
+# without address randomization if the kernel uses more random bits.
 without_wide_aslr() {
   local bits
   bits=$(cat /proc/sys/vm/mmap_rnd_bits 2>/dev/null) || bits=28
@@ -48,7 +48,7 @@ run_tests() {
     --output-junit "$root/build/$preset/tests.xml" "$@")
 }
 
-# test_counts PRESET: prints "N of M tests passed", and the number of skipped tests if not 0.
+# test_counts PRESET: prints "N of M tests passed", and the number of skipped tests unless it is 0.
 test_counts() {
   local xml=$root/build/$1/tests.xml all failed skipped
   [ -s "$xml" ] || { echo "the tests did not run"; return; }

@@ -1,10 +1,12 @@
 #!/usr/bin/python3 -B
-"""Makes the site in build/docs/html: the guide of Markdown, and the reference of what Doxygen wrote.
+"""Makes the site in build/docs/html: the guide from Markdown pages, and the reference from Doxygen's
+output.
 
-Each page gets the frame of docs/site/page.html: header, search, breadcrumb, menu. Pages of the
-guide and their sections get addresses that last: docs/threads.md#timeouts is
-guide-threads.html#timeouts. The order of the guide is that of the lists under "Documentation" in README.md.
-A page that is missing there is an error, as is any dead link. The system's Python has markdown_it.
+Each page gets the frame of docs/site/page.html: header, search, breadcrumb, menu. The pages of the
+guide and their sections have fixed addresses: docs/threads.md#timeouts becomes
+guide-threads.html#timeouts. The pages of the guide have the order of the lists under "Documentation"
+in README.md. If a page is missing in these lists, or a link is dead, the script fails. It uses the
+system's Python, which has the module markdown_it.
 """
 import html
 import json
@@ -76,7 +78,7 @@ class Site:
         parts = re.split(r'<h2 id="([^"]*)">(.*?) <a class="permalink".*?</h2>', page.contents)
         self.index.append((title, "Guide", page.address, plain(parts[0])))
         for anchor, name, body in zip(parts[1::3], parts[2::3], parts[3::3]):
-            if page.source == "README.md" and plain(name) == "Documentation":  # only names the other pages
+            if page.source == "README.md" and plain(name) == "Documentation":  # only lists the other pages
                 continue
             self.index.append((plain(name), f"Guide › {title}", f"{page.address}#{anchor}", plain(body)))
 
@@ -85,7 +87,8 @@ class Site:
         for compound in self.compounds.values():
             for name, anchor, _, _ in compound.members:
                 full = name if compound.kind == "file" else f"{compound.name}::{name}"
-                # Only what is no word of others, such as the severity Error.
+                # Links only names that have a prefix of the library. Other names, such as the severity
+                # Error, may mean something else in a text.
                 if re.match(r"(?:QBL|I18N|TAV|Tav|M_)\w|(?:qbl|i18n|tav)[A-Z]", full):
                     names.setdefault(full, f"{compound.address}#{anchor}")
         names.update((c.name, c.address) for c in self.compounds.values() if c.kind != "file")
@@ -118,7 +121,7 @@ class Site:
         areas = '<ul class="cards">' + "".join(
             f"<li>{link('reference.html#' + a.lower(), a)}<p>{html.escape(self.about[a])}</p></li>"
             for a in self.areas) + "</ul>"
-        # A group of tasks is one block, a level below the page's own heading.
+        # Each group of tasks becomes a section, one level below the heading of all tasks.
         text = re.sub(r"<(/?)h2\b", r"<\1h3", text)
         text = re.sub(r"(<h3.*?</ul>)", r"<section>\1</section>", text, flags=re.S)
         text = text.replace("<section>", f'<h2 id="tasks">{self.home.title}</h2><div class="tasks"><section>', 1)
@@ -138,7 +141,7 @@ class Site:
         title, text = inner((DOXYGEN / compound.address).read_text())
         title = re.sub(r" (?:(?:Class|Struct)(?: Template)?|Union|File) Reference.*", "", title, flags=re.S)
         text = re.sub(r"<hr/>The documentation for this .*?</ul>", "", text, flags=re.S)
-        # The contract first, then the members.
+        # Moves the description of the class before its members.
         details = re.search(r'<a name="details"[^>]*></a>(<h2 class="groupheader">.*?)'
                             r"(?=<h2 class=\"groupheader\">(?!Detailed)|\Z)", text, re.S)
         text = re.sub(r'<a href="[^"]*#details">More\.\.\.</a>', "", text)
@@ -207,7 +210,7 @@ class Site:
         tree = re.sub(r'<span class="icona">.*?</span></span>|style="display:none;"', "", tree)
         self.write("hierarchy.html", "Class hierarchy", tidy(tree), [("reference.html", "Reference")])
 
-    # --- the rest
+    # --- search and links
 
     def write_search(self):
         self.write("search.html", "Search", '<p id="state" role="status">Type above what you look for.</p>'
@@ -217,7 +220,8 @@ class Site:
         (OUT / "search-index.js").write_text(f"var searchIndex = [\n{lines}\n];\n")
 
     def target(self, address):
-        """Where an address of Doxygen's, or of the repository, is on the site."""
+        """Returns the address on the site for an address in Doxygen's output or in the repository.
+        Copies a file of the repository into the site if needed."""
         file, hash_, anchor = address.partition("#")
         for page in self.users + self.project + [self.home]:
             if file and pathlib.PurePosixPath(page.source).name == pathlib.PurePosixPath(file).name:
@@ -232,7 +236,7 @@ class Site:
         return address
 
     def relink(self):
-        """Rewrites links, and reports those that lead nowhere."""
+        """Rewrites the links in all pages, and reports dead links."""
         pages = {p.name: p.read_text() for p in OUT.glob("*.html")}
         for name in pages:
             pages[name] = re.sub(
@@ -240,7 +244,8 @@ class Site:
                 lambda m: f'{m.group(1)}="{html.escape(self.target(html.unescape(m.group(2))))}"', pages[name])
         ids = {name: set(re.findall(r'\bid="([^"]*)"', text)) for name, text in pages.items()}
         for name in pages:
-            # Not every member that Doxygen knows has a place on a page: friends, and plain enumerators.
+            # Some members have no anchor on their page, such as friends and enumerators. Links to them
+            # lead to the page.
             pages[name] = re.sub(r'"(\w+\.html)#(a[0-9a-f]{32,})"', lambda m: (
                 m.group(0) if m.group(2) in ids.get(m.group(1), ()) else f'"{m.group(1)}"'), pages[name])
             (OUT / name).write_text(pages[name])

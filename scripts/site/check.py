@@ -1,11 +1,11 @@
 #!/usr/bin/python3 -B
 """scripts/site/check.py AXE [--all]: checks build/docs/html in a browser.
 
-Each page must load without an error on the console and must not scroll sideways at a width of 400.
-The pages of the guide and 40 pages of the reference, or every page with --all, must also fit at a
-width of 1400, have no dead link, and pass axe (contrast, headings, names of controls) on a light
-phone and a dark desktop. The search must find terms of the guide and of the reference. Writes two
-screenshots to build/docs.
+Each page must load without an error on the console and must not scroll sideways at a width of 400
+pixels. Some pages are checked more closely: the pages of the guide and 40 pages of the reference;
+with --all, every page. They must also fit at a width of 1400 pixels, have no dead link, and pass the
+checker axe (contrast, headings, names of controls) on a light phone and a dark desktop. The search
+must find terms of the guide and of the reference. Writes two screenshots to build/docs.
 """
 import base64
 import functools
@@ -24,7 +24,7 @@ import urllib.parse
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 OUT = ROOT / "build/docs/html"
 SAMPLE = 40
-LIMIT = 120  # seconds that the browser has for an answer
+LIMIT = 120  # seconds to wait for an answer of the browser
 WIDTHS = ((400, 800, "light"), (1400, 900, "dark"))
 AXE = """axe.run(document, {resultTypes: ["violations"],
   runOnly: ["wcag2a", "wcag2aa", "wcag21a", "wcag21aa", "best-practice"]}).then(result =>
@@ -33,13 +33,14 @@ AXE = """axe.run(document, {resultTypes: ["violations"],
 
 
 class Browser:
-    """A headless Chromium, spoken to over two pipes: a JSON text and a zero byte each way."""
+    """A headless Chromium. Two pipes carry the messages; each message is a JSON text and a zero
+    byte."""
 
     def __init__(self, profile):
         theirs_in, self.out = os.pipe()
         self.input, theirs_out = os.pipe()
 
-        def arrange():  # the browser reads 3 and writes 4
+        def arrange():  # the browser reads from descriptor 3 and writes to descriptor 4
             first, second = os.dup(theirs_in), os.dup(theirs_out)
             os.dup2(first, 3)
             os.dup2(second, 4)
@@ -98,7 +99,7 @@ class Browser:
         self.call("Emulation.setEmulatedMedia", features=[{"name": "prefers-color-scheme", "value": scheme}])
 
     def complaints(self):
-        """What the page wrote to the console, and what it did not get."""
+        """Yields the errors that the page wrote to the console, and the files that failed to load."""
         for event in self.events:
             params = event.get("params", {})
             if event.get("method") == "Runtime.exceptionThrown":

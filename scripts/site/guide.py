@@ -1,4 +1,4 @@
-"""The guide: pages of Markdown, as Git hosts show them."""
+"""Makes the guide from Markdown pages. The pages look as on Git hosts."""
 import html
 import pathlib
 import re
@@ -7,11 +7,11 @@ from markdown_it import MarkdownIt
 from text import slug
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
-HOME = "docs/tasks.md"  # its sections stand on the home page
+HOME = "docs/tasks.md"  # the home page shows the sections of this page
 
 
 class Guide:
-    """A Markdown file as a page."""
+    """A page of the guide, made from a Markdown file."""
 
     def __init__(self, source, about=""):
         self.source, self.about = source, about
@@ -33,14 +33,15 @@ CPP = re.compile(
 
 
 class Markdown:
-    """Makes HTML of Markdown; names of the reference become links to it."""
+    """Converts Markdown to HTML. Names that the reference describes become links to it."""
 
     def __init__(self, names, headers):
         self.names, self.headers = names, headers
         self.parser = MarkdownIt("commonmark").enable("table")
 
     def block(self, match):
-        """A block of code, which scrolls by itself; one without a language is C++ if it has statements."""
+        """Returns the HTML of a block of code. The block has its own scroll bar. A block without a
+        language counts as C++ if it has statements."""
         language, code = match.group(1), html.unescape(match.group(2))
         if language in ("cpp", "c") or not language and re.search(r";( *//.*)?$", code, re.M):
             shown = self.highlight(code)
@@ -49,7 +50,8 @@ class Markdown:
         return f'<pre class="fragment" tabindex="0">{shown}</pre>'
 
     def word(self, match):
-        """Code in a line, as a link if that is none and begins with a known name."""
+        """Returns the HTML of code within a line. The code becomes a link if it begins with a known
+        name and is not inside a link or a block."""
         code = match.group(2)
         if not code:
             return match.group(0)
@@ -78,7 +80,8 @@ class Markdown:
         return result + html.escape(code[at:])
 
     def page(self, text):
-        """Title and contents; the headings have the anchors that Git hosts give them."""
+        """Returns the title and the contents of a page as HTML. The headings have the same anchors as
+        on Git hosts."""
         tokens, seen = self.parser.parse(text), {}
         title = tokens[1].content
         for opening, inline, closing in zip(tokens[3:], tokens[4:], tokens[5:]):
@@ -101,7 +104,8 @@ class Markdown:
 
 
 def read_guide():
-    """Lists of README.md's section "Documentation": for users, and about the project."""
+    """Returns the pages that README.md lists under "Documentation": the pages for users, and the pages
+    about the project."""
     more = (ROOT / "README.md").read_text().split("\n## Documentation\n")[1]
     lists = []
     for part in re.split(r"\n\n(?=- )", more)[1:]:

@@ -1,4 +1,5 @@
-"""The reference: what Doxygen wrote of the public headers, to build/docs/xml and build/docs/doxygen."""
+"""Makes the reference from Doxygen's output for the public headers, in build/docs/xml and
+build/docs/doxygen."""
 import pathlib
 import re
 import xml.etree.ElementTree as ET
@@ -10,8 +11,8 @@ DOXYGEN, XML = (ROOT / "build/docs" / name for name in ("doxygen", "xml"))
 
 
 class Compound:
-    """A class or a header, as Doxygen's XML describes it. Members are tuples of name, anchor, brief
-    description and the line of their declaration."""
+    """A class or a header, read from Doxygen's XML. Members are tuples: name, anchor, brief
+    description, line of the declaration."""
 
     def __init__(self, element):
         self.id, self.kind = element.get("id"), element.get("kind")
@@ -64,14 +65,14 @@ def read_reference():
 
 
 def inner(text):
-    """Title and contents of a page as Doxygen wrote it."""
+    """Returns the title and the contents of one of Doxygen's pages."""
     title = re.search(r'<div class="title">(.*?)</div></div>', text, re.S).group(1)
     contents = re.search(r'<div class="contents">(.*)</div><!-- contents -->', text, re.S).group(1)
     return re.sub(r"<div class=\"ingroups\">.*", "", title).strip(), contents
 
 
 def tidy(text):
-    """Takes out what needs Doxygen's scripts and old attributes."""
+    """Removes elements that need Doxygen's scripts, and obsolete attributes."""
     text = re.sub(r'<div class="ttc".*?</div></div>\n?', "", text)
     text = re.sub(r'<tr class="[^"]* inherit [^"]*">.*?</tr>\n?', "", text, flags=re.S)
     text = re.sub(r' onclick="javascript:toggleInherit[^"]*"><img[^>]*>&#160;', ">", text)
@@ -82,13 +83,13 @@ def tidy(text):
     text = text.replace("<p >", "<p>").replace("<dl >", "<dl>")
     text = re.sub(r'<span class="permalink"><a href="(#[^"]*)">&#9670;&nbsp;</a></span>(.*?)</h(\d)>',
                   r'\2 <a class="permalink" href="\1" aria-label="Link to this">#</a></h\3>', text)
-    # Classes that are friends; functions that are stand among the members.
+    # Removes friend classes. Friend functions stay among the members.
     text = re.sub(r'<tr class="memitem:\w+"><td class="memItemLeft">(?:<a id="\w+"></a>\s*)?'
                   r"(?:class|struct)&#160;.*?</tr>\n?", "", text, flags=re.S)
     text = re.sub(r'<table class="memberdecls">\s*<tr class="heading">(?:(?!</tr>).)*</tr>\s*</table>', "", text,
                   flags=re.S)
     text = re.sub(r"<th([^>]*)>\s*</th>", r"<td\1></td>", text)
-    # Wide blocks scroll by themselves, and then by keyboard too.
+    # Wide blocks have their own scroll bars. tabindex makes them scroll by keyboard too.
     text = re.sub(r'<div class="(image|memproto)">', r'<div class="\1" tabindex="0">', text)
     text = re.sub(r'<(div|pre) class="fragment">', r'<\1 class="fragment" tabindex="0">', text)
     for name in ("markdownTable", "doxtable", "fieldtable", "memberdecls", "directory"):
@@ -98,7 +99,8 @@ def tidy(text):
 
 
 def sections(text):
-    """Gives each heading of the second level an address and lists them."""
+    """Gives each heading of the second level an anchor. Returns the new text and a list of the
+    headings."""
     found, seen = [], set()
 
     def name(match):
@@ -118,7 +120,8 @@ def sections(text):
 
 
 def in_order(text, compound):
-    """Groups of members in the order of the header, whatever kinds of members they have."""
+    """Sorts the groups of members by their place in the header, whatever kinds of members they
+    have."""
     lines = {anchor: line for _, anchor, _, line in compound.members if line}
     end = text.rfind('<table class="memberdecls">')
     start = text.find('<h2 class="groupheader">')

@@ -1,16 +1,16 @@
-"""Pieces of HTML."""
+"""Functions for pieces of HTML."""
 import html
 import re
 
 
 def plain(fragment):
-    """The text of a piece of HTML, on one line."""
+    """Returns the text of a piece of HTML, on one line."""
     text = html.unescape(re.sub(r"<[^>]*>", "", fragment))
     return re.sub(r"\s+", " ", text.replace("\u00a0", " ")).strip()
 
 
 def slug(text):
-    """The anchor that Git hosts give a heading."""
+    """Returns the anchor that Git hosts give a heading."""
     return re.sub(r"[^\w\- ]", "", plain(text).lower()).replace(" ", "-")
 
 
