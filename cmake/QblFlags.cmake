@@ -5,12 +5,12 @@ target_compile_options(qbl_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow
   $<$<COMPILE_LANGUAGE:CXX>:-Wconversion -Wnon-virtual-dtor -Woverloaded-virtual>
   -fno-semantic-interposition -fno-plt
-  # __FILE__ is the path relative to the root, wherever the tree is. The second map handles
-  # compiler caches, which pass paths relative to build/<preset>.
+  # Makes __FILE__ relative to the root of the tree. The second map is for compiler caches, which
+  # pass paths relative to build/<preset>.
   "-fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=" "-fmacro-prefix-map=../../=")
 if(CMAKE_BUILD_TYPE STREQUAL "RelWithDebInfo")
-  # Debug information does not contain the tree's path either. gdb finds the sources if it is
-  # started in the root.
+  # Removes the path of the tree from the debug information too. gdb finds the sources if it is
+  # started in the root of the tree.
   target_compile_options(qbl_flags INTERFACE "-fdebug-prefix-map=${CMAKE_SOURCE_DIR}=.")
 endif()
 if(QBL_WERROR)

@@ -19,8 +19,8 @@ foreach(_shell bash zsh fish)
   get_property(_completions_${_shell} GLOBAL PROPERTY QBL_COMPLETIONS_${_shell})
 endforeach()
 
-# Writes qblcore.pc. Unless libdir is absolute, qblcore.pc computes its prefix from its own directory,
-# so it stays right after cmake --install --prefix and after the tree is moved.
+# Writes qblcore.pc. If libdir is relative, qblcore.pc computes its prefix from its own directory. So
+# its paths stay correct after cmake --install --prefix, and after the tree is moved.
 function(_qbl_configure_pc libdir output)
   if(IS_ABSOLUTE "${libdir}")
     set(_pc_prefix "${CMAKE_INSTALL_PREFIX}")
@@ -44,7 +44,8 @@ endfunction()
 macro(_qbl_install export libdir runtime development tools examples zsh)
   set(_cmakedir "${libdir}/cmake/QBLCore")
   set(_made "${CMAKE_BINARY_DIR}/installed/${export}")
-  # The unversioned name belongs to the run time: the library finds its own directory by it.
+  # The unversioned name belongs to the runtime component, because the library finds its own
+  # directory by this name.
   install(TARGETS QBLCore EXPORT ${export}
     LIBRARY DESTINATION "${libdir}" COMPONENT ${runtime} ${ARGN}
     FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT ${development} ${ARGN})
@@ -78,10 +79,10 @@ endmacro()
 
 _qbl_install(QBLCoreTargets "${CMAKE_INSTALL_LIBDIR}" runtime development tools
   "${CMAKE_INSTALL_DATADIR}/qblcore" site-functions)
-# gdb loads NAME-gdb.py together with the library NAME. It looks next to the library, if that
-# directory is in its auto-load safe-path, and below /usr/share/gdb/auto-load. A prefix outside
-# /usr gets the file next to the library, so the tree can be moved; /usr and / get it below
-# /usr/share/gdb/auto-load.
+# gdb loads NAME-gdb.py together with the library NAME. It looks for the file next to the library, if
+# that directory is in gdb's auto-load safe-path, and below /usr/share/gdb/auto-load. For the prefixes
+# /usr and /, the file goes below /usr/share/gdb/auto-load. For other prefixes, the file goes next to
+# the library, so that the tree can be moved.
 install(CODE "
   set(_libdir \"${CMAKE_INSTALL_LIBDIR}\")
   cmake_path(ABSOLUTE_PATH _libdir BASE_DIRECTORY \"\${CMAKE_INSTALL_PREFIX}\")

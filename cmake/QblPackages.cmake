@@ -1,6 +1,7 @@
 # cpack -G DEB makes three Debian packages for the architecture of the build: libqblcore1,
 # libqblcore-dev and qblcore-tools. The packages of two architectures can be installed side by side,
-# so the files at common paths are identical in both. scripts/package makes them for both widths.
+# so files with the same path must be identical in both. scripts/package makes the packages for both
+# widths.
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
   set(_architecture i386)
 else()
@@ -10,7 +11,8 @@ set(QBL_MAINTAINER "The QBLCore authors <qblcore@localhost.localdomain>" CACHE S
   "maintainer of the packages, with a mail address")
 set(_triplet ${CMAKE_LIBRARY_ARCHITECTURE})
 if(NOT _triplet)
-  # Without one directory per architecture this is not Debian: make no packages.
+  # On Debian, each architecture has its own library directory. This system is not Debian, so make
+  # no packages.
   return()
 endif()
 set(_runtime libqblcore${PROJECT_VERSION_MAJOR})
@@ -67,7 +69,7 @@ set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
-# Each package has its own summary. CPack would put this one in front of it.
+# Each package has its own summary. CPack would put this common summary before it.
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
 set(_version "${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}")
 
@@ -121,6 +123,7 @@ string(TOUPPER "${_development}" _upper)
 set(CPACK_DEBIAN_${_upper}_PACKAGE_RECOMMENDS "libicu-dev")
 string(TOUPPER "${_runtime}" _upper)
 set(CPACK_DEBIAN_${_upper}_PACKAGE_CONTROL_EXTRA "${_debian}/triggers")
-# The tools need libQBLCore, which is in a package of the same run: dpkg-shlibdeps finds it here.
+# The tools need libQBLCore, which is in a package of the same cpack run. dpkg-shlibdeps finds the
+# library in this directory.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_BINARY_DIR}")
 include(CPack)

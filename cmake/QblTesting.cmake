@@ -1,4 +1,4 @@
-# Builds GoogleTest from Debian's sources, so it is available for every width and sanitizer.
+# Builds GoogleTest from Debian's sources, so that it is available for every width and sanitizer.
 set(INSTALL_GTEST OFF)
 set(BUILD_GMOCK OFF)
 add_subdirectory(/usr/src/googletest googletest EXCLUDE_FROM_ALL SYSTEM)

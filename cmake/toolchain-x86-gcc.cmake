@@ -9,8 +9,9 @@ foreach(_lang C CXX)
 endforeach()
 set(CMAKE_LIBRARY_ARCHITECTURE i386-linux-gnu)
 
-# Libraries that scripts/setup unpacked because they could not be installed. They find each
-# other by the program's DT_RPATH. DT_RUNPATH would not work: libraries do not inherit it.
+# The libraries that scripts/setup unpacked because they could not be installed. They find each
+# other by the DT_RPATH of the program. DT_RUNPATH would not work, because it does not apply to the
+# libraries that a library needs.
 get_filename_component(_qbl_deps "${CMAKE_CURRENT_LIST_DIR}/../.deps/i386" ABSOLUTE)
 if(EXISTS "${_qbl_deps}/usr/lib/i386-linux-gnu/libicuuc.so.72")
   list(APPEND CMAKE_PREFIX_PATH "${_qbl_deps}/usr" "${_qbl_deps}")
