@@ -17,7 +17,8 @@ import gdb.types
 
 
 def shown(length):
-    """Returns how much of a text to read: one more than gdb shows, so that gdb marks it as cut."""
+    """Returns the number of characters to read from a text of this length: at most one more than
+    gdb shows. The additional character makes gdb mark the text as cut."""
     if length < 0:
         raise gdb.MemoryError("not a string")
     most = gdb.parameter("print elements")
@@ -212,7 +213,7 @@ class Printers(gdb.printing.PrettyPrinter):
     def __call__(self, value):
         kind = gdb.types.get_basic_type(value.type)
         if kind.code != gdb.TYPE_CODE_STRUCT or kind.name is None or not kind.fields():
-            return None  # also for a class whose fields are only in the library's debug information
+            return None  # a class has no fields here if the library's debug information is missing
         printer = BY_NAME.get(kind.name.split("<")[0])
         if printer is None:
             printer = next((BY_BASE[name] for name in bases(kind) if name in BY_BASE), None)
