@@ -22,7 +22,7 @@ IcuConverter open(const char* encoding) {
     return IcuConverter(ucnv_open(encoding, &status));
 }
 
-/// Initializes the layer, so that converters for UTF-8 are cloned from a prepared one.
+/// Initializes the layer. It then opens converters for UTF-8 by cloning a prepared converter.
 class Started {
 public:
     Started() { I18NInitialize(); }
@@ -47,7 +47,7 @@ void itsClone(benchmark::State& state, const char* encoding) {
     }
 }
 
-/// ICU looks up the name in its tables, except for UTF-8.
+/// ICU looks up the encoding's name in its tables, except for UTF-8.
 void itsOpen(benchmark::State& state, const char* encoding) {
     for (auto _ : state) benchmark::DoNotOptimize(open(encoding));
 }
@@ -62,7 +62,7 @@ struct Text {
 };
 const Text kTexts[] = {{"windows-1252", Script::ASCII}, {"Shift_JIS", Script::CJK}};
 
-/// A text in both forms, without the characters that the encoding lacks, and room for the results.
+/// A text in both forms, and room for the results. The text has only characters of the encoding.
 struct Buffers {
     explicit Buffers(const Text& text) {
         const I18NConverter converter(text.encoding);
@@ -169,7 +169,8 @@ const OutputCheck check("I18NConverter", [] {
     return true;
 });
 
-/// Converts into a block that the converter allocates. The encoding lacks all characters.
+/// Converts into a block that the converter allocates. The encoding lacks every character of the
+/// text.
 void unconvertible(benchmark::State& state, I18NUnconvertiblePolicy policy) {
     const std::u16string text(1 << 16, u'\u4E00');
     I18NConverter converter("windows-1252");

@@ -48,7 +48,7 @@ private:
     icu::RegexMatcher m_matcher;
 };
 
-/// Returns one bit for each pattern and text, set if they match.
+/// Returns one bit for each pair of a pattern and a text. The bit is set if they match.
 template <class Pattern, class Text>
 unsigned matchAll(const std::vector<std::unique_ptr<Pattern>>& patterns,
                   const std::vector<Text>& texts) {

@@ -47,7 +47,7 @@ struct Ours {
     static void removeUnheld() { I18NPooledString::purge(); }
 };
 
-/// Holds a text by getString() and releaseString() of the pool.
+/// Holds a text by calling getString() and releaseString() of the pool.
 struct OursByPool {
     struct Holder {
         explicit Holder(const char* text) : string(I18NPooledString::getPool().getString(text)) {}
@@ -75,8 +75,8 @@ struct Interned {
 };
 #endif
 
-/// Returns this number of texts. The first call per side and number puts them into the side's pool,
-/// where they stay until the program ends.
+/// Returns this number of texts. The first call for a side and a number puts the texts into the
+/// side's pool, where they stay until the program ends.
 template <class Side>
 const Texts& held(unsigned count) {
     struct Held {

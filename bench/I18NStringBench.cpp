@@ -12,7 +12,7 @@
 
 namespace {
 
-// Names and sentences of 16 to 32 characters. Each round constructs a string from each of them.
+// Names and sentences of 16 to 32 characters. Each round constructs one string from each text.
 const char* const kShort[] = {
     "order-2006-03-09",         "the request is bad",          "Muster, Max Friedrich",
     "/var/lib/qbl/queue/00017", "Content-Type: text/plain; x", "it was delivered on 9 March 2006"};

@@ -12,8 +12,9 @@
 
 namespace {
 
-// Our side constructs a string, which includes normalisation, or allocates a block for the bytes.
-// The yardstick writes into an existing buffer. For short texts another one does what we do.
+// To decode, our side constructs a string, which includes normalisation. To encode, it allocates a
+// block for the bytes. The yardstick only writes into an existing buffer. For short texts, a second
+// yardstick also makes a string.
 
 void ourDecoding(benchmark::State& state, Script script) {
     const std::string text = proseOf(script, static_cast<std::size_t>(state.range(0)));
@@ -53,8 +54,9 @@ void itsNormalizedString(benchmark::State& state, Script script) {
     }
 }
 
-/// The cost of memory alone: allocates a block of that size and fills it. From 512 KiB on, the
-/// 32-bit C library maps the block again in each call, and the kernel clears its pages.
+/// Measures only the cost of memory: allocates a block of the same size and fills it. For 512 KiB
+/// and more, the 32-bit C library maps the block again in each call, and the kernel clears its
+/// pages.
 void blockAndCopy(benchmark::State& state) {
     const std::string text = proseOf(Script::ASCII, static_cast<std::size_t>(state.range(0)));
     for (auto _ : state) {

@@ -10,7 +10,7 @@
 
 namespace {
 
-// Times are per appended value; those of byteByByte are per byte.
+// Times are per appended value. The times of byteByByte are per byte.
 const unsigned kCount = 1024;
 
 /// Positive and negative integers of one to ten digits.
@@ -28,7 +28,7 @@ const std::vector<int>& integers() {
     return all;
 }
 
-/// Strings of 0 to 15 bytes. Both sides get their lengths.
+/// Strings of 0 to 15 bytes. Both sides get the lengths of the strings.
 const std::vector<std::string>& strings() {
     static const std::vector<std::string> all = [] {
         std::vector<std::string> values;

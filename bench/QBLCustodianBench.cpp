@@ -23,8 +23,8 @@ using Tasks = std::vector<QBLCustodianTask*>;
 constexpr unsigned long kPauseMs = 2;
 constexpr int kPasses = 100;
 
-/// Holds the custodian in a pass, so that all tasks registered during this pass start in the same
-/// next pass.
+/// Keeps the custodian in a pass, so that all tasks registered during this pass start in the next
+/// pass together.
 class Gate : public QBLCustodianTask {
 public:
     int doIt(int) override {
@@ -40,8 +40,9 @@ private:
 };
 
 /// Registers tasks with the custodian, which calls them in this order in each pass. Restarts the
-/// library before and after: before, because a pause that began with the old schedule would last
-/// its full minute; after, so that the custodian's thread does not disturb other measurements.
+/// library before the measurement, because a pause that began with the old schedule lasts a full
+/// minute. Restarts the library again after the measurement, so that the custodian's thread does
+/// not disturb other measurements.
 class Registered {
 public:
     explicit Registered(const Tasks& tasks) : m_ulBefore(QBLCustodian::setSchedule(kPauseMs)) {
@@ -163,7 +164,7 @@ void passByHand(benchmark::State& state) {
     for (auto _ : state) state.SetIterationTime(round.secondsByHand());
 }
 
-/// Appends its letter to a text when it is called, and is then dropped.
+/// A task that appends its letter to a text when it is called. The custodian then drops the task.
 class Letter : public QBLCustodianTask {
 public:
     Letter(char letter, std::string& text) : m_cLetter(letter), m_text(text) {}

@@ -10,7 +10,7 @@ namespace {
 
 constexpr int kCount = kQBLDBDatatypeCodes;
 
-/// The yardstick for names: the map that a program would write itself.
+/// The yardstick for names: a map as in a program without the library.
 const std::unordered_map<std::string, int>& hashed() {
     static const std::unordered_map<std::string, int>& map = *[] {
         auto* out = new std::unordered_map<std::string, int>;

@@ -19,7 +19,7 @@ namespace {
 
 constexpr int kEntries = 10000;
 constexpr int kDirs = 100;
-constexpr int kTrees = 2;  // few, because creating a tree takes longer than removing it
+constexpr int kTrees = 2;  // only two, because creating a tree takes longer than removing it
 
 void makeDir(const std::string& path) {
     if (mkdir(path.c_str(), 0777) != 0) throw std::runtime_error(path);

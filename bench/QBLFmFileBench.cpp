@@ -129,7 +129,8 @@ void append(benchmark::State& state) {
     }
 }
 
-/// Writes a text to a file, appends the file to another one, and returns the contents of that file.
+/// Writes a text to a file, appends the file to a second file, and returns the contents of the
+/// second file.
 template <class File>
 std::string carry(const std::string& text) {
     const TempDir dir;

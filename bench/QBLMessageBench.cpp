@@ -28,7 +28,7 @@
 namespace {
 
 // Message kPatternId is a pattern with two arguments: kPattern in our catalogue, kPrintfPattern in
-// gettext's. All other messages are plain texts.
+// gettext's catalogue. All other messages are plain texts.
 std::string plainText(unsigned id) { return "The text of message " + std::to_string(id) + "."; }
 const char kPattern[] = "Cannot open {0}: error {1} of the system.";
 const char kPrintfPattern[] = "Cannot open %s: error %d of the system.";
@@ -268,7 +268,8 @@ public:
 }
 
 /// Throwing costs three unwindings and copies of the messages: the set contains each message twice.
-/// Rendering formats each of them, which mostly costs the look at the file.
+/// Rendering formats each message in the set. Most of this time goes into checking whether the
+/// catalogue's file has changed.
 void throwAndRender(benchmark::State& state) {
     QBLMessage message(Catalogues::of(1000).base.c_str(), kPatternId);
     message << kFileName << 5;

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Creates and releases an item. The factory always has a free item to reuse.
+/// Creates and releases an item. The factory always reuses a free item.
 class Ours {
 public:
     Ours() { m_factory.registerClass(s_id, &Item::make); }

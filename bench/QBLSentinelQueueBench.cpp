@@ -9,7 +9,7 @@
 
 namespace {
 
-// One thread puts a pointer and takes it out again. It never waits.
+// One thread puts a pointer into the queue and takes it out again. The thread never waits.
 struct Item {
     int value = 7;
 };

@@ -26,7 +26,7 @@ private:
     std::vector<char> m_out;
 };
 
-/// Only the compression that our side uses: no length, no checksum, no Base64.
+/// Only compresses the text. Unlike our side, adds no length, no checksum and no Base64.
 struct Zlib {
     explicit Zlib(const std::string& text)
         : m_text(text), m_out(compressBound(static_cast<uLong>(text.size()))) {}
@@ -57,10 +57,11 @@ double secondsOf(std::size_t size) {
     return (processorSeconds() - start) / calls;
 }
 
-// For a short text, compress2 spends its time mostly on memory. A process that has run for a while
-// has free memory; a new process gets it from the kernel and returns it in every call. So both
-// sides run in a new process that does nothing else: this program again. If the environment
-// variable is set, the initializer below measures, prints the result and exits before main() runs.
+// For a short text, compress2 spends most of its time on memory. A process that has run for a while
+// reuses its free memory. A new process gets the memory from the kernel and returns it in every
+// call. So both sides are measured in a new process that does nothing else. The program starts
+// itself for this. If the environment variable is set, the initializer below measures, prints the
+// result and exits before main() runs.
 const char kFresh[] = "QBL_BENCH_SQUISHER";
 
 [[maybe_unused]] const bool s_inFreshProcess = [] {

@@ -8,8 +8,8 @@
 
 namespace {
 
-/// Two threads on different processors count to a common goal under one lock. So both contend until
-/// the end of the round, even if one of them gets the lock more often.
+/// Two threads on different processors count to a common goal under one lock. So both threads
+/// contend until the end of the round, even if one thread gets the lock more often.
 template <class Lock>
 class Contest {
 public:
@@ -63,8 +63,8 @@ private:
     }
 
     const Pinned m_here{0};
-    // Each member has its own cache line, so the benchmark compares the locks, and not how close
-    // their words are to the data.
+    // Each of these members has its own cache line. Otherwise the result would depend on whether a
+    // lock and the data share a cache line.
     alignas(64) Lock m_lock;
     alignas(64) int m_iCount = 0;             // guarded by m_lock during a round
     alignas(64) std::atomic<int> m_iGoal{0};  // 0 between rounds, -1 ends the rival

@@ -73,7 +73,8 @@ void throughputInStep(benchmark::State& state) {
     }
 }
 
-/// Submits one task at a time. The submitter polls for its end and yields between polls.
+/// Submits one task at a time. The submitter polls until the task has ended, and yields between
+/// polls.
 template <class Pool>
 void roundTrip(benchmark::State& state) {
     std::atomic<bool> done{false};

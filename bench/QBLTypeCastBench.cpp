@@ -89,7 +89,7 @@ void writeStandard(benchmark::State& state) {
     }
 }
 
-/// A new stream for each conversion, as a program without the library would write it.
+/// Uses a new stream for each conversion, like a program without the library.
 template <class Value>
 void writeStream(benchmark::State& state) {
     const auto& numbers = Numbers<Value>::get();

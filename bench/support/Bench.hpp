@@ -6,7 +6,8 @@
 #include <functional>
 
 /// Registers a check that both sides of a pair give the same output. All checks run before the
-/// first measurement. If one returns false, the program prints its name and ends without measuring.
+/// first measurement. If a check returns false, the program prints the check's name and ends
+/// without measuring.
 ///     const OutputCheck check("QBLList", [] { return sumOurs() == sumPeers(); });
 class OutputCheck {
 public:
@@ -19,7 +20,7 @@ public:
 /// Keeps the calling thread on one processor until the end of the scope.
 class Pinned {
 public:
-    /// @param n  index of the processor among those that the process may use, from 0
+    /// @param n  index, from 0, of one of the processors that the process may use
     explicit Pinned(int n);
     ~Pinned();
     Pinned(const Pinned&) = delete;

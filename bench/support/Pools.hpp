@@ -53,8 +53,8 @@ struct TwoFixed : QBLThreadPoolFixed {
 struct TwoQueued : QBLThreadPoolQueued {
     TwoQueued() : QBLThreadPoolQueued(2, 0) {}
 };
-/// The pool adds workers to the two permanent ones if there are more tasks than workers. The added
-/// workers stay until the end of a measurement.
+/// The pool has two permanent workers, and adds workers if there are more tasks than workers. The
+/// added workers stay until the end of a measurement.
 struct TwoVariable : QBLThreadPoolVariable {
     TwoVariable() : QBLThreadPoolVariable(2, ULONG_MAX, 60000) {}
 };

@@ -9,8 +9,9 @@
 
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
 
-/// A directory for temporary files. The destructor removes it with its contents. It is in memory if
-/// there is room, because a disk may take seconds to create files after many were removed.
+/// A directory for temporary files. The destructor removes the directory and its contents. The
+/// directory is in memory if there is room, because after the removal of many files, a disk may
+/// take seconds to create new files.
 class TempDir {
 public:
     TempDir() {
