@@ -1,6 +1,6 @@
-// Decodes the input as UTF-8 with every kernel that this processor runs. Compares the results with
-// those of the plain decoder, which works sequence by sequence, and the units that a kernel finds
-// inert in normalisation form C with ICU.
+// Decodes the input as UTF-8 with every kernel that this processor can run. Compares the results
+// with the results of the plain decoder, which decodes one sequence at a time. Also asks ICU
+// whether the characters that a kernel reports as inert are inert in normalisation form C.
 #include <cstdint>
 #include <cstdlib>
 #include <string>

@@ -1,5 +1,5 @@
-// Reads arbitrary bytes as a source and as a message file. A source that compiles gives a message
-// file that reads back unchanged, and the dump of a message file compiles to the same texts.
+// Reads arbitrary bytes as a source and as a message file. If the source compiles, the message file
+// must have the same texts. The dump of a message file must compile to the same texts.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>

@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr std::size_t kMostPieces = 64;  // a socket buffers this many without a reader
+constexpr std::size_t kMostPieces = 64;  // a socket buffers this many pieces without a reader
 
 void require(bool holds) {
     if (!holds) std::abort();

@@ -1,6 +1,6 @@
 // Encodes the input as bytes and decodes it as a text, with both alphabets and every kernel that
-// this processor runs. Compares the results with a model that works letter by letter. The longest
-// input of the corpus sets libFuzzer's limit for the length of new inputs.
+// this processor can run. Compares the results with a model that processes one letter at a time.
+// The longest input of the corpus sets libFuzzer's limit for the length of new inputs.
 #include <cstdint>
 #include <cstdlib>
 #include <string>

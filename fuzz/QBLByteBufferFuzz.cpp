@@ -88,7 +88,7 @@ Buffer newBuffer(unsigned int kind) {
     return std::make_unique<QBLByteBuffer>(growth, kind / 2 % 8, kind / 16);
 }
 
-/// A buffer and its model. A second buffer, which grows in the other way, serves for assignments.
+/// A buffer and its model. A second buffer, which grows by other rules, is for assignments.
 class Checked {
 public:
     explicit Checked(unsigned int kind)
@@ -116,7 +116,7 @@ public:
                 buffer.appendChars(text.data(), operand);
                 m_model.append(text);
                 break;
-            case 3:  // a part of the buffer's own content
+            case 3:  // appends a part of the buffer's own content
                 buffer.appendChars(buffer.str() + at, size - at);
                 m_model.append(m_model.text.substr(at));
                 break;
@@ -131,7 +131,7 @@ public:
                 print("<" + std::string(m_model.text.c_str()).substr(0, 600) + ">", "<%.600s>",
                       buffer.str());
                 break;
-            case 7: {  // lengths around the limit for a second pass of printf(), and far above it
+            case 7: {  // lengths near and far above the limit for a second pass of printf()
                 const unsigned int width = operand < 128 ? 448 + operand : operand * 17;
                 print(std::string(width - 1, ' ') + "x", "%*s", static_cast<int>(width), "x");
                 break;
@@ -260,7 +260,7 @@ private:
             *m_other = *m_buffer;
             m_otherModel = m_model;
             require(m_other->str()[size] == '\0');
-        } else {  // appending nothing does not terminate it
+        } else {  // appending nothing does not null-terminate the content
             m_buffer->appendChars(nullptr, 0) << "" << QBLByteBuffer();
             require(m_buffer->str()[size] != '\0');
         }

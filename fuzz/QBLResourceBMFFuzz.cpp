@@ -1,5 +1,5 @@
-// Reads arbitrary bytes as a message file, loaded whole and read piece by piece. Both ways must
-// give the same texts.
+// Reads arbitrary bytes as a message file, in two ways: loads the whole file, or reads it piece by
+// piece. Both ways must give the same texts.
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -38,13 +38,13 @@ bool isOpened(QBLResourceBMF& resource, const MemoryFile& file) {
     return resource.open();
 }
 
-/// Requires that both ways find the same text, or both find none.
+/// Requires that both ways find the same text, or that both ways find no text.
 void compare(QBLResourceBMF& whole, QBLResourceBMF& pieces, unsigned long id) {
     char *first = nullptr, *second = nullptr;
     require(whole.getResource(id, &first) == pieces.getResource(id, &second));
     if (first == nullptr || second == nullptr) return;
-    // A text that is not null-terminated ends at its length in one case, at the block's end in the
-    // other.
+    // A text that is not null-terminated ends at its length if read piece by piece, and at the end
+    // of the block if the whole file is loaded.
     const std::size_t length = std::strlen(second);
     require(std::strncmp(first, second, length) == 0);
 }

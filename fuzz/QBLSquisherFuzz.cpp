@@ -20,9 +20,9 @@ Unsquished unsquish(const std::string& token) {
     return got;
 }
 
-/// Makes a token of the input: the first four bytes are the length, the rest is the stream.
-/// Compares the result with zlib's, which gets room for one byte more to detect a stream that is
-/// too long.
+/// Makes a token from the input: the first four bytes are the length, the other bytes are the
+/// stream. Compares the result with zlib's result. zlib gets room for one more byte, so that it
+/// detects a stream that is too long.
 void unsquishStream(const std::string& bytes) {
     if (bytes.size() < 4) return;
     unsigned long length = 0;

@@ -1,7 +1,7 @@
-// Parses the input as the type that its first byte selects. If the text is valid, the value is
-// written and read again, and must not change. If it is malformed, the value is all zeros and the
-// status says why. The bytes also serve as the raw fields of a value, whose text must fit into its
-// buffer.
+// Parses the input as the type that its first byte selects. If the text is valid, writes the value
+// and reads it again; the value must not change. If the text is malformed, the value must be all
+// zeros and the status must give the reason. Also uses the bytes as the raw fields of a value; the
+// text of this value must fit into its buffer.
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -73,8 +73,8 @@ void check(const std::string& text, Read<Value> read, Write<Value> write) {
     require(write(out, &value) == Cast::ok && std::strlen(out) < kRoom);
 }
 
-/// Requires that a valid text gives the same value as strtod(), and that the value's text of nine
-/// digits, read and written again, does not change.
+/// Requires that a valid text gives the same value as strtod(). Also writes the value with nine
+/// digits; reading and writing this text again must not change it.
 void checkDouble(const std::string& text) {
     double value, again;
     char out[kRoom], outAgain[kRoom];

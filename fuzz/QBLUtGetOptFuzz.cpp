@@ -1,6 +1,6 @@
 // The input has the option letters and then the words of a command line, each followed by a NUL
-// byte. Compares the results of QBLUtGetOpt with those of a second parser, which processes all
-// words in advance.
+// byte. Compares the results of QBLUtGetOpt with the results of a second parser, which processes
+// all words in advance.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -18,9 +18,9 @@ void require(bool holds) {
 struct Step {
     int result;
     std::string longOption;
-    std::string argument;  // the last one
-    std::string error;     // the last one
-    int index;             // of the next word
+    std::string argument;  // the last argument
+    std::string error;     // the last error
+    int index;             // index of the next word
     bool isLong = false;
 };
 

@@ -1,7 +1,7 @@
 // Converts arbitrary bytes between any two encodings, with converters set up as in qblconv. The
-// first bytes select encodings, policies, byte-order mark and block sizes. Output and findings must
-// not depend on how the input is split into blocks. If nothing is reported, input and output must
-// decode to the same text.
+// first bytes select encodings, policies, byte-order mark and block sizes. The output and the
+// findings must not depend on how the input is split into blocks. If there is no finding, input and
+// output must decode to the same text.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -38,7 +38,7 @@ std::unique_ptr<I18NConverter> openNumbered(std::size_t number, int input, int o
     return converter;
 }
 
-/// The result of a conversion: its output, and its findings and end as one text.
+/// The result of a conversion: its output, and a text with its findings and how it ended.
 struct Outcome : I18NTextStreamListener {
     struct Lacking {};
 

@@ -8,7 +8,8 @@
 #include "QBLCore/Utility/internal/QBLBase64Kernels.hpp"
 #include "fuzz/support/Base64Model.hpp"
 
-/// One of the two alphabets: the library's, the model's, and the public functions for it.
+/// One of the two alphabets: its definitions in the library and in the model, and the public
+/// functions for it.
 struct Base64Side {
     const char* name;
     const QBLBase64Alphabet& alphabet;
@@ -17,8 +18,8 @@ struct Base64Side {
     int (*decode)(const char*, void*, unsigned*);
 };
 
-/// Calls body(kernels, side, name) for both alphabets and each kernel that this processor runs.
-/// @return the names of the kernels that it does not run
+/// Calls body(kernels, side, name) for both alphabets and each kernel that this processor can run.
+/// @return the names of the kernels that this processor cannot run
 template <class Body>
 std::string eachBase64Level(Body body) {
     const Base64Side sides[] = {
@@ -40,9 +41,9 @@ std::string eachBase64Level(Body body) {
     return missing;
 }
 
-/// Returns true if the kernels and the public function decode a text as the model does. They decode
-/// into memory of exactly the right size, so that a sanitizer detects an extra byte, and in place,
-/// where bytes after the result must not change.
+/// Returns true if the kernels and the public function decode a text as the model does. Decodes
+/// into memory of exactly the right size, so that a sanitizer detects an extra byte. Also decodes
+/// in place; then the bytes after the result must not change.
 inline bool decodesAsDefined(const QBLBase64Kernels& kernels, const Base64Side& side,
                              const std::string& text) {
     std::string expected, copy = text;

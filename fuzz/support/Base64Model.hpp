@@ -4,7 +4,7 @@
 #include <cstring>
 #include <string>
 
-/// A model of Base64 that works letter by letter, written from the definition.
+/// A model of Base64 that processes one letter at a time, written from the definition of Base64.
 struct Base64Model {
     char for62, for63;
 

@@ -69,9 +69,9 @@ struct Unsquished {
 /// The result of squishing a text without null bytes.
 struct Squished {
     std::string token;
-    bool fits = false;  // into QBLsqu_squished_size() bytes
-    /// True if the token is the one that zlib's output gives, unsquishes to the text, and is
-    /// rejected by QBLsqu_squish() if it does not fit.
+    bool fits = false;  // the token fits into QBLsqu_squished_size() bytes
+    /// True if three conditions hold: the token is the same as a token made from zlib's output; it
+    /// unsquishes to the text; QBLsqu_squish() rejects it only if it does not fit.
     bool right = false;
 
     explicit Squished(const std::string& text) {

@@ -11,8 +11,8 @@
 #include "i18n/cpp/utf/i18n_utf.hpp"
 #include "i18n/cpp/utf/i18n_utf_blocks.hpp"
 
-/// Calls body(kernel, name) for each kernel that this processor runs.
-/// @return the names of the kernels that it does not run
+/// Calls body(kernel, name) for each kernel that this processor can run.
+/// @return the names of the kernels that this processor cannot run
 template <class Body>
 std::string eachUtf8Decoder(Body body) {
     const struct {
@@ -45,8 +45,8 @@ inline bool isInertToIcu(const char16_t* units, std::size_t length) {
     return true;
 }
 
-/// Returns true if a kernel decodes bytes as the plain decoder does, and if ICU takes every
-/// character outside of the doubtful ones for inert. The blocks have exactly the right sizes, so
+/// Returns true if a kernel decodes bytes as the plain decoder does, and if ICU agrees that all
+/// characters outside the doubtful range are inert. The blocks have exactly the right sizes, so
 /// that a sanitizer detects an extra byte.
 inline bool decodesAsPlainly(I18NDecoder kernel, const std::string& bytes) {
     const std::size_t size = bytes.size();
