@@ -1,4 +1,4 @@
-// An error with two messages: where it passed, and what it says in two languages.
+// Shows an error with two messages: its back-trace, and its text in two languages.
 #include <cstdio>
 
 #include "QBLCore/Exceptions/QBLException.hpp"
