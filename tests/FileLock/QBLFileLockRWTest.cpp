@@ -20,8 +20,8 @@ struct QBLFileLockRWTest : ::testing::Test {
         path = tree.file("f");
         EXPECT_TRUE(file.open(path.c_str(), QBLFmFile::existing, 0));
     }
-    /// Starts a process that holds the file's lock until it is killed. Returns once it has the
-    /// lock.
+    /// Starts a process that holds the file's lock until it is killed. Returns when the process has
+    /// the lock.
     std::unique_ptr<Child> holder(bool shared) {
         int ready[2];
         EXPECT_EQ(0, pipe(ready));

@@ -67,7 +67,7 @@ TEST(QBLFmDirectoryTest, CommitOverReplacesOnlyTheGivenFile) {
     const auto begin = [&] {
         return file.open(directory, "f") && file.write("new", 3) && file.flush();
     };
-    // Another file has the name now.
+    // Now another file has the name.
     ASSERT_TRUE(begin());
     std::filesystem::rename(tree("f"), tree("g"));
     tree.file("f", "other");

@@ -123,8 +123,8 @@ TEST(QBLListTest, CopiesItsOwnElementBeforeLinking) {
     EXPECT_EQ("first", list.at(2));
 }
 
-// Compares every operation with std::deque. A model of the cursor predicts the results of indices
-// past the end.
+// Compares every operation with std::deque. A model of the list's cursor predicts the results for
+// indices past the end.
 TEST(QBLListTest, AgreesWithAModelUnderRandomOperations) {
     const unsigned int seed = std::random_device()();
     SCOPED_TRACE(seed);

@@ -24,13 +24,13 @@ std::string shown(const std::string& base) {
     return text[0] == '<' ? "XML" : text;
 }
 
-/// Returns true if the next message needs no file.
+/// Returns true if a message is formatted without reading a file.
 bool isKept(const std::string& base) {
     const unsigned long before = fault::seen(fault::kRead);
     return shown(base) != "XML" && fault::seen(fault::kRead) == before;
 }
 
-/// Formats until the catalogue is kept: a new file is not.
+/// Formats until the cache keeps the catalogue. The cache does not keep a file that is very new.
 bool becomesKept(const std::string& base) {
     return eventually([&] { return isKept(base); });
 }

@@ -134,7 +134,7 @@ TEST(QBLObjectFactoryTest, AcceptsItemsFromAnyCreator) {
 TEST(QBLObjectFactoryTest, ServesThreadsThatRegisterCreateAndRelease) {
     QBLObjectFactory factory;
     std::atomic<int> shared{0}, uses{0};
-    // Threads unregister classes now and then. If createObject() fails for that reason, the thread
+    // The threads sometimes unregister a class. If createObject() fails for this reason, the thread
     // registers the class again.
     const auto use = [&](char* id, QBLObjectFactory::Creator make) {
         try {

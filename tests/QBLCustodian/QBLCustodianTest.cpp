@@ -219,8 +219,8 @@ TEST_F(QBLCustodianTest, TasksMayRegisterTasksButNotDeregisterRunningOnes) {
 }
 
 TEST_F(QBLCustodianTest, RefusesADuplicateTaskAndReportsAFailedThreadStart) {
-    // Only the custodian, because another service of the library registers a task, which starts the
-    // custodian's thread.
+    // Starts only the custodian. If the whole library starts, another service registers a task, and
+    // the custodian's thread already runs.
     stop();
     ASSERT_EQ(0, qblThreadProcessInitialize("test"));
     ASSERT_TRUE(QBLCustodian::initialize());

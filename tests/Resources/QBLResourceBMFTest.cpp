@@ -13,8 +13,8 @@ namespace {
 const std::map<unsigned, std::string> kTexts = {
     {5, "five"}, {7, ""}, {0x7FFFFFFF, "middle"}, {0x80000001, "a high one"}};
 
-/// Returns the text of an identifier; "none" if the file lacks it, "untouched" if it cannot be
-/// read.
+/// Returns the text of an identifier; "none" if the file lacks the identifier, "untouched" if the
+/// text cannot be read.
 std::string resourceText(QBLResourceBMF& resource, unsigned long id) {
     char untouched[] = "untouched";
     char* text = untouched;
@@ -80,7 +80,8 @@ TEST(QBLResourceBMFTest, MalformedFilesNeverCauseReadsOutOfBounds) {
     TempTree tree;
     const std::string good = bmfBytes(kTexts);
     for (std::size_t size = 0; size < good.size(); ++size) useAll(tree, good.substr(0, size));
-    // Replaces each number by values that overflow sums, exceed the file, or are the maximum.
+    // Replaces each number by values that make sums overflow, exceed the file size, or are the
+    // maximum.
     for (std::size_t at = 8; at + 4 <= 16 + 12 * kTexts.size(); at += 4)
         for (const unsigned lie : {29826162U, 357913942U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU,
                                    static_cast<unsigned>(good.size())}) {

@@ -75,12 +75,12 @@ TEST_F(TavRWLockTest, ReadersContinueAfterTheWriterTimesOut) {
         EXPECT_EQ(TAVTHREAD_OK, tavXRWLockTimedReadLock(rw, kTestLimitMs));
         tavXRWLockUnlock(rw);
     });
-    reader.join();  // while the first reader still holds the lock
+    reader.join();  // ends while this thread still holds its read lock
     writer.join();
     tavXRWLockUnlock(rw);
 }
 
-// A cancellation unwinds the wait. The writer must withdraw its request then too.
+// A cancellation unwinds the wait. The writer must then withdraw its request for the lock.
 TEST_F(TavRWLockTest, ReadersContinueAfterTheWriterIsCancelled) {
 #ifdef __SANITIZE_ADDRESS__
     GTEST_SKIP() << "the sanitizer reports a false overflow while the stack unwinds";
@@ -135,8 +135,8 @@ TEST_F(TavRWLockTest, TimedOutWriterLosesNoWakeUp) {
             pthread_mutex_unlock(&rw->mutex);
             return readerWaits || writerLeft;
         }));
-        // While this thread holds the mutex, the writer times out and the unlocker unlocks. Either
-        // may then get the mutex first.
+        // While this thread holds the mutex, the writer times out and the unlocker unlocks. Then
+        // either of these two threads may get the mutex first.
         pthread_mutex_lock(&rw->mutex);
         Workers unlocker(1, [&] { tavXRWLockUnlock(rw); });
         for (Watch watch; watch.ms() < 15;) std::this_thread::yield();
@@ -145,7 +145,7 @@ TEST_F(TavRWLockTest, TimedOutWriterLosesNoWakeUp) {
 }
 
 TEST_F(TavRWLockTest, OneWriterOrManyReadersAtATime) {
-    int value = 0, copy = 0;  // equal whenever no writer is inside
+    int value = 0, copy = 0;  // equal while no writer holds the lock
     std::atomic<int> seed{0};
     std::atomic<int> written{0};
     Workers workers(5, [&] {

@@ -21,7 +21,7 @@ struct Log {
 
 TEST(TavStateTrapTest, CallbacksRunForEveryChangeNewestFirst) {
     Layer layer;
-    Log mine, theirs;  // mine: the change to Running, made by this thread; theirs: all others
+    Log mine, theirs;  // mine: the change to Running by this thread; theirs: all other changes
     Started thread([]() -> void* { return nullptr; }, TavThreadAttrSuspended);
     ASSERT_TRUE(eventually([&] { return tavXThreadState(thread) == TavThreadStateSuspended; }));
     for (int state = 0; state < 5; ++state)

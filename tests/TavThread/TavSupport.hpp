@@ -19,7 +19,8 @@ struct Layer {
 using Body = std::function<void*()>;
 inline void* runBody(void* body) { return (*static_cast<Body*>(body))(); }
 
-/// A started thread. The destructor joins it if needed and destroys its handle.
+/// A started thread. The destructor joins the thread if join() was not called, and destroys its
+/// handle.
 class Started {
 public:
     template <class... Attributes>

@@ -2,7 +2,7 @@
 
 namespace {
 
-/// Passes checkpoints until it is cancelled, and counts them.
+/// The body of a thread that passes checkpoints until it is cancelled, and counts them.
 struct Runner {
     std::atomic<int> steps{0};
     Body body = [this]() -> void* {
@@ -79,7 +79,8 @@ TEST(TavThreadControlTest, SurvivesSuspendAndContinueFromSeveralThreads) {
             }
         });
         pushers.join();
-        // Whatever the last call was, one continue resumes the thread and one suspend stops it.
+        // Whatever the last call was, tavXThreadContinue resumes the thread, and tavXThreadSuspend
+        // stops it.
         tavXThreadContinue(thread);
         EXPECT_TRUE(runner.moves());
         tavXThreadSuspend(thread);

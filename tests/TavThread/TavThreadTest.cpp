@@ -176,7 +176,7 @@ TEST(TavThreadTest, StackSizeGrowsButNeverShrinks) {
             },
             TavThreadAttrStackSize, request);
         thread.join();
-        // Sanitizers and the C library use a small part of the stack.
+        // The tolerance is for the part of the stack that sanitizers and the C library use.
         EXPECT_GE(got + 0x20000, request == larger ? larger : usual) << request;
     }
 }

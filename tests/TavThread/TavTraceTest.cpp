@@ -44,8 +44,8 @@ struct TavTraceTest : ::testing::Test {
     TavTraceTest() { g_lines = &lines; }
     ~TavTraceTest() override { g_lines = nullptr; }
 
-    /// Checks the next line. In the pattern, "@" is the address of the object, and "&" the address
-    /// of the variable that received it.
+    /// Checks the next line. In the pattern, "@" stands for the address of the object, and "&" for
+    /// the address of the variable that received the object.
     template <class Object>
     void expect(Object** out, unsigned long mask, const std::string& pattern) {
         std::string wanted;

@@ -136,7 +136,7 @@ TEST_F(QBLTaskGroupTest, DestructorCompletesEvenIfThreadsEnd) {
             QBLTaskGroup group(pool);
             group.run([this, &group] {
                 release.wait();
-                group.run([this] {  // the pool refuses it; the destructor runs it meanwhile
+                group.run([this] {  // the pool refuses this piece; the group's destructor runs it
                     ++ran;
                     pthread_exit(nullptr);
                 });

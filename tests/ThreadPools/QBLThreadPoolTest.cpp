@@ -47,7 +47,8 @@ public:
     void run() override { throw std::runtime_error("dropped"); }
 };
 
-/// Ends its thread: at once by pthread_exit(), or by a cancellation at the next cancellation point.
+/// Ends the thread that runs it: at once by pthread_exit(), or by a cancellation that takes effect
+/// at the next cancellation point.
 class Ending : public QBLThreadRunnable {
 public:
     explicit Ending(bool cancelled = false) : m_bCancelled(cancelled) {}
@@ -177,7 +178,8 @@ TEST_F(QBLThreadPoolTest, VariableSurvivesATaskThatEndsItsThread) {
         EXPECT_EQ(1, pool.execute(&ending, 0));
         while (ending.runs <= i) {
         }
-        // A growing delay, so that the next task comes at different moments of the thread's end.
+        // The delay grows, so that the next task arrives at different moments while the thread
+        // ends.
         for (std::atomic<int> spin{i * 100}; spin > 0; --spin) {
         }
         EXPECT_EQ(1, pool.execute(&counting, 0));
@@ -268,7 +270,8 @@ TEST_F(QBLThreadPoolTest, DestructorRunsAcceptedTasksEvenIfWorkersEnd) {
         for (QBLThreadRunnable* task :
              std::initializer_list<QBLThreadRunnable*>{&first, &first, &ending, &counting}) {
             EXPECT_EQ(1, pool->execute(task, 0)) << "kind " << kind;
-            fault::failCall(fault::kThreadCreate, 0, EAGAIN);  // the worker that lives must run it
+            // The surviving worker must run the task.
+            fault::failCall(fault::kThreadCreate, 0, EAGAIN);
         }
         fault::failCall(fault::kThreadCreate, 0, EAGAIN);
         fault::failCall(fault::kThreadBegin, 0, ENOMEM);
@@ -377,7 +380,7 @@ TEST_F(QBLThreadPoolTest, FailedConstructionLeavesNoThread) {
             try {
                 make(kind);
             } catch (QBLThrowable&) {
-            } catch (const std::bad_alloc&) {  // from make_unique in make()
+            } catch (const std::bad_alloc&) {  // thrown by make_unique in make()
             }
         });
         EXPECT_GT(failed, 4);

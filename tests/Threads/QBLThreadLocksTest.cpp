@@ -147,7 +147,7 @@ TEST(QBLThreadLocksTest, TryAndTimedOperationsReturnInsteadOfThrowing) {
 TEST(QBLThreadLocksTest, LongTimeoutsAreNotTruncated) {
     QBLThreadSemaphore semaphore;
     Gate waiting;
-    // If long has 64 bits, dropping the upper half of this value would give 0.
+    // If long has 64 bits, the lower half of this value is 0. So a truncated timeout would be 0.
     const unsigned long ages = sizeof(long) > 4 ? ULONG_MAX - 0xFFFFFFFFUL : ULONG_MAX - 1;
     Workers waiter(1, [&] {
         waiting.open();

@@ -1,6 +1,6 @@
-// A program built with ThreadSanitizer. It uses the library, which is built without it. The threads
-// pass plain data to each other through the library's locks, events and pools. If the sanitizer
-// does not see the synchronization, it reports a race and the program fails.
+// This program is built with ThreadSanitizer, but uses the library built without it. Threads pass
+// plain data to each other through the library's locks, events and pools. If ThreadSanitizer does
+// not see the synchronization, it reports a race and the program fails.
 #include <thread>
 #include <vector>
 

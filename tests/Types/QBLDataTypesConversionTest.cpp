@@ -52,7 +52,7 @@ public:
         return m_out.str() == text && length == static_cast<int>(std::strlen(text));
     }
 
-    /// Reads a text as every type and writes the value; expects the same results as streams give.
+    /// Reads a text as every type and writes the value. Expects the same results as from streams.
     void expectAlike(const std::string& text) {
         EXPECT_TRUE(readsSame<int>(text)) << "as int: '" << text << "'";
         EXPECT_TRUE(readsSame<long long>(text)) << "as long long: '" << text << "'";
@@ -112,7 +112,7 @@ void compareRandom(int count) {
         std::memcpy(&any, &bits, sizeof any);
         std::memcpy(&single, &bits, sizeof single);
         const double plain = static_cast<double>(whole % 1000000000) / std::pow(10, i % 10);
-        // Exactly between two numbers of six digits, where rounding must be exact.
+        // A value exactly between two numbers of six digits, where rounding must be exact.
         const double tie = static_cast<double>(whole % 1000000 * 10 + 5) / (i % 2 != 0 ? 1 : 8);
         std::string text;
         switch (i % 5) {

@@ -61,7 +61,8 @@ const Again kDouble = again<double>(&Cast::string2double, &Cast::number2string);
 const Again kInt = again<int>(&Cast::string2int32, &writeInt);
 const Again kInt64 = again<long long>(&Cast::string2int64, &writeInt64);
 
-/// Calls a body with both sides of each "text=expected"; without "=", the text is also expected.
+/// Calls a body with both sides of each "text=expected" in a table. Without "=", the expected text
+/// is the text itself.
 template <class Body>
 void forEach(const char* table, Body body) {
     std::istringstream rows(table);

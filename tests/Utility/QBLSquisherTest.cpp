@@ -16,7 +16,8 @@ namespace {
 
 using Text = std::unique_ptr<char[]>;
 
-/// Returns random bytes without nulls. Texts with few different bytes compress well.
+/// Returns random bytes without nulls.
+/// @param kinds  number of different bytes; a text with few different bytes compresses well
 std::string randomText(std::mt19937& random, std::size_t count, unsigned kinds) {
     std::string text(count, ' ');
     for (char& c : text) c = static_cast<char>(1 + random() % kinds);

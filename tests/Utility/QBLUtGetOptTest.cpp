@@ -8,8 +8,8 @@
 
 namespace {
 
-/// Parses words and records all results as text: letters with arguments, "0", "-1" and the final
-/// index. Also captures the output to standard error.
+/// Parses words and records all results of getOpt() as one text: letters with their arguments, "0",
+/// "-1", and the final index. Also captures the output to standard error.
 class Parsed {
 public:
     Parsed(std::vector<std::string> words, const char* letters, int calls) {

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# printers_test.sh SAMPLE LIBRARY: checks what gdb shows of the sample's objects with the printers that
-# it loads together with the library. Exits with 77 ("skipped") if gdb cannot run the sample.
+# printers_test.sh SAMPLE LIBRARY: checks how gdb shows the objects of SAMPLE. gdb loads the printers
+# together with the library. Exits with 77 ("skipped") if gdb cannot run the sample.
 set -euo pipefail
 sample=$1 folder=${2%/*}
 skip() { echo "SKIPPED: $*"; exit 77; }

@@ -45,7 +45,7 @@ struct Close {
 
 constexpr int kRoom = 16;
 
-// Converts the bytes by ICU into null-terminated text. Returns true if ICU rejects some of them.
+// Converts the bytes by ICU into null-terminated text. Returns true if ICU rejects some bytes.
 bool refusedByICU(UConverter* icu, const char* bytes, UChar* text) {
     UErrorCode status = U_ZERO_ERROR;
     ucnv_toUnicode(icu, &text, text + kRoom - 1, &bytes, bytes + 2, nullptr, true, &status);

@@ -64,7 +64,8 @@ std::u16string unitsOf(const I18NConverter& converter, const std::string& bytes)
     return units;
 }
 
-// Returns the converted bytes in UTF-8, or kFailed, so that a table can contain failures too.
+// Returns the text of the bytes in UTF-8, or kFailed if the conversion fails. So a table can also
+// contain expected failures.
 std::string utf8Of(const I18NConverter& converter, const std::string& bytes) {
     try {
         return bytesOf(I18NConverter("UTF-8"), unitsOf(converter, bytes));
@@ -102,7 +103,8 @@ void overfillOutput(wchar_t, const char*, char* bytes, int* count, I18NErrorCode
 
 enum Origin { kOriginal, kCopied, kAssigned };
 
-// Returns a converter with a policy for both directions. The original of a copy is destroyed.
+// Returns a converter with a policy for both directions. If the converter is a copy, its original
+// is already destroyed.
 std::unique_ptr<I18NConverter> converterFrom(Origin origin, const char* encoding, int policy) {
     auto first = std::make_unique<I18NConverter>(encoding);
     if (policy == I18N_USER_DEFINED) {
@@ -254,7 +256,8 @@ TEST(I18NConverterTest, ReportsUnconsumedInput) {
     const char* const bytes = text.c_str(I18NConverter("windows-1251"), &length);
     EXPECT_EQ(std::string("\xC6\0\xC6\0", 4), std::string(bytes, 4));
     EXPECT_EQ(4, length);
-    // A copy shares nothing with the original. A clone by ICU would, for this encoding.
+    // A copy shares nothing with the original. For this encoding, a clone made by ICU would share
+    // data with the original.
     I18NConverter compound("x11-compound-text");
     EXPECT_EQ("a", bytesOf(I18NConverter(compound), u"a"));
 }

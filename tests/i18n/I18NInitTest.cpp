@@ -34,7 +34,7 @@ bool isStarted() {
     return loaded;
 }
 
-/// Memory functions for ICU, which fail once.
+/// Memory functions for ICU. Exactly one allocation fails.
 struct ICUMemory {
     static long s_left;
     static void* take(const void*, std::size_t size) {

@@ -84,7 +84,8 @@ TEST(I18NStringTest, PassesTheUnicodeNormalizationTest) {
         expectForms(columns);
     }
     EXPECT_GT(rows, 18000);
-    // All other characters are unchanged in every form. Line ends keep them from combining.
+    // All characters that the file does not list stay unchanged in every form. Line ends between
+    // the characters keep them from combining.
     constexpr wchar_t kBlock = 0x1000;
     for (wchar_t block = 0; block < 0x110000; block += kSanitizer ? 16 * kBlock : kBlock) {
         std::wstring text;

@@ -77,7 +77,7 @@ struct Model {
             icu::Normalizer2::getNFCInstance(status)->normalize(text, status);
         units.assign(result.getBuffer(), static_cast<std::size_t>(result.length()));
     }
-    /// Returns the offset, or the offset before it if it is within a surrogate pair.
+    /// Returns i, or i - 1 if i is within a surrogate pair.
     std::size_t atCodePoint(std::size_t i) const {
         const bool within = i > 0 && i < units.size() && (units[i] & 0xFC00) == 0xDC00 &&
                             (units[i - 1] & 0xFC00) == 0xD800;

@@ -16,7 +16,7 @@
 
 namespace {
 
-/// Counts the allocated blocks. Fails the call number failAt.
+/// Counts the allocated blocks and the calls. The call with the number failAt fails.
 struct Arena {
     int blocks = 0, calls = 0, failAt = -1;
 

@@ -117,7 +117,8 @@ std::string textBy(const I18NConverter& converter, const std::string& bytes) {
     return text;
 }
 
-// Texts that are hard to split in some encodings: pairs, combinations with a single code, shifts.
+// Texts that are hard to split in some encodings: surrogate pairs, combining sequences that have a
+// single code, and shift sequences.
 const std::u16string kText =
     u"a\r\n\r\r\n\n\u00E9\u20AC\u3042\u6F22\u304B\u309A\U0001F600\u00CA\u0304\u0434\u4E02\u200Bz";
 const char* const kBroken[] = {"\x81\x30\x81", "\x1B$",        "\x1B(",
@@ -201,7 +202,8 @@ TEST(I18NTextStreamTest, ReportsUnconvertibleCharactersAndTheirPlaces) {
          "I18NTextStream: line 2, column 2: U+20AC is not in ISO-8859-1"},
         {"x-iscii-de", "UTF-8", I18N_ESCAPE, "a\xF0\xB5", "a%XB5%XF0",
          "in 2 U+0 text 1, 1:2\nin cut 1 U+0 text 5, 1:3\n"},
-        // ICU reports these after others, in part, without bytes, or as another character.
+        // ICU reports these sequences and characters in the wrong order, only in part, without
+        // their bytes, or as another character.
         {"x-iscii-de", "UTF-8", I18N_SUBSTITUTE, "\xF0\xBD\xEA", "\uFFFD\uFFFD\uFFFD",
          "in 1 U+0 text 0, 1:1\nin 2 U+0 text 1, 1:2\nin cut 0 U+0 text 2, 1:3\n"},
         {"SCSU", "UTF-8", I18N_SUBSTITUTE, "a\x1C\xE2\xCB\xB4", "a\uFFFD",
@@ -226,7 +228,8 @@ TEST(I18NTextStreamTest, ReportsUnconvertibleCharactersAndTheirPlaces) {
         EXPECT_EQ(row.output, outcome.output);
         EXPECT_EQ(row.told, outcome.told.substr(0, outcome.told.rfind('\n'))) << outcome.told;
     }
-    // The stream's buffer is full before the last sequences, or the lead byte is far back.
+    // In these texts, the stream's buffer is full before the last sequences, or the lead byte is
+    // far before the end.
     const I18NConverter bocu = withPolicy("BOCU-1", I18N_ESCAPE);
     const std::string spaces(16381, ' ');
     EXPECT_NE(std::string::npos,
@@ -246,7 +249,7 @@ TEST(I18NTextStreamTest, ReportsUnconvertibleCharactersAndTheirPlaces) {
 }
 
 TEST(I18NTextStreamTest, ReportsDroppedBytesAtOnce) {
-    // Otherwise memory would grow with the number of findings.
+    // If the stream kept findings for later, its memory would grow with their number.
     I18NConverter from("UTF-8");
     from.setUserDefinedUnconvertibleInputSequenceCallback(dropSequence);
     const I18NConverter to("UTF-8");
@@ -303,7 +306,7 @@ TEST(I18NTextStreamTest, ReportsBestFitsOrTreatsThemAsUnconvertible) {
     }
 }
 
-// Replaces each character by the digits of its code point, if they are few.
+// Replaces a character by the digits of its code point if these are only a few digits.
 struct Replacing : I18NTextStreamListener {
     I18NTextStream* stream = nullptr;
     void unconvertible(const I18NUnconvertible& what) override {

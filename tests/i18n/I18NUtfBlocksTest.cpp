@@ -24,7 +24,8 @@ void append(std::string& bytes, char32_t c) {
     bytes += trail(0);
 }
 
-/// Encodes the first units. The last of them must not be half of a pair.
+/// Encodes the first `count` units. The last of these units must not be the first half of a
+/// surrogate pair.
 std::string encoded(const std::u16string& units, std::size_t count) {
     std::string bytes;
     for (std::size_t i = 0; i < count; ++i) {

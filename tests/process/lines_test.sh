@@ -6,7 +6,7 @@ page=$1 source=$2
 shift 2
 export LC_ALL=C
 lines() { sed 's/^ *//;s/ *$//' | sort -u; }
-# Leaves out fenced blocks: they have whole programs, which page_test.sh checks.
+# Ignores fenced blocks, because they show whole programs and page_test.sh checks those.
 # shellcheck disable=SC2016  # a fence, not a command
 shown=$(sed '/^```/,/^```$/d' "$page" | grep '^    ' | lines)
 [ "$(wc -l <<<"$shown")" -gt 20 ] || { echo "FAILED: $page has only $(wc -l <<<"$shown") lines in indented blocks"; exit 1; }

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# picture_test.sh SVG FILES PROGRAM...: the session that a picture shows is what the commands print.
-# Each line of the session is a <text> of class "line".
+# picture_test.sh SVG FILES PROGRAM...: runs the commands of the session in a picture, and checks that
+# they print what the picture shows. Each line of the session is a <text> of class "line".
 set -euo pipefail
 svg=$1
 shift

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # session_test.sh PAGE FILES PROGRAM...: runs the commands of a page's console blocks and checks that
-# they print what the page shows. They run in a directory with copies of FILES; PATH has the programs.
-# If PROGRAM is a directory, it is called "build" there. SESSION_EDIT is a sed script that shortens
-# the page.
+# they print what the page shows. The commands run in a directory with copies of FILES. The programs
+# are in PATH. If a PROGRAM is a directory, the commands find it under the name "build". SESSION_EDIT
+# is a sed script that edits the page first.
 set -euo pipefail
 page=$1 files=$2
 shift 2

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# survey_test.sh SURVEY TREE: compares the figures of the example 'survey' with those of wc, and checks
-# its report of unreadable files.
+# survey_test.sh SURVEY TREE: compares the figures of the example 'survey' with the figures of wc, and
+# checks the example's report of unreadable files.
 set -euo pipefail
 survey=$1 tree=$2
 top=$(mktemp -d)

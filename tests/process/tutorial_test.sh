@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# tutorial_test.sh PAGE FILES BUILD LIBRARY TOOL...: the sessions of the tutorial, with programs that
-# are built already. Step 5 needs a gdb that can trace and has Python; step 6 needs FILES/build6.
+# tutorial_test.sh PAGE FILES BUILD LIBRARY TOOL...: runs the sessions of the tutorial with the
+# programs in BUILD. Step 5 needs a gdb that can trace processes and has Python. Step 6 needs
+# FILES/build6.
 set -euo pipefail
 page=$1 files=$2 build=$3 library=$4
 shift 4

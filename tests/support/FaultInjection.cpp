@@ -51,9 +51,10 @@ void* allocateOrThrow(std::size_t n) {
     throw std::bad_alloc();
 }
 
-/// Returns the function that the hook replaces. The caller's static is constant-initialised and set
-/// here: the first calls come while a sanitizer starts, too early for the guard of a static that a
-/// call initialises.
+/// Returns the function that the hook replaces. Looks the function up once and stores it in
+/// `known`, a static variable of the caller. The variable is constant-initialised, because a
+/// dynamically initialised static needs a guard, and the first calls come too early for a guard,
+/// while a sanitizer starts.
 template <class Function>
 Function real(std::atomic<Function>& known, const char* name) {
     Function function = known.load(std::memory_order_relaxed);
@@ -113,8 +114,8 @@ void operator delete[](void* p) noexcept { std::free(p); }
 void operator delete(void* p, std::size_t) noexcept { std::free(p); }
 void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
 
-// HOOK replaces a function that returns an error number, HOOK_ERRNO one that returns -1 and sets
-// errno.
+// HOOK replaces a function that returns an error number. HOOK_ERRNO replaces a function that
+// returns -1 and sets errno.
 #define HOOK(call, name, parameters, arguments)              \
     int name parameters {                                    \
         if (t_calls[call].due()) return t_calls[call].error; \
@@ -131,7 +132,7 @@ void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
         return real(next, #name) arguments;                     \
     }
 
-// With hidden visibility, the hooks would not replace the functions for shared libraries.
+// With hidden visibility, the hooks would not replace the functions in shared libraries.
 #pragma GCC visibility push(default)
 extern "C" {
 

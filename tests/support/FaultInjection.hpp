@@ -2,8 +2,9 @@
 #define TESTS_SUPPORT_FAULTINJECTION_HPP
 
 /// Makes allocations and system calls of the code under test fail on request. If a program links
-/// the library qbl_fault_injection, its definitions replace those of the C and C++ libraries, in
-/// every shared library of the process too. Requests apply to the calling thread only.
+/// the library qbl_fault_injection, this library's functions replace functions of the C and C++
+/// libraries, also for the shared libraries of the process. Requests apply to the calling thread
+/// only.
 namespace fault {
 
 enum Call {
@@ -31,8 +32,8 @@ bool allocationFailed();
 /// Makes one call of this function fail with this error number, after n successful ones.
 void failCall(Call call, long n, int error);
 bool callFailed(Call call);
-/// Returns how often the hook was called. If this is 0 after a call of the function, the hook does
-/// not work.
+/// Returns how often the hook was called. If the result is 0 after a call of the function, the hook
+/// does not work.
 unsigned long seen(Call call);
 /// Cancels all requests and resets all counts.
 void reset();

@@ -15,7 +15,7 @@ constexpr bool kThreadSanitizer = true;
 constexpr bool kThreadSanitizer = false;
 #endif
 
-/// Sanitizer builds are slow: tests run a tenth of the rounds there.
+/// True in sanitizer builds. They are slow, so tests run a tenth of the rounds there.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool kSanitizer = true;
 #else

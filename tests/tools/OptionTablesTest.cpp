@@ -16,7 +16,7 @@ struct Tool {
     std::vector<tools::Option> options;
 };
 
-/// Returns the options without aliases, which the manuals describe elsewhere.
+/// Returns the options that are not aliases. The manuals describe the aliases elsewhere.
 std::vector<tools::Option> described(const std::vector<tools::Option>& options) {
     std::vector<tools::Option> rest;
     for (const tools::Option& option : options)

@@ -166,7 +166,8 @@ TEST(QblconvDetectTest, DetectsManyEncodings) {
         expectRun(tree, "-v -f auto f -o out; cat f | $Q -f auto | cmp - out", 0,
                   "f: converted from " + row.encoding + "\n");
         EXPECT_EQ(row.expected, tree.text("out")) << row.encoding;
-        // The text is also detected after many line ends, and if the end of a block cuts it.
+        // The encoding is also detected if many line ends come before the text, and if the end of a
+        // block splits the text.
         const bool isWide = row.encoding == "UTF-16LE";
         for (int i = isWide ? 2 : 0; i < 2; ++i) {
             tree.file("f", std::string(0xFFF0 + static_cast<std::size_t>(i), '\n') + row.text);
@@ -189,7 +190,7 @@ TEST(QblconvDetectTest, ByteOrderMarksAndUTF8DetermineTheEncoding) {
     tree.file("bell", "ring\a\n");
     tree.file("zeros", bytes("a\0", 2));
     tree.file("names", bytes("./a\0./b.txt\0", 12));
-    // A UTF-8 text with one invalid byte is not taken for a text in another encoding.
+    // A UTF-8 text with one invalid byte is not mistaken for a text in another encoding.
     std::string broken;
     for (int i = 0; i < 20; ++i) broken += kGerman;
     tree.file("broken", broken + "\xFF\n");
@@ -209,7 +210,7 @@ TEST(QblconvDetectTest, ByteOrderMarksAndUTF8DetermineTheEncoding) {
               "\xC3\xA4\n\xC3\xA4\n\xEF\xBB\xBF\xC3\xA4\n");
 }
 
-// Letters of DOS code pages are symbols in windows-1252, which do not occur within words.
+// The bytes of many DOS letters are symbols in windows-1252. Symbols do not occur within words.
 TEST(QblconvDetectTest, DosTextsAreNotGuessed) {
     TempTree tree;
     std::string text;

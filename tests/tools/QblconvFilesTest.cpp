@@ -56,7 +56,7 @@ Child start(const std::vector<std::string>& arguments) {
     });
 }
 
-/// Returns the number of repetitions from an environment variable, which allows longer runs.
+/// Returns the number of repetitions. An environment variable can set the number for longer runs.
 int repeats(const char* variable, int usual) {
     const char* const value = std::getenv(variable);
     return value != nullptr ? std::atoi(value) : usual;
@@ -72,7 +72,7 @@ int removeUnfinished(const TempTree& tree) {
     return count;
 }
 
-/// Returns true if a path leads to the file that a descriptor has open.
+/// Returns true if a path leads to the file of an open descriptor.
 bool isOpenAs(int file, const std::string& path) {
     std::error_code problem;
     return std::filesystem::equivalent("/proc/self/fd/" + std::to_string(file), path, problem);
@@ -103,7 +103,7 @@ TEST(QblconvFilesTest, InPlaceKeepsModeLinksAndOptionallyTheOriginal) {
     EXPECT_EQ(kShiftJIS, tree.text("s.old"));
     EXPECT_EQ(0640U, modeOf(tree("s")));
     EXPECT_TRUE(std::filesystem::is_symlink(tree("link")));
-    // A failed file is unchanged; with -k, so is a file that is already valid.
+    // A failed file stays unchanged. With -k, a file that is already valid stays unchanged too.
     tree.file("bad", kBroken);
     expectRun(
         tree, "-kvi bad s", 1,
@@ -139,7 +139,7 @@ TEST(QblconvFilesTest, NeverOverwritesAKeptOriginal) {
         "t/s: not converted, because the original cannot be kept as t/s.o: File exists\n";
     expectKept("-i=.o t/s", 1, said);
     expectKept("-i=.o -r t", 1, said);
-    // The name of the original may not be a directory. It may be a second name of the input, which
+    // The name for the original must not be a directory. It may be a second name of the input that
     // an interrupted run has left.
     tree.dir("s.d");
     tree.file("s", kShiftJIS);
@@ -186,7 +186,7 @@ TEST(QblconvFilesTest, InPlaceRequiresRegularUnlockedFiles) {
     expectRun(tree, "-n --lock=try s", 1, locked);
     EXPECT_EQ(kShiftJIS, tree.text("s"));
     Child waiting = start({"-f", "Shift_JIS", "-i", "--lock=wait", tree("s")});
-    // Once it has the lock, it converts the file that has the name at that time.
+    // When qblconv gets the lock, it converts the file that has the name at that time.
     tree.file("new", "\x82\xA2");
     std::filesystem::rename(tree("new"), tree("s"));
     ASSERT_EQ(1, M_UnLockFile(file));
@@ -283,7 +283,8 @@ TEST(QblconvFilesTest, LateAppendsAreNotLost) {
         const std::string text = tree.text("s");
         const bool isKept = std::filesystem::exists(tree("s.changed1"));
         if (isKept) {
-            // Appended to the old version after the exchange: qblconv keeps that version.
+            // The text was appended to the old version after the replacement. qblconv keeps the old
+            // version.
             ++kept;
             EXPECT_EQ(1, status) << i;
             EXPECT_EQ(before + "late\n", tree.text("s.changed1")) << i;
@@ -293,7 +294,8 @@ TEST(QblconvFilesTest, LateAppendsAreNotLost) {
             ++refused;
             EXPECT_EQ(before + "late\n", text) << i;
         } else {
-            // Appended before qblconv read the end, or to the new version.
+            // The text was appended before qblconv read the end of the file, or was appended to the
+            // new version.
             ++(isOld ? early : late);
             EXPECT_EQ(after + "late\n", text) << i;
         }
@@ -367,7 +369,7 @@ TEST(QblconvFilesTest, OutputNeverDestroysItsInput) {
     expectRun(tree, "bad -d s; $Q -f Shift_JIS -d /proc/no s", 1,
               "s/bad: cannot be written: Not a directory\ns:1:3: byte 3: 82 is not Shift_JIS\n");
     EXPECT_EQ("./bad ./s ", namesIn(tree, "."));
-    // Earlier content of the file that is the standard output is kept too.
+    // If the standard output is a file, its earlier content is kept too.
     tree.file("s", kShiftJIS);
     expectRun(tree, "s >f; $Q -f sjis s -o /dev/stdout >>f; cat f", 0, kUTF8 + kUTF8);
     expectRun(tree, "-v -n s 2>/dev/full", 1, "");
@@ -410,7 +412,7 @@ TEST(QblconvFilesTest, LeavesTheOldOrTheNewFileIfKilled) {
         EXPECT_TRUE(status == 0 || status == -SIGKILL) << status;
         const std::string text = tree.text("s");
         ASSERT_TRUE(text == before || text == after) << i << ": " << text.size() << " bytes";
-        // As soon as the name has the new version, the original exists under its kept name.
+        // When the new version has the name, the original already exists under its second name.
         ASSERT_TRUE(text == before || tree.text("s.old") == before) << i;
         if (status == 0) ++ended;
         if (status != 0 && text == after) ++replaced;
@@ -486,7 +488,7 @@ TEST(QblconvFilesTest, DoesNotWaitIfInterrupted) {
     for (const char* pipe : {"one", "two"}) ASSERT_EQ(0, mkfifo(tree(pipe).c_str(), 0600));
     Child locked = start({"--lock=wait", "-n", tree("one"), tree("s")});
     Child reading = start({"-j2", "-n", tree("one"), tree("two")});
-    // Both processes have started once their pipes are open.
+    // When the pipes are open, both processes have started.
     const int one = open(tree("one").c_str(), O_WRONLY), two = open(tree("two").c_str(), O_WRONLY);
     for (Child* child : {&locked, &reading}) {
         child->kill(SIGTERM);

@@ -101,7 +101,7 @@ TEST(QblconvTest, CheckReportsEveryMalformedSequence) {
         {"-nv w - <u", 0, "w: valid UTF-16LE\n-: valid UTF-8\n2 files: 2 valid, 0 failed\n"},
         {"-nq w u; $Q -n <s", 1,
          "-:1:2: byte 1: 82 is not UTF-8\n-:1:3: byte 2: A0 is not UTF-8\n"},
-        // A person also gets advice.
+        // A person at a terminal also gets advice.
         {"-h >/dev/null; script -qec \"$Q -n s\" /dev/null | tail -n 1", 0,
          "qblconv: without -f, the input was read as UTF-8; -g lists the encodings that fit\r\n"},
         {"-n s >/dev/null", 1, "s:1:2: byte 1: 82 is not UTF-8\ns:1:3: byte 2: A0 is not UTF-8\n"},

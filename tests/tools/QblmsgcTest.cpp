@@ -176,7 +176,7 @@ TEST(QblmsgcTest, RejectsHostileMessageFiles) {
         tree.file("t.bmf", bytes);
         expectRun(tree, "-d t.bmf", 1, output);
     };
-    // The bytes after the NUL of the magic differ from those that the tool writes.
+    // The bytes after the NUL of the magic are not the bytes that the tool writes.
     expectDump(good,
                "1 \"one\"\n2 \"two\"\nt.bmf: compiling this dump gives the same texts, but "
                "not the same bytes\n");

@@ -30,24 +30,24 @@ CHARACTERS = [chr(c) for c in [*range(0xD800), *range(0xE000, 0x10000), *range(0
                                *range(0x1F300, 0x1F700), *range(0x20000, 0x30000, 7),
                                *range(0xE0000, 0xE0080), *range(0xF0000, 0xF0100),
                                *range(0x10FF00, 0x110000)] if c != 0x0A]
-# ICU's output in these encodings depends on the block size, but decodes to the same text.
+# In these encodings, ICU's output depends on the block size, but always decodes to the same text.
 PORTIONED = re.compile("SCSU|BOCU|LMBCS|HZ|compound|version=")
-# Two characters do not round-trip in LMBCS, and ICU does not report them. ICU's ISCII converters
-# accept and reject wrong characters after one that the encoding lacks (see i18n_text_stream.hpp),
-# so they are not compared.
+# Two characters do not round-trip in LMBCS, and ICU does not report them. After a character that the
+# encoding lacks, ICU's ISCII converters accept some wrong characters and reject some right ones (see
+# i18n_text_stream.hpp). So the script does not compare ISCII.
 SILENT = {"LMBCS": "\ufffe\uffff"}
 LEFT_OUT = re.compile("ISCII")
 # For these encodings, ICU's reports of malformed bytes depend on the block size.
 MALFORMED = re.compile("BOCU|compound")
 # glibc silently drops these characters in every encoding that lacks them.
 TAGS = {chr(c) for c in range(0xE0000, 0xE0080)}
-# A two-byte code between the shift to its character set and the shift back.
+# Matches a two-byte code with the shift sequence before it and the shift sequence after it.
 SHIFTED = re.compile(rb"((?:\x1b[ -/]+[0-~]|\x1b[NO]|\x0e|~\{)+)..(\x0f|\x1b\(B|~\}|)", re.DOTALL)
 LIMIT = 600  # seconds for one program
 
 
 class Fault(Exception):
-    """A difference that differential.txt cannot excuse."""
+    """A difference that is always a fault. differential.txt never records such a difference."""
 
 
 def kind_of(ours, theirs):
@@ -97,7 +97,7 @@ class Comparison:
 
     def ours(self, way, text, *options):
         if way == "to" and self.name.endswith("_PlatformEndian"):
-            options += ("--bom=strip",)  # uconv writes no byte-order mark in these encodings
+            options += ("--bom=strip",)  # because uconv writes no byte-order mark in these encodings
         return run([self.qblconv, *self.codes(way), *options], text)
 
     def icu(self, way, text, callback="stop"):
@@ -109,7 +109,7 @@ class Comparison:
 
     def find_characters(self):
         """Sets self.has and self.lacking from the reports of qblconv -n."""
-        # Pure two-byte sets have no line ends; then all characters are on one line.
+        # Encodings with only two-byte codes have no line ends. Then all characters are on one line.
         self.end = "\n" if self.ours("to", b"\n")[0] == 0 else ""
         status, _, said = self.check_only(self.text_of(CHARACTERS), self.codes("to"))
         lacking = [chr(int(code, 16)) for code in re.findall(r": U\+([0-9A-F]+) is not in ", said)]
@@ -129,7 +129,8 @@ class Comparison:
         return run([self.qblconv, "-n", *codes, "-"], text)
 
     def check_single_characters(self):
-        """A lacking character must fail with both programs, and an existing one with neither."""
+        """Converts single characters. If the encoding lacks the character, both programs must fail. If
+        it has the character, both must succeed."""
         lacking = sorted(self.lacking)
         for c in lacking[::len(lacking) // 3 + 1] + self.has[::len(self.has) // 3 + 1]:
             text, wanted = c.encode(), int(c in self.lacking)
@@ -244,7 +245,7 @@ class Comparison:
             for before, after in shifts:
                 known |= {before + each + after for each in pairs if min(each) > 0x20}
         elif max(map(len, known)) > 1:
-            alone = self.read(plain)  # bytes that are a character by themselves start no pair
+            alone = self.read(plain)  # a byte that is a complete character starts no pair
             known |= {each for each in pairs if each[:1] not in alone}
         return sorted(each for each in known | set(plain) if self.feed not in each)
 
@@ -298,7 +299,8 @@ def encodings_of(qblconv):
         names = line.split()
         glibc = None
         for name in names:
-            # Some names of ICU mean several encodings. Only names that mean this one are used.
+            # Some names that ICU knows mean several encodings. Skips a name if uconv takes it for
+            # another encoding.
             if glibc is None and plain(name) in known:
                 used = run(["uconv", "--list-code", name], b"")[1].decode().split()
                 if set(used) & set(names):

@@ -39,7 +39,8 @@ def ranges_of(differences, most=5):
 
 
 def summary_of(name, differences):
-    """Yields a line per way, kind and reason: the number, a checksum, and the first differences."""
+    """Yields one line for each direction, kind and reason: the number of differences, a checksum, and
+    the first differences."""
     groups = {}
     for each in differences:
         groups.setdefault(each[:3], []).append(each)
