@@ -7,13 +7,13 @@
 extern "C" {
 #endif
 
-/// Provides memory for strings and converters if the caller passes one. It must behave like
-/// realloc(3): a null block allocates, size 0 frees the block and returns null, and any other call
-/// resizes the block.
-/// @param context  the caller's, passed on unchanged
+/// An allocator that a caller can pass to strings and converters. It must behave like realloc(3): a
+/// null block allocates, size 0 frees the block and returns null, and any other call resizes the
+/// block.
+/// @param context  the caller's pointer, passed on unchanged
 /// @param size  in bytes
-/// @param error  receives 0, or another code after a failure
-/// @return the block; null after a failure, which leaves the old block valid
+/// @param error  receives 0 on success, another code on failure
+/// @return the block; null on failure. The old block stays valid then
 typedef char* (*I18NStringAllocator)(void* context, char* block, int size, int* error);
 
 /// The default allocator, which uses the C library. Returns null with error -10 for a negative

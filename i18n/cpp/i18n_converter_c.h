@@ -6,10 +6,11 @@
 #include "i18n/cpp/i18n_converter_types.h"
 
 /// @file
-/// I18NConverter for C. Each function does what the operation of the same name does; see there for
-/// details. The last parameter receives I18N_OK or an error, and may be null. The error is the
-/// I18NErrorCodes value of the operation, or I18N_UNEXPECTED for any other error, including
-/// exhausted memory. A null handle gives I18N_ARGUMENT. A function that fails returns 0 or null.
+/// I18NConverter for C. Each function is named after the operation of I18NConverter that it calls;
+/// see i18n_converter.hpp for details. The last parameter receives I18N_OK or an error, and may be
+/// null. The error is the operation's I18NErrorCodes value, or I18N_UNEXPECTED for any other error,
+/// including exhausted memory. A null handle gives I18N_ARGUMENT. A function that fails returns 0
+/// or null.
 ///
 /// Threads: one thread at a time may use a handle.
 
@@ -18,7 +19,7 @@ extern "C" {
 #endif
 
 typedef struct I18NConverterOpaque* I18NConverterHandle;
-/// An I18NString*, which C can pass on.
+/// An I18NString*. C code can only pass it on.
 typedef struct I18NStringOpaque* I18NStringHandle;
 
 /// @name Making and freeing a converter

@@ -10,7 +10,7 @@
 /// The five policies as ICU callbacks, for programs that install them in their own ICU converters.
 /// The context of the lookup and user-defined callbacks is an I18NInputCallbackContext or
 /// I18NOutputCallbackContext that lives as long as the converter. The other callbacks take the same
-/// contexts as those of ICU; null selects the default.
+/// contexts as the corresponding ICU callbacks; null selects the default.
 ///
 /// Threads: as for the converter that calls them.
 

@@ -3,8 +3,8 @@
 
 #include "i18n/cpp/i18n_converter.hpp"
 
-/// A prepared converter that other converters are copied from. The constructor throws what the
-/// constructor of I18NConverter throws.
+/// A prepared UTF-8 converter, from which other converters are copied. The constructor throws what
+/// the constructor of I18NConverter throws.
 ///
 /// Threads: any thread may copy the converter; no thread may change it.
 class QBL_API I18NConverterUTF8 {
@@ -19,7 +19,7 @@ private:
     I18NConverter* m_pConverter;
 };
 
-/// The same for UTF-16 in the machine's byte order.
+/// A prepared converter for UTF-16 in the machine's byte order.
 ///
 /// Threads: any thread may copy the converter; no thread may change it.
 class QBL_API I18NConverterUTF16 {
@@ -34,7 +34,7 @@ private:
     I18NConverter* m_pConverter;
 };
 
-/// The same for I18NGetPlatformDefaultEncoding().
+/// A prepared converter for I18NGetPlatformDefaultEncoding().
 ///
 /// Threads: any thread may copy the converter; no thread may change it.
 class QBL_API I18NConverterPlatformDefault {

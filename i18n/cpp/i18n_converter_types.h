@@ -8,11 +8,11 @@
 /// What a converter does with text that it cannot convert. Input means bytes that are converted to
 /// Unicode, and output means Unicode that is converted to bytes.
 enum I18NUnconvertiblePolicy {
-    I18N_ESCAPE = 0,      ///< writes it in hexadecimal: %X80, %U4E00
-    I18N_LOOKUP = 1,      ///< uses the tables of the resource file; without an entry, input becomes
-                          ///< U+FFFF and output the encoding's substitution character
-    I18N_SUBSTITUTE = 2,  ///< writes the encoding's substitution character; for input, this is
-                          ///< U+FFFD, or U+001A if the encoding's table says so
+    I18N_ESCAPE = 0,  ///< writes the text in hexadecimal: %X80, %U4E00
+    I18N_LOOKUP = 1,  ///< uses the tables of the resource file; if they have no entry, writes
+                      ///< U+FFFF for input, and the encoding's substitution character for output
+    I18N_SUBSTITUTE = 2,    ///< writes the encoding's substitution character; for input, this is
+                            ///< U+FFFD, or U+001A if the encoding's table says so
     I18N_USER_DEFINED = 3,  ///< calls a function of the caller
     I18N_STOP = 4           ///< the conversion fails with I18N_CONVERSION
 };
@@ -28,9 +28,9 @@ extern "C" {
 
 /// Replaces bytes that are not convertible.
 /// @param encoding  the name that was given to the converter
-/// @param codePoints  receives the replacement. Values that are not code points are left out, and
-///     code points beyond I18N_USER_REPLACEMENT_LIMIT are cut off. The conversion fails if the
-///     replacement takes more UTF-16 code units than that limit
+/// @param codePoints  receives the replacement. Values that are not code points are left out.
+///     Values after the first I18N_USER_REPLACEMENT_LIMIT are ignored. The conversion fails if the
+///     replacement takes more than I18N_USER_REPLACEMENT_LIMIT UTF-16 code units
 /// @param count  receives the number of code points; 0 on entry
 /// @param error  I18N_OK on entry; any other value makes the conversion fail
 typedef void (*I18NUserInputCallback)(const char* encoding, const char* bytes, int length,

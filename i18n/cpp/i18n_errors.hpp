@@ -4,8 +4,8 @@
 #include "QBLCore/Exceptions/QBLRuntimeError.hpp"
 #include "QBLCore/Exceptions/QBLUnexpectedError.hpp"
 
-/// Thrown for a text that cannot be handled or an encoding that does not exist. The code is one of
-/// I18NErrorCodes.
+/// Thrown for a text that cannot be handled, or for an encoding that does not exist. The code is
+/// one of I18NErrorCodes.
 ///
 /// Threads: as for QBLThrowable.
 class QBL_API I18NRuntimeError : public QBLRuntimeError {

@@ -8,13 +8,13 @@ extern "C" {
 #endif
 
 /// @file
-/// Functions on UTF-16 text in the machine's byte order that ends with a NUL, at any address. Sizes
-/// are in bytes, and lengths are in code units. The target must have room for the result, since the
-/// functions cannot check that. They ignore text beyond 1,073,741,822 units, whose size would not
-/// fit an int.
+/// Functions on null-terminated UTF-16 text in the machine's byte order, at any address. Sizes are
+/// in bytes, and lengths are in code units. The target must have room for the result, because the
+/// functions cannot check this. They use at most the first 1,073,741,822 units of a text, because
+/// the size of a longer text would not fit an int.
 ///
-/// The error parameter, which may be null, receives 0, or -10 for a null pointer. The function does
-/// nothing else in that case.
+/// The error parameter may be null. It receives 0 on success. It receives -10 if another argument
+/// is null; the function does nothing else then.
 ///
 /// Threads: any thread may call them.
 
@@ -27,10 +27,10 @@ QBL_API int I18NExternalBufferNumBytes(const void* text, int* error);
 /// A surrogate pair counts once.
 QBL_API int I18NExternalBufferNumCodePoints(const void* text, int* error);
 
-/// The same functions without an error parameter; null is an empty text.
+/// The same functions without an error parameter. A null text counts as empty.
 QBL_API void* I18NCodeUnitsConcat(void* target, const void* text);
 QBL_API void* I18NCodeUnitsCopy(void* target, const void* text);
-/// Return the size without the NUL, and with it.
+/// I18NCodeUnitsSize() does not count the NUL; I18NCodeUnitsNumBytes() does.
 QBL_API int I18NCodeUnitsSize(const void* text);
 QBL_API int I18NCodeUnitsNumBytes(const void* text);
 QBL_API int I18NCodeUnitsLength(const void* text);
@@ -39,8 +39,8 @@ QBL_API int I18NCodeUnitsNumCodePoints(const void* text);
 /// that does not exist.
 QBL_API int I18NCodeUnitsNullSize(const char* encoding);
 
-/// Copy UTF-16 memory to a buffer and back. They stop at a NUL, at the length, or at the end of the
-/// target, and always terminate the target with a NUL.
+/// These functions copy UTF-16 memory to a buffer and back. They stop at a NUL, at the length, or
+/// at the end of the target, and always terminate the target with a NUL.
 /// @param length  of the source, in bytes; -1 means up to the NUL
 /// @param size  of the target, in bytes
 /// @return the number of bytes written including the NUL; 0 for null or a size below 2

@@ -25,23 +25,23 @@ class I18NString;
 /// The texts of a resource file by name.
 using I18NResourceMap = std::map<std::string, std::u16string, std::less<>>;
 
-/// The contents of the installation's resource files: "i18n_res.xml", which is read while the
-/// internationalisation layer starts, and one file per language for each of currencies, words, time
-/// periods, time zones and locales, which is read on first use. A process has one object of this
-/// class. Before the start and after the stop it returns the defaults.
+/// The contents of the installation's resource files. "i18n_res.xml" is read while the
+/// internationalisation layer starts. Currencies, words, time periods, time zones and locales have
+/// one file per language each. Such a file is read on first use. A process has one object of this
+/// class. Before the layer starts and after it stops, the operations return the defaults.
 ///
 /// An operation that fills a string leaves the string unchanged if it returns false. Codes of
 /// currencies and countries are in upper case. A map that an operation returns is valid until the
-/// stop.
+/// layer stops.
 ///
 /// Threads: any thread may call any operation, except loadSequenceTable() and release(): no other
-/// thread may use the resources while one of these runs.
+/// thread may use the resources while one of these two runs.
 class QBL_API I18NInternalResources {
 public:
     /// Returns the object of the process.
     /// @throws QBLOutOfMemoryError
     static I18NInternalResources& getInternalResources();
-    /// The same under an older name.
+    /// Does the same under an older name.
     static I18NInternalResources& getInternalResForTesting();
 
     I18NInternalResources(const I18NInternalResources&) = delete;
@@ -59,16 +59,16 @@ public:
     // NOLINTNEXTLINE(bugprone-reserved-identifier): programs know it under this name
     static void __changeResourceFileName(const char* name);
     /// Reads the resource file. If it does not exist or the process may not read it, reads the file
-    /// of this name in the installation's share/qblcore instead. A file that cannot be opened or
-    /// read is not an error and changes nothing. If the first file cannot be examined, for example
-    /// because descriptors are exhausted, the second file is not used.
+    /// with the same name in the installation's share/qblcore instead. A file that cannot be opened
+    /// or read is not an error and changes nothing. If the first file cannot be examined, for
+    /// example because descriptors are exhausted, the second file is not used.
     /// @throws QBLOutOfMemoryError
     void loadSequenceTable();
     /// Discards everything that was read and restores the defaults.
     void release();
 
-    /// The number of bytes per code point to expect when memory for UTF-8 is allocated: 2.5 unless
-    /// the file has another number, at most 4.
+    /// The expected number of bytes per code point, for allocating memory for UTF-8: 2.5 unless the
+    /// file sets another number, at most 4.
     float getUTF8BytesPerCodePoints() const;
     /// Whether number formats may replace zeros with a scale; false unless the file says otherwise.
     bool isAllowReplaceScaledZero() const;
@@ -80,8 +80,8 @@ public:
     /// Returns true if a text has a character that must not be normalised; false for null.
     bool isNonNormalizable(const wchar_t* text) const;
     bool isNonNormalizable(std::u16string_view text) const;
-    /// Returns the character that replaces another one in Japanese text, or the character itself if
-    /// none does.
+    /// Returns the character that replaces the given character in Japanese text, or the given
+    /// character if there is no substitution.
     char32_t getJaSubstitution(char32_t codePoint) const;
     /// Makes the Japanese substitutions in a text. @return true if there were any
     bool substituteJa(std::u16string& text) const;
@@ -103,18 +103,18 @@ public:
     /// Replaces the five named XML entities by the characters that they stand for.
     static void transliterate(std::u16string& text);
     static void transliterate(I18NString& text);
-    /// Returns a transliterator that does the same. The first call makes it; it is valid until the
-    /// stop.
+    /// Returns a transliterator that makes the same replacements. The first call creates the
+    /// transliterator. It is valid until the layer stops.
     /// @throws I18NRuntimeError, QBLOutOfMemoryError
     const icu::Transliterator* getTransliterator();
     /// Returns the rules of that transliterator.
     static const char* getTransliterationData();
-    /// Appends a text, with the characters escaped that a URL must not contain.
+    /// Appends a text, and escapes the characters that a URL must not contain.
     static void urlEncode(std::u16string_view text, std::u16string& out);
-    /// Returns a text with these characters escaped.
+    /// Returns a text in which these characters are escaped.
     static I18NString urlEncode(const I18NString& text);
-    /// Returns a transliterator that does the same. The first call makes it; it is valid until the
-    /// stop.
+    /// Returns a transliterator that escapes the same characters. The first call creates the
+    /// transliterator. It is valid until the layer stops.
     /// @throws I18NRuntimeError, QBLOutOfMemoryError
     const icu::Transliterator* getURLEncodeTranslit();
 
@@ -123,7 +123,7 @@ public:
     void getCurrencyDescription(const char* currency, const I18NLocale& locale,
                                 I18NString& description);
     /// Returns the text to show for a missing description; "No description" unless the locale has
-    /// another.
+    /// another text.
     std::u16string getNoDescriptionWord(const I18NLocale& locale);
     void getNoDescriptionWord(const I18NLocale& locale, I18NString& word);
     /// @throws I18NRuntimeError if the resources have no symbols at all
@@ -138,7 +138,7 @@ public:
     bool isISOCurrencyCodeValid(const char* currency);
     /// @throws I18NRuntimeError if the resources have no currency of any country
     bool getISOCurrencyCodeForCountry(const char* country, std::string& currency);
-    /// Gets the currency that replaced one that is no longer used.
+    /// Gets the successor of a currency that is no longer used.
     bool getCurrencyMapping(const char* currency, std::string& successor);
     /// @param lcid  receives the lowest of the locale identifiers that the currency belongs to
     bool getLCIDForCurrencyCode(const char* currency, unsigned short& lcid);
@@ -150,7 +150,8 @@ public:
     bool getLocaleDescription(const I18NLocale& described, const I18NLocale& locale,
                               I18NString& description);
     /// Gets the supported locales, always in the same order.
-    /// @param locales  receives an array that belongs to the resources and is valid until the stop
+    /// @param locales  receives an array that belongs to the resources and is valid until the layer
+    ///     stops
     /// @param count  receives the number of its elements
     void getLocales(I18NLocale** locales, int* count);
     /// @param locale  receives the name of the language's default locale, with the default variant
@@ -158,16 +159,16 @@ public:
     /// @return true if the language is known
     /// @throws I18NRuntimeError if the resources have no languages at all
     bool getDefaultLocaleForLanguage(const char* language, std::string& locale);
-    /// Returns the encoding for files of separated values: the one that the resource file sets for
-    /// the locale, else the usual desktop encoding of the language.
+    /// Returns the encoding for files of separated values: the encoding that the resource file sets
+    /// for the locale, else the usual desktop encoding of the language.
     std::string getEncodingForLocale(const I18NLocale& locale) const;
     void getEncodingForLocale(const I18NLocale& locale, I18NString& encoding) const;
     bool getLocaleIdFroLCID(unsigned short lcid, std::string& locale) const;
     /// Returns true if the resource file has settings for the locale and marks them as in use.
     bool isLocaleModified(const I18NLocale& locale) const;
     const I18NResourceMap& getLocaleResources(const I18NLocale& locale);
-    /// Gets the separator of list items for a locale: a comma if its decimal separator is a point,
-    /// else a semicolon.
+    /// Gets the separator of list items for a locale: a comma if the locale's decimal separator is
+    /// a point, else a semicolon.
     bool getListSeparator(const I18NLocale& locale, wchar_t& separator) const;
     /// @param locale  null means the default locale
     bool getListSeparator(const icu::Locale* locale, wchar_t& separator) const;
@@ -177,7 +178,7 @@ public:
     bool getTimeZoneDescription(const char* zone, const I18NLocale& locale,
                                 I18NString& description);
     /// @param count  receives the number of time zones in the resources
-    /// @return their identifiers, sorted; the array is valid until the stop
+    /// @return their identifiers, sorted; the array is valid until the layer stops
     const char* const* getTimeZoneIDs(int& count);
     /// @param offset  of standard time from UTC, in hours
     /// @return the time zone of the United States that stands for this offset; null for other
@@ -202,7 +203,7 @@ public:
     /// mark. A line longer than 1 MiB is returned empty.
     /// @return nothing at the end of the file or for a null file
     static std::optional<std::string> readLine(std::FILE* file);
-    /// Reads a line in the same way and decodes it as UTF-8.
+    /// Reads a line as readLine() does, and decodes it as UTF-8.
     /// @return false at the end of the file; the line is empty then
     static bool readLineEx(I18NString& line, std::ifstream& file);
 

@@ -4,16 +4,16 @@
 #include "QBLCore/Frame/QBLExport.h"
 
 /// @file
-/// Threads: any thread may call any of these at any time.
+/// Threads: any thread may call these functions at any time.
 
 #ifdef __cplusplus
 extern "C" {
 #endif
 
-/// Returns the encoding that ICU uses as the platform's default, or "UTF-8" if it has none. Later
-/// calls return the same text, which stays valid for the life of the process.
+/// Returns the encoding that ICU uses as the platform's default, or "UTF-8" if ICU has no default.
+/// Later calls return the same text, which stays valid for the life of the process.
 QBL_API const char* I18NGetPlatformDefaultEncoding(void);
-/// Returns the IANA name of the same encoding, or its name in ICU if IANA does not list it.
+/// Returns the IANA name of that encoding, or its ICU name if IANA does not list the encoding.
 QBL_API const char* I18NGetNormalizedPlatformDefaultEncoding(void);
 /// Returns "UTF-8".
 QBL_API const char* I18NGetToolkitDefaultEncoding(void);

@@ -11,17 +11,17 @@
 
 struct I18NPooledStringEntry;
 
-/// A text that the process stores once, no matter how many objects hold it. A holder is as large as
-/// a pointer. Making a holder of an ASCII text that is already in the pool allocates nothing, and
-/// takes a lock only if texts of the same bucket are being added or purged. Other texts may have to
-/// be converted first.
+/// A holder of a text that the process stores once, no matter how many holders the text has. A
+/// holder is as large as a pointer. Making a holder of an ASCII text that is already in the pool
+/// allocates nothing, and takes a lock only if texts of the same bucket are being added or purged.
+/// Other texts may have to be converted first.
 ///
 /// Texts without a holder stay in the pool until the next purge. The custodian purges the pool from
-/// time to time while the library runs. In its first pass it reads "I18NPooledString.conf" from the
-/// working directory: pairs of a key and an integer, separated by white space. "interval" is the
-/// minimum number of seconds between two purges; the default is 3600. If "dumpToFile" is not 0,
-/// each purge first appends a dump to the file "I18NPooledStringDump<process ID>.log", which only
-/// the owner can read.
+/// time to time while the library runs. In its first pass, the custodian reads
+/// "I18NPooledString.conf" from the working directory: pairs of a key and an integer, separated by
+/// white space. "interval" is the minimum number of seconds between two purges; the default is
+/// 3600. If "dumpToFile" is not 0, each purge first appends a dump to the file
+/// "I18NPooledStringDump<process ID>.log", which only the owner can read.
 ///
 /// Holders may be static objects. A text that is still held when the library stops leaves the pool
 /// and is destroyed with its last holder. The pool can also be used before the library starts and
@@ -39,11 +39,11 @@ struct I18NPooledStringEntry;
 ///
 /// Errors: QBLOutOfMemoryError, also for more than about 130 million holders of one text, and
 /// whatever I18NString throws for the text. A holder is unchanged after an error. A new handler
-/// (qblSetNewHandler) must not use the pool, since it is called while the pool's locks are held.
+/// (qblSetNewHandler) must not use the pool, because it is called while the pool's locks are held.
 ///
 /// Threads: any number of threads may use holders of one text, and may call constant operations of
-/// one holder at the same time. Any other operation on a holder needs that holder alone. Any thread
-/// may call the static operations.
+/// one holder at the same time. During any other operation on a holder, no other thread may use
+/// that holder. Any thread may call the static operations.
 class QBL_API I18NPooledString {
 public:
     class I18NPooledStringPool;
@@ -53,8 +53,8 @@ public:
 
     /// Holds the empty text, without an entry in the pool.
     I18NPooledString() noexcept = default;
-    /// Takes the UTF-8 form of the text, up to a NUL in it, and brings it to normalisation form C.
-    /// An unpaired surrogate becomes U+FFFD.
+    /// Takes the UTF-8 form of the text, up to its first NUL, and brings it to normalisation form
+    /// C. An unpaired surrogate becomes U+FFFD.
     explicit I18NPooledString(const I18NString& text);
     /// @param utf8  null is the empty text
     explicit I18NPooledString(const char* utf8);
@@ -91,13 +91,14 @@ public:
     /// @name Start and stop
     /// @{
 
-    /// Registers the custodian's task unless it is registered. The library calls this when it
-    /// starts; calls are counted. A task of the custodian must not call this or terminate().
+    /// Registers the custodian's task unless it is already registered. The library calls this
+    /// function when it starts. Calls are counted. A task of the custodian must not call this
+    /// function or terminate().
     /// @return true if the task is registered now
     /// @throws QBLOutOfMemoryError, QBLStdExceptionError; the call is not counted then
     static bool initialize();
-    /// The last counted call deregisters the task, waits for a running purge, and empties the pool.
-    /// Does nothing if no call of initialize() is left.
+    /// Undoes a call of initialize(). The last call deregisters the task, waits for a running
+    /// purge, and empties the pool. Does nothing if every call of initialize() has been undone.
     static void terminate();
     /// @}
 
@@ -115,7 +116,7 @@ private:
     // Settings of the purge.
     static std::atomic<long> s_interval;  // seconds
     static std::atomic<bool> s_dumpToFile;
-    static std::atomic<bool> s_init;  // whether both have been read
+    static std::atomic<bool> s_init;  // true once both have been read
 
     I18NPooledStringEntry* m_pEntry = nullptr;
 };
@@ -123,9 +124,9 @@ private:
 /// The texts of the process, in 257 buckets by a hash of their bytes.
 ///
 /// Threads: any thread may call any operation. An operation that changes or walks a bucket holds
-/// one of 64 locks. No lock is held across buckets, so a result for several buckets describes
-/// several moments. A holder that is counted may be a lookup in progress. Sums are capped at
-/// INT_MAX.
+/// one of 64 locks. An operation on several buckets locks one bucket after another, so its result
+/// does not describe a single moment. The number of holders may include lookups in progress. Sums
+/// are capped at INT_MAX.
 class QBL_API I18NPooledString::I18NPooledStringPool {
 public:
     /// @name Texts
@@ -138,9 +139,10 @@ public:
     const I18NString& getString(const char* utf8);
     /// Does the same for the UTF-8 form of a string, as I18NPooledString takes it.
     const I18NString& getString(const I18NString& text);
-    /// Releases one holder; does nothing without a holder.
-    /// @param string  the object that getString() of this class returned, passed once for each such
-    ///     call. Do not pass the string of an I18NPooledString, which releases it itself
+    /// Releases one holder of a text. Does nothing if the text has no holder.
+    /// @param string  the object that getString() of this class returned. Pass it once for each
+    ///     call of getString(). Do not pass the string of an I18NPooledString, because the
+    ///     I18NPooledString releases it
     /// @throws QBLIllegalArgumentError if the string is not in the pool
     void releaseString(const I18NString& string);
     /// @}
@@ -149,12 +151,12 @@ public:
     /// @{
 
     /// Removes the texts without a holder. If "dumpToFile" is set, first writes a dump to the file.
-    /// Reports a file that it cannot open or write on the standard error stream.
+    /// If the file cannot be opened or written, reports this on the standard error stream.
     void purge();
     /// Writes a line for each text, in the order of the buckets, and a summary. Texts are written
     /// as they are, including line ends.
-    /// @param out  written to while locks are held, so it must not use the pool
-    /// @throws QBLOutOfMemoryError; what the stream throws if its exceptions are enabled
+    /// @param out  must not use the pool, because dump() writes to it while locks are held
+    /// @throws QBLOutOfMemoryError, and what the stream throws if its exceptions are enabled
     void dump(std::ostream& out);
     /// @}
 
@@ -173,7 +175,8 @@ public:
     /// @{
 
     /// The hash starts as the first byte, sign-extended. For each later byte it becomes hash * 38 +
-    /// hash / 2^24 + the sign-extended byte, in 32 bits. 0 for null and for the empty text.
+    /// hash / 2^24 + the sign-extended byte, in 32 bits. The hash of null and of the empty text is
+    /// 0.
     static unsigned hashOf(const char* text);
     /// @}
 
@@ -219,7 +222,7 @@ public:
 
 private:
     std::time_t (*m_clock)(std::time_t*);
-    std::time_t m_last;           // time of reading the settings or of the last purge
+    std::time_t m_last;           // time of the last purge, or when the settings were read
     std::atomic<bool> m_dropped;  // a custodian that stopped has dropped the task
 };
 

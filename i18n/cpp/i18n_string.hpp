@@ -32,16 +32,16 @@ typedef int I18NStringOffset;
 /// The normalisation forms of the Unicode Standard, Annex #15.
 enum I18NNormalizationForms { I18N_NFC, I18N_NFD, I18N_NFKC, I18N_NFKD };
 
-/// A Unicode string. A text of ASCII characters is stored as bytes, and up to 32 of them need no
+/// A Unicode string. A text of ASCII characters is stored as bytes; up to 32 characters need no
 /// allocation. Any other text is stored as UTF-16, together with an ICU string that refers to it.
 /// ASCII text given as bytes in an encoding other than UTF-8, windows-1252 and ISO-8859 is stored
-/// as UTF-16, too. A string that has moved to UTF-16 stays there until create() is called or
-/// another string is moved into it. Offsets and counts are in UTF-16 code units, byte lengths are
-/// in bytes, and a length of -1 means up to the terminating NUL.
+/// as UTF-16, too. A string that is stored as UTF-16 stays so until create() is called or another
+/// string is moved into it. Offsets and counts are in UTF-16 code units, byte lengths are in bytes,
+/// and a length of -1 means up to the terminating NUL.
 ///
 /// The string keeps its contents in normalisation form C unless useNormalization(false) is called.
-/// A text with a character that the resource file exempts from normalisation stays as it is given.
-/// Text is case-sensitive, and texts compare by their code units.
+/// A text is not normalised if it has a character that the resource file exempts from
+/// normalisation. Text is case-sensitive, and texts compare by their code units.
 ///
 /// An allocator passed to a constructor provides the memory of the string from then on. It must
 /// behave like realloc(3).
@@ -61,8 +61,8 @@ public:
     /// @{
 
     explicit I18NString(I18NStringAllocator allocator = nullptr, void* context = nullptr);
-    /// The copy uses the allocator given here, not that of the original. It has the same text, even
-    /// if that text is not in form C.
+    /// The copy uses the allocator given here, not the original's allocator. It has the same text,
+    /// even if that text is not in form C.
     I18NString(const I18NString& other, I18NStringAllocator allocator = nullptr,
                void* context = nullptr);
     I18NString(I18NString&& other) noexcept;
@@ -107,8 +107,8 @@ public:
     /// The string keeps its allocator and its useNormalization() setting. A text that normalize()
     /// brought to another form keeps that form.
     I18NString& operator=(const I18NString& other);
-    // Copies, which can throw, if the allocators or useNormalization() settings differ or if either
-    // string uses a caller's buffer.
+    // Copies, and can throw, if the allocators or the useNormalization() settings differ, or if
+    // either string uses a caller's buffer.
     I18NString& operator=(I18NString&& other);  // NOLINT(performance-noexcept-move-constructor)
     I18NString& operator=(const char* utf8);
     I18NString& operator=(const wchar_t* text);
@@ -142,8 +142,8 @@ public:
     /// Empties the string.
     I18NString& remove();
     /// Truncates the string to a number of units, or appends `fill` up to that number. Only whole
-    /// characters are appended, so a surrogate pair can leave the string one unit short. The
-    /// appended characters may combine in form C.
+    /// characters are appended, so the string can stay one unit short if `fill` is a surrogate
+    /// pair. The appended characters may combine in form C.
     I18NString& resize(int units, wchar_t fill = L' ');
     I18NString& trimLeading(wchar_t c = L' ');
     I18NString& trimTrailing(wchar_t c = L' ');
@@ -153,8 +153,8 @@ public:
     /// @name Searching
     /// @{
 
-    /// @return the offset of the first match at or after start, or -1 without a match. An empty
-    ///     text is found at start unless start is beyond the end.
+    /// @return the offset of the first match at or after start, or -1 if there is no match. An
+    ///     empty text is found at start unless start is beyond the end.
     I18NStringOffset find(const I18NString& text, I18NStringOffset start = 0) const;
     I18NStringOffset find(const wchar_t* text, I18NStringOffset start = 0) const;
     I18NStringOffset find(wchar_t c, I18NStringOffset start = 0) const;
@@ -204,7 +204,8 @@ public:
     /// Returns the offset after the code point at an offset, or -1 if the offset is not in the
     /// string.
     I18NStringOffset incrementOffset(I18NStringOffset offset) const;
-    /// Returns the offset of the code point before an offset, or -1 at the beginning and outside.
+    /// Returns the offset of the code point before an offset, or -1 at the beginning and outside
+    /// the string.
     I18NStringOffset decrementOffset(I18NStringOffset offset) const;
     /// Returns the code point at an offset; 0 at the end and outside the string.
     wchar_t codePointAt(I18NStringOffset offset) const;
@@ -222,8 +223,9 @@ public:
     /// @param encoding  null for UTF-8
     /// @param length  receives the number of bytes including the NUL; may be null. An empty string
     ///     that is stored as UTF-16 has four bytes
-    /// @param allocator, context  for the conversion; null means those of the string. They must
-    ///     stay usable while the string exists, or until it is converted again after a change
+    /// @param allocator, context  used for the conversion; null means the string's allocator and
+    ///     context. They must stay usable until the string is destroyed, or until it is changed and
+    ///     then converted again
     /// @throws I18NRuntimeError -3 if a converter is needed and the encoding is unknown
     const char* c_str(const char* encoding = nullptr, int* length = nullptr,
                       I18NStringAllocator allocator = nullptr, void* context = nullptr) const {
@@ -292,7 +294,8 @@ public:
     ///     bytes
     int copyToExternalBuffer(void* buffer, int bytes) const;
     /// Returns the text as null-terminated UTF-16, valid until the next change. The string moves to
-    /// UTF-16. The caller must not write to it: the string would keep its earlier conversions.
+    /// UTF-16. The caller must not write to the buffer, because c_str() could still return
+    /// conversions of the old text.
     char16_t* getExternalBuffer();
     /// Makes the string's buffer exactly as large as its text needs.
     /// @throws I18NRuntimeError -7 for a string that uses a caller's buffer. The string releases
@@ -304,12 +307,13 @@ public:
     /// @{
 
     /// Returns true if the whole text matches an SQL LIKE pattern. "%" matches any text, and "_"
-    /// matches one code point. After the escape character, these two and the escape character match
+    /// matches one code point. After the escape character, "%", "_" and the escape character match
     /// themselves.
-    /// @param escape  0 for none
+    /// @param escape  0 for no escape character
     bool matchLike(const I18NString& pattern, wchar_t escape = 0) const;
     bool matchLike(const I18NPatternCode& pattern) const;
-    /// Finds the leftmost part that matches, and the shortest one if several begin there.
+    /// Finds the leftmost part of the text that matches. If several matches begin there, finds the
+    /// shortest.
     /// @param from  where the search begins
     /// @param start, end  receive the offsets of the part
     bool substringLike(const I18NPatternCode& pattern, I18NStringOffset from,
@@ -360,8 +364,8 @@ public:
     /// @name Locks of conversions
     /// @{
 
-    /// The lock that guards conversions of the string at an address, and its index. All strings
-    /// share 64 locks.
+    /// The lock that guards conversions of the string at an address, and the index of that lock.
+    /// All strings share 64 locks.
     static int getIndexFromPtr(const void* string);
     static QBLThreadCriticalSection& getLockFromPtr(const void* string);
     /// @}
@@ -375,8 +379,8 @@ private:
         kI18NNoNormalization = 0x10
     };
     // The higher bits of the flags tell whether the text has a character that is exempt from
-    // normalisation: 0 if that is unknown, else twice the ID of the list of such characters, plus 1
-    // if the text has one.
+    // normalisation. 0 means unknown. Otherwise the bits are twice the ID of the list of exempt
+    // characters, plus 1 if the text has such a character.
     static constexpr int kExemptShift = 5;
     static constexpr int kInline = 32;
     struct Conversion;
@@ -438,14 +442,14 @@ private:
     icu::UnicodeString* m_pUnicodeString;  // null while the text is stored as ASCII
     I18NStringAllocator m_allocator;
     void* m_allocatorContext;
-    mutable std::atomic<Conversion*> m_pConverted;  // the newest first; written under the lock
-    mutable int m_convertedLength;                  // of the newest, under the lock
+    mutable std::atomic<Conversion*> m_pConverted;  // newest first; written under the lock
+    mutable int m_convertedLength;                  // of the newest conversion; used under the lock
     const char16_t* m_pContents;
-    mutable const char* m_pConvertedEncoding;  // of the newest, under the lock
+    mutable const char* m_pConvertedEncoding;  // of the newest conversion; used under the lock
     mutable std::atomic<unsigned char> m_flags;
     char m_asciiInline[kInline + 1];
     mutable char* m_pAsciiBuffer;
-    int m_asciiBufCapacity;  // kInline while the text is in m_asciiInline; else bytes with the NUL
+    int m_asciiBufCapacity;  // kInline while the text is in m_asciiInline; else the block's size
     int m_asciiBufLength;
     int m_unitLength;
     int m_unitCapacity;  // units that fit before the NUL

@@ -5,8 +5,7 @@
 
 /// The code point at a position of a string. It can be read, and replaced by assignment.
 ///
-/// Threads: as for the string. Assigning changes the string; all other operations are constant on
-/// it.
+/// Threads: as for the string. Assigning changes the string; all other operations only read it.
 class QBL_API I18NStringIteratorValue {
 public:
     I18NStringIteratorValue(I18NString& string, I18NStringOffset offset);
@@ -38,7 +37,7 @@ public:
     I18NStringIterator(const I18NString& string, I18NStringOffset offset)
         : m_pString(const_cast<I18NString*>(&string)), m_offset(offset) {}
 
-    /// At the ends of the string, these leave the iterator where it is.
+    /// These operators do not move the iterator beyond the ends of the string.
     I18NStringIterator& operator++();
     I18NStringIterator operator++(int);
     I18NStringIterator& operator--();
@@ -46,8 +45,8 @@ public:
     /// @param n  code points; a value below 1 does not move the iterator
     I18NStringIterator& operator+=(int n);
     friend I18NStringIterator operator+(I18NStringIterator at, int n) { return at += n; }
-    /// Returns the number of code points from the other iterator to this one; negative if this one
-    /// comes first.
+    /// Returns the number of code points from the other iterator to this iterator; negative if this
+    /// iterator comes first.
     int operator-(const I18NStringIterator& other) const;
     bool operator==(const I18NStringIterator& other) const { return m_offset == other.m_offset; }
     bool operator!=(const I18NStringIterator& other) const { return m_offset != other.m_offset; }

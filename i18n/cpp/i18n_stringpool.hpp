@@ -6,13 +6,13 @@
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "i18n/cpp/i18n_string.hpp"
 
-/// A pool of strings that its user owns. The pool stores each text once, until the pool is
-/// destroyed.
+/// A pool of strings that the caller creates and owns. The pool stores each text once, until the
+/// pool is destroyed.
 ///
 /// Threads: any thread may call any operation.
 class QBL_API I18NStringPool {
 public:
-    /// @param buckets  of the hash table, which does not grow; at least one is made
+    /// @param buckets  number of buckets of the hash table, which does not grow; 0 means 1
     /// @param encoding  of the bytes passed to getPooledString(); null for UTF-8
     /// @throws QBLOutOfMemoryError
     explicit I18NStringPool(unsigned long buckets, const char* encoding = nullptr);
@@ -20,7 +20,7 @@ public:
     I18NStringPool(const I18NStringPool&) = delete;
     I18NStringPool& operator=(const I18NStringPool&) = delete;
 
-    /// Returns the pool's string with this text, and adds it if it is missing.
+    /// Returns the pool's string with this text. Adds the string if it is missing.
     /// @throws QBLOutOfMemoryError
     const I18NString& getPooledString(const I18NString& text);
     /// @param bytes  null is the empty text

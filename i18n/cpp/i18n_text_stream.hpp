@@ -9,26 +9,26 @@
 class I18NConverter;
 class I18NTextStreamState;
 
-/// A place in a text that could not be converted, or that was converted to a best fit. It is valid
-/// only during the call of the listener.
+/// A place in a text that could not be converted, or that was converted to a best fit. The object
+/// is valid only during the call of the listener.
 struct I18NUnconvertible {
     /// True for a code point that the output's encoding lacks; false for bytes that are not valid
     /// in the input's encoding.
     bool isOutput;
     /// True if the text ended in the middle of a sequence of bytes or of a surrogate pair.
     bool isCutOff;
-    /// True if the code point became another one, its best fit in the output's encoding.
+    /// True if the code point was replaced by its best fit in the output's encoding.
     bool isBestFit;
-    /// The bytes as they are in the input, and their number; null and 0 for output. The
-    /// number may be 0 in the last report if IMAP-mailbox-name ends in the middle of a shift.
+    /// The bytes as they are in the input, and their number; null and 0 for output. The number may
+    /// be 0 in the last report if a text in IMAP-mailbox-name ends in the middle of a shift.
     const char* bytes;
     int byteCount;
     /// The offset of the first byte from the start of the input; -1 for output.
     std::int64_t byteOffset;
     /// The code point or unpaired surrogate; 0 for input.
     char32_t codePoint;
-    /// The offset in the text of the code point, or of what replaces the bytes: in UTF-16 code
-    /// units from the start.
+    /// The offset of the code point, or of the replacement of the bytes: in UTF-16 code units from
+    /// the start of the text.
     std::int64_t textOffset;
     /// Both count from 1. A line ends with LF, CR or CR LF. A column is a code point or an unpaired
     /// surrogate. Each sequence of bytes that is not convertible counts as one column, whatever
@@ -44,17 +44,18 @@ class QBL_API I18NTextStreamListener {
 public:
     virtual ~I18NTextStreamListener();
 
-    /// put() and finish() call this in the order of the text, before the policy applies. It must
-    /// not use the stream, except I18NTextStream::replaceBy(). If it throws, put() or finish()
-    /// passes the exception on, and the output ends before the reported place.
+    /// put() and finish() call this in the order of the text, before the policy applies. The
+    /// listener must not use the stream, except I18NTextStream::replaceBy(). If the listener
+    /// throws, put() or finish() passes the exception on, and the output ends before the reported
+    /// place.
     virtual void unconvertible(const I18NUnconvertible& what) = 0;
 };
 
 /// What a text stream does with a byte-order mark at the start of the input: U+FEFF in the input's
 /// encoding.
 enum I18NByteOrderMark {
-    I18N_MARK_KEEP = 0,   ///< treats it as text
-    I18N_MARK_STRIP = 1,  ///< removes it
+    I18N_MARK_KEEP = 0,   ///< treats the mark as text
+    I18N_MARK_STRIP = 1,  ///< removes the mark
     /// If the input begins with the byte-order mark of UTF-8, UTF-16LE, UTF-16BE, UTF-32LE or
     /// UTF-32BE, uses that encoding for the input. FF FE 00 00 means UTF-32LE.
     I18N_MARK_CHOOSE = 2,
@@ -65,24 +66,25 @@ enum I18NByteOrderMark {
 /// to bytes. The result and the reports to the listener do not depend on where the blocks are cut.
 /// A NUL is a character like any other.
 ///
-/// The output of some ICU converters depends on how much text they get at a time: those to SCSU,
-/// BOCU-1, LMBCS, HZ, compound text and UTF-16 with a version in its name. The stream passes them
-/// portions of one size, so the output of a put() may come with a later one. The output may differ
-/// from that of I18NConverter, which passes the whole text at once. It still stands for the same
-/// text.
+/// The output of some ICU converters depends on how much text they get at a time. These are the
+/// converters to SCSU, BOCU-1, LMBCS, HZ, compound text, and UTF-16 with a version in its name. The
+/// stream passes them portions of one size, so the output of a put() may come with a later put() or
+/// with finish(). I18NConverter passes the whole text at once, so its output may differ from the
+/// stream's output. Both represent the same text.
 ///
-/// The policies of the converters that the stream is made with decide what happens to text that is
-/// not convertible. The stream also counts such text and reports it to the listener. It reports
-/// best fits if the converter uses them (I18NConverter::useFallback()); otherwise those characters
-/// are not convertible. It also reports characters that a converter drops because Unicode calls
-/// them ignorable, such as U+200B; I18N_STOP does not stop at these.
+/// The stream applies the policies of its converters to text that is not convertible. It also
+/// counts such text and reports it to the listener. If the output converter uses best fits
+/// (I18NConverter::useFallback()), the stream reports these; otherwise those characters are not
+/// convertible. The stream also reports characters that a converter drops because Unicode calls
+/// them ignorable, such as U+200B. I18N_STOP does not stop at ignorable characters.
 ///
-/// Some ICU converters need care. The converter to compound text drops characters that it lacks; a
-/// stream applies the policy to them instead. U+0A70, U+0A71, U+200C and U+200D in ISCII, and
-/// U+FFFE and U+FFFF in LMBCS, do not survive a round trip; ICU does not report that. Once the
-/// converter to ISCII has refused a character, it also converts and refuses others wrongly. The
-/// converters to CESU-8, UTF-7, IMAP-mailbox-name, LMBCS and BOCU-1 write unpaired surrogates
-/// without a report; BOCU-1 reports one at the end of the text. HZ drops one there.
+/// Some ICU converters need care. The converter to compound text drops characters that the encoding
+/// lacks; a stream applies the policy to them instead. U+0A70, U+0A71, U+200C and U+200D in ISCII,
+/// and U+FFFE and U+FFFF in LMBCS, do not survive a round trip; ICU does not report that. After the
+/// converter to ISCII has refused a character, it may wrongly convert or refuse other characters.
+/// The converters to CESU-8, UTF-7, IMAP-mailbox-name, LMBCS and BOCU-1 write unpaired surrogates
+/// without a report. At the end of the text, however, BOCU-1 reports an unpaired surrogate, and HZ
+/// drops it.
 ///
 ///     I18NTextStream stream(&shiftJIS, &utf8);
 ///     while (const std::size_t size = read(block)) {
@@ -92,13 +94,13 @@ enum I18NByteOrderMark {
 ///     stream.finish();
 ///     write(stream.getBytes(), stream.getByteCount());
 ///
-/// Memory: as much as the largest block needs, kept for the blocks that follow.
+/// Memory: the stream keeps the memory that its largest block needed.
 ///
 /// Errors: QBLOutOfMemoryError, and I18NRuntimeError with I18N_CONVERSION if a policy refuses a
 /// character; the message tells where. Any error of put() or finish() ends the stream. The output
-/// then has everything that was converted before the error, and nothing else. After a refusal or an
-/// exception from the listener, the output also returns to the initial shift state, so that other
-/// text can follow.
+/// then contains everything that was converted before the error, and nothing else. After a refusal
+/// or an exception from the listener, the output also returns to the initial shift state, so that
+/// other text can follow.
 ///
 /// Threads: one thread at a time may use a stream.
 class QBL_API I18NTextStream {
@@ -108,10 +110,10 @@ public:
 
     /// @param from  converts the input bytes; null if the input is UTF-16
     /// @param to  converts to the output bytes; null if the output is UTF-16. The stream copies
-    ///     both converters with their policies, but without what they have left unfinished
+    ///     both converters with their policies, but without their unfinished text
     /// @param listener  may be null; must outlive the stream
-    /// @throws I18NRuntimeError with I18N_ARGUMENT if both converters are null, or if the mark is
-    ///     to choose the encoding of UTF-16 input; QBLOutOfMemoryError
+    /// @throws I18NRuntimeError with I18N_ARGUMENT if both converters are null, or if `mark`
+    ///     chooses the encoding and the input is UTF-16; QBLOutOfMemoryError
     I18NTextStream(const I18NConverter* from, const I18NConverter* to,
                    I18NByteOrderMark mark = I18N_MARK_KEEP,
                    I18NTextStreamListener* listener = nullptr);
@@ -123,20 +125,19 @@ public:
     /// @name Converting
     /// @{
 
-    /// Converts the next block. The output is that of this call only.
+    /// Converts the next block. Replaces the output of the previous call.
     /// @param block  may be null if the size is 0
     /// @throws I18NRuntimeError with I18N_ARGUMENT for a null block or the wrong kind of input;
-    ///     QBLIllegalStateError after the end. These two change nothing. For other errors see the
-    ///     class
+    ///     QBLIllegalStateError after the end. These two errors change nothing. The comment of the
+    ///     class describes other errors
     void put(const char* block, std::size_t size);
     void put(const char16_t* units, std::size_t count);
     /// Ends the text. A truncated sequence at the end is not convertible, and an encoding with
-    /// shift states returns to its initial state. This call has output, too.
+    /// shift states returns to its initial state. This call has output, too, like put().
     void finish();
 
-    /// Replaces the code point that the listener is being told about by a text, instead of applying
-    /// the policy. Characters of this text that the output's encoding lacks are left out. The code
-    /// point counts as replaced.
+    /// Replaces the reported code point by a text, instead of applying the policy. Characters of
+    /// this text that the output's encoding lacks are left out. The code point counts as replaced.
     /// @param units  copied
     /// @param count  at most 8; 0 removes the code point
     /// @throws QBLIllegalStateError unless called within unconvertible() for output that is not a
@@ -147,9 +148,9 @@ public:
     /// @name Output
     /// @{
 
-    /// The output of the last put() or finish(), valid until the next one. A stream with an output
-    /// converter has bytes, and any other stream has text; the other pair returns null and 0. There
-    /// is no terminating NUL.
+    /// The output of the last put() or finish(), valid until the next one. If the stream has an
+    /// output converter, getBytes() and getByteCount() return the output; otherwise getText() and
+    /// getTextLength() do. The other two return null and 0. There is no terminating NUL.
     const char* getBytes() const;
     std::size_t getByteCount() const;
     const char16_t* getText() const;
@@ -159,20 +160,20 @@ public:
     /// @name Counts and positions
     /// @{
 
-    /// How much has been replaced or dropped since the start; each report to the listener counts
-    /// once. The place that ended the stream does not count.
+    /// The number of places that have been replaced or dropped since the start: each report to the
+    /// listener is one place. A place that ended the stream does not count.
     std::int64_t getReplacedInput() const;
     std::int64_t getReplacedOutput() const;
     /// The number of code points that became best fits since the start; they do not count as
     /// replaced.
     std::int64_t getBestFits() const;
-    /// The line and column after the text that has been output. They may lag by a few code points
-    /// that wait for another one which the output's encoding might combine with them.
+    /// The line and column after the text that has been output. They may lag by a few code points,
+    /// because the output's encoding might combine these with the next code point.
     std::int64_t getLine() const;
     std::int64_t getColumn() const;
     /// The name of the input's encoding; null for UTF-16. If a byte-order mark has chosen the
-    /// encoding, the name is the chosen one. Owned by the stream, valid until the next put() or
-    /// finish().
+    /// encoding, this is the name of the chosen encoding. Owned by the stream, valid until the next
+    /// put() or finish().
     const char* getInputEncoding() const;
     /// @}
 

@@ -11,9 +11,9 @@
 /// Threads: any thread may call it. Calls that run at the same time need different results.
 QBL_API void I18NURLEncode(const char* text, I18NString& result);
 
-/// Replaces each "%" with two hexadecimal digits by the byte that the digits give, and decodes the
-/// bytes. All other text stays unchanged, including "+". Without a converter, the result ends at
-/// "%00".
+/// Replaces each sequence of "%" and two hexadecimal digits by the byte that the digits give, and
+/// decodes the bytes. All other text stays unchanged, including "+". If no converter is given, the
+/// result ends at "%00".
 /// @param encoding  of the bytes; null for UTF-8
 /// @throws I18NRuntimeError like the constructors of I18NString
 ///
