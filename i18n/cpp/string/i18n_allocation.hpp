@@ -6,7 +6,8 @@
 #include "QBLCore/Exceptions/shared/QBLThrowNoMemory.hpp"
 
 /// Closes the block that QBL_ALLOC_TRY opens around code that uses strings of the standard library.
-/// At 32 bits these hold less than our strings, so a std::length_error counts as exhausted memory.
+/// At 32 bits, standard strings hold less than our strings, so a std::length_error counts as
+/// exhausted memory.
 #define I18N_ALLOC_CATCH               \
     }                                  \
     catch (const std::length_error&) { \

@@ -30,7 +30,7 @@ void I18NBlock::resize(I18NStringAllocator from, void* of, char*& block, std::in
     int error = I18N_OK;
     const bool fresh = block == nullptr;
     char* const resized = from(of, block, static_cast<int>(size), &error);
-    // A block that comes with an error still holds the old contents.
+    // If the allocator returns both a block and an error, the block has the old contents.
     if (resized != nullptr) block = resized;
     if (resized != nullptr && error == I18N_OK) return;
     if (fresh) {

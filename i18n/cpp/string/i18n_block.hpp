@@ -5,11 +5,11 @@
 
 #include "i18n/cpp/i18n_allocator.h"
 
-/// A block of memory from a caller's allocator, or from realloc(3) without one. The destructor
-/// frees the block unless release() has been called.
+/// A block of memory from a caller's allocator, or from realloc(3) if there is no allocator. The
+/// destructor frees the block unless release() has been called.
 class I18NBlock {
 public:
-    /// @param block  a block of this allocator to own; null to start without one
+    /// @param block  a block of this allocator to own; null to start without a block
     explicit I18NBlock(I18NStringAllocator from = nullptr, void* of = nullptr,
                        char* block = nullptr)
         : m_allocator(from), m_pContext(of), m_pBlock(block) {}
@@ -19,7 +19,8 @@ public:
     ~I18NBlock() { free(m_allocator, m_pContext, m_pBlock); }
 
     /// @param size  above 0
-    /// @throws QBLOutOfMemoryError also if the size does not fit an int; the object keeps the block
+    /// @throws QBLOutOfMemoryError if memory is exhausted or the size does not fit an int; the
+    ///     object keeps its block
     void resize(std::int64_t size) { resize(m_allocator, m_pContext, m_pBlock, size); }
     char* get() const { return m_pBlock; }
     char* release() {
@@ -30,10 +31,10 @@ public:
     I18NStringAllocator allocator() const { return m_allocator; }
     void* context() const { return m_pContext; }
 
-    /// The same for a block that the caller owns. An allocator that fails may still have moved the
-    /// block.
+    /// Resizes a block that the caller owns. An allocator that fails may still have moved the
+    /// block; `block` then has the new address.
     static void resize(I18NStringAllocator from, void* of, char*& block, std::int64_t size);
-    /// Does nothing for null. Exceptions from the allocator do not leave this function.
+    /// Does nothing for null. Exceptions of the allocator do not leave this function.
     static void free(I18NStringAllocator from, void* of, void* block);
 
 private:

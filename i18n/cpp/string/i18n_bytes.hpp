@@ -8,7 +8,7 @@
 struct I18NBytes {
     I18NBlock block;
     int length;  // including the NUL
-    int zero;    // bytes of the NUL
+    int zero;    // size of the NUL
 };
 
 /// @param block  an empty block that receives the bytes

@@ -18,7 +18,8 @@ char16_t unitAt(const void* text, int i) {
     return unit;
 }
 
-/// Longer text counts as this long, since its size with the NUL must fit an int.
+/// The functions use at most this many units of a text, because the size with the NUL must fit an
+/// int.
 constexpr int kMostUnits = INT_MAX / 2 - 1;
 
 /// Returns the number of units before the NUL, at most `most`.

@@ -13,9 +13,9 @@ namespace {
 
 enum Kind : std::uint8_t { kUnknown, kInert, kOther };
 
-/// The kind of each code unit, computed on first use. Threads that compute one at the same time get
-/// the same result. A lone surrogate is inert. A first half of a pair counts as inert only if all
-/// characters that begin with it are, as those of the emoji are; so pairs need not be combined.
+/// The kind of each code unit, computed on first use. Threads that compute the same kind at the
+/// same time get the same result. A lone surrogate is inert. A high surrogate counts as inert only
+/// if all characters that begin with it are inert, as for emoji. So pairs need not be combined.
 std::atomic<std::uint8_t> g_kinds[0x10000];
 
 bool isInert(const icu::Normalizer2& form, char32_t c) {

@@ -90,7 +90,8 @@ icu::UnicodeString withSortedRuns(const icu::Normalizer2& form, const icu::Unico
     return sorted;
 }
 
-/// What decides whether a character may combine with the one before it.
+/// The previous character and its class. They decide whether the next character may combine with
+/// it.
 struct Front {
     UChar32 last;   // -1 at the beginning of the text
     int lastClass;  // its combining class; 0 for none
@@ -102,7 +103,8 @@ struct Front {
     bool mayCombine(const icu::Normalizer2& form, UChar32 c, int combiningClass) const {
         if (last < 0) return false;
         if (lastClass != 0) return lastClass < combiningClass;
-        // A composed character may have to release a mark to combine with one of a lower class.
+        // A composed character may have to give up its mark, and combine with a mark of a lower
+        // class instead.
         const int trailing = u_getIntPropertyValue(last, UCHAR_TRAIL_CANONICAL_COMBINING_CLASS);
         return (combiningClass != 0 && combiningClass < trailing) || form.composePair(last, c) >= 0;
     }
@@ -112,8 +114,8 @@ int quickCheck(UChar32 c) { return u_getIntPropertyValue(c, UCHAR_NFC_QUICK_CHEC
 
 }  // namespace
 
-// Static variables of our own order the making of each object before its use, so that tools which
-// see only our code know of that order, too.
+// The static variables order the construction of each object before its use. ICU does so, too, but
+// tools that see only our code, such as race detectors, do not see ICU's order.
 const icu::Normalizer2& i18nNormalizer(I18NNormalizationForms form) {
     switch (form) {
         case I18N_NFD: {
@@ -176,8 +178,8 @@ icu::UnicodeString i18nJoin(std::u16string_view before, const I18NTextView& text
     return all;
 }
 
-// A character does not combine if one of the same or a higher class stands between it and the
-// character that it could combine with.
+// Two characters do not combine if a character between them has the same class as the second
+// character, or a higher class.
 bool i18nStaysAsItIs(const icu::Normalizer2& formC, const I18NTextView& old, int offset, int after,
                      const I18NTextView& text) {
     Front front = {-1, 0};

@@ -12,15 +12,15 @@
 /// @throws I18NRuntimeError if ICU does not have the form
 const icu::Normalizer2& i18nNormalizer(I18NNormalizationForms form);
 /// Brings a text to a form.
-/// @return false if the text is in that form already; the result is not set then
+/// @return false if the text is already in that form; `result` is not set then
 /// @throws I18NRuntimeError, QBLOutOfMemoryError
 bool i18nNormalize(const icu::Normalizer2& form, const icu::UnicodeString& text,
                    icu::UnicodeString& result);
 /// Makes the Japanese substitutions of the settings. @return true if there were any
 /// @throws QBLOutOfMemoryError, std::bad_alloc, std::length_error
 bool i18nSubstituteJa(icu::UnicodeString& text);
-/// Joins three texts. The result is an ICU string, since that can be as long as our strings. At 32
-/// bits a string of the standard library cannot.
+/// Joins three texts. The result is an ICU string, because an ICU string can be as long as our
+/// strings. At 32 bits, a string of the standard library cannot.
 /// @throws QBLOutOfMemoryError
 icu::UnicodeString i18nJoin(std::u16string_view before, const I18NTextView& text,
                             std::u16string_view after);
@@ -28,15 +28,16 @@ inline std::u16string_view i18nUnits(const icu::UnicodeString& text) {
     return std::u16string_view(text.getBuffer(), static_cast<std::size_t>(text.length()));
 }
 
-/// Returns true if a text can replace a part of another text in form C without any change to itself
-/// or its surroundings. Looks only at the text and its neighbours, so that a run of many marks can
-/// be built one by one. If this returns false, the result may still be in form C.
+/// Returns true if `text` can replace a part of `old` such that the result is in form C without
+/// further changes. Looks only at `text` and the characters next to it, so that building a run of
+/// many marks one by one stays fast. If this returns false, the result may still be in form C.
+/// Requires: `old` is in form C.
 bool i18nStaysAsItIs(const icu::Normalizer2& formC, const I18NTextView& old, int offset, int after,
                      const I18NTextView& text);
-/// Returns where to insert a text that is a single mark if the mark belongs before marks of higher
-/// classes: after the marks of its own class and of lower classes.
-/// @return -1 if the text is not a single mark, if it might combine there, or if it stays at the
-///     offset
+/// Returns where to insert a single mark that canonical order puts before marks of higher classes:
+/// after the marks of its own class and of lower classes.
+/// @return -1 if the text is not a single mark, if the mark might combine at that place, or if the
+///     place is `offset`
 int i18nPlaceOfMark(const I18NTextView& old, int offset, const I18NTextView& text);
 
 #endif

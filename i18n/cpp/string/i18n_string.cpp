@@ -34,8 +34,10 @@ int grown(int present, std::int64_t needed, std::int64_t most) {
 
 constexpr std::int64_t kMostBytes = INT_MAX;
 
-/// Copies one to two words of bytes by two moves of a fixed size, which may overlap.
-/// @return both words combined by OR: no byte has its top bit set exactly if all bytes are ASCII
+/// Copies bytes by two moves of one word each, which may overlap. Requires: `length` is from one to
+/// two words.
+/// @return both words combined by OR. All bytes are ASCII if and only if no byte of the result has
+///     its top bit set
 template <class Word>
 Word copyTwo(char* out, const char* bytes, std::size_t length) {
     Word first, last;
@@ -185,8 +187,8 @@ void I18NString::destroy() noexcept {
     if (m_asciiBufCapacity > kInline) release(m_pAsciiBuffer);
 }
 
-// Takes over the contents of the other string, which is empty then. Requires: both strings have the
-// same allocator, and no other thread uses them.
+// Takes over the contents of the other string and leaves that string empty. Requires: both strings
+// have the same allocator, and no other thread uses them.
 void I18NString::take(I18NString& other) noexcept {
     m_pCodeUnits = std::exchange(other.m_pCodeUnits, nullptr);
     m_pUnicodeString = std::exchange(other.m_pUnicodeString, nullptr);
@@ -259,8 +261,8 @@ bool I18NString::isForceUnicodeString() {
     return g_bForceUnicodeString.load(std::memory_order_relaxed);
 }
 
-// Some programs copy strings byte by byte. Such a copy points into the original; this corrects the
-// pointer.
+// Some programs copy strings byte by byte. In such a copy, m_pAsciiBuffer points into the original.
+// This function corrects the pointer.
 bool I18NString::isUsingAsciiBuffer() const {
     if (m_pUnicodeString != nullptr) return false;
     char* const inlined = const_cast<char*>(m_asciiInline);
@@ -270,7 +272,7 @@ bool I18NString::isUsingAsciiBuffer() const {
     return true;
 }
 
-// Requires: the calling thread has the string alone or holds its lock.
+// Requires: no other thread uses the string, or the calling thread holds the string's lock.
 void I18NString::setFlag(Flags flag, bool on) {
     const unsigned char flags = m_flags.load(std::memory_order_relaxed);
     m_flags.store(static_cast<unsigned char>(on ? flags | flag : flags & ~flag),
@@ -324,7 +326,7 @@ void I18NString::resizeUnits(int capacity) {
     try {
         I18NBlock::resize(m_allocator, m_allocatorContext, block, capacity * 2 + 2);
     } catch (...) {
-        m_unitCapacity = std::min(m_unitCapacity, capacity);  // may be smaller despite the failure
+        m_unitCapacity = std::min(m_unitCapacity, capacity);  // may be smaller despite the error
         show();
         throw;
     }
@@ -365,7 +367,7 @@ void I18NString::alias() {
 }
 
 // Conversions of the old contents are freed when the string is converted again, not before. So the
-// pointer to a new conversion differs from the old one.
+// pointer to the new conversion differs from the old pointer.
 void I18NString::changed() {
     const unsigned known = m_flags.load(std::memory_order_relaxed) & ((1U << kExemptShift) - 1);
     m_flags.store(static_cast<unsigned char>(known | kI18NChanged), std::memory_order_release);
@@ -388,7 +390,7 @@ void I18NString::assign(const I18NTextView& text) {
         setFlag(kI18NNormalized, true);
         changed();
     } else if (leaveAscii(); owner != nullptr && !owner->hasFlag(kI18NNoNormalization)) {
-        // Keeps the form of the owner's text, whichever that is.
+        // Keeps the owner's text in its form, whichever form that is.
         put(0, m_unitLength, text);
         setFlag(kI18NNormalized, owner->hasFlag(kI18NNormalized) || hasFlag(kI18NNoNormalization));
     } else {
@@ -436,7 +438,7 @@ void I18NString::setBytes(const char* bytes, const char* encoding, int length) {
         const bool mayBeASCII = !isForceUnicodeString() && isUsingAsciiBuffer();
         const bool plain = mayBeASCII && i18nIsPlainASCII(bytes, counted);
         const std::size_t all = plain || length < 0 ? counted : strnlen(bytes, counted);
-        // The bytes after a NUL count, too: all bytes must be ASCII.
+        // The bytes after a NUL must be ASCII, too.
         if (plain || (mayBeASCII && all != counted && i18nIsASCII(bytes, counted))) {
             reserveAscii(static_cast<int>(all));
             if (all != 0) std::memmove(m_pAsciiBuffer, bytes, all);
@@ -451,7 +453,7 @@ void I18NString::setBytes(const char* bytes, const char* encoding, int length) {
     setConverted(bytes, encoding, length);
 }
 
-// Replaces the contents by those of a string with the same allocator.
+// Replaces the contents by the contents of a string with the same allocator.
 void I18NString::replaceBy(I18NString& fresh) noexcept {
     destroy();
     take(fresh);

@@ -1,40 +1,41 @@
 // Conversions that a string keeps. Several threads may call c_str() of a constant string, and the
 // result stays valid until the string changes or is destroyed. So a string has a chain of
-// conversions, newest first. Each one holds the bytes in an encoding, and the key by which it is
-// found. Text stored as ASCII needs no conversion if the encoding is compatible with ASCII.
+// conversions, newest first. Each conversion holds the bytes in an encoding, and the key by which
+// it is found. Text stored as ASCII needs no conversion if the encoding is compatible with ASCII.
 //
-// m_pConverted is the head of the chain. kI18NChanged tells that the text has changed since, so
-// that the whole chain is stale. The chain has two states:
-//   current   not changed: each conversion in the chain is of the present text. The chain may be
-//             empty.
-//   stale     changed: no thread may use a conversion in the chain. The next conversion or the
-//             destructor frees the chain.
-// Operations that change the text set kI18NChanged; the caller of such an operation has the string
-// alone. A conversion makes the chain current again. Threads that call constant operations at the
-// same time only add conversions. So a published conversion is neither changed nor freed before
-// they end.
+// m_pConverted is the head of the chain. The flag kI18NChanged tells whether the text has changed
+// since the last conversion. If so, the whole chain is stale. The chain has two states:
+//   current   the flag is clear: each conversion in the chain is of the present text. The chain may
+//             be empty.
+//   stale     the flag is set: no thread may use a conversion in the chain. The next conversion or
+//             the destructor frees the chain.
+// Operations that change the text set kI18NChanged. No other thread uses the string during such an
+// operation. The next conversion makes the chain current again. Threads that call constant
+// operations at the same time only add conversions. So no published conversion is changed or freed
+// while these operations run.
 //
-// conversion() searches and converts without a lock, since allocators and callbacks are foreign
-// code that may use strings. It publishes under the string's lock, one of 64 chosen by the string's
-// address. Under the lock it searches again: if two threads have made the same conversion, the
-// second one discards its own after it has released the lock. Stale conversions are freed after
-// that, too.
+// conversion() searches and converts without a lock, because allocators and callbacks are foreign
+// code that may use strings. It publishes the conversion under the string's lock. There are 64
+// locks; the string's address selects one. Under the lock, conversion() searches again. If two
+// threads have made the same conversion, the second thread discards its own conversion. Discarded
+// and stale conversions are freed only after the thread has released the lock.
 //
 // Memory order: publishing first stores the head and then clears kI18NChanged, each with release. A
 // reader first loads the flag and then the head, each with acquire. So a reader that sees a current
-// chain does not see a stale head, and the conversions that the head leads to are complete. m_flags
-// is changed by a plain load and store, not atomically: every thread that changes it has the string
-// alone or holds its lock. m_convertedLength and m_pConvertedEncoding are only used under the lock,
-// or by a thread that has the string alone. isUsingAsciiBuffer() may store m_pAsciiBuffer from
-// several threads, always the same value, relaxed.
+// chain does not see a stale head, and all conversions in the chain are complete. m_flags is
+// changed by a separate load and store, not by one atomic operation. This is safe, because a thread
+// that changes the flags holds the string's lock, or no other thread uses the string. The same
+// holds for every use of m_convertedLength and m_pConvertedEncoding. In isUsingAsciiBuffer(),
+// several threads may store m_pAsciiBuffer at the same time. They all store the same value, with
+// relaxed order.
 //
-// Conversions after the first need the release of the head, since their readers may have seen the
-// flag cleared before.
+// The release of the flag alone is not enough. When a conversion is added to a current chain, the
+// flag is already clear, so readers synchronise only with the store of the head.
 //
 // Tests: I18NStringTest.ConvertsOneConstantStringOnManyThreads (x64-tsan, x86-asan) detects wrong
-// bytes. ConversionsCallAllocatorsWithoutALock deadlocks if a lock is held too long. A missing
-// lock or a weaker order shows only if two threads are within a few instructions of each other,
-// which hardly any run meets: change these by reasoning only.
+// bytes. ConversionsCallAllocatorsWithoutALock deadlocks if a lock is held too long. A missing lock
+// or a weaker order shows only if two threads are within a few instructions of each other. Almost
+// no test run achieves that, so do not rely on tests when you change the locks or the orders.
 #include <unicode/ucnv.h>
 
 #include <cstdio>
@@ -73,7 +74,7 @@ struct StringLocks {
     QBLThreadCriticalSection locks[64];
 };
 
-/// The Japanese substitutions apply to text from this code page.
+/// Returns true for code page 943. The Japanese substitutions apply to text from this code page.
 bool isCodePage943(const char* encoding) {
     UErrorCode status = U_ZERO_ERROR;
     const char* const name = ucnv_getAlias(encoding, 0, &status);
@@ -84,9 +85,9 @@ void settle(int code) {
     if (code < 0) QBL_THROW(I18NRuntimeError(code, nullptr));
 }
 
-/// An encoding can be spelled in any number of ways, and the name may come from a program's
-/// clients.
-/// @return a name that all spellings of the encoding have in common; empty if unknown
+/// Returns one name for all spellings of an encoding. The number of spellings is unlimited, and
+/// they may come from a program's clients.
+/// @return the name; empty for an unknown encoding
 std::string anyNameOf(const char* encoding) {
     if (encoding == nullptr || i18nIsUTF8(encoding)) return "UTF8";
     if (i18nIsUTF16(encoding)) return "UTF16";
@@ -98,7 +99,7 @@ std::string anyNameOf(const char* encoding) {
 }  // namespace
 
 // If this string is empty, decodes in place. Otherwise decodes into a new string, because the bytes
-// may be part of the present contents. If normalization fails, the string is empty again.
+// may be part of the present contents. If normalisation fails, the string is empty again.
 void I18NString::decodeUTF8(const char* bytes, int length) {
     const unsigned char flags = m_flags.load(std::memory_order_relaxed);
     const bool noNormalization = hasFlag(kI18NNoNormalization);
@@ -168,7 +169,8 @@ void I18NString::setConverted(const char* bytes, const I18NConverter& converter,
         fresh.alias();
     }
     fresh.setFlag(kI18NNoNormalization, hasFlag(kI18NNoNormalization));
-    // Text from other encodings deliberately counts as normalised, since their tables give form C.
+    // Text from other encodings deliberately counts as normalised, because their tables give form
+    // C.
     if (isCodePage943(converter.getEncoding())) {
         fresh.setFlag(kI18NFromCodePage943, true);
         fresh.renormalize();
@@ -176,13 +178,13 @@ void I18NString::setConverted(const char* bytes, const I18NConverter& converter,
     replaceBy(fresh);
 }
 
-/// A conversion of the contents. It lives as long as they do, so that two threads can use two
-/// encodings of one constant string.
+/// A conversion of the contents. It stays valid until the contents change, so that two threads can
+/// use two encodings of one constant string.
 struct I18NString::Conversion {
     Conversion* next;
     I18NBytes bytes;
     std::string key;       // the encoding and everything else that affects the bytes
-    std::string encoding;  // the same for all its names; empty if only the key counts
+    std::string encoding;  // one name for all spellings; empty if only the key counts
 };
 
 int I18NString::getIndexFromPtr(const void* string) {
@@ -225,7 +227,7 @@ const char* I18NString::bytes(const char* encoding, int* length, I18NStringAlloc
     return made->bytes.block.get();
 }
 
-// The key includes the policy, since that affects the bytes.
+// The key includes the policy, because the policy affects the bytes.
 const char* I18NString::c_str(const I18NConverter& converter, int* length,
                               I18NStringAllocator allocator, void* context) const {
     if (isUsingAsciiBuffer() && i18nKeepsASCII(converter.getEncoding())) {
@@ -234,8 +236,8 @@ const char* I18NString::c_str(const I18NConverter& converter, int* length,
     }
     const I18NUserOutputCallback callback =
         converter.getUserDefinedUnconvertibleOutputSequenceCallback();
-    // Replacement tables never change; other settings have other tables. So the address identifies
-    // them.
+    // Published settings never change, so the address of the settings identifies the replacement
+    // tables.
     const bool looksUp = converter.is(I18NConverter::kHasContext, I18NConverter::kOutput);
     char key[120];
     std::snprintf(key, sizeof key, "%.60s %d %p %lx", converter.getEncoding(),

@@ -6,7 +6,7 @@
 
 namespace {
 
-/// Decodes a text as it is; the string that takes it brings it to its form.
+/// Decodes a text without normalising it. The string that takes the text normalises it.
 I18NString asItIs(const char* utf8) {
     I18NString text;
     text.useNormalization(false);
@@ -22,7 +22,7 @@ bool I18NString::appendShort(const char* ascii, int length) {
     const std::int64_t newLength = std::int64_t{m_asciiBufLength} + length;
     i18nRequireLength(newLength);
     reserveAscii(static_cast<int>(newLength));
-    if (length != 0)  // the pointer may be null then
+    if (length != 0)  // for length 0, the pointer may be null
         std::memcpy(m_pAsciiBuffer + m_asciiBufLength, ascii, static_cast<std::size_t>(length));
     m_asciiBufLength = static_cast<int>(newLength);
     m_pAsciiBuffer[newLength] = '\0';
@@ -106,7 +106,7 @@ I18NString& I18NString::erase(I18NStringOffset offset, int count) {
 
 I18NString& I18NString::remove() { return erase(0); }
 
-// Builds the added text in the string itself, unless it may combine.
+// Builds the added text in the string itself, unless the added text may combine.
 void I18NString::fill(int copies, const I18NTextView& unit) {
     const int length = nUnits(), width = unit.length(), newLength = length + copies * width;
     if (isUsingAsciiBuffer() && !isForceUnicodeString() && unit.isASCII()) {

@@ -18,7 +18,7 @@ namespace {
 const char kNoAlias[] =
     "Resources access error, could not find the alias for the platform default encoding name.";
 
-/// Returns true if the platform's default encoding is one that has Japanese substitutions.
+/// Returns true if the platform's default encoding has Japanese substitutions.
 bool isPlatformJapanese() {
     const char* const name = i18nCanonicalEncoding(I18NGetPlatformDefaultEncoding());
     if (name == nullptr) QBL_THROW(I18NRuntimeError(I18N_UNEXPECTED, kNoAlias));
@@ -51,7 +51,7 @@ I18NString& I18NString::normalize(I18NNormalizationForms form) {
 }
 
 // Japanese encodings of personal computers map some characters differently from other encodings.
-// The substitutions apply to text from them.
+// The substitutions apply to text from these encodings.
 bool I18NString::hasJapaneseSubstitutions() const {
     return !I18NSettings::now().jaSubstitutions.empty() &&
            (hasFlag(kI18NFromCodePage943) || isPlatformJapanese());

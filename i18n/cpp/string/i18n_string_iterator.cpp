@@ -4,7 +4,7 @@
 
 namespace {
 
-// Deliberately the text of all earlier versions, including its blanks and names.
+// Deliberately the same text as in all earlier versions, including its blanks and names.
 const char kRetired[] =
     "QBL_ASSERT_NAMED(FALSE, \"The I18NStringIteratorValue (I18N_ICU_NAMESPACE::UnicodeString "
     "*pString, I18NStringOffset offset) constructor is deprecated.  Please use the alternate "
@@ -31,14 +31,15 @@ bool I18NStringIteratorValue::operator==(wchar_t c) const {
 }
 
 I18NStringIteratorValue& I18NStringIteratorValue::operator=(wchar_t c) {
-    // Deliberately stricter than reading, which gives 0 at the end: there is nothing to replace.
+    // Deliberately stricter than reading: at the end, reading gives 0, but there is nothing to
+    // replace.
     if (m_pI18NString->isUsingAsciiBuffer()) QBL_ASSERT(m_offset < m_pI18NString->m_asciiBufLength);
     const I18NStringOffset next = m_pI18NString->incrementOffset(m_offset);
     if (next >= 0) m_pI18NString->replace(m_offset, next - m_offset, c);
     return *this;
 }
 
-// Self-assignment replaces the code point by the same one.
+// Self-assignment replaces the code point by itself.
 // NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
 I18NStringIteratorValue& I18NStringIteratorValue::operator=(const I18NStringIteratorValue& other) {
     return *this = static_cast<wchar_t>(other);

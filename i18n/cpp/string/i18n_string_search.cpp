@@ -70,7 +70,7 @@ I18NStringOffset lastIn(const I18NTextView& text, const I18NTextView& set, I18NS
 
 I18NTextView viewOf(const I18NString& text) { return I18NTextView(text); }
 
-/// Compares code units. A byte is a code unit, since text in bytes has none above 0x7F.
+/// Compares code units. A byte counts as a code unit, because text stored as bytes is ASCII.
 template <class A, class B>
 int compareUnits(const A* a, int lengthA, const B* b, int lengthB) {
     const int common = std::min(lengthA, lengthB);
@@ -84,7 +84,7 @@ int compareUnits(const unsigned char* a, int lengthA, const unsigned char* b, in
     return order != 0 ? order : lengthA - lengthB;
 }
 
-// Beyond Unicode, so that no character has these values.
+// These values are beyond Unicode, so no character has them.
 constexpr char32_t kAnyOne = 0x110000;
 constexpr char32_t kAnyRun = 0x110001;
 
@@ -182,7 +182,7 @@ int I18NString::compare(const char* utf8) const {
     return compare(other);
 }
 
-// FNV-1a over the code units, so equal texts have equal hashes, however they are stored.
+// FNV-1a over the code units. So equal texts have equal hashes, however they are stored.
 std::size_t std::hash<I18NString>::operator()(const I18NString& text) const noexcept {
     return I18NTextView(text).visit([](const auto* units, int length) {
         std::size_t mixed = sizeof(std::size_t) == 4 ? 2166136261U : 14695981039346656037ULL;
@@ -213,8 +213,8 @@ public:
 
     /// Matches the pattern from an offset.
     /// @param whole  true if the match must reach the end of the text
-    /// @return the end of the shortest match; -1 without a match, kNoneBehind if no later offset
-    ///     gives a match either
+    /// @return the end of the shortest match; -1 if there is no match at this offset; kNoneBehind
+    ///     if there is none at any later offset either
     static constexpr int kNoneBehind = -2;
     int match(const I18NTextView& text, int at, bool whole) const {
         return text.ascii() != nullptr ? matchIn(Bytes(text), at, whole) : matchIn(text, at, whole);
@@ -235,8 +235,8 @@ private:
         int m_iLength;
     };
 
-    // After a mismatch, only the last run takes one more code point. What earlier runs took need
-    // not change.
+    // After a mismatch, only the last "%" takes one more code point. The text that earlier "%" took
+    // need not change.
     template <class Text>
     int matchIn(const Text& text, int at, bool whole) const {
         const char32_t* const end = m_items.data() + m_items.size();
@@ -257,7 +257,7 @@ private:
                 continue;
             }
             if (afterRun == nullptr) return -1;
-            // The pattern after the run does not match anywhere in the rest of the text.
+            // The pattern after the "%" does not match anywhere in the rest of the text.
             if (runEnd >= text.length()) return kNoneBehind;
             runEnd = text.next(runEnd);
             item = afterRun;

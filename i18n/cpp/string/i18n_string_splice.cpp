@@ -14,26 +14,26 @@
 // How a string replaces a part of its text.
 //
 // splice() limits the part to the text, checks the length, and decides how the text is stored.
-// spliceUnits() replaces units at once if none of them can combine with another. Otherwise
-// changeOf() works out what the text becomes, and combine() makes that change.
+// spliceUnits() replaces units directly if none of them can combine with another. Otherwise it
+// calls combine(), which calls changeOf() to compute the change, and then makes the change.
 //
 // Checks: everything that can fail comes before the change, which put() makes in one step. So an
-// error leaves the text, its form and its conversions as they were. The text to insert is never the
-// string's own: splice() copies the string in that case.
+// error leaves the text, its form and its conversions as they were. If the text to insert is the
+// string itself, splice() copies the string first.
 //
 // Storage: a text stored as ASCII stays so while only ASCII is added. Otherwise it moves to UTF-16
-// and stays there. Memory is reused while the text fits. It grows by half and does not shrink. A
-// caller's buffer is never replaced: a text too long for it throws.
+// and stays there. Memory is reused while the text fits. Memory grows by half and does not shrink.
+// A caller's buffer is never replaced: a change throws if the new text is too long for the buffer.
 //
 // Form: a text in form C stays in form C. Only the text between the nearest normalisation
-// boundaries is examined. A text with an exempt character stays as it is given. The whole text
-// decides that, not the part that changes: a text that gains its first such character is in no
-// form, and a text that loses its last one is brought to form C as a whole. The flags record
-// whether the text has one, so that a text built piece by piece is searched once. With
-// normalisation off, units are replaced as they are.
+// boundaries is examined. A text with an exempt character is not normalised. This depends on the
+// whole text, not only on the changed part. After a text has gained its first exempt character, its
+// form is unknown. When a text loses its last exempt character, the whole text is brought to form
+// C. The flags record whether the text has an exempt character, so that not every change has to
+// search the whole text. With normalisation off, units are replaced as they are.
 //
-// Conversions: changed() makes all of them stale, as the last step of a change. See
-// i18n_string_convert.cpp for their life after that.
+// Conversions: the last step of a change calls changed(), which makes all conversions stale.
+// i18n_string_convert.cpp describes what happens to stale conversions.
 
 namespace {
 
@@ -62,7 +62,7 @@ bool isExempt(const I18NTextView& text) {
     });
 }
 
-/// A text that replaces a part of another text, which is stored as UTF-16.
+/// A replacement of a part of the old text by another text. The old text is stored as UTF-16.
 struct Splice {
     const I18NTextView& old;
     int offset, end;  // of the part
@@ -80,7 +80,7 @@ struct Splice {
     }
 };
 
-/// Returns true if the change joins the halves of a surrogate pair, which make a new character.
+/// Returns true if the change joins two lone surrogates to a pair, which is a new character.
 bool joinsHalves(const Splice& at) {
     const bool endsHigh = at.offset > 0 && i18nIsHigh(at.old[at.offset - 1]);
     const bool beginsLow = at.end < at.length() && i18nIsLow(at.old[at.end]);
@@ -98,11 +98,11 @@ bool isInert(const Splice& at) {
 /// What is known about a change before the text is examined.
 struct Known {
     bool isFormC;
-    bool substitutes;  // Japanese substitutions apply to it
+    bool substitutes;  // Japanese substitutions apply to the text
     bool joinsHalves;
     int exempt;  // as knownExempt(), but 0 if the settings have no exempt characters
 
-    /// Returns true if the new text has all characters of the old one.
+    /// Returns true if the new text has all characters of the old text.
     bool keepsAll(const Splice& at) const { return at.isInsertion() && !joinsHalves; }
 };
 
@@ -113,7 +113,7 @@ struct Change {
     int offset, count;
     I18NTextView text;
     Form form;
-    int exempt;  // 1 if it has exempt characters then, 0 if not, -1 if unknown
+    int exempt;  // after the change: 1 if the string has exempt characters, 0 if not, -1 if unknown
 };
 
 /// Returns the form of the string once the text and its surroundings are in form C.
@@ -131,14 +131,15 @@ Change givenExempt(const Splice& at) {
     return {at.offset, at.end - at.offset, at.text, Form::kUnknown, 1};
 }
 
-/// Inserts the text as it is given, because it is in form C in its place.
+/// Inserts the text as it is given, because the text is in form C at that place.
 Change givenInForm(const Splice& at, const Known& known) {
     const int exempt = known.joinsHalves ? -1 : exemptAfter(at, known.exempt, known.keepsAll(at));
     return {at.offset, at.end - at.offset, at.text, formOf(at), exempt};
 }
 
-/// Returns true if the whole string has to be brought to form C. Substitutions apply to all of it.
-/// And if it loses its last exempt character, the rest of it is in no form yet.
+/// Returns true if the whole string has to be brought to form C. There are two reasons. Japanese
+/// substitutions apply to the whole string. A string that loses its last exempt character has not
+/// been normalised before.
 bool concernsAll(const Splice& at, const Known& known) {
     if (known.substitutes) return true;
     if (known.isFormC || at.isWhole() || known.keepsAll(at) || known.exempt == 0) return false;
@@ -159,7 +160,7 @@ Change changeOfAll(const Splice& at, const Known& known, icu::UnicodeString& res
             isFormC ? Form::kC : Form::kUnknown, -1};
 }
 
-/// The part and everything that it may combine with on both sides.
+/// The changed part and everything that may combine with it on both sides.
 struct Slice {
     int begin, end;
 };
@@ -170,7 +171,7 @@ Slice sliceAround(const Splice& at, bool joinsHalves) {
     const auto isBoundary = [&](int i) {
         return form.hasBoundaryBefore(static_cast<UChar32>(old.codePointAt(i)));
     };
-    // The first half of a pair becomes another character.
+    // A high surrogate before the part becomes a part of another character if the halves join.
     int begin = at.offset > 0 ? old.before(at.offset) : at.offset;
     while (begin > 0 && ((joinsHalves && begin + 1 == at.offset) || !isBoundary(begin)))
         begin = old.before(begin);
@@ -192,15 +193,15 @@ Change changeOfSlice(const Splice& at, const Known& known, icu::UnicodeString& r
             formOf(at), isExempt(i18nUnits(result)) ? 1 : 0};
 }
 
-/// Returns where the text goes if it is a single mark that only moves before others; -1 if it is
-/// not.
+/// Returns where to insert the text if it is a single mark that only moves before other marks;
+/// otherwise -1.
 int placeOfMark(const Splice& at, const Known& known) {
     if (!known.keepsAll(at) || known.exempt != 0 || isExempt(at.text)) return -1;
     return i18nPlaceOfMark(at.old, at.offset, at.text);
 }
 
 /// Finds the change in the cheapest way that applies.
-/// @param result  owns the text of the change unless that is the given one
+/// @param result  owns the text of the change, unless that is `at.text`
 Change changeOf(const Splice& at, const Known& known, icu::UnicodeString& result) {
     if (concernsAll(at, known)) return changeOfAll(at, known, result);
     if (known.exempt == 1 && known.keepsAll(at)) return givenExempt(at);
@@ -250,15 +251,15 @@ void I18NString::put(int offset, int count, const I18NTextView& text) {
     changed();
 }
 
-// 1 if the text has a character that must not be normalised, 0 if it has none, -1 if that is not
-// known.
+// Returns 1 if the text has a character that must not be normalised, 0 if it has none, -1 if this
+// is not known.
 int I18NString::knownExempt() const {
     const int known = m_flags.load(std::memory_order_relaxed) >> kExemptShift;
     return known != 0 && known / 2 == I18NSettings::now().nonNormalizableID ? known % 2 : -1;
 }
 
 void I18NString::setExempt(int found) {
-    if (found < 0) return;  // the change has cleared what was known
+    if (found < 0) return;  // changed() has already cleared the bits
     const int list = I18NSettings::now().nonNormalizableID;
     if (list == 0) return;
     const int known = (list * 2 + found) << kExemptShift;
@@ -266,7 +267,7 @@ void I18NString::setExempt(int found) {
                   std::memory_order_release);
 }
 
-// Replaces units, and keeps the text in its form.
+// Replaces units, and keeps the text in its normalisation form.
 void I18NString::spliceUnits(int offset, int count, const I18NTextView& text) {
     const I18NTextView old(*this);
     const Splice at = {old, offset, offset + count, text};
@@ -283,7 +284,7 @@ void I18NString::spliceUnits(int offset, int count, const I18NTextView& text) {
     setExempt(exempt);
 }
 
-// The same for a text that may combine with its surroundings. Nothing changes before put().
+// Does the same for a text that may combine with its surroundings. Nothing changes before put().
 void I18NString::combine(int offset, int count, const I18NTextView& text, bool pairs) {
     const I18NTextView old(*this);
     const Splice at = {old, offset, offset + count, text};

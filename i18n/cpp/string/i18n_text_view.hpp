@@ -19,7 +19,7 @@ public:
     I18NTextView(const char16_t* units, int length) : m_pUnits(units), m_iLength(length) {}
     I18NTextView(const char* ascii, int length) : m_pAscii(ascii), m_iLength(length) {}
 
-    /// The string that is viewed; null if the view is of other memory.
+    /// The string whose text is viewed; null for a view of other memory.
     const I18NString* owner() const { return m_pOwner; }
     const char* ascii() const { return m_pAscii; }  ///< null for a text in units
     const char16_t* units() const { return m_pUnits; }
@@ -42,7 +42,7 @@ public:
         return i - (i > 1 && i18nIsLow((*this)[i - 1]) && i18nIsHigh((*this)[i - 2]) ? 2 : 1);
     }
 
-    /// Requires: an ASCII text.
+    /// Requires: the text is ASCII.
     void copyTo(char* out) const {
         const auto n = static_cast<std::size_t>(m_iLength);
         if (m_pAscii == nullptr)

@@ -7,8 +7,9 @@
 /// Appends a text and escapes the characters that a URL must not contain: the blank and
 /// " < > # % { } | ' ^ ~ [ ] `
 /// Each becomes "%" and two hexadecimal digits. All other characters stay, including the backslash
-/// and characters beyond ASCII. Programs rely on two oddities: the double quote becomes "%34", and
-/// the apostrophe "%5C". So decoding does not restore every text.
+/// and characters beyond ASCII. Two escapes are wrong, but programs rely on them: the double quote
+/// becomes "%34", and the apostrophe becomes "%5C". So decoding does not restore these two
+/// characters.
 void i18nURLEncode(std::u16string_view text, std::u16string& out);
 
 /// The same escapes as rules of an ICU transliterator, in both directions.
