@@ -24,7 +24,7 @@ bool isASCII(__m128i units) {
 int asciiRun(const char16_t* units, char* out) {
     const __m128i low = load(units), high = load(units + kBlock / 2);
     // Packing turns a unit above 0xFF into 0xFF, and a unit above 0x7FFF, which is negative, into
-    // 0. The sign of the unit detects the latter.
+    // 0. The sign of the unit detects a unit above 0x7FFF.
     const __m128i packed = _mm_packus_epi16(low, high);
     const __m128i signs = _mm_packs_epi16(low, high);
     store(out, packed);
@@ -33,8 +33,8 @@ int asciiRun(const char16_t* units, char* out) {
 }
 
 /// Adds the number of bytes that eight units need beyond one byte each.
-/// @return the number of units counted: 7 if the last is the first half of a pair, 0 if there is a
-///     lone surrogate
+/// @return the number of units counted: 7 if the last unit is the first half of a pair, 0 if there
+///     is a lone surrogate
 int countMore(__m128i block, std::size_t& bytes) {
     const auto all = [](int unit) { return _mm_set1_epi16(static_cast<short>(unit)); };
     // A comparison gives -1 for each unit where it holds. Adding these up counts the units.
@@ -72,8 +72,8 @@ void encodeBlocks(const char16_t*& units, const char16_t* end, char*& out) {
     out = blocks.out;
 }
 
-/// Encodes the last units in a buffer of their own, followed by as many NUL characters as the
-/// blocks need. Each NUL adds a byte, which is removed again.
+/// Copies the last units to a buffer, adds as many NUL characters as the blocks need, and encodes
+/// the buffer. Each NUL gives one byte, which is removed again.
 void encodeLastBlocks(const char16_t*& units, const char16_t* end, char*& out) {
     constexpr std::ptrdiff_t kMost = 2 * kBlock, kRoom = 2 * kMost;
     const std::ptrdiff_t left = end - units;
@@ -156,7 +156,7 @@ std::size_t i18nLengthUTF8(const char16_t* units, std::size_t length) {
             const char16_t unit = *units++;
             if (i18nIsHigh(unit) && units != end && i18nIsLow(*units)) {
                 ++units;
-                bytes += 2;  // four for both
+                bytes += 2;  // a pair has four bytes
             } else {
                 bytes += (unit >= 0x80) + (unit >= 0x800);
             }

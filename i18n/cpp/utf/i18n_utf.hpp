@@ -7,7 +7,8 @@
 /// The encodings that strings read and write without a converter. Lengths are in bytes for char,
 /// and in code units for char16_t.
 
-// These compute in 32 bits: 16-bit instructions with a 16-bit constant are slow to decode.
+// These functions compute in 32 bits, because processors decode 16-bit instructions with 16-bit
+// constants slowly.
 inline bool i18nIsHigh(char16_t unit) { return std::uint32_t{unit} - 0xD800 < 0x400; }
 inline bool i18nIsLow(char16_t unit) { return std::uint32_t{unit} - 0xDC00 < 0x400; }
 inline char32_t i18nCombine(char16_t high, char16_t low) {
@@ -21,8 +22,8 @@ inline int i18nTrailsAnnounced(unsigned char lead) {
     return lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : lead < 0xF8 ? 3 : lead < 0xFC ? 4 : 5;
 }
 
-/// Writes a code point, as a surrogate pair above U+FFFF. A lone surrogate stays as it is, and a
-/// value beyond U+10FFFF becomes U+FFFD.
+/// Writes a code point. A code point above U+FFFF becomes a surrogate pair. A lone surrogate stays
+/// as it is, and a value beyond U+10FFFF becomes U+FFFD.
 /// @return the number of units written, 1 or 2
 inline int i18nPutCodePoint(char16_t* out, char32_t c) {
     if (c <= 0xFFFF) {
@@ -40,7 +41,7 @@ inline int i18nPutCodePoint(char16_t* out, char32_t c) {
 
 /// Returns true if no byte has its top bit set.
 bool i18nIsASCII(const char* bytes, std::size_t length);
-/// Returns true if that holds and no byte is NUL.
+/// Returns true if no byte has its top bit set and no byte is NUL.
 bool i18nIsPlainASCII(const char* bytes, std::size_t length);
 /// Returns true if no unit is above 0x7F.
 bool i18nIsASCII(const char16_t* units, std::size_t length);
@@ -50,7 +51,7 @@ void i18nNarrow(const char16_t* ascii, std::size_t length, char* out);
 
 /// Characters below the first value, and from the second value up to the third, are inert in
 /// normalisation form C (see i18n_inert.hpp): most of Latin and Cyrillic. Unicode never changes
-/// that for an assigned character.
+/// this property of an assigned character.
 constexpr char32_t kI18NInertBelow = 0x300, kI18NInertFrom = 0x400, kI18NInertBehind = 0x482;
 
 inline bool i18nMayNeedNormalization(char32_t c) {
@@ -81,7 +82,8 @@ std::size_t i18nLengthUTF8(const char16_t* units, std::size_t length);
 /// @param out  room for i18nLengthUTF8() bytes
 /// @return the end of the bytes written
 char* i18nEncodeUTF8(const char16_t* units, std::size_t length, char* out);
-/// Does the same up to a lone surrogate or to half a pair at the end, and advances the pointers.
+/// Encodes up to the first lone surrogate, or up to half a pair at the end, and advances the
+/// pointers.
 /// @param out  room for three bytes per unit
 void i18nEncodeWellFormedUTF8(const char16_t*& units, const char16_t* end, char*& out);
 

@@ -9,7 +9,7 @@
 #include "i18n/cpp/utf/i18n_utf.hpp"
 
 /// Compiles a function for processors for which i18nHasShuffles() returns true. All other code uses
-/// SSE2 at most, which every x86-64 has and for which the 32-bit library is compiled.
+/// at most SSE2. Every x86-64 processor has SSE2, and the 32-bit library is compiled for SSE2.
 #define I18N_WITH_SHUFFLES __attribute__((target("ssse3,popcnt")))
 
 inline bool i18nHasShuffles() {
@@ -28,13 +28,14 @@ inline bool i18nHasWidestBlocks() {
 }
 
 /// Transcoding of well-formed text by blocks, without a branch for each character. Computes the
-/// other encoding for every position of a block at once. Shuffles from tables then remove the
-/// positions where no character ends or that have no byte, as in D. Lemire and W. Mula,
-/// "Transcoding billions of Unicode characters per second with SIMD instructions" (2022).
+/// other encoding for every position of a block at once. Shuffles from tables then remove
+/// positions: in decoding, those where no character ends; in encoding, those without a byte.
+/// Source: D. Lemire and W. Mula, "Transcoding billions of Unicode characters per second with SIMD
+/// instructions" (2022).
 ///
 /// Both directions stop before ill-formed text and near the end, and leave the pointers there.
 
-/// What a decoder has left to do, and what it found.
+/// The text that is still to be decoded, and the results so far.
 struct I18NDecoding {
     const unsigned char* at;
     const unsigned char* end;
@@ -63,11 +64,12 @@ struct I18NDecoding {
 using I18NDecoder = void (*)(I18NDecoding&);
 /// Decodes UTF-8; stops before a NUL byte, too.
 void i18nDecodeBlocks(I18NDecoding& decoding);
-/// The same up to the end, with larger blocks. Requires: i18nHasWideBlocks() is true.
+/// Does the same up to the end, with larger blocks. Requires: i18nHasWideBlocks() is true.
 void i18nDecodeWideBlocks(I18NDecoding& decoding);
-/// The same with still larger blocks. Requires: i18nHasWidestBlocks() is true.
+/// Does the same with still larger blocks. Requires: i18nHasWidestBlocks() is true.
 void i18nDecodeWidestBlocks(I18NDecoding& decoding);
-/// i18nDecodeUTF8() with one of these kernels, or without one if it is null.
+/// Works like i18nDecodeUTF8(), but with this kernel: one of the functions above, or null for no
+/// kernel.
 I18NDecoded i18nDecodeUTF8(I18NDecoder kernel, const char* bytes, std::size_t length,
                            char16_t* out);
 
@@ -92,7 +94,7 @@ struct I18NEncodingShuffles {
     I18NShuffles pairs, triples;
 };
 extern const I18NEncodingShuffles i18nEncodingShuffles;
-/// The shuffles of decoding: keep those of eight units that have their bit set.
+/// The shuffles of decoding. Of eight units, they keep the units whose bit is set.
 extern const I18NShuffles i18nKeepingShuffles;
 
 inline __m128i i18nLoad(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }

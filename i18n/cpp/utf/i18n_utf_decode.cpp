@@ -7,9 +7,10 @@
 
 #include "i18n/cpp/utf/i18n_utf_blocks.hpp"
 
-// A kernel decodes well-formed sequences by blocks. Where it stops, the plain decoder takes over:
-// it decodes sequence by sequence, ill-formed ones too, with a function for each length. Most texts
-// keep to one length for a while, so each function decodes a run.
+// A kernel decodes well-formed sequences by blocks. Where the kernel stops, the plain decoder
+// continues. It decodes sequence by sequence, including ill-formed sequences, with a function for
+// each length. Neighbouring sequences often have the same length, so each function decodes a run of
+// sequences.
 
 namespace {
 
@@ -21,7 +22,8 @@ std::uint32_t loadFour(const unsigned char* p) {
     return four;
 }
 
-// The forms of well-formed sequences, in four bytes loaded with the first one lowest.
+// Tests for well-formed sequences in a word of four bytes. The first byte is the lowest byte of the
+// word.
 bool isTwo(std::uint32_t four) { return (four & 0xC0E0) == 0x80C0 && (four & 0x1E) != 0; }
 bool isTwoByTwo(std::uint32_t four) {
     return (four & 0xC0E0C0E0) == 0x80C080C0 && (four & 0x1E) != 0 && (four & 0x1E0000) != 0;
@@ -130,7 +132,7 @@ void decodeAny(I18NDecoding& decoding) {
 }
 
 /// Decodes up to a NUL, or to the end of the sequence or run that reaches `until`.
-/// @return false before a NUL
+/// @return false if it stopped before a NUL
 bool decodePlainly(I18NDecoding& decoding, const unsigned char* until) {
     while (decoding.at < until) {
         const unsigned char* const before = decoding.at;
@@ -173,7 +175,8 @@ I18NDecoded i18nDecodeUTF8(I18NDecoder kernel, const char* bytes, std::size_t le
     while (decoding.at != decoding.end) {
         if (kernel != nullptr) kernel(decoding);
         const std::ptrdiff_t left = decoding.end - decoding.at;
-        // Ill-formed sequences tend to be close together, so the kernel is not called after each.
+        // Ill-formed sequences tend to be close together, so the kernel is not called again after
+        // each of them.
         const std::ptrdiff_t some = kernel != nullptr ? std::min<std::ptrdiff_t>(32, left) : left;
         if (!decodePlainly(decoding, decoding.at + some)) break;
     }

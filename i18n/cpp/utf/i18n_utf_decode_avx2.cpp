@@ -1,10 +1,11 @@
 // Decodes UTF-8 by blocks of 32 bytes, for processors with AVX2. A unit is computed at each byte,
-// from that byte and the three before it. The unit is right at the last byte of a sequence. In
-// a sequence of four bytes it is also right at the third byte, which gets the first half of the
-// pair. Shuffles from a table then move the right units together.
+// from that byte and the three bytes before it. The unit is correct at the last byte of a sequence.
+// In a sequence of four bytes, the unit is also correct at the third byte, which gets the first
+// half of the pair. Shuffles from a table then move the correct units together.
 //
-// Blocks follow each other at a fixed distance, so no block waits for the length of the one before.
-// A sequence may begin in one block and end in the next; the next block then decodes it.
+// Blocks follow each other at a fixed distance, so no block has to wait until the length of the
+// previous block is known. A sequence may begin in one block and end in the next; the next block
+// then decodes it.
 //
 // Sources: D. Lemire and W. Mula, "Transcoding billions of Unicode characters per second with SIMD
 // instructions" (2022), for the shuffles; J. Keiser and D. Lemire, "Validating UTF-8 in less than
@@ -34,12 +35,14 @@ INLINE_WIDE __m256i highNibbles(__m256i bytes) { return lowNibbles(_mm256_srli_e
 INLINE_WIDE __m256i lookUp(const std::uint8_t (&table)[16], __m256i nibbles) {
     return _mm256_shuffle_epi8(_mm256_broadcastsi128_si256(i18nLoad(table)), nibbles);
 }
-/// Top bits where a byte is at least this, which is 0x80 or more.
+/// Returns bytes whose top bit is set where `bytes` is at least `least`; their other bits are
+/// arbitrary. Requires: `least` is at least 0x80.
 INLINE_WIDE __m256i fromOn(__m256i bytes, int least) {
     return _mm256_subs_epu8(bytes, all(least - 0x80));
 }
 
-/// A block and, at each byte, the bytes one, two and three places before it.
+/// A block. At each byte of the block, before1, before2 and before3 have the bytes one, two and
+/// three places before it.
 struct Block {
     __m256i at, before1, before2, before3;
 };
@@ -49,7 +52,8 @@ INLINE_WIDE Block blockOf(__m256i previous, __m256i at) {
             _mm256_alignr_epi8(at, joint, 13)};
 }
 
-/// Not 0 if the block has a NUL, or a sequence that is ill-formed as far as the block shows it.
+/// Returns a value other than 0 if the block has a NUL or an ill-formed sequence. The end of a
+/// sequence that continues in the next block is checked with that block.
 INLINE_WIDE __m256i stops(const Block& block) {
     const I18NNibbleTables& tables = kI18NIllFormedTables;
     const __m256i found =
@@ -76,8 +80,8 @@ INLINE_WIDE Units unitsOf(const Block& block) {
                             _mm256_and_si256(_mm256_slli_epi16(first, 4), all(0xF0)))};
 }
 
-/// Puts the halves of pairs in. The first half has the upper ten bits of the code point less
-/// 0x10000.
+/// Puts the halves of surrogate pairs into the units. The first half has the upper ten bits of the
+/// code point minus 0x10000.
 INLINE_WIDE void setHalves(Units& units, const Block& block) {
     const __m256i upper =
         _mm256_or_si256(_mm256_and_si256(_mm256_slli_epi16(block.before1, 2), all(0xFC)),
@@ -93,7 +97,8 @@ INLINE_WIDE void setHalves(Units& units, const Block& block) {
     units.high = _mm256_blendv_epi8(units.high, second, fromOn(block.before3, 0xF0));
 }
 
-/// Whether some unit may not be inert. Looks at all places.
+/// Returns true if some unit may not be inert. Looks at the units of all places, including the
+/// places that are dropped.
 INLINE_WIDE bool isDoubtful(const I18NNibbleTables& tables, const Units& units) {
     const __m256i inert =
         _mm256_and_si256(_mm256_and_si256(lookUp(tables.firstHigh, highNibbles(units.high)),
@@ -109,7 +114,8 @@ INLINE_WIDE __m256i shufflesFor(unsigned mask0, unsigned mask1) {
         i18nLoad(i18nKeepingShuffles.bytes[mask1 & 0xFF]), 1);
 }
 
-/// Writes the units that have their bit set. May write up to eight more, but not beyond 32 in all.
+/// Writes the units whose bit in `kept` is set. May write up to eight more units, but at most 32 in
+/// all.
 INLINE_WIDE char16_t* write(char16_t* out, const Units& units, unsigned kept) {
     const __m256i even = _mm256_shuffle_epi8(_mm256_unpacklo_epi8(units.low, units.high),
                                              shufflesFor(kept, kept >> 16));
@@ -147,7 +153,7 @@ INLINE_WIDE char16_t* decode(I18NDecoding& decoding, char16_t* out, const Block&
                               : decode<true>(decoding, out, block, places);
 }
 
-/// Whether the last sequence of a block ends in the next one.
+/// Returns true if the last sequence of a block ends in the next block.
 INLINE_WIDE bool goesOn(__m256i block) {
     const __m256i most =
         _mm256_setr_epi8(-1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1,
@@ -157,7 +163,7 @@ INLINE_WIDE bool goesOn(__m256i block) {
     return !_mm256_testz_si256(over, over);
 }
 
-/// Whether all bytes are ASCII and none is NUL.
+/// Returns true if all bytes are ASCII and none is NUL.
 INLINE_WIDE bool isPlain(__m256i block) {
     return maskOf(_mm256_cmpgt_epi8(block, _mm256_setzero_si256())) == 0xFFFFFFFF;
 }
@@ -167,7 +173,7 @@ INLINE_WIDE void widen(char16_t* out, __m256i block) {
     _mm256_storeu_si256(to + 1, _mm256_cvtepu8_epi16(_mm256_extracti128_si256(block, 1)));
 }
 
-/// Copies less than 32 elements by two moves of the same fixed size, which may overlap.
+/// Copies fewer than 32 elements by two moves of the same fixed size, which may overlap.
 template <class Element, std::size_t kSize>
 INLINE_WIDE bool copyFrom(Element* to, const Element* from, std::size_t count) {
     if (count < kSize) return false;
@@ -183,9 +189,9 @@ INLINE_WIDE void copyFew(Element* to, const Element* from, std::size_t count) {
     if (count != 0) *to = *from;
 }
 
-/// Decodes the rest of the text as a block that ends with other characters, which are left out.
-/// Reads and writes in buffers of its own, because the text and the room for units end before the
-/// block.
+/// Decodes the rest of the text as a block. Fills the block with other characters, and leaves their
+/// units out. Reads and writes in its own buffers, because the text and the room for units are
+/// shorter than a block.
 /// @return false if the block stops the kernel
 INLINE_WIDE bool decodeRest(I18NDecoding& decoding, __m256i previous) {
     const auto left = static_cast<unsigned>(decoding.end - decoding.at);

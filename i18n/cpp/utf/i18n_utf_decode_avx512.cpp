@@ -2,9 +2,9 @@
 // processors with AVX-512 that compress bytes in a register (VBMI2). Loads and stores have masks,
 // so a text shorter than a block is decoded in place.
 //
-// Masks of 64 bits stay in their own registers: 32-bit code would move them through memory for any
-// operation on them, which takes longer than the rest of the block. Therefore sets of bytes are the
-// top bits of vectors where they are combined or compared with the empty set.
+// 32-bit code moves a mask of 64 bits through memory for each operation on the mask. This takes
+// longer than all other work for the block. Therefore sets of bytes that are combined, or compared
+// with the empty set, are stored as the top bits of vectors, not as masks.
 #if defined(__GNUC__) && !defined(__clang__)
 // GCC 12 reports values that its own header leaves undefined on purpose.
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
@@ -28,7 +28,8 @@ INLINE_WIDEST __m512i lookUp(const std::uint8_t (&table)[16], __m512i bytes) {
 }
 /// Moves the upper half of each byte to its lower half and leaves other bits in the upper half.
 INLINE_WIDEST __m512i upperHalves(__m512i bytes) { return _mm512_srli_epi16(bytes, 4); }
-/// Top bits where a byte is at least this, which is 0x80 or more.
+/// Returns bytes whose top bit is set where `bytes` is at least `least`; their other bits are
+/// arbitrary. Requires: `least` is at least 0x80.
 INLINE_WIDEST __m512i fromOn(__m512i bytes, int least) {
     return _mm512_subs_epu8(bytes, all(least - 0x80));
 }
@@ -39,16 +40,17 @@ INLINE_WIDEST bool isNull(__m512i bytes) { return _mm512_test_epi32_mask(bytes, 
 INLINE_WIDEST __m512i andThree(__m512i a, __m512i b, __m512i c) {
     return _mm512_ternarylogic_epi32(a, b, c, 0x80);
 }
-/// From a where the mask's bits are set, else from b.
+/// Takes bits from a where the mask's bits are set, else from b.
 INLINE_WIDEST __m512i choose(__m512i mask, __m512i a, __m512i b) {
     return _mm512_ternarylogic_epi32(mask, a, b, 0xCA);
 }
-/// The first bits, at most 64.
+/// Returns a mask of the first `count` bits, at most 64.
 INLINE_WIDEST __mmask64 firstBits(std::ptrdiff_t count) {
     return count >= kBlock ? ~__mmask64{0} : (__mmask64{1} << count) - 1;
 }
 
-/// A block and, at each byte, the bytes one, two and three places before it.
+/// A block. At each byte of the block, before1, before2 and before3 have the bytes one, two and
+/// three places before it.
 struct Block {
     __m512i at, before1, before2, before3;
 };
@@ -58,7 +60,8 @@ INLINE_WIDEST Block blockOf(__m512i previous, __m512i at) {
             _mm512_alignr_epi8(at, joint, 13)};
 }
 
-/// Whether the block has a NUL, or a sequence that is ill-formed as far as the block shows it.
+/// Returns true if the block has a NUL or an ill-formed sequence. The end of a sequence that
+/// continues in the next block is checked with that block.
 INLINE_WIDEST bool stops(const Block& block) {
     const I18NNibbleTables& tables = kI18NIllFormedTables;
     const __m512i found = andThree(lookUp(tables.firstHigh, upperHalves(block.before1)),
@@ -84,8 +87,8 @@ INLINE_WIDEST Units unitsOf(const Block& block) {
                    _mm512_and_si512(_mm512_srli_epi16(middle, 2), all(0x0F)))};
 }
 
-/// Puts the halves of pairs in. The first half has the upper ten bits of the code point less
-/// 0x10000.
+/// Puts the halves of surrogate pairs into the units. The first half has the upper ten bits of the
+/// code point minus 0x10000.
 INLINE_WIDEST void setHalves(Units& units, const Block& block) {
     const __mmask64 isFirst = _mm512_movepi8_mask(fromOn(block.before2, 0xF0));
     const __mmask64 isSecond = _mm512_movepi8_mask(fromOn(block.before3, 0xF0));
@@ -100,7 +103,7 @@ INLINE_WIDEST void setHalves(Units& units, const Block& block) {
         _mm512_mask_blend_epi8(isSecond, units.high, choose(all(0x03), units.high, all(0xDC)));
 }
 
-/// Whether some unit may not be inert.
+/// Returns true if some unit may not be inert.
 INLINE_WIDEST bool isDoubtful(const I18NNibbleTables& tables, const Units& units) {
     const __m512i upper = _mm512_and_si512(lookUp(tables.firstHigh, upperHalves(units.high)),
                                            lookUp(tables.firstLow, units.high));
@@ -109,7 +112,7 @@ INLINE_WIDEST bool isDoubtful(const I18NNibbleTables& tables, const Units& units
     return !isNull(zeros(inert));
 }
 
-/// Joins lower bytes (0 to 63) and upper bytes (from 64 on) to units.
+/// Indexes that join lower bytes (0 to 63) and upper bytes (from 64 on) to units.
 struct alignas(64) Order {
     std::uint8_t first[kBlock], second[kBlock];
 };
@@ -126,7 +129,7 @@ INLINE_WIDEST __m512i loadOrder(const std::uint8_t (&order)[kBlock]) {
     return _mm512_load_si512(order);
 }
 
-/// Writes the first units, exactly as many or all 64.
+/// Writes the first `count` units if kExactly is true, else all 64 units.
 template <bool kExactly>
 INLINE_WIDEST void write(char16_t* out, const Units& units, std::ptrdiff_t count) {
     const __m512i units0 = _mm512_permutex2var_epi8(units.low, loadOrder(kOrder.first), units.high);
@@ -170,14 +173,14 @@ INLINE_WIDEST bool decode(I18NDecoding& decoding, const Block& block, __m512i ou
                  : decode<false, kExactly>(decoding, block, outside);
 }
 
-/// Whether the last sequence of a block ends in the next one.
+/// Returns true if the last sequence of a block ends in the next block.
 INLINE_WIDEST bool goesOn(__m512i block) {
     const auto last =
         static_cast<unsigned>(_mm_extract_epi32(_mm512_extracti32x4_epi32(block, 3), 3));
     return last >= 0xC0000000 || (last & 0xFF0000) >= 0xE00000 || (last & 0xFF00) >= 0xF000;
 }
 
-/// Whether all bytes are ASCII and none is NUL.
+/// Returns true if all bytes are ASCII and none is NUL.
 INLINE_WIDEST bool isPlain(__m512i block) {
     const __mmask64 others = _mm512_cmple_epi8_mask(block, _mm512_setzero_si512());
     return _kortestz_mask64_u8(others, others) != 0;
@@ -207,7 +210,8 @@ I18N_WITH_WIDEST_BLOCKS void i18nDecodeWidestBlocks(I18NDecoding& decoding) {
         if (good) now.at += kBlock;
     }
     if (good && now.at != now.end) {
-        // Other characters fill the last block, so that it stops if a sequence lacks bytes.
+        // Other characters fill the last block, so that the kernel stops if the last sequence lacks
+        // bytes.
         const __mmask64 places = firstBits(now.end - now.at);
         const __m512i at = _mm512_mask_loadu_epi8(all(1), places, now.at);
         const __m512i outside = _mm512_mask_mov_epi8(all(0x80), places, _mm512_setzero_si512());

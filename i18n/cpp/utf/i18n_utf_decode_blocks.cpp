@@ -5,7 +5,7 @@ namespace {
 
 constexpr int kBlock = 16;
 
-/// Moves the units whose bit is set together, out of eight units.
+/// For eight units: moves the units whose bit is set to the front.
 constexpr I18NShuffles makeKeeping() {
     I18NShuffles made{};
     for (unsigned mask = 0; mask < 256; ++mask) {
@@ -30,7 +30,7 @@ I18N_WITH_SHUFFLES inline __m128i atLeast(__m128i bytes, int least) {
 }
 
 /// Marks first trail bytes that make a sequence overlong, a surrogate, or more than U+10FFFF: trail
-/// bytes below a limit after one lead byte, and the other trail bytes after another lead byte.
+/// bytes below `limit` after `leadOfHigh`, and the other trail bytes after `leadOfLow`.
 I18N_WITH_SHUFFLES inline __m128i badTrails(__m128i block, __m128i before, int leadOfHigh,
                                             int leadOfLow, int limit) {
     const __m128i low = _mm_cmplt_epi8(block, i18nBytes(limit));
@@ -40,8 +40,8 @@ I18N_WITH_SHUFFLES inline __m128i badTrails(__m128i block, __m128i before, int l
 
 /// Not 0 in the bytes of two-byte characters for which i18nMayNeedNormalization() is true.
 I18N_WITH_SHUFFLES inline __m128i beyondInert(__m128i low, __m128i high) {
-    // For the upper byte of a character: half of the lowest lower byte for which it is true; -1 for
-    // never.
+    // For each upper byte of a character: half of the lowest lower byte for which
+    // i18nMayNeedNormalization() is true; -1 if there is no such byte.
     static_assert(kI18NInertBelow == 0x300 && kI18NInertFrom == 0x400 && kI18NInertBehind == 0x482,
                   "the table below has them");
     const __m128i from = _mm_setr_epi8(-1, -1, -1, 0, 0x82 / 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0);
@@ -55,9 +55,9 @@ I18N_WITH_SHUFFLES inline void keep(Decoding& decoding, __m128i units, unsigned 
 }
 
 /// Decodes the sequences that begin and end in a block, none longer than kLongest. Computes a unit
-/// at each byte, from this byte and the bytes before it. The unit is right at the last byte of a
-/// sequence, and in a sequence of four bytes also at the byte before, which gives the first half of
-/// the pair.
+/// at each byte, from this byte and the bytes before it. The unit is correct at the last byte of a
+/// sequence. In a sequence of four bytes, the unit is also correct at the third byte, which gives
+/// the first half of the pair.
 /// @return false for ill-formed text; nothing is decoded then
 template <int kLongest>
 I18N_WITH_SHUFFLES inline bool decodeBlock(Decoding& decoding, __m128i block, __m128i leads3) {
@@ -67,8 +67,8 @@ I18N_WITH_SHUFFLES inline bool decodeBlock(Decoding& decoding, __m128i block, __
     const __m128i before2 = _mm_slli_si128(block, 2);
     const __m128i isHigh = kLongest < 4 ? zero : atLeast(before2, 0xF0);
 
-    // Bit masks of positions; the lead byte of a longer sequence also counts as one of a shorter
-    // sequence.
+    // Bit masks of positions; the lead byte of a longer sequence also counts as the lead byte of a
+    // shorter sequence.
     const unsigned trail = i18nMask(trails);
     const unsigned lead2 = i18nMask(block) & ~trail;
     const unsigned lead3 = kLongest < 3 ? 0 : i18nMask(leads3);
@@ -98,7 +98,7 @@ I18N_WITH_SHUFFLES inline bool decodeBlock(Decoding& decoding, __m128i block, __
         high = _mm_or_si128(high, _mm_and_si128(_mm_slli_epi16(first, 4), i18nBytes(0xF0)));
     }
     if (kLongest >= 4) {
-        // The first half holds the bits of the code point from bit 10 on, less 0x40.
+        // The first half holds the bits of the code point from bit 10 on, minus 0x40.
         const __m128i upper =
             _mm_or_si128(_mm_and_si128(_mm_slli_epi16(before1, 2), i18nBytes(0xFC)),
                          _mm_and_si128(_mm_srli_epi16(block, 4), i18nBytes(0x03)));
@@ -133,7 +133,7 @@ I18N_WITH_SHUFFLES inline void widen(Decoding& decoding, __m128i block) {
 
 constexpr I18NShuffles i18nKeepingShuffles = makeKeeping();
 
-// A whole block may be written while a whole block is left to read.
+// While a whole block is left to read, there is room for the units of a whole block.
 I18N_WITH_SHUFFLES void i18nDecodeBlocks(I18NDecoding& decoding) {
     Decoding now;
     static_cast<I18NDecoding&>(now) = decoding;

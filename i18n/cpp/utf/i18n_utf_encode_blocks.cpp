@@ -20,8 +20,8 @@ constexpr I18NShuffles makePairs() {
 }
 
 /// For four units of up to three bytes, with two bits each: the first bit is set if the unit has at
-/// least two bytes, the second if it has three. Each unit has four positions: for the byte before
-/// the last, the last byte and the first byte, and an unused one.
+/// least two bytes, the second if it has three. Each unit has four positions: the byte before the
+/// last, the last byte, the first byte, and an unused position.
 constexpr I18NShuffles makeTriples() {
     I18NShuffles made{};
     for (unsigned mask = 0; mask < 256; ++mask) {
@@ -116,7 +116,7 @@ I18N_WITH_SHUFFLES inline bool encodeTriples(I18NEncoding& encoding, __m128i uni
 
 }  // namespace
 
-// Each unit left gives at least one byte, so 16 bytes may be written after the first half of a
+// Each remaining unit gives at least one byte, so 16 bytes may be written after the first half of a
 // block.
 I18N_WITH_SHUFFLES void i18nEncodeBlocks(I18NEncoding& encoding) {
     I18NEncoding now = encoding;

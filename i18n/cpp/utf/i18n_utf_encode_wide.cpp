@@ -2,8 +2,8 @@
 
 #include "i18n/cpp/utf/i18n_utf_blocks.hpp"
 
-// The algorithm of i18n_utf_encode_blocks.cpp, 16 units at a time. Most AVX2 instructions work
-// within each half of a register.
+// The algorithm of i18n_utf_encode_blocks.cpp, 16 units at a time. Most AVX2 instructions work on
+// each half of a register separately.
 
 namespace {
 
@@ -46,11 +46,11 @@ I18N_WITH_WIDE_BLOCKS inline void encodePairs(I18NEncoding& encoding, __m256i un
     encoding.at += kBlock;
 }
 
-/// The three bytes of each unit. Units with fewer bytes have no first byte, or no first and middle
-/// byte.
+/// The three bytes of each unit. Units of two bytes have no first byte. Units of one byte have no
+/// first and no middle byte.
 struct Triples {
     __m256i first, middle, last;
-    __m256i two, three;  ///< whether the unit has that many bytes
+    __m256i two, three;  ///< whether the unit has at least that many bytes
 };
 
 I18N_WITH_WIDE_BLOCKS inline Triples triplesOf(__m256i units, __m256i ascii) {
@@ -128,8 +128,8 @@ I18N_WITH_WIDE_BLOCKS __attribute__((always_inline)) inline bool encodeTriples(
 
 }  // namespace
 
-// Each unit left gives at least one byte, so 16 bytes may be written after the last four units of a
-// block.
+// Each remaining unit gives at least one byte, so 16 bytes may be written after the last four units
+// of a block.
 I18N_WITH_WIDE_BLOCKS void i18nEncodeWideBlocks(I18NEncoding& encoding) {
     I18NEncoding now = encoding;
     bool good = true;

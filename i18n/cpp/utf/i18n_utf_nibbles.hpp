@@ -4,11 +4,12 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Tells by shuffles whether a pair of bytes is in a set. A rule holds for a pair if each of the
-/// four half bytes is in the rule's set for it. Each of up to eight rules has a bit in four tables
-/// of 16 bytes. The bits that the four entries for a pair have in common are the rules that hold.
-/// Source: J. Keiser and D. Lemire, "Validating UTF-8 in less than one instruction per byte"
-/// (2021).
+/// Finds by shuffles whether a pair of bytes is in a set, which up to eight rules define. A rule
+/// has four sets of half bytes: one for each half byte of a pair. A rule holds for a pair if each
+/// half byte is in its set. For each half byte of a pair, there is a table of 16 bytes. In a table
+/// entry, the bit of a rule is set if the half byte is in the rule's set. The AND of the four
+/// entries for a pair has the bits of the rules that hold. Source: J. Keiser and D. Lemire,
+/// "Validating UTF-8 in less than one instruction per byte" (2021).
 
 /// A set of half bytes, as bits.
 constexpr std::uint16_t i18nNibbles(int from, int to) {
@@ -44,8 +45,8 @@ constexpr I18NNibbleTables i18nTables(const I18NNibbleRule (&rules)[kCount]) {
     return made;
 }
 
-/// Pairs of neighbours that UTF-8 does not have. The last rule is different: whether two trail
-/// bytes may follow each other depends on the bytes before them.
+/// Pairs of neighbouring bytes that do not occur in UTF-8. The last rule is different: whether two
+/// trail bytes may follow each other depends on the bytes before them.
 constexpr std::uint16_t kI18NTrails = i18nNibbles(0x8, 0xB);
 constexpr I18NNibbleRule kI18NIllFormed[] = {
     {i18nNibbles(0xC, 0xF), kI18NAnyNibble, i18nNibbles(0x0, 0x7) | i18nNibbles(0xC, 0xF)},
@@ -59,7 +60,8 @@ constexpr I18NNibbleRule kI18NIllFormed[] = {
 constexpr I18NNibbleTables kI18NIllFormedTables = i18nTables(kI18NIllFormed);
 
 /// Units that are inert in normalisation form C (see i18n_inert.hpp), the upper byte first. Eight
-/// rules cannot cover all; these cover the frequent ones. I18NUtfBlocksTest compares them with ICU.
+/// rules cannot cover all such units; these rules cover the frequent ones. I18NUtfBlocksTest
+/// compares them with ICU.
 constexpr I18NNibbleRule kI18NInert[] = {
     {i18nNibbles(0x0), i18nNibbles(0x0, 0x2)},                          // Latin
     {i18nNibbles(0x0), i18nNibbles(0x4), i18nNibbles(0x0, 0x7)},        // Cyrillic
@@ -74,7 +76,8 @@ constexpr I18NNibbleRule kI18NInert[] = {
     {i18nNibbles(0xF), i18nNibbles(0xF)}};  // full width
 constexpr I18NNibbleTables kI18NInertTables = i18nTables(kI18NInert);
 
-/// The same for text with pairs. The first halves are those of U+1F000 to U+1FBFF.
+/// The same for text with surrogate pairs. Only the high surrogates of U+1F000 to U+1FBFF are
+/// covered.
 constexpr I18NNibbleRule kI18NInertWithPairs[] = {
     {i18nNibbles(0xD), i18nNibbles(0x8), i18nNibbles(0x3), i18nNibbles(0xC, 0xE)},
     {i18nNibbles(0xD), i18nNibbles(0xC, 0xF)},
