@@ -61,8 +61,8 @@ void freeUnless(const char* room, const char* block) {
     if (block != room) delete[] block;
 }
 
-// The number of bytes that the name takes in a block, so that the bytes after it are aligned for
-// all types.
+// The number of bytes that a name and its NUL take in a block. It is rounded up, so that the memory
+// after the name is aligned for all types.
 std::size_t nameSize(std::size_t length) {
     constexpr std::size_t kAlign = alignof(std::max_align_t);
     return (length + kAlign) / kAlign * kAlign;
@@ -101,7 +101,7 @@ int saturated(std::int64_t value) {
     return static_cast<int>(std::clamp<std::int64_t>(value, INT_MIN, INT_MAX));
 }
 
-// Returns another converter of the same encoding, at the beginning of a text.
+// Returns another converter of the same encoding, in its initial state.
 UConverter* reopened(const UConverter* converter) {
     UErrorCode status = U_ZERO_ERROR;
     UConverter* other = ucnv_open(ucnv_getName(converter, &status), &status);
@@ -180,7 +180,8 @@ void I18NConverter::create(const char* name) {
         std::snprintf(text, sizeof text, kBadEncoding, name);
         QBL_THROW(I18NRuntimeError(I18N_ENCODING, text));
     }
-    // A clone of this converter would share memory that the first of the two to be closed frees.
+    // A clone of ICU's compound-text converter would share memory with it. Closing the first of the
+    // two would free that memory.
     if (ucnv_getType(m_pConverter) != UCNV_COMPOUND_TEXT)
         cloneInto(nullptr, &m_iCloneSize, m_pConverter);  // only tells the size
     ucnv_setFallback(m_pConverter, true);
@@ -188,9 +189,10 @@ void I18NConverter::create(const char* name) {
     m_iNullSize = ucnv_getMinCharSize(m_pConverter);
 }
 
-// Becomes a copy of the other converter under this name; unchanged after a failure. The name and
-// the ICU converter share m_room, or a block if they are too large for it or if it is in use.
-// Separate allocations would cost more than everything else here.
+// Makes this converter a copy of the other one, under the given name. After a failure, this
+// converter is unchanged. The name and the ICU converter share m_room. They share a block instead
+// if they are too large for m_room, or if m_room is in use. Separate allocations would cost more
+// than everything else here.
 void I18NConverter::adopt(const I18NConverter& other, const char* encoding) {
     const std::size_t length = lengthOf(encoding);
     const std::size_t before = nameSize(length);
@@ -222,7 +224,7 @@ void I18NConverter::adopt(const I18NConverter& other, const char* encoding) {
     m_iCloneSize = other.m_iCloneSize;
     m_inputContext = other.m_inputContext;
     m_outputContext.encoding = m_inputContext.encoding = name;
-    block.release();  // NOLINT(bugprone-unused-return-value): the contexts own it
+    block.release();  // NOLINT(bugprone-unused-return-value): the contexts own the block
 
     // The clone still refers to the contexts of the other converter.
     UErrorCode status = U_ZERO_ERROR;

@@ -3,7 +3,7 @@
 
 #include "i18n/cpp/i18n_converter.hpp"
 
-/// Gives access to the ICU converter inside, for code that converts whole buffers.
+/// Gives access to the ICU converter inside an I18NConverter, for code that converts whole buffers.
 class I18NConverterAccess {
 public:
     static UConverter* icu(const I18NConverter& converter) { return converter.m_pConverter; }

@@ -13,7 +13,8 @@ I18NErrorCodes codeOf(const QBLThrowable& error) {
     return code < 0 && code >= I18N_TOO_SMALL ? static_cast<I18NErrorCodes>(code) : I18N_UNEXPECTED;
 }
 
-// Runs an operation and turns every exception into a code, except the one that ends a thread.
+// Runs an operation and turns every exception into an error code, except the exception that ends a
+// thread.
 template <class Body>
 TAV_CATCHES_UNWINDING auto contained(I18NErrorCodes* error, const Body& body) -> decltype(body()) {
     I18NErrorCodes ignored = I18N_OK;

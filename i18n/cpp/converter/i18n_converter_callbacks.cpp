@@ -13,17 +13,17 @@
 
 namespace {
 
-// The number of bytes or code units of a callback's output that ICU stores if the target is full.
-// ICU does not check whether there are more.
+// If the target is full, ICU can store this many bytes or code units of a callback's output. ICU
+// does not check whether the callback writes more.
 constexpr int kRoomInICU = 32;
 static_assert(I18N_USER_REPLACEMENT_LIMIT <= kRoomInICU);
 
-// Larger than the limit, for a function that writes too much.
+// Larger than the limit, for functions that write too much.
 constexpr int kUserArray = 256;
 
 constexpr char32_t kNoCharacter = 0xFFFF;
 
-// ICU also calls for reset, close and clone, without text.
+// ICU also calls the callbacks for reset, close and clone. These calls pass no text.
 bool isAboutText(UConverterCallbackReason reason) { return reason <= UCNV_IRREGULAR; }
 
 int limited(int count) { return std::clamp<int>(count, 0, I18N_USER_REPLACEMENT_LIMIT); }

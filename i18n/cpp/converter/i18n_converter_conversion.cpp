@@ -26,8 +26,8 @@ void report(I18NErrorCodes code, I18NErrorCodes* error) {
         QBL_THROW(I18NRuntimeError(code, nullptr));
 }
 
-// The part of a source to convert, and the bytes of the NUL after it that the caller need not pass
-// again.
+// The part of a source to convert. nullSize is the size of the NUL after this part, which a stream
+// counts as consumed; 0 if there is no NUL.
 struct Source {
     const char* begin;
     const char* end;
@@ -89,9 +89,10 @@ void I18NConverter::set(Flag flag, Direction direction, bool on) const {
     m_cFlags = static_cast<unsigned char>(on ? m_cFlags | bit : m_cFlags & ~bit);
 }
 
-// Converts into a buffer of the caller and terminates it with a NUL. If only the NUL fits, no text
-// is converted and the call succeeds, since callers rely on that; only a smaller buffer is too
-// small. A stream reports I18N_STREAM_FULL instead, since it would never come to an end.
+// Converts into the caller's buffer and terminates the output with a NUL. If only the NUL fits, no
+// text is converted and the call succeeds, because callers rely on this. Only a smaller buffer is
+// an error. A streaming call, however, reports I18N_STREAM_FULL if only the NUL fits, because the
+// caller would otherwise repeat the call forever.
 I18NErrorCodes I18NConverter::convert(Direction direction, char* destination, int size,
                                       const char*& source, const char* end, bool flush,
                                       int& written) const {
@@ -102,7 +103,8 @@ I18NErrorCodes I18NConverter::convert(Direction direction, char* destination, in
     const int room = size - nullSize;
     char* at = destination;
     UErrorCode status = U_ZERO_ERROR;
-    // Uses whole units only, so that the NUL is one, too. Only a stream continues half a unit.
+    // Uses only whole units of the encoding, so that the NUL is a whole unit, too. Only a stream
+    // can continue half a unit.
     const int used = flush ? room - room % nullSize : room;
     if (room > 0) status = run(m_pConverter, at, destination + used, source, end, flush);
     const int text = static_cast<int>(at - destination);
@@ -125,9 +127,9 @@ I18NErrorCodes I18NConverter::convert(Direction direction, char* destination, in
     return I18N_OK;
 }
 
-// Converts into a block that is large enough for what the encoding usually needs. Collects the rest
-// in a string and then enlarges the block once, by whole steps. So the time and the number of
-// allocations do not depend on how far off the first size was.
+// Converts into a block that is large enough for most texts. Collects the output that does not fit
+// in a string, and then enlarges the block once, by whole steps. So a first size that is much too
+// small does not cause many allocations of blocks.
 char* I18NConverter::allocate(Direction direction, int* size, const char* source, const char* end,
                               bool flush, I18NStringAllocator allocator, void* context) const {
     const auto run = direction == kInput ? i18nToUnicode : i18nFromUnicode;
@@ -209,7 +211,8 @@ void I18NConverter::fromUnicodeStream(char* destination, int size, const void* s
     const I18NErrorCodes code =
         convert(kOutput, destination, size, at, text.end, false, counters.written);
     counters.consumed = static_cast<int>(at - text.begin);
-    // Not after a failure: the caller passes the rest again, which must have its NUL.
+    // Does not count the NUL after a failure: the caller passes the rest again, and the rest must
+    // end with the NUL.
     if (code == I18N_OK && at == text.end) counters.consumed += text.nullSize;
     report(code, error);
 }

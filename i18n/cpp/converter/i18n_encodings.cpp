@@ -16,8 +16,8 @@ bool is(const char* name, const char* other) {
     return *name == '\0';
 }
 
-/// Returns the part after "UTF" and an optional hyphen; null for other names. Has no loop, since
-/// every conversion calls it.
+/// Returns the part after "UTF" and an optional hyphen; null for other names. Has no loop, because
+/// every conversion calls this function.
 const char* numberOfUTF(const char* name) {
     constexpr int kNoCase = ~('a' - 'A');
     if ((name[0] & kNoCase) != 'U' || (name[1] & kNoCase) != 'T' || (name[2] & kNoCase) != 'F')

@@ -10,16 +10,16 @@ namespace {
 
 // The size of the buffer through which UTF-16 at an odd address is copied.
 constexpr std::ptrdiff_t kPieceUnits = 512;
-// The most units that ICU takes at a time.
+// The maximum number of units that ICU takes at a time.
 constexpr std::ptrdiff_t kMostUnits = 0x3FFFFFFF;
 constexpr std::ptrdiff_t kUnit = sizeof(UChar);
 
-// Reads whole aligned blocks, including bytes before the text and after its end, as the C library
-// reads strings. An aligned block never reaches into another page. Sanitizers would report these
-// reads.
+// For functions that read whole aligned blocks, including bytes before the text and after its end.
+// The C library reads strings in the same way. This is safe, because an aligned block never reaches
+// into another page. Sanitizers would report these reads.
 #define READS_WHOLE_BLOCKS __attribute__((no_sanitize("address"), no_sanitize("thread")))
 
-/// Returns a bit for each byte of the zero units of a block.
+/// Returns a mask in which the bits of all bytes of zero units are set.
 READS_WHOLE_BLOCKS unsigned zeroUnits(const char* block) {
     const __m128i units = _mm_load_si128(reinterpret_cast<const __m128i*>(block));
     return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(units, _mm_setzero_si128())));

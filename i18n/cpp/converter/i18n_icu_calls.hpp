@@ -5,8 +5,8 @@
 
 #include <cstddef>
 
-/// ucnv_fromUnicode() and ucnv_toUnicode() for UTF-16 at any address, given as bytes. Like those
-/// they advance `at` and `source`.
+/// These functions call ucnv_fromUnicode() and ucnv_toUnicode() for UTF-16 at any address, given as
+/// bytes. Like the ICU functions, they advance `at` and `source`.
 UErrorCode i18nFromUnicode(UConverter* converter, char*& at, char* limit, const char*& source,
                            const char* end, bool flush);
 UErrorCode i18nToUnicode(UConverter* converter, char*& at, char* limit, const char*& source,
@@ -15,7 +15,7 @@ UErrorCode i18nToUnicode(UConverter* converter, char*& at, char* limit, const ch
 /// Returns the number of bytes before the first unit of `nullSize` zero bytes; the text may have
 /// any address.
 std::size_t i18nBytesBeforeNull(const char* text, int nullSize);
-/// Returns true if such a unit is here.
+/// Returns true if the unit has only zero bytes.
 bool i18nIsNull(const char* unit, int nullSize);
 
 #endif

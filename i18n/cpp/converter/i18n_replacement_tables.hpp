@@ -5,16 +5,17 @@
 #include <string>
 #include <string_view>
 
-/// The replacements that the resource file sets for text that an encoding cannot express, by the
-/// canonical name of the encoding (ucnv_getAlias(name, 0)). Part of I18NSettings, and constant like
-/// them.
+/// The replacements that the resource file sets for unconvertible bytes and characters, by the
+/// canonical name of the encoding (ucnv_getAlias(name, 0)). The tables are a part of I18NSettings,
+/// and are constant once the settings are published.
 class I18NReplacementTables {
 public:
     /// @param bytes  a sequence that is not convertible
     /// @param replacement  the code point that replaces it
     void addInput(const std::string& encoding, const std::string& bytes, char32_t replacement);
-    /// @param codePoint  one that the encoding lacks
-    /// @param replacement  the bytes that replace it; an empty text drops it
+    /// @param codePoint  a code point that the encoding lacks
+    /// @param replacement  the bytes that replace the code point; if empty, the code point is
+    ///     dropped
     void addOutput(const std::string& encoding, char32_t codePoint, const std::string& replacement);
 
     /// @return null if the table has no entry
