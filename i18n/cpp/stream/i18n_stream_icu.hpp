@@ -8,15 +8,15 @@
 
 #include "i18n/cpp/stream/i18n_stream_sides.hpp"
 
-/// What both sides of a text stream know about ICU and its converters.
+/// What the input and the output of a text stream need to know about ICU's converters.
 
-/// The maximum that one replacement needs, and what ICU writes around it.
+/// Room for one replacement and for everything that ICU writes around it, in bytes or units.
 constexpr std::size_t kI18NStreamSlack = 64;
-/// The maximum number of bytes (input) or UTF-16 units (output) that ICU gets where the faster
-/// functions for UTF-8 and UTF-16 stop. They continue after these.
+/// Where the faster functions for UTF-8 and UTF-16 stop, ICU converts at most this many bytes
+/// (input) or UTF-16 units (output). Then the faster functions continue.
 constexpr std::ptrdiff_t kI18NStreamPiece = 8;
 
-/// @param refused  by the policy
+/// @param refused  true if the policy has refused text
 /// @throws QBLOutOfMemoryError, I18NRuntimeError
 I18NProgress i18nProgressOf(UErrorCode status, bool refused);
 bool i18nIsUTF16(UConverterType type);
@@ -29,8 +29,8 @@ inline bool i18nIsAboutText(UConverterCallbackReason reason) { return reason <= 
 
 /// Returns ICU's position in the stream. If the text that ICU has kept turns out not to fit the
 /// text that follows, ICU reads the kept text again from its own buffer. The end of that buffer
-/// corresponds to the start of this call's source. The contents do not show which one ICU reads,
-/// because the same bytes or units may occur more than once.
+/// corresponds to the start of this call's source. Only the limit shows which buffer ICU reads. The
+/// contents do not, because the same bytes or units may occur in both.
 template <class Args, class Unit>
 std::int64_t i18nWhereICUIs(const Args* args, const Unit* begin, const Unit* end,
                             std::int64_t before) {

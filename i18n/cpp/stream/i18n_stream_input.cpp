@@ -50,7 +50,7 @@ I18NStreamInput::I18NStreamInput(const char* encoding, const I18NStreamInput& po
     : m_converter(encoding), m_pICU(I18NConverterAccess::icu(m_converter)) {
     const I18NConverter& other = policy.m_converter;
     const int number = other.getBuiltInUnconvertibleInputSequenceCallback();
-    // The getter returns I18N_LOOKUP for a converter that was given no policy, too.
+    // The getter also returns I18N_LOOKUP for a converter whose policy was never set.
     const bool none =
         number == I18N_LOOKUP && policy.m_policy != LOOKUP_UNCONVERTIBLE_INPUT_CALLBACK;
     if (!none) m_converter.setBuiltInUnconvertibleInputSequenceCallback(number);
@@ -137,8 +137,8 @@ void I18NStreamInput::noteByte(char byte) {
     if (place < I18NInputFinding::kMostBytes) m_sequence[place] = byte;
 }
 
-// When the text is full, ICU keeps the rest of a sequence's text. It writes that in the call that
-// takes the first byte of the next sequence.
+// If there is no room for all text of a sequence, ICU keeps the rest of this text. ICU writes the
+// rest in the call that takes the first byte of the next sequence.
 void I18NStreamInput::followSequence(bool hasText) {
     UErrorCode status = U_ZERO_ERROR;
     const int pending = ucnv_toUCountPending(m_pICU, &status);
@@ -153,7 +153,7 @@ void I18NStreamInput::findLead(const char* at, const char* end) {
         }
 }
 
-// Keeps the end of the slice for findings that end in the next one.
+// Keeps the last bytes of the slice, because a finding in the next slice may begin there.
 void I18NStreamInput::remember(const char* end) {
     const std::ptrdiff_t size = std::min<std::ptrdiff_t>(end - m_pSlice, kHistory);
     if (size == 0) return;
@@ -167,17 +167,18 @@ const char* I18NStreamInput::sourceAt(std::int64_t offset) const {
     return at >= 0 ? m_pSlice + at : m_history + kHistory + at;
 }
 
-// Sets the bytes of a finding, and where they are in the source. Usually they are what ICU reports,
-// and end where ICU is. The exceptions:
+// Sets the bytes of a finding, and their offset in the source. Usually these are the bytes that ICU
+// reports, and they end at ICU's position. The exceptions:
 //   UTF-16   ICU keeps a byte of the unit after a lone surrogate.
-//   ISCII    ICU keeps a lead byte while it refuses the bytes after it, and reports it at the end.
-//   SCSU     ICU drops bytes that cannot define a window, and reports the command with the last of
-//            them; the finding has all of them.
+//   ISCII    ICU keeps a lead byte while it refuses the bytes after the lead byte, and reports the
+//            lead byte at the end.
+//   SCSU     ICU drops bytes that cannot define a window, and reports the command with only the
+//            last of these bytes. The finding has all of them.
 //   BOCU-1   ICU reports no bytes if a sequence leads out of Unicode.
 //   GSM      ICU reports no bytes if the byte after an escape has no character, and converts the
 //            escape alone.
-// ICU's arrays of offsets are no better: they also count back from the end, and lack findings whose
-// replacement is empty.
+// ICU's arrays of offsets are no better. ICU also computes these offsets back from the end, and the
+// arrays lack findings whose replacement is empty.
 void I18NStreamInput::locate(const char* bytes, int length, std::int64_t end,
                              I18NInputFinding& finding) const {
     if (m_bFollowsSequences) {
@@ -209,14 +210,14 @@ void I18NStreamInput::found(UConverterToUnicodeArgs* args, const char* bytes, in
     I18NInputFinding finding = {};
     finding.cutOff = *status == U_TRUNCATED_CHAR_FOUND;
     locate(bytes, length, i18nWhereICUIs(args, m_pBegin, m_pEnd, m_iBytes), finding);
-    if (length == 0 && finding.length > 0) {  // BOCU-1 and GSM; the policy gets them, too
+    if (length == 0 && finding.length > 0) {  // BOCU-1 and GSM: the policy also gets these bytes
         bytes = finding.bytes;
         length = finding.length;
     }
     finding.at = m_iUnits + (args->target - m_pText);
 
-    // The policy writes to a separate buffer, so that the length of its text is known wherever that
-    // goes.
+    // The policy writes to a separate buffer. So the length of its text is known, even if the
+    // target has no room for all of it.
     UChar replacement[kI18NStreamSlack];
     UConverterToUnicodeArgs aside = *args;
     aside.target = replacement;

@@ -10,12 +10,12 @@
 
 namespace {
 
-constexpr int kMostBytes = 64;  // of a character, with escape sequences around it
+constexpr int kMostBytes = 64;  // for a character and the escape sequences around it
 constexpr int kMostUnits = 16;
 constexpr char16_t kFirstPrivate = 0xE000;
 constexpr char16_t kPrivateUnits = 0xF900 - kFirstPrivate;
 
-// Both keep the error that they are called with.
+// Neither function resets the error, so ICU stops.
 void refuseOutput(const void*, UConverterFromUnicodeArgs*, const UChar*, int32_t, UChar32,
                   UConverterCallbackReason, UErrorCode*) {}
 void refuseInput(const void*, UConverterToUnicodeArgs*, const char*, int32_t,
@@ -87,7 +87,8 @@ bool I18NStreamMappings::findLost(const char16_t* units, int length) {
 
 bool I18NStreamMappings::hasFit(const char16_t* units, int length) {
     if (!isConvertible(units, length, true)) return false;
-    // Other characters are refused because of the text before them.
+    // If the character is also convertible without a best fit, ICU refused it because of the text
+    // before it.
     return !isConvertible(units, length, false) || isLost(units, length);
 }
 
@@ -98,6 +99,7 @@ bool I18NStreamMappings::isConvertible(const char16_t* units, int length, bool f
     char* at = bytes;
     UErrorCode status = U_ZERO_ERROR;
     ucnv_fromUnicode(icu, &at, bytes + kMostBytes, &units, units + length, nullptr, false, &status);
-    // A character that waits for another one is decided together with that one.
+    // A character that ICU keeps until it has the next character does not count as convertible: ICU
+    // decides about both together.
     return U_SUCCESS(status) && at != bytes && ucnv_fromUCountPending(icu, &status) == 0;
 }

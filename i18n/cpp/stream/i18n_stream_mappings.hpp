@@ -10,7 +10,7 @@
 /// Tells how an encoding converts single characters. Uses a converter of its own to find out.
 ///
 /// ICU converts some characters without asking a policy, although they do not survive a round trip.
-/// It always applies the best fits of private-use characters, and its converter to compound text
+/// ICU always applies the best fits of private-use characters, and ICU's converter to compound text
 /// drops characters that the encoding lacks. Only decoding the bytes again shows either case.
 class I18NStreamMappings {
 public:
@@ -19,8 +19,8 @@ public:
     I18NStreamMappings(const I18NStreamMappings&) = delete;
     I18NStreamMappings& operator=(const I18NStreamMappings&) = delete;
 
-    /// Whether characters must be hidden from ICU, and whether these may be others than private-use
-    /// characters.
+    /// mayLose() returns true if some characters must be hidden from ICU. mayLoseAny() returns true
+    /// if these may be any characters, not only private-use characters.
     bool mayLose() const { return m_bMayLose; }
     bool mayLoseAny() const { return m_bMayLoseAny; }
     /// Returns the first unit that may begin a character to hide, or the end.

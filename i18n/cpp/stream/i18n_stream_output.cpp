@@ -22,8 +22,8 @@ constexpr std::size_t kPortion = 0x1000;
 // No encoding with tables has this character.
 constexpr char16_t kNoCharacter = 0xFFFF;
 
-// Converters to these encodings depend on how much text they get at once, or lose a pair in two
-// pieces.
+// The output of converters to these encodings depends on how much text they get at once, or they
+// lose a pair that comes in two pieces.
 bool dependsOnPortions(const UConverter* icu) {
     const UConverterType type = ucnv_getType(icu);
     return i18nIsMarkedUTF16(icu) || i18nIsLMBCS(type) || type == UCNV_SCSU || type == UCNV_BOCU1 ||
@@ -52,15 +52,16 @@ I18NStreamOutput::I18NStreamOutput(const I18NConverter& converter, I18NOutputFin
     UErrorCode status = U_ZERO_ERROR;
     ucnv_reset(m_pICU);
     ucnv_setFromUCallBack(m_pICU, callback, this, &m_policy, &m_pPolicyContext, &status);
-    // ICU reports characters that have best fits only without fallback. treat() then applies the
-    // best fits.
+    // ICU reports characters with best fits only if its fallback is off. treat() applies the best
+    // fits.
     m_converter.useFallback(false);
 }
 
 std::size_t I18NStreamOutput::portion(const char16_t* text, std::size_t units) const {
     if (m_bInPortions && units < kPortion) return 0;
     if (m_bInPortions) units = kPortion;
-    // Some ICU converters lose a pair that comes in two pieces, or a surrogate after a lone one.
+    // Some ICU converters lose a pair that comes in two pieces, or a surrogate after a lone
+    // surrogate.
     std::size_t end = units;
     while (end > 0 && i18nIsHigh(text[end - 1])) --end;
     return end > 0 || units == 0 ? end : units - 1;
@@ -73,7 +74,8 @@ I18NProgress I18NStreamOutput::encode(char16_t* text, const char16_t* end, bool 
     return encodePieces(text, end, flush, bytes);
 }
 
-// Replaces characters for which ICU would not ask a policy by a character for which it does.
+// Replaces each character about which ICU would not ask the policy by a character about which ICU
+// asks.
 void I18NStreamOutput::mask(char16_t* text, const char16_t* end) {
     const std::int64_t decided = m_iUnits - undecided();
     const auto isOver = [&](const Masked& masked) { return masked.at < decided; };
@@ -90,8 +92,8 @@ void I18NStreamOutput::mask(char16_t* text, const char16_t* end) {
     }
 }
 
-// This converter would drop some characters and hold back lone surrogates. For these, this function
-// asks the policy itself.
+// ICU's converter to compound text drops some characters and holds back lone surrogates. This
+// function itself asks the policy about these.
 I18NProgress I18NStreamOutput::encodeAroundLost(const char16_t* text, const char16_t* end,
                                                 bool flush, I18NStreamBuffer& bytes) {
     int length = 0;
@@ -193,8 +195,8 @@ void I18NStreamOutput::found(UConverterFromUnicodeArgs* args, const UChar* units
         units = &masked->unit;
         codePoint = masked->unit;
     } else if (at >= m_iUnits) {
-        // The converter to ISCII reports the character that it has looked up, which may be another
-        // one.
+        // The converter to ISCII reports the character that it has looked up. This may not be the
+        // character in the text.
         units = m_pBegin + (at - m_iUnits);
         codePoint = length == 2 ? U16_GET_SUPPLEMENTARY(units[0], units[1]) : *units;
     }
@@ -222,7 +224,7 @@ void I18NStreamOutput::treat(UConverterFromUnicodeArgs* args, const UChar* units
         write(args, units, static_cast<std::size_t>(length), status);
         ucnv_setFallback(m_pICU, false);
     } else if (m_pReplacement != nullptr) {
-        // Characters that the encoding lacks are left out without a report.
+        // Characters of the replacement that the encoding lacks are left out without a report.
         m_bLeavesOut = true;
         write(args, m_pReplacement->units, m_pReplacement->count, status);
         m_bLeavesOut = false;

@@ -11,21 +11,21 @@
 #include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/stream/i18n_stream_mappings.hpp"
 
-/// The parts of a text stream: a converter for each direction, whose policy reports to the stream,
-/// and the buffer for the output. Offsets count from the start of the stream.
+/// The parts of a text stream: a converter for each direction, and the buffer for the output. The
+/// converters report unconvertible text to the stream. Offsets count from the start of the stream.
 
 /// Bytes that were not convertible.
 struct I18NInputFinding {
-    std::int64_t offset;  ///< in bytes
-    std::int64_t at;      ///< in the text, where the replacement stands
-    int units;            ///< of the replacement
+    std::int64_t offset;  ///< of the first byte
+    std::int64_t at;      ///< of the replacement in the text
+    int units;            ///< length of the replacement
     int length;
     bool cutOff;                           ///< the input ended in the middle of the bytes
     static constexpr int kMostBytes = 16;  // more than ICU reports at once
     char bytes[kMostBytes];
 };
 
-/// A code point that was not convertible, or only to another one.
+/// A code point that was not convertible, or only to its best fit.
 struct I18NOutputFinding {
     std::int64_t at;
     char32_t codePoint;
@@ -40,10 +40,11 @@ struct I18NReplacement {
     std::size_t count;
 };
 
-/// Receives a code point once all text before it is converted, and before the policy applies.
+/// Receives a code point after all text before it has been converted, and before the policy
+/// applies.
 class I18NOutputFinder {
 public:
-    /// @return what to write, which is used before the next call; null to apply the policy
+    /// @return the text to write, valid until the next call; null to apply the policy
     virtual const I18NReplacement* found(const I18NOutputFinding& finding) = 0;
 
 protected:
@@ -52,14 +53,14 @@ protected:
 
 enum class I18NProgress {
     kDone,    ///< all input is used
-    kFull,    ///< there is more; call again
-    kRefused  ///< by the policy; see the last finding
+    kFull,    ///< the output is full; call again
+    kRefused  ///< the policy refused text; see the last finding
 };
 
 /// Well-formed text in the first two forms is converted without ICU.
 enum class I18NStreamForm { kUTF8, kUTF16, kOther };
 
-/// A buffer of bytes that grows and is used again.
+/// A buffer of bytes that grows and is reused.
 class I18NStreamBuffer {
 public:
     I18NStreamBuffer() = default;
@@ -86,7 +87,8 @@ private:
 class I18NStreamInput {
 public:
     explicit I18NStreamInput(const I18NConverter& converter);
-    /// Uses another encoding, with the policy of a side that has not been used.
+    /// Uses another encoding, and takes the policy from an input that has not converted anything
+    /// yet.
     I18NStreamInput(const char* encoding, const I18NStreamInput& policy);
     I18NStreamInput(const I18NStreamInput&) = delete;
     I18NStreamInput& operator=(const I18NStreamInput&) = delete;
@@ -99,7 +101,7 @@ public:
     /// Makes offsets count from the second unit of the text.
     void dropFirstUnit();
 
-    /// In the order of the text; the user removes findings that it has handled.
+    /// In the order of the text. The owner of this object removes the findings that it has handled.
     std::vector<I18NInputFinding> findings;
 
 private:
@@ -129,7 +131,7 @@ private:
     bool m_bRefused = false;
     I18NStreamForm m_form = I18NStreamForm::kOther;
     bool m_bByteByByte = false;
-    bool m_bUnfinished = false;  // ICU holds bytes
+    bool m_bUnfinished = false;  // ICU keeps bytes of a sequence
     bool m_bIsUTF16 = false;
     bool m_bIsISCII = false;
     std::int64_t m_iLead = 0;  // where the last lead byte is; ISCII only
@@ -137,14 +139,14 @@ private:
     bool m_bFollowsSequences = false;
     std::int64_t m_iSequence = 0;
     char m_sequence[I18NInputFinding::kMostBytes] = {};
-    std::int64_t m_iBytes = 0;  // before m_pBegin
-    std::int64_t m_iUnits = 0;  // before m_pText
+    std::int64_t m_iBytes = 0;  // number of bytes before m_pBegin
+    std::int64_t m_iUnits = 0;  // number of units before m_pText
     // For bytes that ICU does not report: the slice that is being decoded, and the last bytes
     // before it.
     static constexpr int kHistory = 64;
     char m_history[kHistory] = {};
     const char* m_pSlice = nullptr;
-    std::int64_t m_iSlice = 0;  // before m_pSlice
+    std::int64_t m_iSlice = 0;  // number of bytes before m_pSlice
     // For the current call of ICU.
     const char* m_pBegin = nullptr;
     const char* m_pEnd = nullptr;
@@ -158,11 +160,11 @@ public:
     I18NStreamOutput& operator=(const I18NStreamOutput&) = delete;
 
     const I18NConverter& converter() const { return m_converter; }
-    /// Returns how much of a text to convert now if more may follow; the rest is converted with
-    /// that.
+    /// Returns how many units of a text to convert now if more text may follow. The other units are
+    /// converted together with the text that follows.
     std::size_t portion(const char16_t* text, std::size_t units) const;
-    /// Exceptions from the finder leave this function; all text before its finding is converted
-    /// then.
+    /// Exceptions of the finder leave this function. In that case, all text before the finding has
+    /// been converted.
     /// @param text  changed where characters are hidden from ICU
     /// @throws QBLOutOfMemoryError, I18NRuntimeError
     I18NProgress encode(char16_t* text, const char16_t* end, bool flush, I18NStreamBuffer& bytes);
@@ -203,21 +205,21 @@ private:
     I18NConverter m_converter;
     I18NOutputFinder& m_finder;
     UConverter* m_pICU;
-    std::size_t m_iMaxBytes;  // of a code unit
+    std::size_t m_iMaxBytes;  // maximum for a code unit
     I18NStreamForm m_form;
     I18NStreamMappings m_mappings;
     std::vector<Masked> m_masked;
-    bool m_bInPortions;  // all of one size
+    bool m_bInPortions;  // passes ICU portions of one size
     bool m_bFits;        // best fits are applied
     UConverterFromUCallback m_policy = nullptr;
     const void* m_pPolicyContext = nullptr;
     I18NOutputFinding m_finding = {};
-    const I18NReplacement* m_pReplacement = nullptr;  // for that finding
+    const I18NReplacement* m_pReplacement = nullptr;  // for m_finding
     std::exception_ptr m_thrown;                      // the exception of the finder
     bool m_bRefused = false;
     bool m_bUnfinished = false;
     bool m_bLeavesOut = false;  // leaves out unconvertible text, without a finding
-    std::int64_t m_iUnits = 0;  // before m_pBegin
+    std::int64_t m_iUnits = 0;  // number of units before m_pBegin
     const char16_t* m_pBegin = nullptr;
     const char16_t* m_pEnd = nullptr;
 };

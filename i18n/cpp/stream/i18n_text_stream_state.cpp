@@ -18,7 +18,7 @@ const char kBadBlock[] = "I18NTextStream::put: the block is null, or not what th
 const char kNotAsked[] = "I18NTextStream::replaceBy: nothing is to be replaced";
 const char kBadReplacement[] = "I18NTextStream::replaceBy: the text is null or too long";
 const char kEnded[] = "I18NTextStream: the stream has ended";
-// The messages show at most 60 characters of the name.
+// The messages show at most 60 characters of the encoding's name.
 const char kBadBytes[] = "I18NTextStream: byte %lld, line %lld, column %lld:%s is %s %.60s";
 const char kBadCharacter[] = "I18NTextStream: line %lld, column %lld: U+%04lX is %s %.60s";
 const char kNotIn[] = "not in";
@@ -26,7 +26,7 @@ const char kCutOff[] = "cut off, in";
 
 constexpr char16_t kMark = 0xFEFF;
 
-// A mark that begins with another mark comes before that one.
+// If a mark begins with another mark, the longer mark comes first.
 const struct {
     const char* encoding;
     const char* mark;
@@ -55,7 +55,7 @@ I18NTextStreamState::I18NTextStreamState(const I18NConverter* from, const I18NCo
     if (from == nullptr && m_bChooses) QBL_THROW(I18NRuntimeError(I18N_ARGUMENT, kNothingToChoose));
 }
 
-// A call that throws ends the stream.
+// Sets m_bEnded. put() clears it when it succeeds, so a call that throws ends the stream.
 void I18NTextStreamState::begin(bool fits) {
     if (!fits) QBL_THROW(I18NRuntimeError(I18N_ARGUMENT, kBadBlock));
     if (m_bEnded) QBL_THROW(QBLIllegalStateError(0, kEnded));
@@ -139,14 +139,14 @@ void I18NTextStreamState::decode(const char* at, const char* end, bool flush) {
 void I18NTextStreamState::stripMark(std::size_t& units) {
     m_bStrips = false;
     if (m_text[0] != kMark) return;
-    // Keeps U+FEFF if it replaces something.
+    // Keeps U+FEFF if it replaces unconvertible bytes.
     if (m_pInput != nullptr && !m_pInput->findings.empty() && m_pInput->findings[0].at == 0) return;
     if (m_pInput != nullptr) m_pInput->dropFirstUnit();
     --units;
     std::memmove(m_text, m_text + 1, units * sizeof *m_text);
 }
 
-// Converts this many more units in the buffer to output.
+// Converts to output the units that were held back, and the given number of new units after them.
 void I18NTextStreamState::passOn(std::size_t units, Ending ending) {
     if (m_bStrips && units > 0) stripMark(units);
     units += m_iHeld;
@@ -180,12 +180,14 @@ bool I18NTextStreamState::areTooManyWaiting() const {
     return m_pInput != nullptr && m_pInput->findings.size() > kMostWaiting;
 }
 
-// Converts in pieces that end where the input has a finding, to report it there.
+// Converts in pieces. A piece ends where the input has a finding, so that the finding can be
+// reported there.
 void I18NTextStreamState::convert(std::size_t units, Ending ending) {
     const std::size_t end = m_iKept + units;
     while (true) {
         const bool isEnd = m_iKept == end;
-        // A possible first half of a pair comes before the finding. The next text decides about it.
+        // The last unit may be the first half of a pair. The next text decides this, so findings
+        // after the unit are not reported yet.
         const bool isOpen = ending == Ending::kNone && m_iKept > 0 &&
                             i18nIsHigh(m_text[m_iKept - 1]) && !areTooManyWaiting();
         tellInputs(m_iStart + static_cast<std::int64_t>(m_iKept) - (isOpen ? 1 : 0),
@@ -221,7 +223,8 @@ void I18NTextStreamState::encode(std::size_t end, bool flush) {
     m_iKept = end;
 }
 
-// A code point that later turns out not to be convertible needs its place.
+// Keeps undecided units in the buffer. If they turn out not to be convertible, the report needs
+// their line and column.
 void I18NTextStreamState::keepUndecided() {
     const int undecided = m_pOutput != nullptr ? m_pOutput->undecided() : 0;
     const std::size_t waiting = std::min(m_iKept, static_cast<std::size_t>(undecided));
@@ -249,7 +252,7 @@ void I18NTextStreamState::tellInputs(std::int64_t end, bool isRefused) {
 
 void I18NTextStreamState::tellInput(const I18NInputFinding& finding, bool isRefused) {
     countTo(finding.at);
-    if (finding.at == 0) m_bStrips = false;  // later text is not at the start
+    if (finding.at == 0) m_bStrips = false;  // the text after it is not at the start
     I18NUnconvertible what = {};
     what.isCutOff = finding.cutOff;
     what.bytes = finding.bytes;
@@ -275,7 +278,7 @@ I18NUnconvertible I18NTextStreamState::described(const I18NOutputFinding& findin
     what.codePoint = finding.codePoint;
     what.textOffset = finding.at;
     what.line = m_position.line();
-    // Everything that replaces a sequence stands in the column of the sequence.
+    // All code points that replace a sequence of bytes have the column of the sequence.
     what.column = m_position.column() - (finding.at < m_iCounted ? 1 : 0);
     return what;
 }

@@ -7,10 +7,10 @@
 #include "i18n/cpp/stream/i18n_stream_sides.hpp"
 #include "i18n/cpp/stream/i18n_text_position.hpp"
 
-/// The inside of a text stream. Converts blocks to text piece by piece, in a buffer that fits a
-/// processor's cache, and converts each piece to output before the next one. Reports text that is
-/// not convertible when the text before it has been output, and the text after it has not. Lines
-/// and columns are counted up to there.
+/// The implementation of a text stream. Converts blocks to text piece by piece, in a buffer that
+/// fits a processor's cache, and converts each piece to output before the next one. Reports
+/// unconvertible text after the text before it has been output, and before the text after it is
+/// output. Lines and columns are counted up to the reported place.
 class I18NTextStreamState final : public I18NOutputFinder {
 public:
     I18NTextStreamState(const I18NConverter* from, const I18NConverter* to, I18NByteOrderMark mark,
@@ -62,19 +62,19 @@ private:
     I18NTextStreamListener* m_pListener;
     bool m_bEnded = false;
     bool m_bStrips;
-    bool m_bChooses;  // until the encoding is chosen
+    bool m_bChooses;  // true until the encoding is chosen
     std::size_t m_iMark = 0;
     char m_mark[kLongestMark] = {};
 
     I18NTextPosition m_position;
-    std::int64_t m_iCounted = 0;  // how far m_position has counted; skips replacements
+    std::int64_t m_iCounted = 0;  // offset up to which m_position has counted; skips replacements
     std::int64_t m_iStart = 0;    // the offset of the text in the buffer
     std::size_t m_iKept = 0;      // units in the buffer that are converted
-    std::size_t m_iHeld = 0;      // units after them, such as the first half of a pair
+    std::size_t m_iHeld = 0;      // units after these, not converted yet, such as half a pair
     std::int64_t m_iReplacedInput = 0;
     std::int64_t m_iReplacedOutput = 0;
     std::int64_t m_iBestFits = 0;
-    std::size_t m_iTold = 0;  // findings of the input that are reported
+    std::size_t m_iTold = 0;  // number of input findings that have been reported
     I18NReplacement m_replacement = {};
     bool m_bMayReplace = false;  // during a report that replaceBy() may answer
     bool m_bReplaced = false;
