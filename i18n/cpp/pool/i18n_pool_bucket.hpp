@@ -29,7 +29,7 @@ struct I18NPooledString::I18NPooledStringPool::Bucket {
         ++count;
         index.insert(entry);
     }
-    /// Removes each entry for which a body returns true. The body may have destroyed that entry.
+    /// Removes each entry for which a body returns true. The body may destroy that entry.
     template <class Body>
     void removeIf(Body body) noexcept {
         const unsigned before = count;

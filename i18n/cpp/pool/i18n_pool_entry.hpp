@@ -9,13 +9,13 @@
 
 #include "i18n/cpp/i18n_string.hpp"
 
-// The life of an entry. The word refCount is its state. All other members are written while one
-// thread has the entry alone. They do not change while the entry is live or detached, except the
-// link `next` and the conversions that the string keeps by its own rules.
+// The life of an entry. The word refCount is its state. One thread writes all other members while
+// no other thread uses the entry. While the entry is live or detached, these members do not change,
+// except the link `next` and the conversions that the string caches (i18n_string_convert.cpp).
 //   empty      0: in its block's list of empty places, or with the thread that took it from there.
 //   live       kLive and the number of holders, which may be 0: in the list and the index of a
 //              bucket.
-//   detached   also kDetached: in no bucket, kept for its last holders.
+//   detached   kLive, kDetached and the number of holders: in no bucket, kept for its last holders.
 // Changes of the state:
 //   empty -> live        enter(), under the bucket's lock, once string, hash and copy are set.
 //   live -> empty        retire(), under the bucket's lock, if it has no holder (purge).
@@ -23,27 +23,28 @@
 //   detached -> empty    the unpin() of the last holder, or detach() if it has no holder.
 //
 // Any thread may call pin() on an entry that it finds, however old the address is. pin() fails
-// unless the entry is live and has room for another holder. The entry may have another text by
-// then. So the finder compares hash and text after the pin, and unpins an entry that it did not
-// look for. Nothing destroys a pinned entry.
+// unless the entry is live and has room for another holder. By then, the entry may have another
+// text. So the thread compares hash and text after the pin, and unpins the entry if it has another
+// text. No thread destroys a pinned entry.
 //
-// Exactly one thread destroys an entry. retire() goes from "no holders" to 0 in one step, so that
-// no pin comes between. Once kDetached is set, no pin succeeds, and only a holder can add a holder.
-// So one thread sees the count go from 1 to 0. unpin() leaves a count of 0 as it is, since a
-// surplus release must not spoil the state.
+// Exactly one thread destroys an entry. retire() changes the state from "live without holders" to 0
+// in one atomic step, so no pin() can come between. After kDetached is set, no pin() succeeds, and
+// only a holder can add a holder. So exactly one thread changes the count from 1 to 0. unpin() does
+// not change a count of 0, because one release too many must not damage the state.
 //
 // Memory order: enter() releases the contents, and pin() acquires them. All later changes are
-// read-modify-write operations, so a pin that reads one of them acquires the contents, too. unpin()
-// releases the holder's reads; retire(), detach() and the last unpin() acquire them before they
-// destroy the string. addHolder() is relaxed, since its caller has a holder. A destroyed place goes
-// to its next owner under the lock of i18n_places.
+// read-modify-write operations, so a pin() that reads the result of a later change acquires the
+// contents, too. unpin() releases the holder's reads; retire(), detach() and the last unpin()
+// acquire these reads before they destroy the string. addHolder() is relaxed, because its caller
+// has a holder. The place of a destroyed entry goes to its next owner under the lock of
+// i18n_places.
 //
 // Tests: I18NPooledStringTest.ThreadsAcquireReleasePurgeDumpAndStop detects mistakes, above all
-// with the presets x86-asan and x64-tsan; the latter reports a weaker order in each of enter(),
-// pin() and unpin(). SurplusReleaseIsHarmless and HoldersOutliveTheLibrary detect others.
+// with the presets x86-asan and x64-tsan. x64-tsan reports a weaker order in enter(), in pin() and
+// in unpin(). SurplusReleaseIsHarmless and HoldersOutliveTheLibrary detect other mistakes.
 
-/// A copy of the characters that a string stores in itself. Without a copy, they are read from the
-/// string.
+/// A copy of the characters that a string stores in itself. If kSize is 0, there is no copy, and
+/// get() returns the string's own characters.
 template <std::size_t kSize>
 struct I18NPoolCopy {
     char bytes[kSize];
@@ -56,20 +57,21 @@ struct I18NPoolCopy<0> {
     const char* get(const char* text) const { return text; }
 };
 
-/// A text of the pool of strings, or a place for one. The memory of an entry is never freed. So a
-/// thread that found the entry just before it was destroyed can read its state; it reads nothing
-/// else before pin() succeeds.
+/// A text of the pool of strings, or an empty place for a text. The memory of an entry is never
+/// freed. So a thread can read the state of an entry that is destroyed after the thread has found
+/// it. The thread reads nothing else before pin() succeeds.
 ///
-/// The last cache line of an entry holds everything that is needed to find a short text. At 32 bits
-/// the string's own characters are there; at 64 bits they would not fit, so there is a copy of
-/// them.
+/// The last cache line of an entry holds everything that is needed to find a short text. At 32
+/// bits, the string's own characters are in this cache line. At 64 bits they would not fit, so this
+/// cache line has a copy of them.
 struct alignas(64) I18NPooledStringEntry {
-    /// 0 for an empty place, else kLive plus the number of holders.
+    /// The value of refCount: 0 for an empty place, else kLive, the number of holders, and these
+    /// flags.
     static constexpr std::uint32_t kLive = 1U << 30;
     static constexpr std::uint32_t kDetached = 1U << 29;  // no longer in the pool
     static constexpr std::uint32_t kShort = 1U << 28;     // the text is in the string itself
     static constexpr std::uint32_t kCount = kShort - 1;
-    static constexpr std::uint32_t kFull = 1U << 27;  // set in a count that is full
+    static constexpr std::uint32_t kFull = 1U << 27;  // set if the count is at its maximum
 
     static constexpr std::size_t kCopy = sizeof(void*) > 4 ? (I18NString::kInline + 8) / 8 * 8 : 0;
     static constexpr std::size_t kUsed =
@@ -82,7 +84,7 @@ struct alignas(64) I18NPooledStringEntry {
     std::atomic<std::uint32_t> refCount;
 
     I18NString& string() { return *std::launder(reinterpret_cast<I18NString*>(place)); }
-    /// Makes a place with string and hash into an entry with one holder.
+    /// Makes the place a live entry with one holder. Requires: the place has a string and its hash.
     void enter() noexcept {
         I18NString& text = string();
         const bool inlined = text.m_pUnicodeString == nullptr && text.c_str() == text.m_asciiInline;
@@ -120,8 +122,8 @@ struct alignas(64) I18NPooledStringEntry {
         refCount.fetch_sub(1, std::memory_order_relaxed);
         return false;
     }
-    /// Releases a holder, if there is any: an entry may have been released once too often. The last
-    /// release of an entry that is no longer in the pool destroys it.
+    /// Releases a holder. Does nothing if there is no holder, because a caller may release an entry
+    /// too often. The last release of a detached entry destroys the entry.
     void unpin() noexcept {
         std::uint32_t state = refCount.load(std::memory_order_relaxed);
         do {
@@ -130,8 +132,8 @@ struct alignas(64) I18NPooledStringEntry {
                                                  std::memory_order_relaxed));
         if (isLast(state)) destroy();
     }
-    /// Destroys an entry without holders; its place is empty then.
-    /// @return false, with nothing done, if the entry has holders
+    /// Destroys the entry if it has no holders. Its place is empty then.
+    /// @return false if the entry has holders
     bool retire() noexcept {
         std::uint32_t state = refCount.load(std::memory_order_relaxed);
         do {
@@ -141,15 +143,15 @@ struct alignas(64) I18NPooledStringEntry {
         destroy();
         return true;
     }
-    /// Takes the entry out of the pool. It is destroyed with its last holder, or now if there is
-    /// none.
+    /// Takes the entry out of the pool. Destroys the entry now if it has no holders; otherwise the
+    /// last unpin() destroys it.
     void detach() noexcept {
         const std::uint32_t state = refCount.fetch_or(kDetached, std::memory_order_acq_rel);
         if ((state & kCount) == 0) destroy();
     }
 
 private:
-    /// Compares a text of a known length with a null-terminated one, by words.
+    /// Compares two null-terminated texts by words; `length` is the length of `utf8`.
     static bool sameText(const char* text, const char* utf8, std::size_t length) {
         const auto differ = [=](std::size_t i) {
             std::uint32_t a, b;
@@ -169,18 +171,19 @@ private:
     void destroy() noexcept;
 };
 
-/// The memory of entries: blocks of places, which are kept for the life of the process. Memory of
-/// places that are all empty is given back to the system and reads as zeros then.
+/// The memory of entries: blocks of places, which are kept for the life of the process. If all
+/// places of a block are empty, its memory is given back to the system and then reads as zeros.
 namespace i18n_places {
 
 /// Returns an empty place.
 /// @throws QBLOutOfMemoryError
 I18NPooledStringEntry* take();
 void give(I18NPooledStringEntry* place) noexcept;
-/// Returns the entry that a string is in, which may be an empty place; null for any other string.
+/// Returns the entry that contains a string; null if no entry contains it. The entry may be an
+/// empty place.
 I18NPooledStringEntry* find(const I18NString& string);
-/// Gives memory back to the system if its places have been empty since the previous call. So memory
-/// that a program needs again and again stays.
+/// Gives the memory of a block back to the system if all its places have been empty since the
+/// previous call. So memory that a program uses again and again stays.
 void trim() noexcept;
 
 }  // namespace i18n_places

@@ -3,32 +3,34 @@
 // it at any time.
 //
 // While no thread holds the lock, each entry of the bucket is in one slot of the current table, and
-// no slot between its home slot and this one is free. While a thread holds the lock, this may not
-// hold. removeIf() has retired entries whose slots are still there, then clears all slots and fills
-// them again. grow() switches to an empty table, which is filled next. A reader without the lock
-// may then miss entries, meet entries that are gone, or read the previous table. That is harmless:
+// no slot from its home slot up to that slot is free. While a thread holds the lock, this may not
+// be true. removeIf() retires entries whose slots are still in the table, then clears all slots,
+// and then fills them again. grow() switches to an empty table, which its caller then fills. During
+// these changes, a reader without the lock may miss entries, find retired entries, or read the
+// previous table. That is harmless:
 //   - After a miss the reader calls acquireLocked(), which searches again under the lock.
-//   - The reader pins and compares an entry that it finds (i18n_pool_entry.hpp), and reads nothing
-//     else of it before that.
+//   - The reader pins an entry that it finds and then compares it (i18n_pool_entry.hpp). Before
+//     that, it reads only the word refCount of the entry.
 //   - Entries and tables are never freed. A slot is written in one piece, so it holds null or the
-//     address of an entry. A table that another one has replaced never changes again.
+//     address of an entry. After a table has been replaced, it never changes again.
 //   - A free slot ends each search, and 1/8 of the slots is free at any time.
 //
-// Memory order: grow() stores the table with release, after its slots are null; find() acquires it.
-// insert() stores the slot with release, and find() acquires it, so that the word of the entry can
-// be read. pin() makes the rest of the entry visible. clear() stores null relaxed: if a reader sees
-// it early or late, one of the cases above applies. The holder of the lock loads the table relaxed,
-// since all changes of it were made under that lock.
+// Memory order: grow() sets all slots of a table to null and then stores the table with release;
+// find() loads the table with acquire. insert() stores the slot with release, and find() loads it
+// with acquire, so that find() can read refCount. pin() makes the other members of the entry
+// visible. clear() stores null with relaxed order: if a reader sees the null early or late, one of
+// the cases above applies. A thread that holds the lock loads the table with relaxed order, because
+// the table changes only under that lock.
 //
 // grow() changes nothing before it has the memory. The head of a table has the address of the
-// previous table, so that leak checkers find that one.
+// previous table, so that leak checkers find the previous table.
 //
-// Tests: a wrong search shows as a text that is in the pool twice or is never found. These detect
-// it: I18NPooledStringTest.DumpsByBucketsAndPurgesUnheldTexts,
+// Tests: a wrong search shows as a text that is in the pool twice or is never found. These tests
+// detect it: I18NPooledStringTest.DumpsByBucketsAndPurgesUnheldTexts,
 // ThreadsAcquireReleasePurgeDumpAndStop (x64-tsan, x86-asan) and
-// FailedAllocationLeavesThePoolUnchanged, which makes each growth fail in turn. None of them
-// detects a weaker order of the table or of a slot, and the thread sanitizer does not either:
-// change these by reasoning only. I18NPooledStringBench shows the cost of a search.
+// FailedAllocationLeavesThePoolUnchanged, which makes each growth fail in turn. No test detects a
+// weaker order of the table or of a slot, and the thread sanitizer does not either. So do not rely
+// on tests when you change these orders. I18NPooledStringBench shows the cost of a search.
 #include "i18n/cpp/pool/i18n_pool_index.hpp"
 
 #include <new>

@@ -7,9 +7,10 @@
 #include "i18n/cpp/pool/i18n_pool_entry.hpp"
 
 /// Finds the entries of a bucket by their hash: a table with open addressing. A thread that changes
-/// it must hold the bucket's lock. A thread may read it without the lock, even while it changes; it
-/// may then find wrong entries or none, but never anything that is not an entry. For that reason an
-/// old table is kept when a larger one replaces it. All zeros are an index without room.
+/// the index must hold the bucket's lock. Any thread may read the index without the lock, even
+/// while another thread changes it. Such a reader may miss entries or find wrong entries, but every
+/// address that it finds is the address of an entry. Therefore an old table is kept when a larger
+/// table replaces it. An index of zero bytes has no room for entries.
 class I18NPoolIndex {
 public:
     using Entry = I18NPooledStringEntry;
@@ -21,7 +22,7 @@ public:
     /// Switches to an empty table of twice the size.
     /// @throws std::bad_alloc
     void grow();
-    /// Requires: hasRoomFor() one more entry.
+    /// Requires: the index has room for one more entry.
     void insert(Entry* entry) noexcept {
         const Table table(m_pTable.load(std::memory_order_relaxed));
         const std::uint32_t spread = spreadOf(entry->hashCode);
@@ -30,16 +31,17 @@ public:
         slot->store(reinterpret_cast<char*>(entry) + tagOf(spread), std::memory_order_release);
     }
     void clear() noexcept;
-    /// Calls a body with each entry of a hash, and with a few others, until the body returns true.
-    /// @return that entry, or null
+    /// Calls a body with each entry that has this hash, and with a few other entries, until the
+    /// body returns true.
+    /// @return the entry for which the body returned true, or null
     template <class Body>
     Entry* find(std::uint32_t hash, Body body) const {
         const Table table(m_pTable.load(std::memory_order_acquire));
         if (table.slots() == nullptr) return nullptr;
         const std::uint32_t spread = spreadOf(hash);
         const Slot* slot = table.home(spread);
-        // The loop ends, because some slots are always free. If other threads' changes make a
-        // reader miss them, it finds a free slot in its next pass over the table.
+        // The loop ends, because some slots are always free. If a reader misses them because other
+        // threads change the table, it finds a free slot in its next pass over the table.
         for (;; slot = table.after(slot)) {
             char* const tagged = slot->load(std::memory_order_acquire);
             if (tagged == nullptr) return nullptr;
@@ -51,12 +53,12 @@ public:
 
 private:
     /// The address of an entry, with some bits of its hash in the address bits that are always
-    /// zero. So few other entries need to be examined. Null is a free slot.
+    /// zero. So a search examines few entries with other hashes. Null is a free slot.
     using Slot = std::atomic<char*>;
     static constexpr std::uintptr_t kTag = 63;
     static_assert(alignof(Entry) > kTag, "the tag is in the low bits of an entry's address");
 
-    // The multiplier is 2^32 divided by the golden ratio. It spreads even hashes that differ
+    // The multiplier is 2^32 divided by the golden ratio. It also spreads hashes that differ only a
     // little. The highest bits select the slot.
     static std::uint32_t spreadOf(std::uint32_t hash) { return (hash ^ hash >> 16) * 0x9E3779B1U; }
     static std::uintptr_t tagOf(std::uint32_t spread) { return spread >> 2 & kTag; }

@@ -20,15 +20,15 @@ namespace {
 using Entry = I18NPooledStringEntry;
 
 constexpr std::size_t kPage = 4096;
-constexpr std::size_t kBlock = 8 * kPage;  // bytes of a block, and its alignment
-constexpr std::size_t kMostBlocks = 256;   // of a region: 8 MiB
+constexpr std::size_t kBlock = 8 * kPage;  // size of a block in bytes, and its alignment
+constexpr std::size_t kMostBlocks = 256;   // maximum of a region: 8 MiB
 constexpr std::size_t kLargePage = 2 << 20;
 
-/// The head of a block of places, which stands at its beginning. The lock of the places guards all
+/// The head of a block of places, at the beginning of the block. The lock of the places guards all
 /// members.
 struct Block {
     Block *previous, *next;  // in the list of blocks with room
-    Entry* empty;            // the list of places that have been used
+    Entry* empty;            // the list of empty places that were used before
     unsigned fresh;          // all places from this number on are empty, too
     unsigned live;
     bool rested;  // no place has been taken since the last trim()
@@ -58,7 +58,7 @@ public:
         ++block.live;
         block.rested = false;
         if (!block.hasRoom()) unlink(block);
-        // Prefetches the next place with its link of the list, which is rarely in the cache.
+        // Prefetches the next place and its link in the list, because they are rarely in the cache.
         const Entry* const next = block.empty != nullptr ? block.empty : place + 1;
         for (std::size_t at = 0; at < sizeof *next; at += 64)
             __builtin_prefetch(reinterpret_cast<const char*>(next) + at, 1);
@@ -105,7 +105,8 @@ private:
             new (&block->places()[i].refCount) std::atomic<std::uint32_t>(0);
         link(*block);
     }
-    // Regions grow with the pool. Large ones use large pages, since places are read in any order.
+    // Regions grow with the pool. Large regions use large pages, because places are read in any
+    // order.
     void addRegion() QBL_REQUIRES(m_lock) {
         std::size_t blocks = std::clamp<std::size_t>(m_blocks.size(), 1, kMostBlocks);
         void* memory = nullptr;
@@ -139,7 +140,8 @@ private:
     std::size_t m_left QBL_GUARDED_BY(m_lock) = 0;              // number of blocks that fit there
 };
 
-// Made when the library is loaded, so that give() cannot fail because it cannot be made.
+// Constructed when the library is loaded, so that give() never has to construct it, which could
+// fail.
 [[maybe_unused]] Places& g_places = qblImmortal<Places>();
 
 }  // namespace
@@ -156,7 +158,7 @@ Entry* i18n_places::find(const I18NString& string) { return qblImmortal<Places>(
 
 void i18n_places::trim() noexcept { qblImmortal<Places>().trim(); }
 
-// Usually the bytes are the same. If not, they may still be another form of the same text.
+// Usually the bytes are the same. If not, the bytes may still be another form of the same text.
 bool I18NPooledStringEntry::holdsLong(const char* utf8, std::size_t length) {
     int size = 0;
     const char* const bytes = string().c_str(nullptr, &size);

@@ -29,7 +29,7 @@ struct Starts {
     bool registered QBL_GUARDED_BY(s_initLock) = false;
 };
 
-// Made when the library is loaded, so that no stop fails because it cannot be made.
+// Constructed when the library is loaded, so that no stop has to construct it, which could fail.
 [[maybe_unused]] Starts& g_starts = qblImmortal<Starts>();
 
 struct Hashed {
@@ -46,8 +46,8 @@ inline Hashed hashed(const char* text) {
     std::uint32_t hash = signExtended(*text);
     const char* p = text + 1;
     for (; *p != '\0'; ++p) {
-        // Adding these first lets the sum run during the multiplication. The compiler would not do
-        // so itself.
+        // The processor computes this sum during the multiplication. The compiler itself would not
+        // choose this order.
         std::uint32_t rest = signExtended(*p) + (hash >> 24);
         asm("" : "+r"(rest));
         hash = hash * 38 + rest;
@@ -55,7 +55,7 @@ inline Hashed hashed(const char* text) {
     return {hash, static_cast<std::size_t>(p - text)};
 }
 
-/// Returns the pool, without a call once the pool exists.
+/// Returns the pool. Once the pool exists, this needs no function call.
 inline I18NPooledString::I18NPooledStringPool& knownPool() {
     static std::atomic<I18NPooledString::I18NPooledStringPool*> s_known{nullptr};
     auto* pool = s_known.load(std::memory_order_acquire);
@@ -64,7 +64,7 @@ inline I18NPooledString::I18NPooledStringPool& knownPool() {
     return *pool;
 }
 
-/// A counted holder of an entry, until the end of the scope or, after keep(), for longer.
+/// Releases a holder of an entry at the end of the scope, unless keep() is called.
 class Pin {
 public:
     explicit Pin(Entry& entry) : m_pEntry(&entry) {}
@@ -190,8 +190,8 @@ const I18NString& I18NPooledString::getString() const {
     return m_pEntry != nullptr ? m_pEntry->string() : qblImmortal<I18NString>();
 }
 
-// The pool stays for the life of the process, and is empty while the library is stopped: another
-// thread or the destructor of a static object may be using it.
+// The pool is never destroyed, because another thread or the destructor of a static object may be
+// using it. terminate() only empties the pool.
 I18NPooledString::I18NPooledStringPool& I18NPooledString::getPool() {
     return qblImmortal<I18NPooledStringPool>();
 }
@@ -201,7 +201,8 @@ bool I18NPooledString::initialize() {
     Starts& starts = qblImmortal<Starts>();
     QBLThreadGuard guard(starts.s_initLock);
     getPool();
-    // A custodian that was made later, or that was stopped and started, does not know the task.
+    // A custodian that was created later, or that was stopped and started again, does not know the
+    // task.
     if (!starts.registered || starts.task.m_dropped) {
         starts.task.m_dropped = false;
         starts.registered = QBLCustodian::registerTask(&starts.task);
@@ -211,7 +212,7 @@ bool I18NPooledString::initialize() {
     QBL_ALLOC_CATCH
 }
 
-// The custodian no longer runs a task that is deregistered.
+// After deRegisterTask(), the custodian no longer runs the task.
 void I18NPooledString::terminate() {
     Starts& starts = qblImmortal<Starts>();
     QBLThreadGuard guard(starts.s_initLock);

@@ -19,7 +19,7 @@ struct Settings {
     bool dumpToFile = false;
 };
 
-/// Values beyond 32 bits become the nearest 32-bit value, on every machine.
+/// Parses a number. Values beyond 32 bits become the nearest 32-bit value, on every machine.
 /// @return true if the whole text is a number
 bool parse(const char* text, long& value) {
     char* end = nullptr;
@@ -48,9 +48,9 @@ bool isTrusted(const QBLFileStatus& file) {
            (file.mode() & S_IWOTH) == 0;
 }
 
-/// Reads the beginning of the file. Ignores a pipe or a device, which could block the custodian,
-/// and a file that somebody else has put there, which could make the program write its texts to the
-/// disk.
+/// Reads the beginning of the settings file. Ignores pipes and devices, because they could block
+/// the custodian. Ignores a file that another user may have written, because it could make the
+/// program write its texts to the disk.
 /// @param length  receives the number of bytes; 0 if there is no such file
 /// @return false if the file may exist but could not be opened or read
 bool readFile(char (&bytes)[kMostBytes], std::size_t& length) {
@@ -68,7 +68,8 @@ bool readFile(char (&bytes)[kMostBytes], std::size_t& length) {
     return got >= 0;
 }
 
-/// A value that is not a number, or an interval below 0, leaves the default.
+/// Reads the settings from the file. A value that is not a number is ignored. An interval below 0
+/// means the default.
 /// @return false if the file could not be read
 bool readSettings(Settings& settings) {
     char bytes[kMostBytes];

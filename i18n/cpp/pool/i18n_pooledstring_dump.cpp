@@ -17,8 +17,9 @@ namespace {
 
 using Entry = I18NPooledStringEntry;
 
-/// Opens the file for dumps, to append to; returns -1 on failure. Its name is predictable, so a
-/// file that somebody else has put there or could read gets no texts.
+/// Opens the file for dumps, to append to it; returns -1 on failure. The name of the file is
+/// predictable. So this function refuses a file that belongs to another user or that another user
+/// could read.
 int openDumpFile() {
     char name[48];
     std::snprintf(name, sizeof name, "I18NPooledStringDump%lu.log",

@@ -1,5 +1,5 @@
-// The operations of I18NString that take a holder of the pool. They are here since no string needs
-// its header.
+// The operations of I18NString that take a holder of the pool. They are here because the files of
+// strings must not include headers of the pool.
 
 #include "i18n/cpp/i18n_pooledstring.hpp"
 #include "i18n/cpp/i18n_string.hpp"
