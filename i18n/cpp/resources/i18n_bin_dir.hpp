@@ -3,8 +3,8 @@
 
 #include <string>
 
-/// Finds the installation's bin directory, unless an earlier call has found it. The first of these
-/// places that gives a directory counts; an empty environment variable is ignored:
+/// Finds the installation's bin directory, unless an earlier call has found it. Uses the first of
+/// these places that gives a directory, and ignores empty environment variables:
 ///
 ///  - the environment variable TAV_EXEC_PATH;
 ///  - ./bin below TAV_ROOT;
@@ -20,8 +20,8 @@ void determineBinDir();
 ///     called
 std::string i18nBinDir();
 
-/// Replaces "$@" at the beginning of a path by the bin directory. If none is known, removes "$@",
-/// so that the path is relative to the working directory.
+/// Replaces "$@" at the beginning of a path by the bin directory. If no bin directory is known,
+/// removes "$@", so that the path is relative to the working directory.
 std::string i18nResolveBinDir(const std::string& path);
 
 /// Returns the directory of the installed files that all architectures share. It is share/qblcore

@@ -13,7 +13,7 @@ bool prepare() {
     QBL_ALLOC_TRY
     determineBinDir();
     const std::string directory = i18nBinDir();
-    // Keeps a directory that the process has set itself, unless the installation names one.
+    // Keeps a directory that the process itself has set, unless a bin directory was found.
     if (!directory.empty() || *u_getDataDirectory() == '\0') {
         u_setDataDirectory(directory.empty() ? "." : directory.c_str());
         UErrorCode status = U_ZERO_ERROR;

@@ -19,17 +19,18 @@ struct I18NLazyTransliterator {
     const icu::Transliterator* get(const char16_t* name, const char* rules, const char* failure);
 };
 
-/// Converts a text that should be a code; characters beyond ASCII become "?".
+/// Converts a code, such as a currency code, to ASCII. Characters beyond ASCII become "?".
 std::string i18nCodeOf(const std::u16string& text);
 
-/// The locale whose files hold what is the same in all languages.
+/// The locale whose files have the data that is the same in all languages.
 const I18NLocale& i18nEnglish();
 
 struct I18NInternalResources::Data {
     /// Copies the value of a key. @return false if the map has no such key
     bool find(const I18NMapSource& source, const I18NLocale& locale, const char* key,
               std::u16string& value);
-    /// The same for values that are codes, from a table that is the same for all languages.
+    /// Copies a code, from a table that is the same for all languages. @return false if the table
+    /// has no such key
     bool findCode(const I18NMapSource& source, const char* key, std::string& code);
 
     std::atomic<bool> replaceScaledZero{false};
@@ -41,7 +42,7 @@ struct I18NInternalResources::Data {
     std::vector<I18NLocale> locales QBL_GUARDED_BY(lock);
     std::vector<const char*> timeZoneIDs QBL_GUARDED_BY(lock);  // keys of the English map
 
-    I18NLocaleResources maps;  // has a lock of its own
+    I18NLocaleResources maps;  // has its own lock
 };
 
 #endif

@@ -29,7 +29,8 @@ struct ResPath {
 
 struct Instance : I18NInternalResources {};
 
-/// Returns a path in the share directory for a path that begins with "$@".
+/// Replaces "$@" at the beginning of a path by the share directory. Requires: the path begins with
+/// "$@".
 std::string inShareDirectory(const std::string& path) {
     std::string whole = i18nShareDirectory();
     QBLFmDir::joinPath(whole, path.c_str() + 2);

@@ -29,8 +29,8 @@ constexpr const char* kSupportedLocales[] = {
 const char kUnknownLanguage[] = "en-us";
 const char kRootLocale[] = "root";
 
-/// The encoding for each list of languages, which have blanks around them. kOtherEncoding is for
-/// all others.
+/// The encoding for a list of languages. Each language has a blank before and after it. All other
+/// languages use kOtherEncoding.
 struct LanguageEncoding {
     std::string_view languages;
     const char* encoding;

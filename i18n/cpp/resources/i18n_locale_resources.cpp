@@ -29,9 +29,9 @@ const char kTimePeriodBase[] = "./qbli18nrestp_";
 const char kTimeZoneBase[] = "./qbli18nrestz_";
 const char kLocaleBase[] = "./qbli18nreslc_";
 
-// Names of locales may come from a program's clients, so their number and length are limited. For
-// more locales than this, and for longer names than kLongestName, nothing is cached: each use
-// searches for the files again.
+// Names of locales may come from a program's clients, so the cache is limited. It has at most
+// kMostLocales entries, for locales whose names have at most kLongestName characters. For any other
+// locale, each use searches for the files again.
 constexpr std::size_t kMostLocales = 4096;
 constexpr std::size_t kLongestName = 256;
 
@@ -92,7 +92,8 @@ std::vector<std::string> namesOf(const I18NLocale& locale) {
 }
 
 std::u16string fromUTF8(const std::string& text) {
-    // Every code point, and every byte that is replaced, needs at most as many units as bytes.
+    // A code point needs at most as many UTF-16 units as UTF-8 bytes. So does a replacement of
+    // ill-formed bytes.
     std::u16string result(text.size(), u'\0');
     const auto size = static_cast<int32_t>(text.size());
     int32_t length = 0;
@@ -148,8 +149,8 @@ private:
 
     const I18NMapSource& m_source;
     I18NResourceMap& m_map;
-    std::string m_table;                // around the current line
-    std::optional<std::string> m_name;  // of an entry whose value follows
+    std::string m_table;                // the table around the current line
+    std::optional<std::string> m_name;  // name of an entry whose value follows
 };
 
 }  // namespace
@@ -163,7 +164,8 @@ struct Place {
 };
 
 std::vector<Place> placesOf(const char* base, const I18NLocale& locale) {
-    // Calls before the start of the layer find the same files as later calls.
+    // Determined here, too, so that calls before the start of the layer find the same files as
+    // later calls.
     determineBinDir();
     const std::string directories[] = {i18nBinDir(), std::string(), i18nShareDirectory()};
     std::vector<Place> places;
@@ -192,7 +194,7 @@ bool findResourceFile(std::string& path, std::string& name, const char* base,
     return false;
 }
 
-// A map that could not be read is not kept, so the next call reads it again.
+// A map that could not be read is not kept, so the next call tries to read it again.
 std::shared_ptr<const I18NResourceMap> I18NLocaleResources::load(const I18NMapSource& source,
                                                                  const I18NLocale& locale) {
     auto map = std::make_shared<I18NResourceMap>();

@@ -14,7 +14,8 @@
 struct I18NMapSource {
     const char* base;       ///< the beginning of the file names
     const char* table;      ///< the element around the entries; "" for entries outside tables
-    const char* attribute;  ///< that holds the value; "" for "value" (in <value>: the first)
+    const char* attribute;  ///< the attribute with the value; "" means "value", and in the element
+                            ///< <value> the first attribute
     const char* failure;    ///< the error text if there is no entry; null for no error
 };
 
@@ -42,17 +43,18 @@ extern const I18NMapSource kI18NLocaleOfLanguage;
 bool findResourceFile(std::string& path, std::string& name, const char* base,
                       const I18NLocale& locale);
 
-/// The maps of all locales. Each map is loaded on first use. If its file cannot be read then, the
-/// next use tries again. An entry of a file has one of three forms: an element with a name and a
-/// value; an element with a name, followed by an element with the value; or an element with only a
-/// value, whose name is its tag. If entries have the same name, the last one counts.
+/// The maps of all locales. Each map is loaded on first use. If the file of a map cannot be read,
+/// the next use tries again. An entry of a file has one of three forms: an element with a name and
+/// a value; an element with a name, followed by an element with the value; or an element with only
+/// a value, whose name is its tag. If entries have the same name, the last one counts.
 ///
 /// Threads: any thread; clear() requires that no other thread uses a map.
 class I18NLocaleResources {
 public:
     /// @return the map for a locale, from the file that findResourceFile() finds; empty if there is
     ///     no file. Valid until clear()
-    /// @throws I18NRuntimeError with the source's failure if the map has no entries
+    /// @throws I18NRuntimeError with the source's error text, if there is one and the map has no
+    ///     entries
     const I18NResourceMap& get(const I18NMapSource& source, const I18NLocale& locale);
     /// @return null if the map has no such key
     const std::u16string* find(const I18NMapSource& source, const I18NLocale& locale,

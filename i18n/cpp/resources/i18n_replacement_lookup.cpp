@@ -29,7 +29,7 @@ bool I18NInternalResources::getReplacementSequence(const char* encoding, wchar_t
     const std::string* found =
         I18NSettings::now().replacements.findOutput(canonical, static_cast<char32_t>(character));
     if (found == nullptr) return false;
-    // The type is that of the callers, who do not write to the bytes.
+    // The interface has a pointer to bytes that are not const, but callers do not write to them.
     *bytes = reinterpret_cast<unsigned char*>(const_cast<char*>(found->data()));
     *length = static_cast<int>(found->size());
     return true;

@@ -25,8 +25,8 @@ std::optional<char32_t> codePointOf(const std::string& text) {
     return static_cast<char32_t>(*number);
 }
 
-/// Converts a list of byte values to bytes; returns nothing if an item is no byte or there are too
-/// many.
+/// Converts a list of byte values to bytes; returns nothing if an item is not a byte value, or if
+/// there are too many items.
 std::optional<std::string> bytesOf(const std::string& list) {
     std::string bytes;
     for (const std::string& item : i18nSplitList(list)) {
@@ -163,7 +163,7 @@ private:
         if (m_pLocale != nullptr && i18nCanonicalEncoding(name.c_str()) != nullptr)
             m_pLocale->csvEncoding = name;
     }
-    // Known because files may contain it; it has no effect.
+    // Reads an element that files may contain, but that has no effect.
     void skip(const I18NResourceReader&) {}
 
     I18NSettings& m_settings;

@@ -15,7 +15,8 @@ constexpr std::size_t kLargestFile = std::size_t{16} << 20;
 }  // namespace
 
 I18NTextFile::I18NTextFile(const char* path) {
-    // Does not block: a file that is not regular may have no end, or no process that writes to it.
+    // Does not block if the file is a pipe without a writer. Files that are not regular are refused
+    // below, because they may have no end.
     const int fd = open64(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (fd < 0) {
         settle(errno);

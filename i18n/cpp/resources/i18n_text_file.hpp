@@ -6,14 +6,14 @@
 #include <memory>
 #include <string>
 
-/// Removes the carriage return of a line end and a byte-order mark from a line.
+/// Removes a carriage return from the end of a line, and a byte-order mark from its start.
 inline void i18nTrimLine(std::string& line) {
     if (!line.empty() && line.back() == '\r') line.pop_back();
     if (line.compare(0, 3, "\xEF\xBB\xBF") == 0) line.erase(0, 3);
 }
 
 /// Reads a line of bytes up to "\n" or "\r\n". Leaves out the line end and a byte-order mark at the
-/// start. A line longer than 1 MiB becomes empty, because half a line could have a different
+/// start. A line longer than 1 MiB becomes empty, because a part of a line could have a different
 /// meaning.
 /// @param nextByte  returns a byte or EOF
 /// @return false if there is no byte at all
@@ -33,8 +33,8 @@ bool i18nReadLine(NextByte nextByte, std::string& line) {
     return true;
 }
 
-/// Reads a text file line by line. Holds only the current line in memory, and reads at most 16 MiB
-/// of a file: a line that ends beyond that is not returned. Opens regular files only.
+/// Reads a text file line by line. Keeps only the current line in memory. Reads at most 16 MiB of a
+/// file: a line that ends after that is not returned. Opens regular files only.
 ///
 /// Threads: not synchronised.
 class I18NTextFile {
@@ -57,13 +57,13 @@ private:
         void operator()(std::FILE* file) const;
     };
 
-    /// @return the next byte; EOF if no more is read
+    /// @return the next byte; EOF at the end of the file, after an error, or after 16 MiB
     int nextByte();
     void settle(int error);
 
     std::unique_ptr<std::FILE, Close> m_pFile;
     std::size_t m_iRead = 0;
-    bool m_bCut = false;  // the file is longer than what is read
+    bool m_bCut = false;  // the file is longer than 16 MiB
     bool m_bNotSeen = false;
 };
 

@@ -29,7 +29,7 @@ void replaceEntities(Text& text) {
     using Unit = typename Text::value_type;
     std::size_t in = text.find(Unit{'&'});
     if (in == Text::npos) return;
-    // A character is shorter than its entity, so the text is rewritten in place.
+    // A character is shorter than its entity, so the text can be rewritten in place.
     std::size_t out = in;
     while (in < text.size()) {
         const Entity* entity = text[in] == Unit{'&'} ? entityAt(text, in) : nullptr;
