@@ -7,17 +7,18 @@
 #include "i18n/cpp/i18n_platform_encoding.h"
 #include "i18n/cpp/string/i18n_normal_form.hpp"
 
-/// Not in a header that ICU installs; null if ICU no longer has it.
+/// A function of ICU that no installed header declares; null if ICU no longer has it.
 extern "C" __attribute__((weak)) const char* uprv_getDefaultLocaleID();
 
 namespace {
 
 bool determineDefaultLocale() {
     // ICU asks the system for a name while it holds a lock. If memory is exhausted then, ICU asks
-    // itself for the default locale and deadlocks. So the name is made first.
+    // itself for the default locale and deadlocks. So this function makes ICU determine the name
+    // first.
     if (uprv_getDefaultLocaleID != nullptr && uprv_getDefaultLocaleID() == nullptr)
         qblThrowNoMemory(QBL_HERE);
-    // ICU returns a reference to null if there is no memory for the rest.
+    // ICU returns a null reference if there is no memory for the locale.
     const icu::Locale* made = &icu::Locale::getDefault();
     asm volatile("" : "+r"(made));
     if (made == nullptr) qblThrowNoMemory(QBL_HERE);

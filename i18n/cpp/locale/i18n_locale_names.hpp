@@ -6,7 +6,7 @@
 #include "i18n/cpp/i18n_locale.hpp"
 
 /// Returns language, country and variant, such as "fr_FR_EURO", without the script and the keywords
-/// that a name may also have. Searches by locale use the whole name first and then this one.
+/// that a name may also have. Searches by locale use the whole name first and then this plain name.
 std::string i18nPlainName(const I18NLocale& locale);
 
 #endif

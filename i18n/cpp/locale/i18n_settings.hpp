@@ -13,7 +13,7 @@
 /// The settings of a locale in the resource file.
 struct I18NLocaleSettings {
     std::string name;    // as in the file
-    bool inUse = false;  // if false, the rest is ignored
+    bool inUse = false;  // if false, the other settings are ignored
     unsigned short lcid = 0;
     std::string defaultVariant;
     std::string csvEncoding;
@@ -27,7 +27,8 @@ struct I18NSettings {
     bool replaceScaledZero = false;
     bool negativeZero = false;
     std::vector<char32_t> nonNormalizable;  // sorted, without duplicates
-    /// The same number for the same list; 0 for an empty list and for lists beyond kMostLists.
+    /// The ID of nonNormalizable: equal lists have the same ID. 0 for an empty list, and for every
+    /// new list after the first kMostLists lists.
     int nonNormalizableID = 0;
     std::map<char32_t, char32_t> jaSubstitutions;
     std::map<std::string, I18NLocaleSettings, std::less<>> locales;  // by canonical name
@@ -37,8 +38,8 @@ struct I18NSettings {
 
     /// Returns true if a text has a character that must not be normalised.
     bool isNonNormalizable(std::u16string_view text) const;
-    /// Returns the character that replaces another one in Japanese text; usually the character
-    /// itself.
+    /// Returns the character that replaces the given character in Japanese text, or the given
+    /// character if there is no substitution.
     char32_t getJaSubstitution(char32_t codePoint) const;
     /// Replaces characters in Japanese text. @return true if there were any
     /// @throws std::bad_alloc, std::length_error; nothing is changed then
@@ -51,10 +52,10 @@ struct I18NSettings {
     /// Threads: any thread. Strings and converters use the settings at any time, including the
     /// start and the stop of the layer. So published settings are never changed or destroyed.
     static const I18NSettings& now();
-    /// Makes settings current, or the defaults for null. Reuses earlier settings that are equal.
+    /// Makes settings current; null means the defaults. Reuses earlier settings that are equal.
     /// @throws std::bad_alloc; nothing is changed then
     static void publish(std::unique_ptr<I18NSettings> settings);
-    static constexpr int kMostLists = 3;  ///< lists that get a number
+    static constexpr int kMostLists = 3;  ///< number of lists that get an ID
 };
 
 #endif
