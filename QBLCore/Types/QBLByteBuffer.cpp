@@ -38,8 +38,8 @@ Array newArray(unsigned int limit) {
     QBL_BUFFER_ALLOC_CATCH
 }
 
-/// Copies the bytes to the start of the array and sets the rest to zero, because setLength() may
-/// show it.
+/// Copies the bytes to the start of the array. Sets all other bytes to zero, because setLength()
+/// may make them content.
 Array filled(Array array, unsigned int limit, const char* bytes, std::size_t count) {
     if (count != 0) std::memcpy(array.get(), bytes, count);
     std::memset(array.get() + count, 0, arraySize(limit) - count);
@@ -167,7 +167,8 @@ unsigned int QBLByteBuffer::setPrintfBufferSize(unsigned int size) {
     return before;
 }
 
-// The appended bytes may be in the array that grow() replaces, so it is freed after the copy.
+// The appended bytes may be in the array that grow() replaces. That array is therefore freed only
+// after the copy.
 QBLByteBuffer& QBLByteBuffer::appendGrowing(const char* p, std::size_t length) {
     QBL_BUFFER_ASSERT_ARRAY("appendChars");
     if (length == 0) return *this;
@@ -185,8 +186,8 @@ QBLByteBuffer& QBLByteBuffer::appendGrowing(char c) {
     return append(&c, 1);
 }
 
-// Raises the capacity to at least `needed`, which must exceed it. Returns the replaced array for
-// the caller to delete, or null if the present array is large enough.
+// Raises the capacity to at least `needed`, which must exceed the old capacity. Returns the
+// replaced array for the caller to delete, or null if the present array is large enough.
 char* QBLByteBuffer::grow(unsigned long long needed) {
     const unsigned int n = checkedLimit(needed);
     std::uint64_t limit = m_iAllocLimit;
@@ -202,10 +203,10 @@ char* QBLByteBuffer::grow(unsigned long long needed) {
     return replaced;
 }
 
-// If possible, makes the array larger than `limit` by a share of its present size, so that each
-// byte is moved only a few times even with small blocks. If an allocation fails, halves that
-// surplus: each array then takes at least half of the memory left. Only the allocation without a
-// surplus may call a new-handler.
+// Tries to grow the array by half or by an eighth of its present size, even if `limit` needs less.
+// Each byte is then moved only a few times, even with small blocks. Each failed attempt halves this
+// surplus, so that the new array gets about half of the possible surplus or more. Only the
+// allocation without a surplus may call a new-handler.
 char* QBLByteBuffer::replaceArray(unsigned int limit) {
     unsigned int surplus = m_iArrayLimit / (m_iArrayLimit < kLarge ? 2 : 8);
     unsigned int arrayLimit = limit;

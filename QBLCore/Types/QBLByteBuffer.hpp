@@ -7,19 +7,21 @@
 #include "QBLCore/Frame/QBLExport.h"
 
 /// A byte string that grows when bytes are appended. It is always null-terminated and may also
-/// contain null bytes. Arguments may point into the buffer itself, even if the operation grows it.
+/// contain null bytes. Arguments may point into the buffer itself, even if the operation grows the
+/// buffer.
 ///
-/// The capacity grows by whole blocks or by half, exactly as documented, because setLength()
-/// depends on it. The allocated array may be larger than the capacity: it grows by up to half of
-/// its size, from 64 MiB on by up to an eighth. So an appended byte costs the same on average, even
-/// with small blocks. If memory does not suffice for the larger array, the buffer tries smaller
-/// ones, down to the needed size; only the attempt with the needed size calls a new-handler.
+/// The capacity grows exactly as documented, by whole blocks or by half: setLength() ignores
+/// lengths above the capacity. The allocated array may be larger than the capacity. The array grows
+/// by up to half of its size, or by up to an eighth if it has 64 MiB or more. The average cost of
+/// an appended byte is therefore constant, even with small blocks. If memory does not suffice for
+/// the larger array, the buffer tries smaller arrays, down to the needed size. Only the attempt
+/// with the needed size calls a new-handler.
 ///
-/// Errors: QBLOutOfMemoryError if memory runs out, or if the capacity would exceed 4,294,967,294
-/// bytes, rounded up to whole blocks (growth by half is capped there); QBLAssertError where
-/// documented. A replaced operator new may throw other exceptions: a throwable gets a trace entry
-/// and is passed on, a std::exception becomes QBLStdExceptionError, any other exception is passed
-/// on as it is. After an error, the content is unchanged.
+/// Errors: QBLOutOfMemoryError if memory runs out, or if the capacity, rounded up to whole blocks,
+/// would exceed 4,294,967,294 bytes (growth by half stops at this limit); QBLAssertError where
+/// documented. If the program replaces operator new, it may throw other exceptions: a QBLThrowable
+/// gets a trace entry and is passed on; a std::exception becomes a QBLStdExceptionError; any other
+/// exception is passed on unchanged. After an error, the content is unchanged.
 ///
 /// Threads: one thread at a time for each object.
 ///
@@ -59,9 +61,9 @@ public:
     void reserve(unsigned int n) {
         if (n > m_iAllocLimit) delete[] grow(n);
     }
-    /// Truncates or extends the content to n bytes. The added bytes are those that were written
-    /// through str() or were cut off earlier; all others are zero. A length above the capacity is
-    /// ignored.
+    /// Truncates or extends the content to n bytes. The added bytes are what the array contains
+    /// after the old content: bytes that the caller wrote through str(), remains of earlier
+    /// content, or zeros. Ignores a length above the capacity.
     void setLength(unsigned int n);
     /// @}
 
@@ -69,7 +71,7 @@ public:
     /// @{
 
     /// Removes the first n bytes, or all if there are fewer.
-    /// @return the new length, as the three operations below
+    /// @return the new length; the three operations below also return it
     unsigned int chop(unsigned int n);
     /// Removes white space, as isspace(3) defines it, from the front, the back or both.
     unsigned int trimFront();
@@ -88,10 +90,10 @@ public:
     /// @name Appending
     /// @{
 
-    /// Appends len bytes. This and the operators return the buffer. Their inline code handles only
-    /// the case without growth and errors.
+    /// Appends len bytes. This and the operators return the buffer. The inline code handles only
+    /// calls that need no growth and find no error.
     /// @param p  points to len bytes
-    /// @throws QBLAssertError for null, unless len is 0
+    /// @throws QBLAssertError if p is null and len is not 0
     QBLByteBuffer& appendChars(const char* p, unsigned int len) { return append(p, len); }
     QBLByteBuffer& operator<<(const QBLByteBuffer& other) {
         return append(other.m_pBuffer, other.m_iCount);
@@ -108,8 +110,8 @@ public:
         ++m_iCount;
         return *this;
     }
-    /// Appends the number in decimal, or the hexadecimal digits of its two's complement, as
-    /// setHexRadix() selects.
+    /// Appends the number in decimal. If setHexRadix() selected hexadecimal, appends the
+    /// hexadecimal digits of its two's complement instead.
     QBLByteBuffer& operator<<(int value);
     QBLByteBuffer& operator<<(long value);
     QBLByteBuffer& operator<<(unsigned int value);
@@ -117,7 +119,7 @@ public:
     /// Appends the output of printf(3). Before that, raises the capacity to the current length plus
     /// the printf buffer size, even if the output is shorter.
     /// @return the number of bytes appended
-    /// @throws QBLAssertError if vsnprintf(3) fails; the raised capacity stays
+    /// @throws QBLAssertError if vsnprintf(3) fails; the capacity remains raised
     int printf(const char* format, ...) __attribute__((format(printf, 2, 3)));
     /// @}
 
@@ -127,8 +129,8 @@ public:
     /// Empties the buffer; the capacity stays.
     void reset();
 
-    /// Returns the content with its null byte. A caller may write as many bytes as the capacity and
-    /// then call setLength() to make them content:
+    /// Returns the content, followed by a null byte. A caller may write up to the capacity and then
+    /// call setLength() to make the written bytes content:
     ///     buffer.reserve(size);
     ///     buffer.setLength(readSome(buffer.str(), size));
     const char* str() const { return m_pBuffer; }
@@ -139,10 +141,11 @@ public:
     /// @name Settings
     /// @{
 
-    /// Appends integers in hexadecimal from now on; in decimal if `on` is 0.
+    /// Selects how integers are appended from now on: in decimal if `on` is 0, otherwise in
+    /// hexadecimal.
     /// @return the previous radix, 10 or 16
     int setHexRadix(int on);
-    /// Sets the printf buffer size in bytes; 4096 at first.
+    /// Sets the printf buffer size in bytes; it is initially 4096.
     /// @return the previous size
     unsigned int setPrintfBufferSize(unsigned int size);
     unsigned int getPrintfBufferSize() const { return m_iPrintfBufferSize; }
@@ -171,7 +174,7 @@ private:
     unsigned int m_iBlockSize;  // 0: growth by half
     unsigned int m_iPrintfBufferSize;
     int m_iRadix;
-    unsigned int m_iArrayLimit;  // size of the array less 1; at least m_iAllocLimit
+    unsigned int m_iArrayLimit;  // size of the array minus 1; at least m_iAllocLimit
 };
 
 #endif

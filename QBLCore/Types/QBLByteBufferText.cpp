@@ -59,7 +59,8 @@ int QBLByteBuffer::printf(const char* format, ...) {
         longText.reset(new char[size]);
         QBL_BUFFER_ALLOC_CATCH
         va_start(arguments, format);
-        // The text may be longer now: because of %n, or of a setlocale() in another thread.
+        // The text may have become longer: %n may have changed an argument, or another thread may
+        // have called setlocale().
         i = std::min(i, std::vsnprintf(longText.get(), size, format, arguments));
         va_end(arguments);
         text = longText.get();

@@ -105,7 +105,8 @@ enum QBLDBDatatype : int {
     qblDTypeTimestamp = qblDTypeDateTime
 };
 
-/// The built-in types of XML Schema. Their names have the prefix "xs:", the enumerators xs.
+/// The built-in types of XML Schema. The names of the types begin with "xs:", the enumerators with
+/// "xs".
 enum XSType : int {
     xsAnyType = 0,
     xsString,
@@ -165,7 +166,8 @@ struct QBLXSTypeRow;
 /// qblDTypeBoolean maps to xsBoolean. A type without a counterpart maps to code 0. Data type 15 has
 /// two names: "qblDTypeDateTime", which getName() returns, and "qblDTypeTimestamp".
 ///
-/// The catalogue does not keep the names that callers pass. Only get() can fail.
+/// The catalogue keeps no pointers to names that callers pass. Of all operations, only get() can
+/// fail.
 ///
 /// Threads: any thread may call any operation at any time.
 ///
@@ -183,7 +185,7 @@ public:
     QBLDBTypes(const QBLDBTypes&) = delete;
     QBLDBTypes& operator=(const QBLDBTypes&) = delete;
 
-    /// Fills the catalogue. get() has already called it; further calls have no effect.
+    /// Fills the catalogue. get() already calls init(); further calls have no effect.
     void init();
     /// @}
 
@@ -207,8 +209,8 @@ public:
     const char* getName(QBLDBDatatype type) const;
     const char* getName(XSType type) const;
 
-    /// Returns the type with this name. Upper and lower case differ.
-    /// @return code 0 for an unknown name, and for null
+    /// Returns the type with this name. Names are case-sensitive.
+    /// @return code 0 for an unknown name or null
     SqlColType getSqlColTypeCode(const char* name) const;
     QBLDBDatatype getQBLDBDatatypeCode(const char* name) const;
     XSType getXSTypeCode(const char* name) const;

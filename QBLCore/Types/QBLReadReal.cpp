@@ -10,7 +10,7 @@
 
 namespace {
 
-// The C library has the C locale as static data: newlocale() cannot fail, nothing needs freeing.
+// The C locale is static data of the C library: newlocale() cannot fail, and no one must free it.
 locale_t classicLocale() {
     static const locale_t kClassic = newlocale(LC_ALL_MASK, "C", nullptr);
     return kClassic;
@@ -20,7 +20,7 @@ void slowly(const char* text, float& value) { value = strtof_l(text, nullptr, cl
 void slowly(const char* text, double& value) { value = strtod_l(text, nullptr, classicLocale()); }
 
 /// On 32-bit x86, std::from_chars multiplies integers below 2^53 by powers of ten up to 10^22 in
-/// x87 registers. It rounds the product twice if the product has more than their 64 bits.
+/// x87 registers. A product with more than the 64 bits of such a register is rounded twice.
 template <class Real>
 bool mayBeRoundedTwice(Real value) {
     if (sizeof(void*) > 4 || sizeof value < sizeof(double)) return false;
@@ -48,10 +48,10 @@ const char* scan(const char* at) {
     return qblIsDigit(*at) ? pastDigits(at) : nullptr;
 }
 
-/// Reads any text: also a number that does not begin with a digit, does not end within the first
-/// kShort characters, or is refused or rounded wrongly by std::from_chars.
-/// @param begin  the number with a minus sign, but without a plus sign
-/// @param digits  the number without a sign
+/// Reads any text, including numbers that do not begin with a digit, numbers that do not end within
+/// the first kShort characters, and numbers that std::from_chars refuses or rounds wrongly.
+/// @param begin  the start of the number: its minus sign if it has one, but not a plus sign
+/// @param digits  the number after its sign
 template <class Real>
 [[gnu::noinline]] const char* readAny(const char* begin, const char* digits, Real& value) {
     value = 0;

@@ -42,7 +42,7 @@ void copyTime(To& to, const From& from) {
     to.fraction = from.fraction;
 }
 
-/// Copies the date, then calls `copy` for the other fields; fields that it does not set are 0.
+/// Copies the date, then calls `copy` for the other fields. Fields that `copy` does not set are 0.
 template <class To, class From, class Copy>
 long convert(To* to, const From* from, Copy copy) {
     if (to == nullptr) return QBLTypeCast::badForm;

@@ -7,21 +7,21 @@
 class I18NString;
 
 /// Converts between text and database values, independent of the process's locales. The operations
-/// ignore the argument `context`; callers with a table of conversions may pass one. Each of them
-/// has an overload without a context.
+/// ignore the argument `context`. Each operation with a context has an overload without it.
 ///
 /// Each conversion returns one of these codes:
 /// - ok
-/// - badForm: the text is empty or has another form, or a pointer is null
-/// - badCharacter: the text contains, at any position, a character that its form never has
+/// - badForm: the text is empty or does not have the expected form, or a pointer is null
+/// - badCharacter: the text contains a character that the expected form has at no position
 /// - outOfRange: the form is correct, but a field is out of its range
-/// If several codes apply, badCharacter comes before badForm, and badForm before outOfRange, unless
-/// the operation says otherwise. An operation that reads text stores a value of zeros unless it
-/// returns ok.
+/// If several codes apply, badCharacter comes before badForm, and badForm before outOfRange.
+/// Operations that differ from this say so. An operation that reads text stores a value of zeros
+/// unless it returns ok.
 ///
-/// The table shows the forms of dates, times and intervals. The parts in brackets are optional. The
-/// letters Y M D H S F stand for one digit each, "D+" for one or more digits. A space is exactly
-/// one space. White space around the text is ignored, except for dates and real numbers.
+/// The table shows the forms of dates, times and intervals. The parts in brackets are optional.
+/// Each letter Y M D H S F stands for one digit, and "D+" for one or more digits. A space stands
+/// for exactly one space. White space around the text is ignored, except for dates and real
+/// numbers.
 ///
 ///     date             YYYY-MM-DD                     2006-03-09
 ///     time             HH:MM[:SS[.F+]]                10:05:00.5; up to nine digits of a fraction
@@ -34,11 +34,11 @@ class I18NString;
 /// In intervals, months go up to 11, years and whole days up to 2147483647. A date that does not
 /// exist in the calendar of the years 1 to 9999 is badForm.
 ///
-/// An operation that writes text writes at most 64 bytes, including the terminating NUL, for any
-/// value; it writes a field that is out of range as it is. The text must not overlap the value. A
-/// date, time or interval that was read from text is written in a form that reads as the same
-/// value. A fraction is written with nine digits. Seconds are omitted if they and the fraction are
-/// 0. For a null value, the text is empty.
+/// An operation that writes text writes at most 64 bytes for any value, including the terminating
+/// NUL. It does not check the ranges of the fields. The text must not overlap the value. A date,
+/// time or interval that was read from text is written in a form that reads as the same value. A
+/// fraction is written with nine digits. Seconds are omitted if both the seconds and the fraction
+/// are 0. If the value is null, the text is empty.
 ///
 /// Threads: any thread may call any operation at any time.
 ///
@@ -58,9 +58,10 @@ public:
     /// @name Numbers and text
     /// @{
 
-    /// Reads all numbers that strtod(3) reads, with leading white space, in hexadecimal, or "nan".
-    /// Returns badForm if anything follows the number, and outOfRange for infinity, also for "inf".
-    /// An empty text is 0.0. May set errno to ERANGE, as strtod() does.
+    /// Reads every number that strtod(3) reads, including hexadecimal numbers, "nan", and numbers
+    /// after white space. Returns badForm if anything follows the number. Returns outOfRange for
+    /// infinity, including the text "inf". Reads an empty text as 0.0. May set errno to ERANGE, as
+    /// strtod() does.
     static long string2double(const void* context, double* value, const char* text);
     /// Writes the number as printf(3) does for "%.9g".
     static long number2string(const void* context, char* text, const double* value);
@@ -68,8 +69,8 @@ public:
     static long string2int32(const void* context, int* value, const char* text);
     static long string2int64(const void* context, long long* value, const char* text);
     /// Reads one to nine digits and nothing else. The status is outOfRange for a text of more than
-    /// nine characters, whatever they are, and badCharacter for an empty text. The value is 0
-    /// unless the status is ok.
+    /// nine characters, even if some are not digits. It is badCharacter for an empty text. The
+    /// value is 0 unless the status is ok.
     /// @return the status
     static long ascii2unsignedInteger(const void* context, const I18NString& text,
                                       unsigned long& value, long& status);
@@ -106,17 +107,17 @@ public:
     static long dtInterval2string(const void* context, char* text, const QBLInterval2* value);
     /// -51:00
     static long dtInterval2stringAsTime(const void* context, char* text, const QBLInterval2* value);
-    /// -(1 6). Writes nothing but the sign if years and months are both negative;
-    /// string2YMinterval() returns badForm for such a text.
+    /// -(1 6). If years and months are both negative, writes only the minus sign, or nothing if
+    /// `negative` is 0. string2YMinterval() returns badForm for such a text.
     static long ymInterval2string(const void* context, char* text, const QBLIntervalYM* value);
     /// @}
 
     /// @name From dates to time stamps and back
     /// @{
 
-    /// Copies the fields as they are and sets fields that the source lacks to 0: a date becomes
-    /// midnight, a time stamp without a zone gets displacement 0. A target without a zone receives
-    /// the local time.
+    /// Copies the fields unchanged, and sets fields that the source does not have to 0: a date
+    /// becomes midnight, and a time stamp without a zone gets displacement 0. A conversion that
+    /// drops the zone keeps the local time.
     static long date2timestamp(const void* context, QBLTimestamp2* to, const QBLDate2* from);
     static long timestamp2date(const void* context, QBLDate2* to, const QBLTimestamp2* from);
     static long timestampTZ2timestamp(const void* context, QBLTimestamp2* to,
@@ -137,7 +138,8 @@ public:
     /// @return outOfRange for more than 2147483647 days
     static long int2DTinterval(const void* context, QBLInterval2* value, const long* count,
                                const char* unit);
-    /// Does the same for the units YEAR and MONTH, or their plurals, up to 2147483647 years.
+    /// Does the same for the units YEAR and MONTH or their plurals.
+    /// @return outOfRange for more than 2147483647 years
     static long int2YMinterval(const void* context, QBLIntervalYM* value, const long* count,
                                const char* unit);
     /// @}
@@ -147,17 +149,17 @@ public:
 
     /// Reads a date of exactly ten characters, without white space around it.
     /// @param leap  true if the year is a leap year
-    /// @return false if the text is not a date in the calendar of the years 1 to 9999; all results
-    ///     are 0 or false then
+    /// @return false, with all results 0 or false, if the text is not a date in the calendar of the
+    ///     years 1 to 9999
     static bool dateString2Integers(const char* text, int& year, int& month, int& day, bool& leap);
     /// Reads a time, without white space around it.
     /// @param fraction  in nanoseconds
-    /// @return ok, badForm or outOfRange; all results are 0 unless ok
+    /// @return ok, badForm or outOfRange; except for ok, all results are 0
     static long timeString2Integers(const char* text, int& hour, int& minute, int& second,
                                     int& fraction);
     /// Reads a time zone of exactly six characters, such as "+05:30".
-    /// @param displacement  as in QBLTimestampTZ; 0 if the text cannot be read
-    /// @return true if the text was read
+    /// @param displacement  as in QBLTimestampTZ; 0 if the text is not a valid time zone
+    /// @return true if the text is a valid time zone
     static bool tzStringToTZDisplacement(const char* text, int& displacement);
     /// @}
 

@@ -77,7 +77,7 @@ long QBLTypeCast::int2DTinterval(const void*, QBLInterval2* value, const long* c
     if (value == nullptr) return badForm;
     *value = QBLInterval2();
     if (count == nullptr || unit == nullptr) return badForm;
-    // `next` units make one unit of the next row.
+    // In each row, `next` units equal one unit of the next row.
     struct {
         const char* unit;
         unsigned next;

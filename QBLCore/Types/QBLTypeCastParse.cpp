@@ -14,7 +14,7 @@ struct DateFields {
         return day <= kDays[month - 1] + (month == 2 && isLeapYear() ? 1 : 0);
     }
 
-    /// Takes YYYY-MM-DD; returns false also for a date that is not in the calendar.
+    /// Takes YYYY-MM-DD. Also returns false for a date that is not in the calendar.
     bool take(QBLFieldReader& text) {
         int century = 0;
         if (!text.takePair(century) || !text.takePair(year) || !text.take('-') ||
@@ -62,7 +62,7 @@ void storeTime(Value& to, const QBLTimeFields& time) {
 }
 
 /// Reads a time, with a date before it (kDate) and a zone after it (kZone).
-/// @param characters  that the form may have besides digits and white space
+/// @param characters  the characters that the form may contain besides digits and white space
 template <bool kDate, bool kZone, class Value>
 long readTime(Value* value, const char* string, const char* characters) {
     if (value == nullptr) return QBLTypeCast::badForm;

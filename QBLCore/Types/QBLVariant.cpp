@@ -10,8 +10,8 @@ namespace {
 
 const std::size_t kNumberSize = 32;
 
-/// Copies at most length bytes of a text into a new array of length + 1 bytes, whose rest is zero.
-/// Returns null if memory runs out.
+/// Copies at most length bytes of a text into a new array of length + 1 bytes. The bytes after the
+/// text are zero. Returns null if memory runs out.
 char* copyOf(const char* text, unsigned long length) {
     if (length >= PTRDIFF_MAX) return nullptr;
     char* const copy = new (std::nothrow) char[length + 1];
@@ -27,7 +27,7 @@ char* copyOf(const char* text, unsigned long length) {
 const unsigned long QBLVariant::valueSizes[6] = {
     0, sizeof(long), sizeof(unsigned long), sizeof(double), 0, sizeof(void*)};
 
-// Reads the bytes of the union as a Value, whichever member was stored last.
+// Reads the bytes of the union as a Value, even if another member was stored last.
 template <class Value>
 Value QBLVariant::as() const {
     Value value;
@@ -115,7 +115,7 @@ bool QBLVariant::getValue(char* buffer, unsigned long bufferSize) const {
         buffer[0] = '\0';
         return true;
     }
-    // For a string, the size that was set counts; it may differ from the length.
+    // For a string, the result depends on the variant's size, which may differ from the length.
     const std::size_t size = held ? m_uSize : std::strlen(text);
     std::strncpy(buffer, text, bufferSize);
     buffer[bufferSize - 1] = '\0';
@@ -147,10 +147,12 @@ void QBLVariant::clear() {
     std::memset(&m_value, 0, sizeof m_value);
 }
 
-// Returns null if the value is not the variant's own string, in spite of the tag.
+// Returns the variant's own string, or null if the value does not point to it. Does not check the
+// tag.
 char* QBLVariant::string() const { return as<char*>() == m_pOwned ? m_pOwned : nullptr; }
 
-// Makes the variant a string that owns `copy`; of type QBLVariantUnknown if `copy` is null.
+// Makes the variant a string that owns `copy`. If `copy` is null, the variant gets the type
+// QBLVariantUnknown.
 bool QBLVariant::hold(char* copy, unsigned long size) {
     m_type = copy != nullptr ? QBLVariantString : QBLVariantUnknown;
     m_uSize = copy != nullptr ? size : 0;
@@ -158,7 +160,8 @@ bool QBLVariant::hold(char* copy, unsigned long size) {
     return copy != nullptr;
 }
 
-// Returns any value except a string as text: a constant, or in the buffer of kNumberSize bytes.
+// Returns a value that is not a string as text. The text is a constant, or it is in `buffer`, which
+// has kNumberSize bytes.
 const char* QBLVariant::format(char* buffer) const {
     char *end = buffer, *const limit = buffer + kNumberSize - 1;
     switch (m_type) {

@@ -4,10 +4,10 @@
 #include "QBLCore/Frame/QBLExport.h"
 
 /// A value of one of a few types, with a type tag and a size in bytes. The variant copies strings
-/// and owns the copies; it does not own what a stored pointer points to.
+/// and owns the copies. It does not own the object that a stored pointer points to.
 ///
-/// setVarType() and setValueSize() change the tag and the size without the value. The variant then
-/// reads the same bytes as a value of the new type. A variant that holds no string reads as a null
+/// setVarType() and setValueSize() change the tag and the size but not the value. The variant then
+/// reads the same bytes as a value of the new type. A variant without a string reads as a null
 /// string if it gets the tag QBLVariantString.
 ///
 /// No operation throws. If memory runs out, the variant gets the type QBLVariantUnknown.
@@ -42,8 +42,8 @@ public:
     QBLVariant();
     QBLVariant(const QBLVariant& other);
     virtual ~QBLVariant();
-    /// Copies value, type and size. Of a string, copies at most as many bytes as its size says and
-    /// fills the rest of this size with zeros.
+    /// Copies value, type and size. If the value is a string, copies at most as many bytes as the
+    /// size says. If the string is shorter than the size, the copy is filled up with zeros.
     // NOLINTNEXTLINE(misc-unconventional-assign-operator): it has a virtual slot
     virtual QBLVariant& operator=(const QBLVariant& other);
     /// @}
@@ -86,11 +86,11 @@ public:
     /// pointers in hexadecimal without a prefix, "<unknown>" for QBLVariantUnknown, "<invalid>" for
     /// a tag that is not in QBLVariantType. Truncates a text that does not fit; the result is
     /// always null-terminated.
-    /// @param bufferSize  in bytes. All of them are written, as by strncpy(3); only the first one
-    ///     for a null string or a string of size 0.
-    /// @return true if the text and its terminating NUL fit. For a string, the variant's size is
-    ///     used instead of the length; a null string always fits. False for a null buffer or a
-    ///     bufferSize of 0.
+    /// @param bufferSize  in bytes. Writes all bytes of the buffer, as strncpy(3) does, but only
+    ///     the first byte for a null string or a string of size 0.
+    /// @return true if the text and its terminating NUL fit. For a string, the variant's size
+    ///     counts instead of the length; a null string always fits. Returns false if the buffer is
+    ///     null or bufferSize is 0.
     bool getValue(char* buffer, unsigned long bufferSize) const;
     /// @}
 
@@ -101,14 +101,15 @@ public:
     bool setValue(long value);
     bool setValue(unsigned long value);
     bool setValue(double value);
-    /// Stores the pointer and returns true. Does not free a string that the variant held: it now
-    /// belongs to the caller, who must have got it from getValue() and frees it with delete[].
+    /// Stores the pointer and returns true. Does not free a string that the variant holds. The
+    /// caller now owns this string: get it with getValue() before the call, and free it with
+    /// delete[].
     bool setValue(void* value);
     /// @param text  may point into the variant's own string; null stores a null string of size 0
-    /// @param length  how many bytes to copy, and the variant's size, even if the text is shorter:
-    ///     zeros follow then. 0 stands for strlen(text).
-    /// @return false if memory runs out; false also for an empty text with length 0, which stores a
-    ///     null string
+    /// @param length  the number of bytes to copy, which becomes the variant's size. If the text is
+    ///     shorter, the copy is filled up with zeros. 0 means strlen(text).
+    /// @return false if memory runs out. Also false for an empty text with length 0, which is
+    ///     stored as a null string.
     bool setValue(const char* text, unsigned long length);
 
     /// Frees the string if the variant holds one, and sets the value to zero. Type and size stay.

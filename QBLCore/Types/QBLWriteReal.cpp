@@ -8,8 +8,8 @@
 #include "QBLCore/Types/internal/QBLRealText.hpp"
 
 // The digits are the integer part of value * 10^n, computed with 64 bits of the power of ten. The
-// bits after the integer part tell how to round. If they are too close to one half for their
-// precision, std::to_chars decides, which is exact and slower.
+// bits after the integer part decide the rounding. If they are so close to one half that their
+// precision does not suffice, std::to_chars formats the number, which is exact but slower.
 
 namespace {
 
@@ -21,7 +21,7 @@ struct Rounded {
 
 constexpr std::uint32_t powerOfTen(int n) { return n == 0 ? 1 : 10 * powerOfTen(n - 1); }
 
-/// @param bits  of a positive finite value
+/// @param bits  the bits of a positive finite value
 /// @return false if the precision does not suffice
 template <int kDigits>
 bool round(std::uint64_t bits, Rounded& out) {
@@ -37,7 +37,8 @@ bool round(std::uint64_t bits, Rounded& out) {
     mantissa <<= shift;
     exponent -= 1075 + shift;
 
-    // The decimal exponent of the highest bit alone; the value's is the same or one more.
+    // The decimal exponent of the highest bit alone. The exponent of the value is the same or
+    // greater by 1.
     int decimal = static_cast<int>((exponent + 63) * std::int64_t{1292913986} >> 32);
     const int power = kDigits - 1 - decimal;
     const std::uint64_t product = qblMultiplyHigh(mantissa, qblPowerOfTen(power));
@@ -110,7 +111,7 @@ char* writeRounded(char* out, const Rounded& number, int count) {
     return qblWritePair(out, rest);
 }
 
-/// Uses a local array, because std::to_chars may overwrite all the room that it gets.
+/// Uses a local array, because std::to_chars may overwrite the whole array that it gets.
 char* writeExactly(char* out, double value, int digits) {
     char text[32];
     const char* const end =

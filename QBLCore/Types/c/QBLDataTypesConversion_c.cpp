@@ -17,7 +17,7 @@ const char* skipBlanks(const char* text) {
     return text;
 }
 
-/// Takes up to nine digits; their value fits into 32 bits.
+/// Takes up to nine digits, because their value fits into 32 bits.
 std::uint32_t takeNine(const char*& text, unsigned& count) {
     std::uint32_t value = 0;
     for (count = 0; count < 9 && qblIsDigit(*text); ++count)

@@ -7,7 +7,7 @@
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
 
 /// QBL_ALLOC_TRY and QBL_ALLOC_CATCH for the byte buffer. A replaced operator new may throw an
-/// object that is neither a throwable nor a std::exception; it belongs to the program and passes
+/// object that is neither a QBLThrowable nor a std::exception. Such an object is passed on
 /// unchanged.
 #define QBL_BUFFER_ALLOC_TRY try {
 #define QBL_BUFFER_ALLOC_CATCH          \

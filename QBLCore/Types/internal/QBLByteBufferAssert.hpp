@@ -3,8 +3,8 @@
 
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 
-/// QBL_ASSERT_NAMED for the byte buffer: its error texts have blanks inside the parentheses around
-/// the condition.
+/// QBL_ASSERT_NAMED for the byte buffer. Error texts of the byte buffer have blanks inside the
+/// parentheses around the condition.
 #define QBL_BUFFER_ASSERT(condition, conditionText, text)                               \
     ((condition) ? static_cast<void>(0)                                                 \
                  : qblAssertFailed(QBL_HERE, "QBL_ASSERT_NAMED(( " conditionText " ), " \

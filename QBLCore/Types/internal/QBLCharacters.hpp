@@ -15,23 +15,23 @@ constexpr char kQBLDigitPairs[] =
     "4748495051525354555657585960616263646566676869707172737475767778798081828384858687888990919293"
     "949596979899";
 
-/// Writes two digits of a number below 100.
+/// Writes a number below 100 as two digits.
 inline char* qblWritePair(char* out, std::uint32_t value) {
     std::memcpy(out, kQBLDigitPairs + 2 * value, 2);
     return out + 2;
 }
 
-/// Writes four digits of a number below 10000.
+/// Writes a number below 10000 as four digits.
 inline char* qblWriteFour(char* out, std::uint32_t value) {
     return qblWritePair(qblWritePair(out, value / 100), value % 100);
 }
 
-/// Writes eight digits of a number below 100,000,000.
+/// Writes a number below 100,000,000 as eight digits.
 inline char* qblWriteEight(char* out, std::uint32_t value) {
     return qblWriteFour(qblWriteFour(out, value / 10000), value % 10000);
 }
 
-/// Writes one to four digits of a number below 10000, without leading zeros.
+/// Writes a number below 10000 as one to four digits, without leading zeros.
 inline char* qblWriteUpToFour(char* out, std::uint32_t value) {
     if (value < 100) {
         if (value >= 10) return qblWritePair(out, value);
@@ -43,8 +43,8 @@ inline char* qblWriteUpToFour(char* out, std::uint32_t value) {
     return qblWritePair(out + 1, value % 100);
 }
 
-/// Writes a number without leading zeros. std::to_chars is slower, four times for 64-bit numbers in
-/// 32-bit code, because it divides the whole number for every two digits.
+/// Writes a number without leading zeros. std::to_chars is slower, because it divides the whole
+/// number for every two digits. For 64-bit numbers in 32-bit code, it takes four times as long.
 inline char* qblWriteUnsigned(char* out, std::uint32_t value) {
     if (value < 10000) return qblWriteUpToFour(out, value);
     if (value < 100000000) return qblWriteFour(qblWriteUpToFour(out, value / 10000), value % 10000);

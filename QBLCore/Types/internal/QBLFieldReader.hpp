@@ -42,7 +42,8 @@ public:
 
     /// Takes all digits, at least one.
     /// @param limit  at most 2^63
-    /// @param value  receives the number; any number above the limit if the number exceeds it
+    /// @param value  receives the number, or some number above the limit if the text exceeds the
+    ///     limit
     bool takeNumber(std::uint64_t& value, std::uint64_t limit) {
         if (!qblIsDigit(*m_pNext)) return false;
         for (value = 0; qblIsDigit(*m_pNext); ++m_pNext) {
@@ -65,7 +66,7 @@ public:
         return true;
     }
 
-    /// Returns the code for a text of another form: badCharacter or badForm.
+    /// Returns the code for a text that does not have the expected form: badCharacter or badForm.
     /// @param characters  that the expected form may have besides digits and white space
     long fault(const char* characters) const {
         for (const char* at = m_pBegin; *at != '\0'; ++at)
@@ -82,9 +83,9 @@ private:
 struct QBLTimeFields {
     int hour = 0, minute = 0, second = 0, fraction = 0;
 
-    /// MM[:SS[.F+]], after the hours and their colon.
+    /// Takes MM[:SS[.F+]], which follows the hours and their colon.
     bool takeRest(QBLFieldReader& text);
-    /// HH:MM[:SS[.F+]]
+    /// Takes HH:MM[:SS[.F+]].
     bool take(QBLFieldReader& text) {
         return text.takePair(hour) && text.take(':') && takeRest(text);
     }

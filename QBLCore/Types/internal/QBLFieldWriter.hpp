@@ -30,7 +30,7 @@ public:
         return *this;
     }
 
-    /// Writes a time; omits the seconds if they and the fraction are 0.
+    /// Writes a time; omits the seconds if both the seconds and the fraction are 0.
     void time(std::int64_t hours, int minutes, int seconds, int fraction) {
         number(hours, 2).put(':').number(minutes, 2);
         if (seconds != 0 || fraction != 0) put(':').number(seconds, 2);
