@@ -9,9 +9,9 @@
 /// pad with `=`.
 ///
 /// The decoder is deliberately lax. In every locale it skips white space: blank, tab, vertical tab,
-/// line feed, form feed and carriage return. It reads an `=` anywhere as a zero, and most
-/// characters outside the alphabet as other characters: it never refuses a character below code
-/// 123. Validate decoded data by other means.
+/// line feed, form feed and carriage return. It reads an `=` at any position as a zero. It reads
+/// most characters outside the alphabet as other characters: it never refuses a character below
+/// code 123. Validate decoded data by other means.
 ///
 /// Threads: any thread may call any function.
 
@@ -23,17 +23,17 @@ extern "C" {
 ///     size is 2^32 or more
 QBL_API unsigned QBLBase64EncodedSize(unsigned length);
 /// Encodes with padding.
-/// @param data  null stands for no bytes
+/// @param data  null means no bytes
 /// @param out  receives the null-terminated text; must not overlap the data; may be null
 QBL_API void QBLBase64Encode(const void* data, unsigned length, char* out);
 /// Decodes each group of 4 characters to 3 bytes. An `=` as third character drops the second byte,
 /// an `=` as fourth character drops the third byte. The last group may be short: 2 characters give
 /// 1 byte, 3 characters give 2 bytes.
-/// @param out  has room for three quarters of the characters; nothing is written after the last
-///     byte. It may be equal to the text, but must not overlap it in another way.
+/// @param out  a buffer of at least three quarters of the text's length. Nothing is written after
+///     the last decoded byte. `out` may be equal to `text`, but must not overlap it in another way.
 /// @param outLength  receives the number of bytes, 0 after a failure; may be null
-/// @return 0 on success; 2 for a character from code 123 up, a last group of one character, null,
-///     or a result of 2^32 bytes or more
+/// @return 0 on success. 2 if the text has a character with code 123 or above or a last group of
+///     one character, if text or out is null, or if the result has 2^32 bytes or more.
 QBL_API int QBLBase64Decode(const char* text, void* out, unsigned* outLength);
 
 /// The same functions for the URL alphabet. Its `~` is the only valid character above code 122.

@@ -10,20 +10,22 @@
 ///
 ///     2006-03-09 10:05:00.123<tab>CAPTION Error
 ///     <-
-///     TEXT, as it is, in as many lines as it has
+///     TEXT, unchanged, with all its lines
 ///     ->
 ///     (an empty line)
 ///
 /// No operation throws or reports a failure. The logger writes nothing if the directory does not
-/// exist or the file cannot be written. It also refuses a file that is a link, has several names or
-/// is not regular, and a name with a directory "..", which could lead out of "../logs/".
+/// exist or the file cannot be written. It also refuses a file that is a symbolic link, has several
+/// hard links or is not a regular file. It refuses a name that contains the directory "..", because
+/// such a name could lead out of "../logs/".
 ///
-/// The text is deliberately written as it is. To a reader of the file, a line "->" in the text ends
-/// the record, and the rest can look like another record. Indent the lines of a text from an
-/// untrusted source before you log it.
+/// The logger deliberately writes the text unchanged. A line "->" in the text therefore seems to
+/// end the record, and the lines after it can look like another record. Indent the lines of a text
+/// from an untrusted source before you log it.
 ///
 /// Threads: one thread at a time for each object. The records of several loggers with the same name
-/// do not mix if each record fits into the stream's buffer, because it is then written at once.
+/// do not mix if each record fits into the stream's buffer, because the stream then writes each
+/// record in one call.
 class QBL_API QBLMiniLogger {
 public:
     /// Logs to "qbl.log".

@@ -39,7 +39,7 @@ unsigned getNumber(const unsigned char* at) {
     return qbln2hl(bytes);
 }
 
-/// Deliberately does not begin with 0: existing tokens contain this checksum.
+/// Deliberately starts with 0xFFFFFFFF, not with 0: existing tokens contain checksums of this kind.
 unsigned long checksum(const unsigned char* data, unsigned length) {
     return QBLUtCrc32::crc32(0xFFFFFFFF, data, length);
 }

@@ -8,12 +8,12 @@
 ///
 /// A token is the Base64 text of these bytes:
 /// - the length of the text in bytes (4 bytes, big-endian)
-/// - QBLUtCrc32::crc32() of the rest, begun with 0xFFFFFFFF (4 bytes, big-endian)
+/// - QBLUtCrc32::crc32() of the zlib stream, with 0xFFFFFFFF as start value (4 bytes, big-endian)
 /// - the text as a zlib stream of level 9
 ///
-/// The alphabet is that of QBLBase64URLEncode(), whose last two characters are `_` and `~`, NOT
-/// those of RFC 4648. Its decoder is lax: tokens that look different may be equal. A text of more
-/// than 10,000,000 bytes can be squished, but not unsquished.
+/// The alphabet is the one of QBLBase64URLEncode(): its last two characters are `_` and `~`, NOT
+/// the characters of RFC 4648. The decoder is lax: different tokens may decode to the same text. A
+/// text of more than 10,000,000 bytes can be squished, but not unsquished.
 ///
 /// Each thread that squishes keeps about 270 KB for compression until it ends. This memory contains
 /// up to 64 KB of the texts that the thread squished last, unencrypted. Do not squish texts that
@@ -27,10 +27,10 @@ extern "C" {
 
 /// @return the size of a buffer for compressing n bytes; 0 if this size is 2^32 or more
 QBL_API unsigned QBLsqu_compressed_size(unsigned n);
-/// @return the size of a buffer for the token of a text of n bytes, with the terminating NUL; 0
-///     if this size is 2^32 or more. It is always enough for ASCII. Other texts of fewer than 3,000
-///     bytes may need up to 4 bytes more if they cannot be compressed; QBLsqu_squish() refuses
-///     them.
+/// @return the size of a buffer for the token of a text of n bytes, with the terminating NUL; 0 if
+///     this size is 2^32 or more. This size is always enough for an ASCII text. Other texts of
+///     fewer than 3,000 bytes may need up to 4 bytes more if they cannot be compressed;
+///     QBLsqu_squish() refuses them.
 QBL_API unsigned QBLsqu_squished_size(unsigned n);
 
 /// Squishes a text.
@@ -47,22 +47,23 @@ struct QBLsqu_state {
     unsigned textLength;    ///< the length of the text in bytes, as the token declares it
 };
 
-/// First step: decodes a token and checks it. QBLsqu_unsquish2() frees the buffer; if you do not
-/// call it, call free().
-/// @param state  always overwritten: free its old buffer before. After a failure, there is nothing
-///     to free.
+/// First step: decodes a token and checks it. QBLsqu_unsquish2() frees the buffer. If you do not
+/// call QBLsqu_unsquish2(), free the buffer with free(3).
+/// @param state  always overwritten, so free its old buffer before the call. After a failure, it
+///     has no buffer to free.
 /// @param size  receives the size of the text, including its terminating NUL; may be null
 /// @return 0; 1 if the token is null or not Base64; 2 if the text is longer than 10,000,000 bytes;
 ///     3 if the checksum is wrong or missing; -4 if memory runs out; -2 if the state is null
 QBL_API int QBLsqu_unsquish1(const char* token, struct QBLsqu_state* state, unsigned* size);
 
 /// Second step: decompresses the text and frees the buffer. If the text is shorter than the token
-/// declares, the terminating NUL follows its real end. Bytes after the zlib stream are ignored.
-/// NULs inside a text, which tokens of QBLsqu_squish() never have, are also stored.
+/// declares, the terminating NUL follows its real end. Bytes after the zlib stream are ignored. If
+/// the text contains NULs, they are also stored. Tokens of QBLsqu_squish() never contain such a
+/// text.
 /// @param out  receives the text and a NUL; its content is not valid after a failure
-/// @return 0, or a code of zlib, which leaves the buffer to the caller: -3 or -5 if the data is
-///     damaged, truncated, or longer than the token declares; -4 if memory runs out; -2 if the
-///     state, its buffer or out is null
+/// @return 0, or a code of zlib: -3 or -5 if the data is damaged, truncated, or longer than the
+///     token declares; -4 if memory runs out; -2 if the state, its buffer or out is null. After a
+///     failure, the caller still owns the buffer.
 QBL_API int QBLsqu_unsquish2(struct QBLsqu_state* state, char* out);
 
 #ifdef __cplusplus

@@ -12,13 +12,13 @@
 class QBL_API QBLUtCrc32 {
 public:
     /// Continues a checksum with more data.
-    /// @param crc  the checksum of the data before, or 0 at the start; only the lower 32 bits count
-    /// @param data  null returns crc unchanged
+    /// @param crc  the checksum of the data so far; 0 at the start. Only the lower 32 bits count.
+    /// @param data  if null, the result is crc, unchanged
     /// @param length  in bytes
     static unsigned long crc32(unsigned long crc, const unsigned char* data, unsigned int length);
 
-    /// @return the table of 256 remainders: the register after 8 steps, for each value of its
-    ///     lowest byte alone. It belongs to the library and is valid while the library is loaded.
+    /// @return the table of 256 remainders. Entry n is the register after 8 steps from the value n.
+    ///     The table belongs to the library and is valid while the library is loaded.
     static const unsigned int* getCrcTable();
 };
 

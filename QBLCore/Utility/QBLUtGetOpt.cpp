@@ -68,7 +68,7 @@ void QBLUtGetOpt::error(char* programName, int kind, char c) {
     message.append({'\0', c, static_cast<char>(kind != 0)});
     m_errorMsg.swap(message);
     if (m_iPrintErrors == 0) return;
-    // "%%" is printed as "%", as in a format; all other conversions are printed as they are.
+    // Prints "%%" as "%", as printf() does, but prints all other conversions unchanged.
     message = m_errorMsg;
     for (std::size_t at = 0; (at = message.find("%%", at)) != std::string::npos; ++at)
         message.erase(at, 1);

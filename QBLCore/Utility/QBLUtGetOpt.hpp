@@ -6,9 +6,10 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
-/// Parses the options of a command line: letters after one dash, one or several in a word, and long
-/// options after two dashes, which are returned whole. It does not change or reorder the words, and
-/// keeps no state outside the object.
+/// Parses the options of a command line. There are letters after one dash, one or several in a
+/// word, and long options after two dashes. A long option is returned as a whole, with "=VALUE" if
+/// it has a value. The parser does not change or reorder the words, and keeps no state outside the
+/// object.
 ///
 /// Threads: one thread at a time for each object.
 ///
@@ -29,15 +30,15 @@ public:
     QBLUtGetOpt();
 
     /// Reads the next option. The words must not change between calls.
-    /// @param argc  the number of words; the first is the program's name. A null word also ends
-    ///     them.
-    /// @param opts  the letters; a letter followed by a colon takes an argument: the rest of its
-    ///     word, or the next word if there is no rest
+    /// @param argc  the number of words; the first word is the program's name. A null word also
+    ///     ends the command line.
+    /// @param opts  the letters. A letter followed by a colon takes an argument: the text after the
+    ///     letter in the same word, or the next word if the letter is the last one of its word.
     /// @param longOpt  receives the text after two dashes, as getLongOpt() returns it, or null if
     ///     there is no long option; may be null
     /// @return the letter, from 1 to 255; 0 for an error, after which parsing can continue; -1 for
-    ///     a long option, and at the end, which is before a word that is not an option, or after
-    ///     "--"
+    ///     a long option and at the end of the options. The options end before the first word that
+    ///     is not an option, or after "--".
     /// @throws QBLAssertError if argv or opts is null
     /// @throws QBLOutOfMemoryError
     int getOpt(int argc, char** argv, char* opts, const char** longOpt = nullptr);
@@ -55,34 +56,35 @@ public:
     /// @param kind  0: the letter is not an option; any other number: its argument is missing
     /// @throws QBLOutOfMemoryError
     void error(char* programName, int kind, char c);
-    /// The same for a constant name, such as a literal.
+    /// Does the same for a constant program name, such as a literal.
     template <class Char, class = std::enable_if_t<std::is_same<Char, const char>::value>>
     void error(Char* programName, int kind, char c) {
         error(const_cast<char*>(programName), kind, c);
     }
-    /// Returns the last error message; empty before the first. Valid until the next error.
+    /// Returns the last error message; empty before the first error. Valid until the next error.
     const char* getErrorMsg() const { return m_errorMsg.c_str(); }
     /// Returns the letter of the last error, even if the message names another letter; 0 before the
     /// first error.
     char getErrorLetter() const;
-    /// Returns true if the last error was a missing argument; false if it was a letter that is not
-    /// an option, and before the first error.
+    /// Returns true if the last error was a missing argument; false if the last error was a letter
+    /// that is not an option, or if there was no error yet.
     bool isArgumentMissing() const;
     /// @}
 
     /// @name The last option
     /// @{
 
-    /// Returns the last argument of an option; points into argv, null before the first.
+    /// Returns the argument of the last option that had one: a pointer into argv, or null before
+    /// the first such option.
     char* getOptArg() const { return m_pOptArg; }
     /// Returns the index of the next word in argv.
     int getOptInd() const { return m_iOptInd; }
     /// Sets whether errors are printed to standard error.
-    /// @param on  0 turns printing off
-    /// @return the previous setting; 1 at first
+    /// @param on  if 0, errors are not printed
+    /// @return the previous setting; it is initially 1
     int setPrintErrors(int on);
-    /// Returns the last long option without its two dashes; empty before the first. Valid until the
-    /// next long option.
+    /// Returns the last long option without its two dashes; empty before the first long option.
+    /// Valid until the next long option.
     const char* getLongOpt() const { return m_longOpt.c_str(); }
     /// @}
 
@@ -90,7 +92,7 @@ private:
     char* m_pOptArg;
     int m_iOptInd;
     int m_iPrintErrors;
-    const char* m_pNextChar;  // the next letter of the cluster; null at its end
+    const char* m_pNextChar;  // the next letter of the current word; null at its end
     std::string m_errorMsg;   // after the text: a NUL, the letter, the kind (0 or 1)
     std::string m_longOpt;
 };

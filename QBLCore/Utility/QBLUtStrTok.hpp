@@ -20,8 +20,9 @@ public:
     /// @throws QBLOutOfMemoryError
     explicit QBLUtStrTok(const char* text, const char* separators = " \t\r\n,;");
 
-    /// @param token  receives the next token; unchanged if none is left
-    /// @param separators  the separators before and after this token; null means the constructor's
+    /// @param token  receives the next token; unchanged if no token is left
+    /// @param separators  the separators before and after this token; null means the separators of
+    ///     the constructor
     /// @return false if no token is left
     /// @throws QBLOutOfMemoryError; the next call then returns the same token
     bool nextToken(std::string& token, const char* separators = nullptr);

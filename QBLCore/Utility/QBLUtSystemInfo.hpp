@@ -7,11 +7,11 @@
 
 /// The id of the process, and the time.
 ///
-/// Threads: any thread.
+/// Threads: any thread may call any operation.
 struct QBL_API QBLUtSystemInfo {
     static unsigned long getProcessId();
     /// Returns the local time as "2006-03-09 10:05:00", in the same form in every locale.
-    /// @param withMillis  non-zero adds the milliseconds, such as ".123"
+    /// @param withMillis  if not 0, adds the milliseconds, such as ".123"
     static std::string getTimeStamp(int withMillis);
 };
 

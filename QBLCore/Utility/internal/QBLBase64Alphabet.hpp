@@ -8,14 +8,16 @@
 struct QBLBase64Alphabet {
     /// The character of each value.
     unsigned char character[64];
-    /// The value of each character: 0 to 63, 249 to 255 for ':' to '@', or one of the constants.
+    /// The value of each character: 0 to 63, 249 to 255 for ':' to '@', or one of the constants
+    /// below.
     unsigned char value[256];
     static constexpr unsigned char kSkipped = 64, kPad = 65, kInvalid = 66;
 
     /// The two characters for each number of twelve bits.
     std::uint16_t pair[4096];
-    /// Indexed by a character's place in its group and by the character: its bits in the group's
-    /// three bytes; kOther, a bit of the fourth byte, if the character's value is above 63.
+    /// The bits that a character contributes to the three bytes of its group. Indexed by the place
+    /// of the character in the group, and by the character. The entry is kOther, a bit of the
+    /// fourth byte, if the value of the character is above 63.
     std::uint32_t part[4][256];
     static constexpr std::uint32_t kOther = 1U << 24;
 
@@ -32,11 +34,11 @@ struct QBLBase64Alphabet {
     /// The number to add to a character to get its value. The index is the character's upper four
     /// bits, plus 8 for the characters in `odd`.
     alignas(16) unsigned char toValue[16];
-    /// Characters that need another number than other characters with the same upper four bits.
-    /// Both entries are equal if there is only one such character.
+    /// Characters for which `toValue` needs a different number than for other characters with the
+    /// same upper four bits. Both entries are equal if there is only one such character.
     unsigned char odd[2];
 
-    /// Takes the two characters in which alphabets differ.
+    /// Takes the characters for the values 62 and 63. Only these differ between alphabets.
     constexpr QBLBase64Alphabet(unsigned char for62, unsigned char for63)
         : character(),
           value(),

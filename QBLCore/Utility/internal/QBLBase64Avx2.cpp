@@ -12,9 +12,9 @@ inline __m128i load(const void* p) { return _mm_loadu_si128(static_cast<const __
 /// Loads the same sixteen bytes into both halves.
 WITH_AVX2 inline __m256i twice(const void* p) { return _mm256_broadcastsi128_si256(load(p)); }
 
-/// Converts two times twelve bytes, at the beginning of each half, to 32 values. The shuffle puts
-/// the bytes of two values into each 16-bit word. One multiplication moves the even values of all
-/// words to their places, another one the odd values.
+/// Converts 24 bytes, twelve at the beginning of each half, to 32 values. The shuffle puts the
+/// bytes of two values into each 16-bit word. One multiplication moves the even values of all words
+/// to their places, and another multiplication moves the odd values.
 WITH_AVX2 inline __m256i spread(__m256i data) {
     const __m256i words = _mm256_shuffle_epi8(
         data, _mm256_setr_epi8(1, 0, 2, 1, 4, 3, 5, 4, 7, 6, 8, 7, 10, 9, 11, 10,  //
@@ -26,8 +26,9 @@ WITH_AVX2 inline __m256i spread(__m256i data) {
     return _mm256_or_si256(even, odd);
 }
 
-/// Converts 32 values to 24 bytes, followed by zeros. Joins two values to twelve bits, then two of
-/// these to 24 bits, and puts the three bytes of each result into order.
+/// Converts 32 values to 24 bytes, followed by zeros. Joins each pair of values to twelve bits,
+/// then each pair of these results to 24 bits, and puts the three bytes of each 24-bit result into
+/// order.
 WITH_AVX2 inline __m256i pack(__m256i values) {
     const __m256i twelve = _mm256_maddubs_epi16(values, _mm256_set1_epi32(0x01400140));
     const __m256i bits = _mm256_madd_epi16(twelve, _mm256_set1_epi32(0x00011000));
@@ -37,12 +38,12 @@ WITH_AVX2 inline __m256i pack(__m256i values) {
     return _mm256_permutevar8x32_epi32(bytes, _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 7));
 }
 
-/// Combines two times twelve bytes, one in each half.
+/// Puts the first block into the lower half and the second block into the upper half.
 WITH_AVX2 inline __m256i join(__m128i first, __m128i second) {
     return _mm256_inserti128_si256(_mm256_castsi128_si256(first), second, 1);
 }
 
-/// Loads 24 bytes as two times twelve, and reads nothing after them.
+/// Loads 24 bytes, twelve into each half. Reads no bytes after them.
 WITH_AVX2 inline __m256i joinExactly(const unsigned char* data) {
     return join(load(data), _mm_srli_si128(load(data + 8), 4));
 }
@@ -65,7 +66,7 @@ WITH_AVX2 std::size_t encode(const QBLBase64Alphabet& alphabet, const unsigned c
     const std::size_t whole = length / 3 * 3;
     if (whole < 24) return done + kQBLBase64Ssse3.encode(alphabet, data + done, length - done, out);
     if (whole - done > 24) encodeBlock(offsets, joinExactly(data + done), out + done / 3 * 4);
-    // The last block, which encodes some bytes for the second time.
+    // The last block begins before the end of the previous block and encodes some bytes again.
     encodeBlock(offsets, joinExactly(data + whole - 24), out + (whole - 24) / 3 * 4);
     return whole;
 }
@@ -121,8 +122,9 @@ WITH_AVX2 inline bool decodeBlock(const Decoding& by, const char* text, unsigned
     return true;
 }
 
-/// Decodes the rest with a block that ends at the end of the text and decodes some characters for
-/// the second time, unless the output has overwritten these. Does not decode a padded last group.
+/// Decodes the characters after the first `done`. If possible, uses one block that ends with the
+/// last group and decodes some earlier characters again. This is not possible if the output has
+/// overwritten these characters. Such a block does not include a padded last group.
 WITH_AVX2 inline std::size_t decodeLast(const Decoding& by, const QBLBase64Alphabet& alphabet,
                                         const char* text, std::size_t length, std::size_t done,
                                         unsigned char* out) {

@@ -44,7 +44,7 @@ private:
         return done;
     }
 
-    /// Decodes a group of plain characters with one or two "=" at its end, as most texts end.
+    /// Decodes a group that ends with one or two "=", as the last group of most texts does.
     /// @return false, without writing anything, for any other group
     bool takePadded(const unsigned char* at) {
         const unsigned first = m_alphabet.value[at[0]], second = m_alphabet.value[at[1]];
@@ -79,7 +79,7 @@ private:
     const QBLBase64Kernels& m_kernels;
     const QBLBase64Alphabet& m_alphabet;
     unsigned char* m_pOut;
-    unsigned m_value[4] = {};  // of the group's characters so far
+    unsigned m_value[4] = {};  // values of the group's characters so far
     bool m_bPad[4] = {};
     int m_iHeld = 0;
 };

@@ -11,14 +11,14 @@ struct QBLBase64Kernels {
     /// @return the number of bytes encoded, a multiple of 3
     std::size_t (*encode)(const QBLBase64Alphabet& alphabet, const unsigned char* data,
                           std::size_t length, char* out);
-    /// Stops before characters that need individual treatment, such as blanks. Writes exactly the
-    /// decoded bytes, each only after reading the characters that it comes from.
+    /// Stops before characters that need individual treatment, such as blanks. Writes no bytes
+    /// after the decoded bytes. Reads the characters of each byte before it writes the byte.
     /// @return the number of characters decoded, a multiple of 4
     std::size_t (*decode)(const QBLBase64Alphabet& alphabet, const char* text, std::size_t length,
                           unsigned char* out);
 };
 
-/// For any processor, for processors with SSSE3, and for processors with AVX2.
+/// The kernels for any processor, for processors with SSSE3, and for processors with AVX2.
 extern const QBLBase64Kernels kQBLBase64Scalar, kQBLBase64Ssse3, kQBLBase64Avx2;
 
 /// Returns the best kernels for this processor.

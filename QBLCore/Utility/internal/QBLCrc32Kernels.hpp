@@ -20,10 +20,10 @@ struct QBLCrc32Tables {
 };
 extern const QBLCrc32Tables kQBLCrc32Tables;
 
-/// For any processor.
+/// Returns the register after the data. Runs on any processor.
 std::uint32_t qblCrc32Tables(std::uint32_t reg, const unsigned char* data, std::size_t length);
 
-/// For 16 bytes or more, and only if qblCrc32HasProducts() is true.
+/// Does the same. Requires: at least 16 bytes, and qblCrc32HasProducts().
 std::uint32_t qblCrc32Products(std::uint32_t reg, const unsigned char* data, std::size_t length);
 inline bool qblCrc32HasProducts() {
     return __builtin_cpu_supports("pclmul") && __builtin_cpu_supports("avx");

@@ -21,8 +21,8 @@ constexpr std::uint64_t remainderOf(unsigned power) {
 /// The polynomial's 33 bits, reflected.
 constexpr std::uint64_t kPolynomial = static_cast<std::uint64_t>(kQBLCrc32Polynomial) << 1 | 1;
 
-/// Returns the quotient of x^64 and the polynomial, 33 bits, reflected. Each bit of it is the bit
-/// that leaves the register in one step.
+/// Returns the quotient of x^64 and the polynomial, 33 bits, reflected. Each bit of the quotient is
+/// the bit that leaves the register in one step.
 constexpr std::uint64_t quotient() {
     std::uint64_t bits = 1;
     std::uint32_t reg = kQBLCrc32Polynomial;  // the remainder after the quotient's first bit
@@ -33,8 +33,9 @@ constexpr std::uint64_t quotient() {
     return bits;
 }
 
-// Six blocks at a time; the paper has four. Each block waits for its previous product, but a
-// product can start in every cycle. More blocks do not fit into the registers of 32-bit x86.
+// Processes six blocks at a time; the paper processes four. Each block waits for its previous
+// product, but a product can start in every cycle. More blocks do not fit into the registers of
+// 32-bit x86.
 constexpr std::uint64_t kK1 = remainderOf(6 * 128 + 32), kK2 = remainderOf(6 * 128 - 32);
 constexpr std::uint64_t kTwoLow = remainderOf(2 * 128 + 32), kTwoHigh = remainderOf(2 * 128 - 32);
 constexpr std::uint64_t kK3 = remainderOf(128 + 32), kK4 = remainderOf(128 - 32);
@@ -60,8 +61,8 @@ WITH_PRODUCTS inline __m128i fold(__m128i block, __m128i factors, __m128i next) 
     return _mm_xor_si128(_mm_xor_si128(next, low), high);
 }
 
-/// Returns the register after the block. Reduces it to 96 bits, to 64, and by Barrett's method to
-/// 32.
+/// Returns the register after the block. Reduces the block to 96 bits, then to 64 bits, and then by
+/// Barrett's method to 32 bits.
 WITH_PRODUCTS inline std::uint32_t reduce(__m128i block) {
     const __m128i word = pair(0xffffffff, 0);
     block =

@@ -34,7 +34,8 @@ std::uint32_t four(std::uint32_t bytes, int n) {
 constexpr QBLCrc32Tables kQBLCrc32Tables = makeTables();
 
 // M. E. Kounavis and F. L. Berry, "A Systematic Approach to Building High Performance
-// Software-based CRC Generators" (2005): several bytes per step, each with its own table.
+// Software-based CRC Generators" (2005): each step processes several bytes, each byte with its own
+// table.
 std::uint32_t qblCrc32Tables(std::uint32_t reg, const unsigned char* data, std::size_t length) {
     for (; length >= 16; length -= 16, data += 16)
         reg = four(reg ^ word(data), 12) ^ four(word(data + 4), 8) ^ four(word(data + 8), 4) ^

@@ -1,10 +1,10 @@
 // Each thread that deflates keeps one stream in a key of the thread layer. A stream belongs to one
-// thread alone and needs no lock. A run makes no callbacks: zlib allocates memory only when a
-// stream starts. Each run begins with deflateReset(), which resets the stream completely, also
-// after a failed run.
+// thread alone and needs no lock. A run calls none of our functions: zlib allocates memory only
+// when a stream starts. Each run begins with deflateReset(), which resets the stream completely,
+// also after a failed run.
 //
 // The key's value in a thread has three states:
-//   null       The thread keeps no stream: at first, and as long as it cannot store one.
+//   null       The thread has not deflated yet, or it could not store its stream.
 //   a stream   qblDeflate() stores its stream after the stream has started. Before, a unique_ptr
 //              owns the stream; afterwards the key does.
 //   g_ending   deleteDeflater() stores this mark when the thread ends and its stream is deleted.
@@ -15,20 +15,20 @@
 // ends. The child of a fork continues with its copy of the calling thread's stream.
 //
 // The first call creates the key, which is never destroyed. The library stays loaded (-z nodelete),
-// so the system can always call deleteDeflater(). If several threads call first at the same time,
-// each creates a key. A compare-exchange selects one key; the other threads destroy theirs, in
-// which no thread has a value yet. If no key can be created, the call uses a stream for itself, and
-// the next call tries again.
+// so the system can always call deleteDeflater(). If several threads make the first call at the
+// same time, each creates a key. A compare-exchange selects one key. The other threads destroy
+// their keys, in which no thread has a value yet. If a call cannot create a key, it uses a
+// temporary stream, and the next call tries again.
 //
 // Memory order: `s_made` is stored with release and loaded with acquire, also by a failed exchange,
 // so that every thread sees the complete record of the key. Nothing else is shared.
 //
-// A mistake leaks, which x86-asan reports, or corrupts tokens. In QBLSquisherTest,
+// A mistake would leak memory, which x86-asan reports, or corrupt tokens. In QBLSquisherTest,
 // .FailsCleanlyWhenMemoryRunsOut makes each allocation of a new thread fail,
 // .ThreadsAndForksSquishIndependently runs four threads and a child process, and
-// .TokensMatchZlibAndUnsquish compares with the result of zlib alone. No test deflates in
-// the destructor of another key. A thread that does so for the first time in the system's last
-// round leaks its stream.
+// .TokensMatchZlibAndUnsquish compares with the result of zlib alone. No test deflates in the
+// destructor of another key. A thread that does so for the first time in the system's last round
+// leaks its stream.
 #include "QBLCore/Utility/internal/QBLZlib.hpp"
 
 #include <zlib.h>
@@ -96,7 +96,7 @@ TavThreadKey* keptKey() {
     return others;
 }
 
-// The system calls it again for the mark, once in each of its 4 rounds over the keys.
+// The system calls this function again for the mark, once in each of its 4 rounds over the keys.
 void deleteDeflater(void* kept) {
     if (kept != &g_ending) delete static_cast<Deflater*>(kept);
     tavXThreadSetSpecific(keptKey(), &g_ending);
