@@ -15,14 +15,14 @@ namespace {
 
 const char kList[] = "system.posix_acl_access";
 constexpr std::size_t kListHeader = 4, kListEntry = 8;
-constexpr unsigned kOwnGroup = 0x04, kMask = 0x10, kOthers = 0x20;  // tags of a list's entries
+constexpr unsigned kOwnGroup = 0x04, kMask = 0x10, kOthers = 0x20;  // tags of entries
 
-/// Attributes that vouch for a file's content, or give a program more rights than its caller has.
+/// Attributes that sign a file's content, or that give a program more rights than its caller has.
 const std::string_view kOfTheContent[] = {"security.ima", "security.evm", "security.capability"};
 
 bool isMissing(int error) { return error == ENODATA || error == EOPNOTSUPP || error == ENOSYS; }
 
-/// Reads with a call that first returns the size. @return false with errno set
+/// Reads a value. `call` with a null buffer returns the size. @return false with errno set
 template <class Call>
 bool readSized(std::string& out, Call&& call) {
     for (;;) {
@@ -118,7 +118,7 @@ bool copyOthers(const Attributes& from, int to) {
     for (std::size_t at = 0; at < names.size();) {
         const char* const name = &names[at];
         at += std::strlen(name) + 1;
-        bool copied = std::strcmp(name, kList) == 0;  // or must not be copied
+        bool copied = std::strcmp(name, kList) == 0;  // or it must not be copied
         for (const std::string_view left : kOfTheContent) copied = copied || left == name;
         if (copied || !from.read(name, value)) continue;
         if (fsetxattr(to, name, value.data(), value.size(), 0) != 0 &&

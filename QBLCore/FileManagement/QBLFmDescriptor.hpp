@@ -2,9 +2,10 @@
 #define QBLCORE_FILEMANAGEMENT_QBLFMDESCRIPTOR_HPP
 
 /// The state of an open file in QBLFmFile and QBLFmFile64. Descriptor 0 stands for a closed file.
-/// These classes therefore never open a file as descriptor 0; only standard input can have it.
+/// These classes therefore never open a file as descriptor 0; only standard input can have this
+/// descriptor.
 ///
-/// Threads: as the file that it belongs to.
+/// Threads: as for the file object that contains it.
 struct QBLFmDescriptor {
     int m_iDescriptor = 0;
     int m_iStandard = 0;  ///< non-zero for a standard stream, which is never closed

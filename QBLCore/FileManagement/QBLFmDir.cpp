@@ -19,7 +19,7 @@ bool QBLFmDir::createDir(const char* path) {
     if (path == nullptr) return false;
     if (mkdir(path, 0777) == 0) return true;
     const int error = errno;
-    return exists(path, S_IFDIR) || qblSetErrno(error);  // another process may have made it
+    return exists(path, S_IFDIR) || qblSetErrno(error);  // another process may have created it
 }
 
 bool QBLFmDir::createRecursiveDir(const char* path) {

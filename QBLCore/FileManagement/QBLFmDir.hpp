@@ -11,8 +11,8 @@ class I18NString;
 /// Operations on paths, directories and file names. A `char` path contains the bytes that the
 /// system receives; they need not be valid in any encoding.
 ///
-/// A failed operation returns false and sets errno; a null path is a failure. Only operations
-/// without such a result throw: QBLOutOfMemoryError, and the exceptions that they document.
+/// A failed operation returns false and sets errno; a null path is a failure. Only operations that
+/// cannot return false throw: QBLOutOfMemoryError, and the exceptions that their comments name.
 ///
 /// A path in an I18NString is converted to the platform's encoding. A path that contains a NUL or
 /// cannot be converted fails with EILSEQ, or with I18NRuntimeError -4 if the operation cannot
@@ -28,10 +28,10 @@ public:
     /// @{
 
     /// Returns true if the file has the type and at least the permissions in `mode`, such as
-    /// S_IFDIR | S_IRUSR. Checks the file's mode, not the rights of the caller; follows links.
+    /// S_IFDIR | S_IRUSR. Checks the file's mode, not the rights of the caller. Follows links.
     static bool exists(const char* path, unsigned short mode);
     static bool exists(const I18NString& path, unsigned short mode);
-    /// Creates a directory with all permissions less the umask.
+    /// Creates a directory with all permissions minus the umask.
     /// @return true if the directory now exists, even if it existed before
     static bool createDir(const char* path);
     static bool createDir(const I18NString& path);
@@ -40,22 +40,22 @@ public:
     static bool createRecursiveDir(const I18NString& path);
     /// Removes a directory and everything in it. Never follows a symbolic link: removes the link
     /// and leaves its target. Refuses a path that is itself a link, a root, and the names "." and
-    /// "..". After a failure, removes as much of the rest as it can.
+    /// "..". After a failure, continues and removes all other files that it can.
     /// @return true if nothing is left; otherwise false with the errno of the first failure
     static bool removeDir(const char* path);
     static bool removeDir(const I18NString& path);
     /// Lists the names in a directory, sorted by their bytes, without "." and "..".
     /// A link counts as its target; a dangling link counts as a file.
-    /// @param files  receives the names of everything except directories, in place of its old
+    /// @param files  receives the names of everything except directories, which replace its old
     ///     content; may be null
     /// @param filePattern  selects names: "*" matches any text, "?" matches one UTF-8 character,
-    ///     upper and lower case differ; null or empty selects all names
+    ///     and letters are case-sensitive. Null or empty selects all names.
     /// @param dirs, dirPattern  the same for directories
     /// @return false if the directory cannot be read; the lists are then unchanged
     static bool readDir(const char* path, std::list<std::string>* files, const char* filePattern,
                         std::list<std::string>* dirs, const char* dirPattern);
-    /// A name that is invalid in the platform's encoding is converted as I18NString converts it;
-    /// the result does not name the file.
+    /// If a name is invalid in the platform's encoding, I18NString converts it with substitutions,
+    /// and the result does not name the file.
     static bool readDir(const I18NString& path, std::list<I18NString>* files,
                         const I18NString* filePattern, std::list<I18NString>* dirs,
                         const I18NString* dirPattern);
@@ -76,11 +76,11 @@ public:
     /// @{
 
     /// Appends a relative path to a base, with a "/" between them unless the base is empty or ends
-    /// with "/" or "\". If `relative` has a root, it replaces the base. Null or empty has no
-    /// effect.
+    /// with "/" or "\". If `relative` has a root, it replaces the base. A null or empty `relative`
+    /// has no effect.
     static void joinPath(std::string& base, const char* relative);
     static void joinPath(I18NString& base, const I18NString& relative);
-    /// Splits a path at the last separator after the root. The separator is in neither part.
+    /// Splits a path at the last separator after the root. Neither part contains the separator.
     /// @param directory, file  may be null
     /// @return false, without effect, if the path is null or both parts are null
     static bool splitPath(const char* path, std::string* directory, std::string* file);
@@ -89,13 +89,13 @@ public:
     /// setting. Does not change the process's working directory.
     static void setEffectiveWorkingDir(const char* path);
     static void setEffectiveWorkingDir(const I18NString& path);
-    /// Prepends the effective working directory, if one is set, to a path that has no root and does
-    /// not already begin with the same text.
+    /// Prepends the effective working directory to a path without a root. Has no effect if no
+    /// effective working directory is set, or if the path already begins with its text.
     static void resolveEffectivePath(std::string& path);
     static void resolveEffectivePath(I18NString& path);
-    /// Searches for a file. A name with a root is looked up as it is; any other name first in the
-    /// base path, then in each search directory. A relative search directory is relative to the
-    /// base path.
+    /// Searches for a file. A name with a root is looked up unchanged. Any other name is looked up
+    /// first in the base path, then in each search directory. A relative search directory is
+    /// relative to the base path.
     /// @return the first path that exists and is not a directory; empty if no path does
     /// @throws QBLAssertError for a null name or base path
     static std::string getFileFullPath(const char* fileName, const char* basePath,
@@ -110,19 +110,19 @@ public:
     /// Sets the result of getTempPath(); null or empty removes the setting.
     static void setTempPath(const char* path);
     static void setTempPath(const I18NString& path);
-    /// Returns the directory for temporary files. If setTempPath() has set one, returns it without
-    /// a check. Otherwise returns the first of these that is a directory which its owner may read
-    /// and write: the value of the first of TMP, tmp, TEMP and temp that is set in the environment,
-    /// "/tmp", and ".". A program that runs with more rights than its caller, such as a set-id
-    /// program, ignores the environment.
+    /// Returns the directory for temporary files. If setTempPath() has set a directory, returns it
+    /// without a check. Otherwise tries three paths in this order: the value of the first
+    /// environment variable that is set out of TMP, tmp, TEMP and temp; "/tmp"; and ".". Returns
+    /// the first path that is a directory and that its owner may read and write. A program that
+    /// runs with more rights than its caller, such as a set-id program, ignores the environment.
     /// @return false, with an empty result, if no directory qualifies
     static bool getTempPath(std::string& result);
     static bool getTempPath(I18NString& result);
     /// Creates a directory with an unused name: the prefix, the time in seconds, a counter and the
     /// suffix. Two calls never get the same directory, not even in different processes. A name can
-    /// occur again after its directory has been removed. The umask decides who else may use the
-    /// directory.
-    /// @param basePath  the directory above; null means getTempPath()
+    /// occur again after its directory has been removed. The umask decides which other users may
+    /// use the directory.
+    /// @param basePath  the directory in which to create it; null means getTempPath()
     /// @param prefix  null or empty means "QBLFm"
     /// @param result  receives the path, or the last path tried if all 500 attempts fail
     static bool createTempDir(const char* basePath, const char* prefix, std::string& result,

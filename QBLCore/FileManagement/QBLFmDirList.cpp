@@ -20,7 +20,8 @@ std::size_t characterWidth(const char* text) {
 }
 
 /// Returns true if the name matches the pattern. After a mismatch, only the last "*" takes one more
-/// character; the earlier ones need not change. So the time is at most the product of both lengths.
+/// character; an earlier "*" need not change. The time is therefore at most proportional to the
+/// product of both lengths.
 bool matches(const char* name, const char* pattern) {
     const char* afterStar = nullptr;
     const char* taken = nullptr;

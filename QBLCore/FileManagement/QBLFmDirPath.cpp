@@ -31,13 +31,13 @@ bool isFile(const std::string& path) {
 void QBLFmDir::joinPath(std::string& base, const char* relative) {
     if (relative == nullptr || *relative == '\0') return;
     QBL_ALLOC_TRY
-    std::string tail(relative);  // it may point into the base
+    std::string tail(relative);  // `relative` may point into the base
     if (base.empty() || skipRootPath(tail.c_str()) > 0) {
         base.swap(tail);
         return;
     }
     const bool separated = endsInSeparator(base);
-    base.reserve(base.size() + tail.size() + 1);  // appends both parts or, on failure, none
+    base.reserve(base.size() + tail.size() + 1);  // so that no append fails
     if (!separated) base += '/';
     base += tail;
     QBL_ALLOC_CATCH
@@ -46,10 +46,10 @@ void QBLFmDir::joinPath(std::string& base, const char* relative) {
 bool QBLFmDir::splitPath(const char* path, std::string* directory, std::string* file) {
     if (path == nullptr || (directory == nullptr && file == nullptr)) return false;
     return qblSettle([=] {
-        const std::string whole(path);  // it may point into one of the parts
+        const std::string whole(path);  // `path` may point into a result
         const long measured = skipRootPath(whole.c_str());
         const std::size_t root = measured > 0 ? static_cast<std::size_t>(measured) : 0;
-        std::size_t end = root, begin = root;  // of the directory, of the file
+        std::size_t end = root, begin = root;  // end of the directory, begin of the file
         QBLFmCharacters at(whole.data() + root, whole.size() - root);
         for (; !at.atEnd(); at.stepAnyhow()) {
             if (!at.onSeparator()) continue;

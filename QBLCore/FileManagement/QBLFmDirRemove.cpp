@@ -8,13 +8,13 @@ namespace {
 
 constexpr int kOpenFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
-/// Empties a directory. Only the current directory is open, at any depth of the tree. Names are
+/// Empties a directory. At any depth of the tree, only the current directory is open. Names are
 /// looked up in the open directory, not by path, so that another user cannot redirect the removal
 /// by planting a link. The removal returns to the parent through "..", but only if ".." is the
-/// directory that it came from.
+/// directory from which the removal came.
 class TreeRemoval {
 public:
-    /// @param fd  closed by the destructor
+    /// @param fd  the directory to empty; the destructor closes it
     explicit TreeRemoval(int fd) : m_iFd(fd) {}
     ~TreeRemoval() { qblCloseQuietly(m_iFd); }
     TreeRemoval(const TreeRemoval&) = delete;
@@ -40,12 +40,12 @@ public:
 
 private:
     struct Level {
-        std::string name;  // in the directory above
+        std::string name;  // name in the directory above
         QBLFileStatus identity;
         std::vector<std::string> subdirs;  // still to be removed
     };
 
-    /// Keeps the first error. @return `done`
+    /// Stores errno if this is the first failure. @return `done`
     bool note(bool done) {
         if (!done && m_iError == 0) m_iError = errno;
         return done;

@@ -28,7 +28,7 @@ I18NString fromPlatform(const std::string& path) {
     return made;
 }
 
-/// The same for a path that must name the same file.
+/// Does the same, but fails if the string would not name the same file.
 /// @throws I18NRuntimeError if no string can express the path
 void setWholePath(I18NString& out, const std::string& path) {
     setPath(out, path);

@@ -24,7 +24,8 @@ const char* tempVariable() {
     return nullptr;
 }
 
-/// How to make a directory or a file, and which number makes its name differ from earlier names.
+/// How to create a directory or a file, and the number that makes its name differ from earlier
+/// names.
 struct Kind {
     bool (*make)(const char* path);
     unsigned long long (*number)(int attempt);

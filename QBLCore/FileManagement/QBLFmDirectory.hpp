@@ -6,17 +6,18 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
-/// An open directory. Names are looked up in the open directory itself. So other users cannot
-/// redirect the caller by renaming directories or planting links. To walk a tree that other users
-/// can write to, open each level from the level above it.
+/// An open directory. Names are looked up in the open directory itself. Other users therefore
+/// cannot redirect the caller by renaming directories or planting links. To walk a tree that other
+/// users can write to, open each level from the level above it.
 ///
 /// A name is one entry of the directory, without "/"; "", "." and ".." fail with EINVAL. No
-/// operation follows a symbolic link that has the name: opening it fails with ELOOP or ENOTDIR.
+/// operation follows a symbolic link that has the name: opening such a link fails with ELOOP or
+/// ENOTDIR.
 ///
 /// No operation throws. A failed operation returns false or -1 and sets errno.
 ///
 /// Threads: several threads at a time may call the constant operations of one object; the other
-/// operations need exclusive access to it.
+/// operations need exclusive access to the object.
 ///
 ///     QBLFmDirectory tree, level;
 ///     if (tree.open("/srv/drop") && level.open(tree, "today")) list(level);
@@ -42,7 +43,7 @@ public:
     /// Opens a directory inside another one.
     [[nodiscard]] bool open(const QBLFmDirectory& parent, const char* name);
     /// Opens a directory inside another one, and creates it if it does not exist.
-    /// @param mode  of a new directory, less the umask
+    /// @param mode  the mode of a new directory, minus the umask
     [[nodiscard]] bool create(const QBLFmDirectory& parent, const char* name, unsigned mode);
     /// Opens the directory that contains the file at a path. Follows links. In a directory such as
     /// /tmp (mode 1777), fails with EACCES for a link of another user who does not own the
@@ -54,7 +55,7 @@ public:
 
     /// Opens a file in the directory.
     /// @param flags  as for open(2); O_NOFOLLOW and O_CLOEXEC are added
-    /// @param mode  of a new file, less the umask
+    /// @param mode  the mode of a new file, minus the umask
     /// @return a descriptor, which the caller closes; -1 on failure
     [[nodiscard]] int openFile(const char* name, int flags, unsigned mode = 0) const;
     /// Lists the names in the directory as QBLFmDir::readDir() does; a link counts as its target.
@@ -64,8 +65,8 @@ public:
     [[nodiscard]] bool rename(const char* from, const char* to) const;
     /// Removes a file.
     bool remove(const char* name) const;
-    /// Returns the descriptor, for system calls such as fstatat(2); -1 if nothing is open. It only
-    /// serves to look up names (O_PATH).
+    /// Returns the descriptor, for system calls such as fstatat(2); -1 if nothing is open. The
+    /// descriptor only serves to look up names (O_PATH).
     int getDescriptor() const { return m_iDescriptor; }
 
 private:

@@ -9,9 +9,9 @@
 
 class I18NString;
 
-/// A file, or one of the process's standard streams, which it never closes. Offsets have the type
-/// long: if long has 32 bits, a file of more than 2 GiB is refused with EOVERFLOW. QBLFmFile64
-/// accepts such a file.
+/// A file, or one of the standard streams of the process. A standard stream is never closed.
+/// Offsets have the type long: if long has 32 bits, a file of more than 2 GiB is refused with
+/// EOVERFLOW. QBLFmFile64 accepts such a file.
 ///
 /// No operation throws. A failed operation returns false, -1 or 0, and getLastErrorNumber() tells
 /// why. An operation that a signal interrupts fails with EINTR and is not repeated.
@@ -52,29 +52,31 @@ public:
     /// @{
 
     /// @return the number of bytes read; 0 at the end of the file; -1 on failure. On a closed
-    ///     object, -1 without a change of errno and of the saved error.
+    ///     object, returns -1 and leaves errno and the saved error unchanged.
     virtual long read(void* buffer, unsigned long size);
-    /// @return the number of bytes written, possibly fewer than `size`; -1 as for read()
+    /// @return the number of bytes written, possibly fewer than `size`; -1 in the same cases as
+    ///     read()
     virtual long write(const void* buffer, unsigned long size);
     /// @return the new position; -1 on failure, but 0 on a standard stream that cannot seek
     virtual long seek(long offset, seekorigin origin);
-    /// Seeks to the end and copies the rest of another file there, from the current position of the
-    /// other file. A file may be appended to itself, also through another object: the call then
-    /// copies up to the old end of the file. After a failure, the bytes copied so far stay.
+    /// Seeks to the end of this file and copies the other file there, from its current position to
+    /// its end. A file may be appended to itself, also through another object. The call then copies
+    /// up to the old end of the file. After a failure, the bytes copied so far stay.
     virtual bool append(QBLFmFile& other);
     /// @}
 
     /// @name Opening and closing
     /// @{
 
-    /// Closes the open file, if any, and opens another one. A new file gets mode 0666 less the
+    /// Closes the file if one is open, and opens another file. A new file gets mode 0666 minus the
     /// umask.
-    /// @param readOnly  0 opens for reading and writing, whatever the flags say
+    /// @param readOnly  if 0, opens the file for reading and writing, even if `mode` has another
+    ///     access mode
     virtual bool open(const I18NString& name, createmode mode, int readOnly);
     virtual bool open(const char* name, createmode mode, int readOnly);
-    /// Closes the open file, if any, and wraps a standard stream of the process.
-    /// @return true if the stream was wrapped. Deliberately true also if closing the old file
-    ///     failed; the object is closed then.
+    /// Closes the file if one is open, and wraps a standard stream of the process.
+    /// @return true if the stream was wrapped. Deliberately also true if closing the old file
+    ///     failed; the object is closed in this case.
     virtual bool open(stdiotypes stream);
     /// Closes the file. Returns true for a closed object. The descriptor is released even if the
     /// system reports an error.
@@ -113,7 +115,7 @@ public:
 
 private:
     QBLFmDescriptor m_file;
-    char m_message[64];  // for errors that the system has no fixed text for
+    char m_message[64];  // for error numbers without a fixed text
 };
 
 #endif

@@ -16,7 +16,8 @@ constexpr int kAttempts = 500;
 constexpr unsigned short kModeOfANewFile = 0xFFFF;  // keeps the mode that open(2) set
 std::atomic<unsigned> g_counter{0};
 
-/// Returns a name that no other version in progress has. A file that a crash has left may have it.
+/// Returns a name that no other unfinished version has. A file that remained after a crash may have
+/// this name.
 std::string temporaryName() {
     return ".QBLFm" + std::to_string(getpid()) + "." + std::to_string(++g_counter);
 }
@@ -100,8 +101,8 @@ bool QBLFmReplaceFile::locate(const char* path) {
 
 bool QBLFmReplaceFile::create() {
     // Type, mode, owner and attributes come from one open file, even if another file takes its
-    // name. It is opened with O_PATH: closing any other descriptor would release the locks that the
-    // process has on the file.
+    // name. The file is opened with O_PATH, because closing any other descriptor would release the
+    // locks that the process has on the file.
     const Descriptor from(openat64(m_iDirectory, m_name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     const bool replaces = from.fd >= 0;
     if (!replaces && errno != ENOENT) return false;
@@ -111,7 +112,8 @@ bool QBLFmReplaceFile::create() {
     if (replaces && faccessat(m_iDirectory, m_name.c_str(), W_OK, AT_EACCESS) != 0) return false;
     for (int i = 0; i < kAttempts && m_iFile < 0; ++i) {
         m_temporary = temporaryName();
-        // Only the owner may read a file that is to get the access rights of an old version.
+        // If the new file will get the access rights of an old version, only its owner may read it
+        // until then.
         m_iFile = openat64(m_iDirectory, m_temporary.c_str(),
                            O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, replaces ? 0600 : 0666);
         if (m_iFile < 0) m_temporary.clear();
@@ -128,7 +130,7 @@ bool QBLFmReplaceFile::create() {
     return fchmod(m_iFile, 0600) == 0;
 }
 
-// commit() sets the mode itself, because a write clears the set-id bits.
+// Does not set the mode yet: commit() sets it, because a write clears the set-id bits.
 bool QBLFmReplaceFile::keepOwnerAndMode(unsigned mode, unsigned user, unsigned group) {
     QBLFileStatus status;
     if (!status.get(m_iFile)) return false;
@@ -161,7 +163,7 @@ bool QBLFmReplaceFile::write(const void* data, unsigned long size) {
     return true;
 }
 
-/// Sets the mode of the version and writes it to the disk.
+/// Sets the mode of the version and writes the version to the disk.
 bool QBLFmReplaceFile::settle() {
     if (m_bBroken) return qblSetErrno(m_iLastError);
     if (m_uMode != kModeOfANewFile && fchmod(m_iFile, m_uMode) != 0) return false;
@@ -174,8 +176,8 @@ bool QBLFmReplaceFile::flush() {
 }
 
 /// Commits the version.
-/// @param rename  gives the version the file's name, and stores the name of the file that is to be
-///     removed in m_temporary
+/// @param rename  gives the version the file's name. Stores in m_temporary the name of the file to
+///     remove.
 bool QBLFmReplaceFile::put(bool (QBLFmReplaceFile::*rename)(int), int old) {
     if (!isOpen()) return failed(EBADF);
     bool done = settle();
@@ -226,14 +228,15 @@ bool QBLFmReplaceFile::exchange(int old) {
         return isUnknown && linkAndRename(old);
     }
     if (hasName(m_temporary.c_str(), old)) return true;
-    // Another file took the name between the two calls: it gets its name back and is not removed.
+    // Another file took the name between the two calls. That file gets its name back and is not
+    // removed.
     const QBLKeepErrno keepErrno;
     if (!swap()) m_temporary.clear();
     return false;
 }
 
-/// For file systems that cannot exchange names. Another file that takes the name between the last
-/// check and the rename is lost.
+/// Does the work of exchange() on file systems that cannot exchange names. Another file that takes
+/// the name between the last check and the rename is lost.
 bool QBLFmReplaceFile::linkAndRename(int old) {
     const std::string second = temporaryName();
     const bool isLinked =

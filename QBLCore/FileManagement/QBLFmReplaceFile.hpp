@@ -9,17 +9,18 @@ class QBLFmDirectory;
 
 /// Writes a new version of a file next to the old one and replaces the old version in one step. A
 /// program that opens the file sees the complete old or the complete new version, even after a
-/// crash. A crash may leave the unfinished version, or after commitOver() the old one, under a name
-/// that begins with ".QBLFm".
+/// crash. A crash may leave the unfinished version under a name that begins with ".QBLFm". After
+/// commitOver(), it may leave the old version under such a name.
 ///
 /// - The new version gets the mode, the access control list and the extended attributes of the old
 ///   version, except capabilities and signatures of the content. Before the commit, only the owner
-///   can read it. If there is no old version, the mode is 0666 less the umask from the start.
+///   can read it. If there is no old version, the mode is 0666 minus the umask from the start.
 /// - The new version gets the owner and the group of the old version if the caller may set them. If
-///   the owner or the group differs, the new version loses the set-id bit for it. A different group
-///   gets no more rights than all others have. If the access control list cannot be copied, the
-///   group gets the rights that the list gives to the file's group. If the list cannot be read, for
-///   example without /proc, the group gets no more rights than all others have.
+///   the owner or the group differs, the new version loses the corresponding set-id bit. A
+///   different group gets no more rights than other users have. If the access control list cannot
+///   be copied, the group gets the rights that the list gives to the file's group. If the list
+///   cannot be read, for example without /proc, the group gets no more rights than other users
+///   have.
 /// - A file that the caller may not write is not replaced.
 /// - If the path is a symbolic link, its target is replaced and the link stays. A dangling link is
 ///   refused. In a directory such as /tmp (mode 1777), each link on the path must belong to the
@@ -48,23 +49,24 @@ public:
     /// @name A new version
     /// @{
 
-    /// Discards an unfinished version, if any, and begins a new, empty version. The file need not
-    /// exist; its directory must exist and allow new files.
+    /// Discards the unfinished version if there is one, and begins a new, empty version. The file
+    /// need not exist; its directory must exist and allow new files.
     [[nodiscard]] bool open(const char* path);
-    /// The same for a file in an open directory, so that other users cannot redirect the call.
+    /// Does the same for a file in an open directory. Other users cannot redirect this call.
     /// Refuses a symbolic link with EINVAL.
     [[nodiscard]] bool open(const QBLFmDirectory& directory, const char* name);
     /// Appends to the new version.
-    /// @return false unless all bytes were written; the version can then only be discarded
+    /// @return false unless all bytes were written; after a failure, the version can only be
+    ///     discarded
     [[nodiscard]] bool write(const void* data, unsigned long size);
     /// Waits until the new version is on the disk and gives it the file's name. Then closes the
     /// object, even after a failure.
-    /// @return false if this failed and the old version stays; false also if the file was replaced,
-    ///     but the system cannot guarantee that the new name survives a power failure.
-    ///     isCommitted() distinguishes the two cases.
+    /// @return false if the commit failed and the old version stays. Also returns false if the file
+    ///     was replaced, but the system cannot guarantee that the new name survives a power
+    ///     failure. isCommitted() distinguishes the two cases.
     [[nodiscard]] bool commit();
-    /// Waits until the bytes written so far are on the disk. This shortens commit(), and so the
-    /// time between a last check of the old version and its replacement.
+    /// Waits until the bytes written so far are on the disk. This shortens a later commit(), and
+    /// therefore the time between the caller's last check of the old version and its replacement.
     [[nodiscard]] bool flush();
     /// @}
 
@@ -73,15 +75,15 @@ public:
 
     /// Works as commit(), but replaces only one particular file. Does not overwrite another file
     /// that has taken the name in the meantime. If the file system can exchange two names, the old
-    /// version never loses its name. It stays in the directory, under a temporary name, until the
-    /// object is destroyed or used again. So the caller can still check whether somebody has
-    /// written to the old version, and keep it.
+    /// version always has a name: it stays in the directory, under a temporary name, until the
+    /// object is destroyed or used again. The caller can therefore still check whether somebody has
+    /// written to the old version, and keep it with keepReplaced().
     /// @param old  a descriptor of the file to replace
     /// @return false with ESTALE if another file has the name; otherwise as commit()
     [[nodiscard]] bool commitOver(int old);
     /// After commitOver(): gives the replaced version this name in the directory of the file.
-    /// @return false with EEXIST if the name is in use, with ENOENT if the replaced version has no
-    ///     name any more
+    /// @return false with EEXIST if the name is in use, or with ENOENT if the replaced version no
+    ///     longer has a name
     [[nodiscard]] bool keepReplaced(const char* name);
     /// @}
 
@@ -90,7 +92,7 @@ public:
 
     /// Returns true if the last version has replaced the file.
     bool isCommitted() const;
-    /// Removes the new version, if any.
+    /// Removes the new version if there is one.
     void discard();
     bool isOpen() const;
     /// @}
@@ -119,12 +121,12 @@ private:
     int m_iDirectory;  // -1 if nothing is open
     int m_iFile;       // -1 if nothing is open
     std::string m_name;
-    std::string m_temporary;  // in the directory, as m_name; empty without a new version
+    std::string m_temporary;  // a name in the directory; may be empty
     int m_iLastError;
     bool m_bBroken;  // a write failed
     bool m_bCommitted;
-    char m_message[64];      // for errors that the system has no fixed text for
-    unsigned short m_uMode;  // of the new version after the commit
+    char m_message[64];      // for error numbers without a fixed text
+    unsigned short m_uMode;  // mode of the new version after the commit
 };
 
 #endif

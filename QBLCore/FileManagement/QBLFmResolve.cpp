@@ -11,7 +11,7 @@ constexpr int kMostLinks = 40;  // as in the kernel
 constexpr int kOpenFlags = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
 /// Walks a path name by name. Looks up each name in the open directory, so that it follows exactly
-/// what it has checked.
+/// the links that it has checked.
 class PathWalk {
 public:
     explicit PathWalk(const char* path) : m_rest(path) {}
@@ -77,7 +77,7 @@ private:
         return begin();
     }
 
-    std::string m_rest;  // of the path; begins with "/" or with a name
+    std::string m_rest;  // the part of the path still to walk; begins with "/" or a name
     int m_iFd = -1;
     int m_iLinks = 0;
     bool m_bByLink = false;  // the last name of the path is a link

@@ -8,11 +8,11 @@
 /// Both "/" and "\" are separators. Reads the text character by character in the encoding of the
 /// process's locale, so that a byte inside a character never counts as a separator.
 ///
-/// Threads: any thread, as long as no thread changes the locale.
+/// Threads: any thread may call it, but no thread may change the locale during the call.
 ///
 /// @param length  in bytes; 0 means up to the terminating NUL
-/// @return the length in bytes; 0 for a relative or an empty path; -1 if one of the characters that
-///     it reads is invalid in the locale's encoding
+/// @return the length in bytes; 0 for a relative or an empty path; -1 if the function reads a
+///     character that is invalid in the locale's encoding
 QBL_API long skipRootPath(const char* path, unsigned long length = 0);
 
 #endif

@@ -18,8 +18,9 @@
 #include "QBLCore/FileManagement/internal/QBLFmSystem.hpp"
 
 /// The common code of the two file classes. The system calls use 64-bit offsets; an offset that
-/// does not fit into the type of the class is the error EOVERFLOW. The code is a template because
-/// it calls operations of the object that a derived class may override, such as logLastError().
+/// does not fit into the offset type of the class causes the error EOVERFLOW. The code is a
+/// template because it calls operations of the object that a derived class may override, such as
+/// logLastError().
 template <class File>
 class QBLFmOperations {
 public:
@@ -38,8 +39,8 @@ public:
         return counted(::write(m_file.m_iDescriptor, buffer, std::min(size, kMost)));
     }
 
-    /// Fails with EOVERFLOW if the new position does not fit into the result; the file has moved to
-    /// this position nevertheless.
+    /// Fails with EOVERFLOW if the new position does not fit into the result. The position of the
+    /// file has changed nevertheless.
     Offset seek(Offset offset, int origin) {
         if (!m_file.isOpen()) return -1;
         const std::int64_t position = lseek64(m_file.m_iDescriptor, offset, origin);
@@ -58,7 +59,8 @@ public:
         if (m_self.seek(0, File::end) < 0) return false;
         char small[1024];
         unsigned size = 65536;
-        // From malloc(), because no new-handler needs to be called: a small buffer also works.
+        // Uses malloc(), which calls no new-handler: if memory runs out, the small buffer also
+        // works.
         const std::unique_ptr<char, decltype(&std::free)> large(
             static_cast<char*>(std::malloc(size)), &std::free);
         if (large == nullptr) size = sizeof small;
@@ -144,7 +146,8 @@ private:
     static constexpr std::int64_t kLongest = std::numeric_limits<Offset>::max();
     static constexpr std::size_t kMost = std::numeric_limits<Count>::max();
 
-    /// Opens a file. With 32-bit offsets, the system refuses a file that is too long for them.
+    /// Opens a file. With 32-bit offsets, the system refuses a file that is too long for these
+    /// offsets.
     static int openAny(const char* name, int flags) {
         if constexpr (kLongest == INT64_MAX)
             return ::open64(name, flags, 0666);
@@ -157,7 +160,8 @@ private:
         return static_cast<Count>(result);
     }
 
-    /// Moves a new file away from descriptor 0, which it gets if standard input is closed.
+    /// Moves a new file from descriptor 0 to another descriptor. A new file gets descriptor 0 if
+    /// standard input is closed.
     static int awayFromZero(int flags) {
         const int fd = fcntl(0, (flags & O_CLOEXEC) != 0 ? F_DUPFD_CLOEXEC : F_DUPFD, 3);
         const QBLKeepErrno keepErrno;
@@ -165,9 +169,10 @@ private:
         return fd;
     }
 
-    /// Determines how much of the source to copy. This is everything, except for a file that is
-    /// appended to itself: of such a file, copies only the bytes that exist now, because copying
-    /// would never reach the end. In this case, also sets the position to copy from.
+    /// If a file is appended to itself, limits the copy to the bytes that exist now, because
+    /// otherwise the copy would never reach the end.
+    /// @param rest  receives the number of bytes to copy in this case; otherwise unchanged
+    /// @param from  receives the position to copy from in this case; otherwise unchanged
     bool findRest(const QBLFmDescriptor& source, std::int64_t& rest, std::int64_t& from) {
         QBLFileStatus a, b;
         if (!a.get(m_file.m_iDescriptor) || !b.get(source.m_iDescriptor)) return false;
@@ -177,7 +182,7 @@ private:
         return true;
     }
 
-    /// @param from  the position of the next part, for an object that copies from itself and has
+    /// @param from  the position of the next part if the object copies from itself, because it has
     ///     only one position for reading and writing; otherwise kAll
     bool copy(File& other, char* buffer, unsigned size, std::int64_t rest, std::int64_t from) {
         const bool own = from != kAll;

@@ -12,10 +12,10 @@
 #include "i18n/cpp/i18n_string.hpp"
 #include "i18n/cpp/string/i18n_text_view.hpp"
 
-/// Converts a path to an encoding, without substitution characters: with them, the path could name
-/// another file.
+/// Converts a path to an encoding. Uses no substitution characters, because a path with such
+/// characters could name another file.
 /// @param length  receives the number of bytes, including the terminating NUL
-/// @throws I18NRuntimeError -4 for a path with a character that the encoding lacks
+/// @throws I18NRuntimeError -4 for a path with a character that the encoding does not have
 inline const char* qblPathBytes(const I18NString& path, const char* encoding, int& length) {
     if (i18nIsUTF8(encoding)) {
         const I18NTextView text(path);

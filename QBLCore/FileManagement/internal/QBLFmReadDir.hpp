@@ -4,8 +4,8 @@
 #include <list>
 #include <string>
 
-/// QBLFmDir::readDir() for an open directory.
-/// @param fd  closed by this function; for -1, fails with the current errno
+/// Does the work of QBLFmDir::readDir() for an open directory.
+/// @param fd  the directory, which this function closes; if it is -1, fails with the current errno
 bool qblReadDir(int fd, std::list<std::string>* files, const char* filePattern,
                 std::list<std::string>* dirs, const char* dirPattern);
 

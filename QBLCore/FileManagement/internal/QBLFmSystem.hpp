@@ -25,8 +25,8 @@ inline bool qblSetErrno(int error) {
 }
 
 /// Runs an operation that returns false and sets errno if it fails. Converts exceptions to such
-/// failures: memory runs out, a path is too long for a string, or the platform's encoding lacks a
-/// character of the path.
+/// failures. Exceptions occur if memory runs out, if a path is too long for a string, or if the
+/// platform's encoding does not have a character of the path.
 template <class Body>
 bool qblSettle(Body&& body) {
     try {
@@ -62,7 +62,7 @@ public:
     QBLFmOpenDir(const QBLFmOpenDir&) = delete;
     QBLFmOpenDir& operator=(const QBLFmOpenDir&) = delete;
 
-    /// Takes ownership of a descriptor; for -1, fails with the current errno.
+    /// Takes ownership of a descriptor. If it is -1, fails with the current errno.
     /// @return false with errno set on failure
     bool open(int fd) {
         close();
@@ -74,8 +74,8 @@ public:
     }
     bool isOpen() const { return m_pStream != nullptr; }
     int descriptor() const { return dirfd(m_pStream); }
-    /// Returns the next entry except "." and "..". @return null at the end, with errno 0, and on
-    ///     failure, with errno set
+    /// Returns the next entry; skips "." and "..".
+    /// @return null with errno 0 at the end; null with errno set on failure
     dirent64* next() {
         dirent64* entry;
         do {
