@@ -10,7 +10,7 @@
 class QBL_API QBLErrnoMessage : public QBLMessageComponents {
 public:
     explicit QBLErrnoMessage(int error);
-    /// A severity is not an identifier.
+    /// Deleted: a severity is not an identifier.
     explicit QBLErrnoMessage(QBLSeverity) = delete;
     QBLErrnoMessage(QBLSeverity severity, int error);
     QBLErrnoMessage(const QBLErrnoMessage& other);

@@ -19,8 +19,8 @@
 
 namespace {
 
-// Callers choose the locales, so their number and their length are limited. ICU writes the integers
-// of other locales.
+// Callers choose the locales. The number of styles and the length of locale names are therefore
+// limited. Beyond these limits, ICU writes the integers.
 const std::size_t kMaxStyles = 256;
 const std::size_t kLongestName = 256;
 

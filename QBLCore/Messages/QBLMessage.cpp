@@ -27,7 +27,7 @@ public:
     explicit Texts(const QBLCatalogue& catalogue) : m_pFile(nullptr), m_pCatalogue(&catalogue) {}
 
     /// Returns the text for an identifier, valid until the next call; null if there is no text or
-    /// it is empty.
+    /// the text is empty.
     const char* get(unsigned long id) const {
         if (m_pCatalogue != nullptr) return nullIfEmpty(m_pCatalogue->getText(id));
         char* text = nullptr;
@@ -91,7 +91,7 @@ QBLMessageArgument argumentOf(const QBLMessageParm& parm, const Texts& texts,
 
 /// Appends the text of a message with its parameters.
 /// @param patternOf  returns the pattern for a text
-/// @return false if there is no text or it cannot be formatted; then nothing is appended
+/// @return false, without appending anything, if there is no text or the text cannot be formatted
 template <class PatternOf>
 bool fillIn(const QBLMessageComponents& message, const Texts& texts, const PatternOf& patternOf,
             I18NString& out) {
@@ -163,7 +163,7 @@ void QBLMessage::format(const char* language, const char* fallbackLanguage, I18N
     if (const auto catalogue = QBLCatalogueCache::get(base, locale)) {
         formatted = fillIn(*this, Texts(*catalogue), patternOf, out);
     } else {
-        // Not preloaded: this call needs only one text and the texts that it refers to.
+        // Not preloaded: this call needs only one text and the texts that this text refers to.
         QBLResourceFile file(0);
         formatted = file.open(base, locale) && fillIn(*this, Texts(file), patternOf, out);
     }

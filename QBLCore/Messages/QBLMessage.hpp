@@ -10,15 +10,15 @@ class QBLMessagePattern;
 class QBLResourceFile;
 
 /// A message identifier with parameters, and the catalogue that has its text in each language. The
-/// catalogue is named by the base name of its message files, as for QBLResourceFactory.
+/// name of the catalogue is the base name of its message files, as for QBLResourceFactory.
 ///
 /// The text is an ICU message pattern in UTF-8. The first ten parameters are its arguments:
-/// - All integers are shown as signed 32-bit integers. So unsigned integers above 2147483647
+/// - All integers are shown as signed 32-bit integers. Unsigned integers above 2147483647
 ///   deliberately appear negative.
 /// - A message identifier is shown as its text in the catalogue.
 /// - Opaque values and values of unknown type are shown as an empty text.
 ///
-/// If the message has no parameters and its text has no "{0", the text is shown as it is. If the
+/// If the message has no parameters and its text has no "{0", the text is shown unchanged. If the
 /// file or the text is missing, or the text is not a valid pattern, the message shows its XML form.
 ///
 /// Each format() shows the texts that the file has at that time. The process keeps catalogues in
@@ -33,7 +33,7 @@ public:
     explicit QBLMessage(const char* file);
     QBLMessage(const I18NString& file, unsigned long id);
     QBLMessage(const char* file, unsigned long id);
-    /// A severity must be the first argument.
+    /// Deleted: a severity must be the first argument.
     QBLMessage(const I18NString& file, QBLSeverity) = delete;
     QBLMessage(const char* file, QBLSeverity) = delete;
     QBLMessage(QBLSeverity severity, const I18NString& file, unsigned long id);
@@ -52,14 +52,15 @@ public:
     const I18NString& getMsgFile() const { return m_msgFile; }
 
 protected:
-    /// Returns the language; the fallback if the language is null or empty; "en" if both are. The
-    /// fallback does not help if the language has no text.
+    /// Returns the language if it is neither null nor empty, otherwise the fallback language in the
+    /// same way, otherwise "en". The fallback language is not used for a language without a text.
     static const char* chooseLocale(const char* language, const char* fallbackLanguage);
     /// Appends the text from an open file, with the parameters filled in.
     /// @param file  must be preloaded if the caller keeps the pattern
     /// @param pattern  null in the first call; in later calls for the same open file and locale,
-    ///     the pattern that the call before has left, so that the same text is not parsed again
-    /// @return false, without appending anything, if there is no text or it cannot be formatted
+    ///     the pattern that the previous call stored. The same text is then not parsed again.
+    /// @return false, without appending anything, if there is no text or the text cannot be
+    ///     formatted
     bool formatFrom(QBLResourceFile& file, const char* locale,
                     std::unique_ptr<QBLMessagePattern>& pattern, I18NString& out) const;
 

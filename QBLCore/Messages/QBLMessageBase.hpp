@@ -10,7 +10,7 @@ class I18NString;
 ///
 /// Errors: QBLOutOfMemoryError. A missing message file, text or translation is not an error.
 ///
-/// Threads: not synchronised; only one thread at a time may use a message, also its constant
+/// Threads: not synchronised; only one thread at a time may use a message, even for constant
 /// operations.
 class QBL_API QBLMessageBase {
 public:
@@ -24,11 +24,11 @@ public:
     virtual const char* getClassName() const = 0;
     /// Appends the text for people.
     /// @param language  locales in the order of preference, such as "de_AT de"; null or empty means
-    ///     the fallback language, and "en" if that is null or empty too
+    ///     the fallback language; if that is also null or empty, "en"
     virtual void format(const char* language, const char* fallbackLanguage,
                         I18NString& out) const = 0;
-    /// Appends a `<Message>` element. Texts are inserted as they are, without escaping.
-    /// @param flag  0 shows the identifier and the parameters; otherwise shows the text in the
+    /// Appends a `<Message>` element. Texts are inserted without escaping.
+    /// @param flag  if 0, shows the identifier and the parameters; otherwise shows the text in the
     ///     language
     virtual void toString(const char* language, const char* fallbackLanguage, I18NString& out,
                           int flag) const = 0;
@@ -43,12 +43,12 @@ public:
 
 protected:
     /// Appends the opening `<Message>` tag.
-    /// @param file  the message file's name; null for a message without one
+    /// @param file  the message file's name; null for a message without a file
     void openElement(const I18NString* file, I18NString& out) const;
 
 private:
     QBLSeverity m_severity;
-    unsigned long m_nesting;  // 0 at first
+    unsigned long m_nesting;  // initially 0
 };
 
 #endif

@@ -12,7 +12,7 @@ class QBL_API QBLMessageComponents : public QBLMessageBase {
 public:
     QBLMessageComponents();
     explicit QBLMessageComponents(unsigned long id);
-    /// A severity is not an identifier.
+    /// Deleted: a severity is not an identifier.
     explicit QBLMessageComponents(QBLSeverity) = delete;
     QBLMessageComponents(QBLSeverity severity, unsigned long id);
     QBLMessageComponents(const QBLMessageComponents& other);
@@ -45,7 +45,7 @@ public:
 
 protected:
     /// Appends the `<Message>` element.
-    /// @param file  the message file's name; null for a message without one
+    /// @param file  the message file's name; null for a message without a file
     void writeElement(const I18NString* file, const char* language, const char* fallbackLanguage,
                       I18NString& out, int flag) const;
 

@@ -60,7 +60,8 @@ void QBLMessageFile::format(const char* language, const char* fallbackLanguage,
         auto open = std::make_unique<Open>();
         open->name = getMsgFile();
         open->locale = locale;
-        // Each call searches for a missing file again, because it may be installed meanwhile.
+        // Each call searches for a missing file again, because the file may have been installed
+        // since the last call.
         const bool opened = open->file.open(open->name.toUtf8(), locale);
         delete m_pOpen;
         m_pOpen = opened ? open.release() : nullptr;

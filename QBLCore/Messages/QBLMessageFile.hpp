@@ -3,10 +3,10 @@
 
 #include "QBLCore/Messages/QBLMessage.hpp"
 
-/// A message that is shown often. Between calls of format(), it keeps its message file open and its
-/// text as a parsed pattern. It keeps the file until the caller requests another file or language,
-/// or calls close(). It keeps the pattern for the same time, but only until it shows another text.
-/// A copy of the object does not share the open file or the pattern.
+/// A message that is shown often. Between calls of format(), the object keeps its message file
+/// open, and keeps its text as a parsed pattern. It closes the file if the caller requests another
+/// file or language, or calls close(). It discards the pattern when it closes the file or shows
+/// another text. A copy of the object does not share the open file or the pattern.
 ///
 /// Threads: one thread at a time for each object, also for format() and toString().
 class QBL_API QBLMessageFile : public QBLMessage {
@@ -29,7 +29,7 @@ public:
     const char* getClassName() const override;
     void format(const char* language, const char* fallbackLanguage, I18NString& out) const override;
 
-    /// Sets another file and closes the open one.
+    /// Sets another file and closes the open file.
     void setMsgFile(const I18NString& file);
     void close();
 

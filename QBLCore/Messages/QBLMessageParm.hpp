@@ -24,16 +24,16 @@ enum QBLMsgParm : int {
 /// Threads: not synchronised.
 ///
 ///     const std::string now = QBLUtSystemInfo::getTimeStamp(0);
-///     message << 5 << "disk" << now.c_str();  // a date parameter of 32 bits ends in January 1970
+///     message << 5 << "disk" << now.c_str();  // a 32-bit date parameter ends in January 1970
 class QBL_API QBLMessageParm {
 public:
     /// @name Making a parameter
     /// @{
 
-    /// Stores value and type as they are, even if they do not match.
+    /// Stores value and type unchanged, even if they do not match.
     QBLMessageParm(long value, QBLMsgParm type = QBLMsgParmLong);
     QBLMessageParm(int value);
-    /// @param isMsgId  non-zero for a message identifier
+    /// @param isMsgId  not 0 for a message identifier
     QBLMessageParm(unsigned long value, int isMsgId = 0);
     QBLMessageParm(unsigned value);
     /// Stores a long or an unsigned long. Stores a value of more than 32 bits as a text with its
@@ -55,11 +55,11 @@ public:
 
     QBLMsgParm getType() const { return m_type; }
     /// Reads the value if the type is long or date.
-    /// @return false for another type; the value is 0 then
+    /// @return false, with the value 0, for another type
     bool getValue(long& value) const;
-    /// The same for unsigned longs and message identifiers.
+    /// Does the same for unsigned longs and message identifiers.
     bool getValue(unsigned long& value) const;
-    /// The same for doubles.
+    /// Does the same for doubles.
     bool getValue(double& value) const;
     /// Reads the text form of any type; empty for opaque values and types without a meaning.
     /// @return true
@@ -84,15 +84,15 @@ public:
     /// Appends the text form. @param language  ignored
     void format(const char* language, I18NString& out) const;
     /// Appends a `<MessageParm>` element.
-    /// @param flag  0 shows type and value; otherwise shows the text form. For QBLMsgParmUnknown
-    ///     and types without a meaning, the value deliberately lacks its closing quote: existing
-    ///     readers of these reports expect this form.
+    /// @param flag  if 0, shows type and value; otherwise shows the text form. For
+    ///     QBLMsgParmUnknown and types without a meaning, the value deliberately lacks its closing
+    ///     quote: existing readers of these reports expect this form.
     void toString(const char* language, I18NString& out, int flag) const;
     /// @}
 
 private:
     QBLMsgParm m_type;
-    long m_value;  // all integers; of unsigned ones, the same bits
+    long m_value;  // for all integer types; an unsigned value keeps its bits
     double m_double;
     I18NString* m_pText;  // owned; null if not made from a string
 };

@@ -37,7 +37,7 @@ icu::Formattable toFormattable(const QBLMessageArgument& argument) {
 }
 
 constexpr std::size_t kLongestName = 256;
-// Of a pattern that the process keeps.
+// Limits of a pattern that the process keeps.
 constexpr std::size_t kLongestText = 1024;
 constexpr std::size_t kLargestOut = 4096;
 
@@ -49,7 +49,8 @@ std::string firstOf(const char* locales) {
     if (first.empty()) return std::string();
     const I18NLocale locale(first.c_str());
     std::string name = locale.getName();
-    // Limited, because ICU caches data by locale name and names may come from a program's clients.
+    // The length is limited, because ICU caches data by locale name, and a program's clients may
+    // choose the names.
     if (name.size() <= kLongestName) return name;
     name = locale.getLanguage();
     return name.substr(0, kLongestName);
@@ -75,7 +76,7 @@ QBLMessagePattern::~QBLMessagePattern() = default;
 
 void QBLMessagePattern::dropICU() { m_pICU.reset(); }
 
-// Without memory ICU may take a locale for one without a name.
+// A pattern without a locale name is not keepable: if memory runs out, ICU may lose the name.
 bool QBLMessagePattern::isKeepable() const {
     return !m_locale.empty() && m_text.size() <= kLongestText && m_out.capacity() <= kLargestOut;
 }

@@ -12,7 +12,7 @@ class QBLMessageBase;
 ///
 /// Errors: QBLOutOfMemoryError; the set is then unchanged.
 ///
-/// Threads: not synchronised; only one thread at a time may use a set, also its constant
+/// Threads: not synchronised; only one thread at a time may use a set, even for constant
 /// operations.
 class QBL_API QBLMessageSet {
 public:
@@ -24,9 +24,10 @@ public:
     /// Appends a copy of a message.
     QBLMessageSet& operator<<(const QBLMessageBase& message);
     void addMessage(const QBLMessageBase& message);
-    /// Appends a message and takes ownership of it, even if this fails. Null has no effect.
+    /// Appends a message and takes ownership of it, even if the operation fails. Null has no
+    /// effect.
     void addMessage(QBLMessageBase* message);
-    /// Inserts a copy of a message before all others.
+    /// Inserts a copy of a message before all other messages.
     void addMessageFront(const QBLMessageBase& message);
     unsigned getMessageCount() const { return m_messages.size(); }
     /// @return message n, from 0, owned by the set; null if there is no such message
@@ -47,7 +48,8 @@ public:
 
     /// Appends the texts of all messages, one after the other, as QBLMessageBase::format() does.
     void format(const char* language, const char* fallbackLanguage, I18NString& out) const;
-    /// Appends a `<Messages>` element with the elements of the messages; nothing for an empty set.
+    /// Appends a `<Messages>` element with the elements of the messages; appends nothing for an
+    /// empty set.
     void toString(const char* language, const char* fallbackLanguage, I18NString& out,
                   int flag) const;
 

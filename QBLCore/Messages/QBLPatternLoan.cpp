@@ -5,11 +5,12 @@
 #include <string_view>
 #include <thread>
 
-// A pattern that is not on loan stays in a place that its text and the thread choose. Taking and
-// giving back exchange the pointer of the place, so a pattern belongs to one thread at a time. A
-// thread that finds no pattern there, or another one, parses the text. A thread that gives a
-// pattern back destroys the one that is there by then. Threads use different rows, so they rarely
-// collide.
+// A table stores the patterns that are not on loan. The thread selects the row, and the hash of the
+// text selects the place in the row. Both taking and giving back exchange the pointer in this
+// place, so a pattern belongs to one thread at a time. If a thread finds no pattern or a different
+// pattern in the place, it parses the text. If a thread gives a pattern back and another pattern is
+// in the place by then, the thread destroys that other pattern. Threads usually use different rows,
+// so they rarely collide.
 
 namespace {
 
@@ -31,7 +32,8 @@ QBLPatternLoan::QBLPatternLoan(const char* text, const char* locales) : m_pPlace
         m_pKept = std::make_unique<Kept>(text, locales);
 }
 
-// ICU's formats are large, and keep the time zone that was the default when they were made.
+// Drops ICU's formats: they are large, and keep the time zone that was the default at their
+// creation.
 QBLPatternLoan::~QBLPatternLoan() {
     m_pKept->pattern.dropICU();
     if (m_pKept->locales.size() > kLongestLocales || !m_pKept->pattern.isKeepable()) return;

@@ -10,7 +10,7 @@
 class QBL_API QBLWin32Message : public QBLMessageComponents {
 public:
     explicit QBLWin32Message(unsigned long code);
-    /// A severity is not an identifier.
+    /// Deleted: a severity is not an identifier.
     explicit QBLWin32Message(QBLSeverity) = delete;
     QBLWin32Message(QBLSeverity severity, unsigned long code);
     QBLWin32Message(const QBLWin32Message& other);

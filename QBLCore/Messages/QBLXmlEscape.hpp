@@ -12,13 +12,13 @@ class I18NString;
 /// the entities of XML 1.0, section 4.6. Characters that XML does not allow become U+FFFD: control
 /// characters, U+FFFE, U+FFFF and ill-formed UTF-8. A combining mark at the beginning becomes a
 /// character reference, so that it does not combine with the character before the text. Reports
-/// insert texts as they are, so escape parameters from untrusted sources:
+/// insert texts without escaping. Therefore escape parameters from untrusted sources:
 ///
 ///     message << qblXmlEscape(fileName);
 ///
-/// Threads: any thread.
+/// Threads: any thread may call these functions.
 QBL_API I18NString qblXmlEscape(const I18NString& text);
-/// The same for UTF-8.
+/// Does the same for UTF-8 text.
 QBL_API std::string qblXmlEscape(std::string_view utf8);
 
 #endif

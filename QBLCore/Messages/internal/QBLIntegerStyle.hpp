@@ -4,13 +4,14 @@
 #include <string>
 
 /// How a locale writes integers: digits, groups and signs. The style is read from ICU's number
-/// format and checked against it. A locale that writes integers in another way has no style.
+/// format. If the style writes some sample integers differently than ICU does, the locale has no
+/// style.
 class QBLIntegerStyle {
 public:
-    /// Returns the style of a locale. A style is read once and lives as long as the process.
+    /// Returns the style of a locale. Each style is read once and exists until the process ends.
     /// @return null if ICU must write the locale's integers
     ///
-    /// Threads: any thread.
+    /// Threads: any thread may call it.
     static const QBLIntegerStyle* get(const std::string& locale);
 
     void append(int value, std::string& out) const;
@@ -18,7 +19,7 @@ public:
 private:
     bool learn(const std::string& locale);
 
-    std::string m_digits[10];  // UTF-8, as the other texts
+    std::string m_digits[10];  // UTF-8, like the other texts
     std::string m_separator;
     std::string m_negativePrefix;
     std::string m_negativeSuffix;

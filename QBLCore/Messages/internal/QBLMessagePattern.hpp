@@ -24,15 +24,15 @@ struct QBLMessageArgument {
     std::string_view text;  // UTF-8
 };
 
-/// A parsed message pattern. This class itself formats patterns of texts and plain arguments; ICU
-/// formats other patterns, and all doubles and dates.
+/// A parsed message pattern. This class itself formats patterns that consist of text and plain
+/// arguments. ICU formats other patterns, and all doubles and dates.
 ///
 /// A text that QBLPatternCheck refuses is not a pattern.
 class QBLMessagePattern {
 public:
     static constexpr int kMaxArguments = 10;
 
-    /// @param text  UTF-8; must stay in place and unchanged as long as isFor() is called
+    /// @param text  UTF-8; must keep its address and its content until the last call of isFor()
     /// @param locales  only the first one is used
     QBLMessagePattern(const char* text, const char* locales);
     ~QBLMessagePattern();
@@ -43,7 +43,7 @@ public:
     bool isFor(const char* text) const { return m_pSource == text; }
     /// Returns true if the pattern was made from a text with these bytes.
     bool hasText(std::string_view text) const { return m_text == text; }
-    /// Frees the format of ICU. format() creates it again when it needs it.
+    /// Frees ICU's format object. format() creates the object again when needed.
     void dropICU();
     /// Returns true if the process may keep the pattern: it is small, and has a locale.
     bool isKeepable() const;
@@ -53,14 +53,14 @@ public:
 private:
     struct Piece {
         std::string text;
-        int argument;  // after the text; -1 for none
+        int argument;  // the argument after the text; -1 if there is none
     };
 
     void parse();
     bool formatPlain(const QBLMessageArgument* arguments, int count);
     bool formatByIcu(const QBLMessageArgument* arguments, int count);
 
-    const char* m_pSource;  // not owned, and only compared
+    const char* m_pSource;  // not owned; only its address is compared
     std::string m_text;
     std::string m_locale;
     std::string m_out;  // the last result; each call reuses its memory

@@ -7,19 +7,19 @@
 /// A number as text, in its own buffer. No form depends on the process's locale.
 class QBLNumberText {
 public:
-    /// As printf's "%d" and "%u".
+    /// Writes the number as printf's "%d" or "%u" does.
     template <class Integer>
     static QBLNumberText decimal(Integer value) {
         return QBLNumberText(
             [value](char* first, char* last) { return std::to_chars(first, last, value).ptr; });
     }
-    /// As printf's "%f".
+    /// Writes the number as printf's "%f" does.
     static QBLNumberText fixed(double value) {
         return QBLNumberText([value](char* first, char* last) {
             return std::to_chars(first, last, value, std::chars_format::fixed, 6).ptr;
         });
     }
-    /// As printf's "%#04x": 0 is 0000, 5 is 0x05.
+    /// Writes the number as printf's "%#04x" does: 0 as 0000, 5 as 0x05.
     static QBLNumberText hex(unsigned value) {
         return QBLNumberText([value](char* first, char* last) {
             *first++ = '0';
@@ -37,8 +37,8 @@ private:
         *write(m_text, m_text + sizeof m_text - 1) = '\0';
     }
 
-    // Room for a sign, the digits of the largest double, a point, six decimals and a null
-    // character.
+    // Room for a sign, the digits of the largest double, a point, six decimals and a terminating
+    // NUL.
     char m_text[std::numeric_limits<double>::max_exponent10 + 11];
 };
 

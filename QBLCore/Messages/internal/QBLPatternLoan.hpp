@@ -7,10 +7,10 @@
 
 #include "QBLCore/Messages/internal/QBLMessagePattern.hpp"
 
-/// A parsed pattern for one use. The process keeps patterns that were given back, so that the same
-/// text is rarely parsed twice.
+/// A parsed pattern for one use. The destructor gives the pattern back to a table of the process,
+/// so that the same text is rarely parsed twice.
 ///
-/// Threads: one for each loan; any number of loans.
+/// Threads: one thread for each loan. There may be any number of loans at a time.
 class QBLPatternLoan {
 public:
     /// @param text, locales  as for QBLMessagePattern

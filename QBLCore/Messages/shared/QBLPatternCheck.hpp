@@ -7,9 +7,10 @@
 /// Parses a text as an ICU message pattern and finds its first fault. Programs and the catalogue
 /// compiler share this check, so that each compiled text can be shown.
 ///
-/// In addition to the faults that ICU finds, refuses more than kMaxChoices choices, plurals and
-/// selects, because ICU recurses for nested ones. Also refuses exponents in the options of a number
-/// skeleton, such as "::scale/1E9", because ICU would write all the zeros.
+/// Finds the faults that ICU finds, and two more. A text with more than kMaxChoices choices,
+/// plurals and selects is a fault, because ICU recurses if they are nested. An exponent in the
+/// options of a number skeleton, such as "::scale/1E9", is a fault, because ICU would write all the
+/// zeros.
 struct QBLPatternCheck {
     enum Fault { kNone, kSyntax, kTooManyChoices, kExponent };
     static constexpr int kMaxChoices = 100;
