@@ -10,8 +10,8 @@
 
 namespace {
 
-// hurl() throws a copy. If there is memory for the trace but not for its copy, throws an error
-// without a trace.
+// hurl() throws a copy of the error. If memory suffices for the trace but not for its copy, this
+// function throws an error without a trace.
 [[noreturn]] void hurlOutOfMemory(const QBLFileLocation& where, const char* detail) {
     try {
         QBLOutOfMemoryError(0, nullptr).hurl(where, detail, "QBL_THROW");

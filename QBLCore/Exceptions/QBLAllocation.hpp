@@ -9,7 +9,7 @@
 /// std::exception becomes QBLStdExceptionError with its what(), and anything else becomes
 /// QBLUnknownError. A thread's cancellation or exit passes through unchanged.
 ///
-/// Threads: any thread.
+/// Threads: any thread may call it.
 [[noreturn]] QBL_API void qblRethrowTranslated(const QBLFileLocation& where,
                                                const char* detail = nullptr);
 

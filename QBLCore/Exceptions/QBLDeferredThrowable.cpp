@@ -30,8 +30,8 @@ void QBLDeferredThrowable::check(const QBLFileLocation& where, const char* detai
 
 void QBLDeferredThrowable::clear() { hold(nullptr); }
 
-// The new throwable is complete before the old one is deleted, because it may be a copy of the old
-// one.
+// The new throwable is complete before the old one is deleted, because the new throwable may be a
+// copy of the old one.
 void QBLDeferredThrowable::hold(QBLThrowable* error) {
     delete held;
     held = error;

@@ -9,13 +9,13 @@ class QBLThrowable;
 /// Holds a copy of a throwable, so that an error caught in one place can be thrown again in another
 /// place or on another thread.
 ///
-/// Threads: not synchronised; hand it over under a lock or after joining.
+/// Threads: not synchronised; hand the object over under a lock or after joining the other thread.
 ///
 ///     catch (QBLThrowable& e) { error.set(e); }     // on the worker
 ///     error.check(QBL_HERE, nullptr, "QBL_THROW");  // on the thread that joined it
 class QBL_API QBLDeferredThrowable {
 public:
-    /// Holds nothing.
+    /// Makes an object that holds no throwable.
     QBLDeferredThrowable();
     explicit QBLDeferredThrowable(const QBLThrowable& error);
     QBLDeferredThrowable(const QBLDeferredThrowable& other);
@@ -25,8 +25,8 @@ public:
 
     /// Replaces the held throwable by a copy of error, which may be the held throwable itself.
     void set(const QBLThrowable& error);
-    /// Throws a copy of the held throwable with its own class and a trace entry for the place.
-    /// Does nothing if it holds nothing. The held throwable keeps the entry, so a second check
+    /// Throws a copy of the held throwable with its own class and a trace entry for the place. Does
+    /// nothing if no throwable is held. The held throwable keeps the entry, so a second check()
     /// shows both places.
     void check(const QBLFileLocation& where, const char* detail, const char* tag);
     void clear();

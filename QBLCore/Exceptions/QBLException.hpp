@@ -15,8 +15,8 @@
 ///     };
 ///     QBL_THROW(DiskError(7) << QBLMessage("mytexts", 104) << QBLErrnoMessage(errno));
 ///
-/// The severity is "Error" unless another one is given. The severities of the messages do not
-/// change it.
+/// The severity is "Error" unless the constructor gets another severity. The severities of the
+/// messages do not change the severity of the exception.
 ///
 /// Threads: as with QBLThrowable.
 class QBL_API QBLException : public QBLThrowable, public QBLMessageSet {
@@ -34,11 +34,11 @@ public:
     QBLException& operator=(const QBLException& other);
     ~QBLException() override;
 
-    /// Returns the messages in English, one after the other, as UTF-8. The first call of this or of
-    /// the const form formats them. Later calls return the same text.
+    /// Returns the messages in English, one after the other, as UTF-8. The first call of this
+    /// operation or its const form formats the messages. Later calls return the same text.
     const char* getMessage() override;
-    /// Returns the XML form with the messages in English. The first call makes it. Later calls
-    /// return the same text, even after messages were added.
+    /// Returns the XML form with the messages in English. The first call makes this text. Later
+    /// calls return the same text, even after messages were added.
     const char* toString() override;
     virtual const char* getMessage() const;
     /// Appends the XML form, with the messages in a language.
@@ -49,7 +49,7 @@ public:
     /// Adds a copy of a message.
     QBLException& operator<<(const QBLMessageBase& message);
     QBLSeverity getSeverity() const { return QBLThrowable::getSeverity(); }
-    /// Clears the throwable and the messages; number and severity stay.
+    /// Clears the throwable and the messages; the error number and the severity stay.
     void clear();
 };
 

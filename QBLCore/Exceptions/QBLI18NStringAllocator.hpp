@@ -7,11 +7,11 @@
 /// block. Unlike realloc(3), does not copy its contents.
 /// @param context  not used
 /// @param old  a block of new char[]; may be null
-/// @param size  in bytes; below 1 for no new block
+/// @param size  in bytes; if it is below 1, no new block is allocated
 /// @param status  receives 0, or -1 if memory is exhausted; may be null
-/// @return the new block; null if none was requested, and after a failure
+/// @return the new block; null if no block was requested, or after a failure
 ///
-/// Threads: any thread.
+/// Threads: any thread may call it.
 QBL_API char* QBLI18NStringAllocator(void* context, char* old, int size, int* status);
 
 #endif

@@ -25,7 +25,7 @@ void write(const char* text) { std::fprintf(stderr, "%s\n", text != nullptr ? te
     } catch (const std::exception& e) {
         write(e.what());
     } catch (...) {
-        // The previous handler may know it.
+        // The previous handler may know this exception.
     }
     const std::terminate_handler previous = g_previous;
     if (previous != nullptr) previous();
@@ -35,8 +35,8 @@ void write(const char* text) { std::fprintf(stderr, "%s\n", text != nullptr ? te
 }  // namespace
 
 void qblInstallTerminateHandler() {
-    // Only once. If it were installed again over a handler that calls it, the two would call each
-    // other without end.
+    // Installs the handler only once. If it were installed again after another handler that calls
+    // it, the two handlers would call each other endlessly.
     static const bool kInstalled = [] {
         g_previous = std::set_terminate(report);
         return true;

@@ -3,9 +3,9 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
-/// Installs a handler for uncaught exceptions. Before the process ends, it writes a throwable of
-/// the library to standard error as a line of XML, or another std::exception as its what(). Then it
-/// calls the handler that was installed before.
+/// Installs a handler for uncaught exceptions. Before the process ends, the handler writes the
+/// exception to standard error: a throwable of the library as a line of XML, another std::exception
+/// as its what(). Then it calls the handler that was installed before.
 ///
 /// Threads: any thread may call this; a second call changes nothing.
 QBL_API void qblInstallTerminateHandler();

@@ -20,8 +20,8 @@
 /// QBL_THROW with a detail in the trace entry, usually the operation's name.
 #define QBL_THROW_NAMED(error, detail) QBLThrown{(error)}.hurl(QBL_HERE, detail, "QBL_THROW")
 
-/// For a handler that caught a throwable by reference. Adds this place to its back-trace and
-/// rethrows it:
+/// For a handler that caught a throwable by reference. Adds this place to the back-trace of the
+/// throwable and rethrows it:
 ///     catch (QBLThrowable& e) { QBL_RETHROW(e); }
 #define QBL_RETHROW(error) QBL_RETHROW_NAMED(error, nullptr)
 #define QBL_RETHROW_NAMED(error, detail)                       \
@@ -32,8 +32,8 @@
 
 /// Throws a QBLAssertError if the condition is false. The error's text is the statement itself;
 /// macro names in it are not expanded. The assertion is never compiled out. The condition may
-/// contain commas. The compiler rejects a string literal, alone or after the last comma, because it
-/// would always be true.
+/// contain commas. The compiler rejects a string literal, alone or after the last comma, because a
+/// literal is always true.
 #define QBL_ASSERT(...)                                                                      \
     ((__VA_ARGS__) ? static_cast<void>(sizeof(QBLAssertHolds<!qblEndsInText(#__VA_ARGS__)>)) \
                    : qblAssertFailed(QBL_HERE, "QBL_ASSERT(" #__VA_ARGS__ ");"))
@@ -43,16 +43,16 @@
     (qblHolds(__VA_ARGS__) ? static_cast<void>(0) \
                            : qblAssertFailed(QBL_HERE, "QBL_ASSERT_NAMED(" #__VA_ARGS__ ");"))
 
-/// Returns true if the source text of a condition ends in string literals, and these are the whole
-/// text or follow a comma. It parses the source text, because the type of a condition with a lambda
-/// is not available.
+/// Returns true if a condition consists of string literals, or ends with a comma and string
+/// literals. The function parses the source text of the condition, because the type of a condition
+/// with a lambda is not available.
 constexpr bool qblEndsInText(const char* source) {
     const char* at = source;
     while (*at != '\0') ++at;
     bool isText = false;
     while (at != source && at[-1] == '"') {
-        // Goes back to the quote that begins the literal. Quotes inside have a backslash before
-        // them.
+        // Goes back to the quote that begins the literal. Quotes inside the literal follow a
+        // backslash.
         for (--at; at != source && (at[-1] != '"' || (at - 1 != source && at[-2] == '\\'));) --at;
         if (at == source) return false;
         for (--at; at != source && at[-1] == ' ';) --at;

@@ -46,8 +46,8 @@ QBLThrowable::QBLThrowable()
       severity(QBLSeverityFatal),
       messageText(nullptr) {}
 
-// The other constructors delegate to the default constructor. So if an allocation fails halfway,
-// the destructor frees what was already allocated.
+// The other constructors delegate to the default constructor. If an allocation fails halfway, the
+// destructor therefore frees the memory that was already allocated.
 QBLThrowable::QBLThrowable(QBLSeverity theSeverity, int code, const char* text) : QBLThrowable() {
     errorCode = code;
     severity = theSeverity;
@@ -120,7 +120,7 @@ const char* QBLThrowable::toString() {
         qblAppendThrowable(xml, getThrowableName(), code, getSeverityName(severity), appendMessages,
                            backTrace, "\"/>");
     } catch (const std::length_error&) {
-        throw std::bad_alloc();  // as for all texts that do not fit into memory
+        throw std::bad_alloc();  // as for every text that does not fit into memory
     }
     char* text = qblCopyString(std::string_view(xml));
     delete[] xmlText;
@@ -174,7 +174,7 @@ void QBLThrowable::addBackTrace(const QBLFileLocation& where, const char* detail
 }
 
 void QBLThrowable::copyBackTrace(const QBLList<char*>& entries) {
-    // The list may be this throwable's own, which grows during the loop.
+    // The list may be this throwable's own list, which grows during the loop.
     unsigned int left = entries.size();
     for (auto it = entries.begin(); left != 0; ++it, --left) append(backTrace, *it);
 }

@@ -7,11 +7,12 @@
 #include "QBLCore/Frame/QBLList.hpp"
 
 /// Root of everything that the library throws. It has an error code (a number or a text), a
-/// severity, a message text and a back-trace. The back-trace has an entry for each place where it
-/// was thrown or rethrown, the latest first. Throw with the macros of QBLThrow.hpp.
+/// severity, a message text and a back-trace. The back-trace has an entry for each place where the
+/// throwable was thrown or rethrown, the latest first. Throw with the macros of QBLThrow.hpp.
 ///
-/// A throwable copies all its strings. If memory is exhausted, copying and the XML form throw
-/// std::bad_alloc, but a trace entry is left out instead.
+/// A throwable copies all its strings. If memory is exhausted, copying a throwable or making its
+/// XML form throws std::bad_alloc. If there is no memory for a back-trace entry, the entry is left
+/// out.
 ///
 /// Threads: not synchronised; a throwable belongs to the thread that caught it. Hand it to
 /// another thread in a QBLDeferredThrowable.
@@ -23,10 +24,10 @@ public:
     /// @name Making a throwable
     /// @{
 
-    /// Code 0, severity Fatal, no text.
+    /// Makes a throwable with code 0, severity Fatal and no text.
     QBLThrowable();
     /// @param code  the error number; its lower 32 bits are kept
-    /// @param text  the message text; null for none
+    /// @param text  the message text; null means no text
     QBLThrowable(int code, const char* text);
     QBLThrowable(long code, const char* text);
     QBLThrowable(QBLSeverity severity, int code, const char* text);
@@ -49,7 +50,7 @@ public:
 
     /// Returns a copy of the same class on the heap. The caller deletes it.
     virtual QBLThrowable* clone() const = 0;
-    /// Adds a trace entry to this object and throws a copy of it that has the object's own class.
+    /// Adds a trace entry to this object, and throws a copy of this object with its own class.
     [[noreturn]] virtual void hurl(const QBLFileLocation& where, const char* detail,
                                    const char* tag) = 0;
     /// Returns the message text, which the throwable owns; null if there is no text.
@@ -67,11 +68,11 @@ public:
 
     /// Returns 0 if the code is a text.
     long getErrorCode() const { return errorCode; }
-    /// Returns the code as a text, which the throwable owns; null if it was made from a null code
-    /// text.
+    /// Returns the code as a text, which the throwable owns; null if the throwable was made from a
+    /// null code text.
     const char* getErrorCodeString();
     QBLSeverity getSeverity() const { return severity; }
-    /// "Fatal", "Error", "Warning" or "Information"; "Unknown" for any other value.
+    /// Returns "Fatal", "Error", "Warning" or "Information"; "Unknown" for any other value.
     static const char* getSeverityName(QBLSeverity severity);
     /// @}
 
@@ -83,7 +84,7 @@ public:
     /// Adds an entry at the front. Leaves out a null or empty tag or detail, but keeps the
     /// separator before a missing detail. Does nothing if there is no memory for the entry.
     void addBackTrace(const QBLFileLocation& where, const char* detail, const char* tag) noexcept;
-    /// Appends copies of all entries of a list. The list may be this throwable's own.
+    /// Appends copies of all entries of a list. The list may be this throwable's own list.
     void copyBackTrace(const QBLList<char*>& entries);
     /// Moves all entries of another throwable to the end of this back-trace. Does nothing if the
     /// other throwable is this one.

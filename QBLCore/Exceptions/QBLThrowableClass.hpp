@@ -5,8 +5,8 @@
 
 #include "QBLCore/Exceptions/QBLFileLocation.hpp"
 
-/// Defines the three operations that make a throwable class concrete. It goes into the public
-/// section of a class that only the program uses:
+/// Defines the three operations that make a throwable class concrete. The macro goes into the
+/// public section of a class that only the program uses:
 ///
 ///     class ParseError : public QBLRuntimeError {
 ///     public:

@@ -10,7 +10,7 @@ inline char* qblCopyString(std::string_view text) {
     return copy;
 }
 
-/// The same. Returns null for null.
+/// Does the same, but returns null for null.
 inline char* qblCopyString(const char* text) {
     return text != nullptr ? qblCopyString(std::string_view(text)) : nullptr;
 }

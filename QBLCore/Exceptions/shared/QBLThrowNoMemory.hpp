@@ -6,7 +6,7 @@
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 
-/// Throws QBLOutOfMemoryError with a text, or without it if there is no memory for the text.
+/// Throws QBLOutOfMemoryError with a text, or without the text if there is no memory for it.
 /// QBL_THROW would throw std::bad_alloc in that case.
 /// @param text  may be null
 [[noreturn]] inline void qblThrowNoMemory(const QBLFileLocation& where,
