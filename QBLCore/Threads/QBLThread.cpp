@@ -27,8 +27,9 @@ const char kStart[] = "TavThread interface or unknown error";
 const char kThrew[] = "TavThread caught a hardware exception";
 const char kJoin[] = "TavThread either detected deadlock or an unexpected error occurred";
 
-/// The key that maps a thread to its QBLThread. It is created once and kept, so that a thread that
-/// begins while the library stops still finds it. After a stop, only atExit() no longer uses it.
+/// The key that maps a thread to its QBLThread. The key is created once and never destroyed, so
+/// that a thread that begins while the library stops still finds it. After a stop of the library,
+/// atExit() refuses to work, but all other code still uses the key.
 struct CurrentThread {
     QBLThreadCriticalSection lock{0};
     std::unique_ptr<QBLThreadKey> key;  // guarded by lock
@@ -64,7 +65,8 @@ QBLThread::~QBLThread() {
     TavThread* thread = record();
     if (thread == nullptr) return;
     const QBLNoCancel noCancel;
-    // If this fails, the thread can no longer be joined, and only its record is left to release.
+    // If this fails, the thread can no longer be joined. The destructor then only releases its
+    // record.
     tavContain([this] {
         if (g_current.get() == this)
             g_current.set(nullptr);  // execute() then knows that the object is gone
@@ -177,7 +179,7 @@ void* QBLThread::main(void* self) {
 
 TAV_CATCHES_UNWINDING void QBLThread::execute() {
     if (!tavContain([&] { g_current.set(this); })) return;
-    // Runs also if run() ends the thread, but not if run() has destroyed the object.
+    // Runs even if run() ends the thread, but not if run() has destroyed the object.
     const auto callAtExit = [&] {
         if (g_current.get() != this || m_pAtExit == nullptr) return;
         void (*const routine)() = m_pAtExit;

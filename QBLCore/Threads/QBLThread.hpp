@@ -10,7 +10,7 @@ struct TavThread;
 ///
 /// The destructor waits for the thread. A derived class that overrides run() must call
 /// joinQuietly() first in its own destructor; otherwise the thread would use a partly destroyed
-/// object. Its run() may end with `delete this`.
+/// object. The run() of a derived class may end with `delete this`.
 ///
 /// Threads: one owner calls start(), join() and the destructor. Any thread may call the other
 /// operations, but not isAlive() while the owner starts the thread.
@@ -29,29 +29,29 @@ public:
     explicit QBLThread(QBLThreadRunnable* runnable = nullptr, unsigned long stackSize = 0);
     QBLThread(const QBLThread&) = delete;
     QBLThread& operator=(const QBLThread&) = delete;
-    /// Joins the thread if it still runs. On the thread itself, detaches it instead. A cancellation
-    /// of the caller takes effect only afterwards.
+    /// Joins the thread if it still runs. If called on the thread itself, detaches the thread
+    /// instead. A cancellation of the caller takes effect only afterwards.
     ~QBLThread() override;
     /// @}
 
     /// @name Start and end
     /// @{
 
-    /// Does nothing; for derived classes to override.
+    /// Does nothing. Derived classes may override it.
     void run() override;
 
     /// Requires: the library is initialised.
     /// @throws QBLIllegalStateError if the thread was started and not joined since;
-    ///     QBLOutOfMemoryError; QBLThreadResourceError, without a text if the system has no more
-    ///     threads
+    ///     QBLOutOfMemoryError; QBLThreadResourceError, which has no text if the system cannot
+    ///     create more threads
     void start();
     /// Waits until the thread has ended. Returns at once if no thread was started. Afterwards the
     /// thread may be started again.
     /// @throws QBLThreadResourceError if called on the thread itself, if the thread had no memory
     ///     to begin, or if the system cannot join it
     void join();
-    /// The same for destructors. Throws nothing, defers a cancellation of the caller, and returns
-    /// at once on the thread itself.
+    /// Does the same, for destructors. Throws nothing, defers a cancellation of the caller, and
+    /// returns at once if called on the thread itself.
     void joinQuietly() noexcept;
     /// @return false before start() and after the thread has ended.
     bool isAlive() const;
@@ -67,10 +67,10 @@ public:
     static unsigned long currentThreadId();
     static void sleep(unsigned long ms);
 
-    /// Sets or removes the routine that the calling thread calls after its run() has ended, in
-    /// whatever way. If run() ended by pthread_exit or a cancellation, the routine must not end the
-    /// thread again.
-    /// @param set  non-zero sets the routine, 0 removes an earlier one
+    /// Sets or removes the routine that the calling thread calls after its run() has ended, even if
+    /// an exception, pthread_exit or a cancellation ended it. If run() ended by pthread_exit or a
+    /// cancellation, the routine must not end the thread again.
+    /// @param set  if not 0, sets the routine; if 0, removes the earlier routine
     /// @return 0; -1 if the routine to set is null, if no QBLThread started the calling thread, or
     ///     if the library is stopped
     static int atExit(void (*routine)(), int set);
@@ -79,8 +79,9 @@ public:
     /// @name Start and stop of the library
     /// @{
 
-    /// Opens the key that maps a thread to its QBLThread. The library's start calls it.
-    /// @return 0, also if the key is open; -2 if out of memory; -1 for any other failure
+    /// Opens the key that maps a thread to its QBLThread. The start of the library calls this
+    /// function.
+    /// @return 0, even if the key is already open; -2 if out of memory; -1 for any other failure
     static int Initialize();
     /// Closes the key. From then on atExit() returns -1.
     /// @return 0
@@ -92,7 +93,7 @@ private:
     void execute();
     TavThread* record() const;
 
-    TavThread* m_pThread;  // atomic; kept from start() to the next start or the destructor
+    TavThread* m_pThread;  // atomic; kept until the next start() or the destructor
     QBLThreadRunnable* m_pRunnable;
     unsigned long m_stackSize;
     void (*m_pAtExit)();  // only the thread itself uses it

@@ -2,7 +2,7 @@
 #define QBLCORE_THREADS_QBLTHREADANNOTATIONS_HPP
 
 /// Clang's thread-safety annotations (-Wthread-safety). They tell which lock an operation takes or
-/// needs, and which lock guards a field. For other compilers they are empty.
+/// needs, and which lock guards a field. For other compilers, the macros are empty.
 #if defined(__clang__)
 #define QBL_THREAD_ATTRIBUTE(x) __attribute__((x))
 #else

@@ -6,8 +6,8 @@
 
 struct TavEvent;
 
-/// An event whose signal exactly one waiter takes. Without a waiter, the signal stays until one
-/// comes. Several signals before that count as one.
+/// An event whose signal exactly one waiter takes. Without a waiter, the signal stays until a
+/// waiter comes. Several signals before that count as one signal.
 ///
 /// An operation that the thread layer refuses throws QBLThreadResourceError with a text that
 /// names the operation.
@@ -15,7 +15,7 @@ struct TavEvent;
 /// Threads: any thread may call any operation; the event must outlive every call.
 class QBL_API QBLThreadAutoResetEvent {
 public:
-    /// @param signaled  non-zero makes an event that is signalled
+    /// @param signaled  if not 0, the event is signalled from the start
     /// @throws QBLThreadResourceError, also if memory is exhausted
     explicit QBLThreadAutoResetEvent(int signaled = 0);
     virtual ~QBLThreadAutoResetEvent();
@@ -23,7 +23,7 @@ public:
     QBLThreadAutoResetEvent& operator=(const QBLThreadAutoResetEvent&) = delete;
 
     void wait();
-    /// If another waiter takes the signal first, the full time starts again.
+    /// If another waiter takes the signal first, the full timeout starts again.
     /// @return false if the time ran out.
     [[nodiscard]] bool timedWait(unsigned long ms);
     void signal();

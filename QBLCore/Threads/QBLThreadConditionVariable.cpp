@@ -17,7 +17,7 @@ const char kSignal[] =
 const char kBroadcast[] =
     "QBLThreadConditionVariable::broadcast: TavThread interface or unexpected error";
 
-// Returns null, which the layer refuses, for a mutex that records its holder.
+// Returns null for a mutex that is recursive or records its holder. The layer refuses null.
 pthread_mutex_t* waitable(TavMutex* mutex) {
     return tavMutexExtras(mutex) == 0 ? tavMutexNative(mutex) : nullptr;
 }

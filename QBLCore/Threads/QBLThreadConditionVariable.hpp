@@ -12,7 +12,7 @@ struct TavCondition;
 /// released during the wait. A wait may also end without a signal, so test for the change in a
 /// loop.
 ///
-/// The lock must be a plain one. With a recursive or owner-tracking lock a wait throws
+/// The lock must neither be recursive nor track its owner. With such a lock, a wait throws
 /// QBLThreadResourceError, because the lock's record of its holder would be wrong during the wait.
 /// An operation that the thread layer refuses throws the same error, with a text that names the
 /// operation.
@@ -29,8 +29,8 @@ public:
     QBLThreadConditionVariable(const QBLThreadConditionVariable&) = delete;
     QBLThreadConditionVariable& operator=(const QBLThreadConditionVariable&) = delete;
 
-    /// Requires: the caller holds the lock. The caller holds it again when the wait ends, in
-    /// whatever way.
+    /// Requires: the caller holds the lock. The caller holds the lock again when the wait ends,
+    /// even if an exception or a cancellation ends it.
     void wait(QBLThreadMutex& lock) QBL_REQUIRES(lock);
     void wait(QBLThreadCriticalSection& lock) QBL_REQUIRES(lock);
     void wait(QBLThreadRecursiveMutex&) = delete;

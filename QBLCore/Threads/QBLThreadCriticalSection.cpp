@@ -16,7 +16,8 @@ const char kTryLock[] =
     "QBLThreadCriticalSection::tryLock: TavThread interface or unexpected error";
 const char kNoTryLock[] = "QBLThreadCriticalSection::tryLock not supported on this platform";
 
-// Out of line, so that an uncontended lock or unlock costs little more than the system's.
+// Out of line, so that an uncontended lock or unlock costs little more than the system's lock or
+// unlock.
 [[gnu::noinline]] void lockGeneral(TavMutex* mutex) {
     settle(tavMutexLockGeneral(mutex, __FILE__, __LINE__), QBL_HERE, kLock);
 }

@@ -3,8 +3,8 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
-/// The constructor starts the thread layer of the process. The destructor does not stop it;
-/// qblThreadProcessTerminate() does.
+/// The constructor starts the thread layer of the process. The destructor does not stop the layer;
+/// qblThreadProcessTerminate() stops it.
 ///
 /// Threads: any thread may make an object and read it.
 class QBL_API QBLThreadInit {
@@ -13,7 +13,7 @@ public:
     QBLThreadInit();
 
     bool getSuccess() const { return m_bSuccess; }
-    /// The result of qblThreadProcessInitialize().
+    /// Returns the result of qblThreadProcessInitialize().
     int getErrorCode() const { return m_iErrorCode; }
 
 private:

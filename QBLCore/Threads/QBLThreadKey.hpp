@@ -12,7 +12,7 @@ class QBL_API QBLThreadKey {
 public:
     /// @param destructor  called with the thread's value when a thread ends, unless the value is
     ///     null. Not called for values that exist when the key is destroyed.
-    /// @throws QBLOutOfMemoryError, QBLThreadResourceError (the system has no more keys)
+    /// @throws QBLOutOfMemoryError; QBLThreadResourceError if the system has no more keys
     explicit QBLThreadKey(void (*destructor)(void*) = nullptr);
     virtual ~QBLThreadKey();
     QBLThreadKey(const QBLThreadKey&) = delete;

@@ -4,7 +4,7 @@
 #include "QBLCore/Frame/QBLExport.h"
 #include "QBLCore/Threads/QBLThreadAnnotations.hpp"
 
-/// A lock that one holder at a time can have. QBLThreadGuard holds it for a scope.
+/// A lock that one thread at a time can hold. QBLThreadGuard holds it for a scope.
 ///
 /// Threads: as the derived class says.
 class QBL_API QBL_CAPABILITY("lock") QBLThreadLockableResource {

@@ -15,7 +15,7 @@ struct TavEvent;
 /// call.
 class QBL_API QBLThreadManualResetEvent {
 public:
-    /// @param signaled  non-zero makes an event that is signalled
+    /// @param signaled  if not 0, the event is signalled from the start
     /// @throws QBLThreadResourceError, also if memory is exhausted
     explicit QBLThreadManualResetEvent(int signaled = 0);
     virtual ~QBLThreadManualResetEvent();
@@ -28,7 +28,8 @@ public:
     void initialize(int signaled);
 
     void wait();
-    /// If the event is signalled and reset before the waiter notices, the full time starts again.
+    /// If the event is signalled and reset before the waiter notices, the full timeout starts
+    /// again.
     /// @return false if the time ran out.
     [[nodiscard]] bool timedWait(unsigned long ms);
     void signal();

@@ -12,7 +12,8 @@ const char kUnlock[] = "QBLThreadMutex::unlock: TavThread interface or unexpecte
 const char kTryLock[] = "QBLThreadMutex::tryLock: TavThread interface or unexpected error";
 const char kTimedLock[] = "QBLThreadMutex::timedLock: TavThread interface or unexpected error";
 
-// Out of line, so that an uncontended lock or unlock costs little more than the system's.
+// Out of line, so that an uncontended lock or unlock costs little more than the system's lock or
+// unlock.
 [[gnu::noinline]] void lockGeneral(TavMutex* mutex) {
     settle(tavMutexLockGeneral(mutex, __FILE__, __LINE__), QBL_HERE, kLock);
 }

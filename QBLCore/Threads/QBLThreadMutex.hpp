@@ -14,8 +14,8 @@ struct TavMutex;
 /// Threads: any thread may call any operation; the mutex must outlive every call.
 class QBL_API QBL_CAPABILITY("mutex") QBLThreadMutex : public QBLThreadLockableResource {
 public:
-    /// @param trackOwner  non-zero records for debuggers which thread holds the mutex. This costs
-    ///     time. If the library cannot create a record for the thread, lock() throws
+    /// @param trackOwner  if not 0, the mutex records which thread holds it, for debuggers. This
+    ///     costs time. If the library cannot create a record for the thread, lock() throws
     ///     QBLThreadResourceError, but the mutex is locked nevertheless.
     /// @throws QBLOutOfMemoryError, QBLThreadResourceError
     explicit QBLThreadMutex(int trackOwner = 0);
@@ -25,8 +25,9 @@ public:
     void unlock() override QBL_RELEASE();
     /// @return false if another thread holds the mutex.
     [[nodiscard]] bool tryLock() QBL_TRY_ACQUIRE(true);
-    /// Tries about every 100 ms, but not after the last wait: it misses a mutex that becomes free
-    /// during that wait. With a short timeout, a failure takes up to twice the time.
+    /// Tries about every 100 ms, but does not try again after the last wait. It therefore misses a
+    /// mutex that becomes free during the last wait. With a short timeout, a failure takes up to
+    /// twice the timeout.
     /// @return false if the time ran out.
     [[nodiscard]] bool timedLock(unsigned long ms) QBL_TRY_ACQUIRE(true);
 

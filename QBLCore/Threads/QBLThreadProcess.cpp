@@ -10,7 +10,7 @@ namespace {
 
 const char kLayerName[] = "QBLThreads";
 
-/// The number of starts that are not undone.
+/// The number of starts that no stop has undone yet.
 struct Starts {
     QBLThreadCriticalSection lock{0};
     int count = 0;  // guarded by lock
@@ -24,8 +24,8 @@ Starts& g_starts = qblImmortal<Starts>();
 int qblThreadProcessInitialize(const char*) {
     QBLThreadGuard guard(g_starts.lock);
     ++g_starts.count;
-    // The layer's own result is deliberately ignored: without the layer no thread starts, and
-    // QBLThread::start() reports that.
+    // The layer's own result is deliberately ignored: if the layer is not started,
+    // QBLThread::start() reports this.
     tavThreadProcessInitialize(kLayerName);
     return QBLThread::Initialize();
 }

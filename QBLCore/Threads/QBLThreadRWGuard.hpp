@@ -11,7 +11,7 @@
 ///     QBLThreadRWGuard guard(m_lock, 0);  // as a reader
 class QBLThreadRWGuard {
 public:
-    /// @param write  non-zero to hold it alone, 0 to share it with other readers
+    /// @param write  if not 0, locks as the writer; if 0, locks as a reader
     QBLThreadRWGuard(QBLThreadRWLockableResource& resource, int write) QBL_NO_THREAD_SAFETY_ANALYSIS
         : m_resource(resource) {
         if (write != 0) {

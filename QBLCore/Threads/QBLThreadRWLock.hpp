@@ -7,7 +7,7 @@
 struct TavRWLock;
 
 /// A lock that one writer or any number of readers hold. Writers go first: while a writer waits,
-/// new readers wait too. So a reader must not lock it again.
+/// new readers wait too. A reader must therefore not lock it again.
 ///
 /// An operation that the thread layer refuses throws QBLThreadResourceError with a text that
 /// names the operation.
@@ -30,10 +30,10 @@ public:
     [[nodiscard]] bool tryLock() QBL_TRY_ACQUIRE(true);
     /// @return false if a writer holds the lock or waits for it.
     [[nodiscard]] bool tryReadLock() QBL_TRY_ACQUIRE_SHARED(true);
-    /// If another thread takes the lock first when it becomes free, the full time starts again.
+    /// If the lock becomes free and another thread takes it first, the full timeout starts again.
     /// @return false if the time ran out.
     [[nodiscard]] bool timedLock(unsigned long ms) QBL_TRY_ACQUIRE(true);
-    /// As timedLock(), for a reader.
+    /// Works as timedLock(), but locks as a reader.
     [[nodiscard]] bool timedReadLock(unsigned long ms) QBL_TRY_ACQUIRE_SHARED(true);
 
 private:

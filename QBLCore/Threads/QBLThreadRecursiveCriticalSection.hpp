@@ -3,8 +3,8 @@
 
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 
-/// A QBLThreadCriticalSection that its holder may lock again. It is free after as many unlocks as
-/// locks. An unlock by another thread throws QBLThreadResourceError and changes nothing. Condition
+/// A QBLThreadCriticalSection that its holder may lock again. It is free after one unlock for each
+/// lock. An unlock by another thread throws QBLThreadResourceError and changes nothing. Condition
 /// variables do not accept it.
 ///
 /// Threads: any thread may call any operation; the section must outlive every call.

@@ -3,7 +3,7 @@
 
 #include "QBLCore/Threads/QBLThreadMutex.hpp"
 
-/// A QBLThreadMutex that its holder may lock again. It is free after as many unlocks as locks. An
+/// A QBLThreadMutex that its holder may lock again. It is free after one unlock for each lock. An
 /// unlock by another thread throws QBLThreadResourceError and changes nothing. Condition variables
 /// do not accept it.
 ///

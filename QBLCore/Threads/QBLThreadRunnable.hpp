@@ -6,14 +6,14 @@
 /// A piece of work for a thread or a thread pool.
 ///
 /// Threads: the thread that does the work calls run(). If the runnable was handed over more than
-/// once, several threads may call it at the same time.
+/// once, several threads may call run() at the same time.
 class QBL_API QBLThreadRunnable {
 public:
     QBLThreadRunnable() = default;
     virtual ~QBLThreadRunnable();
 
-    /// Does the work. An exception that leaves it ends the work and is dropped. Keep an error in a
-    /// QBLDeferredThrowable to throw it elsewhere.
+    /// Does the work. An exception that leaves run() ends the work and is dropped. Keep an error in
+    /// a QBLDeferredThrowable to throw it elsewhere.
     virtual void run() = 0;
 };
 

@@ -27,7 +27,7 @@ QBLThreadSemaphore::QBLThreadSemaphore(unsigned long initial) : m_pSemaphore(nul
 QBLThreadSemaphore::~QBLThreadSemaphore() { tavXSemaphoreDestroy(m_pSemaphore); }
 
 void QBLThreadSemaphore::initialize(unsigned long initial) {
-    // A count that is too large must reach the layer as a count that it refuses.
+    // If the count is too large, passes a count that the layer refuses.
     const unsigned int count = initial < UINT_MAX ? static_cast<unsigned int>(initial) : UINT_MAX;
     TavSemaphore* made = nullptr;
     settleCreate(tavXSemaphoreCreate(&made, count, TavSemaphoreAttrEnd), QBL_HERE, kCreate,

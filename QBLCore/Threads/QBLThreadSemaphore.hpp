@@ -6,7 +6,8 @@
 
 struct TavSemaphore;
 
-/// A counter. A wait lowers it by 1, and blocks while it is 0. A post raises it.
+/// A counter. A wait lowers the count by 1, and blocks while the count is 0. A post raises the
+/// count.
 ///
 /// An operation that the thread layer refuses throws QBLThreadResourceError with a text that
 /// names the operation.
@@ -30,11 +31,12 @@ public:
     void wait();
     /// @return false if the count is 0.
     [[nodiscard]] bool tryWait();
-    /// Tries about every 100 ms, but not after the last wait: it notices a post late, and misses a
-    /// post during that wait. With a short timeout, a failure takes up to twice the time.
+    /// Tries about every 100 ms, but does not try again after the last wait. It therefore notices a
+    /// post late, and misses a post during the last wait. With a short timeout, a failure takes up
+    /// to twice the timeout.
     /// @return false if the time ran out.
     [[nodiscard]] bool timedWait(unsigned long ms);
-    /// Wakes up as soon as there is a post. Ends when the time runs out on the monotonic clock.
+    /// Wakes up as soon as there is a post. Measures the timeout on the monotonic clock.
     /// @return false if the time ran out.
     [[nodiscard]] bool boundedWait(unsigned long ms);
     /// Raises the count by n. Does nothing if n is below 1.

@@ -19,8 +19,9 @@ public:
     /// @return the new count.
     virtual int removeReference();
     virtual int getReferenceCount();
-    /// Called when the last reference is removed. Does nothing here, for objects on the stack.
-    /// Objects on the heap usually `delete this`.
+    /// Called when the last reference is removed. This implementation does nothing, because the
+    /// object may be on the stack. A class for objects on the heap usually overrides it with
+    /// `delete this`.
     virtual void cleanup();
 
 protected:

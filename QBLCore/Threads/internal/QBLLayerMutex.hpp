@@ -5,7 +5,7 @@
 #include "TavThread/shared/TavMutexRecord.hpp"
 
 /// Creates the layer's mutex for QBLThreadMutex and QBLThreadCriticalSection.
-/// @return the layer's result; *out is null if it is not 0.
+/// @return the layer's result; if it is not 0, *out is null.
 inline int qblCreateMutex(TavMutex** out, bool trackOwner, bool recursive) {
     const int tracking = trackOwner ? TavMutexAttrTrackOwner : TavMutexAttrNoop;
     const int repeating = recursive ? TavMutexAttrRecursive : TavMutexAttrNoop;

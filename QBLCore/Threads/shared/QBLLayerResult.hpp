@@ -36,7 +36,7 @@ inline void settleCreate(int result, QBLFileLocation where, const char* text,
     settle(result, where, text);
 }
 
-/// For try operations. Returns false if the object was taken.
+/// For try operations. Returns false if the object is busy.
 inline bool settleTry(int result, QBLFileLocation where, const char* text) {
     if (result == TAVTHREAD_BUSY) return false;
     settle(result, where, text);
@@ -51,7 +51,7 @@ inline bool settleTimed(int result, QBLFileLocation where, const char* text) {
 }
 
 /// Converts a timeout for the layer. If long has 64 bits, a time that is too long for the layer
-/// becomes its longest time.
+/// becomes the longest time of the layer.
 inline unsigned int layerTimeout(unsigned long ms) {
     if (ms == ~0UL || ms == TAVTHREAD_INFINITE) return TAVTHREAD_INFINITE;
     return ms < TAVTHREAD_INFINITE ? static_cast<unsigned int>(ms) : TAVTHREAD_INFINITE - 1;
