@@ -10,18 +10,20 @@
 #include "QBLCore/Threads/QBLThreadMutex.hpp"
 #include "QBLCore/Threads/QBLThreadSemaphore.hpp"
 
-// m_available counts the items, and the nulls of wake(), that no get() has claimed. A put inserts
-// the item, then posts, both under the mutex. get() first takes a count, then the mutex, and
-// returns a null if there is no item. So items come out before nulls.
-//   withdraw()  takes an item together with a count. If the count is 0, there are as many calls of
-//               get() in progress as items, and one of them takes this item.
-//   m_free      counts the room of a bounded queue. reserve() lowers it. A get() that finds an
-//               item, withdraw() and release() raise it.
+// m_available counts the items and the nulls of wake() that no get() has claimed yet. A put()
+// inserts the item and then posts m_available, both under the mutex. A get() first lowers the
+// count, then takes the mutex. It returns a null only if there is no item, so items come out before
+// nulls.
+//   withdraw()  removes an item and lowers the count by 1. If the count is 0, a call of get() is in
+//               progress for each item, and one of these calls takes this item.
+//   m_free      counts the room of a bounded queue. reserve() lowers this count. A get() that finds
+//               an item, withdraw() and release() raise it.
 //   m_spares    up to 64 nodes of removed items, for new items; guarded by the mutex.
-// An operation that fails undoes its part, so that both counts stay correct.
+// An operation that fails undoes its changes, so that both counts stay correct.
 //
-// The mutex publishes what putters wrote before. TavBoundedWait.cpp explains the waits.
-// QBLSentinelQueueTest tests failures, and QBLThreadPoolTest the counts, also with x64-tsan.
+// The mutex makes everything that a thread wrote before put() visible to the thread that gets the
+// item. TavBoundedWait.cpp explains the waits. QBLSentinelQueueTest tests failures, and
+// QBLThreadPoolTest the counts, also with x64-tsan.
 
 /// A first-in first-out queue. get() waits for an item. If the queue is bounded, put() waits for
 /// room. A wait ends as soon as there is an item or room, or when its time runs out.
@@ -41,17 +43,17 @@ public:
     QBLSentinelQueue& operator=(const QBLSentinelQueue&) = delete;
 
     /// @param timeout  milliseconds to wait for room
-    /// @return false if the queue stayed full. It then has no copy of the item.
-    /// @throws std::bad_alloc, QBLThreadResourceError; the queue does not change then
+    /// @return false if the queue stayed full. The queue then has no copy of the item.
+    /// @throws std::bad_alloc, QBLThreadResourceError; these errors do not change the queue
     [[nodiscard]] bool put(T& item, unsigned long timeout) { return add(item, timeout, false); }
 
-    /// As put(), but the item comes out before the items that are already in the queue.
+    /// Works as put(), but the item comes out before the items that are already in the queue.
     [[nodiscard]] bool putFirst(T& item, unsigned long timeout) { return add(item, timeout, true); }
 
     /// @param item  receives the first item, or a null from wake()
     /// @param timeout  milliseconds to wait for an item
-    /// @return false if the time ran out; item does not change then
-    /// @throws what copying an item throws; the queue does not change then
+    /// @return false, without a change of `item`, if the time ran out
+    /// @throws the exceptions of copying an item; they do not change the queue
     [[nodiscard]] bool get(T& item, unsigned long timeout) {
         if (!m_available.boundedWait(timeout)) return false;
         bool taken = false;
@@ -68,8 +70,8 @@ public:
         return true;
     }
 
-    /// Makes one get() return a null item, after all items that were put. It needs no memory and no
-    /// room, so it can always end the wait of a thread.
+    /// Makes one get() return a null item when the queue has no other items. This needs no memory
+    /// and no room, so it can always end the wait of a thread.
     void wake() { m_available.post(); }
 
     /// Removes an item that no get() has taken yet.
@@ -79,7 +81,7 @@ public:
             QBLThreadGuard guard(m_items);
             auto it = (*m_items).begin();
             while (it != (*m_items).end() && *it != item) ++it;
-            // If the count is 0, there are as many calls of get() in progress as items.
+            // If the count is 0, a call of get() is in progress for each item.
             if (it == (*m_items).end() || !m_available.tryWait()) return false;
             (*m_items).erase(it);
         }
@@ -88,7 +90,7 @@ public:
     }
 
     /// The first step of put(), for callers that check something between the two steps. Waits for
-    /// room, and keeps it for the caller until putReserved() or release().
+    /// room, and keeps this room for the caller until putReserved() or release().
     /// @return false if the queue stayed full.
     [[nodiscard]] bool reserve(unsigned long timeout) {
         return !m_free || m_free->boundedWait(timeout);
@@ -96,7 +98,7 @@ public:
     /// Puts an item into the room that reserve() has kept. Gives the room back on failure.
     /// @throws as put()
     void putReserved(const T& item) { insertReserved(item, false); }
-    /// Gives the room back. Without a reserve() before, it lets one waiting reserve() or put()
+    /// Gives the room back. Without an earlier reserve(), lets one waiting reserve() or put()
     /// continue, and the queue may then hold one item more than its capacity.
     void release() {
         if (m_free) m_free->post();
@@ -127,9 +129,9 @@ private:
         }
     }
 
-    // New items mostly reuse the nodes of removed items, so that no memory moves between the
-    // threads that put and those that get. The item in a kept node is reset, which must not fail
-    // after the item has been copied.
+    // New items mostly reuse the nodes of removed items, so that no memory moves between threads
+    // that put items and threads that get items. The item in a kept node is reset to T(). This must
+    // not fail, because the item has already been copied.
     static constexpr bool kKeepsNodes =
         std::is_nothrow_default_constructible_v<T> && std::is_nothrow_move_assignable_v<T>;
     void insert(QBLListIterator<T> position, const T& item) QBL_REQUIRES(m_items) {

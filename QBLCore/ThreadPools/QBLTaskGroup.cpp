@@ -16,20 +16,19 @@
 // does not use the group after it has released the lock. A piece is deleted before the count is
 // lowered, because it may refer to objects that live only until the wait ends.
 //
-// The pool has the pieces that it accepted; performAll() runs them on a worker. start() runs a
-// refused piece at once, except within a piece of the same group. There it puts the new piece into
-// m_pRefused and wakes a waiter. The thread of a piece that has ended, waitForAll() or
-// the destructor takes it from there; the destructor runs it on a new thread. Until then the piece
-// is pending, so a wait does not end before it. A thread that a piece ends takes no refused piece
-// (leave()); a wait takes it.
+// The pool runs the pieces that it accepts: performAll() runs on a worker. start() runs a refused
+// piece at once, except if it is called in a piece of the same group. In this case, start() puts
+// the new piece into m_pRefused and wakes the waiters. A thread takes the new piece from m_pRefused
+// when its own piece has ended, or in waitForAll(), or in the destructor. The destructor runs the
+// piece on a new thread. The piece is pending all this time, so no wait ends before the piece. If a
+// piece ends its thread, this thread takes no refused piece (leave()); a wait takes it.
 //
 // The piece that has set m_bFailed under the lock writes m_error while it is pending. wait() reads
 // m_error under the lock when no piece is pending. leave() takes the lock in between. There are no
-// atomics. The innermost Running of a thread, a thread-local pointer, tells if the thread runs a
-// piece of a group.
+// atomics. A thread-local list of Running objects tells whether the thread runs a piece of a group.
 //
-// A mistake here makes a wait hang, or shows as use after free: all of QBLTaskGroupTest, with
-// x86-asan and x64-tsan. NestedPiecesNeedNoStack tests m_pRefused,
+// A mistake here would make a wait hang or cause a use after free. QBLTaskGroupTest would detect it
+// with x86-asan and x64-tsan. NestedPiecesNeedNoStack tests m_pRefused,
 // SurvivesThreadExitAndExhaustedMemory tests leave() and keepError().
 
 namespace {
@@ -38,7 +37,7 @@ const char kTask[] = "QBLTaskGroup::Task::run";
 const char kTag[] = "QBL_THROW";
 const char kOwnPiece[] = "QBLTaskGroup::wait: called by a piece of the group";
 
-/// A group of which this thread runs a piece, and the enclosing Running of the thread.
+/// Records that this thread runs a piece of a group. `outer` is the previous record of the thread.
 struct Running {
     explicit Running(const QBLTaskGroup& g) : group(g), outer(t_innermost) { t_innermost = this; }
     ~Running() { t_innermost = outer; }
@@ -95,7 +94,7 @@ QBLTaskGroup::~QBLTaskGroup() {
     }
 }
 
-/// Runs a piece, and then the pieces that were refused while it ran. The group may be destroyed
+/// Runs a piece, and then refused pieces as long as there are any. The group may be destroyed
 /// afterwards.
 TAV_CATCHES_UNWINDING void QBLTaskGroup::performAll(Task* task) {
     const Running running(*this);
@@ -103,7 +102,7 @@ TAV_CATCHES_UNWINDING void QBLTaskGroup::performAll(Task* task) {
         try {
             task->work();
         } catch (abi::__forced_unwind&) {
-            leave(task);  // this thread ends, so the others run the refused pieces
+            leave(task);  // this thread ends, so other threads run the refused pieces
             throw;
         } catch (...) {
             keepError();
@@ -130,8 +129,8 @@ void QBLTaskGroup::start(Task* task) {
         performAll(task);
         return;
     }
-    // Within a piece, the new piece waits its turn. Otherwise pieces that add pieces would fill the
-    // stack.
+    // This thread already runs a piece of the group, so the new piece must wait. Otherwise pieces
+    // that add pieces would fill the stack.
     QBLThreadGuard guard(m_lock);
     task->m_pNext = m_pRefused;
     m_pRefused = task;
@@ -144,7 +143,7 @@ QBLTaskGroup::Task* QBLTaskGroup::takeRefused() noexcept {
     return task;
 }
 
-/// Returns when no piece is pending. The lock is held before and after.
+/// Waits until no piece is pending. The caller holds the lock before and after the call.
 void QBLTaskGroup::waitForAll() {
     while (m_iPending != 0) {
         if (Task* task = takeRefused()) {
@@ -182,7 +181,7 @@ void QBLTaskGroup::leave(Task* task) noexcept {
     if (--m_iPending == 0) m_allDone.broadcast();
 }
 
-/// The same. Returns a refused piece for this thread to run next, or null.
+/// Does the same, and returns a refused piece for this thread to run next, or null.
 QBLTaskGroup::Task* QBLTaskGroup::leaveForNext(Task* task) noexcept {
     delete task;
     QBLThreadGuard guard(m_lock);

@@ -18,11 +18,11 @@ class QBLThreadExecuteRunnable;
 /// If the pool does not accept a piece at once, because no worker is idle or its queue is full,
 /// run() itself runs the piece. A piece may add other pieces to its group. If the pool does not
 /// accept such a piece, the next thread of the group that becomes free runs it; this can be a
-/// thread in wait(). A piece that waits for another group blocks its worker. So in a pool of a
-/// fixed size, all workers may end up waiting for each other.
+/// thread in wait(). A piece that waits for another group blocks its worker. In a pool of a fixed
+/// size, all workers may therefore end up waiting for each other.
 ///
 /// Threads: any thread may call run() and wait(). The pool must outlive the last wait. Do not stop
-/// the pool before that wait, because a pool that drops its queue would leave the group waiting.
+/// the pool before the last wait has ended: if the pool drops its queue, the group waits forever.
 ///
 ///     QBLTaskGroup group(pool);
 ///     for (File& file : files) group.run([&file] { file.check(); });
@@ -33,15 +33,15 @@ public:
     /// @throws QBLOutOfMemoryError, QBLThreadResourceError
     explicit QBLTaskGroup(QBLThreadExecuteRunnable& pool);
     /// Waits for all pieces. Drops an error that no wait() has thrown. Must not be called in a
-    /// piece of the group. A cancellation of the caller takes effect only afterwards. Pieces that
-    /// the pool has refused run on threads of their own; the destructor waits until the system can
-    /// create these threads.
+    /// piece of the group. A cancellation of the caller takes effect only afterwards. Runs each
+    /// piece that the pool has refused on a new thread, and waits until the system can create this
+    /// thread.
     ~QBLTaskGroup();
     QBLTaskGroup(const QBLTaskGroup&) = delete;
     QBLTaskGroup& operator=(const QBLTaskGroup&) = delete;
 
-    /// Runs a callable. The group copies it or moves it, and destroys the copy on the thread that
-    /// ran it, before a wait for it ends.
+    /// Runs a callable. The group copies or moves the callable. The thread that runs the copy
+    /// destroys the copy before wait() returns.
     /// @throws QBLOutOfMemoryError; the errors of the pool's execute(), such as
     ///     QBLIllegalStateError if the pool is stopped; the errors of copying the callable.
     ///     qblRethrowTranslated turns other exceptions into throwables. If run() throws, the
@@ -55,21 +55,21 @@ public:
         QBL_ALLOC_CATCH
         start(task);
     }
-    /// The same for a runnable. The caller keeps it alive until it has been run.
+    /// Does the same for a runnable. The caller keeps the runnable alive until its run() has ended.
     void run(QBLThreadRunnable& runnable) {
         run([&runnable] { runnable.run(); });
     }
     /// Waits until all pieces have been run. If a piece has failed since the last wait, throws the
-    /// first error with its own class. Its back-trace contains the place where it was thrown and
-    /// the place of this call. qblRethrowTranslated turns other exceptions into throwables. If
-    /// there was no memory to keep the error, throws QBLOutOfMemoryError. If several threads wait
-    /// at the same time, only one of them throws.
+    /// first error with its own class. The back-trace of the error contains the place where it was
+    /// thrown and the place of this call. qblRethrowTranslated turns other exceptions into
+    /// throwables. If there was no memory to keep the error, throws QBLOutOfMemoryError. If several
+    /// threads wait at the same time, only one of them throws.
     /// @throws QBLIllegalStateError if called in a piece of the group, which would deadlock
-    /// @param where  the place; by default, the place of the call
+    /// @param where  the place for the back-trace; by default, the place of the call
     void wait(const QBLFileLocation& where = QBLFileLocation(__builtin_FILE(), __builtin_LINE()));
 
 private:
-    /// A piece of work. It deletes itself when it has been run.
+    /// A piece of work. The group deletes the piece after it has been run.
     class QBL_API Task : public QBLThreadRunnable {
     public:
         explicit Task(QBLTaskGroup& group) : m_group(group) {}
@@ -112,8 +112,8 @@ private:
     int m_iPending;                        // guarded by m_lock, like the members below
     Task* m_pRefused;                      // list of pieces that the pool did not accept
     bool m_bFailed;
-    // The piece that failed first writes it, while it is pending. Empty if there was no memory to
-    // keep the error.
+    // The piece that failed first writes m_error while it is pending. Empty if there was no memory
+    // to keep the error.
     QBLDeferredThrowable m_error;
 };
 

@@ -16,9 +16,9 @@ public:
     virtual ~QBLThreadExecuteRunnable();
 
     /// Hands over a task to run on another thread. The caller still owns the task, and may destroy
-    /// it after its run() has ended. An exception that leaves run() is dropped.
+    /// the task after its run() has ended. An exception that leaves run() is dropped.
     /// @param timeout  milliseconds to wait until the task can be accepted; 0 does not wait
-    /// @return 1 if the task was accepted, else 0.
+    /// @return 1 if the task was accepted, otherwise 0.
     virtual int execute(QBLThreadRunnable* task, unsigned long timeout = 0) = 0;
 };
 

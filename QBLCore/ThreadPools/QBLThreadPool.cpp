@@ -7,8 +7,8 @@ QBLThreadPool::QBLThreadPool() : m_iStopWork(0) {}
 
 QBLThreadPool::~QBLThreadPool() = default;
 
-// The pools are found by their types, because the virtual table must not grow within a major
-// version. In the variable pool no thread waits.
+// Uses casts instead of a virtual operation, because the virtual table must not grow within a major
+// version. In the variable pool, no submitter waits.
 void QBLThreadPool::setStopWork(int stop) {
     m_iStopWork.store(stop);
     if (stop == 0) return;

@@ -8,7 +8,8 @@
 
 /// Base of the thread pools. A pool works from its construction until its destructor. The
 /// destructor sets the stop-work flag, lets the workers end and waits for them. A task may end its
-/// thread, by pthread_exit or a cancellation. Its worker then continues with another thread.
+/// thread, by pthread_exit or a cancellation. The worker that ran the task then continues with
+/// another thread.
 ///
 /// Threads: any thread may call execute() and use the flag. No thread may use a pool that is being
 /// destroyed.
@@ -16,11 +17,12 @@ class QBL_API QBLThreadPool : public QBLThreadExecuteRunnable {
 public:
     ~QBLThreadPool() override;
 
-    /// Returns non-zero if execute() refuses tasks with QBLIllegalStateError.
+    /// Returns the stop-work flag. If it is not 0, execute() refuses tasks with
+    /// QBLIllegalStateError.
     int getStopWork() const { return m_iStopWork.load(); }
-    /// A non-zero value stops the pool's work before its destruction. Calls of execute() that wait
-    /// for a worker or for room throw QBLIllegalStateError, and workers end when they notice the
-    /// flag. Do not clear the flag again.
+    /// Sets the stop-work flag. A value other than 0 stops the pool's work before its destruction.
+    /// Calls of execute() that wait for a worker or for room throw QBLIllegalStateError, and
+    /// workers end when they notice the flag. Do not clear the flag again.
     void setStopWork(int stop);
 
 protected:

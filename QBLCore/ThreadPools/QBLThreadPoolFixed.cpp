@@ -13,26 +13,29 @@
 #include "QBLCore/Threads/QBLThreadSemaphore.hpp"
 #include "QBLCore/Threads/shared/QBLLayerResult.hpp"
 
-// A worker is in the idle queue, or with the thread that took it out of the queue, or at work.
+// At any time, a worker is in the idle queue, or a thread has just taken it out of the queue, or
+// the worker runs a task.
 //
-// 1. A worker that was put into the idle queue ends only after it took itself out again, or after
-//    it was handed a task or a null. So no task is handed to a worker that has ended.
-// 2. A thread that takes a worker out of the queue hands it a task, or a null, exactly once. So no
-//    worker waits for ever, and a destructor that joins it returns.
+// 1. A worker that was put into the idle queue ends only after it has taken itself out again, or
+//    after a task or a null was handed to it. No task is therefore handed to a worker that has
+//    ended.
+// 2. A thread that takes a worker out of the queue hands it exactly one task or null. No worker
+//    therefore waits forever, and a destructor that joins the worker returns.
 // 3. A worker puts itself into the queue, then reads the stop-work flag. A thread that stops the
-//    pool sets the flag, then empties the queue. So each worker is taken out or sees the flag.
-// 4. A null in the idle queue wakes a submitter after the stop. The submitter puts it back for the
-//    next one before it throws.
-// 5. A task may end the worker's thread. QBLPoolWorker then starts another one, which puts the
-//    worker into the queue as after any task (serve(true)).
+//    pool sets the flag, then empties the queue. Each worker is therefore taken out or sees the
+//    flag.
+// 4. A null in the idle queue wakes a submitter after the stop. Before this submitter throws, it
+//    puts the null back for the next submitter.
+// 5. A task may end the worker's thread. QBLPoolWorker then starts another thread, which puts the
+//    worker into the queue, as after any task (serve(true)).
 //
 // Memory order: in rule 3 each side writes one variable, then reads the other one. The flag is
 // sequentially consistent, and the queue's semaphore changes by locked instructions, which are full
 // barriers on x86. m_pTask needs no such order: only the thread that took the worker out stores it,
 // and m_handOff publishes it. m_workers changes only while the pool is constructed and destroyed.
 //
-// A mistake here loses a task or never joins a worker: QBLThreadPoolTest
-// .DestructorRunsEveryAcceptedTask, .WorkerGetsANewThreadWhenATaskEndsItsThread,
+// A mistake here would lose a task or never join a worker. Tests of QBLThreadPoolTest that detect
+// it: .DestructorRunsEveryAcceptedTask, .WorkerGetsANewThreadWhenATaskEndsItsThread,
 // .StopFlagWakesWaitingSubmittersAndLosesNoTask, .FailedConstructionLeavesNoThread.
 
 namespace {
@@ -53,8 +56,8 @@ public:
     /// Requires: the worker was handed null, or takes itself out of the idle queue.
     ~WorkerThread() override { close(); }
 
-    /// Requires: the worker is not in the idle queue, and was not handed anything since it left the
-    /// queue.
+    /// Requires: the worker is not in the idle queue, and nothing was handed to it since it left
+    /// the queue.
     void process(QBLThreadRunnable* task) {
         m_pTask.store(task, std::memory_order_relaxed);
         m_handOff.post();
@@ -91,7 +94,7 @@ private:
             try {
                 beIdle();
                 return m_pool.getStopWork() == 0 || !m_pool.m_idle.withdraw(this);
-            } catch (const std::bad_alloc&) {  // no memory for its place in the queue
+            } catch (const std::bad_alloc&) {  // no memory for an entry in the queue
                 const QBLNoCancel noCancel;
                 QBLThread::sleep(10);
                 if (m_pool.getStopWork() != 0) return false;
@@ -100,8 +103,8 @@ private:
     }
 
     QBLThreadPoolFixed& m_pool;
-    // The queue from the pool to this worker. It needs only one place, because the worker is handed
-    // a task only when it is idle. So handing over cannot fail and never waits.
+    // The hand-over from the pool to this worker. One variable is enough, because the pool hands a
+    // task only to an idle worker. The hand-over therefore cannot fail and never waits.
     std::atomic<QBLThreadRunnable*> m_pTask{nullptr};
     QBLThreadSemaphore m_handOff;
 };

@@ -10,18 +10,19 @@
 // 1. A submitter puts its task into the queue, then reads the stop-work flag. If the flag is set,
 //    the submitter takes the task back and throws, unless a worker has taken the task.
 // 2. A worker reads the flag before it looks into the queue. It ends only if the flag was set and
-//    the queue was empty, or if its task must be dropped. So it has seen every accepted task.
-// 3. A stop adds one place to the queue. A submitter that gets a place and sees the flag gives the
-//    place back. So all waiting submitters get it one after the other.
+//    the queue was empty, or if its task must be dropped. No accepted task is therefore overlooked.
+// 3. A stop adds room for one task to the queue. A submitter that gets this room and sees the flag
+//    gives the room back. All waiting submitters therefore get the room one after the other.
 // 4. A null comes out of the queue after all tasks, and wakes a worker to check the flag. A stop
-//    puts a null for each worker, and a worker that ends puts a null for another one.
+//    puts a null for each worker, and a worker that ends puts a null for another worker.
 //
 // Memory order: in rules 1 and 2 each side writes one variable, then reads the other one. The flag
 // is sequentially consistent, and the queue's semaphore changes by locked instructions, which are
 // full barriers on x86. The queue's mutex publishes the tasks and what submitters wrote before. An
 // idle worker checks the flag every ten seconds, because setStopWork() alone wakes only submitters.
 //
-// A mistake here loses a task or keeps a submitter waiting: QBLThreadPoolTest
+// A mistake here would lose a task or keep a submitter waiting. Tests of QBLThreadPoolTest that
+// detect it:
 // .StopFlagWakesWaitingSubmittersAndLosesNoTask, .QueuedFinishesOrDropsQueuedTasksAsConfigured,
 // .QueuedLimitsItsQueueToTheCapacity, .DestructorRunsAcceptedTasksEvenIfWorkersEnd.
 
@@ -50,7 +51,7 @@ public:
 private:
     void serve(bool) override {
         work();
-        m_pool.m_tasks.wake();  // the null that ended this worker may have been for another
+        m_pool.m_tasks.wake();  // the null that ended this worker may be for another worker
     }
 
     void work() {
@@ -78,7 +79,7 @@ QBLThreadPoolQueued::QBLThreadPoolQueued(unsigned long workers, unsigned long ca
       m_tasks(m_capacity) {
     try {
         for (unsigned long i = 0; i < m_workerCount; ++i) {
-            m_workers.push_back(nullptr);  // before the worker, which needs a place when it runs
+            m_workers.push_back(nullptr);  // first, so that storing a running worker cannot fail
             m_workers.back() = new WorkerThread(*this, stackSize);
         }
         for (WorkerThread* worker : m_workers)
@@ -96,7 +97,7 @@ QBLThreadPoolQueued::~QBLThreadPoolQueued() {
 
 int QBLThreadPoolQueued::execute(QBLThreadRunnable* task, unsigned long timeout) {
     static Nothing s_nothing;
-    if (task == nullptr) task = &s_nothing;  // it takes a place in the queue like any task
+    if (task == nullptr) task = &s_nothing;  // a null also takes room in the queue
     bool accepted = false;
     QBL_ALLOC_TRY
     const bool room = getStopWork() == 0 && m_tasks.reserve(timeout);
@@ -113,8 +114,8 @@ int QBLThreadPoolQueued::execute(QBLThreadRunnable* task, unsigned long timeout)
 
 void QBLThreadPoolQueued::wakeSubmitters() { m_tasks.release(); }
 
-// A null wakes each waiting worker, so that the destruction takes only as long as the work, and
-// does not wait for a poll.
+// Puts a null for each worker. Waiting workers then notice the stop at once, not only when they
+// next poll the flag.
 void QBLThreadPoolQueued::stop() {
     setStopWork(1);
     for (unsigned int i = m_workers.size(); i != 0; --i) m_tasks.wake();
@@ -122,5 +123,5 @@ void QBLThreadPoolQueued::stop() {
         delete m_workers.front();
         m_workers.pop_front();
     }
-    if (m_iFinishQueuedWork != 0) qblRunLeft(m_tasks);  // left by workers that ended in a task
+    if (m_iFinishQueuedWork != 0) qblRunLeft(m_tasks);  // remain if tasks ended the workers
 }

@@ -7,16 +7,16 @@
 
 /// A pool with a fixed number of workers and one queue, which may be bounded.
 ///
-/// Threads: as QBLThreadPool.
+/// Threads: as for QBLThreadPool.
 class QBL_API QBLThreadPoolQueued : public QBLThreadPool {
 public:
     /// @param capacity  maximum number of waiting tasks; 0 means unbounded
     /// @param finishQueuedWork  what happens to tasks in the queue when setStopWork() or the
-    ///     destructor sets the stop-work flag. Non-zero: they are run, and the destructor waits for
-    ///     them. 0: they are dropped without being run.
-    /// @param stackSize  of each worker, in bytes; 0 or a value below the system's default means
-    ///     the default
-    /// @throws QBLOutOfMemoryError, QBLThreadResourceError; all threads have ended then
+    ///     destructor sets the stop-work flag. If it is not 0, the workers run these tasks, and the
+    ///     destructor waits for them. If it is 0, these tasks are dropped and never run.
+    /// @param stackSize  the stack size of each worker in bytes; 0 or a value below the system's
+    ///     default means the default
+    /// @throws QBLOutOfMemoryError, QBLThreadResourceError, after all threads have ended
     QBLThreadPoolQueued(unsigned long workers, unsigned long capacity, int finishQueuedWork = 1,
                         unsigned long stackSize = 0);
     ~QBLThreadPoolQueued() override;
@@ -24,7 +24,7 @@ public:
     /// @param task  null is accepted and does nothing
     /// @param timeout  milliseconds to wait for room in the queue
     /// @return 0 if the queue stayed full.
-    /// @throws QBLIllegalStateError if the stop-work flag is set, also while it waits;
+    /// @throws QBLIllegalStateError if the stop-work flag is set before or during the wait;
     ///     QBLOutOfMemoryError
     int execute(QBLThreadRunnable* task, unsigned long timeout = 0) override;
 

@@ -14,39 +14,45 @@
 // The queue, the lists, both counts and the workers' states change under m_mutex only.
 //
 // The states of a worker:
-//   starting  made by addWorker(). Its thread is lost if there is no memory for it to begin.
-//   awake     has begun: runs a task, or looks for one, or was woken and will look.
-//   idle      found the queue empty, and waits to be woken. Idle workers are at the front of
-//             m_living, which has all of the states above; the latest is woken first.
-//   dead      in m_dead: leave() moves an idle worker there when its time is up or the pool stops,
-//             and an awake one that a task has ended; buryLost() moves a lost one. Not counted.
-//   gone      reap() has taken it out, and joins and deletes it without the mutex.
+//   starting  created by addWorker(). If its thread has no memory to begin, the worker is lost.
+//   awake     has begun: runs a task, looks for a task, or was woken and will look for a task.
+//   idle      found the queue empty, and waits to be woken. m_living contains the starting, awake
+//             and idle workers. The idle workers are at its front; the worker that became idle
+//             last is woken first.
+//   dead      in m_dead. leave() moves an idle worker there when its idle time is over or the pool
+//             stops, and moves an awake worker there when a task has ended its thread. buryLost()
+//             moves a lost worker there. m_workerCount does not include dead workers.
+//   gone      reap() has taken the worker out of m_dead. reap() then joins and deletes the worker
+//             without the mutex.
 //
-// The hand-over is counted. m_taskCount is the number of tasks in the queue minus the number of
-// workers that were woken and have not looked yet. Putting a task and the look of a woken worker
-// add 1; taking a task and waking a worker subtract 1. A worker that looks takes any task, also one
-// that another worker was woken for; so the count may be below 0.
+// m_taskCount is the number of tasks in the queue minus the number of workers that were woken and
+// have not looked into the queue yet. Putting a task adds 1. A woken worker that looks adds 1.
+// Taking a task subtracts 1. Waking a worker subtracts 1. A worker that looks takes any task, even
+// if another worker was woken for this task. The count may therefore be below 0.
 //
-// 1. While the count is above 0 no worker is idle: who puts a task wakes an idle worker then, and
-//    a worker becomes idle only if it sees the queue empty.
+// 1. While the count is above 0, no worker is idle. A thread that puts a task then wakes an idle
+//    worker, and a worker becomes idle only if it finds the queue empty.
 // 2. While the queue has a task, a worker is awake or a thread is in submit() or replaceWorker().
-//    Only idle workers leave, and a woken one is not idle. A worker that a task ends replaces
-//    itself while the count is above 0; at or below 0, woken workers are enough. submit() returns
-//    only if the count is not above 0, a worker is awake, or it has taken the task back.
-// 3. A task is put only if the stop-work flag is seen unset. So workers that leave at a stop have
-//    seen all tasks. The destructor runs what is left when tasks have ended their workers.
+//    Only idle workers leave, and a woken worker is not idle. If a task ends a worker's thread, the
+//    worker replaces itself while the count is above 0. If the count is not above 0, the woken
+//    workers are enough. submit() returns only if the count is not above 0, if a worker is awake,
+//    or if submit() has taken the task back.
+// 3. A thread puts a task only if it sees that the stop-work flag is not set. Workers that leave at
+//    a stop have therefore seen all tasks. If tasks have ended all workers, the destructor runs the
+//    tasks that remain.
 // 4. After the destructor has set the flag and taken the mutex once, no other thread adds workers
-//    or takes dead workers. So it may join the living without the mutex.
+//    or takes dead workers. The destructor may therefore join living workers without the mutex.
 //
 // Memory order: the mutex orders all of this. Without it, counts and m_someDead are only hints, and
 // what is seen is looked at again under it. The flag is not under the mutex, but whoever takes the
 // mutex after a thread that saw it set sees it too. wake() follows without the mutex, except
 // in the destructor: its worker stays until it has got that wake-up, because it is not idle before.
 //
-// A mistake loses a task, or a destructor waits for ever (QBLThreadPoolTest):
+// A mistake here would lose a task, or make a destructor wait forever. These tests of
+// QBLThreadPoolTest would detect it, also with x64-tsan and repeated (--gtest_repeat):
 // VariableLosesNoTaskWhenItsWorkersRetire, VariableSurvivesATaskThatEndsItsThread,
 // VariableReapsAWorkerWhoseExitRoutineSubmits, DestructorRunsAcceptedTasksEvenIfWorkersEnd,
-// StopFlagWakesWaitingSubmittersAndLosesNoTask; with x64-tsan too, repeated (--gtest_repeat).
+// StopFlagWakesWaitingSubmittersAndLosesNoTask.
 
 namespace {
 
@@ -54,7 +60,8 @@ const char kStopped[] = "QBLThreadPoolVariable::execute: attempted to execute wh
 
 const std::int64_t kPatienceNs = 50000;
 
-// Under the mutex: no other thread writes, so it needs no atomic addition.
+// Requires: the caller holds the mutex. No other thread writes then, so no atomic addition is
+// needed.
 void add(std::atomic<unsigned int>& count, int n) {
     const unsigned int before = count.load(std::memory_order_relaxed);
     count.store(before + static_cast<unsigned int>(n), std::memory_order_relaxed);
@@ -89,9 +96,9 @@ public:
 
     bool waitUntilBegun() { return qblHasBegun(*this, m_began); }
 
-    // Requires for the next five: the pool's mutex is held.
+    // Requires for the next five members: the caller holds the pool's mutex.
 
-    /// @return null if no worker is idle; otherwise the caller must call wake() on it.
+    /// @return null if no worker is idle; otherwise the caller must call wake() on the worker.
     static WorkerThread* takeIdle(QBLThreadPoolVariable& pool) {
         WorkerThread* worker = pool.m_living.empty() ? nullptr : pool.m_living.front();
         if (worker == nullptr || !worker->m_bIdle) return nullptr;
@@ -106,7 +113,7 @@ public:
     }
     bool isIdle() const { return m_bIdle; }
     void setAwake() { m_bStarting = false; }
-    QBLListIterator<WorkerThread*> place;  // among the living
+    QBLListIterator<WorkerThread*> place;  // in m_living
 
     void wake() { m_wake.post(); }
 
@@ -157,7 +164,7 @@ private:
     }
 
     const int m_iTemporary;
-    bool m_bStarting = true;  // guarded by the pool's mutex, as m_bIdle is
+    bool m_bStarting = true;  // guarded by the pool's mutex, like m_bIdle
     bool m_bIdle = false;
     QBLThreadRunnable* m_pTask = nullptr;  // the worker's thread alone uses it
     QBLThreadPoolVariable& m_pool;
@@ -214,8 +221,8 @@ bool QBLThreadPoolVariable::submit(QBLThreadRunnable* task, unsigned long timeou
     }
     if (idle != nullptr) idle->wake();
     if (!needsWorker()) return true;
-    // While a worker is awake the task will be run: to report a failure then would make its owner
-    // free it too early.
+    // If a worker is awake, it will run the task. If submit() reported a failure in this case, the
+    // owner would free the task too early.
     const auto takeBack = [this, task] {
         QBLThreadGuard guard(m_mutex);
         const bool alone = WorkerThread::countStarting(*this) == m_workerCount;
@@ -224,7 +231,7 @@ bool QBLThreadPoolVariable::submit(QBLThreadRunnable* task, unsigned long timeou
         return true;
     };
     try {
-        const QBLNoCancel noCancel;  // the first worker is waited for, under the mutex
+        const QBLNoCancel noCancel;  // waits for a first worker under the mutex
         addWorker();
     } catch (...) {
         if (takeBack()) throw;
@@ -232,8 +239,9 @@ bool QBLThreadPoolVariable::submit(QBLThreadRunnable* task, unsigned long timeou
     return getStopWork() == 0 || !takeBack();
 }
 
-// Whether the count is above 0, and still is after about the time that a new thread takes to come
-// up: by then a worker may have come free, as it does when tasks are short.
+// Returns true if the count is above 0 and there is no worker. Otherwise returns true if the count
+// stays above 0 for about the time that a new thread takes to start: if tasks are short, a worker
+// becomes free in this time.
 bool QBLThreadPoolVariable::needsWorker() const {
     if (!outnumbered()) return false;
     if (m_workerCount == 0) return true;
@@ -278,16 +286,16 @@ void QBLThreadPoolVariable::addWorker() {
     m_living.back() = worker.release();
 }
 
-// On the thread of a worker that a task has ended.
+// Runs on a worker's thread that a task has ended.
 void QBLThreadPoolVariable::replaceWorker() {
     while (getStopWork() == 0 && outnumbered()) {
         tavContain([this] { addWorker(); });
-        QBLThread::sleep(1);  // until the new worker has looked, or for memory to come free
+        QBLThread::sleep(1);  // the new worker must look, or memory become free
     }
 }
 
-// Moves a worker to the dead; from then on only reap() may touch it. With mayStay, returns false if
-// the worker was woken in the meantime; it then stays.
+// Moves a worker to m_dead. From then on, only reap() may access the worker. If mayStay is true and
+// the worker was woken in the meantime, returns false, and the worker stays.
 bool QBLThreadPoolVariable::leave(WorkerThread& worker, bool mayStay) {
     QBLThreadGuard guard(m_mutex);
     if (mayStay && !worker.isIdle()) return false;
@@ -297,7 +305,8 @@ bool QBLThreadPoolVariable::leave(WorkerThread& worker, bool mayStay) {
     return true;
 }
 
-// A thread that got no memory even to begin has ended without a word.
+// Moves lost workers to m_dead. The thread of a lost worker had no memory to begin, and ended
+// without calling leave().
 void QBLThreadPoolVariable::buryLost() {
     QBLThreadGuard guard(m_mutex);
     for (auto it = m_living.begin(); it != m_living.end();) {
@@ -309,8 +318,8 @@ void QBLThreadPoolVariable::buryLost() {
     }
 }
 
-// Joins and destroys dead workers: all of them, or only those whose threads have ended. In the
-// second case no thread waits for another thread's exit routine or for itself. Joins without the
+// Joins and destroys dead workers: all of them, or only workers whose threads have ended. In the
+// second case, no thread waits for another thread's exit routine or for itself. Joins without the
 // mutex, because an exit routine may need it.
 void QBLThreadPoolVariable::reap(bool all) {
     while (m_someDead) {

@@ -6,20 +6,23 @@
 #include "QBLCore/ThreadPools/QBLThreadPool.hpp"
 #include "QBLCore/Threads/QBLThreadMutex.hpp"
 
-/// A pool that starts workers as needed: a task that finds no free worker gets a new one. The first
-/// workers stay for the pool's life. The others end after they have been idle for a while.
+/// A pool that starts workers as needed: a task that finds no free worker gets a new worker. The
+/// first workers stay as long as the pool exists. The other workers end after they have been idle
+/// for a while.
 ///
 /// The number of workers deliberately has no upper bound: a burst of tasks can start one worker per
-/// task. The pool runs every accepted task, even if its destruction begins before. A worker has a
-/// stack of 4,096,000 bytes, or of the system's default if that is larger.
+/// task. The pool runs every accepted task, even if the destruction of the pool begins before the
+/// task runs. A worker has a stack of 4,096,000 bytes, or of the system's default size if that is
+/// larger.
 ///
-/// Threads: as QBLThreadPool.
+/// Threads: as for QBLThreadPool.
 class QBL_API QBLThreadPoolVariable : public QBLThreadPool {
 public:
     /// Starts no thread yet.
     /// @param permanentWorkers  number of workers that stay
     /// @param defaultTimeout  milliseconds, for execute() with a timeout of 0
-    /// @param idleTimeout  milliseconds without a task after which one of the other workers ends
+    /// @param idleTimeout  milliseconds after which one of the other workers ends if it gets no
+    ///     task
     /// @throws QBLOutOfMemoryError, QBLThreadResourceError
     QBLThreadPoolVariable(unsigned long permanentWorkers, unsigned long defaultTimeout,
                           unsigned long idleTimeout);
@@ -29,8 +32,8 @@ public:
     /// @param task  null is accepted and does nothing
     /// @param timeout  has no effect in practice, because the queue is unbounded
     /// @throws QBLIllegalStateError if the stop-work flag is set; QBLOutOfMemoryError or
-    ///     QBLThreadResourceError if there is no worker and none can be started. The task is then
-    ///     not accepted.
+    ///     QBLThreadResourceError if there is no worker and no worker can be started. The task is
+    ///     then not accepted.
     int execute(QBLThreadRunnable* task, unsigned long timeout = 0) override;
 
     /// A snapshot of the number of live workers.
@@ -50,14 +53,15 @@ private:
 
     std::atomic<unsigned int>
         m_workerCount;  // changes under m_mutex: addWorker(), leave(), buryLost()
-    std::atomic<unsigned int> m_taskCount;  // queued tasks minus woken workers; under m_mutex too
+    std::atomic<unsigned int>
+        m_taskCount;  // queued tasks minus woken workers; changes under m_mutex
     const unsigned long m_defaultTimeout;
     const unsigned long m_idleTimeout;
     const unsigned long m_permanentWorkers;
     QBLSentinelQueue<QBLThreadRunnable*> m_tasks;
-    QBLList<WorkerThread*> m_dead;  // ended or about to; guarded by m_mutex
+    QBLList<WorkerThread*> m_dead;  // workers that have ended or soon will; guarded by m_mutex
     mutable QBLThreadMutex m_mutex;
-    QBLList<WorkerThread*> m_living;      // one element per worker counted; guarded by m_mutex
+    QBLList<WorkerThread*> m_living;      // one element per counted worker; guarded by m_mutex
     std::atomic<bool> m_someDead{false};  // changes under m_mutex only
 };
 

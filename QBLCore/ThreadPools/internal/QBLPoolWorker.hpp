@@ -11,7 +11,7 @@
 #include "TavThread/shared/TavContain.hpp"
 
 /// A worker of a pool of a fixed size. A task may end the thread that runs it. This thread then
-/// starts another one, with which the worker continues. The worker never waits for the end of the
+/// starts another thread, and the worker continues on it. The worker never waits for the end of the
 /// earlier threads, because an exit routine may wait for the pool.
 class QBLPoolWorker : public QBLThreadRunnable {
 public:
@@ -38,7 +38,8 @@ public:
     }
 
 protected:
-    /// Runs tasks until the pool stops. A cancellation must not end it between two tasks.
+    /// Runs tasks until the pool stops. A cancellation must not end this function between two
+    /// tasks.
     /// @param again  true if a task has ended an earlier thread of this worker
     virtual void serve(bool again) = 0;
 
@@ -90,8 +91,8 @@ private:
     QBLThreadSemaphore m_began;  // posted by each thread
     QBLThreadMutex m_lock;
     bool m_bClosed = false;     // guarded by m_lock
-    bool m_bSucceeded = false;  // each thread sets it before it starts the next one
-    // Guarded by m_lock; does not change after m_bClosed is set. The last one serves.
+    bool m_bSucceeded = false;  // each thread sets it before it starts the next thread
+    // Guarded by m_lock; does not change after m_bClosed is set. The last thread serves.
     std::list<QBLThread> m_threads;
 };
 

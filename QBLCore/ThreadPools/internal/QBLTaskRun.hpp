@@ -13,7 +13,7 @@ constexpr unsigned long kPoolStackSize = 4096000;
 /// Runs a task, if it is not null, on a worker. Drops all exceptions, except the end of the thread.
 /// A cancellation ends the worker in a task or right after it, but never between taking a task and
 /// running it, because there is no cancellation point in between. A task may change how its thread
-/// can be cancelled; this is undone after the task.
+/// can be cancelled; this function undoes the change after the task.
 inline void qblRunTask(QBLThreadRunnable* task) {
     if (task == nullptr) return;
     tavContain([task] { task->run(); });
@@ -23,8 +23,9 @@ inline void qblRunTask(QBLThreadRunnable* task) {
     pthread_testcancel();
 }
 
-/// QBLSentinelQueue::get() for workers. Defers a cancellation, which could swallow a wake-up.
-/// Deferring takes time, so this is done only for a wait.
+/// Calls QBLSentinelQueue::get() for a worker. Defers a cancellation during a wait, because a
+/// cancellation could swallow a wake-up. Deferring takes time, so the function first tries to get a
+/// task without a wait.
 inline bool qblTakeTask(QBLSentinelQueue<QBLThreadRunnable*>& tasks, QBLThreadRunnable*& task,
                         unsigned long timeout) {
     if (tasks.get(task, 0)) return true;
@@ -33,26 +34,26 @@ inline bool qblTakeTask(QBLSentinelQueue<QBLThreadRunnable*>& tasks, QBLThreadRu
     return tasks.get(task, timeout);
 }
 
-/// Starts a thread of a destructor.
-/// @return false if no thread can be started any more, as after the stop of the library. True if
-/// the
-///     thread has been started, or lacked memory or another resource that may come free.
+/// Starts a thread for a destructor.
+/// @return false if the system can no longer start threads, as after the stop of the library. True
+///     if the thread has been started, or if it lacked memory or another resource that may become
+///     free.
 inline bool qblMayStart(QBLThread& thread) {
     bool mayStart = true;
     tavContain([&] {
         try {
             thread.start();
         } catch (QBLThreadResourceError& error) {
-            mayStart = error.getMessage() == nullptr;  // a text means an error that stays
+            mayStart = error.getMessage() == nullptr;  // an error with a text is permanent
         }
     });
     return mayStart;
 }
 
-/// Runs a task once, on a thread of its own, and waits until this thread has ended. The task may
-/// end the thread. Tries until a thread has begun, however long this takes: the caller is a
-/// destructor, and a task that ends its thread must not run on the thread of a destructor. Only if
-/// no thread can be started any more, the calling thread runs the task.
+/// Runs a task once, on a new thread, and waits until this thread has ended. The task may end the
+/// thread. Tries until a thread has begun, however long this takes: the caller is a destructor, and
+/// a task that ends its thread must not run on the thread of a destructor. The calling thread runs
+/// the task only if the system can no longer start threads.
 /// @param stackSize  as for QBLThread
 inline void qblRunOnOwnThread(QBLThreadRunnable& task, unsigned long stackSize) {
     struct Noting : QBLThreadRunnable {
@@ -62,7 +63,7 @@ inline void qblRunOnOwnThread(QBLThreadRunnable& task, unsigned long stackSize) 
             task.run();
         }
         QBLThreadRunnable& task;
-        bool begun = false;  // read when the thread has been joined
+        bool begun = false;  // read after the thread has been joined
     } noting(task);
     const QBLNoCancel noCancel;
     while (!noting.begun) {
@@ -76,7 +77,7 @@ inline void qblRunOnOwnThread(QBLThreadRunnable& task, unsigned long stackSize) 
     }
 }
 
-/// Runs the tasks left in a pool's queue when there are no workers any more.
+/// Runs the tasks that remain in a pool's queue after all workers have ended.
 inline void qblRunLeft(QBLSentinelQueue<QBLThreadRunnable*>& tasks) {
     QBLThreadRunnable* task = nullptr;
     while (tasks.get(task, 0) && task != nullptr) qblRunOnOwnThread(*task, kPoolStackSize);
