@@ -19,39 +19,44 @@
 #include "QBLCore/Utility/QBLUtSystemInfo.hpp"
 #include "TavThread/shared/TavContain.hpp"
 
-// m_jobLock guards the lists. It is held briefly, and never while a task runs. m_taskLock is for
-// the wait between two passes. A thread that holds m_taskLock may take m_jobLock.
+// m_jobLock guards the lists. Threads hold it briefly, and never while a task runs. m_taskLock is
+// for the wait between two passes. A thread that holds m_taskLock may take m_jobLock.
 //
-// 1. During a pass, the list m_tasks belongs to the thread: only the thread adds or erases, under
-//    m_jobLock, so that others may read. A caller that deregisters a task puts null in its place
-//    and waits for the end of the pass. The beginning of each pass increases `passes`. So the
-//    caller waits for only one pass, even if passes follow each other closely, and no pass waits
-//    for the caller.
+// 1. During a pass, only the custodian's thread adds entries to m_tasks or erases entries. It does
+//    this under m_jobLock, so that other threads may read the list. A caller that deregisters a
+//    task replaces its entry by null and waits for the end of the pass. The beginning of each pass
+//    increases `passes`. The caller therefore waits for only one pass, even if passes follow each
+//    other closely, and no pass waits for the caller.
 // 2. Mutexes are not fair: callers that register and deregister without a pause could keep the
-//    thread from m_jobLock for a long time. So the thread sets `wanted` before it takes the lock. A
-//    caller that sees `wanted` waits once, on `changed`, until the thread releases the lock.
+//    thread from m_jobLock for a long time. Therefore the thread sets `wanted` before it takes the
+//    lock. A caller that sees `wanted` waits once, on `changed`, until the thread releases the
+//    lock.
 // 3. A task that ends its thread does not end the pass: another thread continues with the next
-//    task. `at` and `last` tell it where to continue. They belong to the thread that runs the pass.
-// 4. The custodian is destroyed only when it has no users. User counts a call. terminate() first
+//    task. `at` and `last` tell the new thread where to continue. Only the thread that runs the
+//    pass uses them.
+// 4. The custodian is destroyed only when it has no users. A User counts one call. terminate()
+// first
 //    takes the custodian out of Shared, then waits until the count is 0. A later call finds no
 //    custodian. deRegisterTask() then waits for the end of the stop, because the last pass may call
 //    the task.
 //
 // The thread (m_started) starts with the first task. It waits (waitForPass), calls the tasks
 // (inPass), and ends after the pass that began with m_terminating set (lastPass). A task is in
-// m_jobs (registered, not in a pass yet), in m_tasks, a null in m_tasks (withdrawn during a pass,
-// erased at its end), or in neither list. Only a Turn of the thread moves tasks from m_jobs to
-// m_tasks.
+// m_jobs (registered, not in a pass yet), in m_tasks, or in neither list. If a task is withdrawn
+// during a pass, m_tasks has a null in its place until the end of the pass. Only a Turn of the
+// thread moves tasks from m_jobs to m_tasks.
 //
 // Memory order: the two locks or the lock of Shared guard everything, except:
-//   schedule     is stored before m_taskLock is taken and the wait is woken, so a wait sees it.
+//   schedule     is stored before m_taskLock is taken and the wait is woken, so the wait sees the
+//                new value.
 //   wanted       is a hint. It is read and cleared under m_jobLock: a caller that sees it set waits
 //                before the thread has the lock, and the thread's Turn wakes the caller.
 //   a task's place in m_tasks during a pass: null is stored and loaded relaxed. It only means "do
 //                not call". The end of the pass, under m_jobLock, means that no call runs.
 //   m_waiting    is changed and read under m_jobLock.
 //
-// A mistake here calls a destroyed task or waits for ever. Tests, also with x64-tsan:
+// A mistake here would call a destroyed task or wait forever. Tests that detect it, also with
+// x64-tsan:
 // QBLCustodianTest .DeregistrationWaitsForThePass,
 // .SurvivesRegistrationsFromManyThreadsDuringTheStop, .TaskThatEndsItsThreadAffectsNoOtherTask,
 // .StopsWithoutWaitingButCallsEveryTaskOnce (a lost signal).
@@ -61,7 +66,7 @@
 namespace {
 
 constexpr unsigned long kStackSize = 4096000;
-constexpr std::uint64_t kLongest = INT64_MAX;  // of a wait, in ms
+constexpr std::uint64_t kLongest = INT64_MAX;  // longest wait in ms
 constexpr unsigned long kFirstSchedule = 60000;
 constexpr int kExitStatus = 327;
 
@@ -71,8 +76,8 @@ struct Shared {
     QBLThreadConditionVariable changed;  // waited on until users is 0, or stopping is false
     QBLCustodian* m_Custodian QBL_GUARDED_BY(m_globallock) = nullptr;
     std::atomic<unsigned long> schedule{kFirstSchedule};     // changes under m_globallock
-    unsigned long process QBL_GUARDED_BY(m_globallock) = 0;  // where the custodian's thread is
-    int users QBL_GUARDED_BY(m_globallock) = 0;              // calls that use the custodian
+    unsigned long process QBL_GUARDED_BY(m_globallock) = 0;  // of the custodian's thread
+    int users QBL_GUARDED_BY(m_globallock) = 0;  // number of calls that use the custodian
     bool stopping QBL_GUARDED_BY(m_globallock) = false;
 
     static Shared& instance() { return qblImmortal<Shared>(); }
@@ -105,7 +110,7 @@ TAV_CATCHES_UNWINDING bool isFinished(QBLCustodianTask& task, int terminating) {
     } catch (QBLThrowable& e) {
         dieOf(e);
     } catch (const std::bad_alloc&) {
-        // The odd name in the caption is part of the record's form.
+        // The odd name in the caption is part of the record format.
         die("QBLCustodian Caught CSTD_STD_NAME::bad_alloc Exception", "");
     } catch (const std::exception& e) {
         die("QBLCustodian Caught C++ Exception", e.what());
@@ -115,7 +120,7 @@ TAV_CATCHES_UNWINDING bool isFinished(QBLCustodianTask& task, int terminating) {
 }
 
 bool isEndless(unsigned long schedule) {
-    // NOLINTNEXTLINE(misc-redundant-expression): two numbers if long has 64 bits
+    // NOLINTNEXTLINE(misc-redundant-expression): the numbers differ if long has 64 bits
     return schedule == ~0UL || schedule == 0xFFFFFFFFUL;
 }
 
@@ -123,8 +128,8 @@ bool isFrozen(unsigned long schedule) { return schedule == 0 || isEndless(schedu
 
 }  // namespace
 
-/// The custodian that initialize() creates. It has the members that cannot be added to the fixed
-/// layout of its base class.
+/// The class of the custodian that initialize() creates. The layout of the base class is fixed, so
+/// this class has the other members.
 class QBLCustodian::Body : public QBLCustodian {
 public:
     Body() : began(0), other(this, kStackSize) {}
@@ -148,14 +153,14 @@ public:
     bool inPass = false;                 // guarded by m_jobLock, like the next two
     unsigned passes = 0;                 // number of passes that have begun
     bool lastPass = false;               // the last pass is over
-    // The threads use these one after the other.
+    // The two threads use these members one after the other.
     QBLListIterator<QBLCustodianTask*> at{m_tasks.begin()};
     int last = 0;
     bool otherServes = false;
-    QBLThreadSemaphore began;  // each thread posts it
-    QBLThread other;           // alternates with the base
+    QBLThreadSemaphore began;  // each thread posts it when it begins
+    QBLThread other;           // alternates with the base class's thread
 
-    /// Holds m_jobLock for the thread.
+    /// Holds m_jobLock for the custodian's thread.
     class QBL_SCOPED_CAPABILITY Turn {
     public:
         explicit Turn(Body& body) QBL_ACQUIRE(body.m_jobLock) : m_body(body) {
@@ -173,7 +178,7 @@ public:
     private:
         Body& m_body;
     };
-    /// The same for callers of the custodian.
+    /// Holds m_jobLock for a caller of the custodian.
     class QBL_SCOPED_CAPABILITY Call {
     public:
         explicit Call(Body& body) QBL_ACQUIRE(body.m_jobLock) : m_body(body) {
@@ -237,7 +242,7 @@ void QBLCustodian::terminate() {
         shared.m_Custodian = nullptr;
         if (shared.process != QBLUtSystemInfo::getProcessId()) {
             // The custodian belongs to the parent process. There is no thread to wait for, and its
-            // locks may be held for ever.
+            // locks may never be released.
             shared.users = 0;
             shared.stopping = false;
             return;
@@ -260,7 +265,7 @@ unsigned long QBLCustodian::setSchedule(unsigned long ms) {
         if (isFrozen(before)) return before;
         shared.schedule = ms;
     }
-    User user;  // the custodian may be waiting for the previous time
+    User user;  // the thread may still wait for the previous time
     if (user.custodian() != nullptr) {
         user.custodian()->lockForChange();
         user.custodian()->m_taskLock.unlock();
@@ -306,7 +311,7 @@ QBLCustodian::QBLCustodian()
 
 QBLCustodian::~QBLCustodian() = default;
 
-// When it returns, both threads have ended.
+// When the destructor returns, both threads have ended.
 QBLCustodian::Body::~Body() {
     lockForChange();
     {
@@ -404,7 +409,7 @@ void QBLCustodian::Body::waitForPass() {
             static_cast<void>(m_wakeup.timedWait(m_taskLock, static_cast<unsigned long>(left)));
         }
     }
-    if (Shared::instance().schedule == 0) yield();  // to callers, because there may be no tasks
+    if (Shared::instance().schedule == 0) yield();  // lets callers run even if there is no task
     Turn turn(*this);
     takeNewTasks();
     at = m_tasks.begin();

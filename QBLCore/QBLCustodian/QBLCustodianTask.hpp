@@ -12,14 +12,14 @@ class QBL_API QBLCustodianTask {
 public:
     virtual ~QBLCustodianTask();
 
-    /// Does one pass of the work, on the custodian's thread. It may register tasks. It must not
+    /// Does one pass of the work, on the custodian's thread. doIt() may register tasks. It must not
     /// deregister a task that has already been in a pass. It must not start or stop the library,
-    /// which may be waiting for it. An exception that leaves it ends the process: see QBLCustodian.
-    /// If it ends its thread, the custodian continues with another thread. Cancellations have no
-    /// effect on the custodian's threads.
-    /// @param terminating  1 in the last pass, while the library stops; else 0
-    /// @return non-zero if the task is finished, so that the custodian drops it; 0 to be called
-    ///     again
+    /// because the library may be waiting for doIt(). An exception that leaves doIt() ends the
+    /// process: see QBLCustodian. If doIt() ends its thread, the custodian continues with another
+    /// thread. Cancellations have no effect on the custodian's threads.
+    /// @param terminating  1 in the last pass, while the library stops; otherwise 0
+    /// @return 0 if the custodian must call the task again; any other value if the task is finished
+    ///     and the custodian must drop it
     virtual int doIt(int terminating) = 0;
 };
 
