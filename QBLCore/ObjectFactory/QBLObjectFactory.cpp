@@ -10,42 +10,46 @@
 #include "QBLCore/ObjectFactory/QBLObjectFactoryItem.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 
-// A LISTS_STRUCT has the data of a class. Structs are freed only with the factory, so that a
-// creation may use a struct that it remembers (m_recent) even if its class was removed. A struct
-// either serves a class (registered, in the map) or is unused. serve() and retire() change that,
-// under the locks of the map and of the free list. In an unused struct, classId keeps its last
-// value.
+// A LISTS_STRUCT has the data of a class. Structs are freed only with the factory, so that
+// createObject() may use a struct from m_recent even if the class of the struct was removed. A
+// struct either serves a class (registered, in the map) or is unused. serve() and retire() change
+// that, under the locks of the map and of the free list. In an unused struct, classId keeps its
+// last value.
 //
 // An item of the factory is in one of four states. `latest` holds at most one item.
 //   handed out  m_free is false; the item is in allItems only.
-//   released    m_free is true; only the thread that set it uses the item, on its way to `latest`.
+//   released    m_free is true; only the thread that set m_free uses the item, and moves it to
+//               `latest`.
 //   latest      stored and taken by an exchange, so only one thread gets the item.
 //   listed      in freeItems, under its lock; items get there only from `latest`.
-// releaseObject() changes m_free by an exchange, so only one of two releases counts. createObject()
-// first takes from `latest`, without a lock, then from the list. If both are empty, it calls the
-// creator. inFlight counts the calls in progress.
+// releaseObject() changes m_free by an exchange: if two threads release an item, only one release
+// has an effect. createObject() first takes from `latest`, without a lock, then from the list. If
+// both are empty, it calls the creator. inFlight counts the creator calls in progress.
 //
-// 1. `nodes` has a node for each item that is in allItems and not in freeItems. So an item needs no
-//    memory to enter or leave the list.
-// 2. retire() moves `latest` to the list. It succeeds only if all items are there and inFlight is
-//    0. So the class of a struct does not change while a thread has an item or creates one.
+// 1. `nodes` has a node for each item that is in allItems and not in freeItems. An item therefore
+//    needs no memory to enter or leave the list.
+// 2. retire() moves `latest` to the list. It succeeds only if all items are in the list and
+// inFlight
+//    is 0. The class of a struct therefore does not change while a thread has or creates an item.
 // 3. takeLatest() reads classId twice. The first check leaves items of other classes alone. The
 //    second check stays valid while the item is taken (rule 2). If the struct has changed its class
-//    between the two checks, the item goes back at once. An unregisterClass() of that class at this
-//    moment reports an object in use.
-// 4. putFree() uses nothing after its exchange if `latest` was empty: the item may already be
-//    deleted. If `latest` had an item, that item belongs to this thread until it is in the list,
-//    and so the class stays.
+//    between the two checks, the item goes back at once. If unregisterClass() is called for the
+//    new class at this moment, it reports an object in use.
+// 4. If `latest` was empty, putFree() accesses nothing after its exchange, because the item may
+//    already be deleted. If `latest` had an item, that item belongs to this thread until the thread
+//    has put it into the list, so the class stays registered.
 //
-// Memory order: exchanges of `latest` acquire and release. So the next user of an item sees what
-// its last user and cleanObject() wrote, and the classId under which the item was created. m_recent
-// is stored with release and loaded with acquire, so a struct found there is complete. m_free is
-// cleared relaxed, by the only thread that has the item. The locks guard everything else.
+// Memory order: exchanges of `latest` acquire and release. The next user of an item therefore sees
+// everything that its last user and cleanObject() wrote, and the classId under which the item was
+// created. m_recent is stored with release and loaded with acquire, so a struct found there is
+// complete. m_free is cleared relaxed, by the only thread that has the item. The locks guard
+// everything else.
 //
-// A mistake here hands an item out twice, or under the id of another class.
-// QBLObjectFactoryTest.ServesThreadsThatRegisterCreateAndRelease detects it with x86-asan and with
-// x64-tsan, which reports a weaker exchange. StaysUsableWhenMemoryRunsOut tests rule 1. A run
-// rarely hits the moment between the two checks of rule 3.
+// A mistake here would hand out an item twice, or under the id of another class.
+// QBLObjectFactoryTest.ServesThreadsThatRegisterCreateAndRelease detects this with x86-asan and
+// x64-tsan. x64-tsan also reports an exchange with a weaker memory order.
+// StaysUsableWhenMemoryRunsOut tests rule 1. A run rarely hits the moment between the two checks of
+// rule 3.
 
 namespace {
 
@@ -72,15 +76,16 @@ struct QBLObjectFactory::LISTS_STRUCT {
     void pushFree(QBLObjectFactoryItem* item);
 
     Creator creator = nullptr;  // changes with classId
-    Items freeItems;            // except the one released last
+    Items freeItems;            // except the item in `latest`
     Items allItems;
     // Changes only while no thread has or creates an item.
     std::atomic<char*> classId{nullptr};
-    // The item released last, if it is free. So a creation right after a release needs no lock.
+    // The item released last, if it is free. With it, createObject() needs no lock right after a
+    // release.
     std::atomic<QBLObjectFactoryItem*> latest{nullptr};
-    // The lock of the free list guards these. There is a node for each item that is not in the
-    // list, so that releasing an item, or handing out an existing item, needs no memory and cannot
-    // fail.
+    // The lock of the free list guards the next three members. `nodes` has a node for each item
+    // that is not in the list, so that releasing an item, or handing out an existing item, needs no
+    // memory and cannot fail.
     ItemList nodes;
     int inFlight = 0;  // running creators
     bool registered = false;
@@ -94,8 +99,8 @@ void QBLObjectFactory::LISTS_STRUCT::serve(char* id, Creator function) {
     registered = true;
 }
 
-/// Hands out the item released last. Returns null if it is not free, or if this struct serves
-/// another class.
+/// Hands out the item released last. Returns null if that item is not free, or if this struct
+/// serves another class.
 QBLObjectFactoryItem* QBLObjectFactory::LISTS_STRUCT::takeLatest(const char* id) {
     // An item of another class must not count as handed out, even for a moment.
     if (classId.load(std::memory_order_acquire) != id) return nullptr;
@@ -109,9 +114,9 @@ QBLObjectFactoryItem* QBLObjectFactory::LISTS_STRUCT::takeLatest(const char* id)
     return item;
 }
 
-/// Hands out an item of the free list. If the list is empty, sets item to null, and counts the
-/// caller as creating one.
-/// @return false, with nothing done, if this struct serves another class
+/// Hands out an item of the free list. If the list is empty, sets `item` to null and raises
+/// inFlight, because the caller then creates an item.
+/// @return false, without any change, if this struct serves another class
 bool QBLObjectFactory::LISTS_STRUCT::take(const char* id, QBLObjectFactoryItem*& item) {
     QBLThreadGuard guard(freeItems);
     if (classId != id || !registered) return false;
@@ -137,7 +142,7 @@ void QBLObjectFactory::LISTS_STRUCT::putFree(QBLObjectFactoryItem& item) {
     pushFree(before);
 }
 
-/// Requires: the lock of the free list is held.
+/// Requires: the caller holds the lock of the free list.
 void QBLObjectFactory::LISTS_STRUCT::pushFree(QBLObjectFactoryItem* item) {
     nodes.front() = item;
     (*freeItems).splice((*freeItems).end(), nodes, nodes.begin());
@@ -225,7 +230,7 @@ bool QBLObjectFactory::insert(char* classId, Creator creator) {
     QBL_ALLOC_CATCH
 }
 
-/// Requires: the lock of the map is held, or the factory is being destroyed.
+/// Requires: the caller holds the lock of the map, or the factory is being destroyed.
 void QBLObjectFactory::keepUnused(LISTS_STRUCT* lists) {
     lists->nextUnused = m_pUnused;
     m_pUnused = lists;
@@ -268,7 +273,7 @@ QBLObjectFactoryItem* QBLObjectFactory::createObject(char* classId) {
     return item != nullptr ? item : make(*lists);
 }
 
-/// Requires: inFlight counts the caller. This call lowers it again.
+/// Requires: inFlight counts the caller. This call lowers inFlight again.
 QBLObjectFactoryItem* QBLObjectFactory::make(LISTS_STRUCT& lists) {
     struct Flight {
         LISTS_STRUCT& lists;
@@ -278,7 +283,7 @@ QBLObjectFactoryItem* QBLObjectFactory::make(LISTS_STRUCT& lists) {
         }
     } flight{lists};
     std::unique_ptr<QBLObjectFactoryItem> item(lists.creator(this));
-    // A creator may return an item that another creation has handed out.
+    // A creator may return an item that another createObject() has handed out.
     if (item == nullptr || item->m_pLists != nullptr) return item.release();
     QBL_ALLOC_TRY
     lists.adopt(*this, *item);

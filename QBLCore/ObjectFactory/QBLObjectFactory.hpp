@@ -14,15 +14,15 @@
 class QBLObjectFactoryItem;
 
 /// Creates objects by the id of their class. Keeps released objects and hands them out again, the
-/// one released last first.
+/// last released object first.
 ///
-/// A class id is a pointer and is compared as a pointer: the same text at another address is
-/// another id.
+/// A class id is a pointer and is compared as a pointer: the same text at another address is a
+/// different id.
 ///
 /// Creators, cleanObject() and destructors of items are called without a lock. They may use the
 /// factory, but must not create or release items while it is being destroyed.
 ///
-/// Errors: QBLOutOfMemoryError; the factory does not change then.
+/// Errors: QBLOutOfMemoryError; this error does not change the factory.
 ///
 /// Threads: any thread may create, release and register. While clearLists() or the destructor runs,
 /// no other thread may use the factory or release one of its items.
@@ -40,7 +40,7 @@ public:
     typedef QBLObjectFactoryItem* (*Creator)(QBLObjectFactory*);
 
     QBLObjectFactory();
-    /// As clearLists().
+    /// Does the work of clearLists().
     ~QBLObjectFactory();
     QBLObjectFactory(const QBLObjectFactory&) = delete;
     QBLObjectFactory& operator=(const QBLObjectFactory&) = delete;
@@ -64,11 +64,11 @@ public:
 
     /// Hands out the item of the class that was released last, or creates one if no item is free.
     /// @return the item, which the caller must release; null if the creator returned null
-    /// @throws QBLIllegalStateError if the id is not registered; what the creator throws
+    /// @throws QBLIllegalStateError if the id is not registered; the exceptions of the creator
     QBLObjectFactoryItem* createObject(char* classId);
-    /// Keeps an item for the next creation of the class that its id names. Programs call the item's
-    /// release() instead. If no creation has handed out the item, it now belongs to the factory.
-    /// Ignores null and an item that is already free.
+    /// Keeps an item for the next createObject() of its class, which getClassId() of the item
+    /// names. Programs call the item's release() instead. If createObject() has not handed out the
+    /// item, the item now belongs to the factory. Ignores null and an item that is already free.
     /// @throws QBLIllegalStateError if the item's class is not registered, or if the item belongs
     ///     to another factory
     void releaseObject(QBLObjectFactoryItem* item);
@@ -95,8 +95,8 @@ private:
     // Locks are taken in this order: map, free list, list of all items.
     QBLThreadMonitor<QBLThreadCriticalSection, ClassMap> m_classes;  // owns the structs
     LISTS_STRUCT* m_pUnused;  // owned list of structs without a class; guarded by the map's lock
-    // Structs found recently, indexed by placeOf() of their class. They save the lock of the map.
-    // They may serve another class by now.
+    // Structs that were found recently, indexed by placeOf() of their class. A struct found here
+    // needs no lock of the map, but it may serve another class by now.
     std::atomic<LISTS_STRUCT*> m_recent[kRecent];
 };
 

@@ -12,7 +12,8 @@
 class QBL_API QBLObjectFactoryItem {
 public:
     /// @param factory  the factory to which the item goes back; null for an item that release()
-    ///     deletes. If no creation hands out the item, the factory must exist until its release.
+    ///     deletes. If createObject() does not hand out the item, the factory must exist until the
+    ///     item is released.
     explicit QBLObjectFactoryItem(QBLObjectFactory* factory);
     QBLObjectFactoryItem(const QBLObjectFactoryItem&) = delete;
     QBLObjectFactoryItem& operator=(const QBLObjectFactoryItem&) = delete;
@@ -20,18 +21,18 @@ public:
 
     /// Calls cleanObject(), then gives the item back to its factory. Deletes the item if it has no
     /// factory. Ignores a second release before the item is handed out again.
-    /// @throws as QBLObjectFactory::releaseObject, and what cleanObject() throws
+    /// @throws the exceptions of QBLObjectFactory::releaseObject() and of cleanObject()
     virtual void release();
     /// Returns the same pointer under which the item's class was registered.
     virtual char* getClassId() = 0;
-    /// Resets the item before it is used again; does nothing here.
+    /// Resets the item before it is used again. This implementation does nothing.
     virtual void cleanObject();
 
 private:
     friend class QBLObjectFactory;
 
     QBLObjectFactory* m_pFactory;              // null if release() deletes the item
-    QBLObjectFactory::LISTS_STRUCT* m_pLists;  // of its class; null until the factory owns it
+    QBLObjectFactory::LISTS_STRUCT* m_pLists;  // data of its class; null until the factory owns it
     std::atomic<bool> m_free;                  // can be handed out
 };
 
