@@ -10,28 +10,28 @@
 #include "QBLCore/Base/QBLSurplus.hpp"
 #include "QBLCore/FileManagement/QBLFmFile.hpp"
 
-// A version of a file is known by its times. The system sets them from a clock that advances in
-// steps, so two changes within one step look like one change. Therefore read() only takes a file
-// whose last change is older than a step: any later change gives it another time. The status of the
-// open file after the last byte must be the one from before open(); then all bytes belong to this
-// version.
+// The times of a file identify its version. The system sets these times from a clock that advances
+// in steps, so two changes within one step look like one change. Therefore read() accepts a file
+// only if its last change is older than a step: any later change then gives the file another time.
+// The status of the open file after the last byte must equal the status before open(). All bytes
+// then belong to this version.
 
 namespace {
 
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
-const char kMagic[] = "BMF1";  // the zero byte is a part of it
+const char kMagic[] = "BMF1";  // the terminating NUL is part of the magic
 const unsigned kHeaderWords = 4;
 const unsigned kEntryWords = 3;
 const unsigned kWordSize = 4;
 
-// Longer than a tick of the kernel. Times of whole seconds come from file systems with coarse
-// clocks, of which two seconds is the coarsest.
+// The fine step is longer than a tick of the kernel. Times of whole seconds come from file systems
+// with coarse clocks; the coarsest clock has steps of two seconds.
 const milliseconds kFineStep(100);
 const milliseconds kCoarseStep(3000);
 
-/// Returns true if a file's time is at least this much older than now.
+/// Returns true if a file's time is older than `now` by at least `limit`.
 bool isOlder(std::int64_t wholeSeconds, unsigned nanoseconds, milliseconds now,
              milliseconds limit) {
     const std::int64_t present = now.count() / 1000;
@@ -59,7 +59,8 @@ std::shared_ptr<const QBLCatalogue> QBLCatalogue::read(const std::string& fileNa
     if (!status.get(fileName.c_str()) || !status.isRegular() || status.size() > kMaxSize ||
         !isOldEnough(status, now))
         return nullptr;
-    // The program can do without a kept catalogue, so its new-handler must not be called for one.
+    // The program can do without a kept catalogue, so its new-handler must not be called for this
+    // memory.
     const auto size = static_cast<std::size_t>(status.size());
     if (!qblMayTakeSurplus(sizeof(QBLCatalogue) + fileName.size() + size)) return nullptr;
     auto catalogue = std::make_shared<QBLCatalogue>(fileName);
@@ -84,8 +85,8 @@ bool QBLCatalogue::readWords(std::size_t size) {
     return after.get(file.getFileDescriptor()) && after.isSameVersion(m_version);
 }
 
-/// Checks what getText() relies on: the sizes are right, the identifiers ascend, and each text ends
-/// within its length.
+/// Checks the conditions that getText() relies on: the sizes are right, the identifiers ascend, and
+/// each text ends within its length.
 bool QBLCatalogue::checkWords(std::size_t size) {
     const std::size_t header = kHeaderWords * kWordSize;
     if (size < header || std::memcmp(m_pWords.get(), kMagic, sizeof kMagic) != 0) return false;

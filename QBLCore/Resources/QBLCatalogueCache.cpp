@@ -21,7 +21,7 @@ const std::size_t kMaxNames = 4096;
 const std::size_t kLongestKey = 4096;
 
 const std::size_t kMaxCatalogues = 64;
-const std::size_t kMaxBytes = 16 << 20;  // of all files together
+const std::size_t kMaxBytes = 16 << 20;  // total size of the catalogues
 
 typedef std::shared_ptr<const QBLCatalogue> CataloguePtr;
 /// Catalogues that were dropped. They are destroyed after the lock is released.
@@ -47,7 +47,9 @@ public:
             m_QBLResourceBaseFileLocaleMap.emplace(key, Found{fileName, 0});
     }
 
-    /// @param fileName  receives the name of the file without a catalogue; empty if it is unknown
+    /// @param fileName  receives the name of the file if the name is known but its catalogue is not
+    ///     in the cache; otherwise unchanged
+    /// @return null if the catalogue is not in the cache
     CataloguePtr find(const std::string& key, std::string& fileName) {
         QBLThreadGuard guard(m_QBLResourceFactoryLock);
         const auto found = m_QBLResourceBaseFileLocaleMap.find(key);
@@ -85,7 +87,7 @@ public:
 private:
     struct Found {
         std::string fileName;
-        std::size_t place;  // where its catalogue is, if that is still there
+        std::size_t place;  // of its catalogue, unless it was dropped
     };
     struct Place {
         CataloguePtr catalogue;  // may be null
@@ -98,7 +100,7 @@ private:
         const CataloguePtr& there = m_places[place].catalogue;
         return there == nullptr ? fileName.empty() : there->getFileName() == fileName;
     }
-    /// @return kMaxCatalogues if no place has it
+    /// @return kMaxCatalogues if no place has this catalogue
     std::size_t placeOf(const std::string& fileName) const QBL_REQUIRES(m_QBLResourceFactoryLock) {
         std::size_t place = 0;
         while (place < kMaxCatalogues && !isAt(place, fileName)) ++place;
@@ -162,9 +164,9 @@ CataloguePtr QBLCatalogueCache::get(const std::string& baseName, const char* loc
             cache.drop(fileName);
         return current != nullptr && current->isSound() ? current : nullptr;
     } catch (const std::bad_alloc&) {
-        // The caller needs less memory than a catalogue.
+        // Ignored: the caller needs less memory than a catalogue.
     } catch (const QBLThrowable&) {
-        // The caller gets the same error, unless its reason has passed.
+        // Ignored: if the reason persists, the caller gets the same error.
     }
     return nullptr;
 }

@@ -16,9 +16,9 @@ namespace {
 const char kMagic[8] = "BMF1";
 const unsigned kHeaderSize = 16;
 const unsigned kEntrySize = 12;
-// The index has always had 144 bytes per entry, of which it uses 12. It still has the spare bytes,
-// but at most kMaxSpare, so that a file causes an allocation of at most its own size and a
-// constant.
+// The index has always had 144 bytes per entry, but uses only 12 of them. It still has the spare
+// bytes, but at most kMaxSpare of them, so that an allocation exceeds the size of the file by at
+// most a constant.
 const unsigned kSpareEntrySize = 144 - kEntrySize;
 const unsigned kMaxSpare = 65536;
 
@@ -76,7 +76,8 @@ bool QBLResourceBMF::readIndex() {
         m_header = Header();
         return false;
     }
-    // The bytes after the header. If long has 64 bits, limited to the range of the 32-bit fields.
+    // The number of bytes after the header. If long has 64 bits, the number is limited to the range
+    // of the 32-bit fields.
     const unsigned body = static_cast<unsigned>(
         std::min(static_cast<unsigned long>(length) - kHeaderSize, 0xFFFFFFFFUL - kHeaderSize));
     m_header.entries = std::min(static_cast<unsigned>(ntohl(m_header.entries)), body / kEntrySize);

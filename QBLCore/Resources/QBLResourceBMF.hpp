@@ -14,8 +14,8 @@
 ///                         of its text from the first text, and the length of the text
 ///     16 + 12*N   D       the texts in UTF-8, each with a null byte, which its length includes
 ///
-/// If N or D exceeds the file, only the entries and texts inside the file are read. An entry has no
-/// text if its text lies outside of these texts.
+/// If the file is shorter than N and D declare, only the entries and texts inside the file are
+/// read. An entry has no text if the entry points outside these texts.
 ///
 /// Errors: QBLOutOfMemoryError. For a bad file, an operation returns false.
 ///
@@ -24,7 +24,8 @@
 class QBL_API QBLResourceBMF : public QBLResource {
 public:
     /// @param preload  if not 0, open() reads all texts, which stay valid until the next open() or
-    ///     the destructor. If 0, getResource() reads its text, which is valid until the next call.
+    ///     the destructor. If 0, each getResource() reads the requested text, which is valid until
+    ///     the next call.
     explicit QBLResourceBMF(int preload);
     ~QBLResourceBMF() override;
 
@@ -41,7 +42,7 @@ public:
 private:
     struct Header {
         char magic[8];
-        unsigned entries;  // as textSize, in host byte order after the magic has been checked
+        unsigned entries;  // in host byte order after the check of the magic, like textSize
         unsigned textSize;
     };
     struct Entry {  // in network byte order

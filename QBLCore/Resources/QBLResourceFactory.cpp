@@ -30,8 +30,8 @@ bool isPlainName(const char* text) {
                        [](unsigned char c) { return std::isalnum(c) != 0; });
 }
 
-/// Returns the names to search for, the most specific first. Whatever the list of locales contains,
-/// it adds only letters, digits and "_" to the base name.
+/// Returns the names to search for, the most specific name first. The locales add only letters,
+/// digits and "_" to the base name, even if the list contains other characters.
 std::list<std::string> fileNames(const std::string& baseName, const char* localeIDs) {
     if (isFileName(baseName)) return {baseName};
     std::list<std::string> names;
@@ -55,7 +55,7 @@ std::list<std::string> fileNames(const std::string& baseName, const char* locale
     return names;
 }
 
-/// @param sure  receives true if every place before the result could be checked
+/// @param sure  receives true if all candidates before the result could be checked
 std::string findFile(const std::string& baseName, const char* localeIDs, bool& sure) {
     sure = true;
     for (const std::string& candidate : QBLResourceFactory::getCandidates(baseName, localeIDs)) {
@@ -77,7 +77,7 @@ QBLResource* QBLResourceFactory::findAndGet(const std::string& baseName, const c
     if (findFromMap(key, fileName)) {
         QBLResource* resource = get(fileName, locales, preload);
         if (resource != nullptr) return resource;
-        // The file has disappeared since; another file may exist now.
+        // The remembered file no longer exists; another file may exist now.
     }
     bool sure = true;
     fileName = findFile(baseName, locales, sure);

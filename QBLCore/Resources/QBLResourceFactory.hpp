@@ -8,22 +8,23 @@
 
 class QBLResource;
 
-/// Finds the message file of a catalogue for a locale. For "base" and "de_AT,fr", it takes the
-/// first of these names that is a readable regular file:
+/// Finds the message file of a catalogue for a locale. For "base" and "de_AT,fr", the factory takes
+/// the first of these names that is a readable regular file:
 ///
 ///     base_de_AT.bmf  base_de.bmf  base_fr.bmf  base_en.bmf  base.bmf
 ///
-/// If the base name contains a directory, the factory searches only there; a relative one is
-/// resolved by QBLFmDir::resolveEffectivePath(). Otherwise it looks for each name in the
-/// effective working directory, then in the installation's bin directory, then in share/qblcore.
-/// That folder is next to the library's directory or next to the parent of that directory.
+/// If the base name contains a directory, the factory searches only there;
+/// QBLFmDir::resolveEffectivePath() resolves a relative directory. Otherwise it looks for each name
+/// in the effective working directory, then in the installation's bin directory, then in
+/// share/qblcore. share/qblcore is next to the library's directory or next to the parent of the
+/// library's directory.
 ///
 /// A base name that ends with ".bmf" is the name of the file itself, for every locale.
 ///
 /// The process remembers the file that was found for a base name and a list of locales. If no
 /// file was found, the next call searches again.
 ///
-/// Threads: any thread.
+/// Threads: any thread may call any operation.
 class QBL_API QBLResourceFactory {
 public:
     static constexpr char g_defaultLocaleID[] = "en";
@@ -41,7 +42,8 @@ public:
     /// @return the file's name; empty if no file was found
     /// @throws QBLAssertError for null locales, QBLOutOfMemoryError
     static std::string find(const std::string& baseName, const char* localeIDs);
-    /// Returns the paths of all files that find() searches, in this order, without duplicate names.
+    /// Returns the paths of all files that find() looks for, in the order of the search, without
+    /// duplicates.
     static std::list<std::string> getCandidates(const std::string& baseName, const char* localeIDs);
     /// Opens a file. @return the same as findAndGet()
     [[nodiscard]] static QBLResource* get(const std::string& fileName, const char* localeID,

@@ -7,8 +7,8 @@
 
 class QBLResource;
 
-/// A catalogue for use in programs: found by its base name and locales, and released by the
-/// destructor.
+/// A catalogue for use in programs. The object finds the catalogue by its base name and locales.
+/// The destructor releases the catalogue.
 ///
 ///     QBLResourceFile texts("myprogram", "de_AT de", 1);
 ///     char* text = nullptr;
@@ -28,7 +28,7 @@ public:
     QBLResourceFile& operator=(const QBLResourceFile&) = delete;
     ~QBLResourceFile();
 
-    /// Closes the open catalogue, if any, and opens another one.
+    /// Closes the catalogue if one is open, and opens another catalogue.
     /// @param localeID  as for QBLResourceFactory::findAndGet()
     /// @return false if there is no such catalogue
     bool open(const std::string& baseName, const char* localeID);

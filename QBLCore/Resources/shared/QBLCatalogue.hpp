@@ -7,15 +7,15 @@
 
 #include "QBLCore/Base/QBLFileStatus.hpp"
 
-/// A message file in memory, with the version of the file that it was read from.
+/// The content of a message file in memory, with the version of the file.
 ///
-/// Threads: any thread.
+/// Threads: any thread may call any operation.
 class QBLCatalogue {
 public:
     static constexpr std::size_t kMaxSize = 4 << 20;  // bytes
 
     /// Reads a regular file of at most kMaxSize bytes that has not changed for a while.
-    /// @return null for any other file, after a failure, or if memory is short
+    /// @return null for any other file, after a failure, or if memory runs short
     /// @throws std::bad_alloc
     static std::shared_ptr<const QBLCatalogue> read(const std::string& fileName);
 
@@ -23,14 +23,14 @@ public:
 
     /// Returns true if the name still leads to the file that was read, and the file is unchanged.
     bool isCurrent() const;
-    /// Returns false if the file has errors, or a layout that qblmsgc does not write. Then
-    /// QBLResourceBMF decides what is in it; the object only knows the version.
+    /// Returns false if the file has errors, or a layout that qblmsgc does not write. In this case,
+    /// QBLResourceBMF must read the file; this object only stores the version.
     bool isSound() const { return m_pWords != nullptr; }
     /// Requires: isSound().
     /// @return null if the file has no text for the identifier
     const char* getText(unsigned long id) const;
     const std::string& getFileName() const { return m_fileName; }
-    /// Bytes in memory.
+    /// Returns the size in memory in bytes.
     std::size_t getSize() const {
         return isSound() ? static_cast<std::size_t>(m_version.size()) : 0;
     }
