@@ -31,7 +31,7 @@ struct Library {
     int refCount = 0;  // guarded by refCountLock
 };
 
-// Created when the library is loaded, so that a start can always count.
+// Created when the library is loaded, so that no start can fail to create it.
 Library& g_library = qblImmortal<Library>();
 
 bool isCompatible(int major, int minor) {
@@ -46,8 +46,8 @@ int storeVersion(unsigned* major, unsigned* minor) {
 
 }  // namespace
 
-// A failed start is deliberately lenient: it counts, so that the caller can stop the library once,
-// and the later steps are still taken.
+// A failed start is deliberately lenient. It counts, so that the caller can stop the library once.
+// After a failed step, the later steps are still taken.
 int qblCoreInitialize() {
     const QBLNoCancel noCancel;
     QBLThreadGuard guard(g_library.refCountLock);
@@ -97,7 +97,7 @@ QBLNewHandler qblSetNewHandler(QBLNewHandler handler) { return std::set_new_hand
 
 int qblSetBatchMode() {
     errno = 0;
-    // The result does not show success, because -1 is a legal niceness.
+    // The result of nice() does not show success, because -1 is a legal niceness.
     [[maybe_unused]] const int niceness = nice(4);
     return errno == 0 ? 1 : 0;
 }

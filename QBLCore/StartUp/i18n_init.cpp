@@ -25,8 +25,7 @@ void start() {
     i18nSetInitialized(true);
 }
 
-/// Stops the parts of the layer that are started. The caller holds the lock. The reverse of
-/// start().
+/// Undoes start(): stops the parts of the layer that have been started. The caller holds the lock.
 void stop() {
     i18nSetInitialized(false);
     I18NInternalResources::getInternalResources().release();
