@@ -9,10 +9,11 @@
 /// Threads: as with QBLThrowable.
 class QBL_API QBLPluginException : public QBLException {
 public:
-    /// Has the catalogue's message for the code. The severity is "Error" unless given.
+    /// Makes an exception with the catalogue's message for the code. The severity is "Error" unless
+    /// the caller passes another severity.
     explicit QBLPluginException(QBLPluginErrorCode code);
     QBLPluginException(QBLSeverity severity, QBLPluginErrorCode code);
-    /// Has no message.
+    /// Makes an exception without a message.
     /// @param codeText  the error code as a text; null leaves the exception without a code
     explicit QBLPluginException(const char* codeText);
     QBLPluginException(QBLSeverity severity, const char* codeText);
