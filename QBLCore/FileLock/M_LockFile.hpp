@@ -8,17 +8,17 @@
 /// not exclude threads of one process from each other. A process loses its lock when it closes any
 /// descriptor of the file.
 ///
-/// Threads: any thread.
+/// Threads: any thread may call any function.
 
 /// Locks a file.
 /// @param fd  open for reading for a shared lock, open for writing for an exclusive lock
-/// @param shared  non-zero for a lock that other processes can share
-/// @param wait  non-zero waits while other processes hold the lock, and continues to wait after a
-///     signal; 0 fails at once
+/// @param shared  if not 0, other processes can share the lock
+/// @param wait  if not 0, waits while other processes hold the lock, and continues to wait after a
+///     signal; if 0, fails at once
 /// @return 1 if the file is locked; otherwise 0 with errno set
 QBL_API int M_LockFile(int fd, int shared, int wait);
 /// Unlocks a file.
-/// @return 1, also for a file that was not locked; 0 on failure
+/// @return 1, even if the file was not locked; 0 on failure
 QBL_API int M_UnLockFile(int fd);
 
 #endif

@@ -5,11 +5,11 @@
 
 class QBLFmFile;
 
-/// An advisory lock on a whole file, between processes, that guards can hold. It has the limits of
+/// An advisory lock on a whole file, between processes. Guards can hold it. It has the limits of
 /// M_LockFile(): above all, it does not exclude threads of one process from each other.
 ///
-/// Lock and unlock operations throw QBLAssertError if the object has no file. For a file that is
-/// not open they fail, as if the system refused the lock.
+/// Lock and unlock operations throw QBLAssertError if the object has no file. If the file is not
+/// open, they fail as if the system refused the lock.
 ///
 /// Threads: the lock belongs to the process; one thread at a time for each object.
 ///
@@ -23,7 +23,8 @@ public:
     ~QBLFileLockRW() override;
 
     /// Waits for an exclusive lock.
-    /// @throws QBLRuntimeError with the system's reason, such as a file not open for writing
+    /// @throws QBLRuntimeError with the system's reason, for example that the file is not open for
+    ///     writing
     void lock() override QBL_ACQUIRE();
     /// @throws QBLRuntimeError with the system's reason
     void unlock() override QBL_RELEASE();
