@@ -1,8 +1,8 @@
 #ifndef QBLCORE_FRAME_QBLBINDER_HPP
 #define QBLCORE_FRAME_QBLBINDER_HPP
 
-/// A lock together with the data that it guards. Use the data, through operator*(), only while the
-/// lock is held. Lock is a lockable class whose constructor accepts 0, such as
+/// A lock together with the data that it guards. operator*() returns the data. Use the data only
+/// while you hold the lock. Lock is a lockable class whose constructor accepts 0, such as
 /// QBLThreadCriticalSection or QBLThreadMutex.
 ///
 /// Threads: the rules of Lock apply to the lock; only its holder may use the data.

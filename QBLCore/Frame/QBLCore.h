@@ -8,18 +8,18 @@ extern "C" {
 #endif
 
 /// Starts the library. Call it before all other functions of the library. Calls are counted, and
-/// only the first one does the work. Each call needs a call of qblCoreTerminate(), even if it
-/// failed. After a failed start, the parts that did start keep running, except the thread layer: no
-/// thread can be started until the library is stopped and started again. Further starts return 0
-/// nevertheless. In C++, a start may throw QBLOutOfMemoryError or QBLStdExceptionError; it counts
-/// too.
+/// only the first call does the work. Each call needs a call of qblCoreTerminate(), even if the
+/// start failed. After a failed start, the parts that did start keep running, except the thread
+/// layer: no thread can be started until the library is stopped and started again. Further starts
+/// return 0 nevertheless. In C++, a start may throw QBLOutOfMemoryError or QBLStdExceptionError;
+/// such a start also counts.
 ///
-/// Threads: any thread may call start and stop at any time. A call waits for a start or stop in
-/// progress. A cancellation of the caller takes effect only after the call. Code that the library
-/// runs while it stops, such as a custodian's task, must call neither.
+/// Threads: any thread may call qblCoreInitialize() and qblCoreTerminate() at any time. A call
+/// waits for a start or stop in progress. A cancellation of the caller takes effect only after the
+/// call. Code that the library runs while it stops, such as a custodian's task, must not call them.
 /// @return 0; -3 if a subsystem failed to start
 QBL_API int qblCoreInitialize(void);
-/// Undoes one start. Stops the library if it was the last one.
+/// Undoes one start. Stops the library if it was the last start.
 /// @return 0; -2 if the library was not started; -3 if the thread layer failed to stop
 QBL_API int qblCoreTerminate(void);
 
@@ -30,7 +30,7 @@ QBL_API int qblCoreTerminate(void);
 QBL_API int qblCoreGetApiVersion(unsigned* major, unsigned* minor);
 /// Checks if a program that was built against the given version of the interface can use the
 /// library. The major versions must be equal, and the given minor version must not be newer.
-/// @return 0 if it can, -1 if not
+/// @return 0 if the program can use the library; otherwise -1
 QBL_API int qblCoreIsCompatibleWith(int major, int minor);
 
 /// The same four functions under their general names.
@@ -40,9 +40,10 @@ QBL_API int qblGetApiVersion(unsigned* major, unsigned* minor);
 QBL_API int qblIsCompatibleWith(int major, int minor);
 
 typedef void (*QBLNewHandler)(void);
-/// Sets the function that the process calls when memory runs out (std::set_new_handler). It must
-/// not use the library, which may allocate while it holds a lock.
-/// @param handler  null for no function
+/// Sets the function that the process calls when memory runs out (std::set_new_handler). The
+/// function must not use the library, because the library may allocate memory while it holds a
+/// lock.
+/// @param handler  null means no function
 /// @return the previous handler
 QBL_API QBLNewHandler qblSetNewHandler(QBLNewHandler handler);
 
@@ -51,7 +52,7 @@ QBL_API QBLNewHandler qblSetNewHandler(QBLNewHandler handler);
 /// @return 1; 0 if the system refused
 QBL_API int qblSetBatchMode(void);
 
-/// Prints that it is not implemented. It deliberately stays, because programs link to it.
+/// Prints that it is not implemented. The function deliberately stays, because programs link to it.
 /// @return 0
 QBL_API int qblErrorGetText(void);
 

@@ -75,7 +75,7 @@ public:
 
     /// Inserts a copy of a value before a position. Does nothing if the position is in another
     /// list.
-    /// @return the position as passed; its element now follows the new one
+    /// @return the position as passed; its element now follows the new element
     iterator insert(iterator position, const T& value) {
         if (position.list == this)
             _insert(position, new QBLListDataNode<T>(value, nullptr, nullptr));
@@ -111,8 +111,8 @@ public:
     /// @{
 
     /// Returns the value at index n, counted from 0. If n is past the end, returns the value at the
-    /// cursor, whatever it is. If the list is empty, returns a null value that belongs to the
-    /// calling thread.
+    /// current position of the cursor. If the list is empty, returns a null value that belongs to
+    /// the calling thread.
     T& at(unsigned int n) {
         // Access to the next element needs no call, so that a loop keeps the cursor in registers.
         if (n == cursor.index + 1 && n + 1 < count) {
@@ -146,8 +146,8 @@ private:
         cursor.reset();
     }
 
-    // Returns null if there is nothing to erase: the sentinel is the list itself, not a node to
-    // free, and another list counts its own elements.
+    // Returns null if the position is the sentinel or is in another list. The sentinel is the list
+    // itself and must not be freed. The nodes of another list are in the count of that list.
     QBLListNode<T>* _erase(iterator& position) {
         QBLListNode<T>* node = position.node;
         if (node == this || position.list != this) return nullptr;

@@ -24,7 +24,7 @@ public:
         node = list->next;
     }
 
-    unsigned int index;  ///< steps from where the iterator began; wraps around
+    unsigned int index;  ///< number of steps from the first position; wraps around
     List* list;
     Node* node;  ///< the list itself is the end
 
@@ -43,9 +43,9 @@ protected:
         --index;
     }
 
-    // Moves to index n by the shortest of three ways: from here, from the head or from the end. If
-    // the distances are equal, moves from the end if n is above the index, and from here if n is
-    // below it. Does not move if n is past the end.
+    // Moves to index n by the shortest of three ways: from the current node, from the head or from
+    // the end. If two distances are equal, moves from the end if n is above the current index, and
+    // from the current node if n is below it. Does not move if n is past the end.
     void seek(unsigned int n) {
         if (node == list) reset();
         if (n >= list->count || n == index) return;
@@ -65,7 +65,7 @@ protected:
     }
 
     // Every node except the sentinel is a data node, so the call needs no virtual dispatch. The end
-    // has no value. There the caller gets a null value that belongs to its thread.
+    // has no value. For the end, the caller gets a null value that belongs to its thread.
     template <class T>
     T& value() const {
         Node* sentinel = list;
@@ -132,7 +132,7 @@ public:
         return before;
     }
 
-    /// Returns true if both are on the same element of the same list, whatever their indexes.
+    /// Returns true if both are on the same element of the same list, even if their indexes differ.
     bool operator==(const QBLListIterator& other) const {
         return this->list == other.list && this->node == other.node;
     }

@@ -3,7 +3,7 @@
 
 #include "QBLCore/Frame/QBLBinder.hpp"
 
-/// A binder that may be used and destroyed through a pointer to any of its bases.
+/// A QBLBinder that may be used and destroyed through a pointer to any of its base classes.
 ///
 /// Threads: as for QBLBinder.
 ///
