@@ -6,8 +6,8 @@
 
 #include <cstdint>
 
-/// The status of a file, from statx(2). In a 32-bit program, the older calls fail for every file
-/// that has a time after 2038.
+/// The status of a file, from statx(2). In a 32-bit program, older system calls such as stat(2)
+/// fail for every file that has a time after 2038.
 class QBLFileStatus {
 public:
     /// @param flags  as for fstatat(2)
@@ -38,7 +38,8 @@ public:
     }
     std::int64_t changedSeconds() const { return m_status.stx_ctime.tv_sec; }
     unsigned changedNanoseconds() const { return m_status.stx_ctime.tv_nsec; }
-    /// True if this is the same file, and its times and size show no change of its contents.
+    /// Returns true if both are the same file, and its times and size show no change of its
+    /// contents.
     bool isSameVersion(const QBLFileStatus& other) const {
         return isSameFile(other) && size() == other.size() &&
                modifiedSeconds() == other.modifiedSeconds() &&

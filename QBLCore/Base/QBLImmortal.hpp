@@ -3,9 +3,9 @@
 
 #include <new>
 
-/// Returns the only T of the process. The first call makes it, and it is never destroyed: when the
-/// process ends, threads may still run, and the last destructors of the program may call the
-/// library.
+/// Returns the only T of the process. The first call creates the object. The object is never
+/// destroyed: when the process ends, threads may still run, and the last destructors of the program
+/// may call the library.
 template <class T>
 T& qblImmortal() {
     alignas(T) static unsigned char s_place[sizeof(T)];

@@ -3,8 +3,9 @@
 
 #include <pthread.h>
 
-/// Defers a cancellation of the calling thread until after the scope. It is for destructors, which
-/// a cancellation must not leave, and for sequences that must not stop halfway.
+/// Defers a cancellation of the calling thread until the end of the scope. It is for destructors,
+/// because a cancellation must not leave a destructor, and for sequences that must not stop
+/// halfway.
 class QBLNoCancel {
 public:
     QBLNoCancel() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_iBefore); }

@@ -8,9 +8,9 @@
 #include "QBLCore/Base/QBLCloseQuietly.hpp"
 #include "QBLCore/Base/QBLFileStatus.hpp"
 
-/// Opens a regular file in a directory where other users may have put something else in its place.
-/// Does not follow a symbolic link, and does not wait for a pipe. Refuses a file that has another
-/// name too, because it may be a file of ours elsewhere.
+/// Opens a regular file in a directory where other users may have put something else under its
+/// name. Does not follow a symbolic link, and does not wait for a pipe. Refuses a file with several
+/// hard links, because the file may be a file of the caller in another directory.
 /// @param flags  as for open(2)
 /// @return the descriptor; -1 with errno set on failure
 inline int qblOpenRegular(const char* path, int flags, QBLFileStatus& status, unsigned mode = 0) {
