@@ -31,7 +31,7 @@ inline bool qblIsAbsence(int error) {
 enum class QBLFileLook { kThere, kNotThere, kNotSeen };
 
 /// Looks for a regular file that we may read.
-/// @throws std::bad_alloc if the system has no memory to look
+/// @throws std::bad_alloc if the system runs out of memory
 inline QBLFileLook qblLookForFile(const char* path) {
     QBLFileStatus status;
     if (status.get(path)) {

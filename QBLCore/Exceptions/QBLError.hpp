@@ -4,7 +4,7 @@
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
 #include "QBLCore/Exceptions/QBLThrowableClass.hpp"
 
-/// Root of the concrete errors.
+/// Base class of the concrete error classes.
 ///
 /// Threads: as with QBLThrowable.
 class QBL_API QBLError : public QBLThrowable {

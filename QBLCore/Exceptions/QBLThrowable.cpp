@@ -169,7 +169,7 @@ void QBLThrowable::addBackTrace(const QBLFileLocation& where, const char* detail
         backTrace.push_front(entry.get());
         entry.release();
     } catch (...) {
-        // The error itself matters more than its trace.
+        // Leaves out the entry, because the error itself matters more than its trace.
     }
 }
 

@@ -6,9 +6,9 @@
 #include "QBLCore/Frame/QBLExport.h"
 #include "QBLCore/Frame/QBLList.hpp"
 
-/// Root of everything that the library throws. It has an error code (a number or a text), a
-/// severity, a message text and a back-trace. The back-trace has an entry for each place where the
-/// throwable was thrown or rethrown, the latest first. Throw with the macros of QBLThrow.hpp.
+/// Base class of the exceptions that the library throws. It has an error code (a number or a text),
+/// a severity, a message text and a back-trace. The back-trace has an entry for each place where
+/// the throwable was thrown or rethrown, the latest first. Throw with the macros of QBLThrow.hpp.
 ///
 /// A throwable copies all its strings. If memory is exhausted, copying a throwable or making its
 /// XML form throws std::bad_alloc. If there is no memory for a back-trace entry, the entry is left

@@ -17,7 +17,7 @@ const char kObtaining[] =
 const char kReleasing[] =
     "Error releasing a file lock. The error message retrieved from underlining system is: ";
 
-/// Throws an error with the reason in errno if the call failed.
+/// Throws an error with the reason from errno if `result` is 0.
 void settle(int result, const QBLFileLocation& where, const char* text) {
     if (result != 0) return;
     const int error = errno;

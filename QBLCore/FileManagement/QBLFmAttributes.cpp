@@ -37,7 +37,7 @@ bool readSized(std::string& out, Call&& call) {
 }
 
 /// The attributes of the old file, read through a path in /proc that leads to the open file,
-/// because an O_PATH descriptor does not give them.
+/// because attributes cannot be read through an O_PATH descriptor.
 class Attributes {
 public:
     explicit Attributes(int fd) : m_path("/proc/self/fd/" + std::to_string(fd)) {
@@ -92,7 +92,7 @@ private:
     std::string& m_bytes;
 };
 
-/// Removes the list that a new file gets from its directory.
+/// Removes the access control list that a new file has inherited from its directory.
 bool removeList(int fd) { return fremovexattr(fd, kList) == 0 || isMissing(errno); }
 
 bool copyList(const Attributes& from, int to, unsigned& mode, bool strangeGroup) {

@@ -8,7 +8,7 @@
 /// Threads: as for the file object that contains it.
 struct QBLFmDescriptor {
     int m_iDescriptor = 0;
-    int m_iStandard = 0;  ///< non-zero for a standard stream, which is never closed
+    int m_iStandard = 0;  ///< not 0 for a standard stream, which is never closed
     int m_iLastError = 0;
 
     bool isOpen() const { return m_iDescriptor != 0 || m_iStandard != 0; }

@@ -121,10 +121,10 @@ std::string parentOf(std::string path) {
     return path.empty() ? "." : path;
 }
 
-// The second guard checks the open directory in the file system. For an ordinary directory, ".." is
-// the directory that the path names without its last part. The ".." of a root is the root itself.
-// For a path that ends with "." or "..", ".." is never the directory that the path names without
-// its last part.
+// The second guard checks the open directory in the file system. Its ".." must be the directory
+// that the path names if its last part is removed. This is true for an ordinary directory. It is
+// false for a path that ends with "." or "..". A root is refused because its ".." is the root
+// itself.
 bool isWherePathSays(const std::string& path, int fd) {
     QBLFileStatus self, above, parent;
     if (!self.get(fd) || !above.get(fd, "..", 0) || !parent.get(parentOf(path).c_str()))

@@ -13,9 +13,9 @@
 // object of a derived class through a pointer to this class.
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
 
-/// The same as QBLFmFile, with 64-bit offsets in every build, for files of any length. The
-/// destructor is deliberately not virtual: do not delete an object of a derived class through a
-/// pointer to this class.
+/// Works like QBLFmFile, but has 64-bit offsets in every build, and therefore accepts files of any
+/// length. The destructor is deliberately not virtual: do not delete an object of a derived class
+/// through a pointer to this class.
 ///
 /// Threads: one thread at a time for each object.
 class QBL_API QBLFmFile64 {

@@ -8,7 +8,7 @@
 /// file or language, or calls close(). It discards the pattern when it closes the file or shows
 /// another text. A copy of the object does not share the open file or the pattern.
 ///
-/// Threads: one thread at a time for each object, also for format() and toString().
+/// Threads: one thread at a time for each object, even for format() and toString().
 class QBL_API QBLMessageFile : public QBLMessage {
 public:
     QBLMessageFile();

@@ -32,7 +32,7 @@ bool beginsChoice(const icu::UnicodeString& text, int comma) {
 }
 
 /// Returns the offset of the first choice above the limit, or -1. Counts every choice that ICU
-/// might find, also in quotes. The check comes before ICU parses the text, because ICU would
+/// might find, even in quotes. The check comes before ICU parses the text, because ICU would
 /// exhaust the stack while parsing.
 int findTooManyChoices(const icu::UnicodeString& text) {
     int choices = 0;

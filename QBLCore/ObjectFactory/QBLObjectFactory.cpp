@@ -29,8 +29,8 @@
 // 1. `nodes` has a node for each item that is in allItems and not in freeItems. An item therefore
 //    needs no memory to enter or leave the list.
 // 2. retire() moves `latest` to the list. It succeeds only if all items are in the list and
-// inFlight
-//    is 0. The class of a struct therefore does not change while a thread has or creates an item.
+//    inFlight is 0. The class of a struct therefore does not change while a thread has or creates
+//    an item.
 // 3. takeLatest() reads classId twice. The first check leaves items of other classes alone. The
 //    second check stays valid while the item is taken (rule 2). If the struct has changed its class
 //    between the two checks, the item goes back at once. If unregisterClass() is called for the

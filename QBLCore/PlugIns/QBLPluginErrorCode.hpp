@@ -1,7 +1,7 @@
 #ifndef QBLCORE_PLUGINS_QBLPLUGINERRORCODE_HPP
 #define QBLCORE_PLUGINS_QBLPLUGINERRORCODE_HPP
 
-/// The operation on a plug-in that failed. The numbers are also the identifiers of the texts in the
+/// The plug-in operation that failed. The numbers are also the identifiers of the texts in the
 /// catalogue "qblpluginmsgs".
 enum QBLPluginErrorCode : int { QBLPluginLoadFailed = 1, QBLPluginUnloadFailed = 2 };
 

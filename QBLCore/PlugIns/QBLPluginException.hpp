@@ -4,7 +4,8 @@
 #include "QBLCore/Exceptions/QBLException.hpp"
 #include "QBLCore/PlugIns/QBLPluginErrorCode.hpp"
 
-/// A plug-in cannot be loaded or unloaded, or reports an error of its own.
+/// The error that a plug-in cannot be loaded or unloaded, or an error that a plug-in itself
+/// reports.
 ///
 /// Threads: as with QBLThrowable.
 class QBL_API QBLPluginException : public QBLException {

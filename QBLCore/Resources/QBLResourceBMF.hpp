@@ -7,7 +7,7 @@
 /// A binary message file. All its numbers are unsigned 32-bit integers in network byte order. The
 /// columns are the offset in bytes, the size in bytes, and the content:
 ///
-///     0           8       "BMF1" and a null byte; the rest is ignored
+///     0           8       "BMF1", a null byte, and three bytes that are ignored
 ///     8           4       the number of entries, N
 ///     12          4       the size of all texts in bytes, D
 ///     16          12 * N  the entries, sorted by identifier: each has the identifier, the offset

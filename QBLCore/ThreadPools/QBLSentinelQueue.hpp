@@ -96,7 +96,7 @@ public:
         return !m_free || m_free->boundedWait(timeout);
     }
     /// Puts an item into the room that reserve() has kept. Gives the room back on failure.
-    /// @throws as put()
+    /// @throws the same exceptions as put()
     void putReserved(const T& item) { insertReserved(item, false); }
     /// Gives the room back. Without an earlier reserve(), lets one waiting reserve() or put()
     /// continue, and the queue may then hold one item more than its capacity.

@@ -23,7 +23,7 @@ struct TavCondition;
 ///     while (m_jobs.empty()) m_arrived.wait(m_mutex);
 class QBL_API QBLThreadConditionVariable {
 public:
-    /// @throws QBLThreadResourceError, also if memory is exhausted
+    /// @throws QBLThreadResourceError, even if memory is exhausted
     QBLThreadConditionVariable();
     virtual ~QBLThreadConditionVariable();
     QBLThreadConditionVariable(const QBLThreadConditionVariable&) = delete;

@@ -6,7 +6,7 @@
 
 /// A lock that one thread at a time can hold. QBLThreadGuard holds it for a scope.
 ///
-/// Threads: as the derived class says.
+/// Threads: see the derived class.
 class QBL_API QBL_CAPABILITY("lock") QBLThreadLockableResource {
 public:
     QBLThreadLockableResource() = default;

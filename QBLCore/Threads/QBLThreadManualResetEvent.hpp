@@ -16,7 +16,7 @@ struct TavEvent;
 class QBL_API QBLThreadManualResetEvent {
 public:
     /// @param signaled  if not 0, the event is signalled from the start
-    /// @throws QBLThreadResourceError, also if memory is exhausted
+    /// @throws QBLThreadResourceError, even if memory is exhausted
     explicit QBLThreadManualResetEvent(int signaled = 0);
     virtual ~QBLThreadManualResetEvent();
     QBLThreadManualResetEvent(const QBLThreadManualResetEvent&) = delete;

@@ -6,7 +6,7 @@
 /// A lock that several readers can hold at the same time. lock() locks as the writer.
 /// QBLThreadRWGuard holds it for a scope as the writer or as a reader.
 ///
-/// Threads: as the derived class says.
+/// Threads: see the derived class.
 class QBL_API QBL_CAPABILITY("read-write lock") QBLThreadRWLockableResource
     : public QBLThreadLockableResource {
 public:

@@ -105,8 +105,8 @@ enum QBLDBDatatype : int {
     qblDTypeTimestamp = qblDTypeDateTime
 };
 
-/// The built-in types of XML Schema. The names of the types begin with "xs:", the enumerators with
-/// "xs".
+/// The built-in types of XML Schema. The names of the types begin with "xs:". The enumerators begin
+/// with "xs".
 enum XSType : int {
     xsAnyType = 0,
     xsString,
@@ -179,8 +179,10 @@ public:
     /// @name The catalogue
     /// @{
 
-    /// Returns the catalogue of the process. The first call creates it; it is never destroyed.
-    /// @throws QBLOutOfMemoryError, QBLThreadResourceError; the next call tries again
+    /// Returns the catalogue of the process. The first call creates the catalogue, which is never
+    /// destroyed.
+    /// @throws QBLOutOfMemoryError, QBLThreadResourceError; after an error, the next call tries
+    ///     again
     static QBLDBTypes* get();
     QBLDBTypes(const QBLDBTypes&) = delete;
     QBLDBTypes& operator=(const QBLDBTypes&) = delete;

@@ -14,9 +14,9 @@ class I18NString;
 /// - badForm: the text is empty or does not have the expected form, or a pointer is null
 /// - badCharacter: the text contains a character that the expected form has at no position
 /// - outOfRange: the form is correct, but a field is out of its range
-/// If several codes apply, badCharacter comes before badForm, and badForm before outOfRange.
-/// Operations that differ from this say so. An operation that reads text stores a value of zeros
-/// unless it returns ok.
+/// If several codes apply, the operation returns badCharacter rather than badForm, and badForm
+/// rather than outOfRange. The comment of an operation says so if the operation differs from this
+/// rule. An operation that reads text stores a value of zeros unless it returns ok.
 ///
 /// The table shows the forms of dates, times and intervals. The parts in brackets are optional.
 /// Each letter Y M D H S F stands for one digit, and "D+" for one or more digits. A space stands

@@ -25,14 +25,14 @@ struct DayTimeFields {
     }
 };
 
-/// Returns the absolute value, also of LONG_MIN.
+/// Returns the absolute value, even of LONG_MIN.
 unsigned long magnitude(long count) {
     const auto bits = static_cast<unsigned long>(count);
     return count < 0 ? 0 - bits : bits;
 }
 
 /// Returns true if the text is the unit, in upper or lower case, with or without an S at its end.
-/// @param unit  in capitals
+/// @param unit  the unit in capitals
 bool isUnit(const char* text, const char* unit) {
     for (; *unit != '\0'; ++unit, ++text)
         if (*text != *unit && *text != (*unit | 0x20)) return false;

@@ -79,7 +79,7 @@ public:
     bool getValue(void*& value) const;
     /// @param value  receives the variant's own string, which may be null; null if the variant has
     ///     another type. The string is valid until clear(), an assignment, the destructor, or any
-    ///     setValue() except the one for pointers.
+    ///     setValue() except setValue(void*).
     /// @return true if the variant has the type QBLVariantString
     bool getValue(char*& value) const;
     /// Writes the value as text: integers in decimal, doubles as 1.500000e+00 in every locale,

@@ -6,10 +6,10 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
-/// Parses the options of a command line. There are letters after one dash, one or several in a
-/// word, and long options after two dashes. A long option is returned as a whole, with "=VALUE" if
-/// it has a value. The parser does not change or reorder the words, and keeps no state outside the
-/// object.
+/// Parses the options of a command line. An option is a letter after one dash, or a long option
+/// after two dashes. A word may contain several letters after its dash. A long option is returned
+/// as a whole, with "=VALUE" if it has a value. The parser does not change or reorder the words,
+/// and keeps no state outside the object.
 ///
 /// Threads: one thread at a time for each object.
 ///

@@ -15,7 +15,7 @@
 #include "QBLCore/Base/QBLFileStatus.hpp"
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 
-/// A directory that its owner may read and write, as the mode for QBLFmDir::exists().
+/// The mode for QBLFmDir::exists() that means a directory that its owner may read and write.
 constexpr unsigned short kQblWritableDir = S_IFDIR | S_IRUSR | S_IWUSR;
 
 /// Sets errno. @return false
@@ -62,7 +62,7 @@ public:
     QBLFmOpenDir(const QBLFmOpenDir&) = delete;
     QBLFmOpenDir& operator=(const QBLFmOpenDir&) = delete;
 
-    /// Takes ownership of a descriptor. If it is -1, fails with the current errno.
+    /// Takes ownership of a descriptor. If the descriptor is -1, fails with the current errno.
     /// @return false with errno set on failure
     bool open(int fd) {
         close();

@@ -10,9 +10,9 @@
 #include "QBLCore/Threads/shared/QBLHasBegun.hpp"
 #include "TavThread/shared/TavContain.hpp"
 
-/// A worker of a pool of a fixed size. A task may end the thread that runs it. This thread then
-/// starts another thread, and the worker continues on it. The worker never waits for the end of the
-/// earlier threads, because an exit routine may wait for the pool.
+/// A worker of a pool of a fixed size. A task may end its thread. While this thread ends, it starts
+/// another thread, and the worker continues on the new thread. The worker never waits for the end
+/// of the earlier threads, because an exit routine may wait for the pool.
 class QBLPoolWorker : public QBLThreadRunnable {
 public:
     explicit QBLPoolWorker(unsigned long stackSize)

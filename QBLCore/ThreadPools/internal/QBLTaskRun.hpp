@@ -7,13 +7,13 @@
 #include "QBLCore/Threads/QBLThread.hpp"
 #include "TavThread/shared/TavContain.hpp"
 
-/// Stack of the workers of the fixed and the variable pool, in bytes.
+/// The stack size of a worker in the fixed and the variable pool, in bytes.
 constexpr unsigned long kPoolStackSize = 4096000;
 
 /// Runs a task, if it is not null, on a worker. Drops all exceptions, except the end of the thread.
-/// A cancellation ends the worker in a task or right after it, but never between taking a task and
-/// running it, because there is no cancellation point in between. A task may change how its thread
-/// can be cancelled; this function undoes the change after the task.
+/// A cancellation ends the thread in a task or right after a task. It never ends the thread between
+/// taking a task and running it, because there is no cancellation point in between. A task may
+/// change how its thread can be cancelled; this function undoes the change after the task.
 inline void qblRunTask(QBLThreadRunnable* task) {
     if (task == nullptr) return;
     tavContain([task] { task->run(); });

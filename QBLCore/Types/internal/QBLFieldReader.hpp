@@ -67,7 +67,8 @@ public:
     }
 
     /// Returns the code for a text that does not have the expected form: badCharacter or badForm.
-    /// @param characters  that the expected form may have besides digits and white space
+    /// @param characters  the characters that the expected form may contain besides digits and
+    ///     white space
     long fault(const char* characters) const {
         for (const char* at = m_pBegin; *at != '\0'; ++at)
             if (!qblIsDigit(*at) && !qblIsBlank(*at) && std::strchr(characters, *at) == nullptr)

@@ -20,7 +20,7 @@ struct QBLCrc32Tables {
 };
 extern const QBLCrc32Tables kQBLCrc32Tables;
 
-/// Returns the register after the data. Runs on any processor.
+/// Returns the register after it has processed the data. Runs on any processor.
 std::uint32_t qblCrc32Tables(std::uint32_t reg, const unsigned char* data, std::size_t length);
 
 /// Does the same. Requires: at least 16 bytes, and qblCrc32HasProducts().

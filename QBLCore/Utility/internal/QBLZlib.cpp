@@ -20,8 +20,9 @@
 // their keys, in which no thread has a value yet. If a call cannot create a key, it uses a
 // temporary stream, and the next call tries again.
 //
-// Memory order: `s_made` is stored with release and loaded with acquire, also by a failed exchange,
-// so that every thread sees the complete record of the key. Nothing else is shared.
+// Memory order: `s_made` is stored with release and loaded with acquire. A failed exchange also
+// loads it with acquire. Every thread therefore sees the complete record of the key. Threads share
+// no other data here.
 //
 // A mistake would leak memory, which x86-asan reports, or corrupt tokens. In QBLSquisherTest,
 // .FailsCleanlyWhenMemoryRunsOut makes each allocation of a new thread fail,
