@@ -15,7 +15,7 @@
 /// the class of the expression. Do not pass std::move() of a reference to a base class, because the
 /// thrown object then has the class of the reference.
 ///
-/// Threads: any thread may use what is in this header.
+/// Threads: any thread may use the macros and functions of this header.
 #define QBL_THROW(...) QBLThrown{(__VA_ARGS__)}.hurl(QBL_HERE, nullptr, "QBL_THROW")
 /// QBL_THROW with a detail in the trace entry, usually the operation's name.
 #define QBL_THROW_NAMED(error, detail) QBLThrown{(error)}.hurl(QBL_HERE, detail, "QBL_THROW")

@@ -23,10 +23,11 @@
     }                                                                                         \
     const char* getThrowableName() const override { return #Class; }
 
-/// The same for a class that a shared object exports. The first macro goes into the public section,
-/// the second into one source file. Because the destructor is defined there, the class has only one
-/// set of type information, by which the catch clauses of all shared objects recognise the class.
-/// The move constructor may throw if the class has fields of its own, or if the base's may throw.
+/// Do the same for a class that a shared object exports. The first macro goes into the public
+/// section, the second into one source file. This source file defines the destructor, so the class
+/// has only one set of type information. By this type information, the catch clauses of all shared
+/// objects recognise the class. The move constructor is declared as noexcept if the class has no
+/// fields of its own and the base's move constructor is noexcept.
 #define QBL_EXPORTED_THROWABLE(Class, Base)                                                   \
     typedef Class QBLHurledAs;                                                                \
     using Base::Base;                                                                         \

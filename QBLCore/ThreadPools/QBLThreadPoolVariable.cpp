@@ -43,10 +43,11 @@
 // 4. After the destructor has set the flag and taken the mutex once, no other thread adds workers
 //    or takes dead workers. The destructor may therefore join living workers without the mutex.
 //
-// Memory order: the mutex orders all of this. Without it, counts and m_someDead are only hints, and
-// what is seen is looked at again under it. The flag is not under the mutex, but whoever takes the
-// mutex after a thread that saw it set sees it too. wake() follows without the mutex, except
-// in the destructor: its worker stays until it has got that wake-up, because it is not idle before.
+// Memory order: the mutex orders all of this. Code that does not hold the mutex uses the counts and
+// m_someDead only as hints, and checks them again under the mutex. The flag is not under the mutex.
+// But if a thread has seen the flag set, each thread that takes the mutex after it also sees the
+// flag set. wake() is called without the mutex, except by the destructor. The worker cannot leave
+// before it gets this wake-up, because it is not idle until then.
 //
 // A mistake here would lose a task, or make a destructor wait forever. These tests of
 // QBLThreadPoolTest would detect it, also with x64-tsan and repeated (--gtest_repeat):
