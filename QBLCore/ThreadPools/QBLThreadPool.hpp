@@ -11,8 +11,8 @@
 /// thread, by pthread_exit or a cancellation. The worker that ran the task then continues with
 /// another thread.
 ///
-/// Threads: any thread may call execute() and use the flag. No thread may use a pool that is being
-/// destroyed.
+/// Threads: any thread may call execute() and use the flag. While a pool is being destroyed, no
+/// thread may use it except its own tasks, whose calls of execute() throw QBLIllegalStateError.
 class QBL_API QBLThreadPool : public QBLThreadExecuteRunnable {
 public:
     ~QBLThreadPool() override;

@@ -26,8 +26,8 @@ public:
     /// @return false if another thread holds the mutex.
     [[nodiscard]] bool tryLock() QBL_TRY_ACQUIRE(true);
     /// Tries about every 100 ms, but does not try again after the last wait. It therefore misses a
-    /// mutex that becomes free during the last wait. With a short timeout, a failure takes up to
-    /// twice the timeout.
+    /// mutex that becomes free during the last wait. Below 100 ms it tries only once. From 100 ms
+    /// on, a failure may take up to twice the timeout.
     /// @return false if the time ran out.
     [[nodiscard]] bool timedLock(unsigned long ms) QBL_TRY_ACQUIRE(true);
 

@@ -32,8 +32,8 @@ public:
     /// @return false if the count is 0.
     [[nodiscard]] bool tryWait();
     /// Tries about every 100 ms, but does not try again after the last wait. It therefore notices a
-    /// post late, and misses a post during the last wait. With a short timeout, a failure takes up
-    /// to twice the timeout.
+    /// post late, and misses a post during the last wait. Below 100 ms it tries only once. From
+    /// 100 ms on, a failure may take up to twice the timeout.
     /// @return false if the time ran out.
     [[nodiscard]] bool timedWait(unsigned long ms);
     /// Wakes up as soon as there is a post. Measures the timeout on the monotonic clock.
