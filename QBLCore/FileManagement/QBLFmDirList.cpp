@@ -1,5 +1,7 @@
 #include <algorithm>
-#include <cstring>
+#include <cstdint>
+#include <list>
+#include <string>
 #include <vector>
 
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
@@ -46,6 +48,34 @@ bool matches(const char* name, const char* pattern) {
     return *pattern == '\0';
 }
 
+/// A name and its first bytes after the prefix that all names share, as a big-endian number. Most
+/// comparisons look only at the number, so they do not touch the name.
+struct SortKey {
+    std::uint64_t start;
+    std::list<std::string>::iterator name;
+
+    SortKey(std::list<std::string>::iterator at, std::size_t prefix) : start(0), name(at) {
+        constexpr std::size_t kBytes = sizeof start;
+        const std::size_t count = std::min(at->size() - prefix, kBytes);
+        for (std::size_t i = 0; i < kBytes; ++i)
+            start = start << 8 | (i < count ? static_cast<unsigned char>((*at)[prefix + i]) : 0U);
+    }
+    bool operator<(const SortKey& other) const {
+        return start != other.start ? start < other.start : *name < *other.name;
+    }
+};
+
+/// Returns how many bytes all names have in common at their beginning.
+std::size_t commonPrefix(const std::list<std::string>& names) {
+    std::size_t length = names.empty() ? 0 : names.front().size();
+    for (const std::string& name : names) {
+        const auto end = name.begin() + static_cast<std::ptrdiff_t>(std::min(length, name.size()));
+        const auto differs = std::mismatch(name.begin(), end, names.front().begin()).first;
+        length = static_cast<std::size_t>(differs - name.begin());
+    }
+    return length;
+}
+
 /// Collects the names of files or of directories.
 class Collector {
 public:
@@ -57,20 +87,23 @@ public:
         if (m_pPattern == nullptr || *m_pPattern == '\0' || matches(name, m_pPattern))
             m_names.emplace_back(name);
     }
+    /// Sorts the names by their bytes.
     void sort() {
-        std::sort(m_names.begin(), m_names.end());
-        m_sorted.assign(std::make_move_iterator(m_names.begin()),
-                        std::make_move_iterator(m_names.end()));
+        const std::size_t prefix = commonPrefix(m_names);
+        std::vector<SortKey> keys;
+        keys.reserve(m_names.size());
+        for (auto at = m_names.begin(); at != m_names.end(); ++at) keys.emplace_back(at, prefix);
+        std::sort(keys.begin(), keys.end());
+        for (const SortKey& key : keys) m_names.splice(m_names.end(), m_names, key.name);
     }
     void finish() {
-        if (m_pTarget != nullptr) m_pTarget->swap(m_sorted);
+        if (m_pTarget != nullptr) m_pTarget->swap(m_names);
     }
 
 private:
     std::list<std::string>* m_pTarget;
     const char* m_pPattern;
-    std::vector<std::string> m_names;
-    std::list<std::string> m_sorted;
+    std::list<std::string> m_names;
 };
 
 bool isDirectory(int fd, const dirent64& entry) {
