@@ -1,6 +1,8 @@
 #ifndef QBLCORE_UTILITY_INTERNAL_QBLCRC32KERNELS_HPP
 #define QBLCORE_UTILITY_INTERNAL_QBLCRC32KERNELS_HPP
 
+#include <emmintrin.h>
+
 #include <cstddef>
 #include <cstdint>
 
@@ -12,6 +14,14 @@ constexpr std::uint32_t kQBLCrc32Polynomial = 0xEDB88320;
 /// Moves the register by one bit: multiplies it by x, modulo the polynomial.
 constexpr std::uint32_t qblCrc32Step(std::uint32_t reg) {
     return reg >> 1 ^ (kQBLCrc32Polynomial & (0U - (reg & 1)));
+}
+
+/// Returns the remainder of x^power, reflected and shifted up by one bit, because the product of
+/// two reflected 64-bit numbers is one bit too low.
+constexpr std::uint64_t qblCrc32Remainder(unsigned power) {
+    std::uint32_t reg = 0x80000000;
+    for (unsigned i = 0; i < power; ++i) reg = qblCrc32Step(reg);
+    return static_cast<std::uint64_t>(reg) << 1;
 }
 
 /// Sixteen tables: withZeros[n] has the remainder of each byte with n zero bytes after it.
@@ -27,6 +37,32 @@ std::uint32_t qblCrc32Tables(std::uint32_t reg, const unsigned char* data, std::
 std::uint32_t qblCrc32Products(std::uint32_t reg, const unsigned char* data, std::size_t length);
 inline bool qblCrc32HasProducts() {
     return __builtin_cpu_supports("pclmul") && __builtin_cpu_supports("avx");
+}
+/// Returns the register after a block and the data that follow it, which are few. The register
+/// before the block is already combined with the block.
+std::uint32_t qblCrc32AfterBlock(__m128i block, const unsigned char* data, std::size_t length);
+
+/// For 128 bytes or more, and only if qblCrc32HasWideProducts() is true.
+std::uint32_t qblCrc32WideProducts(std::uint32_t reg, const unsigned char* data,
+                                   std::size_t length);
+inline bool qblCrc32HasWideProducts() {
+    return __builtin_cpu_supports("vpclmulqdq") && __builtin_cpu_supports("avx2") &&
+           __builtin_cpu_supports("pclmul");
+}
+
+/// For 256 bytes or more, and only if qblCrc32HasWidestProducts() is true.
+std::uint32_t qblCrc32WidestProducts(std::uint32_t reg, const unsigned char* data,
+                                     std::size_t length);
+inline bool qblCrc32HasWidestProducts() {
+    return qblCrc32HasWideProducts() && __builtin_cpu_supports("avx512f");
+}
+
+/// Returns the fastest code that this processor has for kQBLCrc32Long bytes or more.
+constexpr std::size_t kQBLCrc32Long = 256;
+inline auto qblCrc32LongKernel() {
+    if (qblCrc32HasWidestProducts()) return &qblCrc32WidestProducts;
+    if (qblCrc32HasWideProducts()) return &qblCrc32WideProducts;
+    return qblCrc32HasProducts() ? &qblCrc32Products : &qblCrc32Tables;
 }
 
 #endif

@@ -10,14 +10,6 @@
 
 namespace {
 
-/// Returns the remainder of x^power, reflected and shifted up by one bit, because the product of
-/// two reflected 64-bit numbers is one bit too low.
-constexpr std::uint64_t remainderOf(unsigned power) {
-    std::uint32_t reg = 0x80000000;
-    for (unsigned i = 0; i < power; ++i) reg = qblCrc32Step(reg);
-    return static_cast<std::uint64_t>(reg) << 1;
-}
-
 /// The polynomial's 33 bits, reflected.
 constexpr std::uint64_t kPolynomial = static_cast<std::uint64_t>(kQBLCrc32Polynomial) << 1 | 1;
 
@@ -36,13 +28,15 @@ constexpr std::uint64_t quotient() {
 // Processes six blocks at a time; the paper processes four. Each block waits for its previous
 // product, but a product can start in every cycle. More blocks do not fit into the registers of
 // 32-bit x86.
-constexpr std::uint64_t kK1 = remainderOf(6 * 128 + 32), kK2 = remainderOf(6 * 128 - 32);
-constexpr std::uint64_t kTwoLow = remainderOf(2 * 128 + 32), kTwoHigh = remainderOf(2 * 128 - 32);
-constexpr std::uint64_t kK3 = remainderOf(128 + 32), kK4 = remainderOf(128 - 32);
-constexpr std::uint64_t kK5 = remainderOf(64);
+constexpr std::uint64_t kK1 = qblCrc32Remainder(6 * 128 + 32),
+                        kK2 = qblCrc32Remainder(6 * 128 - 32);
+constexpr std::uint64_t kTwoLow = qblCrc32Remainder(2 * 128 + 32),
+                        kTwoHigh = qblCrc32Remainder(2 * 128 - 32);
+constexpr std::uint64_t kK3 = qblCrc32Remainder(128 + 32), kK4 = qblCrc32Remainder(128 - 32);
+constexpr std::uint64_t kK5 = qblCrc32Remainder(64);
 constexpr std::uint64_t kMu = quotient();
-static_assert(remainderOf(4 * 128 + 32) == 0x154442bd4 &&
-                  remainderOf(4 * 128 - 32) == 0x1c6e41596 && kK3 == 0x1751997d0 &&
+static_assert(qblCrc32Remainder(4 * 128 + 32) == 0x154442bd4 &&
+                  qblCrc32Remainder(4 * 128 - 32) == 0x1c6e41596 && kK3 == 0x1751997d0 &&
                   kK4 == 0x0ccaa009e && kK5 == 0x163cd6124 && kMu == 0x1f7011641 &&
                   kPolynomial == 0x1db710641,
               "the paper's constants");
@@ -76,6 +70,16 @@ WITH_PRODUCTS inline std::uint32_t reduce(__m128i block) {
         _mm_cvtsi128_si32(_mm_srli_si128(_mm_xor_si128(block, times), 4)));
 }
 
+/// Returns the register after the block and the data that follow it.
+WITH_PRODUCTS __attribute__((always_inline)) inline std::uint32_t finish(__m128i block,
+                                                                         const unsigned char* data,
+                                                                         std::size_t length) {
+    const __m128i near = pair(kK3, kK4);
+    for (; length >= 16; data += 16, length -= 16) block = fold(block, near, load(data));
+    const std::uint32_t done = reduce(block);
+    return length == 0 ? done : qblCrc32Tables(done, data, length);
+}
+
 }  // namespace
 
 WITH_PRODUCTS std::uint32_t qblCrc32Products(std::uint32_t reg, const unsigned char* data,
@@ -102,7 +106,10 @@ WITH_PRODUCTS std::uint32_t qblCrc32Products(std::uint32_t reg, const unsigned c
         block = fold(fold(block, near, load(data)), pair(kTwoLow, kTwoHigh), last);
         data += 48, length -= 48;
     }
-    for (; length >= 16; data += 16, length -= 16) block = fold(block, near, load(data));
-    const std::uint32_t done = reduce(block);
-    return length == 0 ? done : qblCrc32Tables(done, data, length);
+    return finish(block, data, length);
+}
+
+WITH_PRODUCTS std::uint32_t qblCrc32AfterBlock(__m128i block, const unsigned char* data,
+                                               std::size_t length) {
+    return finish(block, data, length);
 }
