@@ -1,6 +1,7 @@
 #ifndef FUZZ_SUPPORT_BASE64CHECKS_HPP
 #define FUZZ_SUPPORT_BASE64CHECKS_HPP
 
+#include <algorithm>
 #include <memory>
 #include <string>
 
@@ -31,7 +32,8 @@ std::string eachBase64Level(Body body) {
         bool runs;
     } levels[] = {{"scalar", kQBLBase64Scalar, true},
                   {"SSSE3", kQBLBase64Ssse3, __builtin_cpu_supports("ssse3") != 0},
-                  {"AVX2", kQBLBase64Avx2, __builtin_cpu_supports("avx2") != 0}};
+                  {"AVX2", kQBLBase64Avx2, __builtin_cpu_supports("avx2") != 0},
+                  {"VBMI", kQBLBase64Vbmi, qblBase64HasVbmi()}};
     std::string missing;
     for (const auto& level : levels) {
         if (!level.runs) missing += std::string(level.name) + ' ';
@@ -70,8 +72,9 @@ inline bool encodesAsDefined(const QBLBase64Kernels& kernels, const Base64Side& 
                              const std::string& data) {
     const auto size = static_cast<unsigned>(data.size());
     const std::unique_ptr<char[]> room(new char[QBLBase64EncodedSize(size)]);
-    qblBase64Encode(kernels, side.alphabet, reinterpret_cast<const unsigned char*>(data.data()),
-                    size, room.get());
+    const std::unique_ptr<unsigned char[]> block(new unsigned char[size]);
+    std::copy(data.begin(), data.end(), block.get());
+    qblBase64Encode(kernels, side.alphabet, block.get(), size, room.get());
     const std::string text = room.get();
     if (text != side.model.encode(data) || text.size() + 1 != QBLBase64EncodedSize(size))
         return false;

@@ -38,6 +38,17 @@ TEST(QBLBase64Test, AllKernelsAgreeWithTheModel) {
     if (!missing.empty()) GTEST_SKIP() << "passed, but this processor lacks: " << missing;
 }
 
+TEST(QBLBase64Test, TheLastKernelThatRunsIsUsedAndDecodesBlocks) {
+    const std::string text(1024, 'Q');
+    const QBLBase64Kernels* last = nullptr;
+    eachBase64Level([&](const QBLBase64Kernels& kernels, const Base64Side& side, const auto& name) {
+        unsigned char bytes[768];
+        EXPECT_EQ(1024U, kernels.decode(side.alphabet, text.data(), 1024, bytes)) << name;
+        last = &kernels;
+    });
+    EXPECT_EQ(last, &qblBase64Kernels());
+}
+
 TEST(QBLBase64Test, ComputesSizesBeyond32Bits) {
     const unsigned sizes[][2] = {
         {0x20000000, 715827885}, {3221225469U, 4294967293U}, {3221225470U, 0}, {0xFFFFFFFF, 0}};

@@ -21,6 +21,9 @@ struct QBLBase64Alphabet {
     std::uint32_t part[4][256];
     static constexpr std::uint32_t kOther = 1U << 24;
 
+    /// The value of each ASCII character in the alphabet, 0x80 for others.
+    alignas(64) unsigned char strict[128];
+
     // Tables for lookups by byte shuffles, after W. Mula and D. Lemire, "Faster Base64 Encoding and
     // Decoding using AVX2 Instructions" (2018).
 
@@ -44,6 +47,7 @@ struct QBLBase64Alphabet {
           value(),
           pair(),
           part(),
+          strict(),
           toCharacter(),
           low(),
           high(),
@@ -62,6 +66,8 @@ struct QBLBase64Alphabet {
                                             v >> 2 << 8 | (v & 3) << 22, v << 16};
             for (int place = 0; place < 4; ++place) part[place][c] = v < 64 ? parts[place] : kOther;
         }
+        for (unsigned c = 0; c < 128; ++c)
+            strict[c] = value[c] < 64 && character[value[c]] == c ? value[c] : byte(0x80);
         makeShuffles();
     }
 
@@ -85,7 +91,7 @@ private:
             low[half] = 0x80;
         }
         for (unsigned c = 0x20; c < 0x80; ++c) {
-            if (value[c] < 64 && character[value[c]] == c)
+            if (strict[c] < 64)
                 toValue[c >> 4 | (c == odd[0] || c == odd[1] ? 8U : 0U)] = byte(value[c] - c);
             else
                 low[c & 15] = byte(low[c & 15] | high[c >> 4]);

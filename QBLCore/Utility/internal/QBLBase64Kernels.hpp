@@ -18,11 +18,16 @@ struct QBLBase64Kernels {
                           unsigned char* out);
 };
 
-/// The kernels for any processor, for processors with SSSE3, and for processors with AVX2.
-extern const QBLBase64Kernels kQBLBase64Scalar, kQBLBase64Ssse3, kQBLBase64Avx2;
+/// For any processor, and for processors with SSSE3, AVX2, and AVX-512 with VBMI.
+extern const QBLBase64Kernels kQBLBase64Scalar, kQBLBase64Ssse3, kQBLBase64Avx2, kQBLBase64Vbmi;
+
+inline bool qblBase64HasVbmi() {
+    return __builtin_cpu_supports("avx512vbmi") && __builtin_cpu_supports("avx512bw");
+}
 
 /// Returns the best kernels for this processor.
 inline const QBLBase64Kernels& qblBase64Kernels() {
+    if (qblBase64HasVbmi()) return kQBLBase64Vbmi;
     if (__builtin_cpu_supports("avx2")) return kQBLBase64Avx2;
     return __builtin_cpu_supports("ssse3") ? kQBLBase64Ssse3 : kQBLBase64Scalar;
 }
