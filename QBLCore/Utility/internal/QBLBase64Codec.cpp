@@ -16,6 +16,10 @@ public:
             if (m_iHeld == 0) {
                 at += groups(m_kernels, at, end);
                 if (at == end) break;
+                if (isSkipped(*at)) {
+                    while (++at != end && isSkipped(*at)) continue;
+                    continue;
+                }
                 if (end - at == 4 && takePadded(reinterpret_cast<const unsigned char*>(at))) break;
                 at += groups(kQBLBase64Scalar, at, end);
                 if (at == end) break;
@@ -37,6 +41,10 @@ public:
     unsigned char* out() const { return m_pOut; }
 
 private:
+    bool isSkipped(char c) const {
+        return m_alphabet.value[static_cast<unsigned char>(c)] == QBLBase64Alphabet::kSkipped;
+    }
+
     std::size_t groups(const QBLBase64Kernels& kernels, const char* at, const char* end) {
         const std::size_t done =
             kernels.decode(m_alphabet, at, static_cast<std::size_t>(end - at), m_pOut);
