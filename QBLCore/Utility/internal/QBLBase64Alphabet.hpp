@@ -27,32 +27,23 @@ struct QBLBase64Alphabet {
     // Tables for lookups by byte shuffles, after W. Mula and D. Lemire, "Faster Base64 Encoding and
     // Decoding using AVX2 Instructions" (2018).
 
-    /// The number to add to a value to get its character. The index is 13 for values up to 25, 0
-    /// for values up to 51, and the value minus 51 for higher values.
+    /// The number to add to a value to get its character. The index is 0 for values up to 25, 1 for
+    /// values up to 51, and the value minus 50 for higher values.
     alignas(16) unsigned char toCharacter[16];
     /// A character is in the alphabet if the entry of `low` for its lower four bits and the entry
     /// of `high` for its upper four bits have no bit in common.
     alignas(16) unsigned char low[16];
     alignas(16) unsigned char high[16];
     /// The number to add to a character to get its value. The index is the character's upper four
-    /// bits, plus 8 for the characters in `odd`.
+    /// bits, plus kOdd if its entry of `low` has this bit.
     alignas(16) unsigned char toValue[16];
-    /// Characters for which `toValue` needs a different number than for other characters with the
-    /// same upper four bits. Both entries are equal if there is only one such character.
-    unsigned char odd[2];
+    /// Marks the lower four bits of the two characters in which alphabets differ, if another
+    /// character in the alphabet has the same upper four bits. Not used in `high`.
+    static constexpr unsigned char kOdd = 8;
 
     /// Takes the characters for the values 62 and 63. Only these differ between alphabets.
     constexpr QBLBase64Alphabet(unsigned char for62, unsigned char for63)
-        : character(),
-          value(),
-          pair(),
-          part(),
-          strict(),
-          toCharacter(),
-          low(),
-          high(),
-          toValue(),
-          odd{for62 >> 4 == for63 >> 4 ? for63 : for62, for63} {
+        : character(), value(), pair(), part(), strict(), toCharacter(), low(), high(), toValue() {
         for (unsigned v = 0; v < 64; ++v)
             character[v] = v == 62 ? for62 : v == 63 ? for63 : byte(v + plainOffset(v));
         for (unsigned c = 0; c < 256; ++c)
@@ -68,7 +59,7 @@ struct QBLBase64Alphabet {
         }
         for (unsigned c = 0; c < 128; ++c)
             strict[c] = value[c] < 64 && character[value[c]] == c ? value[c] : byte(0x80);
-        makeShuffles();
+        makeShuffles(for62, for63);
     }
 
 private:
@@ -85,20 +76,23 @@ private:
                           : kInvalid;
     }
 
-    constexpr void makeShuffles() {
+    constexpr void makeShuffles(unsigned char for62, unsigned char for63) {
+        const unsigned char bits[] = {1, 2, 4, 16, 32, 64};  // for upper halves 2 to 7
         for (unsigned half = 0; half < 16; ++half) {
-            high[half] = half < 2 || half > 7 ? 0x80 : byte(1U << (half - 2));
+            high[half] = half < 2 || half > 7 ? byte(0x80) : bits[half - 2];
             low[half] = 0x80;
         }
+        low[for63 & 15] |= kOdd;
+        if (for62 >> 4 != for63 >> 4) low[for62 & 15] |= kOdd;
         for (unsigned c = 0x20; c < 0x80; ++c) {
             if (strict[c] < 64)
-                toValue[c >> 4 | (c == odd[0] || c == odd[1] ? 8U : 0U)] = byte(value[c] - c);
+                toValue[c >> 4 | (low[c & 15] & kOdd)] = byte(value[c] - c);
             else
                 low[c & 15] = byte(low[c & 15] | high[c >> 4]);
         }
-        toCharacter[0] = 'a' - 26;
-        toCharacter[13] = 'A';
-        for (unsigned v = 52; v < 64; ++v) toCharacter[v - 51] = byte(character[v] - v);
+        toCharacter[0] = 'A';
+        toCharacter[1] = 'a' - 26;
+        for (unsigned v = 52; v < 64; ++v) toCharacter[v - 50] = byte(character[v] - v);
     }
 };
 

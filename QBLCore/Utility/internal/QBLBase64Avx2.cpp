@@ -12,12 +12,12 @@ inline __m128i load(const void* p) { return _mm_loadu_si128(static_cast<const __
 /// Loads the same sixteen bytes into both halves.
 WITH_AVX2 inline __m256i twice(const void* p) { return _mm256_broadcastsi128_si256(load(p)); }
 
-/// Converts 24 bytes, twelve at the beginning of each half, to 32 values. The shuffle puts the
-/// bytes of two values into each 16-bit word. One multiplication moves the even values of all words
-/// to their places, and another multiplication moves the odd values.
+/// Converts two times twelve bytes, at the end of the lower half and at the beginning of the upper
+/// half, to 32 values. The shuffle puts the bytes of two values into each 16-bit word. One
+/// multiplication moves the even values of all words to their places, another one the odd values.
 WITH_AVX2 inline __m256i spread(__m256i data) {
     const __m256i words = _mm256_shuffle_epi8(
-        data, _mm256_setr_epi8(1, 0, 2, 1, 4, 3, 5, 4, 7, 6, 8, 7, 10, 9, 11, 10,  //
+        data, _mm256_setr_epi8(5, 4, 6, 5, 8, 7, 9, 8, 11, 10, 12, 11, 14, 13, 15, 14,  //
                                1, 0, 2, 1, 4, 3, 5, 4, 7, 6, 8, 7, 10, 9, 11, 10));
     const __m256i even = _mm256_mulhi_epu16(_mm256_and_si256(words, _mm256_set1_epi32(0x0fc0fc00)),
                                             _mm256_set1_epi32(0x04000040));
@@ -38,21 +38,21 @@ WITH_AVX2 inline __m256i pack(__m256i values) {
     return _mm256_permutevar8x32_epi32(bytes, _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 7));
 }
 
-/// Puts the first block into the lower half and the second block into the upper half.
-WITH_AVX2 inline __m256i join(__m128i first, __m128i second) {
-    return _mm256_inserti128_si256(_mm256_castsi128_si256(first), second, 1);
+WITH_AVX2 inline __m256i load32(const void* p) {
+    return _mm256_loadu_si256(static_cast<const __m256i*>(p));
 }
-
-/// Loads 24 bytes, twelve into each half. Reads no bytes after them.
-WITH_AVX2 inline __m256i joinExactly(const unsigned char* data) {
-    return join(load(data), _mm_srli_si128(load(data + 8), 4));
+/// Loads 24 bytes for spread(). Also reads the four bytes before and after them.
+WITH_AVX2 inline __m256i loadAround(const unsigned char* data) { return load32(data - 4); }
+/// The same, but reads nothing else.
+WITH_AVX2 inline __m256i loadExactly(const unsigned char* data) {
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_slli_si128(load(data), 4)),
+                                   _mm_srli_si128(load(data + 8), 4), 1);
 }
 
 WITH_AVX2 inline void encodeBlock(__m256i offsets, __m256i data, char* out) {
     const __m256i values = spread(data);
-    const __m256i capitals = _mm256_cmpgt_epi8(_mm256_set1_epi8(26), values);
-    const __m256i kind = _mm256_or_si256(_mm256_subs_epu8(values, _mm256_set1_epi8(51)),
-                                         _mm256_and_si256(capitals, _mm256_set1_epi8(13)));
+    const __m256i kind = _mm256_sub_epi8(_mm256_subs_epu8(values, _mm256_set1_epi8(51)),
+                                         _mm256_cmpgt_epi8(values, _mm256_set1_epi8(25)));
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(out),
                         _mm256_add_epi8(values, _mm256_shuffle_epi8(offsets, kind)));
 }
@@ -60,54 +60,46 @@ WITH_AVX2 inline void encodeBlock(__m256i offsets, __m256i data, char* out) {
 WITH_AVX2 std::size_t encode(const QBLBase64Alphabet& alphabet, const unsigned char* data,
                              std::size_t length, char* out) {
     const __m256i offsets = twice(alphabet.toCharacter);
-    std::size_t done = 0;
-    for (; length - done >= 28; done += 24)
-        encodeBlock(offsets, join(load(data + done), load(data + done + 12)), out + done / 3 * 4);
-    const std::size_t whole = length / 3 * 3;
-    if (whole < 24) return done + kQBLBase64Ssse3.encode(alphabet, data + done, length - done, out);
-    if (whole - done > 24) encodeBlock(offsets, joinExactly(data + done), out + done / 3 * 4);
-    // The last block begins before the end of the previous block and encodes some bytes again.
-    encodeBlock(offsets, joinExactly(data + whole - 24), out + (whole - 24) / 3 * 4);
-    return whole;
+    if (length < 24) return kQBLBase64Ssse3.encode(alphabet, data, length, out);
+    encodeBlock(offsets, loadExactly(data), out);
+    data += 24, out += 32;
+    std::size_t rest = length - 24;
+    for (; rest >= 28; rest -= 24, data += 24, out += 32)
+        encodeBlock(offsets, loadAround(data), out);
+    if (rest == 27) encodeBlock(offsets, loadExactly(data), out);
+    // The last block, which encodes some bytes for the second time.
+    const std::size_t groups = rest / 3;
+    encodeBlock(offsets, loadExactly(data + groups * 3 - 24), out + groups * 4 - 32);
+    return length / 3 * 3;
 }
 
 struct Decoding {
-    __m256i low, high, toValue, odd0, odd1;
+    __m256i low, high, toValue;
 
     WITH_AVX2 explicit Decoding(const QBLBase64Alphabet& alphabet)
-        : low(twice(alphabet.low)),
-          high(twice(alphabet.high)),
-          toValue(twice(alphabet.toValue)),
-          odd0(_mm256_set1_epi8(static_cast<char>(alphabet.odd[0]))),
-          odd1(_mm256_set1_epi8(static_cast<char>(alphabet.odd[1]))) {}
+        : low(twice(alphabet.low)), high(twice(alphabet.high)), toValue(twice(alphabet.toValue)) {}
 };
 
-WITH_AVX2 inline __m256i halves() { return _mm256_set1_epi8(15); }
-WITH_AVX2 inline __m256i upperHalves(__m256i in) {
-    return _mm256_and_si256(_mm256_srli_epi32(in, 4), halves());
-}
+/// 32 characters, looked up by their halves.
+struct Characters {
+    __m256i in, upper, lower;
+    __m256i wrong;  ///< 0 in the byte of each character that is in the alphabet
 
-/// Returns 0 in the byte of each character that is in the alphabet.
-WITH_AVX2 inline __m256i wrongOf(const Decoding& by, __m256i in) {
-    return _mm256_and_si256(_mm256_shuffle_epi8(by.low, _mm256_and_si256(in, halves())),
-                            _mm256_shuffle_epi8(by.high, upperHalves(in)));
-}
-WITH_AVX2 inline bool none(__m256i wrong) {
-    return _mm256_movemask_epi8(_mm256_cmpeq_epi8(wrong, _mm256_setzero_si256())) == -1;
-}
+    WITH_AVX2 Characters(const Decoding& by, const char* text) : in(load32(text)) {
+        const __m256i half = _mm256_set1_epi8(15);
+        upper = _mm256_and_si256(_mm256_srli_epi32(in, 4), half);
+        lower = _mm256_shuffle_epi8(by.low, _mm256_and_si256(in, half));
+        wrong = _mm256_and_si256(lower, _mm256_shuffle_epi8(by.high, upper));
+    }
+    /// Converts the characters to 24 bytes, followed by zeros. Requires: all are in the alphabet.
+    WITH_AVX2 __m256i bytes(const Decoding& by) const {
+        const __m256i odd = _mm256_and_si256(lower, _mm256_set1_epi8(QBLBase64Alphabet::kOdd));
+        const __m256i kind = _mm256_or_si256(upper, odd);
+        return pack(_mm256_add_epi8(in, _mm256_shuffle_epi8(by.toValue, kind)));
+    }
+};
+WITH_AVX2 inline bool none(__m256i wrong) { return _mm256_testz_si256(wrong, wrong) != 0; }
 
-/// Converts 32 characters of the alphabet to 24 bytes, followed by zeros.
-WITH_AVX2 inline __m256i bytesOf(const Decoding& by, __m256i in) {
-    const __m256i odd =
-        _mm256_or_si256(_mm256_cmpeq_epi8(in, by.odd0), _mm256_cmpeq_epi8(in, by.odd1));
-    const __m256i kind =
-        _mm256_or_si256(upperHalves(in), _mm256_and_si256(odd, _mm256_set1_epi8(8)));
-    return pack(_mm256_add_epi8(in, _mm256_shuffle_epi8(by.toValue, kind)));
-}
-
-WITH_AVX2 inline __m256i load32(const char* text) {
-    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(text));
-}
 WITH_AVX2 inline void store24(unsigned char* out, __m256i bytes) {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm256_castsi256_si128(bytes));
     _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 16), _mm256_extracti128_si256(bytes, 1));
@@ -116,9 +108,9 @@ WITH_AVX2 inline void store24(unsigned char* out, __m256i bytes) {
 /// Decodes 32 characters.
 /// @return false, without writing anything, if a character is not in the alphabet
 WITH_AVX2 inline bool decodeBlock(const Decoding& by, const char* text, unsigned char* out) {
-    const __m256i in = load32(text);
-    if (!none(wrongOf(by, in))) return false;
-    store24(out, bytesOf(by, in));
+    const Characters block(by, text);
+    if (!none(block.wrong)) return false;
+    store24(out, block.bytes(by));
     return true;
 }
 
@@ -145,11 +137,11 @@ WITH_AVX2 std::size_t decode(const QBLBase64Alphabet& alphabet, const char* text
     const Decoding by(alphabet);
     std::size_t done = 0;
     for (; length - done >= 64; done += 64, out += 48) {
-        const __m256i first = load32(text + done), second = load32(text + done + 32);
-        if (!none(_mm256_or_si256(wrongOf(by, first), wrongOf(by, second)))) break;
+        const Characters first(by, text + done), second(by, text + done + 32);
+        if (!none(_mm256_or_si256(first.wrong, second.wrong))) break;
         // Also writes zeros after the 24 bytes, where the bytes of the second block follow.
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), bytesOf(by, first));
-        store24(out + 24, bytesOf(by, second));
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), first.bytes(by));
+        store24(out + 24, second.bytes(by));
     }
     for (; length - done >= 32; done += 32, out += 24)
         if (!decodeBlock(by, text + done, out)) break;

@@ -34,9 +34,8 @@ WITH_SSSE3 std::size_t encode(const QBLBase64Alphabet& alphabet, const unsigned 
     std::size_t done = 0;
     for (; length - done >= 16; done += 12, out += 16) {
         const __m128i values = spread(load(data + done));
-        const __m128i capitals = _mm_cmpgt_epi8(_mm_set1_epi8(26), values);
-        const __m128i kind = _mm_or_si128(_mm_subs_epu8(values, _mm_set1_epi8(51)),
-                                          _mm_and_si128(capitals, _mm_set1_epi8(13)));
+        const __m128i kind = _mm_sub_epi8(_mm_subs_epu8(values, _mm_set1_epi8(51)),
+                                          _mm_cmpgt_epi8(values, _mm_set1_epi8(25)));
         _mm_storeu_si128(reinterpret_cast<__m128i*>(out),
                          _mm_add_epi8(values, _mm_shuffle_epi8(offsets, kind)));
     }
@@ -47,17 +46,15 @@ WITH_SSSE3 std::size_t decode(const QBLBase64Alphabet& alphabet, const char* tex
                               std::size_t length, unsigned char* out) {
     const __m128i low = load(alphabet.low), high = load(alphabet.high);
     const __m128i offsets = load(alphabet.toValue), half = _mm_set1_epi8(15);
-    const __m128i odd0 = _mm_set1_epi8(static_cast<char>(alphabet.odd[0])),
-                  odd1 = _mm_set1_epi8(static_cast<char>(alphabet.odd[1]));
     std::size_t done = 0;
     for (; length - done >= 16; done += 16, out += 12) {
         const __m128i in = load(text + done);
         const __m128i upper = _mm_and_si128(_mm_srli_epi32(in, 4), half);
-        const __m128i wrong = _mm_and_si128(_mm_shuffle_epi8(low, _mm_and_si128(in, half)),
-                                            _mm_shuffle_epi8(high, upper));
+        const __m128i lower = _mm_shuffle_epi8(low, _mm_and_si128(in, half));
+        const __m128i wrong = _mm_and_si128(lower, _mm_shuffle_epi8(high, upper));
         if (_mm_movemask_epi8(_mm_cmpeq_epi8(wrong, _mm_setzero_si128())) != 0xffff) break;
-        const __m128i odd = _mm_or_si128(_mm_cmpeq_epi8(in, odd0), _mm_cmpeq_epi8(in, odd1));
-        const __m128i kind = _mm_or_si128(upper, _mm_and_si128(odd, _mm_set1_epi8(8)));
+        const __m128i odd = _mm_and_si128(lower, _mm_set1_epi8(QBLBase64Alphabet::kOdd));
+        const __m128i kind = _mm_or_si128(upper, odd);
         const __m128i bytes = pack(_mm_add_epi8(in, _mm_shuffle_epi8(offsets, kind)));
         _mm_storel_epi64(reinterpret_cast<__m128i*>(out), bytes);
         _mm_storeu_si32(out + 8, _mm_srli_si128(bytes, 8));
