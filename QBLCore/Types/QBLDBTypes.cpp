@@ -59,18 +59,25 @@ public:
                 m_sorted[place] = m_sorted[place - 1];
             m_sorted[place] = static_cast<unsigned char>(i);
         }
+        const char* const first = rows[m_sorted[0]].name;
+        const char* const last = rows[m_sorted[kRows - 1]].name;
+        while (first[m_uPrefix] == last[m_uPrefix] && first[m_uPrefix] != '\0') ++m_uPrefix;
     }
 
     /// @return the code of the name; 0 if no row has it
     auto find(const char* name) const {
         using Code = decltype(m_rows[0].code);
-        if (name == nullptr) return Code{};
+        if (name == nullptr || std::strncmp(name, m_rows[0].name, m_uPrefix) != 0) return Code{};
+        name += m_uPrefix;
+        // The first character after the prefix decides most comparisons.
         const auto isBefore = [this](unsigned char row, const char* wanted) {
-            return std::strcmp(m_rows[row].name, wanted) < 0;
+            const char* const has = m_rows[row].name + m_uPrefix;
+            if (*has == *wanted) return std::strcmp(has, wanted) < 0;
+            return static_cast<unsigned char>(*has) < static_cast<unsigned char>(*wanted);
         };
         const unsigned char* const end = m_sorted + kRows;
         const unsigned char* const found = std::lower_bound(m_sorted, end, name, isBefore);
-        if (found == end || std::strcmp(m_rows[*found].name, name) != 0) return Code{};
+        if (found == end || std::strcmp(m_rows[*found].name + m_uPrefix, name) != 0) return Code{};
         return m_rows[*found].code;
     }
 
@@ -79,6 +86,7 @@ private:
 
     const Row (&m_rows)[kRows];
     unsigned char m_sorted[kRows] = {};  // row numbers, sorted by name
+    std::size_t m_uPrefix = 0;           // length of the prefix that all names share
 };
 
 constexpr NameIndex kSqlColTypeNames(kSqlColTypes);
