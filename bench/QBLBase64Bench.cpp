@@ -1,6 +1,7 @@
 #include "QBLCore/Utility/QBLBase64.h"
 
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "QBLCore/Utility/internal/QBLBase64Kernels.hpp"
@@ -34,18 +35,26 @@ struct Ours {
     }
 };
 
-/// The code for processors without SSSE3 and AVX2.
-struct Scalar {
+/// The code for other processors.
+template <const QBLBase64Kernels& kKernels>
+struct Level {
     static int encode(char* out, const std::vector<unsigned char>& data) {
-        qblBase64Encode(kQBLBase64Scalar, kQBLBase64Standard, data.data(), data.size(), out);
+        qblBase64Encode(kKernels, kQBLBase64Standard, data.data(), data.size(), out);
         return 0;
     }
     static int decode(unsigned char* out, const std::string& text) {
         std::size_t length = 0;
-        qblBase64Decode(kQBLBase64Scalar, kQBLBase64Standard, text.c_str(), out, length);
+        qblBase64Decode(kKernels, kQBLBase64Standard, text.c_str(), out, length);
         return static_cast<int>(length);
     }
 };
+using Scalar = Level<kQBLBase64Scalar>;
+using Avx2 = Level<kQBLBase64Avx2>;
+
+template <class Side>
+bool runs() {
+    return !std::is_same_v<Side, Avx2> || __builtin_cpu_supports("avx2") != 0;
+}
 
 #ifdef BENCH_HAVE_OPENSSL
 /// OpenSSL gets the length of the text; QBLBase64Decode searches for the terminating NUL.
@@ -70,6 +79,7 @@ std::string encoded(const std::vector<unsigned char>& data) {
 
 template <class Side>
 void encode(benchmark::State& state) {
+    if (!runs<Side>()) return state.SkipWithError("this processor lacks AVX2");
     const auto data = dataOf(static_cast<std::size_t>(state.range(0)));
     std::string out = encoded<Ours>(data) + ' ';
     for (auto _ : state) {
@@ -81,6 +91,7 @@ void encode(benchmark::State& state) {
 
 template <class Side>
 void decode(benchmark::State& state) {
+    if (!runs<Side>()) return state.SkipWithError("this processor lacks AVX2");
     const std::string text = encoded<Ours>(dataOf(static_cast<std::size_t>(state.range(0))));
     std::vector<unsigned char> out(text.size());
     for (auto _ : state) {
@@ -102,7 +113,7 @@ const OutputCheck check("QBLBase64", [] {
 #ifdef BENCH_HAVE_OPENSSL
     if (!good<OpenSsl>()) return false;
 #endif
-    return good<Ours>() && good<Scalar>();
+    return good<Ours>() && good<Scalar>() && (!runs<Avx2>() || good<Avx2>());
 });
 
 #define BENCH_SIDE(Side, name)       \
@@ -119,6 +130,7 @@ const OutputCheck check("QBLBase64", [] {
 
 BENCH_SIDE(Ours, "QBLBase64");
 BENCH_SIDE(Scalar, "QBLBase64Scalar");
+BENCH_SIDE(Avx2, "QBLBase64Avx2");
 #ifdef BENCH_HAVE_OPENSSL
 BENCH_SIDE(OpenSsl, "OpenSsl");
 #endif
