@@ -18,7 +18,7 @@ struct QBLBase64Kernels {
                           unsigned char* out);
 };
 
-/// For any processor, and for processors with SSSE3, AVX2, and AVX-512 with VBMI.
+/// The kernels for any processor, and for processors with SSSE3, AVX2, and AVX-512 with VBMI.
 extern const QBLBase64Kernels kQBLBase64Scalar, kQBLBase64Ssse3, kQBLBase64Avx2, kQBLBase64Vbmi;
 
 inline bool qblBase64HasVbmi() {
