@@ -15,6 +15,9 @@
 # TARGET becomes an interface library. The default target (all) builds the files.
 function(qbl_add_catalog target name)
   cmake_parse_arguments(PARSE_ARGV 2 arg "STRICT" "HEADER;OUTPUT_DIRECTORY;DESTINATION;COMPONENT" "")
+  if(NOT TARGET QBLCore::qblmsgc)
+    message(FATAL_ERROR "qbl_add_catalog: the catalogue compiler qblmsgc is not installed: install the component tools (Debian: qblcore-tools)")
+  endif()
   set(sources ${arg_UNPARSED_ARGUMENTS})
   if(NOT sources)
     message(FATAL_ERROR "qbl_add_catalog: catalogue ${name} has no sources: list its .msg files after the name")
