@@ -98,8 +98,9 @@ Unicode strings and converters, plug-ins and periodic housekeeping.
 This package contains the library, its resource files and its catalogues. The
 unversioned name libQBLCore.so is in this package and not in the development
 package: the library finds its own directory and these files by that name.")
+# Some public headers include headers of ICU.
 _qbl_package(${_development} libdevel same
-  "${_runtime} (= ${_version}), ${_programs} (>= ${_version})"
+  "${_runtime} (= ${_version}), ${_programs} (>= ${_version}), libicu-dev"
   "core class library for servers and tools (development files)"
 "Threads, locks and thread pools over a flat C layer, errors with back-traces
 and messages in the reader's language, files and locks between processes,
@@ -117,10 +118,6 @@ foreach(_package ${_runtime} ${_programs})
   set(CPACK_DEBIAN_${_upper}_PACKAGE_SHLIBDEPS ${_asks})
   set(CPACK_DEBIAN_${_upper}_DEBUGINFO_PACKAGE ON)
 endforeach()
-# Some public headers include ICU's headers. libicu-dev is only recommended, because it cannot always
-# be installed for both architectures; the headers are the same files in both.
-string(TOUPPER "${_development}" _upper)
-set(CPACK_DEBIAN_${_upper}_PACKAGE_RECOMMENDS "libicu-dev")
 string(TOUPPER "${_runtime}" _upper)
 set(CPACK_DEBIAN_${_upper}_PACKAGE_CONTROL_EXTRA "${_debian}/triggers")
 # The tools need libQBLCore, which is in a package of the same cpack run. dpkg-shlibdeps finds the
