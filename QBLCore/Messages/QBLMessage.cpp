@@ -10,13 +10,12 @@
 #include "QBLCore/Messages/internal/QBLMessagePattern.hpp"
 #include "QBLCore/Messages/internal/QBLNumberText.hpp"
 #include "QBLCore/Messages/internal/QBLPatternLoan.hpp"
+#include "QBLCore/Resources/QBLCatalogueSettings.hpp"
 #include "QBLCore/Resources/QBLResourceFile.hpp"
 #include "QBLCore/Resources/shared/QBLCatalogue.hpp"
 #include "QBLCore/Resources/shared/QBLCatalogueCache.hpp"
 
 namespace {
-
-const char kDefaultLocale[] = "en";
 
 bool isNullOrEmpty(const char* text) { return text == nullptr || *text == '\0'; }
 
@@ -177,7 +176,8 @@ void QBLMessage::toString(const char* language, const char* fallbackLanguage, I1
 
 const char* QBLMessage::chooseLocale(const char* language, const char* fallbackLanguage) {
     if (!isNullOrEmpty(language)) return language;
-    return isNullOrEmpty(fallbackLanguage) ? kDefaultLocale : fallbackLanguage;
+    return isNullOrEmpty(fallbackLanguage) ? QBLCatalogueSettings::getDefaultLocales()
+                                           : fallbackLanguage;
 }
 
 bool QBLMessage::formatFrom(QBLResourceFile& file, const char* locale,

@@ -53,7 +53,8 @@ public:
 
 protected:
     /// Returns the language if it is neither null nor empty, otherwise the fallback language in the
-    /// same way, otherwise "en". The fallback language is not used for a language without a text.
+    /// same way, otherwise QBLCatalogueSettings::getDefaultLocales(). The fallback language is not
+    /// used for a language without a text.
     static const char* chooseLocale(const char* language, const char* fallbackLanguage);
     /// Appends the text from an open file, with the parameters filled in.
     /// @param file  must be preloaded if the caller keeps the pattern

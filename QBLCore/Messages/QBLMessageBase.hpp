@@ -24,7 +24,8 @@ public:
     virtual const char* getClassName() const = 0;
     /// Appends the text for people.
     /// @param language  locales in the order of preference, such as "de_AT de"; null or empty means
-    ///     the fallback language; if that is also null or empty, "en"
+    ///     the fallback language; if that is also null or empty, the default locales of
+    ///     QBLCatalogueSettings, "en" unless the program sets others
     virtual void format(const char* language, const char* fallbackLanguage,
                         I18NString& out) const = 0;
     /// Appends a `<Message>` element. Texts are inserted without escaping.

@@ -10,12 +10,11 @@
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
+#include "QBLCore/Resources/QBLCatalogueSettings.hpp"
 #include "QBLCore/Resources/QBLResourceBMF.hpp"
 #include "QBLCore/Resources/shared/QBLCatalogueCache.hpp"
 #include "QBLCore/Utility/QBLUtStrTok.hpp"
-#include "i18n/cpp/i18n_internal_resources.hpp"
 #include "i18n/cpp/i18n_locale.hpp"
-#include "i18n/cpp/resources/i18n_bin_dir.hpp"
 
 namespace {
 
@@ -71,7 +70,8 @@ std::string findFile(const std::string& baseName, const char* localeIDs, bool& s
 QBLResource* QBLResourceFactory::findAndGet(const std::string& baseName, const char* localeID,
                                             int preload) {
     QBL_ALLOC_TRY
-    const char* locales = localeID != nullptr ? localeID : g_defaultLocaleID;
+    const char* locales =
+        localeID != nullptr ? localeID : QBLCatalogueSettings::getDefaultLocales();
     const std::string key = QBLCatalogueCache::keyOf(baseName, locales);
     std::string fileName;
     if (findFromMap(key, fileName)) {
@@ -100,12 +100,7 @@ std::list<std::string> QBLResourceFactory::getCandidates(const std::string& base
     QBL_ALLOC_TRY
     const bool hasDirectory = baseName.find('/') != std::string::npos;
     std::list<std::string> directories(1);  // "" is the effective working directory
-    if (!hasDirectory) {
-        const std::string bin = I18NInternalResources::getDataDirectoryPath();
-        if (!bin.empty()) directories.push_back(bin);
-        const std::string share = i18nShareDirectory();
-        if (!share.empty()) directories.push_back(share);
-    }
+    if (!hasDirectory) directories = QBLCatalogueSettings::getDirectories();
     std::list<std::string> candidates;
     for (const std::string& name : fileNames(baseName, localeID))
         for (const std::string& directory : directories) {
@@ -127,7 +122,8 @@ QBLResource* QBLResourceFactory::get(const std::string& fileName, const char* lo
     QBL_ALLOC_TRY
     auto resource = std::make_unique<QBLResourceBMF>(preload);
     resource->setResourceFileName(fileName);
-    resource->setResourceLocaleID(localeID != nullptr ? localeID : g_defaultLocaleID);
+    resource->setResourceLocaleID(localeID != nullptr ? localeID
+                                                      : QBLCatalogueSettings::getDefaultLocales());
     return resource->open() ? resource.release() : nullptr;
     QBL_ALLOC_CATCH
 }

@@ -15,9 +15,13 @@ class QBLResource;
 ///
 /// If the base name contains a directory, the factory searches only there;
 /// QBLFmDir::resolveEffectivePath() resolves a relative directory. Otherwise it looks for each name
-/// in the effective working directory, then in the installation's bin directory, then in
-/// share/qblcore. share/qblcore is next to the library's directory or next to the parent of the
-/// library's directory.
+/// in these directories, in this order:
+///
+///  - the directories added by QBLCatalogueSettings::addDirectory();
+///  - the effective working directory;
+///  - the installation's bin directory;
+///  - share/qblcore next to the library's directory, or next to the parent of that directory;
+///  - for a program DIR/bin/PROGRAM: DIR/share/PROGRAM, and then DIR/bin.
 ///
 /// A base name that ends with ".bmf" is the name of the file itself, for every locale.
 ///
@@ -33,7 +37,8 @@ public:
     QBLResourceFactory() = delete;
 
     /// @param localeID  locales in the order of preference, separated by blanks, commas or
-    ///     semicolons; null means g_defaultLocaleID
+    ///     semicolons; null means
+    ///     QBLCatalogueSettings::getDefaultLocales(), "en" by default
     /// @param preload  as for QBLResourceBMF
     /// @return the open resource, which the caller passes to release(); null if no file was found
     /// @throws QBLOutOfMemoryError

@@ -1,8 +1,16 @@
 #include "QBLCore/Resources/QBLResourceFactory.hpp"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
+#include "QBLCore/Messages/QBLMessage.hpp"
+#include "QBLCore/Resources/QBLCatalogueSettings.hpp"
 #include "QBLCore/Resources/QBLResource.hpp"
 #include "QBLCore/Resources/QBLResourceFile.hpp"
 #include "tests/support/BmfFile.hpp"
@@ -56,11 +64,60 @@ TEST(QBLResourceFactoryTest, SearchesTheWorkingDirectoryFirstForPlainNames) {
     QBLFmDir::setEffectiveWorkingDir(tree.root());
     EXPECT_EQ("here", seen("mine", "ja"));
     EXPECT_EQ(tree("mine_ja.bmf"), QBLResourceFactory::find("mine", "ja"));
-    const std::list<std::string> all = QBLResourceFactory::getCandidates("mine", "ja");
-    EXPECT_EQ(tree("mine_ja.bmf"), all.front());
-    EXPECT_NE(std::string::npos, all.back().find("share/qblcore/mine.bmf"));
+    EXPECT_EQ(tree("mine_ja.bmf"), QBLResourceFactory::getCandidates("mine", "ja").front());
     QBLFmDir::setEffectiveWorkingDir("");
     EXPECT_EQ("", QBLResourceFactory::find("mine", "ja"));
+}
+
+TEST(QBLCatalogueSettingsTest, AddsPlacesForCataloguesOfPrograms) {
+    TempTree here, first, second;
+    QBLFmDir::setEffectiveWorkingDir(here.root());
+    const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe");
+    const std::string name = "placed" + std::to_string(getpid());
+    const std::string beside = self.parent_path() / (name + ".bmf");
+    std::ofstream(beside) << bmfBytes({{1, "beside"}});
+    EXPECT_EQ("beside", seen(name, "ja"));
+    const auto places = QBLCatalogueSettings::getDirectories();
+    const std::string share = self.parent_path().parent_path() / "share" / self.filename();
+    EXPECT_EQ(share, *std::prev(places.end(), 2));
+    for (const TempTree* tree : {&second, &first, &second})
+        QBLCatalogueSettings::addDirectory(tree->root());
+    EXPECT_EQ(places.size() + 2, QBLCatalogueSettings::getDirectories().size());
+    EXPECT_EQ("beside", seen(name, "ja")) << "a file that was found stays in use";
+    for (const TempTree* tree : {&here, &first, &second}) {
+        tree->file(name + ".bmf", bmfBytes({{1, tree->root()}}));
+        EXPECT_EQ(tree->root(), seen(name, std::string("fr ").append(tree->root()).c_str()));
+    }
+    std::filesystem::remove(beside);
+    QBLFmDir::setEffectiveWorkingDir("");
+}
+
+TEST(QBLCatalogueSettingsTest, SetsTheLanguageOfMessagesWithoutALanguage) {
+    TempTree tree;
+    for (const char* language : {"en", "de", "fr"})
+        tree.file(std::string("base_") + language + ".bmf", bmfBytes({{1, language}}));
+    const auto shown = [&] {
+        I18NString out;
+        QBLMessage(tree("base").c_str(), 1).format(nullptr, "", out);
+        return out.toUtf8() + seen(tree("base"), nullptr);
+    };
+    EXPECT_EQ("enen", shown());
+    QBLCatalogueSettings::setDefaultLocales("ja,fr");
+    EXPECT_EQ("frfr", shown());
+    const struct {
+        const char *all, *messages, *lang, *shown;
+    } table[] = {{"", "de_DE.UTF-8", "fr", "dede"},
+                 {"fr_FR", "de", "de", "frfr"},
+                 {"", "", "de", "dede"},
+                 {"C.UTF-8", "de", "de", "enen"},
+                 {"", "", "", "enen"}};
+    for (const auto& row : table) {
+        setenv("LC_ALL", row.all, 1);
+        setenv("LC_MESSAGES", row.messages, 1);
+        setenv("LANG", row.lang, 1);
+        QBLCatalogueSettings::useLocalesOfUser();
+        EXPECT_EQ(row.shown, shown());
+    }
 }
 
 TEST(QBLResourceFactoryTest, MisuseThrowsAssertErrors) {

@@ -3,22 +3,16 @@
 #include <unistd.h>
 
 #include <climits>
-#include <cstdlib>
 
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
+#include "QBLCore/Resources/QBLCatalogueSettings.hpp"
 #include "QBLCore/Resources/QBLResourceFactory.hpp"
 
 namespace tools {
 
 std::string environmentLocale() {
-    for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-        const char* value = std::getenv(name);
-        if (value == nullptr || *value == '\0') continue;
-        std::string locale(value);
-        if (locale == "C" || locale == "POSIX" || locale.compare(0, 2, "C.") == 0) break;
-        return locale;
-    }
-    return QBLResourceFactory::g_defaultLocaleID;
+    QBLCatalogueSettings::useLocalesOfUser();
+    return QBLCatalogueSettings::getDefaultLocales();
 }
 
 std::string findCatalogue(const char* name, const std::string& locales) {
