@@ -269,6 +269,7 @@ unsigned long QBLCustodian::setSchedule(unsigned long ms) {
     if (user.custodian() != nullptr) {
         user.custodian()->lockForChange();
         user.custodian()->m_taskLock.unlock();
+        user.custodian()->m_wakeup.signal();
     }
     return before;
 }
@@ -311,7 +312,9 @@ QBLCustodian::QBLCustodian()
 
 QBLCustodian::~QBLCustodian() = default;
 
-// When the destructor returns, both threads have ended.
+// When the destructor returns, both threads have ended. A task may end its thread, and each thread
+// may then start the other thread. So if there is a task, no thread is joined before the last pass
+// is over. Without tasks, the caller sleeps only once, until the thread has ended.
 QBLCustodian::Body::~Body() {
     lockForChange();
     {
@@ -319,20 +322,20 @@ QBLCustodian::Body::~Body() {
         m_terminating = 1;
     }
     m_taskLock.unlock();
+    m_wakeup.signal();
     {
         QBLThreadGuard guard(m_jobLock);
-        while (m_started != 0 && !lastPass) await();
+        const bool idle = !inPass && m_tasks.empty() && m_jobs.empty();
+        while (!idle && m_started != 0 && !lastPass) await();
     }
     joinQuietly();
     other.joinQuietly();
 }
 
-// Wakes the thread, so that it checks for changes. The thread does not hold m_taskLock during a
-// pass.
-void QBLCustodian::lockForChange() {
-    m_taskLock.lock();
-    m_wakeup.signal();
-}
+// For a change that the thread must notice. The thread does not hold the lock during a pass. The
+// caller signals m_wakeup after it has released the lock: a thread that wakes up earlier would have
+// to sleep again.
+void QBLCustodian::lockForChange() { m_taskLock.lock(); }
 
 bool QBLCustodian::assignTask(QBLCustodianTask* task) {
     if (task == nullptr) return true;
