@@ -127,7 +127,6 @@ int tavThreadCheckpoint(TavThread& self) {
         if (change.state() == TavThreadStateRunning) change.to(TavThreadStateCanceling);
         change.finish();
     }
-    sched_yield();
     return self.state.load(std::memory_order_acquire);
 }
 
@@ -135,9 +134,10 @@ extern "C" {
 
 int tavXThreadState(TavThread* thread) {
     if (thread != nullptr) return thread->state.load(std::memory_order_acquire);
-    if (TavThread* self = tavThreadPeek()) return tavThreadCheckpoint(*self);
+    TavThread* self = tavThreadPeek();
+    if (self != nullptr) tavThreadCheckpoint(*self);
     sched_yield();
-    return TavThreadStateRunning;
+    return self != nullptr ? self->state.load(std::memory_order_acquire) : TavThreadStateRunning;
 }
 
 int tavXThreadSuspend(TavThread* thread) {
