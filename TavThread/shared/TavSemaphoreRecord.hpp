@@ -22,7 +22,7 @@ struct TavSemaphore {
     // score is above 0, a waiter pauses or yields before it sleeps. If a score is below 0, short
     // sleeps count it up again. The scores are only hints and may miss an update.
     std::atomic<int> pauseScore{4};
-    std::atomic<int> yieldScore{4};
+    std::atomic<int> yieldScore{-1};
     unsigned flags = 0;
     void* traceObj = nullptr;
 };
