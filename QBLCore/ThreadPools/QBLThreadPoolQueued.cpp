@@ -1,8 +1,12 @@
 #include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
 
+#include <memory>
+#include <utility>
+
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
+#include "QBLCore/ThreadPools/internal/QBLIdleWorkers.hpp"
 #include "QBLCore/ThreadPools/internal/QBLPoolWorker.hpp"
 #include "QBLCore/ThreadPools/internal/QBLTaskRun.hpp"
 #include "QBLCore/Threads/shared/QBLLayerResult.hpp"
@@ -13,8 +17,10 @@
 //    the queue was empty, or if its task must be dropped. No accepted task is therefore overlooked.
 // 3. A stop adds room for one task to the queue. A submitter that gets this room and sees the flag
 //    gives the room back. All waiting submitters therefore get the room one after the other.
-// 4. A null comes out of the queue after all tasks, and wakes a worker to check the flag. A stop
-//    puts a null for each worker, and a worker that ends puts a null for another worker.
+// 4. A worker that finds no task enters the stack of idle workers. After that, it checks the queue
+//    and the flag again, and then waits. A submitter wakes a worker after it has put its task, and a
+//    stop wakes all workers after it has set the flag. No idle worker therefore misses a task or a
+//    stop.
 //
 // Memory order: in rules 1 and 2 each side writes one variable, then reads the other one. The flag
 // is sequentially consistent, and the queue's semaphore changes by locked instructions, which are
@@ -24,7 +30,8 @@
 // A mistake here would lose a task or keep a submitter waiting. Tests of QBLThreadPoolTest that
 // detect it:
 // .StopFlagWakesWaitingSubmittersAndLosesNoTask, .QueuedFinishesOrDropsQueuedTasksAsConfigured,
-// .QueuedLimitsItsQueueToTheCapacity, .DestructorRunsAcceptedTasksEvenIfWorkersEnd.
+// .QueuedLimitsItsQueueToTheCapacity, .DestructorRunsAcceptedTasksEvenIfWorkersEnd,
+// .QueuedWakesAWorkerThatIsAboutToBeIdle (only in one of several runs; use --gtest_repeat).
 
 namespace {
 
@@ -42,33 +49,52 @@ const unsigned long kPollInterval = 10000;
 
 class QBLThreadPoolQueued::WorkerThread : public QBLPoolWorker {
 public:
-    WorkerThread(QBLThreadPoolQueued& pool, unsigned long stackSize)
-        : QBLPoolWorker(stackSize), m_pool(pool) {
+    WorkerThread(QBLThreadPoolQueued& pool, unsigned long stackSize,
+                 std::shared_ptr<QBLIdleWorkers> idle)
+        : QBLPoolWorker(stackSize), m_pool(pool), m_pIdle(std::move(idle)) {
         begin();
     }
     ~WorkerThread() override { close(); }
 
+    /// Wakes one of the pool's idle workers, if there are any.
+    void wakeOne() { m_pIdle->wakeOne(); }
+    /// Waits until the worker has ended.
+    void end() { close(); }
+
 private:
     void serve(bool) override {
         work();
-        m_pool.m_tasks.wake();  // the null that ended this worker may be for another worker
+        wakeOne();  // so that another idle worker notices the flag
     }
 
     void work() {
         for (;;) {
-            const bool stopping = m_pool.getStopWork() != 0;
             QBLThreadRunnable* task = nullptr;
-            const bool got =
-                qblTakeTask(m_pool.m_tasks, task, stopping ? 0 : kPollInterval) && task != nullptr;
-            if (stopping && !got) return;
+            const bool stopping = m_pool.getStopWork() != 0;
+            if (!m_pool.m_tasks.get(task, 0)) {
+                if (stopping) return;
+                task = await();
+            }
             // A task taken after the stop is deliberately dropped if the pool must not finish
-            // queued work. Nulls come out of the queue after all tasks.
+            // queued work.
             if (m_pool.m_iFinishQueuedWork == 0 && m_pool.getStopWork() != 0) return;
             qblRunTask(task);
         }
     }
 
+    /// @return null if the worker must look again. A cancellation must not swallow a wake-up.
+    QBLThreadRunnable* await() {
+        const QBLNoCancel noCancel;
+        QBLThreadRunnable* task = nullptr;
+        m_pIdle->waitUnless(
+            m_place, [&] { return m_pool.m_tasks.get(task, 0) || m_pool.getStopWork() != 0; },
+            kPollInterval);
+        return task;
+    }
+
     QBLThreadPoolQueued& m_pool;
+    const std::shared_ptr<QBLIdleWorkers> m_pIdle;
+    QBLIdleWorkers::Place m_place;
 };
 
 QBLThreadPoolQueued::QBLThreadPoolQueued(unsigned long workers, unsigned long capacity,
@@ -78,9 +104,10 @@ QBLThreadPoolQueued::QBLThreadPoolQueued(unsigned long workers, unsigned long ca
       m_iFinishQueuedWork(finishQueuedWork),
       m_tasks(m_capacity) {
     try {
+        const auto idle = std::make_shared<QBLIdleWorkers>();
         for (unsigned long i = 0; i < m_workerCount; ++i) {
             m_workers.push_back(nullptr);  // first, so that storing a running worker cannot fail
-            m_workers.back() = new WorkerThread(*this, stackSize);
+            m_workers.back() = new WorkerThread(*this, stackSize, idle);
         }
         for (WorkerThread* worker : m_workers)
             if (!worker->waitUntilBegun()) qblThrow<QBLOutOfMemoryError>(QBL_HERE, nullptr);
@@ -105,6 +132,7 @@ int QBLThreadPoolQueued::execute(QBLThreadRunnable* task, unsigned long timeout)
         m_tasks.release();
     } else if (room) {
         m_tasks.putReserved(task);
+        if (!m_workers.empty()) m_workers.front()->wakeOne();
         accepted = getStopWork() == 0 || !m_tasks.withdraw(task);
     }
     QBL_ALLOC_CATCH
@@ -114,11 +142,15 @@ int QBLThreadPoolQueued::execute(QBLThreadRunnable* task, unsigned long timeout)
 
 void QBLThreadPoolQueued::wakeSubmitters() { m_tasks.release(); }
 
-// Puts a null for each worker. Waiting workers then notice the stop at once, not only when they
-// next poll the flag.
+// Wakes all idle workers, so that they notice the stop at once and not only when they next poll the
+// flag. Until all workers have ended, a task may be in execute(), which reads m_workers. If the
+// constructor failed, m_workers has a null for the worker that could not be created.
 void QBLThreadPoolQueued::stop() {
     setStopWork(1);
-    for (unsigned int i = m_workers.size(); i != 0; --i) m_tasks.wake();
+    for (WorkerThread* worker : m_workers)
+        if (worker != nullptr) worker->wakeOne();
+    for (WorkerThread* worker : m_workers)
+        if (worker != nullptr) worker->end();
     while (!m_workers.empty()) {
         delete m_workers.front();
         m_workers.pop_front();

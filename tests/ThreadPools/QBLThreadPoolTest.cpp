@@ -341,6 +341,19 @@ TEST_F(QBLThreadPoolTest, FixedStartsWithIdleWorkers) {
     }
 }
 
+TEST_F(QBLThreadPoolTest, QueuedWakesAWorkerThatIsAboutToBeIdle) {
+    struct Posting : QBLThreadRunnable {
+        void run() override { done.post(); }
+        QBLThreadSemaphore done{0};
+    } posting;
+    QBLThreadPoolQueued pool(1, 0);
+    for (int i = 0; i < 30000; ++i) {
+        for (volatile int delay = i % 300; delay > 0;) delay = delay - 1;
+        ASSERT_EQ(1, pool.execute(&posting, 0));
+        ASSERT_TRUE(posting.done.boundedWait(5000)) << i << ": shorter than the interval of polls";
+    }
+}
+
 TEST_F(QBLThreadPoolTest, QueuedLimitsItsQueueToTheCapacity) {
     Gate gate;
     Blocking blocking(gate);

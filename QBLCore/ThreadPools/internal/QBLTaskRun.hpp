@@ -23,17 +23,6 @@ inline void qblRunTask(QBLThreadRunnable* task) {
     pthread_testcancel();
 }
 
-/// Calls QBLSentinelQueue::get() for a worker. Defers a cancellation during a wait, because a
-/// cancellation could swallow a wake-up. Deferring takes time, so the function first tries to get a
-/// task without a wait.
-inline bool qblTakeTask(QBLSentinelQueue<QBLThreadRunnable*>& tasks, QBLThreadRunnable*& task,
-                        unsigned long timeout) {
-    if (tasks.get(task, 0)) return true;
-    if (timeout == 0) return false;
-    const QBLNoCancel noCancel;
-    return tasks.get(task, timeout);
-}
-
 /// Starts a thread for a destructor.
 /// @return false if the system can no longer start threads, as after the stop of the library. True
 ///     if the thread has been started, or if it lacked memory or another resource that may become
