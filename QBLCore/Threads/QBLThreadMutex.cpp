@@ -12,17 +12,17 @@ const char kUnlock[] = "QBLThreadMutex::unlock: TavThread interface or unexpecte
 const char kTryLock[] = "QBLThreadMutex::tryLock: TavThread interface or unexpected error";
 const char kTimedLock[] = "QBLThreadMutex::timedLock: TavThread interface or unexpected error";
 
+}  // namespace
+
 // Out of line, so that an uncontended lock or unlock costs little more than the system's lock or
 // unlock.
-[[gnu::noinline]] void lockGeneral(TavMutex* mutex) {
+[[gnu::noinline]] void qblMutexLockGeneral(TavMutex* mutex) {
     settle(tavMutexLockGeneral(mutex, __FILE__, __LINE__), QBL_HERE, kLock);
 }
 
-[[gnu::noinline]] void unlockGeneral(TavMutex* mutex) {
+[[gnu::noinline]] void qblMutexUnlockGeneral(TavMutex* mutex) {
     settle(tavMutexUnlockGeneral(mutex), QBL_HERE, kUnlock);
 }
-
-}  // namespace
 
 QBLThreadMutex::QBLThreadMutex(int trackOwner) : QBLThreadMutex(trackOwner, false) {}
 
@@ -34,11 +34,13 @@ QBLThreadMutex::QBLThreadMutex(int trackOwner, bool recursive) : m_pMutex(nullpt
 QBLThreadMutex::~QBLThreadMutex() { tavXMutexDestroy(m_pMutex); }
 
 void QBLThreadMutex::lock() QBL_NO_THREAD_SAFETY_ANALYSIS {
-    if (!tavMutexLockPlain(m_pMutex)) lockGeneral(m_pMutex);
+    TavMutex* const mutex = m_pMutex;
+    if (!tavMutexLockPlain(mutex)) qblMutexLockGeneral(mutex);
 }
 
 void QBLThreadMutex::unlock() QBL_NO_THREAD_SAFETY_ANALYSIS {
-    if (!tavMutexUnlockPlain(m_pMutex)) unlockGeneral(m_pMutex);
+    TavMutex* const mutex = m_pMutex;
+    if (!tavMutexUnlockPlain(mutex)) qblMutexUnlockGeneral(mutex);
 }
 
 bool QBLThreadMutex::tryLock() QBL_NO_THREAD_SAFETY_ANALYSIS {

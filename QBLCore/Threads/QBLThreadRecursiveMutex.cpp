@@ -1,6 +1,6 @@
 #include "QBLCore/Threads/QBLThreadRecursiveMutex.hpp"
 
-#include "TavThread/shared/TavMutexRecord.hpp"
+#include "QBLCore/Threads/internal/QBLLayerMutex.hpp"
 
 QBLThreadRecursiveMutex::QBLThreadRecursiveMutex(int trackOwner)
     : QBLThreadMutex(trackOwner, true) {}
@@ -8,9 +8,11 @@ QBLThreadRecursiveMutex::QBLThreadRecursiveMutex(int trackOwner)
 QBLThreadRecursiveMutex::~QBLThreadRecursiveMutex() = default;
 
 void QBLThreadRecursiveMutex::lock() QBL_NO_THREAD_SAFETY_ANALYSIS {
-    if (!tavMutexLockRecursive(m_pMutex)) QBLThreadMutex::lock();
+    TavMutex* const mutex = m_pMutex;
+    if (!tavMutexLockRecursive(mutex)) qblMutexLockGeneral(mutex);
 }
 
 void QBLThreadRecursiveMutex::unlock() QBL_NO_THREAD_SAFETY_ANALYSIS {
-    if (!tavMutexUnlockRecursive(m_pMutex)) QBLThreadMutex::unlock();
+    TavMutex* const mutex = m_pMutex;
+    if (!tavMutexUnlockRecursive(mutex)) qblMutexUnlockGeneral(mutex);
 }

@@ -12,4 +12,9 @@ inline int qblCreateMutex(TavMutex** out, bool trackOwner, bool recursive) {
     return tavXMutexCreate(out, tracking, repeating, TavMutexAttrEnd);
 }
 
+/// QBLThreadMutex::lock() and unlock() without their fast paths. They take the layer's mutex, so
+/// that the fast path of the recursive mutex has one pointer less to keep.
+void qblMutexLockGeneral(TavMutex* mutex);
+void qblMutexUnlockGeneral(TavMutex* mutex);
+
 #endif
