@@ -79,8 +79,7 @@ public:
     [[nodiscard]] bool withdraw(const T& item) {
         {
             QBLThreadGuard guard(m_items);
-            auto it = (*m_items).begin();
-            while (it != (*m_items).end() && *it != item) ++it;
+            const auto it = find(item);
             // If the count is 0, a call of get() is in progress for each item.
             if (it == (*m_items).end() || !m_available.tryWait()) return false;
             (*m_items).erase(it);
@@ -105,7 +104,27 @@ public:
     }
 
 private:
+    friend class QBLThreadPoolVariable;
+
     static constexpr unsigned int kMostSpares = 64;
+
+    // The variable pool calls only the next three operations of its queue, and only while it holds
+    // its own mutex. So they use neither the queue's mutex nor its counts.
+    void putUnlocked(const T& item) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        insert((*m_items).end(), item);
+    }
+    bool getUnlocked(T& item) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        if ((*m_items).empty()) return false;
+        item = (*m_items).front();
+        removeFront();
+        return true;
+    }
+    bool withdrawUnlocked(const T& item) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        const auto it = find(item);
+        if (it == (*m_items).end()) return false;
+        (*m_items).erase(it);
+        return true;
+    }
 
     bool add(T& item, unsigned long timeout, bool first) {
         if (!reserve(timeout)) return false;
@@ -127,6 +146,12 @@ private:
             release();
             throw;
         }
+    }
+
+    QBLListIterator<T> find(const T& item) QBL_REQUIRES(m_items) {
+        auto it = (*m_items).begin();
+        while (it != (*m_items).end() && *it != item) ++it;
+        return it;
     }
 
     // New items mostly reuse the nodes of removed items, so that no memory moves between threads

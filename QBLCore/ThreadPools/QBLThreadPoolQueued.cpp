@@ -155,5 +155,6 @@ void QBLThreadPoolQueued::stop() {
         delete m_workers.front();
         m_workers.pop_front();
     }
-    if (m_iFinishQueuedWork != 0) qblRunLeft(m_tasks);  // remain if tasks ended the workers
+    if (m_iFinishQueuedWork != 0)  // tasks remain if tasks have ended all workers
+        qblRunLeft([this](QBLThreadRunnable*& task) { return m_tasks.get(task, 0); });
 }

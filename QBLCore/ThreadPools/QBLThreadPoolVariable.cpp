@@ -11,7 +11,8 @@
 #include "QBLCore/Threads/shared/QBLLayerResult.hpp"
 #include "QBLCore/Utility/QBLHighResolutionTime.hpp"
 
-// The queue, the lists, both counts and the workers' states change under m_mutex only.
+// The queue, the lists, both counts and the workers' states change under m_mutex only. So the queue
+// is used without its own mutex and counts.
 //
 // The states of a worker:
 //   starting  created by addWorker(). If its thread has no memory to begin, the worker is lost.
@@ -139,7 +140,7 @@ private:
         QBLThreadGuard guard(m_pool.m_mutex);
         setAwake();
         if (woken) add(m_pool.m_taskCount, 1);
-        if (m_pool.m_tasks.get(m_pTask, 0)) {
+        if (m_pool.m_tasks.getUnlocked(m_pTask)) {
             add(m_pool.m_taskCount, -1);
             return true;
         }
@@ -198,7 +199,10 @@ QBLThreadPoolVariable::~QBLThreadPoolVariable() {
         ended = worker;
     }
     reap(true);
-    qblRunLeft(m_tasks);
+    qblRunLeft([this](QBLThreadRunnable*& task) {
+        QBLThreadGuard guard(m_mutex);
+        return m_tasks.getUnlocked(task);
+    });
 }
 
 int QBLThreadPoolVariable::execute(QBLThreadRunnable* task, unsigned long timeout) {
@@ -212,11 +216,13 @@ int QBLThreadPoolVariable::execute(QBLThreadRunnable* task, unsigned long timeou
     return accepted ? 1 : 0;
 }
 
-bool QBLThreadPoolVariable::submit(QBLThreadRunnable* task, unsigned long timeout) {
+// Ignores the timeout, because the queue is unbounded and always has room.
+bool QBLThreadPoolVariable::submit(QBLThreadRunnable* task, unsigned long) {
     WorkerThread* idle = nullptr;
     {
         QBLThreadGuard guard(m_mutex);
-        if (getStopWork() != 0 || !m_tasks.put(task, timeout)) return false;
+        if (getStopWork() != 0) return false;
+        m_tasks.putUnlocked(task);
         add(m_taskCount, 1);
         if (outnumbered()) idle = WorkerThread::takeIdle(*this);
     }
@@ -227,7 +233,7 @@ bool QBLThreadPoolVariable::submit(QBLThreadRunnable* task, unsigned long timeou
     const auto takeBack = [this, task] {
         QBLThreadGuard guard(m_mutex);
         const bool alone = WorkerThread::countStarting(*this) == m_workerCount;
-        if (!alone || !m_tasks.withdraw(task)) return false;
+        if (!alone || !m_tasks.withdrawUnlocked(task)) return false;
         add(m_taskCount, -1);
         return true;
     };

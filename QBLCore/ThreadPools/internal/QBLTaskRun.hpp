@@ -67,9 +67,11 @@ inline void qblRunOnOwnThread(QBLThreadRunnable& task, unsigned long stackSize) 
 }
 
 /// Runs the tasks that remain in a pool's queue after all workers have ended.
-inline void qblRunLeft(QBLSentinelQueue<QBLThreadRunnable*>& tasks) {
+/// @param take  stores the next task in its argument; returns false if the queue is empty
+template <class Take>
+void qblRunLeft(Take take) {
     QBLThreadRunnable* task = nullptr;
-    while (tasks.get(task, 0) && task != nullptr) qblRunOnOwnThread(*task, kPoolStackSize);
+    while (take(task) && task != nullptr) qblRunOnOwnThread(*task, kPoolStackSize);
 }
 
 #endif
