@@ -18,9 +18,9 @@
 // 3. A stop adds room for one task to the queue. A submitter that gets this room and sees the flag
 //    gives the room back. All waiting submitters therefore get the room one after the other.
 // 4. A worker that finds no task enters the stack of idle workers. After that, it checks the queue
-//    and the flag again, and then waits. A submitter wakes a worker after it has put its task, and a
-//    stop wakes all workers after it has set the flag. No idle worker therefore misses a task or a
-//    stop.
+//    and the flag again, and then waits. A submitter wakes a worker after it has put its task, and
+//    a stop wakes all workers after it has set the flag. No idle worker therefore misses a task or
+//    a stop.
 //
 // Memory order: in rules 1 and 2 each side writes one variable, then reads the other one. The flag
 // is sequentially consistent, and the queue's semaphore changes by locked instructions, which are
