@@ -35,11 +35,12 @@ const UConverterFromUCallback kOutputCallbacks[] = {
     ESCAPE_UNCONVERTIBLE_OUTPUT_CALLBACK, LOOKUP_UNCONVERTIBLE_OUTPUT_CALLBACK,
     SUBSTITUTE_UNCONVERTIBLE_OUTPUT_CALLBACK, USER_DEFINED_UNCONVERTIBLE_OUTPUT_CALLBACK,
     STOP_UNCONVERTIBLE_OUTPUT_CALLBACK};
-static_assert(std::size(kInputCallbacks) == I18N_STOP + 1 &&
-                  std::size(kOutputCallbacks) == I18N_STOP + 1,
+constexpr int kLastPolicy = I18N_STOP;
+static_assert(std::size(kInputCallbacks) == kLastPolicy + 1 &&
+                  std::size(kOutputCallbacks) == kLastPolicy + 1,
               "each policy has its callbacks");
 
-bool isPolicy(int policy) { return policy >= I18N_ESCAPE && policy <= I18N_STOP; }
+bool isPolicy(int policy) { return policy >= I18N_ESCAPE && policy <= kLastPolicy; }
 
 bool needsContext(int policy) { return policy == I18N_LOOKUP || policy == I18N_USER_DEFINED; }
 
