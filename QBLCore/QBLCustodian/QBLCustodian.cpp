@@ -35,10 +35,9 @@
 //    task. `at` and `last` tell the new thread where to continue. Only the thread that runs the
 //    pass uses them.
 // 4. The custodian is destroyed only when it has no users. A User counts one call. terminate()
-// first
-//    takes the custodian out of Shared, then waits until the count is 0. A later call finds no
-//    custodian. deRegisterTask() then waits for the end of the stop, because the last pass may call
-//    the task.
+//    first takes the custodian out of Shared, then waits until the count is 0. A later call finds
+//    no custodian. deRegisterTask() then waits for the end of the stop, because the last pass may
+//    call the task.
 //
 // The thread (m_started) starts with the first task. It waits (waitForPass), calls the tasks
 // (inPass), and ends after the pass that began with m_terminating set (lastPass). A task is in
@@ -53,7 +52,6 @@
 //                before the thread has the lock, and the thread's Turn wakes the caller.
 //   a task's place in m_tasks during a pass: null is stored and loaded relaxed. It only means "do
 //                not call". The end of the pass, under m_jobLock, means that no call runs.
-//   m_waiting    is changed and read under m_jobLock.
 //
 // A mistake here would call a destroyed task or wait forever. Tests that detect it, also with
 // x64-tsan:

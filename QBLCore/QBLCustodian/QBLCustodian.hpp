@@ -89,7 +89,7 @@ private:
 
     QBLThreadCriticalSection m_taskLock;  // for the wait between two passes
     QBLThreadConditionVariable m_wakeup;  // waited on with m_taskLock
-    QBLList<QBLCustodianTask*> m_tasks;   // changed under m_jobLock, in a pass only by our thread
+    QBLList<QBLCustodianTask*> m_tasks;   // changed under m_jobLock; see rule 1 in the source
     QBLThreadCriticalSection m_jobLock;   // may be taken under m_taskLock, not the reverse
     QBLList<QBLCustodianTask*> m_jobs;    // tasks not in a pass yet, newest first; under m_jobLock
     int m_started;                        // under m_jobLock

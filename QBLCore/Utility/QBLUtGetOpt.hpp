@@ -63,8 +63,8 @@ public:
     }
     /// Returns the last error message; empty before the first error. Valid until the next error.
     const char* getErrorMsg() const { return m_errorMsg.c_str(); }
-    /// Returns the letter of the last error, even if the message names another letter; 0 before the
-    /// first error.
+    /// Returns the letter that caused the last error; 0 before the first error. If an argument is
+    /// missing, the message of getOpt() names the first letter of `opts` instead.
     char getErrorLetter() const;
     /// Returns true if the last error was a missing argument; false if the last error was a letter
     /// that is not an option, or if there was no error yet.

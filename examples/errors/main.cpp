@@ -1,5 +1,5 @@
-// errors: shows how an error travels. A file cannot be opened. Each caller adds its own message or
-// its place in the code. The report then shows the error in four languages.
+// errors: shows how an error travels. A file cannot be opened. Each caller adds its place in the
+// code; one of them also adds a message. The report then shows the error in four languages.
 #include <cstdio>
 #include <string>
 

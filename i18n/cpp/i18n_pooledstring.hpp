@@ -91,13 +91,13 @@ public:
     /// @name Start and stop
     /// @{
 
-    /// Registers the custodian's task unless it is already registered. The library calls this
-    /// function when it starts. Calls are counted. A task of the custodian must not call this
-    /// function or terminate().
-    /// @return true if the task is registered now
+    /// Registers the purge with the custodian, unless it is already registered. The library calls
+    /// this function when it starts. Calls are counted. No task that the custodian runs may call
+    /// this function or terminate().
+    /// @return true if the purge is registered now
     /// @throws QBLOutOfMemoryError, QBLStdExceptionError; the call is not counted then
     static bool initialize();
-    /// Undoes a call of initialize(). The last call deregisters the task, waits for a running
+    /// Undoes a call of initialize(). The last call deregisters the purge, waits for a running
     /// purge, and empties the pool. Does nothing if every call of initialize() has been undone.
     static void terminate();
     /// @}

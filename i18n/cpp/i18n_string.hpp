@@ -271,7 +271,8 @@ public:
     /// @name How the text is stored
     /// @{
 
-    /// While true, every new string of the process is stored as UTF-16.
+    /// While true, the process stores each new or changed string as UTF-16. A string that is
+    /// constructed or assigned by a move keeps the storage of its source.
     static void setForceUnicodeString(bool force);
     static bool isForceUnicodeString();
     bool isUsingAsciiBuffer() const;
@@ -407,6 +408,9 @@ private:
     void reserveAscii(int units);
     void reserveUnits(int units);
     void resizeUnits(int capacity);
+    /// Converts the stored text from ASCII to UTF-16, if it is not in UTF-16 yet. No function
+    /// converts back.
+    /// @param units  the least capacity of the UTF-16 buffer
     void leaveAscii(int units = 0);
     void createUnicodeString();
     void alias();

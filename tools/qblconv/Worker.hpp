@@ -26,9 +26,9 @@ public:
 
     /// Processes a file that has its own output, or that is checked.
     void work(const Item& item, FileReport& report);
-    /// Appends a converted file to an output.
-    /// @param isFirst  whether all earlier inputs were empty
-    /// @return true if this input is not empty
+    /// Converts a file and appends the result to an output.
+    /// @param isFirst  whether no earlier input contained any bytes
+    /// @return true if bytes were read from this input
     bool join(const std::string& path, DirectOutput* direct, Output& output,
               const std::string& outputName, bool isFirst, FileReport& report);
     /// The byte-order mark for outputs; empty if outputs get no mark.

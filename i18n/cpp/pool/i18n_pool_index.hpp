@@ -19,7 +19,7 @@ public:
         const Table table(m_pTable.load(std::memory_order_relaxed));
         return table.slots() != nullptr && entries <= table.capacity() / 8 * 7;
     }
-    /// Switches to an empty table of twice the size.
+    /// Switches to an empty table of twice the size; the first table has 8 slots.
     /// @throws std::bad_alloc
     void grow();
     /// Requires: the index has room for one more entry.

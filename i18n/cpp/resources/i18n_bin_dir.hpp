@@ -10,7 +10,15 @@
 ///  - ./bin below TAV_ROOT;
 ///  - the first directory of LD_LIBRARY_PATH that holds a readable libQBLCore.so;
 ///  - ../bin if there is a readable ../configuration/tavstartup.xml;
-///   - ./bin below the directory that the first line of ./tavroot.link names (at most 4096 bytes).
+///  - ./bin below the directory that the first line of ./tavroot.link names (at most 4096 bytes).
+///
+/// The library looks for its files in these places, in this order:
+///
+///  - i18n_res.xml: the bin directory, or the working directory if no bin directory is known; then
+///    the share directory;
+///  - language files: the bin directory, the working directory, the share directory;
+///  - catalogues (QBLResourceFactory): the effective working directory, the bin directory, the share
+///    directory.
 ///
 /// Threads: any thread, as long as no thread changes the environment.
 /// @throws QBLOutOfMemoryError
