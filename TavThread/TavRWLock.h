@@ -4,7 +4,7 @@
 #include "TavThread/TavResult.h"
 
 /// A read/write lock: many readers or one writer hold it. A waiting writer holds back new readers,
-/// so a reader that locks again while a writer waits deadlocks.
+/// so a reader deadlocks if it locks again while a writer waits.
 ///
 /// Threads: any thread may call any operation.
 typedef struct TavRWLock TavRWLock;

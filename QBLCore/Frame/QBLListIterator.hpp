@@ -45,7 +45,8 @@ protected:
 
     // Moves to index n by the shortest of three ways: from the current node, from the head or from
     // the end. If two distances are equal, moves from the end if n is above the current index, and
-    // from the current node if n is below it. Does not move if n is past the end.
+    // from the current node if n is below it. If n is past the end, moves only from the end to the
+    // first element.
     void seek(unsigned int n) {
         if (node == list) reset();
         if (n >= list->count || n == index) return;
@@ -107,7 +108,8 @@ public:
 
     T& operator*() const { return this->template value<T>(); }
     T* operator->() const { return &**this; }
-    /// Moves to index n and returns the value there. Does not move if n is past the end.
+    /// Moves to index n and returns the value there. If n is past the end, an iterator at the end
+    /// moves to the first element, and any other iterator does not move.
     T& operator[](unsigned int n) {
         this->seek(n);
         return **this;

@@ -3,7 +3,7 @@
 
 #include "QBLCore/Frame/QBLExport.h"
 
-/// Base of objects that count their references and clean up when the last one is removed.
+/// Base of objects that count their references and clean up when the last reference is removed.
 ///
 /// Threads: only one thread may use an object; QBLReferenceCount is for shared objects.
 class QBL_API QBLThreadUnsafeReferenceCount {

@@ -211,8 +211,9 @@ public:
     /// @name Encoding names
     /// @{
 
-    /// These functions look only at the name, except shouldUseBOM(). They ignore case. For null and
-    /// for an empty name, isUTF8() returns true, and the other functions return false.
+    /// These functions look only at the name, except shouldUseBOM(). They ignore case, except
+    /// isPlatformDefault(). For null and for an empty name, isUTF8() returns true, and the other
+    /// functions return false.
     ///
     /// Returns true for null, an empty name, UTF8, UTF-8 and ASCII.
     static bool isUTF8(const char* encoding);
@@ -223,7 +224,7 @@ public:
     static bool isUTF16(const char* encoding);
     /// Returns true for UTF32, UTF-32, UCS4, UCS-4 and names that begin with UTF32_P.
     static bool isUTF32(const char* encoding);
-    /// Returns true if the name equals I18NGetPlatformDefaultEncoding(); does not ignore case.
+    /// Returns true if the name equals I18NGetPlatformDefaultEncoding(), including the case.
     static bool isPlatformDefault(const char* encoding);
     /// Returns true if files in this encoding usually begin with a byte-order mark: UTF-16 and
     /// UTF-32, under any of their names.

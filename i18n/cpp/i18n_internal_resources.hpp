@@ -70,7 +70,8 @@ public:
     /// The expected number of bytes per code point, for allocating memory for UTF-8: 2.5 unless the
     /// file sets another number, at most 4.
     float getUTF8BytesPerCodePoints() const;
-    /// Whether number formats may replace zeros with a scale; false unless the file says otherwise.
+    /// Whether number formats may replace a zero that has a scale, such as 0.00; false unless the
+    /// file says otherwise.
     bool isAllowReplaceScaledZero() const;
     void setAllowReplaceScaledZero(bool allow);
     /// Whether number formats may show a negative zero; false unless the file says otherwise.

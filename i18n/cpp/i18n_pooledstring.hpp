@@ -27,8 +27,8 @@ struct I18NPooledStringEntry;
 /// and is destroyed with its last holder. The pool can also be used before the library starts and
 /// after it stops, but then the custodian does not purge it.
 ///
-/// Each text costs at least 128 bytes (192 at 64 bits). Memory that purges empty goes back to the
-/// system, except one page in eight and the tables that find the texts.
+/// Each text costs at least 128 bytes (192 at 64 bits). Purges return unused memory to the system,
+/// except one page in eight and the tables that find the texts.
 ///
 /// Do not pool text from untrusted sources without a limit: whoever chooses the texts can choose
 /// many with the same hash, which makes them slow to find.

@@ -30,9 +30,9 @@ struct I18NUnconvertible {
     /// The offset of the code point, or of the replacement of the bytes: in UTF-16 code units from
     /// the start of the text.
     std::int64_t textOffset;
-    /// Both count from 1. A line ends with LF, CR or CR LF. A column is a code point or an unpaired
-    /// surrogate. Each sequence of bytes that is not convertible counts as one column, whatever
-    /// replaces it.
+    /// `line` and `column` count from 1. A line ends with LF, CR or CR LF. A column is a code point
+    /// or an unpaired surrogate. Each sequence of bytes that is not convertible counts as one
+    /// column, whatever replaces it.
     std::int64_t line;
     std::int64_t column;
 };
