@@ -155,6 +155,39 @@ bool decodePlainly(I18NDecoding& decoding, const unsigned char* until) {
     return true;
 }
 
+/// Decodes well-formed sequences and NULs up to the one that reaches `until`.
+void decodeWellFormed(const unsigned char*& bytes, const unsigned char* end, char16_t*& out,
+                      const char16_t* limit, const unsigned char* until) {
+    const unsigned char* p = bytes;
+    char16_t* to = out;
+    const auto room = static_cast<std::ptrdiff_t>(kBlock);
+    while (p < until && end - p >= 4 && limit - to >= room) {
+        const unsigned char lead = *p;
+        const std::uint32_t four = loadFour(p);
+        std::uint32_t c;
+        if (lead < 0x80) {
+            // A run ends at a NUL, too.
+            const int run = end - p >= room ? asciiRun(p, to) : 0;
+            if (run == 0) *to = lead;
+            p += run == 0 ? 1 : run;
+            to += run == 0 ? 1 : run;
+        } else if (isTwo(four)) {
+            *to++ = static_cast<char16_t>(((four & 0x1F) << 6) | ((four >> 8) & 0x3F));
+            p += 2;
+        } else if (isThree(four, c)) {
+            *to++ = static_cast<char16_t>(c);
+            p += 3;
+        } else if (isFour(four, c)) {
+            to += i18nPutCodePoint(to, c);
+            p += 4;
+        } else {
+            break;
+        }
+    }
+    bytes = p;
+    out = to;
+}
+
 /// The best kernel for this processor, or null.
 I18NDecoder decoder() {
     if (i18nHasWidestBlocks()) return i18nDecodeWidestBlocks;
@@ -191,33 +224,20 @@ I18NDecoded i18nDecodeUTF8(I18NDecoder kernel, const char* bytes, std::size_t le
 
 void i18nDecodeWellFormedUTF8(const char*& bytes, const char* end, char16_t*& out,
                               const char16_t* limit) {
-    const char* p = bytes;
-    char16_t* to = out;
-    const auto room = static_cast<std::ptrdiff_t>(kBlock);
-    while (end - p >= 4 && limit - to >= room) {
-        const auto lead = static_cast<unsigned char>(*p);
-        std::uint32_t four = loadFour(reinterpret_cast<const unsigned char*>(p));
-        std::uint32_t c;
-        if (lead < 0x80) {
-            // A run ends at a NUL, too.
-            const int run =
-                end - p >= room ? asciiRun(reinterpret_cast<const unsigned char*>(p), to) : 0;
-            if (run == 0) *to = lead;
-            p += run == 0 ? 1 : run;
-            to += run == 0 ? 1 : run;
-        } else if (isTwo(four)) {
-            *to++ = static_cast<char16_t>(((four & 0x1F) << 6) | ((four >> 8) & 0x3F));
-            p += 2;
-        } else if (isThree(four, c)) {
-            *to++ = static_cast<char16_t>(c);
-            p += 3;
-        } else if (isFour(four, c)) {
-            to += i18nPutCodePoint(to, c);
-            p += 4;
-        } else {
-            break;
-        }
+    const I18NDecoder kernel = decoder();
+    const auto* const endByte = reinterpret_cast<const unsigned char*>(end);
+    const auto* at = reinterpret_cast<const unsigned char*>(bytes);
+    const unsigned char* before = nullptr;
+    while (at != before && at != endByte) {
+        before = at;
+        const std::ptrdiff_t most = std::min(endByte - at, limit - out);
+        I18NDecoding decoding{at, at + most, out};
+        if (kernel != nullptr) kernel(decoding);
+        at = decoding.at;
+        out = decoding.out;
+        // The kernel also stops at a NUL and near the end.
+        const std::ptrdiff_t some = kernel != nullptr ? std::min<std::ptrdiff_t>(32, most) : most;
+        decodeWellFormed(at, endByte, out, limit, decoding.at + std::min(some, endByte - at));
     }
-    bytes = p;
-    out = to;
+    bytes = reinterpret_cast<const char*>(at);
 }
