@@ -19,7 +19,8 @@ class QBLResource;
 ///
 ///  - the directories added by QBLCatalogueSettings::addDirectory();
 ///  - the effective working directory;
-///  - the installation's bin directory, if the library has determined it, as I18NInitialize() and the
+///  - the installation's bin directory, if the library has determined it, as I18NInitialize() and
+///  the
 ///    first converter do;
 ///  - share/qblcore next to the library's directory, or next to the parent of that directory;
 ///  - for a program DIR/bin/PROGRAM: DIR/share/PROGRAM, and then DIR/bin.

@@ -12,9 +12,6 @@
 
 /// Room for one replacement and for everything that ICU writes around it, in bytes or units.
 constexpr std::size_t kI18NStreamSlack = 64;
-/// Where the faster functions for UTF-8 and UTF-16 stop, ICU converts at most this many bytes
-/// (input) or UTF-16 units (output). Then the faster functions continue.
-constexpr std::ptrdiff_t kI18NStreamPiece = 8;
 
 /// @param refused  true if the policy has refused text
 /// @throws QBLOutOfMemoryError, I18NRuntimeError

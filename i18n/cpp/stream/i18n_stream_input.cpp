@@ -66,6 +66,7 @@ void I18NStreamInput::listen() {
     m_bIsISCII = ucnv_getType(m_pICU) == UCNV_ISCII;
     m_bFollowsSequences = hidesSequences(m_pICU);
     m_bByteByByte = m_bFollowsSequences || dependsOnBlocks(m_pICU);
+    m_pTable = I18NDecodingTable::of(m_pICU);
     ucnv_reset(m_pICU);
     ucnv_setToUCallBack(m_pICU, callback, this, &m_policy, &m_pPolicyContext, &status);
 }
@@ -82,28 +83,39 @@ I18NProgress I18NStreamInput::decode(const char*& at, const char* end, bool flus
 
 I18NProgress I18NStreamInput::decodeSlice(const char*& at, const char* end, bool flush,
                                           char16_t*& text, const char16_t* limit) {
-    I18NProgress progress = I18NProgress::kDone;
-    UErrorCode status = U_ZERO_ERROR;
-    if (m_form == I18NStreamForm::kOther && !m_bByteByByte)
-        return decodeByICU(at, end, flush, text, limit);
     if (m_bByteByByte) return decodeBytes(at, end, flush, text, limit);
+    if (m_form == I18NStreamForm::kOther && m_pTable == nullptr)
+        return decodeByICU(at, end, flush, text, limit);
+    I18NProgress progress = I18NProgress::kDone;
     do {
         if (!m_bUnfinished) {
             const char* const begin = at;
-            const char16_t* const textBegin = text;
-            if (m_form == I18NStreamForm::kUTF8)
-                i18nDecodeWellFormedUTF8(at, end, text, limit);
-            else
-                copyWellFormed(at, end, text, limit);
-            m_iBytes += at - begin;
-            m_iUnits += text - textBegin;
+            decodeWithoutICU(at, end, text, limit);
+            if (at == end && !flush) break;
+            if (at != end && text == limit) return I18NProgress::kFull;
+            m_piece.choose(at - begin);
         }
-        const char* const piece = at + std::min(end - at, kI18NStreamPiece);
+        const char* const piece = at + std::min(end - at, m_piece.size(m_bUnfinished));
         progress = decodeByICU(at, piece, flush && piece == end, text, limit);
+        UErrorCode status = U_ZERO_ERROR;
         m_bUnfinished =
             progress != I18NProgress::kDone || ucnv_toUCountPending(m_pICU, &status) != 0;
     } while (progress == I18NProgress::kDone && at != end);
     return progress;
+}
+
+void I18NStreamInput::decodeWithoutICU(const char*& at, const char* end, char16_t*& text,
+                                       const char16_t* limit) {
+    const char* const begin = at;
+    const char16_t* const textBegin = text;
+    if (m_form == I18NStreamForm::kUTF8)
+        i18nDecodeWellFormedUTF8(at, end, text, limit);
+    else if (m_form == I18NStreamForm::kUTF16)
+        copyWellFormed(at, end, text, limit);
+    else
+        m_pTable->decode(at, end, text, limit);
+    m_iBytes += at - begin;
+    m_iUnits += text - textBegin;
 }
 
 I18NProgress I18NStreamInput::decodeBytes(const char*& at, const char* end, bool flush,

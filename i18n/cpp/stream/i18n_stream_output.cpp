@@ -55,6 +55,7 @@ I18NStreamOutput::I18NStreamOutput(const I18NConverter& converter, I18NOutputFin
     // ICU reports characters with best fits only if its fallback is off. treat() applies the best
     // fits.
     m_converter.useFallback(false);
+    m_pTable = I18NEncodingTable::of(m_pICU);
 }
 
 std::size_t I18NStreamOutput::portion(const char16_t* text, std::size_t units) const {
@@ -135,23 +136,33 @@ I18NProgress I18NStreamOutput::encodePieces(const char16_t* text, const char16_t
     do {
         bytes.reserve(static_cast<std::size_t>(end - text) * m_iMaxBytes + kI18NStreamSlack);
         const char16_t* piece = end;
-        if (m_form != I18NStreamForm::kOther) {
+        if (m_form != I18NStreamForm::kOther || m_pTable != nullptr) {
             if (!m_bUnfinished) {
                 const char16_t* const begin = text;
-                char* to = bytes.end();
-                if (m_form == I18NStreamForm::kUTF8)
-                    i18nEncodeWellFormedUTF8(text, end, to);
-                else
-                    copyWellFormed(text, end, to);
-                bytes.setEnd(to);
-                m_iUnits += text - begin;
+                encodeWithoutICU(text, end, bytes);
+                if (text == end && !flush) break;
+                m_piece.choose(text - begin);
             }
-            piece = text + std::min(end - text, kI18NStreamPiece);
+            piece = text + std::min(end - text, m_piece.size(m_bUnfinished));
         }
         progress = encodeByICU(text, piece, flush && piece == end, bytes);
         m_bUnfinished = progress != I18NProgress::kDone || undecided() != 0;
     } while (progress == I18NProgress::kFull || (progress == I18NProgress::kDone && text != end));
     return progress;
+}
+
+void I18NStreamOutput::encodeWithoutICU(const char16_t*& text, const char16_t* end,
+                                        I18NStreamBuffer& bytes) {
+    const char16_t* const begin = text;
+    char* to = bytes.end();
+    if (m_form == I18NStreamForm::kUTF8)
+        i18nEncodeWellFormedUTF8(text, end, to);
+    else if (m_form == I18NStreamForm::kUTF16)
+        copyWellFormed(text, end, to);
+    else
+        m_pTable->encode(text, end, to, bytes.limit());
+    bytes.setEnd(to);
+    m_iUnits += text - begin;
 }
 
 I18NProgress I18NStreamOutput::encodeByICU(const char16_t*& text, const char16_t* end, bool flush,

@@ -1,0 +1,172 @@
+#ifndef FUZZ_SUPPORT_STREAMCHECKS_HPP
+#define FUZZ_SUPPORT_STREAMCHECKS_HPP
+
+#include <unicode/ucnv.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "i18n/cpp/converter/i18n_converter_access.hpp"
+#include "i18n/cpp/i18n_converter.hpp"
+#include "i18n/cpp/i18n_errors.hpp"
+#include "i18n/cpp/i18n_text_stream.hpp"
+
+/// Compares text streams, which convert most characters by tables of their own, with ICU, which
+/// gets the whole text at once.
+
+/// What a conversion gives: the output, and where the policy was asked about which bytes or
+/// character.
+struct StreamOutcome : I18NTextStreamListener {
+    std::string output, findings;
+
+    void add(const void* data, std::size_t size) {
+        output.append(static_cast<const char*>(data), size);
+    }
+    void found(std::int64_t at, const std::string& what) {
+        findings += std::to_string(at) + ":" + what + "\n";
+    }
+    void unconvertible(const I18NUnconvertible& what) override {
+        if (what.isOutput)
+            found(what.textOffset, std::to_string(static_cast<long>(what.codePoint)));
+        else
+            found(what.textOffset,
+                  std::string(what.bytes, static_cast<std::size_t>(what.byteCount)));
+    }
+    bool operator==(const StreamOutcome& other) const {
+        return output == other.output && findings == other.findings;
+    }
+};
+
+/// Converts in blocks of these sizes, used in rotation; from UTF-16 if `from` is null, and to
+/// UTF-16 if `to` is null.
+template <class Unit>
+StreamOutcome convertedByStream(const I18NConverter* from, const I18NConverter* to,
+                                const std::basic_string<Unit>& text,
+                                const std::vector<std::size_t>& sizes) {
+    StreamOutcome outcome;
+    I18NTextStream stream(from, to, I18N_MARK_KEEP, &outcome);
+    const auto take = [&] {
+        if (to != nullptr)
+            outcome.add(stream.getBytes(), stream.getByteCount());
+        else
+            outcome.add(stream.getText(), stream.getTextLength() * sizeof(char16_t));
+    };
+    try {
+        std::size_t turn = 0;
+        for (std::size_t at = 0; at < text.size();) {
+            const auto end = std::min(text.size(), at + sizes[turn++ % sizes.size()]);
+            // A separate allocation, so that the address sanitizer detects reads past its end.
+            const std::vector<Unit> block(text.begin() + static_cast<std::ptrdiff_t>(at),
+                                          text.begin() + static_cast<std::ptrdiff_t>(end));
+            stream.put(block.data(), block.size());
+            take();
+            at = end;
+        }
+        stream.finish();
+    } catch (const I18NRuntimeError&) {
+        outcome.findings += "refused";
+    }
+    take();
+    return outcome;
+}
+
+/// Calls the policy of a converter, and notes what it is asked about.
+struct AskedByIcu {
+    StreamOutcome outcome;
+    std::u16string text;  // room for it, or the source
+    UConverterToUCallback toUnicode = nullptr;
+    UConverterFromUCallback fromUnicode = nullptr;
+    const void* context = nullptr;
+
+    static void input(const void* self, UConverterToUnicodeArgs* args, const char* bytes,
+                      int32_t length, UConverterCallbackReason reason, UErrorCode* status) {
+        auto* const asked = static_cast<AskedByIcu*>(const_cast<void*>(self));
+        if (reason <= UCNV_IRREGULAR)
+            asked->outcome.found(args->target - asked->text.data(),
+                                 std::string(bytes, static_cast<std::size_t>(length)));
+        asked->toUnicode(asked->context, args, bytes, length, reason, status);
+    }
+    static void output(const void* self, UConverterFromUnicodeArgs* args, const UChar* units,
+                       int32_t length, UChar32 codePoint, UConverterCallbackReason reason,
+                       UErrorCode* status) {
+        auto* const asked = static_cast<AskedByIcu*>(const_cast<void*>(self));
+        if (reason <= UCNV_IRREGULAR)
+            asked->outcome.found(args->source - asked->text.data() - length,
+                                 std::to_string(codePoint));
+        asked->fromUnicode(asked->context, args, units, length, codePoint, reason, status);
+    }
+};
+
+inline StreamOutcome decodedByIcu(I18NConverter from, const std::string& bytes) {
+    UConverter* const icu = I18NConverterAccess::icu(from);
+    AskedByIcu asked;
+    asked.text.resize(bytes.size() * 16 + 64);
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_setToUCallBack(icu, AskedByIcu::input, &asked, &asked.toUnicode, &asked.context, &status);
+    const char* source = bytes.data();
+    UChar* target = &asked.text[0];
+    ucnv_toUnicode(icu, &target, target + asked.text.size(), &source, source + bytes.size(),
+                   nullptr, true, &status);
+    asked.outcome.add(asked.text.data(),
+                      static_cast<std::size_t>(target - asked.text.data()) * sizeof(char16_t));
+    if (U_FAILURE(status)) asked.outcome.findings += "refused";
+    status = U_ZERO_ERROR;
+    ucnv_setToUCallBack(icu, asked.toUnicode, asked.context, nullptr, nullptr, &status);
+    return asked.outcome;
+}
+
+inline StreamOutcome encodedByIcu(I18NConverter to, const std::u16string& text) {
+    UConverter* const icu = I18NConverterAccess::icu(to);
+    ucnv_setFallback(icu, false);
+    AskedByIcu asked;
+    asked.text = text;
+    std::string bytes(text.size() * 64 + 64, '\0');
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_setFromUCallBack(icu, AskedByIcu::output, &asked, &asked.fromUnicode, &asked.context,
+                          &status);
+    const UChar* source = asked.text.data();
+    char* target = &bytes[0];
+    ucnv_fromUnicode(icu, &target, target + bytes.size(), &source, source + text.size(), nullptr,
+                     true, &status);
+    asked.outcome.add(bytes.data(), static_cast<std::size_t>(target - bytes.data()));
+    if (U_FAILURE(status)) asked.outcome.findings += "refused";
+    status = U_ZERO_ERROR;
+    ucnv_setFromUCallBack(icu, asked.fromUnicode, asked.context, nullptr, nullptr, &status);
+    return asked.outcome;
+}
+
+/// Returns true for encodings in which ICU gives the same whether it gets a text at once or in
+/// pieces, and reports all bytes that are not convertible: those without shift states, except the
+/// one with an escape character for single characters.
+inline bool dependsOnTextAlone(const I18NConverter& converter) {
+    const UConverter* const icu = I18NConverterAccess::icu(converter);
+    UErrorCode status = U_ZERO_ERROR;
+    const UConverterType type = ucnv_getType(icu);
+    return (type <= UCNV_MBCS || type == UCNV_LATIN_1 || type == UCNV_UTF8 ||
+            type == UCNV_US_ASCII) &&
+           std::string(ucnv_getName(icu, &status)).compare(0, 3, "gsm") != 0;
+}
+
+/// A stream applies the policy to private-use characters that do not survive a round trip, and ICU
+/// does not.
+inline std::u16string withoutPrivateUse(std::u16string text) {
+    const auto isPrivate = [](char16_t unit) { return unit >= 0xE000 && unit < 0xF900; };
+    text.erase(std::remove_if(text.begin(), text.end(), isPrivate), text.end());
+    return text;
+}
+
+/// @return what a stream does otherwise than ICU; null if nothing
+inline const char* differenceFromIcu(const I18NConverter& converter, const std::string& bytes,
+                                     const std::u16string& text,
+                                     const std::vector<std::size_t>& sizes) {
+    const StreamOutcome decoded = convertedByStream(&converter, nullptr, bytes, sizes);
+    if (!(decoded == decodedByIcu(converter, bytes))) return "decoding";
+    const std::u16string units = withoutPrivateUse(text);
+    I18NConverter to(converter);
+    to.useFallback(false);
+    const StreamOutcome encoded = convertedByStream(nullptr, &to, units, sizes);
+    return encoded == encodedByIcu(to, units) ? nullptr : "encoding";
+}
+
+#endif

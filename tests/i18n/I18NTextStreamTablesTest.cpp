@@ -1,0 +1,147 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "fuzz/support/StreamChecks.hpp"
+#include "i18n/cpp/converter/i18n_code_tables.hpp"
+#include "i18n/cpp/converter/i18n_single_bytes.hpp"
+#include "i18n/cpp/i18n_encoding_names.h"
+#include "i18n/cpp/utf/i18n_utf_blocks.hpp"
+#include "tests/support/Workers.hpp"
+
+namespace {
+
+/// The same numbers at both widths.
+class Random {
+public:
+    explicit Random(unsigned seed) : m_engine(seed) {}
+    unsigned operator()() { return static_cast<unsigned>(m_engine()); }
+
+private:
+    std::mt19937 m_engine;
+};
+
+/// Runs of ASCII between runs of characters from a few places in Unicode, and others.
+std::u16string randomText(Random& random) {
+    std::u16string text;
+    const unsigned places[] = {0xA0, 0x3040, 0x4E00, random() % 0xD700};
+    while (text.size() < 600) {
+        const unsigned kind = random() % 8, place = places[random() % 4];
+        if (kind == 0) text += static_cast<char16_t>(random() % 0xFFFF);
+        for (unsigned i = random() % (kind < 4 ? 90 : 12); kind != 0 && i > 0; --i) {
+            const unsigned ascii = random() % 30 != 0 ? 0x20 + random() % 0x5F : random() % 0x80;
+            text += static_cast<char16_t>(kind < 4 ? ascii : place + random() % 96);
+        }
+    }
+    return text;
+}
+
+/// The text without what the encoding lacks, and with some other bytes.
+std::string randomBytes(Random& random, const I18NConverter& converter, const std::u16string& text,
+                        bool isValid) {
+    I18NConverter only(converter);
+    only.setUserDefinedUnconvertibleOutputSequenceCallback(
+        [](wchar_t, const char*, char*, int*, I18NErrorCodes*) {});
+    std::string bytes = encodedByIcu(only, text).output;
+    for (std::size_t i = 0; !isValid && i < bytes.size() / 100; ++i)
+        bytes[random() % bytes.size()] = static_cast<char>(random());
+    return bytes;
+}
+
+}  // namespace
+
+TEST(I18NTextStreamTablesTest, StreamsConvertAsIcuInEveryEncodingWithoutShifts) {
+    int tested = 0;
+    for (int i = 0; i < I18NCountEncodings(); ++i) {
+        I18NConverter converter(I18NGetEncodingName(i, 0));
+        if (!dependsOnTextAlone(converter)) continue;
+        ++tested;
+        Random random(static_cast<unsigned>(i));
+        for (int run = 0; run < 2 * (I18N_STOP + 1); ++run) {
+            converter.setBuiltInUnconvertibleInputSequenceCallback(run / 2);
+            converter.setBuiltInUnconvertibleOutputSequenceCallback(run / 2);
+            const std::u16string text = randomText(random);
+            const std::string bytes = randomBytes(random, converter, text, run / 2 == I18N_STOP);
+            const std::vector<std::size_t> sizes = {1 + random() % 200, 1 + random() % 20,
+                                                    1 + random() % 2000};
+            EXPECT_EQ(nullptr, differenceFromIcu(converter, bytes, text, sizes))
+                << converter.getEncoding() << " run " << run;
+        }
+    }
+    EXPECT_GT(tested, 150);
+}
+
+TEST(I18NTextStreamTablesTest, TablesConvertWholeTextsOfEncodingsWithASCII) {
+    for (const char* const name :
+         {"Shift_JIS", "EUC-JP", "GB18030", "Big5-HKSCS", "windows-1252"}) {
+        const I18NConverter converter(name);
+        UConverter* const icu = I18NConverterAccess::icu(converter);
+        std::u16string text(3000, u'x');
+        for (std::size_t i = 100; i < text.size(); i += 1 + i % 19) text[i] = u'\u00D7';
+        const std::string bytes = encodedByIcu(converter, text).output;
+        const auto decoding = I18NDecodingTable::of(icu);
+        const auto encoding = I18NEncodingTable::of(icu);
+        ASSERT_NE(nullptr, decoding) << name;
+        ASSERT_NE(nullptr, encoding) << name;
+        std::u16string units(text.size(), u'\0');
+        std::string back(bytes.size() + I18NEncodingTable::kRoom, '\0');
+        const char* at = bytes.data();
+        char16_t* to = &units[0];
+        decoding->decode(at, at + bytes.size(), to, to + units.size());
+        const char16_t* unit = text.data();
+        char* out = &back[0];
+        encoding->encode(unit, unit + text.size(), out, out + back.size());
+        back.resize(static_cast<std::size_t>(out - back.data()));
+        EXPECT_EQ(text, units) << name;
+        EXPECT_EQ(bytes, back) << name;
+    }
+    for (const char* const name : {"ISO-2022-JP", "IBM037", "ibm-930", "HZ", "UTF-7", "SCSU",
+                                   "LMBCS-1", "gsm-03.38-2009", "UTF-16"}) {
+        const I18NConverter converter(name);
+        EXPECT_EQ(nullptr, I18NDecodingTable::of(I18NConverterAccess::icu(converter))) << name;
+        EXPECT_EQ(nullptr, I18NEncodingTable::of(I18NConverterAccess::icu(converter))) << name;
+    }
+}
+
+TEST(I18NTextStreamTablesTest, ManyThreadsFillATable) {
+    Random random(2);
+    const std::u16string text = randomText(random);
+    const I18NConverter converter("ibm-949");
+    const std::string bytes = randomBytes(random, converter, text, false);
+    Workers workers(
+        4, [&] { EXPECT_EQ(nullptr, differenceFromIcu(converter, bytes, text, {bytes.size()})); });
+}
+
+TEST(I18NTextStreamTablesTest, AllKernelsDecodeSinglesUpToTheBlockWithAnother) {
+    Random random(1);
+    I18NSingleBytes table;
+    for (unsigned i = 0; i < 0x100; ++i)
+        table.set(static_cast<unsigned char>(i),
+                  i == 0x81 ? I18NSingleBytes::kNone : static_cast<char16_t>(random() % 0xD800));
+    for (std::size_t run = 0; run < 2000; ++run) {
+        const std::size_t size = run % 200;
+        std::vector<unsigned char> bytes(size);
+        std::vector<char16_t> units(size), expected(size);
+        for (unsigned char& byte : bytes)
+            byte = static_cast<unsigned char>(random() % (run < 1000 ? 0x81 : 0x100));
+        for (std::size_t i = 0; i < size; ++i) expected[i] = table.units[bytes[i]];
+        const auto check = [&](I18NSinglesDecoder decode, std::size_t block) {
+            I18NSinglesDecoding decoding = {bytes.data(), bytes.data() + size, units.data(),
+                                            units.data() + size};
+            decode(decoding, table);
+            const auto done = static_cast<std::size_t>(decoding.at - bytes.data());
+            const auto none = static_cast<std::size_t>(std::find(bytes.begin(), bytes.end(), 0x81) -
+                                                       bytes.begin());
+            EXPECT_EQ(none / block * block, done) << size;
+            EXPECT_TRUE(std::equal(expected.begin(),
+                                   expected.begin() + static_cast<std::ptrdiff_t>(done),
+                                   units.begin()));
+            EXPECT_EQ(units.data() + done, decoding.out);
+        };
+        check(i18nDecodeSingles, 16);
+        if (i18nHasWidestBlocks()) check(i18nDecodeWidestSingles, 64);
+    }
+}
