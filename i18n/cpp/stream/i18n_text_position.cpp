@@ -2,6 +2,8 @@
 
 #include <emmintrin.h>
 
+#include <algorithm>
+
 #include "i18n/cpp/utf/i18n_utf.hpp"
 
 namespace {
@@ -51,6 +53,40 @@ int count(const char16_t* at, const char16_t* end, char16_t before) {
     return found;
 }
 
+constexpr std::ptrdiff_t kBlock = 2 * kStep;
+// Each of 16 8-bit counters counts every 16th unit.
+constexpr std::ptrdiff_t kMostBlocks = 0xFF;
+
+// Counts the LFs of whole blocks. Packing keeps LF and CR, and makes nothing else to these.
+// @param hasCR  set if there is a CR
+int countLF(const char16_t* at, const char16_t* end, bool& hasCR) {
+    const __m128i lf = _mm_set1_epi8('\n'), cr = _mm_set1_epi8('\r');
+    __m128i counters = _mm_setzero_si128(), crs = _mm_setzero_si128();
+    for (; at != end; at += kBlock) {
+        const __m128i units = _mm_packus_epi16(load(at), load(at + kStep));
+        counters = _mm_sub_epi8(counters, _mm_cmpeq_epi8(units, lf));
+        crs = _mm_or_si128(crs, _mm_cmpeq_epi8(units, cr));
+    }
+    hasCR = _mm_movemask_epi8(crs) != 0;
+    const __m128i sums = _mm_sad_epu8(counters, _mm_setzero_si128());
+    return _mm_cvtsi128_si32(sums) + _mm_extract_epi16(sums, 4);
+}
+
+// Most texts have LF alone.
+int countLines(const char16_t* at, const char16_t* end, char16_t before) {
+    int lines = 0;
+    while (end - at >= kBlock) {
+        const char16_t* const part = at + std::min((end - at) / kBlock, kMostBlocks) * kBlock;
+        bool hasCR = false;
+        const int found = countLF(at, part, hasCR);
+        const bool isSecond = before == u'\r' && *at == u'\n';
+        lines += hasCR ? count<LineEnd>(at, part, before) : found - (isSecond ? 1 : 0);
+        before = part[-1];
+        at = part;
+    }
+    return lines + count<LineEnd>(at, end, before);
+}
+
 // Returns the position after the last CR or LF. Requires: there is one.
 const char16_t* lastLine(const char16_t* begin, const char16_t* end) {
     for (; end - begin >= kStep; end -= kStep) {
@@ -69,7 +105,7 @@ void I18NTextPosition::pass(const char16_t* begin, const char16_t* end) {
     if (*begin == u'\n' && m_cBefore == u'\r') m_cBefore = *begin++;
     if (begin == end) return;
     const char16_t last = end[-1];
-    if (const int lines = count<LineEnd>(begin, end, m_cBefore)) {
+    if (const int lines = countLines(begin, end, m_cBefore)) {
         begin = lastLine(begin, end);
         m_cBefore = begin[-1];
         m_iLine += lines;
