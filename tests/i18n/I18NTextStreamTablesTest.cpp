@@ -9,6 +9,7 @@
 #include "i18n/cpp/converter/i18n_code_tables.hpp"
 #include "i18n/cpp/converter/i18n_single_bytes.hpp"
 #include "i18n/cpp/i18n_encoding_names.h"
+#include "i18n/cpp/utf/i18n_ascii_copy.hpp"
 #include "i18n/cpp/utf/i18n_utf_blocks.hpp"
 #include "tests/support/Workers.hpp"
 
@@ -143,5 +144,36 @@ TEST(I18NTextStreamTablesTest, AllKernelsDecodeSinglesUpToTheBlockWithAnother) {
         };
         check(i18nDecodeSingles, 16);
         if (i18nHasWidestBlocks()) check(i18nDecodeWidestSingles, 64);
+    }
+}
+
+TEST(I18NTextStreamTablesTest, AllKernelsCopyASCIIAndCountItsLines) {
+    Random random(1);
+    for (std::size_t run = 0; run < 4000; ++run) {
+        const std::size_t size = run % 200;
+        std::vector<char> bytes(size), out(size);
+        for (char& byte : bytes)
+            byte = "ab\r\n\n\r\r\nab\x7F\x1A\xE4"[random() % (run < 2000 ? 10 : 13)];
+        const auto check = [&](I18NASCIICopier copier, std::size_t block) {
+            I18NASCIICopy copy = {bytes.data(), bytes.data() + size, out.data(), run % 3 == 0};
+            copy.odd[0] = 0x7F;
+            copy.odd[5] = 0x1A;
+            copier(copy);
+            const auto done = static_cast<std::size_t>(copy.at - bytes.data());
+            const auto other = static_cast<std::size_t>(
+                std::find_if(bytes.begin(), bytes.end(),
+                             [](char c) { return c < 0 || c == 0x7F || c == 0x1A; }) -
+                bytes.begin());
+            EXPECT_EQ(other / block * block, done) << size;
+            EXPECT_TRUE(std::equal(out.data(), copy.out, bytes.data()));
+            bool isAfterCR = run % 3 == 0;
+            std::size_t lines = 0;
+            for (const char* at = bytes.data(); at != copy.at; isAfterCR = *at++ == '\r')
+                lines += *at == '\r' || (*at == '\n' && !isAfterCR) ? 1 : 0;
+            EXPECT_EQ(lines, copy.lines);
+            EXPECT_EQ(isAfterCR, copy.isAfterCR);
+        };
+        check(i18nCopyASCIIBlocks, 16);
+        if (i18nHasWideBlocks()) check(i18nCopyWideASCIIBlocks, 32);
     }
 }

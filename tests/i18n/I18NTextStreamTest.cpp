@@ -424,19 +424,31 @@ TEST(I18NTextStreamTest, CountsLinesOfLongTexts) {
         text += kText.substr(random() % kText.size());
         if (random() % 2000 == 0) text.append(random() % 40000, u"x\r\n\xD83D"[random() % 4]);
     }
-    long line = 1, column = 1;
-    char16_t before = 0;
-    for (const char16_t unit : text) {
-        const bool ends = unit == u'\r' || (unit == u'\n' && before != u'\r');
-        const bool isPart = unit == u'\n' || (unit >> 10 == 0x37 && before >> 10 == 0x36);
-        line += ends ? 1 : 0;
-        column = ends ? 1 : column + (isPart ? 0 : 1);
-        before = unit;
-    }
+    const auto place = [&text] {
+        long line = 1, column = 1;
+        char16_t before = 0;
+        for (const char16_t unit : text) {
+            const bool ends = unit == u'\r' || (unit == u'\n' && before != u'\r');
+            const bool isPart = unit == u'\n' || (unit >> 10 == 0x37 && before >> 10 == 0x36);
+            line += ends ? 1 : 0;
+            column = ends ? 1 : column + (isPart ? 0 : 1);
+            before = unit;
+        }
+        return std::to_string(line) + ":" + std::to_string(column);
+    };
     const Outcome outcome = run(nullptr, &utf8, text, 20011, I18N_MARK_KEEP);
     EXPECT_EQ(bytesBy(utf8, text), outcome.output);
-    EXPECT_EQ(std::to_string(line) + ":" + std::to_string(column),
-              outcome.told.substr(outcome.told.rfind(' ') + 1));
+    EXPECT_EQ(place(), outcome.told.substr(outcome.told.rfind(' ') + 1));
+    // ASCII is copied, and between it are other characters.
+    for (std::size_t i = 0; i < text.size(); ++i)
+        if (text[i] >= 0x80) text[i] = random() % 1000 != 0 ? u'y' : u'\u00E4';
+    const I18NConverter latin("windows-1252");
+    for (std::size_t cut = 0; cut < 40; ++cut) {
+        text.pop_back();
+        const Outcome copied = run(&utf8, &latin, bytesBy(utf8, text), 8011 + cut, I18N_MARK_KEEP);
+        EXPECT_EQ(bytesBy(latin, text), copied.output);
+        EXPECT_EQ(place(), copied.told.substr(copied.told.rfind(' ') + 1)) << cut;
+    }
 }
 
 TEST(I18NTextStreamTest, ErrorsAndMisuseEndTheStream) {

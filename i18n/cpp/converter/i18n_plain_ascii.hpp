@@ -31,9 +31,12 @@ public:
         return static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(block, odd)));
     }
 
+    static constexpr int kMostOdd = 3;
+    const unsigned char (&odd() const)[kMostOdd] { return m_odd; }
+
 private:
     static constexpr unsigned char kNone = 0xFF;
-    unsigned char m_odd[3] = {kNone, kNone, kNone};
+    unsigned char m_odd[kMostOdd] = {kNone, kNone, kNone};
 };
 
 #endif

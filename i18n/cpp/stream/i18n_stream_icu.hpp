@@ -22,6 +22,14 @@ bool i18nIsMarkedUTF16(const UConverter* icu);
 bool i18nIsLMBCS(UConverterType type);
 I18NStreamForm i18nFormOf(const UConverter* icu);
 
+/// The plain ASCII of a form, or of an encoding's table if there is one; else null.
+template <class Table>
+const I18NPlainASCII* i18nPlainOf(I18NStreamForm form, const Table* table) {
+    static const I18NPlainASCII kAll;
+    if (form == I18NStreamForm::kUTF8) return &kAll;
+    return table != nullptr ? &table->plain() : nullptr;
+}
+
 inline bool i18nIsAboutText(UConverterCallbackReason reason) { return reason <= UCNV_IRREGULAR; }
 
 /// Returns ICU's position in the stream. If the text that ICU has kept turns out not to fit the

@@ -212,6 +212,18 @@ void I18NStreamInput::locate(const char* bytes, int length, std::int64_t end,
     std::memcpy(finding.bytes, bytes, static_cast<std::size_t>(finding.length));
 }
 
+const I18NPlainASCII* I18NStreamInput::plain() const {
+    return m_bUnfinished ? nullptr : i18nPlainOf(m_form, m_pTable.get());
+}
+
+void I18NStreamInput::pass(const char* at, std::size_t size) {
+    m_pSlice = at;
+    m_iSlice = m_iBytes;
+    m_iBytes += static_cast<std::int64_t>(size);
+    m_iUnits += static_cast<std::int64_t>(size);
+    remember(at + size);
+}
+
 void I18NStreamInput::dropFirstUnit() {
     --m_iUnits;
     for (I18NInputFinding& finding : findings) --finding.at;

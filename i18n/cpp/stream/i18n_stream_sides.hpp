@@ -117,6 +117,11 @@ public:
     /// @throws QBLOutOfMemoryError, I18NRuntimeError
     I18NProgress decode(const char*& at, const char* end, bool flush, char16_t*& text,
                         const char16_t* limit);
+    /// The ASCII characters that may be copied from here on; null if there are none, also while ICU
+    /// has kept the start of a character.
+    const I18NPlainASCII* plain() const;
+    /// Takes note of ASCII that was copied.
+    void pass(const char* at, std::size_t size);
     /// Makes offsets count from the second unit of the text.
     void dropFirstUnit();
 
@@ -190,6 +195,9 @@ public:
     /// @param text  changed where characters are hidden from ICU
     /// @throws QBLOutOfMemoryError, I18NRuntimeError
     I18NProgress encode(char16_t* text, const char16_t* end, bool flush, I18NStreamBuffer& bytes);
+    /// As for the input.
+    const I18NPlainASCII* plain() const;
+    void pass(std::size_t size) { m_iUnits += static_cast<std::int64_t>(size); }
     /// The finding that the policy has refused.
     const I18NOutputFinding& lastFinding() const { return m_finding; }
     /// Ends the output after a refusal. Outputs undecided text if it can be converted, and leaves

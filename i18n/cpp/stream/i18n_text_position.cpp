@@ -115,6 +115,21 @@ void I18NTextPosition::pass(const char16_t* begin, const char16_t* end) {
     m_cBefore = last;
 }
 
+void I18NTextPosition::passASCII(const char* begin, const char* end, std::size_t lines) {
+    if (begin == end) return;
+    const char* line = begin;
+    if (lines > 0) {
+        line = end;
+        while (line[-1] != '\r' && line[-1] != '\n') --line;
+        m_iLine += static_cast<std::int64_t>(lines);
+        m_iColumn = 1;
+    } else if (*begin == '\n' && isAfterCR()) {
+        ++line;
+    }
+    m_iColumn += end - line;
+    m_cBefore = static_cast<unsigned char>(end[-1]);
+}
+
 void I18NTextPosition::passSequence() {
     ++m_iColumn;
     m_cBefore = 0;

@@ -1,6 +1,7 @@
 #ifndef I18N_CPP_STREAM_I18N_TEXT_POSITION_HPP
 #define I18N_CPP_STREAM_I18N_TEXT_POSITION_HPP
 
+#include <cstddef>
 #include <cstdint>
 
 /// The line and column of the next code point of a text, both from 1. Lines end with LF, CR or CR
@@ -9,6 +10,9 @@ class I18NTextPosition {
 public:
     /// Advances over a piece of the text: at most kMost units, cut anywhere.
     void pass(const char16_t* begin, const char16_t* end);
+    /// Advances over ASCII bytes, in which this many lines end; an LF after a CR ends no line.
+    void passASCII(const char* begin, const char* end, std::size_t lines);
+    bool isAfterCR() const { return m_cBefore == u'\r'; }
     /// Advances over a sequence that counts as one column, whatever replaces it in the text.
     void passSequence();
     std::int64_t line() const { return m_iLine; }

@@ -8,6 +8,7 @@
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "i18n/cpp/i18n_errors.hpp"
+#include "i18n/cpp/utf/i18n_ascii_copy.hpp"
 #include "i18n/cpp/utf/i18n_utf.hpp"
 
 namespace {
@@ -125,6 +126,9 @@ void I18NTextStreamState::chooseByMark() {
 void I18NTextStreamState::decode(const char* at, const char* end, bool flush) {
     I18NProgress progress = I18NProgress::kFull;
     while (progress == I18NProgress::kFull || at != end) {
+        const char* const begin = at;
+        copyASCII(at, end);
+        if (at != begin && at == end && !flush) break;
         const char* const slice = end - at > kSlice ? at + kSlice : end;
         const bool isLast = flush && slice == end;
         char16_t* text = room();
@@ -134,6 +138,33 @@ void I18NTextStreamState::decode(const char* at, const char* end, bool flush) {
         if (progress == I18NProgress::kDone && isLast) ending = Ending::kText;
         passOn(static_cast<std::size_t>(text - room()), ending);
     }
+}
+
+// Copies a run of ASCII from the input to the output, without the buffer for text. No text may wait
+// in that buffer or in a converter, so that the run comes after all text before it.
+void I18NTextStreamState::copyASCII(const char*& at, const char* end) {
+    if (m_pOutput == nullptr || m_iKept + m_iHeld > 0 || m_iCounted != m_iStart) return;
+    const I18NPlainASCII* const from = m_pInput->plain();
+    const I18NPlainASCII* const to = m_pOutput->plain();
+    if (from == nullptr || to == nullptr || !m_pInput->findings.empty()) return;
+    static_assert(2 * I18NPlainASCII::kMostOdd == I18NASCIICopy::kMostOdd);
+    static const I18NASCIICopier kCopier = i18nASCIICopier();
+    const auto most = static_cast<std::size_t>(end - at);
+    m_result.reserve(most);
+    I18NASCIICopy copy = {at, end, m_result.end(), m_position.isAfterCR()};
+    std::copy(std::begin(from->odd()), std::end(from->odd()), copy.odd);
+    std::copy(std::begin(to->odd()), std::end(to->odd()), copy.odd + I18NPlainASCII::kMostOdd);
+    kCopier(copy);
+    const auto size = static_cast<std::size_t>(copy.at - at);
+    if (size == 0) return;
+    m_bStrips = false;  // the text does not begin with a mark
+    m_result.setEnd(copy.out);
+    m_pInput->pass(at, size);
+    m_pOutput->pass(size);
+    m_position.passASCII(at, copy.at, copy.lines);
+    m_iStart += static_cast<std::int64_t>(size);
+    m_iCounted = m_iStart;
+    at = copy.at;
 }
 
 void I18NTextStreamState::stripMark(std::size_t& units) {

@@ -34,6 +34,7 @@ private:
 
     void begin(bool fits);
     void decode(const char* at, const char* end, bool flush);
+    void copyASCII(const char*& at, const char* end);
     void collectMark(const char*& at, const char* end);
     void chooseByMark();
     void stripMark(std::size_t& units);
