@@ -95,7 +95,7 @@ bool I18NDecodingTable::decodeOne(const unsigned char*& at, const unsigned char*
 /// @return false where the table has no character
 bool I18NDecodingTable::decodeRuns(const unsigned char*& bytes, const unsigned char* end,
                                    char16_t*& text, const char16_t* limit) {
-    const I18NPlainASCII plain = m_plain;
+    const I18NPlainBlocks plain(m_plain);
     const unsigned char* at = bytes;
     char16_t* to = text;
     bool isByTable = true;

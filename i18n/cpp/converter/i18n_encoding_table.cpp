@@ -52,6 +52,7 @@ inline std::uint32_t I18NEncodingTable::entryFor(char16_t unit) {
 
 void I18NEncodingTable::encode(const char16_t*& text, const char16_t* end, char*& bytes,
                                const char* limit) {
+    const I18NPlainBlocks plain(m_plain);
     const char16_t* at = text;
     char* to = bytes;
     const char* const last = limit - kRoom;
@@ -63,7 +64,7 @@ void I18NEncodingTable::encode(const char16_t*& text, const char16_t* end, char*
         const __m128i packed = _mm_packus_epi16(low, high);
         const auto signs = static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(low, high)));
         store(to, packed);
-        const unsigned others = m_plain.others(packed) | signs;
+        const unsigned others = plain.others(packed) | signs;
         if (others == 0) {  // no block waits for the length of the run before it
             at += kBlock;
             to += kBlock;
