@@ -9,6 +9,7 @@
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "i18n/cpp/converter/i18n_converter_access.hpp"
 #include "i18n/cpp/converter/i18n_icu_calls.hpp"
+#include "i18n/cpp/converter/i18n_table_calls.hpp"
 #include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/string/i18n_allocation.hpp"
@@ -26,8 +27,14 @@ void report(I18NErrorCodes code, I18NErrorCodes* error) {
         QBL_THROW(I18NRuntimeError(code, nullptr));
 }
 
-// The part of a source to convert. nullSize is the size of the NUL after this part, which a stream
-// counts as consumed; 0 if there is no NUL.
+// @param isPending  ICU holds output that did not fit
+auto runner(bool isInput, bool isPending) {
+    if (isPending) return isInput ? i18nToUnicode : i18nFromUnicode;
+    return isInput ? i18nToUnicodeByTable : i18nFromUnicodeByTable;
+}
+
+// The part of a source to convert, and the bytes of the NUL after it that the caller need not pass
+// again.
 struct Source {
     const char* begin;
     const char* end;
@@ -99,7 +106,7 @@ I18NErrorCodes I18NConverter::convert(Direction direction, char* destination, in
     size = std::max(size, 0);
     if (direction == kInput) size -= size % kUnit;
     const int nullSize = direction == kInput ? kUnicodeNull : m_iNullSize;
-    const auto run = direction == kInput ? i18nToUnicode : i18nFromUnicode;
+    const auto run = runner(direction == kInput, is(kPending, direction));
     const int room = size - nullSize;
     char* at = destination;
     UErrorCode status = U_ZERO_ERROR;
@@ -132,7 +139,6 @@ I18NErrorCodes I18NConverter::convert(Direction direction, char* destination, in
 // small does not cause many allocations of blocks.
 char* I18NConverter::allocate(Direction direction, int* size, const char* source, const char* end,
                               bool flush, I18NStringAllocator allocator, void* context) const {
-    const auto run = direction == kInput ? i18nToUnicode : i18nFromUnicode;
     const int nullSize = direction == kInput ? kUnicodeNull : m_iNullSize;
     const std::int64_t length = end - source;
     const std::int64_t step = direction == kInput ? m_iMaxBytes * kUnit : m_iMaxBytes;
@@ -141,13 +147,15 @@ char* I18NConverter::allocate(Direction direction, int* size, const char* source
     block.resize(capacity + nullSize);
     try {
         char* at = block.get();
-        UErrorCode status = run(m_pConverter, at, at + capacity, source, end, flush);
+        UErrorCode status = runner(direction == kInput, is(kPending, direction))(
+            m_pConverter, at, at + capacity, source, end, flush);
         std::int64_t used = at - block.get();
         std::string rest;
         while (status == U_BUFFER_OVERFLOW_ERROR) {
             alignas(UChar) char part[4096];
             at = part;
-            status = run(m_pConverter, at, part + sizeof part, source, end, flush);
+            status = runner(direction == kInput, true)(m_pConverter, at, part + sizeof part, source,
+                                                       end, flush);
             rest.append(part, static_cast<std::size_t>(at - part));
         }
         if (U_FAILURE(status)) QBL_THROW(I18NRuntimeError(I18N_CONVERSION, nullptr));

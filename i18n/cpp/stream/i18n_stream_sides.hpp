@@ -3,7 +3,6 @@
 
 #include <unicode/ucnv.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <exception>
@@ -11,6 +10,7 @@
 #include <vector>
 
 #include "i18n/cpp/converter/i18n_code_tables.hpp"
+#include "i18n/cpp/converter/i18n_icu_piece.hpp"
 #include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/stream/i18n_stream_mappings.hpp"
 
@@ -62,22 +62,6 @@ enum class I18NProgress {
 
 /// Well-formed text in the first two forms is converted without ICU.
 enum class I18NStreamForm { kUTF8, kUTF16, kOther };
-
-/// How much text ICU gets where the conversion without ICU has stopped; that continues after it.
-/// Calls of ICU take long. So the pieces grow while there is little between them.
-class I18NStreamPiece {
-public:
-    /// @param passed  bytes or units converted without ICU since the last piece
-    void choose(std::ptrdiff_t passed) {
-        m_iSize = passed >= m_iSize ? kLeast : std::min(2 * m_iSize, kMost);
-    }
-    /// @param isUnfinished  ICU has kept the start of a character; it gets no more than its end
-    std::ptrdiff_t size(bool isUnfinished) const { return isUnfinished ? 1 : m_iSize; }
-
-private:
-    static constexpr std::ptrdiff_t kLeast = 8, kMost = 0x1000;
-    std::ptrdiff_t m_iSize = kLeast;
-};
 
 /// A buffer of bytes that grows and is used again.
 class I18NStreamBuffer {
@@ -156,7 +140,7 @@ private:
     bool m_bRefused = false;
     I18NStreamForm m_form = I18NStreamForm::kOther;
     std::shared_ptr<I18NDecodingTable> m_pTable;  // may be null
-    I18NStreamPiece m_piece;
+    I18NIcuPiece m_piece;
     bool m_bByteByByte = false;
     bool m_bUnfinished = false;  // ICU keeps bytes of a sequence
     bool m_bIsUTF16 = false;
@@ -239,7 +223,7 @@ private:
     std::size_t m_iMaxBytes;  // maximum for a code unit
     I18NStreamForm m_form;
     std::shared_ptr<I18NEncodingTable> m_pTable;  // may be null
-    I18NStreamPiece m_piece;
+    I18NIcuPiece m_piece;
     I18NStreamMappings m_mappings;
     std::vector<Masked> m_masked;
     bool m_bInPortions;  // passes ICU portions of one size

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <random>
 #include <string>
 #include <vector>
@@ -54,7 +55,7 @@ std::string randomBytes(Random& random, const I18NConverter& converter, const st
 
 }  // namespace
 
-TEST(I18NTextStreamTablesTest, StreamsConvertAsIcuInEveryEncodingWithoutShifts) {
+TEST(I18NCodeTablesTest, StreamsConvertAsIcuInEveryEncodingWithoutShifts) {
     int tested = 0;
     for (int i = 0; i < I18NCountEncodings(); ++i) {
         I18NConverter converter(I18NGetEncodingName(i, 0));
@@ -75,7 +76,53 @@ TEST(I18NTextStreamTablesTest, StreamsConvertAsIcuInEveryEncodingWithoutShifts) 
     EXPECT_GT(tested, 150);
 }
 
-TEST(I18NTextStreamTablesTest, TablesConvertWholeTextsOfEncodingsWithASCII) {
+TEST(I18NCodeTablesTest, ConvertersConvertAsIcuIntoAnyRoom) {
+    for (int i = 0; i < I18NCountEncodings(); ++i) {
+        I18NConverter converter(I18NGetEncodingName(i, 0));
+        if (!dependsOnTextAlone(converter) || converter.sizeofLegacyNull() > 1) continue;
+        converter.useFallback(false);
+        Random random(static_cast<unsigned>(i));
+        std::u16string text;
+        while (text.size() < 8000) text += randomText(random);
+        text.erase(std::remove(text.begin(), text.end(), u'\0'), text.end());
+        std::string bytes = randomBytes(random, converter, text, false), encoded;
+        bytes.erase(std::remove(bytes.begin(), bytes.end(), '\0'), bytes.end());
+        const StreamOutcome units = decodedByIcu(converter, bytes);
+        std::string decoded;
+        std::vector<char> room(9000);
+        std::size_t at = 0, from = 0;
+        // The last part goes to the form that flushes.
+        for (int run = 0; run < 20; ++run) {
+            int written = 0, consumed = 0;
+            I18NErrorCodes error = I18N_OK;
+            const auto size = static_cast<int>(2 + random() % (run % 2 == 0 ? room.size() : 40));
+            const std::size_t most = random() % 4000;
+            const auto left = static_cast<int>(std::min(most, text.size() - at));
+            converter.fromUnicodeStream(room.data(), size, text.data() + at, 2 * left, &written,
+                                        &consumed, &error);
+            encoded.append(room.data(), static_cast<std::size_t>(std::max(written - 1, 0)));
+            at += static_cast<std::size_t>(consumed) / 2;
+            const auto rest = static_cast<int>(std::min(most, bytes.size() - from));
+            converter.toUnicodeStream(room.data(), size / 2 * 2 + 2, bytes.data() + from, rest,
+                                      &written, &consumed, &error);
+            decoded.append(room.data(), static_cast<std::size_t>(std::max(written - 2, 0)));
+            from += static_cast<std::size_t>(consumed);
+        }
+        char* last = nullptr;
+        void* lastText = nullptr;
+        int size = 0;
+        converter.fromUnicode(&last, &size, text.c_str() + at);
+        encoded.append(last, static_cast<std::size_t>(size - 1));
+        converter.toUnicode(&lastText, &size, bytes.c_str() + from, -1);
+        decoded.append(static_cast<char*>(lastText), static_cast<std::size_t>(size - 2));
+        std::free(last);
+        std::free(lastText);
+        EXPECT_EQ(encodedByIcu(converter, text).output, encoded) << converter.getEncoding();
+        EXPECT_EQ(units.output, decoded) << converter.getEncoding();
+    }
+}
+
+TEST(I18NCodeTablesTest, TablesConvertWholeTextsOfEncodingsWithASCII) {
     for (const char* const name :
          {"Shift_JIS", "EUC-JP", "GB18030", "Big5-HKSCS", "windows-1252"}) {
         const I18NConverter converter(name);
@@ -107,7 +154,7 @@ TEST(I18NTextStreamTablesTest, TablesConvertWholeTextsOfEncodingsWithASCII) {
     }
 }
 
-TEST(I18NTextStreamTablesTest, ManyThreadsFillATable) {
+TEST(I18NCodeTablesTest, ManyThreadsFillATable) {
     Random random(2);
     const std::u16string text = randomText(random);
     const I18NConverter converter("ibm-949");
@@ -116,7 +163,7 @@ TEST(I18NTextStreamTablesTest, ManyThreadsFillATable) {
         4, [&] { EXPECT_EQ(nullptr, differenceFromIcu(converter, bytes, text, {bytes.size()})); });
 }
 
-TEST(I18NTextStreamTablesTest, AllKernelsDecodeSinglesUpToTheBlockWithAnother) {
+TEST(I18NCodeTablesTest, AllKernelsDecodeSinglesUpToTheBlockWithAnother) {
     Random random(1);
     I18NSingleBytes table;
     for (unsigned i = 0; i < 0x100; ++i)
@@ -147,7 +194,7 @@ TEST(I18NTextStreamTablesTest, AllKernelsDecodeSinglesUpToTheBlockWithAnother) {
     }
 }
 
-TEST(I18NTextStreamTablesTest, AllKernelsCopyASCIIAndCountItsLines) {
+TEST(I18NCodeTablesTest, AllKernelsCopyASCIIAndCountItsLines) {
     Random random(1);
     for (std::size_t run = 0; run < 4000; ++run) {
         const std::size_t size = run % 200;
