@@ -20,9 +20,16 @@ bool isHarmless(int c) {
            type != U_PARAGRAPH_SEPARATOR && !U_IS_UNICODE_NONCHAR(c);
 }
 
+/// Returns true for printable ASCII without backslashes, which most names are.
+bool isPlain(const std::string& text) {
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return c >= 0x20 && c < 0x7F && c != '\\'; });
+}
+
 /// @param kept  unsafe characters that stay unchanged
 /// @param isQuoting  whether to write a backslash before an x as \xHH
 std::string withoutControls(const std::string& text, const char* kept, bool isQuoting) {
+    if (isPlain(text)) return text;
     const std::string stays = kept;
     std::string out;
     for (std::size_t i = 0; i < text.size();) {

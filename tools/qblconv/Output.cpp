@@ -109,7 +109,10 @@ bool NewOutput::enter(const Place* place, QBLFmDirectory& directory) {
     const QBLFmDirectory* above = root;
     for (auto next = way.rbegin(); next != way.rend(); ++next) {
         QBLFmDirectory opened;
-        if (!opened.create(*above, (*next)->name.c_str(), ((*next)->mode & 0777U) | S_IRWXU))
+        const char* const name = (*next)->name.c_str();
+        // Another worker, or an earlier run, has created most directories.
+        if (!opened.open(*above, name) &&
+            !opened.create(*above, name, ((*next)->mode & 0777U) | S_IRWXU))
             return rememberError(errno);
         directory = std::move(opened);
         above = &directory;
