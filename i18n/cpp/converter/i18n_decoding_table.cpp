@@ -11,10 +11,10 @@
 
 namespace {
 
-constexpr std::size_t kBranches = 0x100;
+constexpr unsigned kBranches = 0x100;
 constexpr std::ptrdiff_t kBlock = 16;
 
-constexpr unsigned kUnknown = 0, kByIcu = 1, kRoot = 2, kFirstNode = 3, kNodes = 0x800;
+constexpr unsigned kUnknown = 0, kByIcu = 1, kRoot = 2, kPairs = 3, kNodes = 0x800;
 constexpr unsigned kMark = 0xD800;
 
 bool isUnit(unsigned entry) { return entry >= kNodes; }
@@ -34,7 +34,7 @@ I18NDecodingTable::I18NDecodingTable(I18NCodeQuestions&& questions, const I18NPl
     : m_plain(plain),
       m_entries(kNodes * kBranches),
       m_questions(std::move(questions)),
-      m_iNodes(kFirstNode) {
+      m_iNodes(kPairs + kBranches) {
     for (unsigned i = 0; i < kBranches; ++i) {
         const auto byte = static_cast<unsigned char>(i);
         set(kByIcu, byte, kByIcu);
@@ -66,7 +66,10 @@ unsigned I18NDecodingTable::ask(const unsigned char* at, const unsigned char* en
     unsigned entry = kByIcu;
     if (answer.kind == I18NSequence::Kind::kAgain) return entry;
     if (answer.kind == I18NSequence::Kind::kUnit) entry = answer.unit ^ kMark;
-    if (answer.kind == I18NSequence::Kind::kLead && m_iNodes < kNodes) entry = m_iNodes++;
+    if (answer.kind == I18NSequence::Kind::kLead && byte == at)
+        entry = kPairs + *byte;
+    else if (answer.kind == I18NSequence::Kind::kLead && m_iNodes < kNodes)
+        entry = m_iNodes++;
     set(node, *byte, entry);
     return entry;
 }
@@ -114,11 +117,14 @@ bool I18NDecodingTable::decodeRuns(const unsigned char*& bytes, const unsigned c
         const unsigned char* const last = at + kBlock - 2;
         bool isFound = true;
         do {
-            unsigned entry = get(kRoot, *at);
-            const unsigned char* next = at + 1;
-            if (!isUnit(entry)) entry = get(entry, *next++);
-            isFound = isUnit(entry);
-            if (!isFound) break;
+            unsigned entry = get(kPairs + *at, at[1]);
+            const unsigned char* next = at + 2;
+            if (!isUnit(entry)) {
+                entry = get(kRoot, *at);
+                next = at + 1;
+                isFound = isUnit(entry);
+                if (!isFound) break;
+            }
             *to++ = unitOf(entry);
             at = next;
         } while (*at >= 0x80 && at <= last);
