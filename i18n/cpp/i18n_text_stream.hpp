@@ -94,7 +94,8 @@ enum I18NByteOrderMark {
 ///     stream.finish();
 ///     write(stream.getBytes(), stream.getByteCount());
 ///
-/// Memory: the stream keeps the memory that its largest block needed.
+/// Memory: as much as the largest block needs, kept for the blocks that follow. The process keeps
+/// up to 1 MB for each of the encodings that streams used last, at most eight in each direction.
 ///
 /// Errors: QBLOutOfMemoryError, and I18NRuntimeError with I18N_CONVERSION if a policy refuses a
 /// character; the message tells where. Any error of put() or finish() ends the stream. The output
