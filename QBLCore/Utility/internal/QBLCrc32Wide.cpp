@@ -5,6 +5,7 @@
 #if defined(__GNUC__) && !defined(__clang__)
 // GCC 12 reports values that its own header leaves undefined on purpose.
 #pragma GCC diagnostic ignored "-Wuninitialized"
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #endif
 #include <immintrin.h>
 
