@@ -6,6 +6,7 @@
 #include "TavThread/internal/TavCreate.hpp"
 #include "TavThread/internal/TavHeldMutexes.hpp"
 #include "TavThread/internal/TavSystem.hpp"
+#include "TavThread/shared/TavHandOver.hpp"
 #include "TavThread/shared/TavMutexRecord.hpp"
 
 namespace {
@@ -73,6 +74,13 @@ bool tookFromHolder(TavMutex* m) {
         if (pthread_mutex_trylock(&m->native) == 0) return true;
     }
     return false;
+}
+
+/// Waits for the mutex until the deadline on the monotonic clock. Returns an error number.
+int lockUntil(TavMutex* m, const timespec& deadline) {
+    const TavTryReport report(&m->native);
+    return report(
+        tavRetry([&] { return pthread_mutex_clocklock(&m->native, CLOCK_MONOTONIC, &deadline); }));
 }
 
 /// Records the caller as the holder of a mutex that it has just taken.
@@ -168,6 +176,17 @@ int tavXMutexTimedLock_(TavMutex* m, unsigned ms, const char* file, int line) {
     if (reentered(m, rc)) return rc;
     rc = tavPoll(ms, [m] { return pthread_mutex_trylock(&m->native); });
     return rc == TAVTHREAD_OK ? taken(m, file, line) : rc;
+}
+
+int tavXMutexBoundedLock_(TavMutex* m, unsigned ms, const char* file, int line) {
+    if (ms == TAVTHREAD_INFINITE) return tavXMutexLock_(m, file, line);
+    const int rc = tavXMutexTryLock_(m, file, line);
+    if (rc != TAVTHREAD_BUSY) return rc;
+    if (ms == 0) return TAVTHREAD_TIMEOUT;
+    const timespec deadline = tavDeadline(ms);
+    if (!tookFromHolder(m))
+        if (const int err = lockUntil(m, deadline)) return tavThread_MapError(err);
+    return taken(m, file, line);
 }
 
 int tavXMutexUnlock_(TavMutex* m) {

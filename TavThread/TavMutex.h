@@ -30,15 +30,19 @@ TAV_API int tavXMutexDestroy(TavMutex* m);
 
 /// @return TAVTHREAD_ERROR if the mutex tracks its owner and no record of the thread can be made.
 ///         The mutex is locked nevertheless, and the caller must unlock it. The same applies to
-///         tavXMutexTryLock_ and tavXMutexTimedLock_.
+///         the operations below that lock.
 TAV_API int tavXMutexLock_(TavMutex* m, const char* file, int line);
 /// @return TAVTHREAD_BUSY if another thread holds the mutex.
 TAV_API int tavXMutexTryLock_(TavMutex* m, const char* file, int line);
 /// Tries about every 100 ms. Does not try again after the last sleep. The call may take up to twice
-/// the timeout.
+/// the timeout. tavXMutexBoundedLock_ wakes up as soon as the mutex is free.
 /// @param ms  0 tries once, TAVTHREAD_INFINITE waits without limit.
 /// @return TAVTHREAD_TIMEOUT when the time ran out.
 TAV_API int tavXMutexTimedLock_(TavMutex* m, unsigned ms, const char* file, int line);
+/// Wakes up as soon as the mutex is free. The timeout uses the monotonic clock.
+/// @param ms  0 tries once, TAVTHREAD_INFINITE waits without limit.
+/// @return TAVTHREAD_TIMEOUT when the time ran out, also for 0 ms.
+TAV_API int tavXMutexBoundedLock_(TavMutex* m, unsigned ms, const char* file, int line);
 /// @return TAVTHREAD_ERROR if the mutex is recursive and the caller does not hold it; the mutex
 ///         does not change.
 TAV_API int tavXMutexUnlock_(TavMutex* m);
@@ -46,6 +50,7 @@ TAV_API int tavXMutexUnlock_(TavMutex* m);
 #define tavXMutexLock(m) tavXMutexLock_((m), __FILE__, __LINE__)
 #define tavXMutexTryLock(m) tavXMutexTryLock_((m), __FILE__, __LINE__)
 #define tavXMutexTimedLock(m, ms) tavXMutexTimedLock_((m), (ms), __FILE__, __LINE__)
+#define tavXMutexBoundedLock(m, ms) tavXMutexBoundedLock_((m), (ms), __FILE__, __LINE__)
 #define tavXMutexUnlock(m) tavXMutexUnlock_(m)
 
 TAV_EXTERN_C_END

@@ -69,22 +69,22 @@ public:
     }
 
     /// @return 0 if the caller must check the state again, else the result with which it gives up.
-    int waitToRead(unsigned ms) { return wait(m_rw.readers, m_rw.waitingReaders, ms); }
-    int waitToWrite(unsigned ms) {
+    template <class Wait>
+    int waitToRead(Wait wait) {
+        TavCounted waiting(m_rw.waitingReaders);
+        return wait(&m_rw.readers, &m_rw.mutex);
+    }
+    template <class Wait>
+    int waitToWrite(Wait wait) {
         m_bWriterLeaves = true;  // stays true if the wait fails or the thread is unwound
-        const int rc = wait(m_rw.writers, m_rw.waitingWriters, ms);
+        TavCounted waiting(m_rw.waitingWriters);
+        const int rc = wait(&m_rw.writers, &m_rw.mutex);
         if (rc == TAVTHREAD_OK) m_bWriterLeaves = false;
         return rc;
     }
 
 private:
     std::uint32_t word() const { return m_rw.word.load(std::memory_order_relaxed); }
-
-    int wait(pthread_cond_t& condition, int& waiters, unsigned ms) {
-        TavCounted waiting(waiters);
-        const int rc = tavWaitOn(&condition, &m_rw.mutex, ms);
-        return ms == TAVTHREAD_INFINITE && rc != TAVTHREAD_ERROR ? TAVTHREAD_OK : rc;
-    }
 
     /// Other threads may have waited only for the writer that gives up, and the last unlock may
     /// have woken only this writer.
@@ -98,6 +98,40 @@ private:
     TavRWLock& m_rw;
     bool m_bWriterLeaves = false;
 };
+
+/// A wait whose timeout starts again with each wait.
+auto forMilliseconds(unsigned ms) {
+    return [ms](pthread_cond_t* condition, pthread_mutex_t* mutex) {
+        const int rc = tavWaitOn(condition, mutex, ms);
+        return ms == TAVTHREAD_INFINITE && rc != TAVTHREAD_ERROR ? TAVTHREAD_OK : rc;
+    };
+}
+
+/// A wait that ends at a deadline.
+auto untilDeadline(unsigned ms) {
+    return [deadline = tavDeadline(ms)](pthread_cond_t* condition, pthread_mutex_t* mutex) {
+        return tavWaitUntil(condition, mutex, deadline);
+    };
+}
+
+template <class Wait>
+int readLock(TavRWLock& rw, Wait wait) {
+    Section section(rw);
+    while (section.written() || rw.waitingWriters > 0)
+        if (const int rc = section.waitToRead(wait)) return rc;
+    if (section.readers() == kTavRWMostReaders) return TAVTHREAD_AGAIN;
+    section.take(section.readers() + 1);
+    return TAVTHREAD_OK;
+}
+
+template <class Wait>
+int writeLock(TavRWLock& rw, Wait wait) {
+    Section section(rw);
+    while (!section.free())
+        if (const int rc = section.waitToWrite(wait)) return rc;
+    section.take(kTavRWWriter);
+    return TAVTHREAD_OK;
+}
 
 int makeParts(TavRWLock* rw) {
     int err = tavRetry([rw] { return pthread_mutex_init(&rw->mutex, nullptr); });
@@ -125,13 +159,7 @@ int create(TavRWLock** out) {
 }  // namespace
 
 int tavRWLockReadLockGeneral(TavRWLock* rw, unsigned ms) {
-    if (rw == nullptr) return TAVTHREAD_INVALID;
-    Section section(*rw);
-    while (section.written() || rw->waitingWriters > 0)
-        if (const int rc = section.waitToRead(ms)) return rc;
-    if (section.readers() == kTavRWMostReaders) return TAVTHREAD_AGAIN;
-    section.take(section.readers() + 1);
-    return TAVTHREAD_OK;
+    return rw == nullptr ? TAVTHREAD_INVALID : readLock(*rw, forMilliseconds(ms));
 }
 
 int tavRWLockTryReadLockGeneral(TavRWLock* rw) {
@@ -145,12 +173,7 @@ int tavRWLockTryReadLockGeneral(TavRWLock* rw) {
 }
 
 int tavRWLockWriteLockGeneral(TavRWLock* rw, unsigned ms) {
-    if (rw == nullptr) return TAVTHREAD_INVALID;
-    Section section(*rw);
-    while (!section.free())
-        if (const int rc = section.waitToWrite(ms)) return rc;
-    section.take(kTavRWWriter);
-    return TAVTHREAD_OK;
+    return rw == nullptr ? TAVTHREAD_INVALID : writeLock(*rw, forMilliseconds(ms));
 }
 
 int tavRWLockTryWriteLockGeneral(TavRWLock* rw) {
@@ -215,6 +238,21 @@ int tavXRWLockTimedReadLock(TavRWLock* rw, unsigned ms) { return tavRWLockReadLo
 int tavXRWLockWriteLock(TavRWLock* rw) { return tavRWLockWriteLockFast(rw, TAVTHREAD_INFINITE); }
 int tavXRWLockTryWriteLock(TavRWLock* rw) { return tavRWLockTryWriteLockFast(rw); }
 int tavXRWLockTimedWriteLock(TavRWLock* rw, unsigned ms) { return tavRWLockWriteLockFast(rw, ms); }
+
+int tavXRWLockBoundedReadLock(TavRWLock* rw, unsigned ms) {
+    if (ms == TAVTHREAD_INFINITE) return tavXRWLockReadLock(rw);
+    const int rc = tavRWLockTryReadLockFast(rw);
+    if (rc != TAVTHREAD_BUSY) return rc;
+    return ms == 0 ? TAVTHREAD_TIMEOUT : readLock(*rw, untilDeadline(ms));
+}
+
+int tavXRWLockBoundedWriteLock(TavRWLock* rw, unsigned ms) {
+    if (ms == TAVTHREAD_INFINITE) return tavXRWLockWriteLock(rw);
+    const int rc = tavRWLockTryWriteLockFast(rw);
+    if (rc != TAVTHREAD_BUSY) return rc;
+    return ms == 0 ? TAVTHREAD_TIMEOUT : writeLock(*rw, untilDeadline(ms));
+}
+
 int tavXRWLockUnlock(TavRWLock* rw) { return tavRWLockUnlockFast(rw); }
 
 }  // extern "C"

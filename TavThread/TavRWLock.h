@@ -31,12 +31,19 @@ TAV_API int tavXRWLockTryReadLock(TavRWLock* rw);
 /// @param ms  TAVTHREAD_INFINITE waits without limit.
 /// @return TAVTHREAD_TIMEOUT when the time ran out.
 TAV_API int tavXRWLockTimedReadLock(TavRWLock* rw, unsigned ms);
+/// As tavXRWLockTimedReadLock, but the timeout never starts again and uses the monotonic clock.
+/// @param ms  0 tries once, TAVTHREAD_INFINITE waits without limit.
+/// @return TAVTHREAD_TIMEOUT when the time ran out, also for 0 ms.
+TAV_API int tavXRWLockBoundedReadLock(TavRWLock* rw, unsigned ms);
 TAV_API int tavXRWLockWriteLock(TavRWLock* rw);
 /// @return TAVTHREAD_BUSY if any thread holds the lock.
 TAV_API int tavXRWLockTryWriteLock(TavRWLock* rw);
 /// As tavXRWLockTimedReadLock, for a write lock. If the writer gives up, readers that waited only
 /// for this writer continue.
 TAV_API int tavXRWLockTimedWriteLock(TavRWLock* rw, unsigned ms);
+/// As tavXRWLockBoundedReadLock, for a write lock. If the writer gives up, readers that waited only
+/// for this writer continue.
+TAV_API int tavXRWLockBoundedWriteLock(TavRWLock* rw, unsigned ms);
 /// Releases the caller's read or write lock. Does nothing if the lock is free.
 TAV_API int tavXRWLockUnlock(TavRWLock* rw);
 

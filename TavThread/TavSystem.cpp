@@ -5,7 +5,6 @@
 
 #include <atomic>
 #include <cstdint>
-#include <ctime>
 #include <limits>
 
 void tavSleepMs(unsigned ms) {
@@ -36,6 +35,23 @@ int tavWaitOn(pthread_cond_t* condition, pthread_mutex_t* mutex, unsigned ms) {
     const int rc = tavThread_MapError(
         tavRetry([&] { return pthread_cond_timedwait(condition, mutex, &deadline); }));
     return rc == TAVTHREAD_BUSY ? TAVTHREAD_TIMEOUT : rc;
+}
+
+timespec tavDeadline(unsigned ms) {
+    timespec end{};
+    clock_gettime(CLOCK_MONOTONIC, &end);
+    end.tv_sec += static_cast<time_t>(ms / 1000);
+    end.tv_nsec += static_cast<long>(ms % 1000) * 1000000L;
+    if (end.tv_nsec > 999999999) {
+        end.tv_nsec -= 1000000000;
+        ++end.tv_sec;
+    }
+    return end;
+}
+
+int tavWaitUntil(pthread_cond_t* condition, pthread_mutex_t* mutex, const timespec& deadline) {
+    return tavThread_MapError(tavRetry(
+        [&] { return pthread_cond_clockwait(condition, mutex, CLOCK_MONOTONIC, &deadline); }));
 }
 
 bool tavSeveralProcessors() {

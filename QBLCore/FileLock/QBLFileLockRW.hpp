@@ -2,6 +2,7 @@
 #define QBLCORE_FILELOCK_QBLFILELOCKRW_HPP
 
 #include "QBLCore/Threads/QBLThreadRWLockableResource.hpp"
+#include "QBLCore/Threads/QBLTimeout.hpp"
 
 class QBLFmFile;
 
@@ -35,6 +36,15 @@ public:
     [[nodiscard]] virtual int tryLock() QBL_TRY_ACQUIRE(1);
     /// @return 1 if locked; 0 if another process holds the lock or the system refuses it
     [[nodiscard]] virtual int tryReadLock();
+    /// Waits for an exclusive lock for a limited time. The system cannot wait for a file lock with
+    /// a limit, so this operation tries about every millisecond until the lock is free. Measures
+    /// the timeout on the monotonic clock.
+    /// @param ms  0 tries once, QBLWaitForever waits as lock() does.
+    /// @return false if the time ran out.
+    /// @throws QBLRuntimeError with the system's reason if the system refuses the lock
+    [[nodiscard]] bool boundedLock(unsigned long ms) QBL_TRY_ACQUIRE(true);
+    /// Works as boundedLock(), but waits for a shared lock.
+    [[nodiscard]] bool boundedReadLock(unsigned long ms) QBL_TRY_ACQUIRE_SHARED(true);
 
     QBLFmFile* getFile() const;
     /// @param file  not owned; may be null. A lock on the old file stays.

@@ -15,6 +15,8 @@ const char kUnlock[] = "QBLThreadCriticalSection::unlock: TavThread interface or
 const char kTryLock[] =
     "QBLThreadCriticalSection::tryLock: TavThread interface or unexpected error";
 const char kNoTryLock[] = "QBLThreadCriticalSection::tryLock not supported on this platform";
+const char kBoundedLock[] =
+    "QBLThreadCriticalSection::boundedLock: TavThread interface or unexpected error";
 
 // Out of line, so that an uncontended lock or unlock costs little more than the system's lock or
 // unlock.
@@ -52,4 +54,9 @@ bool QBLThreadCriticalSection::tryLock() QBL_NO_THREAD_SAFETY_ANALYSIS {
     if (result == TAVTHREAD_NOTSUPPORTED)
         qblThrow<QBLUnsupportedOperationError>(QBL_HERE, kNoTryLock);
     return settleTry(result, QBL_HERE, kTryLock);
+}
+
+bool QBLThreadCriticalSection::boundedLock(unsigned long ms) QBL_NO_THREAD_SAFETY_ANALYSIS {
+    return settleTimed(tavXMutexBoundedLock_(m_pMutex, layerTimeout(ms), __FILE__, __LINE__),
+                       QBL_HERE, kBoundedLock);
 }

@@ -2,10 +2,11 @@
 #define QBLCORE_THREADS_QBLTHREADCRITICALSECTION_HPP
 
 #include "QBLCore/Threads/QBLThreadLockableResource.hpp"
+#include "QBLCore/Threads/QBLTimeout.hpp"
 
 struct TavMutex;
 
-/// A QBLThreadMutex without the timed operation. The library uses it for its own data.
+/// A QBLThreadMutex without timedLock(). The library uses it for its own data.
 ///
 /// Works before the library is started and after it is stopped. An operation that the thread
 /// layer refuses throws QBLThreadResourceError with a text that names the operation.
@@ -22,6 +23,8 @@ public:
     void unlock() override QBL_RELEASE();
     /// @return false if another thread holds the section.
     [[nodiscard]] bool tryLock() QBL_TRY_ACQUIRE(true);
+    /// Works as QBLThreadMutex::boundedLock().
+    [[nodiscard]] bool boundedLock(unsigned long ms) QBL_TRY_ACQUIRE(true);
 
 protected:
     QBLThreadCriticalSection(int trackOwner, bool recursive);

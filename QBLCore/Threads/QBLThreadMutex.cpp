@@ -11,6 +11,7 @@ const char kLock[] = "QBLThreadMutex::lock: TavThread interface or unexpected er
 const char kUnlock[] = "QBLThreadMutex::unlock: TavThread interface or unexpected error";
 const char kTryLock[] = "QBLThreadMutex::tryLock: TavThread interface or unexpected error";
 const char kTimedLock[] = "QBLThreadMutex::timedLock: TavThread interface or unexpected error";
+const char kBoundedLock[] = "QBLThreadMutex::boundedLock: TavThread interface or unexpected error";
 
 }  // namespace
 
@@ -50,4 +51,9 @@ bool QBLThreadMutex::tryLock() QBL_NO_THREAD_SAFETY_ANALYSIS {
 bool QBLThreadMutex::timedLock(unsigned long ms) QBL_NO_THREAD_SAFETY_ANALYSIS {
     return settleTimed(tavXMutexTimedLock_(m_pMutex, layerTimeout(ms), __FILE__, __LINE__),
                        QBL_HERE, kTimedLock);
+}
+
+bool QBLThreadMutex::boundedLock(unsigned long ms) QBL_NO_THREAD_SAFETY_ANALYSIS {
+    return settleTimed(tavXMutexBoundedLock_(m_pMutex, layerTimeout(ms), __FILE__, __LINE__),
+                       QBL_HERE, kBoundedLock);
 }

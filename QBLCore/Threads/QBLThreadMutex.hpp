@@ -30,6 +30,9 @@ public:
     /// on, a failure may take up to twice the timeout.
     /// @return false if the time ran out.
     [[nodiscard]] bool timedLock(unsigned long ms) QBL_TRY_ACQUIRE(true);
+    /// Wakes up as soon as the mutex is free. Measures the timeout on the monotonic clock.
+    /// @return false if the time ran out.
+    [[nodiscard]] bool boundedLock(unsigned long ms) QBL_TRY_ACQUIRE(true);
 
 protected:
     QBLThreadMutex(int trackOwner, bool recursive);

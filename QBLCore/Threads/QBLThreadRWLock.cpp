@@ -16,6 +16,9 @@ const char kReadLock[] = "QBLThreadRWLock::readLock: TavThread interface or unex
 const char kTryReadLock[] = "QBLThreadRWLock::tryReadLock: TavThread interface or unexpected error";
 const char kTimedReadLock[] =
     "QBLThreadRWLock::timedReadLock: TavThread interface or unexpected error";
+const char kBoundedLock[] = "QBLThreadRWLock::boundedLock: TavThread interface or unexpected error";
+const char kBoundedReadLock[] =
+    "QBLThreadRWLock::boundedReadLock: TavThread interface or unexpected error";
 
 }  // namespace
 
@@ -51,4 +54,14 @@ bool QBLThreadRWLock::timedLock(unsigned long ms) QBL_NO_THREAD_SAFETY_ANALYSIS 
 
 bool QBLThreadRWLock::timedReadLock(unsigned long ms) QBL_NO_THREAD_SAFETY_ANALYSIS {
     return settleTimed(tavRWLockReadLockFast(m_pLock, layerTimeout(ms)), QBL_HERE, kTimedReadLock);
+}
+
+bool QBLThreadRWLock::boundedLock(unsigned long ms) QBL_NO_THREAD_SAFETY_ANALYSIS {
+    return settleTimed(tavXRWLockBoundedWriteLock(m_pLock, layerTimeout(ms)), QBL_HERE,
+                       kBoundedLock);
+}
+
+bool QBLThreadRWLock::boundedReadLock(unsigned long ms) QBL_NO_THREAD_SAFETY_ANALYSIS {
+    return settleTimed(tavXRWLockBoundedReadLock(m_pLock, layerTimeout(ms)), QBL_HERE,
+                       kBoundedReadLock);
 }

@@ -35,6 +35,12 @@ public:
     [[nodiscard]] bool timedLock(unsigned long ms) QBL_TRY_ACQUIRE(true);
     /// Works as timedLock(), but locks as a reader.
     [[nodiscard]] bool timedReadLock(unsigned long ms) QBL_TRY_ACQUIRE_SHARED(true);
+    /// Works as timedLock(), but the timeout never starts again. Measures it on the monotonic
+    /// clock.
+    /// @return false if the time ran out.
+    [[nodiscard]] bool boundedLock(unsigned long ms) QBL_TRY_ACQUIRE(true);
+    /// Works as boundedLock(), but locks as a reader.
+    [[nodiscard]] bool boundedReadLock(unsigned long ms) QBL_TRY_ACQUIRE_SHARED(true);
 
 private:
     TavRWLock* m_pLock;

@@ -4,6 +4,7 @@
 #include <pthread.h>
 
 #include <cerrno>
+#include <ctime>
 #include <mutex>
 
 #include "TavThread/TavResult.h"
@@ -38,6 +39,12 @@ bool tavSeveralProcessors();
 /// Waits on the condition for at most ms milliseconds of the time-of-day clock. Returns a result
 /// code.
 int tavWaitOn(pthread_cond_t* condition, pthread_mutex_t* mutex, unsigned ms);
+
+/// Returns the time of the monotonic clock in ms milliseconds.
+timespec tavDeadline(unsigned ms);
+
+/// Waits on the condition until the deadline on the monotonic clock. Returns a result code.
+int tavWaitUntil(pthread_cond_t* condition, pthread_mutex_t* mutex, const timespec& deadline);
 
 /// Tries until the time runs out. Sleeps after each try that finds the object busy.
 /// @param tryOnce  returns an error number; EBUSY and EAGAIN mean busy.

@@ -24,7 +24,7 @@ struct Other : QBLThreadRunnable {
 
     // Unlocks a mutex that it does not hold, which clang would warn about.
     void run() override QBL_NO_THREAD_SAFETY_ANALYSIS {
-        std::printf("mutex: try %d, timed %d\n", mutex.tryLock(), mutex.timedLock(10));
+        std::printf("mutex: try %d, bounded %d\n", mutex.tryLock(), mutex.boundedLock(10));
         std::printf("lock: as writer %d, as reader %d\n", lock.tryLock(), lock.tryReadLock());
         try {
             mutex.unlock();

@@ -76,6 +76,21 @@ TEST_F(QBLFileLockRWTest, ExcludesAndSharesBetweenProcesses) {
     }
 }
 
+TEST_F(QBLFileLockRWTest, BoundedLocksWaitUntilTheTimeIsOverOrTheLockIsFree) {
+    auto other = holder(true);
+    EXPECT_FALSE(lock.boundedLock(0) || lock.boundedLock(3));
+    EXPECT_TRUE(lock.boundedReadLock(0));
+    lock.unlock();
+    for (const unsigned long ms : {kTestLimitMs, QBLWaitForever, ~0UL - 1}) {
+        Workers waiter(1, [&] { EXPECT_TRUE(lock.boundedLock(ms)); });
+        other.reset();
+        waiter.join();
+        EXPECT_EQ(0, othersMay());
+        lock.unlock();
+        other = holder(false);
+    }
+}
+
 TEST_F(QBLFileLockRWTest, WaitsThroughSignalsUntilTheOtherProcessIsGone) {
     auto other = holder(false);
     struct sigaction nothing {};
@@ -110,6 +125,7 @@ TEST_F(QBLFileLockRWTest, ReportsWhyLockingFails) {
         "Bad file descriptor.";
     QBLFileLockRW own(reading);
     QBL_EXPECT_THROW(own.lock(), QBLRuntimeError, text);
+    QBL_EXPECT_THROW(static_cast<void>(own.boundedLock(1)), QBLRuntimeError, text);
     EXPECT_EQ(0, own.tryLock());
     EXPECT_NO_THROW(own.readLock());
     reading.close();
@@ -134,6 +150,7 @@ TEST_F(QBLFileLockRWTest, AssertsThatItHasAFile) {
     QBL_EXPECT_THROW(none.readLock(), QBLAssertError, text);
     QBL_EXPECT_THROW(none.tryLock(), QBLAssertError, text);
     QBL_EXPECT_THROW(none.tryReadLock(), QBLAssertError, text);
+    QBL_EXPECT_THROW(static_cast<void>(none.boundedReadLock(1)), QBLAssertError, text);
     QBL_EXPECT_THROW(none.unlock(), QBLAssertError, text);
     none.setFile(&file);
     EXPECT_EQ(1, none.tryLock());

@@ -46,6 +46,7 @@ TEST(TavMutexTest, ReportsABadAttributeBeforeANullPointer) {
     EXPECT_EQ(TAVTHREAD_INVALID, tavXMutexCreate(nullptr, TavMutexAttrEnd));
     EXPECT_EQ(TAVTHREAD_INVALID, tavXMutexLock(static_cast<TavMutex*>(nullptr)));
     EXPECT_EQ(TAVTHREAD_INVALID, tavXMutexTimedLock(static_cast<TavMutex*>(nullptr), 5U));
+    EXPECT_EQ(TAVTHREAD_INVALID, tavXMutexBoundedLock(static_cast<TavMutex*>(nullptr), 5U));
 }
 
 TEST(TavMutexTest, RecursiveMutexBelongsToOneThreadUntilItsLastUnlock) {
@@ -56,9 +57,13 @@ TEST(TavMutexTest, RecursiveMutexBelongsToOneThreadUntilItsLastUnlock) {
         EXPECT_EQ(TAVTHREAD_OK, tavXMutexLock(m));
         EXPECT_EQ(TAVTHREAD_OK, tavXMutexTryLock(m));
         EXPECT_EQ(TAVTHREAD_OK, tavXMutexTimedLock(m, 0));
-        Workers stranger(1, [&] { EXPECT_EQ(TAVTHREAD_ERROR, tavXMutexUnlock(m)); });
+        EXPECT_EQ(TAVTHREAD_OK, tavXMutexBoundedLock(m, 0));
+        Workers stranger(1, [&] {
+            EXPECT_EQ(TAVTHREAD_TIMEOUT, tavXMutexBoundedLock(m, 1));
+            EXPECT_EQ(TAVTHREAD_ERROR, tavXMutexUnlock(m));
+        });
         stranger.join();
-        for (int i = 0; i < 3; ++i) {
+        for (int i = 0; i < 4; ++i) {
             EXPECT_EQ(TAVTHREAD_BUSY, tryFromOtherThread(m)) << "after unlock " << i;
             EXPECT_EQ(TAVTHREAD_OK, tavXMutexUnlock(m));
         }
@@ -104,6 +109,26 @@ TEST(TavMutexTest, TimedLockPollsAndSleepsAfterTheLastTry) {
     tavXMutexUnlock(m);
     waiter.join();
     EXPECT_EQ(TAVTHREAD_OK, got);
+}
+
+TEST(TavMutexTest, BoundedLockWaitsUntilTheDeadlineOrTheUnlock) {
+    Layer layer;
+    Mutex m(TavMutexAttrTrackOwner);
+    tavXMutexLock(m);
+    Workers waiter(1, [&] {
+        for (const unsigned ms : {0U, 1U, 999U}) {
+            Watch watch;
+            EXPECT_EQ(TAVTHREAD_TIMEOUT, tavXMutexBoundedLock(m, ms));
+            EXPECT_GE(watch.ms(), ms);
+        }
+        tavXMutexUnlock(m);  // on behalf of the holder
+        EXPECT_EQ(TAVTHREAD_OK, tavXMutexBoundedLock(m, 0));
+        EXPECT_NE(nullptr, m.m->owner);
+        tavXMutexUnlock(m);
+        EXPECT_EQ(TAVTHREAD_OK, tavXMutexBoundedLock(m, TAVTHREAD_INFINITE));
+        tavXMutexUnlock(m);
+    });
+    waiter.join();
 }
 
 TEST(TavMutexTest, TrackingNamesTheHolder) {

@@ -32,11 +32,32 @@ TEST_F(TavRWLockTest, TryAndTimedLocksReportABusyLock) {
     EXPECT_EQ(TAVTHREAD_BUSY, tavXRWLockTryWriteLock(rw));
     EXPECT_EQ(TAVTHREAD_TIMEOUT, tavXRWLockTimedReadLock(rw, 1));
     EXPECT_EQ(TAVTHREAD_TIMEOUT, tavXRWLockTimedWriteLock(rw, 0));
+    EXPECT_EQ(TAVTHREAD_TIMEOUT, tavXRWLockBoundedReadLock(rw, 0));
+    EXPECT_EQ(TAVTHREAD_TIMEOUT, tavXRWLockBoundedWriteLock(rw, 0));
     EXPECT_EQ(TAVTHREAD_OK, tavXRWLockUnlock(rw));
     EXPECT_EQ(TAVTHREAD_OK, tavXRWLockUnlock(rw)) << "the lock is already free";
     EXPECT_EQ(TAVTHREAD_OK, tavXRWLockTimedWriteLock(rw, 0));
     EXPECT_EQ(TAVTHREAD_OK, tavXRWLockUnlock(rw));
+    EXPECT_EQ(TAVTHREAD_OK, tavXRWLockBoundedWriteLock(rw, TAVTHREAD_INFINITE));
+    EXPECT_EQ(TAVTHREAD_OK, tavXRWLockUnlock(rw));
+    EXPECT_EQ(TAVTHREAD_INVALID, tavXRWLockBoundedWriteLock(nullptr, 1));
     EXPECT_EQ(TAVTHREAD_INVALID, tavXRWLockUnlock(nullptr));
+}
+
+TEST_F(TavRWLockTest, WakeUpsDoNotProlongBoundedLocks) {
+    tavXRWLockWriteLock(rw);
+    std::atomic<bool> ended{false};
+    Workers waiter(1, [&] {
+        EXPECT_EQ(TAVTHREAD_TIMEOUT, tavXRWLockBoundedReadLock(rw, 50));
+        EXPECT_EQ(TAVTHREAD_TIMEOUT, tavXRWLockBoundedWriteLock(rw, 50));
+        ended = true;
+    });
+    EXPECT_TRUE(eventually([&] {
+        pthread_cond_broadcast(&rw->readers);
+        pthread_cond_broadcast(&rw->writers);
+        return ended.load();
+    }));
+    tavXRWLockUnlock(rw);
 }
 
 TEST_F(TavRWLockTest, WaitingWriterHoldsBackNewReaders) {
@@ -64,20 +85,22 @@ TEST_F(TavRWLockTest, WaitingWriterHoldsBackNewReaders) {
 }
 
 TEST_F(TavRWLockTest, ReadersContinueAfterTheWriterTimesOut) {
-    tavXRWLockReadLock(rw);
-    std::atomic<bool> gaveUp{false};
-    Workers writer(1, [&] {
-        EXPECT_EQ(TAVTHREAD_TIMEOUT, tavXRWLockTimedWriteLock(rw, 20));
-        gaveUp = true;
-    });
-    EXPECT_TRUE(eventually([&] { return somebodyWaits() || gaveUp; }));
-    Workers reader(1, [&] {
-        EXPECT_EQ(TAVTHREAD_OK, tavXRWLockTimedReadLock(rw, kTestLimitMs));
+    for (const auto writeLock : {tavXRWLockTimedWriteLock, tavXRWLockBoundedWriteLock}) {
+        tavXRWLockReadLock(rw);
+        std::atomic<bool> gaveUp{false};
+        Workers writer(1, [&] {
+            EXPECT_EQ(TAVTHREAD_TIMEOUT, writeLock(rw, 20));
+            gaveUp = true;
+        });
+        EXPECT_TRUE(eventually([&] { return somebodyWaits() || gaveUp; }));
+        Workers reader(1, [&] {
+            EXPECT_EQ(TAVTHREAD_OK, tavXRWLockTimedReadLock(rw, kTestLimitMs));
+            tavXRWLockUnlock(rw);
+        });
+        reader.join();  // ends while this thread still holds its read lock
+        writer.join();
         tavXRWLockUnlock(rw);
-    });
-    reader.join();  // ends while this thread still holds its read lock
-    writer.join();
-    tavXRWLockUnlock(rw);
+    }
 }
 
 // A cancellation unwinds the wait. The writer must then withdraw its request for the lock.
@@ -157,6 +180,7 @@ TEST_F(TavRWLockTest, OneWriterOrManyReadersAtATime) {
             if (kind < 160) {
                 rc = kind < 80    ? tavXRWLockReadLock(rw)
                      : kind < 120 ? tavXRWLockTryReadLock(rw)
+                     : kind < 140 ? tavXRWLockBoundedReadLock(rw, kind % 2)
                                   : tavXRWLockTimedReadLock(rw, kind % 2);
                 if (rc == TAVTHREAD_OK) {
                     EXPECT_EQ(value, copy);
@@ -164,6 +188,7 @@ TEST_F(TavRWLockTest, OneWriterOrManyReadersAtATime) {
             } else {
                 rc = kind < 200   ? tavXRWLockWriteLock(rw)
                      : kind < 230 ? tavXRWLockTryWriteLock(rw)
+                     : kind < 243 ? tavXRWLockBoundedWriteLock(rw, kind % 2)
                                   : tavXRWLockTimedWriteLock(rw, kind % 2);
                 if (rc == TAVTHREAD_OK) {
                     ++value;

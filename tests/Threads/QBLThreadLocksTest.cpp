@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <climits>
+#include <thread>
 
 #include "QBLCore/Frame/QBLList.hpp"
 #include "QBLCore/Frame/QBLThreadMonitor.hpp"
@@ -67,6 +69,25 @@ TYPED_TEST(ExclusiveLockTest, KeepsACountExactAmongThreads) {
         }
     }).join();
     EXPECT_EQ(8000, count);
+}
+
+// timedLock(80) never succeeds here: it tries only at the beginning.
+TYPED_TEST(ExclusiveLockTest, BoundedLockNoticesThatTheLockBecomesFree) {
+    TypeParam lock;
+    EXPECT_TRUE(eventually([&lock] {
+        bool got = false;
+        Gate holds;
+        Workers holder(1, [&] {
+            QBLThreadGuard guard(lock);
+            holds.open();
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        });
+        EXPECT_TRUE(holds.wait());
+        if (!lock.tryLock()) got = lock.boundedLock(80);
+        if (got) elsewhere([&] { EXPECT_FALSE(lock.boundedLock(0) || lock.boundedLock(1)); });
+        if (got) lock.unlock();
+        return got;
+    }));
 }
 
 TEST(QBLThreadMutexTest, RecursiveLocksCountAndRejectOtherThreads) {

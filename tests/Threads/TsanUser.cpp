@@ -1,6 +1,7 @@
 // This program is built with ThreadSanitizer, but uses the library built without it. Threads pass
 // plain data to each other through the library's locks, events and pools. If ThreadSanitizer does
 // not see the synchronization, it reports a race and the program fails.
+#include <chrono>
 #include <thread>
 #include <vector>
 
@@ -49,8 +50,11 @@ void count(Lock& lock, bool readers) {
                 lock.readLock();
                 sum += number;
             } else {
-                lock.lock();
+                while (!lock.boundedLock(1000)) {
+                }
                 ++number;
+                // Makes the others sleep.
+                if (i % 500 == 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
             }
             lock.unlock();
         }
