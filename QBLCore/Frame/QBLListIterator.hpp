@@ -139,7 +139,10 @@ public:
         return this->list == other.list && this->node == other.node;
     }
     bool operator!=(const QBLListIterator& other) const { return !(*this == other); }
-    bool operator==(const CONST_QBLListIterator<T>& other) const { return other == *this; }
+    // Compares the fields itself: C++20 would resolve "other == *this" to this operator again.
+    bool operator==(const CONST_QBLListIterator<T>& other) const {
+        return this->list == other.list && this->node == other.node;
+    }
     bool operator!=(const CONST_QBLListIterator<T>& other) const { return !(*this == other); }
 };
 

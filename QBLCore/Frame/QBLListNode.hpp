@@ -1,6 +1,8 @@
 #ifndef QBLCORE_FRAME_QBLLISTNODE_HPP
 #define QBLCORE_FRAME_QBLLISTNODE_HPP
 
+#include <utility>
+
 /// A node of a QBLList. A node of exactly this class is the sentinel, which closes the ring and has
 /// no value.
 ///
@@ -29,6 +31,10 @@ class QBLListDataNode final : public QBLListNode<T> {
 public:
     QBLListDataNode(const T& value, QBLListNode<T>* nextNode, QBLListNode<T>* prevNode)
         : QBLListNode<T>(nextNode, prevNode), data(value) {}
+    /// Constructs the value from arguments. The list links the node.
+    template <class... Arguments>
+    explicit QBLListDataNode(std::in_place_t, Arguments&&... arguments)
+        : data(std::forward<Arguments>(arguments)...) {}
     T* getData() override { return &data; }
 
     T data;

@@ -2,9 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <deque>
+#include <memory>
 #include <random>
+#include <ranges>
 #include <string>
+
+static_assert(std::bidirectional_iterator<QBLList<int>::iterator>);
+static_assert(std::bidirectional_iterator<QBLList<int>::const_iterator>);
+static_assert(std::ranges::bidirectional_range<const QBLList<int>>);
 
 namespace {
 
@@ -114,6 +121,26 @@ TEST(QBLListTest, IteratorsOfBothKindsCompareAndReachMembers) {
     EXPECT_EQ(4U, list.begin()->size() + view.begin()->size() - 4);
     EXPECT_TRUE(list.begin() == view.begin() && view.begin() == list.begin());
     EXPECT_TRUE(list.begin() != view.end() && view.end() != list.begin());
+}
+
+TEST(QBLListTest, IsAContainerForAlgorithmsAndAdaptors) {
+    QBLList<int> list = {3, 1, 2};
+    EXPECT_EQ(list.cend(), std::find(list.cbegin(), list.cend(), 9));
+    list.erase(std::find(list.cbegin(), list.cend(), 1));
+    EXPECT_EQ(7, *list.emplace(list.cbegin(), 7));
+    list.append_range(list);
+    std::replace(list.begin(), list.end(), 2, 5);
+    std::fill_n(std::front_inserter(list), 1, list.back() = 4);
+    EXPECT_EQ((std::deque<int>{4, 3, 7, 5, 3, 7, 4}),
+              std::deque<int>(list.crbegin(), list.crend()));
+    list.assign(++list.begin(), list.end());
+    list.emplace(QBLList<int>{1}.begin(), 8);
+    EXPECT_EQ(6U, list.size());
+    list = {};
+    EXPECT_EQ(list.rend(), list.rbegin());
+    QBLList<std::unique_ptr<int>> owners;
+    owners.emplace_front(new int(1));
+    EXPECT_EQ(1, *owners.emplace_back(std::move(owners.front())));
 }
 
 TEST(QBLListTest, CopiesItsOwnElementBeforeLinking) {
