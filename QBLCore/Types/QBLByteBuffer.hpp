@@ -136,6 +136,16 @@ public:
     const char* str() const { return m_pBuffer; }
     char* str() { return m_pBuffer; }
     unsigned int pcount() const { return m_iCount; }
+
+    /// The content as a contiguous range, for std::span, std::data() and algorithms.
+    /// QBLByteBufferView.hpp has conversions from and to such ranges.
+    const char* data() const { return m_pBuffer; }
+    char* data() { return m_pBuffer; }
+    unsigned int size() const { return m_iCount; }
+    const char* begin() const { return m_pBuffer; }
+    char* begin() { return m_pBuffer; }
+    const char* end() const { return m_pBuffer + m_iCount; }
+    char* end() { return m_pBuffer + m_iCount; }
     /// @}
 
     /// @name Settings

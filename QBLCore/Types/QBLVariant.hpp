@@ -92,6 +92,12 @@ public:
     ///     counts instead of the length; a null string always fits. Returns false if the buffer is
     ///     null or bufferSize is 0.
     bool getValue(char* buffer, unsigned long bufferSize) const;
+    /// Returns the value as an optional. QBLVariantValues.hpp defines the two operations.
+    template <class Value>
+    auto get() const;
+    /// Calls a visitor with the value, and returns its result.
+    template <class Visitor>
+    decltype(auto) visit(Visitor&& visitor) const;
     /// @}
 
     /// @name Setting the value

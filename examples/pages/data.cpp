@@ -1,13 +1,12 @@
 // Parses options and dates, builds a record with a checksum, and makes a token of its text.
 #include <cstdio>
 #include <memory>
-#include <vector>
 
-#include "QBLCore/Types/QBLByteBuffer.hpp"
+#include "QBLCore/Types/QBLByteBufferView.hpp"
 #include "QBLCore/Types/QBLTypeCast.hpp"
-#include "QBLCore/Types/QBLVariant.hpp"
+#include "QBLCore/Types/QBLVariantValues.hpp"
 #include "QBLCore/Types/c/QBLDataTypesConversion_c.h"
-#include "QBLCore/Utility/QBLBase64.h"
+#include "QBLCore/Utility/QBLBase64.hpp"
 #include "QBLCore/Utility/QBLByteOrder.h"
 #include "QBLCore/Utility/QBLSquisher.hpp"
 #include "QBLCore/Utility/QBLUtCrc32.hpp"
@@ -27,15 +26,14 @@ int main() {
         asciiToInt32(options.getOptArg(), &number);
         count.setValue(long{number});
     }
-    char text[64];
-    count.getValue(text, sizeof text);
-    std::printf("-n %s, then %s\n", text, words[options.getOptInd()]);
+    std::printf("-n %ld, then %s\n", count.get<long>().value_or(0), words[options.getOptInd()]);
 
     QBLTimestamp2 when;
     for (const char* each : {"2006-03-09 10:05", "2006-02-29 10:05", "9 March"})
         std::printf("%s: %ld\n", each, QBLTypeCast::string2timestamp(&when, each));
     const long minutes = 1530;
     QBLInterval2 interval;
+    char text[64];
     QBLTypeCast::int2DTinterval(&interval, &minutes, "MINUTES");
     QBLTypeCast::dtInterval2string(text, &interval);
     std::printf("%ld minutes: %s\n", minutes, text);
@@ -47,9 +45,8 @@ int main() {
     const unsigned long checksum = QBLUtCrc32::crc32(0, bytes, body.pcount());
     const uint32_t head[] = {qblh2nl(body.pcount()), qblh2nl(static_cast<uint32_t>(checksum))};
     record.appendChars(reinterpret_cast<const char*>(head), sizeof head) << body;
-    std::vector<char> encoded(QBLBase64EncodedSize(record.pcount()));
-    QBLBase64Encode(record.str(), record.pcount(), encoded.data());
-    std::printf("%u bytes, checksum %08lx: %s\n", record.pcount(), checksum, encoded.data());
+    const std::string encoded = qblBase64Encode(qblView(record));
+    std::printf("%u bytes, checksum %08lx: %s\n", record.pcount(), checksum, encoded.c_str());
 
     const std::unique_ptr<char[]> token(QBLSquisher::squish(body.str()));
     const std::unique_ptr<char[]> back(QBLSquisher::unSquish(token.get()));

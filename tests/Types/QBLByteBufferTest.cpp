@@ -9,8 +9,10 @@
 #include <functional>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
+#include "QBLCore/Types/QBLByteBufferView.hpp"
 #include "tests/support/Child.hpp"
 #include "tests/support/FaultInjection.hpp"
 #include "tests/support/ThrowChecks.hpp"
@@ -55,6 +57,24 @@ TEST(QBLByteBufferTest, AppendsEveryType) {
         EXPECT_EQ("ff fffffffe ab " + std::string(2 * sizeof(long), 'f'), contentsOf(buffer));
         EXPECT_EQ(16, buffer.setHexRadix(0));
     }
+}
+
+TEST(QBLByteBufferTest, AppendsRangesOfBytesAndIsOne) {
+    struct Both : std::string {
+        operator const char*() const { return "pointer"; }
+    };
+    QBLByteBuffer buffer;
+    buffer << std::string("a\0b", 3) << std::vector<unsigned char>{'c'} << std::string_view();
+    EXPECT_EQ(std::string_view("a\0bc", 4), qblView(buffer));
+    buffer << qblView(buffer) << Both();
+    EXPECT_EQ(std::string("a\0bca\0bcpointer", 15), std::string(buffer.begin(), buffer.end()));
+    struct Huge {
+        const char* data() const { return ""; }
+        volatile std::size_t all = SIZE_MAX;
+        std::size_t size() const { return all; }
+    };
+    EXPECT_THROW(buffer << Huge(), QBLOutOfMemoryError);
+    EXPECT_EQ(15U, std::size(buffer));
 }
 
 TEST(QBLByteBufferTest, IsUnchangedAfterAFailedAllocation) {

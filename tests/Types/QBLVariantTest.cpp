@@ -6,6 +6,7 @@
 #include <cmath>
 #include <string>
 
+#include "QBLCore/Types/QBLVariantValues.hpp"
 #include "tests/support/FaultInjection.hpp"
 
 namespace {
@@ -57,6 +58,29 @@ TEST(QBLVariantTest, ReturnsAValueOnlyAsItsOwnType) {
         copy.setValueSize(7);
         EXPECT_TRUE(copy != variant) << type;
     }
+}
+
+TEST(QBLVariantTest, VisitsTheValueWithItsType) {
+    struct Name {
+        std::string operator()(std::monostate) const { return "none"; }
+        std::string operator()(long value) const { return "long" + std::to_string(value); }
+        std::string operator()(unsigned long) const { return "unsigned"; }
+        std::string operator()(double) const { return "double"; }
+        std::string operator()(std::string_view text) const { return "text " + std::string(text); }
+        std::string operator()(void*) const { return "pointer"; }
+    };
+    QBLVariant variant;
+    EXPECT_EQ("none", variant.visit(Name()));
+    variant.setValue(-3L);
+    EXPECT_EQ("long-3", variant.visit(Name()));
+    EXPECT_TRUE(variant.get<long>() == -3 && !variant.get<unsigned long>());
+    variant.setValue("four", 3);
+    variant.setValueSize(900);
+    EXPECT_EQ("text fou", variant.visit(Name()));
+    variant.setValue(nullptr, 0);
+    EXPECT_EQ(nullptr, variant.get<std::string_view>().value().data());
+    variant.setVarType(QBLVariant::QBLVariantType(6));
+    EXPECT_EQ("none", variant.visit(Name()));
 }
 
 TEST(QBLVariantTest, EqualsOnlyTheSameTypeSizeAndValue) {

@@ -3,6 +3,8 @@
 #include <random>
 #include <string>
 
+#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
+#include "QBLCore/Utility/QBLBase64.hpp"
 #include "fuzz/support/Base64Checks.hpp"
 
 namespace {
@@ -59,6 +61,17 @@ TEST(QBLBase64Test, ComputesSizesBeyond32Bits) {
 }
 
 extern "C" int qblCodesFailedFromC();
+TEST(QBLBase64Test, TakesViewsThatNoNullCharacterEnds) {
+    const std::string bytes("\xFB\xFF\0z", 4);
+    EXPECT_EQ("+/8Aeg==", qblBase64Encode(bytes));
+    EXPECT_EQ("_~8Aeg==", qblBase64URLEncode(bytes.data(), bytes.size()));
+    EXPECT_EQ(bytes, qblBase64Decode(std::string_view("+/8Aeg==QUJD", 8)));
+    EXPECT_EQ(bytes, qblBase64URLDecode("_~8Aeg=="));
+    EXPECT_EQ("", qblBase64Decode("").value() + qblBase64Encode(std::string_view()));
+    EXPECT_FALSE(qblBase64Decode(std::string_view("QUJD\0QUJD", 9)) || qblBase64Decode("}AAA"));
+    EXPECT_THROW(qblBase64Encode(bytes.data(), ~std::size_t{}), QBLOutOfMemoryError);
+}
+
 TEST(QBLBase64Test, FlatFunctionsWorkFromC) {
     EXPECT_EQ(0, qblCodesFailedFromC()) << "the failed line in QBLCodesC.c";
 }
