@@ -6,7 +6,6 @@
 #include <atomic>
 #include <cstddef>
 #include <cstring>
-#include <functional>
 #include <iosfwd>
 #include <string>
 
