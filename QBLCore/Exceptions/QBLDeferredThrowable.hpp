@@ -29,6 +29,9 @@ public:
     /// nothing if no throwable is held. The held throwable keeps the entry, so a second check()
     /// shows both places.
     void check(const QBLFileLocation& where, const char* detail, const char* tag);
+    /// Returns the held throwable without throwing it; null if no throwable is held. The throwable
+    /// is valid until this object holds another one or none.
+    const QBLThrowable* get() const noexcept { return held; }
     void clear();
 
 private:

@@ -46,6 +46,9 @@ public:
     virtual void toString(const char* language, const char* fallbackLanguage, I18NString& out,
                           int flag);
 
+    using QBLMessageSet::format;
+    using QBLThrowable::format;
+
     /// Adds a copy of a message.
     QBLException& operator<<(const QBLMessageBase& message);
     QBLSeverity getSeverity() const { return QBLThrowable::getSeverity(); }

@@ -6,6 +6,8 @@
 #include "QBLCore/Frame/QBLExport.h"
 #include "QBLCore/Frame/QBLList.hpp"
 
+class I18NString;
+
 /// Base class of the exceptions that the library throws. It has an error code (a number or a text),
 /// a severity, a message text and a back-trace. The back-trace has an entry for each place where
 /// the throwable was thrown or rethrown, the latest first. Throw with the macros of QBLThrow.hpp.
@@ -61,6 +63,15 @@ public:
     /// message text and the trace entries, if there are any. Texts are inserted without escaping.
     /// Each call makes a new text, which is valid until the next call.
     virtual const char* toString();
+    /// Returns a text for people: the messages of a QBLException in a language, joined by a
+    /// separator, or the message text of another throwable. Returns the name of the class and the
+    /// code if there is no text. Empty messages are left out. The throwable does not change, so
+    /// several threads may format one throwable that no thread changes.
+    /// @param locales  in the order of preference, such as "de_AT de"; null or empty means the
+    ///     default locales of QBLCatalogueSettings
+    /// @param separator  UTF-8; null means an empty one
+    /// @throws QBLOutOfMemoryError
+    I18NString format(const char* locales = nullptr, const char* separator = " ") const;
     /// @}
 
     /// @name Code and severity

@@ -106,7 +106,8 @@ TEST(QBLThrowableTest, EveryThrowAndRethrowAddsAnEntryNewestFirst) {
     }
 }
 
-TEST(QBLThrowableTest, ThrowsByAnOwnHurl) {
+TEST(QBLThrowableTest, ThrowsBracesAndByAnOwnHurl) {
+    QBL_EXPECT_THROW(QBL_THROW(QBLError{1, "braces"}), QBLError, "braces");
     try {
         QBL_THROW(NamedError(1, "x"));
     } catch (NamedError& e) {
