@@ -1,10 +1,13 @@
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 
 #include <exception>
+#include <memory>
 #include <new>
 
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
+#include "QBLCore/Exceptions/QBLStdBridge.hpp"
 #include "QBLCore/Exceptions/QBLStdExceptionError.hpp"
+#include "QBLCore/Exceptions/QBLThrowable.hpp"
 #include "QBLCore/Exceptions/QBLUnknownError.hpp"
 #include "TavThread/shared/TavContain.hpp"
 
@@ -32,6 +35,14 @@ TAV_CATCHES_UNWINDING void qblRethrowTranslated(const QBLFileLocation& where, co
         throw;
     } catch (const std::bad_alloc&) {
         hurlOutOfMemory(where, detail);
+    } catch (const QBLStdBridge& e) {
+        try {
+            const std::unique_ptr<QBLThrowable> carried(e.getThrowable().clone());
+            carried->hurl(where, detail, "QBL_RETHROW");
+            std::terminate();  // not every hurl() is declared as [[noreturn]]
+        } catch (const std::bad_alloc&) {
+            hurlOutOfMemory(where, detail);
+        }
     } catch (const std::exception& e) {
         try {
             QBLStdExceptionError(0, e.what()).hurl(where, detail, "QBL_THROW");

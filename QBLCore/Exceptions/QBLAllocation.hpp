@@ -5,9 +5,10 @@
 #include "QBLCore/Frame/QBLExport.h"
 
 /// For handlers: rethrows the current exception as a throwable of the library. A throwable gets a
-/// trace entry for the place. std::bad_alloc becomes QBLOutOfMemoryError without a text, any other
-/// std::exception becomes QBLStdExceptionError with its what(), and anything else becomes
-/// QBLUnknownError. A thread's cancellation or exit passes through unchanged.
+/// trace entry for the place. std::bad_alloc becomes QBLOutOfMemoryError without a text, a
+/// QBLStdBridge becomes the throwable that it carries, any other std::exception becomes
+/// QBLStdExceptionError with its what(), and anything else becomes QBLUnknownError. A thread's
+/// cancellation or exit passes through unchanged.
 ///
 /// Threads: any thread may call it.
 [[noreturn]] QBL_API void qblRethrowTranslated(const QBLFileLocation& where,

@@ -7,6 +7,7 @@
 #include "QBLCore/Exceptions/QBLRuntimeError.hpp"
 #include "QBLCore/Exceptions/QBLTerminateHandler.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/Exceptions/QBLWhat.hpp"
 #include "QBLCore/Frame/QBLCore.h"
 #include "QBLCore/Threads/QBLThread.hpp"
 
@@ -41,8 +42,8 @@ int main() {
     for (const char* text : {"one", "12"}) {
         try {
             parse(text);
-        } catch (QBLThrowable& e) {
-            std::printf("%s\n\n", e.toString());
+        } catch (const QBLThrowable& e) {
+            std::printf("%s\n%s\n\n", qblWhat(e).c_str(), qblXml(e).c_str());
         }
     }
     qblCoreInitialize();

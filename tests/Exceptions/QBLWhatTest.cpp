@@ -1,0 +1,107 @@
+#include "QBLCore/Exceptions/QBLWhat.hpp"
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <stdexcept>
+
+#include "QBLCore/Exceptions/QBLAllocation.hpp"
+#include "QBLCore/Exceptions/QBLErrorCode.hpp"
+#include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
+#include "QBLCore/Exceptions/QBLStdBridge.hpp"
+#include "QBLCore/Exceptions/QBLStdExceptionError.hpp"
+#include "QBLCore/Exceptions/QBLThrow.hpp"
+#include "QBLCore/FileManagement/QBLFmFile.hpp"
+#include "tests/support/FaultInjection.hpp"
+#include "tests/support/ThrowChecks.hpp"
+
+namespace {
+
+template <class Error>
+std::string whatOf(Error error) {
+    try {
+        throw error;
+    } catch (...) {
+        EXPECT_EQ(qblWhat(), qblWhat(std::current_exception()));
+        return qblWhat();
+    }
+}
+
+}  // namespace
+
+TEST(QBLWhatTest, DescribesWhateverWasThrown) {
+    EXPECT_EQ("", qblWhat());
+    EXPECT_EQ("", qblWhat(nullptr));
+    EXPECT_EQ("two  lines", whatOf(QBLError(1, "two\r\nlines")));
+    const QBLError constant(5, "bad");
+    EXPECT_EQ(QBLError(constant).toString(), qblXml(constant));
+    EXPECT_EQ("std", whatOf(std::runtime_error("std")));
+    EXPECT_EQ("text", whatOf("text"));
+    EXPECT_EQ("", whatOf<const char*>(nullptr));
+    EXPECT_EQ("exception of type int", whatOf(42));
+}
+
+TEST(QBLStdBridgeTest, CarriesAThrowableThroughStdExceptions) {
+    std::string what;
+    const auto cross = [&what] {
+        try {
+            try {
+                try {
+                    QBL_THROW(QBLIllegalStateError(4, "busy"));
+                } catch (...) {
+                    qblToStd();
+                }
+            } catch (const std::exception& e) {
+                what = e.what();
+                throw;
+            }
+        } catch (...) {
+            qblFromStd();
+        }
+    };
+    try {
+        cross();
+        ADD_FAILURE() << "nothing thrown";
+    } catch (QBLIllegalStateError& e) {
+        EXPECT_EQ("busy", what);
+        EXPECT_EQ(4, e.getErrorCode());
+        EXPECT_EQ(
+            "QBLIllegalStateError: QBL_RETHROW: \nQBLIllegalStateError: QBL_RETHROW: "
+            "\nQBLIllegalStateError: QBL_THROW: \n",
+            traceOf(e));
+    }
+    fault::eachAllocation([&cross] {
+        try {
+            cross();
+            ADD_FAILURE() << "nothing thrown";
+        } catch (const std::bad_alloc&) {
+        } catch (const QBLThrowable&) {
+        }
+    });
+    const auto end = [](void*) -> void* {
+        try {
+            pthread_exit(nullptr);
+        } catch (...) {
+            EXPECT_EQ("", qblWhat());
+            qblToStd();
+        }
+    };
+    pthread_t thread{};
+    ASSERT_EQ(0, pthread_create(&thread, nullptr, end, nullptr));
+    EXPECT_EQ(0, pthread_join(thread, nullptr));
+}
+
+TEST(QBLErrorCodeTest, CodesCompareWithStandardConditions) {
+    QBLFmFile file;
+    EXPECT_FALSE(file.open("/nowhere/file", QBLFmFile::createmode(0), 1));
+    EXPECT_EQ(std::errc::no_such_file_or_directory, qblErrorCode(file));
+    std::error_code code = TAVTHREAD_TIMEOUT;
+    EXPECT_EQ(std::errc::timed_out, code);
+    EXPECT_EQ("the time ran out", code.message());
+    EXPECT_FALSE(qblThreadErrorCode(TAVTHREAD_OK));
+    EXPECT_EQ("unknown result -7", qblThreadErrorCode(-7).message());
+    for (int result : {TAVTHREAD_ERROR, TAVTHREAD_NOTINIT})
+        EXPECT_EQ(qblThreadCategory(),
+                  qblThreadErrorCode(result).default_error_condition().category())
+            << "neither success nor an errno";
+}
