@@ -1,0 +1,71 @@
+#include "QBLCore/Threads/QBLSignalWaiter.hpp"
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include "tests/support/ThrowChecks.hpp"
+#include "tests/support/Workers.hpp"
+
+namespace {
+
+bool isBlocked(int signal) {
+    sigset_t mask;
+    pthread_sigmask(SIG_BLOCK, nullptr, &mask);
+    return sigismember(&mask, signal) == 1;
+}
+
+void* waitForever(void* waiter) {
+    static_cast<QBLSignalWaiter*>(waiter)->wait();
+    return nullptr;
+}
+
+}  // namespace
+
+TEST(QBLSignalWaiterTest, TakesBlockedSignalsAndRestoresTheMask) {
+    std::signal(SIGHUP, SIG_IGN);
+    {
+        QBLSignalWaiter outer({SIGUSR1, SIGHUP});
+        {
+            QBLSignalWaiter inner({SIGUSR1, SIGUSR2});
+            Workers sender(1, [] { kill(getpid(), SIGUSR2); });
+            EXPECT_EQ(SIGUSR2, inner.wait());
+            kill(getpid(), SIGUSR1);
+            EXPECT_EQ(SIGUSR1, outer.timedWait(0));
+            EXPECT_EQ(0, inner.timedWait(1)) << "only one waiter gets a signal";
+        }
+        EXPECT_TRUE(isBlocked(SIGUSR1)) << "the outer waiter blocks it";
+        EXPECT_FALSE(isBlocked(SIGUSR2));
+        kill(getpid(), SIGHUP);
+        EXPECT_EQ(0, outer.timedWait(1)) << "stays ignored";
+    }
+    EXPECT_FALSE(isBlocked(SIGUSR1));
+    std::signal(SIGHUP, SIG_DFL);
+}
+
+TEST(QBLSignalWaiterTest, CancelledWaitTakesNothing) {
+    QBLSignalWaiter waiter({SIGUSR1});
+    pthread_t thread;
+    void* result = nullptr;
+    ASSERT_EQ(0, pthread_create(&thread, nullptr, &waitForever, &waiter));
+    pthread_cancel(thread);
+    pthread_join(thread, &result);
+    EXPECT_EQ(PTHREAD_CANCELED, result);
+    kill(getpid(), SIGUSR1);
+    EXPECT_EQ(SIGUSR1, waiter.timedWait(kTestLimitMs));
+}
+
+TEST(QBLSignalWaiterTest, LeavesTheMaskUnchangedWhenItThrows) {
+    for (const int signal : {-1, 0, 32, 1000, SIGKILL, SIGSTOP, SIGSEGV})
+        QBL_EXPECT_THROW(QBLSignalWaiter({SIGUSR1, signal}), QBLIllegalArgumentError,
+                         "QBLSignalWaiter::QBLSignalWaiter: no waiter can take this signal");
+    rlimit before{};
+    ASSERT_EQ(0, getrlimit(RLIMIT_NOFILE, &before));
+    const rlimit none = {0, before.rlim_max};
+    ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &none));
+    QBL_EXPECT_THROW(QBLSignalWaiter(), QBLThreadResourceError,
+                     "QBLSignalWaiter::QBLSignalWaiter: the system has no descriptor");
+    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_FALSE(isBlocked(SIGUSR1) || isBlocked(SIGTERM));
+}
