@@ -30,8 +30,9 @@
 // adds 1, up to 8; each failure subtracts 2. Instead of reaching 0, a score drops far below 0. Then
 // each short sleep adds 1, because spinning would have saved that sleep. Scores are hints, and
 // several threads change them without a lock: a lost update costs time, never a post.
-// A new semaphore pauses, but it does not yield before its first short sleep. On busy processors a
-// yield can take several milliseconds, and threads wait for many semaphores only once.
+// A wait for a new semaphore pauses, but it does not yield until the first short sleep. On busy
+// processors a yield can take several milliseconds. That is too long for the many semaphores that
+// have only one wait.
 //
 // Why not one futex word and a spin of a fixed length: that design needs no lookers, promises or
 // scores. But in a trial it was slower, except in one case: without a spin, the tasks of the queued

@@ -310,9 +310,10 @@ QBLCustodian::QBLCustodian()
 
 QBLCustodian::~QBLCustodian() = default;
 
-// When the destructor returns, both threads have ended. A task may end its thread, and each thread
-// may then start the other thread. So if there is a task, no thread is joined before the last pass
-// is over. Without tasks, the caller sleeps only once, until the thread has ended.
+// When the destructor returns, both threads have ended. A task may end the thread that runs it.
+// This thread may then start the other thread. So if there is a task, the destructor waits for the
+// end of the last pass before it joins a thread. Without tasks, it does not wait for the last pass,
+// so the caller sleeps only once, until the thread has ended.
 QBLCustodian::Body::~Body() {
     lockForChange();
     {
@@ -330,9 +331,9 @@ QBLCustodian::Body::~Body() {
     other.joinQuietly();
 }
 
-// For a change that the thread must notice. The thread does not hold the lock during a pass. The
-// caller signals m_wakeup after it has released the lock: a thread that wakes up earlier would have
-// to sleep again.
+// Locks m_taskLock for a change that the thread must notice. The thread does not hold this lock
+// during a pass. The caller unlocks m_taskLock and then signals m_wakeup. In the reverse order, the
+// thread would wake up and then sleep again to wait for the lock.
 void QBLCustodian::lockForChange() { m_taskLock.lock(); }
 
 bool QBLCustodian::assignTask(QBLCustodianTask* task) {

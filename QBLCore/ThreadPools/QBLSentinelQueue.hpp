@@ -109,7 +109,7 @@ private:
     static constexpr unsigned int kMostSpares = 64;
 
     // The variable pool calls only the next three operations of its queue, and only while it holds
-    // its own mutex. So they use neither the queue's mutex nor its counts.
+    // its own mutex. So these operations use neither the queue's mutex nor its counts.
     void putUnlocked(const T& item) QBL_NO_THREAD_SAFETY_ANALYSIS {
         insert((*m_items).end(), item);
     }

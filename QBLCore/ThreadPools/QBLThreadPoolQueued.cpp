@@ -18,14 +18,15 @@
 // 3. A stop adds room for one task to the queue. A submitter that gets this room and sees the flag
 //    gives the room back. All waiting submitters therefore get the room one after the other.
 // 4. A worker that finds no task enters the stack of idle workers. After that, it checks the queue
-//    and the flag again, and then waits. A submitter wakes a worker after it has put its task, and
-//    a stop wakes all workers after it has set the flag. No idle worker therefore misses a task or
-//    a stop.
+//    and the flag again, and then waits. A submitter puts its task into the queue and then wakes a
+//    worker. stop() sets the flag and then wakes all idle workers. No idle worker therefore misses
+//    a task or a call of stop().
 //
-// Memory order: in rules 1 and 2 each side writes one variable, then reads the other one. The flag
-// is sequentially consistent, and the queue's semaphore changes by locked instructions, which are
-// full barriers on x86. The queue's mutex publishes the tasks and what submitters wrote before. An
-// idle worker checks the flag every ten seconds, because setStopWork() alone wakes only submitters.
+// Memory order: in rules 1, 2 and 4 each side writes one variable, then reads the other one. The
+// flag and the size of the stack are sequentially consistent, and the queue's semaphore changes by
+// locked instructions, which are full barriers on x86. The queue's mutex publishes the tasks and
+// what submitters wrote before. An idle worker checks the flag every ten seconds, because
+// setStopWork() alone wakes only submitters.
 //
 // A mistake here would lose a task or keep a submitter waiting. Tests of QBLThreadPoolTest that
 // detect it:
@@ -82,7 +83,8 @@ private:
         }
     }
 
-    /// @return null if the worker must look again. A cancellation must not swallow a wake-up.
+    /// Waits for a task, and defers a cancellation, because it could swallow a wake-up.
+    /// @return null if the worker must look into the queue again
     QBLThreadRunnable* await() {
         const QBLNoCancel noCancel;
         QBLThreadRunnable* task = nullptr;
@@ -143,8 +145,9 @@ int QBLThreadPoolQueued::execute(QBLThreadRunnable* task, unsigned long timeout)
 void QBLThreadPoolQueued::wakeSubmitters() { m_tasks.release(); }
 
 // Wakes all idle workers, so that they notice the stop at once and not only when they next poll the
-// flag. Until all workers have ended, a task may be in execute(), which reads m_workers. If the
-// constructor failed, m_workers has a null for the worker that could not be created.
+// flag. Deletes the workers only after all of them have ended, because a running task may call
+// execute(), which reads m_workers. If the constructor failed, m_workers has a null for the worker
+// that could not be created.
 void QBLThreadPoolQueued::stop() {
     setStopWork(1);
     for (WorkerThread* worker : m_workers)
@@ -155,6 +158,6 @@ void QBLThreadPoolQueued::stop() {
         delete m_workers.front();
         m_workers.pop_front();
     }
-    if (m_iFinishQueuedWork != 0)  // tasks remain if tasks have ended all workers
+    if (m_iFinishQueuedWork != 0)  // tasks remain if tasks have ended the threads of all workers
         qblRunLeft([this](QBLThreadRunnable*& task) { return m_tasks.get(task, 0); });
 }

@@ -11,8 +11,8 @@
 #include "QBLCore/Threads/shared/QBLLayerResult.hpp"
 #include "QBLCore/Utility/QBLHighResolutionTime.hpp"
 
-// The queue, the lists, both counts and the workers' states change under m_mutex only. So the queue
-// is used without its own mutex and counts.
+// The queue, the lists, both counts and the workers' states change under m_mutex only. So the pool
+// does not use the queue's own mutex and counts.
 //
 // The states of a worker:
 //   starting  created by addWorker(). If its thread has no memory to begin, the worker is lost.

@@ -118,7 +118,7 @@ inline bool tavMutexUnlockRecursive(TavMutex* m) {
         return true;
     }
     r->setHolder(nullptr);
-    pthread_mutex_unlock(&m->native);  // cannot fail either
+    pthread_mutex_unlock(&m->native);  // cannot fail, because the caller holds the mutex
     return true;
 }
 

@@ -7,15 +7,16 @@
 #include "QBLCore/Threads/QBLThreadMutex.hpp"
 #include "QBLCore/Threads/QBLThreadSemaphore.hpp"
 
-/// The stack of a pool's idle workers. They wait here instead of in the queue: a queue wakes a
-/// worker while its mutex is still held, and the worker then waits for the mutex. The worker that
-/// became idle last is woken first, because its data and its processor are ready.
+/// The stack of a pool's idle workers. The workers wait here and not in the queue: a queue wakes a
+/// worker while it still holds its mutex, and the worker then waits for this mutex. wakeOne() first
+/// wakes the worker that became idle last, because the data of this worker is most likely still in
+/// a processor's cache.
 ///
-/// A worker enters the stack, then looks into the queue. A submitter puts a task into the queue,
-/// then calls wakeOne(), which reads the size of the stack. So the worker sees the task, or the
-/// submitter sees the worker. Memory order: each side writes one variable, then reads the other
-/// one. The size is sequentially consistent, and the queue's semaphore changes by locked
-/// instructions, which are full barriers on x86.
+/// A worker first enters the stack and then looks into the queue. A submitter first puts a task
+/// into the queue and then calls wakeOne(), which reads the size of the stack. So either the worker
+/// sees the task, or the submitter sees the worker. Memory order: each side writes one variable,
+/// then reads the other one. The size is sequentially consistent, and the queue's semaphore changes
+/// by locked instructions, which are full barriers on x86.
 class QBLIdleWorkers {
 public:
     /// The place of a worker in the stack.
@@ -27,8 +28,8 @@ public:
         friend class QBLIdleWorkers;
 
         Place* m_pBelow = nullptr;  // guarded by m_lock of the stack
-        // Posted once after each removal by wakeOne(). The worker takes this post before it goes
-        // on.
+        // wakeOne() posts this once after it has removed the place. The worker takes this post
+        // before it continues.
         QBLThreadSemaphore m_wake;
     };
 
@@ -46,10 +47,10 @@ public:
         if (top != nullptr) top->m_wake.post();
     }
 
-    /// Waits in the stack, unless the look finds something. Returns when wakeOne() wakes the worker
-    /// or the time is up.
+    /// Enters the stack, calls `look`, and waits if `look` returns false. Returns when wakeOne()
+    /// wakes the worker or the time has run out. The place is then no longer in the stack.
     /// @param look  returns false if there is nothing to do
-    /// @param ms  milliseconds; the longest wait
+    /// @param ms  maximum wait in milliseconds
     template <class Look>
     void waitUnless(Place& place, Look look, unsigned long ms) {
         enter(place);

@@ -12,8 +12,9 @@ inline int qblCreateMutex(TavMutex** out, bool trackOwner, bool recursive) {
     return tavXMutexCreate(out, tracking, repeating, TavMutexAttrEnd);
 }
 
-/// QBLThreadMutex::lock() and unlock() without their fast paths. They take the layer's mutex, so
-/// that the fast path of the recursive mutex has one pointer less to keep.
+/// Do the same as QBLThreadMutex::lock() and unlock(), but without the fast path. The parameter is
+/// the mutex of TavThread and not the object, so a caller need not save a pointer to the object
+/// during its fast path.
 void qblMutexLockGeneral(TavMutex* mutex);
 void qblMutexUnlockGeneral(TavMutex* mutex);
 
