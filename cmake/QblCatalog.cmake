@@ -10,7 +10,8 @@
 #   OUTPUT_DIRECTORY  the directory of the generated files; default: the current binary directory
 #   STRICT            treats warnings as errors
 #   DESTINATION       installs the message files into this directory, usually share/PROGRAM, where
-#                     the program bin/PROGRAM looks for them; COMPONENT is passed to install(); default: not installed
+#                     the program bin/PROGRAM looks for them; COMPONENT is passed to install();
+#                     default: not installed
 #
 # TARGET becomes an interface library. The default target (all) builds the files.
 function(qbl_add_catalog target name)

@@ -22,11 +22,11 @@ namespace {
 struct Settings {
     QBLThreadCriticalSection lock{0};
     std::list<std::string> directories QBL_GUARDED_BY(lock);
-    // The lists that were ever set. They stay, because other threads may still use them.
+    // All lists that have been set. None is removed, because other threads may still use it.
     std::set<std::string> locales QBL_GUARDED_BY(lock);
 };
 
-// Null means the default of the library.
+// The list in use, an element of Settings::locales; null means "en".
 std::atomic<const char*> g_pLocales{nullptr};
 
 /// Returns the path of the running program; empty if it is not known.
@@ -38,8 +38,7 @@ std::string programPath() {
     return std::string(path, static_cast<std::size_t>(length));
 }
 
-/// Adds the directories that belong to the running program: share/PROGRAM next to its directory,
-/// and its directory.
+/// For a program DIR/bin/PROGRAM, appends DIR/share/PROGRAM and DIR/bin.
 void addOfProgram(std::list<std::string>& directories) {
     const std::string program = programPath();
     const std::size_t name = program.rfind('/');

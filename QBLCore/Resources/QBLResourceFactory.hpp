@@ -19,9 +19,8 @@ class QBLResource;
 ///
 ///  - the directories added by QBLCatalogueSettings::addDirectory();
 ///  - the effective working directory;
-///  - the installation's bin directory, if the library has determined it, as I18NInitialize() and
-///  the
-///    first converter do;
+///  - the installation's bin directory, if the library has determined it; I18NInitialize() and the
+///    first converter do this;
 ///  - share/qblcore next to the library's directory, or next to the parent of that directory;
 ///  - for a program DIR/bin/PROGRAM: DIR/share/PROGRAM, and then DIR/bin.
 ///
@@ -39,8 +38,7 @@ public:
     QBLResourceFactory() = delete;
 
     /// @param localeID  locales in the order of preference, separated by blanks, commas or
-    ///     semicolons; null means
-    ///     QBLCatalogueSettings::getDefaultLocales(), "en" by default
+    ///     semicolons; null means QBLCatalogueSettings::getDefaultLocales(), "en" by default
     /// @param preload  as for QBLResourceBMF
     /// @return the open resource, which the caller passes to release(); null if no file was found
     /// @throws QBLOutOfMemoryError
