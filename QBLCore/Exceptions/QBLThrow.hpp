@@ -11,9 +11,10 @@
 /// Throws the given throwable and adds this place to its back-trace. If there is no memory to make
 /// the throwable, any operation may throw std::bad_alloc instead:
 ///     QBL_THROW(QBLIllegalStateError(0, "QBLThing::stop: not started"));
-/// A throwable that has a name or is known by a reference keeps its dynamic class. A temporary has
-/// the class of the expression. Do not pass std::move() of a reference to a base class, because the
-/// thrown object then has the class of the reference.
+/// If the argument is a variable or a reference, the thrown object has the dynamic class of the
+/// throwable. If the argument is a temporary, the thrown object has the class of the expression. Do
+/// not pass std::move() of a reference to a base class, because the thrown object then has this
+/// base class.
 ///
 /// Threads: any thread may use the macros and functions of this header.
 #define QBL_THROW(...) QBLThrown{(__VA_ARGS__)}.hurl(QBL_HERE, nullptr, "QBL_THROW")
@@ -80,10 +81,10 @@ union QBLThrownValue {
     ~QBLThrownValue() {}
 };
 
-/// The operand of a QBL_THROW that is a temporary. The operand is constructed in this object, and
-/// is destroyed before the throw, so that the frame that throws needs no cleanup. A cleanup would
-/// make the runtime stop at the frame and start to unwind again, which takes longer than making and
-/// copying the throwable.
+/// The operand of QBL_THROW if it is a temporary. The operand is constructed in this object and
+/// destroyed before the throw, so the throwing function needs no cleanup. With a cleanup, the
+/// runtime stops at this function and then starts to unwind again, which takes longer than making
+/// and copying the throwable.
 template <class Error>
 struct QBLThrown {
     QBLThrownValue<Error> value;
@@ -113,7 +114,7 @@ private:
     }
 };
 
-/// The operand of a QBL_THROW that is not a temporary.
+/// The operand of QBL_THROW if it is not a temporary.
 template <class Error>
 struct QBLThrown<Error&> {
     Error& error;

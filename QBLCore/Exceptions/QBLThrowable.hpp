@@ -20,7 +20,8 @@ class I18NString;
 /// another thread in a QBLDeferredThrowable.
 class QBL_API QBLThrowable {
 public:
-    /// The class as which hurl() throws, if a macro of QBLThrowableClass.hpp defines it.
+    /// The class of the object that hurl() throws, if a macro of QBLThrowableClass.hpp defines
+    /// hurl(). In this class it is void; the macros redefine it.
     typedef void QBLHurledAs;
 
     /// @name Making a throwable
@@ -41,7 +42,7 @@ public:
     QBLThrowable(QBLSeverity, const char*) = delete;
     /// Copies everything, including the entries of the back-trace and the cached XML text.
     QBLThrowable(const QBLThrowable& other);
-    /// Takes the texts and the entries of the other throwable, which keeps its number and severity.
+    /// Moves the texts and the trace entries. The other throwable keeps its number and severity.
     QBLThrowable(QBLThrowable&& other) noexcept;
     QBLThrowable& operator=(const QBLThrowable& other);
     virtual ~QBLThrowable();

@@ -48,8 +48,8 @@ bool matches(const char* name, const char* pattern) {
     return *pattern == '\0';
 }
 
-/// A name and its first bytes after the prefix that all names share, as a big-endian number. Most
-/// comparisons look only at the number, so they do not touch the name.
+/// A name, and the first bytes after the prefix that all names share, as a big-endian number. Most
+/// comparisons compare only the numbers and do not read the names.
 struct SortKey {
     std::uint64_t start;
     std::list<std::string>::iterator name;
@@ -65,7 +65,7 @@ struct SortKey {
     }
 };
 
-/// Returns how many bytes all names have in common at their beginning.
+/// Returns the length in bytes of the longest prefix that all names share.
 std::size_t commonPrefix(const std::list<std::string>& names) {
     std::size_t length = names.empty() ? 0 : names.front().size();
     for (const std::string& name : names) {

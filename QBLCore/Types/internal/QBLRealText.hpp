@@ -8,7 +8,7 @@
 
 #include "QBLCore/Types/internal/QBLCharacters.hpp"
 
-/// Writes a number as printf(3) does for "%.6g" or "%.9g" in the C locale, whatever the locale of
+/// Writes a number as printf(3) does for "%.6g" or "%.9g" in the C locale; ignores the locale of
 /// the process. Writes no terminating NUL. The longest text is as long as "-1.23456789e-308".
 /// @param digits  6 or 9
 /// @return the end of the text
@@ -26,7 +26,7 @@ extern template const char* qblReadAnyReal(const char* text, float& value);
 extern template const char* qblReadAnyReal(const char* text, double& value);
 
 /// On 32-bit x86, std::from_chars multiplies integers below 2^53 by powers of ten up to 10^22 in
-/// x87 registers. It rounds the product twice if the product has more than their 64 bits.
+/// x87 registers. A product with more than the 64 bits of such a register is rounded twice.
 template <class Real>
 bool qblMayBeRoundedTwice(Real value) {
     if (sizeof(void*) > 4 || sizeof value < sizeof(double)) return false;
@@ -34,9 +34,10 @@ bool qblMayBeRoundedTwice(Real value) {
     return magnitude >= Real(1e19) && magnitude <= Real(1e38);
 }
 
-/// The same as qblReadAnyReal(), and faster for most texts. That function reads the others: texts
-/// that do not end within the first kShort characters, are words such as "nan", or are refused or
-/// rounded wrongly by std::from_chars.
+/// Returns the same as qblReadAnyReal(), but is faster for most texts. Calls qblReadAnyReal() for
+/// numbers that do not end within the first kShort characters or that an "e" without digits
+/// follows, for words such as "nan", and for numbers that std::from_chars refuses or rounds
+/// wrongly.
 template <class Real>
 [[gnu::always_inline]] inline const char* qblReadReal(const char* text, Real& value) {
     constexpr std::size_t kShort = 64;
