@@ -21,7 +21,7 @@ struct QBLBase64Alphabet {
     std::uint32_t part[4][256];
     static constexpr std::uint32_t kOther = 1U << 24;
 
-    /// The value of each ASCII character in the alphabet, 0x80 for others.
+    /// The value of each ASCII character; 0x80 if the character is not in the alphabet.
     alignas(64) unsigned char strict[128];
 
     // Tables for lookups by byte shuffles, after W. Mula and D. Lemire, "Faster Base64 Encoding and
@@ -37,8 +37,10 @@ struct QBLBase64Alphabet {
     /// The number to add to a character to get its value. The index is the character's upper four
     /// bits, plus kOdd if its entry of `low` has this bit.
     alignas(16) unsigned char toValue[16];
-    /// Marks the lower four bits of the two characters in which alphabets differ, if another
-    /// character in the alphabet has the same upper four bits. Not used in `high`.
+    /// A bit of `low` that gives some characters entries of their own in `toValue`. It is set in
+    /// the entry for the lower four bits of the character for 63. If the upper four bits of the
+    /// characters for 62 and 63 differ, it is also set in the entry for the character for 62.
+    /// `high` does not use this bit.
     static constexpr unsigned char kOdd = 8;
 
     /// Takes the characters for the values 62 and 63. Only these differ between alphabets.

@@ -12,9 +12,10 @@ inline __m128i load(const void* p) { return _mm_loadu_si128(static_cast<const __
 /// Loads the same sixteen bytes into both halves.
 WITH_AVX2 inline __m256i twice(const void* p) { return _mm256_broadcastsi128_si256(load(p)); }
 
-/// Converts two times twelve bytes, at the end of the lower half and at the beginning of the upper
-/// half, to 32 values. The shuffle puts the bytes of two values into each 16-bit word. One
-/// multiplication moves the even values of all words to their places, another one the odd values.
+/// Converts 24 bytes to 32 values. Twelve bytes are at the end of the lower half of the vector, and
+/// twelve bytes at the beginning of the upper half. The shuffle puts the bytes of two values into
+/// each 16-bit word. One multiplication moves the even values of all words to their places, and
+/// another multiplication moves the odd values.
 WITH_AVX2 inline __m256i spread(__m256i data) {
     const __m256i words = _mm256_shuffle_epi8(
         data, _mm256_setr_epi8(5, 4, 6, 5, 8, 7, 9, 8, 11, 10, 12, 11, 14, 13, 15, 14,  //
@@ -43,7 +44,7 @@ WITH_AVX2 inline __m256i load32(const void* p) {
 }
 /// Loads 24 bytes for spread(). Also reads the four bytes before and after them.
 WITH_AVX2 inline __m256i loadAround(const unsigned char* data) { return load32(data - 4); }
-/// The same, but reads nothing else.
+/// Loads the same 24 bytes, but reads no other bytes.
 WITH_AVX2 inline __m256i loadExactly(const unsigned char* data) {
     return _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_slli_si128(load(data), 4)),
                                    _mm_srli_si128(load(data + 8), 4), 1);
@@ -67,7 +68,7 @@ WITH_AVX2 std::size_t encode(const QBLBase64Alphabet& alphabet, const unsigned c
     for (; rest >= 28; rest -= 24, data += 24, out += 32)
         encodeBlock(offsets, loadAround(data), out);
     if (rest == 27) encodeBlock(offsets, loadExactly(data), out);
-    // The last block, which encodes some bytes for the second time.
+    // The last block ends with the last group, and may encode some bytes again.
     const std::size_t groups = rest / 3;
     encodeBlock(offsets, loadExactly(data + groups * 3 - 24), out + groups * 4 - 32);
     return length / 3 * 3;
@@ -80,7 +81,7 @@ struct Decoding {
         : low(twice(alphabet.low)), high(twice(alphabet.high)), toValue(twice(alphabet.toValue)) {}
 };
 
-/// 32 characters, looked up by their halves.
+/// 32 characters, their upper four bits, and the entries of `low` for their lower four bits.
 struct Characters {
     __m256i in, upper, lower;
     __m256i wrong;  ///< 0 in the byte of each character that is in the alphabet

@@ -1,12 +1,13 @@
-// W. Mula and D. Lemire, "Base64 encoding and decoding at almost the speed of a memory copy"
-// (2019), for processors with AVX-512 that look up bytes in tables of 64 and 128 bytes (VBMI).
+// After W. Mula and D. Lemire, "Base64 encoding and decoding at almost the speed of a memory copy"
+// (2019). The instructions of AVX-512 with VBMI look up bytes in tables of 64 and 128 bytes.
 //
-// A block has 48 bytes or 64 characters. Blocks shorter than that are loaded and stored with masks,
-// so nothing outside of the data and the text is touched. Decoding stops exactly before the group
-// that has the first character outside of the alphabet: the table gives such characters the top
-// bit, and so does the character itself if it is not ASCII.
+// A block has 48 bytes or 64 characters. Shorter blocks are loaded and stored with masks, so the
+// code accesses no bytes outside the data and the text. Decoding stops before the group with the
+// first character that is not in the alphabet. If such a character is ASCII, its value in the table
+// has the top bit; otherwise the character itself has the top bit.
 //
-// Masks of 64 bits come from comparisons, because 32-bit code computes them in memory.
+// Comparisons make the masks for loads and stores: 32-bit code would compute 64-bit masks in
+// memory.
 #if defined(__GNUC__) && !defined(__clang__)
 // GCC 12 reports values that its own header leaves undefined on purpose.
 #pragma GCC diagnostic ignored "-Wuninitialized"
@@ -24,7 +25,7 @@ namespace {
 
 constexpr std::size_t kBytes = 48, kCharacters = 64;
 
-/// Numbers of bytes in a vector, for permutations of bytes.
+/// Operands of byte permutations: each element is the index of a byte in a vector.
 struct Orders {
     alignas(64) unsigned char all[64], spread[64], pack[64];
 
@@ -42,14 +43,14 @@ constexpr Orders kOrders;
 WITH_VBMI inline __m512i load(const void* p) { return _mm512_loadu_si512(p); }
 WITH_VBMI inline void store(void* p, __m512i bytes) { _mm512_storeu_si512(p, bytes); }
 
-/// The mask of the first bytes of a vector.
+/// Returns the mask of the first bytes of a vector.
 WITH_VBMI inline __mmask64 first(std::size_t count) {
     return _mm512_cmplt_epu8_mask(load(kOrders.all), _mm512_set1_epi8(static_cast<char>(count)));
 }
 
-/// Encodes 48 bytes. Copies each byte next to the bytes that it shares a value with, moves the six
-/// bits of each value to the lower end of a byte, and looks up the characters. The lookup ignores
-/// the upper two bits.
+/// Encodes 48 bytes. Arranges the three bytes of each group in four bytes so that the bits of each
+/// value are adjacent, moves the six bits of each value to the lower end of a byte, and looks up
+/// the characters. The lookup ignores the upper two bits.
 WITH_VBMI inline __m512i charactersOf(__m512i alphabet, __m512i bytes) {
     const __m512i shifts = _mm512_set1_epi64(0x3036242a1016040a);
     const __m512i words = _mm512_permutexvar_epi8(load(kOrders.spread), bytes);
@@ -71,15 +72,15 @@ WITH_VBMI std::size_t encode(const QBLBase64Alphabet& alphabet, const unsigned c
     return done;
 }
 
-/// Converts 64 values to 48 bytes. Joins two values to twelve bits, then two of these to 24 bits,
-/// and puts the three bytes of each result into order.
+/// Converts 64 values to 48 bytes. Joins each pair of values to twelve bits, then each pair of
+/// these results to 24 bits, and puts the three bytes of each 24-bit result into order.
 WITH_VBMI inline __m512i bytesOf(__m512i values) {
     const __m512i twelve = _mm512_maddubs_epi16(values, _mm512_set1_epi32(0x01400140));
     const __m512i bits = _mm512_madd_epi16(twelve, _mm512_set1_epi32(0x00011000));
     return _mm512_permutexvar_epi8(load(kOrders.pack), bits);
 }
 
-/// Returns the index of the lowest bit, 64 if there is none.
+/// Returns the index of the lowest bit that is set; 64 if no bit is set.
 inline std::size_t lowest(__mmask64 mask) {
     const auto lower = static_cast<std::uint32_t>(mask);
     if (lower != 0) return static_cast<std::size_t>(__builtin_ctz(lower));
@@ -87,14 +88,15 @@ inline std::size_t lowest(__mmask64 mask) {
     return upper != 0 ? 32 + static_cast<std::size_t>(__builtin_ctz(upper)) : 64;
 }
 
-/// A block of 64 characters, looked up.
+/// The values of a block of 64 characters.
 struct Decoded {
-    __m512i values, wrong;  ///< `wrong` has the top bits of characters outside of the alphabet
+    __m512i values, wrong;  ///< `wrong` has the top bit of each character not in the alphabet
 
     WITH_VBMI Decoded(__m512i table, __m512i upperTable, __m512i block)
         : values(_mm512_permutex2var_epi8(table, block, upperTable)),
           wrong(_mm512_or_si512(values, block)) {}
-    /// Does not move a mask of 64 bits to general registers, which is slow at 32 bits.
+    /// Does not move a 64-bit mask to general registers, which is slow in 32-bit code.
+    /// @return true if all characters are in the alphabet
     WITH_VBMI bool isGood() const {
         const __m512i tops = _mm512_set1_epi8(static_cast<char>(0x80));
         return _mm512_test_epi32_mask(wrong, tops) == 0;
@@ -119,7 +121,7 @@ WITH_VBMI std::size_t decode(const QBLBase64Alphabet& alphabet, const char* text
         if (!block.isGood()) return done + block.finish(out);
         _mm512_mask_storeu_epi32(out, threeQuarters, bytesOf(block.values));
     }
-    // The other bytes of the last block are zero, which is not in the alphabet.
+    // The load fills the last block with NULs, which are not in the alphabet.
     const __mmask64 rest = first(length - done);
     const Decoded block(table, upperTable, _mm512_maskz_loadu_epi8(rest, text + done));
     return done + block.finish(out);

@@ -38,11 +38,11 @@ std::uint32_t qblCrc32Products(std::uint32_t reg, const unsigned char* data, std
 inline bool qblCrc32HasProducts() {
     return __builtin_cpu_supports("pclmul") && __builtin_cpu_supports("avx");
 }
-/// Returns the register after a block and the data that follow it, which are few. The register
-/// before the block is already combined with the block.
+/// Returns the register after a block and the data that follow it. The block already includes the
+/// register before the block. Processes 16 bytes at a time, so the data should be short.
 std::uint32_t qblCrc32AfterBlock(__m128i block, const unsigned char* data, std::size_t length);
 
-/// For 128 bytes or more, and only if qblCrc32HasWideProducts() is true.
+/// Does the same as qblCrc32Tables(). Requires: at least 128 bytes, and qblCrc32HasWideProducts().
 std::uint32_t qblCrc32WideProducts(std::uint32_t reg, const unsigned char* data,
                                    std::size_t length);
 inline bool qblCrc32HasWideProducts() {
@@ -50,14 +50,16 @@ inline bool qblCrc32HasWideProducts() {
            __builtin_cpu_supports("pclmul");
 }
 
-/// For 256 bytes or more, and only if qblCrc32HasWidestProducts() is true.
+/// Does the same as qblCrc32Tables(). Requires: at least 256 bytes, and
+/// qblCrc32HasWidestProducts().
 std::uint32_t qblCrc32WidestProducts(std::uint32_t reg, const unsigned char* data,
                                      std::size_t length);
 inline bool qblCrc32HasWidestProducts() {
     return qblCrc32HasWideProducts() && __builtin_cpu_supports("avx512f");
 }
 
-/// Returns the fastest code that this processor has for kQBLCrc32Long bytes or more.
+/// The minimum length for the function that qblCrc32LongKernel() returns, which is the fastest one
+/// of the processor.
 constexpr std::size_t kQBLCrc32Long = 256;
 inline auto qblCrc32LongKernel() {
     if (qblCrc32HasWidestProducts()) return &qblCrc32WidestProducts;

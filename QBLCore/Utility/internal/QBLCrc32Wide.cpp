@@ -1,7 +1,8 @@
 // The algorithm of QBLCrc32Products.cpp, for processors that multiply two or four blocks with one
-// instruction (VPCLMULQDQ), with AVX2 or AVX-512. Four vectors advance side by side, each past the
-// other three. At the end, each vector is moved over the next one, and then each block of the last
-// vector over the next block. qblCrc32AfterBlock() takes the bytes that do not fill a vector.
+// instruction (VPCLMULQDQ with AVX2 or AVX-512). The loop moves four vectors at a time, each past
+// the other three vectors. After the loop, each vector is moved onto the next vector and combined
+// with it, and then each block of the last vector onto the next block. qblCrc32AfterBlock()
+// processes the bytes that do not fill a vector.
 #if defined(__GNUC__) && !defined(__clang__)
 // GCC 12 reports values that its own header leaves undefined on purpose.
 #pragma GCC diagnostic ignored "-Wuninitialized"
@@ -44,7 +45,7 @@ WITH_WIDEST_PRODUCTS inline __m512i fold(__m512i blocks, __m512i by, __m512i nex
                                      _mm512_clmulepi64_epi128(blocks, by, 0x11), next, kXorOfThree);
 }
 
-/// Moves the first block over the second.
+/// Moves the first block onto the second block, and combines both.
 WITH_WIDE_PRODUCTS inline __m128i join(__m256i blocks) {
     const __m128i first = _mm256_castsi256_si128(blocks), by = factors<16>();
     return _mm_xor_si128(_mm256_extracti128_si256(blocks, 1),
