@@ -94,8 +94,8 @@ enum I18NByteOrderMark {
 ///     stream.finish();
 ///     write(stream.getBytes(), stream.getByteCount());
 ///
-/// Memory: as much as the largest block needs, kept for the blocks that follow. The process keeps
-/// up to 1 MB for each of the encodings that streams used last, at most eight in each direction.
+/// Memory: the stream keeps the memory that its largest block needed. The process also keeps up to
+/// 1 MB for each of the last eight encodings of inputs and the last eight encodings of outputs.
 ///
 /// Errors: QBLOutOfMemoryError, and I18NRuntimeError with I18N_CONVERSION if a policy refuses a
 /// character; the message tells where. Any error of put() or finish() ends the stream. The output

@@ -9,13 +9,14 @@
 
 namespace {
 
-// Follows a character to show that the converter is in its initial state again.
+// Converted after each character, to check that the converter is in its initial state again.
 constexpr char16_t kNext = 'A';
 constexpr char16_t kNone = 0xFFFF;
 
 constexpr int kRoom = 32;
 
-// ICU must take all of the text at once, without an error, and keep nothing of it.
+// Returns true if ICU converts the whole text in one call without an error, and keeps no part of
+// it.
 bool isAllDecoded(UConverter* icu, const char* bytes, int length, UChar*& at, const UChar* limit) {
     UErrorCode status = U_ZERO_ERROR;
     ucnv_toUnicode(icu, &at, limit, &bytes, bytes + length, nullptr, false, &status);
@@ -43,7 +44,7 @@ I18NCodeQuestions::I18NCodeQuestions(const UConverter* icu)
     ucnv_setToUCallBack(m_pICU.get(), UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
     ucnv_setFromUCallBack(m_pICU.get(), UCNV_FROM_U_CALLBACK_STOP, nullptr, nullptr, nullptr,
                           &status);
-    // There is such a converter already, so only memory can be missing.
+    // A converter with this name exists, so only a lack of memory can cause a failure.
     if (U_FAILURE(status)) qblThrowNoMemory(QBL_HERE);
     ucnv_setFallback(m_pICU.get(), ucnv_usesFallback(icu));
 }

@@ -8,42 +8,44 @@
 
 #include "i18n/cpp/converter/i18n_plain_ascii.hpp"
 
-/// What the bytes of a character mean at the start of a text.
+/// The meaning of a sequence of bytes at the start of a text.
 struct I18NSequence {
     enum class Kind {
         kUnit,   ///< a character of one UTF-16 unit
-        kLead,   ///< the beginning of longer sequences
-        kOther,  ///< anything else: ICU has to convert the text from here on
-        kAgain   ///< ICU has no memory for the answer
+        kLead,   ///< the beginning of a longer sequence
+        kOther,  ///< anything else; ICU must convert it
+        kAgain   ///< ICU lacked memory; a later call may succeed
     };
     Kind kind;
     char16_t unit;
 };
 
-/// Asks an ICU converter about single characters. An answer that names a character or its bytes
-/// holds anywhere between two characters of a text: ICU converts the character alone, holds nothing
-/// back, and is in its initial state again.
+/// Asks an ICU converter how it converts single characters. If the answer is a character or its
+/// bytes, it is valid at every place of a text where a character begins: ICU has converted the
+/// character by itself, has kept nothing, and is in its initial state again.
 ///
-/// Threads: one at a time for each object.
+/// Threads: one thread at a time may use an object.
 class I18NCodeQuestions {
 public:
     /// Returns true if a character always has the same bytes: the encoding has no shift states, and
-    /// ICU converts it by tables of single characters, perhaps with a few combinations.
+    /// ICU converts it by tables of single characters and, for some encodings, of a few
+    /// combinations.
     static bool mayAsk(const UConverter* icu);
 
-    /// @param icu  mayAsk() is true; the questions are for another converter with its name
+    /// Opens another converter with the same name and the same setting for fallbacks.
+    /// @param icu  a converter for which mayAsk() is true
     /// @throws QBLOutOfMemoryError
     explicit I18NCodeQuestions(const UConverter* icu);
 
-    /// Asks about each ASCII character in both directions.
-    /// @return false if the encoding has too few of them
+    /// Finds the ASCII characters that ICU converts to their own bytes and back.
+    /// @return false if too many ASCII characters are different
     bool findPlainASCII(I18NPlainASCII& plain);
     /// @param length  1 to kMostBytes
     I18NSequence decode(const char* bytes, int length);
-    /// Without fallback, the bytes must also decode to the unit.
+    /// If the converter uses no fallbacks, the bytes must also decode to the unit.
     /// @param unit  not a surrogate
-    /// @param length  receives the number of bytes; 0 if ICU has to convert the unit, below 0 if it
-    ///     has no memory for the answer
+    /// @param length  receives the number of bytes; 0 if ICU must convert the unit, below 0 if ICU
+    ///     lacked memory
     void encode(char16_t unit, char (&bytes)[4], int& length);
 
     static constexpr int kMostBytes = 4;

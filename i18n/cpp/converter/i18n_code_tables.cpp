@@ -13,8 +13,9 @@
 
 namespace {
 
-/// The tables that were used last. Streams share them and keep theirs, so that texts which follow
-/// each other ask about each character only once.
+/// Keeps the tables that were used last, so that a table's answers serve many texts. Streams and
+/// converters with the same encoding share a table. A stream keeps its table, even after the shelf
+/// has dropped it.
 template <class Table>
 class Shelf {
 public:
@@ -41,7 +42,7 @@ private:
     struct Shelved {
         std::string name;
         bool fits;
-        std::shared_ptr<Table> table;  // null if the encoding permits none
+        std::shared_ptr<Table> table;  // null if too many ASCII characters are different
     };
     static std::shared_ptr<Table> make(const UConverter* icu) {
         I18NCodeQuestions questions(icu);
@@ -52,7 +53,7 @@ private:
 
     static constexpr std::size_t kMost = 8;
     QBLThreadCriticalSection m_lock;
-    std::vector<Shelved> m_shelved QBL_GUARDED_BY(m_lock);  // the last used is the first
+    std::vector<Shelved> m_shelved QBL_GUARDED_BY(m_lock);  // the table used last comes first
 };
 
 }  // namespace

@@ -15,20 +15,22 @@
 
 /// Tables that convert single characters of an encoding without ICU.
 ///
-/// A table knows nothing but what an ICU converter has answered (I18NCodeQuestions), and asks about
-/// a character when a text has it for the first time. So it converts each character as ICU does.
-/// It stops before everything else: sequences that are malformed or unassigned, characters with
-/// more than one UTF-16 unit, and characters that may combine with the next one. ICU has to convert
-/// these, in its own state, and the table may continue when ICU holds nothing back.
+/// A table contains only answers of an ICU converter (I18NCodeQuestions). It asks about a character
+/// when a text contains this character for the first time. So it converts each character as ICU
+/// does. It stops before all other text: sequences that are malformed or unassigned, characters
+/// with more than one UTF-16 unit, and characters that ICU may combine with the next one. The
+/// caller then lets its own ICU converter convert this text. The table may continue when that
+/// converter holds nothing back.
 ///
-/// Blocks of ASCII characters are converted at once. Those whose own bytes express them are also
-/// found by asking. A byte of ASCII may be a later byte of a character (in Shift_JIS, GB18030 and
-/// Big5), so a block begins only where a character begins.
+/// Blocks of ASCII characters are converted at once. The table also asks which ASCII characters
+/// have their own bytes in the encoding. A later byte of a character may be equal to an ASCII
+/// character (in Shift_JIS, GB18030 and Big5), so a block begins only where a character begins.
 ///
-/// Threads: any number of threads may use a table. An entry is 0 until a thread has the answer; it
-/// then never changes, and depends on nothing else in memory. So it needs no memory order.
+/// Threads: any number of threads may use a table. An entry is 0 until a thread has stored the
+/// answer, and then never changes. A thread that still reads 0 asks again and gets the same answer,
+/// so loads and stores are relaxed.
 
-/// Zeroed memory, which takes pages only where entries are written.
+/// Entries that are 0 at first. Only pages with written entries take memory.
 template <class Entry>
 class I18NTableEntries {
 public:
@@ -50,13 +52,14 @@ class I18NDecodingTable {
 public:
     I18NDecodingTable(I18NCodeQuestions&& questions, const I18NPlainASCII& plain);
 
-    /// The table for a converter, with its present setting for fallbacks; null if the encoding
-    /// permits none. @throws QBLOutOfMemoryError
+    /// Returns the table for the encoding of a converter and for its current setting for fallbacks;
+    /// null if a table cannot serve the encoding.
+    /// @throws QBLOutOfMemoryError
     static std::shared_ptr<I18NDecodingTable> of(const UConverter* icu);
 
     const I18NPlainASCII& plain() const { return m_plain; }
-    /// Converts characters, and advances the pointers. Stops before a character that is cut off or
-    /// that ICU has to convert, and when the text is full.
+    /// Converts characters, and advances the pointers. Stops before a character that is truncated
+    /// or that ICU must convert, and when there is no more room for text.
     void decode(const char*& bytes, const char* end, char16_t*& text, const char16_t* limit);
 
 private:
@@ -68,7 +71,7 @@ private:
                     const char16_t* limit);
 
     const I18NPlainASCII m_plain;
-    bool m_bSingle = true;  // no character has two bytes
+    bool m_bSingle = true;  // each character has one byte
     I18NSingleBytes m_singles;
     I18NTableEntries<std::uint16_t> m_entries;
     QBLThreadCriticalSection m_lock;
@@ -84,8 +87,8 @@ public:
     static std::shared_ptr<I18NEncodingTable> of(const UConverter* icu);
 
     const I18NPlainASCII& plain() const { return m_plain; }
-    /// Converts characters, and advances the pointers. Stops before a character that ICU has to
-    /// convert, and once fewer than kRoom bytes of room are left.
+    /// Converts characters, and advances the pointers. Stops before a character that ICU must
+    /// convert, and when there is room for fewer than kRoom bytes.
     void encode(const char16_t*& text, const char16_t* end, char*& bytes, const char* limit);
 
     static constexpr std::ptrdiff_t kRoom = 16;

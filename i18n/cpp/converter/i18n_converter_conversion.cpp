@@ -27,14 +27,15 @@ void report(I18NErrorCodes code, I18NErrorCodes* error) {
         QBL_THROW(I18NRuntimeError(code, nullptr));
 }
 
-// @param isPending  ICU holds output that did not fit
+// Returns the function for a conversion.
+// @param isPending  true if ICU holds output that did not fit; the tables are then not used
 auto runner(bool isInput, bool isPending) {
     if (isPending) return isInput ? i18nToUnicode : i18nFromUnicode;
     return isInput ? i18nToUnicodeByTable : i18nFromUnicodeByTable;
 }
 
-// The part of a source to convert, and the bytes of the NUL after it that the caller need not pass
-// again.
+// The part of a source to convert. nullSize is the size of the NUL after this part, which a stream
+// counts as consumed; 0 if there is no NUL.
 struct Source {
     const char* begin;
     const char* end;

@@ -1,8 +1,9 @@
-// The entries form a trie. The entry of a byte in a node is a character's unit XOR kMark, or the
-// number of the node for the next byte. A unit is never a surrogate, so no entry of a unit is below
-// kNodes. Two nodes have no branches of their own: kUnknown, which all entries are at first, and
-// kByIcu. All entries of each are its own number. So a look-up may follow them like other nodes,
-// and checks the last entry alone.
+// The entries form a trie. A node has an entry for each value of a byte. The entry is the unit of a
+// character XOR kMark, or the number of the node for the next byte. A unit is never a surrogate, so
+// an entry below kNodes is not a unit. The number of the node after a first byte is kPairs plus
+// this byte, so one look-up with two bytes finds a character of two bytes. Two numbers do not lead
+// to another node: kUnknown, the value of all entries at first, and kByIcu, for sequences that ICU
+// must convert.
 
 #include <utility>
 
@@ -53,7 +54,7 @@ void I18NDecodingTable::set(unsigned node, unsigned char byte, unsigned entry) {
     m_entries.set(node * kBranches + byte, static_cast<std::uint16_t>(entry));
 }
 
-/// @param end  of a sequence whose entry was unknown
+/// Asks about a sequence whose entry was kUnknown, and stores the answer unless ICU lacks memory.
 /// @return the entry
 unsigned I18NDecodingTable::ask(const unsigned char* at, const unsigned char* end) {
     QBLThreadGuard guard(m_lock);
@@ -75,7 +76,7 @@ unsigned I18NDecodingTable::ask(const unsigned char* at, const unsigned char* en
 }
 
 /// Decodes one character.
-/// @return false if the table has no whole character here
+/// @return false if ICU must convert the character, or if the character is truncated
 bool I18NDecodingTable::decodeOne(const unsigned char*& at, const unsigned char* end,
                                   char16_t*& text) {
     if (m_plain.has(*at)) {
@@ -95,7 +96,7 @@ bool I18NDecodingTable::decodeOne(const unsigned char*& at, const unsigned char*
 }
 
 /// Decodes most of a text: runs of ASCII at once, and characters of two bytes in few instructions.
-/// @return false where the table has no character
+/// @return false if it has stopped where decodeOne() returns false
 bool I18NDecodingTable::decodeRuns(const unsigned char*& bytes, const unsigned char* end,
                                    char16_t*& text, const char16_t* limit) {
     const I18NPlainBlocks plain(m_plain);
@@ -106,7 +107,8 @@ bool I18NDecodingTable::decodeRuns(const unsigned char*& bytes, const unsigned c
         const __m128i block = load(at);
         widen(block, to);
         const unsigned others = plain.others(block);
-        if (others == 0) {  // so that the next block does not wait for the length of this run
+        // This branch lets the processor start the next block before it has counted this run.
+        if (others == 0) {
             at += kBlock;
             to += kBlock;
             continue;

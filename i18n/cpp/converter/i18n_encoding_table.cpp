@@ -1,5 +1,5 @@
-// An entry has the bytes of a character, the first in the lowest bits. None of them is 0, so the
-// highest that is not 0 tells their number.
+// An entry contains the bytes of a character, the first byte in the lowest bits. No byte is 0, so
+// the highest byte that is not 0 shows how many bytes there are.
 
 #include <algorithm>
 #include <cstring>
@@ -21,7 +21,8 @@ bool hasBytes(std::uint32_t entry) { return (entry & 0xFF) != 0; }
 
 void put(std::uint32_t entry, char*& bytes) {
     std::memcpy(bytes, &entry, sizeof entry);
-    // Branches are faster than arithmetic, which would make each character wait for the one before.
+    // Branches are faster than arithmetic, with which the place of each character would depend on
+    // the entry of the previous character.
     bytes += entry < 0x10000 ? (entry < 0x100 ? 1 : 2) : entry < 0x1000000 ? 3 : 4;
 }
 
@@ -37,7 +38,7 @@ std::uint32_t I18NEncodingTable::ask(char16_t unit) {
     char bytes[I18NCodeQuestions::kMostBytes] = {};
     int length = 0;
     QBLThreadGuard guard(m_lock);
-    // Two threads may ask the same. They get the same answer.
+    // Two threads may ask about the same unit, and then get the same answer.
     if (!i18nIsHigh(unit) && !i18nIsLow(unit)) m_questions.encode(unit, bytes, length);
     std::uint32_t entry = kByIcu;
     if (length > 0) std::memcpy(&entry, bytes, sizeof entry);
@@ -60,12 +61,13 @@ void I18NEncodingTable::encode(const char16_t*& text, const char16_t* end, char*
     while (isByTable && end - at >= kBlock && to <= last) {
         const __m128i low = load(at), high = load(at + kBlock / 2);
         // Packing turns a unit above 0xFF into 0xFF, and a unit above 0x7FFF, which is negative,
-        // into 0. The sign of the unit detects the latter.
+        // into 0. `signs` detects the latter.
         const __m128i packed = _mm_packus_epi16(low, high);
         const auto signs = static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(low, high)));
         store(to, packed);
         const unsigned others = plain.others(packed) | signs;
-        if (others == 0) {  // no block waits for the length of the run before it
+        // This branch lets the processor start the next block before it has counted this run.
+        if (others == 0) {
             at += kBlock;
             to += kBlock;
             continue;

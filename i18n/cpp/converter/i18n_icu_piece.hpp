@@ -4,15 +4,17 @@
 #include <algorithm>
 #include <cstddef>
 
-/// How much text ICU gets where the conversion without ICU has stopped; that continues after it.
-/// Calls of ICU take long. So the pieces grow while there is little between them.
+/// The size of the next piece of text for ICU. Where the conversion without ICU stops, ICU converts
+/// one piece, and then the conversion without ICU continues. A call of ICU takes long, so the
+/// pieces grow while little text is converted between them.
 class I18NIcuPiece {
 public:
     /// @param passed  bytes or units converted without ICU since the last piece
     void choose(std::ptrdiff_t passed) {
         m_iSize = passed >= m_iSize ? kLeast : std::min(2 * m_iSize, kMost);
     }
-    /// @param isUnfinished  ICU has kept the start of a character; it gets no more than its end
+    /// @param isUnfinished  true if ICU keeps the start of a character. ICU then gets one byte or
+    ///     unit at a time, so that it gets nothing after this character
     std::ptrdiff_t size(bool isUnfinished) const { return isUnfinished ? 1 : m_iSize; }
 
 private:

@@ -6,12 +6,13 @@
 #include <algorithm>
 #include <iterator>
 
-/// The ASCII characters that an encoding expresses by their own bytes: all but a few. Such bytes
-/// mean these characters wherever a character begins; they may also be later bytes of others.
+/// The ASCII characters whose bytes in an encoding are the same as in ASCII: all except a few. Such
+/// a byte means this character if a character begins with it. It may also be a later byte of
+/// another character.
 class I18NPlainASCII {
 public:
-    /// Takes out one character.
-    /// @return false if too many are out
+    /// Excludes a character.
+    /// @return false if kMostOdd characters are already excluded
     bool exclude(unsigned char c) {
         auto* const free = std::find(std::begin(m_odd), std::end(m_odd), kNone);
         if (free == std::end(m_odd)) return false;
@@ -29,14 +30,14 @@ private:
     unsigned char m_odd[kMostOdd] = {kNone, kNone, kNone};
 };
 
-/// Finds these characters in blocks.
+/// Finds these characters in blocks of 16 bytes.
 class I18NPlainBlocks {
 public:
     explicit I18NPlainBlocks(const I18NPlainASCII& plain)
         : m_bIsAll(plain.odd()[0] >= 0x80),
           m_odd{all(plain.odd()[0]), all(plain.odd()[1]), all(plain.odd()[2])} {}
 
-    /// Returns a bit for each byte of a block that is none of them.
+    /// Returns a mask in which the bits of all other bytes are set.
     unsigned others(__m128i block) const {
         if (!m_bIsAll) {
             const __m128i odd = _mm_or_si128(

@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-/// The characters of an encoding in which each has one byte. Bytes that have none, or whose
-/// character ICU has to convert, have kNone, which is a surrogate.
+/// The UTF-16 units of all bytes, for an encoding in which each character has one byte. If a byte
+/// has no character, or if ICU must convert it, its unit is kNone, a surrogate.
 struct I18NSingleBytes {
     static constexpr char16_t kNone = 0xD800;
 
@@ -15,10 +15,10 @@ struct I18NSingleBytes {
     }
 
     char16_t units[0x100];
-    std::uint8_t lower[0x100], upper[0x100];  // the same as bytes
+    std::uint8_t lower[0x100], upper[0x100];  // the bytes of the units
 };
 
-/// What a decoder has left to do.
+/// The bytes that remain to be decoded, and the room for their units.
 struct I18NSinglesDecoding {
     const unsigned char* at;
     const unsigned char* end;
@@ -26,11 +26,11 @@ struct I18NSinglesDecoding {
     char16_t* limit;
 };
 using I18NSinglesDecoder = void (*)(I18NSinglesDecoding&, const I18NSingleBytes&);
-/// Decodes whole blocks, and advances the pointers. Stops before a block that has kNone.
+/// Decodes whole blocks, and advances the pointers. Stops before a block with a unit that is kNone.
 void i18nDecodeSingles(I18NSinglesDecoding& decoding, const I18NSingleBytes& table);
-/// The same with larger blocks. Requires: i18nHasWidestBlocks() is true.
+/// Does the same with larger blocks. Requires: i18nHasWidestBlocks() is true.
 void i18nDecodeWidestSingles(I18NSinglesDecoding& decoding, const I18NSingleBytes& table);
-/// The best of these for this processor.
+/// Returns the best of these functions for this processor.
 I18NSinglesDecoder i18nSinglesDecoder();
 
 #endif

@@ -1,5 +1,5 @@
-// Looks up 64 bytes at once. The instruction takes seven bits of an index, so each half of a table
-// is looked up, and the top bit of the byte chooses the result.
+// Looks up 64 bytes at once. The lookup instruction uses seven bits of each index. So the code
+// looks up in both halves of a table, and the top bit of each byte chooses the result.
 #if defined(__GNUC__) && !defined(__clang__)
 // GCC 12 reports values that its own header leaves undefined on purpose.
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
@@ -35,8 +35,8 @@ I18N_WITH_WIDEST_BLOCKS void i18nDecodeWidestSingles(I18NSinglesDecoding& decodi
                                                      const I18NSingleBytes& table) {
     const Table lower = tableOf(table.lower), upper = tableOf(table.upper);
     const __m512i none = _mm512_set1_epi8(static_cast<char>(I18NSingleBytes::kNone >> 8));
-    // Puts the lower and upper bytes of the units next to each other, within each 128 bits. The
-    // words are in the order that this needs.
+    // The unpack instructions below combine lower and upper bytes to units within each 128 bits.
+    // With this order of the 64-bit words, the units are in the order of the bytes.
     const __m512i order = _mm512_set_epi64(7, 3, 6, 2, 5, 1, 4, 0);
     I18NSinglesDecoding now = decoding;
     for (; now.end - now.at >= kBlock && now.limit - now.out >= kBlock; now.at += kBlock) {

@@ -12,7 +12,8 @@
 
 namespace {
 
-// Finding a table takes as long as ICU for some hundred bytes.
+// ICU converts all shorter texts. Looking for a table takes as long as ICU takes for some hundred
+// bytes.
 constexpr std::ptrdiff_t kLong = 2048;
 
 bool isAligned(const char* units) {
@@ -27,7 +28,7 @@ struct FromUnicode {
     static int pending(const UConverter* icu, UErrorCode& status) {
         return ucnv_fromUCountPending(icu, &status);
     }
-    /// ICU alone writes near the end, where a character may be cut off.
+    /// Near the end of the room ICU converts the text, because ICU keeps bytes that do not fit.
     static bool isNearEnd(const char* at, const char* limit) { return limit - at < Table::kRoom; }
     static void convert(Table& table, const UChar*& source, const UChar* end, char*& at,
                         char* limit) {
@@ -52,7 +53,7 @@ struct ToUnicode {
     }
 };
 
-/// Returns null if there is no memory for a table, since ICU needs none.
+/// Returns null if there is no memory for a table: ICU then converts the text alone.
 template <class Table>
 std::shared_ptr<Table> tableOf(const UConverter* icu) {
     try {

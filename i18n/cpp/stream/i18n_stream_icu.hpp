@@ -22,7 +22,8 @@ bool i18nIsMarkedUTF16(const UConverter* icu);
 bool i18nIsLMBCS(UConverterType type);
 I18NStreamForm i18nFormOf(const UConverter* icu);
 
-/// The plain ASCII of a form, or of an encoding's table if there is one; else null.
+/// Returns the ASCII characters that have their own bytes in UTF-8, or in the encoding of a table;
+/// null for UTF-16, and for other encodings without a table.
 template <class Table>
 const I18NPlainASCII* i18nPlainOf(I18NStreamForm form, const Table* table) {
     static const I18NPlainASCII kAll;

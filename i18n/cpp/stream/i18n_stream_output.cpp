@@ -79,7 +79,8 @@ const I18NPlainASCII* I18NStreamOutput::plain() const {
     return m_bUnfinished ? nullptr : i18nPlainOf(m_form, m_pTable.get());
 }
 
-// Replaces characters for which ICU would not ask a policy by a character for which it does.
+// Replaces each character about which ICU would not ask the policy by a character about which ICU
+// asks.
 void I18NStreamOutput::mask(char16_t* text, const char16_t* end) {
     const std::int64_t decided = m_iUnits - undecided();
     const auto isOver = [&](const Masked& masked) { return masked.at < decided; };

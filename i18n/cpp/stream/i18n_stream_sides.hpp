@@ -63,7 +63,7 @@ enum class I18NProgress {
 /// Well-formed text in the first two forms is converted without ICU.
 enum class I18NStreamForm { kUTF8, kUTF16, kOther };
 
-/// A buffer of bytes that grows and is used again.
+/// A buffer of bytes that grows and is reused.
 class I18NStreamBuffer {
 public:
     I18NStreamBuffer() = default;
@@ -101,10 +101,10 @@ public:
     /// @throws QBLOutOfMemoryError, I18NRuntimeError
     I18NProgress decode(const char*& at, const char* end, bool flush, char16_t*& text,
                         const char16_t* limit);
-    /// The ASCII characters that may be copied from here on; null if there are none, also while ICU
-    /// has kept the start of a character.
+    /// Returns the ASCII characters that the stream may copy instead of decoding them. Returns null
+    /// if there are none, or while ICU keeps the start of a character.
     const I18NPlainASCII* plain() const;
-    /// Takes note of ASCII that was copied.
+    /// Advances the positions past ASCII bytes that the stream has copied.
     void pass(const char* at, std::size_t size);
     /// Makes offsets count from the second unit of the text.
     void dropFirstUnit();
@@ -179,7 +179,7 @@ public:
     /// @param text  changed where characters are hidden from ICU
     /// @throws QBLOutOfMemoryError, I18NRuntimeError
     I18NProgress encode(char16_t* text, const char16_t* end, bool flush, I18NStreamBuffer& bytes);
-    /// As for the input.
+    /// plain() and pass() work as in I18NStreamInput.
     const I18NPlainASCII* plain() const;
     void pass(std::size_t size) { m_iUnits += static_cast<std::int64_t>(size); }
     /// The finding that the policy has refused.

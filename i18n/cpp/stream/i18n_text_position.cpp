@@ -57,8 +57,8 @@ constexpr std::ptrdiff_t kBlock = 2 * kStep;
 // Each of 16 8-bit counters counts every 16th unit.
 constexpr std::ptrdiff_t kMostBlocks = 0xFF;
 
-// Counts the LFs of whole blocks. Packing keeps LF and CR, and makes nothing else to these.
-// @param hasCR  set if there is a CR
+// Counts the LFs of whole blocks. Packing keeps LF and CR, and turns no other unit into LF or CR.
+// @param hasCR  receives true if there is a CR
 int countLF(const char16_t* at, const char16_t* end, bool& hasCR) {
     const __m128i lf = _mm_set1_epi8('\n'), cr = _mm_set1_epi8('\r');
     __m128i counters = _mm_setzero_si128(), crs = _mm_setzero_si128();
@@ -72,7 +72,7 @@ int countLF(const char16_t* at, const char16_t* end, bool& hasCR) {
     return _mm_cvtsi128_si32(sums) + _mm_extract_epi16(sums, 4);
 }
 
-// Most texts have LF alone.
+// Counts line ends. In most texts all line ends are LF, and countLF() is enough.
 int countLines(const char16_t* at, const char16_t* end, char16_t before) {
     int lines = 0;
     while (end - at >= kBlock) {

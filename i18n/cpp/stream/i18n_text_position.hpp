@@ -10,7 +10,8 @@ class I18NTextPosition {
 public:
     /// Advances over a piece of the text: at most kMost units, cut anywhere.
     void pass(const char16_t* begin, const char16_t* end);
-    /// Advances over ASCII bytes, in which this many lines end; an LF after a CR ends no line.
+    /// Advances over ASCII bytes.
+    /// @param lines  number of line ends in the bytes; an LF after a CR is not another line end
     void passASCII(const char* begin, const char* end, std::size_t lines);
     bool isAfterCR() const { return m_cBefore == u'\r'; }
     /// Advances over a sequence that counts as one column, whatever replaces it in the text.

@@ -140,8 +140,8 @@ void I18NTextStreamState::decode(const char* at, const char* end, bool flush) {
     }
 }
 
-// Copies a run of ASCII from the input to the output, without the buffer for text. No text may wait
-// in that buffer or in a converter, so that the run comes after all text before it.
+// Copies a run of ASCII directly from the input to the output. Does nothing while other text waits
+// in the text buffer or in a converter, because that text must be output first.
 void I18NTextStreamState::copyASCII(const char*& at, const char* end) {
     if (m_pOutput == nullptr || m_iKept + m_iHeld > 0 || m_iCounted != m_iStart) return;
     const I18NPlainASCII* const from = m_pInput->plain();

@@ -155,7 +155,8 @@ bool decodePlainly(I18NDecoding& decoding, const unsigned char* until) {
     return true;
 }
 
-/// Decodes well-formed sequences and NULs up to the one that reaches `until`.
+/// Decodes well-formed sequences and NULs until `bytes` reaches `until`. Stops earlier at malformed
+/// text, and near the end of the bytes or of the room.
 void decodeWellFormed(const unsigned char*& bytes, const unsigned char* end, char16_t*& out,
                       const char16_t* limit, const unsigned char* until) {
     const unsigned char* p = bytes;
@@ -235,7 +236,7 @@ void i18nDecodeWellFormedUTF8(const char*& bytes, const char* end, char16_t*& ou
         if (kernel != nullptr) kernel(decoding);
         at = decoding.at;
         out = decoding.out;
-        // The kernel also stops at a NUL and near the end.
+        // The kernel also stops at a NUL and near the end. So a few bytes are decoded without it.
         const std::ptrdiff_t some = kernel != nullptr ? std::min<std::ptrdiff_t>(32, most) : most;
         decodeWellFormed(at, endByte, out, limit, decoding.at + std::min(some, endByte - at));
     }
