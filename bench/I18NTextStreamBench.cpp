@@ -13,9 +13,9 @@
 #include "bench/support/Texts.hpp"
 #include "i18n/cpp/i18n_converter.hpp"
 
-// Converts texts of 64 KiB between an encoding and UTF-8: HTML of which half the bytes are ASCII,
-// in short runs, and plain ASCII. The yardstick converts a whole text to UTF-16 and that to bytes.
-// It keeps its converters and buffers, and the stream is made for each text.
+// Converts texts of 64 KiB between an encoding and UTF-8: plain ASCII, and HTML with half of its
+// bytes in short runs of ASCII. The yardstick converts the whole text to UTF-16 and then to bytes.
+// It keeps its converters and buffers, but a new stream is made for each text.
 
 namespace {
 
@@ -34,7 +34,7 @@ IcuConverter open(const char* encoding) {
 
 constexpr std::size_t kText = 1 << 16;
 
-/// The characters beyond ASCII that a prose has in an encoding.
+/// Returns the characters of a prose that are not ASCII, in an encoding that may lack some of them.
 std::vector<std::string> foreignIn(const char* encoding, Script script) {
     const IcuConverter icu = open(encoding);
     std::vector<std::string> foreign;
@@ -47,7 +47,7 @@ std::vector<std::string> foreignIn(const char* encoding, Script script) {
     return foreign;
 }
 
-/// @param run  the most characters between two pieces of ASCII
+/// @param run  maximum number of characters between two pieces of ASCII
 std::string htmlIn(const char* encoding, Script script, std::size_t run) {
     static const char* const kPieces[] = {"<p>",
                                           "</p>\n",
@@ -79,7 +79,7 @@ std::string htmlIn(const char* encoding, Script script, std::size_t run) {
     return text;
 }
 
-/// A text in two encodings, and room for the results of the yardstick.
+/// A text in one encoding, the encoding to convert it to, and buffers of the yardstick.
 struct Text {
     Text(const std::string& source, const char* fromName, const char* toName)
         : from(fromName),

@@ -35,7 +35,7 @@ struct Ours {
     }
 };
 
-/// The code for other processors.
+/// The code that is used on processors with fewer instructions.
 template <const QBLBase64Kernels& kKernels>
 struct Level {
     static int encode(char* out, const std::vector<unsigned char>& data) {

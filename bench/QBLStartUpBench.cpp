@@ -1,4 +1,4 @@
-// Starts the programs that bench/tools/Start.cpp is compiled to. The time of a benchmark is the
+// Starts the programs that are compiled from bench/tools/Start.cpp. The time of a benchmark is the
 // time from just before the start of the program to its main().
 #include <fcntl.h>
 #include <link.h>
@@ -19,7 +19,8 @@ extern char** environ;
 
 namespace {
 
-/// Returns the path of a program or library, which is relative to the folder of this program.
+/// Returns the absolute path of a file.
+/// @param relative  relative to the folder of this program
 std::string pathOf(const std::string& relative) {
     char self[4096];
     const ssize_t length = readlink("/proc/self/exe", self, sizeof self);
@@ -29,7 +30,7 @@ std::string pathOf(const std::string& relative) {
 
 using Figures = std::map<std::string, double>;
 
-/// Runs a program and returns the figures that it prints. Returns none if it fails.
+/// Runs a program and returns the figures that it prints; no figures if the program fails.
 Figures start(const std::string& program) {
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) != 0) return {};
@@ -81,7 +82,7 @@ BENCHMARK_CAPTURE(BM_StartUp, icu, "icu")->UseManualTime();
 BENCHMARK_CAPTURE(BM_StartUp, qt, "qt")->UseManualTime();
 BENCHMARK_CAPTURE(BM_StartUp, qblcore, "qblcore")->UseManualTime();
 
-/// What the program headers and the dynamic section of a shared object of this process say.
+/// The size and the number of relocations of a shared object that this process has loaded.
 struct SharedObject {
     const char* name;
     double bytes, relocations;

@@ -1,6 +1,6 @@
-// Converts the input by text streams from and to any encoding without shift states, in blocks, and
-// compares output and findings with those of ICU, which gets the whole input. The first bytes
-// select the encoding, the policy and the sizes of the blocks.
+// Converts the input in blocks by text streams, from and to any encoding without shift states.
+// Compares the output and the findings with those of ICU, which gets the whole input. The first
+// bytes select the encoding, the policy and the sizes of the blocks.
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>

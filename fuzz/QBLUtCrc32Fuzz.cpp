@@ -1,6 +1,6 @@
-// Computes the checksum of the input with each kernel that this processor runs, and compares it
-// with a bit-by-bit computation. The first bytes of the input are the register at the start and the
-// place where the public function divides the data.
+// Computes the checksum of the input with each kernel that this processor can run, and compares it
+// with the result of a bit-by-bit computation. The first bytes of the input are the register at the
+// start, and the position at which the data is divided for the public function.
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>

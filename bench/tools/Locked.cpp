@@ -1,9 +1,10 @@
 // locked: counts the locked instructions, all instructions and the system calls of one operation.
-// The program runs itself as a traced child. The child marks the begin and the end of each
-// operation with a breakpoint, and this program executes what is between in single steps.
+// The program starts itself as a child process and traces it. The child marks the beginning and the
+// end of each operation with a breakpoint. The parent executes the instructions between the
+// breakpoints in single steps.
 //
-// A second, idle thread keeps the C library from leaving out locked instructions. Counts of other
-// threads, such as the workers of a pool, are not included.
+// A second, idle thread makes the C library use locked instructions, which it omits in processes
+// with one thread. Instructions of other threads, such as the workers of a pool, are not counted.
 #include <sys/ptrace.h>
 #include <sys/user.h>
 #include <sys/wait.h>
@@ -43,7 +44,7 @@ namespace {
 
 [[gnu::always_inline]] inline void mark() { asm volatile("int3" ::: "memory"); }
 
-/// Tells the tracer to count one call of an operation, after calls that fill caches.
+/// Calls an operation a few times to fill caches, and then once between two marks for the tracer.
 template <class Operation>
 void count(const char* name, Operation operation) {
     for (int i = 0; i < 3; ++i) operation();
@@ -140,7 +141,7 @@ struct Instruction {
     bool isLocked, isSystemCall, isBreakpoint;
 };
 
-/// Decodes as much of the instruction at the child's program counter as the counts need.
+/// Decodes the parts of the instruction at the child's program counter that the counts need.
 Instruction decode(pid_t child) {
     user_regs_struct registers = {};
     ptrace(PTRACE_GETREGS, child, nullptr, &registers);
@@ -156,7 +157,7 @@ Instruction decode(pid_t child) {
     for (; at < bytes + 8 && prefixes.find(static_cast<char>(*at)) != std::string::npos; ++at)
         hasLock |= *at == 0xF0;
     if (sizeof(void*) == 8 && (*at & 0xF0) == 0x40) ++at;
-    // An exchange with memory is locked without the prefix.
+    // An exchange with memory is locked even without the prefix.
     const bool isExchange = (*at == 0x86 || *at == 0x87) && at[1] < 0xC0;
     const bool isCall =
         (*at == 0x0F && (at[1] == 0x05 || at[1] == 0x34)) || (*at == 0xCD && at[1] == 0x80);
@@ -196,7 +197,8 @@ int main(int argc, char** argv) {
         if (waitpid(child, &status, 0) != child) return 1;
         if (WIFEXITED(status)) return WEXITSTATUS(status);
         if (!WIFSTOPPED(status)) return 1;
-        // The child stops at the first breakpoint of an operation; follow() ends before the second.
+        // The child stops at the first breakpoint of an operation. follow() ends before the child
+        // executes the second breakpoint, at which the child then stops again.
         static bool s_atEnd = false;
         if (WSTOPSIG(status) == SIGTRAP && !s_atEnd && !follow(child)) return 1;
         if (WSTOPSIG(status) == SIGTRAP) s_atEnd = !s_atEnd;

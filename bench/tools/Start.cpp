@@ -1,8 +1,9 @@
-// Measures what a program pays at its start for a library that it is linked with and barely uses.
-// Compiled once for each library: with START_ICU, START_QT, START_QBLCORE, or none of them.
+// Measures the start of a program that is linked with a library and barely uses it. This file is
+// compiled once for each library: with START_ICU, START_QT, START_QBLCORE, or none of them.
 //
-// Usage: start_LIBRARY NANOSECONDS. The argument is the monotonic clock just before the program was
-// started. The program prints pairs of a name and a figure, which QBLStartUpBench.cpp reads.
+// Usage: start_LIBRARY NANOSECONDS. The argument is the time of the monotonic clock just before the
+// start of the program. The program prints pairs of a name and a figure, which QBLStartUpBench.cpp
+// reads.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -28,7 +29,8 @@ double now() {
     return static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec);
 }
 
-/// Returns the memory that this process has written to and shares with no other, in kilobytes.
+/// Returns the memory that this process has written to and shares with no other process, in
+/// kilobytes.
 double dirtyKilobytes() {
     double kilobytes = 0;
     std::FILE* const file = std::fopen("/proc/self/smaps_rollup", "re");
@@ -49,7 +51,7 @@ template <class Call>
     std::printf("%s %f\n", name, (now() - start) / 1000);
 }
 
-/// Calls each library that the program is linked with once, so that the linker keeps it.
+/// Calls the library that the program is linked with, so that the linker keeps the library.
 void use() {
 #ifdef START_ICU
     if (u_charType('x') != U_LOWERCASE_LETTER || ucal_getNow() <= 0) std::exit(1);

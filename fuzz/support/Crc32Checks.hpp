@@ -29,9 +29,9 @@ inline std::uint32_t crc32BitByBit(std::uint32_t reg, const unsigned char* data,
     return reg;
 }
 
-/// Returns the names of the levels whose result is wrong. They get a copy of the data in a block of
-/// the same size, so that a sanitizer detects a read of another byte. The public function gets the
-/// data in two parts.
+/// Returns the names of the levels with a wrong result. The kernels read a copy of the data in a
+/// block of the same size, so that a sanitizer detects a read of other bytes. The public function
+/// gets the data in two parts.
 inline std::string wrongCrc32Levels(std::uint32_t reg, const unsigned char* data,
                                     std::size_t length, std::size_t split) {
     const std::unique_ptr<unsigned char[]> block(new unsigned char[length]);

@@ -12,11 +12,11 @@
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/i18n_text_stream.hpp"
 
-/// Compares text streams, which convert most characters by tables of their own, with ICU, which
-/// gets the whole text at once.
+/// Compares text streams with ICU. A stream converts most characters by its own tables; ICU gets
+/// the whole text at once.
 
-/// What a conversion gives: the output, and where the policy was asked about which bytes or
-/// character.
+/// The result of a conversion: the output, and each position where the policy was called, with the
+/// bytes or the character.
 struct StreamOutcome : I18NTextStreamListener {
     std::string output, findings;
 
@@ -38,8 +38,8 @@ struct StreamOutcome : I18NTextStreamListener {
     }
 };
 
-/// Converts in blocks of these sizes, used in rotation; from UTF-16 if `from` is null, and to
-/// UTF-16 if `to` is null.
+/// Converts a text in blocks, and uses the given block sizes in turn. The input is UTF-16 if `from`
+/// is null, the output is UTF-16 if `to` is null.
 template <class Unit>
 StreamOutcome convertedByStream(const I18NConverter* from, const I18NConverter* to,
                                 const std::basic_string<Unit>& text,
@@ -71,10 +71,10 @@ StreamOutcome convertedByStream(const I18NConverter* from, const I18NConverter* 
     return outcome;
 }
 
-/// Calls the policy of a converter, and notes what it is asked about.
+/// Calls the policy of a converter, and records each call.
 struct AskedByIcu {
     StreamOutcome outcome;
-    std::u16string text;  // room for it, or the source
+    std::u16string text;  // the source, or room for the output
     UConverterToUCallback toUnicode = nullptr;
     UConverterFromUCallback fromUnicode = nullptr;
     const void* context = nullptr;
@@ -136,9 +136,9 @@ inline StreamOutcome encodedByIcu(I18NConverter to, const std::u16string& text) 
     return asked.outcome;
 }
 
-/// Returns true for encodings in which ICU gives the same whether it gets a text at once or in
-/// pieces, and reports all bytes that are not convertible: those without shift states, except the
-/// one with an escape character for single characters.
+/// Returns true for an encoding if ICU has the same results for a whole text and for its pieces,
+/// and reports all bytes that are not convertible. These are the encodings without shift states,
+/// except gsm, which has an escape character for single characters.
 inline bool dependsOnTextAlone(const I18NConverter& converter) {
     const UConverter* const icu = I18NConverterAccess::icu(converter);
     UErrorCode status = U_ZERO_ERROR;
@@ -156,7 +156,7 @@ inline std::u16string withoutPrivateUse(std::u16string text) {
     return text;
 }
 
-/// @return what a stream does otherwise than ICU; null if nothing
+/// @return the direction in which a stream and ICU have different results; null if there is none
 inline const char* differenceFromIcu(const I18NConverter& converter, const std::string& bytes,
                                      const std::u16string& text,
                                      const std::vector<std::size_t>& sizes) {

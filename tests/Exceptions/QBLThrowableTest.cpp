@@ -31,7 +31,7 @@ public:
     QBL_EXCEPTION_METHODS(OwnError)
 };
 
-/// An error class with a hurl() of its own, and without the macro.
+/// An error class that defines hurl() itself, without the macro.
 class NamedError : public OwnError {
 public:
     using OwnError::OwnError;

@@ -16,7 +16,7 @@
 
 namespace {
 
-/// The same numbers at both widths.
+/// Random numbers that are the same for 32 and 64 bits.
 class Random {
 public:
     explicit Random(unsigned seed) : m_engine(seed) {}
@@ -26,7 +26,7 @@ private:
     std::mt19937 m_engine;
 };
 
-/// Runs of ASCII between runs of characters from a few places in Unicode, and others.
+/// Returns runs of ASCII, runs of characters from a few places in Unicode, and single characters.
 std::u16string randomText(Random& random) {
     std::u16string text;
     const unsigned places[] = {0xA0, 0x3040, 0x4E00, random() % 0xD700};
@@ -41,7 +41,8 @@ std::u16string randomText(Random& random) {
     return text;
 }
 
-/// The text without what the encoding lacks, and with some other bytes.
+/// Encodes the text without the characters that the encoding lacks. Unless `isValid`, then replaces
+/// some bytes by random bytes.
 std::string randomBytes(Random& random, const I18NConverter& converter, const std::u16string& text,
                         bool isValid) {
     I18NConverter only(converter);
@@ -91,7 +92,7 @@ TEST(I18NCodeTablesTest, ConvertersConvertAsIcuIntoAnyRoom) {
         std::string decoded;
         std::vector<char> room(9000);
         std::size_t at = 0, from = 0;
-        // The last part goes to the form that flushes.
+        // The last part is converted by the operation that also flushes the converter.
         for (int run = 0; run < 20; ++run) {
             int written = 0, consumed = 0;
             I18NErrorCodes error = I18N_OK;

@@ -439,7 +439,7 @@ TEST(I18NTextStreamTest, CountsLinesOfLongTexts) {
     const Outcome outcome = run(nullptr, &utf8, text, 20011, I18N_MARK_KEEP);
     EXPECT_EQ(bytesBy(utf8, text), outcome.output);
     EXPECT_EQ(place(), outcome.told.substr(outcome.told.rfind(' ') + 1));
-    // ASCII is copied, and between it are other characters.
+    // The stream copies ASCII directly; other characters are between the runs of ASCII.
     for (std::size_t i = 0; i < text.size(); ++i)
         if (text[i] >= 0x80) text[i] = random() % 1000 != 0 ? u'y' : u'\u00E4';
     const I18NConverter latin("windows-1252");
