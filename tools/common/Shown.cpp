@@ -20,7 +20,7 @@ bool isHarmless(int c) {
            type != U_PARAGRAPH_SEPARATOR && !U_IS_UNICODE_NONCHAR(c);
 }
 
-/// Returns true for printable ASCII without backslashes, which most names are.
+/// Returns true if the text is printable ASCII without backslashes, as most names are.
 bool isPlain(const std::string& text) {
     return std::all_of(text.begin(), text.end(),
                        [](char c) { return c >= 0x20 && c < 0x7F && c != '\\'; });
