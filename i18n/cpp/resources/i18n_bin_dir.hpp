@@ -17,8 +17,7 @@
 ///  - i18n_res.xml: the bin directory, or the working directory if no bin directory is known; then
 ///    the share directory;
 ///  - language files: the bin directory, the working directory, the share directory;
-///  - catalogues (QBLResourceFactory): the effective working directory, the bin directory if it is
-///    known, the share directory.
+///  - catalogues: QBLResourceFactory describes these places.
 ///
 /// Threads: any thread, as long as no thread changes the environment.
 /// @throws QBLOutOfMemoryError
