@@ -1,6 +1,7 @@
 #ifndef QBLCORE_FILELOCK_QBLFILELOCKRW_HPP
 #define QBLCORE_FILELOCK_QBLFILELOCKRW_HPP
 
+#include "QBLCore/Threads/QBLMilliseconds.hpp"
 #include "QBLCore/Threads/QBLThreadRWLockableResource.hpp"
 #include "QBLCore/Threads/QBLTimeout.hpp"
 
@@ -46,9 +47,52 @@ public:
     /// Works as boundedLock(), but waits for a shared lock.
     [[nodiscard]] bool boundedReadLock(unsigned long ms) QBL_TRY_ACQUIRE_SHARED(true);
 
+    /// @name Lockable and TimedLockable of the standard
+    /// tryLock() and boundedLock() under the standard's names, for std::unique_lock and
+    /// std::scoped_lock.
+    /// @{
+
+    [[nodiscard]] bool try_lock() QBL_TRY_ACQUIRE(true) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        return tryLock() != 0;
+    }
+    [[nodiscard]] bool try_lock_for(QBLMilliseconds time)
+        QBL_TRY_ACQUIRE(true) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        return boundedLock(time.count());
+    }
+    template <class TimePoint>
+    [[nodiscard]] bool try_lock_until(const TimePoint& end)
+        QBL_TRY_ACQUIRE(true) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        return qblAttemptUntil(end, [this](QBLMilliseconds left) { return try_lock_for(left); });
+    }
+    /// @}
+
+    /// @name SharedLockable and SharedTimedLockable of the standard
+    /// tryReadLock() and boundedReadLock() under the standard's names, for std::shared_lock.
+    /// @{
+
+    [[nodiscard]] bool try_lock_shared()
+        QBL_TRY_ACQUIRE_SHARED(true) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        return tryReadLock() != 0;
+    }
+    [[nodiscard]] bool try_lock_shared_for(QBLMilliseconds time)
+        QBL_TRY_ACQUIRE_SHARED(true) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        return boundedReadLock(time.count());
+    }
+    template <class TimePoint>
+    [[nodiscard]] bool try_lock_shared_until(const TimePoint& end)
+        QBL_TRY_ACQUIRE_SHARED(true) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        return qblAttemptUntil(end,
+                               [this](QBLMilliseconds left) { return try_lock_shared_for(left); });
+    }
+    /// @}
+
+    /// @name The file
+    /// @{
+
     QBLFmFile* getFile() const;
     /// @param file  not owned; may be null. A lock on the old file stays.
     void setFile(QBLFmFile* file);
+    /// @}
 
 private:
     QBLFmFile* m_file;

@@ -1,6 +1,7 @@
 #ifndef QBLCORE_THREADS_QBLTHREADCRITICALSECTION_HPP
 #define QBLCORE_THREADS_QBLTHREADCRITICALSECTION_HPP
 
+#include "QBLCore/Threads/QBLMilliseconds.hpp"
 #include "QBLCore/Threads/QBLThreadLockableResource.hpp"
 #include "QBLCore/Threads/QBLTimeout.hpp"
 
@@ -25,6 +26,25 @@ public:
     [[nodiscard]] bool tryLock() QBL_TRY_ACQUIRE(true);
     /// Works as QBLThreadMutex::boundedLock().
     [[nodiscard]] bool boundedLock(unsigned long ms) QBL_TRY_ACQUIRE(true);
+
+    /// @name Lockable and TimedLockable of the standard
+    /// tryLock() and boundedLock() under the standard's names, for std::unique_lock and
+    /// std::scoped_lock.
+    /// @{
+
+    [[nodiscard]] bool try_lock() QBL_TRY_ACQUIRE(true) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        return tryLock();
+    }
+    [[nodiscard]] bool try_lock_for(QBLMilliseconds time)
+        QBL_TRY_ACQUIRE(true) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        return boundedLock(time.count());
+    }
+    template <class TimePoint>
+    [[nodiscard]] bool try_lock_until(const TimePoint& end)
+        QBL_TRY_ACQUIRE(true) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        return qblAttemptUntil(end, [this](QBLMilliseconds left) { return try_lock_for(left); });
+    }
+    /// @}
 
 protected:
     QBLThreadCriticalSection(int trackOwner, bool recursive);

@@ -1,6 +1,7 @@
 #ifndef QBLCORE_THREADS_QBLTHREADRWLOCK_HPP
 #define QBLCORE_THREADS_QBLTHREADRWLOCK_HPP
 
+#include "QBLCore/Threads/QBLMilliseconds.hpp"
 #include "QBLCore/Threads/QBLThreadRWLockableResource.hpp"
 #include "QBLCore/Threads/QBLTimeout.hpp"
 
@@ -41,6 +42,45 @@ public:
     [[nodiscard]] bool boundedLock(unsigned long ms) QBL_TRY_ACQUIRE(true);
     /// Works as boundedLock(), but locks as a reader.
     [[nodiscard]] bool boundedReadLock(unsigned long ms) QBL_TRY_ACQUIRE_SHARED(true);
+
+    /// @name Lockable and TimedLockable of the standard
+    /// tryLock() and boundedLock() under the standard's names, for std::unique_lock and
+    /// std::scoped_lock.
+    /// @{
+
+    [[nodiscard]] bool try_lock() QBL_TRY_ACQUIRE(true) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        return tryLock();
+    }
+    [[nodiscard]] bool try_lock_for(QBLMilliseconds time)
+        QBL_TRY_ACQUIRE(true) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        return boundedLock(time.count());
+    }
+    template <class TimePoint>
+    [[nodiscard]] bool try_lock_until(const TimePoint& end)
+        QBL_TRY_ACQUIRE(true) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        return qblAttemptUntil(end, [this](QBLMilliseconds left) { return try_lock_for(left); });
+    }
+    /// @}
+
+    /// @name SharedLockable and SharedTimedLockable of the standard
+    /// tryReadLock() and boundedReadLock() under the standard's names, for std::shared_lock.
+    /// @{
+
+    [[nodiscard]] bool try_lock_shared()
+        QBL_TRY_ACQUIRE_SHARED(true) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        return tryReadLock();
+    }
+    [[nodiscard]] bool try_lock_shared_for(QBLMilliseconds time)
+        QBL_TRY_ACQUIRE_SHARED(true) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        return boundedReadLock(time.count());
+    }
+    template <class TimePoint>
+    [[nodiscard]] bool try_lock_shared_until(const TimePoint& end)
+        QBL_TRY_ACQUIRE_SHARED(true) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        return qblAttemptUntil(end,
+                               [this](QBLMilliseconds left) { return try_lock_shared_for(left); });
+    }
+    /// @}
 
 private:
     TavRWLock* m_pLock;

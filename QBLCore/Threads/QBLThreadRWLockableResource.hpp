@@ -14,6 +14,11 @@ public:
 
     /// Waits until no writer holds the lock, and locks as a reader.
     virtual void readLock() QBL_ACQUIRE_SHARED() = 0;
+
+    /// readLock() under the standard's name, for std::shared_lock.
+    void lock_shared() QBL_ACQUIRE_SHARED() QBL_NO_THREAD_SAFETY_ANALYSIS { readLock(); }
+    /// unlock() under the standard's name.
+    void unlock_shared() QBL_RELEASE_GENERIC() QBL_NO_THREAD_SAFETY_ANALYSIS { unlock(); }
 };
 
 #endif

@@ -1,5 +1,7 @@
 // Tries locks that another thread holds, and waits for an item in a list.
+#include <chrono>
 #include <cstdio>
+#include <mutex>
 
 #include "QBLCore/Exceptions/QBLThreadResourceError.hpp"
 #include "QBLCore/Frame/QBLCore.h"
@@ -9,7 +11,6 @@
 #include "QBLCore/Threads/QBLThreadAutoResetEvent.hpp"
 #include "QBLCore/Threads/QBLThreadConditionVariable.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
-#include "QBLCore/Threads/QBLThreadRWGuard.hpp"
 #include "QBLCore/Threads/QBLThreadRWLock.hpp"
 #include "QBLCore/Threads/QBLThreadRecursiveMutex.hpp"
 
@@ -24,7 +25,8 @@ struct Other : QBLThreadRunnable {
 
     // Unlocks a mutex that it does not hold, which clang would warn about.
     void run() override QBL_NO_THREAD_SAFETY_ANALYSIS {
-        std::printf("mutex: try %d, bounded %d\n", mutex.tryLock(), mutex.boundedLock(10));
+        const bool got = mutex.try_lock_for(std::chrono::milliseconds(10));
+        std::printf("mutex: try %d, for 10 ms %d\n", mutex.tryLock(), got);
         std::printf("lock: as writer %d, as reader %d\n", lock.tryLock(), lock.tryReadLock());
         try {
             mutex.unlock();
@@ -44,8 +46,7 @@ int main() {
     qblCoreInitialize();
     Other other;
     QBLThread thread(&other);
-    QBLThreadGuard mine(other.mutex);
-    QBLThreadRWGuard writing(other.lock, 1);
+    const std::scoped_lock mine(other.mutex, other.lock);
     thread.start();
     other.looked.wait();
     {

@@ -5,6 +5,10 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <chrono>
+#include <mutex>
+#include <shared_mutex>
+
 #include "QBLCore/FileManagement/QBLFmFile.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Threads/QBLThreadRWGuard.hpp"
@@ -79,8 +83,12 @@ TEST_F(QBLFileLockRWTest, ExcludesAndSharesBetweenProcesses) {
 TEST_F(QBLFileLockRWTest, BoundedLocksWaitUntilTheTimeIsOverOrTheLockIsFree) {
     auto other = holder(true);
     EXPECT_FALSE(lock.boundedLock(0) || lock.boundedLock(3));
-    EXPECT_TRUE(lock.boundedReadLock(0));
-    lock.unlock();
+    EXPECT_FALSE(std::unique_lock(lock, std::chrono::milliseconds(2)));
+    EXPECT_FALSE(std::unique_lock(lock, std::chrono::steady_clock::now()));
+    EXPECT_TRUE(std::shared_lock(lock, std::chrono::milliseconds(-1)));
+    EXPECT_TRUE(std::shared_lock(lock, std::chrono::steady_clock::now()));
+    EXPECT_TRUE(!std::unique_lock(lock, std::try_to_lock) &&
+                std::shared_lock(lock, std::try_to_lock));
     for (const unsigned long ms : {kTestLimitMs, QBLWaitForever, ~0UL - 1}) {
         Workers waiter(1, [&] { EXPECT_TRUE(lock.boundedLock(ms)); });
         other.reset();

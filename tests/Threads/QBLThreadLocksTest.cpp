@@ -3,6 +3,10 @@
 #include <atomic>
 #include <chrono>
 #include <climits>
+#include <cmath>
+#include <condition_variable>
+#include <mutex>
+#include <shared_mutex>
 #include <thread>
 
 #include "QBLCore/Frame/QBLList.hpp"
@@ -24,6 +28,9 @@
 
 namespace {
 
+using namespace std::chrono_literals;
+using SteadyClock = std::chrono::steady_clock;
+
 /// Runs a body on another thread and waits for it.
 template <class Body>
 void elsewhere(Body body) {
@@ -34,7 +41,8 @@ template <class Lock>
 class ExclusiveLockTest : public ::testing::Test {};
 
 typedef ::testing::Types<QBLThreadMutex, QBLThreadRecursiveMutex, QBLThreadCriticalSection,
-                         QBLThreadRecursiveCriticalSection, QBLThreadRWLock>
+                         QBLThreadRecursiveCriticalSection, QBLThreadRWLock,
+                         QBLThreadMonitor<QBLThreadMutex, int>>
     ExclusiveLocks;
 TYPED_TEST_SUITE(ExclusiveLockTest, ExclusiveLocks);
 
@@ -88,6 +96,90 @@ TYPED_TEST(ExclusiveLockTest, BoundedLockNoticesThatTheLockBecomesFree) {
         if (got) lock.unlock();
         return got;
     }));
+}
+
+TYPED_TEST(ExclusiveLockTest, IsATimedLockableOfTheStandard) {
+    TypeParam lock, second;
+    static_assert(std::is_same_v<bool, decltype(lock.try_lock())>);
+    static_assert(std::is_same_v<bool, decltype(lock.try_lock_for(1.5h))>);
+    static_assert(std::is_same_v<bool, decltype(lock.try_lock_until(SteadyClock::now()))>);
+    std::mutex standard;
+    std::atomic<int> started{0};
+    int count = 0;
+    Workers(3, [&] {
+        const int order = started++;
+        for (int i = 0; i < 500; ++i) {
+            std::unique_lock a(lock, std::defer_lock), b(second, std::defer_lock);
+            std::unique_lock c(standard, std::defer_lock);
+            order == 0 ? std::lock(a, b, c) : order == 1 ? std::lock(c, a, b) : std::lock(b, c, a);
+            ++count;
+        }
+    }).join();
+    EXPECT_EQ(1500, count);
+
+    std::condition_variable_any changed;
+    std::unique_lock mine(lock);
+    elsewhere([&] {
+        EXPECT_FALSE(std::unique_lock(lock, -1ms));
+        EXPECT_FALSE(std::unique_lock(lock, 1us));
+        EXPECT_FALSE(lock.try_lock_until(std::chrono::system_clock::now() + 1ms));
+        EXPECT_FALSE(lock.try_lock_until(SteadyClock::time_point::min()));
+    });
+    Workers other(1, [&] {
+        const std::unique_lock late(lock, std::chrono::hours::max());  // while the other waits
+        count = 0;
+        changed.notify_one();
+    });
+    changed.wait(mine, [&] { return count == 0; });
+    EXPECT_TRUE(mine.owns_lock());
+    mine.unlock();
+    EXPECT_TRUE(lock.try_lock_until(SteadyClock::time_point::min())) << "tries once";
+    lock.unlock();
+}
+
+TEST(QBLThreadRWLockTest, IsASharedTimedLockableOfTheStandard) {
+    QBLThreadRWLock lock;
+    static_assert(std::is_same_v<bool, decltype(lock.try_lock_shared())>);
+    std::shared_lock first(lock), second(lock, std::try_to_lock), third(lock, 1ms);
+    EXPECT_TRUE(second && third);
+    EXPECT_FALSE(lock.try_lock_for(1ms));
+    first.unlock();
+    second.unlock();
+    third.unlock();
+    const std::scoped_lock writer(lock);
+    elsewhere([&] {
+        EXPECT_FALSE(lock.try_lock_shared() || lock.try_lock_shared_for(1ns));
+        EXPECT_FALSE(lock.try_lock_shared_until(SteadyClock::now() + 1ms));
+    });
+}
+
+// An early end is an error, a late one is not: so a table of the times near each limit.
+TEST(QBLMillisecondsTest, RoundsUpAndCapsEveryDuration) {
+    using namespace std::chrono;
+    const auto ms = [](QBLMilliseconds time) { return time.count(); };
+    EXPECT_EQ(0UL, ms(0ns));
+    EXPECT_EQ(1UL, ms(1ns));
+    EXPECT_EQ(1UL, ms(1ms));
+    EXPECT_EQ(2UL, ms(1000001ns));
+    EXPECT_EQ(2UL, ms(duration<unsigned char, std::ratio<1, 3000>>(6)));
+    EXPECT_EQ(334UL, ms(duration<int, std::ratio<1, 3>>(1)));
+    EXPECT_EQ(172800000UL, ms(48h));
+    EXPECT_EQ(4294967294UL, ms(4294967294ms));
+    EXPECT_EQ(4294967294UL, ms(4294967293999999ns));
+    EXPECT_EQ(QBLWaitForever, ms(4294967294000001ns));
+    EXPECT_EQ(QBLWaitForever, ms(hours::max()));
+    EXPECT_EQ(0UL, ms(hours::min()));
+    EXPECT_EQ(0UL, ms(nanoseconds::min()));
+    EXPECT_EQ(1UL, ms(duration<double>(1e-300)));
+    EXPECT_EQ(QBLWaitForever, ms(duration<float>(HUGE_VALF)));
+    EXPECT_EQ(0UL, ms(duration<double>(-HUGE_VAL)));
+    EXPECT_EQ(0UL, ms(duration<double>(NAN)));
+    EXPECT_EQ(0UL, ms(system_clock::time_point::min()));
+    EXPECT_EQ(0UL, ms(SteadyClock::now()));
+    EXPECT_EQ(QBLWaitForever, ms(system_clock::time_point::max()));
+    EXPECT_EQ(QBLWaitForever, ms(time_point<SteadyClock, hours>::max()));
+    const unsigned long left = ms(SteadyClock::now() + 1h);
+    EXPECT_TRUE(left > 3600000 - kTestLimitMs && left <= 3600001) << left;
 }
 
 TEST(QBLThreadMutexTest, RecursiveLocksCountAndRejectOtherThreads) {
