@@ -44,8 +44,16 @@ public:
     /// @return false if the time ran out.
     /// @throws QBLRuntimeError with the system's reason if the system refuses the lock
     [[nodiscard]] bool boundedLock(unsigned long ms) QBL_TRY_ACQUIRE(true);
+    [[nodiscard]] bool boundedLock(QBLMilliseconds time)
+        QBL_TRY_ACQUIRE(true) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        return boundedLock(time.count());
+    }
     /// Works as boundedLock(), but waits for a shared lock.
     [[nodiscard]] bool boundedReadLock(unsigned long ms) QBL_TRY_ACQUIRE_SHARED(true);
+    [[nodiscard]] bool boundedReadLock(QBLMilliseconds time)
+        QBL_TRY_ACQUIRE_SHARED(true) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        return boundedReadLock(time.count());
+    }
 
     /// @name Lockable and TimedLockable of the standard
     /// tryLock() and boundedLock() under the standard's names, for std::unique_lock and

@@ -5,6 +5,7 @@
 
 #include "QBLCore/Frame/QBLList.hpp"
 #include "QBLCore/QBLCustodian/QBLCustodianTask.hpp"
+#include "QBLCore/Threads/QBLMilliseconds.hpp"
 #include "QBLCore/Threads/QBLThread.hpp"
 #include "QBLCore/Threads/QBLThreadConditionVariable.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
@@ -44,6 +45,7 @@ public:
     ///     the beginning of the wait.
     /// @return the previous time
     static unsigned long setSchedule(unsigned long ms);
+    static unsigned long setSchedule(QBLMilliseconds time) { return setSchedule(time.count()); }
     static unsigned long getSchedule();
     /// @}
 

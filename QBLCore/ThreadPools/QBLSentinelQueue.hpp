@@ -6,6 +6,7 @@
 
 #include "QBLCore/Frame/QBLList.hpp"
 #include "QBLCore/Frame/QBLThreadMonitor.hpp"
+#include "QBLCore/Threads/QBLMilliseconds.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Threads/QBLThreadMutex.hpp"
 #include "QBLCore/Threads/QBLThreadSemaphore.hpp"
@@ -46,9 +47,13 @@ public:
     /// @return false if the queue stayed full. The queue then has no copy of the item.
     /// @throws std::bad_alloc, QBLThreadResourceError; these errors do not change the queue
     [[nodiscard]] bool put(T& item, unsigned long timeout) { return add(item, timeout, false); }
+    [[nodiscard]] bool put(T& item, QBLMilliseconds timeout) { return put(item, timeout.count()); }
 
     /// Works as put(), but the item comes out before the items that are already in the queue.
     [[nodiscard]] bool putFirst(T& item, unsigned long timeout) { return add(item, timeout, true); }
+    [[nodiscard]] bool putFirst(T& item, QBLMilliseconds timeout) {
+        return putFirst(item, timeout.count());
+    }
 
     /// @param item  receives the first item, or a null from wake()
     /// @param timeout  milliseconds to wait for an item
@@ -69,6 +74,7 @@ public:
         if (taken && m_free) m_free->post();
         return true;
     }
+    [[nodiscard]] bool get(T& item, QBLMilliseconds timeout) { return get(item, timeout.count()); }
 
     /// Makes one get() return a null item when the queue has no other items. This needs no memory
     /// and no room, so it can always end the wait of a thread.
@@ -94,6 +100,7 @@ public:
     [[nodiscard]] bool reserve(unsigned long timeout) {
         return !m_free || m_free->boundedWait(timeout);
     }
+    [[nodiscard]] bool reserve(QBLMilliseconds timeout) { return reserve(timeout.count()); }
     /// Puts an item into the room that reserve() has kept. Gives the room back on failure.
     /// @throws the same exceptions as put()
     void putReserved(const T& item) { insertReserved(item, false); }

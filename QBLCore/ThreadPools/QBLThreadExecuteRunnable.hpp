@@ -2,6 +2,7 @@
 #define QBLCORE_THREADPOOLS_QBLTHREADEXECUTERUNNABLE_HPP
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Threads/QBLMilliseconds.hpp"
 
 class QBLThreadRunnable;
 
@@ -20,6 +21,9 @@ public:
     /// @param timeout  milliseconds to wait until the task can be accepted; 0 does not wait
     /// @return 1 if the task was accepted, otherwise 0.
     virtual int execute(QBLThreadRunnable* task, unsigned long timeout = 0) = 0;
+    int execute(QBLThreadRunnable* task, QBLMilliseconds timeout) {
+        return execute(task, timeout.count());
+    }
 };
 
 #endif

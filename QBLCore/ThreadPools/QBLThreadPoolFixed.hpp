@@ -26,6 +26,7 @@ public:
     /// @throws QBLIllegalStateError if the stop-work flag is set before or during the wait;
     ///     QBLOutOfMemoryError
     int execute(QBLThreadRunnable* task, unsigned long timeout = 0) override;
+    using QBLThreadExecuteRunnable::execute;
 
 private:
     friend class QBLThreadPool;

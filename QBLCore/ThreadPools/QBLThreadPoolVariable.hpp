@@ -26,6 +26,9 @@ public:
     /// @throws QBLOutOfMemoryError, QBLThreadResourceError
     QBLThreadPoolVariable(unsigned long permanentWorkers, unsigned long defaultTimeout,
                           unsigned long idleTimeout);
+    QBLThreadPoolVariable(unsigned long permanentWorkers, QBLMilliseconds defaultTimeout,
+                          QBLMilliseconds idleTimeout)
+        : QBLThreadPoolVariable(permanentWorkers, defaultTimeout.count(), idleTimeout.count()) {}
     /// Waits for the accepted tasks.
     ~QBLThreadPoolVariable() override;
 
@@ -35,6 +38,7 @@ public:
     ///     QBLThreadResourceError if there is no worker and no worker can be started. The task is
     ///     then not accepted.
     int execute(QBLThreadRunnable* task, unsigned long timeout = 0) override;
+    using QBLThreadExecuteRunnable::execute;
 
     /// A snapshot of the number of live workers.
     unsigned long getWorkerCount() const;

@@ -5,6 +5,7 @@
 #include <initializer_list>
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Threads/QBLMilliseconds.hpp"
 #include "QBLCore/Threads/QBLTimeout.hpp"
 
 /// Blocks signals and passes them to a thread that waits for them, so that a program needs no
@@ -48,6 +49,7 @@ public:
     int wait();
     /// @return 0 if the time ran out
     [[nodiscard]] int timedWait(unsigned long ms);
+    [[nodiscard]] int timedWait(QBLMilliseconds time) { return timedWait(time.count()); }
 
     /// Returns a descriptor for poll(2) and epoll(7): it is readable while timedWait(0) would take
     /// a signal. The object owns it; do not read from it.

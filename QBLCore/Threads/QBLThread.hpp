@@ -2,6 +2,7 @@
 #define QBLCORE_THREADS_QBLTHREAD_HPP
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Threads/QBLMilliseconds.hpp"
 #include "QBLCore/Threads/QBLThreadRunnable.hpp"
 
 struct TavThread;
@@ -66,6 +67,11 @@ public:
     /// stopped.
     static unsigned long currentThreadId();
     static void sleep(unsigned long ms);
+    /// A time of more than 49.7 days never ends.
+    static void sleep(QBLMilliseconds time) {
+        do sleep(time.count());
+        while (time.count() == QBLWaitForever);
+    }
 
     /// Sets or removes the routine that the calling thread calls after its run() has ended, even if
     /// an exception, pthread_exit or a cancellation ended it. If run() ended by pthread_exit or a

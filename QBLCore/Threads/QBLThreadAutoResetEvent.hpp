@@ -2,6 +2,7 @@
 #define QBLCORE_THREADS_QBLTHREADAUTORESETEVENT_HPP
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Threads/QBLMilliseconds.hpp"
 #include "QBLCore/Threads/QBLTimeout.hpp"
 
 struct TavEvent;
@@ -26,6 +27,7 @@ public:
     /// If another waiter takes the signal first, the full timeout starts again.
     /// @return false if the time ran out.
     [[nodiscard]] bool timedWait(unsigned long ms);
+    [[nodiscard]] bool timedWait(QBLMilliseconds time) { return timedWait(time.count()); }
     void signal();
 
 private:

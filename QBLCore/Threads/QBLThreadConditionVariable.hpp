@@ -1,6 +1,7 @@
 #ifndef QBLCORE_THREADS_QBLTHREADCONDITIONVARIABLE_HPP
 #define QBLCORE_THREADS_QBLTHREADCONDITIONVARIABLE_HPP
 
+#include "QBLCore/Threads/QBLMilliseconds.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "QBLCore/Threads/QBLThreadMutex.hpp"
 
@@ -42,6 +43,15 @@ public:
         QBL_REQUIRES(lock);
     [[nodiscard]] bool timedWait(QBLThreadRecursiveMutex&, unsigned long) = delete;
     [[nodiscard]] bool timedWait(QBLThreadRecursiveCriticalSection&, unsigned long) = delete;
+    [[nodiscard]] bool timedWait(QBLThreadMutex& lock, QBLMilliseconds time) QBL_REQUIRES(lock) {
+        return timedWait(lock, time.count());
+    }
+    [[nodiscard]] bool timedWait(QBLThreadCriticalSection& lock, QBLMilliseconds time)
+        QBL_REQUIRES(lock) {
+        return timedWait(lock, time.count());
+    }
+    [[nodiscard]] bool timedWait(QBLThreadRecursiveMutex&, QBLMilliseconds) = delete;
+    [[nodiscard]] bool timedWait(QBLThreadRecursiveCriticalSection&, QBLMilliseconds) = delete;
     /// Wakes one waiter, if there is one.
     void signal();
     /// Wakes every waiter.

@@ -26,6 +26,10 @@ public:
     [[nodiscard]] bool tryLock() QBL_TRY_ACQUIRE(true);
     /// Works as QBLThreadMutex::boundedLock().
     [[nodiscard]] bool boundedLock(unsigned long ms) QBL_TRY_ACQUIRE(true);
+    [[nodiscard]] bool boundedLock(QBLMilliseconds time)
+        QBL_TRY_ACQUIRE(true) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        return boundedLock(time.count());
+    }
 
     /// @name Lockable and TimedLockable of the standard
     /// tryLock() and boundedLock() under the standard's names, for std::unique_lock and

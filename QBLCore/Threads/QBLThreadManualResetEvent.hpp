@@ -2,6 +2,7 @@
 #define QBLCORE_THREADS_QBLTHREADMANUALRESETEVENT_HPP
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Threads/QBLMilliseconds.hpp"
 #include "QBLCore/Threads/QBLTimeout.hpp"
 
 struct TavEvent;
@@ -32,6 +33,7 @@ public:
     /// again.
     /// @return false if the time ran out.
     [[nodiscard]] bool timedWait(unsigned long ms);
+    [[nodiscard]] bool timedWait(QBLMilliseconds time) { return timedWait(time.count()); }
     void signal();
     void reset();
 

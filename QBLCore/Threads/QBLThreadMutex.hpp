@@ -31,9 +31,17 @@ public:
     /// on, a failure may take up to twice the timeout.
     /// @return false if the time ran out.
     [[nodiscard]] bool timedLock(unsigned long ms) QBL_TRY_ACQUIRE(true);
+    [[nodiscard]] bool timedLock(QBLMilliseconds time)
+        QBL_TRY_ACQUIRE(true) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        return timedLock(time.count());
+    }
     /// Wakes up as soon as the mutex is free. Measures the timeout on the monotonic clock.
     /// @return false if the time ran out.
     [[nodiscard]] bool boundedLock(unsigned long ms) QBL_TRY_ACQUIRE(true);
+    [[nodiscard]] bool boundedLock(QBLMilliseconds time)
+        QBL_TRY_ACQUIRE(true) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        return boundedLock(time.count());
+    }
 
     /// @name Lockable and TimedLockable of the standard
     /// tryLock() and boundedLock() under the standard's names, for std::unique_lock and

@@ -34,14 +34,30 @@ public:
     /// If the lock becomes free and another thread takes it first, the full timeout starts again.
     /// @return false if the time ran out.
     [[nodiscard]] bool timedLock(unsigned long ms) QBL_TRY_ACQUIRE(true);
+    [[nodiscard]] bool timedLock(QBLMilliseconds time)
+        QBL_TRY_ACQUIRE(true) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        return timedLock(time.count());
+    }
     /// Works as timedLock(), but locks as a reader.
     [[nodiscard]] bool timedReadLock(unsigned long ms) QBL_TRY_ACQUIRE_SHARED(true);
+    [[nodiscard]] bool timedReadLock(QBLMilliseconds time)
+        QBL_TRY_ACQUIRE_SHARED(true) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        return timedReadLock(time.count());
+    }
     /// Works as timedLock(), but the timeout never starts again. Measures it on the monotonic
     /// clock.
     /// @return false if the time ran out.
     [[nodiscard]] bool boundedLock(unsigned long ms) QBL_TRY_ACQUIRE(true);
+    [[nodiscard]] bool boundedLock(QBLMilliseconds time)
+        QBL_TRY_ACQUIRE(true) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        return boundedLock(time.count());
+    }
     /// Works as boundedLock(), but locks as a reader.
     [[nodiscard]] bool boundedReadLock(unsigned long ms) QBL_TRY_ACQUIRE_SHARED(true);
+    [[nodiscard]] bool boundedReadLock(QBLMilliseconds time)
+        QBL_TRY_ACQUIRE_SHARED(true) QBL_NO_THREAD_SAFETY_ANALYSIS {
+        return boundedReadLock(time.count());
+    }
 
     /// @name Lockable and TimedLockable of the standard
     /// tryLock() and boundedLock() under the standard's names, for std::unique_lock and

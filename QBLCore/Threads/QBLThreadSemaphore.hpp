@@ -2,6 +2,7 @@
 #define QBLCORE_THREADS_QBLTHREADSEMAPHORE_HPP
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Threads/QBLMilliseconds.hpp"
 #include "QBLCore/Threads/QBLTimeout.hpp"
 
 struct TavSemaphore;
@@ -36,9 +37,11 @@ public:
     /// 100 ms on, a failure may take up to twice the timeout.
     /// @return false if the time ran out.
     [[nodiscard]] bool timedWait(unsigned long ms);
+    [[nodiscard]] bool timedWait(QBLMilliseconds time) { return timedWait(time.count()); }
     /// Wakes up as soon as there is a post. Measures the timeout on the monotonic clock.
     /// @return false if the time ran out.
     [[nodiscard]] bool boundedWait(unsigned long ms);
+    [[nodiscard]] bool boundedWait(QBLMilliseconds time) { return boundedWait(time.count()); }
     /// Raises the count by n. Does nothing if n is below 1.
     void post(int n = 1);
 

@@ -48,7 +48,7 @@ int main() {
     QBLThread thread(&other);
     const std::scoped_lock mine(other.mutex, other.lock);
     thread.start();
-    other.looked.wait();
+    if (!other.looked.timedWait(std::chrono::minutes(1))) return 1;
     {
         QBLThreadGuard guard(other.items);
         (*other.items).push_back(5);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
 
+#include <chrono>
 #include <functional>
 #include <mutex>
 #include <optional>
@@ -191,7 +192,7 @@ TEST_F(QBLCustodianTest, NewScheduleAppliesToTheCurrentWait) {
     Task task;
     EXPECT_TRUE(QBLCustodian::registerTask(&task));
     for (int i = 0; i < 100; ++i) {
-        QBLCustodian::setSchedule(50000);
+        QBLCustodian::setSchedule(std::chrono::seconds(50));
         QBLThread::yield();
     }
     EXPECT_EQ(0, task.calls) << "the pass starts too early";

@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <stdexcept>
+
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -46,17 +49,17 @@ TEST(QBLSentinelQueueTest, WithdrawsAnItemOnceAndReleasesReservedRoom) {
     Fragile first(1), second(2), got;
     ASSERT_TRUE(queue.reserve(0));
     queue.putReserved(second);
-    ASSERT_TRUE(queue.putFirst(first, 0));
-    EXPECT_FALSE(queue.reserve(0));
+    ASSERT_TRUE(queue.putFirst(first, 0ms));
+    EXPECT_FALSE(queue.reserve(1us));
     EXPECT_TRUE(queue.withdraw(second));
     EXPECT_FALSE(queue.withdraw(second));
     ASSERT_TRUE(queue.reserve(0));
-    EXPECT_FALSE(queue.put(second, 0)) << "the reserved place is not available";
+    EXPECT_FALSE(queue.put(second, -1s)) << "the reserved place is not available";
     queue.release();
     EXPECT_TRUE(queue.put(second, 0));
     for (const int expected : {1, 2}) {
         ASSERT_TRUE(queue.get(got, 0));
         EXPECT_EQ(expected, got.number);
     }
-    EXPECT_FALSE(queue.get(got, 0));
+    EXPECT_FALSE(queue.get(got, 1us));
 }

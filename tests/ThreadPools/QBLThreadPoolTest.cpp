@@ -2,6 +2,7 @@
 #include <pthread.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstring>
 #include <functional>
 #include <initializer_list>
@@ -18,6 +19,8 @@
 #include "tests/support/FaultInjection.hpp"
 #include "tests/support/ThrowChecks.hpp"
 #include "tests/support/Workers.hpp"
+
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -127,7 +130,7 @@ TEST_F(QBLThreadPoolTest, FixedHandsTasksToIdleWorkersOnly) {
     EXPECT_EQ(1, pool.execute(&blocking, QBLWaitForever));
     EXPECT_EQ(1, pool.execute(&blocking, QBLWaitForever));
     EXPECT_EQ(0, pool.execute(&blocking, 0));
-    EXPECT_EQ(0, pool.execute(&blocking, 20));
+    EXPECT_EQ(0, pool.execute(&blocking, 20ms));
     gate.open();
     EXPECT_EQ(1, pool.execute(&blocking, QBLWaitForever));
 }
@@ -135,8 +138,8 @@ TEST_F(QBLThreadPoolTest, FixedHandsTasksToIdleWorkersOnly) {
 TEST_F(QBLThreadPoolTest, VariableGrowsWithItsTasksAndShrinksToThePermanentWorkers) {
     Gate gate;
     Blocking blocking(gate);
-    QBLThreadPoolVariable pool(2, 1000, 1);
-    for (int i = 0; i < 5; ++i) EXPECT_EQ(1, pool.execute(&blocking, 0));
+    QBLThreadPoolVariable pool(2, 1s, 1us);
+    for (int i = 0; i < 5; ++i) EXPECT_EQ(1, pool.execute(&blocking, 0s));
     EXPECT_EQ(5U, pool.getWorkerCount());
     EXPECT_TRUE(eventually([&] { return blocking.started == 5; }));
     gate.open();
@@ -362,7 +365,7 @@ TEST_F(QBLThreadPoolTest, QueuedLimitsItsQueueToTheCapacity) {
     EXPECT_TRUE(eventually([&] { return blocking.started == 1; }));
     EXPECT_EQ(1, pool.execute(&blocking, 0));
     EXPECT_EQ(0, pool.execute(&blocking, 0));
-    EXPECT_EQ(0, pool.execute(nullptr, 20));
+    EXPECT_EQ(0, pool.execute(nullptr, 20ms));
     gate.open();
     EXPECT_EQ(1, pool.execute(&blocking, QBLWaitForever));
 }

@@ -5,6 +5,8 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <chrono>
+
 #include "tests/support/ThrowChecks.hpp"
 #include "tests/support/Workers.hpp"
 
@@ -38,7 +40,7 @@ TEST(QBLSignalWaiterTest, TakesBlockedSignalsAndRestoresTheMask) {
         EXPECT_TRUE(isBlocked(SIGUSR1)) << "the outer waiter blocks it";
         EXPECT_FALSE(isBlocked(SIGUSR2));
         kill(getpid(), SIGHUP);
-        EXPECT_EQ(0, outer.timedWait(1)) << "stays ignored";
+        EXPECT_EQ(0, outer.timedWait(std::chrono::microseconds(1))) << "stays ignored";
     }
     EXPECT_FALSE(isBlocked(SIGUSR1));
     std::signal(SIGHUP, SIG_DFL);

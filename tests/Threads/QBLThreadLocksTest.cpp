@@ -11,6 +11,7 @@
 
 #include "QBLCore/Frame/QBLList.hpp"
 #include "QBLCore/Frame/QBLThreadMonitor.hpp"
+#include "QBLCore/Threads/QBLThread.hpp"
 #include "QBLCore/Threads/QBLThreadAutoResetEvent.hpp"
 #include "QBLCore/Threads/QBLThreadConditionVariable.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
@@ -180,6 +181,28 @@ TEST(QBLMillisecondsTest, RoundsUpAndCapsEveryDuration) {
     EXPECT_EQ(QBLWaitForever, ms(time_point<SteadyClock, hours>::max()));
     const unsigned long left = ms(SteadyClock::now() + 1h);
     EXPECT_TRUE(left > 3600000 - kTestLimitMs && left <= 3600001) << left;
+}
+
+TEST(QBLMillisecondsTest, IsTheTimeoutOfEveryTimedOperation) {
+    QBLThreadMutex mutex;
+    QBLThreadRWLock lock;
+    QBLThreadCriticalSection section;
+    QBLThreadSemaphore semaphore;
+    QBLThreadAutoResetEvent automatic;
+    QBLThreadManualResetEvent manual;
+    QBLThreadConditionVariable changed;
+    const std::scoped_lock hold(mutex, lock, section);
+    elsewhere([&] {
+        EXPECT_FALSE(mutex.timedLock(1us) || mutex.boundedLock(-1h) || section.boundedLock(1us));
+        EXPECT_FALSE(lock.timedLock(1ns) || lock.timedReadLock(SteadyClock::now()));
+        EXPECT_FALSE(lock.boundedLock(SteadyClock::now() + 1ms) || lock.boundedReadLock(1ns));
+    });
+    EXPECT_FALSE(semaphore.timedWait(1us) || semaphore.boundedWait(SteadyClock::now()));
+    EXPECT_FALSE(automatic.timedWait(1us) || manual.timedWait(0.5ms));
+    EXPECT_FALSE(changed.timedWait(mutex, 1us) || changed.timedWait(section, 1us));
+    const auto end = SteadyClock::now() + 1500us;
+    QBLThread::sleep(end);
+    EXPECT_GE(SteadyClock::now(), end);
 }
 
 TEST(QBLThreadMutexTest, RecursiveLocksCountAndRejectOtherThreads) {
