@@ -1,11 +1,13 @@
 // Shows common operations of strings and some surprises.
+#include <algorithm>
 #include <iostream>
+#include <string>
 #include <unordered_map>
 
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/i18n_init.h"
+#include "i18n/cpp/i18n_literals.hpp"
 #include "i18n/cpp/i18n_string.hpp"
-#include "i18n/cpp/i18n_string_iterator.hpp"
 #include "i18n/cpp/i18n_uri.hpp"
 
 namespace {
@@ -28,6 +30,17 @@ void showTexts() {
     for (const I18NString& each : {composed, two, text}) ++counts[each];
     std::cout << counts.size() << " different texts; 50% is like 5_\\%: "
               << I18NString("50%").matchLike(I18NString("5_\\%"), L'\\') << '\n';
+}
+
+void showStandardTypes() {
+    const std::string name = "na\u00EFve";  // UTF-8
+    I18NString text(name);
+    text += std::u16string_view(u" \u03B1\u03B2\u03B3");
+    std::cout << text.utf8View()
+              << " backwards: " << I18NString(std::u32string(text.rbegin(), text.rend()));
+    const auto greek = std::count_if(text.begin(), text.end(), [](wchar_t c) { return c > 0x370; });
+    std::cout << ", Greek letters: " << greek << ", equal: " << (text.toUtf8() == text)
+              << text.starts_with(name) << (text > "na") << ("x"_i18n == text) << '\n';
 }
 
 void showEncodings() {
@@ -67,6 +80,7 @@ void showSurprises() {
 int main() {
     try {
         showTexts();
+        showStandardTypes();
         showEncodings();
         showSurprises();
     } catch (QBLThrowable& error) {

@@ -58,6 +58,9 @@ public:
     explicit I18NPooledString(const I18NString& text);
     /// @param utf8  null is the empty text
     explicit I18NPooledString(const char* utf8);
+    /// Takes a standard text (see I18NString), up to its first NUL.
+    template <class Text, std::enable_if_t<kI18NIsStdText<Text>, int> = 0>
+    explicit I18NPooledString(const Text& text) : I18NPooledString(I18NString(text)) {}
     I18NPooledString(const I18NPooledString& other);
     I18NPooledString(I18NPooledString&& other) noexcept : m_pEntry(other.m_pEntry) {
         other.m_pEntry = nullptr;
@@ -72,6 +75,10 @@ public:
     I18NPooledString& operator=(const char* utf8);
     I18NPooledString& operator=(const I18NPooledString& other);
     I18NPooledString& operator=(I18NPooledString&& other) noexcept;
+    template <class Text, std::enable_if_t<kI18NIsStdText<Text>, int> = 0>
+    I18NPooledString& operator=(const Text& text) {
+        return *this = I18NPooledString(text);
+    }
     /// @}
 
     /// @name The text
@@ -85,6 +92,68 @@ public:
     }
     friend bool operator!=(const I18NPooledString& a, const I18NPooledString& b) {
         return !(a == b);
+    }
+    /// Holders compare by their texts, not by their entries.
+    friend bool operator<(const I18NPooledString& a, const I18NPooledString& b) {
+        return a.getString() < b.getString();
+    }
+    friend bool operator<=(const I18NPooledString& a, const I18NPooledString& b) {
+        return a.getString() <= b.getString();
+    }
+    friend bool operator>(const I18NPooledString& a, const I18NPooledString& b) {
+        return a.getString() > b.getString();
+    }
+    friend bool operator>=(const I18NPooledString& a, const I18NPooledString& b) {
+        return a.getString() >= b.getString();
+    }
+    /// Standard texts and null-terminated UTF-8. An I18NString compares by its own operators.
+    template <class Text, std::enable_if_t<kI18NIsOrdered<Text>, int> = 0>
+    friend bool operator==(const I18NPooledString& a, const Text& b) {
+        return a.getString().compare(b) == 0;
+    }
+    template <class Text, std::enable_if_t<kI18NIsOrdered<Text>, int> = 0>
+    friend bool operator==(const Text& a, const I18NPooledString& b) {
+        return b.getString().compare(a) == 0;
+    }
+    template <class Text, std::enable_if_t<kI18NIsOrdered<Text>, int> = 0>
+    friend bool operator!=(const I18NPooledString& a, const Text& b) {
+        return a.getString().compare(b) != 0;
+    }
+    template <class Text, std::enable_if_t<kI18NIsOrdered<Text>, int> = 0>
+    friend bool operator!=(const Text& a, const I18NPooledString& b) {
+        return b.getString().compare(a) != 0;
+    }
+    template <class Text, std::enable_if_t<kI18NIsOrdered<Text>, int> = 0>
+    friend bool operator<(const I18NPooledString& a, const Text& b) {
+        return a.getString().compare(b) < 0;
+    }
+    template <class Text, std::enable_if_t<kI18NIsOrdered<Text>, int> = 0>
+    friend bool operator<(const Text& a, const I18NPooledString& b) {
+        return b.getString().compare(a) > 0;
+    }
+    template <class Text, std::enable_if_t<kI18NIsOrdered<Text>, int> = 0>
+    friend bool operator<=(const I18NPooledString& a, const Text& b) {
+        return a.getString().compare(b) <= 0;
+    }
+    template <class Text, std::enable_if_t<kI18NIsOrdered<Text>, int> = 0>
+    friend bool operator<=(const Text& a, const I18NPooledString& b) {
+        return b.getString().compare(a) >= 0;
+    }
+    template <class Text, std::enable_if_t<kI18NIsOrdered<Text>, int> = 0>
+    friend bool operator>(const I18NPooledString& a, const Text& b) {
+        return a.getString().compare(b) > 0;
+    }
+    template <class Text, std::enable_if_t<kI18NIsOrdered<Text>, int> = 0>
+    friend bool operator>(const Text& a, const I18NPooledString& b) {
+        return b.getString().compare(a) < 0;
+    }
+    template <class Text, std::enable_if_t<kI18NIsOrdered<Text>, int> = 0>
+    friend bool operator>=(const I18NPooledString& a, const Text& b) {
+        return a.getString().compare(b) >= 0;
+    }
+    template <class Text, std::enable_if_t<kI18NIsOrdered<Text>, int> = 0>
+    friend bool operator>=(const Text& a, const I18NPooledString& b) {
+        return b.getString().compare(a) <= 0;
     }
     /// @}
 
@@ -120,6 +189,13 @@ private:
 
     I18NPooledStringEntry* m_pEntry = nullptr;
 };
+
+/// Equal texts have equal hashes, so a holder can be looked up by a string or by UTF-8; see
+/// I18NTextHash.
+///
+/// Threads: any thread may call it.
+template <>
+struct std::hash<I18NPooledString> : I18NTextHash {};
 
 /// The texts of the process, in 257 buckets by a hash of their bytes.
 ///

@@ -8,9 +8,12 @@
 #include <cstring>
 #include <iosfwd>
 #include <string>
+#include <string_view>
+#include <type_traits>
 
 #include "QBLCore/Frame/QBLExport.h"
 #include "i18n/cpp/i18n_allocator.h"
+#include "i18n/cpp/i18n_std_text.hpp"
 
 U_NAMESPACE_BEGIN
 class UnicodeString;
@@ -47,6 +50,9 @@ enum I18NNormalizationForms { I18N_NFC, I18N_NFD, I18N_NFKC, I18N_NFKD };
 ///
 /// A wide character is a code point. A code point above U+FFFF is stored as a surrogate pair, a
 /// surrogate is stored unchanged, and a value beyond U+10FFFF is stored as U+FFFD.
+///
+/// A standard text is a std::string, std::string_view or anything else that kI18NIsStdText
+/// accepts. Its chars are UTF-8, and it is taken as a whole, including NUL characters.
 ///
 /// Errors: operations throw QBLOutOfMemoryError, and I18NRuntimeError where documented. The string
 /// is unchanged after an error, except in resizeExternalBuffer().
@@ -87,6 +93,11 @@ public:
     ///     bytes
     I18NString(const char* bytes, const I18NConverter& converter, int length = -1,
                I18NStringAllocator allocator = nullptr, void* context = nullptr);
+    /// Takes a standard text, with the error values above for ill-formed UTF-8.
+    template <class Text, std::enable_if_t<kI18NIsStdText<Text>, int> = 0>
+    explicit I18NString(const Text& text) : I18NString() {
+        set(i18nViewOf(text));
+    }
     ~I18NString() {
         if (m_pUnicodeString != nullptr || m_asciiBufCapacity > kInline ||
             m_pConverted.load(std::memory_order_relaxed) != nullptr)
@@ -113,6 +124,11 @@ public:
     I18NString& operator=(const wchar_t* text);
     I18NString& operator=(wchar_t c);
     I18NString& operator=(const I18NPooledString& text);
+    template <class Text, std::enable_if_t<kI18NIsStdText<Text>, int> = 0>
+    I18NString& operator=(const Text& text) {
+        set(i18nViewOf(text));
+        return *this;
+    }
     /// @}
 
     /// @name Changing the text
@@ -123,6 +139,10 @@ public:
     I18NString& append(const wchar_t* text);
     I18NString& append(wchar_t c);
     I18NString& append(const I18NPooledString& text);
+    template <class Text, std::enable_if_t<kI18NIsStdText<Text>, int> = 0>
+    I18NString& append(const Text& text) {
+        return add(i18nViewOf(text));
+    }
     template <class Text>
     I18NString& operator+=(const Text& text) {
         return append(text);
@@ -174,6 +194,21 @@ public:
     I18NStringOffset findLastNotOf(const I18NString& set, I18NStringOffset start = -1) const;
     I18NStringOffset findLastNotOf(const wchar_t* set, I18NStringOffset start = -1) const;
     I18NStringOffset findLastNotOf(wchar_t c, I18NStringOffset start = -1) const;
+    /// Returns true if the text begins with, ends with or contains another text, by code units.
+    /// @param text  a string, a code point, a null-terminated or a standard text. Null is empty,
+    ///     and an empty text is at both ends of every string
+    template <class Text>
+    bool starts_with(const Text& text) const {
+        return has(kAtBeginning, wanted(text));
+    }
+    template <class Text>
+    bool ends_with(const Text& text) const {
+        return has(kAtEnd, wanted(text));
+    }
+    template <class Text>
+    bool contains(const Text& text) const {
+        return has(kAnywhere, wanted(text));
+    }
     /// @}
 
     /// @name Lengths
@@ -210,6 +245,8 @@ public:
     wchar_t codePointAt(I18NStringOffset offset) const;
     I18NStringIterator begin() const;
     I18NStringIterator end() const;
+    std::reverse_iterator<I18NStringIterator> rbegin() const;
+    std::reverse_iterator<I18NStringIterator> rend() const;
     /// @}
 
     /// @name Bytes in an encoding
@@ -334,6 +371,16 @@ public:
 
     std::u16string toUtf16() const;
     std::string toUtf8() const;
+    /// Lone surrogates stay as they are.
+    std::u32string toUtf32() const;
+    std::wstring toWide() const;
+    /// Returns c_str() as a view without the NUL; valid as long as the bytes of c_str().
+    std::string_view utf8View() const {
+        int length = 0;
+        const char* const bytes = c_str(nullptr, &length);
+        return empty() ? std::string_view()
+                       : std::string_view(bytes, static_cast<std::size_t>(length) - 1);
+    }
     /// @}
 
     /// @name Comparing
@@ -343,6 +390,10 @@ public:
     /// greater than the other.
     int compare(const I18NString& other) const;
     int compare(const char* utf8) const;
+    template <class Text, std::enable_if_t<kI18NIsStdText<Text>, int> = 0>
+    int compare(const Text& text) const {
+        return compareTo(i18nViewOf(text));
+    }
     friend bool operator==(const I18NString& a, const I18NString& b) {
         if (a.nUnits() != b.nUnits()) return false;
         if (a.m_pUnicodeString != nullptr || b.m_pUnicodeString != nullptr)
@@ -359,7 +410,70 @@ public:
     friend bool operator==(const char* a, const I18NString& b) { return b.compare(a) == 0; }
     friend bool operator!=(const I18NString& a, const char* b) { return a.compare(b) != 0; }
     friend bool operator!=(const char* a, const I18NString& b) { return b.compare(a) != 0; }
+    /// Standard texts. A null-terminated text can be ordered, too.
+    template <class Text, std::enable_if_t<kI18NIsStdText<Text>, int> = 0>
+    friend bool operator==(const I18NString& a, const Text& b) {
+        return a.compare(b) == 0;
+    }
+    template <class Text, std::enable_if_t<kI18NIsStdText<Text>, int> = 0>
+    friend bool operator==(const Text& a, const I18NString& b) {
+        return b.compare(a) == 0;
+    }
+    template <class Text, std::enable_if_t<kI18NIsStdText<Text>, int> = 0>
+    friend bool operator!=(const I18NString& a, const Text& b) {
+        return a.compare(b) != 0;
+    }
+    template <class Text, std::enable_if_t<kI18NIsStdText<Text>, int> = 0>
+    friend bool operator!=(const Text& a, const I18NString& b) {
+        return b.compare(a) != 0;
+    }
+    template <class Text, std::enable_if_t<kI18NIsOrdered<Text>, int> = 0>
+    friend bool operator<(const I18NString& a, const Text& b) {
+        return a.compare(b) < 0;
+    }
+    template <class Text, std::enable_if_t<kI18NIsOrdered<Text>, int> = 0>
+    friend bool operator<(const Text& a, const I18NString& b) {
+        return b.compare(a) > 0;
+    }
+    template <class Text, std::enable_if_t<kI18NIsOrdered<Text>, int> = 0>
+    friend bool operator<=(const I18NString& a, const Text& b) {
+        return a.compare(b) <= 0;
+    }
+    template <class Text, std::enable_if_t<kI18NIsOrdered<Text>, int> = 0>
+    friend bool operator<=(const Text& a, const I18NString& b) {
+        return b.compare(a) >= 0;
+    }
+    template <class Text, std::enable_if_t<kI18NIsOrdered<Text>, int> = 0>
+    friend bool operator>(const I18NString& a, const Text& b) {
+        return a.compare(b) > 0;
+    }
+    template <class Text, std::enable_if_t<kI18NIsOrdered<Text>, int> = 0>
+    friend bool operator>(const Text& a, const I18NString& b) {
+        return b.compare(a) < 0;
+    }
+    template <class Text, std::enable_if_t<kI18NIsOrdered<Text>, int> = 0>
+    friend bool operator>=(const I18NString& a, const Text& b) {
+        return a.compare(b) >= 0;
+    }
+    template <class Text, std::enable_if_t<kI18NIsOrdered<Text>, int> = 0>
+    friend bool operator>=(const Text& a, const I18NString& b) {
+        return b.compare(a) <= 0;
+    }
     /// @}
+
+    /// Appends standard texts, or appends to them.
+    template <class Text, std::enable_if_t<kI18NIsStdText<Text>, int> = 0>
+    friend I18NString operator+(const I18NString& a, const Text& b) {
+        I18NString sum(a);
+        sum.append(b);
+        return sum;
+    }
+    template <class Text, std::enable_if_t<kI18NIsStdText<Text>, int> = 0>
+    friend I18NString operator+(const Text& a, const I18NString& b) {
+        I18NString sum(a);
+        sum.append(b);
+        return sum;
+    }
 
     /// @name Locks of conversions
     /// @{
@@ -390,6 +504,47 @@ private:
     friend struct I18NPooledStringEntry;
     friend class I18NTextView;
     friend class I18NStringIteratorValue;
+
+    enum Place { kAtBeginning, kAtEnd, kAnywhere };
+    bool has(Place place, const I18NString& text) const;
+    static const I18NString& wanted(const I18NString& text) { return text; }
+    static I18NString wanted(wchar_t c) { return I18NString(1, c); }
+    static std::string_view wanted(const char* utf8) {
+        return utf8 != nullptr ? std::string_view(utf8) : std::string_view();
+    }
+    static std::wstring_view wanted(const wchar_t* text) {
+        return text != nullptr ? std::wstring_view(text) : std::wstring_view();
+    }
+    template <class Text, std::enable_if_t<kI18NIsStdText<Text>, int> = 0>
+    static auto wanted(const Text& text) {
+        return i18nViewOf(text);
+    }
+    template <class View>
+    bool has(Place place, const View& text) const {
+        return has(place, alike(text));
+    }
+    /// Makes a string that normalises its text as this string does.
+    template <class View>
+    I18NString alike(const View& text) const {
+        I18NString other;
+        other.useNormalization(!hasFlag(kI18NNoNormalization));
+        other.set(text);
+        return other;
+    }
+
+    I18NString& set(std::string_view utf8);
+    I18NString& set(std::u16string_view units);
+    I18NString& set(std::u32string_view text);
+    I18NString& set(std::wstring_view text);
+    I18NString& add(std::string_view utf8);
+    I18NString& add(std::u16string_view units);
+    I18NString& add(std::u32string_view text);
+    I18NString& add(std::wstring_view text);
+    int compareTo(std::string_view utf8) const;
+    template <class View>
+    int compareTo(const View& text) const {
+        return compare(alike(text));
+    }
 
     bool hasFlag(Flags flag) const { return (m_flags.load(std::memory_order_acquire) & flag) != 0; }
     void setFlag(Flags flag, bool on);
@@ -489,5 +644,21 @@ template <>
 struct std::hash<I18NString> {
     QBL_API std::size_t operator()(const I18NString& text) const noexcept;
 };
+
+/// A hash for containers that look up strings by UTF-8 without making a string, since C++20:
+///     std::unordered_map<I18NString, int, I18NTextHash, std::equal_to<>> counts;
+///     counts.find("word");
+///
+/// Threads: any thread may call it.
+struct I18NTextHash {
+    typedef void is_transparent;
+    std::size_t operator()(const I18NString& text) const noexcept {
+        return std::hash<I18NString>()(text);
+    }
+    /// @throws QBLOutOfMemoryError if the text is not ASCII and memory runs out
+    QBL_API std::size_t operator()(std::string_view utf8) const;
+};
+
+#include "i18n/cpp/i18n_string_iterator.hpp"
 
 #endif

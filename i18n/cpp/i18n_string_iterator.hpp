@@ -1,6 +1,10 @@
 #ifndef I18N_CPP_I18N_STRING_ITERATOR_HPP
 #define I18N_CPP_I18N_STRING_ITERATOR_HPP
 
+#include <cstddef>
+#include <iterator>
+#include <type_traits>
+
 #include "i18n/cpp/i18n_string.hpp"
 
 /// The code point at a position of a string. It can be read, and replaced by assignment.
@@ -18,6 +22,20 @@ public:
     operator wchar_t() const;
     bool operator==(wchar_t c) const;
     bool operator!=(wchar_t c) const { return !(*this == c); }
+    bool operator==(const I18NStringIteratorValue& other) const {
+        return *this == static_cast<wchar_t>(other);
+    }
+    bool operator!=(const I18NStringIteratorValue& other) const { return !(*this == other); }
+    /// Compares with the number of another character type or integer type.
+    template <class Number, std::enable_if_t<std::is_integral_v<Number>, int> = 0>
+    bool operator==(Number c) const {
+        // A negative char is not a code point. NOLINTNEXTLINE(bugprone-signed-char-misuse)
+        return static_cast<long long>(static_cast<wchar_t>(*this)) == static_cast<long long>(c);
+    }
+    template <class Number, std::enable_if_t<std::is_integral_v<Number>, int> = 0>
+    bool operator!=(Number c) const {
+        return !(*this == c);
+    }
     /// Replaces the code point in the string.
     /// @throws QBLAssertError at or beyond the end of a string that is stored as ASCII
     I18NStringIteratorValue& operator=(wchar_t c);
@@ -28,12 +46,26 @@ private:
     I18NStringOffset m_offset;
 };
 
-/// A position in a string, moved by code points. Changes of the string do not adjust it.
+/// A position in a string, moved by code points. Changes of the string do not adjust it. A lone
+/// surrogate is a code point of its own.
+///
+/// The iterator satisfies the concept std::bidirectional_iterator of C++20, and works with the
+/// algorithms of C++17 for bidirectional iterators that only read. It refers to a code point by an
+/// I18NStringIteratorValue, because the string has no wchar_t that it could refer to. So give the
+/// variable of a loop the type wchar_t: for (wchar_t c : text).
 ///
 /// Threads: one thread at a time may use an iterator. Any number of iterators may point into a
 /// string that no thread changes.
 class QBL_API I18NStringIterator {
 public:
+    typedef std::bidirectional_iterator_tag iterator_category;
+    typedef wchar_t value_type;
+    typedef std::ptrdiff_t difference_type;
+    typedef void pointer;
+    typedef I18NStringIteratorValue reference;
+
+    /// An iterator of no string. It can only be assigned and compared.
+    I18NStringIterator() : m_pString(nullptr), m_offset(0) {}
     I18NStringIterator(const I18NString& string, I18NStringOffset offset)
         : m_pString(const_cast<I18NString*>(&string)), m_offset(offset) {}
 
@@ -59,5 +91,12 @@ private:
     I18NString* m_pString;
     I18NStringOffset m_offset;
 };
+
+inline std::reverse_iterator<I18NStringIterator> I18NString::rbegin() const {
+    return std::reverse_iterator<I18NStringIterator>(end());
+}
+inline std::reverse_iterator<I18NStringIterator> I18NString::rend() const {
+    return std::reverse_iterator<I18NStringIterator>(begin());
+}
 
 #endif

@@ -168,18 +168,20 @@ int I18NString::compare(const I18NString& other) const {
 }
 
 int I18NString::compare(const char* utf8) const {
-    const std::size_t length = utf8 != nullptr ? std::strlen(utf8) : 0;
-    if (length <= INT_MAX && i18nIsASCII(utf8, length)) {
-        const I18NTextView text(utf8 != nullptr ? utf8 : "", static_cast<int>(length));
+    return compareTo(utf8 != nullptr ? std::string_view(utf8) : std::string_view());
+}
+
+int I18NString::compareTo(std::string_view utf8) const {
+    const char* const bytes = utf8.data();
+    const std::size_t length = utf8.size();
+    if (length <= INT_MAX && i18nIsASCII(bytes, length)) {
+        const I18NTextView text(bytes != nullptr ? bytes : "", static_cast<int>(length));
         return I18NTextView(*this).visit([&text](const auto* a, int lengthA) {
             return text.visit(
                 [=](const auto* b, int lengthB) { return compareUnits(a, lengthA, b, lengthB); });
         });
     }
-    I18NString other;
-    other.useNormalization(!hasFlag(kI18NNoNormalization));
-    other = utf8;
-    return compare(other);
+    return compare(alike(utf8));
 }
 
 // FNV-1a over the code units. So equal texts have equal hashes, however they are stored.
