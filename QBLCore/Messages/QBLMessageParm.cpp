@@ -69,6 +69,9 @@ QBLMessageParm::QBLMessageParm(const I18NString& text)
 QBLMessageParm::QBLMessageParm(const char* utf8)
     : m_type(QBLMsgParmString), m_value(0), m_double(0), m_pText(copyOf(utf8)) {}
 
+QBLMessageParm::QBLMessageParm(const Bytes& utf8)
+    : QBLMessageParm(I18NString(std::string_view(utf8.data, utf8.size))) {}
+
 QBLMessageParm::QBLMessageParm(QBLMsgParm type) : QBLMessageParm(0L, type) {}
 
 QBLMessageParm::QBLMessageParm(const QBLMessageParm& other)

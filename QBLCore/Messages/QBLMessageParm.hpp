@@ -19,12 +19,31 @@ enum QBLMsgParm : int {
     QBLMsgParmOpaque = 7
 };
 
+/// Tells whether a text of the standard library converts to none of the older parameter types.
+/// Does not use <type_traits>, which would triple the cost of this header.
+///
+/// Threads: not called at run time.
+struct QBLMessageTextCheck {
+    static char test(const char*);
+    static char test(const I18NString&);
+    static char test(double);
+    static int test(...);
+    template <class Text>
+    static const Text& text();
+};
+template <class Chars, unsigned long kSize>
+struct QBLMessageTextType {};
+template <>
+struct QBLMessageTextType<const char*, sizeof(int)> {
+    typedef int Type;
+};
+
 /// A value that a message shows, with its type.
 ///
 /// Threads: not synchronised.
 ///
 ///     const std::string now = QBLUtSystemInfo::getTimeStamp(0);
-///     message << 5 << "disk" << now.c_str();  // a 32-bit date parameter ends in January 1970
+///     message << 5 << "disk" << now;  // a 32-bit date parameter ends in January 1970
 class QBL_API QBLMessageParm {
 public:
     /// @name Making a parameter
@@ -41,9 +60,16 @@ public:
     QBLMessageParm(long long value);
     QBLMessageParm(unsigned long long value);
     QBLMessageParm(double value);
+    QBLMessageParm(long double value) : QBLMessageParm(static_cast<double>(value)) {}
     QBLMessageParm(const I18NString& text);
     /// @param utf8  null stands for an empty text
     QBLMessageParm(const char* utf8);
+    /// Takes a std::string or std::string_view, as a whole.
+    template <class Text, class = typename Text::traits_type,
+              class = typename QBLMessageTextType<
+                  decltype(QBLMessageTextCheck::text<Text>().data()),
+                  sizeof(QBLMessageTextCheck::test(QBLMessageTextCheck::text<Text>()))>::Type>
+    QBLMessageParm(const Text& utf8) : QBLMessageParm(Bytes(utf8.data(), utf8.size())) {}
     QBLMessageParm(QBLMsgParm type);
     QBLMessageParm(const QBLMessageParm& other);
     QBLMessageParm& operator=(const QBLMessageParm& other);
@@ -91,6 +117,13 @@ public:
     /// @}
 
 private:
+    struct Bytes {
+        explicit Bytes(const char* from, decltype(sizeof 0) length) : data(from), size(length) {}
+        const char* data;
+        decltype(sizeof 0) size;
+    };
+    explicit QBLMessageParm(const Bytes& utf8);
+
     QBLMsgParm m_type;
     long m_value;  // for all integer types; an unsigned value keeps its bits
     double m_double;

@@ -13,8 +13,14 @@ public:
     explicit QBLMessageString(const I18NString& text);
     /// @param utf8  null stands for an empty text
     explicit QBLMessageString(const char* utf8);
+    /// Takes a standard text; see I18NString.
+    template <class Text, std::enable_if_t<kI18NIsStdText<Text>, int> = 0>
+    explicit QBLMessageString(const Text& text) : QBLMessageString(I18NString(text)) {}
     QBLMessageString(QBLSeverity severity, const I18NString& text);
     QBLMessageString(QBLSeverity severity, const char* utf8);
+    template <class Text, std::enable_if_t<kI18NIsStdText<Text>, int> = 0>
+    QBLMessageString(QBLSeverity severity, const Text& text)
+        : QBLMessageString(severity, I18NString(text)) {}
     QBLMessageString(const QBLMessageString& other);
     QBLMessageString& operator=(const QBLMessageString& other);
     ~QBLMessageString() override;

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <iterator>
+#include <string>
 #include <type_traits>
 
 #include "QBLCore/Messages/QBLErrnoMessage.hpp"
@@ -85,6 +87,28 @@ TEST(QBLMessageParmTest, FormatsItsValueByItsType) {
     I18NString most;
     QBLMessageParm(1.7976931348623157e308).format(nullptr, most);
     EXPECT_EQ(316, most.length());
+}
+
+TEST(QBLMessageParmTest, TakesEveryNumberAndText) {
+    struct Both : std::string {
+        operator const char*() const { return "pointer"; }
+    };
+    static_assert(!std::is_constructible_v<QBLMessageParm, std::wstring>);
+    QBLMessage message("none");
+    message << std::string("a\0b", 3) << std::string_view("cd", 1) << I18NString("e")
+            << QBLMessageParm(Both()) << static_cast<short>(-1) << static_cast<unsigned char>(2)
+            << true << 'A' << L'B' << std::size_t{3} << std::ptrdiff_t{-4} << 5LL << 6ULL << 0.5F
+            << 1.5L;
+    const char* const texts[] = {"a",  "c", "e",  "pointer", "-1", "2",        "1",       "65",
+                                 "66", "3", "-4", "5",       "6",  "0.500000", "1.500000"};
+    I18NString text;
+    for (unsigned n = 0; n < std::size(texts); ++n) {
+        message.getParmN(n)->getValue(text);
+        EXPECT_STREQ(texts[n], text.c_str()) << n;
+    }
+    message.getParmN(0)->getValue(text);
+    EXPECT_EQ(3, text.nUnits());
+    EXPECT_EQ("left", formatted(QBLMessageString(std::string_view("left|right", 4))));
 }
 
 TEST(QBLMessageTest, ShowsItsPartsIfItHasNoText) {
