@@ -4,6 +4,9 @@
 #include <string>
 #include <unordered_map>
 
+#include "QBLCore/Messages/QBLMessageString.hpp"
+#include "QBLCore/Messages/QBLMessageText.hpp"
+#include "QBLCore/Types/QBLTypesText.hpp"
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/i18n_init.h"
 #include "i18n/cpp/i18n_literals.hpp"
@@ -41,6 +44,10 @@ void showStandardTypes() {
     const auto greek = std::count_if(text.begin(), text.end(), [](wchar_t c) { return c > 0x370; });
     std::cout << ", Greek letters: " << greek << ", equal: " << (text.toUtf8() == text)
               << text.starts_with(name) << (text > "na") << ("x"_i18n == text) << '\n';
+
+    QBLByteBuffer buffer;
+    buffer << std::string_view("bytes");
+    std::cout << QBLMessageString(name) << " and " << buffer << '\n';
 }
 
 void showEncodings() {
