@@ -45,7 +45,8 @@ public:
     static bool removeDir(const char* path);
     static bool removeDir(const I18NString& path);
     /// Lists the names in a directory, sorted by their bytes, without "." and "..".
-    /// A link counts as its target; a dangling link counts as a file.
+    /// A link counts as its target; a dangling link, a FIFO, a socket and a device count as files.
+    /// QBLFmEntries tells these types apart.
     /// @param files  receives the names of everything except directories, which replace its old
     ///     content; may be null
     /// @param filePattern  selects names: "*" matches any text, "?" matches one UTF-8 character,

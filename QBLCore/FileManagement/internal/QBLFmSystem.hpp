@@ -10,6 +10,7 @@
 #include <cstring>
 #include <new>
 #include <stdexcept>
+#include <utility>
 
 #include "QBLCore/Base/QBLCloseQuietly.hpp"
 #include "QBLCore/Base/QBLFileStatus.hpp"
@@ -73,6 +74,7 @@ public:
         return false;
     }
     bool isOpen() const { return m_pStream != nullptr; }
+    void swap(QBLFmOpenDir& other) { std::swap(m_pStream, other.m_pStream); }
     int descriptor() const { return dirfd(m_pStream); }
     /// Returns the next entry; skips "." and "..".
     /// @return null with errno 0 at the end; null with errno set on failure
