@@ -11,8 +11,8 @@
 /// The time is rounded up to whole milliseconds. A negative time and NaN become 0. A time of more
 /// than 4294967294 ms, which is 49.7 days, becomes QBLWaitForever.
 ///
-/// This header does not include <chrono>. It accepts any type with the members of a duration or of
-/// a time point.
+/// This header does not include `<chrono>`. It accepts any type with the members of a duration or
+/// of a time point.
 ///
 /// Threads: reading: any thread; changing: one thread.
 class QBLMilliseconds {
