@@ -180,7 +180,9 @@ TEST(QBLMillisecondsTest, IsTheTimeoutOfEveryTimedOperation) {
     QBLThreadAutoResetEvent automatic;
     QBLThreadManualResetEvent manual;
     QBLThreadConditionVariable changed;
-    const std::scoped_lock hold(mutex, lock, section);
+    std::unique_lock first(mutex);
+    std::unique_lock second(section);
+    const std::scoped_lock third(lock);
     elsewhere([&] {
         EXPECT_FALSE(mutex.timedLock(1us) || mutex.boundedLock(-1h) || section.boundedLock(1us));
         EXPECT_FALSE(lock.timedLock(1ns) || lock.timedReadLock(SteadyClock::now()));
@@ -188,7 +190,11 @@ TEST(QBLMillisecondsTest, IsTheTimeoutOfEveryTimedOperation) {
     });
     EXPECT_FALSE(semaphore.timedWait(1us) || semaphore.boundedWait(SteadyClock::now()));
     EXPECT_FALSE(automatic.timedWait(1us) || manual.timedWait(0.5ms));
-    EXPECT_FALSE(changed.timedWait(mutex, 1us) || changed.timedWait(section, 1us));
+    first.unlock();
+    EXPECT_FALSE(changed.timedWait(section, 1us));
+    second.unlock();
+    first.lock();
+    EXPECT_FALSE(changed.timedWait(mutex, 1us));
     const auto end = SteadyClock::now() + 1500us;
     QBLThread::sleep(end);
     EXPECT_GE(SteadyClock::now(), end);
