@@ -1,3 +1,5 @@
 #include "QBLCore/ThreadPools/QBLThreadExecuteRunnable.hpp"
 
-QBLThreadExecuteRunnable::~QBLThreadExecuteRunnable() = default;
+#include "QBLCore/ThreadPools/QBLPoolTask.hpp"
+
+QBLThreadExecuteRunnable::~QBLThreadExecuteRunnable() { QBLPoolTask::dropAllOf(*this); }

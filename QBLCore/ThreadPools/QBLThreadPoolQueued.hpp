@@ -29,6 +29,9 @@ public:
     int execute(QBLThreadRunnable* task, unsigned long timeout = 0) override;
     using QBLThreadExecuteRunnable::execute;
 
+    /// Returns false if a stop drops the tasks in the queue.
+    bool finishesQueuedWork() const { return m_iFinishQueuedWork != 0; }
+
 private:
     friend class QBLThreadPool;
     class WorkerThread;
