@@ -1,5 +1,7 @@
 #include "QBLCore/Exceptions/QBLStdBridge.hpp"
 
+#include <atomic>
+#include <memory>
 #include <new>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
@@ -8,14 +10,38 @@
 #include "QBLCore/Exceptions/QBLWhat.hpp"
 #include "TavThread/shared/TavContain.hpp"
 
+// A count of its own instead of std::shared_ptr keeps <memory> out of the header.
+struct QBLStdBridge::Shared {
+    explicit Shared(const QBLThrowable& e) : error(e.clone()) {}
+
+    const std::unique_ptr<const QBLThrowable> error;
+    std::atomic<unsigned int> holders{1};
+};
+
 QBLStdBridge::QBLStdBridge(const QBLThrowable& error)
-    : std::runtime_error(qblWhat(error)), m_pError(error.clone()) {}
+    : std::runtime_error(qblWhat(error)), m_pShared(new Shared(error)) {}
 
-QBLStdBridge::QBLStdBridge(const QBLStdBridge& other) noexcept = default;
+QBLStdBridge::QBLStdBridge(const QBLStdBridge& other) noexcept
+    : std::runtime_error(other), m_pShared(other.m_pShared) {
+    m_pShared->holders.fetch_add(1, std::memory_order_relaxed);
+}
 
-QBLStdBridge& QBLStdBridge::operator=(const QBLStdBridge& other) noexcept = default;
+QBLStdBridge& QBLStdBridge::operator=(const QBLStdBridge& other) noexcept {
+    if (this == &other) return *this;
+    std::runtime_error::operator=(other);
+    other.m_pShared->holders.fetch_add(1, std::memory_order_relaxed);
+    release();
+    m_pShared = other.m_pShared;
+    return *this;
+}
 
-QBLStdBridge::~QBLStdBridge() = default;
+QBLStdBridge::~QBLStdBridge() { release(); }
+
+const QBLThrowable& QBLStdBridge::getThrowable() const noexcept { return *m_pShared->error; }
+
+void QBLStdBridge::release() noexcept {
+    if (m_pShared->holders.fetch_sub(1, std::memory_order_acq_rel) == 1) delete m_pShared;
+}
 
 TAV_CATCHES_UNWINDING void qblToStd(const QBLFileLocation& where) {
     try {

@@ -1,7 +1,6 @@
 #ifndef QBLCORE_EXCEPTIONS_QBLSTDBRIDGE_HPP
 #define QBLCORE_EXCEPTIONS_QBLSTDBRIDGE_HPP
 
-#include <memory>
 #include <stdexcept>
 
 #include "QBLCore/Exceptions/QBLFileLocation.hpp"
@@ -27,10 +26,14 @@ public:
     ~QBLStdBridge() override;
 
     /// Returns a copy of the throwable. All copies of the bridge share it.
-    const QBLThrowable& getThrowable() const noexcept { return *m_pError; }
+    const QBLThrowable& getThrowable() const noexcept;
 
 private:
-    std::shared_ptr<const QBLThrowable> m_pError;
+    struct Shared;
+
+    void release() noexcept;
+
+    Shared* m_pShared;  // all copies of the bridge hold it
 };
 
 /// For handlers: rethrows the current exception as a std::exception. A throwable becomes a

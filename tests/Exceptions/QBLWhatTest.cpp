@@ -53,6 +53,12 @@ TEST(QBLStdBridgeTest, CarriesAThrowableThroughStdExceptions) {
                 }
             } catch (const std::exception& e) {
                 what = e.what();
+                if (const auto* bridge = dynamic_cast<const QBLStdBridge*>(&e)) {
+                    QBLStdBridge copy(QBLError(1, "other"));
+                    copy = *bridge;
+                    copy = *&copy;
+                    throw copy;
+                }
                 throw;
             }
         } catch (...) {
