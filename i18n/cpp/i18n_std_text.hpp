@@ -12,10 +12,12 @@
 class I18NPooledString;
 class I18NString;
 
+/// True if a constant or a variable of a type converts to the target implicitly.
 template <class Text, class Target>
 constexpr bool kI18NConverts =
     std::is_convertible_v<const Text&, Target> || std::is_convertible_v<Text&, Target>;
 
+/// UTF-8 in chars of its own type, where the standard has this type.
 #ifdef __cpp_lib_char8_t
 typedef std::u8string_view I18NUtf8View;
 #else

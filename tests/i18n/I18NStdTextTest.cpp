@@ -41,6 +41,9 @@ TEST(I18NStdTextTest, TakesAndGivesEveryViewAsAWhole) {
     EXPECT_EQ("a\0z"_i18n.toWide(), std::wstring(L"a\0z", 3));
     EXPECT_EQ(3, "a\0z"_i18n.nUnits() + ""_i18n.nUnits());
     EXPECT_TRUE("a\0z"_i18n.isUsingAsciiBuffer());
+    const std::string malformed = "a\xE4\xB8\xED\xA0\x80zzzzzzzzzzzzzzzzzzzz\xED\xA0\x80";
+    for (std::size_t at = 0; at <= malformed.size(); ++at)  // the decoder works in blocks
+        EXPECT_TRUE(I18NString(std::string(malformed).insert(at, 1, '\0')).contains(L'\0')) << at;
     const std::u32string mixed = {U'x', char32_t{kHigh}, U'\U0001F600', 0x110000};
     EXPECT_EQ((std::u32string{U'x', char32_t{kHigh}, U'\U0001F600', 0xFFFD}),
               I18NString(mixed).toUtf32());

@@ -38,7 +38,7 @@ std::u16string decoded(std::string_view utf8) {
         length += i18nDecodeUTF8(part.data(), part.size(), &units[length]).units;
         if (part.size() == utf8.size()) break;
         utf8.remove_prefix(part.size() + 1);
-        ++length;  // the NUL
+        units[length++] = u'\0';  // the decoder may have written after its result
     }
     units.resize(length);
     return units;
