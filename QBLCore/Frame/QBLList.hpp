@@ -167,8 +167,8 @@ public:
         last.index = first.index;
         return last;
     }
-    iterator erase(const_iterator position) { return erase(unconst(position)); }
-    iterator erase(const_iterator first, const_iterator last) {
+    iterator erase(const const_iterator& position) { return erase(unconst(position)); }
+    iterator erase(const const_iterator& first, const const_iterator& last) {
         return erase(unconst(first), unconst(last));
     }
     void clear() { erase(begin(), end()); }
