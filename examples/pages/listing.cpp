@@ -1,4 +1,4 @@
-// Lists a tree in one pass.
+// Lists a tree in one pass, and reads the lines of a file.
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -10,13 +10,15 @@
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
 #include "QBLCore/FileManagement/QBLFmEntries.hpp"
 #include "QBLCore/FileManagement/QBLFmFile.hpp"
+#include "QBLCore/FileManagement/QBLFmLines.hpp"
 
 namespace {
 
 void makeTree(const std::string& root) {
     QBLFmFile file;
     QBLFmDir::createDir((root + "/in").c_str());
-    if (file.open((root + "/in/data").c_str(), QBLFmFile::create, 0)) file.write("12345", 5);
+    if (file.open((root + "/in/data").c_str(), QBLFmFile::create, 0))
+        file.write("apple\npear\nx\xFF\n", 14);
     mkfifo((root + "/queue").c_str(), 0600);
 }
 
@@ -41,6 +43,13 @@ int main() {
     if (!QBLFmDir::createTempDir(nullptr, "page", root)) return 1;
     makeTree(root);
     for (const std::string& line : list(root)) std::printf("%s\n", line.c_str());
+    try {
+        QBLFmLines lines(root + "/in/data", "Shift_JIS");
+        for (const std::string_view line : lines)
+            std::printf("%d: %s\n", int(lines.getLineNumber()), std::string(line).c_str());
+    } catch (QBLThrowable& error) {
+        std::printf("%s\n", std::string(error.getMessage()).erase(12, root.size() + 1).c_str());
+    }
     if (!QBLFmDir::removeDir(root.c_str())) return 1;
     try {
         list(root);
