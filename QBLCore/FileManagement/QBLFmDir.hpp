@@ -4,6 +4,7 @@
 #include <list>
 #include <string>
 
+#include "QBLCore/FileManagement/QBLFmPathText.hpp"
 #include "QBLCore/Frame/QBLExport.h"
 
 class I18NString;
@@ -148,6 +149,38 @@ public:
                                       const char* suffix = nullptr);
     static bool createPrivateTempFile(const I18NString* basePath, const I18NString* prefix,
                                       I18NString& result, const I18NString* suffix = nullptr);
+    /// @}
+
+    /// @name The same for std::filesystem::path
+    /// A path with a NUL fails with EFAULT.
+    /// @{
+
+    template <class Path>
+    static auto exists(const Path& path, unsigned short mode)
+        -> decltype(qblPathText(path), bool()) {
+        return exists(qblPathText(path), mode);
+    }
+    template <class Path>
+    static auto createDir(const Path& path) -> decltype(qblPathText(path), bool()) {
+        return createDir(qblPathText(path));
+    }
+    template <class Path>
+    static auto createRecursiveDir(const Path& path) -> decltype(qblPathText(path), bool()) {
+        return createRecursiveDir(qblPathText(path));
+    }
+    template <class Path>
+    static auto removeDir(const Path& path) -> decltype(qblPathText(path), bool()) {
+        return removeDir(qblPathText(path));
+    }
+    template <class Path>
+    static auto removeFile(const Path& path) -> decltype(qblPathText(path), bool()) {
+        return removeFile(qblPathText(path));
+    }
+    template <class Path>
+    static auto renameFile(const Path& from, const Path& to)
+        -> decltype(qblPathText(from), bool()) {
+        return renameFile(qblPathText(from), qblPathText(to));
+    }
     /// @}
 };
 

@@ -4,6 +4,7 @@
 #include <list>
 #include <string>
 
+#include "QBLCore/FileManagement/QBLFmPathText.hpp"
 #include "QBLCore/Frame/QBLExport.h"
 
 /// An open directory. Names are looked up in the open directory itself. Other users therefore
@@ -40,6 +41,11 @@ public:
 
     /// Opens the directory at a path; follows links.
     [[nodiscard]] bool open(const char* path);
+    /// For std::filesystem::path. A path with a NUL fails with EFAULT.
+    template <class Path>
+    [[nodiscard]] auto open(const Path& path) -> decltype(qblPathText(path), bool()) {
+        return open(qblPathText(path));
+    }
     /// Opens a directory inside another one.
     [[nodiscard]] bool open(const QBLFmDirectory& parent, const char* name);
     /// Opens a directory inside another one, and creates it if it does not exist.

@@ -5,6 +5,7 @@
 #include <stdio.h>
 
 #include "QBLCore/FileManagement/QBLFmDescriptor.hpp"
+#include "QBLCore/FileManagement/QBLFmPathText.hpp"
 #include "QBLCore/Frame/QBLExport.h"
 #include "i18n/cpp/i18n_string.hpp"
 
@@ -75,6 +76,12 @@ public:
     ///     access mode
     virtual bool open(const I18NString& name, createmode mode, int readOnly);
     virtual bool open(const char* name, createmode mode, int readOnly);
+    /// For std::filesystem::path. A path with a NUL fails with EFAULT.
+    template <class Path>
+    auto open(const Path& name, createmode mode, int readOnly)
+        -> decltype(qblPathText(name), bool()) {
+        return open(qblPathText(name), mode, readOnly);
+    }
     /// Closes the file if one is open, and wraps a standard stream of the process.
     /// @return true if the stream was wrapped. Deliberately also true if closing the old file
     ///     failed; the object is closed in this case.

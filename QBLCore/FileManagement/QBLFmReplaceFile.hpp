@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "QBLCore/FileManagement/QBLFmPathText.hpp"
 #include "QBLCore/Frame/QBLExport.h"
 
 class QBLFmDirectory;
@@ -52,6 +53,11 @@ public:
     /// Discards the unfinished version if there is one, and begins a new, empty version. The file
     /// need not exist; its directory must exist and allow new files.
     [[nodiscard]] bool open(const char* path);
+    /// For std::filesystem::path. A path with a NUL fails with EFAULT.
+    template <class Path>
+    [[nodiscard]] auto open(const Path& path) -> decltype(qblPathText(path), bool()) {
+        return open(qblPathText(path));
+    }
     /// Does the same for a file in an open directory. Other users cannot redirect this call.
     /// Refuses a symbolic link with EINVAL.
     [[nodiscard]] bool open(const QBLFmDirectory& directory, const char* name);

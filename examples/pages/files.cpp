@@ -8,7 +8,7 @@
 #include "QBLCore/FileLock/QBLFileLockRW.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
 #include "QBLCore/FileManagement/QBLFmFile.hpp"
-#include "QBLCore/FileManagement/QBLFmReplaceFile.hpp"
+#include "QBLCore/FileManagement/QBLFmReplaceStream.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Threads/QBLThreadMutex.hpp"
 
@@ -34,8 +34,9 @@ struct Owner {
     }
     bool replace(const std::string& path, const std::string& text) {
         const QBLThreadGuard first(threads), second(processes);
-        QBLFmReplaceFile next;
-        return next.open(path.c_str()) && next.write(text.data(), text.size()) && next.commit();
+        QBLFmReplaceStream next(path.c_str());
+        next << text;
+        return next.commit();
     }
 };
 

@@ -405,3 +405,14 @@ TEST(QBLFmDirTest, FindsFilesFromTheirBaseAndTheEffectiveDirectory) {
     QBLFmDir::setEffectiveWorkingDir(nullptr);
     EXPECT_EQ("f", resolved("f"));
 }
+
+TEST(QBLFmDirTest, TakesStandardPaths) {
+    const TempTree tree;
+    const std::filesystem::path root = tree.root(), a = root / "a", zero(std::string("a\0b", 3));
+    EXPECT_TRUE(QBLFmDir::createRecursiveDir(a / "b") && QBLFmDir::exists(a, S_IFDIR));
+    QBLFmFile64 file;
+    EXPECT_TRUE(file.open(a / "c", QBLFmFile64::create, 0));
+    EXPECT_TRUE(QBLFmDir::renameFile(a / "c", a / "d") && QBLFmDir::removeFile(a / "d"));
+    EXPECT_FALSE(QBLFmDir::createDir(zero) || file.open(zero, QBLFmFile64::create, 0));
+    EXPECT_TRUE(QBLFmDir::removeDir(a));
+}

@@ -13,6 +13,7 @@
 #include <random>
 
 #include "QBLCore/FileLock/M_LockFile.hpp"
+#include "QBLCore/FileManagement/QBLFmReplaceStream.hpp"
 #include "tests/support/Child.hpp"
 #include "tests/support/FaultInjection.hpp"
 #include "tests/support/TempTree.hpp"
@@ -232,4 +233,26 @@ TEST(QBLFmReplaceFileTest, FileIsNeverPartialIfItsWriterIsKilled) {
         EXPECT_TRUE(entry.path().filename() == "f" ||
                     entry.path().filename().string().rfind(".QBLFm", 0) == 0)
             << entry.path();
+}
+
+TEST(QBLFmReplaceFileTest, IsAStreamThatReplacesOnlyWhenItCommits) {
+    const TempTree tree;
+    const std::filesystem::path path = tree.file("file", "old");
+    const std::string large(20000, 'x');
+    {
+        QBLFmReplaceStream unfinished(path);
+        unfinished << large;
+    }
+    EXPECT_EQ("old", tree.text("file"));
+    QBLFmReplaceStream out(path.c_str());
+    for (int i = 0; i < 3000; ++i) out << i % 10 << "ab" << std::flush;
+    out << large;
+    EXPECT_TRUE(out.commit());
+    EXPECT_EQ(29000U, tree.text("file").size());
+    EXPECT_EQ("8ab9abxx", tree.text("file").substr(8994, 8));
+    EXPECT_FALSE(out << "late" && out.commit());
+    QBLFmReplaceStream absent(std::filesystem::path(tree("absent")) / "x");
+    EXPECT_FALSE(absent.commit());
+    EXPECT_EQ(ENOENT, absent.getFile().getLastErrorNumber());
+    EXPECT_EQ(1, entries(tree));
 }
