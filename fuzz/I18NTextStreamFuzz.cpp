@@ -1,4 +1,5 @@
-// Converts the input in blocks by text streams, from and to any encoding without shift states.
+// Converts the input in blocks by text streams, from and to the encodings that
+// dependsOnTextAlone() accepts.
 // Compares the output and the findings with those of ICU, which gets the whole input. The first
 // bytes select the encoding, the policy and the sizes of the blocks.
 #include <cstdint>

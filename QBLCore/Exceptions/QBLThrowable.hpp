@@ -65,10 +65,10 @@ public:
     /// Each call makes a new text, which is valid until the next call.
     virtual const char* toString();
     /// Returns a text for people: the messages of a QBLException in a language, joined by a
-    /// separator, or the message text of another throwable. Returns the name of the class and the
-    /// code if there is no text. Empty messages are left out. The throwable does not change, so
-    /// several threads may format one throwable that no thread changes. QBLWhat.hpp has the same
-    /// text as a std::string on one line, and the XML form of a constant throwable.
+    /// separator, or the message text of another throwable. If there is no text, returns the name
+    /// of the class, and the code unless it is 0. Empty messages are left out. The throwable does
+    /// not change, so several threads may format one throwable that no thread changes. QBLWhat.hpp
+    /// has the same text as a std::string on one line, and the XML form of a constant throwable.
     /// @param locales  in the order of preference, such as "de_AT de"; null or empty means the
     ///     default locales of QBLCatalogueSettings
     /// @param separator  UTF-8; null means an empty one

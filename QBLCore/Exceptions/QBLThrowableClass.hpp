@@ -27,7 +27,13 @@
 /// section, the second into one source file. This source file defines the destructor, so the class
 /// has only one set of type information. By this type information, the catch clauses of all shared
 /// objects recognise the class. The move constructor is declared as noexcept if the class has no
-/// fields of its own and the base's move constructor is noexcept.
+/// fields of its own and the base's move constructor is noexcept. The macros do not export the
+/// class, so declare it with default visibility:
+///
+///     class [[gnu::visibility("default")]] ParseError : public QBLRuntimeError {
+///     public:
+///         QBL_EXPORTED_THROWABLE(ParseError, QBLRuntimeError)
+///     };
 #define QBL_EXPORTED_THROWABLE(Class, Base)                                                   \
     typedef Class QBLHurledAs;                                                                \
     using Base::Base;                                                                         \

@@ -14,7 +14,10 @@ public:
 
     /// Does one pass of the work, on the custodian's thread. doIt() may register tasks. It must not
     /// deregister a task that has already been in a pass. It must not start or stop the library,
-    /// because the library may be waiting for doIt(). An exception that leaves doIt() ends the
+    /// because the library may be waiting for doIt(). For the same reason it must not call
+    /// I18NPooledString::initialize() or terminate(). QBLCustodian::deRegisterTask() and the stop
+    /// of the library wait for doIt(), so doIt() must not take a lock that a thread holds while it
+    /// calls them, and must not wait for such a thread. An exception that leaves doIt() ends the
     /// process: see QBLCustodian. If doIt() ends its thread, the custodian continues with another
     /// thread. Cancellations have no effect on the custodian's threads.
     /// @param terminating  1 in the last pass, while the library stops; otherwise 0

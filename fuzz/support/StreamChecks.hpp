@@ -137,8 +137,9 @@ inline StreamOutcome encodedByIcu(I18NConverter to, const std::u16string& text) 
 }
 
 /// Returns true for an encoding if ICU has the same results for a whole text and for its pieces,
-/// and reports all bytes that are not convertible. These are the encodings without shift states,
-/// except gsm, which has an escape character for single characters.
+/// and reports all bytes that are not convertible. These are US-ASCII, Latin-1, UTF-8, and the
+/// single-byte and multi-byte encodings without shift states, except gsm, which has an escape
+/// character for single characters.
 inline bool dependsOnTextAlone(const I18NConverter& converter) {
     const UConverter* const icu = I18NConverterAccess::icu(converter);
     UErrorCode status = U_ZERO_ERROR;

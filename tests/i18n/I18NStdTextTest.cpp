@@ -17,7 +17,8 @@
 static_assert(std::bidirectional_iterator<I18NStringIterator>);
 static_assert(std::ranges::bidirectional_range<const I18NString>);
 static_assert(std::is_nothrow_move_constructible_v<I18NString>);
-// Types that the operations without templates take, or that no text is.
+// None of these types is a standard text: the operations that are not templates take them, or they
+// are not text at all.
 static_assert(!kI18NIsStdText<I18NString> && !kI18NIsStdText<I18NPooledString>);
 static_assert(!kI18NIsStdText<const char*> && !kI18NIsStdText<char[4]> && !kI18NIsStdText<wchar_t>);
 static_assert(!kI18NIsStdText<std::nullptr_t> && !kI18NIsStdText<int>);
