@@ -185,9 +185,11 @@ TEST(QBLThrowableTest, CopiesShareNothingAndMovesTakeAll) {
         EXPECT_EQ("QBLError: two\nQBLError: one\n", traceOf(*e));
         EXPECT_EQ(0, e->getErrorCode());
     }
+    // NOLINTBEGIN(bugprone-use-after-move): shows what a move leaves
     EXPECT_EQ(nullptr, original.getErrorCodeString());
     EXPECT_EQ(nullptr, original.getMessage());
     EXPECT_TRUE(original.getBackTrace().empty());
+    // NOLINTEND(bugprone-use-after-move)
 }
 
 TEST(QBLThrowableTest, MovesAndCopiesBackTraces) {
