@@ -110,7 +110,8 @@ QBLFmEntries::QBLFmEntries(const char* path, Mode mode) : m_pWalk(nullptr) {
 }
 
 QBLFmEntries::QBLFmEntries(const std::string& path, Mode mode) : m_pWalk(nullptr) {
-    if (path.find('\0') != std::string::npos) throwUnlisted(path.c_str(), EILSEQ);
+    if (path.find('\0') != std::string::npos)
+        throwUnlisted(path.substr(0, path.find('\0')), EILSEQ);
     start(open64(path.c_str(), kOpenFlags), path.c_str(), mode);
 }
 

@@ -70,7 +70,7 @@ public:
     explicit InputFile(std::string path) : m_path(std::move(path)) {
         const bool isText = m_path.find('\0') == std::string::npos;
         m_iFd = isText ? open64(m_path.c_str(), O_RDONLY | O_CLOEXEC) : -1;
-        if (m_iFd < 0) throwUnread(m_path.c_str(), isText ? errno : EILSEQ);
+        if (m_iFd < 0) throwUnread(m_path.substr(0, m_path.find('\0')), isText ? errno : EILSEQ);
     }
     ~InputFile() { qblCloseQuietly(m_iFd); }
     InputFile(const InputFile&) = delete;

@@ -138,7 +138,7 @@ TEST_F(QBLThreadPoolTest, FixedHandsTasksToIdleWorkersOnly) {
 TEST_F(QBLThreadPoolTest, VariableGrowsWithItsTasksAndShrinksToThePermanentWorkers) {
     Gate gate;
     Blocking blocking(gate);
-    QBLThreadPoolVariable pool(2, 1s, 1us);
+    QBLThreadPoolVariable pool(2, std::chrono::seconds(1), std::chrono::microseconds(1));
     for (int i = 0; i < 5; ++i) EXPECT_EQ(1, pool.execute(&blocking, 0s));
     EXPECT_EQ(5U, pool.getWorkerCount());
     EXPECT_TRUE(eventually([&] { return blocking.started == 5; }));
