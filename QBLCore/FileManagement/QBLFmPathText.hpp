@@ -3,7 +3,7 @@
 
 /// Returns the text of a std::filesystem::path; null if it contains a NUL, because the system would
 /// read only the part before it. Operations with templates use it, so that their headers need not
-/// include <filesystem>.
+/// include `<filesystem>`.
 ///
 /// Threads: any thread may call it.
 template <class Path>

@@ -20,7 +20,7 @@ enum QBLMsgParm : int {
 };
 
 /// Tells whether a text of the standard library converts to none of the older parameter types.
-/// Does not use <type_traits>, which would triple the cost of this header.
+/// Does not use `<type_traits>`, which would triple the cost of this header.
 ///
 /// Threads: not called at run time.
 struct QBLMessageTextCheck {
