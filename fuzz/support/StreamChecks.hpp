@@ -157,7 +157,8 @@ inline std::u16string withoutPrivateUse(std::u16string text) {
     return text;
 }
 
-/// @return the direction in which a stream and ICU have different results; null if there is none
+/// @return the direction in which a stream and ICU have different results; null if all results are
+/// equal
 inline const char* differenceFromIcu(const I18NConverter& converter, const std::string& bytes,
                                      const std::u16string& text,
                                      const std::vector<std::size_t>& sizes) {

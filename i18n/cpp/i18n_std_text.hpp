@@ -24,7 +24,7 @@ typedef std::u8string_view I18NUtf8View;
 typedef std::string_view I18NUtf8View;
 #endif
 
-/// The first of these views to which a text converts; void if there is none.
+/// The first of these views to which a text converts; void if it converts to no view.
 template <class Text, class View = void, class... Views>
 struct I18NFirstView {
     typedef std::conditional_t<std::is_convertible_v<const Text&, View>, View,

@@ -53,7 +53,7 @@ public:
 private:
     struct Piece {
         std::string text;
-        int argument;  // the argument after the text; -1 if there is none
+        int argument;  // the argument after the text; -1 if no argument follows
     };
 
     void parse();

@@ -102,7 +102,7 @@ public:
     I18NProgress decode(const char*& at, const char* end, bool flush, char16_t*& text,
                         const char16_t* limit);
     /// Returns the ASCII characters that the stream may copy instead of decoding them. Returns null
-    /// if there are none, or while ICU keeps the start of a character.
+    /// if it may copy no characters, or while ICU keeps the start of a character.
     const I18NPlainASCII* plain() const;
     /// Advances the positions past ASCII bytes that the stream has copied.
     void pass(const char* at, std::size_t size);

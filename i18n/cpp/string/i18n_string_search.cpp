@@ -216,7 +216,7 @@ public:
     /// Matches the pattern from an offset.
     /// @param whole  true if the match must reach the end of the text
     /// @return the end of the shortest match; -1 if there is no match at this offset; kNoneBehind
-    ///     if there is none at any later offset either
+    ///     if there is no match at any later offset either
     static constexpr int kNoneBehind = -2;
     int match(const I18NTextView& text, int at, bool whole) const {
         return text.ascii() != nullptr ? matchIn(Bytes(text), at, whole) : matchIn(text, at, whole);
