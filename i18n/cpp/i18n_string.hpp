@@ -156,6 +156,14 @@ public:
     I18NString& replace(I18NStringOffset offset, int count, const char* utf8);
     I18NString& replace(I18NStringOffset offset, int count, const wchar_t* text);
     I18NString& replace(I18NStringOffset offset, int count, wchar_t c);
+    template <class Text, std::enable_if_t<kI18NIsStdText<Text>, int> = 0>
+    I18NString& insert(I18NStringOffset offset, const Text& text) {
+        return insert(offset, alike(i18nViewOf(text)));
+    }
+    template <class Text, std::enable_if_t<kI18NIsStdText<Text>, int> = 0>
+    I18NString& replace(I18NStringOffset offset, int count, const Text& text) {
+        return replace(offset, count, alike(i18nViewOf(text)));
+    }
     /// A negative count means everything up to the end, as in replace().
     I18NString& erase(I18NStringOffset offset, int count = -1);
     /// Empties the string.
@@ -194,6 +202,32 @@ public:
     I18NStringOffset findLastNotOf(const I18NString& set, I18NStringOffset start = -1) const;
     I18NStringOffset findLastNotOf(const wchar_t* set, I18NStringOffset start = -1) const;
     I18NStringOffset findLastNotOf(wchar_t c, I18NStringOffset start = -1) const;
+    /// The same for standard texts. Brings the text to form C first, unless useNormalization() is
+    /// switched off for this string.
+    template <class Text, std::enable_if_t<kI18NIsStdText<Text>, int> = 0>
+    I18NStringOffset find(const Text& text, I18NStringOffset start = 0) const {
+        return find(alike(i18nViewOf(text)), start);
+    }
+    template <class Text, std::enable_if_t<kI18NIsStdText<Text>, int> = 0>
+    I18NStringOffset rfind(const Text& text, I18NStringOffset start = -1) const {
+        return rfind(alike(i18nViewOf(text)), start);
+    }
+    template <class Text, std::enable_if_t<kI18NIsStdText<Text>, int> = 0>
+    I18NStringOffset findFirstOf(const Text& text, I18NStringOffset start = 0) const {
+        return findFirstOf(alike(i18nViewOf(text)), start);
+    }
+    template <class Text, std::enable_if_t<kI18NIsStdText<Text>, int> = 0>
+    I18NStringOffset findFirstNotOf(const Text& text, I18NStringOffset start = 0) const {
+        return findFirstNotOf(alike(i18nViewOf(text)), start);
+    }
+    template <class Text, std::enable_if_t<kI18NIsStdText<Text>, int> = 0>
+    I18NStringOffset findLastOf(const Text& text, I18NStringOffset start = -1) const {
+        return findLastOf(alike(i18nViewOf(text)), start);
+    }
+    template <class Text, std::enable_if_t<kI18NIsStdText<Text>, int> = 0>
+    I18NStringOffset findLastNotOf(const Text& text, I18NStringOffset start = -1) const {
+        return findLastNotOf(alike(i18nViewOf(text)), start);
+    }
     /// Returns true if the text begins with, ends with or contains another text, by code units.
     /// @param text  a string, a code point, a null-terminated or a standard text. Null is empty,
     ///     and an empty text is at both ends of every string

@@ -97,6 +97,12 @@ TEST(I18NStdTextTest, ComparesAndSearchesAsWithAString) {
             EXPECT_EQ(a.starts_with(b), left.starts_with(view));
             EXPECT_EQ(a.ends_with(b), left.ends_with(b.c_str()));
             EXPECT_EQ(a.find(b) != a.npos, left.contains(right));
+            EXPECT_EQ(left.find(right, 1), left.find(view, 1));
+            EXPECT_EQ(left.rfind(right), left.rfind(b));
+            EXPECT_EQ(left.findFirstOf(right), left.findFirstOf(view));
+            EXPECT_EQ(left.findLastNotOf(right), left.findLastNotOf(view));
+            EXPECT_EQ(I18NString(left).insert(1, right), I18NString(left).insert(1, view));
+            EXPECT_EQ(I18NString(left).replace(0, 1, right), I18NString(left).replace(0, 1, b));
         }
     }
     const auto text = "plain \u00E9"_i18n;

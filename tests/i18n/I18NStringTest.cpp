@@ -1,3 +1,4 @@
+#include "i18n/cpp/i18n_pattern.hpp"
 #include "i18n/cpp/i18n_string.hpp"
 
 #include <gtest/gtest.h>
@@ -331,13 +332,12 @@ TEST(I18NStringTest, MatchesLikePatterns) {
     std::string groups, text(200, 'a');
     for (int i = 0; i < 30; ++i) groups += "%a";
     EXPECT_FALSE(I18NString(text.c_str()).matchLike(I18NString((groups + "b").c_str())));
-    I18NPatternCode* const code = I18NString::getPatternCode(I18NString("b%d"));
+    const I18NPatternPtr code = i18nPattern(I18NString("b%d"));
     int start = -1, end = -1;
     EXPECT_TRUE(I18NString("abcdbd").substringLike(*code, 0, start, end));
     EXPECT_EQ(1, start);
     EXPECT_EQ(4, end);
     EXPECT_FALSE(I18NString("abcdbd").substringLike(*code, 5, start, end));
-    I18NString::deletePatternCode(code);
 }
 
 TEST(I18NStringTest, UsesACallersBufferUpToItsSize) {
