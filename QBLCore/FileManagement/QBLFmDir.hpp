@@ -1,6 +1,7 @@
 #ifndef QBLCORE_FILEMANAGEMENT_QBLFMDIR_HPP
 #define QBLCORE_FILEMANAGEMENT_QBLFMDIR_HPP
 
+#include <cerrno>
 #include <list>
 #include <string>
 
@@ -181,7 +182,57 @@ public:
         -> decltype(qblPathText(from), bool()) {
         return renameFile(qblPathText(from), qblPathText(to));
     }
+    template <class Path>
+    static auto readDir(const Path& path, std::list<std::string>* files, const char* filePattern,
+                        std::list<std::string>* dirs, const char* dirPattern)
+        -> decltype(qblPathText(path), bool()) {
+        return readDir(qblPathText(path), files, filePattern, dirs, dirPattern);
+    }
+    template <class Path>
+    static auto createTempDir(const Path& basePath, const char* prefix, Path& result,
+                              const char* suffix = nullptr)
+        -> decltype(qblPathText(basePath), bool()) {
+        bool (*const create)(const char*, const char*, std::string&, const char*) = createTempDir;
+        return createIn(qblPathText(basePath), prefix, result, suffix, create);
+    }
+    template <class Path>
+    static auto createTempFile(const Path& basePath, const char* prefix, Path& result,
+                               const char* suffix = nullptr)
+        -> decltype(qblPathText(basePath), bool()) {
+        bool (*const create)(const char*, const char*, std::string&, const char*) = createTempFile;
+        return createIn(qblPathText(basePath), prefix, result, suffix, create);
+    }
+    template <class Path>
+    static auto createPrivateTempDir(const Path& basePath, const char* prefix, Path& result,
+                                     const char* suffix = nullptr)
+        -> decltype(qblPathText(basePath), bool()) {
+        bool (*const create)(const char*, const char*, std::string&, const char*) =
+            createPrivateTempDir;
+        return createIn(qblPathText(basePath), prefix, result, suffix, create);
+    }
+    template <class Path>
+    static auto createPrivateTempFile(const Path& basePath, const char* prefix, Path& result,
+                                      const char* suffix = nullptr)
+        -> decltype(qblPathText(basePath), bool()) {
+        bool (*const create)(const char*, const char*, std::string&, const char*) =
+            createPrivateTempFile;
+        return createIn(qblPathText(basePath), prefix, result, suffix, create);
+    }
     /// @}
+
+private:
+    template <class Path, class Create>
+    static bool createIn(const char* basePath, const char* prefix, Path& result, const char* suffix,
+                         Create create) {
+        if (basePath == nullptr) {  // contains a NUL
+            errno = EFAULT;
+            return false;
+        }
+        std::string created;
+        const bool done = create(basePath, prefix, created, suffix);
+        result = created;
+        return done;
+    }
 };
 
 #endif

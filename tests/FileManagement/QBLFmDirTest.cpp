@@ -414,5 +414,13 @@ TEST(QBLFmDirTest, TakesStandardPaths) {
     EXPECT_TRUE(file.open(a / "c", QBLFmFile64::create, 0));
     EXPECT_TRUE(QBLFmDir::renameFile(a / "c", a / "d") && QBLFmDir::removeFile(a / "d"));
     EXPECT_FALSE(QBLFmDir::createDir(zero) || file.open(zero, QBLFmFile64::create, 0));
+    std::filesystem::path created;
+    EXPECT_TRUE(QBLFmDir::createPrivateTempFile(a, "t", created, ".x"));
+    EXPECT_TRUE(created.parent_path() == a && created.extension() == ".x");
+    std::list<std::string> names;
+    EXPECT_TRUE(QBLFmDir::readDir(a, &names, nullptr, nullptr, nullptr));
+    EXPECT_EQ(std::list<std::string>{created.filename()}, names);
+    EXPECT_FALSE(QBLFmDir::createTempDir(zero, "t", created));
+    EXPECT_EQ(EFAULT, errno);
     EXPECT_TRUE(QBLFmDir::removeDir(a));
 }
