@@ -111,6 +111,13 @@ public:
     /// caller now owns this string: get it with getValue() before the call, and free it with
     /// delete[].
     bool setValue(void* value);
+    /// Stores the address of the array, like setValue(void*). The compiler warns, because the call
+    /// looks as if it copied the text.
+    template <decltype(sizeof 0) kSize>
+    [[deprecated("stores the address; setValue(text, 0) copies the text")]] bool setValue(
+        char (&text)[kSize]) {
+        return setValue(static_cast<void*>(text));
+    }
     /// @param text  may point into the variant's own string; null stores a null string of size 0
     /// @param length  the number of bytes to copy, which becomes the variant's size. If the text is
     ///     shorter, the copy is filled up with zeros. 0 means strlen(text).
