@@ -48,10 +48,24 @@ public:
     /// @throws std::bad_alloc, QBLThreadResourceError; these errors do not change the queue
     [[nodiscard]] bool put(T& item, unsigned long timeout) { return add(item, timeout, false); }
     [[nodiscard]] bool put(T& item, QBLMilliseconds timeout) { return put(item, timeout.count()); }
+    /// The same for constants and temporary objects.
+    [[nodiscard]] bool put(const T& item, unsigned long timeout) {
+        return add(item, timeout, false);
+    }
+    [[nodiscard]] bool put(const T& item, QBLMilliseconds timeout) {
+        return put(item, timeout.count());
+    }
 
     /// Works as put(), but the item comes out before the items that are already in the queue.
     [[nodiscard]] bool putFirst(T& item, unsigned long timeout) { return add(item, timeout, true); }
     [[nodiscard]] bool putFirst(T& item, QBLMilliseconds timeout) {
+        return putFirst(item, timeout.count());
+    }
+
+    [[nodiscard]] bool putFirst(const T& item, unsigned long timeout) {
+        return add(item, timeout, true);
+    }
+    [[nodiscard]] bool putFirst(const T& item, QBLMilliseconds timeout) {
         return putFirst(item, timeout.count());
     }
 
@@ -133,7 +147,7 @@ private:
         return true;
     }
 
-    bool add(T& item, unsigned long timeout, bool first) {
+    bool add(const T& item, unsigned long timeout, bool first) {
         if (!reserve(timeout)) return false;
         insertReserved(item, first);
         return true;

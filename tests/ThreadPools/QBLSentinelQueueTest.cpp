@@ -56,7 +56,7 @@ TEST(QBLSentinelQueueTest, WithdrawsAnItemOnceAndReleasesReservedRoom) {
     ASSERT_TRUE(queue.reserve(0));
     EXPECT_FALSE(queue.put(second, -1s)) << "the reserved place is not available";
     queue.release();
-    EXPECT_TRUE(queue.put(second, 0));
+    EXPECT_TRUE(queue.put(Fragile(2), 0));
     for (const int expected : {1, 2}) {
         ASSERT_TRUE(queue.get(got, 0));
         EXPECT_EQ(expected, got.number);
