@@ -45,7 +45,7 @@ TEST(QBLTextTest, StreamsAndFormatsObjectsAsTheirText) {
     std::ostringstream out;
     out << std::setw(4) << buffer << number << null << text << '|' << disk << set << message
         << std::setw(7) << plain << silent << pooled;
-    const std::string tail = "|full!full!note failedQBLRuntimeError -4pool";
+    const std::string tail = "|full !full!note failedQBLRuntimeError -4pool";
     EXPECT_EQ(std::string(" a\0b-7", 6) + longText + tail, out.str());
 #ifdef FMT_HEADER_ONLY
     EXPECT_EQ(std::string(" a\0b-7", 6) + longText + tail,
