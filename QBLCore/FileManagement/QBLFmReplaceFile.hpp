@@ -15,7 +15,8 @@ class QBLFmDirectory;
 ///
 /// - The new version gets the mode, the access control list and the extended attributes of the old
 ///   version, except capabilities and signatures of the content. Before the commit, only the owner
-///   can read it. If there is no old version, the mode is 0666 minus the umask from the start.
+///   can read it. If there is no old version, open() creates the new version with the mode 0666
+///   minus the umask, so other users may read it before the commit.
 /// - The new version gets the owner and the group of the old version if the caller may set them. If
 ///   the owner or the group differs, the new version loses the corresponding set-id bit. A
 ///   different group gets no more rights than other users have. If the access control list cannot

@@ -16,9 +16,10 @@
 /// qblCoreInitialize(). A thread that does not block a signal may receive it, and the signal then
 /// acts as if there were no waiter.
 ///
-/// A signal arrives at one waiter. A signal that is sent again before a waiter takes it arrives
-/// once. A signal that the process ignores when the object is constructed stays ignored, as SIGINT
-/// does in a program that a shell script starts in the background.
+/// If several threads wait, only one of them receives a signal. A signal that is sent again before
+/// a thread has taken it is received once. A signal that the process ignores when the object is
+/// constructed stays ignored, as SIGINT does in a program that a shell script starts in the
+/// background.
 ///
 /// A program that the process starts inherits the blocked signals: unblock them between fork(2) and
 /// exec(3), or with posix_spawnattr_setsigmask(3).

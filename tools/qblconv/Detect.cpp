@@ -151,7 +151,8 @@ std::vector<Fit> Detector::fits(Passes& passes, bool isFirstEnough) {
     return fitsOf(passes, proposeEncodings(passes), isUTF8 ? &look : nullptr);
 }
 
-/// The encodings of the list that fit, in the order of the list.
+/// Returns the encodings in m_names that fit, in the order of m_names. If isFirstEnough is true,
+/// returns only the first one.
 std::vector<Fit> Detector::fitsOfList(Passes& passes, bool isFirstEnough) {
     std::vector<Fit> found;
     const std::string marked = encodingOfMark(passes);

@@ -70,9 +70,9 @@ bool Verification::compare(const char* encoding, bool isEnd) {
     return true;
 }
 
-/// Finds the character that contains the first difference. A character ends with the byte at which
-/// the position in the text advances.
-/// @param at  offset of the first different byte in the bytes to compare
+/// Stores in m_mismatch the place and the bytes of the character that contains the first
+/// difference. A character ends with the byte that changes the line or the column.
+/// @param at  offset of the first different byte in m_read and m_back
 void Verification::differ(std::size_t at) {
     const std::string read = m_recent + m_read, back = m_recent + m_back;
     at += m_recent.size();

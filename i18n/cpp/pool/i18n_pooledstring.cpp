@@ -46,8 +46,8 @@ inline Hashed hashed(const char* text) {
     std::uint32_t hash = signExtended(*text);
     const char* p = text + 1;
     for (; *p != '\0'; ++p) {
-        // The processor computes this sum during the multiplication. The compiler itself would not
-        // choose this order.
+        // The empty asm statement makes the compiler compute this sum separately. The sum does not
+        // depend on the product, so the processor can compute both at the same time.
         std::uint32_t rest = signExtended(*p) + (hash >> 24);
         asm("" : "+r"(rest));
         hash = hash * 38 + rest;

@@ -11,8 +11,9 @@
 
 /// @throws I18NRuntimeError if ICU does not have the form
 const icu::Normalizer2& i18nNormalizer(I18NNormalizationForms form);
-/// Brings a text to a form.
-/// @return false if the text is already in that form; `result` is not set then
+/// Normalises a text.
+/// @return false if ICU's quick check shows that the text is already in that form; `result` is not
+///     set then. If the quick check is not certain, true, even if `result` equals the text
 /// @throws I18NRuntimeError, QBLOutOfMemoryError
 bool i18nNormalize(const icu::Normalizer2& form, const icu::UnicodeString& text,
                    icu::UnicodeString& result);

@@ -12,7 +12,7 @@
 /// characters.
 void i18nURLEncode(std::u16string_view text, std::u16string& out);
 
-/// The same escapes as rules of an ICU transliterator, in both directions.
+/// These escapes, written as rules of an ICU transliterator. The rules work in both directions.
 extern const char kI18NURLRules[];
 
 #endif
