@@ -226,6 +226,10 @@ def report(rows, results, options, mark):
 def draw_again(page, rows):
     """Draws the charts again from the figures of a page, without measuring."""
     areas = {row.title: row.area for row in rows}
+    drawn = {line[0] for lines in bench_charts.tables(page) for line in lines[1:]}
+    for title in areas:
+        if title not in drawn:
+            print(f"bench: not measured yet, not drawn: {title}", file=sys.stderr)
     for lines in bench_charts.tables(page):
         for line in lines[1:]:
             if line[0] not in areas:

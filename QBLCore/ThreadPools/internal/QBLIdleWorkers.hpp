@@ -17,6 +17,9 @@
 /// sees the task, or the submitter sees the worker. Memory order: each side writes one variable,
 /// then reads the other one. The size is sequentially consistent, and the queue's semaphore changes
 /// by locked instructions, which are full barriers on x86.
+///
+/// Threads: each worker calls waitUnless() with its own place. Any thread may call wakeOne():
+/// submitters, a worker that ends, and the thread that stops the pool.
 class QBLIdleWorkers {
 public:
     /// The place of a worker in the stack.
