@@ -1,0 +1,146 @@
+#include "tests/faults/Injector.hpp"
+
+#include <atomic>
+#include <cerrno>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <new>
+
+// A sanitizer's runtime exports its allocator under the first names; the C library exports its own
+// allocator under the second names.
+extern "C" {
+[[gnu::weak]] void* __interceptor_malloc(std::size_t size);
+[[gnu::weak]] void* __interceptor_calloc(std::size_t count, std::size_t size);
+[[gnu::weak]] void* __interceptor_realloc(void* block, std::size_t size);
+[[gnu::weak]] void* __interceptor_memalign(std::size_t alignment, std::size_t size);
+[[gnu::weak]] void __interceptor_free(void* block);
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* block, std::size_t size);
+void* __libc_memalign(std::size_t alignment, std::size_t size);
+void __libc_free(void* block);
+}
+
+namespace {
+
+thread_local long t_left = -1;
+thread_local faults::Mode t_mode = faults::Mode::kOnce;
+thread_local bool t_failed = false;
+thread_local int t_calm = 0;
+std::atomic<long> g_live{0};
+
+bool isDue() {
+    if (t_left < 0 || t_calm > 0) return false;
+    if (t_left > 0) {
+        --t_left;
+        return false;
+    }
+    if (t_mode == faults::Mode::kOnce) t_left = -1;
+    errno = ENOMEM;
+    return t_failed = true;
+}
+
+void* counted(void* block) {
+    if (block != nullptr) g_live.fetch_add(1, std::memory_order_relaxed);
+    return block;
+}
+
+void* allocate(std::size_t size) noexcept {
+    for (;;) {
+        void* const block = std::malloc(size != 0 ? size : 1);
+        const std::new_handler handler = block == nullptr ? std::get_new_handler() : nullptr;
+        if (handler == nullptr) return block;
+        handler();
+    }
+}
+
+void* allocateOrThrow(std::size_t size) {
+    if (void* const block = allocate(size)) return block;
+    throw std::bad_alloc();
+}
+
+void* alignedOrThrow(std::size_t size, std::align_val_t alignment) {
+    if (void* const block = std::aligned_alloc(static_cast<std::size_t>(alignment), size))
+        return block;
+    throw std::bad_alloc();
+}
+
+}  // namespace
+
+namespace faults {
+
+void arm(long n, Mode mode) {
+    t_left = n;
+    t_mode = mode;
+    t_failed = false;
+}
+bool hasFailed() { return t_failed; }
+Calm::Calm() { ++t_calm; }
+Calm::~Calm() { --t_calm; }
+long liveBlocks() { return g_live.load(std::memory_order_relaxed); }
+
+}  // namespace faults
+
+// With hidden visibility, the functions would not replace those that shared libraries call.
+#pragma GCC visibility push(default)
+extern "C" {
+
+void* malloc(std::size_t size) noexcept {
+    if (isDue()) return nullptr;
+    return counted(__interceptor_malloc != nullptr ? __interceptor_malloc(size)
+                                                   : __libc_malloc(size));
+}
+void* calloc(std::size_t count, std::size_t size) noexcept {
+    if (isDue()) return nullptr;
+    return counted(__interceptor_calloc != nullptr ? __interceptor_calloc(count, size)
+                                                   : __libc_calloc(count, size));
+}
+void* realloc(void* block, std::size_t size) noexcept {
+    if (isDue()) return nullptr;
+    void* const moved = __interceptor_realloc != nullptr ? __interceptor_realloc(block, size)
+                                                         : __libc_realloc(block, size);
+    return block == nullptr ? counted(moved) : moved;
+}
+void* memalign(std::size_t alignment, std::size_t size) noexcept {
+    if (isDue()) return nullptr;
+    return counted(__interceptor_memalign != nullptr ? __interceptor_memalign(alignment, size)
+                                                     : __libc_memalign(alignment, size));
+}
+void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
+    return memalign(alignment, size);
+}
+int posix_memalign(void** block, std::size_t alignment, std::size_t size) noexcept {
+    void* const made = memalign(alignment, size);
+    if (made == nullptr) return ENOMEM;
+    *block = made;
+    return 0;
+}
+void free(void* block) noexcept {
+    if (block == nullptr) return;
+    g_live.fetch_sub(1, std::memory_order_relaxed);
+    if (__interceptor_free != nullptr)
+        __interceptor_free(block);
+    else
+        __libc_free(block);
+}
+
+}  // extern "C"
+
+void* operator new(std::size_t size) { return allocateOrThrow(size); }
+void* operator new[](std::size_t size) { return allocateOrThrow(size); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
+void* operator new(std::size_t size, std::align_val_t alignment) {
+    return alignedOrThrow(size, alignment);
+}
+void* operator new(std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
+    return std::aligned_alloc(static_cast<std::size_t>(alignment), size);
+}
+void operator delete(void* block) noexcept { std::free(block); }
+void operator delete[](void* block) noexcept { std::free(block); }
+void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
+void operator delete(void* block, std::align_val_t) noexcept { std::free(block); }
+void operator delete(void* block, std::size_t, std::align_val_t) noexcept { std::free(block); }
+#pragma GCC visibility pop
