@@ -43,7 +43,9 @@ const QBLIntegerStyle* QBLIntegerStyle::get(const std::string& locale) {
     if (known != styles.byLocale.end()) return known->second.get();
     if (styles.byLocale.size() >= kMaxStyles || locale.size() > kLongestName) return nullptr;
     auto style = std::make_unique<QBLIntegerStyle>();
-    if (!style->learn(locale)) style.reset();
+    const Result result = style->learn(locale);
+    if (result == kFailed) return nullptr;  // such as a shortage, which is not remembered
+    if (result == kDiffers) style.reset();
     return (styles.byLocale[locale] = std::move(style)).get();
 }
 
@@ -66,17 +68,19 @@ void QBLIntegerStyle::append(int value, std::string& out) const {
     if (value < 0) out += m_negativeSuffix;
 }
 
-bool QBLIntegerStyle::learn(const std::string& locale) {
+QBLIntegerStyle::Result QBLIntegerStyle::learn(const std::string& locale) {
     i18nPrepareICU();
+    i18nRequireSpareMemory();
     UErrorCode status = U_ZERO_ERROR;
     const std::unique_ptr<icu::NumberFormat> format(
         icu::NumberFormat::createInstance(icu::Locale(locale.c_str()), status));
     const auto* decimal = dynamic_cast<const icu::DecimalFormat*>(format.get());
-    if (U_FAILURE(status) || decimal == nullptr) return false;
+    if (U_FAILURE(status)) return kFailed;
+    if (decimal == nullptr) return kDiffers;
 
     typedef icu::DecimalFormatSymbols Symbols;
     const Symbols* symbols = decimal->getDecimalFormatSymbols();
-    if (symbols == nullptr) return false;
+    if (symbols == nullptr) return kFailed;
     m_digits[0] = toUtf8(symbols->getSymbol(Symbols::kZeroDigitSymbol));
     for (int digit = 1; digit < 10; ++digit)
         m_digits[digit] = toUtf8(symbols->getSymbol(
@@ -95,7 +99,9 @@ bool QBLIntegerStyle::learn(const std::string& locale) {
         std::string ours;
         append(sample, ours);
         icu::UnicodeString theirs;
-        if (ours != toUtf8(format->format(static_cast<int32_t>(sample), theirs))) return false;
+        format->format(static_cast<int32_t>(sample), theirs);
+        if (theirs.isBogus()) return kFailed;
+        if (ours != toUtf8(theirs)) return kDiffers;
     }
-    return true;
+    return kLearnt;
 }

@@ -152,6 +152,7 @@ bool QBLMessagePattern::formatPlain(const QBLMessageArgument* arguments, int cou
 
 bool QBLMessagePattern::formatByIcu(const QBLMessageArgument* arguments, int count) {
     if (!m_bHarmless) return false;
+    i18nRequireSpareMemory();
     UErrorCode status = U_ZERO_ERROR;
     if (m_pICU == nullptr) {
         i18nPrepareICU();

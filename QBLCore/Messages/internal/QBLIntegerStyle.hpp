@@ -10,6 +10,7 @@ class QBLIntegerStyle {
 public:
     /// Returns the style of a locale. Each style is read once and exists until the process ends.
     /// @return null if ICU must write the locale's integers
+    /// @throws QBLOutOfMemoryError, std::bad_alloc; a later call tries again
     ///
     /// Threads: any thread may call it.
     static const QBLIntegerStyle* get(const std::string& locale);
@@ -17,7 +18,9 @@ public:
     void append(int value, std::string& out) const;
 
 private:
-    bool learn(const std::string& locale);
+    enum Result { kLearnt, kDiffers, kFailed };
+
+    Result learn(const std::string& locale);
 
     std::string m_digits[10];  // UTF-8, like the other texts
     std::string m_separator;

@@ -3,6 +3,8 @@
 #include <unicode/locid.h>
 #include <unicode/ucnv.h>
 
+#include <cstdlib>
+
 #include "QBLCore/Exceptions/shared/QBLThrowNoMemory.hpp"
 #include "i18n/cpp/i18n_platform_encoding.h"
 #include "i18n/cpp/string/i18n_normal_form.hpp"
@@ -32,6 +34,13 @@ void i18nWarmUpICU() {
     i18nCanonicalEncoding(I18NGetPlatformDefaultEncoding());
     for (const auto form : {I18N_NFC, I18N_NFD, I18N_NFKC, I18N_NFKD}) i18nNormalizer(form);
     i18nDefaultLocale();
+}
+
+void i18nRequireSpareMemory() {
+    void* block = std::malloc(std::size_t{1} << 16);
+    asm volatile("" : "+r"(block));  // keeps the compiler from removing the allocation
+    if (block == nullptr) qblThrowNoMemory(QBL_HERE);
+    std::free(block);
 }
 
 const icu::Locale& i18nDefaultLocale() {

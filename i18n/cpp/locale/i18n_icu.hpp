@@ -19,6 +19,10 @@ void i18nPrepareICU();
 /// time, ICU would never provide them.
 /// @throws QBLOutOfMemoryError, I18NRuntimeError
 void i18nWarmUpICU();
+/// Fails if the process has no spare memory of 64 KiB. Call it before ICU makes number formats: ICU
+/// does not check the allocations in them and would crash.
+/// @throws QBLOutOfMemoryError
+void i18nRequireSpareMemory();
 /// The process's default locale.
 /// @throws QBLOutOfMemoryError if ICU has no memory to determine the locale
 const icu::Locale& i18nDefaultLocale();
