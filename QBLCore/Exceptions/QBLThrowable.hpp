@@ -44,6 +44,7 @@ public:
     QBLThrowable(const QBLThrowable& other);
     /// Moves the texts and the trace entries. The other throwable keeps its number and severity.
     QBLThrowable(QBLThrowable&& other) noexcept;
+    /// Calls clear() first. So if memory runs out, the old texts and the old trace are gone.
     QBLThrowable& operator=(const QBLThrowable& other);
     virtual ~QBLThrowable();
     /// @}
