@@ -13,6 +13,7 @@ typedef QBLFmOperations<QBLFmFile64> Operations;
 }  // namespace
 
 QBLFmFile64::QBLFmFile64() : m_reserved(0), m_message() {
+    static_cast<void>(m_reserved);  // or clang warns that nothing uses the field
     // Another form of a name could name another file.
     m_name.useNormalization(false);
 }

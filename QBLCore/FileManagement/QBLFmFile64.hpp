@@ -124,7 +124,7 @@ public:
 
 private:
     QBLFmDescriptor m_file;
-    [[maybe_unused]] unsigned int m_reserved;  // unused, always 0
+    unsigned int m_reserved;  // unused, always 0
     I18NString m_name;                         // name of the open file
     char m_message[64];                        // for error numbers without a fixed text
 };
