@@ -56,6 +56,8 @@ class ListPrinter:
         return "QBLList of %d" % self.count
 
     def children(self):
+        if self.count == 0:
+            return  # clang describes the node type only in programs that add elements
         element = gdb.types.get_basic_type(self.value.type).template_argument(0)
         node_type = gdb.lookup_type("QBLListDataNode<%s>" % element).pointer()
         node = self.value["next"]
