@@ -17,7 +17,15 @@
 /// base class.
 ///
 /// Threads: any thread may use the macros and functions of this header.
+#ifndef __clang__
 #define QBL_THROW(...) QBLThrown{(__VA_ARGS__)}.hurl(QBL_HERE, nullptr, "QBL_THROW")
+#else
+// In a macro with arguments, __LINE__ of clang is the line of the closing parenthesis. In one
+// without, it is the line of the macro's name, as with g++.
+#define QBL_THROW QBLThrowPlace{QBL_HERE}->*QBL_THROWN
+#define QBL_THROWN(...) \
+    QBLThrown { (__VA_ARGS__) }
+#endif
 /// QBL_THROW with a detail in the trace entry, usually the operation's name.
 #define QBL_THROW_NAMED(error, detail) QBLThrown{(error)}.hurl(QBL_HERE, detail, "QBL_THROW")
 
@@ -128,6 +136,18 @@ struct QBLThrown<Error&> {
 
 template <class Error>
 QBLThrown(Error&&) -> QBLThrown<Error>;
+
+#ifdef __clang__
+/// The place of a QBL_THROW.
+struct QBLThrowPlace {
+    QBLFileLocation where;
+
+    template <class Error>
+    [[noreturn, gnu::always_inline]] inline void operator->*(QBLThrown<Error>&& thrown) const {
+        thrown.hurl(where, nullptr, "QBL_THROW");
+    }
+};
+#endif
 
 /// Throws a QBLAssertError with error number 0, the given text and place.
 [[noreturn]] QBL_API void qblAssertFailed(const QBLFileLocation& where, const char* statement);
