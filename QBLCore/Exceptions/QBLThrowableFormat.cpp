@@ -1,5 +1,6 @@
 #include <memory>
 
+#include "QBLCore/Base/QBLDynamicCast.hpp"
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
 #include "QBLCore/Messages/QBLMessageBase.hpp"
@@ -27,7 +28,7 @@ I18NString QBLThrowable::format(const char* locales, const char* separator) cons
     QBL_ALLOC_TRY
     const std::unique_ptr<QBLThrowable> copy(clone());
     I18NString text;
-    if (const auto* messages = dynamic_cast<const QBLMessageSet*>(copy.get()))
+    if (const auto* messages = qblDynamicCast<const QBLMessageSet*>(copy.get()))
         appendMessages(*messages, locales, separator, text);
     else if (const char* message = copy->getMessage())
         text.append(message);

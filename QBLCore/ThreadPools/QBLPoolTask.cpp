@@ -4,6 +4,7 @@
 #include <memory>
 #include <utility>
 
+#include "QBLCore/Base/QBLDynamicCast.hpp"
 #include "QBLCore/Base/QBLImmortal.hpp"
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/Exceptions/QBLThreadResourceError.hpp"
@@ -84,7 +85,7 @@ std::exception_ptr makeError(const char* text) noexcept {
 QBLEnrolledTasks& g_enrolled = qblImmortal<QBLEnrolledTasks>();
 
 bool mayDrop(const QBLThreadExecuteRunnable& pool) {
-    const auto* queued = dynamic_cast<const QBLThreadPoolQueued*>(&pool);
+    const auto* queued = qblDynamicCast<const QBLThreadPoolQueued*>(&pool);
     return queued != nullptr && !queued->finishesQueuedWork();
 }
 

@@ -1,5 +1,6 @@
 #include "QBLCore/ThreadPools/QBLThreadPool.hpp"
 
+#include "QBLCore/Base/QBLDynamicCast.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolFixed.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
 
@@ -12,6 +13,6 @@ QBLThreadPool::~QBLThreadPool() = default;
 void QBLThreadPool::setStopWork(int stop) {
     m_iStopWork.store(stop);
     if (stop == 0) return;
-    if (auto* fixed = dynamic_cast<QBLThreadPoolFixed*>(this)) fixed->wakeSubmitters();
-    if (auto* queued = dynamic_cast<QBLThreadPoolQueued*>(this)) queued->wakeSubmitters();
+    if (auto* fixed = qblDynamicCast<QBLThreadPoolFixed*>(this)) fixed->wakeSubmitters();
+    if (auto* queued = qblDynamicCast<QBLThreadPoolQueued*>(this)) queued->wakeSubmitters();
 }
