@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 #include "TavThread/TavResult.h"
 
 /// The category of the thread layer's result codes, "qbl.thread". Codes compare equal to the

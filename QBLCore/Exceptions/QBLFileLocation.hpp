@@ -1,6 +1,8 @@
 #ifndef QBLCORE_EXCEPTIONS_QBLFILELOCATION_HPP
 #define QBLCORE_EXCEPTIONS_QBLFILELOCATION_HPP
 
+#include "QBLCore/Frame/QBLLanguage.hpp"
+
 /// A place in a source file. The file name is not owned; it is usually __FILE__.
 ///
 /// Threads: any thread may read a place; changes are not synchronised.

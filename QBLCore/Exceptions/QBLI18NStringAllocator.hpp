@@ -2,6 +2,7 @@
 #define QBLCORE_EXCEPTIONS_QBLI18NSTRINGALLOCATOR_HPP
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 
 /// Allocates blocks for I18NString::toBytes, to be freed with delete[]. Always deletes the old
 /// block. Unlike realloc(3), does not copy its contents.

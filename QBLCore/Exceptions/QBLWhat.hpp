@@ -5,6 +5,7 @@
 #include <string>
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 
 class QBLThrowable;
 

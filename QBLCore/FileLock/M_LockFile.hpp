@@ -2,6 +2,7 @@
 #define QBLCORE_FILELOCK_M_LOCKFILE_HPP
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 
 /// @file
 /// Advisory locks on whole files, between processes: the POSIX record locks of fcntl(2). They do

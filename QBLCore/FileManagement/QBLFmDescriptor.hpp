@@ -1,6 +1,8 @@
 #ifndef QBLCORE_FILEMANAGEMENT_QBLFMDESCRIPTOR_HPP
 #define QBLCORE_FILEMANAGEMENT_QBLFMDESCRIPTOR_HPP
 
+#include "QBLCore/Frame/QBLLanguage.hpp"
+
 /// The state of an open file in QBLFmFile and QBLFmFile64. Descriptor 0 stands for a closed file.
 /// These classes therefore never open a file as descriptor 0; only standard input can have this
 /// descriptor.

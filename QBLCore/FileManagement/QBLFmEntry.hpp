@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "QBLCore/Frame/QBLLanguage.hpp"
+
 /// An entry that QBLFmEntries found in a directory. The values describe the entry itself: a
 /// symbolic link is not followed.
 ///

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 
 class I18NConverter;
 class I18NTextStreamListener;

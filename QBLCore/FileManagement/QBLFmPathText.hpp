@@ -1,6 +1,8 @@
 #ifndef QBLCORE_FILEMANAGEMENT_QBLFMPATHTEXT_HPP
 #define QBLCORE_FILEMANAGEMENT_QBLFMPATHTEXT_HPP
 
+#include "QBLCore/Frame/QBLLanguage.hpp"
+
 /// Returns the text of a std::filesystem::path; null if it contains a NUL, because the system would
 /// read only the part before it. Operations with templates use it, so that their headers need not
 /// include `<filesystem>`.

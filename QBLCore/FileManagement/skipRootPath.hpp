@@ -2,6 +2,7 @@
 #define QBLCORE_FILEMANAGEMENT_SKIPROOTPATH_HPP
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 
 /// Returns the length of the root of a path: "/" (1), a drive such as "C:" (2) or "C:\" (3), or a
 /// network name such as "//server/share/", including the separator after the share if there is one.

@@ -1,6 +1,8 @@
 #ifndef QBLCORE_FRAME_QBLBINDER_HPP
 #define QBLCORE_FRAME_QBLBINDER_HPP
 
+#include "QBLCore/Frame/QBLLanguage.hpp"
+
 /// A lock together with the data that it guards. operator*() returns the data. Use the data only
 /// while you hold the lock. Lock is a lockable class whose constructor accepts 0, such as
 /// QBLThreadCriticalSection or QBLThreadMutex.

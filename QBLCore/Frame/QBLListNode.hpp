@@ -3,6 +3,8 @@
 
 #include <utility>
 
+#include "QBLCore/Frame/QBLLanguage.hpp"
+
 /// A node of a QBLList. A node of exactly this class is the sentinel, which closes the ring and has
 /// no value.
 ///

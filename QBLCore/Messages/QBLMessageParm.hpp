@@ -2,6 +2,7 @@
 #define QBLCORE_MESSAGES_QBLMESSAGEPARM_HPP
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 
 class I18NString;
 

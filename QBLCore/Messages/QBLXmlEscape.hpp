@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 
 class I18NString;
 

@@ -2,6 +2,7 @@
 #define QBLCORE_QBLCUSTODIAN_QBLCUSTODIANTASK_HPP
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 
 /// A task that the custodian calls periodically. The program that registers a task owns it. It may
 /// destroy the task, or register it again, only after QBLCustodian::deRegisterTask() has returned

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 
 /// The settings with which the library finds the message catalogues of a program and chooses the
 /// language of messages. A program usually sets them once, at its start:

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 
 /// A catalogue, which maps identifiers to texts, in one file and for one locale.
 ///

@@ -1,6 +1,8 @@
 #ifndef QBLCORE_THREADS_QBLTHREADANNOTATIONS_HPP
 #define QBLCORE_THREADS_QBLTHREADANNOTATIONS_HPP
 
+#include "QBLCore/Frame/QBLLanguage.hpp"
+
 /// Clang's thread-safety annotations (-Wthread-safety). They tell which lock an operation takes or
 /// needs, and which lock guards a field. For other compilers, the macros are empty.
 #if defined(__clang__)

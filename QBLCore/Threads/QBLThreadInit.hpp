@@ -2,6 +2,7 @@
 #define QBLCORE_THREADS_QBLTHREADINIT_HPP
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 
 /// The constructor starts the thread layer of the process. The destructor does not stop the layer;
 /// qblThreadProcessTerminate() stops it.

@@ -2,6 +2,7 @@
 #define QBLCORE_THREADS_QBLTHREADKEY_HPP
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 
 struct TavThreadKey;
 

@@ -2,6 +2,7 @@
 #define QBLCORE_THREADS_QBLTHREADRUNNABLE_HPP
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 
 /// A piece of work for a thread or a thread pool.
 ///

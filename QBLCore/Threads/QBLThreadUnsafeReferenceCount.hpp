@@ -2,6 +2,7 @@
 #define QBLCORE_THREADS_QBLTHREADUNSAFEREFERENCECOUNT_HPP
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 
 /// Base of objects that count their references and clean up when the last reference is removed.
 ///

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 
 /// A byte string that grows when bytes are appended. It is always null-terminated and may also
 /// contain null bytes. Arguments may point into the buffer itself, even if the operation grows the

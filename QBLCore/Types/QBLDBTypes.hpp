@@ -2,6 +2,7 @@
 #define QBLCORE_TYPES_QBLDBTYPES_HPP
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 
 /// The types of SQL columns.
 enum SqlColType : int {

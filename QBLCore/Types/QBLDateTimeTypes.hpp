@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#include "QBLCore/Frame/QBLLanguage.hpp"
+
 // Dates, times and intervals as databases store them, in the Gregorian calendar. Fractions are in
 // nanoseconds. An interval is negative if its field `negative` is not 0. QBLTypeCast converts these
 // types from and to text.

@@ -2,6 +2,7 @@
 #define QBLCORE_TYPES_QBLVARIANT_HPP
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 
 /// A value of one of a few types, with a type tag and a size in bytes. The variant copies strings
 /// and owns the copies. It does not own the object that a stored pointer points to.

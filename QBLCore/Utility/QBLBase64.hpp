@@ -10,6 +10,7 @@
 #endif
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 
 /// @file
 /// The functions of QBLBase64.h for the types of the standard library. The two alphabets and the

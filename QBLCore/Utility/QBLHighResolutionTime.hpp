@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 
 /// A clock for measuring durations. The library calls initialize() when it starts and terminate()
 /// when it stops.

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 
 /// A minimal logger for situations in which nothing else is reliable. It appends records to a file
 /// in the directory "../logs/", relative to the effective working directory of QBLFmDir:

@@ -1,6 +1,7 @@
 #ifndef QBLCORE_UTILITY_QBLSQUISHER_HPP
 #define QBLCORE_UTILITY_QBLSQUISHER_HPP
 
+#include "QBLCore/Frame/QBLLanguage.hpp"
 #include "QBLCore/Utility/QBLSquisher.h"
 
 /// The functions of QBLSquisher.h with allocated results. The caller owns each result and frees it

@@ -2,6 +2,7 @@
 #define QBLCORE_UTILITY_QBLUTCRC32_HPP
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 
 /// The CRC-32 of IEEE 802.3, zip and PNG: polynomial 0x04C11DB7, reflected 0xEDB88320.
 ///

@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 
 /// Parses the options of a command line. An option is a letter after one dash, or a long option
 /// after two dashes. A word may contain several letters after its dash. A long option is returned

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 
 /// Splits a text into tokens at separators; each byte of `separators` is a separator. There are no
 /// empty tokens: several separators in a row count as one, and separators at the ends are ignored.

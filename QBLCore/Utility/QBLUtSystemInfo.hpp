@@ -4,6 +4,7 @@
 #include <string>
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 
 /// The id of the process, and the time.
 ///

@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 #include "i18n/cpp/i18n_allocator.h"
 #include "i18n/cpp/i18n_converter_types.h"
 

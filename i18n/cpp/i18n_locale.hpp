@@ -6,6 +6,7 @@
 #include <string>
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 
 U_NAMESPACE_BEGIN
 class Locale;

@@ -10,6 +10,8 @@
 #if __cplusplus > 201703L && __has_include(<format>)
 #include <format>
 #endif
+
+#include "QBLCore/Frame/QBLLanguage.hpp"
 #ifdef __cpp_lib_format
 
 #include "i18n/cpp/i18n_format_text.hpp"

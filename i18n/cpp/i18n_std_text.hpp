@@ -4,6 +4,8 @@
 #include <string_view>
 #include <type_traits>
 
+#include "QBLCore/Frame/QBLLanguage.hpp"
+
 /// @file
 /// Which texts of the standard library I18NString accepts. Programs need not include this header.
 ///

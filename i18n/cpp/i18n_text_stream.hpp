@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "QBLCore/Frame/QBLExport.h"
+#include "QBLCore/Frame/QBLLanguage.hpp"
 
 class I18NConverter;
 class I18NTextStreamState;
