@@ -1,21 +1,7 @@
-# Finds ICU::i18n, ICU::uc and ZLIB::ZLIB for the architecture being built.
-# Debian's i386 -dev packages cannot always be installed together with the amd64 packages.
-# In that case only the run-time libraries exist, under their versioned names. The
-# headers then come from the amd64 packages; they are the same files.
+# qbl_find_dependencies: finds the libraries of QblLibraries.cmake and checks that they run.
 include(CheckCXXSourceRuns)
 macro(qbl_find_dependencies)
-  set(_qbl_suffixes "${CMAKE_FIND_LIBRARY_SUFFIXES}")
-  find_path(QBL_ICU_INCLUDE_DIR unicode/uvernum.h)
-  mark_as_advanced(QBL_ICU_INCLUDE_DIR)
-  if(NOT QBL_ICU_INCLUDE_DIR)
-    message(FATAL_ERROR "ICU headers not found (unicode/uvernum.h): run ./dev setup")
-  endif()
-  file(STRINGS "${QBL_ICU_INCLUDE_DIR}/unicode/uvernum.h" _qbl_icu_major REGEX "define U_ICU_VERSION_MAJOR_NUM ")
-  string(REGEX MATCH "[0-9]+" _qbl_icu_major "${_qbl_icu_major}")
-  list(APPEND CMAKE_FIND_LIBRARY_SUFFIXES ".so.${_qbl_icu_major}" ".so.1")
-  find_package(ICU REQUIRED COMPONENTS i18n uc)
-  find_package(ZLIB REQUIRED)
-  set(CMAKE_FIND_LIBRARY_SUFFIXES "${_qbl_suffixes}")
+  qbl_find_libraries()
   set(CMAKE_REQUIRED_LIBRARIES ICU::i18n ICU::uc ZLIB::ZLIB)
   check_cxx_source_runs("
     #include <cstring>
@@ -28,7 +14,7 @@ macro(qbl_find_dependencies)
     }" QBL_DEPENDENCIES_RUN)
   unset(CMAKE_REQUIRED_LIBRARIES)
   if(NOT QBL_DEPENDENCIES_RUN)
-    message(FATAL_ERROR "a test program linked with ICU (${ICU_LIBRARIES}) and zlib (${ZLIB_LIBRARIES}) does not run: run ./dev setup, delete ${CMAKE_BINARY_DIR} and configure again")
+    message(FATAL_ERROR "a test program linked with ICU (${ICU_LIBRARIES}) and zlib (${ZLIB_LIBRARIES}) does not run: run ./dev setup, delete ${PROJECT_BINARY_DIR} and configure again")
   endif()
 endmacro()
 

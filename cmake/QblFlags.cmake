@@ -7,11 +7,11 @@ target_compile_options(qbl_flags INTERFACE
   -fno-semantic-interposition -fno-plt
   # Makes __FILE__ relative to the root of the tree. The second map is for compiler caches, which
   # pass paths relative to build/<preset>.
-  "-fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=" "-fmacro-prefix-map=../../=")
+  "-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=" "-fmacro-prefix-map=../../=")
 if(CMAKE_BUILD_TYPE STREQUAL "RelWithDebInfo")
   # Removes the path of the tree from the debug information too. gdb finds the sources if it is
   # started in the root of the tree.
-  target_compile_options(qbl_flags INTERFACE "-fdebug-prefix-map=${CMAKE_SOURCE_DIR}=.")
+  target_compile_options(qbl_flags INTERFACE "-fdebug-prefix-map=${PROJECT_SOURCE_DIR}=.")
 endif()
 if(QBL_WERROR)
   target_compile_options(qbl_flags INTERFACE -Werror)

@@ -12,7 +12,11 @@ set(_tools qblconv qblmsgc)
 set(_manuals ${_tools})
 list(TRANSFORM _manuals REPLACE "(.+)" "man/\\1.1")
 set(_formats man/bmf.5 man/i18n_res.xml.5 man/I18NPooledString.conf.5)
-set(_printers "${CMAKE_SOURCE_DIR}/gdb/qblcore.py")
+set(_printers "${PROJECT_SOURCE_DIR}/gdb/qblcore.py")
+set(_static_files)
+if(QBLCORE_STATIC)
+  set(_static_files cmake/QblLibraries.cmake)
+endif()
 get_property(_resources GLOBAL PROPERTY QBL_RESOURCE_FILES)
 get_property(_catalogues GLOBAL PROPERTY QBL_CATALOGUES)
 foreach(_shell bash zsh fish)
@@ -31,6 +35,10 @@ function(_qbl_configure_pc libdir output)
   set(_pc_LIBDIR "${libdir}")
   set(_pc_INCLUDEDIR "${CMAKE_INSTALL_INCLUDEDIR}")
   set(_pc_BINDIR "${CMAKE_INSTALL_BINDIR}")
+  set(_pc_STATIC)
+  if(QBLCORE_STATIC)
+    set(_pc_STATIC " -Wl,-z,nodelete")
+  endif()
   foreach(_dir LIBDIR INCLUDEDIR BINDIR)
     if(NOT IS_ABSOLUTE "${_pc_${_dir}}")
       string(PREPEND _pc_${_dir} "\${prefix}/")
@@ -44,11 +52,12 @@ endfunction()
 # the directory below share/zsh for the zsh completions.
 macro(_qbl_install export libdir runtime development tools examples zsh)
   set(_cmakedir "${libdir}/cmake/QBLCore")
-  set(_made "${CMAKE_BINARY_DIR}/installed/${export}")
+  set(_made "${PROJECT_BINARY_DIR}/installed/${export}")
   # The unversioned name belongs to the runtime component, because the library finds its own
   # directory by this name.
   install(TARGETS QBLCore EXPORT ${export}
     LIBRARY DESTINATION "${libdir}" COMPONENT ${runtime} ${ARGN}
+    ARCHIVE DESTINATION "${libdir}" COMPONENT ${development} ${ARGN}
     FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT ${development} ${ARGN})
   install(TARGETS ${_tools} EXPORT ${export}Tools DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT ${tools} ${ARGN})
   install(EXPORT ${export} NAMESPACE QBLCore:: FILE QBLCoreTargets.cmake
@@ -60,7 +69,7 @@ macro(_qbl_install export libdir runtime development tools examples zsh)
     INSTALL_DESTINATION "${_cmakedir}")
   write_basic_package_version_file("${_made}/QBLCoreConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
   install(FILES "${_made}/QBLCoreConfig.cmake" "${_made}/QBLCoreConfigVersion.cmake" cmake/QblCatalog.cmake
-    DESTINATION "${_cmakedir}" COMPONENT ${development} ${ARGN})
+    ${_static_files} DESTINATION "${_cmakedir}" COMPONENT ${development} ${ARGN})
   _qbl_configure_pc("${libdir}" "${_made}/qblcore.pc")
   install(FILES "${_made}/qblcore.pc" DESTINATION "${libdir}/pkgconfig" COMPONENT ${development} ${ARGN})
 
@@ -87,7 +96,8 @@ _qbl_install(QBLCoreTargets "${CMAKE_INSTALL_LIBDIR}" runtime development tools
 # that directory is in gdb's auto-load safe-path, and below /usr/share/gdb/auto-load. For the prefixes
 # /usr and /, the file goes below /usr/share/gdb/auto-load. For other prefixes, the file goes next to
 # the library, so that the tree can be moved.
-install(CODE "
+if(NOT QBLCORE_STATIC)
+  install(CODE "
   set(_libdir \"${CMAKE_INSTALL_LIBDIR}\")
   cmake_path(ABSOLUTE_PATH _libdir BASE_DIRECTORY \"\${CMAKE_INSTALL_PREFIX}\")
   if(_libdir MATCHES \"^/(usr/)?lib\")
@@ -95,8 +105,13 @@ install(CODE "
   endif()
   file(INSTALL DESTINATION \"\${_libdir}\" TYPE FILE FILES \"${_printers}\"
     RENAME \"$<TARGET_FILE_NAME:QBLCore>-gdb.py\")"
-  COMPONENT development)
+    COMPONENT development)
+endif()
 
+# The following targets concern the whole build, so an including project does not get them.
+if(NOT PROJECT_IS_TOP_LEVEL)
+  return()
+endif()
 # Builds everything that cmake --install needs.
 add_custom_target(installed DEPENDS QBLCore ${_tools} completions)
 foreach(_catalogue IN LISTS _catalogues)
@@ -105,7 +120,7 @@ endforeach()
 
 # Removes the files that the latest cmake --install of this build folder installed, and its own folders
 # that are then empty.
-file(WRITE "${CMAKE_BINARY_DIR}/installed/uninstall.cmake" [=[
+file(WRITE "${PROJECT_BINARY_DIR}/installed/uninstall.cmake" [=[
 file(GLOB _lists "${CMAKE_CURRENT_LIST_DIR}/../install_manifest*.txt")
 if(NOT _lists)
   message(FATAL_ERROR "uninstall: no install_manifest.txt in the build folder: nothing was installed from here")
@@ -128,4 +143,4 @@ foreach(_list IN LISTS _lists)
   endforeach()
 endforeach()
 ]=])
-add_custom_target(uninstall COMMAND "${CMAKE_COMMAND}" -P "${CMAKE_BINARY_DIR}/installed/uninstall.cmake" VERBATIM)
+add_custom_target(uninstall COMMAND "${CMAKE_COMMAND}" -P "${PROJECT_BINARY_DIR}/installed/uninstall.cmake" VERBATIM)

@@ -18,7 +18,7 @@ endif()
 set(_runtime libqblcore${PROJECT_VERSION_MAJOR})
 set(_development libqblcore-dev)
 set(_programs qblcore-tools)
-set(_debian "${CMAKE_SOURCE_DIR}/cmake/debian")
+set(_debian "${PROJECT_SOURCE_DIR}/cmake/debian")
 
 _qbl_install(QBLCorePackageTargets "lib/${_triplet}" ${_runtime} ${_development} ${_programs}
   "share/doc/${_development}" vendor-completions EXCLUDE_FROM_ALL)
@@ -38,13 +38,13 @@ install(CODE "
   endif()"
   COMPONENT ${_programs} EXCLUDE_FROM_ALL)
 
-set(_made "${CMAKE_BINARY_DIR}/installed")
+set(_made "${PROJECT_BINARY_DIR}/installed")
 configure_file("${_debian}/changelog.in" "${_made}/changelog" @ONLY)
 execute_process(COMMAND gzip -9nc "${_made}/changelog"
   OUTPUT_FILE "${_made}/changelog.Debian.gz" COMMAND_ERROR_IS_FATAL ANY)
-execute_process(COMMAND gzip -9nc "${CMAKE_SOURCE_DIR}/CHANGELOG.md"
+execute_process(COMMAND gzip -9nc "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
   OUTPUT_FILE "${_made}/changelog.gz" COMMAND_ERROR_IS_FATAL ANY)
-set_property(DIRECTORY "${CMAKE_SOURCE_DIR}" APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/CHANGELOG.md")
+set_property(DIRECTORY "${PROJECT_SOURCE_DIR}" APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/CHANGELOG.md")
 foreach(_package ${_runtime} ${_development} ${_programs})
   install(FILES "${_debian}/copyright" "${_made}/changelog.Debian.gz" "${_made}/changelog.gz"
     DESTINATION "share/doc/${_package}" COMPONENT ${_package} EXCLUDE_FROM_ALL)
@@ -122,5 +122,5 @@ string(TOUPPER "${_runtime}" _upper)
 set(CPACK_DEBIAN_${_upper}_PACKAGE_CONTROL_EXTRA "${_debian}/triggers")
 # The tools need libQBLCore, which is in a package of the same cpack run. dpkg-shlibdeps finds the
 # library in this directory.
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_BINARY_DIR}")
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}")
 include(CPack)
