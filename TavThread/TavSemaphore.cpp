@@ -36,6 +36,13 @@ int tavSemaphorePostGeneral(TavSemaphore* s) {
     return tavThread_MapError(tavRetryErrno([s] { return sem_post(&s->native); }));
 }
 
+int tavSemaphoreOfferGeneral(TavSemaphore* s) {
+    if (s->waiters == 0) return tavThread_MapError(EOVERFLOW);
+    const int rc = tavSemaphorePostFast(s);
+    if (rc == TAVTHREAD_OK) --s->waiters;
+    return rc;
+}
+
 extern "C" {
 
 int tavXSemaphoreCreate(TavSemaphore** out, unsigned initialCount, ...) {

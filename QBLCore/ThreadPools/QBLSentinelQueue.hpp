@@ -11,10 +11,15 @@
 #include "QBLCore/Threads/QBLThreadMutex.hpp"
 #include "QBLCore/Threads/QBLThreadSemaphore.hpp"
 
-// m_available counts the items and the nulls of wake() that no get() has claimed yet. A put()
-// inserts the item and then posts m_available, both under the mutex. A get() first lowers the
-// count, then takes the mutex. It returns a null only if there is no item, so items come out before
-// nulls.
+// m_available counts the items and the nulls of wake() that no get() has claimed yet. The count
+// changes only under the mutex, so it needs no locked instructions of its own. A put() inserts the
+// item and then offers it: this raises the count, or hands a claim to a thread that waits. A get()
+// claims, and then takes what it has claimed. It returns a null only if there is no item, so items
+// come out before nulls.
+//   waits       A get() that finds the count at 0 enlists, leaves the mutex and waits for a claim.
+//               If its time runs out or its thread is cancelled, it leaves the list of waiting
+//               threads under the mutex. If it was handed a claim at the last moment, it uses the
+//               claim, or offers it again.
 //   withdraw()  removes an item and lowers the count by 1. If the count is 0, a call of get() is in
 //               progress for each item, and one of these calls takes this item.
 //   m_free      counts the room of a bounded queue. reserve() lowers this count. A get() that finds
@@ -23,8 +28,9 @@
 // An operation that fails undoes its changes, so that both counts stay correct.
 //
 // The mutex makes everything that a thread wrote before put() visible to the thread that gets the
-// item. TavBoundedWait.cpp explains the waits. QBLSentinelQueueTest tests failures, and
-// QBLThreadPoolTest the counts, also with x64-tsan.
+// item. A get() that may not wait reads the count without the mutex first; this is only a hint.
+// TavSemaphoreRecord.hpp explains the count, and TavBoundedWait.cpp the waits. QBLSentinelQueueTest
+// tests failures and waits, and QBLThreadPoolTest the counts, also with x64-tsan.
 
 /// A first-in first-out queue. get() waits for an item. If the queue is bounded, put() waits for
 /// room. A wait ends as soon as there is an item or room, or when its time runs out.
@@ -74,17 +80,11 @@ public:
     /// @return false, without a change of `item`, if the time ran out
     /// @throws the exceptions of copying an item; they do not change the queue
     [[nodiscard]] bool get(T& item, unsigned long timeout) {
-        if (!m_available.boundedWait(timeout)) return false;
+        const bool mayWait = timeout != 0;
+        if (!mayWait && !m_available.isReady()) return false;
         bool taken = false;
-        try {
-            QBLThreadGuard guard(m_items);
-            taken = !(*m_items).empty();
-            item = taken ? (*m_items).front() : T();
-            removeFront();
-        } catch (...) {
-            m_available.post();
-            throw;
-        }
+        if (!takeNow(item, mayWait, taken) && !(mayWait && takeLater(item, timeout, taken)))
+            return false;
         if (taken && m_free) m_free->post();
         return true;
     }
@@ -92,7 +92,10 @@ public:
 
     /// Makes one get() return a null item when the queue has no other items. This needs no memory
     /// and no room, so it can always end the wait of a thread.
-    void wake() { m_available.post(); }
+    void wake() {
+        QBLThreadGuard guard(m_items);
+        m_available.offer();
+    }
 
     /// Removes an item that no get() has taken yet.
     /// @return false if the item is no longer in the queue, or a get() in progress will take it.
@@ -101,7 +104,7 @@ public:
             QBLThreadGuard guard(m_items);
             const auto it = find(item);
             // If the count is 0, a call of get() is in progress for each item.
-            if (it == (*m_items).end() || !m_available.tryWait()) return false;
+            if (it == (*m_items).end() || !m_available.claim()) return false;
             (*m_items).erase(it);
         }
         if (m_free) m_free->post();
@@ -147,6 +150,41 @@ private:
         return true;
     }
 
+    // Both store in `taken` whether the thread got an item, and not a null.
+    // takeNow()    enlists the thread if the count is 0 and it may wait.
+    // takeLater()  requires that the thread has enlisted. A cancellation may end its wait.
+    bool takeNow(T& item, bool mayWait, bool& taken) {
+        QBLThreadGuard guard(m_items);
+        if (!(mayWait ? m_available.claimOrEnlist() : m_available.claim())) return false;
+        taken = takeClaimed(item);
+        return true;
+    }
+    bool takeLater(T& item, unsigned long timeout, bool& taken) {
+        bool posted = false;
+        try {
+            posted = m_available.boundedWait(timeout);
+        } catch (...) {
+            QBLThreadGuard guard(m_items);
+            if (m_available.delist()) m_available.offer();
+            throw;
+        }
+        QBLThreadGuard guard(m_items);
+        if (!posted && !m_available.delist()) return false;
+        taken = takeClaimed(item);
+        return true;
+    }
+    bool takeClaimed(T& item) QBL_REQUIRES(m_items) {
+        try {
+            const bool taken = !(*m_items).empty();
+            item = taken ? (*m_items).front() : T();
+            removeFront();
+            return taken;
+        } catch (...) {
+            m_available.offer();
+            throw;
+        }
+    }
+
     bool add(const T& item, unsigned long timeout, bool first) {
         if (!reserve(timeout)) return false;
         insertReserved(item, first);
@@ -158,7 +196,7 @@ private:
             QBLList<T>& items = *m_items;
             insert(first ? items.begin() : items.end(), item);
             try {
-                m_available.post();
+                m_available.offer();
             } catch (...) {
                 first ? items.pop_front() : items.pop_back();
                 throw;
@@ -199,7 +237,7 @@ private:
     }
 
     QBLThreadMonitor<QBLThreadMutex, QBLList<T>> m_items;
-    QBLThreadSemaphore m_available;            // posted once per item or null
+    QBLThreadSemaphore m_available;            // changes under the mutex of m_items
     std::optional<QBLThreadSemaphore> m_free;  // empty if unbounded
     QBLList<T> m_spares QBL_GUARDED_BY(m_items);
 };

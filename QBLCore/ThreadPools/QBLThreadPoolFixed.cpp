@@ -30,7 +30,7 @@
 //    worker into the queue, as after any task (serve(true)).
 //
 // Memory order: in rule 3 each side writes one variable, then reads the other one. The flag is
-// sequentially consistent, and the queue's semaphore changes by locked instructions, which are full
+// sequentially consistent, and the queue's mutex changes by locked instructions, which are full
 // barriers on x86. m_pTask needs no such order: only the thread that took the worker out stores it,
 // and m_handOff publishes it. m_workers changes only while the pool is constructed and destroyed.
 //

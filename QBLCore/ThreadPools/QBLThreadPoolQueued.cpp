@@ -23,7 +23,7 @@
 //    a task or a call of stop().
 //
 // Memory order: in rules 1, 2 and 4 each side writes one variable, then reads the other one. The
-// flag and the size of the stack are sequentially consistent, and the queue's semaphore changes by
+// flag and the size of the stack are sequentially consistent, and the queue's mutex changes by
 // locked instructions, which are full barriers on x86. The queue's mutex publishes the tasks and
 // what submitters wrote before. An idle worker checks the flag every ten seconds, because
 // setStopWork() alone wakes only submitters.

@@ -18,6 +18,11 @@ const char kBoundedWait[] =
     "QBLThreadSemaphore::boundedWait: TavThread interface or unexpected error";
 const char kPost[] = "QBLThreadSemaphore::post: TavThread interface or unexpected error";
 
+// Out of line, so that an offer without a waiting thread saves no registers.
+[[gnu::noinline]] void offerGeneral(TavSemaphore* semaphore) {
+    settle(tavSemaphoreOfferGeneral(semaphore), QBL_HERE, kPost);
+}
+
 }  // namespace
 
 QBLThreadSemaphore::QBLThreadSemaphore(unsigned long initial) : m_pSemaphore(nullptr) {
@@ -56,4 +61,23 @@ bool QBLThreadSemaphore::boundedWait(unsigned long ms) {
 void QBLThreadSemaphore::post(int n) {
     settle(n == 1 ? tavSemaphorePostFast(m_pSemaphore) : tavXSemaphorePostN(m_pSemaphore, n),
            QBL_HERE, kPost);
+}
+
+void QBLThreadSemaphore::offer() {
+    TavSemaphore* const semaphore = m_pSemaphore;
+    if (!tavSemaphoreOfferPlain(semaphore)) offerGeneral(semaphore);
+}
+
+bool QBLThreadSemaphore::claim() { return tavSemaphoreClaim(m_pSemaphore); }
+
+bool QBLThreadSemaphore::claimOrEnlist() {
+    if (tavSemaphoreClaim(m_pSemaphore)) return true;
+    tavSemaphoreEnlist(m_pSemaphore);
+    return false;
+}
+
+bool QBLThreadSemaphore::delist() { return tavSemaphoreDelist(m_pSemaphore); }
+
+bool QBLThreadSemaphore::isReady() const {
+    return m_pSemaphore->ready.load(std::memory_order_relaxed) != 0;
 }

@@ -46,6 +46,17 @@ public:
     void post(int n = 1);
 
 private:
+    template <class T>
+    friend class QBLSentinelQueue;
+
+    // For an owner that has a mutex and holds it during these operations, except isReady() and the
+    // wait. The owner calls no other operations. TavSemaphoreRecord.hpp explains them.
+    void offer();
+    [[nodiscard]] bool claim();
+    [[nodiscard]] bool claimOrEnlist();
+    [[nodiscard]] bool delist();
+    [[nodiscard]] bool isReady() const;
+
     TavSemaphore* m_pSemaphore;
 };
 

@@ -4,6 +4,7 @@
 #include <semaphore.h>
 
 #include <atomic>
+#include <climits>
 #include <cstdint>
 
 #include "TavThread/TavSemaphore.h"
@@ -25,10 +26,14 @@ struct TavSemaphore {
     std::atomic<int> yieldScore{-1};
     unsigned flags = 0;
     void* traceObj = nullptr;
+    // Only for an owner that has a mutex of its own; these fields change under that mutex.
+    std::atomic<std::uint32_t> ready{0};  // offers that no thread has claimed
+    std::uint32_t waiters = 0;            // threads that enlisted and have no post yet
 };
 
 int tavSemaphoreTryWaitGeneral(TavSemaphore* s);
 int tavSemaphorePostGeneral(TavSemaphore* s);
+int tavSemaphoreOfferGeneral(TavSemaphore* s);
 
 constexpr std::uint32_t kTavLooker = 0x10000;
 inline std::uint32_t tavLookers(std::uint32_t looking) { return looking / kTavLooker; }
@@ -75,6 +80,40 @@ inline int tavSemaphoreTryWaitFast(TavSemaphore* s) {
 inline int tavSemaphorePostFast(TavSemaphore* s) {
     if (s != nullptr && (tavSemaphorePromise(s) || sem_post(&s->native) == 0)) return TAVTHREAD_OK;
     return tavSemaphorePostGeneral(s);
+}
+
+// The owner of a semaphore may have a mutex of its own, like a queue. If it holds this mutex for
+// each of the next four operations, the count lies in `ready`, and an offer posts only if a thread
+// has enlisted. So an uncontended offer or claim needs no locked instruction. Each enlisted thread
+// has an entry in `waiters` or a post: an offer turns an entry into a post, and the thread takes
+// this post with a wait, without the mutex. If the wait fails, the thread calls tavSemaphoreDelist.
+
+/// Raises the count by 1.
+/// @return false, without a change, if a thread has enlisted. tavSemaphoreOfferGeneral then posts.
+inline bool tavSemaphoreOfferPlain(TavSemaphore* s) {
+    const std::uint32_t ready = s->ready.load(std::memory_order_relaxed);
+    if (__builtin_expect(s->waiters != 0 || ready == SEM_VALUE_MAX, 0)) return false;
+    s->ready.store(ready + 1, std::memory_order_relaxed);
+    return true;
+}
+
+/// Lowers the count by 1 if it is not 0.
+inline bool tavSemaphoreClaim(TavSemaphore* s) {
+    const std::uint32_t ready = s->ready.load(std::memory_order_relaxed);
+    if (ready == 0) return false;
+    s->ready.store(ready - 1, std::memory_order_relaxed);
+    return true;
+}
+
+/// Announces that this thread will wait. The count must be 0.
+inline void tavSemaphoreEnlist(TavSemaphore* s) { ++s->waiters; }
+
+/// Ends what tavSemaphoreEnlist began, after a wait without a post.
+/// @return true if there was a post after all. The thread has then taken it.
+inline bool tavSemaphoreDelist(TavSemaphore* s) {
+    if (tavSemaphoreTakePlain(s)) return true;
+    --s->waiters;
+    return false;
 }
 
 #endif

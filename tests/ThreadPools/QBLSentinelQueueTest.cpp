@@ -2,8 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <pthread.h>
+
+#include <atomic>
 #include <chrono>
 #include <stdexcept>
+
+#include "tests/support/Workers.hpp"
 
 using namespace std::chrono_literals;
 
@@ -62,4 +67,47 @@ TEST(QBLSentinelQueueTest, WithdrawsAnItemOnceAndReleasesReservedRoom) {
         EXPECT_EQ(expected, got.number);
     }
     EXPECT_FALSE(queue.get(got, 1us));
+}
+
+TEST(QBLSentinelQueueTest, WaitsThatTimeOutLoseNeitherItemsNorNulls) {
+    QBLSentinelQueue<int> queue;
+    const int rounds = kSanitizer ? 2000 : 20000;
+    std::atomic<int> left{2 * rounds};
+    std::atomic<long long> sum{0};
+    Workers getters(3, [&] {
+        for (int got = 0; left > 0;) {
+            if (!queue.get(got, 1)) continue;
+            sum += got;
+            left -= got != 0 ? 1 : 0;
+        }
+    });
+    Workers putters(2, [&] {
+        for (int i = 1; i <= rounds; ++i) {
+            EXPECT_TRUE(queue.put(i, 0));
+            if (i % 64 == 0) queue.wake();
+            if (i % 1000 == 0) std::this_thread::sleep_for(1ms);  // lets waits time out
+        }
+    });
+    getters.join();
+    EXPECT_EQ(static_cast<long long>(rounds) * (rounds + 1), sum);
+}
+
+TEST(QBLSentinelQueueTest, CancelledWaitTakesNoItem) {
+    if (kSanitizer) GTEST_SKIP() << "the sanitizer keeps the stack of a cancelled thread poisoned";
+    QBLSentinelQueue<int> queue;
+    pthread_t thread{};
+    const auto body = [](void* q) -> void* {
+        int got = 0;
+        static_cast<void>(static_cast<QBLSentinelQueue<int>*>(q)->get(got, QBLWaitForever));
+        return nullptr;
+    };
+    ASSERT_EQ(0, pthread_create(&thread, nullptr, body, &queue));
+    pthread_cancel(thread);
+    void* result = nullptr;
+    pthread_join(thread, &result);
+    EXPECT_EQ(PTHREAD_CANCELED, result);
+    int item = 5, got = 0;
+    ASSERT_TRUE(queue.put(item, 0));
+    ASSERT_TRUE(queue.get(got, 0));
+    EXPECT_EQ(5, got);
 }

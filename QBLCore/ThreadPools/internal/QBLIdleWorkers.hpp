@@ -15,7 +15,7 @@
 /// A worker first enters the stack and then looks into the queue. A submitter first puts a task
 /// into the queue and then calls wakeOne(), which reads the size of the stack. So either the worker
 /// sees the task, or the submitter sees the worker. Memory order: each side writes one variable,
-/// then reads the other one. The size is sequentially consistent, and the queue's semaphore changes
+/// then reads the other one. The size is sequentially consistent, and the queue's mutex changes
 /// by locked instructions, which are full barriers on x86.
 ///
 /// Threads: each worker calls waitUnless() with its own place. Any thread may call wakeOne():
