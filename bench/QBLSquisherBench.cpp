@@ -61,17 +61,21 @@ double secondsOf(std::size_t size) {
 // reuses its free memory. A new process gets the memory from the kernel and returns it in every
 // call. So both sides are measured in a new process that does nothing else. The program starts
 // itself for this. If the environment variable is set, the initializer below measures, prints the
-// result and exits before main() runs.
+// result and exits before main() runs. It must run before the initializers of the other benchmarks:
+// once they have freed a large block, the C library no longer returns memory to the kernel.
 const char kFresh[] = "QBL_BENCH_SQUISHER";
 
-[[maybe_unused]] const bool s_inFreshProcess = [] {
-    const char* const what = std::getenv(kFresh);
-    if (what == nullptr) return false;
-    const auto size = static_cast<std::size_t>(std::strtoul(what + 1, nullptr, 10));
-    std::printf("%.12f\n", *what == 'o' ? secondsOf<Ours>(size) : secondsOf<Zlib>(size));
-    std::fflush(stdout);
-    _exit(0);
-}();
+struct FreshProcess {
+    FreshProcess() {
+        const char* const what = std::getenv(kFresh);
+        if (what == nullptr) return;
+        const auto size = static_cast<std::size_t>(std::strtoul(what + 1, nullptr, 10));
+        std::printf("%.12f\n", *what == 'o' ? secondsOf<Ours>(size) : secondsOf<Zlib>(size));
+        std::fflush(stdout);
+        _exit(0);
+    }
+};
+[[gnu::init_priority(101)]] const FreshProcess s_freshProcess;
 
 template <class Side>
 void fresh(benchmark::State& state) {
