@@ -23,7 +23,7 @@ namespace {
 
 using faults::Mode;
 
-constexpr long kMostAllocations = 4000;
+constexpr long kMostAllocations = 100000, kSampled = 100;
 
 struct Outcome {
     bool done = false;
@@ -72,14 +72,17 @@ public:
             ASSERT_TRUE(round == 0 || clean.text == m_expected) << clean.text;
             m_expected = clean.text;
         }
+        // Rows with very many allocations: all of the first ones, and a sample of the others.
         for (const Mode mode : {Mode::kOnce, Mode::kFromThenOn})
-            for (long n = 0; failAt(n, mode) && !HasFailure(); ++n) ASSERT_LT(n, kMostAllocations);
+            for (long n = 0; failAt(n, mode) && !HasFailure(); n += 1 + n / kSampled)
+                ASSERT_LT(n, kMostAllocations);
     }
 
 private:
     /// @return false if the row has no more than n allocations
     bool failAt(long n, Mode mode) {
         SCOPED_TRACE(testing::Message() << "allocation " << n << " of mode " << int(mode));
+        const long before = faults::liveBlocks();
         long live[4] = {};
         bool failed = false;
         // The first failure may change what caches hold. A leak shows in every run.
@@ -94,7 +97,7 @@ private:
             EXPECT_EQ(m_expected, outcome.text) << "retry";
             outcome.text = {};
             blocks = faults::liveBlocks();
-            if (!failed || HasFailure()) return failed;
+            if (!failed || HasFailure() || blocks <= before) return failed;
         }
         EXPECT_FALSE(live[0] < live[1] && live[1] < live[2] && live[2] < live[3])
             << "lost blocks: " << live[3] - live[0] << " in three runs";
