@@ -10,6 +10,10 @@
 #include "QBLCore/Exceptions/QBLThreadResourceError.hpp"
 #include "tests/faults/Rows.hpp"
 
+// The C library loses a block if memory runs out while it loads a library.
+extern "C" const char* __lsan_default_suppressions();  // NOLINT(bugprone-reserved-identifier)
+extern "C" const char* __lsan_default_suppressions() { return "leak:_dl_map_object_deps"; }
+
 namespace faults {
 
 std::vector<Row>& rows() {
