@@ -152,6 +152,11 @@ QBLMessageBase* QBLMessage::clone() const {
 const char* QBLMessage::getClassName() const { return "QBLMessage"; }
 
 void QBLMessage::format(const char* language, const char* fallbackLanguage, I18NString& out) const {
+    formatIf(0, language, fallbackLanguage, out);
+}
+
+void QBLMessage::formatIf(unsigned shape, const char* language, const char* fallbackLanguage,
+                          I18NString& out) const {
     const char* locale = chooseLocale(language, fallbackLanguage);
     const std::string base = m_msgFile.toUtf8();
     std::optional<QBLPatternLoan> loan;
@@ -160,11 +165,13 @@ void QBLMessage::format(const char* language, const char* fallbackLanguage, I18N
     };
     bool formatted = false;
     if (const auto catalogue = QBLCatalogueCache::get(base, locale)) {
-        formatted = fillIn(*this, Texts(*catalogue), patternOf, out);
+        formatted = (shape == 0 || catalogue->getShape() == shape) &&
+                    fillIn(*this, Texts(*catalogue), patternOf, out);
     } else {
         // Not preloaded: this call needs only one text and the texts that this text refers to.
         QBLResourceFile file(0);
-        formatted = file.open(base, locale) && fillIn(*this, Texts(file), patternOf, out);
+        formatted = file.open(base, locale) && (shape == 0 || file.getShape() == shape) &&
+                    fillIn(*this, Texts(file), patternOf, out);
     }
     if (!formatted) writeElement(&m_msgFile, language, fallbackLanguage, out, 0);
 }

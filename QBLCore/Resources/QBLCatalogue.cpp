@@ -118,6 +118,8 @@ QBLCatalogue::Entry QBLCatalogue::entry(unsigned n) const {
     return {ntohl(words[0]), ntohl(words[1]), ntohl(words[2])};
 }
 
+unsigned QBLCatalogue::getShape() const { return ntohl(m_pWords[1]) & 0xFFFFFF; }
+
 const char* QBLCatalogue::getText(unsigned long id) const {
     unsigned begin = 0, end = m_uEntries;
     while (begin < end) {

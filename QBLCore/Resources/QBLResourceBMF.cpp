@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <new>
 
 #include "QBLCore/Base/QBLFileStatus.hpp"
@@ -67,6 +68,14 @@ void QBLResourceBMF::close() {
 bool QBLResourceBMF::isOpen() { return m_file.getFileDescriptor() >= 0; }
 
 unsigned QBLResourceBMF::getEntryID(unsigned n) const { return ntohl(m_pIndex[n].id); }
+
+unsigned QBLResourceBMF::getShape() const {
+    unsigned shape = 0;
+    for (const char* byte = m_header.magic + sizeof "BMF1"; byte != std::end(m_header.magic);
+         ++byte)
+        shape = shape << 8 | static_cast<unsigned char>(*byte);
+    return shape;
+}
 
 bool QBLResourceBMF::readIndex() {
     const long length = m_file.getLength();

@@ -7,7 +7,7 @@
 /// A binary message file. All its numbers are unsigned 32-bit integers in network byte order. The
 /// columns are the offset in bytes, the size in bytes, and the content:
 ///
-///     0           8       "BMF1", a null byte, and three bytes that are ignored
+///     0           8       "BMF1", a null byte, and in three bytes the shape, or 0
 ///     8           4       the number of entries, N
 ///     12          4       the size of all texts in bytes, D
 ///     16          12 * N  the entries, sorted by identifier: each has the identifier, the offset
@@ -38,6 +38,9 @@ public:
     unsigned getEntryCount() const { return m_header.entries; }
     /// Returns the identifier of entry n; the identifiers ascend. Requires: n < getEntryCount().
     unsigned getEntryID(unsigned n) const;
+    /// Returns the checksum of the catalogue's shape that `qblmsgc --typed` has written, as in
+    /// QBLTypedCatalogue; 0 if there is none.
+    unsigned getShape() const;
 
 private:
     struct Header {

@@ -1,7 +1,7 @@
 #include "QBLCore/Resources/QBLResourceFile.hpp"
 
 #include "QBLCore/Exceptions/QBLThrow.hpp"
-#include "QBLCore/Resources/QBLResource.hpp"
+#include "QBLCore/Resources/QBLResourceBMF.hpp"
 #include "QBLCore/Resources/QBLResourceFactory.hpp"
 
 QBLResourceFile::QBLResourceFile(int preload) : m_resource(nullptr), m_preload(preload) {}
@@ -22,6 +22,11 @@ bool QBLResourceFile::open(const std::string& baseName, const char* localeID) {
 bool QBLResourceFile::getResource(unsigned long id, char** text) {
     QBL_ASSERT(m_resource != NULL);
     return m_resource->getResource(id, text);
+}
+
+unsigned QBLResourceFile::getShape() const {
+    const auto* const file = dynamic_cast<const QBLResourceBMF*>(m_resource);
+    return file != nullptr ? file->getShape() : 0;
 }
 
 void QBLResourceFile::close() { QBLResourceFactory::release(m_resource); }

@@ -36,6 +36,8 @@ public:
     /// Works as QBLResource::getResource().
     /// @throws QBLAssertError if nothing is open
     [[nodiscard]] bool getResource(unsigned long id, char** text);
+    /// Works as QBLResourceBMF::getShape(); 0 if nothing is open.
+    unsigned getShape() const;
     void close();
     bool isOpen() const { return m_resource != nullptr; }
 

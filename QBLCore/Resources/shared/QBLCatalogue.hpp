@@ -29,6 +29,8 @@ public:
     /// Requires: isSound().
     /// @return null if the file has no text for the identifier
     const char* getText(unsigned long id) const;
+    /// Works as QBLResourceBMF::getShape(). Requires: isSound().
+    unsigned getShape() const;
     const std::string& getFileName() const { return m_fileName; }
     /// Returns the size in memory in bytes.
     std::size_t getSize() const {
