@@ -1,5 +1,5 @@
 # qbl_add_catalog(TARGET NAME SOURCE...
-#                 [HEADER FILE] [OUTPUT_DIRECTORY DIR] [STRICT] [DESTINATION DIR [COMPONENT NAME]])
+#                 [HEADER FILE] [TYPED] [OUTPUT_DIRECTORY DIR] [STRICT] [DESTINATION DIR [COMPONENT NAME]])
 #
 # Compiles a message catalogue: each source, named NAME_LANGUAGE.msg or NAME.msg, becomes a message
 # file with the same name and the extension .bmf. The first source is the reference: the other
@@ -7,6 +7,9 @@
 #
 #   HEADER            writes this header into OUTPUT_DIRECTORY, with an enum of the identifiers of
 #                     the first source; targets that link TARGET can include it
+#   TYPED             the header also has a C++ function for each message, and the message files
+#                     hold a checksum that ties them to the header; arguments of the sources that
+#                     do not fit the first source are errors
 #   OUTPUT_DIRECTORY  the directory of the generated files; default: the current binary directory
 #   STRICT            treats warnings as errors
 #   DESTINATION       installs the message files into this directory, usually share/PROGRAM, where
@@ -15,7 +18,7 @@
 #
 # TARGET becomes an interface library. The default target (all) builds the files.
 function(qbl_add_catalog target name)
-  cmake_parse_arguments(PARSE_ARGV 2 arg "STRICT" "HEADER;OUTPUT_DIRECTORY;DESTINATION;COMPONENT" "")
+  cmake_parse_arguments(PARSE_ARGV 2 arg "STRICT;TYPED" "HEADER;OUTPUT_DIRECTORY;DESTINATION;COMPONENT" "")
   if(NOT TARGET QBLCore::qblmsgc)
     message(FATAL_ERROR "qbl_add_catalog: the catalogue compiler qblmsgc is not installed: install the component tools (Debian: qblcore-tools)")
   endif()
@@ -32,6 +35,9 @@ function(qbl_add_catalog target name)
   set(strict)
   if(arg_STRICT)
     set(strict -W)
+  endif()
+  if(arg_TYPED)
+    list(APPEND strict "--typed=${name}")
   endif()
   set(reference)
   set(outputs)

@@ -10,6 +10,7 @@
 #include "tools/qblmsgc/PatternCheck.hpp"
 #include "tools/qblmsgc/ReferenceCheck.hpp"
 #include "tools/qblmsgc/SourceParser.hpp"
+#include "tools/qblmsgc/TypeCheck.hpp"
 
 namespace {
 
@@ -41,10 +42,14 @@ void checkDump(const std::vector<msgc::BmfText>& texts) {
 void checkSource(const std::string& text) {
     msgc::Entries entries;
     std::vector<msgc::BmfText> back;
+    msgc::Report report;
     if (!compiles(msgc::Source("source", text), entries)) return;
-    headerText(entries, "a.h", "source");
+    checkTypes(entries, msgc::Source("source", text), report);
+    const unsigned shape = shapeOf(entries);
+    headerText(entries, "a.h", "source", {"source", shape});
     msgc::BmfProblem problem = {};
-    const std::string written = writeBmf(entries);
+    const std::string written = writeBmf(entries, shape);
+    require(msgc::shapeOfBmf(written) == shape && shape != 0);
     require(readBmf(written, back, problem) && back.size() == entries.size());
     require(isCanonicalBmf(written, back));
     checkDump(back);

@@ -117,6 +117,45 @@ TEST(QblmsgcTest, ComparesATranslationWithItsReference) {
     EXPECT_FALSE(std::filesystem::exists(tree("de.bmf")));
 }
 
+TEST(QblmsgcTest, ChecksTheTypesOfArguments) {
+    TempTree tree;
+    tree.file("en.msg",
+              "1 \"{0}\"\n2 \"{0,plural,other{#}} {0}\"\n3 \"{0,number}\"\n4 \"{0,time}\"\n");
+    const struct {
+        const char *source, *found;
+    } table[] = {
+        {"1 \"{0,select,other{}}\"\n2 \"{0,number}\"\n3 \"{0}\"\n4 \"{0,date}\"", ""},
+        {"1 \"{0,number}\"", "1:4: {0,number} does not fit the argument {0} of en.msg"},
+        {"2 \"{0,select,other{}}\"",
+         "1:4: {0,select} does not fit the argument {0,number,integer} of en.msg"},
+        {"3 \"{0}{0,ordinal}\"",
+         "1:4: {0,number,integer} does not fit the argument {0,number} of en.msg"},
+        {"4 \"{0}{1}\"", "1:4: {1} does not fit the argument - of en.msg"},
+        {"1 \"{0,date}{0}{0,spellout}\"",
+         "1:16: {0,number} and {0,date} are uses of one argument that no value fits"},
+        {"1 DISK_IS \"a\"\n2 disk_is \"{0}\"",
+         "2:3: DISK_IS and disk_is would both have the function diskIs; rename one of them"},
+    };
+    for (const auto& row : table) {
+        tree.file("t.msg", row.source);
+        const Outcome outcome = run(tree, "--typed -qr en.msg t.msg");
+        EXPECT_EQ(*row.found == '\0' ? 0 : 1, outcome.status) << row.source;
+        EXPECT_NE(std::string::npos, outcome.output.find(row.found)) << outcome.output;
+        EXPECT_EQ(0, run(tree, "-qr en.msg t.msg").status) << "only --typed requires types";
+    }
+    // All languages have the shape of the reference. A text does not change it, a number does.
+    const auto shape = [&](const std::string& source, const std::string& reference) {
+        tree.file("t.msg", source);
+        EXPECT_EQ(0, run(tree, "--typed -q " + reference + " t.msg").status) << source;
+        return tree.text("t.bmf").substr(5, 3);
+    };
+    EXPECT_EQ(shape("1 \"a\"", "-r en.msg"), shape("3 \"{0}\"", "-r en.msg"));
+    EXPECT_EQ(shape("1 A \"{0} a\"\n2 \"\"", ""),
+              shape("# {1}\n2 \"\"\n1 \"{0,select,other{}}\"", ""));
+    EXPECT_NE(shape("1 \"{0}\"\n2 \"\"", ""), shape("1 \"{0}\"\n3 \"\"", ""));
+    EXPECT_NE(shape("1 \"{0}\"\n2 \"\"", ""), shape("1 \"{0,number}\"\n2 \"\"", ""));
+}
+
 TEST(QblmsgcTest, WritesWholeFilesThatReadBackUnchanged) {
     TempTree tree;
     const std::string bytes = compiled({{1, "\xC3\xA4\n\"\\"}, {0x80000001, "it's {0}"}});
@@ -131,6 +170,14 @@ TEST(QblmsgcTest, WritesWholeFilesThatReadBackUnchanged) {
         tree.text("x-ids.h"));
     expectRun(tree, "-d out.bmf", 0,
               "1 \"\xC3\xA4\\n\"\n    \"\\\"\\\\\"\n2147483649 \"it's {0}\"\n");
+    // The option --typed changes only the bytes after the magic.
+    expectRun(tree, "--typed -o typed.bmf x.msg", 0, "");
+    const std::string typed = tree.text("typed.bmf");
+    EXPECT_NE(bytes, typed);
+    EXPECT_EQ(bytes, std::string(typed).replace(5, 3, 3, '\0'));
+    expectRun(tree, "-d typed.bmf | tail -n +2 >again.msg && '" QBL_MSGC "' --typed again.msg", 0,
+              "");
+    EXPECT_EQ(typed, tree.text("again.bmf"));
     // After an error, the old files are unchanged.
     tree.file("x.msg", "1 A \"{\"");
     EXPECT_EQ(1, run(tree, "-H x-ids.h -o out.bmf x.msg").status);
@@ -176,8 +223,9 @@ TEST(QblmsgcTest, RejectsHostileMessageFiles) {
         tree.file("t.bmf", bytes);
         expectRun(tree, "-d t.bmf", 1, output);
     };
-    // The bytes after the NUL of the magic are not the bytes that the tool writes.
-    expectDump(good,
+    // The tool writes nothing after the texts.
+    expectDump(good + '\0',
+               "# Compiled with --typed; shape 78797A.\n\n"
                "1 \"one\"\n2 \"two\"\nt.bmf: compiling this dump gives the same texts, but "
                "not the same bytes\n");
     for (std::size_t size = 0; size < good.size(); size += 3) {

@@ -9,7 +9,7 @@ namespace msgc {
 namespace {
 
 const char kMagic[8] = "BMF1";
-const std::size_t kMagicLength = 5;  // including the NUL; readers ignore the rest of the magic
+const std::size_t kMagicLength = 5;  // including the NUL; the shape follows
 const std::size_t kHeaderSize = 16;
 const std::size_t kEntrySize = 12;
 
@@ -33,14 +33,15 @@ bool fitsBmf(const Entries& entries) {
     return size <= 0xFFFFFFFFULL;
 }
 
-std::string writeBmf(const Entries& entries) {
+std::string writeBmf(const Entries& entries, unsigned shape) {
     std::vector<const Entry*> sorted;
     for (const Entry& entry : entries) sorted.push_back(&entry);
     std::sort(sorted.begin(), sorted.end(),
               [](const Entry* a, const Entry* b) { return a->id < b->id; });
     std::size_t textSize = 0;
     for (const Entry* entry : sorted) textSize += entry->text.size() + 1;
-    std::string out(kMagic, sizeof kMagic);
+    std::string out(kMagic, sizeof kMagic - 4);
+    append(out, shape);  // The first byte is the terminating null of the magic.
     out.reserve(kHeaderSize + kEntrySize * sorted.size() + textSize);
     append(out, sorted.size());
     append(out, textSize);
@@ -92,9 +93,10 @@ bool readBmf(const std::string& bytes, std::vector<BmfText>& texts, BmfProblem& 
     return true;
 }
 
+unsigned shapeOfBmf(const std::string& bytes) { return numberAt(bytes, 4) & 0xFFFFFF; }
+
 bool isCanonicalBmf(const std::string& bytes, const std::vector<BmfText>& texts) {
     std::size_t end = kHeaderSize + kEntrySize * texts.size();
-    if (bytes.compare(0, sizeof kMagic, kMagic, sizeof kMagic) != 0) return false;
     for (const BmfText& each : texts) {
         if (each.text.data() != bytes.data() + end) return false;
         end += each.text.size() + 1;

@@ -21,8 +21,9 @@ bool fitsBmf(const Entries& entries);
 
 /// Returns a message file in the format of QBLResourceBMF. The same texts give the same bytes, in
 /// any order of entries.
+/// @param shape  the catalogue's shape, or 0
 /// Requires: fitsBmf(entries), and no duplicate identifiers.
-std::string writeBmf(const Entries& entries);
+std::string writeBmf(const Entries& entries, unsigned shape = 0);
 
 /// A text of a message file, as a view of the file's bytes.
 struct BmfText {
@@ -35,7 +36,10 @@ struct BmfText {
 /// @return false, with the reason in problem, if the bytes are not a message file
 bool readBmf(const std::string& bytes, std::vector<BmfText>& texts, BmfProblem& problem);
 
-/// Returns true if the compiler would write exactly these bytes for these texts.
+/// Returns the shape in the header of a message file; 0 if the file was compiled without --typed.
+unsigned shapeOfBmf(const std::string& bytes);
+
+/// Returns true if the compiler would write exactly these bytes for these texts and this shape.
 /// @param texts  views of the bytes
 bool isCanonicalBmf(const std::string& bytes, const std::vector<BmfText>& texts);
 

@@ -11,6 +11,7 @@
 #include "tools/qblmsgc/ReferenceCheck.hpp"
 #include "tools/qblmsgc/Report.hpp"
 #include "tools/qblmsgc/SourceParser.hpp"
+#include "tools/qblmsgc/TypeCheck.hpp"
 
 namespace msgc {
 
@@ -55,6 +56,7 @@ public:
         if (source != nullptr) {
             m_entries = parseSource(*source, m_report);
             checkPatterns(m_entries, *source, m_report);
+            if (m_options.typed) checkTypes(m_entries, *source, m_report);
             for (const std::string& name : m_options.references) compare(*source, name);
             if (!fitsBmf(m_entries)) m_report.error(*source, 0, MSGC_TOO_LARGE);
             if (!m_options.checkOnly && !hasFailed()) write();
@@ -86,25 +88,31 @@ private:
         if (reference == nullptr) return;
         const Entries entries = parseSource(*reference, m_report);
         compareWithReference({source, m_entries}, {*reference, entries}, m_report);
+        if (!m_options.typed) return;
+        compareTypes({source, m_entries}, {*reference, entries}, m_report);
+        if (m_uShape == 0) m_uShape = shapeOf(entries);
     }
 
     /// Writes both new files completely before it replaces an old file.
     void write() {
         Output header(m_options.header, m_report), output(m_options.output, m_report);
         const bool hasHeader = !m_options.header.empty();
+        if (m_options.typed && m_uShape == 0) m_uShape = shapeOf(m_entries);
         if (hasHeader) {
-            const std::string text = headerText(m_entries, m_options.header, m_options.operands[0]);
+            const std::string text = headerText(m_entries, m_options.header, m_options.operands[0],
+                                                {m_options.base, m_uShape});
             if (text.empty())
                 return m_report.fault(MSGC_NO_NAMES, {m_options.operands[0], m_options.header});
             if (!header.prepare(text)) return;
         }
-        if (output.prepare(writeBmf(m_entries)) && (!hasHeader || header.commit()))
+        if (output.prepare(writeBmf(m_entries, m_uShape)) && (!hasHeader || header.commit()))
             static_cast<void>(output.commit());
     }
 
     const Options& m_options;
     std::list<Source> m_sources;
     Entries m_entries;
+    unsigned m_uShape = 0;  // of the first reference if there is one, else of the source
     Report m_report;
     std::string m_absent;  // a file of the command line that does not exist
 };

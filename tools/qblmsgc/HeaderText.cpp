@@ -23,8 +23,9 @@ std::string identifierOf(std::string text) {
     return text;
 }
 
-/// Writes the lines of a comment as comments of the header.
-std::string commentLines(const std::string& comment) {
+}  // namespace
+
+std::string commentLines(const std::string& comment, const std::string& indent) {
     std::string out;
     for (std::size_t begin = 0; begin < comment.size();) {
         const std::size_t end = comment.find('\n', begin);
@@ -36,16 +37,15 @@ std::string commentLines(const std::string& comment) {
         if (line.size() >= 3 && line[slash] == '/' && line[slash - 1] == '?' &&
             line[slash - 2] == '?')
             line += '.';
-        out += line.empty() ? "    ///\n" : "    /// " + line + "\n";
+        out.append(indent).append(line.empty() ? "///" : "/// ").append(line).append("\n");
         begin = end + 1;
     }
     return out;
 }
 
-}  // namespace
-
-std::string headerText(Entries entries, const std::string& fileName,
-                       const std::string& sourceName) {
+std::string headerText(Entries entries, const std::string& fileName, const std::string& sourceName,
+                       const TypedCatalogue& typed) {
+    const bool isTyped = typed.shape != 0;
     entries.erase(std::remove_if(entries.begin(), entries.end(),
                                  [](const Entry& entry) { return entry.name.empty(); }),
                   entries.end());
@@ -57,12 +57,19 @@ std::string headerText(Entries entries, const std::string& fileName,
     std::transform(guard.begin(), guard.end(), guard.begin(), upper);
     std::string out = "// Made by qblmsgc from " + tools::shown(fileOf(sourceName)) + ".\n";
     out.append("#ifndef ").append(guard).append("\n#define ").append(guard);
-    out.append("\n\nenum ").append(identifierOf(file.substr(0, file.find('.')))).append(" {\n");
+    if (isTyped) out += "\n\n#include \"QBLCore/Messages/QBLTypedMessage.hpp\"";
+    const std::string space = identifierOf(file.substr(0, file.find('.')));
+    out.append("\n\nenum ").append(space).append(isTyped ? "_ids {\n" : " {\n");
     for (const Entry& entry : entries) {
-        out.append(commentLines(entry.comment)).append("    ").append(entry.name).append(" = ");
+        out.append(commentLines(entry.comment, "    "))
+            .append("    ")
+            .append(entry.name)
+            .append(" = ");
         out.append(std::to_string(entry.id)).append(entry.id > 0x7FFFFFFF ? "u,\n" : ",\n");
     }
-    return out + "};\n\n#endif\n";
+    out += "};\n\n";
+    if (isTyped) out += typedFunctions(entries, space, typed) + "\n";
+    return out + "#endif\n";
 }
 
 }  // namespace msgc

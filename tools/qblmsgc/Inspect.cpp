@@ -36,6 +36,12 @@ Status dump(const Options& options) {
     if (!readBmf(bytes, texts, problem))
         return complain(kErrors, MSGC_NO_BMF,
                         {name, std::to_string(problem.offset), formatMessage(problem.reason)});
+    // A source cannot express the shape; the option --typed computes it.
+    if (const unsigned shape = shapeOfBmf(bytes); shape != 0) {
+        char line[64];
+        std::snprintf(line, sizeof line, "# Compiled with --typed; shape %06X.\n\n", shape);
+        tools::print(stdout, line);
+    }
     for (const BmfText& each : texts)
         tools::print(stdout, dumpSource(each.id, std::string(each.text)));
     // A message file may, for example, share texts or have unused bytes. This makes no difference

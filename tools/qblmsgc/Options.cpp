@@ -13,7 +13,7 @@ using Command = Options::Command;
 using tools::Given;
 using tools::Mistake;
 
-enum { kCompletions = 256 };
+enum { kCompletions = 256, kTyped };
 
 Problem problemOf(const Mistake& mistake) {
     switch (mistake.kind) {
@@ -96,6 +96,9 @@ private:
                 return m_options.strict = true;
             case 'r':
                 return takeText(given, m_options.references.emplace_back());
+            case kTyped:
+                m_options.base = given.argument != nullptr ? given.argument : "";
+                return m_options.typed = true;
             case 'H':
                 m_writing = given.shown;
                 return takeText(given, m_options.header);
@@ -155,6 +158,7 @@ private:
     bool checkOutputs() {
         if (m_options.command != Command::kCompile || m_options.checkOnly) return true;
         const std::string& source = m_options.operands[0];
+        if (m_options.base.empty()) m_options.base = baseOf(source);
         if (m_options.output.empty()) m_options.output = compiledName(source);
         std::vector<std::string> taken = m_options.references;
         taken.push_back(source);
@@ -183,6 +187,7 @@ const std::vector<tools::Option>& knownOptions() {
     static const std::vector<tools::Option> kOptions = {
         {'o', "output", kNeeded, "FILE", "FILE", MSGC_OPT_OUTPUT},
         {'H', "header", kNeeded, "FILE", "FILE", MSGC_OPT_HEADER},
+        {kTyped, "typed", tools::Option::Argument::kAttached, "BASE", "", MSGC_OPT_TYPED},
         {'r', "reference", kNeeded, "FILE", "FILE", MSGC_OPT_REFERENCE},
         {'c', "check", kNone, "", "", MSGC_OPT_CHECK},
         {'W', "strict", kNone, "", "", MSGC_OPT_STRICT},

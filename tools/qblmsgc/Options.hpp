@@ -23,6 +23,8 @@ struct Options {
     bool strict = false;  // warnings count as errors
     std::vector<std::string> references;
     std::string header;
+    bool typed = false;
+    std::string base;  // the catalogue's name in a typed header; not empty if typed
     std::string output;
     std::string locales;  // languages of the tool's messages; if empty, the environment's languages
     std::string shell;    // shell for which completions are printed

@@ -42,6 +42,14 @@ std::string compiledName(const std::string& source) {
     return name + QBLResourceFactory::g_resourceFileExtension;
 }
 
+std::string baseOf(const std::string& source) {
+    std::string name = fileOf(source);
+    dropEnding(name, ".msg");
+    takePart(name, 'A', 'Z', 2);
+    takePart(name, 'a', 'z', 3);
+    return name;
+}
+
 bool isMessageFileName(const std::string& path) {
     std::string name = fileOf(path);
     return dropEnding(name, QBLResourceFactory::g_resourceFileExtension);

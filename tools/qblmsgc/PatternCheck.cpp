@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <set>
 
 #include "QBLCore/Messages/shared/QBLPatternCheck.hpp"
 #include "tools/common/Utf8.hpp"
@@ -37,7 +38,10 @@ public:
         if (checked.fault == QBLPatternCheck::kSyntax)
             return refuse(checked.status, checked.offset);
         if (checked.fault == QBLPatternCheck::kExponent) error(checked.offset, MSGC_EXPONENT, "");
-        for (int i = 0; i < pattern.countParts(); ++i) checkPart(pattern, i);
+        for (int i = 0; i < pattern.countParts(); ++i) {
+            checkPart(pattern, i);
+            if (pattern.getPartType(i) == UMSGPAT_PART_TYPE_ARG_NUMBER) addArgument(pattern, i);
+        }
         if (m_bHasKinds && !m_result.hasErrors()) checkStyles();
         findQuoted();
         if (m_begins.empty() && m_utf8.find("{0") == std::string::npos) {
@@ -83,7 +87,6 @@ private:
             case UMSGPAT_PART_TYPE_ARG_NUMBER:
                 if (part.getValue() > kMaxArgument)
                     error(part.getIndex(), MSGC_NAMED_ARGUMENT, text);
-                m_result.arguments.insert(part.getValue());
                 break;
             case UMSGPAT_PART_TYPE_ARG_TYPE:
                 if (std::find(std::begin(kKinds), std::end(kKinds), text) == std::end(kKinds))
@@ -92,6 +95,30 @@ private:
             default:
                 break;
         }
+    }
+
+    /// Adds a use of an argument. The parts for a simple kind and its style follow the number.
+    void addArgument(const icu::MessagePattern& pattern, int i) {
+        const icu::MessagePattern::Part& part = pattern.getPart(i);
+        const auto textAt = [&](int at, UMessagePatternPartType type) {
+            const bool isThere = at < pattern.countParts() && pattern.getPartType(at) == type;
+            return isThere ? utf8Of(pattern.getSubstring(pattern.getPart(at))) : std::string();
+        };
+        const ArgumentType type = typeOf(m_open.back(), textAt(i + 1, UMSGPAT_PART_TYPE_ARG_TYPE),
+                                         textAt(i + 2, UMSGPAT_PART_TYPE_ARG_STYLE));
+        const auto [argument, isNew] = m_result.arguments.emplace(part.getValue(), type);
+        if (!isNew && !joinType(argument->second, type))
+            m_result.conflicts.push_back({bytesBefore(part.getIndex()), part.getValue(), type});
+    }
+
+    static ArgumentType typeOf(UMessagePatternArgType syntax, const std::string& kind,
+                               const std::string& style) {
+        if (syntax == UMSGPAT_ARG_TYPE_NONE) return ArgumentType::kPlain;
+        if (syntax == UMSGPAT_ARG_TYPE_SELECT) return ArgumentType::kText;
+        if (syntax == UMSGPAT_ARG_TYPE_CHOICE) return ArgumentType::kNumber;
+        if (kind == "date" || kind == "time") return ArgumentType::kDate;
+        const bool takesFraction = kind == "spellout" || (kind == "number" && style != "integer");
+        return takesFraction ? ArgumentType::kNumber : ArgumentType::kInteger;
     }
 
     /// ICU parses the styles of numbers and dates only when it makes a format.

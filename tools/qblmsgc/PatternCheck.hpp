@@ -1,10 +1,10 @@
 #ifndef TOOLS_QBLMSGC_PATTERNCHECK_HPP
 #define TOOLS_QBLMSGC_PATTERNCHECK_HPP
 
-#include <set>
 #include <string>
 #include <vector>
 
+#include "tools/qblmsgc/ArgumentType.hpp"
 #include "tools/qblmsgc/Catalogue.hpp"
 #include "tools/qblmsgc/Report.hpp"
 #include "tools/qblmsgc/Source.hpp"
@@ -27,7 +27,15 @@ struct PatternCheck {
 
     bool hasErrors() const;
 
-    std::set<int> arguments;  // numbers of the arguments
+    /// A use of an argument that fits no value of the type that an earlier use has.
+    struct Conflict {
+        std::size_t offset;  // byte offset in the text
+        int number;
+        ArgumentType type;
+    };
+
+    ArgumentTypes arguments;  // each with the type that fits all its uses
+    std::vector<Conflict> conflicts;
     std::vector<PatternFinding> findings;
 };
 

@@ -22,8 +22,8 @@ std::string title(const Entry& entry) {
 
 std::string argumentsOf(const Entry& entry) {
     std::string list;
-    for (const int number : PatternCheck(entry.text, entry.asIs).arguments)
-        list.append("{").append(std::to_string(number)).append("}");
+    for (const auto& argument : PatternCheck(entry.text, entry.asIs).arguments)
+        list.append("{").append(std::to_string(argument.first)).append("}");
     return list.empty() ? "-" : list;
 }
 

@@ -47,6 +47,12 @@ enum qblmsgcmsgs {
     /// {3} the maximum
     MSGC_TOO_MANY_CHOICES = 28,
     MSGC_EXPONENT = 29,
+    /// {3} and {4} uses
+    MSGC_TWO_TYPES = 30,
+    /// {3} argument, {4} the argument in the reference or -, {5} reference
+    MSGC_OTHER_TYPE = 31,
+    /// {3} name, {4} other name, {5} function
+    MSGC_SAME_FUNCTION = 32,
     /// {3} number
     MSGC_QUOTED_ARGUMENT = 40,
     MSGC_DOUBLED_APOSTROPHE = 41,
@@ -128,6 +134,7 @@ enum qblmsgcmsgs {
     MSGC_OPT_VERSION = 113,
     MSGC_OPT_COMPLETIONS = 114,
     MSGC_OPT_SHOW_REPORT = 120,
+    MSGC_OPT_TYPED = 121,
     /// The help text after the options; ends with a line end.
     MSGC_USAGE_END = 150,
 };
