@@ -82,11 +82,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     conv::Problem wrong = {};
     const bool isRead =
         conv::parseOptions(static_cast<int>(words.size()), arguments.data(), conversion, wrong);
-    require(isRead == (wrong.id == 0));
+    require(isRead == !wrong.has_value());
     require(conversion.jobs <= 256 || !isRead);
     msgc::Options compilation;
     msgc::Problem problem = {};
     require(msgc::parseOptions(static_cast<int>(words.size()), arguments.data(), compilation,
-                               problem) == (problem.id == 0));
+                               problem) == !problem.has_value());
     return 0;
 }

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 
+#include "tests/support/BmfFile.hpp"
 #include "tests/tools/RunTool.hpp"
 #include "tools/common/LocaleText.hpp"
 #include "tools/common/Reason.hpp"
@@ -10,14 +11,15 @@
 TEST(MessageTextTest, TextsAreEnglishWithoutCatalogues) {
     TempTree tree;
     tree.file("bad", "a\xFF'{0}'\n");
+    const std::string other = bmfBytes({{1, "old"}, {2, "old"}, {7, "old"}, {20, "old"}});
     for (const char* const program : {QBL_CONV, QBL_MSGC}) {
         const std::string name = std::filesystem::path(program).filename(), path = program;
         std::filesystem::copy_file(path, tree(name));
         for (const char* const arguments : {" -h", " -V", " -Z", " --hepl", " -L", " -X bad",
                                             " -n \"'{0}\" bad", " bad", " -n bad"}) {
             const Outcome expected = runTool(tree, "'" + path + "'" + arguments);
-            for (const char* const catalogue : {"", "no message file"}) {
-                if (*catalogue != '\0') tree.file(name + "msgs_de.bmf", catalogue);
+            for (const std::string& catalogue : {std::string(), std::string("no file"), other}) {
+                if (!catalogue.empty()) tree.file(name + "msgs_de.bmf", catalogue);
                 const Outcome found = runTool(tree, "./" + name + arguments, "LC_ALL=de_DE");
                 EXPECT_EQ(expected.output, found.output) << name << arguments;
                 EXPECT_EQ(expected.status, found.status);

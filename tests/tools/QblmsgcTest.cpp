@@ -199,16 +199,16 @@ TEST(QblmsgcTest, ShippedCataloguesRoundTripThroughDumps) {
         ++count;
         std::string reference = file.path();
         reference.replace(reference.size() - 6, 2, "en");
-        const std::string compile = "-W -r '" + reference + "' -o ";
+        const std::string compile = "--typed -W -r '" + reference + "' -o ";
         expectRun(tree, compile + "a.bmf '" + file.path().string() + "'", 0, "");
         expectRun(tree, "-d a.bmf >a.msg", 0, "");
-        expectRun(tree, "-W -o b.bmf a.msg", 0, "");
+        expectRun(tree, compile + "b.bmf a.msg", 0, "");
         EXPECT_EQ(tree.text("a.bmf"), tree.text("b.bmf")) << file.path();
     }
     EXPECT_GE(count, 12);
     for (const std::string tool : {"qblmsgc", "qblconv"}) {
         const std::string header = tool + "msgs.hpp";
-        std::string compiled = "-H " + header, compared = "-h >/dev/null && cmp " + header;
+        std::string compiled = "--typed -H " + header, compared = "-h >/dev/null && cmp " + header;
         compiled.append(" -o a.bmf '" QBL_MSGS_DIR "/").append(tool).append("msgs_en.msg'");
         compared.append(" '" QBL_TOOLS_DIR "/").append(tool).append("/").append(header).append("'");
         expectRun(tree, compiled, 0, "");

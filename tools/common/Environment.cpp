@@ -15,16 +15,17 @@ std::string environmentLocale() {
     return QBLCatalogueSettings::getDefaultLocales();
 }
 
-std::string findCatalogue(const char* name, const std::string& locales) {
+Catalogue findCatalogue(const QBLTypedCatalogue& catalogue, const std::string& locales) {
     char path[PATH_MAX];
     const ssize_t length = readlink("/proc/self/exe", path, sizeof path);
     std::string beside;
     if (length <= 0 ||
         !QBLFmDir::splitPath(std::string(path, static_cast<std::size_t>(length)).c_str(), &beside,
                              nullptr))
-        return name;
-    QBLFmDir::joinPath(beside, name);
-    return QBLResourceFactory::find(beside, locales.c_str()).empty() ? name : beside;
+        return {catalogue.name, catalogue.shape};
+    QBLFmDir::joinPath(beside, catalogue.name);
+    const bool isBeside = !QBLResourceFactory::find(beside, locales.c_str()).empty();
+    return {isBeside ? beside : catalogue.name, catalogue.shape};
 }
 
 }  // namespace tools

@@ -1,36 +1,45 @@
 #ifndef TOOLS_COMMON_MESSAGETEXT_HPP
 #define TOOLS_COMMON_MESSAGETEXT_HPP
 
+#include <optional>
 #include <string>
-#include <vector>
 
 #include "QBLCore/Exceptions/QBLSeverity.hpp"
 #include "QBLCore/Messages/QBLMessageFile.hpp"
+#include "QBLCore/Messages/QBLTypedMessage.hpp"
 
 namespace tools {
 
-/// The parameters of a message. Pass a number as a text if it must not be formatted.
-using Details = std::vector<std::string>;
+/// A tool's catalogue, as findCatalogue() finds it.
+struct Catalogue {
+    std::string base;  // base name, with a directory if the catalogue is next to the program
+    unsigned shape;
+};
 
-/// The messages of a tool's catalogue in one language. If the catalogue is missing or unreadable,
-/// the messages have the English texts that are built into the program.
+/// The messages of a tool's catalogue in one language. If the catalogue is missing, unreadable, or
+/// of another version than the program, the messages have the English texts that are built into the
+/// program.
 ///
 /// Threads: one at a time for each object.
 class MessageText {
 public:
-    /// @param catalogue  a base name from findCatalogue()
-    MessageText(const std::string& catalogue, std::string locales);
+    MessageText(Catalogue catalogue, std::string locales);
 
     /// The formatted text, without a line end.
-    std::string text(unsigned id, const Details& details = {});
+    std::string text(const QBLTypedMessage& message);
+    /// The text of a message without arguments.
+    std::string text(unsigned id);
     /// A `<Message>` element with the text, the name of the catalogue, the identifier and the
-    /// details. Programs can show the message in another language.
-    std::string element(QBLSeverity severity, unsigned id, const Details& details);
+    /// arguments. Programs can show the message in another language.
+    std::string element(QBLSeverity severity, const QBLTypedMessage& message);
 
 private:
-    QBLMessageFile m_message;
-    const std::string m_catalogue;  // without a directory
+    std::string textOf(const QBLMessageComponents& message);
+
+    const Catalogue m_catalogue;
     const std::string m_locales;
+    QBLMessageFile m_message;          // keeps the file and the last pattern
+    std::optional<bool> m_bIsOfShape;  // unknown before the first text
 };
 
 }  // namespace tools

@@ -61,12 +61,6 @@ std::string inHex(const std::string& bytes) {
 
 std::string shown(const std::string& name) { return withoutControls(name, "", true); }
 
-Details shown(const Details& names) {
-    Details texts;
-    for (const std::string& name : names) texts.push_back(shown(name));
-    return texts;
-}
-
 std::string shownText(const std::string& text) { return withoutControls(text, "\n\t", false); }
 
 }  // namespace tools

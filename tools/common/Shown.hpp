@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tools/common/MessageText.hpp"
+#include "QBLCore/Messages/QBLTypedMessage.hpp"
 
 namespace tools {
 
@@ -12,7 +12,13 @@ namespace tools {
 /// format characters (except U+200C and U+200D, which words need), line and paragraph separators,
 /// noncharacters, and a backslash before an x.
 std::string shown(const std::string& name);
-Details shown(const Details& names);
+/// Makes a message from texts that are not shown() yet. A message cannot store bytes that are not
+/// UTF-8, so this must happen before.
+/// @param make  a function of a catalogue
+template <class Make, class... Texts>
+QBLTypedMessage withShown(Make make, const Texts&... texts) {
+    return make(shown(texts)...);
+}
 
 /// Makes a text of several lines safe for a terminal. Like shown(), but keeps line ends, tabs and
 /// backslashes.

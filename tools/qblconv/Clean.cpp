@@ -93,7 +93,7 @@ bool Clean::check(const Options& options, Problem& problem) {
         const bool isThere = status.get(operand.c_str());
         const int error = isThere ? ENOTDIR : errno;
         if (isThere ? status.isDirectory() : error != ENOENT && error != ENOTDIR) continue;
-        problem = {CONV_CANNOT_READ, {operand, tools::reason(error)}};
+        problem = tools::withShown(qblconvmsgs::convCannotRead, operand, tools::reason(error));
         return false;
     }
     return true;
@@ -102,7 +102,7 @@ bool Clean::check(const Options& options, Problem& problem) {
 void Clean::work(const std::string& operand) {
     QBLFmDirectory directory;
     if (!directory.open(operand.c_str()))
-        return m_report.error(CONV_CANNOT_READ, {shown(operand), tools::reason(errno)});
+        return m_report.error(qblconvmsgs::convCannotRead(shown(operand), tools::reason(errno)));
     enter(operand, std::move(directory));
     while (!m_levels.empty() && !isInterrupted()) descend();
     m_levels.clear();
@@ -113,7 +113,7 @@ void Clean::enter(const std::string& path, QBLFmDirectory directory) {
     std::list<std::string> files;
     if (!level.directory.readDir(&files, "", m_options.recurse ? &level.directories : nullptr,
                                  nullptr))
-        return m_report.error(CONV_CANNOT_READ, {shown(path), tools::reason(errno)});
+        return m_report.error(qblconvmsgs::convCannotRead(shown(path), tools::reason(errno)));
     for (const std::string& file : files) {
         if (isInterrupted()) return;
         removeUnused(level, file);
@@ -133,7 +133,7 @@ void Clean::descend() {
     if (directory.open(level.directory, name.c_str()))
         enter(path, std::move(directory));
     else if (errno != ENOTDIR && errno != ELOOP && errno != ENOENT)
-        m_report.error(CONV_CANNOT_READ, {shown(path), tools::reason(errno)});
+        m_report.error(qblconvmsgs::convCannotRead(shown(path), tools::reason(errno)));
 }
 
 void Clean::removeUnused(const Level& level, const std::string& leaf) {
@@ -144,30 +144,31 @@ void Clean::removeUnused(const Level& level, const std::string& leaf) {
     FileStatus status, opened;
     // Does not open links and devices.
     if (!status.get(directory, leaf.c_str(), AT_SYMLINK_NOFOLLOW)) return;
-    if (!status.isRegular()) return tell(CONV_NOT_REGULAR, {name});
-    if (!isOurs(status)) return tell(CONV_NOT_OURS, {name});
-    if (isAlive(maker)) return tell(CONV_STILL_RUNNING, {name, std::to_string(maker)});
+    if (!status.isRegular()) return tell(qblconvmsgs::convNotRegular(name));
+    if (!isOurs(status)) return tell(qblconvmsgs::convNotOurs(name));
+    if (isAlive(maker)) return tell(qblconvmsgs::convStillRunning(name, std::to_string(maker)));
     const Descriptor file(level.directory.openFile(leaf.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY));
     if (file.fd < 0 && errno == ENOENT) return;
-    if (file.fd < 0 && errno == EAGAIN) return tell(CONV_STILL_OPEN, {name});
+    if (file.fd < 0 && errno == EAGAIN) return tell(qblconvmsgs::convStillOpen(name));
     if (file.fd < 0 || !opened.get(file.fd))
-        return m_report.error(CONV_CANNOT_REMOVE, {name, tools::reason(errno)});
+        return m_report.error(qblconvmsgs::convCannotRemove(name, tools::reason(errno)));
     if (!opened.isSameFile(status)) return;
     const Lease lease(file.fd);
-    if (lease.error() == EAGAIN || lease.error() == EBUSY) return tell(CONV_STILL_OPEN, {name});
+    if (lease.error() == EAGAIN || lease.error() == EBUSY)
+        return tell(qblconvmsgs::convStillOpen(name));
     if (lease.error() != 0) {
         if (!m_options.quiet)
-            m_report.warning(CONV_UNKNOWN_IF_OPEN, {name, tools::reason(lease.error())});
+            m_report.warning(qblconvmsgs::convUnknownIfOpen(name, tools::reason(lease.error())));
         return;
     }
     const bool isStill = status.get(directory, leaf.c_str(), AT_SYMLINK_NOFOLLOW);
     if (!isStill || !opened.isSameFile(status)) return;
-    if (unlinkat(directory, leaf.c_str(), 0) == 0) return tell(CONV_REMOVED, {name});
-    if (errno != ENOENT) m_report.error(CONV_CANNOT_REMOVE, {name, tools::reason(errno)});
+    if (unlinkat(directory, leaf.c_str(), 0) == 0) return tell(qblconvmsgs::convRemoved(name));
+    if (errno != ENOENT) m_report.error(qblconvmsgs::convCannotRemove(name, tools::reason(errno)));
 }
 
-void Clean::tell(qblconvmsgs id, const Details& details) {
-    if (m_options.verbose) m_report.information(id, details);
+void Clean::tell(const QBLTypedMessage& message) {
+    if (m_options.verbose) m_report.information(message);
 }
 
 }  // namespace conv

@@ -37,7 +37,7 @@ private:
     void enter(const std::string& path, QBLFmDirectory directory);
     void descend();
     void removeUnused(const Level& level, const std::string& leaf);
-    void tell(qblconvmsgs id, const Details& details);
+    void tell(const QBLTypedMessage& message);
 
     const Options& m_options;
     FileReport& m_report;

@@ -99,7 +99,7 @@ private:
         finding.bytes = bytesInDigits(found.bytes.data(), found.bytes.size());
         finding.replacement = bytesInDigits(found.back.data(), found.back.size());
         finding.encoding = m_stream.getInputEncoding();
-        m_report.finding(QBLSeverityError, CONV_NOT_REVERSIBLE, m_name, finding);
+        m_report.finding(QBLSeverityError, m_name, finding);
         return false;
     }
 
@@ -107,7 +107,8 @@ private:
         if (m_pOutput == nullptr || bytes.empty()) return true;
         if (m_pOutput->write(bytes.data(), bytes.size())) return true;
         if (!isInterrupted())
-            m_report.error(CONV_CANNOT_WRITE, {m_outputName, tools::reason(m_pOutput->error())});
+            m_report.error(
+                qblconvmsgs::convCannotWrite(m_outputName, tools::reason(m_pOutput->error())));
         return false;
     }
 
@@ -151,7 +152,7 @@ bool convertText(const Setup& setup, Input& input, const std::string& name, Outp
     while (true) {
         if (isInterrupted()) return false;
         if (got < 0) {
-            report.error(CONV_CANNOT_READ, {name, tools::reason(input.error())});
+            report.error(qblconvmsgs::convCannotRead(name, tools::reason(input.error())));
             conversion.breakOff();
             return false;
         }
@@ -201,10 +202,10 @@ bool copyText(const Setup& setup, Input& input, const std::string& name, Output&
               const std::string& outputName, FileReport& report) {
     while (!isInterrupted()) {
         const int got = input.read(setup.block.data(), static_cast<unsigned>(setup.block.size()));
-        if (got < 0) report.error(CONV_CANNOT_READ, {name, tools::reason(input.error())});
+        if (got < 0) report.error(qblconvmsgs::convCannotRead(name, tools::reason(input.error())));
         if (got <= 0) return got == 0;
         if (!output.write(setup.block.data(), static_cast<std::size_t>(got))) {
-            report.error(CONV_CANNOT_WRITE, {outputName, tools::reason(output.error())});
+            report.error(qblconvmsgs::convCannotWrite(outputName, tools::reason(output.error())));
             return false;
         }
         setup.progress.addBytes(static_cast<std::size_t>(got));

@@ -91,7 +91,8 @@ std::vector<std::string> candidatesOf(const std::string& from) {
 
 bool checkAuto(const std::string& from, Problem& problem) {
     if (from == kAutoList) {
-        problem = {CONV_BAD_WORD, {"-f", "\"" + from + "\"", kAutoChoices}};
+        problem =
+            tools::withShown(qblconvmsgs::convBadWord, "-f", "\"" + from + "\"", kAutoChoices);
         return false;
     }
     const std::vector<std::string> names = candidatesOf(from);
@@ -123,18 +124,18 @@ const I18NConverter* Detector::choose(Input& input, const std::string& name, boo
         return nullptr;
     }
     if (m_names.empty() && !isClear(found, isGuessAllowed)) {
-        report.error(CONV_UNCLEAR, {name, inOneLine(found)});
+        report.error(qblconvmsgs::convUnclear(name, inOneLine(found)));
         return nullptr;
     }
     return &strict(found[0].name);
 }
 
 void Detector::sayNone(const std::string& name, FileReport& report) const {
-    if (!m_nearly.empty()) return report.error(CONV_NEARLY, {name, m_nearly});
-    if (m_names.empty()) return report.error(CONV_NO_FIT, {name});
+    if (!m_nearly.empty()) return report.error(qblconvmsgs::convNearly(name, m_nearly));
+    if (m_names.empty()) return report.error(qblconvmsgs::convNoFit(name));
     std::string list;
     for (const std::string& each : m_names) list.append(list.empty() ? "" : ", ").append(each);
-    report.error(CONV_NONE_OF, {name, shown(list)});
+    report.error(qblconvmsgs::convNoneOf(name, shown(list)));
 }
 
 std::vector<Fit> Detector::fits(Passes& passes, bool isFirstEnough) {

@@ -34,14 +34,15 @@ bool hasKnownOptions(const std::string& name) {
 }
 
 Problem unknown(const std::string& name) {
-    if (!hasKnownOptions(name)) return {CONV_NO_ENCODING_BUT, {name, "-f auto:" + name}};
+    if (!hasKnownOptions(name))
+        return tools::withShown(qblconvmsgs::convNoEncodingBut, name, "-f auto:" + name);
     tools::Closest closest(name);
     const int count = I18NCountEncodings();
     for (int i = 0; i < count; ++i)
         for (int k = 0; const char* const known = I18NGetEncodingName(i, k); ++k)
             closest.offer(known);
-    if (closest.found().empty()) return {CONV_NO_ENCODING, {name}};
-    return {CONV_NO_ENCODING_BUT, {name, closest.found()}};
+    if (closest.found().empty()) return tools::withShown(qblconvmsgs::convNoEncoding, name);
+    return tools::withShown(qblconvmsgs::convNoEncodingBut, name, closest.found());
 }
 
 /// Encodes a code unit as a separate text.

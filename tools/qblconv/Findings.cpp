@@ -96,8 +96,6 @@ void Findings::tellLast(const char* from, const char* to) {
 }
 
 void Findings::say(const Place& place, const char* from, const char* to) {
-    static const qblconvmsgs kTexts[] = {CONV_BAD_BYTES, CONV_CUT_OFF, CONV_NO_CHARACTER,
-                                         CONV_BEST_FIT, CONV_TRANSLITERATED};
     const bool isOutput = place.kind >= Finding::Kind::kLacking;
     Finding finding = {place.kind, isOutput ? m_treatment.outputPolicy : m_treatment.inputPolicy,
                        place.line, place.column};
@@ -111,8 +109,7 @@ void Findings::say(const Place& place, const char* from, const char* to) {
     }
     const bool isChange = place.kind > Finding::Kind::kLacking;
     const bool isWarning = (m_each == Each::kWarning || isChange) && !m_report.hasFailed();
-    m_report.finding(isWarning ? QBLSeverityWarning : QBLSeverityError,
-                     kTexts[static_cast<int>(place.kind)], m_name, finding);
+    m_report.finding(isWarning ? QBLSeverityWarning : QBLSeverityError, m_name, finding);
 }
 
 }  // namespace conv

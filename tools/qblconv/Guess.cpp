@@ -13,8 +13,8 @@ std::string namesOf(const Fit& fit) {
 }
 
 void tell(const Fit& fit, const std::string& name, FileReport& report) {
-    if (fit.confidence < 0) return report.result(CONV_FIT, {name, namesOf(fit)});
-    report.result(CONV_FIT_PERCENT, {name, namesOf(fit), std::to_string(fit.confidence)});
+    if (fit.confidence < 0) return report.result(qblconvmsgs::convFit(name, namesOf(fit)));
+    report.result(qblconvmsgs::convFitPercent(name, namesOf(fit), std::to_string(fit.confidence)));
 }
 
 /// Reports a line as it reads in the best encoding, and as it reads in encoding i + 1. Omits the
@@ -26,8 +26,10 @@ void tell(const std::vector<Fit>& fits, const std::vector<Difference>& differenc
                         differences[i - 1].first == difference.first;
     const std::string line = std::to_string(difference.line);
     if (!isSaid)
-        report.result(CONV_READS, {name, line, shown(fits[0].name), shown(difference.first)});
-    report.result(CONV_READS, {name, line, shown(fits[i + 1].name), shown(difference.second)});
+        report.result(
+            qblconvmsgs::convReads(name, line, shown(fits[0].name), shown(difference.first)));
+    report.result(
+        qblconvmsgs::convReads(name, line, shown(fits[i + 1].name), shown(difference.second)));
 }
 
 }  // namespace
@@ -45,7 +47,7 @@ void guess(Detector& detector, Input& input, const std::string& name, std::vecto
     if (!isRead) return;
     if (fits.empty()) return detector.sayNone(name, report);
     report.setOutcome(Outcome::kValid);
-    if (!detector.nearly().empty()) report.result(CONV_NEARLY, {name, detector.nearly()});
+    if (!detector.nearly().empty()) report.result(qblconvmsgs::convNearly(name, detector.nearly()));
     for (const Fit& fit : fits) tell(fit, name, report);
     for (std::size_t i = 0; i < differences.size(); ++i) tell(fits, differences, i, name, report);
 }

@@ -23,15 +23,14 @@ InPlace::InPlace(const Item& item, Input& input, const std::string& suffix, File
       m_report(report),
       m_second(suffix.empty() ? suffix : item.leaf + suffix) {}
 
-bool InPlace::reportFailure(qblconvmsgs id, Details details) {
-    details.insert(details.begin(), m_name);
-    m_report.error(id, details);
+bool InPlace::reportFailure(const QBLTypedMessage& message) {
+    m_report.error(message);
     return false;
 }
 
 bool InPlace::begin() {
     return m_output.open(m_item.place->directory, m_item.leaf) ||
-           reportFailure(CONV_CANNOT_WRITE, {tools::reason(m_output.error())});
+           reportFailure(qblconvmsgs::convCannotWrite(m_name, tools::reason(m_output.error())));
 }
 
 bool InPlace::finish() {
@@ -41,10 +40,12 @@ bool InPlace::finish() {
 /// Flushes before the file is checked for changes, because flushing takes long.
 bool InPlace::bringToDisk() {
     return m_output.file().flush() ||
-           reportFailure(CONV_CANNOT_WRITE, {tools::reason(m_output.error())});
+           reportFailure(qblconvmsgs::convCannotWrite(m_name, tools::reason(m_output.error())));
 }
 
-bool InPlace::isUnchanged() { return !m_input.isAnother() || reportFailure(CONV_CHANGED); }
+bool InPlace::isUnchanged() {
+    return !m_input.isAnother() || reportFailure(qblconvmsgs::convChanged(m_name));
+}
 
 /// Returns true if a sticky directory prevents replacing the file. In such a directory, a second
 /// name could not be removed either.
@@ -77,12 +78,12 @@ bool InPlace::linkOriginal() {
 /// original, or an interrupted run may have created it.
 bool InPlace::keepOriginal() {
     if (m_second.empty()) return true;
-    if (isStuck()) return reportFailure(CONV_CANNOT_WRITE, {tools::reason(EPERM)});
+    if (isStuck()) return reportFailure(qblconvmsgs::convCannotWrite(m_name, tools::reason(EPERM)));
     if (linkOriginal()) return true;
-    if (errno == ESTALE) return reportFailure(CONV_CHANGED);
+    if (errno == ESTALE) return reportFailure(qblconvmsgs::convChanged(m_name));
     const int error = errno;
     const std::string path = m_item.path.substr(0, m_item.path.rfind('/') + 1) + m_second;
-    return reportFailure(CONV_CANNOT_KEEP, {shown(path), tools::reason(error)});
+    return reportFailure(qblconvmsgs::convCannotKeep(m_name, shown(path), tools::reason(error)));
 }
 
 bool InPlace::replace() {
@@ -91,8 +92,8 @@ bool InPlace::replace() {
     const int error = m_output.error();
     // A write through one name would change the file under both names.
     if (m_bHasSecond) m_item.place->directory.remove(m_second.c_str());
-    if (error == ESTALE || error == ENOENT) return reportFailure(CONV_CHANGED);
-    return reportFailure(CONV_CANNOT_WRITE, {tools::reason(error)});
+    if (error == ESTALE || error == ENOENT) return reportFailure(qblconvmsgs::convChanged(m_name));
+    return reportFailure(qblconvmsgs::convCannotWrite(m_name, tools::reason(error)));
 }
 
 /// Another program may have written to the old version after the last check. The open descriptor
@@ -100,14 +101,15 @@ bool InPlace::replace() {
 bool InPlace::isUnchangedStill() {
     if (!m_input.hasChanged()) return true;
     const std::string directory = m_item.path.substr(0, m_item.path.rfind('/') + 1);
-    if (!m_second.empty()) return reportFailure(CONV_CHANGED_LATE, {shown(directory + m_second)});
+    if (!m_second.empty())
+        return reportFailure(qblconvmsgs::convChangedLate(m_name, shown(directory + m_second)));
     for (int i = 1; i <= kAttempts; ++i) {
         const std::string kept = m_item.leaf + ".changed" + std::to_string(i);
         if (m_output.file().keepReplaced(kept.c_str()))
-            return reportFailure(CONV_CHANGED_LATE, {shown(directory + kept)});
+            return reportFailure(qblconvmsgs::convChangedLate(m_name, shown(directory + kept)));
         if (m_output.error() != EEXIST) break;
     }
-    return reportFailure(CONV_CHANGED_LOST);
+    return reportFailure(qblconvmsgs::convChangedLost(m_name));
 }
 
 }  // namespace conv

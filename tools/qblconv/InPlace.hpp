@@ -37,7 +37,7 @@ private:
 
     bool isStuck() const;
     bool linkOriginal();
-    bool reportFailure(qblconvmsgs id, Details details = {});
+    bool reportFailure(const QBLTypedMessage& message);
 
     const Item& m_item;
     const std::string m_name;  // as shown() returns it

@@ -97,7 +97,8 @@ bool Input::lock(Options::Lock how, bool exclusive, Problem& problem) {
         if (error != 0) {
             problem = error == EACCES || error == EAGAIN
                           ? lockedBy(exclusive)
-                          : Problem{CONV_CANNOT_LOCK, {m_item.path, tools::reason(error)}};
+                          : tools::withShown(qblconvmsgs::convCannotLock, m_item.path,
+                                             tools::reason(error));
             return false;
         }
         FileStatus now;
@@ -106,10 +107,11 @@ bool Input::lock(Options::Lock how, bool exclusive, Problem& problem) {
         if (isThere && now.isSameFile(m_status))
             return m_status.get(m_iFile) || rememberError(errno);
         if (isThere && openFile()) continue;
-        problem = {CONV_CANNOT_READ, {m_item.path, tools::reason(isThere ? m_iError : ENOENT)}};
+        problem = tools::withShown(qblconvmsgs::convCannotRead, m_item.path,
+                                   tools::reason(isThere ? m_iError : ENOENT));
         return false;
     }
-    problem = {CONV_LOCKED, {m_item.path}};
+    problem = tools::withShown(qblconvmsgs::convLocked, m_item.path);
     return false;
 }
 
@@ -120,8 +122,8 @@ Problem Input::lockedBy(bool exclusive) const {
     lock.l_type = exclusive ? F_WRLCK : F_RDLCK;
     lock.l_whence = SEEK_SET;
     const bool isKnown = fcntl(m_iFile, F_GETLK64, &lock) == 0 && lock.l_type != F_UNLCK;
-    if (!isKnown || lock.l_pid <= 0) return {CONV_LOCKED, {m_item.path}};
-    return {CONV_LOCKED_BY, {m_item.path, std::to_string(lock.l_pid)}};
+    if (!isKnown || lock.l_pid <= 0) return tools::withShown(qblconvmsgs::convLocked, m_item.path);
+    return tools::withShown(qblconvmsgs::convLockedBy, m_item.path, std::to_string(lock.l_pid));
 }
 
 int Input::read(char* block, unsigned size) {
@@ -154,7 +156,7 @@ bool Input::rewind() {
 bool Input::spool(std::vector<char>& block, Problem& problem) {
     if (isFile()) return true;
     const auto cannotSpool = [&](int error) {
-        problem = {CONV_CANNOT_SPOOL, {m_item.path, tools::reason(error)}};
+        problem = tools::withShown(qblconvmsgs::convCannotSpool, m_item.path, tools::reason(error));
         return false;
     };
     const int copy = openTemporary();
@@ -164,7 +166,9 @@ bool Input::spool(std::vector<char>& block, Problem& problem) {
     while (isCopied && (got = read(block.data(), static_cast<unsigned>(block.size()))) > 0)
         isCopied = writeAll(copy, block.data(), static_cast<std::size_t>(got));
     const int error = errno;
-    if (got < 0) problem = {CONV_CANNOT_READ, {m_item.path, tools::reason(m_iError)}};
+    if (got < 0)
+        problem =
+            tools::withShown(qblconvmsgs::convCannotRead, m_item.path, tools::reason(m_iError));
     if (got >= 0 && isCopied) {
         close();
         m_iFile = copy;

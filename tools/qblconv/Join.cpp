@@ -68,18 +68,18 @@ bool JoinedOutput::isUnchangedStill(FileReport& report) {
     for (int i = 1; i <= kAttempts; ++i) {
         const std::string kept = leaf + ".changed" + std::to_string(i);
         if (m_replacing.file().keepReplaced(kept.c_str())) {
-            report.error(CONV_CHANGED_LATE, {m_name, shown(directory + kept)});
+            report.error(qblconvmsgs::convChangedLate(m_name, shown(directory + kept)));
             return false;
         }
         if (m_replacing.error() != EEXIST) break;
     }
-    report.error(CONV_CHANGED_LOST, {m_name});
+    report.error(qblconvmsgs::convChangedLost(m_name));
     return false;
 }
 
 void JoinedOutput::finish(bool hasFailed, FileReport& report) {
     const auto cannotWrite = [&] {
-        report.error(CONV_CANNOT_WRITE, {m_name, tools::reason(m_pOutput->error())});
+        report.error(qblconvmsgs::convCannotWrite(m_name, tools::reason(m_pOutput->error())));
     };
     if (!m_bOpen) return cannotWrite();
     if (m_bDirect) {
@@ -89,13 +89,13 @@ void JoinedOutput::finish(bool hasFailed, FileReport& report) {
         return;
     }
     if (hasFailed && m_pOutput->error() != 0) return;
-    if (hasFailed) return report.error(CONV_NOT_WRITTEN, {m_name});
+    if (hasFailed) return report.error(qblconvmsgs::convNotWritten(m_name));
     if (m_iOld >= 0 && !m_replacing.file().flush()) return cannotWrite();
-    if (m_iOld >= 0 && !isUnchanged()) return report.error(CONV_CHANGED, {m_name});
+    if (m_iOld >= 0 && !isUnchanged()) return report.error(qblconvmsgs::convChanged(m_name));
     if (replace()) {
         static_cast<void>(isUnchangedStill(report));
     } else if (m_iOld >= 0 && m_pOutput->error() == ESTALE) {
-        report.error(CONV_CHANGED, {m_name});
+        report.error(qblconvmsgs::convChanged(m_name));
     } else {
         cannotWrite();
     }

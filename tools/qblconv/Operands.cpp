@@ -38,17 +38,17 @@ bool Operands::check(Problem& problem) const {
     for (const std::string& operand : m_options.operands) {
         const bool isStandardInput = operand == "-";
         if (isStandardInput && (m_bInPlace || m_options.mode == Mode::kDirectory)) {
-            problem = {CONV_NOT_TOGETHER, {"-", m_bInPlace ? "-i" : "-d"}};
+            problem = tools::withShown(qblconvmsgs::convNotTogether, "-", m_bInPlace ? "-i" : "-d");
             return false;
         }
         FileStatus status;
         const bool isThere = !isStandardInput && status.get(operand.c_str());
         if (!isStandardInput && !isThere && (errno == ENOENT || errno == ENOTDIR)) {
-            problem = {CONV_CANNOT_READ, {operand, tools::reason(errno)}};
+            problem = tools::withShown(qblconvmsgs::convCannotRead, operand, tools::reason(errno));
             return false;
         }
         if (isThere && status.isDirectory() && !m_options.recurse) {
-            problem = {CONV_IS_DIRECTORY, {operand}};
+            problem = tools::withShown(qblconvmsgs::convIsDirectory, operand);
             return false;
         }
     }
@@ -63,13 +63,14 @@ bool Operands::checkOutputs(Problem& problem) const {
         const std::string name = lastPart(operand);
         const auto added = outputs.emplace(name, &operand);
         if (!added.second) {
-            problem = {CONV_SAME_OUTPUT,
-                       {*added.first->second, operand, below(m_options.directory, name)}};
+            problem = tools::withShown(qblconvmsgs::convSameOutput, *added.first->second, operand,
+                                       below(m_options.directory, name));
             return false;
         }
         if (const std::string* const input = inputAt(below(m_options.directory, name), operand)) {
-            const qblconvmsgs id = input == &operand ? CONV_OUTPUT_IS_ITSELF : CONV_OUTPUT_IS_INPUT;
-            problem = {id, {below(m_options.directory, name), *input}};
+            const auto message = input == &operand ? qblconvmsgs::convOutputIsItself
+                                                   : qblconvmsgs::convOutputIsInput;
+            problem = tools::withShown(message, below(m_options.directory, name), *input);
             return false;
         }
         // This operand's files would be next to the outputs of the other operands.
@@ -77,7 +78,8 @@ bool Operands::checkOutputs(Problem& problem) const {
         const bool isOutput = status.get(operand.c_str()) && isOutputDirectory(status);
         if (operands.size() == 1 || (!name.empty() && !isOutput)) continue;
         const std::string& other = &operand == &operands[0] ? operands[1] : operands[0];
-        problem = {CONV_MIXED_OUTPUTS, {operand, other, m_options.directory}};
+        problem =
+            tools::withShown(qblconvmsgs::convMixedOutputs, operand, other, m_options.directory);
         return false;
     }
     return true;
@@ -118,7 +120,8 @@ bool Operands::checkOriginals(Problem& problem) const {
     for (const auto& [file, operand] : files) {
         const auto found = files.find({file.first, file.second + m_options.suffix});
         if (found == files.end()) continue;
-        problem = {CONV_SAME_OUTPUT, {*operand, *found->second, *found->second}};
+        problem =
+            tools::withShown(qblconvmsgs::convSameOutput, *operand, *found->second, *found->second);
         return false;
     }
     return true;

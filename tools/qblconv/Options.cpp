@@ -72,14 +72,16 @@ Problem problemOf(const tools::Mistake& mistake) {
     const bool isLike = !mistake.suggestion.empty();
     switch (mistake.kind) {
         case tools::Mistake::kNoOption:
-            if (isLike) return {CONV_NO_OPTION_BUT, {mistake.option, mistake.suggestion}};
-            return {CONV_NO_OPTION, {mistake.option}};
+            if (isLike)
+                return tools::withShown(qblconvmsgs::convNoOptionBut, mistake.option,
+                                        mistake.suggestion);
+            return tools::withShown(qblconvmsgs::convNoOption, mistake.option);
         case tools::Mistake::kArgumentMissing:
-            return {CONV_OPTION_ALONE, {mistake.option}};
+            return tools::withShown(qblconvmsgs::convOptionAlone, mistake.option);
         case tools::Mistake::kNoArgument:
-            return {CONV_NO_ARGUMENT, {mistake.option}};
+            return tools::withShown(qblconvmsgs::convNoArgument, mistake.option);
         default:
-            return {CONV_BAD_ARGUMENT, {mistake.option, mistake.argument}};
+            return tools::withShown(qblconvmsgs::convBadArgument, mistake.option, mistake.argument);
     }
 }
 
@@ -105,15 +107,16 @@ public:
     }
 
 private:
-    bool rememberProblem(qblconvmsgs id, Details details) {
-        m_problem = {id, std::move(details)};
+    template <class Make, class... Texts>
+    bool rememberProblem(Make make, const Texts&... texts) {
+        m_problem = tools::withShown(make, texts...);
         return false;
     }
 
     /// @param choices  the valid words, separated by spaces
     bool rememberBadWord(const Given& given, const std::string& argument,
                          const std::string& choices) {
-        return rememberProblem(CONV_BAD_WORD, {given.shown, inQuotes(argument), choices});
+        return rememberProblem(qblconvmsgs::convBadWord, given.shown, inQuotes(argument), choices);
     }
 
     bool take(const Given& given) {
@@ -133,12 +136,12 @@ private:
             case 'o':
                 m_options.output = argument;
                 return !argument.empty() ||
-                       rememberProblem(CONV_BAD_ARGUMENT, {given.shown, "\"\""});
+                       rememberProblem(qblconvmsgs::convBadArgument, given.shown, "\"\"");
             case 'd':
                 m_options.directory = argument;
                 return takeMode(given, Mode::kDirectory) &&
                        (!argument.empty() ||
-                        rememberProblem(CONV_BAD_ARGUMENT, {given.shown, "\"\""}));
+                        rememberProblem(qblconvmsgs::convBadArgument, given.shown, "\"\""));
             case 'i':
                 return takeSuffix(given);
             case 'j':
@@ -197,7 +200,7 @@ private:
 
     bool takeMode(const Given& given, Mode mode) {
         if (m_options.mode != Mode::kJoin && m_options.mode != mode)
-            return rememberProblem(CONV_NOT_TOGETHER, {m_mode, given.shown});
+            return rememberProblem(qblconvmsgs::convNotTogether, m_mode, given.shown);
         m_options.mode = mode;
         m_mode = given.shown;
         return true;
@@ -216,8 +219,8 @@ private:
         const bool isName =
             !m_options.suffix.empty() && std::strchr(given.argument, '/') == nullptr;
         return takeMode(given, Mode::kInPlace) &&
-               (isName ||
-                rememberProblem(CONV_BAD_ARGUMENT, {given.shown, inQuotes(m_options.suffix)}));
+               (isName || rememberProblem(qblconvmsgs::convBadArgument, given.shown,
+                                          inQuotes(m_options.suffix)));
     }
 
     bool takeJobs(const Given& given, const std::string& argument) {
@@ -248,7 +251,8 @@ private:
             std::transform(word.begin(), word.end(), word.begin(),
                            [](char c) { return c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c; });
             if (word != "TRANSLIT" && word != "IGNORE")
-                return rememberProblem(CONV_BAD_WORD, {given.shown, inQuotes(argument), kSuffixes});
+                return rememberProblem(qblconvmsgs::convBadWord, given.shown, inQuotes(argument),
+                                       kSuffixes);
             if (isOutput) m_suffix += word;
             at = end;
         }
@@ -261,8 +265,8 @@ private:
         const bool skips = m_suffix.find("IGNORE") != std::string::npos || m_shown.count('c') != 0;
         if (m_suffix.empty()) return true;
         if (m_shown.count('p') != 0)
-            return rememberProblem(CONV_NOT_TOGETHER, {translit ? "//TRANSLIT" : "//IGNORE",
-                                                       m_shown.find('p')->second});
+            return rememberProblem(qblconvmsgs::convNotTogether,
+                                   translit ? "//TRANSLIT" : "//IGNORE", m_shown.find('p')->second);
         if (translit) m_options.similar = Options::Similar::kTransliteration;
         if (skips)
             m_options.inputPolicy = m_options.outputPolicy = I18N_USER_DEFINED;
@@ -306,8 +310,8 @@ private:
             choices.append(choices.empty() ? "" : " ").append(word.name);
         }
         if (closest.found().empty()) return rememberBadWord(given, argument, choices);
-        return rememberProblem(CONV_BAD_ARGUMENT_BUT,
-                               {given.shown, inQuotes(argument), closest.found()});
+        return rememberProblem(qblconvmsgs::convBadArgumentBut, given.shown, inQuotes(argument),
+                               closest.found());
     }
 
     /// Returns true if an option is allowed in a mode.
@@ -361,15 +365,17 @@ private:
     bool check() {
         for (const auto& [option, shown] : m_shown) {
             if (fits(option, m_options.mode)) continue;
-            if (!m_mode.empty()) return rememberProblem(CONV_NOT_TOGETHER, {shown, m_mode});
+            if (!m_mode.empty())
+                return rememberProblem(qblconvmsgs::convNotTogether, shown, m_mode);
             const bool isForChecks = fits(option, Mode::kCheck);
-            return rememberProblem(isForChecks ? CONV_NEEDS_MODE : CONV_NEEDS_OUTPUTS, {shown});
+            return rememberProblem(
+                isForChecks ? qblconvmsgs::convNeedsMode : qblconvmsgs::convNeedsOutputs, shown);
         }
         // Changed line ends do not convert back, and kept files keep their line ends.
         const int apart[][2] = {{'X', kJson}, {kLineEnd, kVerify}, {kLineEnd, 'k'}};
         for (const auto& [one, other] : apart)
             if (m_shown.count(one) != 0 && m_shown.count(other) != 0)
-                return rememberProblem(CONV_NOT_TOGETHER, {m_shown[one], m_shown[other]});
+                return rememberProblem(qblconvmsgs::convNotTogether, m_shown[one], m_shown[other]);
         if (!applySuffix()) return false;
         const bool converts = m_options.mode <= Mode::kInPlace;
         // An encoding name without a byte order requires a mark that tells the order.
@@ -385,15 +391,15 @@ private:
         const bool needsOperands =
             m_options.mode == Mode::kDirectory || m_options.mode == Mode::kInPlace;
         if (m_options.mode == Mode::kList && m_options.operands.size() > 1)
-            return rememberProblem(CONV_ONE_PATTERN, {m_options.operands[1], m_mode});
+            return rememberProblem(qblconvmsgs::convOnePattern, m_options.operands[1], m_mode);
         if (m_options.mode == Mode::kClean && m_options.operands.empty())
-            return rememberProblem(CONV_NO_DIRECTORY, {m_mode});
+            return rememberProblem(qblconvmsgs::convNoDirectory, m_mode);
         const bool isNamed = m_options.isFromGiven && !isAuto(m_options.from);
         if (m_options.mode == Mode::kGuess && isNamed)
-            return rememberProblem(CONV_BAD_WORD,
-                                   {m_shown['f'], inQuotes(m_options.from), kAutoChoices});
+            return rememberProblem(qblconvmsgs::convBadWord, m_shown['f'], inQuotes(m_options.from),
+                                   kAutoChoices);
         if (needsOperands && m_options.operands.empty())
-            return rememberProblem(CONV_NO_OPERANDS, {m_mode});
+            return rememberProblem(qblconvmsgs::convNoOperands, m_mode);
         return true;
     }
 

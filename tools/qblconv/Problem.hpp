@@ -1,18 +1,15 @@
 #ifndef TOOLS_QBLCONV_PROBLEM_HPP
 #define TOOLS_QBLCONV_PROBLEM_HPP
 
-#include "tools/common/MessageText.hpp"
+#include <optional>
+
+#include "tools/common/Shown.hpp"
 #include "tools/qblconv/qblconvmsgs.hpp"
 
 namespace conv {
 
-using tools::Details;
-
-/// A problem, as a message of the tool.
-struct Problem {
-    qblconvmsgs id;
-    Details details;
-};
+/// A problem, as a message of the tool; empty if there is none.
+using Problem = std::optional<QBLTypedMessage>;
 
 }  // namespace conv
 

@@ -17,7 +17,7 @@ constexpr std::uint64_t kMega = 1000000;
 
 }  // namespace
 
-Progress::Progress(bool wanted, const std::string& catalogue, const std::string& locales)
+Progress::Progress(bool wanted, const tools::Catalogue& catalogue, const std::string& locales)
     : m_bWanted(wanted && isatty(STDERR_FILENO) != 0),
       m_iNext((Clock::now() + kFirst).time_since_epoch().count()),
       m_texts(catalogue, locales) {}
@@ -44,8 +44,8 @@ void Progress::show() {
         !m_iNext.compare_exchange_strong(next, (now + kEach).time_since_epoch().count()))
         return;
     QBLThreadGuard guard(m_lock);
-    const std::string text =
-        m_texts.text(CONV_PROGRESS, {std::to_string(m_uFiles), std::to_string(m_uBytes / kMega)});
+    const std::string text = m_texts.text(
+        qblconvmsgs::convProgress(std::to_string(m_uFiles), std::to_string(m_uBytes / kMega)));
     std::fprintf(stderr, "\r\033[K%s", tools::localText(text).c_str());
     std::fflush(stderr);
     m_bShown = true;

@@ -16,7 +16,7 @@ namespace conv {
 /// Threads: any thread may call any operation.
 class Progress {
 public:
-    explicit Progress(bool wanted, const std::string& catalogue, const std::string& locales);
+    explicit Progress(bool wanted, const tools::Catalogue& catalogue, const std::string& locales);
     /// Removes the line.
     ~Progress();
     Progress(const Progress&) = delete;

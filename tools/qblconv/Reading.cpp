@@ -57,17 +57,15 @@ bool forPasses(Input& input, const std::string& name, std::vector<char>& block, 
     Problem problem;
     Passes passes(input, block);
     bool isRead = input.spool(block, problem);
-    if (!isRead) {
-        problem.details = shown(problem.details);
-    } else {
+    if (isRead) {
         body(passes);
         isRead = passes.finish();
-        if (!isRead) problem = {CONV_CANNOT_READ, {name, tools::reason(passes.error())}};
+        if (!isRead) problem = qblconvmsgs::convCannotRead(name, tools::reason(passes.error()));
     }
     if (isInterrupted())
         report.countAsFailed();
     else if (!isRead)
-        report.error(problem.id, problem.details);
+        report.error(*problem);
     return isRead && !isInterrupted();
 }
 

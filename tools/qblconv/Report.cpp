@@ -23,6 +23,30 @@ const char* const kSeverities[] = {"fatal", "error", "warning", "information"};
 
 std::string orDash(const std::string& text) { return text.empty() ? "-" : text; }
 
+QBLTypedMessage messageOf(const std::string& file, const Finding& finding) {
+    using Kind = Finding::Kind;
+    const std::string line = std::to_string(finding.line), column = std::to_string(finding.column);
+    const std::string offset = std::to_string(finding.offset), bytes = orDash(finding.bytes);
+    const std::string replacement = orDash(finding.replacement);
+    switch (finding.kind) {
+        case Kind::kMalformed:
+            return qblconvmsgs::convBadBytes(file, line, column, offset, bytes, finding.encoding);
+        case Kind::kTruncated:
+            return qblconvmsgs::convCutOff(file, line, column, offset, bytes, finding.encoding);
+        case Kind::kLacking:
+            return qblconvmsgs::convNoCharacter(file, line, column, finding.codePoint,
+                                                finding.encoding);
+        case Kind::kBestFit:
+            return qblconvmsgs::convBestFit(file, line, column, finding.codePoint,
+                                            finding.encoding);
+        case Kind::kTransliterated:
+            return qblconvmsgs::convTransliterated(file, line, column, finding.codePoint,
+                                                   replacement);
+        default:
+            return qblconvmsgs::convNotReversible(file, line, column, offset, bytes, replacement);
+    }
+}
+
 }  // namespace
 
 void Tally::add(const Tally& other) {
@@ -94,17 +118,15 @@ FileReport::~FileReport() {
     m_report.end(m_uNumber, std::move(m_text), tally);
 }
 
-void FileReport::error(qblconvmsgs id, const Details& details) {
+void FileReport::error(const QBLTypedMessage& message) {
     countAsFailed();
-    add(QBLSeverityError, id, details);
+    add(QBLSeverityError, message);
 }
 
-void FileReport::warning(qblconvmsgs id, const Details& details) {
-    add(QBLSeverityWarning, id, details);
-}
+void FileReport::warning(const QBLTypedMessage& message) { add(QBLSeverityWarning, message); }
 
-void FileReport::information(qblconvmsgs id, const Details& details) {
-    add(QBLSeverityInformation, id, details);
+void FileReport::information(const QBLTypedMessage& message) {
+    add(QBLSeverityInformation, message);
 }
 
 void FileReport::setOutcome(Outcome outcome) {
@@ -116,37 +138,32 @@ void FileReport::setEncodings(const std::string& from, const std::string& to) {
     m_to = to;
 }
 
-void FileReport::add(QBLSeverity severity, qblconvmsgs id, const Details& details) {
+void FileReport::add(QBLSeverity severity, const QBLTypedMessage& message) {
     switch (m_report.form()) {
         case Report::Form::kXml:
-            return addLine(m_texts.element(severity, id, details));
+            return addLine(m_texts.element(severity, message));
         case Report::Form::kText:
-            return addLine(m_texts.text(id, details));
+            return addLine(m_texts.text(message));
         case Report::Form::kJson:
             m_messages.add(tools::JsonObject()
                                .add("severity", kSeverities[severity])
-                               .add("id", static_cast<std::int64_t>(id))
-                               .add("text", m_texts.text(id, details))
+                               .add("id", static_cast<std::int64_t>(message.getMessageID()))
+                               .add("text", m_texts.text(message))
                                .text());
     }
 }
 
-void FileReport::finding(QBLSeverity severity, qblconvmsgs id, const std::string& file,
-                         const Finding& finding) {
+void FileReport::finding(QBLSeverity severity, const std::string& file, const Finding& finding) {
     if (severity == QBLSeverityError) countAsFailed();
     if (finding.kind <= Finding::Kind::kTruncated && finding.encoding == "UTF-8") m_bNotUTF8 = true;
-    Details details = {file, std::to_string(finding.line), std::to_string(finding.column)};
     const bool isReplaced = finding.kind >= Finding::Kind::kTransliterated;
-    if (finding.offset >= 0)
-        details.insert(details.end(), {std::to_string(finding.offset), orDash(finding.bytes)});
-    else
-        details.push_back(finding.codePoint);
-    if (isReplaced) details.push_back(orDash(finding.replacement));
     const char* const kind = kKinds[static_cast<int>(finding.kind)];
-    // These details are for programs: the XML form has them as parameters. No message text shows
-    // them.
-    details.insert(details.end(), {finding.encoding, kind, finding.policy});
-    if (m_report.form() != Report::Form::kJson) return add(severity, id, details);
+    QBLTypedMessage message = messageOf(file, finding);
+    // These parameters are for programs that read the XML form. No text shows them.
+    if (isReplaced) message.addParameter(finding.encoding);
+    message.addParameter(kind);
+    message.addParameter(finding.policy);
+    if (m_report.form() != Report::Form::kJson) return add(severity, message);
     addLine(tools::JsonObject()
                 .add("type", "finding")
                 .add("file", file)
@@ -161,7 +178,7 @@ void FileReport::finding(QBLSeverity severity, qblconvmsgs id, const std::string
                 .add("encoding", finding.encoding)
                 .addValue("replacement", isReplaced ? tools::jsonText(finding.replacement) : "null")
                 .add("severity", kSeverities[severity])
-                .add("text", m_texts.text(id, details))
+                .add("text", m_texts.text(message))
                 .text());
 }
 

@@ -95,18 +95,17 @@ public:
     FileReport(const FileReport&) = delete;
     FileReport& operator=(const FileReport&) = delete;
 
-    void error(qblconvmsgs id, const Details& details);
-    void warning(qblconvmsgs id, const Details& details);
-    void information(qblconvmsgs id, const Details& details);
+    void error(const QBLTypedMessage& message);
+    void warning(const QBLTypedMessage& message);
+    void information(const QBLTypedMessage& message);
     /// Adds a result to the report that setResults() has set, else to this report.
-    void result(qblconvmsgs id, const Details& details) {
-        (m_pResults != nullptr ? *m_pResults : *this).information(id, details);
+    void result(const QBLTypedMessage& message) {
+        (m_pResults != nullptr ? *m_pResults : *this).information(message);
     }
     /// @param results  receives the results of the same file; must outlive this object
     void setResults(FileReport& results) { m_pResults = &results; }
     /// Adds a finding in a text. An error makes the file fail.
-    void finding(QBLSeverity severity, qblconvmsgs id, const std::string& file,
-                 const Finding& finding);
+    void finding(QBLSeverity severity, const std::string& file, const Finding& finding);
     bool hasFailed() const { return m_outcome == Outcome::kFailed; }
     /// Makes the outcome a failure, without a message.
     void countAsFailed() { m_outcome = Outcome::kFailed; }
@@ -117,10 +116,8 @@ public:
     void addReplaced(std::int64_t count) { m_iReplaced += count; }
 
 private:
-    void add(QBLSeverity severity, qblconvmsgs id, const Details& details);
+    void add(QBLSeverity severity, const QBLTypedMessage& message);
     void addLine(const std::string& line);
-    std::string asElement(QBLSeverity severity, qblconvmsgs id, const Details& details,
-                          const Finding& finding);
     std::string asObject();
 
     Report& m_report;

@@ -55,7 +55,7 @@ std::string messageOf(QBLThrowable& error) {
 /// Converts or checks files.
 class Run {
 public:
-    Run(const Options& options, const std::string& catalogue)
+    Run(const Options& options, const tools::Catalogue& catalogue)
         : m_options(options),
           m_catalogue(catalogue),
           m_operands(options),
@@ -81,7 +81,8 @@ public:
         }
         if (failure) {
             tools::MessageText texts(m_catalogue, m_options.locales);
-            FileReport(m_report, m_iTaken++, texts).error(CONV_FAILED, {"qblconv", *failure});
+            FileReport(m_report, m_iTaken++, texts)
+                .error(qblconvmsgs::convFailed("qblconv", *failure));
         }
         m_progress.clear();
         summarise();
@@ -105,14 +106,14 @@ private:
         tools::MessageText texts(m_catalogue, m_options.locales);
         FileReport report(m_report, m_iTaken++, texts);
         if (m_options.mode == Mode::kCheck)
-            report.information(CONV_SUMMARY_CHECK,
-                               {number(count), number(tally.of(Outcome::kValid)),
-                                number(tally.of(Outcome::kFailed))});
+            report.information(qblconvmsgs::convSummaryCheck(number(count),
+                                                             number(tally.of(Outcome::kValid)),
+                                                             number(tally.of(Outcome::kFailed))));
         else
-            report.information(CONV_SUMMARY,
-                               {number(count), number(tally.of(Outcome::kConverted)),
-                                number(tally.of(Outcome::kUnchanged)),
-                                number(tally.of(Outcome::kFailed)), number(tally.replaced)});
+            report.information(qblconvmsgs::convSummary(
+                number(count), number(tally.of(Outcome::kConverted)),
+                number(tally.of(Outcome::kUnchanged)), number(tally.of(Outcome::kFailed)),
+                number(tally.replaced)));
     }
 
     /// Tells a person what to do if the input is not in the default encoding. Programs that read
@@ -122,7 +123,7 @@ private:
                                  m_report.form() == Report::Form::kText;
         if (!isForPerson || m_options.isFromGiven || m_report.tally().notUTF8 == 0) return;
         tools::MessageText texts(m_catalogue, m_options.locales);
-        FileReport(m_report, m_iTaken++, texts).information(CONV_ADVICE_FROM, {});
+        FileReport(m_report, m_iTaken++, texts).information(qblconvmsgs::convAdviceFrom());
     }
 
     /// Returns false if converted text goes to the terminal, because the progress line would erase
@@ -194,9 +195,9 @@ private:
         try {
             body();
         } catch (QBLThrowable& error) {
-            report.error(CONV_FAILED, {shown(path), messageOf(error)});
+            report.error(qblconvmsgs::convFailed(shown(path), messageOf(error)));
         } catch (const std::exception& error) {
-            report.error(CONV_FAILED, {shown(path), error.what()});
+            report.error(qblconvmsgs::convFailed(shown(path), error.what()));
         }
     }
 
@@ -220,7 +221,7 @@ private:
         std::vector<std::string> inputs = m_options.operands;
         if (inputs.empty()) inputs.emplace_back("-");
         JoinedOutput joined(m_options.output, m_options.output.empty()
-                                                  ? texts.text(CONV_STANDARD_OUTPUT)
+                                                  ? texts.text(qblconvmsgs::convStandardOutput())
                                                   : shown(m_options.output));
         if (joined.open(inputs)) joinAll(inputs, joined, texts);
         if (isInterrupted()) return;
@@ -248,7 +249,7 @@ private:
     }
 
     const Options& m_options;
-    const std::string& m_catalogue;
+    const tools::Catalogue& m_catalogue;
     QBLThreadCriticalSection m_lock;
     Operands m_operands;  // guarded by m_lock
     OutputRoot m_root;
@@ -268,17 +269,17 @@ bool check(const Options& options, Problem& problem) {
     const auto to = openEncoding(options.to, problem);
     if (to == nullptr) return false;
     if (options.mark == Options::Mark::kAdd && markIn(*to).empty()) {
-        problem = {CONV_NO_MARK, {options.to}};
+        problem = tools::withShown(qblconvmsgs::convNoMark, options.to);
         return false;
     }
     // A later run could not recognise outputs without a mark.
     const bool needsMark = I18NConverter::shouldUseBOM(options.to.c_str());
     if (options.keepValid && needsMark && options.mark != Options::Mark::kAdd) {
-        problem = {CONV_KEEP_NEEDS_MARK, {options.to}};
+        problem = tools::withShown(qblconvmsgs::convKeepNeedsMark, options.to);
         return false;
     }
     if (options.keepValid && isAnyTextValid(*to)) {
-        problem = {CONV_ALL_VALID, {"-k", options.to}};
+        problem = tools::withShown(qblconvmsgs::convAllValid, "-k", options.to);
         return false;
     }
     return Operands(options).check(problem);
@@ -294,42 +295,42 @@ bool isStandardOutput(const std::string& path) {
 /// Reports an error in the command line in the form of the report.
 void sayNothingDone(const Options& options, const Problem& problem, tools::MessageText& texts) {
     std::FILE* const out = reportFile(options);
-    const Details details = shown(problem.details);
+    const QBLTypedMessage& message = *problem;
     if (options.json)
         tools::print(out, tools::JsonObject()
                                   .add("type", "error")
-                                  .add("id", std::int64_t{problem.id})
-                                  .add("text", texts.text(problem.id, details))
+                                  .add("id", static_cast<std::int64_t>(message.getMessageID()))
+                                  .add("text", texts.text(message))
                                   .text() +
                               "\n");
     else if (options.xml)
-        tools::print(out, "<Messages>\n" + texts.element(QBLSeverityError, problem.id, details) +
-                              "\n</Messages>\n");
+        tools::print(out,
+                     "<Messages>\n" + texts.element(QBLSeverityError, message) + "\n</Messages>\n");
     else
-        tools::printText(out, texts.text(problem.id, details) + "\n");
+        tools::printText(out, texts.text(message) + "\n");
 }
 
 Status list(const std::string& pattern, tools::MessageText& texts) {
     if (listEncodings(pattern)) return kDone;
-    tools::printText(stderr, texts.text(CONV_NO_ENCODING, {shown(pattern)}) + "\n");
+    tools::printText(stderr, texts.text(qblconvmsgs::convNoEncoding(shown(pattern))) + "\n");
     return kFailed;
 }
 
 /// Runs a valid command line.
-Status runMode(Options& options, const std::string& catalogue, tools::MessageText& texts) {
+Status runMode(Options& options, const tools::Catalogue& catalogue, tools::MessageText& texts) {
     Problem problem;
     switch (options.mode) {
         case Mode::kHelp:
-            tools::printText(stdout, texts.text(CONV_USAGE));
+            tools::printText(stdout, texts.text(qblconvmsgs::convUsage()));
             tools::printText(stdout, tools::describeOptions(knownOptions(), texts));
-            tools::printText(stdout, texts.text(CONV_USAGE_END));
+            tools::printText(stdout, texts.text(qblconvmsgs::convUsageEnd()));
             return kDone;
         case Mode::kCompletions:
             tools::print(stdout,
                          tools::completionScript("qblconv", options.shell, knownOptions(), texts));
             return kDone;
         case Mode::kVersion:
-            tools::printText(stdout, texts.text(CONV_VERSION, {QBL_VERSION}) + "\n");
+            tools::printText(stdout, texts.text(qblconvmsgs::convVersion(QBL_VERSION)) + "\n");
             return kDone;
         case Mode::kList:
             return list(options.operands.empty() ? "" : options.operands[0], texts);
@@ -348,8 +349,9 @@ Status run(int argc, char** argv) {
     Options options;
     Problem problem;
     const bool isUsage = parseOptions(argc, argv, options, problem);
-    const std::string catalogue = tools::findCatalogue("qblconvmsgs", options.locales);
-    tools::setReasonLanguage(catalogue, options.locales);
+    const tools::Catalogue catalogue =
+        tools::findCatalogue(qblconvmsgs::kCatalogue, options.locales);
+    tools::setReasonLanguage(catalogue.base, options.locales);
     tools::MessageText texts(catalogue, options.locales);
     Status status = kNothingDone;
     if (isUsage)
@@ -360,9 +362,10 @@ Status run(int argc, char** argv) {
     if (error == 0) return status;
     // If the reader of a pipe stops early, no message is needed.
     if (!isInterrupted())
-        tools::printText(stderr, texts.text(CONV_CANNOT_WRITE, {texts.text(CONV_STANDARD_OUTPUT),
-                                                                tools::reason(error)}) +
-                                     "\n");
+        tools::printText(stderr,
+                         texts.text(qblconvmsgs::convCannotWrite(
+                             texts.text(qblconvmsgs::convStandardOutput()), tools::reason(error))) +
+                             "\n");
     return kFailed;
 }
 

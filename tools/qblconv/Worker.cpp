@@ -114,27 +114,27 @@ bool Worker::open(const Item& item, Input& input, FileReport& report) {
         const bool isOurs =
             isInPlace && (error == EACCES || error == EROFS || error == ETXTBSY || error == EPERM);
         if (isLeased)
-            report.error(CONV_LEASED, {shown(item.path)});
+            report.error(qblconvmsgs::convLeased(shown(item.path)));
         else
-            report.error(isOurs ? CONV_CANNOT_WRITE : CONV_CANNOT_READ,
-                         {shown(item.path), tools::reason(error)});
+            report.error((isOurs ? qblconvmsgs::convCannotWrite : qblconvmsgs::convCannotRead)(
+                shown(item.path), tools::reason(error)));
         return false;
     }
     if (isInPlace && !input.isRegular()) {
-        report.error(CONV_NOT_REGULAR, {shown(item.path)});
+        report.error(qblconvmsgs::convNotRegular(shown(item.path)));
         return false;
     }
     Problem problem;
     if (input.lock(m_options.lock, isInPlace, problem)) return true;
-    if (!isInterrupted()) report.error(problem.id, shown(problem.details));
+    if (!isInterrupted()) report.error(*problem);
     return false;
 }
 
 void Worker::sayPassedOver(const Item& item, const Input& input, FileReport& report) const {
     if (input.passedOver() == Input::PassedOver::kBrokenLink && !m_options.quiet)
-        report.warning(CONV_BROKEN_LINK, {shown(item.path)});
+        report.warning(qblconvmsgs::convBrokenLink(shown(item.path)));
     if (input.passedOver() == Input::PassedOver::kLink && m_options.verbose)
-        report.information(CONV_PASSED_LINK, {shown(item.path)});
+        report.information(qblconvmsgs::convPassedLink(shown(item.path)));
 }
 
 void Worker::check(const std::string& name, Input& input, FileReport& report) {
@@ -146,19 +146,19 @@ void Worker::check(const std::string& name, Input& input, FileReport& report) {
     if (isRead) report.setEncodings(encoding, m_options.isToGiven ? m_options.to : std::string());
     if (!isRead || report.hasFailed()) return;
     report.setOutcome(Outcome::kValid);
-    if (m_options.verbose) report.information(CONV_VALID, {name, encoding});
+    if (m_options.verbose) report.information(qblconvmsgs::convValid(name, encoding));
 }
 
 bool Worker::isToBeKept(Input& input, const std::string& name, FileReport& report) {
     if (m_pValid == nullptr) return false;
     if (!input.isRegular()) {
-        report.error(CONV_NOT_REGULAR, {name});
+        report.error(qblconvmsgs::convNotRegular(name));
         return false;
     }
     int error = 0;
     const bool isKept = isValid(*m_pValid, m_validMark, input, m_block, error);
     if (error != 0 && !isInterrupted())
-        report.error(CONV_CANNOT_READ, {name, tools::reason(error)});
+        report.error(qblconvmsgs::convCannotRead(name, tools::reason(error)));
     if (error != 0) report.countAsFailed();
     return isKept;
 }
@@ -167,13 +167,14 @@ void Worker::sayDone(const std::string& name, bool isKept, FileReport& report) c
     report.setOutcome(isKept ? Outcome::kUnchanged : Outcome::kConverted);
     report.setEncodings(isKept ? m_options.to : m_encoding, m_options.to);
     if (!m_options.verbose || report.hasFailed()) return;
-    report.information(isKept ? CONV_KEPT : CONV_DONE, {name, isKept ? m_options.to : m_encoding});
+    report.information(isKept ? qblconvmsgs::convKept(name, m_options.to)
+                              : qblconvmsgs::convDone(name, m_encoding));
 }
 
 bool Worker::fill(Input& input, const std::string& name, Output& output,
                   const std::string& outputName, FileReport& report) {
     if (!m_mark.empty() && !output.write(m_mark.data(), m_mark.size())) {
-        report.error(CONV_CANNOT_WRITE, {outputName, tools::reason(output.error())});
+        report.error(qblconvmsgs::convCannotWrite(outputName, tools::reason(output.error())));
         return false;
     }
     return convert(input, name, output, outputName, m_options.mark != Options::Mark::kKeep, report);
@@ -187,15 +188,15 @@ bool Worker::convert(Input& input, const std::string& name, Output& output,
                      &m_encoding))
         return false;
     const struct {
-        qblconvmsgs text;
+        decltype(&qblconvmsgs::convReplaced) message;
         std::int64_t count;
-    } replaced[] = {{CONV_REPLACED, found.count()},
-                    {CONV_BEST_FITS, found.bestFits()},
-                    {CONV_TRANSLITERATIONS, found.transliterated()}};
+    } replaced[] = {{qblconvmsgs::convReplaced, found.count()},
+                    {qblconvmsgs::convBestFits, found.bestFits()},
+                    {qblconvmsgs::convTransliterations, found.transliterated()}};
     for (const auto& each : replaced) {
         report.addReplaced(each.count);
         if (each.count > 0 && !m_options.quiet)
-            report.warning(each.text, {name, std::to_string(each.count)});
+            report.warning(each.message(name, std::to_string(each.count)));
     }
     return true;
 }
@@ -210,7 +211,7 @@ void Worker::convertInto(const Item& item, Input& input, FileReport& report) {
         isKept ? copyText(setup(I18N_MARK_KEEP), input, name, m_new, outputName, report)
                : fill(input, name, m_new, outputName, report);
     if (isFilled && !m_new.commit())
-        report.error(CONV_CANNOT_WRITE, {outputName, tools::reason(m_new.error())});
+        report.error(qblconvmsgs::convCannotWrite(outputName, tools::reason(m_new.error())));
     else if (isFilled)
         sayDone(name, isKept, report);
     m_new.discard();
@@ -235,7 +236,7 @@ bool Worker::join(const std::string& path, DirectOutput* direct, Output& output,
     FileStatus status;
     if (direct != nullptr && input.isRegular() && status.get(direct->descriptor()) &&
         input.status().isSameFile(status)) {
-        report.error(CONV_IS_OUTPUT, {name});
+        report.error(qblconvmsgs::convIsOutput(name));
         return false;
     }
     const bool strip = m_options.mark != Options::Mark::kKeep || !isFirst;

@@ -57,36 +57,40 @@ std::string writeBmf(const Entries& entries, unsigned shape) {
 }
 
 bool readBmf(const std::string& bytes, std::vector<BmfText>& texts, BmfProblem& problem) {
-    const auto refuse = [&problem](std::size_t offset, qblmsgcmsgs reason) {
+    const auto refuse = [&problem](std::size_t offset, QBLTypedMessage (*reason)()) {
         problem = {offset, reason};
         return false;
     };
     if (bytes.compare(0, kMagicLength, kMagic, kMagicLength) != 0)
-        return refuse(0, MSGC_REASON_MAGIC);
-    if (bytes.size() < kHeaderSize) return refuse(bytes.size(), MSGC_REASON_CUT);
+        return refuse(0, qblmsgcmsgs::msgcReasonMagic);
+    if (bytes.size() < kHeaderSize) return refuse(bytes.size(), qblmsgcmsgs::msgcReasonCut);
     const std::size_t count = numberAt(bytes, 8), textSize = numberAt(bytes, 12);
-    if (count > (bytes.size() - kHeaderSize) / kEntrySize) return refuse(8, MSGC_REASON_CUT);
+    if (count > (bytes.size() - kHeaderSize) / kEntrySize)
+        return refuse(8, qblmsgcmsgs::msgcReasonCut);
     const std::size_t begin = kHeaderSize + kEntrySize * count;
-    if (textSize > bytes.size() - begin) return refuse(12, MSGC_REASON_CUT);
+    if (textSize > bytes.size() - begin) return refuse(12, qblmsgcmsgs::msgcReasonCut);
     texts.clear();
     std::size_t checkedBegin = 0, checkedEnd = 0;  // bytes already checked to be UTF-8
     for (std::size_t at = kHeaderSize; at < begin; at += kEntrySize) {
         const std::size_t offset = numberAt(bytes, at + 4), length = numberAt(bytes, at + 8);
         const unsigned id = numberAt(bytes, at);
-        if (!texts.empty() && texts.back().id >= id) return refuse(at, MSGC_REASON_ORDER);
-        if (offset > textSize || length > textSize - offset) return refuse(at, MSGC_REASON_OUTSIDE);
+        if (!texts.empty() && texts.back().id >= id)
+            return refuse(at, qblmsgcmsgs::msgcReasonOrder);
+        if (offset > textSize || length > textSize - offset)
+            return refuse(at, qblmsgcmsgs::msgcReasonOutside);
         const std::size_t first = begin + offset;
         // If a text is the end of the text checked last, it was checked together with that text.
         const bool isPart = checkedBegin <= first && first + length == checkedEnd && length > 0;
         if (!isPart) {
             if (length == 0 || bytes.find('\0', first) != first + length - 1)
-                return refuse(first, MSGC_REASON_ZERO);
+                return refuse(first, qblmsgcmsgs::msgcReasonZero);
             const std::size_t illFormed = tools::findIllFormed(bytes, first, first + length - 1);
-            if (illFormed != std::string::npos) return refuse(illFormed, MSGC_REASON_UTF8);
+            if (illFormed != std::string::npos)
+                return refuse(illFormed, qblmsgcmsgs::msgcReasonUtf8);
             checkedBegin = first;
             checkedEnd = first + length;
         } else if ((static_cast<unsigned char>(bytes[first]) & 0xC0) == 0x80) {
-            return refuse(first, MSGC_REASON_UTF8);
+            return refuse(first, qblmsgcmsgs::msgcReasonUtf8);
         }
         texts.push_back({id, std::string_view(bytes).substr(first, length - 1)});
     }

@@ -13,7 +13,7 @@ namespace msgc {
 /// The reason why bytes are not a valid message file.
 struct BmfProblem {
     std::size_t offset;
-    qblmsgcmsgs reason;
+    QBLTypedMessage (*reason)();
 };
 
 /// Returns true if the texts fit into a message file. Its offsets and lengths have only 32 bits.

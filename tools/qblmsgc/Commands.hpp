@@ -21,7 +21,12 @@ Status unreadable(const std::string& operand);
 
 /// Prints a message of the tool to the standard error output.
 /// @return the status given
-Status complain(Status status, qblmsgcmsgs id, const Details& details);
+Status complain(Status status, const QBLTypedMessage& message);
+/// Makes the message from texts that are not shown() yet.
+template <class Make, class... Texts>
+Status complain(Status status, Make make, const Texts&... texts) {
+    return complain(status, tools::withShown(make, texts...));
+}
 
 }  // namespace msgc
 

@@ -31,9 +31,10 @@ private:
     bool check(bool isDone) {
         if (isDone) return true;
         if (isDevice())
-            m_report.fault(MSGC_NOT_REGULAR, {m_name});
+            m_report.fault(qblmsgcmsgs::msgcNotRegular, m_name);
         else
-            m_report.fault(MSGC_CANNOT_WRITE, {m_name, tools::reason(m_file.getLastErrorNumber())});
+            m_report.fault(qblmsgcmsgs::msgcCannotWrite, m_name,
+                           tools::reason(m_file.getLastErrorNumber()));
         return false;
     }
     bool isDevice() const {
@@ -58,7 +59,7 @@ public:
             checkPatterns(m_entries, *source, m_report);
             if (m_options.typed) checkTypes(m_entries, *source, m_report);
             for (const std::string& name : m_options.references) compare(*source, name);
-            if (!fitsBmf(m_entries)) m_report.error(*source, 0, MSGC_TOO_LARGE);
+            if (!fitsBmf(m_entries)) m_report.error(*source, 0, qblmsgcmsgs::msgcTooLarge);
             if (!m_options.checkOnly && !hasFailed()) write();
         }
         m_report.print(m_options.xml ? stdout : stderr,
@@ -76,7 +77,7 @@ private:
         std::string bytes, problem;
         if (!readFile(name, bytes, problem)) {
             if (tools::isAbsent(name)) m_absent = name;
-            m_report.fault(MSGC_CANNOT_READ, {name, problem});
+            m_report.fault(qblmsgcmsgs::msgcCannotRead, name, problem);
             return nullptr;
         }
         m_report.begin(m_sources.emplace_back(name, std::move(bytes)));
@@ -102,7 +103,8 @@ private:
             const std::string text = headerText(m_entries, m_options.header, m_options.operands[0],
                                                 {m_options.base, m_uShape});
             if (text.empty())
-                return m_report.fault(MSGC_NO_NAMES, {m_options.operands[0], m_options.header});
+                return m_report.fault(qblmsgcmsgs::msgcNoNames, m_options.operands[0],
+                                      m_options.header);
             if (!header.prepare(text)) return;
         }
         if (output.prepare(writeBmf(m_entries, m_uShape)) && (!hasHeader || header.commit()))

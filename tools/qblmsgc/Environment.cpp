@@ -1,6 +1,7 @@
 #include "tools/qblmsgc/Environment.hpp"
 
 #include "tools/common/Environment.hpp"
+#include "tools/qblmsgc/qblmsgcmsgs.hpp"
 
 namespace msgc {
 
@@ -19,9 +20,10 @@ void setUserLocale(const std::string& locales) {
     if (!locales.empty()) locale() = locales;
 }
 
-const std::string& ownCatalogue() {
-    static const std::string kBase = tools::findCatalogue("qblmsgcmsgs", userLocale());
-    return kBase;
+const tools::Catalogue& ownCatalogue() {
+    static const tools::Catalogue kFound =
+        tools::findCatalogue(qblmsgcmsgs::kCatalogue, userLocale());
+    return kFound;
 }
 
 }  // namespace msgc

@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "tools/common/MessageText.hpp"
+
 namespace msgc {
 
 /// The user's language: the language that setUserLocale() has set, else the language of LC_ALL,
@@ -12,8 +14,8 @@ const std::string& userLocale();
 /// Requires: no message has been formatted yet.
 void setUserLocale(const std::string& locales);
 
-/// The base name of the tool's own catalogue, as installed or next to the program in a build tree.
-const std::string& ownCatalogue();
+/// The tool's own catalogue, as installed or next to the program in a build tree.
+const tools::Catalogue& ownCatalogue();
 
 }  // namespace msgc
 

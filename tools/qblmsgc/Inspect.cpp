@@ -20,9 +20,9 @@ Status unreadable(const std::string& operand) {
     return tools::isAbsent(operand) ? kUsage : kErrors;
 }
 
-Status complain(Status status, qblmsgcmsgs id, const Details& details) {
+Status complain(Status status, const QBLTypedMessage& message) {
     tools::flush(stdout);
-    tools::printText(stderr, formatMessage(id, details) + "\n");
+    tools::printText(stderr, formatMessage(message) + "\n");
     return status;
 }
 
@@ -30,12 +30,12 @@ Status dump(const Options& options) {
     const std::string& name = options.operands[0];
     std::string bytes, reason;
     if (!readFile(name, bytes, reason))
-        return complain(unreadable(name), MSGC_CANNOT_READ, {name, reason});
+        return complain(unreadable(name), qblmsgcmsgs::msgcCannotRead, name, reason);
     std::vector<BmfText> texts;
     BmfProblem problem = {};
     if (!readBmf(bytes, texts, problem))
-        return complain(kErrors, MSGC_NO_BMF,
-                        {name, std::to_string(problem.offset), formatMessage(problem.reason)});
+        return complain(kErrors, qblmsgcmsgs::msgcNoBmf, name, std::to_string(problem.offset),
+                        formatMessage(problem.reason));
     // A source cannot express the shape; the option --typed computes it.
     if (const unsigned shape = shapeOfBmf(bytes); shape != 0) {
         char line[64];
@@ -46,7 +46,8 @@ Status dump(const Options& options) {
         tools::print(stdout, dumpSource(each.id, std::string(each.text)));
     // A message file may, for example, share texts or have unused bytes. This makes no difference
     // to programs that read the file, but a source cannot express it.
-    return isCanonicalBmf(bytes, texts) ? kClean : complain(kErrors, MSGC_NOT_THE_SAME, {name});
+    return isCanonicalBmf(bytes, texts) ? kClean
+                                        : complain(kErrors, qblmsgcmsgs::msgcNotTheSame, name);
 }
 
 Status where(const Options& options) {
@@ -64,10 +65,10 @@ Status where(const Options& options) {
                          (isTerminal ? tools::localText(tools::shown(candidate)) : candidate) +
                          "\n");
     }
-    if (used.empty()) return complain(kErrors, MSGC_NOT_FOUND, {base, locales});
+    if (used.empty()) return complain(kErrors, qblmsgcmsgs::msgcNotFound, base, locales);
     QBLResourceBMF resource(0);
     resource.setResourceFileName(used);
-    return resource.open() ? kClean : complain(kErrors, MSGC_DOES_NOT_OPEN, {used});
+    return resource.open() ? kClean : complain(kErrors, qblmsgcmsgs::msgcDoesNotOpen, used);
 }
 
 }  // namespace msgc

@@ -19,14 +19,15 @@ Problem problemOf(const Mistake& mistake) {
     switch (mistake.kind) {
         case Mistake::kNoOption:
             if (!mistake.suggestion.empty())
-                return {MSGC_NO_OPTION_BUT, {mistake.option, mistake.suggestion}};
-            return {MSGC_NO_OPTION, {mistake.option}};
+                return tools::withShown(qblmsgcmsgs::msgcNoOptionBut, mistake.option,
+                                        mistake.suggestion);
+            return tools::withShown(qblmsgcmsgs::msgcNoOption, mistake.option);
         case Mistake::kArgumentMissing:
-            return {MSGC_OPTION_ALONE, {mistake.option}};
+            return tools::withShown(qblmsgcmsgs::msgcOptionAlone, mistake.option);
         case Mistake::kNoArgument:
-            return {MSGC_NO_ARGUMENT, {mistake.option}};
+            return tools::withShown(qblmsgcmsgs::msgcNoArgument, mistake.option);
         default:
-            return {MSGC_BAD_ARGUMENT, {mistake.option, mistake.argument}};
+            return tools::withShown(qblmsgcmsgs::msgcBadArgument, mistake.option, mistake.argument);
     }
 }
 
@@ -45,8 +46,9 @@ public:
     }
 
 private:
-    bool rememberProblem(qblmsgcmsgs id, Details details) {
-        m_problem = {id, std::move(details)};
+    template <class Make, class... Texts>
+    bool rememberProblem(Make make, const Texts&... texts) {
+        m_problem = tools::withShown(make, texts...);
         return false;
     }
 
@@ -76,7 +78,7 @@ private:
 
     bool takeCommand(const Given& given, Command command) {
         if (!m_command.empty() && m_options.command != command)
-            return rememberProblem(MSGC_NOT_TOGETHER, {m_command, given.shown});
+            return rememberProblem(qblmsgcmsgs::msgcNotTogether, m_command, given.shown);
         m_options.command = command;
         m_command = given.shown;
         return true;
@@ -110,21 +112,21 @@ private:
 
     bool takeText(const Given& given, std::string& text) {
         text = given.argument;
-        return !text.empty() || rememberProblem(MSGC_BAD_ARGUMENT, {given.shown, "\"\""});
+        return !text.empty() || rememberProblem(qblmsgcmsgs::msgcBadArgument, given.shown, "\"\"");
     }
 
     bool checkShell(const Given& given) {
         for (const char* const known : {"bash", "zsh", "fish"})
             if (m_options.shell == known) return true;
-        return rememberProblem(MSGC_BAD_WORD,
-                               {given.shown, "\"" + m_options.shell + "\"", given.option.choices});
+        return rememberProblem(qblmsgcmsgs::msgcBadWord, given.shown, "\"" + m_options.shell + "\"",
+                               given.option.choices);
     }
 
     bool checkOptions() {
         if (!m_command.empty() && !m_compiling.empty())
-            return rememberProblem(MSGC_NOT_TOGETHER, {m_command, m_compiling});
+            return rememberProblem(qblmsgcmsgs::msgcNotTogether, m_command, m_compiling);
         if (m_options.checkOnly && !m_writing.empty())
-            return rememberProblem(MSGC_NOT_TOGETHER, {"-c", m_writing});
+            return rememberProblem(qblmsgcmsgs::msgcNotTogether, "-c", m_writing);
         return true;
     }
 
@@ -150,8 +152,9 @@ private:
                 break;
         }
         const std::size_t count = m_options.operands.size();
-        if (count < least) return rememberProblem(MSGC_NO_OPERAND, {});
-        return count <= most || rememberProblem(MSGC_NO_MORE_OPERANDS, {m_options.operands[most]});
+        if (count < least) return rememberProblem(qblmsgcmsgs::msgcNoOperand);
+        return count <= most ||
+               rememberProblem(qblmsgcmsgs::msgcNoMoreOperands, m_options.operands[most]);
     }
 
     /// Checks that no output overwrites an input or another output.
@@ -166,7 +169,7 @@ private:
             if (output->empty()) continue;
             for (const std::string& each : taken)
                 if (tools::isSameFile(each, *output))
-                    return rememberProblem(MSGC_SAME_FILE, {*output, each});
+                    return rememberProblem(qblmsgcmsgs::msgcSameFile, *output, each);
             taken.push_back(*output);
         }
         return true;

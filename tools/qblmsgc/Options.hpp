@@ -1,16 +1,15 @@
 #ifndef TOOLS_QBLMSGC_OPTIONS_HPP
 #define TOOLS_QBLMSGC_OPTIONS_HPP
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "tools/common/CommandLine.hpp"
-#include "tools/common/MessageText.hpp"
+#include "tools/common/Shown.hpp"
 #include "tools/qblmsgc/qblmsgcmsgs.hpp"
 
 namespace msgc {
-
-using tools::Details;
 
 /// The options of a command line.
 struct Options {
@@ -31,11 +30,8 @@ struct Options {
     std::vector<std::string> operands;
 };
 
-/// A problem of the command line, as a message of the tool.
-struct Problem {
-    qblmsgcmsgs id;
-    Details details;
-};
+/// A problem of the command line, as a message of the tool; empty if there is none.
+using Problem = std::optional<QBLTypedMessage>;
 
 /// All options, in the order of the help text.
 const std::vector<tools::Option>& knownOptions();

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <iterator>
 #include <set>
+#include <utility>
 
 #include "QBLCore/Messages/shared/QBLPatternCheck.hpp"
 #include "tools/common/Utf8.hpp"
@@ -33,11 +34,12 @@ public:
         const QBLPatternCheck checked(m_text);
         const icu::MessagePattern& pattern = checked.pattern;
         if (checked.fault == QBLPatternCheck::kTooManyChoices)
-            return error(checked.offset, MSGC_TOO_MANY_CHOICES,
+            return error(checked.offset, qblmsgcmsgs::msgcTooManyChoices,
                          std::to_string(QBLPatternCheck::kMaxChoices));
         if (checked.fault == QBLPatternCheck::kSyntax)
             return refuse(checked.status, checked.offset);
-        if (checked.fault == QBLPatternCheck::kExponent) error(checked.offset, MSGC_EXPONENT, "");
+        if (checked.fault == QBLPatternCheck::kExponent)
+            error(checked.offset, qblmsgcmsgs::msgcExponent);
         for (int i = 0; i < pattern.countParts(); ++i) {
             checkPart(pattern, i);
             if (pattern.getPartType(i) == UMSGPAT_PART_TYPE_ARG_NUMBER) addArgument(pattern, i);
@@ -46,18 +48,18 @@ public:
         findQuoted();
         if (m_begins.empty() && m_utf8.find("{0") == std::string::npos) {
             const std::size_t doubled = m_utf8.find("''");
-            if (doubled != std::string::npos) warning(doubled, MSGC_DOUBLED_APOSTROPHE, "");
+            if (doubled != std::string::npos) warning(doubled, qblmsgcmsgs::msgcDoubledApostrophe);
         }
     }
 
 private:
     void refuse(UErrorCode status, int unit) {
         if (status == U_UNMATCHED_BRACES)
-            error(openBrace(unit), MSGC_BRACES, "");
+            error(openBrace(unit), qblmsgcmsgs::msgcBraces);
         else if (status == U_DEFAULT_KEYWORD_MISSING)
-            error(unit, MSGC_NO_OTHER, "");
+            error(unit, qblmsgcmsgs::msgcNoOther);
         else
-            error(unit, MSGC_BAD_PATTERN, u_errorName(status));
+            error(unit, qblmsgcmsgs::msgcBadPattern, u_errorName(status));
     }
 
     void checkPart(const icu::MessagePattern& pattern, int i) {
@@ -79,18 +81,18 @@ private:
             case UMSGPAT_PART_TYPE_ARG_SELECTOR:
                 if (UMSGPAT_ARG_TYPE_HAS_PLURAL_STYLE(m_open.back()) && text[0] != '=' &&
                     std::find(std::begin(kPlurals), std::end(kPlurals), text) == std::end(kPlurals))
-                    warning(bytesBefore(part.getIndex()), MSGC_PLURAL_KEYWORD, text);
+                    warning(bytesBefore(part.getIndex()), qblmsgcmsgs::msgcPluralKeyword, text);
                 break;
             case UMSGPAT_PART_TYPE_ARG_NAME:
-                error(part.getIndex(), MSGC_NAMED_ARGUMENT, text);
+                error(part.getIndex(), qblmsgcmsgs::msgcNamedArgument, text);
                 break;
             case UMSGPAT_PART_TYPE_ARG_NUMBER:
                 if (part.getValue() > kMaxArgument)
-                    error(part.getIndex(), MSGC_NAMED_ARGUMENT, text);
+                    error(part.getIndex(), qblmsgcmsgs::msgcNamedArgument, text);
                 break;
             case UMSGPAT_PART_TYPE_ARG_TYPE:
                 if (std::find(std::begin(kKinds), std::end(kKinds), text) == std::end(kKinds))
-                    error(part.getIndex(), MSGC_UNKNOWN_KIND, text);
+                    error(part.getIndex(), qblmsgcmsgs::msgcUnknownKind, text);
                 break;
             default:
                 break;
@@ -125,7 +127,7 @@ private:
     void checkStyles() {
         UErrorCode status = U_ZERO_ERROR;
         const icu::MessageFormat format(m_text, icu::Locale::getEnglish(), status);
-        if (U_FAILURE(status)) error(0, MSGC_BAD_PATTERN, u_errorName(status));
+        if (U_FAILURE(status)) error(0, qblmsgcmsgs::msgcBadPattern, u_errorName(status));
     }
 
     /// Finds quoted braces that look like arguments. ICU does not replace them.
@@ -139,7 +141,7 @@ private:
             const int next = skipSpace(end);
             if (end == begin || next >= m_text.length()) continue;
             if (m_text[next] == u'}' || m_text[next] == u',')
-                warning(bytesBefore(i), MSGC_QUOTED_ARGUMENT,
+                warning(bytesBefore(i), qblmsgcmsgs::msgcQuotedArgument,
                         utf8Of(m_text.tempSubStringBetween(begin, end)));
         }
     }
@@ -184,11 +186,13 @@ private:
         }
         return static_cast<std::size_t>(m_iLastBytes);
     }
-    void error(int unit, qblmsgcmsgs id, const std::string& detail) {
-        m_result.findings.push_back({true, bytesBefore(unit), id, detail});
+    template <class Make, class... Texts>
+    void error(int unit, Make make, Texts... texts) {
+        m_result.findings.push_back({true, bytesBefore(unit), placed(make, std::move(texts)...)});
     }
-    void warning(std::size_t offset, qblmsgcmsgs id, const std::string& detail) {
-        m_result.findings.push_back({false, offset, id, detail});
+    template <class Make, class... Texts>
+    void warning(std::size_t offset, Make make, Texts... texts) {
+        m_result.findings.push_back({false, offset, placed(make, std::move(texts)...)});
     }
 
     const std::string& m_utf8;
@@ -207,8 +211,8 @@ PatternCheck::PatternCheck(const std::string& text, bool asIs) {
     if (!asIs)
         Checker(text, *this).check();
     else if (begin != std::string::npos)
-        findings.push_back({false, begin, MSGC_AS_IS_PARSED, ""});
-    if (text.empty()) findings.push_back({false, 0, MSGC_EMPTY_TEXT, ""});
+        findings.push_back({false, begin, placed(qblmsgcmsgs::msgcAsIsParsed)});
+    if (text.empty()) findings.push_back({false, 0, placed(qblmsgcmsgs::msgcEmptyText)});
 }
 
 bool PatternCheck::hasErrors() const {
@@ -221,13 +225,11 @@ void checkPatterns(const Entries& entries, const Source& source, Report& report)
         // Malformed texts have been reported already, and have no offsets in UTF-16.
         if (!entry.isWhole || tools::findIllFormed(entry.text) != std::string::npos) continue;
         for (const PatternFinding& finding : PatternCheck(entry.text, entry.asIs).findings) {
-            Details details;
-            if (!finding.detail.empty()) details.push_back(finding.detail);
             const std::size_t offset = entry.offsetOf(finding.offset);
             if (finding.isError)
-                report.error(source, offset, finding.id, details);
+                report.error(source, offset, finding.message);
             else
-                report.warning(source, offset, finding.id, details);
+                report.warning(source, offset, finding.message);
         }
     }
 }

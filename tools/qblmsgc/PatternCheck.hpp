@@ -15,8 +15,7 @@ namespace msgc {
 struct PatternFinding {
     bool isError;
     std::size_t offset;  // byte offset in the text
-    qblmsgcmsgs id;
-    std::string detail;
+    PlacedMessage message;
 };
 
 /// Parses a text as an ICU message pattern and checks it.

@@ -33,24 +33,24 @@ void compareWithReference(const Parsed& translation, const Parsed& reference, Re
     const ById translated = byId(translation.entries), known = byId(reference.entries);
     for (const auto& [id, entry] : known)
         if (translated.count(id) == 0)
-            report.warning(reference.source, entry->offset, MSGC_MISSING,
-                           {title(*entry), translation.source.name()});
+            report.warning(reference.source, entry->offset, qblmsgcmsgs::msgcMissing, title(*entry),
+                           translation.source.name());
     for (const auto& [id, entry] : translated) {
         const auto found = known.find(id);
         if (found == known.end()) {
-            report.warning(translation.source, entry->offset, MSGC_ADDED,
-                           {title(*entry), reference.source.name()});
+            report.warning(translation.source, entry->offset, qblmsgcmsgs::msgcAdded, title(*entry),
+                           reference.source.name());
             continue;
         }
         const Entry& original = *found->second;
         if (!entry->name.empty() && !original.name.empty() && entry->name != original.name)
-            report.warning(translation.source, entry->nameOffset, MSGC_OTHER_NAME,
-                           {original.name, reference.source.name()});
+            report.warning(translation.source, entry->nameOffset, qblmsgcmsgs::msgcOtherName,
+                           original.name, reference.source.name());
         if (!entry->isWhole || !original.isWhole) continue;
         const std::string arguments = argumentsOf(*entry), wanted = argumentsOf(original);
         if (arguments != wanted)
-            report.warning(translation.source, entry->offsetOf(0), MSGC_OTHER_ARGUMENTS,
-                           {arguments, wanted, reference.source.name()});
+            report.warning(translation.source, entry->offsetOf(0), qblmsgcmsgs::msgcOtherArguments,
+                           arguments, wanted, reference.source.name());
     }
 }
 

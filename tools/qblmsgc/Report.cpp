@@ -2,16 +2,14 @@
 
 #include <algorithm>
 #include <tuple>
-#include <utility>
 
 #include "tools/common/Print.hpp"
-#include "tools/common/Shown.hpp"
 #include "tools/qblmsgc/Environment.hpp"
 
 namespace msgc {
 
-std::string formatMessage(qblmsgcmsgs id, const Details& details) {
-    return tools::MessageText(ownCatalogue(), userLocale()).text(id, tools::shown(details));
+std::string formatMessage(const QBLTypedMessage& message) {
+    return tools::MessageText(ownCatalogue(), userLocale()).text(message);
 }
 
 void Report::begin(const Source& source) { numberOf(source); }
@@ -22,27 +20,27 @@ std::size_t Report::numberOf(const Source& source) {
     return static_cast<std::size_t>(file - m_files.begin()) + 1;
 }
 
-void Report::error(const Source& source, std::size_t offset, qblmsgcmsgs id, Details details) {
+void Report::error(const Source& source, std::size_t offset, const PlacedMessage& message) {
     m_bHasErrors = true;
-    add(QBLSeverityError, source, offset, id, std::move(details));
+    add(QBLSeverityError, source, offset, message);
 }
 
-void Report::warning(const Source& source, std::size_t offset, qblmsgcmsgs id, Details details) {
+void Report::warning(const Source& source, std::size_t offset, const PlacedMessage& message) {
     m_bHasWarnings = true;
-    add(QBLSeverityWarning, source, offset, id, std::move(details));
+    add(QBLSeverityWarning, source, offset, message);
 }
 
-void Report::fault(qblmsgcmsgs id, Details details) {
+void Report::fault(const QBLTypedMessage& message) {
     m_bHasErrors = true;
-    m_findings.push_back({QBLSeverityError, 0, 0, id, std::move(details)});
+    m_findings.push_back({QBLSeverityError, 0, 0, message});
 }
 
-void Report::add(QBLSeverity severity, const Source& source, std::size_t offset, qblmsgcmsgs id,
-                 Details details) {
+void Report::add(QBLSeverity severity, const Source& source, std::size_t offset,
+                 const PlacedMessage& message) {
     const Place place = source.placeOf(offset);
-    details.insert(details.begin(),
-                   {source.name(), std::to_string(place.line), std::to_string(place.column)});
-    m_findings.push_back({severity, numberOf(source), offset, id, std::move(details)});
+    const PlaceText at = {tools::shown(source.name()), std::to_string(place.line),
+                          std::to_string(place.column)};
+    m_findings.push_back({severity, numberOf(source), offset, message(at)});
 }
 
 void Report::print(std::FILE* out, Form form, bool quiet) {
@@ -54,13 +52,12 @@ void Report::print(std::FILE* out, Form form, bool quiet) {
     for (const Finding& finding : m_findings) {
         if (quiet && finding.severity != QBLSeverityError) continue;
         if (form == Form::kText) {
-            tools::printText(out, texts.text(finding.id, tools::shown(finding.details)) + "\n");
+            tools::printText(out, texts.text(finding.message) + "\n");
             continue;
         }
         if (!any) tools::print(out, "<Messages>\n");
         any = true;
-        tools::print(
-            out, texts.element(finding.severity, finding.id, tools::shown(finding.details)) + "\n");
+        tools::print(out, texts.element(finding.severity, finding.message) + "\n");
     }
     if (any) tools::print(out, "</Messages>\n");
 }

@@ -2,21 +2,43 @@
 #define TOOLS_QBLMSGC_REPORT_HPP
 
 #include <cstdio>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "QBLCore/Exceptions/QBLSeverity.hpp"
 #include "tools/common/MessageText.hpp"
+#include "tools/common/Shown.hpp"
 #include "tools/qblmsgc/Source.hpp"
 #include "tools/qblmsgc/qblmsgcmsgs.hpp"
 
 namespace msgc {
 
-using tools::Details;
+/// Formats a message of the tool's catalogue in the user's language.
+std::string formatMessage(const QBLTypedMessage& message);
+/// Makes the message from texts that are not shown() yet.
+template <class Make, class... Texts>
+std::string formatMessage(Make make, const Texts&... texts) {
+    return formatMessage(tools::withShown(make, texts...));
+}
 
-/// Formats a message of the tool's catalogue in the user's language. Passes the details through
-/// shown().
-std::string formatMessage(qblmsgcmsgs id, const Details& details = {});
+/// A place in a source, as messages show it: texts after shown().
+struct PlaceText {
+    std::string file, line, column;
+};
+
+/// Makes a message for a place.
+using PlacedMessage = std::function<QBLTypedMessage(const PlaceText&)>;
+
+/// @param make  a function of the catalogue whose first arguments are file, line and column
+/// @param texts  its other arguments, not shown() yet
+template <class Make, class... Texts>
+PlacedMessage placed(Make make, Texts... texts) {
+    return [=](const PlaceText& at) {
+        return make(at.file, at.line, at.column, tools::shown(texts)...);
+    };
+}
 
 /// Collects the findings in the sources of a run. Prints them in the order of the files, and by
 /// place within each file.
@@ -28,10 +50,23 @@ public:
 
     /// Adds the next file. If a file was not added, its first finding adds it.
     void begin(const Source& source);
-    void error(const Source& source, std::size_t offset, qblmsgcmsgs id, Details details = {});
-    void warning(const Source& source, std::size_t offset, qblmsgcmsgs id, Details details = {});
+    void error(const Source& source, std::size_t offset, const PlacedMessage& message);
+    void warning(const Source& source, std::size_t offset, const PlacedMessage& message);
+    /// Do the same with the arguments of placed().
+    template <class Make, class... Texts>
+    void error(const Source& source, std::size_t offset, Make make, Texts... texts) {
+        error(source, offset, placed(make, std::move(texts)...));
+    }
+    template <class Make, class... Texts>
+    void warning(const Source& source, std::size_t offset, Make make, Texts... texts) {
+        warning(source, offset, placed(make, std::move(texts)...));
+    }
     /// An error of a whole file. It comes before the errors with a place.
-    void fault(qblmsgcmsgs id, Details details);
+    void fault(const QBLTypedMessage& message);
+    template <class Make, class... Texts>
+    void fault(Make make, const Texts&... texts) {
+        fault(tools::withShown(make, texts...));
+    }
 
     bool hasErrors() const { return m_bHasErrors; }
     bool hasWarnings() const { return m_bHasWarnings; }
@@ -43,13 +78,12 @@ private:
         QBLSeverity severity;
         std::size_t file;  // number of the file, from 1; 0 for a fault
         std::size_t offset;
-        qblmsgcmsgs id;
-        Details details;  // if there is a place, they begin with file, line and column
+        QBLTypedMessage message;
     };
 
     std::size_t numberOf(const Source& source);
-    void add(QBLSeverity severity, const Source& source, std::size_t offset, qblmsgcmsgs id,
-             Details details);
+    void add(QBLSeverity severity, const Source& source, std::size_t offset,
+             const PlacedMessage& message);
 
     std::vector<Finding> m_findings;
     std::vector<std::string> m_files;

@@ -82,24 +82,25 @@ Status show(const Options& options) {
     const std::string& number = options.operands[0];
     std::string file = options.operands[1];
     unsigned id = 0;
-    if (!parseId(number, id)) return complain(kUsage, MSGC_NO_ID_HERE, {number});
+    if (!parseId(number, id)) return complain(kUsage, qblmsgcmsgs::msgcNoIdHere, number);
     // If the name has a directory, the library looks for the file only there.
     if (file.find('/') == std::string::npos) file.insert(0, "./");
-    if (!isMessageFileName(file)) return complain(kUsage, MSGC_NO_BMF_NAME, {file});
+    if (!isMessageFileName(file)) return complain(kUsage, qblmsgcmsgs::msgcNoBmfName, file);
     QBLMessage message(file.c_str(), id);
     for (std::size_t i = 2; i < options.operands.size(); ++i)
         if (!addParameter(message, options.operands[i]))
-            return complain(kUsage, MSGC_NO_PARAMETER, {options.operands[i]});
+            return complain(kUsage, qblmsgcmsgs::msgcNoParameter, options.operands[i]);
     if (unreadable(file) == kUsage)
-        return complain(kUsage, MSGC_CANNOT_READ, {file, tools::reason(errno)});
+        return complain(kUsage, qblmsgcmsgs::msgcCannotRead, file, tools::reason(errno));
     bool isOpen = false;
     if (!hasText(file, id, isOpen))
-        return complain(kErrors, isOpen ? MSGC_NO_SUCH_TEXT : MSGC_DOES_NOT_OPEN, {file, number});
+        return isOpen ? complain(kErrors, qblmsgcmsgs::msgcNoSuchText, file, number)
+                      : complain(kErrors, qblmsgcmsgs::msgcDoesNotOpen, file);
     const std::string locale = localeOf(file);
     I18NString text, element;
     message.format(locale.c_str(), nullptr, text);
     message.toString(locale.c_str(), nullptr, element, 0);
-    if (text == element) return complain(kErrors, MSGC_CANNOT_FORMAT, {file, number});
+    if (text == element) return complain(kErrors, qblmsgcmsgs::msgcCannotFormat, file, number);
     const std::string utf8 = text.toUtf8();
     tools::printText(stdout, (isatty(STDOUT_FILENO) != 0 ? tools::shownText(utf8) : utf8) + "\n");
     return kClean;

@@ -78,15 +78,13 @@ public:
             printMessages(report, 0);
     }
 
-    void complain(qblmsgcmsgs id, const Details& details) {
-        tools::printText(stderr, say(id, details) + "\n");
-    }
+    void complain(const QBLTypedMessage& message) { tools::printText(stderr, say(message) + "\n"); }
 
 private:
     void printError(const XmlNode& error) {
-        printIndented(
-            0, say(MSGC_REPORT_ERROR, {tools::shown(error.attribute("Name")),
-                                       tools::shown(error.attribute("Error")), severityOf(error)}));
+        printIndented(0, say(qblmsgcmsgs::msgcReportError(tools::shown(error.attribute("Name")),
+                                                          tools::shown(error.attribute("Error")),
+                                                          severityOf(error))));
         if (const XmlNode* const messages = error.child("Messages")) {
             if (const XmlNode* const text = messages->child("MessageText"))
                 printIndented(1, text->text);
@@ -96,7 +94,7 @@ private:
         if (trace == nullptr) return;
         // The latest entry comes first.
         for (const XmlNode& entry : trace->children)
-            printIndented(1, say(MSGC_REPORT_TRACE, {entry.attribute("Text")}));
+            printIndented(1, say(qblmsgcmsgs::msgcReportTrace(entry.attribute("Text"))));
     }
 
     void printMessages(const XmlNode& messages, unsigned level) {
@@ -114,9 +112,10 @@ private:
         unsigned nesting = 0;
         static_cast<void>(parse(message.attribute("Nesting"), nesting));
         const std::string severity = severityOf(message), text = textOfMessage(message);
-        printIndented(
-            level + std::min(nesting, 20U),
-            hasSeverity(text, severity) ? text : say(MSGC_REPORT_MESSAGE, {severity, text}));
+        printIndented(level + std::min(nesting, 20U),
+                      hasSeverity(text, severity)
+                          ? text
+                          : say(qblmsgcmsgs::msgcReportMessage(severity, text)));
     }
 
     /// Returns true if a text has its severity after its place, as in "a.msg:1:2: warning: ...".
@@ -152,9 +151,9 @@ private:
         if (text != nullptr) return text->text;
         const std::string& kind = message.attribute("Name");
         if (isId && kind == "QBLErrnoMessage") return m_reasons.text(static_cast<int>(id));
-        return say(MSGC_REPORT_NO_TEXT,
-                   {tools::shown(file.empty() ? kind : file),
-                    (isId ? std::to_string(id) : tools::shown(number)) + valuesOf(*components)});
+        return say(qblmsgcmsgs::msgcReportNoText(
+            tools::shown(file.empty() ? kind : file),
+            (isId ? std::to_string(id) : tools::shown(number)) + valuesOf(*components)));
     }
 
     static std::string valuesOf(const XmlNode& components) {
@@ -169,21 +168,19 @@ private:
     std::string severityOf(const XmlNode& node) {
         static const struct {
             const char* name;
-            qblmsgcmsgs text;
-        } kSeverities[] = {{"Fatal", MSGC_FATAL},
-                           {"Error", MSGC_ERROR},
-                           {"Warning", MSGC_WARNING},
-                           {"Information", MSGC_INFORMATION}};
+            QBLTypedMessage (*message)();
+        } kSeverities[] = {{"Fatal", qblmsgcmsgs::msgcFatal},
+                           {"Error", qblmsgcmsgs::msgcError},
+                           {"Warning", qblmsgcmsgs::msgcWarning},
+                           {"Information", qblmsgcmsgs::msgcInformation}};
         const std::string& severity = node.attribute("Severity");
         for (const auto& each : kSeverities)
-            if (severity == each.name) return say(each.text);
+            if (severity == each.name) return say(each.message());
         return tools::shown(severity);
     }
 
     /// The tool's own texts, in the language of the report.
-    std::string say(qblmsgcmsgs id, const Details& details = {}) {
-        return m_texts.text(id, details);
-    }
+    std::string say(const QBLTypedMessage& message) { return m_texts.text(message); }
 
     static void printIndented(unsigned level, const std::string& text) {
         const std::string indent(2 * level, ' ');
@@ -198,7 +195,7 @@ private:
 
     const char* const m_pLocales;
     tools::MessageText m_texts{ownCatalogue(), m_pLocales};
-    const tools::Reasons m_reasons{ownCatalogue(), m_pLocales};
+    const tools::Reasons m_reasons{ownCatalogue().base, m_pLocales};
 };
 
 /// A stream of text that contains reports. Searches each byte at most a fixed number of times,
@@ -284,7 +281,7 @@ private:
     /// Reports that a report is malformed, and passes it on up to the end of its line.
     void refuse() {
         tools::flush(stdout);
-        m_printer.complain(MSGC_REPORT_BROKEN, {std::to_string(m_iDropped)});
+        m_printer.complain(qblmsgcmsgs::msgcReportBroken(std::to_string(m_iDropped)));
         m_bWhole = false;
         m_endTag = {};
         m_iAttempts = 0;
@@ -326,8 +323,8 @@ Status showReport(const Options& options) {
     const auto cannotRead = [&] {
         const int error = errno;
         return complain(file < 0 && tools::isAbsent(options.operands[0]) ? kUsage : kErrors,
-                        MSGC_CANNOT_READ,
-                        {isStandard ? "-" : options.operands[0], tools::reason(error)});
+                        qblmsgcmsgs::msgcCannotRead, isStandard ? "-" : options.operands[0],
+                        tools::reason(error));
     };
     if (file < 0) return cannotRead();
     ReportStream stream(locales.c_str());

@@ -38,8 +38,9 @@ public:
     }
 
 private:
-    void error(std::size_t offset, qblmsgcmsgs id, Details details = {}) {
-        m_report.error(m_source, offset, id, std::move(details));
+    template <class Make, class... Texts>
+    void error(std::size_t offset, Make make, Texts... texts) {
+        m_report.error(m_source, offset, make, std::move(texts)...);
     }
 
     void parseLine(std::size_t line) {
@@ -60,7 +61,8 @@ private:
         } else if (m_bytes[m_uAt] == '"' && m_bInEntry) {
             parseTexts();
         } else {
-            error(m_uAt, m_bytes[m_uAt] == '"' ? MSGC_TEXT_WITHOUT_ID : MSGC_NO_ENTRY);
+            error(m_uAt, m_bytes[m_uAt] == '"' ? qblmsgcmsgs::msgcTextWithoutId
+                                               : qblmsgcmsgs::msgcNoEntry);
             finishEntry();
         }
     }
@@ -69,10 +71,11 @@ private:
     /// error.
     void checkCharacters() {
         const std::size_t illFormed = tools::findIllFormed(m_bytes, m_uAt, m_uEnd);
-        if (illFormed != kNone) return error(illFormed, MSGC_NOT_UTF8);
+        if (illFormed != kNone) return error(illFormed, qblmsgcmsgs::msgcNotUtf8);
         for (std::size_t i = m_uAt; i < m_uEnd; ++i) {
             const auto c = static_cast<unsigned char>(m_bytes[i]);
-            if ((c < 0x20 && c != '\t') || c == 0x7F) return error(i, MSGC_CONTROL_CHARACTER);
+            if ((c < 0x20 && c != '\t') || c == 0x7F)
+                return error(i, qblmsgcmsgs::msgcControlCharacter);
         }
     }
 
@@ -97,7 +100,8 @@ private:
         if (m_uAt < m_uEnd && isNameStart(m_bytes[m_uAt])) {
             m_entry.nameOffset = m_uAt;
             while (m_uAt < m_uEnd && isNamePart(m_bytes[m_uAt])) m_entry.name += m_bytes[m_uAt++];
-            if (isReserved(m_entry.name)) error(m_entry.nameOffset, MSGC_KEYWORD, {m_entry.name});
+            if (isReserved(m_entry.name))
+                error(m_entry.nameOffset, qblmsgcmsgs::msgcKeyword, m_entry.name);
             skipBlanks();
         }
         if (isAt('=')) {
@@ -119,7 +123,7 @@ private:
             if (id <= kMaxId) id = id * base + digitOf(m_bytes[m_uAt]);
         const bool ends = m_uAt == m_uEnd || (!isNamePart(m_bytes[m_uAt]) && m_uAt > begin);
         if (!ends || m_uAt == begin || id > kMaxId) {
-            error(m_entry.offset, MSGC_BAD_ID);
+            error(m_entry.offset, qblmsgcmsgs::msgcBadId);
             while (m_uAt < m_uEnd && isNamePart(m_bytes[m_uAt])) ++m_uAt;
             return false;
         }
@@ -130,7 +134,7 @@ private:
     void parseTexts() {
         for (skipBlanks(); m_uAt < m_uEnd && !isAt('#'); skipBlanks()) {
             if (isAt('"') && parseText()) continue;
-            if (m_uAt < m_uEnd) error(m_uAt, MSGC_NO_TEXT_HERE);
+            if (m_uAt < m_uEnd) error(m_uAt, qblmsgcmsgs::msgcNoTextHere);
             m_entry.isWhole = false;
             return;
         }
@@ -152,7 +156,7 @@ private:
             ++m_uAt;
             return true;
         }
-        error(begin, MSGC_OPEN_TEXT);
+        error(begin, qblmsgcmsgs::msgcOpenText);
         return false;
     }
 
@@ -167,7 +171,7 @@ private:
             ++m_uAt;
             m_entry.text += kMeanings[which];
         } else if (c != 'u' || !parseCodePoint()) {
-            error(begin, MSGC_BAD_ESCAPE);
+            error(begin, qblmsgcmsgs::msgcBadEscape);
             m_entry.isWhole = false;
         }
     }
@@ -187,7 +191,7 @@ private:
     /// Keeps a message that has an identifier, even if its text is malformed.
     void finishEntry() {
         if (m_bInEntry && m_entry.isWhole && m_entry.marks.empty()) {
-            error(m_entry.offset, MSGC_NO_TEXT);
+            error(m_entry.offset, qblmsgcmsgs::msgcNoText);
             m_entry.isWhole = false;
         }
         if (m_bInEntry && m_bHasId) m_entries.push_back(std::move(m_entry));
@@ -203,13 +207,13 @@ private:
         for (const Entry& entry : m_entries) {
             const auto id = ids.emplace(entry.id, &entry);
             if (!id.second)
-                error(entry.offset, MSGC_DUPLICATE_ID,
-                      {std::to_string(entry.id), lineOf(id.first->second->offset)});
+                error(entry.offset, qblmsgcmsgs::msgcDuplicateId, std::to_string(entry.id),
+                      lineOf(id.first->second->offset));
             if (entry.name.empty()) continue;
             const auto name = names.emplace(entry.name, &entry);
             if (!name.second)
-                error(entry.nameOffset, MSGC_DUPLICATE_NAME,
-                      {entry.name, lineOf(name.first->second->offset)});
+                error(entry.nameOffset, qblmsgcmsgs::msgcDuplicateName, entry.name,
+                      lineOf(name.first->second->offset));
         }
     }
 

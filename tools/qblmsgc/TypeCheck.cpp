@@ -16,15 +16,15 @@ void checkTypes(const Entries& entries, const Source& source, Report& report) {
     for (const Entry& entry : entries) {
         const PatternCheck checked(entry.text, entry.asIs);
         for (const PatternCheck::Conflict& conflict : checked.conflicts)
-            report.error(source, entry.offsetOf(conflict.offset), MSGC_TWO_TYPES,
-                         {patternOf(conflict.number, conflict.type),
-                          patternOf(conflict.number, checked.arguments.at(conflict.number))});
+            report.error(source, entry.offsetOf(conflict.offset), qblmsgcmsgs::msgcTwoTypes,
+                         patternOf(conflict.number, conflict.type),
+                         patternOf(conflict.number, checked.arguments.at(conflict.number)));
         if (entry.name.empty()) continue;
         const std::string function = functionOf(entry.name);
         const auto [known, isNew] = functions.emplace(function, &entry);
         if (!isNew && known->second->name != entry.name)
-            report.error(source, entry.nameOffset, MSGC_SAME_FUNCTION,
-                         {known->second->name, entry.name, function});
+            report.error(source, entry.nameOffset, qblmsgcmsgs::msgcSameFunction,
+                         known->second->name, entry.name, function);
     }
 }
 
@@ -40,10 +40,10 @@ void compareTypes(const Parsed& translation, const Parsed& reference, Report& re
             const auto there = passed.find(number);
             const bool isPassed = there != passed.end();
             if (isPassed && fitsType(there->second, type)) continue;
-            report.error(translation.source, entry.offsetOf(0), MSGC_OTHER_TYPE,
-                         {patternOf(number, type),
-                          isPassed ? patternOf(number, there->second) : std::string("-"),
-                          reference.source.name()});
+            report.error(translation.source, entry.offsetOf(0), qblmsgcmsgs::msgcOtherType,
+                         patternOf(number, type),
+                         isPassed ? patternOf(number, there->second) : std::string("-"),
+                         reference.source.name());
         }
     }
 }

@@ -18,9 +18,9 @@ namespace {
 
 void printHelp() {
     tools::MessageText texts(msgc::ownCatalogue(), msgc::userLocale());
-    tools::printText(stdout, texts.text(MSGC_USAGE));
+    tools::printText(stdout, texts.text(qblmsgcmsgs::msgcUsage()));
     tools::printText(stdout, tools::describeOptions(msgc::knownOptions(), texts));
-    tools::printText(stdout, texts.text(MSGC_USAGE_END));
+    tools::printText(stdout, texts.text(qblmsgcmsgs::msgcUsageEnd()));
 }
 
 msgc::Status run(const msgc::Options& options) {
@@ -44,7 +44,8 @@ msgc::Status run(const msgc::Options& options) {
             return msgc::kClean;
         }
         case Command::kVersion:
-            tools::printText(stdout, msgc::formatMessage(MSGC_VERSION, {QBL_VERSION}) + "\n");
+            tools::printText(stdout,
+                             msgc::formatMessage(qblmsgcmsgs::msgcVersion, QBL_VERSION) + "\n");
             return msgc::kClean;
         default:
             return msgc::compile(options);
@@ -53,16 +54,17 @@ msgc::Status run(const msgc::Options& options) {
 
 int runCommandLine(int argc, char** argv) {
     msgc::Options options;
-    msgc::Problem problem = {};
+    msgc::Problem problem;
     const bool isUsage = msgc::parseOptions(argc, argv, options, problem);
     msgc::setUserLocale(options.locales);
-    tools::setReasonLanguage(msgc::ownCatalogue(), msgc::userLocale());
-    if (!isUsage) return msgc::complain(msgc::kUsage, problem.id, problem.details);
+    tools::setReasonLanguage(msgc::ownCatalogue().base, msgc::userLocale());
+    if (!isUsage) return msgc::complain(msgc::kUsage, *problem);
     const msgc::Status status = run(options);
     const int error = tools::finishOutput();
     if (error == 0) return status;
-    return msgc::complain(msgc::kErrors, MSGC_CANNOT_WRITE,
-                          {msgc::formatMessage(MSGC_STANDARD_OUTPUT), tools::reason(error)});
+    return msgc::complain(msgc::kErrors, qblmsgcmsgs::msgcCannotWrite,
+                          msgc::formatMessage(qblmsgcmsgs::msgcStandardOutput),
+                          tools::reason(error));
 }
 
 }  // namespace
