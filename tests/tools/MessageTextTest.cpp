@@ -67,7 +67,7 @@ TEST(LocaleTextTest, MessagesUseTheLocaleEncodingAndDataUsesUtf8) {
         {"'" QBL_CONV "' -L en -n " + name, "$:1:3: byte 2: FF is not UTF-8\n"},
         {"'" QBL_CONV "' -L en -f " + name + " report",
          "qblconv: unknown encoding: $; qblconv -l lists all encodings\n"},
-        {"'" QBL_MSGC "' -L en -c " + name, "$:1:3: not UTF-8; save the file as UTF-8\n"},
+        {"'" QBL_MSGC "' -L en -c " + name, "$:1:3: error: not UTF-8; save the file as UTF-8\n"},
         {"'" QBL_MSGC "' t_en.msg && '" QBL_MSGC "' -g 1 t_en.bmf", "$\n"},
         {"'" QBL_MSGC "' -s report en", ": $\n"},
     };

@@ -41,35 +41,40 @@ TEST(QblmsgcTest, ReportsEachMistakeWithItsPlace) {
     const struct {
         const char *source, *found;
     } table[] = {
-        {"1 A \"a\"\n1 B \"b\"", "2:1: duplicate identifier 1; line 1 has it already"},
-        {"1 A \"a\"\n0x2 A \"b\"", "2:5: duplicate name A; line 1 has it already"},
-        {"# \xC3\xA4\xC0", "1:4: not UTF-8; save the file as UTF-8"},
-        {"1 \"\xC3\xA4\xE2\x82\"", "1:5: not UTF-8; save the file as UTF-8"},
-        {"1 \"a\x01\"", "1:5: control character; write it as an escape in a text"},
-        {"4294967296 \"b\"", "1:1: invalid identifier; use a number from 0 to 4294967295"},
+        {"1 A \"a\"\n1 B \"b\"", "2:1: error: duplicate identifier 1; line 1 has it already"},
+        {"1 A \"a\"\n0x2 A \"b\"", "2:5: error: duplicate name A; line 1 has it already"},
+        {"# \xC3\xA4\xC0", "1:4: error: not UTF-8; save the file as UTF-8"},
+        {"1 \"\xC3\xA4\xE2\x82\"", "1:5: error: not UTF-8; save the file as UTF-8"},
+        {"1 \"a\x01\"", "1:5: error: control character; write it as an escape in a text"},
+        {"4294967296 \"b\"", "1:1: error: invalid identifier; use a number from 0 to 4294967295"},
         {"\xEF\xBB\xBFname",
-         "1:1: expected a message (ID NAME \"TEXT\"), a text in quotes or a comment (#)"},
-        {"\"a\"", "1:1: the text belongs to no message; begin a message with its identifier"},
-        {"1 A\n# b\n2 \"b\"", "1:1: the message has no text; write one in double quotes"},
-        {"1 \"a\" b", "1:7: expected a text in double quotes or a comment (#)"},
-        {"1 \"a\\\"", "1:3: the text has no closing quote on this line"},
+         "1:1: error: expected a message (ID NAME \"TEXT\"), a text in quotes or a comment (#)"},
+        {"\"a\"",
+         "1:1: error: the text belongs to no message; begin a message with its identifier"},
+        {"1 A\n# b\n2 \"b\"", "1:1: error: the message has no text; write one in double quotes"},
+        {"1 \"a\" b", "1:7: error: expected a text in double quotes or a comment (#)"},
+        {"1 \"a\\\"", "1:3: error: the text has no closing quote on this line"},
         {"1 \"\\n\xC3\xA4\"\r\n \"\\u00e4 {0} and {1\"",
-         "2:18: the closing brace for this brace is missing"},
+         "2:18: error: the closing brace for this brace is missing"},
         {R"(1 "'{' {1 it''s {2}")",
-         "1:9: invalid message pattern (U_PATTERN_SYNTAX_ERROR); an argument is a number in "
+         "1:9: error: invalid message pattern (U_PATTERN_SYNTAX_ERROR); an argument is a number in "
          "braces, other braces need apostrophes"},
-        {R"(1 "{0,plural,one{a}}")", "1:4: the case \"other\" is missing; every choice needs one"},
-        {R"(1 "{0} {name}")", "1:9: name is not an argument; use a number from 0 to 9"},
-        {R"(1 "{9}" "{10}")", "1:11: 10 is not an argument; use a number from 0 to 9"},
+        {R"(1 "{0,plural,one{a}}")",
+         "1:4: error: the case \"other\" is missing; every choice needs one"},
+        {R"(1 "{0} {name}")", "1:9: error: name is not an argument; use a number from 0 to 9"},
+        {R"(1 "{9}" "{10}")", "1:11: error: 10 is not an argument; use a number from 0 to 9"},
         {R"(1 "{0,select,a{{1,what}}other{}}")",
-         "1:19: unknown kind of argument: what; use number, date, time, spellout, ordinal, "
+         "1:19: error: unknown kind of argument: what; use number, date, time, spellout, ordinal, "
          "duration, choice, plural, select or selectordinal"},
         {R"(1 "{0,number,::zzz}")",
-         "1:4: invalid message pattern (U_NUMBER_SKELETON_SYNTAX_ERROR); an argument is a number "
+         "1:4: error: invalid message pattern (U_NUMBER_SKELETON_SYNTAX_ERROR); an argument is a "
+         "number "
          "in braces, other braces need apostrophes"},
         {R"(1 "{0,number,\u000b::scale/1E9}")",
-         "1:14: an option of a number skeleton has an exponent; write the number without one"},
-        {many.c_str(), "1:1406: too many choices, plurals and selects; at most 100 are possible"},
+         "1:14: error: an option of a number skeleton has an exponent; write the number without "
+         "one"},
+        {many.c_str(),
+         "1:1406: error: too many choices, plurals and selects; at most 100 are possible"},
         {"1 \"{0} '{1}'\"",
          "1:9: warning: the apostrophe turns argument 1 into plain text; write two to show one"},
         {"1 \"'{ 0 }' '{name}'\"",
@@ -94,14 +99,15 @@ TEST(QblmsgcTest, ReportsEachMistakeWithItsPlace) {
     // All errors of a run are sorted by place. A message with a malformed text still defines its
     // identifier.
     tree.file("t.msg", "7 \"\\uD800\"\n7 \"{x}\"\n");
-    expectRun(tree, "-c -r no.msg t.msg", 2,
-              "no.msg: cannot be read: No such file or directory\n"
-              "t.msg:1:4: unknown escape; use \\\" \\\\ \\n \\r \\t or \\u with four digits\n"
-              "t.msg:2:1: duplicate identifier 7; line 1 has it already\n"
-              "t.msg:2:5: x is not an argument; use a number from 0 to 9\n");
+    expectRun(
+        tree, "-c -r no.msg t.msg", 2,
+        "no.msg: cannot be read: No such file or directory\n"
+        "t.msg:1:4: error: unknown escape; use \\\" \\\\ \\n \\r \\t or \\u with four digits\n"
+        "t.msg:2:1: error: duplicate identifier 7; line 1 has it already\n"
+        "t.msg:2:5: error: x is not an argument; use a number from 0 to 9\n");
     const std::string xml = run(tree, "-cX t.msg", "LC_ALL=de_AT.UTF-8").output;
     EXPECT_NE(std::string::npos,
-              xml.find("Severity=\"Error\" Nesting=\"0\" ><MessageText>t.msg:2:1: "
+              xml.find("Severity=\"Error\" Nesting=\"0\" ><MessageText>t.msg:2:1: Fehler: "
                        "doppelte Nummer 7; sie steht schon in Zeile 1</MessageText>"));
 }
 
@@ -110,10 +116,10 @@ TEST(QblmsgcTest, ComparesATranslationWithItsReference) {
     tree.file("en.msg", "1 A \"{0} {1}\"\n2 B \"b\"\n3 C \"c\"\n");
     tree.file("de.msg", "1 A \"{1,number} {0}\"\n3 X \"{2}{2}\"\n4 \"d\"\n");
     expectRun(tree, "-W -r en.msg de.msg", 1,
-              "de.msg:2:3: warning: this message is called C in en.msg\n"
-              "de.msg:2:6: warning: the arguments are {2}, but those in en.msg are -\n"
-              "de.msg:3:1: warning: 4 is not in en.msg\n"
-              "en.msg:2:1: warning: 2 B is missing from de.msg\n");
+              "de.msg:2:3: error: this message is called C in en.msg\n"
+              "de.msg:2:6: error: the arguments are {2}, but those in en.msg are -\n"
+              "de.msg:3:1: error: 4 is not in en.msg\n"
+              "en.msg:2:1: error: 2 B is missing from de.msg\n");
     EXPECT_FALSE(std::filesystem::exists(tree("de.bmf")));
 }
 
@@ -125,16 +131,16 @@ TEST(QblmsgcTest, ChecksTheTypesOfArguments) {
         const char *source, *found;
     } table[] = {
         {"1 \"{0,select,other{}}\"\n2 \"{0,number}\"\n3 \"{0}\"\n4 \"{0,date}\"", ""},
-        {"1 \"{0,number}\"", "1:4: {0,number} does not fit the argument {0} of en.msg"},
+        {"1 \"{0,number}\"", "1:4: error: {0,number} does not fit the argument {0} of en.msg"},
         {"2 \"{0,select,other{}}\"",
-         "1:4: {0,select} does not fit the argument {0,number,integer} of en.msg"},
+         "1:4: error: {0,select} does not fit the argument {0,number,integer} of en.msg"},
         {"3 \"{0}{0,ordinal}\"",
-         "1:4: {0,number,integer} does not fit the argument {0,number} of en.msg"},
-        {"4 \"{0}{1}\"", "1:4: {1} does not fit the argument - of en.msg"},
+         "1:4: error: {0,number,integer} does not fit the argument {0,number} of en.msg"},
+        {"4 \"{0}{1}\"", "1:4: error: {1} does not fit the argument - of en.msg"},
         {"1 \"{0,date}{0}{0,spellout}\"",
-         "1:16: {0,number} and {0,date} are uses of one argument that no value fits"},
+         "1:16: error: {0,number} and {0,date} are uses of one argument that no value fits"},
         {"1 DISK_IS \"a\"\n2 disk_is \"{0}\"",
-         "2:3: DISK_IS and disk_is would both have the function diskIs; rename one of them"},
+         "2:3: error: DISK_IS and disk_is would both have the function diskIs; rename one of them"},
     };
     for (const auto& row : table) {
         tree.file("t.msg", row.source);
@@ -296,7 +302,7 @@ TEST(QblmsgcTest, EscapesHostileNamesAndTexts) {
     const std::string seen = "x\\x0Aint y;\\xE2\\x80\\xAE\\.msg:";
     expectRun(tree, "-c " + quoted, 1,
               seen + "1:6: warning: an empty text counts as missing\n" + seen +
-                  "2:3: class is reserved in C or C++; choose another name\n");
+                  "2:3: error: class is reserved in C or C++; choose another name\n");
     tree.file(name, "1 A \"a\"");
     expectRun(tree, "-H a.hpp -o a.bmf " + quoted, 0, "");
     EXPECT_EQ(0U, tree.text("a.hpp").find("// Made by qblmsgc from x\\x0Aint y;"));

@@ -50,7 +50,7 @@ private:
 /// Compiles one source.
 class Compilation {
 public:
-    explicit Compilation(const Options& options) : m_options(options) {}
+    explicit Compilation(const Options& options) : m_options(options), m_report(options.strict) {}
 
     Status run() {
         const Source* source = read(m_options.operands[0]);

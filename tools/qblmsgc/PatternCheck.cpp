@@ -192,7 +192,7 @@ private:
     }
     template <class Make, class... Texts>
     void warning(std::size_t offset, Make make, Texts... texts) {
-        m_result.findings.push_back({false, offset, placed(make, std::move(texts)...)});
+        m_result.findings.push_back({false, offset, placedWarning(make, std::move(texts)...)});
     }
 
     const std::string& m_utf8;
@@ -211,8 +211,8 @@ PatternCheck::PatternCheck(const std::string& text, bool asIs) {
     if (!asIs)
         Checker(text, *this).check();
     else if (begin != std::string::npos)
-        findings.push_back({false, begin, placed(qblmsgcmsgs::msgcAsIsParsed)});
-    if (text.empty()) findings.push_back({false, 0, placed(qblmsgcmsgs::msgcEmptyText)});
+        findings.push_back({false, begin, placedWarning(qblmsgcmsgs::msgcAsIsParsed)});
+    if (text.empty()) findings.push_back({false, 0, placedWarning(qblmsgcmsgs::msgcEmptyText)});
 }
 
 bool PatternCheck::hasErrors() const {

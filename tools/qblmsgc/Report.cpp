@@ -22,25 +22,26 @@ std::size_t Report::numberOf(const Source& source) {
 
 void Report::error(const Source& source, std::size_t offset, const PlacedMessage& message) {
     m_bHasErrors = true;
-    add(QBLSeverityError, source, offset, message);
+    add(false, source, offset, message);
 }
 
 void Report::warning(const Source& source, std::size_t offset, const PlacedMessage& message) {
     m_bHasWarnings = true;
-    add(QBLSeverityWarning, source, offset, message);
+    add(true, source, offset, message);
 }
 
 void Report::fault(const QBLTypedMessage& message) {
     m_bHasErrors = true;
-    m_findings.push_back({QBLSeverityError, 0, 0, message});
+    m_findings.push_back({false, 0, 0, message});
 }
 
-void Report::add(QBLSeverity severity, const Source& source, std::size_t offset,
+void Report::add(bool isWarning, const Source& source, std::size_t offset,
                  const PlacedMessage& message) {
     const Place place = source.placeOf(offset);
     const PlaceText at = {tools::shown(source.name()), std::to_string(place.line),
-                          std::to_string(place.column)};
-    m_findings.push_back({severity, numberOf(source), offset, message(at)});
+                          std::to_string(place.column),
+                          isWarning && !m_bStrict ? "warning" : "error"};
+    m_findings.push_back({isWarning, numberOf(source), offset, message(at)});
 }
 
 void Report::print(std::FILE* out, Form form, bool quiet) {
@@ -50,14 +51,16 @@ void Report::print(std::FILE* out, Form form, bool quiet) {
     tools::MessageText texts(ownCatalogue(), userLocale());
     bool any = false;
     for (const Finding& finding : m_findings) {
-        if (quiet && finding.severity != QBLSeverityError) continue;
+        if (quiet && finding.isWarning) continue;
+        const QBLSeverity severity =
+            finding.isWarning && !m_bStrict ? QBLSeverityWarning : QBLSeverityError;
         if (form == Form::kText) {
             tools::printText(out, texts.text(finding.message) + "\n");
             continue;
         }
         if (!any) tools::print(out, "<Messages>\n");
         any = true;
-        tools::print(out, texts.element(finding.severity, finding.message) + "\n");
+        tools::print(out, texts.element(severity, finding.message) + "\n");
     }
     if (any) tools::print(out, "</Messages>\n");
 }

@@ -26,6 +26,7 @@ std::string formatMessage(Make make, const Texts&... texts) {
 /// A place in a source, as messages show it: texts after shown().
 struct PlaceText {
     std::string file, line, column;
+    const char* severity;  // a word for the catalogue: "error" or "warning"
 };
 
 /// Makes a message for a place.
@@ -39,6 +40,13 @@ PlacedMessage placed(Make make, Texts... texts) {
         return make(at.file, at.line, at.column, tools::shown(texts)...);
     };
 }
+/// Does the same for a warning. Its fourth argument is the severity.
+template <class Make, class... Texts>
+PlacedMessage placedWarning(Make make, Texts... texts) {
+    return [=](const PlaceText& at) {
+        return make(at.file, at.line, at.column, at.severity, tools::shown(texts)...);
+    };
+}
 
 /// Collects the findings in the sources of a run. Prints them in the order of the files, and by
 /// place within each file.
@@ -48,18 +56,21 @@ class Report {
 public:
     enum class Form { kText, kXml };
 
+    /// @param strict  whether the report calls warnings errors
+    explicit Report(bool strict = false) : m_bStrict(strict) {}
+
     /// Adds the next file. If a file was not added, its first finding adds it.
     void begin(const Source& source);
     void error(const Source& source, std::size_t offset, const PlacedMessage& message);
     void warning(const Source& source, std::size_t offset, const PlacedMessage& message);
-    /// Do the same with the arguments of placed().
+    /// Do the same with the arguments of placed() and placedWarning().
     template <class Make, class... Texts>
     void error(const Source& source, std::size_t offset, Make make, Texts... texts) {
         error(source, offset, placed(make, std::move(texts)...));
     }
     template <class Make, class... Texts>
     void warning(const Source& source, std::size_t offset, Make make, Texts... texts) {
-        warning(source, offset, placed(make, std::move(texts)...));
+        warning(source, offset, placedWarning(make, std::move(texts)...));
     }
     /// An error of a whole file. It comes before the errors with a place.
     void fault(const QBLTypedMessage& message);
@@ -75,16 +86,17 @@ public:
 
 private:
     struct Finding {
-        QBLSeverity severity;
+        bool isWarning;
         std::size_t file;  // number of the file, from 1; 0 for a fault
         std::size_t offset;
         QBLTypedMessage message;
     };
 
     std::size_t numberOf(const Source& source);
-    void add(QBLSeverity severity, const Source& source, std::size_t offset,
+    void add(bool isWarning, const Source& source, std::size_t offset,
              const PlacedMessage& message);
 
+    const bool m_bStrict;
     std::vector<Finding> m_findings;
     std::vector<std::string> m_files;
     bool m_bHasErrors = false;

@@ -68,23 +68,24 @@ enum qblmsgcmsgs_ids {
     MSGC_OTHER_TYPE = 31,
     /// {0} file, {1} line, {2} column, {3} name, {4} other name, {5} function
     MSGC_SAME_FUNCTION = 32,
-    /// {0} file, {1} line, {2} column, {3} number
+    /// {0} file, {1} line, {2} column, {3} severity, {4} number
     MSGC_QUOTED_ARGUMENT = 40,
-    /// {0} file, {1} line, {2} column
+    /// {0} file, {1} line, {2} column, {3} severity
     MSGC_DOUBLED_APOSTROPHE = 41,
-    /// {0} file, {1} line, {2} column
+    /// {0} file, {1} line, {2} column, {3} severity
     MSGC_AS_IS_PARSED = 42,
-    /// {0} file, {1} line, {2} column
+    /// {0} file, {1} line, {2} column, {3} severity
     MSGC_EMPTY_TEXT = 43,
-    /// {0} file, {1} line, {2} column, {3} message, {4} translation
+    /// {0} file, {1} line, {2} column, {3} severity, {4} message, {5} translation
     MSGC_MISSING = 44,
-    /// {0} file, {1} line, {2} column, {3} message, {4} reference
+    /// {0} file, {1} line, {2} column, {3} severity, {4} message, {5} reference
     MSGC_ADDED = 45,
-    /// {0} file, {1} line, {2} column, {3} name in the reference, {4} reference
+    /// {0} file, {1} line, {2} column, {3} severity, {4} name in the reference, {5} reference
     MSGC_OTHER_NAME = 46,
-    /// {0} file, {1} line, {2} column, {3} arguments, {4} those of the reference, {5} reference
+    /// {0} file, {1} line, {2} column, {3} severity,
+    /// {4} arguments, {5} those of the reference, {6} reference
     MSGC_OTHER_ARGUMENTS = 47,
-    /// {0} file, {1} line, {2} column, {3} the keyword
+    /// {0} file, {1} line, {2} column, {3} severity, {4} the keyword
     MSGC_PLURAL_KEYWORD = 48,
     /// {0} file, {1} offset, {2} one of the reasons below
     MSGC_NO_BMF = 60,
@@ -161,7 +162,7 @@ enum qblmsgcmsgs_ids {
 
 namespace qblmsgcmsgs {
 
-inline constexpr QBLTypedCatalogue kCatalogue = {"qblmsgcmsgs", 0x2F471B};
+inline constexpr QBLTypedCatalogue kCatalogue = {"qblmsgcmsgs", 0x223095};
 
 /// The usage text; ends with a line end.
 inline QBLTypedMessage msgcUsage() { return {kCatalogue, ::MSGC_USAGE, {}}; }
@@ -318,58 +319,65 @@ inline QBLTypedMessage msgcSameFunction(const QBLTypedText& file, const QBLTyped
                                         const QBLTypedText& function) {
     return {kCatalogue, ::MSGC_SAME_FUNCTION, {file, line, column, name, otherName, function}};
 }
-/// {0} file, {1} line, {2} column, {3} number
+/// {0} file, {1} line, {2} column, {3} severity, {4} number
 inline QBLTypedMessage msgcQuotedArgument(const QBLTypedText& file, const QBLTypedText& line,
-                                          const QBLTypedText& column, const QBLTypedText& number) {
-    return {kCatalogue, ::MSGC_QUOTED_ARGUMENT, {file, line, column, number}};
+                                          const QBLTypedText& column, const QBLTypedText& severity,
+                                          const QBLTypedText& number) {
+    return {kCatalogue, ::MSGC_QUOTED_ARGUMENT, {file, line, column, severity, number}};
 }
-/// {0} file, {1} line, {2} column
+/// {0} file, {1} line, {2} column, {3} severity
 inline QBLTypedMessage msgcDoubledApostrophe(const QBLTypedText& file, const QBLTypedText& line,
-                                             const QBLTypedText& column) {
-    return {kCatalogue, ::MSGC_DOUBLED_APOSTROPHE, {file, line, column}};
+                                             const QBLTypedText& column,
+                                             const QBLTypedText& severity) {
+    return {kCatalogue, ::MSGC_DOUBLED_APOSTROPHE, {file, line, column, severity}};
 }
-/// {0} file, {1} line, {2} column
+/// {0} file, {1} line, {2} column, {3} severity
 inline QBLTypedMessage msgcAsIsParsed(const QBLTypedText& file, const QBLTypedText& line,
-                                      const QBLTypedText& column) {
-    return {kCatalogue, ::MSGC_AS_IS_PARSED, {file, line, column}};
+                                      const QBLTypedText& column, const QBLTypedText& severity) {
+    return {kCatalogue, ::MSGC_AS_IS_PARSED, {file, line, column, severity}};
 }
-/// {0} file, {1} line, {2} column
+/// {0} file, {1} line, {2} column, {3} severity
 inline QBLTypedMessage msgcEmptyText(const QBLTypedText& file, const QBLTypedText& line,
-                                     const QBLTypedText& column) {
-    return {kCatalogue, ::MSGC_EMPTY_TEXT, {file, line, column}};
+                                     const QBLTypedText& column, const QBLTypedText& severity) {
+    return {kCatalogue, ::MSGC_EMPTY_TEXT, {file, line, column, severity}};
 }
-/// {0} file, {1} line, {2} column, {3} message, {4} translation
+/// {0} file, {1} line, {2} column, {3} severity, {4} message, {5} translation
 inline QBLTypedMessage msgcMissing(const QBLTypedText& file, const QBLTypedText& line,
-                                   const QBLTypedText& column, const QBLTypedText& message,
-                                   const QBLTypedText& translation) {
-    return {kCatalogue, ::MSGC_MISSING, {file, line, column, message, translation}};
+                                   const QBLTypedText& column, const QBLTypedText& severity,
+                                   const QBLTypedText& message, const QBLTypedText& translation) {
+    return {kCatalogue, ::MSGC_MISSING, {file, line, column, severity, message, translation}};
 }
-/// {0} file, {1} line, {2} column, {3} message, {4} reference
+/// {0} file, {1} line, {2} column, {3} severity, {4} message, {5} reference
 inline QBLTypedMessage msgcAdded(const QBLTypedText& file, const QBLTypedText& line,
-                                 const QBLTypedText& column, const QBLTypedText& message,
-                                 const QBLTypedText& reference) {
-    return {kCatalogue, ::MSGC_ADDED, {file, line, column, message, reference}};
+                                 const QBLTypedText& column, const QBLTypedText& severity,
+                                 const QBLTypedText& message, const QBLTypedText& reference) {
+    return {kCatalogue, ::MSGC_ADDED, {file, line, column, severity, message, reference}};
 }
-/// {0} file, {1} line, {2} column, {3} name in the reference, {4} reference
+/// {0} file, {1} line, {2} column, {3} severity, {4} name in the reference, {5} reference
 inline QBLTypedMessage msgcOtherName(const QBLTypedText& file, const QBLTypedText& line,
-                                     const QBLTypedText& column,
+                                     const QBLTypedText& column, const QBLTypedText& severity,
                                      const QBLTypedText& nameInTheReference,
                                      const QBLTypedText& reference) {
-    return {kCatalogue, ::MSGC_OTHER_NAME, {file, line, column, nameInTheReference, reference}};
+    return {kCatalogue,
+            ::MSGC_OTHER_NAME,
+            {file, line, column, severity, nameInTheReference, reference}};
 }
-/// {0} file, {1} line, {2} column, {3} arguments, {4} those of the reference, {5} reference
+/// {0} file, {1} line, {2} column, {3} severity,
+/// {4} arguments, {5} those of the reference, {6} reference
 inline QBLTypedMessage msgcOtherArguments(const QBLTypedText& file, const QBLTypedText& line,
-                                          const QBLTypedText& column, const QBLTypedText& arguments,
+                                          const QBLTypedText& column, const QBLTypedText& severity,
+                                          const QBLTypedText& arguments,
                                           const QBLTypedText& thoseOfTheReference,
                                           const QBLTypedText& reference) {
     return {kCatalogue,
             ::MSGC_OTHER_ARGUMENTS,
-            {file, line, column, arguments, thoseOfTheReference, reference}};
+            {file, line, column, severity, arguments, thoseOfTheReference, reference}};
 }
-/// {0} file, {1} line, {2} column, {3} the keyword
+/// {0} file, {1} line, {2} column, {3} severity, {4} the keyword
 inline QBLTypedMessage msgcPluralKeyword(const QBLTypedText& file, const QBLTypedText& line,
-                                         const QBLTypedText& column, const QBLTypedText& keyword) {
-    return {kCatalogue, ::MSGC_PLURAL_KEYWORD, {file, line, column, keyword}};
+                                         const QBLTypedText& column, const QBLTypedText& severity,
+                                         const QBLTypedText& keyword) {
+    return {kCatalogue, ::MSGC_PLURAL_KEYWORD, {file, line, column, severity, keyword}};
 }
 /// {0} file, {1} offset, {2} one of the reasons below
 inline QBLTypedMessage msgcNoBmf(const QBLTypedText& file, const QBLTypedText& offset,
