@@ -99,5 +99,9 @@ private:
     // needs no lock of the map, but it may serve another class by now.
     std::atomic<LISTS_STRUCT*> m_recent[kRecent];
 };
+#ifdef _GLIBCXX_DEBUG
+static_assert(sizeof(QBLObjectFactory) == (sizeof(void*) == 4 ? 100 : 200),
+              "_GLIBCXX_DEBUG changes the layout of QBLObjectFactory: compile without it");
+#endif
 
 #endif

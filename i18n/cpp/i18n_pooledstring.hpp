@@ -301,5 +301,9 @@ private:
     std::time_t m_last;           // time of the last purge, or when the settings were read
     std::atomic<bool> m_dropped;  // a custodian that stopped has dropped the task
 };
+#if defined(_TIME_BITS) && _TIME_BITS == 64 && !defined(__LP64__)
+static_assert(sizeof(I18NPooledStringCustodian) == 16,
+              "_TIME_BITS=64 changes the layout of I18NPooledStringCustodian: compile without it");
+#endif
 
 #endif
