@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <initializer_list>
-#include <iterator>
 #include <utility>
 
 #include "QBLCore/Frame/QBLListIterator.hpp"

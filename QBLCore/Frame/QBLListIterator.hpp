@@ -1,8 +1,10 @@
 #ifndef QBLCORE_FRAME_QBLLISTITERATOR_HPP
 #define QBLCORE_FRAME_QBLLISTITERATOR_HPP
 
+// The categories and adaptors of iterators. <iterator> also has those of streams, and including it
+// takes four times as long.
+#include <array>
 #include <cstddef>
-#include <iterator>
 
 #include "QBLCore/Frame/QBLListNode.hpp"
 

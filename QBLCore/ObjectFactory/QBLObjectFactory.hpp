@@ -3,7 +3,6 @@
 
 #include <atomic>
 #include <cstddef>
-#include <functional>
 #include <map>
 
 #include "QBLCore/Frame/QBLExport.h"

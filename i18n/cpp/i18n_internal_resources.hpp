@@ -4,7 +4,6 @@
 #include <unicode/uversion.h>
 
 #include <cstdio>
-#include <functional>
 #include <iosfwd>
 #include <map>
 #include <optional>
