@@ -4,9 +4,9 @@
 #include <cstring>
 #include <type_traits>
 
-/// dynamic_cast for objects whose class a program may define. Returns null if the class was compiled
-/// with -fno-rtti: the virtual table of such a class has no type information, and dynamic_cast would
-/// read through a null pointer.
+/// dynamic_cast for objects whose class a program may define. Returns null if the class was
+/// compiled with -fno-rtti: the virtual table of such a class has no type information, and
+/// dynamic_cast would read through a null pointer.
 ///
 /// Threads: any thread, as for reading the object.
 template <class Target, class Source>

@@ -125,8 +125,8 @@ public:
 private:
     QBLFmDescriptor m_file;
     unsigned int m_reserved;  // unused, always 0
-    I18NString m_name;                         // name of the open file
-    char m_message[64];                        // for error numbers without a fixed text
+    I18NString m_name;        // name of the open file
+    char m_message[64];       // for error numbers without a fixed text
 };
 
 #pragma GCC diagnostic pop
