@@ -11,8 +11,9 @@
 #include "tests/faults/Rows.hpp"
 
 // The C library loses a block if memory runs out while it loads a library.
-extern "C" const char* __lsan_default_suppressions();  // NOLINT(bugprone-reserved-identifier)
-extern "C" const char* __lsan_default_suppressions() { return "leak:_dl_map_object_deps"; }
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the sanitizer gives the name
+extern "C" [[gnu::visibility("default")]] const char* __lsan_default_suppressions();
+const char* __lsan_default_suppressions() { return "leak:_dl_map_object_deps"; }
 
 namespace faults {
 
