@@ -56,6 +56,7 @@ void start() {
 /// Makes a lock, and locks and unlocks it in each way that it has.
 template <class Lock>
 std::string locked() {
+    start();  // a lock that records its holder needs it
     Lock lock(1);
     lock.lock();
     lock.unlock();
