@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <iterator>
 #include <new>
@@ -101,9 +102,10 @@ bool QBLResourceBMF::readIndex() {
         drop();
         qblThrowNoMemory(QBL_HERE);
     }
-    const unsigned got = readUpTo(m_pIndex, size);
+    bool failed = false;
+    const unsigned got = readUpTo(m_pIndex, size, &failed);
     m_header.entries = got / kEntrySize;
-    return true;
+    return !failed;
 }
 
 bool QBLResourceBMF::readTexts() {
@@ -115,9 +117,10 @@ bool QBLResourceBMF::readTexts() {
         QBL_RETHROW(e);
     }
     m_textCapacity = m_header.textSize;
-    const unsigned got = readUpTo(m_pText, m_textCapacity);
+    bool failed = false;
+    const unsigned got = readUpTo(m_pText, m_textCapacity, &failed);
     std::memset(m_pText + got, 0, m_textCapacity - got + 1);
-    return true;
+    return !failed;
 }
 
 bool QBLResourceBMF::getResource(unsigned long id, char** text) {
@@ -163,6 +166,7 @@ unsigned QBLResourceBMF::readUpTo(void* buffer, unsigned size, bool* failed) {
     unsigned got = 0;
     while (got < size) {
         const long n = m_file.read(static_cast<char*>(buffer) + got, size - got);
+        if (n < 0 && m_file.getLastErrorNumber() == EINTR) continue;
         if (n < 0 && failed != nullptr) *failed = true;
         if (n <= 0) break;
         got += static_cast<unsigned>(n);
