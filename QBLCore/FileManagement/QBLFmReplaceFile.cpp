@@ -180,15 +180,14 @@ bool QBLFmReplaceFile::flush() {
 ///     remove.
 bool QBLFmReplaceFile::put(bool (QBLFmReplaceFile::*rename)(int), int old) {
     if (!isOpen()) return failed(EBADF);
-    bool done = settle();
+    if (!settle()) return failed(errno);
     // A directory that cannot be opened for reading cannot be synchronised, but its file system
-    // can.
+    // can. Gets the descriptor now, because no failure after the renaming keeps the old version.
     const Descriptor dir(openat64(m_iDirectory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     const Descriptor kept(dir.fd < 0 ? fcntl(m_iFile, F_DUPFD_CLOEXEC, 3) : -1);
-    if (done) {
-        done = ::close(m_iFile) == 0;
-        m_iFile = -1;
-    }
+    if (dir.fd < 0 && kept.fd < 0) return failed(errno);
+    bool done = ::close(m_iFile) == 0;
+    m_iFile = -1;
     if (done) done = qblSettle([&] { return (this->*rename)(old); });
     if (done) {
         m_bCommitted = true;
