@@ -58,13 +58,21 @@ private:
         std::vector<std::string> files;
         QBLFmOpenDir list(fcntl(m_iFd, F_DUPFD_CLOEXEC, 0));
         if (!note(list.isOpen())) return true;
+        std::vector<std::string>& subdirs = m_levels.back().subdirs;
         while (const dirent64* entry = list.next())
-            (isDirectory(*entry) ? m_levels.back().subdirs : files).emplace_back(entry->d_name);
+            (isDirectory(*entry) ? subdirs : files).emplace_back(entry->d_name);
         note(errno == 0);
-        for (const std::string& file : files) note(unlinkat(m_iFd, file.c_str(), 0) == 0);
+        for (std::string& file : files) {
+            if (unlinkat(m_iFd, file.c_str(), 0) == 0) continue;
+            if (errno == EISDIR)
+                subdirs.push_back(std::move(file));
+            else
+                note(false);
+        }
         return true;
     }
 
+    /// @return false also if the system cannot tell: the attempt to remove a file then shows it
     bool isDirectory(const dirent64& entry) const {
         if (entry.d_type != DT_UNKNOWN) return entry.d_type == DT_DIR;
         QBLFileStatus status;
@@ -137,18 +145,15 @@ bool removeTree(std::string dir) {
     while (dir.size() > 1 && dir.back() == '/') dir.pop_back();  // "/" would follow a link
     if (!isPlainName(dir)) return false;
     const int fd = open64(dir.c_str(), kOpenFlags);
+    bool isClosed = fd < 0;
     if (fd >= 0) {
         TreeRemoval tree(fd);
-        if (isWherePathSays(dir, fd)) {
-            if (!tree.run()) return false;
-        } else if (errno != EACCES) {
-            return false;
-        }
-    } else if (errno != EACCES) {
-        return false;
+        isClosed = !isWherePathSays(dir, fd);
+        if (!isClosed && !tree.run()) return false;
     }
+    if (isClosed && errno != EACCES) return false;
     // A directory that cannot be read or searched can still be removed if it is empty.
-    return rmdir(dir.c_str()) == 0;
+    return rmdir(dir.c_str()) == 0 || (isClosed && qblSetErrno(EACCES));
 }
 
 }  // namespace
