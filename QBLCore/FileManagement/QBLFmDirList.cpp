@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "QBLCore/Base/QBLFileLook.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmReadDir.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmSystem.hpp"
@@ -106,10 +107,14 @@ private:
     std::list<std::string> m_names;
 };
 
-bool isDirectory(int fd, const dirent64& entry) {
-    if (entry.d_type != DT_UNKNOWN && entry.d_type != DT_LNK) return entry.d_type == DT_DIR;
+/// @return false with errno set if the system cannot tell; a dangling link is not a directory
+bool findType(int fd, const dirent64& entry, bool& isDirectory) {
+    isDirectory = entry.d_type == DT_DIR;
+    if (entry.d_type != DT_UNKNOWN && entry.d_type != DT_LNK) return true;
     QBLFileStatus status;
-    return status.get(fd, entry.d_name, 0) && status.isDirectory();
+    if (!status.get(fd, entry.d_name, 0)) return qblIsAbsence(errno);
+    isDirectory = status.isDirectory();
+    return true;
 }
 
 }  // namespace
@@ -128,7 +133,9 @@ bool qblReadDir(int fd, std::list<std::string>* files, const char* filePattern,
     return qblSettle([&] {
         Collector fileNames(files, filePattern), dirNames(dirs, dirPattern);
         while (const dirent64* entry = dir.next()) {
-            Collector& names = isDirectory(dir.descriptor(), *entry) ? dirNames : fileNames;
+            bool isDirectory;
+            if (!findType(dir.descriptor(), *entry, isDirectory)) return false;
+            Collector& names = isDirectory ? dirNames : fileNames;
             if (names.wanted()) names.add(entry->d_name);
         }
         if (errno != 0) return false;
