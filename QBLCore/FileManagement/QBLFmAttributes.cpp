@@ -22,6 +22,11 @@ const std::string_view kOfTheContent[] = {"security.ima", "security.evm", "secur
 
 bool isMissing(int error) { return error == ENODATA || error == EOPNOTSUPP || error == ENOSYS; }
 
+/// Returns true if the call could succeed at another time.
+bool isTransient(int error) {
+    return error == ENOSPC || error == EDQUOT || error == EIO || error == ENOMEM;
+}
+
 /// Reads a value. `call` with a null buffer returns the size. @return false with errno set
 template <class Call>
 bool readSized(std::string& out, Call&& call) {
@@ -42,10 +47,12 @@ class Attributes {
 public:
     explicit Attributes(int fd) : m_path("/proc/self/fd/" + std::to_string(fd)) {
         QBLFileStatus byPath, open;
-        if (!byPath.get(m_path.c_str()) || !open.get(fd) || !open.isSameFile(byPath))
-            m_path.clear();
+        const bool seen = byPath.get(m_path.c_str()) && open.get(fd);
+        if (seen && open.isSameFile(byPath)) return;
+        if (!seen && isTransient(errno)) m_iError = errno;
+        m_path.clear();
     }
-    bool isKnown() const { return !m_path.empty() || qblSetErrno(ENOSYS); }
+    bool isKnown() const { return !m_path.empty() || qblSetErrno(m_iError); }
     bool read(const char* name, std::string& value) const {
         return isKnown() && readSized(value, [=](char* to, std::size_t n) {
                    return getxattr(m_path.c_str(), name, to, n);
@@ -58,7 +65,8 @@ public:
     }
 
 private:
-    std::string m_path;  // empty without /proc
+    std::string m_path;     // empty without /proc
+    int m_iError = ENOSYS;  // why the path is empty
 };
 
 /// The entries of an access control list in the kernel's format: a version, then for each entry a
@@ -98,7 +106,8 @@ bool removeList(int fd) { return fremovexattr(fd, kList) == 0 || isMissing(errno
 bool copyList(const Attributes& from, int to, unsigned& mode, bool strangeGroup) {
     std::string bytes;
     if (!from.read(kList, bytes)) {
-        const bool refused = errno == EACCES || errno == EPERM || !from.isKnown();
+        const bool refused =
+            errno == EACCES || errno == EPERM || (!from.isKnown() && errno == ENOSYS);
         if (!refused && !isMissing(errno)) return false;
         if (strangeGroup || refused) mode &= ~070U | mode << 3;
         return removeList(to);
@@ -107,7 +116,7 @@ bool copyList(const Attributes& from, int to, unsigned& mode, bool strangeGroup)
     const unsigned own = list.get(kOwnGroup, 0) & (strangeGroup ? list.get(kOthers, 0) : 7U);
     list.set(kOwnGroup, own);
     if (fsetxattr(to, kList, bytes.data(), bytes.size(), 0) == 0) return true;
-    if (errno == ENOSPC || errno == EDQUOT || errno == EIO) return false;
+    if (isTransient(errno)) return false;
     mode = (mode & ~070U) | (own & list.get(kMask, 7)) << 3;
     return removeList(to);
 }
@@ -120,10 +129,10 @@ bool copyOthers(const Attributes& from, int to) {
         at += std::strlen(name) + 1;
         bool copied = std::strcmp(name, kList) == 0;  // or it must not be copied
         for (const std::string_view left : kOfTheContent) copied = copied || left == name;
-        if (copied || !from.read(name, value)) continue;
-        if (fsetxattr(to, name, value.data(), value.size(), 0) != 0 &&
-            (errno == ENOSPC || errno == EDQUOT || errno == EIO))
-            return false;
+        if (copied) continue;
+        const bool done =
+            from.read(name, value) && fsetxattr(to, name, value.data(), value.size(), 0) == 0;
+        if (!done && isTransient(errno)) return false;
     }
     return true;
 }

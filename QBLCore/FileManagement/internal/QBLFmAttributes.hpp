@@ -3,8 +3,8 @@
 
 /// Copies the access control list and the extended attributes of an old file to the new file that
 /// will replace it, except capabilities and signatures of the content. Removes the access control
-/// list that the new file has inherited from its directory. Skips attributes that cannot be read,
-/// or that the new file cannot have.
+/// list that the new file has inherited from its directory. Skips attributes that the process may
+/// not read, or that the new file cannot have.
 /// @param from  the old file; may be an O_PATH descriptor if /proc is mounted
 /// @param mode  the old file's mode. If the list cannot be copied, the group keeps only the bits
 ///     that the list gives to the file's group. If the list cannot be read, the group keeps only
