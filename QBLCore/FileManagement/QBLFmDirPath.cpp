@@ -1,4 +1,5 @@
 #include <cstring>
+#include <new>
 #include <optional>
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
@@ -23,7 +24,9 @@ bool endsInSeparator(const std::string& path) {
 
 bool isFile(const std::string& path) {
     QBLFileStatus status;
-    return status.get(path.c_str()) && !status.isDirectory();
+    if (status.get(path.c_str())) return !status.isDirectory();
+    if (errno == ENOMEM) throw std::bad_alloc();
+    return false;
 }
 
 }  // namespace
