@@ -23,6 +23,7 @@ namespace {
 using faults::calmly;
 using faults::changed;
 using faults::kBadAlloc;
+using faults::kFallback;
 using faults::kOther;
 using faults::kOutOfMemory;
 using faults::kRefuses;
@@ -167,7 +168,8 @@ const faults::Rows kRows{
          const I18NString& text = pool.getPooledString(japaneseText());
          const I18NString& other = pool.getPooledString("plain");
          return calmly([&] { return text.toUtf8() + other.toUtf8(); });
-     }},
+     },
+     faults::kThreadResource},
     {"I18NLocale", kOutOfMemory,
      [] {
          const I18NLocale parts("sr", "RS", "POSIX"),
@@ -205,25 +207,29 @@ const faults::Rows kRows{
              all.getCurrencyDescription("JPY", german(), out);
              return true;
          });
-     }},
+     },
+     kFallback | kOther},
     {"I18NInternalResources.getTimeZoneDescription", kOutOfMemory | kRefuses,
      [] {
          return resource([](auto& all, I18NString& out) {
              return all.getTimeZoneDescription("Europe/Berlin", german(), out);
          });
-     }},
+     },
+     kFallback | kOther},
     {"I18NInternalResources.getSymbolForISOCode", kOutOfMemory | kRefuses,
      [] {
          return resource([](auto& all, I18NString& out) {
              return all.getSymbolForISOCode("JPY", german(), out);
          });
-     }},
+     },
+     kFallback | kOther},
     {"I18NInternalResources.getLocaleDescription", kOutOfMemory | kRefuses,
      [] {
          return resource([](auto& all, I18NString& out) {
              return all.getLocaleDescription(german(), german(), out);
          });
-     }},
+     },
+     kFallback | kOther},
 };
 
 }  // namespace

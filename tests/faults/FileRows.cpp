@@ -26,6 +26,7 @@ namespace {
 
 using faults::calmly;
 using faults::kBadAlloc;
+using faults::kFallback;
 using faults::kOther;
 using faults::kOutOfMemory;
 using faults::kRefuses;
@@ -66,18 +67,19 @@ const I18NString& outText() {
 const char* pathOf(const std::string& path) { return path.c_str(); }
 const I18NString& pathOf(const I18NString& path) { return path; }
 
-/// A failure by the result must say that memory ran out.
-void needMemory(bool done) {
-    if (!done && errno != ENOMEM) throw faults::Broken{"errno is " + std::to_string(errno)};
+/// A failure by the result must set the errno of what failed.
+void needErrno(bool done) {
+    if (!done && errno != faults::injectedError())
+        throw faults::Broken{"errno is " + std::to_string(errno)};
     need(done);
 }
 
 template <class Cleanup>
-void needMemoryOr(bool done, Cleanup cleanup) {
+void needErrnoOr(bool done, Cleanup cleanup) {
     const int error = errno;
     if (!done) calmly(cleanup);
     errno = error;
-    needMemory(done);
+    needErrno(done);
 }
 
 std::string join(const Names& names) {
@@ -96,13 +98,13 @@ template <class File>
 std::string roundTrip() {
     File file, other;
     const std::string path = calmly([] { return out() + "/file"; });
-    needMemory(file.open(path.c_str(), File::create, 0));
+    needErrno(file.open(path.c_str(), File::create, 0));
     need(file.write("text", 4) == 4 && file.flush() && file.truncate(3));
     file.seek(0, File::begin);
     char bytes[8] = {};
     need(file.read(bytes, 8) == 3 && file.getLength() == 3);
     const I18NString name = calmly([&] { return I18NString(path); });
-    needMemory(other.open(name, File::existing, 1));
+    needErrno(other.open(name, File::existing, 1));
     need(other.getFileDescriptor() != file.getFileDescriptor() && file.append(other));
     static_cast<void>(file.getLastErrorMessage());
     need(other.close() && file.close());
@@ -111,7 +113,7 @@ std::string roundTrip() {
 
 std::string replaced(QBLFmReplaceFile& file) {
     need(file.write("new", 3));
-    needMemory(file.commit());
+    needErrno(file.commit());
     return calmly([] { return tree().text("out/replaced"); });
 }
 
@@ -120,7 +122,7 @@ std::string temporaries(Path* base, Path* prefix, Path* suffix,
                         bool (*const (&create)[2])(Path*, Path*, Text&, Path*)) {
     for (const auto& one : create) {
         Text made;
-        needMemory(one(base, prefix, made, suffix));
+        needErrno(one(base, prefix, made, suffix));
         const faults::Calm calm;
         QBLFmDir::removeFile(pathOf(made));
     }
@@ -150,15 +152,15 @@ const faults::Rows kRows{
      [] {
          const std::string path = calmly([] { return out() + "/replaced"; });
          QBLFmReplaceFile file;
-         needMemory(file.open(path.c_str()));
+         needErrno(file.open(path.c_str()));
          return replaced(file);
      }},
     {"QBLFmReplaceFile.openIn", kRefuses,
      [] {
          QBLFmDirectory folder;
-         needMemory(folder.open(out().c_str()));
+         needErrno(folder.open(out().c_str()));
          QBLFmReplaceFile file;
-         needMemory(file.open(folder, "replaced"));
+         needErrno(file.open(folder, "replaced"));
          return replaced(file);
      }},
     {"QBLFmReplaceFile.commitOver", kRefuses,
@@ -167,11 +169,11 @@ const faults::Rows kRows{
          QBLFmFile old;
          need(calmly([&] { return old.open(path.c_str(), QBLFmFile::existing, 0); }));
          QBLFmReplaceFile file;
-         needMemory(file.open(path.c_str()));
+         needErrno(file.open(path.c_str()));
          need(file.write("new", 3));
-         needMemory(file.flush());
-         needMemory(file.commitOver(old.getFileDescriptor()));
-         needMemory(file.keepReplaced("kept"));
+         needErrno(file.flush());
+         needErrno(file.commitOver(old.getFileDescriptor()));
+         needErrno(file.keepReplaced("kept"));
          return calmly([] {
              QBLFmDir::removeFile((out() + "/kept").c_str());
              return tree().text("out/replaced");
@@ -181,26 +183,26 @@ const faults::Rows kRows{
      [] {
          QBLFmDirectory parent, folder;
          std::string name;
-         needMemory(parent.openParent(root().c_str(), name));
-         needMemory(folder.open(parent, name.c_str()));
-         needMemory(folder.create(parent, "made", 0700));
-         needMemory(parent.rename("made", "made"));
+         needErrno(parent.openParent(root().c_str(), name));
+         needErrno(folder.open(parent, name.c_str()));
+         needErrno(folder.create(parent, "made", 0700));
+         needErrno(parent.rename("made", "made"));
          need(calmly([] { return QBLFmDir::removeDir(tree()("made").c_str()); }));
          Names files, dirs;
-         needMemory(parent.readDir(&files, nullptr, &dirs, nullptr));
+         needErrno(parent.readDir(&files, nullptr, &dirs, nullptr));
          return calmly([&] { return name + join(files) + join(dirs); });
      }},
     {"QBLFmDir.readDir", kRefuses,
      [] {
          Names files, dirs;
-         needMemory(QBLFmDir::readDir(root().c_str(), &files, "*", &dirs, "a*"));
+         needErrno(QBLFmDir::readDir(root().c_str(), &files, "*", &dirs, "a*"));
          return calmly([&] { return join(files) + join(dirs); });
      }},
     {"QBLFmDir.readDirStrings", kRefuses,
      [] {
          Strings files, dirs;
          const I18NString pattern("*");
-         needMemory(QBLFmDir::readDir(rootText(), &files, &pattern, &dirs, nullptr));
+         needErrno(QBLFmDir::readDir(rootText(), &files, &pattern, &dirs, nullptr));
          return calmly([&] { return join(files) + join(dirs); });
      }},
     {"QBLFmDir.makeAndRemove", kRefuses,
@@ -208,8 +210,8 @@ const faults::Rows kRows{
          const std::string base = calmly([] { return out() + "/x"; });
          const std::string deep = calmly([&] { return base + "/y/z"; });
          const auto clean = [&] { QBLFmDir::removeDir(base.c_str()); };
-         needMemoryOr(QBLFmDir::createRecursiveDir(deep.c_str()), clean);
-         needMemoryOr(QBLFmDir::removeDir(base.c_str()), clean);
+         needErrnoOr(QBLFmDir::createRecursiveDir(deep.c_str()), clean);
+         needErrnoOr(QBLFmDir::removeDir(base.c_str()), clean);
          need(QBLFmDir::createDir(base.c_str()) && QBLFmDir::exists(base.c_str(), S_IFDIR));
          need(QBLFmDir::renameFile(base.c_str(), base.c_str()));
          need(QBLFmDir::removeFile(base.c_str()));
@@ -220,11 +222,11 @@ const faults::Rows kRows{
          const I18NString base = calmly([] { return outText() + "/\u00E9"; });
          const I18NString deep = calmly([&] { return base + "/y/z"; });
          const auto clean = [&] { QBLFmDir::removeDir(base); };
-         needMemoryOr(QBLFmDir::createRecursiveDir(deep), clean);
-         needMemoryOr(QBLFmDir::removeDir(base), clean);
-         needMemoryOr(QBLFmDir::createDir(base) && QBLFmDir::exists(base, S_IFDIR) &&
-                          QBLFmDir::renameFile(base, base) && QBLFmDir::removeFile(base),
-                      clean);
+         needErrnoOr(QBLFmDir::createRecursiveDir(deep), clean);
+         needErrnoOr(QBLFmDir::removeDir(base), clean);
+         needErrnoOr(QBLFmDir::createDir(base) && QBLFmDir::exists(base, S_IFDIR) &&
+                         QBLFmDir::renameFile(base, base) && QBLFmDir::removeFile(base),
+                     clean);
          return std::string();
      }},
     {"QBLFmDir.temporaries", kRefuses,
@@ -254,20 +256,22 @@ const faults::Rows kRows{
          std::string path = calmly([] { return out(); }), directory, file, temp;
          QBLFmDir::joinPath(path, "a/longer/relative/path/to/join");
          need(QBLFmDir::splitPath(path.c_str(), &directory, &file));
-         needMemory(QBLFmDir::getTempPath(temp));
+         needErrno(QBLFmDir::getTempPath(temp));
          QBLFmDir::resolveEffectivePath(file);
          return calmly([&] { return directory + file + temp; });
-     }},
+     },
+     kFallback},
     {"QBLFmDir.pathStrings", kRefuses | kOutOfMemory,
      [] {
          I18NString path = calmly([] { return I18NString(outText()); }), directory, file, temp;
          static const I18NString s_relative("b\u00E9/c");
          QBLFmDir::joinPath(path, s_relative);
-         needMemory(QBLFmDir::splitPath(path, &directory, &file));
-         needMemory(QBLFmDir::getTempPath(temp));
+         needErrno(QBLFmDir::splitPath(path, &directory, &file));
+         needErrno(QBLFmDir::getTempPath(temp));
          QBLFmDir::resolveEffectivePath(file);
          return calmly([&] { return (directory + file + temp).toUtf8(); });
-     }},
+     },
+     kFallback},
     {"QBLFmDir.settings", kOutOfMemory,
      [] {
          QBLFmDir::setTempPath(out().c_str());
@@ -297,29 +301,33 @@ const faults::Rows kRows{
          const std::string path =
              QBLFmDir::getFileFullPath("c", root().c_str(), {"a folder with a long name"});
          return calmly([&] { return path; });
-     }},
+     },
+     kFallback},
     {"QBLFmDir.getFileFullPathStrings", kOutOfMemory | kBadAlloc,
      [] {
          static const Strings s_folders{I18NString("a folder with a long name")};
          static const I18NString s_name("c");
          const I18NString path = QBLFmDir::getFileFullPath(s_name, rootText(), s_folders);
          return calmly([&] { return path.toUtf8(); });
-     }},
+     },
+     kFallback},
     {"QBLFmEntries", kOutOfMemory | kBadAlloc | kOther | kRefuses,
-     [] { return listed(QBLFmEntries(root(), QBLFmEntries::kRecursive)); }},
+     [] { return listed(QBLFmEntries(root(), QBLFmEntries::kRecursive)); }, faults::kAbsence},
     {"QBLFmEntries.string", kOutOfMemory | kBadAlloc | kOther | kRefuses,
-     [] { return listed(QBLFmEntries(rootText(), QBLFmEntries::kRecursive)); }},
+     [] { return listed(QBLFmEntries(rootText(), QBLFmEntries::kRecursive)); }, faults::kAbsence},
     {"QBLFmLines", kOutOfMemory | kBadAlloc,
      [] {
          static const std::string s_path = root() + "/b\u00E9";
          return linesOf(QBLFmLines(s_path, "UTF-8"));
-     }},
+     },
+     kOther},
     {"QBLFmLines.converter", kOutOfMemory | kBadAlloc,
      [] {
          static const std::string s_path = root() + "/b\u00E9";
          static const I18NConverter s_latin("windows-1252");
          return linesOf(QBLFmLines(s_path.c_str(), s_latin, nullptr));
-     }},
+     },
+     kOther},
     {"QBLFileLockRW", kOutOfMemory,
      [] {
          QBLFmFile file;
@@ -331,7 +339,8 @@ const faults::Rows kRows{
               lock.boundedReadLock(1));
          lock.unlock();
          return std::string();
-     }},
+     },
+     kOther | kRefuses},
 };
 
 }  // namespace

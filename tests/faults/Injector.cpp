@@ -78,6 +78,7 @@ void arm(long n, Mode mode) {
 bool hasFailed() { return t_failed; }
 Calm::Calm() { ++t_calm; }
 Calm::~Calm() { --t_calm; }
+bool isCalm() { return t_calm > 0; }
 long liveBlocks() { return g_live.load(std::memory_order_relaxed); }
 
 }  // namespace faults

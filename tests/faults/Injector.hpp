@@ -22,6 +22,7 @@ public:
     Calm(const Calm&) = delete;
     Calm& operator=(const Calm&) = delete;
 };
+bool isCalm();
 
 /// The number of blocks that the process holds.
 long liveBlocks();

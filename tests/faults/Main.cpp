@@ -7,7 +7,9 @@
 #include <string>
 
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
+#include "QBLCore/Exceptions/QBLSystemError.hpp"
 #include "QBLCore/Exceptions/QBLThreadResourceError.hpp"
+#include "tests/faults/Attempt.hpp"
 #include "tests/faults/Rows.hpp"
 
 // The C library loses a block if memory runs out while it loads a library.
@@ -26,15 +28,11 @@ std::vector<Row>& rows() {
 
 namespace {
 
+using faults::attempt;
 using faults::Mode;
+using faults::Outcome;
 
 constexpr long kMostAllocations = 100000, kSampled = 100;
-
-struct Outcome {
-    bool done = false;
-    unsigned promise = faults::kNothing;
-    std::string text;  // the result, or the error
-};
 
 /// Names the current exception.
 Outcome failure() {
@@ -49,6 +47,8 @@ Outcome failure() {
         return {false, faults::kOutOfMemory, "QBLOutOfMemoryError"};
     } catch (const QBLThreadResourceError&) {
         return {false, faults::kThreadResource, "QBLThreadResourceError"};
+    } catch (const QBLSystemError& error) {
+        return {false, faults::kOther, error.getThrowableName(), error.getErrorCode()};
     } catch (const QBLThrowable& error) {
         return {false, faults::kOther, error.getThrowableName()};
     } catch (const std::bad_alloc&) {
@@ -58,13 +58,17 @@ Outcome failure() {
     }
 }
 
-Outcome attempt(const faults::Row& row) {
+}  // namespace
+
+faults::Outcome faults::attempt(const Row& row) {
     try {
-        return {true, faults::kNothing, row.run()};
+        return {true, kNothing, row.run()};
     } catch (...) {
         return failure();
     }
 }
+
+namespace {
 
 class RowTest : public testing::Test {
 public:
@@ -130,5 +134,6 @@ int main(int argc, char** argv) {
     for (const faults::Row& row : faults::rows())
         testing::RegisterTest("Faults", row.name.c_str(), nullptr, nullptr, __FILE__, __LINE__,
                               [&row]() -> testing::Test* { return new RowTest(row); });
+    faults::registerCallTests();
     return RUN_ALL_TESTS();
 }

@@ -22,6 +22,7 @@ namespace {
 
 using faults::calmly;
 using faults::changed;
+using faults::kFallback;
 using faults::kOutOfMemory;
 using faults::need;
 
@@ -93,18 +94,22 @@ void addCopies(const char* name, Message (*make)(), Message (*makeOther)()) {
                                   const std::unique_ptr<const QBLMessageBase> copy(from.clone());
                                   return calmly([&] { return xmlOf(*copy); });
                               }});
-    faults::rows().push_back({prefix + ".format", kOutOfMemory, [make] {
+    faults::rows().push_back({prefix + ".format", kOutOfMemory,
+                              [make] {
                                   const Message message = calmly(make);
                                   const std::string german = formatted(message, "de"),
                                                     english = formatted(message, nullptr);
                                   return calmly([&] { return german + english; });
-                              }});
-    faults::rows().push_back({prefix + ".toString", kOutOfMemory, [make] {
+                              },
+                              kFallback});
+    faults::rows().push_back({prefix + ".toString", kOutOfMemory,
+                              [make] {
                                   const Message message = calmly(make);
                                   I18NString out;
                                   message.toString("de", nullptr, out, 1);
                                   return calmly([&] { return out.toUtf8(); });
-                              }});
+                              },
+                              kFallback});
 }
 
 const bool kCopies = [] {
@@ -163,7 +168,7 @@ std::string textOf(QBLResource* resource) {
     const std::unique_ptr<QBLResource, void (*)(QBLResource*)> owner(
         resource, [](QBLResource* held) { QBLResourceFactory::release(held); });
     char* text = nullptr;
-    need(resource->getResource(2, &text));
+    need(resource->getResource(2, &text) && text != nullptr);
     return calmly([&] { return std::string(text); });
 }
 
@@ -207,7 +212,8 @@ const faults::Rows kRows{
      [] {
          const std::unique_ptr<QBLMessageSet> set(calmly(makeSet));
          return formatted(*set, "de");
-     }},
+     },
+     kFallback},
     {"QBLMessageParm.assign", kOutOfMemory,
      [] { return changedParm([](QBLMessageParm& p) { p = QBLMessageParm("another text"); }); }},
     {"QBLMessageParm.number", kOutOfMemory,
@@ -234,7 +240,8 @@ const faults::Rows kRows{
          const std::string& texts = base();
          const std::string found = QBLResourceFactory::find(texts, "fr,de");
          return calmly([&] { return found; });
-     }},
+     },
+     kFallback},
     {"QBLResourceFactory.getCandidates", faults::kBadAlloc | kOutOfMemory,
      [] {
          const std::string& texts = base();
@@ -261,7 +268,7 @@ const faults::Rows kRows{
          QBLResourceFile file(texts, "de", 0);
          need(file.isOpen());
          char* text = nullptr;
-         need(file.getResource(2, &text));
+         need(file.getResource(2, &text) && text != nullptr);
          return calmly([&] { return std::string(text); });
      }},
     {"QBLCatalogueSettings.directories", kOutOfMemory | faults::kBadAlloc,

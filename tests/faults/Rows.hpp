@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/faults/Calls.hpp"
 #include "tests/faults/Injector.hpp"
 
 namespace faults {
@@ -53,6 +54,8 @@ enum Promise : unsigned {
     kRefuses = 4,         // fails by its result
     kThreadResource = 8,  // QBLThreadResourceError
     kOther = 16,          // another throwable of the library, which the header names
+    kFallback = 32,       // gives another result, as the header says
+    kAbsence = 64,        // does so if the error says that something does not exist or is closed
     kNothing = 0          // cannot fail
 };
 
@@ -63,6 +66,8 @@ struct Row {
     /// Runs the operation and returns its result as text. The text must be the same for every run
     /// that succeeds, whether an allocation failed before or not.
     std::function<std::string()> run;
+    /// What else the operation may do when a system call fails: a set of Promise.
+    unsigned calls = kNothing;
 };
 
 std::vector<Row>& rows();

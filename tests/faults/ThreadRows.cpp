@@ -266,7 +266,8 @@ const faults::Rows kRows{
          factory.releaseObject(item);
          factory.unregisterClass(g_id);
          return std::string();
-     }},
+     },
+     kThreadResource},
     {"QBLCustodian", kRefuses | kThread,
      [] {
          start();
