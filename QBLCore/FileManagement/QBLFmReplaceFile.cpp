@@ -186,7 +186,7 @@ bool QBLFmReplaceFile::put(bool (QBLFmReplaceFile::*rename)(int), int old) {
     const Descriptor dir(openat64(m_iDirectory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     const Descriptor kept(dir.fd < 0 ? fcntl(m_iFile, F_DUPFD_CLOEXEC, 3) : -1);
     if (dir.fd < 0 && kept.fd < 0) return failed(errno);
-    bool done = ::close(m_iFile) == 0;
+    bool done = qblClose(m_iFile) == 0;
     m_iFile = -1;
     if (done) done = qblSettle([&] { return (this->*rename)(old); });
     if (done) {

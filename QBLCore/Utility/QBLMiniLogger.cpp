@@ -34,8 +34,11 @@ QBLMiniLogger::~QBLMiniLogger() {
 }
 
 void QBLMiniLogger::init(const char* name) {
-    if (m_pStream != nullptr) std::fclose(m_pStream);
-    m_pStream = nullptr;
+    if (m_pStream != nullptr) {
+        const QBLNoCancel noCancel;  // a cancelled fclose(3) may have freed the stream or not
+        std::fclose(m_pStream);
+        m_pStream = nullptr;
+    }
     tavContain([&] {
         const std::string file = std::string(orEmpty(name)) + ".log";
         if (!staysBelow(file)) return;

@@ -102,7 +102,7 @@ public:
         const bool own = m_file.isOpen() && m_file.m_iStandard == 0;
         const int fd = m_file.m_iDescriptor;
         m_file.m_iDescriptor = m_file.m_iStandard = 0;
-        if (own && ::close(fd) != 0) return rememberError(errno);
+        if (own && qblClose(fd) != 0) return rememberError(errno);
         m_file.m_iLastError = 0;
         return true;
     }
@@ -164,8 +164,7 @@ private:
     /// standard input is closed.
     static int awayFromZero(int flags) {
         const int fd = fcntl(0, (flags & O_CLOEXEC) != 0 ? F_DUPFD_CLOEXEC : F_DUPFD, 3);
-        const QBLKeepErrno keepErrno;
-        ::close(0);
+        qblCloseQuietly(0);
         return fd;
     }
 

@@ -7,6 +7,7 @@
 #include <ext/stdio_filebuf.h>
 #include <ostream>
 
+#include "QBLCore/Base/QBLCloseQuietly.hpp"
 #include "QBLCore/Base/QBLOpenRegular.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Utility/QBLUtSystemInfo.hpp"
@@ -86,7 +87,7 @@ void I18NPooledString::I18NPooledStringPool::dumpToFile() {
     bool written = false;
     const bool done = tavContain([&] {
         __gnu_cxx::stdio_filebuf<char> file(fd, std::ios::out);
-        if (!file.is_open()) ::close(fd);  // memory is exhausted
+        if (!file.is_open()) qblCloseQuietly(fd);  // memory is exhausted
         std::ostream out(&file);
         dump(out);
         written = !out.flush().fail();
