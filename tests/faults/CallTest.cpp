@@ -2,12 +2,12 @@
 // each failure, checks that the row failed as promised or gave the same result as without the
 // failure, that it succeeds afterwards, and that no block, descriptor or file is left.
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <functional>
 #include <map>
 
 #include "tests/faults/Attempt.hpp"
@@ -47,8 +47,10 @@ bool isAbsence(int error) {
 class CallTest : public testing::Test {
 protected:
     /// Runs a row with each of its calls failing.
-    /// @param arm  requests the failure after n calls
-    void failEach(const Row& row, const std::function<void(long)>& arm) {
+    /// @param tryOnce  runs it with a failure after n calls; returns false if it makes no more
+    /// calls
+    template <class TryOnce>
+    void each(const Row& row, TryOnce tryOnce) {
         m_bFaulty = false;
         for (long n = 0; n < kMostCalls; n += 1 + n / kSampled) {
             m_where = row.name + ", " + m_failure + ", call " + std::to_string(n) + ": ";
@@ -56,43 +58,53 @@ protected:
             Held last = before;
             int growing = 0;
             do {
-                if (!failOnce(row, n, arm) || m_bFaulty) return;
+                if (!tryOnce(n) || m_bFaulty) return;
                 const Held now = Held::now();
                 growing = now.exceeds(last) ? growing + 1 : 0;
                 last = now;
             } while (last.exceeds(before) && growing > 0 && growing < 4);
             if (growing != 0)
-                ADD_FAILURE() << m_where << "four runs lost blocks: " << last.blocks - before.blocks
-                              << ", descriptors: " << last.descriptors - before.descriptors;
+                report("four runs lost blocks: " + std::to_string(last.blocks - before.blocks) +
+                       ", descriptors: " + std::to_string(last.descriptors - before.descriptors));
         }
-        ADD_FAILURE() << m_where << "more than " << kMostCalls << " calls";
+        report("too many calls");
     }
 
-    static bool runsCleanly(const Row& row, std::string& result) {
+    /// @param arm  requests a failure
+    /// @return true if a call has failed
+    template <class Arm>
+    bool failOnce(const Row& row, Arm arm) {
+        arm();
+        const int error = faults::injectedError();
+        const Outcome outcome = attempt(row);
+        const bool failed = faults::disarmCalls();
+        check(row, outcome, error);
+        if (failed) retry(row);
+        return failed;
+    }
+
+    void retry(const Row& row) {
+        const Outcome outcome = attempt(row);
+        if (!outcome.done || outcome.text != m_expected) report("retry: " + outcome.text);
+    }
+
+    bool runsCleanly(const Row& row) {
         attempt(row);  // may fill caches
         faults::startCounting();
         const Outcome clean = attempt(row);
-        result = clean.text;
+        m_expected = clean.text;
         EXPECT_TRUE(clean.done) << row.name << ": " << clean.text;
         return clean.done;
+    }
+
+    void report(const std::string& what) {
+        m_bFaulty = true;
+        ADD_FAILURE() << m_where << what;
     }
 
     std::string m_expected, m_failure;
 
 private:
-    /// @return false if the row makes no more than n calls
-    bool failOnce(const Row& row, long n, const std::function<void(long)>& arm) {
-        arm(n);
-        const int error = faults::injectedError();
-        Outcome outcome = attempt(row);
-        const bool failed = faults::disarmCalls();
-        check(row, outcome, error);
-        if (!failed) return false;
-        outcome = attempt(row);
-        if (!outcome.done || outcome.text != m_expected) report("retry: " + outcome.text);
-        return true;
-    }
-
     void check(const Row& row, const Outcome& outcome, int error) {
         unsigned allowed = row.promises | row.calls;
         if (error != ENOMEM) allowed &= ~kMemory;
@@ -102,11 +114,6 @@ private:
         const bool isWrong =
             (got & ~allowed) != 0 || (outcome.error != 0 && outcome.error != error);
         if (isWrong) report(outcome.text + " " + std::to_string(outcome.error));
-    }
-
-    void report(const std::string& what) {
-        m_bFaulty = true;
-        ADD_FAILURE() << m_where << what;
     }
 
     std::string m_where;
@@ -121,12 +128,15 @@ public:
     void TestBody() override {
         long reached = 0;
         for (const Row& row : faults::rows()) {
-            if (!runsCleanly(row, m_expected)) return;
+            if (!runsCleanly(row)) return;
             if (faults::callCounts()[m_uHook] == 0) continue;
             ++reached;
             for (const int error : faults::hooks()[m_uHook].errors) {
+                if (error == 0) continue;
                 m_failure = strerrorname_np(error);
-                failEach(row, [&](long n) { faults::armCall(m_uHook, n, error); });
+                each(row, [&](long n) {
+                    return failOnce(row, [=] { faults::armCall(m_uHook, n, error); });
+                });
             }
         }
         EXPECT_NE(0, reached) << "no row calls " << faults::hooks()[m_uHook].name;
@@ -142,12 +152,53 @@ public:
 
     void TestBody() override {
         for (const Row& row : faults::rows())
-            if (runsCleanly(row, m_expected))
-                failEach(row, [&](long n) { faults::armDisaster(m_disaster, n); });
+            if (runsCleanly(row))
+                each(row, [&](long n) {
+                    return failOnce(row, [=] { faults::armDisaster(m_disaster, n); });
+                });
     }
 
 private:
     Disaster m_disaster;
+};
+
+/// Cancels a thread at each cancellation point of each row.
+class CancelTest : public CallTest {
+public:
+    void TestBody() override {
+        m_failure = "cancelled";
+        for (const Row& row : faults::rows())
+            if (runsCleanly(row)) each(row, [&](long n) { return cancelOnce(row, n); });
+    }
+
+private:
+    struct Job {
+        const Row& row;
+        long n;
+        Outcome outcome{};
+        bool cancelled = false;
+    };
+
+    static void* run(void* given) {
+        Job& job = *static_cast<Job*>(given);
+        faults::armCancel(job.n, &job.cancelled);
+        job.outcome = attempt(job.row);
+        faults::armCancel(-1, nullptr);
+        return nullptr;
+    }
+
+    bool cancelOnce(const Row& row, long n) {
+        Job job{row, n};
+        pthread_t thread;
+        void* result = nullptr;
+        if (pthread_create(&thread, nullptr, &run, &job) != 0) return false;
+        pthread_join(thread, &result);
+        // The row may disable cancellation, and then finish.
+        const bool isDone = job.outcome.done && job.outcome.text == m_expected;
+        if (result != PTHREAD_CANCELED && !isDone) report(job.outcome.text);
+        if (job.cancelled) retry(row);
+        return job.cancelled;
+    }
 };
 
 /// Runs the rows on a file system whose numbers need more than 32 bits.
@@ -155,7 +206,7 @@ class FutureTest : public CallTest {
 public:
     void TestBody() override {
         for (const Row& row : faults::rows()) {
-            if (!runsCleanly(row, m_expected)) return;
+            if (!runsCleanly(row)) return;
             const faults::System future(faults::Kind::kFuture);
             const Outcome outcome = attempt(row);
             EXPECT_TRUE(outcome.done && outcome.text == m_expected) << row.name << outcome.text;
@@ -180,5 +231,6 @@ void faults::registerCallTests() {
     for (const auto& disaster : s_disasters)
         add("Disasters", disaster.first,
             [which = disaster.second] { return new DisasterTest(which); });
+    add("Cancellation", "AtEachPoint", [] { return new CancelTest; });
     add("Disasters", "LargeNumbers", [] { return new FutureTest; });
 }

@@ -32,7 +32,13 @@ constexpr std::uint64_t kManyInodes = std::uint64_t{1} << 40;
 constexpr std::int64_t kManySeconds = std::int64_t{1} << 33;
 
 // What a call needs or does. A disaster fails all calls that have one of its bits.
-enum Trait : unsigned { kPlain = 0, kTakesDescriptor = 1, kTakesSpace = 2, kChanges = 4 };
+enum Trait : unsigned {
+    kPlain = 0,
+    kTakesDescriptor = 1,
+    kTakesSpace = 2,
+    kChanges = 4,
+    kCancels = 8
+};
 
 enum Id : std::size_t {
 #define CALL(id, ...) id,
@@ -53,6 +59,8 @@ struct Plan {
     Disaster disaster = Disaster::kShort;
     bool failed = false;
     long counts[kHookCount] = {};
+    long cancelAfter = -1;
+    bool* cancelled = nullptr;
 };
 thread_local Plan t_plan;
 thread_local faults::Kind t_kind = faults::Kind::kUsual;
@@ -72,9 +80,19 @@ unsigned traitsOf(Disaster disaster) {
     }
 }
 
+/// Requests the cancellation of this thread if it is due.
+void passCancellationPoint() {
+    Plan& plan = t_plan;
+    if (plan.cancelAfter < 0 || plan.cancelAfter-- > 0) return;
+    *plan.cancelled = true;
+    pthread_cancel(pthread_self());
+    pthread_testcancel();
+}
+
 /// @return the error number with which the call must fail; 0 if it must be made
 int dueError(Id hook, unsigned traits) {
     if (faults::isCalm()) return 0;
+    if ((traits & kCancels) != 0) passCancellationPoint();
     Plan& plan = t_plan;
     ++plan.counts[hook];
     const bool affected =
@@ -110,8 +128,8 @@ Function real(std::atomic<Function>& known, const char* name) {
 }
 
 /// Does the work of a function that does nothing but fail.
-int failed(Id hook) {
-    const int error = dueError(hook, kPlain);
+int failed(Id hook, unsigned traits) {
+    const int error = dueError(hook, traits);
     if (error != 0) errno = error;
     return error != 0 ? -1 : 0;
 }
@@ -119,7 +137,8 @@ int failed(Id hook) {
 unsigned opening(int flags) {
     const bool makes = (flags & O_CREAT) != 0;
     const bool changes = makes || (flags & O_TRUNC) != 0 || (flags & O_ACCMODE) != O_RDONLY;
-    return kTakesDescriptor | (makes ? kTakesSpace : kPlain) | (changes ? kChanges : kPlain);
+    return kCancels | kTakesDescriptor | (makes ? kTakesSpace : kPlain) |
+           (changes ? kChanges : kPlain);
 }
 
 }  // namespace
@@ -158,6 +177,10 @@ bool disarmCalls() {
     t_plan.isDisaster = false;
     t_plan.error = 0;
     return t_plan.failed;
+}
+void armCancel(long n, bool* cancelled) {
+    t_plan.cancelAfter = n;
+    t_plan.cancelled = cancelled;
 }
 int injectedError() { return t_plan.error != 0 ? t_plan.error : ENOMEM; }
 const std::vector<long>& callCounts() {
@@ -228,14 +251,16 @@ int fcntl(int fd, int command, ...) {
     va_end(rest);
     NEXT(int, fcntl, (int, int, ...));
     const bool copies = command == F_DUPFD || command == F_DUPFD_CLOEXEC;
-    const int error = dueError(copies ? kDuplicate : kLock, copies ? kTakesDescriptor : kPlain);
+    const int error = dueError(copies ? kDuplicate : kLock, copies                ? kTakesDescriptor
+                                                            : command == F_SETLKW ? kCancels
+                                                                                  : kPlain);
     if (error == 0) return next(fd, command, argument);
     errno = error;
     return -1;
 }
 ssize_t read(int fd, void* buffer, std::size_t size) {
     NEXT(ssize_t, read, (int, void*, std::size_t));
-    const int error = dueError(kRead, kPlain);
+    const int error = dueError(kRead, kCancels);
     if (error == 0) return next(fd, buffer, allowed(size, false));
     errno = error;
     return -1;
@@ -243,7 +268,7 @@ ssize_t read(int fd, void* buffer, std::size_t size) {
 ssize_t write(int fd, const void* buffer, std::size_t size) {
     NEXT(ssize_t, write, (int, const void*, std::size_t));
     size = allowed(size, true);
-    const int error = dueError(kWrite, kTakesSpace | kChanges);
+    const int error = dueError(kWrite, kCancels | kTakesSpace | kChanges);
     if (error == 0) return next(fd, buffer, size);
     errno = error;
     return -1;
@@ -251,7 +276,7 @@ ssize_t write(int fd, const void* buffer, std::size_t size) {
 // A close that fails has nevertheless released the descriptor.
 int close(int fd) {
     NEXT(int, close, (int));
-    const int error = dueError(kClose, kPlain);
+    const int error = dueError(kClose, kCancels);
     const int result = next(fd);
     if (error == 0) return result;
     errno = error;
@@ -294,8 +319,8 @@ int renameat2(int a, const char* from, int b, const char* to, unsigned flags) no
     return -1;
 }
 // The disk is not waited for: no test turns the power off.
-int fsync(int) { return failed(kFsync); }
-int syncfs(int) noexcept { return failed(kSyncFs); }
+int fsync(int) { return failed(kFsync, kCancels); }
+int syncfs(int) noexcept { return failed(kSyncFs, kPlain); }
 #define CALL(id, name, ...)
 #include "tests/faults/Calls.inc"
 

@@ -27,7 +27,10 @@ enum class Disaster {
 /// Makes the call of this hook after n successful ones fail with this error number.
 void armCall(std::size_t hook, long n, int error);
 void armDisaster(Disaster disaster, long n);
-/// Cancels all requests. @return true if a call has failed or was short
+/// Requests the cancellation of the calling thread at the cancellation point after n others.
+/// @param cancelled  receives true then
+void armCancel(long n, bool* cancelled);
+/// Cancels all requests except that of armCancel(). @return true if a call has failed or was short
 bool disarmCalls();
 /// The error number of the failures that are requested; ENOMEM if only allocations fail.
 int injectedError();

@@ -1,5 +1,7 @@
 #include "tests/faults/Injector.hpp"
 
+#include <pthread.h>
+
 #include <atomic>
 #include <cerrno>
 #include <cstddef>
@@ -76,8 +78,14 @@ void arm(long n, Mode mode) {
     t_failed = false;
 }
 bool hasFailed() { return t_failed; }
-Calm::Calm() { ++t_calm; }
-Calm::~Calm() { --t_calm; }
+Calm::Calm() {
+    ++t_calm;
+    pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_iBefore);
+}
+Calm::~Calm() {
+    pthread_setcancelstate(m_iBefore, nullptr);
+    --t_calm;
+}
 bool isCalm() { return t_calm > 0; }
 long liveBlocks() { return g_live.load(std::memory_order_relaxed); }
 

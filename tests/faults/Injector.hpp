@@ -14,13 +14,17 @@ void arm(long n, Mode mode);
 /// Returns true if an allocation has failed since the last arm().
 bool hasFailed();
 
-/// While an object lives, allocations of its thread succeed and are not counted.
+/// While an object lives, allocations and calls of its thread succeed and are not counted, and the
+/// thread cannot be cancelled.
 class Calm {
 public:
     Calm();
     ~Calm();
     Calm(const Calm&) = delete;
     Calm& operator=(const Calm&) = delete;
+
+private:
+    int m_iBefore;  // the cancellation state
 };
 bool isCalm();
 
