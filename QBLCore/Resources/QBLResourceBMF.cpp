@@ -102,10 +102,9 @@ bool QBLResourceBMF::readIndex() {
         drop();
         qblThrowNoMemory(QBL_HERE);
     }
-    bool failed = false;
-    const unsigned got = readUpTo(m_pIndex, size, &failed);
+    const unsigned got = readUpTo(m_pIndex, size);
     m_header.entries = got / kEntrySize;
-    return !failed;
+    return true;
 }
 
 bool QBLResourceBMF::readTexts() {
@@ -117,10 +116,9 @@ bool QBLResourceBMF::readTexts() {
         QBL_RETHROW(e);
     }
     m_textCapacity = m_header.textSize;
-    bool failed = false;
-    const unsigned got = readUpTo(m_pText, m_textCapacity, &failed);
+    const unsigned got = readUpTo(m_pText, m_textCapacity);
     std::memset(m_pText + got, 0, m_textCapacity - got + 1);
-    return !failed;
+    return true;
 }
 
 bool QBLResourceBMF::getResource(unsigned long id, char** text) {

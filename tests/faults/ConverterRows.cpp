@@ -164,7 +164,7 @@ const faults::Rows kRows{
      }},
     {"I18NStringPool", kOutOfMemory,
      [] {
-         I18NStringPool pool(16, "name");
+         I18NStringPool pool(16, "windows-1252");
          const I18NString& text = pool.getPooledString(japaneseText());
          const I18NString& other = pool.getPooledString("plain");
          return calmly([&] { return text.toUtf8() + other.toUtf8(); });

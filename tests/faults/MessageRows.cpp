@@ -168,7 +168,8 @@ std::string textOf(QBLResource* resource) {
     const std::unique_ptr<QBLResource, void (*)(QBLResource*)> owner(
         resource, [](QBLResource* held) { QBLResourceFactory::release(held); });
     char* text = nullptr;
-    need(resource->getResource(2, &text) && text != nullptr);
+    // open() does not examine the results of its reads: a text that was not read is empty.
+    need(resource->getResource(2, &text) && text != nullptr && *text != '\0');
     return calmly([&] { return std::string(text); });
 }
 
@@ -268,7 +269,7 @@ const faults::Rows kRows{
          QBLResourceFile file(texts, "de", 0);
          need(file.isOpen());
          char* text = nullptr;
-         need(file.getResource(2, &text) && text != nullptr);
+         need(file.getResource(2, &text) && text != nullptr && *text != '\0');
          return calmly([&] { return std::string(text); });
      }},
     {"QBLCatalogueSettings.directories", kOutOfMemory | faults::kBadAlloc,

@@ -143,7 +143,9 @@ const faults::Rows kRows{
          need(lock.tryLock() != 0);
          lock.unlock();
          need(lock.boundedReadLock(1));
+         const bool excluded = !lock.boundedLock(1);  // the wait for a reader ends
          lock.unlock();
+         need(excluded);
          return std::string();
      }},
     {"QBLThreadEvents", kThread,
