@@ -18,6 +18,7 @@
 #include "QBLCore/Threads/QBLThreadAutoResetEvent.hpp"
 #include "QBLCore/Threads/QBLThreadConditionVariable.hpp"
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
+#include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Threads/QBLThreadKey.hpp"
 #include "QBLCore/Threads/QBLThreadManualResetEvent.hpp"
 #include "QBLCore/Threads/QBLThreadMutex.hpp"
@@ -165,11 +166,10 @@ const faults::Rows kRows{
      [] {
          QBLThreadCriticalSection lock(0);
          QBLThreadConditionVariable condition;
-         lock.lock();
+         const QBLThreadGuard guard(lock);
          condition.signal();
          condition.broadcast();
          static_cast<void>(condition.timedWait(lock, 1UL));
-         lock.unlock();
          return std::string();
      }},
     {"QBLThreadKey", kThread,

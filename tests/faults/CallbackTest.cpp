@@ -1,0 +1,284 @@
+// Ends each callback of the library by an exception and by pthread_exit, and checks what comes of
+// it, that the operation works afterwards, and that nothing is lost.
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "QBLCore/Exceptions/QBLThrowable.hpp"
+#include "QBLCore/Frame/QBLCore.h"
+#include "QBLCore/Frame/QBLList.hpp"
+#include "QBLCore/ObjectFactory/QBLObjectFactory.hpp"
+#include "QBLCore/ObjectFactory/QBLObjectFactoryItem.hpp"
+#include "QBLCore/PlugIns/QBLPluginLibraryLoader.hpp"
+#include "QBLCore/ThreadPools/QBLExecute.hpp"
+#include "QBLCore/ThreadPools/QBLSubmit.hpp"
+#include "QBLCore/ThreadPools/QBLTaskGroup.hpp"
+#include "QBLCore/ThreadPools/QBLThreadPoolFixed.hpp"
+#include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
+#include "QBLCore/ThreadPools/QBLThreadPoolVariable.hpp"
+#include "QBLCore/Threads/QBLCallableThread.hpp"
+#include "i18n/cpp/i18n_converter.hpp"
+#include "i18n/cpp/i18n_text_stream.hpp"
+#include "tests/faults/Attempt.hpp"
+
+namespace {
+
+struct UserError {};
+
+/// What callbacks do; null does nothing.
+void (*g_end)() = nullptr;
+void end() {
+    if (g_end != nullptr) g_end();
+}
+void throwError() { throw UserError(); }
+void exitThread() { pthread_exit(nullptr); }
+
+/// A value whose copy constructor is a callback.
+struct Value {
+    explicit Value(int i) : text(std::to_string(i) + " is longer than the room inside a string") {}
+    Value(const Value& other) : text(other.text) { end(); }
+    Value& operator=(const Value& other) = default;
+    Value() = default;
+    std::string text;
+};
+
+std::string print(const QBLList<Value>& list) {
+    std::string all;
+    for (const Value& value : list) all += value.text + ",";
+    return all;
+}
+
+template <class Change>
+std::string changedList(Change change) {
+    QBLList<Value> list;
+    for (int i = 0; i < 3; ++i) list.emplace_back(i);
+    faults::changed(list, print, change);
+    return "done";
+}
+
+char g_class[] = "class";
+bool g_endsInCreator = false;
+
+class Item : public QBLObjectFactoryItem {
+public:
+    explicit Item(QBLObjectFactory* factory) : QBLObjectFactoryItem(factory) {}
+    char* getClassId() override { return g_class; }
+    void cleanObject() override {
+        if (!g_endsInCreator && cleans) end();
+    }
+    static QBLObjectFactoryItem* make(QBLObjectFactory* factory) {
+        auto item = std::make_unique<Item>(factory);
+        if (g_endsInCreator) end();
+        return item.release();
+    }
+    bool cleans = true;
+};
+
+std::string createItem(bool endsInCreator) {
+    g_endsInCreator = endsInCreator;
+    QBLObjectFactory factory;
+    factory.registerClass(g_class, &Item::make);
+    const auto again = [](Item* item) {  // a failed release() may be repeated
+        item->cleans = false;
+        item->release();
+    };
+    const std::unique_ptr<Item, decltype(again)> item(
+        static_cast<Item*>(factory.createObject(g_class)), again);
+    item->release();
+    return "done";
+}
+
+char* allocate(void* /*context*/, char* block, int size, int* error) {
+    end();
+    return I18N_STRINGBUFFER_ALLOCATOR_CALLBACK(nullptr, block, size, error);
+}
+
+struct Listener : I18NTextStreamListener {
+    void unconvertible(const I18NUnconvertible& /*what*/) override { end(); }
+};
+
+std::string inThread(const std::function<void()>& code) {
+    QBLCallableThread thread(code);
+    thread.start();
+    thread.join();
+    return "done";
+}
+
+template <class Pool, unsigned long... kArguments>
+std::string submitted() {
+    Pool pool(kArguments...);
+    qblSubmit(pool, [] { end(); }).get();
+    return "done";
+}
+
+template <class Pool, unsigned long... kArguments>
+std::string grouped() {
+    Pool pool(kArguments...);
+    QBLTaskGroup group(pool);
+    for (int i = 0; i < 3; ++i) group.run([] { end(); });
+    group.wait();
+    return "done";
+}
+
+const struct {
+    const char* name;
+    std::string (*run)();
+    const char *thrown, *exited;  // the results; "passed" and "ended" mean that it leaves run()
+} kTable[] = {
+    {"QBLList.push_back",
+     [] {
+         const Value value(7);
+         return changedList([&](QBLList<Value>& list) { list.push_back(value); });
+     },
+     "passed", "ended"},
+    {"QBLList.insert",
+     [] {
+         const Value value(7);
+         return changedList([&](QBLList<Value>& list) { list.insert(++list.begin(), value); });
+     },
+     "passed", "ended"},
+    {"QBLList.assign",
+     [] {
+         const Value values[] = {Value(7), Value(8)};
+         return changedList([&](QBLList<Value>& list) { list.assign(values, values + 2); });
+     },
+     "passed", "ended"},
+    {"QBLObjectFactory.creator", [] { return createItem(true); }, "passed", "ended"},
+    {"QBLObjectFactory.cleanObject", [] { return createItem(false); }, "passed", "ended"},
+    {"I18NStringAllocator",
+     [] {
+         const I18NConverter converter("UTF-8");
+         std::unique_ptr<char, decltype(&std::free)> owner(nullptr, &std::free);
+         char* bytes = nullptr;
+         int size = 0;
+         converter.fromUnicode(&bytes, &size, u"text", &allocate);
+         owner.reset(bytes);
+         return std::string("done");
+     },
+     "QBLUnknownError", "ended"},
+    {"I18NTextStreamListener",
+     [] {
+         const I18NConverter ascii("US-ASCII"), utf8("UTF-8");
+         Listener listener;
+         I18NTextStream stream(&utf8, &ascii, I18N_MARK_KEEP, &listener);
+         stream.put("a\u65E5", 4);
+         stream.finish();
+         return std::string("done");
+     },
+     "passed", "ended"},
+    {"QBLPluginLibraryLoader.initialize",
+     [] {
+         QBLPluginLibraryLoader::initialize(nullptr, &end);
+         QBLPluginLibraryLoader::terminate(nullptr, &end);
+         return std::string("done");
+     },
+     "passed", "ended"},
+    {"QBLCallableThread", [] { return inThread(&end); }, "done", "done"},
+    {"QBLThread.atExit", [] { return inThread([] { QBLThread::atExit(&end, 1); }); }, "done",
+     "done"},
+    {"qblSubmit.fixed", submitted<QBLThreadPoolFixed, 2>, "passed", "QBLThreadResourceError"},
+    {"qblSubmit.queued", submitted<QBLThreadPoolQueued, 2, 8>, "passed", "QBLThreadResourceError"},
+    {"QBLTaskGroup.queued", grouped<QBLThreadPoolQueued, 2, 8>, "QBLUnknownError", "done"},
+    {"qblSubmit.callable",
+     [] {
+         QBLThreadPoolQueued pool(1, 8);
+         const auto task = [value = Value(7)] { return value.text.size(); };
+         qblSubmit(pool, task).get();
+         return std::string("done");
+     },
+     "QBLUnknownError", "ended"},
+    {"qblSubmit.result",
+     [] {
+         QBLThreadPoolQueued pool(1, 8);
+         qblSubmit(pool, [value = std::make_shared<Value>(7)] { return *value; }).get();
+         return std::string("done");
+     },
+     "passed", "QBLThreadResourceError"},
+    {"QBLTaskGroup.callable",
+     [] {
+         QBLThreadPoolQueued pool(1, 8);
+         QBLTaskGroup group(pool);
+         const auto task = [value = Value(7)] { static_cast<void>(value); };
+         group.run(task);
+         group.wait();
+         return std::string("done");
+     },
+     "QBLUnknownError", "ended"},
+    {"I18NUserOutputCallback",
+     [] {
+         I18NConverter ascii("US-ASCII");
+         ascii.setUserDefinedUnconvertibleOutputSequenceCallback(
+             [](wchar_t, const char*, char* bytes, int* count, I18NErrorCodes*) {
+                 end();
+                 bytes[0] = '?';
+                 *count = 1;
+             });
+         char bytes[8];
+         ascii.fromUnicode(bytes, sizeof bytes, u"a\u65E5");
+         return std::string(bytes) == "a?" ? std::string("done") : std::string(bytes);
+     },
+     "I18NRuntimeError", "ended"},
+    {"qblExecute",
+     [] {
+         QBLThreadPoolVariable pool(1, 3, 100);
+         for (int i = 0; i < 3; ++i)
+             if (!qblExecute(
+                     pool, [] { end(); }, 1000))
+                 return std::string("refused");
+         return std::string("done");
+     },
+     "done", "done"},
+};
+
+struct Job {
+    std::string (*run)();
+    std::string result = "ended";
+
+    static void* start(void* given) {
+        Job& job = *static_cast<Job*>(given);
+        try {
+            job.result = job.run();
+        } catch (const UserError&) {
+            job.result = "passed";
+        } catch (const faults::Broken& broken) {
+            job.result = broken.what;
+        } catch (const QBLThrowable& error) {
+            job.result = error.getThrowableName();
+        }
+        return nullptr;
+    }
+};
+
+std::string resultOf(std::string (*run)(), void (*how)()) {
+    g_end = how;
+    Job job{run};
+    pthread_t thread;
+    if (pthread_create(&thread, nullptr, &Job::start, &job) != 0) return "no thread";
+    pthread_join(thread, nullptr);
+    g_end = nullptr;
+    return job.result;
+}
+
+}  // namespace
+
+TEST(Callbacks, EndByExceptionOrThreadExit) {
+    ASSERT_EQ(0, qblCoreInitialize());
+    for (const auto& row : kTable)
+        for (void (*const how)() : {&throwError, &exitThread}) {
+            const bool throws = how == &throwError;
+            SCOPED_TRACE(testing::Message() << row.name << (throws ? " throws" : " exits"));
+            long live[4] = {};
+            for (long& blocks : live) {
+                EXPECT_EQ(throws ? row.thrown : row.exited, resultOf(row.run, how));
+                EXPECT_EQ("done", resultOf(row.run, nullptr));
+                blocks = faults::liveBlocks();
+                if (HasFailure()) return;
+            }
+            EXPECT_FALSE(live[0] < live[1] && live[1] < live[2] && live[2] < live[3])
+                << "lost blocks: " << live[3] - live[0] << " in three runs";
+        }
+    EXPECT_EQ(0, qblCoreTerminate());
+}
