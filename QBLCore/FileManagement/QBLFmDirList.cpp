@@ -1,3 +1,5 @@
+#include <unicode/utf8.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <list>
@@ -8,19 +10,20 @@
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmReadDir.hpp"
 #include "QBLCore/FileManagement/internal/QBLFmSystem.hpp"
-#include "i18n/cpp/utf/i18n_utf.hpp"
 
 namespace {
 
 /// Returns the number of bytes of the UTF-8 character at the beginning of a text; 1 if there is no
 /// valid character.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wconversion"  // of ICU's macro
 std::size_t characterWidth(const char* text) {
-    const auto at = [text](int i) { return static_cast<unsigned char>(text[i]); };
-    const int trails = at(0) < 0xC2 ? 0 : std::min(i18nTrailsAnnounced(at(0)), 3);
-    for (int i = 1; i <= trails; ++i)
-        if (!i18nIsTrail(at(i))) return 1;
-    return static_cast<std::size_t>(trails) + 1;
+    int width = 0;
+    UChar32 character = 0;
+    U8_NEXT(text, width, -1, character);
+    return character < 0 ? 1 : static_cast<std::size_t>(width);
 }
+#pragma GCC diagnostic pop
 
 /// Returns true if the name matches the pattern. After a mismatch, only the last "*" takes one more
 /// character; an earlier "*" need not change. The time is therefore at most proportional to the

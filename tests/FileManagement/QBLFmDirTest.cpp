@@ -131,7 +131,8 @@ TEST(QBLFmDirTest, CreatesDirectoriesConcurrently) {
 
 TEST(QBLFmDirTest, ListsSortedNamesByKindAndPattern) {
     TempTree tree;
-    for (const char* name : {"b.txt", "a.txt", "A.txt", "\xC3\xA9.txt", "\xFF", "x*y"})
+    for (const char* name :
+         {"b.txt", "a.txt", "A.txt", "\xC3\xA9.txt", "\xFF", "\xED\xA0\x80", "x*y"})
         tree.file(name);
     tree.dir("sub");
     tree.dir("other");
@@ -139,7 +140,9 @@ TEST(QBLFmDirTest, ListsSortedNamesByKindAndPattern) {
     std::filesystem::create_symlink("nowhere", tree("broken"));
     Names files{"old"}, dirs;
     ASSERT_TRUE(QBLFmDir::readDir(tree.root(), &files, nullptr, &dirs, ""));
-    EXPECT_EQ((Names{"A.txt", "a.txt", "b.txt", "broken", "x*y", "\xC3\xA9.txt", "\xFF"}), files);
+    EXPECT_EQ(
+        (Names{"A.txt", "a.txt", "b.txt", "broken", "x*y", "\xC3\xA9.txt", "\xED\xA0\x80", "\xFF"}),
+        files);
     EXPECT_EQ((Names{"link", "other", "sub"}), dirs);
     const struct {
         const char* pattern;
