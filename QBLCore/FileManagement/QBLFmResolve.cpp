@@ -23,7 +23,7 @@ public:
         if (!begin()) return false;
         for (;;) {
             const std::string next = takeName();
-            const bool last = m_rest.find_first_not_of('/') == std::string::npos;
+            const bool last = m_rest.find_first_not_of('/', m_iNext) == std::string::npos;
             if (last && (next.empty() || qblIsDots(next.c_str()))) return qblSetErrno(EISDIR);
             QBLFileStatus status;
             const bool there = status.get(m_iFd, next.c_str(), AT_SYMLINK_NOFOLLOW);
@@ -33,7 +33,7 @@ public:
                 if (!follow(next, status)) return false;
             } else if (!last) {
                 if (!enter(openat64(m_iFd, next.c_str(), kOpenFlags))) return false;
-            } else if (!m_rest.empty()) {
+            } else if (m_iNext != m_rest.size()) {
                 return qblSetErrno(there && !status.isDirectory() ? ENOTDIR : EISDIR);
             } else {
                 if (!there && m_bByLink) return qblSetErrno(ENOENT);
@@ -52,16 +52,14 @@ private:
         return fd >= 0;
     }
     bool begin() {
-        const bool absolute = !m_rest.empty() && m_rest[0] == '/';
+        const bool absolute = m_iNext != m_rest.size() && m_rest[m_iNext] == '/';
         if (!absolute && m_iFd >= 0) return true;  // a relative link starts in its own directory
         return enter(open64(absolute ? "/" : ".", kOpenFlags));
     }
     std::string takeName() {
-        const std::size_t from = std::min(m_rest.find_first_not_of('/'), m_rest.size());
-        const std::size_t to = std::min(m_rest.find('/', from), m_rest.size());
-        std::string name = m_rest.substr(from, to - from);
-        m_rest.erase(0, to);
-        return name;
+        const std::size_t from = std::min(m_rest.find_first_not_of('/', m_iNext), m_rest.size());
+        m_iNext = std::min(m_rest.find('/', from), m_rest.size());
+        return m_rest.substr(from, m_iNext - from);
     }
     bool follow(const std::string& name, const QBLFileStatus& link) {
         if (++m_iLinks > kMostLinks) return qblSetErrno(ELOOP);
@@ -73,11 +71,14 @@ private:
         char text[PATH_MAX];
         const ssize_t length = readlinkat(m_iFd, name.c_str(), text, sizeof text);
         if (length <= 0) return length < 0 ? false : qblSetErrno(ENOENT);
-        m_rest.insert(0, text, static_cast<std::size_t>(length));
+        m_rest.replace(0, m_iNext, text, static_cast<std::size_t>(length));
+        m_iNext = 0;
         return begin();
     }
 
-    std::string m_rest;  // the part of the path still to walk; begins with "/" or a name
+    // The part of the path still to walk, from m_iNext; begins with "/" or a name.
+    std::string m_rest;
+    std::size_t m_iNext = 0;
     int m_iFd = -1;
     int m_iLinks = 0;
     bool m_bByLink = false;  // the last name of the path is a link

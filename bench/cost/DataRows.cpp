@@ -6,6 +6,7 @@
 #include "QBLCore/Exceptions/QBLException.hpp"
 #include "QBLCore/Exceptions/QBLWhat.hpp"
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
+#include "QBLCore/FileManagement/QBLFmDirectory.hpp"
 #include "QBLCore/FileManagement/QBLFmEntries.hpp"
 #include "QBLCore/FileManagement/QBLFmLines.hpp"
 #include "QBLCore/FileManagement/skipRootPath.hpp"
@@ -166,6 +167,13 @@ const cost::Rows rows{
              use(skipRootPath(path.c_str()));
              QBLFmDir::resolveEffectivePath(directory);
          });
+     }},
+    {"OpenParent", Order::kLinear, 2048,
+     [](std::size_t n, Work& work) {
+         const std::string path = repeated("./", n) + "x";
+         QBLFmDirectory parent;
+         std::string name;
+         work.of([&] { use(parent.openParent(path.c_str(), name)); });
      }},
     {"CreateDirectories", Order::kLinear, 16,
      [](std::size_t n, Work& work) {
