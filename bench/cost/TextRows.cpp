@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 #include <sstream>
@@ -38,14 +39,22 @@ void decode(Work& work, const char* encoding, const std::string& bytes, int poli
     });
 }
 
-/// Converts by a stream, in pieces of one byte.
+struct Listener : I18NTextStreamListener {
+    void unconvertible(const I18NUnconvertible& what) override { use(what); }
+};
+
+/// Converts by a stream, in pieces of one byte and as a whole.
 void stream(Work& work, const char* from, const char* to, const std::string& bytes) {
     const I18NConverter in(from), out(to);
-    I18NTextStream stream(&in, &out);
-    work.of([&] {
-        for (const char& byte : bytes) stream.put(&byte, 1);
-        stream.finish();
-    });
+    Listener listener;
+    for (const std::size_t piece : {std::size_t{1}, bytes.size()}) {
+        I18NTextStream stream(&in, &out, I18N_MARK_KEEP, &listener);
+        work.of([&] {
+            for (std::size_t at = 0; at < bytes.size(); at += piece)
+                stream.put(bytes.data() + at, std::min(piece, bytes.size() - at));
+            stream.finish();
+        });
+    }
 }
 
 /// Reads a file as the resource file.
@@ -215,12 +224,14 @@ const cost::Rows rows{
              }
          });
      }},
-    {"StreamSingleBytes", Order::kLinear, 512,
+    {"StreamPieces", Order::kLinear, 512,
      [](std::size_t n, Work& work) {
          stream(work, "UTF-8", "UTF-16", repeated("\xF0\x90\x80\xE4\xB8\xADz\n", n));
          stream(work, "ISO-2022-JP", "Shift_JIS", repeated("\x1B$B0!\x1B(B", n));
          stream(work, "UTF-7", "UTF-8", "+" + repeated("AGEAYQBh", n));
          stream(work, "GB18030", "US-ASCII", repeated("\x81\x30\x81\x30\x81", n));
+         stream(work, "UTF-16LE", "x11-compound-text", repeated("\x3D\xD8", n));
+         stream(work, "UTF-8", "ISO-2022-CN", repeated("\u00E9\u4E2D\xFF\U0001F600", n));
      }},
     {"EncodingAndLocaleNames", Order::kLinear, 2048,
      [](std::size_t n, Work& work) {

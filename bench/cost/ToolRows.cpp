@@ -157,6 +157,8 @@ const cost::Rows rows{
          convert(work, repeated("a\u00BD\xFF", n), {"-t", "US-ASCII", "-p", "skip", "-v", "-X"});
          const TempTree tree;
          run(work, {"-n", "-f", "US-ASCII", tree.file("in", repeated("\xFF", n))});
+         for (const char* const text : {"\xE9 caf\xE9 ", "\x81\x40\x83\x65", "+AGE- "})
+             run(work, {"-g", tree.file("in", repeated(text, 16 * n))});
      }},
     {"ManyOperandsAndNames", Order::kLinearLog, 64,
      [](std::size_t n, Work& work) {
