@@ -10,9 +10,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-#include <utility>
 
 #include "QBLCore/Frame/QBLCore.h"
+#include "fuzz/support/Capture.hpp"
 #include "tools/qblmsgc/Commands.hpp"
 
 namespace {
@@ -22,30 +22,6 @@ constexpr std::size_t kMostPieces = 64;  // a socket buffers this many pieces wi
 void require(bool holds) {
     if (!holds) std::abort();
 }
-
-/// Captures all output to stdout or stderr until it is destroyed.
-class Capture {
-public:
-    explicit Capture(std::FILE*& stream) : m_stream(stream), m_pSaved(stream) {
-        m_stream = open_memstream(&m_pBytes, &m_iSize);
-    }
-    ~Capture() {
-        std::fclose(std::exchange(m_stream, m_pSaved));
-        std::free(m_pBytes);
-    }
-    Capture(const Capture&) = delete;
-    Capture& operator=(const Capture&) = delete;
-    std::string text() const {
-        std::fflush(m_stream);
-        return {m_pBytes, m_iSize};
-    }
-
-private:
-    std::FILE*& m_stream;
-    std::FILE* const m_pSaved;
-    char* m_pBytes = nullptr;
-    std::size_t m_iSize = 0;
-};
 
 /// Puts a text into the standard input, so that each read() returns one piece.
 void feed(const std::string& text, std::size_t piece) {
