@@ -56,7 +56,7 @@ void compile(Work& work, const std::string& text) {
         const msgc::Entries entries = parseSource(source, report);
         checkPatterns(entries, source, report);
         compareWithReference({source, entries}, {source, entries}, report);
-        use(headerText(entries, "a.h", "source"));
+        use(headerText(entries, "a.h", "source", {}));
         if (!fitsBmf(entries)) return;
         const std::string bytes = writeBmf(entries);
         std::vector<msgc::BmfText> texts;
