@@ -13,6 +13,8 @@
 #include "QBLCore/PlugIns/QBLPluginLibraryLoader.hpp"
 #include "QBLCore/Threads/QBLSignalWaiter.hpp"
 #include "QBLCore/Threads/QBLThread.hpp"
+#include "QBLCore/Threads/QBLThreadRWGuard.hpp"
+#include "QBLCore/Threads/QBLThreadRWLock.hpp"
 #include "QBLCore/Threads/QBLThreadSemaphore.hpp"
 #include "tests/faults/Rows.hpp"
 #include "tests/support/TempTree.hpp"
@@ -183,6 +185,13 @@ const faults::Rows kRows{
     {"QBLThread.sleep", faults::kNothing,
      [] {
          QBLThread::sleep(1);
+         return std::string();
+     }},
+    {"QBLThreadRWLock.boundedLock", kThreadResource | kOutOfMemory,
+     [] {
+         QBLThreadRWLock lock;
+         const QBLThreadRWGuard guard(lock, 0);
+         need(!lock.boundedLock(1));
          return std::string();
      }},
     {"QBLThreadSemaphore.boundedWait", kThreadResource | kRefuses | kOutOfMemory,
