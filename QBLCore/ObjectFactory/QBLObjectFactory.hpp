@@ -38,6 +38,7 @@ public:
     /// Creates an item on the heap for the given factory. It may return null.
     typedef QBLObjectFactoryItem* (*Creator)(QBLObjectFactory*);
 
+    /// @throws QBLOutOfMemoryError; QBLThreadResourceError if the system has no lock
     QBLObjectFactory();
     /// Does the work of clearLists().
     ~QBLObjectFactory();
@@ -50,7 +51,7 @@ public:
 
     /// @param classId  not owned; must stay a valid pointer while it is registered
     /// @throws QBLIllegalStateError if the id is already registered; QBLIllegalArgumentError if the
-    ///     creator is null
+    ///     creator is null; the errors of the constructor
     void registerClass(char* classId, Creator creator);
     /// Removes a class and deletes its free items.
     /// @throws QBLIllegalStateError if the id is not registered, or if an item of the class is
