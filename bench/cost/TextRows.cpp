@@ -252,7 +252,7 @@ const cost::Rows rows{
     {"ResourceFileLists", Order::kLinearLog, 4096,
      [](std::size_t n, Work& work) {
          std::string list;
-         for (std::size_t i = n; i > 0; --i) list += std::to_string(i % 50000) + ";";
+         for (std::size_t i = n; i > 0; --i) list += std::to_string(i * 7919 % 50000) + ";";
          load(work, "<nonNormalizableCharacters value=\"" + list + "\"/>\n");
          load(work, "<output><encoding value=\"" + repeated("UTF-8;ascii;x;", n) + "\"/>\n");
      }},

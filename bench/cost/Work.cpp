@@ -8,12 +8,6 @@
 #include <cstdlib>
 #include <new>
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define COST_REPLACES 0  // the sanitizer has its own functions
-#else
-#define COST_REPLACES 1
-#endif
-
 namespace {
 
 std::uint64_t g_moved = 0;
@@ -61,7 +55,7 @@ std::vector<Row>& rows() {
 
 }  // namespace cost
 
-#if COST_REPLACES
+#ifdef COST_REPLACES  // not with a sanitizer, which has its own functions
 // Compiled without built-in functions, so that the loops stay loops.
 namespace {
 
