@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "QBLCore/Exceptions/QBLError.hpp"
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "tests/support/ThrowChecks.hpp"
@@ -29,7 +30,7 @@ TEST(QBLDeferredThrowableTest, ThrowsTheErrorOfAnotherThreadWithItsClass) {
     }
     deferred = copy;
     QBL_EXPECT_THROW(deferred.check(QBL_HERE, nullptr, nullptr), QBLIllegalStateError,
-                     "from the worker");
+                     "from the worker", 4);
     deferred.clear();
     deferred.check(QBL_HERE, nullptr, "CHECK");
 }

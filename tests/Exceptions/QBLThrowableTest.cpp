@@ -107,7 +107,7 @@ TEST(QBLThrowableTest, EveryThrowAndRethrowAddsAnEntryNewestFirst) {
 }
 
 TEST(QBLThrowableTest, ThrowsBracesAndByAnOwnHurl) {
-    QBL_EXPECT_THROW(QBL_THROW(QBLError{1, "braces"}), QBLError, "braces");
+    QBL_EXPECT_THROW(QBL_THROW(QBLError{1, "braces"}), QBLError, "braces", 1);
     try {
         QBL_THROW(NamedError(1, "x"));
     } catch (NamedError& e) {
@@ -214,5 +214,5 @@ TEST(QBLThrowableTest, TranslatesForeignExceptions) {
     QBL_EXPECT_THROW(translate(std::bad_alloc()), QBLOutOfMemoryError, nullptr);
     QBL_EXPECT_THROW(translate(std::runtime_error("what")), QBLStdExceptionError, "what");
     QBL_EXPECT_THROW(translate(42), QBLUnknownError, nullptr);
-    QBL_EXPECT_THROW(translate(OwnError(1, "own")), OwnError, "own");
+    QBL_EXPECT_THROW(translate(OwnError(1, "own")), OwnError, "own", 1);
 }

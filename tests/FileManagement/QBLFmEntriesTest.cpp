@@ -73,9 +73,9 @@ TEST(QBLFmEntriesTest, ReportsWhatItCannotList) {
     const TempTree tree;
     const std::string absent = tree("absent");
     const std::string text = "QBLFmEntries: cannot list " + absent + ": No such file or directory";
-    QBL_EXPECT_THROW(QBLFmEntries(absent.c_str()), QBLSystemError, text.c_str());
+    QBL_EXPECT_THROW(QBLFmEntries(absent.c_str()), QBLSystemError, text.c_str(), ENOENT);
     QBL_EXPECT_THROW(QBLFmEntries(static_cast<const char*>(nullptr)), QBLSystemError,
-                     "QBLFmEntries: cannot list (null): Bad address");
+                     "QBLFmEntries: cannot list (null): Bad address", EFAULT);
     EXPECT_THROW(QBLFmEntries(std::string("/\0x", 3)), QBLSystemError);
     EXPECT_THROW(QBLFmEntries{QBLFmDirectory()}, QBLSystemError);
 }

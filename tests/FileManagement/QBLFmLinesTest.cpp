@@ -65,7 +65,7 @@ TEST(QBLFmLinesTest, DeliversTheLinesBeforeMalformedTextAndThenTellsWhere) {
     EXPECT_EQ(2, lines.getLineNumber());
     const std::string text =
         "QBLFmLines: " + path.string() + ": byte 11, line 3, column 4: FF is not in UTF-8";
-    QBL_EXPECT_THROW(lines.getLine(line), I18NRuntimeError, text.c_str());
+    QBL_EXPECT_THROW(lines.getLine(line), I18NRuntimeError, text.c_str(), I18N_CONVERSION);
     EXPECT_FALSE(lines.getLine(line));
     I18NConverter lenient("UTF-8");
     lenient.setBuiltInUnconvertibleInputSequenceCallback(I18N_SUBSTITUTE);
@@ -85,7 +85,7 @@ TEST(QBLFmLinesTest, ReportsWhatItCannotRead) {
     const TempTree tree;
     const std::string absent = tree("absent");
     const std::string text = "QBLFmLines: cannot read " + absent + ": No such file or directory";
-    QBL_EXPECT_THROW(QBLFmLines(absent.c_str()), QBLSystemError, text.c_str());
+    QBL_EXPECT_THROW(QBLFmLines(absent.c_str()), QBLSystemError, text.c_str(), ENOENT);
     EXPECT_THROW(QBLFmLines(static_cast<const char*>(nullptr)), QBLSystemError);
     EXPECT_THROW(QBLFmLines(std::string("/\0x", 3)), QBLSystemError);
     EXPECT_THROW(QBLFmLines(tree.file("x"), "no-such-encoding"), I18NRuntimeError);

@@ -55,7 +55,7 @@ TEST(QBLPluginTest, StaysForAnErrorOfItsOwnClass) {
         FAIL();
     }
     EXPECT_TRUE(thrown.isLoaded());
-    QBL_EXPECT_THROW(std::rethrow_exception(kept), DiskFault, "");
+    QBL_EXPECT_THROW(std::rethrow_exception(kept), DiskFault, "", 16);
     try {
         const QBLPlugin plugin(handling.path);
         throw DiskFault(1);

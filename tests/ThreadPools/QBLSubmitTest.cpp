@@ -82,7 +82,7 @@ TEST_F(QBLSubmitTest, FutureHasTheErrorOfWhateverWentWrong) {
         return qblSubmit(direct, [body, held = m_held] { body(); });
     };
     auto own = submit([] { QBL_THROW(QBLIllegalStateError(4, "own")); });
-    QBL_EXPECT_THROW(own.get(), QBLIllegalStateError, "own");
+    QBL_EXPECT_THROW(own.get(), QBLIllegalStateError, "own", 4);
     EXPECT_THROW(submit([] { throw 5; }).get(), int);
     direct.refusing = true;
     const auto nothing = [] { ADD_FAILURE() << "a refused task ran"; };

@@ -62,7 +62,8 @@ TEST(QBLSignalWaiterTest, CancelledWaitTakesNothing) {
 TEST(QBLSignalWaiterTest, LeavesTheMaskUnchangedWhenItThrows) {
     for (const int signal : {-1, 0, 32, 1000, SIGKILL, SIGSTOP, SIGSEGV})
         QBL_EXPECT_THROW(QBLSignalWaiter({SIGUSR1, signal}), QBLIllegalArgumentError,
-                         "QBLSignalWaiter::QBLSignalWaiter: no waiter can take this signal");
+                         "QBLSignalWaiter::QBLSignalWaiter: no waiter can take this signal",
+                         signal);
     if (kSanitizer) return;  // the sanitizer itself needs a descriptor to check a virtual table
     rlimit before{};
     ASSERT_EQ(0, getrlimit(RLIMIT_NOFILE, &before));

@@ -216,7 +216,8 @@ TEST(I18NConverterTest, FixedBuffersReportIfTheyAreTooSmall) {
             expect(buffer, in[size], error);
         }
     char three[3];
-    QBL_EXPECT_THROW(I18NConverter("").fromUnicode(three, 3, u"abc"), I18NRuntimeError, nullptr);
+    QBL_EXPECT_THROW(I18NConverter("").fromUnicode(three, 3, u"abc"), I18NRuntimeError, nullptr,
+                     I18N_TOO_SMALL);
     EXPECT_STREQ("ab", three);
 }
 
@@ -400,7 +401,8 @@ TEST(I18NConverterTest, RecognizesEncodingsByName) {
 TEST(I18NConverterTest, RejectsUnknownEncodings) {
     const std::string text =
         "The specified encoding is not valid: \"" + std::string(60, 'x') + "\".";
-    QBL_EXPECT_THROW(I18NConverter(std::string(61, 'x').c_str()), I18NRuntimeError, text.c_str());
+    QBL_EXPECT_THROW(I18NConverter(std::string(61, 'x').c_str()), I18NRuntimeError, text.c_str(),
+                     I18N_ENCODING);
 }
 
 TEST(I18NConverterTest, ReportsExhaustedMemory) {

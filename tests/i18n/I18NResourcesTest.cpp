@@ -376,14 +376,18 @@ TEST_F(I18NResourcesTest, ThrowsIfAMapCannotBeFilled) {
     std::string out;
     std::u16string symbol;
     QBL_EXPECT_THROW(resources().getSymbolForISOCode("EUR", en, symbol), I18NRuntimeError,
-                     "An error occured while populating the currency code to currency symbol map");
+                     "An error occured while populating the currency code to currency symbol map",
+                     I18N_UNEXPECTED);
     QBL_EXPECT_THROW(
         resources().getNumbDecimPlacesForCurrency("EUR"), I18NRuntimeError,
-        "An error occured while populating the currency code to number of decimal places map");
+        "An error occured while populating the currency code to number of decimal places map",
+        I18N_UNEXPECTED);
     QBL_EXPECT_THROW(resources().getISOCurrencyCodeForCountry("DE", out), I18NRuntimeError,
-                     "An error occured while populating the country to currency map");
+                     "An error occured while populating the country to currency map",
+                     I18N_UNEXPECTED);
     QBL_EXPECT_THROW(resources().getDefaultLocaleForLanguage("de", out), I18NRuntimeError,
-                     "An error occured while populating the language to locale map");
+                     "An error occured while populating the language to locale map",
+                     I18N_UNEXPECTED);
     EXPECT_EQ(u"No description", resources().getCurrencyDescription("EUR", en));
     m_tree.file("qbli18nrescr_en.xml",
                 "<entry name=\"EUR\">\n<value symbol=\"E\" decimals=\"x\"/>\n</entry>\n"

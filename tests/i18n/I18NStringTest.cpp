@@ -188,7 +188,7 @@ TEST(I18NStringTest, ConvertsWithConvertersInBothDirections) {
         "e %U4E2D",
         text.c_str(latin));
     latin.setBuiltInUnconvertibleOutputSequenceCallback(I18N_STOP);
-    QBL_EXPECT_THROW(text.c_str(latin), I18NRuntimeError, nullptr);
+    QBL_EXPECT_THROW(text.c_str(latin), I18NRuntimeError, nullptr, I18N_CONVERSION);
     EXPECT_EQ(I18NString("\u00DF"), I18NString("\xDF", latin));
     I18NString changed("old");
     latin.toUnicode(changed, "\xE9t\xE9", -1);
@@ -227,7 +227,7 @@ TEST(I18NStringTest, ReadsOtherEncodingsOnceTheLayerIsInitialised) {
     EXPECT_EQ(cyrillic.c_str(), cyrillic.c_str("utf-8"));
     EXPECT_FALSE(I18NString("abc", "windows-1251").isUsingAsciiBuffer());
     QBL_EXPECT_THROW(I18NString("x", "no such one"), I18NRuntimeError,
-                     "The specified encoding is not valid: \"no such one\".");
+                     "The specified encoding is not valid: \"no such one\".", I18N_ENCODING);
     I18NTerminate();
     EXPECT_TRUE(I18NString("\xFF", "windows-1251").empty());
 }
@@ -348,10 +348,10 @@ TEST(I18NStringTest, UsesACallersBufferUpToItsSize) {
         text += L"c\u00E9";
         EXPECT_EQ(std::u16string(u"abc\u00E9"), buffer);
         QBL_EXPECT_THROW(text += L"12345678", I18NRuntimeError,
-                         "Cannot resize a static external buffer.");
+                         "Cannot resize a static external buffer.", I18N_UNEXPECTED);
         EXPECT_EQ("abc\u00E9", text.toUtf8()) << "the text is unchanged";
         QBL_EXPECT_THROW(text = L"\u0958\u0958\u0958\u0958", I18NRuntimeError,
-                         "Cannot resize a static external buffer.");
+                         "Cannot resize a static external buffer.", I18N_UNEXPECTED);
         EXPECT_EQ("abc\u00E9", text.toUtf8())
             << "unchanged if only the normalised text does not fit";
         buffer[1] = u'\0';
@@ -360,7 +360,7 @@ TEST(I18NStringTest, UsesACallersBufferUpToItsSize) {
         char odd[9];
         EXPECT_EQ(4, text.copyToExternalBuffer(odd + 1, 8));
         QBL_EXPECT_THROW(text.resizeExternalBuffer(), I18NRuntimeError,
-                         "Cannot resize a static external buffer.");
+                         "Cannot resize a static external buffer.", I18N_UNEXPECTED);
         EXPECT_TRUE(text.empty());
     }
     EXPECT_EQ(u'a', buffer[0]);

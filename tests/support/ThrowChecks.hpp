@@ -7,8 +7,15 @@
 
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
 
-/// Expects a statement to throw exactly Class with exactly this message text (null: no text).
-#define QBL_EXPECT_THROW(statement, Class, text)                                        \
+/// What QBL_EXPECT_THROW expects of an error.
+struct ExpectedError {
+    const char* text;
+    long code = 0;
+};
+
+/// Expects a statement to throw exactly Class with exactly this message text (null: no text), and
+/// with the error code that follows the text, or 0.
+#define QBL_EXPECT_THROW(statement, Class, ...)                                         \
     do {                                                                                \
         bool qblThrown = false;                                                         \
         try {                                                                           \
@@ -16,8 +23,9 @@
         } catch (QBLThrowable & qblError) {                                             \
             qblThrown = true;                                                           \
             EXPECT_STREQ(#Class, qblError.getThrowableName());                          \
-            const char* qblText = text;                                                 \
-            EXPECT_STREQ(qblText, qblError.getMessage());                               \
+            const ExpectedError qblExpected{__VA_ARGS__};                               \
+            EXPECT_STREQ(qblExpected.text, qblError.getMessage());                      \
+            EXPECT_EQ(qblExpected.code, qblError.getErrorCode());                       \
             EXPECT_FALSE(qblError.getBackTrace().empty()) << "not thrown by QBL_THROW"; \
         }                                                                               \
         EXPECT_TRUE(qblThrown) << #statement " threw no QBLThrowable";                  \
