@@ -31,6 +31,16 @@ TEST(QBLDeferredThrowableTest, ThrowsTheErrorOfAnotherThreadWithItsClass) {
     deferred = copy;
     QBL_EXPECT_THROW(deferred.check(QBL_HERE, nullptr, nullptr), QBLIllegalStateError,
                      "from the worker", 4);
+    const QBLError other(9, "another");
+    deferred = other;
+    QBL_EXPECT_THROW(deferred.check(QBL_HERE, nullptr, nullptr), QBLError, "another", 9);
+    QBLDeferredThrowable& self = deferred;
+    deferred = self;
+    deferred = *deferred.get();
+    QBL_EXPECT_THROW(deferred.check(QBL_HERE, nullptr, nullptr), QBLError, "another", 9);
+    deferred = QBLDeferredThrowable();
+    EXPECT_EQ(nullptr, deferred.get());
+    deferred = copy;
     deferred.clear();
     deferred.check(QBL_HERE, nullptr, "CHECK");
 }

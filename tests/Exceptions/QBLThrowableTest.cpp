@@ -106,6 +106,24 @@ TEST(QBLThrowableTest, EveryThrowAndRethrowAddsAnEntryNewestFirst) {
     }
 }
 
+TEST(QBLThrowableTest, AnAssignedErrorHasTheTextCodeAndTraceOfTheOther) {
+    QBLError from(QBLSeverityWarning, 5, "new"), to(1, "old");
+    from.addBackTrace(QBLFileLocation("f.cpp", 3), "detail", nullptr);
+    to.addBackTrace(QBLFileLocation("g.cpp", 4), "a", nullptr);
+    to.addBackTrace(QBLFileLocation("g.cpp", 5), "b", nullptr);
+    to = from;
+    EXPECT_STREQ(from.toString(), to.toString());
+    EXPECT_EQ(5, to.getErrorCode());
+    const QBLError& self = to;
+    to = self;
+    EXPECT_STREQ(from.toString(), to.toString()) << "assigned to itself";
+    to.clear();
+    EXPECT_TRUE(to.getBackTrace().empty());
+    EXPECT_EQ(1U, from.getBackTrace().size());
+    to.addBackTrace(QBLFileLocation("g.cpp", 6), "c", nullptr);
+    EXPECT_EQ(1U, to.getBackTrace().size()) << "usable after clear()";
+}
+
 TEST(QBLThrowableTest, ThrowsBracesAndByAnOwnHurl) {
     QBL_EXPECT_THROW(QBL_THROW(QBLError{1, "braces"}), QBLError, "braces", 1);
     try {

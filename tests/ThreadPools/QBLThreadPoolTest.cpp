@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
 #include <cstring>
+#include <fstream>
 #include <functional>
 #include <initializer_list>
 #include <memory>
@@ -12,6 +14,7 @@
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Frame/QBLCore.h"
+#include "QBLCore/ThreadPools/QBLSubmit.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolFixed.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolVariable.hpp"
@@ -332,6 +335,22 @@ TEST_F(QBLThreadPoolTest, StopFlagWakesWaitingSubmittersAndLosesNoTask) {
         EXPECT_TRUE(eventually([&] { return counting.runs == accepted; }))
             << "kind " << round % 3 << ": tasks must run before the destructor is called";
     }
+}
+
+// A worker that spins never gives its processor away.
+TEST_F(QBLThreadPoolTest, VariableWorkersSleepWhileIdleEvenWithoutAnIdleTime) {
+    QBLThreadPoolVariable pool(1, 0, 0);
+    const auto worker = qblSubmitFor(pool, QBLWaitForever, [] { return gettid(); }).get();
+    const auto sleeps = [worker] {
+        std::ifstream in("/proc/self/task/" + std::to_string(worker) + "/status");
+        std::string word;
+        long count = 0;
+        while (in >> word && word != "voluntary_ctxt_switches:") continue;
+        in >> count;
+        return count;
+    };
+    const long before = sleeps();
+    EXPECT_TRUE(eventually([&] { return sleeps() > before + 20; }));
 }
 
 TEST_F(QBLThreadPoolTest, FixedStartsWithIdleWorkers) {

@@ -327,6 +327,35 @@ TEST(I18NConverterTest, StreamsCountATerminatingNull) {
     }
 }
 
+TEST(I18NConverterTest, ABlockTakesThePendingOutputOnce) {
+    const I18NConverter converter("UTF-8");
+    const auto expectRest = [](const std::string& rest, auto call) {
+        for (const std::string& expected : {rest, std::string()}) {
+            char* block = nullptr;
+            int size = 77;
+            call(&block, &size);
+            EXPECT_EQ(expected.empty(), block == nullptr);
+            EXPECT_EQ(expected, block == nullptr ? "" : std::string(block, std::size_t(size)));
+            std::free(block);
+        }
+    };
+    for (int round = 0; round < 2; ++round) {
+        char buffer[4];
+        int written = 0, consumed = 0;
+        I18NErrorCodes error = I18N_OK;
+        converter.fromUnicodeStream(buffer, 2, u"\u00E9", 2, &written, &consumed, &error);
+        EXPECT_EQ(I18N_STREAM_FULL, error);
+        expectRest(std::string("\xA9\0", 2), [&](char** block, int* size) {
+            converter.fromUnicodeStream(block, size, nullptr, 0);
+        });
+        converter.toUnicodeStream(buffer, 4, "\xF0\x9F\x98\x80", 4, &written, &consumed, &error);
+        EXPECT_EQ(I18N_STREAM_FULL, error);
+        expectRest(std::string("\x00\xDE\0\0", 4), [&](char** block, int* size) {
+            converter.toUnicodeStream(reinterpret_cast<void**>(block), size, nullptr, 0);
+        });
+    }
+}
+
 TEST(I18NConverterTest, BlocksGrowOnceToTheNeededSize) {
     constexpr std::size_t kCount = 100000;
     I18NConverter converter("US-ASCII");

@@ -3,6 +3,7 @@
 #include <unicode/unistr.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
@@ -166,6 +167,34 @@ void edit(std::minstd_rand& random, const std::u16string& piece, Model& model, I
 }
 
 }  // namespace
+
+// Offsets and counts that are out of range, and texts of each kind, also null.
+TEST(I18NStringTest, WideTextsEditAsStringsDo) {
+    const struct {
+        const wchar_t* wide;
+        const char16_t* units;
+    } texts[] = {{nullptr, u""},         {L"", u""},
+                 {L"x", u"x"},           {L"xyz", u"xyz"},
+                 {L"\u4E2D", u"\u4E2D"}, {L"a\U0001F600z", u"a\U0001F600z"}};
+    for (const std::u16string base : {u"", u"abcd", u"a\u4E2D\u4E2Dd"})
+        for (const auto& text : texts)
+            for (const int offset : {INT_MIN, -1, 0, 1, 3, 4, 5, INT_MAX})
+                for (const int count : {INT_MIN, -1, 0, 1, 2, 4, 5, INT_MAX}) {
+                    const std::string where = std::to_string(offset) + ", " + std::to_string(count);
+                    const std::size_t at =
+                        offset < 0 ? 0 : std::min<std::size_t>(offset, base.size());
+                    std::u16string inserted = base;
+                    inserted.insert(at, text.units);
+                    EXPECT_EQ(I18NString(inserted), I18NString(base).insert(offset, text.wide))
+                        << where;
+                    EXPECT_EQ(I18NString(base).replace(offset, count, I18NString(text.units)),
+                              I18NString(base).replace(offset, count, text.wide))
+                        << where;
+                    I18NString appended(base);
+                    EXPECT_EQ(I18NString(base + text.units), appended.append(text.wide)) << where;
+                    EXPECT_EQ(I18NString(text.units), appended = text.wide) << where;
+                }
+}
 
 TEST(I18NStringTest, FollowsAModelThroughRandomEdits) {
     std::minstd_rand random(seedOfThisRun());
