@@ -151,8 +151,8 @@ void checkLanguageFile() {
 }
 
 const TempTree& tree() {
-    static const TempTree made;
-    return made;
+    static const TempTree kMade;
+    return kMade;
 }
 
 }  // namespace

@@ -163,13 +163,13 @@ void checkInUtf8(const std::string& path, const std::string& relative) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const TempTree tree;
+    static const TempTree kTree;
     Input input(data, size);
     const std::string first = input.line(), second = input.line();
     std::setlocale(LC_CTYPE, "C");
     checkSplit(first);
     checkJoin(first, second);
-    checkPattern(tree, first, second);
+    checkPattern(kTree, first, second);
     checkTokens(first, second);
     std::setlocale(LC_CTYPE, "C.UTF-8");
     checkInUtf8(first, second);

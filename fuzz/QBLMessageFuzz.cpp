@@ -106,7 +106,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const TempTree tree;
+    static const TempTree kTree;
     Input input(data, size);
     const char* const locale = kLocales[input.below(std::size(kLocales))];
     const Input atArguments = input;
@@ -119,8 +119,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     input = atArguments;
     arguments.read(input, texts);
 
-    const std::string base = tree("texts");
-    tree.file("texts.bmf", bmfBytes(texts));
+    const std::string base = kTree("texts");
+    kTree.file("texts.bmf", bmfBytes(texts));
     QBLMessage message(base.c_str(), 0);
     QBLMessageFile kept(base.c_str(), 0);
     for (const QBLMessageParm& parm : arguments.parms) {

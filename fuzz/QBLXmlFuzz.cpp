@@ -68,7 +68,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const std::size_t end = std::min(whole.find('\0', at), whole.size());
         const std::string raw = whole.substr(at, end - at);
         const std::string safe = qblXmlEscape(std::string_view(raw));
-        require(XmlCheck::isWellFormed("<a b=\"" + safe + "\">" + safe + "</a>"));
+        require(XmlCheck::isWellFormed(
+            std::string("<a b=\"").append(safe).append("\">").append(safe).append("</a>")));
         escaped.push_back(qblXmlEscape(I18NString(raw)));
         require(XmlCheck::isWellFormed("<a b=\"" + escaped.back().toUtf8() + "\"/>"));
         at = end + 1;

@@ -177,14 +177,14 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const TempTree tree;
-    static const std::string folders[] = {tree.dir("in"), tree.dir("out"), tree.dir("strict")};
+    static const TempTree kTree;
+    static const std::string kFolders[] = {kTree.dir("in"), kTree.dir("out"), kTree.dir("strict")};
     Input input(data, size);
     const Choices choices(input);
     std::string name = "x" + input.bytes(input.below(8));
     for (char& c : name)
         if (c == '/' || c == '\0') c = '&';
-    Checks checks(tree, name, input.rest(), choices);
+    Checks checks(kTree, name, input.rest(), choices);
     checks.checkReading();
     checks.checkConversion();
     checks.remove();

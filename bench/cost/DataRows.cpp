@@ -70,7 +70,7 @@ void list(Work& work, const std::string& pattern) {
         [&] { use(QBLFmDir::readDir(tree.root(), &names, pattern.c_str(), nullptr, nullptr)); });
 }
 
-const cost::Rows rows{
+const cost::Rows kRows{
     {"FormatManyArguments", Order::kLinear, 512,
      [](std::size_t n, Work& work) {
          format(work, repeated("{0} '{'{9} ''", n));
@@ -252,7 +252,8 @@ const cost::Rows rows{
              for (const std::string& text : {real, nines, zeros + "1", zeros + "." + zeros + "5"}) {
                  use(QBLTypeCast::string2double(&value, text.c_str()));
                  use(QBLTypeCast::string2int32(&number, text.c_str()));
-                 use(QBLTypeCast::string2DTinterval(&interval, (text + " 10:00").c_str()));
+                 use(QBLTypeCast::string2DTinterval(&interval,
+                                                    std::string(text).append(" 10:00").c_str()));
                  use(QBLTypeCast::string2time(&time, ("10:00:00." + text).c_str()));
              }
          });

@@ -77,7 +77,7 @@ std::string colliding(std::size_t number) {
     return text;
 }
 
-const cost::Rows rows{
+const cost::Rows kRows{
     {"FindRepetitive", Order::kQuadratic, 128,
      [](std::size_t n, Work& work) {
          const I18NString text = stringOf(n, "a"), wanted = stringOf(n / 2, "a") + "b";

@@ -72,6 +72,7 @@ void compile(Work& work, const std::string& text) {
 void run(Work& work, std::vector<std::string> words) {
     words.insert(words.begin(), "qblconv");
     std::vector<char*> argv;
+    argv.reserve(words.size() + 1);
     for (std::string& word : words) argv.push_back(&word[0]);
     argv.push_back(nullptr);
     const Silence silence;
@@ -105,7 +106,7 @@ void show(Work& work, const std::string& text, std::size_t piece) {
     writer.join();
 }
 
-const cost::Rows rows{
+const cost::Rows kRows{
     {"CompileManyMessages", Order::kLinearLog, 256,
      [](std::size_t n, Work& work) {
          std::string text;

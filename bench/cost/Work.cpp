@@ -24,8 +24,8 @@ int openCounter() {
 }
 
 int counter() {
-    static const int s_iFile = openCounter();
-    return s_iFile;
+    static const int kFile = openCounter();
+    return kFile;
 }
 
 }  // namespace
@@ -34,12 +34,12 @@ namespace cost {
 
 bool Work::isExact() {
     // A virtual machine may open the counter, but never count.
-    static const bool s_bExact = [] {
+    static const bool kExact = [] {
         std::uint64_t value = 0;
         return counter() >= 0 && read(counter(), &value, sizeof value) == sizeof value &&
                value != 0;
     }();
-    return s_bExact;
+    return kExact;
 }
 
 std::uint64_t Work::now() {

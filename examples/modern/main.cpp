@@ -55,7 +55,7 @@ void addFile(const std::filesystem::path& path, Totals& totals) {
                 sums[std::string(line.substr(0, semicolon))] += amount;
         }
     } catch (const QBLThrowable& error) {
-        totals.report(sumsmsgs::unreadable(qblWhat(error)));
+        totals.report(sumsmsgs::notRead(qblWhat(error)));
     }
     const std::lock_guard guard(totals.lock);
     ++totals.files;
@@ -74,7 +74,7 @@ int addTree(const char* folder) {
     }
     group.wait();
     for (const auto& [key, sum] : totals.sums) std::cout << key << ' ' << sum << '\n';
-    std::cout << sumsmsgs::summary(totals.files, totals.problems) << '\n';
+    std::cout << sumsmsgs::filesDone(totals.files, totals.problems) << '\n';
     return totals.problems == 0 ? 0 : 1;
 }
 

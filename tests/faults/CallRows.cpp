@@ -33,8 +33,8 @@ using faults::need;
 using faults::System;
 
 const TempTree& tree() {
-    static const TempTree s_tree;
-    return s_tree;
+    static const TempTree kTree;
+    return kTree;
 }
 
 /// @param documented  another error number that the header names
@@ -82,16 +82,16 @@ std::string replaced(bool keep, const char* path = nullptr) {
 }
 
 std::string throughLink() {
-    static const std::string s_link = calmly([] {
+    static const std::string kLink = calmly([] {
         const std::string link = tree()("link");
         if (symlink("file", link.c_str()) != 0) throw faults::Broken{"no link"};
         return link;
     });
-    return replaced(false, s_link.c_str());
+    return replaced(false, kLink.c_str());
 }
 
 std::string listedLinks() {
-    static const std::string s_root = calmly([] {
+    static const std::string kRoot = calmly([] {
         tree().dir("links/folder/inner");
         tree().file("links/folder/inner/file");
         if (symlink("folder", tree()("links/toFolder").c_str()) != 0 ||
@@ -101,7 +101,7 @@ std::string listedLinks() {
     });
     std::list<std::string> files, folders;
     needErrnoOf(
-        [&] { return QBLFmDir::readDir(s_root.c_str(), &files, nullptr, &folders, nullptr); });
+        [&] { return QBLFmDir::readDir(kRoot.c_str(), &files, nullptr, &folders, nullptr); });
     return calmly([&] {
         std::string all;
         for (const std::string& name : files) all += "file " + name + "\n";
@@ -113,9 +113,9 @@ std::string listedLinks() {
 /// Writes and reads at the end of a file of 5 GiB without data.
 std::string large() {
     constexpr long long kSize = 5LL << 30;
-    static const std::string s_path = tree()("large");
+    static const std::string kPath = tree()("large");
     QBLFmFile64 file;
-    needErrnoOf([&] { return file.open(s_path.c_str(), QBLFmFile64::create, 0); });
+    needErrnoOf([&] { return file.open(kPath.c_str(), QBLFmFile64::create, 0); });
     const auto refuse = [&](bool done) { needErrno(done, file.getLastErrorNumber()); };
     refuse(file.truncate(kSize));
     refuse(file.seek(-1, QBLFmFile64::end) == kSize - 1);
@@ -126,7 +126,7 @@ std::string large() {
     refuse(file.close());
     return calmly([&] {
         QBLFmFile small;
-        const bool opened = small.open(s_path.c_str(), QBLFmFile::existing, 1);
+        const bool opened = small.open(kPath.c_str(), QBLFmFile::existing, 1);
         const bool fits = sizeof(long) > 4;
         if (opened != fits || (!fits && small.getLastErrorNumber() != EOVERFLOW))
             throw faults::Broken{"opened with short offsets"};
@@ -170,8 +170,8 @@ const faults::Rows kRows{
     {"QBLFmFile64.large", kRefuses, large},
     {"QBLPluginLibraryLoader", kOutOfMemory | kBadAlloc | kOther,
      [] {
-         static const std::string s_path = PLUGIN_FILE;
-         QBLPluginLibraryLoader::unload(QBLPluginLibraryLoader::load(s_path));
+         static const std::string kPath = PLUGIN_FILE;
+         QBLPluginLibraryLoader::unload(QBLPluginLibraryLoader::load(kPath));
          return std::string();
      }},
     {"QBLSignalWaiter", kThreadResource,

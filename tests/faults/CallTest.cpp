@@ -223,12 +223,12 @@ void faults::registerCallTests() {
     };
     for (std::size_t hook = 0; hook < hooks().size(); ++hook)
         add("Calls", hooks()[hook].name, [hook] { return new HookTest(hook); });
-    static const std::map<const char*, Disaster> s_disasters = {
+    static const std::map<const char*, Disaster> kDisasters = {
         {"ShortTransfers", Disaster::kShort},
         {"NoDescriptor", Disaster::kDescriptors},
         {"FullDisk", Disaster::kFull},
         {"ReadOnly", Disaster::kReadOnly}};
-    for (const auto& disaster : s_disasters)
+    for (const auto& disaster : kDisasters)
         add("Disasters", disaster.first,
             [which = disaster.second] { return new DisasterTest(which); });
     add("Cancellation", "AtEachPoint", [] { return new CancelTest; });

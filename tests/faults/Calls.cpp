@@ -153,7 +153,7 @@ unsigned opening(int flags) {
 namespace faults {
 
 const std::vector<Hook>& hooks() {
-    static const std::vector<Hook> s_hooks = {
+    static const std::vector<Hook> kHooks = {
 #define CALL(id, name, ...) {name, {__VA_ARGS__}},
 #define HOOK(id, traits, result, failure, name, parameters, spec, arguments, ...) \
     {#name, {__VA_ARGS__}},
@@ -163,7 +163,7 @@ const std::vector<Hook>& hooks() {
 #undef HOOK
 #undef HOOK_NUMBER
     };
-    return s_hooks;
+    return kHooks;
 }
 
 void armCall(std::size_t hook, long n, int error) {

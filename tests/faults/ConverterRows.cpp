@@ -33,16 +33,16 @@ const char* const kEncodings[] = {"windows-1252", "Shift_JIS", "ISO-2022-JP", "U
                                   "GB18030"};
 
 std::string japanese() {
-    static const std::string s_text = [] {
+    static const std::string kText = [] {
         std::string text;
         for (int i = 0; i < 300; ++i) text += "ascii \u00E9 \u65E5\u672C\u8A9E\n";
         return text;
     }();
-    return s_text;
+    return kText;
 }
 const I18NString& japaneseText() {
-    static const I18NString s_text(japanese());
-    return s_text;
+    static const I18NString kText(japanese());
+    return kText;
 }
 
 void refuse(I18NErrorCodes code) {
@@ -99,13 +99,13 @@ const bool kConversions = [] {
 }();
 
 void start() {
-    static const bool s_started = [] {
+    static const bool kStarted = [] {
         setenv("TAV_EXEC_PATH", QBL_RES_DIR, 1);
         const bool started = qblCoreInitialize() == 0;
         I18NInitialize();
         return started;
     }();
-    if (!s_started) throw faults::Broken{"not started"};
+    if (!kStarted) throw faults::Broken{"not started"};
 }
 
 /// Asks for a description. Each run reads the file of the language again.
@@ -122,8 +122,8 @@ std::string resource(Call call) {
 }
 
 const I18NLocale& german() {
-    static const I18NLocale s_german("de_DE");
-    return s_german;
+    static const I18NLocale kGerman("de_DE");
+    return kGerman;
 }
 
 const faults::Rows kRows{
@@ -141,11 +141,11 @@ const faults::Rows kRows{
     {"I18NConverter.codes", kRefuses | kOutOfMemory,
      [] {
          const I18NConverter converter("EUC-JP");
-         static const std::u16string s_units(400, u'\u65E5');
+         static const std::u16string kUnits(400, u'\u65E5');
          char bytes[2000];
          char16_t units[1000];
          I18NErrorCodes code = I18N_OK;
-         converter.fromUnicode(bytes, sizeof bytes, s_units.c_str(), &code);
+         converter.fromUnicode(bytes, sizeof bytes, kUnits.c_str(), &code);
          refuse(code);
          converter.toUnicode(units, sizeof units, bytes, -1, &code);
          refuse(code);

@@ -37,32 +37,32 @@ typedef std::list<I18NString> Strings;
 
 /// A tree with files and folders, whose names are not ASCII.
 const TempTree& tree() {
-    static const TempTree s_tree;
-    static const bool s_made = [] {
-        s_tree.dir("in/a folder with a long name");
-        s_tree.file("in/b\u00E9", "one\ntwo \u65E5\n");
-        s_tree.file("in/a folder with a long name/c", "three\n");
-        s_tree.dir("out");
+    static const TempTree kTree;
+    static const bool kMade = [] {
+        kTree.dir("in/a folder with a long name");
+        kTree.file("in/b\u00E9", "one\ntwo \u65E5\n");
+        kTree.file("in/a folder with a long name/c", "three\n");
+        kTree.dir("out");
         return true;
     }();
-    static_cast<void>(s_made);
-    return s_tree;
+    static_cast<void>(kMade);
+    return kTree;
 }
 const std::string& root() {
-    static const std::string s_root = tree()("in");
-    return s_root;
+    static const std::string kRoot = tree()("in");
+    return kRoot;
 }
 const I18NString& rootText() {
-    static const I18NString s_root(root());
-    return s_root;
+    static const I18NString kRoot(root());
+    return kRoot;
 }
 const std::string& out() {
-    static const std::string s_out = tree()("out");
-    return s_out;
+    static const std::string kOut = tree()("out");
+    return kOut;
 }
 const I18NString& outText() {
-    static const I18NString s_out(out());
-    return s_out;
+    static const I18NString kOut(out());
+    return kOut;
 }
 const char* pathOf(const std::string& path) { return path.c_str(); }
 const I18NString& pathOf(const I18NString& path) { return path; }
@@ -243,12 +243,12 @@ const faults::Rows kRows{
      }},
     {"QBLFmDir.temporaryStrings", kRefuses,
      [] {
-         static const I18NString s_prefix("p\u00E9"), s_suffix(".x");
+         static const I18NString kPrefix("p\u00E9"), s_suffix(".x");
          temporaries<I18NString, const I18NString>(
-             &outText(), &s_prefix, &s_suffix,
+             &outText(), &kPrefix, &s_suffix,
              {QBLFmDir::createTempFile, QBLFmDir::createPrivateTempFile});
          return temporaries<I18NString, const I18NString>(
-             &outText(), &s_prefix, &s_suffix,
+             &outText(), &kPrefix, &s_suffix,
              {QBLFmDir::createTempDir, QBLFmDir::createPrivateTempDir});
      }},
     {"QBLFmDir.paths", kRefuses | kOutOfMemory | kBadAlloc,
@@ -264,8 +264,8 @@ const faults::Rows kRows{
     {"QBLFmDir.pathStrings", kRefuses | kOutOfMemory,
      [] {
          I18NString path = calmly([] { return I18NString(outText()); }), directory, file, temp;
-         static const I18NString s_relative("b\u00E9/c");
-         QBLFmDir::joinPath(path, s_relative);
+         static const I18NString kRelative("b\u00E9/c");
+         QBLFmDir::joinPath(path, kRelative);
          needErrno(QBLFmDir::splitPath(path, &directory, &file));
          needErrno(QBLFmDir::getTempPath(temp));
          QBLFmDir::resolveEffectivePath(file);
@@ -305,9 +305,9 @@ const faults::Rows kRows{
      kFallback},
     {"QBLFmDir.getFileFullPathStrings", kOutOfMemory | kBadAlloc,
      [] {
-         static const Strings s_folders{I18NString("a folder with a long name")};
-         static const I18NString s_name("c");
-         const I18NString path = QBLFmDir::getFileFullPath(s_name, rootText(), s_folders);
+         static const Strings kFolders{I18NString("a folder with a long name")};
+         static const I18NString kName("c");
+         const I18NString path = QBLFmDir::getFileFullPath(kName, rootText(), kFolders);
          return calmly([&] { return path.toUtf8(); });
      },
      kFallback},
@@ -317,15 +317,15 @@ const faults::Rows kRows{
      [] { return listed(QBLFmEntries(rootText(), QBLFmEntries::kRecursive)); }, faults::kAbsence},
     {"QBLFmLines", kOutOfMemory | kBadAlloc,
      [] {
-         static const std::string s_path = root() + "/b\u00E9";
-         return linesOf(QBLFmLines(s_path, "UTF-8"));
+         static const std::string kPath = root() + "/b\u00E9";
+         return linesOf(QBLFmLines(kPath, "UTF-8"));
      },
      kOther},
     {"QBLFmLines.converter", kOutOfMemory | kBadAlloc,
      [] {
-         static const std::string s_path = root() + "/b\u00E9";
-         static const I18NConverter s_latin("windows-1252");
-         return linesOf(QBLFmLines(s_path.c_str(), s_latin, nullptr));
+         static const std::string kPath = root() + "/b\u00E9";
+         static const I18NConverter kLatin("windows-1252");
+         return linesOf(QBLFmLines(kPath.c_str(), kLatin, nullptr));
      },
      kOther},
     {"QBLFileLockRW", kOutOfMemory,

@@ -131,9 +131,11 @@ private:
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
+#ifndef __clang_analyzer__  // it takes the factories of the tests for lost
     for (const faults::Row& row : faults::rows())
         testing::RegisterTest("Faults", row.name.c_str(), nullptr, nullptr, __FILE__, __LINE__,
                               [&row]() -> testing::Test* { return new RowTest(row); });
+#endif
     faults::registerCallTests();
     return RUN_ALL_TESTS();
 }

@@ -28,13 +28,13 @@ using faults::need;
 
 /// Two catalogues, which exist as long as the program runs.
 const std::string& base() {
-    static const TempTree s_tree;
-    static const std::string s_base = [] {
-        s_tree.file("texts_de.bmf", bmfBytes({{1, "{0} von {1}: {2}"}, {2, "zwei"}}));
-        s_tree.file("texts.bmf", bmfBytes({{1, "{0} of {1} items"}}));
-        return s_tree("texts");
+    static const TempTree kTree;
+    static const std::string kBase = [] {
+        kTree.file("texts_de.bmf", bmfBytes({{1, "{0} von {1}: {2}"}, {2, "zwei"}}));
+        kTree.file("texts.bmf", bmfBytes({{1, "{0} of {1} items"}}));
+        return kTree("texts");
     }();
-    return s_base;
+    return kBase;
 }
 
 std::string xmlOf(const QBLMessageBase& message) {

@@ -63,37 +63,37 @@ void addEdit(const char* name, Change change) {
 }
 
 const bool kEdits = [] {
-    static const I18NString s_other("\u00FCber"), s_plain(kLong);
-    static const std::u16string s_units(30, u'\u00E9');
-    static const std::u32string s_points(30, U'\u00E9');
-    static const std::wstring s_wide(30, L'\u00E9');
-    static const I18NPooledString s_pooled("pooled");
-    static const I18NConverter s_latin("windows-1252");
-    addEdit("assign", [](I18NString& s) { s = s_other; });
+    static const I18NString kOther("\u00FCber"), s_plain(kLong);
+    static const std::u16string kUnits(30, u'\u00E9');
+    static const std::u32string kPoints(30, U'\u00E9');
+    static const std::wstring kWide(30, L'\u00E9');
+    static const I18NPooledString kPooled("pooled");
+    static const I18NConverter kLatin("windows-1252");
+    addEdit("assign", [](I18NString& s) { s = kOther; });
     addEdit("assignPlain", [](I18NString& s) { s = s_plain; });
     addEdit("assignBytes", [](I18NString& s) { s = kLong.c_str(); });
     addEdit("assignWide",
             [](I18NString& s) { s = L"wide \u00E9 and longer than the inline room"; });
     addEdit("assignChar", [](I18NString& s) { s = L'\u0416'; });
-    addEdit("assignPooled", [](I18NString& s) { s = s_pooled; });
-    addEdit("assignMoved", [](I18NString& s) { s = calmly([] { return I18NString(s_other); }); });
+    addEdit("assignPooled", [](I18NString& s) { s = kPooled; });
+    addEdit("assignMoved", [](I18NString& s) { s = calmly([] { return I18NString(kOther); }); });
     addEdit("assignView", [](I18NString& s) { s = std::u32string_view(U"\U0001F600 view"); });
-    addEdit("append", [](I18NString& s) { s.append(s_other); });
+    addEdit("append", [](I18NString& s) { s.append(kOther); });
     addEdit("appendPlain", [](I18NString& s) { s.append(s_plain); });
     addEdit("appendBytes",
             [](I18NString& s) { s.append("\u0301 combining, and a long rest of it"); });
     addEdit("appendWide", [](I18NString& s) { s.append(L"\u0301w"); });
     addEdit("appendChar", [](I18NString& s) { s.append(L'\u0301'); });
-    addEdit("appendPooled", [](I18NString& s) { s.append(s_pooled); });
+    addEdit("appendPooled", [](I18NString& s) { s.append(kPooled); });
     addEdit("appendViews", [](I18NString& s) { s += std::string_view("v"); });
-    addEdit("appendViews16", [](I18NString& s) { s += s_units; });
-    addEdit("appendViews32", [](I18NString& s) { s += s_points; });
-    addEdit("appendViewsWide", [](I18NString& s) { s += s_wide; });
-    addEdit("insert", [](I18NString& s) { s.insert(1, s_other); });
+    addEdit("appendViews16", [](I18NString& s) { s += kUnits; });
+    addEdit("appendViews32", [](I18NString& s) { s += kPoints; });
+    addEdit("appendViewsWide", [](I18NString& s) { s += kWide; });
+    addEdit("insert", [](I18NString& s) { s.insert(1, kOther); });
     addEdit("insertBytes", [](I18NString& s) { s.insert(1, kLong.c_str()); });
     addEdit("insertWide", [](I18NString& s) { s.insert(2, L"\u0301"); });
     addEdit("insertChar", [](I18NString& s) { s.insert(9, L'\u00E9'); });
-    addEdit("replace", [](I18NString& s) { s.replace(1, 2, s_other); });
+    addEdit("replace", [](I18NString& s) { s.replace(1, 2, kOther); });
     addEdit("replaceBytes", [](I18NString& s) { s.replace(1, -1, kLong.c_str()); });
     addEdit("replaceWide", [](I18NString& s) { s.replace(0, 1, L"\u65E5\u672C"); });
     addEdit("replaceChar", [](I18NString& s) { s.replace(0, 9, L'\u0301'); });
@@ -104,7 +104,7 @@ const bool kEdits = [] {
     addEdit("normalize", [](I18NString& s) { s.normalize(I18N_NFD); });
     addEdit("useNormalization", [](I18NString& s) { s.useNormalization(false); });
     addEdit("create", [](I18NString& s) { s.create("other \u00E9", nullptr, -1, &reallocate); });
-    addEdit("fromConverter", [](I18NString& s) { s_latin.toUnicode(s, "\xE9\x80 euro", -1); });
+    addEdit("fromConverter", [](I18NString& s) { kLatin.toUnicode(s, "\xE9\x80 euro", -1); });
     addEdit("getUnicodeString", [](I18NString& s) { s.getUnicodeString(); });
     addEdit("getExternalBuffer", [](I18NString& s) { s.getExternalBuffer(); });
     addEdit("resizeExternalBuffer", [](I18NString& s) { s.resizeExternalBuffer(); });

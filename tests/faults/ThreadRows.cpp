@@ -50,8 +50,8 @@ using faults::need;
 constexpr unsigned kThread = kOutOfMemory | kThreadResource;
 
 void start() {
-    static const bool s_started = calmly([] { return qblCoreInitialize() == 0; });
-    if (!s_started) throw faults::Broken{"not started"};
+    static const bool kStarted = calmly([] { return qblCoreInitialize() == 0; });
+    if (!kStarted) throw faults::Broken{"not started"};
 }
 
 /// Makes a lock, and locks and unlocks it in each way that it has.
@@ -211,12 +211,12 @@ const faults::Rows kRows{
      [] { return changedBuffer([](QBLByteBuffer& b) { b.printf("%s %d", "formatted", 7); }); }},
     {"QBLByteBuffer.assign", kOutOfMemory | kOther,
      [] {
-         static const QBLByteBuffer s_other = [] {
+         static const QBLByteBuffer kTheOther = [] {
              QBLByteBuffer made;
              made << "another text, which is longer than the block";
              return made;
          }();
-         return changedBuffer([](QBLByteBuffer& b) { b = s_other; });
+         return changedBuffer([](QBLByteBuffer& b) { b = kTheOther; });
      }},
     {"QBLVariant", kRefuses,
      [] {

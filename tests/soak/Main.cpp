@@ -25,9 +25,9 @@ void need(bool holds, const char* what) {
 }
 
 const std::string& directory() {
-    static const TempTree s_tree;
-    static const std::string s_root = s_tree.root();
-    return s_root;
+    static const TempTree kTree;
+    static const std::string kRoot = kTree.root();
+    return kRoot;
 }
 
 namespace {
