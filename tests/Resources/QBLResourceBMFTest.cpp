@@ -66,9 +66,14 @@ TEST(QBLResourceBMFTest, RejectsFilesThatAreNotMessageFiles) {
     TempTree tree;
     QBLResourceBMF resource(0);
     const std::string good = bmfBytes(kTexts);
-    EXPECT_FALSE(isOpened(resource, tree, "BMF2" + good.substr(4)));
-    EXPECT_FALSE(isOpened(resource, tree, "BMF1x" + good.substr(5)));
-    EXPECT_FALSE(isOpened(resource, tree, good.substr(0, 15)));
+    for (const std::string& bad :
+         {"BMF2" + good.substr(4), "BMF1x" + good.substr(5), good.substr(0, 15)}) {
+        ASSERT_TRUE(isOpened(resource, tree, good));
+        EXPECT_FALSE(isOpened(resource, tree, bad));
+        EXPECT_FALSE(resource.isOpen());
+        EXPECT_EQ(0U, resource.getEntryCount()) << "of the file before";
+        EXPECT_EQ("none", resourceText(resource, kTexts.begin()->first));
+    }
     ASSERT_EQ(0, mkfifo(tree("fifo").c_str(), 0600));
     for (const std::string& name : {tree("fifo"), tree.dir("dir"), tree("missing")}) {
         resource.setResourceFileName(name);
