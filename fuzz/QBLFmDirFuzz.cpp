@@ -1,6 +1,7 @@
 // Splits, joins and resolves arbitrary paths, lists directories by arbitrary patterns, and splits
 // texts into tokens. The results must be those of naive models, and the parts of a path must name
 // the path again.
+#include <algorithm>
 #include <clocale>
 #include <list>
 #include <string>
@@ -120,7 +121,7 @@ bool matches(const std::string& name, const std::string& pattern) {
 }
 
 void checkPattern(const TempTree& tree, std::string name, const std::string& pattern) {
-    name = name.substr(0, 24);
+    name.resize(std::min<std::size_t>(name.size(), 24));
     if (name.empty() || name == "." || name == ".." || name.find('/') != std::string::npos) return;
     tree.file(name);
     std::list<std::string> files;

@@ -244,12 +244,13 @@ const cost::Rows kRows{
     {"CastDigits", Order::kLinear, 4096,
      [](std::size_t n, Work& work) {
          const std::string nines = repeated("9", n), real = "0." + nines, zeros = repeated("0", n);
+         const std::string small = std::string(zeros).append(".").append(zeros).append("5");
          work.of([&] {
              double value = 0;
              int number = 0;
              QBLInterval2 interval;
              QBLTime2 time;
-             for (const std::string& text : {real, nines, zeros + "1", zeros + "." + zeros + "5"}) {
+             for (const std::string& text : {real, nines, zeros + "1", small}) {
                  use(QBLTypeCast::string2double(&value, text.c_str()));
                  use(QBLTypeCast::string2int32(&number, text.c_str()));
                  use(QBLTypeCast::string2DTinterval(&interval,

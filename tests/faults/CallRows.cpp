@@ -54,7 +54,7 @@ void needErrnoOf(Operation operation) {
 /// unchanged if it is not replaced.
 std::string replaced(bool keep, const char* path = nullptr) {
     const std::string file = calmly([] {
-        const std::string name = tree().file("file", "old");
+        std::string name = tree().file("file", "old");
         QBLFmDir::removeFile(tree()("kept").c_str());
         setxattr(name.c_str(), "user.attribute", "value", 5, 0);
         if (chown(name.c_str(), 1, 1) != 0) return name;  // only root may do this
@@ -83,7 +83,7 @@ std::string replaced(bool keep, const char* path = nullptr) {
 
 std::string throughLink() {
     static const std::string kLink = calmly([] {
-        const std::string link = tree()("link");
+        std::string link = tree()("link");
         if (symlink("file", link.c_str()) != 0) throw faults::Broken{"no link"};
         return link;
     });

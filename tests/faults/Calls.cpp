@@ -24,6 +24,7 @@
 
 #include "tests/faults/Injector.hpp"
 
+// NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming): its name
 extern "C" [[gnu::weak]] void __asan_handle_no_return();
 
 namespace {

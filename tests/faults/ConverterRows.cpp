@@ -55,7 +55,7 @@ std::string there(const char* encoding) {
     char* bytes = nullptr;
     int length = 0;
     converter.fromUnicode(&bytes, &length, japaneseText());
-    const std::string copy = calmly([&] { return std::string(bytes, std::size_t(length)); });
+    std::string copy = calmly([&] { return std::string(bytes, std::size_t(length)); });
     I18NFreeBuffer(bytes);
     return copy;
 }
@@ -157,7 +157,7 @@ const faults::Rows kRows{
          second = japaneseText();
          first = second;
          second = "another text for the pool";
-         const std::string all =
+         std::string all =
              calmly([&] { return first.getString().toUtf8() + second.getString().toUtf8(); });
          I18NPooledString::purge();
          return all;

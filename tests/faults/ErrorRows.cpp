@@ -173,7 +173,7 @@ const faults::Rows kRows{
      [] {
          const QBLRuntimeError error = calmly(example);
          const std::string xml = qblXml(error);
-         return calmly([&] { return xml; });
+         return calmly([&] { return std::string(xml); });
      }},
 };
 

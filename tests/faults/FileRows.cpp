@@ -243,12 +243,12 @@ const faults::Rows kRows{
      }},
     {"QBLFmDir.temporaryStrings", kRefuses,
      [] {
-         static const I18NString kPrefix("p\u00E9"), s_suffix(".x");
+         static const I18NString kPrefix("p\u00E9"), kSuffix(".x");
          temporaries<I18NString, const I18NString>(
-             &outText(), &kPrefix, &s_suffix,
+             &outText(), &kPrefix, &kSuffix,
              {QBLFmDir::createTempFile, QBLFmDir::createPrivateTempFile});
          return temporaries<I18NString, const I18NString>(
-             &outText(), &kPrefix, &s_suffix,
+             &outText(), &kPrefix, &kSuffix,
              {QBLFmDir::createTempDir, QBLFmDir::createPrivateTempDir});
      }},
     {"QBLFmDir.paths", kRefuses | kOutOfMemory | kBadAlloc,
@@ -300,7 +300,7 @@ const faults::Rows kRows{
      [] {
          const std::string path =
              QBLFmDir::getFileFullPath("c", root().c_str(), {"a folder with a long name"});
-         return calmly([&] { return path; });
+         return calmly([&] { return std::string(path); });
      },
      kFallback},
     {"QBLFmDir.getFileFullPathStrings", kOutOfMemory | kBadAlloc,

@@ -11,6 +11,7 @@
 
 // A sanitizer's runtime exports its allocator under the first names; the C library exports its own
 // allocator under the second names.
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming): their names
 extern "C" {
 [[gnu::weak]] void* __interceptor_malloc(std::size_t size);
 [[gnu::weak]] void* __interceptor_calloc(std::size_t count, std::size_t size);
@@ -23,6 +24,7 @@ void* __libc_realloc(void* block, std::size_t size);
 void* __libc_memalign(std::size_t alignment, std::size_t size);
 void __libc_free(void* block);
 }
+// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
 
 namespace {
 

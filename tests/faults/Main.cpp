@@ -13,9 +13,10 @@
 #include "tests/faults/Rows.hpp"
 
 // The C library loses a block if memory runs out while it loads a library.
-// NOLINTNEXTLINE(bugprone-reserved-identifier): the sanitizer gives the name
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming): the sanitizer's name
 extern "C" [[gnu::visibility("default")]] const char* __lsan_default_suppressions();
 const char* __lsan_default_suppressions() { return "leak:_dl_map_object_deps"; }
+// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
 
 namespace faults {
 

@@ -240,7 +240,7 @@ const faults::Rows kRows{
      [] {
          const std::string& texts = base();
          const std::string found = QBLResourceFactory::find(texts, "fr,de");
-         return calmly([&] { return found; });
+         return calmly([&] { return std::string(found); });
      },
      kFallback},
     {"QBLResourceFactory.getCandidates", faults::kBadAlloc | kOutOfMemory,

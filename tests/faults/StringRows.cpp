@@ -63,14 +63,14 @@ void addEdit(const char* name, Change change) {
 }
 
 const bool kEdits = [] {
-    static const I18NString kOther("\u00FCber"), s_plain(kLong);
+    static const I18NString kOther("\u00FCber"), kPlain(kLong);
     static const std::u16string kUnits(30, u'\u00E9');
     static const std::u32string kPoints(30, U'\u00E9');
     static const std::wstring kWide(30, L'\u00E9');
     static const I18NPooledString kPooled("pooled");
     static const I18NConverter kLatin("windows-1252");
     addEdit("assign", [](I18NString& s) { s = kOther; });
-    addEdit("assignPlain", [](I18NString& s) { s = s_plain; });
+    addEdit("assignPlain", [](I18NString& s) { s = kPlain; });
     addEdit("assignBytes", [](I18NString& s) { s = kLong.c_str(); });
     addEdit("assignWide",
             [](I18NString& s) { s = L"wide \u00E9 and longer than the inline room"; });
@@ -79,7 +79,7 @@ const bool kEdits = [] {
     addEdit("assignMoved", [](I18NString& s) { s = calmly([] { return I18NString(kOther); }); });
     addEdit("assignView", [](I18NString& s) { s = std::u32string_view(U"\U0001F600 view"); });
     addEdit("append", [](I18NString& s) { s.append(kOther); });
-    addEdit("appendPlain", [](I18NString& s) { s.append(s_plain); });
+    addEdit("appendPlain", [](I18NString& s) { s.append(kPlain); });
     addEdit("appendBytes",
             [](I18NString& s) { s.append("\u0301 combining, and a long rest of it"); });
     addEdit("appendWide", [](I18NString& s) { s.append(L"\u0301w"); });

@@ -29,7 +29,7 @@ long liveBytes() {
     return static_cast<long>(__sanitizer_get_current_allocated_bytes());
 #else
     const struct mallinfo2 info = mallinfo2();
-    return static_cast<long>(info.uordblks + info.hblkhd);
+    return static_cast<long>(info.uordblks) + static_cast<long>(info.hblkhd);
 #endif
 }
 

@@ -14,9 +14,9 @@ public:
     explicit Random(unsigned seed) : m_engine(seed) {}
     /// Returns a number from 0 to end - 1.
     unsigned below(unsigned end) { return static_cast<unsigned>(m_engine() % end); }
-    template <class T, std::size_t n>
-    T& of(T (&all)[n]) {
-        return all[below(n)];
+    template <class T, std::size_t kN>
+    T& of(T (&all)[kN]) {
+        return all[below(kN)];
     }
 
 private:
@@ -27,7 +27,7 @@ private:
 /// threads start and stop the library.
 enum Needs { kAlone, kShared };
 
-/// One piece of work. It leaves nothing behind, and calls need() for what must hold.
+/// One piece of work. It frees all that it has taken, and calls need() for what must hold.
 struct Job {
     const char* name;
     Needs needs;

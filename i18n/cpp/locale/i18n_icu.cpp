@@ -37,10 +37,11 @@ void i18nWarmUpICU() {
 }
 
 void i18nRequireSpareMemory() {
-    void* block = std::malloc(std::size_t{1} << 16);
-    asm volatile("" : "+r"(block));  // keeps the compiler from removing the allocation
-    if (block == nullptr) qblThrowNoMemory(QBL_HERE);
+    void* const block = std::malloc(std::size_t{1} << 16);
+    const bool isSpare = block != nullptr;
+    asm volatile("" : : "r"(block) : "memory");  // keeps the compiler from removing the allocation
     std::free(block);
+    if (!isSpare) qblThrowNoMemory(QBL_HERE);
 }
 
 const icu::Locale& i18nDefaultLocale() {
