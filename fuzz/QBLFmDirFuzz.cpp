@@ -80,7 +80,8 @@ void checkJoin(const std::string& base, const std::string& relative) {
     QBLFmDir::setEffectiveWorkingDir(static_cast<const char*>(nullptr));
 }
 
-/// Returns the length of a well-formed UTF-8 character, 1 if there is none (table 3-7 of Unicode).
+/// Returns the length of the well-formed UTF-8 character at the beginning (table 3-7 of Unicode).
+/// Returns 1 if the text does not begin with such a character.
 std::size_t widthAt(const std::string& text, std::size_t at) {
     const auto byte = [&](std::size_t i) {
         return at + i < text.size() ? static_cast<unsigned char>(text[at + i]) : 0U;

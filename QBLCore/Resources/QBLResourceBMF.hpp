@@ -39,7 +39,7 @@ public:
     /// Returns the identifier of entry n; the identifiers ascend. Requires: n < getEntryCount().
     unsigned getEntryID(unsigned n) const;
     /// Returns the checksum of the catalogue's shape that `qblmsgc --typed` has written, as in
-    /// QBLTypedCatalogue; 0 if there is none.
+    /// QBLTypedCatalogue; 0 if the file has no checksum.
     unsigned getShape() const;
 
 private:

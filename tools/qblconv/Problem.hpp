@@ -8,7 +8,7 @@
 
 namespace conv {
 
-/// A problem, as a message of the tool; empty if there is none.
+/// A problem, as a message of the tool. An empty object means that there is no problem.
 using Problem = std::optional<QBLTypedMessage>;
 
 }  // namespace conv

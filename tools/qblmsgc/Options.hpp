@@ -30,7 +30,7 @@ struct Options {
     std::vector<std::string> operands;
 };
 
-/// A problem of the command line, as a message of the tool; empty if there is none.
+/// A problem of the command line, as a message of the tool. An empty object means no problem.
 using Problem = std::optional<QBLTypedMessage>;
 
 /// All options, in the order of the help text.
