@@ -52,9 +52,8 @@ public:
     const I18NString& getMsgFile() const { return m_msgFile; }
 
 protected:
-    /// Does the same as format() if the file has a shape, as in QBLTypedCatalogue. Otherwise, or
-    /// without a text, appends the XML form.
-    /// @param shape  0 for any file
+    /// Does the same as format(). If the file has another shape, appends the XML form instead.
+    /// @param shape  as in QBLTypedCatalogue; 0 accepts every file
     void formatIf(unsigned shape, const char* language, const char* fallbackLanguage,
                   I18NString& out) const;
     /// Returns the language if it is neither null nor empty, otherwise the fallback language in the

@@ -10,10 +10,11 @@
 class I18NString;
 
 /// Escapes a text for XML, between tags and in attribute values. The five special characters become
-/// the entities of XML 1.0, section 4.6. Characters that XML does not allow become U+FFFD: control
-/// characters, U+FFFE, U+FFFF and ill-formed UTF-8. A combining mark at the beginning becomes a
-/// character reference, so that it does not combine with the character before the text. Reports
-/// insert texts without escaping. Therefore escape parameters from untrusted sources:
+/// the entities of XML 1.0, section 4.6. U+FFFD replaces what XML does not allow: U+FFFE, U+FFFF,
+/// ill-formed UTF-8, and characters below U+0020 except tab, line feed and carriage return. A
+/// combining mark at the beginning becomes a character reference, so that it does not combine with
+/// the character before the text. The XML of errors and messages contains texts without escaping,
+/// so escape parameters from untrusted sources:
 ///
 ///     message << qblXmlEscape(fileName);
 ///

@@ -158,8 +158,8 @@ public:
     void fromUnicode(char** destination, int* size, const void* source,
                      I18NStringAllocator allocator = nullptr, void* context = nullptr) const;
     /// Converts a string. If no allocator is given, uses the string's allocator. An empty string
-    /// gives four zero bytes. If the string has no allocator either, these bytes are the shared
-    /// empty text, which I18NString::freeBuffer() does not free.
+    /// gives four zero bytes. If neither the call nor the string has an allocator, these bytes are
+    /// the shared empty text, which I18NString::freeBuffer() does not free.
     void fromUnicode(char** destination, int* size, const I18NString& source,
                      I18NStringAllocator allocator = nullptr, void* context = nullptr) const;
     /// Converts a piece of a text and writes a NUL after the output of each call.

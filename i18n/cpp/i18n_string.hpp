@@ -83,8 +83,8 @@ public:
                         void* context = nullptr);
     /// Decodes bytes; a null encoding means UTF-8. In UTF-8, each ill-formed sequence becomes an
     /// error value: U+0015, U+009F, U+FFFF or U+10FFFF. In other encodings, bytes that are not
-    /// convertible are replaced as under I18N_SUBSTITUTE. If the encoding needs a converter, the
-    /// string is empty until the internationalisation layer is initialised.
+    /// convertible are replaced as under I18N_SUBSTITUTE. If the encoding needs a converter, a
+    /// string constructed before the internationalisation layer is initialised is empty.
     /// @throws I18NRuntimeError -3 if a converter is needed and the encoding is unknown
     explicit I18NString(const char* bytes, const char* encoding = nullptr, int length = -1,
                         I18NStringAllocator allocator = nullptr, void* context = nullptr);

@@ -14,7 +14,7 @@ class QBL_API I18NStringPool {
 public:
     /// @param buckets  number of buckets of the hash table, which does not grow; 0 means 1
     /// @param encoding  of the bytes passed to getPooledString(); null for UTF-8
-    /// @throws QBLOutOfMemoryError; QBLThreadResourceError if the system has no lock
+    /// @throws QBLOutOfMemoryError; QBLThreadResourceError if the lock cannot be created
     explicit I18NStringPool(unsigned long buckets, const char* encoding = nullptr);
     ~I18NStringPool();
     I18NStringPool(const I18NStringPool&) = delete;

@@ -21,8 +21,8 @@ bool hasBytes(std::uint32_t entry) { return (entry & 0xFF) != 0; }
 
 void put(std::uint32_t entry, char*& bytes) {
     std::memcpy(bytes, &entry, sizeof entry);
-    // Branches are faster than arithmetic, with which the place of each character would depend on
-    // the entry of the previous character.
+    // Branches are faster than arithmetic here: with arithmetic, the place of each character would
+    // depend on the entry of the previous character.
     bytes += entry < 0x10000 ? (entry < 0x100 ? 1 : 2) : entry < 0x1000000 ? 3 : 4;
 }
 

@@ -15,9 +15,9 @@ extern "C" __attribute__((weak)) const char* uprv_getDefaultLocaleID();
 namespace {
 
 bool determineDefaultLocale() {
-    // ICU asks the system for a name while it holds a lock. If memory is exhausted then, ICU asks
-    // itself for the default locale and deadlocks. So this function makes ICU determine the name
-    // first.
+    // ICU asks the system for the name of the default locale while it holds a lock. If memory is
+    // exhausted then, ICU asks itself for the default locale and deadlocks. So this function makes
+    // ICU determine the name first.
     if (uprv_getDefaultLocaleID != nullptr && uprv_getDefaultLocaleID() == nullptr)
         qblThrowNoMemory(QBL_HERE);
     // ICU returns a null reference if there is no memory for the locale.

@@ -92,8 +92,8 @@ std::vector<std::string> namesOf(const I18NLocale& locale) {
 }
 
 std::u16string fromUTF8(const std::string& text) {
-    // A code point needs at most as many UTF-16 units as UTF-8 bytes. So does a replacement of
-    // ill-formed bytes.
+    // A code point, or the replacement of ill-formed bytes, has at most as many UTF-16 units as
+    // there were bytes.
     std::u16string result(text.size(), u'\0');
     const auto size = static_cast<int32_t>(text.size());
     int32_t length = 0;
