@@ -167,10 +167,36 @@ private:
         if (m_pBuffer == nullptr || p == nullptr || length - 1 >= m_iAllocLimit - m_iCount)
             return appendGrowing(p, length);
         char* const end = m_pBuffer + m_iCount;
-        std::memmove(end, p, length);
+        copy(end, p, length);
         end[length] = '\0';
         m_iCount += static_cast<unsigned int>(length);
         return *this;
+    }
+    /// Copies at least one byte; the blocks may overlap. Loads a short block completely before it
+    /// stores the block, without a call of memmove().
+    [[gnu::always_inline]] static void copy(char* to, const char* from, std::size_t length) {
+        // Hides from the compiler which array this is. Otherwise g++ warns that a literal is
+        // shorter than a branch needs, although the branch is not taken for this literal.
+        asm("" : "+r"(from));
+        if (length > 16) {
+            std::memmove(to, from, length);
+        } else if (length >= 8) {
+            copyEnds<8>(to, from, length);
+        } else if (length >= 4) {
+            copyEnds<4>(to, from, length);
+        } else if (length >= 2) {
+            copyEnds<2>(to, from, length);
+        } else {
+            *to = *from;
+        }
+    }
+    template <std::size_t kSize>
+    [[gnu::always_inline]] static void copyEnds(char* to, const char* from, std::size_t length) {
+        char first[kSize], last[kSize];
+        std::memcpy(first, from, kSize);
+        std::memcpy(last, from + length - kSize, kSize);
+        std::memcpy(to, first, kSize);
+        std::memcpy(to + length - kSize, last, kSize);
     }
     QBLByteBuffer& appendGrowing(const char* p, std::size_t length);
     QBLByteBuffer& appendGrowing(char c);

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <type_traits>
 
@@ -17,10 +18,15 @@ namespace {
 const unsigned int kIntegerRoom = 32;
 const std::size_t kShortText = 512;
 
+// Out of line, so that the usual case needs no array on the stack and no stack protector.
 template <class Integer>
-char* writeInteger(char* to, Integer value, int radix) {
-    if (radix != 16) return qblWriteInteger(to, value);
-    return std::to_chars(to, to + kIntegerRoom, std::make_unsigned_t<Integer>(value), 16).ptr;
+[[gnu::noinline]] QBLByteBuffer& appendThroughArray(QBLByteBuffer& to, Integer value, int radix) {
+    char digits[kIntegerRoom];
+    char* const end =
+        radix != 16
+            ? qblWriteInteger(digits, value)
+            : std::to_chars(digits, std::end(digits), std::make_unsigned_t<Integer>(value), 16).ptr;
+    return to.appendChars(digits, static_cast<unsigned int>(end - digits));
 }
 
 }  // namespace
@@ -28,11 +34,9 @@ char* writeInteger(char* to, Integer value, int radix) {
 // Always inlined, because a separate instance would be exported.
 template <class Integer>
 [[gnu::always_inline]] inline QBLByteBuffer& QBLByteBuffer::appendInteger(Integer value) {
-    const bool fits = m_pBuffer != nullptr && m_iAllocLimit - m_iCount >= kIntegerRoom;
-    char local[kIntegerRoom];
-    char* const begin = fits ? m_pBuffer + m_iCount : local;
-    char* const end = writeInteger(begin, value, m_iRadix);
-    if (!fits) return append(local, static_cast<std::size_t>(end - local));
+    if (m_pBuffer == nullptr || m_iAllocLimit - m_iCount < kIntegerRoom || m_iRadix == 16)
+        return appendThroughArray(*this, value, m_iRadix);
+    char* const end = qblWriteInteger(m_pBuffer + m_iCount, value);
     *end = '\0';
     m_iCount = static_cast<unsigned int>(end - m_pBuffer);
     return *this;

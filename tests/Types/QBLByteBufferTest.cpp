@@ -59,6 +59,17 @@ TEST(QBLByteBufferTest, AppendsEveryType) {
     }
 }
 
+TEST(QBLByteBufferTest, AppendsItsOwnBytesOfEachLength) {
+    const std::string text = "0123456789abcdefghijklmnopqrstuvwxyz";
+    for (unsigned length = 0; length <= 20; ++length) {
+        QBLByteBuffer buffer(100);
+        buffer << text.c_str();
+        buffer.chop(16);
+        buffer.appendChars(buffer.str() + 20 - length, length);
+        EXPECT_EQ(text.substr(16) + text.substr(36 - length), contentsOf(buffer));
+    }
+}
+
 TEST(QBLByteBufferTest, AppendsRangesOfBytesAndIsOne) {
     struct Both : std::string {
         operator const char*() const { return "pointer"; }
