@@ -24,12 +24,13 @@
 // over no data, so relaxed operations are enough for it.
 //
 // Each semaphore has two scores, which say how often spinning has found a post recently. pauseScore
-// is for pausing: it succeeds if the poster runs on another processor. yieldScore is for yielding:
-// it succeeds if the poster waits for this processor. A waiter pauses or yields only if the score
-// is above 0. It pauses longer with a higher score, and yields at most three times. Each success
-// adds 1, up to 8; each failure subtracts 2. Instead of reaching 0, a score drops far below 0. Then
-// each short sleep adds 1, because spinning would have saved that sleep. Scores are hints, and
-// several threads change them without a lock: a lost update costs time, never a post.
+// is for pausing, which finds a post if the poster runs on another processor. yieldScore is for
+// yielding, which finds a post if the poster waits for this processor. A waiter pauses or yields
+// only if the score is above 0. It pauses longer with a higher score, and yields at most three
+// times. Each success adds 1, up to 8; each failure subtracts 2. Instead of reaching 0, a score
+// drops far below 0. Then each short sleep adds 1, because spinning would have saved that sleep.
+// Scores are hints, and several threads change them without a lock: a lost update costs time, never
+// a post.
 // A wait for a new semaphore pauses, but it does not yield until the first short sleep. On busy
 // processors a yield can take several milliseconds. That is too long for the many semaphores that
 // have only one wait.

@@ -18,8 +18,8 @@
 // not finish its queue drops tasks. A task for such a pool is therefore enrolled in a list of the
 // process before it is handed over. run() and a refusal take it out again. When the pool's last
 // base is destroyed, all its workers have ended and its queue is gone, so no thread can run the
-// tasks of this pool that are still enrolled. The destructor of the base then fails and deletes
-// them.
+// tasks of this pool that are still enrolled. The destructor of the base then calls fail() of each
+// of these tasks and deletes the task.
 //
 // m_pPool changes before the pool gets the task, and then only on the thread that runs or drops the
 // task. The pool's queue publishes it.

@@ -13,8 +13,8 @@ class QBLThreadExecuteRunnable;
 /// If a QBLThreadPoolQueued drops the task, the task is deleted when the pool is destroyed. An
 /// executor of the program must not drop a task that it has accepted.
 ///
-/// Threads: only the thread that hands the task to a pool may use the task before; afterwards the
-/// task may be gone.
+/// Threads: until a task is handed to a pool, only the thread that hands it over may use it. After
+/// that, the task may already be deleted.
 class QBL_API QBLPoolTask : public QBLThreadRunnable {
 public:
     QBLPoolTask(const QBLPoolTask&) = delete;

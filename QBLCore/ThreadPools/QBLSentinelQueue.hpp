@@ -20,8 +20,8 @@
 //               If its time runs out or its thread is cancelled, it leaves the list of waiting
 //               threads under the mutex. If it was handed a claim at the last moment, it uses the
 //               claim, or offers it again.
-//   withdraw()  removes an item and lowers the count by 1. If the count is 0, a call of get() is in
-//               progress for each item, and one of these calls takes this item.
+//   withdraw()  removes an item and lowers the count by 1. It fails if the count is 0: then a call
+//               of get() is in progress for each item, and one of these calls takes this item.
 //   m_free      counts the room of a bounded queue. reserve() lowers this count. A get() that finds
 //               an item, withdraw() and release() raise it.
 //   m_spares    up to 64 nodes of removed items, for new items; guarded by the mutex.

@@ -7,8 +7,8 @@
 
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 
-/// Tells running code that it should stop, as std::stop_token does in C++20. The code asks now and
-/// then. A default-constructed token never asks for a stop.
+/// Tells running code that it should stop, as std::stop_token does in C++20. The code asks the
+/// token now and then. A default-constructed token never reports a stop.
 ///
 /// Threads: any thread may use its own copy; several threads may ask one token that no thread
 /// changes.
@@ -32,7 +32,8 @@ private:
     std::shared_ptr<const std::atomic<bool>> m_pStop;
 };
 
-/// Requests the stop that its tokens tell, as std::stop_source does. Copies request the same stop.
+/// Requests a stop, which its tokens then report, as std::stop_source does. Copies request the same
+/// stop.
 ///
 ///     QBLStopSource source;
 ///     group.run([token = source.get_token()] {

@@ -8,8 +8,8 @@ extern "C" {
 #endif
 
 /// Starts the thread layer and the parts of QBLThread that the process needs. Calls are counted:
-/// the layer stops when qblThreadProcessTerminate() has been called as often. qblCoreInitialize()
-/// calls this first.
+/// the layer stops when qblThreadProcessTerminate() has been called as often as this function.
+/// qblCoreInitialize() calls this function first.
 ///
 /// Threads: any thread may call both functions at any time.
 /// @param name  not used

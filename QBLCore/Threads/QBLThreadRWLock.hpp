@@ -44,8 +44,7 @@ public:
         QBL_TRY_ACQUIRE_SHARED(true) QBL_NO_THREAD_SAFETY_ANALYSIS {
         return timedReadLock(time.count());
     }
-    /// Works as timedLock(), but the timeout never starts again. Measures it on the monotonic
-    /// clock.
+    /// Works as timedLock(), but the timeout never starts again and uses the monotonic clock.
     /// @return false if the time ran out.
     [[nodiscard]] bool boundedLock(unsigned long ms) QBL_TRY_ACQUIRE(true);
     [[nodiscard]] bool boundedLock(QBLMilliseconds time)
