@@ -8,13 +8,15 @@
 #include "QBLCore/Exceptions/QBLFileLocation.hpp"
 #include "QBLCore/Frame/QBLExport.h"
 
-/// Throws the given throwable and adds this place to its back-trace. If there is no memory to make
-/// the throwable, any operation may throw std::bad_alloc instead:
+/// Throws the given throwable and adds this place to its back-trace:
 ///     QBL_THROW(QBLIllegalStateError(0, "QBLThing::stop: not started"));
 /// If the argument is a variable or a reference, the thrown object has the dynamic class of the
 /// throwable. If the argument is a temporary, the thrown object has the class of the expression. Do
 /// not pass std::move() of a reference to a base class, because the thrown object then has this
 /// base class.
+///
+/// If there is no memory to make the throwable, std::bad_alloc is thrown instead. Therefore any
+/// operation may throw std::bad_alloc in place of the throwables that its comment names.
 ///
 /// Threads: any thread may use the macros and functions of this header.
 #ifndef __clang__

@@ -23,10 +23,10 @@
     }                                                                                         \
     const char* getThrowableName() const override { return #Class; }
 
-/// Do the same for a class that a shared object exports. The first macro goes into the public
-/// section, the second into one source file. This source file defines the destructor, so the class
-/// has only one set of type information. By this type information, the catch clauses of all shared
-/// objects recognise the class. The move constructor is declared as noexcept if the class has no
+/// These two macros do the same for a class that a shared object exports. The first macro goes into
+/// the public section, the second into one source file. This source file defines the destructor, so
+/// the class has only one set of type information, by which the catch clauses of all shared objects
+/// recognise the class. The move constructor is declared as noexcept if the class has no
 /// fields of its own and the base's move constructor is noexcept. The macros do not export the
 /// class, so declare it with default visibility:
 ///

@@ -47,8 +47,9 @@ typedef void (*QBLNewHandler)(void);
 /// @return the previous handler
 QBL_API QBLNewHandler qblSetNewHandler(QBLNewHandler handler);
 
-/// Lowers the scheduling priority for batch work by 4 steps of niceness. This affects the calling
-/// thread and the threads that it starts later. Call it before other threads are started.
+/// Lowers the scheduling priority by 4 steps of niceness, for a process that does batch work. This
+/// affects the calling thread and the threads that it starts later. Call it before other threads
+/// are started.
 /// @return 1; 0 if the system refused
 QBL_API int qblSetBatchMode(void);
 

@@ -12,8 +12,8 @@
 class QBL_API QBLObjectFactoryItem {
 public:
     /// @param factory  the factory to which the item goes back; null for an item that release()
-    ///     deletes. If createObject() does not hand out the item, the factory must exist until the
-    ///     item is released.
+    ///     deletes. If the program creates the item itself, without createObject(), the factory
+    ///     must exist until the item is released.
     explicit QBLObjectFactoryItem(QBLObjectFactory* factory);
     QBLObjectFactoryItem(const QBLObjectFactoryItem&) = delete;
     QBLObjectFactoryItem& operator=(const QBLObjectFactoryItem&) = delete;

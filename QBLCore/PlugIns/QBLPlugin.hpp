@@ -12,19 +12,18 @@
 template <class Signature>
 class QBLPluginEntry;
 
-/// Owns a loaded plug-in, together with its copies, its entries and the objects that own() returns.
-/// The plug-in is unloaded when the last of these owners is destroyed, and then only if nothing
-/// else can still need its code. In the following cases, the plug-in stays loaded until the process
-/// ends:
+/// An owner of a loaded plug-in. The copies of this object, the functions that entry() returns, and
+/// the objects that own() returns are owners, too. The plug-in is unloaded when the last owner is
+/// destroyed. In the following cases, it is not unloaded, but stays loaded until the process ends:
 ///
 /// - An exception left a call of an entry. The exception, and copies of it in other threads or in a
 ///   QBLDeferredThrowable, may need the plug-in's code, and nobody can tell how long they live.
 /// - The last owner is destroyed while its thread throws or handles an exception, whatever the
 ///   exception is. So an owner inside `try` does not unload the code that `catch` needs.
-/// - The caller asks for it with `kResident` or keepLoaded().
+/// - The caller asks for this with `kResident` or keepLoaded().
 ///
 /// Call keepLoaded() if other parts of the plug-in may outlive all owners: its threads, its
-/// registered tasks and classes, or errors that left other functions than entries and are kept
+/// registered tasks and classes, or errors that left functions other than entries and are kept
 /// after their handler. Code of the plug-in must not destroy the last owner.
 ///
 /// Loading has the same rules and risks as QBLPluginLibraryLoader::load().
@@ -96,8 +95,8 @@ private:
     Result (*m_pFunction)(Arguments...);
 };
 
-/// What QBLPlugin::own() uses to delete an object. The fields are destroyed in reverse order: the
-/// plug-in last, because the deleter may have code in it.
+/// The deleter of an object that QBLPlugin::own() returns. The fields are destroyed in reverse
+/// order: the plug-in last, because the code of the deleter may be in the plug-in.
 ///
 /// Threads: as with QBLPlugin.
 template <class Deleter>

@@ -310,10 +310,10 @@ QBLCustodian::QBLCustodian()
 
 QBLCustodian::~QBLCustodian() = default;
 
-// When the destructor returns, both threads have ended. A task may end the thread that runs it.
-// This thread may then start the other thread. So if there is a task, the destructor waits for the
-// end of the last pass before it joins a thread. Without tasks, it does not wait for the last pass,
-// so the caller sleeps only once, until the thread has ended.
+// When the destructor returns, this object's own thread and the thread `other` have ended. If a
+// task ends the thread that runs it, this thread starts the other one of the two. So if there is a
+// task, the destructor waits for the end of the last pass before it joins a thread. Without tasks,
+// it does not wait for the last pass, so the caller sleeps only once, until the thread has ended.
 QBLCustodian::Body::~Body() {
     lockForChange();
     {
