@@ -114,10 +114,10 @@ public:
     static void setTempPath(const char* path);
     static void setTempPath(const I18NString& path);
     /// Returns the directory for temporary files. If setTempPath() has set a directory, returns it
-    /// without a check. Otherwise tries three paths in this order: the value of the first
-    /// environment variable that is set out of TMP, tmp, TEMP and temp; "/tmp"; and ".". Returns
-    /// the first path that is a directory and that its owner may read and write. A program that
-    /// runs with more rights than its caller, such as a set-id program, ignores the environment.
+    /// without a check. Otherwise tries three paths in this order: the value of the first of the
+    /// environment variables TMP, tmp, TEMP and temp that is set; "/tmp"; and ".". Returns the
+    /// first path that is a directory and that its owner may read and write. A program that runs
+    /// with more rights than its caller, such as a set-id program, ignores the environment.
     /// @return false, with an empty result, if no directory qualifies
     static bool getTempPath(std::string& result);
     static bool getTempPath(I18NString& result);

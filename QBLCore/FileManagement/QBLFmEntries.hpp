@@ -19,8 +19,8 @@ class QBLFmDirectory;
 ///
 /// A tree is walked without following symbolic links, and each directory is opened in the one above
 /// it. Other users therefore cannot redirect the listing. A directory below the start that cannot
-/// be opened does not stop it: getErrorNumber() of its entry tells why its content is missing. Each
-/// level that is open needs a descriptor.
+/// be opened does not stop the listing: getErrorNumber() of its entry tells why its content is
+/// missing. Each level that is open needs a descriptor.
 ///
 /// Threads: one thread at a time for each object.
 ///
@@ -86,7 +86,7 @@ public:
 
     /// Opens a directory; follows links.
     /// @throws QBLSystemError with the errno if the directory cannot be opened; I18NRuntimeError
-    ///     for a path that the platform's encoding does not have; QBLOutOfMemoryError
+    ///     for a path that the platform's encoding cannot represent; QBLOutOfMemoryError
     explicit QBLFmEntries(const char* path, Mode mode = kFlat);
     explicit QBLFmEntries(const std::string& path, Mode mode = kFlat);
     explicit QBLFmEntries(const I18NString& path, Mode mode = kFlat);

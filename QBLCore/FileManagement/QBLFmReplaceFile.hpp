@@ -83,9 +83,9 @@ public:
     /// Works as commit(), but replaces only one particular file. Fails if another file has taken
     /// the name in the meantime. If the file system can exchange two names, the old version always
     /// has a name: it stays in the directory, under a temporary name, until the object is destroyed
-    /// or used again. If it cannot, a file that takes the name between the last check and the
-    /// rename is lost. The caller can therefore still check whether somebody has
-    /// written to the old version, and keep it with keepReplaced().
+    /// or used again. The caller can therefore still check whether somebody has written to the old
+    /// version, and keep it with keepReplaced(). If the file system cannot exchange two names, a
+    /// file that takes the name between the last check and the rename is lost.
     /// @param old  a descriptor of the file to replace
     /// @return false with ESTALE if another file has the name; otherwise as commit()
     [[nodiscard]] bool commitOver(int old);

@@ -68,8 +68,8 @@ const char* outputPolicyName(const Options& options);
 const std::vector<tools::Option>& knownOptions();
 
 /// Parses the command line. Operands and options may come in any order; "--" ends the options.
-/// @param options  after a failure, has at least the form of messages, and their languages if -L
-///     comes before the mistake
+/// @param options  after a failure, says at least in which form to print the problem (text, XML or
+///     JSON), and in which languages if -L comes before the mistake
 /// @return false, with a problem, if the command line is wrong
 bool parseOptions(int argc, char** argv, Options& options, Problem& problem);
 
