@@ -99,7 +99,7 @@ private:
     bool m_bWriterLeaves = false;
 };
 
-/// A wait whose timeout starts again with each wait.
+/// Returns a function that waits on a condition. Each call waits for up to the full timeout.
 auto forMilliseconds(unsigned ms) {
     return [ms](pthread_cond_t* condition, pthread_mutex_t* mutex) {
         const int rc = tavWaitOn(condition, mutex, ms);
@@ -107,7 +107,7 @@ auto forMilliseconds(unsigned ms) {
     };
 }
 
-/// A wait that ends at a deadline.
+/// Returns a function that waits on a condition. All its calls have the same deadline.
 auto untilDeadline(unsigned ms) {
     return [deadline = tavDeadline(ms)](pthread_cond_t* condition, pthread_mutex_t* mutex) {
         return tavWaitUntil(condition, mutex, deadline);

@@ -25,7 +25,7 @@ void TavTransition::to(int newState) {
         reason = TavThreadExitCanceled;
     else if (newState == TavThreadStateException)
         reason = TavThreadExitException;
-    // A thread that reads the new state must not read the reason of an earlier one.
+    // A thread that reads the new state must not read the exit reason of an earlier state.
     if (reason >= 0) m_thread.reason.store(reason, std::memory_order_release);
     m_thread.state.store(newState, std::memory_order_release);
     m_iEntered = newState;

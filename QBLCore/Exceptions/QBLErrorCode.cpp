@@ -12,7 +12,8 @@ struct Meaning {
     std::errc condition;
 };
 
-// Results without a condition have the condition of the category itself.
+// For results that correspond to no std::errc. Their condition, except the condition of
+// TAVTHREAD_OK, is in the category "qbl.thread".
 constexpr std::errc kNone{};
 constexpr Meaning kMeanings[] = {
     {TAVTHREAD_OK, "success", kNone},

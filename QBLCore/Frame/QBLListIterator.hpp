@@ -1,7 +1,7 @@
 #ifndef QBLCORE_FRAME_QBLLISTITERATOR_HPP
 #define QBLCORE_FRAME_QBLLISTITERATOR_HPP
 
-// The categories and adaptors of iterators. <iterator> also has those of streams, and including it
+// For the iterator categories and adaptors. <iterator> also has stream iterators, and including it
 // takes four times as long.
 #include <array>
 #include <cstddef>

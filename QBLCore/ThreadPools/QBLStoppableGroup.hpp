@@ -37,7 +37,7 @@ public:
     // NOLINTBEGIN(readability-identifier-naming): the names of the standard
     [[nodiscard]] QBLStopToken get_token() const noexcept { return m_source.get_token(); }
     [[nodiscard]] bool stop_requested() const noexcept { return m_source.stop_requested(); }
-    /// A stop cannot be undone: later pieces get a token that asks for the stop, too.
+    /// A stop cannot be undone: the token of pieces that are added later reports the stop, too.
     /// @return true if this call requested the stop, false if a stop was requested before.
     bool request_stop() const noexcept { return m_source.request_stop(); }
     // NOLINTEND(readability-identifier-naming)

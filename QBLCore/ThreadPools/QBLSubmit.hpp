@@ -12,7 +12,7 @@
 #include "QBLCore/ThreadPools/QBLPoolTask.hpp"
 #include "QBLCore/ThreadPools/QBLThreadExecuteRunnable.hpp"
 
-/// A task that makes a future ready. It destroys the callable and its arguments before.
+/// A task that makes a future ready, after it has destroyed the callable and its arguments.
 template <class Result, class Callable, class... Arguments>
 class QBLFutureTask final : public QBLPoolTask {
 public:

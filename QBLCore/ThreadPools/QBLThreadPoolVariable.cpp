@@ -297,7 +297,7 @@ void QBLThreadPoolVariable::addWorker() {
 void QBLThreadPoolVariable::replaceWorker() {
     while (getStopWork() == 0 && outnumbered()) {
         tavContain([this] { addWorker(); });
-        QBLThread::sleep(1);  // the new worker must look, or memory become free
+        QBLThread::sleep(1);  // until the new worker looks for tasks, or memory is free
     }
 }
 

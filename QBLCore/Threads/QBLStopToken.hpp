@@ -17,7 +17,8 @@ public:
     QBLStopToken() noexcept = default;
 
     // NOLINTBEGIN(readability-identifier-naming): the names of the standard
-    /// What the thread that requested the stop wrote before is visible after a true.
+    /// If this returns true, the caller sees everything that the thread that requested the stop
+    /// wrote before the request.
     [[nodiscard]] bool stop_requested() const noexcept {
         return m_pStop != nullptr && m_pStop->load(std::memory_order_acquire);
     }

@@ -40,7 +40,7 @@ bool tavSeveralProcessors();
 /// code.
 int tavWaitOn(pthread_cond_t* condition, pthread_mutex_t* mutex, unsigned ms);
 
-/// Returns the time of the monotonic clock in ms milliseconds.
+/// Returns the time that the monotonic clock will show after ms milliseconds.
 timespec tavDeadline(unsigned ms);
 
 /// Waits on the condition until the deadline on the monotonic clock. Returns a result code.
