@@ -93,7 +93,8 @@ public:
     static void setEffectiveWorkingDir(const char* path);
     static void setEffectiveWorkingDir(const I18NString& path);
     /// Prepends the effective working directory to a path without a root. Has no effect if no
-    /// effective working directory is set, or if the path already begins with its text.
+    /// effective working directory is set, or if the path already begins with this directory's
+    /// text.
     static void resolveEffectivePath(std::string& path);
     static void resolveEffectivePath(I18NString& path);
     /// Searches for a file. A name with a root is looked up unchanged. Any other name is looked up

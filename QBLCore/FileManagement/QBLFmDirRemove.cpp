@@ -72,7 +72,8 @@ private:
         return true;
     }
 
-    /// @return false also if the system cannot tell: the attempt to remove a file then shows it
+    /// @return false also if the type cannot be determined: the attempt to remove the entry as a
+    ///     file then fails with EISDIR if it is a directory
     bool isDirectory(const dirent64& entry) const {
         if (entry.d_type != DT_UNKNOWN) return entry.d_type == DT_DIR;
         QBLFileStatus status;

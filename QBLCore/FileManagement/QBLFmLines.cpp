@@ -106,7 +106,7 @@ struct QBLFmLines::Reader {
     bool skipLf = false;  // the last output ended with CR
     bool isEnded = false;
     bool hasFailed = false;                 // `carry` is not a whole line
-    std::optional<I18NRuntimeError> error;  // for after the lines before it
+    std::optional<I18NRuntimeError> error;  // thrown after all lines before it have been read
     std::size_t count = 0;
     std::string_view lines[kBatch];
 

@@ -137,7 +137,7 @@ bool QBLFmReplaceFile::keepOwnerAndMode(unsigned mode, unsigned user, unsigned g
     if (status.user() != user || status.group() != group) {
         if (fchown(m_iFile, user, group) != 0 &&
             fchown(m_iFile, static_cast<uid_t>(-1), group) != 0)
-            errno = 0;  // may not be allowed; the result is checked below
+            errno = 0;  // the caller may lack the right; the result is checked below
         if (!status.get(m_iFile)) return false;
     }
     mode &= 07777;
@@ -182,7 +182,8 @@ bool QBLFmReplaceFile::put(bool (QBLFmReplaceFile::*rename)(int), int old) {
     if (!isOpen()) return failed(EBADF);
     if (!settle()) return failed(errno);
     // A directory that cannot be opened for reading cannot be synchronised, but its file system
-    // can. Gets the descriptor now, because no failure after the renaming keeps the old version.
+    // can. Gets the descriptor before the rename, because after the rename a failure could no
+    // longer keep the old version.
     const Descriptor dir(openat64(m_iDirectory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     const Descriptor kept(dir.fd < 0 ? fcntl(m_iFile, F_DUPFD_CLOEXEC, 3) : -1);
     if (dir.fd < 0 && kept.fd < 0) return failed(errno);

@@ -58,7 +58,7 @@ bool isUsable(const std::string& encoding) {
     }
 }
 
-/// The encoding of a locale by the C library; empty if the locale is not installed.
+/// The encoding of a locale, as the C library tells it; empty if the locale is not installed.
 std::string installedEncoding(const char* locale) {
     const locale_t known = newlocale(LC_CTYPE_MASK, locale, nullptr);
     if (known == nullptr) return {};

@@ -61,7 +61,7 @@ QBLMessageParm parameterOf(const XmlNode& node) {
     if (type == "double" && parse(value, real)) return QBLMessageParm(real);
     if (type == "msgid" && parse(value, whole, 16))
         return QBLMessageParm(static_cast<unsigned long>(whole), 1);
-    // Shows a value that does not match its type unchanged.
+    // Shows the value unchanged if it does not match its type.
     return value.empty() ? QBLMessageParm(QBLMsgParmUnknown) : QBLMessageParm(value.c_str());
 }
 
