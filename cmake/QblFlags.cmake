@@ -3,7 +3,7 @@
 add_library(qbl_flags INTERFACE)
 target_compile_options(qbl_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow
-  $<$<COMPILE_LANGUAGE:CXX>:-Wconversion -Wnon-virtual-dtor -Woverloaded-virtual>
+  $<$<COMPILE_LANGUAGE:CXX>:-Wconversion -Wsign-conversion -Wnon-virtual-dtor -Woverloaded-virtual>
   -fno-semantic-interposition -fno-plt
   # Makes __FILE__ relative to the root of the tree. The second map is for compiler caches, which
   # pass paths relative to build/<preset>.
@@ -47,7 +47,8 @@ endif()
 # qbl_test_flags: link it after qbl_flags. Tests and fuzz targets misuse locks on purpose and compare
 # unsigned counts with signed iterator differences, so these warnings are off there.
 add_library(qbl_test_flags INTERFACE)
+target_compile_options(qbl_test_flags INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-sign-conversion>)
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
   target_compile_options(qbl_test_flags INTERFACE
-    -Wno-thread-safety -Wno-sign-conversion -Wno-gnu-zero-variadic-macro-arguments)
+    -Wno-thread-safety -Wno-gnu-zero-variadic-macro-arguments)
 endif()

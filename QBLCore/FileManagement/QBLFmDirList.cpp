@@ -17,6 +17,7 @@ namespace {
 /// valid character.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wconversion"  // of ICU's macro
+#pragma GCC diagnostic ignored "-Wsign-conversion"
 std::size_t characterWidth(const char* text) {
     int width = 0;
     UChar32 character = 0;

@@ -37,6 +37,7 @@ const char* replacementOf(char c) {
 /// Returns the code point at an offset and moves the offset after it; below 0 for ill-formed UTF-8.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wconversion"  // of ICU's macro
+#pragma GCC diagnostic ignored "-Wsign-conversion"
 UChar32 nextOf(std::string_view utf8, std::size_t& i) {
     UChar32 c = 0;
     U8_NEXT(utf8.data(), i, utf8.size(), c);

@@ -6,6 +6,7 @@ namespace tools {
 
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wconversion"  // ICU's macros convert implicitly
+#pragma GCC diagnostic ignored "-Wsign-conversion"
 int nextCodePoint(const std::string& bytes, std::size_t& offset, std::size_t end) {
     std::size_t next = offset;
     int codePoint;

@@ -24,8 +24,9 @@ std::string inDigits(char32_t codePoint) {
 std::string toUtf8(const std::u16string& text) {
     std::string out;
     for (std::size_t i = 0; i < text.size();) {
-        char32_t codePoint = 0;
-        U16_NEXT(text, i, text.size(), codePoint);
+        char32_t codePoint = text[i++];
+        if (U16_IS_LEAD(codePoint))
+            codePoint = static_cast<char32_t>(U16_GET_SUPPLEMENTARY(codePoint, text[i++]));
         tools::appendCodePoint(out, codePoint);
     }
     return out;

@@ -105,7 +105,7 @@ Transliteration::Result Transliteration::find(char32_t codePoint) {
         if (hasAll(code)) return {true, code};
     }
     if (ublock_getCode(c) == UBLOCK_COMBINING_DIACRITICAL_MARKS) return {true, {}};
-    const bool isText = u_isdefined(c) && !U_IS_SURROGATE(c);
+    const bool isText = u_isdefined(c) && !U_IS_SURROGATE(codePoint);
     if (!isText || u_hasBinaryProperty(c, UCHAR_DEFAULT_IGNORABLE_CODE_POINT)) return {false, {}};
     if (m_pTransliterators == nullptr) m_pTransliterators = std::make_unique<Transliterators>();
     const icu::Transliterator &ascii = *m_pTransliterators->ascii,

@@ -10,6 +10,7 @@
 #include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "i18n/cpp/locale/i18n_locale_names.hpp"
+#include "i18n/cpp/utf/i18n_utf.hpp"
 
 namespace {
 
@@ -30,6 +31,13 @@ struct Published {
 };
 
 std::atomic<const I18NSettings*> g_now{nullptr};  // null for the defaults
+
+/// Returns the code point at an offset, or the lone surrogate, and moves the offset after it.
+char32_t nextOf(std::u16string_view text, std::size_t& i) {
+    const char16_t unit = text[i++];
+    const bool isPair = i18nIsHigh(unit) && i < text.size() && i18nIsLow(text[i]);
+    return isPair ? i18nCombine(unit, text[i++]) : unit;
+}
 
 }  // namespace
 
@@ -66,8 +74,7 @@ bool I18NSettings::isNonNormalizable(std::u16string_view text) const {
             ++i;
             continue;
         }
-        char32_t codePoint;
-        U16_NEXT(text.data(), i, text.size(), codePoint);
+        const char32_t codePoint = nextOf(text, i);
         if (std::binary_search(all.begin(), all.end(), codePoint)) return true;
     }
     return false;
@@ -84,8 +91,7 @@ bool I18NSettings::substituteJa(std::u16string& text) const {
     bool any = false;
     for (std::size_t i = 0; i < text.size();) {
         const std::size_t begin = i;
-        char32_t codePoint;
-        U16_NEXT(text.data(), i, text.size(), codePoint);
+        const char32_t codePoint = nextOf(text, i);
         const char32_t other = getJaSubstitution(codePoint);
         if (other == codePoint) {
             result.append(text, begin, i - begin);

@@ -158,7 +158,7 @@ std::size_t i18nLengthUTF8(const char16_t* units, std::size_t length) {
                 ++units;
                 bytes += 2;  // a pair has four bytes
             } else {
-                bytes += (unit >= 0x80) + (unit >= 0x800);
+                bytes += (unit >= 0x80 ? 1U : 0U) + (unit >= 0x800 ? 1U : 0U);
             }
         }
     }
