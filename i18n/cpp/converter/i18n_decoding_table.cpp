@@ -1,9 +1,9 @@
 // The entries form a trie. A node has an entry for each value of a byte. The entry is the unit of a
 // character XOR kMark, or the number of the node for the next byte. Only a surrogate XOR kMark is
 // below kNodes, and a unit is never a surrogate, so an entry below kNodes is not a unit. The number
-// of the node after a first byte is kPairs plus this byte, so one look-up with two bytes finds a
-// character of two bytes. Two numbers do not lead to another node: kUnknown, the value of all
-// entries at first, and kByIcu, for sequences that ICU must convert.
+// of the node after a first byte is kPairs plus this byte. It need not be looked up, so a character
+// of two bytes takes only one access to the entries. Two numbers do not lead to another node:
+// kUnknown, the value of all entries at first, and kByIcu, for sequences that ICU must convert.
 
 #include <utility>
 

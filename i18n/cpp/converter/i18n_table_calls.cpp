@@ -28,7 +28,8 @@ struct FromUnicode {
     static int pending(const UConverter* icu, UErrorCode& status) {
         return ucnv_fromUCountPending(icu, &status);
     }
-    /// Near the end of the room ICU converts the text, because ICU keeps bytes that do not fit.
+    /// Returns true if the destination is nearly full. ICU then converts the text, because it keeps
+    /// bytes that do not fit for its next call.
     static bool isNearEnd(const char* at, const char* limit) { return limit - at < Table::kRoom; }
     static void convert(Table& table, const UChar*& source, const UChar* end, char*& at,
                         char* limit) {
