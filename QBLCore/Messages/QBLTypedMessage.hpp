@@ -7,8 +7,8 @@
 #include "QBLCore/Messages/QBLTypedArguments.hpp"
 
 /// A catalogue that a header of `qblmsgc --typed` describes. The shape is a checksum of the
-/// identifiers and of the arguments' types. Each message file of the catalogue holds the same
-/// checksum, whatever its language.
+/// identifiers, of their names, and of the arguments' types. Each message file of the catalogue
+/// holds the same checksum, whatever its language.
 ///
 /// Threads: any thread may call any operation.
 struct QBLTypedCatalogue {

@@ -149,7 +149,8 @@ TEST(QblmsgcTest, ChecksTheTypesOfArguments) {
         EXPECT_NE(std::string::npos, outcome.output.find(row.found)) << outcome.output;
         EXPECT_EQ(0, run(tree, "-qr en.msg t.msg").status) << "only --typed requires types";
     }
-    // All languages have the shape of the reference. A text does not change it, a number does.
+    // All languages have the shape of the reference. A text does not change it; a number, a name or
+    // a type does.
     const auto shape = [&](const std::string& source, const std::string& reference) {
         tree.file("t.msg", source);
         EXPECT_EQ(0, run(tree, "--typed -q " + reference + " t.msg").status) << source;
@@ -157,7 +158,9 @@ TEST(QblmsgcTest, ChecksTheTypesOfArguments) {
     };
     EXPECT_EQ(shape("1 \"a\"", "-r en.msg"), shape("3 \"{0}\"", "-r en.msg"));
     EXPECT_EQ(shape("1 A \"{0} a\"\n2 \"\"", ""),
-              shape("# {1}\n2 \"\"\n1 \"{0,select,other{}}\"", ""));
+              shape("# {1}\n2 \"\"\n1 A \"{0,select,other{}}\"", ""));
+    EXPECT_NE(shape("1 FULL \"{0}\"\n2 EMPTY \"{0}\"", ""),
+              shape("2 FULL \"{0}\"\n1 EMPTY \"{0}\"", ""));
     EXPECT_NE(shape("1 \"{0}\"\n2 \"\"", ""), shape("1 \"{0}\"\n3 \"\"", ""));
     EXPECT_NE(shape("1 \"{0}\"\n2 \"\"", ""), shape("1 \"{0,number}\"\n2 \"\"", ""));
 }
@@ -181,8 +184,9 @@ TEST(QblmsgcTest, WritesWholeFilesThatReadBackUnchanged) {
     const std::string typed = tree.text("typed.bmf");
     EXPECT_NE(bytes, typed);
     EXPECT_EQ(bytes, std::string(typed).replace(5, 3, 3, '\0'));
-    expectRun(tree, "-d typed.bmf | tail -n +2 >again.msg && '" QBL_MSGC "' --typed again.msg", 0,
-              "");
+    expectRun(tree,
+              "-d typed.bmf | tail -n +2 >again.msg && '" QBL_MSGC "' --typed -r x.msg again.msg",
+              0, "");
     EXPECT_EQ(typed, tree.text("again.bmf"));
     // After an error, the old files are unchanged.
     tree.file("x.msg", "1 A \"{\"");

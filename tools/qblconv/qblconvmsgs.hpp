@@ -180,7 +180,7 @@ enum qblconvmsgs_ids {
 
 namespace qblconvmsgs {
 
-inline constexpr QBLTypedCatalogue kCatalogue = {"qblconvmsgs", 0x13483E};
+inline constexpr QBLTypedCatalogue kCatalogue = {"qblconvmsgs", 0xD57F13};
 
 /// The usage text; ends with a line end.
 inline QBLTypedMessage convUsage() { return {kCatalogue, ::CONV_USAGE, {}}; }

@@ -51,7 +51,7 @@ void compareTypes(const Parsed& translation, const Parsed& reference, Report& re
 unsigned shapeOf(const Entries& entries) {
     std::map<unsigned, std::string> shapes;
     for (const Entry& entry : entries) {
-        std::string& shape = shapes[entry.id];
+        std::string& shape = shapes[entry.id].append(entry.name).append(1, ':');
         for (const auto& [number, type] : PatternCheck(entry.text, entry.asIs).arguments)
             shape.append(std::to_string(number)).append(classOf(type));
     }

@@ -16,8 +16,10 @@ void checkTypes(const Entries& entries, const Source& source, Report& report);
 /// reference accept.
 void compareTypes(const Parsed& translation, const Parsed& reference, Report& report);
 
-/// Returns a checksum of the identifiers and of the types of the arguments, from 1 to 0xFFFFFF.
-/// Names, comments and texts do not change it. A plain argument counts as a text.
+/// Returns a checksum of the identifiers, of their names, and of the types of the arguments, from 1
+/// to 0xFFFFFF. Comments and texts do not change it. A plain argument counts as a text. The names
+/// are included, because otherwise two messages with the same arguments could exchange their
+/// identifiers unnoticed.
 unsigned shapeOf(const Entries& entries);
 
 }  // namespace msgc

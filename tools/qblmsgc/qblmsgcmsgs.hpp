@@ -162,7 +162,7 @@ enum qblmsgcmsgs_ids {
 
 namespace qblmsgcmsgs {
 
-inline constexpr QBLTypedCatalogue kCatalogue = {"qblmsgcmsgs", 0x223095};
+inline constexpr QBLTypedCatalogue kCatalogue = {"qblmsgcmsgs", 0x19F209};
 
 /// The usage text; ends with a line end.
 inline QBLTypedMessage msgcUsage() { return {kCatalogue, ::MSGC_USAGE, {}}; }
