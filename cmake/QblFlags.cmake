@@ -44,8 +44,8 @@ if(CMAKE_BUILD_TYPE MATCHES "^Rel" AND NOT QBL_SANITIZE AND NOT QBL_COVERAGE)
     LINKER:-z,relro LINKER:-z,now LINKER:-z,noexecstack LINKER:-z,shstk)
 endif()
 
-# qbl_test_flags: link it after qbl_flags. Tests and fuzz targets misuse locks on purpose and compare
-# unsigned counts with signed iterator differences, so these warnings are off there.
+# qbl_test_flags: link it after qbl_flags. Tests and fuzz targets misuse locks on purpose. They and
+# the benchmarks compare unsigned counts with signed differences. So these warnings are off there.
 add_library(qbl_test_flags INTERFACE)
 target_compile_options(qbl_test_flags INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-sign-conversion>)
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
