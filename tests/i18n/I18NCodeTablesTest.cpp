@@ -1,12 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <random>
 #include <string>
 #include <vector>
 
-#include "fuzz/support/StreamChecks.hpp"
+#include "fuzz/support/ConverterChecks.hpp"
 #include "i18n/cpp/converter/i18n_code_tables.hpp"
 #include "i18n/cpp/converter/i18n_single_bytes.hpp"
 #include "i18n/cpp/i18n_encoding_names.h"
@@ -78,6 +77,7 @@ TEST(I18NCodeTablesTest, StreamsConvertAsIcuInEveryEncodingWithoutShifts) {
 }
 
 TEST(I18NCodeTablesTest, ConvertersConvertAsIcuIntoAnyRoom) {
+    using namespace converterchecks;
     for (int i = 0; i < I18NCountEncodings(); ++i) {
         I18NConverter converter(I18NGetEncodingName(i, 0));
         if (!dependsOnTextAlone(converter) || converter.sizeofLegacyNull() > 1) continue;
@@ -86,40 +86,17 @@ TEST(I18NCodeTablesTest, ConvertersConvertAsIcuIntoAnyRoom) {
         std::u16string text;
         while (text.size() < 8000) text += randomText(random);
         text.erase(std::remove(text.begin(), text.end(), u'\0'), text.end());
-        std::string bytes = randomBytes(random, converter, text, false), encoded;
-        bytes.erase(std::remove(bytes.begin(), bytes.end(), '\0'), bytes.end());
-        const StreamOutcome units = decodedByIcu(converter, bytes);
-        std::string decoded;
-        std::vector<char> room(9000);
-        std::size_t at = 0, from = 0;
-        // The last part is converted by the operation that also flushes the converter.
-        for (int run = 0; run < 20; ++run) {
-            int written = 0, consumed = 0;
-            I18NErrorCodes error = I18N_OK;
-            const auto size = static_cast<int>(2 + random() % (run % 2 == 0 ? room.size() : 40));
-            const std::size_t most = random() % 4000;
-            const auto left = static_cast<int>(std::min(most, text.size() - at));
-            converter.fromUnicodeStream(room.data(), size, text.data() + at, 2 * left, &written,
-                                        &consumed, &error);
-            encoded.append(room.data(), static_cast<std::size_t>(std::max(written - 1, 0)));
-            at += static_cast<std::size_t>(consumed) / 2;
-            const auto rest = static_cast<int>(std::min(most, bytes.size() - from));
-            converter.toUnicodeStream(room.data(), size / 2 * 2 + 2, bytes.data() + from, rest,
-                                      &written, &consumed, &error);
-            decoded.append(room.data(), static_cast<std::size_t>(std::max(written - 2, 0)));
-            from += static_cast<std::size_t>(consumed);
-        }
-        char* last = nullptr;
-        void* lastText = nullptr;
-        int size = 0;
-        converter.fromUnicode(&last, &size, text.c_str() + at);
-        encoded.append(last, static_cast<std::size_t>(size - 1));
-        converter.toUnicode(&lastText, &size, bytes.c_str() + from, -1);
-        decoded.append(static_cast<char*>(lastText), static_cast<std::size_t>(size - 2));
-        std::free(last);
-        std::free(lastText);
-        EXPECT_EQ(encodedByIcu(converter, text).output, encoded) << converter.getEncoding();
-        EXPECT_EQ(units.output, decoded) << converter.getEncoding();
+        const std::string bytes = randomBytes(random, converter, text, false);
+        const Converted units = resultOf(decodedByIcu(converter, bytes));
+        const Converted encoding = resultOf(encodedByIcu(converter, text));
+        for (const std::size_t most : {4000, 40})
+            for (const std::size_t room : {9000U, 20 + random() % 40}) {
+                const std::size_t piece = 1 + random() % most;
+                EXPECT_TRUE(decodedInPieces(converter, bytes, piece, room) == units)
+                    << converter.getEncoding() << " " << piece << " " << room;
+                EXPECT_TRUE(encodedInPieces(converter, text, piece, room) == encoding)
+                    << converter.getEncoding() << " " << piece << " " << room;
+            }
     }
 }
 

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "fuzz/support/ConverterChecks.hpp"
 #include "i18n/cpp/i18n_converter_c.h"
 #include "i18n/cpp/i18n_converter_holders.hpp"
 #include "i18n/cpp/i18n_errors.hpp"
@@ -221,29 +222,6 @@ TEST(I18NConverterTest, FixedBuffersReportIfTheyAreTooSmall) {
     EXPECT_STREQ("ab", three);
 }
 
-// Converts a source in pieces, through a buffer with room for this many bytes and a NUL. Source
-// and buffer are at odd addresses.
-template <class Convert>
-std::string streamed(const std::string& source, int piece, int room, int nullSize,
-                     Convert convert) {
-    const std::string moved = "-" + source;
-    std::string buffer(static_cast<std::size_t>(1 + room + nullSize), 'z');
-    std::string made;
-    const char* at = &moved[1];
-    const char* const end = at + source.size();
-    I18NErrorCodes error = I18N_OK;
-    while (at != end || error == I18N_STREAM_FULL) {
-        int written = 0;
-        int consumed = 0;
-        convert(&buffer[1], room + nullSize, at, std::min(piece, static_cast<int>(end - at)),
-                &written, &consumed, &error);
-        if (error != I18N_OK && error != I18N_STREAM_FULL) return "failed";
-        made.append(buffer, 1, static_cast<std::size_t>(written - nullSize));
-        at += consumed;
-    }
-    return made;
-}
-
 TEST(I18NConverterTest, ReportsUnconsumedInput) {
     char null[1];
     int written = 0, consumed = 0;
@@ -264,23 +242,19 @@ TEST(I18NConverterTest, ReportsUnconsumedInput) {
 }
 
 TEST(I18NConverterTest, StreamsInPiecesMatchASingleCall) {
+    using namespace converterchecks;
     const std::u16string text = u"a\u00E9\u3042\u6F22\U0001F600z\u30A2";
-    const std::string units = bytesOf(I18NConverter("UTF-16"), text);
     for (const char* encoding :
          {"UTF-8", "UTF-16", "UTF-32", "gb18030", "ISO-2022-JP", "Shift_JIS"})
         for (const int room : {1, 2, 3, 7, 4000})
             for (const int piece : {1, 2, 5, 1000}) {
                 SCOPED_TRACE(encoding + (" " + std::to_string(room) + "/" + std::to_string(piece)));
                 const I18NConverter converter(encoding);
-                const std::string whole = bytesOf(converter, text);
-                const std::string bytes =
-                    streamed(units, piece * 2, room, converter.sizeofLegacyNull(),
-                             [&](auto... all) { converter.fromUnicodeStream(all...); });
-                EXPECT_EQ(whole, bytes + bytesOf(converter, u""))
-                    << "the last call returns to the initial shift state";
-                EXPECT_EQ(bytesOf(I18NConverter("UTF-16"), unitsOf(converter, whole)),
-                          streamed(whole, piece, room * 2, 2,
-                                   [&](auto... all) { converter.toUnicodeStream(all...); }));
+                const Converted whole = encoded(converter, text);
+                EXPECT_TRUE(whole == encodedInPieces(converter, text, piece,
+                                                     room + converter.sizeofLegacyNull()));
+                EXPECT_TRUE(decoded(converter, whole.output) ==
+                            decodedInPieces(converter, whole.output, piece, room * 2 + 2));
             }
 }
 
