@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <string>
 #include <thread>
 #include <utility>
@@ -11,6 +10,7 @@
 
 #include "QBLCore/Exceptions/QBLSystemError.hpp"
 #include "bench/cost/Work.hpp"
+#include "fuzz/support/Capture.hpp"
 #include "tests/support/TempTree.hpp"
 #include "tools/qblconv/Run.hpp"
 #include "tools/qblmsgc/BmfBytes.hpp"
@@ -30,27 +30,9 @@ using cost::repeated;
 using cost::use;
 using cost::Work;
 
-/// Discards what the tools print.
-class Silence {
-public:
-    Silence()
-        : m_pOut(std::exchange(stdout, m_pNowhere)), m_pError(std::exchange(stderr, m_pNowhere)) {}
-    ~Silence() {
-        stdout = m_pOut;
-        stderr = m_pError;
-        std::fclose(m_pNowhere);
-    }
-    Silence(const Silence&) = delete;
-    Silence& operator=(const Silence&) = delete;
-
-private:
-    std::FILE* const m_pNowhere = std::fopen("/dev/null", "w");
-    std::FILE *const m_pOut, *const m_pError;
-};
-
 /// Compiles a source, and reads the result.
 void compile(Work& work, const std::string& text) {
-    work.of([&] {
+    work.of(text.substr(0, 20), [&] {
         const msgc::Source source("source", text);
         msgc::Report report;
         const msgc::Entries entries = parseSource(source, report);
@@ -75,8 +57,9 @@ void run(Work& work, std::vector<std::string> words) {
     argv.reserve(words.size() + 1);
     for (std::string& word : words) argv.push_back(&word[0]);
     argv.push_back(nullptr);
-    const Silence silence;
-    work.of([&] { use(conv::run(static_cast<int>(words.size()), argv.data())); });
+    const Capture out(stdout), error(stderr);
+    work.of(words[1].substr(0, 20),
+            [&] { use(conv::run(static_cast<int>(words.size()), argv.data())); });
 }
 
 /// Converts a file.
@@ -99,32 +82,28 @@ void show(Work& work, const std::string& text, std::size_t piece) {
     const int saved = dup(STDIN_FILENO);
     dup2(ends[0], STDIN_FILENO);
     close(ends[0]);
-    const Silence silence;
-    work.of([&] { use(msgc::showReport({})); });
+    const Capture out(stdout), error(stderr);
+    work.of(text.substr(0, 20), [&] { use(msgc::showReport({})); });
     dup2(saved, STDIN_FILENO);
     close(saved);
     writer.join();
 }
 
 const cost::Rows kRows{
-    {"CompileManyMessages", Order::kLinearLog, 256,
+    {"Compile", Order::kLinearLog, 1024,
      [](std::size_t n, Work& work) {
          std::string text;
          for (std::size_t i = 0; i < n; ++i)
              text += "# comment\n" + std::to_string(n - i) + " NAME_" + std::to_string(i) +
                      " \"text {0}\"\n";
          compile(work, text);
-     }},
-    {"CompileLongTexts", Order::kLinear, 4096,
-     [](std::size_t n, Work& work) {
          compile(work, "1 A " + repeated("\"a\\n\" ", n) + "\n" + repeated("# x\n", n));
          compile(work, "1 A \"" + repeated("'{' {0} ''\\u00E9", n) + "\"\n");
          compile(work, "1 A \"" + repeated("{0,select,other{", n) + "\"\n");
-     }},
-    {"CompileDuplicates", Order::kLinearLog, 1024,
-     [](std::size_t n, Work& work) {
          compile(work, repeated("1 A \"x\" ", n));
          compile(work, repeated("1 A \"{x\"\n", n));
+         compile(work, repeated("\xFF\"\\x ", n));
+         compile(work, repeated("1 A \"\xC3\" \"\\q\"\n", n));
      }},
     {"ShowReport", Order::kLinear, 512,
      [](std::size_t n, Work& work) {
@@ -135,24 +114,18 @@ const cost::Rows kRows{
          show(work, repeated("<Message", n), 1);
          show(work, repeated("<Message a=\"\">x</Message>", n), 7);
      }},
-    {"CompileFaults", Order::kLinear, 2048,
+    {"Convert", Order::kLinear, 8192,
      [](std::size_t n, Work& work) {
-         compile(work, repeated("\xFF\"\\x ", n));
-         compile(work, repeated("1 A \"\xC3\" \"\\q\"\n", n));
-     }},
-    {"DetectEncoding", Order::kLinear, 16384,
-     [](std::size_t n, Work& work) {
+         const std::string text = repeated("\u00BD\u0141\u03B1\uFB01\u4E2D\xFF", n);
          convert(work, repeated("\x83\x65\x83L\x83X\x83g\n", n), {"-f", "auto"});
          convert(work, repeated("a\xE9\x81 ", n), {"-f", "auto"});
          convert(work, repeated("\x1B$B0!", n), {"-f", "auto:UTF-8,UTF-16,HZ,ISO-2022-JP"});
-     }},
-    {"ConvertWithReplacements", Order::kLinear, 8192,
-     [](std::size_t n, Work& work) {
-         const std::string text = repeated("\u00BD\u0141\u03B1\uFB01\u4E2D\xFF", n);
          convert(work, text, {"-t", "US-ASCII//TRANSLIT//IGNORE"});
          convert(work, text, {"-t", "ISO-2022-JP", "-p", "substitute", "--eol=crlf"});
+         convert(work, repeated("\u4E2D\r\n", n), {"-t", "GB18030", "--verify"});
+         convert(work, repeated("\u3042a", n), {"-t", "ISO-2022-JP", "--verify"});
      }},
-    {"ConvertVerbosely", Order::kLinear, 64,
+    {"ReportsAndOperands", Order::kLinearLog, 64,
      [](std::size_t n, Work& work) {
          convert(work, repeated("a\u00BD\xFF", n), {"-t", "US-ASCII", "-p", "skip", "-v"});
          convert(work, repeated("a\u00BD\xFF", n), {"-t", "US-ASCII", "-p", "skip", "-v", "-X"});
@@ -160,21 +133,12 @@ const cost::Rows kRows{
          run(work, {"-n", "-f", "US-ASCII", tree.file("in", repeated("\xFF", n))});
          for (const char* const text : {"\xE9 caf\xE9 ", "\x81\x40\x83\x65", "+AGE- "})
              run(work, {"-g", tree.file("in", repeated(text, 16 * n))});
-     }},
-    {"ManyOperandsAndNames", Order::kLinearLog, 64,
-     [](std::size_t n, Work& work) {
-         const TempTree tree;
          std::vector<std::string> words = {"-j", "1", "-d", tree.dir("out")};
          for (std::size_t i = 0; i < n; ++i) words.push_back(tree.file("f" + std::to_string(i)));
          run(work, words);
          run(work, {"-i", "-j", "1", tree(repeated("./", n) + "f0"), tree("f0"), tree("f0")});
          run(work, {"-t", repeated("latin-", 16 * n)});
          run(work, {"--" + repeated("in-place", 16 * n)});
-     }},
-    {"ConvertVerified", Order::kLinear, 8192,
-     [](std::size_t n, Work& work) {
-         convert(work, repeated("\u4E2D\r\n", n), {"-t", "GB18030", "--verify"});
-         convert(work, repeated("\u3042a", n), {"-t", "ISO-2022-JP", "--verify"});
      }},
 };
 

@@ -9,7 +9,7 @@
 
 namespace cost {
 
-/// Counts the work of a piece of code: the instructions that the calling thread executes outside of
+/// Counts the work of pieces of code: the instructions that the calling thread executes outside of
 /// the kernel. If the system does not allow this, counts blocks and bytes instead: 64 for each
 /// block that operator new allocates, 1 for each 8 bytes in it, and 1 for each 8 bytes that are
 /// copied. That is less exact: code that searches without copying counts as no work.
@@ -18,31 +18,37 @@ namespace cost {
 /// functions copy a large block with one instruction.
 class Work {
 public:
+    /// Counts the work of one operation of a row.
     template <class Code>
-    void of(const Code& code) {
+    void of(const std::string& name, const Code& code) {
         const std::uint64_t before = now();
         code();
-        m_uCount += now() - before;
+        const std::uint64_t count = now() - before;
+        m_counts.push_back({name, count});
     }
-    std::uint64_t count() const { return m_uCount; }
+    struct Count {
+        std::string name;
+        std::uint64_t count;
+    };
+    const std::vector<Count>& counts() const { return m_counts; }
     /// Returns true if instructions are counted.
     static bool isExact();
 
 private:
     static std::uint64_t now();
 
-    std::uint64_t m_uCount = 0;
+    std::vector<Count> m_counts;
 };
 
 /// How work grows with the length n of the input.
-enum class Order { kConstant, kLinear, kLinearLog, kQuadratic };
+enum class Order { kLinear, kLinearLog, kQuadratic };
 
-/// One operation.
+/// Operations whose work grows alike.
 struct Row {
     const char* name;
     Order order;
     std::size_t first;  // the shortest input
-    /// Makes an input of length n, and counts the work of the operation for it.
+    /// Makes inputs of length n, and counts the work of each operation for them.
     void (*run)(std::size_t n, Work& work);
 };
 
