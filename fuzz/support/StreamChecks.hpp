@@ -4,6 +4,7 @@
 #include <unicode/ucnv.h>
 
 #include <algorithm>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -19,19 +20,32 @@
 /// bytes or the character.
 struct StreamOutcome : I18NTextStreamListener {
     std::string output, findings;
+    std::string source, told;  // of streams only: a line for each finding, then the end
+    std::string encoding;      // of the input, as the stream names it
 
     void add(const void* data, std::size_t size) {
         output.append(static_cast<const char*>(data), size);
+    }
+    void take(const I18NTextStream& stream) {
+        if (stream.getBytes() != nullptr) add(stream.getBytes(), stream.getByteCount());
+        add(stream.getText(), stream.getTextLength() * sizeof(char16_t));
     }
     void found(std::int64_t at, const std::string& what) {
         findings += std::to_string(at) + ":" + what + "\n";
     }
     void unconvertible(const I18NUnconvertible& what) override {
+        const char* const how = what.isBestFit ? " fit " : what.isCutOff ? " cut " : " ";
+        std::ostringstream text;
+        text << (what.isOutput ? "out" : "in") << how << what.byteOffset << " U+" << std::hex
+             << what.codePoint + 0 << std::dec << " text " << what.textOffset << ", " << what.line
+             << ":" << what.column << "\n";
+        told += text.str();
         if (what.isOutput)
-            found(what.textOffset, std::to_string(static_cast<long>(what.codePoint)));
-        else
-            found(what.textOffset,
-                  std::string(what.bytes, static_cast<std::size_t>(what.byteCount)));
+            return found(what.textOffset, std::to_string(static_cast<long>(what.codePoint)));
+        const std::string bytes(what.bytes, static_cast<std::size_t>(what.byteCount));
+        found(what.textOffset, bytes);
+        if (source.compare(static_cast<std::size_t>(what.byteOffset), bytes.size(), bytes) != 0)
+            told += findings += "these bytes are not at this place\n";
     }
     bool operator==(const StreamOutcome& other) const {
         return output == other.output && findings == other.findings;
@@ -43,15 +57,11 @@ struct StreamOutcome : I18NTextStreamListener {
 template <class Unit>
 StreamOutcome convertedByStream(const I18NConverter* from, const I18NConverter* to,
                                 const std::basic_string<Unit>& text,
-                                const std::vector<std::size_t>& sizes) {
+                                const std::vector<std::size_t>& sizes,
+                                I18NByteOrderMark mark = I18N_MARK_KEEP) {
     StreamOutcome outcome;
-    I18NTextStream stream(from, to, I18N_MARK_KEEP, &outcome);
-    const auto take = [&] {
-        if (to != nullptr)
-            outcome.add(stream.getBytes(), stream.getByteCount());
-        else
-            outcome.add(stream.getText(), stream.getTextLength() * sizeof(char16_t));
-    };
+    if (from != nullptr) outcome.source.assign(text.begin(), text.end());
+    I18NTextStream stream(from, to, mark, &outcome);
     try {
         std::size_t turn = 0;
         for (std::size_t at = 0; at < text.size();) {
@@ -60,14 +70,19 @@ StreamOutcome convertedByStream(const I18NConverter* from, const I18NConverter* 
             const std::vector<Unit> block(text.begin() + static_cast<std::ptrdiff_t>(at),
                                           text.begin() + static_cast<std::ptrdiff_t>(end));
             stream.put(block.data(), block.size());
-            take();
+            outcome.take(stream);
             at = end;
         }
         stream.finish();
-    } catch (const I18NRuntimeError&) {
+    } catch (I18NRuntimeError& error) {
         outcome.findings += "refused";
+        outcome.told += error.getMessage();
     }
-    take();
+    outcome.take(stream);
+    if (from != nullptr) outcome.encoding = stream.getInputEncoding();
+    outcome.told += "\n" + std::to_string(stream.getReplacedInput()) + " and " +
+                    std::to_string(stream.getReplacedOutput()) + ", " +
+                    std::to_string(stream.getLine()) + ":" + std::to_string(stream.getColumn());
     return outcome;
 }
 

@@ -2,17 +2,18 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <random>
-#include <sstream>
 #include <string>
 
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
-#include "i18n/cpp/i18n_converter.hpp"
-#include "i18n/cpp/i18n_errors.hpp"
+#include "fuzz/support/ConverterChecks.hpp"
+#include "i18n/cpp/i18n_string.hpp"
 #include "tests/support/FaultInjection.hpp"
 #include "tests/support/ThrowChecks.hpp"
+
+using converterchecks::decoded;
+using converterchecks::encoded;
 
 namespace {
 
@@ -37,90 +38,50 @@ I18NConverter withPolicy(const char* encoding, int policy) {
     return converter;
 }
 
-// The results of a stream: the output, a line for each finding, and the end.
-struct Outcome : I18NTextStreamListener {
-    std::string source, output, told, encoding;
-
-    void unconvertible(const I18NUnconvertible& what) override {
-        std::ostringstream text;
-        const char* const how = what.isBestFit ? " fit " : what.isCutOff ? " cut " : " ";
-        text << (what.isOutput ? "out" : "in") << how << what.byteOffset << " U+" << std::hex
-             << what.codePoint + 0 << std::dec << " text " << what.textOffset << ", " << what.line
-             << ":" << what.column << "\n";
-        told += text.str();
-        const std::string bytes(what.bytes != nullptr ? what.bytes : "",
-                                static_cast<std::size_t>(what.byteCount));
-        EXPECT_TRUE(what.isOutput || source.compare(static_cast<std::size_t>(what.byteOffset),
-                                                    bytes.size(), bytes) == 0)
-            << told;
-    }
-    void take(const I18NTextStream& stream) {
-        output.append(stream.getBytes() != nullptr ? stream.getBytes() : "", stream.getByteCount());
-        for (std::size_t i = 0; i < stream.getTextLength(); ++i)
-            output.append(reinterpret_cast<const char*>(stream.getText() + i), sizeof(char16_t));
-    }
-};
-
-template <class Unit>
-Outcome run(const I18NConverter* from, const I18NConverter* to,
-            const std::basic_string<Unit>& source, std::size_t block, I18NByteOrderMark mark) {
-    Outcome outcome;
-    outcome.source.assign(source.begin(), source.end());
-    I18NTextStream stream(from, to, mark, &outcome);
-    try {
-        for (std::size_t at = 0; at < source.size(); at += block) {
-            // A separate allocation, so that the sanitizer detects reads past its end.
-            const auto piece = source.substr(at, block);
-            stream.put(piece.data(), piece.size());
-            outcome.take(stream);
-        }
-        stream.finish();
-    } catch (I18NRuntimeError& e) {
-        outcome.told += e.getMessage();
-    }
-    outcome.take(stream);
-    outcome.encoding = from != nullptr ? stream.getInputEncoding() : "";
-    outcome.told += "\n" + std::to_string(stream.getReplacedInput()) + " and " +
-                    std::to_string(stream.getReplacedOutput()) + ", " +
-                    std::to_string(stream.getLine()) + ":" + std::to_string(stream.getColumn());
-    return outcome;
-}
-
 // Converts the source at once, and expects the same results in blocks of 1 to 17 units.
 template <class Unit>
-Outcome runAnyhow(const I18NConverter* from, const I18NConverter* to,
-                  const std::basic_string<Unit>& source, I18NByteOrderMark mark = I18N_MARK_KEEP) {
-    Outcome whole = run(from, to, source, source.size(), mark);
+StreamOutcome runAnyhow(const I18NConverter* from, const I18NConverter* to,
+                        const std::basic_string<Unit>& source,
+                        I18NByteOrderMark mark = I18N_MARK_KEEP) {
+    StreamOutcome whole = convertedByStream(from, to, source, {source.size()}, mark);
+    EXPECT_EQ(std::string::npos, whole.told.find("not at this place")) << whole.told;
     for (std::size_t block = 1; block <= 17; ++block) {
-        const Outcome cut = run(from, to, source, block, mark);
+        const StreamOutcome cut = convertedByStream(from, to, source, {block}, mark);
         EXPECT_EQ(whole.output, cut.output) << block;
         EXPECT_EQ(whole.told, cut.told) << block;
     }
     return whole;
 }
 
-std::string bytesBy(const I18NConverter& converter, const std::u16string& text) {
-    char* block = nullptr;
-    int size = 0;
-    converter.fromUnicode(&block, &size, text.c_str());
-    std::string bytes(block, static_cast<std::size_t>(size - converter.sizeofLegacyNull()));
-    std::free(block);
-    return bytes;
-}
-
-std::string textBy(const I18NConverter& converter, const std::string& bytes) {
-    void* block = nullptr;
-    int size = 0;
-    converter.toUnicode(&block, &size, bytes.data(), static_cast<int>(bytes.size()));
-    std::string text(static_cast<char*>(block), static_cast<std::size_t>(size - 2));
-    std::free(block);
-    return text;
+std::string unitsOf(const std::u16string& text) {
+    return std::string(reinterpret_cast<const char*>(text.data()), text.size() * sizeof(char16_t));
 }
 
 // Texts that are hard to split in some encodings: surrogate pairs, combining sequences that have a
 // single code, and shift sequences.
 const std::u16string kText =
     u"a\r\n\r\r\n\n\u00E9\u20AC\u3042\u6F22\u304B\u309A\U0001F600\u00CA\u0304\u0434\u4E02\u200Bz";
+const char* const kEncodings[] = {"UTF-8",
+                                  "UTF-16LE",
+                                  "UTF-16BE",
+                                  "UTF-32",
+                                  "windows-1252",
+                                  "ISO-8859-15",
+                                  "Shift_JIS",
+                                  "EUC-JP",
+                                  "KOI8-R",
+                                  "Big5",
+                                  "GB18030",
+                                  "ISO-2022-JP",
+                                  "UTF-7",
+                                  "ibm-1399",
+                                  "SCSU",
+                                  "BOCU-1",
+                                  "LMBCS-1",
+                                  "x11-compound-text",
+                                  "UTF-16,version=1",
+                                  "HZ",
+                                  "CESU-8"};
 const char* const kBroken[] = {"\x81\x30\x81", "\x1B$",        "\x1B(",
                                "\x8F\xA2",     "\xF0\x9F\x98", "\xFF"};
 
@@ -130,34 +91,14 @@ TEST(I18NTextStreamTest, ResultsDoNotDependOnBlockSizes) {
     std::mt19937 random(4);
     const auto some = [&] { return kText.substr(random() % kText.size(), 1 + random() % 3); };
     bool isExact = true;
-    for (const char* encoding : {"UTF-8",
-                                 "UTF-16LE",
-                                 "UTF-16BE",
-                                 "UTF-32",
-                                 "windows-1252",
-                                 "ISO-8859-15",
-                                 "Shift_JIS",
-                                 "EUC-JP",
-                                 "KOI8-R",
-                                 "Big5",
-                                 "GB18030",
-                                 "ISO-2022-JP",
-                                 "UTF-7",
-                                 "ibm-1399",
-                                 "SCSU",
-                                 "BOCU-1",
-                                 "LMBCS-1",
-                                 "x11-compound-text",
-                                 "UTF-16,version=1",
-                                 "HZ",
-                                 "CESU-8"})
+    for (const char* const encoding : kEncodings)
         for (int policy = I18N_ESCAPE; policy <= I18N_STOP; ++policy) {
             SCOPED_TRACE(encoding + (" " + std::to_string(policy)));
             std::u16string text;
             std::string bytes;
             for (int i = 0; i < 80; ++i) {
                 text += some();
-                bytes += bytesBy(I18NConverter(encoding), some());
+                bytes += encoded(I18NConverter(encoding), some()).output;
                 if (random() % 4 == 0) bytes += static_cast<char>(random());
                 if (random() % 3 == 0) bytes += kBroken[random() % std::size(kBroken)];
                 if (random() % 8 == 0) bytes.pop_back();
@@ -165,14 +106,14 @@ TEST(I18NTextStreamTest, ResultsDoNotDependOnBlockSizes) {
             const I18NConverter converter = withPolicy(encoding, policy);
             const I18NConverter other = withPolicy("ibm-1399", policy);
             runAnyhow(&converter, &other, bytes);
-            const Outcome in = runAnyhow<char>(&converter, nullptr, bytes);
-            const Outcome out = runAnyhow<char16_t>(nullptr, &converter, text);
+            const StreamOutcome in = runAnyhow<char>(&converter, nullptr, bytes);
+            const StreamOutcome out = runAnyhow<char16_t>(nullptr, &converter, text);
             // For SCSU and the encodings after it, ICU's output depends on the block size, or ICU
             // drops text.
             isExact = isExact && std::strcmp(encoding, "SCSU") != 0;
             if (policy == I18N_STOP || !isExact) continue;
-            EXPECT_EQ(textBy(converter, bytes), in.output);
-            EXPECT_EQ(bytesBy(converter, text), out.output);
+            EXPECT_EQ(decoded(converter, bytes).output, in.output);
+            EXPECT_EQ(encoded(converter, text).output, out.output);
         }
 }
 
@@ -224,7 +165,7 @@ TEST(I18NTextStreamTest, ReportsUnconvertibleCharactersAndTheirPlaces) {
     for (const auto& row : rows) {
         const I18NConverter from = withPolicy(row.from, row.policy);
         const I18NConverter to = withPolicy(row.to, row.policy);
-        const Outcome outcome = runAnyhow(&from, &to, row.bytes);
+        const StreamOutcome outcome = runAnyhow(&from, &to, row.bytes);
         EXPECT_EQ(row.output, outcome.output);
         EXPECT_EQ(row.told, outcome.told.substr(0, outcome.told.rfind('\n'))) << outcome.told;
     }
@@ -242,7 +183,7 @@ TEST(I18NTextStreamTest, ReportsUnconvertibleCharactersAndTheirPlaces) {
     EXPECT_EQ("~}z%UD83D%UDE00", runAnyhow<char16_t>(nullptr, &hz, u"z\U0001F600").output);
     const std::u16string portion = std::u16string(4094, u'z') + u"\xD800\xD989z";
     for (const I18NConverter& to : {hz, withPolicy("x11-compound-text", I18N_ESCAPE)}) {
-        const Outcome outcome = runAnyhow<char16_t>(nullptr, &to, portion);
+        const StreamOutcome outcome = runAnyhow<char16_t>(nullptr, &to, portion);
         EXPECT_NE(std::string::npos, outcome.output.find("z%UD800%UD989z"));
         EXPECT_NE(std::string::npos, outcome.told.find("4095\nout -1 U+d989 text 4095, 1:4096"));
     }
@@ -267,7 +208,7 @@ TEST(I18NTextStreamTest, ReportsDroppedBytesAtOnce) {
     I18NConverter scsu("SCSU");
     scsu.setUserDefinedUnconvertibleInputSequenceCallback(dropSequence);
     using namespace std::string_literals;
-    const Outcome lone =
+    const StreamOutcome lone =
         runAnyhow(&scsu, &to, "\x0F\xD8\0\xF2\xD8\x01\xF2\0a\xD8\0\xF2\xF2\xDC\0"s);
     EXPECT_EQ(
         "out -1 U+d800 text 0, 1:1\nin 3 U+0 text 1, 1:2\nout -1 U+d801 text 1, 1:3\n"
@@ -290,7 +231,7 @@ TEST(I18NTextStreamTest, ReportsBestFitsOrTreatsThemAsUnconvertible) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.encoding);
         I18NConverter to = withPolicy(row.encoding, I18N_STOP);
-        const Outcome fitted = runAnyhow<char16_t>(nullptr, &to, row.text);
+        const StreamOutcome fitted = runAnyhow<char16_t>(nullptr, &to, row.text);
         EXPECT_EQ(row.fitted, fitted.output);
         EXPECT_EQ(row.told, fitted.told.substr(0, row.told.size()));
         I18NTextStream stream(nullptr, &to);
@@ -299,7 +240,7 @@ TEST(I18NTextStreamTest, ReportsBestFitsOrTreatsThemAsUnconvertible) {
         EXPECT_EQ(0, stream.getReplacedOutput());
         to.useFallback(false);
         EXPECT_FALSE(I18NConverter(to).usesFallback());
-        const Outcome without = runAnyhow<char16_t>(nullptr, &to, row.text);
+        const StreamOutcome without = runAnyhow<char16_t>(nullptr, &to, row.text);
         EXPECT_EQ(row.without, without.output);
         EXPECT_EQ(std::string::npos, without.told.find("fit")) << without.told;
         EXPECT_NE(std::string::npos, without.told.find("is not in")) << without.told;
@@ -357,30 +298,6 @@ TEST(I18NTextStreamTest, WritesTheReplacementsOfTheListener) {
         }
 }
 
-TEST(I18NTextStreamTest, OutputEndsBeforeARefusedCharacter) {
-    struct Refuse : I18NTextStreamListener {
-        void unconvertible(const I18NUnconvertible&) override { throw 5; }
-    } refuse;
-    const I18NConverter utf8("UTF-8"), japanese("ISO-2022-JP");
-    for (const char* source : {"\xE3\x81\x82\xFF\xE3\x81\x82", "\xE3\x81\x82\xF0\x9F\x98\x80zz",
-                               "\xE3\x81\x82\xE2\x80\x8B\xE3\x81\x82"})
-        for (const bool isWhole : {true, false}) {
-            I18NTextStream stream(&utf8, &japanese, I18N_MARK_KEEP, &refuse);
-            std::string output;
-            const std::string text = source;
-            const auto put = [&](std::size_t at, std::size_t size) {
-                EXPECT_THROW(stream.put(text.data() + at, size), int) << text;
-                output.append(stream.getBytes(), stream.getByteCount());
-            };
-            if (!isWhole) {
-                stream.put(text.data(), 3);
-                output.append(stream.getBytes(), stream.getByteCount());
-            }
-            put(isWhole ? 0 : 3, isWhole ? text.size() : text.size() - 3);
-            EXPECT_EQ("\x1B$B$\"\x1B(B", output);
-        }
-}
-
 TEST(I18NTextStreamTest, RecognizesByteOrderMarks) {
     using namespace std::string_literals;
     constexpr I18NByteOrderMark kBoth = I18N_MARK_CHOOSE_AND_STRIP;
@@ -401,18 +318,20 @@ TEST(I18NTextStreamTest, RecognizesByteOrderMarks) {
                 {"", kBoth, "KOI8-R", u""}};
     const I18NConverter from = withPolicy("KOI8-R", I18N_ESCAPE);
     for (const auto& row : rows) {
-        const Outcome outcome = runAnyhow<char>(&from, nullptr, row.bytes, row.mark);
-        EXPECT_EQ(bytesBy(I18NConverter("UTF-16"), row.text), outcome.output);
+        const StreamOutcome outcome = runAnyhow<char>(&from, nullptr, row.bytes, row.mark);
+        EXPECT_EQ(unitsOf(row.text), outcome.output);
         EXPECT_EQ(row.encoding, outcome.encoding);
     }
     const I18NConverter utf8("UTF-8"), marked("UTF-16LE,version=1");
     const std::u16string many(20, u'z');
-    const Outcome withMark = runAnyhow<char16_t>(nullptr, &marked, many);
-    EXPECT_EQ(bytesBy(I18NConverter("UTF-16"), u"\uFEFF" + many), withMark.output);
-    EXPECT_EQ(bytesBy(I18NConverter("UTF-16"), many),
-              run<char>(&marked, nullptr, withMark.output, 9, I18N_MARK_KEEP).output);
-    EXPECT_EQ("z", run<char16_t>(nullptr, &utf8, u"\uFEFFz", 9, I18N_MARK_STRIP).output);
-    EXPECT_EQ("\uFFFDz", run<char>(&utf8, &utf8, "\xFFz", 9, kBoth).output) << "no policy is set";
+    const StreamOutcome withMark = runAnyhow<char16_t>(nullptr, &marked, many);
+    EXPECT_EQ(unitsOf(u"\uFEFF" + many), withMark.output);
+    EXPECT_EQ(unitsOf(many),
+              convertedByStream<char>(&marked, nullptr, withMark.output, {9}).output);
+    EXPECT_EQ("z",
+              convertedByStream<char16_t>(nullptr, &utf8, u"\uFEFFz", {9}, I18N_MARK_STRIP).output);
+    EXPECT_EQ("\uFFFDz", convertedByStream<char>(&utf8, &utf8, "\xFFz", {9}, kBoth).output)
+        << "no policy is set";
 }
 
 TEST(I18NTextStreamTest, CountsLinesOfLongTexts) {
@@ -436,8 +355,8 @@ TEST(I18NTextStreamTest, CountsLinesOfLongTexts) {
         }
         return std::to_string(line) + ":" + std::to_string(column);
     };
-    const Outcome outcome = run(nullptr, &utf8, text, 20011, I18N_MARK_KEEP);
-    EXPECT_EQ(bytesBy(utf8, text), outcome.output);
+    const StreamOutcome outcome = convertedByStream(nullptr, &utf8, text, {20011});
+    EXPECT_EQ(encoded(utf8, text).output, outcome.output);
     EXPECT_EQ(place(), outcome.told.substr(outcome.told.rfind(' ') + 1));
     // The stream copies ASCII directly; other characters are between the runs of ASCII.
     for (std::size_t i = 0; i < text.size(); ++i)
@@ -445,14 +364,15 @@ TEST(I18NTextStreamTest, CountsLinesOfLongTexts) {
     const I18NConverter latin("windows-1252");
     for (std::size_t cut = 0; cut < 40; ++cut) {
         text.pop_back();
-        const Outcome copied = run(&utf8, &latin, bytesBy(utf8, text), 8011 + cut, I18N_MARK_KEEP);
-        EXPECT_EQ(bytesBy(latin, text), copied.output);
+        const StreamOutcome copied =
+            convertedByStream(&utf8, &latin, encoded(utf8, text).output, {8011 + cut});
+        EXPECT_EQ(encoded(latin, text).output, copied.output);
         EXPECT_EQ(place(), copied.told.substr(copied.told.rfind(' ') + 1)) << cut;
     }
 }
 
 TEST(I18NTextStreamTest, ErrorsAndMisuseEndTheStream) {
-    struct Refuse : I18NTextStreamListener {
+    struct Refuse : StreamOutcome {
         void unconvertible(const I18NUnconvertible&) override { throw 5; }
     } refuse;
     const I18NConverter utf8("UTF-8");
@@ -461,18 +381,22 @@ TEST(I18NTextStreamTest, ErrorsAndMisuseEndTheStream) {
     EXPECT_THROW(stream.put("\xFFx", 2), int);
     QBL_EXPECT_THROW(stream.finish(), QBLIllegalStateError, "I18NTextStream: the stream has ended");
     // The output ends before the reported character.
-    const std::u16string front = u"x\u65E5";
     for (const char* encoding : {"ISO-2022-JP", "Shift_JIS", "UTF-8", "UTF-16"})
-        for (const std::string bad : {"\xFF", "\U0001F600"}) {
-            const I18NConverter to(encoding);
-            I18NTextStream broken(&utf8, &to, I18N_MARK_KEEP, &refuse);
-            const std::string text = "x\u65E5" + bad + "\u672Cy\xFF";
-            EXPECT_THROW(broken.put(text.data(), text.size()), int);
-            const bool hasBad = encoding[0] == 'U' && bad != "\xFF";
-            EXPECT_EQ(bytesBy(to, hasBad ? front + u"\U0001F600\u672Cy" : front),
-                      std::string(broken.getBytes(), broken.getByteCount()))
-                << encoding;
-        }
+        for (const std::string bad : {"\xFF", "\U0001F600", "\u200B"})
+            for (const std::size_t before : {0, 4}) {  // units that the stream gets alone
+                const I18NConverter to(encoding);
+                I18NTextStream broken(&utf8, &to, I18N_MARK_KEEP, &refuse);
+                const std::string text = "x\u65E5" + bad + "\u672Cy\xFF";
+                refuse.output.clear();
+                broken.put(text.data(), before);
+                refuse.take(broken);
+                EXPECT_THROW(broken.put(text.data() + before, text.size() - before), int);
+                refuse.take(broken);
+                const bool hasBad = encoding[0] == 'U' && bad != "\xFF";
+                const I18NString written("x\u65E5" + (hasBad ? bad + "\u672Cy" : ""));
+                EXPECT_EQ(encoded(to, written.toUtf16()).output, refuse.output)
+                    << encoding << bad << before;
+            }
     EXPECT_THROW(I18NTextStream(nullptr, nullptr), I18NRuntimeError);
     EXPECT_THROW(I18NTextStream(nullptr, &utf8, I18N_MARK_CHOOSE), I18NRuntimeError);
 }
