@@ -72,24 +72,6 @@ std::u16string transliterated(const icu::Transliterator* transliterator,
     return std::u16string(copy.getBuffer(), static_cast<std::size_t>(copy.length()));
 }
 
-void expectTheSameInStrings(const I18NLocale& locale, const char16_t* symbol, const char16_t* zone,
-                            const char16_t* german) {
-    I18NString text, word;
-    EXPECT_TRUE(resources().getSymbolForISOCode("JPY", locale, text) && text.toUtf16() == symbol);
-    EXPECT_TRUE(resources().getTimeZoneDescription("Europe/Berlin", locale, text));
-    EXPECT_EQ(zone, text.toUtf16());
-    EXPECT_TRUE(resources().getLocaleDescription(I18NLocale("de_DE"), locale, text));
-    EXPECT_EQ(german, text.toUtf16());
-    EXPECT_FALSE(resources().getTimeZoneDescription("none", locale, text));
-    EXPECT_EQ(german, text.toUtf16()) << "the text is unchanged";
-    resources().getCurrencyDescription("???", locale, text);
-    resources().getNoDescriptionWord(locale, word);
-    EXPECT_EQ(word, text);
-    EXPECT_FALSE(word.empty());
-    resources().getEncodingForLocale(locale, text);
-    EXPECT_EQ(resources().getEncodingForLocale(locale), text.toUtf8());
-}
-
 }  // namespace
 
 TEST_F(I18NResourcesTest, TakesTheBinDirectoryFromTheFirstSetSource) {
@@ -256,15 +238,6 @@ TEST_F(I18NResourcesTest, ExemptsAndSubstitutesCharacters) {
     EXPECT_FALSE(resources().isNonNormalizable(u"ab\uFA11\xD87E"));
     EXPECT_TRUE(resources().isNonNormalizable(L"\U0002F800"));
     EXPECT_FALSE(resources().isNonNormalizable(L"ab"));
-    // An exempt character anywhere keeps the whole text unchanged, in one piece or in several.
-    const wchar_t* const parts[] = {L"\uFA10 abc", L" \u00E0", L"e", L"\u0301", L"\u0323"};
-    I18NString pieces;
-    std::wstring all;
-    for (const wchar_t* const part : parts) pieces += part, all += part;
-    EXPECT_EQ(std::u16string(all.begin(), all.end()), pieces.toUtf16());
-    EXPECT_EQ(pieces, I18NString(all.c_str()));
-    EXPECT_EQ(I18NString(all.substr(1).c_str()), pieces.erase(0, 1))
-        << "without the exempt character, it is normalised";
     std::u16string text = u"A\u301C\U00020BB7B\u301C\xD842";
     EXPECT_TRUE(resources().substituteJa(text));
     EXPECT_EQ(u"A\uFF5E\u5409B\uFF5E\xD842", text);
@@ -482,18 +455,23 @@ TEST_F(I18NResourcesTest, ReadsTheShippedFiles) {
     };
     for (const Row& row : rows) {
         const I18NLocale locale(row.locale);
-        std::u16string text;
-        EXPECT_EQ(row.currency, resources().getCurrencyDescription("JPY", locale)) << row.locale;
+        SCOPED_TRACE(row.locale);
+        I18NString text, word;
+        resources().getCurrencyDescription("JPY", locale, text);
+        EXPECT_EQ(row.currency, text.toUtf16());
         EXPECT_TRUE(resources().getSymbolForISOCode("JPY", locale, text));
-        EXPECT_EQ(row.symbol, text) << row.locale;
+        EXPECT_EQ(row.symbol, text.toUtf16());
         EXPECT_EQ(row.years, resources().getTimePeriodResources(locale).find("years")->second);
         EXPECT_TRUE(resources().getTimeZoneDescription("Europe/Berlin", locale, text));
-        EXPECT_EQ(row.zone, text) << row.locale;
+        EXPECT_EQ(row.zone, text.toUtf16());
         EXPECT_TRUE(resources().getLocaleDescription(I18NLocale("de_DE"), locale, text));
-        EXPECT_EQ(row.german, text) << row.locale;
-        expectTheSameInStrings(locale, row.symbol, row.zone, row.german);
-        const std::u16string none(row.none, row.none + std::strlen(row.none));
-        EXPECT_EQ(none, resources().getCurrencyDescription("???", locale).substr(0, none.size()));
+        EXPECT_FALSE(resources().getTimeZoneDescription("none", locale, text));
+        EXPECT_EQ(row.german, text.toUtf16()) << "the text is unchanged";
+        resources().getCurrencyDescription("???", locale, text);
+        resources().getNoDescriptionWord(locale, word);
+        EXPECT_TRUE(text == word && !word.empty() && word.starts_with(row.none)) << word.toUtf8();
+        resources().getEncodingForLocale(locale, text);
+        EXPECT_EQ(resources().getEncodingForLocale(locale), text.toUtf8());
     }
     std::u16string text;
     I18NLocale* locales = nullptr;
@@ -526,22 +504,6 @@ TEST_F(I18NResourcesTest, ReadsTheShippedFiles) {
     EXPECT_STREQ("US/Eastern", I18NInternalResources::getCompatibilityTimeZoneID("EST"));
     EXPECT_STREQ("Asia/Tokyo", I18NInternalResources::getCompatibilityTimeZoneID("Asia/Tokyo"));
     EXPECT_EQ(nullptr, I18NInternalResources::getFallbackTimeZoneID(1));
-}
-
-TEST_F(I18NResourcesTest, ReadsDamagedFilesAsFarAsPossible) {
-    std::filesystem::copy_file(QBL_RES_DIR "/i18n_res.xml", m_tree("res.xml"));
-    const std::string whole = m_tree.text("res.xml");
-    for (std::size_t seed = 1; seed < 100; ++seed) {
-        std::string damaged = whole.substr(0, whole.size() * seed / 50);
-        std::size_t random = seed;
-        for (int i = 0; i < 200; ++i) {
-            random = random * 1103515245 + 12345;
-            damaged[random % damaged.size()] = "\"<>/=;\n\0&"[random / 65536 % 9];
-        }
-        load(damaged);
-        EXPECT_GT(resources().getUTF8BytesPerCodePoints(), 0.0F) << "seed " << seed;
-        EXPECT_LE(resources().getUTF8BytesPerCodePoints(), 4.0F) << "seed " << seed;
-    }
 }
 
 TEST_F(I18NResourcesTest, ServesConcurrentFirstCalls) {
