@@ -4,8 +4,10 @@
 
 #include <climits>
 #include <iterator>
+#include <map>
 #include <string>
 #include <type_traits>
+#include <vector>
 
 #include "QBLCore/Messages/QBLErrnoMessage.hpp"
 #include "QBLCore/Messages/QBLMessageFile.hpp"
@@ -145,71 +147,55 @@ TEST(QBLXmlEscapeTest, EscapesMarkupAndReplacesWhatXmlForbids) {
 }
 
 TEST(QBLMessageTest, FillsItsTextInTheRequestedLanguage) {
-    TempTree tree;
-    const std::string base = tree("texts");
     std::string deep, words;
     for (int i = 0; i < 5000; ++i) deep += "{0,choice,0#'}'";
     for (int i = 0; i < 101; ++i) words += "select, ";
-    tree.file("texts_en.bmf", bmfBytes({{1, "{0} of {1}: {2}"},
-                                        {2, "It''s {1}"},
-                                        {3, "It''s {0}, isn't it, {1}?"},
-                                        {4, "{9}{10}"},
-                                        {5, "{0,number,percent} {1,choice,0#none|1#one}"},
-                                        {6, "{0,date,yyyy} {0} {1}"},
-                                        {7, "bad { {0}"},
-                                        {8, "{0,number,::scale/1E900000000}"},
-                                        {12, deep},
-                                        {14, "{0,number,\v::scale/1E99999999}"},
-                                        {15, "{0,number,\u2028::percent scale/1E2}"},
-                                        {16, words + "{0}"},
-                                        {9, "plain"},
-                                        {13, "QBLX::open of /3e5f: {0}"},
-                                        {10, "'{0}' '{'{0}"}}));
-    tree.file("texts_de.bmf", bmfBytes({{1, "{1}, davon {0}: {2}"}, {9, "schlicht"}}));
-    const auto message = [&](unsigned long id) { return QBLMessageFile(base.c_str(), id); };
-    QBLMessageFile count = message(1);
+    const char kXml[] = "<Message Name=\"QBLMessageFile\" File=\"";
+    const std::vector<QBLMessageParm> x = {"x"}, named = {"\u00E9", INT_MIN};
+    const struct {
+        std::string pattern;
+        std::vector<QBLMessageParm> parms;
+        const char* locale;
+        std::string text;  // empty if the pattern is refused
+    } rows[] = {
+        {"It''s {1}", {}, nullptr, "It''s {1}"},  // not a pattern, because there are no parameters
+        {"It''s {0}, isn't it, {1}?", named, "", "It's \u00E9, isn't it, -2,147,483,648?"},
+        {"{1}", named, "ar_EG",
+         "\u061C-\u0662\u066C\u0661\u0664\u0667\u066C\u0664\u0668\u0663\u066C\u0666\u0664\u0668"},
+        {"{9}{10}", {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10}, "", "9{10}"},  // ten parameters are used
+        {"{0,number,percent} {1,choice,0#none|1#one}", {0.25, 1}, "", "25% one"},
+        {"{0,date,yyyy}{1}", {QBLMessageParm(0L, QBLMsgParmDate), QBLMsgParmOpaque}, "", "1970"},
+        {"'{0}' '{'{0}", x, "", "{0} {x"},
+        {words + "{0}", x, "", words + "x"},
+        {"QBLX::open of /3e5f: {0}", x, "", "QBLX::open of /3e5f: x"},
+        {"bad { {0}", x, "", ""},
+        {"{0,number,::scale/1E900000000}", {1}, "", ""},
+        {"{0,number,\v::scale/1E99999999}", {1}, "", ""},
+        {"{0,number,\u2028::percent scale/1E2}", {1}, "", ""},
+        {deep, {1}, "", ""},
+    };
+    std::map<unsigned, std::string> english = {{100, "{0} of {1}: {2}"}, {9, "plain"}};
+    for (unsigned i = 0; i < std::size(rows); ++i) english[200 + i] = rows[i].pattern;
+    TempTree tree;
+    const std::string base = tree("texts");
+    tree.file("texts_en.bmf", bmfBytes(english));
+    tree.file("texts_de.bmf", bmfBytes({{100, "{1}, davon {0}: {2}"}, {9, "schlicht"}}));
+    for (unsigned i = 0; i < std::size(rows); ++i) {
+        QBLMessageFile message(base.c_str(), 200 + i);
+        for (const QBLMessageParm& parm : rows[i].parms) message << parm;
+        const std::string text = formatted(message, rows[i].locale);
+        EXPECT_EQ(rows[i].text, text.find(kXml) == 0 ? "" : text) << i;
+    }
+    QBLMessageFile count(base.c_str(), 100), missing(base.c_str(), 11);
+    missing << 1;
     count << 1234567 << 4294967295UL << QBLMessageParm(9UL, 1);
     for (int round = 0; round < 2; ++round) {  // the second round uses the cached text
         EXPECT_EQ("1,234,567 of -1: plain", formatted(count, "en"));
         EXPECT_EQ("-1, davon 1.234.567: schlicht", formatted(count, " de_DE,en"));
         EXPECT_EQ("1,234,567 of -1: plain", formatted(count));
     }
-    QBLMessageFile swiss = message(1);
-    swiss << 1234567 << 0 << "";
-    EXPECT_EQ(formatted(swiss, "de_CH"), formatted(swiss, "de_CH.UTF-8"));
-    EXPECT_EQ("It''s {1}", formatted(message(2)))
-        << "a message without parameters is not a pattern";
-    QBLMessageFile named = message(3);
-    named << "\u00E9" << INT_MIN;
-    EXPECT_EQ("It's \u00E9, isn't it, -2,147,483,648?", formatted(named));
-    EXPECT_EQ(
-        "It's \u00E9, isn't it, \u061C-\u0662\u066C\u0661\u0664\u0667\u066C\u0664\u0668\u0663\u066C"
-        "\u0666\u0664\u0668?",
-        formatted(named, "ar_EG"))
-        << "uses the digits of the locale";
-    QBLMessageFile many = message(4);
-    for (int i = 0; i < 11; ++i) many << i;
-    EXPECT_EQ("9{10}", formatted(many)) << "only ten parameters are used";
-    QBLMessageFile typed = message(5);
-    typed << 0.25 << 1;
-    EXPECT_EQ("25% one", formatted(typed));
-    QBLMessageFile dated = message(6);
-    dated << QBLMessageParm(0L, QBLMsgParmDate) << QBLMessageParm(QBLMsgParmOpaque);
-    EXPECT_EQ("1970 1/1/70", formatted(dated).substr(0, 11));
-    QBLMessageFile quoted = message(10);
-    quoted << "x";
-    EXPECT_EQ("{0} {x", formatted(quoted));
-    QBLMessageFile wordy = message(16);
-    wordy << "x";
-    EXPECT_EQ(words + "x", formatted(wordy)) << "the word select outside of braces is plain text";
-    QBLMessageFile scoped = message(13);
-    scoped << "x";
-    EXPECT_EQ("QBLX::open of /3e5f: x", formatted(scoped));
-    for (const unsigned long id : {7UL, 8UL, 11UL, 12UL, 14UL, 15UL}) {
-        QBLMessageFile bad = message(id);
-        bad << 1;
-        EXPECT_EQ(0U, formatted(bad).find("<Message Name=\"QBLMessageFile\" File=\"")) << id;
-    }
+    EXPECT_EQ(formatted(count, "de_CH"), formatted(count, "de_CH.UTF-8"));
+    EXPECT_EQ(0U, formatted(missing).find(kXml));
     count.setMessage(9);
     EXPECT_EQ("plain", formatted(count));
     count.setMsgFile(I18NString("/nowhere"));
