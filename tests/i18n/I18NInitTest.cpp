@@ -47,26 +47,6 @@ struct ICUMemory {
 };
 long ICUMemory::s_left = 0;
 
-/// Runs a body in a child process in which allocation number n of ICU fails. The process must not
-/// have used ICU before.
-/// @return 0 if there were fewer allocations; 1 if the body ended normally or threw
-///     QBLOutOfMemoryError; 2 if it threw another error
-int withoutMemoryOfICU(long n, void (*body)()) {
-    return inChild([=] {
-        alarm(20);
-        UErrorCode status = U_ZERO_ERROR;
-        ICUMemory::s_left = n;
-        u_setMemoryFunctions(nullptr, ICUMemory::take, ICUMemory::resize, ICUMemory::free, &status);
-        try {
-            body();
-        } catch (const QBLOutOfMemoryError&) {
-        } catch (...) {
-            return 2;
-        }
-        return ICUMemory::s_left < 0 ? 1 : 0;
-    });
-}
-
 }  // namespace
 
 TEST(I18NInitTest, StopsAtTheLastTerminate) {
@@ -131,9 +111,24 @@ TEST(I18NInitTest, ICUOutOfMemoryThrowsOutOfMemoryError) {
         [] { I18NLocale(); }, [] { I18NString(L"e\u0301"); },
         [] { I18NConverter::shouldUseBOM("UTF-16"); },
         [] { I18NConverter("KOI8-R").setBuiltInUnconvertibleInputSequenceCallback(I18N_LOOKUP); }};
+    // Each child process has not used ICU before. It returns 0 if the allocation number n did not
+    // take place.
     for (const auto body : bodies)
         for (long n = 0, outcome = 1; n < 500 && outcome != 0; ++n) {
-            outcome = withoutMemoryOfICU(n, body);
+            outcome = inChild([=] {
+                alarm(20);
+                UErrorCode status = U_ZERO_ERROR;
+                ICUMemory::s_left = n;
+                u_setMemoryFunctions(nullptr, ICUMemory::take, ICUMemory::resize, ICUMemory::free,
+                                     &status);
+                try {
+                    body();
+                } catch (const QBLOutOfMemoryError&) {
+                } catch (...) {
+                    return 2;
+                }
+                return ICUMemory::s_left < 0 ? 1 : 0;
+            });
             ASSERT_TRUE(outcome == 0 || outcome == 1) << outcome << " at " << n;
         }
 }
