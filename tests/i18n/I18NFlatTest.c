@@ -1,15 +1,18 @@
-/* Calls the functions for buffers, string handles, memory and start-up from C. */
+/* Calls the functions for buffers, converters, string handles, memory and start-up from C. */
+#include <stdlib.h>
 #include <string.h>
 
 #include "i18n/cpp/i18n_allocator.h"
 #include "i18n/cpp/i18n_converter_c.h"
 #include "i18n/cpp/i18n_external_buffer.h"
 #include "i18n/cpp/i18n_init.h"
+#include "i18n/cpp/i18n_platform_encoding.h"
 
 #define CHECK(condition) \
     if (!(condition)) return __LINE__
 /* Checks a call and the code that it stores in the variable error. */
 #define GIVES(code, condition) CHECK((error = 77, condition) && error == (code))
+#define RUNS(code, call) GIVES(code, (call, 1))
 
 static const unsigned short kSmile[] = {'a', 0xD83D, 0xDE00, 0xD83D, 0};
 static const unsigned short kTwice[] = {'a',    0xD83D, 0xDE00, 0xD83D, 'a',
@@ -92,10 +95,92 @@ static int stringsFailed(I18NStringHandle string) {
     return 0;
 }
 
+static void dropInput(const char* encoding, const char* bytes, int length, wchar_t* codePoints,
+                      int* count, I18NErrorCodes* error) {
+    (void)encoding, (void)bytes, (void)length, (void)codePoints, (void)error;
+    *count = 0;
+}
+
+static void dropOutput(wchar_t codePoint, const char* encoding, char* bytes, int* count,
+                       I18NErrorCodes* error) {
+    (void)codePoint, (void)encoding, (void)bytes, (void)error;
+    *count = 0;
+}
+
+static char* noMemory(void* context, char* block, int size, int* error) {
+    (void)context, (void)block, (void)size;
+    *error = -1;
+    return 0;
+}
+
+static int convertersFailed(void) {
+    static const unsigned short kText[] = {'a', 0x4E00, 'b', 0};
+    char bytes[8];
+    unsigned short units[8];
+    char* block = bytes;
+    void* unitBlock = units;
+    int size = 0;
+    I18NErrorCodes error;
+    I18NConverterHandle c = 0;
+    GIVES(I18N_ENCODING, i18nConverterCreate("no such", &error) == 0);
+    GIVES(I18N_OK, (c = i18nConverterCreate("US-ASCII", &error)) != 0);
+    GIVES(I18N_OK, strcmp(i18nConverterGetEncoding(c, &error), "US-ASCII") == 0);
+    GIVES(I18N_ARGUMENT, i18nConverterGetEncoding(0, &error) == 0);
+    GIVES(I18N_ARGUMENT, i18nConverterSizeofLegacyNull(0, &error) == 0);
+
+    RUNS(I18N_OK, i18nConverterSetBuiltInUnconvertibleInputSequenceCallback(c, I18N_STOP, &error));
+    RUNS(I18N_OK, i18nConverterSetBuiltInUnconvertibleOutputSequenceCallback(c, I18N_STOP, &error));
+    GIVES(I18N_OK, i18nConverterGetBuiltInUnconvertibleInputSequenceCallback(c, &error) == 4);
+    GIVES(I18N_OK, i18nConverterGetBuiltInUnconvertibleOutputSequenceCallback(c, &error) == 4);
+    RUNS(I18N_CONVERSION, i18nConverterFromUnicode(c, bytes, 8, kText, &error));
+    RUNS(I18N_CONVERSION, i18nConverterToUnicode(c, units, 16, "a\x80", -1, &error));
+    RUNS(I18N_CONVERSION,
+         i18nConverterFromUnicodeWithAllocator(c, &block, &size, kText, 0, 0, &error));
+    RUNS(I18N_CONVERSION,
+         i18nConverterToUnicodeWithAllocator(c, &unitBlock, &size, "\x80", 1, 0, 0, &error));
+    CHECK(block == 0 && unitBlock == 0);
+
+    RUNS(I18N_OK,
+         i18nConverterSetUserDefinedUnconvertibleInputSequenceCallback(c, dropInput, &error));
+    RUNS(I18N_OK,
+         i18nConverterSetUserDefinedUnconvertibleOutputSequenceCallback(c, dropOutput, &error));
+    GIVES(I18N_OK,
+          i18nConverterGetUserDefinedUnconvertibleInputSequenceCallback(c, &error) == dropInput);
+    GIVES(I18N_OK, i18nConverterGetUserDefinedInUnconvertibleOutputSequenceCallback(c, &error) ==
+                       dropOutput);
+    RUNS(I18N_OK, i18nConverterFromUnicode(c, bytes, 8, kText, &error));
+    RUNS(I18N_OK, i18nConverterToUnicode(c, units, 16, "x\x80", -1, &error));
+    CHECK(strcmp(bytes, "ab") == 0 && units[0] == 'x' && units[1] == 0);
+    RUNS(I18N_TOO_SMALL, i18nConverterFromUnicode(c, bytes, 2, kText, &error));
+    RUNS(I18N_UNEXPECTED,
+         i18nConverterFromUnicodeWithAllocator(c, &block, &size, kText, noMemory, 0, &error));
+    RUNS(I18N_OK, i18nConverterFromUnicodeWithAllocator(c, &block, &size, kText, 0, 0, &error));
+    CHECK(size == 3 && strcmp(block, "ab") == 0);
+    RUNS(I18N_OK,
+         i18nConverterToUnicodeWithAllocator(c, &unitBlock, &size, block, -1, 0, 0, &error));
+    CHECK(size == 6);
+    free(block);
+    free(unitBlock);
+
+    GIVES(I18N_OK, i18nConverterNumLegacyBytes(c, 5, &error) == 6);
+    GIVES(I18N_OK, i18nConverterNumLegacyCodePoints(c, 6, &error) == 5);
+    GIVES(I18N_OK, i18nConverterNumUnicodeBytes(c, 5, &error) == 12);
+    GIVES(I18N_OK, i18nConverterNumUnicodeCodePoints(c, 12, &error) == 5);
+    GIVES(I18N_OK, i18nConverterSizeofLegacyNull(c, &error) == 1);
+    GIVES(I18N_OK, i18nConverterSizeofUnicodeNull(c, &error) == 2);
+    RUNS(I18N_OK, i18nConverterFree(c, &error));
+    i18nConverterFree(0, 0);
+    CHECK(strcmp(I18NGetPlatformDefaultEncoding(), I18NGetNormalizedPlatformDefaultEncoding()) ==
+          0);
+    CHECK(strcmp(I18NGetToolkitDefaultEncoding(), "UTF-8") == 0);
+    return 0;
+}
+
 /* Returns 0, or the line of the first failed check. The string receives Japanese text. */
 int i18nFlatFailedFromC(I18NStringHandle string);
 int i18nFlatFailedFromC(I18NStringHandle string) {
     int failed = buffersFailed();
+    if (failed == 0) failed = convertersFailed();
     if (failed == 0) failed = boundedCopiesFailed();
     if (failed == 0) failed = memoryFailed();
     I18NInitialize();
