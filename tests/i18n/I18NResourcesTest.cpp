@@ -177,42 +177,20 @@ TEST_F(I18NResourcesTest, IgnoresInvalidSettings) {
 }
 
 TEST_F(I18NResourcesTest, FindsReplacementsInBothDirections) {
-    load(R"(<input>
-<encoding name="Shift_JIS; US-ASCII;no-such-encoding">
-<sequence value="0x81;0x60">
-<replacement value="0xFF5E"/>
-</sequence>
-<sequence value="300">
-<replacement value="0x41"/>
-</sequence>
-<sequence value="0x80">
-<replacement value="0x110000"/>
-<replacement value="0xD800"/>
-<replacement value=""/>
-<replacement/>
-</sequence>
-<replacement value="0x42"/>
-</encoding>
-</input>
-<output>
-<encoding name="windows-1252">
-<sequence value="0x2212">
-<replacement value="0x2D;45"/>
-</sequence>
-<sequence value="0x1F600">
-<replacement value=""/>
-</sequence>
-<sequence value="0x41;0x42">
-<replacement value="0x43"/>
-</sequence>
-<sequence value="0x43">
-<replacement value="1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1"/>
-</sequence>
-</encoding>
-</output>
-<sequence value="0x44">
-<replacement value="0x45"/>
-)");
+    const auto sequence = [](const std::string& value, const std::string& replacement) {
+        return "<sequence value=\"" + value + "\">\n<replacement value=\"" + replacement +
+               "\"/>\n</sequence>\n";
+    };
+    load("<input>\n<encoding name=\"Shift_JIS; US-ASCII;no-such-encoding\">\n" +
+         sequence("0x81;0x60", "0xFF5E") + sequence("300", "0x41") +
+         sequence("0x80",
+                  "0x110000\"/>\n<replacement value=\"0xD800\"/>\n<replacement "
+                  "value=\"\"/>\n<replacement") +
+         "<replacement value=\"0x42\"/>\n</encoding>\n</input>\n"
+         "<output>\n<encoding name=\"windows-1252\">\n" +
+         sequence("0x2212", "0x2D;45") + sequence("0x1F600", "") + sequence("0x41;0x42", "0x43") +
+         sequence("0x43", "1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1;1") +
+         "</encoding>\n</output>\n" + sequence("0x44", "0x45"));
     EXPECT_EQ("65374 0", inputOf("ibm-943_P15A-2003", "\x81\x60"));
     EXPECT_EQ("65374 0", inputOf("ascii", "\x81\x60")) << "found by an alias of the encoding";
     EXPECT_EQ("none 65535 0", inputOf("ascii", "\x81"));
