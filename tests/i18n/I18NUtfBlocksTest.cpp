@@ -66,6 +66,10 @@ TEST(I18NUtfBlocksTest, AllKernelsDecodeAsThePlainDecoder) {
         "\0 z \u0301 \u3099 \U0001D15E \x80 \xC3 \xC1\xBF \xE4\xB8 \xE0\x9F\xBF \xED\xA0\x80 "
         "\xED\xBF\xBF "
         "\xF0\x9F\x98 \xF0\x8F\xBF\xBF \xF4\x90\x80\x80 \xFB\xBF"s;
+    const std::string bad[] = {"\xE0\x9F\xBF", "\xED\xA0\x80", "\xF0\x8F\xBF\xBF",
+                               "\xF4\x90\x80\x80", "\xC3"};
+    const std::string odd = "\x80\x9F\xBF\xC0\xC1\xC3\xE0\xED\xEF\xF0\xF4\xF5\xFB\xFD\xFF";
+    std::mt19937 random(1);
     const std::string missing = eachUtf8Decoder([&](I18NDecoder kernel, const char* name) {
         for (std::size_t i = 0; i < 5 * 140; ++i) {
             std::string before(i % 4, 'x'), after, token;
@@ -77,6 +81,13 @@ TEST(I18NUtfBlocksTest, AllKernelsDecodeAsThePlainDecoder) {
                     bytes.append(token).append(end);
                     EXPECT_TRUE(decodesAsPlainly(kernel, bytes)) << name << ": " << bytes;
                 }
+        }
+        for (int round = 0; round < 20000; ++round) {
+            std::string bytes;
+            for (int i = 0; i < 30; ++i) bytes += (random() % 9 == 0 ? bad : fills)[random() % 5];
+            for (int i = 1 << random() % 6; i != 0; --i)
+                bytes[random() % bytes.size()] = odd[random() % odd.size()];
+            EXPECT_TRUE(decodesAsPlainly(kernel, bytes)) << name << ": " << bytes;
         }
         for (char32_t c = 1; c < 0x20000; ++c) {
             std::string bytes = utf8Of(icu::UnicodeString(static_cast<UChar32>(c)));
