@@ -30,10 +30,9 @@ bool isOpened(QBLResourceBMF& resource, const TempTree& tree, const std::string&
 void useAll(const TempTree& tree, const std::string& bytes) {
     for (const int preload : {0, 1}) {
         QBLResourceBMF resource(preload);
-        if (!isOpened(resource, tree, bytes)) continue;
-        for (const auto& [id, text] : kTexts) resourceText(resource, id);
-        resourceText(resource, 0);
-        resourceText(resource, ~0UL);
+        if (isOpened(resource, tree, bytes))
+            for (const unsigned long id : {5UL, 7UL, 0x7FFFFFFFUL, 0x80000001UL, 0UL, ~0UL})
+                resourceText(resource, id);
     }
 }
 

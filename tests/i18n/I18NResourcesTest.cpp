@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstring>
 #include <fstream>
+#include <functional>
 
 #include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/i18n_errors.hpp"
@@ -326,19 +327,18 @@ TEST_F(I18NResourcesTest, ThrowsIfAMapCannotBeFilled) {
     const I18NLocale en("en");
     std::string out;
     std::u16string symbol;
-    QBL_EXPECT_THROW(resources().getSymbolForISOCode("EUR", en, symbol), I18NRuntimeError,
-                     "An error occured while populating the currency code to currency symbol map",
-                     I18N_UNEXPECTED);
-    QBL_EXPECT_THROW(
-        resources().getNumbDecimPlacesForCurrency("EUR"), I18NRuntimeError,
-        "An error occured while populating the currency code to number of decimal places map",
-        I18N_UNEXPECTED);
-    QBL_EXPECT_THROW(resources().getISOCurrencyCodeForCountry("DE", out), I18NRuntimeError,
-                     "An error occured while populating the country to currency map",
-                     I18N_UNEXPECTED);
-    QBL_EXPECT_THROW(resources().getDefaultLocaleForLanguage("de", out), I18NRuntimeError,
-                     "An error occured while populating the language to locale map",
-                     I18N_UNEXPECTED);
+    const std::pair<const char*, std::function<void()>> maps[] = {
+        {"currency code to currency symbol",
+         [&] { resources().getSymbolForISOCode("EUR", en, symbol); }},
+        {"currency code to number of decimal places",
+         [&] { resources().getNumbDecimPlacesForCurrency("EUR"); }},
+        {"country to currency", [&] { resources().getISOCurrencyCodeForCountry("DE", out); }},
+        {"language to locale", [&] { resources().getDefaultLocaleForLanguage("de", out); }}};
+    for (const auto& [map, call] : maps) {
+        const std::string text =
+            std::string("An error occured while populating the ") + map + " map";
+        QBL_EXPECT_THROW(call(), I18NRuntimeError, text.c_str(), I18N_UNEXPECTED);
+    }
     EXPECT_EQ(u"No description", resources().getCurrencyDescription("EUR", en));
     m_tree.file("qbli18nrescr_en.xml",
                 "<entry name=\"EUR\">\n<value symbol=\"E\" decimals=\"x\"/>\n</entry>\n"

@@ -8,7 +8,6 @@
 #include <ranges>
 #include <string>
 #include <unordered_map>
-#include <vector>
 
 #include "i18n/cpp/i18n_literals.hpp"
 #include "i18n/cpp/i18n_pooledstring.hpp"

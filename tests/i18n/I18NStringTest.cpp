@@ -1,7 +1,6 @@
 #include "i18n/cpp/i18n_string.hpp"
 
 #include <gtest/gtest.h>
-#include <unicode/unistr.h>
 
 #include <sstream>
 #include <unordered_map>
