@@ -181,8 +181,11 @@ TEST(I18NTextStreamTest, ReportsUnconvertibleCharactersAndTheirPlaces) {
                                      .told.find("in cut 1 U+0 text 71, 1:72\n"));
     const I18NConverter hz = withPolicy("HZ", I18N_ESCAPE);
     EXPECT_EQ("~}z%UD83D%UDE00", runAnyhow<char16_t>(nullptr, &hz, u"z\U0001F600").output);
+    const I18NConverter compound = withPolicy("x11-compound-text", I18N_ESCAPE);
+    EXPECT_NE(std::string::npos, runAnyhow<char16_t>(nullptr, &compound, u"z\U0001F600z")
+                                     .told.find("out -1 U+1f600 text 1, 1:2\n\n0 and 1, 1:4"));
     const std::u16string portion = std::u16string(4094, u'z') + u"\xD800\xD989z";
-    for (const I18NConverter& to : {hz, withPolicy("x11-compound-text", I18N_ESCAPE)}) {
+    for (const I18NConverter& to : {hz, compound}) {
         const StreamOutcome outcome = runAnyhow<char16_t>(nullptr, &to, portion);
         EXPECT_NE(std::string::npos, outcome.output.find("z%UD800%UD989z"));
         EXPECT_NE(std::string::npos, outcome.told.find("4095\nout -1 U+d989 text 4095, 1:4096"));
