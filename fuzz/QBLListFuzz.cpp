@@ -51,9 +51,10 @@ public:
                 eraseRange(at, operand / 7 % (size + 1));
                 break;
             default:
-                if (operand < size) require(m_list.at(operand) == m_model[operand]);
-                if (operand >= size && size == 0) require(m_list.at(operand) == 0);
+                m_uWalk += operand % 3 == 0 ? -1U : 1U;
+                return compareAt((operand % 4 == 0 ? operand : m_uWalk) % (size + 2));
         }
+        if (m_list.size() != size) m_uCursor = 0;
         require(m_list.size() == m_model.size() && m_list.empty() == m_model.empty());
         if (!m_model.empty()) {
             require(m_list.front() == m_model.front() && m_list.back() == m_model.back());
@@ -68,6 +69,13 @@ public:
     }
 
 private:
+    // An index past the end returns the value at the cursor, which the ends do not move.
+    void compareAt(unsigned int n) {
+        const unsigned int size = m_list.size();
+        if (n != 0 && n + 1 < size) m_uCursor = n;
+        require(m_list.at(n) == (size == 0 ? 0 : m_model[n < size ? n : m_uCursor]));
+    }
+
     // Erases up to the end if last is before first.
     void eraseRange(unsigned int first, unsigned int last) {
         QBLList<unsigned int>::iterator from = m_list.begin(), to = m_list.end();
@@ -83,6 +91,8 @@ private:
 
     QBLList<unsigned int> m_list;
     std::deque<unsigned int> m_model;
+    unsigned int m_uCursor = 0;
+    unsigned int m_uWalk = 0;  // steps of one, up and down
 };
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "QBLCore/Frame/QBLCore.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -120,14 +119,10 @@ TEST(QBLCoreTest, ReturnsThePreviousHandler) {
 }
 
 TEST(QBLCoreTest, BatchModeRaisesTheNicenessByFour) {
-    const pid_t child = fork();  // a process cannot lower its niceness again
-    if (child == 0) {
-        errno = EINVAL;
-        const int before = nice(0);
-        const bool raised = qblSetBatchMode() == 1;
-        _exit(raised && nice(0) == std::min(before + 4, 19) ? 0 : 1);
-    }
-    int status = -1;
-    ASSERT_EQ(child, waitpid(child, &status, 0));
-    EXPECT_EQ(0, status);
+    EXPECT_EQ(0, inChild([] {  // a process cannot lower its niceness again
+                  errno = EINVAL;
+                  const int before = nice(0);
+                  const bool raised = qblSetBatchMode() == 1;
+                  return raised && nice(0) == std::min(before + 4, 19) ? 0 : 1;
+              }));
 }
