@@ -1,6 +1,5 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -10,7 +9,6 @@
 
 namespace {
 
-/// Returns the identifier of a process that has ended.
 std::string deadProcess() {
     const pid_t process = fork();
     if (process == 0) _exit(0);
@@ -77,9 +75,7 @@ TEST(CleanTest, ReportsErrors) {
         {"-t UTF-8 .", "qblconv: -t and --clean cannot be used together\n"},
     };
     for (const auto& row : table) {
-        const Outcome result =
-            runTool(tree, std::string("'" QBL_CONV "' --clean ") + row.arguments);
-        EXPECT_EQ(2, result.status) << row.arguments;
-        EXPECT_EQ(row.said, result.output) << row.arguments;
+        const std::string command = std::string("'" QBL_CONV "' --clean ") + row.arguments;
+        expectOutcome(runTool(tree, command), 2, row.said, command);
     }
 }

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <fstream>
 #include <set>
 #include <sstream>
@@ -30,7 +29,6 @@ const std::vector<Tool>& allTools() {
     return kAll;
 }
 
-/// Returns the options that a manual describes, such as "-f --from".
 std::set<std::string> inManual(const std::string& tool) {
     std::string path = QBL_MAN_DIR "/";
     std::ifstream manual(path.append(tool).append(".1"));
@@ -97,25 +95,23 @@ TEST(OptionTablesTest, BashCompletesOptionsAndTheirArguments) {
         {QBL_MSGC, "qblmsgc -r fi", "file.msg"},
         {QBL_MSGC, "qblmsgc -c fil", "file.msg"},
     };
-    for (const auto& row : table) {
-        const std::string words = row.words, tool = row.tool;
-        std::string command = "PATH='";
-        command.append(tool, 0, tool.rfind('/')).append("':$PATH; '").append(tool);
-        command.append("' --completions=bash >c; bash -c 'compopt() { :; }; . ./c; COMP_WORDS=(");
-        command.append(words).append("); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _");
-        command.append(words, 0, words.find(' ')).append("; echo \"${COMPREPLY[*]}\"'");
-        const Outcome result = runTool(tree, command);
-        EXPECT_EQ(std::string(row.completed) + "\n", result.output) << words;
-    }
+    const char bash[] =
+        "PATH=${T%/*}:$PATH; $T --completions=bash >c; bash -c 'compopt() { :; }; . ./c; "
+        "COMP_WORDS=($W); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _${W%% *}; "
+        "echo \"${COMPREPLY[*]}\"'";
+    const auto with = [](const std::string& tool, const std::string& words) {
+        return "LC_ALL=C T='" + tool + "' W='" + words + "'";
+    };
+    for (const auto& row : table)
+        EXPECT_EQ(std::string(row.completed) + "\n",
+                  runTool(tree, bash, with(row.tool, row.words)).output);
     for (const Tool& tool : allTools())
         for (const char* shell : {"zsh", "fish"}) {
-            std::string command = "'";
-            command.append(tool.program).append("' --completions=").append(shell);
-            const Outcome script = runTool(tree, command);
+            const Outcome script = runTool(tree, "$T --completions=$W", with(tool.program, shell));
             for (const tools::Option& option : tool.options)
                 EXPECT_NE(std::string::npos, script.output.find(option.name)) << script.output;
-            command.append(" >c; command -v ").append(shell);
-            command.append(" >/dev/null || exit 0; ").append(shell).append(" -n c");
-            EXPECT_EQ(0, runTool(tree, command).status) << shell;
+            tree.file("c", script.output);
+            const char run[] = "command -v $W >/dev/null || exit 0; $W -n c";
+            EXPECT_EQ(0, runTool(tree, run, with(tool.program, shell)).status) << shell;
         }
 }

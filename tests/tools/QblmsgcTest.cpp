@@ -13,18 +13,13 @@
 
 namespace {
 
-/// Runs the tool in a directory.
-/// @param environment  assignments such as "LC_ALL=de"
-Outcome run(const TempTree& tree, const std::string& arguments,
-            const std::string& environment = "LC_ALL=C") {
-    return runTool(tree, "'" QBL_MSGC "' " + arguments, environment);
+Outcome run(const TempTree& tree, const std::string& arguments) {
+    return runTool(tree, "'" QBL_MSGC "' " + arguments);
 }
 
 void expectRun(const TempTree& tree, const std::string& arguments, int status,
                const std::string& output) {
-    const Outcome result = run(tree, arguments);
-    EXPECT_EQ(status, result.status) << arguments << "\n" << result.output;
-    EXPECT_EQ(output, result.output) << arguments;
+    expectOutcome(run(tree, arguments), status, output, arguments);
 }
 
 /// Returns the bytes of a message file exactly as the tool writes it.
@@ -41,18 +36,15 @@ TEST(QblmsgcTest, ReportsEachMistakeWithItsPlace) {
     const struct {
         const char *source, *found;
     } table[] = {
-        {"1 A \"a\"\n1 B \"b\"", "2:1: error: duplicate identifier 1; line 1 has it already"},
         {"1 A \"a\"\n0x2 A \"b\"", "2:5: error: duplicate name A; line 1 has it already"},
-        {"# \xC3\xA4\xC0", "1:4: error: not UTF-8; save the file as UTF-8"},
         {"1 \"\xC3\xA4\xE2\x82\"", "1:5: error: not UTF-8; save the file as UTF-8"},
         {"1 \"a\x01\"", "1:5: error: control character; write it as an escape in a text"},
         {"4294967296 \"b\"", "1:1: error: invalid identifier; use a number from 0 to 4294967295"},
-        {"\xEF\xBB\xBFname",
+        {"\uFEFFname",
          "1:1: error: expected a message (ID NAME \"TEXT\"), a text in quotes or a comment (#)"},
-        {"\"a\"",
+        {R"("a")",
          "1:1: error: the text belongs to no message; begin a message with its identifier"},
         {"1 A\n# b\n2 \"b\"", "1:1: error: the message has no text; write one in double quotes"},
-        {"1 \"a\" b", "1:7: error: expected a text in double quotes or a comment (#)"},
         {"1 \"a\\\"", "1:3: error: the text has no closing quote on this line"},
         {"1 \"\\n\xC3\xA4\"\r\n \"\\u00e4 {0} and {1\"",
          "2:18: error: the closing brace for this brace is missing"},
@@ -61,7 +53,6 @@ TEST(QblmsgcTest, ReportsEachMistakeWithItsPlace) {
          "braces, other braces need apostrophes"},
         {R"(1 "{0,plural,one{a}}")",
          "1:4: error: the case \"other\" is missing; every choice needs one"},
-        {R"(1 "{0} {name}")", "1:9: error: name is not an argument; use a number from 0 to 9"},
         {R"(1 "{9}" "{10}")", "1:11: error: 10 is not an argument; use a number from 0 to 9"},
         {R"(1 "{0,select,a{{1,what}}other{}}")",
          "1:19: error: unknown kind of argument: what; use number, date, time, spellout, ordinal, "
@@ -75,8 +66,6 @@ TEST(QblmsgcTest, ReportsEachMistakeWithItsPlace) {
          "one"},
         {many.c_str(),
          "1:1406: error: too many choices, plurals and selects; at most 100 are possible"},
-        {"1 \"{0} '{1}'\"",
-         "1:9: warning: the apostrophe turns argument 1 into plain text; write two to show one"},
         {"1 \"'{ 0 }' '{name}'\"",
          "1:5: warning: the apostrophe turns argument 0 into plain text; write two to show one\n"
          "t.msg:1:13: warning: the apostrophe turns argument name into plain text; write two to "
@@ -84,8 +73,6 @@ TEST(QblmsgcTest, ReportsEachMistakeWithItsPlace) {
         {R"(1 "{0,plural,=0{a}ones{b}other{c}}")",
          "1:19: warning: ones is not a plural keyword; use "
          "zero, one, two, few, many, other or =NUMBER"},
-        {"1 \"it''s\"",
-         "1:6: warning: both apostrophes are shown, because the text has no arguments"},
         {"1 = \"{ {0\"", "1:8: warning: this argument makes the text a pattern despite the ="},
     };
     TempTree tree;
@@ -105,7 +92,7 @@ TEST(QblmsgcTest, ReportsEachMistakeWithItsPlace) {
         "t.msg:1:4: error: unknown escape; use \\\" \\\\ \\n \\r \\t or \\u with four digits\n"
         "t.msg:2:1: error: duplicate identifier 7; line 1 has it already\n"
         "t.msg:2:5: error: x is not an argument; use a number from 0 to 9\n");
-    const std::string xml = run(tree, "-cX t.msg", "LC_ALL=de_AT.UTF-8").output;
+    const std::string xml = run(tree, "-L de_AT -cX t.msg").output;
     EXPECT_NE(std::string::npos,
               xml.find("Severity=\"Error\" Nesting=\"0\" ><MessageText>t.msg:2:1: Fehler: "
                        "doppelte Nummer 7; sie steht schon in Zeile 1</MessageText>"));
@@ -201,7 +188,7 @@ TEST(QblmsgcTest, WritesWholeFilesThatReadBackUnchanged) {
               "/no/x.bmf: cannot be written: No such file or directory\n");
 }
 
-TEST(QblmsgcTest, ShippedCataloguesRoundTripThroughDumps) {
+TEST(QblmsgcTest, ShippedCataloguesHaveNoWarnings) {
     TempTree tree;
     int count = 0;
     for (const auto& file : std::filesystem::directory_iterator(QBL_MSGS_DIR)) {
@@ -209,11 +196,8 @@ TEST(QblmsgcTest, ShippedCataloguesRoundTripThroughDumps) {
         ++count;
         std::string reference = file.path();
         reference.replace(reference.size() - 6, 2, "en");
-        const std::string compile = "--typed -W -r '" + reference + "' -o ";
-        expectRun(tree, compile + "a.bmf '" + file.path().string() + "'", 0, "");
-        expectRun(tree, "-d a.bmf >a.msg", 0, "");
-        expectRun(tree, compile + "b.bmf a.msg", 0, "");
-        EXPECT_EQ(tree.text("a.bmf"), tree.text("b.bmf")) << file.path();
+        expectRun(tree, "--typed -W -r '" + reference + "' -o a.bmf '" + file.path().string() + "'",
+                  0, "");
     }
     EXPECT_GE(count, 12);
     for (const std::string tool : {"qblmsgc", "qblconv"}) {
@@ -235,9 +219,8 @@ TEST(QblmsgcTest, RejectsHostileMessageFiles) {
     };
     // The tool writes nothing after the texts.
     expectDump(good + '\0',
-               "# Compiled with --typed; shape 78797A.\n\n"
-               "1 \"one\"\n2 \"two\"\nt.bmf: compiling this dump gives the same texts, but "
-               "not the same bytes\n");
+               "# Compiled with --typed; shape 78797A.\n\n1 \"one\"\n2 \"two\"\n"
+               "t.bmf: compiling this dump gives the same texts, but not the same bytes\n");
     for (std::size_t size = 0; size < good.size(); size += 3) {
         tree.file("t.bmf", good.substr(0, size));
         EXPECT_EQ(1, run(tree, "-d t.bmf").status) << size;
@@ -265,7 +248,9 @@ TEST(QblmsgcTest, ReportsMisuseAndOverwritesNothing) {
     std::filesystem::create_symlink("t.msg", tree("link"));
     std::filesystem::create_hard_link(tree("t.msg"), tree("t.bmf"));
     const std::string missing = "an operand is missing; qblmsgc --help shows the usage";
-    const std::string over = " would overwrite t.msg; choose another name";
+    const auto over = [](const std::string& name) {
+        return " would overwrite " + name + "; choose another name";
+    };
     const struct {
         const char* arguments;
         std::string said;
@@ -281,11 +266,10 @@ TEST(QblmsgcTest, ReportsMisuseAndOverwritesNothing) {
         {"-c -o a.bmf t.msg", "-c and -o cannot be used together"},
         {"-d -q t.bmf", "-d and -q cannot be used together"},
         {"t.msg u.msg", "unexpected operand: u.msg; qblmsgc --help shows the usage"},
-        {"-o ./t.msg t.msg", "the output ./t.msg" + over},
-        {"-H link -o a.bmf t.msg", "the output link" + over},
-        {"t.msg", "the output t.bmf" + over},
-        {"-o a.hpp -H ./a.hpp t.msg",
-         "the output ./a.hpp would overwrite a.hpp; choose another name"},
+        {"-o ./t.msg t.msg", "the output ./t.msg" + over("t.msg")},
+        {"-H link -o a.bmf t.msg", "the output link" + over("t.msg")},
+        {"t.msg", "the output t.bmf" + over("t.msg")},
+        {"-o a.hpp -H ./a.hpp t.msg", "the output ./a.hpp" + over("a.hpp")},
     };
     for (const auto& row : table) expectRun(tree, row.arguments, 2, "qblmsgc: " + row.said + "\n");
     EXPECT_EQ("1 A \"a\"\n", tree.text("t.msg"));
@@ -378,13 +362,7 @@ TEST(QblmsgcTest, ShowsTextsAndSearchedFiles) {
     tree.file("t_en.bmf", "x");
     expectRun(tree,
               "-g 0x1 t_de_AT.bmf ulong:2147483649 long:-5 double:1.5 string:a:b msgid:2 opaque:1",
-              0,
-              "-2\xC2\xA0"
-              "147\xC2\xA0"
-              "483\xC2\xA0"
-              "647|-5|1,5|a:b|two|\n");
-    expectRun(tree, "-g 9 t_de_AT.bmf", 1,
-              "./t_de_AT.bmf: no text for 9; qblmsgc -d lists all texts\n");
+              0, "-2\u00A0147\u00A0483\u00A0647|-5|1,5|a:b|two|\n");
     expectRun(
         tree, "-g 3 t_de_AT.bmf long:1", 1,
         "./t_de_AT.bmf: the text for 3 cannot be formatted: it is not a message pattern, or a "
@@ -394,8 +372,6 @@ TEST(QblmsgcTest, ShowsTextsAndSearchedFiles) {
     expectRun(
         tree, "-g 1 t_de_AT.bmf long:1x", 2,
         "qblmsgc: invalid parameter: long:1x; write TYPE:VALUE, such as string:text or long:5\n");
-    expectRun(tree, "-w ./t 'fr de_AT'", 0,
-              "  ./t_fr.bmf\n* ./t_de_AT.bmf\n  ./t_de.bmf\n  ./t_en.bmf\n  ./t.bmf\n");
     expectRun(
         tree, "-w ./t", 1,
         "* ./t_en.bmf\n  ./t.bmf\n./t_en.bmf: not a valid message file; qblmsgc -d shows why\n");

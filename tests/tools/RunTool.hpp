@@ -1,6 +1,7 @@
 #ifndef TESTS_TOOLS_RUNTOOL_HPP
 #define TESTS_TOOLS_RUNTOOL_HPP
 
+#include <gtest/gtest.h>
 #include <sys/wait.h>
 
 #include <cstdio>
@@ -28,6 +29,12 @@ inline Outcome runTool(const TempTree& tree, const std::string& command,
         output.append(block, got);
     const int status = pclose(pipe);
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
+}
+
+inline void expectOutcome(const Outcome& result, int status, const std::string& output,
+                          const std::string& command) {
+    EXPECT_EQ(status, result.status) << command << "\n" << result.output;
+    EXPECT_EQ(output, result.output) << command;
 }
 
 #endif
