@@ -17,13 +17,21 @@ struct Log {
     }
 };
 
+/// A thread that waits for its continuation.
+struct Suspended : Started {
+    explicit Suspended(Body body = [] { return nullptr; })
+        : Started(std::move(body), TavThreadAttrSuspended) {
+        EXPECT_TRUE(eventually([this] { return isSo(); }));
+    }
+    bool isSo() const { return tavXThreadState(*this) == TavThreadStateSuspended; }
+};
+
 }  // namespace
 
 TEST(TavStateTrapTest, CallbacksRunForEveryChangeNewestFirst) {
     Layer layer;
     Log mine, theirs;  // mine: the change to Running by this thread; theirs: all other changes
-    Started thread([]() -> void* { return nullptr; }, TavThreadAttrSuspended);
-    ASSERT_TRUE(eventually([&] { return tavXThreadState(thread) == TavThreadStateSuspended; }));
+    Suspended thread;
     for (int state = 0; state < 5; ++state)
         EXPECT_EQ(TAVTHREAD_OK,
                   tavXThreadStateCallback(thread, state, &Log::append,
@@ -51,8 +59,7 @@ TEST(TavStateTrapTest, ThreadResumesAfterTheCallbacksOfItsContinuation) {
     };
     for (int i = 0; i < 100; ++i) {
         Log log;
-        Started thread([&]() -> void* { return log.text += 'r', nullptr; }, TavThreadAttrSuspended);
-        ASSERT_TRUE(eventually([&] { return tavXThreadState(thread) == TavThreadStateSuspended; }));
+        Suspended thread([&]() -> void* { return log.text += 'r', nullptr; });
         tavXThreadStateCallback(thread, TavThreadStateRunning, slowly, &log);
         tavXThreadStateCallback(thread, TavThreadStateInitial, &Log::append, &log);
         tavXThreadContinue(thread);
@@ -92,10 +99,8 @@ TEST(TavStateTrapTest, RunningCallbacksFollowTheSuspendedCallbacks) {
 TEST(TavStateTrapTest, CallbackMaySuspendTheContinuedThread) {
     Layer layer;
     std::atomic<int> steps{0};
-    Started thread([&]() -> void* { return ++steps, tavXThreadState(nullptr), ++steps, nullptr; },
-                   TavThreadAttrSuspended);
-    const auto suspended = [&] { return tavXThreadState(thread) == TavThreadStateSuspended; };
-    ASSERT_TRUE(eventually(suspended));
+    Suspended thread(
+        [&]() -> void* { return ++steps, tavXThreadState(nullptr), ++steps, nullptr; });
     int times = 3;
     const TavStateRoutine again = [](void* left, TavThread* of, int) {
         if (--*static_cast<int*>(left) != 0) tavXThreadSuspend(of);
@@ -103,7 +108,7 @@ TEST(TavStateTrapTest, CallbackMaySuspendTheContinuedThread) {
     };
     tavXThreadStateCallback(thread, TavThreadStateRunning, again, &times);
     EXPECT_EQ(TAVTHREAD_OK, tavXThreadContinue(thread));
-    ASSERT_TRUE(eventually([&] { return steps == 1 && suspended(); }))
+    ASSERT_TRUE(eventually([&] { return steps == 1 && thread.isSo(); }))
         << "it suspends at the next checkpoint";
     EXPECT_EQ(TAVTHREAD_OK, tavXThreadContinue(thread)) << "the callback suspends and continues it";
     thread.join();
@@ -121,7 +126,7 @@ TEST(TavStateTrapTest, TrapsAreListedAndDisarmed) {
     EXPECT_EQ(TAVTHREAD_INVALID, tavXThreadStateTrapCreate(&next, 5, TavStateTrapAttrEnd));
     EXPECT_EQ(TAVTHREAD_BADATTR, tavXThreadStateTrapCreate(&next, 5, 4, TavStateTrapAttrEnd));
     {
-        Started thread([]() -> void* { return nullptr; }, TavThreadAttrSuspended);
+        Suspended thread;
         for (TavStateTrap* trap : traps)
             EXPECT_EQ(TAVTHREAD_OK, tavXThreadStateTrapSet(trap, thread, &Log::append, &log));
         EXPECT_EQ(TAVTHREAD_OK,
@@ -156,19 +161,16 @@ TEST(TavStateTrapTest, DestroyedTrapsFreeTheirMemory) {
         return tavXThreadStateTrapCreate(&made, TavThreadStateCanceling, TavStateTrapAttrEnd) +
                tavXThreadStateTrapSet(made, of, routine, arg);
     };
-    Started thread([&]() -> void* { return nullptr; }, TavThreadAttrSuspended);
+    Suspended thread;
     const std::size_t before = mallinfo2().uordblks;
     for (int i = 0; i < 10000; ++i) {
         ASSERT_EQ(TAVTHREAD_OK, arm(trap, thread, count, &calls));
         ASSERT_EQ(TAVTHREAD_OK, tavXThreadStateTrapSet(trap, thread, count, &calls)) << "set again";
         ASSERT_EQ(TAVTHREAD_OK, tavXThreadStateTrapDestroy(trap));
     }
-    if (!kSanitizer) {
-        EXPECT_LT(mallinfo2().uordblks, before + 10000);
-    }
+    EXPECT_TRUE(kSanitizer || mallinfo2().uordblks < before + 10000);
     tavXThreadStateCallback(thread, TavThreadStateCanceling, count, &calls);
     EXPECT_EQ(TAVTHREAD_OK, arm(inside, thread, destroyIt, &inside));
-    ASSERT_TRUE(eventually([&] { return tavXThreadState(thread) == TavThreadStateSuspended; }));
     tavXThreadCancel(thread);
     thread.join();
     EXPECT_EQ(1, calls) << "the walk continues after a trap that destroys itself";

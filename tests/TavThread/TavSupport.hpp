@@ -21,8 +21,7 @@ inline void* runBody(void* body) { return (*static_cast<Body*>(body))(); }
 
 /// A started thread. The destructor joins the thread if join() was not called, and destroys its
 /// handle.
-class Started {
-public:
+struct Started {
     template <class... Attributes>
     explicit Started(Body body, Attributes... attributes) : m_body(std::move(body)) {
         EXPECT_EQ(TAVTHREAD_OK,
@@ -43,8 +42,7 @@ private:
 };
 
 /// Measures the milliseconds since its construction.
-class Watch {
-public:
+struct Watch {
     double ms() const {
         return std::chrono::duration<double, std::milli>(Clock::now() - m_start).count();
     }

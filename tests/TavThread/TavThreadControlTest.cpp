@@ -51,12 +51,8 @@ TEST(TavThreadControlTest, NeverRunsIfCancelledBeforeItsRoutine) {
         // At this moment, the thread may be anywhere between its creation and its wait.
         int flag = i % 3 == 0;
         std::atomic<bool> ran{false};
-        Started thread(
-            [&]() -> void* {
-                ran = true;
-                return nullptr;
-            },
-            TavThreadAttrSuspended, TavThreadAttrCancelFlag, &flag);
+        Started thread([&]() -> void* { return ran = true, nullptr; }, TavThreadAttrSuspended,
+                       TavThreadAttrCancelFlag, &flag);
         if (flag == 0) tavXThreadCancel(thread);
         EXPECT_EQ(TAVTHREAD_OK, thread.join());
         EXPECT_FALSE(ran);
@@ -70,15 +66,14 @@ TEST(TavThreadControlTest, SurvivesSuspendAndContinueFromSeveralThreads) {
     Started thread(runner.body);
     std::atomic<int> seed{0};
     for (int round = 0; round < 40; ++round) {
-        Workers pushers(3, [&] {
+        Workers(3, [&] {
             unsigned mine = static_cast<unsigned>(++seed);
             for (int i = 0; i < 100; ++i) {
                 mine = mine * 1664525U + 1013904223U;
                 EXPECT_EQ(TAVTHREAD_OK, (mine >> 31) != 0 ? tavXThreadSuspend(thread)
                                                           : tavXThreadContinue(thread));
             }
-        });
-        pushers.join();
+        }).join();
         // Whatever the last call was, tavXThreadContinue resumes the thread, and tavXThreadSuspend
         // stops it.
         tavXThreadContinue(thread);
@@ -108,15 +103,14 @@ TEST(TavThreadControlTest, StaysFinishedDespiteSuspendAndContinue) {
             }
             return nullptr;
         });
-        Workers pushers(2, [&] {
+        Workers(2, [&] {
             for (int k = 0; k < 20; ++k, ++pushes) {
                 tavXThreadSuspend(thread);
                 tavXThreadContinue(thread);
                 tavXThreadAdjustPriority(thread, 1);
                 tavXThreadAlive(thread);
             }
-        });
-        pushers.join();
+        }).join();
         EXPECT_EQ(TAVTHREAD_OK, thread.join());
         EXPECT_EQ(TavThreadStateInitial, tavXThreadState(thread));
         EXPECT_EQ(0, tavXThreadAlive(thread));

@@ -30,8 +30,7 @@ TEST(TavProcessTest, CountsStartsAndStops) {
 }
 
 TEST(TavProcessTest, AdoptsAThreadOncePerRunOfTheLayer) {
-    Gate again;
-    std::atomic<bool> first{false};
+    Gate first, again;
     std::optional<Workers> stays;
     {
         Layer layer;
@@ -40,14 +39,14 @@ TEST(TavProcessTest, AdoptsAThreadOncePerRunOfTheLayer) {
             EXPECT_EQ(self, tavXThreadSelf());
             EXPECT_EQ(TavThreadExitAlive, tavXThreadAutopsy(nullptr));
             EXPECT_EQ(TAVTHREAD_DEADLOCK, tavXThreadJoin(self, nullptr));
-            first = true;
+            first.open();
             again.wait();
             EXPECT_EQ(1U, tavXThreadId(nullptr)) << "this run of the layer has a new record";
             EXPECT_EQ(TAVTHREAD_OK, tavXThreadDestroy(tavXThreadSelf()));
             EXPECT_EQ(2U, tavXThreadId(nullptr));
             EXPECT_EQ(TAVTHREAD_OK, tavXThreadTerminate());
         });
-        EXPECT_TRUE(eventually([&] { return first.load(); }));
+        EXPECT_TRUE(first.wait());
     }
     Layer layer;
     again.open();
@@ -166,16 +165,13 @@ TEST(TavThreadTest, StackSizeGrowsButNeverShrinks) {
     const auto larger = static_cast<unsigned>(usual + 0x100000);
     for (const unsigned request : {0U, 1U, 20000U, larger}) {
         size_t got = 0;
-        Started thread(
-            [&]() -> void* {
-                pthread_attr_t mine;
-                pthread_getattr_np(pthread_self(), &mine);
-                pthread_attr_getstacksize(&mine, &got);
-                pthread_attr_destroy(&mine);
-                return nullptr;
-            },
-            TavThreadAttrStackSize, request);
-        thread.join();
+        const Body body = [&]() -> void* {
+            pthread_getattr_np(pthread_self(), &attributes);
+            pthread_attr_getstacksize(&attributes, &got);
+            pthread_attr_destroy(&attributes);
+            return nullptr;
+        };
+        Started(body, TavThreadAttrStackSize, request).join();
         // The tolerance is for the part of the stack that sanitizers and the C library use.
         EXPECT_GE(got + 0x20000, request == larger ? larger : usual) << request;
     }
