@@ -11,8 +11,7 @@ namespace {
 std::atomic<int> g_cleanups{0};
 
 template <class Base>
-class Counted : public Base {
-public:
+struct Counted : Base {
     explicit Counted(int initial) : Base(initial) {}
     void cleanup() override {
         ++g_cleanups;

@@ -4,7 +4,6 @@
 #include <pthread.h>
 
 #include <atomic>
-#include <chrono>
 #include <functional>
 #include <stdexcept>
 
@@ -17,8 +16,7 @@
 namespace {
 
 template <class Body>
-class Job : public QBLThreadRunnable {
-public:
+struct Job : QBLThreadRunnable {
     explicit Job(Body body) : m_body(body) {}
     void run() override { m_body(); }
 
@@ -29,13 +27,20 @@ private:
 std::atomic<int> g_exits{0};
 void countExit() { ++g_exits; }
 
-class QBLThreadTest : public ::testing::Test {
-protected:
+struct QBLThreadTest : ::testing::Test {
     void SetUp() override {
         ASSERT_EQ(0, qblThreadProcessInitialize("test"));
         g_exits = 0;
     }
     void TearDown() override { EXPECT_EQ(0, qblThreadProcessTerminate("test")); }
+
+    template <class Body>
+    void run(Body body) {
+        Job job(body);
+        QBLThread thread(&job);
+        thread.start();
+        thread.join();
+    }
 };
 
 }  // namespace
@@ -62,8 +67,7 @@ TEST_F(QBLThreadTest, RunsARunnableOrItselfAndMayStartAgain) {
     thread.join();
     EXPECT_EQ(2, runs);
 
-    class Own : public QBLThread {
-    public:
+    struct Own : QBLThread {
         ~Own() override { join(); }
         void run() override { id = currentThreadId(); }
         std::atomic<unsigned long> id{0};
@@ -75,25 +79,19 @@ TEST_F(QBLThreadTest, RunsARunnableOrItselfAndMayStartAgain) {
 }
 
 TEST_F(QBLThreadTest, CallsTheExitRoutineForEveryEndOfRun) {
-    const auto runs = [](auto body) {
-        Job job(body);
-        QBLThread thread(&job);
-        thread.start();
-        thread.join();
-    };
-    runs([] { EXPECT_EQ(0, QBLThread::atExit(countExit, 1)); });
+    run([] { EXPECT_EQ(0, QBLThread::atExit(countExit, 1)); });
     EXPECT_EQ(1, g_exits);
-    runs([] {
+    run([] {
         QBLThread::atExit(countExit, 1);
         throw std::runtime_error("dropped");
     });
     EXPECT_EQ(2, g_exits);
-    runs([] {
+    run([] {
         QBLThread::atExit(countExit, 1);
         pthread_exit(nullptr);
     });
     EXPECT_EQ(3, g_exits);
-    runs([] {
+    run([] {
         QBLThread::atExit(countExit, 1);
         EXPECT_EQ(-1, QBLThread::atExit(nullptr, 1));
         QBLThread::atExit(nullptr, 0);
@@ -107,10 +105,7 @@ TEST_F(QBLThreadTest, StaysUsableUntilTheLastTerminate) {
     EXPECT_TRUE(nested.getSuccess());
     EXPECT_EQ(0, qblThreadProcessTerminate(nullptr));
     std::atomic<bool> ran{false};
-    Job job([&] { ran = true; });
-    QBLThread thread(&job);
-    thread.start();
-    thread.join();
+    run([&] { ran = true; });
     EXPECT_TRUE(ran);
 }
 
@@ -160,21 +155,16 @@ TEST_F(QBLThreadTest, MayBeDestroyedByItsOwnRunnable) {
 }
 
 TEST_F(QBLThreadTest, MayDeleteItselfAtTheEndOfRun) {
-    class Own : public QBLThread {
-    public:
-        explicit Own(Gate& gone) : m_gone(gone) {}
+    static Gate s_gone;
+    struct Own : QBLThread {
         ~Own() override {
             joinQuietly();
-            m_gone.open();
+            s_gone.open();
         }
         void run() override { delete this; }
-
-    private:
-        Gate& m_gone;
     };
-    Gate gone;
-    (new Own(gone))->start();
-    EXPECT_TRUE(gone.wait());
+    (new Own)->start();
+    EXPECT_TRUE(s_gone.wait());
 }
 
 TEST_F(QBLThreadTest, JoinCanBeCancelledAndRepeatedExceptInDestructors) {
@@ -221,10 +211,4 @@ TEST(QBLThreadStoppedTest, CannotStartWithoutTheLibrary) {
     QBLThread thread;
     QBL_EXPECT_THROW(thread.start(), QBLThreadResourceError,
                      "TavThread interface or unknown error");
-}
-
-TEST(QBLThreadSleepTest, SleepsAtLeastTheTime) {
-    const auto begin = std::chrono::steady_clock::now();
-    QBLThread::sleep(30);
-    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(30));
 }

@@ -50,8 +50,7 @@ void count(Lock& lock, bool readers) {
                 lock.readLock();
                 sum += number;
             } else {
-                while (!lock.boundedLock(1000)) {
-                }
+                while (!lock.boundedLock(1000)) continue;
                 ++number;
                 // Makes the others sleep.
                 if (i % 500 == 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -64,7 +63,6 @@ void count(Lock& lock, bool readers) {
 
 /// Gives the recursive mutex the interface of a read-write lock.
 struct Recursive : QBLThreadRecursiveMutex {
-    using QBLThreadRecursiveMutex::QBLThreadRecursiveMutex;
     void readLock() { lock(); }
 };
 
@@ -73,7 +71,7 @@ struct Recursive : QBLThreadRecursiveMutex {
 int main() {
     qblCoreInitialize();
     QBLThreadRWLock lock;
-    Recursive recursive(0);
+    Recursive recursive;
     for (const bool readers : {false, true}) {
         count(lock, readers);
         count(recursive, readers);
@@ -87,8 +85,7 @@ int main() {
                                          });
     takeTurns<QBLThreadSemaphore>([](auto& semaphore) { semaphore.post(); },
                                   [](auto& semaphore) {
-                                      while (!semaphore.boundedWait(10000)) {
-                                      }
+                                      while (!semaphore.boundedWait(10000)) continue;
                                   });
     QBLThreadPoolFixed pool(2);
     QBLTaskGroup group(pool);
