@@ -27,10 +27,8 @@ struct Fragile {
     bool operator!=(const Fragile& other) const { return number != other.number; }
 
     int number = 0;
-    static bool s_failing;
+    static inline bool s_failing = false;
 };
-
-bool Fragile::s_failing = false;
 
 }  // namespace
 

@@ -22,8 +22,7 @@
 namespace {
 
 /// Runs tasks at once, refuses them, or throws.
-class Direct : public QBLThreadExecuteRunnable {
-public:
+struct Direct : QBLThreadExecuteRunnable {
     int execute(QBLThreadRunnable* task, unsigned long) override {
         if (stopped) QBL_THROW(QBLIllegalStateError(0, "stopped"));
         if (!refusing) task->run();
@@ -32,8 +31,7 @@ public:
     bool refusing = false, stopped = false;
 };
 
-class QBLSubmitTest : public ::testing::Test {
-protected:
+struct QBLSubmitTest : ::testing::Test {
     void SetUp() override { ASSERT_EQ(0, qblCoreInitialize()); }
     void TearDown() override {
         EXPECT_EQ(1, m_held.use_count()) << "a callable was not destroyed";
@@ -58,10 +56,8 @@ TEST_F(QBLSubmitTest, ReturnsResultsOfAllKindsFromAllPools) {
         EXPECT_EQ(3, *result.get());
         EXPECT_EQ(1, m_held.use_count()) << "the callable is destroyed before the future is ready";
         int target = 0;
-        int& same = qblSubmitFor(
-                        *pool, QBLWaitForever, [](int& i) -> int& { return i; }, std::ref(target))
-                        .get();
-        EXPECT_EQ(&target, &same);
+        const auto same = [](int& i) -> int& { return i; };
+        EXPECT_EQ(&target, &qblSubmitFor(*pool, QBLWaitForever, same, std::ref(target)).get());
         qblSubmitFor(*pool, QBLWaitForever, [&target, held = m_held] { target = 5; }).get();
         EXPECT_EQ(5, target);
         Gate ran;

@@ -25,8 +25,7 @@ namespace {
 const char kOwnPiece[] = "QBLTaskGroup::wait: called by a piece of the group";
 
 /// A pool that refuses every task, or throws if it is stopped.
-class Refusing : public QBLThreadExecuteRunnable {
-public:
+struct Refusing : QBLThreadExecuteRunnable {
     int execute(QBLThreadRunnable*, unsigned long) override {
         if (stopped) QBL_THROW(QBLIllegalStateError(0, "stopped"));
         return 0;
@@ -34,8 +33,7 @@ public:
     bool stopped = false;
 };
 
-class QBLTaskGroupTest : public ::testing::Test {
-protected:
+struct QBLTaskGroupTest : ::testing::Test {
     void SetUp() override { ASSERT_EQ(0, qblCoreInitialize()); }
     void TearDown() override { EXPECT_EQ(0, qblCoreTerminate()); }
 };
@@ -45,14 +43,11 @@ protected:
 TEST_F(QBLTaskGroupTest, WaitsForAllPieces) {
     QBLThreadPoolQueued pool(2, 1);
     std::atomic<int> runs{0};
-    class Runnable : public QBLThreadRunnable {
-    public:
-        explicit Runnable(std::atomic<int>& count) : m_count(count) {}
-        void run() override { ++m_count; }
-
-    private:
-        std::atomic<int>& m_count;
-    } runnable(runs);
+    struct Runnable : QBLThreadRunnable {
+        std::atomic<int>* count;
+        void run() override { ++*count; }
+    } runnable;
+    runnable.count = &runs;
     const auto held = std::make_shared<int>(0);
     for (int round = 1; round <= 200; ++round) {
         QBLTaskGroup group(pool);
@@ -112,8 +107,8 @@ TEST_F(QBLTaskGroupTest, RunsRefusedPiecesItself) {
 TEST_F(QBLTaskGroupTest, NestedPiecesNeedNoStack) {
     QBLThreadPoolFixed busy(1);
     Refusing none;
-    for (QBLThreadExecuteRunnable* pool : {static_cast<QBLThreadExecuteRunnable*>(&busy),
-                                           static_cast<QBLThreadExecuteRunnable*>(&none)}) {
+    for (QBLThreadExecuteRunnable* pool :
+         std::initializer_list<QBLThreadExecuteRunnable*>{&busy, &none}) {
         QBLTaskGroup group(*pool);
         std::atomic<int> left{200000};
         std::function<void()> step = [&] {

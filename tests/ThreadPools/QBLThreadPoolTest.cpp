@@ -27,15 +27,15 @@ using namespace std::chrono_literals;
 
 namespace {
 
-class Counting : public QBLThreadRunnable {
-public:
+using Tasks = std::initializer_list<QBLThreadRunnable*>;
+using Pools = std::initializer_list<QBLThreadPool*>;
+
+struct Counting : QBLThreadRunnable {
     void run() override { ++runs; }
     std::atomic<int> runs{0};
 };
 
-/// Stays in run() until the gate opens.
-class Blocking : public QBLThreadRunnable {
-public:
+struct Blocking : QBLThreadRunnable {
     explicit Blocking(Gate& gate) : m_gate(gate) {}
     void run() override {
         ++started;
@@ -48,15 +48,13 @@ private:
     Gate& m_gate;
 };
 
-class Throwing : public QBLThreadRunnable {
-public:
+struct Throwing : QBLThreadRunnable {
     void run() override { throw std::runtime_error("dropped"); }
 };
 
 /// Ends the thread that runs it: at once by pthread_exit(), or by a cancellation that takes effect
 /// at the next cancellation point.
-class Ending : public QBLThreadRunnable {
-public:
+struct Ending : QBLThreadRunnable {
     explicit Ending(bool cancelled = false) : m_bCancelled(cancelled) {}
     void run() override {
         ++runs;
@@ -68,8 +66,7 @@ private:
     bool m_bCancelled;
 };
 
-class QBLThreadPoolTest : public ::testing::Test {
-protected:
+struct QBLThreadPoolTest : ::testing::Test {
     void SetUp() override { ASSERT_EQ(0, qblCoreInitialize()); }
     void TearDown() override {
         fault::reset();
@@ -100,42 +97,30 @@ TEST_F(QBLThreadPoolTest, DestructorRunsEveryAcceptedTask) {
     }
 }
 
-TEST_F(QBLThreadPoolTest, ServesManySubmitters) {
-    for (int kind = 0; kind < 3; ++kind) {
-        auto pool = make(kind);
-        Counting counting;
-        Workers(4, [&] {
-            for (int i = 0; i < 1000; ++i) EXPECT_EQ(1, pool->execute(&counting, QBLWaitForever));
-        }).join();
-        pool.reset();
-        EXPECT_EQ(4000, counting.runs) << "kind " << kind;
-    }
-}
-
 TEST_F(QBLThreadPoolTest, RefusesTasksWithItsOwnTextAfterTheStopFlag) {
-    const char* texts[] = {
-        "QBLThreadPoolFixed::execute: attempted to execute while shutting down",
-        "QBLThreadPoolVariable::execute: attempted to execute while shutting down",
-        "QBLThreadPoolQueued::execute: attempted to execute while shutting down"};
+    const std::string names[] = {"Fixed", "Variable", "Queued"};
     Counting counting;
     for (int kind = 0; kind < 3; ++kind) {
         auto pool = make(kind);
         EXPECT_EQ(1, pool->execute(nullptr, QBLWaitForever)) << "a null task does nothing";
         pool->setStopWork(1);
-        QBL_EXPECT_THROW(pool->execute(&counting, 0), QBLIllegalStateError, texts[kind]);
+        const std::string text =
+            "QBLThreadPool" + names[kind] + "::execute: attempted to execute while shutting down";
+        QBL_EXPECT_THROW(pool->execute(&counting, 0), QBLIllegalStateError, text.c_str());
     }
 }
 
-TEST_F(QBLThreadPoolTest, FixedHandsTasksToIdleWorkersOnly) {
-    Gate gate;
-    Blocking blocking(gate);
-    QBLThreadPoolFixed pool(2);
-    EXPECT_EQ(1, pool.execute(&blocking, QBLWaitForever));
-    EXPECT_EQ(1, pool.execute(&blocking, QBLWaitForever));
-    EXPECT_EQ(0, pool.execute(&blocking, 0));
-    EXPECT_EQ(0, pool.execute(&blocking, 20ms));
-    gate.open();
-    EXPECT_EQ(1, pool.execute(&blocking, QBLWaitForever));
+TEST_F(QBLThreadPoolTest, FixedStartsWithIdleWorkersAndHandsTasksToThemOnly) {
+    for (int round = 0; round < 50; ++round) {
+        Gate gate;
+        Blocking blocking(gate);
+        QBLThreadPoolFixed pool(3);
+        for (int k = 0; k < 3; ++k) EXPECT_EQ(1, pool.execute(&blocking, 0));
+        EXPECT_EQ(0, pool.execute(&blocking, 0));
+        EXPECT_EQ(0, pool.execute(&blocking, 2ms));
+        gate.open();
+        EXPECT_EQ(1, pool.execute(&blocking, QBLWaitForever));
+    }
 }
 
 TEST_F(QBLThreadPoolTest, VariableGrowsWithItsTasksAndShrinksToThePermanentWorkers) {
@@ -162,8 +147,7 @@ TEST_F(QBLThreadPoolTest, VariableLosesNoTaskWhenItsWorkersRetire) {
 TEST_F(QBLThreadPoolTest, VariableReapsAWorkerWhoseExitRoutineSubmits) {
     static QBLThreadPoolVariable* s_pool;
     static Counting s_counting;
-    class Chain : public QBLThreadRunnable {
-    public:
+    struct Chain : QBLThreadRunnable {
         void run() override {
             QBLThread::atExit([] { s_pool->execute(&s_counting, 0); }, 1);
         }
@@ -200,8 +184,7 @@ TEST_F(QBLThreadPoolTest, WorkerGetsANewThreadWhenATaskEndsItsThread) {
         Counting counting;
         auto pool = make(kind);
         for (int i = 0; i < 20; ++i) {
-            for (QBLThreadRunnable* task :
-                 std::initializer_list<QBLThreadRunnable*>{&exits, &cancels, &exits, &counting})
+            for (QBLThreadRunnable* task : Tasks{&exits, &cancels, &exits, &counting})
                 ASSERT_EQ(1, pool->execute(task, kTestLimitMs)) << "kind " << kind;
             ASSERT_TRUE(eventually([&] { return counting.runs == i + 1; })) << "kind " << kind;
         }
@@ -225,11 +208,10 @@ TEST_F(QBLThreadPoolTest, ExitRoutineMayWaitForThePool) {
     } leaving;
     QBLThreadPoolFixed fixed(1);
     QBLThreadPoolQueued queued(1, 0);
-    for (QBLThreadPool* pool : std::initializer_list<QBLThreadPool*>{&fixed, &queued}) {
+    for (QBLThreadPool* pool : Pools{&fixed, &queued}) {
         s_ending.runs = s_counting.runs = 0;
         s_pool = pool;
-        for (QBLThreadRunnable* task :
-             std::initializer_list<QBLThreadRunnable*>{&leaving, &s_ending})
+        for (QBLThreadRunnable* task : Tasks{&leaving, &s_ending})
             EXPECT_EQ(1, pool->execute(task, kTestLimitMs));
         EXPECT_TRUE(eventually([] { return s_counting.runs == 1; }));
     }
@@ -249,7 +231,7 @@ TEST_F(QBLThreadPoolTest, TasksDoNotInheritCancellationSettings) {
     QBLThreadPoolFixed fixed(1);
     QBLThreadPoolVariable variable(1, 50, 1000);
     QBLThreadPoolQueued queued(1, 0);
-    for (QBLThreadPool* pool : std::initializer_list<QBLThreadPool*>{&fixed, &variable, &queued})
+    for (QBLThreadPool* pool : Pools{&fixed, &variable, &queued})
         for (int i = 0; i < 2; ++i) {
             Setting task;
             ASSERT_EQ(1, pool->execute(&task, kTestLimitMs));
@@ -351,16 +333,6 @@ TEST_F(QBLThreadPoolTest, VariableWorkersSleepWhileIdleEvenWithoutAnIdleTime) {
     };
     const long before = sleeps();
     EXPECT_TRUE(eventually([&] { return sleeps() > before + 20; }));
-}
-
-TEST_F(QBLThreadPoolTest, FixedStartsWithIdleWorkers) {
-    for (int i = 0; i < 50; ++i) {
-        Gate gate;
-        Blocking blocking(gate);
-        QBLThreadPoolFixed pool(3);
-        for (int k = 0; k < 3; ++k) EXPECT_EQ(1, pool.execute(&blocking, 0));
-        gate.open();
-    }
 }
 
 TEST_F(QBLThreadPoolTest, QueuedWakesAWorkerThatIsAboutToBeIdle) {
