@@ -4,6 +4,7 @@
 #include <pthread.h>
 
 #include <chrono>
+#include <deque>
 #include <functional>
 #include <mutex>
 #include <optional>
@@ -23,8 +24,7 @@
 
 namespace {
 
-class Task : public QBLCustodianTask {
-public:
+struct Task : QBLCustodianTask {
     explicit Task(std::function<int(int)> body = [](int) { return 0; }) : m_body(std::move(body)) {}
     int doIt(int terminating) override {
         ++calls;
@@ -54,24 +54,15 @@ struct QBLCustodianTest : ::testing::Test {
     bool stopped = false;
 };
 
-/// The letters that tasks have written, in order.
-struct Record {
-    void add(char c) {
-        std::lock_guard<std::mutex> hold(lock);
-        text += c;
-    }
-    std::string get() {
-        std::lock_guard<std::mutex> hold(lock);
-        return text;
-    }
-    std::mutex lock;
-    std::string text;
-};
-
 }  // namespace
 
 TEST_F(QBLCustodianTest, CallsTheNewestBatchFirstInItsOrder) {
-    Record record;
+    std::mutex lock;
+    std::string record;  // the letters that tasks have written, in order; guarded by lock
+    const auto written = [&] {
+        const std::lock_guard hold(lock);
+        return record;
+    };
     Gate begin, registered;
     Task first([&](int) {
         begin.open();
@@ -81,23 +72,24 @@ TEST_F(QBLCustodianTest, CallsTheNewestBatchFirstInItsOrder) {
     EXPECT_TRUE(QBLCustodian::registerTask(&first));
     ASSERT_TRUE(begin.wait())
         << "the first task holds its pass, so that the next one starts with A, B and C";
-    std::vector<std::unique_ptr<Task>> tasks;
+    std::deque<Task> tasks;
     const auto add = [&](char c) {
-        tasks.push_back(std::make_unique<Task>([&record, c](int) {
-            record.add(c);
+        tasks.emplace_back([&, c](int) {
+            const std::lock_guard hold(lock);
+            record += c;
             return 0;
-        }));
-        EXPECT_TRUE(QBLCustodian::registerTask(tasks.back().get()));
+        });
+        EXPECT_TRUE(QBLCustodian::registerTask(&tasks.back()));
     };
     for (const char c : {'A', 'B', 'C'}) add(c);
     registered.open();
-    EXPECT_TRUE(eventually([&] { return record.get().size() >= 6; }));
+    EXPECT_TRUE(eventually([&] { return written().size() >= 6; }));
     add('D');
-    EXPECT_TRUE(eventually([&] { return record.get().find("DABCDABC") != std::string::npos; }));
-    EXPECT_EQ("ABCABC", record.get().substr(0, 6));
+    EXPECT_TRUE(eventually([&] { return written().find("DABCDABC") != std::string::npos; }));
+    EXPECT_EQ("ABCABC", written().substr(0, 6));
     stop();
-    for (const auto& task : tasks) EXPECT_EQ(1, task->last) << "the last pass calls each task once";
-    EXPECT_EQ("DABC", record.get().substr(record.get().size() - 4));
+    for (const Task& task : tasks) EXPECT_EQ(1, task.last) << "the last pass calls each task once";
+    EXPECT_EQ("DABC", record.substr(record.size() - 4));
     EXPECT_EQ(1, first.calls) << "a finished task is dropped";
 }
 
@@ -145,22 +137,17 @@ TEST_F(QBLCustodianTest, DeregistrationWaitsForThePass) {
 TEST_F(QBLCustodianTest, StopCompletesEvenIfItsThreadIsCancelled) {
     Gate last, cancelled;
     Task task([&](int terminating) {
-        if (terminating == 0) return 0;
-        last.open();
-        cancelled.wait();
+        if (terminating != 0) last.open(), cancelled.wait();
         return 0;
     });
     EXPECT_TRUE(QBLCustodian::registerTask(&task));
     stopped = true;
     int result = -1;
     pthread_t handle{};
-    ASSERT_EQ(0, pthread_create(
-                     &handle, nullptr,
-                     [](void* to) -> void* {
-                         *static_cast<int*>(to) = qblCoreTerminate();
-                         return nullptr;
-                     },
-                     &result));
+    const auto end = [](void* to) -> void* {
+        return *static_cast<int*>(to) = qblCoreTerminate(), nullptr;
+    };
+    ASSERT_EQ(0, pthread_create(&handle, nullptr, end, &result));
     EXPECT_TRUE(last.wait());
     pthread_cancel(handle);
     cancelled.open();
@@ -169,25 +156,17 @@ TEST_F(QBLCustodianTest, StopCompletesEvenIfItsThreadIsCancelled) {
 }
 
 TEST_F(QBLCustodianTest, TaskThatEndsItsThreadAffectsNoOtherTask) {
-    std::vector<std::unique_ptr<Task>> tasks;
-    for (int i = 0; i < 3; ++i) {
-        tasks.push_back(std::make_unique<Task>([i](int) {
-            if (i == 1) pthread_exit(nullptr);
-            return 0;
-        }));
-        EXPECT_TRUE(QBLCustodian::registerTask(tasks.back().get()));
-    }
-    EXPECT_TRUE(eventually([&] { return tasks[0]->calls > 3 && tasks[2]->calls > 3; }));
-    EXPECT_TRUE(QBLCustodian::deRegisterTask(tasks[0].get()));
-    EXPECT_TRUE(QBLCustodian::registerTask(tasks[0].get()));
+    Task before, ends([](int) -> int { pthread_exit(nullptr); }), after;
+    for (Task* task : {&before, &ends, &after}) EXPECT_TRUE(QBLCustodian::registerTask(task));
+    EXPECT_TRUE(eventually([&] { return before.calls > 3 && after.calls > 3; }));
+    EXPECT_TRUE(QBLCustodian::deRegisterTask(&before) && QBLCustodian::registerTask(&before));
     stop();
-    for (const auto& task : tasks) EXPECT_EQ(1, task->last);
+    for (const Task* task : {&before, &ends, &after}) EXPECT_EQ(1, task->last);
 }
 
 TEST_F(QBLCustodianTest, NewScheduleAppliesToTheCurrentWait) {
-    stop();
+    EXPECT_EQ(0, qblCoreTerminate());
     QBLCustodian::setSchedule(60000);
-    stopped = false;
     ASSERT_EQ(0, qblCoreInitialize());
     Task task;
     EXPECT_TRUE(QBLCustodian::registerTask(&task));
@@ -213,9 +192,7 @@ TEST_F(QBLCustodianTest, TasksMayRegisterTasksButNotDeregisterRunningOnes) {
     });
     EXPECT_TRUE(QBLCustodian::registerTask(&*task));
     EXPECT_TRUE(eventually([&] { return fresh != -1; }));
-    EXPECT_EQ(0, running);
-    EXPECT_EQ(1, registered);
-    EXPECT_EQ(1, fresh);
+    EXPECT_TRUE(running == 0 && registered == 1 && fresh == 1);
     stop();
 }
 
@@ -274,12 +251,11 @@ TEST_F(QBLCustodianTest, IsNotInheritedByAForkedProcess) {
     Task task, other;
     EXPECT_TRUE(QBLCustodian::registerTask(&task));
     EXPECT_TRUE(eventually([&] { return task.calls > 0; }));
-    const int status = inChild([&other] {
-        if (QBLCustodian::registerTask(&other) || qblCoreTerminate() != 0) return 1;
-        if (qblCoreInitialize() != 0 || !QBLCustodian::registerTask(&other)) return 2;
-        return qblCoreTerminate() == 0 && other.last == 1 ? 0 : 3;
-    });
-    EXPECT_EQ(0, status);
+    EXPECT_EQ(0, inChild([&other] {
+                  if (QBLCustodian::registerTask(&other) || qblCoreTerminate() != 0) return 1;
+                  if (qblCoreInitialize() != 0 || !QBLCustodian::registerTask(&other)) return 2;
+                  return qblCoreTerminate() == 0 && other.last == 1 ? 0 : 3;
+              }));
     stop();
 }
 
@@ -309,22 +285,15 @@ TEST(QBLCustodianScheduleTest, ScheduleIsFrozenAtZeroAndAtAllOnes) {
 TEST(QBLCustodianFailureTest, LogsTheErrorOfATaskAndEndsTheProcess) {
     const struct {
         std::function<void()> thrower;
-        const char* record;
-    } table[] = {
-        {[] { QBL_THROW(QBLIllegalStateError(7, "why")); },
-         "QBLCustodian Caught QBLThrowable Error\n<-\n<Exception Name=\"QBLIllegalStateError\" "
-         "Error=\"7\" Severity=\"Fatal\">.*why.*</Exception>\n->\n\n"},
-        {[] { throw std::bad_alloc(); },
-         "QBLCustodian Caught CSTD_STD_NAME::bad_alloc Exception Error\n<-\n\n->\n\n"},
-        {[] { throw std::runtime_error("what"); },
-         "QBLCustodian Caught C\\+\\+ Exception Error\n<-\nwhat\n->\n\n"},
-        {[] { throw 1; },
-         "QBLCustodian Caught Unknown Error\n<-\nQBLCustodian catch \\(...\\)\n->\n\n"},
-        {[] {
-             pthread_cancel(pthread_self());
-             throw std::runtime_error("nor cancelled");
-         },
-         "QBLCustodian Caught C\\+\\+ Exception Error\n<-\nnor cancelled\n->\n\n"}};
+        std::string what, text;
+    } table[] = {{[] { QBL_THROW(QBLIllegalStateError(7, "why")); }, "QBLThrowable",
+                  "<Exception Name=\"QBLIllegalStateError\" Error=\"7\" Severity=\"Fatal\">.*why.*"
+                  "</Exception>"},
+                 {[] { throw std::bad_alloc(); }, "CSTD_STD_NAME::bad_alloc Exception", ""},
+                 {[] { throw std::runtime_error("what"); }, "C\\+\\+ Exception", "what"},
+                 {[] { throw 1; }, "Unknown", "QBLCustodian catch \\(...\\)"},
+                 {[] { pthread_cancel(pthread_self()), throw std::runtime_error("nor cancelled"); },
+                  "C\\+\\+ Exception", "nor cancelled"}};
     for (const auto& row : table) {
         TempTree tree;
         tree.dir("logs");
@@ -333,10 +302,7 @@ TEST(QBLCustodianFailureTest, LogsTheErrorOfATaskAndEndsTheProcess) {
             QBLFmDir::setEffectiveWorkingDir(work.c_str());
             QBLCustodian::setSchedule(1);
             qblCoreInitialize();
-            Task task([&](int) {
-                row.thrower();
-                return 0;
-            });
+            Task task([&](int) { return row.thrower(), 0; });
             QBLCustodian::registerTask(&task);
             QBLThread::sleep(kTestLimitMs);
             return 1;
@@ -344,9 +310,10 @@ TEST(QBLCustodianFailureTest, LogsTheErrorOfATaskAndEndsTheProcess) {
         EXPECT_EQ(327 % 256, status);
         std::list<std::string> names;
         QBLFmDir::readDir(tree("logs").c_str(), &names, "qbl_error_*.log", nullptr, nullptr);
-        ASSERT_EQ(1U, names.size());
+        ASSERT_EQ(1U, names.size()) << row.what;
         const std::string text = tree.text("logs/" + names.front());
-        EXPECT_TRUE(std::regex_match(text, std::regex("[^\t]*\t" + std::string(row.record))))
-            << text;
+        const std::regex wanted("[^\t]*\tQBLCustodian Caught " + row.what + " Error\n<-\n" +
+                                row.text + "\n->\n\n");
+        EXPECT_TRUE(std::regex_match(text, wanted)) << text;
     }
 }
