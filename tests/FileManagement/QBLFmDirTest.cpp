@@ -1,6 +1,5 @@
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sched.h>
@@ -109,12 +108,9 @@ TEST(QBLFmDirTest, ComparesTypeAndPermissionsOfAFile) {
     TempTree tree;
     const std::string file = tree.file("f");
     chmod(file.c_str(), 0640);
-    EXPECT_TRUE(QBLFmDir::exists(file.c_str(), S_IFREG));
     EXPECT_TRUE(QBLFmDir::exists(file.c_str(), S_IFREG | 0440));
     EXPECT_FALSE(QBLFmDir::exists(file.c_str(), S_IFREG | 0642));
-    EXPECT_FALSE(QBLFmDir::exists(file.c_str(), S_IFDIR));
-    EXPECT_FALSE(QBLFmDir::exists(tree("absent").c_str(), S_IFREG));
-    EXPECT_FALSE(QBLFmDir::exists(nullptr, S_IFREG));
+    EXPECT_FALSE(QBLFmDir::exists(file.c_str(), S_IFDIR) || QBLFmDir::exists(nullptr, S_IFREG));
 }
 
 TEST(QBLFmDirTest, CreatesDirectoriesConcurrently) {
@@ -239,26 +235,25 @@ TEST(QBLFmDirTest, RemovesWhatItCanAndReportsTheRest) {
 
 TEST(QBLFmDirTest, AcceptsAndReturnsI18NStrings) {
     TempTree tree;
-    I18NString dir(tree.root()), made;
+    I18NString dir(tree.root()), made, before, after;
     QBLFmDir::joinPath(dir, I18NString("\u00E9te\u0301/\u4E2D"));
+    const I18NString prefix("\u00FC"), pattern("\u00FC*"), none("?");
     ASSERT_TRUE(QBLFmDir::createRecursiveDir(dir));
-    const I18NString prefix("\u00FC"), pattern("\u00FC*");
     ASSERT_TRUE(QBLFmDir::createTempFile(&dir, &prefix, made));
     QBLFmFile64 file;
     ASSERT_TRUE(file.open(made, QBLFmFile64::existing, 0));
     EXPECT_EQ(made, file.getFileName());
     EXPECT_TRUE(file.open(file.getFileName(), QBLFmFile64::existing, 1))
         << "open() must not use the name after closing the file";
-    std::list<I18NString> files, dirs;
-    ASSERT_TRUE(QBLFmDir::readDir(dir, &files, &pattern, &dirs, nullptr));
-    ASSERT_EQ(1U, files.size());
-    I18NString before, after;
     EXPECT_TRUE(QBLFmDir::splitPath(made, &before, &after));
     EXPECT_EQ(dir, before);
-    EXPECT_EQ(files.front(), after);
     EXPECT_EQ(made, QBLFmDir::getFileFullPath(after, dir, {}));
-    I18NString cut(made);
-    cut.append(L'\0').append(".txt");
+    std::list<I18NString> files, dirs;
+    EXPECT_TRUE(QBLFmDir::createDir(dir + "/x") && QBLFmDir::createDir(dir + "/yy"));
+    ASSERT_TRUE(QBLFmDir::readDir(dir, &files, &pattern, &dirs, &none));
+    EXPECT_TRUE(files == std::list<I18NString>{after} &&
+                dirs == std::list<I18NString>{I18NString("x")});
+    const I18NString cut = I18NString(made).append(L'\0').append(".txt");
     EXPECT_TRUE(!QBLFmDir::removeFile(cut) && errno == EILSEQ)
         << "up to the terminating NUL, this is the name of another file";
     for (const char16_t half : {u'\xD800', u'\xDC00'}) {
@@ -267,16 +262,8 @@ TEST(QBLFmDirTest, AcceptsAndReturnsI18NStrings) {
         EXPECT_TRUE(!file.open(lone, QBLFmFile64::existing, 0) &&
                     file.getLastErrorNumber() == EILSEQ);
     }
-    I18NString emptied(L"\u00E9");
-    QBLFmDir::joinPath(emptied.remove(), after);
-    EXPECT_EQ(after, emptied);
-    const int status = inCage(
-        tree, [] { return QBLFmDir::removeDir(I18NString("/\u00E9te\u0301/\u4E2D")) ? 0 : errno; });
-    if (status == kNoCage) GTEST_SKIP() << "needs a root directory of its own";
-    EXPECT_EQ(0, status);
-    EXPECT_FALSE(QBLFmDir::exists(made, S_IFREG));
-    EXPECT_FALSE(file.open(made, QBLFmFile64::existing, 0));
-    EXPECT_EQ(ENOENT, file.getLastErrorNumber());
+    QBLFmDir::joinPath(dir.remove(), after);
+    EXPECT_EQ(after, dir);
 }
 
 TEST(QBLFmDirTest, NeverReusesATemporaryName) {
@@ -345,12 +332,11 @@ TEST(QBLFmDirTest, IgnoresTheEnvironmentInSetUserIdPrograms) {
     std::filesystem::copy_file("/proc/self/exe", copy);
     chown(copy.c_str(), 65534, 65534);
     chmod(copy.c_str(), 04755);
-    EXPECT_EQ(
-        0, inChild([&] {
-            setenv("TMP", tree.root(), 1);
-            return std::system((copy + " --gtest_filter=*IgnoresTheEnvironment*").c_str()) == 0 ? 0
-                                                                                                : 1;
-        }));
+    const std::string run = copy + " --gtest_filter=*IgnoresTheEnvironment*";
+    EXPECT_EQ(0, inChild([&] {
+                  setenv("TMP", tree.root(), 1);
+                  return std::system(run.c_str()) == 0 ? 0 : 1;
+              }));
 }
 
 TEST(QBLFmDirTest, TakesTheTemporaryDirectoryFromSettingThenEnvironment) {
