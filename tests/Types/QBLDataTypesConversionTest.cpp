@@ -26,8 +26,7 @@ int write(char* text, float value) { return float32ToAscii(text, value); }
 int write(char* text, double value) { return float64ToAscii(text, value); }
 
 /// Reuses its streams, because constructing a stream takes longer than all the conversions.
-class Streams {
-public:
+struct Streams {
     Streams() {
         m_in.imbue(std::locale::classic());
         m_out.imbue(std::locale::classic());
@@ -54,13 +53,10 @@ public:
 
     /// Reads a text as every type and writes the value. Expects the same results as from streams.
     void expectAlike(const std::string& text) {
-        EXPECT_TRUE(readsSame<int>(text)) << "as int: '" << text << "'";
-        EXPECT_TRUE(readsSame<long long>(text)) << "as long long: '" << text << "'";
-        EXPECT_TRUE(readsSame<float>(text)) << "as float: '" << text << "'";
-        EXPECT_TRUE(readsSame<double>(text)) << "as double: '" << text << "'";
+        EXPECT_TRUE(readsSame<int>(text) && readsSame<long long>(text)) << "'" << text << "'";
+        EXPECT_TRUE(readsSame<float>(text) && readsSame<double>(text)) << "'" << text << "'";
     }
 
-private:
     std::istringstream m_in;
     std::ostringstream m_out;
 };
@@ -88,9 +84,7 @@ void compareEdges() {
               digits.substr(0, 1) + "." + digits.substr(1)})
             streams.expectAlike(text);
     for (const std::string& text : {"1" + zeros + "e-1195", "." + zeros + "1e1205", zeros + "12",
-                                    "0." + zeros + "1e1010", "1." + zeros + "1",
-                                    std::string("\xA0"
-                                                "1")})
+                                    "0." + zeros + "1e1010", "1." + zeros + "1", "\xA0" + zeros})
         streams.expectAlike(text);
     const double inf = std::numeric_limits<double>::infinity(), nan = std::nan("");
     EXPECT_TRUE(streams.writesSame(inf) && streams.writesSame(-inf));
@@ -100,10 +94,6 @@ void compareEdges() {
 void compareRandom(int count) {
     Streams streams;
     std::mt19937_64 random(1);
-    int wrong = 0;
-    const auto expect = [&wrong](bool same, const std::string& what) {
-        if (!same && ++wrong < 10) ADD_FAILURE() << what;
-    };
     for (int i = 0; i < count; ++i) {
         const unsigned long long bits = random();
         const auto whole = static_cast<long long>(bits >> random() % 64);
@@ -133,14 +123,13 @@ void compareRandom(int count) {
                 exact << (i % 2 != 0 ? any : plain);
                 text = exact.str();
         }
-        expect(streams.readsSame<int>(text) && streams.readsSame<long long>(text) &&
-                   streams.readsSame<float>(text) && streams.readsSame<double>(text),
-               "'" + text + "' is read differently by a stream");
-        expect(streams.writesSame(static_cast<int>(whole)) && streams.writesSame(whole) &&
-                   streams.writesSame(-whole) && streams.writesSame(any) &&
-                   streams.writesSame(plain) && streams.writesSame(tie) &&
-                   (std::isnan(single) || streams.writesSame(single)),
-               std::to_string(bits) + " is written differently by a stream");
+        streams.expectAlike(text);
+        EXPECT_TRUE(streams.writesSame(static_cast<int>(whole)) && streams.writesSame(whole) &&
+                    streams.writesSame(-whole) && streams.writesSame(any) &&
+                    streams.writesSame(plain) && streams.writesSame(tie) &&
+                    (std::isnan(single) || streams.writesSame(single)))
+            << bits << " is written differently by a stream";
+        if (testing::Test::HasFailure()) return;
     }
 }
 

@@ -19,8 +19,7 @@
 
 namespace {
 
-class DiskError : public QBLException {
-public:
+struct DiskError : QBLException {
     using QBLException::QBLException;
     QBL_EXCEPTION_METHODS(DiskError)
 };

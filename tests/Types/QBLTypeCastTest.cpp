@@ -40,13 +40,9 @@ Again again(long (*read)(Value*, const char*), long (*write)(char*, const Writte
     };
 }
 
-long writeInt(char* text, const int* value) {
-    std::snprintf(text, kRoom, "%d", *value);
-    return 0;
-}
-long writeInt64(char* text, const long long* value) {
-    std::snprintf(text, kRoom, "%lld", *value);
-    return 0;
+template <class Integer>
+long writeInteger(char* text, const Integer* value) {
+    return std::strcpy(text, std::to_string(*value).c_str()), 0;
 }
 
 const Again kDate = again<QBLDate2>(&Cast::string2date, &Cast::date2string);
@@ -58,8 +54,8 @@ const Again kDayTime = again<QBLInterval2>(&Cast::string2DTinterval, &Cast::dtIn
 const Again kHours = again<QBLInterval2>(&Cast::string2DTinterval, &Cast::dtInterval2stringAsTime);
 const Again kYearMonth = again<QBLIntervalYM>(&Cast::string2YMinterval, &Cast::ymInterval2string);
 const Again kDouble = again<double>(&Cast::string2double, &Cast::number2string);
-const Again kInt = again<int>(&Cast::string2int32, &writeInt);
-const Again kInt64 = again<long long>(&Cast::string2int64, &writeInt64);
+const Again kInt = again<int>(&Cast::string2int32, &writeInteger<int>);
+const Again kInt64 = again<long long>(&Cast::string2int64, &writeInteger<long long>);
 
 /// Calls a body with both sides of each "text=expected" in a table. Without "=", the expected text
 /// is the text itself.
@@ -72,7 +68,6 @@ void forEach(const char* table, Body body) {
     }
 }
 
-/// For each type, lists texts and the expected results of reading and writing them.
 void readTable() {
     const struct {
         const Again& again;
@@ -122,8 +117,7 @@ void readTable() {
 }
 
 /// Sets fields to random values: valid ones, or any value of the field's type.
-class Fields {
-public:
+struct Fields {
     explicit Fields(bool valid) : m_bValid(valid) {}
     template <class Field>
     void set(Field& field, int from, int to) {
@@ -152,9 +146,10 @@ private:
     std::mt19937 m_random{7};
 };
 
-std::string timeText(const char* before, long long hour, int minute, int second, int fraction) {
+std::string timeText(const std::string& before, long long hour, int minute, int second,
+                     int fraction) {
     char text[100];
-    int at = std::snprintf(text, sizeof text, "%s%02lld:%02d", before, hour, minute);
+    int at = std::snprintf(text, sizeof text, "%s%02lld:%02d", before.c_str(), hour, minute);
     if (second != 0 || fraction != 0) at += std::snprintf(text + at, 20, ":%02d", second);
     if (fraction > 0) std::snprintf(text + at, 20, ".%09d", fraction);
     return text;
@@ -167,9 +162,7 @@ void expectText(const std::string& expected, long (*write)(char*, const Value*),
     EXPECT_EQ(0, write(text, &value));
     EXPECT_EQ(expected, text);
     EXPECT_LT(std::strlen(text), kRoom);
-    if (again != nullptr) {
-        EXPECT_EQ(expected, (*again)(text));
-    }
+    EXPECT_TRUE(again == nullptr || expected == (*again)(text)) << text;
 }
 
 void writeRandom(bool valid) {
@@ -184,24 +177,11 @@ void writeRandom(bool valid) {
         fields.set(s.displacement, 0, 59);
         if (valid && i % 2 != 0) s.displacement = static_cast<std::int16_t>(-1200 - s.displacement);
         char date[40], zone[20];
-        std::snprintf(date, sizeof date, "%04d-%02d-%02d", s.year, s.month, s.day);
+        std::snprintf(date, sizeof date, "%04d-%02d-%02d ", s.year, s.month, s.day);
         std::snprintf(zone, sizeof zone, " %c%04dTZ", s.displacement < 0 ? '-' : '+',
                       std::abs(s.displacement));
-        const auto clock = [&s](const std::string& before) {
-            return timeText(before.c_str(), s.hour, s.minute, s.second, s.fraction);
-        };
-        const QBLDate2 day = {s.year, s.month, s.day};
-        const QBLTime2 time = {s.hour, s.minute, s.second, s.fraction};
-        const QBLTimeTZ timeTZ = {s.hour, s.minute, s.second, s.fraction, s.displacement};
-        QBLTimestamp2 stamp;
-        EXPECT_EQ(0, Cast::timestampTZ2timestamp(&stamp, &s));
-        expectText<QBLDate2>(date, &Cast::date2string, day, reader(kDate));
-        expectText<QBLTime2>(clock(""), &Cast::time2string, time, reader(kTime));
-        expectText<QBLTimeTZ>(clock("") + zone, &Cast::timeTZ2string, timeTZ, reader(kTimeTZ));
-        expectText<QBLTimestamp2>(clock(date + std::string(" ")), &Cast::timestamp2string, stamp,
-                                  reader(kStamp));
-        expectText<QBLTimestampTZ>(clock(date + std::string(" ")) + zone, &Cast::timestampTZ2string,
-                                   s, reader(kStampTZ));
+        expectText<QBLTimestampTZ>(timeText(date, s.hour, s.minute, s.second, s.fraction) + zone,
+                                   &Cast::timestampTZ2string, s, reader(kStampTZ));
 
         QBLInterval2 dt{};
         fields.set(dt.negative, 0, 1);
@@ -209,7 +189,7 @@ void writeRandom(bool valid) {
         fields.time(dt.hours, dt.minutes, dt.seconds, dt.fraction);
         const std::string sign = dt.negative != 0 ? "-" : "";
         const auto intervalText = [&dt](const std::string& before, long long hours) {
-            return timeText(before.c_str(), hours, dt.minutes, dt.seconds, dt.fraction);
+            return timeText(before, hours, dt.minutes, dt.seconds, dt.fraction);
         };
         expectText<QBLInterval2>(intervalText(sign + std::to_string(dt.days) + " ", dt.hours),
                                  &Cast::dtInterval2string, dt, reader(kDayTime));
@@ -313,8 +293,8 @@ TEST(QBLTypeCastTest, ConvertsCountsToLargerUnits) {
         });
     const long lowest = LONG_MIN;
     QBLInterval2 dt;
-    EXPECT_EQ(8, Cast::int2DTinterval(&dt, &lowest, "days"));
     QBLIntervalYM ym;
+    EXPECT_EQ(8, Cast::int2DTinterval(&dt, &lowest, "days"));
     EXPECT_EQ(8, Cast::int2YMinterval(&ym, &lowest, "year"));
 }
 
