@@ -8,8 +8,7 @@
 
 namespace {
 
-class ListError : public QBLException {
-public:
+struct ListError : QBLException {
     using QBLException::QBLException;
     QBL_EXCEPTION_METHODS(ListError)
 };

@@ -15,8 +15,7 @@ namespace {
 char g_id[] = "Item", g_sameText[] = "Item", g_other[] = "Other";
 std::atomic<int> g_alive{0};
 
-class Item : public QBLObjectFactoryItem {
-public:
+struct Item : QBLObjectFactoryItem {
     explicit Item(QBLObjectFactory* factory, char* id = g_id)
         : QBLObjectFactoryItem(factory), m_pId(id) {
         ++g_alive;

@@ -51,23 +51,23 @@ TEST(QBLPluginLibraryLoaderTest, LoadsFromTheEffectiveWorkingDirectoryAndUnloads
 }
 
 TEST(QBLPluginLibraryLoaderTest, ReportsWhyItFails) {
-    const std::string load = "QBLPluginException: QBL_THROW: QBLPluginLibraryLoader::load\n";
-    EXPECT_EQ("1 Error " + load +
-                  "/absent/x.so: cannot open shared object file: No such file or directory",
-              failureOf([] { static_cast<void>(QBLPluginLibraryLoader::load("/absent/x.so")); }));
-    EXPECT_EQ("1 Error " + load + "The path is too long.", failureOf([] {
-                  static_cast<void>(QBLPluginLibraryLoader::load(std::string(8000000, 'a')));
-              }));
     const TempTree tree;
     const std::string pipe = tree("pipe.so");
     ASSERT_EQ(0, mkfifo(pipe.c_str(), 0600));
     EXPECT_EQ(0, std::system(("touch -d 2040-01-01 " + pipe).c_str()))
         << "32-bit stat(2) fails for this date";
-    EXPECT_EQ("1 Error " + load + "It is not a regular file.",
-              failureOf([&] { static_cast<void>(QBLPluginLibraryLoader::load(pipe)); }));
-    for (const std::string& path : {std::string(), std::string("x\0y", 3)})
-        EXPECT_EQ("1 Error " + load + "The path is empty or has a zero in it.",
-                  failureOf([&] { static_cast<void>(QBLPluginLibraryLoader::load(path)); }));
+    const struct {
+        std::string path, reason;
+    } table[] = {
+        {"/absent/x.so", "/absent/x.so: cannot open shared object file: No such file or directory"},
+        {std::string(8000000, 'a'), "The path is too long."},
+        {pipe, "It is not a regular file."},
+        {"", "The path is empty or has a zero in it."},
+        {std::string("x\0y", 3), "The path is empty or has a zero in it."}};
+    for (const auto& row : table)
+        EXPECT_EQ(
+            "1 Error QBLPluginException: QBL_THROW: QBLPluginLibraryLoader::load\n" + row.reason,
+            failureOf([&] { static_cast<void>(QBLPluginLibraryLoader::load(row.path)); }));
     EXPECT_EQ(
         "2 Error QBLPluginException: QBL_THROW: QBLPluginLibraryLoader::unload\n"
         "There is no handle.",

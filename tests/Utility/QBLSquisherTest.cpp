@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
-#include <cstdlib>
 #include <memory>
 #include <random>
 #include <string>

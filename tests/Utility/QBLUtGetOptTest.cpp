@@ -10,8 +10,7 @@ namespace {
 
 /// Parses words and records all results of getOpt() as one text: letters with their arguments, "0",
 /// "-1", and the final index. Also captures the output to standard error.
-class Parsed {
-public:
+struct Parsed {
     Parsed(std::vector<std::string> words, const char* letters, int calls) {
         std::vector<char*> argv(words.size() + 1);
         for (std::size_t i = 0; i < words.size(); ++i) argv[i] = &words[i][0];
