@@ -1,7 +1,7 @@
 // exit_test MODE: ends the process in one of the ways in which real programs end, while the library
 // is in use. The process must end by itself with status 0 and without a sanitizer report.
 #include <cstdlib>
-#include <cstring>
+#include <string>
 
 #include "QBLCore/Frame/QBLCore.h"
 #include "QBLCore/ThreadPools/QBLThreadPoolFixed.hpp"
@@ -16,8 +16,7 @@ namespace {
 QBLThreadMutex* g_lock = nullptr;
 
 /// Runs until the process ends, and takes a lock in each round.
-class Endless : public QBLThreadRunnable {
-public:
+struct Endless : QBLThreadRunnable {
     void run() override {
         for (;;) {
             QBLThreadGuard guard(*g_lock);
@@ -26,8 +25,7 @@ public:
     }
 };
 
-class Short : public QBLThreadRunnable {
-public:
+struct Short : QBLThreadRunnable {
     void run() override { QBLThread::yield(); }
 };
 
@@ -53,10 +51,9 @@ void startAll() {
 
 /// Uses the library while static objects are destroyed, after main() has returned.
 struct LateUser {
-    bool active = false;
     QBLThreadPoolVariable* pool = nullptr;
     ~LateUser() {
-        if (!active) return;
+        if (pool == nullptr) return;
         pool->execute(&g_brief, 0);
         delete pool;
         QBLThreadMutex mutex;
@@ -68,24 +65,14 @@ struct LateUser {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const char* mode = argc > 1 ? argv[1] : "";
-    if (std::strcmp(mode, "return") == 0) {
-        startAll();
-        return 0;
-    }
-    if (std::strcmp(mode, "exit") == 0) {
-        startAll();
-        std::exit(0);
-    }
-    if (std::strcmp(mode, "stopped") == 0) {
-        startAll();
-        return qblCoreTerminate();
-    }
-    if (std::strcmp(mode, "static") == 0) {
+    const std::string mode = argc > 1 ? argv[1] : "";
+    if (mode == "static") {
         qblCoreInitialize();
         g_late.pool = new QBLThreadPoolVariable(1, 10, 1);
-        g_late.active = true;
         return 0;
     }
-    return 2;
+    startAll();
+    if (mode == "exit") std::exit(0);
+    if (mode == "stopped") return qblCoreTerminate();
+    return mode == "return" ? 0 : 2;
 }

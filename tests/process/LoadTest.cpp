@@ -22,8 +22,7 @@ int run(const char* library) {
         const auto start = reinterpret_cast<Call>(dlsym(handle, "qblCoreInitialize"));
         const auto stop = reinterpret_cast<Call>(dlsym(handle, "qblCoreTerminate"));
         const auto adopt = reinterpret_cast<Call>(dlsym(handle, "tavXThreadInitialize"));
-        if (start == nullptr || stop == nullptr || adopt == nullptr) return 1;
-        if (start() != 0) return 1;
+        if (start == nullptr || stop == nullptr || adopt == nullptr || start() != 0) return 1;
         if (round == 0) {
             std::promise<int> adopted;
             std::future<int> result = adopted.get_future();
