@@ -17,6 +17,8 @@ class QBLStoppableGroup : public QBLTaskGroup {
 public:
     /// @param pool  as for QBLTaskGroup
     explicit QBLStoppableGroup(QBLThreadExecuteRunnable& pool) : QBLTaskGroup(pool) {}
+    /// Waits for all pieces, as ~QBLTaskGroup() does.
+    ~QBLStoppableGroup() { waitQuietly(); }
 
     /// Runs a callable with or without a parameter for the token, or a runnable, as
     /// QBLTaskGroup::run() does.

@@ -19,7 +19,7 @@
 // The pool runs the pieces that it accepts: performAll() runs on a worker. start() runs a refused
 // piece at once, except if it is called in a piece of the same group. In this case, start() puts
 // the new piece into m_pRefused and wakes the waiters. A thread takes the new piece from m_pRefused
-// when its own piece has ended, or in waitForAll(), or in the destructor. The destructor runs the
+// when its own piece has ended, or in waitForAll(), or in waitQuietly(). waitQuietly() runs the
 // piece on a new thread. The piece is pending all this time, so no wait ends before the piece. If a
 // piece ends its thread, this thread takes no refused piece (leave()); a wait takes it.
 //
@@ -80,7 +80,9 @@ void QBLTaskGroup::Task::run() { m_group.performAll(this); }
 QBLTaskGroup::QBLTaskGroup(QBLThreadExecuteRunnable& pool)
     : m_pool(pool), m_lock(0), m_iPending(0), m_pRefused(nullptr), m_bFailed(false) {}
 
-QBLTaskGroup::~QBLTaskGroup() {
+QBLTaskGroup::~QBLTaskGroup() { waitQuietly(); }
+
+void QBLTaskGroup::waitQuietly() noexcept {
     const QBLNoCancel noCancel;
     QBLThreadGuard guard(m_lock);
     while (m_iPending != 0) {

@@ -68,6 +68,11 @@ public:
     /// @param where  the place for the back-trace; by default, the place of the call
     void wait(const QBLFileLocation& where = QBLFileLocation(__builtin_FILE(), __builtin_LINE()));
 
+protected:
+    /// Waits as the destructor does. A derived class whose members the pieces use must call it
+    /// first in its own destructor; otherwise the pieces use a partly destroyed object.
+    void waitQuietly() noexcept;
+
 private:
     /// A piece of work. The group deletes the piece after it has been run.
     class QBL_API Task : public QBLThreadRunnable {

@@ -13,6 +13,7 @@
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/Frame/QBLCore.h"
+#include "QBLCore/ThreadPools/QBLStoppableGroup.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolFixed.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolVariable.hpp"
@@ -128,11 +129,12 @@ TEST_F(QBLTaskGroupTest, DestructorCompletesEvenIfThreadsEnd) {
         std::atomic<int> ran{0};
 
         void play() {
-            QBLTaskGroup group(pool);
+            QBLStoppableGroup group(pool);
             group.run([this, &group] {
                 release.wait();
-                group.run([this] {  // the pool refuses this piece; the group's destructor runs it
-                    ++ran;
+                // The pool refuses this piece; the group's destructor runs it.
+                group.run([this, &group] {
+                    ran += group.request_stop() ? 1 : 5;
                     pthread_exit(nullptr);
                 });
                 if (eventually([this] { return ran == 1; })) ++ran;
