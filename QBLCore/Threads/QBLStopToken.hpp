@@ -34,7 +34,8 @@ private:
 };
 
 /// Requests a stop, which its tokens then report, as std::stop_source does. Copies request the same
-/// stop.
+/// stop. A source that was moved from has no stop: its operations return false, and so do those of
+/// its tokens.
 ///
 ///     QBLStopSource source;
 ///     group.run([token = source.get_token()] {
@@ -52,11 +53,11 @@ public:
     // NOLINTBEGIN(readability-identifier-naming): the names of the standard
     [[nodiscard]] QBLStopToken get_token() const noexcept { return QBLStopToken(m_pStop); }
     [[nodiscard]] bool stop_requested() const noexcept {
-        return m_pStop->load(std::memory_order_acquire);
+        return m_pStop != nullptr && m_pStop->load(std::memory_order_acquire);
     }
     /// @return true if this call requested the stop, false if a stop was requested before.
     bool request_stop() const noexcept {
-        return !m_pStop->exchange(true, std::memory_order_acq_rel);
+        return m_pStop != nullptr && !m_pStop->exchange(true, std::memory_order_acq_rel);
     }
     // NOLINTEND(readability-identifier-naming)
 

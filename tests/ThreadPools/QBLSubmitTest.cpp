@@ -160,6 +160,11 @@ TEST_F(QBLSubmitTest, GroupsStopAndThreadsRunCallables) {
     group.wait();
     EXPECT_EQ(3, stopped);
     EXPECT_FALSE(QBLStopToken().stop_requested());
+    QBLStopSource source;
+    EXPECT_TRUE(QBLStopSource(std::move(source)).request_stop());
+    // NOLINTNEXTLINE(bugprone-use-after-move): tests the state after the move
+    EXPECT_FALSE(source.request_stop() || source.stop_requested() ||
+                 source.get_token().stop_possible());
     {
         QBLCallableThread thread([&stopped, one = std::make_unique<int>(1)] { stopped += *one; });
         for (int i = 0; i < 2; ++i) {
