@@ -27,8 +27,11 @@ public:
 
     /// Returns the path that the listing began with, and the names below it.
     const std::string& getPath() const { return m_path; }
-    /// Returns the last part of the path.
-    std::string_view getName() const { return std::string_view(m_path).substr(m_uName); }
+    /// Returns the last part of the path; empty for an entry that was moved from.
+    std::string_view getName() const {
+        const std::string_view path = m_path;
+        return m_uName < path.size() ? path.substr(m_uName) : std::string_view();
+    }
     /// Returns the number of directories between the start of the listing and the entry.
     unsigned getDepth() const { return m_uDepth; }
 

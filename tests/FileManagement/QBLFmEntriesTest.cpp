@@ -62,7 +62,9 @@ TEST(QBLFmEntriesTest, TellsSizesAndTimesThat32BitsCannotHold) {
     ASSERT_EQ(0, truncate64(path.c_str(), 5000000000LL));
     ASSERT_EQ(0, std::system(("touch -d @4000000000.5 " + path).c_str()));
     QBLFmEntries entries(std::string(tree.root()) + "/");
-    const QBLFmEntry entry = *entries.begin()++;
+    QBLFmEntry moved = *entries.begin()++;
+    const QBLFmEntry entry = std::move(moved);
+    EXPECT_EQ("", moved.getName());  // NOLINT(bugprone-use-after-move): tests the state after it
     EXPECT_EQ(path, entry.getPath());
     EXPECT_EQ(5000000000U, entry.getSize());
     EXPECT_EQ(4000000000, entry.getModifiedSeconds());
