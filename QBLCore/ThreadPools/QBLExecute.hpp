@@ -7,6 +7,7 @@
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/ThreadPools/QBLPoolTask.hpp"
 #include "QBLCore/ThreadPools/QBLThreadExecuteRunnable.hpp"
+#include "QBLCore/Threads/QBLMilliseconds.hpp"
 
 /// A task for a callable whose exceptions are dropped.
 template <class Body>
@@ -30,7 +31,7 @@ private:
 ///
 ///     qblExecute(pool, [path] { index(path); });
 ///
-/// @param timeout  milliseconds, as for execute() of the pool
+/// @param timeout  milliseconds, a duration or a time point, as for execute() of the pool
 /// @return false if the pool did not accept the callable, which is then not run
 /// @throws QBLOutOfMemoryError; the errors of execute(), such as QBLIllegalStateError if the pool
 ///     is stopped; the errors of copying the callable, as throwables. If it throws, the callable is
@@ -45,6 +46,10 @@ bool qblExecute(QBLThreadExecuteRunnable& pool, Callable&& callable, unsigned lo
         new QBLExecuteTask<std::decay_t<Callable>>(std::in_place, std::forward<Callable>(callable)),
         timeout);
     QBL_ALLOC_CATCH
+}
+template <class Callable, class = std::enable_if_t<std::is_invocable_v<std::decay_t<Callable>&>>>
+bool qblExecute(QBLThreadExecuteRunnable& pool, Callable&& callable, QBLMilliseconds timeout) {
+    return qblExecute(pool, std::forward<Callable>(callable), timeout.count());
 }
 
 #endif

@@ -3,6 +3,7 @@
 
 #include <exception>
 
+#include "QBLCore/Threads/QBLMilliseconds.hpp"
 #include "QBLCore/Threads/QBLThreadRunnable.hpp"
 
 class QBLThreadExecuteRunnable;
@@ -29,8 +30,15 @@ public:
     /// @return false if the pool did not accept the task
     /// @throws the errors of execute()
     static bool execute(QBLThreadExecuteRunnable& pool, QBLPoolTask* task, unsigned long timeout);
+    static bool execute(QBLThreadExecuteRunnable& pool, QBLPoolTask* task,
+                        QBLMilliseconds timeout) {
+        return execute(pool, task, timeout.count());
+    }
     /// Does the same, but gives all errors to the task's fail().
     static void submit(QBLThreadExecuteRunnable& pool, QBLPoolTask* task, unsigned long timeout);
+    static void submit(QBLThreadExecuteRunnable& pool, QBLPoolTask* task, QBLMilliseconds timeout) {
+        submit(pool, task, timeout.count());
+    }
 
 protected:
     QBLPoolTask() = default;

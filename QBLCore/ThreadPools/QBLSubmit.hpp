@@ -11,6 +11,7 @@
 #include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/ThreadPools/QBLPoolTask.hpp"
 #include "QBLCore/ThreadPools/QBLThreadExecuteRunnable.hpp"
+#include "QBLCore/Threads/QBLMilliseconds.hpp"
 
 /// A task that makes a future ready, after it has destroyed the callable and its arguments.
 template <class Result, class Callable, class... Arguments>
@@ -53,7 +54,8 @@ template <class Callable, class... Arguments>
 using QBLSubmitResult = std::invoke_result_t<std::decay_t<Callable>, std::decay_t<Arguments>...>;
 
 /// Does the same as qblSubmit(), but waits until the pool can accept the task.
-/// @param timeout  milliseconds, as for execute() of the pool; QBLWaitForever waits without limit
+/// @param timeout  milliseconds, a duration or a time point, as for execute() of the pool;
+///     QBLWaitForever waits without limit
 template <class Callable, class... Arguments>
 [[nodiscard]] std::future<QBLSubmitResult<Callable, Arguments...>> qblSubmitFor(
     QBLThreadExecuteRunnable& pool, unsigned long timeout, Callable&& callable,
@@ -67,6 +69,13 @@ template <class Callable, class... Arguments>
     QBLPoolTask::submit(pool, task, timeout);
     return future;
     QBL_ALLOC_CATCH
+}
+template <class Callable, class... Arguments>
+[[nodiscard]] std::future<QBLSubmitResult<Callable, Arguments...>> qblSubmitFor(
+    QBLThreadExecuteRunnable& pool, QBLMilliseconds timeout, Callable&& callable,
+    Arguments&&... arguments) {
+    return qblSubmitFor(pool, timeout.count(), std::forward<Callable>(callable),
+                        std::forward<Arguments>(arguments)...);
 }
 
 /// Runs a callable in any pool, and returns a future for its result. As std::async does, it copies

@@ -29,6 +29,12 @@ public:
     QBLThreadPoolVariable(unsigned long permanentWorkers, QBLMilliseconds defaultTimeout,
                           QBLMilliseconds idleTimeout)
         : QBLThreadPoolVariable(permanentWorkers, defaultTimeout.count(), idleTimeout.count()) {}
+    QBLThreadPoolVariable(unsigned long permanentWorkers, unsigned long defaultTimeout,
+                          QBLMilliseconds idleTimeout)
+        : QBLThreadPoolVariable(permanentWorkers, defaultTimeout, idleTimeout.count()) {}
+    QBLThreadPoolVariable(unsigned long permanentWorkers, QBLMilliseconds defaultTimeout,
+                          unsigned long idleTimeout)
+        : QBLThreadPoolVariable(permanentWorkers, defaultTimeout.count(), idleTimeout) {}
     /// Waits for the accepted tasks.
     ~QBLThreadPoolVariable() override;
 

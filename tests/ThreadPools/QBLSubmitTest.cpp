@@ -4,6 +4,7 @@
 #include <pthread.h>
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
@@ -58,7 +59,7 @@ TEST_F(QBLSubmitTest, ReturnsResultsOfAllKindsFromAllPools) {
         int target = 0;
         const auto same = [](int& i) -> int& { return i; };
         EXPECT_EQ(&target, &qblSubmitFor(*pool, QBLWaitForever, same, std::ref(target)).get());
-        qblSubmitFor(*pool, QBLWaitForever, [&target, held = m_held] { target = 5; }).get();
+        qblSubmitFor(*pool, std::chrono::hours(1), [&target, held = m_held] { target = 5; }).get();
         EXPECT_EQ(5, target);
         Gate ran;
         EXPECT_TRUE(qblExecute(
@@ -67,7 +68,7 @@ TEST_F(QBLSubmitTest, ReturnsResultsOfAllKindsFromAllPools) {
                 ran.open();
                 throw 5;
             },
-            QBLWaitForever));
+            std::chrono::hours(1)));
         EXPECT_TRUE(ran.wait());
     }
 }

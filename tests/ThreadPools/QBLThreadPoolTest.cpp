@@ -135,7 +135,7 @@ TEST_F(QBLThreadPoolTest, VariableGrowsWithItsTasksAndShrinksToThePermanentWorke
 }
 
 TEST_F(QBLThreadPoolTest, VariableLosesNoTaskWhenItsWorkersRetire) {
-    QBLThreadPoolVariable pool(0, 1000, 1);
+    QBLThreadPoolVariable pool(0, 1000, 1ms);
     Counting counting;
     for (int i = 1; i <= 400; ++i) {
         ASSERT_EQ(1, pool.execute(&counting, 0));
@@ -229,7 +229,7 @@ TEST_F(QBLThreadPoolTest, TasksDoNotInheritCancellationSettings) {
         }
     };
     QBLThreadPoolFixed fixed(1);
-    QBLThreadPoolVariable variable(1, 50, 1000);
+    QBLThreadPoolVariable variable(1, 50ms, 1000);
     QBLThreadPoolQueued queued(1, 0);
     for (QBLThreadPool* pool : Pools{&fixed, &variable, &queued})
         for (int i = 0; i < 2; ++i) {
