@@ -1,7 +1,6 @@
 #ifndef QBLCORE_THREADPOOLS_QBLSUBMIT_HPP
 #define QBLCORE_THREADPOOLS_QBLSUBMIT_HPP
 
-#include <functional>
 #include <future>
 #include <optional>
 #include <tuple>
@@ -39,9 +38,10 @@ private:
         m_call.reset();
         m_promise.set_exception(std::move(error));
     }
+    // std::apply() calls as std::invoke() does, but without <functional>, which is slow to compile.
     Result call() {
         const auto invoke = [](Callable& callable, Arguments&... arguments) -> Result {
-            return std::invoke(std::move(callable), std::move(arguments)...);
+            return std::apply(std::move(callable), std::forward_as_tuple(std::move(arguments)...));
         };
         return std::apply(invoke, *m_call);
     }

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <memory>
 
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
