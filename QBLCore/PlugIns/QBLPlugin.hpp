@@ -46,8 +46,8 @@ public:
     ~QBLPlugin();
 
     /// Returns a function of the plug-in.
-    /// @tparam Function  the type of the function, such as void(int), or of a pointer to it. Nobody
-    ///     checks that the function has this type.
+    /// @tparam Function  the type of the function, such as void(int), or of a pointer to it; may be
+    ///     noexcept. Nobody checks that the function has this type.
     /// @throws QBLPluginException 3, with the system's reason as its second message, if the plug-in
     ///     does not export the name; QBLOutOfMemoryError
     template <class Function>
@@ -93,6 +93,15 @@ public:
 private:
     QBLPlugin m_plugin;
     Result (*m_pFunction)(Arguments...);
+};
+
+/// The same for a function that is declared noexcept.
+///
+/// Threads: as with QBLPlugin.
+template <class Result, class... Arguments>
+class QBLPluginEntry<Result(Arguments...) noexcept> : public QBLPluginEntry<Result(Arguments...)> {
+public:
+    using QBLPluginEntry<Result(Arguments...)>::QBLPluginEntry;
 };
 
 /// The deleter of an object that QBLPlugin::own() returns. The fields are destroyed in reverse

@@ -31,7 +31,7 @@ TEST(QBLPluginTest, UnloadsAfterTheLastOwner) {
         auto start = QBLPlugin(copy.path).entry<void()>("faultsInitialize");
         start();
         std::shared_ptr<int> object = QBLPlugin(copy.path).own(std::make_unique<int>(5));
-        start = QBLPlugin(copy.path).entry<void (*)()>("faultsTerminate");
+        start = QBLPlugin(copy.path).entry<void (*)() noexcept>("faultsTerminate");
         start();
         EXPECT_TRUE(copy.isLoaded());
     }
