@@ -54,7 +54,7 @@ public:
     [[nodiscard]] QBLPluginEntry<std::remove_pointer_t<Function>> entry(const char* name) const;
 
     /// Shares the ownership of an object of the plug-in, so that the plug-in stays loaded until the
-    /// object is deleted.
+    /// object is deleted. If Deleter is a reference, the deleter must live that long, too.
     /// @throws QBLOutOfMemoryError after deleting the object
     template <class Object, class Deleter>
     [[nodiscard]] std::shared_ptr<Object> own(std::unique_ptr<Object, Deleter> object) const;
@@ -127,7 +127,7 @@ QBLPluginEntry<std::remove_pointer_t<Function>> QBLPlugin::entry(const char* nam
 template <class Object, class Deleter>
 std::shared_ptr<Object> QBLPlugin::own(std::unique_ptr<Object, Deleter> object) const {
     QBL_ALLOC_TRY
-    QBLPluginDeleter<std::decay_t<Deleter>> deleter{*this, std::move(object.get_deleter())};
+    QBLPluginDeleter<Deleter> deleter{*this, std::forward<Deleter>(object.get_deleter())};
     return std::shared_ptr<Object>(object.release(), std::move(deleter));
     QBL_ALLOC_CATCH
 }

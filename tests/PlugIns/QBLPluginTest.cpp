@@ -3,6 +3,8 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "examples/plugin/Faults.hpp"
 #include "tests/support/TempTree.hpp"
 #include "tests/support/ThrowChecks.hpp"
@@ -31,6 +33,10 @@ TEST(QBLPluginTest, UnloadsAfterTheLastOwner) {
         auto start = QBLPlugin(copy.path).entry<void()>("faultsInitialize");
         start();
         std::shared_ptr<int> object = QBLPlugin(copy.path).own(std::make_unique<int>(5));
+        std::function<void(int*)> deleter = std::default_delete<int>();
+        std::unique_ptr<int, decltype(deleter)&> other(new int(6), deleter);
+        object = QBLPlugin(copy.path).own(std::move(other));
+        EXPECT_TRUE(deleter) << "own() does not take the deleter of the caller";
         start = QBLPlugin(copy.path).entry<void (*)() noexcept>("faultsTerminate");
         start();
         EXPECT_TRUE(copy.isLoaded());
