@@ -49,7 +49,8 @@ TAV_CATCHES_UNWINDING std::string describe(const Throw& rethrow) {
     } catch (const QBLThrowable& error) {
         return qblWhat(error);
     } catch (const std::exception& error) {
-        return onOneLine(error.what());
+        const char* const text = error.what();
+        return onOneLine(text != nullptr ? text : currentType());
     } catch (const std::string& text) {
         return onOneLine(text);
     } catch (const char* text) {

@@ -11,7 +11,8 @@ class QBLThrowable;
 
 /// Returns one line of UTF-8 text that describes an exception of any type: QBLThrowable::format()
 /// in the default locales of QBLCatalogueSettings, the what() of a std::exception, or a thrown
-/// text. For an object of another type, returns "exception of type " and the name of the type.
+/// text. For an object of another type, and if what() is null, returns "exception of type " and the
+/// name of the type.
 /// Control characters become blanks. Returns an empty text for a null pointer, and outside of
 /// handlers.
 ///

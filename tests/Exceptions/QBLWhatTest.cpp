@@ -39,6 +39,10 @@ TEST(QBLWhatTest, DescribesWhateverWasThrown) {
     EXPECT_EQ("text", whatOf("text"));
     EXPECT_EQ("", whatOf<const char*>(nullptr));
     EXPECT_EQ("exception of type int", whatOf(42));
+    struct Silent : std::exception {
+        const char* what() const noexcept override { return nullptr; }
+    };
+    EXPECT_EQ(0U, whatOf(Silent()).find("exception of type QBLWhatTest"));
 }
 
 TEST(QBLStdBridgeTest, CarriesAThrowableThroughStdExceptions) {

@@ -14,6 +14,7 @@
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThreadResourceError.hpp"
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
+#include "QBLCore/Exceptions/QBLWhat.hpp"
 #include "QBLCore/ThreadPools/QBLTaskGroup.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
@@ -76,8 +77,8 @@ public:
                 workOnAll();
         } catch (QBLThrowable& error) {
             failure = messageOf(error);
-        } catch (const std::exception& error) {
-            failure = error.what();
+        } catch (const std::exception&) {
+            failure = qblWhat();
         }
         if (failure) {
             tools::MessageText texts(m_catalogue, m_options.locales);
@@ -196,8 +197,8 @@ private:
             body();
         } catch (QBLThrowable& error) {
             report.error(qblconvmsgs::convFailed(shown(path), messageOf(error)));
-        } catch (const std::exception& error) {
-            report.error(qblconvmsgs::convFailed(shown(path), error.what()));
+        } catch (const std::exception&) {
+            report.error(qblconvmsgs::convFailed(shown(path), qblWhat()));
         }
     }
 

@@ -8,6 +8,7 @@
 #include <new>
 
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
+#include "QBLCore/Exceptions/QBLWhat.hpp"
 #include "QBLCore/Frame/QBLCore.h"
 #include "i18n/cpp/i18n_init.h"
 #include "tools/common/BuiltInTexts.hpp"
@@ -41,8 +42,8 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "qblconv: %s\n", text != nullptr ? text : error.getThrowableName());
     } catch (const std::bad_alloc&) {
         std::fprintf(stderr, "qblconv: %s\n", tools::reason(ENOMEM).c_str());
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "qblconv: %s\n", error.what());
+    } catch (const std::exception&) {
+        std::fprintf(stderr, "qblconv: %s\n", qblWhat().c_str());
     }
     I18NTerminate();
     qblCoreTerminate();

@@ -5,6 +5,7 @@
 #include <new>
 
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
+#include "QBLCore/Exceptions/QBLWhat.hpp"
 #include "QBLCore/Frame/QBLCore.h"
 #include "tools/common/BuiltInTexts.hpp"
 #include "tools/common/Help.hpp"
@@ -81,8 +82,8 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "qblmsgc: %s\n", text != nullptr ? text : error.getThrowableName());
     } catch (const std::bad_alloc&) {
         std::fprintf(stderr, "qblmsgc: %s\n", tools::reason(ENOMEM).c_str());
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "qblmsgc: %s\n", error.what());
+    } catch (const std::exception&) {
+        std::fprintf(stderr, "qblmsgc: %s\n", qblWhat().c_str());
     }
     qblCoreTerminate();
     return status;
