@@ -2,10 +2,11 @@
 
 #include <cxxabi.h>
 
-#include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <memory>
 #include <new>
+#include <string_view>
 #include <typeinfo>
 #include <utility>
 
@@ -18,11 +19,26 @@ namespace {
 
 const char kOfType[] = "exception of type ";
 
-std::string onOneLine(std::string text) {
-    const auto isControl = [](char c) {
-        return static_cast<unsigned char>(c) < ' ' || c == '\x7f';
+/// Returns the number of bytes if the text begins with a control character or a line separator;
+/// otherwise 0.
+std::size_t breakLength(std::string_view text) {
+    const auto byte = [text](std::size_t i) {
+        return i < text.size() ? static_cast<unsigned char>(text[i]) : 0xffU;
     };
-    std::replace_if(text.begin(), text.end(), isControl, ' ');
+    if (byte(0) < 0x20 || byte(0) == 0x7f) return 1;
+    if (byte(0) == 0xc2 && byte(1) >= 0x80 && byte(1) <= 0x9f) return 2;
+    const std::string_view start = text.substr(0, 3);
+    return start == "\xe2\x80\xa8" || start == "\xe2\x80\xa9" ? 3 : 0;
+}
+
+std::string onOneLine(std::string text) {
+    std::size_t length = 0;
+    for (std::size_t i = 0; i < text.size(); ++length) {
+        const std::size_t skipped = breakLength(std::string_view(text).substr(i));
+        text[length] = skipped != 0 ? ' ' : text[i];
+        i += skipped != 0 ? skipped : 1;
+    }
+    text.resize(length);
     return text;
 }
 

@@ -13,8 +13,8 @@ class QBLThrowable;
 /// in the default locales of QBLCatalogueSettings, the what() of a std::exception, or a thrown
 /// text. For an object of another type, and if what() is null, returns "exception of type " and the
 /// name of the type.
-/// Control characters become blanks. Returns an empty text for a null pointer, and outside of
-/// handlers.
+/// Each control character becomes a blank, and so does each line or paragraph separator (U+2028,
+/// U+2029). Returns an empty text for a null pointer, and outside of handlers.
 ///
 ///     catch (...) { std::cerr << qblWhat() << '\n'; }
 ///

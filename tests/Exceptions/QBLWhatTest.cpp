@@ -37,6 +37,8 @@ TEST(QBLWhatTest, DescribesWhateverWasThrown) {
     EXPECT_EQ(QBLError(constant).toString(), qblXml(constant));
     EXPECT_EQ("std", whatOf(std::runtime_error("std")));
     EXPECT_EQ("text", whatOf("text"));
+    EXPECT_EQ("a b c d e\u00a0\u2027f g\xc2",
+              whatOf("a\u0080b\u009fc\u2028d\u2029e\u00a0\u2027f\x7fg\xc2"));
     EXPECT_EQ("", whatOf<const char*>(nullptr));
     EXPECT_EQ("exception of type int", whatOf(42));
     struct Silent : std::exception {
