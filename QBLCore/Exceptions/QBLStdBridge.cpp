@@ -43,23 +43,34 @@ void QBLStdBridge::release() noexcept {
     if (m_pShared->holders.fetch_sub(1, std::memory_order_acq_rel) == 1) delete m_pShared;
 }
 
-TAV_CATCHES_UNWINDING void qblToStd(const QBLFileLocation& where) {
+namespace {
+
+/// For handlers of exceptions that are not a std::exception.
+[[noreturn]] void throwBridge(const QBLFileLocation& where) {
     try {
-        try {
-            throw;
-        } catch (abi::__forced_unwind&) {
-            throw;
-        } catch (const std::exception&) {
-            throw;
-        } catch (...) {
-            qblRethrowTranslated(where);
-        }
-    } catch (QBLThrowable& error) {
+        qblRethrowTranslated(where);
+    } catch (const QBLThrowable& error) {
         try {
             throw QBLStdBridge(error);
         } catch (const QBLThrowable&) {  // cloning a throwable with messages lacked memory
             throw std::bad_alloc();
         }
+    }
+}
+
+}  // namespace
+
+// A class may be both a std::exception and a throwable, so no handler for throwables encloses the
+// `throw` of a std::exception.
+TAV_CATCHES_UNWINDING void qblToStd(const QBLFileLocation& where) {
+    try {
+        throw;
+    } catch (abi::__forced_unwind&) {
+        throw;
+    } catch (const std::exception&) {
+        throw;
+    } catch (...) {
+        throwBridge(where);
     }
 }
 

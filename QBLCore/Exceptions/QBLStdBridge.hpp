@@ -37,9 +37,10 @@ private:
 };
 
 /// For handlers: rethrows the current exception as a std::exception. A throwable becomes a
-/// QBLStdBridge, with a trace entry for the place. A std::exception passes through unchanged, and
-/// so does a thread's cancellation or exit. Any other type becomes a QBLStdBridge with a
-/// QBLUnknownError. If there is no memory for the bridge, throws std::bad_alloc.
+/// QBLStdBridge, with a trace entry for the place. A std::exception passes through unchanged, also
+/// if its class is a throwable, too, and so does a thread's cancellation or exit. Any other type
+/// becomes a QBLStdBridge with a QBLUnknownError. If there is no memory for the bridge, throws
+/// std::bad_alloc.
 /// @param where  the place for the back-trace; by default, the place of the call
 ///
 /// Threads: any thread may call these functions.

@@ -103,6 +103,20 @@ TEST(QBLStdBridgeTest, CarriesAThrowableThroughStdExceptions) {
     EXPECT_EQ(0, pthread_join(thread, nullptr));
 }
 
+TEST(QBLStdBridgeTest, KeepsAThrowableThatIsAStdException) {
+    struct Both : std::runtime_error, QBLError {
+        Both() : std::runtime_error("std"), QBLError(1, "own") {}
+    };
+    const auto cross = [] {
+        try {
+            throw Both();
+        } catch (...) {
+            qblToStd();
+        }
+    };
+    EXPECT_THROW(cross(), Both);
+}
+
 TEST(QBLErrorCodeTest, CodesCompareWithStandardConditions) {
     QBLFmFile file;
     EXPECT_FALSE(file.open("/nowhere/file", QBLFmFile::createmode(0), 1));
