@@ -24,6 +24,9 @@
 /// A program that the process starts inherits the blocked signals: unblock them between fork(2) and
 /// exec(3), or with posix_spawnattr_setsigmask(3).
 ///
+/// Destroy waiters for the same signal in the reverse order of their construction; otherwise the
+/// first one unblocks the signal while another one still exists.
+///
 /// Threads: any thread may wait. The thread that constructs the object must also destroy it.
 ///
 ///     QBLSignalWaiter stop;  // SIGINT and SIGTERM
