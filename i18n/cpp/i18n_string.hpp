@@ -543,6 +543,7 @@ private:
     bool has(Place place, const I18NString& text) const;
     static const I18NString& wanted(const I18NString& text) { return text; }
     static I18NString wanted(wchar_t c) { return I18NString(1, c); }
+    static std::string_view wanted(std::nullptr_t) { return std::string_view(); }
     static std::string_view wanted(const char* utf8) {
         return utf8 != nullptr ? std::string_view(utf8) : std::string_view();
     }

@@ -107,6 +107,7 @@ TEST(I18NStdTextTest, ComparesAndSearchesAsWithAString) {
     const auto text = "plain \u00E9"_i18n;
     EXPECT_TRUE(text.ends_with(L'\u00E9') && text.contains(u"n e\u0301") && !text.contains('q'));
     EXPECT_TRUE(text.starts_with(static_cast<const char*>(nullptr)) && !text.ends_with(kNul));
+    EXPECT_TRUE(text.starts_with(nullptr) && text.ends_with(nullptr) && text.contains(nullptr));
     EXPECT_FALSE(I18NString("a") == kNul || I18NString("a") == std::u32string_view(U"a\0", 2));
 }
 
