@@ -684,6 +684,9 @@ struct std::hash<I18NString> {
 ///     std::unordered_map<I18NString, int, I18NTextHash, std::equal_to<>> counts;
 ///     counts.find("word");
 ///
+/// The hash of UTF-8 is the hash of its form C. So a key with useNormalization(false) that is not
+/// in form C equals its own UTF-8, but is found only by an I18NString with the same code units.
+///
 /// Threads: any thread may call it.
 struct I18NTextHash {
     typedef void is_transparent;
