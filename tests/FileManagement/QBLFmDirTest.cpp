@@ -19,7 +19,6 @@
 #include "QBLCore/FileManagement/skipRootPath.hpp"
 #include "i18n/cpp/i18n_string.hpp"
 #include "tests/support/Child.hpp"
-#include "tests/support/FaultInjection.hpp"
 #include "tests/support/TempTree.hpp"
 #include "tests/support/ThrowChecks.hpp"
 #include "tests/support/Workers.hpp"
@@ -287,20 +286,6 @@ TEST(QBLFmDirTest, NeverReusesATemporaryName) {
     EXPECT_FALSE(QBLFmDir::createTempDir(tree.root(), "no/such/dir", path))
         << "gives up after 500 attempts";
     EXPECT_EQ("499", path.substr(path.size() - 3));
-}
-
-TEST(QBLFmDirTest, FailsIfThereIsNoMemoryForATemporaryName) {
-    TempTree tree;
-    const char prefix[] = "too long for a string to keep it inside";
-    const I18NString dir(tree.root()), same(prefix);
-    const long failures = fault::eachAllocation([&] {
-        std::string path;
-        I18NString made;
-        const bool done = QBLFmDir::createTempFile(tree.root(), prefix, path) &&
-                          QBLFmDir::createTempFile(&dir, &same, made);
-        EXPECT_TRUE(done || errno == ENOMEM) << errno;
-    });
-    EXPECT_GT(failures, 0);
 }
 
 TEST(QBLFmDirTest, PrivateTemporaryNamesAreUnpredictable) {

@@ -11,7 +11,6 @@
 
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/FileManagement/QBLFmDirectory.hpp"
-#include "tests/support/FaultInjection.hpp"
 #include "tests/support/TempTree.hpp"
 #include "tests/support/ThrowChecks.hpp"
 
@@ -95,17 +94,4 @@ TEST(QBLFmEntriesTest, GoesOnAfterADirectoryThatItCannotOpen) {
     setrlimit(RLIMIT_NOFILE, &before);
     ASSERT_EQ(2U, found.size());
     EXPECT_TRUE(found[0].getErrorNumber() == EMFILE && found[1].getErrorNumber() == EMFILE);
-}
-
-TEST(QBLFmEntriesTest, SurvivesExhaustedMemory) {
-    const TempTree tree;
-    tree.dir("a-directory-with-a-long-name/another-directory-with-a-long-name");
-    const long failures = fault::eachAllocation([&] {
-        try {
-            EXPECT_EQ(2U, list(QBLFmEntries(tree.root(), QBLFmEntries::kRecursive)).size());
-        } catch (const QBLOutOfMemoryError&) {
-        } catch (const std::bad_alloc&) {  // from list()
-        }
-    });
-    EXPECT_GT(failures, 4);
 }

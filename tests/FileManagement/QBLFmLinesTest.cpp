@@ -11,7 +11,6 @@
 #include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/i18n_text_stream.hpp"
-#include "tests/support/FaultInjection.hpp"
 #include "tests/support/TempTree.hpp"
 #include "tests/support/ThrowChecks.hpp"
 
@@ -84,28 +83,4 @@ TEST(QBLFmLinesTest, ReportsWhatItCannotRead) {
     EXPECT_THROW(QBLFmLines(std::string("/\0x", 3)), QBLSystemError);
     EXPECT_THROW(QBLFmLines(tree.file("x"), "no-such-encoding"), I18NRuntimeError);
     EXPECT_THROW(read(tree.root()), QBLSystemError) << "a directory";
-    const std::string path = tree.file("long", std::string(70000, 'x') + "\n");
-    fault::failCall(fault::kRead, 1, EIO);
-    QBLFmLines lines(path);
-    EXPECT_THROW(rest(lines), QBLSystemError);
-    EXPECT_EQ(Lines(), rest(lines)) << "the cut line must not look like a whole one";
-}
-
-TEST(QBLFmLinesTest, DeliversOnlyWholeLinesIfMemoryIsExhausted) {
-    const TempTree tree;
-    const std::string path = tree.file("long", std::string(70000, 'x') + "\n" + "short");
-    const long failures = fault::eachAllocation([&] {
-        bool failed = false;
-        try {
-            QBLFmLines lines(path.c_str());
-            for (int tries = 0; tries < 3; ++tries) try {
-                    for (const std::string_view line : lines)
-                        EXPECT_TRUE(!failed && (line.size() == 70000 || line == "short"));
-                } catch (const QBLOutOfMemoryError&) {
-                    failed = true;
-                }
-        } catch (const QBLOutOfMemoryError&) {
-        }
-    });
-    EXPECT_GT(failures, 4);
 }

@@ -10,8 +10,8 @@
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
 #include "QBLCore/Threads/QBLThread.hpp"
+#include "tests/faults/Injector.hpp"
 #include "tests/support/Child.hpp"
-#include "tests/support/FaultInjection.hpp"
 #include "tests/support/Workers.hpp"
 
 namespace {

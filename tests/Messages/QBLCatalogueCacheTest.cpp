@@ -7,8 +7,8 @@
 
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
 #include "QBLCore/Messages/QBLMessage.hpp"
+#include "tests/faults/Injector.hpp"
 #include "tests/support/BmfFile.hpp"
-#include "tests/support/FaultInjection.hpp"
 #include "tests/support/TempTree.hpp"
 #include "tests/support/Workers.hpp"
 
@@ -26,7 +26,7 @@ std::string shown(const std::string& base) {
 
 /// Returns true if a message is formatted without reading a file.
 bool isKept(const std::string& base) {
-    const unsigned long before = fault::seen(fault::kRead);
+    const long before = fault::seen(fault::kRead);
     return shown(base) != "XML" && fault::seen(fault::kRead) == before;
 }
 

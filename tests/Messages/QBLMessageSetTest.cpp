@@ -9,7 +9,6 @@
 #include "QBLCore/Messages/QBLMessageComponents.hpp"
 #include "QBLCore/Messages/QBLMessageString.hpp"
 #include "i18n/cpp/i18n_string.hpp"
-#include "tests/support/FaultInjection.hpp"
 #include "tests/support/ThrowChecks.hpp"
 
 namespace {
@@ -55,23 +54,6 @@ TEST(QBLMessageSetTest, OwnsItsMessagesAndKeepsTheirOrder) {
     I18NString nothing;
     copy.toString("en", nullptr, nothing, 0);
     EXPECT_TRUE(nothing.empty());
-}
-
-TEST(QBLMessageSetTest, IsUnchangedWhenMemoryRunsOut) {
-    QBLMessageSet source, set;
-    QBLMessageComponents components(5);
-    components << 1 << "a text that is too long to be stored inline";
-    source << components << components;
-    set << QBLMessageString("before");
-    fault::eachAllocation([&] {
-        try {
-            set.copy(source);
-            EXPECT_EQ(2U, set.getMessageCount());
-        } catch (const QBLThrowable& error) {
-            EXPECT_STREQ("QBLOutOfMemoryError", error.getThrowableName());
-            EXPECT_EQ("before", formatted(set));
-        }
-    });
 }
 
 TEST(QBLExceptionTest, CarriesItsMessagesAndShowsThemAsXml) {

@@ -6,7 +6,6 @@
 
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/ObjectFactory/QBLObjectFactoryItem.hpp"
-#include "tests/support/FaultInjection.hpp"
 #include "tests/support/ThrowChecks.hpp"
 #include "tests/support/Workers.hpp"
 
@@ -156,28 +155,4 @@ TEST(QBLObjectFactoryTest, ServesThreadsThatRegisterCreateAndRelease) {
         }
     }).join();
     EXPECT_EQ(0, shared);
-}
-
-TEST(QBLObjectFactoryTest, StaysUsableWhenMemoryRunsOut) {
-    const long failures = fault::eachAllocation([] {
-        try {
-            QBLObjectFactory factory;
-            factory.registerClass(g_id, &Item::make);
-            for (int attempt = 0; attempt < 2; ++attempt) {
-                try {
-                    factory.createObject(g_id)->release();
-                } catch (const QBLThrowable& error) {
-                    EXPECT_STREQ("QBLOutOfMemoryError", error.getThrowableName());
-                    factory.createObject(g_id)->release();  // only one allocation fails
-                }
-                factory.unregisterClass(g_id);
-                factory.registerClass(g_id, &Item::make);
-            }
-        } catch (const QBLThrowable& error) {
-            EXPECT_STREQ("QBLOutOfMemoryError", error.getThrowableName());
-        } catch (const std::bad_alloc&) {  // from the test's creator
-        }
-    });
-    EXPECT_GT(failures, 3);
-    EXPECT_EQ(0, g_alive);
 }

@@ -5,7 +5,6 @@
 
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
 #include "tests/support/BmfFile.hpp"
-#include "tests/support/FaultInjection.hpp"
 #include "tests/support/TempTree.hpp"
 
 namespace {
@@ -99,20 +98,4 @@ TEST(QBLResourceBMFTest, MalformedFilesNeverCauseReadsOutOfBounds) {
     ASSERT_TRUE(isOpened(resource, tree, open.replace(16 + 8, 4, bigEndian(4))));
     EXPECT_EQ("five", resourceText(resource, 5));
     EXPECT_EQ("none", resourceText(resource, 0x7FFFFFFF)) << "the text is outside of the block";
-}
-
-TEST(QBLResourceBMFTest, ExhaustedMemoryClosesTheFile) {
-    TempTree tree;
-    const std::string bytes = bmfBytes(kTexts);
-    fault::eachAllocation([&] {
-        QBLResourceBMF resource(1);
-        try {
-            EXPECT_TRUE(isOpened(resource, tree, bytes));
-        } catch (const std::bad_alloc&) {
-            // from the test's own strings
-        } catch (const QBLThrowable& error) {
-            EXPECT_STREQ("QBLOutOfMemoryError", error.getThrowableName());
-            EXPECT_FALSE(resource.isOpen());
-        }
-    });
 }

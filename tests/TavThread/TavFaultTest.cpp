@@ -8,7 +8,7 @@
 #include "TavThread/TavStateTrap.h"
 #include "TavThread/TavThreadKey.h"
 #include "tests/TavThread/TavSupport.hpp"
-#include "tests/support/FaultInjection.hpp"
+#include "tests/faults/Injector.hpp"
 
 namespace {
 
@@ -64,6 +64,7 @@ TEST(TavFaultTest, CreateFunctionsReportAFailedAllocation) {
     Layer layer;
     for (const Creation& creation :
          {kMutex, kSemaphore, kCondition, kEvent, kRWLock, kKey, kTrap, kThread}) {
+        creation.run();  // the C library keeps the stack of the thread
         const long failures = fault::eachAllocation([&] {
             const int rc = creation.run();
             EXPECT_EQ(fault::allocationFailed() ? TAVTHREAD_NOMEM : TAVTHREAD_OK, rc)

@@ -5,7 +5,7 @@
 #include "TavThread/TavMutex.h"
 #include "TavThread/shared/TavMutexRecord.hpp"
 #include "tests/TavThread/TavSupport.hpp"
-#include "tests/support/FaultInjection.hpp"
+#include "tests/faults/Injector.hpp"
 
 extern "C" int tavCalledFromC(void);
 
@@ -170,7 +170,7 @@ TEST(TavConditionTest, HandsOverUnderTheMutex) {
     EXPECT_GE(watch.ms(), 29.0);
     EXPECT_EQ(EBUSY, pthread_mutex_trylock(&m)) << "the wait locks the mutex again after a timeout";
     for (const int err : {EPERM, ENOSYS}) {
-        fault::failCall(fault::kClockRead, 0, err);
+        fault::failCall(fault::kTimeOfDay, 0, err);
         EXPECT_EQ(TAVTHREAD_NOTSUPPORTED, tavXConditionTimedWait(cv, &m, 1));
     }
     pthread_mutex_unlock(&m);

@@ -17,7 +17,6 @@
 #include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolVariable.hpp"
 #include "QBLCore/Threads/QBLCallableThread.hpp"
-#include "tests/support/FaultInjection.hpp"
 #include "tests/support/ThrowChecks.hpp"
 #include "tests/support/Workers.hpp"
 
@@ -119,33 +118,6 @@ TEST_F(QBLSubmitTest, FuturesOfDroppedTasksBecomeReady) {
         QBL_EXPECT_THROW(future.get(), QBLIllegalStateError,
                          "qblSubmit: the pool was destroyed and dropped the task");
     EXPECT_TRUE(kept.get()) << "a task of another pool was dropped";
-}
-
-TEST_F(QBLSubmitTest, SurvivesExhaustedMemory) {
-    Direct direct;
-    for (bool refusing : {false, true}) {
-        direct.refusing = refusing;
-        EXPECT_LT(0, fault::eachAllocation([&] {
-                      try {
-                          qblSubmit(direct, [held = m_held] {
-                              QBL_THROW(QBLIllegalStateError(5, "x"));
-                          }).get();
-                          ADD_FAILURE() << "nothing thrown";
-                      } catch (const std::bad_alloc&) {  // from the callable
-                      } catch (const QBLThrowable&) {
-                      }
-                  }));
-    }
-    fault::eachAllocation([this] {
-        std::future<void> future;
-        try {
-            QBLThreadPoolQueued pool(1, 0, 0);
-            qblExecute(pool, [held = m_held] {});
-            future = qblSubmit(pool, [held = m_held] {});
-        } catch (const QBLThrowable&) {
-        }
-        if (future.valid()) future.wait();  // the task ran or was dropped
-    });
 }
 
 TEST_F(QBLSubmitTest, GroupsStopAndThreadsRunCallables) {

@@ -17,7 +17,7 @@
 #include "QBLCore/ThreadPools/QBLThreadPoolFixed.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolVariable.hpp"
-#include "tests/support/FaultInjection.hpp"
+#include "tests/faults/Injector.hpp"
 #include "tests/support/ThrowChecks.hpp"
 #include "tests/support/Workers.hpp"
 
@@ -152,23 +152,4 @@ TEST_F(QBLTaskGroupTest, DestructorCompletesEvenIfThreadsEnd) {
     round.release.open();
     pthread_join(handle, nullptr);
     EXPECT_EQ(2, round.ran);
-}
-
-TEST_F(QBLTaskGroupTest, SurvivesThreadExitAndExhaustedMemory) {
-    QBLThreadPoolVariable pool(1, 1000, 1);
-    QBLTaskGroup group(pool);
-    group.run([] { pthread_exit(nullptr); });
-    group.wait();
-    Refusing none;
-    QBLTaskGroup failing(none);
-    fault::eachAllocation([&] {
-        try {
-            failing.run([] { QBL_THROW(QBLIllegalStateError(5, "a text of its own")); });
-            failing.wait();
-            ADD_FAILURE() << "nothing thrown";
-        } catch (const QBLThrowable& error) {
-            EXPECT_TRUE(dynamic_cast<const QBLIllegalStateError*>(&error) != nullptr ||
-                        error.getThrowableName() == std::string("QBLOutOfMemoryError"));
-        }
-    });
 }

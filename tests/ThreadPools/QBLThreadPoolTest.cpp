@@ -19,7 +19,7 @@
 #include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolVariable.hpp"
 #include "QBLCore/Threads/QBLThread.hpp"
-#include "tests/support/FaultInjection.hpp"
+#include "tests/faults/Injector.hpp"
 #include "tests/support/ThrowChecks.hpp"
 #include "tests/support/Workers.hpp"
 
@@ -378,36 +378,6 @@ TEST_F(QBLThreadPoolTest, QueuedFinishesOrDropsQueuedTasksAsConfigured) {
         pool.reset();
         EXPECT_EQ(finish != 0 ? 10 : 0, counting.runs);
         EXPECT_EQ(1, blocking.ended);
-    }
-}
-
-TEST_F(QBLThreadPoolTest, FailedConstructionLeavesNoThread) {
-    for (int kind : {0, 2}) {
-        const long failed = fault::eachAllocation([&] {
-            try {
-                make(kind);
-            } catch (QBLThrowable&) {
-            } catch (const std::bad_alloc&) {  // thrown by make_unique in make()
-            }
-        });
-        EXPECT_GT(failed, 4);
-        fault::failCall(fault::kThreadCreate, 1, EAGAIN);
-        QBL_EXPECT_THROW(make(kind), QBLThreadResourceError, nullptr);
-    }
-    const std::function<void()> constructions[] = {[] { QBLThreadPoolFixed pool(1); },
-                                                   [] { QBLThreadPoolVariable pool(1, 0, 0); },
-                                                   [] { QBLThreadPoolQueued pool(1, 1); }};
-    for (const auto& construct : constructions) {
-        bool refused = false;
-        fault::exhaustMemory(true);
-        try {
-            construct();
-        } catch (const QBLOutOfMemoryError&) {
-            refused = true;
-        } catch (const std::bad_alloc&) {
-        }
-        fault::exhaustMemory(false);
-        EXPECT_TRUE(refused) << &construct - constructions;
     }
 }
 

@@ -9,7 +9,7 @@
 
 #include "QBLCore/Threads/QBLThreadInit.hpp"
 #include "QBLCore/Threads/QBLThreadProcess.h"
-#include "tests/support/FaultInjection.hpp"
+#include "tests/faults/Injector.hpp"
 #include "tests/support/ThrowChecks.hpp"
 #include "tests/support/Workers.hpp"
 

@@ -8,8 +8,8 @@
 
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Types/internal/QBLDBTypeTables.hpp"
+#include "tests/faults/Injector.hpp"
 #include "tests/support/Child.hpp"
-#include "tests/support/FaultInjection.hpp"
 #include "tests/support/Workers.hpp"
 
 namespace {

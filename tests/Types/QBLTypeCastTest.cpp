@@ -14,7 +14,7 @@
 
 #include "i18n/cpp/i18n_string.hpp"
 #include "tests/Types/CommaLocale.hpp"
-#include "tests/support/FaultInjection.hpp"
+#include "tests/faults/Injector.hpp"
 #include "tests/support/Workers.hpp"
 
 namespace {

@@ -8,7 +8,6 @@
 #include <typeindex>
 
 #include "QBLCore/Types/QBLVariantValues.hpp"
-#include "tests/support/FaultInjection.hpp"
 
 namespace {
 
@@ -129,16 +128,4 @@ TEST(QBLVariantTest, KeepsItsStringForAnySizeTag) {
     variant.clear();
     EXPECT_STREQ("kept", own) << "the variant does not free a pointer value";
     delete[] own;
-}
-
-TEST(QBLVariantTest, HasNoTypeAfterAFailedAllocation) {
-    QBLVariant source, target;
-    source.setValue("text", 0);
-    for (const bool assigned : {false, true}) {
-        target.setValue("before", 0);
-        fault::failAllocation(0);
-        EXPECT_TRUE(assigned ? &(target = source) == &target : !target.setValue("text", 0));
-        EXPECT_TRUE(fault::allocationFailed() && target == QBLVariant());
-    }
-    EXPECT_EQ("text", shown(target = source));
 }

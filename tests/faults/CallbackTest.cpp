@@ -3,26 +3,10 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
 
-#include <functional>
 #include <memory>
-#include <string>
 
-#include "QBLCore/Exceptions/QBLThrowable.hpp"
-#include "QBLCore/Frame/QBLCore.h"
-#include "QBLCore/Frame/QBLList.hpp"
-#include "QBLCore/ObjectFactory/QBLObjectFactory.hpp"
-#include "QBLCore/ObjectFactory/QBLObjectFactoryItem.hpp"
-#include "QBLCore/PlugIns/QBLPluginLibraryLoader.hpp"
-#include "QBLCore/ThreadPools/QBLExecute.hpp"
-#include "QBLCore/ThreadPools/QBLSubmit.hpp"
-#include "QBLCore/ThreadPools/QBLTaskGroup.hpp"
-#include "QBLCore/ThreadPools/QBLThreadPoolFixed.hpp"
-#include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
-#include "QBLCore/ThreadPools/QBLThreadPoolVariable.hpp"
-#include "QBLCore/Threads/QBLCallableThread.hpp"
-#include "i18n/cpp/i18n_converter.hpp"
-#include "i18n/cpp/i18n_text_stream.hpp"
-#include "tests/faults/Attempt.hpp"
+#include "tests/faults/Rows.hpp"
+#include "tests/support/Library.hpp"
 
 namespace {
 
@@ -52,11 +36,10 @@ std::string print(const QBLList<Value>& list) {
 }
 
 template <class Change>
-std::string changedList(Change change) {
+void changeList(Change change) {
     QBLList<Value> list;
     for (int i = 0; i < 3; ++i) list.emplace_back(i);
-    faults::changed(list, print, change);
-    return "done";
+    fault::changed(list, print, change);
 }
 
 char g_class[] = "class";
@@ -77,7 +60,7 @@ public:
     bool cleans = true;
 };
 
-std::string createItem(bool endsInCreator) {
+void createItem(bool endsInCreator) {
     g_endsInCreator = endsInCreator;
     QBLObjectFactory factory;
     factory.registerClass(g_class, &Item::make);
@@ -88,7 +71,6 @@ std::string createItem(bool endsInCreator) {
     const std::unique_ptr<Item, decltype(again)> item(
         static_cast<Item*>(factory.createObject(g_class)), again);
     item->release();
-    return "done";
 }
 
 char* allocate(void* /*context*/, char* block, int size, int* error) {
@@ -100,54 +82,52 @@ struct Listener : I18NTextStreamListener {
     void unconvertible(const I18NUnconvertible& /*what*/) override { end(); }
 };
 
-std::string inThread(const std::function<void()>& code) {
+template <class Code>
+void runInThread(Code code) {
     QBLCallableThread thread(code);
     thread.start();
     thread.join();
-    return "done";
 }
 
 template <class Pool, unsigned long... kArguments>
-std::string submitted() {
+void submit() {
     Pool pool(kArguments...);
     qblSubmit(pool, [] { end(); }).get();
-    return "done";
 }
 
 template <class Pool, unsigned long... kArguments>
-std::string grouped() {
+void group() {
     Pool pool(kArguments...);
-    QBLTaskGroup group(pool);
-    for (int i = 0; i < 3; ++i) group.run([] { end(); });
-    group.wait();
-    return "done";
+    QBLTaskGroup pieces(pool);
+    for (int i = 0; i < 3; ++i) pieces.run([] { end(); });
+    pieces.wait();
 }
 
 const struct {
     const char* name;
-    std::string (*run)();
+    void (*run)();
     const char *thrown, *exited;  // the results; "passed" and "ended" mean that it leaves run()
 } kTable[] = {
     {"QBLList.push_back",
      [] {
          const Value value(7);
-         return changedList([&](QBLList<Value>& list) { list.push_back(value); });
+         changeList([&](QBLList<Value>& list) { list.push_back(value); });
      },
      "passed", "ended"},
     {"QBLList.insert",
      [] {
          const Value value(7);
-         return changedList([&](QBLList<Value>& list) { list.insert(++list.begin(), value); });
+         changeList([&](QBLList<Value>& list) { list.insert(++list.begin(), value); });
      },
      "passed", "ended"},
     {"QBLList.assign",
      [] {
          const Value values[] = {Value(7), Value(8)};
-         return changedList([&](QBLList<Value>& list) { list.assign(values, values + 2); });
+         changeList([&](QBLList<Value>& list) { list.assign(values, values + 2); });
      },
      "passed", "ended"},
-    {"QBLObjectFactory.creator", [] { return createItem(true); }, "passed", "ended"},
-    {"QBLObjectFactory.cleanObject", [] { return createItem(false); }, "passed", "ended"},
+    {"QBLObjectFactory.creator", [] { createItem(true); }, "passed", "ended"},
+    {"QBLObjectFactory.cleanObject", [] { createItem(false); }, "passed", "ended"},
     {"I18NStringAllocator",
      [] {
          const I18NConverter converter("UTF-8");
@@ -156,7 +136,6 @@ const struct {
          int size = 0;
          converter.fromUnicode(&bytes, &size, u"text", &allocate);
          owner.reset(bytes);
-         return std::string("done");
      },
      "QBLUnknownError", "ended"},
     {"I18NTextStreamListener",
@@ -166,35 +145,30 @@ const struct {
          I18NTextStream stream(&utf8, &ascii, I18N_MARK_KEEP, &listener);
          stream.put("a\u65E5", 4);
          stream.finish();
-         return std::string("done");
      },
      "passed", "ended"},
     {"QBLPluginLibraryLoader.initialize",
      [] {
          QBLPluginLibraryLoader::initialize(nullptr, &end);
          QBLPluginLibraryLoader::terminate(nullptr, &end);
-         return std::string("done");
      },
      "passed", "ended"},
-    {"QBLCallableThread", [] { return inThread(&end); }, "done", "done"},
-    {"QBLThread.atExit", [] { return inThread([] { QBLThread::atExit(&end, 1); }); }, "done",
-     "done"},
-    {"qblSubmit.fixed", submitted<QBLThreadPoolFixed, 2>, "passed", "QBLThreadResourceError"},
-    {"qblSubmit.queued", submitted<QBLThreadPoolQueued, 2, 8>, "passed", "QBLThreadResourceError"},
-    {"QBLTaskGroup.queued", grouped<QBLThreadPoolQueued, 2, 8>, "QBLUnknownError", "done"},
+    {"QBLCallableThread", [] { runInThread(&end); }, "done", "done"},
+    {"QBLThread.atExit", [] { runInThread([] { QBLThread::atExit(&end, 1); }); }, "done", "done"},
+    {"qblSubmit.fixed", submit<QBLThreadPoolFixed, 2>, "passed", "QBLThreadResourceError"},
+    {"qblSubmit.queued", submit<QBLThreadPoolQueued, 2, 8>, "passed", "QBLThreadResourceError"},
+    {"QBLTaskGroup.queued", group<QBLThreadPoolQueued, 2, 8>, "QBLUnknownError", "done"},
     {"qblSubmit.callable",
      [] {
          QBLThreadPoolQueued pool(1, 8);
          const auto task = [value = Value(7)] { return value.text.size(); };
          qblSubmit(pool, task).get();
-         return std::string("done");
      },
      "QBLUnknownError", "ended"},
     {"qblSubmit.result",
      [] {
          QBLThreadPoolQueued pool(1, 8);
          qblSubmit(pool, [value = std::make_shared<Value>(7)] { return *value; }).get();
-         return std::string("done");
      },
      "passed", "QBLThreadResourceError"},
     {"QBLTaskGroup.callable",
@@ -204,7 +178,6 @@ const struct {
          const auto task = [value = Value(7)] { static_cast<void>(value); };
          group.run(task);
          group.wait();
-         return std::string("done");
      },
      "QBLUnknownError", "ended"},
     {"I18NUserOutputCallback",
@@ -218,7 +191,7 @@ const struct {
              });
          char bytes[8];
          ascii.fromUnicode(bytes, sizeof bytes, u"a\u65E5");
-         return std::string(bytes) == "a?" ? std::string("done") : std::string(bytes);
+         if (std::string(bytes) != "a?") throw fault::Broken{bytes};
      },
      "I18NRuntimeError", "ended"},
     {"qblExecute",
@@ -227,23 +200,23 @@ const struct {
          for (int i = 0; i < 3; ++i)
              if (!qblExecute(
                      pool, [] { end(); }, 1000))
-                 return std::string("refused");
-         return std::string("done");
+                 throw fault::Broken{"refused"};
      },
      "done", "done"},
 };
 
 struct Job {
-    std::string (*run)();
+    void (*run)();
     std::string result = "ended";
 
     static void* start(void* given) {
         Job& job = *static_cast<Job*>(given);
         try {
-            job.result = job.run();
+            job.run();
+            job.result = "done";
         } catch (const UserError&) {
             job.result = "passed";
-        } catch (const faults::Broken& broken) {
+        } catch (const fault::Broken& broken) {
             job.result = broken.what;
         } catch (const QBLThrowable& error) {
             job.result = error.getThrowableName();
@@ -252,7 +225,7 @@ struct Job {
     }
 };
 
-std::string resultOf(std::string (*run)(), void (*how)()) {
+std::string resultOf(void (*run)(), void (*how)()) {
     g_end = how;
     Job job{run};
     pthread_t thread;
@@ -274,7 +247,7 @@ TEST(Callbacks, EndByExceptionOrThreadExit) {
             for (long& blocks : live) {
                 EXPECT_EQ(throws ? row.thrown : row.exited, resultOf(row.run, how));
                 EXPECT_EQ("done", resultOf(row.run, nullptr));
-                blocks = faults::liveBlocks();
+                blocks = fault::liveBlocks();
                 if (HasFailure()) return;
             }
             EXPECT_FALSE(live[0] < live[1] && live[1] < live[2] && live[2] < live[3])

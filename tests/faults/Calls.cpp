@@ -1,4 +1,4 @@
-#include "tests/faults/Calls.hpp"
+#include "tests/faults/Injector.hpp"
 
 #include <dirent.h>
 #include <dlfcn.h>
@@ -18,18 +18,16 @@
 #include <cerrno>
 #include <cstdarg>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 #include <ctime>
-
-#include "tests/faults/Injector.hpp"
+#include <new>
 
 // NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming): its name
 extern "C" [[gnu::weak]] void __asan_handle_no_return();
 
 namespace {
 
-using faults::Disaster;
+using fault::Disaster;
 
 constexpr std::uint64_t kManyInodes = std::uint64_t{1} << 40;
 constexpr std::int64_t kManySeconds = std::int64_t{1} << 33;
@@ -43,32 +41,21 @@ enum Trait : unsigned {
     kCancels = 8
 };
 
-enum Id : std::size_t {
-#define CALL(id, ...) id,
-#define HOOK CALL
-#define HOOK_NUMBER CALL
-#include "tests/faults/Calls.inc"
-#undef CALL
-#undef HOOK
-#undef HOOK_NUMBER
-    kHookCount
-};
-
 struct Plan {
-    std::size_t hook = kHookCount;
     long left = -1;
     int error = 0;
-    bool isDisaster = false;
-    Disaster disaster = Disaster::kShort;
     bool failed = false;
-    long counts[kHookCount] = {};
-    long cancelAfter = -1;
-    bool* cancelled = nullptr;
+    long seen = 0;
 };
-thread_local Plan t_plan;
-thread_local faults::Kind t_kind = faults::Kind::kUsual;
+// The last one belongs to the disaster.
+thread_local Plan t_plans[fault::kCallCount + 1];
+thread_local Disaster t_disaster = Disaster::kNone;
+thread_local int t_error = 0;
+thread_local long t_cancelAfter = -1;
+thread_local bool* t_pCancelled = nullptr;
+thread_local fault::Kind t_kind = fault::Kind::kUsual;
 
-bool isSystem(faults::Kind kind) { return t_kind == kind && !faults::isCalm(); }
+bool isSystem(fault::Kind kind) { return t_kind == kind && !fault::isCalm(); }
 
 unsigned traitsOf(Disaster disaster) {
     switch (disaster) {
@@ -85,46 +72,49 @@ unsigned traitsOf(Disaster disaster) {
 
 /// Requests the cancellation of this thread if it is due.
 void passCancellationPoint() {
-    Plan& plan = t_plan;
-    if (plan.cancelled == nullptr) return;
-    if (plan.cancelAfter-- == 0) {
-        *plan.cancelled = true;
+    if (t_pCancelled == nullptr) return;
+    if (t_cancelAfter-- == 0) {
+        *t_pCancelled = true;
         pthread_cancel(pthread_self());
     }
-    if (!*plan.cancelled) return;
+    if (!*t_pCancelled) return;
     // AddressSanitizer does not see that the C library unwinds the stack.
     if (__asan_handle_no_return != nullptr) __asan_handle_no_return();
     pthread_testcancel();
 }
 
 /// @return the error number with which the call must fail; 0 if it must be made
-int dueError(Id hook, unsigned traits) {
-    if (faults::isCalm()) return 0;
+int dueError(fault::Call call, unsigned traits) {
+    if (fault::isCalm()) return 0;
     if ((traits & kCancels) != 0) passCancellationPoint();
-    Plan& plan = t_plan;
-    ++plan.counts[hook];
-    const bool affected =
-        plan.isDisaster ? (traits & traitsOf(plan.disaster)) != 0 : plan.hook == hook;
-    if (plan.left < 0 || !affected) return 0;
+    ++t_plans[call].seen;
+    const bool lasts = t_disaster != Disaster::kNone;
+    Plan& plan = t_plans[lasts ? fault::kCallCount : call];
+    if (plan.left < 0 || (lasts && (traits & traitsOf(t_disaster)) == 0)) return 0;
     if (plan.left > 0) {
         --plan.left;
         return 0;
     }
-    if (!plan.isDisaster) plan.left = -1;
+    if (!lasts) plan.left = -1;
     plan.failed = true;
     return plan.error;
 }
 
 /// @return the number of bytes that a read or write may transfer
 std::size_t allowed(std::size_t size, bool isWrite) {
-    Plan& plan = t_plan;
-    if (faults::isCalm() || !plan.isDisaster || size < 2) return size;
-    if (plan.disaster == Disaster::kFull) return isWrite && plan.left == 1 ? 1 : size;
-    if (plan.disaster != Disaster::kShort || plan.left < 0 || plan.left-- > 0) return size;
+    Plan& plan = t_plans[fault::kCallCount];
+    if (fault::isCalm() || size < 2) return size;
+    const bool isLast = t_disaster == Disaster::kFull && isWrite && plan.left == 1;
+    const bool isShort = t_disaster == Disaster::kShort && plan.left >= 0 && plan.left-- == 0;
+    if (!isLast && !isShort) return size;
     plan.failed = true;
     return 1;
 }
 
+/// Returns the function that the hook replaces. Looks the function up once and stores it in
+/// `known`, a static variable of the caller. The variable is constant-initialised, because a
+/// dynamically initialised static needs a guard, and the first calls come too early for a guard,
+/// while a sanitizer starts.
 template <class Function>
 Function real(std::atomic<Function>& known, const char* name) {
     Function function = known.load(std::memory_order_relaxed);
@@ -136,10 +126,24 @@ Function real(std::atomic<Function>& known, const char* name) {
 }
 
 /// Does the work of a function that does nothing but fail.
-int failed(Id hook, unsigned traits) {
-    const int error = dueError(hook, traits);
+int failed(fault::Call call, unsigned traits) {
+    const int error = dueError(call, traits);
     if (error != 0) errno = error;
     return error != 0 ? -1 : 0;
+}
+
+struct Start {
+    void* (*routine)(void*);
+    void* argument;
+    int error;
+};
+
+/// Begins a thread whose first pthread_setspecific fails.
+void* failToBegin(void* given) {
+    const Start start = *static_cast<Start*>(given);
+    delete static_cast<Start*>(given);
+    fault::failCall(fault::kSetSpecific, 0, start.error);
+    return start.routine(start.argument);
 }
 
 unsigned opening(int flags) {
@@ -151,7 +155,7 @@ unsigned opening(int flags) {
 
 }  // namespace
 
-namespace faults {
+namespace fault {
 
 const std::vector<Hook>& hooks() {
     static const std::vector<Hook> kHooks = {
@@ -167,40 +171,38 @@ const std::vector<Hook>& hooks() {
     return kHooks;
 }
 
-void armCall(std::size_t hook, long n, int error) {
-    t_plan.hook = hook;
-    t_plan.left = n;
-    t_plan.error = error;
-    t_plan.isDisaster = t_plan.failed = false;
+void failCall(Call call, long n, int error) {
+    t_plans[call] = {n, error, false, t_plans[call].seen};
+    t_error = error;
 }
-void armDisaster(Disaster disaster, long n) {
-    armCall(kHookCount, n, EMFILE);
-    t_plan.isDisaster = true;
-    t_plan.disaster = disaster;
-    if (disaster == Disaster::kFull) t_plan.error = ENOSPC;
-    if (disaster == Disaster::kReadOnly) t_plan.error = EROFS;
+bool callFailed(Call call) { return t_plans[call].failed; }
+long seen(Call call) { return t_plans[call].seen; }
+bool reset() {
+    const auto failed = [](const Plan& plan) { return plan.failed; };
+    const bool any =
+        allocationFailed() || std::any_of(std::begin(t_plans), std::end(t_plans), failed);
+    std::fill(std::begin(t_plans), std::end(t_plans), Plan());
+    t_disaster = Disaster::kNone;
+    t_error = 0;
+    failAllocation(-1);
+    return any;
 }
-bool disarmCalls() {
-    t_plan.left = -1;
-    t_plan.isDisaster = false;
-    t_plan.error = 0;
-    return t_plan.failed;
+int injectedError() { return t_error != 0 ? t_error : ENOMEM; }
+void strike(Disaster disaster, long n) {
+    t_disaster = disaster;
+    t_error = disaster == Disaster::kFull       ? ENOSPC
+              : disaster == Disaster::kReadOnly ? EROFS
+                                                : EMFILE;
+    t_plans[kCallCount] = {n, t_error, false, 0};
 }
-void armCancel(long n, bool* cancelled) {
-    t_plan.cancelAfter = n;
-    t_plan.cancelled = cancelled;
-}
-int injectedError() { return t_plan.error != 0 ? t_plan.error : ENOMEM; }
-const std::vector<long>& callCounts() {
-    thread_local std::vector<long> t_counts;
-    t_counts.assign(t_plan.counts, t_plan.counts + kHookCount);
-    return t_counts;
+void cancelAfter(long n, bool* cancelled) {
+    t_cancelAfter = n;
+    t_pCancelled = cancelled;
 }
 System::System(Kind kind) { t_kind = kind; }
 System::~System() { t_kind = Kind::kUsual; }
-void startCounting() { std::fill(t_plan.counts, t_plan.counts + kHookCount, 0); }
 
-}  // namespace faults
+}  // namespace fault
 
 // HOOK replaces a function that returns -1 or another failure and sets errno. HOOK_NUMBER replaces
 // a function that returns an error number.
@@ -210,7 +212,7 @@ void startCounting() { std::fill(t_plan.counts, t_plan.counts + kHookCount, 0); 
 #define HOOK(id, traits, result, failure, name, parameters, spec, arguments, ...) \
     result name parameters spec {                                                 \
         NEXT(result, name, parameters);                                           \
-        const int error = dueError(id, traits);                                   \
+        const int error = dueError(fault::id, traits);                            \
         if (error == 0) return next arguments;                                    \
         errno = error;                                                            \
         return failure;                                                           \
@@ -218,7 +220,7 @@ void startCounting() { std::fill(t_plan.counts, t_plan.counts + kHookCount, 0); 
 #define HOOK_NUMBER(id, name, parameters, spec, arguments, ...) \
     int name parameters spec {                                  \
         NEXT(int, name, parameters);                            \
-        const int error = dueError(id, kPlain);                 \
+        const int error = dueError(fault::id, kPlain);          \
         return error != 0 ? error : next arguments;             \
     }
 #define HOOK_OPEN(name)                                                        \
@@ -228,7 +230,7 @@ void startCounting() { std::fill(t_plan.counts, t_plan.counts + kHookCount, 0); 
         const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0; \
         va_end(rest);                                                          \
         NEXT(int, name, (const char*, int, ...));                              \
-        const int error = dueError(kOpen, opening(flags));                     \
+        const int error = dueError(fault::kOpen, opening(flags));              \
         if (error == 0) return next(path, flags, mode);                        \
         errno = error;                                                         \
         return -1;                                                             \
@@ -246,8 +248,8 @@ int openat64(int at, const char* path, int flags, ...) {
     const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
     va_end(rest);
     NEXT(int, openat64, (int, const char*, int, ...));
-    int error = dueError(kOpenAt, opening(flags));
-    if (std::strcmp(path, ".") == 0 && isSystem(faults::Kind::kClosedFolders)) error = EACCES;
+    int error = dueError(fault::kOpenAt, opening(flags));
+    if (std::strcmp(path, ".") == 0 && isSystem(fault::Kind::kClosedFolders)) error = EACCES;
     if (error == 0) return next(at, path, flags, mode);
     errno = error;
     return -1;
@@ -259,7 +261,8 @@ int fcntl(int fd, int command, ...) {
     va_end(rest);
     NEXT(int, fcntl, (int, int, ...));
     const bool copies = command == F_DUPFD || command == F_DUPFD_CLOEXEC;
-    const int error = dueError(copies ? kDuplicate : kLock, copies                ? kTakesDescriptor
+    const int error =
+        dueError(copies ? fault::kDuplicate : fault::kLock, copies                ? kTakesDescriptor
                                                             : command == F_SETLKW ? kCancels
                                                                                   : kPlain);
     if (error == 0) return next(fd, command, argument);
@@ -268,7 +271,7 @@ int fcntl(int fd, int command, ...) {
 }
 ssize_t read(int fd, void* buffer, std::size_t size) {
     NEXT(ssize_t, read, (int, void*, std::size_t));
-    const int error = dueError(kRead, kCancels);
+    const int error = dueError(fault::kRead, kCancels);
     if (error == 0) return next(fd, buffer, allowed(size, false));
     errno = error;
     return -1;
@@ -276,7 +279,7 @@ ssize_t read(int fd, void* buffer, std::size_t size) {
 ssize_t write(int fd, const void* buffer, std::size_t size) {
     NEXT(ssize_t, write, (int, const void*, std::size_t));
     size = allowed(size, true);
-    const int error = dueError(kWrite, kCancels | kTakesSpace | kChanges);
+    const int error = dueError(fault::kWrite, kCancels | kTakesSpace | kChanges);
     if (error == 0) return next(fd, buffer, size);
     errno = error;
     return -1;
@@ -284,7 +287,7 @@ ssize_t write(int fd, const void* buffer, std::size_t size) {
 // A close that fails has nevertheless released the descriptor.
 int close(int fd) {
     NEXT(int, close, (int));
-    const int error = dueError(kClose, kCancels);
+    const int error = dueError(fault::kClose, kCancels);
     const int result = next(fd);
     if (error == 0) return result;
     errno = error;
@@ -292,27 +295,28 @@ int close(int fd) {
 }
 dirent64* readdir64(DIR* stream) {
     NEXT(dirent64*, readdir64, (DIR*));
-    if (const int error = dueError(kReadDir, kPlain)) {
+    if (const int error = dueError(fault::kReadDir, kPlain)) {
         errno = error;
         return nullptr;
     }
     dirent64* const entry = next(stream);
-    if (entry != nullptr && isSystem(faults::Kind::kUnknownTypes)) entry->d_type = DT_UNKNOWN;
-    if (entry != nullptr && isSystem(faults::Kind::kFuture)) entry->d_ino |= kManyInodes;
+    if (entry != nullptr && isSystem(fault::Kind::kUnknownTypes)) entry->d_type = DT_UNKNOWN;
+    if (entry != nullptr && isSystem(fault::Kind::kFuture)) entry->d_ino |= kManyInodes;
     return entry;
 }
 void* dlopen(const char* path, int mode) noexcept {
     NEXT(void*, dlopen, (const char*, int));
-    return next(dueError(kDlOpen, kTakesDescriptor) != 0 ? "/no/such/library.so" : path, mode);
+    return next(dueError(fault::kDlOpen, kTakesDescriptor) != 0 ? "/no/such/library.so" : path,
+                mode);
 }
 int statx(int at, const char* path, int flags, unsigned mask, struct statx* to) noexcept {
     NEXT(int, statx, (int, const char*, int, unsigned, struct statx*));
-    if (const int error = dueError(kStatX, kPlain)) {
+    if (const int error = dueError(fault::kStatX, kPlain)) {
         errno = error;
         return -1;
     }
     const int result = next(at, path, flags, mask, to);
-    if (result != 0 || !isSystem(faults::Kind::kFuture)) return result;
+    if (result != 0 || !isSystem(fault::Kind::kFuture)) return result;
     to->stx_ino |= kManyInodes;
     to->stx_mtime.tv_sec += kManySeconds;
     to->stx_ctime.tv_sec += kManySeconds;
@@ -320,15 +324,25 @@ int statx(int at, const char* path, int flags, unsigned mask, struct statx* to) 
 }
 int renameat2(int a, const char* from, int b, const char* to, unsigned flags) noexcept {
     NEXT(int, renameat2, (int, const char*, int, const char*, unsigned));
-    int error = dueError(kRenameAt2, kChanges);
-    if (isSystem(faults::Kind::kNoExchange)) error = ENOSYS;
+    int error = dueError(fault::kRenameAt2, kChanges);
+    if (isSystem(fault::Kind::kNoExchange)) error = ENOSYS;
     if (error == 0) return next(a, from, b, to, flags);
     errno = error;
     return -1;
 }
+int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*routine)(void*),
+                   void* argument) noexcept {
+    NEXT(int, pthread_create, (pthread_t*, const pthread_attr_t*, void* (*)(void*), void*));
+    if (const int error = dueError(fault::kThreadCreate, kPlain)) return error;
+    const int error = dueError(fault::kThreadBegin, kPlain);
+    if (error == 0) return next(thread, attributes, routine, argument);
+    const fault::Calm calm;
+    auto* const start = new (std::nothrow) Start{routine, argument, error};
+    return start != nullptr ? next(thread, attributes, &failToBegin, start) : ENOMEM;
+}
 // The disk is not waited for: no test turns the power off.
-int fsync(int) { return failed(kFsync, kCancels); }
-int syncfs(int) noexcept { return failed(kSyncFs, kPlain); }
+int fsync(int) { return failed(fault::kFsync, kCancels); }
+int syncfs(int) noexcept { return failed(fault::kSyncFs, kPlain); }
 #define CALL(id, name, ...)
 #include "tests/faults/Calls.inc"
 

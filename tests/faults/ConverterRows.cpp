@@ -1,38 +1,12 @@
 #include <cstdlib>
-#include <memory>
-#include <sstream>
-#include <string>
 
-#include "QBLCore/Frame/QBLCore.h"
-#include "i18n/cpp/i18n_converter.hpp"
-#include "i18n/cpp/i18n_encoding_names.h"
-#include "i18n/cpp/i18n_errors.hpp"
-#include "i18n/cpp/i18n_init.h"
-#include "i18n/cpp/i18n_internal_resources.hpp"
-#include "i18n/cpp/i18n_locale.hpp"
-#include "i18n/cpp/i18n_platform_encoding.h"
-#include "i18n/cpp/i18n_pooledstring.hpp"
-#include "i18n/cpp/i18n_string.hpp"
-#include "i18n/cpp/i18n_stringpool.hpp"
-#include "i18n/cpp/i18n_text_stream.hpp"
-#include "i18n/cpp/i18n_uri.hpp"
 #include "tests/faults/Rows.hpp"
+#include "tests/support/Library.hpp"
 
+namespace fault {
 namespace {
 
-using faults::calmly;
-using faults::changed;
-using faults::kBadAlloc;
-using faults::kFallback;
-using faults::kOther;
-using faults::kOutOfMemory;
-using faults::kRefuses;
-using faults::need;
-
-const char* const kEncodings[] = {"windows-1252", "Shift_JIS", "ISO-2022-JP", "UTF-16BE",
-                                  "GB18030"};
-
-std::string japanese() {
+const std::string& japanese() {
     static const std::string kText = [] {
         std::string text;
         for (int i = 0; i < 300; ++i) text += "ascii \u00E9 \u65E5\u672C\u8A9E\n";
@@ -46,7 +20,7 @@ const I18NString& japaneseText() {
 }
 
 void refuse(I18NErrorCodes code) {
-    if (code != I18N_OK && code != I18N_NOMEM) throw faults::Broken{"code " + std::to_string(code)};
+    if (code != I18N_OK && code != I18N_NOMEM) throw Broken{"code " + std::to_string(code)};
     need(code == I18N_OK);
 }
 
@@ -60,22 +34,21 @@ std::string there(const char* encoding) {
     return copy;
 }
 
-std::string andBack(const char* encoding) {
+I18NString andBack(const char* encoding) {
     const std::string bytes = calmly([=] { return there(encoding); });
     const I18NConverter converter(encoding);
     I18NString text;
     converter.toUnicode(text, bytes.c_str(), static_cast<int>(bytes.size()));
-    return calmly([&] { return text.toUtf8(); });
+    return text;
 }
 
-std::string streamed(const char* encoding) {
+std::string streamed(const char* encoding, const std::string& text, I18NByteOrderMark mark) {
     const I18NConverter utf8("UTF-8"), other(encoding);
     std::string out;
-    I18NTextStream stream(&utf8, &other);
+    I18NTextStream stream(&utf8, &other, mark);
     const auto take = [&] {
         calmly([&] { out.append(stream.getBytes(), stream.getByteCount()); });
     };
-    const std::string text = calmly(japanese);
     for (std::size_t at = 0; at < text.size(); at += 1000) {
         stream.put(text.data() + at, std::min<std::size_t>(1000, text.size() - at));
         take();
@@ -86,51 +59,49 @@ std::string streamed(const char* encoding) {
 }
 
 const bool kConversions = [] {
-    for (const char* encoding : kEncodings) {
-        const std::string suffix = std::string("/") + encoding;
-        faults::rows().push_back(
-            {"I18NConverter.fromUnicode" + suffix, kOutOfMemory, [=] { return there(encoding); }});
-        faults::rows().push_back(
-            {"I18NConverter.toUnicode" + suffix, kOutOfMemory, [=] { return andBack(encoding); }});
-        faults::rows().push_back(
-            {"I18NTextStream.put" + suffix, kOutOfMemory, [=] { return streamed(encoding); }});
+    for (const char* encoding :
+         {"windows-1252", "Shift_JIS", "ISO-2022-JP", "UTF-16BE", "GB18030"}) {
+        const auto add = [encoding](const char* name, auto run) {
+            rows().emplace_back(std::string(name) + encoding, kOutOfMemory,
+                                [=] { return run(encoding); });
+        };
+        add("I18NConverter.fromUnicode/", there);
+        add("I18NConverter.toUnicode/", andBack);
+        add("I18NTextStream.put/",
+            [](auto to) { return streamed(to, japanese(), I18N_MARK_KEEP); });
     }
     return true;
 }();
 
-void start() {
-    static const bool kStarted = [] {
-        setenv("TAV_EXEC_PATH", QBL_RES_DIR, 1);
-        const bool started = qblCoreInitialize() == 0;
-        I18NInitialize();
-        return started;
-    }();
-    if (!kStarted) throw faults::Broken{"not started"};
-}
-
-/// Asks for a description. Each run reads the file of the language again.
-template <class Call>
-std::string resource(Call call) {
-    calmly([] {
-        start();
-        I18NInternalResources::getInternalResources().release();
-        I18NInternalResources::getInternalResources().loadSequenceTable();
-    });
-    I18NString out;
-    need(call(I18NInternalResources::getInternalResources(), out));
-    return calmly([&] { return out.toUtf8(); });
-}
-
+I18NInternalResources& resources() { return I18NInternalResources::getInternalResources(); }
 const I18NLocale& german() {
     static const I18NLocale kGerman("de_DE");
     return kGerman;
 }
 
-const faults::Rows kRows{
+/// Asks for a description. Each run reads the file of the language again.
+template <class Ask>
+Row description(const char* name, Ask ask) {
+    const auto run = [ask] {
+        calmly([] {
+            start();
+            resources().release();
+            resources().loadSequenceTable();
+        });
+        I18NString out;
+        need(ask(out));
+        return out;
+    };
+    return {std::string("I18NInternalResources.") + name, kOutOfMemory | kRefuses, run,
+            kFallback | kOther};
+}
+
+const Rows kRows{
     {"I18NConverter.copy", kOutOfMemory,
      [] {
          const I18NConverter converter("Shift_JIS");
          I18NConverter copy(converter), assigned("EUC-JP");
+         const I18NConverterUTF16 holder;
          copy = assigned;
          copy.setBuiltInUnconvertibleInputSequenceCallback(I18N_STOP);
          copy.setBuiltInUnconvertibleOutputSequenceCallback(I18N_ESCAPE);
@@ -149,7 +120,19 @@ const faults::Rows kRows{
          refuse(code);
          converter.toUnicode(units, sizeof units, bytes, -1, &code);
          refuse(code);
-         return calmly([&] { return std::to_string(std::u16string(units).size()); });
+         return calmly([&] { return std::u16string(units).size(); });
+     }},
+    {"i18nConverterCreate", kRefuses,
+     [] {
+         I18NErrorCodes code = I18N_OK;
+         const auto converter = i18nConverterCreate("Shift_JIS", &code);
+         need(converter != nullptr && code == I18N_OK);
+         i18nConverterFree(converter, &code);
+     }},
+    {"I18NTextStream.unconvertible", kOutOfMemory,
+     [] {
+         static const std::string kBad = "\xEF\xBB\xBFx" + std::string(9000, '\xFF') + "\u65E5y";
+         return streamed("US-ASCII", kBad, I18N_MARK_CHOOSE);
      }},
     {"I18NPooledString", kOutOfMemory,
      [] {
@@ -169,7 +152,7 @@ const faults::Rows kRows{
          const I18NString& other = pool.getPooledString("plain");
          return calmly([&] { return text.toUtf8() + other.toUtf8(); });
      },
-     faults::kThreadResource},
+     kThreadResource},
     {"I18NLocale", kOutOfMemory,
      [] {
          const I18NLocale parts("sr", "RS", "POSIX"),
@@ -187,13 +170,10 @@ const faults::Rows kRows{
      [] {
          I18NString out;
          I18NURLEncode("a b/\u00E9 and more text to encode", out);
-         return calmly([&] { return out.toUtf8(); });
+         return out;
      }},
     {"I18NUriDecode", kOutOfMemory,
-     [] {
-         const I18NString text = I18NUriDecode("%E6%97%A5%E6%9C%AC and more text", "UTF-8");
-         return calmly([&] { return text.toUtf8(); });
-     }},
+     [] { return I18NUriDecode("%E6%97%A5%E6%9C%AC and more text", "UTF-8"); }},
     {"I18NEncodingNames", kOutOfMemory | kRefuses,
      [] {
          const int count = I18NCountEncodings();
@@ -201,35 +181,35 @@ const faults::Rows kRows{
          need(count > 0 && name != nullptr);
          return calmly([=] { return std::to_string(count) + name; });
      }},
-    {"I18NInternalResources.getCurrencyDescription", kOutOfMemory,
+    {"I18NInternalResources.loadSequenceTable", kOutOfMemory,
      [] {
-         return resource([](auto& all, I18NString& out) {
-             all.getCurrencyDescription("JPY", german(), out);
-             return true;
+         calmly([] {
+             start();
+             resources().release();
          });
+         resources().loadSequenceTable();
+         I18NString word;
+         resources().getNoDescriptionWord(german(), word);
+         return calmly(
+             [&] { return word + (resources().getURLEncodeTranslit() != nullptr ? "table" : ""); });
      },
      kFallback | kOther},
-    {"I18NInternalResources.getTimeZoneDescription", kOutOfMemory | kRefuses,
-     [] {
-         return resource([](auto& all, I18NString& out) {
-             return all.getTimeZoneDescription("Europe/Berlin", german(), out);
-         });
-     },
-     kFallback | kOther},
-    {"I18NInternalResources.getSymbolForISOCode", kOutOfMemory | kRefuses,
-     [] {
-         return resource([](auto& all, I18NString& out) {
-             return all.getSymbolForISOCode("JPY", german(), out);
-         });
-     },
-     kFallback | kOther},
-    {"I18NInternalResources.getLocaleDescription", kOutOfMemory | kRefuses,
-     [] {
-         return resource([](auto& all, I18NString& out) {
-             return all.getLocaleDescription(german(), german(), out);
-         });
-     },
-     kFallback | kOther},
+    description("getCurrencyDescription",
+                [](I18NString& out) {
+                    resources().getCurrencyDescription("JPY", german(), out);
+                    return true;
+                }),
+    description("getTimeZoneDescription",
+                [](I18NString& out) {
+                    return resources().getTimeZoneDescription("Europe/Berlin", german(), out);
+                }),
+    description(
+        "getSymbolForISOCode",
+        [](I18NString& out) { return resources().getSymbolForISOCode("JPY", german(), out); }),
+    description(
+        "getLocaleDescription",
+        [](I18NString& out) { return resources().getLocaleDescription(german(), german(), out); }),
 };
 
 }  // namespace
+}  // namespace fault

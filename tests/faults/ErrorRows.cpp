@@ -1,44 +1,18 @@
 #include <exception>
 #include <memory>
 #include <stdexcept>
-#include <string>
 
-#include "QBLCore/Exceptions/QBLAllocation.hpp"
-#include "QBLCore/Exceptions/QBLAssertError.hpp"
-#include "QBLCore/Exceptions/QBLDeferredThrowable.hpp"
-#include "QBLCore/Exceptions/QBLException.hpp"
-#include "QBLCore/Exceptions/QBLIllegalArgumentError.hpp"
-#include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
-#include "QBLCore/Exceptions/QBLIndexOutOfBoundsError.hpp"
-#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
-#include "QBLCore/Exceptions/QBLRuntimeError.hpp"
-#include "QBLCore/Exceptions/QBLStdBridge.hpp"
-#include "QBLCore/Exceptions/QBLStdExceptionError.hpp"
-#include "QBLCore/Exceptions/QBLSystemError.hpp"
-#include "QBLCore/Exceptions/QBLThreadResourceError.hpp"
-#include "QBLCore/Exceptions/QBLThrow.hpp"
-#include "QBLCore/Exceptions/QBLUnexpectedError.hpp"
-#include "QBLCore/Exceptions/QBLUnknownError.hpp"
-#include "QBLCore/Exceptions/QBLUnsupportedOperationError.hpp"
-#include "QBLCore/Exceptions/QBLWhat.hpp"
-#include "QBLCore/Messages/QBLMessageString.hpp"
-#include "QBLCore/PlugIns/QBLPluginException.hpp"
-#include "i18n/cpp/i18n_errors.hpp"
-#include "i18n/cpp/i18n_string.hpp"
 #include "tests/faults/Rows.hpp"
+#include "tests/support/Library.hpp"
 
+namespace fault {
 namespace {
-
-using faults::calmly;
-using faults::kBadAlloc;
-using faults::kOutOfMemory;
 
 const char kText[] = "a text that needs a block of its own";
 
 std::string print(const QBLThrowable& error) {
     return qblXml(error) + std::to_string(error.getBackTrace().size());
 }
-
 std::string print(const QBLDeferredThrowable& held) {
     return held.get() != nullptr ? print(*held.get()) : "empty";
 }
@@ -53,32 +27,29 @@ public:
 /// where a throwable cannot be thrown instead.
 template <class Error>
 void addError(const char* name, Error (*make)()) {
-    const std::string prefix(name);
-    const auto add = [&](const char* operation, std::function<std::string()> run) {
-        faults::rows().push_back({prefix + operation, kOutOfMemory | kBadAlloc, std::move(run)});
+    const auto add = [name](const char* operation, auto run) {
+        rows().emplace_back(std::string(name) + operation, kOutOfMemory | kBadAlloc, run);
     };
-    add(".make", [make] {
-        Error error = make();
+    const auto printed = [](const QBLThrowable& error) {
         return calmly([&] { return print(error); });
-    });
-    add(".copy", [make] {
+    };
+    add(".make", [=] { return printed(make()); });
+    add(".copy", [=] {
         const Error error = calmly(make);
-        const Error copy(error);
-        return calmly([&] { return print(copy); });
+        return printed(Error(error));
     });
-    add(".clone", [make] {
+    add(".clone", [=] {
         const Error error = calmly(make);
-        const std::unique_ptr<QBLThrowable> copy(error.clone());
-        return calmly([&] { return print(*copy); });
+        return printed(*std::unique_ptr<QBLThrowable>(error.clone()));
     });
-    add(".assign", [make] {
+    add(".assign", [=] {
         const Error from = calmly(make);
         Error to = calmly(make);
         calmly([&] { to.addBackTrace(QBL_HERE, "detail", "TAG"); });
         to = from;  // clears the target first, so a failure may leave less than before
-        return calmly([&] { return print(to); });
+        return printed(to);
     });
-    add(".texts", [make] {
+    add(".texts", [=] {
         Error error = calmly(make);
         const char* const message = error.getMessage();
         const char* const code = error.getErrorCodeString();
@@ -90,7 +61,7 @@ void addError(const char* name, Error (*make)()) {
         });
     });
     // The memory of the exception itself comes from a reserve of the C++ library in the end.
-    add(".hurl", [make] {
+    add(".hurl", [=]() -> std::string {
         Error error = calmly(make);
         try {
             error.hurl(QBL_HERE, "detail", "TAG");
@@ -131,7 +102,7 @@ const bool kErrors = [] {
 
 QBLRuntimeError example() { return QBLRuntimeError(7, kText); }
 
-const faults::Rows kRows{
+const Rows kRows{
     {"QBLDeferredThrowable.set", kOutOfMemory | kBadAlloc,
      [] {
          QBLDeferredThrowable held = calmly([] { return QBLDeferredThrowable(QBLError(1, "x")); });
@@ -159,6 +130,23 @@ const faults::Rows kRows{
          copy = bridge;
          return calmly([&] { return print(copy.getThrowable()); });
      }},
+    {"qblFromStd", kOutOfMemory | kBadAlloc,
+     [] {
+         try {
+             try {
+                 try {
+                     QBL_THROW(QBLRuntimeError(7, kText));
+                 } catch (...) {
+                     qblToStd();
+                 }
+             } catch (...) {
+                 qblFromStd();
+             }
+         } catch (const QBLRuntimeError& error) {
+             return error.getErrorCode();  // the back-trace may lose entries
+         }
+         throw Broken{"another error"};
+     }},
     {"qblWhat", kBadAlloc,
      [] {
          const QBLRuntimeError error = calmly([] { return QBLRuntimeError(7, "short"); });
@@ -172,9 +160,9 @@ const faults::Rows kRows{
     {"qblXml", kOutOfMemory,
      [] {
          const QBLRuntimeError error = calmly(example);
-         const std::string xml = qblXml(error);
-         return calmly([&] { return std::string(xml); });
+         return qblXml(error);
      }},
 };
 
 }  // namespace
+}  // namespace fault

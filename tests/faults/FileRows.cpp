@@ -2,54 +2,24 @@
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <list>
-#include <memory>
-#include <string>
 
-#include "QBLCore/Exceptions/QBLThrowable.hpp"
-#include "QBLCore/FileLock/M_LockFile.hpp"
-#include "QBLCore/FileLock/QBLFileLockRW.hpp"
-#include "QBLCore/FileManagement/QBLFmDir.hpp"
-#include "QBLCore/FileManagement/QBLFmDirectory.hpp"
-#include "QBLCore/FileManagement/QBLFmEntries.hpp"
-#include "QBLCore/FileManagement/QBLFmFile.hpp"
-#include "QBLCore/FileManagement/QBLFmFile64.hpp"
-#include "QBLCore/FileManagement/QBLFmLines.hpp"
-#include "QBLCore/FileManagement/QBLFmReplaceFile.hpp"
-#include "QBLCore/FileManagement/skipRootPath.hpp"
-#include "i18n/cpp/i18n_converter.hpp"
-#include "i18n/cpp/i18n_string.hpp"
 #include "tests/faults/Rows.hpp"
-#include "tests/support/TempTree.hpp"
+#include "tests/support/Library.hpp"
 
+namespace fault {
 namespace {
-
-using faults::calmly;
-using faults::kBadAlloc;
-using faults::kFallback;
-using faults::kOther;
-using faults::kOutOfMemory;
-using faults::kRefuses;
-using faults::need;
 
 typedef std::list<std::string> Names;
 typedef std::list<I18NString> Strings;
 
-/// A tree with files and folders, whose names are not ASCII.
-const TempTree& tree() {
-    static const TempTree kTree;
-    static const bool kMade = [] {
-        kTree.dir("in/a folder with a long name");
-        kTree.file("in/b\u00E9", "one\ntwo \u65E5\n");
-        kTree.file("in/a folder with a long name/c", "three\n");
-        kTree.dir("out");
-        return true;
-    }();
-    static_cast<void>(kMade);
-    return kTree;
-}
+/// A folder with files and folders, whose names are not ASCII.
 const std::string& root() {
-    static const std::string kRoot = tree()("in");
+    static const std::string kRoot = [] {
+        tree().dir("in/a folder with a long name/another folder with a long name");
+        tree().file("in/b\u00E9", "one\n" + std::string(70000, 'x') + "\ntwo \u65E5\n");
+        tree().file("in/a folder with a long name/c", "three\n");
+        return tree()("in");
+    }();
     return kRoot;
 }
 const I18NString& rootText() {
@@ -57,7 +27,7 @@ const I18NString& rootText() {
     return kRoot;
 }
 const std::string& out() {
-    static const std::string kOut = tree()("out");
+    static const std::string kOut = tree().dir("out");
     return kOut;
 }
 const I18NString& outText() {
@@ -67,30 +37,11 @@ const I18NString& outText() {
 const char* pathOf(const std::string& path) { return path.c_str(); }
 const I18NString& pathOf(const I18NString& path) { return path; }
 
-/// A failure by the result must set the errno of what failed.
-void needErrno(bool done) {
-    if (!done && errno != faults::injectedError())
-        throw faults::Broken{"errno is " + std::to_string(errno)};
-    need(done);
-}
-
 template <class Cleanup>
 void needErrnoOr(bool done, Cleanup cleanup) {
     const int error = errno;
     if (!done) calmly(cleanup);
-    errno = error;
-    needErrno(done);
-}
-
-std::string join(const Names& names) {
-    std::string all;
-    for (const std::string& name : names) all += name + "\n";
-    return all;
-}
-std::string join(const Strings& names) {
-    std::string all;
-    for (const I18NString& name : names) all += name.toUtf8() + "\n";
-    return all;
+    needErrno(done, error);
 }
 
 /// Opens, writes, reads and closes a file.
@@ -117,35 +68,56 @@ std::string replaced(QBLFmReplaceFile& file) {
     return calmly([] { return tree().text("out/replaced"); });
 }
 
+/// Makes and removes folders and files below a path.
+template <class Text>
+void makeAndRemove(const Text& base) {
+    const Text deep = calmly([&] { return base + "/y/z"; });
+    const auto clean = [&] { QBLFmDir::removeDir(pathOf(base)); };
+    needErrnoOr(QBLFmDir::createRecursiveDir(pathOf(deep)), clean);
+    needErrnoOr(QBLFmDir::removeDir(pathOf(base)), clean);
+    needErrnoOr(QBLFmDir::createDir(pathOf(base)) && QBLFmDir::exists(pathOf(base), S_IFDIR) &&
+                    QBLFmDir::renameFile(pathOf(base), pathOf(base)) &&
+                    QBLFmDir::removeFile(pathOf(base)),
+                clean);
+}
+
 template <class Text, class Path>
-std::string temporaries(Path* base, Path* prefix, Path* suffix,
-                        bool (*const (&create)[2])(Path*, Path*, Text&, Path*)) {
-    for (const auto& one : create) {
+void makeTemporaries(Path* base, Path* prefix, Path* suffix) {
+    bool (*const all[])(Path*, Path*, Text&, Path*) = {
+        QBLFmDir::createTempFile, QBLFmDir::createPrivateTempFile, QBLFmDir::createTempDir,
+        QBLFmDir::createPrivateTempDir};
+    for (const auto create : all) {
         Text made;
-        needErrno(one(base, prefix, made, suffix));
-        const faults::Calm calm;
+        needErrno(create(base, prefix, made, suffix));
+        const Calm calm;
         QBLFmDir::removeFile(pathOf(made));
     }
-    return "made";
 }
 
 std::string listed(QBLFmEntries&& entries) {
     std::string all;
     for (const QBLFmEntry& entry : entries) {
-        const faults::Calm calm;
-        if (entry.getErrorNumber() != 0) throw faults::Refused();
+        const Calm calm;
+        if (entry.getErrorNumber() != 0) throw Refused();
         all.append(entry.getName()).append(" ").append(std::to_string(entry.getSize()));
     }
     return all;
 }
 
+/// Reads all lines. No line may follow a failure.
 std::string linesOf(QBLFmLines&& lines) {
     std::string all;
-    for (const std::string_view line : lines) calmly([&] { all += line; });
+    try {
+        for (const std::string_view line : lines) calmly([&] { all += line; });
+    } catch (const QBLThrowable&) {
+        const Calm calm;
+        if (lines.begin() != lines.end()) throw Broken{"a line after a failure"};
+        throw;
+    }
     return all;
 }
 
-const faults::Rows kRows{
+const Rows kRows{
     {"QBLFmFile", kRefuses, roundTrip<QBLFmFile>},
     {"QBLFmFile64", kRefuses, roundTrip<QBLFmFile64>},
     {"QBLFmReplaceFile.open", kRefuses,
@@ -190,66 +162,34 @@ const faults::Rows kRows{
          need(calmly([] { return QBLFmDir::removeDir(tree()("made").c_str()); }));
          Names files, dirs;
          needErrno(parent.readDir(&files, nullptr, &dirs, nullptr));
-         return calmly([&] { return name + join(files) + join(dirs); });
+         return calmly([&] { return name + shown(files) + shown(dirs); });
      }},
     {"QBLFmDir.readDir", kRefuses,
      [] {
          Names files, dirs;
          needErrno(QBLFmDir::readDir(root().c_str(), &files, "*", &dirs, "a*"));
-         return calmly([&] { return join(files) + join(dirs); });
+         return calmly([&] { return shown(files) + shown(dirs); });
      }},
     {"QBLFmDir.readDirStrings", kRefuses,
      [] {
          Strings files, dirs;
          const I18NString pattern("*");
          needErrno(QBLFmDir::readDir(rootText(), &files, &pattern, &dirs, nullptr));
-         return calmly([&] { return join(files) + join(dirs); });
+         return calmly([&] { return shown(files) + shown(dirs); });
      }},
     {"QBLFmDir.makeAndRemove", kRefuses,
-     [] {
-         const std::string base = calmly([] { return out() + "/x"; });
-         const std::string deep = calmly([&] { return base + "/y/z"; });
-         const auto clean = [&] { QBLFmDir::removeDir(base.c_str()); };
-         needErrnoOr(QBLFmDir::createRecursiveDir(deep.c_str()), clean);
-         needErrnoOr(QBLFmDir::removeDir(base.c_str()), clean);
-         need(QBLFmDir::createDir(base.c_str()) && QBLFmDir::exists(base.c_str(), S_IFDIR));
-         need(QBLFmDir::renameFile(base.c_str(), base.c_str()));
-         need(QBLFmDir::removeFile(base.c_str()));
-         return std::string();
-     }},
+     [] { makeAndRemove(calmly([] { return out() + "/x"; })); }},
     {"QBLFmDir.makeAndRemoveStrings", kRefuses,
-     [] {
-         const I18NString base = calmly([] { return outText() + "/\u00E9"; });
-         const I18NString deep = calmly([&] { return base + "/y/z"; });
-         const auto clean = [&] { QBLFmDir::removeDir(base); };
-         needErrnoOr(QBLFmDir::createRecursiveDir(deep), clean);
-         needErrnoOr(QBLFmDir::removeDir(base), clean);
-         needErrnoOr(QBLFmDir::createDir(base) && QBLFmDir::exists(base, S_IFDIR) &&
-                         QBLFmDir::renameFile(base, base) && QBLFmDir::removeFile(base),
-                     clean);
-         return std::string();
-     }},
+     [] { makeAndRemove(calmly([] { return outText() + "/\u00E9"; })); }},
     {"QBLFmDir.temporaries", kRefuses,
      [] {
-         return temporaries<std::string, const char>(
-             out().c_str(), "prefix", ".suffix",
-             {QBLFmDir::createTempFile, QBLFmDir::createPrivateTempFile});
-     }},
-    {"QBLFmDir.temporaryFolders", kRefuses,
-     [] {
-         return temporaries<std::string, const char>(
-             out().c_str(), "prefix", ".suffix",
-             {QBLFmDir::createTempDir, QBLFmDir::createPrivateTempDir});
+         makeTemporaries<std::string, const char>(
+             out().c_str(), "a prefix that is too long for the inside of a string", ".suffix");
      }},
     {"QBLFmDir.temporaryStrings", kRefuses,
      [] {
-         static const I18NString kPrefix("p\u00E9"), kSuffix(".x");
-         temporaries<I18NString, const I18NString>(
-             &outText(), &kPrefix, &kSuffix,
-             {QBLFmDir::createTempFile, QBLFmDir::createPrivateTempFile});
-         return temporaries<I18NString, const I18NString>(
-             &outText(), &kPrefix, &kSuffix,
-             {QBLFmDir::createTempDir, QBLFmDir::createPrivateTempDir});
+         static const I18NString kPrefix("a prefix of some length, with \u00E9"), kSuffix(".x");
+         makeTemporaries<I18NString, const I18NString>(&outText(), &kPrefix, &kSuffix);
      }},
     {"QBLFmDir.paths", kRefuses | kOutOfMemory | kBadAlloc,
      [] {
@@ -269,7 +209,7 @@ const faults::Rows kRows{
          needErrno(QBLFmDir::splitPath(path, &directory, &file));
          needErrno(QBLFmDir::getTempPath(temp));
          QBLFmDir::resolveEffectivePath(file);
-         return calmly([&] { return (directory + file + temp).toUtf8(); });
+         return calmly([&] { return directory + file + temp; });
      },
      kFallback},
     {"QBLFmDir.settings", kOutOfMemory,
@@ -297,24 +237,19 @@ const faults::Rows kRows{
          });
      }},
     {"QBLFmDir.getFileFullPath", kOutOfMemory | kBadAlloc,
-     [] {
-         const std::string path =
-             QBLFmDir::getFileFullPath("c", root().c_str(), {"a folder with a long name"});
-         return calmly([&] { return std::string(path); });
-     },
+     [] { return QBLFmDir::getFileFullPath("c", root().c_str(), {"a folder with a long name"}); },
      kFallback},
     {"QBLFmDir.getFileFullPathStrings", kOutOfMemory | kBadAlloc,
      [] {
          static const Strings kFolders{I18NString("a folder with a long name")};
          static const I18NString kName("c");
-         const I18NString path = QBLFmDir::getFileFullPath(kName, rootText(), kFolders);
-         return calmly([&] { return path.toUtf8(); });
+         return QBLFmDir::getFileFullPath(kName, rootText(), kFolders);
      },
      kFallback},
     {"QBLFmEntries", kOutOfMemory | kBadAlloc | kOther | kRefuses,
-     [] { return listed(QBLFmEntries(root(), QBLFmEntries::kRecursive)); }, faults::kAbsence},
+     [] { return listed(QBLFmEntries(root(), QBLFmEntries::kRecursive)); }, kAbsence},
     {"QBLFmEntries.string", kOutOfMemory | kBadAlloc | kOther | kRefuses,
-     [] { return listed(QBLFmEntries(rootText(), QBLFmEntries::kRecursive)); }, faults::kAbsence},
+     [] { return listed(QBLFmEntries(rootText(), QBLFmEntries::kRecursive)); }, kAbsence},
     {"QBLFmLines", kOutOfMemory | kBadAlloc,
      [] {
          static const std::string kPath = root() + "/b\u00E9";
@@ -338,9 +273,9 @@ const faults::Rows kRows{
          need(lock.tryLock() == 1 && lock.tryReadLock() == 1 && lock.boundedLock(1) &&
               lock.boundedReadLock(1));
          lock.unlock();
-         return std::string();
      },
      kOther | kRefuses},
 };
 
 }  // namespace
+}  // namespace fault

@@ -23,13 +23,19 @@ void* __libc_calloc(std::size_t count, std::size_t size);
 void* __libc_realloc(void* block, std::size_t size);
 void* __libc_memalign(std::size_t alignment, std::size_t size);
 void __libc_free(void* block);
+
+// The C library loses a block if memory runs out while it loads a library.
+[[gnu::visibility("default")]] const char* __lsan_default_suppressions();
+const char* __lsan_default_suppressions() { return "leak:_dl_map_object_deps"; }
 }
 // NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
+
+using fault::Mode;
 
 namespace {
 
 thread_local long t_left = -1;
-thread_local faults::Mode t_mode = faults::Mode::kOnce;
+thread_local Mode t_mode = Mode::kOnce;
 thread_local bool t_failed = false;
 thread_local int t_calm = 0;
 std::atomic<long> g_live{0};
@@ -40,7 +46,7 @@ bool isDue() {
         --t_left;
         return false;
     }
-    if (t_mode == faults::Mode::kOnce) t_left = -1;
+    if (t_mode == Mode::kOnce) t_left = -1;
     errno = ENOMEM;
     return t_failed = true;
 }
@@ -50,7 +56,8 @@ void* counted(void* block) {
     return block;
 }
 
-void* allocate(std::size_t size) noexcept {
+/// @return null without a new-handler; throws what the new-handler throws
+void* allocate(std::size_t size) {
     for (;;) {
         void* const block = std::malloc(size != 0 ? size : 1);
         const std::new_handler handler = block == nullptr ? std::get_new_handler() : nullptr;
@@ -59,27 +66,33 @@ void* allocate(std::size_t size) noexcept {
     }
 }
 
-void* allocateOrThrow(std::size_t size) {
-    if (void* const block = allocate(size)) return block;
-    throw std::bad_alloc();
+void* notNull(void* block) {
+    if (block == nullptr) throw std::bad_alloc();
+    return block;
 }
 
-void* alignedOrThrow(std::size_t size, std::align_val_t alignment) {
-    if (void* const block = std::aligned_alloc(static_cast<std::size_t>(alignment), size))
-        return block;
-    throw std::bad_alloc();
+void* orNull(std::size_t size) noexcept {
+    try {
+        return allocate(size);
+    } catch (...) {
+        return nullptr;
+    }
+}
+
+void* aligned(std::size_t size, std::align_val_t alignment) noexcept {
+    return std::aligned_alloc(static_cast<std::size_t>(alignment), size);
 }
 
 }  // namespace
 
-namespace faults {
+namespace fault {
 
-void arm(long n, Mode mode) {
+void failAllocation(long n, Mode mode) {
     t_left = n;
     t_mode = mode;
     t_failed = false;
 }
-bool hasFailed() { return t_failed; }
+bool allocationFailed() { return t_failed; }
 Calm::Calm() {
     ++t_calm;
     pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_iBefore);
@@ -91,7 +104,7 @@ Calm::~Calm() {
 bool isCalm() { return t_calm > 0; }
 long liveBlocks() { return g_live.load(std::memory_order_relaxed); }
 
-}  // namespace faults
+}  // namespace fault
 
 // With hidden visibility, the functions would not replace those that shared libraries call.
 #pragma GCC visibility push(default)
@@ -138,15 +151,15 @@ void free(void* block) noexcept {
 
 }  // extern "C"
 
-void* operator new(std::size_t size) { return allocateOrThrow(size); }
-void* operator new[](std::size_t size) { return allocateOrThrow(size); }
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
+void* operator new(std::size_t size) { return notNull(allocate(size)); }
+void* operator new[](std::size_t size) { return notNull(allocate(size)); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return orNull(size); }
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return orNull(size); }
 void* operator new(std::size_t size, std::align_val_t alignment) {
-    return alignedOrThrow(size, alignment);
+    return notNull(aligned(size, alignment));
 }
 void* operator new(std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
-    return std::aligned_alloc(static_cast<std::size_t>(alignment), size);
+    return aligned(size, alignment);
 }
 void operator delete(void* block) noexcept { std::free(block); }
 void operator delete[](void* block) noexcept { std::free(block); }

@@ -1,67 +1,90 @@
-// Lets every allocation of every row fail once, first alone and then with all later ones. After
-// each failure, checks that the row failed as promised or gave the same result as without the
-// failure, that it succeeds when memory is available again, and that no block is lost.
+// Lets every allocation of every row fail once, first alone and then with all later ones. Lets
+// every system call of every row fail once with each error number of its manual page. After each
+// failure, checks that the row failed as promised or gave the same result as without the failure,
+// that it succeeds afterwards, and that no block and no descriptor is lost.
 #include <gtest/gtest.h>
+#include <pthread.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
 #include <new>
-#include <string>
+#include <utility>
 
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLSystemError.hpp"
 #include "QBLCore/Exceptions/QBLThreadResourceError.hpp"
-#include "tests/faults/Attempt.hpp"
+#include "QBLCore/Frame/QBLCore.h"
+#include "i18n/cpp/i18n_init.h"
 #include "tests/faults/Rows.hpp"
 
-// The C library loses a block if memory runs out while it loads a library.
-// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming): the sanitizer's name
-extern "C" [[gnu::visibility("default")]] const char* __lsan_default_suppressions();
-const char* __lsan_default_suppressions() { return "leak:_dl_map_object_deps"; }
-// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
-
-namespace faults {
+namespace fault {
 
 std::vector<Row>& rows() {
     static std::vector<Row> s_rows;
     return s_rows;
 }
 
-}  // namespace faults
+const TempTree& tree() {
+    static const TempTree kTree;
+    return kTree;
+}
+
+void start() {
+    static const bool kStarted = calmly([] {
+        setenv("TAV_EXEC_PATH", QBL_RES_DIR, 1);
+        const bool started = qblCoreInitialize() == 0;
+        I18NInitialize();
+        return started;
+    });
+    if (!kStarted) throw Broken{"not started"};
+}
+
+void needErrno(bool done, int error, int documented) {
+    if (!done && error != injectedError() && error != documented)
+        throw Broken{"errno is " + std::to_string(error)};
+    need(done);
+}
+void needErrno(bool done) { needErrno(done, errno); }
 
 namespace {
 
-using faults::attempt;
-using faults::Mode;
-using faults::Outcome;
+constexpr long kMost = 100000;
+constexpr unsigned kMemory = kOutOfMemory | kBadAlloc;
 
-constexpr long kMostAllocations = 100000, kSampled = 100;
+struct Outcome {
+    bool done = false;
+    unsigned promise = kNothing;
+    std::string text;     // the result, or the error
+    long long error = 0;  // the error number of a QBLSystemError
+};
 
 /// Names the current exception.
 Outcome failure() {
-    const faults::Calm calm;
+    const Calm calm;
     try {
         throw;
-    } catch (const faults::Broken& broken) {
+    } catch (const Broken& broken) {
         return {false, ~0U, broken.what};
-    } catch (const faults::Refused&) {
-        return {false, faults::kRefuses, "refused"};
+    } catch (const Refused&) {
+        return {false, kRefuses, "refused"};
     } catch (const QBLOutOfMemoryError&) {
-        return {false, faults::kOutOfMemory, "QBLOutOfMemoryError"};
+        return {false, kOutOfMemory, "QBLOutOfMemoryError"};
     } catch (const QBLThreadResourceError&) {
-        return {false, faults::kThreadResource, "QBLThreadResourceError"};
+        return {false, kThreadResource, "QBLThreadResourceError"};
     } catch (const QBLSystemError& error) {
-        return {false, faults::kOther, error.getThrowableName(), error.getErrorCode()};
+        return {false, kOther, error.getThrowableName(), error.getErrorCode()};
     } catch (const QBLThrowable& error) {
-        return {false, faults::kOther, error.getThrowableName()};
+        return {false, kOther, error.getThrowableName()};
     } catch (const std::bad_alloc&) {
-        return {false, faults::kBadAlloc, "std::bad_alloc"};
+        return {false, kBadAlloc, "std::bad_alloc"};
     } catch (const std::exception& error) {
         return {false, ~0U, error.what()};
     }
 }
 
-}  // namespace
-
-faults::Outcome faults::attempt(const Row& row) {
+Outcome attempt(const Row& row) {
     try {
         return {true, kNothing, row.run()};
     } catch (...) {
@@ -69,74 +92,210 @@ faults::Outcome faults::attempt(const Row& row) {
     }
 }
 
-namespace {
+/// What must not grow.
+struct Held {
+    long blocks, descriptors;
 
-class RowTest : public testing::Test {
+    static Held now() {
+        const Calm calm;
+        const std::filesystem::directory_iterator open("/proc/self/fd");
+        return {liveBlocks(), std::distance(begin(open), end(open))};
+    }
+    bool exceeds(const Held& other) const {
+        return blocks > other.blocks || descriptors > other.descriptors;
+    }
+};
+
+/// Whether the system has answered: there is no such thing, or this process may not use it.
+bool isAbsence(int error) {
+    const int answers[] = {EACCES,  ELOOP,   ENAMETOOLONG, ENODATA, ENOENT,
+                           ENOTDIR, ENOTSUP, ENXIO,        EPERM,   ERANGE};
+    return std::find(std::begin(answers), std::end(answers), error) != std::end(answers);
+}
+
+/// Runs a row with failures.
+class Trial {
 public:
-    explicit RowTest(const faults::Row& row) : m_row(row) {}
-
-    void TestBody() override {
-        for (int round = 0; round < 2; ++round) {  // the first run may fill caches
-            const Outcome clean = attempt(m_row);
-            ASSERT_TRUE(clean.done) << clean.text;
-            ASSERT_TRUE(round == 0 || clean.text == m_expected) << clean.text;
-            m_expected = clean.text;
-        }
-        // Rows with very many allocations: all of the first ones, and a sample of the others.
-        for (const Mode mode : {Mode::kOnce, Mode::kFromThenOn})
-            for (long n = 0; failAt(n, mode) && !HasFailure(); n += 1 + n / kSampled)
-                ASSERT_LT(n, kMostAllocations);
+    explicit Trial(const Row& row) : m_row(row), m_where(row.name + ": ") {
+        const Outcome first = attempt(row);  // may fill caches
+        reset();
+        const Outcome clean = attempt(row);
+        m_expected = clean.text;
+        m_bClean = clean.done && first.text == clean.text;
+        if (!m_bClean) report(first.text + ", then " + clean.text);
     }
 
-private:
-    /// @return false if the row has no more than n allocations
-    bool failAt(long n, Mode mode) {
-        SCOPED_TRACE(testing::Message() << "allocation " << n << " of mode " << int(mode));
-        const long before = faults::liveBlocks();
-        long live[4] = {};
-        bool failed = false;
-        // The first failure may change what caches hold. A leak shows in every run.
-        for (long& blocks : live) {
-            faults::arm(n, mode);
-            Outcome outcome = attempt(m_row);
-            failed = faults::hasFailed();
-            faults::arm(-1, mode);
-            check(outcome, failed);
-            outcome = attempt(m_row);
-            EXPECT_TRUE(outcome.done) << "retry: " << outcome.text;
-            EXPECT_EQ(m_expected, outcome.text) << "retry";
-            outcome.text = {};
-            blocks = faults::liveBlocks();
-            if (!failed || HasFailure() || blocks <= before) return failed;
+    /// Calls tryOnce(n) for each n, or for a sample of the great ones, until it returns false
+    /// because the row gives no n-th occasion to fail.
+    template <class TryOnce>
+    void each(const char* failure, long sampled, TryOnce tryOnce) {
+        m_bFaulty = !m_bClean;
+        for (long n = 0; n < kMost; n += 1 + n / sampled) {
+            m_where = m_row.name + ", " + failure + ", " + std::to_string(n) + ": ";
+            // The first failure may change what caches hold. A leak shows in every run.
+            const Held before = Held::now();
+            Held last = before;
+            int growing = 0;
+            do {
+                if (m_bFaulty || !tryOnce(n) || m_bFaulty) return;
+                const Held now = Held::now();
+                growing = now.exceeds(last) ? growing + 1 : 0;
+                last = now;
+            } while (last.exceeds(before) && growing > 0 && growing < 4);
+            if (growing != 0)
+                report("four runs lost blocks: " + std::to_string(last.blocks - before.blocks) +
+                       ", descriptors: " + std::to_string(last.descriptors - before.descriptors));
         }
-        EXPECT_FALSE(live[0] < live[1] && live[1] < live[2] && live[2] < live[3])
-            << "lost blocks: " << live[3] - live[0] << " in three runs";
+        report("too many occasions");
+    }
+
+    /// @param arm  requests a failure of an allocation, or of a call
+    /// @return true if something has failed
+    template <class Arm>
+    bool fail(bool ofCall, Arm arm) {
+        arm();
+        const int error = injectedError();
+        const Outcome outcome = attempt(m_row);
+        const bool failed = reset();
+        check(outcome, failed ? allowed(ofCall, error) : kNothing, error);
+        if (failed) retry();
         return failed;
     }
 
-    void check(const Outcome& outcome, bool failed) const {
-        if (outcome.done) {
-            EXPECT_EQ(m_expected, outcome.text);
-        } else {
-            EXPECT_TRUE(failed) << outcome.text;
-            EXPECT_TRUE(outcome.promise != ~0U && (outcome.promise & m_row.promises) != 0)
-                << outcome.text;
-        }
+    void retry() { check(attempt(m_row), kNothing, 0); }
+
+    bool runInThread(long n) {
+        Job job{m_row, n};
+        pthread_t thread;
+        void* result = nullptr;
+        if (pthread_create(&thread, nullptr, &Job::run, &job) != 0) return false;
+        pthread_join(thread, &result);
+        // The row may disable cancellation, and then finish.
+        if (result != PTHREAD_CANCELED) check(job.outcome, kNothing, 0);
+        if (job.cancelled) retry();
+        return job.cancelled;
     }
 
-    const faults::Row& m_row;
-    std::string m_expected;
+private:
+    struct Job {
+        const Row& row;
+        long n;
+        Outcome outcome{};
+        bool cancelled = false;
+
+        static void* run(void* given) {
+            Job& job = *static_cast<Job*>(given);
+            cancelAfter(job.n, &job.cancelled);
+            job.outcome = attempt(job.row);
+            cancelAfter(-1, nullptr);
+            return nullptr;
+        }
+    };
+
+    unsigned allowed(bool ofCall, int error) const {
+        if (!ofCall) return m_row.promises;
+        unsigned all = m_row.promises | m_row.calls;
+        if (error != ENOMEM) all &= ~kMemory;
+        return (all & kAbsence) != 0 && isAbsence(error) ? all | kFallback : all;
+    }
+    void check(const Outcome& outcome, unsigned allowed, int error) {
+        unsigned got = outcome.promise;
+        if (outcome.done) got = outcome.text != m_expected ? kFallback : kNothing;
+        if ((got & ~allowed) != 0 || (outcome.error != 0 && outcome.error != error))
+            report(outcome.text + " " + std::to_string(outcome.error));
+    }
+    void report(const std::string& what) {
+        m_bFaulty = true;
+        ADD_FAILURE() << m_where << what;
+    }
+
+    const Row& m_row;
+    std::string m_where, m_expected;
+    bool m_bClean = false, m_bFaulty = false;
 };
 
+void failAllocations(const Row& row) {
+    Trial trial(row);
+    for (const Mode mode : {Mode::kOnce, Mode::kFromThenOn})
+        trial.each(mode == Mode::kOnce ? "allocation" : "allocations from", 100,
+                   [&](long n) { return trial.fail(false, [=] { failAllocation(n, mode); }); });
+}
+
+void failCalls(Call call) {
+    bool reached = false;
+    for (const Row& row : rows()) {
+        Trial trial(row);
+        if (seen(call) == 0) continue;
+        reached = true;
+        for (const int error : hooks()[call].errors)
+            if (error != 0)
+                trial.each(strerrorname_np(error), 40, [&](long n) {
+                    return trial.fail(true, [=] { failCall(call, n, error); });
+                });
+    }
+    EXPECT_TRUE(reached) << "no row calls " << hooks()[call].name;
+}
+
+void strikeAll(Disaster disaster) {
+    for (const Row& row : rows()) {
+        Trial trial(row);
+        trial.each("disaster", 40,
+                   [&](long n) { return trial.fail(true, [=] { strike(disaster, n); }); });
+    }
+}
+
+/// Cancels a thread at each cancellation point of each row.
+void cancelEverywhere() {
+    for (const Row& row : rows()) {
+        Trial trial(row);
+        trial.each("cancelled", 40, [&](long n) { return trial.runInThread(n); });
+    }
+}
+
+/// Runs the rows on a file system whose numbers need more than 32 bits.
+void runInFuture() {
+    for (const Row& row : rows()) {
+        Trial trial(row);
+        const System future(Kind::kFuture);
+        trial.retry();
+    }
+}
+
+class Case : public testing::Test {
+public:
+    explicit Case(std::function<void()> body) : m_body(std::move(body)) {}
+    void TestBody() override { m_body(); }
+
+private:
+    std::function<void()> m_body;
+};
+
+void add(const char* suite, const char* name, const std::function<void()>& body) {
+    testing::RegisterTest(suite, name, nullptr, nullptr, __FILE__, __LINE__,
+                          [body]() -> testing::Test* { return new Case(body); });
+}
+
+void addTests() {
+    for (const Row& row : rows()) add("Faults", row.name.c_str(), [&row] { failAllocations(row); });
+    for (std::size_t call = 0; call < kCallCount; ++call)
+        add("Calls", hooks()[call].name, [call] { failCalls(static_cast<Call>(call)); });
+    const std::pair<const char*, Disaster> disasters[] = {{"ShortTransfers", Disaster::kShort},
+                                                          {"NoDescriptor", Disaster::kDescriptors},
+                                                          {"FullDisk", Disaster::kFull},
+                                                          {"ReadOnly", Disaster::kReadOnly}};
+    for (const auto& disaster : disasters)
+        add("Disasters", disaster.first, [which = disaster.second] { strikeAll(which); });
+    add("Disasters", "LargeNumbers", &runInFuture);
+    add("Cancellation", "AtEachPoint", &cancelEverywhere);
+}
+
 }  // namespace
+}  // namespace fault
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
 #ifndef __clang_analyzer__  // it takes the factories of the tests for lost
-    for (const faults::Row& row : faults::rows())
-        testing::RegisterTest("Faults", row.name.c_str(), nullptr, nullptr, __FILE__, __LINE__,
-                              [&row]() -> testing::Test* { return new RowTest(row); });
+    fault::addTests();
 #endif
-    faults::registerCallTests();
     return RUN_ALL_TESTS();
 }

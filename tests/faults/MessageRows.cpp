@@ -1,38 +1,19 @@
 #include <cerrno>
 #include <memory>
-#include <string>
 
-#include "QBLCore/Messages/QBLErrnoMessage.hpp"
-#include "QBLCore/Messages/QBLMessage.hpp"
-#include "QBLCore/Messages/QBLMessageFile.hpp"
-#include "QBLCore/Messages/QBLMessageSet.hpp"
-#include "QBLCore/Messages/QBLMessageString.hpp"
-#include "QBLCore/Messages/QBLWin32Message.hpp"
-#include "QBLCore/Messages/QBLXmlEscape.hpp"
-#include "QBLCore/Resources/QBLCatalogueSettings.hpp"
-#include "QBLCore/Resources/QBLResourceBMF.hpp"
-#include "QBLCore/Resources/QBLResourceFactory.hpp"
-#include "QBLCore/Resources/QBLResourceFile.hpp"
-#include "i18n/cpp/i18n_string.hpp"
 #include "tests/faults/Rows.hpp"
 #include "tests/support/BmfFile.hpp"
-#include "tests/support/TempTree.hpp"
+#include "tests/support/Library.hpp"
 
+namespace fault {
 namespace {
-
-using faults::calmly;
-using faults::changed;
-using faults::kFallback;
-using faults::kOutOfMemory;
-using faults::need;
 
 /// Two catalogues, which exist as long as the program runs.
 const std::string& base() {
-    static const TempTree kTree;
     static const std::string kBase = [] {
-        kTree.file("texts_de.bmf", bmfBytes({{1, "{0} von {1}: {2}"}, {2, "zwei"}}));
-        kTree.file("texts.bmf", bmfBytes({{1, "{0} of {1} items"}}));
-        return kTree("texts");
+        tree().file("texts_de.bmf", bmfBytes({{1, "{0} von {1}: {2}"}, {2, "zwei"}}));
+        tree().file("texts.bmf", bmfBytes({{1, "{0} of {1} items"}}));
+        return tree()("texts");
     }();
     return kBase;
 }
@@ -54,17 +35,11 @@ std::string xmlOf(const QBLMessageParm& parm) {
     return out.toUtf8();
 }
 
-template <class Make>
-std::string shown(Make make) {
-    const auto object = make();
-    return calmly([&] { return xmlOf(object); });
-}
-
 template <class Message>
-std::string formatted(Message&& message, const char* locales) {
+I18NString formatted(Message&& message, const char* locales) {
     I18NString out;
     message.format(locales, nullptr, out);
-    return calmly([&] { return out.toUtf8(); });
+    return out;
 }
 
 QBLMessage filled() {
@@ -73,43 +48,49 @@ QBLMessage filled() {
     return message;
 }
 
-/// Copies, assigns and clones a message.
+std::string print(const QBLMessageBase& message) { return xmlOf(message); }
+
+/// Copies, assigns, clones and shows a message.
 template <class Message>
 void addCopies(const char* name, Message (*make)(), Message (*makeOther)()) {
-    const std::string prefix(name);
-    faults::rows().push_back({prefix + ".make", kOutOfMemory, [make] { return shown(make); }});
-    faults::rows().push_back({prefix + ".copy", kOutOfMemory, [make] {
-                                  const Message from = calmly(make);
-                                  return shown([&] { return Message(from); });
-                              }});
-    faults::rows().push_back({prefix + ".assign", kOutOfMemory, [make, makeOther] {
-                                  const Message from = calmly(make);
-                                  Message to = calmly(makeOther);
-                                  return changed(
-                                      to, [](const Message& m) { return xmlOf(m); },
-                                      [&](Message& m) { m = from; });
-                              }});
-    faults::rows().push_back({prefix + ".clone", kOutOfMemory, [make] {
-                                  const Message from = calmly(make);
-                                  const std::unique_ptr<const QBLMessageBase> copy(from.clone());
-                                  return calmly([&] { return xmlOf(*copy); });
-                              }});
-    faults::rows().push_back({prefix + ".format", kOutOfMemory,
-                              [make] {
-                                  const Message message = calmly(make);
-                                  const std::string german = formatted(message, "de"),
-                                                    english = formatted(message, nullptr);
-                                  return calmly([&] { return german + english; });
-                              },
-                              kFallback});
-    faults::rows().push_back({prefix + ".toString", kOutOfMemory,
-                              [make] {
-                                  const Message message = calmly(make);
-                                  I18NString out;
-                                  message.toString("de", nullptr, out, 1);
-                                  return calmly([&] { return out.toUtf8(); });
-                              },
-                              kFallback});
+    const auto add = [name](const char* operation, auto run, unsigned calls = kNothing) {
+        rows().emplace_back(std::string(name) + operation, kOutOfMemory, run, calls);
+    };
+    const auto printed = [](const QBLMessageBase& message) {
+        return calmly([&] { return xmlOf(message); });
+    };
+    add(".make", [=] { return printed(make()); });
+    add(".copy", [=] {
+        const Message from = calmly(make);
+        return printed(Message(from));
+    });
+    add(".assign", [=] {
+        const Message from = calmly(make);
+        Message to = calmly(makeOther);
+        return changed(to, print, [&](Message& m) { m = from; });
+    });
+    add(".clone", [=] {
+        const Message from = calmly(make);
+        return printed(*std::unique_ptr<const QBLMessageBase>(from.clone()));
+    });
+    add(
+        ".format",
+        [=] {
+            const Message message = calmly(make);
+            const I18NString german = formatted(message, "de"),
+                             english = formatted(message, nullptr);
+            return calmly([&] { return german + english; });
+        },
+        kFallback);
+    add(
+        ".toString",
+        [=] {
+            const Message message = calmly(make);
+            I18NString out;
+            message.toString("de", nullptr, out, 1);
+            return out;
+        },
+        kFallback);
 }
 
 const bool kCopies = [] {
@@ -142,8 +123,6 @@ const bool kCopies = [] {
     return true;
 }();
 
-std::string parametersOf(const QBLMessageComponents& message) { return xmlOf(message); }
-
 QBLMessageSet* makeSet() {
     auto* const set = new QBLMessageSet();
     *set << filled() << QBLMessageString("second");
@@ -153,14 +132,14 @@ QBLMessageSet* makeSet() {
 template <class Change>
 std::string changedSet(Change change) {
     const std::unique_ptr<QBLMessageSet> set(calmly(makeSet));
-    return changed(
-        *set, [](const QBLMessageSet& s) { return xmlOf(s); }, change);
+    const auto show = [](const QBLMessageSet& s) { return xmlOf(s); };
+    return changed(*set, show, change);
 }
 
 std::string changedParm(void (*change)(QBLMessageParm&)) {
     QBLMessageParm parm = calmly([] { return QBLMessageParm("a text before the change"); });
-    return changed(
-        parm, [](const QBLMessageParm& p) { return xmlOf(p); }, change);
+    const auto show = [](const QBLMessageParm& p) { return xmlOf(p); };
+    return changed(parm, show, change);
 }
 
 std::string textOf(QBLResource* resource) {
@@ -173,26 +152,25 @@ std::string textOf(QBLResource* resource) {
     return calmly([&] { return std::string(text); });
 }
 
-const QBLMessage kOther = filled();
+const QBLMessage kSource = filled();
 
-const faults::Rows kRows{
+const Rows kRows{
     {"QBLMessageComponents.add", kOutOfMemory,
      [] {
          QBLMessage message = calmly(filled);
-         return changed(message, parametersOf, [](QBLMessage& m) { m << I18NString("one more"); });
+         return changed(message, print, [](QBLMessage& m) { m << I18NString("one more"); });
      }},
     {"QBLMessageComponents.copyParms", kOutOfMemory,
      [] {
          QBLMessageComponents message = calmly([] { return QBLMessageComponents(3); });
-         return changed(message, parametersOf,
-                        [](QBLMessageComponents& m) { m.copyParms(kOther); });
+         return changed(message, print, [](QBLMessageComponents& m) { m.copyParms(kSource); });
      }},
     {"QBLMessageSet.add", kOutOfMemory,
-     [] { return changedSet([](QBLMessageSet& s) { s << kOther; }); }},
+     [] { return changedSet([](QBLMessageSet& s) { s << kSource; }); }},
     {"QBLMessageSet.addFront", kOutOfMemory,
-     [] { return changedSet([](QBLMessageSet& s) { s.addMessageFront(kOther); }); }},
+     [] { return changedSet([](QBLMessageSet& s) { s.addMessageFront(kSource); }); }},
     {"QBLMessageSet.addOwned", kOutOfMemory,
-     [] { return changedSet([](QBLMessageSet& s) { s.addMessage(kOther.clone()); }); }},
+     [] { return changedSet([](QBLMessageSet& s) { s.addMessage(kSource.clone()); }); }},
     {"QBLMessageSet.assign", kOutOfMemory,
      [] {
          const std::unique_ptr<QBLMessageSet> other(calmly(makeSet));
@@ -228,42 +206,36 @@ const faults::Rows kRows{
          parm->format(nullptr, out);
          QBLMessageParm(2.5).format(nullptr, out);
          QBLMessageParm(QBLMsgParmOpaque).format(nullptr, out);
-         return calmly([&] { return out.toUtf8(); });
+         return out;
      }},
-    {"qblXmlEscape", kOutOfMemory | faults::kBadAlloc,
+    {"qblXmlEscape", kOutOfMemory | kBadAlloc,
      [] {
-         const I18NString text = qblXmlEscape(kOther.getMsgFile());
+         const I18NString text = qblXmlEscape(kSource.getMsgFile());
          const std::string utf8 = qblXmlEscape(std::string_view("<&> and \x01 and a longer rest"));
          return calmly([&] { return text.toUtf8().substr(0, 5) + utf8; });
      }},
-    {"QBLResourceFactory.find", faults::kBadAlloc | kOutOfMemory,
+    {"QBLResourceFactory.find", kBadAlloc | kOutOfMemory,
      [] {
          const std::string& texts = base();
-         const std::string found = QBLResourceFactory::find(texts, "fr,de");
-         return calmly([&] { return std::string(found); });
+         return QBLResourceFactory::find(texts, "fr,de");
      },
      kFallback},
-    {"QBLResourceFactory.getCandidates", faults::kBadAlloc | kOutOfMemory,
+    {"QBLResourceFactory.getCandidates", kBadAlloc | kOutOfMemory,
      [] {
          const std::string& texts = base();
-         const auto names = QBLResourceFactory::getCandidates(texts, "fr_CA,de");
-         return calmly([&] {
-             std::string all;
-             for (const std::string& name : names) all += name + " ";
-             return all;
-         });
+         return QBLResourceFactory::getCandidates(texts, "fr_CA,de");
      }},
-    {"QBLResourceFactory.findAndGet", kOutOfMemory | faults::kRefuses,
+    {"QBLResourceFactory.findAndGet", kOutOfMemory | kRefuses,
      [] {
          const std::string& texts = base();
          return textOf(QBLResourceFactory::findAndGet(texts, "de", 1));
      }},
-    {"QBLResourceFactory.get", kOutOfMemory | faults::kRefuses,
+    {"QBLResourceFactory.get", kOutOfMemory | kRefuses,
      [] {
          const std::string name = calmly([] { return base() + "_de.bmf"; });
          return textOf(QBLResourceFactory::get(name, "de", 0));
      }},
-    {"QBLResourceFile", kOutOfMemory | faults::kRefuses,
+    {"QBLResourceFile", kOutOfMemory | kRefuses,
      [] {
          const std::string& texts = base();
          QBLResourceFile file(texts, "de", 0);
@@ -272,11 +244,22 @@ const faults::Rows kRows{
          need(file.getResource(2, &text) && text != nullptr && *text != '\0');
          return calmly([&] { return std::string(text); });
      }},
-    {"QBLCatalogueSettings.directories", kOutOfMemory | faults::kBadAlloc,
+    {"QBLResourceBMF.open", kOutOfMemory | kRefuses,
+     [] {
+         const std::string name = calmly([] { return base() + "_de.bmf"; });
+         QBLResourceBMF resource(1);
+         calmly([&] { resource.setResourceFileName(name); });
+         try {
+             need(resource.open());
+         } catch (const QBLOutOfMemoryError&) {
+             if (resource.isOpen()) throw Broken{"stays open"};
+             throw;
+         }
+     }},
+    {"QBLCatalogueSettings.directories", kOutOfMemory | kBadAlloc,
      [] {
          QBLCatalogueSettings::addDirectory("/a/directory/that/does/not/exist");
-         const auto paths = QBLCatalogueSettings::getDirectories();
-         return calmly([&] { return paths.front(); });
+         return QBLCatalogueSettings::getDirectories().front();
      }},
     {"QBLCatalogueSettings.locales", kOutOfMemory,
      [] {
@@ -289,3 +272,4 @@ const faults::Rows kRows{
 };
 
 }  // namespace
+}  // namespace fault

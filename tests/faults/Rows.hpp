@@ -4,20 +4,31 @@
 #include <functional>
 #include <initializer_list>
 #include <string>
+#include <type_traits>
 #include <vector>
 
-#include "tests/faults/Calls.hpp"
+#include "i18n/cpp/i18n_string.hpp"
 #include "tests/faults/Injector.hpp"
+#include "tests/support/TempTree.hpp"
 
-namespace faults {
+namespace fault {
 
 /// Thrown by need(): the operation reported a failure by its result.
 struct Refused {};
+
+/// Thrown if an object is not what its class promises.
+struct Broken {
+    std::string what;
+};
 
 /// For operations that report by a result.
 inline void need(bool done) {
     if (!done) throw Refused();
 }
+/// For operations whose failure sets errno to the error of what failed.
+/// @param documented  another error number that the header names
+void needErrno(bool done, int error, int documented = 0);
+void needErrno(bool done);
 
 /// Runs code that must not fail, such as the preparation of a row or a look at its results.
 template <class Code>
@@ -26,10 +37,10 @@ auto calmly(Code code) {
     return code();
 }
 
-/// Thrown if an object is not what its class promises.
-struct Broken {
-    std::string what;
-};
+/// Starts the library on the first call.
+void start();
+/// A directory that exists as long as the program runs.
+const TempTree& tree();
 
 /// Changes an object. If the change fails, the object must be as before.
 /// @param print  returns everything that users can see of the object; throws Broken if an invariant
@@ -59,24 +70,46 @@ enum Promise : unsigned {
     kNothing = 0          // cannot fail
 };
 
+inline std::string shown(const std::string& text) { return text; }
+inline std::string shown(const I18NString& text) { return text.toUtf8(); }
+inline std::string shown(long long number) { return std::to_string(number); }
+template <class Range, class = decltype(std::declval<const Range&>().begin())>
+std::string shown(const Range& range) {
+    std::string all;
+    for (const auto& each : range) all += shown(each) + "\n";
+    return all;
+}
+
 /// One operation, or a few that belong together.
 struct Row {
+    /// @param operation  Returns nothing or a result that shown() takes. The result must be the
+    /// same
+    ///     for every run that succeeds, whether an allocation or a call failed before or not.
+    template <class Operation>
+    Row(std::string what, unsigned promised, Operation operation, unsigned forCalls = kNothing)
+        : name(std::move(what)), promises(promised), calls(forCalls), run([operation] {
+              if constexpr (std::is_void_v<decltype(operation())>) {
+                  operation();
+                  return std::string();
+              } else {
+                  const auto result = operation();
+                  return calmly([&result] { return shown(result); });
+              }
+          }) {}
+
     std::string name;   // Class.operation
     unsigned promises;  // a set of Promise
-    /// Runs the operation and returns its result as text. The text must be the same for every run
-    /// that succeeds, whether an allocation failed before or not.
+    unsigned calls;     // what else it may do when a system call fails: a set of Promise
     std::function<std::string()> run;
-    /// What else the operation may do when a system call fails: a set of Promise.
-    unsigned calls = kNothing;
 };
 
 std::vector<Row>& rows();
 
 /// Adds the rows of a source to the table.
 struct Rows {
-    explicit Rows(std::initializer_list<Row> some) { rows().insert(rows().end(), some); }
+    Rows(std::initializer_list<Row> some) { rows().insert(rows().end(), some); }
 };
 
-}  // namespace faults
+}  // namespace fault
 
 #endif

@@ -1,62 +1,17 @@
 #include <atomic>
 #include <memory>
-#include <string>
 
-#include "QBLCore/Frame/QBLCore.h"
-#include "QBLCore/Frame/QBLList.hpp"
-#include "QBLCore/ObjectFactory/QBLObjectFactory.hpp"
-#include "QBLCore/ObjectFactory/QBLObjectFactoryItem.hpp"
-#include "QBLCore/QBLCustodian/QBLCustodian.hpp"
-#include "QBLCore/ThreadPools/QBLExecute.hpp"
-#include "QBLCore/ThreadPools/QBLSubmit.hpp"
-#include "QBLCore/ThreadPools/QBLTaskGroup.hpp"
-#include "QBLCore/ThreadPools/QBLThreadPoolFixed.hpp"
-#include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
-#include "QBLCore/ThreadPools/QBLThreadPoolVariable.hpp"
-#include "QBLCore/Threads/QBLCallableThread.hpp"
-#include "QBLCore/Threads/QBLThread.hpp"
-#include "QBLCore/Threads/QBLThreadAutoResetEvent.hpp"
-#include "QBLCore/Threads/QBLThreadConditionVariable.hpp"
-#include "QBLCore/Threads/QBLThreadCriticalSection.hpp"
-#include "QBLCore/Threads/QBLThreadGuard.hpp"
-#include "QBLCore/Threads/QBLThreadKey.hpp"
-#include "QBLCore/Threads/QBLThreadManualResetEvent.hpp"
-#include "QBLCore/Threads/QBLThreadMutex.hpp"
-#include "QBLCore/Threads/QBLThreadRWLock.hpp"
-#include "QBLCore/Threads/QBLThreadRecursiveCriticalSection.hpp"
-#include "QBLCore/Threads/QBLThreadRecursiveMutex.hpp"
-#include "QBLCore/Threads/QBLThreadSemaphore.hpp"
-#include "QBLCore/Types/QBLByteBuffer.hpp"
-#include "QBLCore/Types/QBLVariant.hpp"
-#include "QBLCore/Utility/QBLBase64.hpp"
-#include "QBLCore/Utility/QBLMiniLogger.hpp"
-#include "QBLCore/Utility/QBLSquisher.hpp"
-#include "QBLCore/Utility/QBLUtStrTok.hpp"
-#include "QBLCore/Utility/QBLUtSystemInfo.hpp"
 #include "tests/faults/Rows.hpp"
+#include "tests/support/Library.hpp"
 
+namespace fault {
 namespace {
-
-using faults::calmly;
-using faults::changed;
-using faults::kBadAlloc;
-using faults::kNothing;
-using faults::kOther;
-using faults::kOutOfMemory;
-using faults::kRefuses;
-using faults::kThreadResource;
-using faults::need;
 
 constexpr unsigned kThread = kOutOfMemory | kThreadResource;
 
-void start() {
-    static const bool kStarted = calmly([] { return qblCoreInitialize() == 0; });
-    if (!kStarted) throw faults::Broken{"not started"};
-}
-
 /// Makes a lock, and locks and unlocks it in each way that it has.
 template <class Lock>
-std::string locked() {
+void useLock() {
     start();  // a lock that records its holder needs it
     Lock lock(1);
     lock.lock();
@@ -65,54 +20,81 @@ std::string locked() {
     lock.unlock();
     need(lock.boundedLock(1));
     lock.unlock();
-    return std::string();
 }
 
-template <class Pool, class Make>
-void addPool(const char* name, Make make) {
-    const std::string prefix(name);
-    faults::rows().push_back({prefix + ".make", kThread | kBadAlloc, [make] {
-                                  start();
-                                  make();
-                                  return std::string();
-                              }});
-    faults::rows().push_back({prefix + ".group", kThread, [make] {
-                                  start();
-                                  const std::unique_ptr<Pool> pool = calmly(make);
-                                  std::atomic<int> count{0};
-                                  QBLTaskGroup group(*pool);
-                                  for (int i = 0; i < 4; ++i) group.run([&count] { ++count; });
-                                  group.wait();
-                                  return calmly([&] { return std::to_string(count); });
-                              }});
-    faults::rows().push_back({prefix + ".submit", kThread | kBadAlloc, [make] {
-                                  start();
-                                  const std::unique_ptr<Pool> pool = calmly(make);
-                                  auto future = qblSubmit(*pool, [] { return 7; });
-                                  const int result = future.get();
-                                  return calmly([=] { return std::to_string(result); });
-                              }});
+/// Runs tasks at once, or refuses them.
+class NoPool : public QBLThreadExecuteRunnable {
+public:
+    explicit NoPool(bool refuses) : m_bRefuses(refuses) {}
+    int execute(QBLThreadRunnable* task, unsigned long) override {
+        if (!m_bRefuses) task->run();
+        return m_bRefuses ? 0 : 1;
+    }
+
+private:
+    bool m_bRefuses;
+};
+
+[[noreturn]] void throwState() { QBL_THROW(QBLIllegalStateError(5, "a text of its own")); }
+
+/// Runs code that throws the error of throwState(), unless memory runs out.
+template <class Code>
+void needState(Code code) {
+    try {
+        code();
+    } catch (const QBLIllegalStateError& error) {
+        return need(error.getErrorCode() == 5);
+    }
+    throw Broken{"nothing thrown"};
+}
+
+template <class Pool, unsigned... kArguments>
+void addPool(const std::string& name) {
+    rows().emplace_back(name + ".make", kThread, [] {
+        start();
+        Pool pool(kArguments...);
+    });
+    const auto make = [] { return std::make_unique<Pool>(kArguments...); };
+    rows().emplace_back(name + ".group", kThread, [make] {
+        start();
+        const std::unique_ptr<Pool> pool = calmly(make);
+        std::atomic<int> count{0};
+        QBLTaskGroup group(*pool);
+        for (int i = 0; i < 4; ++i) group.run([&count] { ++count; });
+        group.wait();
+        return count.load();
+    });
+    rows().emplace_back(name + ".submit", kThread | kBadAlloc, [make] {
+        start();
+        const std::unique_ptr<Pool> pool = calmly(make);
+        return qblSubmit(*pool, [] { return 7; }).get();
+    });
 }
 
 const bool kPools = [] {
-    addPool<QBLThreadPoolFixed>("QBLThreadPoolFixed",
-                                [] { return std::make_unique<QBLThreadPoolFixed>(2); });
-    addPool<QBLThreadPoolQueued>("QBLThreadPoolQueued",
-                                 [] { return std::make_unique<QBLThreadPoolQueued>(2, 8, 1); });
-    addPool<QBLThreadPoolVariable>(
-        "QBLThreadPoolVariable", [] { return std::make_unique<QBLThreadPoolVariable>(1, 3, 100); });
+    addPool<QBLThreadPoolFixed, 2>("QBLThreadPoolFixed");
+    addPool<QBLThreadPoolQueued, 2, 8, 1>("QBLThreadPoolQueued");
+    addPool<QBLThreadPoolVariable, 1, 3, 100>("QBLThreadPoolVariable");
     return true;
 }();
 
-std::string print(const QBLByteBuffer& buffer) { return std::string(buffer.data(), buffer.size()); }
+std::string print(const QBLByteBuffer& buffer) {
+    if (buffer.str()[buffer.pcount()] != '\0') throw Broken{"not terminated"};
+    return std::string(buffer.data(), buffer.size());
+}
 
-std::string changedBuffer(void (*change)(QBLByteBuffer&)) {
-    QBLByteBuffer buffer = calmly([] {
-        QBLByteBuffer made(8, 8);
-        made << "before";
-        return made;
-    });
-    return changed(buffer, print, change);
+template <class Change>
+Row edit(const char* name, Change change) {
+    const auto run = [change] {
+        QBLByteBuffer buffer = calmly([] {
+            QBLByteBuffer made(8, 8);
+            made << "before";
+            return made;
+        });
+        const std::string after = changed(buffer, print, change);
+        return calmly([&] { return after + print(buffer << 0); });
+    };
+    return {std::string("QBLByteBuffer.") + name, kOutOfMemory | kOther, run};
 }
 
 char g_id[] = "class";
@@ -129,11 +111,11 @@ public:
     int doIt(int /*terminating*/) override { return 0; }
 };
 
-const faults::Rows kRows{
-    {"QBLThreadMutex", kThread, locked<QBLThreadMutex>},
-    {"QBLThreadRecursiveMutex", kThread, locked<QBLThreadRecursiveMutex>},
-    {"QBLThreadCriticalSection", kThread, locked<QBLThreadCriticalSection>},
-    {"QBLThreadRecursiveCriticalSection", kThread, locked<QBLThreadRecursiveCriticalSection>},
+const Rows kRows{
+    {"QBLThreadMutex", kThread, useLock<QBLThreadMutex>},
+    {"QBLThreadRecursiveMutex", kThread, useLock<QBLThreadRecursiveMutex>},
+    {"QBLThreadCriticalSection", kThread, useLock<QBLThreadCriticalSection>},
+    {"QBLThreadRecursiveCriticalSection", kThread, useLock<QBLThreadRecursiveCriticalSection>},
     {"QBLThreadRWLock", kThread,
      [] {
          QBLThreadRWLock lock;
@@ -147,7 +129,6 @@ const faults::Rows kRows{
          const bool excluded = !lock.boundedLock(1);  // the wait for a reader ends
          lock.unlock();
          need(excluded);
-         return std::string();
      }},
     {"QBLThreadEvents", kThread,
      [] {
@@ -160,7 +141,6 @@ const faults::Rows kRows{
          one.wait();
          all.wait();
          semaphore.wait();
-         return std::string();
      }},
     {"QBLThreadConditionVariable", kThread,
      [] {
@@ -170,7 +150,6 @@ const faults::Rows kRows{
          condition.signal();
          condition.broadcast();
          static_cast<void>(condition.timedWait(lock, 1UL));
-         return std::string();
      }},
     {"QBLThreadKey", kThread,
      [] {
@@ -178,7 +157,6 @@ const faults::Rows kRows{
          QBLThreadKey key;
          key.setValue(&s_value);
          need(key.getValue() == &s_value);
-         return std::string();
      }},
     {"QBLCallableThread", kThread | kBadAlloc,
      [] {
@@ -187,7 +165,30 @@ const faults::Rows kRows{
          QBLCallableThread thread([&result] { result = 7; });
          thread.start();
          thread.join();
-         return calmly([&] { return std::to_string(result); });
+         return result;
+     }},
+    {"QBLTaskGroup.error", kThread,
+     [] {
+         NoPool pool(true);
+         QBLTaskGroup group(pool);
+         needState([&] {
+             group.run(&throwState);
+             group.wait();
+         });
+     }},
+    {"qblSubmit.error", kThread | kBadAlloc,
+     [] {
+         NoPool pool(false);
+         const auto held = calmly([] { return std::make_shared<int>(0); });
+         needState([&] { qblSubmit(pool, [held] { throwState(); }).get(); });
+     }},
+    {"qblSubmit.refused", kThread | kBadAlloc,
+     [] {
+         NoPool pool(true);
+         try {
+             qblSubmit(pool, &throwState).get();
+         } catch (const QBLThreadResourceError&) {
+         }
      }},
     {"QBLList", kOutOfMemory | kBadAlloc,
      [] {
@@ -195,7 +196,7 @@ const faults::Rows kRows{
          const auto show = [](const QBLList<int>& l) {
              std::string all;
              for (const int value : l) all += std::to_string(value);
-             if (all.size() != l.size()) throw faults::Broken{"size"};
+             if (all.size() != l.size()) throw Broken{"size"};
              return all;
          };
          changed(list, show, [](QBLList<int>& l) { l.push_back(4); });
@@ -203,31 +204,35 @@ const faults::Rows kRows{
          changed(list, show, [](QBLList<int>& l) { l.insert(++l.begin(), 9); });
          return changed(list, show, [](QBLList<int>& l) { l.emplace_back(5); });
      }},
-    {"QBLByteBuffer.append", kOutOfMemory | kOther,
-     [] { return changedBuffer([](QBLByteBuffer& b) { b << "text that needs more room"; }); }},
-    {"QBLByteBuffer.number", kOutOfMemory | kOther,
-     [] { return changedBuffer([](QBLByteBuffer& b) { b << 1234567890L; }); }},
-    {"QBLByteBuffer.printf", kOutOfMemory | kOther,
-     [] { return changedBuffer([](QBLByteBuffer& b) { b.printf("%s %d", "formatted", 7); }); }},
-    {"QBLByteBuffer.assign", kOutOfMemory | kOther,
-     [] {
-         static const QBLByteBuffer kTheOther = [] {
-             QBLByteBuffer made;
-             made << "another text, which is longer than the block";
-             return made;
-         }();
-         return changedBuffer([](QBLByteBuffer& b) { b = kTheOther; });
-     }},
+    edit("append", [](QBLByteBuffer& b) { b << "text that needs more room"; }),
+    edit("number", [](QBLByteBuffer& b) { b << 1234567890L; }),
+    edit("printf", [](QBLByteBuffer& b) { b.printf("%s %d", "formatted", 7); }),
+    edit("reserve", [](QBLByteBuffer& b) { b.reserve(1000); }),
+    edit("copy", [](QBLByteBuffer& b) { QBLByteBuffer(b) << "text that needs more room"; }),
+    edit("assign",
+         [](QBLByteBuffer& b) {
+             static const QBLByteBuffer kTheOther = [] {
+                 QBLByteBuffer made;
+                 made << "another text, which is longer than the block";
+                 return made;
+             }();
+             b = kTheOther;
+         }),
     {"QBLVariant", kRefuses,
      [] {
+         // After a failure, a variant has no type.
+         const auto check = [](bool done, const QBLVariant& variant) {
+             if (!done && !(variant == QBLVariant())) throw Broken{"has a value"};
+             need(done);
+         };
          QBLVariant text, copy;
-         need(text.setValue("a text in a variant", 0));
+         check(text.setValue("a text in a variant", 0), text);
+         need(calmly([&] { return copy.setValue("before", 0); }));
          copy = text;
+         check(copy == text, copy);
          const QBLVariant other(text);
-         need(copy.getVarType() == QBLVariant::QBLVariantString &&
-              other.getVarType() == QBLVariant::QBLVariantString);
-         need(copy == text && other == text);
-         return std::string();
+         check(other == text, other);
+         check(text.setValue("the second value", 0), text);
      }},
     {"qblBase64", kBadAlloc | kOutOfMemory,
      [] {
@@ -257,17 +262,21 @@ const faults::Rows kRows{
          logger.init("/dev/null");
          logger.log("caption", "text");
          logger.logTrace("caption", "trace");
-         return std::string();
      }},
     {"QBLObjectFactory", kOutOfMemory | kBadAlloc,
      [] {
          QBLObjectFactory factory;
          factory.registerClass(g_id, &Item::make);
-         factory.createObject(g_id)->release();
-         QBLObjectFactoryItem* const item = factory.createObject(g_id);
-         factory.releaseObject(item);
+         const auto create = [&factory] { return factory.createObject(g_id); };
+         try {
+             create()->release();
+         } catch (...) {
+             calmly(create)->release();
+             throw;
+         }
+         factory.releaseObject(create());
          factory.unregisterClass(g_id);
-         return std::string();
+         factory.registerClass(g_id, &Item::make);
      },
      kThreadResource},
     {"QBLCustodian", kRefuses | kThread,
@@ -277,13 +286,10 @@ const faults::Rows kRows{
          const bool registered = QBLCustodian::registerTask(&task);
          if (registered) QBLCustodian::deRegisterTask(&task);
          need(registered);
-         return std::string();
      }},
     {"QBLUtSystemInfo", kOutOfMemory | kBadAlloc,
-     [] {
-         const std::string stamp = QBLUtSystemInfo::getTimeStamp(0);
-         return calmly([&] { return std::to_string(stamp.size()); });
-     }},
+     [] { return QBLUtSystemInfo::getTimeStamp(0).size(); }},
 };
 
 }  // namespace
+}  // namespace fault

@@ -13,8 +13,8 @@
 #include "i18n/cpp/i18n_internal_resources.hpp"
 #include "i18n/cpp/i18n_locale.hpp"
 #include "i18n/cpp/i18n_string.hpp"
+#include "tests/faults/Injector.hpp"
 #include "tests/support/Child.hpp"
-#include "tests/support/FaultInjection.hpp"
 #include "tests/support/Workers.hpp"
 
 namespace {

@@ -14,7 +14,6 @@
 #include "i18n/cpp/i18n_internal_resources.hpp"
 #include "i18n/cpp/i18n_string.hpp"
 #include "tests/support/Child.hpp"
-#include "tests/support/FaultInjection.hpp"
 #include "tests/support/TempTree.hpp"
 #include "tests/support/ThrowChecks.hpp"
 #include "tests/support/Workers.hpp"
@@ -503,25 +502,4 @@ TEST_F(I18NResourcesTest, ServesConcurrentFirstCalls) {
     gate.open();
     workers.join();
     EXPECT_EQ(8, right);
-}
-
-TEST_F(I18NResourcesTest, ExhaustedMemoryLeavesNoPartialTables) {
-    const std::string text =
-        "<input>\n<encoding name=\"ascii\">\n<sequence value=\"0x80\">\n"
-        "<replacement value=\"0x20AC\"/>\n<locale name=\"de_DE\">\n";
-    m_tree.file("res.xml", text);
-    m_tree.file("qbli18nreswd_en.xml", "<noDescription value=\"long enough to be allocated\"/>");
-    const I18NLocale locale("de_AT");
-    const long runs = fault::eachAllocation([&] {
-        try {
-            resources().loadSequenceTable();
-            EXPECT_EQ(u"long enough to be allocated", resources().getNoDescriptionWord(locale));
-        } catch (const QBLThrowable& error) {
-            EXPECT_STREQ("QBLOutOfMemoryError", error.getThrowableName());
-        }
-        resources().release();
-    });
-    EXPECT_GT(runs, 10);
-    load(text);
-    EXPECT_EQ("8364 0", inputOf("ascii", "\x80"));
 }

@@ -9,7 +9,6 @@
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "fuzz/support/ConverterChecks.hpp"
 #include "i18n/cpp/i18n_string.hpp"
-#include "tests/support/FaultInjection.hpp"
 #include "tests/support/ThrowChecks.hpp"
 
 using converterchecks::decoded;
@@ -402,24 +401,4 @@ TEST(I18NTextStreamTest, ErrorsAndMisuseEndTheStream) {
             }
     EXPECT_THROW(I18NTextStream(nullptr, nullptr), I18NRuntimeError);
     EXPECT_THROW(I18NTextStream(nullptr, &utf8, I18N_MARK_CHOOSE), I18NRuntimeError);
-}
-
-TEST(I18NTextStreamTest, ReportsExhaustedMemory) {
-    const I18NConverter utf8("UTF-8"), ascii("us-ascii");
-    const std::string bad(9000, '\xFF');
-    const auto everything = [&] {
-        I18NTextStream stream(&utf8, &ascii, I18N_MARK_CHOOSE);
-        stream.put("\xFF\xFEx\0\0\xD8y", 7);
-        stream.put(bad.data(), bad.size());
-        stream.finish();
-    };
-    everything();
-    const long failures = fault::eachAllocation([&] {
-        try {
-            everything();
-        } catch (QBLThrowable& e) {
-            EXPECT_STREQ("QBLOutOfMemoryError", e.getThrowableName());
-        }
-    });
-    EXPECT_GT(failures, 6);
 }
