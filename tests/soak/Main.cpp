@@ -1,20 +1,28 @@
 // soak SECONDS [SEED]: 16 threads use every part of the library. Checks what must hold all the
 // time, and that threads, descriptors and memory are the same at the end as after the first rounds.
+#include <malloc.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <string>
-#include <thread>
+#include <filesystem>
+#include <fstream>
 
-#include "QBLCore/Exceptions/QBLThrowable.hpp"
-#include "QBLCore/Frame/QBLCore.h"
-#include "QBLCore/QBLCustodian/QBLCustodian.hpp"
-#include "i18n/cpp/i18n_init.h"
-#include "i18n/cpp/i18n_pooledstring.hpp"
 #include "tests/soak/Soak.hpp"
 #include "tests/support/TempTree.hpp"
 #include "tests/support/Workers.hpp"
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the sanitizer gives the name
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
+// The unwinding of a cancelled thread leaves the sanitizer's marks on the stack. They are no fault
+// of the call that the sanitizer itself makes to find the end of the stack and to remove the marks.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the sanitizer gives the name
+extern "C" [[gnu::visibility("default")]] const char* __asan_default_suppressions();
+const char* __asan_default_suppressions() { return "interceptor_name:sigaltstack"; }
+#endif
 
 namespace soak {
 
@@ -23,22 +31,11 @@ void need(bool holds, const char* what) {
     std::fprintf(stderr, "soak: %s\n", what);
     std::abort();
 }
-
 const std::string& directory() {
     static const TempTree kTree;
     static const std::string kRoot = kTree.root();
     return kRoot;
 }
-
-namespace {
-
-using Clock = std::chrono::steady_clock;
-
-constexpr unsigned kThreads = 16;
-constexpr int kWarmRounds = 4;
-// What the heap's caches and the tables of the string pool may add after the first rounds.
-constexpr long kMoreBlocks = 256 * 1024, kMoreResident = 24 * 1024 * 1024;
-
 void start() {
     need(qblCoreInitialize() == 0, "the library does not start");
     I18NInitialize();
@@ -48,55 +45,70 @@ void stop() {
     need(qblCoreTerminate() == 0, "the library does not stop");
 }
 
-long work(unsigned seed, Needs most, Clock::time_point end) {
-    Random random(seed);
-    long done = 0;
-    for (; Clock::now() < end; ++done) {
-        const std::vector<Job>& jobs = random.below(2) == 0 ? kLockJobs : kTextJobs;
-        const Job& job = jobs[random.below(static_cast<unsigned>(jobs.size()))];
-        if (job.needs > most) continue;
-        if (most == kAlone) start();
-        try {
-            job.work(random);
-        } catch (QBLThrowable& error) {
-            std::fprintf(stderr, "soak: %s throws %s\n", job.name, error.toString());
-            std::abort();
-        }
-        if (most == kAlone) stop();
-    }
-    return done;
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr int kThreads = 16, kWarmRounds = 4;
+// What the heap's caches and the tables of the string pool may add after the first rounds.
+constexpr long kMoreBlocks = 256 * 1024, kMoreResident = 24 * 1024 * 1024;
+
+/// What the process uses.
+struct Usage {
+    long threads, descriptors;
+    long blocks;    // bytes in live blocks
+    long resident;  // bytes in memory
+};
+
+long entries(const char* folder) {
+    return std::distance(std::filesystem::directory_iterator(folder), {});
 }
 
-long allWork(unsigned seed, Needs most, std::chrono::milliseconds time) {
-    long done[kThreads] = {}, sum = 0;
-    std::thread threads[kThreads];
-    for (unsigned i = 0; i < kThreads; ++i)
-        threads[i] = std::thread(
-            [=, &done] { done[i] = work(seed * kThreads + i, most, Clock::now() + time); });
-    for (std::thread& thread : threads) thread.join();
-    for (const long each : done) sum += each;
-    return sum;
+Usage usage() {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    const auto live = static_cast<long>(__sanitizer_get_current_allocated_bytes());
+#else
+    const struct mallinfo2 info = mallinfo2();
+    const auto live = static_cast<long>(info.uordblks) + static_cast<long>(info.hblkhd);
+#endif
+    long total = 0, resident = 0;
+    std::ifstream("/proc/self/statm") >> total >> resident;
+    return {entries("/proc/self/task"), entries("/proc/self/fd") - 1, live,
+            resident * sysconf(_SC_PAGESIZE)};
+}
+
+/// Does jobs on all threads. @return the number of jobs
+long work(unsigned seed, bool isAlone, std::chrono::milliseconds time) {
+    std::atomic<long> done{0};
+    std::atomic<unsigned> next{seed * kThreads};
+    const auto end = Clock::now() + time;
+    Workers(kThreads, [&] {
+        for (Random random(next++); Clock::now() < end; ++done) {
+            const Job& job = random.of(kJobs);
+            if (isAlone && !job.isAlone) continue;
+            if (isAlone) start();
+            try {
+                job.work(random);
+            } catch (QBLThrowable& error) {
+                need(false, (std::string(job.name) + " throws " + error.toString()).c_str());
+            }
+            if (isAlone) stop();
+        }
+    }).join();
+    return done;
 }
 
 /// First starts and stops the library all the time, then keeps it running for the other jobs.
 long runRound(unsigned seed, std::chrono::milliseconds time) {
-    long jobs = allWork(seed, kAlone, time / 4);
+    long jobs = work(seed, true, time / 4);
     start();
-    makeSharedLocks();
-    makeSharedTexts();
-    jobs += allWork(seed + 1, kShared, time - time / 4);
-    dropSharedTexts();
-    dropSharedLocks();
+    {
+        const auto shared = share();
+        jobs += work(seed + 1, false, time - time / 4);
+    }
     I18NPooledString::purge();
     stop();
     return jobs;
-}
-
-void print(int round, long jobs, const Usage& now) {
-    std::printf(
-        "round %4d: %9ld jobs, %2ld threads, %2ld descriptors, %6ld KiB live, %7ld KiB resident\n",
-        round, jobs, now.threads, now.descriptors, now.blocks / 1024, now.resident / 1024);
-    std::fflush(stdout);
 }
 
 int run(long seconds, unsigned seed) {
@@ -104,16 +116,18 @@ int run(long seconds, unsigned seed) {
     QBLCustodian::setSchedule(5);
     static_cast<void>(directory());
     // At least twice as many rounds as warm the caches, and each at most ten seconds.
-    const auto round =
-        std::chrono::milliseconds(std::min(10000L, seconds * 1000 / (2 * kWarmRounds)));
+    const std::chrono::milliseconds round(std::min(10000L, seconds * 1000 / (2 * kWarmRounds)));
     const auto end = Clock::now() + std::chrono::seconds(seconds);
     Usage warm = {}, now = {};
     long jobs = 0;
-    for (int i = 0; i < 2 * kWarmRounds || Clock::now() < end; ++i) {
+    for (int i = 1; i <= 2 * kWarmRounds || Clock::now() < end; ++i) {
         jobs += runRound(seed + 2U * static_cast<unsigned>(i), round);
         now = usage();
-        if (i + 1 == kWarmRounds) warm = now;
-        print(i + 1, jobs, now);
+        if (i == kWarmRounds) warm = now;
+        std::printf("round %4d: %9ld jobs, %2ld threads, %2ld descriptors, ", i, jobs, now.threads,
+                    now.descriptors);
+        std::printf("%6ld KiB live, %7ld KiB resident\n", now.blocks / 1024, now.resident / 1024);
+        std::fflush(stdout);
     }
     // The system lists a joined thread for a moment.
     need(eventually([&] { return (now = usage()).threads <= warm.threads; }), "threads stay");
