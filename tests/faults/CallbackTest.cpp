@@ -82,27 +82,6 @@ struct Listener : I18NTextStreamListener {
     void unconvertible(const I18NUnconvertible& /*what*/) override { end(); }
 };
 
-template <class Code>
-void runInThread(Code code) {
-    QBLCallableThread thread(code);
-    thread.start();
-    thread.join();
-}
-
-template <class Pool, unsigned long... kArguments>
-void submit() {
-    Pool pool(kArguments...);
-    qblSubmit(pool, [] { end(); }).get();
-}
-
-template <class Pool, unsigned long... kArguments>
-void group() {
-    Pool pool(kArguments...);
-    QBLTaskGroup pieces(pool);
-    for (int i = 0; i < 3; ++i) pieces.run([] { end(); });
-    pieces.wait();
-}
-
 const struct {
     const char* name;
     void (*run)();
@@ -153,11 +132,21 @@ const struct {
          QBLPluginLibraryLoader::terminate(nullptr, &end);
      },
      "passed", "ended"},
-    {"QBLCallableThread", [] { runInThread(&end); }, "done", "done"},
-    {"QBLThread.atExit", [] { runInThread([] { QBLThread::atExit(&end, 1); }); }, "done", "done"},
-    {"qblSubmit.fixed", submit<QBLThreadPoolFixed, 2>, "passed", "QBLThreadResourceError"},
-    {"qblSubmit.queued", submit<QBLThreadPoolQueued, 2, 8>, "passed", "QBLThreadResourceError"},
-    {"QBLTaskGroup.queued", group<QBLThreadPoolQueued, 2, 8>, "QBLUnknownError", "done"},
+    {"QBLThread.atExit",
+     [] {
+         QBLCallableThread thread([] { QBLThread::atExit(&end, 1); });
+         thread.start();
+         thread.join();
+     },
+     "done", "done"},
+    {"QBLTaskGroup",
+     [] {
+         QBLThreadPoolQueued pool(2, 8);
+         QBLTaskGroup group(pool);
+         for (int i = 0; i < 3; ++i) group.run(&end);
+         group.wait();
+     },
+     "QBLUnknownError", "done"},
     {"qblSubmit.callable",
      [] {
          QBLThreadPoolQueued pool(1, 8);
@@ -194,15 +183,6 @@ const struct {
          if (std::string(bytes) != "a?") throw fault::Broken{bytes};
      },
      "I18NRuntimeError", "ended"},
-    {"qblExecute",
-     [] {
-         QBLThreadPoolVariable pool(1, 3, 100);
-         for (int i = 0; i < 3; ++i)
-             if (!qblExecute(
-                     pool, [] { end(); }, 1000))
-                 throw fault::Broken{"refused"};
-     },
-     "done", "done"},
 };
 
 struct Job {

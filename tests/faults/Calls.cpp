@@ -57,18 +57,14 @@ thread_local fault::Kind t_kind = fault::Kind::kUsual;
 
 bool isSystem(fault::Kind kind) { return t_kind == kind && !fault::isCalm(); }
 
-unsigned traitsOf(Disaster disaster) {
-    switch (disaster) {
-        case Disaster::kDescriptors:
-            return kTakesDescriptor;
-        case Disaster::kFull:
-            return kTakesSpace;
-        case Disaster::kReadOnly:
-            return kChanges;
-        default:
-            return kPlain;
-    }
-}
+const struct {
+    unsigned traits;
+    int error;
+} kDisasters[] = {{kPlain, 0},
+                  {kPlain, 0},
+                  {kTakesDescriptor, EMFILE},
+                  {kTakesSpace, ENOSPC},
+                  {kChanges, EROFS}};  // by Disaster
 
 /// Requests the cancellation of this thread if it is due.
 void passCancellationPoint() {
@@ -90,7 +86,7 @@ int dueError(fault::Call call, unsigned traits) {
     ++t_plans[call].seen;
     const bool lasts = t_disaster != Disaster::kNone;
     Plan& plan = t_plans[lasts ? fault::kCallCount : call];
-    if (plan.left < 0 || (lasts && (traits & traitsOf(t_disaster)) == 0)) return 0;
+    if (plan.left < 0 || (lasts && (traits & kDisasters[int(t_disaster)].traits) == 0)) return 0;
     if (plan.left > 0) {
         --plan.left;
         return 0;
@@ -125,11 +121,10 @@ Function real(std::atomic<Function>& known, const char* name) {
     return function;
 }
 
-/// Does the work of a function that does nothing but fail.
-int failed(fault::Call call, unsigned traits) {
-    const int error = dueError(call, traits);
-    if (error != 0) errno = error;
-    return error != 0 ? -1 : 0;
+/// Fails a call.
+int refuse(int error) {
+    errno = error;
+    return -1;
 }
 
 struct Start {
@@ -190,9 +185,7 @@ bool reset() {
 int injectedError() { return t_error != 0 ? t_error : ENOMEM; }
 void strike(Disaster disaster, long n) {
     t_disaster = disaster;
-    t_error = disaster == Disaster::kFull       ? ENOSPC
-              : disaster == Disaster::kReadOnly ? EROFS
-                                                : EMFILE;
+    t_error = kDisasters[int(disaster)].error;
     t_plans[kCallCount] = {n, t_error, false, 0};
 }
 void cancelAfter(long n, bool* cancelled) {
@@ -213,9 +206,7 @@ System::~System() { t_kind = Kind::kUsual; }
     result name parameters spec {                                                 \
         NEXT(result, name, parameters);                                           \
         const int error = dueError(fault::id, traits);                            \
-        if (error == 0) return next arguments;                                    \
-        errno = error;                                                            \
-        return failure;                                                           \
+        return error == 0 ? next arguments : (errno = error, failure);            \
     }
 #define HOOK_NUMBER(id, name, parameters, spec, arguments, ...) \
     int name parameters spec {                                  \
@@ -231,9 +222,7 @@ System::~System() { t_kind = Kind::kUsual; }
         va_end(rest);                                                          \
         NEXT(int, name, (const char*, int, ...));                              \
         const int error = dueError(fault::kOpen, opening(flags));              \
-        if (error == 0) return next(path, flags, mode);                        \
-        errno = error;                                                         \
-        return -1;                                                             \
+        return error != 0 ? refuse(error) : next(path, flags, mode);           \
     }
 
 // With hidden visibility, the hooks would not replace the functions in shared libraries.
@@ -250,9 +239,7 @@ int openat64(int at, const char* path, int flags, ...) {
     NEXT(int, openat64, (int, const char*, int, ...));
     int error = dueError(fault::kOpenAt, opening(flags));
     if (std::strcmp(path, ".") == 0 && isSystem(fault::Kind::kClosedFolders)) error = EACCES;
-    if (error == 0) return next(at, path, flags, mode);
-    errno = error;
-    return -1;
+    return error != 0 ? refuse(error) : next(at, path, flags, mode);
 }
 int fcntl(int fd, int command, ...) {
     std::va_list rest;
@@ -261,44 +248,32 @@ int fcntl(int fd, int command, ...) {
     va_end(rest);
     NEXT(int, fcntl, (int, int, ...));
     const bool copies = command == F_DUPFD || command == F_DUPFD_CLOEXEC;
+    const Trait lock = command == F_SETLKW ? kCancels : kPlain;
     const int error =
-        dueError(copies ? fault::kDuplicate : fault::kLock, copies                ? kTakesDescriptor
-                                                            : command == F_SETLKW ? kCancels
-                                                                                  : kPlain);
-    if (error == 0) return next(fd, command, argument);
-    errno = error;
-    return -1;
+        copies ? dueError(fault::kDuplicate, kTakesDescriptor) : dueError(fault::kLock, lock);
+    return error != 0 ? refuse(error) : next(fd, command, argument);
 }
 ssize_t read(int fd, void* buffer, std::size_t size) {
     NEXT(ssize_t, read, (int, void*, std::size_t));
     const int error = dueError(fault::kRead, kCancels);
-    if (error == 0) return next(fd, buffer, allowed(size, false));
-    errno = error;
-    return -1;
+    return error != 0 ? refuse(error) : next(fd, buffer, allowed(size, false));
 }
 ssize_t write(int fd, const void* buffer, std::size_t size) {
     NEXT(ssize_t, write, (int, const void*, std::size_t));
     size = allowed(size, true);
     const int error = dueError(fault::kWrite, kCancels | kTakesSpace | kChanges);
-    if (error == 0) return next(fd, buffer, size);
-    errno = error;
-    return -1;
+    return error != 0 ? refuse(error) : next(fd, buffer, size);
 }
 // A close that fails has nevertheless released the descriptor.
 int close(int fd) {
     NEXT(int, close, (int));
     const int error = dueError(fault::kClose, kCancels);
     const int result = next(fd);
-    if (error == 0) return result;
-    errno = error;
-    return -1;
+    return error != 0 ? refuse(error) : result;
 }
 dirent64* readdir64(DIR* stream) {
     NEXT(dirent64*, readdir64, (DIR*));
-    if (const int error = dueError(fault::kReadDir, kPlain)) {
-        errno = error;
-        return nullptr;
-    }
+    if (const int error = dueError(fault::kReadDir, kPlain)) return refuse(error), nullptr;
     dirent64* const entry = next(stream);
     if (entry != nullptr && isSystem(fault::Kind::kUnknownTypes)) entry->d_type = DT_UNKNOWN;
     if (entry != nullptr && isSystem(fault::Kind::kFuture)) entry->d_ino |= kManyInodes;
@@ -311,10 +286,7 @@ void* dlopen(const char* path, int mode) noexcept {
 }
 int statx(int at, const char* path, int flags, unsigned mask, struct statx* to) noexcept {
     NEXT(int, statx, (int, const char*, int, unsigned, struct statx*));
-    if (const int error = dueError(fault::kStatX, kPlain)) {
-        errno = error;
-        return -1;
-    }
+    if (const int error = dueError(fault::kStatX, kPlain)) return refuse(error);
     const int result = next(at, path, flags, mask, to);
     if (result != 0 || !isSystem(fault::Kind::kFuture)) return result;
     to->stx_ino |= kManyInodes;
@@ -326,9 +298,7 @@ int renameat2(int a, const char* from, int b, const char* to, unsigned flags) no
     NEXT(int, renameat2, (int, const char*, int, const char*, unsigned));
     int error = dueError(fault::kRenameAt2, kChanges);
     if (isSystem(fault::Kind::kNoExchange)) error = ENOSYS;
-    if (error == 0) return next(a, from, b, to, flags);
-    errno = error;
-    return -1;
+    return error != 0 ? refuse(error) : next(a, from, b, to, flags);
 }
 int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*routine)(void*),
                    void* argument) noexcept {
@@ -341,8 +311,14 @@ int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*
     return start != nullptr ? next(thread, attributes, &failToBegin, start) : ENOMEM;
 }
 // The disk is not waited for: no test turns the power off.
-int fsync(int) { return failed(fault::kFsync, kCancels); }
-int syncfs(int) noexcept { return failed(fault::kSyncFs, kPlain); }
+int fsync(int) {
+    const int error = dueError(fault::kFsync, kCancels);
+    return error != 0 ? refuse(error) : 0;
+}
+int syncfs(int) noexcept {
+    const int error = dueError(fault::kSyncFs, kPlain);
+    return error != 0 ? refuse(error) : 0;
+}
 #define CALL(id, name, ...)
 #include "tests/faults/Calls.inc"
 

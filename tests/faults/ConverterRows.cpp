@@ -89,7 +89,7 @@ Row description(const char* name, Ask ask) {
             resources().loadSequenceTable();
         });
         I18NString out;
-        need(ask(out));
+        need(ask(resources(), out));
         return out;
     };
     return {std::string("I18NInternalResources.") + name, kOutOfMemory | kRefuses, run,
@@ -140,17 +140,15 @@ const Rows kRows{
          second = japaneseText();
          first = second;
          second = "another text for the pool";
-         std::string all =
-             calmly([&] { return first.getString().toUtf8() + second.getString().toUtf8(); });
          I18NPooledString::purge();
-         return all;
+         return calmly([&] { return first.getString() + second.getString(); });
      }},
     {"I18NStringPool", kOutOfMemory,
      [] {
          I18NStringPool pool(16, "windows-1252");
          const I18NString& text = pool.getPooledString(japaneseText());
          const I18NString& other = pool.getPooledString("plain");
-         return calmly([&] { return text.toUtf8() + other.toUtf8(); });
+         return calmly([&] { return text + other; });
      },
      kThreadResource},
     {"I18NLocale", kOutOfMemory,
@@ -195,20 +193,19 @@ const Rows kRows{
      },
      kFallback | kOther},
     description("getCurrencyDescription",
-                [](I18NString& out) {
-                    resources().getCurrencyDescription("JPY", german(), out);
+                [](auto& all, auto& out) {
+                    all.getCurrencyDescription("JPY", german(), out);
                     return true;
                 }),
     description("getTimeZoneDescription",
-                [](I18NString& out) {
-                    return resources().getTimeZoneDescription("Europe/Berlin", german(), out);
+                [](auto& all, auto& out) {
+                    return all.getTimeZoneDescription("Europe/Berlin", german(), out);
                 }),
-    description(
-        "getSymbolForISOCode",
-        [](I18NString& out) { return resources().getSymbolForISOCode("JPY", german(), out); }),
+    description("getSymbolForISOCode",
+                [](auto& all, auto& out) { return all.getSymbolForISOCode("JPY", german(), out); }),
     description(
         "getLocaleDescription",
-        [](I18NString& out) { return resources().getLocaleDescription(german(), german(), out); }),
+        [](auto& all, auto& out) { return all.getLocaleDescription(german(), german(), out); }),
 };
 
 }  // namespace

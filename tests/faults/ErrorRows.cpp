@@ -26,9 +26,9 @@ public:
 /// Makes, copies, assigns, shows and throws an error. Constructors of errors throw std::bad_alloc
 /// where a throwable cannot be thrown instead.
 template <class Error>
-void addError(const char* name, Error (*make)()) {
-    const auto add = [name](const char* operation, auto run) {
-        rows().emplace_back(std::string(name) + operation, kOutOfMemory | kBadAlloc, run);
+void addError(const std::string& name, Error (*make)()) {
+    const auto add = [&name](const char* operation, auto run) {
+        rows().emplace_back(name + operation, kOutOfMemory | kBadAlloc, run);
     };
     const auto printed = [](const QBLThrowable& error) {
         return calmly([&] { return print(error); });
@@ -71,27 +71,16 @@ void addError(const char* name, Error (*make)()) {
     });
 }
 
-template <class Error>
-void addError(const char* name) {
-    addError<Error>(name, [] { return Error(7, kText); });
+template <class... Errors>
+void addErrors() {
+    (addError<Errors>(Errors(0, nullptr).getThrowableName(), [] { return Errors(7, kText); }), ...);
 }
 
 const bool kErrors = [] {
-    addError<QBLError>("QBLError");
-    addError<QBLRuntimeError>("QBLRuntimeError");
-    addError<QBLIllegalArgumentError>("QBLIllegalArgumentError");
-    addError<QBLIllegalStateError>("QBLIllegalStateError");
-    addError<QBLIndexOutOfBoundsError>("QBLIndexOutOfBoundsError");
-    addError<QBLAssertError>("QBLAssertError");
-    addError<I18NRuntimeError>("I18NRuntimeError");
-    addError<I18NUnexpectedError>("I18NUnexpectedError");
-    addError<QBLUnexpectedError>("QBLUnexpectedError");
-    addError<QBLUnknownError>("QBLUnknownError");
-    addError<QBLStdExceptionError>("QBLStdExceptionError");
-    addError<QBLSystemError>("QBLSystemError");
-    addError<QBLOutOfMemoryError>("QBLOutOfMemoryError");
-    addError<QBLThreadResourceError>("QBLThreadResourceError");
-    addError<QBLUnsupportedOperationError>("QBLUnsupportedOperationError");
+    addErrors<QBLError, QBLRuntimeError, QBLIllegalArgumentError, QBLIllegalStateError,
+              QBLIndexOutOfBoundsError, QBLAssertError, I18NRuntimeError, I18NUnexpectedError,
+              QBLUnexpectedError, QBLUnknownError, QBLStdExceptionError, QBLSystemError,
+              QBLOutOfMemoryError, QBLThreadResourceError, QBLUnsupportedOperationError>();
     addError<DiskError>("QBLException", [] {
         DiskError error("CODE");
         error << QBLMessageString(kText) << QBLMessageString("second");

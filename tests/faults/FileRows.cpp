@@ -9,9 +9,6 @@
 namespace fault {
 namespace {
 
-typedef std::list<std::string> Names;
-typedef std::list<I18NString> Strings;
-
 /// A folder with files and folders, whose names are not ASCII.
 const std::string& root() {
     static const std::string kRoot = [] {
@@ -94,6 +91,38 @@ void makeTemporaries(Path* base, Path* prefix, Path* suffix) {
     }
 }
 
+template <class Text, class Pattern = const char*>
+std::string namesIn(const Text& folder, Pattern ofFiles, Pattern ofFolders) {
+    std::list<Text> files, folders;
+    needErrno(QBLFmDir::readDir(pathOf(folder), &files, ofFiles, &folders, ofFolders));
+    return calmly([&] { return shown(files) + shown(folders); });
+}
+
+template <class Text>
+Text joinPaths(const Text& base, const Text& relative) {
+    Text path = calmly([&] { return base; }), directory, file, temp;
+    QBLFmDir::joinPath(path, pathOf(relative));
+    needErrno(QBLFmDir::splitPath(pathOf(path), &directory, &file));
+    needErrno(QBLFmDir::getTempPath(temp));
+    QBLFmDir::resolveEffectivePath(file);
+    return calmly([&] { return directory + file + temp; });
+}
+
+template <class Text>
+std::string changeSettings(const Text& base) {
+    QBLFmDir::setTempPath(pathOf(base));
+    QBLFmDir::setEffectiveWorkingDir(pathOf(base));
+    std::string file = calmly([] { return std::string("a/relative/path/of/some/length"); }), path;
+    QBLFmDir::resolveEffectivePath(file);
+    calmly([&] {
+        QBLFmDir::getTempPath(path);
+        QBLFmDir::setTempPath(nullptr);
+        QBLFmDir::setEffectiveWorkingDir(nullptr);
+        file += path;
+    });
+    return file;
+}
+
 std::string listed(QBLFmEntries&& entries) {
     std::string all;
     for (const QBLFmEntry& entry : entries) {
@@ -160,22 +189,15 @@ const Rows kRows{
          needErrno(folder.create(parent, "made", 0700));
          needErrno(parent.rename("made", "made"));
          need(calmly([] { return QBLFmDir::removeDir(tree()("made").c_str()); }));
-         Names files, dirs;
+         std::list<std::string> files, dirs;
          needErrno(parent.readDir(&files, nullptr, &dirs, nullptr));
          return calmly([&] { return name + shown(files) + shown(dirs); });
      }},
-    {"QBLFmDir.readDir", kRefuses,
-     [] {
-         Names files, dirs;
-         needErrno(QBLFmDir::readDir(root().c_str(), &files, "*", &dirs, "a*"));
-         return calmly([&] { return shown(files) + shown(dirs); });
-     }},
+    {"QBLFmDir.readDir", kRefuses, [] { return namesIn<std::string>(root(), "*", "a*"); }},
     {"QBLFmDir.readDirStrings", kRefuses,
      [] {
-         Strings files, dirs;
          const I18NString pattern("*");
-         needErrno(QBLFmDir::readDir(rootText(), &files, &pattern, &dirs, nullptr));
-         return calmly([&] { return shown(files) + shown(dirs); });
+         return namesIn<I18NString, const I18NString*>(rootText(), &pattern, nullptr);
      }},
     {"QBLFmDir.makeAndRemove", kRefuses,
      [] { makeAndRemove(calmly([] { return out() + "/x"; })); }},
@@ -193,55 +215,24 @@ const Rows kRows{
      }},
     {"QBLFmDir.paths", kRefuses | kOutOfMemory | kBadAlloc,
      [] {
-         std::string path = calmly([] { return out(); }), directory, file, temp;
-         QBLFmDir::joinPath(path, "a/longer/relative/path/to/join");
-         need(QBLFmDir::splitPath(path.c_str(), &directory, &file));
-         needErrno(QBLFmDir::getTempPath(temp));
-         QBLFmDir::resolveEffectivePath(file);
-         return calmly([&] { return directory + file + temp; });
+         static const std::string kRelative("a/longer/relative/path/to/join");
+         return joinPaths(out(), kRelative);
      },
      kFallback},
     {"QBLFmDir.pathStrings", kRefuses | kOutOfMemory,
      [] {
-         I18NString path = calmly([] { return I18NString(outText()); }), directory, file, temp;
          static const I18NString kRelative("b\u00E9/c");
-         QBLFmDir::joinPath(path, kRelative);
-         needErrno(QBLFmDir::splitPath(path, &directory, &file));
-         needErrno(QBLFmDir::getTempPath(temp));
-         QBLFmDir::resolveEffectivePath(file);
-         return calmly([&] { return directory + file + temp; });
+         return joinPaths(outText(), kRelative);
      },
      kFallback},
-    {"QBLFmDir.settings", kOutOfMemory,
-     [] {
-         QBLFmDir::setTempPath(out().c_str());
-         QBLFmDir::setEffectiveWorkingDir(out().c_str());
-         std::string file = calmly([] { return std::string("a/relative/path/of/some/length"); });
-         QBLFmDir::resolveEffectivePath(file);
-         return calmly([&] {
-             QBLFmDir::setTempPath(nullptr);
-             QBLFmDir::setEffectiveWorkingDir(nullptr);
-             return file;
-         });
-     }},
-    {"QBLFmDir.settingStrings", kOutOfMemory,
-     [] {
-         QBLFmDir::setTempPath(outText());
-         QBLFmDir::setEffectiveWorkingDir(outText());
-         return calmly([] {
-             std::string path;
-             QBLFmDir::getTempPath(path);
-             QBLFmDir::setTempPath(nullptr);
-             QBLFmDir::setEffectiveWorkingDir(nullptr);
-             return path;
-         });
-     }},
+    {"QBLFmDir.settings", kOutOfMemory, [] { return changeSettings(out()); }},
+    {"QBLFmDir.settingStrings", kOutOfMemory, [] { return changeSettings(outText()); }},
     {"QBLFmDir.getFileFullPath", kOutOfMemory | kBadAlloc,
      [] { return QBLFmDir::getFileFullPath("c", root().c_str(), {"a folder with a long name"}); },
      kFallback},
     {"QBLFmDir.getFileFullPathStrings", kOutOfMemory | kBadAlloc,
      [] {
-         static const Strings kFolders{I18NString("a folder with a long name")};
+         static const std::list<I18NString> kFolders{I18NString("a folder with a long name")};
          static const I18NString kName("c");
          return QBLFmDir::getFileFullPath(kName, rootText(), kFolders);
      },

@@ -18,22 +18,24 @@ const std::string& base() {
     return kBase;
 }
 
-std::string xmlOf(const QBLMessageBase& message) {
+std::string print(const QBLMessageBase& message) {
     I18NString out;
     message.toString("de", nullptr, out, 1);
     message.toString("de", nullptr, out, 0);
     return out.toUtf8();
 }
-std::string xmlOf(const QBLMessageSet& set) {
+std::string print(const QBLMessageSet& set) {
     I18NString out;
     set.toString("de", nullptr, out, 1);
     return out.toUtf8() + " " + std::to_string(set.getMessageCount());
 }
-std::string xmlOf(const QBLMessageParm& parm) {
+std::string print(const QBLMessageParm& parm) {
     I18NString out;
     parm.toString(nullptr, out, 1);
     return out.toUtf8();
 }
+
+const auto kPrint = [](const auto& object) { return print(object); };
 
 template <class Message>
 I18NString formatted(Message&& message, const char* locales) {
@@ -48,49 +50,40 @@ QBLMessage filled() {
     return message;
 }
 
-std::string print(const QBLMessageBase& message) { return xmlOf(message); }
-
 /// Copies, assigns, clones and shows a message.
 template <class Message>
 void addCopies(const char* name, Message (*make)(), Message (*makeOther)()) {
-    const auto add = [name](const char* operation, auto run, unsigned calls = kNothing) {
+    const auto add = [name](const char* operation, unsigned calls, auto run) {
         rows().emplace_back(std::string(name) + operation, kOutOfMemory, run, calls);
     };
     const auto printed = [](const QBLMessageBase& message) {
-        return calmly([&] { return xmlOf(message); });
+        return calmly([&] { return print(message); });
     };
-    add(".make", [=] { return printed(make()); });
-    add(".copy", [=] {
+    add(".make", kNothing, [=] { return printed(make()); });
+    add(".copy", kNothing, [=] {
         const Message from = calmly(make);
         return printed(Message(from));
     });
-    add(".assign", [=] {
+    add(".assign", kNothing, [=] {
         const Message from = calmly(make);
         Message to = calmly(makeOther);
-        return changed(to, print, [&](Message& m) { m = from; });
+        return changed(to, kPrint, [&](Message& m) { m = from; });
     });
-    add(".clone", [=] {
+    add(".clone", kNothing, [=] {
         const Message from = calmly(make);
         return printed(*std::unique_ptr<const QBLMessageBase>(from.clone()));
     });
-    add(
-        ".format",
-        [=] {
-            const Message message = calmly(make);
-            const I18NString german = formatted(message, "de"),
-                             english = formatted(message, nullptr);
-            return calmly([&] { return german + english; });
-        },
-        kFallback);
-    add(
-        ".toString",
-        [=] {
-            const Message message = calmly(make);
-            I18NString out;
-            message.toString("de", nullptr, out, 1);
-            return out;
-        },
-        kFallback);
+    add(".format", kFallback, [=] {
+        const Message message = calmly(make);
+        const I18NString german = formatted(message, "de"), english = formatted(message, nullptr);
+        return calmly([&] { return german + english; });
+    });
+    add(".toString", kFallback, [=] {
+        const Message message = calmly(make);
+        I18NString out;
+        message.toString("de", nullptr, out, 1);
+        return out;
+    });
 }
 
 const bool kCopies = [] {
@@ -128,77 +121,70 @@ QBLMessageSet* makeSet() {
     *set << filled() << QBLMessageString("second");
     return set;
 }
+const QBLMessageSet& otherSet() {
+    static const std::unique_ptr<QBLMessageSet> kSet(calmly(makeSet));
+    return *kSet;
+}
+
+/// Makes a row that changes an object.
+template <class Make, class Change>
+Row edit(const char* name, Make make, Change change) {
+    const auto run = [make, change] {
+        auto object = calmly(make);
+        return changed(*object, kPrint, change);
+    };
+    return {name, kOutOfMemory, run};
+}
 
 template <class Change>
-std::string changedSet(Change change) {
-    const std::unique_ptr<QBLMessageSet> set(calmly(makeSet));
-    const auto show = [](const QBLMessageSet& s) { return xmlOf(s); };
-    return changed(*set, show, change);
+Row ofSet(const char* name, Change change) {
+    return edit(
+        name, [] { return std::unique_ptr<QBLMessageSet>(makeSet()); }, change);
 }
 
-std::string changedParm(void (*change)(QBLMessageParm&)) {
-    QBLMessageParm parm = calmly([] { return QBLMessageParm("a text before the change"); });
-    const auto show = [](const QBLMessageParm& p) { return xmlOf(p); };
-    return changed(parm, show, change);
+Row ofParm(const char* name, void (*change)(QBLMessageParm&)) {
+    return edit(
+        name, [] { return std::make_unique<QBLMessageParm>("a text before"); }, change);
 }
 
+template <class Resource>
+std::string textOf(Resource& resource) {
+    char* text = nullptr;
+    // open() does not examine the results of its reads: a text that was not read is empty.
+    need(resource.getResource(2, &text) && text != nullptr && *text != '\0');
+    return calmly([&] { return std::string(text); });
+}
 std::string textOf(QBLResource* resource) {
     need(resource != nullptr);
     const std::unique_ptr<QBLResource, void (*)(QBLResource*)> owner(
         resource, [](QBLResource* held) { QBLResourceFactory::release(held); });
-    char* text = nullptr;
-    // open() does not examine the results of its reads: a text that was not read is empty.
-    need(resource->getResource(2, &text) && text != nullptr && *text != '\0');
-    return calmly([&] { return std::string(text); });
+    return textOf(*resource);
 }
 
 const QBLMessage kSource = filled();
 
 const Rows kRows{
-    {"QBLMessageComponents.add", kOutOfMemory,
-     [] {
-         QBLMessage message = calmly(filled);
-         return changed(message, print, [](QBLMessage& m) { m << I18NString("one more"); });
-     }},
-    {"QBLMessageComponents.copyParms", kOutOfMemory,
-     [] {
-         QBLMessageComponents message = calmly([] { return QBLMessageComponents(3); });
-         return changed(message, print, [](QBLMessageComponents& m) { m.copyParms(kSource); });
-     }},
-    {"QBLMessageSet.add", kOutOfMemory,
-     [] { return changedSet([](QBLMessageSet& s) { s << kSource; }); }},
-    {"QBLMessageSet.addFront", kOutOfMemory,
-     [] { return changedSet([](QBLMessageSet& s) { s.addMessageFront(kSource); }); }},
-    {"QBLMessageSet.addOwned", kOutOfMemory,
-     [] { return changedSet([](QBLMessageSet& s) { s.addMessage(kSource.clone()); }); }},
-    {"QBLMessageSet.assign", kOutOfMemory,
-     [] {
-         const std::unique_ptr<QBLMessageSet> other(calmly(makeSet));
-         return changedSet([&](QBLMessageSet& s) { s = *other; });
-     }},
-    {"QBLMessageSet.copy", kOutOfMemory,
-     [] {
-         const std::unique_ptr<QBLMessageSet> other(calmly(makeSet));
-         const QBLMessageSet copy(*other);
-         return changedSet([&](QBLMessageSet& s) { s.copy(copy); });
-     }},
-    {"QBLMessageSet.transferMessages", kOutOfMemory,
-     [] {
-         const std::unique_ptr<QBLMessageSet> other(calmly(makeSet));
-         return changedSet([&](QBLMessageSet& s) { s.transferMessages(*other); });
-     }},
-    {"QBLMessageSet.format", kOutOfMemory,
-     [] {
-         const std::unique_ptr<QBLMessageSet> set(calmly(makeSet));
-         return formatted(*set, "de");
-     },
-     kFallback},
-    {"QBLMessageParm.assign", kOutOfMemory,
-     [] { return changedParm([](QBLMessageParm& p) { p = QBLMessageParm("another text"); }); }},
-    {"QBLMessageParm.number", kOutOfMemory,
-     [] { return changedParm([](QBLMessageParm& p) { p.copy(QBLMessageParm(1LL << 40)); }); }},
-    {"QBLMessageParm.unsigned", kOutOfMemory,
-     [] { return changedParm([](QBLMessageParm& p) { p.copy(QBLMessageParm(1ULL << 63)); }); }},
+    edit(
+        "QBLMessageComponents.add", [] { return std::make_unique<QBLMessage>(filled()); },
+        [](QBLMessage& m) { m << I18NString("one more"); }),
+    edit(
+        "QBLMessageComponents.copyParms", [] { return std::make_unique<QBLMessageComponents>(3); },
+        [](QBLMessageComponents& m) { m.copyParms(kSource); }),
+    ofSet("QBLMessageSet.add", [](QBLMessageSet& s) { s << kSource; }),
+    ofSet("QBLMessageSet.addFront", [](QBLMessageSet& s) { s.addMessageFront(kSource); }),
+    ofSet("QBLMessageSet.addOwned", [](QBLMessageSet& s) { s.addMessage(kSource.clone()); }),
+    ofSet("QBLMessageSet.assign", [](QBLMessageSet& s) { s = otherSet(); }),
+    ofSet("QBLMessageSet.copy", [](QBLMessageSet& s) { s.copy(QBLMessageSet(otherSet())); }),
+    ofSet("QBLMessageSet.transferMessages",
+          [](QBLMessageSet& s) {
+              const std::unique_ptr<QBLMessageSet> other(calmly(makeSet));
+              s.transferMessages(*other);
+          }),
+    {"QBLMessageSet.format", kOutOfMemory, [] { return formatted(otherSet(), "de"); }, kFallback},
+    ofParm("QBLMessageParm.assign", [](QBLMessageParm& p) { p = QBLMessageParm("another text"); }),
+    ofParm("QBLMessageParm.number", [](QBLMessageParm& p) { p.copy(QBLMessageParm(1LL << 40)); }),
+    ofParm("QBLMessageParm.unsigned",
+           [](QBLMessageParm& p) { p.copy(QBLMessageParm(1ULL << 63)); }),
     {"QBLMessageParm.clone", kOutOfMemory,
      [] {
          const std::unique_ptr<QBLMessageParm> parm(QBLMessageParm("cloned text").clone());
@@ -215,21 +201,11 @@ const Rows kRows{
          return calmly([&] { return text.toUtf8().substr(0, 5) + utf8; });
      }},
     {"QBLResourceFactory.find", kBadAlloc | kOutOfMemory,
-     [] {
-         const std::string& texts = base();
-         return QBLResourceFactory::find(texts, "fr,de");
-     },
-     kFallback},
+     [] { return QBLResourceFactory::find(base(), "fr,de"); }, kFallback},
     {"QBLResourceFactory.getCandidates", kBadAlloc | kOutOfMemory,
-     [] {
-         const std::string& texts = base();
-         return QBLResourceFactory::getCandidates(texts, "fr_CA,de");
-     }},
+     [] { return QBLResourceFactory::getCandidates(base(), "fr_CA,de"); }},
     {"QBLResourceFactory.findAndGet", kOutOfMemory | kRefuses,
-     [] {
-         const std::string& texts = base();
-         return textOf(QBLResourceFactory::findAndGet(texts, "de", 1));
-     }},
+     [] { return textOf(QBLResourceFactory::findAndGet(base(), "de", 1)); }},
     {"QBLResourceFactory.get", kOutOfMemory | kRefuses,
      [] {
          const std::string name = calmly([] { return base() + "_de.bmf"; });
@@ -237,12 +213,9 @@ const Rows kRows{
      }},
     {"QBLResourceFile", kOutOfMemory | kRefuses,
      [] {
-         const std::string& texts = base();
-         QBLResourceFile file(texts, "de", 0);
+         QBLResourceFile file(base(), "de", 0);
          need(file.isOpen());
-         char* text = nullptr;
-         need(file.getResource(2, &text) && text != nullptr && *text != '\0');
-         return calmly([&] { return std::string(text); });
+         return textOf(file);
      }},
     {"QBLResourceBMF.open", kOutOfMemory | kRefuses,
      [] {

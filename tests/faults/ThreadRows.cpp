@@ -9,11 +9,8 @@ namespace {
 
 constexpr unsigned kThread = kOutOfMemory | kThreadResource;
 
-/// Makes a lock, and locks and unlocks it in each way that it has.
 template <class Lock>
-void useLock() {
-    start();  // a lock that records its holder needs it
-    Lock lock(1);
+void useLock(Lock& lock) {
     lock.lock();
     lock.unlock();
     need(lock.tryLock() != 0);
@@ -22,17 +19,20 @@ void useLock() {
     lock.unlock();
 }
 
-/// Runs tasks at once, or refuses them.
-class NoPool : public QBLThreadExecuteRunnable {
-public:
-    explicit NoPool(bool refuses) : m_bRefuses(refuses) {}
-    int execute(QBLThreadRunnable* task, unsigned long) override {
-        if (!m_bRefuses) task->run();
-        return m_bRefuses ? 0 : 1;
-    }
+template <class Lock>
+void makeLock() {
+    start();  // a lock that records its holder needs it
+    Lock lock(1);
+    useLock(lock);
+}
 
-private:
-    bool m_bRefuses;
+/// Runs tasks at once, or refuses them.
+template <bool kRefuse>
+struct NoPool : QBLThreadExecuteRunnable {
+    int execute(QBLThreadRunnable* task, unsigned long) override {
+        if (!kRefuse) task->run();
+        return kRefuse ? 0 : 1;
+    }
 };
 
 [[noreturn]] void throwState() { QBL_THROW(QBLIllegalStateError(5, "a text of its own")); }
@@ -99,31 +99,26 @@ Row edit(const char* name, Change change) {
 
 char g_id[] = "class";
 
-class Item : public QBLObjectFactoryItem {
-public:
-    explicit Item(QBLObjectFactory* factory) : QBLObjectFactoryItem(factory) {}
+struct Item : QBLObjectFactoryItem {
+    using QBLObjectFactoryItem::QBLObjectFactoryItem;
     char* getClassId() override { return g_id; }
     static QBLObjectFactoryItem* make(QBLObjectFactory* factory) { return new Item(factory); }
 };
 
-class CountTask : public QBLCustodianTask {
-public:
+struct CountTask : QBLCustodianTask {
     int doIt(int /*terminating*/) override { return 0; }
 };
 
 const Rows kRows{
-    {"QBLThreadMutex", kThread, useLock<QBLThreadMutex>},
-    {"QBLThreadRecursiveMutex", kThread, useLock<QBLThreadRecursiveMutex>},
-    {"QBLThreadCriticalSection", kThread, useLock<QBLThreadCriticalSection>},
-    {"QBLThreadRecursiveCriticalSection", kThread, useLock<QBLThreadRecursiveCriticalSection>},
+    {"QBLThreadMutex", kThread, makeLock<QBLThreadMutex>},
+    {"QBLThreadRecursiveMutex", kThread, makeLock<QBLThreadRecursiveMutex>},
+    {"QBLThreadCriticalSection", kThread, makeLock<QBLThreadCriticalSection>},
+    {"QBLThreadRecursiveCriticalSection", kThread, makeLock<QBLThreadRecursiveCriticalSection>},
     {"QBLThreadRWLock", kThread,
      [] {
          QBLThreadRWLock lock;
-         lock.lock();
-         lock.unlock();
+         useLock(lock);
          lock.readLock();
-         lock.unlock();
-         need(lock.tryLock() != 0);
          lock.unlock();
          need(lock.boundedReadLock(1));
          const bool excluded = !lock.boundedLock(1);  // the wait for a reader ends
@@ -169,7 +164,7 @@ const Rows kRows{
      }},
     {"QBLTaskGroup.error", kThread,
      [] {
-         NoPool pool(true);
+         NoPool<true> pool;
          QBLTaskGroup group(pool);
          needState([&] {
              group.run(&throwState);
@@ -178,13 +173,13 @@ const Rows kRows{
      }},
     {"qblSubmit.error", kThread | kBadAlloc,
      [] {
-         NoPool pool(false);
+         NoPool<false> pool;
          const auto held = calmly([] { return std::make_shared<int>(0); });
          needState([&] { qblSubmit(pool, [held] { throwState(); }).get(); });
      }},
     {"qblSubmit.refused", kThread | kBadAlloc,
      [] {
-         NoPool pool(true);
+         NoPool<true> pool;
          try {
              qblSubmit(pool, &throwState).get();
          } catch (const QBLThreadResourceError&) {
@@ -211,12 +206,7 @@ const Rows kRows{
     edit("copy", [](QBLByteBuffer& b) { QBLByteBuffer(b) << "text that needs more room"; }),
     edit("assign",
          [](QBLByteBuffer& b) {
-             static const QBLByteBuffer kTheOther = [] {
-                 QBLByteBuffer made;
-                 made << "another text, which is longer than the block";
-                 return made;
-             }();
-             b = kTheOther;
+             b = calmly([] { return QBLByteBuffer() << "a text that is longer than the block"; });
          }),
     {"QBLVariant", kRefuses,
      [] {
