@@ -90,64 +90,58 @@ std::string large() {
 
 /// Adds a row for a system that differs from this one.
 template <class Operation>
-Row on(Kind kind, const char* name, Operation operation) {
+void on(Kind kind, const char* name, Operation operation) {
     const auto run = [kind, operation] {
         const System system(kind);
         return operation();
     };
-    return {name, kRefuses, run, kAbsence};
+    add(name, kRefuses, kAbsence, run);
 }
 
-const Rows kRows{
-    {"QBLFmReplaceFile.throughLink", kRefuses,
-     [] {
-         static const std::string kLink = calmly([] { return linked("file", "link"); });
-         return replaced(false, kLink.c_str());
-     },
-     kAbsence},
-    on(Kind::kNoExchange, "QBLFmReplaceFile.noExchange", [] { return replaced(true); }),
-    on(Kind::kClosedFolders, "QBLFmReplaceFile.closedFolder", [] { return replaced(false); }),
-    on(Kind::kUsual, "QBLFmDir.readDirLinks", listedLinks),
-    on(Kind::kUnknownTypes, "QBLFmDir.readDirUnknownTypes", listedLinks),
-    {"QBLFmDir.removeDirUnknownTypes", kRefuses,
-     [] {
-         const std::string path = calmly([] {
-             tree().dir("remove/folder/inner");
-             tree().file("remove/folder/file");
-             return tree()("remove");
-         });
-         const System system(Kind::kUnknownTypes);
-         needErrno(QBLFmDir::removeDir(path.c_str()));
-         need(!QBLFmDir::exists(path.c_str(), S_IFDIR) && errno == ENOENT);
-     }},
-    {"QBLFmFile64.large", kRefuses, large},
-    {"QBLPluginLibraryLoader", kOutOfMemory | kBadAlloc | kOther,
-     [] {
-         static const std::string kPath = PLUGIN_FILE;
-         QBLPluginLibraryLoader::unload(QBLPluginLibraryLoader::load(kPath));
-     }},
-    {"QBLSignalWaiter", kThreadResource,
-     [] {
-         QBLSignalWaiter waiter({SIGWINCH});
-         need(waiter.timedWait(1) == 0);
-         calmly([] { return raise(SIGWINCH); });
-         need(waiter.wait() == SIGWINCH);
-     }},
-    {"QBLThread.sleep", kNothing, [] { QBLThread::sleep(1); }},
-    {"QBLThreadRWLock.boundedLock", kThreadResource | kOutOfMemory,
-     [] {
-         QBLThreadRWLock lock;
-         const QBLThreadRWGuard guard(lock, 0);
-         need(!lock.boundedLock(1));
-     }},
-    {"QBLThreadSemaphore.boundedWait", kThreadResource | kRefuses | kOutOfMemory,
-     [] {
-         QBLThreadSemaphore semaphore(0);
-         need(!semaphore.boundedWait(1) && !semaphore.timedWait(1));
-         semaphore.post();
-         need(semaphore.tryWait());
-     }},
-};
+const bool kRows = [] {
+    add("QBLFmReplaceFile.throughLink", kRefuses, kAbsence, [] {
+        static const std::string kLink = calmly([] { return linked("file", "link"); });
+        return replaced(false, kLink.c_str());
+    });
+    on(Kind::kNoExchange, "QBLFmReplaceFile.noExchange", [] { return replaced(true); });
+    on(Kind::kClosedFolders, "QBLFmReplaceFile.closedFolder", [] { return replaced(false); });
+    on(Kind::kUsual, "QBLFmDir.readDirLinks", listedLinks);
+    on(Kind::kUnknownTypes, "QBLFmDir.readDirUnknownTypes", listedLinks);
+    add("QBLFmDir.removeDirUnknownTypes", kRefuses, [] {
+        const std::string path = calmly([] {
+            tree().dir("remove/folder/inner");
+            tree().file("remove/folder/file");
+            return tree()("remove");
+        });
+        const System system(Kind::kUnknownTypes);
+        needErrno(QBLFmDir::removeDir(path.c_str()));
+        need(!QBLFmDir::exists(path.c_str(), S_IFDIR) && errno == ENOENT);
+    });
+    add("QBLFmFile64.large", kRefuses, large);
+    add("QBLPluginLibraryLoader", kOutOfMemory | kBadAlloc | kOther, [] {
+        static const std::string kPath = PLUGIN_FILE;
+        QBLPluginLibraryLoader::unload(QBLPluginLibraryLoader::load(kPath));
+    });
+    add("QBLSignalWaiter", kThreadResource, [] {
+        QBLSignalWaiter waiter({SIGWINCH});
+        need(waiter.timedWait(1) == 0);
+        calmly([] { return raise(SIGWINCH); });
+        need(waiter.wait() == SIGWINCH);
+    });
+    add("QBLThread.sleep", kNothing, [] { QBLThread::sleep(1); });
+    add("QBLThreadRWLock.boundedLock", kThreadResource | kOutOfMemory, [] {
+        QBLThreadRWLock lock;
+        const QBLThreadRWGuard guard(lock, 0);
+        need(!lock.boundedLock(1));
+    });
+    add("QBLThreadSemaphore.boundedWait", kThreadResource | kRefuses | kOutOfMemory, [] {
+        QBLThreadSemaphore semaphore(0);
+        need(!semaphore.boundedWait(1) && !semaphore.timedWait(1));
+        semaphore.post();
+        need(semaphore.tryWait());
+    });
+    return true;
+}();
 
 }  // namespace
 }  // namespace fault

@@ -61,14 +61,13 @@ std::string streamed(const char* encoding, const std::string& text, I18NByteOrde
 const bool kConversions = [] {
     for (const char* encoding :
          {"windows-1252", "Shift_JIS", "ISO-2022-JP", "UTF-16BE", "GB18030"}) {
-        const auto add = [encoding](const char* name, auto run) {
-            rows().emplace_back(std::string(name) + encoding, kOutOfMemory,
-                                [=] { return run(encoding); });
+        const auto with = [encoding](const char* name, auto run) {
+            add(std::string(name) + encoding, kOutOfMemory, [=] { return run(encoding); });
         };
-        add("I18NConverter.fromUnicode/", there);
-        add("I18NConverter.toUnicode/", andBack);
-        add("I18NTextStream.put/",
-            [](auto to) { return streamed(to, japanese(), I18N_MARK_KEEP); });
+        with("I18NConverter.fromUnicode/", there);
+        with("I18NConverter.toUnicode/", andBack);
+        with("I18NTextStream.put/",
+             [](auto to) { return streamed(to, japanese(), I18N_MARK_KEEP); });
     }
     return true;
 }();
@@ -81,7 +80,7 @@ const I18NLocale& german() {
 
 /// Asks for a description. Each run reads the file of the language again.
 template <class Ask>
-Row description(const char* name, Ask ask) {
+void description(const char* name, Ask ask) {
     const auto run = [ask] {
         calmly([] {
             start();
@@ -92,121 +91,108 @@ Row description(const char* name, Ask ask) {
         need(ask(resources(), out));
         return out;
     };
-    return {std::string("I18NInternalResources.") + name, kOutOfMemory | kRefuses, run,
-            kFallback | kOther};
+    add(std::string("I18NInternalResources.") + name, kOutOfMemory | kRefuses, kFallback | kOther,
+        run);
 }
 
-const Rows kRows{
-    {"I18NConverter.copy", kOutOfMemory,
-     [] {
-         const I18NConverter converter("Shift_JIS");
-         I18NConverter copy(converter), assigned("EUC-JP");
-         const I18NConverterUTF16 holder;
-         copy = assigned;
-         copy.setBuiltInUnconvertibleInputSequenceCallback(I18N_STOP);
-         copy.setBuiltInUnconvertibleOutputSequenceCallback(I18N_ESCAPE);
-         copy.useFallback(false);
-         copy.reset();
-         return calmly([&] { return std::string(copy.getEncoding()); });
-     }},
-    {"I18NConverter.codes", kRefuses | kOutOfMemory,
-     [] {
-         const I18NConverter converter("EUC-JP");
-         static const std::u16string kUnits(400, u'\u65E5');
-         char bytes[2000];
-         char16_t units[1000];
-         I18NErrorCodes code = I18N_OK;
-         converter.fromUnicode(bytes, sizeof bytes, kUnits.c_str(), &code);
-         refuse(code);
-         converter.toUnicode(units, sizeof units, bytes, -1, &code);
-         refuse(code);
-         return calmly([&] { return std::u16string(units).size(); });
-     }},
-    {"i18nConverterCreate", kRefuses,
-     [] {
-         I18NErrorCodes code = I18N_OK;
-         const auto converter = i18nConverterCreate("Shift_JIS", &code);
-         need(converter != nullptr && code == I18N_OK);
-         i18nConverterFree(converter, &code);
-     }},
-    {"I18NTextStream.unconvertible", kOutOfMemory,
-     [] {
-         static const std::string kBad = "\xEF\xBB\xBFx" + std::string(9000, '\xFF') + "\u65E5y";
-         return streamed("US-ASCII", kBad, I18N_MARK_CHOOSE);
-     }},
-    {"I18NPooledString", kOutOfMemory,
-     [] {
-         I18NPooledString first("a pooled text that is new each time"), second;
-         second = japaneseText();
-         first = second;
-         second = "another text for the pool";
-         I18NPooledString::purge();
-         return calmly([&] { return first.getString() + second.getString(); });
-     }},
-    {"I18NStringPool", kOutOfMemory,
-     [] {
-         I18NStringPool pool(16, "windows-1252");
-         const I18NString& text = pool.getPooledString(japaneseText());
-         const I18NString& other = pool.getPooledString("plain");
-         return calmly([&] { return text + other; });
-     },
-     kThreadResource},
-    {"I18NLocale", kOutOfMemory,
-     [] {
-         const I18NLocale parts("sr", "RS", "POSIX"),
-             text(calmly([] { return I18NString("ja_JP"); }));
-         I18NLocale copy(parts);
-         copy = text;
-         const I18NLocale bytes("de_AT"), none;
-         const char* const name = bytes.getName();
-         return calmly([&] {
-             return std::string(name) + copy.getName() + parts.getLanguage() + parts.getCountry() +
-                    parts.getVariant();
-         });
-     }},
-    {"I18NURLEncode", kOutOfMemory,
-     [] {
-         I18NString out;
-         I18NURLEncode("a b/\u00E9 and more text to encode", out);
-         return out;
-     }},
-    {"I18NUriDecode", kOutOfMemory,
-     [] { return I18NUriDecode("%E6%97%A5%E6%9C%AC and more text", "UTF-8"); }},
-    {"I18NEncodingNames", kOutOfMemory | kRefuses,
-     [] {
-         const int count = I18NCountEncodings();
-         const char* const name = I18NGetEncodingName(0, 0);
-         need(count > 0 && name != nullptr);
-         return calmly([=] { return std::to_string(count) + name; });
-     }},
-    {"I18NInternalResources.loadSequenceTable", kOutOfMemory,
-     [] {
-         calmly([] {
-             start();
-             resources().release();
-         });
-         resources().loadSequenceTable();
-         I18NString word;
-         resources().getNoDescriptionWord(german(), word);
-         return calmly(
-             [&] { return word + (resources().getURLEncodeTranslit() != nullptr ? "table" : ""); });
-     },
-     kFallback | kOther},
-    description("getCurrencyDescription",
-                [](auto& all, auto& out) {
-                    all.getCurrencyDescription("JPY", german(), out);
-                    return true;
-                }),
-    description("getTimeZoneDescription",
-                [](auto& all, auto& out) {
-                    return all.getTimeZoneDescription("Europe/Berlin", german(), out);
-                }),
+const bool kRows = [] {
+    add("I18NConverter.copy", kOutOfMemory, [] {
+        const I18NConverter converter("Shift_JIS");
+        I18NConverter copy(converter), assigned("EUC-JP");
+        const I18NConverterUTF16 holder;
+        copy = assigned;
+        copy.setBuiltInUnconvertibleInputSequenceCallback(I18N_STOP);
+        copy.setBuiltInUnconvertibleOutputSequenceCallback(I18N_ESCAPE);
+        copy.useFallback(false);
+        copy.reset();
+        return calmly([&] { return std::string(copy.getEncoding()); });
+    });
+    add("I18NConverter.codes", kRefuses | kOutOfMemory, [] {
+        const I18NConverter converter("EUC-JP");
+        static const std::u16string kUnits(400, u'\u65E5');
+        char bytes[2000];
+        char16_t units[1000];
+        I18NErrorCodes code = I18N_OK;
+        converter.fromUnicode(bytes, sizeof bytes, kUnits.c_str(), &code);
+        refuse(code);
+        converter.toUnicode(units, sizeof units, bytes, -1, &code);
+        refuse(code);
+        return calmly([&] { return std::u16string(units).size(); });
+    });
+    add("i18nConverterCreate", kRefuses, [] {
+        I18NErrorCodes code = I18N_OK;
+        const auto converter = i18nConverterCreate("Shift_JIS", &code);
+        need(converter != nullptr && code == I18N_OK);
+        i18nConverterFree(converter, &code);
+    });
+    add("I18NTextStream.unconvertible", kOutOfMemory, [] {
+        static const std::string kBad = "\xEF\xBB\xBFx" + std::string(9000, '\xFF') + "\u65E5y";
+        return streamed("US-ASCII", kBad, I18N_MARK_CHOOSE);
+    });
+    add("I18NPooledString", kOutOfMemory, [] {
+        I18NPooledString first("a pooled text that is new each time"), second;
+        second = japaneseText();
+        first = second;
+        second = "another text for the pool";
+        I18NPooledString::purge();
+        return calmly([&] { return first.getString() + second.getString(); });
+    });
+    add("I18NStringPool", kOutOfMemory, kThreadResource, [] {
+        I18NStringPool pool(16, "windows-1252");
+        const I18NString& text = pool.getPooledString(japaneseText());
+        const I18NString& other = pool.getPooledString("plain");
+        return calmly([&] { return text + other; });
+    });
+    add("I18NLocale", kOutOfMemory, [] {
+        const I18NLocale parts("sr", "RS", "POSIX"),
+            text(calmly([] { return I18NString("ja_JP"); }));
+        I18NLocale copy(parts);
+        copy = text;
+        const I18NLocale bytes("de_AT"), none;
+        const char* const name = bytes.getName();
+        return calmly([&] {
+            return std::string(name) + copy.getName() + parts.getLanguage() + parts.getCountry() +
+                   parts.getVariant();
+        });
+    });
+    add("I18NURLEncode", kOutOfMemory, [] {
+        I18NString out;
+        I18NURLEncode("a b/\u00E9 and more text to encode", out);
+        return out;
+    });
+    add("I18NUriDecode", kOutOfMemory,
+        [] { return I18NUriDecode("%E6%97%A5%E6%9C%AC and more text", "UTF-8"); });
+    add("I18NEncodingNames", kOutOfMemory | kRefuses, [] {
+        const int count = I18NCountEncodings();
+        const char* const name = I18NGetEncodingName(0, 0);
+        need(count > 0 && name != nullptr);
+        return calmly([=] { return std::to_string(count) + name; });
+    });
+    add("I18NInternalResources.loadSequenceTable", kOutOfMemory, kFallback | kOther, [] {
+        calmly([] {
+            start();
+            resources().release();
+        });
+        resources().loadSequenceTable();
+        I18NString word;
+        resources().getNoDescriptionWord(german(), word);
+        return calmly(
+            [&] { return word + (resources().getURLEncodeTranslit() != nullptr ? "table" : ""); });
+    });
+    description("getCurrencyDescription", [](auto& all, auto& out) {
+        all.getCurrencyDescription("JPY", german(), out);
+        return true;
+    });
+    description("getTimeZoneDescription", [](auto& all, auto& out) {
+        return all.getTimeZoneDescription("Europe/Berlin", german(), out);
+    });
     description("getSymbolForISOCode",
-                [](auto& all, auto& out) { return all.getSymbolForISOCode("JPY", german(), out); }),
-    description(
-        "getLocaleDescription",
-        [](auto& all, auto& out) { return all.getLocaleDescription(german(), german(), out); }),
-};
+                [](auto& all, auto& out) { return all.getSymbolForISOCode("JPY", german(), out); });
+    description("getLocaleDescription", [](auto& all, auto& out) {
+        return all.getLocaleDescription(german(), german(), out);
+    });
+    return true;
+}();
 
 }  // namespace
 }  // namespace fault

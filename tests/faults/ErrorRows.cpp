@@ -27,29 +27,29 @@ public:
 /// where a throwable cannot be thrown instead.
 template <class Error>
 void addError(const std::string& name, Error (*make)()) {
-    const auto add = [&name](const char* operation, auto run) {
-        rows().emplace_back(name + operation, kOutOfMemory | kBadAlloc, run);
+    const auto with = [&name](const char* operation, auto run) {
+        add(name + operation, kOutOfMemory | kBadAlloc, run);
     };
     const auto printed = [](const QBLThrowable& error) {
         return calmly([&] { return print(error); });
     };
-    add(".make", [=] { return printed(make()); });
-    add(".copy", [=] {
+    with(".make", [=] { return printed(make()); });
+    with(".copy", [=] {
         const Error error = calmly(make);
         return printed(Error(error));
     });
-    add(".clone", [=] {
+    with(".clone", [=] {
         const Error error = calmly(make);
         return printed(*std::unique_ptr<QBLThrowable>(error.clone()));
     });
-    add(".assign", [=] {
+    with(".assign", [=] {
         const Error from = calmly(make);
         Error to = calmly(make);
         calmly([&] { to.addBackTrace(QBL_HERE, "detail", "TAG"); });
         to = from;  // clears the target first, so a failure may leave less than before
         return printed(to);
     });
-    add(".texts", [=] {
+    with(".texts", [=] {
         Error error = calmly(make);
         const char* const message = error.getMessage();
         const char* const code = error.getErrorCodeString();
@@ -61,7 +61,7 @@ void addError(const std::string& name, Error (*make)()) {
         });
     });
     // The memory of the exception itself comes from a reserve of the C++ library in the end.
-    add(".hurl", [=]() -> std::string {
+    with(".hurl", [=]() -> std::string {
         Error error = calmly(make);
         try {
             error.hurl(QBL_HERE, "detail", "TAG");
@@ -91,67 +91,62 @@ const bool kErrors = [] {
 
 QBLRuntimeError example() { return QBLRuntimeError(7, kText); }
 
-const Rows kRows{
-    {"QBLDeferredThrowable.set", kOutOfMemory | kBadAlloc,
-     [] {
-         QBLDeferredThrowable held = calmly([] { return QBLDeferredThrowable(QBLError(1, "x")); });
-         const QBLRuntimeError error = calmly(example);
-         held = error;  // releases the old throwable first
-         QBLDeferredThrowable other(held);
-         other = held;
-         return calmly([&] { return print(other); });
-     }},
-    {"QBLDeferredThrowable.check", kOutOfMemory | kBadAlloc,
-     [] {
-         QBLDeferredThrowable held = calmly([] { return QBLDeferredThrowable(example()); });
-         try {
-             held.check(QBL_HERE, nullptr, "TAG");
-         } catch (const QBLRuntimeError& thrown) {
-             return calmly([&] { return std::string(thrown.getThrowableName()); });
-         }
-         return std::string();
-     }},
-    {"QBLStdBridge", kOutOfMemory | kBadAlloc,
-     [] {
-         const QBLRuntimeError error = calmly(example);
-         const QBLStdBridge bridge(error);
-         QBLStdBridge copy(bridge);
-         copy = bridge;
-         return calmly([&] { return print(copy.getThrowable()); });
-     }},
-    {"qblFromStd", kOutOfMemory | kBadAlloc,
-     [] {
-         try {
-             try {
-                 try {
-                     QBL_THROW(QBLRuntimeError(7, kText));
-                 } catch (...) {
-                     qblToStd();
-                 }
-             } catch (...) {
-                 qblFromStd();
-             }
-         } catch (const QBLRuntimeError& error) {
-             return error.getErrorCode();  // the back-trace may lose entries
-         }
-         throw Broken{"another error"};
-     }},
-    {"qblWhat", kBadAlloc,
-     [] {
-         const QBLRuntimeError error = calmly([] { return QBLRuntimeError(7, "short"); });
-         const std::exception_ptr other =
-             calmly([] { return std::make_exception_ptr(std::runtime_error(kText)); });
-         const std::string first = qblWhat(other);
-         // Without memory, the name of the class takes the place of the text.
-         const std::string second = qblWhat(error);
-         return calmly([&] { return first + (second == "QBLRuntimeError" ? "short" : second); });
-     }},
-    {"qblXml", kOutOfMemory,
-     [] {
-         const QBLRuntimeError error = calmly(example);
-         return qblXml(error);
-     }},
-};
+const bool kRows = [] {
+    add("QBLDeferredThrowable.set", kOutOfMemory | kBadAlloc, [] {
+        QBLDeferredThrowable held = calmly([] { return QBLDeferredThrowable(QBLError(1, "x")); });
+        const QBLRuntimeError error = calmly(example);
+        held = error;  // releases the old throwable first
+        QBLDeferredThrowable other(held);
+        other = held;
+        return calmly([&] { return print(other); });
+    });
+    add("QBLDeferredThrowable.check", kOutOfMemory | kBadAlloc, [] {
+        QBLDeferredThrowable held = calmly([] { return QBLDeferredThrowable(example()); });
+        try {
+            held.check(QBL_HERE, nullptr, "TAG");
+        } catch (const QBLRuntimeError& thrown) {
+            return calmly([&] { return std::string(thrown.getThrowableName()); });
+        }
+        return std::string();
+    });
+    add("QBLStdBridge", kOutOfMemory | kBadAlloc, [] {
+        const QBLRuntimeError error = calmly(example);
+        const QBLStdBridge bridge(error);
+        QBLStdBridge copy(bridge);
+        copy = bridge;
+        return calmly([&] { return print(copy.getThrowable()); });
+    });
+    add("qblFromStd", kOutOfMemory | kBadAlloc, [] {
+        try {
+            try {
+                try {
+                    QBL_THROW(QBLRuntimeError(7, kText));
+                } catch (...) {
+                    qblToStd();
+                }
+            } catch (...) {
+                qblFromStd();
+            }
+        } catch (const QBLRuntimeError& error) {
+            return error.getErrorCode();  // the back-trace may lose entries
+        }
+        throw Broken{"another error"};
+    });
+    add("qblWhat", kBadAlloc, [] {
+        const QBLRuntimeError error = calmly([] { return QBLRuntimeError(7, "short"); });
+        const std::exception_ptr other =
+            calmly([] { return std::make_exception_ptr(std::runtime_error(kText)); });
+        const std::string first = qblWhat(other);
+        // Without memory, the name of the class takes the place of the text.
+        const std::string second = qblWhat(error);
+        return calmly([&] { return first + (second == "QBLRuntimeError" ? "short" : second); });
+    });
+    add("qblXml", kOutOfMemory, [] {
+        const QBLRuntimeError error = calmly(example);
+        return qblXml(error);
+    });
+    return true;
+}();
 
 }  // namespace
 }  // namespace fault

@@ -146,127 +146,109 @@ std::string linesOf(QBLFmLines&& lines) {
     return all;
 }
 
-const Rows kRows{
-    {"QBLFmFile", kRefuses, roundTrip<QBLFmFile>},
-    {"QBLFmFile64", kRefuses, roundTrip<QBLFmFile64>},
-    {"QBLFmReplaceFile.open", kRefuses,
-     [] {
-         const std::string path = calmly([] { return out() + "/replaced"; });
-         QBLFmReplaceFile file;
-         needErrno(file.open(path.c_str()));
-         return replaced(file);
-     }},
-    {"QBLFmReplaceFile.openIn", kRefuses,
-     [] {
-         QBLFmDirectory folder;
-         needErrno(folder.open(out().c_str()));
-         QBLFmReplaceFile file;
-         needErrno(file.open(folder, "replaced"));
-         return replaced(file);
-     }},
-    {"QBLFmReplaceFile.commitOver", kRefuses,
-     [] {
-         const std::string path = calmly([] { return tree().file("out/replaced", "old"); });
-         QBLFmFile old;
-         need(calmly([&] { return old.open(path.c_str(), QBLFmFile::existing, 0); }));
-         QBLFmReplaceFile file;
-         needErrno(file.open(path.c_str()));
-         need(file.write("new", 3));
-         needErrno(file.flush());
-         needErrno(file.commitOver(old.getFileDescriptor()));
-         needErrno(file.keepReplaced("kept"));
-         return calmly([] {
-             QBLFmDir::removeFile((out() + "/kept").c_str());
-             return tree().text("out/replaced");
-         });
-     }},
-    {"QBLFmDirectory", kRefuses,
-     [] {
-         QBLFmDirectory parent, folder;
-         std::string name;
-         needErrno(parent.openParent(root().c_str(), name));
-         needErrno(folder.open(parent, name.c_str()));
-         needErrno(folder.create(parent, "made", 0700));
-         needErrno(parent.rename("made", "made"));
-         need(calmly([] { return QBLFmDir::removeDir(tree()("made").c_str()); }));
-         std::list<std::string> files, dirs;
-         needErrno(parent.readDir(&files, nullptr, &dirs, nullptr));
-         return calmly([&] { return name + shown(files) + shown(dirs); });
-     }},
-    {"QBLFmDir.readDir", kRefuses, [] { return namesIn<std::string>(root(), "*", "a*"); }},
-    {"QBLFmDir.readDirStrings", kRefuses,
-     [] {
-         const I18NString pattern("*");
-         return namesIn<I18NString, const I18NString*>(rootText(), &pattern, nullptr);
-     }},
-    {"QBLFmDir.makeAndRemove", kRefuses,
-     [] { makeAndRemove(calmly([] { return out() + "/x"; })); }},
-    {"QBLFmDir.makeAndRemoveStrings", kRefuses,
-     [] { makeAndRemove(calmly([] { return outText() + "/\u00E9"; })); }},
-    {"QBLFmDir.temporaries", kRefuses,
-     [] {
-         makeTemporaries<std::string, const char>(
-             out().c_str(), "a prefix that is too long for the inside of a string", ".suffix");
-     }},
-    {"QBLFmDir.temporaryStrings", kRefuses,
-     [] {
-         static const I18NString kPrefix("a prefix of some length, with \u00E9"), kSuffix(".x");
-         makeTemporaries<I18NString, const I18NString>(&outText(), &kPrefix, &kSuffix);
-     }},
-    {"QBLFmDir.paths", kRefuses | kOutOfMemory | kBadAlloc,
-     [] {
-         static const std::string kRelative("a/longer/relative/path/to/join");
-         return joinPaths(out(), kRelative);
-     },
-     kFallback},
-    {"QBLFmDir.pathStrings", kRefuses | kOutOfMemory,
-     [] {
-         static const I18NString kRelative("b\u00E9/c");
-         return joinPaths(outText(), kRelative);
-     },
-     kFallback},
-    {"QBLFmDir.settings", kOutOfMemory, [] { return changeSettings(out()); }},
-    {"QBLFmDir.settingStrings", kOutOfMemory, [] { return changeSettings(outText()); }},
-    {"QBLFmDir.getFileFullPath", kOutOfMemory | kBadAlloc,
-     [] { return QBLFmDir::getFileFullPath("c", root().c_str(), {"a folder with a long name"}); },
-     kFallback},
-    {"QBLFmDir.getFileFullPathStrings", kOutOfMemory | kBadAlloc,
-     [] {
-         static const std::list<I18NString> kFolders{I18NString("a folder with a long name")};
-         static const I18NString kName("c");
-         return QBLFmDir::getFileFullPath(kName, rootText(), kFolders);
-     },
-     kFallback},
-    {"QBLFmEntries", kOutOfMemory | kBadAlloc | kOther | kRefuses,
-     [] { return listed(QBLFmEntries(root(), QBLFmEntries::kRecursive)); }, kAbsence},
-    {"QBLFmEntries.string", kOutOfMemory | kBadAlloc | kOther | kRefuses,
-     [] { return listed(QBLFmEntries(rootText(), QBLFmEntries::kRecursive)); }, kAbsence},
-    {"QBLFmLines", kOutOfMemory | kBadAlloc,
-     [] {
-         static const std::string kPath = root() + "/b\u00E9";
-         return linesOf(QBLFmLines(kPath, "UTF-8"));
-     },
-     kOther},
-    {"QBLFmLines.converter", kOutOfMemory | kBadAlloc,
-     [] {
-         static const std::string kPath = root() + "/b\u00E9";
-         static const I18NConverter kLatin("windows-1252");
-         return linesOf(QBLFmLines(kPath.c_str(), kLatin, nullptr));
-     },
-     kOther},
-    {"QBLFileLockRW", kOutOfMemory,
-     [] {
-         QBLFmFile file;
-         need(calmly([&] { return file.open((out() + "/lock").c_str(), QBLFmFile::create, 0); }));
-         QBLFileLockRW lock(file);
-         lock.lock();
-         lock.readLock();
-         need(lock.tryLock() == 1 && lock.tryReadLock() == 1 && lock.boundedLock(1) &&
-              lock.boundedReadLock(1));
-         lock.unlock();
-     },
-     kOther | kRefuses},
-};
+const bool kRows = [] {
+    add("QBLFmFile", kRefuses, roundTrip<QBLFmFile>);
+    add("QBLFmFile64", kRefuses, roundTrip<QBLFmFile64>);
+    add("QBLFmReplaceFile.open", kRefuses, [] {
+        const std::string path = calmly([] { return out() + "/replaced"; });
+        QBLFmReplaceFile file;
+        needErrno(file.open(path.c_str()));
+        return replaced(file);
+    });
+    add("QBLFmReplaceFile.openIn", kRefuses, [] {
+        QBLFmDirectory folder;
+        needErrno(folder.open(out().c_str()));
+        QBLFmReplaceFile file;
+        needErrno(file.open(folder, "replaced"));
+        return replaced(file);
+    });
+    add("QBLFmReplaceFile.commitOver", kRefuses, [] {
+        const std::string path = calmly([] { return tree().file("out/replaced", "old"); });
+        QBLFmFile old;
+        need(calmly([&] { return old.open(path.c_str(), QBLFmFile::existing, 0); }));
+        QBLFmReplaceFile file;
+        needErrno(file.open(path.c_str()));
+        need(file.write("new", 3));
+        needErrno(file.flush());
+        needErrno(file.commitOver(old.getFileDescriptor()));
+        needErrno(file.keepReplaced("kept"));
+        return calmly([] {
+            QBLFmDir::removeFile((out() + "/kept").c_str());
+            return tree().text("out/replaced");
+        });
+    });
+    add("QBLFmDirectory", kRefuses, [] {
+        QBLFmDirectory parent, folder;
+        std::string name;
+        needErrno(parent.openParent(root().c_str(), name));
+        needErrno(folder.open(parent, name.c_str()));
+        needErrno(folder.create(parent, "made", 0700));
+        needErrno(parent.rename("made", "made"));
+        need(calmly([] { return QBLFmDir::removeDir(tree()("made").c_str()); }));
+        std::list<std::string> files, dirs;
+        needErrno(parent.readDir(&files, nullptr, &dirs, nullptr));
+        return calmly([&] { return name + shown(files) + shown(dirs); });
+    });
+    add("QBLFmDir.readDir", kRefuses, [] { return namesIn<std::string>(root(), "*", "a*"); });
+    add("QBLFmDir.readDirStrings", kRefuses, [] {
+        const I18NString pattern("*");
+        return namesIn<I18NString, const I18NString*>(rootText(), &pattern, nullptr);
+    });
+    add("QBLFmDir.makeAndRemove", kRefuses,
+        [] { makeAndRemove(calmly([] { return out() + "/x"; })); });
+    add("QBLFmDir.makeAndRemoveStrings", kRefuses,
+        [] { makeAndRemove(calmly([] { return outText() + "/\u00E9"; })); });
+    add("QBLFmDir.temporaries", kRefuses, [] {
+        makeTemporaries<std::string, const char>(
+            out().c_str(), "a prefix that is too long for the inside of a string", ".suffix");
+    });
+    add("QBLFmDir.temporaryStrings", kRefuses, [] {
+        static const I18NString kPrefix("a prefix of some length, with \u00E9"), kSuffix(".x");
+        makeTemporaries<I18NString, const I18NString>(&outText(), &kPrefix, &kSuffix);
+    });
+    add("QBLFmDir.paths", kRefuses | kOutOfMemory | kBadAlloc, kFallback, [] {
+        static const std::string kRelative("a/longer/relative/path/to/join");
+        return joinPaths(out(), kRelative);
+    });
+    add("QBLFmDir.pathStrings", kRefuses | kOutOfMemory, kFallback, [] {
+        static const I18NString kRelative("b\u00E9/c");
+        return joinPaths(outText(), kRelative);
+    });
+    add("QBLFmDir.settings", kOutOfMemory, [] { return changeSettings(out()); });
+    add("QBLFmDir.settingStrings", kOutOfMemory, [] { return changeSettings(outText()); });
+    add("QBLFmDir.getFileFullPath", kOutOfMemory | kBadAlloc, kFallback, [] {
+        return QBLFmDir::getFileFullPath("c", root().c_str(), {"a folder with a long name"});
+    });
+    add("QBLFmDir.getFileFullPathStrings", kOutOfMemory | kBadAlloc, kFallback, [] {
+        static const std::list<I18NString> kFolders{I18NString("a folder with a long name")};
+        static const I18NString kName("c");
+        return QBLFmDir::getFileFullPath(kName, rootText(), kFolders);
+    });
+    add("QBLFmEntries", kOutOfMemory | kBadAlloc | kOther | kRefuses, kAbsence,
+        [] { return listed(QBLFmEntries(root(), QBLFmEntries::kRecursive)); });
+    add("QBLFmEntries.string", kOutOfMemory | kBadAlloc | kOther | kRefuses, kAbsence,
+        [] { return listed(QBLFmEntries(rootText(), QBLFmEntries::kRecursive)); });
+    add("QBLFmLines", kOutOfMemory | kBadAlloc, kOther, [] {
+        static const std::string kPath = root() + "/b\u00E9";
+        return linesOf(QBLFmLines(kPath, "UTF-8"));
+    });
+    add("QBLFmLines.converter", kOutOfMemory | kBadAlloc, kOther, [] {
+        static const std::string kPath = root() + "/b\u00E9";
+        static const I18NConverter kLatin("windows-1252");
+        return linesOf(QBLFmLines(kPath.c_str(), kLatin, nullptr));
+    });
+    add("QBLFileLockRW", kOutOfMemory, kOther | kRefuses, [] {
+        QBLFmFile file;
+        need(calmly([&] { return file.open((out() + "/lock").c_str(), QBLFmFile::create, 0); }));
+        QBLFileLockRW lock(file);
+        lock.lock();
+        lock.readLock();
+        need(lock.tryLock() == 1 && lock.tryReadLock() == 1 && lock.boundedLock(1) &&
+             lock.boundedReadLock(1));
+        lock.unlock();
+    });
+    return true;
+}();
 
 }  // namespace
 }  // namespace fault

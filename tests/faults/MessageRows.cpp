@@ -53,32 +53,32 @@ QBLMessage filled() {
 /// Copies, assigns, clones and shows a message.
 template <class Message>
 void addCopies(const char* name, Message (*make)(), Message (*makeOther)()) {
-    const auto add = [name](const char* operation, unsigned calls, auto run) {
-        rows().emplace_back(std::string(name) + operation, kOutOfMemory, run, calls);
+    const auto with = [name](const char* operation, unsigned calls, auto run) {
+        add(std::string(name) + operation, kOutOfMemory, calls, run);
     };
     const auto printed = [](const QBLMessageBase& message) {
         return calmly([&] { return print(message); });
     };
-    add(".make", kNothing, [=] { return printed(make()); });
-    add(".copy", kNothing, [=] {
+    with(".make", kNothing, [=] { return printed(make()); });
+    with(".copy", kNothing, [=] {
         const Message from = calmly(make);
         return printed(Message(from));
     });
-    add(".assign", kNothing, [=] {
+    with(".assign", kNothing, [=] {
         const Message from = calmly(make);
         Message to = calmly(makeOther);
         return changed(to, kPrint, [&](Message& m) { m = from; });
     });
-    add(".clone", kNothing, [=] {
+    with(".clone", kNothing, [=] {
         const Message from = calmly(make);
         return printed(*std::unique_ptr<const QBLMessageBase>(from.clone()));
     });
-    add(".format", kFallback, [=] {
+    with(".format", kFallback, [=] {
         const Message message = calmly(make);
         const I18NString german = formatted(message, "de"), english = formatted(message, nullptr);
         return calmly([&] { return german + english; });
     });
-    add(".toString", kFallback, [=] {
+    with(".toString", kFallback, [=] {
         const Message message = calmly(make);
         I18NString out;
         message.toString("de", nullptr, out, 1);
@@ -128,22 +128,22 @@ const QBLMessageSet& otherSet() {
 
 /// Makes a row that changes an object.
 template <class Make, class Change>
-Row edit(const char* name, Make make, Change change) {
+void edit(const char* name, Make make, Change change) {
     const auto run = [make, change] {
         auto object = calmly(make);
         return changed(*object, kPrint, change);
     };
-    return {name, kOutOfMemory, run};
+    add(name, kOutOfMemory, run);
 }
 
 template <class Change>
-Row ofSet(const char* name, Change change) {
-    return edit(
+void ofSet(const char* name, Change change) {
+    edit(
         name, [] { return std::unique_ptr<QBLMessageSet>(makeSet()); }, change);
 }
 
-Row ofParm(const char* name, void (*change)(QBLMessageParm&)) {
-    return edit(
+void ofParm(const char* name, void (*change)(QBLMessageParm&)) {
+    edit(
         name, [] { return std::make_unique<QBLMessageParm>("a text before"); }, change);
 }
 
@@ -163,86 +163,80 @@ std::string textOf(QBLResource* resource) {
 
 const QBLMessage kSource = filled();
 
-const Rows kRows{
+const bool kRows = [] {
     edit(
         "QBLMessageComponents.add", [] { return std::make_unique<QBLMessage>(filled()); },
-        [](QBLMessage& m) { m << I18NString("one more"); }),
+        [](QBLMessage& m) { m << I18NString("one more"); });
     edit(
         "QBLMessageComponents.copyParms", [] { return std::make_unique<QBLMessageComponents>(3); },
-        [](QBLMessageComponents& m) { m.copyParms(kSource); }),
-    ofSet("QBLMessageSet.add", [](QBLMessageSet& s) { s << kSource; }),
-    ofSet("QBLMessageSet.addFront", [](QBLMessageSet& s) { s.addMessageFront(kSource); }),
-    ofSet("QBLMessageSet.addOwned", [](QBLMessageSet& s) { s.addMessage(kSource.clone()); }),
-    ofSet("QBLMessageSet.assign", [](QBLMessageSet& s) { s = otherSet(); }),
-    ofSet("QBLMessageSet.copy", [](QBLMessageSet& s) { s.copy(QBLMessageSet(otherSet())); }),
-    ofSet("QBLMessageSet.transferMessages",
-          [](QBLMessageSet& s) {
-              const std::unique_ptr<QBLMessageSet> other(calmly(makeSet));
-              s.transferMessages(*other);
-          }),
-    {"QBLMessageSet.format", kOutOfMemory, [] { return formatted(otherSet(), "de"); }, kFallback},
-    ofParm("QBLMessageParm.assign", [](QBLMessageParm& p) { p = QBLMessageParm("another text"); }),
-    ofParm("QBLMessageParm.number", [](QBLMessageParm& p) { p.copy(QBLMessageParm(1LL << 40)); }),
+        [](QBLMessageComponents& m) { m.copyParms(kSource); });
+    ofSet("QBLMessageSet.add", [](QBLMessageSet& s) { s << kSource; });
+    ofSet("QBLMessageSet.addFront", [](QBLMessageSet& s) { s.addMessageFront(kSource); });
+    ofSet("QBLMessageSet.addOwned", [](QBLMessageSet& s) { s.addMessage(kSource.clone()); });
+    ofSet("QBLMessageSet.assign", [](QBLMessageSet& s) { s = otherSet(); });
+    ofSet("QBLMessageSet.copy", [](QBLMessageSet& s) { s.copy(QBLMessageSet(otherSet())); });
+    ofSet("QBLMessageSet.transferMessages", [](QBLMessageSet& s) {
+        const std::unique_ptr<QBLMessageSet> other(calmly(makeSet));
+        s.transferMessages(*other);
+    });
+    add("QBLMessageSet.format", kOutOfMemory, kFallback,
+        [] { return formatted(otherSet(), "de"); });
+    ofParm("QBLMessageParm.assign", [](QBLMessageParm& p) { p = QBLMessageParm("another text"); });
+    ofParm("QBLMessageParm.number", [](QBLMessageParm& p) { p.copy(QBLMessageParm(1LL << 40)); });
     ofParm("QBLMessageParm.unsigned",
-           [](QBLMessageParm& p) { p.copy(QBLMessageParm(1ULL << 63)); }),
-    {"QBLMessageParm.clone", kOutOfMemory,
-     [] {
-         const std::unique_ptr<QBLMessageParm> parm(QBLMessageParm("cloned text").clone());
-         I18NString out;
-         parm->format(nullptr, out);
-         QBLMessageParm(2.5).format(nullptr, out);
-         QBLMessageParm(QBLMsgParmOpaque).format(nullptr, out);
-         return out;
-     }},
-    {"qblXmlEscape", kOutOfMemory | kBadAlloc,
-     [] {
-         const I18NString text = qblXmlEscape(kSource.getMsgFile());
-         const std::string utf8 = qblXmlEscape(std::string_view("<&> and \x01 and a longer rest"));
-         return calmly([&] { return text.toUtf8().substr(0, 5) + utf8; });
-     }},
-    {"QBLResourceFactory.find", kBadAlloc | kOutOfMemory,
-     [] { return QBLResourceFactory::find(base(), "fr,de"); }, kFallback},
-    {"QBLResourceFactory.getCandidates", kBadAlloc | kOutOfMemory,
-     [] { return QBLResourceFactory::getCandidates(base(), "fr_CA,de"); }},
-    {"QBLResourceFactory.findAndGet", kOutOfMemory | kRefuses,
-     [] { return textOf(QBLResourceFactory::findAndGet(base(), "de", 1)); }},
-    {"QBLResourceFactory.get", kOutOfMemory | kRefuses,
-     [] {
-         const std::string name = calmly([] { return base() + "_de.bmf"; });
-         return textOf(QBLResourceFactory::get(name, "de", 0));
-     }},
-    {"QBLResourceFile", kOutOfMemory | kRefuses,
-     [] {
-         QBLResourceFile file(base(), "de", 0);
-         need(file.isOpen());
-         return textOf(file);
-     }},
-    {"QBLResourceBMF.open", kOutOfMemory | kRefuses,
-     [] {
-         const std::string name = calmly([] { return base() + "_de.bmf"; });
-         QBLResourceBMF resource(1);
-         calmly([&] { resource.setResourceFileName(name); });
-         try {
-             need(resource.open());
-         } catch (const QBLOutOfMemoryError&) {
-             if (resource.isOpen()) throw Broken{"stays open"};
-             throw;
-         }
-     }},
-    {"QBLCatalogueSettings.directories", kOutOfMemory | kBadAlloc,
-     [] {
-         QBLCatalogueSettings::addDirectory("/a/directory/that/does/not/exist");
-         return QBLCatalogueSettings::getDirectories().front();
-     }},
-    {"QBLCatalogueSettings.locales", kOutOfMemory,
-     [] {
-         QBLCatalogueSettings::setDefaultLocales("fr_CA,de_AT,it_CH,rm");
-         std::string locales =
-             calmly([] { return std::string(QBLCatalogueSettings::getDefaultLocales()); });
-         QBLCatalogueSettings::setDefaultLocales(nullptr);
-         return locales;
-     }},
-};
+           [](QBLMessageParm& p) { p.copy(QBLMessageParm(1ULL << 63)); });
+    add("QBLMessageParm.clone", kOutOfMemory, [] {
+        const std::unique_ptr<QBLMessageParm> parm(QBLMessageParm("cloned text").clone());
+        I18NString out;
+        parm->format(nullptr, out);
+        QBLMessageParm(2.5).format(nullptr, out);
+        QBLMessageParm(QBLMsgParmOpaque).format(nullptr, out);
+        return out;
+    });
+    add("qblXmlEscape", kOutOfMemory | kBadAlloc, [] {
+        const I18NString text = qblXmlEscape(kSource.getMsgFile());
+        const std::string utf8 = qblXmlEscape(std::string_view("<&> and \x01 and a longer rest"));
+        return calmly([&] { return text.toUtf8().substr(0, 5) + utf8; });
+    });
+    add("QBLResourceFactory.find", kBadAlloc | kOutOfMemory, kFallback,
+        [] { return QBLResourceFactory::find(base(), "fr,de"); });
+    add("QBLResourceFactory.getCandidates", kBadAlloc | kOutOfMemory,
+        [] { return QBLResourceFactory::getCandidates(base(), "fr_CA,de"); });
+    add("QBLResourceFactory.findAndGet", kOutOfMemory | kRefuses,
+        [] { return textOf(QBLResourceFactory::findAndGet(base(), "de", 1)); });
+    add("QBLResourceFactory.get", kOutOfMemory | kRefuses, [] {
+        const std::string name = calmly([] { return base() + "_de.bmf"; });
+        return textOf(QBLResourceFactory::get(name, "de", 0));
+    });
+    add("QBLResourceFile", kOutOfMemory | kRefuses, [] {
+        QBLResourceFile file(base(), "de", 0);
+        need(file.isOpen());
+        return textOf(file);
+    });
+    add("QBLResourceBMF.open", kOutOfMemory | kRefuses, [] {
+        const std::string name = calmly([] { return base() + "_de.bmf"; });
+        QBLResourceBMF resource(1);
+        calmly([&] { resource.setResourceFileName(name); });
+        try {
+            need(resource.open());
+        } catch (const QBLOutOfMemoryError&) {
+            if (resource.isOpen()) throw Broken{"stays open"};
+            throw;
+        }
+    });
+    add("QBLCatalogueSettings.directories", kOutOfMemory | kBadAlloc, [] {
+        QBLCatalogueSettings::addDirectory("/a/directory/that/does/not/exist");
+        return QBLCatalogueSettings::getDirectories().front();
+    });
+    add("QBLCatalogueSettings.locales", kOutOfMemory, [] {
+        QBLCatalogueSettings::setDefaultLocales("fr_CA,de_AT,it_CH,rm");
+        std::string locales =
+            calmly([] { return std::string(QBLCatalogueSettings::getDefaultLocales()); });
+        QBLCatalogueSettings::setDefaultLocales(nullptr);
+        return locales;
+    });
+    return true;
+}();
 
 }  // namespace
 }  // namespace fault

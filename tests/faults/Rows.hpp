@@ -2,7 +2,6 @@
 #define TESTS_FAULTS_ROWS_HPP
 
 #include <functional>
-#include <initializer_list>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -82,33 +81,33 @@ std::string shown(const Range& range) {
 
 /// One operation, or a few that belong together.
 struct Row {
-    /// @param operation  Returns nothing or a result that shown() takes. The result must be the
-    /// same
-    ///     for every run that succeeds, whether an allocation or a call failed before or not.
-    template <class Operation>
-    Row(std::string what, unsigned promised, Operation operation, unsigned forCalls = kNothing)
-        : name(std::move(what)), promises(promised), calls(forCalls), run([operation] {
-              if constexpr (std::is_void_v<decltype(operation())>) {
-                  operation();
-                  return std::string();
-              } else {
-                  const auto result = operation();
-                  return calmly([&result] { return shown(result); });
-              }
-          }) {}
-
     std::string name;   // Class.operation
     unsigned promises;  // a set of Promise
     unsigned calls;     // what else it may do when a system call fails: a set of Promise
     std::function<std::string()> run;
 };
-
 std::vector<Row>& rows();
 
-/// Adds the rows of a source to the table.
-struct Rows {
-    Rows(std::initializer_list<Row> some) { rows().insert(rows().end(), some); }
-};
+/// Adds a row.
+/// @param operation  Returns nothing or a result that shown() takes. The result must be the same
+/// for
+///     every run that succeeds, whether an allocation or a call failed before or not.
+template <class Operation>
+void add(const std::string& name, unsigned promises, unsigned calls, Operation operation) {
+    rows().push_back({name, promises, calls, [operation] {
+                          if constexpr (std::is_void_v<decltype(operation())>) {
+                              operation();
+                              return std::string();
+                          } else {
+                              const auto result = operation();
+                              return calmly([&result] { return shown(result); });
+                          }
+                      }});
+}
+template <class Operation>
+void add(const std::string& name, unsigned promises, Operation operation) {
+    add(name, promises, kNothing, operation);
+}
 
 }  // namespace fault
 

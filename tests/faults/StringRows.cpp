@@ -87,11 +87,11 @@ const bool kEdits = [] {
     };
     for (const auto& edit : table)
         for (int kind = 0; kind < 4; ++kind)
-            rows().emplace_back(std::string("I18NString.") + edit.name + "/" + std::to_string(kind),
-                                kOutOfMemory, [kind, change = edit.change] {
-                                    I18NString text = calmly(kTexts[kind]);
-                                    return changed(text, print, change);
-                                });
+            add(std::string("I18NString.") + edit.name + "/" + std::to_string(kind), kOutOfMemory,
+                [kind, change = edit.change] {
+                    I18NString text = calmly(kTexts[kind]);
+                    return changed(text, print, change);
+                });
     return true;
 }();
 
@@ -101,16 +101,16 @@ std::string bytesOf(const I18NString& text, const char* encoding) {
     return calmly([=] { return std::string(bytes, static_cast<std::size_t>(length)); });
 }
 
-const Rows kRows{
-    {"I18NString.c_str", kOutOfMemory,
-     [] {
-         const I18NString text = calmly(kTexts[2]);
-         const std::string first = bytesOf(text, "Shift_JIS"), second = bytesOf(text, "UTF-16"),
-                           third = bytesOf(text, "windows-1252"), fourth = bytesOf(text, nullptr),
-                           again = bytesOf(text, "Shift_JIS");
-         return calmly([&] { return first + second + third + fourth + again; });
-     }},
-};
+const bool kRows = [] {
+    add("I18NString.c_str", kOutOfMemory, [] {
+        const I18NString text = calmly(kTexts[2]);
+        const std::string first = bytesOf(text, "Shift_JIS"), second = bytesOf(text, "UTF-16"),
+                          third = bytesOf(text, "windows-1252"), fourth = bytesOf(text, nullptr),
+                          again = bytesOf(text, "Shift_JIS");
+        return calmly([&] { return first + second + third + fourth + again; });
+    });
+    return true;
+}();
 
 }  // namespace
 }  // namespace fault

@@ -50,12 +50,12 @@ void needState(Code code) {
 
 template <class Pool, unsigned... kArguments>
 void addPool(const std::string& name) {
-    rows().emplace_back(name + ".make", kThread, [] {
+    add(name + ".make", kThread, [] {
         start();
         Pool pool(kArguments...);
     });
     const auto make = [] { return std::make_unique<Pool>(kArguments...); };
-    rows().emplace_back(name + ".group", kThread, [make] {
+    add(name + ".group", kThread, [make] {
         start();
         const std::unique_ptr<Pool> pool = calmly(make);
         std::atomic<int> count{0};
@@ -64,7 +64,7 @@ void addPool(const std::string& name) {
         group.wait();
         return count.load();
     });
-    rows().emplace_back(name + ".submit", kThread | kBadAlloc, [make] {
+    add(name + ".submit", kThread | kBadAlloc, [make] {
         start();
         const std::unique_ptr<Pool> pool = calmly(make);
         return qblSubmit(*pool, [] { return 7; }).get();
@@ -84,7 +84,7 @@ std::string print(const QBLByteBuffer& buffer) {
 }
 
 template <class Change>
-Row edit(const char* name, Change change) {
+void edit(const char* name, Change change) {
     const auto run = [change] {
         QBLByteBuffer buffer = calmly([] {
             QBLByteBuffer made(8, 8);
@@ -94,7 +94,7 @@ Row edit(const char* name, Change change) {
         const std::string after = changed(buffer, print, change);
         return calmly([&] { return after + print(buffer << 0); });
     };
-    return {std::string("QBLByteBuffer.") + name, kOutOfMemory | kOther, run};
+    add(std::string("QBLByteBuffer.") + name, kOutOfMemory | kOther, run);
 }
 
 char g_id[] = "class";
@@ -109,177 +109,160 @@ struct CountTask : QBLCustodianTask {
     int doIt(int /*terminating*/) override { return 0; }
 };
 
-const Rows kRows{
-    {"QBLThreadMutex", kThread, makeLock<QBLThreadMutex>},
-    {"QBLThreadRecursiveMutex", kThread, makeLock<QBLThreadRecursiveMutex>},
-    {"QBLThreadCriticalSection", kThread, makeLock<QBLThreadCriticalSection>},
-    {"QBLThreadRecursiveCriticalSection", kThread, makeLock<QBLThreadRecursiveCriticalSection>},
-    {"QBLThreadRWLock", kThread,
-     [] {
-         QBLThreadRWLock lock;
-         useLock(lock);
-         lock.readLock();
-         lock.unlock();
-         need(lock.boundedReadLock(1));
-         const bool excluded = !lock.boundedLock(1);  // the wait for a reader ends
-         lock.unlock();
-         need(excluded);
-     }},
-    {"QBLThreadEvents", kThread,
-     [] {
-         QBLThreadAutoResetEvent one(0);
-         QBLThreadManualResetEvent all(0);
-         QBLThreadSemaphore semaphore(0);
-         one.signal();
-         all.signal();
-         semaphore.post();
-         one.wait();
-         all.wait();
-         semaphore.wait();
-     }},
-    {"QBLThreadConditionVariable", kThread,
-     [] {
-         QBLThreadCriticalSection lock(0);
-         QBLThreadConditionVariable condition;
-         const QBLThreadGuard guard(lock);
-         condition.signal();
-         condition.broadcast();
-         static_cast<void>(condition.timedWait(lock, 1UL));
-     }},
-    {"QBLThreadKey", kThread,
-     [] {
-         static int s_value = 0;
-         QBLThreadKey key;
-         key.setValue(&s_value);
-         need(key.getValue() == &s_value);
-     }},
-    {"QBLCallableThread", kThread | kBadAlloc,
-     [] {
-         start();
-         int result = 0;
-         QBLCallableThread thread([&result] { result = 7; });
-         thread.start();
-         thread.join();
-         return result;
-     }},
-    {"QBLTaskGroup.error", kThread,
-     [] {
-         NoPool<true> pool;
-         QBLTaskGroup group(pool);
-         needState([&] {
-             group.run(&throwState);
-             group.wait();
-         });
-     }},
-    {"qblSubmit.error", kThread | kBadAlloc,
-     [] {
-         NoPool<false> pool;
-         const auto held = calmly([] { return std::make_shared<int>(0); });
-         needState([&] { qblSubmit(pool, [held] { throwState(); }).get(); });
-     }},
-    {"qblSubmit.refused", kThread | kBadAlloc,
-     [] {
-         NoPool<true> pool;
-         try {
-             qblSubmit(pool, &throwState).get();
-         } catch (const QBLThreadResourceError&) {
-         }
-     }},
-    {"QBLList", kOutOfMemory | kBadAlloc,
-     [] {
-         QBLList<int> list = calmly([] { return QBLList<int>{3, 1, 2}; });
-         const auto show = [](const QBLList<int>& l) {
-             std::string all;
-             for (const int value : l) all += std::to_string(value);
-             if (all.size() != l.size()) throw Broken{"size"};
-             return all;
-         };
-         changed(list, show, [](QBLList<int>& l) { l.push_back(4); });
-         changed(list, show, [](QBLList<int>& l) { l.push_front(0); });
-         changed(list, show, [](QBLList<int>& l) { l.insert(++l.begin(), 9); });
-         return changed(list, show, [](QBLList<int>& l) { l.emplace_back(5); });
-     }},
-    edit("append", [](QBLByteBuffer& b) { b << "text that needs more room"; }),
-    edit("number", [](QBLByteBuffer& b) { b << 1234567890L; }),
-    edit("printf", [](QBLByteBuffer& b) { b.printf("%s %d", "formatted", 7); }),
-    edit("reserve", [](QBLByteBuffer& b) { b.reserve(1000); }),
-    edit("copy", [](QBLByteBuffer& b) { QBLByteBuffer(b) << "text that needs more room"; }),
-    edit("assign",
-         [](QBLByteBuffer& b) {
-             b = calmly([] { return QBLByteBuffer() << "a text that is longer than the block"; });
-         }),
-    {"QBLVariant", kRefuses,
-     [] {
-         // After a failure, a variant has no type.
-         const auto check = [](bool done, const QBLVariant& variant) {
-             if (!done && !(variant == QBLVariant())) throw Broken{"has a value"};
-             need(done);
-         };
-         QBLVariant text, copy;
-         check(text.setValue("a text in a variant", 0), text);
-         need(calmly([&] { return copy.setValue("before", 0); }));
-         copy = text;
-         check(copy == text, copy);
-         const QBLVariant other(text);
-         check(other == text, other);
-         check(text.setValue("the second value", 0), text);
-     }},
-    {"qblBase64", kBadAlloc | kOutOfMemory,
-     [] {
-         const std::string coded = qblBase64Encode("a text with some length", 23),
-                           url = qblBase64URLEncode("a text with some length", 23);
-         const auto text = qblBase64Decode(coded), back = qblBase64URLDecode(url);
-         return calmly([&] { return coded + text.value() + url + back.value(); });
-     }},
-    {"QBLSquisher", kRefuses,
-     [] {
-         const std::unique_ptr<char[]> token(QBLSquisher::squish("a text to squish, to squish"));
-         need(token != nullptr);
-         const std::unique_ptr<char[]> text(QBLSquisher::unSquish(token.get()));
-         need(text != nullptr);
-         return calmly([&] { return std::string(text.get()); });
-     }},
-    {"QBLUtStrTok", kBadAlloc | kOutOfMemory,
-     [] {
-         QBLUtStrTok tokens("some tokens that are-longer-than-a-short-text; and more");
-         std::string token, all;
-         while (tokens.nextToken(token)) calmly([&] { all += token; });
-         return all;
-     }},
-    {"QBLMiniLogger", kBadAlloc | kOutOfMemory | kNothing,
-     [] {
-         QBLMiniLogger logger;
-         logger.init("/dev/null");
-         logger.log("caption", "text");
-         logger.logTrace("caption", "trace");
-     }},
-    {"QBLObjectFactory", kOutOfMemory | kBadAlloc,
-     [] {
-         QBLObjectFactory factory;
-         factory.registerClass(g_id, &Item::make);
-         const auto create = [&factory] { return factory.createObject(g_id); };
-         try {
-             create()->release();
-         } catch (...) {
-             calmly(create)->release();
-             throw;
-         }
-         factory.releaseObject(create());
-         factory.unregisterClass(g_id);
-         factory.registerClass(g_id, &Item::make);
-     },
-     kThreadResource},
-    {"QBLCustodian", kRefuses | kThread,
-     [] {
-         start();
-         CountTask task;
-         const bool registered = QBLCustodian::registerTask(&task);
-         if (registered) QBLCustodian::deRegisterTask(&task);
-         need(registered);
-     }},
-    {"QBLUtSystemInfo", kOutOfMemory | kBadAlloc,
-     [] { return QBLUtSystemInfo::getTimeStamp(0).size(); }},
-};
+const bool kRows = [] {
+    add("QBLThreadMutex", kThread, makeLock<QBLThreadMutex>);
+    add("QBLThreadRecursiveMutex", kThread, makeLock<QBLThreadRecursiveMutex>);
+    add("QBLThreadCriticalSection", kThread, makeLock<QBLThreadCriticalSection>);
+    add("QBLThreadRecursiveCriticalSection", kThread, makeLock<QBLThreadRecursiveCriticalSection>);
+    add("QBLThreadRWLock", kThread, [] {
+        QBLThreadRWLock lock;
+        useLock(lock);
+        lock.readLock();
+        lock.unlock();
+        need(lock.boundedReadLock(1));
+        const bool excluded = !lock.boundedLock(1);  // the wait for a reader ends
+        lock.unlock();
+        need(excluded);
+    });
+    add("QBLThreadEvents", kThread, [] {
+        QBLThreadAutoResetEvent one(0);
+        QBLThreadManualResetEvent all(0);
+        QBLThreadSemaphore semaphore(0);
+        one.signal();
+        all.signal();
+        semaphore.post();
+        one.wait();
+        all.wait();
+        semaphore.wait();
+    });
+    add("QBLThreadConditionVariable", kThread, [] {
+        QBLThreadCriticalSection lock(0);
+        QBLThreadConditionVariable condition;
+        const QBLThreadGuard guard(lock);
+        condition.signal();
+        condition.broadcast();
+        static_cast<void>(condition.timedWait(lock, 1UL));
+    });
+    add("QBLThreadKey", kThread, [] {
+        static int s_value = 0;
+        QBLThreadKey key;
+        key.setValue(&s_value);
+        need(key.getValue() == &s_value);
+    });
+    add("QBLCallableThread", kThread | kBadAlloc, [] {
+        start();
+        int result = 0;
+        QBLCallableThread thread([&result] { result = 7; });
+        thread.start();
+        thread.join();
+        return result;
+    });
+    add("QBLTaskGroup.error", kThread, [] {
+        NoPool<true> pool;
+        QBLTaskGroup group(pool);
+        needState([&] {
+            group.run(&throwState);
+            group.wait();
+        });
+    });
+    add("qblSubmit.error", kThread | kBadAlloc, [] {
+        NoPool<false> pool;
+        const auto held = calmly([] { return std::make_shared<int>(0); });
+        needState([&] { qblSubmit(pool, [held] { throwState(); }).get(); });
+    });
+    add("qblSubmit.refused", kThread | kBadAlloc, [] {
+        NoPool<true> pool;
+        try {
+            qblSubmit(pool, &throwState).get();
+        } catch (const QBLThreadResourceError&) {
+        }
+    });
+    add("QBLList", kOutOfMemory | kBadAlloc, [] {
+        QBLList<int> list = calmly([] { return QBLList<int>{3, 1, 2}; });
+        const auto show = [](const QBLList<int>& l) {
+            std::string all;
+            for (const int value : l) all += std::to_string(value);
+            if (all.size() != l.size()) throw Broken{"size"};
+            return all;
+        };
+        changed(list, show, [](QBLList<int>& l) { l.push_back(4); });
+        changed(list, show, [](QBLList<int>& l) { l.push_front(0); });
+        changed(list, show, [](QBLList<int>& l) { l.insert(++l.begin(), 9); });
+        return changed(list, show, [](QBLList<int>& l) { l.emplace_back(5); });
+    });
+    edit("append", [](QBLByteBuffer& b) { b << "text that needs more room"; });
+    edit("number", [](QBLByteBuffer& b) { b << 1234567890L; });
+    edit("printf", [](QBLByteBuffer& b) { b.printf("%s %d", "formatted", 7); });
+    edit("reserve", [](QBLByteBuffer& b) { b.reserve(1000); });
+    edit("copy", [](QBLByteBuffer& b) { QBLByteBuffer(b) << "text that needs more room"; });
+    edit("assign", [](QBLByteBuffer& b) {
+        b = calmly([] { return QBLByteBuffer() << "a text that is longer than the block"; });
+    });
+    add("QBLVariant", kRefuses, [] {
+        // After a failure, a variant has no type.
+        const auto check = [](bool done, const QBLVariant& variant) {
+            if (!done && !(variant == QBLVariant())) throw Broken{"has a value"};
+            need(done);
+        };
+        QBLVariant text, copy;
+        check(text.setValue("a text in a variant", 0), text);
+        need(calmly([&] { return copy.setValue("before", 0); }));
+        copy = text;
+        check(copy == text, copy);
+        const QBLVariant other(text);
+        check(other == text, other);
+        check(text.setValue("the second value", 0), text);
+    });
+    add("qblBase64", kBadAlloc | kOutOfMemory, [] {
+        const std::string coded = qblBase64Encode("a text with some length", 23),
+                          url = qblBase64URLEncode("a text with some length", 23);
+        const auto text = qblBase64Decode(coded), back = qblBase64URLDecode(url);
+        return calmly([&] { return coded + text.value() + url + back.value(); });
+    });
+    add("QBLSquisher", kRefuses, [] {
+        const std::unique_ptr<char[]> token(QBLSquisher::squish("a text to squish, to squish"));
+        need(token != nullptr);
+        const std::unique_ptr<char[]> text(QBLSquisher::unSquish(token.get()));
+        need(text != nullptr);
+        return calmly([&] { return std::string(text.get()); });
+    });
+    add("QBLUtStrTok", kBadAlloc | kOutOfMemory, [] {
+        QBLUtStrTok tokens("some tokens that are-longer-than-a-short-text; and more");
+        std::string token, all;
+        while (tokens.nextToken(token)) calmly([&] { all += token; });
+        return all;
+    });
+    add("QBLMiniLogger", kBadAlloc | kOutOfMemory | kNothing, [] {
+        QBLMiniLogger logger;
+        logger.init("/dev/null");
+        logger.log("caption", "text");
+        logger.logTrace("caption", "trace");
+    });
+    add("QBLObjectFactory", kOutOfMemory | kBadAlloc, kThreadResource, [] {
+        QBLObjectFactory factory;
+        factory.registerClass(g_id, &Item::make);
+        const auto create = [&factory] { return factory.createObject(g_id); };
+        try {
+            create()->release();
+        } catch (...) {
+            calmly(create)->release();
+            throw;
+        }
+        factory.releaseObject(create());
+        factory.unregisterClass(g_id);
+        factory.registerClass(g_id, &Item::make);
+    });
+    add("QBLCustodian", kRefuses | kThread, [] {
+        start();
+        CountTask task;
+        const bool registered = QBLCustodian::registerTask(&task);
+        if (registered) QBLCustodian::deRegisterTask(&task);
+        need(registered);
+    });
+    add("QBLUtSystemInfo", kOutOfMemory | kBadAlloc,
+        [] { return QBLUtSystemInfo::getTimeStamp(0).size(); });
+    return true;
+}();
 
 }  // namespace
 }  // namespace fault
