@@ -6,16 +6,8 @@
 #include <cstring>
 #include <string>
 
-#include "QBLCore/Frame/QBLCore.h"
 #include "fuzz/support/ConverterChecks.hpp"
 #include "i18n/cpp/i18n_encoding_names.h"
-#include "i18n/cpp/i18n_init.h"
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    qblCoreInitialize();
-    I18NInitialize();
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace converterchecks;

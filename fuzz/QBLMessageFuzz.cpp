@@ -11,10 +11,8 @@
 #include <map>
 #include <vector>
 
-#include "QBLCore/Frame/QBLCore.h"
 #include "QBLCore/Messages/QBLMessageFile.hpp"
 #include "fuzz/support/Input.hpp"
-#include "i18n/cpp/i18n_init.h"
 #include "tests/support/BmfFile.hpp"
 #include "tests/support/TempTree.hpp"
 
@@ -98,12 +96,6 @@ bool maybeRefused(const std::string& text) {
 }
 
 }  // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    qblCoreInitialize();
-    I18NInitialize();
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const TempTree kTree;

@@ -11,10 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "QBLCore/Frame/QBLCore.h"
 #include "i18n/cpp/i18n_encoding_names.h"
 #include "i18n/cpp/i18n_errors.hpp"
-#include "i18n/cpp/i18n_init.h"
 #include "i18n/cpp/i18n_text_stream.hpp"
 #include "tools/qblconv/Encodings.hpp"
 
@@ -119,12 +117,6 @@ void checkMeaning(const Way& way, const std::string& source, const std::string& 
 }
 
 }  // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    qblCoreInitialize();
-    I18NInitialize();
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < kChoices) return 0;

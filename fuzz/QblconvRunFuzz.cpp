@@ -10,12 +10,10 @@
 #include <vector>
 
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
-#include "QBLCore/Frame/QBLCore.h"
 #include "fuzz/support/Capture.hpp"
 #include "fuzz/support/Input.hpp"
 #include "fuzz/support/XmlCheck.hpp"
 #include "i18n/cpp/i18n_encoding_names.h"
-#include "i18n/cpp/i18n_init.h"
 #include "tests/support/TempTree.hpp"
 #include "tools/qblconv/Run.hpp"
 
@@ -169,12 +167,6 @@ private:
 };
 
 }  // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    qblCoreInitialize();
-    I18NInitialize();
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const TempTree kTree;
