@@ -1,7 +1,6 @@
 #include "QBLCore/FileManagement/QBLFmEntries.hpp"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,8 +8,9 @@
 #include <set>
 #include <vector>
 
-#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
+#include "QBLCore/Exceptions/QBLSystemError.hpp"
 #include "QBLCore/FileManagement/QBLFmDirectory.hpp"
+#include "tests/faults/Injector.hpp"
 #include "tests/support/TempTree.hpp"
 #include "tests/support/ThrowChecks.hpp"
 
@@ -86,12 +86,9 @@ TEST(QBLFmEntriesTest, GoesOnAfterADirectoryThatItCannotOpen) {
     tree.dir("a/inside");
     tree.dir("b/inside");
     QBLFmEntries entries(tree.root(), QBLFmEntries::kRecursive);
-    rlimit before{};
-    ASSERT_EQ(0, getrlimit(RLIMIT_NOFILE, &before));
-    const rlimit none = {0, before.rlim_max};
-    ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &none));
+    fault::strike(fault::Disaster::kDescriptors, 0);
     const std::vector<QBLFmEntry> found(entries.begin(), entries.end());
-    setrlimit(RLIMIT_NOFILE, &before);
+    fault::reset();
     ASSERT_EQ(2U, found.size());
     EXPECT_TRUE(found[0].getErrorNumber() == EMFILE && found[1].getErrorNumber() == EMFILE);
 }

@@ -41,7 +41,9 @@ std::string replaced(bool keep, const char* path = nullptr) {
     check(version.write("new", 3));
     check(keep ? version.commitOver(old.getFileDescriptor()) : version.commit());
     if (keep) check(version.keepReplaced("kept"), ENOENT);
-    return calmly(state);
+    const std::string now = calmly(state);
+    if (now.compare(0, 3, "new") != 0) throw Broken{"has " + now};
+    return now;
 }
 
 /// Returns a link in the tree.
@@ -103,6 +105,8 @@ const bool kRows = [] {
         static const std::string kLink = calmly([] { return linked("file", "link"); });
         return replaced(false, kLink.c_str());
     });
+    on(Kind::kUsual, "QBLFmReplaceFile.commit", [] { return replaced(false); });
+    on(Kind::kUsual, "QBLFmReplaceFile.commitOver", [] { return replaced(true); });
     on(Kind::kNoExchange, "QBLFmReplaceFile.noExchange", [] { return replaced(true); });
     on(Kind::kClosedFolders, "QBLFmReplaceFile.closedFolder", [] { return replaced(false); });
     on(Kind::kUsual, "QBLFmDir.readDirLinks", listedLinks);

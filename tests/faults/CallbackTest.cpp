@@ -82,109 +82,6 @@ struct Listener : I18NTextStreamListener {
     void unconvertible(const I18NUnconvertible& /*what*/) override { end(); }
 };
 
-const struct {
-    const char* name;
-    void (*run)();
-    const char *thrown, *exited;  // the results; "passed" and "ended" mean that it leaves run()
-} kTable[] = {
-    {"QBLList.push_back",
-     [] {
-         const Value value(7);
-         changeList([&](QBLList<Value>& list) { list.push_back(value); });
-     },
-     "passed", "ended"},
-    {"QBLList.insert",
-     [] {
-         const Value value(7);
-         changeList([&](QBLList<Value>& list) { list.insert(++list.begin(), value); });
-     },
-     "passed", "ended"},
-    {"QBLList.assign",
-     [] {
-         const Value values[] = {Value(7), Value(8)};
-         changeList([&](QBLList<Value>& list) { list.assign(values, values + 2); });
-     },
-     "passed", "ended"},
-    {"QBLObjectFactory.creator", [] { createItem(true); }, "passed", "ended"},
-    {"QBLObjectFactory.cleanObject", [] { createItem(false); }, "passed", "ended"},
-    {"I18NStringAllocator",
-     [] {
-         const I18NConverter converter("UTF-8");
-         std::unique_ptr<char, decltype(&std::free)> owner(nullptr, &std::free);
-         char* bytes = nullptr;
-         int size = 0;
-         converter.fromUnicode(&bytes, &size, u"text", &allocate);
-         owner.reset(bytes);
-     },
-     "QBLUnknownError", "ended"},
-    {"I18NTextStreamListener",
-     [] {
-         const I18NConverter ascii("US-ASCII"), utf8("UTF-8");
-         Listener listener;
-         I18NTextStream stream(&utf8, &ascii, I18N_MARK_KEEP, &listener);
-         stream.put("a\u65E5", 4);
-         stream.finish();
-     },
-     "passed", "ended"},
-    {"QBLPluginLibraryLoader.initialize",
-     [] {
-         QBLPluginLibraryLoader::initialize(nullptr, &end);
-         QBLPluginLibraryLoader::terminate(nullptr, &end);
-     },
-     "passed", "ended"},
-    {"QBLThread.atExit",
-     [] {
-         QBLCallableThread thread([] { QBLThread::atExit(&end, 1); });
-         thread.start();
-         thread.join();
-     },
-     "done", "done"},
-    {"QBLTaskGroup",
-     [] {
-         QBLThreadPoolQueued pool(2, 8);
-         QBLTaskGroup group(pool);
-         for (int i = 0; i < 3; ++i) group.run(&end);
-         group.wait();
-     },
-     "QBLUnknownError", "done"},
-    {"qblSubmit.callable",
-     [] {
-         QBLThreadPoolQueued pool(1, 8);
-         const auto task = [value = Value(7)] { return value.text.size(); };
-         qblSubmit(pool, task).get();
-     },
-     "QBLUnknownError", "ended"},
-    {"qblSubmit.result",
-     [] {
-         QBLThreadPoolQueued pool(1, 8);
-         qblSubmit(pool, [value = std::make_shared<Value>(7)] { return *value; }).get();
-     },
-     "passed", "QBLThreadResourceError"},
-    {"QBLTaskGroup.callable",
-     [] {
-         QBLThreadPoolQueued pool(1, 8);
-         QBLTaskGroup group(pool);
-         const auto task = [value = Value(7)] { static_cast<void>(value); };
-         group.run(task);
-         group.wait();
-     },
-     "QBLUnknownError", "ended"},
-    {"I18NUserOutputCallback",
-     [] {
-         I18NConverter ascii("US-ASCII");
-         ascii.setUserDefinedUnconvertibleOutputSequenceCallback(
-             [](wchar_t, const char*, char* bytes, int* count, I18NErrorCodes*) {
-                 end();
-                 bytes[0] = '?';
-                 *count = 1;
-             });
-         char bytes[8];
-         ascii.fromUnicode(bytes, sizeof bytes, u"a\u65E5");
-         if (std::string(bytes) != "a?") throw fault::Broken{bytes};
-     },
-     "I18NRuntimeError", "ended"},
-};
-
 struct Job {
     void (*run)();
     std::string result = "ended";
@@ -215,23 +112,99 @@ std::string resultOf(void (*run)(), void (*how)()) {
     return job.result;
 }
 
+/// Runs an operation whose callbacks end in each way, and afterwards in the usual way.
+/// @param thrown,exited  the results; "passed" and "ended" mean that it leaves run()
+void check(const char* name, const char* thrown, const char* exited, void (*run)()) {
+    for (void (*const how)() : {&throwError, &exitThread}) {
+        const bool throws = how == &throwError;
+        SCOPED_TRACE(testing::Message() << name << (throws ? " throws" : " exits"));
+        long live[4] = {};
+        for (long& blocks : live) {
+            EXPECT_EQ(throws ? thrown : exited, resultOf(run, how));
+            EXPECT_EQ("done", resultOf(run, nullptr));
+            blocks = fault::liveBlocks();
+            if (testing::Test::HasFailure()) return;
+        }
+        EXPECT_FALSE(live[0] < live[1] && live[1] < live[2] && live[2] < live[3])
+            << "lost blocks: " << live[3] - live[0] << " in three runs";
+    }
+}
+
 }  // namespace
 
 TEST(Callbacks, EndByExceptionOrThreadExit) {
     ASSERT_EQ(0, qblCoreInitialize());
-    for (const auto& row : kTable)
-        for (void (*const how)() : {&throwError, &exitThread}) {
-            const bool throws = how == &throwError;
-            SCOPED_TRACE(testing::Message() << row.name << (throws ? " throws" : " exits"));
-            long live[4] = {};
-            for (long& blocks : live) {
-                EXPECT_EQ(throws ? row.thrown : row.exited, resultOf(row.run, how));
-                EXPECT_EQ("done", resultOf(row.run, nullptr));
-                blocks = fault::liveBlocks();
-                if (HasFailure()) return;
-            }
-            EXPECT_FALSE(live[0] < live[1] && live[1] < live[2] && live[2] < live[3])
-                << "lost blocks: " << live[3] - live[0] << " in three runs";
-        }
+    check("QBLList.push_back", "passed", "ended", [] {
+        const Value value(7);
+        changeList([&](QBLList<Value>& list) { list.push_back(value); });
+    });
+    check("QBLList.insert", "passed", "ended", [] {
+        const Value value(7);
+        changeList([&](QBLList<Value>& list) { list.insert(++list.begin(), value); });
+    });
+    check("QBLList.assign", "passed", "ended", [] {
+        const Value values[] = {Value(7), Value(8)};
+        changeList([&](QBLList<Value>& list) { list.assign(values, values + 2); });
+    });
+    check("QBLObjectFactory.creator", "passed", "ended", [] { createItem(true); });
+    check("QBLObjectFactory.cleanObject", "passed", "ended", [] { createItem(false); });
+    check("I18NStringAllocator", "QBLUnknownError", "ended", [] {
+        const I18NConverter converter("UTF-8");
+        std::unique_ptr<char, decltype(&std::free)> owner(nullptr, &std::free);
+        char* bytes = nullptr;
+        int size = 0;
+        converter.fromUnicode(&bytes, &size, u"text", &allocate);
+        owner.reset(bytes);
+    });
+    check("I18NTextStreamListener", "passed", "ended", [] {
+        const I18NConverter ascii("US-ASCII"), utf8("UTF-8");
+        Listener listener;
+        I18NTextStream stream(&utf8, &ascii, I18N_MARK_KEEP, &listener);
+        stream.put("a\u65E5", 4);
+        stream.finish();
+    });
+    check("QBLPluginLibraryLoader.initialize", "passed", "ended", [] {
+        QBLPluginLibraryLoader::initialize(nullptr, &end);
+        QBLPluginLibraryLoader::terminate(nullptr, &end);
+    });
+    check("QBLThread.atExit", "done", "done", [] {
+        QBLCallableThread thread([] { QBLThread::atExit(&end, 1); });
+        thread.start();
+        thread.join();
+    });
+    check("QBLTaskGroup", "QBLUnknownError", "done", [] {
+        QBLThreadPoolQueued pool(2, 8);
+        QBLTaskGroup group(pool);
+        for (int i = 0; i < 3; ++i) group.run(&end);
+        group.wait();
+    });
+    check("qblSubmit.callable", "QBLUnknownError", "ended", [] {
+        QBLThreadPoolQueued pool(1, 8);
+        const auto task = [value = Value(7)] { return value.text.size(); };
+        qblSubmit(pool, task).get();
+    });
+    check("qblSubmit.result", "passed", "QBLThreadResourceError", [] {
+        QBLThreadPoolQueued pool(1, 8);
+        qblSubmit(pool, [value = std::make_shared<Value>(7)] { return *value; }).get();
+    });
+    check("QBLTaskGroup.callable", "QBLUnknownError", "ended", [] {
+        QBLThreadPoolQueued pool(1, 8);
+        QBLTaskGroup group(pool);
+        const auto task = [value = Value(7)] { static_cast<void>(value); };
+        group.run(task);
+        group.wait();
+    });
+    check("I18NUserOutputCallback", "I18NRuntimeError", "ended", [] {
+        I18NConverter ascii("US-ASCII");
+        ascii.setUserDefinedUnconvertibleOutputSequenceCallback(
+            [](wchar_t, const char*, char* bytes, int* count, I18NErrorCodes*) {
+                end();
+                bytes[0] = '?';
+                *count = 1;
+            });
+        char bytes[8];
+        ascii.fromUnicode(bytes, sizeof bytes, u"a\u65E5");
+        if (std::string(bytes) != "a?") throw fault::Broken{bytes};
+    });
     EXPECT_EQ(0, qblCoreTerminate());
 }

@@ -59,12 +59,6 @@ std::string roundTrip() {
     return calmly([&] { return std::string(bytes); });
 }
 
-std::string replaced(QBLFmReplaceFile& file) {
-    need(file.write("new", 3));
-    needErrno(file.commit());
-    return calmly([] { return tree().text("out/replaced"); });
-}
-
 /// Makes and removes folders and files below a path.
 template <class Text>
 void makeAndRemove(const Text& base) {
@@ -149,33 +143,15 @@ std::string linesOf(QBLFmLines&& lines) {
 const bool kRows = [] {
     add("QBLFmFile", kRefuses, roundTrip<QBLFmFile>);
     add("QBLFmFile64", kRefuses, roundTrip<QBLFmFile64>);
-    add("QBLFmReplaceFile.open", kRefuses, [] {
-        const std::string path = calmly([] { return out() + "/replaced"; });
-        QBLFmReplaceFile file;
-        needErrno(file.open(path.c_str()));
-        return replaced(file);
-    });
     add("QBLFmReplaceFile.openIn", kRefuses, [] {
         QBLFmDirectory folder;
         needErrno(folder.open(out().c_str()));
         QBLFmReplaceFile file;
         needErrno(file.open(folder, "replaced"));
-        return replaced(file);
-    });
-    add("QBLFmReplaceFile.commitOver", kRefuses, [] {
-        const std::string path = calmly([] { return tree().file("out/replaced", "old"); });
-        QBLFmFile old;
-        need(calmly([&] { return old.open(path.c_str(), QBLFmFile::existing, 0); }));
-        QBLFmReplaceFile file;
-        needErrno(file.open(path.c_str()));
         need(file.write("new", 3));
         needErrno(file.flush());
-        needErrno(file.commitOver(old.getFileDescriptor()));
-        needErrno(file.keepReplaced("kept"));
-        return calmly([] {
-            QBLFmDir::removeFile((out() + "/kept").c_str());
-            return tree().text("out/replaced");
-        });
+        needErrno(file.commit());
+        return calmly([] { return tree().text("out/replaced"); });
     });
     add("QBLFmDirectory", kRefuses, [] {
         QBLFmDirectory parent, folder;

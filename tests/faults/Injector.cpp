@@ -106,30 +106,28 @@ long liveBlocks() { return g_live.load(std::memory_order_relaxed); }
 
 }  // namespace fault
 
+#define REAL(name) (__interceptor_##name != nullptr ? &__interceptor_##name : &__libc_##name)
+
 // With hidden visibility, the functions would not replace those that shared libraries call.
 #pragma GCC visibility push(default)
 extern "C" {
 
 void* malloc(std::size_t size) noexcept {
     if (isDue()) return nullptr;
-    return counted(__interceptor_malloc != nullptr ? __interceptor_malloc(size)
-                                                   : __libc_malloc(size));
+    return counted(REAL(malloc)(size));
 }
 void* calloc(std::size_t count, std::size_t size) noexcept {
     if (isDue()) return nullptr;
-    return counted(__interceptor_calloc != nullptr ? __interceptor_calloc(count, size)
-                                                   : __libc_calloc(count, size));
+    return counted(REAL(calloc)(count, size));
 }
 void* realloc(void* block, std::size_t size) noexcept {
     if (isDue()) return nullptr;
-    void* const moved = __interceptor_realloc != nullptr ? __interceptor_realloc(block, size)
-                                                         : __libc_realloc(block, size);
+    void* const moved = REAL(realloc)(block, size);
     return block == nullptr ? counted(moved) : moved;
 }
 void* memalign(std::size_t alignment, std::size_t size) noexcept {
     if (isDue()) return nullptr;
-    return counted(__interceptor_memalign != nullptr ? __interceptor_memalign(alignment, size)
-                                                     : __libc_memalign(alignment, size));
+    return counted(REAL(memalign)(alignment, size));
 }
 void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
     return memalign(alignment, size);
@@ -143,10 +141,7 @@ int posix_memalign(void** block, std::size_t alignment, std::size_t size) noexce
 void free(void* block) noexcept {
     if (block == nullptr) return;
     g_live.fetch_sub(1, std::memory_order_relaxed);
-    if (__interceptor_free != nullptr)
-        __interceptor_free(block);
-    else
-        __libc_free(block);
+    REAL(free)(block);
 }
 
 }  // extern "C"

@@ -1,22 +1,39 @@
 #ifndef TESTS_SUPPORT_CHILD_HPP
 #define TESTS_SUPPORT_CHILD_HPP
 
-#include <functional>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
 
 /// A forked process that runs a body and exits with its result, without running destructors. Create
 /// it while the test has no other threads.
 class Child {
 public:
-    explicit Child(const std::function<int()>& body);
-    ~Child();
+    template <class Body>
+    explicit Child(const Body& body) : m_iPid(fork()) {
+        if (m_iPid == 0) _exit(body());
+    }
+    ~Child() {
+        if (m_iPid <= 0) return;
+        kill(SIGKILL);
+        wait();
+    }
     Child(const Child&) = delete;
     Child& operator=(const Child&) = delete;
 
     int pid() const { return m_iPid; }
-    void kill(int signal) const;
+    void kill(int signal) const { ::kill(m_iPid, signal); }
     /// Waits until the process ends.
     /// @return its exit status, or the negated number of the signal that ended it.
-    int wait();
+    int wait() {
+        int status = 0;
+        while (waitpid(m_iPid, &status, 0) < 0 && errno == EINTR) {
+        }
+        m_iPid = 0;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+    }
 
 private:
     int m_iPid;
@@ -24,6 +41,9 @@ private:
 
 /// Runs a body in a child process.
 /// @return as Child::wait()
-inline int inChild(const std::function<int()>& body) { return Child(body).wait(); }
+template <class Body>
+int inChild(const Body& body) {
+    return Child(body).wait();
+}
 
 #endif

@@ -2,7 +2,7 @@
 #define TESTS_SUPPORT_WORKERS_HPP
 
 #include <atomic>
-#include <functional>
+#include <chrono>
 #include <thread>
 #include <vector>
 
@@ -23,7 +23,16 @@ constexpr bool kSanitizer = false;
 #endif
 
 /// Waits until the condition is true. Returns false if this takes longer than kTestLimitMs.
-bool eventually(const std::function<bool()>& condition);
+template <class Condition>
+bool eventually(const Condition& condition) {
+    using Clock = std::chrono::steady_clock;
+    const auto limit = Clock::now() + std::chrono::milliseconds(kTestLimitMs);
+    while (!condition()) {
+        if (Clock::now() > limit) return false;
+        std::this_thread::sleep_for(std::chrono::microseconds(200));
+    }
+    return true;
+}
 
 /// Runs a body on several threads; join() or the destructor waits for all of them.
 class Workers {
