@@ -1,4 +1,5 @@
 #include <atomic>
+#include <cerrno>
 #include <memory>
 
 #include "tests/faults/Rows.hpp"
@@ -8,6 +9,32 @@ namespace fault {
 namespace {
 
 constexpr unsigned kThread = kOutOfMemory | kThreadResource;
+
+char g_flat;  // its address stands for any pointer
+
+/// Checks the result of a flat function.
+void settle(int code) {
+    const int error = injectedError();
+    const int expected = error == EAGAIN   ? TAVTHREAD_AGAIN
+                         : error == ENOMEM ? TAVTHREAD_NOMEM
+                                           : TAVTHREAD_ERROR;
+    if (code != TAVTHREAD_OK && code != expected) throw Broken{"code " + std::to_string(code)};
+    need(code == TAVTHREAD_OK);
+}
+
+/// Creates and destroys an object of the flat layer. A failure leaves a null pointer.
+template <class Object, class... Arguments>
+void addFlat(const char* name, int (*create)(Object**, Arguments..., ...), int (*destroy)(Object*),
+             Arguments... arguments) {
+    add(name, kRefuses, [=] {
+        start();
+        auto* object = reinterpret_cast<Object*>(&g_flat);
+        const int code = create(&object, arguments..., 0);
+        if ((code == TAVTHREAD_OK) != (object != nullptr)) throw Broken{"object without success"};
+        settle(code);
+        settle(destroy(object));
+    });
+}
 
 template <class Lock>
 void useLock(Lock& lock) {
@@ -108,6 +135,32 @@ struct Item : QBLObjectFactoryItem {
 struct CountTask : QBLCustodianTask {
     int doIt(int /*terminating*/) override { return 0; }
 };
+
+const bool kFlat = [] {
+    addFlat("tavXMutexCreate", &tavXMutexCreate, &tavXMutexDestroy);
+    addFlat("tavXSemaphoreCreate", &tavXSemaphoreCreate, &tavXSemaphoreDestroy, 0U);
+    addFlat("tavXConditionCreate", &tavXConditionCreate, &tavXConditionDestroy);
+    addFlat("tavXEventCreate", &tavXEventCreate, &tavXEventDestroy, 0, 0);
+    addFlat("tavXRWLockCreate", &tavXRWLockCreate, &tavXRWLockDestroy);
+    addFlat("tavXThreadStateTrapCreate", &tavXThreadStateTrapCreate, &tavXThreadStateTrapDestroy,
+            1);
+    add("tavXThreadKeyCreate", kRefuses, [] {
+        TavThreadKey* key = nullptr;
+        settle(tavXThreadKeyCreate(&key, nullptr));
+        settle(tavXThreadKeyDestroy(key));
+    });
+    add("tavXThreadCreate", kRefuses, [] {
+        start();
+        auto* thread = reinterpret_cast<TavThread*>(&g_flat);
+        const int code =
+            tavXThreadCreate([](void*) -> void* { return nullptr; }, nullptr, &thread, 0);
+        if ((code == TAVTHREAD_OK) != (thread != nullptr)) throw Broken{"a thread without success"};
+        settle(code);
+        calmly([=] { return tavXThreadJoin(thread, nullptr); });
+        settle(tavXThreadDestroy(thread));
+    });
+    return true;
+}();
 
 const bool kRows = [] {
     add("QBLThreadMutex", kThread, makeLock<QBLThreadMutex>);
