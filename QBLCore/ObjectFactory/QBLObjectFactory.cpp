@@ -48,8 +48,8 @@
 // A mistake here would hand out an item twice, or under the id of another class.
 // QBLObjectFactoryTest.ServesThreadsThatRegisterCreateAndRelease detects this with x86-asan and
 // x64-tsan. x64-tsan also reports an exchange with a weaker memory order.
-// StaysUsableWhenMemoryRunsOut tests rule 1. A run rarely hits the moment between the two checks of
-// rule 3.
+// The row QBLObjectFactory of tests/faults tests rule 1. A run rarely hits the moment between the
+// two checks of rule 3.
 
 namespace {
 

@@ -29,7 +29,8 @@
 //
 // A mistake here would make a wait hang or cause a use after free. QBLTaskGroupTest would detect it
 // with x86-asan and x64-tsan. NestedPiecesNeedNoStack tests m_pRefused,
-// SurvivesThreadExitAndExhaustedMemory tests leave() and keepError().
+// DestructorCompletesEvenIfThreadsEnd tests leave(); Callbacks and the row QBLTaskGroup.error of
+// tests/faults test keepError().
 
 namespace {
 

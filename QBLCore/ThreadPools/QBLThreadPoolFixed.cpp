@@ -36,7 +36,8 @@
 //
 // A mistake here would lose a task or never join a worker. Tests of QBLThreadPoolTest that detect
 // it: .DestructorRunsEveryAcceptedTask, .WorkerGetsANewThreadWhenATaskEndsItsThread,
-// .StopFlagWakesWaitingSubmittersAndLosesNoTask, .FailedConstructionLeavesNoThread.
+// .StopFlagWakesWaitingSubmittersAndLosesNoTask; also the row QBLThreadPoolFixed.make of
+// tests/faults.
 
 namespace {
 
