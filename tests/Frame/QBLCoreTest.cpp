@@ -9,7 +9,14 @@
 
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
+#include "QBLCore/ThreadPools/QBLSubmit.hpp"
+#include "QBLCore/ThreadPools/QBLThreadPoolFixed.hpp"
+#include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
+#include "QBLCore/ThreadPools/QBLThreadPoolVariable.hpp"
 #include "QBLCore/Threads/QBLThread.hpp"
+#include "QBLCore/Threads/QBLThreadSemaphore.hpp"
+#include "i18n/cpp/i18n_pooledstring.hpp"
+#include "i18n/cpp/i18n_string.hpp"
 #include "tests/faults/Injector.hpp"
 #include "tests/support/Child.hpp"
 #include "tests/support/Workers.hpp"
@@ -95,6 +102,40 @@ TEST(QBLCoreTest, StopsWhenMemoryIsExhaustedEvenAfterAFailedStart) {
         });
         EXPECT_EQ(0, status) << startFails;
     }
+}
+
+// The threads of pools wait, and a thread of the program waits, but none changes anything.
+TEST(QBLCoreTest, IsUsableInAForkedProcessBesideIdleThreads) {
+    if (kThreadSanitizer) GTEST_SKIP() << "the sanitizer starts no thread in a forked process";
+    ASSERT_EQ(0, qblCoreInitialize());
+    {
+        QBLThreadPoolQueued queued(2, 8);
+        QBLThreadPoolFixed fixed(1);
+        QBLThreadPoolVariable variable(1, 1000, 10000);
+        QBLThreadSemaphore waits(0), go(0);
+        Workers waiter(1, [&] {
+            waits.post();
+            go.wait();
+        });
+        waits.wait();
+        for (QBLThreadPool* pool :
+             std::initializer_list<QBLThreadPool*>{&queued, &fixed, &variable})
+            qblSubmit(*pool, [] {}).get();
+        EXPECT_EQ(0, inChild([] {
+                      alarm(20);
+                      QBLThreadPoolQueued pool(2, 8);
+                      const I18NPooledString pooled("\u65E5");
+                      const std::string text = qblSubmit(pool, [&] {
+                                                   return I18NString(pooled.getString()).toUtf8();
+                                               }).get();
+                      const bool works = text == "\u65E5" && isUp() && qblCoreTerminate() == 0 &&
+                                         !isUp() && qblCoreInitialize() == 0 && isUp();
+                      return works ? 0 : 1;
+                  }));
+        go.post();
+        waiter.join();
+    }
+    EXPECT_EQ(0, qblCoreTerminate());
 }
 
 TEST(QBLCoreTest, ReportsItsVersionAndCompatibility) {
