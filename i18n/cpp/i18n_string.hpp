@@ -360,7 +360,8 @@ public:
     /// @param bytes  size of the buffer, at least 2
     /// @throws I18NRuntimeError -10 for a null pointer, a smaller size or an odd address
     void attach(void* buffer, int bytes);
-    /// Copies as much of the text as fits as UTF-16, followed by a NUL.
+    /// Copies the text in UTF-16 with a terminating NUL. Truncates the text if the buffer is too
+    /// small for both.
     /// @return the number of bytes written including the NUL; 0 if the buffer is null or below 2
     ///     bytes
     int copyToExternalBuffer(void* buffer, int bytes) const;

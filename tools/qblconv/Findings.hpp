@@ -38,8 +38,8 @@ public:
     void tell(const char* from, const char* to);
     /// Reports the problem that ended the stream as an error.
     void tellLast(const char* from, const char* to);
-    /// The number of replaced or omitted sequences and characters. A code point that stands for
-    /// malformed input does not count.
+    /// The number of replaced or omitted sequences and characters. Malformed input counts once,
+    /// even if the output's encoding also lacks the code point that replaces it.
     std::int64_t count() const { return m_iCount; }
     /// The numbers of characters that were replaced by similar characters, and of transliterated
     /// characters. count() does not include them.

@@ -37,7 +37,8 @@ std::uint32_t group(const QBLBase64Alphabet& alphabet, const unsigned char* text
     return part[0][text[0]] | part[1][text[1]] | part[2][text[2]] | part[3][text[3]];
 }
 
-// Also decodes characters outside the alphabet that have the value of another character.
+// Also decodes characters outside the alphabet, if the alphabet's table gives them a value. This is
+// the value of a character of the alphabet.
 std::size_t decode(const QBLBase64Alphabet& alphabet, const char* text, std::size_t length,
                    unsigned char* out) {
     const auto* const in = reinterpret_cast<const unsigned char*>(text);

@@ -14,8 +14,8 @@
 struct I18NMapSource {
     const char* base;       ///< the beginning of the file names
     const char* table;      ///< the element around the entries; "" for entries outside tables
-    const char* attribute;  ///< the attribute with the value; "" means "value", and in the element
-                            ///< <value> the first attribute
+    const char* attribute;  ///< the attribute that holds the value; "" means the attribute "value",
+                            ///< or in an element <value> its first attribute
     const char* failure;    ///< the error text if there is no entry; null for no error
 };
 

@@ -260,9 +260,9 @@ const I18NString::Conversion* I18NString::conversion(const char* key, const char
         context = m_allocatorContext;
     }
     QBL_ALLOC_TRY
-    // Only conversions after the first need the name. So a string has at most two conversions for
-    // one encoding, and one more for each thread that makes the first conversion at the same time
-    // under another name of the encoding.
+    // Only conversions after the first need the name. The first conversion is stored without it, so
+    // a look-up under another name of the same encoding does not find it and makes a second one.
+    // Threads that make the first conversion at the same time under other names add one each.
     const bool isFirst =
         hasFlag(kI18NChanged) || m_pConverted.load(std::memory_order_acquire) == nullptr;
     const std::string anyName =

@@ -32,7 +32,7 @@ constexpr I18NNibbleTables i18nTables(const I18NNibbleRule (&rules)[kCount]) {
     static_assert(kCount <= 8, "a rule has a bit of a byte");
     I18NNibbleTables made{};
     for (std::size_t rule = 0; rule < kCount; ++rule) {
-        const auto bit = [rule](std::uint16_t set, unsigned nibble) {
+        const auto bit = [rule](unsigned set, unsigned nibble) {
             return static_cast<std::uint8_t>((set >> nibble & 1U) << rule);
         };
         for (unsigned i = 0; i < 16; ++i) {
