@@ -38,6 +38,7 @@ thread_local long t_left = -1;
 thread_local Mode t_mode = Mode::kOnce;
 thread_local bool t_failed = false;
 thread_local int t_calm = 0;
+thread_local std::size_t t_most = SIZE_MAX;
 std::atomic<long> g_live{0};
 
 bool isDue() {
@@ -92,6 +93,7 @@ void failAllocation(long n, Mode mode) {
     t_mode = mode;
     t_failed = false;
 }
+void limitAllocations(std::size_t most) { t_most = most; }
 bool allocationFailed() { return t_failed; }
 Calm::Calm() {
     ++t_calm;
@@ -113,7 +115,7 @@ long liveBlocks() { return g_live.load(std::memory_order_relaxed); }
 extern "C" {
 
 void* malloc(std::size_t size) noexcept {
-    if (isDue()) return nullptr;
+    if (size > t_most || isDue()) return nullptr;
     return counted(REAL(malloc)(size));
 }
 void* calloc(std::size_t count, std::size_t size) noexcept {

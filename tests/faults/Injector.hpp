@@ -16,6 +16,8 @@ enum class Mode { kOnce, kFromThenOn };
 void failAllocation(long n, Mode mode = Mode::kOnce);
 /// While on, every allocation fails.
 inline void exhaustMemory(bool on) { failAllocation(on ? 0 : -1, Mode::kFromThenOn); }
+/// Makes every malloc() and operator new of more than this many bytes fail.
+void limitAllocations(std::size_t most);
 /// Returns true if an allocation has failed since the last request.
 bool allocationFailed();
 /// The number of blocks that the process holds.
