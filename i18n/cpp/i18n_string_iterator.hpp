@@ -78,7 +78,7 @@ public:
     I18NStringIterator& operator+=(int n);
     friend I18NStringIterator operator+(I18NStringIterator at, int n) { return at += n; }
     /// Returns the number of code points from the other iterator to this iterator; negative if this
-    /// iterator comes first.
+    /// iterator comes first; 0 if the iterator that comes first is outside the string.
     int operator-(const I18NStringIterator& other) const;
     bool operator==(const I18NStringIterator& other) const { return m_offset == other.m_offset; }
     bool operator!=(const I18NStringIterator& other) const { return m_offset != other.m_offset; }

@@ -70,16 +70,15 @@ I18NStringIterator I18NStringIterator::operator--(int) {
 }
 
 I18NStringIterator& I18NStringIterator::operator+=(int n) {
-    for (; n > 0 && m_offset < m_pString->nUnits(); --n) ++*this;
+    for (I18NStringOffset next; n > 0; --n, m_offset = next)
+        if ((next = m_pString->incrementOffset(m_offset)) < 0) break;
     return *this;
 }
 
 int I18NStringIterator::operator-(const I18NStringIterator& other) const {
     if (m_offset < other.m_offset) return -(other - *this);
     int count = 0;
-    for (I18NStringIterator at(other); at.m_offset < m_offset; ++at) {
-        if (at.m_offset >= m_pString->nUnits()) break;
-        ++count;
-    }
+    for (I18NStringOffset at = other.m_offset; at < m_offset; ++count)
+        if ((at = m_pString->incrementOffset(at)) < 0) break;
     return count;
 }
