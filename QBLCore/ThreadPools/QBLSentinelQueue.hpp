@@ -42,7 +42,8 @@
 template <class T>
 class QBLSentinelQueue {
 public:
-    /// @param capacity  maximum number of items; 0 means unbounded
+    /// @param capacity  maximum number of items, at most SEM_VALUE_MAX; 0 means unbounded
+    /// @throws QBLOutOfMemoryError, QBLThreadResourceError
     explicit QBLSentinelQueue(unsigned long capacity = 0) : m_available(0) {
         if (capacity > 0) m_free.emplace(capacity);
     }

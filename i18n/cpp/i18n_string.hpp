@@ -85,7 +85,8 @@ public:
     /// error value: U+0015, U+009F, U+FFFF or U+10FFFF. In other encodings, bytes that are not
     /// convertible are replaced as under I18N_SUBSTITUTE. If the encoding needs a converter, a
     /// string constructed before the internationalisation layer is initialised is empty.
-    /// @throws I18NRuntimeError -3 if a converter is needed and the encoding is unknown
+    /// @throws I18NRuntimeError -3 if a converter is needed and the encoding is unknown;
+    ///     QBLAssertError for a length below -1
     explicit I18NString(const char* bytes, const char* encoding = nullptr, int length = -1,
                         I18NStringAllocator allocator = nullptr, void* context = nullptr);
     /// Decodes bytes with a converter and its policies; also works before the layer is initialised.
