@@ -380,7 +380,7 @@ TEST(QblmsgcTest, ShowsTextsAndSearchedFiles) {
               "exists\n");
     expectRun(tree, "-g 1 t.msg", 2, "./t.msg: the name of a message file must end in .bmf\n");
     for (const char* absent : {"no.msg", "-c -r t.msg no.msg", "-d no.bmf", "-g 1 ./no.bmf"}) {
-        const std::string file = absent + std::string(absent).rfind(' ') + 1;
+        const std::string words = absent, file = words.substr(words.rfind(' ') + 1);
         expectRun(tree, absent, 2, file + ": cannot be read: No such file or directory\n");
     }
 }
