@@ -206,7 +206,7 @@ private:
 
     [[gnu::noinline]] T& find(unsigned int n) {
         if (n == 0) return front();
-        if (n == count - 1) return back();
+        if (n < count && n == count - 1) return back();
         return cursor[n];
     }
 

@@ -65,8 +65,8 @@ const std::int64_t kPatienceNs = 50000;
 // Requires: the caller holds the mutex. No other thread writes then, so no atomic addition is
 // needed.
 void add(std::atomic<unsigned int>& count, int n) {
-    const unsigned int before = count.load(std::memory_order_relaxed);
-    count.store(before + static_cast<unsigned int>(n), std::memory_order_relaxed);
+    const std::int64_t before = count.load(std::memory_order_relaxed);
+    count.store(static_cast<unsigned int>(before + n), std::memory_order_relaxed);
 }
 
 }  // namespace

@@ -30,7 +30,7 @@ QBLFieldWriter& QBLFieldWriter::any(std::int64_t value, int width) {
     auto magnitude = static_cast<std::uint64_t>(value);
     if (value < 0) {
         put('-');
-        magnitude = 0 - magnitude;
+        magnitude = ~magnitude + 1;
         --width;
     }
     char digits[20];

@@ -28,7 +28,7 @@ struct DayTimeFields {
 /// Returns the absolute value, even of LONG_MIN.
 unsigned long magnitude(long count) {
     const auto bits = static_cast<unsigned long>(count);
-    return count < 0 ? 0 - bits : bits;
+    return count < 0 ? ~bits + 1 : bits;
 }
 
 /// Returns true if the text is the unit, in upper or lower case, with or without an S at its end.

@@ -127,7 +127,7 @@ char* qblWriteReal(char* out, double value, int digits) {
     std::memcpy(&bits, &value, sizeof bits);
     const std::uint64_t magnitude = bits & ~(std::uint64_t{1} << 63);
     Rounded number;
-    if (magnitude - 1 >= (std::uint64_t{0x7FF} << 52) - 1 ||
+    if (magnitude == 0 || magnitude >= std::uint64_t{0x7FF} << 52 ||
         !(digits == 9 ? round<9>(magnitude, number) : round<6>(magnitude, number)))
         return writeExactly(out, value, digits);
     if (bits != magnitude) *out++ = '-';

@@ -207,7 +207,7 @@ public:
     void put(const char* bytes, std::size_t size) {
         m_text.erase(0, m_iBegin);
         m_iScanned -= m_iBegin;
-        m_iSearched -= m_iBegin;
+        m_iSearched = std::max(m_iSearched, m_iBegin) - m_iBegin;
         m_iBegin = 0;
         m_text.append(bytes, size);
         while (work(false)) {

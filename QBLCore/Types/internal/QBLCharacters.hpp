@@ -67,7 +67,7 @@ char* qblWriteInteger(char* out, Integer value) {
     auto magnitude = static_cast<std::make_unsigned_t<Integer>>(value);
     if (value < 0) {
         *out++ = '-';
-        magnitude = 0 - magnitude;
+        magnitude = ~magnitude + 1;
     }
     if constexpr (sizeof magnitude == sizeof(std::uint64_t))
         return qblWriteUnsigned(out, std::uint64_t{magnitude});
