@@ -27,6 +27,11 @@ if(QBL_SANITIZE)
     -fsanitize=${QBL_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(qbl_flags INTERFACE -fsanitize=${QBL_SANITIZE})
 endif()
+if(QBL_SANITIZE MATCHES "integer")
+  # The older name of -fsanitize-ignorelist: ccache 4.7 reads the file only under this name.
+  target_compile_options(qbl_flags INTERFACE
+    "-fsanitize-blacklist=${PROJECT_SOURCE_DIR}/cmake/arithmetic.ignore")
+endif()
 if(QBL_COVERAGE)
   # Several threads update the same line counters.
   target_compile_options(qbl_flags INTERFACE --coverage -fprofile-update=atomic)
