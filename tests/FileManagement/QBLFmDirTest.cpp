@@ -50,14 +50,12 @@ int inCage(const TempTree& tree, const std::function<int()>& body) {
 
 }  // namespace
 
+// fuzz/QBLFmDirFuzz.cpp checks splitting, joining, resolving and patterns against models.
 TEST(QBLFmDirTest, ReturnsTheLengthOfTheRootOfAPath) {
     const struct {
         const char* path;
         long length;
-    } table[] = {{"", 0},           {"x", 0},         {"/", 1},         {"/x", 1},
-                 {"\\x", 1},        {"C:\\x", 3},     {"C:/", 3},       {"C:x", 2},
-                 {"//srv/sh/x", 9}, {"\\\\srv\\", 6}, {"//", 2},        {"a/b", 0},
-                 {"\xC3\xA9", -1},  {"a\xFF", -1},    {"//a\xFF/", -1}, {"ab\xFF", 0}};
+    } table[] = {{"\xC3\xA9", -1}, {"a\xFF", -1}, {"//a\xFF/", -1}, {"ab\xFF", 0}};
     for (const auto& row : table) EXPECT_EQ(row.length, skipRootPath(row.path)) << row.path;
     EXPECT_EQ(1, skipRootPath("/:x", 1));
     const locale_t utf8 = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
@@ -68,37 +66,11 @@ TEST(QBLFmDirTest, ReturnsTheLengthOfTheRootOfAPath) {
     freelocale(utf8);
 }
 
-TEST(QBLFmDirTest, JoinsAndSplitsPaths) {
-    const struct {
-        const char *base, *relative, *joined;
-    } joins[] = {{"a", "b", "a/b"}, {"a/", "b", "a/b"},     {"a\\", "b", "a\\b"},
-                 {"a", "/b", "/b"}, {"a", "C:b", "C:b"},    {"", "b", "b"},
-                 {"a", "", "a"},    {"a", nullptr, "a"},    {"/", "b", "/b"},
-                 {"", "", ""},      {"a", "\xFF", "a/\xFF"}};
-    for (const auto& row : joins) {
-        std::string path(row.base);
-        QBLFmDir::joinPath(path, row.relative);
-        EXPECT_EQ(row.joined, path);
-    }
+TEST(QBLFmDirTest, JoinsAPathToItselfAndAcceptsNull) {
     std::string own("ab");
     QBLFmDir::joinPath(own, own.c_str());
+    QBLFmDir::joinPath(own, nullptr);
     EXPECT_EQ("ab/ab", own);
-    const struct {
-        const char *path, *dir, *file;
-    } splits[] = {{"a/b", "a", "b"},
-                  {"/x", "/", "x"},
-                  {"x", "", "x"},
-                  {"/a/b/", "/a/b", ""},
-                  {"", "", ""},
-                  {"C:\\d\\f", "C:\\d", "f"},
-                  {"//s/h/f", "//s/h/", "f"},
-                  {"a\xFF/b", "a\xFF", "b"}};
-    for (const auto& row : splits) {
-        std::string dir("?"), file("?");
-        EXPECT_TRUE(QBLFmDir::splitPath(row.path, &dir, &file));
-        EXPECT_EQ(row.dir, dir) << row.path;
-        EXPECT_EQ(row.file, file) << row.path;
-    }
     EXPECT_FALSE(QBLFmDir::splitPath(nullptr, &own, nullptr));
     EXPECT_FALSE(QBLFmDir::splitPath("a/b", nullptr, nullptr));
 }
@@ -139,18 +111,8 @@ TEST(QBLFmDirTest, ListsSortedNamesByKindAndPattern) {
         (Names{"A.txt", "a.txt", "b.txt", "broken", "x*y", "\xC3\xA9.txt", "\xED\xA0\x80", "\xFF"}),
         files);
     EXPECT_EQ((Names{"link", "other", "sub"}), dirs);
-    const struct {
-        const char* pattern;
-        Names names;
-    } table[] = {{"?.txt", {"A.txt", "a.txt", "b.txt", "\xC3\xA9.txt"}},
-                 {"*.t*t*", {"A.txt", "a.txt", "b.txt", "\xC3\xA9.txt"}},
-                 {"a.txt", {"a.txt"}},
-                 {"?", {"\xFF"}},
-                 {"*y*x", {}}};
-    for (const auto& row : table) {
-        ASSERT_TRUE(QBLFmDir::readDir(tree.root(), &files, row.pattern, nullptr, nullptr));
-        EXPECT_EQ(row.names, files) << row.pattern;
-    }
+    ASSERT_TRUE(QBLFmDir::readDir(tree.root(), &files, "?.txt", nullptr, nullptr));
+    EXPECT_EQ((Names{"A.txt", "a.txt", "b.txt", "\xC3\xA9.txt"}), files);
     files = {"kept"};
     EXPECT_FALSE(QBLFmDir::readDir(tree("absent").c_str(), &files, nullptr, nullptr, nullptr));
     EXPECT_EQ(ENOENT, errno);
@@ -244,8 +206,7 @@ TEST(QBLFmDirTest, AcceptsAndReturnsI18NStrings) {
     EXPECT_EQ(made, file.getFileName());
     EXPECT_TRUE(file.open(file.getFileName(), QBLFmFile64::existing, 1))
         << "open() must not use the name after closing the file";
-    EXPECT_TRUE(QBLFmDir::splitPath(made, &before, &after));
-    EXPECT_EQ(dir, before);
+    EXPECT_TRUE(QBLFmDir::splitPath(made, &before, &after) && dir == before);
     EXPECT_EQ(made, QBLFmDir::getFileFullPath(after, dir, {}));
     std::list<I18NString> files, dirs;
     EXPECT_TRUE(QBLFmDir::createDir(dir + "/x") && QBLFmDir::createDir(dir + "/yy"));
@@ -349,7 +310,7 @@ TEST(QBLFmDirTest, TakesTheTemporaryDirectoryFromSettingThenEnvironment) {
     EXPECT_EQ(0, status);
 }
 
-TEST(QBLFmDirTest, FindsFilesFromTheirBaseAndTheEffectiveDirectory) {
+TEST(QBLFmDirTest, FindsFilesFromTheirBase) {
     TempTree tree;
     tree.dir("base/rel");
     tree.dir("abs/f");
@@ -365,19 +326,6 @@ TEST(QBLFmDirTest, FindsFilesFromTheirBaseAndTheEffectiveDirectory) {
                      "QBL_ASSERT(fileName);");
     QBL_EXPECT_THROW(QBLFmDir::getFileFullPath("x", nullptr, {}), QBLAssertError,
                      "QBL_ASSERT(basePath);");
-    const auto resolved = [](std::string path) {
-        QBLFmDir::resolveEffectivePath(path);
-        return path;
-    };
-    EXPECT_EQ("f", resolved("f"));
-    QBLFmDir::setEffectiveWorkingDir("work");
-    EXPECT_EQ("work/f", resolved("f"));
-    EXPECT_EQ("work/f", resolved("work/f"));
-    EXPECT_EQ("workfile", resolved("workfile"))
-        << "the prefix is compared as text, not by components";
-    EXPECT_EQ("/f", resolved("/f"));
-    QBLFmDir::setEffectiveWorkingDir(nullptr);
-    EXPECT_EQ("f", resolved("f"));
 }
 
 TEST(QBLFmDirTest, TakesStandardPaths) {

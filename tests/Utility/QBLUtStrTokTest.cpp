@@ -2,32 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
-
-TEST(QBLUtStrTokTest, ReturnsTheTokensBetweenSeparators) {
-    const struct {
-        const char *text, *separators;
-        std::vector<std::string> tokens;
-    } table[] = {{" ,de_DE,;en\t\r\nfr ", " \t\r\n,;", {"de_DE", "en", "fr"}},
-                 {"::/lib::/usr/lib:", ":", {"/lib", "/usr/lib"}},
-                 {"a\xFF"
-                  "b\xC3\xA9",
-                  "\xFF",
-                  {"a", "b\xC3\xA9"}},
-                 {" a b ", "", {" a b "}},
-                 {" a b ", nullptr, {" a b "}},
-                 {",;,", ",;", {}},
-                 {"", ",", {}},
-                 {nullptr, ",", {}}};
-    for (const auto& row : table) {
-        QBLUtStrTok tokens(row.text, row.separators);
-        std::vector<std::string> found;
-        for (std::string token; tokens.nextToken(token);) found.push_back(token);
-        EXPECT_EQ(row.tokens, found) << (row.text != nullptr ? row.text : "null");
-        std::string left = "left";
-        EXPECT_FALSE(tokens.nextToken(left));
-        EXPECT_EQ("left", left);
-    }
+// fuzz/QBLFmDirFuzz.cpp compares the tokens of any text with a model.
+TEST(QBLUtStrTokTest, AcceptsNull) {
+    std::string token = "left";
+    EXPECT_FALSE(QBLUtStrTok(nullptr, ",").nextToken(token));
+    EXPECT_EQ("left", token);
+    EXPECT_TRUE(QBLUtStrTok(" a b ", nullptr).nextToken(token) && token == " a b ");
 }
 
 TEST(QBLUtStrTokTest, AcceptsOtherSeparatorsForOneToken) {
