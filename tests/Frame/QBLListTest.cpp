@@ -28,19 +28,6 @@ std::deque<int*> contents(const List& list) { return {list.begin(), list.end()};
 
 }  // namespace
 
-TEST(QBLListTest, IndexPastTheEndReturnsTheElementAtTheCursor) {
-    List list = filled();
-    EXPECT_EQ(g_a, list.at(0xFFFFFFFF)) << "a new cursor is on the first element";
-    EXPECT_EQ(g_b, list.at(1));
-    EXPECT_EQ(g_c, list.at(2)) << "the ends do not move the cursor";
-    EXPECT_EQ(g_a, list.at(0));
-    EXPECT_EQ(g_b, list.at(5));
-    const List& view = list;
-    EXPECT_EQ(g_b, view[3]);
-    list.push_back(g_d);
-    EXPECT_EQ(g_a, list.at(9)) << "an insertion resets the cursor";
-}
-
 TEST(QBLListTest, IteratorsStopAtBothEndsAndErasingTheEndDoesNothing) {
     List list = filled();
     List::iterator it = list.end();

@@ -28,7 +28,7 @@ std::string contentsOf(const QBLByteBuffer& buffer) {
 
 }  // namespace
 
-// fuzz/QBLByteBufferFuzz.cpp checks the capacities, with commands in random order.
+// fuzz/QBLByteBufferFuzz.cpp checks the capacities and appended own bytes, with random commands.
 TEST(QBLByteBufferTest, AllocatesLessSpareRoomIfMemoryIsShort) {
     QBLByteBuffer buffer(23, 8);
     unsigned int moves = 0;
@@ -51,17 +51,6 @@ TEST(QBLByteBufferTest, AppendsEveryType) {
         std::string expected = std::string("a\0b(null)\0", 10) + "-1-21474836484294967295" +
                                std::to_string(LONG_MIN) + std::to_string(ULONG_MAX);
         EXPECT_EQ(expected, contentsOf(buffer));
-    }
-}
-
-TEST(QBLByteBufferTest, AppendsItsOwnBytesOfEachLength) {
-    const std::string text = "0123456789abcdefghijklmnopqrstuvwxyz";
-    for (unsigned length = 0; length <= 20; ++length) {
-        QBLByteBuffer buffer(100);
-        buffer << text.c_str();
-        buffer.chop(16);
-        buffer.appendChars(buffer.str() + 20 - length, length);
-        EXPECT_EQ(text.substr(16) + text.substr(36 - length), contentsOf(buffer));
     }
 }
 
