@@ -12,8 +12,6 @@
 #include "tests/support/ThrowChecks.hpp"
 #include "tests/support/Workers.hpp"
 
-extern "C" int dataTypesFailed();
-
 namespace {
 
 int read(const char* text, int& value) { return asciiToInt32(text, &value); }
@@ -154,5 +152,3 @@ TEST(QBLDataTypesConversionTest, ThrowsForNull) {
     QBL_EXPECT_THROW(asciiToFloat64(text, nullptr), QBLAssertError, "QBL_ASSERT(value != NULL);");
     QBL_EXPECT_THROW(float32ToAscii(nullptr, 1), QBLAssertError, "QBL_ASSERT(buf != NULL);");
 }
-
-TEST(QBLDataTypesConversionTest, CanBeCalledFromC) { EXPECT_EQ(0, dataTypesFailed()); }

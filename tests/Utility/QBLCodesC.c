@@ -26,16 +26,10 @@ static int tokensFailed(void) {
 static const struct {
     const char *bytes, *standard, *url;
     unsigned size;
-} kRows[] = {
-    {"a", "YQ==", "YQ==", 1},
-    {"ab", "YWI=", "YWI=", 2},
-    {"abc", "YWJj", "YWJj", 3},
-    {"\xFB\xFF", "+/8=", "_~8=", 2},
-    {"\x00\x10\x83\x10\x51\x87\x20\x92\x8B\x30\xD3\x8F\x41\x14\x93\x51\x55\x97\x61\x96\x9B\x71\xD7"
-     "\x9F\x82\x18\xA3\x92\x59\xA7\xA2\x9A\xAB\xB2\xDB\xAF\xC3\x1C\xB3\xD3\x5D\xB7\xE3\x9E\xBB\xF3"
-     "\xDF\xBF",
-     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/",
-     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_~", 48}};
+} kRows[] = {{"a", "YQ==", "YQ==", 1},
+             {"ab", "YWI=", "YWI=", 2},
+             {"abc", "YWJj", "YWJj", 3},
+             {"\xFB\xFF", "+/8=", "_~8=", 2}};
 
 int qblCodesFailedFromC(void);
 int qblCodesFailedFromC(void) {

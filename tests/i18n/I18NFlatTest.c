@@ -1,4 +1,4 @@
-/* Calls the functions for buffers, converters, string handles, memory and start-up from C. */
+/* Calls the functions for buffers, converters, string handles and start-up from C. */
 #include <stdlib.h>
 #include <string.h>
 
@@ -63,18 +63,6 @@ static int boundedCopiesFailed(void) {
     return 0;
 }
 
-static int memoryFailed(void) {
-    int error;
-    char* block = 0;
-    GIVES(I18N_OK, (block = I18N_STRINGBUFFER_ALLOCATOR_CALLBACK(0, 0, 4, &error)) != 0);
-    memcpy(block, "abc", 4);
-    block = I18N_STRINGBUFFER_ALLOCATOR_CALLBACK(0, block, 100000, 0);
-    CHECK(block != 0 && strcmp(block, "abc") == 0);
-    GIVES(I18N_ARGUMENT, I18N_STRINGBUFFER_ALLOCATOR_CALLBACK(0, block, -1, &error) == 0);
-    GIVES(I18N_OK, I18N_STRINGBUFFER_ALLOCATOR_CALLBACK(0, block, 0, &error) == 0);
-    return 0;
-}
-
 static int stringsFailed(I18NStringHandle string) {
     I18NErrorCodes error = I18N_UNEXPECTED;
     I18NConverterHandle shiftJIS = i18nConverterCreate("Shift_JIS", &error);
@@ -85,13 +73,10 @@ static int stringsFailed(I18NStringHandle string) {
     CHECK(error == I18N_OK);
     i18nConverterFromUnicodeString(shiftJIS, &block, &size, string, 0, 0, &error);
     CHECK(error == I18N_OK && size == 6 && strcmp(block, "\x93\xFA\x96\x7B!") == 0);
-    I18N_STRINGBUFFER_ALLOCATOR_CALLBACK(0, block, 0, 0);
-    i18nConverterFromUnicodeString(shiftJIS, &block, &size, 0, 0, 0, &error);
-    CHECK(error == I18N_ARGUMENT);
-    i18nConverterToUnicodeString(shiftJIS, 0, "a", -1, &error);
-    CHECK(error == I18N_ARGUMENT);
-    i18nConverterFree(shiftJIS, &error);
-    CHECK(error == I18N_OK);
+    free(block);
+    RUNS(I18N_ARGUMENT, i18nConverterFromUnicodeString(shiftJIS, &block, &size, 0, 0, 0, &error));
+    RUNS(I18N_ARGUMENT, i18nConverterToUnicodeString(shiftJIS, 0, "a", -1, &error));
+    RUNS(I18N_OK, i18nConverterFree(shiftJIS, &error));
     return 0;
 }
 
@@ -130,8 +115,6 @@ static int convertersFailed(void) {
 
     RUNS(I18N_OK, i18nConverterSetBuiltInUnconvertibleInputSequenceCallback(c, I18N_STOP, &error));
     RUNS(I18N_OK, i18nConverterSetBuiltInUnconvertibleOutputSequenceCallback(c, I18N_STOP, &error));
-    GIVES(I18N_OK, i18nConverterGetBuiltInUnconvertibleInputSequenceCallback(c, &error) == 4);
-    GIVES(I18N_OK, i18nConverterGetBuiltInUnconvertibleOutputSequenceCallback(c, &error) == 4);
     RUNS(I18N_CONVERSION, i18nConverterFromUnicode(c, bytes, 8, kText, &error));
     RUNS(I18N_CONVERSION, i18nConverterToUnicode(c, units, 16, "a\x80", -1, &error));
     RUNS(I18N_CONVERSION,
@@ -144,10 +127,6 @@ static int convertersFailed(void) {
          i18nConverterSetUserDefinedUnconvertibleInputSequenceCallback(c, dropInput, &error));
     RUNS(I18N_OK,
          i18nConverterSetUserDefinedUnconvertibleOutputSequenceCallback(c, dropOutput, &error));
-    GIVES(I18N_OK,
-          i18nConverterGetUserDefinedUnconvertibleInputSequenceCallback(c, &error) == dropInput);
-    GIVES(I18N_OK, i18nConverterGetUserDefinedInUnconvertibleOutputSequenceCallback(c, &error) ==
-                       dropOutput);
     RUNS(I18N_OK, i18nConverterFromUnicode(c, bytes, 8, kText, &error));
     RUNS(I18N_OK, i18nConverterToUnicode(c, units, 16, "x\x80", -1, &error));
     CHECK(strcmp(bytes, "ab") == 0 && units[0] == 'x' && units[1] == 0);
@@ -159,7 +138,8 @@ static int convertersFailed(void) {
     RUNS(I18N_OK,
          i18nConverterToUnicodeWithAllocator(c, &unitBlock, &size, block, -1, 0, 0, &error));
     CHECK(size == 6);
-    free(block);
+    GIVES(I18N_ARGUMENT, I18N_STRINGBUFFER_ALLOCATOR_CALLBACK(0, block, -1, &error) == 0);
+    GIVES(I18N_OK, I18N_STRINGBUFFER_ALLOCATOR_CALLBACK(0, block, 0, &error) == 0);
     free(unitBlock);
 
     GIVES(I18N_OK, i18nConverterNumLegacyBytes(c, 5, &error) == 6);
@@ -182,7 +162,6 @@ int i18nFlatFailedFromC(I18NStringHandle string) {
     int failed = buffersFailed();
     if (failed == 0) failed = convertersFailed();
     if (failed == 0) failed = boundedCopiesFailed();
-    if (failed == 0) failed = memoryFailed();
     I18NInitialize();
     if (failed == 0) failed = stringsFailed(string);
     I18NTerminate();
