@@ -47,21 +47,34 @@ std::string bucket(int number, int count, const std::string& entries) {
     return out.str();
 }
 
+/// A settings file of the pool, in a tree that is the working directory.
+struct Settings : TempTree {
+    explicit Settings(const std::string& text) {
+        std::filesystem::current_path(root());
+        change(text);
+    }
+    ~Settings() { std::filesystem::current_path(m_before); }
+    /// Makes the pool read the settings again.
+    void change(const std::string& text) const {
+        file("I18NPooledString.conf", text);
+        I18NPooledString::initialize();
+        I18NPooledString::terminate();
+    }
+    const std::string dump = "I18NPooledStringDump" + std::to_string(getpid()) + ".log";
+
+private:
+    const std::filesystem::path m_before = std::filesystem::current_path();
+};
+
 std::time_t g_now = 1000;
 std::time_t fakeTime(std::time_t*) { return g_now; }
 
 }  // namespace
 
 TEST(I18NPooledStringTest, HashesTheBytesSignExtended) {
-    const std::pair<const char*, unsigned> table[] = {{nullptr, 0},
-                                                      {"", 0},
-                                                      {"a", 97},
-                                                      {"0H", 48 * 38 + 72},
-                                                      {"e\xCC\x81", 0x2317d},
-                                                      {"\xC3\xA9", 0xfffff79a},
-                                                      {"\xFF", 0xffffffff},
-                                                      {"\xFF\xFF", 0xffffffff * 38 + 0xff - 1}};
-    for (const auto& [text, hash] : table) EXPECT_EQ(hash, Pool::hashOf(text));
+    EXPECT_EQ(0U, Pool::hashOf(nullptr));
+    EXPECT_EQ(0x2317dU, Pool::hashOf("e\xCC\x81"));
+    EXPECT_EQ(0xffffffffU * 38 + 0xff - 1, Pool::hashOf("\xFF\xFF"));
 }
 
 TEST(I18NPooledStringTest, DumpsByBucketsAndPurgesUnheldTexts) {
@@ -124,15 +137,9 @@ TEST(I18NPooledStringTest, FindsTextsInAnyFormAndRejectsForeignStrings) {
 }
 
 TEST(I18NPooledStringTest, PurgesAtTheIntervalsOfTheSettingsFile) {
-    const TempTree tree;
+    const Settings tree(std::string(70, 'k') +
+                        " 5\ninterval\t10 dumpToFile 9999999999 interval x interval");
     Pool& pool = emptyPool();
-    const std::string dump = "I18NPooledStringDump" + std::to_string(getpid()) + ".log";
-    const std::string before = std::filesystem::current_path();
-    ASSERT_EQ(0, chdir(tree.root()));
-    I18NPooledString::initialize();
-    I18NPooledString::terminate();  // makes the pool read the settings again
-    tree.file("I18NPooledString.conf", std::string(70, 'k') + " 5\ninterval\t10 dumpToFile " +
-                                           "9999999999 interval x interval");
     I18NPooledStringCustodian task(fakeTime);
     const auto purges = [&](std::time_t time, int terminating = 0) {
         { const I18NPooledString unheld("unheld"); }
@@ -154,35 +161,28 @@ TEST(I18NPooledStringTest, PurgesAtTheIntervalsOfTheSettingsFile) {
     EXPECT_FALSE(purges(500)) << "the clock was set back";
     EXPECT_TRUE(purges(511));
     struct stat about;
-    ASSERT_EQ(0, stat(dump.c_str(), &about));
+    ASSERT_EQ(0, stat(tree.dump.c_str(), &about));
     EXPECT_EQ(0600U, about.st_mode & 0777);
-    const std::string both = tree.text(dump);
+    const std::string both = tree.text(tree.dump);
     EXPECT_NE(both.find("begin summary"), both.rfind("begin summary"))
         << "the second dump is appended";
-    ASSERT_EQ(0, unlink(dump.c_str()));
-    I18NPooledString::initialize();
-    I18NPooledString::terminate();
-    tree.file("I18NPooledString.conf", "interval -1");
+    ASSERT_EQ(0, unlink(tree.dump.c_str()));
+    tree.change("interval -1");
     EXPECT_FALSE(purges(600));
     EXPECT_FALSE(purges(600 + 3600));
     EXPECT_TRUE(purges(600 + 3601));
-    ASSERT_EQ(0, chdir(before.c_str()));
 }
 
 TEST(I18NPooledStringTest, DumpsOnlyIntoAFileOfItsOwnUser) {
     if (geteuid() != 0) GTEST_SKIP() << "only root can create files of other users";
-    const TempTree tree;
-    const std::string dump = "I18NPooledStringDump" + std::to_string(getpid()) + ".log";
-    const std::string before = std::filesystem::current_path();
-    ASSERT_EQ(0, chdir(tree.root()));
+    const Settings tree("");
+    const std::string& dump = tree.dump;
     const auto dumps = [&](unsigned mode, uid_t user, const std::function<void()>& prepare) {
-        tree.file("I18NPooledString.conf", "dumpToFile 1 interval 1");
+        tree.change("dumpToFile 1 interval 1");
         chmod("I18NPooledString.conf", mode);
         chown("I18NPooledString.conf", user, 0);
         EXPECT_EQ(0, std::system("touch -d 2040-01-01 I18NPooledString.conf"));
         prepare();
-        I18NPooledString::initialize();
-        I18NPooledString::terminate();
         I18NPooledStringCustodian task(fakeTime);
         testing::internal::CaptureStderr();
         task.doIt(0);
@@ -220,7 +220,6 @@ TEST(I18NPooledStringTest, DumpsOnlyIntoAFileOfItsOwnUser) {
     EXPECT_FALSE(dumps(0600, 0, [&] { EXPECT_EQ(0, symlink("elsewhere", dump.c_str())); }));
     EXPECT_FALSE(std::filesystem::exists("elsewhere"));
     EXPECT_FALSE(dumps(0600, 0, [] { std::filesystem::remove("I18NPooledString.conf"); }));
-    ASSERT_EQ(0, chdir(before.c_str()));
 }
 
 TEST(I18NPooledStringTest, SurplusReleaseIsHarmless) {
@@ -244,13 +243,8 @@ TEST(I18NPooledStringTest, SurplusReleaseIsHarmless) {
 }
 
 TEST(I18NPooledStringTest, IsPurgedAfterTheCustodianRestarts) {
-    const TempTree tree;
+    const Settings tree("interval 0");
     Pool& pool = emptyPool();
-    const std::string before = std::filesystem::current_path();
-    ASSERT_EQ(0, chdir(tree.root()));
-    tree.file("I18NPooledString.conf", "interval 0");
-    I18NPooledString::initialize();
-    I18NPooledString::terminate();  // forgets the settings that another test has read
     const unsigned long schedule = QBLCustodian::setSchedule(5);
     EXPECT_FALSE(I18NPooledString::initialize()) << "there is no custodian";
     ASSERT_EQ(0, qblCoreInitialize());
@@ -262,7 +256,6 @@ TEST(I18NPooledStringTest, IsPurgedAfterTheCustodianRestarts) {
     QBLCustodian::setSchedule(schedule);
     ASSERT_EQ(0, qblCoreTerminate());
     I18NPooledString::terminate();
-    ASSERT_EQ(0, chdir(before.c_str()));
 }
 
 TEST(I18NPooledStringTest, HoldersOutliveTheLibrary) {

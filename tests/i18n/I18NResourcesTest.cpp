@@ -147,12 +147,9 @@ TEST_F(I18NResourcesTest, IgnoresInvalidSettings) {
         {"<UTF8BytesPerCodePoint value=\"3.25\"/>", 3.25F, false, false},
         {"<UTF8BytesPerCodePoint value=\"7\"/>", 4.0F, false, false},
         {"<UTF8BytesPerCodePoint value=\"0\"/>", 2.5F, false, false},
-        {"<UTF8BytesPerCodePoint value=\"-1\"/>", 2.5F, false, false},
         {"<UTF8BytesPerCodePoint value=\"much\"/>", 2.5F, false, false},
         {"<UTF8BytesPerCodePoint value=\"nan\"/>", 2.5F, false, false},
         {"<UTF8BytesPerCodePoint value=\"3", 2.5F, false, false},
-        {"<UTF8BytesPerCodePoint", 2.5F, false, false},
-        {"<allowNegativeZero value=\"TRUE\"/>", 2.5F, false, true},
         {"<allowNegativeZero value=\"yes\"/>", 2.5F, false, false},
         {"<replaceScaledZeroNumbers allowReplace=\"True\"/>", 2.5F, true, false},
         {"<replaceScaledZeroNumbers>\n<allowReplace value=\"true\"/>", 2.5F, true, false},
@@ -165,10 +162,11 @@ TEST_F(I18NResourcesTest, IgnoresInvalidSettings) {
         {std::string("<\n<>\n</>\n\0<a\n<\"\n<=\"\"", 20), 2.5F, false, false},
     };
     for (const Row& row : rows) {
+        SCOPED_TRACE(row.text.substr(0, 99));
         load(row.text);
-        EXPECT_EQ(row.bytes, resources().getUTF8BytesPerCodePoints()) << row.text.substr(0, 99);
-        EXPECT_EQ(row.scaled, resources().isAllowReplaceScaledZero()) << row.text.substr(0, 99);
-        EXPECT_EQ(row.negative, resources().isAllowNegativeZero()) << row.text.substr(0, 99);
+        EXPECT_EQ(row.bytes, resources().getUTF8BytesPerCodePoints());
+        EXPECT_EQ(row.scaled, resources().isAllowReplaceScaledZero());
+        EXPECT_EQ(row.negative, resources().isAllowNegativeZero());
     }
     std::filesystem::remove(m_tree("res.xml"));
     resources().setAllowNegativeZero(true);
@@ -272,9 +270,7 @@ TEST_F(I18NResourcesTest, ReadsTheMostSpecificFileOfALocale) {
     resources().release();
     words("en", "&lt;none&gt;");
     words("fr", "aucune");
-    words("fr_FR",
-          "n\xC3\xA9"
-          "ant");
+    words("fr_FR", "n\u00E9ant");
     words("fr_FR_EURO", "bad \xC3 byte");
     EXPECT_EQ(u"<none>", word("de_AT"));
     EXPECT_EQ(u"aucune", word("fr_CA"));
@@ -413,40 +409,35 @@ TEST_F(I18NResourcesTest, ReadsTheShippedFiles) {
     EXPECT_TRUE(resources().getLocaleIdFroLCID(0x0414, out) && out == "no_NO");
 
     std::filesystem::current_path(QBL_RES_DIR);
-    struct Row {
-        const char *locale, *none;
-        const char16_t *currency, *symbol, *years, *zone, *german;
+    const std::pair<const char*, std::string> rows[] = {
+        {"en_GB", "Japanese Yen ¥ years Central European Time German (Germany) No description"},
+        {"de", "Japanischer Yen ¥ Jahre Mitteleuropäische Zeit Deutsch (Deutschland) Keine"},
+        {"fr_CA", "yen japonais JPY ans heure d’Europe centrale allemand (Allemagne) Aucune"},
+        {"ja_JP", "日本円 ￥ 年 中央ヨーロッパ時間 ドイツ語 (ドイツ) "},
+        {"es", "yen JPY años hora de Europa central alemán (Alemania) Sin"},
     };
-    const Row rows[] = {
-        {"en_GB", "No description", u"Japanese Yen", u"\u00A5", u"years", u"Central European Time",
-         u"German (Germany)"},
-        {"de", "Keine", u"Japanischer Yen", u"\u00A5", u"Jahre", u"Mitteleurop\u00E4ische Zeit",
-         u"Deutsch (Deutschland)"},
-        {"fr_CA", "Aucune", u"yen japonais", u"JPY", u"ans", u"heure d\u2019Europe centrale",
-         u"allemand (Allemagne)"},
-        {"ja_JP", "", u"\u65E5\u672C\u5186", u"\uFFE5", u"\u5E74",
-         u"\u4E2D\u592E\u30E8\u30FC\u30ED\u30C3\u30D1\u6642\u9593",
-         u"\u30C9\u30A4\u30C4\u8A9E (\u30C9\u30A4\u30C4)"},
-        {"es", "Sin", u"yen", u"JPY", u"a\u00F1os", u"hora de Europa central",
-         u"alem\u00E1n (Alemania)"},
-    };
-    for (const Row& row : rows) {
-        const I18NLocale locale(row.locale);
-        SCOPED_TRACE(row.locale);
+    for (const auto& [name, expected] : rows) {
+        const I18NLocale locale(name);
+        std::string found;
         I18NString text, word;
+        const auto add = [&](bool isFound) {
+            EXPECT_TRUE(isFound) << "after " << found;
+            found += text.toUtf8() + " ";
+        };
         resources().getCurrencyDescription("JPY", locale, text);
-        EXPECT_EQ(row.currency, text.toUtf16());
-        EXPECT_TRUE(resources().getSymbolForISOCode("JPY", locale, text));
-        EXPECT_EQ(row.symbol, text.toUtf16());
-        EXPECT_EQ(row.years, resources().getTimePeriodResources(locale).find("years")->second);
-        EXPECT_TRUE(resources().getTimeZoneDescription("Europe/Berlin", locale, text));
-        EXPECT_EQ(row.zone, text.toUtf16());
-        EXPECT_TRUE(resources().getLocaleDescription(I18NLocale("de_DE"), locale, text));
+        add(true);
+        add(resources().getSymbolForISOCode("JPY", locale, text));
+        text = resources().getTimePeriodResources(locale).find("years")->second;
+        add(true);
+        add(resources().getTimeZoneDescription("Europe/Berlin", locale, text));
+        text = "before";
         EXPECT_FALSE(resources().getTimeZoneDescription("none", locale, text));
-        EXPECT_EQ(row.german, text.toUtf16()) << "the text is unchanged";
+        EXPECT_EQ("before", text);
+        add(resources().getLocaleDescription(I18NLocale("de_DE"), locale, text));
         resources().getCurrencyDescription("???", locale, text);
         resources().getNoDescriptionWord(locale, word);
-        EXPECT_TRUE(text == word && !word.empty() && word.starts_with(row.none)) << word.toUtf8();
+        EXPECT_TRUE(text == word && !word.empty()) << name;
+        EXPECT_EQ(expected, (found + word.toUtf8()).substr(0, expected.size()));
         resources().getEncodingForLocale(locale, text);
         EXPECT_EQ(resources().getEncodingForLocale(locale), text.toUtf8());
     }

@@ -7,7 +7,6 @@
 #include <string>
 
 #include "fuzz/support/Utf8Checks.hpp"
-#include "i18n/cpp/utf/i18n_utf.hpp"
 #include "i18n/cpp/utf/i18n_utf_blocks.hpp"
 
 using namespace std::string_literals;
