@@ -111,7 +111,7 @@ const cost::Rows kRows{
          show(work, deep, n);
          show(work, deep, 1);
          show(work, "<Message a=\"" + repeated("&lt;", n), 1);
-         show(work, repeated("<Message", n), 1);
+         show(work, "<Exception " + repeated("<a ><Message </Exception>", n), 7);
          show(work, repeated("<Message a=\"\">x</Message>", n), 7);
      }},
     {"Convert", Order::kLinear, 8192,

