@@ -1,30 +1,11 @@
 #include <list>
-#include <string>
 #include <vector>
 
-#include "QBLCore/Exceptions/QBLException.hpp"
-#include "QBLCore/Exceptions/QBLWhat.hpp"
-#include "QBLCore/FileManagement/QBLFmDir.hpp"
-#include "QBLCore/FileManagement/QBLFmDirectory.hpp"
-#include "QBLCore/FileManagement/QBLFmEntries.hpp"
-#include "QBLCore/FileManagement/QBLFmLines.hpp"
-#include "QBLCore/FileManagement/skipRootPath.hpp"
-#include "QBLCore/Frame/QBLList.hpp"
-#include "QBLCore/Messages/QBLMessageFile.hpp"
-#include "QBLCore/Messages/QBLMessageString.hpp"
-#include "QBLCore/Messages/QBLXmlEscape.hpp"
-#include "QBLCore/ObjectFactory/QBLObjectFactoryItem.hpp"
-#include "QBLCore/Resources/QBLResourceBMF.hpp"
-#include "QBLCore/Resources/QBLResourceFactory.hpp"
-#include "QBLCore/Types/QBLByteBuffer.hpp"
 #include "QBLCore/Types/QBLTypeCast.hpp"
-#include "QBLCore/Utility/QBLBase64.hpp"
-#include "QBLCore/Utility/QBLSquisher.hpp"
-#include "QBLCore/Utility/QBLUtCrc32.hpp"
 #include "QBLCore/Utility/QBLUtGetOpt.hpp"
-#include "QBLCore/Utility/QBLUtStrTok.hpp"
 #include "bench/cost/Work.hpp"
 #include "tests/support/BmfFile.hpp"
+#include "tests/support/Library.hpp"
 #include "tests/support/TempTree.hpp"
 
 // The rows of messages, files, data types and utilities.

@@ -3,11 +3,7 @@
 
 #include "bench/cost/Work.hpp"
 #include "fuzz/support/ConverterChecks.hpp"
-#include "i18n/cpp/i18n_internal_resources.hpp"
-#include "i18n/cpp/i18n_locale.hpp"
-#include "i18n/cpp/i18n_pooledstring.hpp"
-#include "i18n/cpp/i18n_stringpool.hpp"
-#include "i18n/cpp/i18n_uri.hpp"
+#include "tests/support/Library.hpp"
 #include "tests/support/TempTree.hpp"
 
 // The rows of strings, converters, streams, resources and pools.
