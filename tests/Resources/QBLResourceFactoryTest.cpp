@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
 #include "QBLCore/Messages/QBLMessage.hpp"

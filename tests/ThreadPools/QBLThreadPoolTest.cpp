@@ -6,13 +6,11 @@
 #include <chrono>
 #include <cstring>
 #include <fstream>
-#include <functional>
 #include <initializer_list>
 #include <memory>
 #include <stdexcept>
 
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
-#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Frame/QBLCore.h"
 #include "QBLCore/ThreadPools/QBLSubmit.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolFixed.hpp"

@@ -124,7 +124,6 @@ TEST(QBLSquisherTest, FailsCleanlyWhenMemoryRunsOut) {
         }).join();
     }
     EXPECT_LT(6, runs) << "compression has at least this many allocations";
-    EXPECT_TRUE(Squished(text).right);
     EXPECT_LT(0, fault::eachAllocation([&] {
                   QBLsqu_state state;
                   char back[40];
