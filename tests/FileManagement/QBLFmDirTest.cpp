@@ -52,11 +52,9 @@ int inCage(const TempTree& tree, const std::function<int()>& body) {
 
 // fuzz/QBLFmDirFuzz.cpp checks splitting, joining, resolving and patterns against models.
 TEST(QBLFmDirTest, ReturnsTheLengthOfTheRootOfAPath) {
-    const struct {
-        const char* path;
-        long length;
-    } table[] = {{"\xC3\xA9", -1}, {"a\xFF", -1}, {"//a\xFF/", -1}, {"ab\xFF", 0}};
-    for (const auto& row : table) EXPECT_EQ(row.length, skipRootPath(row.path)) << row.path;
+    for (const char* path : {"\xC3\xA9", "a\xFF", "//a\xFF/"})
+        EXPECT_EQ(-1, skipRootPath(path)) << path;
+    EXPECT_EQ(0, skipRootPath("ab\xFF"));
     EXPECT_EQ(1, skipRootPath("/:x", 1));
     const locale_t utf8 = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
     const locale_t before = uselocale(utf8);
