@@ -64,19 +64,19 @@ static int boundedCopiesFailed(void) {
 }
 
 static int stringsFailed(I18NStringHandle string) {
-    I18NErrorCodes error = I18N_UNEXPECTED;
-    I18NConverterHandle shiftJIS = i18nConverterCreate("Shift_JIS", &error);
+    static const char kBytes[] = "\x93\xFA\x96\x7B!";
+    I18NErrorCodes error;
+    I18NConverterHandle c = 0;
     char* block = 0;
     int size = 0;
-    CHECK(shiftJIS != 0 && error == I18N_OK);
-    i18nConverterToUnicodeString(shiftJIS, string, "\x93\xFA\x96\x7B!", -1, &error);
-    CHECK(error == I18N_OK);
-    i18nConverterFromUnicodeString(shiftJIS, &block, &size, string, 0, 0, &error);
-    CHECK(error == I18N_OK && size == 6 && strcmp(block, "\x93\xFA\x96\x7B!") == 0);
+    GIVES(I18N_OK, (c = i18nConverterCreate("Shift_JIS", &error)) != 0);
+    RUNS(I18N_OK, i18nConverterToUnicodeString(c, string, kBytes, -1, &error));
+    RUNS(I18N_OK, i18nConverterFromUnicodeString(c, &block, &size, string, 0, 0, &error));
+    CHECK(size == 6 && strcmp(block, kBytes) == 0);
     free(block);
-    RUNS(I18N_ARGUMENT, i18nConverterFromUnicodeString(shiftJIS, &block, &size, 0, 0, 0, &error));
-    RUNS(I18N_ARGUMENT, i18nConverterToUnicodeString(shiftJIS, 0, "a", -1, &error));
-    RUNS(I18N_OK, i18nConverterFree(shiftJIS, &error));
+    RUNS(I18N_ARGUMENT, i18nConverterFromUnicodeString(c, &block, &size, 0, 0, 0, &error));
+    RUNS(I18N_ARGUMENT, i18nConverterToUnicodeString(c, 0, "a", -1, &error));
+    RUNS(I18N_OK, i18nConverterFree(c, &error));
     return 0;
 }
 

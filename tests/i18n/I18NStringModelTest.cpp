@@ -41,29 +41,26 @@ void checkRandomInputs(int rounds, std::size_t size, Check check) {
 
 // Offsets and counts that are out of range, and texts of each kind, also null.
 TEST(I18NStringTest, WideTextsEditAsStringsDo) {
-    const struct {
-        const wchar_t* wide;
-        const char16_t* units;
-    } texts[] = {{nullptr, u""},         {L"", u""},
-                 {L"x", u"x"},           {L"xyz", u"xyz"},
-                 {L"\u4E2D", u"\u4E2D"}, {L"a\U0001F600z", u"a\U0001F600z"}};
+    const std::pair<const wchar_t*, const char16_t*> texts[] = {
+        {nullptr, u""},         {L"", u""},
+        {L"x", u"x"},           {L"xyz", u"xyz"},
+        {L"\u4E2D", u"\u4E2D"}, {L"a\U0001F600z", u"a\U0001F600z"}};
     for (const std::u16string base : {u"", u"abcd", u"a\u4E2D\u4E2Dd"})
-        for (const auto& text : texts)
+        for (const auto& [wide, units] : texts)
             for (const int offset : {INT_MIN, -1, 0, 1, 3, 4, 5, INT_MAX})
                 for (const int count : {INT_MIN, -1, 0, 1, 2, 4, 5, INT_MAX}) {
                     const std::string where = std::to_string(offset) + ", " + std::to_string(count);
                     const std::size_t at =
                         offset < 0 ? 0 : std::min<std::size_t>(offset, base.size());
                     std::u16string inserted = base;
-                    inserted.insert(at, text.units);
-                    EXPECT_EQ(I18NString(inserted), I18NString(base).insert(offset, text.wide))
-                        << where;
-                    EXPECT_EQ(I18NString(base).replace(offset, count, I18NString(text.units)),
-                              I18NString(base).replace(offset, count, text.wide))
+                    inserted.insert(at, units);
+                    EXPECT_EQ(I18NString(inserted), I18NString(base).insert(offset, wide)) << where;
+                    EXPECT_EQ(I18NString(base).replace(offset, count, I18NString(units)),
+                              I18NString(base).replace(offset, count, wide))
                         << where;
                     I18NString appended(base);
-                    EXPECT_EQ(I18NString(base + text.units), appended.append(text.wide)) << where;
-                    EXPECT_EQ(I18NString(text.units), appended = text.wide) << where;
+                    EXPECT_EQ(I18NString(base + units), appended.append(wide)) << where;
+                    EXPECT_EQ(I18NString(units), appended = wide) << where;
                 }
 }
 

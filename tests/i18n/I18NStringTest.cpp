@@ -65,22 +65,20 @@ TEST(I18NStringTest, TakesMemoryFromItsAllocatorOnlyBeyond32Characters) {
 }
 
 TEST(I18NStringTest, DecodesUtf8WithAnErrorValueForEachBadSequence) {
-    const struct {
-        std::string bytes;
-        std::u16string text;
-    } table[] = {{"a\x80z", u"a\u0015z"},
-                 {"\xC3\xA9", u"\u00E9"},
-                 {"\xC3z", u"\u0015z"},
-                 {"\xE2\x82", u"\u009F"},
-                 {"\xF0\x9F\x98", u"\uFFFF"},
-                 {"\xC0\x80", u"\u009F"},
-                 {"\xED\xA0\x80", u"\uFFFF"},
-                 {"\xF4\x90\x80\x80", u"\U0010FFFF"},
-                 {"\xF8\x88\x80\x80\x80", u"\uFFFF"},
-                 {"\xFE\xFF", u"\u0015\u0015"},
-                 {std::string("\xC3\xA9\0z", 4), u"\u00E9"},
-                 {"0123456789abcdef\u4E2Dx", u"0123456789abcdef\u4E2Dx"}};
-    for (const auto& row : table) EXPECT_EQ(row.text, decoded(row.bytes)) << row.bytes;
+    const std::pair<std::string, std::u16string> table[] = {
+        {"a\x80z", u"a\u0015z"},
+        {"\xC3\xA9", u"\u00E9"},
+        {"\xC3z", u"\u0015z"},
+        {"\xE2\x82", u"\u009F"},
+        {"\xF0\x9F\x98", u"\uFFFF"},
+        {"\xC0\x80", u"\u009F"},
+        {"\xED\xA0\x80", u"\uFFFF"},
+        {"\xF4\x90\x80\x80", u"\U0010FFFF"},
+        {"\xF8\x88\x80\x80\x80", u"\uFFFF"},
+        {"\xFE\xFF", u"\u0015\u0015"},
+        {std::string("\xC3\xA9\0z", 4), u"\u00E9"},
+        {"0123456789abcdef\u4E2Dx", u"0123456789abcdef\u4E2Dx"}};
+    for (const auto& [bytes, text] : table) EXPECT_EQ(text, decoded(bytes)) << bytes;
 }
 
 TEST(I18NStringTest, NormalizesUnlessItIsSwitchedOff) {

@@ -38,9 +38,7 @@ void makeFiles(const TempTree& tree) {
 }  // namespace
 
 TEST(QblconvDetectTest, DetectsManyEncodings) {
-    const struct {
-        std::string encoding, text;
-    } table[] = {
+    const std::pair<std::string, std::string> table[] = {
         {"Shift_JIS", kJapanese},
         {"EUC-JP", kJapanese},
         {"ISO-2022-JP", kJapanese},
@@ -52,26 +50,26 @@ TEST(QblconvDetectTest, DetectsManyEncodings) {
         {"windows-1252", kGerman},
         {"UTF-16LE", "Wir prüfen, in welcher Kodierung\n"},
     };
-    for (const auto& row : table) {
+    for (const auto& [encoding, text] : table) {
         TempTree tree;
-        tree.file("utf8", row.text);
-        EXPECT_EQ(0, runTool(tree, "iconv -f UTF-8 -t " + row.encoding + " utf8 >f").status);
+        tree.file("utf8", text);
+        EXPECT_EQ(0, runTool(tree, "iconv -f UTF-8 -t " + encoding + " utf8 >f").status);
         const std::string encoded = tree.text("f");
         expectRun(tree, "-v -f auto f | cmp - utf8; cat f | $Q -f auto | cmp - utf8", 0,
-                  "f: converted from " + row.encoding + "\n");
+                  "f: converted from " + encoding + "\n");
         // The encoding is also detected if many line ends come before the text, and if the end of a
         // block splits the text.
-        const bool isWide = row.encoding == "UTF-16LE";
+        const bool isWide = encoding == "UTF-16LE";
         for (int i = isWide ? 2 : 0; i < 2; ++i) {
             tree.file("f", std::string(0xFFF0 + static_cast<std::size_t>(i), '\n') + encoded);
-            expectRun(tree, "-nv -f auto f", 0, "f: valid " + row.encoding + "\n");
+            expectRun(tree, "-nv -f auto f", 0, "f: valid " + encoding + "\n");
         }
         // In place, a file is replaced only if no other encoding fits.
-        const bool isAlone = isWide || row.encoding == "ISO-2022-JP" || row.text == kGerman;
+        const bool isAlone = isWide || encoding == "ISO-2022-JP" || text == kGerman;
         tree.file("f", encoded);
         EXPECT_EQ(isAlone ? 0 : 1, runTool(tree, "'" QBL_CONV "' -i=.o -f auto f").status);
-        EXPECT_EQ(isAlone ? row.text : encoded, tree.text("f")) << row.encoding;
-        EXPECT_EQ(isAlone, std::filesystem::exists(tree("f.o"))) << row.encoding;
+        EXPECT_EQ(isAlone ? text : encoded, tree.text("f")) << encoding;
+        EXPECT_EQ(isAlone, std::filesystem::exists(tree("f.o"))) << encoding;
     }
 }
 

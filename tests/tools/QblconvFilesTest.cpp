@@ -393,9 +393,7 @@ TEST(QblconvFilesTest, ReportsAFullDiskOnce) {
     tree.file("report", "<Message a=\"b\" ></Message>\n");
     const std::string reason = ": No space left on device\n";
     const std::string refused = "the standard output: cannot be written" + reason;
-    const struct {
-        std::string command, said;
-    } table[] = {
+    const std::pair<std::string, std::string> table[] = {
         {QBL_CONV " s s >/dev/full", refused},
         {QBL_CONV " -o /dev/full s s", "/dev/full: cannot be written" + reason},
         {QBL_CONV " -l >/dev/full", refused},
@@ -404,8 +402,8 @@ TEST(QblconvFilesTest, ReportsAFullDiskOnce) {
         {QBL_MSGC " -w ./x >/dev/full",
          "./x: no catalogue found for en; none of the files listed exists\n" + refused},
     };
-    for (const auto& row : table)
-        expectOutcome(runTool(tree, row.command), 1, row.said, row.command);
+    for (const auto& [command, said] : table)
+        expectOutcome(runTool(tree, command), 1, said, command);
     EXPECT_EQ("", runTool(tree, QBL_CONV " -l | :").output) << "no error if the reader has gone";
 }
 

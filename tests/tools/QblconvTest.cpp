@@ -215,10 +215,7 @@ TEST(QblconvTest, VerifyRejectsFilesThatDoNotRoundTrip) {
 TEST(QblconvTest, ReportsMisuseAndDoesNothing) {
     const std::string all = "; qblconv -l lists all encodings", bad = "invalid argument for ";
     const std::string help = "; qblconv --help lists the options";
-    const struct {
-        const char* arguments;
-        std::string said;
-    } table[] = {
+    const std::pair<const char*, std::string> table[] = {
         {"--form=X s", "unknown option: --form; did you mean --from?"},
         {"--nonsense s", "unknown option: --nonsense" + help},
         {"s -f", "-f requires an argument"},
@@ -273,10 +270,10 @@ TEST(QblconvTest, ReportsMisuseAndDoesNothing) {
     TempTree tree;
     makeFiles(tree);
     tree.file("dir/a.txt", "a");
-    for (const auto& row : table) {
-        const std::string command = std::string("'" QBL_CONV "' ") + row.arguments;
-        expectOutcome(runTool(tree, command), 2, "qblconv: " + row.said + "\n", command);
-        EXPECT_FALSE(std::filesystem::exists(tree("out"))) << row.arguments;
+    for (const auto& [arguments, said] : table) {
+        const std::string command = std::string("'" QBL_CONV "' ") + arguments;
+        expectOutcome(runTool(tree, command), 2, "qblconv: " + said + "\n", command);
+        EXPECT_FALSE(std::filesystem::exists(tree("out"))) << arguments;
     }
     expectRuns({
         {"--json -X s", 2,

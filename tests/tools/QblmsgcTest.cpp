@@ -113,9 +113,7 @@ TEST(QblmsgcTest, ChecksTheTypesOfArguments) {
     TempTree tree;
     tree.file("en.msg",
               "1 \"{0}\"\n2 \"{0,plural,other{#}} {0}\"\n3 \"{0,number}\"\n4 \"{0,time}\"\n");
-    const struct {
-        const char *source, *found;
-    } table[] = {
+    const std::pair<const char*, const char*> table[] = {
         {"1 \"{0,select,other{}}\"\n2 \"{0,number}\"\n3 \"{0}\"\n4 \"{0,date}\"", ""},
         {"1 \"{0,number}\"", "1:4: error: {0,number} does not fit the argument {0} of en.msg"},
         {"2 \"{0,select,other{}}\"",
@@ -128,11 +126,11 @@ TEST(QblmsgcTest, ChecksTheTypesOfArguments) {
         {"1 DISK_IS \"a\"\n2 disk_is \"{0}\"",
          "2:3: error: DISK_IS and disk_is would both have the function diskIs; rename one of them"},
     };
-    for (const auto& row : table) {
-        tree.file("t.msg", row.source);
+    for (const auto& [source, found] : table) {
+        tree.file("t.msg", source);
         const Outcome outcome = run(tree, "--typed -qr en.msg t.msg");
-        EXPECT_EQ(*row.found == '\0' ? 0 : 1, outcome.status) << row.source;
-        EXPECT_NE(std::string::npos, outcome.output.find(row.found)) << outcome.output;
+        EXPECT_EQ(*found == '\0' ? 0 : 1, outcome.status) << source;
+        EXPECT_NE(std::string::npos, outcome.output.find(found)) << outcome.output;
         EXPECT_EQ(0, run(tree, "-qr en.msg t.msg").status) << "only --typed requires types";
     }
     // All languages have the shape of the reference. A text does not change it; a number, a name or
@@ -236,10 +234,7 @@ TEST(QblmsgcTest, ReportsMisuseAndOverwritesNothing) {
     const auto over = [](const std::string& name) {
         return " would overwrite " + name + "; choose another name";
     };
-    const struct {
-        const char* arguments;
-        std::string said;
-    } table[] = {
+    const std::pair<const char*, std::string> table[] = {
         {"", missing},
         {"--help -qz", "unknown option: -z; qblmsgc --help lists the options"},
         {"-o '' t.msg", "invalid argument for -o: \"\""},
@@ -250,7 +245,8 @@ TEST(QblmsgcTest, ReportsMisuseAndOverwritesNothing) {
         {"t.msg", "the output t.bmf" + over("t.msg")},
         {"-o a.hpp -H ./a.hpp t.msg", "the output ./a.hpp" + over("a.hpp")},
     };
-    for (const auto& row : table) expectRun(tree, row.arguments, 2, "qblmsgc: " + row.said + "\n");
+    for (const auto& [arguments, said] : table)
+        expectRun(tree, arguments, 2, "qblmsgc: " + said + "\n");
     EXPECT_EQ("1 A \"a\"\n", tree.text("t.msg"));
     expectRun(tree, "-H a.hpp -o no/a.bmf t.msg", 1,
               "no/a.bmf: cannot be written: No such file or directory\n");
