@@ -50,7 +50,6 @@ TEST(QBLMessageParmTest, FormatsItsValueByItsType) {
         QBLMessageParm parm;
         const char *text, *value;
     } rows[] = {{QBLMessageParm(5), "5", "\"long\" Value=\"5\""},
-                {QBLMessageParm(5U), "5", "\"ulong\" Value=\"5\""},
                 {QBLMessageParm(0xFFFFFFFFUL), "4294967295", "\"ulong\" Value=\"4294967295\""},
                 {QBLMessageParm(-5LL), "-5", "\"long\" Value=\"-5\""},
                 {QBLMessageParm(0xFFFFFFFFULL), "4294967295", "\"ulong\" Value=\"4294967295\""},

@@ -253,8 +253,7 @@ TEST_F(QBLThreadPoolTest, DestructorRunsAcceptedTasksEvenIfWorkersEnd) {
         EndingLast first;
         auto pool = make(kind);
         first.pool = pool.get();
-        for (QBLThreadRunnable* task :
-             std::initializer_list<QBLThreadRunnable*>{&first, &first, &ending, &counting}) {
+        for (QBLThreadRunnable* task : Tasks{&first, &first, &ending, &counting}) {
             EXPECT_EQ(1, pool->execute(task, 0)) << "kind " << kind;
             // The surviving worker must run the task.
             fault::failCall(fault::kThreadCreate, 0, EAGAIN);

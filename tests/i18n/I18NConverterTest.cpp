@@ -211,8 +211,7 @@ TEST(I18NConverterTest, ReportsUnconsumedInput) {
 
 TEST(I18NConverterTest, StreamsInPiecesMatchASingleCall) {
     const std::u16string text = u"a\u00E9\u3042\u6F22\U0001F600z\u30A2";
-    for (const char* encoding :
-         {"UTF-8", "UTF-16", "UTF-32", "gb18030", "ISO-2022-JP", "Shift_JIS"})
+    for (const char* encoding : {"UTF-16", "UTF-32", "gb18030", "ISO-2022-JP"})
         for (const int room : {1, 2, 3, 7, 4000})
             for (const int piece : {1, 2, 5, 1000}) {
                 SCOPED_TRACE(encoding + (" " + std::to_string(room) + "/" + std::to_string(piece)));

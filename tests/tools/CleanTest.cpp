@@ -7,20 +7,12 @@
 
 #include "tests/tools/RunTool.hpp"
 
-namespace {
-
-std::string deadProcess() {
+TEST(CleanTest, RemovesOnlyUnusedTemporaryFiles) {
+    TempTree tree;
     const pid_t process = fork();
     if (process == 0) _exit(0);
     waitpid(process, nullptr, 0);
-    return std::to_string(process);
-}
-
-}  // namespace
-
-TEST(CleanTest, RemovesOnlyUnusedTemporaryFiles) {
-    TempTree tree;
-    const std::string dead = deadProcess(), live = std::to_string(getpid());
+    const std::string dead = std::to_string(process), live = std::to_string(getpid());
     for (const char* const directory : {"d", "d/.hidden", "other"}) tree.dir(directory);
     const std::vector<std::string> removed = {".QBLFm" + dead + ".1", ".qblconv" + dead + ".22",
                                               "d/.QBLFm" + dead + ".3"};
