@@ -11,8 +11,6 @@ const char kRussian[] =
     "кодировки.\n";
 const char kGerman[] = "Die Köchin öffnete die Tür und grüßte höflich – wie immer.\n";
 
-std::string bytes(const char* text, std::size_t size) { return {text, size}; }
-
 /// Runs $Q, which is qblconv, with arguments in a tree, and compares status and output.
 void expectRun(const TempTree& tree, const std::string& command, int status,
                const std::string& output) {

@@ -43,8 +43,6 @@ void expectRuns(const std::vector<Row>& table, const std::string& environment = 
     }
 }
 
-std::string bytes(const char* text, std::size_t size) { return {text, size}; }
-
 }  // namespace
 
 TEST(QblconvTest, JoinsTextsUnderEachPolicyAndMark) {
@@ -53,7 +51,6 @@ TEST(QblconvTest, JoinsTextsUnderEachPolicyAndMark) {
         {"--from=UTF-8 --to=windows-1252 <u", 0, "\xE4\n"},
         {"n e", 0, bytes("n\0l", 3)},
         {"-f UTF-16 w", 0, "ä\n"},
-        {"--bom=keep u w", 0, "\uFEFFä\nä\n"},
         {"--bom add -t UTF-16BE e w u", 0, bytes("\xFE\xFF\0\xE4\0\n\0\xE4\0\n", 10)},
         {"-f latin1 u", 0, "ï»¿Ã¤\n"},
         {"-f sjis b s", 1, "x\nあb:2:2: byte 4: 82 is not sjis\naあ\n"},

@@ -9,6 +9,8 @@
 
 #include "tests/support/TempTree.hpp"
 
+inline std::string bytes(const char* text, std::size_t size) { return {text, size}; }
+
 /// The exit status of a run, and its output to both streams.
 struct Outcome {
     int status;
