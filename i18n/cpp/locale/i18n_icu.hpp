@@ -19,8 +19,9 @@ void i18nPrepareICU();
 /// time, ICU would never provide them.
 /// @throws QBLOutOfMemoryError, I18NRuntimeError
 void i18nWarmUpICU();
-/// Fails if the process has no spare memory of 64 KiB. Call it before ICU makes number formats: ICU
-/// does not check the allocations in them and would crash.
+/// Fails if the process has no spare memory of 64 KiB. Call it before ICU makes number formats,
+/// symbols of numbers, or transliterators from rules: ICU does not check all allocations in them
+/// and would crash.
 /// @throws QBLOutOfMemoryError
 void i18nRequireSpareMemory();
 /// The process's default locale.

@@ -169,6 +169,7 @@ bool I18NInternalResources::getListSeparator(const I18NLocale& locale, wchar_t& 
 }
 
 bool I18NInternalResources::getListSeparator(const icu::Locale* locale, wchar_t& separator) const {
+    i18nRequireSpareMemory();  // ICU crashes if it cannot allocate the symbols
     UErrorCode error = U_ZERO_ERROR;
     const icu::DecimalFormatSymbols symbols(locale != nullptr ? *locale : i18nDefaultLocale(),
                                             error);

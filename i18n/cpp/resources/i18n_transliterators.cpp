@@ -2,6 +2,7 @@
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/Exceptions/shared/QBLThrowNoMemory.hpp"
 #include "i18n/cpp/i18n_errors.hpp"
+#include "i18n/cpp/locale/i18n_icu.hpp"
 #include "i18n/cpp/resources/i18n_internal_data.hpp"
 #include "i18n/cpp/resources/i18n_xml_entities.hpp"
 #include "i18n/cpp/string/i18n_allocation.hpp"
@@ -17,6 +18,7 @@ const char kNoURLTransliterator[] = "URL encoding transliterator creation failed
 const icu::Transliterator* I18NLazyTransliterator::get(const char16_t* name, const char* rules,
                                                        const char* failure) {
     if (made != nullptr) return made.get();
+    i18nRequireSpareMemory();  // ICU crashes if it cannot allocate the parser of the rules
     UParseError place;
     UErrorCode error = U_ZERO_ERROR;
     std::unique_ptr<icu::Transliterator> candidate(icu::Transliterator::createFromRules(
