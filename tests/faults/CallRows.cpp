@@ -125,6 +125,7 @@ const bool kRows = [] {
     add("QBLPluginLibraryLoader", kOutOfMemory | kBadAlloc | kOther, [] {
         static const std::string kPath = PLUGIN_FILE;
         QBLPluginLibraryLoader::unload(QBLPluginLibraryLoader::load(kPath));
+        const QBLPlugin plugin(kPath);
     });
     add("QBLSignalWaiter", kThreadResource, [] {
         QBLSignalWaiter waiter({SIGWINCH});

@@ -72,6 +72,13 @@ const bool kConversions = [] {
     return true;
 }();
 
+/// An error parameter of the C interface. Checks the code at the end of the statement.
+struct Code {
+    I18NErrorCodes code = I18N_OK;
+    operator I18NErrorCodes*() { return &code; }
+    ~Code() noexcept(false) { need(code == I18N_OK); }
+};
+
 I18NInternalResources& resources() { return I18NInternalResources::getInternalResources(); }
 const I18NLocale& german() {
     static const I18NLocale kGerman("de_DE");
@@ -96,6 +103,36 @@ void description(const char* name, Ask ask) {
 }
 
 const bool kRows = [] {
+    add("i18nConverter", kRefuses | kOutOfMemory, [] {
+        I18NConverter converter("UTF-8");
+        converter.create(I18NConverter("Shift_JIS"));
+        const auto c = reinterpret_cast<I18NConverterHandle>(&converter);
+        char bytes[200], *block = nullptr;
+        char16_t units[100];
+        void* wide = nullptr;
+        int size = 0, used = 0;
+        I18NString text;
+        const auto string = reinterpret_cast<I18NStringHandle>(&text);
+        for (int policy = I18N_ESCAPE; policy <= I18N_SUBSTITUTE; ++policy) {
+            i18nConverterSetBuiltInUnconvertibleInputSequenceCallback(c, policy, Code());
+            i18nConverterSetBuiltInUnconvertibleOutputSequenceCallback(c, policy, Code());
+            i18nConverterToUnicode(c, units, 200, "a\xFF\x80z", -1, Code());
+            i18nConverterFromUnicode(c, bytes, 200, u"a\u0E01z", Code());
+        }
+        i18nConverterToUnicodeString(c, string, "\x93\xFA", 2, Code());
+        i18nConverterFromUnicodeString(c, &block, &size, string, nullptr, nullptr, Code());
+        I18NFreeBuffer(block);
+        i18nConverterFromUnicodeWithAllocator(c, &block, &size, units, nullptr, nullptr, Code());
+        I18NFreeBuffer(block);
+        converter.fromUnicodeStream(&block, &size, u"\u65E5", 2);
+        I18NFreeBuffer(block);
+        i18nConverterToUnicodeWithAllocator(c, &wide, &size, bytes, -1, nullptr, nullptr, Code());
+        I18NFreeBuffer(wide);
+        converter.toUnicodeStream(units, 200, "\x93", 1, &size, &used);
+        converter.toUnicodeStream(&wide, &size, "\xFA", 1);
+        I18NFreeBuffer(wide);
+        return together(text, bytes, I18NUriDecode("%93%FA", converter));
+    });
     add("I18NConverter.copy", kOutOfMemory, [] {
         const I18NConverter converter("Shift_JIS");
         I18NConverter copy(converter), assigned("EUC-JP");
@@ -135,6 +172,9 @@ const bool kRows = [] {
         second = japaneseText();
         first = second;
         second = "another text for the pool";
+        const I18NPooledString copy(first), third(japaneseText());
+        first = I18NPooledString(copy);
+        I18NPooledStringCustodian([](std::time_t*) { return std::time_t{7}; }).doIt(0);
         I18NPooledString::purge();
         return calmly([&] { return first.getString() + second.getString(); });
     });
@@ -179,6 +219,19 @@ const bool kRows = [] {
         resources().getNoDescriptionWord(german(), word);
         return calmly(
             [&] { return word + (resources().getURLEncodeTranslit() != nullptr ? "table" : ""); });
+    });
+    description("codes", [](auto& all, auto& out) {
+        std::string code, other, country, id, language, path;
+        unsigned short lcid = 0;
+        const bool found =
+            all.getCurrencyCodeForLCID(1031, code) && all.getCurrencyMapping("DEM", other) &&
+            all.getISOCurrencyCodeForCountry("DE", country) && all.getLocaleIdFroLCID(1031, id) &&
+            all.getDefaultLocaleForLanguage("de", language) &&
+            all.getLCIDForCurrencyCode("JPY", lcid) && all.isISOCurrencyCodeValid("JPY") &&
+            all.getNumbDecimPlacesForCurrency("JPY") == 0 &&
+            all.findResourceFile(path, out, "qbli18nrescr_", german().getICULocale());
+        calmly([&] { out += together(code, other, country, id, language, lcid); });
+        return found;
     });
     description("getCurrencyDescription", [](auto& all, auto& out) {
         all.getCurrencyDescription("JPY", german(), out);

@@ -26,9 +26,9 @@ public:
 /// Makes, copies, assigns, shows and throws an error. Constructors of errors throw std::bad_alloc
 /// where a throwable cannot be thrown instead.
 template <class Error>
-void addError(const std::string& name, Error (*make)()) {
-    const auto with = [&name](const char* operation, auto run) {
-        add(name + operation, kOutOfMemory | kBadAlloc, run);
+void addError(const std::string& name, Error (*make)(), unsigned calls = kNothing) {
+    const auto with = [&name, calls](const char* operation, auto run) {
+        add(name + operation, kOutOfMemory | kBadAlloc, calls, run);
     };
     const auto printed = [](const QBLThrowable& error) {
         return calmly([&] { return print(error); });
@@ -81,6 +81,8 @@ const bool kErrors = [] {
               QBLIndexOutOfBoundsError, QBLAssertError, I18NRuntimeError, I18NUnexpectedError,
               QBLUnexpectedError, QBLUnknownError, QBLStdExceptionError, QBLSystemError,
               QBLOutOfMemoryError, QBLThreadResourceError, QBLUnsupportedOperationError>();
+    addError<QBLPluginException>(
+        "QBLPluginException", [] { return QBLPluginException(QBLPluginLoadFailed); }, kFallback);
     addError<DiskError>("QBLException", [] {
         DiskError error("CODE");
         error << QBLMessageString(kText) << QBLMessageString("second");
@@ -140,6 +142,14 @@ const bool kRows = [] {
         // Without memory, the name of the class takes the place of the text.
         const std::string second = qblWhat(error);
         return calmly([&] { return first + (second == "QBLRuntimeError" ? "short" : second); });
+    });
+    add("QBLException.constructors", kOutOfMemory | kBadAlloc, [] {
+        constexpr auto kError = QBLSeverityError;
+        return together(
+            DiskError(1).getErrorCode(), DiskError(kError, 2).getErrorCode(),
+            DiskError(3L).getErrorCode(), DiskError(kError, 4L).getErrorCode(),
+            DiskError(kError, kText).getErrorCode(), QBLError(kText, kText).getErrorCode(),
+            QBLError(kError, 5, kText).getErrorCode(), QBLError(kError, 6L, kText).getErrorCode());
     });
     add("qblXml", kOutOfMemory, [] {
         const QBLRuntimeError error = calmly(example);

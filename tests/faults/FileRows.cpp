@@ -153,13 +153,14 @@ const bool kRows = [] {
         needErrno(file.commit());
         return calmly([] { return tree().text("out/replaced"); });
     });
-    add("QBLFmDirectory", kRefuses, [] {
+    add("QBLFmDirectory", kRefuses | kOutOfMemory | kBadAlloc | kOther, [] {
         QBLFmDirectory parent, folder;
         std::string name;
         needErrno(parent.openParent(root().c_str(), name));
         needErrno(folder.open(parent, name.c_str()));
         needErrno(folder.create(parent, "made", 0700));
         needErrno(parent.rename("made", "made"));
+        QBLFmEntries(parent, QBLFmEntries::kRecursive).begin();
         need(calmly([] { return QBLFmDir::removeDir(tree()("made").c_str()); }));
         std::list<std::string> files, dirs;
         needErrno(parent.readDir(&files, nullptr, &dirs, nullptr));
@@ -206,7 +207,7 @@ const bool kRows = [] {
         [] { return listed(QBLFmEntries(rootText(), QBLFmEntries::kRecursive)); });
     add("QBLFmLines", kOutOfMemory | kBadAlloc, kOther, [] {
         static const std::string kPath = root() + "/b\u00E9";
-        return linesOf(QBLFmLines(kPath, "UTF-8"));
+        return linesOf(QBLFmLines(kPath.c_str(), "UTF-8"));
     });
     add("QBLFmLines.converter", kOutOfMemory | kBadAlloc, kOther, [] {
         static const std::string kPath = root() + "/b\u00E9";

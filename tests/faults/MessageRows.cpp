@@ -1,6 +1,7 @@
 #include <cerrno>
 #include <memory>
 
+#include "QBLCore/Messages/QBLTypedMessage.hpp"
 #include "tests/faults/Rows.hpp"
 #include "tests/support/BmfFile.hpp"
 #include "tests/support/Library.hpp"
@@ -107,6 +108,14 @@ const bool kCopies = [] {
             return message;
         },
         [] { return QBLMessageComponents(9); });
+    addCopies<QBLTypedMessage>(
+        "QBLTypedMessage",
+        [] {
+            return QBLTypedMessage({"a", 1}, 1, {QBLTypedText("text")});
+        },
+        [] {
+            return QBLTypedMessage({"b", 2}, 2, {});
+        });
     addCopies<QBLErrnoMessage>(
         "QBLErrnoMessage", [] { return QBLErrnoMessage(ENOENT); },
         [] { return QBLErrnoMessage(EPERM); });
@@ -185,6 +194,19 @@ const bool kRows = [] {
     ofParm("QBLMessageParm.number", [](QBLMessageParm& p) { p.copy(QBLMessageParm(1LL << 40)); });
     ofParm("QBLMessageParm.unsigned",
            [](QBLMessageParm& p) { p.copy(QBLMessageParm(1ULL << 63)); });
+    add("QBLMessage.constructors", kOutOfMemory, [] {
+        static const I18NString kName(base());
+        constexpr auto kError = QBLSeverityError;
+        QBLMessageFile file(base().c_str());
+        file.setMsgFile(kName);
+        I18NString value;
+        QBLMessageParm(7).getValue(value);
+        return together(
+            value, QBLMessage(kName).getMsgFile(), QBLMessage(kError, kName, 1).getMsgFile(),
+            QBLMessage(kName, 1).getMsgFile(), QBLMessageFile(kName, 1).getMsgFile(),
+            QBLMessageFile(kName).getMsgFile(), QBLMessageFile(kError, kName, 1).getMsgFile(),
+            QBLMessageString(kError, kName).getSeverity(), QBLMessage("a").getMsgFile());
+    });
     add("QBLMessageParm.clone", kOutOfMemory, [] {
         const std::unique_ptr<QBLMessageParm> parm(QBLMessageParm("cloned text").clone());
         I18NString out;

@@ -79,6 +79,13 @@ std::string shown(const Range& range) {
     return all;
 }
 
+/// The text of several results of calls whose order does not matter.
+template <class... Results>
+std::string together(const Results&... results) {
+    const Calm calm;
+    return ((shown(results) + ";") + ...);
+}
+
 /// One operation, or a few that belong together.
 struct Row {
     std::string name;   // Class.operation

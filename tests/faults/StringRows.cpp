@@ -35,6 +35,8 @@ I18NString (*const kTexts[])() = {[] { return I18NString("plain"); },
                                   [] { return I18NString("\u00E9t\u00E9 \u65E5"); },
                                   [] { return I18NString("al\u00F6", nullptr, -1, &reallocate); }};
 
+char16_t g_units[90] = u"a caller's buffer \u00E9";
+
 const bool kEdits = [] {
     using S = I18NString&;
     static const I18NString kOther("\u00FCber"), kPlain(kLong);
@@ -81,6 +83,11 @@ const bool kEdits = [] {
         {"useNormalization", [](S s) { s.useNormalization(false); }},
         {"create", [](S s) { s.create("other \u00E9", nullptr, -1, &reallocate); }},
         {"fromConverter", [](S s) { kLatin.toUnicode(s, "\xE9\x80 euro", -1); }},
+        {"createFromConverter", [](S s) { s.create("\xE9\x80 euro", kLatin); }},
+        {"createFilled", [](S s) { s.create(70, L'\u00E9'); }},
+        {"attach", [](S s) { s.attach(g_units, sizeof g_units); }},
+        {"iteratorAssign", [](S s) { *s.begin() = L'\u00E9'; }},
+        {"iteratorCopy", [](S s) { *s.begin() = *++s.begin(); }},
         {"getUnicodeString", [](S s) { s.getUnicodeString(); }},
         {"getExternalBuffer", [](S s) { s.getExternalBuffer(); }},
         {"resizeExternalBuffer", [](S s) { s.resizeExternalBuffer(); }},
@@ -102,6 +109,20 @@ std::string bytesOf(const I18NString& text, const char* encoding) {
 }
 
 const bool kRows = [] {
+    add("I18NString.read", kOutOfMemory | kBadAlloc, [] {
+        const I18NString text = calmly(kTexts[2]);
+        const I18NConverter latin("windows-1252");
+        char* block = nullptr;
+        text.toBytes(&block, latin);
+        I18NString::freeBuffer(&block);
+        int from = 0, to = 0;
+        return together(text.find(L"\u00E9"), text.rfind(L"\u00E9"), text.findFirstOf(L"t "),
+                        text.findFirstNotOf(L"\u00E9"), text.findLastOf(L"t "),
+                        text.findLastNotOf(L"\u65E5"), text.compare("\u00E9t\u00E8") > 0,
+                        text.matchLike(text), text.c_str(latin),
+                        text.substringLike(text, 0, 0, from, to), text.toUtf32(), text.toWide(),
+                        I18NTextHash()("\u00E9") != 0, text + L"wide" + L'\u00E9');
+    });
     add("I18NString.c_str", kOutOfMemory, [] {
         const I18NString text = calmly(kTexts[2]);
         const std::string first = bytesOf(text, "Shift_JIS"), second = bytesOf(text, "UTF-16"),

@@ -149,6 +149,13 @@ const bool kFlat = [] {
         settle(tavXThreadKeyCreate(&key, nullptr));
         settle(tavXThreadKeyDestroy(key));
     });
+    add("tavXThreadSelf", kRefuses, [] {
+        start();
+        pthread_once_t once = PTHREAD_ONCE_INIT;
+        tavXThreadTerminate();  // the next call makes the record of the thread again
+        need(tavXThreadInitialize() == TAVTHREAD_OK && QBLThread::currentThreadId() != 0 &&
+             tavXThreadId(nullptr) != 0 && tavXThreadOnce(&once, [] {}) == TAVTHREAD_OK);
+    });
     add("tavXThreadCreate", kRefuses, [] {
         start();
         auto* thread = reinterpret_cast<TavThread*>(&g_flat);
@@ -156,8 +163,11 @@ const bool kFlat = [] {
             tavXThreadCreate([](void*) -> void* { return nullptr; }, nullptr, &thread, 0);
         if ((code == TAVTHREAD_OK) != (thread != nullptr)) throw Broken{"a thread without success"};
         settle(code);
+        const int set = tavXThreadStateCallback(
+            thread, TavThreadStateInitial, [](void*, TavThread*, int) {}, nullptr);
         calmly([=] { return tavXThreadJoin(thread, nullptr); });
         settle(tavXThreadDestroy(thread));
+        settle(set);
     });
     return true;
 }();
@@ -187,6 +197,7 @@ const bool kRows = [] {
         one.wait();
         all.wait();
         semaphore.wait();
+        all.initialize(0);
     });
     add("QBLThreadConditionVariable", kThread, [] {
         QBLThreadCriticalSection lock(0);
@@ -246,6 +257,8 @@ const bool kRows = [] {
     edit("append", [](QBLByteBuffer& b) { b << "text that needs more room"; });
     edit("number", [](QBLByteBuffer& b) { b << 1234567890L; });
     edit("printf", [](QBLByteBuffer& b) { b.printf("%s %d", "formatted", 7); });
+    edit("unsigned", [](QBLByteBuffer& b) { b << 4000000000U; });
+    edit("unsignedLong", [](QBLByteBuffer& b) { b << 4000000000UL; });
     edit("reserve", [](QBLByteBuffer& b) { b.reserve(1000); });
     edit("copy", [](QBLByteBuffer& b) { QBLByteBuffer(b) << "text that needs more room"; });
     edit("assign", [](QBLByteBuffer& b) {
