@@ -181,7 +181,8 @@ const cost::Rows kRows{
                  use(name);
          });
          const std::string nines = repeated("9", n), zeros = repeated("0", n);
-         for (const std::string& digits : {"0." + nines, nines, zeros + "1", zeros + "." + zeros}) {
+         const std::string fraction = "." + zeros;
+         for (const std::string& digits : {"0." + nines, nines, zeros + "1", zeros + fraction}) {
              const std::string interval = digits + " 10:00", time = "10:00:00." + digits;
              double real = 0;
              int number = 0;

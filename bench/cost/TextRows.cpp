@@ -91,14 +91,14 @@ const cost::Rows kRows{
          const std::string escaped = repeated("%E4%B8%", n), plain = repeated("\"'\u00E9 ", n);
          const I18NString wide = stringOf(n, "\u4E2D");
          const I18NString text = stringOf(n, "\U0001F600\u4E2D"), same(text);
-         I18NString ascii, long_, sized("\u4E2D"), word, encoded;
+         I18NString ascii, longer, sized("\u4E2D"), word, encoded;
          std::istringstream in(repeated("a\u0301", n));
          work.of("find", [&] { use(wide.find(L'b') + wide.rfind(L'b')); });
          work.of("findFirstNotOf", [&] { use(wide.findFirstNotOf(L'\u4E2D')); });
          work.of("append", [&] {
              for (std::size_t i = 0; i < n; ++i) {
                  ascii += "a";
-                 (long_ += L'\u4E2D') += "\u00E9";
+                 (longer += L'\u4E2D') += "\u00E9";
              }
          });
          work.of("ill-formed UTF-8", [&] { use(I18NString(bytes)); });

@@ -35,11 +35,11 @@ struct Direct : QBLThreadExecuteRunnable {
 struct QBLSubmitTest : ::testing::Test {
     void SetUp() override { ASSERT_EQ(0, qblCoreInitialize()); }
     void TearDown() override {
-        EXPECT_EQ(1, m_held.use_count()) << "a callable was not destroyed";
+        EXPECT_EQ(1, held.use_count()) << "a callable was not destroyed";
         EXPECT_EQ(0, qblCoreTerminate());
     }
 
-    const std::shared_ptr<int> m_held = std::make_shared<int>(0);
+    const std::shared_ptr<int> held = std::make_shared<int>(0);
 };
 
 }  // namespace
@@ -50,16 +50,16 @@ TEST_F(QBLSubmitTest, ReturnsResultsOfAllKindsFromAllPools) {
     QBLThreadPoolVariable variable(1, 0, 1);
     for (QBLThreadExecuteRunnable* pool :
          std::initializer_list<QBLThreadExecuteRunnable*>{&fixed, &queued, &dropping, &variable}) {
-        auto sum = [one = std::make_unique<int>(1), held = m_held](std::unique_ptr<int> two) {
+        auto sum = [one = std::make_unique<int>(1), held = held](std::unique_ptr<int> two) {
             return std::make_unique<int>(*one + *two);
         };
         auto result = qblSubmitFor(*pool, QBLWaitForever, std::move(sum), std::make_unique<int>(2));
         EXPECT_EQ(3, *result.get());
-        EXPECT_EQ(1, m_held.use_count()) << "the callable is destroyed before the future is ready";
+        EXPECT_EQ(1, held.use_count()) << "the callable is destroyed before the future is ready";
         int target = 0;
         const auto same = [](int& i) -> int& { return i; };
         EXPECT_EQ(&target, &qblSubmitFor(*pool, QBLWaitForever, same, std::ref(target)).get());
-        qblSubmitFor(*pool, std::chrono::hours(1), [&target, held = m_held] { target = 5; }).get();
+        qblSubmitFor(*pool, std::chrono::hours(1), [&target, held = held] { target = 5; }).get();
         EXPECT_EQ(5, target);
         Gate ran;
         EXPECT_TRUE(qblExecute(
@@ -76,7 +76,7 @@ TEST_F(QBLSubmitTest, ReturnsResultsOfAllKindsFromAllPools) {
 TEST_F(QBLSubmitTest, FutureHasTheErrorOfWhateverWentWrong) {
     Direct direct;
     const auto submit = [&direct, this](auto body) {
-        return qblSubmit(direct, [body, held = m_held] { body(); });
+        return qblSubmit(direct, [body, held = held] { body(); });
     };
     auto own = submit([] { QBL_THROW(QBLIllegalStateError(4, "own")); });
     QBL_EXPECT_THROW(own.get(), QBLIllegalStateError, "own", 4);
@@ -85,14 +85,14 @@ TEST_F(QBLSubmitTest, FutureHasTheErrorOfWhateverWentWrong) {
     const auto nothing = [] { ADD_FAILURE() << "a refused task ran"; };
     QBL_EXPECT_THROW(submit(nothing).get(), QBLThreadResourceError,
                      "qblSubmit: the pool did not accept the task");
-    EXPECT_FALSE(qblExecute(direct, [held = m_held] {}));
+    EXPECT_FALSE(qblExecute(direct, [held = held] {}));
     direct.stopped = true;
     QBL_EXPECT_THROW(submit(nothing).get(), QBLIllegalStateError, "stopped");
-    QBL_EXPECT_THROW(qblExecute(direct, [held = m_held] {}), QBLIllegalStateError, "stopped");
+    QBL_EXPECT_THROW(qblExecute(direct, [held = held] {}), QBLIllegalStateError, "stopped");
     std::future<void> ended;
     {
         QBLThreadPoolFixed pool(1);
-        ended = qblSubmit(pool, [held = m_held] { pthread_exit(nullptr); });
+        ended = qblSubmit(pool, [held = held] { pthread_exit(nullptr); });
     }
     QBL_EXPECT_THROW(ended.get(), QBLThreadResourceError, "qblSubmit: the task ended its thread");
 }
@@ -107,8 +107,8 @@ TEST_F(QBLSubmitTest, FuturesOfDroppedTasksBecomeReady) {
     });
     EXPECT_TRUE(begun.wait());
     std::future<void> dropped[3];
-    for (auto& future : dropped) future = qblSubmit(*pool, [held = m_held] {});
-    EXPECT_TRUE(qblExecute(*pool, [held = m_held] {}));
+    for (auto& future : dropped) future = qblSubmit(*pool, [held = held] {});
+    EXPECT_TRUE(qblExecute(*pool, [held = held] {}));
     auto kept = qblSubmit(other, [&release] { return release.wait(); });
     pool->setStopWork(1);
     release.open();

@@ -26,27 +26,27 @@ int write(char* text, double value) { return float64ToAscii(text, value); }
 /// Reuses its streams, because constructing a stream takes longer than all the conversions.
 struct Streams {
     Streams() {
-        m_in.imbue(std::locale::classic());
-        m_out.imbue(std::locale::classic());
+        in.imbue(std::locale::classic());
+        out.imbue(std::locale::classic());
     }
 
     template <class Value>
     bool readsSame(const std::string& text) {
         Value expected = 77, found = 77;
-        m_in.clear();
-        m_in.str(text);
-        const bool good = !(m_in >> expected).fail();
+        in.clear();
+        in.str(text);
+        const bool good = !(in >> expected).fail();
         return read(text.c_str(), found) == (good ? 1 : 0) && expected == found &&
                std::signbit(expected) == std::signbit(found) && writesSame(expected);
     }
 
     template <class Value>
     bool writesSame(Value value) {
-        m_out.str("");
-        m_out << value;
+        out.str("");
+        out << value;
         char text[24];
         const int length = write(text, value);
-        return m_out.str() == text && length == static_cast<int>(std::strlen(text));
+        return out.str() == text && length == static_cast<int>(std::strlen(text));
     }
 
     /// Reads a text as every type and writes the value. Expects the same results as from streams.
@@ -55,8 +55,8 @@ struct Streams {
         EXPECT_TRUE(readsSame<float>(text) && readsSame<double>(text)) << "'" << text << "'";
     }
 
-    std::istringstream m_in;
-    std::ostringstream m_out;
+    std::istringstream in;
+    std::ostringstream out;
 };
 
 void compareEdges() {

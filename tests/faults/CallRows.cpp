@@ -41,7 +41,7 @@ std::string replaced(bool keep, const char* path = nullptr) {
     check(version.write("new", 3));
     check(keep ? version.commitOver(old.getFileDescriptor()) : version.commit());
     if (keep) check(version.keepReplaced("kept"), ENOENT);
-    const std::string now = calmly(state);
+    std::string now = calmly(state);
     if (now.compare(0, 3, "new") != 0) throw Broken{"has " + now};
     return now;
 }

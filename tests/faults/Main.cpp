@@ -275,7 +275,7 @@ void add(const char* suite, const char* name, const std::function<void()>& body)
                           [body]() -> testing::Test* { return new Case(body); });
 }
 
-void addTests() {
+[[maybe_unused]] void addTests() {
     for (const Row& row : rows()) add("Faults", row.name.c_str(), [&row] { failAllocations(row); });
     for (std::size_t call = 0; call < kCallCount; ++call)
         add("Calls", hooks()[call].name, [call] { failCalls(static_cast<Call>(call)); });
