@@ -35,8 +35,8 @@ bool outdated(const TavThread* thread) {
 void dropAdopted() {
     TavThread* thread = attached();
     if (thread == nullptr || !thread->has(kTavThreadAdopted)) return;
-    pthread_setspecific(g_recordKey, nullptr);
-    tavThreadRelease(thread);
+    // If the key keeps the record, so does the thread.
+    if (pthread_setspecific(g_recordKey, nullptr) == 0) tavThreadRelease(thread);
 }
 
 TavThread* adopt() {

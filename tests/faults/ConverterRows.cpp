@@ -76,6 +76,7 @@ const bool kConversions = [] {
 struct Code {
     I18NErrorCodes code = I18N_OK;
     operator I18NErrorCodes*() { return &code; }
+    // NOLINTNEXTLINE(bugprone-exception-escape): C functions throw nothing else
     ~Code() noexcept(false) { need(code == I18N_OK); }
 };
 

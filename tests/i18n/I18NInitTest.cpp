@@ -78,7 +78,7 @@ TEST(I18NInitTest, FailedStartLeavesItStopped) {
                       }
                   });
                   EXPECT_FALSE(isStarted());
-                  return failed > 10;
+                  return failed > 4;  // a failed start may leave data of ICU loaded
               }));
 }
 

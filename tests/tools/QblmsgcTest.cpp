@@ -189,9 +189,10 @@ TEST(QblmsgcTest, HeadersOfTheToolsAreUpToDate) {
     TempTree tree;
     for (const std::string tool : {"qblmsgc", "qblconv"}) {
         const std::string header = tool + "msgs.hpp";
-        const std::string source = " '" QBL_MSGS_DIR "/" + tool + "msgs_en.msg'";
-        const std::string ours = " '" QBL_TOOLS_DIR "/" + tool + "/" + header + "'";
-        expectRun(tree, "--typed -o a -H " + header + source + " && cmp " + header + ours, 0, "");
+        std::string command = "--typed -o a -H " + header;
+        command.append(" '" QBL_MSGS_DIR "/").append(tool).append("msgs_en.msg' && cmp ");
+        command.append(header).append(" '" QBL_TOOLS_DIR "/").append(tool).append("/");
+        expectRun(tree, command.append(header).append("'"), 0, "");
     }
 }
 
