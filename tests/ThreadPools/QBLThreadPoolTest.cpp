@@ -133,7 +133,7 @@ TEST_F(QBLThreadPoolTest, VariableGrowsWithItsTasksAndShrinksToThePermanentWorke
 }
 
 TEST_F(QBLThreadPoolTest, VariableLosesNoTaskWhenItsWorkersRetire) {
-    QBLThreadPoolVariable pool(0, 1000, 1ms);
+    QBLThreadPoolVariable pool(0, 1000, std::chrono::milliseconds(1));
     Counting counting;
     for (int i = 1; i <= 400; ++i) {
         ASSERT_EQ(1, pool.execute(&counting, 0));
@@ -227,7 +227,7 @@ TEST_F(QBLThreadPoolTest, TasksDoNotInheritCancellationSettings) {
         }
     };
     QBLThreadPoolFixed fixed(1);
-    QBLThreadPoolVariable variable(1, 50ms, 1000);
+    QBLThreadPoolVariable variable(1, std::chrono::milliseconds(50), 1000);
     QBLThreadPoolQueued queued(1, 0);
     for (QBLThreadPool* pool : Pools{&fixed, &variable, &queued})
         for (int i = 0; i < 2; ++i) {

@@ -165,7 +165,8 @@ TEST(QBLThreadRWLockTest, IsASharedTimedLockableOfTheStandard) {
     third.unlock();
     const std::scoped_lock writer(lock);
     elsewhere([&] {
-        EXPECT_FALSE(lock.try_lock_shared() || lock.try_lock_shared_for(1ns));
+        EXPECT_FALSE(lock.try_lock_shared() ||
+                     lock.try_lock_shared_for(std::chrono::nanoseconds(1)));
         EXPECT_FALSE(lock.try_lock_shared_until(SteadyClock::now() + 1ms));
     });
 }
@@ -178,7 +179,7 @@ TEST(QBLMillisecondsTest, RoundsUpAndCapsEveryTime) {
     };
     using Double = duration<double>;
     expect(0, {0ns, hours::min(), system_clock::time_point::min(), Double(-HUGE_VAL), Double(NAN)});
-    expect(1, {1ns, 1ms, Double(1e-300)});
+    expect(1, {std::chrono::nanoseconds(1), 1ms, Double(1e-300)});
     expect(2, {1000001ns, duration<unsigned char, std::ratio<1, 3000>>(6)});
     expect(334, {duration<int, std::ratio<1, 3>>(1)});
     expect(172800000, {48h});
@@ -237,7 +238,8 @@ TEST(QBLThreadLocksTest, TryAndTimedOperationsReturnInsteadOfThrowing) {
         QBLThreadRWGuard writer(lock, 1);
         elsewhere([&] {
             EXPECT_FALSE(lock.tryReadLock() || lock.timedReadLock(SteadyClock::now()));
-            EXPECT_FALSE(lock.timedLock(1ns) || lock.boundedReadLock(1ns) || lock.tryLock());
+            EXPECT_FALSE(lock.timedLock(std::chrono::nanoseconds(1)) || lock.boundedReadLock(1ns) ||
+                         lock.tryLock());
         });
     }
     {
