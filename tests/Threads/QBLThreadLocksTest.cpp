@@ -238,8 +238,8 @@ TEST(QBLThreadLocksTest, TryAndTimedOperationsReturnInsteadOfThrowing) {
         QBLThreadRWGuard writer(lock, 1);
         elsewhere([&] {
             EXPECT_FALSE(lock.tryReadLock() || lock.timedReadLock(SteadyClock::now()));
-            EXPECT_FALSE(lock.timedLock(std::chrono::nanoseconds(1)) || lock.boundedReadLock(1ns) ||
-                         lock.tryLock());
+            EXPECT_FALSE(lock.timedLock(std::chrono::nanoseconds(1)) ||
+                         lock.boundedReadLock(std::chrono::nanoseconds(1)) || lock.tryLock());
         });
     }
     {
