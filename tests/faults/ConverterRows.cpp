@@ -221,7 +221,11 @@ const bool kRows = [] {
         return calmly(
             [&] { return word + (resources().getURLEncodeTranslit() != nullptr ? "table" : ""); });
     });
-    description("codes", [](auto& all, auto& out) {
+    // The maps stay loaded: the rows below fail the loading.
+    add("I18NInternalResources.codes", kOutOfMemory | kRefuses, kFallback | kOther, [] {
+        start();
+        I18NInternalResources& all = resources();
+        I18NString out;
         std::string code, other, country, id, language, path;
         unsigned short lcid = 0;
         const bool found =
@@ -231,8 +235,8 @@ const bool kRows = [] {
             all.getLCIDForCurrencyCode("JPY", lcid) && all.isISOCurrencyCodeValid("JPY") &&
             all.getNumbDecimPlacesForCurrency("JPY") == 0 &&
             all.findResourceFile(path, out, "qbli18nrescr_", german().getICULocale());
-        calmly([&] { out += together(code, other, country, id, language, lcid); });
-        return found;
+        need(found);
+        return together(out, code, other, country, id, language, lcid);
     });
     description("getCurrencyDescription", [](auto& all, auto& out) {
         all.getCurrencyDescription("JPY", german(), out);
