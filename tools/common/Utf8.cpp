@@ -1,5 +1,6 @@
 #include "tools/common/Utf8.hpp"
 
+#include <unicode/utf16.h>
 #include <unicode/utf8.h>
 
 namespace tools {
@@ -22,6 +23,16 @@ void appendCodePoint(std::string& out, unsigned codePoint) {
     out.append(bytes, length);
 }
 #pragma GCC diagnostic pop
+
+void appendUtf16(std::string& out, std::u16string_view text) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        char32_t c = text[i];
+        if (U16_IS_LEAD(c) && i + 1 < text.size() && U16_IS_TRAIL(text[i + 1]))
+            c = static_cast<char32_t>(U16_GET_SUPPLEMENTARY(text[i], text[i + 1]));
+        if (c > 0xFFFF) ++i;
+        if (!U16_IS_SURROGATE(c)) appendCodePoint(out, c);
+    }
+}
 
 std::size_t findIllFormed(const std::string& bytes, std::size_t begin, std::size_t end) {
     while (begin < end)

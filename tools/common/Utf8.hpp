@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 namespace tools {
 
@@ -20,6 +21,8 @@ inline std::size_t findIllFormed(const std::string& bytes) {
 
 /// Requires: the code point is not a surrogate.
 void appendCodePoint(std::string& out, unsigned codePoint);
+/// Appends a text in UTF-16; omits lone surrogates.
+void appendUtf16(std::string& out, std::u16string_view text);
 
 }  // namespace tools
 

@@ -16,16 +16,6 @@ const char kCut[] = "...";
 
 bool isLineEnd(char16_t unit) { return unit == u'\n' || unit == u'\r'; }
 
-void appendText(std::string& out, std::u16string_view text) {
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        char32_t c = text[i];
-        if (U16_IS_LEAD(c) && i + 1 < text.size() && U16_IS_TRAIL(text[i + 1]))
-            c = static_cast<char32_t>(U16_GET_SUPPLEMENTARY(text[i], text[i + 1]));
-        if (c > 0xFFFF) ++i;
-        if (!U16_IS_SURROGATE(c)) tools::appendCodePoint(out, c);
-    }
-}
-
 class Comparison {
 public:
     Comparison(const I18NConverter& first, const I18NConverter& second)
@@ -92,10 +82,10 @@ private:
         std::u16string_view before = m_before;
         if (before.size() > kBefore) before.remove_prefix(before.size() - kBefore);
         std::string text = isCutBefore ? kCut : "";
-        appendText(text, before);
+        tools::appendUtf16(text, before);
         const auto lineEnd = std::find_if(rest.begin(), rest.end(), isLineEnd);
         const auto size = static_cast<std::size_t>(lineEnd - rest.begin());
-        appendText(text, std::u16string_view(rest).substr(0, std::min(size, kAfter)));
+        tools::appendUtf16(text, std::u16string_view(rest).substr(0, std::min(size, kAfter)));
         return size > kAfter ? text + kCut : text;
     }
 

@@ -1,7 +1,5 @@
 #include "tools/qblconv/Findings.hpp"
 
-#include <unicode/utf16.h>
-
 #include <algorithm>
 
 #include "tools/common/Utf8.hpp"
@@ -18,18 +16,6 @@ std::string inDigits(char32_t codePoint) {
     for (; codePoint != 0 || text.size() < 4; codePoint >>= 4) text += kDigits[codePoint & 15];
     std::reverse(text.begin(), text.end());
     return text;
-}
-
-/// Requires: the text has no lone surrogates.
-std::string toUtf8(const std::u16string& text) {
-    std::string out;
-    for (std::size_t i = 0; i < text.size();) {
-        char32_t codePoint = text[i++];
-        if (U16_IS_LEAD(codePoint))
-            codePoint = static_cast<char32_t>(U16_GET_SUPPLEMENTARY(codePoint, text[i++]));
-        tools::appendCodePoint(out, codePoint);
-    }
-    return out;
 }
 
 }  // namespace
@@ -76,7 +62,9 @@ bool Findings::transliterate(const I18NUnconvertible& what, std::string& replace
     const bool isAtStart = what.column == 1 && found->compare(0, 1, u" ") == 0;
     const std::u16string text = isAtStart && found->size() > 1 ? found->substr(1) : *found;
     m_pStream->replaceBy(text.data(), text.size());
-    replacement = shown(toUtf8(text));
+    std::string utf8;
+    tools::appendUtf16(utf8, text);
+    replacement = shown(utf8);
     return true;
 }
 
