@@ -1,7 +1,5 @@
 #include "i18n/cpp/locale/i18n_settings.hpp"
 
-#include <unicode/utf16.h>
-
 #include <algorithm>
 #include <atomic>
 #include <tuple>
@@ -97,10 +95,8 @@ bool I18NSettings::substituteJa(std::u16string& text) const {
             result.append(text, begin, i - begin);
             continue;
         }
-        char16_t units[U16_MAX_LENGTH];
-        std::size_t length = 0;
-        U16_APPEND_UNSAFE(units, length, other);
-        result.append(units, length);
+        char16_t units[2];
+        result.append(units, static_cast<std::size_t>(i18nPutCodePoint(units, other)));
         any = true;
     }
     if (any) text.swap(result);
