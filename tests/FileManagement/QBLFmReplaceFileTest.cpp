@@ -8,7 +8,9 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <filesystem>
+#include <random>
 
 #include "QBLCore/FileLock/M_LockFile.hpp"
 #include "QBLCore/FileManagement/QBLFmReplaceStream.hpp"
@@ -185,6 +187,28 @@ TEST(QBLFmReplaceFileTest, RefusesLinksOfOtherUsersInSharedDirectories) {
         });
         EXPECT_EQ(row.followed ? 0 : EACCES, status) << row.link;
     }
+}
+
+TEST(QBLFmReplaceFileTest, FileIsNeverPartialIfItsWriterIsKilled) {
+    TempTree tree;
+    const std::string path = tree.file("f", std::string(50000, 'a'));
+    std::minstd_rand random(1);
+    for (int i = 0; i < 200; ++i) {
+        Child writer([&]() -> int {
+            for (char c = 'b';; c = c == 'z' ? 'a' : static_cast<char>(c + 1))
+                if (!replace(path, std::string(50000, c))) return 1;
+        });
+        usleep(static_cast<useconds_t>(random() % 3000));
+        writer.kill(SIGKILL);
+        EXPECT_EQ(-SIGKILL, writer.wait());
+        const std::string text = tree.text("f");
+        ASSERT_EQ(50000U, text.size());
+        ASSERT_EQ(std::string::npos, text.find_first_not_of(text[0]));
+    }
+    for (const auto& entry : std::filesystem::directory_iterator(tree("")))
+        EXPECT_TRUE(entry.path().filename() == "f" ||
+                    entry.path().filename().string().rfind(".QBLFm", 0) == 0)
+            << entry.path();
 }
 
 TEST(QBLFmReplaceFileTest, IsAStreamThatReplacesOnlyWhenItCommits) {

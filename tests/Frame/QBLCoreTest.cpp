@@ -153,6 +153,12 @@ TEST(QBLCoreTest, ReportsItsVersionAndCompatibility) {
     EXPECT_EQ(0U, minor);
 }
 
+TEST(QBLCoreTest, ReturnsThePreviousHandler) {
+    const QBLNewHandler handler = [] {};
+    const QBLNewHandler before = qblSetNewHandler(handler);
+    EXPECT_EQ(handler, qblSetNewHandler(before));
+}
+
 TEST(QBLCoreTest, BatchModeRaisesTheNicenessByFour) {
     EXPECT_EQ(0, inChild([] {  // a process cannot lower its niceness again
                   errno = EINVAL;
