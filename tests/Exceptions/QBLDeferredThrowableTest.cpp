@@ -1,8 +1,5 @@
 #include "QBLCore/Exceptions/QBLDeferredThrowable.hpp"
 
-#include <gtest/gtest.h>
-
-#include "QBLCore/Exceptions/QBLError.hpp"
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "tests/support/ThrowChecks.hpp"

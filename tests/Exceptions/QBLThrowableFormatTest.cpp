@@ -3,7 +3,6 @@
 #include "QBLCore/Exceptions/QBLDeferredThrowable.hpp"
 #include "QBLCore/Exceptions/QBLException.hpp"
 #include "QBLCore/Messages/QBLMessageString.hpp"
-#include "i18n/cpp/i18n_string.hpp"
 #include "tests/support/Workers.hpp"
 
 namespace {

@@ -1,6 +1,5 @@
 #include "QBLCore/Exceptions/QBLThrowable.hpp"
 
-#include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <unistd.h>
 

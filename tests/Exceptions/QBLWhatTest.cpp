@@ -1,15 +1,12 @@
 #include "QBLCore/Exceptions/QBLWhat.hpp"
 
-#include <gtest/gtest.h>
 #include <pthread.h>
 
 #include <stdexcept>
 
-#include "QBLCore/Exceptions/QBLAllocation.hpp"
 #include "QBLCore/Exceptions/QBLErrorCode.hpp"
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/Exceptions/QBLStdBridge.hpp"
-#include "QBLCore/Exceptions/QBLStdExceptionError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/FileManagement/QBLFmFile.hpp"
 #include "tests/support/ThrowChecks.hpp"

@@ -1,11 +1,8 @@
 #include "QBLCore/FileLock/QBLFileLockRW.hpp"
 
-#include <gtest/gtest.h>
 #include <pthread.h>
 #include <signal.h>
-#include <unistd.h>
 
-#include <chrono>
 #include <mutex>
 #include <shared_mutex>
 

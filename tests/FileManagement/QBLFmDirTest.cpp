@@ -1,15 +1,12 @@
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/auxv.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <unistd.h>
 #include <clocale>
 
-#include <cerrno>
 #include <functional>
 #include <mutex>
 #include <set>
@@ -17,7 +14,6 @@
 #include "QBLCore/Base/QBLFileStatus.hpp"
 #include "QBLCore/FileManagement/QBLFmFile64.hpp"
 #include "QBLCore/FileManagement/skipRootPath.hpp"
-#include "i18n/cpp/i18n_string.hpp"
 #include "tests/support/Child.hpp"
 #include "tests/support/TempTree.hpp"
 #include "tests/support/ThrowChecks.hpp"

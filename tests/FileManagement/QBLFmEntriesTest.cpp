@@ -1,12 +1,10 @@
 #include "QBLCore/FileManagement/QBLFmEntries.hpp"
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <set>
-#include <vector>
 
 #include "QBLCore/Exceptions/QBLSystemError.hpp"
 #include "QBLCore/FileManagement/QBLFmDirectory.hpp"

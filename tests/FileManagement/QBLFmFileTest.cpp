@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <sys/mount.h>
-#include <unistd.h>
-
-#include <cerrno>
 
 #include "QBLCore/FileManagement/QBLFmFile64.hpp"
 #include "tests/support/Child.hpp"

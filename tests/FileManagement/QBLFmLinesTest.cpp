@@ -1,7 +1,5 @@
 #include "QBLCore/FileManagement/QBLFmLines.hpp"
 
-#include <gtest/gtest.h>
-
 #include <cerrno>
 #include <stdexcept>
 #include <vector>

@@ -5,11 +5,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
-#include <unistd.h>
 
-#include <cerrno>
-#include <csignal>
-#include <filesystem>
 #include <random>
 
 #include "QBLCore/FileLock/M_LockFile.hpp"

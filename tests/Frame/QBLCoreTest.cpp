@@ -1,14 +1,11 @@
 #include "QBLCore/Frame/QBLCore.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <random>
 
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
-#include "QBLCore/Exceptions/QBLThrowable.hpp"
 #include "QBLCore/ThreadPools/QBLSubmit.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolFixed.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
@@ -16,7 +13,6 @@
 #include "QBLCore/Threads/QBLThread.hpp"
 #include "QBLCore/Threads/QBLThreadSemaphore.hpp"
 #include "i18n/cpp/i18n_pooledstring.hpp"
-#include "i18n/cpp/i18n_string.hpp"
 #include "tests/faults/Injector.hpp"
 #include "tests/support/Child.hpp"
 #include "tests/support/Workers.hpp"

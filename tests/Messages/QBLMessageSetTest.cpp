@@ -1,14 +1,10 @@
 #include "QBLCore/Messages/QBLMessageSet.hpp"
 
-#include <gtest/gtest.h>
-
 #include <memory>
 
 #include "QBLCore/Exceptions/QBLException.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
-#include "QBLCore/Messages/QBLMessageComponents.hpp"
 #include "QBLCore/Messages/QBLMessageString.hpp"
-#include "i18n/cpp/i18n_string.hpp"
 #include "tests/support/ThrowChecks.hpp"
 
 namespace {

@@ -4,8 +4,6 @@
 
 #include <climits>
 #include <iterator>
-#include <map>
-#include <string>
 #include <type_traits>
 #include <vector>
 

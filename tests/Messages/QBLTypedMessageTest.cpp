@@ -1,12 +1,8 @@
 #include "QBLCore/Messages/QBLTypedMessage.hpp"
 
-#include <gtest/gtest.h>
-
 #include <chrono>
-#include <string>
 #include <type_traits>
 
-#include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/Messages/QBLMessageSet.hpp"
 #include "tests/support/BmfFile.hpp"
 #include "tests/support/TempTree.hpp"

@@ -1,9 +1,5 @@
 #include "QBLCore/ObjectFactory/QBLObjectFactory.hpp"
 
-#include <gtest/gtest.h>
-
-#include <atomic>
-
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/ObjectFactory/QBLObjectFactoryItem.hpp"
 #include "tests/support/ThrowChecks.hpp"

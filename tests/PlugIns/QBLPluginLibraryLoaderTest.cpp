@@ -1,7 +1,6 @@
 #include "QBLCore/PlugIns/QBLPluginLibraryLoader.hpp"
 
 #include <dlfcn.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <stdexcept>

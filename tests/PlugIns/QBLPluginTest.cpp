@@ -1,7 +1,6 @@
 #include "QBLCore/PlugIns/QBLPlugin.hpp"
 
 #include <dlfcn.h>
-#include <gtest/gtest.h>
 
 #include <functional>
 

@@ -1,9 +1,7 @@
 #include "QBLCore/QBLCustodian/QBLCustodian.hpp"
 
-#include <gtest/gtest.h>
 #include <pthread.h>
 
-#include <chrono>
 #include <deque>
 #include <functional>
 #include <mutex>

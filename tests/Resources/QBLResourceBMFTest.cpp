@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "QBLCore/Exceptions/QBLThrowable.hpp"
 #include "tests/support/BmfFile.hpp"
 #include "tests/support/TempTree.hpp"
 

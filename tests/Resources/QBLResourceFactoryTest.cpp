@@ -1,11 +1,6 @@
 #include "QBLCore/Resources/QBLResourceFactory.hpp"
 
-#include <gtest/gtest.h>
 #include <unistd.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 
 #include "QBLCore/FileManagement/QBLFmDir.hpp"
 #include "QBLCore/Messages/QBLMessage.hpp"

@@ -2,7 +2,6 @@
 
 #include "TavThread/TavCondition.h"
 #include "TavThread/TavEvent.h"
-#include "TavThread/TavMutex.h"
 #include "TavThread/shared/TavMutexRecord.hpp"
 #include "tests/TavThread/TavSupport.hpp"
 #include "tests/faults/Injector.hpp"

@@ -1,7 +1,5 @@
 #include "TavThread/TavRWLock.h"
 
-#include <thread>
-
 #include "TavThread/shared/TavRWLockRecord.hpp"
 #include "tests/TavThread/TavSupport.hpp"
 

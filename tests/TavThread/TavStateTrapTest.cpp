@@ -3,7 +3,6 @@
 #include <malloc.h>
 #include <sched.h>
 
-#include <atomic>
 #include <string>
 
 #include "tests/TavThread/TavSupport.hpp"

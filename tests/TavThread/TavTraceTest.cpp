@@ -5,7 +5,6 @@
 #include <cstring>
 #include <mutex>
 #include <string>
-#include <vector>
 
 #include "TavThread/TavCondition.h"
 #include "TavThread/TavEvent.h"

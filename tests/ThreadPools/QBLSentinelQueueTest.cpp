@@ -4,8 +4,6 @@
 
 #include <pthread.h>
 
-#include <atomic>
-#include <chrono>
 #include <stdexcept>
 
 #include "tests/support/Workers.hpp"

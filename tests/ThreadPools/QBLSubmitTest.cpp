@@ -1,10 +1,7 @@
 #include "QBLCore/ThreadPools/QBLSubmit.hpp"
 
-#include <gtest/gtest.h>
 #include <pthread.h>
 
-#include <atomic>
-#include <chrono>
 #include <functional>
 #include <memory>
 

@@ -1,14 +1,11 @@
 #include "QBLCore/ThreadPools/QBLTaskGroup.hpp"
 
-#include <gtest/gtest.h>
 #include <pthread.h>
 
-#include <atomic>
 #include <cerrno>
 #include <functional>
 #include <memory>
 #include <stdexcept>
-#include <thread>
 
 #include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
@@ -16,7 +13,6 @@
 #include "QBLCore/ThreadPools/QBLStoppableGroup.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolFixed.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
-#include "QBLCore/ThreadPools/QBLThreadPoolVariable.hpp"
 #include "tests/faults/Injector.hpp"
 #include "tests/support/ThrowChecks.hpp"
 #include "tests/support/Workers.hpp"

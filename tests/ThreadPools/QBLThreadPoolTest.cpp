@@ -1,12 +1,8 @@
-#include <gtest/gtest.h>
 #include <pthread.h>
 #include <unistd.h>
 
-#include <atomic>
-#include <chrono>
 #include <cstring>
 #include <fstream>
-#include <initializer_list>
 #include <memory>
 #include <stdexcept>
 

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-
 #include "tests/support/Workers.hpp"
 
 namespace {

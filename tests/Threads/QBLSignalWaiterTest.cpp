@@ -1,11 +1,9 @@
 #include "QBLCore/Threads/QBLSignalWaiter.hpp"
 
-#include <gtest/gtest.h>
 #include <pthread.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <chrono>
 
 #include "tests/faults/Injector.hpp"
 #include "tests/support/ThrowChecks.hpp"

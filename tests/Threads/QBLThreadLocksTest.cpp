@@ -1,15 +1,9 @@
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <chrono>
 #include <climits>
 #include <cmath>
 #include <condition_variable>
 #include <mutex>
 #include <shared_mutex>
-#include <thread>
 
-#include "QBLCore/Frame/QBLList.hpp"
 #include "QBLCore/Frame/QBLThreadMonitor.hpp"
 #include "QBLCore/Threads/QBLThread.hpp"
 #include "QBLCore/Threads/QBLThreadAutoResetEvent.hpp"

@@ -1,9 +1,7 @@
 #include "QBLCore/Threads/QBLThread.hpp"
 
-#include <gtest/gtest.h>
 #include <pthread.h>
 
-#include <atomic>
 #include <functional>
 #include <stdexcept>
 

@@ -4,9 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
-#include <cstdlib>
 #include <locale>
-#include <string>
 
 #include "tests/support/Child.hpp"
 #include "tests/support/TempTree.hpp"

@@ -1,15 +1,11 @@
 #include "QBLCore/Types/QBLByteBuffer.hpp"
 
-#include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <unistd.h>
 
 #include <climits>
 #include <fstream>
 #include <functional>
 #include <new>
-#include <string>
-#include <vector>
 
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "QBLCore/Types/QBLByteBufferView.hpp"

@@ -1,11 +1,7 @@
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <cstring>
 #include <limits>
 #include <random>
-#include <sstream>
-#include <string>
 
 #include "QBLCore/Types/c/QBLDataTypesConversion_c.h"
 #include "tests/Types/CommaLocale.hpp"

@@ -1,7 +1,5 @@
 #include "QBLCore/Types/QBLTypeCast.hpp"
 
-#include <gtest/gtest.h>
-
 #include <climits>
 #include <cmath>
 #include <cstdio>
@@ -9,8 +7,6 @@
 #include <functional>
 #include <limits>
 #include <random>
-#include <sstream>
-#include <string>
 
 #include "i18n/cpp/i18n_string.hpp"
 #include "tests/Types/CommaLocale.hpp"

@@ -1,10 +1,7 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
-#include <memory>
 #include <random>
-#include <string>
-#include <vector>
 
 #include "fuzz/support/Tokens.hpp"
 #include "tests/faults/Injector.hpp"

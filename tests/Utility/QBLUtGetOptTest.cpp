@@ -1,7 +1,5 @@
 #include "QBLCore/Utility/QBLUtGetOpt.hpp"
 
-#include <gtest/gtest.h>
-
 #include "tests/support/ThrowChecks.hpp"
 
 // fuzz/QBLUtGetOptFuzz.cpp compares the results for any words with a model.

@@ -14,7 +14,6 @@
 #include "QBLCore/Types/QBLByteBuffer.hpp"
 #include "QBLCore/Types/QBLVariant.hpp"
 #include "TavThread/TavMutex.h"
-#include "i18n/cpp/i18n_string.hpp"
 
 extern "C" [[gnu::noinline]] void lookHere() { asm volatile(""); }
 

@@ -1,8 +1,6 @@
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <filesystem>
 #include <vector>
 
 #include "tests/tools/RunTool.hpp"

@@ -1,7 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <filesystem>
-
 #include "tests/support/BmfFile.hpp"
 #include "tests/tools/RunTool.hpp"
 #include "tools/common/LocaleText.hpp"

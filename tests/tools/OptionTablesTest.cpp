@@ -1,8 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <fstream>
 #include <set>
-#include <sstream>
 
 #include "tests/tools/RunTool.hpp"
 #include "tools/qblconv/Options.hpp"

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "tests/tools/RunTool.hpp"
 
 namespace {

@@ -1,13 +1,7 @@
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <chrono>
-#include <csignal>
-#include <cstdlib>
 #include <random>
-#include <thread>
 
 #include "QBLCore/FileLock/M_LockFile.hpp"
 #include "tests/support/Child.hpp"

@@ -1,6 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <filesystem>
 #include <vector>
 
 #include "tests/tools/RunTool.hpp"

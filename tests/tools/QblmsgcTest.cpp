@@ -1,12 +1,7 @@
-#include <gtest/gtest.h>
-
-#include <filesystem>
-
 #include "QBLCore/Messages/QBLErrnoMessage.hpp"
 #include "QBLCore/Messages/QBLMessage.hpp"
 #include "QBLCore/Messages/QBLMessageString.hpp"
 #include "QBLCore/PlugIns/QBLPluginException.hpp"
-#include "i18n/cpp/i18n_string.hpp"
 #include "tests/support/BmfFile.hpp"
 #include "tests/support/Workers.hpp"
 #include "tests/tools/RunTool.hpp"

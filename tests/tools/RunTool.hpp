@@ -5,7 +5,6 @@
 #include <sys/wait.h>
 
 #include <cstdio>
-#include <string>
 
 #include "tests/support/TempTree.hpp"
 
