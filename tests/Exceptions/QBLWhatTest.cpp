@@ -1,7 +1,5 @@
 #include "QBLCore/Exceptions/QBLWhat.hpp"
 
-#include <pthread.h>
-
 #include <stdexcept>
 
 #include "QBLCore/Exceptions/QBLErrorCode.hpp"
@@ -9,6 +7,7 @@
 #include "QBLCore/Exceptions/QBLStdBridge.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/FileManagement/QBLFmFile.hpp"
+#include "tests/support/Cancellable.hpp"
 #include "tests/support/ThrowChecks.hpp"
 
 namespace {
@@ -78,17 +77,15 @@ TEST(QBLStdBridgeTest, CarriesAThrowableThroughStdExceptions) {
             "\nQBLIllegalStateError: QBL_THROW: \n",
             traceOf(e));
     }
-    const auto end = [](void*) -> void* {
+    Cancellable ending([] {
         try {
             pthread_exit(nullptr);
         } catch (...) {
             EXPECT_EQ("", qblWhat());
             qblToStd();
         }
-    };
-    pthread_t thread{};
-    ASSERT_EQ(0, pthread_create(&thread, nullptr, end, nullptr));
-    EXPECT_EQ(0, pthread_join(thread, nullptr));
+    });
+    EXPECT_FALSE(ending.join());
 }
 
 TEST(QBLStdBridgeTest, KeepsAThrowableThatIsAStdException) {

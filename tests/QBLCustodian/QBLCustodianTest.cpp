@@ -1,7 +1,5 @@
 #include "QBLCore/QBLCustodian/QBLCustodian.hpp"
 
-#include <pthread.h>
-
 #include <deque>
 #include <functional>
 #include <mutex>
@@ -15,6 +13,7 @@
 #include "QBLCore/Frame/QBLCore.h"
 #include "QBLCore/Threads/QBLThreadProcess.h"
 #include "tests/faults/Injector.hpp"
+#include "tests/support/Cancellable.hpp"
 #include "tests/support/Child.hpp"
 #include "tests/support/TempTree.hpp"
 #include "tests/support/ThrowChecks.hpp"
@@ -40,11 +39,7 @@ struct QBLCustodianTest : ::testing::Test {
         QBLCustodian::setSchedule(1);
         ASSERT_EQ(0, qblCoreInitialize());
     }
-    void TearDown() override {
-        if (!stopped) {
-            EXPECT_EQ(0, qblCoreTerminate());
-        }
-    }
+    void TearDown() override { EXPECT_EQ(stopped ? -2 : 0, qblCoreTerminate()); }
     void stop() {
         stopped = true;
         EXPECT_EQ(0, qblCoreTerminate());
@@ -141,15 +136,11 @@ TEST_F(QBLCustodianTest, StopCompletesEvenIfItsThreadIsCancelled) {
     EXPECT_TRUE(QBLCustodian::registerTask(&task));
     stopped = true;
     int result = -1;
-    pthread_t handle{};
-    const auto end = [](void* to) -> void* {
-        return *static_cast<int*>(to) = qblCoreTerminate(), nullptr;
-    };
-    ASSERT_EQ(0, pthread_create(&handle, nullptr, end, &result));
+    Cancellable thread([&result] { result = qblCoreTerminate(); });
     EXPECT_TRUE(last.wait());
-    pthread_cancel(handle);
+    thread.cancel();
     cancelled.open();
-    pthread_join(handle, nullptr);
+    thread.join();
     EXPECT_EQ(0, result);
 }
 

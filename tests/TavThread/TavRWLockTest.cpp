@@ -2,6 +2,7 @@
 
 #include "TavThread/shared/TavRWLockRecord.hpp"
 #include "tests/TavThread/TavSupport.hpp"
+#include "tests/support/Cancellable.hpp"
 
 namespace {
 
@@ -72,11 +73,10 @@ TEST_F(TavRWLockTest, WakeUpsDoNotProlongBoundedLocks) {
 
 TEST_F(TavRWLockTest, WaitingWriterHoldsBackNewReaders) {
     tavXRWLockReadLock(rw);
-    std::atomic<int> order{0};
-    int writerCame = 0, readerCame = 0;
+    std::string order;  // guarded by the lock
     Workers writer(1, [&] {
         EXPECT_EQ(TAVTHREAD_OK, tavXRWLockWriteLock(rw));
-        writerCame = ++order;
+        order += 'w';
         tavXRWLockUnlock(rw);
     });
     ASSERT_TRUE(eventually([&] { return somebodyWaits(); }));
@@ -84,14 +84,13 @@ TEST_F(TavRWLockTest, WaitingWriterHoldsBackNewReaders) {
     EXPECT_EQ(TAVTHREAD_TIMEOUT, tavXRWLockTimedReadLock(rw, 1));
     Workers reader(1, [&] {
         EXPECT_EQ(TAVTHREAD_OK, tavXRWLockTimedReadLock(rw, TAVTHREAD_INFINITE));
-        readerCame = ++order;
+        order += 'r';
         tavXRWLockUnlock(rw);
     });
     tavXRWLockUnlock(rw);
     writer.join();
     reader.join();
-    EXPECT_EQ(1, writerCame);
-    EXPECT_EQ(2, readerCame);
+    EXPECT_EQ("wr", order);
 }
 
 TEST_F(TavRWLockTest, ReadersContinueAfterTheWriterTimesOut) {
@@ -115,20 +114,15 @@ TEST_F(TavRWLockTest, ReadersContinueAfterTheWriterIsCancelled) {
     GTEST_SKIP() << "the sanitizer reports a false overflow while the stack unwinds";
 #endif
     tavXRWLockReadLock(rw);
-    pthread_t writer{};
-    const auto wait = [](void* lock) -> void* {
-        tavXRWLockWriteLock(static_cast<TavRWLock*>(lock));
+    Cancellable writer([this] {
+        tavXRWLockWriteLock(rw);
         ADD_FAILURE() << "the reader still holds the lock";
-        return nullptr;
-    };
-    ASSERT_EQ(0, pthread_create(&writer, nullptr, wait, rw));
+    });
     EXPECT_TRUE(eventually([&] { return somebodyWaits(); }));
     Workers waiting = reader();
     EXPECT_TRUE(eventually([&] { return readerWaits(); }));
-    pthread_cancel(writer);
-    void* result = nullptr;
-    pthread_join(writer, &result);
-    EXPECT_EQ(PTHREAD_CANCELED, result);
+    writer.cancel();
+    EXPECT_TRUE(writer.join());
     waiting.join();
     tavXRWLockUnlock(rw);
     EXPECT_EQ(TAVTHREAD_OK, tavXRWLockTryWriteLock(rw))

@@ -1,11 +1,8 @@
 #include "QBLCore/ThreadPools/QBLSentinelQueue.hpp"
 
-#include <gtest/gtest.h>
-
-#include <pthread.h>
-
 #include <stdexcept>
 
+#include "tests/support/Cancellable.hpp"
 #include "tests/support/Workers.hpp"
 
 using namespace std::chrono_literals;
@@ -91,18 +88,10 @@ TEST(QBLSentinelQueueTest, WaitsThatTimeOutLoseNeitherItemsNorNulls) {
 TEST(QBLSentinelQueueTest, CancelledWaitTakesNoItem) {
     if (kSanitizer) GTEST_SKIP() << "the sanitizer keeps the stack of a cancelled thread poisoned";
     QBLSentinelQueue<int> queue;
-    pthread_t thread{};
-    const auto body = [](void* q) -> void* {
-        int got = 0;
-        static_cast<void>(static_cast<QBLSentinelQueue<int>*>(q)->get(got, QBLWaitForever));
-        return nullptr;
-    };
-    ASSERT_EQ(0, pthread_create(&thread, nullptr, body, &queue));
-    pthread_cancel(thread);
-    void* result = nullptr;
-    pthread_join(thread, &result);
-    EXPECT_EQ(PTHREAD_CANCELED, result);
     int item = 5, got = 0;
+    Cancellable thread([&] { static_cast<void>(queue.get(got, QBLWaitForever)); });
+    thread.cancel();
+    EXPECT_TRUE(thread.join());
     ASSERT_TRUE(queue.put(item, 0));
     ASSERT_TRUE(queue.get(got, 0));
     EXPECT_EQ(5, got);

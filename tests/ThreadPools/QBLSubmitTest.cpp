@@ -5,8 +5,6 @@
 #include <functional>
 #include <memory>
 
-#include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
-#include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/Frame/QBLCore.h"
 #include "QBLCore/ThreadPools/QBLExecute.hpp"
 #include "QBLCore/ThreadPools/QBLStoppableGroup.hpp"
@@ -14,20 +12,11 @@
 #include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolVariable.hpp"
 #include "QBLCore/Threads/QBLCallableThread.hpp"
+#include "tests/support/Tasks.hpp"
 #include "tests/support/ThrowChecks.hpp"
 #include "tests/support/Workers.hpp"
 
 namespace {
-
-/// Runs tasks at once, refuses them, or throws.
-struct Direct : QBLThreadExecuteRunnable {
-    int execute(QBLThreadRunnable* task, unsigned long) override {
-        if (stopped) QBL_THROW(QBLIllegalStateError(0, "stopped"));
-        if (!refusing) task->run();
-        return refusing ? 0 : 1;
-    }
-    bool refusing = false, stopped = false;
-};
 
 struct QBLSubmitTest : ::testing::Test {
     void SetUp() override { ASSERT_EQ(0, qblCoreInitialize()); }
@@ -71,7 +60,7 @@ TEST_F(QBLSubmitTest, ReturnsResultsOfAllKindsFromAllPools) {
 }
 
 TEST_F(QBLSubmitTest, FutureHasTheErrorOfWhateverWentWrong) {
-    Direct direct;
+    DirectPool direct;
     const auto submit = [&direct, this](auto body) {
         return qblSubmit(direct, [body, held = held] { body(); });
     };

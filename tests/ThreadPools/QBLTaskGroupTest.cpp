@@ -1,34 +1,23 @@
 #include "QBLCore/ThreadPools/QBLTaskGroup.hpp"
 
-#include <pthread.h>
-
 #include <cerrno>
 #include <functional>
 #include <memory>
 #include <stdexcept>
 
-#include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
-#include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/Frame/QBLCore.h"
 #include "QBLCore/ThreadPools/QBLStoppableGroup.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolFixed.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolQueued.hpp"
 #include "tests/faults/Injector.hpp"
+#include "tests/support/Cancellable.hpp"
+#include "tests/support/Tasks.hpp"
 #include "tests/support/ThrowChecks.hpp"
 #include "tests/support/Workers.hpp"
 
 namespace {
 
 const char kOwnPiece[] = "QBLTaskGroup::wait: called by a piece of the group";
-
-/// A pool that refuses every task, or throws if it is stopped.
-struct Refusing : QBLThreadExecuteRunnable {
-    int execute(QBLThreadRunnable*, unsigned long) override {
-        if (stopped) QBL_THROW(QBLIllegalStateError(0, "stopped"));
-        return 0;
-    }
-    bool stopped = false;
-};
 
 struct QBLTaskGroupTest : ::testing::Test {
     void SetUp() override { ASSERT_EQ(0, qblCoreInitialize()); }
@@ -40,11 +29,7 @@ struct QBLTaskGroupTest : ::testing::Test {
 TEST_F(QBLTaskGroupTest, WaitsForAllPieces) {
     QBLThreadPoolQueued pool(2, 1);
     std::atomic<int> runs{0};
-    struct Runnable : QBLThreadRunnable {
-        std::atomic<int>* count;
-        void run() override { ++*count; }
-    } runnable;
-    runnable.count = &runs;
+    Job runnable([&runs] { ++runs; });
     const auto held = std::make_shared<int>(0);
     for (int round = 1; round <= 200; ++round) {
         QBLTaskGroup group(pool);
@@ -65,7 +50,7 @@ TEST_F(QBLTaskGroupTest, WaitsForAllPieces) {
 }
 
 TEST_F(QBLTaskGroupTest, ThrowsTheFirstErrorWithBothLocations) {
-    Refusing pool;
+    DirectPool pool(true);
     QBLTaskGroup group(pool);
     group.run([] { QBL_THROW(QBLIllegalStateError(5, "first")); });
     group.run([] { throw std::runtime_error("second"); });
@@ -89,7 +74,7 @@ TEST_F(QBLTaskGroupTest, ThrowsTheFirstErrorWithBothLocations) {
 }
 
 TEST_F(QBLTaskGroupTest, RunsRefusedPiecesItself) {
-    Refusing pool;
+    DirectPool pool(true);
     QBLTaskGroup group(pool);
     std::thread::id where;
     group.run([&where] { where = std::this_thread::get_id(); });
@@ -103,7 +88,7 @@ TEST_F(QBLTaskGroupTest, RunsRefusedPiecesItself) {
 
 TEST_F(QBLTaskGroupTest, NestedPiecesNeedNoStack) {
     QBLThreadPoolFixed busy(1);
-    Refusing none;
+    DirectPool none(true);
     for (QBLThreadExecuteRunnable* pool :
          std::initializer_list<QBLThreadExecuteRunnable*>{&busy, &none}) {
         QBLTaskGroup group(*pool);
@@ -119,33 +104,27 @@ TEST_F(QBLTaskGroupTest, NestedPiecesNeedNoStack) {
 }
 
 TEST_F(QBLTaskGroupTest, DestructorCompletesEvenIfThreadsEnd) {
-    struct Round {
-        QBLThreadPoolFixed pool{1};
-        Gate begun, release;
-        std::atomic<int> ran{0};
-
-        void play() {
-            QBLStoppableGroup group(pool);
-            group.run([this, &group] {
-                release.wait();
-                // The pool refuses this piece; the group's destructor runs it.
-                group.run([this, &group] {
-                    ran += group.request_stop() ? 1 : 5;
-                    pthread_exit(nullptr);
-                });
-                if (eventually([this] { return ran == 1; })) ++ran;
+    QBLThreadPoolFixed pool(1);
+    Gate begun, release;
+    std::atomic<int> ran{0};
+    Cancellable thread([&] {
+        QBLStoppableGroup group(pool);
+        group.run([&] {
+            release.wait();
+            // The pool refuses this piece; the group's destructor runs it.
+            group.run([&] {
+                ran += group.request_stop() ? 1 : 5;
+                pthread_exit(nullptr);
             });
-            fault::failCall(fault::kThreadCreate, 0, EAGAIN);
-            fault::failCall(fault::kThreadBegin, 0, ENOMEM);
-            begun.open();
-        }
-    } round;
-    pthread_t handle{};
-    const auto play = [](void* of) -> void* { return static_cast<Round*>(of)->play(), nullptr; };
-    ASSERT_EQ(0, pthread_create(&handle, nullptr, play, &round));
-    EXPECT_TRUE(round.begun.wait());
-    pthread_cancel(handle);
-    round.release.open();
-    pthread_join(handle, nullptr);
-    EXPECT_EQ(2, round.ran);
+            if (eventually([&] { return ran == 1; })) ++ran;
+        });
+        fault::failCall(fault::kThreadCreate, 0, EAGAIN);
+        fault::failCall(fault::kThreadBegin, 0, ENOMEM);
+        begun.open();
+    });
+    EXPECT_TRUE(begun.wait());
+    thread.cancel();
+    release.open();
+    thread.join();
+    EXPECT_EQ(2, ran);
 }

@@ -6,7 +6,6 @@
 #include <memory>
 #include <stdexcept>
 
-#include "QBLCore/Exceptions/QBLIllegalStateError.hpp"
 #include "QBLCore/Frame/QBLCore.h"
 #include "QBLCore/ThreadPools/QBLSubmit.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolFixed.hpp"
@@ -14,6 +13,7 @@
 #include "QBLCore/ThreadPools/QBLThreadPoolVariable.hpp"
 #include "QBLCore/Threads/QBLThread.hpp"
 #include "tests/faults/Injector.hpp"
+#include "tests/support/Tasks.hpp"
 #include "tests/support/ThrowChecks.hpp"
 #include "tests/support/Workers.hpp"
 
@@ -40,10 +40,6 @@ struct Blocking : QBLThreadRunnable {
 
 private:
     Gate& m_gate;
-};
-
-struct Throwing : QBLThreadRunnable {
-    void run() override { throw std::runtime_error("dropped"); }
 };
 
 /// Ends the thread that runs it: at once by pthread_exit(), or by a cancellation that takes effect
@@ -76,7 +72,7 @@ struct QBLThreadPoolTest : ::testing::Test {
 }  // namespace
 
 TEST_F(QBLThreadPoolTest, DestructorRunsEveryAcceptedTask) {
-    Throwing throwing;
+    Job throwing([] { throw std::runtime_error("dropped"); });
     for (int kind = 0; kind < 3; ++kind) {
         Counting counting;
         int accepted = 0;
@@ -141,11 +137,7 @@ TEST_F(QBLThreadPoolTest, VariableLosesNoTaskWhenItsWorkersRetire) {
 TEST_F(QBLThreadPoolTest, VariableReapsAWorkerWhoseExitRoutineSubmits) {
     static QBLThreadPoolVariable* s_pool;
     static Counting s_counting;
-    struct Chain : QBLThreadRunnable {
-        void run() override {
-            QBLThread::atExit([] { s_pool->execute(&s_counting, 0); }, 1);
-        }
-    } chain;
+    Job chain([] { QBLThread::atExit([] { s_pool->execute(&s_counting, 0); }, 1); });
     QBLThreadPoolVariable own(0, 1000, 1);
     s_pool = &own;
     EXPECT_EQ(1, own.execute(&chain, 0));
@@ -189,17 +181,15 @@ TEST_F(QBLThreadPoolTest, ExitRoutineMayWaitForThePool) {
     static QBLThreadPool* s_pool;
     static Ending s_ending;
     static Counting s_counting;
-    struct Leaving : QBLThreadRunnable {
-        void run() override {
-            const auto routine = [] {
-                EXPECT_TRUE(eventually([] { return s_ending.runs == 1; }));
-                EXPECT_EQ(1, s_pool->execute(&s_counting, kTestLimitMs));
-                EXPECT_TRUE(eventually([] { return s_counting.runs == 1; }));
-            };
-            QBLThread::atExit(routine, 1);
-            pthread_exit(nullptr);
-        }
-    } leaving;
+    Job leaving([] {
+        const auto routine = [] {
+            EXPECT_TRUE(eventually([] { return s_ending.runs == 1; }));
+            EXPECT_EQ(1, s_pool->execute(&s_counting, kTestLimitMs));
+            EXPECT_TRUE(eventually([] { return s_counting.runs == 1; }));
+        };
+        QBLThread::atExit(routine, 1);
+        pthread_exit(nullptr);
+    });
     QBLThreadPoolFixed fixed(1);
     QBLThreadPoolQueued queued(1, 0);
     for (QBLThreadPool* pool : Pools{&fixed, &queued}) {
@@ -212,43 +202,35 @@ TEST_F(QBLThreadPoolTest, ExitRoutineMayWaitForThePool) {
 }
 
 TEST_F(QBLThreadPoolTest, TasksDoNotInheritCancellationSettings) {
-    struct Setting : QBLThreadRunnable {
-        int state = -1, type = -1;
-        Gate done;
-        void run() override {
-            // NOLINTNEXTLINE(concurrency-thread-canceltype-asynchronous): a task may do this
-            pthread_setcanceltype(PTHREAD_CANCEL_ASYNCHRONOUS, &type);
-            pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &state);
-            done.open();
-        }
-    };
     QBLThreadPoolFixed fixed(1);
     QBLThreadPoolVariable variable(1, std::chrono::milliseconds(50), 1000);
     QBLThreadPoolQueued queued(1, 0);
     for (QBLThreadPool* pool : Pools{&fixed, &variable, &queued})
         for (int i = 0; i < 2; ++i) {
-            Setting task;
-            ASSERT_EQ(1, pool->execute(&task, kTestLimitMs));
-            ASSERT_TRUE(task.done.wait());
-            EXPECT_EQ(PTHREAD_CANCEL_ENABLE, task.state);
-            EXPECT_EQ(PTHREAD_CANCEL_DEFERRED, task.type);
+            int state = -1, type = -1;
+            Gate done;
+            Job setting([&] {
+                // NOLINTNEXTLINE(concurrency-thread-canceltype-asynchronous): a task may do this
+                pthread_setcanceltype(PTHREAD_CANCEL_ASYNCHRONOUS, &type);
+                pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &state);
+                done.open();
+            });
+            ASSERT_EQ(1, pool->execute(&setting, kTestLimitMs));
+            ASSERT_TRUE(done.wait());
+            EXPECT_EQ(PTHREAD_CANCEL_ENABLE, state);
+            EXPECT_EQ(PTHREAD_CANCEL_DEFERRED, type);
         }
 }
 
 TEST_F(QBLThreadPoolTest, DestructorRunsAcceptedTasksEvenIfWorkersEnd) {
-    struct EndingLast : QBLThreadRunnable {
-        QBLThreadPool* pool = nullptr;
-        void run() override {
-            while (pool->getStopWork() == 0) QBLThread::yield();
-            pthread_exit(nullptr);
-        }
-    };
     for (int kind : {1, 2}) {
         Ending ending;
         Counting counting;
-        EndingLast first;
         auto pool = make(kind);
-        first.pool = pool.get();
+        Job first([running = pool.get()] {
+            while (running->getStopWork() == 0) QBLThread::yield();
+            pthread_exit(nullptr);
+        });
         for (QBLThreadRunnable* task : Tasks{&first, &first, &ending, &counting}) {
             EXPECT_EQ(1, pool->execute(task, 0)) << "kind " << kind;
             // The surviving worker must run the task.
@@ -329,15 +311,13 @@ TEST_F(QBLThreadPoolTest, VariableWorkersSleepWhileIdleEvenWithoutAnIdleTime) {
 }
 
 TEST_F(QBLThreadPoolTest, QueuedWakesAWorkerThatIsAboutToBeIdle) {
-    struct Posting : QBLThreadRunnable {
-        void run() override { done.post(); }
-        QBLThreadSemaphore done{0};
-    } posting;
+    QBLThreadSemaphore done(0);
+    Job posting([&done] { done.post(); });
     QBLThreadPoolQueued pool(1, 0);
     for (int i = 0; i < 30000; ++i) {
         for (volatile int delay = i % 300; delay > 0;) delay = delay - 1;
         ASSERT_EQ(1, pool.execute(&posting, 0));
-        ASSERT_TRUE(posting.done.boundedWait(5000)) << i << ": shorter than the interval of polls";
+        ASSERT_TRUE(done.boundedWait(5000)) << i << ": shorter than the interval of polls";
     }
 }
 

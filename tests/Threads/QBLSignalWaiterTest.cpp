@@ -1,11 +1,11 @@
 #include "QBLCore/Threads/QBLSignalWaiter.hpp"
 
-#include <pthread.h>
 #include <unistd.h>
 
 #include <cerrno>
 
 #include "tests/faults/Injector.hpp"
+#include "tests/support/Cancellable.hpp"
 #include "tests/support/ThrowChecks.hpp"
 #include "tests/support/Workers.hpp"
 
@@ -15,11 +15,6 @@ bool isBlocked(int signal) {
     sigset_t mask;
     pthread_sigmask(SIG_BLOCK, nullptr, &mask);
     return sigismember(&mask, signal) == 1;
-}
-
-void* waitForever(void* waiter) {
-    static_cast<QBLSignalWaiter*>(waiter)->wait();
-    return nullptr;
 }
 
 }  // namespace
@@ -48,12 +43,9 @@ TEST(QBLSignalWaiterTest, TakesBlockedSignalsAndRestoresTheMask) {
 TEST(QBLSignalWaiterTest, CancelledWaitTakesNothing) {
     if (kSanitizer) GTEST_SKIP() << "the sanitizer keeps the stack of a cancelled thread poisoned";
     QBLSignalWaiter waiter({SIGUSR1});
-    pthread_t thread;
-    void* result = nullptr;
-    ASSERT_EQ(0, pthread_create(&thread, nullptr, &waitForever, &waiter));
-    pthread_cancel(thread);
-    pthread_join(thread, &result);
-    EXPECT_EQ(PTHREAD_CANCELED, result);
+    Cancellable thread([&waiter] { waiter.wait(); });
+    thread.cancel();
+    EXPECT_TRUE(thread.join());
     kill(getpid(), SIGUSR1);
     EXPECT_EQ(SIGUSR1, waiter.timedWait(kTestLimitMs));
 }

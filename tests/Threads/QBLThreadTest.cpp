@@ -1,26 +1,16 @@
 #include "QBLCore/Threads/QBLThread.hpp"
 
-#include <pthread.h>
-
-#include <functional>
 #include <stdexcept>
 
 #include "QBLCore/Threads/QBLThreadInit.hpp"
 #include "QBLCore/Threads/QBLThreadProcess.h"
 #include "tests/faults/Injector.hpp"
+#include "tests/support/Cancellable.hpp"
+#include "tests/support/Tasks.hpp"
 #include "tests/support/ThrowChecks.hpp"
 #include "tests/support/Workers.hpp"
 
 namespace {
-
-template <class Body>
-struct Job : QBLThreadRunnable {
-    explicit Job(Body body) : m_body(body) {}
-    void run() override { m_body(); }
-
-private:
-    Body m_body;
-};
 
 std::atomic<int> g_exits{0};
 void countExit() { ++g_exits; }
@@ -166,43 +156,35 @@ TEST_F(QBLThreadTest, MayDeleteItselfAtTheEndOfRun) {
 }
 
 TEST_F(QBLThreadTest, JoinCanBeCancelledAndRepeatedExceptInDestructors) {
-    struct Round {
-        Gate joining, release;
-        std::atomic<bool> ran{false};
-        Job<std::function<void()>> job{[this] { ran = release.wait(); }};
-        QBLThread* thread = nullptr;
-
-        void* cancel(void* (*joiner)(void*)) {
-            pthread_t handle{};
-            EXPECT_EQ(0, pthread_create(&handle, nullptr, joiner, this));
-            EXPECT_TRUE(joining.wait());
-            pthread_cancel(handle);
-            if (thread == nullptr) release.open();
-            void* result = nullptr;
-            pthread_join(handle, &result);
-            return result;
-        }
-    } destructor, join;
-    destructor.cancel([](void* round) -> void* {
-        QBLThread thread(&static_cast<Round*>(round)->job);
+    std::atomic<bool> ran{false};
+    Gate started, release, joining, again;
+    Job first([&] { ran = release.wait(); });
+    Cancellable destructor([&] {
+        QBLThread thread(&first);
         thread.start();
-        static_cast<Round*>(round)->joining.open();
-        return nullptr;
+        started.open();
     });
-    EXPECT_TRUE(destructor.ran);
+    EXPECT_TRUE(started.wait());
+    destructor.cancel();
+    release.open();
+    destructor.join();
+    EXPECT_TRUE(ran);
     if (kSanitizer) GTEST_SKIP() << "the sanitizer's pthread_join does not support cancellation";
 
-    QBLThread thread(&join.job);
-    join.thread = &thread;
+    ran = false;
+    Job second([&] { ran = again.wait(); });
+    QBLThread thread(&second);
     thread.start();
-    EXPECT_EQ(PTHREAD_CANCELED, join.cancel([](void* round) -> void* {
-        static_cast<Round*>(round)->joining.open();
-        static_cast<Round*>(round)->thread->join();
-        return nullptr;
-    }));
-    join.release.open();
+    Cancellable joiner([&] {
+        joining.open();
+        thread.join();
+    });
+    EXPECT_TRUE(joining.wait());
+    joiner.cancel();
+    EXPECT_TRUE(joiner.join());
+    again.open();
     thread.join();
-    EXPECT_TRUE(join.ran);
+    EXPECT_TRUE(ran);
 }
 
 TEST(QBLThreadStoppedTest, CannotStartWithoutTheLibrary) {

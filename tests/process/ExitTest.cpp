@@ -10,28 +10,20 @@
 #include "QBLCore/Threads/QBLThread.hpp"
 #include "QBLCore/Threads/QBLThreadGuard.hpp"
 #include "QBLCore/Threads/QBLThreadMutex.hpp"
+#include "tests/support/Tasks.hpp"
 
 namespace {
 
 QBLThreadMutex* g_lock = nullptr;
 
-/// Runs until the process ends, and takes a lock in each round.
-struct Endless : QBLThreadRunnable {
-    void run() override {
-        for (;;) {
-            QBLThreadGuard guard(*g_lock);
-            QBLThread::sleep(1);
-        }
-    }
-};
-
-struct Short : QBLThreadRunnable {
-    void run() override { QBLThread::yield(); }
-};
-
 // Never destroyed, because threads run them until the process ends.
-Endless& g_endless = *new Endless;
-Short& g_brief = *new Short;
+auto& g_endless = *new Job([] {
+    for (;;) {
+        QBLThreadGuard guard(*g_lock);
+        QBLThread::sleep(1);
+    }
+});
+auto& g_brief = *new Job([] { QBLThread::yield(); });
 QBLThread* g_thread = nullptr;
 QBLThreadPool* g_pools[3] = {};
 
