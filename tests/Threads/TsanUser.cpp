@@ -1,10 +1,6 @@
 // This program is built with ThreadSanitizer, but uses the library built without it. Threads pass
 // plain data to each other through the library's locks, events and pools. If ThreadSanitizer does
 // not see the synchronization, it reports a race and the program fails.
-#include <chrono>
-#include <thread>
-#include <vector>
-
 #include "QBLCore/Frame/QBLCore.h"
 #include "QBLCore/ThreadPools/QBLTaskGroup.hpp"
 #include "QBLCore/ThreadPools/QBLThreadPoolFixed.hpp"
@@ -13,17 +9,11 @@
 #include "QBLCore/Threads/QBLThreadRWLock.hpp"
 #include "QBLCore/Threads/QBLThreadRecursiveMutex.hpp"
 #include "QBLCore/Threads/QBLThreadSemaphore.hpp"
+#include "tests/support/Workers.hpp"
 
 namespace {
 
 constexpr int kRounds = 2000;
-
-template <class Body>
-void onThreads(int count, Body body) {
-    std::vector<std::thread> threads;
-    for (int i = 0; i < count; ++i) threads.emplace_back(body, i);
-    for (std::thread& thread : threads) thread.join();
-}
 
 /// Two threads increment a number in turns.
 template <class Signal, class Give, class Take>
@@ -31,7 +21,9 @@ void takeTurns(Give give, Take take) {
     Signal signals[2];
     int number = 0;
     give(signals[0]);
-    onThreads(2, [&](int self) {
+    std::atomic<int> next{0};
+    Workers(2, [&] {
+        const int self = next++;
         for (int i = 0; i < kRounds; ++i) {
             take(signals[self]);
             ++number;
@@ -43,8 +35,9 @@ void takeTurns(Give give, Take take) {
 template <class Lock>
 void count(Lock& lock, bool readers) {
     int number = 0;
-    onThreads(4, [&](int self) {
-        int sum = 0;
+    std::atomic<int> next{0};
+    Workers(4, [&] {
+        int self = next++, sum = 0;
         for (int i = 0; i < kRounds; ++i) {
             if (readers && self != 0) {
                 lock.readLock();
