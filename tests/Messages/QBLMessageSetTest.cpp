@@ -5,18 +5,12 @@
 #include "QBLCore/Exceptions/QBLException.hpp"
 #include "QBLCore/Exceptions/QBLThrow.hpp"
 #include "QBLCore/Messages/QBLMessageString.hpp"
+#include "QBLCore/Messages/QBLMessageText.hpp"
 #include "tests/support/ThrowChecks.hpp"
 
 namespace {
 
-std::string formatted(const QBLMessageSet& set) {
-    I18NString out;
-    set.format("en", nullptr, out);
-    return out.toUtf8();
-}
-
-class DiskError : public QBLException {
-public:
+struct DiskError : QBLException {
     using QBLException::QBLException;
     QBL_EXCEPTION_METHODS(DiskError)
 };
@@ -32,16 +26,16 @@ TEST(QBLMessageSetTest, OwnsItsMessagesAndKeepsTheirOrder) {
     set.addMessageFront(QBLMessageString(QBLSeverityFatal, "a"));
     set.addMessage(nullptr);
     set.increaseNesting();
-    EXPECT_EQ("abc", formatted(set));
+    EXPECT_EQ("abc", qblText(set));
     EXPECT_EQ(QBLSeverityFatal, set.getSeverity());
     QBLMessageSet copy(set), other;
     other << QBLMessageString("d");
     other.transferMessages(set);
     other.transferMessages(other);
-    EXPECT_EQ("dabc", formatted(other));
+    EXPECT_EQ("dabc", qblText(other));
     EXPECT_EQ(0U, set.getMessageCount());
     EXPECT_EQ(nullptr, set.getMessageN(0));
-    EXPECT_EQ("abc", formatted(copy));
+    EXPECT_EQ("abc", qblText(copy));
     EXPECT_EQ(1UL, copy.getNesting());
     const QBLMessageSet& itself = copy;
     copy = itself;
