@@ -35,19 +35,18 @@ TEST(CleanTest, RemovesOnlyUnusedTemporaryFiles) {
     left.insert(left.end(), {link, toDirectory, ".QBLFm" + dead + ".7"});
     const int file = open(tree(held).c_str(), O_RDONLY | O_CLOEXEC);
 
-    const std::string command = "'" QBL_CONV "' --clean ";
     // Sorted by message, because directory order depends on the process identifiers.
     EXPECT_EQ("./" + held + ": kept, because a program has it open\n./" + running +
                   ": kept, because process " + live + " is running\n./" + link +
                   ": not a regular file\n./" + removed[0] + ": removed\n./" + removed[1] +
                   ": removed\n",
-              runTool(tree, command + "-v . 2>&1 | LC_ALL=C sort -t: -k2").output);
+              runTool(tree, "$Q --clean -v . 2>&1 | LC_ALL=C sort -t: -k2").output);
     EXPECT_TRUE(std::filesystem::exists(tree(removed[2]))) << "-r is not given";
-    EXPECT_EQ("", runTool(tree, command + "-r d").output);
+    EXPECT_EQ("", runTool(tree, "$Q --clean -r d").output);
     for (const std::string& name : removed) EXPECT_FALSE(std::filesystem::exists(tree(name)));
     for (const std::string& name : left)
         EXPECT_TRUE(std::filesystem::exists(std::filesystem::symlink_status(tree(name)))) << name;
     close(file);
-    EXPECT_EQ(0, runTool(tree, command + ".").status);
+    EXPECT_EQ(0, runTool(tree, "$Q --clean .").status);
     EXPECT_FALSE(std::filesystem::exists(tree(held)));
 }

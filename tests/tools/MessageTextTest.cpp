@@ -61,12 +61,12 @@ TEST(LocaleTextTest, MessagesUseTheLocaleEncodingAndDataUsesUtf8) {
     const struct {
         std::string command, shown;  // with $ for the name
     } table[] = {
-        {"'" QBL_CONV "' -L en -n " + name, "$:1:3: byte 2: FF is not UTF-8\n"},
-        {"'" QBL_CONV "' -L en -f " + name + " report",
+        {"$Q -L en -n " + name, "$:1:3: byte 2: FF is not UTF-8\n"},
+        {"$Q -L en -f " + name + " report",
          "qblconv: unknown encoding: $; qblconv -l lists all encodings\n"},
-        {"'" QBL_MSGC "' -L en -c " + name, "$:1:3: error: not UTF-8; save the file as UTF-8\n"},
-        {"'" QBL_MSGC "' t_en.msg && '" QBL_MSGC "' -g 1 t_en.bmf", "$\n"},
-        {"'" QBL_MSGC "' -s report en", ": $\n"},
+        {"$M -L en -c " + name, "$:1:3: error: not UTF-8; save the file as UTF-8\n"},
+        {"$M t_en.msg && $M -g 1 t_en.bmf", "$\n"},
+        {"$M -s report en", ": $\n"},
     };
     const auto with = [](std::string text, const std::string& shown) {
         const std::size_t at = text.find('$');
@@ -77,8 +77,8 @@ TEST(LocaleTextTest, MessagesUseTheLocaleEncodingAndDataUsesUtf8) {
             EXPECT_EQ(with(row.shown, shown),
                       runTool(tree, row.command, "LC_ALL=" + locale).output);
     }
-    for (const char* const data : {"'" QBL_MSGC "' -d t_en.bmf", "'" QBL_CONV "' -XLfr -n *\x82",
-                                   "'" QBL_MSGC "' -cX *\x82", "cat report | '" QBL_CONV "'"})
+    for (const char* const data :
+         {"$M -d t_en.bmf", "$Q -XLfr -n *\x82", "$M -cX *\x82", "cat report | $Q"})
         EXPECT_NE(std::string::npos,
                   runTool(tree, data, "LC_ALL=fr_FR.ISO-8859-1").output.find(name));
 }
@@ -89,8 +89,7 @@ TEST(ReasonsTest, UseTheLanguageOfTheMessages) {
     // LANGUAGE affects only the C library. Its newlocale() leaks in version 2.36 if LOCPATH is set.
     const std::string environment = "LC_ALL=C LANGUAGE=de ASAN_OPTIONS=detect_leaks=0 LOCPATH=.";
     const auto said = [&](const std::string& locales) {
-        return runTool(tree, "echo | '" QBL_CONV "' -L '" + locales + "' >/dev/full", environment)
-            .output;
+        return runTool(tree, "echo | $Q -L '" + locales + "' >/dev/full", environment).output;
     };
     EXPECT_EQ("the standard output: cannot be written: No space left on device\n", said("en fr"));
     EXPECT_EQ("die Standardausgabe: nicht schreibbar: No space left on device\n", said("de fr"));

@@ -26,8 +26,7 @@ const std::vector<Tool>& allTools() {
 }
 
 std::set<std::string> inManual(const std::string& tool) {
-    std::string path = QBL_MAN_DIR "/";
-    std::ifstream manual(path.append(tool).append(".1"));
+    std::ifstream manual(QBL_MAN_DIR "/" + tool + ".1");
     std::set<std::string> options;
     for (std::string line; std::getline(manual, line);) {
         std::istringstream words(line);

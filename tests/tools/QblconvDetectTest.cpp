@@ -9,12 +9,6 @@ const char kRussian[] =
     "кодировки.\n";
 const char kGerman[] = "Die Köchin öffnete die Tür und grüßte höflich – wie immer.\n";
 
-/// Runs $Q, which is qblconv, with arguments in a tree, and compares status and output.
-void expectRun(const TempTree& tree, const std::string& command, int status,
-               const std::string& output) {
-    expectOutcome(runTool(tree, "Q='" QBL_CONV "'; $Q " + command), status, output, command);
-}
-
 const char kUnknown[] =
     ": unknown encoding; name it with -f NAME, or candidates with -f auto:LIST\n";
 
@@ -51,19 +45,19 @@ TEST(QblconvDetectTest, DetectsManyEncodings) {
         tree.file("utf8", text);
         EXPECT_EQ(0, runTool(tree, "iconv -f UTF-8 -t " + encoding + " utf8 >f").status);
         const std::string encoded = tree.text("f");
-        expectRun(tree, "-v -f auto f | cmp - utf8; cat f | $Q -f auto | cmp - utf8", 0,
+        expectRun(tree, "$Q -v -f auto f | cmp - utf8; cat f | $Q -f auto | cmp - utf8", 0,
                   "f: converted from " + encoding + "\n");
         // The encoding is also detected if many line ends come before the text, and if the end of a
         // block splits the text.
         const bool isWide = encoding == "UTF-16LE";
         for (int i = isWide ? 2 : 0; i < 2; ++i) {
             tree.file("f", std::string(0xFFF0 + static_cast<std::size_t>(i), '\n') + encoded);
-            expectRun(tree, "-nv -f auto f", 0, "f: valid " + encoding + "\n");
+            expectRun(tree, "$Q -nv -f auto f", 0, "f: valid " + encoding + "\n");
         }
         // In place, a file is replaced only if no other encoding fits.
         const bool isAlone = isWide || encoding == "ISO-2022-JP" || text == kGerman;
         tree.file("f", encoded);
-        EXPECT_EQ(isAlone ? 0 : 1, runTool(tree, "'" QBL_CONV "' -i=.o -f auto f").status);
+        EXPECT_EQ(isAlone ? 0 : 1, runTool(tree, "$Q -i=.o -f auto f").status);
         EXPECT_EQ(isAlone ? text : encoded, tree.text("f")) << encoding;
         EXPECT_EQ(isAlone, std::filesystem::exists(tree("f.o"))) << encoding;
     }
@@ -81,17 +75,17 @@ TEST(QblconvDetectTest, ByteOrderMarksAndUTF8DetermineTheEncoding) {
     std::string broken;
     for (int i = 0; i < 20; ++i) broken += kGerman;
     tree.file("broken", broken + "\xFF\n");
-    expectRun(tree, "-f auto -i broken; $Q -gq broken", 0,
+    expectRun(tree, "$Q -f auto -i broken; $Q -gq broken", 0,
               "broken: malformed, but most likely UTF-8; qblconv -n -f UTF-8 shows the errors\n"
               "broken: malformed, but most likely UTF-8; qblconv -n -f UTF-8 shows the errors\n"
               "broken: windows-1252, windows-1254 (confidence 88 %)\n"
               "broken: windows-1250 (confidence 46 %)\n");
-    expectRun(tree, "-nv -f auto d both color bell zeros names", 1,
+    expectRun(tree, "$Q -nv -f auto d both color bell zeros names", 1,
               "d: valid UTF-16BE\nboth: valid UTF-16LE\ncolor: valid UTF-8\nbell: valid UTF-8\n"
               "zeros" +
                   (kUnknown + std::string("names: valid UTF-8\n")) +
                   "6 files: 5 valid, 1 failed\n");
-    expectRun(tree, "-f auto m w; $Q -f auto --bom=keep m", 0, "ä\nä\n\uFEFFä\n");
+    expectRun(tree, "$Q -f auto m w; $Q -f auto --bom=keep m", 0, "ä\nä\n\uFEFFä\n");
 }
 
 // The bytes of many DOS letters are symbols in windows-1252. Symbols do not occur within words.
@@ -102,15 +96,15 @@ TEST(QblconvDetectTest, DosTextsAreNotGuessed) {
     tree.file("dos", text);
     tree.file("short", "x\xE9\n");
     for (const char* const mode : {"-i dos", "-i -k --verify dos", "dos -o out"})
-        EXPECT_EQ(1, runTool(tree, std::string("'" QBL_CONV "' -f auto ") + mode).status) << mode;
+        EXPECT_EQ(1, runTool(tree, std::string("$Q -f auto ") + mode).status) << mode;
     EXPECT_EQ(text, tree.text("dos"));
-    expectRun(tree, "-f auto short", 1, std::string("short") + kUnknown);
+    expectRun(tree, "$Q -f auto short", 1, std::string("short") + kUnknown);
 }
 
 TEST(QblconvDetectTest, TakesTheFirstFittingEncodingOfAList) {
     TempTree tree;
     makeFiles(tree);
-    expectRun(tree, "-f auto:UTF-8,sjis,windows-1252 -v -d out u s l w m", 1,
+    expectRun(tree, "$Q -f auto:UTF-8,sjis,windows-1252 -v -d out u s l w m", 1,
               "u: converted from UTF-8\ns: converted from sjis\nl: converted from windows-1252\n"
               "w: not valid in any of these encodings: UTF-8, sjis, windows-1252; -g lists the "
               "encodings that fit\n"
@@ -120,20 +114,20 @@ TEST(QblconvDetectTest, TakesTheFirstFittingEncodingOfAList) {
     EXPECT_FALSE(std::filesystem::exists(tree("out/w")));
     // An encoding name without a byte order needs a byte-order mark, and a mark must belong to an
     // encoding of the list.
-    expectRun(tree, "-f auto:latin1,ucs-2 -nv w d u m", 1,
+    expectRun(tree, "$Q -f auto:latin1,ucs-2 -nv w d u m", 1,
               "w: valid UTF-16LE\nd: valid UTF-16BE\nu: valid latin1\n"
               "m: not valid in any of these encodings: latin1, ucs-2; -g lists the encodings that "
               "fit\n4 files: 3 valid, 1 failed\n");
-    expectRun(tree, "-f auto:sjis,latin1 -ki l s u -v; cat s", 0,
+    expectRun(tree, "$Q -f auto:sjis,latin1 -ki l s u -v; cat s", 0,
               "l: converted from latin1\ns: converted from sjis\nu: already UTF-8\n"
               "3 files: 2 converted, 1 unchanged, 0 failed; characters replaced: 0\n"
               "あ\n");
     // Input that cannot be read twice is copied. Detection starts where the last reader stopped.
     expectRun(
-        tree, "-f auto:UTF-8,sjis - <c", 1,
+        tree, "$Q -f auto:UTF-8,sjis - <c", 1,
         "-: not valid in any of these encodings: UTF-8, sjis; -g lists the encodings that fit\n");
     expectRun(tree,
-              "-v </dev/null; (read a; $Q -f auto:UTF-8,latin1 -v) <c; cat l c | "
+              "$Q -v </dev/null; (read a; $Q -f auto:UTF-8,latin1 -v) <c; cat l c | "
               "TMPDIR=/nowhere $Q -f auto",
               1,
               "-: converted from UTF-8\n-: converted from UTF-8\n"
@@ -141,8 +135,8 @@ TEST(QblconvDetectTest, TakesTheFirstFittingEncodingOfAList) {
               "directory\n");
     const std::string big(0x20000, 'a');
     tree.file("big", big + "あ \xFF");
-    expectRun(tree, "-nv -f auto:UTF-8,sjis,latin1 big; cat big | $Q -nv -f auto:UTF-8,latin1 -", 0,
-              "big: valid latin1\n-: valid latin1\n");
+    expectRun(tree, "$Q -nv -f auto:UTF-8,sjis,latin1 big; cat big | $Q -nv -f auto:UTF-8,latin1 -",
+              0, "big: valid latin1\n-: valid latin1\n");
 }
 
 TEST(QblconvDetectTest, ListedEncodingsShowWhereTheirTextsDiffer) {
@@ -155,31 +149,32 @@ TEST(QblconvDetectTest, ListedEncodingsShowWhereTheirTextsDiffer) {
     const std::string readings =
         "c:1: in windows-1250: un café crčme ŕ la carte\n"
         "c:1: in windows-1252: un café crème à la carte\n";
-    expectRun(tree, "-gj4 c u w e", 0, fits + readings + "u: UTF-8\nw: UTF-16LE\ne: UTF-8\n");
-    expectRun(tree, "--guess c random u 2>err; echo $?; cat err; $Q -gq c; $Q -g <u", 0,
+    expectRun(tree, "$Q -gj4 c u w e", 0, fits + readings + "u: UTF-8\nw: UTF-16LE\ne: UTF-8\n");
+    expectRun(tree, "$Q --guess c random u 2>err; echo $?; cat err; $Q -gq c; $Q -g <u", 0,
               fits + readings + "u: UTF-8\n1\nrandom" + kUnknown + fits + "-: UTF-8\n");
     // A few Hebrew words are ambiguous, even if most of the text is English.
     tree.file("h",
               "The text is in English, and the words that stand here are not: \xF9\xEC\xE5\xED\n"
               "The rest of the text, however, is in English again and then there is more: "
               "\xF2\xE5\xEC\xED\n");
-    expectRun(tree, "-n -f auto h 2>&1 | cut -d'(' -f1", 0,
+    expectRun(tree, "$Q -n -f auto h 2>&1 | cut -d'(' -f1", 0,
               "h: the encoding is ambiguous, these fit: windows-1252 \n");
     const std::string unclear =
         "c: the encoding is ambiguous, these fit: windows-1250 (80), windows-1252 (69); compare "
         "them with -g, then use -f NAME or -f auto:LIST\n";
-    expectRun(tree, "-n -f auto c; $Q -f auto -i c", 1, unclear + unclear);
+    expectRun(tree, "$Q -n -f auto c; $Q -f auto -i c", 1, unclear + unclear);
     // With a list, all fitting encodings are shown in its order. Long lines are shortened around
     // the difference.
     const std::string a(100, 'a'), shown = "...aaaaaaaaaaaaaaaaaaaa";
     tree.file("long", "\r\n\r" + a + "\xA4\x1B" + a + "\nb");
-    expectRun(tree, "-g -f auto:UTF-16,UTF-16LE,UTF-8 w", 0, "w: UTF-16LE\n");
-    expectRun(tree, "-g -f auto:UTF-8,latin1,latin9,cp1252 long", 0,
+    expectRun(tree, "$Q -g -f auto:UTF-16,UTF-16LE,UTF-8 w", 0, "w: UTF-16LE\n");
+    expectRun(tree, "$Q -g -f auto:UTF-8,latin1,latin9,cp1252 long", 0,
               "long: latin1, cp1252\nlong: latin9\nlong:3: in latin1: " + shown +
                   "\xC2\xA4\\x1Baaaaaaaaaaaaaaaaaaaaaaaaaaaa...\nlong:3: in latin9: " + shown +
                   "\xE2\x82\xAC\\x1Baaaaaaaaaaaaaaaaaaaaaaaaaaaa...\n");
     expectRun(tree,
-              "-gX u -L fr | grep -o '<MessageText>.*</MessageText>'; $Q -g -L de c | head -n 1", 0,
+              "$Q -gX u -L fr | grep -o '<MessageText>.*</MessageText>'; $Q -g -L de c | head -n 1",
+              0,
               "<MessageText>u : UTF-8</MessageText>\n"
               "c: windows-1250, ISO-8859-2 (Sicherheit 80 %)\n");
 }

@@ -20,15 +20,6 @@ std::string times(int count, const std::string& text) {
     return all;
 }
 
-Outcome run(const TempTree& tree, const std::string& arguments) {
-    return runTool(tree, "Q='" QBL_CONV "'; $Q -f Shift_JIS " + arguments);
-}
-
-void expectRun(const TempTree& tree, const std::string& arguments, int status,
-               const std::string& output) {
-    expectOutcome(run(tree, arguments), status, output, arguments);
-}
-
 std::string namesIn(const TempTree& tree, const std::string& directory) {
     return runTool(tree, "cd '" + directory + "' && find . -mindepth 1 | sort | tr '\\n' ' '")
         .output;
@@ -77,24 +68,24 @@ TEST(QblconvFilesTest, InPlaceKeepsModeLinksAndOptionallyTheOriginal) {
     ASSERT_EQ(0, chmod(tree("s").c_str(), 0640));
     std::filesystem::create_symlink("s", tree("link"));
     // A file is converted once, even if several operands name it.
-    expectRun(tree, "-vi=.old link ./s", 0, "link: converted from Shift_JIS\n");
+    expectRun(tree, "$S -vi=.old link ./s", 0, "link: converted from Shift_JIS\n");
     EXPECT_EQ(kUTF8, tree.text("s"));
     EXPECT_EQ(kShiftJIS, tree.text("s.old"));
     EXPECT_EQ(0640U, modeOf(tree("s")));
     EXPECT_TRUE(std::filesystem::is_symlink(tree("link")));
     // A failed file stays unchanged. With -k, a file that is already valid stays unchanged too.
     tree.file("bad", kBroken);
-    expectRun(tree, "-kvi bad s", 1,
+    expectRun(tree, "$S -kvi bad s", 1,
               kCutOff +
                   "s: already UTF-8\n2 files: 0 converted, 1 unchanged, 1 failed; characters "
                   "replaced: 0\n");
     EXPECT_EQ(kBroken, tree.text("bad"));
     // Nearly any text is valid UTF-16, so -k requires a byte-order mark.
     tree.file("s", kShiftJIS + "b");
-    expectRun(tree, "--in-place=.b --bom=add -kt UTF-16LE s", 0, "");
+    expectRun(tree, "$S --in-place=.b --bom=add -kt UTF-16LE s", 0, "");
     EXPECT_EQ(kShiftJIS + "b", tree.text("s.b"));
     EXPECT_EQ(std::string("\xFF\xFE\x61\0B0\n\0b\0", 10), tree.text("s"));
-    expectRun(tree, "-vi --bom=add -kt UTF-16LE s", 0, "s: already UTF-16LE\n");
+    expectRun(tree, "$S -vi --bom=add -kt UTF-16LE s", 0, "s: already UTF-16LE\n");
     EXPECT_EQ("./bad ./link ./s ./s.b ./s.old ", namesIn(tree, "."));
 }
 
@@ -109,19 +100,19 @@ TEST(QblconvFilesTest, NeverOverwritesAKeptOriginal) {
         EXPECT_EQ("./s ./s.o ", namesIn(tree, "t")) << arguments;
     };
     tree.dir("t");
-    expectKept("-i=.o t/s t/s.o", 2,
+    expectKept("$S -i=.o t/s t/s.o", 2,
                "qblconv: t/s and t/s.o would both be written to t/s.o; convert them separately\n");
     const std::string said =
         "t/s: not converted, because the original cannot be kept as t/s.o: File exists\n";
-    expectKept("-i=.o t/s", 1, said);
-    expectKept("-i=.o -r t", 1, said);
+    expectKept("$S -i=.o t/s", 1, said);
+    expectKept("$S -i=.o -r t", 1, said);
     // The name for the original must not be a directory. It may be a second name of the input that
     // an interrupted run has left.
     tree.dir("s.d");
     tree.file("s", kShiftJIS);
-    EXPECT_EQ(1, run(tree, "-i=.d s").status);
+    EXPECT_EQ(1, runTool(tree, "$S -i=.d s").status);
     std::filesystem::create_hard_link(tree("s"), tree("s.o"));
-    expectRun(tree, "-vi=.o s", 0, "s: converted from Shift_JIS\n");
+    expectRun(tree, "$S -vi=.o s", 0, "s: converted from Shift_JIS\n");
     EXPECT_EQ(kShiftJIS, tree.text("s.o"));
     EXPECT_EQ("./s ./s.d ./s.o ./t ./t/s ./t/s.o ", namesIn(tree, "."));
 }
@@ -158,8 +149,8 @@ TEST(QblconvFilesTest, InPlaceRequiresRegularUnlockedFiles) {
     ASSERT_EQ(1, M_LockFile(file, 0, 0));
     const std::string locked =
         "s: locked by process " + std::to_string(getpid()) + "; --lock=wait waits for it\n";
-    expectRun(tree, "-i s", 1, locked);
-    expectRun(tree, "-n --lock=try s", 1, locked);
+    expectRun(tree, "$S -i s", 1, locked);
+    expectRun(tree, "$S -n --lock=try s", 1, locked);
     EXPECT_EQ(kShiftJIS, tree.text("s"));
     Child waiting = start({"-f", "Shift_JIS", "-i", "--lock=wait", tree("s")});
     // When qblconv gets the lock, it converts the file that has the name at that time.
@@ -172,13 +163,13 @@ TEST(QblconvFilesTest, InPlaceRequiresRegularUnlockedFiles) {
     const int leased = open(tree("s").c_str(), O_RDONLY);
     ASSERT_EQ(0, fcntl(leased, F_SETSIG, SIGURG));
     ASSERT_EQ(0, fcntl(leased, F_SETLEASE, F_RDLCK));
-    expectRun(tree, "-i s", 1, "s: another program holds a lease on it; try again\n");
+    expectRun(tree, "$S -i s", 1, "s: another program holds a lease on it; try again\n");
     close(leased);
     ASSERT_EQ(0, mkfifo(tree("pipe").c_str(), 0600));
-    expectRun(tree, "-i pipe --lock=none", 1, "pipe: not a regular file\n");
+    expectRun(tree, "$S -i pipe --lock=none", 1, "pipe: not a regular file\n");
     tree.file("s", kShiftJIS);
-    expectRun(tree, "-n pipe -v & cat s >pipe; wait", 0, "pipe: valid Shift_JIS\n");
-    expectRun(tree, "-vir .", 0, "./s: converted from Shift_JIS\n");
+    expectRun(tree, "$S -n pipe -v & cat s >pipe; wait", 0, "pipe: valid Shift_JIS\n");
+    expectRun(tree, "$S -vir .", 0, "./s: converted from Shift_JIS\n");
 }
 
 TEST(QblconvFilesTest, StaysInTheTreeDespiteSwappedLinks) {
@@ -216,7 +207,7 @@ TEST(QblconvFilesTest, StaysInTheTreeDespiteSwappedLinks) {
     tree.dir("out");
     for (const char* file : {"moved/a", "moved/b"}) tree.file(file, kShiftJIS);
     std::filesystem::create_symlink("../elsewhere", tree("out/moved"));
-    expectRun(tree, "-r -d out moved", 1,
+    expectRun(tree, "$S -r -d out moved", 1,
               "out/moved/a: cannot be written: Not a directory\n"
               "out/moved/b: cannot be written: Not a directory\n"
               "2 files: 0 converted, 0 unchanged, 2 failed; characters replaced: 0\n");
@@ -224,7 +215,7 @@ TEST(QblconvFilesTest, StaysInTheTreeDespiteSwappedLinks) {
     std::filesystem::create_symlink("nowhere", tree("elsewhere/broken"));
     std::filesystem::create_symlink("../secret", tree("elsewhere/link"));
     for (const char* mode : {"-n", "-d new", "-i"})
-        expectRun(tree, std::string("-vr elsewhere -m '*k*' ") + mode, 0,
+        expectRun(tree, std::string("$S -vr elsewhere -m '*k*' ") + mode, 0,
                   "elsewhere/broken: warning: broken symbolic link, skipped\n"
                   "elsewhere/link: symbolic link, skipped\n");
 }
@@ -282,7 +273,7 @@ TEST(QblconvFilesTest, WritesOneOutputPerInputAndReportsInOrder) {
         tree.file(other, kBroken);
     std::filesystem::create_directory_symlink("..", tree("in/deep/loop"));
     for (const char* jobs : {"1", "2", "9"})
-        expectRun(tree, std::string("-m '*.txt' -rd in/out in -j ") + jobs, 1, expected);
+        expectRun(tree, std::string("$S -m '*.txt' -rd in/out in -j ") + jobs, 1, expected);
     EXPECT_EQ(kUTF8, tree.text("in/out/in/deep/1151.txt"));
     EXPECT_EQ("257\n", runTool(tree, "find in/out -type f | wc -l").output);
 }
@@ -291,26 +282,25 @@ TEST(QblconvFilesTest, OutputNeverDestroysItsInput) {
     TempTree tree;
     tree.file("s", kShiftJIS);
     tree.file("bad", kBroken);
-    expectRun(tree, "s bad -o s", 1, kCutOff + "s: not written, because an input failed\n");
+    expectRun(tree, "$S s bad -o s", 1, kCutOff + "s: not written, because an input failed\n");
     EXPECT_EQ(kShiftJIS, tree.text("s"));
-    expectRun(tree, "s >>s", 1, "s: is also the output; choose another output\n");
+    expectRun(tree, "$S s >>s", 1, "s: is also the output; choose another output\n");
     // qblconv waits for a reader of a pipe; a signal ends the wait.
-    expectRun(tree, "</dev/null; mkfifo q; (sleep 0.1; cat q) & $Q -f Shift_JIS s -o q; wait", 0,
-              kUTF8);
-    expectRun(tree, "</dev/null; timeout 0.2 $Q -f Shift_JIS s -o q; echo $?; rm q", 0, "124\n");
-    expectRun(tree, "- <s >>s", 1, "-: is also the output; choose another output\n");
-    expectRun(tree, "s no-such/.. -q >/dev/full", 2,
+    expectRun(tree, "mkfifo q; (sleep 0.1; cat q) & $S s -o q; wait", 0, kUTF8);
+    expectRun(tree, "timeout 0.2 $S s -o q; echo $?; rm q", 0, "124\n");
+    expectRun(tree, "$S - <s >>s", 1, "-: is also the output; choose another output\n");
+    expectRun(tree, "$S s no-such/.. -q >/dev/full", 2,
               "no-such/..: cannot be read: No such file or directory\n");
-    expectRun(tree, "-ir s . -v", 1,
+    expectRun(tree, "$S -ir s . -v", 1,
               "s: converted from Shift_JIS\n./" + kCutOff +
                   "2 files: 1 converted, 0 unchanged, 1 failed; characters replaced: 0\n");
-    expectRun(tree, "bad -d s; $Q -f Shift_JIS -d /proc/no s", 1,
+    expectRun(tree, "$S bad -d s; $S -d /proc/no s", 1,
               "s/bad: cannot be written: Not a directory\ns:1:3: byte 3: 82 is not Shift_JIS\n");
     EXPECT_EQ("./bad ./s ", namesIn(tree, "."));
     // If the standard output is a file, its earlier content is kept too.
     tree.file("s", kShiftJIS);
-    expectRun(tree, "s >f; $Q -f sjis s -o /dev/stdout >>f; cat f", 0, kUTF8 + kUTF8);
-    expectRun(tree, "-v -n s 2>/dev/full", 1, "");
+    expectRun(tree, "$S s >f; $Q -f sjis s -o /dev/stdout >>f; cat f", 0, kUTF8 + kUTF8);
+    expectRun(tree, "$S -v -n s 2>/dev/full", 1, "");
 }
 
 TEST(QblconvFilesTest, OutputsKeepThePermissionsOfTheirInputs) {
@@ -318,7 +308,7 @@ TEST(QblconvFilesTest, OutputsKeepThePermissionsOfTheirInputs) {
     const std::string directory = tree.dir("in/private");
     ASSERT_EQ(0, chmod(tree.file("in/private/s", kShiftJIS).c_str(), 0400));
     ASSERT_EQ(0, chmod(directory.c_str(), 0700));
-    expectRun(tree, "-rd out in", 0, "");
+    expectRun(tree, "$S -rd out in", 0, "");
     EXPECT_EQ(0700U, modeOf(tree("out/in/private")));
     EXPECT_EQ(0400U, modeOf(tree("out/in/private/s")));
 }
@@ -373,8 +363,7 @@ TEST(QblconvFilesTest, ReportsAFileOverTheSizeLimitAndLeavesNothing) {
     TempTree tree;
     const std::string text = times(2000, kShiftJIS);
     tree.file("s", text);
-    expectRun(tree,
-              "-n s; ulimit -f 4; for o in '-d out' -i '-o o s'; do $Q -f Shift_JIS $o s; done", 1,
+    expectRun(tree, "$S -n s; ulimit -f 4; for o in '-d out' -i '-o o s'; do $S $o s; done", 1,
               "out/s: cannot be written: File too large\ns: cannot be written: File too large\n"
               "o: cannot be written: File too large\n");
     EXPECT_EQ("./out ./s ", namesIn(tree, "."));
@@ -388,17 +377,16 @@ TEST(QblconvFilesTest, ReportsAFullDiskOnce) {
     const std::string reason = ": No space left on device\n";
     const std::string refused = "the standard output: cannot be written" + reason;
     const std::pair<std::string, std::string> table[] = {
-        {QBL_CONV " s s >/dev/full", refused},
-        {QBL_CONV " -o /dev/full s s", "/dev/full: cannot be written" + reason},
-        {QBL_CONV " -l >/dev/full", refused},
-        {QBL_CONV " -nX s >/dev/full", refused},
-        {QBL_MSGC " -s report >/dev/full", refused},
-        {QBL_MSGC " -w ./x >/dev/full",
+        {"$Q s s >/dev/full", refused},
+        {"$Q -o /dev/full s s", "/dev/full: cannot be written" + reason},
+        {"$Q -l >/dev/full", refused},
+        {"$Q -nX s >/dev/full", refused},
+        {"$M -s report >/dev/full", refused},
+        {"$M -w ./x >/dev/full",
          "./x: no catalogue found for en; none of the files listed exists\n" + refused},
     };
-    for (const auto& [command, said] : table)
-        expectOutcome(runTool(tree, command), 1, said, command);
-    EXPECT_EQ("", runTool(tree, QBL_CONV " -l | :").output) << "no error if the reader has gone";
+    for (const auto& [command, said] : table) expectRun(tree, command, 1, said);
+    EXPECT_EQ("", runTool(tree, "$Q -l | :").output) << "no error if the reader has gone";
 }
 
 TEST(QblconvFilesTest, DoesNotWaitIfInterrupted) {

@@ -34,10 +34,8 @@ struct Row {
 void expectRuns(const std::vector<Row>& table, const std::string& environment = "LC_ALL=C") {
     TempTree tree;
     makeFiles(tree);
-    for (const Row& row : table) {
-        const std::string command = std::string("Q='" QBL_CONV "'; $Q ") + row.arguments;
-        expectOutcome(runTool(tree, command, environment), row.status, row.output, command);
-    }
+    for (const Row& row : table)
+        expectRun(tree, std::string("$Q ") + row.arguments, row.status, row.output, environment);
 }
 
 }  // namespace
@@ -124,7 +122,7 @@ TEST(QblconvTest, MessagesUseTheUsersLanguageOrXml) {
         {"-X -t sjis z 2>report; cat report", 0,
          message("0x16", "z:1:1: U+00E9 is not in sjis",
                  {"z", "1", "1", "00E9", "sjis", "lacking", "stop"})},
-        {"-Xn -f sjis b | '" QBL_MSGC "' -s - en | tail -n 1", 0,
+        {"-Xn -f sjis b | $M -s - en | tail -n 1", 0,
          "Error: b:3:1: byte 8: 82 is an incomplete sjis sequence at the end\n"},
         {"-V >&- ; cp s \"$(printf 'q&<>\"\\047\\377\\n.x')\"; "
          "$Q -Xn q*x -f US-ASCII 2>/dev/null | head -n 2; $Q -Xn q*x | tail -n 1",
@@ -265,8 +263,7 @@ TEST(QblconvTest, ReportsMisuseAndDoesNothing) {
     makeFiles(tree);
     tree.file("dir/a.txt", "a");
     for (const auto& [arguments, said] : table) {
-        const std::string command = std::string("'" QBL_CONV "' ") + arguments;
-        expectOutcome(runTool(tree, command), 2, "qblconv: " + said + "\n", command);
+        expectRun(tree, std::string("$Q ") + arguments, 2, "qblconv: " + said + "\n");
         EXPECT_FALSE(std::filesystem::exists(tree("out"))) << arguments;
     }
     expectRuns({
@@ -282,7 +279,7 @@ TEST(QblconvTest, ReportsMisuseAndDoesNothing) {
 
 TEST(QblconvTest, ListsEncodingsByAnyName) {
     TempTree tree;
-    const Outcome found = runTool(tree, "'" QBL_CONV "' -l latin-9");
+    const Outcome found = runTool(tree, "$Q -l latin-9");
     EXPECT_EQ(0U, found.output.find("ISO-8859-15 "));
     expectRuns({
         {"-l latin9", 0, found.output},

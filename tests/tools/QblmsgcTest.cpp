@@ -8,15 +8,6 @@
 
 namespace {
 
-Outcome run(const TempTree& tree, const std::string& arguments) {
-    return runTool(tree, "'" QBL_MSGC "' " + arguments);
-}
-
-void expectRun(const TempTree& tree, const std::string& arguments, int status,
-               const std::string& output) {
-    expectOutcome(run(tree, arguments), status, output, arguments);
-}
-
 /// Returns the bytes of a message file exactly as the tool writes it.
 std::string compiled(const std::map<unsigned, std::string>& texts) {
     return bmfBytes(texts).replace(5, 3, 3, '\0');
@@ -74,19 +65,19 @@ TEST(QblmsgcTest, ReportsEachMistakeWithItsPlace) {
         tree.file("t.msg", row.source);
         const std::string found = "t.msg:" + row.found + "\n";
         const bool isWarning = found.find("warning") != std::string::npos;
-        expectRun(tree, "-c t.msg", isWarning ? 0 : 1, found);
-        expectRun(tree, "-cqW t.msg", 1, isWarning ? "" : found);
+        expectRun(tree, "$M -c t.msg", isWarning ? 0 : 1, found);
+        expectRun(tree, "$M -cqW t.msg", 1, isWarning ? "" : found);
     }
     // All errors of a run are sorted by place. A message with a malformed text still defines its
     // identifier.
     tree.file("t.msg", "7 \"\\uD800\"\n7 \"{x}\"\n");
     expectRun(
-        tree, "-c -r no.msg t.msg", 2,
+        tree, "$M -c -r no.msg t.msg", 2,
         "no.msg: cannot be read: No such file or directory\n"
         "t.msg:1:4: error: unknown escape; use \\\" \\\\ \\n \\r \\t or \\u with four digits\n"
         "t.msg:2:1: error: duplicate identifier 7; line 1 has it already\n"
         "t.msg:2:5: error: x is not an argument; use a number from 0 to 9\n");
-    const std::string xml = run(tree, "-L de_AT -cX t.msg").output;
+    const std::string xml = runTool(tree, "$M -L de_AT -cX t.msg").output;
     EXPECT_NE(std::string::npos,
               xml.find("Severity=\"Error\" Nesting=\"0\" ><MessageText>t.msg:2:1: Fehler: "
                        "doppelte Nummer 7; sie steht schon in Zeile 1</MessageText>"));
@@ -96,7 +87,7 @@ TEST(QblmsgcTest, ComparesATranslationWithItsReference) {
     TempTree tree;
     tree.file("en.msg", "1 A \"{0} {1}\"\n2 B \"b\"\n3 C \"c\"\n");
     tree.file("de.msg", "1 A \"{1,number} {0}\"\n3 X \"{2}{2}\"\n4 \"d\"\n");
-    expectRun(tree, "-W -r en.msg de.msg", 1,
+    expectRun(tree, "$M -W -r en.msg de.msg", 1,
               "de.msg:2:3: error: this message is called C in en.msg\n"
               "de.msg:2:6: error: the arguments are {2}, but those in en.msg are -\n"
               "de.msg:3:1: error: 4 is not in en.msg\n"
@@ -123,16 +114,16 @@ TEST(QblmsgcTest, ChecksTheTypesOfArguments) {
     };
     for (const auto& [source, found] : table) {
         tree.file("t.msg", source);
-        const Outcome outcome = run(tree, "--typed -qr en.msg t.msg");
+        const Outcome outcome = runTool(tree, "$M --typed -qr en.msg t.msg");
         EXPECT_EQ(*found == '\0' ? 0 : 1, outcome.status) << source;
         EXPECT_NE(std::string::npos, outcome.output.find(found)) << outcome.output;
-        EXPECT_EQ(0, run(tree, "-qr en.msg t.msg").status) << "only --typed requires types";
+        EXPECT_EQ(0, runTool(tree, "$M -qr en.msg t.msg").status) << "only --typed requires types";
     }
     // All languages have the shape of the reference. A text does not change it; a number, a name or
     // a type does.
     const auto shape = [&](const std::string& source, const std::string& reference) {
         tree.file("t.msg", source);
-        EXPECT_EQ(0, run(tree, "--typed -q " + reference + " t.msg").status) << source;
+        EXPECT_EQ(0, runTool(tree, "$M --typed -q " + reference + " t.msg").status) << source;
         return tree.text("t.bmf").substr(5, 3);
     };
     EXPECT_EQ(shape("1 \"a\"", "-r en.msg"), shape("3 \"{0}\"", "-r en.msg"));
@@ -150,45 +141,40 @@ TEST(QblmsgcTest, WritesWholeFilesThatReadBackUnchanged) {
     tree.file(
         "x.msg",
         "# {0} \xC3\xA4\\\n2147483649 HIGH \"it's {0}\"\n\n1 \"\\u00e4\\n\"  # b\n \"\\\"\\\\\"");
-    expectRun(tree, "-H x-ids.h -o out.bmf x.msg", 0, "");
+    expectRun(tree, "$M -H x-ids.h -o out.bmf x.msg", 0, "");
     EXPECT_EQ(bytes, tree.text("out.bmf"));
     EXPECT_EQ(
         "// Made by qblmsgc from x.msg.\n#ifndef X_IDS_H\n#define X_IDS_H\n\nenum x_ids {\n"
         "    /// {0} \xC3\xA4\n    HIGH = 2147483649u,\n};\n\n#endif\n",
         tree.text("x-ids.h"));
-    expectRun(tree, "-d out.bmf", 0,
+    expectRun(tree, "$M -d out.bmf", 0,
               "1 \"\xC3\xA4\\n\"\n    \"\\\"\\\\\"\n2147483649 \"it's {0}\"\n");
     // The option --typed changes only the bytes after the magic.
-    expectRun(tree, "--typed -o typed.bmf x.msg", 0, "");
+    expectRun(tree, "$M --typed -o typed.bmf x.msg", 0, "");
     const std::string typed = tree.text("typed.bmf");
     EXPECT_NE(bytes, typed);
     EXPECT_EQ(bytes, std::string(typed).replace(5, 3, 3, '\0'));
-    expectRun(tree,
-              "-d typed.bmf | tail -n +2 >again.msg && '" QBL_MSGC "' --typed -r x.msg again.msg",
-              0, "");
+    expectRun(tree, "$M -d typed.bmf | tail -n +2 >again.msg && $M --typed -r x.msg again.msg", 0,
+              "");
     EXPECT_EQ(typed, tree.text("again.bmf"));
     // After an error, the old files are unchanged.
     tree.file("x.msg", "1 A \"{\"");
-    EXPECT_EQ(1, run(tree, "-H x-ids.h -o out.bmf x.msg").status);
+    EXPECT_EQ(1, runTool(tree, "$M -H x-ids.h -o out.bmf x.msg").status);
     EXPECT_EQ(bytes, tree.text("out.bmf"));
     EXPECT_NE(std::string::npos, tree.text("x-ids.h").find("HIGH"));
     // Texts that are not patterns, and invisible characters, also round-trip.
     tree.file("odd.bmf", compiled({{5, "{\t"}, {6, ""}, {7, "\x01\xC2\xA0\r{0,x}"}}));
-    EXPECT_EQ(0, run(tree, "-d odd.bmf >odd.msg && '" QBL_MSGC "' -qo again.bmf odd.msg").status);
+    EXPECT_EQ(0, runTool(tree, "$M -d odd.bmf >odd.msg && $M -qo again.bmf odd.msg").status);
     EXPECT_EQ(tree.text("odd.bmf"), tree.text("again.bmf"));
-    expectRun(tree, "-o /no/x.bmf odd.msg -q", 1,
+    expectRun(tree, "$M -o /no/x.bmf odd.msg -q", 1,
               "/no/x.bmf: cannot be written: No such file or directory\n");
 }
 
 TEST(QblmsgcTest, HeadersOfTheToolsAreUpToDate) {
-    TempTree tree;
-    for (const std::string tool : {"qblmsgc", "qblconv"}) {
-        const std::string header = tool + "msgs.hpp";
-        std::string command = "--typed -o a -H " + header;
-        command.append(" '" QBL_MSGS_DIR "/").append(tool).append("msgs_en.msg' && cmp ");
-        command.append(header).append(" '" QBL_TOOLS_DIR "/").append(tool).append("/");
-        expectRun(tree, command.append(header).append("'"), 0, "");
-    }
+    expectRun(TempTree(),
+              "for t in qblmsgc qblconv; do $M --typed -o a -H ${t}msgs.hpp '" QBL_MSGS_DIR
+              "'/${t}msgs_en.msg && cmp ${t}msgs.hpp '" QBL_TOOLS_DIR "'/$t/${t}msgs.hpp; done",
+              0, "");
 }
 
 TEST(QblmsgcTest, RejectsHostileMessageFiles) {
@@ -196,7 +182,7 @@ TEST(QblmsgcTest, RejectsHostileMessageFiles) {
     const std::string good = bmfBytes({{1, "one"}, {2, "two"}});
     const auto expectDump = [&](const std::string& bytes, const std::string& output) {
         tree.file("t.bmf", bytes);
-        expectRun(tree, "-d t.bmf", 1, output);
+        expectRun(tree, "$M -d t.bmf", 1, output);
     };
     // The tool writes nothing after the texts.
     expectDump(good + '\0',
@@ -240,15 +226,15 @@ TEST(QblmsgcTest, ReportsMisuseAndOverwritesNothing) {
         {"-o a.hpp -H ./a.hpp t.msg", "the output ./a.hpp" + over("a.hpp")},
     };
     for (const auto& [arguments, said] : table)
-        expectRun(tree, arguments, 2, "qblmsgc: " + said + "\n");
+        expectRun(tree, std::string("$M ") + arguments, 2, "qblmsgc: " + said + "\n");
     EXPECT_EQ("1 A \"a\"\n", tree.text("t.msg"));
-    expectRun(tree, "-H a.hpp -o no/a.bmf t.msg", 1,
+    expectRun(tree, "$M -H a.hpp -o no/a.bmf t.msg", 1,
               "no/a.bmf: cannot be written: No such file or directory\n");
     EXPECT_FALSE(std::filesystem::exists(tree("a.hpp"))) << "neither file is written";
     expectRun(
-        tree, "-o /dev/null t.msg", 1,
+        tree, "$M -o /dev/null t.msg", 1,
         "/dev/null: cannot be written: not a regular file; use -c to check without writing\n");
-    expectRun(tree, "-d /dev/zero", 1, "/dev/zero: cannot be read: File too large\n");
+    expectRun(tree, "$M -d /dev/zero", 1, "/dev/zero: cannot be read: File too large\n");
 }
 
 TEST(QblmsgcTest, EscapesHostileNamesAndTexts) {
@@ -257,17 +243,16 @@ TEST(QblmsgcTest, EscapesHostileNamesAndTexts) {
     tree.file(name, "1 A \"\"\n2 class \"\\u001B[2J\"");
     const std::string quoted = "\"$(printf 'x\\nint y;\\342\\200\\256\\134.msg')\"";
     const std::string seen = "x\\x0Aint y;\\xE2\\x80\\xAE\\.msg:";
-    expectRun(tree, "-c " + quoted, 1,
+    expectRun(tree, "$M -c " + quoted, 1,
               seen + "1:6: warning: an empty text counts as missing\n" + seen +
                   "2:3: error: class is reserved in C or C++; choose another name\n");
     tree.file(name, "1 A \"a\"");
-    expectRun(tree, "-H a.hpp -o a.bmf " + quoted, 0, "");
+    expectRun(tree, "$M -H a.hpp -o a.bmf " + quoted, 0, "");
     EXPECT_EQ(0U, tree.text("a.hpp").find("// Made by qblmsgc from x\\x0Aint y;"));
     // Pipes are read, but a pipe without a writer is an error.
-    expectRun(tree, "-c /dev/stdin <<'X'\n1 \"\"\nX", 0,
+    expectRun(tree, "$M -c /dev/stdin <<'X'\n1 \"\"\nX", 0,
               "/dev/stdin:1:4: warning: an empty text counts as missing\n");
-    expectRun(tree, "-V >/dev/null; mkfifo fifo; '" QBL_MSGC "' -d fifo", 1,
-              "fifo: cannot be read: Broken pipe\n");
+    expectRun(tree, "mkfifo fifo; $M -d fifo", 1, "fifo: cannot be read: Broken pipe\n");
 }
 
 TEST(QblmsgcTest, ReadsSharedTextsWithoutCopies) {
@@ -279,8 +264,7 @@ TEST(QblmsgcTest, ReadsSharedTextsWithoutCopies) {
     for (unsigned i = 0; i < 2000; ++i)
         bytes += bigEndian(i) + bigEndian(0) + bigEndian(static_cast<unsigned>(texts.size() + 1));
     tree.file("t.bmf", bytes + texts + '\0');
-    expectRun(tree, "-V >/dev/null; ulimit -v 400000; '" QBL_MSGC "' -d t.bmf | head -c 9", 0,
-              "0 \"aaaaaa");
+    expectRun(tree, "ulimit -v 400000; $M -d t.bmf | head -c 9", 0, "0 \"aaaaaa");
 }
 
 TEST(QblmsgcTest, ShowsReportsInTheReadersLanguage) {
@@ -297,7 +281,7 @@ TEST(QblmsgcTest, ShowsReportsInTheReadersLanguage) {
     error.toString("xx", nullptr, xml, 0);
     const std::string report = xml.toUtf8(), broken = "<Exception Name=\"x\"><Messages>";
     tree.file("log", "before " + report + " after\n" + broken + "\n<Message\n");
-    expectRun(tree, "-s log 2>/dev/null", 1,
+    expectRun(tree, "$M -s log 2>/dev/null", 1,
               "before QBLPluginException (Error), code 5\n"
               "    Warning: Only 1,234,567 bytes are left in /var.\n"
               "  Error: No such file or directory\n"
@@ -306,17 +290,17 @@ TEST(QblmsgcTest, ShowsReportsInTheReadersLanguage) {
               " after\n" +
                   broken + "\n<Message\n");
     const std::string place = std::to_string(("before " + report + " after\n").size());
-    expectRun(tree, "-s log >/dev/null", 1,
+    expectRun(tree, "$M -s log >/dev/null", 1,
               "byte " + place + ": a report begins here that is malformed or too large\n");
     // The report arrives in pieces, from a pipe.
     const Outcome german =
-        run(tree, "-s - de <<X\n" + std::string("$(head -c 9000 /dev/zero | tr '\\0' '<')") +
-                      report + "\nX");
+        runTool(tree, "$M -s - de <<X\n" + std::string("$(head -c 9000 /dev/zero | tr '\\0' '<')") +
+                          report + "\nX");
     EXPECT_EQ(0, german.status);
     EXPECT_NE(std::string::npos,
               german.output.find("Warnung: In /var sind nur noch 1.234.567 Bytes frei."));
     tree.file("w.msg", "1 \"\"");
-    expectRun(tree, "-cX w.msg | '" QBL_MSGC "' -s", 0,
+    expectRun(tree, "$M -cX w.msg | $M -s", 0,
               "w.msg:1:4: warning: an empty text counts as missing\n");
 }
 
@@ -324,25 +308,26 @@ TEST(QblmsgcTest, ShowsTextsAndSearchedFiles) {
     TempTree tree;
     tree.file("t_de_AT.bmf", bmfBytes({{1, "{0}|{1}|{2}|{3}|{4}|{5}"}, {2, "two"}, {3, "{"}}));
     tree.file("t_en.bmf", "x");
-    expectRun(tree,
-              "-g 0x1 t_de_AT.bmf ulong:2147483649 long:-5 double:1.5 string:a:b msgid:2 opaque:1",
-              0, "-2\u00A0147\u00A0483\u00A0647|-5|1,5|a:b|two|\n");
     expectRun(
-        tree, "-g 3 t_de_AT.bmf long:1", 1,
+        tree,
+        "$M -g 0x1 t_de_AT.bmf ulong:2147483649 long:-5 double:1.5 string:a:b msgid:2 opaque:1", 0,
+        "-2\u00A0147\u00A0483\u00A0647|-5|1,5|a:b|two|\n");
+    expectRun(
+        tree, "$M -g 3 t_de_AT.bmf long:1", 1,
         "./t_de_AT.bmf: the text for 3 cannot be formatted: it is not a message pattern, or a "
         "parameter has the wrong type\n");
     expectRun(
-        tree, "-g 1 t_de_AT.bmf long:1x", 2,
+        tree, "$M -g 1 t_de_AT.bmf long:1x", 2,
         "qblmsgc: invalid parameter: long:1x; write TYPE:VALUE, such as string:text or long:5\n");
     expectRun(
-        tree, "-w ./t", 1,
+        tree, "$M -w ./t", 1,
         "* ./t_en.bmf\n  ./t.bmf\n./t_en.bmf: not a valid message file; qblmsgc -d shows why\n");
-    expectRun(tree, "-w ./u", 1,
+    expectRun(tree, "$M -w ./u", 1,
               "  ./u_en.bmf\n  ./u.bmf\n./u: no catalogue found for en; none of the files listed "
               "exists\n");
-    expectRun(tree, "-g 1 t.msg", 2, "./t.msg: the name of a message file must end in .bmf\n");
+    expectRun(tree, "$M -g 1 t.msg", 2, "./t.msg: the name of a message file must end in .bmf\n");
     for (const char* absent : {"no.msg", "-c -r t.msg no.msg", "-d no.bmf", "-g 1 ./no.bmf"}) {
         const std::string words = absent, file = words.substr(words.rfind(' ') + 1);
-        expectRun(tree, absent, 2, file + ": cannot be read: No such file or directory\n");
+        expectRun(tree, "$M " + words, 2, file + ": cannot be read: No such file or directory\n");
     }
 }

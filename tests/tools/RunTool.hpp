@@ -16,13 +16,15 @@ struct Outcome {
     std::string output;
 };
 
-/// Runs a shell command in a directory.
+/// Runs a shell command in a directory. $Q is qblconv, $M is qblmsgc, and $S is qblconv with input
+/// in Shift_JIS.
 /// @param environment  assignments such as "LC_ALL=de"
 inline Outcome runTool(const TempTree& tree, const std::string& command,
                        const std::string& environment = "LC_ALL=C") {
     const std::string whole = "cd '" + std::string(tree.root()) +
-                              "' && unset TAV_EXEC_PATH; export " + environment + "; { " + command +
-                              "\n} 2>&1";
+                              "' && unset TAV_EXEC_PATH; Q='" QBL_CONV "' M='" QBL_MSGC
+                              "'; S=\"$Q -f Shift_JIS\"; export " +
+                              environment + "; { " + command + "\n} 2>&1";
     std::FILE* pipe = popen(whole.c_str(), "r");
     std::string output;
     char block[4096];
@@ -32,8 +34,10 @@ inline Outcome runTool(const TempTree& tree, const std::string& command,
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
 }
 
-inline void expectOutcome(const Outcome& result, int status, const std::string& output,
-                          const std::string& command) {
+/// Runs a shell command as runTool() does, and compares its status and output.
+inline void expectRun(const TempTree& tree, const std::string& command, int status,
+                      const std::string& output, const std::string& environment = "LC_ALL=C") {
+    const Outcome result = runTool(tree, command, environment);
     EXPECT_EQ(status, result.status) << command << "\n" << result.output;
     EXPECT_EQ(output, result.output) << command;
 }
