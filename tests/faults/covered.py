@@ -13,14 +13,15 @@ rows of tests/faults. Exits with 1 if a check fails, and with 77 if valgrind is 
 Each entry of without.txt must be needed."""
 import collections
 import fnmatch
-import os
+import pathlib
 import re
 import shutil
 import subprocess
 import sys
 import tempfile
 
-ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+FOLDER = pathlib.Path(__file__).resolve().parent
+ROOT = FOLDER.parents[1]
 # Imported functions that need no memory and make no system call that can fail.
 HARMLESS = re.compile(r"""
     mem(cpy|cmp|chr|move|set)(_chk)? | __mem\w+_chk | (str|wcs|wmem)\w+ | __errno_location | free | is\w+ | __\w+di3
@@ -48,11 +49,6 @@ SYSTEM = re.compile(r"""
 
 def run(*command):
     return subprocess.run(command, capture_output=True, text=True, check=True).stdout
-
-
-def text_of(*path):
-    with open(os.path.join(ROOT, *path), encoding="utf-8") as file:
-        return file.read()
 
 
 class Library:
@@ -107,15 +103,14 @@ class Library:
 
     def failing(self):
         """The addresses of the functions that can fail."""
-        callers = collections.defaultdict(set)
-        found = []
+        callers, known = collections.defaultdict(set), set()
         for caller, callees in self.calls.items():
             for callee in callees:
                 if isinstance(callee, int):
                     callers[callee].add(caller)
                 elif not HARMLESS.fullmatch(callee):
-                    found.append(caller)
-        known = set(found)
+                    known.add(caller)
+        found = list(known)
         while found:
             for caller in callers[found.pop()] - known:
                 known.add(caller)
@@ -129,18 +124,16 @@ def executed(program):
         subprocess.run(["valgrind", "--tool=callgrind", "--demangle=no", "--callgrind-out-file=" + out.name, program,
                         "--gtest_filter=Disasters.LargeNumbers:Callbacks.*"], stdout=subprocess.DEVNULL,
                        stderr=subprocess.DEVNULL, check=True)
-        with open(out.name, encoding="utf-8", errors="replace") as file:
-            return set(re.findall(r"^c?fn=\(\d+\) ([^\s']+)", file.read(), re.M))
+        profile = pathlib.Path(out.name).read_text("utf-8", "replace")
+        return set(re.findall(r"^c?fn=\(\d+\) ([^\s']+)", profile, re.M))
 
 
 def private_names():
     """The names, as Class::name, that only private sections of headers declare."""
     found = {"public": set(), "private": set()}
     for top in ("QBLCore", "TavThread", "i18n"):
-        for folder, _, files in os.walk(os.path.join(ROOT, top)):
-            for name in files:
-                if name.endswith((".hpp", ".h")):
-                    read_classes(text_of(folder, name), found)
+        for path in [*(ROOT / top).rglob("*.hpp"), *(ROOT / top).rglob("*.h")]:
+            read_classes(path.read_text("utf-8"), found)
     return found["private"] - found["public"]
 
 
@@ -175,42 +168,34 @@ def is_private(symbol, private):
 
 def hooks():
     """The names of the functions that tests/faults replaces."""
-    calls, code = text_of("tests", "faults", "Calls.inc"), text_of("tests", "faults", "Calls.cpp")
-    found = set(re.findall(r"^(?:\w+\*? )+\*?(\w+)\([^;]*?\) (?:noexcept )?\{|HOOK_OPEN\((\w+)\)", code, re.M))
-    names = {name for pair in found for name in pair}
-    names.update(re.findall(r"HOOK\(\w+, [\w |]+,[\w* ]+,[^,]+,\s*(\w+)", calls))
-    names.update(re.findall(r"HOOK_NUMBER\(\w+, (\w+)", calls))
-    return names
-
-
-class Reasons:
-    """The entries of without.txt: patterns of functions that need no row, and imports without a hook."""
-
-    def __init__(self):
-        lines = [line.split("#")[0].strip() for line in text_of("tests", "faults", "without.txt").splitlines()]
-        self.needed = {line: False for line in lines if line}
-
-    def cover(self, name):
-        hits = [pattern for pattern in self.needed if fnmatch.fnmatchcase(name, pattern)]
-        for pattern in hits:
-            self.needed[pattern] = True
-        return bool(hits)
+    calls, code = ((FOLDER / name).read_text("utf-8") for name in ("Calls.inc", "Calls.cpp"))
+    found = re.findall(r"^(?:\w+\*? )+\*?(\w+)\([^;]*?\) (?:noexcept )?\{|HOOK_OPEN\((\w+)\)", code, re.M)
+    names = re.findall(r"HOOK(?:\(\w+, [\w |]+,[\w* ]+,[^,]+,|_NUMBER\(\w+,)\s*(\w+)", calls)
+    return {*names, *(name for pair in found for name in pair)}
 
 
 def main():
     path, program = sys.argv[1:]
+    lines = (FOLDER / "without.txt").read_text("utf-8").splitlines()
+    needed = {line.split("#")[0].strip(): False for line in lines if line.split("#")[0].strip()}
+
+    def cover(name):
+        hits = {pattern: True for pattern in needed if fnmatch.fnmatchcase(name, pattern)}
+        needed.update(hits)
+        return bool(hits)
+
     if shutil.which("valgrind") is None:
         print("skipped: valgrind is not installed; ./dev setup test installs it")
         sys.exit(77)
-    library, reasons, private = Library(path), Reasons(), private_names()
+    library, private = Library(path), private_names()
     failing = {name for name in library.exported if library.address.get(name) in library.failing()}
     ran = {library.address[name] for name in executed(program) if name in library.address}
     others = sorted(name for name in failing if library.address[name] not in ran)
     shown = {name for name in (run("c++filt", *others).splitlines() if others else []) if not is_private(name, private)}
-    missing = sorted(name for name in shown if not reasons.cover(name))
+    missing = sorted(name for name in shown if not cover(name))
     imports = {line.split()[-1].split("@")[0] for line in run("nm", "-D", "-u", path).splitlines()}
-    unhooked = sorted(name for name in imports - hooks() if SYSTEM.fullmatch(name) and not reasons.cover("import " + name))
-    idle = [pattern for pattern, needed in reasons.needed.items() if not needed]
+    unhooked = sorted(name for name in imports - hooks() if SYSTEM.fullmatch(name) and not cover("import " + name))
+    idle = [pattern for pattern, used in needed.items() if not used]
     for name in missing:
         print("no row runs %s: add a row to tests/faults, or a line with a reason to tests/faults/without.txt" % name)
     for name in unhooked:

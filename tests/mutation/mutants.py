@@ -12,14 +12,15 @@ deletes. The same seed gives the same mutants as long as the sources do not chan
 import argparse
 import collections
 import os
+import pathlib
 import random
 import re
-import shutil
 import subprocess
 import sys
+import tempfile
 import time
 
-ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+ROOT = pathlib.Path(__file__).resolve().parents[2]
 LIBRARY = ("TavThread", "QBLCore", "i18n")
 # Sources that no test of this machine can reach, or whose every change is invisible.
 EXCLUDED = re.compile(r"CMakeLists|TavTrace")
@@ -37,7 +38,7 @@ STATEMENT = re.compile(r"^( +)(?!return|throw|delete|case|default|else|using|typ
                        r"(?:[\w\[\]>.:*-]+(?:\(.*\)| [-+|&]?= [^;]*)|(?:\+\+|--)[\w.>-]+);$", re.M)
 GUARD = re.compile(r"^ +(?:const )?\w*(?:Guard|guard|NoCancel|Calm)\w*(?:<[^>]*>)? \w+[({].*[)}];$", re.M)
 NUMBER = re.compile(r"(?<![\w.<])(\d+)(?=[;,) \]])")
-RESULT = re.compile(r"\breturn ([^;{}]+);")
+RESULT = re.compile(r"\breturn (?!(?:-?\d+|true|false|nullptr|\*this);)([^;{}]+);")
 NEGATION = re.compile(r"(?<=\()!(?=[\w(])")
 
 
@@ -59,31 +60,22 @@ def sites(text):
     for m in STATEMENT.finditer(code):
         if "const " not in m.group() and "\0" not in m.group(1):
             yield "dropped", m.start() + len(m.group(1)), m.end(), ";"
-    for m in GUARD.finditer(code):
-        yield "dropped", m.start(), m.end(), ";"
     for m in NUMBER.finditer(code):
         yield "constant", m.start(), m.end(), str(int(m.group(1)) + 1)
-    for m in RESULT.finditer(code):
-        value = m.group(1)
-        if re.fullmatch(r"-?\d+|true|false|nullptr|\*this", value):
-            continue
-        yield "return", m.start(1), m.end(1), "{}"
-    for m in NEGATION.finditer(code):
-        yield "negation", m.start(), m.end(), ""
+    for kind, pattern, new in ("dropped", GUARD, ";"), ("return", RESULT, "{}"), ("negation", NEGATION, ""):
+        for m in pattern.finditer(code):
+            yield kind, *m.span(pattern.groups), new
 
 
 def choose(rng, only):
     """Yields mutants without end: a random kind, then a random place of this kind."""
     by_kind = collections.defaultdict(list)
     for top in LIBRARY:
-        for folder, _, names in sorted(os.walk(os.path.join(ROOT, top))):
-            for name in sorted(names):
-                path = os.path.relpath(os.path.join(folder, name), ROOT)
-                if not name.endswith((".cpp", ".hpp")) or EXCLUDED.search(path) or only not in path:
-                    continue
-                with open(os.path.join(ROOT, path), encoding="utf-8") as f:
-                    for site in sites(f.read()):
-                        by_kind[site[0]].append((path,) + site)
+        for file in sorted((ROOT / top).rglob("*.[ch]pp")):
+            path = str(file.relative_to(ROOT))
+            if not EXCLUDED.search(path) and only in path:
+                for site in sites(file.read_text("utf-8")):
+                    by_kind[site[0]].append((path, *site))
     kinds = sorted(by_kind)
     while kinds:
         kind = rng.choice(kinds)
@@ -175,36 +167,27 @@ def area_of(path):
 
 def trial(build, path, text, skipped=()):
     """Builds and tests the tree with this text as the file's; returns (verdict, output)."""
-    work = "/tmp/qblmutant.%d" % os.getpid()
-    os.makedirs(work + "/root", exist_ok=True)
-    file = work + "/mutant"
-    if path:
-        with open(file, "w", encoding="utf-8") as f:
-            f.write(text)
-    env = dict(os.environ, BUILD=build, MUTANT_PATH=path, MUTANT_FILE=file if path else "/nonexistent",
-               AREA=area_of(path) if path else "",
-               SKIP="|".join("^%s$" % re.escape(name) for name in skipped))
-    env.pop("LIBRARY_PATH", None)
-    done = subprocess.run(["unshare", "-m", "-p", "-f", "-i", "-n", "--kill-child", "bash", "-c", PRIVATE_ROOT,
-                           "bash", ROOT, work + "/root", TRIAL],
-                          env=env, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                          stderr=subprocess.STDOUT, text=True, errors="replace")
-    shutil.rmtree(work, ignore_errors=True)
+    with tempfile.TemporaryDirectory(prefix="qblmutant.", dir="/tmp") as work:
+        root, file = pathlib.Path(work, "root"), pathlib.Path(work, "mutant")
+        root.mkdir()
+        if path:
+            file.write_text(text, "utf-8")
+        env = dict(os.environ, BUILD=build, MUTANT_PATH=path, MUTANT_FILE=str(file),
+                   AREA=area_of(path) if path else "", SKIP="|".join("^%s$" % re.escape(name) for name in skipped))
+        env.pop("LIBRARY_PATH", None)
+        done = subprocess.run(["unshare", "-m", "-p", "-f", "-i", "-n", "--kill-child", "bash", "-c", PRIVATE_ROOT,
+                               "bash", ROOT, root, TRIAL], env=env, stdin=subprocess.DEVNULL, check=False,
+                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, errors="replace")
     found = re.findall(r"^verdict: (.*)$", done.stdout, re.M)
     return (found[-1] if found else "broken"), done.stdout
 
 
-def line_of(text, start):
-    return text.count("\n", 0, start) + 1
-
-
 def apply(mutant):
     path, kind, start, end, new = mutant
-    with open(os.path.join(ROOT, path), encoding="utf-8") as f:
-        text = f.read()
+    text = (ROOT / path).read_text("utf-8")
     after = text[:start] + new + text[end:]
-    number = line_of(text, start)
-    return after, number, text.splitlines()[number - 1].strip(), after.splitlines()[number - 1].strip()
+    number = text.count("\n", 0, start)
+    return after, number + 1, text.splitlines()[number].strip(), after.splitlines()[number].strip()
 
 
 def report(results):

@@ -1,5 +1,4 @@
-"""Reads and writes differential.txt: the known differences between the tables of qblconv and
-glibc."""
+"""Reads and writes differential.txt: the known differences between the tables of qblconv and glibc."""
 import pathlib
 import zlib
 
@@ -39,8 +38,7 @@ def ranges_of(differences, most=5):
 
 
 def summary_of(name, differences):
-    """Yields one line for each direction, kind and reason: the number of differences, a checksum, and
-    the first differences."""
+    """Yields a line for each direction, kind and reason: number of differences, checksum, first differences."""
     groups = {}
     for each in differences:
         groups.setdefault(each[:3], []).append(each)
@@ -51,10 +49,9 @@ def summary_of(name, differences):
 
 def recorded():
     lines = {}
-    if RECORD.exists():
-        for line in RECORD.read_text("utf-8").splitlines():
-            if line and not line.startswith("#"):
-                lines.setdefault(line.split()[0], []).append(line)
+    for line in RECORD.read_text("utf-8").splitlines():
+        if line and not line.startswith("#"):
+            lines.setdefault(line.split()[0], []).append(line)
     return lines
 
 

@@ -6,8 +6,7 @@ _LIBC = ctypes.CDLL(None, use_errno=True)
 _LIBC.iconv_open.restype = ctypes.c_void_p
 _LIBC.iconv_open.argtypes = [ctypes.c_char_p, ctypes.c_char_p]
 _LIBC.iconv.restype = ctypes.c_ssize_t
-_LIBC.iconv.argtypes = [ctypes.c_void_p, ctypes.c_void_p, ctypes.c_void_p, ctypes.c_void_p,
-                        ctypes.c_void_p]
+_LIBC.iconv.argtypes = [ctypes.c_void_p] * 5
 _LIBC.iconv_close.argtypes = [ctypes.c_void_p]
 _ROOM = 1024
 
@@ -22,8 +21,7 @@ class Iconv:
         self._out = ctypes.create_string_buffer(_ROOM)
         self._in_at, self._in_left = ctypes.c_char_p(), ctypes.c_size_t()
         self._out_at, self._out_left = ctypes.c_void_p(), ctypes.c_size_t()
-        self._places = [ctypes.byref(each) for each in (self._in_at, self._in_left, self._out_at,
-                                                        self._out_left)]
+        self._places = [*map(ctypes.byref, (self._in_at, self._in_left, self._out_at, self._out_left))]
 
     def __del__(self):
         if self._descriptor != ctypes.c_void_p(-1).value:
