@@ -4,6 +4,7 @@
 #include <pthread.h>
 
 #include <memory>
+#include <thread>
 
 #include "tests/faults/Rows.hpp"
 #include "tests/support/Library.hpp"
@@ -82,34 +83,23 @@ struct Listener : I18NTextStreamListener {
     void unconvertible(const I18NUnconvertible& /*what*/) override { end(); }
 };
 
-struct Job {
-    void (*run)();
-    std::string result = "ended";
-
-    static void* start(void* given) {
-        Job& job = *static_cast<Job*>(given);
-        try {
-            job.run();
-            job.result = "done";
-        } catch (const UserError&) {
-            job.result = "passed";
-        } catch (const fault::Broken& broken) {
-            job.result = broken.what;
-        } catch (const QBLThrowable& error) {
-            job.result = error.getThrowableName();
-        }
-        return nullptr;
-    }
-};
-
 std::string resultOf(void (*run)(), void (*how)()) {
     g_end = how;
-    Job job{run};
-    pthread_t thread;
-    if (pthread_create(&thread, nullptr, &Job::start, &job) != 0) return "no thread";
-    pthread_join(thread, nullptr);
+    std::string result = "ended";
+    std::thread([&] {
+        try {
+            run();
+            result = "done";
+        } catch (const UserError&) {
+            result = "passed";
+        } catch (const fault::Broken& broken) {
+            result = broken.what;
+        } catch (const QBLThrowable& error) {
+            result = error.getThrowableName();
+        }
+    }).join();
     g_end = nullptr;
-    return job.result;
+    return result;
 }
 
 /// Runs an operation whose callbacks end in each way, and afterwards in the usual way.

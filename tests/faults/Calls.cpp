@@ -21,6 +21,7 @@
 #include <cstring>
 #include <ctime>
 #include <new>
+#include <utility>
 
 // NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming): its name
 extern "C" [[gnu::weak]] void __asan_handle_no_return();
@@ -57,14 +58,9 @@ thread_local fault::Kind t_kind = fault::Kind::kUsual;
 
 bool isSystem(fault::Kind kind) { return t_kind == kind && !fault::isCalm(); }
 
-const struct {
-    unsigned traits;
-    int error;
-} kDisasters[] = {{kPlain, 0},
-                  {kPlain, 0},
-                  {kTakesDescriptor, EMFILE},
-                  {kTakesSpace, ENOSPC},
-                  {kChanges, EROFS}};  // by Disaster
+// By Disaster: the traits of the calls that fail, and the error number.
+constexpr std::pair<unsigned, int> kDisasters[] = {
+    {kPlain, 0}, {kPlain, 0}, {kTakesDescriptor, EMFILE}, {kTakesSpace, ENOSPC}, {kChanges, EROFS}};
 
 /// Requests the cancellation of this thread if it is due.
 void passCancellationPoint() {
@@ -86,7 +82,7 @@ int dueError(fault::Call call, unsigned traits) {
     ++t_plans[call].seen;
     const bool lasts = t_disaster != Disaster::kNone;
     Plan& plan = t_plans[lasts ? fault::kCallCount : call];
-    if (plan.left < 0 || (lasts && (traits & kDisasters[int(t_disaster)].traits) == 0)) return 0;
+    if (plan.left < 0 || (lasts && (traits & kDisasters[int(t_disaster)].first) == 0)) return 0;
     if (plan.left > 0) {
         --plan.left;
         return 0;
@@ -159,9 +155,6 @@ const std::vector<Hook>& hooks() {
     {#name, {__VA_ARGS__}},
 #define HOOK_NUMBER(id, name, parameters, spec, arguments, ...) {#name, {__VA_ARGS__}},
 #include "tests/faults/Calls.inc"
-#undef CALL
-#undef HOOK
-#undef HOOK_NUMBER
     };
     return kHooks;
 }
@@ -185,7 +178,7 @@ bool reset() {
 int injectedError() { return t_error != 0 ? t_error : ENOMEM; }
 void strike(Disaster disaster, long n) {
     t_disaster = disaster;
-    t_error = kDisasters[int(disaster)].error;
+    t_error = kDisasters[int(disaster)].second;
     t_plans[kCallCount] = {n, t_error, false, 0};
 }
 void cancelAfter(long n, bool* cancelled) {

@@ -58,9 +58,6 @@ enum Call : std::size_t {
 #define HOOK CALL
 #define HOOK_NUMBER CALL
 #include "tests/faults/Calls.inc"
-#undef CALL
-#undef HOOK
-#undef HOOK_NUMBER
     kCallCount
 };
 struct Hook {

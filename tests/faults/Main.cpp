@@ -3,21 +3,17 @@
 // failure, checks that the row failed as promised or gave the same result as without the failure,
 // that it succeeds afterwards, and that no block and no descriptor is lost.
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <new>
+#include <thread>
 #include <utility>
 
-#include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
-#include "QBLCore/Exceptions/QBLSystemError.hpp"
-#include "QBLCore/Exceptions/QBLThreadResourceError.hpp"
-#include "QBLCore/Frame/QBLCore.h"
-#include "i18n/cpp/i18n_init.h"
 #include "tests/faults/Rows.hpp"
+#include "tests/support/Library.hpp"
 
 namespace fault {
 
@@ -165,33 +161,21 @@ public:
     void retry() { check(attempt(m_row), kNothing, 0); }
 
     bool runInThread(long n) {
-        Job job{m_row, n};
-        pthread_t thread;
-        void* result = nullptr;
-        if (pthread_create(&thread, nullptr, &Job::run, &job) != 0) return false;
-        pthread_join(thread, &result);
+        Outcome outcome;
+        bool cancelled = false, ended = false;
+        std::thread([&] {
+            cancelAfter(n, &cancelled);
+            outcome = attempt(m_row);
+            cancelAfter(-1, nullptr);
+            ended = true;
+        }).join();
         // The row may disable cancellation, and then finish.
-        if (result != PTHREAD_CANCELED) check(job.outcome, kNothing, 0);
-        if (job.cancelled) retry();
-        return job.cancelled;
+        if (ended) check(outcome, kNothing, 0);
+        if (cancelled) retry();
+        return cancelled;
     }
 
 private:
-    struct Job {
-        const Row& row;
-        long n;
-        Outcome outcome{};
-        bool cancelled = false;
-
-        static void* run(void* given) {
-            Job& job = *static_cast<Job*>(given);
-            cancelAfter(job.n, &job.cancelled);
-            job.outcome = attempt(job.row);
-            cancelAfter(-1, nullptr);
-            return nullptr;
-        }
-    };
-
     unsigned allowed(bool ofCall, int error) const {
         if (!ofCall) return m_row.promises;
         unsigned all = m_row.promises | m_row.calls;
