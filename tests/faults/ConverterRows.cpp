@@ -6,18 +6,12 @@
 namespace fault {
 namespace {
 
-const std::string& japanese() {
-    static const std::string kText = [] {
-        std::string text;
-        for (int i = 0; i < 300; ++i) text += "ascii \u00E9 \u65E5\u672C\u8A9E\n";
-        return text;
-    }();
-    return kText;
-}
-const I18NString& japaneseText() {
-    static const I18NString kText(japanese());
-    return kText;
-}
+const std::string kJapanese = [] {
+    std::string text;
+    for (int i = 0; i < 300; ++i) text += "ascii \u00E9 \u65E5\u672C\u8A9E\n";
+    return text;
+}();
+const I18NString kJapaneseText(kJapanese);
 
 void refuse(I18NErrorCodes code) {
     if (code != I18N_OK && code != I18N_NOMEM) throw Broken{"code " + std::to_string(code)};
@@ -28,7 +22,7 @@ std::string there(const char* encoding) {
     const I18NConverter converter(encoding);
     char* bytes = nullptr;
     int length = 0;
-    converter.fromUnicode(&bytes, &length, japaneseText());
+    converter.fromUnicode(&bytes, &length, kJapaneseText);
     std::string copy = calmly([&] { return std::string(bytes, std::size_t(length)); });
     I18NFreeBuffer(bytes);
     return copy;
@@ -67,7 +61,7 @@ const bool kConversions = [] {
         with("I18NConverter.fromUnicode/", there);
         with("I18NConverter.toUnicode/", andBack);
         with("I18NTextStream.put/",
-             [](auto to) { return streamed(to, japanese(), I18N_MARK_KEEP); });
+             [](auto to) { return streamed(to, kJapanese, I18N_MARK_KEEP); });
     }
     return true;
 }();
@@ -170,10 +164,10 @@ const bool kRows = [] {
     });
     add("I18NPooledString", kOutOfMemory, [] {
         I18NPooledString first("a pooled text that is new each time"), second;
-        second = japaneseText();
+        second = kJapaneseText;
         first = second;
         second = "another text for the pool";
-        const I18NPooledString copy(first), third(japaneseText());
+        const I18NPooledString copy(first), third(kJapaneseText);
         first = I18NPooledString(copy);
         I18NPooledStringCustodian([](std::time_t*) { return std::time_t{7}; }).doIt(0);
         I18NPooledString::purge();
@@ -181,7 +175,7 @@ const bool kRows = [] {
     });
     add("I18NStringPool", kOutOfMemory, kThreadResource, [] {
         I18NStringPool pool(16, "windows-1252");
-        const I18NString& text = pool.getPooledString(japaneseText());
+        const I18NString& text = pool.getPooledString(kJapaneseText);
         const I18NString& other = pool.getPooledString("plain");
         return calmly([&] { return text + other; });
     });
@@ -192,10 +186,8 @@ const bool kRows = [] {
         copy = text;
         const I18NLocale bytes("de_AT"), none;
         const char* const name = bytes.getName();
-        return calmly([&] {
-            return std::string(name) + copy.getName() + parts.getLanguage() + parts.getCountry() +
-                   parts.getVariant();
-        });
+        return together(name, copy.getName(), parts.getLanguage(), parts.getCountry(),
+                        parts.getVariant());
     });
     add("I18NURLEncode", kOutOfMemory, [] {
         I18NString out;

@@ -51,14 +51,8 @@ void addError(const std::string& name, Error (*make)(), unsigned calls = kNothin
     });
     with(".texts", [=] {
         Error error = calmly(make);
-        const char* const message = error.getMessage();
-        const char* const code = error.getErrorCodeString();
-        const char* const xml = error.toString();
-        const I18NString formatted = error.format();
-        return calmly([&] {
-            return std::string(message != nullptr ? message : "") + (code != nullptr ? code : "") +
-                   xml + formatted.toUtf8();
-        });
+        return together(error.getMessage(), error.getErrorCodeString(), error.toString(),
+                        error.format());
     });
     // The memory of the exception itself comes from a reserve of the C++ library in the end.
     with(".hurl", [=]() -> std::string {

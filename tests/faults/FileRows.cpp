@@ -10,27 +10,15 @@ namespace fault {
 namespace {
 
 /// A folder with files and folders, whose names are not ASCII.
-const std::string& root() {
-    static const std::string kRoot = [] {
-        tree().dir("in/a folder with a long name/another folder with a long name");
-        tree().file("in/b\u00E9", "one\n" + std::string(70000, 'x') + "\ntwo \u65E5\n");
-        tree().file("in/a folder with a long name/c", "three\n");
-        return tree()("in");
-    }();
-    return kRoot;
-}
-const I18NString& rootText() {
-    static const I18NString kRoot(root());
-    return kRoot;
-}
-const std::string& out() {
-    static const std::string kOut = tree().dir("out");
-    return kOut;
-}
-const I18NString& outText() {
-    static const I18NString kOut(out());
-    return kOut;
-}
+const std::string kRoot = [] {
+    tree().dir("in/a folder with a long name/another folder with a long name");
+    tree().file("in/a folder with a long name/c", "three\n");
+    return tree()("in");
+}();
+const std::string kFile =
+    tree().file("in/b\u00E9", "one\n" + std::string(70000, 'x') + "\ntwo \u65E5\n");
+const std::string kOut = tree().dir("out");
+const I18NString kRootText(kRoot), kOutText(kOut);
 const char* pathOf(const std::string& path) { return path.c_str(); }
 const I18NString& pathOf(const I18NString& path) { return path; }
 
@@ -45,7 +33,7 @@ void needErrnoOr(bool done, Cleanup cleanup) {
 template <class File>
 std::string roundTrip() {
     File file, other;
-    const std::string path = calmly([] { return out() + "/file"; });
+    const std::string path = calmly([] { return kOut + "/file"; });
     needErrno(file.open(path.c_str(), File::create, 0));
     need(file.write("text", 4) == 4 && file.flush() && file.truncate(3));
     file.seek(0, File::begin);
@@ -145,7 +133,7 @@ const bool kRows = [] {
     add("QBLFmFile64", kRefuses, roundTrip<QBLFmFile64>);
     add("QBLFmReplaceFile.openIn", kRefuses, [] {
         QBLFmDirectory folder;
-        needErrno(folder.open(out().c_str()));
+        needErrno(folder.open(kOut.c_str()));
         QBLFmReplaceFile file;
         needErrno(file.open(folder, "replaced"));
         need(file.write("new", 3));
@@ -156,7 +144,7 @@ const bool kRows = [] {
     add("QBLFmDirectory", kRefuses | kOutOfMemory | kBadAlloc | kOther, [] {
         QBLFmDirectory parent, folder;
         std::string name;
-        needErrno(parent.openParent(root().c_str(), name));
+        needErrno(parent.openParent(kRoot.c_str(), name));
         needErrno(folder.open(parent, name.c_str()));
         needErrno(folder.create(parent, "made", 0700));
         needErrno(parent.rename("made", "made"));
@@ -166,57 +154,54 @@ const bool kRows = [] {
         needErrno(parent.readDir(&files, nullptr, &dirs, nullptr));
         return calmly([&] { return name + shown(files) + shown(dirs); });
     });
-    add("QBLFmDir.readDir", kRefuses, [] { return namesIn<std::string>(root(), "*", "a*"); });
+    add("QBLFmDir.readDir", kRefuses, [] { return namesIn<std::string>(kRoot, "*", "a*"); });
     add("QBLFmDir.readDirStrings", kRefuses, [] {
         const I18NString pattern("*");
-        return namesIn<I18NString, const I18NString*>(rootText(), &pattern, nullptr);
+        return namesIn<I18NString, const I18NString*>(kRootText, &pattern, nullptr);
     });
     add("QBLFmDir.makeAndRemove", kRefuses,
-        [] { makeAndRemove(calmly([] { return out() + "/x"; })); });
+        [] { makeAndRemove(calmly([] { return kOut + "/x"; })); });
     add("QBLFmDir.makeAndRemoveStrings", kRefuses,
-        [] { makeAndRemove(calmly([] { return outText() + "/\u00E9"; })); });
+        [] { makeAndRemove(calmly([] { return kOutText + "/\u00E9"; })); });
     add("QBLFmDir.temporaries", kRefuses, [] {
         makeTemporaries<std::string, const char>(
-            out().c_str(), "a prefix that is too long for the inside of a string", ".suffix");
+            kOut.c_str(), "a prefix that is too long for the inside of a string", ".suffix");
     });
     add("QBLFmDir.temporaryStrings", kRefuses, [] {
         static const I18NString kPrefix("a prefix of some length, with \u00E9"), kSuffix(".x");
-        makeTemporaries<I18NString, const I18NString>(&outText(), &kPrefix, &kSuffix);
+        makeTemporaries<I18NString, const I18NString>(&kOutText, &kPrefix, &kSuffix);
     });
     add("QBLFmDir.paths", kRefuses | kOutOfMemory | kBadAlloc, kFallback, [] {
         static const std::string kRelative("a/longer/relative/path/to/join");
-        return joinPaths(out(), kRelative);
+        return joinPaths(kOut, kRelative);
     });
     add("QBLFmDir.pathStrings", kRefuses | kOutOfMemory, kFallback, [] {
         static const I18NString kRelative("b\u00E9/c");
-        return joinPaths(outText(), kRelative);
+        return joinPaths(kOutText, kRelative);
     });
-    add("QBLFmDir.settings", kOutOfMemory, [] { return changeSettings(out()); });
-    add("QBLFmDir.settingStrings", kOutOfMemory, [] { return changeSettings(outText()); });
+    add("QBLFmDir.settings", kOutOfMemory, [] { return changeSettings(kOut); });
+    add("QBLFmDir.settingStrings", kOutOfMemory, [] { return changeSettings(kOutText); });
     add("QBLFmDir.getFileFullPath", kOutOfMemory | kBadAlloc, kFallback, [] {
-        return QBLFmDir::getFileFullPath("c", root().c_str(), {"a folder with a long name"});
+        return QBLFmDir::getFileFullPath("c", kRoot.c_str(), {"a folder with a long name"});
     });
     add("QBLFmDir.getFileFullPathStrings", kOutOfMemory | kBadAlloc, kFallback, [] {
         static const std::list<I18NString> kFolders{I18NString("a folder with a long name")};
         static const I18NString kName("c");
-        return QBLFmDir::getFileFullPath(kName, rootText(), kFolders);
+        return QBLFmDir::getFileFullPath(kName, kRootText, kFolders);
     });
     add("QBLFmEntries", kOutOfMemory | kBadAlloc | kOther | kRefuses, kAbsence,
-        [] { return listed(QBLFmEntries(root(), QBLFmEntries::kRecursive)); });
+        [] { return listed(QBLFmEntries(kRoot, QBLFmEntries::kRecursive)); });
     add("QBLFmEntries.string", kOutOfMemory | kBadAlloc | kOther | kRefuses, kAbsence,
-        [] { return listed(QBLFmEntries(rootText(), QBLFmEntries::kRecursive)); });
-    add("QBLFmLines", kOutOfMemory | kBadAlloc, kOther, [] {
-        static const std::string kPath = root() + "/b\u00E9";
-        return linesOf(QBLFmLines(kPath.c_str(), "UTF-8"));
-    });
+        [] { return listed(QBLFmEntries(kRootText, QBLFmEntries::kRecursive)); });
+    add("QBLFmLines", kOutOfMemory | kBadAlloc, kOther,
+        [] { return linesOf(QBLFmLines(kFile.c_str(), "UTF-8")); });
     add("QBLFmLines.converter", kOutOfMemory | kBadAlloc, kOther, [] {
-        static const std::string kPath = root() + "/b\u00E9";
         static const I18NConverter kLatin("windows-1252");
-        return linesOf(QBLFmLines(kPath.c_str(), kLatin, nullptr));
+        return linesOf(QBLFmLines(kFile.c_str(), kLatin, nullptr));
     });
     add("QBLFileLockRW", kOutOfMemory, kOther | kRefuses, [] {
         QBLFmFile file;
-        need(calmly([&] { return file.open((out() + "/lock").c_str(), QBLFmFile::create, 0); }));
+        need(calmly([&] { return file.open((kOut + "/lock").c_str(), QBLFmFile::create, 0); }));
         QBLFileLockRW lock(file);
         lock.lock();
         lock.readLock();

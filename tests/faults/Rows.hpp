@@ -71,6 +71,7 @@ enum Promise : unsigned {
 
 inline std::string shown(const std::string& text) { return text; }
 inline std::string shown(const I18NString& text) { return text.toUtf8(); }
+inline std::string shown(const char* text) { return text != nullptr ? text : ""; }
 inline std::string shown(long long number) { return std::to_string(number); }
 template <class Range, class = decltype(std::declval<const Range&>().begin())>
 std::string shown(const Range& range) {
@@ -97,8 +98,7 @@ std::vector<Row>& rows();
 
 /// Adds a row.
 /// @param operation  Returns nothing or a result that shown() takes. The result must be the same
-/// for
-///     every run that succeeds, whether an allocation or a call failed before or not.
+///     for every run that succeeds, whether an allocation or a call failed before or not.
 template <class Operation>
 void add(const std::string& name, unsigned promises, unsigned calls, Operation operation) {
     rows().push_back({name, promises, calls, [operation] {

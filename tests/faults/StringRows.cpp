@@ -1,5 +1,3 @@
-#include <cstdlib>
-
 #include "tests/faults/Rows.hpp"
 #include "tests/support/Library.hpp"
 
@@ -7,13 +5,7 @@ namespace fault {
 namespace {
 
 char* reallocate(void* /*context*/, char* block, int size, int* error) {
-    char* moved = nullptr;
-    if (size == 0)
-        std::free(block);
-    else
-        moved = static_cast<char*>(std::realloc(block, static_cast<std::size_t>(size)));
-    *error = size == 0 || moved != nullptr ? 0 : -1;
-    return moved;
+    return I18N_STRINGBUFFER_ALLOCATOR_CALLBACK(nullptr, block, size, error);
 }
 
 /// Shows the text, and checks that the string's counts and its forms agree.
@@ -125,10 +117,9 @@ const bool kRows = [] {
     });
     add("I18NString.c_str", kOutOfMemory, [] {
         const I18NString text = calmly(kTexts[2]);
-        const std::string first = bytesOf(text, "Shift_JIS"), second = bytesOf(text, "UTF-16"),
-                          third = bytesOf(text, "windows-1252"), fourth = bytesOf(text, nullptr),
-                          again = bytesOf(text, "Shift_JIS");
-        return calmly([&] { return first + second + third + fourth + again; });
+        return together(bytesOf(text, "Shift_JIS"), bytesOf(text, "UTF-16"),
+                        bytesOf(text, "windows-1252"), bytesOf(text, nullptr),
+                        bytesOf(text, "Shift_JIS"));
     });
     return true;
 }();

@@ -113,11 +113,7 @@ std::string print(const QBLByteBuffer& buffer) {
 template <class Change>
 void edit(const char* name, Change change) {
     const auto run = [change] {
-        QBLByteBuffer buffer = calmly([] {
-            QBLByteBuffer made(8, 8);
-            made << "before";
-            return made;
-        });
+        QBLByteBuffer buffer = calmly([] { return QBLByteBuffer(8, 8) << "before"; });
         const std::string after = changed(buffer, print, change);
         return calmly([&] { return after + print(buffer << 0); });
     };
