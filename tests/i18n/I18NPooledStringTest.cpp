@@ -1,7 +1,6 @@
 #include "i18n/cpp/i18n_pooledstring.hpp"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -47,13 +46,9 @@ std::string bucket(int number, int count, const std::string& entries) {
     return out.str();
 }
 
-/// A settings file of the pool, in a tree that is the working directory.
-struct Settings : TempTree {
-    explicit Settings(const std::string& text) {
-        std::filesystem::current_path(root());
-        change(text);
-    }
-    ~Settings() { std::filesystem::current_path(m_before); }
+/// A settings file of the pool, in the working directory.
+struct Settings : WorkingTree {
+    explicit Settings(const std::string& text) { change(text); }
     /// Makes the pool read the settings again.
     void change(const std::string& text) const {
         file("I18NPooledString.conf", text);
@@ -61,9 +56,6 @@ struct Settings : TempTree {
         I18NPooledString::terminate();
     }
     const std::string dump = "I18NPooledStringDump" + std::to_string(getpid()) + ".log";
-
-private:
-    const std::filesystem::path m_before = std::filesystem::current_path();
 };
 
 std::time_t g_now = 1000;
@@ -147,12 +139,9 @@ TEST(I18NPooledStringTest, PurgesAtTheIntervalsOfTheSettingsFile) {
         EXPECT_EQ(0, task.doIt(terminating));
         return pool.count() == 0;
     };
-    rlimit files = {};
-    getrlimit(RLIMIT_NOFILE, &files);
-    const rlimit none = {0, files.rlim_max};
-    setrlimit(RLIMIT_NOFILE, &none);
+    fault::strike(fault::Disaster::kDescriptors, 0);
     EXPECT_FALSE(purges(999)) << "the settings cannot be read";
-    setrlimit(RLIMIT_NOFILE, &files);
+    EXPECT_TRUE(fault::reset());
     EXPECT_FALSE(purges(1000)) << "the first pass only reads the settings";
     EXPECT_FALSE(purges(1010));
     EXPECT_FALSE(purges(1011, 1));
@@ -195,16 +184,15 @@ TEST(I18NPooledStringTest, DumpsOnlyIntoAFileOfItsOwnUser) {
         std::filesystem::remove(dump);
         return written;
     };
-    const auto nothing = [] {};
     const auto have = [&](unsigned mode, uid_t user) {
         return [&, mode, user] {
             chmod(tree.file(dump).c_str(), mode);
             chown(dump.c_str(), user, 0);
         };
     };
-    EXPECT_TRUE(dumps(0664, 0, nothing));
-    EXPECT_FALSE(dumps(0666, 0, nothing)) << "any user could have written the settings";
-    EXPECT_FALSE(dumps(0644, 1, nothing));
+    EXPECT_TRUE(dumps(0664, 0, [] {}));
+    EXPECT_FALSE(dumps(0666, 0, [] {})) << "any user could have written the settings";
+    EXPECT_FALSE(dumps(0644, 1, [] {}));
     EXPECT_TRUE(dumps(0600, 0, have(0600, 0)));
     EXPECT_TRUE(dumps(0600, 0, [&] {
         have(0600, 0)();
@@ -303,16 +291,15 @@ TEST(I18NPooledStringTest, FailedAllocationLeavesThePoolUnchanged) {
 
 TEST(I18NPooledStringTest, ThreadsAcquireReleasePurgeDumpAndStop) {
     Pool& pool = emptyPool();
-    std::vector<std::string> texts;
-    texts.reserve(300);
-    for (int i = 0; i < 300; ++i)
-        texts.push_back(std::string(i % 7 == 0 ? 40 : 0, 'x') + (i % 5 == 0 ? "\xC3\xA9" : "") +
-                        std::to_string(i));
+    std::vector<std::string> texts(300);
+    for (std::size_t i = 0; i < 300; ++i)
+        texts[i] = std::string(i % 7 == 0 ? 40 : 0, 'x') + (i % 5 == 0 ? "\xC3\xA9" : "") +
+                   std::to_string(i);
     std::atomic<unsigned> seed{std::random_device{}()};
     Workers(8, [&] {
         std::minstd_rand random(seed++);
         std::vector<I18NPooledString> held(16);
-        for (int i = 0, rounds = 125000; i < rounds; ++i) {
+        for (int i = 0; i < 125000; ++i) {
             const std::string& text = texts[random() % texts.size()];
             I18NPooledString& holder = held[random() % held.size()];
             holder = text.c_str();

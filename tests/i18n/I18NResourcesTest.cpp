@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <unicode/locid.h>
 #include <unicode/translit.h>
 #include <unistd.h>
@@ -13,6 +12,7 @@
 #include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/i18n_internal_resources.hpp"
 #include "i18n/cpp/i18n_string.hpp"
+#include "tests/faults/Injector.hpp"
 #include "tests/support/Child.hpp"
 #include "tests/support/TempTree.hpp"
 #include "tests/support/ThrowChecks.hpp"
@@ -25,15 +25,11 @@ I18NInternalResources& resources() { return I18NInternalResources::getInternalRe
 /// Runs each test in its own directory, with a resource file there.
 class I18NResourcesTest : public testing::Test {
 protected:
-    I18NResourcesTest() : m_before(std::filesystem::current_path()) {
-        std::filesystem::current_path(m_tree.root());
+    I18NResourcesTest() {
         // The name can be changed only once per process. Later tests find it changed already.
         I18NInternalResources::__changeResourceFileName("./res.xml");
     }
-    ~I18NResourcesTest() override {
-        resources().release();
-        std::filesystem::current_path(m_before);
-    }
+    ~I18NResourcesTest() override { resources().release(); }
 
     void load(const std::string& text) {
         m_tree.file("res.xml", text);
@@ -59,10 +55,7 @@ protected:
         return std::string(reinterpret_cast<char*>(bytes), static_cast<std::size_t>(length));
     }
 
-    TempTree m_tree;
-
-private:
-    std::filesystem::path m_before;
+    WorkingTree m_tree;
 };
 
 std::u16string transliterated(const icu::Transliterator* transliterator,
@@ -75,24 +68,20 @@ std::u16string transliterated(const icu::Transliterator* transliterator,
 }  // namespace
 
 TEST_F(I18NResourcesTest, TakesTheBinDirectoryFromTheFirstSetSource) {
-    const std::string lib = m_tree.dir("lib");
-    m_tree.dir("none");
+    const std::string lib = m_tree.dir("lib"), none = m_tree.dir("none"), work = m_tree.dir("work");
     m_tree.dir("configuration");
-    const std::string work = m_tree.dir("work");
     m_tree.file("lib/libQBLCore.so");
-    const std::string path = "::" + m_tree("none") + "::" + lib + ":";
-    const std::string notThere = m_tree("none"), endless(2 << 20, '/');
-    struct Row {
+    const std::string path = "::" + none + "::" + lib + ":", endless(2 << 20, '/');
+    const struct {
         const char *exec, *root, *path;
         bool configuration;
         const char* link;
         std::string expected;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"/exec", "/root", path.c_str(), true, "/link", "/exec"},
         {"", "/root", path.c_str(), true, "/link", "/root/./bin"},
         {nullptr, "", path.c_str(), true, "/link", lib},
-        {nullptr, nullptr, notThere.c_str(), true, "/link", "../bin"},
+        {nullptr, nullptr, none.c_str(), true, "/link", "../bin"},
         {nullptr, nullptr, nullptr, false, "/link \r\n/other\n", "/link/./bin"},
         {nullptr, nullptr, nullptr, false, "\n/other\n", ""},
         {nullptr, nullptr, nullptr, false, endless.c_str(), endless.substr(0, 4096) + "./bin"},
@@ -101,7 +90,7 @@ TEST_F(I18NResourcesTest, TakesTheBinDirectoryFromTheFirstSetSource) {
     const auto set = [](const char* name, const char* value) {
         value != nullptr ? setenv(name, value, 1) : unsetenv(name);
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         EXPECT_EQ(
             0, inChild([&] {
                 std::filesystem::current_path(work);
@@ -137,13 +126,12 @@ TEST_F(I18NResourcesTest, ReadsTheResourceFileFromTheBinDirectory) {
 }
 
 TEST_F(I18NResourcesTest, IgnoresInvalidSettings) {
-    struct Row {
+    const std::string tooLong = "<allowNegativeZero value=\"true\"" + std::string(1 << 20, ' ');
+    const struct {
         std::string text;
         float bytes;
         bool scaled, negative;
-    };
-    const std::string tooLong = "<allowNegativeZero value=\"true\"" + std::string(1 << 20, ' ');
-    const Row rows[] = {
+    } rows[] = {
         {"<UTF8BytesPerCodePoint value=\"3.25\"/>", 3.25F, false, false},
         {"<UTF8BytesPerCodePoint value=\"7\"/>", 4.0F, false, false},
         {"<UTF8BytesPerCodePoint value=\"0\"/>", 2.5F, false, false},
@@ -161,7 +149,7 @@ TEST_F(I18NResourcesTest, IgnoresInvalidSettings) {
         {tooLong + "/>\n<allowReplace value=\"true\"/>", 2.5F, true, false},
         {std::string("<\n<>\n</>\n\0<a\n<\"\n<=\"\"", 20), 2.5F, false, false},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.text.substr(0, 99));
         load(row.text);
         EXPECT_EQ(row.bytes, resources().getUTF8BytesPerCodePoints());
@@ -281,12 +269,9 @@ TEST_F(I18NResourcesTest, ReadsTheMostSpecificFileOfALocale) {
     EXPECT_EQ(u"aucune", word("fr_BE")) << "the file is read only once";
 
     words("it", "niente");
-    rlimit before = {};
-    getrlimit(RLIMIT_NOFILE, &before);
-    const rlimit none = {0, before.rlim_max};
-    setrlimit(RLIMIT_NOFILE, &none);
+    fault::strike(fault::Disaster::kDescriptors, 0);
     EXPECT_EQ(u"No description", word("it_IT"));
-    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_TRUE(fault::reset());
     EXPECT_EQ(u"niente", word("it_IT")) << "a failed search is repeated later";
     EXPECT_EQ(0, inChild([&] {
                   words("it_CH", "not for us");
@@ -308,8 +293,7 @@ TEST_F(I18NResourcesTest, ReadsTheMostSpecificFileOfALocale) {
     std::ifstream file(path);
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> same(std::fopen(path.c_str(), "r"),
                                                                std::fclose);
-    const char* const rest[] = {"<noDescription value=\"later\"/>\u00E9", "", "last"};
-    for (const char* expected : rest) {
+    for (const char* expected : {"<noDescription value=\"later\"/>\u00E9", "", "last"}) {
         EXPECT_TRUE(I18NInternalResources::readLineEx(line, file));
         EXPECT_EQ(expected, line);
         EXPECT_EQ(expected, I18NInternalResources::readLine(same.get()));

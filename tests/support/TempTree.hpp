@@ -42,4 +42,14 @@ private:
     std::string m_root;
 };
 
+/// A temporary directory that is the working directory while the object lives.
+class WorkingTree : public TempTree {
+public:
+    WorkingTree() { std::filesystem::current_path(root()); }
+    ~WorkingTree() { std::filesystem::current_path(m_before); }
+
+private:
+    const std::filesystem::path m_before = std::filesystem::current_path();
+};
+
 #endif
