@@ -1,7 +1,6 @@
 #include "i18n/cpp/i18n_init.h"
 
 #include <gtest/gtest.h>
-#include <unicode/uclean.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -11,7 +10,6 @@
 #include "QBLCore/Exceptions/QBLOutOfMemoryError.hpp"
 #include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/i18n_internal_resources.hpp"
-#include "i18n/cpp/i18n_locale.hpp"
 #include "i18n/cpp/i18n_string.hpp"
 #include "tests/faults/Injector.hpp"
 #include "tests/support/Child.hpp"
@@ -33,19 +31,6 @@ bool isStarted() {
     EXPECT_EQ(loaded, I18NConverter::isInitialized());
     return loaded;
 }
-
-/// Memory functions for ICU. Exactly one allocation fails.
-struct ICUMemory {
-    static long s_left;
-    static void* take(const void*, std::size_t size) {
-        return s_left-- == 0 ? nullptr : std::malloc(size);
-    }
-    static void* resize(const void*, void* block, std::size_t size) {
-        return s_left-- == 0 ? nullptr : std::realloc(block, size);
-    }
-    static void free(const void*, void* block) { std::free(block); }
-};
-long ICUMemory::s_left = 0;
 
 }  // namespace
 
@@ -106,7 +91,7 @@ TEST(I18NInitTest, ThreadsStartAndStopWhileOthersConvert) {
               }));
 }
 
-TEST(I18NInitTest, ICUOutOfMemoryThrowsOutOfMemoryError) {
+TEST(I18NInitTest, FirstUseOfICUWithoutMemoryThrowsOutOfMemoryError) {
     void (*const bodies[])() = {
         [] { I18NLocale(); }, [] { I18NString(L"e\u0301"); },
         [] { I18NConverter::shouldUseBOM("UTF-16"); },
@@ -117,17 +102,14 @@ TEST(I18NInitTest, ICUOutOfMemoryThrowsOutOfMemoryError) {
         for (long n = 0, outcome = 1; n < 500 && outcome != 0; ++n) {
             outcome = inChild([=] {
                 alarm(20);
-                UErrorCode status = U_ZERO_ERROR;
-                ICUMemory::s_left = n;
-                u_setMemoryFunctions(nullptr, ICUMemory::take, ICUMemory::resize, ICUMemory::free,
-                                     &status);
+                fault::failAllocation(n);
                 try {
                     body();
                 } catch (const QBLOutOfMemoryError&) {
                 } catch (...) {
                     return 2;
                 }
-                return ICUMemory::s_left < 0 ? 1 : 0;
+                return fault::allocationFailed() ? 1 : 0;
             });
             ASSERT_TRUE(outcome == 0 || outcome == 1) << outcome << " at " << n;
         }
