@@ -15,25 +15,15 @@
 
 namespace {
 
-/// Random numbers that are the same for 32 and 64 bits.
-class Random {
-public:
-    explicit Random(unsigned seed) : m_engine(seed) {}
-    unsigned operator()() { return static_cast<unsigned>(m_engine()); }
-
-private:
-    std::mt19937 m_engine;
-};
-
 /// Returns runs of ASCII, runs of characters from a few places in Unicode, and single characters.
-std::u16string randomText(Random& random) {
+std::u16string randomText(std::mt19937& random) {
     std::u16string text;
-    const unsigned places[] = {0xA0, 0x3040, 0x4E00, random() % 0xD700};
+    const std::size_t places[] = {0xA0, 0x3040, 0x4E00, random() % 0xD700};
     while (text.size() < 600) {
-        const unsigned kind = random() % 8, place = places[random() % 4];
+        const std::size_t kind = random() % 8, place = places[random() % 4];
         if (kind == 0) text += static_cast<char16_t>(random() % 0xFFFF);
-        for (unsigned i = random() % (kind < 4 ? 90 : 12); kind != 0 && i > 0; --i) {
-            const unsigned ascii = random() % 30 != 0 ? 0x20 + random() % 0x5F : random() % 0x80;
+        for (std::size_t i = random() % (kind < 4 ? 90 : 12); kind != 0 && i > 0; --i) {
+            const std::size_t ascii = random() % 30 != 0 ? 0x20 + random() % 0x5F : random() % 0x80;
             text += static_cast<char16_t>(kind < 4 ? ascii : place + random() % 96);
         }
     }
@@ -42,8 +32,8 @@ std::u16string randomText(Random& random) {
 
 /// Encodes the text without the characters that the encoding lacks. Unless `isValid`, then replaces
 /// some bytes by random bytes.
-std::string randomBytes(Random& random, const I18NConverter& converter, const std::u16string& text,
-                        bool isValid) {
+std::string randomBytes(std::mt19937& random, const I18NConverter& converter,
+                        const std::u16string& text, bool isValid) {
     I18NConverter only(converter);
     only.setUserDefinedUnconvertibleOutputSequenceCallback(
         [](wchar_t, const char*, char*, int*, I18NErrorCodes*) {});
@@ -61,7 +51,7 @@ TEST(I18NCodeTablesTest, StreamsConvertAsIcuInEveryEncodingWithoutShifts) {
         I18NConverter converter(I18NGetEncodingName(i, 0));
         if (!dependsOnTextAlone(converter)) continue;
         ++tested;
-        Random random(static_cast<unsigned>(i));
+        std::mt19937 random(static_cast<unsigned>(i));
         for (int run = 0; run < 2 * (I18N_STOP + 1); ++run) {
             converter.setBuiltInUnconvertibleInputSequenceCallback(run / 2);
             converter.setBuiltInUnconvertibleOutputSequenceCallback(run / 2);
@@ -82,7 +72,7 @@ TEST(I18NCodeTablesTest, ConvertersConvertAsIcuIntoAnyRoom) {
         I18NConverter converter(I18NGetEncodingName(i, 0));
         if (!dependsOnTextAlone(converter) || converter.sizeofLegacyNull() > 1) continue;
         converter.useFallback(false);
-        Random random(static_cast<unsigned>(i));
+        std::mt19937 random(static_cast<unsigned>(i));
         std::u16string text;
         while (text.size() < 8000) text += randomText(random);
         text.erase(std::remove(text.begin(), text.end(), u'\0'), text.end());
@@ -90,7 +80,7 @@ TEST(I18NCodeTablesTest, ConvertersConvertAsIcuIntoAnyRoom) {
         const Converted units = resultOf(decodedByIcu(converter, bytes));
         const Converted encoding = resultOf(encodedByIcu(converter, text));
         for (const std::size_t most : {4000, 40})
-            for (const std::size_t room : {9000U, 20 + random() % 40}) {
+            for (const std::size_t room : {std::size_t{9000}, 20 + random() % 40}) {
                 const std::size_t piece = 1 + random() % most;
                 EXPECT_TRUE(decodedInPieces(converter, bytes, piece, room) == units)
                     << converter.getEncoding() << " " << piece << " " << room;
@@ -114,7 +104,7 @@ TEST(I18NCodeTablesTest, EncodingsThatContainASCIIHaveTables) {
 }
 
 TEST(I18NCodeTablesTest, ManyThreadsFillATable) {
-    Random random(2);
+    std::mt19937 random(2);
     const std::u16string text = randomText(random);
     const I18NConverter converter("ibm-949");
     const std::string bytes = randomBytes(random, converter, text, false);
@@ -123,7 +113,7 @@ TEST(I18NCodeTablesTest, ManyThreadsFillATable) {
 }
 
 TEST(I18NCodeTablesTest, AllKernelsDecodeSinglesUpToTheBlockWithAnother) {
-    Random random(1);
+    std::mt19937 random(1);
     I18NSingleBytes table;
     for (unsigned i = 0; i < 0x100; ++i)
         table.set(static_cast<unsigned char>(i),
@@ -154,7 +144,7 @@ TEST(I18NCodeTablesTest, AllKernelsDecodeSinglesUpToTheBlockWithAnother) {
 }
 
 TEST(I18NCodeTablesTest, AllKernelsCopyASCIIAndCountItsLines) {
-    Random random(1);
+    std::mt19937 random(1);
     for (std::size_t run = 0; run < 4000; ++run) {
         const std::size_t size = run % 200;
         std::vector<char> bytes(size), out(size);

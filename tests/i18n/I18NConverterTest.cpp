@@ -12,7 +12,6 @@
 #include "fuzz/support/ConverterChecks.hpp"
 #include "i18n/cpp/i18n_converter_c.h"
 #include "i18n/cpp/i18n_converter_holders.hpp"
-#include "i18n/cpp/i18n_errors.hpp"
 #include "i18n/cpp/i18n_platform_encoding.h"
 #include "i18n/cpp/i18n_string.hpp"
 #include "tests/support/ThrowChecks.hpp"

@@ -7,7 +7,6 @@
 
 #include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/i18n_init.h"
-#include "i18n/cpp/i18n_string_iterator.hpp"
 #include "i18n/cpp/i18n_uri.hpp"
 #include "tests/support/ThrowChecks.hpp"
 #include "tests/support/Workers.hpp"
@@ -27,16 +26,6 @@ struct Arena {
         arena.blocks += (block == nullptr && size > 0) - (block != nullptr && size == 0);
         return I18N_STRINGBUFFER_ALLOCATOR_CALLBACK(nullptr, block, size, error);
     }
-};
-
-std::u16string decoded(const std::string& bytes) {
-    return I18NString(bytes.data(), nullptr, static_cast<int>(bytes.size())).toUtf16();
-}
-
-class ForcedUnicode {
-public:
-    ForcedUnicode() { I18NString::setForceUnicodeString(true); }
-    ~ForcedUnicode() { I18NString::setForceUnicodeString(false); }
 };
 
 }  // namespace
@@ -78,7 +67,10 @@ TEST(I18NStringTest, DecodesUtf8WithAnErrorValueForEachBadSequence) {
         {"\xFE\xFF", u"\u0015\u0015"},
         {std::string("\xC3\xA9\0z", 4), u"\u00E9"},
         {"0123456789abcdef\u4E2Dx", u"0123456789abcdef\u4E2Dx"}};
-    for (const auto& [bytes, text] : table) EXPECT_EQ(text, decoded(bytes)) << bytes;
+    for (const auto& [bytes, text] : table) {
+        const I18NString decoded(bytes.data(), nullptr, static_cast<int>(bytes.size()));
+        EXPECT_EQ(text, decoded.toUtf16()) << bytes;
+    }
 }
 
 TEST(I18NStringTest, NormalizesUnlessItIsSwitchedOff) {
@@ -141,10 +133,7 @@ TEST(I18NStringTest, ConvertsWithConvertersInBothDirections) {
     I18NConverter latin("ISO-8859-1");
     const I18NString text("Stra\u00DFe \u4E2D");
     latin.setBuiltInUnconvertibleOutputSequenceCallback(I18N_ESCAPE);
-    EXPECT_STREQ(
-        "Stra\xDF"
-        "e %U4E2D",
-        text.c_str(latin));
+    EXPECT_STREQ("Stra\337e %U4E2D", text.c_str(latin));
     latin.setBuiltInUnconvertibleOutputSequenceCallback(I18N_STOP);
     QBL_EXPECT_THROW(text.c_str(latin), I18NRuntimeError, nullptr, I18N_CONVERSION);
     EXPECT_EQ(I18NString("\u00DF"), I18NString("\xDF", latin));
@@ -192,7 +181,7 @@ TEST(I18NStringTest, ReadsOtherEncodingsOnceTheLayerIsInitialised) {
 
 TEST(I18NStringTest, ComparesAndHashesEquallyInBothModes) {
     for (const bool forced : {false, true}) {
-        std::unique_ptr<ForcedUnicode> force(forced ? new ForcedUnicode : nullptr);
+        I18NString::setForceUnicodeString(forced);
         const I18NString abc("abc"), abd(L"abd"), empty;
         EXPECT_EQ(!forced, abc.isUsingAsciiBuffer());
         EXPECT_EQ(8, abc.size());
@@ -202,7 +191,7 @@ TEST(I18NStringTest, ComparesAndHashesEquallyInBothModes) {
         EXPECT_EQ(empty, "");  // NOLINT(readability-container-size-empty): tests operator==
         EXPECT_LT(abc, I18NString(L"abc\u00E9"));
         std::unordered_map<I18NString, int> map{{abc, 1}};
-        force.reset();
+        I18NString::setForceUnicodeString(false);
         EXPECT_EQ(1, map.at(I18NString("abc")));
         EXPECT_EQ(abc, I18NString(u"abc", 6));
     }
