@@ -5,19 +5,9 @@
 #include <climits>
 #include <string>
 
-#include "QBLCore/FileManagement/QBLFmFile.hpp"
-#include "QBLCore/FileManagement/QBLFmFile64.hpp"
-#include "QBLCore/FileManagement/QBLFmReplaceFile.hpp"
-#include "QBLCore/FileManagement/skipRootPath.hpp"
-#include "QBLCore/Messages/QBLMessageComponents.hpp"
-#include "QBLCore/ThreadPools/QBLSentinelQueue.hpp"
-#include "QBLCore/Types/QBLByteBuffer.hpp"
-#include "QBLCore/Types/QBLVariant.hpp"
-#include "i18n/cpp/i18n_converter.hpp"
 #include "i18n/cpp/i18n_external_buffer.h"
-#include "i18n/cpp/i18n_stringpool.hpp"
-#include "i18n/cpp/i18n_text_stream.hpp"
 #include "tests/faults/Injector.hpp"
+#include "tests/support/Library.hpp"
 #include "tests/support/TempTree.hpp"
 #include "tests/support/ThrowChecks.hpp"
 
