@@ -35,13 +35,13 @@ void takeTurns(Give give, Take take) {
 template <class Lock>
 void count(Lock& lock, bool readers) {
     int number = 0;
-    std::atomic<int> next{0};
+    std::atomic<int> next{0}, total{0};
     Workers(4, [&] {
-        int self = next++, sum = 0;
+        const int self = next++;
         for (int i = 0; i < kRounds; ++i) {
             if (readers && self != 0) {
                 lock.readLock();
-                sum += number;
+                total += number;  // the compiler must not drop the read
             } else {
                 while (!lock.boundedLock(1000)) continue;
                 ++number;
@@ -50,7 +50,6 @@ void count(Lock& lock, bool readers) {
             }
             lock.unlock();
         }
-        return sum;
     });
 }
 
